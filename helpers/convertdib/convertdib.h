@@ -1,0 +1,60 @@
+// The entries of convertdib.dll, which reads and writes bitmap files. Shared by the library and its
+// callers, who load it and find the entries by name.
+#pragma once
+
+#include <windows.h>
+
+#include "helpers/saving/save_options.h"
+
+namespace tessary::convertdib {
+
+// Called while a file is read: `done` of `total`, and the caller's own value. Non-zero asks to
+// stop. At most about a hundred calls for one file, on the calling thread; must not throw.
+using ProgressCallback = int(__stdcall*)(int done, int total, LONG_PTR userData);
+
+// Where a bitmap is read to.
+struct BitmapReadRecord {
+    // In: the caller's zero-filled info block, 1064 bytes. Receives the 40-byte header.
+    void* info;
+    // In: the colour-table area, info + 40; null means just that. Receives the colour table (all
+    // entries that the depth can index, 4 bytes each) or the three masks of a 16-bit bitmap.
+    void* colorTable;
+    // In: the same address again; not used.
+    void* colorTableAgain;
+    // Out: the pixel rows, bottom row first: the address of a movable local-memory block
+    // (LocalAlloc) that is locked once. The caller gets its handle by LocalHandle, unlocks and
+    // frees it. Null after a failure.
+    void* bits;
+};
+
+// Reads a bitmap file of any kind in the plain form (helpers/dib/dib_view.h). `progress` may be
+// null. Returns non-zero on success; 0 when the file cannot be opened, is no bitmap or one that is
+// not supported, lacks its pixels altogether, is too large for the process, or when `progress`
+// asked to stop. A failure leaves the caller's info block as it was. Files that are cut short
+// within their pixels are read as far as they go. The file name is in the system's code page.
+using LoadBITMAPFileFunction = int(__stdcall*)(const char* fileName, BitmapReadRecord* record,
+                                               ProgressCallback progress, LONG_PTR userData);
+constexpr char kLoadBITMAPFileName[] = "LoadBITMAPFile";
+
+// The same for a name in UTF-16, of any length.
+using LoadBITMAPFileWFunction = int(__stdcall*)(const wchar_t* fileName, BitmapReadRecord* record,
+                                                ProgressCallback progress, LONG_PTR userData);
+constexpr char kLoadBITMAPFileWName[] = "LoadBITMAPFileW";
+
+// Writes a picture to a bitmap file, which replaces what is there when it is complete; until then,
+// and after a failure, what is there stays as it is. `info` and `bits` are the addresses of the
+// locked blocks of a plain pair (helpers/dib/dib_view.h), `options` null for the defaults. Returns
+// non-zero for success and 0 for failure, of which GetLastError then tells the reason
+// (ERROR_INVALID_DATA: the pair is not plain). The file name is in the system's code page.
+using SaveToBITMAPFileFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                 const char* fileName,
+                                                 const saving::BmpSaveOptions* options);
+constexpr char kSaveToBITMAPFileName[] = "SaveToBITMAPFile";
+
+// The same for a name in UTF-16, of any length.
+using SaveToBITMAPFileWFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                  const wchar_t* fileName,
+                                                  const saving::BmpSaveOptions* options);
+constexpr char kSaveToBITMAPFileWName[] = "SaveToBITMAPFileW";
+
+}  // namespace tessary::convertdib

@@ -1,0 +1,34 @@
+#include "helpers/convertdib/bitmap_writer.h"
+#include "helpers/convertdib/convertdib.h"
+#include "helpers/saving/save_entry.h"
+
+namespace tessary::convertdib {
+namespace {
+
+// What both entries do, for a name in either kind of text.
+template <typename Char>
+int Save(const void* info, const void* bits, const Char* fileName,
+         const saving::BmpSaveOptions* options) {
+    const saving::BmpSaveOptions chosen = options != nullptr ? *options : saving::BmpSaveOptions{};
+    const auto write = [&](const dib::DibView& picture, files::ByteSink& sink) {
+        return WriteBitmap(picture, chosen, sink);
+    };
+    return saving::SaveToFile(info, bits, fileName, write) ? 1 : 0;
+}
+
+}  // namespace
+}  // namespace tessary::convertdib
+
+using tessary::saving::BmpSaveOptions;
+
+extern "C" __declspec(dllexport) int __stdcall SaveToBITMAPFile(const void* info, const void* bits,
+                                                                const char* fileName,
+                                                                const BmpSaveOptions* options) {
+    return tessary::convertdib::Save(info, bits, fileName, options);
+}
+
+extern "C" __declspec(dllexport) int __stdcall SaveToBITMAPFileW(const void* info, const void* bits,
+                                                                 const wchar_t* fileName,
+                                                                 const BmpSaveOptions* options) {
+    return tessary::convertdib::Save(info, bits, fileName, options);
+}

@@ -1,0 +1,39 @@
+// One form for all pixels: unpacks rows of any plain picture to 24-bit or 32-bit pixels.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "helpers/dib/dib_view.h"
+
+namespace tessary::dib {
+
+// Made once per picture, used for each of its rows; independent of the pair's blocks once made.
+// Palette indexes beyond the colour table give black; 5- and 6-bit channels are widened by
+// repeating their top bits, as GDI does.
+class RowReader {
+  public:
+    explicit RowReader(const DibView& view);
+
+    // Unpacks to blue, green, red bytes. `row` is one row of the picture (DibView::Row), `bgr`
+    // takes at least width x 3 bytes; what is behind them is left alone.
+    void Row(std::span<const uint8_t> row, std::span<uint8_t> bgr) const;
+
+    // Unpacks to blue, green, red, alpha bytes: `bgra` takes at least width x 4 bytes. The fourth
+    // byte is the stored one for 32-bit pictures (alpha or junk), 255 for all others.
+    void RowBgra(std::span<const uint8_t> row, std::span<uint8_t> bgra) const;
+
+  private:
+    template <int kBytes>
+    void Unpack(std::span<const uint8_t> row, std::span<uint8_t> out) const;
+
+    PixelFormat format_;
+    size_t width_;
+    // The colour, as blue, green, red, alpha from the lowest byte up: of each palette index; for 16
+    // bits the part of it that comes from the pixel's low byte, and in high_ from its high byte.
+    std::array<uint32_t, 256> low_{};
+    std::array<uint32_t, 256> high_{};
+};
+
+}  // namespace tessary::dib

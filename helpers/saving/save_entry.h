@@ -1,0 +1,59 @@
+// What every saving entry does around its format's writer.
+#pragma once
+
+#include <windows.h>
+
+#include <new>
+
+#include "helpers/files/file_name.h"
+#include "helpers/files/replacing_file.h"
+#include "helpers/saving/picture_at.h"
+#include "helpers/saving/save_result.h"
+
+namespace tessary::saving {
+
+// The system's error code for an ending that is the writer's own.
+inline DWORD ErrorOf(SaveResult result) {
+    switch (result) {
+        case SaveResult::kCancelled:
+            return ERROR_CANCELLED;
+        case SaveResult::kTooLarge:
+            return ERROR_FILE_TOO_LARGE;
+        case SaveResult::kOutOfMemory:
+            return ERROR_NOT_ENOUGH_MEMORY;
+        default:
+            return ERROR_WRITE_FAULT;
+    }
+}
+
+// Has the picture at the two addresses written to a file, which replaces what is there. `write`
+// takes (const dib::DibView&, files::ByteSink&) and answers a SaveResult. On failure the file is as
+// it was and GetLastError tells the reason.
+template <typename Char, typename Writer>
+bool SaveToFile(const void* info, const void* bits, const Char* fileName,
+                const Writer& write) noexcept {
+    const auto save = [&]() -> DWORD {
+        if (fileName == nullptr) return ERROR_INVALID_PARAMETER;
+        const auto picture = PictureAt(info, bits);
+        if (!picture) return ERROR_INVALID_DATA;
+        files::ReplacingFile file(files::FileNameOf(fileName));
+        if (!file.IsOpen()) return file.Error();
+        const SaveResult result = write(*picture, file);
+        if (result != SaveResult::kSaved) {
+            return file.Error() != ERROR_SUCCESS ? file.Error() : ErrorOf(result);
+        }
+        return file.Commit() ? ERROR_SUCCESS : file.Error();
+    };
+    DWORD error = ERROR_INTERNAL_ERROR;
+    try {
+        error = save();
+    } catch (const std::bad_alloc&) {
+        error = ERROR_NOT_ENOUGH_MEMORY;
+    } catch (...) {
+        error = ERROR_INTERNAL_ERROR;
+    }
+    SetLastError(error);
+    return error == ERROR_SUCCESS;
+}
+
+}  // namespace tessary::saving

@@ -1,0 +1,35 @@
+// What the user can choose for each format. The records are handed to the libraries by address:
+// 16-bit fields in exactly this order.
+#pragma once
+
+#include <cstdint>
+
+namespace tessary::saving {
+
+struct BmpSaveOptions {
+    // 1: with the header of OS/2 1.x, where that can hold the picture; else a Windows bitmap.
+    int16_t saveType = 0;
+    // Not 0: run-length encoding of 4 and 8 bits per pixel in a Windows bitmap.
+    int16_t saveRLE = 0;
+};
+
+struct PngSaveOptions {
+    // Compression level, 0 (none) to 9 (smallest); beyond that the nearest of them.
+    int16_t quality = 6;
+    // Not 0: Adam7 interlace.
+    int16_t interlace = 0;
+};
+
+struct JpegSaveOptions {
+    // 0 (smallest) to 100 (best), on the scale of the JPEG library; beyond that the nearest.
+    int16_t quality = 60;
+    // Not 0: progressive, which always has optimised tables too.
+    int16_t progressive = 0;
+    // Not 0: Huffman tables made for this picture.
+    int16_t optimizedHuffman = 0;
+};
+
+static_assert(sizeof(BmpSaveOptions) == 4 && sizeof(PngSaveOptions) == 4 &&
+              sizeof(JpegSaveOptions) == 6);
+
+}  // namespace tessary::saving

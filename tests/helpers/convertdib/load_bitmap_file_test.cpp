@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "helpers/convertdib/convertdib.h"
+#include "tests/helpers/dib/sample_bitmaps.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary::convertdib::test {
+namespace {
+
+using dib::test::Bytes;
+using dib::test::TestBitmap;
+
+const TestBitmap kSmall{2, 2, 8, dib::test::k8Bits, dib::test::kRgbw};
+
+std::string Content(const TestBitmap& bitmap) {
+    const Bytes file = bitmap.File();
+    return {file.begin(), file.end()};
+}
+
+// The built library, used as the program uses it: loaded, and its entries found, by name.
+class LoadBitmapFile : public testing::Test {
+  protected:
+    void SetUp() override {
+        std::array<wchar_t, 1000> program{};
+        GetModuleFileNameW(nullptr, program.data(), program.size());
+        const auto build = std::filesystem::path(program.data()).parent_path().parent_path();
+        const HMODULE library = LoadLibraryW((build / L"bin" / L"convertdib.dll").c_str());
+        ASSERT_NE(library, nullptr);
+        const auto entry = [library](const char* name) {
+            return reinterpret_cast<void*>(GetProcAddress(library, name));
+        };
+        loadA_ = reinterpret_cast<LoadBITMAPFileFunction>(entry(kLoadBITMAPFileName));
+        loadW_ = reinterpret_cast<LoadBITMAPFileWFunction>(entry(kLoadBITMAPFileWName));
+        ASSERT_TRUE(loadA_ != nullptr && loadW_ != nullptr);
+    }
+    // The picture, as text, that a call with this result has left; frees its block.
+    std::string Taken(int result) {
+        if (result == 0) return record_.bits == nullptr ? "failed" : "failed with a block";
+        const HLOCAL block = LocalHandle(record_.bits);
+        const auto view =
+            dib::DibView::Of(info_, {static_cast<const uint8_t*>(record_.bits), LocalSize(block)});
+        const std::string picture = view ? dib::test::Show(*view) : "not plain";
+        EXPECT_EQ(LocalFlags(block) & LMEM_LOCKCOUNT, 1u);
+        LocalUnlock(block);
+        EXPECT_EQ(LocalFree(block), nullptr);
+        return picture;
+    }
+    std::string Load(const wchar_t* name, ProgressCallback progress = nullptr) {
+        return Taken(loadW_(name, &record_, progress, 0));
+    }
+
+    tessary::test::TemporaryFolder folder_;
+    LoadBITMAPFileFunction loadA_ = nullptr;
+    LoadBITMAPFileWFunction loadW_ = nullptr;
+    std::array<uint8_t, dib::kMaxInfoBlockSize> info_{};
+    BitmapReadRecord record_{info_.data(), nullptr, nullptr, nullptr};
+};
+
+TEST_F(LoadBitmapFile, OpensNamesOfEveryKind) {
+    std::wstring source;
+    for (const wchar_t* name : {L"plain.bmp", L"한글 \U0001F600.bmp", L"表示 ソ.bmp"}) {
+        source = folder_.Write(name, Content(kSmall));
+        EXPECT_EQ(Load(source.c_str()), "RG/BW");
+    }
+    std::array<char, 1000> ansi{};
+    WideCharToMultiByte(CP_ACP, 0, source.c_str(), -1, ansi.data(), ansi.size(), nullptr, nullptr);
+    EXPECT_EQ(Taken(loadA_(ansi.data(), &record_, nullptr, 0)), "RG/BW");
+
+    std::wstring deep = L"\\\\?\\" + folder_.Path();
+    for (int i = 0; i < 5; ++i) {
+        deep += std::wstring(60, L'あ') + L'\\';
+        ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
+    }
+    deep += L"長い.bmp";
+    ASSERT_TRUE(CopyFileW(source.c_str(), deep.c_str(), TRUE));
+    EXPECT_EQ(Load(deep.c_str()), "RG/BW");
+    EXPECT_EQ(Load(deep.c_str() + 4), "RG/BW");
+}
+
+TEST_F(LoadBitmapFile, WritesTheColorTableWhereTheRecordSays) {
+    std::array<uint8_t, 1024> table{};
+    record_.colorTable = table.data();
+    ASSERT_EQ(Load(folder_.Write(L"a.bmp", Content(kSmall)).c_str()), "../..");
+    EXPECT_EQ(Bytes(&table[0], &table[8]), Bytes({0, 0, 255, 0, 0, 255, 0, 0}));
+}
+
+TEST_F(LoadBitmapFile, FailsWithoutTrace) {
+    const std::wstring bad = folder_.Write(L"bad.bmp", "BMW");
+    const std::wstring huge = folder_.Write(L"huge.bmp", Content({20000, 20000, 32, {1}}));
+    const std::wstring good = folder_.Write(L"good.bmp", Content(kSmall));
+    const wchar_t* const none = nullptr;
+    for (const wchar_t* name : {none, L"", L"no such file.bmp", L"NUL", bad.c_str(), huge.c_str(),
+                                folder_.Path().c_str()}) {
+        record_.bits = this;
+        EXPECT_EQ(Load(name), "failed");
+    }
+    const auto stop = [](int, int, LONG_PTR) __attribute__((stdcall)) {
+        return 1;
+    };
+    EXPECT_EQ(Load(good.c_str(), stop), "failed");
+    EXPECT_EQ(info_, decltype(info_){});
+    EXPECT_EQ(loadW_(good.c_str(), nullptr, nullptr, 0), 0);
+    record_.info = nullptr;
+    EXPECT_EQ(Load(good.c_str()), "failed");
+}
+
+TEST_F(LoadBitmapFile, SharesTheFileAndTellsProgressNowAndThen) {
+    constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const auto path = folder_.Write(L"big.bmp", Content({3000, 3000, 24, Bytes(27000000)}));
+    const HANDLE other = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, kAll,
+                                     nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(other, INVALID_HANDLE_VALUE);
+    const auto note = [](int done, int total, LONG_PTR userData) __attribute__((stdcall)) {
+        EXPECT_EQ(total, 100);
+        reinterpret_cast<std::vector<int>*>(userData)->push_back(done);
+        return 0;
+    };
+    std::vector<int> percents;
+    EXPECT_NE(loadW_(path.c_str(), &record_, note, reinterpret_cast<LONG_PTR>(&percents)), 0);
+    CloseHandle(other);
+    LocalUnlock(LocalHandle(record_.bits));
+    LocalFree(LocalHandle(record_.bits));
+    EXPECT_GT(percents.size(), 50u);
+    EXPECT_LE(percents.size(), 101u);
+    EXPECT_EQ(percents.back(), 100);
+}
+
+}  // namespace
+}  // namespace tessary::convertdib::test
