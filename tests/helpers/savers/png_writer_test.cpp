@@ -1,0 +1,111 @@
+#include "helpers/dcpng/png_writer.h"
+
+#include <png.h>
+
+#include <map>
+
+#include "tests/helpers/savers/sample_pictures.h"
+
+namespace tessary::saving::test {
+namespace {
+
+Bytes Saved(const SamplePicture& picture, PngSaveOptions options = {}) {
+    KeptBytes sink;
+    EXPECT_EQ(dcpng::WritePng(picture.View(), options, sink, {}), SaveResult::kSaved);
+    return sink.bytes;
+}
+
+// What the library's own reader sees.
+Bytes PixelsOf(const Bytes& file) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    EXPECT_TRUE(png_image_begin_read_from_memory(&image, file.data(), file.size()));
+    image.format = PNG_FORMAT_BGRA;
+    Bytes pixels(PNG_IMAGE_SIZE(image));
+    EXPECT_TRUE(png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr));
+    EXPECT_EQ(image.warning_or_error, 0u) << image.message;
+    return pixels;
+}
+
+std::map<std::string, Bytes> Chunks(const Bytes& file) {
+    std::map<std::string, Bytes> chunks;
+    for (size_t at = 8; at < file.size();) {
+        const size_t size = png_get_uint_32(&file[at]);
+        chunks[std::string(&file[at + 4], &file[at + 8])] = {&file[at + 8], &file[at + 8] + size};
+        at += 12 + size;
+    }
+    return chunks;
+}
+
+// Bit depth, colour type and entries of the colour table.
+std::vector<size_t> FormOf(const Bytes& file) {
+    auto chunks = Chunks(file);
+    return {chunks["IHDR"][8], chunks["IHDR"][9], chunks["PLTE"].size() / 3};
+}
+
+void SetFourthBytes(Bytes& pixels, uint8_t value) {
+    for (size_t i = 3; i < pixels.size(); i += 4)
+        pixels[i] = value;
+}
+
+TEST(PngWriter, ComesBackPixelForPixel) {
+    const auto palette = [](PixelFormat format, int32_t width) {
+        return width % 3 == 0 ? Greys(format) : Colors(format, width % 3 == 1 ? 256 : 2);
+    };
+    ForEachPicture(palette, [](const SamplePicture& picture) {
+        const dib::DibView view = picture.View();
+        for (const int16_t interlace : {0, 1}) {
+            const Bytes file = Saved(picture, {static_cast<int16_t>(view.Width() % 10), interlace});
+            Bytes expected = Bgra(view);
+            if (FormOf(file)[1] != PNG_COLOR_TYPE_RGB_ALPHA) SetFourthBytes(expected, 255);
+            EXPECT_EQ(PixelsOf(file), expected);
+            EXPECT_EQ(Chunks(file)["IHDR"][12], interlace);
+        }
+    });
+}
+
+TEST(PngWriter, KeepsTheFormOfThePixels) {
+    using Form = std::vector<size_t>;
+    const auto form = [](PixelFormat format, const Palette& palette) {
+        return FormOf(Saved({format, 400, 200, palette}));
+    };
+    Palette oddGreys = Greys(PixelFormat::kIndexed4);
+    oddGreys[3] = {100, 100, 100, 0};
+    for (const PixelFormat format : kAllFormats) {
+        const size_t bits = dib::BitsPerPixel(format);
+        const bool hasTable = bits <= 8;
+        const Form colored = hasTable ? Form{bits, 3, size_t{1} << bits}
+                                      : Form{8, format == PixelFormat::kBgrx32 ? 6u : 2u, 0};
+        EXPECT_EQ(form(format, Colors(format)), colored);
+        EXPECT_EQ(form(format, Greys(format)), hasTable ? Form({bits, 0, 0}) : colored);
+    }
+    EXPECT_EQ(form(PixelFormat::kIndexed1, Colors(PixelFormat::kIndexed1, 1)), Form({1, 3, 2}));
+    EXPECT_EQ(form(PixelFormat::kIndexed4, oddGreys), Form({4, 3, 16}));
+    EXPECT_EQ(form(PixelFormat::kIndexed8, oddGreys), Form({8, 0, 0}));
+    SamplePicture few(PixelFormat::kIndexed8, 8, 1, Colors(PixelFormat::kIndexed8));
+    few.bits = {4, 0, 1, 4, 3, 2, 1, 0};
+    EXPECT_EQ(FormOf(Saved(few)), Form({8, 3, 5}));
+
+    SamplePicture opaque(PixelFormat::kBgrx32, 40, 20, {});
+    for (const uint8_t value : {0, 255, 0xCD}) {
+        SetFourthBytes(opaque.bits, value);
+        EXPECT_EQ(FormOf(Saved(opaque)), Form({8, 2, 0}));
+    }
+    opaque.bits.back() = 0;
+    EXPECT_EQ(FormOf(Saved(opaque)), Form({8, 6, 0}));
+}
+
+TEST(PngWriter, TakesLevelAndResolution) {
+    SamplePicture picture(PixelFormat::kBgr24, 300, 100, {}, 3);
+    const auto size = [&](int16_t level) { return Saved(picture, {level, 0}).size(); };
+    EXPECT_GT(size(0), picture.bits.size());
+    EXPECT_LT(size(9), size(1));
+    EXPECT_EQ(size(-3), size(0));
+    EXPECT_EQ(size(99), size(9));
+    EXPECT_EQ(Chunks(Saved(picture))["pHYs"], Bytes({0, 0, 0x2E, 0x23, 0, 0, 0x17, 0x12, 1}));
+    picture.info[27] = 0x80;  // a negative resolution
+    EXPECT_EQ(Chunks(Saved(picture)).count("pHYs"), 0u);
+}
+
+}  // namespace
+}  // namespace tessary::saving::test

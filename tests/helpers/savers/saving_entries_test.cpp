@@ -1,0 +1,204 @@
+// The entries of the three libraries, as the program calls them, and what they leave on the disk.
+#include <map>
+
+#include "helpers/convertdib/convertdib.h"
+#include "helpers/dcjpeg/dcjpeg.h"
+#include "helpers/dcpng/dcpng.h"
+#include "helpers/files/replacing_file.h"
+#include "tests/helpers/kernel/loaded_kernel.h"
+#include "tests/helpers/savers/sample_pictures.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary::saving::test {
+namespace {
+
+constexpr wchar_t kDyingVariable[] = L"TESSARY_TEST_DIES_SAVING";
+constexpr int kDyingExitCode = 77;
+
+// What the progress callback does; it gets no value of its own.
+struct {
+    int stopAtPercent;
+    bool dies;
+} callback;
+
+int __stdcall Callback(int done, int total, LONG_PTR userData) {
+    EXPECT_EQ(total, 100);
+    EXPECT_EQ(userData, 0);
+    if (done < callback.stopAtPercent) return 0;
+    if (callback.dies) TerminateProcess(GetCurrentProcess(), kDyingExitCode);
+    return 1;
+}
+
+const auto kCallback = reinterpret_cast<LONG_PTR>(&Callback);
+
+std::string ReadFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class SavingEntries : public testing::Test {
+  protected:
+    struct Library {
+        const wchar_t* file;
+        std::string entry;  // with a W behind it for names in UTF-16
+        const char* start;  // of a file in this format
+        bool reports;
+        bool zeroIsSuccess;
+    };
+    static inline const Library kLibraries[] = {
+        {L"convertdib.dll", convertdib::kSaveToBITMAPFileName, "BM", false, false},
+        {L"dcpng.dll", dcpng::kSaveToPNGFileName, "\x89PNG", true, true},
+        {L"dcjpeg.dll", dcjpeg::kSaveToJPEGFileName, "\xFF\xD8\xFF", true, false}};
+
+    // The error, 0 for none. `name` is text of either kind, `progress` an address.
+    template <typename Char>
+    static DWORD Save(const Library& library, const SamplePicture& picture, const Char* name,
+                      const void* options = nullptr, LONG_PTR progress = 0) {
+        using Silent = int(__stdcall*)(const void*, const void*, const Char*, const void*);
+        using Reporting =
+            int(__stdcall*)(const void*, const void*, const Char*, const void*, LONG_PTR);
+        const std::string entry = library.entry + (sizeof(Char) == 1 ? "" : "W");
+        const kernel::LoadedFile file(library.file);
+        const void* info = picture.info.data();
+        const void* bits = picture.bits.data();
+        const int result =
+            library.reports
+                ? file.Entry<Reporting>(entry.c_str())(info, bits, name, options, progress)
+                : file.Entry<Silent>(entry.c_str())(info, bits, name, options);
+        const DWORD error = GetLastError();
+        EXPECT_EQ(error == ERROR_SUCCESS, (result == 0) == library.zeroIsSuccess);
+        return error;
+    }
+
+    std::wstring At(const wchar_t* name) const { return folder_.Path() + name; }
+    // The names and contents of all files in the test's folder.
+    std::map<std::wstring, std::string> Folder() const {
+        std::map<std::wstring, std::string> files;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+            files[entry.path().filename().wstring()] =
+                entry.is_directory() ? "folder" : ReadFile(entry.path());
+        }
+        return files;
+    }
+
+    tessary::test::TemporaryFolder folder_;
+    SamplePicture picture_{PixelFormat::kBgr24, 200, 150, {}};
+};
+
+TEST_F(SavingEntries, ReplaceFilesWithNamesOfEveryKind) {
+    std::wstring deep = folder_.Path();
+    for (int i = 0; i < 5; ++i) {
+        deep += std::wstring(60, L'深');
+        CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr);
+        deep += L'\\';
+    }
+    const std::wstring japanese = At(L"表示 ソ");
+    char ansi[1000];
+    WideCharToMultiByte(CP_ACP, 0, japanese.c_str(), -1, ansi, sizeof(ansi), nullptr, nullptr);
+    for (const Library& library : kLibraries) {
+        folder_.Write(L"表示 ソ", std::string(1 << 20, 'x'));
+        for (const std::wstring& path : {At(L"한글 \U0001F600"), japanese, deep + L"long"})
+            EXPECT_EQ(Save(library, picture_, path.c_str()), 0u);
+        const std::string saved = ReadFile(japanese);
+        EXPECT_TRUE(saved.starts_with(library.start));
+        EXPECT_EQ(ReadFile(At(L"한글 \U0001F600")), saved);
+        EXPECT_TRUE(CopyFileW((L"\\\\?\\" + deep + L"long").c_str(), At(L"copy").c_str(), FALSE));
+        EXPECT_EQ(ReadFile(At(L"copy")), saved);
+        folder_.Write(L"表示 ソ");
+        EXPECT_EQ(Save(library, picture_, ansi), 0u);
+        EXPECT_EQ(ReadFile(japanese), saved);
+        EXPECT_EQ(Folder().size(), 4u);
+    }
+}
+
+TEST_F(SavingEntries, TakeTheOptions) {
+    const auto saved = [&](size_t library, const int16_t* options) {
+        EXPECT_EQ(Save(kLibraries[library], picture_, At(L"a").c_str(), options), 0u);
+        return ReadFile(At(L"a"));
+    };
+    const int16_t defaults[][3] = {{0, 0}, {6, 0}, {60, 0, 0}};
+    for (size_t i = 0; i < std::size(kLibraries); ++i)
+        EXPECT_EQ(saved(i, nullptr), saved(i, defaults[i]));
+    const int16_t changed[][3] = {{1, 0}, {6, 1}, {60, 1, 0}};
+    EXPECT_EQ(saved(0, changed[0])[14], 12) << "OS/2";
+    EXPECT_EQ(saved(1, changed[1])[28], 1) << "interlace";
+    EXPECT_NE(saved(2, changed[2]).find("\xFF\xC2"), std::string::npos) << "progressive";
+}
+
+TEST_F(SavingEntries, FailWithoutTrace) {
+    const std::wstring old = folder_.Write(L"old", "old content");
+    const std::wstring readOnly = folder_.Write(L"read-only", "precious");
+    SetFileAttributesW(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
+    CreateDirectoryW(At(L"folder").c_str(), nullptr);
+    std::ofstream(std::filesystem::path(At(L"busy"))) << "in use";
+    const HANDLE user = CreateFileW(At(L"busy").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    const auto before = Folder();
+    SamplePicture huge = picture_;
+    huge.info[6] = huge.info[10] = 1;  // 65 thousand pixels more in both directions
+    SamplePicture odd = picture_;
+    odd.info[14] = 23;
+    SamplePicture empty = picture_;
+    empty.bits = Bytes();  // data() is null then
+    const struct {
+        const SamplePicture& picture;
+        std::wstring file;
+        DWORD error;
+    } cases[] = {
+        {huge, old, ERROR_INVALID_DATA},
+        {odd, old, ERROR_INVALID_DATA},
+        {empty, old, ERROR_INVALID_DATA},
+        {picture_, L"", ERROR_INVALID_NAME},
+        {picture_, L"NUL", ERROR_INVALID_NAME},
+        {picture_, folder_.Path(), ERROR_INVALID_NAME},
+        {picture_, At(L"folder"), ERROR_ACCESS_DENIED},
+        {picture_, At(L"none\\a"), ERROR_PATH_NOT_FOUND},
+        {picture_, readOnly, ERROR_ACCESS_DENIED},
+        {picture_, At(L"busy"), ERROR_SHARING_VIOLATION},
+    };
+    callback = {50, false};
+    for (const Library& library : kLibraries) {
+        for (const auto& c : cases)
+            EXPECT_EQ(Save(library, c.picture, c.file.c_str()), c.error) << &c - cases;
+        EXPECT_EQ(Save<char>(library, picture_, nullptr), DWORD{ERROR_INVALID_PARAMETER});
+        EXPECT_EQ(Save<wchar_t>(library, picture_, nullptr), DWORD{ERROR_INVALID_PARAMETER});
+        if (!library.reports) continue;
+        EXPECT_EQ(Save(library, picture_, old.c_str(), nullptr, kCallback), DWORD{ERROR_CANCELLED});
+    }
+    EXPECT_TRUE(Folder() == before);
+    CloseHandle(user);
+    SetFileAttributesW(readOnly.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+// The test starts itself once more, and that process dies while it saves.
+TEST_F(SavingEntries, LeaveTheOldFileWhenTheProcessDies) {
+    if (const wchar_t* path = _wgetenv(kDyingVariable)) {
+        callback = {50, true};
+        Save(kLibraries[1], picture_, path, nullptr, kCallback);
+        return;
+    }
+    _wputenv_s(kDyingVariable, folder_.Write(L"old", "old content").c_str());
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    EXPECT_EQ(_wspawnl(_P_WAIT, program, L"test", L"--gtest_filter=*ProcessDies", nullptr),
+              kDyingExitCode);
+    _wputenv_s(kDyingVariable, L"");
+    EXPECT_EQ(Folder(), (std::map<std::wstring, std::string>{{L"old", "old content"}}));
+}
+
+TEST_F(SavingEntries, WriteThroughTheBufferInOrder) {
+    std::string expected;
+    files::ReplacingFile file(At(L"a"));
+    ASSERT_TRUE(file.IsOpen());
+    for (const size_t size : {100, 0, 262000, 144, 1, 131072, 131073, 300000, 262144, 5}) {
+        const Bytes piece(size, static_cast<uint8_t>(expected.size() % 251));
+        expected.append(piece.begin(), piece.end());
+        ASSERT_TRUE(file.Write(piece));
+    }
+    EXPECT_FALSE(std::filesystem::exists(At(L"a")));
+    EXPECT_TRUE(file.Commit());
+    EXPECT_TRUE(Folder() == (std::map<std::wstring, std::string>{{L"a", expected}}));
+}
+
+}  // namespace
+}  // namespace tessary::saving::test
