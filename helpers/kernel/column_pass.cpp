@@ -1,0 +1,116 @@
+#include "helpers/kernel/column_pass.h"
+
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace tessary::kernel {
+namespace {
+
+constexpr size_t kBlock = 16;  // samples mixed at a time: one register of bytes
+constexpr int kMostFractionBits = 22;
+
+// Sums of 16 neighbouring samples, 4 to a register.
+struct BlockSums {
+    __m128i sum[4];
+};
+
+__m128i Load(const uint8_t* from) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+}
+
+// Adds upper * weight + lower * weight for each of the 16 sample pairs; `pairOfWeights` repeats the
+// two weights. Interleaving the rows makes each pair the two neighbours that pmaddwd multiplies and
+// adds.
+inline void AddRowPair(BlockSums& sums, __m128i upper, __m128i lower, __m128i pairOfWeights) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i left = _mm_unpacklo_epi8(upper, lower);
+    const __m128i right = _mm_unpackhi_epi8(upper, lower);
+    const auto addTo = [&](__m128i& sum, __m128i samples) {
+        sum = _mm_add_epi32(sum, _mm_madd_epi16(samples, pairOfWeights));
+    };
+    addTo(sums.sum[0], _mm_unpacklo_epi8(left, zero));
+    addTo(sums.sum[1], _mm_unpackhi_epi8(left, zero));
+    addTo(sums.sum[2], _mm_unpacklo_epi8(right, zero));
+    addTo(sums.sum[3], _mm_unpackhi_epi8(right, zero));
+}
+
+inline __m128i PairOfWeights(int16_t upper, int16_t lower) {
+    const uint32_t pair =
+        static_cast<uint16_t>(upper) | static_cast<uint32_t>(static_cast<uint16_t>(lower)) << 16;
+    return _mm_set1_epi32(static_cast<int32_t>(pair));
+}
+
+// Mixes the kBlock samples at `at` into mixed[0 .. kBlock).
+inline void MixBlock(std::span<const uint8_t* const> rows, std::span<const int16_t> weights,
+                     size_t at, float unit, bool add, float* mixed) {
+    BlockSums sums = {_mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128(),
+                      _mm_setzero_si128()};
+    const size_t even = rows.size() / 2 * 2;
+    for (size_t row = 0; row < even; row += 2) {
+        AddRowPair(sums, Load(rows[row] + at), Load(rows[row + 1] + at),
+                   PairOfWeights(weights[row], weights[row + 1]));
+    }
+    if (even < rows.size()) {
+        AddRowPair(sums, Load(rows[even] + at), _mm_setzero_si128(),
+                   PairOfWeights(weights[even], 0));
+    }
+    const __m128 scale = _mm_set1_ps(unit);
+    for (const __m128i& sum : sums.sum) {
+        __m128 four = _mm_mul_ps(_mm_cvtepi32_ps(sum), scale);
+        if (add) four = _mm_add_ps(four, _mm_loadu_ps(mixed));
+        _mm_storeu_ps(mixed, four);
+        mixed += 4;
+    }
+}
+
+}  // namespace
+
+void FixedWeights::Assign(std::span<const double> weights) {
+    double largest = 0;
+    double sumOfSizes = 0;
+    for (const double weight : weights) {
+        largest = std::max(largest, std::fabs(weight));
+        sumOfSizes += std::fabs(weight);
+    }
+    // Rounding moves a weight by at most one step, so each counts as one step larger.
+    int bits = kMostFractionBits;
+    const auto fits = [&](int fractionBits) {
+        const double steps = std::ldexp(1.0, fractionBits);
+        return largest * steps + 1 <= INT16_MAX &&
+               (sumOfSizes * steps + static_cast<double>(weights.size())) * UINT8_MAX <= INT32_MAX;
+    };
+    while (!fits(bits))
+        --bits;
+
+    // Rounding the running sum instead of each weight makes the total exact.
+    const double steps = std::ldexp(1.0, bits);
+    unit_ = static_cast<float>(1 / steps);
+    values_.clear();
+    double exact = 0;
+    double rounded = 0;
+    for (const double weight : weights) {
+        exact += weight * steps;
+        const double next = std::round(exact);
+        values_.push_back(static_cast<int16_t>(next - rounded));
+        rounded = next;
+    }
+}
+
+void MixRows(std::span<const uint8_t* const> rows, std::span<const int16_t> weights, float unit,
+             bool add, std::span<float> out) {
+    const size_t wholeBlocks = out.size() / kBlock * kBlock;
+    for (size_t at = 0; at < wholeBlocks; at += kBlock)
+        MixBlock(rows, weights, at, unit, add, &out[at]);
+    if (wholeBlocks == out.size()) return;
+
+    // What is left is less than a block: mix the last whole block and take its end.
+    const size_t lastBlock = out.size() - kBlock;
+    float block[kBlock];
+    std::copy(&out[lastBlock], &out[lastBlock] + kBlock, block);
+    MixBlock(rows, weights, lastBlock, unit, add, block);
+    std::copy(block + (wholeBlocks - lastBlock), block + kBlock, &out[wholeBlocks]);
+}
+
+}  // namespace tessary::kernel

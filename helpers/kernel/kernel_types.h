@@ -1,0 +1,57 @@
+// What the picture kernel's library, its plug-in files and their callers exchange.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tessary::kernel {
+
+// An image of the kernel. A number in a pointer's clothes: it is never an address, and that of a
+// destroyed image is not given again, so that a stale one is told apart.
+struct ImageTag;
+using HIMAGE = ImageTag*;
+
+// What every entry of the kernel answers.
+enum KernelResult : int32_t {
+    kKernelOk = 0,
+    kKernelBadParameter = 1,  // a null address, a size below 1, an unknown filter, a short record
+    kKernelBadHandle = 2,     // not an image, or one that was destroyed
+    kKernelBadPicture = 3,    // the pair is not in the plain form (helpers/dib/dib_view.h)
+    kKernelTooLarge = 4,      // more pixels than a bitmap can hold: 2 GB
+    kKernelOutOfMemory = 5,
+    kKernelCannotWrite = 6,  // the file could not be written; what was there before is untouched
+    kKernelNotLoaded = 7,    // pic_kernel.dll is not in the process
+    kKernelInternalError = 8,
+};
+
+// Values of ResizeParameters::filter.
+enum class ResizeFilter : uint32_t {
+    // Lanczos-3 where the axis shrinks, Catmull-Rom where it grows or keeps its length.
+    kAutomatic = 0,
+    // Sinc windowed by the main lobe of a sinc three times as wide. Keeps the most detail when
+    // shrinking; rings when enlarging.
+    kLanczos3 = 1,
+    // Bicubic with B = 0, C = 1/2. Passes through the source's own values, so that enlarged text
+    // and line art stay crisp where the smoother Mitchell filter blurs them.
+    kCatmullRom = 2,
+};
+
+struct ResizeParameters {
+    uint32_t size;    // bytes of this record: sizeof(ResizeParameters)
+    int32_t width;    // pixels of the new image, above 0
+    int32_t height;   // above 0: the new image always has its bottom row first
+    uint32_t filter;  // a ResizeFilter
+};
+
+// Where the blocks of an image lie. They belong to the image and stay where they are as long as it
+// exists.
+struct ImageBlocks {
+    uint32_t size;     // in: sizeof(ImageBlocks)
+    const void* info;  // 40-byte header, then masks or colour table
+    size_t infoSize;   // bytes
+    const void* bits;  // pixel rows
+    size_t bitsSize;   // bytes
+    void* ownBits;     // the rows again when they may be written, null for an attached picture
+};
+
+}  // namespace tessary::kernel

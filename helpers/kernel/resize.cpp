@@ -1,0 +1,133 @@
+#include "helpers/kernel/resize.h"
+
+#include <algorithm>
+#include <cassert>
+#include <stdexcept>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "helpers/kernel/column_pass.h"
+#include "helpers/kernel/row_pass.h"
+#include "helpers/kernel/source_rows.h"
+
+namespace tessary::kernel {
+namespace {
+
+constexpr uint64_t kMostThreads = 8;
+// Below this many bytes of both pictures per thread, starting one costs more than it saves.
+constexpr uint64_t kBytesPerThread = 1u << 20;
+// Keeps the bytes of one row of floats far below what a 32-bit size can count.
+constexpr int32_t kMostWidth = 1 << 26;
+
+// What all threads of one resize share.
+struct Job {
+    const dib::DibView& source;
+    FilterAxis vertical;
+    RowFilter horizontal;
+    size_t width;
+    int32_t height;
+    size_t stride;
+    std::span<uint8_t> rows;
+};
+
+// Makes a run of neighbouring target rows. Everything it needs is allocated when it is made, so
+// that nothing can fail in a thread.
+class Band {
+  public:
+    // Target rows first <= y < end, counted from the top.
+    Band(const Job& job, int32_t first, int32_t end)
+        : job_(job),
+          first_(first),
+          end_(end),
+          source_(job.source, job.vertical.MostWeights()),
+          mixed_(SourceRows::RowBytes(job.source) + RowFilter::kPadding) {
+        const auto most = static_cast<size_t>(job.vertical.MostWeights());
+        weights_.reserve(most);
+        fixed_.Reserve(most);
+        rows_.reserve(most);
+    }
+
+    void Run() {
+        for (int32_t y = first_; y < end_; ++y) {
+            MixSourceRows(y);
+            const auto stored = static_cast<size_t>(job_.height - 1 - y);
+            const auto row = job_.rows.subspan(stored * job_.stride, job_.stride);
+            job_.horizontal.Apply(mixed_, row);
+            std::fill(row.begin() + static_cast<ptrdiff_t>(job_.width * 3), row.end(), uint8_t{0});
+        }
+    }
+
+  private:
+    // Mixes the source rows of target row y into mixed_, as many at a time as can be held.
+    void MixSourceRows(int32_t y) {
+        const int32_t top = job_.vertical.WeightsOf(y, weights_);
+        fixed_.Assign(weights_);
+        const auto window = static_cast<size_t>(source_.Window());
+        const auto out = std::span(mixed_).first(mixed_.size() - RowFilter::kPadding);
+        for (size_t done = 0; done < weights_.size(); done += window) {
+            const size_t count = std::min(window, weights_.size() - done);
+            rows_.clear();
+            for (size_t i = done; i < done + count; ++i)
+                rows_.push_back(source_.Row(top + static_cast<int32_t>(i)));
+            MixRows(rows_, fixed_.Values().subspan(done, count), fixed_.Unit(), done > 0, out);
+        }
+    }
+
+    const Job& job_;
+    int32_t first_;
+    int32_t end_;
+    SourceRows source_;
+    std::vector<double> weights_;
+    FixedWeights fixed_;
+    std::vector<const uint8_t*> rows_;
+    std::vector<float> mixed_;  // one row of the source's width and the padding behind it
+};
+
+int32_t BandCount(const Job& job) {
+    const uint64_t bytes = uint64_t{job.source.Bits().size()} + job.rows.size();
+    const uint64_t cores =
+        std::clamp<uint64_t>(std::thread::hardware_concurrency(), 1, kMostThreads);
+    const uint64_t bands = std::clamp<uint64_t>(bytes / kBytesPerThread, 1, cores);
+    return static_cast<int32_t>(std::min<uint64_t>(bands, static_cast<uint64_t>(job.height)));
+}
+
+}  // namespace
+
+void Resize(const dib::DibView& source, int32_t width, int32_t height, ResizeFilter filter,
+            std::span<uint8_t> rows) {
+    if (source.Width() > kMostWidth) throw std::length_error("picture too wide");
+    const FilterAxis across(source.Width(), width, filter);
+    const Job job{source,
+                  FilterAxis(source.Height(), height, filter),
+                  RowFilter(across, width, SourceRows::PixelBytes(source)),
+                  static_cast<size_t>(width),
+                  height,
+                  static_cast<size_t>(dib::RowStride(static_cast<uint64_t>(width), 24)),
+                  rows};
+    assert(rows.size() == job.stride * static_cast<size_t>(height));
+
+    const int32_t count = BandCount(job);
+    std::vector<Band> bands;
+    bands.reserve(static_cast<size_t>(count));
+    const auto boundary = [&](int32_t band) {
+        return static_cast<int32_t>(int64_t{height} * band / count);
+    };
+    for (int32_t band = 0; band < count; ++band)
+        bands.emplace_back(job, boundary(band), boundary(band + 1));
+
+    std::vector<std::jthread> threads;
+    threads.reserve(bands.size());
+    size_t started = 1;
+    try {
+        for (; started < bands.size(); ++started)
+            threads.emplace_back([&band = bands[started]] { band.Run(); });
+    } catch (const std::system_error&) {
+        // No further thread to be had: the bands left over run here.
+    }
+    bands.front().Run();
+    for (size_t band = started; band < bands.size(); ++band)
+        bands[band].Run();
+}
+
+}  // namespace tessary::kernel

@@ -1,0 +1,22 @@
+// Resizing a picture of any depth to 24 bits.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "helpers/dib/dib_view.h"
+#include "helpers/kernel/resize_filter.h"
+
+namespace tessary::kernel {
+
+// Resizes `source` to width x height pixels (both above 0), written to `rows` as 24-bit pixels,
+// bottom row first, each row padded with zeros to 4 bytes: RowStride(width, 24) x height bytes.
+//
+// The colour values are mixed as they are stored (no gamma). Rows are mixed first, then pixels, in
+// one pass over the source on as many threads as the machine has cores; beside `rows` only a few
+// source rows are held in memory. The fourth byte of 32-bit pixels is ignored. Throws
+// std::bad_alloc or std::length_error when memory runs out.
+void Resize(const dib::DibView& source, int32_t width, int32_t height, ResizeFilter filter,
+            std::span<uint8_t> rows);
+
+}  // namespace tessary::kernel

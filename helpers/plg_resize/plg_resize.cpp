@@ -1,0 +1,73 @@
+// plg_resize.fplg: makes resized images of the kernel's images. The contract is in
+// helpers/kernel/pic_kernel.h.
+#include <utility>
+
+#include "helpers/kernel/kernel_library.h"
+#include "helpers/kernel/resize.h"
+
+using namespace tessary;
+using namespace tessary::kernel;
+
+namespace {
+
+bool AreValid(const ResizeParameters& parameters) {
+    return parameters.size >= sizeof(parameters) && parameters.width > 0 && parameters.height > 0 &&
+           parameters.filter <= static_cast<uint32_t>(ResizeFilter::kCatmullRom);
+}
+
+dib::BitmapInfoHeader ResizedHeader(const dib::BitmapInfoHeader& source,
+                                    const ResizeParameters& parameters) {
+    dib::BitmapInfoHeader header{};
+    header.size = dib::kInfoHeaderSize;
+    header.width = parameters.width;
+    header.height = parameters.height;
+    header.planes = 1;
+    header.bitCount = 24;
+    header.xPelsPerMeter = source.xPelsPerMeter;
+    header.yPelsPerMeter = source.yPelsPerMeter;
+    return header;
+}
+
+// An image under construction: destroyed unless it is finished and handed on.
+class NewImage {
+  public:
+    explicit NewImage(const KernelLibrary& kernel) : kernel_(kernel) {}
+    NewImage(const NewImage&) = delete;
+    NewImage& operator=(const NewImage&) = delete;
+    ~NewImage() {
+        if (image_ != nullptr) kernel_.destroyImage(image_);
+    }
+
+    KernelResult Create(const dib::BitmapInfoHeader& header) {
+        return kernel_.createImage(&header, sizeof(header), &image_);
+    }
+    std::span<uint8_t> Bits() const {
+        const ImageBlocks blocks = kernel_.BlocksOf(image_).value();
+        return {static_cast<uint8_t*>(blocks.ownBits), blocks.bitsSize};
+    }
+    HIMAGE Release() { return std::exchange(image_, nullptr); }
+
+  private:
+    const KernelLibrary& kernel_;
+    HIMAGE image_ = nullptr;
+};
+
+}  // namespace
+
+extern "C" __declspec(dllexport) KernelResult
+    __stdcall do_filter(HIMAGE source, const ResizeParameters* parameters, HIMAGE* out) {
+    if (out == nullptr) return kKernelBadParameter;
+    *out = nullptr;
+    if (parameters == nullptr || !AreValid(*parameters)) return kKernelBadParameter;
+    return CallWithKernel([&](const KernelLibrary& kernel) {
+        const std::optional<dib::DibView> view = kernel.ViewOf(source);
+        if (!view) return kKernelBadHandle;
+        NewImage resized(kernel);
+        const KernelResult result = resized.Create(ResizedHeader(view->Header(), *parameters));
+        if (result != kKernelOk) return result;
+        Resize(*view, parameters->width, parameters->height,
+               static_cast<ResizeFilter>(parameters->filter), resized.Bits());
+        *out = resized.Release();
+        return kKernelOk;
+    });
+}
