@@ -1,0 +1,117 @@
+// The exported functions of a Susie picture plug-in (00IN), the same for all bundled ones. This is
+// the outermost layer: nothing is thrown past it, and wrong arguments get a result code.
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <stdexcept>
+
+#include "helpers/susiectl/susie_interface.h"
+#include "plugins/common/bundled_plugin.h"
+#include "plugins/common/local_picture.h"
+#include "plugins/common/plugin_info.h"
+#include "plugins/common/susie_source.h"
+
+namespace tessary::spi {
+namespace {
+
+using codec::Result;
+
+constexpr double kMetresPerInch = 0.0254;
+
+template <class Function>
+int Guarded(Function&& function) {
+    try {
+        return static_cast<int>(function());
+    } catch (const std::bad_alloc&) {
+        return static_cast<int>(Result::kOutOfMemory);
+    } catch (const std::length_error&) {  // more than a container can ever hold
+        return static_cast<int>(Result::kOutOfMemory);
+    } catch (...) {
+        return static_cast<int>(Result::kInternalError);
+    }
+}
+
+uint16_t DotsPerInch(int32_t pelsPerMeter) {
+    return static_cast<uint16_t>(std::clamp(pelsPerMeter * kMetresPerInch + 0.5, 0.0, 65535.0));
+}
+
+Result ReadPictureInfo(const char* source, LONG_PTR length, uint32_t flag,
+                       susie::PictureInfo& info) {
+    std::unique_ptr<dib::ByteSource> bytes;
+    if (const Result opened = OpenSource(source, length, flag, bytes); opened != Result::kSuccess) {
+        return opened;
+    }
+    codec::PictureForm form;
+    const Result result = Codec().ReadForm(*bytes, form);
+    if (result != Result::kSuccess) return result;
+    info = {};
+    info.width = static_cast<int32_t>(form.width);
+    info.height = static_cast<int32_t>(form.height);
+    info.xDensity = DotsPerInch(form.xPelsPerMeter);
+    info.yDensity = DotsPerInch(form.yPelsPerMeter);
+    info.colorDepth = static_cast<int16_t>(form.bitCount);
+    return result;
+}
+
+Result DecodePicture(const char* source, LONG_PTR length, uint32_t flag, HLOCAL& info, HLOCAL& bits,
+                     susie::ProgressCallback callback, LONG_PTR userData) {
+    std::unique_ptr<dib::ByteSource> bytes;
+    if (const Result opened = OpenSource(source, length, flag, bytes); opened != Result::kSuccess) {
+        return opened;
+    }
+    codec::Progress progress;
+    if (callback != nullptr) {
+        progress = codec::Progress([callback, userData](int done, int total) {
+            return callback(done, total, userData) == 0;
+        });
+    }
+    LocalPicture picture;
+    const Result result = Codec().Decode(*bytes, picture, progress);
+    if (result == Result::kSuccess) picture.Release(info, bits);
+    return result;
+}
+
+}  // namespace
+}  // namespace tessary::spi
+
+using namespace tessary;
+
+extern "C" {
+
+__declspec(dllexport) int __stdcall GetPluginInfo(int infoNumber, char* buffer, int bufferLength) {
+    try {
+        return spi::WritePluginInfo(infoNumber, buffer, bufferLength);
+    } catch (...) {
+        return 0;
+    }
+}
+
+__declspec(dllexport) int __stdcall IsSupported(const char* fileName, const void* header) {
+    try {
+        return spi::IsSupportedHeader(spi::Codec(), fileName, header) ? 1 : 0;
+    } catch (...) {
+        return 0;
+    }
+}
+
+__declspec(dllexport) int __stdcall GetPictureInfo(const char* source, LONG_PTR length,
+                                                   uint32_t flag, susie::PictureInfo* info) {
+    if (info == nullptr) return susie::kInternalError;
+    return spi::Guarded([&] { return spi::ReadPictureInfo(source, length, flag, *info); });
+}
+
+__declspec(dllexport) int __stdcall GetPicture(const char* source, LONG_PTR length, uint32_t flag,
+                                               HLOCAL* info, HLOCAL* bits,
+                                               susie::ProgressCallback progress,
+                                               LONG_PTR userData) {
+    if (info == nullptr || bits == nullptr) return susie::kInternalError;
+    return spi::Guarded(
+        [&] { return spi::DecodePicture(source, length, flag, *info, *bits, progress, userData); });
+}
+
+__declspec(dllexport) int __stdcall GetPreview(const char*, LONG_PTR, uint32_t, HLOCAL*, HLOCAL*,
+                                               susie::ProgressCallback, LONG_PTR) {
+    return susie::kNotImplemented;
+}
+
+}  // extern "C"

@@ -1,0 +1,213 @@
+#include "plugins/iftjpeg/jpeg_reader.h"
+
+#include <jerror.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace tessary::jpeg {
+namespace {
+
+using codec::Result;
+
+constexpr size_t kBufferSize = 64 * 1024;
+constexpr unsigned kLongestMarker = 0xFFFF;
+
+// No encoder writes more than a few dozen scans; thousands of empty ones are a small file that
+// keeps a decoder busy for minutes.
+constexpr int kMostScans = 500;
+
+// Fed at the end of a file that is cut short.
+constexpr std::array<JOCTET, 2> kEndOfImage{0xFF, JPEG_EOI};
+
+Result ResultOfMessage(int message) {
+    switch (message) {
+        case JERR_OUT_OF_MEMORY:
+        case JERR_NO_BACKING_STORE:
+            return Result::kOutOfMemory;
+        case JERR_NO_SOI:
+        case JERR_BAD_PRECISION:
+        case JERR_SOF_UNSUPPORTED:
+        case JERR_ARITH_NOTIMPL:
+        case JERR_CONVERSION_NOTIMPL:
+        case JERR_NOT_COMPILED:
+        case JERR_NOTIMPL:
+            return Result::kUnknownFormat;
+        default:
+            return Result::kBrokenData;
+    }
+}
+
+// Inks to light. `inverted`: the samples count from full ink (0) to no ink (255), as Adobe's
+// programs write them.
+void ConvertInkRow(const uint8_t* inks, uint8_t* out, uint32_t width, bool inverted) {
+    const uint8_t flip = inverted ? 0 : 0xFF;
+    for (uint32_t x = 0; x < width; ++x, inks += 4, out += 3) {
+        const unsigned black = inks[3] ^ flip;
+        for (int channel = 0; channel < 3; ++channel) {
+            out[2 - channel] = static_cast<uint8_t>(((inks[channel] ^ flip) * black + 127) / 255);
+        }
+    }
+}
+
+}  // namespace
+
+JpegReader::JpegReader(dib::ByteSource& source, codec::Progress& progress)
+    : source_(source), progress_(progress), buffer_(kBufferSize) {
+    jpeg_.err = jpeg_std_error(&errors_);
+    errors_.error_exit = OnError;
+    errors_.output_message = [](j_common_ptr) {};
+    // Warnings are counted by libjpeg and told to nobody: what could be decoded is shown.
+    errors_.emit_message = [](j_common_ptr jpeg, int level) {
+        if (level < 0) ++jpeg->err->num_warnings;
+    };
+    jpeg_.client_data = this;
+
+    input_.init_source = [](j_decompress_ptr) {};
+    input_.fill_input_buffer = FillBuffer;
+    input_.skip_input_data = SkipBytes;
+    input_.resync_to_restart = jpeg_resync_to_restart;
+    input_.term_source = [](j_decompress_ptr) {};
+    monitor_.progress_monitor = OnProgress;
+}
+
+JpegReader::~JpegReader() {
+    jpeg_destroy_decompress(&jpeg_);
+}
+
+void JpegReader::Leave(Result result) {
+    result_ = result;
+    std::longjmp(escape_, 1);
+}
+
+void JpegReader::OnError(j_common_ptr jpeg) {
+    auto* reader = static_cast<JpegReader*>(jpeg->client_data);
+    reader->Leave(ResultOfMessage(jpeg->err->msg_code));
+}
+
+void JpegReader::OnProgress(j_common_ptr jpeg) {
+    auto* reader = static_cast<JpegReader*>(jpeg->client_data);
+    const jpeg_progress_mgr& monitor = reader->monitor_;
+    if (reader->jpeg_.input_scan_number > kMostScans) reader->Leave(Result::kBrokenData);
+    const uint64_t passes = std::max(monitor.total_passes, monitor.completed_passes + 1);
+    const uint64_t limit = std::max(monitor.pass_limit, 1L);
+    const uint64_t done = monitor.completed_passes * limit +
+                          std::min<uint64_t>(std::max(monitor.pass_counter, 0L), limit);
+    // The last report is left to DecodeRows, so that there is one.
+    if (!reader->progress_.Report(std::min(done, passes * limit - 1), passes * limit)) {
+        reader->Leave(Result::kAborted);
+    }
+}
+
+boolean JpegReader::FillBuffer(j_decompress_ptr jpeg) {
+    auto* reader = static_cast<JpegReader*>(jpeg->client_data);
+    const auto count = reader->source_.ReadAt(reader->position_, reader->buffer_);
+    if (!count) reader->Leave(Result::kReadError);
+    if (*count != 0) {
+        reader->position_ += *count;
+        reader->input_.next_input_byte = reader->buffer_.data();
+        reader->input_.bytes_in_buffer = *count;
+        return TRUE;
+    }
+    if (reader->position_ == 0) reader->Leave(Result::kUnknownFormat);
+    WARNMS(jpeg, JWRN_JPEG_EOF);
+    reader->input_.next_input_byte = kEndOfImage.data();
+    reader->input_.bytes_in_buffer = kEndOfImage.size();
+    return TRUE;
+}
+
+void JpegReader::SkipBytes(j_decompress_ptr jpeg, long count) {
+    auto* reader = static_cast<JpegReader*>(jpeg->client_data);
+    if (count <= 0) return;
+    const size_t wanted = static_cast<size_t>(count);
+    const size_t buffered = std::min(wanted, reader->input_.bytes_in_buffer);
+    reader->input_.next_input_byte += buffered;
+    reader->input_.bytes_in_buffer -= buffered;
+    reader->position_ += wanted - buffered;
+}
+
+Result JpegReader::ReadHeader() {
+    if (setjmp(escape_) != 0) return result_;
+    jpeg_create_decompress(&jpeg_);
+    jpeg_.src = &input_;
+    jpeg_.progress = &monitor_;
+    jpeg_save_markers(&jpeg_, JPEG_APP0 + 1, kLongestMarker);
+    jpeg_read_header(&jpeg_, TRUE);
+    ReadMarkers();
+    if (jpeg_.num_components == 1) {
+        jpeg_.out_color_space = JCS_GRAYSCALE;
+    } else {
+        jpeg_.out_color_space = IsInkPicture() ? JCS_CMYK : JCS_EXT_BGR;
+    }
+    return Result::kSuccess;
+}
+
+bool JpegReader::IsInkPicture() const {
+    return jpeg_.jpeg_color_space == JCS_CMYK || jpeg_.jpeg_color_space == JCS_YCCK;
+}
+
+void JpegReader::ReadMarkers() {
+    for (auto* marker = jpeg_.marker_list; marker != nullptr; marker = marker->next) {
+        const ExifEntries entries = ReadExif({marker->data, marker->data_length});
+        if (entries.orientation != codec::kUprightOrientation) {
+            exif_.orientation = entries.orientation;
+        }
+        if (exif_.xPelsPerMeter == 0) exif_.xPelsPerMeter = entries.xPelsPerMeter;
+        if (exif_.yPelsPerMeter == 0) exif_.yPelsPerMeter = entries.yPelsPerMeter;
+    }
+}
+
+codec::PictureForm JpegReader::Form() const {
+    codec::PictureForm form;
+    form.width = jpeg_.image_width;
+    form.height = jpeg_.image_height;
+    form.bitCount = jpeg_.num_components == 1 ? 8 : 24;
+    form.xPelsPerMeter = exif_.xPelsPerMeter;
+    form.yPelsPerMeter = exif_.yPelsPerMeter;
+    // JFIF's density unit: 0 is an aspect ratio, 1 per inch, 2 per centimetre.
+    if (jpeg_.saw_JFIF_marker && jpeg_.density_unit == 1) {
+        form.xPelsPerMeter = PelsPerMeterFromInch(jpeg_.X_density);
+        form.yPelsPerMeter = PelsPerMeterFromInch(jpeg_.Y_density);
+    } else if (jpeg_.saw_JFIF_marker && jpeg_.density_unit == 2) {
+        form.xPelsPerMeter = PelsPerMeterFromCentimetre(jpeg_.X_density);
+        form.yPelsPerMeter = PelsPerMeterFromCentimetre(jpeg_.Y_density);
+    }
+    if (codec::SwapsAxes(exif_.orientation)) {
+        std::swap(form.width, form.height);
+        std::swap(form.xPelsPerMeter, form.yPelsPerMeter);
+    }
+    return form;
+}
+
+// What was decoded before the data made no sense any more is shown, the rest grey, as libjpeg
+// itself fills up a file that is cut short.
+Result JpegReader::EndEarly(codec::OrientedRows& rows) const {
+    if (result_ != Result::kBrokenData || jpeg_.output_scanline == 0) return result_;
+    const size_t rowBytes = size_t{jpeg_.image_width} * (jpeg_.num_components == 1 ? 1 : 3);
+    for (uint32_t y = jpeg_.output_scanline; y < jpeg_.image_height; ++y) {
+        std::memset(rows.RowBuffer(y), 0x80, rowBytes);
+        rows.RowDone(y);
+    }
+    return Result::kSuccess;
+}
+
+Result JpegReader::DecodeRows(codec::OrientedRows& rows) {
+    if (IsInkPicture()) inkRow_.resize(size_t{jpeg_.image_width} * 4);
+    if (setjmp(escape_) != 0) return EndEarly(rows);
+    jpeg_start_decompress(&jpeg_);
+    while (jpeg_.output_scanline < jpeg_.output_height) {
+        const uint32_t y = jpeg_.output_scanline;
+        JSAMPROW row = inkRow_.empty() ? rows.RowBuffer(y) : inkRow_.data();
+        jpeg_read_scanlines(&jpeg_, &row, 1);
+        if (!inkRow_.empty()) {
+            ConvertInkRow(row, rows.RowBuffer(y), jpeg_.image_width, jpeg_.saw_Adobe_marker);
+        }
+        rows.RowDone(y);
+    }
+    // What follows the last row (jpeg_finish_decompress) adds nothing to the picture.
+    if (!progress_.Report(1, 1)) return Result::kAborted;
+    return Result::kSuccess;
+}
+
+}  // namespace tessary::jpeg

@@ -1,0 +1,67 @@
+// libjpeg behind a plain face: reads from a ByteSource, reports to a Progress, and answers errors
+// as results. Everything that libjpeg can leave by a long jump happens in here.
+#pragma once
+
+// jpeglib.h needs size_t and FILE.
+#include <cstddef>
+#include <cstdio>
+
+#include <jpeglib.h>
+
+#include <csetjmp>
+#include <cstdint>
+#include <vector>
+
+#include "plugins/common/oriented_rows.h"
+#include "plugins/common/picture_codec.h"
+#include "plugins/iftjpeg/exif.h"
+
+namespace tessary::jpeg {
+
+// One decoding of one file. The source and the progress outlive it.
+class JpegReader {
+  public:
+    JpegReader(dib::ByteSource& source, codec::Progress& progress);
+    ~JpegReader();
+    JpegReader(const JpegReader&) = delete;
+    JpegReader& operator=(const JpegReader&) = delete;
+
+    // Reads up to the first scan. To be called first, once.
+    codec::Result ReadHeader();
+
+    // After ReadHeader: the stored size, the form of the picture as shown, its orientation.
+    uint32_t StoredWidth() const { return jpeg_.image_width; }
+    uint32_t StoredHeight() const { return jpeg_.image_height; }
+    uint16_t Orientation() const { return exif_.orientation; }
+    codec::PictureForm Form() const;
+
+    // After ReadHeader: decodes all rows, top row first.
+    codec::Result DecodeRows(codec::OrientedRows& rows);
+
+  private:
+    // libjpeg's callbacks; they find the reader through client_data.
+    static void OnError(j_common_ptr jpeg);
+    static void OnProgress(j_common_ptr jpeg);
+    static boolean FillBuffer(j_decompress_ptr jpeg);
+    static void SkipBytes(j_decompress_ptr jpeg, long count);
+
+    [[noreturn]] void Leave(codec::Result result);
+    void ReadMarkers();
+    codec::Result EndEarly(codec::OrientedRows& rows) const;
+    bool IsInkPicture() const;
+
+    dib::ByteSource& source_;
+    codec::Progress& progress_;
+    jpeg_decompress_struct jpeg_{};
+    jpeg_error_mgr errors_{};
+    jpeg_source_mgr input_{};
+    jpeg_progress_mgr monitor_{};
+    std::jmp_buf escape_{};
+    codec::Result result_ = codec::Result::kSuccess;
+    uint64_t position_ = 0;  // of the next byte to fetch from the source
+    std::vector<uint8_t> buffer_;
+    std::vector<uint8_t> inkRow_;  // one row of a CMYK picture
+    ExifEntries exif_;
+};
+
+}  // namespace tessary::jpeg

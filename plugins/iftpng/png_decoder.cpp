@@ -1,0 +1,43 @@
+#include "plugins/iftpng/png_decoder.h"
+
+#include <algorithm>
+#include <array>
+
+#include "plugins/iftpng/png_reader.h"
+
+namespace tessary::png {
+namespace {
+
+using codec::Result;
+
+// The signature, the length of the first chunk and its name, which is always the same.
+constexpr std::array<uint8_t, 16> kStart{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n',
+                                         0,    0,   0,   13,  'I',  'H',  'D',  'R'};
+
+}  // namespace
+
+bool PngDecoder::IsSupported(std::span<const uint8_t> header) const {
+    return header.size() >= kStart.size() &&
+           std::equal(kStart.begin(), kStart.end(), header.begin());
+}
+
+Result PngDecoder::ReadForm(dib::ByteSource& source, codec::PictureForm& form) const {
+    codec::Progress nobody;
+    PngReader reader(source, nobody);
+    const Result result = reader.ReadHeader();
+    if (result == Result::kSuccess) form = reader.Form();
+    return result;
+}
+
+Result PngDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
+                          codec::Progress& progress) const {
+    if (!progress.Report(0, 1)) return Result::kAborted;
+    PngReader reader(source, progress);
+    if (const Result result = reader.ReadHeader(); result != Result::kSuccess) return result;
+    codec::PictureRows rows;
+    const Result created =
+        CreatePicture(target, reader.Form(), reader.Palette(), source.Size(), rows);
+    return created == Result::kSuccess ? reader.DecodeRows(rows) : created;
+}
+
+}  // namespace tessary::png

@@ -1,0 +1,24 @@
+// PNG decoding on libpng. Palette and grey pictures of up to 8 bits keep their depth (2 bits become
+// 4), deeper grey ones become 8-bit, all others 24-bit.
+#pragma once
+
+#include "plugins/common/picture_codec.h"
+
+namespace tessary::png {
+
+// Transparency is laid over the file's background colour (bKGD), else over white. Of an animation
+// the default picture is shown. A file that is cut short gives the rows that are there, the rest in
+// the background colour; one whose check sums or picture data are wrong is broken.
+//
+// Stored values are shown as they are: gAMA, cHRM, sRGB and iCCP do not change them, which keeps
+// pictures of one series alike whatever program wrote them, and 16-bit samples show their high
+// byte.
+class PngDecoder final : public codec::PictureCodec {
+  public:
+    bool IsSupported(std::span<const uint8_t> header) const override;
+    codec::Result ReadForm(dib::ByteSource& source, codec::PictureForm& form) const override;
+    codec::Result Decode(dib::ByteSource& source, codec::PictureTarget& target,
+                         codec::Progress& progress) const override;
+};
+
+}  // namespace tessary::png

@@ -1,0 +1,23 @@
+// iftpng.spi: who it is.
+#include <array>
+
+#include "plugins/common/bundled_plugin.h"
+#include "plugins/iftpng/png_decoder.h"
+
+namespace tessary::spi {
+
+const PluginIdentity& Identity() {
+    static constexpr std::array kFileTypes{
+        FileType{"*.png;*.apng", L"PNG形式", "PNG"},
+    };
+    static constexpr PluginIdentity kIdentity{"iftpng " TESSARY_PLUGIN_VERSION " - PNG (libpng)",
+                                              kFileTypes};
+    return kIdentity;
+}
+
+const codec::PictureCodec& Codec() {
+    static const png::PngDecoder decoder;
+    return decoder;
+}
+
+}  // namespace tessary::spi

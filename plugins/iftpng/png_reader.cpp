@@ -1,0 +1,309 @@
+#include "plugins/iftpng/png_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "plugins/common/palette.h"
+
+namespace tessary::png {
+namespace {
+
+using codec::Result;
+using dib::PaletteEntry;
+
+constexpr size_t kSignatureSize = 8;
+
+// Bounds for forged files: side lengths, chunks kept, bytes that one chunk may unpack to.
+constexpr uint32_t kMostPixelsPerSide = 1'000'000;
+constexpr uint32_t kMostChunks = 1000;
+constexpr size_t kLargestChunk = 8u << 20;
+
+// Bytes of picture data that are read at once.
+constexpr size_t kDataSize = 16 * 1024;
+constexpr size_t kLastDataSize = 64;
+
+// The optional chunks that are read; all others are skipped unseen.
+constexpr std::array<png_byte, 10> kReadChunks{'b', 'K', 'G', 'D', 0, 'p', 'H', 'Y', 's', 0};
+
+constexpr png_uint_32 kPictureDataChunk = 0x49444154;  // "IDAT"
+
+// Both halves of a byte of two 4-bit pixels, from a pixel pair of 2 bits each.
+uint8_t SpreadPair(unsigned pair) {
+    return static_cast<uint8_t>((pair & 12) << 2 | (pair & 3));
+}
+
+// Makes a row of 2-bit pixels one of 4-bit pixels, in place. Windows knows no 2-bit pictures.
+void WidenRow(png_bytep data, size_t narrowBytes) {
+    for (size_t i = narrowBytes; i-- > 0;) {
+        const unsigned four = data[i];
+        data[2 * i + 1] = SpreadPair(four & 15);
+        data[2 * i] = SpreadPair(four >> 4);
+    }
+}
+
+void FlattenGreyRow(png_bytep data, size_t pixels, PaletteEntry background) {
+    const png_byte* in = data;
+    for (size_t i = 0; i < pixels; ++i, in += 2) {
+        data[i] = codec::BlendSample(in[0], in[1], background.green);
+    }
+}
+
+void FlattenColorRow(png_bytep data, size_t pixels, PaletteEntry background) {
+    const png_byte* in = data;
+    png_bytep out = data;
+    for (size_t i = 0; i < pixels; ++i, in += 4, out += 3) {
+        const png_byte alpha = in[3];
+        if (alpha == 0xFF) {
+            std::memmove(out, in, 3);
+            continue;
+        }
+        out[0] = codec::BlendSample(in[0], alpha, background.blue);
+        out[1] = codec::BlendSample(in[1], alpha, background.green);
+        out[2] = codec::BlendSample(in[2], alpha, background.red);
+    }
+}
+
+unsigned Distance(PaletteEntry a, PaletteEntry b) {
+    return static_cast<unsigned>(std::abs(a.red - b.red) + std::abs(a.green - b.green) +
+                                 std::abs(a.blue - b.blue));
+}
+
+}  // namespace
+
+PngReader::PngReader(dib::ByteSource& source, codec::Progress& progress)
+    : source_(source), progress_(progress), background_(codec::kWhite) {}
+
+PngReader::~PngReader() {
+    png_destroy_read_struct(&png_, &info_, nullptr);
+}
+
+void PngReader::Leave(Result result) {
+    result_ = result;
+    std::longjmp(escape_, 1);
+}
+
+void PngReader::OnError(png_structp png, png_const_charp) {
+    auto* reader = static_cast<PngReader*>(png_get_error_ptr(png));
+    reader->Leave(reader->noMemory_ ? Result::kOutOfMemory : Result::kBrokenData);
+}
+
+void PngReader::OnRead(png_structp png, png_bytep out, size_t count) {
+    auto* reader = static_cast<PngReader*>(png_get_io_ptr(png));
+    const auto got = reader->source_.ReadAt(reader->position_, {out, count});
+    if (!got) reader->Leave(Result::kReadError);
+    reader->position_ += *got;
+    if (*got == count) {
+        reader->ChooseDataSize();
+        return;
+    }
+    reader->cutShort_ = true;
+    reader->Leave(Result::kBrokenData);
+}
+
+// libpng decodes whole reads only: what a read lacks at the end of a file cut short takes the rest
+// of it along. So the last reads are small ones.
+void PngReader::ChooseDataSize() {
+    const uint64_t left = source_.Size() - position_;
+    png_set_compression_buffer_size(png_, left > 2 * kDataSize ? kDataSize : kLastDataSize);
+}
+
+void PngReader::OnRow(png_structp png, png_row_infop row, png_bytep data) {
+    const auto* reader = static_cast<PngReader*>(png_get_user_transform_ptr(png));
+    if (row->bit_depth == 2) {
+        WidenRow(data, row->rowbytes);
+    } else if (row->channels == 2) {
+        FlattenGreyRow(data, row->width, reader->background_);
+    } else {
+        FlattenColorRow(data, row->width, reader->background_);
+    }
+}
+
+png_voidp PngReader::Allocate(png_structp png, png_alloc_size_t size) {
+    void* block = std::malloc(size);
+    if (block == nullptr) static_cast<PngReader*>(png_get_mem_ptr(png))->noMemory_ = true;
+    return block;
+}
+
+void PngReader::Free(png_structp, png_voidp block) {
+    std::free(block);
+}
+
+Result PngReader::ReadHeader() {
+    std::array<uint8_t, kSignatureSize> signature{};
+    if (!source_.ReadAt(0, signature)) return Result::kReadError;
+    if (png_sig_cmp(signature.data(), 0, signature.size()) != 0) return Result::kUnknownFormat;
+    if (setjmp(escape_) != 0) return result_;
+    png_ = png_create_read_struct_2(
+        PNG_LIBPNG_VER_STRING, this, OnError, [](png_structp, png_const_charp) {}, this, Allocate,
+        Free);
+    info_ = png_ == nullptr ? nullptr : png_create_info_struct(png_);
+    if (info_ == nullptr) return Result::kOutOfMemory;
+    png_set_read_fn(png_, this, OnRead);
+    png_set_user_limits(png_, kMostPixelsPerSide, kMostPixelsPerSide);
+    png_set_chunk_cache_max(png_, kMostChunks);
+    png_set_chunk_malloc_max(png_, kLargestChunk);
+    png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
+    png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_AS_DEFAULT, kReadChunks.data(),
+                                static_cast<int>(kReadChunks.size() / 5));
+    png_read_info(png_, info_);
+    png_get_IHDR(png_, info_, &width_, &height_, &bitDepth_, &colorType_, nullptr, nullptr,
+                 nullptr);
+    ReadBackground();
+    return Result::kSuccess;
+}
+
+void PngReader::ReadBackground() {
+    png_color_16p color = nullptr;
+    if (png_get_bKGD(png_, info_, &color) == 0) return;
+    const auto toByte = [this](unsigned sample) {
+        if (bitDepth_ == 16) return static_cast<uint8_t>(sample >> 8);
+        const unsigned most = (1u << bitDepth_) - 1;
+        return static_cast<uint8_t>((sample & most) * 255 / most);
+    };
+    if (IsIndexed()) {
+        png_colorp table = nullptr;
+        int count = 0;
+        png_get_PLTE(png_, info_, &table, &count);
+        if (color->index >= count) return;
+        const png_color& entry = table[color->index];
+        background_ = {entry.blue, entry.green, entry.red, 0};
+    } else if ((colorType_ & PNG_COLOR_MASK_COLOR) == 0) {
+        const uint8_t level = toByte(color->gray);
+        background_ = {level, level, level, 0};
+    } else {
+        background_ = {toByte(color->blue), toByte(color->green), toByte(color->red), 0};
+    }
+}
+
+// Whether pixels are indexes into a table that transparency can be worked into: then no pixel needs
+// to change.
+bool PngReader::HasTable() const {
+    return IsIndexed() || (colorType_ == PNG_COLOR_TYPE_GRAY && bitDepth_ <= 8);
+}
+
+codec::PictureForm PngReader::Form() const {
+    codec::PictureForm form;
+    form.width = width_;
+    form.height = height_;
+    if (HasTable()) {
+        form.bitCount = static_cast<uint16_t>(bitDepth_ == 2 ? 4 : bitDepth_);
+    } else {
+        form.bitCount = (colorType_ & PNG_COLOR_MASK_COLOR) == 0 ? 8 : 24;
+    }
+    const auto pels = [](png_uint_32 value) {
+        constexpr png_uint_32 kMost = std::numeric_limits<int32_t>::max();
+        return value > kMost ? 0 : static_cast<int32_t>(value);
+    };
+    form.xPelsPerMeter = pels(png_get_x_pixels_per_meter(png_, info_));
+    form.yPelsPerMeter = pels(png_get_y_pixels_per_meter(png_, info_));
+    return form;
+}
+
+std::vector<PaletteEntry> PngReader::Palette() const {
+    if (!HasTable()) return codec::GreyPalette(Form().bitCount);
+
+    png_bytep alphas = nullptr;
+    int alphaCount = 0;
+    png_color_16p clear = nullptr;
+    const bool transparent = png_get_tRNS(png_, info_, &alphas, &alphaCount, &clear) != 0;
+    std::vector<PaletteEntry> palette = codec::GreyPalette(static_cast<unsigned>(bitDepth_));
+    if (!IsIndexed()) {
+        if (transparent && clear->gray < palette.size()) palette[clear->gray] = background_;
+        return palette;
+    }
+    std::fill(palette.begin(), palette.end(), PaletteEntry{});
+    png_colorp table = nullptr;
+    int count = 0;
+    png_get_PLTE(png_, info_, &table, &count);
+    for (size_t i = 0; i < std::min(palette.size(), static_cast<size_t>(count)); ++i) {
+        const PaletteEntry color{table[i].blue, table[i].green, table[i].red, 0};
+        const uint8_t alpha =
+            transparent && i < static_cast<size_t>(alphaCount) ? alphas[i] : uint8_t{0xFF};
+        palette[i] = codec::BlendColor(color, alpha, background_);
+    }
+    return palette;
+}
+
+void PngReader::SetTransformations() {
+    if (HasTable()) {
+        if (bitDepth_ != 2) return;
+        png_set_user_transform_info(png_, this, 4, 1);
+        png_set_read_user_transform_fn(png_, OnRow);
+        return;
+    }
+    const bool hasAlpha = (colorType_ & PNG_COLOR_MASK_ALPHA) != 0;
+    const bool hasClearColor = png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
+    if (hasClearColor) png_set_tRNS_to_alpha(png_);
+    png_set_strip_16(png_);
+    png_set_bgr(png_);
+    if (hasAlpha || hasClearColor) {
+        png_set_user_transform_info(png_, this, 8,
+                                    (colorType_ & PNG_COLOR_MASK_COLOR) == 0 ? 1 : 3);
+        png_set_read_user_transform_fn(png_, OnRow);
+    }
+}
+
+Result PngReader::DecodeRows(const codec::PictureRows& rows) {
+    if (setjmp(escape_) != 0) {
+        if (!cutShort_ || rowsDone_ == 0) return result_;
+        FillRest(rows);
+    } else {
+        SetTransformations();
+        ReadRows(rows);
+        if (const Result result = ReadEnd(); result != Result::kSuccess) return result;
+    }
+    return progress_.Report(1, 1) ? Result::kSuccess : Result::kAborted;
+}
+
+void PngReader::ReadRows(const codec::PictureRows& rows) {
+    const unsigned passes = static_cast<unsigned>(png_set_interlace_handling(png_));
+    png_read_update_info(png_, info_);
+    const uint64_t total = uint64_t{passes} * height_;
+    for (unsigned pass = 0; pass < passes; ++pass) {
+        for (uint32_t y = 0; y < height_; ++y) {
+            // The second row argument fills the gaps between the pixels of an early pass, so that
+            // a picture cut short shows blocks instead of dots.
+            png_read_row(png_, nullptr, rows.Row(y));
+            if (pass == 0) rowsDone_ = y + 1;
+            if (!progress_.Report(uint64_t{pass} * height_ + y, total)) Leave(Result::kAborted);
+        }
+    }
+}
+
+// The check sum of the last data chunk stands behind the last row. What comes after it is no longer
+// of interest.
+Result PngReader::ReadEnd() {
+    if (setjmp(escape_) != 0) {
+        const bool inData = png_get_io_chunk_type(png_) == kPictureDataChunk;
+        return inData && !cutShort_ ? result_ : Result::kSuccess;
+    }
+    png_read_end(png_, nullptr);
+    return Result::kSuccess;
+}
+
+void PngReader::FillRest(const codec::PictureRows& rows) const {
+    const codec::PictureForm form = Form();
+    const auto rowBytes = static_cast<size_t>(dib::RowBytes(form.width, form.bitCount));
+    const std::vector<PaletteEntry> palette = Palette();
+    const auto nearest =
+        std::min_element(palette.begin(), palette.end(), [this](PaletteEntry a, PaletteEntry b) {
+            return Distance(a, background_) < Distance(b, background_);
+        });
+    // Every pixel of a byte alike: 0xFF, 0x11 or 1 times the index.
+    const unsigned spread = 0xFFu / ((1u << std::min<unsigned>(form.bitCount, 8)) - 1);
+    for (uint32_t y = rowsDone_; y < form.height; ++y) {
+        uint8_t* row = rows.Row(y);
+        if (form.bitCount <= 8) {
+            std::memset(row, static_cast<int>((nearest - palette.begin()) * spread), rowBytes);
+            continue;
+        }
+        for (uint8_t* pixel = row; pixel < row + rowBytes; pixel += 3) {
+            std::memcpy(pixel, &background_, 3);
+        }
+    }
+}
+
+}  // namespace tessary::png

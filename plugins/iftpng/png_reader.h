@@ -1,0 +1,69 @@
+// libpng behind a plain face: reads from a ByteSource, reports to a Progress, and answers errors as
+// results. Everything that libpng can leave by a long jump happens in here.
+#pragma once
+
+#include <png.h>
+
+#include <csetjmp>
+#include <cstdint>
+#include <vector>
+
+#include "plugins/common/picture_codec.h"
+
+namespace tessary::png {
+
+// One decoding of one file. The source and the progress outlive it.
+class PngReader {
+  public:
+    PngReader(dib::ByteSource& source, codec::Progress& progress);
+    ~PngReader();
+    PngReader(const PngReader&) = delete;
+    PngReader& operator=(const PngReader&) = delete;
+
+    // Reads up to the picture data. To be called first, once.
+    codec::Result ReadHeader();
+
+    // After ReadHeader: the form of the decoded picture, and its colour table when it has one.
+    codec::PictureForm Form() const;
+    std::vector<dib::PaletteEntry> Palette() const;
+
+    // After ReadHeader: decodes into `rows`, which are of the form that Form answers.
+    codec::Result DecodeRows(const codec::PictureRows& rows);
+
+  private:
+    // libpng's callbacks; they find the reader through the pointers that libpng keeps for them.
+    static void OnError(png_structp png, png_const_charp message);
+    static void OnRead(png_structp png, png_bytep out, size_t count);
+    static void OnRow(png_structp png, png_row_infop row, png_bytep data);
+    static png_voidp Allocate(png_structp png, png_alloc_size_t size);
+    static void Free(png_structp png, png_voidp block);
+
+    [[noreturn]] void Leave(codec::Result result);
+    bool IsIndexed() const { return colorType_ == PNG_COLOR_TYPE_PALETTE; }
+    bool HasTable() const;
+    void ChooseDataSize();
+    void ReadBackground();
+    void SetTransformations();
+    void ReadRows(const codec::PictureRows& rows);
+    void FillRest(const codec::PictureRows& rows) const;
+    codec::Result ReadEnd();
+
+    dib::ByteSource& source_;
+    codec::Progress& progress_;
+    png_structp png_ = nullptr;
+    png_infop info_ = nullptr;
+    std::jmp_buf escape_{};
+    codec::Result result_ = codec::Result::kSuccess;
+    uint64_t position_ = 0;
+    bool cutShort_ = false;  // the source ended before the file did
+    bool noMemory_ = false;
+
+    uint32_t width_ = 0;
+    uint32_t height_ = 0;
+    int bitDepth_ = 0;
+    int colorType_ = 0;
+    dib::PaletteEntry background_;
+    uint32_t rowsDone_ = 0;  // of the first pass
+};
+
+}  // namespace tessary::png

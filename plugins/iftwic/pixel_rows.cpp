@@ -1,0 +1,43 @@
+#include "plugins/iftwic/pixel_rows.h"
+
+#include <cstddef>
+
+#include "plugins/common/palette.h"
+
+namespace tessary::wic {
+namespace {
+
+unsigned PackedPixel(const uint8_t* row, uint32_t x, unsigned bitCount) {
+    if (bitCount == 16) return row[size_t{x} * 2 + 1];
+    const uint32_t perByte = 8 / bitCount;
+    const unsigned shift = (perByte - 1 - x % perByte) * bitCount;
+    return row[x / perByte] >> shift & ((1u << bitCount) - 1);
+}
+
+}  // namespace
+
+void UnpackRow(const uint8_t* in, uint8_t* out, uint32_t width, unsigned bitCount) {
+    for (uint32_t x = 0; x < width; ++x) {
+        out[x] = static_cast<uint8_t>(PackedPixel(in, x, bitCount));
+    }
+}
+
+void ColorRow(const uint8_t* in, uint8_t* out, uint32_t width, unsigned bitCount,
+              std::span<const dib::PaletteEntry> palette) {
+    for (uint32_t x = 0; x < width; ++x, out += 3) {
+        const dib::PaletteEntry& color = palette[PackedPixel(in, x, bitCount)];
+        out[0] = color.blue;
+        out[1] = color.green;
+        out[2] = color.red;
+    }
+}
+
+void FlattenRow(const uint8_t* in, uint8_t* out, uint32_t width) {
+    for (uint32_t x = 0; x < width; ++x, in += 4, out += 3) {
+        for (int channel = 0; channel < 3; ++channel) {
+            out[channel] = codec::BlendSample(in[channel], in[3], 0xFF);
+        }
+    }
+}
+
+}  // namespace tessary::wic

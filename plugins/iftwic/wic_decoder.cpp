@@ -1,0 +1,213 @@
+#include "plugins/iftwic/wic_decoder.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "plugins/common/oriented_rows.h"
+#include "plugins/common/palette.h"
+#include "plugins/iftwic/gif_first_frame.h"
+#include "plugins/iftwic/icon_directory.h"
+#include "plugins/iftwic/pixel_rows.h"
+#include "plugins/iftwic/source_stream.h"
+#include "plugins/iftwic/wic_frame.h"
+
+namespace tessary::wic {
+namespace {
+
+using codec::Result;
+
+constexpr size_t kHeaderSize = 64;
+
+// Bytes that are fetched from a decoder at once, where it can fetch parts.
+constexpr size_t kBandSize = 4u << 20;
+
+Result ResultOf(HRESULT code) {
+    switch (code) {
+        case E_OUTOFMEMORY:
+            return Result::kOutOfMemory;
+        case STG_E_READFAULT:
+            return Result::kReadError;
+        case WINCODEC_ERR_COMPONENTNOTFOUND:
+        case WINCODEC_ERR_UNKNOWNIMAGEFORMAT:
+        case WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT:
+        case WINCODEC_ERR_UNSUPPORTEDOPERATION:
+        case WINCODEC_ERR_UNSUPPORTEDVERSION:
+        case REGDB_E_CLASSNOTREG:
+            return Result::kUnknownFormat;
+        default:
+            return Result::kBrokenData;
+    }
+}
+
+// The pixels of a frame on their way into the target.
+class FrameCopy {
+  public:
+    // `screen` counts when the frame on it is the decoded one; any other frame is its own screen.
+    FrameCopy(const WicFrame& frame, Container container, const GifScreen& screen)
+        : frame_(frame), pixels_(frame.Pixels()), container_(container), screen_(screen) {
+        const uint32_t width = frame.Width(), height = frame.Height();
+        if (screen.frameWidth != width || screen.frameHeight != height) {
+            screen_ = {.width = width, .height = height};
+        }
+    }
+
+    codec::PictureForm Form() const;
+    Result Run(uint64_t sourceSize, codec::PictureTarget& target, codec::Progress& progress) const;
+
+  private:
+    bool FillsScreen() const {
+        return frame_.Width() == screen_.width && frame_.Height() == screen_.height;
+    }
+    unsigned TargetBits() const;
+    void FillWhite(const codec::PictureRows& rows) const;
+    codec::PictureRows FrameRows(const codec::PictureRows& rows) const;
+    uint32_t RowsPerBand(size_t stride) const;
+    void ConvertRow(const uint8_t* in, uint8_t* out) const;
+
+    const WicFrame& frame_;
+    WicPixels pixels_;
+    Container container_;
+    GifScreen screen_;
+};
+
+unsigned FrameCopy::TargetBits() const {
+    // Beside a frame that leaves part of its screen free stands white, which a palette may lack.
+    if (pixels_.palette.empty() || !FillsScreen()) return 24;
+    // Bitmaps have no 2-bit form, and only whole bytes are mirrored or turned.
+    const bool upright = frame_.Orientation() == codec::kUprightOrientation;
+    return upright && pixels_.bitCount != 2 ? std::min(pixels_.bitCount, 8u) : 8;
+}
+
+codec::PictureForm FrameCopy::Form() const {
+    codec::PictureForm form;
+    form.width = screen_.width;
+    form.height = screen_.height;
+    form.bitCount = static_cast<uint16_t>(TargetBits());
+    form.xPelsPerMeter = frame_.XPelsPerMeter();
+    form.yPelsPerMeter = frame_.YPelsPerMeter();
+    if (codec::SwapsAxes(frame_.Orientation())) {
+        std::swap(form.width, form.height);
+        std::swap(form.xPelsPerMeter, form.yPelsPerMeter);
+    }
+    return form;
+}
+
+void FrameCopy::FillWhite(const codec::PictureRows& rows) const {
+    for (uint32_t y = 0; y < screen_.height; ++y) {
+        std::memset(rows.Row(y), 0xFF, size_t{screen_.width} * 3);
+    }
+}
+
+codec::PictureRows FrameCopy::FrameRows(const codec::PictureRows& rows) const {
+    if (FillsScreen()) return rows;
+    uint8_t* lastRow = rows.Row(screen_.frameTop + frame_.Height() - 1);
+    return {lastRow + size_t{screen_.frameLeft} * 3, rows.stride, frame_.Height()};
+}
+
+// TIFF is stored in strips and often large, so it comes in bands, with a chance to stop between
+// them. The other decoders may well decode the whole picture again for every band.
+uint32_t FrameCopy::RowsPerBand(size_t stride) const {
+    const uint32_t height = frame_.Height();
+    if (container_ != Container::kTiff) return height;
+    return std::clamp<uint32_t>(static_cast<uint32_t>(kBandSize / stride), 1, height);
+}
+
+void FrameCopy::ConvertRow(const uint8_t* in, uint8_t* out) const {
+    const uint32_t width = frame_.Width();
+    const unsigned targetBits = TargetBits();
+    if (targetBits == pixels_.bitCount) {
+        std::memcpy(out, in, static_cast<size_t>(dib::RowBytes(width, targetBits)));
+    } else if (pixels_.palette.empty()) {
+        FlattenRow(in, out, width);
+    } else if (targetBits == 24) {
+        ColorRow(in, out, width, pixels_.bitCount, pixels_.palette);
+    } else {
+        UnpackRow(in, out, width, pixels_.bitCount);
+    }
+}
+
+Result FrameCopy::Run(uint64_t sourceSize, codec::PictureTarget& target,
+                      codec::Progress& progress) const {
+    const codec::PictureForm form = Form();
+    codec::PictureRows rows;
+    const Result created = CreatePicture(target, form, pixels_.palette, sourceSize, rows);
+    if (created != Result::kSuccess) return created;
+    if (!FillsScreen()) FillWhite(rows);
+
+    const uint32_t width = frame_.Width(), height = frame_.Height();
+    codec::OrientedRows oriented(FrameRows(rows), width, height, form.bitCount == 24 ? 3 : 1,
+                                 frame_.Orientation());
+    const auto stride = static_cast<size_t>(dib::RowStride(width, pixels_.bitCount));
+    const uint32_t bandRows = RowsPerBand(stride);
+    std::vector<uint8_t> band(stride * bandRows);
+    for (uint32_t top = 0; top < height; top += bandRows) {
+        const uint32_t count = std::min(bandRows, height - top);
+        const WICRect area{0, static_cast<INT>(top), static_cast<INT>(width),
+                           static_cast<INT>(count)};
+        Check(pixels_.source->CopyPixels(&area, static_cast<UINT>(stride),
+                                         static_cast<UINT>(stride * count), band.data()));
+        for (uint32_t y = top; y < top + count; ++y) {
+            ConvertRow(band.data() + (y - top) * stride, oriented.RowBuffer(y));
+            oriented.RowDone(y);
+            if (!progress.Report(y + 1, height)) return Result::kAborted;
+        }
+    }
+    return Result::kSuccess;
+}
+
+// Opens the file and gives its frame to `use`. Nothing of COM is left when it returns.
+template <class Use>
+Result WithFrame(dib::ByteSource& source, Use use) {
+    std::array<uint8_t, kHeaderSize> header{};
+    const auto count = source.ReadAt(0, header);
+    if (!count) return Result::kReadError;
+    const Container container = DetectContainer(std::span(header).first(*count));
+    if (container == Container::kUnknown) return Result::kUnknownFormat;
+    try {
+        const ComApartment apartment;
+        std::optional<CursorAsIcon> cursor;
+        std::optional<GifFirstFrame> gif;
+        dib::ByteSource* readable = &source;
+        uint32_t index = 0;
+        if (container == Container::kGif) {
+            readable = &gif.emplace(source);
+        } else if (container == Container::kIcon || container == Container::kCursor) {
+            index = LargestIcon(source);
+            if (container == Container::kCursor) readable = &cursor.emplace(source);
+        }
+        const WicFrame frame(container, MakeStream(*readable), index);
+        return use(FrameCopy(frame, container, gif ? gif->Screen() : GifScreen{}));
+    } catch (const ComFailure& failure) {
+        return ResultOf(failure.code);
+    }
+}
+
+}  // namespace
+
+bool WicDecoder::IsSupported(std::span<const uint8_t> header) const {
+    try {
+        return DecoderInstalled(DetectContainer(header));
+    } catch (const ComFailure&) {
+        return false;
+    }
+}
+
+Result WicDecoder::ReadForm(dib::ByteSource& source, codec::PictureForm& form) const {
+    return WithFrame(source, [&](const FrameCopy& copy) {
+        form = copy.Form();
+        return Result::kSuccess;
+    });
+}
+
+Result WicDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
+                          codec::Progress& progress) const {
+    if (!progress.Report(0, 1)) return Result::kAborted;
+    return WithFrame(
+        source, [&](const FrameCopy& copy) { return copy.Run(source.Size(), target, progress); });
+}
+
+}  // namespace tessary::wic

@@ -1,0 +1,172 @@
+#include "plugins/iftwic/wic_frame.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+
+#include "plugins/common/palette.h"
+
+namespace tessary::wic {
+namespace {
+
+constexpr double kInchesPerMetre = 1 / 0.0254;
+
+// Resolution that decoders answer when the file has none.
+constexpr double kDefaultDotsPerInch = 96;
+
+// Of Windows 10 and its extensions: too new for the compiler's headers.
+constexpr GUID kContainerWebp{
+    0xe094b0e2, 0x67f2, 0x45b3, {0xb0, 0xea, 0x11, 0x53, 0x37, 0xca, 0x7c, 0xf3}};
+constexpr GUID kContainerHeif{
+    0xe1e62521, 0x6787, 0x405b, {0xa3, 0x39, 0x50, 0x07, 0x15, 0xb5, 0x76, 0x3f}};
+constexpr GUID kContainerDds{
+    0x9967cb95, 0x2e85, 0x4ac8, {0x8c, 0xa2, 0x83, 0xd7, 0xcc, 0xd4, 0x25, 0xc9}};
+
+const GUID* ContainerId(Container container) {
+    switch (container) {
+        case Container::kWebp:
+            return &kContainerWebp;
+        case Container::kHeif:
+            return &kContainerHeif;
+        case Container::kDds:
+            return &kContainerDds;
+        case Container::kJpegXr:
+            return &GUID_ContainerFormatWmp;
+        default:
+            return nullptr;
+    }
+}
+
+// A 16-bit number of a file's metadata; nothing when there is none of that name.
+std::optional<uint16_t> ReadNumber(IWICMetadataQueryReader* reader, const wchar_t* name) {
+    PROPVARIANT value;
+    PropVariantInit(&value);
+    std::optional<uint16_t> number;
+    if (SUCCEEDED(reader->GetMetadataByName(name, &value)) && value.vt == VT_UI2) {
+        number = value.uiVal;
+    }
+    PropVariantClear(&value);
+    return number;
+}
+
+std::vector<dib::PaletteEntry> FramePalette(IWICImagingFactory* factory,
+                                            IWICBitmapFrameDecode* frame, unsigned bitCount) {
+    ComPtr<IWICPalette> palette;
+    Check(factory->CreatePalette(&palette));
+    Check(frame->CopyPalette(palette.Get()));
+    std::array<WICColor, 256> colors{};
+    UINT count = 0;
+    Check(palette->GetColors(static_cast<UINT>(colors.size()), colors.data(), &count));
+    std::vector<dib::PaletteEntry> entries(size_t{1} << bitCount);
+    for (size_t i = 0; i < std::min<size_t>(entries.size(), count); ++i) {
+        const WICColor argb = colors[i];
+        const dib::PaletteEntry color{static_cast<uint8_t>(argb), static_cast<uint8_t>(argb >> 8),
+                                      static_cast<uint8_t>(argb >> 16), 0};
+        entries[i] = codec::BlendColor(color, static_cast<uint8_t>(argb >> 24), codec::kWhite);
+    }
+    return entries;
+}
+
+struct FormatBits {
+    const GUID* format;
+    unsigned bitCount;
+};
+
+unsigned BitsOf(std::span<const FormatBits> formats, const GUID& format) {
+    for (const FormatBits& known : formats) {
+        if (IsEqualGUID(*known.format, format)) return known.bitCount;
+    }
+    return 0;
+}
+
+unsigned IndexedBits(const GUID& format) {
+    static const std::array kFormats{
+        FormatBits{&GUID_WICPixelFormat1bppIndexed, 1},
+        FormatBits{&GUID_WICPixelFormat2bppIndexed, 2},
+        FormatBits{&GUID_WICPixelFormat4bppIndexed, 4},
+        FormatBits{&GUID_WICPixelFormat8bppIndexed, 8},
+    };
+    return BitsOf(kFormats, format);
+}
+
+unsigned GreyBits(const GUID& format) {
+    static const std::array kFormats{
+        FormatBits{&GUID_WICPixelFormatBlackWhite, 1}, FormatBits{&GUID_WICPixelFormat2bppGray, 2},
+        FormatBits{&GUID_WICPixelFormat4bppGray, 4},   FormatBits{&GUID_WICPixelFormat8bppGray, 8},
+        FormatBits{&GUID_WICPixelFormat16bppGray, 16},
+    };
+    return BitsOf(kFormats, format);
+}
+
+// The system's factory of this thread's apartment.
+ComPtr<IWICImagingFactory> MakeFactory() {
+    ComPtr<IWICImagingFactory> factory;
+    Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                           IID_PPV_ARGS(&factory)));
+    return factory;
+}
+
+}  // namespace
+
+bool DecoderInstalled(Container container) {
+    const GUID* id = ContainerId(container);
+    if (id == nullptr) return container != Container::kUnknown;
+    const ComApartment apartment;
+    ComPtr<IWICBitmapDecoder> decoder;
+    return SUCCEEDED(MakeFactory()->CreateDecoder(*id, nullptr, &decoder));
+}
+
+WicFrame::WicFrame(Container container, const ComPtr<IStream>& stream, uint32_t frameIndex)
+    : factory_(MakeFactory()) {
+    Check(factory_->CreateDecoderFromStream(stream.Get(), nullptr, WICDecodeMetadataCacheOnDemand,
+                                            &decoder_));
+    Check(decoder_->GetFrame(frameIndex, &frame_));
+    Check(frame_->GetSize(&width_, &height_));
+    if (container == Container::kTiff) ReadOrientation();
+    ReadResolution();
+}
+
+void WicFrame::ReadOrientation() {
+    ComPtr<IWICMetadataQueryReader> reader;
+    if (FAILED(frame_->GetMetadataQueryReader(&reader))) return;
+    const uint16_t value = ReadNumber(reader.Get(), L"/ifd/{ushort=274}").value_or(1);
+    if (value >= 1 && value <= 8) orientation_ = value;
+}
+
+void WicFrame::ReadResolution() {
+    double x = 0, y = 0;
+    if (FAILED(frame_->GetResolution(&x, &y)) || (x == kDefaultDotsPerInch && x == y)) return;
+    const auto pels = [](double dotsPerInch) {
+        const double value = dotsPerInch * kInchesPerMetre;
+        return value >= 1 && value < 1e9 ? static_cast<int32_t>(std::lround(value)) : 0;
+    };
+    xPelsPerMeter_ = pels(x);
+    yPelsPerMeter_ = pels(y);
+}
+
+WicPixels WicFrame::Pixels() const {
+    GUID format{};
+    Check(frame_->GetPixelFormat(&format));
+    WicPixels pixels;
+    if ((pixels.bitCount = IndexedBits(format)) != 0) {
+        pixels.source = frame_;
+        pixels.palette = FramePalette(factory_.Get(), frame_.Get(), pixels.bitCount);
+    } else if ((pixels.bitCount = GreyBits(format)) != 0) {
+        pixels.source = frame_;
+        pixels.palette = codec::GreyPalette(std::min(pixels.bitCount, 8u));
+    } else if (IsEqualGUID(format, GUID_WICPixelFormat24bppBGR)) {
+        pixels.source = frame_;
+        pixels.bitCount = 24;
+    } else if (IsEqualGUID(format, GUID_WICPixelFormat32bppGrayFloat)) {
+        Check(WICConvertBitmapSource(GUID_WICPixelFormat8bppGray, frame_.Get(), &pixels.source));
+        pixels.bitCount = 8;
+        pixels.palette = codec::GreyPalette(8);
+    } else {
+        Check(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame_.Get(), &pixels.source));
+        pixels.bitCount = 32;
+    }
+    return pixels;
+}
+
+}  // namespace tessary::wic

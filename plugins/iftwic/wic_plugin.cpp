@@ -1,0 +1,29 @@
+// iftwic.spi: who it is.
+#include <array>
+
+#include "plugins/common/bundled_plugin.h"
+#include "plugins/iftwic/wic_decoder.h"
+
+namespace tessary::spi {
+
+const PluginIdentity& Identity() {
+    static constexpr std::array kFileTypes{
+        FileType{"*.gif", L"GIF形式", "GIF"},
+        FileType{"*.tif;*.tiff", L"TIFF形式", "TIFF"},
+        FileType{"*.ico;*.cur", L"アイコン・カーソル", "Icon"},
+        FileType{"*.webp", L"WebP形式", "WebP"},
+        FileType{"*.heic;*.heif;*.hif;*.avif", L"HEIF・AVIF形式", "HEIF, AVIF"},
+        FileType{"*.jxr;*.wdp;*.hdp", L"JPEG XR形式", "JPEG XR"},
+        FileType{"*.dds", L"DDS形式", "DDS"},
+    };
+    static constexpr PluginIdentity kIdentity{
+        "iftwic " TESSARY_PLUGIN_VERSION " - GIF, TIFF, ICO, WebP, HEIF (WIC)", kFileTypes};
+    return kIdentity;
+}
+
+const codec::PictureCodec& Codec() {
+    static const wic::WicDecoder decoder;
+    return decoder;
+}
+
+}  // namespace tessary::spi

@@ -1,0 +1,99 @@
+// Runs a decoder on bytes in memory and looks at the picture it makes.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "helpers/dib/unpack_row.h"
+#include "plugins/common/picture_codec.h"
+
+namespace tessary::codec::test {
+
+using Bytes = std::vector<uint8_t>;
+
+// Blocks without any room behind them, so that the sanitizer sees each byte too far. Pictures of
+// more than `mostBits` bytes find no memory.
+class MemoryTarget final : public PictureTarget {
+  public:
+    explicit MemoryTarget(size_t mostBits = SIZE_MAX) : mostBits_(mostBits) {}
+
+    bool Allocate(size_t infoSize, size_t bitsSize) override {
+        if (bitsSize > mostBits_) return false;
+        info_ = std::make_unique<uint8_t[]>(infoSize_ = infoSize);
+        bits_ = std::make_unique<uint8_t[]>(bitsSize_ = bitsSize);
+        return true;
+    }
+    uint8_t* Info() override { return info_.get(); }
+    uint8_t* Bits() override { return bits_.get(); }
+
+    // Null unless the blocks are a plain picture, as hosts want it.
+    std::optional<dib::DibView> View() const {
+        return dib::DibView::Of({info_.get(), infoSize_}, {bits_.get(), bitsSize_});
+    }
+
+  private:
+    std::unique_ptr<uint8_t[]> info_, bits_;
+    size_t infoSize_ = 0, bitsSize_ = 0;
+    size_t mostBits_;
+};
+
+// The colours of a picture, rows from the top.
+class Colors {
+  public:
+    explicit Colors(const dib::DibView& view)
+        : width(static_cast<uint32_t>(view.Width())),
+          height(static_cast<uint32_t>(view.Height())),
+          bgra_(size_t{width} * height * 4) {
+        const dib::RowReader reader(view);
+        for (uint32_t y = 0; y < height; ++y) {
+            reader.RowBgra(view.Row(static_cast<int32_t>(y)),
+                           std::span(bgra_).subspan(size_t{y} * width * 4, size_t{width} * 4));
+        }
+    }
+    // `channel`: 0 blue, 1 green, 2 red, 3 alpha where the picture has one.
+    int Channel(uint32_t x, uint32_t y, unsigned channel) const {
+        return bgra_[(size_t{y} * width + x) * 4 + channel];
+    }
+    // 0xRRGGBB
+    uint32_t At(uint32_t x, uint32_t y) const {
+        return static_cast<uint32_t>(Channel(x, y, 2) << 16 | Channel(x, y, 1) << 8 |
+                                     Channel(x, y, 0));
+    }
+
+    const uint32_t width, height;
+
+  private:
+    Bytes bgra_;
+};
+
+// Decodes `file`; without success the target is of no use.
+struct Decoded {
+    Decoded(const PictureCodec& codec, const Bytes& file, Progress progress = {}) {
+        dib::MemorySource source(file);
+        codec.ReadForm(source, form);
+        result = codec.Decode(source, target, progress);
+    }
+    Colors Pixels() const { return Colors(*target.View()); }
+
+    MemoryTarget target;
+    PictureForm form;
+    Result result;
+};
+
+// A device that breaks down behind its first `good` bytes.
+class FailingSource final : public dib::ByteSource {
+  public:
+    FailingSource(const Bytes& file, uint64_t good) : file_(file), good_(good) {}
+    uint64_t Size() const override { return file_.Size(); }
+    std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> into) override {
+        if (offset + into.size() > good_) return std::nullopt;
+        return file_.ReadAt(offset, into);
+    }
+
+  private:
+    dib::MemorySource file_;
+    uint64_t good_;
+};
+
+}  // namespace tessary::codec::test

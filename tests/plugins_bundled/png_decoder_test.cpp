@@ -1,0 +1,159 @@
+#include "plugins/iftpng/png_decoder.h"
+
+#include <gtest/gtest.h>
+#include <png.h>
+
+#include <algorithm>
+
+#include "tests/plugins_bundled/decoded_picture.h"
+#include "tests/plugins_bundled/made_pictures.h"
+
+namespace tessary::codec::test {
+namespace {
+
+const png::PngDecoder kDecoder;
+
+enum ColorType { kGrey = 0, kColor = 2, kPalette = 3, kGreyAlpha = 4, kColorAlpha = 6 };
+
+struct Kind {
+    int colorType;
+    int depth;
+    int bitCount;  // of the decoded picture
+};
+
+constexpr Kind kKinds[] = {
+    {kGrey, 1, 1},       {kGrey, 2, 4},        {kGrey, 4, 4},         {kGrey, 8, 8},
+    {kGrey, 16, 8},      {kColor, 8, 24},      {kColor, 16, 24},      {kPalette, 1, 1},
+    {kPalette, 2, 4},    {kPalette, 4, 4},     {kPalette, 8, 8},      {kGreyAlpha, 8, 8},
+    {kGreyAlpha, 16, 8}, {kColorAlpha, 8, 24}, {kColorAlpha, 16, 24},
+};
+
+// The pixels as libpng's own short way unpacks them: 8-bit blue, green, red, alpha.
+Bytes Reference(const Bytes& file) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    EXPECT_TRUE(png_image_begin_read_from_memory(&image, file.data(), file.size()));
+    image.format = PNG_FORMAT_BGRA;
+    image.flags = PNG_IMAGE_FLAG_16BIT_sRGB;
+    Bytes pixels(PNG_IMAGE_SIZE(image));
+    EXPECT_TRUE(png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr));
+    return pixels;
+}
+
+// The picture has `bitCount` bits and the reference's pixels, over grey of level `behind`.
+void ExpectReference(const PngPlan& plan, int bitCount, int behind) {
+    SCOPED_TRACE(testing::Message() << "type " << plan.colorType << " depth " << plan.depth
+                                    << (plan.interlaced ? " interlaced" : "")
+                                    << (plan.transparent ? " transparent" : "")
+                                    << (plan.background ? " on a background" : ""));
+    const Bytes file = MakePng(plan);
+    const Decoded decoded(kDecoder, file);
+    ASSERT_EQ(decoded.result, Result::kSuccess);
+    EXPECT_EQ(decoded.form.bitCount, bitCount);
+    ASSERT_TRUE(decoded.target.View());
+    const dib::BitmapInfoHeader header = decoded.target.View()->Header();
+    EXPECT_EQ(header.bitCount, bitCount);
+    EXPECT_EQ(header.xPelsPerMeter, 3937);
+    EXPECT_EQ(header.yPelsPerMeter, 7874);
+    const Colors picture = decoded.Pixels();
+    ASSERT_EQ(picture.width, plan.width);
+    ASSERT_EQ(picture.height, plan.height);
+    PngPlan straight = plan;
+    straight.interlaced = false;
+    const Bytes expected = Reference(MakePng(straight));
+    int worst = 0;
+    for (size_t i = 0; i < expected.size(); i += 4) {
+        for (unsigned c = 0; c < 3; ++c) {
+            const int wanted =
+                (expected[i + c] * expected[i + 3] + behind * (255 - expected[i + 3])) / 255;
+            const auto x = static_cast<uint32_t>(i / 4 % plan.width);
+            const auto y = static_cast<uint32_t>(i / 4 / plan.width);
+            worst = std::max(worst, std::abs(picture.Channel(x, y, c) - wanted));
+        }
+    }
+    EXPECT_LE(worst,
+              plan.depth == 16 ? 3 : 1);  // 16-bit samples are cut by one, rounded by the other
+}
+
+TEST(PngDecoder, ReadsEveryKind) {
+    for (const Kind& kind : kKinds) {
+        for (const bool interlaced : {false, true}) {
+            PngPlan plan{.colorType = kind.colorType, .depth = kind.depth};
+            plan.interlaced = interlaced;
+            plan.width = 1;
+            ExpectReference(plan, kind.bitCount, 255);
+            plan.width = 21;
+            plan.transparent = kind.colorType < kGreyAlpha;
+            ExpectReference(plan, kind.bitCount, 255);
+            plan.background = static_cast<uint16_t>(kind.depth == 16 ? 0x2345 : 1);
+            const int level = kind.depth == 16 ? 0x23 : 255 / ((1 << kind.depth) - 1);
+            ExpectReference(plan, kind.bitCount,
+                            kind.colorType == kPalette ? PngPaletteLevel(1) : level);
+        }
+    }
+}
+
+TEST(PngDecoder, ShowsWhatAFileCutShortHolds) {
+    for (const Kind& kind : kKinds) {
+        for (const bool interlaced : {false, true}) {
+            SCOPED_TRACE(testing::Message() << kind.colorType << ' ' << kind.depth);
+            Bytes file = MakePng({.width = 300,
+                                  .height = 300,
+                                  .colorType = kind.colorType,
+                                  .depth = kind.depth,
+                                  .interlaced = interlaced});
+            const Decoded whole(kDecoder, file);
+            file.resize(file.size() / 2);
+            const Decoded decoded(kDecoder, file);
+            ASSERT_EQ(decoded.result, Result::kSuccess);
+            const Colors picture = decoded.Pixels();
+            EXPECT_EQ(picture.At(0, 96), whole.Pixels().At(0, 96));
+            if (!interlaced && kind.colorType != kPalette) {
+                EXPECT_EQ(picture.At(299, 299), 0xFFFFFFu);
+            }
+        }
+    }
+    Bytes noRow = MakePng({});
+    noRow.resize(70);
+    EXPECT_EQ(Decoded(kDecoder, noRow).result, Result::kBrokenData);
+}
+
+TEST(PngDecoder, RefusesDamagedAndForgedFiles) {
+    const Bytes good = MakePng({});
+    const auto resultWithDamageAt = [&](size_t at) {
+        Bytes file = good;
+        file[at] ^= 1;
+        return Decoded(kDecoder, file).result;
+    };
+    EXPECT_EQ(resultWithDamageAt(2), Result::kUnknownFormat);  // signature
+    EXPECT_EQ(resultWithDamageAt(19), Result::kBrokenData);    // width
+    EXPECT_EQ(resultWithDamageAt(100), Result::kBrokenData);   // pixels
+    // The pixels' check sum stands in front of the end chunk's 12 bytes, which nobody needs.
+    EXPECT_EQ(resultWithDamageAt(good.size() - 13), Result::kBrokenData);
+    EXPECT_EQ(resultWithDamageAt(good.size() - 1), Result::kSuccess);
+
+    // 60000 x 60000 pixels, with the right check sum.
+    Bytes forged = good;
+    const uint8_t header[] = {0, 0, 0xEA, 0x60, 0,    0,    0xEA, 0x60, 8,
+                              2, 0, 0,    0,    0x0F, 0xB0, 0xE2, 0x15};
+    std::copy(std::begin(header), std::end(header), forged.begin() + 16);
+    const Decoded decoded(kDecoder, forged);
+    EXPECT_EQ(decoded.result, Result::kOutOfMemory);
+    EXPECT_FALSE(decoded.target.View());
+}
+
+TEST(PngDecoder, StopsWhenToldAndWhenTheDeviceFails) {
+    const Bytes file = MakePng({.width = 100, .height = 100});
+    int calls = 0;
+    const Decoded stopped(kDecoder, file, Progress([&](int, int) { return ++calls < 2; }));
+    EXPECT_EQ(stopped.result, Result::kAborted);
+    EXPECT_EQ(calls, 2);
+
+    FailingSource source(file, 200);
+    MemoryTarget target;
+    Progress nobody;
+    EXPECT_EQ(kDecoder.Decode(source, target, nobody), Result::kReadError);
+}
+
+}  // namespace
+}  // namespace tessary::codec::test
