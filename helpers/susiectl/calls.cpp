@@ -1,0 +1,151 @@
+// The entries that call the functions of a plug-in.
+#include <algorithm>
+#include <vector>
+
+#include "helpers/susiectl/entry.h"
+#include "helpers/susiectl/guard.h"
+#include "helpers/susiectl/input_file.h"
+#include "helpers/susiectl/leftover_windows.h"
+#include "helpers/susiectl/progress.h"
+#include "helpers/susiectl/susiectl.h"
+
+namespace tessary::susiectl {
+namespace {
+
+// Plug-ins write and read a little, sometimes a lot, behind the blocks they are given.
+constexpr size_t kSlack = 4096;
+
+// A caller's structure or text buffer, lent to a plug-in as a bigger copy.
+class LentBlock {
+  public:
+    LentBlock(void* block, size_t size) : block_(static_cast<std::byte*>(block)), size_(size) {
+        if (!block_) return;
+        copy_.resize(size_ + kSlack);
+        std::copy_n(block_, size_, copy_.begin());
+    }
+    ULONG_PTR Address() { return block_ ? Word(copy_.data()) : 0; }
+    void Return() const {
+        if (block_) std::copy_n(copy_.begin(), size_, block_);
+    }
+
+  private:
+    std::byte* block_;
+    size_t size_;
+    std::vector<std::byte> copy_;
+};
+
+int Call(FARPROC function, std::initializer_list<ULONG_PTR> arguments, HostProgress progress = {}) {
+    const auto answer = GuardedCall(function, arguments, Net::kSpread, progress);
+    if (answer) return static_cast<int>(*answer);
+    DestroyLeftoverWindows(function);
+    return kCrashed;
+}
+
+int CallAndReturn(LentBlock& block, FARPROC function, std::initializer_list<ULONG_PTR> arguments) {
+    const int answer = Call(function, arguments);
+    block.Return();
+    return answer;
+}
+
+// Every entry: a plug-in that lacks the function is told from one that fails.
+template <typename Work>
+int Enter(FARPROC function, const Work& work) {
+    return function ? WithoutExceptions<int>(susie::kOutOfMemory, work) : kNotExported;
+}
+
+int IsFileSupported(FARPROC function, const char* fileName) {
+    const InputFile file(FromAnsi(fileName));
+    if (!file.IsOpen()) return 0;
+    std::vector<std::byte> head(susie::kHeaderBlockSize + kSlack);
+    file.Read(0, std::span(head).first(susie::kHeaderBlockSize));
+    return Call(function, {Word(fileName), Word(head.data())});
+}
+
+}  // namespace
+}  // namespace tessary::susiectl
+
+using namespace tessary::susiectl;
+namespace susie = tessary::susie;
+
+SUSIECTL_ENTRY int __stdcall GetPluginInfo(FARPROC function, int infoNumber, char* buffer,
+                                           int bufferLength) {
+    return Enter(function, [&] {
+        LentBlock text(buffer, static_cast<size_t>(std::max(bufferLength, 0)));
+        return CallAndReturn(text, function,
+                             {Word(infoNumber), text.Address(), Word(bufferLength)});
+    });
+}
+
+SUSIECTL_ENTRY int __stdcall IsSupported(FARPROC function, const char* fileName,
+                                         const void* header) {
+    return Enter(function, [&] {
+        return header ? Call(function, {Word(fileName ? fileName : ""), Word(header)})
+                      : IsFileSupported(function, fileName);
+    });
+}
+
+SUSIECTL_ENTRY int __stdcall GetPictureInfo(FARPROC function, const char* source, LONG_PTR length,
+                                            uint32_t flag, susie::PictureInfo* info) {
+    return Enter(function, [&] {
+        LentBlock record(info, sizeof *info);
+        return CallAndReturn(record, function,
+                             {Word(source), Word(length), Word(flag), record.Address()});
+    });
+}
+
+SUSIECTL_ENTRY int __stdcall GetPicture(FARPROC function, const char* source, LONG_PTR length,
+                                        uint32_t flag, HLOCAL* info, HLOCAL* bits,
+                                        susie::ProgressCallback progress, LONG_PTR userData) {
+    return Enter(function, [&] {
+        return Call(function,
+                    {Word(source), Word(length), Word(flag), Word(info), Word(bits),
+                     Word(&ReportProgress), Word(userData)},
+                    {progress, userData});
+    });
+}
+
+SUSIECTL_ENTRY int __stdcall GetPreview(FARPROC function, const char* source, LONG_PTR length,
+                                        uint32_t flag, HLOCAL* info, HLOCAL* bits,
+                                        susie::ProgressCallback progress, LONG_PTR userData) {
+    return GetPicture(function, source, length, flag, info, bits, progress, userData);
+}
+
+SUSIECTL_ENTRY int __stdcall GetArchiveInfo(FARPROC function, const char* source, LONG_PTR length,
+                                            uint32_t flag, HLOCAL* members) {
+    return Enter(function, [&] {
+        return Call(function, {Word(source), Word(length), Word(flag), Word(members)});
+    });
+}
+
+SUSIECTL_ENTRY int __stdcall GetFileInfo(FARPROC function, const char* source, LONG_PTR length,
+                                         const char* fileName, uint32_t flag,
+                                         susie::FileInfo* info) {
+    return Enter(function, [&] {
+        LentBlock record(info, sizeof *info);
+        return CallAndReturn(
+            record, function,
+            {Word(source), Word(length), Word(fileName), Word(flag), record.Address()});
+    });
+}
+
+SUSIECTL_ENTRY int __stdcall GetFile(FARPROC function, const char* source, LONG_PTR length,
+                                     char* destination, uint32_t flag,
+                                     susie::ProgressCallback progress, LONG_PTR userData) {
+    return Enter(function, [&] {
+        return Call(function,
+                    {Word(source), Word(length), Word(destination), Word(flag),
+                     Word(&ReportProgress), Word(userData)},
+                    {progress, userData});
+    });
+}
+
+SUSIECTL_ENTRY int __stdcall ConfigurationDlg(FARPROC function, HWND parent,
+                                              int configurationFunction) {
+    return Enter(function, [&] {
+        const bool enabled = IsWindowEnabled(parent);
+        const int answer = Call(function, {Word(parent), Word(configurationFunction)});
+        // A dialog that crashed has not released the window that it belonged to.
+        if (answer == kCrashed && enabled) EnableWindow(parent, TRUE);
+        return answer;
+    });
+}

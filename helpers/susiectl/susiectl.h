@@ -1,0 +1,89 @@
+// susiectl.dll: calls the functions of a Susie plug-in by address under a crash guard, loads and
+// frees plug-in files, and tells a file's format from its content.
+//
+// Every entry is __stdcall. The nine calling entries take the plug-in function's address first and
+// then the interface's own arguments. They answer the plug-in's result, -1 for a null address, and
+// 255 when the plug-in crashed: the crash is contained and the process goes on. After each call the
+// processor's registers, floating-point and direction state, the stack pointer, the current folder
+// and the error modes are as they were before it. Calls may be nested, from the progress callback.
+// Want of memory in this library itself is answered susie::kOutOfMemory, or as a failed load.
+//
+// What an exception in the calling thread says is contained, with two limits: a plug-in may
+// overwrite 64 KB of the stack above its own, and its DllMain none. What asks the system to end the
+// process (ExitProcess, abort, TerminateProcess, a compiler's fail-fast checks), crashes in threads
+// of the plug-in's own and damage to the heap that shows later are not.
+#pragma once
+
+#include "helpers/susiectl/susie_interface.h"
+
+namespace tessary::susiectl {
+
+constexpr int kCrashed = 255;
+constexpr int kNotExported = -1;
+
+// What GetFileInformation answers; anything else than these is "none of them".
+constexpr int kContentUnknown = -1;  // not readable, or no known signature
+constexpr int kContentBmp = 0;
+constexpr int kContentPng = 1;
+constexpr int kContentJpeg = 2;
+constexpr int kContentGif = 3;
+constexpr int kContentLzh = 16;
+constexpr int kContentZip = 17;
+
+// Loads a plug-in file; null when it is missing, no DLL for this process's architecture, or crashes
+// while it is loaded. No system message box appears; its own folder and the system's are searched
+// for what it needs.
+using SPILoadLibraryFunction = HMODULE(__stdcall*)(const char* path);
+using SPILoadLibraryWFunction = HMODULE(__stdcall*)(const wchar_t* path);
+
+// Frees a plug-in file. Non-zero for success.
+using SPIFreeLibraryFunction = int(__stdcall*)(HMODULE module);
+
+// A plug-in that writes behind the buffer does not destroy what is there.
+using GetPluginInfoEntry = int(__stdcall*)(FARPROC function, int infoNumber, char* buffer,
+                                           int bufferLength);
+
+// `header`: null for a file, whose first 2048 bytes are then read here, padded with zeros, and
+// given to the plug-in; a file that cannot be read is answered 0 without asking it. Else the
+// address of at least 2048 readable bytes.
+using IsSupportedEntry = int(__stdcall*)(FARPROC function, const char* fileName,
+                                         const void* header);
+using GetPictureInfoEntry = int(__stdcall*)(FARPROC function, const char* source, LONG_PTR length,
+                                            uint32_t flag, susie::PictureInfo* info);
+// Also for GetPreview. `progress` may be null. It is called in the calling thread only, under the
+// caller's floating-point state, and with the caller's `userData`, whatever the plug-in passes.
+using GetPictureEntry = int(__stdcall*)(FARPROC function, const char* source, LONG_PTR length,
+                                        uint32_t flag, HLOCAL* info, HLOCAL* bits,
+                                        susie::ProgressCallback progress, LONG_PTR userData);
+using GetArchiveInfoEntry = int(__stdcall*)(FARPROC function, const char* source, LONG_PTR length,
+                                            uint32_t flag, HLOCAL* members);
+using GetFileInfoEntry = int(__stdcall*)(FARPROC function, const char* source, LONG_PTR length,
+                                         const char* fileName, uint32_t flag,
+                                         susie::FileInfo* info);
+using GetFileEntry = int(__stdcall*)(FARPROC function, const char* source, LONG_PTR length,
+                                     char* destination, uint32_t flag,
+                                     susie::ProgressCallback progress, LONG_PTR userData);
+using ConfigurationDlgEntry = int(__stdcall*)(FARPROC function, HWND parent,
+                                              int configurationFunction);
+
+// The format that a file's first bytes show: one of the kContent… values.
+using GetFileInformationFunction = int(__stdcall*)(const char* path);
+using GetFileInformationWFunction = int(__stdcall*)(const wchar_t* path);
+
+// The exported names, in the order of the types above.
+inline constexpr char kSPILoadLibrary[] = "SPILoadLibrary";
+inline constexpr char kSPILoadLibraryW[] = "SPILoadLibraryW";
+inline constexpr char kSPIFreeLibrary[] = "SPIFreeLibrary";
+inline constexpr char kGetPluginInfo[] = "GetPluginInfo";
+inline constexpr char kIsSupported[] = "IsSupported";
+inline constexpr char kGetPictureInfo[] = "GetPictureInfo";
+inline constexpr char kGetPicture[] = "GetPicture";
+inline constexpr char kGetPreview[] = "GetPreview";
+inline constexpr char kGetArchiveInfo[] = "GetArchiveInfo";
+inline constexpr char kGetFileInfo[] = "GetFileInfo";
+inline constexpr char kGetFile[] = "GetFile";
+inline constexpr char kConfigurationDlg[] = "ConfigurationDlg";
+inline constexpr char kGetFileInformation[] = "GetFileInformation";
+inline constexpr char kGetFileInformationW[] = "GetFileInformationW";
+
+}  // namespace tessary::susiectl

@@ -1,0 +1,182 @@
+// What the guarded call contains, and what it leaves to the plug-in.
+#include <gtest/gtest.h>
+
+#include <csetjmp>
+#include <functional>
+#include <thread>
+
+#include "tests/helpers/susiectl/susiectl_library.h"
+#include "tests/plugins/test_plugins.h"
+
+namespace tessary::test {
+namespace {
+
+using susiectl::kCrashed;
+
+const char* const kCrashKinds[] = {
+    "av",     "av-write", "av-jump",     "div-zero", "div-overflow",   "fpu",
+    "sse",    "illegal",  "privileged",  "int3",     "stack-overflow", "cpp",
+    "delphi", "raise",    "raise-final", "smash",    "wild-chain",     "lost-chain"};
+
+int __stdcall RunFromProgress(int, int, LONG_PTR action) {
+    (*reinterpret_cast<const std::function<void()>*>(action))();
+    return 0;
+}
+
+class GuardTest : public testing::Test {
+  protected:
+    // Decodes a good picture, and does `action` once in the progress callback.
+    int DecodeDoing(const std::function<void()>& action) {
+        return plugin_.Decode("TST 4x3x24\nprogress:1\n", RunFromProgress,
+                              reinterpret_cast<LONG_PTR>(&action));
+    }
+
+    // How deep in the stack a plug-in is called.
+    ULONG_PTR CallbackDepth() {
+        ULONG_PTR depth = 0;
+        DecodeDoing([&] { depth = reinterpret_cast<ULONG_PTR>(__builtin_frame_address(0)); });
+        return depth;
+    }
+
+    LoadedPlugin plugin_{L"iftst.spi"};
+};
+
+TEST_F(GuardTest, EveryKindOfCrashIsAnswered255) {
+    for (const std::string kind : kCrashKinds) {
+        EXPECT_EQ(plugin_.DecodeWith("crash:" + kind + ":GetPicture"), kCrashed) << kind;
+        EXPECT_EQ(plugin_.DecodeWith(""), susie::kSuccess) << "after " << kind;
+    }
+}
+
+TEST_F(GuardTest, EveryFunctionIsGuarded) {
+    const LoadedPlugin all(L"picture_and_archive.spi");
+    const auto run = [&](const char* name, const auto& call) {
+        const std::string script =
+            "TST 1x1x24\ncrash:av:" + std::string(name) + std::string(2050, '\n');
+        EXPECT_EQ(call(all[name], script.c_str()), kCrashed) << name;
+    };
+    char block[512];
+    const auto& susiectl = Susiectl();
+    run("IsSupported", [&](auto f, auto text) { return susiectl.isSupported(f, "x.tst", text); });
+    run("GetPictureInfo", [&](auto f, auto text) {
+        return susiectl.getPictureInfo(f, text, 100, 1,
+                                       reinterpret_cast<susie::PictureInfo*>(block));
+    });
+    run("GetPreview", [&](auto f, auto text) {
+        return susiectl.getPreview(f, text, 100, 1, nullptr, nullptr, nullptr, 0);
+    });
+    run("GetArchiveInfo",
+        [&](auto f, auto text) { return susiectl.getArchiveInfo(f, text, 100, 1, nullptr); });
+    run("GetFileInfo", [&](auto f, auto text) {
+        return susiectl.getFileInfo(f, text, 100, "a", 1,
+                                    reinterpret_cast<susie::FileInfo*>(block));
+    });
+    run("GetFile",
+        [&](auto f, auto text) { return susiectl.getFile(f, text, 0, block, 1, nullptr, 0); });
+    const LoadedPlugin info(L"info_crash.spi");
+    EXPECT_EQ(susiectl.getPluginInfo(info["GetPluginInfo"], 0, block, 256), kCrashed);
+    // An address that is no function's.
+    EXPECT_EQ(susiectl.getPluginInfo(reinterpret_cast<FARPROC>(16), 0, block, 256), kCrashed);
+}
+
+TEST_F(GuardTest, ExceptionsThatThePluginHandlesAreItsOwn) {
+    for (const std::string kind : {"av", "av-write", "av-jump", "div-zero", "illegal", "cpp",
+                                   "delphi", "raise", "stack-overflow"})
+        EXPECT_EQ(plugin_.DecodeWith("handled:" + kind + ":GetPicture"), susie::kSuccess) << kind;
+}
+
+TEST_F(GuardTest, MessagesToDebuggersAreNoCrashes) {
+    for (const std::string kind : {"name-thread", "debug-print"})
+        EXPECT_EQ(plugin_.DecodeWith("crash:" + kind + ":GetPicture"), susie::kSuccess) << kind;
+}
+
+TEST_F(GuardTest, CleanUpCodeOfThePluginRuns) {
+    EXPECT_EQ(plugin_.DecodeWith("finally:av:GetPicture"), kCrashed);
+    EXPECT_EQ(TestCallCount(plugin_.Module(), "finally"), 2);
+    EXPECT_EQ(plugin_.DecodeWith("bad-finally:av:GetPicture"), kCrashed);
+    EXPECT_EQ(TestCallCount(plugin_.Module(), "finally"), 3) << "no more after it has crashed too";
+}
+
+// A thread's first overflow leaves the least room.
+TEST_F(GuardTest, HandlersAreNotAskedWhereTheyHaveNoRoom) {
+    int crashes = 0;
+    std::thread([&] {
+        for (int i = 0; i < 3; ++i)
+            crashes += plugin_.DecodeWith("hungry:stack-overflow:GetPicture") == kCrashed;
+    }).join();
+    EXPECT_EQ(crashes, 3);
+}
+
+TEST_F(GuardTest, AThousandCrashesLeaveNothingBehind) {
+    const ULONG_PTR depth = CallbackDepth();
+    DWORD before = 0;
+    DWORD after = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &before);
+    for (int i = 0; i < 1000; ++i) {
+        const std::string kind = kCrashKinds[static_cast<size_t>(i) % std::size(kCrashKinds)];
+        ASSERT_EQ(plugin_.DecodeWith("crash:" + kind + ":GetPicture"), kCrashed) << kind;
+    }
+    GetProcessHandleCount(GetCurrentProcess(), &after);
+    EXPECT_EQ(before, after);
+    EXPECT_EQ(CallbackDepth(), depth);
+}
+
+TEST_F(GuardTest, WorksInEveryThread) {
+    int crashes = 0;
+    std::thread([&] {
+        for (const std::string kind : {"stack-overflow", "wild-chain", "av", "stack-overflow"})
+            crashes += plugin_.DecodeWith("crash:" + kind + ":GetPicture") == kCrashed;
+    }).join();
+    EXPECT_EQ(crashes, 4);
+}
+
+TEST_F(GuardTest, CallsNestInTheCallback) {
+    std::function<void()> nest;
+    int depth = 0;
+    int crashes = 0;
+    nest = [&] {
+        for (const std::string kind : kCrashKinds)
+            crashes += plugin_.DecodeWith("crash:" + kind + ":GetPicture") == kCrashed;
+        if (++depth == 5) return;
+        EXPECT_EQ(DecodeDoing(nest), susie::kSuccess);
+    };
+    EXPECT_EQ(DecodeDoing(nest), susie::kSuccess);
+    EXPECT_EQ(crashes, 5 * static_cast<int>(std::size(kCrashKinds)));
+}
+
+jmp_buf outerCall;
+
+int __stdcall JumpOut(int, char*, int) {
+    std::longjmp(outerCall, 1);
+}
+
+int __stdcall CallAndBeJumpedTo(const char*, LONG_PTR, uint32_t, HLOCAL*, HLOCAL*,
+                                susie::ProgressCallback progress, LONG_PTR userData) {
+    if (setjmp(outerCall) == 0)
+        Susiectl().getPluginInfo(reinterpret_cast<FARPROC>(reinterpret_cast<void*>(JumpOut)), 0,
+                                 nullptr, 0);
+    return progress(0, 0, userData);
+}
+
+int __stdcall Answer7(int, int, LONG_PTR) {
+    return 7;
+}
+
+TEST_F(GuardTest, AJumpOverANestedCallEndsIt) {
+    const auto function = reinterpret_cast<FARPROC>(reinterpret_cast<void*>(CallAndBeJumpedTo));
+    EXPECT_EQ(Susiectl().getPicture(function, "", 0, 0, nullptr, nullptr, Answer7, 0), 7);
+}
+
+TEST_F(GuardTest, ACrashInTheCallbackEndsTheOuterCallOnly) {
+    int inner = -1;
+    EXPECT_EQ(DecodeDoing([&] {
+                  inner = plugin_.DecodeWith("");
+                  *reinterpret_cast<volatile int*>(inner) = 0;
+              }),
+              kCrashed);
+    EXPECT_EQ(inner, susie::kSuccess);
+    EXPECT_EQ(plugin_.DecodeWith(""), susie::kSuccess);
+}
+
+}  // namespace
+}  // namespace tessary::test

@@ -1,0 +1,136 @@
+// What can be loaded, and what is refused in silence.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <future>
+#include <iterator>
+#include <memory>
+#include <thread>
+
+#include "tests/helpers/susiectl/susiectl_library.h"
+#include "tests/plugins/test_plugins.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary::test {
+namespace {
+
+std::string ContentOf(const std::wstring& path) {
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class LoadingTest : public testing::Test {
+  protected:
+    // Whether a file can be loaded, and freed again.
+    static bool Loads(const std::wstring& path) {
+        HMODULE module = Susiectl().loadLibraryW(path.c_str());
+        if (!module) return false;
+        EXPECT_TRUE(Susiectl().freeLibrary(module));
+        EXPECT_FALSE(GetModuleHandleW(path.c_str()));
+        return true;
+    }
+    bool LoadsContent(const std::string& content) const {
+        return Loads(folder_.Write(L"made.spi", content));
+    }
+
+    TemporaryFolder folder_;
+};
+
+TEST_F(LoadingTest, FilesThatAreNoDllOfThisArchitectureAreRefused) {
+    const std::string good = ContentOf(TestPluginPath(L"iftst.spi"));
+    ASSERT_TRUE(LoadsContent(good));
+    EXPECT_FALSE(Loads(folder_.Path() + L"missing.spi"));
+    EXPECT_FALSE(Loads(folder_.Path()));
+    EXPECT_FALSE(LoadsContent(""));
+    EXPECT_FALSE(LoadsContent("A text.\r\n"));
+    EXPECT_FALSE(LoadsContent("MZ"));
+    EXPECT_FALSE(Loads(TestProgramFolder() + L"susiectl_test.exe"));
+    EXPECT_FALSE(LoadsContent(good.substr(0, 0x180)));
+
+    uint32_t ntHeader = 0;
+    std::memcpy(&ntHeader, good.data() + 0x3C, 4);
+    const auto changed = [&](size_t offset, const std::string& bytes) {
+        return std::string(good).replace(ntHeader + offset, bytes.size(), bytes);
+    };
+    EXPECT_FALSE(LoadsContent(changed(0, "NE")));         // 16 bits
+    EXPECT_FALSE(LoadsContent(changed(4, "\x64\x86")));   // 64 bits
+    EXPECT_FALSE(LoadsContent(changed(24, "\x0B\x02")));  // 64 bits, says the optional header
+    EXPECT_FALSE(LoadsContent(std::string(good).replace(0x3C, 4, "\xFF\xFF\xFF\x7F")));
+    EXPECT_FALSE(Susiectl().loadLibrary(nullptr));
+    EXPECT_FALSE(Susiectl().freeLibrary(nullptr));
+}
+
+TEST_F(LoadingTest, PluginsThatFailToStartAreRefused) {
+    EXPECT_FALSE(Loads(TestPluginPath(L"load_crash.spi")));
+    EXPECT_FALSE(Loads(TestPluginPath(L"load_refuses.spi")));
+    EXPECT_FALSE(Loads(TestPluginPath(L"needs_missing.spi")));
+    EXPECT_TRUE(Loads(TestPluginPath(L"iftst.spi"))) << "after those";
+}
+
+// Runs `work` in a thread of its own; false when it does not end.
+bool EndsInThread(std::function<void()> work) {
+    const auto ended = std::make_shared<std::promise<void>>();
+    std::thread([ended, work = std::move(work)] {
+        work();
+        ended->set_value();
+    }).detach();
+    return ended->get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready;
+}
+
+// The system starts no thread while it believes that a DLL is being loaded.
+TEST_F(LoadingTest, ThreadsStartAfterACrashWhileLoading) {
+    EXPECT_TRUE(EndsInThread(
+        [this] { EXPECT_FALSE(LoadedPlugin(folder_, "crash:stack-overflow:DllMain").Module()); }));
+    EXPECT_TRUE(EndsInThread([] {}));
+}
+
+TEST_F(LoadingTest, ACrashWhileItIsFreedIsContained) {
+    HMODULE plugin = Susiectl().loadLibraryW(TestPluginPath(L"unload_crash.spi").c_str());
+    ASSERT_TRUE(plugin);
+    Susiectl().freeLibrary(plugin);
+    EXPECT_TRUE(Loads(TestPluginPath(L"iftst.spi")));
+}
+
+TEST_F(LoadingTest, WhatAPluginNeedsIsSoughtInTrustedFolders) {
+    EXPECT_TRUE(Loads(TestPluginPath(L"needs_sibling.spi"))) << "beside the plug-in";
+
+    const std::string sibling = ContentOf(TestPluginPath(L"gone\\sibling_gone.dll"));
+    folder_.Write(L"sibling_gone.dll", sibling);
+    SetCurrentDirectoryW(folder_.Path().c_str());
+    EXPECT_FALSE(Loads(TestPluginPath(L"needs_missing.spi"))) << "in the current folder";
+    SetCurrentDirectoryW(TestProgramFolder().c_str());
+
+    const std::wstring besideProgram = TestProgramFolder() + L"sibling_gone.dll";
+    CopyFileW((folder_.Path() + L"sibling_gone.dll").c_str(), besideProgram.c_str(), FALSE);
+    // Not by the current folder, which is the program's above.
+    SetCurrentDirectoryW(L"C:\\");
+    EXPECT_TRUE(Loads(TestPluginPath(L"needs_missing.spi"))) << "beside the program";
+    SetCurrentDirectoryW(TestProgramFolder().c_str());
+    DeleteFileW(besideProgram.c_str());
+}
+
+TEST_F(LoadingTest, NamesOfAllKindsAreTaken) {
+    const std::string good = ContentOf(TestPluginPath(L"iftst.spi"));
+    EXPECT_TRUE(Loads(folder_.Write(L"\u30D7\u30E9\U0001F600\uD55C.spi", good)));
+
+    HMODULE module =
+        Susiectl().loadLibrary(ToAnsi(folder_.Write(L"\u8868\u793A.spi", good)).c_str());
+    EXPECT_TRUE(module) << "a name whose second byte is a backslash in the code page";
+    Susiectl().freeLibrary(module);
+
+    std::wstring longPath = folder_.Path();
+    for (int i = 0; i < 5; ++i) {
+        longPath += std::wstring(60, L'x') + L'\\';
+        CreateDirectoryW((L"\\\\?\\" + longPath).c_str(), nullptr);
+    }
+    longPath += L"a.spi";
+    ASSERT_TRUE(
+        CopyFileW(TestPluginPath(L"iftst.spi").c_str(), (L"\\\\?\\" + longPath).c_str(), FALSE));
+    EXPECT_TRUE(Loads(longPath));
+}
+
+}  // namespace
+}  // namespace tessary::test

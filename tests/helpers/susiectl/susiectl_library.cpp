@@ -1,0 +1,75 @@
+#include "tests/helpers/susiectl/susiectl_library.h"
+
+#include "tests/plugins/test_plugins.h"
+
+namespace tessary::test {
+namespace {
+
+SusiectlLibrary Load() {
+    using namespace susiectl;
+    HMODULE module = LoadLibraryW((TestProgramFolder() + L"..\\bin\\susiectl.dll").c_str());
+    return {module,
+            Find<SPILoadLibraryFunction>(module, kSPILoadLibrary),
+            Find<SPILoadLibraryWFunction>(module, kSPILoadLibraryW),
+            Find<SPIFreeLibraryFunction>(module, kSPIFreeLibrary),
+            Find<GetPluginInfoEntry>(module, kGetPluginInfo),
+            Find<IsSupportedEntry>(module, kIsSupported),
+            Find<GetPictureInfoEntry>(module, kGetPictureInfo),
+            Find<GetPictureEntry>(module, kGetPicture),
+            Find<GetPictureEntry>(module, kGetPreview),
+            Find<GetArchiveInfoEntry>(module, kGetArchiveInfo),
+            Find<GetFileInfoEntry>(module, kGetFileInfo),
+            Find<GetFileEntry>(module, kGetFile),
+            Find<ConfigurationDlgEntry>(module, kConfigurationDlg),
+            Find<GetFileInformationFunction>(module, kGetFileInformation),
+            Find<GetFileInformationWFunction>(module, kGetFileInformationW)};
+}
+
+}  // namespace
+
+std::string ToAnsi(const std::wstring& text) {
+    std::string ansi(text.size() * 2, '\0');
+    ansi.resize(static_cast<size_t>(
+        WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), ansi.data(),
+                            static_cast<int>(ansi.size()), nullptr, nullptr)));
+    return ansi;
+}
+
+const SusiectlLibrary& Susiectl() {
+    static const SusiectlLibrary library = Load();
+    return library;
+}
+
+LoadedPlugin::LoadedPlugin(const std::wstring& fileName)
+    : module_(Susiectl().loadLibraryW(TestPluginPath(fileName).c_str())) {}
+
+LoadedPlugin::LoadedPlugin(const TemporaryFolder& folder, std::string_view script) {
+    const std::wstring path = folder.Path() + L"scripted.spi";
+    folder.Write(L"scripted.spi.script", script);
+    CopyFileW(TestPluginPath(L"iftst.spi").c_str(), path.c_str(), FALSE);
+    module_ = Susiectl().loadLibraryW(path.c_str());
+}
+
+LoadedPlugin::~LoadedPlugin() {
+    Susiectl().freeLibrary(module_);
+}
+
+int LoadedPlugin::Decode(std::string_view picture, susie::ProgressCallback progress,
+                         LONG_PTR userData) const {
+    HLOCAL info = nullptr;
+    HLOCAL bits = nullptr;
+    const int answer = Susiectl().getPicture(
+        (*this)["GetPicture"], picture.data(), static_cast<LONG_PTR>(picture.size()),
+        susie::kSourceMemory, &info, &bits, progress, userData);
+    if (answer == susie::kSuccess) {
+        LocalFree(info);
+        LocalFree(bits);
+    }
+    return answer;
+}
+
+int LoadedPlugin::DecodeWith(const std::string& directives) const {
+    return Decode("TST 4x3x24\n" + directives + "\n");
+}
+
+}  // namespace tessary::test

@@ -1,0 +1,68 @@
+// susiectl.dll as the program uses it: loaded from the application folder, entries found by name.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+#include "helpers/susiectl/susiectl.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary::test {
+
+// An entry of susiectl.dll or a function of a plug-in; null when there is none.
+template <typename Function>
+Function Find(HMODULE module, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
+// A text in the system's code page.
+std::string ToAnsi(const std::wstring& text);
+
+struct SusiectlLibrary {
+    HMODULE module;
+    susiectl::SPILoadLibraryFunction loadLibrary;
+    susiectl::SPILoadLibraryWFunction loadLibraryW;
+    susiectl::SPIFreeLibraryFunction freeLibrary;
+    susiectl::GetPluginInfoEntry getPluginInfo;
+    susiectl::IsSupportedEntry isSupported;
+    susiectl::GetPictureInfoEntry getPictureInfo;
+    susiectl::GetPictureEntry getPicture;
+    susiectl::GetPictureEntry getPreview;
+    susiectl::GetArchiveInfoEntry getArchiveInfo;
+    susiectl::GetFileInfoEntry getFileInfo;
+    susiectl::GetFileEntry getFile;
+    susiectl::ConfigurationDlgEntry configurationDlg;
+    susiectl::GetFileInformationFunction getFileInformation;
+    susiectl::GetFileInformationWFunction getFileInformationW;
+};
+
+// Loaded at the first use, and then for good.
+const SusiectlLibrary& Susiectl();
+
+// A test plug-in, loaded through susiectl.dll for as long as this lives.
+class LoadedPlugin {
+  public:
+    explicit LoadedPlugin(const std::wstring& fileName);
+    // A copy of iftst.spi in `folder`, with a script beside it.
+    LoadedPlugin(const TemporaryFolder& folder, std::string_view script);
+    ~LoadedPlugin();
+    LoadedPlugin(const LoadedPlugin&) = delete;
+    LoadedPlugin& operator=(const LoadedPlugin&) = delete;
+
+    HMODULE Module() const { return module_; }
+    FARPROC operator[](const char* function) const { return GetProcAddress(module_, function); }
+
+    // Has the plug-in decode a picture in memory, and frees what it hands out.
+    int Decode(std::string_view picture, susie::ProgressCallback progress = nullptr,
+               LONG_PTR userData = 0) const;
+
+    // Has it decode "TST 4x3x24" with these directives.
+    int DecodeWith(const std::string& directives) const;
+
+  private:
+    HMODULE module_;
+};
+
+}  // namespace tessary::test

@@ -1,0 +1,98 @@
+// GetPluginInfo, IsSupported and ConfigurationDlg of every test plug-in.
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "helpers/susiectl/susie_interface.h"
+#include "tests/plugins/function.h"
+#include "tests/plugins/source.h"
+
+namespace tessary::test {
+namespace {
+
+std::string OwnText(int number) {
+    const bool picture = IsExported("GetPicture");
+    const bool archive = IsExported("GetArchiveInfo");
+    const std::string patterns = picture && archive ? "*.TST;*.TSA" : picture ? "*.TST" : "*.TSA";
+    const std::string texts[] = {picture ? "00IN" : "00AM", "Test plug-in", patterns, "Test files"};
+    return number >= 0 && number < 4 ? texts[number] : "";
+}
+
+std::string NumberedPattern(int number, int count) {
+    const int pair = number / 2 - 1;
+    if (pair < 0 || pair >= count) return "";
+    char text[24];
+    std::snprintf(text, sizeof text, number % 2 ? "Kind %02d" : "*.T%02d", pair);
+    return text;
+}
+
+std::string TextOf(const Script& script, int number) {
+    if (const auto text = script.Text("info:" + std::to_string(number))) return *text;
+    if (script.Has("info-none")) return "";
+    if (const auto count = script.Number("patterns"); count && number >= 2)
+        return NumberedPattern(number, *count);
+    return script.Has("info-endless") ? OwnText(number % 4) : OwnText(number);
+}
+
+int WriteText(const Script& script, const std::string& text, char* buffer, int size) {
+    if (script.Has("info-fill")) {
+        for (int i = 0; i < size; ++i)
+            buffer[i] = "*.tst;"[i % 6];
+        return size;
+    }
+    if (text.empty() && script.Has("info-none")) return 0;
+    const int length = std::min(static_cast<int>(text.size()), size - 1);
+    std::memcpy(buffer, text.data(), static_cast<size_t>(length));
+    buffer[length] = '\0';
+    std::memset(buffer + size, 'x', static_cast<size_t>(script.Number("info-overrun").value_or(0)));
+    const bool countsNul = script.Has("info-counts-nul") && length > 0;
+    return length + script.Number("info-longer").value_or(0) + (countsNul ? 1 : 0);
+}
+
+bool IsOurs(const std::string& content) {
+    return (IsExported("GetPicture") && content.starts_with("TST ")) ||
+           (IsExported("GetArchiveInfo") && content.starts_with("TSA\n"));
+}
+
+bool HasOurExtension(const std::string& fileName) {
+    return fileName.ends_with(".tst") || fileName.ends_with(".TST");
+}
+
+int SumOf(const char* block, int length) {
+    int sum = 0;
+    for (int i = 0; i < length; ++i)
+        sum += static_cast<const volatile char*>(block)[i];
+    return sum;
+}
+
+// A file handle has no high word, an address has.
+bool IsBlock(const void* header) {
+    return reinterpret_cast<ULONG_PTR>(header) > 0xFFFF;
+}
+
+}  // namespace
+}  // namespace tessary::test
+
+using namespace tessary;
+using namespace tessary::test;
+
+extern "C" int __stdcall GetPluginInfo(int number, char* buffer, int size) {
+    return Run({"GetPluginInfo", __builtin_dwarf_cfa(), 3, {}}, [&](const Script& script) {
+        return WriteText(script, TextOf(script, number), buffer, size);
+    });
+}
+
+extern "C" int __stdcall IsSupported(const char* fileName, const char* header) {
+    const std::string content = IsBlock(header) ? std::string(header, susie::kHeaderBlockSize)
+                                                : ReadFileContent(fileName, 0);
+    return Run({"IsSupported", __builtin_dwarf_cfa(), 2, content}, [&](const Script& script) {
+        if (SumOf(header + susie::kHeaderBlockSize, script.Number("read-beyond").value_or(0)))
+            return 3;
+        if (script.Has("accept-all")) return 1;
+        return (script.Has("by-name") ? HasOurExtension(fileName) : IsOurs(content)) ? 1 : 0;
+    });
+}
+
+extern "C" int __stdcall ConfigurationDlg(HWND, int) {
+    return Run({"ConfigurationDlg", __builtin_dwarf_cfa(), 2, {}}, [](const Script&) { return 0; });
+}

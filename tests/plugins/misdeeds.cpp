@@ -1,0 +1,185 @@
+#include "tests/plugins/misdeeds.h"
+
+#include <csetjmp>
+#include <cstdint>
+#include <cstdlib>
+#include <iterator>
+
+namespace tessary::test {
+namespace {
+
+struct Frame {
+    Frame* outer;
+    EXCEPTION_DISPOSITION(__cdecl* handler)(EXCEPTION_RECORD*, Frame*, CONTEXT*, void*);
+    void (*cleanUp)();
+    jmp_buf resume;
+};
+
+Frame* Chain() {
+    Frame* first;
+    asm volatile("movl %%fs:0, %0" : "=r"(first));
+    return first;
+}
+
+void SetChain(const void* first) {
+    asm volatile("movl %0, %%fs:0" : : "r"(first) : "memory");
+}
+
+EXCEPTION_DISPOSITION __cdecl Handle(EXCEPTION_RECORD* record, Frame* frame, CONTEXT*, void*) {
+    if (record->ExceptionFlags & EXCEPTION_UNWINDING) return ExceptionContinueSearch;
+    std::longjmp(frame->resume, 1);
+}
+
+EXCEPTION_DISPOSITION __cdecl UseMuchStack(EXCEPTION_RECORD*, Frame*, CONTEXT*, void*) {
+    volatile char memory[16 * 1024];
+    for (volatile char& each : memory)
+        each = 0;
+    return ExceptionContinueSearch;
+}
+
+EXCEPTION_DISPOSITION __cdecl CleanUp(EXCEPTION_RECORD* record, Frame* frame, CONTEXT*, void*) {
+    if (record->ExceptionFlags & EXCEPTION_UNWINDING) frame->cleanUp();
+    return ExceptionContinueSearch;
+}
+
+int Recurse(int depth) {
+    volatile char frame[512] = {};
+    return frame[depth % 512] + (depth < 0 ? 0 : Recurse(depth + 1)) + frame[7];
+}
+
+void Raise(DWORD code, DWORD flags, std::initializer_list<ULONG_PTR> arguments) {
+    RaiseException(code, flags, static_cast<DWORD>(arguments.size()), std::data(arguments));
+}
+
+void DivideByZero(uint16_t controlWord) {
+    asm volatile("fninit; fldcw %0; fld1; fldz; fdivrp; fwait; fstp %%st(0)" : : "m"(controlWord));
+}
+
+void DivideByZeroSse(uint32_t settings) {
+    asm volatile(
+        "ldmxcsr %0; xorps %%xmm0, %%xmm0; movl $0x3F800000, %%eax; movd %%eax, %%xmm1;"
+        "divss %%xmm0, %%xmm1"
+        :
+        : "m"(settings)
+        : "eax", "xmm0", "xmm1");
+}
+
+// An overrun of a local buffer: its own return address and exception record, and then the callers'.
+__attribute__((noinline)) void SmashStack() {
+    asm volatile(
+        "pushl $0; pushl %%fs:0; movl %%esp, %%fs:0;"
+        "movl %%esp, %%edi; movl $0x41414141, %%eax; movl $500, %%ecx; cld; rep stosl;"
+        "addl $64, %%esp; ret"
+        :
+        :
+        : "eax", "ecx", "edi", "memory");
+}
+
+BOOL CALLBACK Disable(HWND window, LPARAM) {
+    EnableWindow(window, FALSE);
+    return TRUE;
+}
+
+void OpenModalWindow() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+        reinterpret_cast<const wchar_t*>(&Disable), &module);
+    EnumThreadWindows(GetCurrentThreadId(), Disable, 0);
+    CreateWindowW(L"STATIC", L"Test plug-in window", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50, nullptr,
+                  nullptr, module, nullptr);
+}
+
+constexpr uint16_t kUnmaskedControlWord = 0x0360;
+constexpr uint32_t kUnmaskedMxcsr = 0x0100;
+constexpr uint32_t kDefaultMxcsr = 0x1F80;
+
+}  // namespace
+
+void Crash(const std::string& kind) {
+    if (kind == "av") asm volatile("movl 16, %%eax" : : : "eax");
+    if (kind == "av-write") asm volatile("movl $1, 16" : : : "memory");
+    if (kind == "av-jump") asm volatile("xorl %%eax, %%eax; call *%%eax" : : : "eax", "memory");
+    if (kind == "div-zero") asm volatile("xorl %%ecx, %%ecx; divl %%ecx" : : : "eax", "ecx", "edx");
+    if (kind == "div-overflow")
+        asm volatile("movl $0x80000000, %%eax; cdq; movl $-1, %%ecx; idivl %%ecx"
+                     :
+                     :
+                     : "eax", "ecx", "edx");
+    if (kind == "fpu") DivideByZero(kUnmaskedControlWord);
+    if (kind == "sse") DivideByZeroSse(kUnmaskedMxcsr);
+    if (kind == "illegal") asm volatile("ud2");
+    if (kind == "privileged") asm volatile("hlt");
+    if (kind == "int3") asm volatile("int3");
+    if (kind == "stack-overflow") Recurse(0);
+    if (kind == "cpp") Raise(0xE06D7363, EXCEPTION_NONCONTINUABLE, {0x19930520, 0, 0});
+    if (kind == "delphi") Raise(0x0EEDFADE, EXCEPTION_NONCONTINUABLE, {0, 0, 0, 0, 0, 0, 0});
+    if (kind == "raise") Raise(0xE0001234, 0, {});
+    if (kind == "raise-final") Raise(0xC0000025, EXCEPTION_NONCONTINUABLE, {});
+    if (kind == "smash") SmashStack();
+    if (kind == "wild-chain" || kind == "lost-chain") {
+        SetChain(reinterpret_cast<void*>(kind == "lost-chain" ? ~0U : 0x41414140U));
+        Crash("av");
+    }
+    static const char text[] = "worker";
+    if (kind == "name-thread")
+        Raise(0x406D1388, 0, {0x1000, reinterpret_cast<ULONG_PTR>(text), ~0UL, 0});
+    if (kind == "debug-print")
+        Raise(0x40010006, 0, {sizeof text, reinterpret_cast<ULONG_PTR>(text)});
+    if (kind == "exit") ExitProcess(3);
+    if (kind == "abort") std::abort();
+    if (kind == "terminate") TerminateProcess(GetCurrentProcess(), 3);
+}
+
+void CrashAndHandle(const std::string& kind) {
+    Frame frame{Chain(), Handle, nullptr, {}};
+    SetChain(&frame);
+    if (setjmp(frame.resume) == 0) Crash(kind);
+    SetChain(frame.outer);
+}
+
+void CrashInHungryFrame(const std::string& kind) {
+    Frame frame{Chain(), UseMuchStack, nullptr, {}};
+    SetChain(&frame);
+    Crash(kind);
+    SetChain(frame.outer);
+}
+
+void CrashWithCleanUp(const std::string& kind, void (*inner)(), void (*outer)()) {
+    Frame frames[2]{{&frames[1], CleanUp, inner, {}}, {Chain(), CleanUp, outer, {}}};
+    SetChain(&frames[0]);
+    Crash(kind);
+    SetChain(frames[1].outer);
+}
+
+void MakeDirty(const std::string& state) {
+    if (state == "fpu-unmasked") asm volatile("fldcw %0" : : "m"(kUnmaskedControlWord));
+    const uint16_t singlePrecision = 0x007F;
+    if (state == "fpu-single") asm volatile("fldcw %0" : : "m"(singlePrecision));
+    if (state == "fpu-full") asm volatile("fninit; fld1; fld1; fld1; fld1; fld1; fld1; fld1; fld1");
+    if (state == "sse-unmasked") asm volatile("ldmxcsr %0" : : "m"(kUnmaskedMxcsr));
+    const uint32_t roundUp = kDefaultMxcsr | 0x4000;
+    if (state == "sse-rounding") asm volatile("ldmxcsr %0" : : "m"(roundUp));
+    if (state == "direction") asm volatile("std");
+    wchar_t folder[MAX_PATH];
+    if (state == "folder" && GetTempPathW(MAX_PATH, folder)) SetCurrentDirectoryW(folder);
+    if (state == "error-mode") {
+        SetErrorMode(SEM_NOGPFAULTERRORBOX);
+        SetThreadErrorMode(0, nullptr);
+    }
+    if (state == "window") OpenModalWindow();
+    if (state == "exception-chain") SetChain(reinterpret_cast<void*>(0x41414140));
+}
+
+[[noreturn]] void ReturnWithoutRegisters(int answer, void* frame, int argumentCount) {
+    asm volatile(
+        "leal -4(%1), %%esp; popl %%edi; leal (%%esp, %2, 4), %%esp; movl %%edi, -4(%%esp);"
+        "movl $0xBAD, %%ebx; movl %%ebx, %%esi; movl %%ebx, %%edi; movl %%ebx, %%ebp;"
+        "jmp *-4(%%esp)"
+        :
+        : "a"(answer), "c"(frame), "d"(argumentCount)
+        : "memory");
+    __builtin_unreachable();
+}
+
+}  // namespace tessary::test

@@ -1,0 +1,30 @@
+// The crashes and the changed processor and process states that a script can ask for.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace tessary::test {
+
+// Crashes. Comes back only from the kinds that are no crashes, and from unknown ones.
+void Crash(const std::string& kind);
+
+// Crashes, and takes the exception in an exception frame of its own.
+void CrashAndHandle(const std::string& kind);
+
+// Crashes in an exception frame whose handler uses 16 KB of stack.
+void CrashInHungryFrame(const std::string& kind);
+
+// Crashes inside two frames whose clean-up code calls these.
+void CrashWithCleanUp(const std::string& kind, void (*inner)(), void (*outer)());
+
+// Changes a state that the function's caller depends on.
+void MakeDirty(const std::string& state);
+
+// Returns `answer` to the caller of a stdcall function with every register that it should have kept
+// changed. `frame` is the function's __builtin_dwarf_cfa(), `argumentCount` its number of
+// arguments.
+[[noreturn]] void ReturnWithoutRegisters(int answer, void* frame, int argumentCount);
+
+}  // namespace tessary::test

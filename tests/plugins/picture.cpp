@@ -1,0 +1,91 @@
+// GetPictureInfo, GetPicture and GetPreview of the test plug-ins.
+#include "helpers/susiectl/susie_interface.h"
+#include "tests/plugins/function.h"
+#include "tests/plugins/picture_blocks.h"
+#include "tests/plugins/source.h"
+
+namespace tessary::test {
+namespace {
+
+constexpr uint32_t kDescribeFlag = 0x80;
+
+PictureSize SizeOf(const std::string& content) {
+    return ParseSize(content.substr(4));
+}
+
+int Describe(const Script& script, const std::string& content, uint32_t flag,
+             susie::PictureInfo* info) {
+    if (IsSourceRefused(script, flag)) return susie::kNotImplemented;
+    if (script.Has("flag128") && !(flag & kDescribeFlag)) return susie::kNotImplemented;
+    if (!content.starts_with("TST ")) return susie::kUnknownFormat;
+    const auto claim = script.Text("info-record");
+    const PictureSize size = claim ? ParseSize(*claim) : SizeOf(content);
+    *info = {};
+    info->width = static_cast<int32_t>(size.width);
+    info->height = static_cast<int32_t>(size.height);
+    info->colorDepth = static_cast<int16_t>(size.depth);
+    if (const auto text = script.Text("text")) info->hInfo = MakeBlock(*text + '\0');
+    return susie::kSuccess;
+}
+
+// False when the callback asked to stop.
+bool Report(const Script& script, int rows, susie::ProgressCallback progress, LONG_PTR userData) {
+    const int count = script.Number("progress").value_or(rows + 1);
+    for (int i = 0; i < count; ++i)
+        if (progress(i, count - 1, userData) != 0 && !script.Has("ignore-abort")) return false;
+    return true;
+}
+
+void HandOut(const Script& script, const PictureBlocks& blocks, HLOCAL* info, HLOCAL* bits) {
+    if (script.Has("no-handles")) return;
+    const UINT kind = script.Has("fixed") ? LMEM_FIXED : LMEM_MOVEABLE;
+    const auto wild = reinterpret_cast<HLOCAL>(0x12345678);
+    const bool isWild = script.Has("wild-handles");
+    if (!script.Has("no-info")) *info = isWild ? wild : MakeBlock(blocks.info, kind);
+    if (script.Has("same-handle"))
+        *bits = *info;
+    else if (!script.Has("no-bits"))
+        *bits = isWild ? wild : MakeBlock(blocks.bits, kind);
+}
+
+int Decode(const Script& script, const std::string& content, uint32_t flag, HLOCAL* info,
+           HLOCAL* bits, susie::ProgressCallback progress, LONG_PTR userData) {
+    if (IsSourceRefused(script, flag)) return susie::kNotImplemented;
+    if (!content.starts_with("TST ")) return susie::kUnknownFormat;
+    if (const auto size = script.Number("leak")) LocalAlloc(LMEM_FIXED, static_cast<size_t>(*size));
+    const PictureSize size = SizeOf(content);
+    if (!Report(script, static_cast<int>(size.height), progress, userData)) return susie::kAborted;
+    HandOut(script, MakePicture(size, script), info, bits);
+    return susie::kSuccess;
+}
+
+}  // namespace
+}  // namespace tessary::test
+
+using namespace tessary;
+using namespace tessary::test;
+
+extern "C" int __stdcall GetPictureInfo(const char* source, LONG_PTR length, uint32_t flag,
+                                        susie::PictureInfo* info) {
+    const std::string content = ReadSource(source, length, flag);
+    return Run({"GetPictureInfo", __builtin_dwarf_cfa(), 4, content},
+               [&](const Script& script) { return Describe(script, content, flag, info); });
+}
+
+extern "C" int __stdcall GetPicture(const char* source, LONG_PTR length, uint32_t flag,
+                                    HLOCAL* info, HLOCAL* bits, susie::ProgressCallback progress,
+                                    LONG_PTR userData) {
+    const std::string content = ReadSource(source, length, flag);
+    return Run({"GetPicture", __builtin_dwarf_cfa(), 7, content}, [&](const Script& script) {
+        return Decode(script, content, flag, info, bits, progress, userData);
+    });
+}
+
+extern "C" int __stdcall GetPreview(const char* source, LONG_PTR length, uint32_t flag,
+                                    HLOCAL* info, HLOCAL* bits, susie::ProgressCallback progress,
+                                    LONG_PTR userData) {
+    const std::string content = ReadSource(source, length, flag);
+    return Run({"GetPreview", __builtin_dwarf_cfa(), 7, content}, [&](const Script& script) {
+        return Decode(script, content, flag, info, bits, progress, userData);
+    });
+}
