@@ -1,0 +1,78 @@
+#include "app/base/command_line.h"
+
+#include <windows.h>
+
+#include "app/base/modScreenCaps.h"
+#include "app/base/paths.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kQuote = L'"';
+constexpr wchar_t kBlank = L' ';
+
+std::vector<std::wstring_view> SplitAtBlanks(std::wstring_view text) {
+    std::vector<std::wstring_view> pieces;
+    while (!text.empty()) {
+        const size_t end = std::min(text.find(kBlank), text.size());
+        pieces.push_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return pieces;
+}
+
+std::vector<std::wstring_view> SplitWithQuotes(std::wstring_view text) {
+    std::vector<std::wstring_view> names;
+    while (!text.empty()) {
+        const wchar_t end = text.front() == kQuote ? kQuote : kBlank;
+        if (end == kQuote) text.remove_prefix(1);
+        const size_t length = std::min(text.find(end), text.size());
+        names.push_back(text.substr(0, length));
+        text.remove_prefix(std::min(length + 1, text.size()));
+    }
+    return names;
+}
+
+std::wstring LongNameOf(const std::wstring& path) {
+    wchar_t buffer[MAX_PATH];
+    const DWORD length = GetLongPathNameW(path.c_str(), buffer, MAX_PATH);
+    return length > 0 && length < MAX_PATH ? std::wstring(buffer, length) : path;
+}
+
+}  // namespace
+
+int ParseCommandLine(std::wstring_view commandLine, uint32_t platformId,
+                     std::vector<std::wstring>& files) {
+    const bool is95 = platformId == kPlatformWindows95;
+    if (!is95 && platformId != kPlatformNT) return 0;
+    const size_t before = files.size();
+    for (const std::wstring_view name :
+         is95 ? SplitAtBlanks(commandLine) : SplitWithQuotes(commandLine)) {
+        if (!PathExists(name)) continue;
+        // The current folder may change later (plug-ins do that), so names are made whole here.
+        std::wstring path = FullPathOf(name);
+        if (is95) path = LongNameOf(path);
+        if (IsFolder(path)) {
+            std::vector<std::wstring> inFolder = FilesInFolder(path, L"*.*");
+            files.insert(files.end(), std::make_move_iterator(inFolder.begin()),
+                         std::make_move_iterator(inFolder.end()));
+        } else {
+            files.push_back(std::move(path));
+        }
+    }
+    return static_cast<int>(files.size() - before);
+}
+
+std::wstring CommandLineArguments() {
+    std::wstring_view line = GetCommandLineW();
+    // The program's name follows simpler rules than arguments do: a quoted name runs to the next
+    // quote.
+    const wchar_t end = line.starts_with(kQuote) ? kQuote : kBlank;
+    const size_t length = line.find(end, end == kQuote ? 1 : 0);
+    line.remove_prefix(length == std::wstring_view::npos ? line.size() : length + 1);
+    const size_t first = line.find_first_not_of(kBlank);
+    return std::wstring(first == std::wstring_view::npos ? std::wstring_view()
+                                                         : line.substr(first));
+}
+
+}  // namespace tessary

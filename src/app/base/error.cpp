@@ -1,0 +1,34 @@
+#include "app/base/error.h"
+
+#include "app/base/message_box.h"
+#include "app/base/text.h"
+
+namespace tessary {
+
+RaisedError CurrentError() {
+    try {
+        throw;
+    } catch (const RaisedError& error) {
+        return error;
+    } catch (const std::bad_alloc&) {
+        return RaisedError(kErrorOutOfMemory, L"メモリが不足しています。");
+    } catch (const std::exception& error) {
+        return RaisedError(kErrorInternal, FromAnsi(error.what()));
+    } catch (...) {
+        return RaisedError(kErrorInternal, L"内部エラーです。");
+    }
+}
+
+void ReportUnexpectedError(uint32_t errorNumber, std::wstring_view errorDescription,
+                           std::wstring_view procedureLabel) {
+    std::wstring message = L"モジュール ";
+    message.append(procedureLabel);
+    message += L" で予期されていないエラーが発生しました。\r\nErrorNo.";
+    // Signed: numbers of plug-in object errors are negative, as users know them from error lists.
+    message += std::to_wstring(static_cast<int32_t>(errorNumber));
+    message += L" ";
+    message.append(errorDescription);
+    ShowMessageBox(message);
+}
+
+}  // namespace tessary

@@ -1,0 +1,18 @@
+// The folders that the program's defaults rest on.
+#pragma once
+
+#include <string>
+
+namespace tessary {
+
+// The folder of the executable with a trailing backslash. Asked of the system once, then
+// remembered.
+const std::wstring& AppFolder();
+
+// The Windows folder with a trailing backslash.
+std::wstring WindowsFolder();
+
+// The user's temporary folder with a trailing backslash.
+std::wstring TemporaryFolder();
+
+}  // namespace tessary

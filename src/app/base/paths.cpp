@@ -1,0 +1,122 @@
+#include "app/base/paths.h"
+
+#include <windows.h>
+
+#include "app/base/handles.h"
+#include "app/base/text.h"
+
+namespace tessary {
+namespace {
+
+// Above this length (a folder's limit without the prefix, less an 8.3 name) the plain form may
+// fail.
+constexpr size_t kPlainPathLimit = MAX_PATH - 12;
+
+DWORD AttributesOf(std::wstring_view path) {
+    return path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(ExtendedPath(path).c_str());
+}
+
+// Calls a system routine that fills a buffer and answers the size it would need.
+template <typename Call>
+std::wstring FilledText(Call call) {
+    std::wstring text(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = call(text.data(), static_cast<DWORD>(text.size()));
+        if (length < text.size()) {
+            text.resize(length);
+            return text;
+        }
+        text.resize(length + 1);
+    }
+}
+
+std::wstring ShortPathOf(std::wstring_view path) {
+    const std::wstring extended = ExtendedPath(path);
+    std::wstring result = FilledText([&](wchar_t* buffer, DWORD size) {
+        return GetShortPathNameW(extended.c_str(), buffer, size);
+    });
+    if (result.starts_with(LR"(\\?\UNC\)")) return LR"(\\)" + result.substr(8);
+    if (result.starts_with(LR"(\\?\)")) result.erase(0, 4);
+    return result;
+}
+
+}  // namespace
+
+std::wstring AddBackslash(std::wstring_view path) {
+    std::wstring result(path);
+    if (result.size() > 3 && result.back() != L'\\') result += L'\\';
+    return result;
+}
+
+std::wstring RemoveBackslash(std::wstring_view path) {
+    if (!path.empty() && (path.size() <= 3 || path.back() == L'\\')) path.remove_suffix(1);
+    return std::wstring(path);
+}
+
+std::wstring FileNameOf(std::wstring_view path) {
+    return std::wstring(path.substr(path.rfind(L'\\') + 1));
+}
+
+std::wstring FolderOf(std::wstring_view path) {
+    return std::wstring(path.substr(0, path.rfind(L'\\') + 1));
+}
+
+std::wstring UpperExtensionOf(std::wstring_view path) {
+    const std::wstring name = FileNameOf(path);
+    const size_t dot = name.rfind(L'.');
+    return dot == std::wstring::npos ? std::wstring() : ToUpper(name.substr(dot + 1));
+}
+
+std::wstring FullPathOf(std::wstring_view path) {
+    if (path.empty()) return {};
+    const std::wstring name(path);
+    std::wstring full = FilledText([&](wchar_t* buffer, DWORD size) {
+        return GetFullPathNameW(name.c_str(), size, buffer, nullptr);
+    });
+    return full.empty() ? name : full;
+}
+
+std::wstring ExtendedPath(std::wstring_view path) {
+    if (path.size() < kPlainPathLimit || path.starts_with(LR"(\\?\)")) return std::wstring(path);
+    const std::wstring full = FullPathOf(path);
+    if (full.starts_with(LR"(\\)")) return LR"(\\?\UNC\)" + full.substr(2);
+    return LR"(\\?\)" + full;
+}
+
+bool PathExists(std::wstring_view path) {
+    return AttributesOf(path) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool IsFolder(std::wstring_view path) {
+    const DWORD attributes = AttributesOf(path);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+std::vector<std::wstring> FilesInFolder(std::wstring_view folder, std::wstring_view pattern) {
+    std::vector<std::wstring> files;
+    std::wstring prefix(folder);
+    if (!prefix.empty() && prefix.back() != L'\\') prefix += L'\\';
+    WIN32_FIND_DATAW entry;
+    UniqueFind find(FindFirstFileExW(ExtendedPath(prefix + std::wstring(pattern)).c_str(),
+                                     FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr,
+                                     FIND_FIRST_EX_LARGE_FETCH));
+    if (!find) return files;
+    do {
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+            files.push_back(prefix + entry.cFileName);
+        }
+    } while (FindNextFileW(find.Get(), &entry));
+    return files;
+}
+
+std::optional<std::string> AnsiPathOf(std::wstring_view path) {
+    const auto fitting = [](std::wstring_view text) {
+        std::optional<std::string> ansi = ToAnsiExact(text);
+        return ansi && ansi->size() < MAX_PATH ? ansi : std::nullopt;
+    };
+    if (std::optional<std::string> plain = fitting(path)) return plain;
+    const std::wstring shortPath = ShortPathOf(path);
+    return shortPath.empty() ? std::nullopt : fitting(shortPath);
+}
+
+}  // namespace tessary

@@ -1,0 +1,11 @@
+// What a first run sets up.
+#pragma once
+
+namespace tessary {
+
+// On a first run switches plug-ins on, makes the application folder plug-in folder 1 and the Susie
+// viewer's folder, where that viewer is set up, plug-in folder 2. Marks the first run as done.
+// Always true.
+bool ApplyFirstRunDefaults();
+
+}  // namespace tessary

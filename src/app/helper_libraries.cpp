@@ -1,0 +1,48 @@
+#include "app/helper_libraries.h"
+
+#include <windows.h>
+
+#include "app/base/handles.h"
+#include "app/base/modGetFolder.h"
+#include "app/settings/modValue.h"
+
+namespace tessary {
+namespace {
+
+struct HelperLibrary {
+    const wchar_t* fileName;
+    const wchar_t* missingText;  // null: the program does without it
+};
+
+constexpr HelperLibrary kHelperLibraries[] = {
+    {L"pic_kernel.dll", nullptr},
+    {L"plg_resize.fplg", nullptr},
+    {L"bmp_import.iplg", nullptr},
+    {L"bmp_export.eplg", nullptr},
+    {L"dcjpeg.dll", L"DCJPEG.DLL が見つかりません。"},
+    {L"dcpng.dll", L"DCPNG.DLL が見つかりません。"},
+    {L"convertdib.dll", L"CONVERTDIB.DLL が見つかりません。"},
+    {L"susiectl.dll", L"SUSIECTL.DLL が見つかりません。"},
+};
+
+}  // namespace
+
+bool CheckHelperLibraries() {
+    // A broken library is a missing one, told by our message and not by the system's.
+    const UINT oldMode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+    bool complete = true;
+    for (const HelperLibrary& library : kHelperLibraries) {
+        UniqueModule module(LoadLibraryW((AppFolder() + library.fileName).c_str()));
+        if (module) {
+            (void)module.Release();  // resident until the process ends
+        } else if (library.missingText != nullptr) {
+            Values().startupFailureReason = library.missingText;
+            complete = false;
+            break;
+        }
+    }
+    SetErrorMode(oldMode);
+    return complete;
+}
+
+}  // namespace tessary

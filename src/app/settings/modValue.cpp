@@ -1,0 +1,10 @@
+#include "app/settings/modValue.h"
+
+namespace tessary {
+
+ProcessValues& Values() {
+    static ProcessValues values;
+    return values;
+}
+
+}  // namespace tessary

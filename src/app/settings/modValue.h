@@ -1,0 +1,96 @@
+// Everything the user has chosen, and the few values that the whole process shares: one set, filled
+// at start-up and written back at shutdown.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tessary {
+
+constexpr int kPluginFolderCount = 3;
+
+// Settings of the section `General`, but for the display size mode.
+struct GeneralSettings {
+    int16_t useSPI = 0;                          // 1: use Susie plug-ins
+    std::wstring spiFolder[kPluginFolderCount];  // plug-in folders
+    bool loadSPI[kPluginFolderCount] = {true, false, false};
+    int16_t slideShowTime = 500;  // milliseconds
+    int16_t reduceColor = 0;
+    int16_t reduce256ModeOnly = 0;
+    int16_t saveReducedPicture = 0;
+    int16_t reduceType = 0;
+    int16_t reduceColorNum = 256;
+    int16_t reduceQuality = 0;
+    std::wstring openPath;       // last folder used for opening
+    std::wstring savePath;       // last folder used for saving
+    int16_t dynamicSPILoad = 0;  // 1: load plug-in libraries only when needed
+    int16_t spiExt = 0;          // 1: choose plug-ins by file name alone
+    int16_t openFolderType = 0;
+};
+
+// Settings of the section `Convert`.
+struct ConvertSettings {
+    std::wstring openPath;
+    std::wstring savePath;
+    std::wstring fileMask;
+    int32_t saveType1 = 0;
+    int32_t saveType2 = 0;
+    int16_t unpackArchive = 1;
+    int16_t noDecodeSmall = 0;
+    int32_t minDecodeSizeX = 0;
+    int32_t minDecodeSizeY = 0;
+    int16_t useDecodeFileMask = 0;
+    std::wstring decodeFileMask;
+    int16_t decodeFileMaskSet = 0;
+    int16_t decodeUnknownFile = 0;
+    int16_t reduceColor = 0;
+    int16_t outputErrorLog = 0;
+    std::wstring errorLogFileName;
+    int16_t outputAddMode = 0;
+    bool decodeSizeBoth = false;  // the size filter wants both sides small, not either
+};
+
+// Save options, handed to the writer libraries by address: 16-bit fields in exactly this order.
+struct BmpSaveOptions {
+    int16_t saveType = 0;
+    int16_t saveRLE = 0;
+};
+struct PngSaveOptions {
+    int16_t quality = 6;
+    int16_t interlace = 0;
+};
+struct JpegSaveOptions {
+    int16_t quality = 60;
+    int16_t progressive = 0;
+    int16_t optimizedHuffman = 0;
+};
+static_assert(sizeof(BmpSaveOptions) == 4 && sizeof(PngSaveOptions) == 4 &&
+              sizeof(JpegSaveOptions) == 6);
+
+// How the shown picture is sized: 0 as it is, 1 to 3 into a fixed box, 4 into the screen's work
+// area.
+constexpr int16_t kSizeModeOriginal = 0;
+constexpr int16_t kSizeMode640 = 1;
+constexpr int16_t kSizeMode800 = 2;
+constexpr int16_t kSizeMode1024 = 3;
+constexpr int16_t kSizeModeScreen = 4;
+
+// The values of the whole process. Touched by the user-interface thread only.
+struct ProcessValues {
+    GeneralSettings general;
+    ConvertSettings convert;
+    BmpSaveOptions bmpSave;
+    PngSaveOptions pngSave;
+    JpegSaveOptions jpegSave;
+    int16_t fixSizeValue = kSizeModeOriginal;
+
+    uint32_t platformId = 0;            // kPlatform… of the running system
+    std::wstring startupFailureReason;  // which helper library was missing; else empty
+    bool pictureLoading = false;        // a file or member is being read and decoded
+    bool quitRequested = false;         // the main window was closed during a load
+};
+
+// The one instance.
+ProcessValues& Values();
+
+}  // namespace tessary

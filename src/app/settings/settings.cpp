@@ -1,0 +1,187 @@
+#include "app/settings/settings.h"
+
+#include <windows.h>
+
+#include <type_traits>
+
+#include "app/base/error.h"
+#include "app/base/message_box.h"
+#include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
+#include "app/settings/modValue.h"
+#include "app/settings/setting_value.h"
+#include "app/settings/settings_store.h"
+
+namespace tessary {
+namespace {
+
+constexpr std::wstring_view kReadErrorText = L"レジストリの読み取りエラーです。";
+constexpr std::wstring_view kWriteErrorText = L"レジストリの書き込みエラーです。";
+
+// Takes a section's values out of the store, in the order of the calls.
+class SectionReader {
+  public:
+    explicit SectionReader(std::wstring_view section) : section_(section) {}
+
+    void operator()(std::wstring_view key, int16_t& value, std::wstring_view defaultText) const {
+        value = ToInt16(GetSetting(section_, key, defaultText));
+    }
+    void operator()(std::wstring_view key, int32_t& value, std::wstring_view defaultText) const {
+        value = ToInt32(GetSetting(section_, key, defaultText));
+    }
+    void operator()(std::wstring_view key, bool& value, std::wstring_view defaultText) const {
+        value = ToBoolean(GetSetting(section_, key, defaultText));
+    }
+    void operator()(std::wstring_view key, std::wstring& value,
+                    std::wstring_view defaultText) const {
+        value = GetSetting(section_, key, defaultText);
+    }
+
+  private:
+    std::wstring_view section_;
+};
+
+// Puts a section's values into the store; takes the same calls, so that one list of keys serves
+// both ways.
+class SectionWriter {
+  public:
+    explicit SectionWriter(std::wstring_view section) : section_(section) {}
+
+    template <typename Value>
+    void operator()(std::wstring_view key, const Value& value, std::wstring_view) const {
+        if constexpr (std::is_same_v<Value, std::wstring>) {
+            SaveSetting(section_, key, value);
+        } else if constexpr (std::is_same_v<Value, bool>) {
+            SaveSetting(section_, key, ToSettingText(value));
+        } else {
+            SaveSetting(section_, key, ToSettingText(static_cast<int32_t>(value)));
+        }
+    }
+
+  private:
+    std::wstring_view section_;
+};
+
+template <typename Section>
+void TransferGeneral(const Section& transfer) {
+    GeneralSettings& general = Values().general;
+    const std::wstring appFolder = RemoveBackslash(AppFolder());
+    transfer(L"UseSPI", general.useSPI, L"0");
+    transfer(L"SPIFolder_1", general.spiFolder[0], L"");
+    transfer(L"SPIFolder_2", general.spiFolder[1], L"");
+    transfer(L"SPIFolder_3", general.spiFolder[2], L"");
+    transfer(L"LoadSPI_1", general.loadSPI[0], L"True");
+    transfer(L"LoadSPI_2", general.loadSPI[1], L"False");
+    transfer(L"LoadSPI_3", general.loadSPI[2], L"False");
+    transfer(L"SlideShowTime", general.slideShowTime, L"500");
+    transfer(L"ReduceColor", general.reduceColor, L"0");
+    transfer(L"Reduce256ModeOnly", general.reduce256ModeOnly, L"0");
+    transfer(L"SaveReducedPicture", general.saveReducedPicture, L"0");
+    transfer(L"ReduceType", general.reduceType, L"0");
+    transfer(L"ReduceColorNum", general.reduceColorNum, L"256");
+    transfer(L"ReduceQuality", general.reduceQuality, L"0");
+    transfer(L"OpenPath", general.openPath, appFolder);
+    transfer(L"SavePath", general.savePath, appFolder);
+    transfer(L"DynamicSPILoad", general.dynamicSPILoad, L"0");
+    transfer(L"SPIExt", general.spiExt, L"0");
+    transfer(L"OpenFolderType", general.openFolderType, L"0");
+    transfer(L"FixSizeValue", Values().fixSizeValue, L"0");
+}
+
+template <typename Section>
+void TransferFileFormat(const Section& transfer) {
+    ProcessValues& values = Values();
+    transfer(L"bmp_saveRLE", values.bmpSave.saveRLE, L"0");
+    transfer(L"bmp_saveType", values.bmpSave.saveType, L"0");
+    transfer(L"png_saveInterless", values.pngSave.interlace, L"0");
+    transfer(L"png_saveQuality", values.pngSave.quality, L"6");
+    transfer(L"jpg_saveOptimizedHaffman", values.jpegSave.optimizedHuffman, L"0");
+    transfer(L"jpg_saveProgressive", values.jpegSave.progressive, L"0");
+    transfer(L"jpg_saveQuality", values.jpegSave.quality, L"60");
+}
+
+void TransferConvertHead(const auto& transfer) {
+    ConvertSettings& convert = Values().convert;
+    const std::wstring appFolder = RemoveBackslash(AppFolder());
+    transfer(L"OpenPath", convert.openPath, appFolder);
+    transfer(L"SavePath", convert.savePath, appFolder);
+    transfer(L"FileMask", convert.fileMask, L"*.*");
+    transfer(L"SaveType1", convert.saveType1, L"0");
+    transfer(L"SaveType2", convert.saveType2, L"0");
+    transfer(L"UnpackArchive", convert.unpackArchive, L"1");
+    transfer(L"NoDecodeSmall", convert.noDecodeSmall, L"0");
+    transfer(L"MinDecodeSizeX", convert.minDecodeSizeX, L"0");
+    transfer(L"MinDecodeSizeY", convert.minDecodeSizeY, L"0");
+}
+
+void TransferConvertMask(const auto& transfer) {
+    ConvertSettings& convert = Values().convert;
+    transfer(L"UseDecodeFileMask", convert.useDecodeFileMask, L"0");
+    transfer(L"DecodeFileMask", convert.decodeFileMask, L"*.*");
+    transfer(L"DecodeFileMaskSet", convert.decodeFileMaskSet, L"0");
+}
+
+void TransferConvertUnknown(const auto& transfer) {
+    transfer(L"DecodeUnknownFile", Values().convert.decodeUnknownFile, L"0");
+}
+
+void TransferConvertTail(const auto& transfer) {
+    ConvertSettings& convert = Values().convert;
+    transfer(L"ReduceColor", convert.reduceColor, L"0");
+    transfer(L"OutputErrorLog", convert.outputErrorLog, L"0");
+    transfer(L"ErrorLogFileName", convert.errorLogFileName, L"");
+    transfer(L"OutputAddMode", convert.outputAddMode, L"0");
+    transfer(L"DecodeSizeBoth", convert.decodeSizeBoth, L"False");
+}
+
+// Runs a transfer; whatever fails in it is told with `text` and yields false.
+template <typename Body>
+bool Transferred(std::wstring_view text, unsigned style, Body body) {
+    try {
+        body();
+        return true;
+    } catch (...) {
+        ShowMessageBox(text, style);
+        return false;
+    }
+}
+
+}  // namespace
+
+bool ReadGeneralSettings() {
+    return Transferred(kReadErrorText, MB_OK, [] {
+        TransferGeneral(SectionReader(L"General"));
+        TransferFileFormat(SectionReader(L"FileFormat"));
+    });
+}
+
+bool ReadConvertSettings() {
+    return Transferred(kReadErrorText, MB_OK, [] {
+        const SectionReader section(L"Convert");
+        TransferConvertHead(section);
+        TransferConvertMask(section);
+        TransferConvertUnknown(section);
+        TransferConvertTail(section);
+        TransferFileFormat(SectionReader(L"FileFormat"));
+    });
+}
+
+bool WriteGeneralSettings() {
+    return Transferred(kWriteErrorText, MB_OK, [] { TransferGeneral(SectionWriter(L"General")); });
+}
+
+bool WriteConvertSettings() {
+    // The reading text on a failed write, and its three buttons, are what users of these messages
+    // know.
+    return Transferred(kReadErrorText, MB_ABORTRETRYIGNORE, [] {
+        const SectionWriter section(L"Convert");
+        // Unlike on reading, the unknown-file switch goes before the mask.
+        TransferConvertHead(section);
+        TransferConvertUnknown(section);
+        TransferConvertMask(section);
+        TransferConvertTail(section);
+        TransferFileFormat(SectionWriter(L"FileFormat"));
+    });
+}
+
+}  // namespace tessary

@@ -1,0 +1,80 @@
+#include "app/settings/settings_store.h"
+
+#include <windows.h>
+
+#include "app/base/error.h"
+#include "app/base/handles.h"
+
+namespace tessary {
+namespace {
+
+std::wstring InitialKeyPath() {
+    wchar_t redirected[256];
+    const DWORD length = GetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", redirected, 256);
+    if (length > 0 && length < 256) return redirected;
+    return LR"(Software\Tessary_Viewer)";
+}
+
+std::wstring& KeyPath() {
+    static std::wstring path = InitialKeyPath();
+    return path;
+}
+
+std::wstring SectionPath(std::wstring_view section) {
+    return KeyPath() + L'\\' + std::wstring(section);
+}
+
+[[noreturn]] void Fail(LSTATUS status) {
+    throw RaisedError(static_cast<uint32_t>(status), L"レジストリにアクセスできません。");
+}
+
+bool IsMissing(LSTATUS status) {
+    return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND;
+}
+
+}  // namespace
+
+std::wstring GetSetting(std::wstring_view section, std::wstring_view key,
+                        std::wstring_view defaultText) {
+    const std::wstring path = SectionPath(section);
+    const std::wstring name(key);
+    // Most values are short: one query does for them, and a value that grows between two queries
+    // only costs a turn.
+    std::wstring text(128, L'\0');
+    for (;;) {
+        DWORD size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+        const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(),
+                                            RRF_RT_REG_SZ | RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND,
+                                            nullptr, text.data(), &size);
+        if (IsMissing(status)) return std::wstring(defaultText);
+        if (status == ERROR_MORE_DATA) {
+            text.resize(size / sizeof(wchar_t) + 1);
+            continue;
+        }
+        if (status == ERROR_UNSUPPORTED_TYPE) {
+            throw RaisedError(kErrorTypeMismatch, L"型が一致しません。");
+        }
+        if (status != ERROR_SUCCESS) Fail(status);
+        text.resize(wcsnlen(text.c_str(), size / sizeof(wchar_t)));
+        return text;
+    }
+}
+
+void SaveSetting(std::wstring_view section, std::wstring_view key, std::wstring_view text) {
+    const std::wstring value(text);
+    const LSTATUS status = RegSetKeyValueW(
+        HKEY_CURRENT_USER, SectionPath(section).c_str(), std::wstring(key).c_str(), REG_SZ,
+        value.c_str(), static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+    if (status != ERROR_SUCCESS) Fail(status);
+}
+
+void DeleteSettingSection(std::wstring_view section) {
+    const LSTATUS status = RegDeleteTreeW(HKEY_CURRENT_USER, SectionPath(section).c_str());
+    if (status != ERROR_SUCCESS && !IsMissing(status)) Fail(status);
+}
+
+void RedirectSettingsStore(std::wstring_view keyPath) {
+    KeyPath() = keyPath;
+}
+
+}  // namespace tessary

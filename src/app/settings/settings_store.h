@@ -1,0 +1,26 @@
+// The per-user settings store: text values addressed by section and key, kept in the registry under
+// HKEY_CURRENT_USER\Software\Tessary_Viewer\<section> as REG_SZ.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tessary {
+
+// The text of a value, or `defaultText` when it is missing. Throws RaisedError when the store
+// cannot be read or the value is no text.
+std::wstring GetSetting(std::wstring_view section, std::wstring_view key,
+                        std::wstring_view defaultText = {});
+
+// Stores a text. Throws RaisedError when it cannot be written.
+void SaveSetting(std::wstring_view section, std::wstring_view key, std::wstring_view text);
+
+// Removes a section with all its keys; a missing one is no error.
+void DeleteSettingSection(std::wstring_view section);
+
+// Moves the whole store to another key below HKEY_CURRENT_USER. The environment variable
+// TESSARY_SETTINGS_KEY does the same for a whole process: a second, separate set of settings, and
+// what keeps tests off the user's own.
+void RedirectSettingsStore(std::wstring_view keyPath);
+
+}  // namespace tessary

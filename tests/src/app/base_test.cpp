@@ -1,0 +1,121 @@
+// Text and paths: what the rest of the program takes for granted.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "app/base/error.h"
+#include "app/base/modGetFolder.h"
+#include "app/base/modScreenCaps.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "tests/support/recorded_messages.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary {
+namespace {
+
+TEST(TextTest, EnvironmentIsJapanese) {
+    ASSERT_EQ(GetACP(), 932u);
+}
+
+TEST(TextTest, ConvertsExactlyOrNotAtAll) {
+    const std::wstring kana = L"表示ソ.bmp";  // two characters with a trail byte 0x5C in Shift-JIS
+    const std::string ansi = ToAnsi(kana);
+    EXPECT_EQ(ansi, "\x95\x5C\x8E\xA6\x83\x5C.bmp");
+    EXPECT_EQ(FromAnsi(ansi), kana);
+    EXPECT_EQ(ToAnsiExact(kana), ansi);
+    EXPECT_EQ(ToAnsiExact(L"사진.bmp"), std::nullopt);
+    EXPECT_EQ(ToAnsiExact(L"\U0001F600.bmp"), std::nullopt);
+    EXPECT_EQ(ToAnsiExact(L"caf\u00E9.bmp"), std::nullopt);  // would become a plain e
+    EXPECT_EQ(ToAnsi(L""), "");
+}
+
+TEST(TextTest, MatchesWildcards) {
+    struct Case {
+        const wchar_t* name;
+        const wchar_t* pattern;
+        bool matches;
+    };
+    for (const Case& c :
+         {Case{L"A.JPG", L"*.JPG", true}, Case{L"A.JPG.BAK", L"*.JPG", false},
+          Case{L"A.B.JPG", L"*.JPG", true}, Case{L"ABC", L"A?C", true}, Case{L"AC", L"A?C", false},
+          Case{L"AXXBXXC", L"A*B*C", true}, Case{L"AXXBXX", L"A*B*C", false}, Case{L"", L"*", true},
+          Case{L"", L"?", false}, Case{L"ANY", L"***", true},
+          Case{L"AAAAAAAAAAAAAAAAAAAAAAAAB", L"*A*A*A*A*A*A*A*C", false}}) {
+        EXPECT_EQ(MatchesWildcard(c.name, c.pattern), c.matches) << c.name << L" " << c.pattern;
+    }
+}
+
+TEST(PathsTest, BackslashRulesKeepTheirOddEnds) {
+    EXPECT_EQ(AddBackslash(L"C:"), L"C:");
+    EXPECT_EQ(AddBackslash(L"C:\\"), L"C:\\");
+    EXPECT_EQ(AddBackslash(L"C:\\a"), L"C:\\a\\");
+    EXPECT_EQ(AddBackslash(L"C:\\a\\"), L"C:\\a\\");
+    EXPECT_EQ(AddBackslash(L""), L"");
+    EXPECT_EQ(RemoveBackslash(L"C:\\"), L"C:");
+    EXPECT_EQ(RemoveBackslash(L"abc"), L"ab");
+    EXPECT_EQ(RemoveBackslash(L"C:\\ab\\"), L"C:\\ab");
+    EXPECT_EQ(RemoveBackslash(L"C:\\ab"), L"C:\\ab");
+    EXPECT_EQ(RemoveBackslash(L""), L"");
+}
+
+TEST(PathsTest, TakesPathsApart) {
+    EXPECT_EQ(FileNameOf(L"C:\\a.b\\c.jpg"), L"c.jpg");
+    EXPECT_EQ(FolderOf(L"C:\\a.b\\c.jpg"), L"C:\\a.b\\");
+    EXPECT_EQ(FolderOf(L"c.jpg"), L"");
+    EXPECT_EQ(UpperExtensionOf(L"C:\\a.b\\c.tar.gz"), L"GZ");
+    EXPECT_EQ(UpperExtensionOf(L"C:\\a.b\\c"), L"");
+    EXPECT_EQ(AppFolder().back(), L'\\');
+    EXPECT_TRUE(IsFolder(AppFolder()));
+}
+
+TEST(PathsTest, ReachesLongPathsAndForeignNames) {
+    const test::TemporaryFolder folder;
+    std::wstring deep = folder.Path();
+    while (deep.size() < 300) {
+        deep += L"0123456789012345678901234567890123456789\\";
+        ASSERT_TRUE(CreateDirectoryW(ExtendedPath(deep).c_str(), nullptr)) << deep.size();
+    }
+    const std::wstring file = deep + L"사진\U0001F600.bmp";
+    const HANDLE handle =
+        CreateFileW(ExtendedPath(file).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+    ASSERT_NE(handle, INVALID_HANDLE_VALUE);
+    CloseHandle(handle);
+    EXPECT_TRUE(PathExists(file));
+    EXPECT_FALSE(IsFolder(file));
+    EXPECT_EQ(FilesInFolder(deep), std::vector<std::wstring>{file});
+    DeleteFileW(ExtendedPath(file).c_str());
+    for (; deep != folder.Path(); deep = FolderOf(RemoveBackslash(deep))) {
+        RemoveDirectoryW(ExtendedPath(RemoveBackslash(deep)).c_str());
+    }
+}
+
+TEST(PathsTest, FindsAnsiNamesForForeignOnes) {
+    const test::TemporaryFolder folder;
+    const std::wstring plain = folder.Write(L"写真 1.bmp", "plain");
+    EXPECT_EQ(AnsiPathOf(plain), ToAnsi(plain));
+    // Where the volume keeps short names the foreign file has one; elsewhere there is no name at
+    // all, never a wrong one.
+    const std::wstring foreign = folder.Write(L"사진.bmp", "foreign");
+    if (const std::optional<std::string> ansi = AnsiPathOf(foreign)) {
+        EXPECT_TRUE(PathExists(FromAnsi(*ansi))) << *ansi;
+    }
+}
+
+TEST(ErrorTest, ReportsUnexpectedErrorsInOneForm) {
+    const test::RecordedMessages messages;
+    ReportUnexpectedError(13, L"型が一致しません。", L"UnloadSPI()");
+    ASSERT_EQ(messages.All().size(), 1u);
+    EXPECT_EQ(messages.All()[0].text,
+              L"モジュール UnloadSPI() で予期されていないエラーが発生しました。\r\n"
+              L"ErrorNo.13 型が一致しません。");
+    EXPECT_EQ(messages.All()[0].style, 0u);
+    EXPECT_EQ(messages.All()[0].title, L"てっさりビューア");
+}
+
+TEST(ScreenTest, KnowsTheMachine) {
+    EXPECT_EQ(GetPlatformId(), kPlatformNT);
+    EXPECT_GE(GetColorDepth(), 16);
+}
+
+}  // namespace
+}  // namespace tessary

@@ -1,0 +1,173 @@
+// The settings store: defaults, conversions, order and the messages of its failures.
+#include "app/settings/settings.h"
+
+#include <gtest/gtest.h>
+
+#include "app/base/error.h"
+#include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
+#include "app/first_run.h"
+#include "app/settings/RegKeys.h"
+#include "app/settings/setting_value.h"
+#include "tests/support/recorded_messages.h"
+#include "tests/support/redirected_settings.h"
+
+namespace tessary {
+namespace {
+
+class SettingsTest : public testing::Test {
+  protected:
+    test::RedirectedSettings store_;
+    test::RecordedMessages messages_;
+};
+
+TEST_F(SettingsTest, EmptyStoreYieldsDefaults) {
+    Values().general.useSPI = 7;  // must be overwritten by the default
+    ASSERT_TRUE(ReadGeneralSettings());
+    ASSERT_TRUE(ReadConvertSettings());
+    const ProcessValues& values = Values();
+    const std::wstring appFolder = RemoveBackslash(AppFolder());
+    EXPECT_EQ(values.general.useSPI, 0);
+    EXPECT_TRUE(values.general.loadSPI[0]);
+    EXPECT_FALSE(values.general.loadSPI[1]);
+    EXPECT_EQ(values.general.slideShowTime, 500);
+    EXPECT_EQ(values.general.reduceColorNum, 256);
+    EXPECT_EQ(values.general.openPath, appFolder);
+    EXPECT_EQ(values.convert.savePath, appFolder);
+    EXPECT_EQ(values.convert.fileMask, L"*.*");
+    EXPECT_EQ(values.convert.unpackArchive, 1);
+    EXPECT_FALSE(values.convert.decodeSizeBoth);
+    EXPECT_EQ(values.pngSave.quality, 6);
+    EXPECT_EQ(values.jpegSave.quality, 60);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(SettingsTest, RoundTripKeepsEveryKindOfValue) {
+    ProcessValues& values = Values();
+    values.general.spiFolder[1] = LR"(C:\表示ソフト\사진 )";
+    values.general.loadSPI[2] = true;
+    values.general.slideShowTime = -1;
+    values.fixSizeValue = 4;
+    values.convert.minDecodeSizeX = 70000;
+    values.convert.decodeFileMask = std::wstring(3000, L'x');
+    values.convert.decodeSizeBoth = true;
+    values.jpegSave.optimizedHuffman = 1;
+    ASSERT_TRUE(WriteGeneralSettings());
+    ASSERT_TRUE(WriteConvertSettings());
+    EXPECT_EQ(GetSetting(L"General", L"LoadSPI_3"), L"True");
+    EXPECT_EQ(GetSetting(L"General", L"LoadSPI_1"), L"True");
+    EXPECT_EQ(GetSetting(L"General", L"ReduceColorNum"), L"256");
+    EXPECT_EQ(GetSetting(L"FileFormat", L"jpg_saveOptimizedHaffman"), L"1");
+    values = {};
+    ASSERT_TRUE(ReadGeneralSettings());
+    ASSERT_TRUE(ReadConvertSettings());
+    EXPECT_EQ(values.general.spiFolder[1], LR"(C:\表示ソフト\사진 )");
+    EXPECT_TRUE(values.general.loadSPI[2]);
+    EXPECT_EQ(values.general.slideShowTime, -1);
+    EXPECT_EQ(values.fixSizeValue, 4);
+    EXPECT_EQ(values.convert.minDecodeSizeX, 70000);
+    EXPECT_EQ(values.convert.decodeFileMask.size(), 3000u);
+    EXPECT_TRUE(values.convert.decodeSizeBoth);
+    EXPECT_EQ(values.jpegSave.optimizedHuffman, 1);
+}
+
+TEST_F(SettingsTest, FileFormatIsWrittenWithTheConverterOnly) {
+    Values().pngSave.quality = 9;
+    ASSERT_TRUE(WriteGeneralSettings());
+    EXPECT_EQ(GetSetting(L"FileFormat", L"png_saveQuality", L"none"), L"none");
+    ASSERT_TRUE(WriteConvertSettings());
+    EXPECT_EQ(GetSetting(L"FileFormat", L"png_saveQuality", L"none"), L"9");
+}
+
+TEST_F(SettingsTest, ValueThatDoesNotConvertEndsTheReader) {
+    Values().general.useSPI = 5;
+    Values().general.reduceColor = 5;
+    Values().pngSave.quality = 5;
+    SaveSetting(L"General", L"UseSPI", L"1");
+    SaveSetting(L"General", L"SlideShowTime", L"abc");
+    EXPECT_FALSE(ReadGeneralSettings());
+    EXPECT_EQ(messages_.Only(), L"レジストリの読み取りエラーです。");
+    EXPECT_EQ(messages_.All()[0].style, 0u);
+    EXPECT_EQ(Values().general.useSPI, 1);       // before the bad value: set
+    EXPECT_EQ(Values().general.reduceColor, 5);  // behind it: kept
+    EXPECT_EQ(Values().pngSave.quality, 5);
+    SaveSetting(L"General", L"SlideShowTime", L"70000");
+    EXPECT_FALSE(ReadGeneralSettings());
+    SaveSetting(L"General", L"SlideShowTime", L"32767");
+    EXPECT_TRUE(ReadGeneralSettings());
+}
+
+TEST_F(SettingsTest, ValueOfAnotherTypeIsAReadError) {
+    const DWORD number = 1;
+    RegSetKeyValueW(HKEY_CURRENT_USER, (store_.KeyPath() + LR"(\Convert)").c_str(), L"SaveType1",
+                    REG_DWORD, &number, sizeof(number));
+    EXPECT_FALSE(ReadConvertSettings());
+    EXPECT_EQ(messages_.Only(), L"レジストリの読み取りエラーです。");
+}
+
+TEST_F(SettingsTest, FailedWritesAreTold) {
+    // A key that is marked for deletion, or a path that cannot exist, refuses every write.
+    RedirectSettingsStore(std::wstring(300, L'x'));
+    EXPECT_FALSE(WriteGeneralSettings());
+    EXPECT_FALSE(WriteConvertSettings());
+    ASSERT_EQ(messages_.All().size(), 2u);
+    EXPECT_EQ(messages_.All()[0].text, L"レジストリの書き込みエラーです。");
+    EXPECT_EQ(messages_.All()[0].style, 0u);
+    EXPECT_EQ(messages_.All()[1].text, L"レジストリの読み取りエラーです。");
+    EXPECT_EQ(messages_.All()[1].style, 2u);
+}
+
+TEST_F(SettingsTest, FirstRunSetsUpThePluginFolders) {
+    ASSERT_TRUE(ReadGeneralSettings());
+    EXPECT_TRUE(ApplyFirstRunDefaults());
+    EXPECT_EQ(Values().general.useSPI, 1);
+    EXPECT_EQ(Values().general.spiFolder[0], AppFolder());
+    EXPECT_TRUE(Values().general.loadSPI[0]);
+    EXPECT_EQ(GetSetting(L"Init", L"Run"), L"1");
+    // A process that dies now leaves a program behind that finds its plug-ins.
+    EXPECT_EQ(GetSetting(L"General", L"UseSPI"), L"1");
+    EXPECT_EQ(GetSetting(L"General", L"SPIFolder_1"), AppFolder());
+    Values().general.useSPI = 0;
+    Values().general.spiFolder[0] = L"elsewhere";
+    EXPECT_TRUE(ApplyFirstRunDefaults());
+    EXPECT_EQ(Values().general.useSPI, 0);
+    EXPECT_EQ(Values().general.spiFolder[0], L"elsewhere");
+}
+
+TEST(SettingValueTest, ConvertsWhatAPersonMayHaveTyped) {
+    EXPECT_EQ(ToInt16(L" -12 "), -12);
+    EXPECT_EQ(ToInt16(L"2.5"), 2);  // half to even
+    EXPECT_EQ(ToInt32(L"1e3"), 1000);
+    EXPECT_TRUE(ToBoolean(L"TRUE"));
+    EXPECT_TRUE(ToBoolean(L"-1"));
+    EXPECT_FALSE(ToBoolean(L"0"));
+    for (const wchar_t* text : {L"", L"abc", L"1 2", L"0x10", L"inf", L"1e", L"５"}) {
+        EXPECT_THROW(ToInt32(text), RaisedError) << text;
+        EXPECT_THROW(ToBoolean(text), RaisedError) << text;
+    }
+    for (const wchar_t* text : {L"32768", L"-32769", L"1e999"}) {
+        EXPECT_THROW(ToInt16(text), RaisedError) << text;
+    }
+}
+
+TEST_F(SettingsTest, RawValuesOfEveryType) {
+    const std::wstring key = store_.KeyPath() + LR"(\raw)";
+    EXPECT_EQ(GetRegistryString(HKEY_CURRENT_USER, key, L"text"), L"");
+    EXPECT_TRUE(SetRegistryString(HKEY_CURRENT_USER, key, L"text", L"表"));
+    EXPECT_EQ(GetRegistryString(HKEY_CURRENT_USER, key, L"text"), L"表");
+    EXPECT_TRUE(SetRegistryString(HKEY_CURRENT_USER, key, L"text", L""));
+    EXPECT_EQ(GetRegistryString(HKEY_CURRENT_USER, key, L"text"), L" ");
+    const DWORD number = 0x01020304;
+    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"number", REG_DWORD, &number, sizeof(number));
+    EXPECT_EQ(GetRegistryString(HKEY_CURRENT_USER, key, L"number"), L"16909060");
+    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"binary", REG_BINARY, &number, sizeof(number));
+    EXPECT_EQ(GetRegistryString(HKEY_CURRENT_USER, key, L"binary"), L"");
+    const std::wstring full(1000, L'x');
+    EXPECT_TRUE(SetRegistryString(HKEY_CURRENT_USER, key, L"full", full));
+    EXPECT_EQ(GetRegistryString(HKEY_CURRENT_USER, key, L"full"), full);
+    EXPECT_TRUE(SetRegistryString(HKEY_CURRENT_USER, key, L"long", full + full));
+    EXPECT_EQ(GetRegistryString(HKEY_CURRENT_USER, key, L"long"), L"");
+}
+
+}  // namespace
+}  // namespace tessary
