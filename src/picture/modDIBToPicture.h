@@ -1,0 +1,28 @@
+// From a locked picture pair to the picture object that a view shows.
+#pragma once
+
+#include <ocidl.h>
+#include <windows.h>
+
+namespace tessary {
+
+// The addresses of a picture pair's two locked blocks: never mixed with the handles in one value.
+struct LockedPair {
+    const void* info = nullptr;
+    const void* bits = nullptr;
+};
+
+// A device-dependent bitmap with the pair's pixels, compatible with the device context. The caller
+// owns it. Null when an address is null or the system cannot make it. The blocks must hold what the
+// header promises.
+HBITMAP CreateBitmapFromDIB(HDC context, const LockedPair& pair);
+
+// A picture object that takes the bitmap over and deletes it at its own end; null when that fails,
+// and the bitmap is then still the caller's.
+IPicture* BitmapToPicture(HBITMAP bitmap);
+
+// Both steps in one. `picture` receives a reference that the caller releases. False leaves nothing
+// behind.
+bool DIBToPicture(HDC context, const LockedPair& pair, IPicture** picture);
+
+}  // namespace tessary

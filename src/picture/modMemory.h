@@ -1,0 +1,107 @@
+// Picture memory: the local-memory blocks that Susie plug-ins hand out, and the pair of them that
+// is a picture. None of the helpers shows a message or throws; a handle may be anything, also one
+// that was freed long ago.
+#pragma once
+
+#include <windows.h>
+
+#include <utility>
+
+#include "helpers/dib/bitmap_header.h"
+
+namespace tessary {
+
+// A picture as two blocks: the info block (header and colour table) and the bits block (pixel
+// rows). Null: no block. A plain value: whoever receives a pair owns both blocks and frees them.
+struct PicturePair {
+    HLOCAL info = nullptr;
+    HLOCAL bits = nullptr;
+};
+
+// Whether a handle names a block that exists and is not discarded.
+bool IsLocalHandleValid(HLOCAL handle);
+
+// The block's address after one more lock. For null and for an invalid handle all bits are set
+// (-1): callers test the handle first and treat a null address as the failure.
+void* LockLocalHandle(HLOCAL handle);
+
+// What LockLocalHandle answers for a handle that cannot be locked.
+inline void* const kInvalidLock = reinterpret_cast<void*>(static_cast<INT_PTR>(-1));
+
+// Takes one lock off: -1 for null or a block that is not locked, else the system's answer.
+INT_PTR UnlockLocalHandle(HLOCAL handle);
+
+// Unlocks a block as often as it is locked, frees it and sets the caller's handle to null. False
+// when there was nothing to free (the handle then becomes null all the same) or the block still
+// exists (the handle stays).
+bool FreeLocalHandle(HLOCAL& handle);
+
+// The block's size in bytes; -1 for an invalid handle.
+INT_PTR LocalHandleSize(HLOCAL handle);
+
+// Copies the first 40 bytes of the info block. False only when the pair has no info block.
+bool GetPictureHeader(const PicturePair& picture, dib::BitmapInfoHeader& header);
+
+// Frees both blocks of a pair and leaves it empty.
+void FreePicture(PicturePair& picture);
+
+// Owns one block and frees it at the end of its life.
+class OwnedBlock {
+  public:
+    OwnedBlock() = default;
+    explicit OwnedBlock(HLOCAL handle) : handle_(handle) {}
+    OwnedBlock(OwnedBlock&& other) noexcept : handle_(other.Release()) {}
+    OwnedBlock& operator=(OwnedBlock&& other) noexcept {
+        std::swap(handle_, other.handle_);
+        return *this;
+    }
+    ~OwnedBlock() { FreeLocalHandle(handle_); }
+
+    HLOCAL Get() const { return handle_; }
+    HLOCAL Release() { return std::exchange(handle_, nullptr); }
+    HLOCAL* Receive() { return &handle_; }  // for an empty owner only
+    explicit operator bool() const { return handle_ != nullptr; }
+
+  private:
+    HLOCAL handle_ = nullptr;
+};
+
+// Owns a picture pair and frees it at the end of its life.
+class OwnedPicture {
+  public:
+    OwnedPicture() = default;
+    explicit OwnedPicture(PicturePair pair) : pair_(pair) {}
+    OwnedPicture(OwnedPicture&& other) noexcept : pair_(other.Release()) {}
+    OwnedPicture& operator=(OwnedPicture&& other) noexcept {
+        std::swap(pair_, other.pair_);
+        return *this;
+    }
+    ~OwnedPicture() { FreePicture(pair_); }
+
+    const PicturePair& Get() const { return pair_; }
+    PicturePair Release() { return std::exchange(pair_, PicturePair{}); }
+    explicit operator bool() const { return pair_.info != nullptr; }
+
+  private:
+    PicturePair pair_;
+};
+
+// Keeps a block locked for its own life.
+class BlockLock {
+  public:
+    explicit BlockLock(HLOCAL handle);
+    BlockLock(const BlockLock&) = delete;
+    BlockLock& operator=(const BlockLock&) = delete;
+    ~BlockLock();
+
+    void* Address() const { return address_; }  // null when the block could not be locked
+    size_t Size() const { return size_; }       // bytes; 0 when the block could not be locked
+    explicit operator bool() const { return address_ != nullptr; }
+
+  private:
+    HLOCAL handle_;
+    void* address_ = nullptr;
+    size_t size_ = 0;
+};
+
+}  // namespace tessary

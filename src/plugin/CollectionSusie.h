@@ -1,0 +1,97 @@
+// All plug-ins, in the order in which they are tried: the one that answers which of them can read a
+// file.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "plugin/clsSusie.h"
+#include "plugin/plugin_log.h"
+
+namespace tessary {
+
+class CollectionSusie {
+  public:
+    // Shows a message when susiectl.dll is missing; the collection then stays empty.
+    CollectionSusie();
+    CollectionSusie(const CollectionSusie&) = delete;
+    CollectionSusie& operator=(const CollectionSusie&) = delete;
+
+    // Plug-ins are loaded only while they are used; a change applies to all members.
+    bool DynamicLoad() const { return dynamicLoad_; }
+    void SetDynamicLoad(bool dynamicLoad);
+
+    // A file that no plug-in claims by its patterns is offered to every one. When off, plug-ins are
+    // asked only about files that they claim; a change applies to all members.
+    bool TryAll() const { return tryAll_; }
+    void SetTryAll(bool tryAll);
+
+    // --- Members: indexes count from 1 ---
+
+    int32_t Count() const { return static_cast<int32_t>(members_.size()); }
+    // Raises PluginError (kErrorInvalidArgument) for an index outside the collection. References
+    // last until the member is removed.
+    clsSusie& Item(int32_t index);
+    // The member of that plug-in file; null when there is none.
+    clsSusie* Item(std::wstring_view dllName);
+    std::span<const std::unique_ptr<clsSusie>> NewEnum() const { return members_; }
+
+    void Remove(int32_t index);
+    void RemoveAll();
+    // Removes the members whose plug-in turned out to be unusable; answers the new Count.
+    int32_t Compact();
+
+    // Adds the plug-ins of a folder (`*.spi`) and answers Count. With more than 50 plug-ins dynamic
+    // loading is switched on. First counts the failure that ended the last run, if one did.
+    int32_t FScanAllSPI(const std::wstring& folder);
+
+    // Adds one plug-in before all that have failed at least as often. One that proves unusable
+    // takes a place too, with an empty DllName; one that is there already is not added again.
+    void AddSPI(const std::wstring& path);
+
+    // The plug-in call in which the last run ended, if a scan has found one.
+    const std::optional<PluginCall>& InterruptedCall() const { return interruptedCall_; }
+
+    // --- Use ---
+
+    // The index of the first member, from `startIndex` on, that accepts the file; it is then bound
+    // to it. 0 when none does.
+    int32_t FileSupported(const std::wstring& path, int32_t startIndex = 1);
+    // The same for a block, which must live until the member is bound to something else. `fileName`
+    // tells where the data comes from.
+    int32_t MemorySupported(HLOCAL memory, const std::wstring& fileName, int32_t startIndex = 1);
+
+    // Unbinds every member.
+    void UnloadFile();
+
+    // How many members' files are loaded at the moment.
+    int32_t GetInMemorySPICount() const;
+
+    // The filter of the open dialog: pairs of description and patterns, each text followed by `|`.
+    std::wstring GetCommonDialogString() const;
+
+  private:
+    // What is looked for a plug-in.
+    struct Search {
+        std::wstring upperName;                        // file name without folder
+        std::function<std::wstring()> contentPattern;  // pattern of the content's format; slow
+        std::function<void(clsSusie&)> bind;           // raises when the member refuses
+    };
+
+    int32_t FirstAccepting(const Search& search, int32_t startIndex);
+    int32_t InsertionIndex(int32_t total) const;
+
+    std::vector<std::unique_ptr<clsSusie>> members_;
+    bool dynamicLoad_ = false;
+    bool tryAll_ = true;
+    int32_t lastSuccess_ = 0;  // index of the member that accepted last; 0 when unknown
+    std::optional<PluginCall> interruptedCall_;
+};
+
+}  // namespace tessary

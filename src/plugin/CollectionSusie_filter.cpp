@@ -1,0 +1,39 @@
+// The filter text of the open dialog.
+#include <algorithm>
+#include <set>
+
+#include "app/base/paths.h"
+#include "plugin/CollectionSusie.h"
+
+namespace tessary {
+namespace {
+
+// Text as it may stand between two `|`.
+std::wstring Entry(std::wstring text) {
+    std::replace(text.begin(), text.end(), L'|', L' ');
+    return text;
+}
+
+}  // namespace
+
+std::wstring CollectionSusie::GetCommonDialogString() const {
+    std::wstring all = L"*.BMP;";
+    std::wstring entries;
+    std::set<std::wstring> known{L"*.BMP"};
+    for (const auto& member : members_) {
+        if (member->DllName().empty()) continue;
+        for (int32_t i = 1; !member->FileType(i).empty(); ++i) {
+            const std::wstring pattern = Entry(member->FileType(i));
+            if (known.insert(pattern).second) all += pattern + L';';
+        }
+        const std::wstring patterns = Entry(member->FileType(0));
+        const std::wstring& product = member->ProductName();
+        const std::wstring name = product.empty() ? FileNameOf(member->DllName()) : product;
+        entries += Entry(name) + L'(' + patterns + L")|" + patterns + L'|';
+    }
+    if (all.back() == L';' && known.size() > 1) all.pop_back();
+    return L"すべてのファイル(*.*)|*.*|すべての対応ファイル|" + all +
+           L"|BMPファイル(*.BMP)|*.BMP|" + entries;
+}
+
+}  // namespace tessary

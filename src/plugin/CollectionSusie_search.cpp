@@ -1,0 +1,104 @@
+// Finding the plug-in for a file or memory block.
+#include <algorithm>
+
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "plugin/CollectionSusie.h"
+#include "plugin/susie_library.h"
+
+namespace tessary {
+namespace {
+
+// The pattern of the format that a file's content shows; empty when it shows none of these.
+std::wstring ContentPatternOf(const std::wstring& path) {
+    const SusieLibrary* const library = FindSusieLibrary();
+    if (library == nullptr) return {};
+    switch (library->getFileInformation(ExtendedPath(path).c_str())) {
+        case susiectl::kContentBmp:
+            return L"*.BMP";
+        case susiectl::kContentPng:
+            return L"*.PNG";
+        case susiectl::kContentJpeg:
+            return L"*.JPG";
+        case susiectl::kContentGif:
+            return L"*.GIF";
+        case susiectl::kContentLzh:
+            return L"*.LZH";
+        case susiectl::kContentZip:
+            return L"*.ZIP";
+        default:
+            return {};
+    }
+}
+
+// Makes the bind; a refusal and a failure of the plug-in are the same here. Whether the name
+// matters has been decided by then, so the member is not to look at it again: the content may have
+// spoken for the file.
+bool Accepts(clsSusie& member, const std::function<void(clsSusie&)>& bind) {
+    const bool checkMode = member.CheckMode();
+    member.SetCheckMode(false);
+    const bool accepted = Trapped(false, [&] {
+        bind(member);
+        return true;
+    });
+    member.SetCheckMode(checkMode);
+    return accepted;
+}
+
+}  // namespace
+
+int32_t CollectionSusie::FileSupported(const std::wstring& path, int32_t startIndex) {
+    if (!PathExists(path) || IsFolder(path)) return 0;
+    std::optional<std::wstring> pattern;  // asked for once, and only if it matters
+    return FirstAccepting({.upperName = ToUpper(FileNameOf(path)),
+                           .contentPattern =
+                               [&] {
+                                   if (!pattern) pattern = ContentPatternOf(path);
+                                   return *pattern;
+                               },
+                           .bind = [&](clsSusie& member) { member.SetFile(path); }},
+                          startIndex);
+}
+
+int32_t CollectionSusie::MemorySupported(HLOCAL memory, const std::wstring& fileName,
+                                         int32_t startIndex) {
+    if (!IsLocalHandleValid(memory)) return 0;
+    return FirstAccepting(
+        {.upperName = ToUpper(FileNameOf(fileName)),
+         .contentPattern = [] { return std::wstring(); },
+         .bind = [&](clsSusie& member) { member.SetMemoryHandle(memory, fileName); }},
+        startIndex);
+}
+
+int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex) {
+    const int32_t start = std::max(startIndex, 1);
+    std::vector<bool> refused(members_.size() + 1);
+    const auto claims = [&](int32_t index) {
+        const clsSusie& member = *members_[static_cast<size_t>(index) - 1];
+        return member.Claims(search.upperName) || member.Claims(search.contentPattern());
+    };
+    // Nobody is asked twice about the same file.
+    const auto offer = [&](int32_t index) {
+        if (refused[static_cast<size_t>(index)]) return false;
+        clsSusie& member = *members_[static_cast<size_t>(index) - 1];
+        if (member.DllName().empty() || !Accepts(member, search.bind)) {
+            refused[static_cast<size_t>(index)] = true;
+            return false;
+        }
+        lastSuccess_ = index;
+        return true;
+    };
+
+    const int32_t hint = lastSuccess_;
+    if (hint >= start && hint <= Count() && (tryAll_ || claims(hint)) && offer(hint)) return hint;
+    for (int32_t i = start; i <= Count(); ++i) {
+        if (claims(i) && offer(i)) return i;
+    }
+    if (!tryAll_) return 0;
+    for (int32_t i = start; i <= Count(); ++i) {
+        if (offer(i)) return i;
+    }
+    return 0;
+}
+
+}  // namespace tessary

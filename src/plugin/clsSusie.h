@@ -1,0 +1,209 @@
+// One Susie plug-in: what it is and what it can read, and the file or memory block that it is bound
+// to for decoding.
+//
+// Members raise PluginError (plugin_error.h), whose description may be shown to the user;
+// ErrorString and ErrorFunction keep the last error. Used from the user-interface thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "plugin/archive_members.h"
+#include "plugin/plugin_error.h"
+#include "plugin/plugin_info.h"
+#include "plugin/susie_calls.h"
+#include "plugin/susie_progress.h"
+
+namespace tessary {
+
+// Where DecodePicture puts the picture.
+enum class DecodeTarget { kBmpFile = 0, kMemory = 1 };
+
+// `flags` of DecodePicture.
+constexpr uint32_t kDecodeTryPreview = 1;
+// In results of DecodePicture: the picture came through the preview call.
+constexpr uint32_t kPreviewResult = 0x80000000;
+
+class clsSusie {
+  public:
+    clsSusie() = default;
+    clsSusie(const clsSusie&) = delete;
+    clsSusie& operator=(const clsSusie&) = delete;
+    ~clsSusie();
+
+    // --- The plug-in file (clsSusie_plugin.cpp) ---
+
+    // The plug-in file's full path; empty when none is set. Setting it releases the one before,
+    // tries the plug-in out and reads what it tells about itself; after a refusal none is set.
+    const std::wstring& DllName() const { return calls_.PluginPath(); }
+    void SetDllName(const std::wstring& path);
+
+    // kStylePicture, kStyleArchive or kStyleNone.
+    int32_t DllStyle() const { return dllStyle_; }
+    const std::wstring& ProductName() const { return productName_; }
+
+    // Index 0: all patterns, joined by `;`. Index 1 to 64: that pattern, empty behind the last.
+    std::wstring FileType(int32_t index) const;
+    // Whether one of the patterns matches a file name without folder, in upper case.
+    bool Claims(std::wstring_view upperName) const;
+
+    // Frees the plug-in file after every operation when nothing is bound.
+    bool AutoUnload() const { return autoUnload_; }
+    void SetAutoUnload(bool autoUnload);
+
+    // Frees the plug-in file, unless something is bound or the plug-in has failed before: one that
+    // has crashed may crash again when it is freed.
+    void UnloadDLL();
+
+    // Whether ConfigurationDlg is there; opens it and answers its result, -1 when it is not.
+    bool SupportConfigurationDialog() const { return supportConfigurationDialog_; }
+    int32_t ShowConfigurationDialog(HWND parent);
+
+    // Failures so far of one of the plug-in's functions, or of all for an empty name (0 when the
+    // store cannot be read); adds one.
+    int32_t ErrorCount(std::wstring_view function) const;
+    void SpiSEHError(std::wstring_view function);
+
+    // The last error's message, and where it happened.
+    const std::wstring& ErrorString() const { return calls_.ErrorString(); }
+    const std::wstring& ErrorFunction() const { return calls_.ErrorFunction(); }
+
+    // --- What it is bound to (clsSusie_binding.cpp) ---
+
+    // Ask the plug-in only about files whose names its patterns match.
+    bool CheckMode() const { return checkMode_; }
+    void SetCheckMode(bool checkMode) { checkMode_ = checkMode; }
+
+    // Whether the plug-in supports a file, or the data in a block (`fileName`: where it comes from,
+    // for plug-ins that judge by it). Leaves the binding alone.
+    bool CheckFile(const std::wstring& file);
+    bool CheckMemory(HLOCAL memory, const std::wstring& fileName);
+
+    // Binds a file that the plug-in supports; of an archive the member list is read. Nothing is
+    // bound after a refusal. An empty path unbinds and then raises kErrorNoFileName. A file whose
+    // name plug-ins cannot open is read into memory and stays bound as it was then.
+    void SetFile(const std::wstring& path);
+
+    // The same for a block of local memory, which stays the caller's and must live until something
+    // else is bound. An invalid handle unbinds and then raises kErrorInvalidMemory.
+    void SetMemoryHandle(HLOCAL memory, const std::wstring& fileName);
+
+    // 0: a file is bound, or nothing; 1: a block is.
+    int32_t FileMode() const { return bound_.memory == nullptr ? 0 : 1; }
+    const std::wstring& GetFile() const { return bound_.file; }
+    HLOCAL GetMemoryHandle() const { return bound_.memory; }
+
+    // --- The bound picture (clsSusie_decoding.cpp, clsSusie_drawing.cpp) ---
+
+    // Size in pixels and bits per pixel as the plug-in tells them; -1 when it does not. The decoded
+    // picture may differ.
+    int32_t Width();
+    int32_t Height();
+    int32_t ColorDepth();
+
+    // Decodes the bound picture, through the preview call first if `flags` asks for it.
+    // kMemory: `picture` receives a pair that the caller owns, always in the plain form
+    // (helpers/dib/dib_view.h); the result is 0.
+    // kBmpFile: writes the file `bmpFile`; the result is the writer's, above 0.
+    // The result carries kPreviewResult. Raises DecodeError when the plug-in fails, and when what
+    // it decoded is no picture.
+    uint32_t DecodePicture(DecodeTarget target, uint32_t flags, const SusieProgress& progress,
+                           const std::wstring& bmpFile, PicturePair* picture);
+
+    // 0: ShowPicture draws at the picture's own size; else fitted into the box.
+    int32_t ShowType() const { return showType_; }
+    void SetShowType(int32_t showType) { showType_ = showType; }
+
+    // Draws a plain pair, which stays the caller's, into a box of that many pixels at the device
+    // context's origin. ErrorString tells what was drawn.
+    void ShowPicture(HDC context, int boxWidth, int boxHeight, const PicturePair& picture);
+
+    // --- The bound archive (clsSusie_archive.cpp) ---
+
+    // Number of members; each one's name with its folder, by its index from 1.
+    int32_t FileNumber();
+    std::wstring Files(int32_t index);
+
+  private:
+    // Everything that belongs to what is bound; a fresh one stands for "nothing".
+    struct Binding {
+        std::wstring file;        // as the caller named it; empty in memory mode
+        std::string pluginName;   // the name that the plug-in is given
+        OwnedBlock content;       // the file's, when the plug-in cannot open it by name
+        HLOCAL memory = nullptr;  // the caller's block in memory mode
+        std::optional<susie::PictureInfo> info;  // once it was asked for
+        ArchiveMembers members;
+
+        bool IsEmpty() const { return file.empty() && memory == nullptr; }
+    };
+
+    // A binding as plug-ins take it; blocks stay locked for its own life.
+    class Source {
+      public:
+        explicit Source(const Binding& binding);
+        const SusieSource& Get() const { return source_; }
+        bool IsMemory() const { return source_.flag == susie::kSourceMemory; }
+        bool IsValid() const { return source_.source != nullptr; }
+
+      private:
+        BlockLock lock_;
+        SusieSource source_;
+    };
+
+    template <typename Body>
+    auto Member(std::wstring_view label, Body&& body);
+
+    // Loads the plug-in file unless it is loaded.
+    void RequireModule();
+    void ReleaseModule();
+    void UnloadAfterUse();
+    void ReleasePlugin();
+    void ReadPlugin();
+
+    void Unbind();
+    bool Supports(const std::wstring& file);
+    bool Supports(HLOCAL memory, const std::wstring& fileName);
+    Binding AcceptedFile(const std::wstring& path);
+    Binding AcceptedMemory(HLOCAL memory, const std::wstring& fileName);
+    void ReadMembers(Binding& binding);
+    template <typename Accept>
+    void Bind(Accept&& accept);
+
+    const susie::PictureInfo& Info();
+    OwnedPicture Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag);
+    uint32_t SaveBmp(const PicturePair& picture, const std::wstring& bmpFile);
+    const ArchiveMembers& Members();
+
+    SusieCalls calls_;
+    HMODULE module_ = nullptr;  // our own reference to the loaded file
+    int32_t dllStyle_ = kStyleNone;
+    std::wstring productName_;
+    FilePatterns patterns_;
+    bool supportConfigurationDialog_ = false;
+    bool autoUnload_ = false;
+    bool checkMode_ = false;
+    bool keepLoaded_ = false;  // it has failed before
+    int32_t showType_ = 0;
+    Binding bound_;
+};
+
+// Runs a member: whatever goes wrong in it leaves as a PluginError and is remembered as the last
+// error, unless a call into the plug-in has left a more telling one.
+template <typename Body>
+auto clsSusie::Member(std::wstring_view label, Body&& body) {
+    const uint32_t before = calls_.ErrorSerial();
+    try {
+        return body();
+    } catch (const PluginError& error) {
+        if (calls_.ErrorSerial() == before) calls_.SetError(error.Description(), label);
+        throw;
+    } catch (...) {
+        calls_.SetError(kUnexpectedInMemberText, label);
+        throw PluginError(kErrorUnexpectedInMember, kUnexpectedInMemberText);
+    }
+}
+
+}  // namespace tessary

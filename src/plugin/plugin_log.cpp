@@ -1,0 +1,111 @@
+#include "plugin/plugin_log.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <limits>
+
+#include "app/base/error.h"
+#include "app/base/paths.h"
+#include "app/settings/setting_value.h"
+#include "app/settings/settings_store.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kCallLog[] = L"SPI_CALLLOG";
+constexpr wchar_t kFunctionKey[] = L"Function";
+constexpr wchar_t kPluginKey[] = L"SPI";
+constexpr wchar_t kFileKey[] = L"File";
+
+constexpr wchar_t kTotalKey[] = L"Total";
+constexpr wchar_t kDateTime[] = L"SPI_DATETIME";
+
+// Key: a plug-in; value: how many runs in a row ended while it was being loaded.
+constexpr wchar_t kFatalLoads[] = L"SPI_FATALLOADS";
+constexpr int32_t kMostFatalLoads = 2;
+
+std::wstring ErrorLogOf(std::wstring_view plugin) {
+    return std::wstring(plugin) + L"_SPI_ERRORLOG";
+}
+
+int32_t ReadCount(std::wstring_view section, std::wstring_view key) {
+    const std::wstring text = GetSetting(section, key, L"0");
+    return Trapped(0, [&] { return ToInt32(text); });
+}
+
+void Increment(std::wstring_view section, std::wstring_view key) {
+    const int32_t count = ReadCount(section, key);
+    if (count == std::numeric_limits<int32_t>::max()) return;
+    SaveSetting(section, key, ToSettingText(count + 1));
+}
+
+// Universal time, so that a change of the time zone makes no file look replaced.
+std::optional<std::wstring> FileDateText(const std::wstring& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    SYSTEMTIME time;
+    if (!GetFileAttributesExW(ExtendedPath(path).c_str(), GetFileExInfoStandard, &data) ||
+        !FileTimeToSystemTime(&data.ftLastWriteTime, &time)) {
+        return std::nullopt;
+    }
+    wchar_t text[32];
+    std::swprintf(text, std::size(text), L"%04d/%02d/%02d %02d:%02d:%02d", time.wYear, time.wMonth,
+                  time.wDay, time.wHour, time.wMinute, time.wSecond);
+    return text;
+}
+
+}  // namespace
+
+void WriteCallLog(const PluginCall& call) {
+    SaveSetting(kCallLog, kFunctionKey, call.function);
+    SaveSetting(kCallLog, kPluginKey, call.plugin);
+    SaveSetting(kCallLog, kFileKey, call.file);
+}
+
+void ClearCallLog() {
+    DeleteSettingSection(kCallLog);
+}
+
+std::optional<PluginCall> RecoverInterruptedCall() {
+    PluginCall call;
+    call.plugin = GetSetting(kCallLog, kPluginKey);
+    if (call.plugin.empty()) return std::nullopt;
+    call.function = GetSetting(kCallLog, kFunctionKey);
+    call.file = GetSetting(kCallLog, kFileKey);
+    // Emptied before it is counted: if this run ends here as well, it is not counted twice.
+    WriteCallLog({});
+    IncrementErrorCount(call.plugin, call.function);
+    if (call.function == L"LoadLibrary") Increment(kFatalLoads, call.plugin);
+    ClearCallLog();
+    return call;
+}
+
+int32_t ReadErrorCount(std::wstring_view plugin, std::wstring_view function) {
+    return ReadCount(ErrorLogOf(plugin), function.empty() ? kTotalKey : function);
+}
+
+void IncrementErrorCount(std::wstring_view plugin, std::wstring_view function) {
+    const std::wstring section = ErrorLogOf(plugin);
+    Increment(section, function);
+    Increment(section, kTotalKey);
+}
+
+bool KeepsEndingTheProgram(std::wstring_view plugin) {
+    return ReadCount(kFatalLoads, plugin) >= kMostFatalLoads;
+}
+
+void NoteLoaded(std::wstring_view plugin) {
+    if (ReadCount(kFatalLoads, plugin) != 0) SaveSetting(kFatalLoads, plugin, L"0");
+}
+
+void CheckFileDate(const std::wstring& pluginPath) {
+    const std::optional<std::wstring> date = FileDateText(pluginPath);
+    if (!date) return;
+    const std::wstring plugin = FileNameOf(pluginPath);
+    if (GetSetting(kDateTime, plugin) == *date) return;
+    DeleteSettingSection(ErrorLogOf(plugin));
+    NoteLoaded(plugin);
+    SaveSetting(kDateTime, plugin, *date);
+}
+
+}  // namespace tessary

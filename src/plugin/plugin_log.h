@@ -1,0 +1,48 @@
+// What the settings store remembers about plug-ins: the call under way, their failures, and which
+// version of a file these belong to. Plug-ins are named by their file name without folder.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tessary {
+
+// A call into a plug-in.
+struct PluginCall {
+    std::wstring function;
+    std::wstring plugin;
+    std::wstring file;  // the file bound at the time of the call; empty when none was
+};
+
+// Writes the section `SPI_CALLLOG` before a call. All routines here throw RaisedError when the
+// store cannot be accessed.
+void WriteCallLog(const PluginCall& call);
+
+// Removes the section after the call.
+void ClearCallLog();
+
+// The call that the last run did not come back from, if any: its failure is counted, and the call
+// log is clean afterwards.
+std::optional<PluginCall> RecoverInterruptedCall();
+
+// Failures of one function of a plug-in, or of all of them (key `Total`) for an empty name. What
+// is no number counts as 0.
+int32_t ReadErrorCount(std::wstring_view plugin, std::wstring_view function);
+
+// Adds one to a function's failures and to `Total`.
+void IncrementErrorCount(std::wstring_view plugin, std::wstring_view function);
+
+// Whether the program ended twice in a row while it loaded this plug-in. To load it again would
+// keep the program from ever starting.
+bool KeepsEndingTheProgram(std::wstring_view plugin);
+
+// To be called after the plug-in was loaded and the program still lives.
+void NoteLoaded(std::wstring_view plugin);
+
+// Compares the plug-in file's date and time with the one last seen. For a new or replaced file
+// forgets all failures and remembers the new date. A file that cannot be found changes nothing.
+void CheckFileDate(const std::wstring& pluginPath);
+
+}  // namespace tessary

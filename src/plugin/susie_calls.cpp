@@ -1,0 +1,244 @@
+#include "plugin/susie_calls.h"
+
+#include "app/base/error.h"
+#include "app/base/paths.h"
+#include "plugin/plugin_log.h"
+#include "plugin/susie_library.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kCrashedText[] = L"SPIファイル内の関数で致命的エラーが発生しました";
+constexpr wchar_t kNotExportedText[] = L"呼び出そうとした関数はSPIファイルでサポートされていません";
+constexpr wchar_t kUnexpectedText[] =
+    L"SPI内部の関数呼び出し時に予期されていないエラーが発生しました";
+
+// The error keys "GetPrevew" and, for ConfigurationDlg, "GetFileSS" are what users' stores hold:
+// a tidier name would lose the counts.
+constexpr SusieCallNames kLoadLibrary{L"LoadLibrary", nullptr, L"LoadLibrary"};
+constexpr SusieCallNames kFreeLibrary{L"FreeLibrary", nullptr, L"FreeLibrary"};
+constexpr SusieCallNames kGetPluginInfo{nullptr, nullptr, L"GetPlugInInfo"};
+constexpr SusieCallNames kIsSupported{L"IsSupported", L"IsSupported", L"IsSupported"};
+constexpr SusieCallNames kGetPictureInfo{L"GetPictureInfo", L"GetPictureInfo", L"GetPictureInfo"};
+constexpr SusieCallNames kGetPicture{L"GetPicture", L"GetPicture", L"GetPicture"};
+constexpr SusieCallNames kGetPreview{L"GetPreview", L"GetPrevew", L"GetPreview"};
+constexpr SusieCallNames kGetArchiveInfo{L"GetArchiveInfo", L"GetArchiveInfo", L"GetArchiveInfo"};
+constexpr SusieCallNames kGetFileInfo{L"GetFileInfo", L"GetFileInfo", L"GetFileInfo"};
+constexpr SusieCallNames kGetFileMM{L"GetFileMM", L"GetFileMM", L"GetFile"};
+constexpr SusieCallNames kGetFileSM{L"GetFileSM", L"GetFileSM", L"GetFile"};
+constexpr SusieCallNames kGetFileMS{L"GetFileMS", L"GetFileMS", L"GetFile"};
+constexpr SusieCallNames kGetFileSS{L"GetFileSS", L"GetFileSS", L"GetFile"};
+constexpr SusieCallNames kConfigurationDlg{L"ConfigurationDlg", L"GetFileSS", L"ConfigurationDlg"};
+
+// Exported names in the order of SusieFunction.
+constexpr const char* kExportedNames[kSusieFunctionCount] = {
+    "GetPluginInfo",  "IsSupported", "GetPictureInfo", "GetPicture",       "GetPreview",
+    "GetArchiveInfo", "GetFileInfo", "GetFile",        "ConfigurationDlg",
+};
+
+const SusieLibrary& Library() {
+    const SusieLibrary* const library = FindSusieLibrary();
+    if (library == nullptr) throw RaisedError(kErrorInternal, kUnexpectedText);
+    return *library;
+}
+
+}  // namespace
+
+// Keeps the call log for the time of a call.
+template <typename Call>
+void SusieCalls::Logged(const SusieCallNames& names, Call&& call) {
+    try {
+        WriteCallLog({names.logName, FileNameOf(pluginPath_), boundFile_});
+        call(Library());
+        ClearCallLog();
+    } catch (...) {
+        Trapped(ClearCallLog);
+        SetError(kUnexpectedText, names.errorFunction);
+        throw;
+    }
+}
+
+template <typename Call>
+int32_t SusieCalls::Guarded(const SusieCallNames& names, Call&& call) {
+    return Trapped(kResultUnexpected, [&] {
+        int32_t result = kResultUnexpected;
+        Logged(names, [&](const SusieLibrary& library) { result = call(library); });
+        return Mapped(result, names);
+    });
+}
+
+int32_t SusieCalls::Mapped(int32_t result, const SusieCallNames& names) {
+    if (result == susiectl::kCrashed) {
+        if (names.errorKey != nullptr) {
+            Trapped([&] { IncrementErrorCount(FileNameOf(pluginPath_), names.errorKey); });
+        }
+        SetError(kCrashedText, names.errorFunction);
+        return kResultCrashed;
+    }
+    if (result == susiectl::kNotExported) {
+        SetError(kNotExportedText, names.errorFunction);
+        return kResultNotExported;
+    }
+    return result;
+}
+
+void SusieCalls::SetError(std::wstring_view message, std::wstring_view function) {
+    errorString_ = message;
+    errorFunction_ = function;
+    ++errorSerial_;
+}
+
+HMODULE SusieCalls::Load() {
+    return Trapped(HMODULE{}, [&] {
+        HMODULE module = nullptr;
+        Logged(kLoadLibrary, [&](const SusieLibrary& library) {
+            module = library.loadLibrary(pluginPath_.c_str());
+        });
+        return module;
+    });
+}
+
+void SusieCalls::Free(HMODULE module) {
+    Trapped([&] {
+        Logged(kFreeLibrary, [&](const SusieLibrary& library) { library.freeLibrary(module); });
+    });
+}
+
+int32_t SusieCalls::BindAddresses(HMODULE module) {
+    for (size_t i = 0; i < kSusieFunctionCount; ++i) {
+        addresses_[i] = GetProcAddress(module, kExportedNames[i]);
+    }
+    const auto has = [&](SusieFunction function) { return Address(function) != nullptr; };
+    if (has(SusieFunction::kGetPluginInfo) && has(SusieFunction::kIsSupported)) {
+        if (has(SusieFunction::kGetPicture)) return kStylePicture;
+        if (has(SusieFunction::kGetArchiveInfo) && has(SusieFunction::kGetFile) &&
+            has(SusieFunction::kGetFileInfo)) {
+            return kStyleArchive;
+        }
+    }
+    ClearAddresses();
+    return kStyleNone;
+}
+
+void SusieCalls::ClearAddresses() {
+    const FARPROC configurationDlg = Address(SusieFunction::kConfigurationDlg);
+    addresses_.fill(nullptr);
+    addresses_[static_cast<size_t>(SusieFunction::kConfigurationDlg)] = configurationDlg;
+}
+
+int32_t SusieCalls::GetPluginInfo(int32_t infoNumber, char* buffer, int32_t length) {
+    try {
+        return Mapped(Library().getPluginInfo(Address(SusieFunction::kGetPluginInfo), infoNumber,
+                                              buffer, length),
+                      kGetPluginInfo);
+    } catch (...) {
+        SetError(kUnexpectedText, kGetPluginInfo.errorFunction);
+        return -1;
+    }
+}
+
+int32_t SusieCalls::IsSupported(const std::string& fileName, const void* header) {
+    return Guarded(kIsSupported, [&](const SusieLibrary& library) {
+        return library.isSupported(Address(SusieFunction::kIsSupported), fileName.c_str(), header);
+    });
+}
+
+int32_t SusieCalls::GetPictureInfo(const SusieSource& source, susie::PictureInfo& info) {
+    info = {};
+    return Guarded(kGetPictureInfo, [&](const SusieLibrary& library) {
+        return library.getPictureInfo(Address(SusieFunction::kGetPictureInfo), source.source,
+                                      source.length, source.flag, &info);
+    });
+}
+
+int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
+                               susie::ProgressCallback progress) {
+    picture = {};
+    return Guarded(kGetPicture, [&](const SusieLibrary& library) {
+        return library.getPicture(Address(SusieFunction::kGetPicture), source.source, source.length,
+                                  source.flag, &picture.info, &picture.bits, progress, 0);
+    });
+}
+
+int32_t SusieCalls::GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,
+                               susie::ProgressCallback progress) {
+    picture = {};
+    return Guarded(kGetPreview, [&](const SusieLibrary& library) {
+        return library.getPreview(function, source.source, source.length, source.flag,
+                                  &picture.info, &picture.bits, progress, 0);
+    });
+}
+
+int32_t SusieCalls::GetArchiveInfo(const SusieSource& archive, HLOCAL& members) {
+    members = nullptr;
+    return Guarded(kGetArchiveInfo, [&](const SusieLibrary& library) {
+        return library.getArchiveInfo(Address(SusieFunction::kGetArchiveInfo), archive.source,
+                                      archive.length, archive.flag, &members);
+    });
+}
+
+int32_t SusieCalls::GetFileInfo(const SusieSource& archive, const std::string& memberName,
+                                susie::FileInfo& info) {
+    info = {};
+    return Guarded(kGetFileInfo, [&](const SusieLibrary& library) {
+        return library.getFileInfo(Address(SusieFunction::kGetFileInfo), archive.source,
+                                   archive.length, memberName.c_str(), archive.flag, &info);
+    });
+}
+
+int32_t SusieCalls::GetFileMM(const void* archive, LONG_PTR position, HLOCAL& member,
+                              susie::ProgressCallback progress) {
+    return GetFileToMemory(kGetFileMM,
+                           {static_cast<const char*>(archive), position, susie::kSourceMemory},
+                           member, progress);
+}
+
+int32_t SusieCalls::GetFileSM(const std::string& archive, LONG_PTR position, HLOCAL& member,
+                              susie::ProgressCallback progress) {
+    return GetFileToMemory(kGetFileSM, {archive.c_str(), position, susie::kSourceFile}, member,
+                           progress);
+}
+
+int32_t SusieCalls::GetFileMS(const void* archive, LONG_PTR position, const std::string& folder,
+                              susie::ProgressCallback progress) {
+    return GetFileToFolder(kGetFileMS,
+                           {static_cast<const char*>(archive), position, susie::kSourceMemory},
+                           folder, progress);
+}
+
+int32_t SusieCalls::GetFileSS(const std::string& archive, LONG_PTR position,
+                              const std::string& folder, susie::ProgressCallback progress) {
+    return GetFileToFolder(kGetFileSS, {archive.c_str(), position, susie::kSourceFile}, folder,
+                           progress);
+}
+
+int32_t SusieCalls::GetFileToMemory(const SusieCallNames& names, const SusieSource& archive,
+                                    HLOCAL& member, susie::ProgressCallback progress) {
+    member = nullptr;
+    return Guarded(names, [&](const SusieLibrary& library) {
+        return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
+                               reinterpret_cast<char*>(&member),
+                               archive.flag | susie::kDestinationMemory, progress, 0);
+    });
+}
+
+int32_t SusieCalls::GetFileToFolder(const SusieCallNames& names, const SusieSource& archive,
+                                    const std::string& folder, susie::ProgressCallback progress) {
+    return Guarded(names, [&](const SusieLibrary& library) {
+        // A copy with room behind it: plug-ins append the separator and the member's name in place.
+        std::string destination = folder;
+        destination.resize(folder.size() + 2 * MAX_PATH);
+        return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
+                               destination.data(), archive.flag | susie::kDestinationFile, progress,
+                               0);
+    });
+}
+
+int32_t SusieCalls::ConfigurationDlg(HWND parent) {
+    return Guarded(kConfigurationDlg, [&](const SusieLibrary& library) {
+        return library.configurationDlg(Address(SusieFunction::kConfigurationDlg), parent,
+                                        susie::kConfigurationSettings);
+    });
+}
+
+}  // namespace tessary

@@ -1,0 +1,145 @@
+// The one way into a plug-in: loads and frees its file and calls its functions through the crash
+// guard of susiectl.dll, with the call written to the call log while it is under way and crashes
+// counted in the plug-in's error log.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "helpers/susiectl/susie_interface.h"
+#include "picture/modMemory.h"
+
+namespace tessary {
+
+struct SusieLibrary;
+
+// The functions of a plug-in, in the order in which their addresses are kept.
+enum class SusieFunction {
+    kGetPluginInfo,
+    kIsSupported,
+    kGetPictureInfo,
+    kGetPicture,
+    kGetPreview,
+    kGetArchiveInfo,
+    kGetFileInfo,
+    kGetFile,
+    kConfigurationDlg,
+};
+constexpr size_t kSusieFunctionCount = 9;
+
+// What a plug-in is good for, as its exports tell.
+constexpr int32_t kStylePicture = 0;
+constexpr int32_t kStyleArchive = 1;
+constexpr int32_t kStyleNone = 255;
+
+// Results of a call beside the plug-in's own (susie::Result and others).
+constexpr int32_t kResultUnexpected = 20;   // an error of ours around the call
+constexpr int32_t kResultNotExported = 21;  // the plug-in does not have the function
+constexpr int32_t kResultCrashed = 255;     // the plug-in crashed and was caught
+
+// What a plug-in reads from: the name of a file in the system's code page, or the address of a
+// locked block. Owns nothing.
+struct SusieSource {
+    const char* source = nullptr;
+    LONG_PTR length = 0;
+    uint32_t flag = susie::kSourceFile;
+};
+
+// Under what names a call is logged and its failures are kept.
+struct SusieCallNames {
+    const wchar_t* logName;
+    const wchar_t* errorKey;
+    const wchar_t* errorFunction;
+};
+
+// The calls of one plug-in. None of them throws: what fails is told by the result code, and by
+// ErrorString and ErrorFunction.
+class SusieCalls {
+  public:
+    // The plug-in's full path; empty when none is set.
+    const std::wstring& PluginPath() const { return pluginPath_; }
+    void SetPluginPath(std::wstring path) { pluginPath_ = std::move(path); }
+
+    // The file that the call log names beside the plug-in; empty when none is bound.
+    void SetBoundFile(std::wstring path) { boundFile_ = std::move(path); }
+
+    // Loads the plug-in file. Null when that fails; else one reference that Free gives back.
+    HMODULE Load();
+    void Free(HMODULE module);
+
+    // Looks up the nine functions and answers the plug-in's kind; for kStyleNone the addresses are
+    // cleared at once.
+    int32_t BindAddresses(HMODULE module);
+    // Forgets all addresses but that of ConfigurationDlg.
+    void ClearAddresses();
+    FARPROC Address(SusieFunction function) const {
+        return addresses_[static_cast<size_t>(function)];
+    }
+
+    // Not logged and not counted; -1 for an error around the call.
+    int32_t GetPluginInfo(int32_t infoNumber, char* buffer, int32_t length);
+
+    // `header`: null for a file, else the address of at least susie::kHeaderBlockSize bytes.
+    int32_t IsSupported(const std::string& fileName, const void* header);
+
+    int32_t GetPictureInfo(const SusieSource& source, susie::PictureInfo& info);
+
+    // After success the caller owns both blocks; what a failed call leaves in `picture` is to be
+    // ignored. `progress` must not be null: some plug-ins call it unasked.
+    int32_t GetPicture(const SusieSource& source, PicturePair& picture,
+                       susie::ProgressCallback progress);
+    // Calls whatever function the caller names under the name of GetPreview.
+    int32_t GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,
+                       susie::ProgressCallback progress);
+
+    // After success the caller owns the block of susie::FileInfo records.
+    int32_t GetArchiveInfo(const SusieSource& archive, HLOCAL& members);
+    int32_t GetFileInfo(const SusieSource& archive, const std::string& memberName,
+                        susie::FileInfo& info);
+
+    // GetFile by its source (M: memory, S: name of a file) and destination (M: a block that the
+    // caller owns after success, S: an existing folder). `position` is the member's.
+    int32_t GetFileMM(const void* archive, LONG_PTR position, HLOCAL& member,
+                      susie::ProgressCallback progress);
+    int32_t GetFileSM(const std::string& archive, LONG_PTR position, HLOCAL& member,
+                      susie::ProgressCallback progress);
+    int32_t GetFileMS(const void* archive, LONG_PTR position, const std::string& folder,
+                      susie::ProgressCallback progress);
+    int32_t GetFileSS(const std::string& archive, LONG_PTR position, const std::string& folder,
+                      susie::ProgressCallback progress);
+
+    // Opens the plug-in's settings window.
+    int32_t ConfigurationDlg(HWND parent);
+
+    // The last error's message, and the function that it happened in.
+    const std::wstring& ErrorString() const { return errorString_; }
+    const std::wstring& ErrorFunction() const { return errorFunction_; }
+    void SetError(std::wstring_view message, std::wstring_view function);
+
+    // How many errors were set so far: tells whether a stretch of code has set one.
+    uint32_t ErrorSerial() const { return errorSerial_; }
+
+  private:
+    template <typename Call>
+    int32_t Guarded(const SusieCallNames& names, Call&& call);
+    template <typename Call>
+    void Logged(const SusieCallNames& names, Call&& call);
+    int32_t Mapped(int32_t result, const SusieCallNames& names);
+    int32_t GetFileToMemory(const SusieCallNames& names, const SusieSource& archive, HLOCAL& member,
+                            susie::ProgressCallback progress);
+    int32_t GetFileToFolder(const SusieCallNames& names, const SusieSource& archive,
+                            const std::string& folder, susie::ProgressCallback progress);
+
+    std::wstring pluginPath_;
+    std::wstring boundFile_;
+    std::array<FARPROC, kSusieFunctionCount> addresses_{};
+    std::wstring errorString_;
+    std::wstring errorFunction_;
+    uint32_t errorSerial_ = 0;
+};
+
+}  // namespace tessary

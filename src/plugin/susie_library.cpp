@@ -1,0 +1,38 @@
+#include "plugin/susie_library.h"
+
+#include "app/base/helper_function.h"
+
+namespace tessary {
+namespace {
+
+// False when the entry is missing.
+template <typename Function>
+bool Find(const char* entry, Function& function) {
+    function = HelperFunction<Function>(L"susiectl.dll", entry);
+    return function != nullptr;
+}
+
+bool FindAll(SusieLibrary& library) {
+    return Find(susiectl::kSPILoadLibraryW, library.loadLibrary) &&
+           Find(susiectl::kSPIFreeLibrary, library.freeLibrary) &&
+           Find(susiectl::kGetPluginInfo, library.getPluginInfo) &&
+           Find(susiectl::kIsSupported, library.isSupported) &&
+           Find(susiectl::kGetPictureInfo, library.getPictureInfo) &&
+           Find(susiectl::kGetPicture, library.getPicture) &&
+           Find(susiectl::kGetPreview, library.getPreview) &&
+           Find(susiectl::kGetArchiveInfo, library.getArchiveInfo) &&
+           Find(susiectl::kGetFileInfo, library.getFileInfo) &&
+           Find(susiectl::kGetFile, library.getFile) &&
+           Find(susiectl::kConfigurationDlg, library.configurationDlg) &&
+           Find(susiectl::kGetFileInformationW, library.getFileInformation);
+}
+
+}  // namespace
+
+const SusieLibrary* FindSusieLibrary() {
+    static SusieLibrary library;
+    static const bool complete = FindAll(library);
+    return complete ? &library : nullptr;
+}
+
+}  // namespace tessary

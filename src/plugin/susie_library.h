@@ -1,0 +1,27 @@
+// The entries of susiectl.dll with their types, found once.
+#pragma once
+
+#include "helpers/susiectl/susiectl.h"
+
+namespace tessary {
+
+struct SusieLibrary {
+    susiectl::SPILoadLibraryWFunction loadLibrary;
+    susiectl::SPIFreeLibraryFunction freeLibrary;
+    susiectl::GetPluginInfoEntry getPluginInfo;
+    susiectl::IsSupportedEntry isSupported;
+    susiectl::GetPictureInfoEntry getPictureInfo;
+    susiectl::GetPictureEntry getPicture;
+    susiectl::GetPictureEntry getPreview;
+    susiectl::GetArchiveInfoEntry getArchiveInfo;
+    susiectl::GetFileInfoEntry getFileInfo;
+    susiectl::GetFileEntry getFile;
+    susiectl::ConfigurationDlgEntry configurationDlg;
+    susiectl::GetFileInformationWFunction getFileInformation;
+};
+
+// The copy in the application folder, which stays loaded; null when it or one of its entries is
+// missing.
+const SusieLibrary* FindSusieLibrary();
+
+}  // namespace tessary

@@ -1,0 +1,44 @@
+// From a plug-in's progress callback to a function of ours.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+
+#include "helpers/susiectl/susie_interface.h"
+
+namespace tessary {
+
+// Told how far a plug-in has come, `done` of `total`, in the plug-in's own units (total may be 0);
+// false asks it to stop. Empty: nobody is told.
+using SusieProgress = std::function<bool(int done, int total)>;
+
+// Stands between plug-in and `progress` for its own life. Plug-ins pass the caller's value on
+// unreliably, so the callback finds its way without it. What is thrown ends the plug-in's work and
+// not the plug-in.
+class ProgressRelay {
+  public:
+    explicit ProgressRelay(const SusieProgress& progress);
+    ProgressRelay(const ProgressRelay&) = delete;
+    ProgressRelay& operator=(const ProgressRelay&) = delete;
+    ~ProgressRelay();
+
+    // Never null.
+    static susie::ProgressCallback Callback() { return &OnProgress; }
+
+    // Whether the plug-in was asked to stop.
+    bool Stopped() const { return stopped_; }
+
+  private:
+    static int __stdcall OnProgress(int done, int total, LONG_PTR userData);
+
+    const SusieProgress& progress_;
+    bool stopped_ = false;
+    ProgressRelay* outer_;
+
+    // The relay of the call under way on this thread; plug-ins that call from another thread reach
+    // nobody.
+    static thread_local ProgressRelay* current_;
+};
+
+}  // namespace tessary

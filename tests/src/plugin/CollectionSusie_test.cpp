@@ -1,0 +1,178 @@
+// The collection of plug-ins and the routine that fills it from the settings.
+#include "plugin/CollectionSusie.h"
+
+#include "app/settings/modValue.h"
+#include "plugin/modSusie.h"
+#include "tests/src/plugin/plugin_test.h"
+
+namespace tessary {
+namespace {
+
+using test::Raised;
+
+class CollectionTest : public test::PluginTest {
+  protected:
+    void Add(const std::wstring& name, std::string_view script = {}, int failures = 0) {
+        const std::wstring path = Plugin(L"iftst.spi", script, name);
+        CheckFileDate(path);
+        for (int i = 0; i < failures; ++i)
+            IncrementErrorCount(name, L"GetPicture");
+        collection_.AddSPI(path);
+    }
+    int Asked(const std::wstring& name) { return Calls(folder_.Path() + name, "IsSupported"); }
+
+    CollectionSusie collection_;
+};
+
+TEST_F(CollectionTest, ReliablePluginsComeFirst) {
+    Add(L"b.spi", "", 2);
+    Add(L"a.spi", "", 3);
+    Add(L"c.spi");
+    Add(L"d.spi", "", 2);
+    Add(L"e.spi");
+    std::wstring order;
+    for (const auto& member : collection_.NewEnum())
+        order += FileNameOf(member->DllName()) + L' ';
+    EXPECT_EQ(order, L"e.spi c.spi d.spi b.spi a.spi ");
+
+    collection_.RemoveAll();
+    for (const auto* keptLoaded : {L"a.spi", L"b.spi", L"d.spi"})
+        FreeLibrary(GetModuleHandleW((folder_.Path() + keptLoaded).c_str()));
+    Touch(folder_.Path() + L"a.spi");
+    collection_.AddSPI(folder_.Path() + L"a.spi");
+    EXPECT_EQ(collection_.Item(1).ErrorCount({}), 0);  // a new file has no past
+}
+
+TEST_F(CollectionTest, ScansAFolderOnceForEachFile) {
+    Plugin(L"iftst.spi");
+    const std::wstring hidden = Plugin(L"minimal.spi");
+    SetFileAttributesW(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
+    folder_.Write(L"broken.SPI", "text");
+    folder_.Write(L"other.spix", "text");
+    folder_.Write(L"folder.spi\\x", "text");
+    WriteCallLog({L"GetPicture", L"iftst.spi", L"x.tst"});
+    EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 3);
+    EXPECT_EQ(collection_.InterruptedCall()->plugin, L"iftst.spi");
+    EXPECT_EQ(collection_.Compact(), 2);
+    EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 3);
+    EXPECT_EQ(collection_.Compact(), 2);
+    EXPECT_EQ(collection_.FScanAllSPI(folder_.Path() + L"nowhere\\"), 2);
+    EXPECT_EQ(collection_.Item(hidden)->DllName(), hidden);
+    collection_.Remove(1);
+    EXPECT_EQ(Raised([&] { collection_.Item(2); }), kErrorInvalidArgument);
+    EXPECT_EQ(Raised([&] { collection_.Remove(0); }), kErrorInvalidArgument);
+}
+
+TEST_F(CollectionTest, MoreThanFiftyPluginsAreNotKeptLoaded) {
+    for (int i = 0; i < 50; ++i)
+        Plugin(L"minimal.spi", "", std::to_wstring(i) + L".spi");
+    EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 50);
+    EXPECT_FALSE(collection_.DynamicLoad());
+    EXPECT_EQ(collection_.GetInMemorySPICount(), 50);
+    Plugin(L"minimal.spi", "", L"50.spi");
+    collection_.RemoveAll();
+    EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 51);
+    EXPECT_TRUE(collection_.DynamicLoad());
+    EXPECT_EQ(collection_.GetInMemorySPICount(), 0);
+    EXPECT_EQ(collection_.FileSupported(folder_.Write(L"a.tst", "TST 1x1x24\n")), 1);
+    EXPECT_EQ(collection_.GetInMemorySPICount(), 1);
+    collection_.UnloadFile();
+    EXPECT_EQ(collection_.GetInMemorySPICount(), 0);
+}
+
+TEST_F(CollectionTest, SearchGoesByHintThenPatternThenEverybody) {
+    Add(L"3.spi", "info:2:*.jpg\n");
+    Add(L"2.spi", "info:2:*.abc\n");
+    Add(L"1.spi", "info:2:*.xyz\naccept-all\n");
+    const std::wstring abc = folder_.Write(L"a.Abc", "TST 1x1x24\n");
+    EXPECT_EQ(collection_.FileSupported(abc), 2);  // by its pattern
+    EXPECT_EQ(collection_.Item(2).GetFile(), abc);
+    const std::wstring dat = folder_.Write(L"a.dat", "TST 1x1x24\n");
+    EXPECT_EQ(collection_.FileSupported(dat), 2);  // accepted last
+    EXPECT_EQ(Asked(L"1.spi"), 0);
+    EXPECT_EQ(collection_.FileSupported(dat, 3), 3);  // the hint is below the start
+    EXPECT_EQ(collection_.FileSupported(dat, 4), 0);
+    collection_.RemoveAll();
+    Add(L"4.spi");
+    Add(L"5.spi", "crash:av:IsSupported\n");
+    EXPECT_EQ(collection_.FileSupported(dat), 2);  // everybody is asked, in turn
+    EXPECT_EQ(Asked(L"5.spi"), 1);
+    EXPECT_EQ(collection_.FileSupported(folder_.Write(L"nobody.tst", "text")), 0);
+    EXPECT_EQ(Asked(L"5.spi"), 2);  // claimed it by name, and is not asked a second time
+    EXPECT_EQ(collection_.FileSupported(folder_.Path() + L"gone.tst"), 0);
+}
+
+TEST_F(CollectionTest, ByExtensionOnlyThoseThatClaimTheFileAreAsked) {
+    collection_.SetTryAll(false);
+    Add(L"any.spi", "accept-all\ninfo:2:*.xyz\n");
+    Add(L"jpeg.spi", "accept-all\ninfo:2:*.jpg\n");
+    EXPECT_EQ(collection_.FileSupported(folder_.Write(L"a.xyz", "text")), 2);
+    // Not even the one that accepted last.
+    EXPECT_EQ(collection_.FileSupported(folder_.Write(L"a.txt", "text")), 0);
+    EXPECT_EQ(Asked(L"any.spi"), 1);
+    EXPECT_EQ(Asked(L"jpeg.spi"), 0);
+    const OwnedBlock block = Block("\xFF\xD8\xFF\xE0");
+    EXPECT_EQ(collection_.MemorySupported(block.Get(), L"dir\\a.dat"), 0);
+    EXPECT_EQ(collection_.MemorySupported(block.Get(), L"dir\\a.jpg"), 1);
+    EXPECT_EQ(collection_.Item(1).GetMemoryHandle(), block.Get());
+    collection_.UnloadFile();
+    EXPECT_EQ(collection_.Item(1).GetMemoryHandle(), nullptr);
+    const std::wstring jpeg = folder_.Write(L"a.dat", "\xFF\xD8\xFF\xE0");
+    EXPECT_EQ(collection_.FileSupported(jpeg), 1);  // by its content
+    EXPECT_TRUE(collection_.Item(1).CheckMode());
+}
+
+TEST_F(CollectionTest, TheOpenDialogGetsPairs) {
+    Add(L"b.spi", "info:1:A|B\ninfo:2:*.bmp;*.jpg;*.jpeg\n");
+    Add(L"a.spi");
+    EXPECT_EQ(collection_.GetCommonDialogString(),
+              L"すべてのファイル(*.*)|*.*|すべての対応ファイル|*.BMP;*.TST;*.JPG;*.JPEG"
+              L"|BMPファイル(*.BMP)|*.BMP|Test plug-in(*.TST)|*.TST|"
+              L"A B(*.BMP;*.JPG;*.JPEG)|*.BMP;*.JPG;*.JPEG|");
+}
+
+TEST_F(CollectionTest, LoadingFollowsTheSettings) {
+    GeneralSettings& settings = Values().general;
+    Plugin(L"iftst.spi");
+    folder_.Write(L"broken.spi", "text");
+    // Has ended two runs in a row, and would end this one.
+    CheckFileDate(Plugin(L"iftst.spi", "crash:exit:DllMain\n", L"fatal.spi"));
+    for (int run = 0; run < 2; ++run) {
+        WriteCallLog({L"LoadLibrary", L"fatal.spi", {}});
+        RecoverInterruptedCall();
+    }
+    settings.useSPI = settings.dynamicSPILoad = settings.spiExt = 1;
+    settings.spiFolder[0] = folder_.Path() + L"nowhere";
+    settings.spiFolder[1] = RemoveBackslash(folder_.Path());
+    settings.spiFolder[2] = folder_.Path();
+    std::fill_n(settings.loadSPI, kPluginFolderCount, true);
+    EXPECT_TRUE(LoadSPI());
+    EXPECT_EQ(SusieCollection().Count(), 1);
+    EXPECT_FALSE(settings.loadSPI[0]);
+    EXPECT_TRUE(settings.loadSPI[1]);
+    EXPECT_FALSE(SusieCollection().TryAll());
+    EXPECT_EQ(SusieCollection().GetInMemorySPICount(), 0);
+    settings.useSPI = 0;
+    EXPECT_TRUE(LoadSPI());
+    EXPECT_EQ(SusieCollection().Count(), 0);
+    UnloadSPI();
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST(PluginCollectionChild, DISABLED_StaysEmptyWithoutSusiectl) {
+    test::RecordedMessages messages;
+    CollectionSusie collection;
+    EXPECT_EQ(messages.Only(), L"SUSIECTL.DLL が見つかりません");
+    EXPECT_EQ(collection.FScanAllSPI(test::TestProgramFolder() + L"plugins\\"), 0);
+    char text[255] = {};
+    SusieCalls calls;
+    EXPECT_EQ(calls.GetPluginInfo(0, text, 255), -1);
+    EXPECT_EQ(calls.ErrorFunction(), L"GetPlugInInfo");
+}
+
+TEST_F(CollectionTest, StaysEmptyWithoutSusiectl) {
+    EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_StaysEmptyWithoutSusiectl"), 0);
+}
+
+}  // namespace
+}  // namespace tessary

@@ -1,0 +1,91 @@
+// What the tests of the plug-in host share: plug-ins in a folder of their own, settings that are
+// not the user's, messages that are recorded.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <process.h>
+#include <windows.h>
+
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "app/base/handles.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "app/settings/settings_store.h"
+#include "plugin/clsSusie.h"
+#include "plugin/plugin_log.h"
+#include "tests/plugins/test_plugins.h"
+#include "tests/support/recorded_messages.h"
+#include "tests/support/redirected_settings.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary::test {
+
+// The test programs do not stand beside the helper libraries; loaded ones are found all the same.
+inline void LoadHelper(const std::wstring& name) {
+    ASSERT_NE(LoadLibraryW((TestProgramFolder() + L"..\\bin\\" + name).c_str()), nullptr);
+}
+
+class PluginTest : public testing::Test {
+  protected:
+    PluginTest() { LoadHelper(L"susiectl.dll"); }
+
+    // A copy of a test plug-in in the test's folder, with a script (tests/plugins/README.md).
+    std::wstring Plugin(const std::wstring& original, std::string_view script = {},
+                        std::wstring name = {}) const {
+        if (name.empty()) name = original;
+        std::filesystem::copy_file(TestPluginPath(original), folder_.Path() + name);
+        if (!script.empty()) folder_.Write(name + L".script", script);
+        return folder_.Path() + name;
+    }
+
+    static bool IsLoaded(const std::wstring& path) {
+        return GetModuleHandleW(path.c_str()) != nullptr;
+    }
+    // How often a function of a loaded plug-in was called.
+    static int Calls(const std::wstring& path, const char* function) {
+        return IsLoaded(path) ? TestCallCount(GetModuleHandleW(path.c_str()), function) : -1;
+    }
+    // Makes a file look replaced.
+    static void Touch(const std::wstring& path) {
+        const auto date = std::filesystem::last_write_time(path) + std::chrono::seconds(5);
+        std::filesystem::last_write_time(path, date);
+    }
+    static OwnedBlock Block(std::string_view content) {
+        OwnedBlock block(LocalAlloc(LMEM_MOVEABLE, content.size()));
+        std::memcpy(BlockLock(block.Get()).Address(), content.data(), content.size());
+        return block;
+    }
+    static bool CallIsLogged() { return GetSetting(L"SPI_CALLLOG", L"SPI", L"-") != L"-"; }
+
+    // Runs one test of this program as a process of its own, on the same settings, and answers its
+    // exit status. The test finds `file` in the environment as TESSARY_TEST_FILE.
+    intptr_t RunAsChild(const std::wstring& test, const std::wstring& file = {}) const {
+        _wputenv_s(L"TESSARY_SETTINGS_KEY", store_.KeyPath().c_str());
+        _wputenv_s(L"TESSARY_TEST_FILE", file.c_str());
+        wchar_t program[MAX_PATH];
+        GetModuleFileNameW(nullptr, program, MAX_PATH);
+        return _wspawnl(_P_WAIT, program, L"plugin_test", L"--gtest_also_run_disabled_tests",
+                        (L"--gtest_filter=" + test).c_str(), nullptr);
+    }
+
+    RedirectedSettings store_;
+    TemporaryFolder folder_;
+    RecordedMessages messages_;
+};
+
+// The number that `body` raises; 0 when it raises nothing.
+template <typename Body>
+uint32_t Raised(Body&& body) {
+    try {
+        body();
+        return 0;
+    } catch (const RaisedError& error) {
+        return error.Number();
+    }
+}
+
+}  // namespace tessary::test

@@ -1,0 +1,141 @@
+// The calls into a plug-in: kinds, results, call log, error log, and the recovery of a run that
+// ended inside a call.
+#include "plugin/susie_calls.h"
+
+#include "tests/src/plugin/plugin_test.h"
+
+namespace tessary {
+namespace {
+
+constexpr SusieSource kNoFile{"C:\\nothing.tst", 0, susie::kSourceFile};
+const susie::ProgressCallback kProgress = ProgressRelay::Callback();
+
+class SusieCallsTest : public test::PluginTest {
+  protected:
+    ~SusieCallsTest() override {
+        if (module_ != nullptr) calls_.Free(module_);
+    }
+    // Loads a plug-in and answers its kind.
+    int32_t Load(const std::wstring& path) {
+        if (module_ != nullptr) calls_.Free(module_);
+        calls_.SetPluginPath(path);
+        module_ = calls_.Load();
+        return calls_.BindAddresses(module_);
+    }
+
+    SusieCalls calls_;
+    HMODULE module_ = nullptr;
+    PicturePair picture_;
+    HLOCAL block_ = nullptr;
+};
+
+TEST_F(SusieCallsTest, ExportsDecideTheKind) {
+    EXPECT_EQ(Load(Plugin(L"minimal.spi")), kStylePicture);
+    EXPECT_EQ(Load(Plugin(L"picture_and_archive.spi")), kStylePicture);
+    EXPECT_EQ(Load(Plugin(L"axtsa.spi")), kStyleArchive);
+    for (const auto* unusable :
+         {L"no_get_file_info.spi", L"config_only.spi", L"no_is_supported.spi"}) {
+        EXPECT_EQ(Load(Plugin(unusable)), kStyleNone) << unusable;
+        EXPECT_EQ(calls_.Address(SusieFunction::kGetPluginInfo), nullptr);
+        EXPECT_EQ(calls_.Address(SusieFunction::kGetFile), nullptr);
+    }
+    EXPECT_NE(calls_.Address(SusieFunction::kConfigurationDlg), nullptr);  // left as it was found
+    EXPECT_FALSE(CallIsLogged());
+}
+
+TEST_F(SusieCallsTest, CrashesAreCountedUnderTheKeysOfTheStore) {
+    std::string script;
+    for (const char* function :
+         {"GetPluginInfo", "IsSupported", "GetPictureInfo", "GetPicture", "GetPreview",
+          "GetArchiveInfo", "GetFileInfo", "GetFile", "ConfigurationDlg"})
+        script += std::string("crash:av:") + function + "\n";
+    Load(Plugin(L"picture_and_archive.spi", script, L"bad.spi"));
+    susie::PictureInfo picture;
+    susie::FileInfo file;
+    char text[255];
+    const FARPROC preview = calls_.Address(SusieFunction::kGetPreview);
+    const std::pair<const wchar_t*, int32_t> results[] = {
+        {L"IsSupported", calls_.IsSupported("a", "header")},
+        {L"GetPictureInfo", calls_.GetPictureInfo(kNoFile, picture)},
+        {L"GetPicture", calls_.GetPicture(kNoFile, picture_, kProgress)},
+        {L"GetPrevew", calls_.GetPreview(preview, kNoFile, picture_, kProgress)},
+        {L"GetArchiveInfo", calls_.GetArchiveInfo(kNoFile, block_)},
+        {L"GetFileInfo", calls_.GetFileInfo(kNoFile, "m", file)},
+        {L"GetFileMM", calls_.GetFileMM("x", 0, block_, kProgress)},
+        {L"GetFileSM", calls_.GetFileSM("x", 0, block_, kProgress)},
+        {L"GetFileMS", calls_.GetFileMS("x", 0, "y", kProgress)},
+        {L"GetFileSS", calls_.GetFileSS("x", 0, "y", kProgress)},
+    };
+    for (const auto& [key, result] : results) {
+        EXPECT_EQ(result, kResultCrashed) << key;
+        EXPECT_EQ(GetSetting(L"bad.spi_SPI_ERRORLOG", key), L"1") << key;
+    }
+    EXPECT_EQ(calls_.ErrorFunction(), L"GetFile");
+    EXPECT_EQ(calls_.ConfigurationDlg(nullptr), kResultCrashed);
+    EXPECT_EQ(ReadErrorCount(L"bad.spi", L"GetFileSS"), 2);
+    EXPECT_EQ(calls_.GetPluginInfo(0, text, 255), kResultCrashed);
+    EXPECT_EQ(calls_.ErrorString(), L"SPIファイル内の関数で致命的エラーが発生しました");
+    EXPECT_EQ(GetSetting(L"bad.spi_SPI_ERRORLOG", L"Total"), L"11");
+    EXPECT_FALSE(CallIsLogged());
+}
+
+TEST_F(SusieCallsTest, OtherFailuresAreTold) {
+    Load(Plugin(L"minimal.spi", "answer:IsSupported:8\n"));
+    EXPECT_EQ(calls_.IsSupported("a", "header"), 8);
+    EXPECT_EQ(calls_.ErrorString(), L"");
+    EXPECT_EQ(calls_.GetPreview(nullptr, kNoFile, picture_, kProgress), kResultNotExported);
+    EXPECT_EQ(calls_.ErrorString(), L"呼び出そうとした関数はSPIファイルでサポートされていません");
+    EXPECT_EQ(ReadErrorCount(L"minimal.spi", {}), 0);
+
+    RedirectSettingsStore(std::wstring(300, L'x'));  // longer than a key can be
+    EXPECT_EQ(calls_.IsSupported("a", "header"), kResultUnexpected);
+    RedirectSettingsStore(store_.KeyPath());
+    EXPECT_EQ(calls_.ErrorFunction(), L"IsSupported");
+    EXPECT_EQ(calls_.ErrorString(),
+              L"SPI内部の関数呼び出し時に予期されていないエラーが発生しました");
+}
+
+TEST(PluginCallChild, DISABLED_DiesInsideACall) {
+    test::LoadHelper(L"susiectl.dll");
+    const std::wstring file = _wgetenv(L"TESSARY_TEST_FILE");
+    clsSusie plugin;
+    plugin.SetDllName(FolderOf(file) + L"iftst.spi");
+    plugin.SetFile(file);
+    PicturePair picture;
+    plugin.DecodePicture(DecodeTarget::kMemory, 0, {}, {}, &picture);
+}
+
+TEST_F(SusieCallsTest, TheNextRunCountsTheCallThatEndedTheLast) {
+    Plugin(L"iftst.spi");
+    const std::wstring file = folder_.Write(L"end.tst", "TST 2x2x24\ncrash:exit:GetPicture\n");
+    RunAsChild(L"PluginCallChild.DISABLED_DiesInsideACall", file);
+    const PluginCall call = RecoverInterruptedCall().value_or(PluginCall{});
+    EXPECT_EQ(call.plugin + L'|' + call.function + L'|' + call.file,
+              L"iftst.spi|GetPicture|" + file);
+    EXPECT_FALSE(CallIsLogged());
+    EXPECT_FALSE(RecoverInterruptedCall());
+    EXPECT_EQ(ReadErrorCount(L"iftst.spi", L"GetPicture"), 1);
+    EXPECT_EQ(ReadErrorCount(L"iftst.spi", {}), 1);
+}
+
+TEST_F(SusieCallsTest, FailuresBelongToOneVersionOfAFile) {
+    const std::wstring path = folder_.Write(L"x.spi", "old");
+    CheckFileDate(path);
+    for (int run = 0; run < 2; ++run) {
+        EXPECT_FALSE(KeepsEndingTheProgram(L"x.spi"));
+        WriteCallLog({L"LoadLibrary", L"x.spi", {}});
+        RecoverInterruptedCall();
+    }
+    EXPECT_TRUE(KeepsEndingTheProgram(L"x.spi"));
+    CheckFileDate(path);
+    EXPECT_EQ(ReadErrorCount(L"x.spi", L"LoadLibrary"), 2);
+    Touch(path);
+    CheckFileDate(path);
+    EXPECT_EQ(ReadErrorCount(L"x.spi", {}), 0);
+    EXPECT_FALSE(KeepsEndingTheProgram(L"x.spi"));
+    SaveSetting(L"x.spi_SPI_ERRORLOG", L"Total", L"many");
+    EXPECT_EQ(ReadErrorCount(L"x.spi", {}), 0);
+}
+
+}  // namespace
+}  // namespace tessary
