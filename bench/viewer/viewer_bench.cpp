@@ -1,0 +1,228 @@
+// viewer_bench show FILE.jpg   how long a JPEG takes from its name to the view, beside the bare
+// decoder viewer_bench scan FOLDER     how long a folder of plug-ins takes to scan, and the share
+// of the registry in it viewer_bench leave FILE…     what is left of memory and handles after
+// showing 1000 pictures
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/base/modGetFolder.h"
+#include "app/settings/modValue.h"
+#include "app/settings/settings_store.h"
+#include "bench/viewer/bare_jpeg.h"
+#include "picture/current_picture.h"
+#include "picture/show/modShowPicture.h"
+#include "plugin/modSusie.h"
+
+namespace tessary {
+namespace {
+
+constexpr int kRuns = 9;
+
+// A view without a window: takes pictures as the main window does.
+class QuietView : public PictureView {
+  public:
+    ~QuietView() { ClearPicture(); }
+    SIZE WorkAreaSize() const override { return {1280, 1024}; }
+    void SetPicture(IPicture* picture, int, int) override {
+        picture->AddRef();
+        ClearPicture();
+        picture_ = picture;
+    }
+    void ClearPicture() override {
+        if (picture_ != nullptr) picture_->Release();
+        picture_ = nullptr;
+    }
+    void SetPanelText(int, const std::wstring&) override {}
+    bool Breathe() override { return true; }
+
+  private:
+    IPicture* picture_ = nullptr;
+};
+
+// Milliseconds that `body` takes.
+double Timed(const std::function<void()>& body) {
+    LARGE_INTEGER frequency;
+    LARGE_INTEGER start;
+    LARGE_INTEGER end;
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&start);
+    body();
+    QueryPerformanceCounter(&end);
+    return 1000.0 * static_cast<double>(end.QuadPart - start.QuadPart) /
+           static_cast<double>(frequency.QuadPart);
+}
+
+double Median(std::vector<double> times) {
+    std::nth_element(times.begin(), times.begin() + times.size() / 2, times.end());
+    return times[times.size() / 2];
+}
+
+// The finished program's folder, beside ours.
+std::wstring FinishedFolder() {
+    return AppFolder() + LR"(..\bin\)";
+}
+
+// Makes the helper libraries resident, as the program's start-up does.
+void LoadHelperLibraries() {
+    for (const wchar_t* name : {L"pic_kernel.dll", L"plg_resize.fplg", L"bmp_import.iplg",
+                                L"bmp_export.eplg", L"convertdib.dll", L"susiectl.dll"}) {
+        LoadLibraryW((FinishedFolder() + name).c_str());
+    }
+}
+
+void LoadPluginsOf(const std::wstring& folder) {
+    Values().general.useSPI = 1;
+    Values().general.spiFolder[0] = folder;
+    Values().general.loadSPI[0] = true;
+    LoadSPI();
+}
+
+int BenchShow(const std::wstring& path) {
+    LoadPluginsOf(FinishedFolder());
+    Values().fixSizeValue = kSizeMode800;
+    QuietView view;
+    std::vector<double> bare;
+    std::vector<double> show;
+    std::vector<double> display;
+    for (int run = 0; run <= kRuns;
+         ++run) {  // in turn, so that both see the same machine; the first run warms up
+        const double bareTime = Timed([&] { DecodeBareJpeg(path); });
+        FileKind kind = kFileUnknown;
+        const double showTime = Timed([&] { kind = ShowFile(path, view).kind; });
+        if (!IsPictureKind(kind)) {
+            std::fprintf(stderr, "not shown\n");
+            return 1;
+        }
+        const double displayTime = Timed([&] { DisplayCurrentPicture(view); });
+        if (run == 0) continue;
+        bare.push_back(bareTime);
+        show.push_back(showTime);
+        display.push_back(displayTime);
+    }
+    std::printf("bare libjpeg-turbo decode   %7.1f ms\n", Median(bare));
+    std::printf("show at size mode 2         %7.1f ms   ratio %.2f\n", Median(show),
+                Median(show) / Median(bare));
+    std::printf("  of it resize and display  %7.1f ms\n", Median(display));
+    std::printf("  of it the rest            %7.1f ms\n", Median(show) - Median(display));
+    SetCurrentPicture({});
+    return 0;
+}
+
+int BenchScan(const std::wstring& folder) {
+    std::vector<double> scans;
+    std::vector<double> writes;
+    int count = 0;
+    for (int run = 0; run < kRuns; ++run) {
+        scans.push_back(Timed([&] { LoadPluginsOf(folder); }));
+        count = SusieCollection().Count();
+        UnloadSPI();
+        // The call log of one load, as often as a scan needs it: load, and where libraries are not
+        // kept, free.
+        writes.push_back(Timed([&] {
+            for (int i = 0; i < count; ++i) {
+                SaveSetting(L"SPI_CALLLOG", L"Function", L"LoadLibrary");
+                SaveSetting(L"SPI_CALLLOG", L"SPI", L"plugin.spi");
+                SaveSetting(L"SPI_CALLLOG", L"File", L"");
+                DeleteSettingSection(L"SPI_CALLLOG");
+            }
+        }));
+    }
+    std::printf("scan of %d plug-ins          %7.1f ms\n", count, Median(scans));
+    std::printf("  of it call-log writes     %7.1f ms (%.0f %%)\n", Median(writes),
+                100 * Median(writes) / Median(scans));
+    return 0;
+}
+
+// What the process holds. Counted by hand: Wine answers the system's own counters with constants.
+struct Resources {
+    size_t committedBytes;
+    size_t handles;
+    size_t gdiObjects;
+};
+
+size_t CommittedBytes() {
+    size_t bytes = 0;
+    MEMORY_BASIC_INFORMATION region{};
+    for (const char* at = nullptr; VirtualQuery(at, &region, sizeof(region)) != 0;
+         at = static_cast<const char*>(region.BaseAddress) + region.RegionSize) {
+        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) bytes += region.RegionSize;
+    }
+    return bytes;
+}
+
+// How many places of a handle table are taken, told by the highest one given out when so many are
+// asked for that every gap is filled. `indexOf` is a handle's place.
+template <typename Handle>
+size_t TakenPlaces(const std::function<Handle()>& make,
+                   const std::function<size_t(Handle)>& indexOf,
+                   const std::function<void(Handle)>& destroy) {
+    constexpr size_t kProbes = 2000;
+    size_t highest = 0;
+    std::vector<Handle> probes;
+    for (size_t i = 0; i < kProbes; ++i) {
+        probes.push_back(make());
+        highest = std::max(highest, indexOf(probes.back()));
+    }
+    for (const Handle probe : probes)
+        destroy(probe);
+    return highest - kProbes;
+}
+
+Resources CurrentResources() {
+    return {CommittedBytes(),
+            TakenPlaces<HANDLE>([] { return CreateEventW(nullptr, FALSE, FALSE, nullptr); },
+                                [](HANDLE event) { return reinterpret_cast<size_t>(event) / 4; },
+                                [](HANDLE event) { CloseHandle(event); }),
+            TakenPlaces<HBITMAP>(
+                [] { return CreateBitmap(1, 1, 1, 1, nullptr); },
+                [](HBITMAP bitmap) { return reinterpret_cast<size_t>(bitmap) & 0xFFFF; },
+                [](HBITMAP bitmap) { DeleteObject(bitmap); })};
+}
+
+int BenchLeave(const std::vector<std::wstring>& paths) {
+    LoadPluginsOf(FinishedFolder());
+    Values().fixSizeValue = kSizeMode640;
+    QuietView view;
+    const auto show = [&](int times) {
+        for (int i = 0; i < times; ++i)
+            ShowFile(paths[static_cast<size_t>(i) % paths.size()], view);
+        SetCurrentPicture({});
+        view.ClearPicture();
+    };
+    show(100);
+    CurrentResources();  // the counting itself leaves tables behind
+    const Resources before = CurrentResources();
+    const double time = Timed([&] { show(1000); });
+    const Resources after = CurrentResources();
+    std::printf("1000 pictures               %7.1f ms\n", time);
+    std::printf("committed memory            %zu -> %zu KiB\n", before.committedBytes / 1024,
+                after.committedBytes / 1024);
+    std::printf("handles                     %zu -> %zu\n", before.handles, after.handles);
+    std::printf("GDI objects                 %zu -> %zu\n", before.gdiObjects, after.gdiObjects);
+    return 0;
+}
+
+}  // namespace
+}  // namespace tessary
+
+int wmain(int count, wchar_t** arguments) {
+    using namespace tessary;
+    if (count < 3) return 2;
+    const std::wstring command = arguments[1];
+    const std::vector<std::wstring> rest(arguments + 2, arguments + count);
+    const std::wstring key = LR"(Software\Tessary_Viewer_Bench)";
+    RedirectSettingsStore(key);
+    LoadHelperLibraries();
+    int result = 2;
+    if (command == L"show") result = BenchShow(rest[0]);
+    if (command == L"scan") result = BenchScan(rest[0]);
+    if (command == L"leave") result = BenchLeave(rest);
+    UnloadSPI();
+    RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str());
+    return result;
+}

@@ -1,0 +1,108 @@
+#include "picture/show/picture_kernel.h"
+
+#include <string>
+
+#include "app/base/handles.h"
+#include "app/base/helper_function.h"
+#include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
+#include "helpers/kernel/pic_kernel.h"
+#include "picture/bitmap_file.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kTemporaryName[] = L"~temp.bmp";
+
+// The kernel's entries; null where a library is missing.
+struct Kernel {
+    kernel::AttachMemoryImageFunction attachMemoryImage =
+        HelperFunction<kernel::AttachMemoryImageFunction>(L"bmp_import.iplg",
+                                                          kernel::kAttachMemoryImageName);
+    kernel::DoFilterFunction doFilter =
+        HelperFunction<kernel::DoFilterFunction>(L"plg_resize.fplg", kernel::kDoFilterName);
+    kernel::WriteImageFunction writeImage =
+        HelperFunction<kernel::WriteImageFunction>(L"bmp_export.eplg", kernel::kWriteImageName);
+    kernel::DestroyImageHandleFunction destroyImage =
+        HelperFunction<kernel::DestroyImageHandleFunction>(L"pic_kernel.dll",
+                                                           kernel::kDestroyImageHandleName);
+
+    bool IsComplete() const { return attachMemoryImage && doFilter && writeImage && destroyImage; }
+};
+
+// Owns an image of the kernel.
+class KernelImage {
+  public:
+    explicit KernelImage(const Kernel& kernel) : kernel_(kernel) {}
+    KernelImage(const KernelImage&) = delete;
+    KernelImage& operator=(const KernelImage&) = delete;
+    ~KernelImage() {
+        if (image_ != nullptr) kernel_.destroyImage(image_);
+    }
+
+    kernel::HIMAGE Get() const { return image_; }
+    kernel::HIMAGE* Receive() { return &image_; }
+
+  private:
+    const Kernel& kernel_;
+    kernel::HIMAGE image_ = nullptr;
+};
+
+// Keeps a second copy of the program from writing the temporary file between our writing and
+// reading it.
+class TemporaryFileTurn {
+  public:
+    TemporaryFileTurn() : mutex_(CreateMutexW(nullptr, FALSE, L"Tessary_Viewer_temp_bmp")) {
+        if (mutex_) held_ = WaitForSingleObject(mutex_.Get(), kPatience) != WAIT_TIMEOUT;
+    }
+    TemporaryFileTurn(const TemporaryFileTurn&) = delete;
+    TemporaryFileTurn& operator=(const TemporaryFileTurn&) = delete;
+    ~TemporaryFileTurn() {
+        if (held_) ReleaseMutex(mutex_.Get());
+    }
+
+  private:
+    static constexpr DWORD kPatience = 5000;  // milliseconds; a hung copy must not hang this one
+
+    UniqueMutex mutex_;
+    bool held_ = false;
+};
+
+// Takes the image over the temporary file in that folder into a picture pair.
+OwnedPicture ThroughFile(const Kernel& kernel, kernel::HIMAGE image, const std::wstring& folder) {
+    const std::wstring path = folder + kTemporaryName;
+    if (kernel.writeImage(image, path.c_str()) != kernel::kKernelOk) return {};
+    PicturePair pair;
+    const bool read = ReadBitmapFile(path, pair);
+    DeleteFileW(ExtendedPath(path).c_str());
+    return read ? OwnedPicture(pair) : OwnedPicture();
+}
+
+}  // namespace
+
+OwnedPicture ResizePicture(const PicturePair& picture, int width, int height) {
+    const Kernel kernel;
+    if (!kernel.IsComplete()) return {};
+    const BlockLock info(picture.info);
+    const BlockLock bits(picture.bits);
+    KernelImage source(kernel);
+    KernelImage resized(kernel);
+    if (kernel.attachMemoryImage(info.Address(), info.Size(), bits.Address(), bits.Size(),
+                                 source.Receive()) != kernel::kKernelOk) {
+        return {};
+    }
+    kernel::ResizeParameters parameters{};
+    parameters.size = sizeof(parameters);
+    parameters.width = width;
+    parameters.height = height;
+    if (kernel.doFilter(source.Get(), &parameters, resized.Receive()) != kernel::kKernelOk) {
+        return {};
+    }
+    const TemporaryFileTurn turn;
+    OwnedPicture result = ThroughFile(kernel, resized.Get(), AppFolder());
+    // A program folder that cannot be written is no reason to show the picture in the wrong size.
+    if (!result) result = ThroughFile(kernel, resized.Get(), TemporaryFolder());
+    return result;
+}
+
+}  // namespace tessary

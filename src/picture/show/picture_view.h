@@ -1,0 +1,38 @@
+// What showing needs of the window that the picture appears in. The main window implements it.
+#pragma once
+
+#include <ocidl.h>
+#include <windows.h>
+
+#include <string>
+
+namespace tessary {
+
+// Status bar panels, as users count them.
+constexpr int kPluginCountPanel = 1;
+constexpr int kShownFilePanel = 2;
+
+class PictureView {
+  public:
+    // The work area of the screen that the window is on: the screen without taskbars, in pixels.
+    virtual SIZE WorkAreaSize() const = 0;
+
+    // Puts a picture of `width` × `height` pixels into the view in place of the one before it,
+    // which is released. The view takes its own reference.
+    virtual void SetPicture(IPicture* picture, int width, int height) = 0;
+
+    // Empties the view.
+    virtual void ClearPicture() = 0;
+
+    // Sets the text of a status bar panel, kPluginCountPanel or kShownFilePanel.
+    virtual void SetPanelText(int panel, const std::wstring& text) = 0;
+
+    // Lets the message loop run for a moment in the middle of a long read, so that the window stays
+    // alive. False asks the read to stop.
+    virtual bool Breathe() = 0;
+
+  protected:
+    ~PictureView() = default;
+};
+
+}  // namespace tessary

@@ -1,0 +1,203 @@
+// Showing: from a file on disk to the picture in a view, with real helper libraries and plug-ins.
+#include "picture/show/modShowPicture.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "app/base/handles.h"
+#include "app/base/paths.h"
+#include "picture/bitmap_file.h"
+#include "picture/current_picture.h"
+#include "picture/show/fit.h"
+#include "picture/show/picture_kernel.h"
+#include "plugin/modSusie.h"
+#include "tests/plugins/test_plugins.h"
+#include "tests/support/bitmap_image.h"
+#include "tests/support/helper_libraries.h"
+#include "tests/support/recorded_messages.h"
+#include "tests/support/redirected_settings.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary {
+namespace {
+
+// Remembers what it was told to show.
+class FakeView : public PictureView {
+  public:
+    SIZE WorkAreaSize() const override { return {1200, 900}; }
+    void SetPicture(IPicture* picture, int width, int height) override {
+        SIZE himetric{};
+        picture->get_Width(&himetric.cx);
+        EXPECT_GT(himetric.cx, 0);
+        shown = {width, height};
+        ++pictures;
+    }
+    void ClearPicture() override { shown = {}; }
+    void SetPanelText(int, const std::wstring&) override {}
+    bool Breathe() override { return !Values().quitRequested; }
+
+    SIZE shown{};
+    int pictures = 0;
+};
+
+class ShowTest : public testing::Test {
+  protected:
+    static void SetUpTestSuite() { test::LoadHelperLibraries(); }
+    ~ShowTest() override {
+        SetCurrentPicture({});
+        UnloadSPI();
+    }
+
+    // Loads copies of test plug-ins, the first named tried first.
+    void UsePlugins(const std::vector<std::pair<std::wstring, std::string>>& namesAndScripts) {
+        for (const auto& [name, script] : namesAndScripts) {
+            std::filesystem::copy_file(test::TestPluginPath(L"iftst.spi"), plugins_.Path() + name);
+            if (!script.empty()) plugins_.Write(name + L".script", script);
+        }
+        Values().general.useSPI = 1;
+        Values().general.spiFolder[0] = plugins_.Path();
+        Values().general.loadSPI[0] = true;
+        ASSERT_TRUE(LoadSPI());
+        ASSERT_EQ(SusieCollection().Count(), static_cast<int32_t>(namesAndScripts.size()));
+    }
+
+    test::RedirectedSettings settings_;
+    test::RecordedMessages messages_;
+    test::TemporaryFolder plugins_;
+    test::TemporaryFolder files_;
+    FakeView view_;
+};
+
+TEST(FitTest, KeepsProportionsInsideTheBox) {
+    struct Case {
+        SIZE picture, box, fitted;
+    };
+    for (const Case& c :
+         {Case{{4000, 3000}, {800, 600}, {800, 600}}, Case{{3000, 4000}, {800, 600}, {450, 600}},
+          Case{{10, 10}, {640, 480}, {480, 480}}, Case{{30000, 1}, {640, 480}, {640, 1}},
+          Case{{1, 30000}, {640, 480}, {1, 480}}, Case{{333, 250}, {640, 480}, {639, 480}},
+          Case{{7, 5}, {0, 0}, {7, 5}}, Case{{2000000000, 2000000000}, {1024, 768}, {768, 768}}}) {
+        const SIZE fitted = FitIntoBox(c.picture, c.box);
+        EXPECT_EQ(fitted.cx, c.fitted.cx) << c.picture.cx << "x" << c.picture.cy;
+        EXPECT_EQ(fitted.cy, c.fitted.cy) << c.picture.cx << "x" << c.picture.cy;
+    }
+    EXPECT_EQ(SizeModeBox(kSizeModeScreen, {1920, 1040}).cy, 1040);
+    EXPECT_EQ(SizeModeBox(kSizeMode1024, {1, 1}).cx, 1024);
+    EXPECT_EQ(SizeModeBox(5, {1920, 1040}).cx, 0);
+}
+
+TEST_F(ShowTest, BitmapNeedsNoPlugin) {
+    const std::wstring file = files_.Write(L"絵.dat", test::BitmapFileOf(20, 10, RGB(1, 2, 3)));
+    EXPECT_EQ(QueryFileKind(file), kFileBitmap);
+    EXPECT_EQ(ShowFile(file, view_).kind, kFileBitmap);
+    EXPECT_EQ(view_.shown.cx, 20);
+    dib::BitmapInfoHeader header{};
+    ASSERT_TRUE(GetPictureHeader(CurrentPicture(), header));
+    EXPECT_EQ(header.height, 10);
+
+    Values().fixSizeValue = kSizeMode640;
+    EXPECT_TRUE(DisplayCurrentPicture(view_));
+    EXPECT_EQ(view_.shown.cx, 640);
+    EXPECT_EQ(view_.shown.cy, 320);
+    // The current picture keeps its own size, whatever is shown.
+    GetPictureHeader(CurrentPicture(), header);
+    EXPECT_EQ(header.width, 20);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(ShowTest, ResizedPictureHasThePixelsOfItsSource) {
+    const std::wstring file = files_.Write(L"a.bmp", test::BitmapFileOf(50, 30, RGB(10, 120, 250)));
+    PicturePair pair;
+    ASSERT_TRUE(ReadBitmapFile(file, pair));
+    const OwnedPicture source(pair);
+    const OwnedPicture resized = ResizePicture(source.Get(), 7, 90);
+    ASSERT_TRUE(resized);
+    dib::BitmapInfoHeader header{};
+    GetPictureHeader(resized.Get(), header);
+    EXPECT_EQ(header.width, 7);
+    EXPECT_EQ(header.height, 90);
+    const BlockLock bits(resized.Get().bits);
+    ASSERT_GE(bits.Size(), 24u * 90);
+    const auto* pixel = static_cast<const uint8_t*>(bits.Address()) + 24 * 45 + 3 * 3;
+    EXPECT_EQ(RGB(pixel[2], pixel[1], pixel[0]), RGB(10, 120, 250));
+    EXPECT_FALSE(PathExists(AppFolder() + L"~temp.bmp"));
+}
+
+TEST_F(ShowTest, PluginThatFailsMakesRoomForTheNext) {
+    UsePlugins({{L"b_good.spi", ""}, {L"a_bad.spi", "crash:av:GetPicture\n"}});
+    const std::wstring file = files_.Write(L"picture.tst", "TST 30x20x24\n");
+    EXPECT_EQ(ShowFile(file, view_).kind, kFilePicture);
+    EXPECT_EQ(view_.shown.cx, 30);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(ShowTest, LastFailureIsToldWithItsCulprit) {
+    UsePlugins({{L"a_bad.spi", "crash:av:GetPicture\n"}, {L"b_bad.spi", "crash:av:GetPicture\n"}});
+    const std::wstring shown = files_.Write(L"shown.bmp", test::BitmapFileOf(9, 9, 0));
+    ASSERT_EQ(ShowFile(shown, view_).kind, kFileBitmap);
+    const HLOCAL before = CurrentPicture().info;
+    const std::wstring file = files_.Write(L"picture.tst", "TST 30x20x24\n");
+    EXPECT_EQ(ShowFile(file, view_).kind, kFileUnknown);
+    EXPECT_NE(messages_.Only().find(L"画像の展開に失敗しました"), std::wstring::npos);
+    EXPECT_NE(messages_.Only().find(L"SPIファイル内の関数で致命的エラーが発生しました"),
+              std::wstring::npos);
+    EXPECT_NE(messages_.Only().find(L"_bad.spi"), std::wstring::npos);
+    EXPECT_EQ(CurrentPicture().info, before);  // what was shown stays
+    EXPECT_EQ(view_.pictures, 1);
+}
+
+TEST_F(ShowTest, UnreadableFilesAreTold) {
+    const std::wstring missing = files_.Path() + L"無い.bmp";
+    EXPECT_EQ(QueryFileKind(missing), kFileUnknown);
+    EXPECT_TRUE(messages_.All().empty());
+    EXPECT_EQ(ShowFile(missing, view_).kind, kFileUnknown);
+    EXPECT_EQ(messages_.Only(),
+              L"ファイル " + missing +
+                  L" が開けません。\r\nファイルが存在しないか、ほかのアプリケーションで"
+                  L"使用中の可能性があります。");
+
+    const std::wstring locked = files_.Write(L"locked.bmp", test::BitmapFileOf(9, 9, 0));
+    const UniqueFile lock(
+        CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    EXPECT_EQ(ShowFile(locked, view_).kind, kFileUnknown);
+    EXPECT_EQ(messages_.All().size(), 2u);
+
+    // A bitmap header without a bitmap behind it is told too; a file of no known kind is just
+    // unknown.
+    EXPECT_EQ(ShowFile(files_.Write(L"broken.bmp",
+                                    std::string("BM\0\0\0\0\0\0\0\0\0\0\0\0\x28\0\0\0", 18)),
+                       view_)
+                  .kind,
+              kFileUnknown);
+    EXPECT_EQ(messages_.All().size(), 3u);
+    EXPECT_EQ(
+        ShowFile(files_.Write(L"readme.txt", "BMW is no bitmap, and this no picture"), view_).kind,
+        kFileUnknown);
+    EXPECT_EQ(messages_.All().size(), 3u);
+}
+
+TEST_F(ShowTest, NamesOutsideTheCodePageAndLongPathsAreShown) {
+    UsePlugins({{L"a.spi", ""}});
+    for (const std::wstring& name : {std::wstring(L"사진 \U0001F600.tst"),
+                                     std::wstring(L"deep\\") + std::wstring(120, L'a') + L"\\" +
+                                         std::wstring(120, L'b') + L"\\写真.tst"}) {
+        const std::wstring file = files_.Write(name, "TST 30x20x24\n");
+        view_.shown = {};
+        EXPECT_EQ(ShowFile(file, view_).kind, kFilePicture) << file.size();
+        EXPECT_EQ(view_.shown.cx, 30);
+    }
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(ShowTest, StoppedReadIsSilentAndChangesNothing) {
+    UsePlugins({{L"a.spi", ""}});
+    const std::wstring file = files_.Write(L"picture.tst", "TST 30x20x24\n");
+    Values().quitRequested = true;
+    EXPECT_EQ(ShowFile(file, view_).kind, kFileUnknown);
+    EXPECT_EQ(view_.pictures, 0);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+}  // namespace
+}  // namespace tessary
