@@ -1,0 +1,51 @@
+// The numbers of the program's resources. Read by the resource compiler too, so they are macros.
+// Menus and their items are numbered under the names of their controls; the items of an array have
+// numbers in a row.
+#pragma once
+
+#define iconApplication 1
+#define menuMainWindow 100   // the menu bar
+#define menuPopupWindow 101  // holds the pop-up menu
+
+#define menuFile 1000
+#define menuFileOpen 1001
+#define menuOpenFolder 1002
+#define menuFileSaveAs 1003
+#define menuFileSaveAll 1004
+#define menuFileConvertAll 1005
+#define menuFileExit 1006
+
+#define menuEdit 1100
+#define menuEditCopy 1101
+#define menuEditPaste 1102
+#define menuEditClear 1103
+
+#define menuView 1200
+#define menuViewControlOwner 1201
+#define menuViewControlBar 1202
+#define menuControl_0 1210
+#define menuControl_1 1211
+#define menuControl_2 1212
+#define menuControl_3 1213
+#define menuControl_4 1214
+#define menuControl_5 1215
+#define menuViewWallpaperCenter 1220
+#define menuViewWallpaperTile 1221
+#define menuViewWallpaperEsc 1222
+
+#define menuOption 1300
+#define menuOptionSetup 1301
+#define menuOptionSPIFolder_0 1310
+#define menuOptionSPIFolder_1 1311
+#define menuOptionSPIFolder_2 1312
+
+#define menuHelp 1400
+#define menuHelpAbout 1401
+#define menuHelpSPIAbout 1402
+
+#define menuPopup1 1500
+#define menuPopupGraphicInfo 1501
+#define menuPopupFileName 1502
+#define menuPopupPluginName 1503
+#define menuPopupGraphicSize 1504
+#define menuPopupColorDepth 1505

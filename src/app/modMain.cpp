@@ -1,0 +1,75 @@
+#include "app/modMain.h"
+
+#include <windows.h>
+
+#include "app/base/command_line.h"
+#include "app/base/message_box.h"
+#include "app/base/modScreenCaps.h"
+#include "app/first_run.h"
+#include "app/helper_libraries.h"
+#include "app/settings/modValue.h"
+#include "app/settings/settings.h"
+#include "plugin/modSusie.h"
+#include "ui/control/first_file_viewer.h"
+#include "ui/form/message_loop.h"
+#include "ui/main/frmMain.h"
+
+namespace tessary {
+namespace {
+
+constexpr int16_t kLeastColorDepth = 16;
+
+// Names the plug-in in whose call the last run ended. In the status bar: a message box would greet
+// the user with a plug-in's fault, again and again if it ends every run.
+void TellInterruptedCall(PictureView& view) {
+    const std::optional<PluginCall>& call = SusieCollection().InterruptedCall();
+    if (!call) return;
+    view.SetPanelText(kShownFilePanel, L"前回はプラグイン " + call->plugin + L" の処理中（" +
+                                           call->function + L"）に終了しました");
+}
+
+}  // namespace
+
+int Main() {
+    Values().platformId = GetPlatformId();
+    if (GetColorDepth() < kLeastColorDepth) {
+        ShowMessageBox(
+            L"このバージョンは１６Ｂｉｔカラー以上のディスプレーモードでしか動作しません",
+            MB_ICONEXCLAMATION);
+        return 0;
+    }
+    if (!InitializeApplication()) {
+        ShowMessageBox(
+            L"アプリケーションの初期化に失敗しました。\r\n" + Values().startupFailureReason,
+            MB_ICONSTOP, L"致命的エラー");
+        return 0;
+    }
+    frmMain window({.commandLine = CommandLineArguments(),
+                    .pluginCount = [] { return SusieCollection().Count(); },
+                    .endProgram =
+                        [] {
+                            TerminateApplication();
+                            PostQuitMessage(0);
+                        }});
+    FirstFileViewer viewer(window);
+    window.SetFileListReceiver(viewer);
+    if (!window.Load()) return 1;
+    TellInterruptedCall(window);
+    window.Show();
+    return RunMessageLoop();
+}
+
+bool InitializeApplication() {
+    // The first access creates the collection, and the plug-ins of the settings' folders fill it.
+    return CheckHelperLibraries() && ReadGeneralSettings() && ReadConvertSettings() &&
+           ApplyFirstRunDefaults() && LoadSPI();
+}
+
+int16_t TerminateApplication() {
+    UnloadSPI();
+    WriteGeneralSettings();
+    WriteConvertSettings();
+    return 0;
+}
+
+}  // namespace tessary

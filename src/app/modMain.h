@@ -1,0 +1,18 @@
+// The life of the program.
+#pragma once
+
+#include <cstdint>
+
+namespace tessary {
+
+// Runs the program from its start to its end; the result is the process's exit status.
+int Main();
+
+// The chain that makes the program ready for its window: helper libraries, settings, first-run
+// defaults, plug-ins. False at the first step that fails.
+bool InitializeApplication();
+
+// Releases the plug-ins and writes the settings. Always 0.
+int16_t TerminateApplication();
+
+}  // namespace tessary

@@ -1,0 +1,112 @@
+#include "ui/form/file_drop_target.h"
+
+#include <shellapi.h>
+
+#include <atomic>
+#include <optional>
+#include <utility>
+
+#include "app/base/error.h"
+
+namespace tessary {
+namespace {
+
+FORMATETC DroppedFilesFormat() {
+    return {CF_HDROP, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL};
+}
+
+std::vector<std::wstring> DroppedPaths(IDataObject& data) {
+    FORMATETC format = DroppedFilesFormat();
+    STGMEDIUM medium{};
+    if (FAILED(data.GetData(&format, &medium))) return {};
+    const auto files = static_cast<HDROP>(medium.hGlobal);
+    std::vector<std::wstring> paths;
+    const UINT count = DragQueryFileW(files, 0xFFFFFFFF, nullptr, 0);
+    for (UINT index = 0; index < count; ++index) {
+        std::wstring path(DragQueryFileW(files, index, nullptr, 0) + 1, L'\0');
+        path.resize(DragQueryFileW(files, index, path.data(), static_cast<UINT>(path.size())));
+        if (!path.empty()) paths.push_back(std::move(path));
+    }
+    ReleaseStgMedium(&medium);
+    return paths;
+}
+
+// The COM side. Lives as long as OLE keeps a reference.
+class DropTarget final : public IDropTarget {
+  public:
+    explicit DropTarget(FileDropTarget::Handlers handlers) : handlers_(std::move(handlers)) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+        if (object == nullptr) return E_POINTER;
+        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDropTarget);
+        *object = known ? static_cast<IDropTarget*>(this) : nullptr;
+        if (!known) return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --references_;
+        if (left == 0) const std::unique_ptr<DropTarget> self(this);
+        return left;
+    }
+
+    HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD /*keys*/, POINTL /*at*/,
+                                        DWORD* effect) override {
+        FORMATETC format = DroppedFilesFormat();
+        holdsFiles_ = data != nullptr && data->QueryGetData(&format) == S_OK;
+        return Answer(effect);
+    }
+    HRESULT STDMETHODCALLTYPE DragOver(DWORD /*keys*/, POINTL /*at*/, DWORD* effect) override {
+        return Answer(effect);
+    }
+    HRESULT STDMETHODCALLTYPE DragLeave() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE Drop(IDataObject* data, DWORD keys, POINTL at,
+                                   DWORD* effect) override {
+        const HRESULT result = DragEnter(data, keys, at, effect);
+        if (FAILED(result) || *effect == DROPEFFECT_NONE) return result;
+        Trapped([&] { handlers_.drop(DroppedPaths(*data)); });
+        return S_OK;
+    }
+
+  private:
+    // Dropped files are never moved away: a copy if the source offers one, else nothing.
+    HRESULT Answer(DWORD* effect) const {
+        if (effect == nullptr) return E_POINTER;
+        const bool welcome = holdsFiles_ && (*effect & DROPEFFECT_COPY) != 0 &&
+                             Trapped(false, [this] { return handlers_.accepts(); });
+        *effect = welcome ? DROPEFFECT_COPY : DROPEFFECT_NONE;
+        return S_OK;
+    }
+
+    FileDropTarget::Handlers handlers_;
+    std::atomic<ULONG> references_ = 1;
+    bool holdsFiles_ = false;
+};
+
+}  // namespace
+
+FileDropTarget::~FileDropTarget() {
+    Revoke();
+}
+
+bool FileDropTarget::Register(HWND window, Handlers handlers) {
+    if (FAILED(OleInitialize(nullptr))) return false;
+    IDropTarget* const target = std::make_unique<DropTarget>(std::move(handlers)).release();
+    const bool registered = SUCCEEDED(RegisterDragDrop(window, target));
+    target->Release();  // OLE holds a reference of its own
+    if (registered) {
+        window_ = window;
+    } else {
+        OleUninitialize();
+    }
+    return registered;
+}
+
+void FileDropTarget::Revoke() {
+    if (window_ == nullptr) return;
+    RevokeDragDrop(std::exchange(window_, nullptr));
+    OleUninitialize();
+}
+
+}  // namespace tessary

@@ -1,0 +1,118 @@
+#include "ui/form/form.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "app/base/error.h"
+
+namespace tessary {
+namespace {
+
+BOOL CALLBACK TellColorChange(HWND child, LPARAM /*unused*/) {
+    SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+    return TRUE;
+}
+
+}  // namespace
+
+bool Form::Load(HWND owner) {
+    if (Handle() != nullptr) return true;
+    const HMENU menu =
+        design_.menu != 0 ? LoadMenuW(ProgramInstance(), MAKEINTRESOURCEW(design_.menu)) : nullptr;
+    if (!Create({.className = design_.className,
+                 .text = design_.caption,
+                 .style = design_.style,
+                 .extendedStyle = design_.extendedStyle,
+                 .parent = owner,
+                 .menu = menu})) {
+        return false;
+    }
+    SetIcons();
+    Trapped([this] { Form_Load(); });
+    return Handle() != nullptr;
+}
+
+void Form::Show(int command) {
+    if (Handle() != nullptr) ShowWindow(Handle(), command);
+}
+
+void Form::Unload() {
+    if (Handle() != nullptr) SendMessageW(Handle(), WM_CLOSE, 0, 0);
+}
+
+SIZE Form::ClientSize() const {
+    RECT area{};
+    GetClientRect(Handle(), &area);
+    return {area.right, area.bottom};
+}
+
+void Form::SetIcons() {
+    if (design_.icon == 0) return;
+    const Metrics metrics(Handle());
+    UniqueIcon large = metrics.Icon(design_.icon, 32);
+    UniqueIcon small = metrics.Icon(design_.icon, 16);
+    SendMessageW(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(large.Get()));
+    SendMessageW(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(small.Get()));
+    largeIcon_ = std::move(large);
+    smallIcon_ = std::move(small);
+}
+
+void Form::ChangeMetrics() {
+    SetIcons();
+    Form_MetricsChanged();
+    if (IsIconic(Handle())) return;
+    const SIZE size = ClientSize();
+    Form_Resize(size.cx, size.cy);
+}
+
+LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_CLOSE: {
+            bool cancel = false;
+            Form_QueryUnload(cancel);
+            if (!cancel) DestroyWindow(Handle());
+            return 0;
+        }
+        case WM_DESTROY:
+            Form_Unload();
+            return 0;
+        case WM_SIZE:
+            if (wParam != SIZE_MINIMIZED) Form_Resize(LOWORD(lParam), HIWORD(lParam));
+            return 0;
+        case WM_GETMINMAXINFO: {
+            const Metrics metrics(Handle());
+            POINT& smallest = reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize;
+            smallest.x = std::max<LONG>(smallest.x, metrics.Scale(MinimumSize().cx));
+            smallest.y = std::max<LONG>(smallest.y, metrics.Scale(MinimumSize().cy));
+            return 0;
+        }
+        case WM_ERASEBKGND:
+            return 1;  // the controls cover all of the window
+        case WM_DPICHANGED: {
+            const RECT& suggested = *reinterpret_cast<const RECT*>(lParam);
+            SetWindowPos(Handle(), nullptr, suggested.left, suggested.top,
+                         suggested.right - suggested.left, suggested.bottom - suggested.top,
+                         SWP_NOZORDER | SWP_NOACTIVATE);
+            ChangeMetrics();
+            return 0;
+        }
+        case WM_SYSCOLORCHANGE:  // reaches top-level windows only
+            EnumChildWindows(Handle(), TellColorChange, 0);
+            return 0;
+        case WM_SETTINGCHANGE:
+        case WM_THEMECHANGED:
+            ChangeMetrics();
+            return Default(message, wParam, lParam);
+        case WM_INITMENU:
+            Form_MenuOpen();
+            return 0;
+        case WM_COMMAND:
+            if (lParam != 0) return Default(message, wParam, lParam);  // a control's own
+            Form_Command(LOWORD(wParam));
+            return 0;
+        default:
+            return Default(message, wParam, lParam);
+    }
+}
+
+}  // namespace tessary

@@ -1,0 +1,41 @@
+// Sizes and fonts at the resolution of the screen that a window is on.
+#pragma once
+
+#include <windows.h>
+
+#include "app/base/handles.h"
+
+namespace tessary {
+
+namespace handle_traits {
+struct Icon : NullIsNone<HICON> {
+    static void Close(HICON icon) { DestroyIcon(icon); }
+};
+}  // namespace handle_traits
+using UniqueIcon = UniqueHandle<handle_traits::Icon>;
+
+// A value: make a new one when the window has moved to a screen of another resolution.
+class Metrics {
+  public:
+    // Asks newer systems for the window's own resolution, older ones for that of the whole desktop.
+    explicit Metrics(HWND window);
+
+    int Dpi() const { return dpi_; }
+
+    // Pixels at 96 dpi as pixels of this screen.
+    int Scale(int pixelsAt96Dpi) const { return MulDiv(pixelsAt96Dpi, dpi_, 96); }
+
+    // The fonts that the system uses in message boxes and in status bars. Null when it tells none.
+    UniqueFont MessageFont() const;
+    UniqueFont StatusFont() const;
+
+    // An icon of the program in this size (at 96 dpi); null when there is none of that number.
+    UniqueIcon Icon(int resource, int pixelsAt96Dpi) const;
+
+  private:
+    NONCLIENTMETRICSW NonClientMetrics() const;
+
+    int dpi_;
+};
+
+}  // namespace tessary

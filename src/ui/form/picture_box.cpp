@@ -1,0 +1,139 @@
+#include "ui/form/picture_box.h"
+
+#include <windowsx.h>
+
+#include <utility>
+
+namespace tessary {
+namespace {
+
+constexpr int kRightButton = 2;
+
+POINT PointOf(LPARAM lParam) {
+    return {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+}
+
+template <typename Handler, typename... Arguments>
+void Raise(const Handler& handler, Arguments... arguments) {
+    if (handler) handler(arguments...);
+}
+
+}  // namespace
+
+int CurrentShiftState() {
+    const auto isDown = [](int key) { return GetKeyState(key) < 0; };
+    return (isDown(VK_SHIFT) ? kShiftMask : 0) | (isDown(VK_CONTROL) ? kCtrlMask : 0) |
+           (isDown(VK_MENU) ? kAltMask : 0);
+}
+
+bool PictureBox::Create(HWND parent, Events events) {
+    events_ = std::move(events);
+    return Window::Create(
+        {.className = L"TessaryPictureBox", .style = WS_CHILD | WS_VISIBLE, .parent = parent});
+}
+
+void PictureBox::SetBounds(int left, int top, int width, int height) {
+    SetWindowPos(Handle(), nullptr, left, top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+SIZE PictureBox::AreaSize() const {
+    RECT area{};
+    GetClientRect(Handle(), &area);
+    return {area.right, area.bottom};
+}
+
+void PictureBox::SetPicture(IPicture* picture, SIZE size, POINT position) {
+    if (picture != nullptr) picture->AddRef();
+    picture_.Reset(picture);
+    size_ = picture != nullptr ? size : SIZE{};
+    position_ = position;
+    InvalidateRect(Handle(), nullptr, FALSE);
+}
+
+void PictureBox::MovePicture(POINT position) {
+    const int right = position.x - position_.x;
+    const int down = position.y - position_.y;
+    if (right == 0 && down == 0) return;
+    position_ = position;
+    ScrollWindowEx(Handle(), right, down, nullptr, nullptr, nullptr, nullptr, SW_INVALIDATE);
+}
+
+RECT PictureBox::PictureRectangle() const {
+    return {position_.x, position_.y, position_.x + size_.cx, position_.y + size_.cy};
+}
+
+void PictureBox::Paint() const {
+    PAINTSTRUCT paint;
+    const HDC screen = BeginPaint(Handle(), &paint);
+    const RECT picture = PictureRectangle();
+    RECT visible{};
+    if (picture_ && IntersectRect(&visible, &picture, &paint.rcPaint)) {
+        PaintPicture(screen, visible);
+        ExcludeClipRect(screen, picture.left, picture.top, picture.right, picture.bottom);
+    }
+    FillRect(screen, &paint.rcPaint, GetSysColorBrush(COLOR_APPWORKSPACE));
+    EndPaint(Handle(), &paint);
+}
+
+void PictureBox::PaintPicture(HDC screen, const RECT& visible) const {
+    OLE_HANDLE bitmap = 0;
+    if (FAILED(picture_.Get()->get_Handle(&bitmap))) return;
+    const UniqueMemoryDc memory(CreateCompatibleDC(screen));
+    // Handles of GDI have 32 significant bits; the wider type takes them with their sign.
+    const HGDIOBJ selected = SelectObject(
+        memory.Get(), reinterpret_cast<HGDIOBJ>(static_cast<INT_PTR>(static_cast<int>(bitmap))));
+    BitBlt(screen, visible.left, visible.top, visible.right - visible.left,
+           visible.bottom - visible.top, memory.Get(), visible.left - position_.x,
+           visible.top - position_.y, SRCCOPY);
+    SelectObject(memory.Get(), selected);
+}
+
+void PictureBox::RaiseContextMenu(POINT onScreen) const {
+    if (onScreen.x == -1 && onScreen.y == -1) {  // from the keyboard: the middle of the area
+        const SIZE area = AreaSize();
+        onScreen = {area.cx / 2, area.cy / 2};
+        ClientToScreen(Handle(), &onScreen);
+    }
+    Raise(events_.contextMenu, onScreen);
+}
+
+LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_ERASEBKGND:
+            return 1;  // painting covers everything
+        case WM_PAINT:
+            Paint();
+            return 0;
+        case WM_SETCURSOR:
+            SetCursor(LoadCursorW(nullptr, events_.pointer ? events_.pointer() : IDC_ARROW));
+            return TRUE;
+        case WM_KEYDOWN:
+            Raise(events_.keyDown, static_cast<int>(wParam), CurrentShiftState());
+            return 0;
+        case WM_LBUTTONDOWN:
+        case WM_RBUTTONDOWN:
+            SetFocus(Handle());
+            Raise(events_.mouseDown, message == WM_LBUTTONDOWN ? kLeftButton : kRightButton,
+                  PointOf(lParam));
+            return 0;
+        case WM_MOUSEMOVE:
+            Raise(events_.mouseMove, PointOf(lParam), (wParam & MK_LBUTTON) != 0);
+            return 0;
+        case WM_LBUTTONUP:
+            Raise(events_.mouseUp, kLeftButton);
+            return 0;
+        case WM_CAPTURECHANGED:
+            Raise(events_.captureLost);
+            return 0;
+        case WM_CONTEXTMENU:
+            RaiseContextMenu(PointOf(lParam));
+            return 0;
+        case WM_SYSCOLORCHANGE:
+            InvalidateRect(Handle(), nullptr, FALSE);
+            return 0;
+        default:
+            return Default(message, wParam, lParam);
+    }
+}
+
+}  // namespace tessary

@@ -1,0 +1,77 @@
+// The control that shows one picture, at its own size and at any place of its area.
+#pragma once
+
+#include <ocidl.h>
+
+#include <functional>
+
+#include "app/base/handles.h"
+#include "ui/form/window.h"
+
+namespace tessary {
+
+namespace handle_traits {
+struct Picture : NullIsNone<IPicture*> {
+    static void Close(IPicture* picture) { picture->Release(); }
+};
+}  // namespace handle_traits
+using PictureReference = UniqueHandle<handle_traits::Picture>;
+
+// Mouse buttons of PictureBox events, and the bits of their shift state.
+constexpr int kLeftButton = 1;
+constexpr int kShiftMask = 1;
+constexpr int kCtrlMask = 2;
+constexpr int kAltMask = 4;
+
+// The shift state of the keyboard as it is now.
+int CurrentShiftState();
+
+// Paints straight onto the screen, each pixel once: the picture, then the background around it.
+class PictureBox : public Window {
+  public:
+    // What the owner wants to know; positions are pixels of the control's area.
+    struct Events {
+        std::function<void(int keyCode, int shift)> keyDown;
+        std::function<void(int button, POINT at)> mouseDown;
+        std::function<void(POINT at, bool leftButton)> mouseMove;
+        std::function<void(int button)> mouseUp;
+        std::function<void()> captureLost;
+        std::function<void(POINT onScreen)> contextMenu;  // right click, or the menu key
+        std::function<const wchar_t*()> pointer;          // the mouse pointer to show (IDC_…)
+    };
+
+    // False when the system refuses the control.
+    bool Create(HWND parent, Events events);
+
+    // Puts the control into this rectangle of its parent.
+    void SetBounds(int left, int top, int width, int height);
+    SIZE AreaSize() const;
+
+    // Shows a bitmap picture of this size in pixels with its top left corner at `position`; takes a
+    // reference of its own and releases the former picture's. A null picture empties the control.
+    void SetPicture(IPicture* picture, SIZE size, POINT position);
+    IPicture* Picture() const { return picture_.Get(); }
+    SIZE PictureSize() const { return size_; }
+
+    // Moves the picture inside the area. What stays visible is moved on the screen, only what comes
+    // into sight is painted.
+    void MovePicture(POINT position);
+    POINT PicturePosition() const { return position_; }
+
+    // Paints what is out of date now, not when the message loop comes to it.
+    void Refresh() const { UpdateWindow(Handle()); }
+
+  private:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    RECT PictureRectangle() const;
+    void Paint() const;
+    void PaintPicture(HDC screen, const RECT& visible) const;
+    void RaiseContextMenu(POINT onScreen) const;
+
+    Events events_;
+    PictureReference picture_;
+    SIZE size_{};
+    POINT position_{};
+};
+
+}  // namespace tessary

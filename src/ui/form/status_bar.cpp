@@ -1,0 +1,94 @@
+#include "ui/form/status_bar.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "ui/form/window.h"
+
+namespace tessary {
+namespace {
+
+// Room beside a panel's text, in pixels at 96 dpi.
+constexpr int kPanelPadding = 8;
+
+}  // namespace
+
+bool StatusBar::Create(HWND parent) {
+    const INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES};
+    InitCommonControlsEx(&controls);
+    handle_ = CreateWindowExW(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0,
+                              0, 0, 0, parent, nullptr, ProgramInstance(), nullptr);
+    if (handle_ == nullptr) return false;
+    ChangeMetrics();
+    return true;
+}
+
+void StatusBar::SetPanelText(int panel, const std::wstring& text) {
+    const size_t index = static_cast<size_t>(panel) - 1;
+    const bool isNew = index >= texts_.size();
+    if (isNew) texts_.resize(index + 1);
+    // A tab would align the text differently.
+    std::wstring shown = text;
+    std::replace(shown.begin(), shown.end(), L'\t', L' ');
+    if (!isNew && texts_[index] == shown) return;
+    texts_[index] = std::move(shown);
+    LayOutPanels();
+    SendMessageW(handle_, SB_SETTEXTW, index, reinterpret_cast<LPARAM>(texts_[index].c_str()));
+}
+
+std::wstring StatusBar::PanelText(int panel) const {
+    const size_t index = static_cast<size_t>(panel) - 1;
+    const LRESULT length = LOWORD(SendMessageW(handle_, SB_GETTEXTLENGTHW, index, 0));
+    std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+    SendMessageW(handle_, SB_GETTEXTW, index, reinterpret_cast<LPARAM>(text.data()));
+    text.resize(static_cast<size_t>(length));
+    return text;
+}
+
+void StatusBar::ChangeMetrics() {
+    UniqueFont font = Metrics(handle_).StatusFont();
+    SendMessageW(handle_, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
+    font_ = std::move(font);
+    LayOutPanels();
+}
+
+int StatusBar::Layout() {
+    SendMessageW(handle_, WM_SIZE, 0, 0);  // the bar finds its place by itself
+    LayOutPanels();
+    InvalidateRect(handle_, nullptr, TRUE);  // the grip has moved
+    RECT bar{};
+    GetWindowRect(handle_, &bar);
+    return bar.bottom - bar.top;
+}
+
+int StatusBar::TextWidth(const std::wstring& text) const {
+    const HDC context = GetDC(handle_);
+    const HGDIOBJ former = SelectObject(context, font_.Get());
+    SIZE size{};
+    GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(context, former);
+    ReleaseDC(handle_, context);
+    return size.cx;
+}
+
+void StatusBar::LayOutPanels() {
+    if (texts_.empty()) return;
+    RECT bar{};
+    GetClientRect(handle_, &bar);
+    const int padding = Metrics(handle_).Scale(kPanelPadding);
+    std::vector<int> rightEdges;
+    int left = 0;
+    for (const std::wstring& text : texts_) {
+        left += std::min<int>(TextWidth(text) + 2 * padding, bar.right / 2);
+        rightEdges.push_back(left);
+    }
+    rightEdges.back() = -1;  // to the end of the bar
+    if (rightEdges == rightEdges_) return;
+    rightEdges_ = std::move(rightEdges);
+    SendMessageW(handle_, SB_SETPARTS, rightEdges_.size(),
+                 reinterpret_cast<LPARAM>(rightEdges_.data()));
+}
+
+}  // namespace tessary

@@ -1,0 +1,39 @@
+#include "ui/main/command_table.h"
+
+#include <utility>
+
+#include "app/settings/modValue.h"
+#include "ui/form/menu.h"
+
+namespace tessary {
+
+void CommandTable::Register(int id, Command command) {
+    commands_[id] = std::move(command);
+}
+
+bool CommandTable::IsEnabled(int id) const {
+    const auto found = commands_.find(id);
+    if (found == commands_.end()) return false;
+    const Command& command = found->second;
+    if (Values().pictureLoading && !command.whileLoading) return false;
+    return !command.enabled || command.enabled();
+}
+
+bool CommandTable::Run(int id) const {
+    if (!IsEnabled(id)) return false;
+    // A copy: the command may register others.
+    const std::function<void()> run = commands_.at(id).run;
+    run();
+    return true;
+}
+
+void CommandTable::ShowState(HMENU menu) const {
+    ForEachMenuCommand(menu, [&](int id) {
+        const auto found = commands_.find(id);
+        const bool checked =
+            found != commands_.end() && found->second.checked && found->second.checked();
+        SetMenuItemState(menu, id, IsEnabled(id), checked);
+    });
+}
+
+}  // namespace tessary

@@ -1,0 +1,40 @@
+// What the items of the menus do. Each feature registers its own commands; an item that nobody has
+// registered is grey.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <map>
+
+namespace tessary {
+
+struct Command {
+    std::function<void()> run = {};
+    std::function<bool()> enabled =
+        {};  // asked when a menu opens and before running; empty: always
+    std::function<bool()> checked = {};  // asked when a menu opens; empty: never
+    // Whether it may run while a picture is being loaded. Such a command must neither start another
+    // load nor replace the current picture, the plug-ins or the settings.
+    bool whileLoading = false;
+};
+
+class CommandTable {
+  public:
+    // Gives an item (a number of resource.h) its command, or another one.
+    void Register(int id, Command command);
+
+    // Whether the item would run now.
+    bool IsEnabled(int id) const;
+
+    // Runs the item's command; false when it has none or must not run now.
+    bool Run(int id) const;
+
+    // Greys, enables and checks all items of a menu and its submenus.
+    void ShowState(HMENU menu) const;
+
+  private:
+    std::map<int, Command> commands_;
+};
+
+}  // namespace tessary

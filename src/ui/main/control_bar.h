@@ -1,0 +1,46 @@
+// What the main window needs of those who go through files: the taker of file lists, and the
+// control bar, which is more.
+#pragma once
+
+#include <span>
+#include <string>
+
+namespace tessary {
+
+// Buttons of the control bar's toolbar that the main window presses, as the toolbar counts them.
+enum class PlayerButton {
+    kRewind = 1,
+    kReversePlay = 2,
+    kStepBack = 3,
+    kStop = 4,
+    kStepForward = 5,
+    kPlay = 6,
+    kFastForward = 7,
+    kFold = 15,
+};
+
+class FileListReceiver {
+  public:
+    // Replaces the list of files being viewed and shows the first; false when nothing was added.
+    virtual bool SetFileList(std::span<const std::wstring> files) = 0;
+
+  protected:
+    ~FileListReceiver() = default;
+};
+
+class ControlBar : public FileListReceiver {
+  public:
+    // Does what a click on the button does.
+    virtual void Press(PlayerButton button) = 0;
+
+    virtual bool IsVisible() const = 0;
+    virtual void SetVisible(bool visible) = 0;
+
+    // Closes the window, which saves its position and fold state. May come when it is not loaded.
+    virtual void Unload() = 0;
+
+  protected:
+    ~ControlBar() = default;
+};
+
+}  // namespace tessary

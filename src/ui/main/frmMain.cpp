@@ -1,0 +1,301 @@
+#include "ui/main/frmMain.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "app/base/command_line.h"
+#include "app/base/message_box.h"
+#include "app/base/paths.h"
+#include "app/settings/modValue.h"
+#include "app/settings/settings.h"
+#include "picture/current_picture.h"
+#include "res/resource.h"
+#include "ui/form/clipboard.h"
+#include "ui/form/menu.h"
+#include "ui/form/message_loop.h"
+
+namespace tessary {
+namespace {
+
+constexpr FormDesign kDesign{.className = L"TessaryMainWindow",
+                             .caption = L"てっさりビューア",
+                             .menu = menuMainWindow,
+                             .icon = iconApplication};
+
+// Posted to the window itself: there are files to open.
+constexpr UINT kOpenFilesMessage = WM_APP + 1;
+
+// How long a load may keep the window waiting for its messages.
+constexpr DWORD kBreathMilliseconds = 20;
+
+// The buttons that the items of the control menu press.
+constexpr PlayerButton kControlButtons[] = {PlayerButton::kRewind,      PlayerButton::kReversePlay,
+                                            PlayerButton::kStop,        PlayerButton::kPlay,
+                                            PlayerButton::kFastForward, PlayerButton::kFold};
+
+SIZE SizeOf(const RECT& rectangle) {
+    return {rectangle.right - rectangle.left, rectangle.bottom - rectangle.top};
+}
+
+RECT WorkAreaOf(HWND window) {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
+    return monitor.rcWork;
+}
+
+std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths) {
+    std::vector<std::wstring> files;
+    for (const std::wstring& path : paths) {
+        if (IsFolder(path)) {
+            std::vector<std::wstring> inFolder = FilesInFolder(path);
+            std::move(inFolder.begin(), inFolder.end(), std::back_inserter(files));
+        } else {
+            files.push_back(path);
+        }
+    }
+    return files;
+}
+
+}  // namespace
+
+frmMain::frmMain(MainWindowServices services) : Form(kDesign), services_(std::move(services)) {
+    RegisterCommands();
+}
+
+void frmMain::SetControlBar(ControlBar& controlBar) {
+    SetFileListReceiver(controlBar);
+    controlBar_ = &controlBar;
+    commands_.Register(menuViewControlBar,
+                       {.run = [&controlBar] { controlBar.SetVisible(!controlBar.IsVisible()); },
+                        .checked = [&controlBar] { return controlBar.IsVisible(); },
+                        .whileLoading = true});
+    int item = menuControl_0;
+    for (const PlayerButton button : kControlButtons) {
+        // Stopping and folding load nothing.
+        const bool harmless = button == PlayerButton::kStop || button == PlayerButton::kFold;
+        commands_.Register(item++, {.run = [&controlBar, button] { controlBar.Press(button); },
+                                    .whileLoading = harmless});
+    }
+}
+
+void frmMain::RegisterCommands() {
+    const auto pictureShown = [this] { return PictureShown(); };
+    commands_.Register(menuFileExit, {.run = [this] { Unload(); }, .whileLoading = true});
+    commands_.Register(menuEditClear,
+                       {.run = [this] { menuEditClear_Click(); }, .enabled = pictureShown});
+    for (int item = menuPopupGraphicInfo; item <= menuPopupColorDepth; ++item) {
+        commands_.Register(item, {.run = [this, item] { menuPopup_Click(item); },
+                                  .enabled = pictureShown,
+                                  .whileLoading = true});
+    }
+}
+
+void frmMain::Form_Load() {
+    CreateControls();
+    PlaceWindow();
+    AcceptDroppedFiles();
+    OpenCommandLine();
+    hook_.Install(Handle(), [this](UINT message, WPARAM wParam, LPARAM /*lParam*/) {
+        return OnSystemMessage(message, wParam);
+    });
+    ShowPluginCount();
+    SetPanelText(kShownFilePanel, L"");
+    commands_.ShowState(GetMenu(Handle()));
+}
+
+void frmMain::CreateControls() {
+    statusInformation_.Create(Handle());
+    pictureView_.Create(
+        Handle(),
+        {.keyDown = [this](int keyCode, int shift) { pictureView_KeyDown(keyCode, shift); },
+         .mouseDown = [this](int button, POINT at) { pictureView_MouseDown(button, at); },
+         .mouseMove = [this](POINT at, bool left) { pictureView_MouseMove(at, left); },
+         .mouseUp = [this](int) { scroller_.EndDrag(); },
+         .captureLost = [this] { scroller_.EndDrag(); },
+         .contextMenu = [this](POINT onScreen) { pictureView_ContextMenu(onScreen); },
+         .pointer = [this] { return pictureView_Pointer(); }});
+}
+
+// Half the screen's width and height, in the middle of what the taskbar leaves.
+void frmMain::PlaceWindow() {
+    const int width = GetSystemMetrics(SM_CXSCREEN) / 2;
+    const int height = GetSystemMetrics(SM_CYSCREEN) / 2;
+    RECT work{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    SetWindowPos(Handle(), nullptr, (work.left + work.right - width) / 2,
+                 (work.top + work.bottom - height) / 2, width, height,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+SIZE frmMain::MinimumSize() const {
+    return {320, 240};
+}
+
+void frmMain::AcceptDroppedFiles() {
+    const FileDropTarget::Handlers handlers{
+        .accepts =
+            [this] {
+                return fileListReceiver_ != nullptr && !Values().pictureLoading &&
+                       IsWindowEnabled(Handle());
+            },
+        .drop = [this](const std::vector<std::wstring>& paths) { OpenLater(paths); }};
+    windowDrop_.Register(Handle(), handlers);
+    viewDrop_.Register(pictureView_.Handle(), handlers);
+}
+
+// The first picture is shown when the window already stands on the screen.
+void frmMain::OpenCommandLine() {
+    std::vector<std::wstring> files;
+    ParseCommandLine(services_.commandLine, Values().platformId, files);
+    if (!files.empty()) OpenLater(files);
+}
+
+void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
+    filesToOpen_ = WithFoldersExpanded(paths);
+    PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
+}
+
+std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam) {
+    switch (message) {
+        case kOpenFilesMessage: {
+            const std::vector<std::wstring> files = std::exchange(filesToOpen_, {});
+            if (fileListReceiver_ != nullptr && !files.empty() && !Values().pictureLoading) {
+                fileListReceiver_->SetFileList(files);
+            }
+            return 0;
+        }
+        case WM_SETFOCUS:  // the keys are the picture's
+            SetFocus(pictureView_.Handle());
+            return 0;
+        case WM_QUERYENDSESSION:
+            return TRUE;  // a load does not keep the user from logging off
+        case WM_ENDSESSION:
+            if (wParam != FALSE) EndSession();
+            return 0;
+        default:
+            return std::nullopt;
+    }
+}
+
+// The process ends when this returns.
+void frmMain::EndSession() {
+    if (!Values().pictureLoading) {
+        DestroyWindow(Handle());
+        return;
+    }
+    // Plug-ins are at work below us and must stay; what the user has chosen is saved all the same.
+    Values().quitRequested = true;
+    WriteGeneralSettings();
+    WriteConvertSettings();
+}
+
+void frmMain::Form_QueryUnload(bool& cancel) {
+    if (!Values().pictureLoading) return;
+    Values().quitRequested = true;
+    cancel = true;
+}
+
+void frmMain::Form_Unload() {
+    if (controlBar_ != nullptr) controlBar_->Unload();
+    ClearPicture();
+    windowDrop_.Revoke();
+    viewDrop_.Revoke();
+    hook_.Restore();
+}
+
+void frmMain::Form_Terminate() {
+    SetCurrentPicture({});
+    if (services_.endProgram) services_.endProgram();
+}
+
+void frmMain::Form_Resize(int width, int height) {
+    if (pictureView_.Handle() == nullptr) return;
+    const int statusHeight = statusInformation_.Layout();
+    pictureView_.SetBounds(0, 0, width, std::max(height - statusHeight, 0));
+    scroller_.AreaChanged();
+}
+
+void frmMain::ShowPluginCount() {
+    const int count = services_.pluginCount ? services_.pluginCount() : 0;
+    SetPanelText(kPluginCountPanel, std::to_wstring(count) + L"個のプラグイン");
+}
+
+void frmMain::menuEditClear_Click() {
+    SetCurrentPicture({});
+    ClearPicture();
+    SetPanelText(kPluginCountPanel, L"");
+}
+
+void frmMain::menuPopup_Click(int item) {
+    dib::BitmapInfoHeader header{};
+    if (!GetPictureHeader(CurrentPicture(), header)) return;
+    if (!CopyTextToClipboard(Handle(), PicturePopupCopyText(item, source_, header))) {
+        ShowMessageBox(L"クリップボードにデータをコピーできません");
+    }
+}
+
+void frmMain::pictureView_KeyDown(int keyCode, int shift) {
+    if (scroller_.KeyDown(keyCode)) return;
+    if (keyCode != VK_RETURN || controlBar_ == nullptr || Values().pictureLoading) return;
+    controlBar_->Press((shift & kShiftMask) != 0 ? PlayerButton::kStepBack
+                                                 : PlayerButton::kStepForward);
+}
+
+void frmMain::pictureView_MouseDown(int button, POINT at) {
+    if (button == kLeftButton) scroller_.BeginDrag(at);
+}
+
+void frmMain::pictureView_MouseMove(POINT at, bool leftButton) {
+    if (leftButton) {
+        scroller_.DragTo(at);
+    } else {
+        scroller_.EndDrag();
+    }
+}
+
+void frmMain::pictureView_ContextMenu(POINT onScreen) {
+    const UniqueMenu window = LoadMenuResource(menuPopupWindow);
+    const HMENU popup = GetSubMenu(window.Get(), 0);
+    dib::BitmapInfoHeader header{};
+    if (PictureShown() && GetPictureHeader(CurrentPicture(), header)) {
+        ForEachMenuCommand(popup, [&](int item) {
+            SetMenuCaption(popup, item, AsMenuCaption(PicturePopupText(item, source_, header)));
+        });
+    }
+    commands_.ShowState(popup);
+    TrackPopupMenuEx(popup, TPM_RIGHTBUTTON, onScreen.x, onScreen.y, Handle(), nullptr);
+}
+
+const wchar_t* frmMain::pictureView_Pointer() const {
+    if (Values().pictureLoading) return IDC_WAIT;
+    return scroller_.CanScroll() ? IDC_HAND : IDC_ARROW;
+}
+
+SIZE frmMain::WorkAreaSize() const {
+    return SizeOf(WorkAreaOf(Handle()));
+}
+
+void frmMain::SetPicture(IPicture* picture, int width, int height) {
+    scroller_.SetPicture(picture, {width, height});
+}
+
+void frmMain::ClearPicture() {
+    source_ = {};
+    scroller_.SetPicture(nullptr, {});
+}
+
+void frmMain::SetPanelText(int panel, const std::wstring& text) {
+    statusInformation_.SetPanelText(panel, text);
+}
+
+bool frmMain::Breathe() {
+    if (GetTickCount() - lastBreath_ >= kBreathMilliseconds) {
+        if (!DoEvents()) return false;
+        lastBreath_ = GetTickCount();
+    }
+    return !Values().quitRequested;
+}
+
+}  // namespace tessary

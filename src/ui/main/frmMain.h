@@ -1,0 +1,115 @@
+// The main window: menus, the picture and the status bar.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "picture/show/picture_view.h"
+#include "ui/form/file_drop_target.h"
+#include "ui/form/form.h"
+#include "ui/form/picture_box.h"
+#include "ui/form/status_bar.h"
+#include "ui/main/command_table.h"
+#include "ui/main/control_bar.h"
+#include "ui/main/modWindowProc.h"
+#include "ui/main/picture_popup.h"
+#include "ui/main/picture_scroller.h"
+
+namespace tessary {
+
+// What the main window is given when it is made.
+struct MainWindowServices {
+    std::wstring commandLine;          // the program's arguments: files and folders to open
+    std::function<int()> pluginCount;  // of the plug-ins loaded now
+    std::function<void()> endProgram;  // saves settings, frees plug-ins; the window is gone by then
+};
+
+class frmMain final : public Form, public PictureView {
+  public:
+    explicit frmMain(MainWindowServices services);
+    ~frmMain() = default;
+
+    // Takes the lists of opened files from now on; it must outlive the window. Until it is known
+    // files are ignored, so it comes before Load.
+    void SetFileListReceiver(FileListReceiver& receiver) { fileListReceiver_ = &receiver; }
+
+    // The control bar takes file lists and player commands from now on; it must outlive the window.
+    // Until it is known their menu items are grey.
+    void SetControlBar(ControlBar& controlBar);
+
+    // The menu items' commands, open to whoever brings a feature.
+    CommandTable& Commands() { return commands_; }
+
+    // Puts the number of loaded plug-ins into the status bar.
+    void ShowPluginCount();
+
+    // Tells where the picture comes from that was put into the view; forgotten when the view is
+    // emptied.
+    void SetPictureSource(PictureSource source) { source_ = std::move(source); }
+
+    // Hands files to their receiver as soon as the messages that wait now are done. A folder
+    // stands for the plain files directly in it. Ignored while a picture is being loaded.
+    void OpenLater(const std::vector<std::wstring>& paths);
+
+    // Arrow keys scroll; Enter steps forward, with Shift back. `shift` is a sum of kShiftMask ….
+    // The control bar passes its own keys on to this.
+    void pictureView_KeyDown(int keyCode, int shift);
+
+    const PictureBox& pictureView() const { return pictureView_; }
+    const StatusBar& statusInformation() const { return statusInformation_; }
+
+    // PictureView
+    SIZE WorkAreaSize() const override;
+    void SetPicture(IPicture* picture, int width, int height) override;
+    void ClearPicture() override;
+    void SetPanelText(int panel, const std::wstring& text) override;
+    bool Breathe() override;
+
+  private:
+    void Form_Load() override;
+    void Form_QueryUnload(bool& cancel) override;
+    void Form_Unload() override;
+    void Form_Terminate() override;
+    void Form_Resize(int width, int height) override;
+    void Form_MetricsChanged() override { statusInformation_.ChangeMetrics(); }
+    void Form_MenuOpen() override { commands_.ShowState(GetMenu(Handle())); }
+    void Form_Command(int id) override { commands_.Run(id); }
+    SIZE MinimumSize() const override;
+
+    void PlaceWindow();
+    void CreateControls();
+    void RegisterCommands();
+    void AcceptDroppedFiles();
+    void OpenCommandLine();
+    std::optional<LRESULT> OnSystemMessage(UINT message, WPARAM wParam);
+    void EndSession();
+
+    void menuEditClear_Click();
+    void menuPopup_Click(int item);
+    void pictureView_MouseDown(int button, POINT at);
+    void pictureView_MouseMove(POINT at, bool leftButton);
+    void pictureView_ContextMenu(POINT onScreen);
+    const wchar_t* pictureView_Pointer() const;
+
+    bool PictureShown() const { return pictureView_.Picture() != nullptr; }
+
+    MainWindowServices services_;
+    FileListReceiver* fileListReceiver_ = nullptr;
+    ControlBar* controlBar_ = nullptr;
+    CommandTable commands_;
+    PictureBox pictureView_;
+    PictureScroller scroller_{pictureView_};
+    StatusBar statusInformation_;
+    PictureSource source_;
+    std::vector<std::wstring> filesToOpen_;
+    DWORD lastBreath_ = 0;  // tick count, milliseconds
+    // Last, so that they let go of the windows first.
+    WindowProcedureHook hook_;
+    FileDropTarget windowDrop_;
+    FileDropTarget viewDrop_;
+};
+
+}  // namespace tessary

@@ -1,0 +1,26 @@
+// The pop-up menu of the picture: what is known of the shown picture.
+#pragma once
+
+#include <string>
+
+#include "picture/modMemory.h"
+
+namespace tessary {
+
+// Where the shown picture comes from.
+struct PictureSource {
+    std::wstring fileName;    // file or archive member; empty: unknown
+    std::wstring pluginName;  // the plug-in that decoded it; empty: none did
+};
+
+// The text of a pop-up item (menuPopup… of resource.h) filled with what it tells of a picture of
+// this header, as the menu shows it. Empty for a number that is none of the pop-up menu's.
+std::wstring PicturePopupText(int id, const PictureSource& source,
+                              const dib::BitmapInfoHeader& header);
+
+// The text that choosing the item copies: its own, or for menuPopupGraphicInfo all of them, a line
+// each.
+std::wstring PicturePopupCopyText(int id, const PictureSource& source,
+                                  const dib::BitmapInfoHeader& header);
+
+}  // namespace tessary

@@ -1,0 +1,95 @@
+#include "tests/end_to_end/running_viewer.h"
+
+#include <commctrl.h>
+
+namespace tessary::test {
+namespace {
+
+constexpr DWORD kPatience = 20000;  // milliseconds
+
+struct Search {
+    DWORD processId;
+    const std::wstring* caption;
+    HWND found;
+};
+
+BOOL CALLBACK MatchWindow(HWND window, LPARAM data) {
+    auto& search = *reinterpret_cast<Search*>(data);
+    DWORD processId = 0;
+    GetWindowThreadProcessId(window, &processId);
+    if (processId != search.processId || !IsWindowVisible(window)) return TRUE;
+    if (RunningViewer::TextOf(window) != *search.caption) return TRUE;
+    search.found = window;
+    return FALSE;
+}
+
+}  // namespace
+
+bool WaitUntil(const std::function<bool()>& condition) {
+    const DWORD start = GetTickCount();
+    while (!condition()) {
+        if (GetTickCount() - start > kPatience) return false;
+        Sleep(20);
+    }
+    return true;
+}
+
+RunningViewer::RunningViewer(const std::wstring& folder, const std::wstring& arguments,
+                             const std::wstring& settingsKey) {
+    std::wstring commandLine = L'"' + folder + L"TessaryViewer.exe\" " + arguments;
+    SetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", settingsKey.c_str());
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                   &startup, &process_);
+    SetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", nullptr);
+}
+
+RunningViewer::~RunningViewer() {
+    if (WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT) {
+        TerminateProcess(process_.hProcess, 99);
+    }
+    CloseHandle(process_.hThread);
+    CloseHandle(process_.hProcess);
+}
+
+HWND RunningViewer::WindowOfCaption(const std::wstring& caption) const {
+    Search search{process_.dwProcessId, &caption, nullptr};
+    WaitUntil([&] {
+        EnumWindows(MatchWindow, reinterpret_cast<LPARAM>(&search));
+        return search.found != nullptr ||
+               WaitForSingleObject(process_.hProcess, 0) == WAIT_OBJECT_0;
+    });
+    return search.found;
+}
+
+std::wstring RunningViewer::TextOf(HWND window) {
+    wchar_t buffer[1024] = {};
+    DWORD_PTR length = 0;
+    SendMessageTimeoutW(window, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(buffer),
+                        SMTO_ABORTIFHUNG, 1000, &length);
+    return std::wstring(buffer, length < 1024 ? length : 0);
+}
+
+std::wstring RunningViewer::StatusText(HWND statusBar, int part) const {
+    // The message carries a pointer, which the system does not translate between processes.
+    wchar_t buffer[512] = {};
+    void* const remote = VirtualAllocEx(process_.hProcess, nullptr, sizeof(buffer),
+                                        MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+    if (remote == nullptr) return {};
+    if (LOWORD(SendMessageW(statusBar, SB_GETTEXTLENGTHW, part, 0)) < 512) {
+        SendMessageW(statusBar, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(remote));
+        ReadProcessMemory(process_.hProcess, remote, buffer, sizeof(buffer), nullptr);
+    }
+    VirtualFreeEx(process_.hProcess, remote, 0, MEM_RELEASE);
+    return buffer;
+}
+
+int RunningViewer::ExitCode() const {
+    if (WaitForSingleObject(process_.hProcess, kPatience) != WAIT_OBJECT_0) return -1;
+    DWORD code = 0;
+    GetExitCodeProcess(process_.hProcess, &code);
+    return static_cast<int>(code);
+}
+
+}  // namespace tessary::test

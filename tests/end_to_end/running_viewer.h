@@ -1,0 +1,42 @@
+// The real program, started by a test on settings of its own and watched from outside.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+#include "app/base/handles.h"
+
+namespace tessary::test {
+
+// Waits until `condition` holds, at most 20 seconds; whether it came to hold.
+bool WaitUntil(const std::function<bool()>& condition);
+
+class RunningViewer {
+  public:
+    // Starts `folder`TessaryViewer.exe with the arguments; its settings are at `settingsKey`.
+    RunningViewer(const std::wstring& folder, const std::wstring& arguments,
+                  const std::wstring& settingsKey);
+    RunningViewer(const RunningViewer&) = delete;
+    RunningViewer& operator=(const RunningViewer&) = delete;
+    ~RunningViewer();  // ends the process if it still runs
+
+    // The visible top-level window of that caption; null when there is none within the time of
+    // WaitUntil.
+    HWND WindowOfCaption(const std::wstring& caption) const;
+
+    // The text of a control of a dialog or of a window, as the program itself would read it.
+    static std::wstring TextOf(HWND window);
+
+    // The text of a status bar's part, counted from 0.
+    std::wstring StatusText(HWND statusBar, int part) const;
+
+    // Waits for the end of the process and answers its exit code; -1 when it does not end in time.
+    int ExitCode() const;
+
+  private:
+    PROCESS_INFORMATION process_{};
+};
+
+}  // namespace tessary::test

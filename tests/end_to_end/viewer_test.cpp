@@ -1,0 +1,129 @@
+// The finished program on real files, seen from outside.
+#include <windows.h>
+
+#include <commctrl.h>  // needs windows.h before it
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "app/base/paths.h"
+#include "tests/end_to_end/running_viewer.h"
+#include "tests/support/bitmap_image.h"
+#include "tests/support/helper_libraries.h"
+#include "tests/support/redirected_settings.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary {
+namespace {
+
+using test::BitmapFileOf;
+using test::FinishedFolder;
+using test::RunningViewer;
+using test::WaitUntil;
+
+constexpr wchar_t kCaption[] = L"てっさりビューア";
+
+class ViewerTest : public testing::Test {
+  protected:
+    // The picture's colour in the middle of the window, as it stands on the screen.
+    static COLORREF MiddleOf(HWND window) {
+        RECT client{};
+        GetClientRect(window, &client);
+        POINT middle{client.right / 2, client.bottom / 2};
+        ClientToScreen(window, &middle);
+        const UniqueScreenDc screen(GetDC(nullptr));
+        return GetPixel(screen.Get(), middle.x, middle.y);
+    }
+
+    std::wstring StatusText(const RunningViewer& viewer, HWND main, int part) {
+        const HWND bar = FindWindowExW(main, nullptr, STATUSCLASSNAMEW, nullptr);
+        return bar == nullptr ? std::wstring() : viewer.StatusText(bar, part);
+    }
+
+    test::RedirectedSettings store_;
+    test::TemporaryFolder folder_;
+};
+
+TEST_F(ViewerTest, ShowsABitmapAndKeepsItsSettings) {
+    const std::wstring picture =
+        folder_.Write(L"写真 사진.bmp", BitmapFileOf(101, 60, RGB(200, 30, 60)));
+    const RunningViewer viewer(FinishedFolder(), L'"' + picture + L'"', store_.KeyPath());
+    const HWND main = viewer.WindowOfCaption(kCaption);
+    ASSERT_NE(main, nullptr);
+    EXPECT_TRUE(WaitUntil([&] { return MiddleOf(main) == RGB(200, 30, 60); }));
+    EXPECT_EQ(StatusText(viewer, main, 0), L"3個のプラグイン");
+    EXPECT_TRUE(WaitUntil([&] {
+        return StatusText(viewer, main, 1) == L"[表示中] 写真 사진.bmp ( 101×60 24bit )";
+    })) << StatusText(viewer, main, 1);
+    PostMessageW(main, WM_CLOSE, 0, 0);
+    EXPECT_EQ(viewer.ExitCode(), 0);
+    EXPECT_EQ(GetSetting(L"General", L"UseSPI"), L"1");
+    EXPECT_EQ(GetSetting(L"Init", L"Run"), L"1");
+    EXPECT_EQ(GetSetting(L"Convert", L"FileMask"), L"*.*");
+}
+
+TEST_F(ViewerTest, SizeModeFitsThePictureIntoItsBox) {
+    SaveSetting(L"General", L"FixSizeValue", L"1");
+    const std::wstring picture =
+        folder_.Write(L"wide.bmp", BitmapFileOf(2000, 200, RGB(1, 200, 3)));
+    const RunningViewer viewer(FinishedFolder(), L'"' + picture + L'"', store_.KeyPath());
+    const HWND main = viewer.WindowOfCaption(kCaption);
+    ASSERT_NE(main, nullptr);
+    EXPECT_TRUE(WaitUntil([&] { return MiddleOf(main) == RGB(1, 200, 3); }));
+    // 640 × 64 of 2000 × 200: well above the middle the window is empty again.
+    RECT client{};
+    GetClientRect(main, &client);
+    POINT above{client.right / 2, client.bottom / 2 - 80};
+    ClientToScreen(main, &above);
+    EXPECT_NE(GetPixel(UniqueScreenDc(GetDC(nullptr)).Get(), above.x, above.y), RGB(1, 200, 3));
+    EXPECT_FALSE(std::filesystem::exists(FinishedFolder() + L"~temp.bmp"));
+    PostMessageW(main, WM_CLOSE, 0, 0);
+    EXPECT_EQ(viewer.ExitCode(), 0);
+}
+
+TEST_F(ViewerTest, DamagedFileIsToldAndTheProgramGoesOn) {
+    const std::wstring empty = folder_.Write(L"空.jpg");
+    const RunningViewer viewer(FinishedFolder(), L'"' + empty + L'"', store_.KeyPath());
+    // The message box has the same caption as the window, and comes first.
+    HWND box = nullptr;
+    ASSERT_TRUE(WaitUntil([&] { return (box = FindWindowW(L"#32770", kCaption)) != nullptr; }));
+    EXPECT_EQ(
+        RunningViewer::TextOf(GetDlgItem(box, 0xFFFF)),
+        L"ファイル " + empty +
+            L" の読み取りエラーです。\r\nファイルが壊れているか、ほかのアプリケーションで使用中の"
+            L"可能性があります。");
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    ASSERT_TRUE(WaitUntil([&] { return !IsWindow(box); }));
+    const HWND main = viewer.WindowOfCaption(kCaption);
+    ASSERT_NE(main, nullptr);
+    PostMessageW(main, WM_CLOSE, 0, 0);
+    EXPECT_EQ(viewer.ExitCode(), 0);
+}
+
+TEST_F(ViewerTest, MissingHelperLibraryIsNamed) {
+    for (const std::wstring& file : FilesInFolder(FinishedFolder())) {
+        std::filesystem::copy_file(file, folder_.Path() + FileNameOf(file));
+    }
+    std::filesystem::remove(folder_.Path() + L"pic_kernel.dll");  // not needed to start
+    {
+        const RunningViewer viewer(folder_.Path(), L"", store_.KeyPath());
+        const HWND main = viewer.WindowOfCaption(kCaption);
+        ASSERT_NE(main, nullptr);
+        PostMessageW(main, WM_CLOSE, 0, 0);
+        EXPECT_EQ(viewer.ExitCode(), 0);
+    }
+    std::filesystem::remove(folder_.Path() + L"dcpng.dll");
+    std::filesystem::remove(folder_.Path() + L"convertdib.dll");
+    DeleteSettingSection(L"General");
+    const RunningViewer viewer(folder_.Path(), L"", store_.KeyPath());
+    const HWND box = viewer.WindowOfCaption(L"致命的エラー");
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(RunningViewer::TextOf(GetDlgItem(box, 0xFFFF)),
+              L"アプリケーションの初期化に失敗しました。\r\nDCPNG.DLL が見つかりません。");
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+    viewer.ExitCode();
+    EXPECT_EQ(GetSetting(L"General", L"UseSPI", L"none"), L"none");  // nothing was written back
+}
+
+}  // namespace
+}  // namespace tessary

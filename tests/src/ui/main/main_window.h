@@ -1,0 +1,85 @@
+// The real main window in the test process, with recorders in place of what it works with.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/base/modScreenCaps.h"
+#include "app/settings/modValue.h"
+#include "picture/current_picture.h"
+#include "res/resource.h"
+#include "tests/src/ui/test_picture.h"
+#include "tests/support/recorded_messages.h"
+#include "tests/support/redirected_settings.h"
+#include "ui/form/message_loop.h"
+#include "ui/main/frmMain.h"
+
+namespace tessary::test {
+
+class RecordingControlBar final : public ControlBar {
+  public:
+    bool SetFileList(std::span<const std::wstring> files) override {
+        lists.emplace_back(files.begin(), files.end());
+        return !files.empty();
+    }
+    void Press(PlayerButton button) override { pressed.push_back(static_cast<int>(button)); }
+    bool IsVisible() const override { return visible; }
+    void SetVisible(bool show) override { visible = show; }
+    void Unload() override { ++unloads; }
+
+    std::vector<std::vector<std::wstring>> lists;
+    std::vector<int> pressed;
+    bool visible = false;
+    int unloads = 0;
+};
+
+class MainWindowTest : public testing::Test {
+  protected:
+    // Loads the window with a client area that leaves the view exactly this size.
+    void Load(int viewWidth = 320, int viewHeight = 240) {
+        Values().platformId = GetPlatformId();
+        ASSERT_TRUE(window_.Load());
+        for (int pass = 0; pass < 2; ++pass) {  // the menu may need fewer lines the second time
+            RECT frame{};
+            GetWindowRect(window_.Handle(), &frame);
+            const SIZE view = window_.pictureView().AreaSize();
+            SetWindowPos(
+                window_.Handle(), nullptr, 0, 0, frame.right - frame.left + viewWidth - view.cx,
+                frame.bottom - frame.top + viewHeight - view.cy, SWP_NOMOVE | SWP_NOZORDER);
+        }
+        ASSERT_EQ(View().cx, viewWidth);
+        ASSERT_EQ(View().cy, viewHeight);
+    }
+
+    // Makes a picture current and shows it.
+    void ShowPicture(int width, int height) {
+        SetCurrentPicture(MakePair(width, height));
+        window_.SetPicture(MakePicture(width, height).Get(), width, height);
+    }
+
+    void TearDown() override {
+        Values().pictureLoading = false;
+        window_.Unload();
+        DoEvents();
+    }
+
+    SIZE View() const { return window_.pictureView().AreaSize(); }
+    POINT Position() const { return window_.pictureView().PicturePosition(); }
+    LRESULT SendToView(UINT message, WPARAM wParam, LPARAM lParam) const {
+        return SendMessageW(window_.pictureView().Handle(), message, wParam, lParam);
+    }
+    void Choose(int menuItem) const { SendMessageW(window_.Handle(), WM_COMMAND, menuItem, 0); }
+
+    RedirectedSettings settings_;
+    RecordedMessages messages_;
+    RecordingControlBar controlBar_;
+    int pluginCount_ = 3;
+    int ended_ = 0;
+    frmMain window_{{.commandLine = {},
+                     .pluginCount = [this] { return pluginCount_; },
+                     .endProgram = [this] { ++ended_; }}};
+};
+
+}  // namespace tessary::test
