@@ -18,7 +18,6 @@ namespace {
 
 using saving::SaveResult;
 
-constexpr int kBestQuality = 100;
 constexpr size_t kBufferSize = 64u << 10;  // bytes handed to the sink at once
 constexpr int32_t kRowsAtOnce = 16;        // what the library works on with halved colours
 
@@ -30,7 +29,10 @@ class JpegSession {
         : sink_(sink), progress_(progress), buffer_(kBufferSize) {
         compress_.err = jpeg_std_error(&errors_);
         compress_.client_data = this;
-        errors_.error_exit = [](j_common_ptr compress) { Of(compress).GiveUp(kNoReason); };
+        // Of all that the library can complain about, only a want of memory is left here.
+        errors_.error_exit = [](j_common_ptr compress) {
+            Of(compress).GiveUp(SaveResult::kOutOfMemory);
+        };
         errors_.emit_message = [](j_common_ptr, int) {};
         destination_.init_destination = [](j_compress_ptr compress) { Of(compress).Rewind(); };
         destination_.empty_output_buffer = [](j_compress_ptr compress) -> boolean {
@@ -50,9 +52,6 @@ class JpegSession {
     SaveResult Save(const dib::DibView& picture, const saving::JpegSaveOptions& options);
 
   private:
-    // Why the library gives up by itself: there is no other reason left by then.
-    static constexpr SaveResult kNoReason = SaveResult::kOutOfMemory;
-
     template <typename Info>
     static JpegSession& Of(Info* compress) {
         return *static_cast<JpegSession*>(compress->client_data);
@@ -120,9 +119,8 @@ void JpegSession::Start(const dib::DibView& picture, const JpegRows& rows,
             break;
     }
     jpeg_set_defaults(&compress_);
-    const int quality = std::clamp<int>(options.quality, 0, kBestQuality);
-    jpeg_set_quality(&compress_, quality, TRUE);
-    if (quality >= kFullColorQuality) {
+    jpeg_set_quality(&compress_, options.quality, TRUE);  // brings it into its scale
+    if (options.quality >= kFullColorQuality) {
         compress_.comp_info[0].h_samp_factor = 1;
         compress_.comp_info[0].v_samp_factor = 1;
     }

@@ -31,8 +31,9 @@ void SwapRedAndBlue(std::span<uint8_t> pixels, size_t channels) {
 
 PngRows::PngRows(const dib::DibView& picture)
     : picture_(picture), reader_(picture), palette_(saving::TrimPalette(picture)) {
-    if (palette_.size != 0) {
-        bitDepth_ = dib::BitsPerPixel(picture.Format());
+    const int depth = dib::BitsPerPixel(picture.Format());
+    if (depth <= 8) {
+        bitDepth_ = depth;
         kind_ = palette_.IsGrey() && MapToGrey() ? PngKind::kGrey : PngKind::kPalette;
     } else if (picture.Format() == dib::PixelFormat::kBgrx32 && UsesAlpha(picture)) {
         kind_ = PngKind::kRgba;

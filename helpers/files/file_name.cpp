@@ -2,13 +2,16 @@
 
 #include <windows.h>
 
+#include <cstring>
+
 namespace tessary::files {
 
 std::wstring FileNameOf(const char* name) {
-    const int length = MultiByteToWideChar(CP_ACP, 0, name, -1, nullptr, 0);
+    const auto size = static_cast<int>(std::strlen(name));
+    const int length = MultiByteToWideChar(CP_ACP, 0, name, size, nullptr, 0);
     std::wstring wide(static_cast<size_t>(length), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, name, -1, wide.data(), length);
-    return wide.c_str();
+    MultiByteToWideChar(CP_ACP, 0, name, size, wide.data(), length);
+    return wide;
 }
 
 std::wstring FileNameOf(const wchar_t* name) {

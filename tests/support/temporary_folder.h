@@ -8,24 +8,45 @@
 #include <string>
 #include <string_view>
 
+#include "app/base/handles.h"
+
 namespace tessary::test {
+
+// Removes a folder with all it holds; also below paths that are longer than the standard library
+// takes.
+inline void RemoveTree(const std::wstring& folder) {
+    const auto extended = [](const std::wstring& path) { return LR"(\\?\)" + path; };
+    WIN32_FIND_DATAW entry;
+    {
+        const UniqueFind find(FindFirstFileW(extended(folder + L"\\*").c_str(), &entry));
+        for (bool more = static_cast<bool>(find); more; more = FindNextFileW(find.Get(), &entry)) {
+            const std::wstring name = entry.cFileName;
+            if (name == L"." || name == L"..") continue;
+            const std::wstring path = folder + L'\\' + name;
+            if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+                RemoveTree(path);
+            } else {
+                SetFileAttributesW(extended(path).c_str(), FILE_ATTRIBUTE_NORMAL);
+                DeleteFileW(extended(path).c_str());
+            }
+        }
+    }
+    RemoveDirectoryW(extended(folder).c_str());
+}
 
 class TemporaryFolder {
   public:
     TemporaryFolder() {
         static int number = 0;
+        // The time too: process ids come again, and what a dead process left must not be met.
         path_ = std::filesystem::temp_directory_path() /
                 (L"tessary-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-                 std::to_wstring(++number));
-        std::filesystem::remove_all(path_);  // process ids come again
+                 std::to_wstring(GetTickCount64()) + L"-" + std::to_wstring(++number));
         std::filesystem::create_directories(path_);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
+    ~TemporaryFolder() { RemoveTree(path_.wstring()); }
 
     // With a trailing backslash.
     std::wstring Path() const { return path_.wstring() + L'\\'; }

@@ -83,10 +83,6 @@ TEST(PathsTest, ReachesLongPathsAndForeignNames) {
     EXPECT_TRUE(PathExists(file));
     EXPECT_FALSE(IsFolder(file));
     EXPECT_EQ(FilesInFolder(deep), std::vector<std::wstring>{file});
-    DeleteFileW(ExtendedPath(file).c_str());
-    for (; deep != folder.Path(); deep = FolderOf(RemoveBackslash(deep))) {
-        RemoveDirectoryW(ExtendedPath(RemoveBackslash(deep)).c_str());
-    }
 }
 
 TEST(PathsTest, FindsAnsiNamesForForeignOnes) {
