@@ -35,8 +35,10 @@ class LentBlock {
 };
 
 int Call(FARPROC function, std::initializer_list<ULONG_PTR> arguments, HostProgress progress = {}) {
+    const EnabledWindows windows;
     const auto answer = GuardedCall(function, arguments, Net::kSpread, progress);
     if (answer) return static_cast<int>(*answer);
+    windows.EnableAgain();
     DestroyLeftoverWindows(function);
     return kCrashed;
 }
@@ -53,12 +55,19 @@ int Enter(FARPROC function, const Work& work) {
     return function ? WithoutExceptions<int>(susie::kOutOfMemory, work) : kNotExported;
 }
 
-int IsFileSupported(FARPROC function, const char* fileName) {
+// The block that IsSupported is shown of a file; empty when the file cannot be opened. The file is
+// closed again: a plug-in may want to open it for itself alone.
+std::vector<std::byte> HeadOf(const char* fileName) {
     const InputFile file(FromAnsi(fileName));
-    if (!file.IsOpen()) return 0;
+    if (!file.IsOpen()) return {};
     std::vector<std::byte> head(susie::kHeaderBlockSize + kSlack);
     file.Read(0, std::span(head).first(susie::kHeaderBlockSize));
-    return Call(function, {Word(fileName), Word(head.data())});
+    return head;
+}
+
+int IsFileSupported(FARPROC function, const char* fileName) {
+    const auto head = HeadOf(fileName);
+    return head.empty() ? 0 : Call(function, {Word(fileName), Word(head.data())});
 }
 
 }  // namespace
@@ -142,10 +151,6 @@ SUSIECTL_ENTRY int __stdcall GetFile(FARPROC function, const char* source, LONG_
 SUSIECTL_ENTRY int __stdcall ConfigurationDlg(FARPROC function, HWND parent,
                                               int configurationFunction) {
     return Enter(function, [&] {
-        const bool enabled = IsWindowEnabled(parent);
-        const int answer = Call(function, {Word(parent), Word(configurationFunction)});
-        // A dialog that crashed has not released the window that it belonged to.
-        if (answer == kCrashed && enabled) EnableWindow(parent, TRUE);
-        return answer;
+        return Call(function, {Word(parent), Word(configurationFunction)});
     });
 }

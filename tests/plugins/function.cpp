@@ -25,6 +25,8 @@ void Misbehave(const Script& script, const std::string& name) {
         Crash(kind);
     for (const auto& kind : script.Kinds("handled", name))
         CrashAndHandle(kind);
+    for (const auto& kind : script.Kinds("handled-in-data", name))
+        CrashAndHandleInData(kind);
     for (const auto& kind : script.Kinds("hungry", name))
         CrashInHungryFrame(kind);
     for (const auto& kind : script.Kinds("finally", name))

@@ -65,6 +65,15 @@ int SumOf(const char* block, int length) {
     return sum;
 }
 
+// True when nobody else has the file open.
+bool CanOpenExclusively(const char* fileName) {
+    const HANDLE file = CreateFileA(fileName, GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    CloseHandle(file);
+    return true;
+}
+
 // A file handle has no high word, an address has.
 bool IsBlock(const void* header) {
     return reinterpret_cast<ULONG_PTR>(header) > 0xFFFF;
@@ -88,6 +97,7 @@ extern "C" int __stdcall IsSupported(const char* fileName, const char* header) {
     return Run({"IsSupported", __builtin_dwarf_cfa(), 2, content}, [&](const Script& script) {
         if (SumOf(header + susie::kHeaderBlockSize, script.Number("read-beyond").value_or(0)))
             return 3;
+        if (script.Has("exclusive") && !CanOpenExclusively(fileName)) return 0;
         if (script.Has("accept-all")) return 1;
         return (script.Has("by-name") ? HasOurExtension(fileName) : IsOurs(content)) ? 1 : 0;
     });

@@ -3,6 +3,7 @@
 #include <csetjmp>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <iterator>
 
 namespace tessary::test {
@@ -90,6 +91,14 @@ void OpenModalWindow() {
                   nullptr, module, nullptr);
 }
 
+void HandleWith(decltype(&Handle) handler, const std::string& kind) {
+    Frame frame{Chain(), handler, nullptr, {}};
+    SetChain(&frame);
+    if (setjmp(frame.resume) == 0) Crash(kind);
+    SetChain(frame.outer);
+}
+
+constexpr size_t kJumpSize = 5;
 constexpr uint16_t kUnmaskedControlWord = 0x0360;
 constexpr uint32_t kUnmaskedMxcsr = 0x0100;
 constexpr uint32_t kDefaultMxcsr = 0x1F80;
@@ -132,10 +141,17 @@ void Crash(const std::string& kind) {
 }
 
 void CrashAndHandle(const std::string& kind) {
-    Frame frame{Chain(), Handle, nullptr, {}};
-    SetChain(&frame);
-    if (setjmp(frame.resume) == 0) Crash(kind);
-    SetChain(frame.outer);
+    HandleWith(Handle, kind);
+}
+
+void CrashAndHandleInData(const std::string& kind) {
+    static const auto handler = static_cast<uint8_t*>(
+        VirtualAlloc(nullptr, kJumpSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE));
+    handler[0] = 0xE9;  // jmp
+    const auto distance =
+        reinterpret_cast<uintptr_t>(&Handle) - reinterpret_cast<uintptr_t>(handler + kJumpSize);
+    std::memcpy(handler + 1, &distance, sizeof distance);
+    HandleWith(reinterpret_cast<decltype(&Handle)>(handler), kind);
 }
 
 void CrashInHungryFrame(const std::string& kind) {

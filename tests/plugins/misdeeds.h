@@ -13,6 +13,9 @@ void Crash(const std::string& kind);
 // Crashes, and takes the exception in an exception frame of its own.
 void CrashAndHandle(const std::string& kind);
 
+// The same with a handler that is code on a data page, as packed programs have it.
+void CrashAndHandleInData(const std::string& kind);
+
 // Crashes in an exception frame whose handler uses 16 KB of stack.
 void CrashInHungryFrame(const std::string& kind);
 

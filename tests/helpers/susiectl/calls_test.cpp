@@ -36,10 +36,11 @@ TEST(CallsTest, PluginsSeeTheBeginningOfAFile) {
     EXPECT_EQ(supports(folder.Write(L"long.tst", "TST 1x1x24\n\n" + std::string(9999, 'x'))), 1);
     EXPECT_EQ(supports(folder.Write(L"two.tst", "TST 1x1x24\nanswer:IsSupported:2\n")), 2);
     EXPECT_EQ(supports(folder.Write(L"empty.tst")), 0);
-    EXPECT_EQ(TestCallCount(plugin.Module(), "IsSupported"), 4);
+    EXPECT_EQ(supports(folder.Write(L"exclusive.tst", "TST 1x1x24\nexclusive\n")), 1);
+    EXPECT_EQ(TestCallCount(plugin.Module(), "IsSupported"), 5);
     EXPECT_EQ(supports(folder.Path() + L"missing.tst"), 0);
     EXPECT_EQ(Susiectl().isSupported(plugin["IsSupported"], nullptr, nullptr), 0);
-    EXPECT_EQ(TestCallCount(plugin.Module(), "IsSupported"), 4) << "there was nothing to ask";
+    EXPECT_EQ(TestCallCount(plugin.Module(), "IsSupported"), 5) << "there was nothing to ask";
 }
 
 TEST(CallsTest, TextsStayInsideTheirBuffer) {

@@ -82,7 +82,9 @@ TEST_F(GuardTest, EveryFunctionIsGuarded) {
 TEST_F(GuardTest, ExceptionsThatThePluginHandlesAreItsOwn) {
     for (const std::string kind : {"av", "av-write", "av-jump", "div-zero", "illegal", "cpp",
                                    "delphi", "raise", "stack-overflow"})
-        EXPECT_EQ(plugin_.DecodeWith("handled:" + kind + ":GetPicture"), susie::kSuccess) << kind;
+        for (const std::string verb : {"handled:", "handled-in-data:"})
+            EXPECT_EQ(plugin_.DecodeWith(verb + kind + ":GetPicture"), susie::kSuccess)
+                << verb << kind;
 }
 
 TEST_F(GuardTest, MessagesToDebuggersAreNoCrashes) {

@@ -156,14 +156,29 @@ TEST_F(StateTest, TheCallbackRunsUnderTheHostsFloatingPointState) {
     }
 }
 
+HWND ShowWindowOfTheProgram() {
+    return CreateWindowW(L"STATIC", L"program", WS_POPUP | WS_VISIBLE, 0, 0, 90, 90, nullptr,
+                         nullptr, nullptr, nullptr);
+}
+
 TEST_F(StateTest, ADialogThatCrashedIsTakenAway) {
+    const HWND parent = ShowWindowOfTheProgram();
+    const HWND other = ShowWindowOfTheProgram();
+    const HWND disabled = ShowWindowOfTheProgram();
+    EnableWindow(disabled, FALSE);
+    const auto expectReleased = [&] {
+        EXPECT_TRUE(IsWindowEnabled(parent));
+        EXPECT_TRUE(IsWindowEnabled(other));
+        EXPECT_FALSE(IsWindowEnabled(disabled)) << "it was so before";
+        EXPECT_FALSE(FindWindowW(nullptr, L"Test plug-in window"));
+    };
     const LoadedPlugin plugin(folder_, "early:window:ConfigurationDlg\ncrash:av:ConfigurationDlg");
-    HWND parent = CreateWindowW(L"STATIC", L"parent", WS_POPUP | WS_VISIBLE, 0, 0, 90, 90, nullptr,
-                                nullptr, nullptr, nullptr);
     EXPECT_EQ(Susiectl().configurationDlg(plugin["ConfigurationDlg"], parent, 1), kCrashed);
-    EXPECT_TRUE(IsWindowEnabled(parent));
-    EXPECT_FALSE(FindWindowW(nullptr, L"Test plug-in window"));
-    DestroyWindow(parent);
+    expectReleased();
+    EXPECT_EQ(plugin.DecodeWith("early:window:GetPicture\ncrash:av:GetPicture"), kCrashed);
+    expectReleased();
+    for (HWND window : {parent, other, disabled})
+        DestroyWindow(window);
 }
 
 }  // namespace
