@@ -13,7 +13,8 @@ bool ApplyFirstRunDefaults() {
     // A store that cannot be read or written was already told by the readers; the program runs on
     // without the mark.
     return Trapped(true, [] {
-        if (GetSetting(L"Init", L"Run", L"0") != L"1") {
+        // A mark that cannot be read is no mark.
+        if (Trapped(std::wstring(), [] { return GetSetting(L"Init", L"Run", L"0"); }) != L"1") {
             GeneralSettings& general = Values().general;
             general.useSPI = 1;
             general.spiFolder[0] = AppFolder();

@@ -19,13 +19,18 @@ namespace {
 
 constexpr int16_t kLeastColorDepth = 16;
 
+void TellFailedStart(const std::wstring& reason) {
+    ShowMessageBox(L"アプリケーションの初期化に失敗しました。\r\n" + reason, MB_ICONSTOP,
+                   L"致命的エラー");
+}
+
 // Names the plug-in in whose call the last run ended. In the status bar: a message box would greet
 // the user with a plug-in's fault, again and again if it ends every run.
 void TellInterruptedCall(PictureView& view) {
     const std::optional<PluginCall>& call = SusieCollection().InterruptedCall();
     if (!call) return;
-    view.SetPanelText(kShownFilePanel, L"前回はプラグイン " + call->plugin + L" の処理中（" +
-                                           call->function + L"）に終了しました");
+    view.SetPanelText(kNoticePanel, L"前回はプラグイン " + call->plugin + L" の処理中（" +
+                                        call->function + L"）に終了しました");
 }
 
 }  // namespace
@@ -39,9 +44,7 @@ int Main() {
         return 0;
     }
     if (!InitializeApplication()) {
-        ShowMessageBox(
-            L"アプリケーションの初期化に失敗しました。\r\n" + Values().startupFailureReason,
-            MB_ICONSTOP, L"致命的エラー");
+        TellFailedStart(Values().startupFailureReason);
         return 0;
     }
     frmMain window({.commandLine = CommandLineArguments(),
@@ -53,7 +56,10 @@ int Main() {
                         }});
     FirstFileViewer viewer(window);
     window.SetFileListReceiver(viewer);
-    if (!window.Load()) return 1;
+    if (!window.Load()) {
+        TellFailedStart({});
+        return 1;
+    }
     TellInterruptedCall(window);
     window.Show();
     return RunMessageLoop();

@@ -22,8 +22,10 @@ int __stdcall OnReadProgress(int done, int total, LONG_PTR userData) {
 
 // What a file's first bytes say. Behind the 14-byte file header stands the info header's own size:
 // 12 for OS/2 1.x, 16 to 64 for OS/2 2.x, 40 to 124 for the Windows versions.
-bool HasBitmapHeader(const uint8_t (&head)[18]) {
+// A file that ends before that is a bitmap cut short.
+bool HasBitmapHeader(const uint8_t (&head)[18], DWORD size) {
     if (head[0] != 'B' || (head[1] != 'M' && head[1] != 'A')) return false;
+    if (size < sizeof(head)) return true;
     if (head[1] == 'A') return head[14] == 'B' && head[15] == 'M';  // an OS/2 bitmap array
     uint32_t headerSize = 0;
     std::memcpy(&headerSize, head + 14, sizeof(headerSize));
@@ -54,7 +56,7 @@ BitmapCheck IsBITMAPFile(const std::wstring& path, OnUnreadable onUnreadable) {
             if (tells) TellUnreadable(path, L" の読み取りエラーです。", L"ファイルが壊れているか");
             return BitmapCheck::kUnreadable;
         }
-        return HasBitmapHeader(head) ? BitmapCheck::kYes : BitmapCheck::kNo;
+        return HasBitmapHeader(head, read) ? BitmapCheck::kYes : BitmapCheck::kNo;
     } catch (...) {
         const RaisedError error = CurrentError();
         ReportUnexpectedError(error.Number(), error.Description(), L"IsBITMAPFile(");

@@ -48,22 +48,26 @@ clsSusie* CollectionSusie::Item(std::wstring_view dllName) {
 
 void CollectionSusie::Remove(int32_t index) {
     Item(index);  // refuses what is outside
+    if (PluginCallUnderWay()) return;
     members_.erase(members_.begin() + index - 1);
     lastSuccess_ = 0;
 }
 
 void CollectionSusie::RemoveAll() {
+    if (PluginCallUnderWay()) return;
     members_.clear();
     lastSuccess_ = 0;
 }
 
 int32_t CollectionSusie::Compact() {
+    if (PluginCallUnderWay()) return Count();
     std::erase_if(members_, [](const auto& member) { return member->DllName().empty(); });
     lastSuccess_ = 0;
     return Count();
 }
 
 int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder) {
+    if (PluginCallUnderWay()) return Count();
     if (auto call = RecoverInterruptedCall()) interruptedCall_ = std::move(call);
     if (FindSusieLibrary() == nullptr || !IsFolder(folder)) return Count();
     int32_t count = Count();
@@ -77,25 +81,28 @@ int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder) {
 }
 
 void CollectionSusie::AddSPI(const std::wstring& path) {
-    if (Item(FullPathOf(path)) != nullptr) return;
-    const std::wstring plugin = FileNameOf(path);
+    if (PluginCallUnderWay() || Item(FullPathOf(path)) != nullptr) return;
     auto added = std::make_unique<clsSusie>();
     added->SetAutoUnload(dynamicLoad_);
     added->SetCheckMode(!tryAll_);
-    int32_t total = 0;
-    try {
-        // A replaced file must not be judged by the failures of the one before.
-        CheckFileDate(path);
-        if (!KeepsEndingTheProgram(plugin)) {
-            added->SetDllName(path);
-            NoteLoaded(plugin);
-        }
-        total = added->ErrorCount({});
-    } catch (const RaisedError&) {
-        // It stays unusable, or has no history.
-    }
-    members_.insert(members_.begin() + InsertionIndex(total), std::move(added));
+    LoadPlugin(*added, path);
+    members_.insert(members_.begin() + InsertionIndex(added->ErrorCount({})), std::move(added));
     lastSuccess_ = 0;
+}
+
+// Whatever the store refuses to tell or to note, a plug-in that works is loaded.
+void CollectionSusie::LoadPlugin(clsSusie& added, const std::wstring& path) {
+    const std::wstring plugin = FileNameOf(path);
+    const std::wstring upperName = ToUpper(plugin);
+    // A replaced file must not be judged by the failures of the one before.
+    if (Trapped(false, [&] { return CheckFileDate(path); })) barred_.erase(upperName);
+    if (Trapped(false, [&] { return KeepsEndingTheProgram(plugin); })) {
+        barred_.insert(upperName);
+        Trapped([&] { GrantAnotherLoad(plugin); });
+    }
+    if (barred_.contains(upperName)) return;
+    Trapped([&] { added.SetDllName(path); });
+    Trapped([&] { NoteLoaded(plugin); });  // one that was refused has not ended the program either
 }
 
 int32_t CollectionSusie::InsertionIndex(int32_t total) const {
@@ -106,6 +113,7 @@ int32_t CollectionSusie::InsertionIndex(int32_t total) const {
 }
 
 void CollectionSusie::UnloadFile() {
+    if (PluginCallUnderWay()) return;
     for (const auto& member : members_)
         Trapped([&] { member->SetFile({}); });
 }
@@ -114,7 +122,7 @@ int32_t CollectionSusie::GetInMemorySPICount() const {
     return static_cast<int32_t>(
         std::count_if(members_.begin(), members_.end(), [](const auto& member) {
             return !member->DllName().empty() &&
-                   GetModuleHandleW(member->DllName().c_str()) != nullptr;
+                   GetModuleHandleW(ExtendedPath(member->DllName()).c_str()) != nullptr;
         }));
 }
 

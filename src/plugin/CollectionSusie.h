@@ -1,11 +1,15 @@
 // All plug-ins, in the order in which they are tried: the one that answers which of them can read a
 // file.
+//
+// While a plug-in is being called (PluginCallUnderWay) a search finds nothing, and nothing is
+// added, removed or unbound.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -52,7 +56,8 @@ class CollectionSusie {
     int32_t FScanAllSPI(const std::wstring& folder);
 
     // Adds one plug-in before all that have failed at least as often. One that proves unusable
-    // takes a place too, with an empty DllName; one that is there already is not added again.
+    // takes a place too, with an empty DllName, as does one that must not be loaded in this run
+    // (KeepsEndingTheProgram); one that is there already is not added again.
     void AddSPI(const std::wstring& path);
 
     // The plug-in call in which the last run ended, if a scan has found one.
@@ -63,6 +68,11 @@ class CollectionSusie {
     // The index of the first member, from `startIndex` on, that accepts the file; it is then bound
     // to it. 0 when none does.
     int32_t FileSupported(const std::wstring& path, int32_t startIndex = 1);
+    // The same for a search that goes on when the member found fails with the file: looks among all
+    // that are not in `asked` and adds those that it asks, so that each is asked once.
+    int32_t FileSupported(const std::wstring& path, std::set<int32_t>& asked);
+    // To be called when the member that accepted last has failed: it is not preferred any more.
+    void ForgetSuccess() { lastSuccess_ = 0; }
     // The same for a block, which must live until the member is bound to something else. `fileName`
     // tells where the data comes from.
     int32_t MemorySupported(HLOCAL memory, const std::wstring& fileName, int32_t startIndex = 1);
@@ -84,7 +94,9 @@ class CollectionSusie {
         std::function<void(clsSusie&)> bind;           // raises when the member refuses
     };
 
-    int32_t FirstAccepting(const Search& search, int32_t startIndex);
+    int32_t FileSupported(const std::wstring& path, int32_t startIndex, std::set<int32_t>& asked);
+    int32_t FirstAccepting(const Search& search, int32_t startIndex, std::set<int32_t>& asked);
+    void LoadPlugin(clsSusie& added, const std::wstring& path);
     int32_t InsertionIndex(int32_t total) const;
 
     std::vector<std::unique_ptr<clsSusie>> members_;
@@ -92,6 +104,7 @@ class CollectionSusie {
     bool tryAll_ = true;
     int32_t lastSuccess_ = 0;  // index of the member that accepted last; 0 when unknown
     std::optional<PluginCall> interruptedCall_;
+    std::set<std::wstring> barred_;  // not to be loaded in this run: file names in upper case
 };
 
 }  // namespace tessary

@@ -29,7 +29,8 @@ std::wstring CollectionSusie::GetCommonDialogString() const {
         const std::wstring patterns = Entry(member->FileType(0));
         const std::wstring& product = member->ProductName();
         const std::wstring name = product.empty() ? FileNameOf(member->DllName()) : product;
-        entries += Entry(name) + L'(' + patterns + L")|" + patterns + L'|';
+        entries.append(Entry(name)).append(L"(").append(patterns);
+        entries.append(L")|").append(patterns).append(L"|");
     }
     if (all.back() == L';' && known.size() > 1) all.pop_back();
     return L"すべてのファイル(*.*)|*.*|すべての対応ファイル|" + all +

@@ -48,7 +48,17 @@ bool Accepts(clsSusie& member, const std::function<void(clsSusie&)>& bind) {
 }  // namespace
 
 int32_t CollectionSusie::FileSupported(const std::wstring& path, int32_t startIndex) {
-    if (!PathExists(path) || IsFolder(path)) return 0;
+    std::set<int32_t> asked;
+    return FileSupported(path, startIndex, asked);
+}
+
+int32_t CollectionSusie::FileSupported(const std::wstring& path, std::set<int32_t>& asked) {
+    return FileSupported(path, 1, asked);
+}
+
+int32_t CollectionSusie::FileSupported(const std::wstring& path, int32_t startIndex,
+                                       std::set<int32_t>& asked) {
+    if (PluginCallUnderWay() || !PathExists(path) || IsFolder(path)) return 0;
     std::optional<std::wstring> pattern;  // asked for once, and only if it matters
     return FirstAccepting({.upperName = ToUpper(FileNameOf(path)),
                            .contentPattern =
@@ -57,34 +67,32 @@ int32_t CollectionSusie::FileSupported(const std::wstring& path, int32_t startIn
                                    return *pattern;
                                },
                            .bind = [&](clsSusie& member) { member.SetFile(path); }},
-                          startIndex);
+                          startIndex, asked);
 }
 
 int32_t CollectionSusie::MemorySupported(HLOCAL memory, const std::wstring& fileName,
                                          int32_t startIndex) {
-    if (!IsLocalHandleValid(memory)) return 0;
+    if (PluginCallUnderWay() || !IsLocalHandleValid(memory)) return 0;
+    std::set<int32_t> asked;
     return FirstAccepting(
         {.upperName = ToUpper(FileNameOf(fileName)),
          .contentPattern = [] { return std::wstring(); },
          .bind = [&](clsSusie& member) { member.SetMemoryHandle(memory, fileName); }},
-        startIndex);
+        startIndex, asked);
 }
 
-int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex) {
+int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex,
+                                        std::set<int32_t>& asked) {
     const int32_t start = std::max(startIndex, 1);
-    std::vector<bool> refused(members_.size() + 1);
     const auto claims = [&](int32_t index) {
         const clsSusie& member = *members_[static_cast<size_t>(index) - 1];
         return member.Claims(search.upperName) || member.Claims(search.contentPattern());
     };
     // Nobody is asked twice about the same file.
     const auto offer = [&](int32_t index) {
-        if (refused[static_cast<size_t>(index)]) return false;
+        if (!asked.insert(index).second) return false;
         clsSusie& member = *members_[static_cast<size_t>(index) - 1];
-        if (member.DllName().empty() || !Accepts(member, search.bind)) {
-            refused[static_cast<size_t>(index)] = true;
-            return false;
-        }
+        if (member.DllName().empty() || !Accepts(member, search.bind)) return false;
         lastSuccess_ = index;
         return true;
     };

@@ -3,6 +3,9 @@
 //
 // Members raise PluginError (plugin_error.h), whose description may be shown to the user;
 // ErrorString and ErrorFunction keep the last error. Used from the user-interface thread only.
+//
+// While a plug-in is being called (PluginCallUnderWay), members that would change what is set or
+// bound or call a plug-in raise kErrorCallUnderWay, and UnloadDLL does nothing.
 #pragma once
 
 #include <windows.h>
@@ -156,7 +159,9 @@ class clsSusie {
     template <typename Body>
     auto Member(std::wstring_view label, Body&& body);
 
-    // Loads the plug-in file unless it is loaded.
+    // Raises kErrorCallUnderWay while a plug-in is being called.
+    static void RequireNoCall();
+    // Loads the plug-in file unless it is loaded; no call may be under way.
     void RequireModule();
     void ReleaseModule();
     void UnloadAfterUse();

@@ -34,7 +34,7 @@ bool clsSusie::Supports(const std::wstring& file) {
 bool clsSusie::Supports(HLOCAL memory, const std::wstring& fileName) {
     const BlockLock lock(memory);
     if (!lock) return false;
-    const std::string name = ToAnsiExact(fileName).value_or(AnsiNameOf(fileName));
+    const std::string name = AnsiSourceNameOf(fileName);
     // Of a long block the plug-in gets the block itself, and may look as far as it likes.
     if (lock.Size() >= std::tuple_size_v<HeaderBlock>) {
         return calls_.IsSupported(name, lock.Address()) == kSupported;
@@ -64,6 +64,7 @@ bool clsSusie::CheckMemory(HLOCAL memory, const std::wstring& fileName) {
 
 void clsSusie::SetFile(const std::wstring& path) {
     Member(L"SetFile(", [&] {
+        RequireNoCall();
         if (path.empty()) {
             Unbind();
             UnloadAfterUse();
@@ -78,6 +79,7 @@ void clsSusie::SetFile(const std::wstring& path) {
 
 void clsSusie::SetMemoryHandle(HLOCAL memory, const std::wstring& fileName) {
     Member(L"SetMemoryHandle(", [&] {
+        RequireNoCall();
         if (!IsLocalHandleValid(memory)) {
             Unbind();
             UnloadAfterUse();
@@ -110,26 +112,30 @@ clsSusie::Binding clsSusie::AcceptedFile(const std::wstring& path) {
     Binding binding;
     binding.file = path;
     const std::optional<std::string> name = AnsiPathOf(path);
-    // An archive is its own test, unless it had to be read into memory first.
-    if ((dllStyle_ == kStylePicture || !name) && !Supports(path)) {
-        throw PluginError(kErrorNotSupported, kNotSupportedText);
-    }
+    // An archive's list is its own test, unless the file had to be read into memory first.
+    const bool askFirst = dllStyle_ == kStylePicture || !name;
+    if (askFirst && !Supports(path)) throw PluginError(kErrorNotSupported, kNotSupportedText);
     if (name) {
         binding.pluginName = *name;
     } else {
         binding.content = ReadWholeFile(path);
         if (!binding.content) throw PluginError(kErrorNotSupported, kNotSupportedText);
     }
-    if (dllStyle_ == kStyleArchive) ReadMembers(binding);
+    if (dllStyle_ == kStyleArchive) {
+        ReadMembers(binding);
+        // Of any file at all some plug-ins give an empty list.
+        if (binding.members.empty() && !askFirst && !Supports(path)) {
+            throw PluginError(kErrorNotSupported, kNotSupportedText);
+        }
+    }
     return binding;
 }
 
 clsSusie::Binding clsSusie::AcceptedMemory(HLOCAL memory, const std::wstring& fileName) {
     Binding binding;
     binding.memory = memory;
-    if (dllStyle_ == kStyleArchive) {
-        ReadMembers(binding);
-    } else if (!Supports(memory, fileName)) {
+    if (dllStyle_ == kStyleArchive) ReadMembers(binding);
+    if (binding.members.empty() && !Supports(memory, fileName)) {
         throw PluginError(kErrorNotSupported, kNotSupportedText);
     }
     return binding;

@@ -47,7 +47,7 @@ int32_t clsSusie::Width() {
 }
 
 int32_t clsSusie::Height() {
-    return Member(L"Property Get height", [&] { return Info().height; });
+    return Member(L"Property Get Height", [&] { return Info().height; });
 }
 
 int32_t clsSusie::ColorDepth() {
@@ -57,6 +57,7 @@ int32_t clsSusie::ColorDepth() {
 uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const SusieProgress& progress,
                                  const std::wstring& bmpFile, PicturePair* picture) {
     return Member(L"DecodePicture(", [&] {
+        RequireNoCall();
         if (bound_.IsEmpty()) throw PluginError(kErrorNothingBound, kNothingBoundText);
         if (dllStyle_ != kStylePicture) {
             throw PluginError(kErrorWrongPluginKind, kMethodNotOfferedText);

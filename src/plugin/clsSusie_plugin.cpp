@@ -14,8 +14,13 @@ clsSusie::~clsSusie() {
     }
 }
 
+void clsSusie::RequireNoCall() {
+    if (PluginCallUnderWay()) throw PluginError(kErrorCallUnderWay, kCallUnderWayText);
+}
+
 void clsSusie::SetDllName(const std::wstring& path) {
     Member(L"Property Let DllName(", [&] {
+        RequireNoCall();
         ReleasePlugin();
         if (path.empty()) throw PluginError(kErrorInvalidArgument, kInvalidArgumentText);
         calls_.SetPluginPath(FullPathOf(path));
@@ -54,6 +59,7 @@ void clsSusie::ReleasePlugin() {
 }
 
 void clsSusie::RequireModule() {
+    RequireNoCall();
     if (DllName().empty()) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
     if (module_ != nullptr) return;
     // The file may have gone, or been replaced, since it was last loaded.
@@ -69,11 +75,11 @@ void clsSusie::RequireModule() {
 void clsSusie::ReleaseModule() {
     if (module_ == nullptr) return;
     calls_.Free(std::exchange(module_, nullptr));
-    if (GetModuleHandleW(DllName().c_str()) == nullptr) calls_.ClearAddresses();
+    if (GetModuleHandleW(ExtendedPath(DllName()).c_str()) == nullptr) calls_.ClearAddresses();
 }
 
 void clsSusie::UnloadDLL() {
-    if (!keepLoaded_ && bound_.IsEmpty()) ReleaseModule();
+    if (!keepLoaded_ && bound_.IsEmpty() && !PluginCallUnderWay()) ReleaseModule();
 }
 
 void clsSusie::UnloadAfterUse() {

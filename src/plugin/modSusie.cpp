@@ -22,6 +22,7 @@ CollectionSusie& SusieCollection() {
 }
 
 bool LoadSPI() {
+    if (PluginCallUnderWay()) return false;
     return Trapped(false, [] {
         GeneralSettings& settings = Values().general;
         CollectionSusie& collection = SusieCollection();
@@ -41,6 +42,7 @@ bool LoadSPI() {
 }
 
 void UnloadSPI() {
+    if (PluginCallUnderWay()) return;
     try {
         Instance().reset();
     } catch (...) {

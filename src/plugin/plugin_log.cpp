@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "app/base/error.h"
+#include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "app/settings/setting_value.h"
 #include "app/settings/settings_store.h"
@@ -17,6 +18,7 @@ constexpr wchar_t kCallLog[] = L"SPI_CALLLOG";
 constexpr wchar_t kFunctionKey[] = L"Function";
 constexpr wchar_t kPluginKey[] = L"SPI";
 constexpr wchar_t kFileKey[] = L"File";
+constexpr wchar_t kRunKey[] = L"Run";  // of the process that makes the call
 
 constexpr wchar_t kTotalKey[] = L"Total";
 constexpr wchar_t kDateTime[] = L"SPI_DATETIME";
@@ -24,6 +26,28 @@ constexpr wchar_t kDateTime[] = L"SPI_DATETIME";
 // Key: a plug-in; value: how many runs in a row ended while it was being loaded.
 constexpr wchar_t kFatalLoads[] = L"SPI_FATALLOADS";
 constexpr int32_t kMostFatalLoads = 2;
+
+// The name of the mutex that this process holds for its whole life, so that others can tell its log
+// from that of a run that has ended. The start time tells processes of the same number apart.
+const wchar_t* RunName() {
+    // No object that ends: plug-ins are still freed, and logged, while static objects are
+    // destroyed.
+    static wchar_t name[64];
+    static const UniqueMutex held = [] {
+        FILETIME start{}, other;
+        GetProcessTimes(GetCurrentProcess(), &start, &other, &other, &other);
+        std::swprintf(name, std::size(name), L"Tessary_Viewer_run_%lu_%08lx%08lx",
+                      GetCurrentProcessId(), start.dwHighDateTime, start.dwLowDateTime);
+        return UniqueMutex(CreateMutexW(nullptr, FALSE, name));
+    }();
+    return name;
+}
+
+bool IsOtherLivingRun(const std::wstring& runName) {
+    if (runName.empty() || runName == RunName()) return false;
+    return UniqueMutex(OpenMutexW(SYNCHRONIZE, FALSE, runName.c_str())) ||
+           GetLastError() == ERROR_ACCESS_DENIED;
+}
 
 std::wstring ErrorLogOf(std::wstring_view plugin) {
     return std::wstring(plugin) + L"_SPI_ERRORLOG";
@@ -57,6 +81,8 @@ std::optional<std::wstring> FileDateText(const std::wstring& path) {
 }  // namespace
 
 void WriteCallLog(const PluginCall& call) {
+    // First, so that nobody takes the rest for a dead run's.
+    SaveSetting(kCallLog, kRunKey, RunName());
     SaveSetting(kCallLog, kFunctionKey, call.function);
     SaveSetting(kCallLog, kPluginKey, call.plugin);
     SaveSetting(kCallLog, kFileKey, call.file);
@@ -69,7 +95,7 @@ void ClearCallLog() {
 std::optional<PluginCall> RecoverInterruptedCall() {
     PluginCall call;
     call.plugin = GetSetting(kCallLog, kPluginKey);
-    if (call.plugin.empty()) return std::nullopt;
+    if (call.plugin.empty() || IsOtherLivingRun(GetSetting(kCallLog, kRunKey))) return std::nullopt;
     call.function = GetSetting(kCallLog, kFunctionKey);
     call.file = GetSetting(kCallLog, kFileKey);
     // Emptied before it is counted: if this run ends here as well, it is not counted twice.
@@ -94,18 +120,23 @@ bool KeepsEndingTheProgram(std::wstring_view plugin) {
     return ReadCount(kFatalLoads, plugin) >= kMostFatalLoads;
 }
 
+void GrantAnotherLoad(std::wstring_view plugin) {
+    SaveSetting(kFatalLoads, plugin, ToSettingText(kMostFatalLoads - 1));
+}
+
 void NoteLoaded(std::wstring_view plugin) {
     if (ReadCount(kFatalLoads, plugin) != 0) SaveSetting(kFatalLoads, plugin, L"0");
 }
 
-void CheckFileDate(const std::wstring& pluginPath) {
+bool CheckFileDate(const std::wstring& pluginPath) {
     const std::optional<std::wstring> date = FileDateText(pluginPath);
-    if (!date) return;
+    if (!date) return false;
     const std::wstring plugin = FileNameOf(pluginPath);
-    if (GetSetting(kDateTime, plugin) == *date) return;
+    if (GetSetting(kDateTime, plugin) == *date) return false;
     DeleteSettingSection(ErrorLogOf(plugin));
     NoteLoaded(plugin);
     SaveSetting(kDateTime, plugin, *date);
+    return true;
 }
 
 }  // namespace tessary

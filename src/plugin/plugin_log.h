@@ -24,7 +24,7 @@ void WriteCallLog(const PluginCall& call);
 void ClearCallLog();
 
 // The call that the last run did not come back from, if any: its failure is counted, and the call
-// log is clean afterwards.
+// log is clean afterwards. The log of a run that still lives, another instance's, is left alone.
 std::optional<PluginCall> RecoverInterruptedCall();
 
 // Failures of one function of a plug-in, or of all of them (key `Total`) for an empty name. What
@@ -38,11 +38,16 @@ void IncrementErrorCount(std::wstring_view plugin, std::wstring_view function);
 // keep the program from ever starting.
 bool KeepsEndingTheProgram(std::wstring_view plugin);
 
+// Grants such a plug-in one more load, which the next run is to make: what ended the program may
+// have been something else. If that one ends it too, KeepsEndingTheProgram is true again.
+void GrantAnotherLoad(std::wstring_view plugin);
+
 // To be called after the plug-in was loaded and the program still lives.
 void NoteLoaded(std::wstring_view plugin);
 
 // Compares the plug-in file's date and time with the one last seen. For a new or replaced file
-// forgets all failures and remembers the new date. A file that cannot be found changes nothing.
-void CheckFileDate(const std::wstring& pluginPath);
+// forgets all failures, remembers the new date and answers true. A file that cannot be found
+// changes nothing.
+bool CheckFileDate(const std::wstring& pluginPath);
 
 }  // namespace tessary

@@ -68,4 +68,9 @@ std::string AnsiNameOf(const std::wstring& path) {
     return name;
 }
 
+std::string AnsiSourceNameOf(const std::wstring& name) {
+    const std::optional<std::string> exact = ToAnsiExact(name);
+    return exact && exact->size() <= kLongestName ? *exact : AnsiNameOf(name);
+}
+
 }  // namespace tessary

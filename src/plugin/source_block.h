@@ -31,4 +31,8 @@ OwnedBlock ReadWholeFile(const std::wstring& path);
 // kept; of a name that is too long only it is left.
 std::string AnsiNameOf(const std::wstring& path);
 
+// The name that plug-ins are given for a block, which says where it comes from: as it is when that
+// fits, else AnsiNameOf. At most 259 bytes, what plug-ins have room for.
+std::string AnsiSourceNameOf(const std::wstring& name);
+
 }  // namespace tessary

@@ -1,5 +1,7 @@
 #include "plugin/susie_calls.h"
 
+#include <utility>
+
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "plugin/plugin_log.h"
@@ -36,6 +38,24 @@ constexpr const char* kExportedNames[kSusieFunctionCount] = {
     "GetArchiveInfo", "GetFileInfo", "GetFile",        "ConfigurationDlg",
 };
 
+bool& UnderWay() {
+    static bool underWay = false;
+    return underWay;
+}
+
+// Marks the time of a call. It restores what it found rather than counting: scopes inside a call
+// that crashes never end.
+class CallScope {
+  public:
+    CallScope() : outer_(std::exchange(UnderWay(), true)) {}
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
+    ~CallScope() { UnderWay() = outer_; }
+
+  private:
+    bool outer_;
+};
+
 const SusieLibrary& Library() {
     const SusieLibrary* const library = FindSusieLibrary();
     if (library == nullptr) throw RaisedError(kErrorInternal, kUnexpectedText);
@@ -44,12 +64,19 @@ const SusieLibrary& Library() {
 
 }  // namespace
 
+bool PluginCallUnderWay() {
+    return UnderWay();
+}
+
 // Keeps the call log for the time of a call.
 template <typename Call>
 void SusieCalls::Logged(const SusieCallNames& names, Call&& call) {
     try {
         WriteCallLog({names.logName, FileNameOf(pluginPath_), boundFile_});
-        call(Library());
+        {
+            const CallScope scope;
+            call(Library());
+        }
         ClearCallLog();
     } catch (...) {
         Trapped(ClearCallLog);
@@ -128,6 +155,7 @@ void SusieCalls::ClearAddresses() {
 
 int32_t SusieCalls::GetPluginInfo(int32_t infoNumber, char* buffer, int32_t length) {
     try {
+        const CallScope scope;
         return Mapped(Library().getPluginInfo(Address(SusieFunction::kGetPluginInfo), infoNumber,
                                               buffer, length),
                       kGetPluginInfo);

@@ -36,6 +36,11 @@ constexpr int32_t kStylePicture = 0;
 constexpr int32_t kStyleArchive = 1;
 constexpr int32_t kStyleNone = 255;
 
+// Whether a plug-in is being called at the moment. Plug-ins handle window messages while they work
+// (in message boxes, progress callbacks, settings windows), so that the user can ask for more
+// meanwhile: nothing that a call may be using must be changed then, and no other call be made.
+bool PluginCallUnderWay();
+
 // Results of a call beside the plug-in's own (susie::Result and others).
 constexpr int32_t kResultUnexpected = 20;   // an error of ours around the call
 constexpr int32_t kResultNotExported = 21;  // the plug-in does not have the function

@@ -7,6 +7,11 @@ namespace {
 
 std::string Convert(std::wstring_view text, DWORD flags, BOOL* lost) {
     if (text.empty()) return {};
+    // A system whose code page is UTF-8 loses nothing, and refuses to be asked.
+    if (GetACP() == CP_UTF8) {
+        flags = 0;
+        lost = nullptr;
+    }
     const int length = static_cast<int>(text.size());
     const int size =
         WideCharToMultiByte(CP_ACP, flags, text.data(), length, nullptr, 0, nullptr, lost);

@@ -55,7 +55,7 @@ bool SetRegistryString(HKEY root, std::wstring_view subKey, std::wstring_view va
     // The length leaves the terminating NUL out: readers of this value have always found it so.
     return RegSetValueExW(key.Get(), std::wstring(valueName).c_str(), 0, REG_SZ,
                           reinterpret_cast<const BYTE*>(value.c_str()),
-                          static_cast<DWORD>(value.size() * sizeof(wchar_t))) == ERROR_SUCCESS;
+                          static_cast<DWORD>(value.size()) * sizeof(wchar_t)) == ERROR_SUCCESS;
 }
 
 }  // namespace tessary

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "helpers/saving/save_options.h"
+
 namespace tessary {
 
 constexpr int kPluginFolderCount = 3;
@@ -50,23 +52,6 @@ struct ConvertSettings {
     bool decodeSizeBoth = false;  // the size filter wants both sides small, not either
 };
 
-// Save options, handed to the writer libraries by address: 16-bit fields in exactly this order.
-struct BmpSaveOptions {
-    int16_t saveType = 0;
-    int16_t saveRLE = 0;
-};
-struct PngSaveOptions {
-    int16_t quality = 6;
-    int16_t interlace = 0;
-};
-struct JpegSaveOptions {
-    int16_t quality = 60;
-    int16_t progressive = 0;
-    int16_t optimizedHuffman = 0;
-};
-static_assert(sizeof(BmpSaveOptions) == 4 && sizeof(PngSaveOptions) == 4 &&
-              sizeof(JpegSaveOptions) == 6);
-
 // How the shown picture is sized: 0 as it is, 1 to 3 into a fixed box, 4 into the screen's work
 // area.
 constexpr int16_t kSizeModeOriginal = 0;
@@ -79,9 +64,9 @@ constexpr int16_t kSizeModeScreen = 4;
 struct ProcessValues {
     GeneralSettings general;
     ConvertSettings convert;
-    BmpSaveOptions bmpSave;
-    PngSaveOptions pngSave;
-    JpegSaveOptions jpegSave;
+    saving::BmpSaveOptions bmpSave;
+    saving::PngSaveOptions pngSave;
+    saving::JpegSaveOptions jpegSave;
     int16_t fixSizeValue = kSizeModeOriginal;
 
     uint32_t platformId = 0;            // kPlatform… of the running system

@@ -42,7 +42,7 @@ std::wstring GetSetting(std::wstring_view section, std::wstring_view key,
     // only costs a turn.
     std::wstring text(128, L'\0');
     for (;;) {
-        DWORD size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+        DWORD size = static_cast<DWORD>(text.size()) * sizeof(wchar_t);
         const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, path.c_str(), name.c_str(),
                                             RRF_RT_REG_SZ | RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND,
                                             nullptr, text.data(), &size);
@@ -62,9 +62,9 @@ std::wstring GetSetting(std::wstring_view section, std::wstring_view key,
 
 void SaveSetting(std::wstring_view section, std::wstring_view key, std::wstring_view text) {
     const std::wstring value(text);
-    const LSTATUS status = RegSetKeyValueW(
-        HKEY_CURRENT_USER, SectionPath(section).c_str(), std::wstring(key).c_str(), REG_SZ,
-        value.c_str(), static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+    const LSTATUS status = RegSetKeyValueW(HKEY_CURRENT_USER, SectionPath(section).c_str(),
+                                           std::wstring(key).c_str(), REG_SZ, value.c_str(),
+                                           static_cast<DWORD>(value.size() + 1) * sizeof(wchar_t));
     if (status != ERROR_SUCCESS) Fail(status);
 }
 

@@ -1,5 +1,7 @@
 #include "picture/show/modShowPicture.h"
 
+#include <set>
+
 #include "app/base/error.h"
 #include "app/base/handles.h"
 #include "app/base/message_box.h"
@@ -41,8 +43,8 @@ std::wstring DecodeFailureText(const std::wstring& path, const clsSusie& plugin,
 Attempt OfferToPlugins(const std::wstring& path, PictureView& view) {
     CollectionSusie& plugins = SusieCollection();
     Attempt attempt;
-    for (int32_t index = plugins.FileSupported(path); index >= 1;
-         index = plugins.FileSupported(path, index + 1)) {
+    std::set<int32_t> asked;
+    while (const int32_t index = plugins.FileSupported(path, asked)) {
         clsSusie& plugin = plugins.Item(index);
         const std::wstring name = FileNameOf(plugin.DllName());
         if (plugin.DllStyle() == kStyleArchive) return {{kFileArchive, name}, {}, {}};
@@ -56,12 +58,15 @@ Attempt OfferToPlugins(const std::wstring& path, PictureView& view) {
             // A read that was asked to stop has not failed.
             if (Values().quitRequested) return {};
             attempt.failure = DecodeFailureText(path, plugin, error);
+            plugins.ForgetSuccess();
         }
     }
     return attempt;
 }
 
 Attempt DecodeByPlugins(const std::wstring& path, PictureView& view) {
+    // An archive that is still bound would not be read again, whatever has become of its file.
+    SusieCollection().UnloadFile();
     Attempt attempt = OfferToPlugins(path, view);
     // Nothing stays bound to a picture: its file may change on disk, and its plug-in may be freed.
     // An archive stays bound, for its members.
@@ -78,6 +83,8 @@ Attempt ReadPicture(const std::wstring& path, PictureView& view) {
             if (ReadBitmapFile(path, pair, [&](int, int) { return view.Breathe(); })) {
                 return {{kFileBitmap, {}}, OwnedPicture(pair), {}};
             }
+            // A read that was asked to stop has not failed.
+            if (Values().quitRequested) return {};
             break;  // damaged, or no bitmap after all: a plug-in may know better
         }
         case BitmapCheck::kNo:
@@ -103,11 +110,17 @@ bool PutIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
     return true;
 }
 
+bool PutResizedIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
+    const OwnedPicture resized = ResizePicture(pair, size.cx, size.cy);
+    return resized && PutIntoView(resized.Get(), size, view);
+}
+
 }  // namespace
 
 FileKind QueryFileKind(const std::wstring& path) {
     if (IsBITMAPFile(path, OnUnreadable::kStaySilent) == BitmapCheck::kYes) return kFileBitmap;
     CollectionSusie& plugins = SusieCollection();
+    plugins.UnloadFile();  // what is bound would not be read again
     const int32_t index = plugins.FileSupported(path);
     if (index < 1) return kFileUnknown;
     const bool isArchive = plugins.Item(index).DllStyle() == kStyleArchive;
@@ -121,8 +134,12 @@ ShownFile ShowFile(const std::wstring& path, PictureView& view) {
     if (!IsPictureKind(attempt.file.kind)) return attempt.file;
     SetCurrentPicture(attempt.picture.Release());
     if (!DisplayCurrentPicture(view)) {
+        // Neither the former picture nor this one's name may stand for what is not there.
+        SetCurrentPicture({});
+        view.ClearPicture();
         ShowMessageBox(FailureText(path, L"画像イメージを表示する際にエラーが発生しました"),
                        MB_ICONEXCLAMATION);
+        return {};
     }
     return attempt.file;
 }
@@ -136,11 +153,13 @@ bool DisplayCurrentPicture(PictureView& view) {
     }
     const SIZE own{header.width, header.height < 0 ? -header.height : header.height};
     const SIZE wanted = FitIntoBox(own, SizeModeBox(Values().fixSizeValue, view.WorkAreaSize()));
-    if (wanted.cx != own.cx || wanted.cy != own.cy) {
-        const OwnedPicture resized = ResizePicture(current, wanted.cx, wanted.cy);
-        if (resized && PutIntoView(resized.Get(), wanted, view)) return true;
-    }
-    return PutIntoView(current, own, view);
+    const bool fits = wanted.cx == own.cx && wanted.cy == own.cy;
+    if (!fits && PutResizedIntoView(current, wanted, view)) return true;
+    if (PutIntoView(current, own, view)) return true;
+    // Too large beside the one that is still shown, or altogether: then as large as the screen.
+    view.ClearPicture();
+    return PutIntoView(current, own, view) ||
+           PutResizedIntoView(current, FitIntoBox(own, view.WorkAreaSize()), view);
 }
 
 }  // namespace tessary

@@ -11,6 +11,7 @@ namespace tessary {
 // Status bar panels, as users count them.
 constexpr int kPluginCountPanel = 1;
 constexpr int kShownFilePanel = 2;
+constexpr int kNoticePanel = 3;  // there only when there is something to tell
 
 class PictureView {
   public:
@@ -24,7 +25,7 @@ class PictureView {
     // Empties the view.
     virtual void ClearPicture() = 0;
 
-    // Sets the text of a status bar panel, kPluginCountPanel or kShownFilePanel.
+    // Sets the text of a status bar panel, one of the k…Panel numbers.
     virtual void SetPanelText(int panel, const std::wstring& text) = 0;
 
     // Lets the message loop run for a moment in the middle of a long read, so that the window stays

@@ -6,6 +6,7 @@
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "picture/show/picture_text.h"
+#include "ui/form/busy_pointer.h"
 
 namespace tessary {
 
@@ -13,9 +14,12 @@ bool FirstFileViewer::SetFileList(std::span<const std::wstring> files) {
     const auto first = std::find_if(files.begin(), files.end(),
                                     [](const std::wstring& file) { return !file.empty(); });
     if (first == files.end()) return false;
-    Values().pictureLoading = true;
-    Trapped([&] { Show(*first); });
-    Values().pictureLoading = false;
+    {
+        Values().pictureLoading = true;
+        const BusyPointer busy;
+        Trapped([&] { Show(*first); });
+        Values().pictureLoading = false;
+    }
     // The window was closed during the load: now nothing keeps it open.
     if (Values().quitRequested) window_.Unload();
     return true;

@@ -97,8 +97,8 @@ void frmMain::Form_Load() {
     PlaceWindow();
     AcceptDroppedFiles();
     OpenCommandLine();
-    hook_.Install(Handle(), [this](UINT message, WPARAM wParam, LPARAM /*lParam*/) {
-        return OnSystemMessage(message, wParam);
+    hook_.Install(Handle(), [this](UINT message, WPARAM wParam, LPARAM lParam) {
+        return OnSystemMessage(message, wParam, lParam);
     });
     ShowPluginCount();
     SetPanelText(kShownFilePanel, L"");
@@ -157,8 +157,12 @@ void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
     PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
 }
 
-std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam) {
+std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
+        case WM_SETCURSOR:
+            if (LOWORD(lParam) != HTCLIENT || !Values().pictureLoading) return std::nullopt;
+            SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+            return TRUE;
         case kOpenFilesMessage: {
             const std::vector<std::wstring> files = std::exchange(filesToOpen_, {});
             if (fileListReceiver_ != nullptr && !files.empty() && !Values().pictureLoading) {
@@ -226,6 +230,7 @@ void frmMain::menuEditClear_Click() {
     SetCurrentPicture({});
     ClearPicture();
     SetPanelText(kPluginCountPanel, L"");
+    SetPanelText(kShownFilePanel, L"");
 }
 
 void frmMain::menuPopup_Click(int item) {

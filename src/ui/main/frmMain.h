@@ -84,7 +84,7 @@ class frmMain final : public Form, public PictureView {
     void RegisterCommands();
     void AcceptDroppedFiles();
     void OpenCommandLine();
-    std::optional<LRESULT> OnSystemMessage(UINT message, WPARAM wParam);
+    std::optional<LRESULT> OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void EndSession();
 
     void menuEditClear_Click();

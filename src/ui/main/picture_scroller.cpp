@@ -79,7 +79,8 @@ void PictureScroller::DragTo(POINT at) {
 void PictureScroller::EndDrag() {
     if (!drag_) return;
     drag_.reset();  // first: releasing tells the box that the capture is lost
-    ReleaseCapture();
+    // Whoever has taken the capture meanwhile keeps it.
+    if (GetCapture() == box_.Handle()) ReleaseCapture();
 }
 
 }  // namespace tessary

@@ -49,10 +49,11 @@ class ShowTest : public testing::Test {
         UnloadSPI();
     }
 
-    // Loads copies of test plug-ins, the first named tried first.
+    // Loads copies of test plug-ins (the archive one for `ax…`), the last by name tried first.
     void UsePlugins(const std::vector<std::pair<std::wstring, std::string>>& namesAndScripts) {
         for (const auto& [name, script] : namesAndScripts) {
-            std::filesystem::copy_file(test::TestPluginPath(L"iftst.spi"), plugins_.Path() + name);
+            const auto* original = name.starts_with(L"ax") ? L"axtsa.spi" : L"iftst.spi";
+            std::filesystem::copy_file(test::TestPluginPath(original), plugins_.Path() + name);
             if (!script.empty()) plugins_.Write(name + L".script", script);
         }
         Values().general.useSPI = 1;
@@ -124,12 +125,31 @@ TEST_F(ShowTest, ResizedPictureHasThePixelsOfItsSource) {
     EXPECT_FALSE(PathExists(AppFolder() + L"~temp.bmp"));
 }
 
-TEST_F(ShowTest, PluginThatFailsMakesRoomForTheNext) {
-    UsePlugins({{L"b_good.spi", ""}, {L"a_bad.spi", "crash:av:GetPicture\n"}});
-    const std::wstring file = files_.Write(L"picture.tst", "TST 30x20x24\n");
-    EXPECT_EQ(ShowFile(file, view_).kind, kFilePicture);
-    EXPECT_EQ(view_.shown.cx, 30);
+TEST_F(ShowTest, PluginThatFailsMakesRoomForAllOthers) {
+    const std::string lenient = "accept-all\ninfo:2:*.xyz\nanswer:GetPicture:2\n";
+    UsePlugins(
+        {{L"c_refuses.spi", "answer:IsSupported:0\n"}, {L"b_good.spi", ""}, {L"a.spi", lenient}});
+    const auto asked = [&](const wchar_t* name) {
+        return test::TestCallCount(GetModuleHandleW((plugins_.Path() + name).c_str()),
+                                   "IsSupported");
+    };
+    // It stands behind the good one, but accepted last.
+    EXPECT_EQ(QueryFileKind(files_.Write(L"a.xyz", "text")), kFilePicture);
+    EXPECT_EQ(ShowFile(files_.Write(L"a.dat", "TST 30x20x24\n"), view_).kind, kFilePicture);
+    EXPECT_EQ(asked(L"a.spi"), 2);
+    EXPECT_EQ(asked(L"c_refuses.spi"), 1);
+    // It is the only one to claim this by its name.
+    EXPECT_EQ(ShowFile(files_.Write(L"b.xyz", "TST 40x20x24\n"), view_).kind, kFilePicture);
+    EXPECT_EQ(view_.shown.cx, 40);
     EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(ShowTest, ChangedArchiveIsReadAgain) {
+    UsePlugins({{L"axtsa.spi", ""}});
+    const std::wstring file = files_.Write(L"a.tsa", "TSA\nmember\t1\t\ta.jpg\n\na");
+    EXPECT_EQ(ShowFile(file, view_).kind, kFileArchive);
+    files_.Write(L"a.tsa", "no archive any more");
+    EXPECT_EQ(ShowFile(file, view_).kind, kFileUnknown);
 }
 
 TEST_F(ShowTest, LastFailureIsToldWithItsCulprit) {
@@ -192,9 +212,12 @@ TEST_F(ShowTest, NamesOutsideTheCodePageAndLongPathsAreShown) {
 
 TEST_F(ShowTest, StoppedReadIsSilentAndChangesNothing) {
     UsePlugins({{L"a.spi", ""}});
-    const std::wstring file = files_.Write(L"picture.tst", "TST 30x20x24\n");
     Values().quitRequested = true;
-    EXPECT_EQ(ShowFile(file, view_).kind, kFileUnknown);
+    for (const std::wstring& file :
+         {files_.Write(L"picture.tst", "TST 30x20x24\n"),
+          files_.Write(L"large.bmp", test::BitmapFileOf(2000, 2000, RGB(1, 2, 3)))}) {
+        EXPECT_EQ(ShowFile(file, view_).kind, kFileUnknown) << file;
+    }
     EXPECT_EQ(view_.pictures, 0);
     EXPECT_TRUE(messages_.All().empty());
 }

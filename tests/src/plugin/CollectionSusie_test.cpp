@@ -1,6 +1,8 @@
 // The collection of plug-ins and the routine that fills it from the settings.
 #include "plugin/CollectionSusie.h"
 
+#include <functional>
+
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
 #include "tests/src/plugin/plugin_test.h"
@@ -102,6 +104,68 @@ TEST_F(CollectionTest, SearchGoesByHintThenPatternThenEverybody) {
     EXPECT_EQ(collection_.FileSupported(folder_.Path() + L"gone.tst"), 0);
 }
 
+TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
+    Add(L"a.spi");
+    const std::wstring file = folder_.Write(L"a.tst", "TST 2x3x24\n");
+    const OwnedBlock block = Block("TST 1x1x24\n");
+    ASSERT_EQ(collection_.FileSupported(file), 1);
+    clsSusie& plugin = collection_.Item(1);
+    clsSusie other;
+    other.SetDllName(Plugin(L"minimal.spi"));
+    // As the user may do it in a message box that a plug-in shows.
+    const auto useTheProgram = [&](int, int) {
+        EXPECT_TRUE(PluginCallUnderWay());
+        EXPECT_EQ(collection_.FileSupported(file), 0);
+        EXPECT_EQ(collection_.MemorySupported(block.Get(), L"a.tst"), 0);
+        EXPECT_FALSE(LoadSPI());
+        PicturePair picture;
+        const std::function<void()> refused[] = {
+            [&] { plugin.SetDllName(test::TestPluginPath(L"iftst.spi")); },
+            [&] { plugin.SetFile({}); },
+            [&] { plugin.SetMemoryHandle(nullptr, {}); },
+            [&] { other.SetFile(file); },
+            [&] { other.SetMemoryHandle(block.Get(), L"a.tst"); },
+            [&] { other.CheckFile(file); },
+            [&] { other.CheckMemory(block.Get(), L"a.tst"); },
+            [&] { other.ShowConfigurationDialog(nullptr); },
+            [&] { plugin.DecodePicture(DecodeTarget::kMemory, 0, {}, {}, &picture); },
+        };
+        for (const auto& member : refused)
+            EXPECT_EQ(Raised(member), kErrorCallUnderWay) << &member - refused;
+        other.UnloadDLL();
+        EXPECT_TRUE(IsLoaded(other.DllName()));
+        collection_.UnloadFile();
+        collection_.AddSPI(other.DllName());
+        collection_.FScanAllSPI(folder_.Path());
+        EXPECT_EQ(collection_.Compact(), 1);
+        collection_.Remove(1);
+        collection_.RemoveAll();
+        EXPECT_EQ(collection_.Count(), 1);
+        return CallIsLogged();
+    };
+    PicturePair picture;
+    plugin.DecodePicture(DecodeTarget::kMemory, 0, useTheProgram, {}, &picture);
+    EXPECT_TRUE(OwnedPicture(picture));
+    EXPECT_EQ(plugin.GetFile(), file);
+    EXPECT_FALSE(PluginCallUnderWay());
+}
+
+TEST_F(CollectionTest, AnUnreadableStoreEntryDisablesNoPlugin) {
+    const std::wstring path = Plugin(L"iftst.spi");
+    const DWORD noText = 1;
+    RegSetKeyValueW(HKEY_CURRENT_USER, (store_.KeyPath() + L"\\SPI_DATETIME").c_str(), L"iftst.spi",
+                    REG_DWORD, &noText, sizeof(noText));
+    collection_.AddSPI(path);
+    EXPECT_EQ(collection_.Item(1).DllName(), path);
+
+    // Loading this one once ended the program, but now it is merely refused.
+    const std::wstring broken = folder_.Write(L"broken.spi", "text");
+    CheckFileDate(broken);
+    SaveSetting(L"SPI_FATALLOADS", L"broken.spi", L"1");
+    collection_.AddSPI(broken);
+    EXPECT_EQ(GetSetting(L"SPI_FATALLOADS", L"broken.spi"), L"0");
+}
+
 TEST_F(CollectionTest, ByExtensionOnlyThoseThatClaimTheFileAreAsked) {
     collection_.SetTryAll(false);
     Add(L"any.spi", "accept-all\ninfo:2:*.xyz\n");
@@ -148,6 +212,7 @@ TEST_F(CollectionTest, LoadingFollowsTheSettings) {
     std::fill_n(settings.loadSPI, kPluginFolderCount, true);
     EXPECT_TRUE(LoadSPI());
     EXPECT_EQ(SusieCollection().Count(), 1);
+    EXPECT_FALSE(KeepsEndingTheProgram(L"fatal.spi"));  // the next run may try again
     EXPECT_FALSE(settings.loadSPI[0]);
     EXPECT_TRUE(settings.loadSPI[1]);
     EXPECT_FALSE(SusieCollection().TryAll());

@@ -163,6 +163,18 @@ TEST_F(ClsSusieTest, ListsArchiveMembersOutOfAnyList) {
         EXPECT_EQ(Raised([&] { plugin_.SetFile(file); }), kErrorNotSupported) << bad;
     }
     EXPECT_EQ(Raised([&] { plugin_.FileNumber(); }), kErrorNothingBound);
+
+    // An empty list is believed only of what the plug-in says it supports.
+    const std::string empty = "TSA\n\n";
+    for (const bool supported : {true, false}) {
+        plugin_.SetDllName(Plugin(L"axtsa.spi", supported ? "" : "answer:IsSupported:0\n",
+                                  std::to_wstring(supported) + L".spi"));
+        const uint32_t expected = supported ? 0 : kErrorNotSupported;
+        const std::wstring file = folder_.Write(L"empty.tsa", empty);
+        EXPECT_EQ(Raised([&] { plugin_.SetFile(file); }), expected);
+        const OwnedBlock block = Block(empty);
+        EXPECT_EQ(Raised([&] { plugin_.SetMemoryHandle(block.Get(), L"x.tsa"); }), expected);
+    }
 }
 
 TEST_F(ClsSusieTest, FilesThatPluginsCannotNameAreRead) {
@@ -194,6 +206,8 @@ TEST_F(ClsSusieTest, FilesThatPluginsCannotNameAreRead) {
 
     EXPECT_EQ(AnsiNameOf(L"C:\\x\\写真 사.jpeg"), *ToAnsiExact(L"写真 _.jpeg"));
     EXPECT_EQ(AnsiNameOf(std::wstring(200, L'写') + L".jpeg"), "_.JPEG");
+    EXPECT_EQ(AnsiSourceNameOf(std::wstring(259, L'a')), std::string(259, 'a'));
+    EXPECT_EQ(AnsiSourceNameOf(std::wstring(255, L'a') + L"\\b.jpeg"), "b.jpeg");
 }
 
 }  // namespace

@@ -50,6 +50,9 @@ TEST_F(DecodingTest, SizesAreAskedOnceAndNotBelieved) {
         EXPECT_EQ(plugin_.Width(), -1) << unknown;
         EXPECT_EQ(plugin_.Height(), -1) << unknown;
     }
+    clsSusie unset;
+    EXPECT_EQ(Raised([&] { unset.Height(); }), kErrorNoPluginSet);
+    EXPECT_EQ(unset.ErrorFunction(), L"Property Get Height");
 }
 
 TEST_F(DecodingTest, OnlyPlainPicturesAreHandedOn) {

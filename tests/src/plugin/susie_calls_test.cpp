@@ -118,6 +118,20 @@ TEST_F(SusieCallsTest, TheNextRunCountsTheCallThatEndedTheLast) {
     EXPECT_EQ(ReadErrorCount(L"iftst.spi", {}), 1);
 }
 
+TEST_F(SusieCallsTest, TheLogOfAnotherLivingRunIsLeftAlone) {
+    WriteCallLog({L"GetPicture", L"x.spi", L"x.tst"});
+    const std::wstring own = GetSetting(L"SPI_CALLLOG", L"Run");
+    EXPECT_TRUE(UniqueMutex(OpenMutexW(SYNCHRONIZE, FALSE, own.c_str())));
+    SaveSetting(L"SPI_CALLLOG", L"Run", own + L"_other");
+    UniqueMutex other(CreateMutexW(nullptr, FALSE, (own + L"_other").c_str()));
+    EXPECT_FALSE(RecoverInterruptedCall());
+    EXPECT_TRUE(CallIsLogged());
+    EXPECT_EQ(ReadErrorCount(L"x.spi", {}), 0);
+    other.Reset();
+    EXPECT_TRUE(RecoverInterruptedCall());
+    EXPECT_EQ(ReadErrorCount(L"x.spi", {}), 1);
+}
+
 TEST_F(SusieCallsTest, FailuresBelongToOneVersionOfAFile) {
     const std::wstring path = folder_.Write(L"x.spi", "old");
     CheckFileDate(path);
