@@ -2,7 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <vector>
+#include <memory>
 
 #include <jpeglib.h>
 
@@ -20,9 +20,10 @@ void DecodeBareJpeg(const std::wstring& path) {
     jpeg.out_color_space = JCS_EXT_BGR;
     jpeg_start_decompress(&jpeg);
     const size_t stride = (static_cast<size_t>(jpeg.output_width) * 3 + 3) / 4 * 4;
-    std::vector<uint8_t> rows(stride * jpeg.output_height);
+    // Not cleared first: the decoder fills it.
+    const auto rows = std::make_unique_for_overwrite<uint8_t[]>(stride * jpeg.output_height);
     while (jpeg.output_scanline < jpeg.output_height) {
-        JSAMPROW row = rows.data() + stride * jpeg.output_scanline;
+        JSAMPROW row = rows.get() + stride * jpeg.output_scanline;
         jpeg_read_scanlines(&jpeg, &row, 1);
     }
     jpeg_finish_decompress(&jpeg);

@@ -24,10 +24,13 @@ bool LocalPicture::Allocate(size_t infoSize, size_t bitsSize) {
     Free();
     infoBytes_ = AllocateLocked(info_, infoSize);
     bitsBytes_ = AllocateLocked(bits_, bitsSize);
-    return infoBytes_ != nullptr && bitsBytes_ != nullptr;
+    if (infoBytes_ == nullptr || bitsBytes_ == nullptr) return false;
+    warmer_.Start(bitsBytes_, bitsSize);
+    return true;
 }
 
 void LocalPicture::Release(HLOCAL& info, HLOCAL& bits) {
+    warmer_.Stop();
     LocalUnlock(info_);
     LocalUnlock(bits_);
     infoBytes_ = bitsBytes_ = nullptr;
@@ -36,6 +39,7 @@ void LocalPicture::Release(HLOCAL& info, HLOCAL& bits) {
 }
 
 void LocalPicture::Free() {
+    warmer_.Stop();
     FreeLocked(info_, infoBytes_);
     FreeLocked(bits_, bitsBytes_);
 }

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include "plugins/common/page_warmer.h"
 #include "plugins/common/picture_target.h"
 
 namespace tessary::spi {
@@ -29,6 +30,7 @@ class LocalPicture final : public codec::PictureTarget {
     HLOCAL bits_ = nullptr;
     uint8_t* infoBytes_ = nullptr;
     uint8_t* bitsBytes_ = nullptr;
+    PageWarmer warmer_;
 };
 
 }  // namespace tessary::spi

@@ -107,7 +107,8 @@ void PngReader::OnRead(png_structp png, png_bytep out, size_t count) {
 // of it along. So the last reads are small ones.
 void PngReader::ChooseDataSize() {
     const uint64_t left = source_.Size() - position_;
-    png_set_compression_buffer_size(png_, left > 2 * kDataSize ? kDataSize : kLastDataSize);
+    png_set_compression_buffer_size(png_,
+                                    left > 2 * uint64_t{kDataSize} ? kDataSize : kLastDataSize);
 }
 
 void PngReader::OnRow(png_structp png, png_row_infop row, png_bytep data) {
