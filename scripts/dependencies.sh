@@ -77,10 +77,24 @@ build_preset() {
     preset=$1
     prefix=$root/build/deps/$preset
     mapfile -t toolchain < <(preset_options "$preset")
-    common_key=$(compiler_version "$preset"; cat "$root/cmake/mingw-i686.cmake" "${BASH_SOURCE[0]}")
+    common_key=$(compiler_version "$preset"; printf '%s\n' "${toolchain[@]}"; cat "$root/cmake/mingw-i686.cmake")
     while read -r name package upstream; do
-        [[ -z $name || $name == '#'* ]] || build_library "$name" "$package" "$upstream"
+        case $name in
+        "" | "#"*) ;;
+        *) build_library "$name" "$package" "$upstream" </dev/null ;;
+        esac
     done <"$recipes/versions"
+    if [[ $preset == x86 ]]; then copy_ready_made_licences; fi
+}
+
+# What comes ready-made and is linked into our programs, too, brings its licence along.
+copy_ready_made_licences() {
+    local name package
+    while read -r name package; do
+        install -D --mode=644 "/usr/share/doc/$package/copyright" "$prefix/licences/$name.txt"
+    done <<<'zlib libz-mingw-w64-dev
+mingw-w64 mingw-w64-i686-dev
+gcc gcc-mingw-w64-base'
 }
 
 (($#)) || set -- x86 native

@@ -5,8 +5,9 @@
 #include <string>
 
 #include "helpers/convertdib/convertdib.h"
-#include "helpers/files/file_source.h"
 #include "helpers/dib/bitmap_file.h"
+#include "helpers/files/file_name.h"
+#include "helpers/files/file_source.h"
 
 namespace tessary::convertdib {
 namespace {
@@ -27,17 +28,6 @@ LockedBlock AllocateLocked(size_t size) {
     LockedBlock address(LocalLock(block));
     if (!address) LocalFree(block);
     return address;
-}
-
-std::wstring ToWide(const wchar_t* text) {
-    return text;
-}
-
-std::wstring ToWide(const char* text) {
-    const int length = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-    std::wstring wide(static_cast<size_t>(length), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text, -1, wide.data(), length);
-    return wide.c_str();
 }
 
 bool Load(const std::wstring& fileName, BitmapReadRecord& record, const dib::Progress& progress) {
@@ -74,7 +64,7 @@ int LoadGuarded(const Char* fileName, BitmapReadRecord* record, ProgressCallback
                 return callback(percent, 100, userData) == 0;
             };
         }
-        return Load(ToWide(fileName), *record, progress) ? 1 : 0;
+        return Load(files::FileNameOf(fileName), *record, progress) ? 1 : 0;
     } catch (...) {
         return 0;  // no exception crosses the boundary of the library
     }

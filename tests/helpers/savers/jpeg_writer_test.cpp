@@ -68,7 +68,7 @@ TEST(JpegWriter, ComesBackWithinItsQuality) {
     ForEachPicture(palette, [](const SamplePicture& picture) {
         const dib::DibView view = picture.View();
         const bool isGrey = !view.Palette().empty() && view.Width() % 2 == 0;
-        for (const int16_t progressive : {0, 1}) {
+        for (const int16_t progressive : {int16_t{0}, int16_t{1}}) {
             const auto optimized = static_cast<int16_t>(view.Width() / 2 % 2);
             const ReadJpeg read = Read(Saved(picture, {100, progressive, optimized}));
             EXPECT_LE(Difference(picture, read), 4);

@@ -54,7 +54,7 @@ TEST(PngWriter, ComesBackPixelForPixel) {
     };
     ForEachPicture(palette, [](const SamplePicture& picture) {
         const dib::DibView view = picture.View();
-        for (const int16_t interlace : {0, 1}) {
+        for (const int16_t interlace : {int16_t{0}, int16_t{1}}) {
             const Bytes file = Saved(picture, {static_cast<int16_t>(view.Width() % 10), interlace});
             Bytes expected = Bgra(view);
             if (FormOf(file)[1] != PNG_COLOR_TYPE_RGB_ALPHA) SetFourthBytes(expected, 255);
