@@ -47,7 +47,7 @@ build_library() {
     key=$(build_key "$@")
     if [[ -f $stamp && $(<"$stamp") == "$key" ]]; then return; fi
 
-    local archive work=$root/build/deps/work/$preset-$name
+    local archive work=$root/build/deps/building/$preset-$name
     archive=$(source_archive "$package" "$upstream")
     say "building $package $upstream for $preset"
     rm -rf "$stamp" "$work"
