@@ -10,7 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "app/base/handles.h"
 #include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "app/settings/settings_store.h"
 #include "bench/viewer/bare_jpeg.h"
@@ -115,12 +117,19 @@ int BenchShow(const std::wstring& path) {
 
 int BenchScan(const std::wstring& folder) {
     std::vector<double> scans;
+    std::vector<double> loads;
     std::vector<double> writes;
     int count = 0;
     for (int run = 0; run < kRuns; ++run) {
         scans.push_back(Timed([&] { LoadPluginsOf(folder); }));
         count = SusieCollection().Count();
         UnloadSPI();
+        loads.push_back(Timed([&] {
+            std::vector<UniqueModule> modules;
+            for (const std::wstring& file : FilesInFolder(folder, L"*.spi")) {
+                modules.emplace_back(LoadLibraryW(file.c_str()));
+            }
+        }));
         // The call log of one load, as often as a scan needs it: load, and where libraries are not
         // kept, free.
         writes.push_back(Timed([&] {
@@ -133,6 +142,7 @@ int BenchScan(const std::wstring& folder) {
         }));
     }
     std::printf("scan of %d plug-ins          %7.1f ms\n", count, Median(scans));
+    std::printf("  of it bare load and free  %7.1f ms\n", Median(loads));
     std::printf("  of it call-log writes     %7.1f ms (%.0f %%)\n", Median(writes),
                 100 * Median(writes) / Median(scans));
     return 0;
