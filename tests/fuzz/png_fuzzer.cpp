@@ -1,4 +1,3 @@
-#include <png.h>
 #include <zlib.h>
 
 #include <vector>
@@ -10,14 +9,23 @@ using namespace tessary;
 
 namespace {
 
+constexpr size_t kSignatureSize = 8;
+
+// The big-endian number at `at`.
+uint32_t Number(const std::vector<uint8_t>& file, size_t at) {
+    return uint32_t{file[at]} << 24 | uint32_t{file[at + 1]} << 16 | uint32_t{file[at + 2]} << 8 |
+           file[at + 3];
+}
+
 // Gives every chunk its right check sum, or hardly any input would get past the first one.
 void MendCheckSums(std::vector<uint8_t>& file) {
-    for (size_t at = 8; at + 12 <= file.size();) {  // behind the signature
-        const size_t size = png_get_uint_32(&file[at]);
-        if (size > file.size() - at - 12) break;
-        png_save_uint_32(&file[at + 8 + size], static_cast<uint32_t>(crc32(
-                                                   0, &file[at + 4], static_cast<uInt>(size + 4))));
-        at += 12 + size;
+    size_t at = kSignatureSize;
+    while (at + 12 <= file.size() && Number(file, at) <= file.size() - at - 12) {
+        const size_t end = at + 8 + Number(file, at);
+        const auto sum = crc32(0, &file[at + 4], static_cast<uInt>(end - at - 4));
+        for (size_t i = 0; i < 4; ++i)
+            file[end + i] = static_cast<uint8_t>(sum >> (24 - 8 * i));
+        at = end + 4;
     }
 }
 

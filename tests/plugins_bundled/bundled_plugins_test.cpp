@@ -15,12 +15,16 @@ class BundledPlugin : public testing::TestWithParam<const char*> {
     static Bytes PictureFor(const std::string& name) {
         return name == "iftjpeg" ? MakeJpeg({}) : name == "iftpng" ? MakePng({}) : MakeGif();
     }
-    // A file with the picture behind some bytes of something else, as MacBinary holds it.
-    std::string Write(size_t position) const {
-        std::string content(position, ' ');
-        content.append(picture.begin(), picture.end());
-        const std::wstring path = folder.Write(L"picture", content);
+    std::string Write(const Bytes& bytes) const {
+        const std::wstring path =
+            folder.Write(L"picture", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
         return {path.begin(), path.end()};
+    }
+    // Behind 128 bytes of something else, as a MacBinary file holds a picture.
+    std::string WriteBehindHeader() const {
+        Bytes file(128 + picture.size());
+        std::copy(picture.begin(), picture.end(), file.begin() + 128);
+        return Write(file);
     }
 
     const LoadedPlugin plugin{GetParam()};
@@ -40,8 +44,10 @@ TEST_P(BundledPlugin, IntroducesItself) {
         ++number;
     }
     EXPECT_GT(number, 3);
-    for (const int unknown : {number + 1, -1, INT_MAX, INT_MIN})
+    EXPECT_EQ(number % 2, 0);
+    for (const int unknown : {number + 1, -1, INT_MAX, INT_MIN}) {
         EXPECT_EQ(plugin.getPluginInfo(unknown, text, sizeof text), 0) << unknown;
+    }
     EXPECT_EQ(plugin.getPluginInfo(0, nullptr, 10), 0);
     EXPECT_EQ(plugin.getPluginInfo(0, text, 0), 0);
 
@@ -64,8 +70,8 @@ TEST_P(BundledPlugin, TellsItsFilesByHeaderHandleOrName) {
     const Bytes junk(susie::kHeaderBlockSize, 0x20);
     EXPECT_EQ(plugin.isSupported("picture.jpg", junk.data()), 0);
 
-    EXPECT_EQ(plugin.isSupported(Write(0).c_str(), nullptr), 1);
-    const std::string file = Write(128);
+    EXPECT_EQ(plugin.isSupported(Write(picture).c_str(), nullptr), 1);
+    const std::string file = WriteBehindHeader();
     EXPECT_EQ(plugin.isSupported(file.c_str(), nullptr), 0);
     EXPECT_EQ(plugin.isSupported(nullptr, nullptr), 0);
 
@@ -83,16 +89,21 @@ TEST_P(BundledPlugin, DecodesMemoryFilesAndPartsOfFiles) {
     const HandedPicture fromMemory(plugin, picture);
     ASSERT_EQ(fromMemory.result, susie::kSuccess);
     const dib::BitmapInfoHeader header = fromMemory.Header();
+    const auto width = static_cast<uint32_t>(header.width);
+    const auto height = static_cast<uint32_t>(header.height);
     EXPECT_EQ(LocalSize(fromMemory.info), dib::InfoBlockSize(header));
+    EXPECT_EQ(LocalSize(fromMemory.bits), dib::RowStride(width, header.bitCount) * height);
     EXPECT_EQ(header.sizeImage, LocalSize(fromMemory.bits));
     EXPECT_EQ(LocalFlags(fromMemory.info) & LMEM_LOCKCOUNT, 0u);
     EXPECT_EQ(LocalFlags(fromMemory.bits) & LMEM_LOCKCOUNT, 0u);
-    for (const size_t position : {0, 128}) {
-        const HandedPicture fromFile(plugin, Write(position).c_str(), position,
-                                     position == 0 ? 0x80 : susie::kSourceFile);  // a host's bit
-        ASSERT_EQ(fromFile.result, susie::kSuccess);
-        EXPECT_EQ(fromFile.Pixels().bgra, fromMemory.Pixels().bgra);
-    }
+    const uint32_t color = fromMemory.Pixels().At(3, 4);
+
+    const HandedPicture fromFile(plugin, Write(picture).c_str(), 0, 0x80);  // a bit of the host's
+    ASSERT_EQ(fromFile.result, susie::kSuccess);
+    EXPECT_EQ(fromFile.Pixels().At(3, 4), color);
+    const HandedPicture fromPart(plugin, WriteBehindHeader().c_str(), 128, susie::kSourceFile);
+    ASSERT_EQ(fromPart.result, susie::kSuccess);
+    EXPECT_EQ(fromPart.Pixels().At(3, 4), color);
 
     susie::PictureInfo info{};
     EXPECT_EQ(
@@ -102,29 +113,25 @@ TEST_P(BundledPlugin, DecodesMemoryFilesAndPartsOfFiles) {
     EXPECT_EQ(info.width, header.width);
     EXPECT_EQ(info.height, header.height);
     EXPECT_EQ(info.colorDepth, header.bitCount);
-    EXPECT_EQ(info.xDensity, GetParam() == std::string("iftwic") ? 0 : 100);
+    EXPECT_EQ(info.xDensity, GetParam() == std::string("iftpng") ? 100 : 0);
     EXPECT_EQ(info.hInfo, nullptr);
 }
 
 TEST_P(BundledPlugin, AnswersFailuresWithTheirCodeAndNoBlocks) {
-    const std::string file = Write(3000);
-    const std::string missing = file + ".missing";
-    const struct {
-        const std::string& name;
-        int offset;
-        uint32_t flag;
-        int result;
-    } cases[] = {{file, 0, susie::kSourceFile, susie::kUnknownFormat},
-                 {file, 99999, susie::kSourceFile, susie::kBrokenData},
-                 {file, -1, susie::kSourceFile, susie::kBrokenData},
-                 {file, 0, 5, susie::kInternalError},
-                 {missing, 0, susie::kSourceFile, susie::kReadError}};
-    for (const auto& c : cases) {
-        const HandedPicture handed(plugin, c.name.c_str(), static_cast<size_t>(c.offset), c.flag);
-        EXPECT_EQ(handed.result, c.result) << &c - cases;
-        EXPECT_TRUE(handed.info == nullptr && handed.bits == nullptr);
-    }
-    EXPECT_TRUE(DeleteFileA(file.c_str()));  // nothing keeps the file open
+    const std::string junk = Write(Bytes(3000, 0x20));
+    const std::string missing = junk + ".missing";
+    const auto decodeFile = [&](const std::string& name, LONG_PTR offset, uint32_t flag) {
+        const HandedPicture handed(plugin, name.c_str(), static_cast<size_t>(offset), flag);
+        EXPECT_EQ(handed.info, nullptr);
+        EXPECT_EQ(handed.bits, nullptr);
+        return handed.result;
+    };
+    EXPECT_EQ(decodeFile(junk, 0, susie::kSourceFile), susie::kUnknownFormat);
+    EXPECT_EQ(decodeFile(junk, 5000, susie::kSourceFile), susie::kBrokenData);
+    EXPECT_EQ(decodeFile(junk, -1, susie::kSourceFile), susie::kBrokenData);
+    EXPECT_EQ(decodeFile(junk, 0, 5), susie::kInternalError);
+    EXPECT_EQ(decodeFile(missing, 0, susie::kSourceFile), susie::kReadError);
+    EXPECT_TRUE(DeleteFileA(junk.c_str()));  // nothing keeps the file open
     EXPECT_EQ(HandedPicture(plugin, Bytes(picture.begin(), picture.begin() + 30)).result,
               susie::kBrokenData);
 
@@ -137,6 +144,8 @@ TEST_P(BundledPlugin, AnswersFailuresWithTheirCodeAndNoBlocks) {
                                 reinterpret_cast<LONG_PTR>(&calls));
     EXPECT_EQ(stopped.result, susie::kAborted);
     EXPECT_EQ(calls, 1);
+    EXPECT_EQ(plugin.getPreview(nullptr, 0, 0, nullptr, nullptr, nullptr, 0),
+              susie::kNotImplemented);
     EXPECT_EQ(plugin.getPicture(nullptr, 0, 0, nullptr, nullptr, nullptr, 0),
               susie::kInternalError);
     EXPECT_EQ(plugin.getPictureInfo(nullptr, 0, 0, nullptr), susie::kInternalError);

@@ -44,16 +44,16 @@ class Colors {
     explicit Colors(const dib::DibView& view)
         : width(static_cast<uint32_t>(view.Width())),
           height(static_cast<uint32_t>(view.Height())),
-          bgra(size_t{width} * height * 4) {
+          bgra_(size_t{width} * height * 4) {
         const dib::RowReader reader(view);
         for (uint32_t y = 0; y < height; ++y) {
             reader.RowBgra(view.Row(static_cast<int32_t>(y)),
-                           std::span(bgra).subspan(size_t{y} * width * 4, size_t{width} * 4));
+                           std::span(bgra_).subspan(size_t{y} * width * 4, size_t{width} * 4));
         }
     }
     // `channel`: 0 blue, 1 green, 2 red, 3 alpha where the picture has one.
     int Channel(uint32_t x, uint32_t y, unsigned channel) const {
-        return bgra[(size_t{y} * width + x) * 4 + channel];
+        return bgra_[(size_t{y} * width + x) * 4 + channel];
     }
     // 0xRRGGBB
     uint32_t At(uint32_t x, uint32_t y) const {
@@ -62,7 +62,9 @@ class Colors {
     }
 
     const uint32_t width, height;
-    Bytes bgra;  // blue, green, red, alpha
+
+  private:
+    Bytes bgra_;
 };
 
 // Decodes `file`; without success the target is of no use.

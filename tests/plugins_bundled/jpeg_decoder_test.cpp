@@ -12,7 +12,10 @@ namespace {
 
 const jpeg::JpegDecoder kDecoder;
 
-// The marker, the length in two bytes, the depth, height and width.
+// Where in the frame header the depth and the size are, counted from its marker.
+constexpr size_t kPrecisionAt = 4;
+constexpr size_t kHeightAt = 5;
+
 Bytes::iterator FrameHeader(Bytes& file) {
     const uint8_t marker[] = {0xFF, 0xC0};
     return std::search(file.begin(), file.end(), std::begin(marker), std::end(marker));
@@ -29,17 +32,16 @@ void ExpectTiles(const JpegPlan& plan) {
     ASSERT_EQ(picture.width, o >= 5 ? kJpegHeight : kJpegWidth);
     ASSERT_EQ(picture.height, o >= 5 ? kJpegWidth : kJpegHeight);
     EXPECT_EQ(decoded.form.width, picture.width);
-    const uint32_t right = kJpegWidth - 1, bottom = kJpegHeight - 1;
     int worst = 0;
-    for (uint32_t y = 0; y <= bottom; ++y) {
-        for (uint32_t x = 0; x <= right; ++x) {
+    for (uint32_t y = 0; y < kJpegHeight; ++y) {
+        for (uint32_t x = 0; x < kJpegWidth; ++x) {
             // Where the TIFF document puts the stored pixel (x, y).
-            uint32_t across = o == 2 || o == 3 || o == 7 || o == 8 ? right - x : x;
-            uint32_t down = o == 3 || o == 4 || o == 6 || o == 7 ? bottom - y : y;
-            if (o >= 5) std::swap(across, down);
+            const uint32_t across = o == 2 || o == 3 || o == 7 || o == 8 ? kJpegWidth - 1 - x : x;
+            const uint32_t down = o == 3 || o == 4 || o == 6 || o == 7 ? kJpegHeight - 1 - y : y;
             for (unsigned c = 0; c < 3; ++c) {
-                const int wanted = JpegChannel(plan.kind, x, y, c);
-                worst = std::max(worst, std::abs(wanted - picture.Channel(across, down, c)));
+                const int actual =
+                    o >= 5 ? picture.Channel(down, across, c) : picture.Channel(across, down, c);
+                worst = std::max(worst, std::abs(JpegChannel(plan.kind, x, y, c) - actual));
             }
         }
     }
@@ -55,7 +57,7 @@ TEST(JpegDecoder, ShowsEveryKindUpright) {
     ExpectTiles({.kind = JpegKind::kPlainInk});
     ExpectTiles({.progressive = true});
 
-    const Decoded turned(kDecoder, MakeJpeg({.orientation = 6}));
+    const Decoded turned(kDecoder, MakeJpeg({.orientation = 6, .dotsPerInch = 100}));
     EXPECT_EQ(turned.form.xPelsPerMeter, 7874);  // the density down the stored picture
     EXPECT_EQ(turned.target.View()->Header().yPelsPerMeter, 3937);
 }
@@ -74,14 +76,15 @@ TEST(JpegDecoder, ShowsWhatAFileCutShortHolds) {
 }
 
 TEST(JpegDecoder, RefusesWhatItCannotShow) {
+    EXPECT_EQ(Decoded(kDecoder, Bytes{'G', 'I', 'F', '8'}).result, Result::kUnknownFormat);
     EXPECT_EQ(Decoded(kDecoder, Bytes{}).result, Result::kUnknownFormat);
     Bytes deep = MakeJpeg({});
-    FrameHeader(deep)[4] = 12;
+    FrameHeader(deep)[kPrecisionAt] = 12;
     EXPECT_EQ(Decoded(kDecoder, deep).result, Result::kUnknownFormat);
 
     // No memory may be taken for the 0.8 GB that this header announces.
     Bytes forged = MakeJpeg({});
-    std::fill_n(FrameHeader(forged) + 5, 4, uint8_t{0x40});
+    std::fill_n(FrameHeader(forged) + kHeightAt, 4, uint8_t{0x40});
     const Decoded decoded(kDecoder, forged);
     EXPECT_EQ(decoded.result, Result::kBrokenData);
     EXPECT_FALSE(decoded.target.View());
@@ -89,10 +92,18 @@ TEST(JpegDecoder, RefusesWhatItCannotShow) {
 
 TEST(JpegDecoder, StopsWhenToldAndWhenTheDeviceFails) {
     const Bytes file = MakeJpeg({.progressive = true});
-    int calls = 0;
+    int calls = 0, last = 0, total = 1;
     const Decoded stopped(kDecoder, file, Progress([&](int, int) { return ++calls < 2; }));
     EXPECT_EQ(stopped.result, Result::kAborted);
     EXPECT_EQ(calls, 2);
+    const Decoded finished(kDecoder, file, Progress([&](int done, int all) {
+                               EXPECT_GE(done, last);
+                               last = done;
+                               total = all;
+                               return true;
+                           }));
+    EXPECT_EQ(finished.result, Result::kSuccess);
+    EXPECT_EQ(last, total);
 
     FailingSource source(file, 300);
     MemoryTarget target;

@@ -31,6 +31,7 @@ class LoadedPlugin {
         Find(isSupported, "IsSupported");
         Find(getPictureInfo, "GetPictureInfo");
         Find(getPicture, "GetPicture");
+        Find(getPreview, "GetPreview");
     }
     ~LoadedPlugin() { FreeLibrary(module_); }
     LoadedPlugin(const LoadedPlugin&) = delete;
@@ -40,6 +41,7 @@ class LoadedPlugin {
     susie::IsSupportedFunction isSupported;
     susie::GetPictureInfoFunction getPictureInfo;
     susie::GetPictureFunction getPicture;
+    susie::GetPictureFunction getPreview;
 
   private:
     template <class Function>

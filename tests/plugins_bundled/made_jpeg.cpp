@@ -48,9 +48,9 @@ std::vector<uint8_t> MakeJpeg(const JpegPlan& plan) {
     jpeg_set_quality(&jpeg, 100, TRUE);
     jpeg.comp_info[0].h_samp_factor = jpeg.comp_info[0].v_samp_factor = 1;
     if (plan.progressive) jpeg_simple_progression(&jpeg);
-    jpeg.density_unit = 1;
-    jpeg.X_density = 100;
-    jpeg.Y_density = 200;
+    jpeg.density_unit = plan.dotsPerInch != 0;
+    jpeg.X_density = plan.dotsPerInch;
+    jpeg.Y_density = static_cast<UINT16>(plan.dotsPerInch * 2);
     jpeg_start_compress(&jpeg, TRUE);
     // A TIFF directory of one entry: Orientation, SHORT. The byte orders take turns.
     const auto value = static_cast<uint8_t>(plan.orientation);
@@ -58,6 +58,7 @@ std::vector<uint8_t> MakeJpeg(const JpegPlan& plan) {
                            1,   18,  0,   3,   0, 0, 0,   1,   0, value, 0, 0, 0, 0, 0, 0};
     const uint8_t little[] = {'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42,    0, 8, 0, 0, 0, 1, 0,
                               18,  1,   3,   0,   1, 0, 0,   0,   value, 0, 0, 0, 0, 0, 0, 0};
+    static_assert(sizeof big == sizeof little);
     jpeg_write_marker(&jpeg, JPEG_APP0 + 1, value % 2 == 0 ? little : big, sizeof big);
     const int flip = plan.kind == JpegKind::kAdobeInk ? 255 : 0;  // there full ink is 0
     std::vector<uint8_t> row;

@@ -9,12 +9,12 @@ namespace tessary::codec::test {
 
 enum class JpegKind { kColor, kGrey, kAdobeInk, kPlainInk };
 
-// A chequerboard of 5 x 3 flat tiles, so that every pixel comes back nearly as it was; 100 dots per
-// inch across, 200 down.
+// A chequerboard of 5 x 3 flat tiles, so that every pixel comes back nearly as it was.
 struct JpegPlan {
     JpegKind kind = JpegKind::kColor;
     bool progressive = false;
     uint16_t orientation = 1;  // EXIF entry
+    uint16_t dotsPerInch = 0;  // JFIF density across, twice as much down, when not 0
 };
 
 constexpr uint32_t kTile = 40;  // pixels, a multiple of 8

@@ -1,8 +1,6 @@
 #include <png.h>
 
-#include <algorithm>
 #include <array>
-#include <random>
 
 #include "tests/plugins_bundled/made_pictures.h"
 
@@ -23,18 +21,29 @@ std::vector<uint8_t> MakePng(const PngPlan& plan) {
     png_set_pHYs(png, info, 3937, 7874, PNG_RESOLUTION_METER);
     if (plan.colorType == PNG_COLOR_TYPE_PALETTE) {
         std::array<png_color, 256> colors;
-        for (unsigned i = 0; i < colors.size(); ++i)
+        for (unsigned i = 0; i < colors.size(); ++i) {
             colors[i].red = colors[i].green = colors[i].blue = PngPaletteLevel(i);
+        }
         png_set_PLTE(png, info, colors.data(), 1 << plan.depth);
     }
     const size_t rowBytes = png_get_rowbytes(png, info);
     std::vector<uint8_t> pixels(rowBytes * plan.height);
-    std::minstd_rand noise;
-    for (uint8_t& byte : pixels)
-        byte = static_cast<uint8_t>(noise() >> 8);
+    uint32_t noise = 1;
+    for (uint8_t& byte : pixels) {
+        noise = noise * 1664525 + 1013904223;
+        byte = static_cast<uint8_t>(noise >> 24);
+    }
     if (plan.transparent) {
-        std::fill_n(pixels.begin(), 8, uint8_t{0});  // clear, like the rest of this colour
-        const png_color_16 clear{};
+        // The first pixel is clear, and what has its colour.
+        const auto sample = [&](size_t channel) {
+            const size_t at = channel * static_cast<size_t>(plan.depth) / 8;
+            if (plan.depth == 16) return static_cast<png_uint_16>(pixels[at] << 8 | pixels[at + 1]);
+            return static_cast<png_uint_16>(pixels[at] >> (8 - plan.depth));
+        };
+        const png_uint_16 first = sample(0);
+        const bool isColor = plan.colorType == PNG_COLOR_TYPE_RGB;
+        const png_color_16 clear{0, first, isColor ? sample(1) : first, isColor ? sample(2) : first,
+                                 first};
         const png_byte alphas[]{0, 60, 120, 180};
         png_set_tRNS(png, info, alphas, plan.depth == 1 ? 2 : 4, &clear);
     }
@@ -43,11 +52,11 @@ std::vector<uint8_t> MakePng(const PngPlan& plan) {
         const png_color_16 color{static_cast<png_byte>(sample), sample, sample, sample, sample};
         png_set_bKGD(png, info, &color);
     }
+    std::vector<png_bytep> rows;
+    for (uint32_t y = 0; y < plan.height; ++y)
+        rows.push_back(pixels.data() + y * rowBytes);
     png_write_info(png, info);
-    for (int pass = png_set_interlace_handling(png); pass > 0; --pass) {
-        for (uint32_t y = 0; y < plan.height; ++y)
-            png_write_row(png, &pixels[y * rowBytes]);
-    }
+    png_write_image(png, rows.data());
     png_write_end(png, nullptr);
     png_destroy_write_struct(&png, &info);
     return file;

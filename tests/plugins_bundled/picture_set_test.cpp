@@ -1,4 +1,6 @@
-// The PNG decoder over pictures of other programs, where those are at hand.
+// The decoders over pictures of other programs, where those are at hand.
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -6,21 +8,52 @@
 #include <iterator>
 #include <string_view>
 
+#include "helpers/dib/bitmap_file.h"
+#include "plugins/iftjpeg/jpeg_decoder.h"
 #include "plugins/iftpng/png_decoder.h"
-#include "tests/plugins_bundled/reference_pictures.h"
+#include "tests/plugins_bundled/decoded_picture.h"
 
 namespace tessary::codec::test {
 namespace {
+
+std::filesystem::path PictureFolder() {
+    const char* chosen = std::getenv("TESSARY_PICTURES");
+    return chosen != nullptr ? chosen : TESSARY_PICTURES;
+}
 
 Bytes ReadFile(const std::filesystem::path& path) {
     std::ifstream stream(path, std::ios::binary);
     return {std::istreambuf_iterator(stream), std::istreambuf_iterator<char>()};
 }
 
+Colors ReadBitmap(const std::filesystem::path& path) {
+    const Bytes file = ReadFile(path);
+    dib::MemorySource source(file);
+    dib::BitmapFile bitmap(source);
+    EXPECT_EQ(bitmap.Open(), dib::DibError::kNone);
+    Bytes bits(bitmap.BitsSize());
+    EXPECT_EQ(bitmap.ReadBits(bits, {}), dib::DibError::kNone);
+    return Colors(*dib::DibView::Of(bitmap.Info(), bits));
+}
+
+// Largest difference to a bitmap with alpha. On a background of the file's own (not `onWhite`) only
+// the opaque pixels are known.
+int WorstDifference(const Colors& actual, const Colors& expected, bool onWhite) {
+    int worst = 0;
+    for (uint32_t y = 0; y < actual.height; ++y) {
+        for (uint32_t x = 0; x < actual.width; ++x) {
+            const int alpha = expected.Channel(x, y, 3);
+            for (unsigned c = 0; c < 3 && (onWhite || alpha == 255); ++c) {
+                const int wanted = (expected.Channel(x, y, c) * alpha + 255 * (255 - alpha)) / 255;
+                worst = std::max(worst, std::abs(actual.Channel(x, y, c) - wanted));
+            }
+        }
+    }
+    return worst;
+}
+
 TEST(PictureSet, PngSuiteLooksAsItShould) {
-    const char* chosen = std::getenv("TESSARY_PICTURES");
-    const auto folder =
-        std::filesystem::path(chosen != nullptr ? chosen : TESSARY_PICTURES) / "pngsuite";
+    const auto folder = PictureFolder() / "pngsuite";
     if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << "no pictures in " << folder;
     const png::PngDecoder decoder;
     for (const auto& entry : std::filesystem::directory_iterator(folder / "png")) {
@@ -34,16 +67,40 @@ TEST(PictureSet, PngSuiteLooksAsItShould) {
         }
         ASSERT_EQ(decoded.result, Result::kSuccess);
         const Colors actual = decoded.Pixels();
-        const Colors expected = ReadBitmap(
-            ReadFile(folder / "bmp" / entry.path().filename().replace_extension(".bmp")));
+        const Colors expected =
+            ReadBitmap(folder / "bmp" / entry.path().filename().replace_extension(".bmp"));
         ASSERT_EQ(actual.width, expected.width);
+        ASSERT_EQ(actual.height, expected.height);
         constexpr std::string_view kBackground = "bKGD";
-        std::optional<int> behind;  // not known on a background of the file's own
-        if (std::search(file.begin(), file.end(), kBackground.begin(), kBackground.end()) ==
-            file.end()) {
-            behind = 255;
+        const bool onWhite = std::search(file.begin(), file.end(), kBackground.begin(),
+                                         kBackground.end()) == file.end();
+        EXPECT_LE(WorstDifference(actual, expected, onWhite), 1);
+    }
+}
+
+// Mean level of a tenth of a picture's height, at its left edge.
+double EdgeLevel(const Colors& picture, uint32_t tenth) {
+    const uint32_t height = picture.height / 10, width = picture.width / 4;
+    double sum = 0;
+    for (uint32_t y = 0; y < height; ++y) {
+        for (uint32_t x = 0; x < width; ++x)
+            sum += picture.Channel(x, tenth * height + y, 1);
+    }
+    return sum / (width * height);
+}
+
+TEST(PictureSet, AllRotationsShowTheSamePicture) {
+    const auto folder = PictureFolder() / "photos";
+    if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << "no pictures in " << folder;
+    const jpeg::JpegDecoder decoder;
+    const Colors upright = Decoded(decoder, ReadFile(folder / "rotation-1.jpg")).Pixels();
+    for (char digit = '2'; digit <= '8'; ++digit) {
+        std::string name = "rotation-?.jpg";
+        name[9] = digit;
+        const Colors picture = Decoded(decoder, ReadFile(folder / name)).Pixels();
+        for (uint32_t tenth = 0; tenth < 10; ++tenth) {
+            EXPECT_NEAR(EdgeLevel(picture, tenth), EdgeLevel(upright, tenth), 12) << name << tenth;
         }
-        EXPECT_LE(WorstDifference(actual.bgra, expected.bgra, behind), 1);
     }
 }
 

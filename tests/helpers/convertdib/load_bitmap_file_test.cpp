@@ -59,9 +59,11 @@ class LoadBitmapFile : public testing::Test {
 };
 
 TEST_F(LoadBitmapFile, OpensNamesOfEveryKind) {
-    const std::wstring source = folder_.Write(L"表示 ソ.bmp", Content(kSmall));
-    EXPECT_EQ(Load(source.c_str()), "RG/BW");
-    EXPECT_EQ(Load(folder_.Write(L"한글 \U0001F600.bmp", Content(kSmall)).c_str()), "RG/BW");
+    std::wstring source;
+    for (const wchar_t* name : {L"plain.bmp", L"한글 \U0001F600.bmp", L"表示 ソ.bmp"}) {
+        source = folder_.Write(name, Content(kSmall));
+        EXPECT_EQ(Load(source.c_str()), "RG/BW");
+    }
     std::array<char, 1000> ansi{};
     WideCharToMultiByte(CP_ACP, 0, source.c_str(), -1, ansi.data(), ansi.size(), nullptr, nullptr);
     EXPECT_EQ(Taken(loadA_(ansi.data(), &record_, nullptr, 0)), "RG/BW");
@@ -73,6 +75,7 @@ TEST_F(LoadBitmapFile, OpensNamesOfEveryKind) {
     }
     deep += L"長い.bmp";
     ASSERT_TRUE(CopyFileW(source.c_str(), deep.c_str(), TRUE));
+    EXPECT_EQ(Load(deep.c_str()), "RG/BW");
     EXPECT_EQ(Load(deep.c_str() + 4), "RG/BW");
 }
 
@@ -87,7 +90,9 @@ TEST_F(LoadBitmapFile, FailsWithoutTrace) {
     const std::wstring bad = folder_.Write(L"bad.bmp", "BMW");
     const std::wstring huge = folder_.Write(L"huge.bmp", Content({20000, 20000, 32, {1}}));
     const std::wstring good = folder_.Write(L"good.bmp", Content(kSmall));
-    for (const wchar_t* name : {L"", L"no such file.bmp", L"NUL", bad.c_str(), huge.c_str()}) {
+    const wchar_t* const none = nullptr;
+    for (const wchar_t* name : {none, L"", L"no such file.bmp", L"NUL", bad.c_str(), huge.c_str(),
+                                folder_.Path().c_str()}) {
         record_.bits = this;
         EXPECT_EQ(Load(name), "failed");
     }
@@ -97,6 +102,29 @@ TEST_F(LoadBitmapFile, FailsWithoutTrace) {
     EXPECT_EQ(Load(good.c_str(), stop), "failed");
     EXPECT_EQ(info_, decltype(info_){});
     EXPECT_EQ(loadW_(good.c_str(), nullptr, nullptr, 0), 0);
+    record_.info = nullptr;
+    EXPECT_EQ(Load(good.c_str()), "failed");
+}
+
+TEST_F(LoadBitmapFile, SharesTheFileAndTellsProgressNowAndThen) {
+    constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const auto path = folder_.Write(L"big.bmp", Content({3000, 3000, 24, Bytes(27000000)}));
+    const HANDLE other = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, kAll,
+                                     nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(other, INVALID_HANDLE_VALUE);
+    const auto note = [](int done, int total, LONG_PTR userData) __attribute__((stdcall)) {
+        EXPECT_EQ(total, 100);
+        reinterpret_cast<std::vector<int>*>(userData)->push_back(done);
+        return 0;
+    };
+    std::vector<int> percents;
+    EXPECT_NE(loadW_(path.c_str(), &record_, note, reinterpret_cast<LONG_PTR>(&percents)), 0);
+    CloseHandle(other);
+    LocalUnlock(LocalHandle(record_.bits));
+    LocalFree(LocalHandle(record_.bits));
+    EXPECT_GT(percents.size(), 50u);
+    EXPECT_LE(percents.size(), 101u);
+    EXPECT_EQ(percents.back(), 100);
 }
 
 }  // namespace

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
 #include "tests/helpers/dib/sample_bitmaps.h"
 
 namespace tessary::dib::test {
@@ -57,6 +62,7 @@ TEST(BitmapFile, FindsThePixels) {
     const Bytes gap(5, 0x77);
     const Bytes files[] = {
         T{2, 2, 8, Joined(gap, k8Bits), kRgbw, 40, 0, {}, {}, 14 + 40 + 16 + 5}.File(),
+        T{2, 2, 8, k8Bits, kRgbw, 40, 0, {}, {}, 0}.File(),
         T{2, 2, 24, k24Bits, kRgbw, 40, 0, {}, {}, 20}.File(),
         T{2, 2, 32, k32Bits, {}, 40, 3, k888Masks, {}, 54}.File(),
         Joined(kArrayHeader, T{2, 2, 24, k24Bits, {}, 12, 0, {}, {}, 14 + 14 + 12}.File()),
@@ -73,14 +79,29 @@ TEST(BitmapFile, RefusesWithTheReason) {
         Bytes file;
     } cases[] = {
         {"empty", DibError::kNotABitmap, {}},
+        {"icon", DibError::kNotABitmap, Joined({'I', 'C'}, T{2, 2, 24, k24Bits}.File())},
+        {"empty array", DibError::kNotABitmap, kArrayHeader},
         {"array of arrays", DibError::kNotABitmap, Joined(kArrayHeader, kArrayHeader)},
+        {"header of 0", DibError::kUnsupportedHeader, T{2, 2, 24, k24Bits, {}, 0}.File()},
+        {"header of 13", DibError::kUnsupportedHeader, T{2, 2, 24, k24Bits, {}, 13}.File()},
         {"header of -1", DibError::kBitsTooShort, T{2, 2, 24, k24Bits, {}, ~0u}.File()},
         {"no masks", DibError::kTruncatedHeader, T{2, 2, 32, {}, {}, 40, 3}.File()},
         {"width 0", DibError::kBadDimensions, T{0, 2, 24, k24Bits}.File()},
+        {"width -2", DibError::kBadDimensions, T{-2, 2, 24, k24Bits}.File()},
+        {"height 0", DibError::kBadDimensions, T{2, 0, 24, k24Bits}.File()},
         {"least height", DibError::kBadDimensions, T{2, INT32_MIN, 24, k24Bits}.File()},
+        {"64 bits", DibError::kUnsupportedDepth, T{2, 2, 64, k24Bits}.File()},
         {"JPEG", DibError::kUnsupportedCompression, T{2, 2, 24, k24Bits, {}, 40, 4}.File()},
+        {"PNG", DibError::kUnsupportedCompression, T{2, 2, 24, k24Bits, {}, 40, 5}.File()},
+        {"Huffman", DibError::kUnsupportedCompression, T{2, 2, 1, k1Bit, {}, 64, 3}.File()},
+        {"OS/2 masks", DibError::kUnsupportedCompression, T{2, 2, 24, k24Bits, {}, 64, 3}.File()},
         {"RLE8 of 4", DibError::kUnsupportedCompression, T{2, 2, 4, k4Bits, {}, 40, 1}.File()},
+        {"RLE4 of 8", DibError::kUnsupportedCompression, T{2, 2, 8, k8Bits, {}, 40, 2}.File()},
+        {"masks of 8", DibError::kUnsupportedCompression, T{2, 2, 8, k8Bits, kRgbw, 40, 3}.File()},
+        {"no pixels", DibError::kBitsTooShort, T{2, 2, 24, {}}.File()},
+        {"offset -1", DibError::kBitsTooShort, T{2, 2, 24, k24Bits, {}, 40, 0, {}, {}, ~0u}.File()},
         {"largest", DibError::kTooLarge, T{INT32_MAX, INT32_MAX, 32, k32Bits}.File()},
+        {"stride beyond 32 bits", DibError::kTooLarge, T{0x40000001, 4, 32, k32Bits}.File()},
         {"300 MB in 16 bytes", DibError::kTooLarge, T{10000, 10000, 24, k24Bits}.File()},
         {"100 MB of runs in 8 bytes", DibError::kTooLarge,
          T{10000, 10000, 8, k8Bits, {}, 40, 1}.File()},
@@ -99,25 +120,75 @@ TEST(BitmapFile, ShowsWhatIsLeftOfTruncatedRows) {
     EXPECT_EQ(cut({2, 2, 16, k444, {}, 40, 3, {0xF00, 0xF0, 0xF}}, 2), "R./BW");
 }
 
-// An endless file, black behind its start, that cannot be read from some place on.
-struct EndlessSource final : ByteSource {
-    uint64_t Size() const override { return uint64_t{1} << 40; }
+TEST(BitmapFile, AcceptsMuchPictureInManyRuns) {
+    const Bytes file = TestBitmap{10000, 10000, 8, Bytes(10000 * 80), {}, 40, 1}.File();
+    MemorySource source(file);
+    EXPECT_EQ(BitmapFile(source).Open(), DibError::kNone);
+}
+
+// A file of any size made up on demand. It counts what is read, and may fail from some place on.
+struct MadeUpSource final : ByteSource {
+    MadeUpSource(Bytes startBytes, uint64_t fileSize, uint64_t failsFromByte = UINT64_MAX)
+        : start(std::move(startBytes)), size(fileSize), failsFrom(failsFromByte) {}
+    uint64_t Size() const override { return size; }
     std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> into) override {
-        if (offset + into.size() > failsFrom) return std::nullopt;
+        const auto count = static_cast<size_t>(std::min<uint64_t>(into.size(), size - offset));
+        if (offset + count > failsFrom) return std::nullopt;
         std::fill(into.begin(), into.end(), uint8_t{0});
         if (offset == 0) std::copy(start.begin(), start.end(), into.begin());
-        return into.size();
+        bytesRead += count;
+        return count;
     }
-    Bytes start = TestBitmap{300, 300, 32, {}}.File();
-    uint64_t failsFrom = 300 * 300 * 4 + 200;
+    Bytes start;
+    uint64_t size;
+    uint64_t failsFrom;
+    uint64_t bytesRead = 0;
 };
 
-TEST(BitmapFile, ReadsNoFurtherThanItMustAndStops) {
-    EndlessSource source;
-    EXPECT_EQ(ReadAll(source).bitCount, 32);
-    EXPECT_EQ(ReadAll(source, [](int) { return false; }).error, DibError::kAborted);
-    source.failsFrom /= 2;
-    EXPECT_EQ(ReadAll(source).error, DibError::kReadFailed);
+TEST(BitmapFile, ReadsOnceTellsProgressAndStops) {
+    constexpr uint64_t kPixels = 300 * 300 * 4;
+    for (const auto& masks : {k888Masks, {0xFF, 0xFF00, 0xFF0000}}) {
+        const Bytes start = TestBitmap{300, 300, 32, {}, {}, 40, 3, masks}.File();
+        std::vector<int> percents;
+        const Progress note = [&](int percent) {
+            percents.push_back(percent);
+            return true;
+        };
+        MadeUpSource endless(start, uint64_t{1} << 40);
+        EXPECT_EQ(ReadAll(endless, note).bitCount, 32);
+        EXPECT_LE(endless.bytesRead, kPixels + 200);
+        EXPECT_TRUE(std::is_sorted(percents.begin(), percents.end()));
+        ASSERT_FALSE(percents.empty());
+        EXPECT_EQ(percents.back(), 100);
+
+        MadeUpSource stopped(start, start.size() + kPixels);
+        EXPECT_EQ(ReadAll(stopped, [](int) { return false; }).error, DibError::kAborted);
+        EXPECT_LT(stopped.bytesRead, kPixels * 3 / 4);
+        MadeUpSource broken(start, start.size() + kPixels, kPixels / 2);
+        EXPECT_EQ(ReadAll(broken).error, DibError::kReadFailed);
+        MadeUpSource unreadable(start, start.size() + kPixels, 0);
+        EXPECT_EQ(ReadAll(unreadable).error, DibError::kReadFailed);
+    }
+}
+
+// Bitmaps of another program: 32 bits with masks in a 124-byte header and a gap behind it, so that
+// the pixels in the file are those of the picture.
+TEST(BitmapFile, ReadsAnotherProgramsFiles) {
+    const char* chosen = std::getenv("TESSARY_PICTURES");
+    const auto folder =
+        std::filesystem::path(chosen != nullptr ? chosen : TESSARY_PICTURES) / "pngsuite" / "bmp";
+    if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << "no pictures in " << folder;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        SCOPED_TRACE(entry.path());
+        std::ifstream stream(entry.path(), std::ios::binary);
+        const Bytes file{std::istreambuf_iterator(stream), std::istreambuf_iterator<char>()};
+        MemorySource source(file);
+        BitmapFile bitmap(source);
+        ASSERT_EQ(bitmap.Open(), DibError::kNone);
+        Bytes bits = JunkBlock(bitmap.BitsSize());
+        EXPECT_EQ(bitmap.ReadBits(bits, {}), DibError::kNone);
+        EXPECT_EQ(Bytes(file.begin() + file[10], file.end()), bits);
+    }
 }
 
 }  // namespace

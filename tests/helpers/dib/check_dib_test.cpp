@@ -47,19 +47,24 @@ TEST(CheckDib, MakesEveryKindPlainAndCopiesNoMoreThanItMust) {
 }
 
 TEST(CheckDib, KeepsTheInfoBlockOnlyOfPlainPairs) {
-    const TestBitmap plain{2, 2, 8, k8Bits, kRgbw};
-    EXPECT_TRUE(Check(plain).keepsInfo);
-    TestBitmap noPlanes = plain;
-    noPlanes.planes = 0;
-    TestBitmap badCount = plain;
-    badCount.colorsUsed = 257;
-    TestBitmap longer = plain;
-    longer.headerSize = 108;
-    for (const TestBitmap& changed : {noPlanes, badCount, longer}) {
-        const Outcome outcome = Check(changed);
-        EXPECT_FALSE(outcome.keepsInfo);
-        EXPECT_TRUE(outcome.keepsBits);
-        EXPECT_EQ(outcome.picture, "RG/BW");
+    for (const TestBitmap& plain :
+         {TestBitmap{2, -2, 24, k24Bits}, TestBitmap{2, 2, 32, k32Bits}, TestBitmap{2, 2, 16, k555},
+          TestBitmap{2, 2, 16, k565, {}, 40, 3, k565Masks}, TestBitmap{2, 2, 8, k8Bits, kRgbw},
+          TestBitmap{2, 2, 4, k4Bits, kRgbw}, TestBitmap{2, 2, 1, k1Bit, {0xFF0000, 0xFF}}}) {
+        SCOPED_TRACE(plain.bitCount);
+        EXPECT_TRUE(Check(plain).keepsInfo);
+        TestBitmap noPlanes = plain;
+        noPlanes.planes = 0;
+        TestBitmap badCount = plain;
+        badCount.colorsUsed = 257;
+        TestBitmap longer = plain;
+        longer.headerSize = 108;
+        for (const TestBitmap& changed : {noPlanes, badCount, longer}) {
+            const Outcome outcome = Check(changed);
+            EXPECT_FALSE(outcome.keepsInfo);
+            EXPECT_TRUE(outcome.keepsBits);
+            EXPECT_EQ(outcome.picture, Check(plain).picture);
+        }
     }
 }
 
@@ -74,6 +79,15 @@ TEST(CheckDib, TakesRowsAsTheyLie) {
     EXPECT_EQ(Check({2, 2, 24, lastPaddingMissing}).picture, "RG/BW");
 }
 
+TEST(CheckDib, KeepsTheAlphaChannelOfReorderedMasks) {
+    const Bytes info =
+        TestBitmap{1, 1, 32, {}, {}, 56, 3, {0xFF00, 0xFF0000, 0xFF000000, 0xFF}}.Info();
+    const Bytes bits = {1, 2, 3, 4};
+    Bytes plain(4);
+    CheckDib(info, bits).WriteBits(plain);
+    EXPECT_EQ(plain, Bytes({4, 3, 2, 1}));
+}
+
 TEST(CheckDib, RefusesWithTheReason) {
     const Bytes shortBits(k24Bits.begin(), k24Bits.end() - 5);
     const struct {
@@ -81,8 +95,12 @@ TEST(CheckDib, RefusesWithTheReason) {
         TestBitmap bitmap;
     } cases[] = {
         {DibError::kBitsTooShort, {2, 2, 24, shortBits}},
+        {DibError::kBitsTooShort, {2, 4, 24, k24Bits}},
+        {DibError::kBitsTooShort, {2, 2, 24, {}}},
         {DibError::kBitsTooShort, {1, 8, 24, Bytes(28)}},
+        {DibError::kBadDimensions, {0, 0, 24, k24Bits}},
         {DibError::kBitsTooShort, {0x8000, 0x4000, 8, k8Bits}},
+        {DibError::kTooLarge, {0x10000, 0x10000, 8, k8Bits}},
         {DibError::kTooLarge, {INT32_MAX, INT32_MAX, 32, k32Bits}},
         {DibError::kTruncatedHeader, {2, 2, 16, k565, {}, 40, 3}},
         {DibError::kTruncatedHeader, {2, 2, 24, k24Bits, {}, 5000}},

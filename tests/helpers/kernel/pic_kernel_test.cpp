@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <iterator>
 
@@ -40,30 +41,41 @@ class PicKernel : public testing::Test {
 };
 
 // The road of a picture that the viewer fits into its window.
-TEST_F(PicKernel, ResizesIntoABitmapFile) {
+TEST_F(PicKernel, ResizesEveryDepthIntoABitmapFile) {
     const std::wstring fileName = folder_.Path() + L"~temp.bmp";
-    const NoisePicture picture(121, -91, 8);
-    const HIMAGE source = Attach(picture);
-    ASSERT_EQ(Resize(source, {sizeof(ResizeParameters), 47, 130, kAutomatic}), kKernelOk);
-    ASSERT_EQ(kernel_.write(resized_, fileName.c_str()), kKernelOk);
-    EXPECT_EQ(kernel_.destroy(resized_), kKernelOk);
-    EXPECT_EQ(kernel_.destroy(source), kKernelOk);
+    for (const uint16_t depth : {1, 4, 8, 16, 24, 32}) {
+        for (const int32_t height : {90, -91}) {
+            const NoisePicture picture(121, height, depth);
+            const HIMAGE source = Attach(picture);
+            ASSERT_EQ(Resize(source, {sizeof(ResizeParameters), 47, 130, kAutomatic}), kKernelOk);
+            ASSERT_EQ(kernel_.write(resized_, fileName.c_str()), kKernelOk);
+            EXPECT_EQ(kernel_.destroy(resized_), kKernelOk);
+            EXPECT_EQ(kernel_.destroy(source), kKernelOk);
 
-    const std::vector<uint8_t> file = Content(fileName);
-    constexpr size_t kStride = 144;
-    // 54 + 144 * 130 bytes; 47 x 130 pixels; 2835 and 3937 pixels per metre.
-    constexpr char kHeaders[] =
-        "BM\x56\x49\0\0\0\0\0\0\x36\0\0"
-        "\0\x28\0\0\0\x2F\0\0\0\x82\0\0\0\x01\0\x18\0\0\0\0\0"
-        "\x20\x49\0\0\x13\x0B\0\0\x61\x0F\0\0\0\0\0\0\0\0\0";
-    ASSERT_EQ(file.size(), sizeof(kHeaders) + kStride * 130);
-    EXPECT_EQ(std::memcmp(file.data(), kHeaders, sizeof(kHeaders)), 0);
-    const std::vector<double> reference = ReferenceResize(picture.View(), 47, 130);
-    for (size_t y = 0; y < 130; ++y) {
-        const uint8_t* row = &file[sizeof(kHeaders) + (129 - y) * kStride];
-        for (size_t i = 0; i < 141; ++i)
-            ASSERT_NEAR(row[i], std::clamp(reference[y * 141 + i], 0.0, 255.0), 0.52);
+            const std::vector<uint8_t> file = Content(fileName);
+            constexpr size_t kStride = 144;
+            // 54 + 144 * 130 bytes; 47 x 130 pixels; 2835 and 3937 pixels per metre.
+            constexpr char kHeaders[] =
+                "BM\x56\x49\0\0\0\0\0\0\x36\0\0"
+                "\0\x28\0\0\0\x2F\0\0\0\x82\0\0\0\x01\0\x18\0\0\0\0\0"
+                "\x20\x49\0\0\x13\x0B\0\0\x61\x0F\0\0\0\0\0\0\0\0\0";
+            constexpr size_t kHeaderBytes = 54;
+            static_assert(sizeof(kHeaders) == kHeaderBytes);
+            ASSERT_EQ(file.size(), kHeaderBytes + kStride * 130);
+            EXPECT_EQ(std::memcmp(file.data(), kHeaders, kHeaderBytes), 0);
+            const std::vector<double> reference = ReferenceResize(picture.View(), 47, 130);
+            double worst = 0;
+            for (size_t y = 0; y < 130; ++y) {
+                for (size_t i = 0; i < kStride; ++i) {
+                    const double wanted = i < 141 ? reference[y * 141 + i] : 0;  // padding is 0
+                    const double is = file[kHeaderBytes + (129 - y) * kStride + i];
+                    worst = std::max(worst, std::fabs(is - std::clamp(wanted, 0.0, 255.0)));
+                }
+            }
+            EXPECT_LE(worst, 0.52) << depth << " bits, height " << height;
+        }
     }
+    EXPECT_EQ(FilesInFolder(), 1u);
 }
 
 TEST_F(PicKernel, AttachesPixelsInPlaceAndOwnsCreatedOnes) {
@@ -76,6 +88,8 @@ TEST_F(PicKernel, AttachesPixelsInPlaceAndOwnsCreatedOnes) {
     blocks.size = sizeof(blocks);
     ASSERT_EQ(kernel_.blocks(attached, &blocks), kKernelOk);
     EXPECT_EQ(blocks.bits, picture.bits.data());
+    EXPECT_EQ(blocks.ownBits, nullptr);
+    ASSERT_EQ(blocks.infoSize, info.size());
     EXPECT_EQ(std::memcmp(blocks.info, info.data(), info.size()), 0);
 
     HIMAGE created = nullptr;
@@ -88,6 +102,7 @@ TEST_F(PicKernel, AttachesPixelsInPlaceAndOwnsCreatedOnes) {
     EXPECT_EQ(kernel_.destroy(created), kKernelOk);
     for (const HIMAGE gone : {attached, created, HIMAGE{}}) {
         EXPECT_EQ(kernel_.destroy(gone), kKernelBadHandle);
+        EXPECT_EQ(kernel_.blocks(gone, &blocks), kKernelBadHandle);
         EXPECT_EQ(kernel_.write(gone, (folder_.Path() + L"x.bmp").c_str()), kKernelBadHandle);
         EXPECT_EQ(Resize(gone, {sizeof(ResizeParameters), 1, 1, kAutomatic}), kKernelBadHandle);
     }
@@ -100,21 +115,32 @@ TEST_F(PicKernel, RefusesBadParameters) {
     constexpr int32_t kHuge = INT32_MAX;
     const std::pair<ResizeParameters, KernelResult> cases[] = {
         {{kSize, 0, 5, kAutomatic}, kKernelBadParameter},
+        {{kSize, 5, -5, kAutomatic}, kKernelBadParameter},
         {{kSize - 1, 5, 5, kAutomatic}, kKernelBadParameter},
         {{kSize, 5, 5, 3}, kKernelBadParameter},
         {{kSize, kHuge, 1, kAutomatic}, kKernelTooLarge},
+        {{kSize, 1, kHuge, kAutomatic}, kKernelTooLarge},
+        {{kSize, kHuge, kHuge, kAutomatic}, kKernelTooLarge},
         {{kSize, 1 << 16, 1 << 15, kAutomatic}, kKernelTooLarge},
     };
     for (const auto& [parameters, result] : cases) {
         EXPECT_EQ(Resize(image, parameters), result);
         EXPECT_EQ(resized_, nullptr);
     }
+    EXPECT_EQ(kernel_.resize(image, nullptr, &resized_), kKernelBadParameter);
+    EXPECT_EQ(kernel_.resize(image, &cases[0].first, nullptr), kKernelBadParameter);
+    EXPECT_EQ(kernel_.write(image, nullptr), kKernelBadParameter);
 
+    const uint8_t* info = picture.info.data();
+    const uint8_t* bits = picture.bits.data();
     HIMAGE out = image;
-    EXPECT_EQ(
-        kernel_.attach(picture.info.data(), 40, picture.bits.data(), picture.bits.size() - 1, &out),
-        kKernelBadPicture);
-    EXPECT_EQ(kernel_.create(picture.info.data(), 39, &out), kKernelBadPicture);
+    EXPECT_EQ(kernel_.attach(info, 40, bits, picture.bits.size() - 1, &out), kKernelBadPicture);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(kernel_.attach(info, 39, bits, picture.bits.size(), &out), kKernelBadPicture);
+    EXPECT_EQ(kernel_.attach(nullptr, 40, bits, picture.bits.size(), &out), kKernelBadParameter);
+    EXPECT_EQ(kernel_.attach(info, 40, nullptr, picture.bits.size(), &out), kKernelBadParameter);
+    EXPECT_EQ(kernel_.attach(info, 40, bits, picture.bits.size(), nullptr), kKernelBadParameter);
+    EXPECT_EQ(kernel_.create(info, 39, &out), kKernelBadPicture);
     kernel_.destroy(image);
 }
 
@@ -129,9 +155,21 @@ TEST_F(PicKernel, ReplacesAFileWholeOrNotAtAll) {
     }
     EXPECT_EQ(kernel_.write(image, target.c_str()), kKernelOk);
     EXPECT_EQ(Content(target).size(), 54 + picture.bits.size());
+    EXPECT_EQ(kernel_.write(image, folder_.Path().c_str()), kKernelCannotWrite);
     EXPECT_EQ(kernel_.write(image, (folder_.Path() + L"none\\x.bmp").c_str()), kKernelCannotWrite);
+    EXPECT_EQ(kernel_.write(image, L""), kKernelCannotWrite);
     EXPECT_EQ(FilesInFolder(), 1u);
     kernel_.destroy(image);
+}
+
+TEST(PicKernelAlone, TellsThatItsLibraryIsNotLoaded) {
+    const LoadedFile import(L"bmp_import.iplg");
+    const auto attach = import.Entry<AttachMemoryImageFunction>(kAttachMemoryImageName);
+    const NoisePicture picture(3, 2, 24);
+    HIMAGE image = nullptr;
+    EXPECT_EQ(attach(picture.info.data(), picture.info.size(), picture.bits.data(),
+                     picture.bits.size(), &image),
+              kKernelNotLoaded);
 }
 
 }  // namespace

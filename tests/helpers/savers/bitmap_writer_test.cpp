@@ -1,5 +1,7 @@
 #include "helpers/convertdib/bitmap_writer.h"
 
+#include "helpers/convertdib/run_length_encoder.h"
+#include "helpers/dib/bitmap_file.h"
 #include "tests/helpers/savers/sample_pictures.h"
 
 namespace tessary::saving::test {
@@ -9,6 +11,28 @@ Bytes Saved(const SamplePicture& picture, BmpSaveOptions options) {
     KeptBytes sink;
     EXPECT_EQ(convertdib::WriteBitmap(picture.View(), options, sink), SaveResult::kSaved);
     return sink.bytes;
+}
+
+Bytes PixelsOf(const Bytes& bytes, PixelFormat format) {
+    dib::MemorySource source(bytes);
+    dib::BitmapFile file(source);
+    EXPECT_EQ(file.Open(), dib::DibError::kNone);
+    Bytes bits(file.BitsSize());
+    EXPECT_EQ(file.ReadBits(bits, {}), dib::DibError::kNone);
+    const auto view = dib::DibView::Of(file.Info(), bits).value();
+    EXPECT_EQ(view.Format(), format);
+    return Bgra(view);
+}
+
+TEST(BitmapWriter, ComesBackPixelForPixel) {
+    const auto palette = [](PixelFormat format, int32_t width) {
+        return Colors(format, width % 2 == 0 ? 2 : 256);
+    };
+    ForEachPicture(palette, [](const SamplePicture& picture) {
+        const dib::DibView view = picture.View();
+        for (const BmpSaveOptions options : {BmpSaveOptions{0, 0}, {0, 1}, {1, 0}, {1, 1}})
+            EXPECT_EQ(PixelsOf(Saved(picture, options), view.Format()), Bgra(view));
+    });
 }
 
 // Offset of the pixels, size of the header, compression, size of the pixels, colours used.
@@ -45,6 +69,23 @@ TEST(BitmapWriter, ChoosesHeaderEncodingAndTable) {
     EXPECT_EQ(FieldsOf(Saved(full, {1, 1})), Fields({26, 12}));
     EXPECT_EQ(FieldsOf(Saved(words, {1, 0})), Fields({66, 40, 3, 24, 0}));
     EXPECT_EQ(FieldsOf(Saved(wide, {1, 0})), Fields({54 + 8, 40, 0, 8192, 2}));
+}
+
+TEST(RunLengthEncoder, ChoosesTheShorterCode) {
+    const auto encoded = [](auto* encode, const Bytes& row) {
+        Bytes codes;
+        encode(row, codes);
+        return codes;
+    };
+    const auto rle4 = convertdib::EncodeRle4;
+    const auto rle8 = convertdib::EncodeRle8;
+    EXPECT_EQ(encoded(rle8, Bytes(256, 7)), Bytes({255, 7, 1, 7}));
+    EXPECT_EQ(encoded(rle8, {1, 2}), Bytes({1, 1, 1, 2}));
+    EXPECT_EQ(encoded(rle8, {1, 2, 2, 3, 9, 9, 9, 9, 9}), Bytes({0, 4, 1, 2, 2, 3, 5, 9}));
+    EXPECT_EQ(encoded(rle4, {1, 2, 1, 2, 1}), Bytes({5, 0x12}));
+    EXPECT_EQ(encoded(rle4, {1, 2, 3}), Bytes({0, 3, 0x12, 0x30}));
+    EXPECT_EQ(encoded(rle4, {1, 2, 3, 4, 5, 5, 5, 5, 5, 5, 5, 5, 5}),
+              Bytes({0, 4, 0x12, 0x34, 9, 0x55}));
 }
 
 }  // namespace

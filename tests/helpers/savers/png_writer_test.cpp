@@ -2,8 +2,7 @@
 
 #include <png.h>
 
-#include <algorithm>
-#include <string_view>
+#include <map>
 
 #include "tests/helpers/savers/sample_pictures.h"
 
@@ -16,22 +15,53 @@ Bytes Saved(const SamplePicture& picture, PngSaveOptions options = {}) {
     return sink.bytes;
 }
 
-// The content of the first chunk of a kind.
-Bytes Chunk(const Bytes& file, std::string_view kind) {
-    const auto at = std::search(file.begin(), file.end(), kind.begin(), kind.end());
-    if (at == file.end()) return {};
-    return {at + 4, at + 4 + static_cast<int>(png_get_uint_32(&*at - 4))};
+// What the library's own reader sees.
+Bytes PixelsOf(const Bytes& file) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    EXPECT_TRUE(png_image_begin_read_from_memory(&image, file.data(), file.size()));
+    image.format = PNG_FORMAT_BGRA;
+    Bytes pixels(PNG_IMAGE_SIZE(image));
+    EXPECT_TRUE(png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr));
+    EXPECT_EQ(image.warning_or_error, 0u) << image.message;
+    return pixels;
+}
+
+std::map<std::string, Bytes> Chunks(const Bytes& file) {
+    std::map<std::string, Bytes> chunks;
+    for (size_t at = 8; at < file.size();) {
+        const size_t size = png_get_uint_32(&file[at]);
+        chunks[std::string(&file[at + 4], &file[at + 8])] = {&file[at + 8], &file[at + 8] + size};
+        at += 12 + size;
+    }
+    return chunks;
 }
 
 // Bit depth, colour type and entries of the colour table.
 std::vector<size_t> FormOf(const Bytes& file) {
-    const Bytes header = Chunk(file, "IHDR");
-    return {header[8], header[9], Chunk(file, "PLTE").size() / 3};
+    auto chunks = Chunks(file);
+    return {chunks["IHDR"][8], chunks["IHDR"][9], chunks["PLTE"].size() / 3};
 }
 
 void SetFourthBytes(Bytes& pixels, uint8_t value) {
     for (size_t i = 3; i < pixels.size(); i += 4)
         pixels[i] = value;
+}
+
+TEST(PngWriter, ComesBackPixelForPixel) {
+    const auto palette = [](PixelFormat format, int32_t width) {
+        return width % 3 == 0 ? Greys(format) : Colors(format, width % 3 == 1 ? 256 : 2);
+    };
+    ForEachPicture(palette, [](const SamplePicture& picture) {
+        const dib::DibView view = picture.View();
+        for (const int16_t interlace : {int16_t{0}, int16_t{1}}) {
+            const Bytes file = Saved(picture, {static_cast<int16_t>(view.Width() % 10), interlace});
+            Bytes expected = Bgra(view);
+            if (FormOf(file)[1] != PNG_COLOR_TYPE_RGB_ALPHA) SetFourthBytes(expected, 255);
+            EXPECT_EQ(PixelsOf(file), expected);
+            EXPECT_EQ(Chunks(file)["IHDR"][12], interlace);
+        }
+    });
 }
 
 TEST(PngWriter, KeepsTheFormOfThePixels) {
@@ -40,7 +70,7 @@ TEST(PngWriter, KeepsTheFormOfThePixels) {
         return FormOf(Saved({format, 400, 200, palette}));
     };
     Palette oddGreys = Greys(PixelFormat::kIndexed4);
-    oddGreys[3] = 0x646464;
+    oddGreys[3] = {100, 100, 100, 0};
     for (const PixelFormat format : kAllFormats) {
         const size_t bits = dib::BitsPerPixel(format);
         const bool hasTable = bits <= 8;
@@ -72,9 +102,9 @@ TEST(PngWriter, TakesLevelAndResolution) {
     EXPECT_LT(size(9), size(1));
     EXPECT_EQ(size(-3), size(0));
     EXPECT_EQ(size(99), size(9));
-    EXPECT_EQ(Chunk(Saved(picture), "pHYs"), Bytes({0, 0, 0x2E, 0x23, 0, 0, 0x17, 0x12, 1}));
+    EXPECT_EQ(Chunks(Saved(picture))["pHYs"], Bytes({0, 0, 0x2E, 0x23, 0, 0, 0x17, 0x12, 1}));
     picture.info[27] = 0x80;  // a negative resolution
-    EXPECT_EQ(Chunk(Saved(picture), "pHYs"), Bytes());
+    EXPECT_EQ(Chunks(Saved(picture)).count("pHYs"), 0u);
 }
 
 }  // namespace

@@ -86,10 +86,10 @@ class SavingEntries : public testing::Test {
 };
 
 TEST_F(SavingEntries, ReplaceFilesWithNamesOfEveryKind) {
-    std::wstring deep = L"\\\\?\\" + folder_.Path();
+    std::wstring deep = folder_.Path();
     for (int i = 0; i < 5; ++i) {
         deep += std::wstring(60, L'深');
-        CreateDirectoryW(deep.c_str(), nullptr);
+        CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr);
         deep += L'\\';
     }
     const std::wstring japanese = At(L"表示 ソ");
@@ -97,29 +97,32 @@ TEST_F(SavingEntries, ReplaceFilesWithNamesOfEveryKind) {
     WideCharToMultiByte(CP_ACP, 0, japanese.c_str(), -1, ansi, sizeof(ansi), nullptr, nullptr);
     for (const Library& library : kLibraries) {
         folder_.Write(L"表示 ソ", std::string(1 << 20, 'x'));
-        EXPECT_EQ(Save(library, picture_, ansi), 0u);
+        for (const std::wstring& path : {At(L"한글 \U0001F600"), japanese, deep + L"long"})
+            EXPECT_EQ(Save(library, picture_, path.c_str()), 0u);
         const std::string saved = ReadFile(japanese);
         EXPECT_TRUE(saved.starts_with(library.start));
-        for (const std::wstring& path : {At(L"한글 \U0001F600"), deep.substr(4) + L"long"})
-            EXPECT_EQ(Save(library, picture_, path.c_str()), 0u);
         EXPECT_EQ(ReadFile(At(L"한글 \U0001F600")), saved);
-        EXPECT_TRUE(CopyFileW((deep + L"long").c_str(), At(L"copy").c_str(), FALSE));
+        EXPECT_TRUE(CopyFileW((L"\\\\?\\" + deep + L"long").c_str(), At(L"copy").c_str(), FALSE));
         EXPECT_EQ(ReadFile(At(L"copy")), saved);
+        folder_.Write(L"表示 ソ");
+        EXPECT_EQ(Save(library, picture_, ansi), 0u);
+        EXPECT_EQ(ReadFile(japanese), saved);
         EXPECT_EQ(Folder().size(), 4u);
     }
 }
 
 TEST_F(SavingEntries, TakeTheOptions) {
-    const int16_t options[][2][3] = {{{0, 0}, {1, 0}}, {{6, 0}, {6, 1}}, {{60, 0, 0}, {60, 1, 0}}};
-    for (size_t i = 0; i < std::size(kLibraries); ++i) {
-        const auto saved = [&](const int16_t* given) {
-            EXPECT_EQ(Save(kLibraries[i], picture_, At(L"a").c_str(), given), 0u);
-            return ReadFile(At(L"a"));
-        };
-        const std::string byDefault = saved(nullptr);
-        EXPECT_TRUE(saved(options[i][0]) == byDefault);
-        EXPECT_FALSE(saved(options[i][1]) == byDefault);
-    }
+    const auto saved = [&](size_t library, const int16_t* options) {
+        EXPECT_EQ(Save(kLibraries[library], picture_, At(L"a").c_str(), options), 0u);
+        return ReadFile(At(L"a"));
+    };
+    const int16_t defaults[][3] = {{0, 0}, {6, 0}, {60, 0, 0}};
+    for (size_t i = 0; i < std::size(kLibraries); ++i)
+        EXPECT_EQ(saved(i, nullptr), saved(i, defaults[i]));
+    const int16_t changed[][3] = {{1, 0}, {6, 1}, {60, 1, 0}};
+    EXPECT_EQ(saved(0, changed[0])[14], 12) << "OS/2";
+    EXPECT_EQ(saved(1, changed[1])[28], 1) << "interlace";
+    EXPECT_NE(saved(2, changed[2]).find("\xFF\xC2"), std::string::npos) << "progressive";
 }
 
 TEST_F(SavingEntries, FailWithoutTrace) {
@@ -133,6 +136,8 @@ TEST_F(SavingEntries, FailWithoutTrace) {
     const auto before = Folder();
     SamplePicture huge = picture_;
     huge.info[6] = huge.info[10] = 1;  // 65 thousand pixels more in both directions
+    SamplePicture odd = picture_;
+    odd.info[14] = 23;
     SamplePicture empty = picture_;
     empty.bits = Bytes();  // data() is null then
     const struct {
@@ -141,6 +146,7 @@ TEST_F(SavingEntries, FailWithoutTrace) {
         DWORD error;
     } cases[] = {
         {huge, old, ERROR_INVALID_DATA},
+        {odd, old, ERROR_INVALID_DATA},
         {empty, old, ERROR_INVALID_DATA},
         {picture_, L"", ERROR_INVALID_NAME},
         {picture_, L"NUL", ERROR_INVALID_NAME},
@@ -180,17 +186,18 @@ TEST_F(SavingEntries, LeaveTheOldFileWhenTheProcessDies) {
     EXPECT_EQ(Folder(), (std::map<std::wstring, std::string>{{L"old", "old content"}}));
 }
 
-// Smaller and larger pieces than the buffer that they pass through.
-TEST_F(SavingEntries, WritePiecesInOrder) {
+TEST_F(SavingEntries, WriteThroughTheBufferInOrder) {
     std::string expected;
     files::ReplacingFile file(At(L"a"));
-    for (const size_t size : {100, 0, 262000, 144, 131072, 131073, 300000, 262144, 5}) {
+    ASSERT_TRUE(file.IsOpen());
+    for (const size_t size : {100, 0, 262000, 144, 1, 131072, 131073, 300000, 262144, 5}) {
         const Bytes piece(size, static_cast<uint8_t>(expected.size() % 251));
         expected.append(piece.begin(), piece.end());
         ASSERT_TRUE(file.Write(piece));
     }
+    EXPECT_FALSE(std::filesystem::exists(At(L"a")));
     EXPECT_TRUE(file.Commit());
-    EXPECT_TRUE(ReadFile(At(L"a")) == expected);
+    EXPECT_TRUE(Folder() == (std::map<std::wstring, std::string>{{L"a", expected}}));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -38,6 +39,8 @@ class RecordingForm final : public Form {
     void Form_Unload() override { Record(IsWindow(Handle()) ? "unload" : "unload too late"); }
     void Form_Terminate() override { Record(Handle() == nullptr ? "end" : "end too early"); }
     void Form_Command(int id) override { Record(id == 7 ? "command" : "?"); }
+    void Form_MetricsChanged() override { Record("metrics"); }
+    SIZE MinimumSize() const override { return {300, 200}; }
 };
 
 TEST(FormTest, LivesFromLoadToTerminateAndAgain) {
@@ -68,18 +71,38 @@ TEST(FormTest, HandlersThatThrowHarmNobody) {
     EXPECT_EQ(form.events, (Events{"load", "command", "query", "unload", "end"}));
 }
 
-TEST(MessageLoopTest, DoEventsLeavesQuittingToTheOuterLoop) {
-    constexpr UINT kMessage = WM_APP + 77;
-    int seen = 0;
-    std::unique_ptr<MessageFilter> filter;
-    filter = std::make_unique<MessageFilter>([&](MSG& message) {
-        if (message.message != kMessage) return false;
-        if (++seen == 2) filter.reset();
-        return true;
-    });
-    const MessageFilter failing([](MSG&) -> bool { throw std::runtime_error("filter"); });
-    for (int post = 0; post < 3; ++post)
+TEST(FormTest, FollowsTheScreensResolution) {
+    RecordingForm form;
+    ASSERT_TRUE(form.Load());
+    form.events.clear();
+    const RECT suggested{40, 50, 840, 650};
+    SendMessageW(form.Handle(), WM_DPICHANGED, MAKEWPARAM(192, 192),
+                 reinterpret_cast<LPARAM>(&suggested));
+    RECT now{};
+    GetWindowRect(form.Handle(), &now);
+    EXPECT_TRUE(EqualRect(&now, &suggested));
+    EXPECT_EQ(form.events, Events{"metrics"});
+
+    const Metrics metrics(form.Handle());
+    EXPECT_EQ(metrics.Scale(96), metrics.Dpi());
+    EXPECT_TRUE(metrics.MessageFont());
+    MINMAXINFO limits{};
+    SendMessageW(form.Handle(), WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+    EXPECT_EQ(limits.ptMinTrackSize.x, metrics.Scale(300));
+    EXPECT_EQ(limits.ptMinTrackSize.y, metrics.Scale(200));
+}
+
+constexpr UINT kMessage = WM_APP + 77;
+
+void PostTwo() {
+    for (int post = 0; post < 2; ++post)
         PostThreadMessageW(GetCurrentThreadId(), kMessage, 0, 0);
+}
+
+TEST(MessageLoopTest, DoEventsLeavesQuittingToTheOuterLoop) {
+    int seen = 0;
+    const MessageFilter count([&](MSG& message) { return message.message == kMessage && ++seen; });
+    PostTwo();
     EXPECT_TRUE(DoEvents());
     EXPECT_EQ(seen, 2);
     PostQuitMessage(42);
@@ -89,26 +112,65 @@ TEST(MessageLoopTest, DoEventsLeavesQuittingToTheOuterLoop) {
     EXPECT_TRUE(DoEvents());
 }
 
-TEST(TimerTest, NeverNestsAndSurvivesItsOwnEndAndHandlersThatThrow) {
-    int ticks = 0;
-    bool inside = false;
-    std::unique_ptr<Timer> timer;
-    timer = std::make_unique<Timer>([&] {
-        ASSERT_FALSE(inside);
-        inside = true;
-        Sleep(30);  // the next tick is due
-        DoEvents();
-        inside = false;
-        if (++ticks == 3) timer.reset();
-        throw std::runtime_error("tick");
+TEST(MessageLoopTest, LatestFilterTakesFirstAndMayEndItself) {
+    int outer = 0;
+    int inner = 0;
+    const MessageFilter first([&](MSG& message) { return message.message == kMessage && ++outer; });
+    std::unique_ptr<MessageFilter> second;
+    second = std::make_unique<MessageFilter>([&](MSG& message) {
+        if (message.message != kMessage) return false;
+        ++inner;
+        second.reset();
+        return true;
     });
-    ASSERT_TRUE(timer->Start(10));
+    const MessageFilter failing([](MSG&) -> bool { throw std::runtime_error("filter"); });
+    PostTwo();
+    DoEvents();
+    EXPECT_EQ(inner, 1);
+    EXPECT_EQ(outer, 1);
+}
+
+bool PumpUntil(const std::function<bool()>& done) {
     const DWORD start = GetTickCount();
-    while (timer != nullptr && GetTickCount() - start < 10000) {
+    while (!done() && GetTickCount() - start < 10000) {
         MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
         DoEvents();
     }
-    EXPECT_EQ(ticks, 3);
+    return done();
+}
+
+TEST(TimerTest, TicksUntilStoppedAndNeverNests) {
+    int ticks = 0;
+    int depth = 0;
+    bool nested = false;
+    Timer timer([&] {
+        nested = nested || depth > 0;
+        ++depth;
+        ++ticks;
+        Sleep(30);  // the next tick is due
+        DoEvents();
+        --depth;
+    });
+    ASSERT_TRUE(timer.Start(10));
+    ASSERT_TRUE(PumpUntil([&] { return ticks >= 3; }));
+    EXPECT_FALSE(nested);
+    timer.Stop();
+    const int before = ticks;
+    Sleep(30);
+    DoEvents();
+    EXPECT_EQ(ticks, before);
+}
+
+TEST(TimerTest, SurvivesItsOwnEndAndHandlersThatThrow) {
+    int ticks = 0;
+    std::unique_ptr<Timer> timer;
+    timer = std::make_unique<Timer>([&] {
+        if (++ticks == 2) timer.reset();
+        throw std::runtime_error("tick");
+    });
+    ASSERT_TRUE(timer->Start(10));
+    ASSERT_TRUE(PumpUntil([&] { return timer == nullptr; }));
+    EXPECT_EQ(ticks, 2);
 }
 
 }  // namespace

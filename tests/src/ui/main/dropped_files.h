@@ -8,38 +8,51 @@
 #include <string>
 #include <vector>
 
-#include "ui/form/clipboard.h"
-
 namespace tessary::test {
 
-// The object is OLE's own, made from a clipboard that holds the files.
-class DroppedFiles final {
+// Lives on the stack: nobody keeps a reference to it.
+class DroppedFiles final : public IDataObject {
   public:
-    DroppedFiles(HWND clipboardOwner, const std::vector<std::wstring>& paths) {
-        std::wstring names;
+    explicit DroppedFiles(const std::vector<std::wstring>& paths) {
         for (const std::wstring& path : paths)
-            names += path + L'\0';
-        const size_t bytes = (names.size() + 1) * sizeof(wchar_t);
-        const HGLOBAL block = GlobalAlloc(GHND, sizeof(DROPFILES) + bytes);
-        auto* const header = static_cast<DROPFILES*>(GlobalLock(block));
-        *header = {.pFiles = sizeof(DROPFILES), .pt = {}, .fNC = FALSE, .fWide = TRUE};
-        std::memcpy(header + 1, names.c_str(), bytes);
-        GlobalUnlock(block);
-        {
-            const ClipboardSession clipboard(clipboardOwner);
-            EmptyClipboard();
-            SetClipboardData(CF_HDROP, block);
-        }
-        OleGetClipboard(&data_);
+            names_ += path + L'\0';
+        names_ += L'\0';
     }
-    ~DroppedFiles() { data_->Release(); }
-    DroppedFiles(const DroppedFiles&) = delete;
-    DroppedFiles& operator=(const DroppedFiles&) = delete;
 
-    IDataObject* Get() const { return data_; }
+    HRESULT STDMETHODCALLTYPE GetData(FORMATETC* format, STGMEDIUM* medium) override {
+        if (FAILED(QueryGetData(format))) return DV_E_FORMATETC;
+        const size_t bytes = names_.size() * sizeof(wchar_t);
+        *medium = {};
+        medium->tymed = TYMED_HGLOBAL;
+        medium->hGlobal = GlobalAlloc(GHND, sizeof(DROPFILES) + bytes);
+        auto* const header = static_cast<DROPFILES*>(GlobalLock(medium->hGlobal));
+        header->pFiles = sizeof(DROPFILES);
+        header->fWide = TRUE;
+        std::memcpy(header + 1, names_.data(), bytes);
+        GlobalUnlock(medium->hGlobal);
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE QueryGetData(FORMATETC* format) override {
+        return format->cfFormat == CF_HDROP ? S_OK : DV_E_FORMATETC;
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE GetDataHere(FORMATETC*, STGMEDIUM*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetCanonicalFormatEtc(FORMATETC*, FORMATETC*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE SetData(FORMATETC*, STGMEDIUM*, BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE EnumFormatEtc(DWORD, IEnumFORMATETC**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE DAdvise(FORMATETC*, DWORD, IAdviseSink*, DWORD*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE DUnadvise(DWORD) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE EnumDAdvise(IEnumSTATDATA**) override { return E_NOTIMPL; }
 
   private:
-    IDataObject* data_ = nullptr;
+    std::wstring names_;  // each with its NUL, one more at the end
 };
 
 }  // namespace tessary::test

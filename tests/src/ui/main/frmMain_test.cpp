@@ -19,15 +19,16 @@ class OpenFilesTest : public test::MainWindowTest {
   protected:
     // Drops files as the shell does. The answer is the effect that the source is told.
     static DWORD Drop(HWND target, const List& paths, DWORD allowed = DROPEFFECT_COPY) {
-        const test::DroppedFiles data(target, paths);
+        test::DroppedFiles data(paths);
         // Where OLE keeps a window's registered target.
         auto* const registered =
             static_cast<IDropTarget*>(GetPropW(target, L"OleDropTargetInterface"));
-        if (registered == nullptr) return 99;
+        EXPECT_NE(registered, nullptr);
+        if (registered == nullptr) return DROPEFFECT_NONE;
         DWORD entered = allowed;
-        registered->DragEnter(data.Get(), MK_LBUTTON, {}, &entered);
+        registered->DragEnter(&data, MK_LBUTTON, {}, &entered);
         DWORD dropped = allowed;
-        registered->Drop(data.Get(), MK_LBUTTON, {}, &dropped);
+        registered->Drop(&data, MK_LBUTTON, {}, &dropped);
         EXPECT_EQ(dropped, entered);
         return dropped;
     }
@@ -36,42 +37,69 @@ class OpenFilesTest : public test::MainWindowTest {
 };
 
 TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
+    folder_.Write(L"絵\\b.bmp");
+    folder_.Write(L"絵\\sub\\c.bmp");
     const std::wstring file = folder_.Write(L"a 1.bmp");
-    frmMain window({.commandLine = L"\"" + file + L"\"", .pluginCount = {}, .endProgram = {}});
+    frmMain window({.commandLine = L"\"" + file + L"\" \"" + folder_.Path() + L"絵\"",
+                    .pluginCount = {},
+                    .endProgram = {}});
     Values().platformId = GetPlatformId();
     window.SetFileListReceiver(controlBar_);
     ASSERT_TRUE(window.Load());
     EXPECT_TRUE(controlBar_.lists.empty());  // the window comes first
     DoEvents();
-    EXPECT_EQ(controlBar_.lists, std::vector<List>{{file}});
+    EXPECT_EQ(controlBar_.lists, (std::vector<List>{{file, folder_.Path() + L"絵\\b.bmp"}}));
     window.Unload();
 }
 
-TEST_F(OpenFilesTest, TakesDroppedFilesAndFoldersUnlessBusy) {
+TEST_F(OpenFilesTest, TakesDroppedFilesAndFolders) {
     window_.SetControlBar(controlBar_);
     Load();
-    const List files{folder_.Write(L"사진.bmp"), folder_.Write(L"1.bmp")};
-    const std::wstring inFolder = folder_.Write(L"中\\3.bmp");
-    EXPECT_EQ(Drop(window_.Handle(), files, DROPEFFECT_MOVE), DROPEFFECT_NONE);
-    Values().pictureLoading = true;
-    EXPECT_EQ(Drop(window_.Handle(), files), DROPEFFECT_NONE);
-    Values().pictureLoading = false;
-    EnableWindow(window_.Handle(), FALSE);  // behind a dialog
-    EXPECT_EQ(Drop(window_.Handle(), files), DROPEFFECT_NONE);
-    EnableWindow(window_.Handle(), TRUE);
-
-    EXPECT_EQ(Drop(window_.Handle(), files), DROPEFFECT_COPY);
+    const std::wstring first = folder_.Write(L"1.bmp");
+    const std::wstring second = folder_.Write(L"사진.bmp");
+    folder_.Write(L"中\\3.bmp");
+    EXPECT_EQ(Drop(window_.Handle(), {second, first}), DROPEFFECT_COPY);
     EXPECT_TRUE(controlBar_.lists.empty());  // the source must not wait for the decoding
     DoEvents();
-    EXPECT_EQ(Drop(window_.pictureView().Handle(), {folder_.Path() + L"中"}), DROPEFFECT_COPY);
+    EXPECT_EQ(Drop(window_.pictureView().Handle(), {folder_.Path() + L"中"},
+                   DROPEFFECT_COPY | DROPEFFECT_MOVE),
+              DROPEFFECT_COPY);
     DoEvents();
-    EXPECT_EQ(controlBar_.lists, (std::vector<List>{files, {inFolder}}));
+    EXPECT_EQ(controlBar_.lists,
+              (std::vector<List>{{second, first}, {folder_.Path() + L"中\\3.bmp"}}));
 }
 
-TEST_F(StatusBarTest, ShowsTextsAsTheyAre) {
+TEST_F(OpenFilesTest, RefusesDropsThatItCannotServe) {
+    window_.SetControlBar(controlBar_);
+    Load();
+    const std::wstring file = folder_.Write(L"1.bmp");
+    EXPECT_EQ(Drop(window_.Handle(), {file}, DROPEFFECT_MOVE), DROPEFFECT_NONE);
+    Values().pictureLoading = true;
+    EXPECT_EQ(Drop(window_.Handle(), {file}), DROPEFFECT_NONE);
+    Values().pictureLoading = false;
+    EnableWindow(window_.Handle(), FALSE);  // behind a dialog
+    EXPECT_EQ(Drop(window_.Handle(), {file}), DROPEFFECT_NONE);
+    DoEvents();
+    EXPECT_TRUE(controlBar_.lists.empty());
+}
+
+TEST_F(StatusBarTest, ShowsTextsAsTheyAreInPanelsThatFit) {
     Load();
     const StatusBar& bar = window_.statusInformation();
+    const auto firstEdge = [&] {
+        int edges[2]{};
+        SendMessageW(bar.Handle(), SB_GETPARTS, 2, reinterpret_cast<LPARAM>(edges));
+        EXPECT_EQ(edges[1], -1);
+        return edges[0];
+    };
     EXPECT_EQ(bar.PanelText(kPluginCountPanel), L"3個のプラグイン");
+    const int narrow = firstEdge();
+    pluginCount_ = 120;
+    window_.ShowPluginCount();
+    EXPECT_EQ(bar.PanelText(kPluginCountPanel), L"120個のプラグイン");
+    EXPECT_GT(firstEdge(), narrow);
+    window_.SetPanelText(kPluginCountPanel, std::wstring(500, L'長'));
+    EXPECT_EQ(firstEdge(), View().cx / 2);
     window_.SetPanelText(kShownFilePanel, L"[表示中] a\tb & c.bmp ( 1×1 24bit )");
     EXPECT_EQ(bar.PanelText(kShownFilePanel), L"[表示中] a b & c.bmp ( 1×1 24bit )");
 }
@@ -83,6 +111,7 @@ TEST_F(CloseTest, IsRefusedWhileAPictureLoads) {
     EXPECT_TRUE(window_.Breathe());
     Choose(menuFileExit);
     EXPECT_TRUE(IsWindow(window));
+    EXPECT_TRUE(Values().quitRequested);
     EXPECT_FALSE(window_.Breathe());  // the load is asked to stop
     Values().pictureLoading = false;
     Choose(menuFileExit);
@@ -114,6 +143,7 @@ TEST_F(CloseTest, PutsEverythingBack) {
     EXPECT_EQ(found, reinterpret_cast<LONG_PTR>(own.lpfnWndProc));
     EXPECT_EQ(controlBar_.unloads, 1);
     EXPECT_EQ(CurrentPicture().info, nullptr);
+    EXPECT_EQ(window_.pictureView().Picture(), nullptr);
     EXPECT_EQ(ended_, 1);
 }
 
@@ -126,6 +156,7 @@ TEST_F(CloseTest, SessionEndClosesTheProgram) {
 
     Values().pictureLoading = true;  // plug-ins must stay under a running decode
     Values().general.slideShowTime = 1234;
+    EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
     SendMessageW(window, WM_ENDSESSION, TRUE, 0);
     EXPECT_TRUE(Values().quitRequested);
     EXPECT_EQ(ended_, 0);

@@ -75,9 +75,11 @@ class MainWindowTest : public testing::Test {
     RedirectedSettings settings_;
     RecordedMessages messages_;
     RecordingControlBar controlBar_;
+    int pluginCount_ = 3;
     int ended_ = 0;
-    frmMain window_{
-        {.commandLine = {}, .pluginCount = [] { return 3; }, .endProgram = [this] { ++ended_; }}};
+    frmMain window_{{.commandLine = {},
+                     .pluginCount = [this] { return pluginCount_; },
+                     .endProgram = [this] { ++ended_; }}};
 };
 
 }  // namespace tessary::test

@@ -1,6 +1,8 @@
 // The menus and the life of their items.
 #include "ui/form/menu.h"
 
+#include <commctrl.h>
+
 #include "tests/src/ui/main/main_window.h"
 #include "ui/form/clipboard.h"
 
@@ -29,6 +31,16 @@ std::wstring Describe(HMENU menu, UINT& lastId) {
     return text;
 }
 
+// Keeps the caption that the file name's item has when the pop-up menu opens.
+LRESULT CALLBACK KeepCaption(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                             UINT_PTR /*id*/, DWORD_PTR caption) {
+    if (message == WM_INITMENUPOPUP) {
+        *reinterpret_cast<std::wstring*>(caption) =
+            MenuCaption(reinterpret_cast<HMENU>(wParam), menuPopupFileName);
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
 class MenuTest : public test::MainWindowTest {
   protected:
     HMENU Menu() const { return GetMenu(window_.Handle()); }
@@ -50,6 +62,13 @@ class MenuTest : public test::MainWindowTest {
         std::wstring text = static_cast<const wchar_t*>(GlobalLock(block));
         GlobalUnlock(block);
         return text;
+    }
+    // Opens the pop-up menu by the keyboard's key for it and types into it.
+    void OpenPopupAndType(std::initializer_list<int> keys) {
+        for (const int key : keys)
+            PostMessageW(window_.Handle(), WM_KEYDOWN, key, 0);
+        SendToView(WM_CONTEXTMENU, 0, -1);
+        DoEvents();
     }
 };
 
@@ -103,36 +122,65 @@ TEST_F(MenuTest, ControlMenuPressesPlayerButtons) {
     for (int item = menuControl_0; item <= menuControl_5; ++item)
         Choose(item);
     EXPECT_EQ(controlBar_.pressed, (std::vector<int>{1, 2, 4, 6, 7, 15, 4, 15}));
-    Choose(menuViewControlBar);
-    EXPECT_TRUE(controlBar_.visible);
-    Open();
-    EXPECT_NE(GetMenuState(Menu(), menuViewControlBar, MF_BYCOMMAND) & MF_CHECKED, 0u);
+    for (const bool visible : {true, false}) {
+        Choose(menuViewControlBar);
+        EXPECT_EQ(controlBar_.visible, visible);
+        Open();
+        const UINT state = GetMenuState(Menu(), menuViewControlBar, MF_BYCOMMAND);
+        EXPECT_EQ((state & MF_CHECKED) != 0, visible);
+    }
 }
 
-TEST_F(MenuTest, PopupOpensOnThePictureAndCopiesWhatItShows) {
+TEST_F(MenuTest, ClearLeavesNoPicture) {
     Load();
-    window_.Show();
-    const auto openAndChoose = [&](int position) {
-        for (int key = 0; key < position; ++key)
-            PostMessageW(window_.Handle(), WM_KEYDOWN, VK_DOWN, 0);
-        PostMessageW(window_.Handle(), WM_KEYDOWN, VK_RETURN, 0);
-        SendToView(WM_CONTEXTMENU, 0, -1);
-        DoEvents();
-        return ClipboardText();
-    };
-    CopyTextToClipboard(window_.Handle(), L"before");
-    EXPECT_EQ(openAndChoose(2), L"before");  // no picture: everything is grey
+    ShowPicture(30, 20);
+    Choose(menuEditClear);
+    EXPECT_EQ(CurrentPicture().info, nullptr);
+    EXPECT_EQ(window_.pictureView().Picture(), nullptr);
+    EXPECT_EQ(window_.statusInformation().PanelText(1), L"");
+}
 
+TEST_F(MenuTest, PopupItemsCopyWhatTheyShow) {
+    Load();
     SetCurrentPicture(test::MakePair(31, 17));
     // Shown smaller than it is: the picture itself is described.
     window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
-    EXPECT_EQ(openAndChoose(2), L"ファイル名 <不明>");
-    window_.SetPictureSource({L"桜 & 山.jpg", L""});
-    EXPECT_EQ(openAndChoose(3), L"使用プラグイン <なし>");
-    Choose(menuPopupGraphicInfo);
-    EXPECT_EQ(ClipboardText(),
-              L"ファイル名 <桜 & 山.jpg>\r\n使用プラグイン <なし>\r\n"
-              L"画像サイズ <31×17>\r\n色数 <24bit>");
+    window_.SetPictureSource({L"桜 & 山.jpg", L"iftjpeg.spi"});
+    for (const auto& [item, text] : std::initializer_list<std::pair<int, const wchar_t*>>{
+             {menuPopupFileName, L"ファイル名 <桜 & 山.jpg>"},
+             {menuPopupPluginName, L"使用プラグイン <iftjpeg.spi>"},
+             {menuPopupGraphicSize, L"画像サイズ <31×17>"},
+             {menuPopupColorDepth, L"色数 <24bit>"},
+             {menuPopupGraphicInfo,
+              L"ファイル名 <桜 & 山.jpg>\r\n使用プラグイン <iftjpeg.spi>\r\n"
+              L"画像サイズ <31×17>\r\n色数 <24bit>"}}) {
+        Choose(item);
+        EXPECT_EQ(ClipboardText(), text);
+    }
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(MenuTest, PopupOpensOnThePicture) {
+    Load();
+    window_.Show();
+    DoEvents();
+    CopyTextToClipboard(window_.Handle(), L"before");
+    OpenPopupAndType({VK_DOWN, VK_DOWN, VK_RETURN});  // no picture: everything is grey
+    OpenPopupAndType({VK_ESCAPE});
+    EXPECT_EQ(ClipboardText(), L"before");
+
+    ShowPicture(40, 30);
+    window_.SetPictureSource({L"a&b.bmp", L""});
+    std::wstring shown;
+    SetWindowSubclass(window_.Handle(), KeepCaption, 1, reinterpret_cast<DWORD_PTR>(&shown));
+    OpenPopupAndType({VK_DOWN, VK_DOWN, VK_DOWN, VK_RETURN});
+    RemoveWindowSubclass(window_.Handle(), KeepCaption, 1);
+    EXPECT_EQ(shown, L"ファイル名 <a&&b.bmp>");
+    EXPECT_EQ(ClipboardText(), L"使用プラグイン <なし>");
+    window_.ClearPicture();
+    ShowPicture(40, 30);  // its source is unknown
+    OpenPopupAndType({VK_DOWN, VK_DOWN, VK_RETURN});
+    EXPECT_EQ(ClipboardText(), L"ファイル名 <不明>");
 }
 
 }  // namespace

@@ -46,49 +46,35 @@ TEST_F(ScrollingTest, ArrowKeysStopAtTheEdges) {
         SendToView(WM_KEYDOWN, VK_DOWN, 0);
     }
     ExpectPosition(Position(), -30, -40);
-}
-
-TEST_F(ScrollingTest, PaintsPictureAndBackground) {
-    Load(320, 240);
-    window_.Show();
-    const PictureBox& box = window_.pictureView();
-    // Compares the whole area with the picture at its place and the background around it.
-    const auto expectOnScreen = [&](const char* what) {
-        box.Refresh();
-        const HDC context = GetDC(box.Handle());
-        const POINT at = Position();
-        const RECT picture{at.x, at.y, at.x + box.PictureSize().cx, at.y + box.PictureSize().cy};
-        int wrong = 0;
-        for (int y = 0; y < 240; y += 3) {
-            for (int x = 0; x < 320; x += 3) {
-                const COLORREF expected = PtInRect(&picture, {x, y})
-                                              ? test::PixelAt(x - at.x, y - at.y)
-                                              : GetSysColor(COLOR_APPWORKSPACE);
-                wrong += GetPixel(context, x, y) != expected;
-            }
-        }
-        ReleaseDC(box.Handle(), context);
-        EXPECT_EQ(wrong, 0) << what;
-    };
-    ShowPicture(350, 200);
-    expectOnScreen("wider");
-    SendToView(WM_KEYDOWN, VK_RIGHT, 0);
-    SendToView(WM_KEYDOWN, VK_RIGHT, 0);  // before the first move is painted
-    expectOnScreen("moved twice");
     SendToView(WM_KEYDOWN, VK_LEFT, 0);
-    expectOnScreen("moved back");
-    window_.ClearPicture();
-    expectOnScreen("emptied");
+    SendToView(WM_KEYDOWN, VK_UP, 0);
+    ExpectPosition(Position(), -10, -25);
+    window_.pictureView_KeyDown(VK_LEFT, 0);  // the control bar's way
+    ExpectPosition(Position(), 0, -25);
+
+    ShowPicture(100, 300);  // fits along one axis: a new picture starts at its top
+    SendToView(WM_KEYDOWN, VK_RIGHT, 0);
+    SendToView(WM_KEYDOWN, VK_DOWN, 0);
+    ExpectPosition(Position(), 110, -15);
 }
 
 TEST_F(ScrollingTest, DraggingFollowsThePointerWithinTheEdges) {
     Load(320, 240);
     ShowPicture(400, 200);
     SendToView(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(200, 100));
-    SendToView(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(-50, 130));  // outside, left of the view
-    ExpectPosition(Position(), -80, 20);  // the height fits and stays in the middle
+    EXPECT_EQ(GetCapture(), window_.pictureView().Handle());
+    SendToView(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(170, 130));
+    ExpectPosition(Position(), -30, 20);  // the height fits and stays in the middle
+    SendToView(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(-50, 100));  // outside, left of the view
+    ExpectPosition(Position(), -80, 20);
     SendToView(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(190, 100));  // counts from the start
     ExpectPosition(Position(), -10, 20);
+    SendToView(WM_LBUTTONUP, 0, MAKELPARAM(190, 100));
+    EXPECT_EQ(GetCapture(), nullptr);
+    SendToView(WM_MOUSEMOVE, 0, MAKELPARAM(100, 100));
+    ExpectPosition(Position(), -10, 20);
+
+    SendToView(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(200, 100));
     ReleaseCapture();  // taken away, for instance by a message box
     SendToView(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(100, 100));
     ExpectPosition(Position(), -10, 20);
@@ -104,10 +90,40 @@ TEST_F(ScrollingTest, LayoutFollowsTheWindowsSize) {
         SetWindowPos(window_.Handle(), nullptr, 0, 0, frame.right - frame.left + wider,
                      frame.bottom - frame.top + higher, SWP_NOMOVE | SWP_NOZORDER);
     };
+    resize(10, 20);
+    ExpectPosition(Position(), 0, -15);
     resize(10, 50);  // the lower edge of the picture would leave the view's
     ExpectPosition(Position(), 0, -10);
     resize(200, 160);  // everything fits
     ExpectPosition(Position(), 50, 50);
+
+    RECT view{};
+    RECT status{};
+    RECT client{};
+    GetWindowRect(window_.pictureView().Handle(), &view);
+    GetWindowRect(window_.statusInformation().Handle(), &status);
+    GetClientRect(window_.Handle(), &client);
+    EXPECT_EQ(view.bottom, status.top);
+    EXPECT_EQ(view.right - view.left, client.right);
+    EXPECT_EQ(status.bottom - view.top, client.bottom);
+}
+
+TEST_F(ScrollingTest, KeysOfTheWindowAreThePictures) {
+    Load();
+    window_.Show();
+    SetFocus(window_.Handle());
+    EXPECT_EQ(GetFocus(), window_.pictureView().Handle());
+}
+
+TEST_F(ScrollingTest, EnterStepsThroughTheFiles) {
+    window_.SetControlBar(controlBar_);
+    Load();
+    SendToView(WM_KEYDOWN, VK_RETURN, 0);
+    window_.pictureView_KeyDown(VK_RETURN, kShiftMask);
+    EXPECT_EQ(controlBar_.pressed, (std::vector<int>{5, 3}));
+    Values().pictureLoading = true;
+    SendToView(WM_KEYDOWN, VK_RETURN, 0);
+    EXPECT_EQ(controlBar_.pressed.size(), 2u);
 }
 
 }  // namespace

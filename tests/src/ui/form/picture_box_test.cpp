@@ -1,0 +1,79 @@
+// What the picture box puts on the screen.
+#include "ui/form/picture_box.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/src/ui/test_picture.h"
+#include "ui/form/form.h"
+
+namespace tessary {
+namespace {
+
+using test::MakePicture;
+
+class BareForm final : public Form {
+  public:
+    BareForm() : Form({.className = L"TessaryBareForm", .caption = L"", .style = WS_POPUP}) {}
+    ~BareForm() = default;
+};
+
+class PictureBoxTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(form_.Load());
+        SetWindowPos(form_.Handle(), nullptr, 100, 100, 200, 150, SWP_NOZORDER);
+        ASSERT_TRUE(box_.Create(form_.Handle(), {}));
+        box_.SetBounds(0, 0, 200, 150);
+        form_.Show(SW_SHOWNOACTIVATE);
+    }
+
+    // Compares the whole area with what it must show: the picture at its place, the background
+    // around it.
+    void ExpectOnScreen(const char* what) {
+        box_.Refresh();
+        const HDC context = GetDC(box_.Handle());
+        const POINT at = box_.PicturePosition();
+        const RECT picture{at.x, at.y, at.x + box_.PictureSize().cx, at.y + box_.PictureSize().cy};
+        int wrong = 0;
+        for (int y = 0; y < box_.AreaSize().cy; y += 3) {
+            for (int x = 0; x < box_.AreaSize().cx; x += 3) {
+                const COLORREF expected = PtInRect(&picture, {x, y})
+                                              ? test::PixelAt(x - at.x, y - at.y)
+                                              : GetSysColor(COLOR_APPWORKSPACE);
+                wrong += GetPixel(context, x, y) != expected;
+            }
+        }
+        ReleaseDC(box_.Handle(), context);
+        EXPECT_EQ(wrong, 0) << what;
+    }
+
+    BareForm form_;
+    PictureBox box_;
+};
+
+TEST_F(PictureBoxTest, PaintsPictureAndBackground) {
+    ExpectOnScreen("empty");
+    box_.SetPicture(MakePicture(60, 40).Get(), {60, 40}, {70, 55});
+    ExpectOnScreen("small");
+    box_.SetPicture(MakePicture(250, 240).Get(), {250, 240}, {-20, -30});
+    ExpectOnScreen("large");
+    box_.SetBounds(0, 0, 120, 150);
+    box_.SetBounds(0, 0, 200, 150);
+    ExpectOnScreen("uncovered again");
+    box_.MovePicture({-10, 0});
+    box_.MovePicture({-50, -12});  // before the first move is painted
+    ExpectOnScreen("moved twice");
+    for (const POINT position : {POINT{-50, -90}, POINT{0, 0}}) {
+        box_.MovePicture(position);
+        ExpectOnScreen("moved");
+    }
+
+    IPicture* const shown = box_.Picture();
+    shown->AddRef();
+    box_.SetPicture(nullptr, {250, 240}, {});
+    ExpectOnScreen("emptied");
+    EXPECT_EQ(shown->Release(), 0u);  // the box has let go
+}
+
+}  // namespace
+}  // namespace tessary
