@@ -17,17 +17,7 @@ using saving::SaveResult;
 constexpr size_t kMostHeaderBytes = dib::kFileHeaderSize + dib::kMaxInfoBlockSize;
 constexpr size_t kChunkSize = 256u << 10;  // rows are collected to this size before writing
 
-#pragma pack(push, 1)
-// The whole header of an OS/2 1.x bitmap (BITMAPCOREHEADER); 3 bytes per colour follow.
-struct CoreHeader {
-    uint32_t size;
-    uint16_t width;
-    uint16_t height;
-    uint16_t planes;
-    uint16_t bitCount;
-};
-#pragma pack(pop)
-static_assert(sizeof(CoreHeader) == 12);
+using dib::CoreHeader;
 
 enum class Kind { kPlain, kCore, kRle4, kRle8 };
 

@@ -32,6 +32,16 @@ struct BitmapInfoHeader {
     uint32_t colorsImportant;
 };
 
+// The whole header of an OS/2 1.x bitmap (BITMAPCOREHEADER); 3 bytes per colour follow. Only files
+// and plug-ins have it, never a plain picture.
+struct CoreHeader {
+    uint32_t size;  // 12
+    uint16_t width;
+    uint16_t height;
+    uint16_t planes;
+    uint16_t bitCount;
+};
+
 // One entry of the colour table (RGBQUAD).
 struct PaletteEntry {
     uint8_t blue;
@@ -43,6 +53,7 @@ struct PaletteEntry {
 
 static_assert(sizeof(BitmapFileHeader) == 14);
 static_assert(sizeof(BitmapInfoHeader) == 40);
+static_assert(sizeof(CoreHeader) == 12);
 static_assert(sizeof(PaletteEntry) == 4);
 
 constexpr uint16_t kBitmapFileType = 0x4D42;  // "BM"

@@ -19,17 +19,6 @@ constexpr uint32_t kMaskOffset = 40;
 
 constexpr uint32_t kOs2CompressionRle24 = 4;  // 3 is Huffman, as 3 to 5 mean other things elsewhere
 
-#pragma pack(push, 1)
-struct CoreHeader {
-    uint32_t size;
-    uint16_t width;
-    uint16_t height;
-    uint16_t planes;
-    uint16_t bitCount;
-};
-#pragma pack(pop)
-static_assert(sizeof(CoreHeader) == kCoreHeaderSize);
-
 template <typename T>
 T ReadPrefix(std::span<const uint8_t> bytes, size_t length) {
     T value{};

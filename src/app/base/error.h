@@ -25,13 +25,12 @@ class RaisedError : public std::exception {
     std::wstring description_;
 };
 
-// Numbers of errors that are no plug-in object's: a value that does not convert, no memory left, a
-// failed system call.
+// Numbers of errors that are no plug-in object's: a value that does not fit or convert, no memory
+// left, anything else.
 constexpr uint32_t kErrorOverflow = 6;
 constexpr uint32_t kErrorOutOfMemory = 7;
 constexpr uint32_t kErrorTypeMismatch = 13;
 constexpr uint32_t kErrorInternal = 51;
-constexpr uint32_t kErrorFileAccess = 75;
 
 // What is known of the exception being handled; call only inside a catch block.
 RaisedError CurrentError();
