@@ -1,13 +1,14 @@
 #include "picture/bitmap_file.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "app/base/error.h"
 #include "app/base/handles.h"
 #include "app/base/helper_function.h"
-#include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "helpers/convertdib/convertdib.h"
+#include "helpers/dib/bitmap_file.h"
 
 namespace tessary {
 namespace {
@@ -15,48 +16,52 @@ namespace {
 // An info block as the reader wants it: the header and a colour table of 256 entries.
 constexpr size_t kReadInfoSize = dib::kInfoHeaderSize + 256 * sizeof(dib::PaletteEntry);
 
+// How many bytes tell a bitmap.
+constexpr size_t kHeadSize = 18;
+
+bool MayGoOn(const ReadProgress& progress, int done, int total) {
+    return Trapped(false, [&] { return !progress || progress(done, total); });
+}
+
 int __stdcall OnReadProgress(int done, int total, LONG_PTR userData) {
-    const auto& progress = *reinterpret_cast<const ReadProgress*>(userData);
-    return Trapped(1, [&] { return !progress || progress(done, total) ? 0 : 1; });
+    return MayGoOn(*reinterpret_cast<const ReadProgress*>(userData), done, total) ? 0 : 1;
 }
 
 // What a file's first bytes say. Behind the 14-byte file header stands the info header's own size:
 // 12 for OS/2 1.x, 16 to 64 for OS/2 2.x, 40 to 124 for the Windows versions.
 // A file that ends before that is a bitmap cut short.
-bool HasBitmapHeader(const uint8_t (&head)[18], DWORD size) {
-    if (head[0] != 'B' || (head[1] != 'M' && head[1] != 'A')) return false;
-    if (size < sizeof(head)) return true;
+bool HasBitmapHeader(std::span<const uint8_t> head) {
+    if (head.size() < 2 || head[0] != 'B' || (head[1] != 'M' && head[1] != 'A')) return false;
+    if (head.size() < kHeadSize) return true;
     if (head[1] == 'A') return head[14] == 'B' && head[15] == 'M';  // an OS/2 bitmap array
     uint32_t headerSize = 0;
-    std::memcpy(&headerSize, head + 14, sizeof(headerSize));
+    std::memcpy(&headerSize, &head[14], sizeof(headerSize));
     return headerSize >= 12 && headerSize <= 124;
 }
 
-void TellUnreadable(const std::wstring& path, const wchar_t* what, const wchar_t* why) {
-    ShowMessageBox(L"ファイル " + path + what + L"\r\n" + why +
-                       L"、ほかのアプリケーションで使用中の可能性があります。",
-                   MB_ICONEXCLAMATION);
+std::wstring UnreadableText(const std::wstring& path, const wchar_t* what, const wchar_t* why) {
+    return L"ファイル " + path + what + L"\r\n" + why +
+           L"、ほかのアプリケーションで使用中の可能性があります。";
 }
 
 }  // namespace
 
-BitmapCheck IsBITMAPFile(const std::wstring& path, OnUnreadable onUnreadable) {
+BitmapCheck IsBITMAPFile(const std::wstring& path, std::wstring& failure) {
     try {
-        const bool tells = onUnreadable == OnUnreadable::kTellUser;
         const UniqueFile file(CreateFileW(ExtendedPath(path).c_str(), GENERIC_READ,
                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                           nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         if (!file) {
-            if (tells) TellUnreadable(path, L" が開けません。", L"ファイルが存在しないか");
+            failure = UnreadableText(path, L" が開けません。", L"ファイルが存在しないか");
             return BitmapCheck::kUnreadable;
         }
-        uint8_t head[18] = {};
+        uint8_t head[kHeadSize];
         DWORD read = 0;
         if (!ReadFile(file.Get(), head, sizeof(head), &read, nullptr) || read == 0) {
-            if (tells) TellUnreadable(path, L" の読み取りエラーです。", L"ファイルが壊れているか");
+            failure = UnreadableText(path, L" の読み取りエラーです。", L"ファイルが壊れているか");
             return BitmapCheck::kUnreadable;
         }
-        return HasBitmapHeader(head, read) ? BitmapCheck::kYes : BitmapCheck::kNo;
+        return HasBitmapHeader(std::span(head).first(read)) ? BitmapCheck::kYes : BitmapCheck::kNo;
     } catch (...) {
         const RaisedError error = CurrentError();
         ReportUnexpectedError(error.Number(), error.Description(), L"IsBITMAPFile(");
@@ -91,6 +96,28 @@ bool ReadBitmapFile(const std::wstring& path, PicturePair& picture, const ReadPr
         ReportUnexpectedError(error.Number(), error.Description(), L"ReadBitmapFile(");
         return false;
     }
+}
+
+bool IsBitmapBlock(HLOCAL block) {
+    const BlockLock lock(block);
+    return HasBitmapHeader(lock.Bytes().first(std::min(lock.Size(), kHeadSize)));
+}
+
+OwnedPicture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress) {
+    const BlockLock lock(block);
+    dib::MemorySource source(lock.Bytes());
+    dib::BitmapFile bitmap(source);
+    if (bitmap.Open() != dib::DibError::kNone) return {};
+    OwnedBlock info = FilledBlock(bitmap.Info().size(), [&](std::span<uint8_t> target) {
+        std::memcpy(target.data(), bitmap.Info().data(), target.size());
+    });
+    dib::DibError error = dib::DibError::kReadFailed;
+    OwnedBlock bits = FilledBlock(bitmap.BitsSize(), [&](std::span<uint8_t> target) {
+        error =
+            bitmap.ReadBits(target, [&](int percent) { return MayGoOn(progress, percent, 100); });
+    });
+    if (!info || error != dib::DibError::kNone) return {};
+    return OwnedPicture({info.Release(), bits.Release()});
 }
 
 }  // namespace tessary

@@ -1,4 +1,4 @@
-// Bitmap files, which the program reads without any plug-in.
+// Bitmaps, which the program reads without any plug-in: files, and blocks with a file's content.
 #pragma once
 
 #include <functional>
@@ -12,15 +12,19 @@ namespace tessary {
 using ReadProgress = std::function<bool(int done, int total)>;
 
 enum class BitmapCheck { kNo, kYes, kUnreadable };
-enum class OnUnreadable { kTellUser, kStaySilent };
 
-// Whether the file's first bytes mark it as a Windows or OS/2 bitmap. A file that cannot be opened,
-// or has nothing to read, is told in a message that names it, unless that is not wanted.
-BitmapCheck IsBITMAPFile(const std::wstring& path, OnUnreadable onUnreadable);
+// Whether the file's first bytes mark it as a Windows or OS/2 bitmap. For a file that cannot be
+// opened, or has nothing to read, `failure` receives the message that names it.
+BitmapCheck IsBITMAPFile(const std::wstring& path, std::wstring& failure);
 
 // Reads a bitmap file through convertdib.dll. On success the pair is handed out: the caller owns
 // both blocks; on failure everything is freed and `picture` is untouched.
 bool ReadBitmapFile(const std::wstring& path, PicturePair& picture,
                     const ReadProgress& progress = {});
+
+// The same two for the content of a bitmap file in a block, which stays the caller's. The picture
+// is in the plain form (helpers/dib/dib_view.h); empty when the block cannot be read as a bitmap.
+bool IsBitmapBlock(HLOCAL block);
+OwnedPicture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress);
 
 }  // namespace tessary

@@ -5,6 +5,8 @@
 
 #include <windows.h>
 
+#include <cstdint>
+#include <span>
 #include <utility>
 
 #include "helpers/dib/bitmap_header.h"
@@ -96,6 +98,9 @@ class BlockLock {
 
     void* Address() const { return address_; }  // null when the block could not be locked
     size_t Size() const { return size_; }       // bytes; 0 when the block could not be locked
+    std::span<const uint8_t> Bytes() const {
+        return {static_cast<const uint8_t*>(address_), size_};
+    }
     explicit operator bool() const { return address_ != nullptr; }
 
   private:
@@ -103,5 +108,15 @@ class BlockLock {
     void* address_ = nullptr;
     size_t size_ = 0;
 };
+
+// A new movable block of `size` bytes, filled by `fill`, which gets them as a span of uint8_t;
+// empty when there is no memory for it.
+template <typename Fill>
+OwnedBlock FilledBlock(size_t size, Fill fill) {
+    OwnedBlock block(LocalAlloc(LMEM_MOVEABLE, size));
+    const BlockLock lock(block.Get());
+    if (lock) fill(std::span(static_cast<uint8_t*>(lock.Address()), size));
+    return lock ? std::move(block) : OwnedBlock();
+}
 
 }  // namespace tessary

@@ -114,8 +114,16 @@ int32_t CollectionSusie::InsertionIndex(int32_t total) const {
 
 void CollectionSusie::UnloadFile() {
     if (PluginCallUnderWay()) return;
-    for (const auto& member : members_)
-        Trapped([&] { member->SetFile({}); });
+    for (const auto& member : members_) {
+        if (member->IsBound()) Trapped([&] { member->SetFile({}); });
+    }
+}
+
+void CollectionSusie::UnloadMemory() {
+    if (PluginCallUnderWay()) return;
+    for (const auto& member : members_) {
+        if (member->GetMemoryHandle() != nullptr) Trapped([&] { member->SetFile({}); });
+    }
 }
 
 int32_t CollectionSusie::GetInMemorySPICount() const {

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "plugin/clsSusie.h"
+#include "plugin/file_stamp.h"
 #include "plugin/plugin_log.h"
 
 namespace tessary {
@@ -69,16 +70,30 @@ class CollectionSusie {
     // to it. 0 when none does.
     int32_t FileSupported(const std::wstring& path, int32_t startIndex = 1);
     // The same for a search that goes on when the member found fails with the file: looks among all
-    // that are not in `asked` and adds those that it asks, so that each is asked once.
+    // that are not in `asked` and adds those that it asks, so that each is asked once. When it
+    // begins, with nobody asked, every member is unbound first, for the file may have changed; only
+    // what QueryFile has just found out about the same file is taken over.
     int32_t FileSupported(const std::wstring& path, std::set<int32_t>& asked);
+    // FileSupported with every member unbound first, for somebody who is likely to begin such a
+    // search next. The member found stays bound.
+    int32_t QueryFile(const std::wstring& path);
     // To be called when the member that accepted last has failed: it is not preferred any more.
     void ForgetSuccess() { lastSuccess_ = 0; }
-    // The same for a block, which must live until the member is bound to something else. `fileName`
+
+    // FileSupported for a block: the first member that accepts the data. A picture plug-in is then
+    // bound to the block, which must live until UnloadMemory. An archive plug-in is only asked and
+    // stays bound to what it is bound to: the block may come out of that very archive. `fileName`
     // tells where the data comes from.
     int32_t MemorySupported(HLOCAL memory, const std::wstring& fileName, int32_t startIndex = 1);
+    int32_t MemorySupported(HLOCAL memory, const std::wstring& fileName, std::set<int32_t>& asked);
 
-    // Unbinds every member.
+    // The archive plug-in that is bound to the file; when none is, the first that accepts it, as
+    // FileSupported finds it. Null when there is none.
+    clsSusie* ArchivePlugin(const std::wstring& path);
+
+    // Unbinds every member; every member that is bound to a block.
     void UnloadFile();
+    void UnloadMemory();
 
     // How many members' files are loaded at the moment.
     int32_t GetInMemorySPICount() const;
@@ -91,10 +106,20 @@ class CollectionSusie {
     struct Search {
         std::wstring upperName;                        // file name without folder
         std::function<std::wstring()> contentPattern;  // pattern of the content's format; slow
-        std::function<void(clsSusie&)> bind;           // raises when the member refuses
+        std::function<bool(clsSusie&)> accepts;        // false or an exception: the member refuses
     };
 
-    int32_t FileSupported(const std::wstring& path, int32_t startIndex, std::set<int32_t>& asked);
+    // What QueryFile has found out.
+    struct Query {
+        int32_t index = 0;  // of the member found, 0: nothing is known
+        std::set<int32_t> asked;
+        FileStamp stamp;
+    };
+
+    bool Holds(const Query& query, const std::wstring& path) const;
+    int32_t FirstSupporting(const std::wstring& path, int32_t startIndex, std::set<int32_t>& asked);
+    int32_t FirstSupporting(HLOCAL memory, const std::wstring& fileName, int32_t startIndex,
+                            std::set<int32_t>& asked);
     int32_t FirstAccepting(const Search& search, int32_t startIndex, std::set<int32_t>& asked);
     void LoadPlugin(clsSusie& added, const std::wstring& path);
     int32_t InsertionIndex(int32_t total) const;
@@ -103,6 +128,7 @@ class CollectionSusie {
     bool dynamicLoad_ = false;
     bool tryAll_ = true;
     int32_t lastSuccess_ = 0;  // index of the member that accepted last; 0 when unknown
+    Query query_;
     std::optional<PluginCall> interruptedCall_;
     std::set<std::wstring> barred_;  // not to be loaded in this run: file names in upper case
 };

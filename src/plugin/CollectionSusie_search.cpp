@@ -1,5 +1,6 @@
 // Finding the plug-in for a file or memory block.
 #include <algorithm>
+#include <utility>
 
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -31,16 +32,13 @@ std::wstring ContentPatternOf(const std::wstring& path) {
     }
 }
 
-// Makes the bind; a refusal and a failure of the plug-in are the same here. Whether the name
-// matters has been decided by then, so the member is not to look at it again: the content may have
-// spoken for the file.
-bool Accepts(clsSusie& member, const std::function<void(clsSusie&)>& bind) {
+// A refusal and a failure of the plug-in are the same here. Whether the name matters has been
+// decided by then, so the member is not to look at it again: the content may have spoken for the
+// file.
+bool Accepts(clsSusie& member, const std::function<bool(clsSusie&)>& accepts) {
     const bool checkMode = member.CheckMode();
     member.SetCheckMode(false);
-    const bool accepted = Trapped(false, [&] {
-        bind(member);
-        return true;
-    });
+    const bool accepted = Trapped(false, [&] { return accepts(member); });
     member.SetCheckMode(checkMode);
     return accepted;
 }
@@ -49,16 +47,45 @@ bool Accepts(clsSusie& member, const std::function<void(clsSusie&)>& bind) {
 
 int32_t CollectionSusie::FileSupported(const std::wstring& path, int32_t startIndex) {
     std::set<int32_t> asked;
-    return FileSupported(path, startIndex, asked);
+    return FirstSupporting(path, startIndex, asked);
 }
 
 int32_t CollectionSusie::FileSupported(const std::wstring& path, std::set<int32_t>& asked) {
-    return FileSupported(path, 1, asked);
+    if (PluginCallUnderWay()) return 0;
+    const Query query = std::exchange(query_, {});
+    if (asked.empty()) {
+        if (Holds(query, path)) {
+            asked = query.asked;
+            return query.index;
+        }
+        UnloadFile();
+    }
+    return FirstSupporting(path, 1, asked);
 }
 
-int32_t CollectionSusie::FileSupported(const std::wstring& path, int32_t startIndex,
-                                       std::set<int32_t>& asked) {
-    if (PluginCallUnderWay() || !PathExists(path) || IsFolder(path)) return 0;
+int32_t CollectionSusie::QueryFile(const std::wstring& path) {
+    if (PluginCallUnderWay()) return 0;
+    query_ = {};
+    UnloadFile();
+    const std::optional<FileStamp> stamp = StampOf(path);  // before anybody reads the file
+    if (!stamp) return 0;
+    Query query;
+    query.stamp = *stamp;
+    query.index = FirstSupporting(path, 1, query.asked);
+    query_ = query;
+    return query.index;
+}
+
+// Whether the member found is still bound to the file, and the file still the same.
+bool CollectionSusie::Holds(const Query& query, const std::wstring& path) const {
+    if (query.index < 1 || query.index > Count()) return false;
+    const clsSusie& member = *members_[static_cast<size_t>(query.index) - 1];
+    return EqualsIgnoreCase(member.GetFile(), path) && StampOf(path) == query.stamp;
+}
+
+int32_t CollectionSusie::FirstSupporting(const std::wstring& path, int32_t startIndex,
+                                         std::set<int32_t>& asked) {
+    if (PluginCallUnderWay() || !StampOf(path)) return 0;
     std::optional<std::wstring> pattern;  // asked for once, and only if it matters
     return FirstAccepting({.upperName = ToUpper(FileNameOf(path)),
                            .contentPattern =
@@ -66,19 +93,52 @@ int32_t CollectionSusie::FileSupported(const std::wstring& path, int32_t startIn
                                    if (!pattern) pattern = ContentPatternOf(path);
                                    return *pattern;
                                },
-                           .bind = [&](clsSusie& member) { member.SetFile(path); }},
+                           .accepts =
+                               [&](clsSusie& member) {
+                                   member.SetFile(path);
+                                   return true;
+                               }},
                           startIndex, asked);
 }
 
 int32_t CollectionSusie::MemorySupported(HLOCAL memory, const std::wstring& fileName,
                                          int32_t startIndex) {
-    if (PluginCallUnderWay() || !IsLocalHandleValid(memory)) return 0;
     std::set<int32_t> asked;
-    return FirstAccepting(
-        {.upperName = ToUpper(FileNameOf(fileName)),
-         .contentPattern = [] { return std::wstring(); },
-         .bind = [&](clsSusie& member) { member.SetMemoryHandle(memory, fileName); }},
-        startIndex, asked);
+    return FirstSupporting(memory, fileName, startIndex, asked);
+}
+
+int32_t CollectionSusie::MemorySupported(HLOCAL memory, const std::wstring& fileName,
+                                         std::set<int32_t>& asked) {
+    return FirstSupporting(memory, fileName, 1, asked);
+}
+
+int32_t CollectionSusie::FirstSupporting(HLOCAL memory, const std::wstring& fileName,
+                                         int32_t startIndex, std::set<int32_t>& asked) {
+    if (PluginCallUnderWay() || !IsLocalHandleValid(memory)) return 0;
+    return FirstAccepting({.upperName = ToUpper(FileNameOf(fileName)),
+                           .contentPattern = [] { return std::wstring(); },
+                           .accepts =
+                               [&](clsSusie& member) {
+                                   if (member.DllStyle() == kStyleArchive) {
+                                       return member.CheckMemory(memory, fileName);
+                                   }
+                                   member.SetMemoryHandle(memory, fileName);
+                                   return true;
+                               }},
+                          startIndex, asked);
+}
+
+clsSusie* CollectionSusie::ArchivePlugin(const std::wstring& path) {
+    for (const auto& member : members_) {
+        if (member->DllStyle() == kStyleArchive && EqualsIgnoreCase(member->GetFile(), path)) {
+            return member.get();
+        }
+    }
+    std::set<int32_t> asked;
+    while (const int32_t index = FileSupported(path, asked)) {
+        if (Item(index).DllStyle() == kStyleArchive) return &Item(index);
+    }
+    return nullptr;
 }
 
 int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex,
@@ -92,7 +152,7 @@ int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex
     const auto offer = [&](int32_t index) {
         if (!asked.insert(index).second) return false;
         clsSusie& member = *members_[static_cast<size_t>(index) - 1];
-        if (member.DllName().empty() || !Accepts(member, search.bind)) return false;
+        if (member.DllName().empty() || !Accepts(member, search.accepts)) return false;
         lastSuccess_ = index;
         return true;
     };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string_view>
+#include <unordered_set>
 
 #include "app/base/text.h"
 
@@ -21,6 +22,26 @@ std::wstring FieldText(const char (&field)[kSize]) {
     std::wstring text = FromAnsi(std::string_view(field, strnlen(field, kSize)));
     std::replace(text.begin(), text.end(), L'/', L'\\');
     return text;
+}
+
+using FolderSet = std::unordered_set<std::wstring>;
+
+// Every folder that a name lies in, whole paths in upper case without the last separator.
+FolderSet FoldersOf(const std::vector<ListedMember>& files) {
+    FolderSet folders;
+    std::wstring_view last;
+    for (const ListedMember& file : files) {
+        std::wstring_view name = file.name;
+        name = name.substr(0, std::min(name.rfind(L'\\'), name.size()));
+        if (name.size() == file.name.size() || name == last) continue;
+        last = name;
+        for (std::wstring folder = ToUpper(name); folders.insert(folder).second;) {
+            const size_t end = folder.rfind(L'\\');
+            if (end == std::wstring::npos) break;
+            folder.resize(end);
+        }
+    }
+    return folders;
 }
 
 }  // namespace
@@ -44,6 +65,21 @@ std::wstring ArchiveMemberName(const susie::FileInfo& member) {
     if (!folder.empty() && folder.back() != L'\\') folder += L'\\';
     // Some plug-ins name the folder in both fields.
     return name.starts_with(folder) ? name : folder + name;
+}
+
+std::vector<ListedMember> FilesAmong(const ArchiveMembers& members) {
+    std::vector<ListedMember> files;
+    files.reserve(members.size());
+    for (size_t i = 0; i < members.size(); ++i) {
+        files.push_back({ArchiveMemberName(members[i]), static_cast<int32_t>(i) + 1});
+    }
+    const FolderSet folders = FoldersOf(files);
+    std::erase_if(files, [&](const ListedMember& file) {
+        if (file.name.ends_with(L'\\')) return true;
+        const auto& record = members[static_cast<size_t>(file.position) - 1];
+        return record.fileSize == 0 && folders.contains(ToUpper(file.name));
+    });
+    return files;
 }
 
 }  // namespace tessary

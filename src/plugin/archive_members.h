@@ -1,4 +1,4 @@
-// An archive's member list as a plug-in hands it out.
+// An archive's member list: as a plug-in hands it out, and as people look at it.
 #pragma once
 
 #include <string>
@@ -17,5 +17,15 @@ ArchiveMembers ReadArchiveMembers(HLOCAL block);
 
 // A member's name within its archive, folder included, with `\` between the parts.
 std::wstring ArchiveMemberName(const susie::FileInfo& member);
+
+// A member for a list of them.
+struct ListedMember {
+    std::wstring name;     // as ArchiveMemberName
+    int32_t position = 0;  // its place in the plug-in's own list, from 1
+};
+
+// The members that are files, in the plug-in's order. Left out are entries that stand for a folder:
+// the name ends in a separator, or they have no bytes and others lie below them.
+std::vector<ListedMember> FilesAmong(const ArchiveMembers& members);
 
 }  // namespace tessary

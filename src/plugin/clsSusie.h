@@ -94,6 +94,7 @@ class clsSusie {
     // else is bound. An invalid handle unbinds and then raises kErrorInvalidMemory.
     void SetMemoryHandle(HLOCAL memory, const std::wstring& fileName);
 
+    bool IsBound() const { return !bound_.IsEmpty(); }
     // 0: a file is bound, or nothing; 1: a block is.
     int32_t FileMode() const { return bound_.memory == nullptr ? 0 : 1; }
     const std::wstring& GetFile() const { return bound_.file; }
@@ -129,6 +130,14 @@ class clsSusie {
     // Number of members; each one's name with its folder, by its index from 1.
     int32_t FileNumber();
     std::wstring Files(int32_t index);
+
+    // The members that are files, by their index; what only stands for a folder is left out.
+    std::vector<ListedMember> GetExpandFileList();
+
+    // Extracts the member of that index into a block of its own. Of a plug-in that extracts to disk
+    // only the block is read back from there. The block is never empty; it may be some bytes longer
+    // than the member. Raises DecodeError when the plug-in fails, or has nothing to give.
+    OwnedBlock DecodeArchive(int32_t index, const SusieProgress& progress);
 
   private:
     // Everything that belongs to what is bound; a fresh one stands for "nothing".
@@ -181,6 +190,9 @@ class clsSusie {
     OwnedPicture Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag);
     uint32_t SaveBmp(const PicturePair& picture, const std::wstring& bmpFile);
     const ArchiveMembers& Members();
+    const susie::FileInfo& MemberAt(int32_t index);
+    OwnedBlock Extract(const susie::FileInfo& member, const SusieProgress& progress);
+    int32_t ExtractOverDisk(const Source& archive, LONG_PTR position, OwnedBlock& content);
 
     SusieCalls calls_;
     HMODULE module_ = nullptr;  // our own reference to the loaded file

@@ -1,5 +1,8 @@
-// The member list of a bound archive.
+// The members of a bound archive: listing and extracting them.
+#include "app/base/paths.h"
 #include "plugin/clsSusie.h"
+#include "plugin/private_folder.h"
+#include "plugin/source_block.h"
 
 namespace tessary {
 
@@ -27,19 +30,75 @@ const ArchiveMembers& clsSusie::Members() {
     return bound_.members;
 }
 
+const susie::FileInfo& clsSusie::MemberAt(int32_t index) {
+    const ArchiveMembers& members = Members();
+    if (index < 1 || static_cast<size_t>(index) > members.size()) {
+        throw PluginError(kErrorInvalidMemberIndex, kInvalidMemberIndexText);
+    }
+    return members[static_cast<size_t>(index) - 1];
+}
+
 int32_t clsSusie::FileNumber() {
     return Member(L"Property Get FileNumber",
                   [&] { return static_cast<int32_t>(Members().size()); });
 }
 
 std::wstring clsSusie::Files(int32_t index) {
-    return Member(L"Property Get Files(", [&] {
-        const ArchiveMembers& members = Members();
-        if (index < 1 || static_cast<size_t>(index) > members.size()) {
-            throw PluginError(kErrorInvalidMemberIndex, kInvalidMemberIndexText);
-        }
-        return ArchiveMemberName(members[static_cast<size_t>(index) - 1]);
+    return Member(L"Property Get Files(", [&] { return ArchiveMemberName(MemberAt(index)); });
+}
+
+std::vector<ListedMember> clsSusie::GetExpandFileList() {
+    return Member(L"GetExpandFileList(", [&] { return FilesAmong(Members()); });
+}
+
+OwnedBlock clsSusie::DecodeArchive(int32_t index, const SusieProgress& progress) {
+    return Member(L"DecodeArchive(", [&] {
+        RequireNoCall();
+        const susie::FileInfo& member = MemberAt(index);
+        RequireModule();
+        return Extract(member, progress);
     });
+}
+
+OwnedBlock clsSusie::Extract(const susie::FileInfo& member, const SusieProgress& progress) {
+    const Source archive(bound_);
+    if (!archive.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
+    const ProgressRelay relay(progress);
+    const auto position = static_cast<LONG_PTR>(member.position);
+    OwnedBlock content;
+    HLOCAL handle = nullptr;
+    int32_t result =
+        archive.IsMemory()
+            ? calls_.GetFileMM(archive.Get().source, position, handle, ProgressRelay::Callback())
+            : calls_.GetFileSM(bound_.pluginName, position, handle, ProgressRelay::Callback());
+    // What a failed call leaves behind may be freed already: it is not touched.
+    if (result == susie::kSuccess) content = OwnedBlock(handle);
+    if (result == kResultNotExported) result = ExtractOverDisk(archive, position, content);
+    if (result != susie::kSuccess) {
+        throw DecodeError(static_cast<uint32_t>(result), kExtractingFailedText);
+    }
+    if (!IsLocalHandleValid(content.Get()) || LocalHandleSize(content.Get()) == 0) {
+        throw DecodeError(susie::kBrokenData, kExtractingFailedText);
+    }
+    return content;
+}
+
+// For plug-ins that extract to disk only.
+int32_t clsSusie::ExtractOverDisk(const Source& archive, LONG_PTR position, OwnedBlock& content) {
+    const PrivateFolder folder;
+    const std::optional<std::string> target = AnsiPathOf(folder.Target());
+    if (!target) return kResultUnexpected;
+    const uint32_t before = calls_.ErrorSerial();
+    const int32_t result =
+        archive.IsMemory()
+            ? calls_.GetFileMS(archive.Get().source, position, *target, ProgressRelay::Callback())
+            : calls_.GetFileSS(bound_.pluginName, position, *target, ProgressRelay::Callback());
+    if (result == susie::kSuccess) content = ReadWholeFile(folder.FirstFile());
+    if (!content && calls_.ErrorSerial() == before) {
+        // The last error is not to stay that the plug-in cannot extract to memory.
+        calls_.SetError(kExtractingFailedText, L"GetFile");
+    }
+    return result;
 }
 
 }  // namespace tessary

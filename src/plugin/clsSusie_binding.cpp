@@ -39,7 +39,7 @@ bool clsSusie::Supports(HLOCAL memory, const std::wstring& fileName) {
     if (lock.Size() >= std::tuple_size_v<HeaderBlock>) {
         return calls_.IsSupported(name, lock.Address()) == kSupported;
     }
-    const HeaderBlock header = HeaderOf({static_cast<const uint8_t*>(lock.Address()), lock.Size()});
+    const HeaderBlock header = HeaderOf(lock.Bytes());
     return calls_.IsSupported(name, header.data()) == kSupported;
 }
 

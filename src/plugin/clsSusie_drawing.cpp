@@ -28,10 +28,7 @@ void clsSusie::ShowPicture(HDC context, int boxWidth, int boxHeight, const Pictu
     Member(L"ShowPicture( ", [&] {
         const BlockLock info(picture.info);
         const BlockLock bits(picture.bits);
-        const auto bytes = [](const BlockLock& block) {
-            return std::span(static_cast<const uint8_t*>(block.Address()), block.Size());
-        };
-        const std::optional<dib::DibView> view = dib::DibView::Of(bytes(info), bytes(bits));
+        const std::optional<dib::DibView> view = dib::DibView::Of(info.Bytes(), bits.Bytes());
         if (!view) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
 
         const bool fit = showType_ != 0;

@@ -36,8 +36,10 @@ inline constexpr wchar_t kCallUnderWayText[] = L"プラグインの処理中で�
 inline constexpr wchar_t kNothingBoundText[] = L"画像(圧縮)ファイルがクラスに登録されていません";
 inline constexpr wchar_t kNotSupportedText[] = L"サポートされていないファイル形式です";
 inline constexpr wchar_t kDecodingFailedText[] = L"画像の展開に失敗しました";
+inline constexpr wchar_t kExtractingFailedText[] = L"圧縮ファイルの展開に失敗しました";
 inline constexpr wchar_t kDrawingFailedText[] = L"画像イメージを表示する際にエラーが発生しました";
 inline constexpr wchar_t kSavingFailedText[] = L"ファイルの保存に失敗しました";
+inline constexpr wchar_t kNoTemporaryFolderText[] = L"一時フォルダを作成できません";
 inline constexpr wchar_t kMethodNotOfferedText[] =
     L"このメソッドは現在登録されているSPIファイルではサポートされません";
 inline constexpr wchar_t kPropertyNotOfferedText[] =
@@ -56,11 +58,12 @@ class PluginError : public RaisedError {
     using RaisedError::RaisedError;
 };
 
-// A failed decode, with what the plug-in answered.
+// A picture that could not be decoded or an archive's member that could not be extracted, with what
+// the plug-in answered.
 class DecodeError : public PluginError {
   public:
-    explicit DecodeError(uint32_t result)
-        : PluginError(kErrorDecodingFailed, kDecodingFailedText), result_(result) {}
+    explicit DecodeError(uint32_t result, const wchar_t* description = kDecodingFailedText)
+        : PluginError(kErrorDecodingFailed, description), result_(result) {}
 
     // The plug-in's answer (never 0), with kPreviewResult set when it came from the preview call.
     uint32_t Result() const { return result_; }

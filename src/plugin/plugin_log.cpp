@@ -81,11 +81,12 @@ std::optional<std::wstring> FileDateText(const std::wstring& path) {
 }  // namespace
 
 void WriteCallLog(const PluginCall& call) {
-    // First, so that nobody takes the rest for a dead run's.
-    SaveSetting(kCallLog, kRunKey, RunName());
-    SaveSetting(kCallLog, kFunctionKey, call.function);
-    SaveSetting(kCallLog, kPluginKey, call.plugin);
-    SaveSetting(kCallLog, kFileKey, call.file);
+    // The run first, so that nobody takes the rest for a dead one's.
+    const KeyAndText texts[] = {{kRunKey, RunName()},
+                                {kFunctionKey, call.function},
+                                {kPluginKey, call.plugin},
+                                {kFileKey, call.file}};
+    SaveSettings(kCallLog, texts);
 }
 
 void ClearCallLog() {

@@ -99,9 +99,12 @@ int Describe(const Script& script, const std::string& content, const std::string
 
 int Store(const Script& script, const Member& member, const std::string& folder) {
     if (script.Has("no-disk")) return susie::kNotImplemented;
-    const std::string path = folder + "\\" + member.name;
+    const bool below = script.Has("store-below");
+    if (below) CreateDirectoryA((folder + "\\below").c_str(), nullptr);
+    const std::string path = folder + (below ? "\\below\\" : "\\") + member.name;
     HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr,
-                              script.Has("no-overwrite") ? CREATE_NEW : CREATE_ALWAYS, 0, nullptr);
+                              script.Has("no-overwrite") ? CREATE_NEW : CREATE_ALWAYS,
+                              below ? FILE_ATTRIBUTE_READONLY : 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) return susie::kInternalError;
     DWORD written = 0;
     WriteFile(file, member.data.data(), static_cast<DWORD>(member.data.size()), &written, nullptr);
@@ -111,8 +114,10 @@ int Store(const Script& script, const Member& member, const std::string& folder)
 
 int Extract(const Script& script, const Member& member, char* destination, uint32_t flag) {
     if ((flag & 0x700) != susie::kDestinationMemory) return Store(script, member, destination);
+    if (script.Has("no-memory")) return susie::kNotImplemented;
     *reinterpret_cast<HLOCAL*>(destination) =
-        MakeBlock(script.Has("extra-byte") ? member.data + '\xA5' : member.data);
+        MakeBlock(script.Has("extra-byte") ? member.data + '\xA5' : member.data,
+                  script.Has("fixed") ? LMEM_FIXED : LMEM_MOVEABLE);
     return susie::kSuccess;
 }
 

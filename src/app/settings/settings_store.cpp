@@ -61,15 +61,28 @@ std::wstring GetSetting(std::wstring_view section, std::wstring_view key,
 }
 
 void SaveSetting(std::wstring_view section, std::wstring_view key, std::wstring_view text) {
-    const std::wstring value(text);
-    const LSTATUS status = RegSetKeyValueW(HKEY_CURRENT_USER, SectionPath(section).c_str(),
-                                           std::wstring(key).c_str(), REG_SZ, value.c_str(),
-                                           static_cast<DWORD>(value.size() + 1) * sizeof(wchar_t));
+    const KeyAndText texts[] = {{key, text}};
+    SaveSettings(section, texts);
+}
+
+void SaveSettings(std::wstring_view section, std::span<const KeyAndText> texts) {
+    UniqueKey opened;
+    LSTATUS status = RegCreateKeyExW(HKEY_CURRENT_USER, SectionPath(section).c_str(), 0, nullptr, 0,
+                                     KEY_SET_VALUE, nullptr, opened.Receive(), nullptr);
+    for (size_t i = 0; status == ERROR_SUCCESS && i < texts.size(); ++i) {
+        const std::wstring value(texts[i].second);
+        status = RegSetValueExW(opened.Get(), std::wstring(texts[i].first).c_str(), 0, REG_SZ,
+                                reinterpret_cast<const BYTE*>(value.c_str()),
+                                static_cast<DWORD>(value.size() + 1) * sizeof(wchar_t));
+    }
     if (status != ERROR_SUCCESS) Fail(status);
 }
 
 void DeleteSettingSection(std::wstring_view section) {
-    const LSTATUS status = RegDeleteTreeW(HKEY_CURRENT_USER, SectionPath(section).c_str());
+    const std::wstring path = SectionPath(section);
+    // The quick way refuses only what has sections of its own.
+    LSTATUS status = RegDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
+    if (status == ERROR_ACCESS_DENIED) status = RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
     if (status != ERROR_SUCCESS && !IsMissing(status)) Fail(status);
 }
 

@@ -2,8 +2,10 @@
 // HKEY_CURRENT_USER\Software\Tessary_Viewer\<section> as REG_SZ.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tessary {
 
@@ -14,6 +16,10 @@ std::wstring GetSetting(std::wstring_view section, std::wstring_view key,
 
 // Stores a text. Throws RaisedError when it cannot be written.
 void SaveSetting(std::wstring_view section, std::wstring_view key, std::wstring_view text);
+
+// Stores the texts of several keys of one section, in that order: faster than one by one.
+using KeyAndText = std::pair<std::wstring_view, std::wstring_view>;
+void SaveSettings(std::wstring_view section, std::span<const KeyAndText> texts);
 
 // Removes a section with all its keys; a missing one is no error.
 void DeleteSettingSection(std::wstring_view section);

@@ -1,102 +1,21 @@
 #include "picture/show/modShowPicture.h"
 
-#include <set>
+#include <vector>
 
-#include "app/base/error.h"
 #include "app/base/handles.h"
 #include "app/base/message_box.h"
-#include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "picture/bitmap_file.h"
 #include "picture/current_picture.h"
 #include "picture/modDIBToPicture.h"
 #include "picture/show/fit.h"
+#include "picture/show/natural_order.h"
 #include "picture/show/picture_kernel.h"
+#include "picture/show/read_picture.h"
 #include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
-
-// What came of the attempts to get a picture out of a file.
-struct Attempt {
-    ShownFile file;
-    OwnedPicture picture;
-    std::wstring failure;  // what to tell the user; empty when nobody claimed the file
-};
-
-std::wstring FailureText(const std::wstring& path, const std::wstring& reason) {
-    return L"ファイル " + path + L" を表示できません。\r\n" + reason;
-}
-
-// The reason of a failed decode with its culprit: the plug-in's own file name.
-std::wstring DecodeFailureText(const std::wstring& path, const clsSusie& plugin,
-                               const RaisedError& error) {
-    std::wstring reason = error.Description();
-    if (!plugin.ErrorString().empty() && plugin.ErrorString() != reason) {
-        reason += L"\r\n" + plugin.ErrorString();
-    }
-    return FailureText(path, reason + L"\r\nプラグイン: " + FileNameOf(plugin.DllName()));
-}
-
-// Offers the file to the plug-ins in trial order until one has decoded it. A plug-in that takes the
-// file and then fails does not end the search: the next may do better.
-Attempt OfferToPlugins(const std::wstring& path, PictureView& view) {
-    CollectionSusie& plugins = SusieCollection();
-    Attempt attempt;
-    std::set<int32_t> asked;
-    while (const int32_t index = plugins.FileSupported(path, asked)) {
-        clsSusie& plugin = plugins.Item(index);
-        const std::wstring name = FileNameOf(plugin.DllName());
-        if (plugin.DllStyle() == kStyleArchive) return {{kFileArchive, name}, {}, {}};
-        try {
-            PicturePair pair;
-            plugin.DecodePicture(
-                DecodeTarget::kMemory, 0, [&](int, int) { return view.Breathe(); }, {}, &pair);
-            return {{kFilePicture, name}, OwnedPicture(pair), {}};
-        } catch (...) {
-            const RaisedError error = CurrentError();
-            // A read that was asked to stop has not failed.
-            if (Values().quitRequested) return {};
-            attempt.failure = DecodeFailureText(path, plugin, error);
-            plugins.ForgetSuccess();
-        }
-    }
-    return attempt;
-}
-
-Attempt DecodeByPlugins(const std::wstring& path, PictureView& view) {
-    // An archive that is still bound would not be read again, whatever has become of its file.
-    SusieCollection().UnloadFile();
-    Attempt attempt = OfferToPlugins(path, view);
-    // Nothing stays bound to a picture: its file may change on disk, and its plug-in may be freed.
-    // An archive stays bound, for its members.
-    if (attempt.file.kind != kFileArchive) SusieCollection().UnloadFile();
-    return attempt;
-}
-
-Attempt ReadPicture(const std::wstring& path, PictureView& view) {
-    switch (IsBITMAPFile(path, OnUnreadable::kTellUser)) {
-        case BitmapCheck::kUnreadable:
-            return {};  // already told
-        case BitmapCheck::kYes: {
-            PicturePair pair;
-            if (ReadBitmapFile(path, pair, [&](int, int) { return view.Breathe(); })) {
-                return {{kFileBitmap, {}}, OwnedPicture(pair), {}};
-            }
-            // A read that was asked to stop has not failed.
-            if (Values().quitRequested) return {};
-            break;  // damaged, or no bitmap after all: a plug-in may know better
-        }
-        case BitmapCheck::kNo:
-            return DecodeByPlugins(path, view);
-    }
-    Attempt attempt = DecodeByPlugins(path, view);
-    if (attempt.file.kind == kFileUnknown && attempt.failure.empty()) {
-        attempt.failure =
-            FailureText(path, L"ビットマップファイルが壊れているか、対応していない形式です。");
-    }
-    return attempt;
-}
 
 // Puts a pair into the view at its own size.
 bool PutIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
@@ -115,33 +34,60 @@ bool PutResizedIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
     return resized && PutIntoView(resized.Get(), size, view);
 }
 
+// Makes what was read the current picture and shows it.
+ShownFile Show(ReadResult result, PictureView& view, OnFailure onFailure) {
+    if (IsPictureKind(result.file.kind)) {
+        SetCurrentPicture(result.picture.Release());
+        if (!DisplayCurrentPicture(view)) {
+            // Neither the former picture nor this one's name may stand for what is not there.
+            SetCurrentPicture({});
+            view.ClearPicture();
+            result.file = {kFileUnknown, {}, FailureText(result.subject, kDrawingFailedText)};
+        }
+    }
+    if (onFailure == OnFailure::kTellUser && !result.file.failure.empty()) {
+        ShowMessageBox(result.file.failure, MB_ICONEXCLAMATION);
+    }
+    return result.file;
+}
+
+// Fills the list with the members of the archive that was just recognised.
+void ListMembers(const std::wstring& path, MemberList& list) {
+    clsSusie* const archive = SusieCollection().ArchivePlugin(path);
+    if (archive == nullptr) return;
+    std::vector<ListedMember> members = archive->GetExpandFileList();
+    SortNaturally(members);
+    list.SetMembers(members);
+}
+
 }  // namespace
 
 FileKind QueryFileKind(const std::wstring& path) {
-    if (IsBITMAPFile(path, OnUnreadable::kStaySilent) == BitmapCheck::kYes) return kFileBitmap;
+    std::wstring failure;
+    switch (IsBITMAPFile(path, failure)) {
+        case BitmapCheck::kYes:
+            return kFileBitmap;
+        case BitmapCheck::kUnreadable:
+            return kFileUnknown;
+        case BitmapCheck::kNo:
+            break;
+    }
     CollectionSusie& plugins = SusieCollection();
-    plugins.UnloadFile();  // what is bound would not be read again
-    const int32_t index = plugins.FileSupported(path);
+    const int32_t index = plugins.QueryFile(path);
     if (index < 1) return kFileUnknown;
-    const bool isArchive = plugins.Item(index).DllStyle() == kStyleArchive;
-    plugins.UnloadFile();
-    return isArchive ? kFileArchive : kFilePicture;
+    return plugins.Item(index).DllStyle() == kStyleArchive ? kFileArchive : kFilePicture;
 }
 
-ShownFile ShowFile(const std::wstring& path, PictureView& view) {
-    Attempt attempt = ReadPicture(path, view);
-    if (!attempt.failure.empty()) ShowMessageBox(attempt.failure, MB_ICONEXCLAMATION);
-    if (!IsPictureKind(attempt.file.kind)) return attempt.file;
-    SetCurrentPicture(attempt.picture.Release());
-    if (!DisplayCurrentPicture(view)) {
-        // Neither the former picture nor this one's name may stand for what is not there.
-        SetCurrentPicture({});
-        view.ClearPicture();
-        ShowMessageBox(FailureText(path, L"画像イメージを表示する際にエラーが発生しました"),
-                       MB_ICONEXCLAMATION);
-        return {};
-    }
-    return attempt.file;
+ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members,
+                   OnFailure onFailure) {
+    ReadResult result = ReadPictureFile(path, view);
+    if (result.file.kind == kFileArchive) ListMembers(path, members);
+    return Show(std::move(result), view, onFailure);
+}
+
+ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view,
+                            OnFailure onFailure) {
+    return Show(ReadArchiveMember(archivePath, position, view), view, onFailure);
 }
 
 bool DisplayCurrentPicture(PictureView& view) {

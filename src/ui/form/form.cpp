@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/base/error.h"
+#include "ui/form/control.h"
 
 namespace tessary {
 namespace {
@@ -66,6 +67,7 @@ void Form::ChangeMetrics() {
 }
 
 LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (const auto answer = Control::Reflect(message, wParam, lParam)) return *answer;
     switch (message) {
         case WM_CLOSE: {
             bool cancel = false;

@@ -41,6 +41,16 @@ class FakeView : public PictureView {
     int pictures = 0;
 };
 
+class FakeList : public MemberList {
+  public:
+    void SetMembers(std::span<const ListedMember> members) override {
+        names.clear();
+        for (const ListedMember& member : members)
+            names += std::to_wstring(member.position) + L':' + member.name + L' ';
+    }
+    std::wstring names;
+};
+
 class ShowTest : public testing::Test {
   protected:
     static void SetUpTestSuite() { test::LoadHelperLibraries(); }
@@ -63,11 +73,19 @@ class ShowTest : public testing::Test {
         ASSERT_EQ(SusieCollection().Count(), static_cast<int32_t>(namesAndScripts.size()));
     }
 
+    ShownFile Show(const std::wstring& file, OnFailure onFailure = OnFailure::kTellUser) {
+        return ShowFile(file, view_, list_, onFailure);
+    }
+    int Calls(const wchar_t* plugin, const char* function) const {
+        return test::TestCallCount(GetModuleHandleW((plugins_.Path() + plugin).c_str()), function);
+    }
+
     test::RedirectedSettings settings_;
     test::RecordedMessages messages_;
     test::TemporaryFolder plugins_;
     test::TemporaryFolder files_;
     FakeView view_;
+    FakeList list_;
 };
 
 TEST(FitTest, KeepsProportionsInsideTheBox) {
@@ -91,7 +109,7 @@ TEST(FitTest, KeepsProportionsInsideTheBox) {
 TEST_F(ShowTest, BitmapNeedsNoPlugin) {
     const std::wstring file = files_.Write(L"絵.dat", test::BitmapFileOf(20, 10, RGB(1, 2, 3)));
     EXPECT_EQ(QueryFileKind(file), kFileBitmap);
-    EXPECT_EQ(ShowFile(file, view_).kind, kFileBitmap);
+    EXPECT_EQ(Show(file).kind, kFileBitmap);
     EXPECT_EQ(view_.shown.cx, 20);
     dib::BitmapInfoHeader header{};
     ASSERT_TRUE(GetPictureHeader(CurrentPicture(), header));
@@ -129,36 +147,136 @@ TEST_F(ShowTest, PluginThatFailsMakesRoomForAllOthers) {
     const std::string lenient = "accept-all\ninfo:2:*.xyz\nanswer:GetPicture:2\n";
     UsePlugins(
         {{L"c_refuses.spi", "answer:IsSupported:0\n"}, {L"b_good.spi", ""}, {L"a.spi", lenient}});
-    const auto asked = [&](const wchar_t* name) {
-        return test::TestCallCount(GetModuleHandleW((plugins_.Path() + name).c_str()),
-                                   "IsSupported");
-    };
+    const auto asked = [&](const wchar_t* name) { return Calls(name, "IsSupported"); };
     // It stands behind the good one, but accepted last.
     EXPECT_EQ(QueryFileKind(files_.Write(L"a.xyz", "text")), kFilePicture);
-    EXPECT_EQ(ShowFile(files_.Write(L"a.dat", "TST 30x20x24\n"), view_).kind, kFilePicture);
+    EXPECT_EQ(Show(files_.Write(L"a.dat", "TST 30x20x24\n")).kind, kFilePicture);
     EXPECT_EQ(asked(L"a.spi"), 2);
     EXPECT_EQ(asked(L"c_refuses.spi"), 1);
     // It is the only one to claim this by its name.
-    EXPECT_EQ(ShowFile(files_.Write(L"b.xyz", "TST 40x20x24\n"), view_).kind, kFilePicture);
+    EXPECT_EQ(Show(files_.Write(L"b.xyz", "TST 40x20x24\n")).kind, kFilePicture);
     EXPECT_EQ(view_.shown.cx, 40);
     EXPECT_TRUE(messages_.All().empty());
 }
 
-TEST_F(ShowTest, ChangedArchiveIsReadAgain) {
-    UsePlugins({{L"axtsa.spi", ""}});
-    const std::wstring file = files_.Write(L"a.tsa", "TSA\nmember\t1\t\ta.jpg\n\na");
-    EXPECT_EQ(ShowFile(file, view_).kind, kFileArchive);
+TEST_F(ShowTest, AQueryIsNotMadeASecondTime) {
+    UsePlugins({{L"c_refuses.spi", "answer:IsSupported:0\n"}, {L"axtsa.spi", ""}, {L"a.spi", ""}});
+    const std::wstring picture = files_.Write(L"a.tst", "TST 30x20x24\n");
+    EXPECT_EQ(QueryFileKind(picture), kFilePicture);
+    EXPECT_EQ(Show(picture).kind, kFilePicture);
+    EXPECT_EQ(Calls(L"a.spi", "IsSupported"), 1);
+    EXPECT_EQ(Show(picture).kind, kFilePicture);  // a show alone leaves nothing behind
+    EXPECT_EQ(Calls(L"a.spi", "IsSupported"), 2);
+
+    const std::wstring archive = files_.Write(L"a.tsa", test::ArchiveOf({{"a.jpg", "a"}}));
+    EXPECT_EQ(QueryFileKind(archive), kFileArchive);
+    EXPECT_EQ(Show(archive).kind, kFileArchive);
+    EXPECT_EQ(Calls(L"axtsa.spi", "GetArchiveInfo"), 1);
+    EXPECT_EQ(Show(archive).kind, kFileArchive);  // may have changed since
+    EXPECT_EQ(Calls(L"axtsa.spi", "GetArchiveInfo"), 2);
+
+    EXPECT_EQ(QueryFileKind(archive), kFileArchive);
     files_.Write(L"a.tsa", "no archive any more");
-    EXPECT_EQ(ShowFile(file, view_).kind, kFileUnknown);
+    EXPECT_EQ(Show(archive).kind, kFileUnknown);
+}
+
+TEST_F(ShowTest, MembersAreListedInNaturalOrder) {
+    UsePlugins({{L"axtsa.spi", ""}});
+    const std::wstring file =
+        files_.Write(L"a.tsa", test::ArchiveOf({{"b/10.jpg", "a"},
+                                                {"10.jpg", "a"},
+                                                {"b/", ""},
+                                                {"B/9.jpg", "a"},
+                                                {"b/c/1.jpg", "a"},
+                                                {"b 2/1.jpg", "a"},
+                                                {"IMG99999999999999999999.jpg", "a"},
+                                                {"img100000000000000000000.jpg", "a"},
+                                                {"_cover.jpg", "a"},
+                                                {"9.jpg", "a"},
+                                                {"08.jpg", "a"}}));
+    const ShownFile shown = Show(file);
+    EXPECT_EQ(shown.kind, kFileArchive);
+    EXPECT_EQ(shown.pluginName, L"axtsa.spi");
+    EXPECT_EQ(list_.names,
+              L"9:_cover.jpg 11:08.jpg 10:9.jpg 2:10.jpg 7:IMG99999999999999999999.jpg "
+              L"8:img100000000000000000000.jpg 4:B\\9.jpg 1:b\\10.jpg 5:b\\c\\1.jpg 6:b 2\\1.jpg ");
+}
+
+TEST_F(ShowTest, MembersAreShownWhateverBecomesOfTheOthers) {
+    // The last is tried first; one tells an archive by anything at all.
+    UsePlugins({{L"a1good.spi", ""},
+                {L"a2bad.spi", "answer:GetPicture:2\n"},
+                {L"axlenient.spi", "accept-all\ninfo:2:*.tst\nanswer:GetArchiveInfo:2\n"},
+                {L"axtsa.spi", ""}});
+    const std::wstring file = files_.Write(
+        L"a.tsa",
+        test::ArchiveOf({{"\x83\x5C/1.bmp", test::BitmapFileOf(20, 10, RGB(1, 2, 3)) + "x"},
+                         {"2.tst", "TST 30x20x24\n"},
+                         {"3.tst", "TST 30x20x24\ncrash:av:GetPicture\n"},
+                         {"4.tsa", "TSA\n\n"},
+                         {"5.bmp", "BM no bitmap"},
+                         {"6.tst", ""}}));
+    ASSERT_EQ(Show(file).kind, kFileArchive);
+    const auto show = [&](int32_t position, OnFailure onFailure = OnFailure::kStaySilent) {
+        return ShowArchiveMember(file, position, view_, onFailure);
+    };
+    EXPECT_EQ(show(1).kind, kFileBitmap);
+    EXPECT_EQ(view_.shown.cx, 20);
+    const ShownFile picture = show(2);
+    EXPECT_EQ(picture.kind, kFilePicture);
+    EXPECT_EQ(picture.pluginName + picture.failure, L"a1good.spi");
+    EXPECT_EQ(view_.shown.cx, 30);
+    EXPECT_EQ(show(4).kind, kFileArchive);
+    EXPECT_EQ(Calls(L"axtsa.spi", "GetArchiveInfo"), 1);  // the archive was bound all the time
+
+    // It was unbound meanwhile.
+    QueryFileKind(files_.Write(L"b.tst", "TST 30x20x24\n"));
+    EXPECT_EQ(show(2).kind, kFilePicture);
+
+    UnloadSPI();
+    plugins_.Write(L"axlenient.spi.script", "answer:IsSupported:0\nanswer:GetArchiveInfo:2\n");
+    LoadSPI();
+    const std::wstring inArchive = L"ファイル " + file + L" 内の ";
+    EXPECT_TRUE(
+        show(3).failure.starts_with(inArchive +
+                                    L"3.tst を表示できません。\r\n画像の展開に失敗しました\r\n"
+                                    L"SPIファイル内の関数で致命的エラーが発生しました"));
+    EXPECT_TRUE(show(5).failure.starts_with(inArchive + L"5.bmp を表示できません。"));
+    EXPECT_EQ(show(6).failure, inArchive +
+                                   L"6.tst を表示できません。\r\n"
+                                   L"圧縮ファイルの展開に失敗しました\r\nプラグイン: axtsa.spi");
+    EXPECT_EQ(show(7).kind, kFileUnknown);
+    EXPECT_TRUE(messages_.All().empty());
+    const std::wstring told = show(6, OnFailure::kTellUser).failure;
+    EXPECT_EQ(messages_.Only(), told);
+    EXPECT_EQ(show(2).kind, kFilePicture);
+
+    files_.Write(L"a.tsa", "no archive any more");
+    SusieCollection().UnloadFile();
+    EXPECT_FALSE(show(2).failure.empty());
+    EXPECT_EQ(view_.shown.cx, 30);  // what was shown stays
+    Values().quitRequested = true;
+    files_.Write(L"a.tsa", test::ArchiveOf({{"1.tst", "TST 30x20x24\n"}}));
+    EXPECT_EQ(show(1).failure, L"");
+}
+
+TEST_F(ShowTest, AFailureIsHandedBackWhereNoMessageMayAppear) {
+    UsePlugins({{L"a.spi", "answer:GetPicture:2\n"}});
+    const std::wstring broken = files_.Write(L"a.tst", "TST 30x20x24\n");
+    for (const std::wstring& file : {broken, files_.Path() + L"gone.bmp"}) {
+        const std::wstring failure = Show(file, OnFailure::kStaySilent).failure;
+        EXPECT_NE(failure.find(file), std::wstring::npos);
+        EXPECT_TRUE(messages_.All().empty());
+    }
 }
 
 TEST_F(ShowTest, LastFailureIsToldWithItsCulprit) {
     UsePlugins({{L"a_bad.spi", "crash:av:GetPicture\n"}, {L"b_bad.spi", "crash:av:GetPicture\n"}});
     const std::wstring shown = files_.Write(L"shown.bmp", test::BitmapFileOf(9, 9, 0));
-    ASSERT_EQ(ShowFile(shown, view_).kind, kFileBitmap);
+    ASSERT_EQ(Show(shown).kind, kFileBitmap);
     const HLOCAL before = CurrentPicture().info;
     const std::wstring file = files_.Write(L"picture.tst", "TST 30x20x24\n");
-    EXPECT_EQ(ShowFile(file, view_).kind, kFileUnknown);
+    EXPECT_EQ(Show(file).kind, kFileUnknown);
     EXPECT_NE(messages_.Only().find(L"画像の展開に失敗しました"), std::wstring::npos);
     EXPECT_NE(messages_.Only().find(L"SPIファイル内の関数で致命的エラーが発生しました"),
               std::wstring::npos);
@@ -171,7 +289,7 @@ TEST_F(ShowTest, UnreadableFilesAreTold) {
     const std::wstring missing = files_.Path() + L"無い.bmp";
     EXPECT_EQ(QueryFileKind(missing), kFileUnknown);
     EXPECT_TRUE(messages_.All().empty());
-    EXPECT_EQ(ShowFile(missing, view_).kind, kFileUnknown);
+    EXPECT_EQ(Show(missing).kind, kFileUnknown);
     EXPECT_EQ(messages_.Only(),
               L"ファイル " + missing +
                   L" が開けません。\r\nファイルが存在しないか、ほかのアプリケーションで"
@@ -180,20 +298,18 @@ TEST_F(ShowTest, UnreadableFilesAreTold) {
     const std::wstring locked = files_.Write(L"locked.bmp", test::BitmapFileOf(9, 9, 0));
     const UniqueFile lock(
         CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    EXPECT_EQ(ShowFile(locked, view_).kind, kFileUnknown);
+    EXPECT_EQ(Show(locked).kind, kFileUnknown);
     EXPECT_EQ(messages_.All().size(), 2u);
 
     // A bitmap header without a bitmap behind it is told too; a file of no known kind is just
     // unknown.
-    EXPECT_EQ(ShowFile(files_.Write(L"broken.bmp",
-                                    std::string("BM\0\0\0\0\0\0\0\0\0\0\0\0\x28\0\0\0", 18)),
-                       view_)
-                  .kind,
-              kFileUnknown);
-    EXPECT_EQ(messages_.All().size(), 3u);
     EXPECT_EQ(
-        ShowFile(files_.Write(L"readme.txt", "BMW is no bitmap, and this no picture"), view_).kind,
+        Show(files_.Write(L"broken.bmp", std::string("BM\0\0\0\0\0\0\0\0\0\0\0\0\x28\0\0\0", 18)))
+            .kind,
         kFileUnknown);
+    EXPECT_EQ(messages_.All().size(), 3u);
+    EXPECT_EQ(Show(files_.Write(L"readme.txt", "BMW is no bitmap, and this no picture")).kind,
+              kFileUnknown);
     EXPECT_EQ(messages_.All().size(), 3u);
 }
 
@@ -204,7 +320,7 @@ TEST_F(ShowTest, NamesOutsideTheCodePageAndLongPathsAreShown) {
                                          std::wstring(120, L'b') + L"\\写真.tst"}) {
         const std::wstring file = files_.Write(name, "TST 30x20x24\n");
         view_.shown = {};
-        EXPECT_EQ(ShowFile(file, view_).kind, kFilePicture) << file.size();
+        EXPECT_EQ(Show(file).kind, kFilePicture) << file.size();
         EXPECT_EQ(view_.shown.cx, 30);
     }
     EXPECT_TRUE(messages_.All().empty());
@@ -216,7 +332,7 @@ TEST_F(ShowTest, StoppedReadIsSilentAndChangesNothing) {
     for (const std::wstring& file :
          {files_.Write(L"picture.tst", "TST 30x20x24\n"),
           files_.Write(L"large.bmp", test::BitmapFileOf(2000, 2000, RGB(1, 2, 3)))}) {
-        EXPECT_EQ(ShowFile(file, view_).kind, kFileUnknown) << file;
+        EXPECT_EQ(Show(file).kind, kFileUnknown) << file;
     }
     EXPECT_EQ(view_.pictures, 0);
     EXPECT_TRUE(messages_.All().empty());

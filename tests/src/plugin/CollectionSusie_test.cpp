@@ -186,6 +186,34 @@ TEST_F(CollectionTest, ByExtensionOnlyThoseThatClaimTheFileAreAsked) {
     EXPECT_TRUE(collection_.Item(1).CheckMode());
 }
 
+TEST_F(CollectionTest, ABlockOutOfAnArchiveDoesNotUnbindIt) {
+    Add(L"b.spi");
+    Add(L"a.spi");
+    const std::wstring archivePlugin = Plugin(L"axtsa.spi");
+    collection_.AddSPI(archivePlugin);
+    const std::wstring file = folder_.Write(L"a.tsa", test::ArchiveOf({{"b.tsa", "TSA\n\n"}}));
+    ASSERT_EQ(collection_.FileSupported(file), 1);
+    clsSusie& archive = collection_.Item(1);
+    const OwnedBlock inner = archive.DecodeArchive(1, {});
+    EXPECT_EQ(collection_.MemorySupported(inner.Get(), L"b.tsa"), 1);
+    EXPECT_EQ(archive.GetFile(), file);
+    EXPECT_EQ(collection_.ArchivePlugin(file), &archive);
+    EXPECT_EQ(Calls(archivePlugin, "GetArchiveInfo"), 1);
+
+    const OwnedBlock picture = Block("TST 1x1x24\n");
+    std::set<int32_t> asked;
+    EXPECT_EQ(collection_.MemorySupported(picture.Get(), L"a.tst", asked), 2);
+    EXPECT_EQ(collection_.MemorySupported(picture.Get(), L"a.tst", asked), 3);
+    EXPECT_EQ(collection_.MemorySupported(picture.Get(), L"a.tst", asked), 0);
+    collection_.UnloadMemory();
+    EXPECT_FALSE(collection_.Item(2).IsBound() || collection_.Item(3).IsBound());
+    EXPECT_EQ(archive.GetFile(), file);
+
+    collection_.UnloadFile();
+    EXPECT_EQ(collection_.ArchivePlugin(file), &archive);  // bound again
+    EXPECT_EQ(collection_.ArchivePlugin(folder_.Write(L"a.tst", "TST 1x1x24\n")), nullptr);
+}
+
 TEST_F(CollectionTest, TheOpenDialogGetsPairs) {
     Add(L"b.spi", "info:1:A|B\ninfo:2:*.bmp;*.jpg;*.jpeg\n");
     Add(L"a.spi");

@@ -1,0 +1,169 @@
+#include "picture/show/read_picture.h"
+
+#include <functional>
+#include <set>
+
+#include "app/base/error.h"
+#include "app/base/paths.h"
+#include "app/settings/modValue.h"
+#include "picture/bitmap_file.h"
+#include "plugin/modSusie.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kBrokenBitmapText[] =
+    L"ビットマップファイルが壊れているか、対応していない形式です。";
+constexpr wchar_t kNoArchiveText[] = L"圧縮ファイルが存在しないか、読み取れなくなっています。";
+
+std::wstring SubjectOf(const std::wstring& path) {
+    return L"ファイル " + path;
+}
+
+std::wstring SubjectOf(const std::wstring& archivePath, const std::wstring& memberName) {
+    return SubjectOf(archivePath) + L" 内の " + memberName;
+}
+
+// The reason of a plug-in's failure with the culprit: the plug-in's own file name.
+std::wstring PluginFailureText(const std::wstring& subject, const clsSusie& plugin,
+                               const RaisedError& error) {
+    std::wstring reason = error.Description();
+    if (!plugin.ErrorString().empty() && plugin.ErrorString() != reason) {
+        reason += L"\r\n" + plugin.ErrorString();
+    }
+    return FailureText(subject, reason + L"\r\nプラグイン: " + FileNameOf(plugin.DllName()));
+}
+
+ReadResult Failed(std::wstring failure) {
+    return {{kFileUnknown, {}, std::move(failure)}, {}, {}};
+}
+
+// Something that plug-ins are to decode.
+struct Offer {
+    std::wstring subject;
+    // The index of the next plug-in that takes it and is not in `asked`; 0 when there is none.
+    std::function<int32_t(std::set<int32_t>& asked)> nextPlugin;
+    // Whether an archive plug-in that takes it has read it. Otherwise a picture plug-in may still
+    // know better.
+    bool archivesAreRead;
+};
+
+// Offers it to the plug-ins in trial order until one has decoded it.
+ReadResult OfferToPlugins(const Offer& offer, PictureView& view) {
+    CollectionSusie& plugins = SusieCollection();
+    ShownFile file;
+    std::set<int32_t> asked;
+    while (const int32_t index = offer.nextPlugin(asked)) {
+        clsSusie& plugin = plugins.Item(index);
+        const std::wstring name = FileNameOf(plugin.DllName());
+        if (plugin.DllStyle() == kStyleArchive) {
+            file = {kFileArchive, name, {}};
+            if (offer.archivesAreRead) break;
+            continue;
+        }
+        try {
+            PicturePair pair;
+            plugin.DecodePicture(
+                DecodeTarget::kMemory, 0, [&](int, int) { return view.Breathe(); }, {}, &pair);
+            return {{kFilePicture, name, {}}, OwnedPicture(pair), offer.subject};
+        } catch (...) {
+            const RaisedError error = CurrentError();
+            // A read that was asked to stop has not failed.
+            if (Values().quitRequested) return {};
+            file.failure = PluginFailureText(offer.subject, plugin, error);
+            plugins.ForgetSuccess();
+        }
+    }
+    if (file.kind == kFileArchive) file.failure.clear();
+    return {file, {}, {}};
+}
+
+ReadResult DecodeFile(const std::wstring& path, PictureView& view) {
+    CollectionSusie& plugins = SusieCollection();
+    const auto next = [&](std::set<int32_t>& asked) { return plugins.FileSupported(path, asked); };
+    ReadResult result = OfferToPlugins({SubjectOf(path), next, true}, view);
+    // Nothing stays bound to a picture: its file may change on disk, and its plug-in may be freed.
+    // An archive stays bound, for its members.
+    if (result.file.kind != kFileArchive) plugins.UnloadFile();
+    return result;
+}
+
+// Until its end plug-ins may be bound to blocks.
+struct BlockUse {
+    ~BlockUse() { SusieCollection().UnloadMemory(); }
+};
+
+ReadResult DecodeBlock(HLOCAL block, const std::wstring& name, const std::wstring& subject,
+                       PictureView& view) {
+    const BlockUse use;
+    const auto next = [&](std::set<int32_t>& asked) {
+        return SusieCollection().MemorySupported(block, name, asked);
+    };
+    return OfferToPlugins({subject, next, false}, view);
+}
+
+// A bitmap that was read, or, if it could not be, what plug-ins make of it: it is damaged, or no
+// bitmap after all.
+template <typename DecodeByPlugins>
+ReadResult BitmapOr(OwnedPicture picture, const std::wstring& subject,
+                    DecodeByPlugins decodeByPlugins) {
+    if (picture) return {{kFileBitmap, {}, {}}, std::move(picture), subject};
+    // A read that was asked to stop has not failed.
+    if (Values().quitRequested) return {};
+    ReadResult result = decodeByPlugins();
+    if (result.file.kind == kFileUnknown && result.file.failure.empty()) {
+        result.file.failure = FailureText(subject, kBrokenBitmapText);
+    }
+    return result;
+}
+
+ReadResult ReadBlock(HLOCAL block, const std::wstring& name, const std::wstring& subject,
+                     PictureView& view) {
+    const auto decode = [&] { return DecodeBlock(block, name, subject, view); };
+    if (!IsBitmapBlock(block)) return decode();
+    return BitmapOr(ReadBitmapBlock(block, [&](int, int) { return view.Breathe(); }), subject,
+                    decode);
+}
+
+}  // namespace
+
+std::wstring FailureText(const std::wstring& subject, const std::wstring& reason) {
+    return subject + L" を表示できません。\r\n" + reason;
+}
+
+ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
+    std::wstring failure;
+    switch (IsBITMAPFile(path, failure)) {
+        case BitmapCheck::kUnreadable:
+            return Failed(std::move(failure));
+        case BitmapCheck::kNo:
+            return DecodeFile(path, view);
+        case BitmapCheck::kYes:
+            break;
+    }
+    PicturePair pair;
+    ReadBitmapFile(path, pair, [&](int, int) { return view.Breathe(); });
+    return BitmapOr(OwnedPicture(pair), SubjectOf(path), [&] { return DecodeFile(path, view); });
+}
+
+ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {
+    if (PluginCallUnderWay()) return {};
+    clsSusie* const archive = SusieCollection().ArchivePlugin(archivePath);
+    std::wstring subject = SubjectOf(archivePath);
+    if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
+    std::wstring name;
+    OwnedBlock content;
+    try {
+        name = archive->Files(position);
+        subject = SubjectOf(archivePath, name);
+        content = archive->DecodeArchive(position, [&](int, int) { return view.Breathe(); });
+    } catch (...) {
+        const RaisedError error = CurrentError();
+        if (Values().quitRequested) return {};
+        return Failed(PluginFailureText(subject, *archive, error));
+    }
+    if (Values().quitRequested) return {};
+    return ReadBlock(content.Get(), FileNameOf(name), subject, view);
+}
+
+}  // namespace tessary

@@ -1,0 +1,31 @@
+// What a file turns out to be when it is shown.
+#pragma once
+
+#include <string>
+
+namespace tessary {
+
+// 0 and 1 are both pictures: read by the program itself, or by a plug-in.
+enum FileKind : int {
+    kFileUnknown = -1,
+    kFileBitmap = 0,
+    kFilePicture = 1,
+    kFileArchive = 2,
+};
+
+// Whether a kind is a picture.
+constexpr bool IsPictureKind(FileKind kind) {
+    return kind == kFileBitmap || kind == kFilePicture;
+}
+
+// What came of showing a file.
+struct ShownFile {
+    FileKind kind = kFileUnknown;
+    // The plug-in that decoded the picture, or that took the archive; empty: none.
+    std::wstring pluginName;
+    // Why it could not be shown, for the user; empty when it was shown, when nobody claims it, and
+    // when the read was asked to stop.
+    std::wstring failure;
+};
+
+}  // namespace tessary

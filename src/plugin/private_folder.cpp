@@ -1,0 +1,94 @@
+#include "plugin/private_folder.h"
+
+#include <windows.h>
+
+#include <functional>
+
+#include "app/base/error.h"
+#include "app/base/handles.h"
+#include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
+#include "plugin/plugin_error.h"
+
+namespace tessary {
+namespace {
+
+constexpr int kMostTries = 100;
+
+using EntryVisitor = std::function<bool(const std::wstring& path, DWORD attributes)>;
+
+// Goes through the entries of a folder until the visitor answers false.
+void VisitEntries(const std::wstring& folder, const EntryVisitor& visit) {
+    const std::wstring start = folder + L'\\';
+    WIN32_FIND_DATAW entry;
+    const UniqueFind find(FindFirstFileW(ExtendedPath(start + L'*').c_str(), &entry));
+    for (bool more = static_cast<bool>(find); more; more = FindNextFileW(find.Get(), &entry)) {
+        const std::wstring name = entry.cFileName;
+        if (name == L"." || name == L"..") continue;
+        if (!visit(start + name, entry.dwFileAttributes)) return;
+    }
+}
+
+// A link to a folder elsewhere is none of ours.
+bool IsOwnFolder(DWORD attributes) {
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+           (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
+}
+
+void RemoveTree(const std::wstring& folder) {
+    VisitEntries(folder, [](const std::wstring& path, DWORD attributes) {
+        if (IsOwnFolder(attributes)) {
+            RemoveTree(path);
+        } else if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+            RemoveDirectoryW(ExtendedPath(path).c_str());
+        } else {
+            SetFileAttributesW(ExtendedPath(path).c_str(), FILE_ATTRIBUTE_NORMAL);
+            DeleteFileW(ExtendedPath(path).c_str());
+        }
+        return true;
+    });
+    RemoveDirectoryW(ExtendedPath(folder).c_str());
+}
+
+std::wstring FirstFileBelow(const std::wstring& folder) {
+    std::wstring file;
+    VisitEntries(folder, [&](const std::wstring& path, DWORD attributes) {
+        if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+            file = path;
+        } else if (IsOwnFolder(attributes)) {
+            file = FirstFileBelow(path);
+        }
+        return file.empty();
+    });
+    return file;
+}
+
+}  // namespace
+
+PrivateFolder::PrivateFolder() {
+    const std::wstring start =
+        TemporaryFolder() + L"tessary_" + std::to_wstring(GetCurrentProcessId()) + L'_';
+    // A process id comes again: what one that died has left is not to be met.
+    for (int i = 0; i < kMostTries; ++i) {
+        path_ = start + std::to_wstring(GetTickCount64() + static_cast<ULONGLONG>(i));
+        if (!CreateDirectoryW(path_.c_str(), nullptr)) continue;
+        if (CreateDirectoryW(Target().c_str(), nullptr)) return;
+        RemoveDirectoryW(path_.c_str());
+        break;
+    }
+    throw PluginError(kErrorSavingFailed, kNoTemporaryFolderText);
+}
+
+PrivateFolder::~PrivateFolder() {
+    Trapped([&] { RemoveTree(path_); });
+}
+
+std::wstring PrivateFolder::Target() const {
+    return path_ + L"\\x";
+}
+
+std::wstring PrivateFolder::FirstFile() const {
+    return FirstFileBelow(path_);
+}
+
+}  // namespace tessary

@@ -1,0 +1,60 @@
+// A list of texts of which one may be selected.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+
+#include "ui/form/control.h"
+
+namespace tessary {
+
+// Indexes count from 0; -1 stands for no entry.
+class ListBox final : public Control {
+  public:
+    // How an entry that is wider than the list is shortened when it is drawn: not at all (the list
+    // scrolls sideways by itself), or in the middle of a path, so that the file name stays.
+    enum class Fit { kPlain, kPath };
+
+    bool Create(HWND parent, Fit fit, int id = 0);
+
+    // The user has clicked an entry or moved the selection, or Select has; and a double click.
+    void OnClick(std::function<void()> handler) { click_ = std::move(handler); }
+    void OnDoubleClick(std::function<void()> handler) { doubleClick_ = std::move(handler); }
+
+    int Count() const { return static_cast<int>(Send(LB_GETCOUNT)); }
+    std::wstring Item(int index) const;
+
+    // A number kept with the entry; 0 at first.
+    int ItemData(int index) const { return static_cast<int>(Send(LB_GETITEMDATA, index)); }
+    void SetItemData(int index, int data) { Send(LB_SETITEMDATA, index, data); }
+
+    // The new entry's index; -1 when there is no room.
+    int Add(const std::wstring& text);
+    void Remove(int index);
+    void Clear() { Send(LB_RESETCONTENT); }
+
+    int Selected() const { return static_cast<int>(Send(LB_GETCURSEL)); }
+    // Moves the selection and does what a click on the entry does; -1 takes the selection away.
+    void Select(int index);
+    // Moves the selection without a click.
+    void MarkSelected(int index) { Send(LB_SETCURSEL, static_cast<WPARAM>(index)); }
+
+    // Shows the entries in grey: there is nothing to choose.
+    void SetDimmed(bool dimmed);
+
+    // Takes the row height that the font needs; to be called after SetFont.
+    void FontChanged();
+
+  private:
+    void OnCommand(WORD notification, WORD /*id*/) override;
+    void OnDrawItem(const DRAWITEMSTRUCT& item) override;
+
+    Fit fit_ = Fit::kPlain;
+    bool dimmed_ = false;
+    int textMargin_ = 0;  // beside an entry's text, in pixels
+    std::function<void()> click_;
+    std::function<void()> doubleClick_;
+};
+
+}  // namespace tessary

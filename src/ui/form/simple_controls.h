@@ -1,0 +1,63 @@
+// The small controls: a text field, a push button, a check box, a label.
+#pragma once
+
+#include <functional>
+#include <utility>
+
+#include "ui/form/control.h"
+
+namespace tessary {
+
+// One line of text.
+class TextBox final : public Control {
+  public:
+    // A read-only field shows its text for reading and copying.
+    enum class Mode { kEditable, kReadOnly };
+
+    bool Create(HWND parent, Mode mode, int id = 0) {
+        const DWORD readOnly = mode == Mode::kReadOnly ? ES_READONLY : WS_TABSTOP;
+        return CreateChild(parent, L"EDIT", ES_AUTOHSCROLL | readOnly, WS_EX_CLIENTEDGE, id);
+    }
+
+    // The text has changed, by the user or by SetText.
+    void OnChange(std::function<void()> handler) { change_ = std::move(handler); }
+
+  private:
+    void OnCommand(WORD notification, WORD /*id*/) override {
+        if (notification == EN_CHANGE && change_) change_();
+    }
+
+    std::function<void()> change_;
+};
+
+// A push button, a check box or an option button.
+class Button final : public Control {
+  public:
+    // A push button with its caption (`&` marks the mnemonic).
+    bool Create(HWND parent, const wchar_t* caption, int id = 0) {
+        return CreateChild(parent, L"BUTTON", WS_TABSTOP | BS_PUSHBUTTON, 0, id, caption);
+    }
+
+    void OnClick(std::function<void()> handler) { click_ = std::move(handler); }
+
+    // Of a check box or option button.
+    bool IsChecked() const { return Send(BM_GETCHECK) == BST_CHECKED; }
+    void SetChecked(bool checked) { Send(BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED); }
+
+  private:
+    void OnCommand(WORD notification, WORD /*id*/) override {
+        if (notification == BN_CLICKED && click_) click_();
+    }
+
+    std::function<void()> click_;
+};
+
+// A text that is only read.
+class Label final : public Control {
+  public:
+    bool Create(HWND parent, const wchar_t* text, int id = 0) {
+        return CreateChild(parent, L"STATIC", SS_LEFT, 0, id, text);
+    }
+};
+
+}  // namespace tessary

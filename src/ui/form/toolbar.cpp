@@ -1,0 +1,249 @@
+#include "ui/form/toolbar.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+
+#include "ui/form/metrics.h"
+
+namespace tessary {
+namespace {
+
+// In pixels at 96 dpi.
+constexpr int kImageSize = 16;
+constexpr int kButtonSize = 24;
+constexpr int kSeparatorWidth = 8;
+
+// Between an image and the edge of its button, in pixels of the screen. Some versions put images
+// this far from the upper edge and not into the middle, so images come with their own margins.
+constexpr int kImageMargin = 2;
+
+bool IsDark(COLORREF color) {
+    return GetRValue(color) * 299 + GetGValue(color) * 587 + GetBValue(color) * 114 < 128 * 1000;
+}
+
+}  // namespace
+
+bool Toolbar::Create(HWND parent, std::span<const ToolbarItem> items, const ToolbarImages& images,
+                     int id) {
+    const INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES};
+    InitCommonControlsEx(&controls);
+    images_ = images;
+    states_.clear();
+    for (const ToolbarItem& item : items)
+        states_.push_back({.kind = item.kind, .image = item.image, .toolTip = item.toolTip});
+    if (!CreateChild(parent, TOOLBARCLASSNAMEW,
+                     WS_TABSTOP | CCS_NOPARENTALIGN | CCS_NORESIZE | CCS_NODIVIDER | TBSTYLE_FLAT |
+                         TBSTYLE_TOOLTIPS,
+                     0, id)) {
+        return false;
+    }
+    Send(TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON));
+    Send(TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_DRAWDDARROWS | TBSTYLE_EX_DOUBLEBUFFER);
+    ChangeMetrics();
+    return true;
+}
+
+void Toolbar::ChangeMetrics() {
+    MakeImages();
+    MakeButtons();
+}
+
+void Toolbar::MakeImages() {
+    const Metrics metrics(Handle());
+    const ImageLook look{.pixels = metrics.Scale(kImageSize),
+                         .onDark = IsDark(GetSysColor(COLOR_BTNFACE))};
+    const int cell = metrics.Scale(kButtonSize) - 2 * kImageMargin;
+    std::vector<ArgbImage> images;
+    for (int image = 1; image <= images_.count; ++image)
+        images.push_back(Centred(images_.draw(image, look), cell));
+    UniqueImageList normal = MakeImageList(images);
+    for (ArgbImage& image : images)
+        image = Greyed(std::move(image));
+    UniqueImageList greyed = MakeImageList(images);
+    Send(TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(normal.Get()));
+    Send(TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(greyed.Get()));
+    normal_ = std::move(normal);
+    greyed_ = std::move(greyed);
+}
+
+// Made anew for each resolution: some versions take a button size for buttons to come only.
+void Toolbar::MakeButtons() {
+    const Metrics metrics(Handle());
+    while (Send(TB_DELETEBUTTON, 0) != 0) {
+    }
+    const int size = metrics.Scale(kButtonSize);
+    Send(TB_SETPADDING, 0, MAKELPARAM(2 * kImageMargin, 2 * kImageMargin));
+    Send(TB_SETBUTTONSIZE, 0, MAKELPARAM(size, size));
+    std::vector<TBBUTTON> buttons;
+    for (const State& state : states_) {
+        TBBUTTON& button = buttons.emplace_back();
+        button.idCommand = static_cast<int>(buttons.size());
+        button.iString = -1;
+        if (state.kind == ToolbarItem::Kind::kSeparator) {
+            button.iBitmap = metrics.Scale(kSeparatorWidth);
+            button.fsStyle = BTNS_SEP;
+            continue;
+        }
+        button.iBitmap = state.image - 1;
+        button.fsStyle = state.kind == ToolbarItem::Kind::kDropDown ? BTNS_DROPDOWN : BTNS_BUTTON;
+        button.fsState = SystemState(state);
+    }
+    Send(TB_ADDBUTTONSW, buttons.size(), reinterpret_cast<LPARAM>(buttons.data()));
+}
+
+void Toolbar::EnableButton(int index, bool enabled) {
+    if (std::exchange(StateOf(index).enabled, enabled) != enabled) ShowState(index);
+}
+
+void Toolbar::CheckButton(int index, bool checked) {
+    if (std::exchange(StateOf(index).checked, checked) != checked) ShowState(index);
+}
+
+void Toolbar::SetImage(int index, int image) {
+    if (std::exchange(StateOf(index).image, image) == image) return;
+    Send(TB_CHANGEBITMAP, static_cast<WPARAM>(index), MAKELPARAM(image - 1, 0));
+}
+
+BYTE Toolbar::SystemState(const State& state) {
+    return static_cast<BYTE>((state.enabled ? TBSTATE_ENABLED : 0) |
+                             (state.checked ? TBSTATE_CHECKED : 0));
+}
+
+void Toolbar::ShowState(int index) {
+    Send(TB_SETSTATE, static_cast<WPARAM>(index), MAKELPARAM(SystemState(StateOf(index)), 0));
+}
+
+RECT Toolbar::ButtonRectangle(int index) const {
+    RECT rectangle{};
+    Send(TB_GETRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&rectangle));
+    return rectangle;
+}
+
+SIZE Toolbar::PreferredSize() const {
+    const RECT last = ButtonRectangle(static_cast<int>(states_.size()));
+    return {last.right, last.bottom};
+}
+
+bool Toolbar::IsPressable(int index) const {
+    return StateOf(index).kind != ToolbarItem::Kind::kSeparator && StateOf(index).enabled;
+}
+
+// The handlers may change or destroy the toolbar, so they run as copies.
+void Toolbar::Press(int index) const {
+    const auto handler = button_;
+    if (handler && IsPressable(index)) handler(index);
+}
+
+void Toolbar::DropDown(int index) const {
+    if (StateOf(index).kind != ToolbarItem::Kind::kDropDown || !IsPressable(index)) return;
+    const RECT button = ButtonRectangle(index);
+    POINT below{button.left, button.bottom};
+    ClientToScreen(Handle(), &below);
+    const auto handler = dropDown_;
+    if (handler) handler(index, below);
+}
+
+void Toolbar::OnCommand(WORD notification, WORD id) {
+    if (notification == BN_CLICKED) Press(id);
+}
+
+std::optional<LRESULT> Toolbar::OnNotify(NMHDR& header) {
+    switch (header.code) {
+        case TBN_DROPDOWN:
+            DropDown(reinterpret_cast<const NMTOOLBARW&>(header).iItem);
+            return TBDDRET_DEFAULT;
+        case TBN_GETINFOTIPW: {
+            const auto& tip = reinterpret_cast<const NMTBGETINFOTIPW&>(header);
+            lstrcpynW(tip.pszText, StateOf(tip.iItem).toolTip.c_str(), tip.cchTextMax);
+            return 0;
+        }
+        default:
+            return std::nullopt;
+    }
+}
+
+std::optional<LRESULT> Toolbar::OnOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (const auto answer = Control::OnOwnMessage(message, wParam, lParam)) return answer;
+    switch (message) {
+        case WM_ERASEBKGND: {
+            RECT area{};
+            GetClientRect(Handle(), &area);
+            FillRect(reinterpret_cast<HDC>(wParam), &area, GetSysColorBrush(COLOR_BTNFACE));
+            return TRUE;
+        }
+        case WM_SYSCOLORCHANGE:
+            OwnDefault(message, wParam, lParam);
+            ChangeMetrics();
+            return 0;
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+            if (ButtonAt(lParam) != 0) return std::nullopt;
+            if (const auto handler = backgroundPress_) handler();
+            return 0;
+        case WM_GETDLGCODE:
+            return DLGC_WANTARROWS;
+        case WM_SETFOCUS:
+            OwnDefault(message, wParam, lParam);
+            Send(TB_SETANCHORHIGHLIGHT, TRUE);
+            MoveTo(current_, 1);
+            return 0;
+        case WM_KILLFOCUS:
+            Send(TB_SETANCHORHIGHLIGHT, FALSE);
+            Send(TB_SETHOTITEM, static_cast<WPARAM>(-1));
+            return std::nullopt;
+        case WM_KEYDOWN:
+            if (Key(static_cast<int>(wParam))) return 0;
+            return std::nullopt;
+        case WM_SYSKEYDOWN:
+            if (wParam != VK_DOWN) return std::nullopt;
+            DropDown(current_);
+            return 0;
+        default:
+            return std::nullopt;
+    }
+}
+
+// 0 where there is none.
+int Toolbar::ButtonAt(LPARAM position) const {
+    POINT at{GET_X_LPARAM(position), GET_Y_LPARAM(position)};
+    const LRESULT item = Send(TB_HITTEST, 0, reinterpret_cast<LPARAM>(&at));
+    return item < 0 ? 0 : static_cast<int>(item) + 1;
+}
+
+bool Toolbar::Key(int keyCode) {
+    switch (keyCode) {
+        case VK_LEFT:
+            MoveTo(current_ - 1, -1);
+            return true;
+        case VK_RIGHT:
+            MoveTo(current_ + 1, 1);
+            return true;
+        case VK_HOME:
+            MoveTo(1, 1);
+            return true;
+        case VK_END:
+            MoveTo(static_cast<int>(states_.size()), -1);
+            return true;
+        case VK_SPACE:
+        case VK_RETURN:
+            Press(current_);
+            return true;
+        case VK_F4:
+            DropDown(current_);
+            return true;
+        default:
+            return false;
+    }
+}
+
+// The first button from `index` on that can be pressed; the keyboard stays where it is if none can.
+void Toolbar::MoveTo(int index, int direction) {
+    const auto count = static_cast<int>(states_.size());
+    while (index >= 1 && index <= count && !IsPressable(index))
+        index += direction;
+    if (index >= 1 && index <= count) current_ = index;
+    Send(TB_SETHOTITEM, static_cast<WPARAM>(current_ - 1));
+}
+
+}  // namespace tessary

@@ -1,0 +1,107 @@
+// A row of buttons with images.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ui/form/control.h"
+#include "ui/form/image_list.h"
+
+namespace tessary {
+
+// A drop-down has a button and an arrow beside it; a separator has neither image nor tip.
+struct ToolbarItem {
+    enum class Kind { kButton, kDropDown, kSeparator };
+
+    int index;  // from 1, in a row
+    Kind kind;
+    int image = 0;  // from 1
+    std::wstring toolTip = {};
+};
+
+// The images of a toolbar, from 1 to `count`, drawn again for each resolution and colour scheme.
+struct ToolbarImages {
+    int count;
+    ArgbImage (*draw)(int image, const ImageLook& look);
+};
+
+// Buttons and separators are known by their index. A disabled button is shown greyed.
+class Toolbar final : public Control {
+  public:
+    bool Create(HWND parent, std::span<const ToolbarItem> items, const ToolbarImages& images,
+                int id = 0);
+
+    // The user has pressed a button.
+    void OnButton(std::function<void(int index)> handler) { button_ = std::move(handler); }
+
+    // The user wants the menu of a drop-down; `below` is its lower left corner on the screen.
+    void OnDropDown(std::function<void(int index, POINT below)> handler) {
+        dropDown_ = std::move(handler);
+    }
+
+    // The left mouse button went down where no button is.
+    void OnBackgroundPress(std::function<void()> handler) { backgroundPress_ = std::move(handler); }
+
+    void EnableButton(int index, bool enabled);
+    bool IsButtonEnabled(int index) const { return StateOf(index).enabled; }
+
+    // A checked button looks as if it were held down.
+    void CheckButton(int index, bool checked);
+    bool IsButtonChecked(int index) const { return StateOf(index).checked; }
+
+    void SetImage(int index, int image);
+    int Image(int index) const { return StateOf(index).image; }
+
+    void SetToolTip(int index, std::wstring text) { StateOf(index).toolTip = std::move(text); }
+
+    // The rectangle of a button with its arrow, in the toolbar's area.
+    RECT ButtonRectangle(int index) const;
+
+    // What all buttons take, in pixels.
+    SIZE PreferredSize() const;
+
+    // Takes sizes and images for the screen and the colours that there are now.
+    void ChangeMetrics();
+
+  private:
+    struct State {
+        ToolbarItem::Kind kind;
+        int image;
+        std::wstring toolTip;
+        bool enabled = true;
+        bool checked = false;
+    };
+
+    std::optional<LRESULT> OnOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnCommand(WORD notification, WORD id) override;
+    std::optional<LRESULT> OnNotify(NMHDR& header) override;
+
+    const State& StateOf(int index) const { return states_[static_cast<size_t>(index) - 1]; }
+    State& StateOf(int index) { return states_[static_cast<size_t>(index) - 1]; }
+    bool IsPressable(int index) const;
+
+    static BYTE SystemState(const State& state);
+
+    void MakeImages();
+    void MakeButtons();
+    void ShowState(int index);
+    int ButtonAt(LPARAM position) const;
+    bool Key(int keyCode);
+    void MoveTo(int index, int direction);
+    void Press(int index) const;
+    void DropDown(int index) const;
+
+    std::vector<State> states_;
+    ToolbarImages images_{};
+    UniqueImageList normal_;
+    UniqueImageList greyed_;
+    int current_ = 1;  // where the keyboard is
+    std::function<void(int)> button_;
+    std::function<void(int, POINT)> dropDown_;
+    std::function<void()> backgroundPress_;
+};
+
+}  // namespace tessary

@@ -1,0 +1,48 @@
+#include "ui/form/worker.h"
+
+#include "app/base/error.h"
+#include "ui/form/message_loop.h"
+
+namespace tessary {
+namespace {
+
+using Work = std::function<void()>;
+
+DWORD WINAPI Run(void* parameter) {
+    const std::unique_ptr<Work> work(static_cast<Work*>(parameter));
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, nullptr);
+    Trapped([&] { (*work)(); });
+    return 0;
+}
+
+}  // namespace
+
+Worker::Worker(std::function<void()> work) {
+    auto owned = std::make_unique<Work>(std::move(work));
+    thread_.Reset(CreateThread(nullptr, 0, Run, owned.get(), 0, nullptr));
+    if (!thread_) throw RaisedError(kErrorOutOfMemory, L"スレッドを作成できません。");
+    static_cast<void>(owned.release());  // the thread's from here on
+}
+
+Worker::~Worker() {
+    CancelCall();
+}
+
+void Worker::CancelCall() const {
+    if (!HasEnded()) CancelSynchronousIo(Handle());
+}
+
+bool WaitHandlingMessages(std::span<const HANDLE> handles, DWORD milliseconds) {
+    const auto count = static_cast<DWORD>(handles.size());
+    const DWORD start = GetTickCount();
+    for (;;) {
+        const DWORD waited = GetTickCount() - start;
+        const DWORD left = waited < milliseconds ? milliseconds - waited : 0;
+        const DWORD wake = MsgWaitForMultipleObjectsEx(count, handles.data(), left, QS_ALLINPUT,
+                                                       MWMO_INPUTAVAILABLE);
+        if (wake != WAIT_OBJECT_0 + count) return true;
+        if (!DoEvents()) return false;
+    }
+}
+
+}  // namespace tessary

@@ -1,0 +1,104 @@
+// Members of a bound archive: which are listed, and getting them out.
+#include "app/base/modGetFolder.h"
+#include "tests/src/plugin/plugin_test.h"
+
+namespace tessary {
+namespace {
+
+using test::ArchiveOf;
+using test::Raised;
+
+class ArchiveTest : public test::PluginTest {
+  protected:
+    ArchiveTest() { plugin_.SetDllName(Plugin(L"axtsa.spi")); }
+
+    void Bind(const std::string& directives) {
+        plugin_.SetFile(
+            folder_.Write(std::to_wstring(++number_) + L".tsa",
+                          ArchiveOf({{"dir/a.jpg", "first"}, {"b.jpg", "second"}}, directives)));
+    }
+    std::string Extracted(int32_t index, const SusieProgress& progress = {}) {
+        const OwnedBlock block = plugin_.DecodeArchive(index, progress);
+        const BlockLock lock(block.Get());
+        return {static_cast<const char*>(lock.Address()), lock.Size()};
+    }
+    // What the plug-in answered to an extraction that is expected to fail.
+    uint32_t Failure(const SusieProgress& progress = {}) {
+        try {
+            Extracted(2, progress);
+            return 0;
+        } catch (const DecodeError& error) {
+            EXPECT_EQ(error.Description(), L"圧縮ファイルの展開に失敗しました");
+            return error.Result();
+        }
+    }
+    static bool PrivateFolderIsLeft() {
+        WIN32_FIND_DATAW found;
+        return static_cast<bool>(UniqueFind(FindFirstFileW(
+            (TemporaryFolder() + L"tessary_" + std::to_wstring(GetCurrentProcessId()) + L"_*")
+                .c_str(),
+            &found)));
+    }
+
+    clsSusie plugin_;
+    int number_ = 0;
+};
+
+TEST_F(ArchiveTest, MembersComeOutOfFilesAndBlocksInEveryWayOfAPlugin) {
+    const std::string extra = "extra-byte\n";
+    for (const std::string& way :
+         {std::string(), std::string("position:offset\n"), extra,
+          std::string("no-memory\nno-overwrite\n"), std::string("no-memory\nstore-below\n")}) {
+        const std::string expected = way == extra ? "second\xA5" : "second";
+        Bind(way);
+        EXPECT_EQ(Extracted(2), expected) << way;
+        const OwnedBlock archive = Block(ArchiveOf({{"a", "first"}, {"b", "second"}}, way));
+        plugin_.SetMemoryHandle(archive.Get(), L"x.tsa");
+        EXPECT_EQ(Extracted(2), expected) << way;
+        EXPECT_FALSE(PrivateFolderIsLeft()) << way;
+    }
+}
+
+TEST_F(ArchiveTest, FailedExtractionsAreToldAndLeaveTheArchiveBound) {
+    const std::pair<const char*, uint32_t> failures[] = {
+        {"crash:av:GetFile\n", 255U},
+        {"answer-after:GetFile:6\n", 6U},
+        {"answer:GetFile:0\n", susie::kBrokenData},
+        {"no-memory\nno-disk\n", 21U},
+        {"no-memory\nanswer-after:GetFile:6\n", 6U},
+    };
+    for (const auto& [directives, result] : failures) {
+        Bind(directives);
+        EXPECT_EQ(Failure(), result) << directives;
+        EXPECT_EQ(plugin_.FileNumber(), 2);
+    }
+    EXPECT_FALSE(PrivateFolderIsLeft());
+    Bind({});
+    EXPECT_EQ(Failure([](int, int) { return false; }), static_cast<uint32_t>(susie::kAborted));
+    for (const int32_t outside : {0, 3}) {
+        EXPECT_EQ(Raised([&] { Extracted(outside); }), kErrorInvalidMemberIndex);
+    }
+    // Nothing is no member. Of the last, which extracts to disk, it is not told that it cannot
+    // extract to memory.
+    for (const char* way : {"", "fixed\n", "no-memory\n"}) {
+        plugin_.SetFile(folder_.Write(L"empty.tsa", ArchiveOf({{"a", ""}, {"b", ""}}, way)));
+        EXPECT_EQ(Failure(), static_cast<uint32_t>(susie::kBrokenData)) << way;
+        EXPECT_EQ(plugin_.ErrorString(), L"圧縮ファイルの展開に失敗しました") << way;
+        Bind({});
+    }
+}
+
+TEST_F(ArchiveTest, FoldersAreNoFiles) {
+    plugin_.SetFile(folder_.Write(L"x.tsa", ArchiveOf({{"DIR/", ""},
+                                                       {"dir/sub", ""},
+                                                       {"dir/Sub/deep/a.jpg", "a"},
+                                                       {"dir/empty", ""},
+                                                       {"dir", "a file of that name"}})));
+    std::wstring files;
+    for (const ListedMember& file : plugin_.GetExpandFileList())
+        files += std::to_wstring(file.position) + file.name + L' ';
+    EXPECT_EQ(files, L"3dir\\Sub\\deep\\a.jpg 4dir\\empty 5dir ");
+}
+
+}  // namespace
+}  // namespace tessary
