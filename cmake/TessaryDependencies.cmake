@@ -1,6 +1,7 @@
 # The libraries that decode and compress, under names of our own: tessary::jpeg (libjpeg-turbo,
-# jpeglib.h), tessary::png (libpng) and tessary::zlib. scripts/dependencies.sh puts them where the
-# presets' CMAKE_PREFIX_PATH looks.
+# jpeglib.h), tessary::png (libpng), tessary::zlib, tessary::lzma (liblzma), tessary::archive
+# (libarchive, with what it needs) and tessary::lhasa (lhasa/lhasa.h). scripts/dependencies.sh puts
+# them where the presets' CMAKE_PREFIX_PATH looks.
 
 # tessary_find_dependency(NAME PACKAGE imported-target)
 function(tessary_find_dependency name package target)
@@ -17,3 +18,23 @@ set(CMAKE_FIND_PACKAGE_TARGETS_GLOBAL ON)
 tessary_find_dependency(zlib ZLIB ZLIB::ZLIB)
 tessary_find_dependency(png PNG PNG::PNG)
 tessary_find_dependency(jpeg JPEG JPEG::JPEG)
+# All versions of today have these; looking for them fails on an instrumented library.
+foreach(entry AUTO_DECODER EASY_ENCODER LZMA_PRESET)
+    set(LIBLZMA_HAS_${entry} ON)
+endforeach()
+tessary_find_dependency(lzma LibLZMA LibLZMA::LibLZMA)
+target_compile_definitions(tessary::lzma INTERFACE LZMA_API_STATIC)
+tessary_find_dependency(bzip2 BZip2 BZip2::BZip2)
+tessary_find_dependency(archive LibArchive LibArchive::LibArchive)
+target_compile_definitions(tessary::archive INTERFACE LIBARCHIVE_STATIC)
+target_link_libraries(tessary::archive INTERFACE tessary::zlib tessary::lzma tessary::bzip2)
+
+# CMake knows no lhasa.
+find_library(TESSARY_LHASA_LIBRARY lhasa)
+if(NOT TESSARY_LHASA_LIBRARY)
+    message(FATAL_ERROR "lhasa is missing: run scripts/dependencies.sh")
+endif()
+get_filename_component(tessary_lhasa_prefix "${TESSARY_LHASA_LIBRARY}/../.." ABSOLUTE)
+add_library(tessary::lhasa INTERFACE IMPORTED GLOBAL)
+target_link_libraries(tessary::lhasa INTERFACE "${TESSARY_LHASA_LIBRARY}")
+target_include_directories(tessary::lhasa INTERFACE "${tessary_lhasa_prefix}/include")

@@ -3,7 +3,8 @@
 #                             native when none is named) into build/deps/PRESET. What is built
 #                             already with the same versions, options and compiler is left alone.
 # A library is a line in dependencies/versions and a recipe dependencies/NAME.sh, which sets
-# cmake_options, and where the package has no CMake build of its own, cmake_folder.
+# cmake_options, and where the package has no CMake build of its own, cmake_folder: one of ours,
+# dependencies/NAME/.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib/paths.sh"
 source "$(dirname "${BASH_SOURCE[0]}")/lib/packages.sh"
@@ -38,6 +39,7 @@ build_key() {
     {
         printf '%s\n' "$2 $3" "$common_key"
         cat "$recipes/$1.sh"
+        if [[ -d $recipes/$1 ]]; then cat "$recipes/$1"/*; fi
     } | sha256sum
 }
 

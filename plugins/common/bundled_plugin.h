@@ -1,9 +1,7 @@
-// What a bundled plug-in supplies to the shared entry points: who it is, and its codec.
+// What every bundled plug-in supplies to the shared code: who it is.
 #pragma once
 
 #include <span>
-
-#include "plugins/common/picture_codec.h"
 
 namespace tessary::spi {
 
@@ -19,8 +17,7 @@ struct PluginIdentity {
     std::span<const FileType> fileTypes;
 };
 
-// Defined once in each plug-in. Both answers live as long as the module.
+// Defined once in each plug-in. The answer lives as long as the module.
 const PluginIdentity& Identity();
-const codec::PictureCodec& Codec();
 
 }  // namespace tessary::spi

@@ -1,5 +1,5 @@
 // What a bundled picture plug-in is made of: a portable decoder behind this interface. The entry
-// points in susie_exports.cpp turn it into a Susie plug-in; tests and fuzzers use it directly.
+// points in picture_exports.cpp turn it into a Susie plug-in; tests and fuzzers use it directly.
 #pragma once
 
 #include <cstdint>

@@ -25,8 +25,8 @@ std::string Description(const FileType& type) {
     return text;
 }
 
-std::string InfoText(int infoNumber) {
-    if (infoNumber == 0) return "00IN";
+std::string InfoText(const char* interfaceVersion, int infoNumber) {
+    if (infoNumber == 0) return interfaceVersion;
     if (infoNumber == 1) return Identity().product;
     if (infoNumber < 0) return {};
     const size_t index = static_cast<size_t>(infoNumber - 2) / 2;
@@ -37,9 +37,9 @@ std::string InfoText(int infoNumber) {
 
 }  // namespace
 
-int WritePluginInfo(int infoNumber, char* buffer, int bufferLength) {
+int WritePluginInfo(const char* interfaceVersion, int infoNumber, char* buffer, int bufferLength) {
     if (buffer == nullptr || bufferLength <= 0) return 0;
-    const std::string text = InfoText(infoNumber);
+    const std::string text = InfoText(interfaceVersion, infoNumber);
     const char* end = text.c_str();
     const char* const limit = end + bufferLength - 1;
     while (*end != '\0') {

@@ -1,10 +1,6 @@
 #include "plugins/common/susie_source.h"
 
-#include <array>
-#include <span>
-#include <string>
-
-#include "helpers/susiectl/susie_interface.h"
+#include "helpers/files/file_name.h"
 #include "plugins/common/file_part.h"
 
 namespace tessary::spi {
@@ -16,15 +12,6 @@ constexpr uint32_t kSourceMask = 7;
 
 // Addresses of the lowest 64 KB are never mapped: a header "pointer" in there is a file handle.
 constexpr uintptr_t kHighestHandle = 0xFFFF;
-
-std::wstring WidePath(const char* path) {
-    const int size = MultiByteToWideChar(CP_ACP, 0, path, -1, nullptr, 0);
-    if (size <= 1) return {};
-    std::wstring wide(static_cast<size_t>(size), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, path, -1, wide.data(), size);
-    wide.pop_back();  // the NUL
-    return wide;
-}
 
 // Reads from the handle's position on and puts the position back.
 size_t PeekFile(HANDLE file, std::span<uint8_t> out) {
@@ -44,7 +31,7 @@ Result OpenSource(const char* source, LONG_PTR length, uint32_t flag,
     switch (flag & kSourceMask) {
         case susie::kSourceFile: {
             if (length < 0) return Result::kBrokenData;
-            bytes = FilePart::Open(WidePath(source), static_cast<uint64_t>(length));
+            bytes = FilePart::Open(files::FileNameOf(source), static_cast<uint64_t>(length));
             if (bytes == nullptr) return Result::kReadError;
             return bytes->Size() == 0 ? Result::kBrokenData : Result::kSuccess;
         }
@@ -58,21 +45,19 @@ Result OpenSource(const char* source, LONG_PTR length, uint32_t flag,
     }
 }
 
-bool IsSupportedHeader(const codec::PictureCodec& codec, const char* fileName, const void* header) {
+std::span<const uint8_t> HeaderBytes(const char* fileName, const void* header, HeaderBlock& block) {
     const auto value = reinterpret_cast<uintptr_t>(header);
     if (value > kHighestHandle) {
-        return codec.IsSupported(
-            std::span(static_cast<const uint8_t*>(header), susie::kHeaderBlockSize));
+        return {static_cast<const uint8_t*>(header), susie::kHeaderBlockSize};
     }
-    std::array<uint8_t, susie::kHeaderBlockSize> block{};
     size_t count = 0;
     if (value != 0) {
         count = PeekFile(reinterpret_cast<HANDLE>(value), block);
     } else if (fileName != nullptr) {
-        const auto file = FilePart::Open(WidePath(fileName), 0);
+        const auto file = FilePart::Open(files::FileNameOf(fileName), 0);
         if (file != nullptr) count = file->ReadAt(0, block).value_or(0);
     }
-    return codec.IsSupported(std::span(block).first(count));
+    return std::span<const uint8_t>(block).first(count);
 }
 
 }  // namespace tessary::spi

@@ -1,7 +1,7 @@
 // iftpng.spi: who it is.
 #include <array>
 
-#include "plugins/common/bundled_plugin.h"
+#include "plugins/common/picture_plugin.h"
 #include "plugins/iftpng/png_decoder.h"
 
 namespace tessary::spi {

@@ -1,7 +1,7 @@
 // iftwic.spi: who it is.
 #include <array>
 
-#include "plugins/common/bundled_plugin.h"
+#include "plugins/common/picture_plugin.h"
 #include "plugins/iftwic/wic_decoder.h"
 
 namespace tessary::spi {

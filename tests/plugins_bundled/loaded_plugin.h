@@ -16,9 +16,9 @@ namespace tessary::spi::test {
 using codec::test::Bytes;
 using codec::test::Colors;
 
-class LoadedPlugin {
+class LoadedModule {
   public:
-    explicit LoadedPlugin(const std::string& name) {
+    explicit LoadedModule(const std::string& name) {
         // The application folder stands beside the folder of the test programs.
         char program[MAX_PATH];
         GetModuleFileNameA(nullptr, program, MAX_PATH);
@@ -29,21 +29,15 @@ class LoadedPlugin {
         EXPECT_NE(module_, nullptr) << path << ' ' << GetLastError();
         Find(getPluginInfo, "GetPluginInfo");
         Find(isSupported, "IsSupported");
-        Find(getPictureInfo, "GetPictureInfo");
-        Find(getPicture, "GetPicture");
-        Find(getPreview, "GetPreview");
     }
-    ~LoadedPlugin() { FreeLibrary(module_); }
-    LoadedPlugin(const LoadedPlugin&) = delete;
-    LoadedPlugin& operator=(const LoadedPlugin&) = delete;
+    ~LoadedModule() { FreeLibrary(module_); }
+    LoadedModule(const LoadedModule&) = delete;
+    LoadedModule& operator=(const LoadedModule&) = delete;
 
     susie::GetPluginInfoFunction getPluginInfo;
     susie::IsSupportedFunction isSupported;
-    susie::GetPictureInfoFunction getPictureInfo;
-    susie::GetPictureFunction getPicture;
-    susie::GetPictureFunction getPreview;
 
-  private:
+  protected:
     template <class Function>
     void Find(Function& function, const char* name) {
         const auto address = reinterpret_cast<void*>(GetProcAddress(module_, name));
@@ -51,7 +45,34 @@ class LoadedPlugin {
         function = reinterpret_cast<Function>(address);
     }
 
+  private:
     HMODULE module_;
+};
+
+class LoadedPlugin : public LoadedModule {
+  public:
+    explicit LoadedPlugin(const std::string& name) : LoadedModule(name) {
+        Find(getPictureInfo, "GetPictureInfo");
+        Find(getPicture, "GetPicture");
+        Find(getPreview, "GetPreview");
+    }
+
+    susie::GetPictureInfoFunction getPictureInfo;
+    susie::GetPictureFunction getPicture;
+    susie::GetPictureFunction getPreview;
+};
+
+class LoadedArchivePlugin : public LoadedModule {
+  public:
+    explicit LoadedArchivePlugin(const std::string& name) : LoadedModule(name) {
+        Find(getArchiveInfo, "GetArchiveInfo");
+        Find(getFileInfo, "GetFileInfo");
+        Find(getFile, "GetFile");
+    }
+
+    susie::GetArchiveInfoFunction getArchiveInfo;
+    susie::GetFileInfoFunction getFileInfo;
+    susie::GetFileFunction getFile;
 };
 
 // One call of GetPicture, and what it hands over.

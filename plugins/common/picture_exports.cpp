@@ -2,12 +2,11 @@
 // the outermost layer: nothing is thrown past it, and wrong arguments get a result code.
 #include <algorithm>
 #include <memory>
-#include <new>
-#include <stdexcept>
 
 #include "helpers/susiectl/susie_interface.h"
-#include "plugins/common/bundled_plugin.h"
+#include "plugins/common/host_call.h"
 #include "plugins/common/local_picture.h"
+#include "plugins/common/picture_plugin.h"
 #include "plugins/common/plugin_info.h"
 #include "plugins/common/susie_source.h"
 
@@ -17,19 +16,6 @@ namespace {
 using codec::Result;
 
 constexpr double kMetresPerInch = 0.0254;
-
-template <class Function>
-int Guarded(Function&& function) {
-    try {
-        return static_cast<int>(function());
-    } catch (const std::bad_alloc&) {
-        return static_cast<int>(Result::kOutOfMemory);
-    } catch (const std::length_error&) {  // more than a container can ever hold
-        return static_cast<int>(Result::kOutOfMemory);
-    } catch (...) {
-        return static_cast<int>(Result::kInternalError);
-    }
-}
 
 uint16_t DotsPerInch(int32_t pelsPerMeter) {
     return static_cast<uint16_t>(std::clamp(pelsPerMeter * kMetresPerInch + 0.5, 0.0, 65535.0));
@@ -59,12 +45,7 @@ Result DecodePicture(const char* source, LONG_PTR length, uint32_t flag, HLOCAL&
     if (const Result opened = OpenSource(source, length, flag, bytes); opened != Result::kSuccess) {
         return opened;
     }
-    codec::Progress progress;
-    if (callback != nullptr) {
-        progress = codec::Progress([callback, userData](int done, int total) {
-            return callback(done, total, userData) == 0;
-        });
-    }
+    codec::Progress progress = HostProgress(callback, userData);
     LocalPicture picture;
     const Result result = Codec().Decode(*bytes, picture, progress);
     if (result == Result::kSuccess) picture.Release(info, bits);
@@ -80,7 +61,7 @@ extern "C" {
 
 __declspec(dllexport) int __stdcall GetPluginInfo(int infoNumber, char* buffer, int bufferLength) {
     try {
-        return spi::WritePluginInfo(infoNumber, buffer, bufferLength);
+        return spi::WritePluginInfo("00IN", infoNumber, buffer, bufferLength);
     } catch (...) {
         return 0;
     }
@@ -88,7 +69,8 @@ __declspec(dllexport) int __stdcall GetPluginInfo(int infoNumber, char* buffer, 
 
 __declspec(dllexport) int __stdcall IsSupported(const char* fileName, const void* header) {
     try {
-        return spi::IsSupportedHeader(spi::Codec(), fileName, header) ? 1 : 0;
+        spi::HeaderBlock block;
+        return spi::Codec().IsSupported(spi::HeaderBytes(fileName, header, block)) ? 1 : 0;
     } catch (...) {
         return 0;
     }

@@ -1,0 +1,124 @@
+#include "plugins/axtarc/member_name.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "helpers/files/file_name.h"
+#include "helpers/susiectl/susie_interface.h"
+
+namespace tessary::unpack {
+namespace {
+
+constexpr size_t kMostBytes = sizeof(susie::FileInfo::fileName) - 1;
+constexpr size_t kMostExtensionChars = 20;
+
+bool IsSeparator(wchar_t character) {
+    return character == L'\\' || character == L'/';
+}
+
+// Converted before it is split: the second byte of a double-byte character can look like `\`.
+std::wstring WideName(const Member& member) {
+    if (!member.nameIsUtf8) return files::FileNameOf(member.name.c_str());
+    const auto size = static_cast<int>(member.name.size());
+    const int length = MultiByteToWideChar(CP_UTF8, 0, member.name.data(), size, nullptr, 0);
+    std::wstring wide(static_cast<size_t>(length), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, member.name.data(), size, wide.data(), length);
+    return wide;
+}
+
+// Names that mean a device in any folder, whatever extension they have.
+bool IsDeviceName(std::wstring_view part) {
+    std::wstring stem(part.substr(0, part.find(L'.')));
+    while (!stem.empty() && stem.back() == L' ')
+        stem.pop_back();
+    CharUpperBuffW(stem.data(), static_cast<DWORD>(stem.size()));
+    for (const wchar_t* name : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$", L"CLOCK$"}) {
+        if (stem == name) return true;
+    }
+    constexpr std::wstring_view kDigits = L"0123456789\u00B9\u00B2\u00B3";
+    return stem.size() == 4 && (stem.starts_with(L"COM") || stem.starts_with(L"LPT")) &&
+           kDigits.find(stem[3]) != std::wstring_view::npos;
+}
+
+std::wstring HarmlessPart(std::wstring_view part) {
+    constexpr std::wstring_view kForbidden = L"<>:\"|?*";
+    std::wstring harmless(part);
+    for (wchar_t& character : harmless) {
+        if (character < L' ' || kForbidden.find(character) != std::wstring_view::npos) {
+            character = L'_';
+        }
+    }
+    // The system drops blanks and dots at the end: `..` is no other case.
+    for (size_t i = harmless.size(); i-- > 0;) {
+        if (harmless[i] != L'.' && harmless[i] != L' ') break;
+        harmless[i] = L'_';
+    }
+    return IsDeviceName(harmless) ? L'_' + harmless : harmless;
+}
+
+std::string Ansi(std::wstring_view text) {
+    if (text.empty()) return {};
+    const auto size = static_cast<int>(text.size());
+    // A UTF-8 code page holds everything and takes no substitute.
+    const bool isUtf8 = GetACP() == CP_UTF8;
+    const DWORD flags = isUtf8 ? 0 : WC_NO_BEST_FIT_CHARS;
+    const char* const substitute = isUtf8 ? nullptr : "_";
+    const int length =
+        WideCharToMultiByte(CP_ACP, flags, text.data(), size, nullptr, 0, substitute, nullptr);
+    std::string ansi(static_cast<size_t>(length), '\0');
+    WideCharToMultiByte(CP_ACP, flags, text.data(), size, ansi.data(), length, substitute, nullptr);
+    return ansi;
+}
+
+// `text` cut between characters so that it and `ending` fit a field.
+std::string Fitting(std::wstring_view text, std::wstring_view ending) {
+    text = text.substr(0, kMostBytes);
+    std::string fitting = Ansi(text);
+    const std::string ansiEnding = Ansi(ending);
+    while (fitting.size() + ansiEnding.size() > kMostBytes) {
+        text.remove_suffix(1);
+        if (!text.empty() && IS_HIGH_SURROGATE(text.back())) text.remove_suffix(1);
+        fitting = Ansi(text);
+    }
+    return fitting + ansiEnding;
+}
+
+}  // namespace
+
+ListedName ListedNameOf(const Member& member) {
+    const std::wstring name = WideName(member);
+    std::wstring folder;
+    std::wstring file;
+    for (auto at = name.begin(); at != name.end();) {
+        const auto end = std::find_if(at, name.end(), IsSeparator);
+        const std::wstring_view part(at, end);
+        at = end == name.end() ? end : end + 1;
+        if (part.empty() || part == L".") continue;
+        if (!file.empty()) folder += file + L'\\';
+        file = HarmlessPart(part);
+    }
+    if (file.empty()) file = L"_";
+    const size_t dot = file.rfind(L'.');
+    const bool hasExtension =
+        dot != std::wstring::npos && dot != 0 && file.size() - dot <= kMostExtensionChars;
+    const size_t stem = hasExtension ? dot : file.size();
+    const std::wstring_view view(file);
+    ListedName listed;
+    listed.file = Fitting(view.substr(0, stem), view.substr(stem));
+    if (!folder.empty()) {
+        folder.pop_back();
+        listed.folder = Fitting(folder, L"\\");
+    }
+    return listed;
+}
+
+std::wstring ComparableName(const std::string& name) {
+    std::wstring comparable = files::FileNameOf(name.c_str());
+    std::replace(comparable.begin(), comparable.end(), L'/', L'\\');
+    CharUpperBuffW(comparable.data(), static_cast<DWORD>(comparable.size()));
+    return comparable;
+}
+
+}  // namespace tessary::unpack

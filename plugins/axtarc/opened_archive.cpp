@@ -1,0 +1,208 @@
+#include "plugins/axtarc/opened_archive.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <array>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+#include "helpers/files/file_name.h"
+#include "helpers/susiectl/susie_interface.h"
+#include "plugins/axtarc/member_name.h"
+#include "plugins/axtarc/name_encoding.h"
+#include "plugins/common/susie_source.h"
+
+namespace tessary::unpack {
+
+using codec::Result;
+
+namespace {
+
+// Blocks up to this size are compared whole.
+constexpr uint64_t kSmallBlock = 1u << 20;
+constexpr size_t kSampleSize = 4096;
+constexpr uint64_t kSamples = 64;
+
+// A check sum of the first and last bytes, where directories stand, and for `samples` above 2 of
+// places between them.
+uint32_t Stamp(dib::ByteSource& source, uint64_t samples) {
+    std::array<uint8_t, kSampleSize> sample;
+    uLong sum = 0;
+    const uint64_t last = source.Size() - std::min<uint64_t>(source.Size(), sample.size());
+    for (uint64_t i = 0; i < samples; ++i) {
+        const uint64_t offset = last / (samples - 1) * i;
+        const auto count = source.ReadAt(i + 1 == samples ? last : offset, sample);
+        sum = crc32(sum, sample.data(), static_cast<uInt>(count.value_or(0)));
+    }
+    return static_cast<uint32_t>(sum);
+}
+
+// What a host calls an archive.
+struct Place {
+    std::wstring path;            // in full; empty for a block
+    const char* block = nullptr;  // hosts put other data where one was
+
+    bool operator==(const Place&) const = default;
+};
+
+bool IsBlock(uint32_t flag) {
+    return (flag & 7) == susie::kSourceMemory;
+}
+
+Place PlaceOf(const char* source, uint32_t flag) {
+    if (IsBlock(flag)) return {{}, source};
+    return {files::ExtendedFullName(files::FileNameOf(source)), nullptr};
+}
+
+// What tells one archive from another between two calls.
+struct Identity {
+    Place place;
+    LONG_PTR length = 0;  // as the host gave it
+    uint64_t size = 0;
+    uint64_t writeTime = 0;
+    uint32_t stamp = 0;
+
+    bool operator==(const Identity&) const = default;
+};
+
+Identity IdentityOf(const char* source, LONG_PTR length, uint32_t flag, dib::ByteSource& bytes) {
+    Identity identity{PlaceOf(source, flag), length, bytes.Size()};
+    if (IsBlock(flag)) {
+        const bool isSmall = identity.size <= kSmallBlock;
+        identity.stamp = Stamp(bytes, isSmall ? kSmallBlock / kSampleSize + 1 : kSamples);
+        return identity;
+    }
+    WIN32_FILE_ATTRIBUTE_DATA attributes{};
+    GetFileAttributesExW(identity.place.path.c_str(), GetFileExInfoStandard, &attributes);
+    const FILETIME& time = attributes.ftLastWriteTime;
+    identity.writeTime = uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+    identity.stamp = Stamp(bytes, 2);
+    return identity;
+}
+
+// Stands for the bytes of the call under way; readers keep it between calls.
+class CurrentSource final : public dib::ByteSource {
+  public:
+    void Set(dib::ByteSource* source) { source_ = source; }
+    uint64_t Size() const override { return source_ == nullptr ? 0 : source_->Size(); }
+    std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> into) override {
+        if (source_ == nullptr) return std::nullopt;
+        return source_->ReadAt(offset, into);
+    }
+
+  private:
+    dib::ByteSource* source_ = nullptr;
+};
+
+}  // namespace
+
+struct RememberedArchive {
+    Identity identity;
+    CurrentSource source;
+    std::unique_ptr<ArchiveReader> reader;
+    std::unordered_map<std::wstring, size_t> names;  // comparable ones; filled when first asked
+};
+
+namespace {
+
+// Archives whose lengths are kept: more than a host has open at a time.
+constexpr size_t kMostLengths = 32;
+
+// The only state of the plug-in. The archive is taken out for a call, so that a second call at the
+// same time (from another thread, or from the host's callback) works on one of its own.
+class Memory {
+  public:
+    std::unique_ptr<RememberedArchive> Exchange(std::unique_ptr<RememberedArchive> archive) {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(last_, std::move(archive));
+    }
+
+    void NoteLength(const Place& place, LONG_PTR length) {
+        const std::lock_guard lock(mutex_);
+        std::erase_if(lengths_, [&](const auto& noted) { return noted.first == place; });
+        if (lengths_.size() == kMostLengths) lengths_.erase(lengths_.begin());
+        lengths_.emplace_back(place, length);
+    }
+
+    std::optional<LONG_PTR> LengthOf(const Place& place) {
+        const std::lock_guard lock(mutex_);
+        for (const auto& [known, length] : lengths_) {
+            if (known == place) return length;
+        }
+        return std::nullopt;
+    }
+
+  private:
+    std::mutex mutex_;
+    std::unique_ptr<RememberedArchive> last_;
+    std::vector<std::pair<Place, LONG_PTR>> lengths_;  // the latest at the end
+};
+
+Memory& TheMemory() {
+    static Memory memory;
+    return memory;
+}
+
+std::string NameWithoutFolder(const std::wstring& path) {
+    return Utf8FromWide(path.c_str() + path.find_last_of(L"\\/") + 1);
+}
+
+}  // namespace
+
+OpenedArchive::OpenedArchive() = default;
+OpenedArchive::~OpenedArchive() = default;
+
+Result OpenedArchive::Open(const char* source, LONG_PTR length, uint32_t flag) {
+    if (const Result opened = spi::OpenSource(source, length, flag, bytes_);
+        opened != Result::kSuccess) {
+        return opened;
+    }
+    Identity identity = IdentityOf(source, length, flag, *bytes_);
+    TheMemory().NoteLength(identity.place, length);
+    archive_ = TheMemory().Exchange(nullptr);
+    if (archive_ != nullptr && archive_->identity == identity) {
+        archive_->source.Set(bytes_.get());
+        return Result::kSuccess;
+    }
+    archive_ = std::make_unique<RememberedArchive>();
+    archive_->identity = std::move(identity);
+    archive_->source.Set(bytes_.get());
+    return OpenArchive(archive_->source, NameWithoutFolder(archive_->identity.place.path),
+                       archive_->reader);
+}
+
+Result OpenedArchive::OpenListed(const char* source, uint32_t flag) {
+    if (source == nullptr) return Result::kInternalError;
+    const auto length = TheMemory().LengthOf(PlaceOf(source, flag));
+    if (!length && IsBlock(flag)) return Result::kInternalError;
+    return Open(source, length.value_or(0), flag);
+}
+
+ArchiveReader& OpenedArchive::Reader() {
+    return *archive_->reader;
+}
+
+std::optional<size_t> OpenedArchive::Find(const char* name) {
+    auto& names = archive_->names;
+    if (names.empty()) {
+        const std::vector<Member>& members = Reader().Members();
+        for (size_t i = 0; i < members.size(); ++i) {
+            const ListedName listed = ListedNameOf(members[i]);
+            names.emplace(ComparableName(listed.folder + listed.file), i);
+        }
+        // A bare name does as long as no member is called so in full.
+        for (size_t i = 0; i < members.size(); ++i)
+            names.emplace(ComparableName(ListedNameOf(members[i]).file), i);
+    }
+    const auto found = names.find(ComparableName(name));
+    return found == names.end() ? std::nullopt : std::optional(found->second);
+}
+
+void OpenedArchive::Remember() {
+    archive_->source.Set(nullptr);
+    TheMemory().Exchange(std::move(archive_));
+}
+
+}  // namespace tessary::unpack

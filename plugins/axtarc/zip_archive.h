@@ -1,0 +1,23 @@
+// ZIP archives with a directory: each member is reached directly.
+#pragma once
+
+#include "plugins/axtarc/archive_reader.h"
+#include "plugins/axtarc/zip_directory.h"
+
+namespace tessary::unpack {
+
+class ZipArchive final : public ArchiveReader {
+  public:
+    // As OpenArchive. kBrokenData when there is no directory.
+    static codec::Result Open(dib::ByteSource& source, std::unique_ptr<ArchiveReader>& reader);
+
+    codec::Result Extract(size_t index, files::ByteSink& sink, codec::Progress& progress) override;
+
+  private:
+    ZipArchive(dib::ByteSource& source, ZipDirectory directory);
+
+    dib::ByteSource& source_;
+    ZipDirectory directory_;  // its records are those of the members
+};
+
+}  // namespace tessary::unpack
