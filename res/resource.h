@@ -6,6 +6,11 @@
 #define iconApplication 1
 #define menuMainWindow 100   // the menu bar
 #define menuPopupWindow 101  // holds the pop-up menu
+// Each holds the menu that drops down from a button of the control bar.
+#define menuDisplaySizeWindow 102
+#define menuOpenWindow 103
+#define menuSaveWindow 104
+#define acceleratorsMainWindow 110
 
 #define menuFile 1000
 #define menuFileOpen 1001
@@ -49,3 +54,33 @@
 #define menuPopupPluginName 1503
 #define menuPopupGraphicSize 1504
 #define menuPopupColorDepth 1505
+
+// Commands of the control bar that stand in no menu of the main window.
+#define commandDisplaySize 1600  // the next display size
+#define commandDisplaySize_0 1610
+#define commandDisplaySize_1 1611
+#define commandDisplaySize_2 1612
+#define commandDisplaySize_3 1613
+#define commandDisplaySize_4 1614
+#define commandAddToDeleteList 1620
+#define commandCancelDelete 1621
+
+#define dialogOpenFolder 200
+#define dialogNewFolder 201
+#define dialogDirList 202
+
+#define openFolderPath 2001
+#define openFolderUp 2002
+#define openFolderDrive 2003
+#define openFolderList 2004
+#define openFolderSubFolders 2005
+#define openFolderExtensionsLabel 2006
+#define openFolderExtensions 2007
+#define openFolderHint 2008
+#define openFolderMake 2009
+#define openFolderNetwork 2010
+
+#define newFolderName 2101
+
+#define dirListFolder 2201
+#define dirListCount 2202

@@ -11,17 +11,19 @@
 #include <vector>
 
 #include "app/base/handles.h"
-#include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "app/settings/settings_store.h"
+#include "bench/common/finished_program.h"
+#include "bench/common/stopwatch.h"
 #include "bench/viewer/bare_jpeg.h"
 #include "picture/current_picture.h"
 #include "picture/show/modShowPicture.h"
-#include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
+
+using namespace bench;
 
 constexpr int kRuns = 9;
 
@@ -46,48 +48,17 @@ class QuietView : public PictureView {
     IPicture* picture_ = nullptr;
 };
 
-// Milliseconds that `body` takes.
-double Timed(const std::function<void()>& body) {
-    LARGE_INTEGER frequency;
-    LARGE_INTEGER start;
-    LARGE_INTEGER end;
-    QueryPerformanceFrequency(&frequency);
-    QueryPerformanceCounter(&start);
-    body();
-    QueryPerformanceCounter(&end);
-    return 1000.0 * static_cast<double>(end.QuadPart - start.QuadPart) /
-           static_cast<double>(frequency.QuadPart);
-}
-
-double Median(std::vector<double> times) {
-    std::nth_element(times.begin(), times.begin() + times.size() / 2, times.end());
-    return times[times.size() / 2];
-}
-
-// The finished program's folder, beside ours.
-std::wstring FinishedFolder() {
-    return AppFolder() + LR"(..\bin\)";
-}
-
-// Makes the helper libraries resident, as the program's start-up does.
-void LoadHelperLibraries() {
-    for (const wchar_t* name : {L"pic_kernel.dll", L"plg_resize.fplg", L"bmp_import.iplg",
-                                L"bmp_export.eplg", L"convertdib.dll", L"susiectl.dll"}) {
-        LoadLibraryW((FinishedFolder() + name).c_str());
-    }
-}
-
-void LoadPluginsOf(const std::wstring& folder) {
-    Values().general.useSPI = 1;
-    Values().general.spiFolder[0] = folder;
-    Values().general.loadSPI[0] = true;
-    LoadSPI();
-}
+// Nobody looks at the members.
+class QuietList : public MemberList {
+  public:
+    void SetMembers(std::span<const ListedMember>) override {}
+};
 
 int BenchShow(const std::wstring& path) {
     LoadPluginsOf(FinishedFolder());
     Values().fixSizeValue = kSizeMode800;
     QuietView view;
+    QuietList members;
     std::vector<double> bare;
     std::vector<double> show;
     std::vector<double> display;
@@ -95,7 +66,7 @@ int BenchShow(const std::wstring& path) {
          ++run) {  // in turn, so that both see the same machine; the first run warms up
         const double bareTime = Timed([&] { DecodeBareJpeg(path); });
         FileKind kind = kFileUnknown;
-        const double showTime = Timed([&] { kind = ShowFile(path, view).kind; });
+        const double showTime = Timed([&] { kind = ShowFile(path, view, members, OnFailure::kStaySilent).kind; });
         if (!IsPictureKind(kind)) {
             std::fprintf(stderr, "not shown\n");
             return 1;
@@ -198,9 +169,11 @@ int BenchLeave(const std::vector<std::wstring>& paths) {
     LoadPluginsOf(FinishedFolder());
     Values().fixSizeValue = kSizeMode640;
     QuietView view;
+    QuietList members;
     const auto show = [&](int times) {
         for (int i = 0; i < times; ++i)
-            ShowFile(paths[static_cast<size_t>(i) % paths.size()], view);
+            ShowFile(paths[static_cast<size_t>(i) % paths.size()], view, members,
+                     OnFailure::kStaySilent);
         SetCurrentPicture({});
         view.ClearPicture();
     };

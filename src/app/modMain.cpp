@@ -10,7 +10,8 @@
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "plugin/modSusie.h"
-#include "ui/control/first_file_viewer.h"
+#include "ui/control/frmControl.h"
+#include "ui/control/open_commands.h"
 #include "ui/form/message_loop.h"
 #include "ui/main/frmMain.h"
 
@@ -54,9 +55,10 @@ int Main() {
                             TerminateApplication();
                             PostQuitMessage(0);
                         }});
-    FirstFileViewer viewer(window);
-    window.SetFileListReceiver(viewer);
-    if (!window.Load()) {
+    frmControl controlBar(window);
+    window.SetControlBar(controlBar);
+    OpenCommands openCommands(window, controlBar);
+    if (!window.Load() || !controlBar.Load(window.Handle())) {
         TellFailedStart({});
         return 1;
     }

@@ -51,7 +51,7 @@ TEST_F(ViewerTest, ShowsABitmapAndKeepsItsSettings) {
     const HWND main = viewer.WindowOfCaption(kCaption);
     ASSERT_NE(main, nullptr);
     EXPECT_TRUE(WaitUntil([&] { return MiddleOf(main) == RGB(200, 30, 60); }));
-    EXPECT_EQ(StatusText(viewer, main, 0), L"3個のプラグイン");
+    EXPECT_EQ(StatusText(viewer, main, 0), L"4個のプラグイン");
     EXPECT_TRUE(WaitUntil([&] {
         return StatusText(viewer, main, 1) == L"[表示中] 写真 사진.bmp ( 101×60 24bit )";
     })) << StatusText(viewer, main, 1);

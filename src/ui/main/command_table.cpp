@@ -15,7 +15,7 @@ bool CommandTable::IsEnabled(int id) const {
     const auto found = commands_.find(id);
     if (found == commands_.end()) return false;
     const Command& command = found->second;
-    if (Values().pictureLoading && !command.whileLoading) return false;
+    if (IsReadUnderWay() && !command.whileLoading) return false;
     return !command.enabled || command.enabled();
 }
 

@@ -24,6 +24,9 @@ class CommandTable {
     // Gives an item (a number of resource.h) its command, or another one.
     void Register(int id, Command command);
 
+    // Whether somebody has given the item a command.
+    bool IsRegistered(int id) const { return commands_.contains(id); }
+
     // Whether the item would run now.
     bool IsEnabled(int id) const;
 

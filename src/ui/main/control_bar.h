@@ -7,8 +7,8 @@
 
 namespace tessary {
 
-// Buttons of the control bar's toolbar that the main window presses, as the toolbar counts them.
-enum class PlayerButton {
+// Buttons of the control bar's toolbar, as the toolbar counts them.
+enum class BarButton {
     kRewind = 1,
     kReversePlay = 2,
     kStepBack = 3,
@@ -16,7 +16,12 @@ enum class PlayerButton {
     kStepForward = 5,
     kPlay = 6,
     kFastForward = 7,
+    kDisplaySize = 9,
+    kOpen = 11,
+    kSave = 12,
+    kDeleteList = 14,
     kFold = 15,
+    kCancelDelete = 16,
 };
 
 class FileListReceiver {
@@ -30,8 +35,11 @@ class FileListReceiver {
 
 class ControlBar : public FileListReceiver {
   public:
+    // Empties the lists of files and of archive members.
+    virtual void ClearLists() = 0;
+
     // Does what a click on the button does.
-    virtual void Press(PlayerButton button) = 0;
+    virtual void Press(BarButton button) = 0;
 
     virtual bool IsVisible() const = 0;
     virtual void SetVisible(bool visible) = 0;

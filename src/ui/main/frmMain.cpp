@@ -30,9 +30,9 @@ constexpr UINT kOpenFilesMessage = WM_APP + 1;
 constexpr DWORD kBreathMilliseconds = 20;
 
 // The buttons that the items of the control menu press.
-constexpr PlayerButton kControlButtons[] = {PlayerButton::kRewind,      PlayerButton::kReversePlay,
-                                            PlayerButton::kStop,        PlayerButton::kPlay,
-                                            PlayerButton::kFastForward, PlayerButton::kFold};
+constexpr BarButton kControlButtons[] = {BarButton::kRewind,      BarButton::kReversePlay,
+                                         BarButton::kStop,        BarButton::kPlay,
+                                         BarButton::kFastForward, BarButton::kFold};
 
 SIZE SizeOf(const RECT& rectangle) {
     return {rectangle.right - rectangle.left, rectangle.bottom - rectangle.top};
@@ -60,7 +60,12 @@ std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& p
 
 }  // namespace
 
-frmMain::frmMain(MainWindowServices services) : Form(kDesign), services_(std::move(services)) {
+frmMain::frmMain(MainWindowServices services)
+    : Form(kDesign),
+      services_(std::move(services)),
+      accelerators_(
+          acceleratorsMainWindow, [this] { return Handle(); },
+          [this](HWND focused) { return GetAncestor(focused, GA_ROOT) == Handle(); }) {
     RegisterCommands();
 }
 
@@ -72,9 +77,9 @@ void frmMain::SetControlBar(ControlBar& controlBar) {
                         .checked = [&controlBar] { return controlBar.IsVisible(); },
                         .whileLoading = true});
     int item = menuControl_0;
-    for (const PlayerButton button : kControlButtons) {
+    for (const BarButton button : kControlButtons) {
         // Stopping and folding load nothing.
-        const bool harmless = button == PlayerButton::kStop || button == PlayerButton::kFold;
+        const bool harmless = button == BarButton::kStop || button == BarButton::kFold;
         commands_.Register(item++, {.run = [&controlBar, button] { controlBar.Press(button); },
                                     .whileLoading = harmless});
     }
@@ -129,6 +134,15 @@ void frmMain::PlaceWindow() {
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void frmMain::MakeRoomAbove(int pixels) {
+    RECT frame{};
+    GetWindowRect(Handle(), &frame);
+    const int room = static_cast<int>(WorkAreaOf(Handle()).bottom - frame.bottom);
+    SetWindowPos(Handle(), nullptr, frame.left,
+                 frame.top + std::clamp(pixels, 0, std::max(room, 0)), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 SIZE frmMain::MinimumSize() const {
     return {320, 240};
 }
@@ -137,7 +151,7 @@ void frmMain::AcceptDroppedFiles() {
     const FileDropTarget::Handlers handlers{
         .accepts =
             [this] {
-                return fileListReceiver_ != nullptr && !Values().pictureLoading &&
+                return fileListReceiver_ != nullptr && !IsReadUnderWay() &&
                        IsWindowEnabled(Handle());
             },
         .drop = [this](const std::vector<std::wstring>& paths) { OpenLater(paths); }};
@@ -160,12 +174,16 @@ void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
 std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SETCURSOR:
-            if (LOWORD(lParam) != HTCLIENT || !Values().pictureLoading) return std::nullopt;
+            // A disabled window is told HTERROR wherever the pointer is.
+            if (!IsReadUnderWay() ||
+                (LOWORD(lParam) != HTCLIENT && LOWORD(lParam) != static_cast<WORD>(HTERROR))) {
+                return std::nullopt;
+            }
             SetCursor(LoadCursorW(nullptr, IDC_WAIT));
             return TRUE;
         case kOpenFilesMessage: {
             const std::vector<std::wstring> files = std::exchange(filesToOpen_, {});
-            if (fileListReceiver_ != nullptr && !files.empty() && !Values().pictureLoading) {
+            if (fileListReceiver_ != nullptr && !files.empty() && !IsReadUnderWay()) {
                 fileListReceiver_->SetFileList(files);
             }
             return 0;
@@ -185,7 +203,7 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
 
 // The process ends when this returns.
 void frmMain::EndSession() {
-    if (!Values().pictureLoading) {
+    if (!IsReadUnderWay()) {
         DestroyWindow(Handle());
         return;
     }
@@ -196,7 +214,7 @@ void frmMain::EndSession() {
 }
 
 void frmMain::Form_QueryUnload(bool& cancel) {
-    if (!Values().pictureLoading) return;
+    if (!IsReadUnderWay()) return;
     Values().quitRequested = true;
     cancel = true;
 }
@@ -243,9 +261,8 @@ void frmMain::menuPopup_Click(int item) {
 
 void frmMain::pictureView_KeyDown(int keyCode, int shift) {
     if (scroller_.KeyDown(keyCode)) return;
-    if (keyCode != VK_RETURN || controlBar_ == nullptr || Values().pictureLoading) return;
-    controlBar_->Press((shift & kShiftMask) != 0 ? PlayerButton::kStepBack
-                                                 : PlayerButton::kStepForward);
+    if (keyCode != VK_RETURN || controlBar_ == nullptr || IsReadUnderWay()) return;
+    controlBar_->Press((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
 }
 
 void frmMain::pictureView_MouseDown(int button, POINT at) {
@@ -274,7 +291,7 @@ void frmMain::pictureView_ContextMenu(POINT onScreen) {
 }
 
 const wchar_t* frmMain::pictureView_Pointer() const {
-    if (Values().pictureLoading) return IDC_WAIT;
+    if (IsReadUnderWay()) return IDC_WAIT;
     return scroller_.CanScroll() ? IDC_HAND : IDC_ARROW;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "picture/show/picture_view.h"
+#include "ui/form/accelerators.h"
 #include "ui/form/file_drop_target.h"
 #include "ui/form/form.h"
 #include "ui/form/picture_box.h"
@@ -49,6 +50,9 @@ class frmMain final : public Form, public PictureView {
     // Tells where the picture comes from that was put into the view; forgotten when the view is
     // emptied.
     void SetPictureSource(PictureSource source) { source_ = std::move(source); }
+
+    // Moves the window down by so many pixels, as far as the screen has room for it.
+    void MakeRoomAbove(int pixels);
 
     // Hands files to their receiver as soon as the messages that wait now are done. A folder
     // stands for the plain files directly in it. Ignored while a picture is being loaded.
@@ -105,6 +109,7 @@ class frmMain final : public Form, public PictureView {
     StatusBar statusInformation_;
     PictureSource source_;
     std::vector<std::wstring> filesToOpen_;
+    Accelerators accelerators_;
     DWORD lastBreath_ = 0;  // tick count, milliseconds
     // Last, so that they let go of the windows first.
     WindowProcedureHook hook_;

@@ -74,9 +74,9 @@ TEST_F(OpenFilesTest, RefusesDropsThatItCannotServe) {
     Load();
     const std::wstring file = folder_.Write(L"1.bmp");
     EXPECT_EQ(Drop(window_.Handle(), {file}, DROPEFFECT_MOVE), DROPEFFECT_NONE);
-    Values().pictureLoading = true;
+    Values().readsUnderWay = 1;
     EXPECT_EQ(Drop(window_.Handle(), {file}), DROPEFFECT_NONE);
-    Values().pictureLoading = false;
+    Values().readsUnderWay = 0;
     EnableWindow(window_.Handle(), FALSE);  // behind a dialog
     EXPECT_EQ(Drop(window_.Handle(), {file}), DROPEFFECT_NONE);
     DoEvents();
@@ -107,13 +107,13 @@ TEST_F(StatusBarTest, ShowsTextsAsTheyAreInPanelsThatFit) {
 TEST_F(CloseTest, IsRefusedWhileAPictureLoads) {
     Load();
     const HWND window = window_.Handle();
-    Values().pictureLoading = true;
+    Values().readsUnderWay = 1;
     EXPECT_TRUE(window_.Breathe());
     Choose(menuFileExit);
     EXPECT_TRUE(IsWindow(window));
     EXPECT_TRUE(Values().quitRequested);
     EXPECT_FALSE(window_.Breathe());  // the load is asked to stop
-    Values().pictureLoading = false;
+    Values().readsUnderWay = 0;
     Choose(menuFileExit);
     EXPECT_FALSE(IsWindow(window));
     EXPECT_EQ(ended_, 1);
@@ -154,7 +154,7 @@ TEST_F(CloseTest, SessionEndClosesTheProgram) {
     SendMessageW(window, WM_ENDSESSION, FALSE, 0);  // another program said no
     EXPECT_TRUE(IsWindow(window));
 
-    Values().pictureLoading = true;  // plug-ins must stay under a running decode
+    Values().readsUnderWay = 1;  // plug-ins must stay under a running decode
     Values().general.slideShowTime = 1234;
     EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
     SendMessageW(window, WM_ENDSESSION, TRUE, 0);
@@ -162,7 +162,7 @@ TEST_F(CloseTest, SessionEndClosesTheProgram) {
     EXPECT_EQ(ended_, 0);
     EXPECT_EQ(GetSetting(L"General", L"SlideShowTime", L""), L"1234");
 
-    Values().pictureLoading = false;
+    Values().readsUnderWay = 0;
     SendMessageW(window, WM_ENDSESSION, TRUE, 0);
     EXPECT_FALSE(IsWindow(window));
     EXPECT_EQ(ended_, 1);

@@ -24,7 +24,8 @@ class RecordingControlBar final : public ControlBar {
         lists.emplace_back(files.begin(), files.end());
         return !files.empty();
     }
-    void Press(PlayerButton button) override { pressed.push_back(static_cast<int>(button)); }
+    void ClearLists() override { ++clears; }
+    void Press(BarButton button) override { pressed.push_back(static_cast<int>(button)); }
     bool IsVisible() const override { return visible; }
     void SetVisible(bool show) override { visible = show; }
     void Unload() override { ++unloads; }
@@ -33,6 +34,7 @@ class RecordingControlBar final : public ControlBar {
     std::vector<int> pressed;
     bool visible = false;
     int unloads = 0;
+    int clears = 0;
 };
 
 class MainWindowTest : public testing::Test {
@@ -60,7 +62,7 @@ class MainWindowTest : public testing::Test {
     }
 
     void TearDown() override {
-        Values().pictureLoading = false;
+        Values().readsUnderWay = 0;
         window_.Unload();
         DoEvents();
     }

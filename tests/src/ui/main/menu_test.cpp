@@ -106,19 +106,19 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
     offered = false;
     Choose(menuFileOpen);
     offered = true;
-    Values().pictureLoading = true;
+    Values().readsUnderWay = 1;
     Choose(menuFileOpen);
     EXPECT_EQ(opened, 1);
     Open();
     EXPECT_EQ(AliveItems(), std::vector<int>{menuFileExit});
 }
 
-TEST_F(MenuTest, ControlMenuPressesPlayerButtons) {
+TEST_F(MenuTest, ControlMenuPressesBarButtons) {
     window_.SetControlBar(controlBar_);
     Load();
     for (int item = menuControl_0; item <= menuControl_5; ++item)
         Choose(item);
-    Values().pictureLoading = true;  // only what loads nothing: 停止 and 折りたたみ
+    Values().readsUnderWay = 1;  // only what loads nothing: 停止 and 折りたたみ
     for (int item = menuControl_0; item <= menuControl_5; ++item)
         Choose(item);
     EXPECT_EQ(controlBar_.pressed, (std::vector<int>{1, 2, 4, 6, 7, 15, 4, 15}));

@@ -121,7 +121,7 @@ TEST_F(ScrollingTest, EnterStepsThroughTheFiles) {
     SendToView(WM_KEYDOWN, VK_RETURN, 0);
     window_.pictureView_KeyDown(VK_RETURN, kShiftMask);
     EXPECT_EQ(controlBar_.pressed, (std::vector<int>{5, 3}));
-    Values().pictureLoading = true;
+    Values().readsUnderWay = 1;
     SendToView(WM_KEYDOWN, VK_RETURN, 0);
     EXPECT_EQ(controlBar_.pressed.size(), 2u);
 }

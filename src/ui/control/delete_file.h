@@ -1,0 +1,14 @@
+// Deleting a user's file, with the question what to do when that fails.
+#pragma once
+
+#include <string>
+
+namespace tessary {
+
+enum class DeleteOutcome { kDeleted = 0, kAbort = 1, kIgnore = 2 };
+
+// Deletes a file whatever its attributes. When the system refuses, the user decides: abort, retry
+// (asked again if it fails again) or ignore; the file's attributes are then as they were.
+DeleteOutcome DeleteListedFile(const std::wstring& path);
+
+}  // namespace tessary

@@ -1,0 +1,71 @@
+// Collecting the files of a folder, or of a whole tree of folders.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ui/control/open_rules.h"
+#include "ui/form/worker.h"
+
+namespace tessary {
+
+struct ScanRequest {
+    std::wstring folder;
+    bool subFolders = false;
+    std::wstring extensions;  // see ExtensionFilter
+};
+
+// What a scan has found since it last told.
+struct ScanNews {
+    std::wstring folder;              // that is being read
+    size_t looked = 0;                // files looked at in all, wanted or not
+    std::vector<std::wstring> files;  // full paths of the wanted ones
+};
+
+// So many files are looked at from one telling to the next.
+constexpr size_t kScanStep = 200;
+
+// Lists the plain files of the folder in the system's order; then, with sub-folders, those of its
+// folders, then of theirs, level by level. Hidden and system files are left out, and hidden and
+// system sub-folders with all that is in them. A folder that cannot be read is skipped; one that is
+// met again through a link is not listed twice. Tells at the beginning of each folder, every
+// kScanStep files, and at the end; `tell` answering false ends the scan after what was told. The
+// system's error when the first folder cannot be read, else 0.
+unsigned long ScanFolders(const ScanRequest& request,
+                          const std::function<bool(ScanNews&& news)>& tell);
+
+// A scan on a thread of its own. It runs until it is done or this object ends.
+class FolderScan {
+  public:
+    explicit FolderScan(const ScanRequest& request);
+    FolderScan(const FolderScan&) = delete;
+    FolderScan& operator=(const FolderScan&) = delete;
+    // Leaves behind a scan that is stuck in the system.
+    ~FolderScan();
+
+    // Waits until there is news, the scan has ended or the time is over, and handles messages
+    // meanwhile. False when the program is about to end.
+    bool Wait(DWORD milliseconds);
+
+    // Adds what was found since the last call to `files`; answers how far the scan is.
+    ScanNews Take(std::vector<std::wstring>& files);
+
+    bool HasEnded() const { return worker_.HasEnded(); }
+
+    // Ends the scan; what it has found stays to be taken. Does not wait for long.
+    void Stop();
+
+    // After the end: the result of ScanFolders. Raises what went wrong beside that.
+    unsigned long Error() const;
+
+  private:
+    struct Shared;
+
+    std::shared_ptr<Shared> shared_;
+    Worker worker_;
+};
+
+}  // namespace tessary

@@ -1,0 +1,369 @@
+// The control bar's window: its parts, fold state, place and keys.
+#include "ui/control/frmControl_busy.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+
+#include "app/base/error.h"
+#include "app/settings/modValue.h"
+#include "app/settings/setting_value.h"
+#include "app/settings/settings_store.h"
+#include "res/resource.h"
+#include "ui/control/toolbar_items.h"
+
+namespace tessary {
+namespace {
+
+constexpr FormDesign kDesign{.className = L"TessaryControlBar",
+                             .caption = L"コントロールバー",
+                             .style = WS_POPUP | WS_CLIPCHILDREN,
+                             .extendedStyle = WS_EX_TOOLWINDOW | WS_EX_CONTROLPARENT};
+
+constexpr wchar_t kSection[] = L"Window";
+
+// Pixels at 96 dpi.
+constexpr int kWidth = 480;
+constexpr int kLeastWidth = 420;
+constexpr int kFrame = 1;
+constexpr int kMargin = 4;
+constexpr int kGripWidth = 8;
+constexpr int kInfoHeight = 20;
+constexpr int kButtonWidth = 116;
+constexpr int kButtonHeight = 25;
+
+constexpr int kTwipsPerInch = 1440;
+
+// Key presses that the main window takes although a list has the focus: lists have no use for them.
+bool IsKeyOfTheView(int keyCode) {
+    return keyCode == VK_RETURN || keyCode == VK_LEFT || keyCode == VK_RIGHT;
+}
+
+}  // namespace
+
+frmControl::frmControl(frmMain& window)
+    : Form(kDesign),
+      window_(window),
+      player_({.back = [this] { return ListIndexBackOne(); },
+               .forward = [this] { return ListIndexForwardOne(); },
+               .atEnd = [this] { Press(BarButton::kStop); },
+               .mayStep = [this] { return MayStep(); },
+               .inBurst =
+                   [this](const std::function<void()>& steps) {
+                       const Burst burst(*this);
+                       steps();
+                   }}),
+      accelerators_(
+          acceleratorsMainWindow, [&window] { return window.Handle(); },
+          [this](HWND focused) {
+              return Handle() != nullptr && GetAncestor(focused, GA_ROOT) == Handle();
+          }),
+      dialogKeys_([this](MSG& message) { return TakesMessage(message); }) {
+    RegisterCommands();
+}
+
+void frmControl::RegisterCommands() {
+    const auto registerButton = [this](int id, BarButton button) {
+        window_.Commands().Register(
+            id, {.run = [this, button] { CoolBar_ButtonClick(button); },
+                 .enabled = [this, button] { return formLoaded_ && IsUsable(button); },
+                 .whileLoading = true});
+    };
+    registerButton(commandDisplaySize, BarButton::kDisplaySize);
+    registerButton(commandAddToDeleteList, BarButton::kDeleteList);
+    registerButton(commandCancelDelete, BarButton::kCancelDelete);
+    for (int mode = kSizeModeOriginal; mode <= kSizeModeScreen; ++mode) {
+        window_.Commands().Register(commandDisplaySize_0 + mode,
+                                    {.run = [this, mode] { SetDisplaySize(mode); },
+                                     .checked = [mode] { return Values().fixSizeValue == mode; },
+                                     .whileLoading = true});
+    }
+}
+
+void frmControl::Form_Load() {
+    CreateControls();
+    Form_MetricsChanged();
+    ReadPlace();
+    ShowDisplaySizeImage();
+    ShowNoArchive();
+    UpdateToolbar();
+    formLoaded_ = true;
+}
+
+void frmControl::CreateControls() {
+    coolBar_.Create(Handle(), ControlBarItems(), ControlBarImages());
+    coolBar_.OnButton([this](int button) { CoolBar_ButtonClick(static_cast<BarButton>(button)); });
+    coolBar_.OnDropDown([this](int button, POINT below) {
+        CoolBar_ButtonDropDown(static_cast<BarButton>(button), below);
+    });
+    coolBar_.OnBackgroundPress([this] { SendMessageW(Handle(), WM_LBUTTONDOWN, 0, 0); });
+    textFileInfo_.Create(Handle(), TextBox::Mode::kReadOnly);
+
+    const auto keys = [this](int keyCode, int shift) { return PassKeyOn(keyCode, shift); };
+    listFileName_.Create(Handle(), ListBox::Fit::kPath);
+    listFileName_.OnClick([this] { listFileName_Click(); });
+    listFileName_.OnKeyDown(keys);
+    listArchiveFile_.Create(Handle(), ListBox::Fit::kPath);
+    listArchiveFile_.OnClick([this] { listArchiveFile_Click(); });
+    listArchiveFile_.OnKeyDown(keys);
+
+    listDelete_.Create(Handle(), ListBox::Fit::kPath);
+    listDelete_.OnDoubleClick([this] { listDelete_DblClick(); });
+    listDelete_.OnKeyDown([this](int keyCode, int) {
+        if (keyCode == VK_RETURN) listDelete_DblClick();
+        return keyCode == VK_RETURN;
+    });
+    cmdOK_.Create(Handle(), L"ディスクから削除(&D)");
+    cmdOK_.OnClick([this] { cmdOK_Click(); });
+    cmdDelList_.Create(Handle(), L"リストから削除(&L)");
+    cmdDelList_.OnClick([this] { cmdDelList_Click(); });
+    cmdCancel_.Create(Handle(), L"取り消し(&U)");
+    cmdCancel_.OnClick([this] { cmdCancel_Click(); });
+    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_})
+        button->SetEnabled(false);
+}
+
+void frmControl::Form_MetricsChanged() {
+    font_ = Metrics(Handle()).MessageFont();
+    for (Control* const control :
+         std::initializer_list<Control*>{&textFileInfo_, &listFileName_, &listArchiveFile_,
+                                         &listDelete_, &cmdOK_, &cmdDelList_, &cmdCancel_}) {
+        control->SetFont(font_.Get());
+    }
+    for (ListBox* const list : {&listFileName_, &listArchiveFile_, &listDelete_}) {
+        list->FontChanged();
+    }
+    coolBar_.ChangeMetrics();
+}
+
+// --- Place ---
+
+void frmControl::ReadPlace() {
+    const int dpi = Metrics(Handle()).Dpi();
+    const auto toTwips = [dpi](int pixels) { return MulDiv(pixels, kTwipsPerInch, dpi); };
+    const auto setting = [](const wchar_t* key, int32_t other) {
+        return Trapped(other,
+                       [&] { return ToInt32(GetSetting(kSection, key, ToSettingText(other))); });
+    };
+    const bool rollUp = Trapped(
+        false, [] { return ToBoolean(GetSetting(kSection, L"ControlBarRollUP", L"False")); });
+    SetWindowPos(Handle(), nullptr, 0, 0, Metrics(Handle()).Scale(kWidth), 0,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    rollUp ? RollUp() : RollDown();
+
+    RECT main{};
+    GetWindowRect(window_.Handle(), &main);
+    RECT bar{};
+    GetWindowRect(Handle(), &bar);
+    const bool isNew = Trapped(true, [] { return GetSetting(kSection, L"ControlBar_X").empty(); });
+    int x = std::max(setting(L"ControlBar_X", toTwips(main.left)), 0);
+    const int y = std::max(setting(L"ControlBar_Y", toTwips(main.top)), 0);
+    const int screenWidth = toTwips(GetSystemMetrics(SM_CXSCREEN));
+    const int screenHeight = toTwips(GetSystemMetrics(SM_CYSCREEN));
+    const int width = toTwips(bar.right - bar.left);
+    const int height = toTwips(bar.bottom - bar.top);
+    if (x + width > screenWidth) x = screenWidth - width;
+    // A bar that reaches below the screen goes to the side, its Y stays.
+    if (y + height > screenHeight) x = screenHeight - height;
+    SetWindowPos(Handle(), nullptr, MulDiv(x, dpi, kTwipsPerInch), MulDiv(y, dpi, kTwipsPerInch), 0,
+                 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    // The first time the bar takes the place where the main window's menu would be.
+    if (isNew) window_.MakeRoomAbove(Metrics(Handle()).Scale(kUnfoldedHeight + kMargin));
+}
+
+void frmControl::SavePlace() {
+    RECT bar{};
+    GetWindowRect(Handle(), &bar);
+    const int dpi = Metrics(Handle()).Dpi();
+    const auto save = [&](const wchar_t* key, const std::wstring& text) {
+        Trapped([&] { SaveSetting(kSection, key, text); });
+    };
+    save(L"ControlBarRollUP", ToSettingText(isRollUp_));
+    save(L"ControlBar_X", ToSettingText(int32_t{MulDiv(bar.left, kTwipsPerInch, dpi)}));
+    save(L"ControlBar_Y", ToSettingText(int32_t{MulDiv(bar.top, kTwipsPerInch, dpi)}));
+}
+
+void frmControl::SetHeight(int pixelsAt96Dpi) {
+    RECT bar{};
+    GetWindowRect(Handle(), &bar);
+    SetWindowPos(Handle(), nullptr, 0, 0, bar.right - bar.left,
+                 Metrics(Handle()).Scale(pixelsAt96Dpi),
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void frmControl::RollUp() {
+    SetHeight(kFoldedHeight);
+    SetImage(BarButton::kFold, ToolbarImage::kUnfold);
+    isRollUp_ = true;
+    ShowFoldedOrNot();
+}
+
+void frmControl::RollDown() {
+    SetHeight(kUnfoldedHeight);
+    SetImage(BarButton::kFold, ToolbarImage::kFold);
+    isRollUp_ = false;
+    ShowFoldedOrNot();
+}
+
+void frmControl::SetRollUp(bool rollUp) {
+    if (deletePanelOpen_) return;
+    rollUp ? RollUp() : RollDown();
+}
+
+// What lies outside the window must not take the focus either.
+void frmControl::ShowFoldedOrNot() {
+    const bool unfolded = deletePanelOpen_ || !isRollUp_;
+    for (Control* const control :
+         std::initializer_list<Control*>{&textFileInfo_, &listFileName_, &listArchiveFile_}) {
+        control->SetVisible(unfolded);
+    }
+    for (Control* const control :
+         std::initializer_list<Control*>{&listDelete_, &cmdOK_, &cmdDelList_, &cmdCancel_}) {
+        control->SetVisible(deletePanelOpen_);
+    }
+    InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+bool frmControl::IsVisible() const {
+    return Handle() != nullptr && IsWindowVisible(Handle());
+}
+
+void frmControl::SetVisible(bool visible) {
+    if (visible && !Load(window_.Handle())) return;
+    // The main window keeps the focus when the bar appears, and gets it back when it goes.
+    if (Handle() != nullptr) ShowWindow(Handle(), visible ? SW_SHOWNOACTIVATE : SW_HIDE);
+}
+
+void frmControl::Unload() {
+    unloading_ = true;
+    Form::Unload();
+    unloading_ = false;
+}
+
+// The user who closes the bar only wants it out of sight.
+void frmControl::Form_QueryUnload(bool& cancel) {
+    if (unloading_) return;
+    cancel = true;
+    SetVisible(false);
+}
+
+void frmControl::Form_Unload() {
+    player_.Stop();
+    SavePlace();
+    formLoaded_ = false;
+}
+
+// --- Layout ---
+
+void frmControl::Form_Resize(int width, int /*height*/) {
+    if (coolBar_.Handle() == nullptr) return;
+    const Metrics metrics(Handle());
+    const auto scale = [&](int pixels) { return metrics.Scale(pixels); };
+    const int frame = scale(kFrame);
+    const int margin = scale(kMargin);
+    const int inner = width - 2 * margin;
+    const int buttons =
+        std::min<int>(coolBar_.PreferredSize().cy, scale(kFoldedHeight) - 2 * frame);
+    coolBar_.SetBounds(scale(kGripWidth), (scale(kFoldedHeight) - buttons) / 2,
+                       width - scale(kGripWidth) - frame, buttons);
+
+    const int info = scale(kFoldedHeight + 1);
+    textFileInfo_.SetBounds(margin, info, inner, scale(kInfoHeight));
+    const int lists = info + scale(kInfoHeight) + margin / 2;
+    const int listHeight = scale(kUnfoldedHeight) - margin - lists;
+    const int fileWidth = (inner - margin) * 3 / 5;
+    listFileName_.SetBounds(margin, lists, fileWidth, listHeight);
+    listArchiveFile_.SetBounds(2 * margin + fileWidth, lists, inner - margin - fileWidth,
+                               listHeight);
+
+    const int panel = scale(kUnfoldedHeight);
+    const int panelHeight = scale(kDeletePanelHeight) - margin - panel;
+    const int buttonWidth = scale(kButtonWidth);
+    listDelete_.SetBounds(margin, panel, inner - margin - buttonWidth, panelHeight);
+    int top = panel;
+    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_}) {
+        button->SetBounds(width - margin - buttonWidth, top, buttonWidth, scale(kButtonHeight));
+        top += scale(kButtonHeight) + margin;
+    }
+    InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+// The face, the frame around it and the grip at the left, which invites to drag.
+void frmControl::Paint() {
+    PAINTSTRUCT paint{};
+    const HDC context = BeginPaint(Handle(), &paint);
+    RECT area{};
+    GetClientRect(Handle(), &area);
+    FillRect(context, &area, GetSysColorBrush(COLOR_BTNFACE));
+    const Metrics metrics(Handle());
+    for (int i = 0; i < metrics.Scale(kFrame); ++i) {
+        FrameRect(context, &area, GetSysColorBrush(COLOR_BTNSHADOW));
+        InflateRect(&area, -1, -1);
+    }
+    const int dot = metrics.Scale(2);
+    for (int y = metrics.Scale(6); y < metrics.Scale(kFoldedHeight - 6); y += 2 * dot) {
+        const RECT spot{metrics.Scale(3), y, metrics.Scale(3) + dot, y + dot};
+        FillRect(context, &spot, GetSysColorBrush(COLOR_BTNSHADOW));
+    }
+    EndPaint(Handle(), &paint);
+}
+
+// The left and right edges resize; nothing else of the window does.
+LRESULT frmControl::HitTest(LPARAM onScreen) const {
+    RECT bar{};
+    GetWindowRect(Handle(), &bar);
+    const int edge = Metrics(Handle()).Scale(kMargin);
+    if (GET_X_LPARAM(onScreen) < bar.left + edge) return HTLEFT;
+    if (GET_X_LPARAM(onScreen) >= bar.right - edge) return HTRIGHT;
+    return HTCLIENT;
+}
+
+LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_PAINT:
+            Paint();
+            return 0;
+        case WM_NCHITTEST:
+            return HitTest(lParam);
+        case WM_GETMINMAXINFO: {
+            MINMAXINFO& limits = *reinterpret_cast<MINMAXINFO*>(lParam);
+            const Metrics metrics(Handle());
+            limits.ptMinTrackSize = {metrics.Scale(kLeastWidth), 1};
+            return 0;
+        }
+        case WM_LBUTTONDOWN:
+            ReleaseCapture();
+            SendMessageW(Handle(), WM_NCLBUTTONDOWN, HTCAPTION, 0);
+            return 0;
+        case WM_KEYDOWN:
+            window_.pictureView_KeyDown(static_cast<int>(wParam), CurrentShiftState());
+            return 0;
+        case WM_SETCURSOR:
+            if (LOWORD(lParam) != HTCLIENT || !IsReadUnderWay() || player_.IsPlaying()) break;
+            SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+            return TRUE;
+        default:
+            break;
+    }
+    return Form::OnMessage(message, wParam, lParam);
+}
+
+// --- Keys ---
+
+bool frmControl::PassKeyOn(int keyCode, int shift) {
+    if (!IsKeyOfTheView(keyCode)) return false;
+    window_.pictureView_KeyDown(keyCode, shift);
+    return true;
+}
+
+// Tab goes from control to control, Alt and a letter to a button; a focused button takes Enter.
+bool frmControl::TakesMessage(MSG& message) const {
+    if (Handle() == nullptr || !IsChild(Handle(), message.hwnd)) return false;
+    const bool isKey = message.message == WM_KEYDOWN || message.message == WM_SYSCHAR;
+    const bool onButton = cmdOK_.HasFocus() || cmdDelList_.HasFocus() || cmdCancel_.HasFocus();
+    if (!isKey && !onButton) return false;
+    if (message.message == WM_KEYDOWN && message.wParam != VK_TAB && !onButton) return false;
+    return IsDialogMessageW(Handle(), &message) != FALSE;
+}
+
+}  // namespace tessary

@@ -1,0 +1,160 @@
+// The control bar: the list of files being viewed, the members of the archive among them, the
+// player's buttons and the delete list.
+//
+// The window has no caption: it is dragged by its body and folds up to its toolbar.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+
+#include "picture/show/member_list.h"
+#include "ui/control/player.h"
+#include "ui/control/toolbar_images.h"
+#include "ui/form/accelerators.h"
+#include "ui/form/form.h"
+#include "ui/form/list_box.h"
+#include "ui/form/simple_controls.h"
+#include "ui/form/toolbar.h"
+#include "ui/main/control_bar.h"
+#include "ui/main/frmMain.h"
+
+namespace tessary {
+
+class frmControl final : public Form, public ControlBar, public MemberList {
+  public:
+    // Heights of the window in pixels at 96 dpi.
+    static constexpr int kFoldedHeight = 28;
+    static constexpr int kUnfoldedHeight = 130;
+    static constexpr int kDeletePanelHeight = 270;
+
+    // The main window shows the pictures, owns the loaded bar and must outlive it.
+    explicit frmControl(frmMain& window);
+    ~frmControl() = default;
+
+    // Folded up to the toolbar. Setting it folds or unfolds; while files are being collected for
+    // deletion the window stays tall.
+    bool IsRollUp() const { return isRollUp_; }
+    void SetRollUp(bool rollUp);
+
+    // Loads the window if need be. The list takes the entries with an index up to 32001 that are
+    // not empty. False also while another list is being filled or a picture loaded.
+    bool SetFileList(std::span<const std::wstring> files) override;
+
+    // Selects the entry before or behind: of the archive's members first, then of the files,
+    // leaving out those of unknown kind. False when the selection has not moved there.
+    bool ListIndexBackOne();
+    bool ListIndexForwardOne();
+
+    // What a click on the toolbar's button does; a disabled button does nothing.
+    void CoolBar_ButtonClick(BarButton button);
+
+    // Whether the window is loaded.
+    bool boolFormLoaded() const { return formLoaded_; }
+
+    // ControlBar
+    void ClearLists() override;
+    void Press(BarButton button) override { CoolBar_ButtonClick(button); }
+    bool IsVisible() const override;
+    void SetVisible(bool visible) override;
+    void Unload() override;
+
+    // MemberList
+    void SetMembers(std::span<const ListedMember> members) override;
+
+    const ListBox& listFileName() const { return listFileName_; }
+    const ListBox& listArchiveFile() const { return listArchiveFile_; }
+    const ListBox& listDelete() const { return listDelete_; }
+    const TextBox& textFileInfo() const { return textFileInfo_; }
+    const Toolbar& CoolBar() const { return coolBar_; }
+    // Whether a click on the button does something now.
+    bool IsUsable(BarButton button) const;
+    BarButton PlayMode() const { return player_.PlayMode(); }
+
+  private:
+    class Busy;
+    class Burst;
+
+    // --- The window (frmControl.cpp) ---
+    void Form_Load() override;
+    void Form_QueryUnload(bool& cancel) override;
+    void Form_Unload() override;
+    void Form_Resize(int width, int height) override;
+    void Form_MetricsChanged() override;
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+    void CreateControls();
+    void ReadPlace();
+    void SavePlace();
+    void RollUp();
+    void RollDown();
+    void SetHeight(int pixelsAt96Dpi);
+    void ShowFoldedOrNot();
+    void Paint();
+    LRESULT HitTest(LPARAM onScreen) const;
+    void RegisterCommands();
+    bool PassKeyOn(int keyCode, int shift);
+    bool TakesMessage(MSG& message) const;
+
+    // --- The lists (frmControl_lists.cpp) ---
+    void FillFileList(std::span<const std::wstring> files);
+    void listFileName_Click();
+    void listArchiveFile_Click();
+    void ShowListedFile(const std::wstring& path);
+    void ShowListedMember();
+    void ShowNoArchive();
+    void TellFailure(const std::wstring& failure);
+    void TellInfo(const std::wstring& info);
+    void TellShown(const std::wstring& text);
+    void DisableParts();
+    void EnableParts(HWND focused);
+    void EndLoad();
+    void CloseIfAsked();
+    std::optional<int> FindKnown(int start, int step);
+
+    // --- The player (frmControl_player.cpp) ---
+    void StartMotion(BarButton motion);
+    void StopMotion();
+    void Step(BarButton button);
+    void SetDisplaySize(int sizeMode);
+    void CoolBar_ButtonDropDown(BarButton button, POINT below);
+    void SetImage(BarButton button, ToolbarImage image);
+    void ShowDisplaySizeImage();
+    void UpdateToolbar();
+    bool MayStep() const;
+
+    // --- The delete list (frmControl_delete.cpp) ---
+    void AddToDeleteList();
+    void OpenDeletePanel();
+    void CloseDeletePanel();
+    void listDelete_DblClick();
+    void cmdOK_Click();
+    void cmdDelList_Click();
+    void cmdCancel_Click();
+
+    frmMain& window_;
+    UniqueFont font_;
+    Toolbar coolBar_;
+    TextBox textFileInfo_;
+    ListBox listFileName_;
+    ListBox listArchiveFile_;
+    ListBox listDelete_;
+    Button cmdOK_;
+    Button cmdDelList_;
+    Button cmdCancel_;
+    bool isRollUp_ = false;
+    bool formLoaded_ = false;
+    bool unloading_ = false;
+    bool deletePanelOpen_ = false;
+    bool archiveShown_ = false;             // the member list belongs to the selected file
+    int busy_ = 0;                          // how many Busy there are
+    bool inBurst_ = false;                  // there is a Burst
+    std::optional<std::wstring> lateInfo_;  // what is to be told behind the burst
+    std::optional<std::wstring> lateShown_;
+    int stops_ = 0;  // how often the stop button was pressed
+    Player player_;
+    Accelerators accelerators_;
+    MessageFilter dialogKeys_;
+};
+
+}  // namespace tessary

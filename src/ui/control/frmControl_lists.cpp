@@ -1,0 +1,291 @@
+// The control bar's lists: filling them, what a click shows, and stepping.
+#include <algorithm>
+#include <utility>
+
+#include "app/base/error.h"
+#include "app/base/paths.h"
+#include "picture/show/modShowPicture.h"
+#include "picture/show/picture_text.h"
+#include "ui/control/frmControl_busy.h"
+#include "ui/form/message_loop.h"
+
+namespace tessary {
+namespace {
+
+constexpr size_t kLastFileIndex = 32000;  // the entry behind it is still taken
+constexpr size_t kFilesPerBreath = 100;
+constexpr size_t kAlwaysTold = 200;
+constexpr DWORD kBreathMilliseconds = 20;
+
+constexpr wchar_t kNotArchive[] = L"Not Archive File.";
+
+bool IsPlainFile(const std::wstring& path) {
+    return !path.empty() && PathExists(path) && !IsFolder(path);
+}
+
+}  // namespace
+
+// --- Being busy ---
+
+frmControl::Busy::Busy(frmControl& bar) : bar_(bar), focused_(GetFocus()) {
+    ++bar_.busy_;
+    if (bar_.inBurst_) return;
+    if (!bar_.player_.IsPlaying()) pointer_.emplace();
+    bar_.DisableParts();
+}
+
+frmControl::Busy::~Busy() {
+    if (--bar_.busy_ == 0 && !bar_.inBurst_) bar_.EnableParts(focused_);
+}
+
+frmControl::Burst::Burst(frmControl& bar)
+    : bar_(bar), focused_(GetFocus()), files_(bar.listFileName_), members_(bar.listArchiveFile_) {
+    bar_.inBurst_ = true;
+    bar_.listFileName_.SetEnabled(false);
+    bar_.listArchiveFile_.SetEnabled(false);
+}
+
+frmControl::Burst::~Burst() {
+    bar_.inBurst_ = false;
+    if (bar_.lateInfo_) bar_.TellInfo(*std::exchange(bar_.lateInfo_, {}));
+    if (bar_.lateShown_) bar_.TellShown(*std::exchange(bar_.lateShown_, {}));
+    bar_.EnableParts(focused_);
+}
+
+void frmControl::DisableParts() {
+    UpdateToolbar();
+    listFileName_.SetEnabled(false);
+    listArchiveFile_.SetEnabled(false);
+}
+
+void frmControl::EnableParts(HWND focused) {
+    if (Handle() == nullptr) return;
+    listFileName_.SetEnabled(true);
+    listArchiveFile_.SetEnabled(archiveShown_);
+    UpdateToolbar();
+    // A disabled list lost the focus to the bar; keys are to go on where they were.
+    if (GetFocus() == Handle() && IsWindowEnabled(focused)) ::SetFocus(focused);
+}
+
+void frmControl::TellInfo(const std::wstring& info) {
+    if (inBurst_) {
+        lateInfo_ = info;
+    } else {
+        textFileInfo_.SetText(info);
+    }
+}
+
+// In the main window's status bar.
+void frmControl::TellShown(const std::wstring& text) {
+    if (inBurst_) {
+        lateShown_ = text;
+    } else {
+        window_.SetPanelText(kShownFilePanel, text);
+    }
+}
+
+// --- Filling ---
+
+bool frmControl::SetFileList(std::span<const std::wstring> files) {
+    if (busy_ > 0 || !Load(window_.Handle())) return false;
+    FillFileList(files);
+    EndLoad();
+    if (Values().quitRequested || listFileName_.Count() == 0) return false;
+    SetVisible(true);
+    listFileName_.Select(0);
+    return true;
+}
+
+void frmControl::FillFileList(std::span<const std::wstring> files) {
+    const Busy busy(*this);
+    DoEvents();
+    listFileName_.Clear();
+    const RedrawHold hold(listFileName_);
+    const std::wstring total = std::to_wstring(static_cast<int64_t>(files.size()) - 1);
+    DWORD lastBreath = 0;
+    for (size_t i = 0; i < files.size() && !Values().quitRequested; ++i) {
+        if (!files[i].empty()) listFileName_.Add(files[i]);
+        // A long list counts faster than anybody reads, and telling would take longer than filling.
+        if (i % kFilesPerBreath == 0 &&
+            (i <= kAlwaysTold || GetTickCount() - lastBreath >= kBreathMilliseconds)) {
+            textFileInfo_.SetText(L"リストを更新中です [" + std::to_wstring(i) + L" / " + total +
+                                  L" ]");
+            DoEvents();
+            lastBreath = GetTickCount();
+        }
+        if (i > kLastFileIndex) break;
+    }
+    textFileInfo_.SetText({});
+}
+
+void frmControl::ClearLists() {
+    if (busy_ > 0) return;
+    listFileName_.Clear();
+    archiveShown_ = false;
+    listArchiveFile_.Clear();
+    listArchiveFile_.SetEnabled(false);
+}
+
+void frmControl::SetMembers(std::span<const ListedMember> members) {
+    const RedrawHold hold(listArchiveFile_);
+    listArchiveFile_.SetDimmed(false);
+    listArchiveFile_.Clear();
+    for (const ListedMember& member : members) {
+        listArchiveFile_.SetItemData(listArchiveFile_.Add(member.name), member.position);
+    }
+}
+
+void frmControl::ShowNoArchive() {
+    archiveShown_ = false;
+    listArchiveFile_.SetEnabled(false);
+    listArchiveFile_.MarkSelected(-1);
+    listArchiveFile_.Clear();
+    listArchiveFile_.Add(kNotArchive);
+    listArchiveFile_.SetDimmed(true);
+}
+
+// --- Showing ---
+
+// A load that is still running goes on: there is never a second one.
+void frmControl::listFileName_Click() {
+    if (busy_ > 0) return;
+    Values().pictureLoading = true;
+    archiveShown_ = false;
+    listArchiveFile_.Clear();
+    const int selected = listFileName_.Selected();
+    if (selected >= 0) {
+        const std::wstring path = listFileName_.Item(selected);
+        if (!IsPlainFile(path)) return;  // vanished; the flag stays
+        ShowListedFile(path);
+    }
+    EndLoad();
+}
+
+void frmControl::ShowListedFile(const std::wstring& path) {
+    const std::wstring name = FileNameOf(path);
+    ShownFile shown;
+    {
+        const Busy busy(*this);
+        TellInfo(kTagLoading + name);
+        shown = Trapped(ShownFile{}, [&] {
+            return ShowFile(path, window_, *this,
+                            player_.IsPlaying() ? OnFailure::kStaySilent : OnFailure::kTellUser);
+        });
+        std::wstring info = KindTag(shown.kind) + name;
+        if (IsPictureKind(shown.kind)) {
+            const std::wstring tail = PictureInfoTail();
+            info += tail;
+            window_.SetPictureSource({name, shown.pluginName});
+            TellShown(kTagShown + name + tail);
+        }
+        TellInfo(info);
+        TellFailure(shown.failure);
+        archiveShown_ = shown.kind == kFileArchive;
+    }
+    if (archiveShown_) {
+        if (listArchiveFile_.Count() > 0 && !Values().quitRequested) listArchiveFile_.Select(0);
+    } else {
+        ShowNoArchive();
+    }
+    window_.pictureView().Refresh();
+}
+
+void frmControl::listArchiveFile_Click() {
+    if (busy_ > 0 || !archiveShown_ || listArchiveFile_.Selected() < 0) return;
+    Values().pictureLoading = true;
+    ShowListedMember();
+    EndLoad();
+}
+
+void frmControl::ShowListedMember() {
+    const std::wstring archive = listFileName_.Item(listFileName_.Selected());
+    const std::wstring archiveName = FileNameOf(archive);
+    const int selected = listArchiveFile_.Selected();
+    const std::wstring member = FileNameOf(listArchiveFile_.Item(selected));
+    ShownFile shown;
+    {
+        const Busy busy(*this);
+        shown = Trapped(ShownFile{}, [&] {
+            return ShowArchiveMember(
+                archive, listArchiveFile_.ItemData(selected), window_,
+                player_.IsPlaying() ? OnFailure::kStaySilent : OnFailure::kTellUser);
+        });
+        window_.pictureView().Refresh();
+    }
+    std::wstring info = KindTag(kFileArchive) + archiveName + L" - " + KindTag(shown.kind) + member;
+    if (IsPictureKind(shown.kind)) {
+        const std::wstring tail = PictureInfoTail();
+        info += tail;
+        window_.SetPictureSource({member, shown.pluginName});
+        TellShown(kTagShown + archiveName + L" - " + member + archiveName + tail);
+    }
+    TellInfo(info);
+    TellFailure(shown.failure);
+}
+
+// Where no message box may stop the show, the status bar has the reason.
+void frmControl::TellFailure(const std::wstring& failure) {
+    if (!player_.IsPlaying()) return;
+    if (failure.empty() && window_.statusInformation().PanelText(kNoticePanel).empty()) return;
+    std::wstring line = failure;
+    std::replace(line.begin(), line.end(), L'\r', L' ');
+    std::erase(line, L'\n');
+    window_.SetPanelText(kNoticePanel, line);
+}
+
+void frmControl::EndLoad() {
+    Values().pictureLoading = false;
+    CloseIfAsked();
+}
+
+// The main window was closed meanwhile: it closes now. Posted, for the list that was clicked is
+// still at work below us.
+void frmControl::CloseIfAsked() {
+    if (Values().quitRequested && !IsReadUnderWay()) {
+        PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
+    }
+}
+
+// --- Stepping ---
+
+// The first entry of known kind from `start` on, in steps of 1 or -1; the index behind the end or
+// -1 when there is none; nothing when the user has stopped the search.
+std::optional<int> frmControl::FindKnown(int start, int step) {
+    const Busy busy(*this);
+    const int stops = stops_;
+    int index = start;
+    for (; index >= 0 && index < listFileName_.Count(); index += step) {
+        if (QueryFileKind(listFileName_.Item(index)) != kFileUnknown) break;
+        if (!window_.Breathe() || stops != stops_) return std::nullopt;
+    }
+    return index;
+}
+
+bool frmControl::ListIndexBackOne() {
+    if (busy_ > 0) return false;
+    if (archiveShown_ && listArchiveFile_.Selected() > 0) {
+        listArchiveFile_.Select(listArchiveFile_.Selected() - 1);
+        return true;
+    }
+    if (listFileName_.Selected() < 0) return false;
+    const std::optional<int> found = FindKnown(listFileName_.Selected() - 1, -1);
+    if (found) listFileName_.Select(*found);
+    CloseIfAsked();
+    return found && *found >= 0;
+}
+
+bool frmControl::ListIndexForwardOne() {
+    if (busy_ > 0) return false;
+    if (archiveShown_ && listArchiveFile_.Selected() < listArchiveFile_.Count() - 1) {
+        listArchiveFile_.Select(listArchiveFile_.Selected() + 1);
+        return true;
+    }
+    const int count = listFileName_.Count();
+    if (listFileName_.Selected() >= count - 1) return false;
+    const std::optional<int> found = FindKnown(listFileName_.Selected() + 1, 1);
+    if (found) listFileName_.Select(std::min(*found, count - 1));
+    CloseIfAsked();
+    return found && *found < count;
+}
+
+}  // namespace tessary

@@ -1,0 +1,147 @@
+// The control bar's toolbar: the player's buttons, display size, and what else it starts.
+#include <algorithm>
+
+#include "app/settings/modValue.h"
+#include "picture/show/modShowPicture.h"
+#include "res/resource.h"
+#include "ui/control/frmControl.h"
+#include "ui/control/toolbar_images.h"
+#include "ui/control/toolbar_items.h"
+#include "ui/form/menu.h"
+
+namespace tessary {
+namespace {
+
+// Whether the button could start a load, or change what is being loaded.
+bool IsOfPlayerGroup(BarButton button) {
+    switch (button) {
+        case BarButton::kStop:
+        case BarButton::kDisplaySize:
+        case BarButton::kFold:
+        case BarButton::kCancelDelete:
+            return false;
+        default:
+            return true;
+    }
+}
+
+// Whether the button would pull the list away from under a running motion.
+bool WaitsForTheEnd(BarButton button) {
+    return button == BarButton::kOpen || button == BarButton::kSave ||
+           button == BarButton::kDeleteList;
+}
+
+}  // namespace
+
+void frmControl::CoolBar_ButtonClick(BarButton button) {
+    if (!IsUsable(button)) return;
+    switch (button) {
+        case BarButton::kRewind:
+        case BarButton::kReversePlay:
+        case BarButton::kPlay:
+        case BarButton::kFastForward:
+            return StartMotion(button);
+        case BarButton::kStepBack:
+        case BarButton::kStepForward:
+            return Step(button);
+        case BarButton::kStop:
+            return StopMotion();
+        case BarButton::kDisplaySize:
+            return SetDisplaySize(Values().fixSizeValue >= kSizeModeScreen
+                                      ? kSizeModeOriginal
+                                      : Values().fixSizeValue + 1);
+        case BarButton::kOpen:
+            window_.Commands().Run(menuFileOpen);
+            return;
+        case BarButton::kSave:
+            window_.Commands().Run(menuFileSaveAs);
+            return;
+        case BarButton::kDeleteList:
+            return AddToDeleteList();
+        case BarButton::kFold:
+            return SetRollUp(!isRollUp_);
+        case BarButton::kCancelDelete:
+            return cmdCancel_Click();
+    }
+}
+
+void frmControl::StartMotion(BarButton motion) {
+    player_.Start(motion);
+    UpdateToolbar();
+    if (motion != BarButton::kRewind || !archiveShown_) return;
+    if (listArchiveFile_.Selected() > 0) listArchiveFile_.Select(listArchiveFile_.Selected() - 1);
+}
+
+void frmControl::StopMotion() {
+    ++stops_;
+    player_.Stop();
+    UpdateToolbar();
+}
+
+void frmControl::Step(BarButton button) {
+    player_.HaltTimer();
+    button == BarButton::kStepBack ? ListIndexBackOne() : ListIndexForwardOne();
+    Press(BarButton::kStop);
+}
+
+// Nothing moves while another window, a dialog or a message, has the program's attention.
+bool frmControl::MayStep() const {
+    return formLoaded_ && busy_ == 0 && !IsReadUnderWay() && !Values().quitRequested &&
+           IsWindowEnabled(window_.Handle());
+}
+
+void frmControl::SetDisplaySize(int sizeMode) {
+    Values().fixSizeValue = static_cast<int16_t>(sizeMode);
+    ShowDisplaySizeImage();
+    // A picture that is being loaded comes in the new size anyway.
+    if (!IsReadUnderWay()) DisplayCurrentPicture(window_);
+}
+
+void frmControl::SetImage(BarButton button, ToolbarImage image) {
+    coolBar_.SetImage(static_cast<int>(button), static_cast<int>(image));
+}
+
+void frmControl::ShowDisplaySizeImage() {
+    const int mode = std::clamp<int>(Values().fixSizeValue, kSizeModeOriginal, kSizeModeScreen);
+    SetImage(BarButton::kDisplaySize, SizeModeImage(mode));
+}
+
+void frmControl::CoolBar_ButtonDropDown(BarButton button, POINT below) {
+    const int resource = button == BarButton::kDisplaySize ? menuDisplaySizeWindow
+                         : button == BarButton::kOpen      ? menuOpenWindow
+                                                           : menuSaveWindow;
+    const UniqueMenu window = LoadMenuResource(resource);
+    const HMENU popup = GetSubMenu(window.Get(), 0);
+    window_.Commands().ShowState(popup);
+    const int chosen = TrackPopupMenuEx(popup, TPM_RETURNCMD | TPM_LEFTBUTTON, below.x, below.y,
+                                        Handle(), nullptr);
+    if (chosen != 0) window_.Commands().Run(chosen);
+}
+
+bool frmControl::IsUsable(BarButton button) const {
+    if ((busy_ > 0 || inBurst_) && IsOfPlayerGroup(button)) return false;
+    if (player_.IsPlaying() && WaitsForTheEnd(button)) return false;
+    switch (button) {
+        case BarButton::kOpen:
+            return window_.Commands().IsRegistered(menuFileOpen);
+        case BarButton::kSave:
+            return window_.Commands().IsRegistered(menuFileSaveAs);
+        case BarButton::kFold:
+            return !deletePanelOpen_;
+        case BarButton::kCancelDelete:
+            return deletePanelOpen_;
+        default:
+            return true;
+    }
+}
+
+void frmControl::UpdateToolbar() {
+    for (const ToolbarItem& item : ControlBarItems()) {
+        if (item.kind == ToolbarItem::Kind::kSeparator) continue;
+        const auto button = static_cast<BarButton>(item.index);
+        coolBar_.EnableButton(item.index, IsUsable(button));
+        coolBar_.CheckButton(item.index, player_.IsPlaying() && button == player_.PlayMode());
+    }
+}
+
+}  // namespace tessary

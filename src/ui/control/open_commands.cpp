@@ -1,0 +1,212 @@
+#include "ui/control/open_commands.h"
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "app/base/error.h"
+#include "app/base/message_box.h"
+#include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "app/settings/modValue.h"
+#include "plugin/modSusie.h"
+#include "res/resource.h"
+#include "ui/control/folder_scan.h"
+#include "ui/control/frmDirList.h"
+#include "ui/control/open_rules.h"
+#include "ui/dialogs/ComDlg.h"
+#include "ui/dialogs/DOpenForm.h"
+#include "ui/dialogs/folder_browser.h"
+#include "ui/dialogs/folder_listing.h"
+#include "ui/form/busy_pointer.h"
+#include "ui/form/task_modal.h"
+
+namespace tessary {
+namespace {
+
+// Without the read-only box, several files at once, path and files must exist, the present shape,
+// long names.
+constexpr DWORD kOpenFlags = 0x281A04;
+
+// A search that takes longer shows its progress window, in milliseconds.
+constexpr DWORD kProgressDelay = 500;
+// The caption and the progress window change no more often than that.
+constexpr DWORD kProgressInterval = 40;
+
+// The last folder that anything was opened from, kept with the settings. What a first run puts
+// there, the program's own folder, is where no pictures are.
+std::wstring LastFolder() {
+    const std::wstring& folder = Values().general.openPath;
+    return EqualsIgnoreCase(folder, RemoveBackslash(AppFolder())) ? std::wstring() : folder;
+}
+
+// Above the window that the command was given in: the main window or the control bar.
+HWND DialogOwner(const frmMain& window) {
+    const HWND active = GetActiveWindow();
+    return active != nullptr ? active : window.Handle();
+}
+
+std::wstring CaptionOf(HWND window) {
+    std::wstring caption(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    caption.resize(static_cast<size_t>(
+        GetWindowTextW(window, caption.data(), static_cast<int>(caption.size()))));
+    return caption;
+}
+
+// The main window while a folder is being opened: out of the user's reach, with the hourglass, and
+// with captions that tell how far things are. All as before in the end.
+class BusyWindow {
+  public:
+    explicit BusyWindow(HWND window) : window_(window), caption_(CaptionOf(window)) {}
+    BusyWindow(const BusyWindow&) = delete;
+    BusyWindow& operator=(const BusyWindow&) = delete;
+    ~BusyWindow() {
+        if (IsWindow(window_)) SetCaption(caption_);
+    }
+
+    void SetCaption(const std::wstring& caption) { SetWindowTextW(window_, caption.c_str()); }
+
+  private:
+    HWND window_;
+    std::wstring caption_;
+    BusyPointer pointer_;
+    TaskModal modal_{nullptr};
+};
+
+// Sets a flag for its own life.
+class Raised {
+  public:
+    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+    ~Raised() { flag_ = false; }
+
+  private:
+    bool& flag_;
+};
+
+struct Collected {
+    std::vector<std::wstring> files;
+    DWORD error = ERROR_SUCCESS;  // why the chosen folder could not be read
+};
+
+// What was found until the user stopped it; nothing is waited for once the program is to end.
+Collected CollectFiles(const ScanRequest& request, HWND owner, BusyWindow& busy) {
+    const ReadUnderWay read;
+    Collected collected;
+    bool stopped = false;
+    frmDirList progress([&stopped] { stopped = true; });
+    FolderScan scan(request);
+    const DWORD start = GetTickCount();
+    DWORD lastShown = start - kProgressInterval;
+    while (!scan.HasEnded() && !stopped) {
+        if (!scan.Wait(kProgressInterval) || Values().quitRequested) return {};
+        const DWORD now = GetTickCount();
+        if (now - lastShown < kProgressInterval) continue;
+        lastShown = now;
+        const ScanNews news = scan.Take(collected.files);
+        if (news.looked >= kScanStep) {
+            busy.SetCaption(L"ファイルを読み込み中です [ " +
+                            std::to_wstring(news.looked / kScanStep * kScanStep) + L" 枚]");
+        }
+        if (now - start < kProgressDelay) continue;
+        if (progress.Handle() == nullptr) progress.Show(owner);
+        progress.ShowProgress(news.folder, news.looked);
+    }
+    if (stopped) {
+        scan.Stop();
+    } else {
+        collected.error = scan.Error();
+    }
+    scan.Take(collected.files);
+    return collected;
+}
+
+void ReportError(std::wstring_view procedure) {
+    const RaisedError error = CurrentError();
+    ReportUnexpectedError(error.Number(), error.Description(), procedure);
+}
+
+}  // namespace
+
+OpenCommands::OpenCommands(frmMain& window, ControlBar& bar) : window_(window), bar_(bar) {
+    const auto enabled = [this] { return !isChoosing_; };
+    window_.Commands().Register(menuFileOpen,
+                                {.run = [this] { menuFileOpen_Click(); }, .enabled = enabled});
+    window_.Commands().Register(menuOpenFolder,
+                                {.run = [this] { menuOpenFolder_Click(); }, .enabled = enabled});
+}
+
+void OpenCommands::menuFileOpen_Click() {
+    if (isChoosing_ || IsReadUnderWay()) return;
+    try {
+        ComDlg dialog;
+        {
+            const Raised choosing(isChoosing_);
+            dialog.SetFilter(SusieCollection().GetCommonDialogString());
+            dialog.SetInitDir(LastFolder());
+            dialog.SetFlags(kOpenFlags);
+            if (!dialog.ShowOpen(DialogOwner(window_))) return;
+        }
+        const ChosenFiles chosen = FilesOfDialog(dialog.FileName());
+        if (chosen.paths.empty() || window_.Handle() == nullptr) return;
+        Values().general.openPath = chosen.folder;
+        bar_.SetFileList(chosen.paths);
+    } catch (...) {
+        ReportError(L"frmMain - menuFileOpen_Click");
+    }
+}
+
+void OpenCommands::menuOpenFolder_Click() {
+    if (isChoosing_ || IsReadUnderWay()) return;
+    try {
+        ScanRequest request;
+        {
+            const Raised choosing(isChoosing_);
+            if (!ChooseFolder(request)) return;
+        }
+        if (window_.Handle() == nullptr) return;  // the session has ended meanwhile
+        OpenFolder(request);
+    } catch (...) {
+        ReportError(L"frmMain - menuOpenFolder_Click");
+    }
+    // The window was closed during the search: now nothing keeps it open.
+    if (Values().quitRequested && !IsReadUnderWay()) window_.Unload();
+}
+
+// The system's dialog knows neither sub-folders nor extensions.
+bool OpenCommands::ChooseFolder(ScanRequest& request) const {
+    const HWND owner = DialogOwner(window_);
+    if (Values().general.openFolderType != 0) {
+        request.folder =
+            BrowseForFolder(owner, L"フォルダの参照",
+                            L"ファイルが存在するフォルダを指定してください。", LastFolder());
+        return !request.folder.empty();
+    }
+    DOpenForm form(L"フォルダを開く");
+    form.SetStartFolder(LastFolder());
+    if (!form.Show(owner)) return false;
+    request = {form.GetFileName(), form.GetSearchSubFolder(), form.GetFileExt()};
+    return !request.folder.empty();
+}
+
+void OpenCommands::OpenFolder(const ScanRequest& request) {
+    bar_.ClearLists();
+    Values().general.openPath = request.folder;
+    Collected collected;
+    {
+        BusyWindow busy(window_.Handle());
+        collected = CollectFiles(request, window_.Handle(), busy);
+        if (Values().quitRequested) return;
+        busy.SetCaption(L"ファイル一覧を作成しています");
+        bar_.SetVisible(true);
+        bar_.SetFileList(collected.files);
+    }
+    if (collected.error != ERROR_SUCCESS) {
+        ShowMessageBox(FolderErrorText(request.folder, collected.error), MB_ICONEXCLAMATION);
+    }
+}
+
+}  // namespace tessary

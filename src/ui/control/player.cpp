@@ -1,0 +1,71 @@
+#include "ui/control/player.h"
+
+#include "app/settings/modValue.h"
+
+namespace tessary {
+namespace {
+
+constexpr UINT kTickMilliseconds = 10;
+
+// How long fast motion may keep the message loop waiting.
+constexpr int32_t kBurstMilliseconds = 100;
+
+// Signed, so that the tick count may wrap around between the two.
+int32_t Elapsed(DWORD since, DWORD now) {
+    return static_cast<int32_t>(now - since);
+}
+
+}  // namespace
+
+void Player::Start(BarButton motion) {
+    playMode_ = motion;
+    // After weeks without a step the time since the last one would seem to lie ahead.
+    if (Elapsed(lastStep_, GetTickCount()) < 0) {
+        lastStep_ = GetTickCount() - static_cast<DWORD>(INT16_MAX) - 1;
+    }
+    timer1_.Start(kTickMilliseconds);
+}
+
+void Player::Stop() {
+    timer1_.Stop();
+    playMode_ = BarButton::kStop;
+}
+
+void Player::Timer1_Timer(DWORD now) {
+    if (!steps_.mayStep()) return;
+    switch (playMode_) {
+        case BarButton::kRewind:
+            return StepFast(steps_.back);
+        case BarButton::kReversePlay:
+            return StepTimed(steps_.back, now);
+        case BarButton::kPlay:
+            return StepTimed(steps_.forward, now);
+        case BarButton::kFastForward:
+            return StepFast(steps_.forward);
+        default:
+            return;
+    }
+}
+
+// Loading sets the pace: small pictures follow each other without waiting for the next tick.
+void Player::StepFast(const std::function<bool()>& step) const {
+    const DWORD start = GetTickCount();
+    const BarButton mode = playMode_;
+    bool moved = true;
+    steps_.inBurst([&] {
+        while (moved && playMode_ == mode && steps_.mayStep() &&
+               Elapsed(start, GetTickCount()) < kBurstMilliseconds) {
+            moved = step();
+        }
+    });
+    if (!moved) steps_.atEnd();
+}
+
+void Player::StepTimed(const std::function<bool()>& step, DWORD now) {
+    if (Elapsed(lastStep_, now) <= Values().general.slideShowTime) return;
+    const bool moved = step();
+    if (!moved) steps_.atEnd();
+    lastStep_ = GetTickCount();  // the pause counts from the end of loading
+}
+
+}  // namespace tessary

@@ -1,0 +1,38 @@
+// The images of the control bar's buttons.
+#pragma once
+
+#include "ui/form/vector_image.h"
+
+namespace tessary {
+
+// Numbered as the toolbar counts its images.
+enum class ToolbarImage {
+    kRewind = 1,
+    kReversePlay,
+    kStepBack,
+    kStop,
+    kStepForward,
+    kPlay,
+    kFastForward,
+    kOriginalSize,
+    kSmallSize,
+    kMediumSize,
+    kLargeSize,
+    kScreenSize,
+    kOpen,
+    kSave,
+    kAddToDeleteList,
+    kCancelDelete,
+    kFold,    // the bar is unfolded
+    kUnfold,  // the bar is folded
+};
+constexpr int kToolbarImageCount = static_cast<int>(ToolbarImage::kUnfold);
+
+// The image of a display size mode, 0 to 4.
+constexpr ToolbarImage SizeModeImage(int mode) {
+    return static_cast<ToolbarImage>(static_cast<int>(ToolbarImage::kOriginalSize) + mode);
+}
+
+ArgbImage DrawToolbarImage(ToolbarImage image, const ImageLook& look);
+
+}  // namespace tessary

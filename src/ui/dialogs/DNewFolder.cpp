@@ -1,0 +1,82 @@
+#include "ui/dialogs/DNewFolder.h"
+
+#include <algorithm>
+
+#include "app/base/message_box.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "res/resource.h"
+
+namespace tessary {
+namespace {
+
+// Names of devices, which stay the devices' with any extension (Naming Files in the system's
+// documentation).
+bool IsDeviceName(const std::wstring& name) {
+    const std::wstring stem = ToUpper(TrimSpaces(name.substr(0, name.find(L'.'))));
+    for (const wchar_t* const device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"}) {
+        if (stem == device) return true;
+    }
+    return stem.size() == 4 && (stem.starts_with(L"COM") || stem.starts_with(L"LPT")) &&
+           std::wstring_view(L"123456789¹²³").find(stem.back()) != std::wstring_view::npos;
+}
+
+std::wstring CreationErrorText(const std::wstring& folder, DWORD error) {
+    switch (error) {
+        case ERROR_ALREADY_EXISTS:
+        case ERROR_FILE_EXISTS:
+            return L"同じ名前のフォルダまたはファイルがあります。\r\n" + folder;
+        case ERROR_ACCESS_DENIED:
+        case ERROR_WRITE_PROTECT:
+            return L"ここにフォルダを作成する権限がありません。\r\n" + folder;
+        default:
+            return L"フォルダを作成できません。(エラー " + std::to_wstring(error) + L")\r\n" +
+                   folder;
+    }
+}
+
+}  // namespace
+
+bool IsFileName(const std::wstring& name) {
+    const auto isRefused = [](wchar_t character) {
+        return character < L' ' ||
+               std::wstring_view(LR"(\/:*?"<>|)").find(character) != std::wstring_view::npos;
+    };
+    return !name.empty() && name.size() <= 255 && name.back() != L'.' && name.back() != L' ' &&
+           std::none_of(name.begin(), name.end(), isRefused) && !IsDeviceName(name);
+}
+
+DNewFolder::DNewFolder() : Dialog(dialogNewFolder) {}
+
+std::wstring DNewFolder::Make(HWND owner, const std::wstring& parent) {
+    parent_ = parent.ends_with(L'\\') ? parent : parent + L'\\';
+    made_.clear();
+    ShowModal(owner);
+    return made_;
+}
+
+void DNewFolder::Dialog_Load() {
+    textName_.Attach(Handle(), newFolderName);
+    textName_.SetText(L"新しいフォルダ");
+}
+
+void DNewFolder::Dialog_OK() {
+    const std::wstring name(TrimSpaces(textName_.Text()));
+    const std::wstring folder = parent_ + name;
+    std::wstring problem;
+    if (!IsFileName(name)) {
+        problem =
+            L"この名前は使えません。\r\n"
+            LR"(次の文字と、末尾の . は使えません:  \ / : * ? " < > |)";
+    } else if (!CreateDirectoryW(ExtendedPath(folder).c_str(), nullptr)) {
+        problem = CreationErrorText(folder, GetLastError());
+    } else {
+        made_ = folder;
+        Close(IDOK);
+        return;
+    }
+    ShowMessageBox(problem, MB_ICONEXCLAMATION);
+    SendMessageW(Handle(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(textName_.Handle()), TRUE);
+}
+
+}  // namespace tessary

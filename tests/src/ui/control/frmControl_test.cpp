@@ -1,0 +1,293 @@
+// The real control bar and main window over real files, decoded by the finished program's helper
+// libraries and by test plug-ins.
+#include "ui/control/frmControl.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "app/settings/settings_store.h"
+#include "picture/current_picture.h"
+#include "plugin/modSusie.h"
+#include "res/resource.h"
+#include "tests/plugins/test_plugins.h"
+#include "tests/support/bitmap_image.h"
+#include "tests/support/helper_libraries.h"
+#include "tests/support/recorded_messages.h"
+#include "tests/support/redirected_settings.h"
+#include "tests/support/temporary_folder.h"
+#include "ui/form/message_loop.h"
+
+namespace tessary {
+namespace {
+
+using List = std::vector<std::wstring>;
+
+constexpr wchar_t kNotArchive[] = L"Not Archive File.";
+
+List Items(const ListBox& list) {
+    List items;
+    for (int i = 0; i < list.Count(); ++i)
+        items.push_back(list.Item(i));
+    return items;
+}
+
+class ControlBarTest : public testing::Test {
+  protected:
+    static void SetUpTestSuite() { test::LoadHelperLibraries(); }
+
+    void SetUp() override {
+        Values().general.useSPI = 1;
+        SusieCollection().AddSPI(test::TestPluginPath(L"iftst.spi"));
+        SusieCollection().AddSPI(test::TestPluginPath(L"axtsa.spi"));
+        SaveSetting(L"Window", L"ControlBar_X", L"0");
+        window_.SetControlBar(bar_);
+        ASSERT_TRUE(window_.Load());
+        ASSERT_TRUE(bar_.Load(window_.Handle()));
+    }
+
+    void TearDown() override {
+        Values().readsUnderWay = 0;
+        window_.Unload();
+        DoEvents();
+        UnloadSPI();
+    }
+
+    std::wstring Bitmap(const std::wstring& name, int width = 8) {
+        return folder_.Write(name, test::BitmapFileOf(width, 6, RGB(1, 2, 3)));
+    }
+    std::wstring Archive(const std::wstring& name) {
+        return folder_.Write(name,
+                             "TSA\n"
+                             "member\t13\t\tb10.tst\nmember\t12\t\tb9.tst\n"
+                             "member\t6\t\treadme.txt\n\n"
+                             "TST 10x4x24\n\nTST 9x4x24\n\nhello\n");
+    }
+    std::wstring Panel() const { return window_.statusInformation().PanelText(kShownFilePanel); }
+    std::wstring Info() const { return bar_.textFileInfo().Text(); }
+    int Selected() const { return bar_.listFileName().Selected(); }
+    // A user's click on an entry of a list.
+    static void Click(const ListBox& list, int index) {
+        SendMessageW(list.Handle(), LB_SETCURSEL, static_cast<WPARAM>(index), 0);
+        SendMessageW(GetParent(list.Handle()), WM_COMMAND, MAKEWPARAM(0, LBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(list.Handle()));
+    }
+    // Handles messages until the condition holds; false when it does not within ten seconds.
+    static bool RunUntil(const std::function<bool()>& condition) {
+        const DWORD start = GetTickCount();
+        while (!condition()) {
+            if (GetTickCount() - start > 10000) return false;
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+            DoEvents();
+        }
+        return true;
+    }
+    int HeightAt96Dpi() const {
+        RECT frame{};
+        GetWindowRect(bar_.Handle(), &frame);
+        return MulDiv(frame.bottom - frame.top, 96, Metrics(bar_.Handle()).Dpi());
+    }
+
+    test::RedirectedSettings settings_;
+    test::RecordedMessages messages_;
+    test::TemporaryFolder folder_;
+    frmMain window_{{.commandLine = {}, .pluginCount = [] { return 2; }, .endProgram = {}}};
+    frmControl bar_{window_};
+};
+
+class FileListTest : public ControlBarTest {};
+class StepTest : public ControlBarTest {};
+class PlayerTest : public ControlBarTest {};
+class DeleteListTest : public ControlBarTest {};
+class FoldTest : public ControlBarTest {};
+
+TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
+    const List files{Bitmap(L"一.bmp"), Archive(L"書庫.tsa"), folder_.Write(L"x.txt", "text")};
+    EXPECT_FALSE(bar_.SetFileList({}));
+    EXPECT_FALSE(bar_.IsVisible());
+    EXPECT_TRUE(bar_.SetFileList(files));
+    EXPECT_TRUE(bar_.IsVisible());
+    EXPECT_EQ(Items(bar_.listFileName()), files);
+    EXPECT_EQ(Info(), L"[画像] 一.bmp ( 8×6 24bit )");
+    EXPECT_EQ(Panel(), L"[表示中] 一.bmp ( 8×6 24bit )");
+    EXPECT_EQ(Items(bar_.listArchiveFile()), List{kNotArchive});
+    EXPECT_FALSE(bar_.listArchiveFile().IsEnabled());
+
+    Click(bar_.listFileName(), 1);
+    EXPECT_EQ(Items(bar_.listArchiveFile()), (List{L"b9.tst", L"b10.tst", L"readme.txt"}));
+    EXPECT_TRUE(bar_.listArchiveFile().IsEnabled());
+    EXPECT_EQ(Info(), L"[圧縮] 書庫.tsa - [画像] b9.tst ( 9×4 24bit )");
+    EXPECT_EQ(Panel(), L"[表示中] 書庫.tsa - b9.tst書庫.tsa ( 9×4 24bit )");
+    Click(bar_.listArchiveFile(), 2);
+    EXPECT_EQ(Info(), L"[圧縮] 書庫.tsa - [未知] readme.txt");
+
+    Click(bar_.listFileName(), 2);
+    EXPECT_EQ(Info(), L"[未知] x.txt");
+    EXPECT_FALSE(Values().pictureLoading);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(FileListTest, TakesTheEntriesUpToTheLimitAndLeavesOutEmptyOnes) {
+    List files(32100, folder_.Path() + L"gone.bmp");
+    files[1].clear();
+    files.back() = L"beyond";
+    // The list was filled although nothing can be shown; what vanished leaves the flag.
+    EXPECT_TRUE(bar_.SetFileList(files));
+    EXPECT_EQ(bar_.listFileName().Count(), 32001);
+    EXPECT_TRUE(Values().pictureLoading);
+    // The window can be closed nevertheless.
+    const HWND main = window_.Handle();
+    window_.Unload();
+    EXPECT_FALSE(IsWindow(main));
+}
+
+TEST_F(FileListTest, ClosingDuringALoadClosesWhenItEnds) {
+    const HWND main = window_.Handle();
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), folder_.Write(L"2.tst", "TST 8x50x24\nprogress:9\n")});
+    Sleep(25);  // so long a load keeps the messages waiting
+    PostMessageW(main, WM_CLOSE, 0, 0);
+    Click(bar_.listFileName(), 1);
+    EXPECT_TRUE(Values().quitRequested);
+    EXPECT_TRUE(IsWindow(main));
+    EXPECT_TRUE(RunUntil([&] { return !IsWindow(main); }));
+    EXPECT_EQ(bar_.Handle(), nullptr);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(StepTest, LeavesOutUnknownFilesAndTreatsTheEndsDifferently) {
+    const std::wstring text = folder_.Write(L"a.txt", "text");
+    const List files{text, Bitmap(L"1.bmp"), text, Archive(L"2.tsa"), Bitmap(L"3.bmp"), text};
+    bar_.SetFileList(files);
+    for (const int expected : {1, 3, 3, 3, 4}) {
+        EXPECT_TRUE(bar_.ListIndexForwardOne());
+        EXPECT_EQ(Selected(), expected);
+    }
+    EXPECT_FALSE(bar_.ListIndexForwardOne());
+    EXPECT_EQ(Selected(), 5);  // the last, although unknown
+    EXPECT_FALSE(bar_.ListIndexForwardOne());
+    for (const int expected : {4, 3, 1}) {
+        EXPECT_TRUE(bar_.ListIndexBackOne());
+        EXPECT_EQ(Selected(), expected);
+    }
+    EXPECT_FALSE(bar_.ListIndexBackOne());
+    EXPECT_EQ(Selected(), -1);
+    EXPECT_FALSE(bar_.ListIndexBackOne());
+    EXPECT_TRUE(bar_.ListIndexForwardOne());
+    EXPECT_EQ(Selected(), 1);
+}
+
+TEST_F(PlayerTest, PlaysToTheEndAndStops) {
+    Values().general.slideShowTime = 0;
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), Archive(L"2.tsa"), Bitmap(L"3.bmp")});
+    bar_.Press(BarButton::kPlay);
+    EXPECT_FALSE(bar_.CoolBar().IsButtonEnabled(static_cast<int>(BarButton::kDeleteList)));
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kPlay);
+    EXPECT_TRUE(RunUntil([&] { return bar_.PlayMode() == BarButton::kStop; }));
+    EXPECT_EQ(Selected(), 2);
+    EXPECT_TRUE(bar_.CoolBar().IsButtonEnabled(static_cast<int>(BarButton::kDeleteList)));
+    bar_.Press(BarButton::kRewind);
+    EXPECT_TRUE(RunUntil([&] { return bar_.PlayMode() == BarButton::kStop; }));
+    EXPECT_EQ(Selected(), -1);
+}
+
+TEST_F(PlayerTest, StepsStopTheShowAndFailuresDoNot) {
+    Values().general.slideShowTime = 0;
+    const std::wstring broken = folder_.Write(L"b.tst", "TST 8x8x24\ncrash:av:GetPicture\n");
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), broken, broken, Bitmap(L"4.bmp", 16)});
+    bar_.Press(BarButton::kFastForward);
+    EXPECT_TRUE(RunUntil([&] { return Selected() == 3; }));
+    EXPECT_TRUE(messages_.All().empty());
+    EXPECT_TRUE(RunUntil([&] { return bar_.PlayMode() == BarButton::kStop; }));
+    EXPECT_EQ(Info(), L"[画像] 4.bmp ( 16×6 24bit )");
+    bar_.Press(BarButton::kReversePlay);
+    bar_.Press(BarButton::kStepBack);
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
+    EXPECT_EQ(messages_.All().size(), 1u);  // without a show the user is told
+    EXPECT_EQ(Selected(), 2);
+}
+
+TEST_F(PlayerTest, DisplaySizesGoRound) {
+    Values().fixSizeValue = 3;
+    bar_.SetFileList(List{Bitmap(L"1.bmp")});
+    for (const int expected : {4, 0, 1}) {
+        bar_.Press(BarButton::kDisplaySize);
+        EXPECT_EQ(Values().fixSizeValue, expected);
+    }
+    EXPECT_EQ(window_.pictureView().PictureSize().cx, 640);  // at once, not with the next file
+}
+
+TEST_F(DeleteListTest, MovesFilesOutAndBack) {
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(messages_.Only(),
+              L"ファイルが選択されていません。削除するファイルをリストから選んでください。");
+    const List files{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp")};
+    bar_.SetFileList(files);
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(HeightAt96Dpi(), 270);
+    EXPECT_FALSE(bar_.CoolBar().IsButtonEnabled(static_cast<int>(BarButton::kFold)));
+    EXPECT_EQ(Selected(), 0);  // the next one is up
+    EXPECT_EQ(Info(), L"[画像] 2.bmp ( 8×6 24bit )");
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(Items(bar_.listDelete()), (List{files[0], files[1]}));
+
+    SendMessageW(bar_.listDelete().Handle(), LB_SETCURSEL, 0, 0);
+    SendMessageW(bar_.Handle(), WM_COMMAND, MAKEWPARAM(0, LBN_DBLCLK),
+                 reinterpret_cast<LPARAM>(bar_.listDelete().Handle()));
+    EXPECT_EQ(Items(bar_.listFileName()), (List{files[2], files[0]}));
+    bar_.Press(BarButton::kCancelDelete);
+    EXPECT_EQ(Items(bar_.listFileName()), (List{files[2], files[0], files[1]}));
+    EXPECT_EQ(HeightAt96Dpi(), 130);
+    EXPECT_TRUE(bar_.CoolBar().IsButtonEnabled(static_cast<int>(BarButton::kFold)));
+}
+
+TEST_F(DeleteListTest, DeletesAndLetsTheUserDecideAboutFailures) {
+    const List files{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp")};
+    SetFileAttributesW(files[2].c_str(), FILE_ATTRIBUTE_READONLY);
+    bar_.SetFileList(files);
+    for (size_t i = 0; i < files.size(); ++i)
+        bar_.Press(BarButton::kDeleteList);
+    UniqueFile locked(CreateFileW(files[1].c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                  OPEN_EXISTING, 0, nullptr));
+    std::vector<int> answers{IDIGNORE, IDOK};  // from the last one on
+    std::vector<unsigned> styles;
+    SetMessageBoxResponder([&](const std::wstring&, unsigned style, const std::wstring&) {
+        styles.push_back(style);
+        const int answer = answers.back();
+        if (answer == IDRETRY) locked.Reset();
+        if (answers.size() > 1) answers.pop_back();
+        return answer;
+    });
+    const HWND cmdOK = FindWindowExW(bar_.Handle(), nullptr, L"BUTTON", L"ディスクから削除(&D)");
+    const auto pressOK = [&] { SendMessageW(cmdOK, BM_CLICK, 0, 0); };
+    pressOK();
+    EXPECT_EQ(styles, (std::vector<unsigned>{65, 18}));
+    EXPECT_EQ(Items(bar_.listDelete()), List{files[1]});
+    EXPECT_FALSE(std::filesystem::exists(files[2]));
+    EXPECT_EQ(HeightAt96Dpi(), 270);
+    answers = {IDRETRY, IDOK};
+    pressOK();
+    EXPECT_FALSE(std::filesystem::exists(files[1]));
+    EXPECT_EQ(HeightAt96Dpi(), 130);
+}
+
+TEST_F(FoldTest, StateAndPlaceAreKept) {
+    EXPECT_EQ(HeightAt96Dpi(), 130);
+    bar_.Press(BarButton::kFold);
+    EXPECT_EQ(HeightAt96Dpi(), 28);
+    EXPECT_FALSE(IsWindowVisible(bar_.listFileName().Handle()));
+    SetWindowPos(bar_.Handle(), nullptr, 40, 60, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    bar_.Unload();
+    EXPECT_EQ(GetSetting(L"Window", L"ControlBarRollUP"), L"True");
+    EXPECT_EQ(GetSetting(L"Window", L"ControlBar_X"), L"600");
+    EXPECT_EQ(GetSetting(L"Window", L"ControlBar_Y"), L"900");
+    SaveSetting(L"Window", L"ControlBar_X", L"-50");
+    ASSERT_TRUE(bar_.Load(window_.Handle()));
+    RECT frame{};
+    GetWindowRect(bar_.Handle(), &frame);
+    EXPECT_EQ(frame.left, 0);
+    EXPECT_EQ(frame.top, 60);
+    EXPECT_EQ(HeightAt96Dpi(), 28);
+}
+
+}  // namespace
+}  // namespace tessary

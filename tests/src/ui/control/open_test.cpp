@@ -1,0 +1,276 @@
+// Opening files and folders: which files, in which order, and the window meanwhile.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/base/error.h"
+#include "app/base/handles.h"
+#include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
+#include "tests/src/ui/main/main_window.h"
+#include "tests/support/temporary_folder.h"
+#include "ui/control/folder_scan.h"
+#include "ui/control/frmDirList.h"
+#include "ui/control/open_commands.h"
+#include "ui/control/open_rules.h"
+#include "ui/dialogs/ComDlg.h"
+#include "ui/dialogs/folder_browser.h"
+
+namespace tessary::test {
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+TEST(OpenRulesTest, SplitsAndFilters) {
+    Texts pieces;
+    EXPECT_EQ(SplitText(L"a,,b,", L',', pieces), 4);
+    EXPECT_EQ(pieces, (Texts{L"a", L"", L"b", L""}));
+    EXPECT_EQ(SplitText(L"", L',', pieces), 1);
+    EXPECT_EQ(SplitText(L"aĀb", 0x100, pieces), 0);
+    EXPECT_TRUE(pieces.empty());
+
+    const auto wanted = [](const wchar_t* extensions) {
+        const ExtensionFilter filter(extensions);
+        std::wstring names;
+        for (const wchar_t* const name : {L"a.BMP", L"b.Jpg", L"c.png", L"d", L"e.x\\f"}) {
+            if (filter.Wants(name)) names += name[0];
+        }
+        return names;
+    };
+    EXPECT_EQ(wanted(L"bmp jpg"), L"ab");
+    EXPECT_EQ(wanted(L"bmp  PNG"), L"acde");
+    EXPECT_EQ(wanted(L""), L"abcde");
+    EXPECT_EQ(wanted(L"*.bmp .jpg"), L"ab");
+    EXPECT_EQ(wanted(L"*.*"), L"abcde");
+}
+
+// Takes lists as the control bar does.
+class TakingBar final : public ControlBar {
+  public:
+    bool SetFileList(std::span<const std::wstring> files) override {
+        lists.emplace_back(files.begin(), files.end());
+        if (onSetFileList) onSetFileList();
+        return !files.empty();
+    }
+    void ClearLists() override {}
+    void Press(BarButton) override {}
+    bool IsVisible() const override { return visible; }
+    void SetVisible(bool show) override { visible = show; }
+    void Unload() override {}
+
+    std::vector<Texts> lists;
+    std::function<void()> onSetFileList;
+    bool visible = false;
+};
+
+// A tree of the shape A\B\D, A\C.
+class OpenTest : public MainWindowTest {
+  protected:
+    OpenTest() {
+        for (const wchar_t* const name : {LR"(B\b.jpg)", LR"(B\D\d.bmp)", LR"(C\c.bmp)", L"a.bmp",
+                                          L"readme", LR"(hidden\h.bmp)", L"system.bmp"}) {
+            folder_.Write(name);
+        }
+        SetFileAttributesW((folder_.Path() + L"hidden").c_str(), FILE_ATTRIBUTE_HIDDEN);
+        SetFileAttributesW((folder_.Path() + L"system.bmp").c_str(), FILE_ATTRIBUTE_SYSTEM);
+    }
+
+    void SetUp() override {
+        window_.SetControlBar(bar_);
+        Load();
+        Values().general.openFolderType = 1;
+        SetFolderBrowserResponder([this](const std::wstring& title, const std::wstring& prompt,
+                                         const std::wstring& start) {
+            asked_ = {title, prompt, start};
+            return RemoveBackslash(folder_.Path());
+        });
+    }
+
+    void TearDown() override {
+        SetFileDialogResponder({});
+        SetFolderBrowserResponder({});
+        MainWindowTest::TearDown();
+    }
+
+    Texts Full(const Texts& names) const {
+        Texts paths;
+        for (const std::wstring& name : names) {
+            paths.push_back(folder_.Path() + name);
+        }
+        return paths;
+    }
+
+    std::wstring Caption() const {
+        wchar_t caption[256] = {};
+        GetWindowTextW(window_.Handle(), caption, 256);
+        return caption;
+    }
+
+    TemporaryFolder folder_;
+    Texts asked_;
+    TakingBar bar_;
+    OpenCommands commands_{window_, bar_};
+};
+
+// Whether a folder `link` now leads to `target`, by the means of this system.
+bool MakeLink(const std::wstring& link, const std::wstring& target) {
+    std::wstring command = LR"(cmd /c mklink /J ")" + link + LR"(" ")" + target + L'"';
+    if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr) {
+        const auto native = [](const std::wstring& path) {
+            using Name = char*(CDECL*)(const wchar_t*);
+            const auto name = reinterpret_cast<Name>(reinterpret_cast<void*>(
+                GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+            char* const bytes = name(path.c_str());
+            std::wstring result(bytes, bytes + strlen(bytes));
+            HeapFree(GetProcessHeap(), 0, bytes);
+            return result;
+        };
+        command = LR"(\\?\unix\bin\ln -s )" + native(target) + L' ' + native(link);
+    }
+    STARTUPINFOW start{};
+    start.cb = sizeof(start);
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
+                        nullptr, &start, &process)) {
+        return false;
+    }
+    for (int turn = 0; turn < 500 && !IsFolder(link); ++turn)
+        Sleep(10);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return IsFolder(link);
+}
+
+TEST_F(OpenTest, WalksLevelByLevelAndListsNothingTwice) {
+    ASSERT_TRUE(MakeLink(folder_.Path() + LR"(C\loop)", RemoveBackslash(folder_.Path())));
+    ASSERT_TRUE(MakeLink(folder_.Path() + LR"(C\other)", folder_.Path() + L"B"));
+    const auto scan = [&](bool subFolders, const wchar_t* extensions) {
+        FolderScan running({folder_.Path(), subFolders, extensions});
+        while (!running.HasEnded())
+            running.Wait(1000);
+        Texts files;
+        running.Take(files);
+        EXPECT_EQ(running.Error(), 0U);
+        return files;
+    };
+    // Within one folder the order is the system's.
+    Texts all = scan(true, L"");
+    ASSERT_EQ(all.size(), 5U);
+    std::sort(all.begin(), all.begin() + 2);
+    EXPECT_EQ(all, Full({L"a.bmp", L"readme", LR"(B\b.jpg)", LR"(C\c.bmp)", LR"(B\D\d.bmp)"}));
+    EXPECT_EQ(scan(true, L"BMP"), Full({L"a.bmp", LR"(C\c.bmp)", LR"(B\D\d.bmp)"}));
+    EXPECT_EQ(scan(false, L"bmp"), Full({L"a.bmp"}));
+
+    const auto ignore = [](ScanNews&&) { return true; };
+    EXPECT_NE(ScanFolders({folder_.Path() + L"vanished", true, {}}, ignore), 0U);
+    RemoveDirectoryW((folder_.Path() + LR"(C\loop)").c_str());
+    RemoveDirectoryW((folder_.Path() + LR"(C\other)").c_str());
+}
+
+TEST_F(OpenTest, StoppedScanEndsAtOnceAndKeepsWhatItHas) {
+    constexpr size_t kFiles = 1500;
+    const std::wstring many = FolderOf(folder_.Write(LR"(many\0)"));
+    for (size_t file = 1; file < kFiles; ++file) {
+        UniqueFile(CreateFileW((many + std::to_wstring(file)).c_str(), GENERIC_WRITE, 0, nullptr,
+                               CREATE_NEW, 0, nullptr));
+    }
+    size_t told = 0;
+    ScanFolders({many, false, {}}, [&](ScanNews&& news) {
+        told += news.files.size();
+        return news.looked < 3 * kScanStep;
+    });
+    EXPECT_EQ(told, 3 * kScanStep);
+
+    FolderScan scan({many, false, {}});
+    scan.Stop();
+    EXPECT_TRUE(scan.HasEnded());
+    Texts files;
+    scan.Take(files);
+    EXPECT_LT(files.size(), kFiles);
+    EXPECT_EQ(files.size() % kScanStep, 0U);
+
+    // The user closes the window meanwhile: no list any more, and the window goes.
+    SetFolderBrowserResponder(
+        [&](const auto&, const auto&, const auto&) { return std::wstring(many); });
+    PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
+    commands_.menuOpenFolder_Click();
+    EXPECT_TRUE(bar_.lists.empty());
+    EXPECT_EQ(window_.Handle(), nullptr);
+    EXPECT_EQ(ended_, 1);
+
+    int stops = 0;
+    frmDirList progress([&stops] { ++stops; });
+    ASSERT_TRUE(progress.Show(nullptr));
+    PostMessageW(progress.Handle(), WM_KEYDOWN, VK_ESCAPE, 0);
+    DoEvents();
+    EXPECT_EQ(stops, 1);
+}
+
+TEST_F(OpenTest, FolderFillsTheListWhileTheWindowIsBusy) {
+    std::wstring captionDuring;
+    bool enabledDuring = true;
+    bool readDuring = true;
+    bar_.onSetFileList = [&] {
+        captionDuring = Caption();
+        enabledDuring = IsWindowEnabled(window_.Handle()) != FALSE;
+        readDuring = IsReadUnderWay();
+    };
+    window_.Show();
+    const std::wstring caption = Caption();
+    Choose(menuOpenFolder);
+    EXPECT_EQ(asked_,
+              (Texts{L"フォルダの参照", L"ファイルが存在するフォルダを指定してください。", L""}));
+    ASSERT_EQ(bar_.lists.size(), 1U);
+    EXPECT_EQ(bar_.lists[0].size(), 2U);
+    EXPECT_TRUE(bar_.visible);
+    EXPECT_EQ(captionDuring, L"ファイル一覧を作成しています");
+    EXPECT_FALSE(enabledDuring);
+    EXPECT_FALSE(readDuring);  // else the list would refuse to be filled
+    EXPECT_EQ(Caption(), caption);
+    EXPECT_TRUE(IsWindowEnabled(window_.Handle()));
+    EXPECT_EQ(GetActiveWindow(), window_.Handle());
+    EXPECT_EQ(AddBackslash(Values().general.openPath), folder_.Path());
+
+    // What goes wrong is reported, and the window is back all the same.
+    bar_.onSetFileList = [] { throw RaisedError(7, L"メモリ"); };
+    Choose(menuOpenFolder);
+    EXPECT_NE(messages_.Only().find(L"menuOpenFolder_Click"), std::wstring::npos);
+    EXPECT_TRUE(IsWindowEnabled(window_.Handle()));
+    EXPECT_EQ(Caption(), caption);
+
+    const ReadUnderWay other;
+    Choose(menuOpenFolder);
+    EXPECT_EQ(bar_.lists.size(), 2U);
+}
+
+TEST_F(OpenTest, FilesOfTheDialogBecomeTheList) {
+    std::wstring answer;
+    FileDialogRequest asked;
+    SetFileDialogResponder([&](FileDialogRequest& request) {
+        asked = request;
+        request.fileName = answer;
+        return !answer.empty();
+    });
+    Values().general.openPath = RemoveBackslash(AppFolder());  // a first run's
+    Choose(menuFileOpen);
+    EXPECT_TRUE(bar_.lists.empty());
+    EXPECT_EQ(asked.flags, 0x281A04U);
+    EXPECT_EQ(asked.initDir, L"");
+    EXPECT_TRUE(asked.filter.starts_with(L"すべてのファイル(*.*)|*.*|"));
+
+    answer = LR"(C:\絵\一枚.bmp)";
+    Choose(menuFileOpen);
+    EXPECT_EQ(Values().general.openPath, LR"(C:\絵\)");
+    answer = std::wstring(L"D:\\\0b.bmp\0a b.jpg", 17);
+    Choose(menuFileOpen);
+    EXPECT_EQ(asked.initDir, LR"(C:\絵\)");
+    EXPECT_EQ(Values().general.openPath, LR"(D:\)");
+    EXPECT_EQ(bar_.lists,
+              (std::vector<Texts>{{LR"(C:\絵\一枚.bmp)"}, {LR"(D:\b.bmp)", LR"(D:\a b.jpg)"}}));
+}
+
+}  // namespace
+}  // namespace tessary::test

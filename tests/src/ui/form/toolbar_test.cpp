@@ -1,0 +1,143 @@
+// The toolbar, with the control bar's buttons and images.
+#include "ui/form/toolbar.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "ui/control/toolbar_images.h"
+#include "ui/control/toolbar_items.h"
+#include "ui/form/form.h"
+#include "ui/form/metrics.h"
+
+namespace tessary {
+namespace {
+
+class BarForm final : public Form {
+  public:
+    BarForm() : Form({.className = L"TessaryToolbarTest", .caption = L"", .style = WS_POPUP}) {}
+    ~BarForm() = default;
+
+    Toolbar toolbar;
+    std::vector<std::string> events;
+
+    void Mouse(POINT at) {
+        SendMessageW(toolbar.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+        SendMessageW(toolbar.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+    }
+    void Key(int key) { SendMessageW(toolbar.Handle(), WM_KEYDOWN, static_cast<WPARAM>(key), 0); }
+
+  private:
+    void Form_Load() override {
+        ASSERT_TRUE(toolbar.Create(Handle(), ControlBarItems(), ControlBarImages()));
+        const SIZE size = toolbar.PreferredSize();
+        toolbar.SetBounds(0, 0, size.cx + 50, size.cy);
+        toolbar.OnButton([this](int index) { events.push_back("press " + std::to_string(index)); });
+        toolbar.OnDropDown([this](int index, POINT below) {
+            ScreenToClient(toolbar.Handle(), &below);
+            const RECT button = toolbar.ButtonRectangle(index);
+            const bool placed = below.x == button.left && below.y == button.bottom;
+            events.push_back((placed ? "menu " : "misplaced ") + std::to_string(index));
+        });
+        toolbar.OnBackgroundPress([this] { events.emplace_back("background"); });
+    }
+};
+
+TEST(ToolbarTest, EveryPressArrivesOnceAndWithTheRightButton) {
+    BarForm form;
+    ASSERT_TRUE(form.Load());
+    const auto in = [&](int index, bool atArrow) {
+        const RECT button = form.toolbar.ButtonRectangle(index);
+        return POINT{atArrow ? button.right - 3 : button.left + 4, button.top + 8};
+    };
+    form.Mouse(in(6, false));
+    form.Mouse(in(9, false));
+    form.Mouse(in(12, true));
+    form.Mouse(in(8, false));  // a separator
+    form.Mouse({form.toolbar.PreferredSize().cx + 20, 5});
+    form.toolbar.EnableButton(6, false);
+    form.Mouse(in(6, false));
+    EXPECT_EQ(form.events, (std::vector<std::string>{"press 6", "press 9", "menu 12", "background",
+                                                     "background"}));
+}
+
+TEST(ToolbarTest, KeyboardSkipsWhatCannotBePressed) {
+    BarForm form;
+    ASSERT_TRUE(form.Load());
+    form.toolbar.EnableButton(1, false);
+    form.Key(VK_HOME);
+    form.Key(VK_SPACE);
+    for (int step = 0; step < 6; ++step)
+        form.Key(VK_RIGHT);  // over the separator
+    form.Key(VK_F4);
+    SendMessageW(form.toolbar.Handle(), WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
+    form.Key(VK_END);
+    form.Key(VK_RIGHT);
+    form.Key(VK_RETURN);
+    form.Key(VK_F4);  // has no menu
+    EXPECT_EQ(form.events, (std::vector<std::string>{"press 2", "menu 9", "menu 9", "press 16"}));
+}
+
+TEST(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
+    BarForm form;
+    ASSERT_TRUE(form.Load());
+    form.toolbar.EnableButton(3, false);
+    form.toolbar.CheckButton(6, true);
+    form.toolbar.SetImage(15, static_cast<int>(ToolbarImage::kUnfold));
+    form.toolbar.SetToolTip(9, L"画面サイズ");
+    form.toolbar.ChangeMetrics();
+    const auto state = [&](WPARAM button) {
+        return SendMessageW(form.toolbar.Handle(), TB_GETSTATE, button, 0);
+    };
+    EXPECT_EQ(state(3), 0);
+    EXPECT_EQ(state(6), TBSTATE_ENABLED | TBSTATE_CHECKED);
+    EXPECT_EQ(SendMessageW(form.toolbar.Handle(), TB_GETBITMAP, 15, 0), 17);
+    EXPECT_LE(form.toolbar.PreferredSize().cy, Metrics(form.Handle()).Scale(26));
+
+    wchar_t text[8] = {};
+    NMTBGETINFOTIPW tip{};
+    tip.hdr = {form.toolbar.Handle(), 0, static_cast<UINT>(TBN_GETINFOTIPW)};
+    tip.pszText = text;
+    tip.cchTextMax = 4;
+    tip.iItem = 9;
+    SendMessageW(form.Handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&tip));
+    EXPECT_STREQ(text, L"画面サ");  // cut at the end of the buffer
+}
+
+TEST(ToolbarImagesTest, DifferAndAreSharpAtEveryResolution) {
+    for (const int size : {16, 20, 24, 28, 32}) {
+        std::set<std::vector<uint32_t>> different;
+        for (int number = 1; number <= kToolbarImageCount; ++number) {
+            const ArgbImage image = ControlBarImages().draw(number, {size, false});
+            different.insert(image.pixels);
+            different.insert(Greyed(image).pixels);
+        }
+        EXPECT_EQ(different.size(), 2U * kToolbarImageCount) << size;
+
+        // A square has no half-covered pixel and lies in the middle.
+        const ArgbImage stop = DrawToolbarImage(ToolbarImage::kStop, {size, false});
+        const std::vector<uint32_t> turned(stop.pixels.rbegin(), stop.pixels.rend());
+        EXPECT_EQ(stop.pixels, turned) << size;
+        for (const uint32_t pixel : stop.pixels)
+            EXPECT_TRUE(pixel >> 24 == 0 || pixel >> 24 == 255) << size;
+    }
+}
+
+// A slanted edge is smoothed, and its colour is not darkened by what is missing of it.
+TEST(ToolbarImagesTest, CoversPartsOfPixels) {
+    VectorCanvas canvas(16);
+    const ArgbColor color{200, 100, 50};
+    canvas.FillPolygon({{0, 0}, {16, 0}, {0, 16}}, color);
+    canvas.FillRectangle({0, 0}, {2, 2}, kHole);
+    canvas.DrawFrame({0, 0}, {3, 3}, 1, color);
+    const ArgbImage image = canvas.Image();
+    EXPECT_EQ(image.pixels[15], 0x80C86432U);
+    EXPECT_EQ(image.pixels[17], 0U);
+    EXPECT_EQ(image.pixels[34], 0xFFC86432U);
+    EXPECT_EQ(image.pixels[255], 0U);
+}
+
+}  // namespace
+}  // namespace tessary
