@@ -1,27 +1,16 @@
 // The finished program's parts for benchmarks, which stand in a folder beside its own.
 #pragma once
 
-#include <windows.h>
-
 #include <string>
 
-#include "app/base/modGetFolder.h"
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
+#include "tests/support/helper_libraries.h"
 
 namespace tessary::bench {
 
-inline std::wstring FinishedFolder() {
-    return AppFolder() + LR"(..\bin\)";
-}
-
-// Makes the helper libraries resident, as the program's start-up does.
-inline void LoadHelperLibraries() {
-    for (const wchar_t* name : {L"pic_kernel.dll", L"plg_resize.fplg", L"bmp_import.iplg",
-                                L"bmp_export.eplg", L"convertdib.dll", L"susiectl.dll"}) {
-        LoadLibraryW((FinishedFolder() + name).c_str());
-    }
-}
+using test::FinishedFolder;
+using test::LoadHelperLibraries;
 
 inline void LoadPluginsOf(const std::wstring& folder) {
     Values().general.useSPI = 1;

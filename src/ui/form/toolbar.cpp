@@ -141,7 +141,10 @@ void Toolbar::DropDown(int index) const {
     POINT below{button.left, button.bottom};
     ClientToScreen(Handle(), &below);
     const auto handler = dropDown_;
+    const auto tips = reinterpret_cast<HWND>(Send(TB_GETTOOLTIPS));
+    SendMessageW(tips, TTM_ACTIVATE, FALSE, 0);  // they would appear over the menu
     if (handler) handler(index, below);
+    SendMessageW(tips, TTM_ACTIVATE, TRUE, 0);
 }
 
 void Toolbar::OnCommand(WORD notification, WORD id) {
