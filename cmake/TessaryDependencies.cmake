@@ -1,7 +1,7 @@
 # The libraries that decode and compress, under names of our own: tessary::jpeg (libjpeg-turbo,
 # jpeglib.h), tessary::png (libpng), tessary::zlib, tessary::lzma (liblzma), tessary::archive
-# (libarchive, with what it needs) and tessary::lhasa (lhasa/lhasa.h). scripts/dependencies.sh puts
-# them where the presets' CMAKE_PREFIX_PATH looks.
+# (libarchive, with what it needs), tessary::lhasa (lhasa/lhasa.h) and tessary::deflate
+# (libdeflate.h). scripts/dependencies.sh puts them where the presets' CMAKE_PREFIX_PATH looks.
 
 # tessary_find_dependency(NAME PACKAGE imported-target)
 function(tessary_find_dependency name package target)
@@ -38,3 +38,13 @@ get_filename_component(tessary_lhasa_prefix "${TESSARY_LHASA_LIBRARY}/../.." ABS
 add_library(tessary::lhasa INTERFACE IMPORTED GLOBAL)
 target_link_libraries(tessary::lhasa INTERFACE "${TESSARY_LHASA_LIBRARY}")
 target_include_directories(tessary::lhasa INTERFACE "${tessary_lhasa_prefix}/include")
+
+# Nor libdeflate, of which the compressor is built.
+find_library(TESSARY_DEFLATE_LIBRARY deflate)
+find_path(TESSARY_DEFLATE_HEADERS libdeflate.h)
+if(NOT TESSARY_DEFLATE_LIBRARY OR NOT TESSARY_DEFLATE_HEADERS)
+    message(FATAL_ERROR "libdeflate is missing: run scripts/dependencies.sh")
+endif()
+add_library(tessary::deflate INTERFACE IMPORTED GLOBAL)
+target_link_libraries(tessary::deflate INTERFACE "${TESSARY_DEFLATE_LIBRARY}")
+target_include_directories(tessary::deflate INTERFACE "${TESSARY_DEFLATE_HEADERS}")

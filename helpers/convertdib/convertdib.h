@@ -43,9 +43,9 @@ constexpr char kLoadBITMAPFileWName[] = "LoadBITMAPFileW";
 
 // Writes a picture to a bitmap file, which replaces what is there when it is complete; until then,
 // and after a failure, what is there stays as it is. `info` and `bits` are the addresses of the
-// locked blocks of a plain pair (helpers/dib/dib_view.h), `options` null for the defaults. Returns
-// non-zero for success and 0 for failure, of which GetLastError then tells the reason
-// (ERROR_INVALID_DATA: the pair is not plain). The file name is in the system's code page.
+// locked blocks of a pair (saving/picture_at.h tells which), `options` null for the defaults.
+// Returns non-zero for success and 0 for failure, of which GetLastError then tells the reason
+// (ERROR_INVALID_DATA: the pair is no picture). The file name is in the system's code page.
 using SaveToBITMAPFileFunction = int(__stdcall*)(const void* info, const void* bits,
                                                  const char* fileName,
                                                  const saving::BmpSaveOptions* options);

@@ -9,10 +9,10 @@ namespace tessary::dcpng {
 
 // Writes a picture to a PNG file, which replaces what is there when it is complete; until then, and
 // after a failure, what is there stays as it is. `info` and `bits` are the addresses of the locked
-// blocks of a plain pair (helpers/dib/dib_view.h), `options` null for the defaults.
+// blocks of a pair (saving/picture_at.h tells which), `options` null for the defaults.
 // `progressCallback` is the address of a saving::ProgressCallback, 0 for none. Returns 0 for
 // success and non-zero for failure, of which GetLastError then tells the reason
-// (ERROR_INVALID_DATA: the pair is not plain; ERROR_CANCELLED: the callback asked to stop). The
+// (ERROR_INVALID_DATA: the pair is no picture; ERROR_CANCELLED: the callback asked to stop). The
 // file name is in the system's code page.
 using SaveToPNGFileFunction = int(__stdcall*)(const void* info, const void* bits,
                                               const char* fileName,

@@ -1,11 +1,12 @@
 #include "helpers/dcpng/png_rows.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tessary::dcpng {
 namespace {
 
-constexpr size_t Channels(PngKind kind) {
+constexpr uint32_t Channels(PngKind kind) {
     return kind == PngKind::kRgba ? 4 : kind == PngKind::kRgb ? 3 : 1;
 }
 
@@ -38,8 +39,9 @@ PngRows::PngRows(const dib::DibView& picture)
     } else if (picture.Format() == dib::PixelFormat::kBgrx32 && UsesAlpha(picture)) {
         kind_ = PngKind::kRgba;
     }
-    const auto samples = static_cast<uint64_t>(picture.Width()) * Channels(kind_);
-    rowBytes_ = static_cast<size_t>(dib::RowBytes(samples, static_cast<uint32_t>(bitDepth_)));
+    bitsPerPixel_ = static_cast<uint32_t>(bitDepth_) * Channels(kind_);
+    rowBytes_ =
+        static_cast<size_t>(dib::RowBytes(static_cast<uint64_t>(picture.Width()), bitsPerPixel_));
 }
 
 bool PngRows::MapToGrey() {
@@ -59,8 +61,13 @@ bool PngRows::MapToGrey() {
 }
 
 void PngRows::PackIndexes(std::span<const uint8_t> row, std::span<uint8_t> out) const {
-    for (size_t i = 0; i < rowBytes_; ++i)
-        out[i] = kind_ == PngKind::kGrey ? greyBytes_[row[i]] : row[i];
+    const auto indexes = row.first(rowBytes_);
+    if (kind_ == PngKind::kGrey) {
+        std::ranges::transform(indexes, out.begin(),
+                               [&](uint8_t byte) { return greyBytes_[byte]; });
+    } else {
+        std::ranges::copy(indexes, out.begin());
+    }
     // Bits behind the last pixel are nobody's: the same picture gives the same file.
     const size_t spare =
         rowBytes_ * 8 - static_cast<size_t>(picture_.Width()) * static_cast<size_t>(bitDepth_);

@@ -29,6 +29,7 @@ class PngRows {
 
     PngKind Kind() const { return kind_; }
     int BitDepth() const { return bitDepth_; }  // bits per channel or index
+    uint32_t BitsPerPixel() const { return bitsPerPixel_; }
     size_t RowBytes() const { return rowBytes_; }
     // The colour table of kPalette.
     std::span<const dib::PaletteEntry> Palette() const { return palette_.Entries(); }
@@ -46,6 +47,7 @@ class PngRows {
     saving::TrimmedPalette palette_;
     PngKind kind_ = PngKind::kRgb;
     int bitDepth_ = 8;
+    uint32_t bitsPerPixel_ = 0;
     size_t rowBytes_ = 0;
     // Of kGrey: the levels of all pixels of a byte with indexes.
     std::array<uint8_t, 256> greyBytes_{};

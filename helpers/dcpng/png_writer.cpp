@@ -2,11 +2,17 @@
 
 #include <png.h>
 
+#include <zlib.h>
+
 #include <algorithm>
+#include <array>
 #include <csetjmp>
-#include <vector>
+#include <memory>
+#include <new>
 
 #include "helpers/dcpng/png_rows.h"
+#include "helpers/dcpng/strip_maker.h"
+#include "helpers/dcpng/strip_team.h"
 #include "helpers/saving/percent_reporter.h"
 
 namespace tessary::dcpng {
@@ -16,7 +22,16 @@ using saving::SaveResult;
 
 constexpr int kNoCompression = 0;
 constexpr int kBestCompression = 9;
-constexpr size_t kChunkSize = 64u << 10;  // bytes of compressed pixels in one IDAT chunk
+constexpr size_t kMostRowBytes = 1u << 30;
+
+// The two bytes before the deflate stream (RFC 1950): a window of 32 KB, and how hard was tried.
+constexpr std::array<uint8_t, 2> ZlibHeader(int level) {
+    constexpr uint8_t kDeflate32K = 0x78;
+    return {kDeflate32K, static_cast<uint8_t>(level < 2   ? 0x01
+                                              : level < 6 ? 0x5E
+                                              : level < 7 ? 0x9C
+                                                          : 0xDA)};
+}
 
 int ColorType(PngKind kind) {
     switch (kind) {
@@ -31,8 +46,9 @@ int ColorType(PngKind kind) {
     }
 }
 
-// libpng at work on one file. It leaves its functions by longjmp when something fails, over
-// everything up to Run: what runs inside Run calls libpng or packs rows, and owns nothing.
+// libpng writes the chunks of one file; the pixels in them are made by a StripTeam. libpng leaves
+// its functions by longjmp when something fails, over everything up to Run: what runs inside Run
+// calls libpng, and owns nothing.
 class PngSession {
   public:
     explicit PngSession(files::ByteSink& sink) : sink_(sink) {
@@ -57,11 +73,15 @@ class PngSession {
         return true;
     }
 
-    void WriteHeader(const dib::DibView& picture, const PngRows& rows,
-                     const saving::PngSaveOptions& options);
-    // False when `progress` asks to stop.
-    bool WriteRows(const dib::DibView& picture, const PngRows& rows, std::span<uint8_t> row,
-                   saving::PercentReporter& progress);
+    void WriteHeader(const dib::DibView& picture, const PngRows& rows, bool interlace);
+    SaveResult WritePixels(const PngRows& rows, const StripLayout& layout, int level,
+                           const dib::Progress& progress);
+    // The pieces become one chunk.
+    template <size_t kPieces>
+    void WritePixelChunk(const std::array<std::span<const uint8_t>, kPieces>& pieces);
+    SaveResult GaveUp() const {
+        return refused_ ? SaveResult::kNotWritten : SaveResult::kOutOfMemory;
+    }
 
     [[noreturn]] static void OnError(png_structp png, png_const_charp) { png_longjmp(png, 1); }
     static void OnWarning(png_structp, png_const_charp) {}
@@ -78,19 +98,13 @@ class PngSession {
     bool refused_ = false;  // by the sink
 };
 
-void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows,
-                             const saving::PngSaveOptions& options) {
+void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows, bool interlace) {
     const auto width = static_cast<png_uint_32>(picture.Width());
     const auto height = static_cast<png_uint_32>(picture.Height());
     png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-    const int level = std::clamp<int>(options.quality, kNoCompression, kBestCompression);
-    png_set_compression_level(png_, level);
-    png_set_compression_buffer_size(png_, kChunkSize);
-    if (level == kNoCompression) png_set_filter(png_, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
-
     png_set_IHDR(png_, info_, width, height, rows.BitDepth(), ColorType(rows.Kind()),
-                 options.interlace != 0 ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
-                 PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
+                 interlace ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_BASE,
+                 PNG_FILTER_TYPE_BASE);
     if (rows.Kind() == PngKind::kPalette) {
         png_color colors[dib::kMaxPaletteEntries];
         int count = 0;
@@ -106,43 +120,68 @@ void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows,
     png_write_info(png_, info_);
 }
 
-bool PngSession::WriteRows(const dib::DibView& picture, const PngRows& rows, std::span<uint8_t> row,
-                           saving::PercentReporter& progress) {
-    const int passes = png_set_interlace_handling(png_);
-    const auto height = static_cast<uint64_t>(picture.Height());
-    uint64_t done = 0;
-    for (int pass = 0; pass < passes; ++pass) {
-        for (int32_t y = 0; y < picture.Height(); ++y) {
-            // Of the other rows libpng only wants to be told that they are over.
-            if (passes == 1 || PNG_ROW_IN_INTERLACE_PASS(y, pass)) rows.Pack(y, row);
-            png_write_row(png_, row.data());
-            if (!progress.Report(++done, height * static_cast<uint64_t>(passes))) return false;
-        }
+template <size_t kPieces>
+void PngSession::WritePixelChunk(const std::array<std::span<const uint8_t>, kPieces>& pieces) {
+    constexpr png_byte kName[] = {'I', 'D', 'A', 'T'};
+    size_t size = 0;
+    for (const auto& piece : pieces)
+        size += piece.size();
+    png_write_chunk_start(png_, kName, static_cast<png_uint_32>(size));
+    for (const auto& piece : pieces)
+        png_write_chunk_data(png_, piece.data(), piece.size());
+    png_write_chunk_end(png_);
+}
+
+SaveResult PngSession::WritePixels(const PngRows& rows, const StripLayout& layout, int level,
+                                   const dib::Progress& progress) {
+    const auto header = ZlibHeader(level);
+    uLong adler = adler32(0, nullptr, 0);
+    std::array<uint8_t, 4> trailer;
+    saving::PercentReporter reporter(progress);
+    StripTeam team(layout.Count(), [&]() -> StripTeam::Make {
+        const auto maker = std::make_shared<StripMaker>(rows, layout, level);
+        return [maker](size_t strip, DeflatedStrip& to) { maker->Make(strip, to); };
+    });
+    for (size_t i = 0; i < layout.Count(); ++i) {
+        const DeflatedStrip& strip = team.Take();
+        adler = adler32_combine(adler, strip.adler, static_cast<z_off_t>(strip.size));
+        png_save_uint_32(trailer.data(), static_cast<png_uint_32>(adler));
+        const bool isLast = i + 1 == layout.Count();
+        const std::array<std::span<const uint8_t>, 3> pieces = {
+            std::span(header).first(i == 0 ? header.size() : 0), strip.bytes,
+            std::span(trailer).first(isLast ? trailer.size() : 0)};
+        if (!Run([&] { WritePixelChunk(pieces); })) return GaveUp();
+        if (!reporter.Report(i + 1, layout.Count())) return SaveResult::kCancelled;
     }
-    return true;
+    return SaveResult::kSaved;
 }
 
 SaveResult PngSession::Save(const dib::DibView& picture, const saving::PngSaveOptions& options,
                             const dib::Progress& progress) {
     if (info_ == nullptr) return SaveResult::kOutOfMemory;
     const PngRows rows(picture);
-    std::vector<uint8_t> row(rows.RowBytes());
-    saving::PercentReporter reporter(progress);
-    bool goesOn = true;
-    const bool complete = Run([&] {
-        WriteHeader(picture, rows, options);
-        goesOn = WriteRows(picture, rows, row, reporter);
-        if (goesOn) png_write_end(png_, info_);
-    });
-    if (complete) return goesOn ? SaveResult::kSaved : SaveResult::kCancelled;
-    return refused_ ? SaveResult::kNotWritten : SaveResult::kOutOfMemory;
+    if (rows.RowBytes() > kMostRowBytes) return SaveResult::kTooLarge;
+    const bool interlace = options.interlace != 0;
+    const int level = std::clamp<int>(options.quality, kNoCompression, kBestCompression);
+    const StripLayout layout(PassesOf(static_cast<uint32_t>(picture.Width()),
+                                      static_cast<uint32_t>(picture.Height()), rows.BitsPerPixel(),
+                                      interlace));
+    if (!Run([&] { WriteHeader(picture, rows, interlace); })) return GaveUp();
+    const SaveResult result = WritePixels(rows, layout, level, progress);
+    if (result != SaveResult::kSaved) return result;
+    constexpr png_byte kEnd[] = {'I', 'E', 'N', 'D'};
+    return Run([&] { png_write_chunk(png_, kEnd, nullptr, 0); }) ? SaveResult::kSaved : GaveUp();
 }
 
 }  // namespace
 
 SaveResult WritePng(const dib::DibView& picture, const saving::PngSaveOptions& options,
                     files::ByteSink& sink, const dib::Progress& progress) {
-    return PngSession(sink).Save(picture, options, progress);
+    try {
+        return PngSession(sink).Save(picture, options, progress);
+    } catch (const std::bad_alloc&) {
+        return SaveResult::kOutOfMemory;
+    }
 }
 
 }  // namespace tessary::dcpng

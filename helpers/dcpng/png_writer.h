@@ -1,4 +1,4 @@
-// Writes PNG files (ISO/IEC 15948) with libpng.
+// Writes PNG files (ISO/IEC 15948) with libpng, libdeflate and all processors.
 #pragma once
 
 #include "helpers/dib/byte_stream.h"
@@ -10,7 +10,8 @@
 namespace tessary::dcpng {
 
 // Writes the file of a picture, pixel for pixel (png_rows.h tells in which form), with its
-// resolution when it has one. `progress` may be empty.
+// resolution when it has one. `progress` may be empty; it is called on the calling thread. All
+// threads have ended on return, also when it throws. kTooLarge when a row needs more than 1 GB.
 saving::SaveResult WritePng(const dib::DibView& picture, const saving::PngSaveOptions& options,
                             files::ByteSink& sink, const dib::Progress& progress);
 

@@ -12,6 +12,32 @@ constexpr size_t kLongestWrite = 1u << 30;  // bytes in one call to the system
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr uint32_t kNames = 100;  // tried before giving up
 
+// A power cut can leave a written file behind. The next one that wants its name removes it, so no
+// folder ever has to be searched. One that is being written cannot be opened here; only between its
+// closing and its moving could it be, and no program takes a day for that.
+constexpr uint64_t kLeftoverAge = 24ull * 60 * 60 * 10'000'000;  // in units of FILETIME
+
+uint64_t Ticks(const FILETIME& time) {
+    return uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+}
+
+// False when the file is not old, or in use.
+bool DeleteLeftover(const std::wstring& name) {
+    const HANDLE file = CreateFileW(name.c_str(), DELETE | FILE_READ_ATTRIBUTES, 0, nullptr,
+                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    FILETIME written;
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    FILE_DISPOSITION_INFO deletes{TRUE};
+    const bool isOld =
+        GetFileTime(file, nullptr, nullptr, &written) && Ticks(now) > Ticks(written) + kLeftoverAge;
+    const bool deleted =
+        isOld && SetFileInformationByHandle(file, FileDispositionInfo, &deletes, sizeof(deletes));
+    CloseHandle(file);
+    return deleted;
+}
+
 // Scanners and indexers look into a new file as soon as it is closed, and into the old one at any
 // time; a moment later they are gone.
 constexpr int kMoves = 10;
@@ -54,22 +80,24 @@ bool ReplacingFile::AcceptsTarget() {
 
 void ReplacingFile::CreateBesideTarget() {
     const std::wstring folder = target_.substr(0, target_.rfind(L'\\') + 1);
-    const uint32_t start = GetTickCount();
-    for (uint32_t number = 0; number < kNames; ++number) {
-        written_ = folder + L"~tessary-" + std::to_wstring(GetCurrentProcessId()) + L'-' +
-                   std::to_wstring(start + number) + L".tmp";
-        const HANDLE file = CreateFileW(written_.c_str(), GENERIC_WRITE | DELETE, 0, nullptr,
-                                        CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file != INVALID_HANDLE_VALUE) {
-            file_.reset(file);
-            error_ = ERROR_SUCCESS;
+    for (uint32_t number = 1; number <= kNames; ++number) {
+        written_ = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
+        if (Create() || (error_ == ERROR_FILE_EXISTS && DeleteLeftover(written_) && Create())) {
             // Where the file system lacks this, only the end of the process would leave the file.
             DeleteWhenClosed(true);
             return;
         }
-        Fail();
-        if (error_ != ERROR_FILE_EXISTS) return;
+        if (error_ != ERROR_FILE_EXISTS && error_ != ERROR_ACCESS_DENIED) return;
     }
+}
+
+bool ReplacingFile::Create() noexcept {
+    const HANDLE file = CreateFileW(written_.c_str(), GENERIC_WRITE | DELETE, 0, nullptr,
+                                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return Fail();
+    file_.reset(file);
+    error_ = ERROR_SUCCESS;
+    return true;
 }
 
 ReplacingFile::~ReplacingFile() {

@@ -17,7 +17,8 @@ enum class Durability { kDisk, kCache };
 
 // Written under a name of its own in the target's folder; Commit puts it in the target's place in
 // one step. Whatever happens before that (an error, a full disk, the end of the process) leaves the
-// target as it was and the folder without the file.
+// target as it was and the folder without the file. Only a power cut leaves it, as ~tessary-1.tmp
+// or with a higher number; a day later it gives way to the next one with that name.
 class ReplacingFile final : public ByteSink {
   public:
     // Creates the file. `target` may be longer than MAX_PATH. A target that is a folder, a device
@@ -45,6 +46,8 @@ class ReplacingFile final : public ByteSink {
 
     bool AcceptsTarget();
     void CreateBesideTarget();
+    // Creates written_, which must not exist.
+    bool Create() noexcept;
     bool WriteThrough(std::span<const uint8_t> bytes) noexcept;
     bool WriteBuffered() noexcept;
     bool MoveToTarget(Durability durability) noexcept;

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <limits>
 
+#include "helpers/dib/check_dib.h"
+
 namespace tessary::saving {
 namespace {
 
@@ -31,20 +33,50 @@ std::span<const uint8_t> BytesAt(const void* address, uint64_t size) {
     return {static_cast<const uint8_t*>(address), static_cast<size_t>(size)};
 }
 
+// Bytes of the info block that a header begins, of the plain form or not.
+uint64_t InfoSize(const dib::BitmapInfoHeader& header) {
+    uint64_t size = header.size + uint64_t{dib::PaletteEntries(header)} * sizeof(dib::PaletteEntry);
+    if (header.size == dib::kInfoHeaderSize) {
+        if (header.compression == dib::kCompressionBitFields) size += 12;
+        if (header.compression == dib::kCompressionAlphaBitFields) size += 16;
+    }
+    return size;
+}
+
+uint64_t BitsSize(const dib::BitmapInfoHeader& header) {
+    if (header.compression == dib::kCompressionRle4 ||
+        header.compression == dib::kCompressionRle8) {
+        return header.sizeImage;
+    }
+    const uint64_t height = header.height < 0 ? -int64_t{header.height} : header.height;
+    return dib::RowStride(static_cast<uint64_t>(header.width), header.bitCount) * height;
+}
+
 }  // namespace
 
-std::optional<dib::DibView> PictureAt(const void* info, const void* bits) {
-    if (!IsReadable(info, dib::kInfoHeaderSize)) return std::nullopt;
+PictureAt::PictureAt(const void* info, const void* bits) {
+    if (!IsReadable(info, dib::kInfoHeaderSize)) return;
     dib::BitmapInfoHeader header;
     std::memcpy(&header, info, sizeof(header));
+    // Of and CheckDib refuse the dimensions and depths whose sizes come out wrong here.
+    const uint64_t infoSize = InfoSize(header);
+    const uint64_t bitsSize = BitsSize(header);
+    if (header.size < dib::kInfoHeaderSize || !IsReadable(info, infoSize) ||
+        !IsReadable(bits, bitsSize)) {
+        return;
+    }
+    const auto infoBlock = BytesAt(info, infoSize);
+    const auto bitsBlock = BytesAt(bits, bitsSize);
+    view_ = dib::DibView::Of(infoBlock, bitsBlock);
+    if (view_) return;
 
-    // Of refuses the dimensions and depths whose sizes come out wrong here.
-    const uint32_t infoSize = dib::InfoBlockSize(header);
-    const uint64_t height = header.height < 0 ? -int64_t{header.height} : header.height;
-    const uint64_t bitsSize =
-        dib::RowStride(static_cast<uint64_t>(header.width), header.bitCount) * height;
-    if (!IsReadable(info, infoSize) || !IsReadable(bits, bitsSize)) return std::nullopt;
-    return dib::DibView::Of(BytesAt(info, infoSize), BytesAt(bits, bitsSize));
+    const dib::CheckedDib checked = dib::CheckDib(infoBlock, bitsBlock);
+    if (checked.Error() != dib::DibError::kNone) return;
+    ownInfo_.assign(checked.Info().begin(), checked.Info().end());
+    ownBits_.resize(checked.BitsSize());
+    if (!checked.KeepsBits()) checked.WriteBits(ownBits_);
+    view_ = dib::DibView::Of(checked.KeepsInfo() ? infoBlock : ownInfo_,
+                             checked.KeepsBits() ? bitsBlock : ownBits_);
 }
 
 }  // namespace tessary::saving

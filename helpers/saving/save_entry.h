@@ -34,11 +34,11 @@ bool SaveToFile(const void* info, const void* bits, const Char* fileName,
                 const Writer& write) noexcept {
     const auto save = [&]() -> DWORD {
         if (fileName == nullptr) return ERROR_INVALID_PARAMETER;
-        const auto picture = PictureAt(info, bits);
-        if (!picture) return ERROR_INVALID_DATA;
+        const PictureAt picture(info, bits);
+        if (!picture.View()) return ERROR_INVALID_DATA;
         files::ReplacingFile file(files::FileNameOf(fileName));
         if (!file.IsOpen()) return file.Error();
-        const SaveResult result = write(*picture, file);
+        const SaveResult result = write(*picture.View(), file);
         if (result != SaveResult::kSaved) {
             return file.Error() != ERROR_SUCCESS ? file.Error() : ErrorOf(result);
         }

@@ -5,6 +5,14 @@
 namespace tessary::saving {
 namespace {
 
+// A plain loop, of which the compiler makes sixteen comparisons at once.
+uint8_t HighestByte(std::span<const uint8_t> bytes) {
+    uint8_t highest = 0;
+    for (const uint8_t byte : bytes)
+        highest = std::max(highest, byte);
+    return highest;
+}
+
 uint8_t HighestNibble(std::span<const uint8_t> row, size_t width) {
     uint8_t highest = 0;
     for (size_t i = 0; i < width / 2; ++i) {
@@ -21,8 +29,8 @@ uint8_t HighestIndex(const dib::DibView& picture) {
     uint8_t highest = 0;
     for (int32_t y = 0; y < picture.Height() && highest < most; ++y) {
         const auto row = picture.Row(y);
-        highest = std::max(highest, isByte ? *std::ranges::max_element(row.first(width))
-                                           : HighestNibble(row, width));
+        highest =
+            std::max(highest, isByte ? HighestByte(row.first(width)) : HighestNibble(row, width));
     }
     return highest;
 }

@@ -36,9 +36,9 @@ std::vector<Writer> Writers(bool all) {
     return writers;
 }
 
-// Large enough that each writer hands out its file in several pieces.
-SamplePicture LargePicture(PixelFormat format) {
-    return {format, 501, 400, Colors(format), 5};
+// Large enough that each writer hands out its file in several pieces, with `times` 400 rows.
+SamplePicture LargePicture(PixelFormat format, int32_t times = 1) {
+    return {format, 501, 400 * times, Colors(format), 5};
 }
 
 TEST(AllWriters, StopWhereTheSinkRefuses) {
@@ -57,7 +57,7 @@ TEST(AllWriters, StopWhereTheSinkRefuses) {
 }
 
 TEST(AllWriters, TellProgressAndStopOnRequest) {
-    const SamplePicture picture = LargePicture(PixelFormat::kBgr24);
+    const SamplePicture picture = LargePicture(PixelFormat::kBgr24, 6);
     for (const Writer& write : Writers(false)) {
         std::vector<int> percents;
         const auto result = [&](size_t mostCalls) {
@@ -77,6 +77,16 @@ TEST(AllWriters, TellProgressAndStopOnRequest) {
             EXPECT_EQ(result(calls), SaveResult::kCancelled);
             EXPECT_EQ(percents.size(), calls);
         }
+    }
+}
+
+// Its threads must be over by then: they work on what goes away with the exception.
+TEST(AllWriters, EndTheirThreadsWhenTheProgressThrows) {
+    for (const int last : {0, 20, 90}) {
+        const SamplePicture picture = LargePicture(PixelFormat::kBgr24, 6);
+        KeptBytes sink;
+        const auto progress = [&](int percent) { return percent < last ? true : throw percent; };
+        EXPECT_THROW(dcpng::WritePng(picture.View(), {}, sink, progress), int);
     }
 }
 

@@ -95,8 +95,53 @@ TEST(PngWriter, KeepsTheFormOfThePixels) {
     EXPECT_EQ(FormOf(Saved(opaque)), Form({8, 6, 0}));
 }
 
+// The upper half is a soft slope with grain, as photographs have; the lower one repeats itself.
+SamplePicture MixedPicture(PixelFormat format, int32_t width, int32_t height) {
+    SamplePicture picture(format, width, height, Colors(format), 3);
+    std::minstd_rand random(4);
+    for (size_t i = picture.bits.size() / 2; i < picture.bits.size(); ++i)
+        picture.bits[i] = static_cast<uint8_t>(i / 97 + random() % 8);
+    for (size_t i = 5000; i < picture.bits.size() / 2; ++i)
+        picture.bits[i] = picture.bits[i - 4111 + i / 500 % 3];
+    return picture;
+}
+
+TEST(PngWriter, JoinsStripsIntoOneStream) {
+    for (const PixelFormat format : kAllFormats) {
+        const auto width = static_cast<int32_t>(40000 / dib::BitsPerPixel(format));
+        const SamplePicture picture = MixedPicture(format, width, 301);
+        Bytes expected = Bgra(picture.View());
+        if (format != PixelFormat::kBgrx32) SetFourthBytes(expected, 255);
+        for (const PngSaveOptions options : {PngSaveOptions{0, 0}, {1, 1}, {6, 0}, {9, 1}})
+            EXPECT_EQ(PixelsOf(Saved(picture, options)), expected) << options.quality;
+    }
+}
+
+// Grainy rows of slopes take turns with grainy repetitions of one row: no filter suits all rows.
+TEST(PngWriter, IsAsSmallAsTheLibrarysOwnWriter) {
+    SamplePicture picture(PixelFormat::kBgr24, 900, 600, {});
+    const Bytes noise = picture.bits;
+    std::minstd_rand random(6);
+    for (size_t y = 0; y < 600; ++y) {
+        const size_t slope = random() % 64;
+        for (size_t x = 0; x < 2700; ++x) {
+            const size_t smooth = y / 20 % 2 == 0 ? x / 3 * slope / 16 : noise[x];
+            picture.bits[y * 2700 + x] = static_cast<uint8_t>(smooth + random() % 4);
+        }
+    }
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = 900;
+    image.height = 600;
+    image.format = PNG_FORMAT_BGR;
+    png_alloc_size_t size = 0;
+    ASSERT_TRUE(
+        png_image_write_get_memory_size(image, size, 0, picture.bits.data(), -2700, nullptr));
+    EXPECT_LE(static_cast<double>(Saved(picture).size()), static_cast<double>(size) * 1.03);
+}
+
 TEST(PngWriter, TakesLevelAndResolution) {
-    SamplePicture picture(PixelFormat::kBgr24, 300, 100, {}, 3);
+    SamplePicture picture = MixedPicture(PixelFormat::kBgr24, 300, 100);
     const auto size = [&](int16_t level) { return Saved(picture, {level, 0}).size(); };
     EXPECT_GT(size(0), picture.bits.size());
     EXPECT_LT(size(9), size(1));

@@ -1,5 +1,6 @@
 // The entries of the three libraries, as the program calls them, and what they leave on the disk.
 #include <map>
+#include <set>
 
 #include "helpers/convertdib/convertdib.h"
 #include "helpers/dcjpeg/dcjpeg.h"
@@ -14,16 +15,21 @@ namespace {
 
 constexpr wchar_t kDyingVariable[] = L"TESSARY_TEST_DIES_SAVING";
 constexpr int kDyingExitCode = 77;
+constexpr wchar_t kTargetVariable[] = L"TESSARY_TEST_SAVES_TO";
+constexpr wchar_t kRoundsVariable[] = L"TESSARY_KILL_ROUNDS";
+constexpr wchar_t kReadyEvent[] = L"TessaryTestSaves";
 
 // What the progress callback does; it gets no value of its own.
 struct {
     int stopAtPercent;
     bool dies;
+    DWORD thread;  // the last call's
 } callback;
 
 int __stdcall Callback(int done, int total, LONG_PTR userData) {
     EXPECT_EQ(total, 100);
     EXPECT_EQ(userData, 0);
+    callback.thread = GetCurrentThreadId();
     if (done < callback.stopAtPercent) return 0;
     if (callback.dies) TerminateProcess(GetCurrentProcess(), kDyingExitCode);
     return 1;
@@ -125,6 +131,35 @@ TEST_F(SavingEntries, TakeTheOptions) {
     EXPECT_NE(saved(2, changed[2]).find("\xFF\xC2"), std::string::npos) << "progressive";
 }
 
+// 32 bits with red in the lowest byte, in a header of 124 bytes with 3 planes; and RLE8.
+TEST_F(SavingEntries, MakePairsPlain) {
+    SamplePicture plain(PixelFormat::kBgrx32, 50, 40, {});
+    for (size_t i = 3; i < plain.bits.size(); i += 4)
+        plain.bits[i] = 0;
+    SamplePicture masked = plain;
+    masked.info.resize(124);
+    masked.info[0] = 124;
+    masked.info[12] = 3;
+    masked.info[16] = 3;
+    masked.info[40] = masked.info[45] = masked.info[50] = 0xFF;
+    for (size_t i = 0; i < masked.bits.size(); i += 4)
+        std::swap(masked.bits[i], masked.bits[i + 2]);
+    SamplePicture one(PixelFormat::kIndexed8, 3, 1, Colors(PixelFormat::kIndexed8));
+    one.bits = {7, 7, 7, 0};
+    SamplePicture runs = one;
+    runs.info[16] = 1;
+    runs.bits = {3, 7, 0, 1};
+    runs.info[20] = static_cast<uint8_t>(runs.bits.size());
+    for (const Library& library : kLibraries) {
+        const auto saved = [&](const SamplePicture& picture) {
+            EXPECT_EQ(Save(library, picture, At(L"a").c_str()), 0u);
+            return ReadFile(At(L"a"));
+        };
+        EXPECT_EQ(saved(masked), saved(plain));
+        EXPECT_EQ(saved(runs), saved(one));
+    }
+}
+
 TEST_F(SavingEntries, FailWithoutTrace) {
     const std::wstring old = folder_.Write(L"old", "old content");
     const std::wstring readOnly = folder_.Write(L"read-only", "precious");
@@ -156,14 +191,16 @@ TEST_F(SavingEntries, FailWithoutTrace) {
         {picture_, readOnly, ERROR_ACCESS_DENIED},
         {picture_, At(L"busy"), ERROR_SHARING_VIOLATION},
     };
-    callback = {50, false};
+    const SamplePicture large(PixelFormat::kBgr24, 1500, 1000, {});
     for (const Library& library : kLibraries) {
         for (const auto& c : cases)
             EXPECT_EQ(Save(library, c.picture, c.file.c_str()), c.error) << &c - cases;
         EXPECT_EQ(Save<char>(library, picture_, nullptr), DWORD{ERROR_INVALID_PARAMETER});
         EXPECT_EQ(Save<wchar_t>(library, picture_, nullptr), DWORD{ERROR_INVALID_PARAMETER});
         if (!library.reports) continue;
-        EXPECT_EQ(Save(library, picture_, old.c_str(), nullptr, kCallback), DWORD{ERROR_CANCELLED});
+        callback = {30, false, 0};
+        EXPECT_EQ(Save(library, large, old.c_str(), nullptr, kCallback), DWORD{ERROR_CANCELLED});
+        EXPECT_EQ(callback.thread, GetCurrentThreadId());
     }
     EXPECT_TRUE(Folder() == before);
     CloseHandle(user);
@@ -173,7 +210,7 @@ TEST_F(SavingEntries, FailWithoutTrace) {
 // The test starts itself once more, and that process dies while it saves.
 TEST_F(SavingEntries, LeaveTheOldFileWhenTheProcessDies) {
     if (const wchar_t* path = _wgetenv(kDyingVariable)) {
-        callback = {50, true};
+        callback = {50, true, 0};
         Save(kLibraries[1], picture_, path, nullptr, kCallback);
         return;
     }
@@ -184,6 +221,77 @@ TEST_F(SavingEntries, LeaveTheOldFileWhenTheProcessDies) {
               kDyingExitCode);
     _wputenv_s(kDyingVariable, L"");
     EXPECT_EQ(Folder(), (std::map<std::wstring, std::string>{{L"old", "old content"}}));
+}
+
+// The test starts itself once more, and kills that process somewhere within its saving, as a power
+// cut would. TESSARY_KILL_ROUNDS tells how often; the savers take turns.
+TEST_F(SavingEntries, LeaveAWholeFileWheneverTheProcessIsKilled) {
+    const SamplePicture pictures[] = {{PixelFormat::kBgr24, 700, 500, {}, 1},
+                                      {PixelFormat::kBgr24, 600, 700, {}, 2}};
+    if (const wchar_t* target = _wgetenv(kTargetVariable)) {
+        const Library& library = kLibraries[target[wcslen(target) - 1] - L'0'];
+        SetEvent(OpenEventW(EVENT_MODIFY_STATE, FALSE, kReadyEvent));
+        for (size_t i = 0;; ++i)
+            Save(library, pictures[i % 2], target);
+    }
+    const wchar_t* wanted = _wgetenv(kRoundsVariable);
+    const int rounds = wanted != nullptr ? _wtoi(wanted) : 20;
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    const HANDLE ready = CreateEventW(nullptr, FALSE, FALSE, kReadyEvent);
+    std::minstd_rand random(7);
+    int replaced = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const size_t number = static_cast<size_t>(round) % std::size(kLibraries);
+        const std::wstring name = L"target" + std::to_wstring(number);
+        std::set<std::string> whole{"old content"};
+        for (const SamplePicture& picture : pictures) {
+            ASSERT_EQ(Save(kLibraries[number], picture, At(name.c_str()).c_str()), 0u);
+            whole.insert(ReadFile(At(name.c_str())));
+        }
+        _wputenv_s(kTargetVariable, folder_.Write(name, "old content").c_str());
+        wchar_t arguments[] = L"test --gtest_filter=*IsKilled";
+        STARTUPINFOW startup{};
+        startup.cb = sizeof(startup);
+        PROCESS_INFORMATION process;
+        ASSERT_TRUE(CreateProcessW(program, arguments, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                                   &startup, &process));
+        EXPECT_EQ(WaitForSingleObject(ready, 30'000), DWORD{WAIT_OBJECT_0});
+        Sleep(random() % 60);
+        TerminateProcess(process.hProcess, kDyingExitCode);
+        WaitForSingleObject(process.hProcess, INFINITE);
+        CloseHandle(process.hThread);
+        CloseHandle(process.hProcess);
+
+        auto files = Folder();
+        const std::string left = files.extract(name).mapped();
+        EXPECT_TRUE(whole.contains(left)) << round << ": " << left.size() << " bytes";
+        if (left != "old content") ++replaced;
+        // Between its closing and its moving the new file has a name of its own.
+        files.erase(L"~tessary-1.tmp");
+        EXPECT_TRUE(files.empty());
+        DeleteFileW(At(L"~tessary-1.tmp").c_str());
+        DeleteFileW(At(name.c_str()).c_str());
+    }
+    _wputenv_s(kTargetVariable, L"");
+    CloseHandle(ready);
+    EXPECT_GT(replaced, 0);
+}
+
+TEST_F(SavingEntries, RemoveWhatAPowerCutHasLeft) {
+    folder_.Write(L"~tessary-1.tmp", "somebody's who is at work");
+    const std::wstring old = folder_.Write(L"~tessary-2.tmp", "left two days ago");
+    const HANDLE file =
+        CreateFileW(old.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    FILETIME time;
+    GetSystemTimeAsFileTime(&time);
+    time.dwHighDateTime -= 403;  // two days
+    EXPECT_TRUE(SetFileTime(file, nullptr, nullptr, &time));
+    CloseHandle(file);
+    EXPECT_EQ(Save(kLibraries[0], picture_, At(L"a").c_str()), 0u);
+    auto files = Folder();
+    EXPECT_TRUE(files.contains(L"a") && files.contains(L"~tessary-1.tmp"));
+    EXPECT_EQ(files.size(), 2u);
 }
 
 TEST_F(SavingEntries, WriteThroughTheBufferInOrder) {
