@@ -19,7 +19,8 @@ class ArchiveReader {
   public:
     virtual ~ArchiveReader() = default;
 
-    // In the order of the archive. Of a damaged archive, those before the damage.
+    // In the order of the archive. Of a damaged archive, those before the damage; of one that grows
+    // out of all proportion, those before and at the point where it does.
     const std::vector<Member>& Members() const { return members_; }
 
     // Writes the contents of member `index` (which must exist) to `sink`, whatever size the archive

@@ -18,14 +18,50 @@ bool IsSeparator(wchar_t character) {
     return character == L'\\' || character == L'/';
 }
 
+std::wstring Wide(UINT codePage, DWORD flags, std::string_view text) {
+    const auto size = static_cast<int>(text.size());
+    const int length = MultiByteToWideChar(codePage, flags, text.data(), size, nullptr, 0);
+    std::wstring wide(static_cast<size_t>(length), L'\0');
+    MultiByteToWideChar(codePage, flags, text.data(), size, wide.data(), length);
+    return wide;
+}
+
+// Names of other code pages are no text in this one. A byte that begins no character must not take
+// the next one with it, as it does in the system's conversion: that may be the extension's dot.
+std::wstring WideFromAnsi(std::string_view name) {
+    std::wstring wide = Wide(CP_ACP, MB_ERR_INVALID_CHARS, name);
+    if (!wide.empty()) return wide;
+    while (!name.empty()) {
+        const size_t length = IsDBCSLeadByte(static_cast<BYTE>(name[0])) && name.size() > 1 ? 2 : 1;
+        const std::wstring character = Wide(CP_ACP, MB_ERR_INVALID_CHARS, name.substr(0, length));
+        wide += character.empty() ? L"_" : character;
+        name.remove_prefix(character.empty() ? 1 : length);
+    }
+    return wide;
+}
+
+// macOS takes letters and their marks apart, for which the code page has no characters.
+std::wstring Composed(const std::wstring& text) {
+    const bool isTakenApart = std::any_of(text.begin(), text.end(), [](wchar_t character) {
+        const bool isLatinMark = character >= 0x0300 && character <= 0x036F;
+        const bool isKanaMark = character == 0x3099 || character == 0x309A;
+        const bool isHangulPart = character >= 0x1161 && character <= 0x11FF;
+        return isLatinMark || isKanaMark || isHangulPart;
+    });
+    // Others stay as they are: composing would also exchange compatibility ideographs.
+    if (!isTakenApart) return text;
+    const auto size = static_cast<int>(text.size());
+    const int length = FoldStringW(MAP_PRECOMPOSED, text.data(), size, nullptr, 0);
+    if (length <= 0) return text;
+    std::wstring composed(static_cast<size_t>(length), L'\0');
+    FoldStringW(MAP_PRECOMPOSED, text.data(), size, composed.data(), length);
+    return composed;
+}
+
 // Converted before it is split: the second byte of a double-byte character can look like `\`.
 std::wstring WideName(const Member& member) {
-    if (!member.nameIsUtf8) return files::FileNameOf(member.name.c_str());
-    const auto size = static_cast<int>(member.name.size());
-    const int length = MultiByteToWideChar(CP_UTF8, 0, member.name.data(), size, nullptr, 0);
-    std::wstring wide(static_cast<size_t>(length), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, member.name.data(), size, wide.data(), length);
-    return wide;
+    return member.nameIsUtf8 ? Composed(Wide(CP_UTF8, 0, member.name))
+                             : WideFromAnsi(member.name.c_str());
 }
 
 // Names that mean a device in any folder, whatever extension they have.

@@ -70,17 +70,13 @@ bool LooksLikeUtf8(std::string_view name) {
     return certain || longestRun == 1;
 }
 
-bool RestoreSecondHalves(std::string& name) {
-    bool restored = false;
+void RestoreSecondHalves(std::string& name) {
     for (size_t i = 0; i + 1 < name.size(); ++i) {
         const auto byte = static_cast<uint8_t>(name[i]);
         if (!((byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC))) continue;
         ++i;
-        if (name[i] != '/') continue;
-        name[i] = '\\';
-        restored = true;
+        if (name[i] == '/') name[i] = '\\';
     }
-    return restored;
 }
 
 std::string Utf8FromUtf16(std::span<const uint16_t> units) {

@@ -15,8 +15,8 @@ namespace tessary::unpack {
 bool LooksLikeUtf8(std::string_view name);
 
 // Puts back the second halves of Shift-JIS characters that were taken for the separator `\` and
-// turned into `/`, which can be no second half. Whether there were any.
-bool RestoreSecondHalves(std::string& name);
+// turned into `/`, which can be no second half.
+void RestoreSecondHalves(std::string& name);
 
 // UTF-8 of UTF-16 code units; lone surrogates become U+FFFD.
 std::string Utf8FromUtf16(std::span<const uint16_t> units);

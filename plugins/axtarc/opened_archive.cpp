@@ -107,8 +107,8 @@ struct RememberedArchive {
 
 namespace {
 
-// Archives whose lengths are kept: more than a host has open at a time.
-constexpr size_t kMostLengths = 32;
+// Archives of which is kept what they were: more than a host has open at a time.
+constexpr size_t kMostNoted = 32;
 
 // The only state of the plug-in. The archive is taken out for a call, so that a second call at the
 // same time (from another thread, or from the host's callback) works on one of its own.
@@ -119,30 +119,73 @@ class Memory {
         return std::exchange(last_, std::move(archive));
     }
 
-    void NoteLength(const Place& place, LONG_PTR length) {
+    void Note(const Identity& identity) {
         const std::lock_guard lock(mutex_);
-        std::erase_if(lengths_, [&](const auto& noted) { return noted.first == place; });
-        if (lengths_.size() == kMostLengths) lengths_.erase(lengths_.begin());
-        lengths_.emplace_back(place, length);
+        std::erase_if(noted_, [&](const Identity& known) { return known.place == identity.place; });
+        if (noted_.size() == kMostNoted) noted_.pop_back();
+        noted_.insert(noted_.begin(), identity);
     }
 
-    std::optional<LONG_PTR> LengthOf(const Place& place) {
+    // The latest one first.
+    std::vector<Identity> Noted() {
         const std::lock_guard lock(mutex_);
-        for (const auto& [known, length] : lengths_) {
-            if (known == place) return length;
-        }
-        return std::nullopt;
+        return noted_;
     }
 
   private:
     std::mutex mutex_;
     std::unique_ptr<RememberedArchive> last_;
-    std::vector<std::pair<Place, LONG_PTR>> lengths_;  // the latest at the end
+    std::vector<Identity> noted_;  // one of each place
 };
 
 Memory& TheMemory() {
     static Memory memory;
     return memory;
+}
+
+bool IsReadable(const char* block, LONG_PTR length) {
+    const auto start = reinterpret_cast<uintptr_t>(block);
+    for (uintptr_t done = 0; done < static_cast<uintptr_t>(length);) {
+        MEMORY_BASIC_INFORMATION region{};
+        if (VirtualQuery(block + done, &region, sizeof region) == 0 || region.State != MEM_COMMIT ||
+            (region.Protect & (PAGE_NOACCESS | PAGE_GUARD)) != 0) {
+            return false;
+        }
+        done = reinterpret_cast<uintptr_t>(region.BaseAddress) + region.RegionSize - start;
+    }
+    return true;
+}
+
+bool IsCopyOf(const char* block, const Identity& known, uint32_t flag) {
+    std::unique_ptr<dib::ByteSource> bytes;
+    return spi::OpenSource(block, known.length, flag, bytes) == Result::kSuccess &&
+           IdentityOf(block, known.length, flag, *bytes).stamp == known.stamp;
+}
+
+// The length of a block that was listed: here with these contents, elsewhere before the host moved
+// it, or here with others, in this order.
+std::optional<LONG_PTR> LengthOfBlock(const char* block, uint32_t flag) {
+    std::vector<Identity> candidates = TheMemory().Noted();
+    std::erase_if(candidates, [block](const Identity& known) {
+        return known.place.block == nullptr || !IsReadable(block, known.length);
+    });
+    const auto here =
+        std::find_if(candidates.begin(), candidates.end(),
+                     [&](const Identity& known) { return known.place.block == block; });
+    const bool isHere = here != candidates.end();
+    if (isHere) std::rotate(candidates.begin(), here, here + 1);
+    for (const Identity& known : candidates) {
+        if (IsCopyOf(block, known, flag)) return known.length;
+    }
+    return isHere ? std::optional(candidates.front().length) : std::nullopt;
+}
+
+// The offset at which the archive begins in its file, which was listed before or begins at 0.
+LONG_PTR OffsetInFile(const Place& file) {
+    for (const Identity& known : TheMemory().Noted()) {
+        if (known.place == file) return known.length;
+    }
+    return 0;
 }
 
 std::string NameWithoutFolder(const std::wstring& path) {
@@ -160,7 +203,7 @@ Result OpenedArchive::Open(const char* source, LONG_PTR length, uint32_t flag) {
         return opened;
     }
     Identity identity = IdentityOf(source, length, flag, *bytes_);
-    TheMemory().NoteLength(identity.place, length);
+    TheMemory().Note(identity);
     archive_ = TheMemory().Exchange(nullptr);
     if (archive_ != nullptr && archive_->identity == identity) {
         archive_->source.Set(bytes_.get());
@@ -175,9 +218,9 @@ Result OpenedArchive::Open(const char* source, LONG_PTR length, uint32_t flag) {
 
 Result OpenedArchive::OpenListed(const char* source, uint32_t flag) {
     if (source == nullptr) return Result::kInternalError;
-    const auto length = TheMemory().LengthOf(PlaceOf(source, flag));
-    if (!length && IsBlock(flag)) return Result::kInternalError;
-    return Open(source, length.value_or(0), flag);
+    if (!IsBlock(flag)) return Open(source, OffsetInFile(PlaceOf(source, flag)), flag);
+    const auto length = LengthOfBlock(source, flag);
+    return length ? Open(source, *length, flag) : Result::kInternalError;
 }
 
 ArchiveReader& OpenedArchive::Reader() {

@@ -26,7 +26,8 @@ class OpenedArchive {
     codec::Result Open(const char* source, LONG_PTR length, uint32_t flag);
 
     // The same for GetFile, which is not told the length: it is that of the last Open of the same
-    // file or block. kInternalError for a block that was not opened before.
+    // file or block, which the host may have moved since. kInternalError for a block that was not
+    // opened before or has become shorter.
     codec::Result OpenListed(const char* source, uint32_t flag);
 
     // The rest may be called only behind a success of Open.

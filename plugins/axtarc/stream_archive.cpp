@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cwchar>
+#include <string_view>
 
 #include "plugins/axtarc/little_endian.h"
 #include "plugins/axtarc/name_encoding.h"
@@ -10,6 +12,15 @@ namespace tessary::unpack {
 namespace {
 
 using codec::Result;
+
+// What may be unpacked to list an archive: so many bytes, and so many times its own size.
+constexpr uint64_t kMostUnpacked = 1u << 30;
+constexpr uint64_t kMostTimesUnpacked = 200;
+
+// Whether stepping over a member means to unpack it.
+bool UnpacksWhenSkipping(Format format) {
+    return format != Format::kTar && format != Format::kRar && format != Format::kZip;
+}
 
 const char* MethodName(int formatCode, Format format) {
     switch (formatCode & ARCHIVE_FORMAT_BASE_MASK) {
@@ -37,17 +48,30 @@ const char* MethodName(int formatCode, Format format) {
     }
 }
 
+// Whether `wide` tells no more than `bytes`: on Windows libarchive makes a character of each byte
+// of a name in no known encoding.
+bool IsOnlyWidened(const wchar_t* wide, std::string_view bytes) {
+    return std::equal(bytes.begin(), bytes.end(), wide, wide + std::wcslen(wide),
+                      [](char byte, wchar_t character) {
+                          return static_cast<wchar_t>(static_cast<uint8_t>(byte)) == character;
+                      });
+}
+
 void TakeName(archive_entry* entry, Format format, Member& member) {
+    const bool isAlwaysUnicode = format == Format::kSevenZip || format == Format::kRar5;
     const char* bytes = archive_entry_pathname(entry);
     if (bytes != nullptr) member.name = bytes;
-    member.nameIsUtf8 = LooksLikeUtf8(member.name);
-    if (member.nameIsUtf8) return;
-    // libarchive turns the separators of RAR into `/` byte by byte.
-    if (format == Format::kRar && RestoreSecondHalves(member.name)) return;
-    if (const wchar_t* wide = archive_entry_pathname_w(entry); wide != nullptr) {
+    const wchar_t* wide = archive_entry_pathname_w(entry);
+    if (wide != nullptr && (isAlwaysUnicode || !IsOnlyWidened(wide, member.name))) {
         member.name = Utf8FromWide(wide);
         member.nameIsUtf8 = true;
+        return;
     }
+    member.nameIsUtf8 = LooksLikeUtf8(member.name);
+    // libarchive turns `\` in names of these formats into `/` byte by byte.
+    const bool hasTurned =
+        format == Format::kRar || format == Format::kCab || format == Format::kZip;
+    if (!member.nameIsUtf8 && hasTurned) RestoreSecondHalves(member.name);
 }
 
 // The name of what was compressed into a file of the name `packed`.
@@ -80,8 +104,15 @@ Result StreamArchive::ReadList(const std::string& fileName) {
     codec::Progress nobody;
     StreamReader reader(source_, format_);
     size_t number = 0;
-    while (archive_entry* entry = reader.Next(nobody)) {
+    // Nobody could stop the unpacking of one huge member to get to the next.
+    const uint64_t mostUnpacked = kMostUnpacked + kMostTimesUnpacked * source_.Size();
+    uint64_t unpacked = 0;
+    while (unpacked <= mostUnpacked) {
+        archive_entry* const entry = reader.Next(nobody);
+        if (entry == nullptr) break;
         const size_t entryNumber = number++;
+        const auto size = static_cast<uint64_t>(std::max<int64_t>(archive_entry_size(entry), 0));
+        if (UnpacksWhenSkipping(format_)) unpacked += size;
         if (archive_entry_filetype(entry) != AE_IFREG || archive_entry_hardlink(entry) != nullptr) {
             continue;
         }
@@ -89,7 +120,7 @@ Result StreamArchive::ReadList(const std::string& fileName) {
         TakeName(entry, format_, member);
         member.method = MethodName(reader.FormatCode(), format_);
         member.sizeIsKnown = archive_entry_size_is_set(entry) != 0;
-        member.size = static_cast<uint64_t>(std::max<int64_t>(archive_entry_size(entry), 0));
+        member.size = size;
         member.encrypted = archive_entry_is_data_encrypted(entry) != 0;
         member.time = archive_entry_mtime(entry);
         if (reader.FormatCode() == ARCHIVE_FORMAT_RAW) {

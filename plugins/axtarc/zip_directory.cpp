@@ -63,26 +63,42 @@ std::optional<Extent> Zip64Extent(dib::ByteSource& source, std::span<const uint8
     return std::nullopt;
 }
 
-// Looks for the end record from the end of the file on, behind a comment of any length.
+// What the end record at `at` of `tail`, which stands at `tailOffset` of the file, tells. Null when
+// there is no directory.
+std::optional<Extent> ExtentAt(dib::ByteSource& source, const Bytes& tail, uint64_t tailOffset,
+                               size_t at) {
+    const uint32_t size = Read32(tail, at + 12);
+    const uint32_t offset = Read32(tail, at + 16);
+    const bool mayBe64 =
+        size == kElsewhere || offset == kElsewhere || Read16(tail, at + 10) == 0xFFFF;
+    std::optional<Extent> found;
+    if (mayBe64 && at >= kLocator64Size) {
+        found = Zip64Extent(source, std::span(tail).subspan(at - kLocator64Size),
+                            tailOffset + at - kLocator64Size);
+    }
+    if (!found) found = DirectoryExtent(tailOffset + at, size, offset);
+    if (!found || found->size == 0) return found;
+    const auto mark = ReadExactly(source, found->offset, sizeof kRecordMark);
+    return mark && Read32(*mark, 0) == kRecordMark ? found : std::nullopt;
+}
+
+// Looks for the end record from the end of the file on, behind a comment of any length. Comments
+// may hold what looks like one: a record whose comment ends with the file comes first, and others
+// count only with a directory.
 std::optional<Extent> FindDirectory(dib::ByteSource& source) {
     const uint64_t tailSize =
         std::min<uint64_t>(source.Size(), kLongestComment + kEndSize + kLocator64Size);
     const uint64_t tailOffset = source.Size() - tailSize;
     const auto tail = ReadExactly(source, tailOffset, tailSize);
     if (!tail || tail->size() < kEndSize) return std::nullopt;
-    for (size_t at = tail->size() - kEndSize + 1; at-- > 0;) {
-        if (Read32(*tail, at) != kEndMark) continue;
-        const uint32_t size = Read32(*tail, at + 12);
-        const uint32_t offset = Read32(*tail, at + 16);
-        const bool mayBe64 =
-            size == kElsewhere || offset == kElsewhere || Read16(*tail, at + 10) == 0xFFFF;
-        std::optional<Extent> found;
-        if (mayBe64 && at >= kLocator64Size) {
-            found = Zip64Extent(source, std::span(*tail).subspan(at - kLocator64Size),
-                                tailOffset + at - kLocator64Size);
+    for (const bool mustFit : {true, false}) {
+        for (size_t at = tail->size() - kEndSize + 1; at-- > 0;) {
+            if (Read32(*tail, at) != kEndMark) continue;
+            const bool fits = at + kEndSize + Read16(*tail, at + 20) == tail->size();
+            if (fits != mustFit) continue;
+            const auto found = ExtentAt(source, *tail, tailOffset, at);
+            if (found && (fits || found->size != 0)) return found;
         }
-        if (!found) found = DirectoryExtent(tailOffset + at, size, offset);
-        if (found) return found;
     }
     return std::nullopt;
 }
@@ -185,7 +201,7 @@ std::optional<ZipRecord> ReadRecord(std::span<const uint8_t> bytes, uint64_t shi
     ZipRecord record{bytes.first(size), Read32(bytes, 42), Read16(bytes, 10), false, {}};
     Member& member = record.member;
     const uint16_t flags = Read16(bytes, 8);
-    const auto* const text = reinterpret_cast<const char*>(&bytes[kRecordSize]);
+    const auto* const text = reinterpret_cast<const char*>(bytes.data() + kRecordSize);
     member.name.assign(text, nameSize);
     member.nameIsUtf8 = (flags & kUtf8Flag) != 0 || LooksLikeUtf8(member.name);
     member.encrypted = (flags & kEncryptedFlag) != 0;

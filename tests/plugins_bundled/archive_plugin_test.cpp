@@ -105,22 +105,26 @@ TEST_F(AxtArc, ListsNamesThatEveryHostCanUse) {
                                            {"/aux.png", "3"},
                                            {longName + "/" + longName + ".jpeg", "4"},
                                            {doubleBytes + ".bmp", "5"},
-                                           {"\xF0\x9F\x98\x80\xE8\xA1\xA8.gif", "6"},
+                                           {"\xF0\x9F\x98\x80\xE8\xA1\xA8\xEF\xA8\x99.gif", "6"},
                                            {"\xC3\xBD\xC4\xAF.gif", "7"},
+                                           {"caf\xE9.gif", "9"},
+                                           {"\xE3\x81\x8B\xE3\x82\x99u\xCC\x88.gif", "0"},
                                            {"\xC3\xBD\xC4\xBF.gif", "8"}});
     // The directory says of the last name that it is UTF-8.
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     bytes[text.rfind("PK\1\2") + 9] |= 8;
     const auto list = List(Source(bytes));
-    ASSERT_EQ(list.size(), 8u);
+    ASSERT_EQ(list.size(), 10u);
     const std::string expected[][2] = {
         {"sub\\dir\\", "\x95\x5C.jpg"},
         {"__\\C_\\", "a_b_.txt__"},
         {"", "_aux.png"},
         {std::string(198, 'n') + "\\", std::string(194, 'n') + ".jpeg"},
         {"", doubleBytes.substr(0, 195) + ".bmp"},
-        {"", "__\x95\x5C.gif"},
+        {"", "__\x95\x5C\xFB\x7E.gif"},
         {"", "\xC3\xBD\xC4\xAF.gif"},
+        {"", "caf_.gif"},       // Latin-1: half a character in Shift-JIS
+        {"", "\x82\xAA_.gif"},  // decomposed, as macOS does
         {"", "__.gif"},
     };
     for (size_t i = 0; i < list.size(); ++i) {
@@ -146,6 +150,30 @@ TEST_F(AxtArc, ListsNamesThatEveryHostCanUse) {
     EXPECT_EQ(find("_AUX.png"), 2);
     EXPECT_EQ(find("\x95\x5C.jpg"), 0);
     EXPECT_EQ(find("none"), -1);
+}
+
+TEST_F(AxtArc, ListsShiftJisNamesOfEveryFormatWhole) {
+    for (const Kind kind : {Kind::kTar, Kind::kCab, Kind::kRar, Kind::kZip}) {
+        const std::vector<File> japanese{{"\x95\x5C\x8E\xA6\\\x94\x5C\x83\x5C.bmp", "1"},
+                                         {"\x8A\xBF\x8E\x9A.bmp", "2"}};
+        Bytes bytes = MakeArchive(kind, japanese);
+        if (kind == Kind::kZip) {  // cut short before its directory
+            constexpr std::string_view kRecordMark = "PK\1\2";
+            bytes.erase(
+                std::search(bytes.begin(), bytes.end(), kRecordMark.begin(), kRecordMark.end()),
+                bytes.end());
+        }
+        const auto list = List(Source(bytes));
+        ASSERT_EQ(list.size(), 2u) << static_cast<int>(kind);
+        EXPECT_STREQ(list[0].path, "\x95\x5C\x8E\xA6\\") << static_cast<int>(kind);
+        EXPECT_STREQ(list[0].fileName, "\x94\x5C\x83\x5C.bmp") << static_cast<int>(kind);
+        EXPECT_STREQ(list[1].fileName, "\x8A\xBF\x8E\x9A.bmp") << static_cast<int>(kind);
+    }
+    // Names that are always Unicode: an accented letter, and what is a character in Shift-JIS.
+    EXPECT_STREQ(List(Source(MakeArchive(Kind::kSevenZip, {{"\xE9r.bmp", "1"}})))[0].fileName,
+                 "_r.bmp");
+    EXPECT_STREQ(List(Source(MakeArchive(Kind::kRar5, {{"\xC3\xA9r.bmp", "1"}})))[0].fileName,
+                 "_r.bmp");
 }
 
 TEST_F(AxtArc, ExtractsToMemoryAndToFolders) {
@@ -207,6 +235,24 @@ TEST_F(AxtArc, KeepsNothingOpenAndNoticesOtherData) {
     std::copy(second.begin(), second.end(), block.begin());
     EXPECT_EQ(Extract(Source(block), 1, content), susie::kSuccess);
     EXPECT_EQ(content, "TWO");
+    // Hosts move blocks, other archives take their places, and shorter ones too.
+    EXPECT_EQ(List(Source(Bytes(MakeArchive(Kind::kTar, files)))).size(), 3u);
+    const Bytes moved = block;
+    EXPECT_EQ(Extract(Source(moved), 1, content), susie::kSuccess);
+    EXPECT_EQ(content, "TWO");
+    constexpr size_t kPage = 0x10000;
+    auto* const pages =
+        static_cast<uint8_t*>(VirtualAlloc(nullptr, 2 * kPage, MEM_COMMIT, PAGE_READWRITE));
+    Bytes two = block;
+    two.resize(2 * kPage);
+    std::copy(two.begin(), two.end(), pages);
+    Source freed(two);
+    freed.address = reinterpret_cast<const char*>(pages);
+    EXPECT_EQ(List(freed).size(), 2u);
+    EXPECT_TRUE(VirtualFree(pages + kPage, kPage, MEM_DECOMMIT));
+    pages[0] = 'x';  // no copy of the other block either
+    EXPECT_EQ(Extract(freed, 1, content), susie::kInternalError);
+    VirtualFree(pages, 0, MEM_RELEASE);
 
     // An archive within a file keeps its place for GetFile.
     Bytes behind(128);

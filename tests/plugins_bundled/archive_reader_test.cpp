@@ -160,6 +160,23 @@ TEST(StreamArchive, GoesOnFromWhereItIsWhenSteppingForward) {
     }
 }
 
+TEST(StreamArchive, ListsNoMoreThanCanBeUnpackedInTime) {
+    // 2 GiB of zeros between two headers, in 2 MiB.
+    Bytes tar = MakeArchive(Kind::kTar, {{"a", ""}, {"b", "x"}});
+    tar[512 + 124] = '2';  // the first of 11 octal digits, behind the header of the folder
+    SumTarHeaders(tar);
+    const std::ptrdiff_t split = 1024;
+    const Bytes zeros = Gzip(Bytes(16u << 20));
+    Bytes bomb = Gzip({tar.begin(), tar.begin() + split});
+    for (int i = 0; i < 128; ++i)
+        bomb.insert(bomb.end(), zeros.begin(), zeros.end());
+    const Bytes rest = Gzip({tar.begin() + split, tar.end()});
+    bomb.insert(bomb.end(), rest.begin(), rest.end());
+    Opened archive(bomb);
+    ASSERT_EQ(archive.Count(), 1u);
+    EXPECT_EQ(archive.At(0).size, 2u << 30);
+}
+
 TEST(ZipArchive, KeepsDamageToItsMember) {
     const std::vector<File> files{{"a.txt", SomeText(5000, 1)}, {"b.txt", SomeText(5000, 2)}};
     const Bytes whole = MakeArchive(Kind::kZip, files);
@@ -201,6 +218,24 @@ TEST(ZipArchive, IsFoundBehindOtherDataAndMayBeEmpty) {
     Opened shifted(bytes);
     ASSERT_EQ(shifted.Count(), kFiles.size());
     EXPECT_EQ(shifted.Content(2), kFiles[2].content);
+
+    // Its comment may hold another archive, or what looks like an empty one.
+    Bytes falseEnd(64);
+    std::copy_n("PK\5\6", 4, falseEnd.begin());
+    Bytes comment = MakeArchive(Kind::kZip, {{"other", ""}});
+    comment.insert(comment.end(), falseEnd.begin(), falseEnd.end());
+    Bytes commented = bytes;
+    commented[bytes.size() - 2] = static_cast<uint8_t>(comment.size());
+    commented[bytes.size() - 1] = static_cast<uint8_t>(comment.size() >> 8);
+    commented.insert(commented.end(), comment.begin(), comment.end());
+    EXPECT_EQ(Opened(commented).Count(), kFiles.size());
+    // So may what a download left behind it.
+    bytes.insert(bytes.end(), falseEnd.begin(), falseEnd.end());
+    falseEnd[12] = 1;  // the size of a directory
+    bytes.insert(bytes.end(), falseEnd.begin(), falseEnd.end());
+    Opened trailed(bytes);
+    ASSERT_EQ(trailed.Count(), kFiles.size());
+    EXPECT_NE(trailed.At(2).crc, 0u);  // which only the directory tells
 
     Bytes empty{'P', 'K', 5, 6};
     empty.resize(22);

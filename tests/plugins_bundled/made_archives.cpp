@@ -5,6 +5,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <numeric>
 
 #include "plugins/axtarc/little_endian.h"
 
@@ -68,6 +69,7 @@ Bytes Write(Kind kind, const std::vector<File>& files) {
     archive_write_free(writer);
     for (const File& file : files)
         RestoreName(bytes, file.name);
+    if (kind == Kind::kTar) SumTarHeaders(bytes);
     return bytes;
 }
 
@@ -194,6 +196,34 @@ uint16_t Crc16(std::string_view text) {
 }
 
 }  // namespace
+
+void SumTarHeaders(Bytes& tar) {
+    constexpr std::string_view kMark = "ustar";
+    for (auto header = tar.begin(); tar.end() - header >= 512; header += 512) {
+        if (!std::equal(kMark.begin(), kMark.end(), header + 257)) continue;
+        const auto field = header + 148;
+        std::fill_n(field, 8, uint8_t{' '});
+        unsigned sum = std::accumulate(header, header + 512, 0u);
+        for (int i = 6; i-- > 0; sum >>= 3)
+            field[i] = static_cast<uint8_t>('0' + (sum & 7));
+        field[6] = 0;
+    }
+}
+
+Bytes Gzip(const Bytes& bytes) {
+    z_stream stream{};
+    constexpr int kGzipFormat = 16;
+    deflateInit2(&stream, 9, Z_DEFLATED, kGzipFormat + MAX_WBITS, 9, Z_DEFAULT_STRATEGY);
+    Bytes packed(deflateBound(&stream, static_cast<uLong>(bytes.size())));
+    stream.next_in = const_cast<Bytef*>(bytes.data());
+    stream.avail_in = static_cast<uInt>(bytes.size());
+    stream.next_out = packed.data();
+    stream.avail_out = static_cast<uInt>(packed.size());
+    deflate(&stream, Z_FINISH);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    return packed;
+}
 
 Bytes LzhMember(int level, std::string_view method, const File& file, std::string_view packed) {
     std::string name = file.name;

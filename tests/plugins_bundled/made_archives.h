@@ -36,6 +36,12 @@ constexpr int64_t kFileTime = 1'000'000'000;  // of every member
 // What libarchive writes begins with an entry for "folder/".
 Bytes MakeArchive(Kind kind, const std::vector<File>& files);
 
+// Puts right the sums of headers that were changed.
+void SumTarHeaders(Bytes& tar);
+
+// A compressed stream; one behind the other they make a stream, too.
+Bytes Gzip(const Bytes& bytes);
+
 // One LZH member with a header of that level and packed data as they are; a name with folders is
 // split at `/` from level 1 on.
 Bytes LzhMember(int level, std::string_view method, const File& file, std::string_view packed);
