@@ -90,6 +90,10 @@ class CollectionSusie {
     // The archive plug-in that is bound to the file; when none is, the first that accepts it, as
     // FileSupported finds it. Null when there is none.
     clsSusie* ArchivePlugin(const std::wstring& path);
+    // The same for somebody who is about to list the members, and for one who extracts by that
+    // list: null also when the file has changed since, for the list's positions then mean nothing.
+    clsSusie* ArchiveToList(const std::wstring& path);
+    clsSusie* ListedArchive(const std::wstring& path);
 
     // Unbinds every member; every member that is bound to a block.
     void UnloadFile();
@@ -116,6 +120,12 @@ class CollectionSusie {
         FileStamp stamp;
     };
 
+    // The archive whose members are listed.
+    struct Listing {
+        std::wstring path;
+        std::optional<FileStamp> stamp;
+    };
+
     bool Holds(const Query& query, const std::wstring& path) const;
     int32_t FirstSupporting(const std::wstring& path, int32_t startIndex, std::set<int32_t>& asked);
     int32_t FirstSupporting(HLOCAL memory, const std::wstring& fileName, int32_t startIndex,
@@ -127,6 +137,7 @@ class CollectionSusie {
     std::vector<std::unique_ptr<clsSusie>> members_;
     bool dynamicLoad_ = false;
     bool tryAll_ = true;
+    Listing listing_;
     int32_t lastSuccess_ = 0;  // index of the member that accepted last; 0 when unknown
     Query query_;
     std::optional<PluginCall> interruptedCall_;

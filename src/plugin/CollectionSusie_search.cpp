@@ -141,6 +141,17 @@ clsSusie* CollectionSusie::ArchivePlugin(const std::wstring& path) {
     return nullptr;
 }
 
+clsSusie* CollectionSusie::ArchiveToList(const std::wstring& path) {
+    listing_ = {path, StampOf(path)};
+    return ArchivePlugin(path);
+}
+
+clsSusie* CollectionSusie::ListedArchive(const std::wstring& path) {
+    const bool changed =
+        EqualsIgnoreCase(listing_.path, path) && listing_.stamp != StampOf(path);
+    return changed ? nullptr : ArchivePlugin(path);
+}
+
 int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex,
                                         std::set<int32_t>& asked) {
     const int32_t start = std::max(startIndex, 1);

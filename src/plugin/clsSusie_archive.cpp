@@ -1,10 +1,37 @@
 // The members of a bound archive: listing and extracting them.
 #include "app/base/paths.h"
 #include "plugin/clsSusie.h"
+#include "plugin/member_file.h"
+#include "plugin/member_file_name.h"
 #include "plugin/private_folder.h"
 #include "plugin/source_block.h"
 
 namespace tessary {
+namespace {
+
+// Blocks are made somewhat longer than the member, by plug-ins or by the system.
+constexpr size_t kMostSurplus = 16;
+
+// How much of a block is the member. Sizes that are far off are wrong: then all of it.
+size_t MemberSize(size_t blockSize, uint64_t listedSize) {
+    const bool isSurplus = listedSize != 0 && listedSize < blockSize &&
+                           blockSize - listedSize <= kMostSurplus;
+    return isSurplus ? static_cast<size_t>(listedSize) : blockSize;
+}
+
+// Plug-ins that extract to disk only say so in several ways.
+bool IsWorthTheDisk(int32_t result) {
+    return result == kResultNotExported || result == susie::kUnknownFormat ||
+           result == susie::kInternalError;
+}
+
+void RequireContent(const OwnedBlock& content) {
+    if (!IsLocalHandleValid(content.Get()) || LocalHandleSize(content.Get()) == 0) {
+        throw DecodeError(susie::kBrokenData, kExtractingFailedText);
+    }
+}
+
+}  // namespace
 
 void clsSusie::ReadMembers(Binding& binding) {
     OwnedBlock list;
@@ -56,10 +83,29 @@ OwnedBlock clsSusie::DecodeArchive(int32_t index, const SusieProgress& progress)
         RequireNoCall();
         const susie::FileInfo& member = MemberAt(index);
         RequireModule();
-        return Extract(member, progress);
+        OwnedBlock content = Extract(member, progress);
+        RequireContent(content);
+        return content;
     });
 }
 
+void clsSusie::DecodeArchive(int32_t index, const std::wstring& folder,
+                             const std::wstring& fileName, const SusieProgress& progress) {
+    Member(L"DecodeArchive(", [&] {
+        RequireNoCall();
+        const susie::FileInfo& member = MemberAt(index);
+        RequireModule();
+        const OwnedBlock content = Extract(member, progress);
+        if (member.fileSize != 0) RequireContent(content);
+        const BlockLock lock(content.Get());
+        const size_t size = MemberSize(lock.Size(), member.fileSize);
+        if (!WriteMemberFile(folder, fileName, lock.Bytes().first(size))) {
+            throw PluginError(kErrorSavingFailed, kSavingFailedText);
+        }
+    });
+}
+
+// The block may be missing or empty.
 OwnedBlock clsSusie::Extract(const susie::FileInfo& member, const SusieProgress& progress) {
     const Source archive(bound_);
     if (!archive.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
@@ -73,12 +119,17 @@ OwnedBlock clsSusie::Extract(const susie::FileInfo& member, const SusieProgress&
             : calls_.GetFileSM(bound_.pluginName, position, handle, ProgressRelay::Callback());
     // What a failed call leaves behind may be freed already: it is not touched.
     if (result == susie::kSuccess) content = OwnedBlock(handle);
-    if (result == kResultNotExported) result = ExtractOverDisk(archive, position, content);
+    if (IsWorthTheDisk(result)) {
+        // The plug-in itself makes a file name of the member's.
+        const std::wstring name = ArchiveMemberName(member);
+        if (SafeMemberName(name) != name) {
+            throw DecodeError(static_cast<uint32_t>(result), kUnsafeMemberText);
+        }
+        const int32_t diskResult = ExtractOverDisk(archive, position, content);
+        if (result == kResultNotExported || diskResult == susie::kSuccess) result = diskResult;
+    }
     if (result != susie::kSuccess) {
         throw DecodeError(static_cast<uint32_t>(result), kExtractingFailedText);
-    }
-    if (!IsLocalHandleValid(content.Get()) || LocalHandleSize(content.Get()) == 0) {
-        throw DecodeError(susie::kBrokenData, kExtractingFailedText);
     }
     return content;
 }

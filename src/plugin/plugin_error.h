@@ -37,6 +37,8 @@ inline constexpr wchar_t kNothingBoundText[] = L"画像(圧縮)ファイルが�
 inline constexpr wchar_t kNotSupportedText[] = L"サポートされていないファイル形式です";
 inline constexpr wchar_t kDecodingFailedText[] = L"画像の展開に失敗しました";
 inline constexpr wchar_t kExtractingFailedText[] = L"圧縮ファイルの展開に失敗しました";
+inline constexpr wchar_t kUnsafeMemberText[] =
+    L"圧縮ファイル内のファイル名が不正なため、展開できません";
 inline constexpr wchar_t kDrawingFailedText[] = L"画像イメージを表示する際にエラーが発生しました";
 inline constexpr wchar_t kSavingFailedText[] = L"ファイルの保存に失敗しました";
 inline constexpr wchar_t kNoTemporaryFolderText[] = L"一時フォルダを作成できません";

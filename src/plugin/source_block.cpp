@@ -10,8 +10,8 @@
 namespace tessary {
 namespace {
 
-// Leaves room for a null block beyond what LocalAlloc can give in a 32-bit process.
-constexpr int64_t kLargestBlock = 0x7FFF0000;
+// Leaves a 32-bit process room for what is made of the block.
+constexpr int64_t kLargestBlock = 0x20000000;
 constexpr size_t kLongestName = MAX_PATH - 1;
 
 UniqueFile OpenForReading(const std::wstring& path) {

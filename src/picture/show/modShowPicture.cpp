@@ -53,7 +53,7 @@ ShownFile Show(ReadResult result, PictureView& view, OnFailure onFailure) {
 
 // Fills the list with the members of the archive that was just recognised.
 void ListMembers(const std::wstring& path, MemberList& list) {
-    clsSusie* const archive = SusieCollection().ArchivePlugin(path);
+    clsSusie* const archive = SusieCollection().ArchiveToList(path);
     if (archive == nullptr) return;
     std::vector<ListedMember> members = archive->GetExpandFileList();
     SortNaturally(members);

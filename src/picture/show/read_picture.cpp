@@ -14,7 +14,8 @@ namespace {
 
 constexpr wchar_t kBrokenBitmapText[] =
     L"ビットマップファイルが壊れているか、対応していない形式です。";
-constexpr wchar_t kNoArchiveText[] = L"圧縮ファイルが存在しないか、読み取れなくなっています。";
+constexpr wchar_t kNoArchiveText[] = 
+    L"圧縮ファイルが変更されたか、読み取れなくなっています。開き直してください。";
 
 std::wstring SubjectOf(const std::wstring& path) {
     return L"ファイル " + path;
@@ -148,7 +149,7 @@ ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
 
 ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {
     if (PluginCallUnderWay()) return {};
-    clsSusie* const archive = SusieCollection().ArchivePlugin(archivePath);
+    clsSusie* const archive = SusieCollection().ListedArchive(archivePath);
     std::wstring subject = SubjectOf(archivePath);
     if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
     std::wstring name;

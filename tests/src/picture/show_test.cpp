@@ -260,6 +260,20 @@ TEST_F(ShowTest, MembersAreShownWhateverBecomesOfTheOthers) {
     EXPECT_EQ(show(1).failure, L"");
 }
 
+TEST_F(ShowTest, AnArchiveThatWasReplacedIsNotReadByItsOldList) {
+    UsePlugins({{L"axtsa.spi", ""}});
+    const std::wstring file = files_.Write(L"a.tsa", test::ArchiveOf({{"1.bmp", "a"}}));
+    ASSERT_EQ(Show(file).kind, kFileArchive);
+    files_.Write(L"a.tsa", test::ArchiveOf({{"other.bmp", "b"}, {"1.bmp", "a"}}));
+    const auto saysChanged = [&] {
+        const ShownFile shown = ShowArchiveMember(file, 1, view_, OnFailure::kStaySilent);
+        return shown.failure.find(L"変更") != std::wstring::npos;
+    };
+    EXPECT_TRUE(saysChanged());
+    Show(file);
+    EXPECT_FALSE(saysChanged());
+}
+
 TEST_F(ShowTest, AFailureIsHandedBackWhereNoMessageMayAppear) {
     UsePlugins({{L"a.spi", "answer:GetPicture:2\n"}});
     const std::wstring broken = files_.Write(L"a.tst", "TST 30x20x24\n");

@@ -88,6 +88,13 @@ TEST_F(ArchiveTest, FailedExtractionsAreToldAndLeaveTheArchiveBound) {
     }
 }
 
+TEST_F(ArchiveTest, PluginsThatOnlyKnowTheDiskGetNoNameThatLeadsOutOfTheFolder) {
+    plugin_.SetFile(
+        folder_.Write(L"x.tsa", ArchiveOf({{"..\\..\\out.tessary", "x"}}, "no-memory\n")));
+    EXPECT_EQ(Raised([&] { Extracted(1); }), kErrorDecodingFailed);
+    EXPECT_FALSE(PathExists(TemporaryFolder() + L"out.tessary"));
+}
+
 TEST_F(ArchiveTest, FoldersAreNoFiles) {
     plugin_.SetFile(folder_.Write(L"x.tsa", ArchiveOf({{"DIR/", ""},
                                                        {"dir/sub", ""},

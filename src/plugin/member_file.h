@@ -1,0 +1,17 @@
+// Writing an extracted member to its file.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace tessary {
+
+// Writes the file `fileName`, a safe relative name (member_file_name.h), below `folder`, which must
+// exist. Folders in between are made; one that is a link to another place is refused, so that
+// nothing is ever written elsewhere. What is there is replaced by the complete file. False when it
+// cannot be written; no part of it is left then.
+bool WriteMemberFile(const std::wstring& folder, const std::wstring& fileName,
+                     std::span<const uint8_t> content);
+
+}  // namespace tessary
