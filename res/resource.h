@@ -11,6 +11,7 @@
 #define menuOpenWindow 103
 #define menuSaveWindow 104
 #define acceleratorsMainWindow 110
+#define acceleratorsClipboard 111
 
 #define menuFile 1000
 #define menuFileOpen 1001
@@ -68,6 +69,7 @@
 #define dialogOpenFolder 200
 #define dialogNewFolder 201
 #define dialogDirList 202
+#define dialogSaveOption 203
 
 #define openFolderPath 2001
 #define openFolderUp 2002
@@ -84,3 +86,26 @@
 
 #define dirListFolder 2201
 #define dirListCount 2202
+
+// Three panels in the same place, one per format, each with its controls numbered in a row.
+#define pictureOptionPanel_0 2300  // BMP
+#define optionBMPFileTypeFrame 2301
+#define optionBMPFileType_0 2302
+#define optionBMPFileType_1 2303
+#define checkRLE 2304
+#define pictureOptionPanel_1 2320  // JPEG
+#define labelJpegQuality 2321
+#define valueJpegQuality 2322
+#define sliderJpegQuality 2323
+#define labelJpegQualityLow 2324
+#define labelJpegQualityHigh 2325
+#define checkJPEGOptimize 2326
+#define checkJPEGProgressive 2327
+#define pictureOptionPanel_2 2340  // PNG
+#define labelPNGQuality 2341
+#define valuePNGQuality 2342
+#define sliderPNGQuality 2343
+#define labelPNGQualityLow 2344
+#define labelPNGQualityHigh 2345
+#define checkPNGInterless 2346
+#define pictureOptionPanelsEnd 2360

@@ -12,8 +12,11 @@
 #include "plugin/modSusie.h"
 #include "ui/control/frmControl.h"
 #include "ui/control/open_commands.h"
+#include "ui/control/save_commands.h"
 #include "ui/form/message_loop.h"
+#include "ui/main/clipboard_commands.h"
 #include "ui/main/frmMain.h"
+#include "ui/main/wallpaper_commands.h"
 
 namespace tessary {
 namespace {
@@ -58,6 +61,9 @@ int Main() {
     frmControl controlBar(window);
     window.SetControlBar(controlBar);
     OpenCommands openCommands(window, controlBar);
+    SaveCommands saveCommands(window);
+    ClipboardCommands clipboardCommands(window);
+    WallpaperCommands wallpaperCommands(window);
     if (!window.Load() || !controlBar.Load(window.Handle())) {
         TellFailedStart({});
         return 1;

@@ -2,6 +2,8 @@
 
 #include <olectl.h>
 
+#include <cstring>
+
 #include "app/base/handles.h"
 
 namespace tessary {
@@ -50,6 +52,31 @@ bool DIBToPicture(HDC context, const LockedPair& pair, IPicture** picture) {
     if (*picture == nullptr) return false;
     (void)bitmap.Release();
     return true;
+}
+
+OwnedPicture CreateDIBFromBitmap(HDC context, HBITMAP bitmap) {
+    BITMAP size{};
+    if (GetObjectW(bitmap, sizeof(size), &size) == 0) return {};
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof(info.bmiHeader);
+    info.bmiHeader.biWidth = size.bmWidth;
+    info.bmiHeader.biHeight = size.bmHeight;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 24;
+    const uint64_t stride = dib::RowStride(static_cast<uint64_t>(size.bmWidth), 24);
+    const uint64_t bytes = stride * static_cast<uint64_t>(size.bmHeight);
+    if (bytes > MAXLONG) return {};
+    info.bmiHeader.biSizeImage = static_cast<DWORD>(bytes);
+    OwnedBlock header = FilledBlock(sizeof(info.bmiHeader), [&](std::span<uint8_t> target) {
+        std::memcpy(target.data(), &info.bmiHeader, target.size());
+    });
+    bool complete = false;
+    OwnedBlock bits = FilledBlock(static_cast<size_t>(bytes), [&](std::span<uint8_t> target) {
+        complete = GetDIBits(context, bitmap, 0, static_cast<UINT>(size.bmHeight), target.data(),
+                             &info, DIB_RGB_COLORS) == size.bmHeight;
+    });
+    if (!header || !complete) return {};
+    return OwnedPicture({header.Release(), bits.Release()});
 }
 
 }  // namespace tessary

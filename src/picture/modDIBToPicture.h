@@ -1,8 +1,10 @@
-// From a locked picture pair to the picture object that a view shows.
+// From a locked picture pair to the picture object that a view shows, and back.
 #pragma once
 
 #include <ocidl.h>
 #include <windows.h>
+
+#include "picture/modMemory.h"
 
 namespace tessary {
 
@@ -24,5 +26,9 @@ IPicture* BitmapToPicture(HBITMAP bitmap);
 // Both steps in one. `picture` receives a reference that the caller releases. False leaves nothing
 // behind.
 bool DIBToPicture(HDC context, const LockedPair& pair, IPicture** picture);
+
+// The way back: the pixels of a bitmap as a plain pair with 24 bits per pixel; empty when that
+// fails. The bitmap stays the caller's.
+OwnedPicture CreateDIBFromBitmap(HDC context, HBITMAP bitmap);
 
 }  // namespace tessary

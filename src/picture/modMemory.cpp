@@ -79,7 +79,11 @@ BlockLock::BlockLock(HLOCAL handle) : handle_(handle) {
 }
 
 BlockLock::~BlockLock() {
-    if (address_ != nullptr) UnlockLocalHandle(handle_);
+    if (address_ == nullptr) return;
+    // Unlocking clears the error code, which may tell why something failed under the lock.
+    const DWORD error = GetLastError();
+    UnlockLocalHandle(handle_);
+    SetLastError(error);
 }
 
 }  // namespace tessary

@@ -74,6 +74,9 @@ struct Module : NullIsNone<HMODULE> {
 struct Key : NullIsNone<HKEY> {
     static void Close(HKEY key) { RegCloseKey(key); }
 };
+struct Global : NullIsNone<HGLOBAL> {
+    static void Close(HGLOBAL block) { GlobalFree(block); }
+};
 struct Menu : NullIsNone<HMENU> {
     static void Close(HMENU menu) { DestroyMenu(menu); }
 };
@@ -97,6 +100,7 @@ using UniqueFind = UniqueHandle<handle_traits::Find>;
 using UniqueMutex = UniqueHandle<handle_traits::Mutex>;
 using UniqueModule = UniqueHandle<handle_traits::Module>;
 using UniqueKey = UniqueHandle<handle_traits::Key>;
+using UniqueGlobal = UniqueHandle<handle_traits::Global>;  // a block of GlobalAlloc
 using UniqueMenu = UniqueHandle<handle_traits::Menu>;
 using UniqueBitmap = UniqueHandle<handle_traits::Bitmap>;
 using UniqueFont = UniqueHandle<handle_traits::Font>;

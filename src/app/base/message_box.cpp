@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "app/base/task_modal.h"
+
 namespace tessary {
 namespace {
 
@@ -18,7 +20,16 @@ int ShowMessageBox(std::wstring_view text, unsigned style, std::wstring_view tit
     const std::wstring message(text);
     const std::wstring caption(title);
     if (Responder()) return Responder()(message, style, caption);
-    return MessageBoxW(GetActiveWindow(), message.c_str(), caption.c_str(), style | MB_TASKMODAL);
+    // The box itself disables its owner only, and MB_TASKMODAL the others only without an owner.
+    const HWND owner = GetActiveWindow();
+    const TaskModal modal(owner);
+    // An owner that is disabled could not become active again behind the box: another program's
+    // window would.
+    const bool wasDisabled = owner != nullptr && !IsWindowEnabled(owner);
+    if (wasDisabled) EnableWindow(owner, TRUE);
+    const int answer = MessageBoxW(owner, message.c_str(), caption.c_str(), style);
+    if (wasDisabled) EnableWindow(owner, FALSE);
+    return answer;
 }
 
 void SetMessageBoxResponder(MessageBoxResponder responder) {

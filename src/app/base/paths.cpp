@@ -109,6 +109,19 @@ std::vector<std::wstring> FilesInFolder(std::wstring_view folder, std::wstring_v
     return files;
 }
 
+std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths) {
+    std::vector<std::wstring> files;
+    for (const std::wstring& path : paths) {
+        if (IsFolder(path)) {
+            std::vector<std::wstring> inFolder = FilesInFolder(path);
+            std::move(inFolder.begin(), inFolder.end(), std::back_inserter(files));
+        } else {
+            files.push_back(path);
+        }
+    }
+    return files;
+}
+
 std::optional<std::string> AnsiPathOf(std::wstring_view path) {
     const auto fitting = [](std::wstring_view text) {
         std::optional<std::string> ansi = ToAnsiExact(text);

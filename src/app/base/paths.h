@@ -39,6 +39,9 @@ bool IsFolder(std::wstring_view path);
 // The plain files directly in a folder, as full paths in listing order; sub-folders are left out.
 std::vector<std::wstring> FilesInFolder(std::wstring_view folder, std::wstring_view pattern = L"*");
 
+// The paths with the plain files directly in it in place of each folder.
+std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths);
+
 // A name for the file that ANSI interfaces (plug-ins) can open: the path itself, else its short
 // form; nothing when the code page holds neither or both are longer than such interfaces take (259
 // bytes).

@@ -55,11 +55,16 @@ frmControl::frmControl(frmMain& window)
                    }}),
       accelerators_(
           acceleratorsMainWindow, [&window] { return window.Handle(); },
-          [this](HWND focused) {
-              return Handle() != nullptr && GetAncestor(focused, GA_ROOT) == Handle();
+          [this](const MSG& key) {
+              if (Handle() == nullptr || GetAncestor(key.hwnd, GA_ROOT) != Handle()) return false;
+              // There the key would seem to be about the entry of the delete list.
+              return key.wParam != VK_DELETE || !listDelete_.HasFocus();
           }),
       dialogKeys_([this](MSG& message) { return TakesMessage(message); }) {
     RegisterCommands();
+    window_.OnPictureShownChanged([this] {
+        if (formLoaded_) UpdateToolbar();
+    });
 }
 
 void frmControl::RegisterCommands() {
@@ -119,8 +124,13 @@ void frmControl::CreateControls() {
     cmdDelList_.OnClick([this] { cmdDelList_Click(); });
     cmdCancel_.Create(Handle(), L"取り消し(&U)");
     cmdCancel_.OnClick([this] { cmdCancel_Click(); });
-    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_})
+    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_}) {
         button->SetEnabled(false);
+        button->OnKeyDown([button](int keyCode, int) {
+            if (keyCode == VK_RETURN) SendMessageW(button->Handle(), BM_CLICK, 0, 0);
+            return keyCode == VK_RETURN;
+        });
+    }
 }
 
 void frmControl::Form_MetricsChanged() {
@@ -171,9 +181,16 @@ void frmControl::ReadPlace() {
     if (isNew) window_.MakeRoomAbove(Metrics(Handle()).Scale(kUnfoldedHeight + kMargin));
 }
 
+RECT frmControl::Frame() const {
+    RECT frame{};
+    GetWindowRect(Handle(), &frame);
+    return frame;
+}
+
 void frmControl::SavePlace() {
-    RECT bar{};
-    GetWindowRect(Handle(), &bar);
+    if (Handle() == nullptr) return;
+    RECT bar = Frame();
+    OffsetRect(&bar, 0, risenBy_);
     const int dpi = Metrics(Handle()).Dpi();
     const auto save = [&](const wchar_t* key, const std::wstring& text) {
         Trapped([&] { SaveSetting(kSection, key, text); });
@@ -221,7 +238,6 @@ void frmControl::ShowFoldedOrNot() {
          std::initializer_list<Control*>{&listDelete_, &cmdOK_, &cmdDelList_, &cmdCancel_}) {
         control->SetVisible(deletePanelOpen_);
     }
-    InvalidateRect(Handle(), nullptr, TRUE);
 }
 
 bool frmControl::IsVisible() const {
@@ -230,8 +246,19 @@ bool frmControl::IsVisible() const {
 
 void frmControl::SetVisible(bool visible) {
     if (visible && !Load(window_.Handle())) return;
+    if (visible) MoveOntoScreen();
     // The main window keeps the focus when the bar appears, and gets it back when it goes.
     if (Handle() != nullptr) ShowWindow(Handle(), visible ? SW_SHOWNOACTIVATE : SW_HIDE);
+}
+
+// The screen that the bar was on may be gone.
+void frmControl::MoveOntoScreen() {
+    const RECT bar = Frame();
+    if (MonitorFromRect(&bar, MONITOR_DEFAULTTONULL) != nullptr) return;
+    RECT main{};
+    GetWindowRect(window_.Handle(), &main);
+    SetWindowPos(Handle(), nullptr, main.left, main.top, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void frmControl::Unload() {
@@ -338,6 +365,14 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_KEYDOWN:
             window_.pictureView_KeyDown(static_cast<int>(wParam), CurrentShiftState());
             return 0;
+        case WM_ACTIVATE:
+            if (LOWORD(wParam) == WA_INACTIVE && IsChild(Handle(), GetFocus())) {
+                lastFocus_ = GetFocus();
+            }
+            break;
+        case WM_SETFOCUS:
+            if (busy_ == 0 && !inBurst_) FocusPart(lastFocus_);
+            return 0;
         case WM_SETCURSOR:
             if (LOWORD(lParam) != HTCLIENT || !IsReadUnderWay() || player_.IsPlaying()) break;
             SetCursor(LoadCursorW(nullptr, IDC_WAIT));
@@ -356,13 +391,28 @@ bool frmControl::PassKeyOn(int keyCode, int shift) {
     return true;
 }
 
-// Tab goes from control to control, Alt and a letter to a button; a focused button takes Enter.
+// Gives the focus to a control of the bar, or where that cannot have it, to the files.
+void frmControl::FocusPart(HWND part) {
+    const auto canHave = [&](HWND window) {
+        return IsChild(Handle(), window) && IsWindowVisible(window) && IsWindowEnabled(window);
+    };
+    for (const HWND window : {part, listFileName_.Handle(), coolBar_.Handle()}) {
+        if (canHave(window)) {
+            ::SetFocus(window);
+            return;
+        }
+    }
+}
+
+// Tab goes from control to control, Alt and a letter to a button.
 bool frmControl::TakesMessage(MSG& message) const {
-    if (Handle() == nullptr || !IsChild(Handle(), message.hwnd)) return false;
-    const bool isKey = message.message == WM_KEYDOWN || message.message == WM_SYSCHAR;
+    if (Handle() == nullptr) return false;
+    if (message.hwnd != Handle() && !IsChild(Handle(), message.hwnd)) return false;
     const bool onButton = cmdOK_.HasFocus() || cmdDelList_.HasFocus() || cmdCancel_.HasFocus();
-    if (!isKey && !onButton) return false;
-    if (message.message == WM_KEYDOWN && message.wParam != VK_TAB && !onButton) return false;
+    const bool isArrow = message.wParam >= VK_LEFT && message.wParam <= VK_DOWN;
+    const bool moves =
+        message.message == WM_KEYDOWN && (message.wParam == VK_TAB || (onButton && isArrow));
+    if (!moves && message.message != WM_SYSCHAR) return false;
     return IsDialogMessageW(Handle(), &message) != FALSE;
 }
 

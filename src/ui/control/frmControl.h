@@ -7,8 +7,10 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "picture/show/member_list.h"
+#include "picture/show/modShowPicture.h"
 #include "ui/control/player.h"
 #include "ui/control/toolbar_images.h"
 #include "ui/form/accelerators.h"
@@ -54,9 +56,11 @@ class frmControl final : public Form, public ControlBar, public MemberList {
 
     // ControlBar
     void ClearLists() override;
+    std::vector<std::wstring> FileList() const override;
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
     void SetVisible(bool visible) override;
+    void SavePlace() override;
     void Unload() override;
 
     // MemberList
@@ -85,7 +89,6 @@ class frmControl final : public Form, public ControlBar, public MemberList {
 
     void CreateControls();
     void ReadPlace();
-    void SavePlace();
     void RollUp();
     void RollDown();
     void SetHeight(int pixelsAt96Dpi);
@@ -94,6 +97,9 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     LRESULT HitTest(LPARAM onScreen) const;
     void RegisterCommands();
     bool PassKeyOn(int keyCode, int shift);
+    void FocusPart(HWND part);
+    void MoveOntoScreen();
+    RECT Frame() const;
     bool TakesMessage(MSG& message) const;
 
     // --- The lists (frmControl_lists.cpp) ---
@@ -103,6 +109,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void ShowListedFile(const std::wstring& path);
     void ShowListedMember();
     void ShowNoArchive();
+    OnFailure FailureWay() const;
     void TellFailure(const std::wstring& failure);
     void TellInfo(const std::wstring& info);
     void TellShown(const std::wstring& text);
@@ -126,6 +133,10 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     // --- The delete list (frmControl_delete.cpp) ---
     void AddToDeleteList();
     void OpenDeletePanel();
+    void RiseForPanel();
+    void MoveBy(int pixelsDown);
+    void DeleteFromDisk(const std::vector<std::wstring>& paths);
+    void ForgetDeleted(const std::wstring& path);
     void CloseDeletePanel();
     void listDelete_DblClick();
     void cmdOK_Click();
@@ -151,7 +162,9 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     bool inBurst_ = false;                  // there is a Burst
     std::optional<std::wstring> lateInfo_;  // what is to be told behind the burst
     std::optional<std::wstring> lateShown_;
-    int stops_ = 0;  // how often the stop button was pressed
+    HWND lastFocus_ = nullptr;  // the control that had the focus when the window lost it
+    int risenBy_ = 0;           // pixels that the window has moved up for the delete panel
+    int stops_ = 0;             // how often the stop button was pressed
     Player player_;
     Accelerators accelerators_;
     MessageFilter dialogKeys_;

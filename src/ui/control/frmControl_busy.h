@@ -22,7 +22,7 @@ class frmControl::Busy {
   private:
     frmControl& bar_;
     HWND focused_;
-    ReadUnderWay reading_;
+    std::optional<ReadUnderWay> reading_;
     std::optional<BusyPointer> pointer_;  // none while playing: it would flicker
 };
 
@@ -38,8 +38,8 @@ class frmControl::Burst {
   private:
     frmControl& bar_;
     HWND focused_;
-    RedrawHold files_;
-    RedrawHold members_;
+    std::optional<RedrawHold> files_;
+    std::optional<RedrawHold> members_;
 };
 
 }  // namespace tessary

@@ -1,12 +1,13 @@
 // The delete list: files picked out of the file list, to be deleted from the disk or merely dropped
 // from viewing.
 #include <algorithm>
+#include <utility>
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
 #include "plugin/modSusie.h"
 #include "ui/control/delete_file.h"
-#include "ui/control/frmControl.h"
+#include "ui/control/frmControl_busy.h"
 
 namespace tessary {
 
@@ -28,10 +29,30 @@ void frmControl::AddToDeleteList() {
 void frmControl::OpenDeletePanel() {
     deletePanelOpen_ = true;
     SetHeight(kDeletePanelHeight);
+    RiseForPanel();
     for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_})
         button->SetEnabled(true);
     ShowFoldedOrNot();
     UpdateToolbar();
+}
+
+void frmControl::MoveBy(int pixelsDown) {
+    const RECT frame = Frame();
+    SetWindowPos(Handle(), nullptr, frame.left, frame.top + pixelsDown, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// At the lower edge of the screen the panel's buttons would be out of reach.
+void frmControl::RiseForPanel() {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromWindow(Handle(), MONITOR_DEFAULTTONEAREST), &monitor);
+    const RECT frame = Frame();
+    const LONG below = std::max<LONG>(frame.bottom - monitor.rcWork.bottom, 0);
+    const LONG room = std::max<LONG>(frame.top - monitor.rcWork.top, 0);
+    const auto rise = static_cast<int>(std::min(below, room));
+    risenBy_ += rise;
+    if (rise != 0) MoveBy(-rise);
 }
 
 void frmControl::CloseDeletePanel() {
@@ -39,6 +60,7 @@ void frmControl::CloseDeletePanel() {
     for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_})
         button->SetEnabled(false);
     isRollUp_ ? RollUp() : RollDown();
+    MoveBy(std::exchange(risenBy_, 0));
     UpdateToolbar();
 }
 
@@ -62,23 +84,44 @@ void frmControl::cmdDelList_Click() {
     cmdCancel_Click();
 }
 
+// Deletes what the question was about, whatever happens to the list meanwhile.
 void frmControl::cmdOK_Click() {
-    if (ShowMessageBox(L"リスト内の " + std::to_wstring(listDelete_.Count()) +
+    if (busy_ > 0) return;
+    std::vector<std::wstring> paths;
+    for (int i = 0; i < listDelete_.Count(); ++i)
+        paths.push_back(listDelete_.Item(i));
+    if (ShowMessageBox(L"リスト内の " + std::to_wstring(paths.size()) +
                            L"個のファイルをディスクから削除します。",
                        MB_OKCANCEL | MB_ICONINFORMATION) != IDOK) {
         return;
     }
     try {
-        SusieCollection().UnloadFile();  // plug-ins keep archives open
-        for (int i = listDelete_.Count() - 1; i >= 0; --i) {
-            const DeleteOutcome outcome = DeleteListedFile(listDelete_.Item(i));
-            if (outcome == DeleteOutcome::kAbort) return;
-            if (outcome == DeleteOutcome::kDeleted) listDelete_.Remove(i);
-        }
-        if (listDelete_.Count() == 0) CloseDeletePanel();
+        DeleteFromDisk(paths);
     } catch (...) {
         const RaisedError error = CurrentError();
         ReportUnexpectedError(error.Number(), error.Description(), L"frmDelete.cmdOK_Click()");
+    }
+    if (Handle() != nullptr && deletePanelOpen_ && listDelete_.Count() == 0) CloseDeletePanel();
+    CloseIfAsked();
+}
+
+// From the last one to the first; the user may break off at a file that cannot be deleted.
+void frmControl::DeleteFromDisk(const std::vector<std::wstring>& paths) {
+    const Busy busy(*this);
+    SusieCollection().UnloadFile();  // plug-ins keep archives open
+    for (auto path = paths.rbegin(); path != paths.rend(); ++path) {
+        const DeleteOutcome outcome = DeleteListedFile(*path);
+        if (outcome == DeleteOutcome::kAbort) return;
+        if (outcome == DeleteOutcome::kDeleted) ForgetDeleted(*path);
+        if (!window_.Breathe()) return;
+    }
+}
+
+void frmControl::ForgetDeleted(const std::wstring& path) {
+    for (int i = listDelete_.Count() - 1; i >= 0; --i) {
+        if (listDelete_.Item(i) != path) continue;
+        listDelete_.Remove(i);
+        return;
     }
 }
 

@@ -28,6 +28,7 @@ bool IsPlainFile(const std::wstring& path) {
 // --- Being busy ---
 
 frmControl::Busy::Busy(frmControl& bar) : bar_(bar), focused_(GetFocus()) {
+    reading_.emplace();
     ++bar_.busy_;
     if (bar_.inBurst_) return;
     if (!bar_.player_.IsPlaying()) pointer_.emplace();
@@ -35,11 +36,13 @@ frmControl::Busy::Busy(frmControl& bar) : bar_(bar), focused_(GetFocus()) {
 }
 
 frmControl::Busy::~Busy() {
+    reading_.reset();
     if (--bar_.busy_ == 0 && !bar_.inBurst_) bar_.EnableParts(focused_);
 }
 
-frmControl::Burst::Burst(frmControl& bar)
-    : bar_(bar), focused_(GetFocus()), files_(bar.listFileName_), members_(bar.listArchiveFile_) {
+frmControl::Burst::Burst(frmControl& bar) : bar_(bar), focused_(GetFocus()) {
+    files_.emplace(bar.listFileName_);
+    members_.emplace(bar.listArchiveFile_);
     bar_.inBurst_ = true;
     bar_.listFileName_.SetEnabled(false);
     bar_.listArchiveFile_.SetEnabled(false);
@@ -49,6 +52,9 @@ frmControl::Burst::~Burst() {
     bar_.inBurst_ = false;
     if (bar_.lateInfo_) bar_.TellInfo(*std::exchange(bar_.lateInfo_, {}));
     if (bar_.lateShown_) bar_.TellShown(*std::exchange(bar_.lateShown_, {}));
+    files_.reset();
+    members_.reset();
+    bar_.ShowFoldedOrNot();  // the bar may have been folded meanwhile
     bar_.EnableParts(focused_);
 }
 
@@ -64,7 +70,7 @@ void frmControl::EnableParts(HWND focused) {
     listArchiveFile_.SetEnabled(archiveShown_);
     UpdateToolbar();
     // A disabled list lost the focus to the bar; keys are to go on where they were.
-    if (GetFocus() == Handle() && IsWindowEnabled(focused)) ::SetFocus(focused);
+    if (GetFocus() == Handle()) FocusPart(focused);
 }
 
 void frmControl::TellInfo(const std::wstring& info) {
@@ -100,7 +106,7 @@ void frmControl::FillFileList(std::span<const std::wstring> files) {
     const Busy busy(*this);
     DoEvents();
     listFileName_.Clear();
-    const RedrawHold hold(listFileName_);
+    std::optional<RedrawHold> hold(std::in_place, listFileName_);
     const std::wstring total = std::to_wstring(static_cast<int64_t>(files.size()) - 1);
     DWORD lastBreath = 0;
     for (size_t i = 0; i < files.size() && !Values().quitRequested; ++i) {
@@ -115,6 +121,8 @@ void frmControl::FillFileList(std::span<const std::wstring> files) {
         }
         if (i > kLastFileIndex) break;
     }
+    hold.reset();
+    ShowFoldedOrNot();  // the bar may have been folded meanwhile
     textFileInfo_.SetText({});
 }
 
@@ -127,12 +135,14 @@ void frmControl::ClearLists() {
 }
 
 void frmControl::SetMembers(std::span<const ListedMember> members) {
-    const RedrawHold hold(listArchiveFile_);
+    std::optional<RedrawHold> hold(std::in_place, listArchiveFile_);
     listArchiveFile_.SetDimmed(false);
     listArchiveFile_.Clear();
     for (const ListedMember& member : members) {
         listArchiveFile_.SetItemData(listArchiveFile_.Add(member.name), member.position);
     }
+    hold.reset();
+    if (!inBurst_) ShowFoldedOrNot();  // the bar may have been folded meanwhile
 }
 
 void frmControl::ShowNoArchive() {
@@ -163,14 +173,12 @@ void frmControl::listFileName_Click() {
 
 void frmControl::ShowListedFile(const std::wstring& path) {
     const std::wstring name = FileNameOf(path);
+    const OnFailure onFailure = FailureWay();
     ShownFile shown;
     {
         const Busy busy(*this);
         TellInfo(kTagLoading + name);
-        shown = Trapped(ShownFile{}, [&] {
-            return ShowFile(path, window_, *this,
-                            player_.IsPlaying() ? OnFailure::kStaySilent : OnFailure::kTellUser);
-        });
+        shown = Trapped(ShownFile{}, [&] { return ShowFile(path, window_, *this, onFailure); });
         std::wstring info = KindTag(shown.kind) + name;
         if (IsPictureKind(shown.kind)) {
             const std::wstring tail = PictureInfoTail();
@@ -179,7 +187,7 @@ void frmControl::ShowListedFile(const std::wstring& path) {
             TellShown(kTagShown + name + tail);
         }
         TellInfo(info);
-        TellFailure(shown.failure);
+        if (onFailure == OnFailure::kStaySilent) TellFailure(shown.failure);
         archiveShown_ = shown.kind == kFileArchive;
     }
     if (archiveShown_) {
@@ -202,13 +210,13 @@ void frmControl::ShowListedMember() {
     const std::wstring archiveName = FileNameOf(archive);
     const int selected = listArchiveFile_.Selected();
     const std::wstring member = FileNameOf(listArchiveFile_.Item(selected));
+    const OnFailure onFailure = FailureWay();
     ShownFile shown;
     {
         const Busy busy(*this);
         shown = Trapped(ShownFile{}, [&] {
-            return ShowArchiveMember(
-                archive, listArchiveFile_.ItemData(selected), window_,
-                player_.IsPlaying() ? OnFailure::kStaySilent : OnFailure::kTellUser);
+            return ShowArchiveMember(archive, listArchiveFile_.ItemData(selected), window_,
+                                     onFailure);
         });
         window_.pictureView().Refresh();
     }
@@ -220,12 +228,16 @@ void frmControl::ShowListedMember() {
         TellShown(kTagShown + archiveName + L" - " + member + archiveName + tail);
     }
     TellInfo(info);
-    TellFailure(shown.failure);
+    if (onFailure == OnFailure::kStaySilent) TellFailure(shown.failure);
 }
 
-// Where no message box may stop the show, the status bar has the reason.
+// No message box may stop a show.
+OnFailure frmControl::FailureWay() const {
+    return player_.IsPlaying() ? OnFailure::kStaySilent : OnFailure::kTellUser;
+}
+
+// The status bar then has the reason.
 void frmControl::TellFailure(const std::wstring& failure) {
-    if (!player_.IsPlaying()) return;
     if (failure.empty() && window_.statusInformation().PanelText(kNoticePanel).empty()) return;
     std::wstring line = failure;
     std::replace(line.begin(), line.end(), L'\r', L' ');

@@ -84,8 +84,16 @@ void frmControl::Step(BarButton button) {
     Press(BarButton::kStop);
 }
 
-// Nothing moves while another window, a dialog or a message, has the program's attention.
+// Nothing moves while another window, a dialog or a message, has the program's attention, nor while
+// a menu is open or a window being dragged: a load would take the messages that they wait for.
 bool frmControl::MayStep() const {
+    GUITHREADINFO state{};
+    state.cbSize = sizeof(state);
+    constexpr DWORD kInLoop =
+        GUI_INMENUMODE | GUI_INMOVESIZE | GUI_POPUPMENUMODE | GUI_SYSTEMMENUMODE;
+    if (GetGUIThreadInfo(GetCurrentThreadId(), &state) && (state.flags & kInLoop) != 0) {
+        return false;
+    }
     return formLoaded_ && busy_ == 0 && !IsReadUnderWay() && !Values().quitRequested &&
            IsWindowEnabled(window_.Handle());
 }
@@ -119,13 +127,14 @@ void frmControl::CoolBar_ButtonDropDown(BarButton button, POINT below) {
 }
 
 bool frmControl::IsUsable(BarButton button) const {
-    if ((busy_ > 0 || inBurst_) && IsOfPlayerGroup(button)) return false;
+    if ((inBurst_ || IsReadUnderWay()) && IsOfPlayerGroup(button)) return false;
     if (player_.IsPlaying() && WaitsForTheEnd(button)) return false;
     switch (button) {
         case BarButton::kOpen:
             return window_.Commands().IsRegistered(menuFileOpen);
         case BarButton::kSave:
-            return window_.Commands().IsRegistered(menuFileSaveAs);
+            // Not whether the command runs now: during a load the button would go grey twice.
+            return window_.PictureShown() && window_.Commands().IsRegistered(menuFileSaveAs);
         case BarButton::kFold:
             return !deletePanelOpen_;
         case BarButton::kCancelDelete:

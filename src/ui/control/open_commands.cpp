@@ -2,13 +2,14 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
-#include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
+#include "app/base/task_modal.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
@@ -20,8 +21,8 @@
 #include "ui/dialogs/DOpenForm.h"
 #include "ui/dialogs/folder_browser.h"
 #include "ui/dialogs/folder_listing.h"
+#include "ui/dialogs/start_folder.h"
 #include "ui/form/busy_pointer.h"
-#include "ui/form/task_modal.h"
 
 namespace tessary {
 namespace {
@@ -35,11 +36,9 @@ constexpr DWORD kProgressDelay = 500;
 // The caption and the progress window change no more often than that.
 constexpr DWORD kProgressInterval = 40;
 
-// The last folder that anything was opened from, kept with the settings. What a first run puts
-// there, the program's own folder, is where no pictures are.
+// The last folder that anything was opened from, kept with the settings.
 std::wstring LastFolder() {
-    const std::wstring& folder = Values().general.openPath;
-    return EqualsIgnoreCase(folder, RemoveBackslash(AppFolder())) ? std::wstring() : folder;
+    return FirstChosenFolder({&Values().general.openPath});
 }
 
 // Above the window that the command was given in: the main window or the control bar.
@@ -97,7 +96,7 @@ Collected CollectFiles(const ScanRequest& request, HWND owner, BusyWindow& busy)
     const ReadUnderWay read;
     Collected collected;
     bool stopped = false;
-    frmDirList progress([&stopped] { stopped = true; });
+    std::optional<frmDirList> progress(std::in_place, [&stopped] { stopped = true; });
     FolderScan scan(request);
     const DWORD start = GetTickCount();
     DWORD lastShown = start - kProgressInterval;
@@ -112,8 +111,8 @@ Collected CollectFiles(const ScanRequest& request, HWND owner, BusyWindow& busy)
                             std::to_wstring(news.looked / kScanStep * kScanStep) + L" 枚]");
         }
         if (now - start < kProgressDelay) continue;
-        if (progress.Handle() == nullptr) progress.Show(owner);
-        progress.ShowProgress(news.folder, news.looked);
+        if (progress->Handle() == nullptr) progress->Show(owner);
+        progress->ShowProgress(news.folder, news.looked);
     }
     if (stopped) {
         scan.Stop();
@@ -121,6 +120,14 @@ Collected CollectFiles(const ScanRequest& request, HWND owner, BusyWindow& busy)
         collected.error = scan.Error();
     }
     scan.Take(collected.files);
+    if (progress->Handle() != nullptr) {
+        // While every other window is disabled, closing the active one would bring another
+        // program to the front.
+        EnableWindow(owner, TRUE);
+        SetActiveWindow(owner);
+        progress.reset();
+        EnableWindow(owner, FALSE);
+    }
     return collected;
 }
 
@@ -173,7 +180,10 @@ void OpenCommands::menuOpenFolder_Click() {
         ReportError(L"frmMain - menuOpenFolder_Click");
     }
     // The window was closed during the search: now nothing keeps it open.
-    if (Values().quitRequested && !IsReadUnderWay()) window_.Unload();
+    // Posted: the toolbar that began it is still at work below us.
+    if (Values().quitRequested && !IsReadUnderWay()) {
+        PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
+    }
 }
 
 // The system's dialog knows neither sub-folders nor extensions.

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "app/base/message_box.h"
-#include "ui/form/task_modal.h"
+#include "app/base/task_modal.h"
 
 namespace tessary {
 namespace {

@@ -21,6 +21,7 @@ namespace tessary {
 namespace {
 
 constexpr UINT kOpenNodeMessage = WM_APP + 1;
+constexpr UINT kBeginMessage = WM_APP + 2;
 
 constexpr int kRowHeight = 20;  // pixels at 96 dpi
 
@@ -95,11 +96,11 @@ void DOpenForm::Dialog_Load() {
     fileName_.clear();
     AttachControls();
     AnchorControls();
-    FillDrives();
     FillExtensions();
     checkSubFolder_.SetChecked(Last().searchSubFolder);
-    ShowStartFolder();
     listFolder_.Tree().SetFocus();
+    // Drives and folders may let one wait: with the dialog on the screen that can be cancelled.
+    PostMessageW(Handle(), kBeginMessage, 0, 0);
 }
 
 void DOpenForm::AttachControls() {
@@ -312,6 +313,11 @@ void DOpenForm::Dialog_Cancel() {
 }
 
 std::optional<LRESULT> DOpenForm::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == kBeginMessage) {
+        FillDrives();
+        ShowStartFolder();
+        return 0;
+    }
     if (message == kOpenNodeMessage) {
         if (waiting_) return 0;
         const std::wstring folder = listFolder_.FolderToOpen(lParam);

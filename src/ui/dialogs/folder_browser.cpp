@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "app/base/paths.h"
-#include "ui/form/task_modal.h"
+#include "app/base/task_modal.h"
 
 namespace tessary {
 namespace {

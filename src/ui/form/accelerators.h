@@ -13,15 +13,15 @@ namespace tessary {
 // Keeps an accelerator table of the program's resources at work for its own life.
 class Accelerators {
   public:
-    // Keys pressed in a window for which `applies` answers true become commands of the window that
-    // `target` answers (null: none).
+    // Key messages for which `applies` answers true become commands of the window that `target`
+    // answers (null: none).
     Accelerators(int resource, std::function<HWND()> target,
-                 std::function<bool(HWND focused)> applies);
+                 std::function<bool(const MSG& key)> applies);
 
   private:
     HACCEL table_;
     std::function<HWND()> target_;
-    std::function<bool(HWND)> applies_;
+    std::function<bool(const MSG&)> applies_;
     MessageFilter filter_;
 };
 

@@ -1,18 +1,13 @@
 #include "ui/form/clipboard.h"
 
 #include <cstring>
-
-#include "app/base/handles.h"
+#include <utility>
 
 namespace tessary {
 namespace {
 
 constexpr int kOpenAttempts = 10;
 constexpr DWORD kPauseMilliseconds = 10;
-
-struct GlobalBlock : handle_traits::NullIsNone<HGLOBAL> {
-    static void Close(HGLOBAL block) { GlobalFree(block); }
-};
 
 }  // namespace
 
@@ -27,20 +22,31 @@ ClipboardSession::~ClipboardSession() {
     if (open_) CloseClipboard();
 }
 
+bool PutOnClipboard(HWND owner, std::span<ClipboardItem> items) {
+    const ClipboardSession clipboard(owner);
+    if (!clipboard || !EmptyClipboard()) return false;
+    bool isFirst = true;
+    for (ClipboardItem& item : items) {
+        if (SetClipboardData(item.format, item.block.Get()) != nullptr) {
+            (void)item.block.Release();
+        } else if (isFirst) {
+            return false;
+        }
+        isFirst = false;
+    }
+    return true;
+}
+
 bool CopyTextToClipboard(HWND owner, const std::wstring& text) {
     const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-    UniqueHandle<GlobalBlock> block(GlobalAlloc(GMEM_MOVEABLE, bytes));
+    UniqueGlobal block(GlobalAlloc(GMEM_MOVEABLE, bytes));
     if (!block) return false;
     void* const address = GlobalLock(block.Get());
     if (address == nullptr) return false;
     std::memcpy(address, text.c_str(), bytes);
     GlobalUnlock(block.Get());
-
-    const ClipboardSession clipboard(owner);
-    if (!clipboard || !EmptyClipboard()) return false;
-    if (SetClipboardData(CF_UNICODETEXT, block.Get()) == nullptr) return false;
-    (void)block.Release();  // the clipboard's own from now on
-    return true;
+    ClipboardItem item{CF_UNICODETEXT, std::move(block)};
+    return PutOnClipboard(owner, {&item, 1});
 }
 
 }  // namespace tessary

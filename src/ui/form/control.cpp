@@ -65,6 +65,8 @@ void Control::SetEnabled(bool enabled) {
     if (handle_ == nullptr || enabled == IsEnabled()) return;
     if (!enabled && HasFocus()) ::SetFocus(GetParent(handle_));
     EnableWindow(handle_, enabled);
+    // A scroll bar that was painted meanwhile looks disabled until somebody paints it again.
+    if (enabled && (GetWindowLongW(handle_, GWL_STYLE) & WS_VSCROLL) != 0) Send(WM_NCPAINT, 1);
 }
 
 void Control::SetVisible(bool visible) {

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "app/base/error.h"
+#include "app/base/task_modal.h"
 #include "ui/form/control.h"
 #include "ui/form/dialog_template.h"
 #include "ui/form/metrics.h"
-#include "ui/form/task_modal.h"
 #include "ui/form/window.h"
 
 namespace tessary {

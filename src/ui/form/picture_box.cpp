@@ -75,13 +75,16 @@ void PictureBox::Paint() const {
     EndPaint(Handle(), &paint);
 }
 
-void PictureBox::PaintPicture(HDC screen, const RECT& visible) const {
+HBITMAP PictureBox::Bitmap() const {
     OLE_HANDLE bitmap = 0;
-    if (FAILED(picture_.Get()->get_Handle(&bitmap))) return;
-    const UniqueMemoryDc memory(CreateCompatibleDC(screen));
+    if (!picture_ || FAILED(picture_.Get()->get_Handle(&bitmap))) return nullptr;
     // Handles of GDI have 32 significant bits; the wider type takes them with their sign.
-    const HGDIOBJ selected = SelectObject(
-        memory.Get(), reinterpret_cast<HGDIOBJ>(static_cast<INT_PTR>(static_cast<int>(bitmap))));
+    return reinterpret_cast<HBITMAP>(static_cast<INT_PTR>(static_cast<int>(bitmap)));
+}
+
+void PictureBox::PaintPicture(HDC screen, const RECT& visible) const {
+    const UniqueMemoryDc memory(CreateCompatibleDC(screen));
+    const HGDIOBJ selected = SelectObject(memory.Get(), Bitmap());
     BitBlt(screen, visible.left, visible.top, visible.right - visible.left,
            visible.bottom - visible.top, memory.Get(), visible.left - position_.x,
            visible.top - position_.y, SRCCOPY);

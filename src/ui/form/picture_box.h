@@ -51,6 +51,8 @@ class PictureBox : public Window {
     // reference of its own and releases the former picture's. A null picture empties the control.
     void SetPicture(IPicture* picture, SIZE size, POINT position);
     IPicture* Picture() const { return picture_.Get(); }
+    // The picture's own bitmap, which lives as long as the picture; null without one.
+    HBITMAP Bitmap() const;
     SIZE PictureSize() const { return size_; }
 
     // Moves the picture inside the area. What stays visible is moved on the screen, only what comes

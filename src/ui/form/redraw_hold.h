@@ -5,8 +5,8 @@
 
 namespace tessary {
 
-// Holds back a control's painting for its own life. The control is not to be shown or hidden
-// meanwhile.
+// Holds back a control's painting for its own life. A control that is shown or hidden meanwhile is
+// to be shown or hidden again behind it.
 class RedrawHold {
   public:
     explicit RedrawHold(const Control& control);

@@ -4,6 +4,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 namespace tessary {
 
@@ -38,11 +39,17 @@ class ControlBar : public FileListReceiver {
     // Empties the lists of files and of archive members.
     virtual void ClearLists() = 0;
 
+    // The full paths of the files being viewed, in the order of their list.
+    virtual std::vector<std::wstring> FileList() const = 0;
+
     // Does what a click on the button does.
     virtual void Press(BarButton button) = 0;
 
     virtual bool IsVisible() const = 0;
     virtual void SetVisible(bool visible) = 0;
+
+    // Saves position and fold state; nothing when the window is not loaded.
+    virtual void SavePlace() = 0;
 
     // Closes the window, which saves its position and fold state. May come when it is not loaded.
     virtual void Unload() = 0;

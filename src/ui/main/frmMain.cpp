@@ -1,7 +1,6 @@
 #include "ui/main/frmMain.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "app/base/command_line.h"
@@ -14,6 +13,7 @@
 #include "ui/form/clipboard.h"
 #include "ui/form/menu.h"
 #include "ui/form/message_loop.h"
+#include "ui/form/worker.h"
 
 namespace tessary {
 namespace {
@@ -45,19 +45,6 @@ RECT WorkAreaOf(HWND window) {
     return monitor.rcWork;
 }
 
-std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths) {
-    std::vector<std::wstring> files;
-    for (const std::wstring& path : paths) {
-        if (IsFolder(path)) {
-            std::vector<std::wstring> inFolder = FilesInFolder(path);
-            std::move(inFolder.begin(), inFolder.end(), std::back_inserter(files));
-        } else {
-            files.push_back(path);
-        }
-    }
-    return files;
-}
-
 }  // namespace
 
 frmMain::frmMain(MainWindowServices services)
@@ -65,7 +52,7 @@ frmMain::frmMain(MainWindowServices services)
       services_(std::move(services)),
       accelerators_(
           acceleratorsMainWindow, [this] { return Handle(); },
-          [this](HWND focused) { return GetAncestor(focused, GA_ROOT) == Handle(); }) {
+          [this](const MSG& key) { return GetAncestor(key.hwnd, GA_ROOT) == Handle(); }) {
     RegisterCommands();
 }
 
@@ -167,8 +154,24 @@ void frmMain::OpenCommandLine() {
 }
 
 void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
-    filesToOpen_ = WithFoldersExpanded(paths);
+    filesToOpen_ = paths;
     PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
+}
+
+void frmMain::OpenNow(std::vector<std::wstring> paths) {
+    if (fileListReceiver_ == nullptr || paths.empty() || IsReadUnderWay()) return;
+    std::optional<std::vector<std::wstring>> files;
+    {
+        const ReadUnderWay reading;
+        files = CallInBackground<std::vector<std::wstring>>(
+            [paths = std::move(paths)] { return WithFoldersExpanded(paths); },
+            [] { return !Values().quitRequested; });
+    }
+    if (Values().quitRequested) {
+        PostMessageW(Handle(), WM_CLOSE, 0, 0);  // nothing keeps the window open any more
+    } else if (files) {
+        fileListReceiver_->SetFileList(*files);
+    }
 }
 
 std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -182,10 +185,7 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
             SetCursor(LoadCursorW(nullptr, IDC_WAIT));
             return TRUE;
         case kOpenFilesMessage: {
-            const std::vector<std::wstring> files = std::exchange(filesToOpen_, {});
-            if (fileListReceiver_ != nullptr && !files.empty() && !IsReadUnderWay()) {
-                fileListReceiver_->SetFileList(files);
-            }
+            OpenNow(std::exchange(filesToOpen_, {}));
             return 0;
         }
         case WM_SETFOCUS:  // the keys are the picture's
@@ -209,6 +209,7 @@ void frmMain::EndSession() {
     }
     // Plug-ins are at work below us and must stay; what the user has chosen is saved all the same.
     Values().quitRequested = true;
+    if (controlBar_ != nullptr) controlBar_->SavePlace();
     WriteGeneralSettings();
     WriteConvertSettings();
 }
@@ -242,6 +243,11 @@ void frmMain::Form_Resize(int width, int height) {
 void frmMain::ShowPluginCount() {
     const int count = services_.pluginCount ? services_.pluginCount() : 0;
     SetPanelText(kPluginCountPanel, std::to_wstring(count) + L"個のプラグイン");
+}
+
+void frmMain::SetPictureSource(PictureSource source) {
+    source_ = std::move(source);
+    ShowPluginCount();
 }
 
 void frmMain::menuEditClear_Click() {
@@ -300,12 +306,18 @@ SIZE frmMain::WorkAreaSize() const {
 }
 
 void frmMain::SetPicture(IPicture* picture, int width, int height) {
-    scroller_.SetPicture(picture, {width, height});
+    PutIntoView(picture, {width, height});
 }
 
 void frmMain::ClearPicture() {
     source_ = {};
-    scroller_.SetPicture(nullptr, {});
+    PutIntoView(nullptr, {});
+}
+
+void frmMain::PutIntoView(IPicture* picture, SIZE size) {
+    const bool wasShown = PictureShown();
+    scroller_.SetPicture(picture, size);
+    if (PictureShown() != wasShown && pictureShownChanged_) pictureShownChanged_();
 }
 
 void frmMain::SetPanelText(int panel, const std::wstring& text) {

@@ -48,8 +48,16 @@ class frmMain final : public Form, public PictureView {
     void ShowPluginCount();
 
     // Tells where the picture comes from that was put into the view; forgotten when the view is
-    // emptied.
-    void SetPictureSource(PictureSource source) { source_ = std::move(source); }
+    // emptied. The number of plug-ins comes back to the status bar where another text has taken its
+    // place.
+    void SetPictureSource(PictureSource source);
+    const PictureSource& Source() const { return source_; }
+
+    // Whether a picture is shown. The handler is told when that changes.
+    bool PictureShown() const { return pictureView_.Picture() != nullptr; }
+    void OnPictureShownChanged(std::function<void()> handler) {
+        pictureShownChanged_ = std::move(handler);
+    }
 
     // Moves the window down by so many pixels, as far as the screen has room for it.
     void MakeRoomAbove(int pixels);
@@ -88,6 +96,7 @@ class frmMain final : public Form, public PictureView {
     void RegisterCommands();
     void AcceptDroppedFiles();
     void OpenCommandLine();
+    void OpenNow(std::vector<std::wstring> paths);
     std::optional<LRESULT> OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void EndSession();
 
@@ -98,7 +107,7 @@ class frmMain final : public Form, public PictureView {
     void pictureView_ContextMenu(POINT onScreen);
     const wchar_t* pictureView_Pointer() const;
 
-    bool PictureShown() const { return pictureView_.Picture() != nullptr; }
+    void PutIntoView(IPicture* picture, SIZE size);
 
     MainWindowServices services_;
     FileListReceiver* fileListReceiver_ = nullptr;
@@ -108,6 +117,7 @@ class frmMain final : public Form, public PictureView {
     PictureScroller scroller_{pictureView_};
     StatusBar statusInformation_;
     PictureSource source_;
+    std::function<void()> pictureShownChanged_;
     std::vector<std::wstring> filesToOpen_;
     Accelerators accelerators_;
     DWORD lastBreath_ = 0;  // tick count, milliseconds

@@ -25,14 +25,17 @@ class RecordingControlBar final : public ControlBar {
         return !files.empty();
     }
     void ClearLists() override { ++clears; }
+    std::vector<std::wstring> FileList() const override { return files; }
     void Press(BarButton button) override { pressed.push_back(static_cast<int>(button)); }
     bool IsVisible() const override { return visible; }
     void SetVisible(bool show) override { visible = show; }
     void Unload() override { ++unloads; }
 
     std::vector<std::vector<std::wstring>> lists;
+    std::vector<std::wstring> files;
     std::vector<int> pressed;
     bool visible = false;
+    void SavePlace() override {}
     int unloads = 0;
     int clears = 0;
 };

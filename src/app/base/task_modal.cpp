@@ -1,4 +1,4 @@
-#include "ui/form/task_modal.h"
+#include "app/base/task_modal.h"
 
 namespace tessary {
 

@@ -1,0 +1,30 @@
+// Between the current picture and the clipboard's device-independent bitmap (CF_DIB): one block of
+// header, masks or colour table, and pixel rows.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+#include "app/base/handles.h"
+#include "picture/modMemory.h"
+
+namespace tessary {
+
+// Makes what a clipboard block holds the current picture, in the plain form (helpers/dib): pixels
+// that are run-length encoded or have unusual masks are written anew. The block stays the
+// clipboard's; its real size decides what is read. The result is always 0: a block that holds no
+// picture of a known kind, or not all of one, and a lack of memory leave the current picture as it
+// is.
+int16_t PictureFromClipboardDIB(HGLOBAL block);
+
+// A picture as such a block, movable, ready to be given to the clipboard: bottom row first, which
+// all programs understand, and with opaque fourth bytes of 32-bit pixels, which some take for
+// alpha. The pair must be plain and stays the caller's. Null when it is not, or without memory.
+UniqueGlobal MakeClipboardDIB(const PicturePair& picture);
+
+// The same picture as the bytes of a PNG file: what programs offer and take under the registered
+// clipboard format "PNG". Quickly made, not small. Null when that fails.
+UniqueGlobal MakeClipboardPNG(const PicturePair& picture);
+
+}  // namespace tessary

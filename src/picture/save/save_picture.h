@@ -1,0 +1,30 @@
+// Writing pictures to files: which library writes, with the options that the user has set.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "helpers/saving/save_options.h"
+#include "picture/modMemory.h"
+
+namespace tessary {
+
+// Saves a picture under a name whose extension (BMP, PNG or JPG, in any case) chooses the format;
+// every other name is refused. The file replaces what is there when it is complete. A pair without
+// a bits block is taken to hold the image of a whole bitmap file in its info block. The pair must
+// be plain (helpers/dib/dib_view.h) and stays the caller's. `passThrough` goes to the PNG and JPEG
+// writers unchanged: the address of a saving::ProgressCallback, 0 for none. False, without a
+// message, when nothing was saved.
+bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
+                     LONG_PTR passThrough);
+
+// One format each, for the addresses of the locked blocks of a plain pair.
+bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,
+                const saving::BmpSaveOptions& options);
+bool SavePNG(const void* info, const void* bits, const std::wstring& fileName,
+             const saving::PngSaveOptions& options, LONG_PTR passThrough);
+bool SaveJPEG(const void* info, const void* bits, const std::wstring& fileName,
+              const saving::JpegSaveOptions& options, LONG_PTR passThrough);
+
+}  // namespace tessary

@@ -1,0 +1,147 @@
+#include "ui/control/save_commands.h"
+
+#include <string>
+#include <utility>
+
+#include "app/base/message_box.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "app/settings/modValue.h"
+#include "picture/current_picture.h"
+#include "picture/save/save_picture.h"
+#include "res/resource.h"
+#include "ui/dialogs/frmSaveOption.h"
+#include "ui/dialogs/start_folder.h"
+#include "ui/form/busy_pointer.h"
+
+namespace tessary {
+namespace {
+
+SaveFormat FormatOf(int type) {
+    return static_cast<SaveFormat>(type);
+}
+
+// Where the last picture was saved, else where the last one was opened.
+std::wstring StartFolder() {
+    const GeneralSettings& general = Values().general;
+    return FirstChosenFolder({&general.savePath, &general.openPath});
+}
+
+void EditOptions(HWND owner, SaveFormat format) {
+    frmSaveOption dialog;
+    switch (format) {
+        case SaveFormat::kBMP:
+            dialog.EditBMP(owner, Values().bmpSave);
+            break;
+        case SaveFormat::kPNG:
+            dialog.EditPNG(owner, Values().pngSave);
+            break;
+        case SaveFormat::kJPEG:
+            dialog.EditJPEG(owner, Values().jpegSave);
+            break;
+    }
+}
+
+// A drive's root keeps it.
+std::wstring WithoutBackslash(const std::wstring& folder) {
+    return folder.size() > 3 ? RemoveBackslash(folder) : folder;
+}
+
+bool MayReplace(const std::wstring& path) {
+    if (!PathExists(path) || IsFolder(path)) return true;
+    return ShowMessageBox(path + L" は既に存在します。\r\n上書きしますか？",
+                          MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
+}
+
+std::wstring SystemText(DWORD error) {
+    wchar_t text[512]{};
+    const DWORD length = FormatMessageW(
+        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+        nullptr, error, 0, text, 512, nullptr);
+    return std::wstring(TrimSpaces({text, length})) + L"(エラー " + std::to_wstring(error) + L")";
+}
+
+// A line of its own; empty when the reason is unknown.
+std::wstring Reason(DWORD error) {
+    switch (error) {
+        case ERROR_SUCCESS:
+            return {};
+        case ERROR_ACCESS_DENIED:
+        case ERROR_WRITE_PROTECT:
+            return L"\r\n書き込む権限がないか、読み取り専用です。";
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL:
+            return L"\r\nディスクの空き容量が足りません。";
+        case ERROR_SHARING_VIOLATION:
+        case ERROR_LOCK_VIOLATION:
+            return L"\r\nファイルはほかのアプリケーションで使用中です。";
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_PATH_NOT_FOUND:
+            return L"\r\nフォルダが見つかりません。";
+        case ERROR_NOT_ENOUGH_MEMORY:
+        case ERROR_OUTOFMEMORY:
+            return L"\r\nメモリが足りません。";
+        case ERROR_INVALID_DATA:
+            return L"\r\nこの画像はこの形式では保存できません。";
+        default:
+            return L"\r\n" + SystemText(error);
+    }
+}
+
+void Save(const std::wstring& path) {
+    DWORD error = ERROR_SUCCESS;
+    {
+        const BusyPointer busy;
+        SetLastError(ERROR_SUCCESS);
+        if (SavePictureFile(CurrentPicture(), path, 0)) return;
+        error = GetLastError();
+    }
+    ShowMessageBox(L"ファイル " + path + L" に保存できません。" + Reason(error),
+                   MB_ICONEXCLAMATION);
+}
+
+}  // namespace
+
+SaveCommands::SaveCommands(frmMain& window, Chooser choose)
+    : window_(window), choose_(std::move(choose)) {
+    window_.Commands().Register(menuFileSaveAs,
+                                {.run = [this] { menuFileSaveAs_Click(); },
+                                 .enabled = [this] { return window_.PictureShown(); }});
+}
+
+SaveDialogRequest SaveCommands::RequestFor(SaveName& chosen) const {
+    SaveDialogRequest request;
+    request.folder = StartFolder();
+    request.name = WithExtensionOf(format_, ProposedStem(window_.Source().fileName));
+    for (const auto& [format, description] : {std::pair{SaveFormat::kBMP, L"ビットマップ (*.bmp)"},
+                                              std::pair{SaveFormat::kPNG, L"PNG (*.png)"},
+                                              std::pair{SaveFormat::kJPEG, L"JPEG (*.jpg)"}}) {
+        request.types.push_back({description, ExtensionOf(format)});
+    }
+    request.type = static_cast<int>(format_);
+    request.buttonCaption = L"詳細設定(&D)...";
+    request.onButton = [](HWND dialog, int type) { EditOptions(dialog, FormatOf(type)); };
+    request.renamed = [](const std::wstring& name, int type) {
+        return WithExtensionOf(FormatOf(type), name);
+    };
+    request.accept = [&chosen](const std::wstring& path, int type) {
+        chosen = CompleteSaveName(path, FormatOf(type));
+        return MayReplace(chosen.path);
+    };
+    return request;
+}
+
+void SaveCommands::menuFileSaveAs_Click() {
+    // Above the window that the command was given in: the main window or the control bar.
+    const HWND active = GetActiveWindow();
+    SaveName chosen{};
+    const bool accepted =
+        choose_(active != nullptr ? active : window_.Handle(), RequestFor(chosen));
+    // The session may have ended meanwhile.
+    if (!accepted || CurrentPicture().info == nullptr) return;
+    format_ = chosen.format;
+    Values().general.savePath = WithoutBackslash(FolderOf(chosen.path));
+    Save(chosen.path);
+}
+
+}  // namespace tessary

@@ -1,0 +1,35 @@
+// The command that saves the shown picture.
+#pragma once
+
+#include <functional>
+
+#include "ui/control/save_name.h"
+#include "ui/dialogs/save_dialog.h"
+#include "ui/main/frmMain.h"
+
+namespace tessary {
+
+class SaveCommands {
+  public:
+    // Asks the user for a file; as ShowSaveDialog does.
+    using Chooser = std::function<bool(HWND owner, const SaveDialogRequest& request)>;
+
+    // Registers the menu item with the window, which must outlive this, and this the window's last
+    // message.
+    explicit SaveCommands(frmMain& window, Chooser choose = ShowSaveDialog);
+    SaveCommands(const SaveCommands&) = delete;
+    SaveCommands& operator=(const SaveCommands&) = delete;
+
+    // Saves the current picture in its own size under a name that the user chooses. The folder is
+    // remembered with the settings, the format for this run of the program.
+    void menuFileSaveAs_Click();
+
+  private:
+    SaveDialogRequest RequestFor(SaveName& chosen) const;
+
+    frmMain& window_;
+    Chooser choose_;
+    SaveFormat format_ = SaveFormat::kPNG;
+};
+
+}  // namespace tessary

@@ -1,0 +1,70 @@
+#include "ui/control/save_name.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "app/base/paths.h"
+#include "app/base/text.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kNameless[] = L"無題";
+
+std::optional<SaveFormat> FormatOfExtension(const std::wstring& upperExtension) {
+    if (upperExtension == L"BMP" || upperExtension == L"DIB") return SaveFormat::kBMP;
+    if (upperExtension == L"PNG") return SaveFormat::kPNG;
+    for (const wchar_t* const jpeg : {L"JPG", L"JPEG", L"JPE", L"JFIF"}) {
+        if (upperExtension == jpeg) return SaveFormat::kJPEG;
+    }
+    return std::nullopt;
+}
+
+// A dot at a name's start begins no extension.
+size_t ExtensionStart(const std::wstring& name) {
+    const size_t dot = name.rfind(L'.');
+    return dot == std::wstring::npos || dot == 0 ? name.size() : dot;
+}
+
+}  // namespace
+
+const wchar_t* ExtensionOf(SaveFormat format) {
+    switch (format) {
+        case SaveFormat::kBMP:
+            return L"bmp";
+        case SaveFormat::kPNG:
+            return L"png";
+        case SaveFormat::kJPEG:
+            break;
+    }
+    return L"jpg";
+}
+
+std::wstring WithExtensionOf(SaveFormat format, const std::wstring& name) {
+    const std::wstring extension = UpperExtensionOf(name);
+    if (extension == ToUpper(ExtensionOf(format))) return name;
+    const std::wstring stem =
+        FormatOfExtension(extension) ? name.substr(0, name.rfind(L'.')) : name;
+    return stem + L'.' + ExtensionOf(format);
+}
+
+SaveName CompleteSaveName(const std::wstring& path, SaveFormat format) {
+    const SaveFormat chosen = FormatOfExtension(UpperExtensionOf(path)).value_or(format);
+    return {WithExtensionOf(chosen, path), chosen};
+}
+
+std::wstring ProposedStem(const std::wstring& pictureName) {
+    std::wstring stem = pictureName.substr(pictureName.find_last_of(L"\\/") + 1);
+    stem.resize(ExtensionStart(stem));
+    std::replace_if(
+        stem.begin(), stem.end(),
+        [](wchar_t character) {
+            return character < L' ' ||
+                   std::wstring_view(LR"(:*?"<>|)").find(character) != std::wstring_view::npos;
+        },
+        L'_');
+    stem.resize(stem.find_last_not_of(L" .") + 1);
+    return stem.empty() ? kNameless : stem;
+}
+
+}  // namespace tessary

@@ -1,0 +1,33 @@
+// Copy and paste of the Edit menu.
+#pragma once
+
+#include "ui/form/accelerators.h"
+#include "ui/main/frmMain.h"
+
+namespace tessary {
+
+class ClipboardCommands {
+  public:
+    // Registers both with the window's menu items, and their keys in the main window and in those
+    // that it owns; in a text field the keys remain the field's. The window must outlive this, and
+    // this the window's last message.
+    explicit ClipboardCommands(frmMain& window);
+    ClipboardCommands(const ClipboardCommands&) = delete;
+    ClipboardCommands& operator=(const ClipboardCommands&) = delete;
+
+    // Puts the current picture on the clipboard in its own size, not in that of the view: what is
+    // pasted elsewhere should not depend on how large this window shows it.
+    void menuEditCopy_Click();
+
+    // Makes the clipboard's picture the current one and shows it; what is no picture, or none of a
+    // known kind, leaves everything as it is.
+    void menuEditPaste_Click();
+
+  private:
+    bool AreKeysOurs(HWND focused) const;
+
+    frmMain& window_;
+    Accelerators accelerators_;
+};
+
+}  // namespace tessary

@@ -1,0 +1,105 @@
+#include "ui/main/wallpaper_commands.h"
+
+#include <windows.h>
+// The shell needs the types of windows.h.
+#include <shlobj.h>
+
+#include <utility>
+
+#include "app/base/message_box.h"
+#include "app/base/modGetFolder.h"
+#include "app/settings/RegKeys.h"
+#include "picture/modDIBToPicture.h"
+#include "picture/save/save_picture.h"
+#include "res/resource.h"
+#include "ui/form/busy_pointer.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kFileName[] = L"tessary_viewer_wall_paper.bmp";
+
+// Values of the desktop's registry key.
+constexpr wchar_t kTile[] = L"TileWallpaper";
+constexpr wchar_t kCentred[] = L"0";
+constexpr wchar_t kTiled[] = L"1";
+// 0: in its own size. Anything else stretches the wallpaper whatever the other value says.
+constexpr wchar_t kStretch[] = L"WallpaperStyle";
+constexpr wchar_t kNotStretched[] = L"0";
+
+// A plain bitmap, whatever the user has chosen for his own files: it is read by the desktop.
+bool SavePlainly(const PicturePair& picture, const std::wstring& fileName) {
+    const BlockLock info(picture.info);
+    const BlockLock bits(picture.bits);
+    return info && bits && SaveBitmap(info.Address(), bits.Address(), fileName, {});
+}
+
+void SetUserWallpaper(const std::wstring& file) {
+    std::wstring name = file;
+    SystemParametersInfoW(SPI_SETDESKWALLPAPER, 0, name.data(),
+                          SPIF_UPDATEINIFILE | SPIF_SENDCHANGE);
+}
+
+}  // namespace
+
+Desktop UserDesktop() {
+    Desktop desktop{{WindowsFolder()}, LR"(Control Panel\desktop)", SetUserWallpaper};
+    wchar_t folder[MAX_PATH]{};
+    if (SUCCEEDED(
+            SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder))) {
+        desktop.folders.push_back(folder + std::wstring(LR"(\Tessary_Viewer\)"));
+    }
+    return desktop;
+}
+
+WallpaperCommands::WallpaperCommands(frmMain& window, Desktop desktop)
+    : window_(window), desktop_(std::move(desktop)) {
+    const auto pictureShown = [this] { return window_.PictureShown(); };
+    CommandTable& commands = window_.Commands();
+    commands.Register(menuViewWallpaperCenter, {.run = [this] { menuViewWallpaperCenter_Click(); },
+                                                .enabled = pictureShown});
+    commands.Register(menuViewWallpaperTile,
+                      {.run = [this] { menuViewWallpaperTile_Click(); }, .enabled = pictureShown});
+    commands.Register(menuViewWallpaperEsc, {.run = [this] { menuViewWallpaperEsc_Click(); }});
+}
+
+void WallpaperCommands::menuViewWallpaperCenter_Click() {
+    SetWallpaper(kCentred);
+}
+
+void WallpaperCommands::menuViewWallpaperTile_Click() {
+    SetWallpaper(kTiled);
+}
+
+void WallpaperCommands::menuViewWallpaperEsc_Click() {
+    const BusyPointer busy;
+    desktop_.setWallpaper({});
+}
+
+void WallpaperCommands::SetWallpaper(const wchar_t* tileStyle) {
+    const BusyPointer busy;
+    const std::wstring file = SavePicture();
+    if (file.empty()) {
+        ShowMessageBox(
+            L"壁紙のファイルを保存できません。\r\n" + desktop_.folders.back() + kFileName,
+            MB_ICONEXCLAMATION);
+        return;
+    }
+    SetRegistryString(HKEY_CURRENT_USER, desktop_.keyPath, kTile, tileStyle);
+    SetRegistryString(HKEY_CURRENT_USER, desktop_.keyPath, kStretch, kNotStretched);
+    desktop_.setWallpaper(file);
+}
+
+// The full name of the file; empty when no folder takes it.
+std::wstring WallpaperCommands::SavePicture() const {
+    const UniqueScreenDc screen(GetDC(nullptr));
+    const OwnedPicture picture = CreateDIBFromBitmap(screen.Get(), window_.pictureView().Bitmap());
+    if (!picture) return {};
+    for (const std::wstring& folder : desktop_.folders) {
+        CreateDirectoryW(folder.c_str(), nullptr);
+        if (SavePlainly(picture.Get(), folder + kFileName)) return folder + kFileName;
+    }
+    return {};
+}
+
+}  // namespace tessary

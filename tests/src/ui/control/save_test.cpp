@@ -1,0 +1,125 @@
+// Saving the shown picture: under which name, over what, and what the user is told.
+#include "ui/control/save_commands.h"
+
+#include "app/base/paths.h"
+#include "tests/src/ui/main/main_window.h"
+#include "tests/support/bitmap_image.h"
+#include "tests/support/helper_libraries.h"
+#include "tests/support/temporary_folder.h"
+#include "ui/control/frmControl.h"
+
+namespace tessary::test {
+namespace {
+
+TEST(SaveNameTest, AnExtensionThatWasTypedDecides) {
+    const auto complete = [](const wchar_t* name, SaveFormat chosen) {
+        return FileNameOf(CompleteSaveName(LR"(C:\a.png\)" + std::wstring(name), chosen).path);
+    };
+    EXPECT_EQ(complete(L"b", SaveFormat::kPNG), L"b.png");
+    EXPECT_EQ(complete(L"b.JPEG", SaveFormat::kPNG), L"b.jpg");
+    EXPECT_EQ(complete(L"b.BMP", SaveFormat::kJPEG), L"b.BMP");
+    EXPECT_EQ(complete(L"v1.2", SaveFormat::kBMP), L"v1.2.bmp");
+    EXPECT_EQ(CompleteSaveName(L"b.jfif", SaveFormat::kBMP).format, SaveFormat::kJPEG);
+
+    EXPECT_EQ(ProposedStem(L"dir/絵 1.tar.gif"), L"絵 1.tar");
+    EXPECT_EQ(ProposedStem(L"a:b?.bmp"), L"a_b_");
+    EXPECT_EQ(ProposedStem(L".png"), L".png");
+    EXPECT_EQ(ProposedStem(L"... .png"), L"無題");
+    EXPECT_EQ(ProposedStem(L""), L"無題");
+}
+
+class SaveTest : public MainWindowTest {
+  protected:
+    SaveTest() {
+        LoadHelperLibraries();
+        for (const wchar_t* const name : {L"dcpng.dll", L"dcjpeg.dll"})
+            LoadLibraryW((FinishedFolder() + name).c_str());
+    }
+
+    void SetUp() override {
+        window_.SetControlBar(controlBar_);
+        Load();
+        ShowPicture(20, 10);
+        window_.SetPictureSource({L"夕.焼け.gif", L"x.spi"});
+    }
+
+    // Chooses a name as the user does; the dialog stays open where that is refused.
+    void SaveAs(const std::wstring& name, int type) {
+        name_ = folder_.Path() + name;
+        type_ = type;
+        Choose(menuFileSaveAs);
+    }
+
+    std::string Content(const std::wstring& name) const {
+        std::ifstream file(std::filesystem::path(folder_.Path() + name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    TemporaryFolder folder_;
+    std::wstring name_;
+    int type_ = 1;
+    SaveDialogRequest asked_;
+    bool accepted_ = false;
+    SaveCommands save_{window_, [this](HWND, const SaveDialogRequest& request) {
+                           asked_ = request;
+                           accepted_ = request.accept(name_, type_);
+                           return accepted_;
+                       }};
+};
+
+TEST_F(SaveTest, ChoosesTheWriterAndRemembersTheChoice) {
+    SaveAs(L"a.jpeg", 1);
+    EXPECT_EQ(asked_.name, L"夕.焼け.png");
+    EXPECT_EQ(asked_.types.size(), 3u);
+    EXPECT_EQ(asked_.renamed(L"夕.焼け.png", 1), L"夕.焼け.bmp");
+    EXPECT_EQ(Content(L"a.jpg").substr(0, 2), "\xFF\xD8");
+    SaveAs(L"b", 2);
+    EXPECT_EQ(asked_.name, L"夕.焼け.jpg");
+    EXPECT_EQ(AddBackslash(asked_.folder), folder_.Path());
+    EXPECT_EQ(Content(L"b.png").substr(0, 4), "\x89PNG");
+    SaveAs(L"c", 1);
+    EXPECT_EQ(Content(L"c.bmp").size(), 54u + 60u * 10u);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(SaveTest, AsksBeforeItReplacesAndTellsWhatFails) {
+    folder_.Write(L"a.jpg", "mine");
+    SaveAs(L"a.jpeg", 1);  // the answer is OK, which is not yes
+    EXPECT_FALSE(accepted_);
+    EXPECT_EQ(Content(L"a.jpg"), "mine");
+    EXPECT_EQ(messages_.Only(), folder_.Path() + L"a.jpg は既に存在します。\r\n上書きしますか？");
+
+    const RecordedMessages yes(IDYES);
+    SaveAs(L"a.jpeg", 1);
+    EXPECT_EQ(Content(L"a.jpg").substr(0, 2), "\xFF\xD8");
+    SaveAs(L"none\\b.png", 2);
+    folder_.Write(L"c.bmp", "mine");
+    SetFileAttributesW((folder_.Path() + L"c.bmp").c_str(), FILE_ATTRIBUTE_READONLY);
+    SaveAs(L"c", 1);
+    EXPECT_EQ(Content(L"c.bmp"), "mine");
+    ASSERT_EQ(yes.All().size(), 4u);
+    EXPECT_EQ(yes.All()[1].text, L"ファイル " + folder_.Path() +
+                                     L"none\\b.png に保存できません。\r\n"
+                                     L"フォルダが見つかりません。");
+    EXPECT_EQ(yes.All()[3].text, L"ファイル " + folder_.Path() +
+                                     L"c.bmp に保存できません。\r\n"
+                                     L"書き込む権限がないか、読み取り専用です。");
+}
+
+TEST_F(SaveTest, TheBarsButtonFollowsThePicture) {
+    frmControl bar(window_);
+    window_.SetControlBar(bar);
+    ASSERT_TRUE(bar.Load(window_.Handle()));
+    const auto enabled = [&] { return bar.CoolBar().IsButtonEnabled(12); };
+    EXPECT_TRUE(enabled());
+    Choose(menuEditClear);
+    EXPECT_FALSE(enabled());
+    // The bar looks at its buttons while the load still keeps the command from running.
+    const std::wstring file = folder_.Write(L"a.bmp", BitmapFileOf(4, 3, RGB(1, 2, 3)));
+    EXPECT_TRUE(bar.SetFileList({&file, 1}));
+    EXPECT_TRUE(enabled());
+    window_.Unload();
+}
+
+}  // namespace
+}  // namespace tessary::test

@@ -1,0 +1,198 @@
+// Copying, pasting, and the wallpaper.
+#include "app/settings/RegKeys.h"
+#include "picture/bitmap_file.h"
+#include "picture/modDIBToPicture.h"
+#include "tests/src/ui/main/main_window.h"
+#include "tests/support/helper_libraries.h"
+#include "tests/support/temporary_folder.h"
+#include "ui/form/clipboard.h"
+#include "ui/main/clipboard_commands.h"
+#include "ui/main/wallpaper_commands.h"
+
+namespace tessary {
+namespace {
+
+class ClipboardTest : public test::MainWindowTest {
+  protected:
+    ClipboardTest() {
+        test::LoadHelperLibraries();
+        LoadLibraryW((test::FinishedFolder() + L"dcpng.dll").c_str());
+    }
+
+    void SetUp() override {
+        window_.SetControlBar(controlBar_);
+        Load();
+    }
+
+    void EmptyTheClipboard() const {
+        const ClipboardSession clipboard(window_.Handle());
+        EmptyClipboard();
+    }
+    std::wstring Panel(int panel) const { return window_.statusInformation().PanelText(panel); }
+
+    // The shown picture's pixel on the screen's device.
+    COLORREF ShownPixel(int x, int y) const {
+        const UniqueMemoryDc context(CreateCompatibleDC(nullptr));
+        const HGDIOBJ former = SelectObject(context.Get(), window_.pictureView().Bitmap());
+        const COLORREF pixel = GetPixel(context.Get(), x, y);
+        SelectObject(context.Get(), former);
+        return pixel;
+    }
+
+    ClipboardCommands clipboard_{window_};
+};
+
+TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
+    EmptyTheClipboard();
+    const CommandTable& commands = window_.Commands();
+    EXPECT_FALSE(commands.IsEnabled(menuEditCopy));
+    EXPECT_FALSE(commands.IsEnabled(menuEditPaste));
+    SetCurrentPicture(test::MakePair(31, 17));
+    window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);  // shown smaller than it is
+    window_.SetPanelText(kShownFilePanel, L"[表示中] a.bmp");
+    EXPECT_TRUE(commands.IsEnabled(menuEditCopy));
+    Choose(menuEditCopy);
+    EXPECT_TRUE(messages_.All().empty());
+    EXPECT_TRUE(IsClipboardFormatAvailable(CF_BITMAP));
+    {
+        const ClipboardSession clipboard(window_.Handle());
+        const HANDLE png = GetClipboardData(RegisterClipboardFormatW(L"PNG"));
+        ASSERT_NE(png, nullptr);
+        EXPECT_EQ(std::memcmp(GlobalLock(png), "\x89PNG", 4), 0);
+        GlobalUnlock(png);
+        BITMAP bitmap{};
+        GetObjectW(GetClipboardData(CF_BITMAP), sizeof(bitmap), &bitmap);
+        EXPECT_EQ(bitmap.bmWidth, 31);
+    }
+
+    Values().readsUnderWay = 1;
+    const HLOCAL former = CurrentPicture().info;
+    Choose(menuEditPaste);
+    EXPECT_EQ(CurrentPicture().info, former);
+    Values().readsUnderWay = 0;
+    Choose(menuEditPaste);
+    EXPECT_NE(CurrentPicture().info, former);
+    EXPECT_EQ(window_.pictureView().PictureSize().cx, 31);
+    EXPECT_EQ(ShownPixel(5, 3), test::PixelAt(5, 3));
+    EXPECT_EQ(Panel(kPluginCountPanel), L"[表示中] クリップボード内の画像 ( 24bit )");
+    EXPECT_EQ(Panel(kShownFilePanel), L"");
+    EXPECT_EQ(window_.Source().fileName, L"クリップボード");
+    window_.SetPictureSource({L"b.bmp", L""});  // the next file
+    EXPECT_EQ(Panel(kPluginCountPanel), L"3個のプラグイン");
+}
+
+TEST_F(ClipboardTest, TakesABareBitmapAndLeavesAPictureForWhatIsNone) {
+    const UniqueScreenDc screen(GetDC(nullptr));
+    const OwnedPicture pair(test::MakePair(9, 7));
+    {
+        const BlockLock info(pair.Get().info);
+        const BlockLock bits(pair.Get().bits);
+        const ClipboardSession clipboard(window_.Handle());
+        EmptyClipboard();
+        SetClipboardData(CF_BITMAP,
+                         CreateBitmapFromDIB(screen.Get(), {info.Address(), bits.Address()}));
+    }
+    Choose(menuEditPaste);
+    EXPECT_EQ(window_.pictureView().PictureSize().cx, 9);
+    EXPECT_EQ(ShownPixel(8, 6), test::PixelAt(8, 6));
+
+    // What browsers offer: the system makes the older form of it.
+    const DWORD header[31] = {124, 1,        2,      32 << 16 | 1, BI_BITFIELDS, 0,         0, 0, 0,
+                              0,   0xFF0000, 0xFF00, 0xFF,         0xFF000000,   0x73524742};
+    ClipboardItem modern{CF_DIBV5, UniqueGlobal(GlobalAlloc(GHND, sizeof(header) + 8))};
+    auto* const bytes = static_cast<uint8_t*>(GlobalLock(modern.block.Get()));
+    std::memcpy(bytes, header, sizeof(header));
+    std::memcpy(bytes + sizeof(header), "lowXtopX", 8);
+    GlobalUnlock(modern.block.Get());
+    ASSERT_TRUE(PutOnClipboard(window_.Handle(), {&modern, 1}));
+    Choose(menuEditPaste);
+    EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
+    EXPECT_EQ(ShownPixel(0, 0), RGB('p', 'o', 't'));
+
+    ClipboardItem junk{CF_DIB, UniqueGlobal(GlobalAlloc(GHND, 40))};
+    PutOnClipboard(window_.Handle(), {&junk, 1});
+    window_.SetPanelText(kShownFilePanel, L"a.bmp");
+    Choose(menuEditPaste);
+    EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
+    EXPECT_EQ(Panel(kShownFilePanel), L"a.bmp");
+    EXPECT_TRUE(OpenClipboard(window_.Handle()));  // it was closed
+    CloseClipboard();
+
+    SetCurrentPicture({LocalAlloc(LHND, 8), nullptr});
+    Choose(menuEditCopy);
+    EXPECT_EQ(messages_.Only(), L"クリップボードにデータをコピーできません");
+}
+
+// Types a key with Ctrl held into a control of the window.
+bool TypeWithCtrl(HWND control, int key) {
+    BYTE former[256];
+    GetKeyboardState(former);
+    BYTE keys[256]{};
+    keys[VK_CONTROL] = 0x80;
+    SetKeyboardState(keys);
+    MSG message{control, WM_KEYDOWN, static_cast<WPARAM>(key), 0, 0, {}};
+    const bool taken = MessageFilter::AnyTakes(message);
+    SetKeyboardState(former);
+    return taken;
+}
+
+TEST_F(ClipboardTest, KeysAreLeftToTextFields) {
+    EmptyTheClipboard();
+    ShowPicture(8, 8);
+    const HWND field = CreateWindowExW(0, L"EDIT", L"", WS_CHILD, 0, 0, 9, 9, window_.Handle(),
+                                       nullptr, nullptr, nullptr);
+    EXPECT_FALSE(TypeWithCtrl(field, 'C'));
+    EXPECT_FALSE(IsClipboardFormatAvailable(CF_DIB));
+    EXPECT_TRUE(TypeWithCtrl(window_.pictureView().Handle(), 'C'));
+    EXPECT_TRUE(IsClipboardFormatAvailable(CF_DIB));
+    EXPECT_TRUE(controlBar_.pressed.empty());  // C alone is the player's
+}
+
+class WallpaperTest : public ClipboardTest {
+  protected:
+    std::wstring Style(const wchar_t* value) const {
+        return GetRegistryString(HKEY_CURRENT_USER, settings_.KeyPath(), value);
+    }
+
+    test::TemporaryFolder folder_;
+    std::vector<std::wstring> shown_;
+    // The first folder takes no file: one of its name is in the way.
+    WallpaperCommands wallpaper_{window_,
+                                 {{folder_.Write(L"taken") + L'\\', folder_.Path() + L"own\\"},
+                                  settings_.KeyPath(),
+                                  [this](const std::wstring& file) { shown_.push_back(file); }}};
+};
+
+TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
+    EXPECT_FALSE(window_.Commands().IsEnabled(menuViewWallpaperTile));
+    SetCurrentPicture(test::MakePair(30, 16));
+    window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
+    Values().bmpSave = {1, 1};  // how the user saves his own files
+    Choose(menuViewWallpaperCenter);
+    EXPECT_EQ(Style(L"TileWallpaper"), L"0");
+    EXPECT_EQ(Style(L"WallpaperStyle"), L"0");
+    Choose(menuViewWallpaperTile);
+    EXPECT_EQ(Style(L"TileWallpaper"), L"1");
+    Choose(menuViewWallpaperEsc);
+    const std::wstring file = folder_.Path() + L"own\\tessary_viewer_wall_paper.bmp";
+    EXPECT_EQ(shown_, (std::vector<std::wstring>{file, file, L""}));
+    EXPECT_TRUE(messages_.All().empty());
+
+    PicturePair saved;
+    ASSERT_TRUE(ReadBitmapFile(file, saved));
+    const OwnedPicture owned(saved);
+    dib::BitmapInfoHeader header{};
+    GetPictureHeader(saved, header);
+    EXPECT_EQ(header.width, 15);
+    EXPECT_EQ(static_cast<const uint8_t*>(BlockLock(saved.bits).Address())[2], 0);  // red is x
+    EXPECT_EQ(std::filesystem::file_size(file), 54u + 48u * 8u);  // a Windows bitmap
+
+    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
+    Choose(menuViewWallpaperCenter);
+    EXPECT_EQ(messages_.Only(), L"壁紙のファイルを保存できません。\r\n" + file);
+    EXPECT_EQ(shown_.size(), 3u);
+    EXPECT_EQ(Style(L"TileWallpaper"), L"1");
+}
+
+}  // namespace
+}  // namespace tessary
