@@ -47,7 +47,10 @@ std::optional<PictureParts> PartsOfFileImage(Bytes image) {
 bool SaveParts(const PictureParts& parts, const std::wstring& fileName, LONG_PTR passThrough) {
     // The libraries only see addresses: whether the blocks are as large as the header says is
     // known here alone.
-    if (!dib::DibView::Of(parts.info, parts.bits)) return false;
+    if (!dib::DibView::Of(parts.info, parts.bits)) {
+        SetLastError(ERROR_INVALID_DATA);
+        return false;
+    }
     const void* const info = parts.info.data();
     const void* const bits = parts.bits.data();
     const ProcessValues& values = Values();
@@ -70,6 +73,7 @@ bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
             return SaveParts({info.Bytes(), bits.Bytes()}, fileName, passThrough);
         }
         const std::optional<PictureParts> parts = PartsOfFileImage(info.Bytes());
+        if (!parts) SetLastError(ERROR_INVALID_DATA);
         return parts && SaveParts(*parts, fileName, passThrough);
     });
 }
@@ -83,16 +87,16 @@ bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName
 
 bool SavePNG(const void* info, const void* bits, const std::wstring& fileName,
              const saving::PngSaveOptions& options, LONG_PTR passThrough) {
-    const auto save = HelperFunction<dcpng::SaveToPNGFileWFunction>(L"dcpng.dll",
-                                                                    dcpng::kSaveToPNGFileWName);
+    const auto save =
+        HelperFunction<dcpng::SaveToPNGFileWFunction>(L"dcpng.dll", dcpng::kSaveToPNGFileWName);
     // Unlike the other two, this writer answers 0 for success.
     return save != nullptr && save(info, bits, fileName.c_str(), &options, passThrough) == 0;
 }
 
 bool SaveJPEG(const void* info, const void* bits, const std::wstring& fileName,
               const saving::JpegSaveOptions& options, LONG_PTR passThrough) {
-    const auto save = HelperFunction<dcjpeg::SaveToJPEGFileWFunction>(
-        L"dcjpeg.dll", dcjpeg::kSaveToJPEGFileWName);
+    const auto save = HelperFunction<dcjpeg::SaveToJPEGFileWFunction>(L"dcjpeg.dll",
+                                                                      dcjpeg::kSaveToJPEGFileWName);
     return save != nullptr && save(info, bits, fileName.c_str(), &options, passThrough) != 0;
 }
 

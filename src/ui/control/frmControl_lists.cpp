@@ -126,6 +126,15 @@ void frmControl::FillFileList(std::span<const std::wstring> files) {
     textFileInfo_.SetText({});
 }
 
+std::vector<std::wstring> frmControl::FileList() const {
+    std::vector<std::wstring> files;
+    files.reserve(static_cast<size_t>(listFileName_.Count()));
+    for (int index = 0; index < listFileName_.Count(); ++index) {
+        files.push_back(listFileName_.Item(index));
+    }
+    return files;
+}
+
 void frmControl::ClearLists() {
     if (busy_ > 0) return;
     listFileName_.Clear();

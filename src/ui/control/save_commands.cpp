@@ -81,6 +81,8 @@ std::wstring Reason(DWORD error) {
         case ERROR_NOT_ENOUGH_MEMORY:
         case ERROR_OUTOFMEMORY:
             return L"\r\nメモリが足りません。";
+        case ERROR_FILE_TOO_LARGE:
+            return L"\r\nこの形式で保存できる大きさを超えています。";
         case ERROR_INVALID_DATA:
             return L"\r\nこの画像はこの形式では保存できません。";
         default:
@@ -109,7 +111,7 @@ SaveCommands::SaveCommands(frmMain& window, Chooser choose)
                                  .enabled = [this] { return window_.PictureShown(); }});
 }
 
-SaveDialogRequest SaveCommands::RequestFor(SaveName& chosen) const {
+SaveDialogRequest SaveCommands::RequestFor(Choice& chosen) const {
     SaveDialogRequest request;
     request.folder = StartFolder();
     request.name = WithExtensionOf(format_, ProposedStem(window_.Source().fileName));
@@ -125,7 +127,7 @@ SaveDialogRequest SaveCommands::RequestFor(SaveName& chosen) const {
         return WithExtensionOf(FormatOf(type), name);
     };
     request.accept = [&chosen](const std::wstring& path, int type) {
-        chosen = CompleteSaveName(path, FormatOf(type));
+        chosen = {WithExtensionOf(FormatOf(type), path), FormatOf(type)};
         return MayReplace(chosen.path);
     };
     return request;
@@ -134,7 +136,7 @@ SaveDialogRequest SaveCommands::RequestFor(SaveName& chosen) const {
 void SaveCommands::menuFileSaveAs_Click() {
     // Above the window that the command was given in: the main window or the control bar.
     const HWND active = GetActiveWindow();
-    SaveName chosen{};
+    Choice chosen{};
     const bool accepted =
         choose_(active != nullptr ? active : window_.Handle(), RequestFor(chosen));
     // The session may have ended meanwhile.

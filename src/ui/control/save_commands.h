@@ -25,7 +25,12 @@ class SaveCommands {
     void menuFileSaveAs_Click();
 
   private:
-    SaveDialogRequest RequestFor(SaveName& chosen) const;
+    // What is saved under.
+    struct Choice {
+        std::wstring path;
+        SaveFormat format;
+    };
+    SaveDialogRequest RequestFor(Choice& chosen) const;
 
     frmMain& window_;
     Chooser choose_;

@@ -1,10 +1,10 @@
 #include "ui/control/save_name.h"
 
-#include <algorithm>
 #include <optional>
 
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "plugin/member_file_name.h"
 
 namespace tessary {
 namespace {
@@ -48,23 +48,10 @@ std::wstring WithExtensionOf(SaveFormat format, const std::wstring& name) {
     return stem + L'.' + ExtensionOf(format);
 }
 
-SaveName CompleteSaveName(const std::wstring& path, SaveFormat format) {
-    const SaveFormat chosen = FormatOfExtension(UpperExtensionOf(path)).value_or(format);
-    return {WithExtensionOf(chosen, path), chosen};
-}
-
 std::wstring ProposedStem(const std::wstring& pictureName) {
     std::wstring stem = pictureName.substr(pictureName.find_last_of(L"\\/") + 1);
     stem.resize(ExtensionStart(stem));
-    std::replace_if(
-        stem.begin(), stem.end(),
-        [](wchar_t character) {
-            return character < L' ' ||
-                   std::wstring_view(LR"(:*?"<>|)").find(character) != std::wstring_view::npos;
-        },
-        L'_');
-    stem.resize(stem.find_last_not_of(L" .") + 1);
-    return stem.empty() ? kNameless : stem;
+    return SafeMemberName(stem).value_or(kNameless);
 }
 
 }  // namespace tessary

@@ -12,17 +12,9 @@ constexpr int kSaveFormatCount = 3;
 // The extension that the format's files get, without its dot.
 const wchar_t* ExtensionOf(SaveFormat format);
 
-struct SaveName {
-    std::wstring path;
-    SaveFormat format;
-};
-
-// The name that is saved to when the user has typed `path` with `format` chosen in the list. An
-// extension of another of the formats wins over the list: who types it means it. JPEG's other
-// extensions become jpg; behind all other names the format's extension is put.
-SaveName CompleteSaveName(const std::wstring& path, SaveFormat format);
-
-// A name with the extension of a format in place of one of the formats, or behind the name.
+// A name with the extension of a format in place of one of the formats, or behind the name. What
+// the user has chosen in the list counts, not what he has typed: a file is always what its name
+// says.
 std::wstring WithExtensionOf(SaveFormat format, const std::wstring& name);
 
 // The name to propose for a picture of that file or archive member: its own, without extension and

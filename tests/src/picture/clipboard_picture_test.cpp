@@ -72,9 +72,11 @@ TEST_F(ClipboardPictureTest, FindsThePixelsBehindWhateverPrecedesThem) {
                           std::string(1024, 'c') + std::string("\4a\0\0\4b\0\1", 8))),
               "bbbbaaaa");
 
-    EXPECT_EQ(Paste(Block(Header(1, 2, 32, BI_BITFIELDS), kUsualMasks + "lowrtopr")), "toprlowr");
+    // A fourth byte that nothing declares to be alpha is opaque.
+    EXPECT_EQ(Paste(Block(Header(1, 2, 32, BI_BITFIELDS), kUsualMasks + "lowrtopr")),
+              "top\xFFlow\xFF");
     EXPECT_EQ(infoSize_, 52u);
-    EXPECT_EQ(Paste(Block(Header(1, -2, 32), "toprlowr")), "toprlowr");
+    EXPECT_EQ(Paste(Block(Header(1, -2, 32), "toprlowr")), "top\xFFlow\xFF");
     EXPECT_EQ(
         Paste(Block(Header(1, 1, 32, BI_BITFIELDS), Numbers({0xFF, 0xFF00, 0xFF0000}) + "RGBx"))
             .substr(0, 3),
@@ -88,9 +90,9 @@ TEST_F(ClipboardPictureTest, FindsThePixelsBehindWhateverPrecedesThem) {
     EXPECT_EQ(Paste(Block(Header(1, 1, 24, BI_RGB, 2), "BGR_")), "BGR_");
     // A long header, with the masks once and twice.
     const std::string longTail = kUsualMasks + std::string(72, '\0');
-    EXPECT_EQ(Paste(Block(Header(1, 1, 32, BI_BITFIELDS, 0, 124), longTail + "BGRx")), "BGRx");
+    EXPECT_EQ(Paste(Block(Header(1, 1, 32, BI_BITFIELDS, 0, 124), longTail + "BGRx")), "BGR\xFF");
     EXPECT_EQ(Paste(Block(Header(1, 1, 32, BI_BITFIELDS, 0, 124), longTail + kUsualMasks + "BGRx")),
-              "BGRx");
+              "BGR\xFF");
 }
 
 TEST_F(ClipboardPictureTest, RefusesWhatTheBlockDoesNotHold) {

@@ -11,18 +11,19 @@
 namespace tessary::test {
 namespace {
 
-TEST(SaveNameTest, AnExtensionThatWasTypedDecides) {
+TEST(SaveNameTest, TheExtensionIsTheChosenFormats) {
     const auto complete = [](const wchar_t* name, SaveFormat chosen) {
-        return FileNameOf(CompleteSaveName(LR"(C:\a.png\)" + std::wstring(name), chosen).path);
+        return FileNameOf(WithExtensionOf(chosen, LR"(C:\a.png\)" + std::wstring(name)));
     };
     EXPECT_EQ(complete(L"b", SaveFormat::kPNG), L"b.png");
-    EXPECT_EQ(complete(L"b.JPEG", SaveFormat::kPNG), L"b.jpg");
-    EXPECT_EQ(complete(L"b.BMP", SaveFormat::kJPEG), L"b.BMP");
+    EXPECT_EQ(complete(L"b.JPEG", SaveFormat::kPNG), L"b.png");
+    EXPECT_EQ(complete(L"b.JPG", SaveFormat::kJPEG), L"b.JPG");
     EXPECT_EQ(complete(L"v1.2", SaveFormat::kBMP), L"v1.2.bmp");
-    EXPECT_EQ(CompleteSaveName(L"b.jfif", SaveFormat::kBMP).format, SaveFormat::kJPEG);
+    EXPECT_EQ(complete(L"b.jfif", SaveFormat::kJPEG), L"b.jpg");
 
     EXPECT_EQ(ProposedStem(L"dir/絵 1.tar.gif"), L"絵 1.tar");
-    EXPECT_EQ(ProposedStem(L"a:b?.bmp"), L"a_b_");
+    EXPECT_EQ(ProposedStem(L"ab?.bmp"), L"ab_");
+    EXPECT_EQ(ProposedStem(L"con.png"), L"_con");
     EXPECT_EQ(ProposedStem(L".png"), L".png");
     EXPECT_EQ(ProposedStem(L"... .png"), L"無題");
     EXPECT_EQ(ProposedStem(L""), L"無題");
