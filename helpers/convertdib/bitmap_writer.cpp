@@ -22,7 +22,8 @@ using dib::CoreHeader;
 enum class Kind { kPlain, kCore, kRle4, kRle8 };
 
 Kind KindOf(const dib::DibView& picture, const saving::BmpSaveOptions& options) {
-    constexpr int32_t kMostInCore = std::numeric_limits<uint16_t>::max();
+    // The fields have no sign, but many readers give them one.
+    constexpr int32_t kMostInCore = std::numeric_limits<int16_t>::max();
     const uint16_t bits = dib::BitsPerPixel(picture.Format());
     const bool fitsCore = bits != 16 && bits != 32 && picture.Width() <= kMostInCore &&
                           picture.Height() <= kMostInCore;

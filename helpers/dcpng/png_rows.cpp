@@ -3,24 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "helpers/dcpng/used_alpha.h"
+
 namespace tessary::dcpng {
 namespace {
 
 constexpr uint32_t Channels(PngKind kind) {
     return kind == PngKind::kRgba ? 4 : kind == PngKind::kRgb ? 3 : 1;
-}
-
-bool UsesAlpha(const dib::DibView& picture) {
-    const auto width = static_cast<size_t>(picture.Width());
-    const uint8_t first = picture.Row(0)[3];
-    for (int32_t y = 0; y < picture.Height(); ++y) {
-        const auto row = picture.Row(y);
-        uint8_t difference = 0;
-        for (size_t x = 0; x < width; ++x)
-            difference |= row[x * 4 + 3] ^ first;
-        if (difference != 0) return true;
-    }
-    return false;
 }
 
 void SwapRedAndBlue(std::span<uint8_t> pixels, size_t channels) {

@@ -19,9 +19,8 @@ enum class PngKind { kGrey, kPalette, kRgb, kRgba };
 //
 // Depths with a colour table keep their depth. They become grey when all colours of the trimmed
 // table are grey levels that the depth can hold (of 1 bit: 0 and 255; of 4 bits: multiples of 17),
-// else they keep their table. 16 and 24 bits become RGB. 32 bits become RGBA when the fourth bytes
-// differ anywhere in the picture, else RGB: bytes that are all alike are no picture's alpha
-// channel, but what drawing functions and decoders leave in a byte they do not use.
+// else they keep their table. 16 and 24 bits become RGB. 32 bits become RGBA when their fourth
+// bytes are an alpha channel, as far as that can be told (UsesAlpha), else RGB.
 class PngRows {
   public:
     // `picture` must outlive the object.

@@ -1,6 +1,8 @@
 #include "helpers/files/replacing_file.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 
 #include "helpers/files/file_name.h"
 
@@ -10,36 +12,28 @@ namespace {
 constexpr size_t kBufferSize = 256u << 10;
 constexpr size_t kLongestWrite = 1u << 30;  // bytes in one call to the system
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-constexpr uint32_t kNames = 100;  // tried before giving up
+constexpr uint32_t kNames = 1000;  // tried before giving up
 
-// A power cut can leave a written file behind. The next one that wants its name removes it, so no
-// folder ever has to be searched. One that is being written cannot be opened here; only between its
-// closing and its moving could it be, and no program takes a day for that.
-constexpr uint64_t kLeftoverAge = 24ull * 60 * 60 * 10'000'000;  // in units of FILETIME
-
-uint64_t Ticks(const FILETIME& time) {
-    return uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+// Creating says that access is denied both in a folder that takes no files and for a name that is a
+// folder's or a vanishing file's; only for the latter another name helps.
+bool IsTaken(const std::wstring& name, DWORD error) {
+    if (error != ERROR_ACCESS_DENIED) return error == ERROR_FILE_EXISTS;
+    return GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES ||
+           GetLastError() != ERROR_FILE_NOT_FOUND;
 }
 
-// False when the file is not old, or in use.
-bool DeleteLeftover(const std::wstring& name) {
-    const HANDLE file = CreateFileW(name.c_str(), DELETE | FILE_READ_ATTRIBUTES, 0, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    FILETIME written;
-    FILETIME now;
-    GetSystemTimeAsFileTime(&now);
-    FILE_DISPOSITION_INFO deletes{TRUE};
-    const bool isOld =
-        GetFileTime(file, nullptr, nullptr, &written) && Ticks(now) > Ticks(written) + kLeftoverAge;
-    const bool deleted =
-        isOld && SetFileInformationByHandle(file, FileDispositionInfo, &deletes, sizeof(deletes));
-    CloseHandle(file);
-    return deleted;
+std::vector<uint8_t> RenameInfo(const std::wstring& target) {
+    const size_t bytes = target.size() * sizeof(wchar_t);
+    std::vector<uint8_t> block(sizeof(FILE_RENAME_INFO) + bytes);
+    FILE_RENAME_INFO info{};
+    info.ReplaceIfExists = TRUE;
+    info.FileNameLength = static_cast<DWORD>(bytes);
+    std::memcpy(block.data(), &info, sizeof(info));
+    std::memcpy(block.data() + offsetof(FILE_RENAME_INFO, FileName), target.data(), bytes);
+    return block;
 }
 
-// Scanners and indexers look into a new file as soon as it is closed, and into the old one at any
-// time; a moment later they are gone.
+// Scanners and indexers may look into the old file at any time; a moment later they are gone.
 constexpr int kMoves = 10;
 constexpr DWORD kMilliseconds = 50;  // between two of them
 
@@ -59,57 +53,65 @@ bool IsInUse(const std::wstring& target) {
 
 }  // namespace
 
-ReplacingFile::ReplacingFile(const std::wstring& target) : target_(ExtendedFullName(target)) {
+ReplacingFile::ReplacingFile(const std::wstring& target, Links links) {
     buffer_.reserve(kBufferSize);
-    if (AcceptsTarget()) CreateBesideTarget();
+    if (!ChooseTarget(target, links)) return;
+    const OldFile old(target_);
+    if (old.IsReplaceable()) {
+        CreateBeside(old);
+    } else {
+        error_ = ERROR_ACCESS_DENIED;
+    }
 }
 
-bool ReplacingFile::AcceptsTarget() {
+bool ReplacingFile::ChooseTarget(const std::wstring& target, Links links) {
+    target_ = ExtendedFullName(target);
     if (target_.empty() || target_.back() == L'\\') {
         error_ = ERROR_INVALID_NAME;
         return false;
     }
-    const DWORD attributes = GetFileAttributesW(target_.c_str());
-    constexpr DWORD kNotReplaceable = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY;
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kNotReplaceable) != 0) {
-        error_ = ERROR_ACCESS_DENIED;
-        return false;
-    }
+    if (links == Links::kFollow) target_ = NameBehindLinks(target_);
+    if (target_.empty()) return Fail();
+    rename_ = RenameInfo(target_);
     return true;
 }
 
-void ReplacingFile::CreateBesideTarget() {
+void ReplacingFile::CreateBeside(const OldFile& old) {
     const std::wstring folder = target_.substr(0, target_.rfind(L'\\') + 1);
     for (uint32_t number = 1; number <= kNames; ++number) {
         written_ = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
-        if (Create() || (error_ == ERROR_FILE_EXISTS && DeleteLeftover(written_) && Create())) {
-            // Where the file system lacks this, only the end of the process would leave the file.
-            DeleteWhenClosed(true);
-            return;
-        }
-        if (error_ != ERROR_FILE_EXISTS && error_ != ERROR_ACCESS_DENIED) return;
+        if (Create(old) || !IsTaken(written_, error_)) return;
     }
 }
 
-bool ReplacingFile::Create() noexcept {
+bool ReplacingFile::Create(const OldFile& old) {
     const HANDLE file = CreateFileW(written_.c_str(), GENERIC_WRITE | DELETE, 0, nullptr,
-                                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+                                    CREATE_NEW, old.Attributes(), nullptr);
     if (file == INVALID_HANDLE_VALUE) return Fail();
     file_.reset(file);
     error_ = ERROR_SUCCESS;
+    old.PassOn(file, written_);  // while others can open it: the mark prevents that
+    Mark(true);
     return true;
 }
 
 ReplacingFile::~ReplacingFile() {
-    if (!IsOpen()) return;
-    file_.reset();
-    DeleteFileW(written_.c_str());
+    if (IsOpen()) Discard();
 }
 
-bool ReplacingFile::DeleteWhenClosed(bool deletes) noexcept {
+void ReplacingFile::Discard() noexcept {
+    file_.reset();
+    if (!isMarked_) DeleteFileW(written_.c_str());
+}
+
+bool ReplacingFile::Mark(bool deletes) noexcept {
     FILE_DISPOSITION_INFO disposition{static_cast<BOOLEAN>(deletes)};
-    return SetFileInformationByHandle(file_.get(), FileDispositionInfo, &disposition,
-                                      sizeof(disposition)) != FALSE;
+    if (!SetFileInformationByHandle(file_.get(), FileDispositionInfo, &disposition,
+                                    sizeof(disposition))) {
+        return false;
+    }
+    isMarked_ = deletes;
+    return true;
 }
 
 bool ReplacingFile::Write(std::span<const uint8_t> bytes) noexcept {
@@ -142,21 +144,19 @@ bool ReplacingFile::WriteThrough(std::span<const uint8_t> bytes) noexcept {
 }
 
 bool ReplacingFile::Commit(Durability durability) noexcept {
-    const bool complete = WriteBuffered() && (durability == Durability::kCache ||
-                                              FlushFileBuffers(file_.get()) || Fail());
-    if (complete) DeleteWhenClosed(false);
+    const bool toDisk = durability == Durability::kDisk;
+    if (!WriteBuffered() || (toDisk && !FlushFileBuffers(file_.get()) && !Fail()) ||
+        !MoveToTarget()) {
+        Discard();
+        return false;
+    }
+    if (toDisk) FlushFileBuffers(file_.get());  // the new name too
     file_.reset();
-    if (complete && MoveToTarget(durability)) return true;
-    DeleteFileW(written_.c_str());
-    return false;
+    return true;
 }
 
-bool ReplacingFile::MoveToTarget(Durability durability) noexcept {
-    const DWORD flags =
-        MOVEFILE_REPLACE_EXISTING | (durability == Durability::kDisk ? MOVEFILE_WRITE_THROUGH : 0);
-    for (int move = 1;; ++move) {
-        if (MoveFileExW(written_.c_str(), target_.c_str(), flags)) return true;
-        Fail();
+bool ReplacingFile::MoveToTarget() noexcept {
+    for (int move = 1; !TryToMove(); ++move) {
         if (!IsPassing(error_)) return false;
         if (move == kMoves) {
             if (IsInUse(target_)) error_ = ERROR_SHARING_VIOLATION;
@@ -164,6 +164,21 @@ bool ReplacingFile::MoveToTarget(Durability durability) noexcept {
         }
         Sleep(kMilliseconds);
     }
+    return true;
+}
+
+// The file stays open, so that the mark can be set again at once: between two tries it would vanish
+// with the process.
+bool ReplacingFile::TryToMove() noexcept {
+    const bool wasMarked = isMarked_;
+    if (wasMarked && !Mark(false)) return Fail();
+    if (SetFileInformationByHandle(file_.get(), FileRenameInfo, rename_.data(),
+                                   static_cast<DWORD>(rename_.size()))) {
+        return true;
+    }
+    Fail();
+    if (wasMarked) Mark(true);
+    return false;
 }
 
 bool ReplacingFile::Fail() noexcept {

@@ -9,21 +9,34 @@
 #include <vector>
 
 #include "helpers/files/byte_sink.h"
+#include "helpers/files/old_file.h"
 
 namespace tessary::files {
 
 // What a power cut may cost: nothing, or a file that is quickly made again.
 enum class Durability { kDisk, kCache };
 
+// What happens to a link in the target's place.
+enum class Links {
+    kReplace,  // it becomes a file, so that nothing outside the target's folder changes
+    kFollow,   // the file that it leads to is the target
+};
+
 // Written under a name of its own in the target's folder; Commit puts it in the target's place in
 // one step. Whatever happens before that (an error, a full disk, the end of the process) leaves the
 // target as it was and the folder without the file. Only a power cut leaves it, as ~tessary-1.tmp
-// or with a higher number; a day later it gives way to the next one with that name.
+// or with a higher number, and so does the end of the process in the very moment of moving. Nobody
+// removes it then: it cannot be told from a user's own file of that name.
+//
+// The new file takes over what OldFile tells of. Of a file with several names (hard links) only the
+// target's gets the new content; the others keep the old: to reach all, the old content would have
+// to be overwritten in place.
 class ReplacingFile final : public ByteSink {
   public:
-    // Creates the file. `target` may be longer than MAX_PATH. A target that is a folder, a device
-    // or read-only is refused here, before anybody has worked for it.
-    explicit ReplacingFile(const std::wstring& target);
+    // Creates the file. `target` may be longer than MAX_PATH. A target that is a folder, a device,
+    // read-only or, with kFollow, a link to nothing is refused here, before anybody has worked for
+    // it.
+    explicit ReplacingFile(const std::wstring& target, Links links = Links::kReplace);
     ReplacingFile(const ReplacingFile&) = delete;
     ReplacingFile& operator=(const ReplacingFile&) = delete;
     ~ReplacingFile() override;
@@ -44,21 +57,27 @@ class ReplacingFile final : public ByteSink {
     };
     using UniqueFile = std::unique_ptr<std::remove_pointer_t<HANDLE>, CloseFile>;
 
-    bool AcceptsTarget();
-    void CreateBesideTarget();
+    // Finds target_; false when it is refused.
+    bool ChooseTarget(const std::wstring& target, Links links);
+    void CreateBeside(const OldFile& old);
     // Creates written_, which must not exist.
-    bool Create() noexcept;
+    bool Create(const OldFile& old);
     bool WriteThrough(std::span<const uint8_t> bytes) noexcept;
     bool WriteBuffered() noexcept;
-    bool MoveToTarget(Durability durability) noexcept;
-    // Decides what happens when the file is closed, however that comes about.
-    bool DeleteWhenClosed(bool deletes) noexcept;
+    bool MoveToTarget() noexcept;
+    bool TryToMove() noexcept;
+    // Has the system delete the file when it is closed, however that comes about; or no longer.
+    bool Mark(bool deletes) noexcept;
+    // Closes and deletes the file.
+    void Discard() noexcept;
     // Notes the system's error; always false.
     bool Fail() noexcept;
 
     std::wstring target_;
     std::wstring written_;
     UniqueFile file_;
+    bool isMarked_ = false;        // never true where the file system lacks the mark
+    std::vector<uint8_t> rename_;  // a FILE_RENAME_INFO, ready: the last step takes no memory
     std::vector<uint8_t> buffer_;
     DWORD error_ = ERROR_SUCCESS;
 };

@@ -43,6 +43,7 @@ uint64_t InfoSize(const dib::BitmapInfoHeader& header) {
     return size;
 }
 
+// 0 for run lengths whose size the header does not tell: nothing says where they may be read.
 uint64_t BitsSize(const dib::BitmapInfoHeader& header) {
     if (header.compression == dib::kCompressionRle4 ||
         header.compression == dib::kCompressionRle8) {
@@ -61,7 +62,7 @@ PictureAt::PictureAt(const void* info, const void* bits) {
     // Of and CheckDib refuse the dimensions and depths whose sizes come out wrong here.
     const uint64_t infoSize = InfoSize(header);
     const uint64_t bitsSize = BitsSize(header);
-    if (header.size < dib::kInfoHeaderSize || !IsReadable(info, infoSize) ||
+    if (header.size < dib::kInfoHeaderSize || bitsSize == 0 || !IsReadable(info, infoSize) ||
         !IsReadable(bits, bitsSize)) {
         return;
     }

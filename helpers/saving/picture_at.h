@@ -18,7 +18,7 @@ class PictureAt {
     PictureAt(const void* info, const void* bits);
 
     // Null when the pair is none, or when the blocks that its header announces do not lie in
-    // readable memory of this process to their ends.
+    // readable memory of this process to their ends; run lengths must announce their size.
     const std::optional<dib::DibView>& View() const { return view_; }
 
   private:

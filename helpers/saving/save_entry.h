@@ -26,9 +26,9 @@ inline DWORD ErrorOf(SaveResult result) {
     }
 }
 
-// Has the picture at the two addresses written to a file, which replaces what is there. `write`
-// takes (const dib::DibView&, files::ByteSink&) and answers a SaveResult. On failure the file is as
-// it was and GetLastError tells the reason.
+// Has the picture at the two addresses written to a file, which replaces what is there; behind a
+// link, the file that it leads to. `write` takes (const dib::DibView&, files::ByteSink&) and answers
+// a SaveResult. On failure the file is as it was and GetLastError tells the reason.
 template <typename Char, typename Writer>
 bool SaveToFile(const void* info, const void* bits, const Char* fileName,
                 const Writer& write) noexcept {
@@ -36,7 +36,7 @@ bool SaveToFile(const void* info, const void* bits, const Char* fileName,
         if (fileName == nullptr) return ERROR_INVALID_PARAMETER;
         const PictureAt picture(info, bits);
         if (!picture.View()) return ERROR_INVALID_DATA;
-        files::ReplacingFile file(files::FileNameOf(fileName));
+        files::ReplacingFile file(files::FileNameOf(fileName), files::Links::kFollow);
         if (!file.IsOpen()) return file.Error();
         const SaveResult result = write(*picture.View(), file);
         if (result != SaveResult::kSaved) {

@@ -57,7 +57,9 @@ TEST(BitmapWriter, ChoosesHeaderEncodingAndTable) {
     const SamplePicture one(PixelFormat::kIndexed1, 9, 1, Colors(PixelFormat::kIndexed1, 1));
     const SamplePicture full(PixelFormat::kBgr24, 5, 2, {});
     const SamplePicture words(PixelFormat::kRgb565, 5, 2, {});
-    const SamplePicture wide(PixelFormat::kIndexed1, 65536, 1, Colors(PixelFormat::kIndexed1));
+    const SamplePicture wide(PixelFormat::kIndexed1, 32767, 1, Colors(PixelFormat::kIndexed1));
+    const SamplePicture wider(PixelFormat::kIndexed1, 32768, 1, Colors(PixelFormat::kIndexed1));
+    const SamplePicture taller(PixelFormat::kIndexed1, 1, 32768, Colors(PixelFormat::kIndexed1));
     using Fields = std::vector<uint32_t>;
     EXPECT_EQ(FieldsOf(Saved(few, {0, 0})), Fields({54 + 40, 40, 0, 16, 10}));
     EXPECT_EQ(FieldsOf(Saved(few, {0, 1})), Fields({54 + 40, 40, 1, 8, 10}));
@@ -68,7 +70,9 @@ TEST(BitmapWriter, ChoosesHeaderEncodingAndTable) {
     EXPECT_EQ(FieldsOf(Saved(full, {0, 1})), Fields({54, 40, 0, 32, 0}));
     EXPECT_EQ(FieldsOf(Saved(full, {1, 1})), Fields({26, 12}));
     EXPECT_EQ(FieldsOf(Saved(words, {1, 0})), Fields({66, 40, 3, 24, 0}));
-    EXPECT_EQ(FieldsOf(Saved(wide, {1, 0})), Fields({54 + 8, 40, 0, 8192, 2}));
+    EXPECT_EQ(FieldsOf(Saved(wide, {1, 0})), Fields({26 + 6, 12}));
+    EXPECT_EQ(FieldsOf(Saved(wider, {1, 0})), Fields({54 + 8, 40, 0, 4096, 2}));
+    EXPECT_EQ(FieldsOf(Saved(taller, {1, 0})), Fields({54 + 8, 40, 0, 131072, 2}));
 }
 
 TEST(RunLengthEncoder, ChoosesTheShorterCode) {

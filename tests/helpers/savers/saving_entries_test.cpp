@@ -17,6 +17,7 @@ constexpr wchar_t kDyingVariable[] = L"TESSARY_TEST_DIES_SAVING";
 constexpr int kDyingExitCode = 77;
 constexpr wchar_t kTargetVariable[] = L"TESSARY_TEST_SAVES_TO";
 constexpr wchar_t kRoundsVariable[] = L"TESSARY_KILL_ROUNDS";
+constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
 constexpr wchar_t kReadyEvent[] = L"TessaryTestSaves";
 
 // What the progress callback does; it gets no value of its own.
@@ -40,6 +41,33 @@ const auto kCallback = reinterpret_cast<LONG_PTR>(&Callback);
 std::string ReadFile(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Its access control list in a security descriptor.
+Bytes AccessOf(const std::wstring& path) {
+    Bytes descriptor(2000);
+    DWORD size = 0;
+    EXPECT_TRUE(GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor.data(),
+                                 static_cast<DWORD>(descriptor.size()), &size));
+    descriptor.resize(size);
+    return descriptor;
+}
+
+// Makes `link` in a folder lead to `file` there, by the means of the system that the test runs on.
+void MakeFileLink(const std::wstring& folder, const std::wstring& link, const std::wstring& file) {
+    const bool isWine =
+        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+    std::wstring command = isWine ? LR"(\\?\unix\bin\ln -s )" + file + L' ' + link
+                                  : L"cmd /c mklink " + link + L' ' + file;
+    STARTUPINFOW start{};
+    start.cb = sizeof(start);
+    PROCESS_INFORMATION process{};
+    ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
+                               nullptr, folder.c_str(), &start, &process));
+    for (int turn = 0; turn < 500 && !std::filesystem::exists(folder + link); ++turn)
+        Sleep(10);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
 }
 
 class SavingEntries : public testing::Test {
@@ -76,6 +104,29 @@ class SavingEntries : public testing::Test {
         return error;
     }
 
+    // Starts the program once more to save to a file again and again, and kills that process at
+    // some time after the first `least` milliseconds of it.
+    void KillWhileSaving(const std::wstring& target, DWORD least) {
+        _wputenv_s(kTargetVariable, target.c_str());
+        wchar_t program[MAX_PATH];
+        GetModuleFileNameW(nullptr, program, MAX_PATH);
+        wchar_t arguments[] = L"test --gtest_filter=*IsKilled";
+        const HANDLE ready = CreateEventW(nullptr, FALSE, FALSE, kReadyEvent);
+        STARTUPINFOW startup{};
+        startup.cb = sizeof(startup);
+        PROCESS_INFORMATION process;
+        ASSERT_TRUE(CreateProcessW(program, arguments, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                                   &startup, &process));
+        EXPECT_EQ(WaitForSingleObject(ready, 30'000), DWORD{WAIT_OBJECT_0});
+        Sleep(least + random_() % 60);
+        TerminateProcess(process.hProcess, kDyingExitCode);
+        WaitForSingleObject(process.hProcess, INFINITE);
+        CloseHandle(process.hThread);
+        CloseHandle(process.hProcess);
+        CloseHandle(ready);
+        _wputenv_s(kTargetVariable, L"");
+    }
+
     std::wstring At(const wchar_t* name) const { return folder_.Path() + name; }
     // The names and contents of all files in the test's folder.
     std::map<std::wstring, std::string> Folder() const {
@@ -88,6 +139,7 @@ class SavingEntries : public testing::Test {
     }
 
     tessary::test::TemporaryFolder folder_;
+    std::minstd_rand random_{7};
     SamplePicture picture_{PixelFormat::kBgr24, 200, 150, {}};
 };
 
@@ -175,6 +227,8 @@ TEST_F(SavingEntries, FailWithoutTrace) {
     odd.info[14] = 23;
     SamplePicture empty = picture_;
     empty.bits = Bytes();  // data() is null then
+    SamplePicture endless(PixelFormat::kIndexed8, 3, 1, Colors(PixelFormat::kIndexed8));
+    endless.info[16] = 1;  // run lengths of no size
     const struct {
         const SamplePicture& picture;
         std::wstring file;
@@ -183,6 +237,7 @@ TEST_F(SavingEntries, FailWithoutTrace) {
         {huge, old, ERROR_INVALID_DATA},
         {odd, old, ERROR_INVALID_DATA},
         {empty, old, ERROR_INVALID_DATA},
+        {endless, old, ERROR_INVALID_DATA},
         {picture_, L"", ERROR_INVALID_NAME},
         {picture_, L"NUL", ERROR_INVALID_NAME},
         {picture_, folder_.Path(), ERROR_INVALID_NAME},
@@ -236,10 +291,6 @@ TEST_F(SavingEntries, LeaveAWholeFileWheneverTheProcessIsKilled) {
     }
     const wchar_t* wanted = _wgetenv(kRoundsVariable);
     const int rounds = wanted != nullptr ? _wtoi(wanted) : 20;
-    wchar_t program[MAX_PATH];
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    const HANDLE ready = CreateEventW(nullptr, FALSE, FALSE, kReadyEvent);
-    std::minstd_rand random(7);
     int replaced = 0;
     for (int round = 0; round < rounds; ++round) {
         const size_t number = static_cast<size_t>(round) % std::size(kLibraries);
@@ -249,38 +300,36 @@ TEST_F(SavingEntries, LeaveAWholeFileWheneverTheProcessIsKilled) {
             ASSERT_EQ(Save(kLibraries[number], picture, At(name.c_str()).c_str()), 0u);
             whole.insert(ReadFile(At(name.c_str())));
         }
-        _wputenv_s(kTargetVariable, folder_.Write(name, "old content").c_str());
-        wchar_t arguments[] = L"test --gtest_filter=*IsKilled";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof(startup);
-        PROCESS_INFORMATION process;
-        ASSERT_TRUE(CreateProcessW(program, arguments, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                                   &startup, &process));
-        EXPECT_EQ(WaitForSingleObject(ready, 30'000), DWORD{WAIT_OBJECT_0});
-        Sleep(random() % 60);
-        TerminateProcess(process.hProcess, kDyingExitCode);
-        WaitForSingleObject(process.hProcess, INFINITE);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
-
+        KillWhileSaving(folder_.Write(name, "old content"), 0);
         auto files = Folder();
         const std::string left = files.extract(name).mapped();
         EXPECT_TRUE(whole.contains(left)) << round << ": " << left.size() << " bytes";
         if (left != "old content") ++replaced;
-        // Between its closing and its moving the new file has a name of its own.
+        // In the moment of its moving the new file has a name of its own.
         files.erase(L"~tessary-1.tmp");
         EXPECT_TRUE(files.empty());
         DeleteFileW(At(L"~tessary-1.tmp").c_str());
         DeleteFileW(At(name.c_str()).c_str());
     }
-    _wputenv_s(kTargetVariable, L"");
-    CloseHandle(ready);
     EXPECT_GT(replaced, 0);
 }
 
-TEST_F(SavingEntries, RemoveWhatAPowerCutHasLeft) {
-    folder_.Write(L"~tessary-1.tmp", "somebody's who is at work");
-    const std::wstring old = folder_.Write(L"~tessary-2.tmp", "left two days ago");
+// Here it dies while it waits for the target; in a moment of moving it may leave its file.
+TEST_F(SavingEntries, LeaveNoFileWhenTheProcessIsKilledWaiting) {
+    const std::wstring target = folder_.Write(L"target0", "old content");
+    const HANDLE user = CreateFileW(target.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    for (int round = 0; round < 4; ++round)
+        KillWhileSaving(target, 100);
+    CloseHandle(user);
+    EXPECT_LT(Folder().size(), 4u);
+    EXPECT_EQ(Folder()[L"target0"], "old content");
+}
+
+// Not even an old one, which may be a user's own, or lead to one.
+TEST_F(SavingEntries, LeaveOtherFilesOfTheirNamesAlone) {
+    const std::wstring old = folder_.Write(L"precious", "a user's");
+    MakeFileLink(folder_.Path(), L"~tessary-1.tmp", L"precious");
     const HANDLE file =
         CreateFileW(old.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     FILETIME time;
@@ -290,8 +339,42 @@ TEST_F(SavingEntries, RemoveWhatAPowerCutHasLeft) {
     CloseHandle(file);
     EXPECT_EQ(Save(kLibraries[0], picture_, At(L"a").c_str()), 0u);
     auto files = Folder();
-    EXPECT_TRUE(files.contains(L"a") && files.contains(L"~tessary-1.tmp"));
+    EXPECT_EQ(files[L"precious"], "a user's");
+    EXPECT_EQ(files[L"~tessary-1.tmp"], "a user's");
+    EXPECT_EQ(files.size(), 3u);
+}
+
+TEST_F(SavingEntries, KeepLinksAndTheProtectionBehindThem) {
+    const std::wstring file = folder_.Write(L"file");
+    const Bytes usual = AccessOf(file);
+    SID_IDENTIFIER_AUTHORITY world = SECURITY_WORLD_SID_AUTHORITY;
+    SID everyone{SID_REVISION, 1, world, {SECURITY_WORLD_RID}};
+    alignas(ACL) uint8_t memory[200];
+    const auto list = reinterpret_cast<ACL*>(memory);
+    InitializeAcl(list, sizeof(memory), ACL_REVISION);
+    AddAccessAllowedAce(list, ACL_REVISION, FILE_ALL_ACCESS, &everyone);
+    SECURITY_DESCRIPTOR descriptor;
+    InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
+    SetSecurityDescriptorDacl(&descriptor, TRUE, list, FALSE);
+    SetSecurityDescriptorControl(&descriptor, SE_DACL_PROTECTED, SE_DACL_PROTECTED);
+    EXPECT_TRUE(SetFileSecurityW(file.c_str(), DACL_SECURITY_INFORMATION, &descriptor));
+    const Bytes open = AccessOf(file);
+    EXPECT_NE(open, usual);
+    EXPECT_TRUE(SetFileAttributesW(file.c_str(), kKept));
+    MakeFileLink(folder_.Path(), L"link", L"file");
+
+    EXPECT_EQ(Save(kLibraries[0], picture_, At(L"link").c_str()), 0u);
+    EXPECT_EQ(AccessOf(file), open);
+    EXPECT_EQ(GetFileAttributesW(file.c_str()) & kKept, kKept);
+    auto files = Folder();
+    EXPECT_TRUE(files[L"file"].starts_with("BM"));
+    EXPECT_EQ(files[L"link"], files[L"file"]);
     EXPECT_EQ(files.size(), 2u);
+
+    files::ReplacingFile member(At(L"link"));
+    ASSERT_TRUE(member.Write(Bytes(5, 'm')) && member.Commit());
+    EXPECT_EQ(Folder()[L"link"], "mmmmm");
+    EXPECT_EQ(Folder()[L"file"], files[L"file"]) << "outside of what was to be replaced";
 }
 
 TEST_F(SavingEntries, WriteThroughTheBufferInOrder) {
