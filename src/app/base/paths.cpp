@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <iterator>
+#include <utility>
+
 #include "app/base/handles.h"
 #include "app/base/text.h"
 

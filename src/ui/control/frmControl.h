@@ -17,6 +17,7 @@
 #include "ui/form/form.h"
 #include "ui/form/list_box.h"
 #include "ui/form/simple_controls.h"
+#include "ui/form/timer.h"
 #include "ui/form/toolbar.h"
 #include "ui/main/control_bar.h"
 #include "ui/main/frmMain.h"
@@ -166,6 +167,10 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     int risenBy_ = 0;           // pixels that the window has moved up for the delete panel
     int stops_ = 0;             // how often the stop button was pressed
     Player player_;
+    Timer longLoad_{[this] {
+        longLoad_.Stop();
+        UpdateToolbar();
+    }};
     Accelerators accelerators_;
     MessageFilter dialogKeys_;
 };

@@ -17,6 +17,9 @@ constexpr size_t kFilesPerBreath = 100;
 constexpr size_t kAlwaysTold = 200;
 constexpr DWORD kBreathMilliseconds = 20;
 
+// How long a load takes before the toolbar goes grey.
+constexpr UINT kLongLoadMilliseconds = 200;
+
 constexpr wchar_t kNotArchive[] = L"Not Archive File.";
 
 bool IsPlainFile(const std::wstring& path) {
@@ -58,13 +61,15 @@ frmControl::Burst::~Burst() {
     bar_.EnableParts(focused_);
 }
 
+// The buttons refuse clicks at once, but would blink if they went grey for every short load.
 void frmControl::DisableParts() {
-    UpdateToolbar();
+    longLoad_.Start(kLongLoadMilliseconds);
     listFileName_.SetEnabled(false);
     listArchiveFile_.SetEnabled(false);
 }
 
 void frmControl::EnableParts(HWND focused) {
+    longLoad_.Stop();
     if (Handle() == nullptr) return;
     listFileName_.SetEnabled(true);
     listArchiveFile_.SetEnabled(archiveShown_);

@@ -8,9 +8,6 @@
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
-#include "app/base/paths.h"
-#include "app/base/task_modal.h"
-#include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
@@ -22,7 +19,7 @@
 #include "ui/dialogs/folder_browser.h"
 #include "ui/dialogs/folder_listing.h"
 #include "ui/dialogs/start_folder.h"
-#include "ui/form/busy_pointer.h"
+#include "ui/form/busy_window.h"
 
 namespace tessary {
 namespace {
@@ -46,33 +43,6 @@ HWND DialogOwner(const frmMain& window) {
     const HWND active = GetActiveWindow();
     return active != nullptr ? active : window.Handle();
 }
-
-std::wstring CaptionOf(HWND window) {
-    std::wstring caption(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    caption.resize(static_cast<size_t>(
-        GetWindowTextW(window, caption.data(), static_cast<int>(caption.size()))));
-    return caption;
-}
-
-// The main window while a folder is being opened: out of the user's reach, with the hourglass, and
-// with captions that tell how far things are. All as before in the end.
-class BusyWindow {
-  public:
-    explicit BusyWindow(HWND window) : window_(window), caption_(CaptionOf(window)) {}
-    BusyWindow(const BusyWindow&) = delete;
-    BusyWindow& operator=(const BusyWindow&) = delete;
-    ~BusyWindow() {
-        if (IsWindow(window_)) SetCaption(caption_);
-    }
-
-    void SetCaption(const std::wstring& caption) { SetWindowTextW(window_, caption.c_str()); }
-
-  private:
-    HWND window_;
-    std::wstring caption_;
-    BusyPointer pointer_;
-    TaskModal modal_{nullptr};
-};
 
 // Sets a flag for its own life.
 class Raised {

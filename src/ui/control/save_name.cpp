@@ -51,6 +51,7 @@ std::wstring WithExtensionOf(SaveFormat format, const std::wstring& name) {
 std::wstring ProposedStem(const std::wstring& pictureName) {
     std::wstring stem = pictureName.substr(pictureName.find_last_of(L"\\/") + 1);
     stem.resize(ExtensionStart(stem));
+    if (stem.find_first_not_of(L" .") == std::wstring::npos) return kNameless;
     return SafeMemberName(stem).value_or(kNameless);
 }
 

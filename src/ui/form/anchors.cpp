@@ -59,9 +59,10 @@ void Anchors::Apply(HWND dialog) const {
         Stretch(area.top, area.bottom, higher, (edges & kAnchorTop) != 0,
                 (edges & kAnchorBottom) != 0);
         if (moves == nullptr) return;  // no memory: the system has dropped all moves
+        // Controls are moved over each other's places: what stood there must not be copied along.
         moves = DeferWindowPos(moves, place.control, nullptr, area.left, area.top,
                                area.right - area.left, area.bottom - area.top,
-                               SWP_NOZORDER | SWP_NOACTIVATE);
+                               SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     }
     EndDeferWindowPos(moves);
 }

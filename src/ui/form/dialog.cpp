@@ -147,7 +147,7 @@ void Dialog::PlaceWindow() {
 
 void Dialog::RememberPlace() const {
     RECT window{};
-    if (IsIconic(handle_) || !GetWindowRect(handle_, &window)) return;
+    if (IsIconic(handle_) || IsZoomed(handle_) || !GetWindowRect(handle_, &window)) return;
     LastPlaces()[resource_] = {window, dpi_};
 }
 

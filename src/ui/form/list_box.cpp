@@ -1,5 +1,6 @@
 #include "ui/form/list_box.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "ui/form/metrics.h"
@@ -42,6 +43,20 @@ void ListBox::Remove(int index) {
 void ListBox::Select(int index) {
     MarkSelected(index);
     if (click_) click_();
+}
+
+std::vector<int> ListBox::AllSelected() const {
+    std::vector<int> indexes(static_cast<size_t>(std::max<LRESULT>(Send(LB_GETSELCOUNT), 0)));
+    const LRESULT count =
+        Send(LB_GETSELITEMS, indexes.size(), reinterpret_cast<LPARAM>(indexes.data()));
+    indexes.resize(static_cast<size_t>(std::max<LRESULT>(count, 0)));
+    return indexes;
+}
+
+void ListBox::MarkOnly(int index) {
+    Send(LB_SETSEL, FALSE, -1);
+    Send(LB_SETSEL, TRUE, index);
+    Send(LB_SETCARETINDEX, static_cast<WPARAM>(index), FALSE);
 }
 
 void ListBox::FontChanged() {

@@ -1,9 +1,10 @@
-// A list of texts of which one may be selected.
+// A list of texts of which one may be selected, or several (LBS_EXTENDEDSEL).
 #pragma once
 
 #include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "ui/form/control.h"
 
@@ -39,6 +40,15 @@ class ListBox final : public Control {
     void Select(int index);
     // Moves the selection without a click.
     void MarkSelected(int index) { Send(LB_SETCURSEL, static_cast<WPARAM>(index)); }
+
+    // Of a list of which several may be selected: all that are, in order; selects one, with the
+    // focus on it, or all.
+    std::vector<int> AllSelected() const;
+    void MarkOnly(int index);
+    void MarkAll() { Send(LB_SETSEL, TRUE, -1); }
+
+    // How wide the entries are, in pixels: a list with a horizontal scroll bar scrolls as far.
+    void SetTextWidth(int pixels) { Send(LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(pixels)); }
 
     // Shows the entries in grey: there is nothing to choose.
     void SetDimmed(bool dimmed);

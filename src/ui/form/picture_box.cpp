@@ -28,8 +28,10 @@ int CurrentShiftState() {
 
 bool PictureBox::Create(HWND parent, Events events) {
     events_ = std::move(events);
-    return Window::Create(
-        {.className = L"TessaryPictureBox", .style = WS_CHILD | WS_VISIBLE, .parent = parent});
+    return Window::Create({.className = L"TessaryPictureBox",
+                           .style = WS_CHILD | WS_VISIBLE,
+                           .classStyle = CS_DBLCLKS,
+                           .parent = parent});
 }
 
 void PictureBox::SetBounds(int left, int top, int width, int height) {
@@ -40,6 +42,11 @@ SIZE PictureBox::AreaSize() const {
     RECT area{};
     GetClientRect(Handle(), &area);
     return {area.right, area.bottom};
+}
+
+void PictureBox::SetBackground(HBRUSH background) {
+    background_ = background;
+    InvalidateRect(Handle(), nullptr, FALSE);
 }
 
 void PictureBox::SetPicture(IPicture* picture, SIZE size, POINT position) {
@@ -71,7 +78,8 @@ void PictureBox::Paint() const {
         PaintPicture(screen, visible);
         ExcludeClipRect(screen, picture.left, picture.top, picture.right, picture.bottom);
     }
-    FillRect(screen, &paint.rcPaint, GetSysColorBrush(COLOR_APPWORKSPACE));
+    FillRect(screen, &paint.rcPaint,
+             background_ != nullptr ? background_ : GetSysColorBrush(COLOR_APPWORKSPACE));
     EndPaint(Handle(), &paint);
 }
 
@@ -91,6 +99,11 @@ void PictureBox::PaintPicture(HDC screen, const RECT& visible) const {
     SelectObject(memory.Get(), selected);
 }
 
+void PictureBox::ShowPointer() const {
+    const wchar_t* const pointer = events_.pointer ? events_.pointer() : IDC_ARROW;
+    SetCursor(pointer != nullptr ? LoadCursorW(nullptr, pointer) : nullptr);
+}
+
 void PictureBox::RaiseContextMenu(POINT onScreen) const {
     if (onScreen.x == -1 && onScreen.y == -1) {  // from the keyboard: the middle of the area
         const SIZE area = AreaSize();
@@ -98,6 +111,23 @@ void PictureBox::RaiseContextMenu(POINT onScreen) const {
         ClientToScreen(Handle(), &onScreen);
     }
     Raise(events_.contextMenu, onScreen);
+}
+
+void PictureBox::RaiseWheel(WPARAM wParam) {
+    const int notches = notches_.Add(GET_WHEEL_DELTA_WPARAM(wParam));
+    const WORD keys = GET_KEYSTATE_WPARAM(wParam);
+    if (notches == 0) return;
+    Raise(events_.wheel, notches,
+          ((keys & MK_SHIFT) != 0 ? kShiftMask : 0) | ((keys & MK_CONTROL) != 0 ? kCtrlMask : 0));
+}
+
+// Older systems send the wheel to whoever has the keyboard.
+void PictureBox::SendWheelBelowPointer(MSG& message) const {
+    if (message.message != WM_MOUSEWHEEL || GetCapture() != nullptr) return;
+    const HWND below = WindowFromPoint(PointOf(message.lParam));
+    if (below != Handle() && message.hwnd != Handle()) return;
+    const bool ours = GetWindowThreadProcessId(below, nullptr) == GetCurrentThreadId();
+    if (ours && IsWindowEnabled(GetAncestor(below, GA_ROOT))) message.hwnd = below;
 }
 
 LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -108,7 +138,7 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             Paint();
             return 0;
         case WM_SETCURSOR:
-            SetCursor(LoadCursorW(nullptr, events_.pointer ? events_.pointer() : IDC_ARROW));
+            ShowPointer();
             return TRUE;
         case WM_KEYDOWN:
             Raise(events_.keyDown, static_cast<int>(wParam), CurrentShiftState());
@@ -118,6 +148,12 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             SetFocus(Handle());
             Raise(events_.mouseDown, message == WM_LBUTTONDOWN ? kLeftButton : kRightButton,
                   PointOf(lParam));
+            return 0;
+        case WM_LBUTTONDBLCLK:
+            Raise(events_.doubleClick);
+            return 0;
+        case WM_MOUSEWHEEL:
+            RaiseWheel(wParam);
             return 0;
         case WM_MOUSEMOVE:
             Raise(events_.mouseMove, PointOf(lParam), (wParam & MK_LBUTTON) != 0);

@@ -6,6 +6,8 @@
 #include <functional>
 
 #include "app/base/handles.h"
+#include "ui/form/message_loop.h"
+#include "ui/form/wheel_notches.h"
 #include "ui/form/window.h"
 
 namespace tessary {
@@ -26,18 +28,22 @@ constexpr int kAltMask = 4;
 // The shift state of the keyboard as it is now.
 int CurrentShiftState();
 
-// Paints straight onto the screen, each pixel once: the picture, then the background around it.
+// Paints straight onto the screen, each pixel once: the picture, then the background around it. The
+// wheel is the picture's while the pointer is over it, whoever has the keyboard, and the window's
+// below the pointer when that is another of the program's.
 class PictureBox : public Window {
   public:
     // What the owner wants to know; positions are pixels of the control's area.
     struct Events {
         std::function<void(int keyCode, int shift)> keyDown;
         std::function<void(int button, POINT at)> mouseDown;
+        std::function<void()> doubleClick;  // in place of the second press of the left button
         std::function<void(POINT at, bool leftButton)> mouseMove;
         std::function<void(int button)> mouseUp;
         std::function<void()> captureLost;
-        std::function<void(POINT onScreen)> contextMenu;  // right click, or the menu key
-        std::function<const wchar_t*()> pointer;          // the mouse pointer to show (IDC_…)
+        std::function<void(int notches, int shift)> wheel;  // positive: away from the user
+        std::function<void(POINT onScreen)> contextMenu;    // right click, or the menu key
+        std::function<const wchar_t*()> pointer;  // the mouse pointer to show (IDC_…); null: none
     };
 
     // False when the system refuses the control.
@@ -46,6 +52,10 @@ class PictureBox : public Window {
     // Puts the control into this rectangle of its parent.
     void SetBounds(int left, int top, int width, int height);
     SIZE AreaSize() const;
+
+    // The brush for what the picture leaves free, which must outlive the control; null for the
+    // system's.
+    void SetBackground(HBRUSH background);
 
     // Shows a bitmap picture of this size in pixels with its top left corner at `position`; takes a
     // reference of its own and releases the former picture's. A null picture empties the control.
@@ -68,12 +78,21 @@ class PictureBox : public Window {
     RECT PictureRectangle() const;
     void Paint() const;
     void PaintPicture(HDC screen, const RECT& visible) const;
+    void ShowPointer() const;
     void RaiseContextMenu(POINT onScreen) const;
+    void RaiseWheel(WPARAM wParam);
+    void SendWheelBelowPointer(MSG& message) const;
 
     Events events_;
     PictureReference picture_;
     SIZE size_{};
     POINT position_{};
+    HBRUSH background_ = nullptr;
+    WheelNotches notches_;
+    MessageFilter wheel_{[this](MSG& message) {
+        SendWheelBelowPointer(message);
+        return false;
+    }};
 };
 
 }  // namespace tessary

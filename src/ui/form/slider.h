@@ -1,4 +1,4 @@
-// A horizontal slider with a tick for each of its positions.
+// A horizontal slider.
 #pragma once
 
 #include <windows.h>
@@ -14,13 +14,14 @@ namespace tessary {
 
 class Slider final : public Control {
   public:
-    // The positions are `least` to `most`, from left to right.
-    void SetRange(int least, int most) {
+    // The positions are `least` to `most`, from left to right, with a tick at every `tickStep`th.
+    // The arrow keys move by one, the page keys by `pageStep`.
+    void SetRange(int least, int most, int tickStep = 1, int pageStep = 2) {
         Send(TBM_SETRANGEMIN, FALSE, least);
         Send(TBM_SETRANGEMAX, TRUE, most);
-        Send(TBM_SETTICFREQ, 1);
+        Send(TBM_SETTICFREQ, static_cast<WPARAM>(tickStep));
         Send(TBM_SETLINESIZE, 0, 1);
-        Send(TBM_SETPAGESIZE, 0, 2);
+        Send(TBM_SETPAGESIZE, 0, pageStep);
     }
 
     // Beyond the range: the nearest end.

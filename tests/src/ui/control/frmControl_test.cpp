@@ -108,6 +108,7 @@ TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
     EXPECT_TRUE(bar_.SetFileList(files));
     EXPECT_TRUE(bar_.IsVisible());
     EXPECT_EQ(Items(bar_.listFileName()), files);
+    EXPECT_EQ(bar_.FileList(), files);
     EXPECT_EQ(Info(), L"[画像] 一.bmp ( 8×6 24bit )");
     EXPECT_EQ(Panel(), L"[表示中] 一.bmp ( 8×6 24bit )");
     EXPECT_EQ(Items(bar_.listArchiveFile()), List{kNotArchive});

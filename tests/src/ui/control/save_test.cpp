@@ -69,7 +69,7 @@ class SaveTest : public MainWindowTest {
 };
 
 TEST_F(SaveTest, ChoosesTheWriterAndRemembersTheChoice) {
-    SaveAs(L"a.jpeg", 1);
+    SaveAs(L"a.jpeg", 3);
     EXPECT_EQ(asked_.name, L"夕.焼け.png");
     EXPECT_EQ(asked_.types.size(), 3u);
     EXPECT_EQ(asked_.renamed(L"夕.焼け.png", 1), L"夕.焼け.bmp");
@@ -85,13 +85,13 @@ TEST_F(SaveTest, ChoosesTheWriterAndRemembersTheChoice) {
 
 TEST_F(SaveTest, AsksBeforeItReplacesAndTellsWhatFails) {
     folder_.Write(L"a.jpg", "mine");
-    SaveAs(L"a.jpeg", 1);  // the answer is OK, which is not yes
+    SaveAs(L"a.jpeg", 3);  // the answer is OK, which is not yes
     EXPECT_FALSE(accepted_);
     EXPECT_EQ(Content(L"a.jpg"), "mine");
     EXPECT_EQ(messages_.Only(), folder_.Path() + L"a.jpg は既に存在します。\r\n上書きしますか？");
 
     const RecordedMessages yes(IDYES);
-    SaveAs(L"a.jpeg", 1);
+    SaveAs(L"a.jpeg", 3);
     EXPECT_EQ(Content(L"a.jpg").substr(0, 2), "\xFF\xD8");
     SaveAs(L"none\\b.png", 2);
     folder_.Write(L"c.bmp", "mine");

@@ -1,0 +1,60 @@
+#include "convert/convert_log.h"
+
+#include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "app/settings/modValue.h"
+
+namespace tessary {
+namespace {
+
+constexpr size_t kFieldColumns = 24;
+
+std::wstring LineOf(std::wstring_view label, std::wstring_view value, int16_t indent) {
+    std::wstring line(static_cast<size_t>(indent < 0 ? 0 : indent), L' ');
+    line += label;
+    // Only the blanks added here count as the one column that they are.
+    const size_t columns = 2 * line.size();
+    if (columns < kFieldColumns) line.append(kFieldColumns - columns, L' ');
+    line += value;
+    return line;
+}
+
+// The name counts from the program's folder, unless it is a full path already.
+std::wstring LogPath(const std::wstring& name) {
+    const bool isFull = name.starts_with(LR"(\\)") || (name.size() > 2 && name[1] == L':');
+    return isFull ? name : AppFolder() + name;
+}
+
+}  // namespace
+
+void ConvertLog::Open() {
+    ConvertSettings& settings = Values().convert;
+    if (settings.outputErrorLog != 1) return;
+    const OpenMode mode = settings.outputAddMode == 0 ? OpenMode::kOutput : OpenMode::kAppend;
+    fileNumber_ = files_.OpenFileNumber(LogPath(settings.errorLogFileName), mode,
+                                        OpenAccess::kWrite, OpenLock::kDenyWrite);
+    if (fileNumber_ != 0) return;
+    settings.outputErrorLog = 0;
+    for (const wchar_t* line : {L"!!! エラー                             !!!",
+                                L"!!! ログファイルがオープンできません。 !!!",
+                                L"!!! ログファイルの作成を中止して       !!!",
+                                L"!!! 処理を継続します。                 !!!"}) {
+        WriteConvertLog(line, {}, 0);
+    }
+}
+
+void ConvertLog::Close() {
+    files_.CloseFileNumber(fileNumber_);
+    fileNumber_ = 0;
+}
+
+void ConvertLog::WriteConvertLog(std::wstring_view label, std::wstring_view value, int16_t indent) {
+    const std::wstring line = LineOf(label, value, indent);
+    if (monitor_.LogLineCount() > kMostLogLines) monitor_.RemoveFirstLogLine();
+    monitor_.AddLogLine(line);
+    if (Values().convert.outputErrorLog == 1) files_.WriteLine(fileNumber_, ToAnsi(line));
+    monitor_.Breathe();
+}
+
+}  // namespace tessary

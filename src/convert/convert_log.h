@@ -1,0 +1,40 @@
+// The conversion log: on the screen always, in a file when the user wants it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "convert/convert_monitor.h"
+#include "convert/numbered_files.h"
+
+namespace tessary {
+
+// A list that holds more loses its first line before the next is added.
+constexpr size_t kMostLogLines = 1000;
+
+class ConvertLog {
+  public:
+    // The monitor must outlive the log.
+    explicit ConvertLog(ConvertMonitor& monitor) : monitor_(monitor) {}
+
+    // Opens the log file of the settings if they want one. If it cannot be opened, tells so and
+    // switches the setting off until the program ends.
+    void Open();
+    void Close();
+
+    // Adds a line: `indent` blanks and the label, as many blanks as it lacks to 24 columns when all
+    // its characters count as two, then the value. So labels of full-width characters stand in
+    // columns in the file, which is text of the system's code page.
+    void WriteConvertLog(std::wstring_view label, std::wstring_view value, int16_t indent);
+
+    // The line of nothing but blanks between two files.
+    void WriteSeparator() { WriteConvertLog({}, {}, 0); }
+
+  private:
+    ConvertMonitor& monitor_;
+    NumberedFiles files_;
+    int16_t fileNumber_ = 0;
+};
+
+}  // namespace tessary

@@ -1,0 +1,46 @@
+// What the conversion engine needs of whoever watches it: the converter dialog, the console front
+// end, a test.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tessary {
+
+// What became of one file, for those who count. An archive counts only when it could not be
+// expanded, else its members do.
+enum class FileOutcome {
+    kConverted,
+    kDeclined,  // by the user's filters, or as an archive that is not to be expanded
+    kFailed,
+};
+
+class ConvertMonitor {
+  public:
+    // The full paths of the files to convert, in order. Asked for once, at the beginning.
+    virtual std::vector<std::wstring> ConvertFileList() = 0;
+
+    // The list of log lines on the screen. The engine keeps it short (kMostLogLines); one that
+    // flows by answers 0. Adding puts a line at the end and into view.
+    virtual size_t LogLineCount() = 0;
+    virtual void RemoveFirstLogLine() = 0;
+    virtual void AddLogLine(const std::wstring& line) = 0;
+
+    // Lets the message loop run once; called after each line.
+    virtual void Breathe() = 0;
+
+    // How far the run is (`totalPosition` of `totalMaximum`; a maximum below 0 changes nothing) and
+    // how far the file at hand (a maximum of 0 or less changes nothing). Called often: about a
+    // hundred times, in some plug-ins as often as a picture has rows, for each file. False once the
+    // user has asked to stop.
+    virtual bool SetProgressBar(int32_t totalPosition, int32_t totalMaximum, int32_t filePosition,
+                                int32_t fileMaximum) = 0;
+
+    virtual void CountFile(FileOutcome) {}
+
+  protected:
+    ~ConvertMonitor() = default;
+};
+
+}  // namespace tessary

@@ -1,0 +1,114 @@
+// Converting one picture.
+#include "app/base/paths.h"
+#include "app/settings/modValue.h"
+#include "convert/convert_progress.h"
+#include "convert/convert_run.h"
+#include "convert/decode_filter.h"
+#include "convert/plugin_use.h"
+#include "picture/bitmap_file.h"
+#include "picture/save/save_picture.h"
+
+namespace tessary {
+namespace {
+
+constexpr uint16_t kFewColorsDepth = 8;  // and below
+
+std::wstring WithoutExtension(const std::wstring& name) {
+    return name.substr(0, name.rfind(L'.'));
+}
+
+// Of the format that the user wants for pictures of that many bits per pixel; empty for a setting
+// that names none.
+const wchar_t* ExtensionFor(uint16_t bitsPerPixel) {
+    const ConvertSettings& settings = Values().convert;
+    switch (bitsPerPixel > kFewColorsDepth ? settings.saveType2 : settings.saveType1) {
+        case 0:
+            return L".bmp";
+        case 1:
+            return L".png";
+        case 2:
+            return L".jpg";
+        default:
+            return L"";
+    }
+}
+
+std::wstring SizeText(int32_t width, int32_t height) {
+    return std::to_wstring(width) + L" \u00D7 " + std::to_wstring(height);
+}
+
+}  // namespace
+
+StepResult ConvertRun::ConvertBitmapFile(const std::wstring& path,
+                                         const std::wstring& outputFolder) {
+    return Step([&](StepResult& result) {
+        log_.WriteConvertLog(L"ファイル種別", L"ビットマップファイル", 2);
+        PicturePair pair;
+        if (!ReadBitmapFile(path, pair, TellProgress)) {
+            result = StepResult::kNotHandled;
+            log_.WriteConvertLog(L"ビットマップの読み込みに失敗しました", {}, 2);
+            monitor_.CountFile(FileOutcome::kFailed);
+            return;
+        }
+        const OwnedPicture picture(pair);
+        log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
+        result = SaveConvertedPicture(picture.Get(), outputFolder, FileNameOf(path));
+    });
+}
+
+StepResult ConvertRun::ConvertPictureFile(const std::wstring& path, const std::wstring& pluginKey,
+                                          const std::wstring& outputFolder) {
+    return Step([&](StepResult& result) {
+        log_.WriteConvertLog(L"ファイル種別", L"画像ファイル", 2);
+        log_.WriteConvertLog(L"使用プラグイン", FileNameOf(pluginKey), 2);
+        const PluginUse plugin(pluginKey);
+        if (!plugin.Bind(path)) {
+            // A file that its plug-in suddenly refuses counts as done.
+            monitor_.CountFile(FileOutcome::kFailed);
+            return;
+        }
+        PicturePair pair;
+        if (const uint32_t failure = ResultOf([&] {
+                plugin->DecodePicture(DecodeTarget::kMemory, 0, TellProgress, {}, &pair);
+            })) {
+            result = StepResult::kNotHandled;
+            log_.WriteConvertLog(L"展開に失敗しました", path, 2);
+            log_.WriteConvertLog(L"詳細情報", {}, 4);
+            WritePluginError(*plugin, failure, 4);
+            monitor_.CountFile(FileOutcome::kFailed);
+            return;
+        }
+        const OwnedPicture picture(pair);
+        log_.WriteConvertLog(L"画像を展開しました", path, 2);
+        result = SaveConvertedPicture(picture.Get(), outputFolder, FileNameOf(path));
+    });
+}
+
+StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
+                                            const std::wstring& outputFolder,
+                                            const std::wstring& fileName) {
+    dib::BitmapInfoHeader header{};
+    GetPictureHeader(picture, header);
+    const int32_t height = header.height < 0 ? -header.height : header.height;
+    if (!CheckDecodeSize(header.width, height)) {
+        log_.WriteConvertLog(L"詳細情報", {}, 4);
+        log_.WriteConvertLog(L"画像の大きさが小さいので処理を中止しました", {}, 4);
+        log_.WriteConvertLog(L"画像サイズ", SizeText(header.width, height), 4);
+        monitor_.CountFile(FileOutcome::kDeclined);
+        return StepResult::kNotSaved;
+    }
+    const std::wstring savedName = WithoutExtension(fileName) + ExtensionFor(header.bitCount);
+    log_.WriteConvertLog(L"画像の色数", std::to_wstring(header.bitCount) + L" bit", 2);
+    log_.WriteConvertLog(L"保存ファイル名", outputFolder + savedName, 2);
+    if (!SavePictureFile(picture, outputFolder + savedName,
+                         reinterpret_cast<LONG_PTR>(&ConvertProgressCallback))) {
+        log_.WriteConvertLog(L"保存に失敗しました", savedName, 2);
+        monitor_.CountFile(FileOutcome::kFailed);
+        return StepResult::kNotSaved;
+    }
+    savedFile_ = outputFolder + savedName;
+    monitor_.CountFile(FileOutcome::kConverted);
+    return StepResult::kDone;
+}
+
+}  // namespace tessary

@@ -1,0 +1,112 @@
+// One run of the conversion engine: its work list, and the steps that an entry goes through.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "app/base/error.h"
+#include "convert/convert_log.h"
+#include "convert/convert_monitor.h"
+#include "picture/modMemory.h"
+#include "plugin/clsSusie.h"
+#include "plugin/member_file_name.h"
+
+namespace tessary {
+
+enum class StepResult {
+    kDone = 0,        // the picture was saved, or the archive expanded
+    kNotHandled = 1,  // of no known kind, not to be expanded, or it could not be read
+    kNotSaved = 2,    // too small, or it could not be written
+    kStopped = 3,     // the user has stopped the run
+};
+
+// The full paths of the files to convert, in order. What is expanded from archives is added at the
+// end, where an empty text stands for a member that was not extracted.
+class WorkList {
+  public:
+    explicit WorkList(std::vector<std::wstring> files)
+        : files_(std::move(files)), initialCount_(UpperBound()) {}
+
+    // Indexes count from 1 to UpperBound.
+    int32_t UpperBound() const { return static_cast<int32_t>(files_.size()); }
+    const std::wstring& At(int32_t index) const { return files_[static_cast<size_t>(index) - 1]; }
+    void Set(int32_t index, std::wstring path) {
+        files_[static_cast<size_t>(index) - 1] = std::move(path);
+    }
+    // Adds so many empty entries.
+    void Grow(int32_t count) { files_.resize(files_.size() + static_cast<size_t>(count)); }
+
+    // Whether the entry is an extracted member.
+    bool IsExtracted(int32_t index) const { return index > initialCount_; }
+
+  private:
+    std::vector<std::wstring> files_;
+    int32_t initialCount_;
+};
+
+// Every step traps what goes wrong in it unexpectedly and then counts as far as it has come.
+class ConvertRun {
+  public:
+    // `targetFolder` with its trailing backslash; it exists.
+    ConvertRun(std::wstring targetFolder, std::vector<std::wstring> files, ConvertMonitor& monitor)
+        : targetFolder_(std::move(targetFolder)),
+          list_(std::move(files)),
+          monitor_(monitor),
+          log_(monitor) {}
+
+    // False when the user stopped it.
+    bool Run();
+
+  private:
+    // What stands in the log for one entry of the list.
+    void ConvertEntry(int32_t index);
+    StepResult ConvertByKind(const std::wstring& path, const std::wstring& outputFolder);
+
+    // --- Pictures (convert_picture.cpp); `outputFolder` has its trailing backslash ---
+
+    StepResult ConvertBitmapFile(const std::wstring& path, const std::wstring& outputFolder);
+    StepResult ConvertPictureFile(const std::wstring& path, const std::wstring& pluginKey,
+                                  const std::wstring& outputFolder);
+    StepResult SaveConvertedPicture(const PicturePair& picture, const std::wstring& outputFolder,
+                                    const std::wstring& fileName);
+
+    // --- Archives (convert_archive.cpp) ---
+
+    StepResult ConvertArchiveFile(const std::wstring& path, const std::wstring& pluginKey,
+                                  const std::wstring& expansionFolder);
+    // `upperBound`: of the list before it grew. False when the user has stopped the run.
+    bool ExpandArchiveFiles(clsSusie& archive, const std::wstring& expansionFolder,
+                            int32_t upperBound);
+    // Where a member was extracted to; empty when it was not.
+    std::wstring ExpandMember(clsSusie& archive, int32_t index, const std::wstring& folder,
+                              MemberFileNames& names);
+
+    // --- Shared ---
+
+    // Runs a step, which sets its result, kDone as long as it does not.
+    template <typename Body>
+    StepResult Step(Body&& body) {
+        StepResult result = StepResult::kDone;
+        try {
+            body(result);
+        } catch (...) {
+            Trapped([&] { monitor_.CountFile(FileOutcome::kFailed); });
+        }
+        return result;
+    }
+
+    // Deletes an extracted member that was not converted, unless such are to be kept.
+    void RemoveExtractedFile(const std::wstring& path, bool isExtracted);
+    // What the plug-in that has just failed tells of it.
+    void WritePluginError(const clsSusie& plugin, uint32_t result, int16_t indent);
+    void WriteStopped();
+
+    std::wstring targetFolder_;
+    WorkList list_;
+    ConvertMonitor& monitor_;
+    ConvertLog log_;
+    std::wstring savedFile_;  // that the entry at hand has become; empty when it has not
+};
+
+}  // namespace tessary

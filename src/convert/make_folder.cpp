@@ -1,0 +1,22 @@
+#include "convert/make_folder.h"
+
+#include <windows.h>
+
+#include "app/base/paths.h"
+
+namespace tessary {
+
+bool MakeFolder(const std::wstring& folder) {
+    if (folder.empty()) return false;
+    if (IsFolder(folder)) return true;
+    std::wstring path = folder;
+    while (path.ends_with(L'\\'))
+        path.pop_back();
+    const std::wstring parent = FolderOf(path);
+    // Nothing is left above a drive or `\\server`.
+    if (parent.empty() || parent == LR"(\\)" || parent == LR"(\\?\)") return false;
+    if (!IsFolder(parent) && !MakeFolder(parent)) return false;
+    return CreateDirectoryW(ExtendedPath(path).c_str(), nullptr) != FALSE || IsFolder(path);
+}
+
+}  // namespace tessary

@@ -1,0 +1,114 @@
+#include "convert/modConvertFiles.h"
+
+#include "app/base/error.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "app/settings/modValue.h"
+#include "convert/convert_progress.h"
+#include "convert/convert_run.h"
+#include "convert/decode_filter.h"
+#include "convert/delete_files.h"
+#include "convert/make_folder.h"
+#include "picture/show/modShowPicture.h"
+#include "plugin/modSusie.h"
+
+namespace tessary {
+namespace {
+
+// The plug-in that the kind test has just left bound to the file; empty when there is none.
+std::wstring BoundPluginKey(const std::wstring& path) {
+    for (const auto& plugin : SusieCollection().NewEnum()) {
+        if (EqualsIgnoreCase(plugin->GetFile(), path)) return plugin->DllName();
+    }
+    return {};
+}
+
+}  // namespace
+
+bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
+    if (ProgressWatch::IsThere() || PluginCallUnderWay()) return false;
+    return Trapped(false, [&] {
+        std::vector<std::wstring> files = monitor.ConvertFileList();
+        // Plug-ins may change the current folder in the middle of the run.
+        const std::wstring folder = FullPathOf(targetFolder);
+        if (!MakeFolder(folder) || files.empty() || files.front().empty()) return false;
+        const ProgressWatch watch(monitor);
+        return ConvertRun(AddBackslash(folder), std::move(files), monitor).Run();
+    });
+}
+
+bool ConvertRun::Run() {
+    log_.Open();
+    bool goesOn = true;
+    for (int32_t index = 1; goesOn && index <= list_.UpperBound(); ++index) {
+        log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
+        log_.WriteConvertLog(L"ファイル名", list_.At(index), 2);
+        ConvertEntry(index);
+        log_.WriteConvertLog(L"*** 変換処理終了 ***", {}, 0);
+        log_.WriteSeparator();
+        goesOn = monitor_.SetProgressBar(index, list_.UpperBound(), 0, 100);
+        if (!goesOn) WriteStopped();
+    }
+    log_.WriteConvertLog(L"*** すべての変換処理が完了しました ***", {}, 0);
+    log_.Close();
+    return goesOn;
+}
+
+void ConvertRun::ConvertEntry(int32_t index) {
+    // A copy: the list grows meanwhile.
+    const std::wstring path = list_.At(index);
+    const bool isExtracted = list_.IsExtracted(index);
+    const std::wstring name = FileNameOf(path);
+    if (!CheckDecodeFileName(name)) {
+        log_.WriteConvertLog(L"[警告]", L"ファイルを処理できません", 2);
+        log_.WriteConvertLog(name + L" は一括変換のファイル名のフィルタ設定と一致しません", {}, 4);
+        RemoveExtractedFile(path, isExtracted);
+        // What was not extracted has been counted then.
+        if (!path.empty()) monitor_.CountFile(FileOutcome::kDeclined);
+        return;
+    }
+    savedFile_.clear();
+    const StepResult result = ConvertByKind(path, isExtracted ? FolderOf(path) : targetFolder_);
+    if (result != StepResult::kDone) {
+        RemoveExtractedFile(path, isExtracted);
+    } else if (isExtracted && !EqualsIgnoreCase(path, savedFile_)) {
+        // A member that keeps its name has been replaced by the picture it has become.
+        DeleteFiles(path, true);
+    }
+    monitor_.SetProgressBar(-1, -1, 200, 200);
+}
+
+StepResult ConvertRun::ConvertByKind(const std::wstring& path, const std::wstring& outputFolder) {
+    switch (QueryFileKind(path)) {
+        case kFileBitmap:
+            return ConvertBitmapFile(path, outputFolder);
+        case kFilePicture:
+            return ConvertPictureFile(path, BoundPluginKey(path), outputFolder);
+        case kFileArchive:
+            return ConvertArchiveFile(path, BoundPluginKey(path), outputFolder + FileNameOf(path));
+        case kFileUnknown:
+            break;
+    }
+    log_.WriteConvertLog(L"ファイル種別", L"未知のファイル", 2);
+    if (!path.empty()) monitor_.CountFile(FileOutcome::kFailed);
+    return StepResult::kNotHandled;
+}
+
+void ConvertRun::RemoveExtractedFile(const std::wstring& path, bool isExtracted) {
+    if (!isExtracted || Values().convert.decodeUnknownFile != 0) return;
+    DeleteFiles(path, true);
+    log_.WriteConvertLog(L"ファイルを削除しました", {}, 2);
+}
+
+void ConvertRun::WritePluginError(const clsSusie& plugin, uint32_t result, int16_t indent) {
+    log_.WriteConvertLog(L"エラーモジュール", plugin.ErrorFunction(), indent);
+    log_.WriteConvertLog(L"エラーコード(" + std::to_wstring(static_cast<int32_t>(result)) + L")",
+                         plugin.ErrorString(), indent);
+}
+
+void ConvertRun::WriteStopped() {
+    log_.WriteConvertLog(L"!!! 変換処理がユーザーにより中断されました !!!", {}, 0);
+    log_.WriteSeparator();
+}
+
+}  // namespace tessary

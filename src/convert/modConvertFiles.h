@@ -1,0 +1,21 @@
+// The conversion engine: turns a list of files into picture files in a folder, archives with all
+// that is in them, and tells every step in a log.
+#pragma once
+
+#include <string>
+
+#include "convert/convert_monitor.h"
+
+namespace tessary {
+
+// Converts the monitor's files into `targetFolder`, which is made if it is missing, as the
+// converter settings (Values().convert) say. What goes wrong with one file is told in the log, and
+// the next one follows. False when the run did not get to its end: the folder cannot be made or
+// there is nothing to convert (both without a word), the user stopped it, or one is under way
+// already.
+//
+// While it runs the monitor lets messages through. Whoever shows windows meanwhile must keep the
+// plug-ins from being loaded anew and the program from ending (ReadUnderWay in modValue.h).
+bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor);
+
+}  // namespace tessary

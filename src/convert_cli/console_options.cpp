@@ -1,0 +1,210 @@
+#include "convert_cli/console_options.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+#include <iterator>
+#include <string_view>
+
+#include "app/base/error.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "app/settings/modValue.h"
+#include "app/settings/setting_value.h"
+
+namespace tessary {
+namespace {
+
+using Text = const std::wstring&;
+
+ConvertSettings& Settings() {
+    return Values().convert;
+}
+
+// A whole number from `least` to `most`; otherwise the value stays and the answer is false.
+template <typename Number>
+bool TakeNumber(Text text, int32_t least, int32_t most, Number& value) {
+    const bool isPlain = !text.empty() && text.find_first_not_of(L"0123456789") == text.npos;
+    const int32_t number = isPlain ? Trapped(-1, [&] { return ToInt32(text); }) : -1;
+    if (number < least || number > most) return false;
+    value = static_cast<Number>(number);
+    return true;
+}
+
+// The place of a text in a list of words.
+template <typename Number>
+bool TakeWord(Text text, std::initializer_list<const wchar_t*> words, Number& value) {
+    Number number = 0;
+    for (const wchar_t* word : words) {
+        if (EqualsIgnoreCase(text, word)) {
+            value = number;
+            return true;
+        }
+        ++number;
+    }
+    return false;
+}
+
+bool TakeFormat(Text text, int32_t& format) {
+    return TakeWord(text, {L"bmp", L"png", L"jpg"}, format) ||
+           (EqualsIgnoreCase(text, L"jpeg") && TakeFormat(L"jpg", format));
+}
+
+bool TakeMask(Text mask, int16_t set) {
+    Settings().useDecodeFileMask = 1;
+    Settings().decodeFileMaskSet = set;
+    Settings().decodeFileMask = mask;
+    return true;
+}
+
+bool TakeLog(Text name) {
+    Settings().outputErrorLog = 1;
+    Settings().errorLogFileName = FullPathOf(name);
+    return !name.empty();
+}
+
+bool TakeEncoding(Text name, UINT& codePage) {
+    constexpr UINT kCodePages[] = {CP_UTF8, 932, CP_ACP, CP_OEMCP};
+    size_t index = 0;
+    if (!TakeWord(name, {L"utf-8", L"shift_jis", L"ansi", L"oem"}, index)) return false;
+    codePage = kCodePages[index];
+    return true;
+}
+
+// An option without a value.
+struct Switch {
+    const wchar_t* name;
+    void (*apply)(ConsoleOptions& options);
+};
+
+constexpr Switch kSwitches[] = {
+    {L"--recursive", [](ConsoleOptions& options) { options.recursive = true; }},
+    {L"--unpack", [](ConsoleOptions&) { Settings().unpackArchive = 1; }},
+    {L"--no-unpack", [](ConsoleOptions&) { Settings().unpackArchive = 0; }},
+    {L"--both", [](ConsoleOptions&) { Settings().decodeSizeBoth = true; }},
+    {L"--either", [](ConsoleOptions&) { Settings().decodeSizeBoth = false; }},
+    {L"--no-min-size", [](ConsoleOptions&) { Settings().noDecodeSmall = 0; }},
+    {L"--no-mask", [](ConsoleOptions&) { Settings().useDecodeFileMask = 0; }},
+    {L"--keep-unknown", [](ConsoleOptions&) { Settings().decodeUnknownFile = 1; }},
+    {L"--no-keep-unknown", [](ConsoleOptions&) { Settings().decodeUnknownFile = 0; }},
+    {L"--no-log", [](ConsoleOptions&) { Settings().outputErrorLog = 0; }},
+    {L"--append", [](ConsoleOptions&) { Settings().outputAddMode = 1; }},
+    {L"--no-append", [](ConsoleOptions&) { Settings().outputAddMode = 0; }},
+    {L"--bmp-rle", [](ConsoleOptions&) { Values().bmpSave.saveRLE = 1; }},
+    {L"--no-bmp-rle", [](ConsoleOptions&) { Values().bmpSave.saveRLE = 0; }},
+    {L"--png-interlace", [](ConsoleOptions&) { Values().pngSave.interlace = 1; }},
+    {L"--no-png-interlace", [](ConsoleOptions&) { Values().pngSave.interlace = 0; }},
+    {L"--jpeg-progressive", [](ConsoleOptions&) { Values().jpegSave.progressive = 1; }},
+    {L"--no-jpeg-progressive", [](ConsoleOptions&) { Values().jpegSave.progressive = 0; }},
+    {L"--jpeg-optimize", [](ConsoleOptions&) { Values().jpegSave.optimizedHuffman = 1; }},
+    {L"--no-jpeg-optimize", [](ConsoleOptions&) { Values().jpegSave.optimizedHuffman = 0; }},
+};
+
+// An option with a value; `apply` answers false for one that makes no sense.
+struct Valued {
+    const wchar_t* name;
+    bool (*apply)(ConsoleOptions& options, Text value);
+};
+
+constexpr Valued kValued[] = {
+    {L"--out",
+     [](ConsoleOptions& options, Text value) {
+         options.targetFolder = FullPathOf(value);
+         return !value.empty();
+     }},
+    {L"--encoding",
+     [](ConsoleOptions& options, Text value) { return TakeEncoding(value, options.codePage); }},
+    {L"--format",
+     [](ConsoleOptions&, Text value) {
+         return TakeFormat(value, Settings().saveType1) && TakeFormat(value, Settings().saveType2);
+     }},
+    {L"--format-low",
+     [](ConsoleOptions&, Text value) { return TakeFormat(value, Settings().saveType1); }},
+    {L"--format-high",
+     [](ConsoleOptions&, Text value) { return TakeFormat(value, Settings().saveType2); }},
+    {L"--min-width",
+     [](ConsoleOptions& options, Text value) {
+         options.givesMinWidth = true;
+         return TakeNumber(value, 0, INT32_MAX, Settings().minDecodeSizeX);
+     }},
+    {L"--min-height",
+     [](ConsoleOptions& options, Text value) {
+         options.givesMinHeight = true;
+         return TakeNumber(value, 0, INT32_MAX, Settings().minDecodeSizeY);
+     }},
+    {L"--mask", [](ConsoleOptions&, Text value) { return TakeMask(value, 0); }},
+    {L"--exclude-mask", [](ConsoleOptions&, Text value) { return TakeMask(value, 1); }},
+    {L"--log", [](ConsoleOptions&, Text value) { return TakeLog(value); }},
+    {L"--bmp-type",
+     [](ConsoleOptions&, Text value) {
+         return TakeWord(value, {L"windows", L"os2"}, Values().bmpSave.saveType);
+     }},
+    {L"--png-level",
+     [](ConsoleOptions&, Text value) { return TakeNumber(value, 0, 9, Values().pngSave.quality); }},
+    {L"--jpeg-quality",
+     [](ConsoleOptions&, Text value) {
+         return TakeNumber(value, 0, 100, Values().jpegSave.quality);
+     }},
+};
+
+template <typename Table>
+auto Find(const Table& table, std::wstring_view name) {
+    const auto found = std::find_if(std::begin(table), std::end(table),
+                                    [&](const auto& option) { return option.name == name; });
+    return found == std::end(table) ? nullptr : &*found;
+}
+
+// A limit for one side alone: the other one must neither let everything pass nor stop it.
+void CompleteLimits(const ConsoleOptions& options, bool hadLimits) {
+    if (!options.givesMinWidth && !options.givesMinHeight) return;
+    ConvertSettings& settings = Settings();
+    settings.noDecodeSmall = 1;
+    if (hadLimits) return;
+    const int32_t other = settings.decodeSizeBoth ? 0 : INT32_MAX;
+    if (!options.givesMinWidth) settings.minDecodeSizeX = other;
+    if (!options.givesMinHeight) settings.minDecodeSizeY = other;
+}
+
+// Takes the option at `at`, which moves on to its value when that is an argument of its own.
+std::wstring TakeOption(const std::vector<std::wstring>& arguments, size_t& at,
+                        ConsoleOptions& options) {
+    const std::wstring& argument = arguments[at];
+    if (const Switch* const found = Find(kSwitches, argument)) {
+        found->apply(options);
+        return {};
+    }
+    const size_t equals = argument.find(L'=');
+    const Valued* const found = Find(kValued, std::wstring_view(argument).substr(0, equals));
+    if (found == nullptr) return L"知らないオプションです: " + argument;
+    if (equals == argument.npos && at + 1 == arguments.size()) {
+        return L"オプションの値がありません: " + argument;
+    }
+    const std::wstring value =
+        equals == argument.npos ? arguments[++at] : argument.substr(equals + 1);
+    if (!found->apply(options, value)) {
+        return std::wstring(L"オプション ") + found->name + L" の値が正しくありません: " + value;
+    }
+    return {};
+}
+
+}  // namespace
+
+std::wstring ParseOptions(const std::vector<std::wstring>& arguments, ConsoleOptions& options) {
+    const bool hadLimits = Settings().noDecodeSmall == 1;
+    bool onlyNames = false;  // behind `--`
+    for (size_t at = 0; at < arguments.size(); ++at) {
+        if (onlyNames || !arguments[at].starts_with(L"--")) {
+            options.inputs.push_back(arguments[at]);
+        } else if (arguments[at] == L"--") {
+            onlyNames = true;
+        } else if (std::wstring error = TakeOption(arguments, at, options); !error.empty()) {
+            return error;
+        }
+    }
+    CompleteLimits(options, hadLimits);
+    if (options.targetFolder.empty()) return L"保存先のフォルダを --out で指定してください";
+    if (options.inputs.empty()) return L"変換するファイルを指定してください";
+    return {};
+}
+
+}  // namespace tessary

@@ -1,0 +1,30 @@
+// Standard output and standard error as text.
+#pragma once
+
+#include <windows.h>
+
+#include <string_view>
+
+namespace tessary {
+
+// Not an owner: the streams are the process's.
+class ConsoleStream {
+  public:
+    // `stream` is STD_OUTPUT_HANDLE or STD_ERROR_HANDLE. On a console text appears as it is;
+    // anywhere else it is written in `codePage`.
+    ConsoleStream(DWORD stream, UINT codePage);
+
+    bool IsConsole() const { return isConsole_; }
+
+    // What a closed stream does not take is lost.
+    void Write(std::wstring_view text);
+    // Adds the end of the line (CR LF).
+    void WriteLine(std::wstring_view line);
+
+  private:
+    HANDLE stream_;
+    UINT codePage_;
+    bool isConsole_;
+};
+
+}  // namespace tessary

@@ -1,0 +1,49 @@
+#include "convert_cli/input_files.h"
+
+#include <iterator>
+
+#include "app/base/paths.h"
+#include "ui/control/folder_scan.h"
+
+namespace tessary {
+namespace {
+
+void Append(std::vector<std::wstring>& files, std::vector<std::wstring>&& added) {
+    files.insert(files.end(), std::make_move_iterator(added.begin()),
+                 std::make_move_iterator(added.end()));
+}
+
+bool AddFolder(const std::wstring& folder, bool recursive, std::vector<std::wstring>& files) {
+    return ScanFolders({.folder = folder, .subFolders = recursive, .extensions = {}},
+                       [&](ScanNews&& news) {
+                           Append(files, std::move(news.files));
+                           return true;
+                       }) == 0;
+}
+
+bool AddNamed(const std::wstring& name, bool recursive, std::vector<std::wstring>& files) {
+    // The current folder may change later (plug-ins do that), so names are made whole here.
+    const std::wstring path = FullPathOf(name);
+    if (FileNameOf(path).find_first_of(L"*?") != std::wstring::npos) {
+        std::vector<std::wstring> matching = FilesInFolder(FolderOf(path), FileNameOf(path));
+        const bool found = !matching.empty();
+        Append(files, std::move(matching));
+        return found;
+    }
+    if (IsFolder(path)) return AddFolder(path, recursive, files);
+    if (!PathExists(path)) return false;
+    files.push_back(path);
+    return true;
+}
+
+}  // namespace
+
+InputFiles FindInputFiles(const std::vector<std::wstring>& names, bool recursive) {
+    InputFiles found;
+    for (const std::wstring& name : names) {
+        if (!AddNamed(name, recursive, found.files)) found.missing.push_back(name);
+    }
+    return found;
+}
+
+}  // namespace tessary

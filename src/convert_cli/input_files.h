@@ -1,0 +1,19 @@
+// The files that the arguments of the console converter name.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tessary {
+
+struct InputFiles {
+    std::vector<std::wstring> files;    // full paths, in the order of the names
+    std::vector<std::wstring> missing;  // names that name nothing
+};
+
+// A file stands for itself; a folder for the plain files directly in it, with `recursive` also for
+// those in the folders below; a name with `*` or `?` in its last part for the files that it
+// matches. Hidden and system files are taken only by their own names.
+InputFiles FindInputFiles(const std::vector<std::wstring>& names, bool recursive);
+
+}  // namespace tessary

@@ -1,0 +1,18 @@
+// Ctrl+C as the wish to stop.
+#pragma once
+
+namespace tessary {
+
+// For its own life Ctrl+C and Ctrl+Break do not end the program but are noted here. A second one
+// ends it after all: a plug-in may hang. Only one of these at a time.
+class StopRequest {
+  public:
+    StopRequest();
+    StopRequest(const StopRequest&) = delete;
+    StopRequest& operator=(const StopRequest&) = delete;
+    ~StopRequest();
+
+    bool IsMade() const;
+};
+
+}  // namespace tessary

@@ -1,0 +1,35 @@
+#include "ui/convert/convert_commands.h"
+
+#include <utility>
+
+#include "app/settings/modValue.h"
+#include "res/resource.h"
+
+namespace tessary {
+
+ConvertCommands::ConvertCommands(frmMain& window, const ControlBar& bar,
+                                 frmConvertAll::OptionsOpener showOptions)
+    : window_(window), bar_(bar), converter_(std::move(showOptions)) {
+    window_.Commands().Register(menuFileSaveAll, {.run = [this] { menuFileSaveAll_Click(); }});
+    window_.Commands().Register(menuFileConvertAll,
+                                {.run = [this] { menuFileConvertAll_Click(); }});
+}
+
+void ConvertCommands::menuFileSaveAll_Click() {
+    Convert(bar_.FileList());
+}
+
+void ConvertCommands::menuFileConvertAll_Click() {
+    Convert({});
+}
+
+void ConvertCommands::Convert(const std::vector<std::wstring>& files) {
+    converter_.ShowConvertDialog(window_.Handle(), files);
+    // The main window was closed during a run: now nothing keeps it open. Posted: the toolbar that
+    // began it may still be at work below us.
+    if (Values().quitRequested && !IsReadUnderWay()) {
+        PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
+    }
+}
+
+}  // namespace tessary

@@ -1,0 +1,361 @@
+#include "ui/convert/frmConvertAll.h"
+
+#include <windows.h>
+// The flags of file dialogs need the types of windows.h.
+#include <commdlg.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "app/base/error.h"
+#include "app/base/message_box.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "app/settings/modValue.h"
+#include "plugin/modSusie.h"
+#include "res/resource.h"
+#include "ui/control/open_rules.h"
+#include "ui/dialogs/ComDlg.h"
+#include "ui/dialogs/folder_browser.h"
+#include "ui/dialogs/start_folder.h"
+#include "ui/form/busy_pointer.h"
+#include "ui/form/picture_box.h"
+#include "ui/form/redraw_hold.h"
+#include "ui/form/worker.h"
+
+namespace tessary {
+namespace {
+
+// Posted to the window itself: files were dropped.
+constexpr UINT kDroppedMessage = WM_APP + 1;
+
+constexpr DWORD kOpenFlags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_LONGNAMES |
+                             OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
+
+// In the order of the values of SaveType1 and SaveType2.
+constexpr const wchar_t* kFormats[] = {L"BMP", L"PNG", L"JPEG"};
+
+constexpr int kIconSize = 32;  // pixels at 96 dpi
+
+// Sets a flag for its own life.
+class Raised {
+  public:
+    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+    ~Raised() { flag_ = false; }
+
+  private:
+    bool& flag_;
+};
+
+}  // namespace
+
+frmConvertAll::frmConvertAll(OptionsOpener showOptions)
+    : Dialog(dialogConvertAll), showOptions_(std::move(showOptions)) {}
+
+void frmConvertAll::ShowConvertDialog(HWND owner, std::span<const std::wstring> files) {
+    if (Handle() != nullptr) {
+        if (!converting_) AddFiles(files);
+        return;
+    }
+    firstFiles_ = files;
+    ShowModal(owner);
+}
+
+void frmConvertAll::Dialog_Load() {
+    AttachControls();
+    AnchorControls();
+    FillFormats();
+    FontsChanged();
+    ShowView(View::kSettings);
+    AddFiles(std::exchange(firstFiles_, {}));
+    dropTarget_.Register(Handle(),
+                         {.accepts =
+                              [this] {
+                                  return !listing_ && IsWindowEnabled(listConvertFiles_.Handle()) &&
+                                         IsWindowEnabled(Handle());
+                              },
+                          .drop =
+                              [this](const std::vector<std::wstring>& paths) {
+                                  dropped_.insert(dropped_.end(), paths.begin(), paths.end());
+                                  PostMessageW(Handle(), kDroppedMessage, 0, 0);
+                              }});
+}
+
+void frmConvertAll::Dialog_Unload() {
+    dropTarget_.Revoke();
+    taskbar_.reset();
+    dropped_.clear();
+}
+
+void frmConvertAll::AttachControls() {
+    listConvertFiles_.Attach(Handle(), listConvertFiles);
+    listConvertFiles_.OnClick(
+        [this] { cmdDelete_.SetEnabled(!listConvertFiles_.AllSelected().empty()); });
+    listConvertFiles_.OnKeyDown([this](int keyCode, int shift) {
+        bool taken = false;
+        listConvertFiles_KeyDown(keyCode, shift, taken);
+        return taken;
+    });
+    labelConvertCount_.Attach(Handle(), labelConvertCount);
+    textConvertFolder_.Attach(Handle(), textConvertFolder);
+    textConvertFolder_.OnChange([this] { EnableRunConvert(); });
+    const struct {
+        Button& button;
+        int id;
+        void (frmConvertAll::*click)();
+    } buttons[] = {
+        {cmdAddFile_, cmdAddFile, &frmConvertAll::cmdAddFile_Click},
+        {cmdAddFolder_, cmdAddFolder, &frmConvertAll::cmdAddFolder_Click},
+        {cmdDelete_, cmdDelete, &frmConvertAll::cmdDelete_Click},
+        {cmdDeleteAll_, cmdDeleteAll, &frmConvertAll::cmdDeleteAll_Click},
+        {Command3_, Command3, &frmConvertAll::Command3_Click},
+        {cmdConvertFolder_, cmdConvertFolder, &frmConvertAll::cmdConvertFolder_Click},
+        {cmdRunConvert_, cmdRunConvert, &frmConvertAll::cmdRunConvert_Click},
+    };
+    for (const auto& [button, id, click] : buttons) {
+        button.Attach(Handle(), id);
+        button.OnClick([this, click] {
+            if (!listing_) (this->*click)();
+        });
+    }
+    cmdOK_.Attach(Handle(), IDOK);
+    Command2_.Attach(Handle(), IDCANCEL);
+
+    lblTime_.Attach(Handle(), lblTime);
+    lblRateTotal_.Attach(Handle(), lblRateTotal);
+    progressTotal_.Attach(Handle(), progressTotal);
+    progressCurrentFile_.Attach(Handle(), progressCurrentFile);
+    lblResult_.Attach(Handle(), lblResult);
+    listConvertLog_.Attach(Handle(), listConvertLog);
+}
+
+void frmConvertAll::AnchorControls() {
+    for (const int id : {listConvertFiles, listConvertLog})
+        Anchor(id, kAnchorWidth | kAnchorHeight);
+    for (const int id : {cmdAddFile, cmdAddFolder, cmdDelete, cmdDeleteAll, lblTime, lblRateTotal})
+        Anchor(id, kAnchorRight | kAnchorTop);
+    for (const int id : {labelConvertCount, textConvertFolder})
+        Anchor(id, kAnchorWidth | kAnchorBottom);
+    for (const int id : {labelConvertFolder, labelConvertIndexcolor, combConvertIndexcolor,
+                         labelConvertFullcolor, combConvertFullcolor}) {
+        Anchor(id, kAnchorLeft | kAnchorBottom);
+    }
+    for (const int id : {int{Command3}, cmdConvertFolder, cmdRunConvert, IDOK, IDCANCEL})
+        Anchor(id, kAnchorRight | kAnchorBottom);
+    for (const int id : {progressTotal, progressCurrentFile, lblResult})
+        Anchor(id, kAnchorWidth | kAnchorTop);
+}
+
+void frmConvertAll::FillFormats() {
+    const auto fill = [this](ComboBox& formats, int id, int32_t& saveType) {
+        formats.Attach(Handle(), id);
+        for (const wchar_t* const format : kFormats)
+            formats.Add(format);
+        formats.MarkSelected(saveType);
+        formats.OnSelect([&formats, &saveType] { saveType = formats.Selected(); });
+    };
+    fill(combConvertIndexcolor_, combConvertIndexcolor, Values().convert.saveType1);
+    fill(combConvertFullcolor_, combConvertFullcolor, Values().convert.saveType2);
+}
+
+void frmConvertAll::FontsChanged() {
+    listConvertFiles_.FontChanged();
+    listConvertLog_.ChangeMetrics();
+    // Other programs' lists of windows, and the taskbar, show the large one.
+    icon_ = Metrics(Handle()).Icon(iconApplication, kIconSize);
+    SendMessageW(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon_.Get()));
+}
+
+// What is hidden is disabled too, or its mnemonics would still work.
+void frmConvertAll::ShowView(View view) {
+    const auto show = [this](int first, int end, bool shown) {
+        for (int id = first; id < end; ++id) {
+            const HWND control = GetDlgItem(Handle(), id);
+            EnableWindow(control, shown);
+            ShowWindow(control, shown ? SW_SHOWNA : SW_HIDE);
+        }
+    };
+    show(frameSetOption, frameSetOptionEnd, view == View::kSettings);
+    show(frameShowConvertStatus, frameShowConvertStatusEnd, view == View::kStatus);
+    if (view == View::kSettings) {
+        Command3_.SetEnabled(showOptions_ != nullptr);
+        ListChanged();
+    }
+}
+
+std::optional<LRESULT> frmConvertAll::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case kDroppedMessage:
+            AddListed(std::exchange(dropped_, {}));
+            return 0;
+        case WM_CLOSE: {
+            bool cancel = false;
+            Form_QueryUnload(cancel);
+            if (!cancel) Close(IDCANCEL);
+            return 0;
+        }
+        case WM_ENDSESSION:
+            if (wParam != FALSE) continue_ = false;
+            return 0;
+        case WM_SETCURSOR:
+            if (LOWORD(lParam) != HTCLIENT || (!converting_ && !listing_)) break;
+            SetCursor(LoadCursorW(nullptr, IDC_APPSTARTING));
+            return TRUE;
+        case WM_DPICHANGED: {
+            const std::optional<LRESULT> answer = Dialog::OnMessage(message, wParam, lParam);
+            FontsChanged();
+            return answer;
+        }
+        default:
+            break;
+    }
+    return Dialog::OnMessage(message, wParam, lParam);
+}
+
+// --- The list of files ---
+
+void frmConvertAll::AddFiles(std::span<const std::wstring> files) {
+    {
+        const RedrawHold hold(listConvertFiles_);
+        for (const std::wstring& file : files) {
+            if (!file.empty()) listConvertFiles_.Add(file);
+        }
+    }
+    ListChanged();
+}
+
+// Adds files, and of each folder the plain files directly in it. A folder of a slow drive does not
+// keep the window waiting.
+void frmConvertAll::AddListed(std::vector<std::wstring> paths) {
+    if (listing_ || paths.empty()) return;
+    std::optional<std::vector<std::wstring>> files;
+    {
+        const Raised listing(listing_);
+        const MessageFilter keys([this](MSG& message) {
+            return Handle() != nullptr && IsDialogMessageW(Handle(), &message) != FALSE;
+        });
+        const BusyPointer pointer;
+        EnableRunConvert();
+        files = CallInBackground<std::vector<std::wstring>>(
+            [paths = std::move(paths)] { return WithFoldersExpanded(paths); },
+            [this] { return Handle() != nullptr; });
+    }
+    if (files && Handle() != nullptr) AddFiles(*files);
+}
+
+void frmConvertAll::ListChanged() {
+    const int count = listConvertFiles_.Count();
+    labelConvertCount_.SetText(count > 0 ? std::to_wstring(count) + L" 個のファイル"
+                                         : L"ファイルやフォルダをここにドラッグして追加できます。");
+    const bool anySelected = !listConvertFiles_.AllSelected().empty();
+    // The buttons have nothing to do then, and the keys must not go astray.
+    if ((cmdDelete_.HasFocus() && !anySelected) || (cmdDeleteAll_.HasFocus() && count == 0)) {
+        (count > 0 ? static_cast<Control&>(listConvertFiles_) : cmdAddFile_).SetFocus();
+    }
+    cmdDelete_.SetEnabled(anySelected);
+    cmdDeleteAll_.SetEnabled(count > 0);
+    EnableRunConvert();
+}
+
+void frmConvertAll::EnableRunConvert() {
+    const std::wstring folder = textConvertFolder_.Text();
+    cmdRunConvert_.SetEnabled(!converting_ && !listing_ && listConvertFiles_.Count() > 0 &&
+                              !folder.empty() && folder.find_first_of(L"?*") == std::wstring::npos);
+}
+
+void frmConvertAll::listConvertFiles_KeyDown(int keyCode, int shift, bool& taken) {
+    if (listing_) return;
+    if (keyCode == VK_DELETE && shift == 0) {
+        cmdDelete_Click();
+        taken = true;
+    } else if (keyCode == L'A' && shift == kCtrlMask) {
+        listConvertFiles_.MarkAll();
+        ListChanged();
+        taken = true;
+    }
+}
+
+void frmConvertAll::cmdAddFile_Click() {
+    try {
+        ConvertSettings& settings = Values().convert;
+        ComDlg dialog;
+        dialog.SetFilter(SusieCollection().GetCommonDialogString());
+        dialog.SetInitDir(FirstChosenFolder({&settings.openPath, &Values().general.openPath}));
+        dialog.SetFlags(kOpenFlags);
+        if (!dialog.ShowOpen(Handle())) return;
+        const ChosenFiles chosen = FilesOfDialog(dialog.FileName());
+        if (chosen.paths.empty() || Handle() == nullptr) return;
+        settings.openPath = chosen.folder;
+        AddFiles(chosen.paths);
+    } catch (...) {
+        // The label is that of the command that opens files.
+        const RaisedError error = CurrentError();
+        ReportUnexpectedError(error.Number(), error.Description(), L"frmMain - menuFileOpen_Click");
+    }
+}
+
+void frmConvertAll::cmdAddFolder_Click() {
+    ConvertSettings& settings = Values().convert;
+    const std::wstring folder = BrowseForFolder(
+        Handle(), L"フォルダの参照", L"変換する画像のあるフォルダを指定してください。",
+        FirstChosenFolder({&settings.openPath, &Values().general.openPath}));
+    if (folder.empty() || Handle() == nullptr) return;
+    settings.openPath = folder;
+    AddListed({folder});
+}
+
+void frmConvertAll::cmdDelete_Click() {
+    const std::vector<int> selected = listConvertFiles_.AllSelected();
+    if (selected.empty()) return;
+    {
+        const RedrawHold hold(listConvertFiles_);
+        std::for_each(selected.rbegin(), selected.rend(),
+                      [this](int index) { listConvertFiles_.Remove(index); });
+    }
+    // The one behind is next, so that Delete can be pressed again and again.
+    const int last = listConvertFiles_.Count() - 1;
+    if (last >= 0) listConvertFiles_.MarkOnly(std::min(selected.front(), last));
+    ListChanged();
+}
+
+void frmConvertAll::cmdDeleteAll_Click() {
+    if (ShowMessageBox(L"すべてのファイルをリストから削除します",
+                       MB_OKCANCEL | MB_ICONINFORMATION) != IDOK) {
+        return;
+    }
+    listConvertFiles_.Clear();
+    ListChanged();
+}
+
+// --- Where to ---
+
+void frmConvertAll::cmdConvertFolder_Click() {
+    const std::wstring typed = TypedFolder();
+    const std::wstring folder =
+        BrowseForFolder(Handle(), L"画像ファイルの保存フォルダ",
+                        L"変換した画像を保存するフォルダを指定してください。",
+                        typed.empty() ? FirstChosenFolder({&Values().convert.savePath}) : typed);
+    if (folder.empty() || Handle() == nullptr) return;
+    textConvertFolder_.SetText(folder);
+}
+
+// The folder as a full path with a trailing backslash. Quotation marks stand around what other
+// programs copy as a path.
+std::wstring frmConvertAll::TypedFolder() const {
+    std::wstring folder = textConvertFolder_.Text();
+    std::erase(folder, L'"');
+    folder = TrimSpaces(folder);
+    if (folder.empty()) return {};
+    const bool isDrive = folder.size() == 2 && folder[1] == L':';
+    if (!folder.ends_with(L'\\') && (isDrive || !folder.ends_with(L'/'))) folder += L'\\';
+    return FullPathOf(folder);
+}
+
+void frmConvertAll::Command3_Click() {
+    if (showOptions_) showOptions_(Handle());
+}
+
+}  // namespace tessary

@@ -1,0 +1,171 @@
+// The converter's window during a run and behind it.
+#include "app/base/message_box.h"
+#include "app/settings/modValue.h"
+#include "convert/modConvertFiles.h"
+#include "res/resource.h"
+#include "ui/convert/frmConvertAll.h"
+
+namespace tessary {
+namespace {
+
+// How often the screen shows what is new, and messages are let through. The engine tells much more
+// than that.
+constexpr ULONGLONG kRefreshMilliseconds = 30;
+
+// Texts that have not changed would flicker.
+void ShowText(Label& label, const std::wstring& text) {
+    if (label.Text() != text) label.SetText(text);
+}
+
+// Draws the user's eye to a window that he has left.
+void CallUser(HWND window) {
+    if (GetForegroundWindow() == window) return;
+    FLASHWINFO flash{sizeof(FLASHWINFO), window, FLASHW_TRAY | FLASHW_TIMERNOFG, 0, 0};
+    FlashWindowEx(&flash);
+}
+
+}  // namespace
+
+void frmConvertAll::cmdRunConvert_Click() {
+    if (converting_ || IsReadUnderWay() || listConvertFiles_.Count() == 0) return;
+    const std::wstring folder = TypedFolder();
+    if (folder.empty()) {
+        ShowMessageBox(L"画像ファイルを保存するフォルダを指定してください。", MB_ICONEXCLAMATION);
+        cmdConvertFolder_.SetFocus();
+        return;
+    }
+    textConvertFolder_.SetText(folder);
+    Values().convert.savePath = folder;
+    BeginRun();
+    {
+        const ReadUnderWay reading;
+        const MessageFilter keys([this](MSG& message) {
+            return Handle() != nullptr && IsDialogMessageW(Handle(), &message) != FALSE;
+        });
+        ConvertFiles(folder, *this);
+    }
+    EndRun();
+}
+
+void frmConvertAll::BeginRun() {
+    converting_ = true;
+    continue_ = true;
+    total_ = {0, listConvertFiles_.Count()};
+    file_ = {0, 1};
+    outcomes_ = {};
+    runStart_ = GetTickCount64();
+    lastRefresh_ = 0;
+    taskbar_.emplace(Handle());
+    EnableRunConvert();
+    // Enter does nothing until the run is over.
+    SendMessageW(Handle(), DM_SETDEFID, IDOK, 0);
+    ShowProgress();
+    ShowView(View::kStatus);
+    listConvertLog_.SetFocus();
+}
+
+void frmConvertAll::EndRun() {
+    converting_ = false;
+    taskbar_.reset();
+    if (Handle() == nullptr) return;
+    ShowProgress();
+    ShowText(lblTime_, RunTimeText(GetTickCount64() - runStart_, 0, 0));
+    ShowText(lblResult_, ResultText());
+    cmdOK_.SetVisible(true);
+    cmdOK_.SetEnabled(true);
+    cmdRunConvert_.SetVisible(false);
+    cmdRunConvert_.SetEnabled(false);
+    if (GetActiveWindow() == Handle()) cmdOK_.SetFocus();
+    Command2_.SetEnabled(false);
+    CallUser(Handle());
+    if (Values().quitRequested) Close(IDCANCEL);
+}
+
+void frmConvertAll::cmdOK_Click() {
+    if (converting_ || !cmdOK_.IsEnabled()) return;
+    ShowView(View::kSettings);
+    listConvertLog_.Clear();
+    cmdRunConvert_.SetVisible(true);
+    EnableRunConvert();
+    listConvertFiles_.SetFocus();
+    cmdOK_.SetVisible(false);
+    cmdOK_.SetEnabled(false);
+    Command2_.SetEnabled(true);
+    SendMessageW(Handle(), DM_SETDEFID, cmdRunConvert, 0);
+}
+
+void frmConvertAll::Command2_Click() {
+    if (!converting_) {
+        Close(IDCANCEL);
+        return;
+    }
+    if (!continue_) return;  // it stops behind the file at hand
+    if (ShowMessageBox(L"画像の変換処理を中止します。", MB_OKCANCEL | MB_ICONINFORMATION) == IDOK) {
+        continue_ = false;
+        ShowText(lblResult_, ResultText());
+    }
+}
+
+// Enter and Esc come here too.
+void frmConvertAll::Dialog_OK() {
+    cmdOK_Click();
+}
+
+void frmConvertAll::Dialog_Cancel() {
+    if (Command2_.IsEnabled()) Command2_Click();
+}
+
+void frmConvertAll::Form_QueryUnload(bool& cancel) {
+    if (!converting_) return;
+    ShowMessageBox(
+        L"画像の変換処理を行っています。\r\n変換処理を中止してからWindowを閉じてください。",
+        MB_ICONSTOP);
+    cancel = true;
+}
+
+// --- What the engine tells ---
+
+std::vector<std::wstring> frmConvertAll::ConvertFileList() {
+    std::vector<std::wstring> files;
+    files.reserve(static_cast<size_t>(listConvertFiles_.Count()));
+    for (int index = 0; index < listConvertFiles_.Count(); ++index)
+        files.push_back(listConvertFiles_.Item(index));
+    return files;
+}
+
+bool frmConvertAll::SetProgressBar(int32_t totalPosition, int32_t totalMaximum,
+                                   int32_t filePosition, int32_t fileMaximum) {
+    if (totalMaximum >= 0) total_ = {totalPosition, totalMaximum};
+    if (fileMaximum > 0) file_ = {filePosition, fileMaximum};
+    Refresh();
+    return continue_ && !Values().quitRequested;
+}
+
+void frmConvertAll::Refresh() {
+    if (GetTickCount64() - lastRefresh_ < kRefreshMilliseconds) return;
+    ShowProgress();
+    if (!DoEvents()) continue_ = false;
+    lastRefresh_ = GetTickCount64();
+}
+
+void frmConvertAll::ShowProgress() {
+    progressTotal_.SetProgress(total_.position, total_.maximum);
+    progressCurrentFile_.SetProgress(file_.position, file_.maximum);
+    ShowText(lblRateTotal_,
+             std::to_wstring(total_.position) + L" / " + std::to_wstring(total_.maximum));
+    ShowText(lblTime_, RunTimeText(GetTickCount64() - runStart_, total_.position, total_.maximum));
+    ShowText(lblResult_, ResultText());
+    listConvertLog_.Show();
+    if (taskbar_) taskbar_->SetProgress(total_.position, total_.maximum);
+}
+
+std::wstring frmConvertAll::ResultText() const {
+    const std::wstring counts = OutcomeText(outcomes_);
+    if (converting_) return continue_ ? counts : L"中止しています...　" + counts;
+    // The engine writes no log then.
+    if (listConvertLog_.Count() == 0)
+        return L"変換できませんでした。ファイルの保存先を確認してください。";
+    return (continue_ ? L"変換が終わりました。　" : L"変換を中止しました。　") + counts;
+}
+
+}  // namespace tessary

@@ -1,0 +1,111 @@
+#include "ui/form/list_view.h"
+
+#include <algorithm>
+
+#include "app/base/text.h"
+#include "ui/form/metrics.h"
+
+namespace tessary {
+
+void ListView::OnAttached() {
+    constexpr DWORD kStyle = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP;
+    Send(LVM_SETEXTENDEDLISTVIEWSTYLE, kStyle, kStyle);
+}
+
+void ListView::SetColumns(std::span<const Column> columns) {
+    columns_.assign(columns.begin(), columns.end());
+    for (size_t i = 0; i < columns_.size(); ++i) {
+        LVCOLUMNW insert{};
+        insert.mask = LVCF_FMT | LVCF_TEXT | LVCF_SUBITEM;
+        insert.fmt = columns_[i].isNumber ? LVCFMT_RIGHT : LVCFMT_LEFT;
+        insert.pszText = const_cast<wchar_t*>(columns_[i].caption);  // only read
+        insert.iSubItem = static_cast<int>(i);
+        Send(LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&insert));
+    }
+    LayOutColumns();
+}
+
+void ListView::SetRows(std::vector<Row> rows) {
+    Select(-1);
+    rows_ = std::move(rows);
+    Send(LVM_SETITEMCOUNT, rows_.size());
+    InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+void ListView::Select(int index) {
+    LVITEMW state{};
+    state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    state.state = index < 0 ? 0 : state.stateMask;
+    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&state));
+    if (index >= 0) Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(index), FALSE);
+}
+
+std::optional<LRESULT> ListView::OnNotify(NMHDR& header) {
+    switch (header.code) {
+        case LVN_GETDISPINFOW:
+            GiveText(reinterpret_cast<NMLVDISPINFOW&>(header).item);
+            return 0;
+        case LVN_ODFINDITEMW:
+            return FindRow(reinterpret_cast<const NMLVFINDITEMW&>(header));
+        case LVN_ITEMCHANGED: {
+            const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
+            const bool moved = ((change.uOldState ^ change.uNewState) & LVIS_SELECTED) != 0;
+            if (moved && select_) select_();
+            return 0;
+        }
+        case NM_DBLCLK:
+            if (Selected() >= 0 && doubleClick_) doubleClick_();
+            return 0;
+        default:
+            return std::nullopt;
+    }
+}
+
+void ListView::GiveText(LVITEMW& item) const {
+    if ((item.mask & LVIF_TEXT) == 0 || item.iItem < 0 || item.iSubItem < 0) return;
+    static const std::wstring none;
+    const auto row = static_cast<size_t>(item.iItem);
+    const auto column = static_cast<size_t>(item.iSubItem);
+    const bool isThere = row < rows_.size() && column < rows_[row].size();
+    const std::wstring& text = isThere ? rows_[row][column] : none;
+    item.pszText = const_cast<wchar_t*>(text.c_str());  // only read
+}
+
+// What is typed over the list looks for the row that begins with it.
+LRESULT ListView::FindRow(const NMLVFINDITEMW& wanted) const {
+    if ((wanted.lvfi.flags & LVFI_STRING) == 0 || rows_.empty()) return -1;
+    const std::wstring_view text = wanted.lvfi.psz;
+    for (size_t step = 0; step < rows_.size(); ++step) {
+        const size_t index = (static_cast<size_t>(wanted.iStart) + step) % rows_.size();
+        if (rows_[index].empty()) continue;
+        if (EqualsIgnoreCase(std::wstring_view(rows_[index][0]).substr(0, text.size()), text)) {
+            return static_cast<LRESULT>(index);
+        }
+    }
+    return -1;
+}
+
+// A dialog that comes to a screen of another resolution gives its controls another font.
+std::optional<LRESULT> ListView::OnOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_SIZE && message != WM_SETFONT) {
+        return Control::OnOwnMessage(message, wParam, lParam);
+    }
+    const LRESULT answer = OwnDefault(message, wParam, lParam);
+    LayOutColumns();
+    return answer;
+}
+
+void ListView::LayOutColumns() {
+    const Metrics metrics(Handle());
+    RECT client{};
+    GetClientRect(Handle(), &client);
+    int room = client.right;
+    for (const Column& column : columns_)
+        room -= metrics.Scale(column.width);
+    for (size_t i = 0; i < columns_.size(); ++i) {
+        const int extra = columns_[i].fills ? std::max(room, 0) : 0;
+        Send(LVM_SETCOLUMNWIDTH, i, metrics.Scale(columns_[i].width) + extra);
+    }
+}
+
+}  // namespace tessary

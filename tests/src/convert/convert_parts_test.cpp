@@ -1,0 +1,130 @@
+// The engine's small parts: filters, masks, files.
+#include <gtest/gtest.h>
+
+#include "convert/decode_filter.h"
+#include "convert/delete_files.h"
+#include "convert/make_folder.h"
+#include "convert/name_mask.h"
+#include "convert/numbered_files.h"
+#include "tests/src/convert/convert_test.h"
+
+namespace tessary {
+namespace {
+
+TEST(NameMask, Language) {
+    const struct {
+        const wchar_t* mask;
+        const wchar_t* matching;  // names with blanks between
+        const wchar_t* others;
+    } table[] = {
+        {L"*.jpg", L"a.jpg .jpg a.b.jpg .jpg.jpg", L"A.JPG a.jpg.x a.jpgx ajpg"},
+        {L"*", L"a .", L""},
+        {L"a?c", L"abc a?c", L"ac abbc Abc"},
+        {L"p##.*", L"p01.a p99.", L"p1.a pab.x p０１.a"},
+        {L"[abx-z].t", L"a.t y.t z.t", L"c.t w.t .t ab.t"},
+        {L"[!a-c]*", L"d dx !", L"a bx c"},
+        {L"[-a][a-][!-]", L"-ab aa! --a", L"--- bb-"},
+        {L"[*?#[]x", L"*x ?x #x [x", L"ax 1x ]x"},
+        {L"a[]b", L"ab", L"a]b a[]b"},
+        {L"[!]", L"!", L"a ]"},
+        {L"[c-a]", L"", L"a b c -"},
+        {L"a[b", L"a[b", L"ab"},
+        {L"*a*b*c", L"abc xaxbxc abcabc aabbcc", L"acb abcx bc"},
+        {L"写真[あ-ん]*", L"写真あ.jpg 写真ん", L"写真ア.jpg"},
+    };
+    const auto each = [](std::wstring_view names, auto check) {
+        while (!names.empty()) {
+            const size_t end = std::min(names.find(L' '), names.size());
+            check(names.substr(0, end));
+            names.remove_prefix(std::min(end + 1, names.size()));
+        }
+    };
+    for (const auto& row : table) {
+        const std::wstring_view mask = row.mask;
+        const auto told = [&](std::wstring_view name) {
+            return testing::Message() << row.mask << ' ' << std::wstring(name);
+        };
+        each(row.matching, [&](std::wstring_view name) {
+            EXPECT_TRUE(MatchesNameMask(name, mask)) << told(name);
+        });
+        each(row.others, [&](std::wstring_view name) {
+            EXPECT_FALSE(MatchesNameMask(name, mask)) << told(name);
+        });
+    }
+    EXPECT_TRUE(MatchesNameMask(L"", L"*[]"));
+    EXPECT_FALSE(MatchesNameMask(L"", L"?"));
+    // Patterns that invite to try every split.
+    EXPECT_FALSE(MatchesNameMask(std::wstring(5000, L'a'), L"*a*a*a*a*a*a*a*a*[!a]"));
+}
+
+TEST(DecodeFilter, NamesAndSizes) {
+    const test::RedirectedSettings settings;
+    ConvertSettings& convert = Values().convert;
+    convert.decodeFileMask = L"*.a";
+    // use, set → x.a passes, x.b passes
+    const int names[][4] = {{0, 7, 1, 1}, {1, 0, 1, 0}, {1, 1, 0, 1}, {1, 2, 0, 0}, {2, 0, 0, 0}};
+    for (const auto& [use, set, a, b] : names) {
+        convert.useDecodeFileMask = static_cast<int16_t>(use);
+        convert.decodeFileMaskSet = static_cast<int16_t>(set);
+        EXPECT_EQ(CheckDecodeFileName(L"x.a"), a == 1) << use << set;
+        EXPECT_EQ(CheckDecodeFileName(L"x.b"), b == 1) << use << set;
+    }
+    convert.minDecodeSizeX = 100;
+    convert.minDecodeSizeY = 50;
+    // switch, both, width, height → passes
+    const int sizes[][5] = {{0, 1, 1, 1, 1},     {2, 1, 1, 1, 1},    {1, 0, 100, 100, 1},
+                            {1, 1, 100, 100, 0}, {1, 1, 101, 51, 1}, {1, 0, 100, 50, 0}};
+    for (const auto& [on, both, width, height, passes] : sizes) {
+        convert.noDecodeSmall = static_cast<int16_t>(on);
+        convert.decodeSizeBoth = both == 1;
+        EXPECT_EQ(CheckDecodeSize(width, height), passes == 1) << on << both << width;
+    }
+}
+
+TEST(ConvertFilesOnDisk, FoldersAndDeleting) {
+    const test::TemporaryFolder folder;
+    EXPECT_TRUE(MakeFolder(folder.Path() + LR"(a\b\c\)"));
+    EXPECT_TRUE(MakeFolder(folder.Path() + LR"(a\b)"));
+    const std::wstring file = folder.Write(L"x1.t");
+    for (const std::wstring& bad : {file, file + L"\\y", folder.Path() + L"a*", std::wstring()})
+        EXPECT_FALSE(MakeFolder(bad)) << bad;
+
+    MakeFolder(folder.Path() + L"x3.t");
+    SetFileAttributesW(folder.Write(L"x2.t").c_str(),
+                       FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
+    folder.Write(L"y.t");
+    EXPECT_TRUE(DeleteFiles(folder.Path() + L"x?.t", false));
+    EXPECT_TRUE(DeleteFiles(L"", true));
+    EXPECT_TRUE(DeleteFiles(folder.Path(), true));
+    EXPECT_EQ(FilesInFolder(folder.Path()).size(), 3U);
+    EXPECT_TRUE(DeleteFiles(folder.Path() + L"x?.t", true));
+    EXPECT_EQ(FilesInFolder(folder.Path()), std::vector{folder.Path() + L"y.t"});
+    EXPECT_TRUE(IsFolder(folder.Path() + L"x3.t"));
+}
+
+TEST(ConvertFilesOnDisk, Numbers) {
+    const test::TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"log", "old\r\n");
+    NumberedFiles files;
+    const auto open = [&](OpenMode mode, OpenLock lock, OpenAccess access = OpenAccess::kWrite) {
+        return files.OpenFileNumber(path, mode, access, lock);
+    };
+    EXPECT_EQ(open(OpenMode::kAppend, OpenLock::kDenyBoth), 1);
+    EXPECT_EQ(open(OpenMode::kInput, OpenLock::kShared, OpenAccess::kRead), 0);
+    EXPECT_TRUE(files.WriteLine(1, "new"));
+    files.CloseFileNumber(1);
+    EXPECT_FALSE(files.WriteLine(1, "lost"));
+    EXPECT_EQ(test::ContentOf(path), "old\r\nnew\r\n");
+    EXPECT_EQ(open(OpenMode::kInput, OpenLock::kShared, OpenAccess::kRead), 1);
+    EXPECT_EQ(open(OpenMode::kOutput, OpenLock::kShared), 2);
+    files.CloseFileNumber(1);
+    EXPECT_EQ(open(OpenMode::kBinary, OpenLock::kShared, OpenAccess::kReadWrite), 1);
+    EXPECT_EQ(open(static_cast<OpenMode>(6), OpenLock::kShared), 0);
+    EXPECT_EQ(
+        files.OpenFileNumber(path + L"2", OpenMode::kInput, OpenAccess::kRead, OpenLock::kShared),
+        0);
+    EXPECT_EQ(test::ContentOf(path), "");
+}
+
+}  // namespace
+}  // namespace tessary

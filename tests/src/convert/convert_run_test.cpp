@@ -1,0 +1,101 @@
+// Runs that are stopped, disturbed, or long.
+#include "convert/convert_progress.h"
+#include "tests/src/convert/convert_test.h"
+
+namespace tessary {
+namespace {
+
+using test::ArchiveOf;
+using test::BitmapFileOf;
+using test::ContentOf;
+
+class ConvertRunTest : public test::ConvertTest {};
+
+TEST_F(ConvertRunTest, StopsBetweenFilesAndMembersAndNowhereElse) {
+    Values().convert.saveType2 = 1;
+    Add(L"a.bmp", BitmapFileOf(2, 2, 0));
+    Add(L"x.tsa", ArchiveOf({{"m.tst", "TST 6x6x24\n"}, {"n.tst", "TST 6x6x24\n"}}));
+    Add(L"b.bmp", BitmapFileOf(2, 2, 0));
+    // Before it: what is there after each step; extracted files that were not reached stay.
+    const std::wstring expected[] = {L"a.png ",
+                                     LR"(a.png x.tsa\m.tst )",
+                                     LR"(a.png x.tsa\m.tst x.tsa\n.tst )",
+                                     LR"(a.png x.tsa\m.tst x.tsa\n.tst )",
+                                     LR"(a.png b.png x.tsa\m.tst x.tsa\n.tst )",
+                                     LR"(a.png b.png x.tsa\m.png x.tsa\n.tst )",
+                                     LR"(a.png b.png x.tsa\m.png x.tsa\n.png )"};
+    int step = 0;
+    for (const std::wstring& files : expected) {
+        std::filesystem::remove_all(Target());
+        monitor_.lines.clear();
+        monitor_.stepsLeft = ++step;
+        EXPECT_FALSE(Run());
+        EXPECT_EQ(Converted(), files) << step;
+        EXPECT_EQ(monitor_.lines.back(), L"*** すべての変換処理が完了しました ***");
+        EXPECT_TRUE(LogHolds(L"!!! 変換処理がユーザーにより中断されました !!!"));
+    }
+}
+
+TEST_F(ConvertRunTest, DisturbedRunsGoOn) {
+    Values().convert.saveType2 = 1;
+    Add(L"a.bmp", BitmapFileOf(2, 2, 0));
+    Add(L"b.bmp", BitmapFileOf(2, 2, 0));
+    Add(L"x.tsa", ArchiveOf({{"m.tst", "TST 6x6x24\n"}}));
+    int finished = 0;
+    bool nested = true;
+    monitor_.onLine = [&](const std::wstring& line) {
+        nested = nested && ConvertFiles(Target(), monitor_);
+        // The folder is removed behind the first file; the archive's is made anew.
+        if (line == L"*** 変換処理終了 ***" && ++finished == 1)
+            std::filesystem::remove_all(Target());
+    };
+    EXPECT_TRUE(Run());
+    EXPECT_FALSE(nested);
+    EXPECT_TRUE(LogHolds(L"  保存に失敗しました  b.png"));
+    EXPECT_EQ(Converted(), LR"(x.tsa\m.png )");
+}
+
+TEST_F(ConvertRunTest, SourceThatIsItsOwnTargetIsReplacedWhole) {
+    std::filesystem::create_directories(Target());
+    const std::string picture = BitmapFileOf(20, 20, 0);
+    monitor_.files = {target_.Write(L"out\\a.bmp", picture),
+                      target_.Write(L"out\\b.tst", "TST 4x4x24\n")};
+    SetFileAttributesW(monitor_.files[0].c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(ContentOf(monitor_.files[0]), picture) << "cannot be replaced, so it stays";
+    SetFileAttributesW(monitor_.files[0].c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(Converted(), L"a.bmp b.bmp b.tst ");
+}
+
+TEST_F(ConvertRunTest, KeepsTheListShortAndTheRunLong) {
+    Values().convert.unpackArchive = 1;
+    Values().convert.decodeUnknownFile = 0;
+    Add(L"x.tsa", "TSA\ngenerate:300\n\n");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(monitor_.lines.size(), 1001U);
+    EXPECT_EQ(Converted(), L"");
+    EXPECT_TRUE(monitor_.steps.ends_with(L"301/301:0/100 ")) << monitor_.steps.size();
+}
+
+TEST_F(ConvertRunTest, NothingToDoIsNoRun) {
+    EXPECT_FALSE(Run());
+    monitor_.files = {L""};
+    EXPECT_FALSE(Run());
+    monitor_.files = {L"x"};
+    EXPECT_FALSE(ConvertFiles(target_.Write(L"a file") + LR"(\out)", monitor_));
+    EXPECT_TRUE(monitor_.lines.empty());
+}
+
+TEST_F(ConvertRunTest, ProgressIsRoundedHalvesToEven) {
+    ConvertProgressCallback(1, 2, 0);  // nobody watches
+    const ProgressWatch watch(monitor_);
+    for (const auto& [numerator, denominator] :
+         {std::pair{1, 8}, {3, 8}, {1, 3}, {2, 3}, {-1, 8}, {7, 7}, {5, 0}, {INT32_MAX, 1}}) {
+        EXPECT_EQ(ConvertProgressCallback(numerator, denominator, 0), 0);
+    }
+    EXPECT_EQ(monitor_.percents, (std::vector<int32_t>{12, 38, 33, 67, -12, 100}));
+}
+
+}  // namespace
+}  // namespace tessary

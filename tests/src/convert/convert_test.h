@@ -1,0 +1,111 @@
+// What the tests of the conversion engine share: folders, test plug-ins, and a monitor that
+// remembers what it was told.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "app/base/paths.h"
+#include "app/settings/modValue.h"
+#include "convert/modConvertFiles.h"
+#include "plugin/modSusie.h"
+#include "tests/plugins/test_plugins.h"
+#include "tests/support/bitmap_image.h"
+#include "tests/support/helper_libraries.h"
+#include "tests/support/redirected_settings.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary::test {
+
+class FakeMonitor : public ConvertMonitor {
+  public:
+    std::vector<std::wstring> ConvertFileList() override { return files; }
+    size_t LogLineCount() override { return lines.size(); }
+    void RemoveFirstLogLine() override { lines.erase(lines.begin()); }
+    void AddLogLine(const std::wstring& line) override {
+        lines.push_back(line);
+        if (onLine) onLine(line);
+    }
+    void Breathe() override { ++breaths; }
+    bool SetProgressBar(int32_t totalPosition, int32_t totalMaximum, int32_t filePosition,
+                        int32_t fileMaximum) override {
+        if (totalMaximum < 0) {
+            if (fileMaximum == 100) percents.push_back(filePosition);
+            return false;  // nobody listens to the answer
+        }
+        steps += std::to_wstring(totalPosition) + L'/' + std::to_wstring(totalMaximum) + L':' +
+                 std::to_wstring(filePosition) + L'/' + std::to_wstring(fileMaximum) + L' ';
+        if (stepsLeft > 0) --stepsLeft;
+        return stepsLeft != 0;
+    }
+    void CountFile(FileOutcome outcome) override { ++counts[static_cast<int>(outcome)]; }
+
+    std::vector<std::wstring> files;
+    std::vector<std::wstring> lines;
+    std::function<void(const std::wstring&)> onLine;
+    int breaths = 0;
+    std::wstring steps;  // what SetProgressBar was told about the whole run
+    int stepsLeft = -1;  // from the step on that brings this to 0 a stop is asked for
+    std::vector<int32_t> percents;
+    int counts[3] = {};  // by FileOutcome
+};
+
+inline std::string ContentOf(const std::wstring& path) {
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class ConvertTest : public testing::Test {
+  protected:
+    ConvertTest() {
+        LoadHelperLibraries();
+        for (const wchar_t* name : {L"dcpng.dll", L"dcjpeg.dll"})
+            LoadLibraryW((FinishedFolder() + name).c_str());
+        for (const wchar_t* name : {L"iftst.spi", L"axtsa.spi"})
+            std::filesystem::copy_file(TestPluginPath(name), plugins_.Path() + name);
+        Values().general.useSPI = 1;
+        Values().general.spiFolder[0] = plugins_.Path();
+        Values().general.loadSPI[0] = true;
+        LoadSPI();
+    }
+    ~ConvertTest() override { UnloadSPI(); }
+
+    void Add(const std::wstring& name, const std::string& content) {
+        monitor_.files.push_back(source_.Write(name, content));
+    }
+    bool Run() { return ConvertFiles(Target(), monitor_); }
+    std::wstring Target() const { return target_.Path() + L"out\\"; }
+
+    // The files below the target folder, sorted, with blanks between.
+    std::wstring Converted() const {
+        std::vector<std::wstring> names;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(Target())) {
+            if (entry.is_regular_file()) {
+                names.push_back(entry.path().wstring().substr(Target().size()));
+            }
+        }
+        std::sort(names.begin(), names.end());
+        std::wstring joined;
+        for (const std::wstring& name : names)
+            joined += name + L' ';
+        return joined;
+    }
+    bool LogHolds(const std::wstring& line) const {
+        return std::count(monitor_.lines.begin(), monitor_.lines.end(), line) != 0;
+    }
+
+    RedirectedSettings store_;
+    TemporaryFolder plugins_;
+    TemporaryFolder source_;
+    TemporaryFolder target_;
+    FakeMonitor monitor_;
+};
+
+}  // namespace tessary::test

@@ -1,0 +1,166 @@
+// The console converter: its arguments, and the finished program.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "app/base/handles.h"
+#include "app/base/paths.h"
+#include "app/settings/modValue.h"
+#include "app/settings/settings_store.h"
+#include "convert_cli/console_options.h"
+#include "tests/support/bitmap_image.h"
+#include "tests/support/helper_libraries.h"
+#include "tests/support/redirected_settings.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary {
+namespace {
+
+using test::BitmapFileOf;
+
+class ConvertCliTest : public testing::Test {
+  protected:
+    // Runs the program; answers its exit status and what it wrote to its two streams together.
+    struct Outcome {
+        DWORD status = 99;
+        std::string output;
+    };
+    Outcome RunProgram(const std::wstring& arguments) {
+        SetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", settings_.KeyPath().c_str());
+        SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+        const std::wstring path = folder_.Path() + L"output";
+        // Its console, which may live on, has the file too.
+        constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+        STARTUPINFOW start{};
+        start.cb = sizeof(start);
+        start.dwFlags = STARTF_USESTDHANDLES;
+        PROCESS_INFORMATION process{};
+        Outcome outcome;
+        {
+            const UniqueFile output(CreateFileW(path.c_str(), GENERIC_WRITE, kShareAll, &inherited,
+                                                CREATE_ALWAYS, 0, nullptr));
+            start.hStdOutput = start.hStdError = output.Get();
+            std::wstring command =
+                L'"' + test::FinishedFolder() + L"tessary-convert.exe\" " + arguments;
+            if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                RemoveBackslash(folder_.Path()).c_str(), &start, &process)) {
+                return outcome;
+            }
+        }
+        WaitForSingleObject(process.hProcess, 60000);
+        GetExitCodeProcess(process.hProcess, &outcome.status);
+        CloseHandle(process.hThread);
+        CloseHandle(process.hProcess);
+        outcome.output = ContentOf(path);
+        return outcome;
+    }
+    static std::string ContentOf(const std::wstring& path) {
+        std::ifstream file(std::filesystem::path(path), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    test::RedirectedSettings settings_;
+    test::TemporaryFolder folder_;
+};
+
+TEST_F(ConvertCliTest, ArgumentsChangeSettings) {
+    ConsoleOptions options;
+    const std::vector<std::wstring> arguments = {L"a",
+                                                 L"--out",
+                                                 LR"(C:\o)",
+                                                 L"--format-low=jpeg",
+                                                 L"--format-high",
+                                                 L"PNG",
+                                                 L"--no-unpack",
+                                                 L"--min-width",
+                                                 L"100",
+                                                 L"--exclude-mask",
+                                                 L"[!a]*",
+                                                 L"--keep-unknown",
+                                                 L"--log=C:\\x",
+                                                 L"--append",
+                                                 L"--jpeg-quality",
+                                                 L"95",
+                                                 L"--png-level",
+                                                 L"0",
+                                                 L"--png-interlace",
+                                                 L"--encoding",
+                                                 L"shift_jis",
+                                                 L"--recursive",
+                                                 L"--",
+                                                 L"--both"};
+    ASSERT_EQ(ParseOptions(arguments, options), L"");
+    EXPECT_EQ(options.inputs, (std::vector<std::wstring>{L"a", L"--both"}));
+    EXPECT_EQ(options.targetFolder, LR"(C:\o)");
+    EXPECT_TRUE(options.recursive);
+    EXPECT_EQ(options.codePage, 932U);
+    const ConvertSettings& convert = Values().convert;
+    EXPECT_EQ(convert.saveType1, 2);
+    EXPECT_EQ(convert.saveType2, 1);
+    EXPECT_EQ(convert.unpackArchive, 0);
+    EXPECT_EQ(convert.noDecodeSmall, 1);
+    EXPECT_EQ(convert.minDecodeSizeX, 100);
+    EXPECT_EQ(convert.minDecodeSizeY, INT32_MAX) << "or every height would do";
+    EXPECT_FALSE(convert.decodeSizeBoth);
+    EXPECT_EQ(convert.useDecodeFileMask, 1);
+    EXPECT_EQ(convert.decodeFileMaskSet, 1);
+    EXPECT_EQ(convert.decodeFileMask, L"[!a]*");
+    EXPECT_EQ(convert.decodeUnknownFile, 1);
+    EXPECT_EQ(convert.errorLogFileName, LR"(C:\x)");
+    EXPECT_EQ(convert.outputErrorLog, 1);
+    EXPECT_EQ(convert.outputAddMode, 1);
+    EXPECT_EQ(Values().jpegSave.quality, 95);
+    EXPECT_EQ(Values().pngSave.quality, 0);
+    EXPECT_EQ(Values().pngSave.interlace, 1);
+
+    const std::vector<std::wstring> wrong[] = {{},
+                                               {L"--out", L"o"},
+                                               {L"a"},
+                                               {L"a", L"--out"},
+                                               {L"--out=", L"a"},
+                                               {L"--out", L"o", L"a", L"--what"},
+                                               {L"--out", L"o", L"a", L"--png-level", L"10"},
+                                               {L"--out", L"o", L"a", L"--min-height", L"-1"},
+                                               {L"--out", L"o", L"a", L"--format", L"gif"},
+                                               {L"--out", L"o", L"a", L"--encoding", L"x"}};
+    for (const auto& each : wrong) {
+        ConsoleOptions ignored;
+        EXPECT_NE(ParseOptions(each, ignored), L"") << each.size();
+    }
+}
+
+TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
+    SaveSetting(L"Convert", L"SaveType2", L"1");
+    folder_.Write(LR"(in\絵.bmp)", BitmapFileOf(3, 3, 0));
+    folder_.Write(LR"(in\sub\b.bmp)", BitmapFileOf(3, 3, 0));
+    const Outcome good = RunProgram(L"--out out in");
+    EXPECT_EQ(good.status, 0U) << good.output;
+    EXPECT_EQ(ContentOf(folder_.Path() + LR"(out\絵.png)").substr(1, 3), "PNG");
+    EXPECT_FALSE(PathExists(folder_.Path() + LR"(out\b.png)"));
+    EXPECT_NE(good.output.find("  保存ファイル名      "), std::string::npos) << "UTF-8";
+    EXPECT_NE(good.output.find("変換 1"), std::string::npos) << good.output;
+
+    // Masks are no names of files; what they leave out is no failure.
+    const Outcome some = RunProgram(L"--out out --recursive --mask b* --encoding shift_jis in");
+    EXPECT_EQ(some.status, 0U) << some.output;
+    EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\b.png)"));
+    EXPECT_NE(some.output.find("\x8Cx\x8D\x90"), std::string::npos) << "警告";
+
+    folder_.Write(L"x.txt", "a text");
+    EXPECT_EQ(RunProgram(L"--out out x.txt").status, 1U);
+    EXPECT_EQ(RunProgram(LR"(--out out in\*.bmp gone.bmp)").status, 1U);
+    EXPECT_EQ(RunProgram(LR"(--out x.txt\out in)").status, 2U);
+    EXPECT_EQ(RunProgram(L"--format x in").status, 2U);
+    EXPECT_EQ(RunProgram(L"--help").status, 0U);
+    // A setting that cannot be read would ask in a window.
+    SaveSetting(L"Convert", L"MinDecodeSizeX", L"wide");
+    const Outcome broken = RunProgram(L"--out out in");
+    EXPECT_EQ(broken.status, 2U);
+    EXPECT_NE(broken.output.find("レジストリの読み取りエラーです。"), std::string::npos);
+    EXPECT_EQ(GetSetting(L"Init", L"Run", L"-"), L"-") << "settings are never written";
+    EXPECT_EQ(GetSetting(L"General", L"UseSPI", L"-"), L"-");
+}
+
+}  // namespace
+}  // namespace tessary

@@ -1,0 +1,362 @@
+// The batch converter's window, driven as its user does, over the real engine.
+#include "ui/convert/frmConvertAll.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/base/paths.h"
+#include "res/resource.h"
+#include "tests/src/ui/dialogs/driven_dialog.h"
+#include "tests/src/ui/main/dropped_files.h"
+#include "tests/src/ui/main/main_window.h"
+#include "tests/support/bitmap_image.h"
+#include "tests/support/helper_libraries.h"
+#include "tests/support/temporary_folder.h"
+#include "ui/convert/convert_commands.h"
+#include "ui/dialogs/ComDlg.h"
+#include "ui/dialogs/folder_browser.h"
+
+namespace tessary::test {
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+std::wstring TextOf(HWND dialog, int control) {
+    wchar_t text[512]{};
+    GetDlgItemTextW(dialog, control, text, 512);
+    return text;
+}
+
+bool IsUsable(HWND dialog, int control) {
+    const HWND window = GetDlgItem(dialog, control);
+    return IsWindowVisible(window) && IsWindowEnabled(window);
+}
+
+Texts Items(HWND dialog, int control) {
+    const HWND list = GetDlgItem(dialog, control);
+    Texts items(static_cast<size_t>(SendMessageW(list, LB_GETCOUNT, 0, 0)));
+    for (size_t index = 0; index < items.size(); ++index) {
+        wchar_t text[512]{};
+        SendMessageW(list, LB_GETTEXT, index, reinterpret_cast<LPARAM>(text));
+        items[index] = text;
+    }
+    return items;
+}
+
+// The user presses a button as soon as messages are let through.
+void PressLater(HWND dialog, int button) {
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, button)));
+}
+
+// Counts what a window is sent.
+class CountedMessages {
+  public:
+    CountedMessages(HWND window, UINT message)
+        : window_(window), message_(message), former_(GetWindowLongPtrW(window, GWLP_WNDPROC)) {
+        active_ = this;
+        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
+    }
+    CountedMessages(const CountedMessages&) = delete;
+    CountedMessages& operator=(const CountedMessages&) = delete;
+    ~CountedMessages() { SetWindowLongPtrW(window_, GWLP_WNDPROC, former_); }
+    int Count() const { return count_; }
+
+  private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message == active_->message_) ++active_->count_;
+        return CallWindowProcW(reinterpret_cast<WNDPROC>(active_->former_), window, message, wParam,
+                               lParam);
+    }
+    static inline CountedMessages* active_ = nullptr;
+    HWND window_;
+    UINT message_;
+    LONG_PTR former_;
+    int count_ = 0;
+};
+
+class ConverterTest : public MainWindowTest {
+  protected:
+    ConverterTest() {
+        LoadHelperLibraries();
+        LoadLibraryW((FinishedFolder() + L"dcpng.dll").c_str());
+        SetMessageBoxResponder([this](const std::wstring& text, unsigned style, const auto&) {
+            asked_.push_back(std::to_wstring(style) + L' ' + text);
+            if (answers_.empty()) return IDOK;
+            const int answer = answers_.front();
+            answers_.pop_front();
+            return answer;
+        });
+        for (const wchar_t* const name : {L"1.bmp", L"2.bmp", L"3.bmp"})
+            files_.push_back(source_.Write(name, BitmapFileOf(4, 3, RGB(1, 2, 3))));
+        Values().convert.saveType2 = 1;
+        Values().general.useSPI = 0;
+    }
+    void TearDown() override {
+        SetMessageBoxResponder({});
+        SetFileDialogResponder({});
+        SetFolderBrowserResponder({});
+        MainWindowTest::TearDown();
+    }
+
+    std::wstring Target() const { return target_.Path() + L"出力\\"; }
+    int Converted() const {
+        int count = 0;
+        for (int index = 1; index <= 3; ++index)
+            count += PathExists(Target() + std::to_wstring(index) + L".png") ? 1 : 0;
+        std::filesystem::remove_all(Target());
+        return count;
+    }
+    // Runs the conversion with what comes in the middle of it, and leaves the dialog.
+    DrivenDialog::Step RunWith(std::function<void(HWND)> meanwhile) {
+        return [this, meanwhile = std::move(meanwhile)](HWND dialog) {
+            SetDlgItemTextW(dialog, textConvertFolder, Target().c_str());
+            meanwhile(dialog);
+            Press(dialog, cmdRunConvert);
+        };
+    }
+
+    std::deque<int> answers_;
+    Texts asked_;
+    TemporaryFolder source_;
+    TemporaryFolder target_;
+    Texts files_;
+    frmConvertAll form_;
+};
+
+TEST_F(ConverterTest, GathersFilesAndChoices) {
+    const std::wstring folder = RemoveBackslash(source_.Path());
+    source_.Write(L"sub\\4.bmp");
+    Values().convert.openPath = folder;
+    Values().convert.savePath = target_.Path();
+    Texts titles;
+    SetFileDialogResponder([&](FileDialogRequest& request) {
+        EXPECT_EQ(request.initDir, folder);
+        EXPECT_FALSE(request.filter.empty());
+        request.fileName = folder + L'\0' + L"2.bmp" + L'\0' + L"3.bmp";
+        return true;
+    });
+    SetFolderBrowserResponder(
+        [&](const std::wstring& title, const auto&, const std::wstring& start) {
+            titles.push_back(title + L' ' + start);
+            return title == L"フォルダの参照" ? folder : RemoveBackslash(target_.Path());
+        });
+    DrivenDialog user(
+        {[&](HWND dialog) {
+             EXPECT_EQ(GetFocus(), GetDlgItem(dialog, listConvertFiles));
+             EXPECT_FALSE(IsUsable(dialog, Command3));  // nobody has brought options
+             EXPECT_FALSE(IsUsable(dialog, cmdDelete));
+             EXPECT_FALSE(IsUsable(dialog, listConvertLog));
+             Press(dialog, cmdAddFile);
+             EXPECT_EQ(Items(dialog, listConvertFiles), (Texts{files_[0], files_[1], files_[2]}));
+             EXPECT_EQ(Values().convert.openPath, source_.Path());
+             Values().convert.openPath = folder;
+             Press(dialog, cmdAddFolder);
+             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
+             EXPECT_EQ(Drop(dialog, {folder, files_[0]}), DROPEFFECT_COPY);
+             DoEvents();
+         },
+         [&](HWND dialog) {
+             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 10U);
+             const HWND list = GetDlgItem(dialog, listConvertFiles);
+             for (const int index : {0, 3, 5})
+                 SendMessageW(list, LB_SETSEL, TRUE, index);
+             PressKey(dialog, listConvertFiles, VK_DELETE);
+             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 7U);
+             EXPECT_EQ(Items(dialog, listConvertFiles)[0], files_[1]);
+             EXPECT_NE(SendMessageW(list, LB_GETSEL, 0, 0), 0);  // the next one
+             Press(dialog, cmdDelete);
+             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
+
+             EXPECT_FALSE(IsUsable(dialog, cmdRunConvert));
+             Press(dialog, cmdConvertFolder);
+             EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
+             SetDlgItemTextW(dialog, textConvertFolder, L"C:\\a*");
+             EXPECT_FALSE(IsUsable(dialog, cmdRunConvert));
+             SetDlgItemTextW(dialog, textConvertFolder, L"  ");
+             Press(dialog, cmdRunConvert);
+             EXPECT_EQ(GetFocus(), GetDlgItem(dialog, cmdConvertFolder));
+             for (const int formats : {combConvertIndexcolor, combConvertFullcolor}) {
+                 SendDlgItemMessageW(dialog, formats, CB_SETCURSEL, 2, 0);
+                 SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(formats, CBN_SELCHANGE),
+                              reinterpret_cast<LPARAM>(GetDlgItem(dialog, formats)));
+             }
+             answers_ = {IDCANCEL, IDOK};
+             Press(dialog, cmdDeleteAll);
+             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
+             Press(dialog, cmdDeleteAll);
+             EXPECT_TRUE(Items(dialog, listConvertFiles).empty());
+             EXPECT_FALSE(IsUsable(dialog, cmdDeleteAll));
+             Press(dialog, IDCANCEL);
+         }});
+    form_.ShowConvertDialog(nullptr, std::vector{files_[0]});
+    EXPECT_TRUE(user.IsDone());
+    EXPECT_EQ(titles, (Texts{L"フォルダの参照 " + folder,
+                             L"画像ファイルの保存フォルダ " + target_.Path()}));
+    EXPECT_EQ(asked_, (Texts{L"48 画像ファイルを保存するフォルダを指定してください。",
+                             L"65 すべてのファイルをリストから削除します",
+                             L"65 すべてのファイルをリストから削除します"}));
+    EXPECT_EQ(Values().convert.saveType1, 2);
+    EXPECT_EQ(Values().convert.saveType2, 2);
+}
+
+TEST_F(ConverterTest, ShowsARunAndComesBack) {
+    files_.push_back(source_.Write(L"読めない.txt", "text"));
+    DrivenDialog user({[&](HWND dialog) {
+        const std::wstring quoted = L" \"" + RemoveBackslash(Target()) + L"\"";
+        SetDlgItemTextW(dialog, textConvertFolder, quoted.c_str());
+        Press(dialog, cmdRunConvert);
+        EXPECT_FALSE(IsReadUnderWay());
+        EXPECT_EQ(Converted(), 3);
+        EXPECT_EQ(TextOf(dialog, textConvertFolder), Target());
+        EXPECT_EQ(TextOf(dialog, lblRateTotal), L"4 / 4");
+        EXPECT_EQ(TextOf(dialog, lblResult),
+                  L"変換が終わりました。　変換 3 個、対象外 0 個、失敗 1 個");
+        const Texts log = Items(dialog, listConvertLog);
+        ASSERT_FALSE(log.empty());
+        EXPECT_EQ(log[1], L"  ファイル名" + std::wstring(10, L' ') + files_[0]);
+        EXPECT_EQ(log.back(), L"*** すべての変換処理が完了しました ***");
+        EXPECT_EQ(SendDlgItemMessageW(dialog, listConvertLog, LB_GETCURSEL, 0, 0),
+                  static_cast<LRESULT>(log.size()) - 1);
+        EXPECT_TRUE(IsUsable(dialog, IDOK));
+        EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDOK));
+        for (const int gone : {int{cmdRunConvert}, IDCANCEL, listConvertFiles, cmdAddFile})
+            EXPECT_FALSE(IsUsable(dialog, gone));
+        // Nothing is dropped onto a list that is not there.
+        EXPECT_EQ(Drop(dialog, {files_[0]}), DROPEFFECT_NONE);
+
+        Press(dialog, IDOK);
+        EXPECT_TRUE(Items(dialog, listConvertLog).empty());
+        for (const int back : {int{cmdRunConvert}, IDCANCEL, listConvertFiles, cmdAddFile})
+            EXPECT_TRUE(IsUsable(dialog, back));
+        EXPECT_FALSE(IsUsable(dialog, IDOK));
+        EXPECT_FALSE(IsUsable(dialog, listConvertLog));
+
+        // A target that cannot be made is told where the counts stand.
+        SetDlgItemTextW(dialog, textConvertFolder, (files_[0] + L"\\x").c_str());
+        Press(dialog, cmdRunConvert);
+        EXPECT_NE(TextOf(dialog, lblResult).find(L"保存先"), std::wstring::npos);
+        EXPECT_TRUE(Items(dialog, listConvertLog).empty());
+        PostMessageW(dialog, WM_CLOSE, 0, 0);
+    }});
+    form_.ShowConvertDialog(nullptr, files_);
+    EXPECT_TRUE(user.IsDone());
+    EXPECT_TRUE(asked_.empty());
+}
+
+TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
+    const std::wstring stop = L"65 画像の変換処理を中止します。";
+    const std::wstring refusal =
+        L"16 画像の変換処理を行っています。\r\n変換処理を中止してからWindowを閉じてください。";
+    const auto back = [](HWND dialog) { Press(dialog, IDOK); };
+    DrivenDialog user({RunWith([&](HWND dialog) {
+                           answers_ = {IDCANCEL};
+                           PressLater(dialog, IDCANCEL);
+                           PostMessageW(dialog, WM_CLOSE, 0, 0);
+                       }),
+                       [&](HWND dialog) {
+                           EXPECT_EQ(asked_, (Texts{stop, refusal}));
+                           EXPECT_EQ(Converted(), 3);
+                           back(dialog);
+                       },
+                       RunWith([&](HWND dialog) { PressLater(dialog, IDCANCEL); }),
+                       [&](HWND dialog) {
+                           EXPECT_EQ(asked_, (Texts{stop, refusal, stop}));
+                           EXPECT_EQ(Converted(), 1);
+                           EXPECT_EQ(TextOf(dialog, lblRateTotal), L"1 / 3");
+                           EXPECT_NE(TextOf(dialog, lblResult).find(L"中止しました"),
+                                     std::wstring::npos);
+                           back(dialog);
+                       },
+                       RunWith([&](HWND dialog) {
+                           EXPECT_TRUE(SendMessageW(dialog, WM_QUERYENDSESSION, 0, 0));
+                           PostMessageW(dialog, WM_ENDSESSION, TRUE, 0);
+                       }),
+                       [&](HWND dialog) {
+                           EXPECT_EQ(asked_.size(), 3U);
+                           EXPECT_EQ(Converted(), 1);
+                           back(dialog);
+                           Press(dialog, IDCANCEL);
+                       }});
+    form_.ShowConvertDialog(nullptr, files_);
+    EXPECT_TRUE(user.IsDone());
+}
+
+TEST_F(ConverterTest, ProgressDoesNotPaintForEachCall) {
+    DrivenDialog user({[&](HWND dialog) {
+        const CountedMessages painted(GetDlgItem(dialog, progressCurrentFile), PBM_SETPOS);
+        for (int call = 0; call < 20000; ++call)
+            form_.SetProgressBar(-1, -1, call, 20000);
+        EXPECT_GT(painted.Count(), 0);
+        EXPECT_LT(painted.Count(), 2000);
+        Press(dialog, IDCANCEL);
+    }});
+    form_.ShowConvertDialog(nullptr, {});
+    EXPECT_TRUE(user.IsDone());
+}
+
+TEST_F(ConverterTest, CommandsHandOverTheListAndCloseBehindARun) {
+    Load();
+    controlBar_.files = files_;
+    ConvertCommands commands(window_, controlBar_);
+    DrivenDialog user({[&](HWND dialog) {
+                           EXPECT_TRUE(Items(dialog, listConvertFiles).empty());
+                           EXPECT_FALSE(IsWindowEnabled(window_.Handle()));
+                           Press(dialog, IDCANCEL);
+                       },
+                       [&](HWND dialog) {
+                           EXPECT_EQ(Items(dialog, listConvertFiles), files_);
+                           SetDlgItemTextW(dialog, textConvertFolder, Target().c_str());
+                           PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
+                           Press(dialog, cmdRunConvert);
+                           EXPECT_EQ(Converted(), 1);
+                       }});
+    Choose(menuFileConvertAll);
+    Choose(menuFileSaveAll);
+    EXPECT_TRUE(user.IsDone());
+    DoEvents();
+    EXPECT_EQ(window_.Handle(), nullptr);
+    EXPECT_EQ(ended_, 1);
+}
+
+// The engine's way: it asks for the count, takes the first line away and adds one.
+TEST(LogListTest, FollowsTheNewestLines) {
+    const HWND parent = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 200, 100,
+                                        nullptr, nullptr, nullptr, nullptr);
+    const HWND list =
+        CreateWindowExW(0, L"LISTBOX", L"", WS_CHILD | WS_VISIBLE | WS_HSCROLL | WS_VSCROLL, 0, 0,
+                        200, 100, parent, reinterpret_cast<HMENU>(7), nullptr, nullptr);
+    LogList log;
+    log.Attach(parent, 7);
+    for (int line = 0; line < 2500; ++line) {
+        if (log.Count() > 1000) log.RemoveFirst();
+        log.Add(std::to_wstring(line) + (line == 2400 ? std::wstring(300, L'長') : L""));
+        if (line == 30 || line == 1200 || line == 1203) log.Show();
+    }
+    log.Show();
+    const Texts items = Items(parent, 7);
+    ASSERT_EQ(items.size(), 1001U);
+    EXPECT_EQ(items.front(), L"1499");
+    EXPECT_EQ(items.back(), L"2499");
+    EXPECT_EQ(SendMessageW(list, LB_GETCURSEL, 0, 0), 1000);
+    EXPECT_GT(SendMessageW(list, LB_GETHORIZONTALEXTENT, 0, 0), 300 * 8);
+    log.RemoveFirst();
+    log.Add(L"x");
+    log.Show();
+    EXPECT_EQ(Items(parent, 7).front(), L"1500");
+    DestroyWindow(parent);
+}
+
+TEST(RunTextsTest, EstimatesTheRest) {
+    EXPECT_EQ(RunTimeText(1999, 1, 2), L"経過 0:01");
+    EXPECT_EQ(RunTimeText(65000, 1, 3), L"経過 1:05、残り約 2:10");
+    EXPECT_EQ(RunTimeText(3600000, 3, 3), L"経過 1:00:00");
+    EXPECT_EQ(RunTimeText(3000, 0, 3), L"経過 0:03");
+}
+
+}  // namespace
+}  // namespace tessary::test
