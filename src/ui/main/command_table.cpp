@@ -28,6 +28,7 @@ bool CommandTable::Run(int id) const {
 }
 
 void CommandTable::ShowState(HMENU menu) const {
+    keys_.ShowIn(menu);
     ForEachMenuCommand(menu, [&](int id) {
         const auto found = commands_.find(id);
         const bool checked =

@@ -5,7 +5,10 @@
 #include <windows.h>
 
 #include <functional>
+#include <initializer_list>
 #include <map>
+
+#include "ui/main/menu_keys.h"
 
 namespace tessary {
 
@@ -21,6 +24,10 @@ struct Command {
 
 class CommandTable {
   public:
+    // The menus show the keys of these accelerator tables.
+    explicit CommandTable(std::initializer_list<int> acceleratorTables)
+        : keys_(acceleratorTables) {}
+
     // Gives an item (a number of resource.h) its command, or another one.
     void Register(int id, Command command);
 
@@ -33,10 +40,11 @@ class CommandTable {
     // Runs the item's command; false when it has none or must not run now.
     bool Run(int id) const;
 
-    // Greys, enables and checks all items of a menu and its submenus.
+    // Greys, enables and checks all items of a menu and its submenus, with their keys behind them.
     void ShowState(HMENU menu) const;
 
   private:
+    MenuKeys keys_;
     std::map<int, Command> commands_;
 };
 

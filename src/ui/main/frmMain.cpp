@@ -9,11 +9,11 @@
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "picture/current_picture.h"
-#include "res/resource.h"
 #include "ui/form/clipboard.h"
 #include "ui/form/menu.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/worker.h"
+#include "ui/main/window_placement.h"
 
 namespace tessary {
 namespace {
@@ -38,11 +38,11 @@ SIZE SizeOf(const RECT& rectangle) {
     return {rectangle.right - rectangle.left, rectangle.bottom - rectangle.top};
 }
 
-RECT WorkAreaOf(HWND window) {
+MONITORINFO ScreenOf(HWND window) {
     MONITORINFO monitor{};
     monitor.cbSize = sizeof(monitor);
     GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor.rcWork;
+    return monitor;
 }
 
 }  // namespace
@@ -82,6 +82,7 @@ void frmMain::RegisterCommands() {
                                   .enabled = pictureShown,
                                   .whileLoading = true});
     }
+    RegisterFullScreenCommands();
 }
 
 void frmMain::Form_Load() {
@@ -103,15 +104,26 @@ void frmMain::CreateControls() {
         Handle(),
         {.keyDown = [this](int keyCode, int shift) { pictureView_KeyDown(keyCode, shift); },
          .mouseDown = [this](int button, POINT at) { pictureView_MouseDown(button, at); },
+         .doubleClick = [this] { commands_.Run(commandFullScreen); },
          .mouseMove = [this](POINT at, bool left) { pictureView_MouseMove(at, left); },
          .mouseUp = [this](int) { scroller_.EndDrag(); },
          .captureLost = [this] { scroller_.EndDrag(); },
+         .wheel = [this](int notches, int shift) { pictureView_Wheel(notches, shift); },
          .contextMenu = [this](POINT onScreen) { pictureView_ContextMenu(onScreen); },
          .pointer = [this] { return pictureView_Pointer(); }});
 }
 
-// Half the screen's width and height, in the middle of what the taskbar leaves.
+// Where it was left, else half the screen's width and height, in the middle of what the taskbar
+// leaves.
 void frmMain::PlaceWindow() {
+    if (std::optional<WINDOWPLACEMENT> kept = ReadMainPlacement()) {
+        startsMaximized_ = kept->showCmd == SW_SHOWMAXIMIZED;
+        kept->showCmd = SW_HIDE;
+        // A screen of another resolution has the window scale itself on its way there.
+        for (int pass = 0; pass < 2; ++pass)
+            SetWindowPlacement(Handle(), &*kept);
+        return;
+    }
     const int width = GetSystemMetrics(SM_CXSCREEN) / 2;
     const int height = GetSystemMetrics(SM_CYSCREEN) / 2;
     RECT work{};
@@ -124,7 +136,7 @@ void frmMain::PlaceWindow() {
 void frmMain::MakeRoomAbove(int pixels) {
     RECT frame{};
     GetWindowRect(Handle(), &frame);
-    const int room = static_cast<int>(WorkAreaOf(Handle()).bottom - frame.bottom);
+    const int room = static_cast<int>(ScreenOf(Handle()).rcWork.bottom - frame.bottom);
     SetWindowPos(Handle(), nullptr, frame.left,
                  frame.top + std::clamp(pixels, 0, std::max(room, 0)), 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -191,6 +203,9 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
         case WM_SETFOCUS:  // the keys are the picture's
             SetFocus(pictureView_.Handle());
             return 0;
+        case WM_DISPLAYCHANGE:
+            ScreenChanged();
+            return std::nullopt;
         case WM_QUERYENDSESSION:
             return TRUE;  // a load does not keep the user from logging off
         case WM_ENDSESSION:
@@ -210,6 +225,7 @@ void frmMain::EndSession() {
     // Plug-ins are at work below us and must stay; what the user has chosen is saved all the same.
     Values().quitRequested = true;
     if (controlBar_ != nullptr) controlBar_->SavePlace();
+    SaveMainPlacement(fullScreen_.Placement(Handle()));
     WriteGeneralSettings();
     WriteConvertSettings();
 }
@@ -222,6 +238,9 @@ void frmMain::Form_QueryUnload(bool& cancel) {
 
 void frmMain::Form_Unload() {
     if (controlBar_ != nullptr) controlBar_->Unload();
+    SaveMainPlacement(fullScreen_.Placement(Handle()));
+    restingPointer_.Stop();
+    fullScreen_ = {};
     ClearPicture();
     windowDrop_.Revoke();
     viewDrop_.Revoke();
@@ -235,7 +254,7 @@ void frmMain::Form_Terminate() {
 
 void frmMain::Form_Resize(int width, int height) {
     if (pictureView_.Handle() == nullptr) return;
-    const int statusHeight = statusInformation_.Layout();
+    const int statusHeight = fullScreen_.IsOn() ? 0 : statusInformation_.Layout();
     pictureView_.SetBounds(0, 0, width, std::max(height - statusHeight, 0));
     scroller_.AreaChanged();
 }
@@ -267,8 +286,18 @@ void frmMain::menuPopup_Click(int item) {
 
 void frmMain::pictureView_KeyDown(int keyCode, int shift) {
     if (scroller_.KeyDown(keyCode)) return;
-    if (keyCode != VK_RETURN || controlBar_ == nullptr || IsReadUnderWay()) return;
-    controlBar_->Press((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
+    switch (keyCode) {
+        case VK_RETURN:
+            return Step((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
+        case VK_SPACE:
+        case VK_NEXT:
+            return Step(BarButton::kStepForward);
+        case VK_BACK:
+        case VK_PRIOR:
+            return Step(BarButton::kStepBack);
+        default:
+            return;
+    }
 }
 
 void frmMain::pictureView_MouseDown(int button, POINT at) {
@@ -276,6 +305,7 @@ void frmMain::pictureView_MouseDown(int button, POINT at) {
 }
 
 void frmMain::pictureView_MouseMove(POINT at, bool leftButton) {
+    restingPointer_.Seen(at);
     if (leftButton) {
         scroller_.DragTo(at);
     } else {
@@ -292,17 +322,21 @@ void frmMain::pictureView_ContextMenu(POINT onScreen) {
             SetMenuCaption(popup, item, AsMenuCaption(PicturePopupText(item, source_, header)));
         });
     }
+    AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
+    AppendMenuW(popup, MF_STRING, commandFullScreen, L"全画面表示(&F)");
     commands_.ShowState(popup);
     TrackPopupMenuEx(popup, TPM_RIGHTBUTTON, onScreen.x, onScreen.y, Handle(), nullptr);
 }
 
 const wchar_t* frmMain::pictureView_Pointer() const {
+    if (restingPointer_.IsHidden()) return nullptr;
     if (IsReadUnderWay()) return IDC_WAIT;
     return scroller_.CanScroll() ? IDC_HAND : IDC_ARROW;
 }
 
 SIZE frmMain::WorkAreaSize() const {
-    return SizeOf(WorkAreaOf(Handle()));
+    const MONITORINFO screen = ScreenOf(Handle());
+    return SizeOf(fullScreen_.IsOn() ? screen.rcMonitor : screen.rcWork);
 }
 
 void frmMain::SetPicture(IPicture* picture, int width, int height) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "picture/show/picture_view.h"
+#include "res/resource.h"
 #include "ui/form/accelerators.h"
 #include "ui/form/file_drop_target.h"
 #include "ui/form/form.h"
@@ -15,9 +16,11 @@
 #include "ui/form/status_bar.h"
 #include "ui/main/command_table.h"
 #include "ui/main/control_bar.h"
+#include "ui/main/full_screen.h"
 #include "ui/main/modWindowProc.h"
 #include "ui/main/picture_popup.h"
 #include "ui/main/picture_scroller.h"
+#include "ui/main/resting_pointer.h"
 
 namespace tessary {
 
@@ -59,6 +62,9 @@ class frmMain final : public Form, public PictureView {
         pictureShownChanged_ = std::move(handler);
     }
 
+    // Shows the loaded window for the first time, maximised when it was left so.
+    void Show() { Form::Show(startsMaximized_ ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL); }
+
     // Moves the window down by so many pixels, as far as the screen has room for it.
     void MakeRoomAbove(int pixels);
 
@@ -66,15 +72,16 @@ class frmMain final : public Form, public PictureView {
     // stands for the plain files directly in it. Ignored while a picture is being loaded.
     void OpenLater(const std::vector<std::wstring>& paths);
 
-    // Arrow keys scroll; Enter steps forward, with Shift back. `shift` is a sum of kShiftMask ….
-    // The control bar passes its own keys on to this.
+    // Arrow keys scroll; Enter, the space bar and Page Down step forward, Shift+Enter, Backspace
+    // and Page Up back. `shift` is a sum of kShiftMask …. The control bar passes its own keys on to
+    // this.
     void pictureView_KeyDown(int keyCode, int shift);
 
     const PictureBox& pictureView() const { return pictureView_; }
     const StatusBar& statusInformation() const { return statusInformation_; }
 
     // PictureView
-    SIZE WorkAreaSize() const override;
+    SIZE WorkAreaSize() const override;  // on the full screen all of it
     void SetPicture(IPicture* picture, int width, int height) override;
     void ClearPicture() override;
     void SetPanelText(int panel, const std::wstring& text) override;
@@ -100,6 +107,14 @@ class frmMain final : public Form, public PictureView {
     std::optional<LRESULT> OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void EndSession();
 
+    // --- The full screen and the wheel (frmMain_full_screen.cpp) ---
+    void RegisterFullScreenCommands();
+    void SetFullScreen(bool on);
+    void ScreenChanged();
+    void FitToScreen();
+    void pictureView_Wheel(int notches, int shift);
+    void Step(BarButton button);
+
     void menuEditClear_Click();
     void menuPopup_Click(int item);
     void pictureView_MouseDown(int button, POINT at);
@@ -112,10 +127,14 @@ class frmMain final : public Form, public PictureView {
     MainWindowServices services_;
     FileListReceiver* fileListReceiver_ = nullptr;
     ControlBar* controlBar_ = nullptr;
-    CommandTable commands_;
+    CommandTable commands_{acceleratorsMainWindow, acceleratorsClipboard};
     PictureBox pictureView_;
     PictureScroller scroller_{pictureView_};
     StatusBar statusInformation_;
+    FullScreen fullScreen_;
+    RestingPointer restingPointer_;
+    bool barComesBack_ = false;  // behind the full screen
+    bool startsMaximized_ = false;
     PictureSource source_;
     std::function<void()> pictureShownChanged_;
     std::vector<std::wstring> filesToOpen_;

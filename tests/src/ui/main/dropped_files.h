@@ -1,6 +1,7 @@
 // The data object of a drag of files, as the shell hands it to a drop target.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <ole2.h>
 #include <shlobj.h>
 
@@ -54,5 +55,21 @@ class DroppedFiles final : public IDataObject {
   private:
     std::wstring names_;  // each with its NUL, one more at the end
 };
+
+// Drops files as the shell does. The answer is the effect that the source is told.
+inline DWORD Drop(HWND target, const std::vector<std::wstring>& paths,
+                  DWORD allowed = DROPEFFECT_COPY) {
+    DroppedFiles data(paths);
+    // Where OLE keeps a window's registered target.
+    auto* const registered = static_cast<IDropTarget*>(GetPropW(target, L"OleDropTargetInterface"));
+    EXPECT_NE(registered, nullptr);
+    if (registered == nullptr) return DROPEFFECT_NONE;
+    DWORD entered = allowed;
+    registered->DragEnter(&data, MK_LBUTTON, {}, &entered);
+    DWORD dropped = allowed;
+    registered->Drop(&data, MK_LBUTTON, {}, &dropped);
+    EXPECT_EQ(dropped, entered);
+    return dropped;
+}
 
 }  // namespace tessary::test

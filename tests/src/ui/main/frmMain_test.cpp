@@ -12,27 +12,12 @@ namespace tessary {
 namespace {
 
 using List = std::vector<std::wstring>;
+using test::Drop;
 using StatusBarTest = test::MainWindowTest;
 using CloseTest = test::MainWindowTest;
 
 class OpenFilesTest : public test::MainWindowTest {
   protected:
-    // Drops files as the shell does. The answer is the effect that the source is told.
-    static DWORD Drop(HWND target, const List& paths, DWORD allowed = DROPEFFECT_COPY) {
-        test::DroppedFiles data(paths);
-        // Where OLE keeps a window's registered target.
-        auto* const registered =
-            static_cast<IDropTarget*>(GetPropW(target, L"OleDropTargetInterface"));
-        EXPECT_NE(registered, nullptr);
-        if (registered == nullptr) return DROPEFFECT_NONE;
-        DWORD entered = allowed;
-        registered->DragEnter(&data, MK_LBUTTON, {}, &entered);
-        DWORD dropped = allowed;
-        registered->Drop(&data, MK_LBUTTON, {}, &dropped);
-        EXPECT_EQ(dropped, entered);
-        return dropped;
-    }
-
     test::TemporaryFolder folder_;
 };
 

@@ -75,17 +75,17 @@ class MenuTest : public test::MainWindowTest {
 TEST_F(MenuTest, TreeIsComplete) {
     Load();
     UINT lastId = 0;
-    EXPECT_EQ(
-        Describe(Menu(), lastId),
-        L"ファイル(&F)[ファイルを開く(&O)|フォルダを開く(&D)|ファイルに名前を付けて保存(&S)|"
-        L"すべて保存(&A)||画像一括コンバート(&C)|アプリケーションの終了(&X)]|"
-        L"編集(&E)[コピー(&C)|貼り付け(&P)||表示イメージクリア(&L)]|"
-        L"表示(&V)[コントロールバー(&C)[コントロールバー表示(&V)||巻き戻し(&Z)|逆再生(&X)|停止(&C)|"
-        L"再生(&V)|早送り((&B)|折りたたみ]||壁紙に設定 - 中央に表示(&C)|"
-        L"壁紙に設定 - 並べて表示(&T)|壁紙を消去(&E)]|"
-        L"オプション(&O)[環境設定||プラグインフォルダ(1)|プラグインフォルダ(2)|"
-        L"プラグインフォルダ(3)]|"
-        L"ヘルプ(&H)[バージョン情報(&A)|Susie Plugin のバージョン情報(&S)]");
+    EXPECT_EQ(Describe(Menu(), lastId),
+              L"ファイル(&F)[ファイルを開く(&O)\tCtrl+O|フォルダを開く(&D)\tCtrl+D|"
+              L"ファイルに名前を付けて保存(&S)\tCtrl+S|すべて保存(&A)\tCtrl+Shift+S||"
+              L"画像一括コンバート(&C)\tCtrl+B|アプリケーションの終了(&X)]|"
+              L"編集(&E)[コピー(&C)\tCtrl+C|貼り付け(&P)\tCtrl+V||表示イメージクリア(&L)\tCtrl+L]|"
+              L"表示(&V)[コントロールバー(&C)[コントロールバー表示(&V)\tCtrl+T||巻き戻し(&Z)\tZ|"
+              L"逆再生(&X)\tX|停止(&C)\tC|再生(&V)\tV|早送り((&B)\tB|折りたたみ\tF]||"
+              L"壁紙に設定 - 中央に表示(&C)|壁紙に設定 - 並べて表示(&T)|壁紙を消去(&E)]|"
+              L"オプション(&O)[環境設定\tF8||プラグインフォルダ(1)|プラグインフォルダ(2)|"
+              L"プラグインフォルダ(3)]|"
+              L"ヘルプ(&H)[バージョン情報(&A)|Susie Plugin のバージョン情報(&S)]");
     EXPECT_EQ(Describe(LoadMenuResource(menuPopupWindow).Get(), lastId),
               L"ポップアップメニュー(1)[画像情報|ファイル名 <File Name>|"
               L"使用プラグイン <Plugin Name>|画像サイズ <Graphic Size>|色数 <Color Depth>]");

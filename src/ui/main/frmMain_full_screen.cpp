@@ -1,0 +1,78 @@
+// The main window on the full screen, and what the mouse wheel moves.
+#include <algorithm>
+
+#include "app/settings/modValue.h"
+#include "picture/show/modShowPicture.h"
+#include "ui/main/frmMain.h"
+
+namespace tessary {
+
+void frmMain::RegisterFullScreenCommands() {
+    commands_.Register(commandFullScreen, {.run = [this] { SetFullScreen(!fullScreen_.IsOn()); },
+                                           .checked = [this] { return fullScreen_.IsOn(); },
+                                           .whileLoading = true});
+    commands_.Register(commandEscape, {.run =
+                                           [this] {
+                                               if (fullScreen_.IsOn()) {
+                                                   SetFullScreen(false);
+                                               } else {
+                                                   commands_.Run(commandCancelDelete);
+                                               }
+                                           },
+                                       .whileLoading = true});
+}
+
+// The control bar is out of sight meanwhile, and comes back when it was there before.
+void frmMain::SetFullScreen(bool on) {
+    if (on == fullScreen_.IsOn() || IsIconic(Handle())) return;
+    scroller_.EndDrag();
+    if (on) {
+        barComesBack_ = controlBar_ != nullptr && controlBar_->IsVisible();
+        if (barComesBack_) controlBar_->SetVisible(false);
+    }
+    ShowWindow(statusInformation_.Handle(), on ? SW_HIDE : SW_SHOWNA);
+    pictureView_.SetBackground(on ? static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)) : nullptr);
+    if (on) {
+        fullScreen_.Enter(Handle());
+        restingPointer_.Start(pictureView_.Handle());
+    } else {
+        restingPointer_.Stop();
+        fullScreen_.Leave(Handle());
+        if (barComesBack_) controlBar_->SetVisible(true);
+    }
+    SetFocus(pictureView_.Handle());
+    FitToScreen();
+}
+
+void frmMain::ScreenChanged() {
+    if (fullScreen_.IsOn() && !IsIconic(Handle())) fullScreen_.Cover(Handle());
+    FitToScreen();
+}
+
+// The size mode for the screen has another size to fit. A picture that is being loaded comes in
+// that size anyway.
+void frmMain::FitToScreen() {
+    if (Values().fixSizeValue == kSizeModeScreen && PictureShown() && !IsReadUnderWay()) {
+        DisplayCurrentPicture(*this);
+    }
+}
+
+void frmMain::pictureView_Wheel(int notches, int shift) {
+    if ((shift & kCtrlMask) != 0) {
+        const int mode =
+            std::clamp<int>(Values().fixSizeValue + notches, kSizeModeOriginal, kSizeModeScreen);
+        if (mode != Values().fixSizeValue) commands_.Run(commandDisplaySize_0 + mode);
+        return;
+    }
+    for (; notches > 0; --notches)
+        Step(BarButton::kStepBack);
+    for (; notches < 0; ++notches)
+        Step(BarButton::kStepForward);
+}
+
+void frmMain::Step(BarButton button) {
+    if (controlBar_ == nullptr || IsReadUnderWay() || Values().quitRequested) return;
+    controlBar_->Press(button);
+}
+
+}  // namespace tessary
