@@ -8,6 +8,11 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 # Users get programs without symbol tables: half the size.
 add_link_options($<$<CONFIG:Release>:-s>)
 
+# The same source makes the same bytes, whenever and wherever it is built.
+if(WIN32)
+    add_link_options(-Wl,--no-insert-timestamp)
+endif()
+
 # The finished application folder: the program, its helper libraries and the bundled plug-ins side by side.
 set(TESSARY_APP_DIR "${CMAKE_BINARY_DIR}/bin")
 

@@ -6,6 +6,6 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib/packages.sh"
 source "$(dirname "${BASH_SOURCE[0]}")/lib/wine.sh"
 
 install_packages "${build_packages[@]}" "${wine_packages[@]}" "${screenshot_packages[@]}" \
-    "${check_packages[@]}"
+    "${check_packages[@]}" "${manual_packages[@]}"
 "$root/scripts/dependencies.sh"
 ensure_wine

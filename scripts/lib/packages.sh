@@ -10,6 +10,7 @@ source "${BASH_SOURCE[0]%/*}/privilege.sh"
     screenshot_packages=(imagemagick xdotool)
     check_packages=(clang-format clang-tidy)
     sample_packages=(imagemagick)
+    manual_packages=(python3 python3-markdown)
 }
 
 # install_packages NAME…: installs those that are missing; does nothing, quickly, when none is.
