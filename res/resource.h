@@ -66,10 +66,18 @@
 #define commandAddToDeleteList 1620
 #define commandCancelDelete 1621
 
+// Commands of the main window that stand in none of its menus.
+#define commandFullScreen 1630
+#define commandEscape 1631  // out of the full screen, else commandCancelDelete
+
 #define dialogOpenFolder 200
 #define dialogNewFolder 201
 #define dialogDirList 202
 #define dialogSaveOption 203
+#define dialogConvertAll 204
+#define dialogOption 210
+#define dialogAbout 211
+#define dialogSPIAbout 212
 
 #define openFolderPath 2001
 #define openFolderUp 2002
@@ -109,3 +117,118 @@
 #define labelPNGQualityHigh 2345
 #define checkPNGInterless 2346
 #define pictureOptionPanelsEnd 2360
+
+// Two views in the same place, each with its controls numbered in a row.
+#define frameSetOption 2400  // the settings
+#define labelConvertFiles 2401
+#define listConvertFiles 2402
+#define cmdAddFile 2403
+#define cmdAddFolder 2404
+#define cmdDelete 2405
+#define cmdDeleteAll 2406
+#define Command3 2407
+#define labelConvertCount 2408
+#define labelConvertFolder 2409
+#define textConvertFolder 2410
+#define cmdConvertFolder 2411
+#define labelConvertIndexcolor 2412
+#define combConvertIndexcolor 2413
+#define labelConvertFullcolor 2414
+#define combConvertFullcolor 2415
+#define frameSetOptionEnd 2416
+#define frameShowConvertStatus 2420  // the status
+#define labelTotal 2421
+#define lblTime 2422
+#define lblRateTotal 2423
+#define progressTotal 2424
+#define labelCurrentFile 2425
+#define progressCurrentFile 2426
+#define lblResult 2427
+#define listConvertLog 2428
+#define frameShowConvertStatusEnd 2429
+#define cmdRunConvert 2430
+
+// The pages lie in the same place. A page's controls are those from its heading up to the next
+// one's; the buttons stand behind the last.
+#define optionPages 3000  // the list of the pages
+#define optionPageLine 3001
+#define optionPage_0 3002  // the headings
+#define optionPage_1 3003
+#define optionPage_2 3004
+#define optionPage_3 3005
+#define cmdApply 3006
+
+#define checkUseSPI 3100
+#define checkLoadSPI_0 3101
+#define checkLoadSPI_1 3102
+#define checkLoadSPI_2 3103
+#define textSPIFolder_0 3104
+#define textSPIFolder_1 3105
+#define textSPIFolder_2 3106
+#define cmdSPIFolder_0 3107
+#define cmdSPIFolder_1 3108
+#define cmdSPIFolder_2 3109
+#define checkDynamicSPILoad 3110
+#define checkSPIExt 3111
+#define labelSPI 3112
+#define listSPI 3113
+#define labelSPIError 3114
+#define listSPIError 3115
+#define cmdSPISetup 3116
+#define cmdSPIErrorClear 3117
+
+#define combSaveType1 3200
+#define combSaveType2 3201
+#define checkUnpackArchive 3202
+#define checkDecodeUnknownFile 3203
+#define checkNoDecodeSmall 3204
+#define labelMinDecodeSizeX 3205
+#define textMinDecodeSizeX 3206
+#define labelMinDecodeSizeY 3207
+#define textMinDecodeSizeY 3208
+#define labelMinDecodeSizeUnit 3209
+#define combDecodeFileSize 3210
+#define checkUseDecodeFileMask 3211
+#define textDecodeFileMask 3212
+#define combDecodeFileMaskSet 3213
+#define labelDecodeFileMask 3214
+#define checkConvertReduceColor 3215
+#define checkOutputErrorLog 3216
+#define labelErrorLogFileName 3217
+#define textErrorLogFileName 3218
+#define checkOutputAddMode 3219
+
+#define sliderSlideShowTime 3300
+#define labelSlideShowTime 3301
+#define combFixSizeValue 3302
+#define optionOpenFolderType_0 3303
+#define optionOpenFolderType_1 3304
+
+#define cmdFileFormatEnv_0 3400
+#define cmdFileFormatEnv_1 3401
+#define cmdFileFormatEnv_2 3402
+#define labelFileFormat_0 3403
+#define labelFileFormat_1 3404
+#define labelFileFormat_2 3405
+#define checkReduceColor 3410
+#define checkReduce256ModeOnly 3411
+#define checkSaveReducedPicture 3412
+#define labelReduceColorNum 3413
+#define textReduceColorNum 3414
+#define labelReduceColorNumUnit 3415
+#define labelReduceType 3416
+#define combReduceType 3417
+#define labelReduceQuality 3418
+#define combReduceQuality 3419
+
+#define aboutIcon 3500
+#define aboutName 3501
+#define aboutVersion 3502
+#define aboutBuild 3503
+#define aboutLibraries 3504
+#define aboutLicence 3505
+
+#define aboutPluginList 3600
+#define aboutPluginFacts 3601
+#define aboutPluginCopy 3602
+#define aboutPluginCount 3603

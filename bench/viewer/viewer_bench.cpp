@@ -66,7 +66,8 @@ int BenchShow(const std::wstring& path) {
          ++run) {  // in turn, so that both see the same machine; the first run warms up
         const double bareTime = Timed([&] { DecodeBareJpeg(path); });
         FileKind kind = kFileUnknown;
-        const double showTime = Timed([&] { kind = ShowFile(path, view, members, OnFailure::kStaySilent).kind; });
+        const double showTime =
+            Timed([&] { kind = ShowFile(path, view, members, OnFailure::kStaySilent).kind; });
         if (!IsPictureKind(kind)) {
             std::fprintf(stderr, "not shown\n");
             return 1;

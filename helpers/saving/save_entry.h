@@ -27,8 +27,8 @@ inline DWORD ErrorOf(SaveResult result) {
 }
 
 // Has the picture at the two addresses written to a file, which replaces what is there; behind a
-// link, the file that it leads to. `write` takes (const dib::DibView&, files::ByteSink&) and answers
-// a SaveResult. On failure the file is as it was and GetLastError tells the reason.
+// link, the file that it leads to. `write` takes (const dib::DibView&, files::ByteSink&) and
+// answers a SaveResult. On failure the file is as it was and GetLastError tells the reason.
 template <typename Char, typename Writer>
 bool SaveToFile(const void* info, const void* bits, const Char* fileName,
                 const Writer& write) noexcept {

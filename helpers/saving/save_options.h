@@ -11,6 +11,8 @@ struct BmpSaveOptions {
     int16_t saveType = 0;
     // Not 0: run-length encoding of 4 and 8 bits per pixel in a Windows bitmap.
     int16_t saveRLE = 0;
+
+    bool operator==(const BmpSaveOptions&) const = default;
 };
 
 struct PngSaveOptions {
@@ -18,6 +20,8 @@ struct PngSaveOptions {
     int16_t quality = 6;
     // Not 0: Adam7 interlace.
     int16_t interlace = 0;
+
+    bool operator==(const PngSaveOptions&) const = default;
 };
 
 struct JpegSaveOptions {
@@ -27,6 +31,8 @@ struct JpegSaveOptions {
     int16_t progressive = 0;
     // Not 0: Huffman tables made for this picture.
     int16_t optimizedHuffman = 0;
+
+    bool operator==(const JpegSaveOptions&) const = default;
 };
 
 static_assert(sizeof(BmpSaveOptions) == 4 && sizeof(PngSaveOptions) == 4 &&

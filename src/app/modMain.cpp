@@ -13,10 +13,13 @@
 #include "ui/control/frmControl.h"
 #include "ui/control/open_commands.h"
 #include "ui/control/save_commands.h"
+#include "ui/convert/convert_commands.h"
 #include "ui/form/message_loop.h"
 #include "ui/main/clipboard_commands.h"
 #include "ui/main/frmMain.h"
 #include "ui/main/wallpaper_commands.h"
+#include "ui/options/frmOption.h"
+#include "ui/options/option_commands.h"
 
 namespace tessary {
 namespace {
@@ -62,6 +65,10 @@ int Main() {
     window.SetControlBar(controlBar);
     OpenCommands openCommands(window, controlBar);
     SaveCommands saveCommands(window);
+    OptionCommands optionCommands(window);
+    ConvertCommands convertCommands(window, controlBar, [&optionCommands](HWND owner) {
+        optionCommands.ShowOptions(owner, kConvertPage);
+    });
     ClipboardCommands clipboardCommands(window);
     WallpaperCommands wallpaperCommands(window);
     if (!window.Load() || !controlBar.Load(window.Handle())) {

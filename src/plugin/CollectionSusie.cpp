@@ -105,6 +105,17 @@ void CollectionSusie::LoadPlugin(clsSusie& added, const std::wstring& path) {
     Trapped([&] { NoteLoaded(plugin); });  // one that was refused has not ended the program either
 }
 
+void CollectionSusie::ForgetErrors(int32_t index) {
+    if (PluginCallUnderWay()) throw PluginError(kErrorCallUnderWay, kCallUnderWayText);
+    Item(index).ForgetErrors();
+    const auto from = members_.begin() + index - 1;
+    auto member = std::move(*from);
+    members_.erase(from);
+    members_.insert(members_.begin() + InsertionIndex(0), std::move(member));
+    lastSuccess_ = 0;
+    query_ = {};
+}
+
 int32_t CollectionSusie::InsertionIndex(int32_t total) const {
     const auto at = std::find_if(members_.begin(), members_.end(), [&](const auto& member) {
         return member->ErrorCount({}) >= total;

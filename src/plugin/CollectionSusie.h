@@ -61,6 +61,10 @@ class CollectionSusie {
     // (KeepsEndingTheProgram); one that is there already is not added again.
     void AddSPI(const std::wstring& path);
 
+    // Forgets a member's failures and gives it the place of one that has none: indexes change.
+    // Raises PluginError for an index outside the collection, and while a plug-in is being called.
+    void ForgetErrors(int32_t index);
+
     // The plug-in call in which the last run ended, if a scan has found one.
     const std::optional<PluginCall>& InterruptedCall() const { return interruptedCall_; }
 

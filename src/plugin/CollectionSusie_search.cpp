@@ -147,8 +147,7 @@ clsSusie* CollectionSusie::ArchiveToList(const std::wstring& path) {
 }
 
 clsSusie* CollectionSusie::ListedArchive(const std::wstring& path) {
-    const bool changed =
-        EqualsIgnoreCase(listing_.path, path) && listing_.stamp != StampOf(path);
+    const bool changed = EqualsIgnoreCase(listing_.path, path) && listing_.stamp != StampOf(path);
     return changed ? nullptr : ArchivePlugin(path);
 }
 

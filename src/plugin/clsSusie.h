@@ -61,6 +61,10 @@ class clsSusie {
     // has crashed may crash again when it is freed.
     void UnloadDLL();
 
+    bool IsLoaded() const { return module_ != nullptr; }
+    // Whether UnloadDLL leaves the file loaded because the plug-in has failed before.
+    bool IsKeptLoaded() const { return keepLoaded_; }
+
     // Whether ConfigurationDlg is there; opens it and answers its result, -1 when it is not.
     bool SupportConfigurationDialog() const { return supportConfigurationDialog_; }
     int32_t ShowConfigurationDialog(HWND parent);
@@ -69,6 +73,8 @@ class clsSusie {
     // store cannot be read); adds one.
     int32_t ErrorCount(std::wstring_view function) const;
     void SpiSEHError(std::wstring_view function);
+    // Forgets all failures: from now on the plug-in is one like any other.
+    void ForgetErrors();
 
     // The last error's message, and where it happened.
     const std::wstring& ErrorString() const { return calls_.ErrorString(); }

@@ -14,8 +14,8 @@ constexpr size_t kMostSurplus = 16;
 
 // How much of a block is the member. Sizes that are far off are wrong: then all of it.
 size_t MemberSize(size_t blockSize, uint64_t listedSize) {
-    const bool isSurplus = listedSize != 0 && listedSize < blockSize &&
-                           blockSize - listedSize <= kMostSurplus;
+    const bool isSurplus =
+        listedSize != 0 && listedSize < blockSize && blockSize - listedSize <= kMostSurplus;
     return isSurplus ? static_cast<size_t>(listedSize) : blockSize;
 }
 

@@ -132,4 +132,13 @@ void clsSusie::SpiSEHError(std::wstring_view function) {
     });
 }
 
+void clsSusie::ForgetErrors() {
+    Member(L"ForgetErrors(", [&] {
+        if (DllName().empty()) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
+        ForgetFailures(FileNameOf(DllName()));
+        keepLoaded_ = false;
+        UnloadAfterUse();
+    });
+}
+
 }  // namespace tessary

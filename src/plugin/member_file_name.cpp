@@ -30,8 +30,8 @@ bool NamesDevice(std::wstring_view part) {
 }
 
 bool IsForbidden(wchar_t character) {
-    return character < L' ' || std::wstring_view(L"<>:\"|?*").find(character) !=
-                                   std::wstring_view::npos;
+    return character < L' ' ||
+           std::wstring_view(L"<>:\"|?*").find(character) != std::wstring_view::npos;
 }
 
 // A name's extension with its dot; empty when there is none worth keeping.
@@ -95,8 +95,7 @@ std::optional<std::wstring> MemberFileNames::NameFor(std::wstring_view member) {
     const size_t extension = ExtensionOf(name->substr(name->rfind(L'\\') + 1)).size();
     for (;;) {
         std::wstring numbered = *name;
-        numbered.insert(numbered.size() - extension,
-                        L" (" + std::to_wstring(next++) + L")");
+        numbered.insert(numbered.size() - extension, L" (" + std::to_wstring(next++) + L")");
         // A member may have that very name.
         if (given_.try_emplace(ToUpper(numbered), 2).second) return numbered;
     }

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 
@@ -117,6 +118,22 @@ void IncrementErrorCount(std::wstring_view plugin, std::wstring_view function) {
     Increment(section, kTotalKey);
 }
 
+std::vector<FunctionErrors> ReadFunctionErrors(std::wstring_view plugin) {
+    std::vector<FunctionErrors> errors;
+    const std::wstring section = ErrorLogOf(plugin);
+    for (std::wstring& function : SettingKeys(section)) {
+        const int32_t count = ReadCount(section, function);
+        if (function != kTotalKey && count > 0) errors.push_back({std::move(function), count});
+    }
+    std::ranges::sort(errors, {}, &FunctionErrors::function);
+    return errors;
+}
+
+void ForgetFailures(std::wstring_view plugin) {
+    DeleteSettingSection(ErrorLogOf(plugin));
+    NoteLoaded(plugin);
+}
+
 bool KeepsEndingTheProgram(std::wstring_view plugin) {
     return ReadCount(kFatalLoads, plugin) >= kMostFatalLoads;
 }
@@ -134,8 +151,7 @@ bool CheckFileDate(const std::wstring& pluginPath) {
     if (!date) return false;
     const std::wstring plugin = FileNameOf(pluginPath);
     if (GetSetting(kDateTime, plugin) == *date) return false;
-    DeleteSettingSection(ErrorLogOf(plugin));
-    NoteLoaded(plugin);
+    ForgetFailures(plugin);
     SaveSetting(kDateTime, plugin, *date);
     return true;
 }

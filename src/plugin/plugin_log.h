@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessary {
 
@@ -33,6 +34,16 @@ int32_t ReadErrorCount(std::wstring_view plugin, std::wstring_view function);
 
 // Adds one to a function's failures and to `Total`.
 void IncrementErrorCount(std::wstring_view plugin, std::wstring_view function);
+
+// The functions that have failed, by name, and how often each has.
+struct FunctionErrors {
+    std::wstring function;
+    int32_t count = 0;
+};
+std::vector<FunctionErrors> ReadFunctionErrors(std::wstring_view plugin);
+
+// Forgets all failures of a plug-in, those of its loading too.
+void ForgetFailures(std::wstring_view plugin);
 
 // Whether the program ended twice in a row while it loaded this plug-in. To load it again would
 // keep the program from ever starting.

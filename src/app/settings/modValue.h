@@ -27,7 +27,9 @@ struct GeneralSettings {
     std::wstring savePath;       // last folder used for saving
     int16_t dynamicSPILoad = 0;  // 1: load plug-in libraries only when needed
     int16_t spiExt = 0;          // 1: choose plug-ins by file name alone
-    int16_t openFolderType = 0;
+    int16_t openFolderType = 0;  // 0: the classic folder dialog, else the system's
+
+    bool operator==(const GeneralSettings&) const = default;
 };
 
 // Settings of the section `Convert`.
@@ -49,7 +51,9 @@ struct ConvertSettings {
     int16_t outputErrorLog = 0;
     std::wstring errorLogFileName;
     int16_t outputAddMode = 0;
-    bool decodeSizeBoth = false;  // the size filter wants both sides small, not either
+    bool decodeSizeBoth = false;  // both sides must exceed the size filter's limits, not either
+
+    bool operator==(const ConvertSettings&) const = default;
 };
 
 // How the shown picture is sized: 0 as it is, 1 to 3 into a fixed box, 4 into the screen's work

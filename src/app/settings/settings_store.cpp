@@ -78,6 +78,25 @@ void SaveSettings(std::wstring_view section, std::span<const KeyAndText> texts) 
     if (status != ERROR_SUCCESS) Fail(status);
 }
 
+std::vector<std::wstring> SettingKeys(std::wstring_view section) {
+    constexpr DWORD kLongestName = 16383;  // of a value, by the registry's own limits
+    UniqueKey opened;
+    const LSTATUS status = RegOpenKeyExW(HKEY_CURRENT_USER, SectionPath(section).c_str(), 0,
+                                         KEY_QUERY_VALUE, opened.Receive());
+    if (IsMissing(status)) return {};
+    if (status != ERROR_SUCCESS) Fail(status);
+    std::vector<std::wstring> keys;
+    std::wstring name(kLongestName + 1, L'\0');
+    for (;;) {
+        DWORD length = kLongestName + 1;
+        const LSTATUS next =
+            RegEnumValueW(opened.Get(), static_cast<DWORD>(keys.size()), name.data(), &length,
+                          nullptr, nullptr, nullptr, nullptr);
+        if (next != ERROR_SUCCESS) return keys;
+        keys.emplace_back(name.data(), length);
+    }
+}
+
 void DeleteSettingSection(std::wstring_view section) {
     const std::wstring path = SectionPath(section);
     // The quick way refuses only what has sections of its own.

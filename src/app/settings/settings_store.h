@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace tessary {
 
@@ -20,6 +21,10 @@ void SaveSetting(std::wstring_view section, std::wstring_view key, std::wstring_
 // Stores the texts of several keys of one section, in that order: faster than one by one.
 using KeyAndText = std::pair<std::wstring_view, std::wstring_view>;
 void SaveSettings(std::wstring_view section, std::span<const KeyAndText> texts);
+
+// The keys of a section, in no order; none when it is missing. Throws RaisedError when the store
+// cannot be read.
+std::vector<std::wstring> SettingKeys(std::wstring_view section);
 
 // Removes a section with all its keys; a missing one is no error.
 void DeleteSettingSection(std::wstring_view section);

@@ -14,7 +14,7 @@ namespace {
 
 constexpr wchar_t kBrokenBitmapText[] =
     L"ビットマップファイルが壊れているか、対応していない形式です。";
-constexpr wchar_t kNoArchiveText[] = 
+constexpr wchar_t kNoArchiveText[] =
     L"圧縮ファイルが変更されたか、読み取れなくなっています。開き直してください。";
 
 std::wstring SubjectOf(const std::wstring& path) {

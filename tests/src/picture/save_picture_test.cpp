@@ -118,7 +118,9 @@ TEST_F(SavePictureTest, InfoBlockMayHoldAWholeFile) {
         const size_t meaningful = dib::RowBytes(8, depth);
         EXPECT_EQ(std::memcmp(bits.Address(), rows.data(), meaningful), 0) << depth;
 
-        EXPECT_FALSE(SaveImage(image.substr(0, image.size() - 1), L"b.bmp")) << depth;
+        EXPECT_FALSE(
+            SaveImage(image.substr(0, image.size() - rows.size() + meaningful - 1), L"b.bmp"))
+            << depth;
         EXPECT_FALSE(SaveImage(image.substr(0, 20), L"b.png")) << depth;
     }
     EXPECT_FALSE(SaveImage(FileImage(8, 0xFFFFFFFF, 0, 60, "12345678"), L"b.bmp"));

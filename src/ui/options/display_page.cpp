@@ -1,0 +1,51 @@
+#include "ui/options/display_page.h"
+
+#include "res/resource.h"
+
+namespace tessary {
+namespace {
+
+// A slider position in milliseconds; a tick at every second, a page of one.
+constexpr int kIntervalStep = 100;
+constexpr int kStepsPerSecond = 10;
+
+}  // namespace
+
+std::wstring IntervalText(int milliseconds) {
+    const int tenths = milliseconds / kIntervalStep;
+    return std::to_wstring(tenths / kStepsPerSecond) + L'.' +
+           std::to_wstring(tenths % kStepsPerSecond) + L" 秒";
+}
+
+void DisplayPage::AttachControls() {
+    sliderSlideShowTime_.Attach(Dialog(), sliderSlideShowTime);
+    sliderSlideShowTime_.SetRange(0, kMostSlideShowTime / kIntervalStep, kStepsPerSecond,
+                                  kStepsPerSecond);
+    sliderSlideShowTime_.OnChange([this] {
+        const int position = sliderSlideShowTime_.Position();
+        int16_t& interval = Options().general.slideShowTime;
+        // A press of the slider that moves nothing keeps what stands between two positions.
+        if (position == interval / kIntervalStep) return;
+        interval = static_cast<int16_t>(position * kIntervalStep);
+        ShowInterval();
+        Changed();
+    });
+    labelSlideShowTime_.Attach(Dialog(), labelSlideShowTime);
+    Fields().Choice(combFixSizeValue,
+                    {L"サイズを調整しない", L"640×480", L"800×600", L"1024×768", L"画面サイズ"},
+                    Options().fixSizeValue);
+    Fields().Option(optionOpenFolderType_0, Options().general.openFolderType, 0);
+    Fields().Option(optionOpenFolderType_1, Options().general.openFolderType, 1);
+}
+
+void DisplayPage::ShowValues() {
+    OptionPage::ShowValues();
+    sliderSlideShowTime_.SetPosition(Options().general.slideShowTime / kIntervalStep);
+    ShowInterval();
+}
+
+void DisplayPage::ShowInterval() {
+    labelSlideShowTime_.SetText(IntervalText(Options().general.slideShowTime));
+}
+
+}  // namespace tessary

@@ -1,0 +1,60 @@
+// The options dialog: pages that edit a copy of the settings.
+#pragma once
+
+#include <array>
+#include <functional>
+
+#include "ui/form/dialog.h"
+#include "ui/form/simple_controls.h"
+#include "ui/form/tree_view.h"
+#include "ui/options/convert_page.h"
+#include "ui/options/display_page.h"
+#include "ui/options/format_page.h"
+#include "ui/options/option_values.h"
+#include "ui/options/plugin_page.h"
+
+namespace tessary {
+
+constexpr int kPluginPage = 0;
+constexpr int kConvertPage = 1;
+constexpr int kDisplayPage = 2;
+constexpr int kFormatPage = 3;
+
+class frmOption final : private Dialog {
+  public:
+    // Makes edited values the program's; what they are then is what CurrentOptions tells.
+    using Taker = std::function<void(const OptionValues& options)>;
+
+    // `apply` is called whenever the user wants to have the values and keep the dialog.
+    explicit frmOption(Taker apply);
+
+    // Shows the program's settings, beginning with that page (k…Page), over `owner`. True after OK:
+    // the caller is to take Options() then.
+    bool Edit(HWND owner, int page);
+    const OptionValues& Options() const { return options_; }
+
+  private:
+    void Dialog_Load() override;
+    void Dialog_OK() override;
+    void Dialog_Cancel() override;
+    void AnchorControls();
+    void ShowPage(int page);
+    void ShowAll();
+    void Changed();
+    void cmdApply_Click();
+
+    Taker apply_;
+    OptionValues before_;  // what was shown first, or applied last
+    OptionValues options_;
+    int page_ = kPluginPage;
+
+    TreeView pages_;
+    Button cmdApply_;
+    PluginPage pluginPage_{options_, [this] { Changed(); }};
+    ConvertPage convertPage_{options_, [this] { Changed(); }};
+    DisplayPage displayPage_{options_, [this] { Changed(); }};
+    FormatPage formatPage_{options_, [this] { Changed(); }};
+    std::array<OptionPage*, 4> all_{&pluginPage_, &convertPage_, &displayPage_, &formatPage_};
+};
+
+}  // namespace tessary

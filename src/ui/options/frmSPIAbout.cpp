@@ -1,0 +1,51 @@
+#include "ui/options/frmSPIAbout.h"
+
+#include <string>
+
+#include "app/base/message_box.h"
+#include "res/resource.h"
+#include "ui/form/clipboard.h"
+
+namespace tessary {
+
+frmSPIAbout::frmSPIAbout() : Dialog(dialogSPIAbout) {}
+
+void frmSPIAbout::Dialog_Load() {
+    Anchor(aboutPluginList, kAnchorWidth | kAnchorHeight);
+    Anchor(aboutPluginFacts, kAnchorWidth | kAnchorBottom);
+    Anchor(aboutPluginCopy, kAnchorLeft | kAnchorBottom);
+    Anchor(IDOK, kAnchorRight | kAnchorBottom);
+
+    plugins_ = ListPlugins();
+    count_.Attach(Handle(), aboutPluginCount);
+    count_.SetText(plugins_.empty()
+                       ? L"プラグインは読み込まれていません。"
+                       : std::to_wstring(plugins_.size()) + L"個のプラグイン（試す順）");
+    facts_.Attach(Handle(), aboutPluginFacts);
+    list_.Attach(Handle(), aboutPluginList);
+    SetPluginColumns(list_);
+    ShowPlugins(list_, plugins_);
+    list_.OnSelect([this] { ShowSelection(); });
+    list_.Select(plugins_.empty() ? -1 : 0);
+    list_.SetFocus();
+    copy_.Attach(Handle(), aboutPluginCopy);
+    copy_.SetEnabled(!plugins_.empty());
+    copy_.OnClick([this] { aboutPluginCopy_Click(); });
+}
+
+void frmSPIAbout::ShowSelection() {
+    const int index = list_.Selected();
+    const bool isThere = index >= 0 && index < static_cast<int>(plugins_.size());
+    facts_.SetText(isThere ? DescribePlugin(plugins_[static_cast<size_t>(index)]) : L"");
+}
+
+void frmSPIAbout::aboutPluginCopy_Click() {
+    std::wstring text;
+    for (const PluginFacts& plugin : plugins_)
+        text += DescribePlugin(plugin) + L"\r\n";
+    if (!CopyTextToClipboard(Handle(), text)) {
+        ShowMessageBox(L"クリップボードにデータをコピーできません");
+    }
+}
+
+}  // namespace tessary

@@ -1,0 +1,85 @@
+#include "ui/options/option_values.h"
+
+#include <algorithm>
+#include <string>
+#include <tuple>
+
+#include "app/base/text.h"
+
+namespace tessary {
+namespace {
+
+void PutRight(GeneralSettings& general) {
+    for (int16_t* const flag :
+         {&general.useSPI, &general.dynamicSPILoad, &general.spiExt, &general.reduceColor,
+          &general.reduce256ModeOnly, &general.saveReducedPicture}) {
+        *flag = *flag == 1 ? 1 : 0;
+    }
+    general.openFolderType = general.openFolderType != 0 ? 1 : 0;
+    general.slideShowTime = std::clamp<int16_t>(general.slideShowTime, 0, kMostSlideShowTime);
+    general.reduceColorNum = std::clamp<int16_t>(general.reduceColorNum, 2, 256);
+    general.reduceType = std::clamp<int16_t>(general.reduceType, 0, 2);
+    general.reduceQuality = std::clamp<int16_t>(general.reduceQuality, 0, 2);
+}
+
+void PutRight(ConvertSettings& convert) {
+    for (int16_t* const flag :
+         {&convert.unpackArchive, &convert.noDecodeSmall, &convert.useDecodeFileMask,
+          &convert.decodeFileMaskSet, &convert.decodeUnknownFile, &convert.reduceColor,
+          &convert.outputErrorLog}) {
+        *flag = *flag == 1 ? 1 : 0;
+    }
+    convert.outputAddMode = convert.outputAddMode != 0 ? 1 : 0;
+    for (int32_t* const type : {&convert.saveType1, &convert.saveType2})
+        *type = std::clamp(*type, 0, 2);
+    for (int32_t* const size : {&convert.minDecodeSizeX, &convert.minDecodeSizeY})
+        *size = std::max(*size, 0);
+}
+
+// A folder may have been pasted with the quotes of a copied path.
+std::wstring PlainFolder(std::wstring folder) {
+    std::erase(folder, L'"');
+    return std::wstring(TrimSpaces(folder));
+}
+
+auto PluginPart(const GeneralSettings& general) {
+    return std::tie(general.useSPI, general.dynamicSPILoad, general.spiExt, general.spiFolder[0],
+                    general.spiFolder[1], general.spiFolder[2], general.loadSPI[0],
+                    general.loadSPI[1], general.loadSPI[2]);
+}
+
+}  // namespace
+
+OptionValues CurrentOptions() {
+    const ProcessValues& values = Values();
+    OptionValues options{.general = values.general,
+                         .convert = values.convert,
+                         .bmpSave = values.bmpSave,
+                         .pngSave = values.pngSave,
+                         .jpegSave = values.jpegSave,
+                         .fixSizeValue = std::clamp<int16_t>(values.fixSizeValue, kSizeModeOriginal,
+                                                             kSizeModeScreen)};
+    PutRight(options.general);
+    PutRight(options.convert);
+    options.jpegSave.quality = std::clamp<int16_t>(options.jpegSave.quality, 0, 100);
+    options.pngSave.quality = std::clamp<int16_t>(options.pngSave.quality, 0, 9);
+    return options;
+}
+
+void SetOptions(const OptionValues& options) {
+    ProcessValues& values = Values();
+    values.general = options.general;
+    for (std::wstring& folder : values.general.spiFolder)
+        folder = PlainFolder(folder);
+    values.convert = options.convert;
+    values.bmpSave = options.bmpSave;
+    values.pngSave = options.pngSave;
+    values.jpegSave = options.jpegSave;
+    values.fixSizeValue = options.fixSizeValue;
+}
+
+bool DifferInPlugins(const GeneralSettings& one, const GeneralSettings& other) {
+    return PluginPart(one) != PluginPart(other);
+}
+
+}  // namespace tessary

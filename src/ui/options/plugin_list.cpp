@@ -1,0 +1,118 @@
+#include "ui/options/plugin_list.h"
+
+#include <windows.h>
+
+#include <cwchar>
+
+#include "app/base/error.h"
+#include "app/base/paths.h"
+#include "plugin/modSusie.h"
+#include "plugin/plugin_log.h"
+
+namespace tessary {
+namespace {
+
+constexpr ListView::Column kColumns[] = {{.caption = L"ファイル", .width = 92},
+                                         {.caption = L"種類", .width = 42},
+                                         {.caption = L"対応パターン", .width = 92},
+                                         {.caption = L"バージョン", .width = 124, .fills = true},
+                                         {.caption = L"状態", .width = 66},
+                                         {.caption = L"エラー", .width = 46, .isNumber = true}};
+
+std::wstring StateOf(const clsSusie& plugin) {
+    if (!plugin.IsLoaded()) return L"未ロード";
+    return plugin.IsKeptLoaded() ? L"保持" : L"ロード済み";
+}
+
+// Some names under which failures are kept are not those of the functions: what they stand for is
+// added, or takes their place.
+std::wstring FunctionText(const std::wstring& function) {
+    if (function == L"GetPrevew") return L"GetPreview";
+    if (function == L"GetFileSS") return L"GetFileSS, ConfigurationDlg";
+    return function;
+}
+
+std::wstring DateText(const FILETIME& time) {
+    SYSTEMTIME universal{};
+    SYSTEMTIME local{};
+    if (!FileTimeToSystemTime(&time, &universal) ||
+        !SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local)) {
+        return L"不明";
+    }
+    wchar_t text[32];
+    std::swprintf(text, std::size(text), L"%04d/%02d/%02d %02d:%02d:%02d", local.wYear,
+                  local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond);
+    return text;
+}
+
+std::wstring WithThousands(uint64_t number) {
+    std::wstring digits = std::to_wstring(number);
+    for (size_t at = digits.size(); at > 3;) {
+        at -= 3;
+        digits.insert(at, 1, L',');
+    }
+    return digits;
+}
+
+std::wstring FileText(const std::wstring& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (!GetFileAttributesExW(ExtendedPath(path).c_str(), GetFileExInfoStandard, &data)) {
+        return L"\r\n更新日時: ファイルが見つかりません";
+    }
+    const uint64_t size = uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow;
+    return L"\r\n更新日時: " + DateText(data.ftLastWriteTime) + L"\r\nサイズ: " +
+           WithThousands(size) + L" バイト";
+}
+
+}  // namespace
+
+std::vector<PluginFacts> ListPlugins() {
+    std::vector<PluginFacts> plugins;
+    for (const auto& member : SusieCollection().NewEnum()) {
+        plugins.push_back({.path = member->DllName(),
+                           .file = FileNameOf(member->DllName()),
+                           .kind = member->DllStyle() == kStyleArchive ? L"圧縮" : L"画像",
+                           .patterns = member->FileType(0),
+                           .version = member->ProductName(),
+                           .state = StateOf(*member),
+                           .errors = member->ErrorCount({}),
+                           .hasSettings = member->SupportConfigurationDialog()});
+    }
+    return plugins;
+}
+
+void SetPluginColumns(ListView& list) {
+    list.SetColumns(kColumns);
+}
+
+void ShowPlugins(ListView& list, const std::vector<PluginFacts>& plugins) {
+    std::vector<ListView::Row> rows;
+    rows.reserve(plugins.size());
+    for (const PluginFacts& plugin : plugins) {
+        rows.push_back({plugin.file, plugin.kind, plugin.patterns, plugin.version, plugin.state,
+                        std::to_wstring(plugin.errors)});
+    }
+    list.SetRows(std::move(rows));
+}
+
+std::vector<PluginErrors> ErrorsOf(const PluginFacts& plugin) {
+    std::vector<PluginErrors> errors;
+    Trapped([&] {
+        for (const FunctionErrors& entry : ReadFunctionErrors(plugin.file))
+            errors.push_back({FunctionText(entry.function), entry.count});
+    });
+    return errors;
+}
+
+std::wstring DescribePlugin(const PluginFacts& plugin) {
+    std::wstring text = plugin.file + L"\r\nバージョン: " + plugin.version + L"\r\n種類: " +
+                        plugin.kind + L"プラグイン\r\n対応パターン: " + plugin.patterns +
+                        L"\r\n場所: " + plugin.path + FileText(plugin.path) + L"\r\n状態: " +
+                        plugin.state + L"\r\nエラー: " + std::to_wstring(plugin.errors) + L" 回";
+    for (const PluginErrors& error : ErrorsOf(plugin)) {
+        text += L"\r\n    " + error.function + L": " + std::to_wstring(error.count) + L" 回";
+    }
+    return text + L"\r\n";
+}
+
+}  // namespace tessary

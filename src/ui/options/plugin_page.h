@@ -1,0 +1,39 @@
+// The page of the plug-ins: where they come from, and how each is doing.
+#pragma once
+
+#include <vector>
+
+#include "ui/form/list_view.h"
+#include "ui/options/option_page.h"
+#include "ui/options/plugin_list.h"
+
+namespace tessary {
+
+// The settings windows of plug-ins and the clearing of errors act at once: they are no settings of
+// the program's.
+class PluginPage final : public OptionPage {
+  public:
+    PluginPage(OptionValues& options, std::function<void()> changed)
+        : OptionPage(options, std::move(changed)) {}
+
+    void ShowValues() override;
+    void ShowState() override;
+
+  private:
+    void AttachControls() override;
+    void cmdSPIFolder_Click(int folder);
+    void cmdSPISetup_Click();
+    void cmdSPIErrorClear_Click();
+    void ShowPluginList(const std::wstring& selectedPath);
+    void ShowSelection();
+    const PluginFacts* Selected() const;
+
+    std::vector<PluginFacts> plugins_;
+    Button cmdSPIFolder_[kPluginFolderCount];
+    ListView listSPI_;
+    ListView listSPIError_;
+    Button cmdSPISetup_;
+    Button cmdSPIErrorClear_;
+};
+
+}  // namespace tessary

@@ -1,0 +1,307 @@
+// The options dialog, the plug-in folder items and the version windows, with real plug-ins.
+#include "ui/options/option_commands.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/settings/settings.h"
+#include "plugin/modSusie.h"
+#include "res/resource.h"
+#include "tests/src/plugin/plugin_test.h"
+#include "tests/src/ui/dialogs/driven_dialog.h"
+#include "ui/dialogs/folder_browser.h"
+#include "ui/form/list_view.h"
+#include "ui/form/message_loop.h"
+#include "ui/options/frmOption.h"
+
+namespace tessary::test {
+namespace {
+
+std::wstring TextOf(HWND dialog, int control) {
+    std::wstring text(20000, L'\0');
+    text.resize(static_cast<size_t>(
+        GetDlgItemTextW(dialog, control, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+std::wstring Cell(HWND dialog, int list, int row, int column) {
+    wchar_t text[260]{};
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = 260;
+    SendDlgItemMessageW(dialog, list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
+                        reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+int RowCount(HWND dialog, int list) {
+    return static_cast<int>(SendDlgItemMessageW(dialog, list, LVM_GETITEMCOUNT, 0, 0));
+}
+
+void SelectRow(HWND dialog, int list, int row) {
+    LVITEMW item{};
+    item.stateMask = item.state = LVIS_SELECTED | LVIS_FOCUSED;
+    SendDlgItemMessageW(dialog, list, LVM_SETITEMSTATE, static_cast<WPARAM>(row),
+                        reinterpret_cast<LPARAM>(&item));
+}
+
+bool IsUsable(HWND dialog, int control) {
+    const HWND window = GetDlgItem(dialog, control);
+    return IsWindowVisible(window) && IsWindowEnabled(window);
+}
+
+void Click(HWND dialog, int control) {
+    SendDlgItemMessageW(dialog, control, BM_CLICK, 0, 0);
+}
+
+void Choose(HWND dialog, int combo, int index) {
+    SendDlgItemMessageW(dialog, combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+    SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(combo, CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, combo)));
+}
+
+// The captions that a window has been given.
+HWND& Watched() {
+    static HWND window = nullptr;
+    return window;
+}
+std::vector<std::wstring>& Shown() {
+    static std::vector<std::wstring> captions;
+    return captions;
+}
+LRESULT CALLBACK RecordCaption(int code, WPARAM wParam, LPARAM lParam) {
+    const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+    if (code == HC_ACTION && sent.message == WM_SETTEXT && sent.hwnd == Watched()) {
+        Shown().emplace_back(reinterpret_cast<const wchar_t*>(sent.lParam));
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+class OptionsTest : public PluginTest {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(window_.Load());
+        Watched() = window_.Handle();
+        Shown().clear();
+        Values().general.useSPI = 1;
+        Values().general.spiFolder[0] = folder_.Path();
+    }
+    void TearDown() override {
+        UnhookWindowsHookEx(hook_);
+        window_.Unload();
+        UnloadSPI();
+        DoEvents();
+    }
+
+    void ShowOptions(int page, std::deque<DrivenDialog::Step> steps) {
+        DrivenDialog user(std::move(steps));
+        commands_.ShowOptions(window_.Handle(), page);
+        EXPECT_TRUE(user.IsDone());
+    }
+    int Reloads() const {
+        return static_cast<int>(
+            std::ranges::count(Shown(), std::wstring(L"SusiePluginをリロードしています")));
+    }
+    std::wstring PluginCountPanel() const {
+        return window_.statusInformation().PanelText(kPluginCountPanel);
+    }
+
+    frmMain window_{{.commandLine = {},
+                     .pluginCount = [] { return SusieCollection().Count(); },
+                     .endProgram = [] {}}};
+    OptionCommands commands_{window_};
+    HHOOK hook_ = SetWindowsHookExW(WH_CALLWNDPROC, RecordCaption, nullptr, GetCurrentThreadId());
+};
+
+TEST_F(OptionsTest, CancelChangesNothingAndApplyAndOKWriteAtOnce) {
+    Plugin(L"iftst.spi");
+    ShowOptions(kDisplayPage, {[](HWND dialog) {
+                    EXPECT_FALSE(IsUsable(dialog, cmdApply));
+                    EXPECT_EQ(TextOf(dialog, labelSlideShowTime), L"0.5 秒");
+                    PressKey(dialog, sliderSlideShowTime, VK_RIGHT);
+                    EXPECT_EQ(TextOf(dialog, labelSlideShowTime), L"0.6 秒");
+                    EXPECT_TRUE(IsUsable(dialog, cmdApply));
+                    PressKey(dialog, sliderSlideShowTime, VK_LEFT);
+                    EXPECT_FALSE(IsUsable(dialog, cmdApply));
+                    Click(dialog, optionOpenFolderType_1);
+                    Press(dialog, IDCANCEL);
+                }});
+    EXPECT_EQ(Values().general.openFolderType, 0);
+    EXPECT_EQ(GetSetting(L"General", L"SlideShowTime", L"-"), L"-");
+
+    ShowOptions(kConvertPage, {[](HWND dialog) {
+                    EXPECT_FALSE(IsUsable(dialog, sliderSlideShowTime));
+                    EXPECT_FALSE(IsUsable(dialog, combDecodeFileSize));
+                    Click(dialog, checkNoDecodeSmall);
+                    Choose(dialog, combDecodeFileSize, 1);
+                    SetDlgItemTextW(dialog, textMinDecodeSizeX, L"640");
+                    Press(dialog, cmdApply);
+                    EXPECT_FALSE(IsUsable(dialog, cmdApply));
+                    EXPECT_EQ(GetSetting(L"Convert", L"MinDecodeSizeX"), L"640");
+                    EXPECT_EQ(GetSetting(L"Convert", L"DecodeSizeBoth"), L"True");
+                    Click(dialog, checkNoDecodeSmall);
+                    Press(dialog, IDCANCEL);
+                }});
+    EXPECT_EQ(Values().convert.noDecodeSmall, 1);
+    EXPECT_EQ(Reloads(), 0);
+}
+
+TEST_F(OptionsTest, PluginsAreLoadedAnewOnlyWhenSomethingAboutThemChanges) {
+    Plugin(L"iftst.spi");
+    Plugin(L"axtsa.spi");
+    Values().general.useSPI = 0;
+    ShowOptions(kPluginPage, {[](HWND dialog) {
+                    EXPECT_EQ(RowCount(dialog, listSPI), 0);
+                    EXPECT_FALSE(IsUsable(dialog, checkLoadSPI_0));
+                    Click(dialog, checkUseSPI);
+                    EXPECT_FALSE(IsUsable(dialog, textSPIFolder_1));
+                    Click(dialog, checkLoadSPI_1);
+                    SetDlgItemTextW(dialog, textSPIFolder_1, LR"( "C:\gone" )");
+                    Press(dialog, cmdApply);
+                    EXPECT_EQ(RowCount(dialog, listSPI), 2);
+                    Press(dialog, IDOK);
+                }});
+    EXPECT_EQ(Reloads(), 1);
+    EXPECT_EQ(Shown().back(), L"てっさりビューア");
+    EXPECT_EQ(PluginCountPanel(), L"2個のプラグイン");
+    EXPECT_EQ(GetSetting(L"General", L"SPIFolder_2"), LR"(C:\gone)");
+    EXPECT_NE(messages_.Only().find(L"C:\\gone"), std::wstring::npos);
+
+    // Neither while a file is being read, nor when nothing about them has changed.
+    const ReadUnderWay reading;
+    EXPECT_FALSE(window_.Commands().Run(menuOptionSetup));
+    commands_.ShowOptions(window_.Handle(), kPluginPage);
+    EXPECT_EQ(Reloads(), 1);
+}
+
+TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
+    GeneralSettings& general = Values().general;
+    general.slideShowTime = -5;
+    general.reduceColor = 1;
+    general.reduceColorNum = 30000;
+    general.reduceType = -7;
+    Values().fixSizeValue = 9;
+    Values().convert.saveType1 = 77;
+    Values().jpegSave.quality = -1;
+    const auto selected = [](HWND dialog, int combo) {
+        return SendDlgItemMessageW(dialog, combo, CB_GETCURSEL, 0, 0);
+    };
+    ShowOptions(9, {[&](HWND dialog) {
+                        EXPECT_TRUE(IsUsable(dialog, combReduceType));
+                        EXPECT_EQ(TextOf(dialog, labelSlideShowTime), L"0.0 秒");
+                        EXPECT_EQ(TextOf(dialog, textReduceColorNum), L"256");
+                        EXPECT_EQ(selected(dialog, combReduceType), 0);
+                        EXPECT_EQ(selected(dialog, combFixSizeValue), 4);
+                        EXPECT_EQ(selected(dialog, combSaveType1), 2);
+                        SetDlgItemTextW(dialog, textReduceColorNum, L"99999999999999999999");
+                        PostMessageW(
+                            dialog, WM_COMMAND, cmdFileFormatEnv_1,
+                            reinterpret_cast<LPARAM>(GetDlgItem(dialog, cmdFileFormatEnv_1)));
+                    },
+                    [](HWND dialog) {
+                        EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"0");
+                        PressKey(dialog, sliderJpegQuality, VK_RIGHT);
+                        Press(dialog, IDOK);
+                    },
+                    [](HWND dialog) {
+                        EXPECT_EQ(TextOf(dialog, labelFileFormat_1), L"品質 10");
+                        Press(dialog, IDOK);
+                    }});
+    EXPECT_EQ(general.slideShowTime, 0);
+    EXPECT_EQ(general.reduceColorNum, 256);
+    EXPECT_EQ(GetSetting(L"FileFormat", L"jpg_saveQuality"), L"10");
+    EXPECT_EQ(GetSetting(L"General", L"FixSizeValue"), L"4");
+}
+
+TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
+    Plugin(L"iftst.spi", {}, L"good.spi");
+    const std::wstring bad = Plugin(L"config_crash.spi", "crash:av:ConfigurationDlg");
+    IncrementErrorCount(L"config_crash.spi", L"LoadLibrary");
+    CheckFileDate(bad);  // the failures are those of this file
+    IncrementErrorCount(L"config_crash.spi", L"LoadLibrary");
+    Values().general.dynamicSPILoad = 1;
+    ASSERT_TRUE(LoadSPI());
+    ShowOptions(kPluginPage, {[&](HWND dialog) {
+                    ASSERT_EQ(Cell(dialog, listSPI, 1, 0), L"config_crash.spi");
+                    EXPECT_EQ(Cell(dialog, listSPI, 0, 4), L"未ロード");
+                    EXPECT_EQ(Cell(dialog, listSPI, 1, 4), L"保持");
+                    SelectRow(dialog, listSPI, 0);
+                    EXPECT_FALSE(IsUsable(dialog, cmdSPIErrorClear));
+                    SelectRow(dialog, listSPI, 1);
+                    Press(dialog, cmdSPISetup);
+                    EXPECT_NE(messages_.Only().find(L"致命的エラー"), std::wstring::npos);
+                    EXPECT_EQ(Cell(dialog, listSPI, 1, 5), L"2");
+                    EXPECT_EQ(Cell(dialog, listSPIError, 0, 0), L"GetFileSS, ConfigurationDlg");
+                    EXPECT_EQ(Cell(dialog, listSPIError, 1, 0), L"LoadLibrary");
+
+                    Press(dialog, cmdSPIErrorClear);
+                    EXPECT_EQ(Cell(dialog, listSPI, 0, 0), L"config_crash.spi");
+                    EXPECT_EQ(Cell(dialog, listSPI, 0, 5), L"0");
+                    EXPECT_EQ(Cell(dialog, listSPI, 0, 4), L"未ロード");
+                    EXPECT_EQ(RowCount(dialog, listSPIError), 0);
+                    EXPECT_FALSE(IsUsable(dialog, cmdSPIErrorClear));
+                    Press(dialog, IDCANCEL);
+                }});
+    EXPECT_FALSE(IsLoaded(bad));
+    EXPECT_EQ(ReadErrorCount(L"config_crash.spi", {}), 0);
+}
+
+TEST_F(OptionsTest, AFolderChosenInTheMenuIsSwitchedOnAndLoaded) {
+    Plugin(L"iftst.spi");
+    Values().general.useSPI = 0;
+    Values().general.spiFolder[2] = LR"(C:\gone)";
+    std::wstring start;
+    SetFolderBrowserResponder(
+        [&](const std::wstring&, const std::wstring&, const std::wstring& at) {
+            start = at;
+            return folder_.Path().substr(0, folder_.Path().size() - 1);
+        });
+    EXPECT_TRUE(window_.Commands().Run(menuOptionSPIFolder_2));
+    SetFolderBrowserResponder({});
+    EXPECT_EQ(start, LR"(C:\gone)");
+    EXPECT_EQ(PluginCountPanel(), L"1個のプラグイン");
+    EXPECT_EQ(GetSetting(L"General", L"LoadSPI_3"), L"True");
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(OptionsTest, VersionWindowsTellWhatThereIs) {
+    DrivenDialog user(
+        {[](HWND dialog) {
+             EXPECT_TRUE(TextOf(dialog, aboutVersion).find(L'.') != std::wstring::npos);
+             EXPECT_EQ(Cell(dialog, aboutLibraries, 1, 0), L"libjpeg-turbo");
+             SelectRow(dialog, aboutLibraries, 1);
+             EXPECT_NE(TextOf(dialog, aboutLicence).find(L"JPEG Group"), std::wstring::npos);
+             Press(dialog, IDOK);
+         },
+         [](HWND dialog) {
+             EXPECT_EQ(RowCount(dialog, aboutPluginList), 0);
+             EXPECT_FALSE(IsUsable(dialog, aboutPluginCopy));
+             Press(dialog, IDOK);
+         },
+         [](HWND dialog) {
+             EXPECT_EQ(RowCount(dialog, aboutPluginList), 200);
+             SelectRow(dialog, aboutPluginList, 199);
+             const std::wstring facts = TextOf(dialog, aboutPluginFacts);
+             EXPECT_NE(facts.find(Cell(dialog, aboutPluginList, 199, 0)), std::wstring::npos);
+             EXPECT_NE(facts.find(L"*.TST"), std::wstring::npos);
+             EXPECT_NE(facts.find(L" バイト"), std::wstring::npos);
+             Press(dialog, aboutPluginCopy);
+             EXPECT_TRUE(IsClipboardFormatAvailable(CF_UNICODETEXT));
+             Press(dialog, IDOK);
+         }});
+    window_.Commands().Run(menuHelpAbout);
+    window_.Commands().Run(menuHelpSPIAbout);
+    for (int i = 0; i < 200; ++i)
+        Plugin(L"minimal.spi", "info:2:*.TST", std::to_wstring(i) + L".spi");
+    ASSERT_TRUE(LoadSPI());
+    window_.Commands().Run(menuHelpSPIAbout);
+    EXPECT_TRUE(user.IsDone());
+}
+
+}  // namespace
+}  // namespace tessary::test
