@@ -73,7 +73,8 @@ void ListView::GiveText(LVITEMW& item) const {
 
 // What is typed over the list looks for the row that begins with it.
 LRESULT ListView::FindRow(const NMLVFINDITEMW& wanted) const {
-    if ((wanted.lvfi.flags & LVFI_STRING) == 0 || rows_.empty()) return -1;
+    constexpr UINT kByText = LVFI_STRING | LVFI_PARTIAL;
+    if ((wanted.lvfi.flags & kByText) == 0 || rows_.empty() || wanted.iStart < 0) return -1;
     const std::wstring_view text = wanted.lvfi.psz;
     for (size_t step = 0; step < rows_.size(); ++step) {
         const size_t index = (static_cast<size_t>(wanted.iStart) + step) % rows_.size();

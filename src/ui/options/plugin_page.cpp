@@ -95,6 +95,12 @@ void PluginPage::ShowPluginList(const std::wstring& selectedPath) {
     ShowSelection();
 }
 
+// After a button: it may have become useless, and keys must go somewhere.
+void PluginPage::ShowAgain(const std::wstring& selectedPath) {
+    ShowPluginList(selectedPath);
+    listSPI_.SetFocus();
+}
+
 void PluginPage::ShowSelection() {
     const PluginFacts* const selected = Selected();
     std::vector<ListView::Row> rows;
@@ -127,7 +133,7 @@ void PluginPage::cmdSPISetup_Click() {
         ShowSettingsOf(*plugin, Dialog());
     }
     // The session may have ended meanwhile.
-    if (IsWindow(Dialog())) ShowPluginList(path);
+    if (IsWindow(Dialog())) ShowAgain(path);
 }
 
 void PluginPage::cmdSPIErrorClear_Click() {
@@ -139,7 +145,7 @@ void PluginPage::cmdSPIErrorClear_Click() {
     } catch (const RaisedError& error) {
         ShowMessageBox(error.Description(), MB_ICONEXCLAMATION);
     }
-    ShowPluginList(path);
+    ShowAgain(path);
 }
 
 }  // namespace tessary

@@ -25,6 +25,7 @@ class PluginPage final : public OptionPage {
     void cmdSPISetup_Click();
     void cmdSPIErrorClear_Click();
     void ShowPluginList(const std::wstring& selectedPath);
+    void ShowAgain(const std::wstring& selectedPath);
     void ShowSelection();
     const PluginFacts* Selected() const;
 

@@ -244,6 +244,7 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     EXPECT_EQ(Cell(dialog, listSPI, 0, 5), L"0");
                     EXPECT_EQ(Cell(dialog, listSPI, 0, 4), L"未ロード");
                     EXPECT_EQ(RowCount(dialog, listSPIError), 0);
+                    EXPECT_EQ(GetFocus(), GetDlgItem(dialog, listSPI));
                     EXPECT_FALSE(IsUsable(dialog, cmdSPIErrorClear));
                     Press(dialog, IDCANCEL);
                 }});
