@@ -355,7 +355,11 @@ std::wstring frmConvertAll::TypedFolder() const {
 }
 
 void frmConvertAll::Command3_Click() {
-    if (showOptions_) showOptions_(Handle());
+    if (!showOptions_) return;
+    showOptions_(Handle());
+    if (Handle() == nullptr) return;  // the session has ended meanwhile
+    combConvertIndexcolor_.MarkSelected(Values().convert.saveType1);
+    combConvertFullcolor_.MarkSelected(Values().convert.saveType2);
 }
 
 }  // namespace tessary
