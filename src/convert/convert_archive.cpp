@@ -1,5 +1,8 @@
 // Expanding one archive.
+#include <set>
+
 #include "app/base/paths.h"
+#include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "convert/convert_progress.h"
 #include "convert/convert_run.h"
@@ -12,18 +15,20 @@ namespace {
 
 constexpr int kLastSubstitute = 10;
 
+}  // namespace
+
 // The folder, or where it cannot be made the first that can of `folder(0)` to `folder(10)`: the
-// archive itself may have the name. Empty when none can.
-std::wstring MakeExpansionFolder(const std::wstring& folder) {
-    if (MakeFolder(folder)) return folder;
-    for (int number = 0; number <= kLastSubstitute; ++number) {
-        std::wstring substitute = folder + L'(' + std::to_wstring(number) + L')';
-        if (MakeFolder(substitute)) return substitute;
+// archive itself may have the name, or another archive of this run. Empty when none can.
+std::wstring ConvertRun::MakeExpansionFolder(const std::wstring& folder) {
+    for (int number = -1; number <= kLastSubstitute; ++number) {
+        std::wstring candidate = folder;
+        if (number >= 0) candidate += L'(' + std::to_wstring(number) + L')';
+        if (expansionFolders_.contains(ToUpper(candidate)) || !MakeFolder(candidate)) continue;
+        expansionFolders_.insert(ToUpper(candidate));
+        return candidate;
     }
     return {};
 }
-
-}  // namespace
 
 StepResult ConvertRun::ConvertArchiveFile(const std::wstring& path, const std::wstring& pluginKey,
                                           const std::wstring& expansionFolder) {
@@ -71,8 +76,11 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
     log_.WriteConvertLog(L"合計ファイル数", std::to_wstring(count), 2);
     log_.WriteConvertLog(L"すべてのファイルを展開します", {}, 2);
     MemberFileNames names;
+    std::set<int32_t> files;
+    for (const ListedMember& file : archive.GetExpandFileList())
+        files.insert(file.position);
     for (int32_t index = 1; index <= count; ++index) {
-        std::wstring path = ExpandMember(archive, index, folder, names);
+        std::wstring path = ExpandMember(archive, index, files.contains(index), folder, names);
         if (path.empty()) continue;
         list_.Set(upperBound + index, path);
         if (!monitor_.SetProgressBar(upperBound, list_.UpperBound(), index, count)) {
@@ -88,21 +96,27 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
     return true;
 }
 
-std::wstring ConvertRun::ExpandMember(clsSusie& archive, int32_t index, const std::wstring& folder,
-                                      MemberFileNames& names) {
+std::wstring ConvertRun::ExpandMember(clsSusie& archive, int32_t index, bool isFile,
+                                      const std::wstring& folder, MemberFileNames& names) {
     const std::wstring member = archive.Files(index);
     const auto refuse = [&](FileOutcome outcome) {
         log_.WriteConvertLog(L"解凍に失敗しました", member, 4);
         log_.WriteConvertLog(L"詳細情報", {}, 6);
         // What only stands for a folder is no file that somebody misses.
-        if (!member.ends_with(L'\\')) monitor_.CountFile(outcome);
+        if (isFile) monitor_.CountFile(outcome);
     };
     if (!CheckDecodeFileName(FileNameOf(member))) {
         refuse(FileOutcome::kDeclined);
         log_.WriteConvertLog(L"このファイルは解凍しない設定になっています", {}, 6);
         return {};
     }
-    const std::optional<std::wstring> name = names.NameFor(member);
+    std::optional<std::wstring> name;
+    if (isFile) {
+        // What stands in the folder already is somebody's, and not ours to replace or delete.
+        do {
+            name = names.NameFor(member);
+        } while (name && PathExists(folder + L'\\' + *name));
+    }
     if (!name) {
         refuse(FileOutcome::kFailed);
         log_.WriteConvertLog(L"ファイル名として使用できない名前です", {}, 6);

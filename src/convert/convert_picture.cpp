@@ -1,5 +1,6 @@
 // Converting one picture.
 #include "app/base/paths.h"
+#include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "convert/convert_progress.h"
 #include "convert/convert_run.h"
@@ -100,13 +101,14 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
     const std::wstring savedName = WithoutExtension(fileName) + ExtensionFor(header.bitCount);
     log_.WriteConvertLog(L"画像の色数", std::to_wstring(header.bitCount) + L" bit", 2);
     log_.WriteConvertLog(L"保存ファイル名", outputFolder + savedName, 2);
+    MakeWayFor(outputFolder + savedName);
     if (!SavePictureFile(picture, outputFolder + savedName,
                          reinterpret_cast<LONG_PTR>(&ConvertProgressCallback))) {
         log_.WriteConvertLog(L"保存に失敗しました", savedName, 2);
         monitor_.CountFile(FileOutcome::kFailed);
         return StepResult::kNotSaved;
     }
-    savedFile_ = outputFolder + savedName;
+    savedFiles_.insert(ToUpper(outputFolder + savedName));
     monitor_.CountFile(FileOutcome::kConverted);
     return StepResult::kDone;
 }

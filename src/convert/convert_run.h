@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -79,8 +80,9 @@ class ConvertRun {
     bool ExpandArchiveFiles(clsSusie& archive, const std::wstring& expansionFolder,
                             int32_t upperBound);
     // Where a member was extracted to; empty when it was not.
-    std::wstring ExpandMember(clsSusie& archive, int32_t index, const std::wstring& folder,
-                              MemberFileNames& names);
+    std::wstring ExpandMember(clsSusie& archive, int32_t index, bool isFile,
+                              const std::wstring& folder, MemberFileNames& names);
+    std::wstring MakeExpansionFolder(const std::wstring& folder);
 
     // --- Shared ---
 
@@ -96,6 +98,10 @@ class ConvertRun {
         return result;
     }
 
+    // An extracted member that is still to be converted gives up a path that an output needs.
+    void MakeWayFor(const std::wstring& output);
+    // Deletes an extracted file that has done its service, unless it is an output by now.
+    void DeleteExtracted(const std::wstring& path);
     // Deletes an extracted member that was not converted, unless such are to be kept.
     void RemoveExtractedFile(const std::wstring& path, bool isExtracted);
     // What the plug-in that has just failed tells of it.
@@ -106,7 +112,9 @@ class ConvertRun {
     WorkList list_;
     ConvertMonitor& monitor_;
     ConvertLog log_;
-    std::wstring savedFile_;  // that the entry at hand has become; empty when it has not
+    std::set<std::wstring> savedFiles_;        // what entries have become, in upper case
+    std::set<std::wstring> expansionFolders_;  // of this run's archives, in upper case
+    int32_t current_ = 0;                      // index of the entry at hand
 };
 
 }  // namespace tessary

@@ -1,5 +1,7 @@
 #include "convert/modConvertFiles.h"
 
+#include <windows.h>
+
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -67,13 +69,12 @@ void ConvertRun::ConvertEntry(int32_t index) {
         if (!path.empty()) monitor_.CountFile(FileOutcome::kDeclined);
         return;
     }
-    savedFile_.clear();
+    current_ = index;
     const StepResult result = ConvertByKind(path, isExtracted ? FolderOf(path) : targetFolder_);
     if (result != StepResult::kDone) {
         RemoveExtractedFile(path, isExtracted);
-    } else if (isExtracted && !EqualsIgnoreCase(path, savedFile_)) {
-        // A member that keeps its name has been replaced by the picture it has become.
-        DeleteFiles(path, true);
+    } else if (isExtracted) {
+        DeleteExtracted(path);
     }
     monitor_.SetProgressBar(-1, -1, 200, 200);
 }
@@ -96,8 +97,32 @@ StepResult ConvertRun::ConvertByKind(const std::wstring& path, const std::wstrin
 
 void ConvertRun::RemoveExtractedFile(const std::wstring& path, bool isExtracted) {
     if (!isExtracted || Values().convert.decodeUnknownFile != 0) return;
-    DeleteFiles(path, true);
+    DeleteExtracted(path);
     log_.WriteConvertLog(L"ファイルを削除しました", {}, 2);
+}
+
+// A member may have been replaced by the picture that it or another has become.
+void ConvertRun::DeleteExtracted(const std::wstring& path) {
+    if (!savedFiles_.contains(ToUpper(path))) DeleteFiles(path, true);
+}
+
+void ConvertRun::MakeWayFor(const std::wstring& output) {
+    if (EqualsIgnoreCase(list_.At(current_), output) || !PathExists(output)) return;
+    const size_t extensionSize = UpperExtensionOf(output).size();
+    const size_t dot = output.size() - (extensionSize == 0 ? 0 : extensionSize + 1);
+    for (int32_t index = current_ + 1; index <= list_.UpperBound(); ++index) {
+        if (!list_.IsExtracted(index) || !EqualsIgnoreCase(list_.At(index), output)) continue;
+        std::wstring other;
+        int number = 2;
+        do {
+            other = output;
+            other.insert(dot, L" (" + std::to_wstring(number++) + L")");
+        } while (PathExists(other));
+        if (MoveFileW(ExtendedPath(list_.At(index)).c_str(), ExtendedPath(other).c_str())) {
+            list_.Set(index, other);
+        }
+        return;
+    }
 }
 
 void ConvertRun::WritePluginError(const clsSusie& plugin, uint32_t result, int16_t indent) {

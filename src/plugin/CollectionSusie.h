@@ -128,6 +128,7 @@ class CollectionSusie {
     struct Listing {
         std::wstring path;
         std::optional<FileStamp> stamp;
+        std::wstring dllName;  // of the plug-in that listed them; empty: none did
     };
 
     bool Holds(const Query& query, const std::wstring& path) const;

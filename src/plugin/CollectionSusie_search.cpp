@@ -142,13 +142,22 @@ clsSusie* CollectionSusie::ArchivePlugin(const std::wstring& path) {
 }
 
 clsSusie* CollectionSusie::ArchiveToList(const std::wstring& path) {
-    listing_ = {path, StampOf(path)};
-    return ArchivePlugin(path);
+    listing_ = {path, StampOf(path), {}};
+    clsSusie* const archive = ArchivePlugin(path);
+    if (archive != nullptr) listing_.dllName = archive->DllName();
+    return archive;
 }
 
 clsSusie* CollectionSusie::ListedArchive(const std::wstring& path) {
-    const bool changed = EqualsIgnoreCase(listing_.path, path) && listing_.stamp != StampOf(path);
-    return changed ? nullptr : ArchivePlugin(path);
+    if (!EqualsIgnoreCase(listing_.path, path)) return ArchivePlugin(path);
+    // Another plug-in may list the members in another order.
+    clsSusie* const archive = listing_.dllName.empty() ? nullptr : Item(listing_.dllName);
+    if (archive == nullptr || listing_.stamp != StampOf(path)) return nullptr;
+    const bool bound = Trapped(false, [&] {
+        archive->SetFile(path);
+        return true;
+    });
+    return bound ? archive : nullptr;
 }
 
 int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex,

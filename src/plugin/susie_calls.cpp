@@ -263,10 +263,14 @@ int32_t SusieCalls::GetFileToFolder(const SusieCallNames& names, const SusieSour
 }
 
 int32_t SusieCalls::ConfigurationDlg(HWND parent) {
-    return Guarded(kConfigurationDlg, [&](const SusieLibrary& library) {
+    const int32_t result = Guarded(kConfigurationDlg, [&](const SusieLibrary& library) {
         return library.configurationDlg(Address(SusieFunction::kConfigurationDlg), parent,
                                         susie::kConfigurationSettings);
     });
+    // Some settings windows post a request to quit when they close. It is not theirs to make.
+    MSG quit{};
+    PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+    return result;
 }
 
 }  // namespace tessary

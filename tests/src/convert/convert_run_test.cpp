@@ -55,6 +55,27 @@ TEST_F(ConvertRunTest, DisturbedRunsGoOn) {
     EXPECT_EQ(Converted(), LR"(x.tsa\m.png )");
 }
 
+TEST_F(ConvertRunTest, NothingIsLostToAnotherOfItsName) {
+    Values().convert.saveType2 = 1;
+    std::filesystem::create_directories(source_.Path() + L"2");
+    std::filesystem::create_directories(Target() + L"q.tsa");
+    const std::wstring own = target_.Write(L"out\\q.tsa\\read.me", "mine");
+    Add(L"p.tsa", ArchiveOf({{"1.tst", "TST 6x6x24\n"}}));
+    Add(L"2\\p.tsa", ArchiveOf({{"1.tst", "TST 8x8x24\n"}}));
+    Add(L"q.tsa", ArchiveOf({{"read.me", "no picture"}}));
+    // The first becomes what the second is called; an empty entry stands for the folder of the
+    // third.
+    Add(L"r.tsa", ArchiveOf({{"a.tst", "TST 6x6x24\n"},
+                             {"a.png", "TST 9x9x24\n"},
+                             {"sub", ""},
+                             {"sub/b.tst", "TST 6x6x24\n"}}));
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(Converted(),
+              LR"(p.tsa(0)\1.png p.tsa\1.png q.tsa\read.me r.tsa\a (2).png r.tsa\a.png )"
+              LR"(r.tsa\sub\b.png )");
+    EXPECT_EQ(ContentOf(own), "mine");
+}
+
 TEST_F(ConvertRunTest, SourceThatIsItsOwnTargetIsReplacedWhole) {
     std::filesystem::create_directories(Target());
     const std::string picture = BitmapFileOf(20, 20, 0);
