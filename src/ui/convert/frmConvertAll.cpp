@@ -194,7 +194,7 @@ std::optional<LRESULT> frmConvertAll::OnMessage(UINT message, WPARAM wParam, LPA
         case WM_CLOSE: {
             bool cancel = false;
             Form_QueryUnload(cancel);
-            if (!cancel) Close(IDCANCEL);
+            if (!cancel) Leave();
             return 0;
         }
         case WM_ENDSESSION:
@@ -233,6 +233,7 @@ void frmConvertAll::AddListed(std::vector<std::wstring> paths) {
     if (listing_ || paths.empty()) return;
     std::optional<std::vector<std::wstring>> files;
     {
+        leaving_ = false;
         const Raised listing(listing_);
         const MessageFilter keys([this](MSG& message) {
             return Handle() != nullptr && IsDialogMessageW(Handle(), &message) != FALSE;
@@ -241,9 +242,22 @@ void frmConvertAll::AddListed(std::vector<std::wstring> paths) {
         EnableRunConvert();
         files = CallInBackground<std::vector<std::wstring>>(
             [paths = std::move(paths)] { return WithFoldersExpanded(paths); },
-            [this] { return Handle() != nullptr; });
+            [this] { return Handle() != nullptr && !leaving_; });
     }
-    if (files && Handle() != nullptr) AddFiles(*files);
+    if (std::exchange(leaving_, false)) {
+        Close(IDCANCEL);
+    } else if (files && Handle() != nullptr) {
+        AddFiles(*files);
+    }
+}
+
+// A folder that is being listed is given up first: the dialog is still at work below us.
+void frmConvertAll::Leave() {
+    if (listing_) {
+        leaving_ = true;
+    } else {
+        Close(IDCANCEL);
+    }
 }
 
 void frmConvertAll::ListChanged() {

@@ -73,6 +73,7 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     void cmdDelete_Click();
     void cmdDeleteAll_Click();
     void Command3_Click();
+    void Leave();
     std::wstring TypedFolder() const;
 
     // --- A run and its status (frmConvertAll_run.cpp) ---
@@ -106,6 +107,7 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
         int32_t maximum = 0;
     };
     bool converting_ = false;
+    bool leaving_ = false;  // asked to close while a folder is being listed
     bool continue_ = false;
     Progress total_;
     Progress file_;

@@ -96,7 +96,7 @@ void frmConvertAll::cmdOK_Click() {
 
 void frmConvertAll::Command2_Click() {
     if (!converting_) {
-        Close(IDCANCEL);
+        Leave();
         return;
     }
     if (!continue_) return;  // it stops behind the file at hand
