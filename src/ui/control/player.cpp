@@ -8,7 +8,7 @@ namespace {
 constexpr UINT kTickMilliseconds = 10;
 
 // How long fast motion may keep the message loop waiting.
-constexpr int32_t kBurstMilliseconds = 100;
+constexpr int32_t kBurstMilliseconds = 200;
 
 // Signed, so that the tick count may wrap around between the two.
 int32_t Elapsed(DWORD since, DWORD now) {
