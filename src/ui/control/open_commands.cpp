@@ -8,6 +8,7 @@
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
+#include "app/base/raised_flag.h"
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
@@ -43,18 +44,6 @@ HWND DialogOwner(const frmMain& window) {
     const HWND active = GetActiveWindow();
     return active != nullptr ? active : window.Handle();
 }
-
-// Sets a flag for its own life.
-class Raised {
-  public:
-    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-    ~Raised() { flag_ = false; }
-
-  private:
-    bool& flag_;
-};
 
 struct Collected {
     std::vector<std::wstring> files;
@@ -121,7 +110,7 @@ void OpenCommands::menuFileOpen_Click() {
     try {
         ComDlg dialog;
         {
-            const Raised choosing(isChoosing_);
+            const RaisedFlag choosing(isChoosing_);
             dialog.SetFilter(SusieCollection().GetCommonDialogString());
             dialog.SetInitDir(LastFolder());
             dialog.SetFlags(kOpenFlags);
@@ -141,7 +130,7 @@ void OpenCommands::menuOpenFolder_Click() {
     try {
         ScanRequest request;
         {
-            const Raised choosing(isChoosing_);
+            const RaisedFlag choosing(isChoosing_);
             if (!ChooseFolder(request)) return;
         }
         if (window_.Handle() == nullptr) return;  // the session has ended meanwhile

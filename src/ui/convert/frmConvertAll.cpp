@@ -11,6 +11,7 @@
 #include "app/base/error.h"
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
+#include "app/base/raised_flag.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
@@ -37,18 +38,6 @@ constexpr DWORD kOpenFlags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_LONGNAMES
 constexpr const wchar_t* kFormats[] = {L"BMP", L"PNG", L"JPEG"};
 
 constexpr int kIconSize = 32;  // pixels at 96 dpi
-
-// Sets a flag for its own life.
-class Raised {
-  public:
-    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-    ~Raised() { flag_ = false; }
-
-  private:
-    bool& flag_;
-};
 
 }  // namespace
 
@@ -234,7 +223,7 @@ void frmConvertAll::AddListed(std::vector<std::wstring> paths) {
     std::optional<std::vector<std::wstring>> files;
     {
         leaving_ = false;
-        const Raised listing(listing_);
+        const RaisedFlag listing(listing_);
         const MessageFilter keys([this](MSG& message) {
             return Handle() != nullptr && IsDialogMessageW(Handle(), &message) != FALSE;
         });

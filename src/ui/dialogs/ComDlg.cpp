@@ -73,8 +73,7 @@ void SetFileDialogResponder(FileDialogResponder responder) {
     Responder() = std::move(responder);
 }
 
-bool ComDlg::Show(HWND owner, bool save) {
-    request_.save = save;
+bool ComDlg::ShowOpen(HWND owner) {
     const bool chosen = Responder() ? Responder()(request_) : ShowSystemDialog(owner);
     if (!chosen) request_.fileName.clear();
     return chosen;
@@ -89,34 +88,19 @@ bool ComDlg::ShowSystemDialog(HWND owner) {
     dialog.lStructSize = sizeof(dialog);
     dialog.hwndOwner = owner;
     dialog.lpstrFilter = request_.filter.empty() ? nullptr : filter.c_str();
-    dialog.nFilterIndex = static_cast<DWORD>(request_.filterIndex);
+    dialog.nFilterIndex = 1;
     dialog.lpstrFile = names.data();
     dialog.nMaxFile = static_cast<DWORD>(names.size());
     dialog.lpstrInitialDir = request_.initDir.empty() ? nullptr : request_.initDir.c_str();
-    dialog.lpstrTitle = request_.title.empty() ? nullptr : request_.title.c_str();
-    dialog.lpstrDefExt =
-        request_.defaultExtension.empty() ? nullptr : request_.defaultExtension.c_str();
     dialog.Flags = request_.flags | OFN_EXPLORER;
 
     const TaskModal others(owner);
     const KeptCurrentFolder current;
-    const auto show = [&] {
-        const std::wstring start = request_.fileName.substr(0, names.size() - 1);
-        std::fill(names.begin(), names.end(), L'\0');
-        std::copy(start.begin(), start.end(), names.begin());
-        return (request_.save ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog)) != FALSE;
-    };
-    bool chosen = show();
-    if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
-        request_.fileName.clear();  // the name to begin with is none that the dialog takes
-        chosen = show();
-    }
-    if (!chosen) {
+    if (!GetOpenFileNameW(&dialog)) {
         if (const DWORD error = CommDlgExtendedError(); error != 0) TellFailure(error);
         return false;
     }
     request_.fileName = NamesIn(names, multiple);
-    request_.filterIndex = static_cast<int>(dialog.nFilterIndex);
     return true;
 }
 

@@ -11,6 +11,7 @@
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "tests/src/ui/main/main_window.h"
+#include "tests/support/folder_link.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/control/folder_scan.h"
 #include "ui/control/frmDirList.h"
@@ -117,38 +118,9 @@ class OpenTest : public MainWindowTest {
     OpenCommands commands_{window_, bar_};
 };
 
-// Whether a folder `link` now leads to `target`, by the means of this system.
-bool MakeLink(const std::wstring& link, const std::wstring& target) {
-    std::wstring command = LR"(cmd /c mklink /J ")" + link + LR"(" ")" + target + L'"';
-    if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr) {
-        const auto native = [](const std::wstring& path) {
-            using Name = char*(CDECL*)(const wchar_t*);
-            const auto name = reinterpret_cast<Name>(reinterpret_cast<void*>(
-                GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
-            char* const bytes = name(path.c_str());
-            std::wstring result(bytes, bytes + strlen(bytes));
-            HeapFree(GetProcessHeap(), 0, bytes);
-            return result;
-        };
-        command = LR"(\\?\unix\bin\ln -s )" + native(target) + L' ' + native(link);
-    }
-    STARTUPINFOW start{};
-    start.cb = sizeof(start);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
-                        nullptr, &start, &process)) {
-        return false;
-    }
-    for (int turn = 0; turn < 500 && !IsFolder(link); ++turn)
-        Sleep(10);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return IsFolder(link);
-}
-
 TEST_F(OpenTest, WalksLevelByLevelAndListsNothingTwice) {
-    ASSERT_TRUE(MakeLink(folder_.Path() + LR"(C\loop)", RemoveBackslash(folder_.Path())));
-    ASSERT_TRUE(MakeLink(folder_.Path() + LR"(C\other)", folder_.Path() + L"B"));
+    ASSERT_TRUE(MakeFolderLink(folder_.Path() + LR"(C\loop)", RemoveBackslash(folder_.Path())));
+    ASSERT_TRUE(MakeFolderLink(folder_.Path() + LR"(C\other)", folder_.Path() + L"B"));
     const auto scan = [&](bool subFolders, const wchar_t* extensions) {
         FolderScan running({folder_.Path(), subFolders, extensions});
         while (!running.HasEnded())
