@@ -19,6 +19,7 @@ class OldFile {
     // `name` may be none's.
     explicit OldFile(const std::wstring& name);
 
+    bool Exists() const { return exists_; }
     // False for folders and read-only files.
     bool IsReplaceable() const;
     // Those that the new file must be created with, for CreateFileW.

@@ -55,25 +55,35 @@ bool IsInUse(const std::wstring& target) {
 
 ReplacingFile::ReplacingFile(const std::wstring& target, Links links) {
     buffer_.reserve(kBufferSize);
-    if (!ChooseTarget(target, links)) return;
-    const OldFile old(target_);
-    if (old.IsReplaceable()) {
-        CreateBeside(old);
+    const std::optional<OldFile> old = ChooseTarget(target, links);
+    if (!old) return;
+    replaces_ = old->Exists();
+    if (old->IsReplaceable()) {
+        CreateBeside(*old);
     } else {
         error_ = ERROR_ACCESS_DENIED;
     }
 }
 
-bool ReplacingFile::ChooseTarget(const std::wstring& target, Links links) {
+// Asks the system as little as possible about a name that is new: there are systems that read the
+// whole folder for each question.
+std::optional<OldFile> ReplacingFile::ChooseTarget(const std::wstring& target, Links links) {
     target_ = ExtendedFullName(target);
     if (target_.empty() || target_.back() == L'\\') {
         error_ = ERROR_INVALID_NAME;
-        return false;
+        return std::nullopt;
     }
-    if (links == Links::kFollow) target_ = NameBehindLinks(target_);
-    if (target_.empty()) return Fail();
+    OldFile old(target_);
+    if (old.Exists() && links == Links::kFollow) {
+        target_ = NameBehindLinks(target_);
+        if (target_.empty()) {
+            Fail();
+            return std::nullopt;
+        }
+        old = OldFile(target_);
+    }
     rename_ = RenameInfo(target_);
-    return true;
+    return old;
 }
 
 void ReplacingFile::CreateBeside(const OldFile& old) {
@@ -144,7 +154,7 @@ bool ReplacingFile::WriteThrough(std::span<const uint8_t> bytes) noexcept {
 }
 
 bool ReplacingFile::Commit(Durability durability) noexcept {
-    const bool toDisk = durability == Durability::kDisk;
+    const bool toDisk = replaces_ && durability == Durability::kDisk;
     if (!WriteBuffered() || (toDisk && !FlushFileBuffers(file_.get()) && !Fail()) ||
         !MoveToTarget()) {
         Discard();

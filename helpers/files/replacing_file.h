@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -45,8 +46,9 @@ class ReplacingFile final : public ByteSink {
     bool IsOpen() const { return file_ != nullptr; }
     // Collects small pieces in a buffer.
     bool Write(std::span<const uint8_t> bytes) noexcept override;
-    // Replaces the target, with kDisk only after all that was written has reached the disk. The
-    // file is closed then, with and without success.
+    // Replaces the target, with kDisk only after all that was written has reached the disk. Where
+    // there was no file, nothing can be lost, and the disk is not waited for. The file is closed
+    // then, with and without success.
     bool Commit(Durability durability = Durability::kDisk) noexcept;
     // Why one of the above was false, as the system's error code.
     DWORD Error() const { return error_; }
@@ -57,8 +59,8 @@ class ReplacingFile final : public ByteSink {
     };
     using UniqueFile = std::unique_ptr<std::remove_pointer_t<HANDLE>, CloseFile>;
 
-    // Finds target_; false when it is refused.
-    bool ChooseTarget(const std::wstring& target, Links links);
+    // Finds target_ and what stands there; empty when it is refused.
+    std::optional<OldFile> ChooseTarget(const std::wstring& target, Links links);
     void CreateBeside(const OldFile& old);
     // Creates written_, which must not exist.
     bool Create(const OldFile& old);
@@ -76,6 +78,7 @@ class ReplacingFile final : public ByteSink {
     std::wstring target_;
     std::wstring written_;
     UniqueFile file_;
+    bool replaces_ = false;        // a file that was there at the beginning
     bool isMarked_ = false;        // never true where the file system lacks the mark
     std::vector<uint8_t> rename_;  // a FILE_RENAME_INFO, ready: the last step takes no memory
     std::vector<uint8_t> buffer_;
