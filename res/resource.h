@@ -68,13 +68,14 @@
 
 // Commands of the main window that stand in none of its menus.
 #define commandFullScreen 1630
-#define commandEscape 1631  // out of the full screen, else commandCancelDelete
+#define commandEscape 1631  // out of the full screen, else stops a search, else commandCancelDelete
 
 #define dialogOpenFolder 200
 #define dialogNewFolder 201
 #define dialogDirList 202
 #define dialogSaveOption 203
 #define dialogConvertAll 204
+#define dialogProgress 205
 #define dialogOption 210
 #define dialogAbout 211
 #define dialogSPIAbout 212
@@ -94,6 +95,9 @@
 
 #define dirListFolder 2201
 #define dirListCount 2202
+
+#define progressSubject 2211
+#define progressBar 2212
 
 // Three panels in the same place, one per format, each with its controls numbered in a row.
 #define pictureOptionPanel_0 2300  // BMP

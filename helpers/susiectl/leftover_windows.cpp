@@ -1,18 +1,26 @@
 #include "helpers/susiectl/leftover_windows.h"
 
+#include <algorithm>
 #include <new>
 
 #include "helpers/susiectl/guard.h"
+#include "helpers/susiectl/module_at.h"
 
 namespace tessary::susiectl {
 namespace {
 
-HMODULE ModuleOf(FARPROC function) {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(
-        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-        reinterpret_cast<const wchar_t*>(function), &module);
-    return module;
+// Whether the plug-in made the window.
+bool IsWindowOf(HMODULE module, HWND window) {
+    return reinterpret_cast<HMODULE>(GetWindowLongPtrW(window, GWLP_HINSTANCE)) == module ||
+           reinterpret_cast<HMODULE>(GetClassLongPtrW(window, GCLP_HMODULE)) == module;
+}
+
+// Whether messages to the window run through the module's code.
+bool RunsCodeOf(HMODULE module, HWND window) {
+    // What the other one answers for a window is no address.
+    const LONG_PTR procedure = IsWindowUnicode(window) ? GetWindowLongPtrW(window, GWLP_WNDPROC)
+                                                       : GetWindowLongPtrA(window, GWLP_WNDPROC);
+    return ModuleAt(reinterpret_cast<const void*>(procedure)) == module;
 }
 
 using Test = BOOL(WINAPI*)(HWND);
@@ -33,10 +41,28 @@ BOOL CALLBACK AddMatching(HWND window, LPARAM parameter) noexcept {
     }
 }
 
+// The children too, of whatever depth.
+BOOL CALLBACK AddWithChildren(HWND window, LPARAM parameter) noexcept {
+    if (!AddMatching(window, parameter)) return FALSE;
+    EnumChildWindows(window, AddMatching, parameter);
+    return TRUE;
+}
+
+BOOL WINAPI IsAny(HWND) {
+    return TRUE;
+}
+
 std::vector<HWND> WindowsOfThisThread(Test test) {
     Search search{test, {}};
     EnumThreadWindows(GetCurrentThreadId(), AddMatching, reinterpret_cast<LPARAM>(&search));
     return search.found;
+}
+
+void DestroyWindowsOf(HMODULE module, Test test) {
+    for (HWND window : WindowsOfThisThread(test)) {
+        // The plug-in hears of it, and may crash once more.
+        if (IsWindowOf(module, window)) GuardedCall(AddressOf(DestroyWindow), {Word(window)});
+    }
 }
 
 }  // namespace
@@ -51,14 +77,20 @@ void EnabledWindows::EnableAgain() const {
 }
 
 void DestroyLeftoverWindows(FARPROC function) {
-    const HMODULE module = ModuleOf(function);
-    if (!module) return;
-    for (HWND window : WindowsOfThisThread(IsWindowVisible)) {
-        if (reinterpret_cast<HMODULE>(GetWindowLongPtrW(window, GWLP_HINSTANCE)) != module)
-            continue;
-        // The plug-in hears of it, and may crash once more.
-        GuardedCall(AddressOf(DestroyWindow), {Word(window)});
-    }
+    const HMODULE module = ModuleAt(reinterpret_cast<const void*>(function));
+    if (module) DestroyWindowsOf(module, IsWindowVisible);
+}
+
+bool ShowsWindows(HMODULE module) {
+    return std::ranges::any_of(WindowsOfThisThread(IsWindowVisible),
+                               [&](HWND window) { return IsWindowOf(module, window); });
+}
+
+bool LetGoOfWindows(HMODULE module) {
+    DestroyWindowsOf(module, IsAny);
+    Search all{IsAny, {}};
+    EnumThreadWindows(GetCurrentThreadId(), AddWithChildren, reinterpret_cast<LPARAM>(&all));
+    return std::ranges::none_of(all.found, [&](HWND window) { return RunsCodeOf(module, window); });
 }
 
 }  // namespace tessary::susiectl

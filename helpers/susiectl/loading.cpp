@@ -2,7 +2,9 @@
 #include "helpers/susiectl/entry.h"
 #include "helpers/susiectl/guard.h"
 #include "helpers/susiectl/image_file.h"
+#include "helpers/susiectl/leftover_windows.h"
 #include "helpers/susiectl/library_search.h"
+#include "helpers/susiectl/plugin_threads.h"
 #include "helpers/susiectl/susiectl.h"
 
 namespace tessary::susiectl {
@@ -21,7 +23,7 @@ HMODULE Load(const std::wstring& path) {
 }
 
 int Free(HMODULE module) {
-    if (!module) return FALSE;
+    if (!module || RunsThreads(module) || !LetGoOfWindows(module)) return FALSE;
     const auto freed = GuardedCall(AddressOf(FreeLibrary), {Word(module)}, Net::kNone);
     return static_cast<int>(freed.value_or(FALSE));
 }
@@ -41,4 +43,9 @@ SUSIECTL_ENTRY HMODULE __stdcall SPILoadLibraryW(const wchar_t* path) {
 
 SUSIECTL_ENTRY int __stdcall SPIFreeLibrary(HMODULE module) {
     return WithoutExceptions<int>(FALSE, [&] { return Free(module); });
+}
+
+SUSIECTL_ENTRY int __stdcall SPIIsInUse(HMODULE module) {
+    return WithoutExceptions<int>(
+        TRUE, [&] { return module && (ShowsWindows(module) || RunsThreads(module)); });
 }

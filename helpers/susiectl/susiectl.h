@@ -36,8 +36,14 @@ constexpr int kContentZip = 17;
 using SPILoadLibraryFunction = HMODULE(__stdcall*)(const char* path);
 using SPILoadLibraryWFunction = HMODULE(__stdcall*)(const wchar_t* path);
 
-// Frees a plug-in file. Non-zero for success.
+// Frees a plug-in file; windows of it in the calling thread are destroyed before. Non-zero for
+// success; 0 also when a thread of the plug-in's or a window that is not its own would run into its
+// code.
 using SPIFreeLibraryFunction = int(__stdcall*)(HMODULE module);
+
+// Non-zero while freeing a plug-in would take something away: it shows windows of its own in the
+// calling thread, as settings windows that stay when the call returns, or runs threads.
+using SPIIsInUseFunction = int(__stdcall*)(HMODULE module);
 
 // A plug-in that writes behind the buffer does not destroy what is there.
 using GetPluginInfoEntry = int(__stdcall*)(FARPROC function, int infoNumber, char* buffer,
@@ -74,6 +80,7 @@ using GetFileInformationWFunction = int(__stdcall*)(const wchar_t* path);
 inline constexpr char kSPILoadLibrary[] = "SPILoadLibrary";
 inline constexpr char kSPILoadLibraryW[] = "SPILoadLibraryW";
 inline constexpr char kSPIFreeLibrary[] = "SPIFreeLibrary";
+inline constexpr char kSPIIsInUse[] = "SPIIsInUse";
 inline constexpr char kGetPluginInfo[] = "GetPluginInfo";
 inline constexpr char kIsSupported[] = "IsSupported";
 inline constexpr char kGetPictureInfo[] = "GetPictureInfo";

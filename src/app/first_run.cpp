@@ -9,25 +9,30 @@
 
 namespace tessary {
 
+bool UseFirstRunDefaults() {
+    // A mark that cannot be read is no mark.
+    if (Trapped(std::wstring(), [] { return GetSetting(L"Init", L"Run", L"0"); }) == L"1") {
+        return false;
+    }
+    GeneralSettings& general = Values().general;
+    general.useSPI = 1;
+    general.spiFolder[0] = AppFolder();
+    general.loadSPI[0] = true;
+    const std::wstring susieFolder = GetSusiePluginFolder();
+    if (!susieFolder.empty()) {
+        general.spiFolder[1] = susieFolder;
+        general.loadSPI[1] = true;
+    }
+    return true;
+}
+
 bool ApplyFirstRunDefaults() {
     // A store that cannot be read or written was already told by the readers; the program runs on
     // without the mark.
     return Trapped(true, [] {
-        // A mark that cannot be read is no mark.
-        if (Trapped(std::wstring(), [] { return GetSetting(L"Init", L"Run", L"0"); }) != L"1") {
-            GeneralSettings& general = Values().general;
-            general.useSPI = 1;
-            general.spiFolder[0] = AppFolder();
-            general.loadSPI[0] = true;
-            const std::wstring susieFolder = GetSusiePluginFolder();
-            if (!susieFolder.empty()) {
-                general.spiFolder[1] = susieFolder;
-                general.loadSPI[1] = true;
-            }
-            // Now, not only at shutdown: a first run that ends in a crash must not be followed by a
-            // second one that knows no plug-ins and is no first run any more.
-            WriteGeneralSettings();
-        }
+        // Stored now, not only at shutdown: a first run that ends in a crash must not be followed
+        // by a second one that knows no plug-ins and is no first run any more.
+        if (UseFirstRunDefaults()) WriteGeneralSettings();
         SaveSetting(L"Init", L"Run", L"1");
         return true;
     });

@@ -5,6 +5,7 @@
 #include "app/base/command_line.h"
 #include "app/base/message_box.h"
 #include "app/base/modScreenCaps.h"
+#include "app/base/quit.h"
 #include "app/first_run.h"
 #include "app/helper_libraries.h"
 #include "app/settings/modValue.h"
@@ -59,7 +60,7 @@ int Main() {
                     .endProgram =
                         [] {
                             TerminateApplication();
-                            PostQuitMessage(0);
+                            RequestQuit(0);
                         }});
     frmControl controlBar(window);
     window.SetControlBar(controlBar);

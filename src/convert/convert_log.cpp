@@ -36,6 +36,7 @@ void ConvertLog::Open() {
                                         OpenAccess::kWrite, OpenLock::kDenyWrite);
     if (fileNumber_ != 0) return;
     settings.outputErrorLog = 0;
+    Values().logFileGivenUp = true;
     for (const wchar_t* line : {L"!!! エラー                             !!!",
                                 L"!!! ログファイルがオープンできません。 !!!",
                                 L"!!! ログファイルの作成を中止して       !!!",

@@ -19,7 +19,7 @@ class ConvertLog {
     explicit ConvertLog(ConvertMonitor& monitor) : monitor_(monitor) {}
 
     // Opens the log file of the settings if they want one. If it cannot be opened, tells so and
-    // switches the setting off until the program ends.
+    // switches the setting off until the program ends; in the store it stays on.
     void Open();
     void Close();
 

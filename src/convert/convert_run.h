@@ -46,7 +46,8 @@ class WorkList {
     int32_t initialCount_;
 };
 
-// Every step traps what goes wrong in it unexpectedly and then counts as far as it has come.
+// Every step traps what goes wrong in it unexpectedly and then counts as far as it has come; the
+// run goes on with the next file.
 class ConvertRun {
   public:
     // `targetFolder` with its trailing backslash; it exists.
@@ -62,6 +63,8 @@ class ConvertRun {
   private:
     // What stands in the log for one entry of the list.
     void ConvertEntry(int32_t index);
+    // Deletes an extracted member that has done its service or is not wanted.
+    void CleanUp(const std::wstring& path, bool isExtracted, StepResult result);
     StepResult ConvertByKind(const std::wstring& path, const std::wstring& outputFolder);
 
     // --- Pictures (convert_picture.cpp); `outputFolder` has its trailing backslash ---
@@ -93,7 +96,10 @@ class ConvertRun {
         try {
             body(result);
         } catch (...) {
-            Trapped([&] { monitor_.CountFile(FileOutcome::kFailed); });
+            Trapped([&] {
+                monitor_.CountFile(FileOutcome::kFailed);
+                WriteUnexpected(CurrentError());
+            });
         }
         return result;
     }
@@ -106,6 +112,7 @@ class ConvertRun {
     void RemoveExtractedFile(const std::wstring& path, bool isExtracted);
     // What the plug-in that has just failed tells of it.
     void WritePluginError(const clsSusie& plugin, uint32_t result, int16_t indent);
+    void WriteUnexpected(const RaisedError& error);
     void WriteStopped();
 
     std::wstring targetFolder_;

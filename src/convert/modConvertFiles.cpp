@@ -25,6 +25,21 @@ std::wstring BoundPluginKey(const std::wstring& path) {
     return {};
 }
 
+// Of the system's own message boxes, about a drive without a disk for instance, nobody may be there
+// to see one.
+class NoSystemMessages {
+  public:
+    NoSystemMessages() {
+        SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &former_);
+    }
+    NoSystemMessages(const NoSystemMessages&) = delete;
+    NoSystemMessages& operator=(const NoSystemMessages&) = delete;
+    ~NoSystemMessages() { SetThreadErrorMode(former_, nullptr); }
+
+  private:
+    DWORD former_ = 0;
+};
+
 }  // namespace
 
 bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
@@ -35,23 +50,29 @@ bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
         const std::wstring folder = FullPathOf(targetFolder);
         if (!MakeFolder(folder) || files.empty() || files.front().empty()) return false;
         const ProgressWatch watch(monitor);
+        const NoSystemMessages quiet;
         return ConvertRun(AddBackslash(folder), std::move(files), monitor).Run();
     });
 }
 
 bool ConvertRun::Run() {
+    const DivertedErrors errors([this](const RaisedError& error) { WriteUnexpected(error); });
     log_.Open();
     bool goesOn = true;
     for (int32_t index = 1; goesOn && index <= list_.UpperBound(); ++index) {
-        log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
-        log_.WriteConvertLog(L"ファイル名", list_.At(index), 2);
-        ConvertEntry(index);
-        log_.WriteConvertLog(L"*** 変換処理終了 ***", {}, 0);
-        log_.WriteSeparator();
-        goesOn = monitor_.SetProgressBar(index, list_.UpperBound(), 0, 100);
-        if (!goesOn) WriteStopped();
+        Step([&](StepResult&) {
+            log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
+            log_.WriteConvertLog(L"ファイル名", list_.At(index), 2);
+            ConvertEntry(index);
+        });
+        goesOn = Trapped(true, [&] {
+            log_.WriteConvertLog(L"*** 変換処理終了 ***", {}, 0);
+            log_.WriteSeparator();
+            return monitor_.SetProgressBar(index, list_.UpperBound(), 0, 100);
+        });
+        if (!goesOn) Trapped([&] { WriteStopped(); });
     }
-    log_.WriteConvertLog(L"*** すべての変換処理が完了しました ***", {}, 0);
+    Trapped([&] { log_.WriteConvertLog(L"*** すべての変換処理が完了しました ***", {}, 0); });
     log_.Close();
     return goesOn;
 }
@@ -70,7 +91,15 @@ void ConvertRun::ConvertEntry(int32_t index) {
         return;
     }
     current_ = index;
-    const StepResult result = ConvertByKind(path, isExtracted ? FolderOf(path) : targetFolder_);
+    const StepResult result = Step([&](StepResult& kindResult) {
+        kindResult = StepResult::kNotHandled;  // until the kind is known
+        kindResult = ConvertByKind(path, isExtracted ? FolderOf(path) : targetFolder_);
+    });
+    // What came of the file has been told by now.
+    Trapped([&] { CleanUp(path, isExtracted, result); });
+}
+
+void ConvertRun::CleanUp(const std::wstring& path, bool isExtracted, StepResult result) {
     if (result != StepResult::kDone) {
         RemoveExtractedFile(path, isExtracted);
     } else if (isExtracted) {
@@ -129,6 +158,10 @@ void ConvertRun::WritePluginError(const clsSusie& plugin, uint32_t result, int16
     log_.WriteConvertLog(L"エラーモジュール", plugin.ErrorFunction(), indent);
     log_.WriteConvertLog(L"エラーコード(" + std::to_wstring(static_cast<int32_t>(result)) + L")",
                          plugin.ErrorString(), indent);
+}
+
+void ConvertRun::WriteUnexpected(const RaisedError& error) {
+    log_.WriteConvertLog(L"[エラー]", error.Description(), 2);
 }
 
 void ConvertRun::WriteStopped() {

@@ -6,12 +6,10 @@
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
-#include "app/base/modGetFolder.h"
+#include "app/first_run.h"
 #include "app/helper_libraries.h"
-#include "app/settings/modSusieCFG.h"
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
-#include "app/settings/settings_store.h"
 #include "convert/make_folder.h"
 #include "convert/modConvertFiles.h"
 #include "convert_cli/console_monitor.h"
@@ -45,17 +43,6 @@ int CautiousAnswer(unsigned style) {
     }
 }
 
-// The plug-ins that a first run of the viewer would set up; nothing is stored.
-void UsePluginsOfFirstRun() {
-    if (Trapped(std::wstring(), [] { return GetSetting(L"Init", L"Run", L"0"); }) == L"1") return;
-    GeneralSettings& general = Values().general;
-    general.useSPI = 1;
-    general.spiFolder[0] = AppFolder();
-    general.loadSPI[0] = true;
-    general.spiFolder[1] = GetSusiePluginFolder();
-    general.loadSPI[1] = !general.spiFolder[1].empty();
-}
-
 // Releases the plug-ins while the program is still whole.
 struct PluginsInUse {
     PluginsInUse() = default;
@@ -83,6 +70,9 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
     ConsoleMonitor monitor(inputs.files, output, errors, [&] { return stop.IsMade(); });
     const bool ended = inputs.files.empty() || ConvertFiles(options.targetFolder, monitor);
     monitor.WriteSummary();
+    if (!ended) {
+        errors.WriteLine(stop.IsMade() ? L"変換を中止しました" : L"変換を最後まで行えませんでした");
+    }
     const bool isComplete =
         ended && monitor.Failures() == 0 && inputs.missing.empty() && !inputs.files.empty();
     return isComplete ? kExitAllConverted : kExitSomeNot;
@@ -104,7 +94,7 @@ int RunConsoleProgram(const std::vector<std::wstring>& arguments) {
         return kExitAllConverted;
     }
     if (!ReadGeneralSettings() || !ReadConvertSettings()) return kExitSetupError;
-    UsePluginsOfFirstRun();
+    UseFirstRunDefaults();  // nothing is stored
     ConsoleOptions options;
     if (const std::wstring error = ParseOptions(arguments, options); !error.empty()) {
         errors.WriteLine(error);

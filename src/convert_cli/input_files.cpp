@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "app/base/paths.h"
-#include "ui/control/folder_scan.h"
+#include "app/base/scan_folders.h"
 
 namespace tessary {
 namespace {

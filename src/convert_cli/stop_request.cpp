@@ -7,12 +7,23 @@
 namespace tessary {
 namespace {
 
+// How long the system waits at most for a program whose console or session ends.
+constexpr DWORD kGraceMilliseconds = 20000;
+
 // The system calls the handler on a thread of its own and passes nothing that leads to an object.
 std::atomic<bool> isMade = false;
 
 BOOL WINAPI OnControlEvent(DWORD event) {
-    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) return FALSE;
-    return isMade.exchange(true) ? FALSE : TRUE;
+    const bool isFirst = !isMade.exchange(true);
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+        // The process ends when this returns, or as soon as its own end is reached.
+        Sleep(kGraceMilliseconds);
+        return FALSE;
+    }
+    // At once, with the status that the system gives: plug-ins that hang would also hang when they
+    // are told of an orderly end.
+    if (!isFirst) TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+    return TRUE;
 }
 
 }  // namespace

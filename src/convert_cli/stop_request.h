@@ -1,10 +1,11 @@
-// Ctrl+C as the wish to stop.
+// Ctrl+C, a closed console and the end of the session as the wish to stop.
 #pragma once
 
 namespace tessary {
 
 // For its own life Ctrl+C and Ctrl+Break do not end the program but are noted here. A second one
-// ends it after all: a plug-in may hang. Only one of these at a time.
+// ends it after all: a plug-in may hang. When the console is closed or the session ends, the
+// program has as long as the system grants it to come to its end. Only one of these at a time.
 class StopRequest {
   public:
     StopRequest();

@@ -56,6 +56,7 @@ void CollectionSusie::Remove(int32_t index) {
 void CollectionSusie::RemoveAll() {
     if (PluginCallUnderWay()) return;
     members_.clear();
+    leftOut_.clear();
     lastSuccess_ = 0;
 }
 
@@ -66,14 +67,23 @@ int32_t CollectionSusie::Compact() {
     return Count();
 }
 
-int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder) {
+std::vector<std::wstring> CollectionSusie::PluginFiles(const std::wstring& folder) {
+    std::vector<std::wstring> files = FilesInFolder(folder, L"*.spi");
+    // The system's listing also has files of which only the short name matches.
+    std::erase_if(files, [](const auto& path) { return UpperExtensionOf(path) != L"SPI"; });
+    return files;
+}
+
+int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder, const ScanStep& step) {
     if (PluginCallUnderWay()) return Count();
     if (auto call = RecoverInterruptedCall()) interruptedCall_ = std::move(call);
     if (FindSusieLibrary() == nullptr || !IsFolder(folder)) return Count();
     int32_t count = Count();
-    for (const std::wstring& path : FilesInFolder(folder, L"*.spi")) {
-        // The system's listing also has files of which only the short name matches.
-        if (UpperExtensionOf(path) != L"SPI") continue;
+    for (const std::wstring& path : PluginFiles(folder)) {
+        if (step && !step(path)) {
+            NoteLeftOut(path, LeftOutReason::kWaiting);
+            continue;
+        }
         AddSPI(path);
         if (++count >= kDynamicLoadCount && !dynamicLoad_) SetDynamicLoad(true);
     }
@@ -85,13 +95,14 @@ void CollectionSusie::AddSPI(const std::wstring& path) {
     auto added = std::make_unique<clsSusie>();
     added->SetAutoUnload(dynamicLoad_);
     added->SetCheckMode(!tryAll_);
-    LoadPlugin(*added, path);
+    NoteLeftOut(path, LoadPlugin(*added, path));
     members_.insert(members_.begin() + InsertionIndex(added->ErrorCount({})), std::move(added));
     lastSuccess_ = 0;
 }
 
 // Whatever the store refuses to tell or to note, a plug-in that works is loaded.
-void CollectionSusie::LoadPlugin(clsSusie& added, const std::wstring& path) {
+std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added,
+                                                         const std::wstring& path) {
     const std::wstring plugin = FileNameOf(path);
     const std::wstring upperName = ToUpper(plugin);
     // A replaced file must not be judged by the failures of the one before.
@@ -100,9 +111,40 @@ void CollectionSusie::LoadPlugin(clsSusie& added, const std::wstring& path) {
         barred_.insert(upperName);
         Trapped([&] { GrantAnotherLoad(plugin); });
     }
-    if (barred_.contains(upperName)) return;
-    Trapped([&] { added.SetDllName(path); });
+    if (barred_.contains(upperName)) return LeftOutReason::kBarred;
+    std::optional<LeftOutReason> refusal;
+    try {
+        added.SetDllName(path);
+    } catch (const RefusedPluginError& error) {
+        refusal = error.IsLoadable() ? LeftOutReason::kNoPlugin : WhyNotLoaded(path);
+    } catch (...) {
+        refusal = LeftOutReason::kNotLoadable;
+    }
     Trapped([&] { NoteLoaded(plugin); });  // one that was refused has not ended the program either
+    return refusal;
+}
+
+void CollectionSusie::NoteLeftOut(const std::wstring& path, std::optional<LeftOutReason> reason) {
+    std::wstring full = FullPathOf(path);
+    std::erase_if(leftOut_, [&](const auto& one) { return EqualsIgnoreCase(one.path, full); });
+    // A file in two of the folders may be there already.
+    if (reason && Item(full) == nullptr) leftOut_.push_back({std::move(full), *reason});
+}
+
+bool CollectionSusie::IsIncomplete() const {
+    return std::ranges::find(leftOut_, LeftOutReason::kWaiting, &LeftOutPlugin::reason) !=
+           leftOut_.end();
+}
+
+void CollectionSusie::ForgetErrorsOfLeftOut(const std::wstring& path) {
+    const std::wstring plugin = FileNameOf(path);
+    ForgetFailures(plugin);
+    barred_.erase(ToUpper(plugin));
+    for (LeftOutPlugin& one : leftOut_) {
+        // Plug-ins are barred by their file name, in whichever folder.
+        if (one.reason == LeftOutReason::kBarred && EqualsIgnoreCase(FileNameOf(one.path), plugin))
+            one.reason = LeftOutReason::kWaiting;
+    }
 }
 
 void CollectionSusie::ForgetErrors(int32_t index) {

@@ -17,6 +17,7 @@
 
 #include "plugin/clsSusie.h"
 #include "plugin/file_stamp.h"
+#include "plugin/left_out_plugin.h"
 #include "plugin/plugin_log.h"
 
 namespace tessary {
@@ -52,9 +53,16 @@ class CollectionSusie {
     // Removes the members whose plug-in turned out to be unusable; answers the new Count.
     int32_t Compact();
 
-    // Adds the plug-ins of a folder (`*.spi`) and answers Count. With more than 50 plug-ins dynamic
-    // loading is switched on. First counts the failure that ended the last run, if one did.
-    int32_t FScanAllSPI(const std::wstring& folder);
+    // The plug-in files (`*.spi`) of a folder, as full paths in listing order.
+    static std::vector<std::wstring> PluginFiles(const std::wstring& folder);
+
+    // Whether a plug-in file is to be added now; false leaves it out (kWaiting).
+    using ScanStep = std::function<bool(const std::wstring& path)>;
+
+    // Adds the plug-ins of a folder and answers Count. With more than 50 plug-ins dynamic loading
+    // is switched on. First counts the failure that ended the last run, if one did. `step` is asked
+    // before each file and may let messages run; empty: all are added.
+    int32_t FScanAllSPI(const std::wstring& folder, const ScanStep& step = {});
 
     // Adds one plug-in before all that have failed at least as often. One that proves unusable
     // takes a place too, with an empty DllName, as does one that must not be loaded in this run
@@ -64,6 +72,15 @@ class CollectionSusie {
     // Forgets a member's failures and gives it the place of one that has none: indexes change.
     // Raises PluginError for an index outside the collection, and while a plug-in is being called.
     void ForgetErrors(int32_t index);
+
+    // The files that AddSPI or a scan has met and that gave no plug-in, in the order of their
+    // meeting.
+    const std::vector<LeftOutPlugin>& LeftOut() const { return leftOut_; }
+    // Whether loading all plug-ins anew would bring some that wait (kWaiting).
+    bool IsIncomplete() const;
+    // Forgets the failures of one that was left out; a barred one waits for the next loading then.
+    // Raises RaisedError when the store cannot be accessed.
+    void ForgetErrorsOfLeftOut(const std::wstring& path);
 
     // The plug-in call in which the last run ended, if a scan has found one.
     const std::optional<PluginCall>& InterruptedCall() const { return interruptedCall_; }
@@ -136,7 +153,8 @@ class CollectionSusie {
     int32_t FirstSupporting(HLOCAL memory, const std::wstring& fileName, int32_t startIndex,
                             std::set<int32_t>& asked);
     int32_t FirstAccepting(const Search& search, int32_t startIndex, std::set<int32_t>& asked);
-    void LoadPlugin(clsSusie& added, const std::wstring& path);
+    std::optional<LeftOutReason> LoadPlugin(clsSusie& added, const std::wstring& path);
+    void NoteLeftOut(const std::wstring& path, std::optional<LeftOutReason> reason);
     int32_t InsertionIndex(int32_t total) const;
 
     std::vector<std::unique_ptr<clsSusie>> members_;
@@ -146,6 +164,7 @@ class CollectionSusie {
     int32_t lastSuccess_ = 0;  // index of the member that accepted last; 0 when unknown
     Query query_;
     std::optional<PluginCall> interruptedCall_;
+    std::vector<LeftOutPlugin> leftOut_;
     std::set<std::wstring> barred_;  // not to be loaded in this run: file names in upper case
 };
 

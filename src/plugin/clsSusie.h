@@ -57,13 +57,13 @@ class clsSusie {
     bool AutoUnload() const { return autoUnload_; }
     void SetAutoUnload(bool autoUnload);
 
-    // Frees the plug-in file, unless something is bound or the plug-in has failed before: one that
-    // has crashed may crash again when it is freed.
+    // Frees the plug-in file, unless something is bound, the plug-in shows a window or runs a
+    // thread, or it has failed before: one that has crashed may crash again when it is freed.
     void UnloadDLL();
 
     bool IsLoaded() const { return module_ != nullptr; }
-    // Whether UnloadDLL leaves the file loaded because the plug-in has failed before.
-    bool IsKeptLoaded() const { return keepLoaded_; }
+    // Whether UnloadDLL leaves the file loaded whatever is bound.
+    bool IsKeptLoaded() const { return keepLoaded_ || SusieCalls::IsInUse(module_); }
 
     // Whether ConfigurationDlg is there; opens it and answers its result, -1 when it is not.
     bool SupportConfigurationDialog() const { return supportConfigurationDialog_; }
@@ -79,6 +79,8 @@ class clsSusie {
     // The last error's message, and where it happened.
     const std::wstring& ErrorString() const { return calls_.ErrorString(); }
     const std::wstring& ErrorFunction() const { return calls_.ErrorFunction(); }
+    // How many errors there have been: tells whether a stretch of code has met one.
+    uint32_t ErrorSerial() const { return calls_.ErrorSerial(); }
 
     // --- What it is bound to (clsSusie_binding.cpp) ---
 

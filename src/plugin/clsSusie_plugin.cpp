@@ -37,7 +37,7 @@ void clsSusie::SetDllName(const std::wstring& path) {
 void clsSusie::ReadPlugin() {
     module_ = calls_.Load();
     const int32_t style = module_ == nullptr ? kStyleNone : calls_.BindAddresses(module_);
-    if (style == kStyleNone) throw PluginError(kErrorInvalidPlugin, kInvalidPluginText);
+    if (style == kStyleNone) throw RefusedPluginError(module_ != nullptr);
     supportConfigurationDialog_ = calls_.Address(SusieFunction::kConfigurationDlg) != nullptr;
     patterns_ = ReadFilePatterns(calls_);
     productName_ = ReadProductName(calls_);
@@ -47,7 +47,8 @@ void clsSusie::ReadPlugin() {
 
 void clsSusie::ReleasePlugin() {
     Unbind();
-    UnloadDLL();
+    // Its windows go with it.
+    if (!keepLoaded_ && !PluginCallUnderWay()) ReleaseModule();
     module_ = nullptr;  // one that must stay loaded stays until the process ends
     calls_.ClearAddresses();
     calls_.SetPluginPath({});
@@ -79,7 +80,7 @@ void clsSusie::ReleaseModule() {
 }
 
 void clsSusie::UnloadDLL() {
-    if (!keepLoaded_ && bound_.IsEmpty() && !PluginCallUnderWay()) ReleaseModule();
+    if (!IsKeptLoaded() && bound_.IsEmpty() && !PluginCallUnderWay()) ReleaseModule();
 }
 
 void clsSusie::UnloadAfterUse() {

@@ -8,10 +8,14 @@ namespace tessary {
 // The one collection; created empty at the first call. The user-interface thread's.
 CollectionSusie& SusieCollection();
 
+// Told which plug-in file comes next, `done` of `total` being through; may let messages run. False
+// ends the loading: what is loaded stays, the rest waits for the next time (kWaiting).
+using LoadingProgress = std::function<bool(const std::wstring& path, int32_t done, int32_t total)>;
+
 // Fills the collection anew from the folders that the settings name. A load switch is turned off
-// when there is no plug-in after its folder was scanned, and on otherwise. False after an
-// unexpected error, and while a plug-in is being called: then nothing is changed.
-bool LoadSPI();
+// when there is no plug-in after its folder was scanned to its end, and on otherwise. False after
+// an unexpected error, and while a plug-in is being called: then nothing is changed.
+bool LoadSPI(const LoadingProgress& progress = {});
 
 // Releases the collection with all plug-in libraries; to be called before the process ends. While a
 // plug-in is being called nothing is released: the end of the process does it then.

@@ -60,6 +60,19 @@ class PluginError : public RaisedError {
     using RaisedError::RaisedError;
 };
 
+// A file that is no plug-in that can be used.
+class RefusedPluginError : public PluginError {
+  public:
+    explicit RefusedPluginError(bool isLoadable)
+        : PluginError(kErrorInvalidPlugin, kInvalidPluginText), isLoadable_(isLoadable) {}
+
+    // Whether the file could be loaded at all, and only lacks the functions of a plug-in.
+    bool IsLoadable() const { return isLoadable_; }
+
+  private:
+    bool isLoadable_;
+};
+
 // A picture that could not be decoded or an archive's member that could not be extracted, with what
 // the plug-in answered.
 class DecodeError : public PluginError {

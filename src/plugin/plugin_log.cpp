@@ -7,10 +7,10 @@
 #include <limits>
 
 #include "app/base/error.h"
-#include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "app/settings/setting_value.h"
 #include "app/settings/settings_store.h"
+#include "plugin/living_runs.h"
 
 namespace tessary {
 namespace {
@@ -19,7 +19,6 @@ constexpr wchar_t kCallLog[] = L"SPI_CALLLOG";
 constexpr wchar_t kFunctionKey[] = L"Function";
 constexpr wchar_t kPluginKey[] = L"SPI";
 constexpr wchar_t kFileKey[] = L"File";
-constexpr wchar_t kRunKey[] = L"Run";  // of the process that makes the call
 
 constexpr wchar_t kTotalKey[] = L"Total";
 constexpr wchar_t kDateTime[] = L"SPI_DATETIME";
@@ -27,28 +26,6 @@ constexpr wchar_t kDateTime[] = L"SPI_DATETIME";
 // Key: a plug-in; value: how many runs in a row ended while it was being loaded.
 constexpr wchar_t kFatalLoads[] = L"SPI_FATALLOADS";
 constexpr int32_t kMostFatalLoads = 2;
-
-// The name of the mutex that this process holds for its whole life, so that others can tell its log
-// from that of a run that has ended. The start time tells processes of the same number apart.
-const wchar_t* RunName() {
-    // No object that ends: plug-ins are still freed, and logged, while static objects are
-    // destroyed.
-    static wchar_t name[64];
-    static const UniqueMutex held = [] {
-        FILETIME start{}, other;
-        GetProcessTimes(GetCurrentProcess(), &start, &other, &other, &other);
-        std::swprintf(name, std::size(name), L"Tessary_Viewer_run_%lu_%08lx%08lx",
-                      GetCurrentProcessId(), start.dwHighDateTime, start.dwLowDateTime);
-        return UniqueMutex(CreateMutexW(nullptr, FALSE, name));
-    }();
-    return name;
-}
-
-bool IsOtherLivingRun(const std::wstring& runName) {
-    if (runName.empty() || runName == RunName()) return false;
-    return UniqueMutex(OpenMutexW(SYNCHRONIZE, FALSE, runName.c_str())) ||
-           GetLastError() == ERROR_ACCESS_DENIED;
-}
 
 std::wstring ErrorLogOf(std::wstring_view plugin) {
     return std::wstring(plugin) + L"_SPI_ERRORLOG";
@@ -63,6 +40,32 @@ void Increment(std::wstring_view section, std::wstring_view key) {
     const int32_t count = ReadCount(section, key);
     if (count == std::numeric_limits<int32_t>::max()) return;
     SaveSetting(section, key, ToSettingText(count + 1));
+}
+
+// The call log of one of the copies that run.
+std::wstring CallLogOf(int run) {
+    return run == 1 ? kCallLog : kCallLog + (L'_' + std::to_wstring(run));
+}
+
+void WriteCallLogOf(int run, const PluginCall& call) {
+    const KeyAndText texts[] = {
+        {kFunctionKey, call.function}, {kPluginKey, call.plugin}, {kFileKey, call.file}};
+    SaveSettings(CallLogOf(run), texts);
+}
+
+std::optional<PluginCall> RecoverCallOf(int run) {
+    const std::wstring log = CallLogOf(run);
+    PluginCall call;
+    call.plugin = GetSetting(log, kPluginKey);
+    if (call.plugin.empty()) return std::nullopt;
+    call.function = GetSetting(log, kFunctionKey);
+    call.file = GetSetting(log, kFileKey);
+    // Emptied before it is counted: if this run ends here as well, it is not counted twice.
+    WriteCallLogOf(run, {});
+    IncrementErrorCount(call.plugin, call.function);
+    if (call.function == L"LoadLibrary") Increment(kFatalLoads, call.plugin);
+    DeleteSettingSection(log);
+    return call;
 }
 
 // Universal time, so that a change of the time zone makes no file look replaced.
@@ -82,30 +85,24 @@ std::optional<std::wstring> FileDateText(const std::wstring& path) {
 }  // namespace
 
 void WriteCallLog(const PluginCall& call) {
-    // The run first, so that nobody takes the rest for a dead one's.
-    const KeyAndText texts[] = {{kRunKey, RunName()},
-                                {kFunctionKey, call.function},
-                                {kPluginKey, call.plugin},
-                                {kFileKey, call.file}};
-    SaveSettings(kCallLog, texts);
+    WriteCallLogOf(OwnRun(), call);
 }
 
 void ClearCallLog() {
-    DeleteSettingSection(kCallLog);
+    DeleteSettingSection(CallLogOf(OwnRun()));
 }
 
 std::optional<PluginCall> RecoverInterruptedCall() {
-    PluginCall call;
-    call.plugin = GetSetting(kCallLog, kPluginKey);
-    if (call.plugin.empty() || IsOtherLivingRun(GetSetting(kCallLog, kRunKey))) return std::nullopt;
-    call.function = GetSetting(kCallLog, kFunctionKey);
-    call.file = GetSetting(kCallLog, kFileKey);
-    // Emptied before it is counted: if this run ends here as well, it is not counted twice.
-    WriteCallLog({});
-    IncrementErrorCount(call.plugin, call.function);
-    if (call.function == L"LoadLibrary") Increment(kFatalLoads, call.plugin);
-    ClearCallLog();
-    return call;
+    const RunsHeld runs;
+    std::optional<PluginCall> recovered;
+    for (int run = 1; run <= kMostRuns; ++run) {
+        if (runs.IsAnothers(run)) continue;
+        // One that cannot be read holds up nothing.
+        Trapped([&] {
+            if (auto call = RecoverCallOf(run)) recovered = std::move(call);
+        });
+    }
+    return recovered;
 }
 
 int32_t ReadErrorCount(std::wstring_view plugin, std::wstring_view function) {

@@ -17,15 +17,17 @@ struct PluginCall {
     std::wstring file;  // the file bound at the time of the call; empty when none was
 };
 
-// Writes the section `SPI_CALLLOG` before a call. All routines here throw RaisedError when the
-// store cannot be accessed.
+// Writes the section `SPI_CALLLOG` before a call; further copies of the program that run at the
+// same time write `SPI_CALLLOG_2` and so on. All routines here throw RaisedError when the store
+// cannot be accessed.
 void WriteCallLog(const PluginCall& call);
 
 // Removes the section after the call.
 void ClearCallLog();
 
 // The call that the last run did not come back from, if any: its failure is counted, and the call
-// log is clean afterwards. The log of a run that still lives, another instance's, is left alone.
+// log is clean afterwards. Of several such runs each is counted. The logs of copies that still live
+// are left alone.
 std::optional<PluginCall> RecoverInterruptedCall();
 
 // Failures of one function of a plug-in, or of all of them (key `Total`) for an empty name. What

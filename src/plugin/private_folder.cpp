@@ -2,7 +2,10 @@
 
 #include <windows.h>
 
+#include <cwchar>
 #include <functional>
+#include <mutex>
+#include <string_view>
 
 #include "app/base/error.h"
 #include "app/base/handles.h"
@@ -14,6 +17,9 @@ namespace tessary {
 namespace {
 
 constexpr int kMostTries = 100;
+
+// Before the number of the process, `_` and a tick count.
+constexpr std::wstring_view kNameStart = L"tessary_";
 
 using EntryVisitor = std::function<bool(const std::wstring& path, DWORD attributes)>;
 
@@ -63,11 +69,43 @@ std::wstring FirstFileBelow(const std::wstring& folder) {
     return file;
 }
 
+bool IsRunning(DWORD processId) {
+    const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, processId);
+    if (process == nullptr) return GetLastError() != ERROR_INVALID_PARAMETER;
+    const bool isRunning = WaitForSingleObject(process, 0) == WAIT_TIMEOUT;
+    CloseHandle(process);
+    return isRunning;
+}
+
+// The process that has made a folder of that name; 0 when it is none of ours.
+DWORD MakerOf(std::wstring_view name) {
+    if (!name.starts_with(kNameStart)) return 0;
+    name.remove_prefix(kNameStart.size());
+    const size_t numberEnd = name.find(L'_');
+    if (numberEnd == 0 || numberEnd > 10 || numberEnd + 1 >= name.size() ||
+        name.find_first_not_of(L"0123456789_") != name.npos ||
+        name.find(L'_', numberEnd + 1) != name.npos) {
+        return 0;
+    }
+    return std::wcstoul(name.data(), nullptr, 10);
+}
+
 }  // namespace
 
+void RemoveAbandonedFolders() {
+    VisitEntries(RemoveBackslash(TemporaryFolder()),
+                 [](const std::wstring& path, DWORD attributes) {
+                     const DWORD maker = IsOwnFolder(attributes) ? MakerOf(FileNameOf(path)) : 0;
+                     if (maker != 0 && !IsRunning(maker)) RemoveTree(path);
+                     return true;
+                 });
+}
+
 PrivateFolder::PrivateFolder() {
-    const std::wstring start =
-        TemporaryFolder() + L"tessary_" + std::to_wstring(GetCurrentProcessId()) + L'_';
+    static std::once_flag swept;
+    std::call_once(swept, [] { Trapped(RemoveAbandonedFolders); });
+    const std::wstring start = TemporaryFolder() + std::wstring(kNameStart) +
+                               std::to_wstring(GetCurrentProcessId()) + L'_';
     // A process id comes again: what one that died has left is not to be met.
     for (int i = 0; i < kMostTries; ++i) {
         path_ = start + std::to_wstring(GetTickCount64() + static_cast<ULONGLONG>(i));

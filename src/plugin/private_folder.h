@@ -26,4 +26,8 @@ class PrivateFolder {
     std::wstring path_;
 };
 
+// Removes the private folders of processes that ended without doing so: by force, or in a plug-in.
+// The first private folder of a process does this.
+void RemoveAbandonedFolders();
+
 }  // namespace tessary

@@ -4,6 +4,7 @@
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
+#include "app/base/quit.h"
 #include "plugin/plugin_log.h"
 #include "plugin/susie_library.h"
 
@@ -50,7 +51,11 @@ class CallScope {
     CallScope() : outer_(std::exchange(UnderWay(), true)) {}
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
-    ~CallScope() { UnderWay() = outer_; }
+    ~CallScope() {
+        UnderWay() = outer_;
+        // Plug-ins post a request to quit when a window of theirs closes. It is not theirs to make.
+        if (!outer_) DropForeignQuit();
+    }
 
   private:
     bool outer_;
@@ -129,6 +134,10 @@ void SusieCalls::Free(HMODULE module) {
     Trapped([&] {
         Logged(kFreeLibrary, [&](const SusieLibrary& library) { library.freeLibrary(module); });
     });
+}
+
+bool SusieCalls::IsInUse(HMODULE module) {
+    return Trapped(false, [&] { return Library().isInUse(module) != 0; });
 }
 
 int32_t SusieCalls::BindAddresses(HMODULE module) {
@@ -263,14 +272,10 @@ int32_t SusieCalls::GetFileToFolder(const SusieCallNames& names, const SusieSour
 }
 
 int32_t SusieCalls::ConfigurationDlg(HWND parent) {
-    const int32_t result = Guarded(kConfigurationDlg, [&](const SusieLibrary& library) {
+    return Guarded(kConfigurationDlg, [&](const SusieLibrary& library) {
         return library.configurationDlg(Address(SusieFunction::kConfigurationDlg), parent,
                                         susie::kConfigurationSettings);
     });
-    // Some settings windows post a request to quit when they close. It is not theirs to make.
-    MSG quit{};
-    PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
-    return result;
 }
 
 }  // namespace tessary

@@ -75,6 +75,8 @@ class SusieCalls {
     // Loads the plug-in file. Null when that fails; else one reference that Free gives back.
     HMODULE Load();
     void Free(HMODULE module);
+    // Whether the plug-in shows windows of its own or runs threads.
+    static bool IsInUse(HMODULE module);
 
     // Looks up the nine functions and answers the plug-in's kind; for kStyleNone the addresses are
     // cleared at once.

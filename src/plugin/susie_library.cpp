@@ -15,6 +15,7 @@ bool Find(const char* entry, Function& function) {
 bool FindAll(SusieLibrary& library) {
     return Find(susiectl::kSPILoadLibraryW, library.loadLibrary) &&
            Find(susiectl::kSPIFreeLibrary, library.freeLibrary) &&
+           Find(susiectl::kSPIIsInUse, library.isInUse) &&
            Find(susiectl::kGetPluginInfo, library.getPluginInfo) &&
            Find(susiectl::kIsSupported, library.isSupported) &&
            Find(susiectl::kGetPictureInfo, library.getPictureInfo) &&

@@ -8,6 +8,7 @@ namespace tessary {
 struct SusieLibrary {
     susiectl::SPILoadLibraryWFunction loadLibrary;
     susiectl::SPIFreeLibraryFunction freeLibrary;
+    susiectl::SPIIsInUseFunction isInUse;
     susiectl::GetPluginInfoEntry getPluginInfo;
     susiectl::IsSupportedEntry isSupported;
     susiectl::GetPictureInfoEntry getPictureInfo;

@@ -81,14 +81,39 @@ BOOL CALLBACK Disable(HWND window, LPARAM) {
     return TRUE;
 }
 
-void OpenModalWindow() {
+HMODULE ThisModule() {
     HMODULE module = nullptr;
     GetModuleHandleExW(
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
         reinterpret_cast<const wchar_t*>(&Disable), &module);
+    return module;
+}
+
+void OpenModalWindow() {
     EnumThreadWindows(GetCurrentThreadId(), Disable, 0);
     CreateWindowW(L"STATIC", L"Test plug-in window", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50, nullptr,
-                  nullptr, module, nullptr);
+                  nullptr, ThisModule(), nullptr);
+}
+
+LRESULT CALLBACK ModelessProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_DESTROY) PostQuitMessage(0);
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+void OpenModelessWindow(DWORD style) {
+    const wchar_t* const name = L"Test plug-in modeless window";
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = ModelessProcedure;
+    windowClass.hInstance = ThisModule();
+    windowClass.lpszClassName = name;
+    RegisterClassW(&windowClass);
+    CreateWindowW(name, name, WS_POPUP | style, 0, 0, 50, 50, nullptr, nullptr, ThisModule(),
+                  nullptr);
+}
+
+DWORD WINAPI WorkForAWhile(void*) {
+    Sleep(500);
+    return 0;
 }
 
 void HandleWith(decltype(&Handle) handler, const std::string& kind) {
@@ -184,6 +209,12 @@ void MakeDirty(const std::string& state) {
         SetThreadErrorMode(0, nullptr);
     }
     if (state == "window") OpenModalWindow();
+    if (state == "modeless") OpenModelessWindow(WS_VISIBLE);
+    if (state == "hidden") OpenModelessWindow(0);
+    if (state == "thread")
+        CloseHandle(CreateThread(nullptr, 0, WorkForAWhile, nullptr, 0, nullptr));
+    if (state == "quit") PostQuitMessage(9);
+    if (state == "slow") Sleep(50);
     if (state == "exception-chain") SetChain(reinterpret_cast<void*>(0x41414140));
 }
 

@@ -4,6 +4,14 @@
 #include "app/base/text.h"
 
 namespace tessary {
+namespace {
+
+std::function<void(const RaisedError&)>& Receiver() {
+    static std::function<void(const RaisedError&)> receiver;
+    return receiver;
+}
+
+}  // namespace
 
 RaisedError CurrentError() {
     try {
@@ -21,6 +29,10 @@ RaisedError CurrentError() {
 
 void ReportUnexpectedError(uint32_t errorNumber, std::wstring_view errorDescription,
                            std::wstring_view procedureLabel) {
+    if (Receiver()) {
+        Receiver()(RaisedError(errorNumber, std::wstring(errorDescription)));
+        return;
+    }
     std::wstring message = L"モジュール ";
     message.append(procedureLabel);
     message += L" で予期されていないエラーが発生しました。\r\nErrorNo.";
@@ -29,6 +41,14 @@ void ReportUnexpectedError(uint32_t errorNumber, std::wstring_view errorDescript
     message += L" ";
     message.append(errorDescription);
     ShowMessageBox(message);
+}
+
+DivertedErrors::DivertedErrors(std::function<void(const RaisedError& error)> receiver) {
+    Receiver() = std::move(receiver);
+}
+
+DivertedErrors::~DivertedErrors() {
+    Receiver() = nullptr;
 }
 
 }  // namespace tessary

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <new>
 #include <string>
 #include <string_view>
@@ -39,6 +40,16 @@ RaisedError CurrentError();
 // left.
 void ReportUnexpectedError(uint32_t errorNumber, std::wstring_view errorDescription,
                            std::wstring_view procedureLabel);
+
+// For its own life such errors go to `receiver` and no message is shown: for long work that nobody
+// may be watching. Only one of these at a time.
+class DivertedErrors {
+  public:
+    explicit DivertedErrors(std::function<void(const RaisedError& error)> receiver);
+    DivertedErrors(const DivertedErrors&) = delete;
+    DivertedErrors& operator=(const DivertedErrors&) = delete;
+    ~DivertedErrors();
+};
 
 // Runs `body`; whatever it throws ends here and yields `fallback`. Event handlers, window
 // procedures and callbacks run inside it: no exception may cross into the system's code.

@@ -5,6 +5,8 @@
 namespace tessary {
 namespace {
 
+constexpr int kCharacterCodes = 256;
+
 std::string Convert(std::wstring_view text, DWORD flags, BOOL* lost) {
     if (text.empty()) return {};
     // A system whose code page is UTF-8 loses nothing, and refuses to be asked.
@@ -81,6 +83,17 @@ bool MatchesWildcard(std::wstring_view name, std::wstring_view pattern) {
     while (p < pattern.size() && pattern[p] == L'*')
         ++p;
     return p == pattern.size();
+}
+
+int SplitText(std::wstring_view text, int characterCode, std::vector<std::wstring>& pieces) {
+    pieces.clear();
+    if (characterCode >= kCharacterCodes) return 0;
+    for (;;) {
+        const size_t end = text.find(static_cast<wchar_t>(characterCode));
+        pieces.emplace_back(text.substr(0, end));
+        if (end == std::wstring_view::npos) return static_cast<int>(pieces.size());
+        text.remove_prefix(end + 1);
+    }
 }
 
 std::wstring_view TrimSpaces(std::wstring_view text) {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessary {
 
@@ -27,6 +28,10 @@ bool EqualsIgnoreCase(std::wstring_view left, std::wstring_view right);
 // none) and
 // `?` for exactly one. Compares case-sensitively: upper-case both for file names.
 bool MatchesWildcard(std::wstring_view name, std::wstring_view pattern);
+
+// Fills `pieces` with the texts between the occurrences of a character, empty ones too, and answers
+// how many there are. A code of 256 or more divides nothing: 0 pieces.
+int SplitText(std::wstring_view text, int characterCode, std::vector<std::wstring>& pieces);
 
 // `text` without the spaces at its two ends.
 std::wstring_view TrimSpaces(std::wstring_view text);

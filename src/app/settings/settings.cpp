@@ -125,10 +125,10 @@ void TransferConvertUnknown(const auto& transfer) {
     transfer(L"DecodeUnknownFile", Values().convert.decodeUnknownFile, L"0");
 }
 
-void TransferConvertTail(const auto& transfer) {
+void TransferConvertTail(const auto& transfer, int16_t& outputErrorLog) {
     ConvertSettings& convert = Values().convert;
     transfer(L"ReduceColor", convert.reduceColor, L"0");
-    transfer(L"OutputErrorLog", convert.outputErrorLog, L"0");
+    transfer(L"OutputErrorLog", outputErrorLog, L"0");
     transfer(L"ErrorLogFileName", convert.errorLogFileName, L"");
     transfer(L"OutputAddMode", convert.outputAddMode, L"0");
     transfer(L"DecodeSizeBoth", convert.decodeSizeBoth, L"False");
@@ -161,7 +161,7 @@ bool ReadConvertSettings() {
         TransferConvertHead(section);
         TransferConvertMask(section);
         TransferConvertUnknown(section);
-        TransferConvertTail(section);
+        TransferConvertTail(section, Values().convert.outputErrorLog);
         TransferFileFormat(SectionReader(L"FileFormat"));
     });
 }
@@ -179,7 +179,8 @@ bool WriteConvertSettings() {
         TransferConvertHead(section);
         TransferConvertUnknown(section);
         TransferConvertMask(section);
-        TransferConvertTail(section);
+        int16_t outputErrorLog = Values().logFileGivenUp ? 1 : Values().convert.outputErrorLog;
+        TransferConvertTail(section, outputErrorLog);
         TransferFileFormat(SectionWriter(L"FileFormat"));
     });
 }

@@ -6,132 +6,18 @@
 #include <iterator>
 #include <mutex>
 #include <optional>
-#include <set>
-#include <tuple>
 #include <utility>
 
 #include "app/base/error.h"
 #include "app/base/handles.h"
-#include "app/base/paths.h"
-#include "app/base/text.h"
 
 namespace tessary {
 namespace {
 
-constexpr DWORD kHiddenOrSystem = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-
 // How long a stopped scan may take to hand over what it has.
 constexpr DWORD kStopMilliseconds = 300;
 
-// The folders that were listed, by what they are: volume and file number, or the path where the
-// system tells none.
-class ListedFolders {
-  public:
-    // False when the folder was there before.
-    bool Insert(const std::wstring& folder) {
-        const UniqueFile opened(CreateFileW(ExtendedPath(folder).c_str(), FILE_READ_ATTRIBUTES,
-                                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                            nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS,
-                                            nullptr));
-        BY_HANDLE_FILE_INFORMATION file{};
-        const bool numbered = opened && GetFileInformationByHandle(opened.Get(), &file) &&
-                              (file.nFileIndexHigh | file.nFileIndexLow) != 0;
-        if (!numbered) return paths_.insert(ToUpper(folder)).second;
-        return numbers_.insert({file.dwVolumeSerialNumber, file.nFileIndexHigh, file.nFileIndexLow})
-            .second;
-    }
-
-  private:
-    std::set<std::tuple<DWORD, DWORD, DWORD>> numbers_;
-    std::set<std::wstring> paths_;
-};
-
-class Scan {
-  public:
-    Scan(const ScanRequest& request, const std::function<bool(ScanNews&&)>& tell)
-        : subFolders_(request.subFolders), filter_(request.extensions), tell_(tell) {
-        folders_.push_back(WithBackslash(request.folder));
-    }
-
-    DWORD Run() {
-        DWORD firstError = ERROR_SUCCESS;
-        // The list grows at its end: level by level.
-        for (size_t next = 0; next < folders_.size(); ++next) {
-            const std::wstring folder = folders_[next];
-            if (subFolders_ && !listed_.Insert(folder)) continue;
-            news_.folder = folder;
-            if (!Tell()) break;
-            const std::optional<DWORD> error = List(folder);
-            if (!error) break;
-            if (next == 0) firstError = *error;
-        }
-        Tell();
-        return firstError;
-    }
-
-  private:
-    static std::wstring WithBackslash(const std::wstring& folder) {
-        return folder.ends_with(L'\\') ? folder : folder + L'\\';
-    }
-
-    bool Tell() {
-        ScanNews told = std::exchange(news_, {news_.folder, news_.looked, {}});
-        return tell_(std::move(told));
-    }
-
-    // The system's error; nothing when the scan is to end.
-    std::optional<DWORD> List(const std::wstring& folder) {
-        WIN32_FIND_DATAW entry;
-        const UniqueFind find(FindFirstFileExW(ExtendedPath(folder + L'*').c_str(), FindExInfoBasic,
-                                               &entry, FindExSearchNameMatch, nullptr,
-                                               FIND_FIRST_EX_LARGE_FETCH));
-        if (!find) {
-            // An empty drive has not even the entries that a folder has for itself.
-            const DWORD error = GetLastError();
-            return error == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : error;
-        }
-        do {
-            if ((entry.dwFileAttributes & kHiddenOrSystem) != 0) continue;
-            if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-                AddFolder(folder, entry.cFileName);
-            } else if (!AddFile(folder, entry.cFileName)) {
-                return std::nullopt;
-            }
-        } while (FindNextFileW(find.Get(), &entry));
-        return ERROR_SUCCESS;
-    }
-
-    void AddFolder(const std::wstring& folder, std::wstring_view name) {
-        if (!subFolders_ || name == L"." || name == L"..") return;
-        std::wstring& added = folders_.emplace_back();
-        added.reserve(folder.size() + name.size() + 1);
-        added.append(folder).append(name).append(1, L'\\');
-    }
-
-    // False when the scan is to end.
-    bool AddFile(const std::wstring& folder, std::wstring_view name) {
-        if (filter_.Wants(name)) {
-            std::wstring& added = news_.files.emplace_back();
-            added.reserve(folder.size() + name.size());
-            added.append(folder).append(name);
-        }
-        return ++news_.looked % kScanStep != 0 || Tell();
-    }
-
-    const bool subFolders_;
-    const ExtensionFilter filter_;
-    const std::function<bool(ScanNews&&)>& tell_;
-    std::vector<std::wstring> folders_;  // to list, in order; with trailing backslashes
-    ListedFolders listed_;
-    ScanNews news_;
-};
-
 }  // namespace
-
-unsigned long ScanFolders(const ScanRequest& request,
-                          const std::function<bool(ScanNews&& news)>& tell) {
-    return Scan(request, tell).Run();
-}
 
 struct FolderScan::Shared {
     std::atomic<bool> stop = false;

@@ -89,19 +89,21 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
     void CreateControls();
-    void ReadPlace();
-    void RollUp();
-    void RollDown();
-    void SetHeight(int pixelsAt96Dpi);
-    void ShowFoldedOrNot();
     void Paint();
     LRESULT HitTest(LPARAM onScreen) const;
     void RegisterCommands();
     bool PassKeyOn(int keyCode, int shift);
     void FocusPart(HWND part);
-    void MoveOntoScreen();
-    RECT Frame() const;
     bool TakesMessage(MSG& message) const;
+
+    // --- Its place and fold state (frmControl_place.cpp) ---
+    void ReadPlace();
+    RECT Frame() const;
+    void SetHeight(int pixelsAt96Dpi);
+    void RollUp();
+    void RollDown();
+    void ShowFoldedOrNot();
+    void MoveOntoScreen();
 
     // --- The lists (frmControl_lists.cpp) ---
     void FillFileList(std::span<const std::wstring> files);
@@ -117,7 +119,6 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void DisableParts();
     void EnableParts(HWND focused);
     void EndLoad();
-    void CloseIfAsked();
     std::optional<int> FindKnown(int start, int step);
 
     // --- The player (frmControl_player.cpp) ---
@@ -125,7 +126,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void StopMotion();
     void Step(BarButton button);
     void SetDisplaySize(int sizeMode);
-    void CoolBar_ButtonDropDown(BarButton button, POINT below);
+    void CoolBar_ButtonDropDown(BarButton button, const RECT& place);
     void SetImage(BarButton button, ToolbarImage image);
     void ShowDisplaySizeImage();
     void UpdateToolbar();

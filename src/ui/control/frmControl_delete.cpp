@@ -5,9 +5,12 @@
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
+#include "app/base/task_modal.h"
 #include "plugin/modSusie.h"
 #include "ui/control/delete_file.h"
 #include "ui/control/frmControl_busy.h"
+#include "ui/dialogs/frmProgress.h"
+#include "ui/form/screen.h"
 
 namespace tessary {
 
@@ -30,6 +33,8 @@ void frmControl::OpenDeletePanel() {
     deletePanelOpen_ = true;
     SetHeight(kDeletePanelHeight);
     RiseForPanel();
+    // It reaches over the main window now, which some window managers leave in front.
+    SetWindowPos(Handle(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_})
         button->SetEnabled(true);
     ShowFoldedOrNot();
@@ -44,12 +49,10 @@ void frmControl::MoveBy(int pixelsDown) {
 
 // At the lower edge of the screen the panel's buttons would be out of reach.
 void frmControl::RiseForPanel() {
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromWindow(Handle(), MONITOR_DEFAULTTONEAREST), &monitor);
+    const RECT work = ScreenOf(Handle()).rcWork;
     const RECT frame = Frame();
-    const LONG below = std::max<LONG>(frame.bottom - monitor.rcWork.bottom, 0);
-    const LONG room = std::max<LONG>(frame.top - monitor.rcWork.top, 0);
+    const LONG below = std::max<LONG>(frame.bottom - work.bottom, 0);
+    const LONG room = std::max<LONG>(frame.top - work.top, 0);
     const auto rise = static_cast<int>(std::min(below, room));
     risenBy_ += rise;
     if (rise != 0) MoveBy(-rise);
@@ -88,6 +91,7 @@ void frmControl::cmdDelList_Click() {
 void frmControl::cmdOK_Click() {
     if (busy_ > 0) return;
     std::vector<std::wstring> paths;
+    paths.reserve(static_cast<size_t>(listDelete_.Count()));
     for (int i = 0; i < listDelete_.Count(); ++i)
         paths.push_back(listDelete_.Item(i));
     if (ShowMessageBox(L"リスト内の " + std::to_wstring(paths.size()) +
@@ -102,18 +106,24 @@ void frmControl::cmdOK_Click() {
         ReportUnexpectedError(error.Number(), error.Description(), L"frmDelete.cmdOK_Click()");
     }
     if (Handle() != nullptr && deletePanelOpen_ && listDelete_.Count() == 0) CloseDeletePanel();
-    CloseIfAsked();
+    window_.CloseIfAsked();
 }
 
-// From the last one to the first; the user may break off at a file that cannot be deleted.
+// From the last one to the first; the user may break off at a file that cannot be deleted, and at
+// any time once it takes long.
 void frmControl::DeleteFromDisk(const std::vector<std::wstring>& paths) {
     const Busy busy(*this);
+    const TaskModal others(nullptr);
+    frmProgress shown(Handle(), L"ファイルの削除");
     SusieCollection().UnloadFile();  // plug-ins keep archives open
+    const auto total = static_cast<int32_t>(paths.size());
+    int32_t done = 0;
     for (auto path = paths.rbegin(); path != paths.rend(); ++path) {
         const DeleteOutcome outcome = DeleteListedFile(*path);
         if (outcome == DeleteOutcome::kAbort) return;
         if (outcome == DeleteOutcome::kDeleted) ForgetDeleted(*path);
-        if (!window_.Breathe()) return;
+        shown.Tell(*path, ++done, total);
+        if (!window_.Breathe() || shown.IsStopped()) return;
     }
 }
 

@@ -20,6 +20,10 @@ constexpr DWORD kBreathMilliseconds = 20;
 // How long a load takes before the toolbar goes grey.
 constexpr UINT kLongLoadMilliseconds = 200;
 
+// How long a search for the next picture goes on silently, and how often there is news then.
+constexpr DWORD kLongSearchMilliseconds = 300;
+constexpr int kFilesPerNews = 20;
+
 constexpr wchar_t kNotArchive[] = L"Not Archive File.";
 
 bool IsPlainFile(const std::wstring& path) {
@@ -103,6 +107,8 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
     EndLoad();
     if (Values().quitRequested || listFileName_.Count() == 0) return false;
     SetVisible(true);
+    // The first file may keep the window from painting for long.
+    RedrawWindow(Handle(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     listFileName_.Select(0);
     return true;
 }
@@ -261,15 +267,7 @@ void frmControl::TellFailure(const std::wstring& failure) {
 
 void frmControl::EndLoad() {
     Values().pictureLoading = false;
-    CloseIfAsked();
-}
-
-// The main window was closed meanwhile: it closes now. Posted, for the list that was clicked is
-// still at work below us.
-void frmControl::CloseIfAsked() {
-    if (Values().quitRequested && !IsReadUnderWay()) {
-        PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
-    }
+    window_.CloseIfAsked();
 }
 
 // --- Stepping ---
@@ -279,11 +277,22 @@ void frmControl::CloseIfAsked() {
 std::optional<int> frmControl::FindKnown(int start, int step) {
     const Busy busy(*this);
     const int stops = stops_;
-    int index = start;
-    for (; index >= 0 && index < listFileName_.Count(); index += step) {
-        if (QueryFileKind(listFileName_.Item(index)) != kFileUnknown) break;
-        if (!window_.Breathe() || stops != stops_) return std::nullopt;
+    const std::wstring former = textFileInfo_.Text();
+    const DWORD begin = GetTickCount();
+    const int count = listFileName_.Count();
+    std::optional<int> index = start;
+    for (; *index >= 0 && *index < count; *index += step) {
+        if (QueryFileKind(listFileName_.Item(*index)) != kFileUnknown) return index;
+        if (GetTickCount() - begin >= kLongSearchMilliseconds && *index % kFilesPerNews == 0) {
+            TellInfo(L"画像を探しています [ " + std::to_wstring(*index + 1) + L" / " +
+                     std::to_wstring(count) + L" ]");
+        }
+        if (!window_.Breathe() || stops != stops_) {
+            index.reset();
+            break;
+        }
     }
+    TellInfo(former);
     return index;
 }
 
@@ -296,7 +305,7 @@ bool frmControl::ListIndexBackOne() {
     if (listFileName_.Selected() < 0) return false;
     const std::optional<int> found = FindKnown(listFileName_.Selected() - 1, -1);
     if (found) listFileName_.Select(*found);
-    CloseIfAsked();
+    window_.CloseIfAsked();
     return found && *found >= 0;
 }
 
@@ -310,7 +319,7 @@ bool frmControl::ListIndexForwardOne() {
     if (listFileName_.Selected() >= count - 1) return false;
     const std::optional<int> found = FindKnown(listFileName_.Selected() + 1, 1);
     if (found) listFileName_.Select(std::min(*found, count - 1));
-    CloseIfAsked();
+    window_.CloseIfAsked();
     return found && *found < count;
 }
 

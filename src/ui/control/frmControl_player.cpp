@@ -114,15 +114,17 @@ void frmControl::ShowDisplaySizeImage() {
     SetImage(BarButton::kDisplaySize, SizeModeImage(mode));
 }
 
-void frmControl::CoolBar_ButtonDropDown(BarButton button, POINT below) {
+// The menu drops down below the button; where the screen has no room, it rises above it.
+void frmControl::CoolBar_ButtonDropDown(BarButton button, const RECT& place) {
     const int resource = button == BarButton::kDisplaySize ? menuDisplaySizeWindow
                          : button == BarButton::kOpen      ? menuOpenWindow
                                                            : menuSaveWindow;
     const UniqueMenu window = LoadMenuResource(resource);
     const HMENU popup = GetSubMenu(window.Get(), 0);
     window_.Commands().ShowState(popup);
-    const int chosen = TrackPopupMenuEx(popup, TPM_RETURNCMD | TPM_LEFTBUTTON, below.x, below.y,
-                                        Handle(), nullptr);
+    TPMPARAMS besides{sizeof(TPMPARAMS), place};
+    const int chosen = TrackPopupMenuEx(popup, TPM_RETURNCMD | TPM_LEFTBUTTON | TPM_VERTICAL,
+                                        place.left, place.bottom, Handle(), &besides);
     if (chosen != 0) window_.Commands().Run(chosen);
 }
 

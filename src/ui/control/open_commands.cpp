@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,20 +28,9 @@ namespace {
 // long names.
 constexpr DWORD kOpenFlags = 0x281A04;
 
-// A search that takes longer shows its progress window, in milliseconds.
-constexpr DWORD kProgressDelay = 500;
-// The caption and the progress window change no more often than that.
-constexpr DWORD kProgressInterval = 40;
-
 // The last folder that anything was opened from, kept with the settings.
 std::wstring LastFolder() {
     return FirstChosenFolder({&Values().general.openPath});
-}
-
-// Above the window that the command was given in: the main window or the control bar.
-HWND DialogOwner(const frmMain& window) {
-    const HWND active = GetActiveWindow();
-    return active != nullptr ? active : window.Handle();
 }
 
 struct Collected {
@@ -54,39 +42,26 @@ struct Collected {
 Collected CollectFiles(const ScanRequest& request, HWND owner, BusyWindow& busy) {
     const ReadUnderWay read;
     Collected collected;
-    bool stopped = false;
-    std::optional<frmDirList> progress(std::in_place, [&stopped] { stopped = true; });
+    frmDirList progress(owner);
     FolderScan scan(request);
-    const DWORD start = GetTickCount();
-    DWORD lastShown = start - kProgressInterval;
-    while (!scan.HasEnded() && !stopped) {
-        if (!scan.Wait(kProgressInterval) || Values().quitRequested) return {};
-        const DWORD now = GetTickCount();
-        if (now - lastShown < kProgressInterval) continue;
-        lastShown = now;
+    DWORD lastTold = GetTickCount() - ProgressDialog::kInterval;
+    while (!scan.HasEnded() && !progress.IsStopped()) {
+        if (!scan.Wait(ProgressDialog::kInterval) || Values().quitRequested) return {};
+        if (GetTickCount() - lastTold < ProgressDialog::kInterval) continue;
+        lastTold = GetTickCount();
         const ScanNews news = scan.Take(collected.files);
         if (news.looked >= kScanStep) {
             busy.SetCaption(L"ファイルを読み込み中です [ " +
                             std::to_wstring(news.looked / kScanStep * kScanStep) + L" 枚]");
         }
-        if (now - start < kProgressDelay) continue;
-        if (progress->Handle() == nullptr) progress->Show(owner);
-        progress->ShowProgress(news.folder, news.looked);
+        progress.ShowProgress(news.folder, news.looked);
     }
-    if (stopped) {
+    if (progress.IsStopped()) {
         scan.Stop();
     } else {
         collected.error = scan.Error();
     }
     scan.Take(collected.files);
-    if (progress->Handle() != nullptr) {
-        // While every other window is disabled, closing the active one would bring another
-        // program to the front.
-        EnableWindow(owner, TRUE);
-        SetActiveWindow(owner);
-        progress.reset();
-        EnableWindow(owner, FALSE);
-    }
     return collected;
 }
 
@@ -114,11 +89,12 @@ void OpenCommands::menuFileOpen_Click() {
             dialog.SetFilter(SusieCollection().GetCommonDialogString());
             dialog.SetInitDir(LastFolder());
             dialog.SetFlags(kOpenFlags);
-            if (!dialog.ShowOpen(DialogOwner(window_))) return;
+            if (!dialog.ShowOpen(window_.DialogOwner())) return;
         }
         const ChosenFiles chosen = FilesOfDialog(dialog.FileName());
         if (chosen.paths.empty() || window_.Handle() == nullptr) return;
         Values().general.openPath = chosen.folder;
+        window_.ShowNothingToOpen(false);
         bar_.SetFileList(chosen.paths);
     } catch (...) {
         ReportError(L"frmMain - menuFileOpen_Click");
@@ -138,16 +114,12 @@ void OpenCommands::menuOpenFolder_Click() {
     } catch (...) {
         ReportError(L"frmMain - menuOpenFolder_Click");
     }
-    // The window was closed during the search: now nothing keeps it open.
-    // Posted: the toolbar that began it is still at work below us.
-    if (Values().quitRequested && !IsReadUnderWay()) {
-        PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
-    }
+    window_.CloseIfAsked();
 }
 
 // The system's dialog knows neither sub-folders nor extensions.
 bool OpenCommands::ChooseFolder(ScanRequest& request) const {
-    const HWND owner = DialogOwner(window_);
+    const HWND owner = window_.DialogOwner();
     if (Values().general.openFolderType != 0) {
         request.folder =
             BrowseForFolder(owner, L"フォルダの参照",
@@ -171,6 +143,7 @@ void OpenCommands::OpenFolder(const ScanRequest& request) {
         if (Values().quitRequested) return;
         busy.SetCaption(L"ファイル一覧を作成しています");
         bar_.SetVisible(true);
+        window_.ShowNothingToOpen(collected.files.empty());
         bar_.SetFileList(collected.files);
     }
     if (collected.error != ERROR_SUCCESS) {

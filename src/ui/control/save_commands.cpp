@@ -5,11 +5,14 @@
 
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
+#include "app/base/task_modal.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
 #include "picture/save/save_picture.h"
+#include "picture/save/save_progress.h"
 #include "res/resource.h"
+#include "ui/dialogs/frmProgress.h"
 #include "ui/dialogs/frmSaveOption.h"
 #include "ui/dialogs/start_folder.h"
 #include "ui/form/busy_pointer.h"
@@ -90,16 +93,24 @@ std::wstring Reason(DWORD error) {
     }
 }
 
-void Save(const std::wstring& path) {
-    DWORD error = ERROR_SUCCESS;
-    {
-        const BusyPointer busy;
-        SetLastError(ERROR_SUCCESS);
-        if (SavePictureFile(CurrentPicture(), path, 0)) return;
-        error = GetLastError();
-    }
-    ShowMessageBox(L"ファイル " + path + L" に保存できません。" + Reason(error),
-                   MB_ICONEXCLAMATION);
+enum class Saved { kYes, kNo, kStopped };
+
+// Closing the program waits for the end: only the user who stops it gives up a picture. `error`
+// receives the reason for kNo.
+Saved SaveTellingProgress(const std::wstring& path, frmMain& window, DWORD& error) {
+    const ReadUnderWay busy;  // the picture must stay as it is
+    const BusyPointer pointer;
+    const TaskModal others(nullptr);
+    frmProgress shown(window.DialogOwner(), L"画像の保存");
+    const SaveProgress progress([&](int percent) {
+        shown.Tell(path, percent, 100);
+        window.Breathe();
+        return !shown.IsStopped();
+    });
+    SetLastError(ERROR_SUCCESS);
+    if (SavePictureFile(CurrentPicture(), path, SaveProgress::PassThrough())) return Saved::kYes;
+    error = GetLastError();
+    return shown.IsStopped() ? Saved::kStopped : Saved::kNo;
 }
 
 }  // namespace
@@ -134,16 +145,24 @@ SaveDialogRequest SaveCommands::RequestFor(Choice& chosen) const {
 }
 
 void SaveCommands::menuFileSaveAs_Click() {
-    // Above the window that the command was given in: the main window or the control bar.
-    const HWND active = GetActiveWindow();
+    const HWND owner = window_.DialogOwner();
     Choice chosen{};
-    const bool accepted =
-        choose_(active != nullptr ? active : window_.Handle(), RequestFor(chosen));
+    const bool accepted = choose_(owner, RequestFor(chosen));
     // The session may have ended meanwhile.
     if (!accepted || CurrentPicture().info == nullptr) return;
     format_ = chosen.format;
     Values().general.savePath = WithoutBackslash(FolderOf(chosen.path));
     Save(chosen.path);
+}
+
+void SaveCommands::Save(const std::wstring& path) {
+    DWORD error = ERROR_SUCCESS;
+    const Saved saved = SaveTellingProgress(path, window_, error);
+    window_.CloseIfAsked();
+    if (saved == Saved::kNo) {
+        ShowMessageBox(L"ファイル " + path + L" に保存できません。" + Reason(error),
+                       MB_ICONEXCLAMATION);
+    }
 }
 
 }  // namespace tessary

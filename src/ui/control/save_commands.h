@@ -20,8 +20,9 @@ class SaveCommands {
     SaveCommands(const SaveCommands&) = delete;
     SaveCommands& operator=(const SaveCommands&) = delete;
 
-    // Saves the current picture in its own size under a name that the user chooses. The folder is
-    // remembered with the settings, the format for this run of the program.
+    // Saves the current picture in its own size under a name that the user chooses. When that takes
+    // long, a window tells how far it is and stops it. The folder is remembered with the settings,
+    // the format for this run of the program.
     void menuFileSaveAs_Click();
 
   private:
@@ -31,6 +32,7 @@ class SaveCommands {
         SaveFormat format;
     };
     SaveDialogRequest RequestFor(Choice& chosen) const;
+    void Save(const std::wstring& path);
 
     frmMain& window_;
     Chooser choose_;

@@ -13,6 +13,7 @@ ConvertCommands::ConvertCommands(frmMain& window, const ControlBar& bar,
     window_.Commands().Register(menuFileSaveAll, {.run = [this] { menuFileSaveAll_Click(); }});
     window_.Commands().Register(menuFileConvertAll,
                                 {.run = [this] { menuFileConvertAll_Click(); }});
+    window_.OnCloseDuringRead([this] { return converter_.RefusesToClose(); });
 }
 
 void ConvertCommands::menuFileSaveAll_Click() {
@@ -25,8 +26,8 @@ void ConvertCommands::menuFileConvertAll_Click() {
 
 void ConvertCommands::Convert(const std::vector<std::wstring>& files) {
     converter_.ShowConvertDialog(window_.Handle(), files);
-    // The main window was closed during a run: now nothing keeps it open. Posted: the toolbar that
-    // began it may still be at work below us.
+    // The session ended during a run: now nothing keeps the main window open. Posted: the toolbar
+    // that began it may still be at work below us.
     if (Values().quitRequested && !IsReadUnderWay()) {
         PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
     }

@@ -187,7 +187,7 @@ std::optional<LRESULT> frmConvertAll::OnMessage(UINT message, WPARAM wParam, LPA
             return 0;
         }
         case WM_ENDSESSION:
-            if (wParam != FALSE) continue_ = false;
+            if (wParam != FALSE) EndSession();
             return 0;
         case WM_SETCURSOR:
             if (LOWORD(lParam) != HTCLIENT || (!converting_ && !listing_)) break;

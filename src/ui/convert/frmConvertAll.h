@@ -39,6 +39,9 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     // files.
     void ShowConvertDialog(HWND owner, std::span<const std::wstring> files);
 
+    // Whether a run keeps the program from being closed. The user is told so then.
+    bool RefusesToClose();
+
     // ConvertMonitor. What is told shows on the screen at most about thirty times a second, when
     // messages are let through as well. False once the user has confirmed a stop, or the program is
     // to end.
@@ -80,6 +83,7 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     void Dialog_OK() override;
     void Dialog_Cancel() override;
     void Form_QueryUnload(bool& cancel);
+    void EndSession();
     void cmdRunConvert_Click();
     void cmdOK_Click();
     void Command2_Click();
@@ -109,6 +113,8 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     bool converting_ = false;
     bool leaving_ = false;  // asked to close while a folder is being listed
     bool continue_ = false;
+    bool ended_ = false;     // the last run has got to its end
+    bool refusing_ = false;  // the user is being told that a run is under way
     Progress total_;
     Progress file_;
     OutcomeCounts outcomes_;

@@ -1,5 +1,6 @@
 // The converter's window during a run and behind it.
 #include "app/base/message_box.h"
+#include "app/base/raised_flag.h"
 #include "app/settings/modValue.h"
 #include "convert/modConvertFiles.h"
 #include "res/resource.h"
@@ -42,7 +43,7 @@ void frmConvertAll::cmdRunConvert_Click() {
         const MessageFilter keys([this](MSG& message) {
             return Handle() != nullptr && IsDialogMessageW(Handle(), &message) != FALSE;
         });
-        ConvertFiles(folder, *this);
+        ended_ = ConvertFiles(folder, *this);
     }
     EndRun();
 }
@@ -116,11 +117,24 @@ void frmConvertAll::Dialog_Cancel() {
 }
 
 void frmConvertAll::Form_QueryUnload(bool& cancel) {
-    if (!converting_) return;
+    cancel = RefusesToClose();
+}
+
+bool frmConvertAll::RefusesToClose() {
+    if (!converting_) return false;
+    if (refusing_) return true;  // each window of the program may be asked
+    const RaisedFlag refusing(refusing_);
     ShowMessageBox(
         L"画像の変換処理を行っています。\r\n変換処理を中止してからWindowを閉じてください。",
         MB_ICONSTOP);
-    cancel = true;
+    return true;
+}
+
+// The system does not wait for an answer to a message, and the run would.
+void frmConvertAll::EndSession() {
+    continue_ = false;
+    const HWND message = GetLastActivePopup(Handle());
+    if (message != Handle()) PostMessageW(message, WM_CLOSE, 0, 0);
 }
 
 // --- What the engine tells ---
@@ -165,7 +179,7 @@ std::wstring frmConvertAll::ResultText() const {
     // The engine writes no log then.
     if (listConvertLog_.Count() == 0)
         return L"変換できませんでした。ファイルの保存先を確認してください。";
-    return (continue_ ? L"変換が終わりました。　" : L"変換を中止しました。　") + counts;
+    return (ended_ ? L"変換が終わりました。　" : L"変換を中止しました。　") + counts;
 }
 
 }  // namespace tessary

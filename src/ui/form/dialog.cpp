@@ -10,6 +10,7 @@
 #include "ui/form/control.h"
 #include "ui/form/dialog_template.h"
 #include "ui/form/metrics.h"
+#include "ui/form/screen.h"
 #include "ui/form/window.h"
 
 namespace tessary {
@@ -43,19 +44,8 @@ void RefuseSystemScaling(HWND dialog) {
     if (setBehavior != nullptr) setBehavior(dialog, kDisableAll, kDisableAll);
 }
 
-RECT WorkAreaAt(const RECT& place) {
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor.rcWork;
-}
-
 bool IsSizeable(HWND window) {
     return (GetWindowLongPtrW(window, GWL_STYLE) & WS_THICKFRAME) != 0;
-}
-
-SIZE SizeOf(const RECT& rectangle) {
-    return {rectangle.right - rectangle.left, rectangle.bottom - rectangle.top};
 }
 
 }  // namespace
@@ -135,11 +125,12 @@ void Dialog::PlaceWindow() {
         RECT around{};
         const HWND owner = GetWindow(handle_, GW_OWNER);
         const bool overOwner = owner != nullptr && IsWindowVisible(owner) && !IsIconic(owner);
-        if (!overOwner || !GetWindowRect(owner, &around)) around = WorkAreaAt(window);
+        if (!overOwner || !GetWindowRect(owner, &around)) around = ScreenOf(window).rcWork;
         window.left = (around.left + around.right - size.cx) / 2;
         window.top = (around.top + around.bottom - size.cy) / 2;
     }
-    const RECT work = WorkAreaAt({window.left, window.top, window.left + 1, window.top + 1});
+    const RECT work =
+        ScreenOf({window.left, window.top, window.left + size.cx, window.top + size.cy}).rcWork;
     const LONG left = std::max(std::min(window.left, work.right - size.cx), work.left);
     const LONG top = std::max(std::min(window.top, work.bottom - size.cy), work.top);
     SetWindowPos(handle_, nullptr, left, top, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/base/error.h"
+#include "app/base/quit.h"
 
 namespace tessary {
 namespace {
@@ -45,9 +46,12 @@ void Dispatch(MSG& message) {
 
 int RunMessageLoop() {
     MSG message{};
-    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-        Dispatch(message);
-    }
+    do {
+        while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+            Dispatch(message);
+        }
+    } while (!IsQuitRequested());
+    QuitIsDone();
     return static_cast<int>(message.wParam);
 }
 
@@ -55,6 +59,7 @@ bool DoEvents() {
     MSG message{};
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
+            if (!IsQuitRequested()) continue;
             PostQuitMessage(static_cast<int>(message.wParam));
             return false;
         }

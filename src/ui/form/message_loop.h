@@ -25,7 +25,8 @@ class MessageFilter {
     std::function<bool(MSG&)> takes_;
 };
 
-// Runs until PostQuitMessage; the result is its exit status.
+// Runs until RequestQuit (app/base/quit.h), whose status is the result. WM_QUIT of anybody else, a
+// plug-in's window for instance, ends nothing.
 int RunMessageLoop();
 
 // Handles the messages that wait now, so that windows stay alive during a long operation. False

@@ -137,13 +137,12 @@ void Toolbar::Press(int index) const {
 
 void Toolbar::DropDown(int index) const {
     if (StateOf(index).kind != ToolbarItem::Kind::kDropDown || !IsPressable(index)) return;
-    const RECT button = ButtonRectangle(index);
-    POINT below{button.left, button.bottom};
-    ClientToScreen(Handle(), &below);
+    RECT button = ButtonRectangle(index);
+    MapWindowPoints(Handle(), nullptr, reinterpret_cast<POINT*>(&button), 2);
     const auto handler = dropDown_;
     const auto tips = reinterpret_cast<HWND>(Send(TB_GETTOOLTIPS));
     SendMessageW(tips, TTM_ACTIVATE, FALSE, 0);  // they would appear over the menu
-    if (handler) handler(index, below);
+    if (handler) handler(index, button);
     SendMessageW(tips, TTM_ACTIVATE, TRUE, 0);
 }
 

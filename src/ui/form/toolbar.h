@@ -37,8 +37,8 @@ class Toolbar final : public Control {
     // The user has pressed a button.
     void OnButton(std::function<void(int index)> handler) { button_ = std::move(handler); }
 
-    // The user wants the menu of a drop-down; `below` is its lower left corner on the screen.
-    void OnDropDown(std::function<void(int index, POINT below)> handler) {
+    // The user wants the menu of a drop-down, which is here on the screen.
+    void OnDropDown(std::function<void(int index, const RECT& button)> handler) {
         dropDown_ = std::move(handler);
     }
 
@@ -100,7 +100,7 @@ class Toolbar final : public Control {
     UniqueImageList greyed_;
     int current_ = 1;  // where the keyboard is
     std::function<void(int)> button_;
-    std::function<void(int, POINT)> dropDown_;
+    std::function<void(int, const RECT&)> dropDown_;
     std::function<void()> backgroundPress_;
 };
 

@@ -3,16 +3,14 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/base/command_line.h"
 #include "app/base/message_box.h"
-#include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "picture/current_picture.h"
 #include "ui/form/clipboard.h"
 #include "ui/form/menu.h"
 #include "ui/form/message_loop.h"
-#include "ui/form/worker.h"
+#include "ui/form/screen.h"
 #include "ui/main/window_placement.h"
 
 namespace tessary {
@@ -23,9 +21,6 @@ constexpr FormDesign kDesign{.className = L"TessaryMainWindow",
                              .menu = menuMainWindow,
                              .icon = iconApplication};
 
-// Posted to the window itself: there are files to open.
-constexpr UINT kOpenFilesMessage = WM_APP + 1;
-
 // How long a load may keep the window waiting for its messages.
 constexpr DWORD kBreathMilliseconds = 20;
 
@@ -33,17 +28,6 @@ constexpr DWORD kBreathMilliseconds = 20;
 constexpr BarButton kControlButtons[] = {BarButton::kRewind,      BarButton::kReversePlay,
                                          BarButton::kStop,        BarButton::kPlay,
                                          BarButton::kFastForward, BarButton::kFold};
-
-SIZE SizeOf(const RECT& rectangle) {
-    return {rectangle.right - rectangle.left, rectangle.bottom - rectangle.top};
-}
-
-MONITORINFO ScreenOf(HWND window) {
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor;
-}
 
 }  // namespace
 
@@ -146,46 +130,6 @@ SIZE frmMain::MinimumSize() const {
     return {320, 240};
 }
 
-void frmMain::AcceptDroppedFiles() {
-    const FileDropTarget::Handlers handlers{
-        .accepts =
-            [this] {
-                return fileListReceiver_ != nullptr && !IsReadUnderWay() &&
-                       IsWindowEnabled(Handle());
-            },
-        .drop = [this](const std::vector<std::wstring>& paths) { OpenLater(paths); }};
-    windowDrop_.Register(Handle(), handlers);
-    viewDrop_.Register(pictureView_.Handle(), handlers);
-}
-
-// The first picture is shown when the window already stands on the screen.
-void frmMain::OpenCommandLine() {
-    std::vector<std::wstring> files;
-    ParseCommandLine(services_.commandLine, Values().platformId, files);
-    if (!files.empty()) OpenLater(files);
-}
-
-void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
-    filesToOpen_ = paths;
-    PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
-}
-
-void frmMain::OpenNow(std::vector<std::wstring> paths) {
-    if (fileListReceiver_ == nullptr || paths.empty() || IsReadUnderWay()) return;
-    std::optional<std::vector<std::wstring>> files;
-    {
-        const ReadUnderWay reading;
-        files = CallInBackground<std::vector<std::wstring>>(
-            [paths = std::move(paths)] { return WithFoldersExpanded(paths); },
-            [] { return !Values().quitRequested; });
-    }
-    if (Values().quitRequested) {
-        PostMessageW(Handle(), WM_CLOSE, 0, 0);  // nothing keeps the window open any more
-    } else if (files) {
-        fileListReceiver_->SetFileList(*files);
-    }
-}
-
 std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SETCURSOR:
@@ -203,6 +147,9 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
         case WM_SETFOCUS:  // the keys are the picture's
             SetFocus(pictureView_.Handle());
             return 0;
+        case WM_WINDOWPOSCHANGING:
+            fullScreen_.Keep(Handle(), *reinterpret_cast<WINDOWPOS*>(lParam));
+            return std::nullopt;
         case WM_DISPLAYCHANGE:
             ScreenChanged();
             return std::nullopt;
@@ -232,8 +179,12 @@ void frmMain::EndSession() {
 
 void frmMain::Form_QueryUnload(bool& cancel) {
     if (!IsReadUnderWay()) return;
-    Values().quitRequested = true;
     cancel = true;
+    if (!refusesToClose_ || !refusesToClose_()) Values().quitRequested = true;
+}
+
+void frmMain::CloseIfAsked() const {
+    if (Values().quitRequested && !IsReadUnderWay()) PostMessageW(Handle(), WM_CLOSE, 0, 0);
 }
 
 void frmMain::Form_Unload() {
@@ -314,6 +265,7 @@ void frmMain::pictureView_MouseMove(POINT at, bool leftButton) {
 }
 
 void frmMain::pictureView_ContextMenu(POINT onScreen) {
+    restingPointer_.Wake();
     const UniqueMenu window = LoadMenuResource(menuPopupWindow);
     const HMENU popup = GetSubMenu(window.Get(), 0);
     dib::BitmapInfoHeader header{};

@@ -62,8 +62,23 @@ class frmMain final : public Form, public PictureView {
         pictureShownChanged_ = std::move(handler);
     }
 
+    // Asked when the window is to be closed during a read. True refuses, and the user has been told
+    // why; else the window closes behind the read.
+    void OnCloseDuringRead(std::function<bool()> refuses) { refusesToClose_ = std::move(refuses); }
+
     // Shows the loaded window for the first time, maximised when it was left so.
     void Show() { Form::Show(startsMaximized_ ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL); }
+
+    // Above which window a command shows its dialog: the one that it was given in, which may be the
+    // control bar.
+    HWND DialogOwner() const {
+        const HWND active = GetActiveWindow();
+        return active != nullptr ? active : Handle();
+    }
+
+    // Closes the window when that was asked for during a read (quitRequested) and none is under way
+    // any more. Posted: whoever has read may still be at work below.
+    void CloseIfAsked() const;
 
     // Moves the window down by so many pixels, as far as the screen has room for it.
     void MakeRoomAbove(int pixels);
@@ -71,6 +86,9 @@ class frmMain final : public Form, public PictureView {
     // Hands files to their receiver as soon as the messages that wait now are done. A folder
     // stands for the plain files directly in it. Ignored while a picture is being loaded.
     void OpenLater(const std::vector<std::wstring>& paths);
+
+    // Tells in the status bar that what was to be opened holds no file, or takes that back.
+    void ShowNothingToOpen(bool isNothing);
 
     // Arrow keys scroll; Enter, the space bar and Page Down step forward, Shift+Enter, Backspace
     // and Page Up back. `shift` is a sum of kShiftMask …. The control bar passes its own keys on to
@@ -101,14 +119,21 @@ class frmMain final : public Form, public PictureView {
     void PlaceWindow();
     void CreateControls();
     void RegisterCommands();
-    void AcceptDroppedFiles();
-    void OpenCommandLine();
-    void OpenNow(std::vector<std::wstring> paths);
     std::optional<LRESULT> OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void EndSession();
 
+    // --- What is to be opened (frmMain_open.cpp) ---
+    // Posted to the window itself: there are files to open.
+    static constexpr UINT kOpenFilesMessage = WM_APP + 1;
+    // Finds the files; may take long, and runs beside the user-interface thread.
+    using FileListing = std::function<std::vector<std::wstring>()>;
+    void AcceptDroppedFiles();
+    void OpenCommandLine();
+    void OpenNow(FileListing listing);
+
     // --- The full screen and the wheel (frmMain_full_screen.cpp) ---
     void RegisterFullScreenCommands();
+    void Escape();
     void SetFullScreen(bool on);
     void ScreenChanged();
     void FitToScreen();
@@ -137,7 +162,8 @@ class frmMain final : public Form, public PictureView {
     bool startsMaximized_ = false;
     PictureSource source_;
     std::function<void()> pictureShownChanged_;
-    std::vector<std::wstring> filesToOpen_;
+    std::function<bool()> refusesToClose_;
+    FileListing filesToOpen_;
     Accelerators accelerators_;
     DWORD lastBreath_ = 0;  // tick count, milliseconds
     // Last, so that they let go of the windows first.

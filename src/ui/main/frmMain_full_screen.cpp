@@ -11,15 +11,16 @@ void frmMain::RegisterFullScreenCommands() {
     commands_.Register(commandFullScreen, {.run = [this] { SetFullScreen(!fullScreen_.IsOn()); },
                                            .checked = [this] { return fullScreen_.IsOn(); },
                                            .whileLoading = true});
-    commands_.Register(commandEscape, {.run =
-                                           [this] {
-                                               if (fullScreen_.IsOn()) {
-                                                   SetFullScreen(false);
-                                               } else {
-                                                   commands_.Run(commandCancelDelete);
-                                               }
-                                           },
-                                       .whileLoading = true});
+    commands_.Register(commandEscape, {.run = [this] { Escape(); }, .whileLoading = true});
+}
+
+// One thing at a time, the nearest one first.
+void frmMain::Escape() {
+    if (fullScreen_.IsOn()) {
+        SetFullScreen(false);
+    } else {
+        commands_.Run(IsReadUnderWay() ? menuControl_2 : commandCancelDelete);
+    }
 }
 
 // The control bar is out of sight meanwhile, and comes back when it was there before.

@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "ui/form/metrics.h"
+#include "ui/form/screen.h"
+
 namespace tessary {
 namespace {
 
@@ -13,6 +16,11 @@ WINDOWPLACEMENT PlacementOf(HWND window) {
     placement.length = sizeof(placement);
     GetWindowPlacement(window, &placement);
     return placement;
+}
+
+bool IsSame(const MONITORINFO& screen, const MONITORINFO& other) {
+    return EqualRect(&screen.rcMonitor, &other.rcMonitor) &&
+           EqualRect(&screen.rcWork, &other.rcWork);
 }
 
 // A frame that has changed is computed anew by that.
@@ -28,7 +36,8 @@ void FullScreen::Enter(HWND window) {
     RECT frame{};
     GetWindowRect(window, &frame);
     const LONG_PTR style = GetWindowLongPtrW(window, GWL_STYLE);
-    former_ = Former{PlacementOf(window), frame, style, UniqueMenu(GetMenu(window))};
+    former_ = Former{PlacementOf(window),   frame, ScreenOf(frame),
+                     Metrics(window).Dpi(), style, UniqueMenu(GetMenu(window))};
     SetWindowLongPtrW(window, GWL_STYLE, style & ~kFrameStyles);
     SetMenu(window, nullptr);
     Cover(window);
@@ -40,20 +49,45 @@ void FullScreen::Leave(HWND window) {
     // Whether the window is visible or enabled now is not what is put back.
     const LONG_PTR now = GetWindowLongPtrW(window, GWL_STYLE);
     LONG_PTR frame = former.style & kFrameStyles;
-    // A window whose screen is gone finds another one, and is maximised there anew.
-    const bool screenIsThere = MonitorFromRect(&former.frame, MONITOR_DEFAULTTONULL) != nullptr;
-    if (!screenIsThere) frame &= ~LONG_PTR{WS_MAXIMIZE};
+    // Where the screen is another one now, the system finds the place, and maximises anew.
+    const bool isSame = IsSame(ScreenOf(former.frame), former.screen);
+    if (!isSame) frame &= ~LONG_PTR{WS_MAXIMIZE};
     SetWindowLongPtrW(window, GWL_STYLE, now | frame);
     SetMenu(window, former.menu.Release());
-    SetWindowPlacement(window, &former.placement);
-    if (screenIsThere) MoveTo(window, former.frame);
+    // A screen of another resolution has the window scale itself on its way there.
+    for (int pass = 0; pass < 2; ++pass) {
+        const int dpi = Metrics(window).Dpi();
+        WINDOWPLACEMENT placement = former.placement;
+        RECT& normal = placement.rcNormalPosition;
+        const SIZE size = SizeOf(normal);
+        normal.right = normal.left + MulDiv(size.cx, dpi, former.dpi);
+        normal.bottom = normal.top + MulDiv(size.cy, dpi, former.dpi);
+        SetWindowPlacement(window, &placement);
+        if (isSame && dpi == former.dpi) MoveTo(window, former.frame);
+    }
 }
 
 void FullScreen::Cover(HWND window) const {
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    MoveTo(window, monitor.rcMonitor);
+    MoveTo(window, ScreenOf(window).rcMonitor);
+}
+
+void FullScreen::Keep(HWND window, WINDOWPOS& place) const {
+    if (!IsOn() || IsIconic(window)) return;
+    RECT target{};
+    GetWindowRect(window, &target);
+    if ((place.flags & SWP_NOMOVE) == 0) {
+        OffsetRect(&target, place.x - target.left, place.y - target.top);
+    }
+    if ((place.flags & SWP_NOSIZE) == 0) {
+        target.right = target.left + place.cx;
+        target.bottom = target.top + place.cy;
+    }
+    const RECT screen = ScreenOf(target).rcMonitor;
+    place.x = screen.left;
+    place.y = screen.top;
+    place.cx = SizeOf(screen).cx;
+    place.cy = SizeOf(screen).cy;
+    place.flags &= ~UINT{SWP_NOMOVE | SWP_NOSIZE};
 }
 
 WINDOWPLACEMENT FullScreen::Placement(HWND window) const {

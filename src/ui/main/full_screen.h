@@ -23,6 +23,10 @@ class FullScreen {
     // Spreads the window over its screen again, which has another size now.
     void Cover(HWND window) const;
 
+    // Whoever moves the window (WM_WINDOWPOSCHANGING), it covers the screen that it comes to.
+    // Nothing while there is no full screen.
+    void Keep(HWND window, WINDOWPOS& place) const;
+
     // Where the window stands, and on a full screen, where it will stand again.
     WINDOWPLACEMENT Placement(HWND window) const;
 
@@ -30,6 +34,8 @@ class FullScreen {
     struct Former {
         WINDOWPLACEMENT placement;
         RECT frame;  // on the screen; of a maximised window its placement does not tell it
+        MONITORINFO screen;
+        int dpi;
         LONG_PTR style;
         UniqueMenu menu;
     };

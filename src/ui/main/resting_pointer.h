@@ -18,11 +18,15 @@ class RestingPointer {
     void Stop();
     bool IsHidden() const { return hidden_; }
 
+    // The pointer is wanted again, wherever it is.
+    void Wake();
+
     // The pointer was seen here. The system tells that also where it has not moved.
     void Seen(POINT at);
 
   private:
     void Hide();
+    bool IsWanted() const;
 
     HWND control_ = nullptr;
     POINT at_{-1, -1};

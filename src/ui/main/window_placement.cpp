@@ -5,6 +5,7 @@
 #include "app/base/error.h"
 #include "app/settings/setting_value.h"
 #include "app/settings/settings_store.h"
+#include "ui/form/screen.h"
 
 namespace tessary {
 namespace {
@@ -58,16 +59,13 @@ std::optional<WINDOWPLACEMENT> ReadMainPlacement() {
         return std::nullopt;
     }
     const RECT caption{x + kCaptionEnds, y, x + width - kCaptionEnds, y + kCaptionHeight};
-    const HMONITOR screen = MonitorFromRect(&caption, MONITOR_DEFAULTTONULL);
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof(monitor);
-    if (screen == nullptr || !GetMonitorInfoW(screen, &monitor)) return std::nullopt;
-    const RECT& work = monitor.rcWork;
+    if (!IsOnAScreen(caption)) return std::nullopt;
+    const SIZE work = SizeOf(ScreenOf(caption).rcWork);
 
     WINDOWPLACEMENT placement{};
     placement.length = sizeof(placement);
-    placement.rcNormalPosition = {x, y, x + std::min<LONG>(width, work.right - work.left),
-                                  y + std::min<LONG>(height, work.bottom - work.top)};
+    placement.rcNormalPosition = {x, y, x + std::min<LONG>(width, work.cx),
+                                  y + std::min<LONG>(height, work.cy)};
     placement.showCmd = number(L"Main_Maximized") != 0 ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL;
     return placement;
 }

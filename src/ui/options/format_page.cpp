@@ -20,7 +20,7 @@ std::wstring Described(const saving::JpegSaveOptions& options) {
 
 std::wstring Described(const saving::PngSaveOptions& options) {
     std::wstring text = L"圧縮率 " + std::to_wstring(options.quality);
-    if (options.interlace != 0) text += L"、インターレース";
+    if (options.interlace != 0) text += L"、インターレス";
     return text;
 }
 

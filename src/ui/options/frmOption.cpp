@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "plugin/susie_calls.h"
+#include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "ui/form/metrics.h"
 
@@ -95,17 +95,18 @@ void frmOption::ShowPage(int page) {
 void frmOption::ShowAll() {
     for (OptionPage* const page : all_)
         page->ShowValues();
-    cmdApply_.SetEnabled(false);
+    Changed();
 }
 
 void frmOption::Changed() {
     all_[static_cast<size_t>(page_)]->ShowState();
-    cmdApply_.SetEnabled(!(options_ == before_));
+    cmdApply_.SetEnabled(!(options_ == before_) || SusieCollection().IsIncomplete());
 }
 
 void frmOption::cmdApply_Click() {
     if (IsBusy()) return;
-    apply_(options_);
+    apply_(options_, Handle());
+    if (Handle() == nullptr) return;  // the session has ended meanwhile
     before_ = options_ = CurrentOptions();
     ShowAll();
     ShowPage(page_);

@@ -22,8 +22,9 @@ constexpr int kFormatPage = 3;
 
 class frmOption final : private Dialog {
   public:
-    // Makes edited values the program's; what they are then is what CurrentOptions tells.
-    using Taker = std::function<void(const OptionValues& options)>;
+    // Makes edited values the program's; what they are then is what CurrentOptions tells. Windows
+    // that it shows belong above `owner`.
+    using Taker = std::function<void(const OptionValues& options, HWND owner)>;
 
     // `apply` is called whenever the user wants to have the values and keep the dialog.
     explicit frmOption(Taker apply);

@@ -1,5 +1,6 @@
 #include "ui/options/frmSPIAbout.h"
 
+#include <algorithm>
 #include <string>
 
 #include "app/base/message_box.h"
@@ -7,6 +8,19 @@
 #include "ui/form/clipboard.h"
 
 namespace tessary {
+namespace {
+
+std::wstring CountText(const std::vector<PluginFacts>& plugins) {
+    const auto leftOut = std::ranges::count_if(
+        plugins, [](const PluginFacts& plugin) { return !plugin.leftOut.empty(); });
+    const auto loaded = static_cast<std::ptrdiff_t>(plugins.size()) - leftOut;
+    std::wstring text = loaded == 0 ? L"使用できるプラグインはありません"
+                                    : std::to_wstring(loaded) + L"個のプラグイン（試す順）";
+    if (leftOut > 0) text += L"、使用できないファイル " + std::to_wstring(leftOut) + L"個";
+    return text;
+}
+
+}  // namespace
 
 frmSPIAbout::frmSPIAbout() : Dialog(dialogSPIAbout) {}
 
@@ -18,9 +32,7 @@ void frmSPIAbout::Dialog_Load() {
 
     plugins_ = ListPlugins();
     count_.Attach(Handle(), aboutPluginCount);
-    count_.SetText(plugins_.empty()
-                       ? L"プラグインは読み込まれていません。"
-                       : std::to_wstring(plugins_.size()) + L"個のプラグイン（試す順）");
+    count_.SetText(CountText(plugins_));
     facts_.Attach(Handle(), aboutPluginFacts);
     list_.Attach(Handle(), aboutPluginList);
     SetPluginColumns(list_);

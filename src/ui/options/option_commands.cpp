@@ -10,13 +10,18 @@
 #include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "ui/dialogs/folder_browser.h"
+#include "ui/dialogs/frmProgress.h"
 #include "ui/form/busy_window.h"
+#include "ui/form/message_loop.h"
+#include "ui/options/closing_windows.h"
 #include "ui/options/frmAbout.h"
 #include "ui/options/frmOption.h"
 #include "ui/options/frmSPIAbout.h"
 
 namespace tessary {
 namespace {
+
+constexpr wchar_t kReloadCaption[] = L"SusiePluginをリロードしています";
 
 // Folders that are to be searched and are not there, for a message. Only those that `former` does
 // not have: a share that is away for the moment is not complained about again and again.
@@ -60,11 +65,12 @@ void OptionCommands::menuOptionSetup_Click() {
 
 void OptionCommands::ShowOptions(HWND owner, int page) {
     if (IsReadUnderWay() || PluginCallUnderWay()) return;
-    frmOption dialog([this](const OptionValues& options) { Apply(options); });
-    if (dialog.Edit(owner, page)) Apply(dialog.Options());
+    frmOption dialog([this](const OptionValues& options, HWND window) { Apply(options, window); });
+    const ClosingWindows settingsWindows;  // those of plug-ins
+    if (dialog.Edit(owner, page)) Apply(dialog.Options(), owner);
 }
 
-void OptionCommands::Apply(const OptionValues& options) {
+void OptionCommands::Apply(const OptionValues& options, HWND owner) {
     const GeneralSettings former = Values().general;
     const int16_t formerSize = Values().fixSizeValue;
     SetOptions(options);
@@ -74,22 +80,31 @@ void OptionCommands::Apply(const OptionValues& options) {
     if (options.fixSizeValue != formerSize) {
         window_.Commands().Run(commandDisplaySize_0 + options.fixSizeValue);
     }
-    if (!DifferInPlugins(Values().general, former)) return;
+    if (!DifferInPlugins(Values().general, former) && !SusieCollection().IsIncomplete()) return;
     const std::wstring missing = MissingFolders(Values().general, former);
-    ReloadPlugins();
+    ReloadPlugins(owner);
     if (!missing.empty()) {
         ShowMessageBox(L"次のプラグインフォルダが見つかりません。" + missing, MB_ICONEXCLAMATION);
     }
 }
 
-void OptionCommands::ReloadPlugins() {
+void OptionCommands::ReloadPlugins(HWND owner) {
     {
         const ReadUnderWay reading;
         BusyWindow busy(window_.Handle());
-        busy.SetCaption(L"SusiePluginをリロードしています");
+        busy.SetCaption(kReloadCaption);
+        frmProgress window(owner, kReloadCaption);
         SusieCollection().UnloadFile();
         const GeneralSettings before = Values().general;
-        LoadSPI();
+        std::wstring stopped;
+        LoadSPI([&](const std::wstring& path, int32_t done, int32_t total) {
+            window.Tell(path, done, total);
+            if (DoEvents() && !window.IsStopped() && !Values().quitRequested) return true;
+            stopped = L"プラグインの読み込みを中止しました（" + std::to_wstring(done) + L" / " +
+                      std::to_wstring(total) + L"）";
+            return false;
+        });
+        window_.SetPanelText(kNoticePanel, stopped);
         // Loading switches folders off in which nothing is.
         if (Values().general != before) WriteGeneralSettings();
     }
@@ -110,8 +125,8 @@ void OptionCommands::menuOptionSPIFolder_Click(int folder) {
     general.spiFolder[folder] = chosen;
     general.loadSPI[folder] = true;
     WriteGeneralSettings();
-    ReloadPlugins();
-    if (HasPluginOf(chosen)) return;
+    ReloadPlugins(window_.Handle());
+    if (HasPluginOf(chosen) || SusieCollection().IsIncomplete()) return;
     ShowMessageBox(L"フォルダ " + chosen + L" に使用できるプラグインがありません。",
                    MB_ICONINFORMATION);
 }

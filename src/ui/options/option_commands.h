@@ -26,8 +26,8 @@ class OptionCommands {
     void menuHelpSPIAbout_Click();
 
   private:
-    void Apply(const OptionValues& options);
-    void ReloadPlugins();
+    void Apply(const OptionValues& options, HWND owner);
+    void ReloadPlugins(HWND owner);
 
     frmMain& window_;
 };

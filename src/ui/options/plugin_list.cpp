@@ -12,16 +12,45 @@
 namespace tessary {
 namespace {
 
-constexpr ListView::Column kColumns[] = {{.caption = L"ファイル", .width = 92},
-                                         {.caption = L"種類", .width = 42},
-                                         {.caption = L"対応パターン", .width = 92},
-                                         {.caption = L"バージョン", .width = 124, .fills = true},
-                                         {.caption = L"状態", .width = 66},
-                                         {.caption = L"エラー", .width = 46, .isNumber = true}};
+constexpr ListView::Column kColumns[] = {
+    {.caption = L"ファイル", .width = 92},
+    {.caption = L"種類", .width = 42},
+    {.caption = L"対応パターン", .width = 92},
+    {.caption = L"バージョン・理由", .width = 124, .fills = true},
+    {.caption = L"状態", .width = 86},
+    {.caption = L"エラー", .width = 46, .isNumber = true}};
 
 std::wstring StateOf(const clsSusie& plugin) {
     if (!plugin.IsLoaded()) return L"未ロード";
     return plugin.IsKeptLoaded() ? L"保持" : L"ロード済み";
+}
+
+std::wstring StateOf(LeftOutReason reason) {
+    switch (reason) {
+        case LeftOutReason::kBarred:
+            return L"停止中";
+        case LeftOutReason::kWaiting:
+            return L"読み込み待ち";
+        default:
+            return L"読み込めません";
+    }
+}
+
+std::wstring TextOf(LeftOutReason reason) {
+    switch (reason) {
+        case LeftOutReason::kNoDll:
+            return L"DLLではありません";
+        case LeftOutReason::kOtherMachine:
+            return sizeof(void*) == 4 ? L"32ビット用ではありません" : L"64ビット用ではありません";
+        case LeftOutReason::kNoPlugin:
+            return L"必要な関数がありません";
+        case LeftOutReason::kBarred:
+            return L"続けて異常終了しました";
+        case LeftOutReason::kWaiting:
+            return L"次回に読み込みます";
+        default:
+            return L"初期化失敗かDLLの不足";
+    }
 }
 
 // Some names under which failures are kept are not those of the functions: what they stand for is
@@ -75,8 +104,21 @@ std::vector<PluginFacts> ListPlugins() {
                            .patterns = member->FileType(0),
                            .version = member->ProductName(),
                            .state = StateOf(*member),
+                           .leftOut = {},
                            .errors = member->ErrorCount({}),
                            .hasSettings = member->SupportConfigurationDialog()});
+    }
+    for (const LeftOutPlugin& one : SusieCollection().LeftOut()) {
+        const std::wstring file = FileNameOf(one.path);
+        plugins.push_back({.path = one.path,
+                           .file = file,
+                           .kind = L"－",
+                           .patterns = {},
+                           .version = {},
+                           .state = StateOf(one.reason),
+                           .leftOut = TextOf(one.reason),
+                           .isBarred = one.reason == LeftOutReason::kBarred,
+                           .errors = Trapped(0, [&] { return ReadErrorCount(file, {}); })});
     }
     return plugins;
 }
@@ -89,7 +131,8 @@ void ShowPlugins(ListView& list, const std::vector<PluginFacts>& plugins) {
     std::vector<ListView::Row> rows;
     rows.reserve(plugins.size());
     for (const PluginFacts& plugin : plugins) {
-        rows.push_back({plugin.file, plugin.kind, plugin.patterns, plugin.version, plugin.state,
+        rows.push_back({plugin.file, plugin.kind, plugin.patterns,
+                        plugin.leftOut.empty() ? plugin.version : plugin.leftOut, plugin.state,
                         std::to_wstring(plugin.errors)});
     }
     list.SetRows(std::move(rows));
@@ -105,10 +148,15 @@ std::vector<PluginErrors> ErrorsOf(const PluginFacts& plugin) {
 }
 
 std::wstring DescribePlugin(const PluginFacts& plugin) {
-    std::wstring text = plugin.file + L"\r\nバージョン: " + plugin.version + L"\r\n種類: " +
-                        plugin.kind + L"プラグイン\r\n対応パターン: " + plugin.patterns +
-                        L"\r\n場所: " + plugin.path + FileText(plugin.path) + L"\r\n状態: " +
-                        plugin.state + L"\r\nエラー: " + std::to_wstring(plugin.errors) + L" 回";
+    std::wstring text = plugin.file;
+    if (plugin.leftOut.empty()) {
+        text += L"\r\nバージョン: " + plugin.version + L"\r\n種類: " + plugin.kind +
+                L"プラグイン\r\n対応パターン: " + plugin.patterns;
+    }
+    text += L"\r\n場所: " + plugin.path + FileText(plugin.path) + L"\r\n状態: " + plugin.state;
+    if (!plugin.leftOut.empty()) text += L"（" + plugin.leftOut + L"）";
+    if (plugin.isBarred) text += L"\r\n環境設定でエラー回数を消去すると、次回に読み込みます。";
+    text += L"\r\nエラー: " + std::to_wstring(plugin.errors) + L" 回";
     for (const PluginErrors& error : ErrorsOf(plugin)) {
         text += L"\r\n    " + error.function + L": " + std::to_wstring(error.count) + L" 回";
     }

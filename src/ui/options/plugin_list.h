@@ -1,4 +1,4 @@
-// What the windows tell about the loaded plug-ins.
+// What the windows tell about the plug-ins, and about the files that gave none.
 #pragma once
 
 #include <cstdint>
@@ -16,11 +16,14 @@ struct PluginFacts {
     std::wstring patterns;  // joined by `;`
     std::wstring version;   // what it tells about itself
     std::wstring state;
+    std::wstring leftOut;   // why the file is not among the plug-ins; empty: it is
+    bool isBarred = false;  // until its errors are forgotten
     int32_t errors = 0;
     bool hasSettings = false;  // a settings window of its own
 };
 
-// The plug-ins in the order in which they are tried. No plug-in is called.
+// The plug-ins in the order in which they are tried, and behind them the files that were left out.
+// No plug-in is called.
 std::vector<PluginFacts> ListPlugins();
 
 // Gives a list the columns of plug-ins; fills it.

@@ -8,6 +8,7 @@
 #include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "ui/dialogs/folder_browser.h"
+#include "ui/form/window.h"
 
 namespace tessary {
 namespace {
@@ -16,13 +17,23 @@ constexpr ListView::Column kErrorColumns[] = {
     {.caption = L"関数", .width = 160, .fills = true},
     {.caption = L"エラー", .width = 60, .isNumber = true}};
 
+// A settings window that stays open when the plug-in's call returns keeps the keys.
+bool IsForeign(HWND window) {
+    return window != nullptr && reinterpret_cast<HINSTANCE>(
+                                    GetWindowLongPtrW(window, GWLP_HINSTANCE)) != ProgramInstance();
+}
+
 // Opens the settings window of a plug-in; what goes wrong in it is told.
 void ShowSettingsOf(clsSusie& plugin, HWND owner) {
     std::wstring failure;
     try {
+        const uint32_t before = plugin.ErrorSerial();
         const int32_t result = plugin.ShowConfigurationDialog(owner);
-        // All other results are the plug-in's own affair: plug-ins agree on none.
-        if (result == kResultCrashed || result == kResultUnexpected) failure = plugin.ErrorString();
+        // Results are the plug-in's own affair, for plug-ins agree on none: the one that stands for
+        // a missing function too.
+        if (plugin.ErrorSerial() != before && result != kResultNotExported) {
+            failure = plugin.ErrorString();
+        }
     } catch (const RaisedError& error) {
         failure = error.Description();
     }
@@ -95,10 +106,13 @@ void PluginPage::ShowPluginList(const std::wstring& selectedPath) {
     ShowSelection();
 }
 
-// After a button: it may have become useless, and keys must go somewhere.
-void PluginPage::ShowAgain(const std::wstring& selectedPath) {
-    ShowPluginList(selectedPath);
-    listSPI_.SetFocus();
+// After a button: it may have become useless, and a plug-in's window may have left the keys to
+// nobody or to another window.
+void PluginPage::GiveFocusBack(HWND control) {
+    if (GetActiveWindow() != Dialog()) SetActiveWindow(Dialog());
+    const bool isUsable = IsChild(Dialog(), control) && IsWindowEnabled(control) != FALSE;
+    SendMessageW(Dialog(), WM_NEXTDLGCTL,
+                 reinterpret_cast<WPARAM>(isUsable ? control : listSPI_.Handle()), TRUE);
 }
 
 void PluginPage::ShowSelection() {
@@ -110,7 +124,8 @@ void PluginPage::ShowSelection() {
     }
     listSPIError_.SetRows(std::move(rows));
     cmdSPISetup_.SetEnabled(selected != nullptr && selected->hasSettings);
-    cmdSPIErrorClear_.SetEnabled(selected != nullptr && selected->errors > 0);
+    cmdSPIErrorClear_.SetEnabled(selected != nullptr &&
+                                 (selected->errors > 0 || selected->isBarred));
 }
 
 void PluginPage::cmdSPIFolder_Click(int folder) {
@@ -129,23 +144,32 @@ void PluginPage::cmdSPISetup_Click() {
     const PluginFacts* const selected = Selected();
     if (selected == nullptr || PluginCallUnderWay()) return;
     const std::wstring path = selected->path;
+    const HWND focus = GetFocus();
     if (clsSusie* const plugin = SusieCollection().Item(path)) {
         ShowSettingsOf(*plugin, Dialog());
     }
-    // The session may have ended meanwhile.
-    if (IsWindow(Dialog())) ShowAgain(path);
+    if (!IsWindow(Dialog())) return;  // the session has ended meanwhile
+    ShowPluginList(path);
+    if (!IsForeign(GetActiveWindow())) GiveFocusBack(focus);
 }
 
 void PluginPage::cmdSPIErrorClear_Click() {
     const PluginFacts* const selected = Selected();
     if (selected == nullptr || PluginCallUnderWay()) return;
     const std::wstring path = selected->path;
+    const HWND focus = GetFocus();
     try {
-        SusieCollection().ForgetErrors(listSPI_.Selected() + 1);
+        if (selected->leftOut.empty()) {
+            SusieCollection().ForgetErrors(listSPI_.Selected() + 1);
+        } else {
+            SusieCollection().ForgetErrorsOfLeftOut(path);
+        }
     } catch (const RaisedError& error) {
         ShowMessageBox(error.Description(), MB_ICONEXCLAMATION);
     }
-    ShowAgain(path);
+    ShowPluginList(path);
+    Changed();  // a plug-in that waits now can be applied
+    GiveFocusBack(focus);
 }
 
 }  // namespace tessary

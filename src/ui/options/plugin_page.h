@@ -25,7 +25,7 @@ class PluginPage final : public OptionPage {
     void cmdSPISetup_Click();
     void cmdSPIErrorClear_Click();
     void ShowPluginList(const std::wstring& selectedPath);
-    void ShowAgain(const std::wstring& selectedPath);
+    void GiveFocusBack(HWND control);
     void ShowSelection();
     const PluginFacts* Selected() const;
 

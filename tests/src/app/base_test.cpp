@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "app/base/error.h"
+#include "app/base/extension_filter.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/modScreenCaps.h"
 #include "app/base/paths.h"
@@ -27,6 +28,29 @@ TEST(TextTest, ConvertsExactlyOrNotAtAll) {
     EXPECT_EQ(ToAnsiExact(L"\U0001F600.bmp"), std::nullopt);
     EXPECT_EQ(ToAnsiExact(L"caf\u00E9.bmp"), std::nullopt);  // would become a plain e
     EXPECT_EQ(ToAnsi(L""), "");
+}
+
+TEST(TextTest, SplitsAndFilters) {
+    std::vector<std::wstring> pieces;
+    EXPECT_EQ(SplitText(L"a,,b,", L',', pieces), 4);
+    EXPECT_EQ(pieces, (std::vector<std::wstring>{L"a", L"", L"b", L""}));
+    EXPECT_EQ(SplitText(L"", L',', pieces), 1);
+    EXPECT_EQ(SplitText(L"aĀb", 0x100, pieces), 0);
+    EXPECT_TRUE(pieces.empty());
+
+    const auto wanted = [](const wchar_t* extensions) {
+        const ExtensionFilter filter(extensions);
+        std::wstring names;
+        for (const wchar_t* const name : {L"a.BMP", L"b.Jpg", L"c.png", L"d", L"e.x\\f"}) {
+            if (filter.Wants(name)) names += name[0];
+        }
+        return names;
+    };
+    EXPECT_EQ(wanted(L"bmp jpg"), L"ab");
+    EXPECT_EQ(wanted(L"bmp  PNG"), L"acde");
+    EXPECT_EQ(wanted(L""), L"abcde");
+    EXPECT_EQ(wanted(L"*.bmp .jpg"), L"ab");
+    EXPECT_EQ(wanted(L"*.*"), L"abcde");
 }
 
 TEST(TextTest, MatchesWildcards) {

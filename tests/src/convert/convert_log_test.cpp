@@ -1,5 +1,6 @@
 // The log of whole runs, as it stands in the file.
 #include "app/base/text.h"
+#include "app/settings/settings.h"
 #include "tests/src/convert/convert_test.h"
 
 namespace tessary {
@@ -262,6 +263,8 @@ TEST_F(ConvertLogTest, LogFileThatCannotBeOpenedIsDoneWithout) {
     EXPECT_EQ(monitor_.lines[0], L"!!! エラー                             !!!");
     EXPECT_EQ(monitor_.lines[3], L"!!! 処理を継続します。                 !!!");
     EXPECT_EQ(Converted(), L"a.jpg ");
+    ASSERT_TRUE(WriteConvertSettings());
+    EXPECT_EQ(GetSetting(L"Convert", L"OutputErrorLog", L""), L"1") << "the user's own choice";
 }
 
 }  // namespace

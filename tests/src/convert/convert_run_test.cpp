@@ -1,6 +1,10 @@
 // Runs that are stopped, disturbed, or long.
+#include "app/base/error.h"
+#include "app/base/modGetFolder.h"
 #include "convert/convert_progress.h"
 #include "tests/src/convert/convert_test.h"
+#include "tests/support/process_resources.h"
+#include "tests/support/recorded_messages.h"
 
 namespace tessary {
 namespace {
@@ -55,6 +59,30 @@ TEST_F(ConvertRunTest, DisturbedRunsGoOn) {
     EXPECT_EQ(Converted(), LR"(x.tsa\m.png )");
 }
 
+TEST_F(ConvertRunTest, WhatGoesWrongUnexpectedlyStaysWithItsFile) {
+    Values().convert.saveType2 = 1;
+    for (const wchar_t* const name : {L"a.bmp", L"b.bmp", L"c.bmp"})
+        Add(name, BitmapFileOf(2, 2, 0));
+    Add(L"x.tsa", ArchiveOf({{"read.me", "text"}}));
+    test::RecordedMessages messages;
+    bool failsOnce = true;
+    monitor_.onLine = [&](const std::wstring& line) {
+        const bool isName = line.starts_with(L"  ファイル名") && line.ends_with(L"a.bmp");
+        const bool isRead = line == L"  ビットマップを読み込みました";
+        const bool isKind = line.starts_with(L"  ファイル種別        未知");
+        if (isName || (isRead && std::exchange(failsOnce, false)) || isKind) throw std::bad_alloc();
+        // Nobody is there to see a message.
+        if (isRead) ReportUnexpectedError(51, L"内部エラーです。", L"x(");
+    };
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(Converted(), L"c.png ");
+    EXPECT_TRUE(std::ranges::equal(monitor_.counts, std::initializer_list<int>{1, 0, 3}));
+    const std::wstring noMemory = L"  [エラー]          メモリが不足しています。";
+    EXPECT_EQ(std::count(monitor_.lines.begin(), monitor_.lines.end(), noMemory), 3);
+    EXPECT_TRUE(LogHolds(L"  [エラー]          内部エラーです。"));
+    EXPECT_TRUE(messages.All().empty());
+}
+
 TEST_F(ConvertRunTest, NothingIsLostToAnotherOfItsName) {
     Values().convert.saveType2 = 1;
     std::filesystem::create_directories(source_.Path() + L"2");
@@ -97,6 +125,50 @@ TEST_F(ConvertRunTest, KeepsTheListShortAndTheRunLong) {
     EXPECT_EQ(monitor_.lines.size(), 1001U);
     EXPECT_EQ(Converted(), L"");
     EXPECT_TRUE(monitor_.steps.ends_with(L"301/301:0/100 ")) << monitor_.steps.size();
+}
+
+TEST_F(ConvertRunTest, ManyFilesLeaveNothingBehind) {
+    Values().convert.noDecodeSmall = 1;
+    Values().convert.minDecodeSizeX = Values().convert.minDecodeSizeY = 500;
+    std::filesystem::create_directories(Target() + L"blocked.bmp");
+    const std::string declined = "TST 400x400x24\n";
+    const std::string contents[] = {"TST 501x501x24\ncrash:stack-overflow:GetPicture\n",
+                                    ArchiveOf({{"a.tst", declined}}, "no-memory\n"),
+                                    "TST 501x501x24\n",  // its output is blocked
+                                    "no picture",
+                                    BitmapFileOf(400, 400, 0),
+                                    declined,
+                                    declined};
+    const wchar_t* const names[] = {L"c.tst", L"x.tsa", LR"(\blocked.tst)", L"n.txt", L"b.bmp",
+                                    L"p.tst", L"q.tst"};
+    constexpr int kRounds = 25;
+    for (int round = 0; round < kRounds; ++round) {
+        for (size_t kind = 0; kind < std::size(names); ++kind) {
+            Add(std::to_wstring(round) + names[kind], contents[kind]);
+        }
+    }
+    const auto temporary = [] {
+        const std::wstring own = L"tessary_" + std::to_wstring(GetCurrentProcessId()) + L'_';
+        return std::ranges::count_if(
+            std::filesystem::directory_iterator(TemporaryFolder()),
+            [&](const auto& entry) { return entry.path().filename().wstring().starts_with(own); });
+    };
+    struct {
+        ULONG handles;
+        size_t bytes;
+    } warm{};
+    int ended = 0;
+    monitor_.onLine = [&](const std::wstring& line) {
+        if (line != L"*** 変換処理終了 ***" || ++ended != 70) return;
+        warm = {test::HandleCount(), test::PrivateBytes()};
+    };
+    EXPECT_TRUE(Run());
+    EXPECT_GT(warm.handles, 0U);
+    EXPECT_LE(test::HandleCount(), warm.handles + 2);
+    EXPECT_LT(test::PrivateBytes(), warm.bytes + (size_t{4} << 20));
+    EXPECT_EQ(temporary(), 0);
+    EXPECT_EQ(std::vector<int>(std::begin(monitor_.counts), std::end(monitor_.counts)),
+              (std::vector<int>{0, 4 * kRounds, 3 * kRounds}));
 }
 
 TEST_F(ConvertRunTest, NothingToDoIsNoRun) {

@@ -10,6 +10,7 @@
 #include "app/settings/modValue.h"
 #include "helpers/dib/dib_view.h"
 #include "picture/bitmap_file.h"
+#include "picture/save/save_progress.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/redirected_settings.h"
 #include "tests/support/temporary_folder.h"
@@ -94,6 +95,27 @@ TEST_F(SavePictureTest, ExtensionChoosesTheWriter) {
     const OwnedBlock tooFew = BlockOf(std::string(20, 'x'));
     EXPECT_FALSE(SavePictureFile({info.Get(), tooFew.Get()}, folder_.Path() + L"h.bmp", 0));
     EXPECT_EQ(LocalFlags(info.Get()) & 0xFF, 0U) << "still locked";
+}
+
+TEST_F(SavePictureTest, StoppedWriterLeavesTheOldFile) {
+    const OwnedBlock info = BlockOf(FileImage(24, 0, 0, 40, "").substr(dib::kFileHeaderSize));
+    const OwnedBlock bits = BlockOf(std::string(24, 'x'));
+    const PicturePair pair{info.Get(), bits.Get()};
+    for (const wchar_t* const name : {L"a.png", L"b.jpg"}) {
+        const std::wstring path = folder_.Write(name, "mine");
+        const auto save = [&](const dib::Progress& tell) {
+            const SaveProgress progress(tell);
+            return SavePictureFile(pair, path, SaveProgress::PassThrough());
+        };
+        EXPECT_FALSE(save([](int) { return false; })) << name;
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CANCELLED)) << name;
+        EXPECT_FALSE(save([](int) -> bool { throw std::bad_alloc(); })) << name;
+        EXPECT_EQ(std::filesystem::file_size(path), 4U) << name;
+        int last = 0;
+        EXPECT_TRUE(save([&](int percent) { return (last = percent) <= 100; })) << name;
+        EXPECT_EQ(last, 100) << name;
+        EXPECT_TRUE(SavePictureFile(pair, path, SaveProgress::PassThrough())) << "nobody watches";
+    }
 }
 
 TEST_F(SavePictureTest, InfoBlockMayHoldAWholeFile) {

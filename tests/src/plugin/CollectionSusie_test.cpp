@@ -2,6 +2,7 @@
 #include "plugin/CollectionSusie.h"
 
 #include <functional>
+#include <map>
 
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
@@ -153,9 +154,14 @@ TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
 TEST_F(CollectionTest, AnUnreadableStoreEntryDisablesNoPlugin) {
     const std::wstring path = Plugin(L"iftst.spi");
     const DWORD noText = 1;
-    RegSetKeyValueW(HKEY_CURRENT_USER, (store_.KeyPath() + L"\\SPI_DATETIME").c_str(), L"iftst.spi",
-                    REG_DWORD, &noText, sizeof(noText));
-    collection_.AddSPI(path);
+    const auto spoil = [&](const wchar_t* section, const wchar_t* key) {
+        RegSetKeyValueW(HKEY_CURRENT_USER, (store_.KeyPath() + section).c_str(), key, REG_DWORD,
+                        &noText, sizeof(noText));
+    };
+    spoil(L"\\SPI_DATETIME", L"iftst.spi");
+    spoil(L"\\SPI_RUNS", L"1");
+    spoil(L"\\SPI_CALLLOG", L"SPI");
+    EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 1);
     EXPECT_EQ(collection_.Item(1).DllName(), path);
 
     // Loading this one once ended the program, but now it is merely refused.
@@ -250,6 +256,63 @@ TEST_F(CollectionTest, LoadingFollowsTheSettings) {
     EXPECT_EQ(SusieCollection().Count(), 0);
     UnloadSPI();
     EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(CollectionTest, WhatIsLeftOutIsToldWithItsReason) {
+    GeneralSettings& settings = Values().general;
+    settings.useSPI = 1;
+    settings.spiFolder[0] = settings.spiFolder[1] = folder_.Path();
+    settings.loadSPI[1] = true;
+    Plugin(L"iftst.spi");
+    Plugin(L"config_only.spi");
+    Plugin(L"iftst.spi", "answer:DllMain:0", L"load_refuses.spi");
+    folder_.Write(L"text.spi", "text");
+    std::string image(1024, '\0');  // the headers of a 64-bit DLL
+    image.replace(0, 2, "MZ");
+    image.replace(0x3C, 1, "\x80");
+    image.replace(0x80, 6, std::string("PE\0\0\x64\x86", 6));
+    image.replace(0x96, 2, std::string("\x02\x20", 2));
+    folder_.Write(L"x64.spi", image);
+    CheckFileDate(Plugin(L"minimal.spi"));
+    for (int run = 0; run < 2; ++run) {
+        WriteCallLog({L"LoadLibrary", L"minimal.spi", {}});
+        RecoverInterruptedCall();
+    }
+    const auto told = [] {
+        std::map<std::wstring, LeftOutReason> reasons;
+        for (const LeftOutPlugin& one : SusieCollection().LeftOut())
+            EXPECT_TRUE(reasons.emplace(FileNameOf(one.path), one.reason).second) << "twice";
+        return reasons;
+    };
+    using enum LeftOutReason;
+    std::map<std::wstring, LeftOutReason> expected = {{L"config_only.spi", kNoPlugin},
+                                                      {L"load_refuses.spi", kNotLoadable},
+                                                      {L"text.spi", kNoDll},
+                                                      {L"x64.spi", kOtherMachine},
+                                                      {L"minimal.spi", kBarred}};
+    ASSERT_TRUE(LoadSPI());
+    EXPECT_EQ(told(), expected);
+    ASSERT_TRUE(LoadSPI());  // barred for the whole run
+    EXPECT_EQ(told(), expected);
+    EXPECT_FALSE(SusieCollection().IsIncomplete());
+
+    SusieCollection().ForgetErrorsOfLeftOut(folder_.Path() + L"minimal.spi");
+    EXPECT_TRUE(SusieCollection().IsIncomplete());
+    ASSERT_TRUE(LoadSPI());
+    EXPECT_FALSE(SusieCollection().IsIncomplete());
+    EXPECT_EQ(SusieCollection().Count(), 2);
+
+    // Stopped before the first: nothing is known about the folders, so they stay switched on.
+    int asked = 0;
+    ASSERT_TRUE(LoadSPI([&](const std::wstring&, int32_t done, int32_t total) {
+        EXPECT_EQ(total, 12);
+        return ++asked < 1 && done > 100;
+    }));
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(SusieCollection().Count(), 0);
+    EXPECT_TRUE(settings.loadSPI[0] && settings.loadSPI[1]);
+    EXPECT_EQ(told()[L"iftst.spi"], kWaiting);
+    UnloadSPI();
 }
 
 TEST(PluginCollectionChild, DISABLED_StaysEmptyWithoutSusiectl) {

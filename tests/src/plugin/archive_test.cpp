@@ -1,5 +1,7 @@
 // Members of a bound archive: which are listed, and getting them out.
 #include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
+#include "plugin/private_folder.h"
 #include "tests/src/plugin/plugin_test.h"
 
 namespace tessary {
@@ -105,6 +107,26 @@ TEST_F(ArchiveTest, FoldersAreNoFiles) {
     for (const ListedMember& file : plugin_.GetExpandFileList())
         files += std::to_wstring(file.position) + file.name + L' ';
     EXPECT_EQ(files, L"3dir\\Sub\\deep\\a.jpg 4dir\\empty 5dir ");
+}
+
+TEST(PrivateFolderTest, OnlyThoseOfEndedProcessesAreSweptAway) {
+    // No process has an odd number.
+    const std::wstring abandoned = TemporaryFolder() + L"tessary_4294967293_1";
+    const std::wstring others[] = {TemporaryFolder() + L"tessary_4294967293",
+                                   TemporaryFolder() + L"tessary_4294967293_x",
+                                   TemporaryFolder() + L"tessary_4294967293_1_1"};
+    CreateDirectoryW(abandoned.c_str(), nullptr);
+    CreateDirectoryW((abandoned + L"\\x").c_str(), nullptr);
+    UniqueFile(CreateFileW((abandoned + L"\\x\\a").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                           FILE_ATTRIBUTE_READONLY, nullptr));
+    for (const std::wstring& other : others)
+        CreateDirectoryW(other.c_str(), nullptr);
+    const PrivateFolder own;
+    RemoveAbandonedFolders();
+    EXPECT_FALSE(PathExists(abandoned));
+    EXPECT_TRUE(IsFolder(own.Target()));
+    for (const std::wstring& other : others)
+        EXPECT_TRUE(RemoveDirectoryW(other.c_str())) << other;
 }
 
 }  // namespace

@@ -91,6 +91,57 @@ TEST_F(ClsSusieTest, PluginsThatHaveFailedStayLoaded) {
     EXPECT_TRUE(kept);
 }
 
+TEST_F(ClsSusieTest, APluginIsNotFreedUnderItsThreads) {
+    const std::wstring path = Plugin(L"iftst.spi", "dirty:thread:ConfigurationDlg\n");
+    plugin_.SetAutoUnload(true);
+    plugin_.SetDllName(path);
+    plugin_.ShowConfigurationDialog(nullptr);
+    EXPECT_TRUE(IsLoaded(path) && plugin_.IsKeptLoaded());
+    const UniqueModule other(LoadLibraryW(path.c_str()));  // so that a fault here ends no process
+    plugin_.SetDllName(
+        test::TestPluginPath(L"minimal.spi"));  // for good, and not freed all the same
+    Sleep(700);
+    plugin_.SetDllName(path);
+    EXPECT_FALSE(plugin_.IsLoaded() || plugin_.IsKeptLoaded());
+}
+
+TEST_F(ClsSusieTest, APluginIsNotFreedUnderItsWindows) {
+    const wchar_t* const title = L"Test plug-in modeless window";
+    const std::wstring path =
+        Plugin(L"iftst.spi", "dirty:modeless:ConfigurationDlg\ndirty:hidden:IsSupported\n");
+    plugin_.SetAutoUnload(true);
+    plugin_.SetDllName(path);
+    EXPECT_TRUE(plugin_.CheckFile(Picture()));  // a window that nobody sees keeps nothing
+    EXPECT_FALSE(IsLoaded(path));
+    EXPECT_EQ(FindWindowW(nullptr, title), nullptr);
+
+    plugin_.ShowConfigurationDialog(nullptr);
+    const HWND window = FindWindowW(nullptr, title);
+    EXPECT_TRUE(IsLoaded(path) && plugin_.IsKeptLoaded() && IsWindow(window));
+    DestroyWindow(window);
+    plugin_.UnloadDLL();
+    EXPECT_FALSE(IsLoaded(path));
+
+    plugin_.ShowConfigurationDialog(nullptr);
+    plugin_.SetDllName(test::TestPluginPath(L"minimal.spi"));
+    EXPECT_FALSE(IsLoaded(path));
+    EXPECT_EQ(FindWindowW(nullptr, title), nullptr);
+
+    // A window of ours that runs through the plug-in's code.
+    plugin_.SetDllName(path);
+    plugin_.SetFile(Picture());
+    const HWND ours = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr,
+                                    GetModuleHandleW(nullptr), nullptr);
+    const auto theirs = GetProcAddress(GetModuleHandleW(path.c_str()), "TestCallCount");
+    const LONG_PTR former =
+        SetWindowLongPtrW(ours, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(theirs));
+    Raised([&] { plugin_.SetFile({}); });
+    EXPECT_TRUE(IsLoaded(path));
+    SetWindowLongPtrW(ours, GWLP_WNDPROC, former);
+    DestroyWindow(ours);
+    FreeLibrary(GetModuleHandleW(path.c_str()));
+}
+
 TEST_F(ClsSusieTest, APluginThatVanishedIsNotAvailable) {
     const std::wstring path = Plugin(L"iftst.spi");
     plugin_.SetAutoUnload(true);

@@ -2,6 +2,7 @@
 // ended inside a call.
 #include "plugin/susie_calls.h"
 
+#include "app/base/quit.h"
 #include "tests/src/plugin/plugin_test.h"
 
 namespace tessary {
@@ -118,18 +119,42 @@ TEST_F(SusieCallsTest, TheNextRunCountsTheCallThatEndedTheLast) {
     EXPECT_EQ(ReadErrorCount(L"iftst.spi", {}), 1);
 }
 
-TEST_F(SusieCallsTest, TheLogOfAnotherLivingRunIsLeftAlone) {
-    WriteCallLog({L"GetPicture", L"x.spi", L"x.tst"});
-    const std::wstring own = GetSetting(L"SPI_CALLLOG", L"Run");
-    EXPECT_TRUE(UniqueMutex(OpenMutexW(SYNCHRONIZE, FALSE, own.c_str())));
-    SaveSetting(L"SPI_CALLLOG", L"Run", own + L"_other");
-    UniqueMutex other(CreateMutexW(nullptr, FALSE, (own + L"_other").c_str()));
+TEST_F(SusieCallsTest, EveryLivingCopyHasALogOfItsOwn) {
+    const std::wstring name = L"Tessary_test_run_" + std::to_wstring(GetCurrentProcessId());
+    UniqueMutex other(CreateMutexW(nullptr, FALSE, name.c_str()));
+    SaveSetting(L"SPI_RUNS", L"1", name);
+    SaveSetting(L"SPI_CALLLOG", L"Function", L"GetPicture");
+    SaveSetting(L"SPI_CALLLOG", L"SPI", L"y.spi");
+    Plugin(L"iftst.spi");
+    RunAsChild(L"PluginCallChild.DISABLED_DiesInsideACall",
+               folder_.Write(L"end.tst", "TST 2x2x24\ncrash:exit:GetPicture\n"));
+    EXPECT_EQ(RecoverInterruptedCall().value_or(PluginCall{}).plugin, L"iftst.spi");
     EXPECT_FALSE(RecoverInterruptedCall());
-    EXPECT_TRUE(CallIsLogged());
-    EXPECT_EQ(ReadErrorCount(L"x.spi", {}), 0);
+    EXPECT_EQ(GetSetting(L"SPI_CALLLOG", L"SPI"), L"y.spi");
+    EXPECT_EQ(ReadErrorCount(L"y.spi", {}), 0);
     other.Reset();
-    EXPECT_TRUE(RecoverInterruptedCall());
-    EXPECT_EQ(ReadErrorCount(L"x.spi", {}), 1);
+    EXPECT_EQ(RecoverInterruptedCall().value_or(PluginCall{}).plugin, L"y.spi");
+    EXPECT_EQ(ReadErrorCount(L"y.spi", {}), 1);
+    EXPECT_FALSE(CallIsLogged());
+}
+
+TEST_F(SusieCallsTest, ARequestToQuitIsNotThePluginsToMake) {
+    Load(Plugin(L"iftst.spi",
+                "dirty:quit:DllMain\ndirty:quit:GetPluginInfo\ndirty:quit:ConfigurationDlg\n"));
+    const auto isPosted = [] {
+        MSG message{};
+        return PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != FALSE;
+    };
+    EXPECT_FALSE(isPosted());
+    char text[255] = {};
+    calls_.GetPluginInfo(0, text, 255);
+    EXPECT_FALSE(isPosted());
+    RequestQuit(3);
+    calls_.ConfigurationDlg(nullptr);  // the program is to end all the same, with its own status
+    MSG message{};
+    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_EQ(message.wParam, 3U);
+    QuitIsDone();
 }
 
 TEST_F(SusieCallsTest, FailuresBelongToOneVersionOfAFile) {

@@ -16,7 +16,6 @@
 #include "ui/control/folder_scan.h"
 #include "ui/control/frmDirList.h"
 #include "ui/control/open_commands.h"
-#include "ui/control/open_rules.h"
 #include "ui/dialogs/ComDlg.h"
 #include "ui/dialogs/folder_browser.h"
 
@@ -24,29 +23,6 @@ namespace tessary::test {
 namespace {
 
 using Texts = std::vector<std::wstring>;
-
-TEST(OpenRulesTest, SplitsAndFilters) {
-    Texts pieces;
-    EXPECT_EQ(SplitText(L"a,,b,", L',', pieces), 4);
-    EXPECT_EQ(pieces, (Texts{L"a", L"", L"b", L""}));
-    EXPECT_EQ(SplitText(L"", L',', pieces), 1);
-    EXPECT_EQ(SplitText(L"aĀb", 0x100, pieces), 0);
-    EXPECT_TRUE(pieces.empty());
-
-    const auto wanted = [](const wchar_t* extensions) {
-        const ExtensionFilter filter(extensions);
-        std::wstring names;
-        for (const wchar_t* const name : {L"a.BMP", L"b.Jpg", L"c.png", L"d", L"e.x\\f"}) {
-            if (filter.Wants(name)) names += name[0];
-        }
-        return names;
-    };
-    EXPECT_EQ(wanted(L"bmp jpg"), L"ab");
-    EXPECT_EQ(wanted(L"bmp  PNG"), L"acde");
-    EXPECT_EQ(wanted(L""), L"abcde");
-    EXPECT_EQ(wanted(L"*.bmp .jpg"), L"ab");
-    EXPECT_EQ(wanted(L"*.*"), L"abcde");
-}
 
 // Takes lists as the control bar does.
 class TakingBar final : public ControlBar {
@@ -175,12 +151,14 @@ TEST_F(OpenTest, StoppedScanEndsAtOnceAndKeepsWhatItHas) {
     EXPECT_EQ(window_.Handle(), nullptr);
     EXPECT_EQ(ended_, 1);
 
-    int stops = 0;
-    frmDirList progress([&stops] { ++stops; });
-    ASSERT_TRUE(progress.Show(nullptr));
+    frmDirList progress(nullptr);
+    progress.ShowProgress(L"a", 1);
+    EXPECT_EQ(progress.Handle(), nullptr);  // a short search shows nothing
+    Sleep(ProgressDialog::kDelay + ProgressDialog::kInterval);
+    progress.ShowProgress(L"a", 2);
     PostMessageW(progress.Handle(), WM_KEYDOWN, VK_ESCAPE, 0);
     DoEvents();
-    EXPECT_EQ(stops, 1);
+    EXPECT_TRUE(progress.IsStopped());
 }
 
 TEST_F(OpenTest, FolderFillsTheListWhileTheWindowIsBusy) {

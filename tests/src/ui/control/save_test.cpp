@@ -1,6 +1,9 @@
 // Saving the shown picture: under which name, over what, and what the user is told.
 #include "ui/control/save_commands.h"
 
+#include <algorithm>
+#include <random>
+
 #include "app/base/paths.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/bitmap_image.h"
@@ -105,6 +108,54 @@ TEST_F(SaveTest, AsksBeforeItReplacesAndTellsWhatFails) {
     EXPECT_EQ(yes.All()[3].text, L"ファイル " + folder_.Path() +
                                      L"c.bmp に保存できません。\r\n"
                                      L"書き込む権限がないか、読み取り専用です。");
+}
+
+// The user's hand at the window that comes up when saving takes long.
+struct Stopper {
+    static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
+        const HWND progress = FindWindowW(nullptr, L"画像の保存");
+        if (progress == nullptr) return;
+        seen = true;
+        mainWasOutOfReach = !IsWindowEnabled(GetWindow(progress, GW_OWNER)) && IsReadUnderWay();
+        PostMessageW(progress, WM_KEYDOWN, VK_ESCAPE, 0);
+    }
+    static inline bool seen;
+    static inline bool mainWasOutOfReach;
+};
+
+TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
+    // Noise takes seconds at this level.
+    constexpr int kSide = 4000;
+    const PicturePair noise = MakePair(kSide, kSide);
+    std::minstd_rand random;
+    const BlockLock bits(noise.bits);
+    std::generate_n(static_cast<uint8_t*>(bits.Address()), bits.Size(),
+                    [&] { return static_cast<uint8_t>(random() >> 16); });
+    SetCurrentPicture(noise);
+    Values().pngSave = {9, 0};
+    window_.Show();
+    SetActiveWindow(window_.Handle());
+    folder_.Write(L"a.png", "mine");
+    const RecordedMessages yes(IDYES);
+    const UINT_PTR timer = SetTimer(nullptr, 0, 30, Stopper::Look);
+    SaveAs(L"a", 2);
+    KillTimer(nullptr, timer);
+    EXPECT_TRUE(Stopper::seen);
+    EXPECT_TRUE(Stopper::mainWasOutOfReach);
+    EXPECT_EQ(Content(L"a.png"), "mine");
+    EXPECT_EQ(yes.All().size(), 1U);  // none about a failure
+    EXPECT_EQ(FindWindowW(nullptr, L"画像の保存"), nullptr);
+    EXPECT_EQ(GetActiveWindow(), window_.Handle());
+    EXPECT_TRUE(IsWindowEnabled(window_.Handle()));
+
+    // Who closes the program meanwhile still gets his picture.
+    PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
+    Values().pngSave = {1, 0};
+    SaveAs(L"b", 2);
+    DoEvents();
+    EXPECT_GT(Content(L"b.png").size(), 1000U);
+    EXPECT_EQ(window_.Handle(), nullptr);
+    Values().quitRequested = false;
 }
 
 TEST_F(SaveTest, TheBarsButtonFollowsThePicture) {

@@ -25,6 +25,9 @@ namespace {
 
 using Texts = std::vector<std::wstring>;
 
+constexpr wchar_t kRefusal[] =
+    L"16 画像の変換処理を行っています。\r\n変換処理を中止してからWindowを閉じてください。";
+
 std::wstring TextOf(HWND dialog, int control) {
     wchar_t text[512]{};
     GetDlgItemTextW(dialog, control, text, 512);
@@ -250,8 +253,6 @@ TEST_F(ConverterTest, ShowsARunAndComesBack) {
 
 TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
     const std::wstring stop = L"65 画像の変換処理を中止します。";
-    const std::wstring refusal =
-        L"16 画像の変換処理を行っています。\r\n変換処理を中止してからWindowを閉じてください。";
     const auto back = [](HWND dialog) { Press(dialog, IDOK); };
     DrivenDialog user({RunWith([&](HWND dialog) {
                            answers_ = {IDCANCEL};
@@ -259,13 +260,13 @@ TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
                            PostMessageW(dialog, WM_CLOSE, 0, 0);
                        }),
                        [&](HWND dialog) {
-                           EXPECT_EQ(asked_, (Texts{stop, refusal}));
+                           EXPECT_EQ(asked_, (Texts{stop, kRefusal}));
                            EXPECT_EQ(Converted(), 3);
                            back(dialog);
                        },
                        RunWith([&](HWND dialog) { PressLater(dialog, IDCANCEL); }),
                        [&](HWND dialog) {
-                           EXPECT_EQ(asked_, (Texts{stop, refusal, stop}));
+                           EXPECT_EQ(asked_, (Texts{stop, kRefusal, stop}));
                            EXPECT_EQ(Converted(), 1);
                            EXPECT_EQ(TextOf(dialog, lblRateTotal), L"1 / 3");
                            EXPECT_NE(TextOf(dialog, lblResult).find(L"中止しました"),
@@ -299,7 +300,7 @@ TEST_F(ConverterTest, ProgressDoesNotPaintForEachCall) {
     EXPECT_TRUE(user.IsDone());
 }
 
-TEST_F(ConverterTest, CommandsHandOverTheListAndCloseBehindARun) {
+TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
     Load();
     controlBar_.files = files_;
     ConvertCommands commands(window_, controlBar_);
@@ -312,6 +313,13 @@ TEST_F(ConverterTest, CommandsHandOverTheListAndCloseBehindARun) {
                            EXPECT_EQ(Items(dialog, listConvertFiles), files_);
                            SetDlgItemTextW(dialog, textConvertFolder, Target().c_str());
                            PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
+                           Press(dialog, cmdRunConvert);
+                           EXPECT_EQ(asked_, Texts{kRefusal});
+                           EXPECT_EQ(Converted(), 3);
+                           Press(dialog, IDOK);
+                       },
+                       [&](HWND dialog) {
+                           PostMessageW(window_.Handle(), WM_ENDSESSION, TRUE, 0);
                            Press(dialog, cmdRunConvert);
                            EXPECT_EQ(Converted(), 1);
                        }});

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "app/base/quit.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/timer.h"
 
@@ -105,7 +106,14 @@ TEST(MessageLoopTest, DoEventsLeavesQuittingToTheOuterLoop) {
     PostTwo();
     EXPECT_TRUE(DoEvents());
     EXPECT_EQ(seen, 2);
-    PostQuitMessage(42);
+    PostQuitMessage(7);  // not ours
+    EXPECT_TRUE(DoEvents());
+    PostQuitMessage(7);
+    DropForeignQuit();
+    RequestQuit(42);
+    MSG taken{};
+    PeekMessageW(&taken, nullptr, 0, 0, PM_REMOVE);
+    DropForeignQuit();  // ours comes back
     EXPECT_FALSE(DoEvents());
     EXPECT_FALSE(DoEvents());
     EXPECT_EQ(RunMessageLoop(), 42);

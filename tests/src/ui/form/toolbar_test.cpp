@@ -35,10 +35,10 @@ class BarForm final : public Form {
         const SIZE size = toolbar.PreferredSize();
         toolbar.SetBounds(0, 0, size.cx + 50, size.cy);
         toolbar.OnButton([this](int index) { events.push_back("press " + std::to_string(index)); });
-        toolbar.OnDropDown([this](int index, POINT below) {
-            ScreenToClient(toolbar.Handle(), &below);
+        toolbar.OnDropDown([this](int index, RECT place) {
+            MapWindowPoints(nullptr, toolbar.Handle(), reinterpret_cast<POINT*>(&place), 2);
             const RECT button = toolbar.ButtonRectangle(index);
-            const bool placed = below.x == button.left && below.y == button.bottom;
+            const bool placed = EqualRect(&place, &button);
             events.push_back((placed ? "menu " : "misplaced ") + std::to_string(index));
         });
         toolbar.OnBackgroundPress([this] { events.emplace_back("background"); });

@@ -35,6 +35,19 @@ TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
     DoEvents();
     EXPECT_EQ(controlBar_.lists, (std::vector<List>{{file, folder_.Path() + L"絵\\b.bmp"}}));
     window.Unload();
+
+    frmMain lost(
+        {.commandLine = folder_.Path() + L"none.bmp", .pluginCount = {}, .endProgram = {}});
+    lost.SetFileListReceiver(controlBar_);
+    ASSERT_TRUE(lost.Load());
+    DoEvents();
+    EXPECT_EQ(controlBar_.lists.size(), 1U);
+    EXPECT_EQ(lost.statusInformation().PanelText(kNoticePanel),
+              L"開けるファイルが見つかりませんでした。");
+    lost.OpenLater({file});
+    DoEvents();
+    EXPECT_EQ(lost.statusInformation().PanelText(kNoticePanel), L"");
+    lost.Unload();
 }
 
 TEST_F(OpenFilesTest, TakesDroppedFilesAndFolders) {

@@ -53,6 +53,15 @@ TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
         EXPECT_FALSE(controlBar_.visible);
         EXPECT_EQ(window_.WorkAreaSize().cy, Screen().bottom);
         EXPECT_EQ(Position().x, (Screen().right - 100) / 2);
+        // Whoever moves it, the system to another scale for one, it stays on all of its screen.
+        const RECT small{50, 60, 250, 260};
+        SendMessageW(window_.Handle(), WM_DPICHANGED, MAKEWPARAM(96, 96),
+                     reinterpret_cast<LPARAM>(&small));
+        EXPECT_TRUE(IsFull()) << state;
+        SetWindowPos(window_.Handle(), nullptr, 50, 60, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+        ShowWindow(window_.Handle(), SW_MINIMIZE);
+        ShowWindow(window_.Handle(), SW_RESTORE);
+        EXPECT_TRUE(IsFull()) << state;
         Values().readsUnderWay = 1;  // the way out is open while a slide show loads
         Choose(commandEscape);
         Values().readsUnderWay = 0;
@@ -75,6 +84,15 @@ TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
     EXPECT_EQ(cancelled, 0);
     Choose(commandEscape);
     EXPECT_EQ(cancelled, 1);
+    Values().readsUnderWay = 1;
+    Choose(commandEscape);
+    EXPECT_EQ(controlBar_.pressed, std::vector<int>{4});
+}
+
+bool shownInMenu = false;
+void CALLBACK LookAndEndMenu(HWND, UINT, UINT_PTR, DWORD) {
+    shownInMenu = GetCursor() != nullptr;
+    EndMenu();
 }
 
 TEST_F(FullScreenTest, PointerHidesWhileItRests) {
@@ -93,6 +111,12 @@ TEST_F(FullScreenTest, PointerHidesWhileItRests) {
     EXPECT_EQ(pointerHere(), nullptr);
     SendToView(WM_MOUSEMOVE, 0, MAKELPARAM(6, 5));
     EXPECT_NE(pointerHere(), nullptr);
+
+    constexpr UINT kLonger = RestingPointer::kPatience + 500;
+    const UINT_PTR timer = SetTimer(nullptr, 0, kLonger, LookAndEndMenu);
+    SendToView(WM_CONTEXTMENU, 0, MAKELPARAM(9, 9));
+    KillTimer(nullptr, timer);
+    EXPECT_TRUE(shownInMenu);
 }
 
 TEST_F(FullScreenTest, WheelStepsByNotchesAndWithCtrlThroughTheSizes) {

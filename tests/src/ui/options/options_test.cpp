@@ -220,11 +220,17 @@ TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
 
 TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
     Plugin(L"iftst.spi", {}, L"good.spi");
-    const std::wstring bad = Plugin(L"config_crash.spi", "crash:av:ConfigurationDlg");
+    const std::wstring bad =
+        Plugin(L"config_crash.spi", "early:window:ConfigurationDlg\ncrash:av:ConfigurationDlg");
     IncrementErrorCount(L"config_crash.spi", L"LoadLibrary");
     CheckFileDate(bad);  // the failures are those of this file
     IncrementErrorCount(L"config_crash.spi", L"LoadLibrary");
     Values().general.dynamicSPILoad = 1;
+    CheckFileDate(Plugin(L"minimal.spi", {}, L"barred.spi"));
+    for (int run = 0; run < 2; ++run) {
+        WriteCallLog({L"LoadLibrary", L"barred.spi", {}});
+        RecoverInterruptedCall();
+    }
     ASSERT_TRUE(LoadSPI());
     ShowOptions(kPluginPage, {[&](HWND dialog) {
                     ASSERT_EQ(Cell(dialog, listSPI, 1, 0), L"config_crash.spi");
@@ -232,13 +238,22 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     EXPECT_EQ(Cell(dialog, listSPI, 1, 4), L"保持");
                     SelectRow(dialog, listSPI, 0);
                     EXPECT_FALSE(IsUsable(dialog, cmdSPIErrorClear));
+                    for (const auto* ownAnswer : {"20", "-1"}) {
+                        folder_.Write(L"good.spi.script",
+                                      std::string("answer:ConfigurationDlg:") + ownAnswer);
+                        Press(dialog, cmdSPISetup);
+                        EXPECT_TRUE(messages_.All().empty()) << ownAnswer;
+                    }
                     SelectRow(dialog, listSPI, 1);
+                    SetFocus(GetDlgItem(dialog, cmdSPISetup));
                     Press(dialog, cmdSPISetup);
+                    EXPECT_EQ(GetFocus(), GetDlgItem(dialog, cmdSPISetup));
                     EXPECT_NE(messages_.Only().find(L"致命的エラー"), std::wstring::npos);
                     EXPECT_EQ(Cell(dialog, listSPI, 1, 5), L"2");
                     EXPECT_EQ(Cell(dialog, listSPIError, 0, 0), L"GetFileSS, ConfigurationDlg");
                     EXPECT_EQ(Cell(dialog, listSPIError, 1, 0), L"LoadLibrary");
 
+                    SetFocus(GetDlgItem(dialog, cmdSPIErrorClear));
                     Press(dialog, cmdSPIErrorClear);
                     EXPECT_EQ(Cell(dialog, listSPI, 0, 0), L"config_crash.spi");
                     EXPECT_EQ(Cell(dialog, listSPI, 0, 5), L"0");
@@ -246,10 +261,69 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     EXPECT_EQ(RowCount(dialog, listSPIError), 0);
                     EXPECT_EQ(GetFocus(), GetDlgItem(dialog, listSPI));
                     EXPECT_FALSE(IsUsable(dialog, cmdSPIErrorClear));
+
+                    EXPECT_EQ(Cell(dialog, listSPI, 2, 4), L"停止中");
+                    SelectRow(dialog, listSPI, 2);
+                    EXPECT_FALSE(IsUsable(dialog, cmdApply) || IsUsable(dialog, cmdSPISetup));
+                    Press(dialog, cmdSPIErrorClear);
+                    EXPECT_EQ(Cell(dialog, listSPI, 2, 4), L"読み込み待ち");
+                    Press(dialog, cmdApply);
+                    EXPECT_EQ(SusieCollection().Count(), 3);
                     Press(dialog, IDCANCEL);
                 }});
     EXPECT_FALSE(IsLoaded(bad));
     EXPECT_EQ(ReadErrorCount(L"config_crash.spi", {}), 0);
+}
+
+TEST_F(OptionsTest, ASettingsWindowMayStayOpenAndClose) {
+    Plugin(L"iftst.spi", "dirty:modeless:ConfigurationDlg");
+    Values().general.dynamicSPILoad = 1;
+    ASSERT_TRUE(LoadSPI());
+    ShowOptions(kPluginPage,
+                {[](HWND dialog) {
+                     Press(dialog, cmdSPISetup);
+                     EXPECT_EQ(Cell(dialog, listSPI, 0, 4), L"保持");
+                     DestroyWindow(FindWindowW(nullptr, L"Test plug-in modeless window"));
+                 },
+                 // It posts a request to quit, which would end this dialog as well.
+                 [](HWND dialog) { Press(dialog, IDCANCEL); }});
+}
+
+TEST_F(OptionsTest, ALongReloadIsToldAndCanBeStopped) {
+    for (int i = 0; i < 40; ++i)
+        Plugin(L"iftst.spi", "dirty:slow:DllMain", std::to_wstring(100 + i) + L".spi");
+    folder_.Write(L"999.spi", "text");
+    Values().general.useSPI = 0;
+    int loaded = 0;
+    DrivenDialog user(
+        {[](HWND dialog) {
+             Click(dialog, checkUseSPI);
+             PostMessageW(dialog, WM_COMMAND, cmdApply,
+                          reinterpret_cast<LPARAM>(GetDlgItem(dialog, cmdApply)));
+         },
+         [&](HWND progress) {
+             EXPECT_TRUE(TextOf(progress, progressSubject).starts_with(folder_.Path()));
+             Press(progress, IDCANCEL);
+         },
+         [&](HWND dialog) {
+             loaded = SusieCollection().Count();
+             const std::wstring notice = window_.statusInformation().PanelText(kNoticePanel);
+             EXPECT_NE(notice.find(L"（" + std::to_wstring(loaded) + L" / 41）"),
+                       std::wstring::npos);
+             EXPECT_GT(loaded, 0);
+             EXPECT_LT(loaded, 40);
+             EXPECT_EQ(RowCount(dialog, listSPI), 41);
+             EXPECT_EQ(Cell(dialog, listSPI, loaded, 4), L"読み込み待ち");
+             EXPECT_TRUE(IsUsable(dialog, cmdApply));
+             Press(dialog, IDOK);
+         }});
+    commands_.ShowOptions(window_.Handle(), kPluginPage);
+    EXPECT_TRUE(user.IsDone());
+    // OK has loaded those that were waiting.
+    EXPECT_EQ(PluginCountPanel(), L"40個のプラグイン");
+    EXPECT_EQ(window_.statusInformation().PanelText(kNoticePanel), L"");
+    EXPECT_EQ(Reloads(), 2);
+    EXPECT_FALSE(IsReadUnderWay());
 }
 
 TEST_F(OptionsTest, AFolderChosenInTheMenuIsSwitchedOnAndLoaded) {

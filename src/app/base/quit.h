@@ -1,0 +1,20 @@
+// The request that ends the message loop. Only the program may make it, but code that it hosts
+// posts WM_QUIT as well, as if it were a program of its own.
+#pragma once
+
+namespace tessary {
+
+// Asks the message loop of this, the user-interface thread to end with that status.
+void RequestQuit(int status);
+
+// Whether it was asked to, and has not ended yet; what WM_QUIT means else is nothing.
+bool IsQuitRequested();
+
+// The loop has ended.
+void QuitIsDone();
+
+// After foreign code had the thread: takes its WM_QUIT out of the queue, and puts ours back if it
+// was taken away. No other message is looked at.
+void DropForeignQuit();
+
+}  // namespace tessary
