@@ -1,5 +1,7 @@
 // Expanding one archive.
-#include <set>
+#include <algorithm>
+#include <map>
+#include <optional>
 
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -7,15 +9,40 @@
 #include "convert/convert_progress.h"
 #include "convert/convert_run.h"
 #include "convert/decode_filter.h"
+#include "convert/delete_files.h"
 #include "convert/make_folder.h"
 #include "convert/plugin_use.h"
+#include "plugin/file_stamp.h"
+#include "plugin/member_file_name.h"
+#include "plugin/source_block.h"
 
 namespace tessary {
 namespace {
 
 constexpr int kLastSubstitute = 10;
 
+bool HaveSameContent(const std::wstring& one, const std::wstring& other) {
+    const std::optional<FileStamp> stamp = StampOf(one);
+    const std::optional<FileStamp> otherStamp = StampOf(other);
+    if (!stamp || !otherStamp || stamp->size != otherStamp->size) return false;
+    if (stamp->size == 0) return true;
+    const OwnedBlock block = ReadWholeFile(one);
+    const OwnedBlock otherBlock = ReadWholeFile(other);
+    const BlockLock lock(block.Get());
+    const BlockLock otherLock(otherBlock.Get());
+    return lock && otherLock && std::ranges::equal(lock.Bytes(), otherLock.Bytes());
+}
+
 }  // namespace
+
+struct ConvertRun::Expansion {
+    clsSusie& archive;
+    std::wstring folder;
+    MemberFileNames names;
+    // Of the members that are files, by position: below `folder` as if it were empty. Nothing for
+    // one that is not wanted or whose name no file can have.
+    std::map<int32_t, std::optional<std::wstring>> ownNames;
+};
 
 // The folder, or where it cannot be made the first that can of `folder(0)` to `folder(10)`: the
 // archive itself may have the name, or another archive of this run. Empty when none can.
@@ -75,12 +102,14 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
     }
     log_.WriteConvertLog(L"合計ファイル数", std::to_wstring(count), 2);
     log_.WriteConvertLog(L"すべてのファイルを展開します", {}, 2);
-    MemberFileNames names;
-    std::set<int32_t> files;
-    for (const ListedMember& file : archive.GetExpandFileList())
-        files.insert(file.position);
+    Expansion expansion{archive, folder, {}, {}};
+    for (const ListedMember& file : archive.GetExpandFileList()) {
+        auto& ownName = expansion.ownNames[file.position];
+        if (CheckDecodeFileName(FileNameOf(file.name)))
+            ownName = expansion.names.NameFor(file.name);
+    }
     for (int32_t index = 1; index <= count; ++index) {
-        std::wstring path = ExpandMember(archive, index, files.contains(index), folder, names);
+        std::wstring path = ExpandMember(expansion, index);
         if (path.empty()) continue;
         list_.Set(upperBound + index, path);
         if (!monitor_.SetProgressBar(upperBound, list_.UpperBound(), index, count)) {
@@ -96,9 +125,10 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
     return true;
 }
 
-std::wstring ConvertRun::ExpandMember(clsSusie& archive, int32_t index, bool isFile,
-                                      const std::wstring& folder, MemberFileNames& names) {
-    const std::wstring member = archive.Files(index);
+std::wstring ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
+    const std::wstring member = expansion.archive.Files(index);
+    const auto file = expansion.ownNames.find(index);
+    const bool isFile = file != expansion.ownNames.end();
     const auto refuse = [&](FileOutcome outcome) {
         log_.WriteConvertLog(L"解凍に失敗しました", member, 4);
         log_.WriteConvertLog(L"詳細情報", {}, 6);
@@ -110,25 +140,35 @@ std::wstring ConvertRun::ExpandMember(clsSusie& archive, int32_t index, bool isF
         log_.WriteConvertLog(L"このファイルは解凍しない設定になっています", {}, 6);
         return {};
     }
-    std::optional<std::wstring> name;
-    if (isFile) {
-        // What stands in the folder already is somebody's, and not ours to replace or delete.
-        do {
-            name = names.NameFor(member);
-        } while (name && PathExists(folder + L'\\' + *name));
-    }
-    if (!name) {
+    if (!isFile || !file->second) {
         refuse(FileOutcome::kFailed);
         log_.WriteConvertLog(L"ファイル名として使用できない名前です", {}, 6);
         return {};
     }
-    if (const uint32_t failure =
-            ResultOf([&] { archive.DecodeArchive(index, folder, *name, TellProgress); })) {
+    // What stands in the folder already is somebody's, and not ours to replace or delete.
+    const std::wstring start = expansion.folder + L'\\';
+    std::wstring name = *file->second;
+    std::vector<std::wstring> standing;
+    for (; PathExists(start + name); name = *expansion.names.NameFor(member))
+        standing.push_back(start + name);
+    if (const uint32_t failure = ResultOf([&] {
+            expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress);
+        })) {
         refuse(FileOutcome::kFailed);
-        WritePluginError(archive, failure, 6);
+        WritePluginError(expansion.archive, failure, 6);
         return {};
     }
-    return folder + L'\\' + *name;
+    std::wstring path = start + name;
+    // But what is the same and not on the list, an earlier run has left.
+    const auto left = std::ranges::find_if(standing, [&](const std::wstring& other) {
+        return !list_.Holds(other) && HaveSameContent(path, other);
+    });
+    if (left != standing.end()) {
+        DeleteFiles(path, true);
+        path = *left;
+    }
+    if (path != start + *file->second) ownNames_[ToUpper(path)] = FileNameOf(*file->second);
+    return path;
 }
 
 }  // namespace tessary

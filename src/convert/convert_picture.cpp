@@ -53,7 +53,7 @@ StepResult ConvertRun::ConvertBitmapFile(const std::wstring& path,
         }
         const OwnedPicture picture(pair);
         log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
-        result = SaveConvertedPicture(picture.Get(), outputFolder, FileNameOf(path));
+        result = SaveConvertedPicture(picture.Get(), outputFolder, path);
     });
 }
 
@@ -81,13 +81,28 @@ StepResult ConvertRun::ConvertPictureFile(const std::wstring& path, const std::w
         }
         const OwnedPicture picture(pair);
         log_.WriteConvertLog(L"画像を展開しました", path, 2);
-        result = SaveConvertedPicture(picture.Get(), outputFolder, FileNameOf(path));
+        result = SaveConvertedPicture(picture.Get(), outputFolder, path);
     });
+}
+
+// A member that lies beside a file of its name is still saved under it, as any file is, so that a
+// run can be repeated; but for a picture of this run.
+std::wstring ConvertRun::SavedNameFor(const std::wstring& path, const std::wstring& outputFolder,
+                                      const std::wstring& extension) const {
+    const auto own = ownNames_.find(ToUpper(path));
+    if (own == ownNames_.end()) return WithoutExtension(FileNameOf(path)) + extension;
+    const std::wstring base = WithoutExtension(own->second);
+    std::wstring name = base + extension;
+    for (int number = 2; savedFiles_.contains(ToUpper(outputFolder + name)); ++number) {
+        name = base;
+        name.append(L" (").append(std::to_wstring(number)).append(L")").append(extension);
+    }
+    return name;
 }
 
 StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
                                             const std::wstring& outputFolder,
-                                            const std::wstring& fileName) {
+                                            const std::wstring& path) {
     dib::BitmapInfoHeader header{};
     GetPictureHeader(picture, header);
     const int32_t height = header.height < 0 ? -header.height : header.height;
@@ -98,7 +113,7 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
         monitor_.CountFile(FileOutcome::kDeclined);
         return StepResult::kNotSaved;
     }
-    const std::wstring savedName = WithoutExtension(fileName) + ExtensionFor(header.bitCount);
+    const std::wstring savedName = SavedNameFor(path, outputFolder, ExtensionFor(header.bitCount));
     log_.WriteConvertLog(L"画像の色数", std::to_wstring(header.bitCount) + L" bit", 2);
     log_.WriteConvertLog(L"保存ファイル名", outputFolder + savedName, 2);
     MakeWayFor(outputFolder + savedName);

@@ -2,16 +2,18 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <set>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "app/base/error.h"
+#include "app/base/text.h"
 #include "convert/convert_log.h"
 #include "convert/convert_monitor.h"
 #include "picture/modMemory.h"
 #include "plugin/clsSusie.h"
-#include "plugin/member_file_name.h"
 
 namespace tessary {
 
@@ -27,16 +29,23 @@ enum class StepResult {
 class WorkList {
   public:
     explicit WorkList(std::vector<std::wstring> files)
-        : files_(std::move(files)), initialCount_(UpperBound()) {}
+        : files_(std::move(files)), initialCount_(UpperBound()) {
+        for (const std::wstring& file : files_)
+            held_.insert(ToUpper(file));
+    }
 
     // Indexes count from 1 to UpperBound.
     int32_t UpperBound() const { return static_cast<int32_t>(files_.size()); }
     const std::wstring& At(int32_t index) const { return files_[static_cast<size_t>(index) - 1]; }
     void Set(int32_t index, std::wstring path) {
+        held_.insert(ToUpper(path));
         files_[static_cast<size_t>(index) - 1] = std::move(path);
     }
     // Adds so many empty entries.
     void Grow(int32_t count) { files_.resize(files_.size() + static_cast<size_t>(count)); }
+
+    // Whether a path is an entry, or was one.
+    bool Holds(const std::wstring& path) const { return held_.contains(ToUpper(path)); }
 
     // Whether the entry is an extracted member.
     bool IsExtracted(int32_t index) const { return index > initialCount_; }
@@ -44,6 +53,7 @@ class WorkList {
   private:
     std::vector<std::wstring> files_;
     int32_t initialCount_;
+    std::unordered_set<std::wstring> held_;  // in upper case
 };
 
 // Every step traps what goes wrong in it unexpectedly and then counts as far as it has come; the
@@ -72,8 +82,12 @@ class ConvertRun {
     StepResult ConvertBitmapFile(const std::wstring& path, const std::wstring& outputFolder);
     StepResult ConvertPictureFile(const std::wstring& path, const std::wstring& pluginKey,
                                   const std::wstring& outputFolder);
+    // `path`: of the file that the picture comes from.
     StepResult SaveConvertedPicture(const PicturePair& picture, const std::wstring& outputFolder,
-                                    const std::wstring& fileName);
+                                    const std::wstring& path);
+    // The name, without folder, that its picture is saved under.
+    std::wstring SavedNameFor(const std::wstring& path, const std::wstring& outputFolder,
+                              const std::wstring& extension) const;
 
     // --- Archives (convert_archive.cpp) ---
 
@@ -82,9 +96,10 @@ class ConvertRun {
     // `upperBound`: of the list before it grew. False when the user has stopped the run.
     bool ExpandArchiveFiles(clsSusie& archive, const std::wstring& expansionFolder,
                             int32_t upperBound);
+    // One archive on its way.
+    struct Expansion;
     // Where a member was extracted to; empty when it was not.
-    std::wstring ExpandMember(clsSusie& archive, int32_t index, bool isFile,
-                              const std::wstring& folder, MemberFileNames& names);
+    std::wstring ExpandMember(Expansion& expansion, int32_t index);
     std::wstring MakeExpansionFolder(const std::wstring& folder);
 
     // --- Shared ---
@@ -121,7 +136,10 @@ class ConvertRun {
     ConvertLog log_;
     std::set<std::wstring> savedFiles_;        // what entries have become, in upper case
     std::set<std::wstring> expansionFolders_;  // of this run's archives, in upper case
-    int32_t current_ = 0;                      // index of the entry at hand
+    // By their paths in upper case: the names, without folder, of extracted files that had to lie
+    // beside somebody's file of that name.
+    std::map<std::wstring, std::wstring> ownNames_;
+    int32_t current_ = 0;  // index of the entry at hand
 };
 
 }  // namespace tessary

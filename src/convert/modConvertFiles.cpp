@@ -136,7 +136,7 @@ void ConvertRun::DeleteExtracted(const std::wstring& path) {
 }
 
 void ConvertRun::MakeWayFor(const std::wstring& output) {
-    if (EqualsIgnoreCase(list_.At(current_), output) || !PathExists(output)) return;
+    if (EqualsIgnoreCase(list_.At(current_), output) || !list_.Holds(output)) return;
     const size_t extensionSize = UpperExtensionOf(output).size();
     const size_t dot = output.size() - (extensionSize == 0 ? 0 : extensionSize + 1);
     for (int32_t index = current_ + 1; index <= list_.UpperBound(); ++index) {

@@ -104,6 +104,31 @@ TEST_F(ConvertRunTest, NothingIsLostToAnotherOfItsName) {
     EXPECT_EQ(ContentOf(own), "mine");
 }
 
+TEST_F(ConvertRunTest, RunsThatAreStoppedAndRepeatedComeToTheSame) {
+    Values().convert.saveType2 = 1;
+    Values().convert.decodeUnknownFile = 1;
+    std::filesystem::create_directories(Target() + L"p.tsa");
+    monitor_.files = {target_.Write(L"out\\p.tsa\\1.tst", "TST 6x6x24\n")};
+    Add(L"p.tsa", ArchiveOf({{"1.tst", "TST 6x6x24\n"}}));
+    Add(L"r.tsa", ArchiveOf({{"a.tst", "TST 6x6x24\n"},
+                             {"a.png", "TST 9x9x24\n"},
+                             {"B.png", "TST 6x6x24\n"},
+                             {"b.png", "TST 8x8x24\n"},
+                             {"read.me", "no picture"},
+                             {"empty", ""}}));
+    // Each run leaves something for the next.
+    int step = 0;
+    do
+        monitor_.stepsLeft = ++step;
+    while (!Run());
+    EXPECT_GT(step, 10);
+    monitor_.stepsLeft = -1;
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(Converted(),
+              LR"(1.png p.tsa\1.png p.tsa\1.tst r.tsa\B.png r.tsa\a (2).png r.tsa\a.png )"
+              LR"(r.tsa\b (2).png r.tsa\empty r.tsa\read.me )");
+}
+
 TEST_F(ConvertRunTest, SourceThatIsItsOwnTargetIsReplacedWhole) {
     std::filesystem::create_directories(Target());
     const std::string picture = BitmapFileOf(20, 20, 0);
