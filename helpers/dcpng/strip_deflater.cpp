@@ -2,6 +2,7 @@
 
 #include <libdeflate.h>
 
+#include <algorithm>
 #include <array>
 #include <new>
 #include <stdexcept>
@@ -11,7 +12,9 @@ namespace {
 
 constexpr int kRawWindowBits = -15;  // 32 KB, and no header of zlib's
 constexpr int kMemoryLevel = 8;
-constexpr size_t kGrainyPart = 4;  // what shrinks to less than this part is full of long matches
+constexpr int kBestLevel = 9;
+constexpr size_t kSamplePart = 8;  // of a strip
+constexpr size_t kLeastSample = 8u << 10;
 // What zlib's data_type tells behind a block.
 constexpr int kUnusedBits = 7;
 constexpr int kLastBlock = 64;
@@ -21,6 +24,11 @@ constexpr int kEndOfBlock = 128;
 constexpr std::array<uint8_t, 4> kEmptyBlock = {0x00, 0x00, 0xFF, 0xFF};
 constexpr size_t kBlockHeadBits = 3;
 
+// What shrinks to less than a quarter is full of long matches.
+bool IsGrainy(std::span<const uint8_t> deflated, std::span<const uint8_t> bytes) {
+    return deflated.size() > bytes.size() / 4;
+}
+
 }  // namespace
 
 void StripDeflater::FreeCompressor::operator()(libdeflate_compressor* compressor) const {
@@ -28,7 +36,7 @@ void StripDeflater::FreeCompressor::operator()(libdeflate_compressor* compressor
 }
 
 StripDeflater::StripDeflater(int level)
-    : compressor_(libdeflate_alloc_compressor(level)), triesRuns_(level != 0) {
+    : compressor_(libdeflate_alloc_compressor(level)), level_(level) {
     if (compressor_ == nullptr || inflateInit2(&unpacking_, kRawWindowBits) != Z_OK) {
         throw std::bad_alloc();
     }
@@ -46,15 +54,31 @@ StripDeflater::~StripDeflater() {
 void StripDeflater::Deflate(std::span<uint8_t> strip, bool isLast, DeflatedStrip& to) {
     to.size = strip.size();
     to.adler = libdeflate_adler32(1, strip.data(), strip.size());
-    to.bytes.resize(libdeflate_deflate_compress_bound(compressor_.get(), strip.size()));
-    to.bytes.resize(libdeflate_deflate_compress(compressor_.get(), strip.data(), strip.size(),
-                                                to.bytes.data(), to.bytes.size()));
-    const bool isGrainy = to.bytes.size() > strip.size() / kGrainyPart;
-    if (triesRuns_ && isGrainy && DeflateRuns(strip, isLast, to.bytes.size())) {
-        to.bytes.assign(runs_.begin(), runs_.end());
+    if (level_ != 0 && level_ != kBestLevel && SampleIsShorterInRuns(strip)) {
+        const size_t most = deflateBound(&packing_, strip.size()) + kEmptyBlock.size() + 1;
+        DeflateRuns(strip, isLast, most, to.bytes);
+        return;
+    }
+    DeflateMatches(strip, to.bytes);
+    if (level_ == kBestLevel && IsGrainy(to.bytes, strip) &&
+        DeflateRuns(strip, isLast, to.bytes.size(), second_)) {
+        to.bytes.swap(second_);
     } else if (!isLast) {
         OpenEnd(to.bytes, strip);
     }
+}
+
+bool StripDeflater::SampleIsShorterInRuns(std::span<uint8_t> strip) {
+    const size_t size = std::min(std::max(strip.size() / kSamplePart, kLeastSample), strip.size());
+    const std::span<uint8_t> sample = strip.subspan((strip.size() - size) / 2, size);
+    DeflateMatches(sample, second_);
+    return IsGrainy(second_, sample) && DeflateRuns(sample, true, second_.size(), second_);
+}
+
+void StripDeflater::DeflateMatches(std::span<const uint8_t> bytes, std::vector<uint8_t>& to) {
+    to.resize(libdeflate_deflate_compress_bound(compressor_.get(), bytes.size()));
+    to.resize(libdeflate_deflate_compress(compressor_.get(), bytes.data(), bytes.size(), to.data(),
+                                          to.size()));
 }
 
 // The last block says in its first bit that it is the last one. libdeflate does not tell where it
@@ -81,16 +105,17 @@ void StripDeflater::OpenEnd(std::vector<uint8_t>& bytes, std::span<uint8_t> stri
     bytes.insert(bytes.end(), kEmptyBlock.begin(), kEmptyBlock.end());
 }
 
-bool StripDeflater::DeflateRuns(std::span<uint8_t> strip, bool isLast, size_t most) {
-    runs_.resize(most);
+bool StripDeflater::DeflateRuns(std::span<uint8_t> bytes, bool isLast, size_t most,
+                                std::vector<uint8_t>& to) {
+    to.resize(most);
     deflateReset(&packing_);
-    packing_.next_in = strip.data();
-    packing_.avail_in = static_cast<uInt>(strip.size());
-    packing_.next_out = runs_.data();
+    packing_.next_in = bytes.data();
+    packing_.avail_in = static_cast<uInt>(bytes.size());
+    packing_.next_out = to.data();
     packing_.avail_out = static_cast<uInt>(most);
     deflate(&packing_, isLast ? Z_FINISH : Z_SYNC_FLUSH);
     // Room that is left tells that everything is out.
-    runs_.resize(most - packing_.avail_out);
+    to.resize(most - packing_.avail_out);
     return packing_.avail_out != 0;
 }
 

@@ -14,7 +14,7 @@ constexpr size_t kSlotsPerThread = 2;
 StripTeam::StripTeam(size_t strips, std::function<Make()> newMake)
     : strips_(strips), newMake_(std::move(newMake)) {
     const size_t processors =
-        std::clamp<size_t>(std::thread::hardware_concurrency(), 1, kMostThreads);
+        strips_ < 2 ? 1 : std::clamp<size_t>(std::thread::hardware_concurrency(), 1, kMostThreads);
     const size_t wanted = std::min(processors, strips_);
     slots_.resize(std::min(wanted * kSlotsPerThread, strips_));
     threads_.reserve(wanted);
