@@ -30,7 +30,10 @@ class FileSource final : public dib::ByteSource {
     FileSource(UniqueFile file, uint64_t size) : file_(std::move(file)), size_(size) {}
 
     UniqueFile file_;
+    static constexpr uint64_t kUnknown = ~uint64_t{0};
+
     uint64_t size_;  // bytes, when it was opened
+    uint64_t position_ = 0;
 };
 
 }  // namespace tessary::files
