@@ -18,6 +18,8 @@ constexpr int kDyingExitCode = 77;
 constexpr wchar_t kTargetVariable[] = L"TESSARY_TEST_SAVES_TO";
 constexpr wchar_t kRoundsVariable[] = L"TESSARY_KILL_ROUNDS";
 constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+constexpr wchar_t kNewNames[] = L"new";
+constexpr wchar_t kBeside[] = L"~tessary-1.tmp";
 constexpr wchar_t kReadyEvent[] = L"TessaryTestSaves";
 
 // What the progress callback does; it gets no value of its own.
@@ -255,6 +257,8 @@ TEST_F(SavingEntries, FailWithoutTrace) {
         if (!library.reports) continue;
         callback = {30, false, 0};
         EXPECT_EQ(Save(library, large, old.c_str(), nullptr, kCallback), DWORD{ERROR_CANCELLED});
+        EXPECT_EQ(Save(library, large, At(L"new").c_str(), nullptr, kCallback),
+                  DWORD{ERROR_CANCELLED});
         EXPECT_EQ(callback.thread, GetCurrentThreadId());
     }
     EXPECT_TRUE(Folder() == before);
@@ -286,12 +290,16 @@ TEST_F(SavingEntries, LeaveAWholeFileWheneverTheProcessIsKilled) {
     if (const wchar_t* target = _wgetenv(kTargetVariable)) {
         const Library& library = kLibraries[target[wcslen(target) - 1] - L'0'];
         SetEvent(OpenEventW(EVENT_MODIFY_STATE, FALSE, kReadyEvent));
-        for (size_t i = 0;; ++i)
-            Save(library, pictures[i % 2], target);
+        const bool toNewNames = std::wstring(target).find(kNewNames) != std::wstring::npos;
+        for (size_t i = 0;; ++i) {
+            const std::wstring number = toNewNames ? L'-' + std::to_wstring(i) : L"";
+            Save(library, pictures[i % 2], (target + number).c_str());
+        }
     }
     const wchar_t* wanted = _wgetenv(kRoundsVariable);
-    const int rounds = wanted != nullptr ? _wtoi(wanted) : 20;
+    const int rounds = wanted != nullptr ? _wtoi(wanted) : 12;
     int replaced = 0;
+    int created = 0;
     for (int round = 0; round < rounds; ++round) {
         const size_t number = static_cast<size_t>(round) % std::size(kLibraries);
         const std::wstring name = L"target" + std::to_wstring(number);
@@ -300,18 +308,25 @@ TEST_F(SavingEntries, LeaveAWholeFileWheneverTheProcessIsKilled) {
             ASSERT_EQ(Save(kLibraries[number], picture, At(name.c_str()).c_str()), 0u);
             whole.insert(ReadFile(At(name.c_str())));
         }
+        KillWhileSaving(At(kNewNames) + std::to_wstring(number), 0);
+        for (const auto& [newName, content] : Folder()) {
+            EXPECT_TRUE(newName == kBeside || whole.contains(content)) << round;
+            DeleteFileW(At(newName.c_str()).c_str());
+            ++created;
+        }
         KillWhileSaving(folder_.Write(name, "old content"), 0);
         auto files = Folder();
         const std::string left = files.extract(name).mapped();
         EXPECT_TRUE(whole.contains(left)) << round << ": " << left.size() << " bytes";
         if (left != "old content") ++replaced;
         // In the moment of its moving the new file has a name of its own.
-        files.erase(L"~tessary-1.tmp");
+        files.erase(kBeside);
         EXPECT_TRUE(files.empty());
-        DeleteFileW(At(L"~tessary-1.tmp").c_str());
+        DeleteFileW(At(kBeside).c_str());
         DeleteFileW(At(name.c_str()).c_str());
     }
     EXPECT_GT(replaced, 0);
+    EXPECT_GT(created, 0);
 }
 
 // Here it dies while it waits for the target; in a moment of moving it may leave its file.
@@ -337,7 +352,7 @@ TEST_F(SavingEntries, LeaveOtherFilesOfTheirNamesAlone) {
     time.dwHighDateTime -= 403;  // two days
     EXPECT_TRUE(SetFileTime(file, nullptr, nullptr, &time));
     CloseHandle(file);
-    EXPECT_EQ(Save(kLibraries[0], picture_, At(L"a").c_str()), 0u);
+    EXPECT_EQ(Save(kLibraries[0], picture_, folder_.Write(L"a", "replaced").c_str()), 0u);
     auto files = Folder();
     EXPECT_EQ(files[L"precious"], "a user's");
     EXPECT_EQ(files[L"~tessary-1.tmp"], "a user's");
