@@ -7,6 +7,10 @@
 
 #include "plugins/common/palette.h"
 
+// Missing in the compiler's headers. Makes the factory without looking its class up, which takes
+// the system as long as a small picture.
+extern "C" HRESULT WINAPI WICCreateImagingFactory_Proxy(UINT version, IWICImagingFactory** factory);
+
 namespace tessary::wic {
 namespace {
 
@@ -33,6 +37,22 @@ const GUID* ContainerId(Container container) {
             return &kContainerDds;
         case Container::kJpegXr:
             return &GUID_ContainerFormatWmp;
+        default:
+            return nullptr;
+    }
+}
+
+// The system's own decoder, for formats that have one in every Windows: asking all decoders costs
+// more than decoding a small picture.
+const CLSID* DecoderClass(Container container) {
+    switch (container) {
+        case Container::kGif:
+            return &CLSID_WICGifDecoder;
+        case Container::kTiff:
+            return &CLSID_WICTiffDecoder;
+        case Container::kIcon:
+        case Container::kCursor:
+            return &CLSID_WICIcoDecoder;
         default:
             return nullptr;
     }
@@ -99,12 +119,23 @@ unsigned GreyBits(const GUID& format) {
     return BitsOf(kFormats, format);
 }
 
-// The system's factory of this thread's apartment.
 ComPtr<IWICImagingFactory> MakeFactory() {
     ComPtr<IWICImagingFactory> factory;
-    Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                           IID_PPV_ARGS(&factory)));
+    Check(WICCreateImagingFactory_Proxy(WINCODEC_SDK_VERSION, &factory));
     return factory;
+}
+
+ComPtr<IWICBitmapDecoder> OpenDecoder(IWICImagingFactory* factory, Container container,
+                                      IStream* stream) {
+    ComPtr<IWICBitmapDecoder> decoder;
+    if (const CLSID* id = DecoderClass(container)) {
+        Check(CoCreateInstance(*id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&decoder)));
+        Check(decoder->Initialize(stream, WICDecodeMetadataCacheOnDemand));
+    } else {
+        Check(factory->CreateDecoderFromStream(stream, nullptr, WICDecodeMetadataCacheOnDemand,
+                                               &decoder));
+    }
+    return decoder;
 }
 
 }  // namespace
@@ -118,9 +149,7 @@ bool DecoderInstalled(Container container) {
 }
 
 WicFrame::WicFrame(Container container, const ComPtr<IStream>& stream, uint32_t frameIndex)
-    : factory_(MakeFactory()) {
-    Check(factory_->CreateDecoderFromStream(stream.Get(), nullptr, WICDecodeMetadataCacheOnDemand,
-                                            &decoder_));
+    : factory_(MakeFactory()), decoder_(OpenDecoder(factory_.Get(), container, stream.Get())) {
     Check(decoder_->GetFrame(frameIndex, &frame_));
     Check(frame_->GetSize(&width_, &height_));
     if (container == Container::kTiff) ReadOrientation();
