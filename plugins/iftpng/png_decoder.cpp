@@ -23,7 +23,7 @@ bool PngDecoder::IsSupported(std::span<const uint8_t> header) const {
 
 Result PngDecoder::ReadForm(dib::ByteSource& source, codec::PictureForm& form) const {
     codec::Progress nobody;
-    PngReader reader(source, nobody);
+    PngReader reader(source, nobody, large_);
     const Result result = reader.ReadHeader();
     if (result == Result::kSuccess) form = reader.Form();
     return result;
@@ -32,7 +32,7 @@ Result PngDecoder::ReadForm(dib::ByteSource& source, codec::PictureForm& form) c
 Result PngDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
                           codec::Progress& progress) const {
     if (!progress.Report(0, 1)) return Result::kAborted;
-    PngReader reader(source, progress);
+    PngReader reader(source, progress, large_);
     if (const Result result = reader.ReadHeader(); result != Result::kSuccess) return result;
     codec::PictureRows rows;
     const Result created =

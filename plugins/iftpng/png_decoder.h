@@ -15,10 +15,18 @@ namespace tessary::png {
 // byte.
 class PngDecoder final : public codec::PictureCodec {
   public:
+    // What counts as a large picture, whose data a second thread unpacks: bytes of its pixels.
+    static constexpr uint64_t kLarge = 1u << 20;
+
+    explicit PngDecoder(uint64_t large = kLarge) : large_(large) {}
+
     bool IsSupported(std::span<const uint8_t> header) const override;
     codec::Result ReadForm(dib::ByteSource& source, codec::PictureForm& form) const override;
     codec::Result Decode(dib::ByteSource& source, codec::PictureTarget& target,
                          codec::Progress& progress) const override;
+
+  private:
+    uint64_t large_;
 };
 
 }  // namespace tessary::png

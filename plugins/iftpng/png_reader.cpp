@@ -73,8 +73,12 @@ unsigned Distance(PaletteEntry a, PaletteEntry b) {
 
 }  // namespace
 
-PngReader::PngReader(dib::ByteSource& source, codec::Progress& progress)
-    : source_(source), progress_(progress), background_(codec::kWhite) {}
+PngReader::PngReader(dib::ByteSource& source, codec::Progress& progress,
+                     uint64_t leastUnpackedAhead)
+    : source_(source),
+      progress_(progress),
+      leastUnpackedAhead_(leastUnpackedAhead),
+      background_(codec::kWhite) {}
 
 PngReader::~PngReader() {
     png_destroy_read_struct(&png_, &info_, nullptr);
@@ -90,11 +94,19 @@ void PngReader::OnError(png_structp png, png_const_charp) {
     reader->Leave(reader->noMemory_ ? Result::kOutOfMemory : Result::kBrokenData);
 }
 
+std::optional<size_t> PngReader::Read(std::span<uint8_t> out) {
+    if (unpacked_) return unpacked_->Read(out);
+    const auto got = source_.ReadAt(position_, out);
+    position_ += got.value_or(0);
+    return got;
+}
+
 void PngReader::OnRead(png_structp png, png_bytep out, size_t count) {
     auto* reader = static_cast<PngReader*>(png_get_io_ptr(png));
-    const auto got = reader->source_.ReadAt(reader->position_, {out, count});
-    if (!got) reader->Leave(Result::kReadError);
-    reader->position_ += *got;
+    const auto got = reader->Read({out, count});
+    if (!got) {
+        reader->Leave(reader->unpacked_ ? reader->unpacked_->Failure() : Result::kReadError);
+    }
     if (*got == count) {
         reader->ChooseDataSize();
         return;
@@ -106,6 +118,7 @@ void PngReader::OnRead(png_structp png, png_bytep out, size_t count) {
 // libpng decodes whole reads only: what a read lacks at the end of a file cut short takes the rest
 // of it along. So the last reads are small ones.
 void PngReader::ChooseDataSize() {
+    if (unpacked_) return;  // its chunks are always whole
     const uint64_t left = source_.Size() - position_;
     png_set_compression_buffer_size(png_,
                                     left > 2 * uint64_t{kDataSize} ? kDataSize : kLastDataSize);
@@ -136,6 +149,9 @@ Result PngReader::ReadHeader() {
     std::array<uint8_t, kSignatureSize> signature{};
     if (!source_.ReadAt(0, signature)) return Result::kReadError;
     if (png_sig_cmp(signature.data(), 0, signature.size()) != 0) return Result::kUnknownFormat;
+    if (const auto start = FindPictureData(source_, leastUnpackedAhead_)) {
+        unpacked_.emplace(source_, *start);
+    }
     if (setjmp(escape_) != 0) return result_;
     png_ = png_create_read_struct_2(
         PNG_LIBPNG_VER_STRING, this, OnError, [](png_structp, png_const_charp) {}, this, Allocate,
@@ -150,6 +166,10 @@ Result PngReader::ReadHeader() {
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_AS_DEFAULT, kReadChunks.data(),
                                 static_cast<int>(kReadChunks.size() / 5));
     png_read_info(png_, info_);
+    if (unpacked_) {
+        png_set_crc_action(png_, PNG_CRC_QUIET_USE, PNG_CRC_DEFAULT);
+        png_set_option(png_, PNG_IGNORE_ADLER32, PNG_OPTION_ON);
+    }
     png_get_IHDR(png_, info_, &width_, &height_, &bitDepth_, &colorType_, nullptr, nullptr,
                  nullptr);
     ReadBackground();

@@ -6,16 +6,20 @@
 
 #include <csetjmp>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "plugins/common/picture_codec.h"
+#include "plugins/iftpng/unpacked_png.h"
 
 namespace tessary::png {
 
 // One decoding of one file. The source and the progress outlive it.
 class PngReader {
   public:
-    PngReader(dib::ByteSource& source, codec::Progress& progress);
+    // Pictures of at least `leastUnpackedAhead` bytes of pixels are unpacked by a thread of their
+    // own.
+    PngReader(dib::ByteSource& source, codec::Progress& progress, uint64_t leastUnpackedAhead);
     ~PngReader();
     PngReader(const PngReader&) = delete;
     PngReader& operator=(const PngReader&) = delete;
@@ -39,6 +43,8 @@ class PngReader {
     static void Free(png_structp png, png_voidp block);
 
     [[noreturn]] void Leave(codec::Result result);
+    // As of ByteSource.
+    std::optional<size_t> Read(std::span<uint8_t> out);
     bool IsIndexed() const { return colorType_ == PNG_COLOR_TYPE_PALETTE; }
     bool HasTable() const;
     void ChooseDataSize();
@@ -50,10 +56,12 @@ class PngReader {
 
     dib::ByteSource& source_;
     codec::Progress& progress_;
+    std::optional<UnpackedPng> unpacked_;  // read in the source's place, where it is there
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
     std::jmp_buf escape_{};
     codec::Result result_ = codec::Result::kSuccess;
+    uint64_t leastUnpackedAhead_;
     uint64_t position_ = 0;
     bool cutShort_ = false;  // the source ended before the file did
     bool noMemory_ = false;

@@ -36,5 +36,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<uint8_t> file(data, data + size);
     if (size % 2 == 0) MendCheckSums(file);
     codec::fuzz::DecodeAll(png::PngDecoder(), file);
+    codec::fuzz::DecodeAll(png::PngDecoder(0), file);
     return 0;
 }

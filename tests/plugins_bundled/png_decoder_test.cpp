@@ -11,7 +11,16 @@
 namespace tessary::codec::test {
 namespace {
 
-const png::PngDecoder kDecoder;
+// Unpacks the picture data within libpng, or ahead of it.
+const png::PngDecoder kPlain(~uint64_t{0});
+const png::PngDecoder kAhead(0);
+
+class PngDecoder : public testing::TestWithParam<const png::PngDecoder*> {
+  protected:
+    const png::PngDecoder& decoder_ = *GetParam();
+};
+
+INSTANTIATE_TEST_SUITE_P(Both, PngDecoder, testing::Values(&kPlain, &kAhead));
 
 enum ColorType { kGrey = 0, kColor = 2, kPalette = 3, kGreyAlpha = 4, kColorAlpha = 6 };
 
@@ -41,13 +50,14 @@ Bytes Reference(const Bytes& file) {
 }
 
 // The picture has `bitCount` bits and the reference's pixels, over grey of level `behind`.
-void ExpectReference(const PngPlan& plan, int bitCount, int behind) {
+void ExpectReference(const png::PngDecoder& decoder, const PngPlan& plan, int bitCount,
+                     int behind) {
     SCOPED_TRACE(testing::Message() << "type " << plan.colorType << " depth " << plan.depth
                                     << (plan.interlaced ? " interlaced" : "")
                                     << (plan.transparent ? " transparent" : "")
                                     << (plan.background ? " on a background" : ""));
     const Bytes file = MakePng(plan);
-    const Decoded decoded(kDecoder, file);
+    const Decoded decoded(decoder, file);
     ASSERT_EQ(decoded.result, Result::kSuccess);
     EXPECT_EQ(decoded.form.bitCount, bitCount);
     ASSERT_TRUE(decoded.target.View());
@@ -75,25 +85,25 @@ void ExpectReference(const PngPlan& plan, int bitCount, int behind) {
               plan.depth == 16 ? 3 : 1);  // 16-bit samples are cut by one, rounded by the other
 }
 
-TEST(PngDecoder, ReadsEveryKind) {
+TEST_P(PngDecoder, ReadsEveryKind) {
     for (const Kind& kind : kKinds) {
         for (const bool interlaced : {false, true}) {
             PngPlan plan{.colorType = kind.colorType, .depth = kind.depth};
             plan.interlaced = interlaced;
             plan.width = 1;
-            ExpectReference(plan, kind.bitCount, 255);
+            ExpectReference(decoder_, plan, kind.bitCount, 255);
             plan.width = 21;
             plan.transparent = kind.colorType < kGreyAlpha;
-            ExpectReference(plan, kind.bitCount, 255);
+            ExpectReference(decoder_, plan, kind.bitCount, 255);
             plan.background = static_cast<uint16_t>(kind.depth == 16 ? 0x2345 : 1);
             const int level = kind.depth == 16 ? 0x23 : 255 / ((1 << kind.depth) - 1);
-            ExpectReference(plan, kind.bitCount,
+            ExpectReference(decoder_, plan, kind.bitCount,
                             kind.colorType == kPalette ? PngPaletteLevel(1) : level);
         }
     }
 }
 
-TEST(PngDecoder, ShowsWhatAFileCutShortHolds) {
+TEST_P(PngDecoder, ShowsWhatAFileCutShortHolds) {
     for (const Kind& kind : kKinds) {
         for (const bool interlaced : {false, true}) {
             SCOPED_TRACE(testing::Message() << kind.colorType << ' ' << kind.depth);
@@ -102,9 +112,9 @@ TEST(PngDecoder, ShowsWhatAFileCutShortHolds) {
                                   .colorType = kind.colorType,
                                   .depth = kind.depth,
                                   .interlaced = interlaced});
-            const Decoded whole(kDecoder, file);
+            const Decoded whole(decoder_, file);
             file.resize(file.size() / 2);
-            const Decoded decoded(kDecoder, file);
+            const Decoded decoded(decoder_, file);
             ASSERT_EQ(decoded.result, Result::kSuccess);
             const Colors picture = decoded.Pixels();
             EXPECT_EQ(picture.At(0, 96), whole.Pixels().At(0, 96));
@@ -115,15 +125,15 @@ TEST(PngDecoder, ShowsWhatAFileCutShortHolds) {
     }
     Bytes noRow = MakePng({});
     noRow.resize(70);
-    EXPECT_EQ(Decoded(kDecoder, noRow).result, Result::kBrokenData);
+    EXPECT_EQ(Decoded(decoder_, noRow).result, Result::kBrokenData);
 }
 
-TEST(PngDecoder, RefusesDamagedAndForgedFiles) {
+TEST_P(PngDecoder, RefusesDamagedAndForgedFiles) {
     const Bytes good = MakePng({});
     const auto resultWithDamageAt = [&](size_t at) {
         Bytes file = good;
         file[at] ^= 1;
-        return Decoded(kDecoder, file).result;
+        return Decoded(decoder_, file).result;
     };
     EXPECT_EQ(resultWithDamageAt(2), Result::kUnknownFormat);  // signature
     EXPECT_EQ(resultWithDamageAt(19), Result::kBrokenData);    // width
@@ -137,22 +147,45 @@ TEST(PngDecoder, RefusesDamagedAndForgedFiles) {
     const uint8_t header[] = {0, 0, 0xEA, 0x60, 0,    0,    0xEA, 0x60, 8,
                               2, 0, 0,    0,    0x0F, 0xB0, 0xE2, 0x15};
     std::copy(std::begin(header), std::end(header), forged.begin() + 16);
-    const Decoded decoded(kDecoder, forged);
+    const Decoded decoded(decoder_, forged);
     EXPECT_EQ(decoded.result, Result::kOutOfMemory);
     EXPECT_FALSE(decoded.target.View());
 }
 
-TEST(PngDecoder, StopsWhenToldAndWhenTheDeviceFails) {
+TEST_P(PngDecoder, StopsWhenToldAndWhenTheDeviceFails) {
     const Bytes file = MakePng({.width = 100, .height = 100});
     int calls = 0;
-    const Decoded stopped(kDecoder, file, Progress([&](int, int) { return ++calls < 2; }));
+    const Decoded stopped(decoder_, file, Progress([&](int, int) { return ++calls < 2; }));
     EXPECT_EQ(stopped.result, Result::kAborted);
     EXPECT_EQ(calls, 2);
 
     FailingSource source(file, 200);
     MemoryTarget target;
     Progress nobody;
-    EXPECT_EQ(kDecoder.Decode(source, target, nobody), Result::kReadError);
+    EXPECT_EQ(decoder_.Decode(source, target, nobody), Result::kReadError);
+}
+
+// Wherever a file of several chunks is cut or damaged.
+TEST(PngDecoderAhead, TellsTheSameAsThePlainOne) {
+    const Bytes good = MakePng({.width = 400, .height = 300, .colorType = kColor});
+    const size_t step = good.size() / 150 + 1;
+    for (size_t at = 30; at < good.size(); at += at < 60 ? 1 : step) {
+        Bytes cut = good;
+        cut.resize(at);
+        Bytes damaged = good;
+        damaged[at] ^= 0x10;
+        for (const Bytes& file : {cut, damaged}) {
+            const Decoded plain(kPlain, file);
+            const Decoded ahead(kAhead, file);
+            ASSERT_EQ(ahead.result, plain.result) << at;
+            if (plain.result != Result::kSuccess) continue;
+            // Ahead, a few bytes more come out of what is there.
+            const Colors expected = plain.Pixels(), picture = ahead.Pixels();
+            const uint32_t whole = static_cast<uint32_t>(at * 300 / good.size());
+            for (uint32_t y = 0; y + 8 < whole; ++y)
+                ASSERT_EQ(picture.At(y, y), expected.At(y, y)) << at;
+        }
+    }
 }
 
 }  // namespace
