@@ -1,8 +1,9 @@
-// convert_bench cost FOLDER SAMPLE.jpg   1000 copies of a small JPEG to PNG: the engine beside bare
-//                                        calls of the same plug-in and the same PNG writer
+// convert_bench cost FOLDER SAMPLE.jpg   copies of a small JPEG to PNG: what the engine takes for a
+//                                        file beside decoding and encoding, and where it goes
 // convert_bench many FOLDER              time for each file in a run over 2000 and over 20,000
-//                                        bitmaps that are read, logged to a file and found too
-//                                        small: what the disk takes for saving is left out
+//                                        bitmaps, first read, logged and found too small, then
+//                                        saved into one folder; and what the system takes there
+//                                        in the end to make a file with nothing in it
 #include <windows.h>
 
 #include <cstdio>
@@ -19,8 +20,12 @@
 #include "convert/modConvertFiles.h"
 #include "helpers/dcpng/dcpng.h"
 #include "helpers/dib/bitmap_header.h"
+#include "helpers/files/replacing_file.h"
 #include "helpers/susiectl/susie_interface.h"
 #include "picture/modMemory.h"
+#include "picture/show/modShowPicture.h"
+#include "plugin/modSusie.h"
+#include "plugin/plugin_log.h"
 
 namespace tessary {
 namespace {
@@ -85,46 +90,94 @@ int __stdcall IgnoreProgress(int, int, LONG_PTR) {
     return 0;
 }
 
-double BareTime(const std::vector<std::wstring>& files, const std::wstring& target) {
+// Decoding and saving without the engine, and the steps that the engine takes beside them; all for
+// one file, in milliseconds.
+struct Parts {
+    double decoding, saving, place, kind, callLog;
+};
+
+Parts BareParts(const std::vector<std::wstring>& files, const std::wstring& target) {
     const auto decode =
         Entry<susie::GetPictureFunction>(FinishedFolder() + L"iftjpeg.spi", "GetPicture");
     const auto save = Entry<dcpng::SaveToPNGFileWFunction>(FinishedFolder() + L"dcpng.dll",
                                                            dcpng::kSaveToPNGFileWName);
     CreateDirectoryW(target.c_str(), nullptr);
+    Parts parts{};
     int number = 0;
-    return Timed([&] {
-        for (const std::wstring& path : files) {
-            PicturePair pair;
-            if (decode(AnsiPathOf(path)->c_str(), 0, 0, &pair.info, &pair.bits, IgnoreProgress,
-                       0) != susie::kSuccess) {
-                continue;
-            }
-            const OwnedPicture picture(pair);
-            const BlockLock info(pair.info);
-            const BlockLock bits(pair.bits);
-            const std::wstring name = target + std::to_wstring(number++) + L".png";
-            save(info.Address(), bits.Address(), name.c_str(), &Values().pngSave,
+    for (const std::wstring& path : files) {
+        const std::wstring name = target + std::to_wstring(number++);
+        PicturePair pair;
+        parts.decoding += Timed([&] {
+            decode(AnsiPathOf(path)->c_str(), 0, 0, &pair.info, &pair.bits, IgnoreProgress, 0);
+        });
+        const OwnedPicture picture(pair);
+        const BlockLock info(pair.info);
+        const BlockLock bits(pair.bits);
+        parts.saving += Timed([&] {
+            save(info.Address(), bits.Address(), (name + L".png").c_str(), &Values().pngSave,
                  reinterpret_cast<LONG_PTR>(&IgnoreProgress));
-        }
-    });
+        });
+        parts.place += Timed([&] { files::ReplacingFile(name + L".empty").Commit(); });
+        parts.kind += Timed([&] { QueryFileKind(path); });
+        parts.callLog += Timed([&] {
+            WriteCallLog({L"GetPicture", L"iftjpeg.spi", path});
+            ClearCallLog();
+        });
+    }
+    SusieCollection().UnloadFile();
+    const auto count = static_cast<double>(files.size());
+    return {parts.decoding / count, parts.saving / count, parts.place / count, parts.kind / count,
+            parts.callLog / count};
 }
 
 int BenchCost(const std::wstring& folder, const std::wstring& sample) {
     std::ifstream file(sample.c_str(), std::ios::binary);
     const std::string content{std::istreambuf_iterator<char>(file), {}};
-    const std::vector<std::wstring> files = Copies(folder + LR"(in\)", L".jpg", 1000, content);
+    const std::vector<std::wstring> files = Copies(folder + LR"(in\)", L".jpg", 200, content);
     LoadPluginsOf(FinishedFolder());
     Values().convert.saveType1 = Values().convert.saveType2 = 1;
-    std::vector<double> bare;
-    std::vector<double> engine;
+    std::vector<double> engine, rest, decoding, encoding, place, kind, callLog;
     for (int round = 0; round < kRounds; ++round) {
-        bare.push_back(BareTime(files, folder + LR"(bare\)"));
-        engine.push_back(EngineTime(files, folder + LR"(engine\)"));
+        const std::wstring number = std::to_wstring(round) + L'\\';
+        const Parts parts = BareParts(files, folder + L"bare" + number);
+        engine.push_back(EngineTime(files, folder + L"engine" + number) /
+                         static_cast<double>(files.size()));
+        decoding.push_back(parts.decoding);
+        encoding.push_back(parts.saving - parts.place);
+        place.push_back(parts.place);
+        kind.push_back(parts.kind);
+        callLog.push_back(parts.callLog);
+        rest.push_back(engine.back() - decoding.back() - encoding.back());
     }
-    std::printf("1000 JPEGs to PNG, engine     %9.1f ms\n", Median(engine));
-    std::printf("bare decode and save          %9.1f ms   ratio %.2f\n", Median(bare),
-                Median(engine) / Median(bare));
+    const auto print = [](const char* what, const std::vector<double>& times) {
+        std::printf("%-44s %8.2f ms\n", what, Median(times));
+    };
+    print("engine, for each of 200 small JPEGs", engine);
+    print("decoding", decoding);
+    print("encoding", encoding);
+    print("everything else", rest);
+    print("    finding out what a file is", kind);
+    print("    the log of a plug-in call, of two", callLog);
+    print("    creating the file and putting it in place", place);
     return 0;
+}
+
+// The time for each file, of a run over the first `count`.
+double TimeForEach(const std::vector<std::wstring>& files, size_t count,
+                   const std::wstring& target) {
+    const std::vector<std::wstring> some(files.begin(),
+                                         files.begin() + static_cast<ptrdiff_t>(count));
+    return EngineTime(some, target) / static_cast<double>(count);
+}
+
+// The same for files without anything in them, added to a folder.
+double EmptyFilesTime(const std::wstring& folder) {
+    constexpr int kFiles = 100;
+    return Timed([&] {
+               for (int i = 0; i < kFiles; ++i)
+                   files::ReplacingFile(folder + L"empty" + std::to_wstring(i)).Commit();
+           }) /
+           kFiles;
 }
 
 int BenchMany(const std::wstring& folder) {
@@ -133,16 +186,21 @@ int BenchMany(const std::wstring& folder) {
     std::string bitmap(reinterpret_cast<const char*>(&head), sizeof(head));
     bitmap.append(reinterpret_cast<const char*>(&info), sizeof(info)).append(4, '\0');
     const std::vector<std::wstring> files = Copies(folder + LR"(in\)", L".bmp", 20000, bitmap);
-    Values().convert.noDecodeSmall = 1;
+    Values().convert.saveType1 = Values().convert.saveType2 = 1;
     Values().convert.minDecodeSizeX = Values().convert.minDecodeSizeY = 1;
     Values().convert.outputErrorLog = 1;
     Values().convert.errorLogFileName = folder + L"log.txt";
     for (const size_t count : {size_t{2000}, size_t{20000}}) {
-        const std::vector<std::wstring> some(files.begin(),
-                                             files.begin() + static_cast<ptrdiff_t>(count));
-        const double time = EngineTime(some, folder + L"out" + std::to_wstring(count) + L'\\');
-        std::printf("run over %5zu small bitmaps   %9.3f ms for each\n", count,
-                    time / static_cast<double>(count));
+        const std::wstring number = std::to_wstring(count) + L'\\';
+        Values().convert.noDecodeSmall = 1;
+        const double read = TimeForEach(files, count, folder + L"none" + number);
+        Values().convert.noDecodeSmall = 0;
+        const double saved = TimeForEach(files, count, folder + L"out" + number);
+        const double empty = EmptyFilesTime(folder + L"out" + number);
+        std::printf(
+            "run over %5zu small bitmaps, for each: read %6.3f ms, converted %6.3f ms\n"
+            "    an empty file more in that folder %6.3f ms\n",
+            count, read, saved, empty);
     }
     return 0;
 }
