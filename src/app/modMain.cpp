@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <optional>
+#include <utility>
+
 #include "app/base/command_line.h"
 #include "app/base/message_box.h"
 #include "app/base/modScreenCaps.h"
@@ -15,17 +18,21 @@
 #include "ui/control/open_commands.h"
 #include "ui/control/save_commands.h"
 #include "ui/convert/convert_commands.h"
+#include "ui/dialogs/frmProgress.h"
 #include "ui/form/message_loop.h"
 #include "ui/main/clipboard_commands.h"
 #include "ui/main/frmMain.h"
 #include "ui/main/wallpaper_commands.h"
 #include "ui/options/frmOption.h"
 #include "ui/options/option_commands.h"
+#include "ui/options/plugin_loading.h"
 
 namespace tessary {
 namespace {
 
 constexpr int16_t kLeastColorDepth = 16;
+
+constexpr wchar_t kLoadingCaption[] = L"SusiePluginをロードしています";
 
 void TellFailedStart(const std::wstring& reason) {
     ShowMessageBox(L"アプリケーションの初期化に失敗しました。\r\n" + reason, MB_ICONSTOP,
@@ -51,7 +58,11 @@ int Main() {
             MB_ICONEXCLAMATION);
         return 0;
     }
-    if (!InitializeApplication()) {
+    // Stays until the main window is there: with no window between them another program's would
+    // come to the front.
+    std::optional<frmProgress> progress(std::in_place, nullptr, kLoadingCaption);
+    if (!InitializeApplication(TellIn(*progress))) {
+        progress.reset();
         TellFailedStart(Values().startupFailureReason);
         return 0;
     }
@@ -73,18 +84,21 @@ int Main() {
     ClipboardCommands clipboardCommands(window);
     WallpaperCommands wallpaperCommands(window);
     if (!window.Load() || !controlBar.Load(window.Handle())) {
+        progress.reset();
         TellFailedStart({});
         return 1;
     }
+    window.SetPanelText(kNoticePanel, StoppedLoadingText());
     TellInterruptedCall(window);
     window.Show();
+    progress.reset();
     return RunMessageLoop();
 }
 
-bool InitializeApplication() {
+bool InitializeApplication(const LoadingProgress& progress) {
     // The first access creates the collection, and the plug-ins of the settings' folders fill it.
     return CheckHelperLibraries() && ReadGeneralSettings() && ReadConvertSettings() &&
-           ApplyFirstRunDefaults() && LoadSPI();
+           ApplyFirstRunDefaults() && LoadSPI(progress);
 }
 
 int16_t TerminateApplication() {

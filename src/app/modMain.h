@@ -3,14 +3,16 @@
 
 #include <cstdint>
 
+#include "plugin/modSusie.h"
+
 namespace tessary {
 
 // Runs the program from its start to its end; the result is the process's exit status.
 int Main();
 
 // The chain that makes the program ready for its window: helper libraries, settings, first-run
-// defaults, plug-ins. False at the first step that fails.
-bool InitializeApplication();
+// defaults, plug-ins, whose loading `progress` is told about. False at the first step that fails.
+bool InitializeApplication(const LoadingProgress& progress = {});
 
 // Releases the plug-ins and writes the settings. Always 0.
 int16_t TerminateApplication();

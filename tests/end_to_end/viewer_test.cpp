@@ -8,6 +8,7 @@
 
 #include "app/base/paths.h"
 #include "tests/end_to_end/running_viewer.h"
+#include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/redirected_settings.h"
@@ -112,6 +113,32 @@ TEST_F(ViewerTest, PluginThatEndedTheLastRunIsNamed) {
         return StatusText(viewer, main, 2) ==
                L"前回はプラグイン iftjpeg.spi の処理中（GetPicture）に終了しました";
     }));
+    PostMessageW(main, WM_CLOSE, 0, 0);
+    EXPECT_EQ(viewer.ExitCode(), 0);
+}
+
+TEST_F(ViewerTest, ALongStartIsToldAndCanBeStopped) {
+    constexpr int kCount = 60;
+    for (int i = 0; i < kCount; ++i) {
+        const std::wstring name = std::to_wstring(100 + i) + L".spi";
+        std::filesystem::copy_file(test::TestPluginPath(L"iftst.spi"), folder_.Path() + name);
+        folder_.Write(name + L".script", "dirty:slow:DllMain");
+    }
+    SaveSetting(L"Init", L"Run", L"1");
+    SaveSetting(L"General", L"UseSPI", L"1");
+    SaveSetting(L"General", L"SPIFolder_1", folder_.Path());
+    const RunningViewer viewer(FinishedFolder(), L"", store_.KeyPath());
+    const HWND progress = viewer.WindowOfCaption(L"SusiePluginをロードしています");
+    ASSERT_NE(progress, nullptr);
+    PostMessageW(progress, WM_COMMAND, IDCANCEL, 0);
+    const HWND main = viewer.WindowOfCaption(kCaption);
+    ASSERT_NE(main, nullptr);
+    EXPECT_TRUE(WaitUntil([&] { return !IsWindow(progress); }));
+    const int loaded = std::stoi(L"0" + StatusText(viewer, main, 0));
+    EXPECT_LT(loaded, kCount);
+    EXPECT_EQ(StatusText(viewer, main, 2), L"プラグインの読み込みを中止しました（" +
+                                               std::to_wstring(loaded) + L" / " +
+                                               std::to_wstring(kCount) + L"）");
     PostMessageW(main, WM_CLOSE, 0, 0);
     EXPECT_EQ(viewer.ExitCode(), 0);
 }

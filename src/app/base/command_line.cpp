@@ -42,13 +42,18 @@ std::wstring LongNameOf(const std::wstring& path) {
 }  // namespace
 
 int ParseCommandLine(std::wstring_view commandLine, uint32_t platformId,
-                     std::vector<std::wstring>& files) {
+                     std::vector<std::wstring>& files, int* missing) {
+    if (missing != nullptr) *missing = 0;
     const bool is95 = platformId == kPlatformWindows95;
     if (!is95 && platformId != kPlatformNT) return 0;
     const size_t before = files.size();
     for (const std::wstring_view name :
          is95 ? SplitAtBlanks(commandLine) : SplitWithQuotes(commandLine)) {
-        if (!PathExists(name)) continue;
+        if (name.empty()) continue;  // between two blanks
+        if (!PathExists(name)) {
+            if (missing != nullptr) ++*missing;
+            continue;
+        }
         // The current folder may change later (plug-ins do that), so names are made whole here.
         std::wstring path = FullPathOf(name);
         if (is95) path = LongNameOf(path);

@@ -42,7 +42,7 @@ ShownFile Show(ReadResult result, PictureView& view, OnFailure onFailure) {
             // Neither the former picture nor this one's name may stand for what is not there.
             SetCurrentPicture({});
             view.ClearPicture();
-            result.file = {kFileUnknown, {}, FailureText(result.subject, kDrawingFailedText)};
+            result.file = {.failure = FailureText(result.subject, kDrawingFailedText)};
         }
     }
     if (onFailure == OnFailure::kTellUser && !result.file.failure.empty()) {

@@ -19,8 +19,8 @@ FileKind QueryFileKind(const std::wstring& path);
 enum class OnFailure { kTellUser, kStaySilent };
 
 // Reads a picture file, makes it the current picture and shows it in the view; of an archive fills
-// the list with the members. For what cannot be read, and for what nobody claims, the answer is
-// kFileUnknown and the picture shown before stays.
+// the list with the members. For what cannot be read, for what nobody claims, and when the view
+// asks the read to stop, the answer is kFileUnknown and the picture shown before stays.
 ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members,
                    OnFailure onFailure);
 

@@ -32,6 +32,9 @@ class PictureView {
     // alive. False asks the read to stop.
     virtual bool Breathe() = 0;
 
+    // Told how far a read is, `done` of `total` in any unit; the total is 0 when nobody knows.
+    virtual void TellProgress(int /*done*/, int /*total*/) {}
+
   protected:
     ~PictureView() = default;
 };

@@ -36,8 +36,38 @@ std::wstring PluginFailureText(const std::wstring& subject, const clsSusie& plug
 }
 
 ReadResult Failed(std::wstring failure) {
-    return {{kFileUnknown, {}, std::move(failure)}, {}, {}};
+    return {{.failure = std::move(failure)}, {}, {}};
 }
+
+// What is left of a read that was asked to stop. It has not failed.
+ReadResult Stopped() {
+    return {{.stopped = true}, {}, {}};
+}
+
+// Passes on to the view how far a read is, and remembers that the view has asked it to stop: some
+// plug-ins do not listen and finish their work, others report a failure.
+class ReadWatch {
+  public:
+    explicit ReadWatch(PictureView& view) : view_(view) {}
+    ReadWatch(const ReadWatch&) = delete;
+    ReadWatch& operator=(const ReadWatch&) = delete;
+
+    bool GoesOn(int done, int total) {
+        view_.TellProgress(done, total);
+        if (!view_.Breathe()) stopped_ = true;
+        return !stopped_;
+    }
+    bool IsStopped() const { return stopped_ || Values().quitRequested; }
+
+    // The function to be told how far the work is.
+    auto Progress() {
+        return [this](int done, int total) { return GoesOn(done, total); };
+    }
+
+  private:
+    PictureView& view_;
+    bool stopped_ = false;
+};
 
 // Something that plug-ins are to decode.
 struct Offer {
@@ -50,7 +80,7 @@ struct Offer {
 };
 
 // Offers it to the plug-ins in trial order until one has decoded it.
-ReadResult OfferToPlugins(const Offer& offer, PictureView& view) {
+ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
     CollectionSusie& plugins = SusieCollection();
     ShownFile file;
     std::set<int32_t> asked;
@@ -58,19 +88,19 @@ ReadResult OfferToPlugins(const Offer& offer, PictureView& view) {
         clsSusie& plugin = plugins.Item(index);
         const std::wstring name = FileNameOf(plugin.DllName());
         if (plugin.DllStyle() == kStyleArchive) {
-            file = {kFileArchive, name, {}};
+            file = {.kind = kFileArchive, .pluginName = name};
             if (offer.archivesAreRead) break;
             continue;
         }
         try {
             PicturePair pair;
-            plugin.DecodePicture(
-                DecodeTarget::kMemory, 0, [&](int, int) { return view.Breathe(); }, {}, &pair);
-            return {{kFilePicture, name, {}}, OwnedPicture(pair), offer.subject};
+            plugin.DecodePicture(DecodeTarget::kMemory, 0, watch.Progress(), {}, &pair);
+            OwnedPicture picture(pair);
+            if (watch.IsStopped()) return Stopped();
+            return {{.kind = kFilePicture, .pluginName = name}, std::move(picture), offer.subject};
         } catch (...) {
             const RaisedError error = CurrentError();
-            // A read that was asked to stop has not failed.
-            if (Values().quitRequested) return {};
+            if (watch.IsStopped()) return Stopped();
             file.failure = PluginFailureText(offer.subject, plugin, error);
             plugins.ForgetSuccess();
         }
@@ -79,10 +109,10 @@ ReadResult OfferToPlugins(const Offer& offer, PictureView& view) {
     return {file, {}, {}};
 }
 
-ReadResult DecodeFile(const std::wstring& path, PictureView& view) {
+ReadResult DecodeFile(const std::wstring& path, ReadWatch& watch) {
     CollectionSusie& plugins = SusieCollection();
     const auto next = [&](std::set<int32_t>& asked) { return plugins.FileSupported(path, asked); };
-    ReadResult result = OfferToPlugins({SubjectOf(path), next, true}, view);
+    ReadResult result = OfferToPlugins({SubjectOf(path), next, true}, watch);
     // Nothing stays bound to a picture: its file may change on disk, and its plug-in may be freed.
     // An archive stays bound, for its members.
     if (result.file.kind != kFileArchive) plugins.UnloadFile();
@@ -95,22 +125,21 @@ struct BlockUse {
 };
 
 ReadResult DecodeBlock(HLOCAL block, const std::wstring& name, const std::wstring& subject,
-                       PictureView& view) {
+                       ReadWatch& watch) {
     const BlockUse use;
     const auto next = [&](std::set<int32_t>& asked) {
         return SusieCollection().MemorySupported(block, name, asked);
     };
-    return OfferToPlugins({subject, next, false}, view);
+    return OfferToPlugins({subject, next, false}, watch);
 }
 
 // A bitmap that was read, or, if it could not be, what plug-ins make of it: it is damaged, or no
 // bitmap after all.
 template <typename DecodeByPlugins>
-ReadResult BitmapOr(OwnedPicture picture, const std::wstring& subject,
+ReadResult BitmapOr(OwnedPicture picture, const std::wstring& subject, const ReadWatch& watch,
                     DecodeByPlugins decodeByPlugins) {
-    if (picture) return {{kFileBitmap, {}, {}}, std::move(picture), subject};
-    // A read that was asked to stop has not failed.
-    if (Values().quitRequested) return {};
+    if (watch.IsStopped()) return Stopped();
+    if (picture) return {{.kind = kFileBitmap}, std::move(picture), subject};
     ReadResult result = decodeByPlugins();
     if (result.file.kind == kFileUnknown && result.file.failure.empty()) {
         result.file.failure = FailureText(subject, kBrokenBitmapText);
@@ -119,11 +148,10 @@ ReadResult BitmapOr(OwnedPicture picture, const std::wstring& subject,
 }
 
 ReadResult ReadBlock(HLOCAL block, const std::wstring& name, const std::wstring& subject,
-                     PictureView& view) {
-    const auto decode = [&] { return DecodeBlock(block, name, subject, view); };
+                     ReadWatch& watch) {
+    const auto decode = [&] { return DecodeBlock(block, name, subject, watch); };
     if (!IsBitmapBlock(block)) return decode();
-    return BitmapOr(ReadBitmapBlock(block, [&](int, int) { return view.Breathe(); }), subject,
-                    decode);
+    return BitmapOr(ReadBitmapBlock(block, watch.Progress()), subject, watch, decode);
 }
 
 }  // namespace
@@ -133,22 +161,25 @@ std::wstring FailureText(const std::wstring& subject, const std::wstring& reason
 }
 
 ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
+    ReadWatch watch(view);
     std::wstring failure;
     switch (IsBITMAPFile(path, failure)) {
         case BitmapCheck::kUnreadable:
             return Failed(std::move(failure));
         case BitmapCheck::kNo:
-            return DecodeFile(path, view);
+            return DecodeFile(path, watch);
         case BitmapCheck::kYes:
             break;
     }
     PicturePair pair;
-    ReadBitmapFile(path, pair, [&](int, int) { return view.Breathe(); });
-    return BitmapOr(OwnedPicture(pair), SubjectOf(path), [&] { return DecodeFile(path, view); });
+    ReadBitmapFile(path, pair, watch.Progress());
+    return BitmapOr(OwnedPicture(pair), SubjectOf(path), watch,
+                    [&] { return DecodeFile(path, watch); });
 }
 
 ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {
     if (PluginCallUnderWay()) return {};
+    ReadWatch watch(view);
     clsSusie* const archive = SusieCollection().ListedArchive(archivePath);
     std::wstring subject = SubjectOf(archivePath);
     if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
@@ -157,14 +188,14 @@ ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, 
     try {
         name = archive->Files(position);
         subject = SubjectOf(archivePath, name);
-        content = archive->DecodeArchive(position, [&](int, int) { return view.Breathe(); });
+        content = archive->DecodeArchive(position, watch.Progress());
     } catch (...) {
         const RaisedError error = CurrentError();
-        if (Values().quitRequested) return {};
+        if (watch.IsStopped()) return Stopped();
         return Failed(PluginFailureText(subject, *archive, error));
     }
-    if (Values().quitRequested) return {};
-    return ReadBlock(content.Get(), FileNameOf(name), subject, view);
+    if (watch.IsStopped()) return Stopped();
+    return ReadBlock(content.Get(), FileNameOf(name), subject, watch);
 }
 
 }  // namespace tessary

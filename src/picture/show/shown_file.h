@@ -22,10 +22,12 @@ constexpr bool IsPictureKind(FileKind kind) {
 struct ShownFile {
     FileKind kind = kFileUnknown;
     // The plug-in that decoded the picture, or that took the archive; empty: none.
-    std::wstring pluginName;
+    std::wstring pluginName = {};
     // Why it could not be shown, for the user; empty when it was shown, when nobody claims it, and
     // when the read was asked to stop.
-    std::wstring failure;
+    std::wstring failure = {};
+    // The read was asked to stop, and the picture shown before stays. The kind is unknown then.
+    bool stopped = false;
 };
 
 }  // namespace tessary

@@ -58,6 +58,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     // ControlBar
     void ClearLists() override;
     std::vector<std::wstring> FileList() const override;
+    bool HasFiles() const override { return listFileName_.Count() > 0; }
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
     void SetVisible(bool visible) override;

@@ -3,7 +3,6 @@
 
 #include <optional>
 
-#include "app/settings/modValue.h"
 #include "ui/control/frmControl.h"
 #include "ui/form/busy_pointer.h"
 #include "ui/form/redraw_hold.h"
@@ -14,7 +13,7 @@ namespace tessary {
 // player's buttons are disabled, and the focus comes back in the end.
 class frmControl::Busy {
   public:
-    explicit Busy(frmControl& bar);
+    Busy(frmControl& bar, const wchar_t* what);
     Busy(const Busy&) = delete;
     Busy& operator=(const Busy&) = delete;
     ~Busy();
@@ -22,7 +21,7 @@ class frmControl::Busy {
   private:
     frmControl& bar_;
     HWND focused_;
-    std::optional<ReadUnderWay> reading_;
+    std::optional<frmMain::Reading> reading_;
     std::optional<BusyPointer> pointer_;  // none while playing: it would flicker
 };
 

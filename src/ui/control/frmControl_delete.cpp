@@ -112,7 +112,7 @@ void frmControl::cmdOK_Click() {
 // From the last one to the first; the user may break off at a file that cannot be deleted, and at
 // any time once it takes long.
 void frmControl::DeleteFromDisk(const std::vector<std::wstring>& paths) {
-    const Busy busy(*this);
+    const Busy busy(*this, L"削除しています");
     const TaskModal others(nullptr);
     frmProgress shown(Handle(), L"ファイルの削除");
     SusieCollection().UnloadFile();  // plug-ins keep archives open

@@ -1,5 +1,6 @@
 // The control bar's lists: filling them, what a click shows, and stepping.
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "app/base/error.h"
@@ -24,7 +25,15 @@ constexpr UINT kLongLoadMilliseconds = 200;
 constexpr DWORD kLongSearchMilliseconds = 300;
 constexpr int kFilesPerNews = 20;
 
+// What the user is told of a read that takes long.
+constexpr wchar_t kReading[] = L"読み込んでいます";
+constexpr wchar_t kSearching[] = L"画像を探しています";
+
 constexpr wchar_t kNotArchive[] = L"Not Archive File.";
+
+const wchar_t* TagOf(const ShownFile& shown) {
+    return shown.stopped ? kTagStopped : KindTag(shown.kind);
+}
 
 bool IsPlainFile(const std::wstring& path) {
     return !path.empty() && PathExists(path) && !IsFolder(path);
@@ -34,8 +43,8 @@ bool IsPlainFile(const std::wstring& path) {
 
 // --- Being busy ---
 
-frmControl::Busy::Busy(frmControl& bar) : bar_(bar), focused_(GetFocus()) {
-    reading_.emplace();
+frmControl::Busy::Busy(frmControl& bar, const wchar_t* what) : bar_(bar), focused_(GetFocus()) {
+    reading_.emplace(bar.window_, what);
     ++bar_.busy_;
     if (bar_.inBurst_) return;
     if (!bar_.player_.IsPlaying()) pointer_.emplace();
@@ -114,7 +123,7 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
 }
 
 void frmControl::FillFileList(std::span<const std::wstring> files) {
-    const Busy busy(*this);
+    const Busy busy(*this, L"リストを更新しています");
     DoEvents();
     listFileName_.Clear();
     std::optional<RedrawHold> hold(std::in_place, listFileName_);
@@ -196,10 +205,12 @@ void frmControl::ShowListedFile(const std::wstring& path) {
     const OnFailure onFailure = FailureWay();
     ShownFile shown;
     {
-        const Busy busy(*this);
+        const Busy busy(*this, kReading);
         TellInfo(kTagLoading + name);
+        // Some plug-ins let nothing be painted before they are done.
+        if (!inBurst_) UpdateWindow(textFileInfo_.Handle());
         shown = Trapped(ShownFile{}, [&] { return ShowFile(path, window_, *this, onFailure); });
-        std::wstring info = KindTag(shown.kind) + name;
+        std::wstring info = TagOf(shown) + name;
         if (IsPictureKind(shown.kind)) {
             const std::wstring tail = PictureInfoTail();
             info += tail;
@@ -233,14 +244,14 @@ void frmControl::ShowListedMember() {
     const OnFailure onFailure = FailureWay();
     ShownFile shown;
     {
-        const Busy busy(*this);
+        const Busy busy(*this, kReading);
         shown = Trapped(ShownFile{}, [&] {
             return ShowArchiveMember(archive, listArchiveFile_.ItemData(selected), window_,
                                      onFailure);
         });
         window_.pictureView().Refresh();
     }
-    std::wstring info = KindTag(kFileArchive) + archiveName + L" - " + KindTag(shown.kind) + member;
+    std::wstring info = KindTag(kFileArchive) + archiveName + L" - " + TagOf(shown) + member;
     if (IsPictureKind(shown.kind)) {
         const std::wstring tail = PictureInfoTail();
         info += tail;
@@ -275,18 +286,20 @@ void frmControl::EndLoad() {
 // The first entry of known kind from `start` on, in steps of 1 or -1; the index behind the end or
 // -1 when there is none; nothing when the user has stopped the search.
 std::optional<int> frmControl::FindKnown(int start, int step) {
-    const Busy busy(*this);
+    const Busy busy(*this, kSearching);
     const int stops = stops_;
     const std::wstring former = textFileInfo_.Text();
     const DWORD begin = GetTickCount();
     const int count = listFileName_.Count();
+    const int total = step > 0 ? count - start : start + 1;
     std::optional<int> index = start;
     for (; *index >= 0 && *index < count; *index += step) {
         if (QueryFileKind(listFileName_.Item(*index)) != kFileUnknown) return index;
         if (GetTickCount() - begin >= kLongSearchMilliseconds && *index % kFilesPerNews == 0) {
-            TellInfo(L"画像を探しています [ " + std::to_wstring(*index + 1) + L" / " +
+            TellInfo(std::wstring(kSearching) + L" [ " + std::to_wstring(*index + 1) + L" / " +
                      std::to_wstring(count) + L" ]");
         }
+        window_.TellProgress(std::abs(*index - start), total);
         if (!window_.Breathe() || stops != stops_) {
             index.reset();
             break;

@@ -72,8 +72,10 @@ void frmControl::StartMotion(BarButton motion) {
     if (listArchiveFile_.Selected() > 0) listArchiveFile_.Select(listArchiveFile_.Selected() - 1);
 }
 
+// A picture that is there in a moment is shown, when only the motion was to stop.
 void frmControl::StopMotion() {
     ++stops_;
+    if (!player_.IsPlaying() || window_.IsReadingLong()) window_.StopReading();
     player_.Stop();
     UpdateToolbar();
 }

@@ -94,7 +94,7 @@ void OpenCommands::menuFileOpen_Click() {
         const ChosenFiles chosen = FilesOfDialog(dialog.FileName());
         if (chosen.paths.empty() || window_.Handle() == nullptr) return;
         Values().general.openPath = chosen.folder;
-        window_.ShowNothingToOpen(false);
+        window_.ShowOpened(chosen.paths.size());
         bar_.SetFileList(chosen.paths);
     } catch (...) {
         ReportError(L"frmMain - menuFileOpen_Click");
@@ -143,7 +143,7 @@ void OpenCommands::OpenFolder(const ScanRequest& request) {
         if (Values().quitRequested) return;
         busy.SetCaption(L"ファイル一覧を作成しています");
         bar_.SetVisible(true);
-        window_.ShowNothingToOpen(collected.files.empty());
+        window_.ShowOpened(collected.files.size());
         bar_.SetFileList(collected.files);
     }
     if (collected.error != ERROR_SUCCESS) {

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "app/settings/modValue.h"
 #include "res/resource.h"
 
 namespace tessary {
@@ -10,7 +9,8 @@ namespace tessary {
 ConvertCommands::ConvertCommands(frmMain& window, const ControlBar& bar,
                                  frmConvertAll::OptionsOpener showOptions)
     : window_(window), bar_(bar), converter_(std::move(showOptions)) {
-    window_.Commands().Register(menuFileSaveAll, {.run = [this] { menuFileSaveAll_Click(); }});
+    window_.Commands().Register(menuFileSaveAll, {.run = [this] { menuFileSaveAll_Click(); },
+                                                  .enabled = [this] { return bar_.HasFiles(); }});
     window_.Commands().Register(menuFileConvertAll,
                                 {.run = [this] { menuFileConvertAll_Click(); }});
     window_.OnCloseDuringRead([this] { return converter_.RefusesToClose(); });
@@ -26,11 +26,8 @@ void ConvertCommands::menuFileConvertAll_Click() {
 
 void ConvertCommands::Convert(const std::vector<std::wstring>& files) {
     converter_.ShowConvertDialog(window_.Handle(), files);
-    // The session ended during a run: now nothing keeps the main window open. Posted: the toolbar
-    // that began it may still be at work below us.
-    if (Values().quitRequested && !IsReadUnderWay()) {
-        PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
-    }
+    // The session ended during a run: now nothing keeps the main window open.
+    window_.CloseIfAsked();
 }
 
 }  // namespace tessary

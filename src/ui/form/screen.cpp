@@ -20,6 +20,10 @@ MONITORINFO ScreenOf(const RECT& place) {
     return InfoOf(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST));
 }
 
+MONITORINFO MainScreen() {
+    return InfoOf(MonitorFromPoint({}, MONITOR_DEFAULTTOPRIMARY));
+}
+
 RECT AllScreens() {
     const int left = GetSystemMetrics(SM_XVIRTUALSCREEN);
     const int top = GetSystemMetrics(SM_YVIRTUALSCREEN);

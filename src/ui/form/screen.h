@@ -10,6 +10,9 @@ namespace tessary {
 MONITORINFO ScreenOf(HWND window);
 MONITORINFO ScreenOf(const RECT& place);
 
+// The same of the main screen.
+MONITORINFO MainScreen();
+
 // The least rectangle around all screens; with one screen, that one.
 RECT AllScreens();
 

@@ -40,11 +40,19 @@ void StatusBar::SetPanelText(int panel, const std::wstring& text) {
 
 std::wstring StatusBar::PanelText(int panel) const {
     const size_t index = static_cast<size_t>(panel) - 1;
+    if (index >= texts_.size()) return {};
     const LRESULT length = LOWORD(SendMessageW(handle_, SB_GETTEXTLENGTHW, index, 0));
     std::wstring text(static_cast<size_t>(length) + 1, L'\0');
     SendMessageW(handle_, SB_GETTEXTW, index, reinterpret_cast<LPARAM>(text.data()));
     text.resize(static_cast<size_t>(length));
     return text;
+}
+
+void StatusBar::RemovePanelsFrom(int panel) {
+    const size_t count = static_cast<size_t>(panel) - 1;
+    if (count >= texts_.size()) return;
+    texts_.resize(count);
+    LayOutPanels();
 }
 
 void StatusBar::ChangeMetrics() {

@@ -19,7 +19,10 @@ class StatusBar {
 
     // Sets the text of a panel, adding the panels up to it; shown as it is.
     void SetPanelText(int panel, const std::wstring& text);
-    std::wstring PanelText(int panel) const;
+    std::wstring PanelText(int panel) const;  // empty for a panel that is not there
+
+    // Takes away a panel and those behind it: the one before has their room then.
+    void RemovePanelsFrom(int panel);
 
     // Takes the font and the sizes of the screen that the parent is on now.
     void ChangeMetrics();

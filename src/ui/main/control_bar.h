@@ -41,6 +41,7 @@ class ControlBar : public FileListReceiver {
 
     // The full paths of the files being viewed, in the order of their list.
     virtual std::vector<std::wstring> FileList() const = 0;
+    virtual bool HasFiles() const = 0;
 
     // Does what a click on the button does.
     virtual void Press(BarButton button) = 0;

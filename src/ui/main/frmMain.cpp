@@ -21,9 +21,6 @@ constexpr FormDesign kDesign{.className = L"TessaryMainWindow",
                              .menu = menuMainWindow,
                              .icon = iconApplication};
 
-// How long a load may keep the window waiting for its messages.
-constexpr DWORD kBreathMilliseconds = 20;
-
 // The buttons that the items of the control menu press.
 constexpr BarButton kControlButtons[] = {BarButton::kRewind,      BarButton::kReversePlay,
                                          BarButton::kStop,        BarButton::kPlay,
@@ -304,18 +301,6 @@ void frmMain::PutIntoView(IPicture* picture, SIZE size) {
     const bool wasShown = PictureShown();
     scroller_.SetPicture(picture, size);
     if (PictureShown() != wasShown && pictureShownChanged_) pictureShownChanged_();
-}
-
-void frmMain::SetPanelText(int panel, const std::wstring& text) {
-    statusInformation_.SetPanelText(panel, text);
-}
-
-bool frmMain::Breathe() {
-    if (GetTickCount() - lastBreath_ >= kBreathMilliseconds) {
-        if (!DoEvents()) return false;
-        lastBreath_ = GetTickCount();
-    }
-    return !Values().quitRequested;
 }
 
 }  // namespace tessary

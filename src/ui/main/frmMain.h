@@ -7,11 +7,13 @@
 #include <utility>
 #include <vector>
 
+#include "app/settings/modValue.h"
 #include "picture/show/picture_view.h"
 #include "res/resource.h"
 #include "ui/form/accelerators.h"
 #include "ui/form/file_drop_target.h"
 #include "ui/form/form.h"
+#include "ui/form/message_loop.h"
 #include "ui/form/picture_box.h"
 #include "ui/form/status_bar.h"
 #include "ui/main/command_table.h"
@@ -80,6 +82,29 @@ class frmMain final : public Form, public PictureView {
     // any more. Posted: whoever has read may still be at work below.
     void CloseIfAsked() const;
 
+    // For its own life something is being read or looked for: the user is told how far it is once
+    // that takes long, and may stop it. Several within each other are one.
+    class Reading {
+      public:
+        // `what` is done, as "読み込んでいます".
+        Reading(frmMain& window, const wchar_t* what);
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+        ~Reading();
+
+      private:
+        bool TakesEscape(const MSG& message) const;
+
+        frmMain& window_;
+        ReadUnderWay underWay_;
+        MessageFilter escape_;
+    };
+
+    // Asks what is being read to stop; nothing when there is no Reading.
+    void StopReading();
+    // Whether the Reading has taken so long that the user is told about it.
+    bool IsReadingLong() const;
+
     // Moves the window down by so many pixels, as far as the screen has room for it.
     void MakeRoomAbove(int pixels);
 
@@ -87,8 +112,9 @@ class frmMain final : public Form, public PictureView {
     // stands for the plain files directly in it. Ignored while a picture is being loaded.
     void OpenLater(const std::vector<std::wstring>& paths);
 
-    // Tells in the status bar that what was to be opened holds no file, or takes that back.
-    void ShowNothingToOpen(bool isNothing);
+    // Tells in the status bar when what was to be opened holds no file (`count` is 0), or some of
+    // it is `missing`; takes back what the last opening told.
+    void ShowOpened(size_t count, int missing = 0);
 
     // Arrow keys scroll; Enter, the space bar and Page Down step forward, Shift+Enter, Backspace
     // and Page Up back. `shift` is a sum of kShiftMask …. The control bar passes its own keys on to
@@ -104,6 +130,7 @@ class frmMain final : public Form, public PictureView {
     void ClearPicture() override;
     void SetPanelText(int panel, const std::wstring& text) override;
     bool Breathe() override;
+    void TellProgress(int done, int total) override;  // of a Reading
 
   private:
     void Form_Load() override;
@@ -126,7 +153,11 @@ class frmMain final : public Form, public PictureView {
     // Posted to the window itself: there are files to open.
     static constexpr UINT kOpenFilesMessage = WM_APP + 1;
     // Finds the files; may take long, and runs beside the user-interface thread.
-    using FileListing = std::function<std::vector<std::wstring>()>;
+    struct FoundFiles {
+        std::vector<std::wstring> files;
+        int missing = 0;  // how many names name nothing that exists
+    };
+    using FileListing = std::function<FoundFiles()>;
     void AcceptDroppedFiles();
     void OpenCommandLine();
     void OpenNow(FileListing listing);
@@ -139,6 +170,16 @@ class frmMain final : public Form, public PictureView {
     void FitToScreen();
     void pictureView_Wheel(int notches, int shift);
     void Step(BarButton button);
+
+    // --- Long reads (frmMain_reading.cpp) ---
+    // The one read under way.
+    struct ReadState {
+        int depth = 0;  // how many Reading there are
+        const wchar_t* what = nullptr;
+        DWORD start = 0;  // tick count, milliseconds
+        bool stopped = false;
+        std::optional<std::wstring> covered;  // the notice that its news stand in place of
+    };
 
     void menuEditClear_Click();
     void menuPopup_Click(int item);
@@ -164,8 +205,10 @@ class frmMain final : public Form, public PictureView {
     std::function<void()> pictureShownChanged_;
     std::function<bool()> refusesToClose_;
     FileListing filesToOpen_;
+    std::wstring openNotice_;  // what the last opening told in the status bar
     Accelerators accelerators_;
     DWORD lastBreath_ = 0;  // tick count, milliseconds
+    ReadState reading_;
     // Last, so that they let go of the windows first.
     WindowProcedureHook hook_;
     FileDropTarget windowDrop_;

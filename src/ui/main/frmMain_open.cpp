@@ -11,6 +11,7 @@ namespace tessary {
 namespace {
 
 constexpr wchar_t kNothingToOpen[] = L"開けるファイルが見つかりませんでした。";
+constexpr wchar_t kMissing[] = L" 個のファイルが見つかりませんでした。";
 
 }  // namespace
 
@@ -30,37 +31,43 @@ void frmMain::AcceptDroppedFiles() {
 void frmMain::OpenCommandLine() {
     if (services_.commandLine.empty()) return;
     filesToOpen_ = [line = services_.commandLine, platform = Values().platformId] {
-        std::vector<std::wstring> files;
-        ParseCommandLine(line, platform, files);
-        return files;
+        FoundFiles found;
+        ParseCommandLine(line, platform, found.files, &found.missing);
+        return found;
     };
     PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
 }
 
 void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
-    filesToOpen_ = [paths] { return WithFoldersExpanded(paths); };
+    filesToOpen_ = [paths] { return FoundFiles{.files = WithFoldersExpanded(paths)}; };
     PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
 }
 
 void frmMain::OpenNow(FileListing listing) {
     if (fileListReceiver_ == nullptr || !listing || IsReadUnderWay()) return;
-    std::optional<std::vector<std::wstring>> files;
+    std::optional<FoundFiles> found;
     {
-        const ReadUnderWay reading;
-        files = CallInBackground<std::vector<std::wstring>>(std::move(listing),
-                                                            [] { return !Values().quitRequested; });
+        const Reading reading(*this, L"ファイルを探しています");
+        found = CallInBackground<FoundFiles>(std::move(listing), [this] {
+            TellProgress(0, 0);
+            return Breathe();
+        });
     }
     CloseIfAsked();
-    if (!files || Values().quitRequested) return;
-    ShowNothingToOpen(files->empty());
-    if (!files->empty()) fileListReceiver_->SetFileList(*files);
+    if (!found || Values().quitRequested) return;
+    ShowOpened(found->files.size(), found->missing);
+    if (!found->files.empty()) fileListReceiver_->SetFileList(found->files);
 }
 
-void frmMain::ShowNothingToOpen(bool isNothing) {
-    if (isNothing) {
-        SetPanelText(kNoticePanel, kNothingToOpen);
-    } else if (statusInformation_.PanelText(kNoticePanel) == kNothingToOpen) {
-        SetPanelText(kNoticePanel, L"");
+void frmMain::ShowOpened(size_t count, int missing) {
+    const std::wstring former = std::exchange(openNotice_, {});
+    if (count == 0) {
+        openNotice_ = kNothingToOpen;
+    } else if (missing > 0) {
+        openNotice_ = std::to_wstring(missing) + kMissing;
+    }
+    if (!openNotice_.empty() || statusInformation_.PanelText(kNoticePanel) == former) {
+        SetPanelText(kNoticePanel, openNotice_);
     }
 }
 

@@ -59,13 +59,16 @@ std::optional<WINDOWPLACEMENT> ReadMainPlacement() {
         return std::nullopt;
     }
     const RECT caption{x + kCaptionEnds, y, x + width - kCaptionEnds, y + kCaptionHeight};
-    if (!IsOnAScreen(caption)) return std::nullopt;
-    const SIZE work = SizeOf(ScreenOf(caption).rcWork);
+    const bool isReachable = IsOnAScreen(caption);
+    const SIZE work = SizeOf((isReachable ? ScreenOf(caption) : MainScreen()).rcWork);
+    const SIZE size{std::min<LONG>(width, work.cx), std::min<LONG>(height, work.cy)};
+    // Places count from the corner of the work area.
+    const POINT place =
+        isReachable ? POINT{x, y} : POINT{(work.cx - size.cx) / 2, (work.cy - size.cy) / 2};
 
     WINDOWPLACEMENT placement{};
     placement.length = sizeof(placement);
-    placement.rcNormalPosition = {x, y, x + std::min<LONG>(width, work.cx),
-                                  y + std::min<LONG>(height, work.cy)};
+    placement.rcNormalPosition = {place.x, place.y, place.x + size.cx, place.y + size.cy};
     placement.showCmd = number(L"Main_Maximized") != 0 ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL;
     return placement;
 }

@@ -12,8 +12,8 @@ namespace tessary {
 // would be again after minimising (`Main_Maximized`). A store that cannot be written is no error.
 void SaveMainPlacement(const WINDOWPLACEMENT& placement);
 
-// The stored placement with SW_SHOWMAXIMIZED or SW_SHOWNORMAL; nothing when there is none, or its
-// caption could be reached on no screen. Not larger than its screen.
+// The stored placement with SW_SHOWMAXIMIZED or SW_SHOWNORMAL, not larger than its screen; in the
+// middle of the main screen when the caption could be reached on none. Nothing when none is stored.
 std::optional<WINDOWPLACEMENT> ReadMainPlacement();
 
 }  // namespace tessary

@@ -12,11 +12,11 @@
 #include "ui/dialogs/folder_browser.h"
 #include "ui/dialogs/frmProgress.h"
 #include "ui/form/busy_window.h"
-#include "ui/form/message_loop.h"
 #include "ui/options/closing_windows.h"
 #include "ui/options/frmAbout.h"
 #include "ui/options/frmOption.h"
 #include "ui/options/frmSPIAbout.h"
+#include "ui/options/plugin_loading.h"
 
 namespace tessary {
 namespace {
@@ -96,21 +96,12 @@ void OptionCommands::ReloadPlugins(HWND owner) {
         frmProgress window(owner, kReloadCaption);
         SusieCollection().UnloadFile();
         const GeneralSettings before = Values().general;
-        std::wstring stopped;
-        LoadSPI([&](const std::wstring& path, int32_t done, int32_t total) {
-            window.Tell(path, done, total);
-            if (DoEvents() && !window.IsStopped() && !Values().quitRequested) return true;
-            stopped = L"プラグインの読み込みを中止しました（" + std::to_wstring(done) + L" / " +
-                      std::to_wstring(total) + L"）";
-            return false;
-        });
-        window_.SetPanelText(kNoticePanel, stopped);
+        LoadSPI(TellIn(window));
+        window_.SetPanelText(kNoticePanel, StoppedLoadingText());
         // Loading switches folders off in which nothing is.
         if (Values().general != before) WriteGeneralSettings();
     }
-    if (Values().quitRequested && !IsReadUnderWay()) {
-        PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
-    }
+    window_.CloseIfAsked();
     window_.ShowPluginCount();
 }
 

@@ -35,10 +35,11 @@ class FakeView : public PictureView {
     }
     void ClearPicture() override { shown = {}; }
     void SetPanelText(int, const std::wstring&) override {}
-    bool Breathe() override { return !Values().quitRequested; }
+    bool Breathe() override { return !stops && !Values().quitRequested; }
 
     SIZE shown{};
     int pictures = 0;
+    bool stops = false;  // asks every read to stop
 };
 
 class FakeList : public MemberList {
@@ -341,13 +342,25 @@ TEST_F(ShowTest, NamesOutsideTheCodePageAndLongPathsAreShown) {
 }
 
 TEST_F(ShowTest, StoppedReadIsSilentAndChangesNothing) {
-    UsePlugins({{L"a.spi", ""}});
-    Values().quitRequested = true;
-    for (const std::wstring& file :
-         {files_.Write(L"picture.tst", "TST 30x20x24\n"),
-          files_.Write(L"large.bmp", test::BitmapFileOf(2000, 2000, RGB(1, 2, 3)))}) {
-        EXPECT_EQ(Show(file).kind, kFileUnknown) << file;
+    UsePlugins({{L"a.spi", ""}, {L"axtsa.spi", ""}});
+    const std::wstring archive =
+        files_.Write(L"a.tsa", test::ArchiveOf({{"1.tst", "TST 30x20x24\n"}}));
+    ASSERT_EQ(Show(archive).kind, kFileArchive);
+    for (bool* const asks : {&view_.stops, &Values().quitRequested}) {
+        *asks = true;
+        for (const std::wstring& file :
+             {files_.Write(L"picture.tst", "TST 30x20x24\n"),
+              files_.Write(L"deaf.tst", "TST 30x20x24\nignore-abort\n"),
+              files_.Write(L"large.bmp", test::BitmapFileOf(2000, 2000, RGB(1, 2, 3)))}) {
+            const ShownFile shown = Show(file);
+            EXPECT_TRUE(shown.stopped) << file;
+            EXPECT_EQ(shown.kind, kFileUnknown) << file;
+        }
+        *asks = false;
     }
+    view_.stops = true;
+    ASSERT_EQ(Show(archive).kind, kFileArchive);
+    EXPECT_TRUE(ShowArchiveMember(archive, 1, view_, OnFailure::kTellUser).stopped);
     EXPECT_EQ(view_.pictures, 0);
     EXPECT_TRUE(messages_.All().empty());
 }

@@ -155,6 +155,26 @@ TEST_F(FileListTest, ClosingDuringALoadClosesWhenItEnds) {
     EXPECT_TRUE(messages_.All().empty());
 }
 
+TEST_F(FileListTest, AStoppedLoadKeepsThePictureBefore) {
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), folder_.Write(L"2.tst", "TST 8x50x24\nprogress:9\n")});
+    const auto escapeALoad = [&] {
+        Sleep(25);  // so long a load keeps the messages waiting
+        PostMessageW(window_.Handle(), WM_COMMAND, commandEscape, 0);
+        Click(bar_.listFileName(), 1);
+    };
+    escapeALoad();
+    EXPECT_EQ(Info(), L"[中止] 2.tst");
+    EXPECT_EQ(Panel(), L"[表示中] 1.bmp ( 8×6 24bit )");
+    EXPECT_TRUE(bar_.listFileName().IsEnabled());
+    // During a show it is the show that stops.
+    Values().general.slideShowTime = 10000;
+    bar_.Press(BarButton::kPlay);
+    escapeALoad();
+    EXPECT_EQ(Info(), L"[画像] 2.tst ( 8×50 24bit )");
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
 TEST_F(StepTest, LeavesOutUnknownFilesAndTreatsTheEndsDifferently) {
     const std::wstring text = folder_.Write(L"a.txt", "text");
     const List files{text, Bitmap(L"1.bmp"), text, Archive(L"2.tsa"), Bitmap(L"3.bmp"), text};

@@ -34,6 +34,7 @@ class TakingBar final : public ControlBar {
     }
     void ClearLists() override {}
     std::vector<std::wstring> FileList() const override { return {}; }
+    bool HasFiles() const override { return false; }
     void Press(BarButton) override {}
     bool IsVisible() const override { return visible; }
     void SetVisible(bool show) override { visible = show; }

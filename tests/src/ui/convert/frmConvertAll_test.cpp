@@ -302,8 +302,9 @@ TEST_F(ConverterTest, ProgressDoesNotPaintForEachCall) {
 
 TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
     Load();
-    controlBar_.files = files_;
     ConvertCommands commands(window_, controlBar_);
+    EXPECT_FALSE(window_.Commands().IsEnabled(menuFileSaveAll));
+    controlBar_.files = files_;
     DrivenDialog user({[&](HWND dialog) {
                            EXPECT_TRUE(Items(dialog, listConvertFiles).empty());
                            EXPECT_FALSE(IsWindowEnabled(window_.Handle()));

@@ -3,6 +3,8 @@
 
 #include <commctrl.h>
 
+#include <climits>
+
 #include "app/settings/settings_store.h"
 #include "tests/src/ui/main/dropped_files.h"
 #include "tests/src/ui/main/main_window.h"
@@ -36,18 +38,24 @@ TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
     EXPECT_EQ(controlBar_.lists, (std::vector<List>{{file, folder_.Path() + L"絵\\b.bmp"}}));
     window.Unload();
 
-    frmMain lost(
-        {.commandLine = folder_.Path() + L"none.bmp", .pluginCount = {}, .endProgram = {}});
-    lost.SetFileListReceiver(controlBar_);
-    ASSERT_TRUE(lost.Load());
-    DoEvents();
-    EXPECT_EQ(controlBar_.lists.size(), 1U);
-    EXPECT_EQ(lost.statusInformation().PanelText(kNoticePanel),
-              L"開けるファイルが見つかりませんでした。");
-    lost.OpenLater({file});
-    DoEvents();
-    EXPECT_EQ(lost.statusInformation().PanelText(kNoticePanel), L"");
-    lost.Unload();
+    for (const auto& [some, notice] :
+         {std::pair{std::wstring(), L"開けるファイルが見つかりませんでした。"},
+          {L" \"" + file + L'"', L"2 個のファイルが見つかりませんでした。"}}) {
+        controlBar_.lists.clear();
+        frmMain lost(
+            {.commandLine = folder_.Path() + L"none.bmp  " + folder_.Path() + L"nothing.bmp" + some,
+             .pluginCount = {},
+             .endProgram = {}});
+        lost.SetFileListReceiver(controlBar_);
+        ASSERT_TRUE(lost.Load());
+        DoEvents();
+        EXPECT_EQ(controlBar_.lists.size(), some.empty() ? 0U : 1U);
+        EXPECT_EQ(lost.statusInformation().PanelText(kNoticePanel), notice);
+        lost.OpenLater({file});
+        DoEvents();
+        EXPECT_EQ(lost.statusInformation().PanelText(kNoticePanel), L"");
+        lost.Unload();
+    }
 }
 
 TEST_F(OpenFilesTest, TakesDroppedFilesAndFolders) {
@@ -115,6 +123,45 @@ TEST_F(CloseTest, IsRefusedWhileAPictureLoads) {
     Choose(menuFileExit);
     EXPECT_FALSE(IsWindow(window));
     EXPECT_EQ(ended_, 1);
+}
+
+using ReadingTest = test::MainWindowTest;
+
+TEST_F(ReadingTest, IsToldWhenItTakesLongAndStopsAtEscape) {
+    window_.SetControlBar(controlBar_);
+    Load();
+    const auto notice = [&] { return window_.statusInformation().PanelText(kNoticePanel); };
+    window_.SetPanelText(kNoticePanel, L"前の知らせ");
+    {
+        const frmMain::Reading reading(window_, L"読み込んでいます");
+        window_.TellProgress(1, 10);
+        EXPECT_EQ(notice(), L"前の知らせ");
+        Sleep(350);
+        for (const auto& [done, total, text] : {std::tuple{1, 10, L"読み込んでいます 10%"},
+                                                {INT_MAX, 100, L"読み込んでいます 100%"},
+                                                {-1, INT_MAX, L"読み込んでいます 0%"},
+                                                {5, 0, L"読み込んでいます"}}) {
+            const frmMain::Reading within(window_, L"内側");
+            window_.TellProgress(done, total);
+            EXPECT_EQ(notice(), text + std::wstring(L"（Esc で中止）"));
+        }
+        window_.SetPanelText(kNoticePanel, L"次の知らせ");
+        EnableWindow(window_.Handle(), FALSE);
+        PostMessageW(window_.pictureView().Handle(), WM_KEYDOWN, VK_ESCAPE, 0);
+        Sleep(20);
+        EXPECT_FALSE(window_.Breathe());
+        EnableWindow(window_.Handle(), TRUE);
+    }
+    EXPECT_EQ(notice(), L"次の知らせ");
+    window_.StopReading();  // there is nothing to stop
+    const frmMain::Reading next(window_, L"読み込んでいます");
+    EXPECT_TRUE(window_.Breathe());
+    window_.SetPanelText(kNoticePanel, {});
+    int edges[3]{};  // the panel is gone, and the one before has its room
+    EXPECT_EQ(SendMessageW(window_.statusInformation().Handle(), SB_GETPARTS, 3,
+                           reinterpret_cast<LPARAM>(edges)),
+              2);
+    EXPECT_EQ(edges[1], -1);
 }
 
 // Tells the procedure of the main window when its controls go, which is after its own unloading.

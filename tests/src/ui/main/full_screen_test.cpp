@@ -1,6 +1,8 @@
 // The full screen, the mouse wheel, and where the window stands in the next run.
 #include "app/settings/settings_store.h"
 #include "tests/src/ui/main/main_window.h"
+#include "ui/form/screen.h"
+#include "ui/main/window_placement.h"
 
 namespace tessary {
 namespace {
@@ -190,17 +192,31 @@ TEST_F(FullScreenTest, NextRunStandsWhereThisOneWasLeft) {
     next.Unload();
 
     frmMain usual({});
-    for (const auto& [key, value] : {std::pair{L"Main_X", L"99999999"},
-                                     {L"Main_X", L"9000"},
-                                     {L"Main_Y", L"-200"},
-                                     {L"Main_Width", L"abc"},
-                                     {L"Main_Height", L"1"}}) {
+    for (const auto& [key, value] :
+         {std::pair{L"Main_X", L"99999999"}, {L"Main_Width", L"abc"}, {L"Main_Height", L"1"}}) {
         for (const wchar_t* const good : {L"Main_X", L"Main_Y", L"Main_Width", L"Main_Height"})
             SaveSetting(L"Window", good, L"200");
         SaveSetting(L"Window", key, value);
         ASSERT_TRUE(usual.Load());
         EXPECT_EQ(FrameOf(usual).right - FrameOf(usual).left, Screen().right / 2) << value;
         usual.Unload();
+    }
+
+    // On a screen that is gone: only the place changes, and the size where there is no room.
+    for (const auto& [key, value] : {std::pair{L"Main_X", L"9000"}, {L"Main_Y", L"-200"}}) {
+        SaveSetting(L"Window", L"Main_Width", L"500");
+        SaveSetting(L"Window", L"Main_Height", L"20000");
+        SaveSetting(L"Window", L"Main_Maximized", L"-1");
+        SaveSetting(L"Window", key, value);
+        const std::optional<WINDOWPLACEMENT> kept = ReadMainPlacement();
+        ASSERT_TRUE(kept);
+        RECT work{};
+        SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+        const SIZE room = SizeOf(work);
+        ExpectSame(kept->rcNormalPosition,
+                   {(room.cx - 500) / 2, 0, (room.cx - 500) / 2 + 500, room.cy}, "moved");
+        EXPECT_EQ(kept->showCmd, static_cast<UINT>(SW_SHOWMAXIMIZED));
+        SaveSetting(L"Window", key, L"200");
     }
 }
 

@@ -26,6 +26,7 @@ class RecordingControlBar final : public ControlBar {
     }
     void ClearLists() override { ++clears; }
     std::vector<std::wstring> FileList() const override { return files; }
+    bool HasFiles() const override { return !files.empty(); }
     void Press(BarButton button) override { pressed.push_back(static_cast<int>(button)); }
     bool IsVisible() const override { return visible; }
     void SetVisible(bool show) override { visible = show; }

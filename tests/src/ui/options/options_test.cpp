@@ -304,6 +304,7 @@ TEST_F(OptionsTest, ALongReloadIsToldAndCanBeStopped) {
          [&](HWND progress) {
              EXPECT_TRUE(TextOf(progress, progressSubject).starts_with(folder_.Path()));
              Press(progress, IDCANCEL);
+             ShowWindow(progress, SW_HIDE);  // the next step is the options' own
          },
          [&](HWND dialog) {
              loaded = SusieCollection().Count();

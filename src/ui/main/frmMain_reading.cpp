@@ -1,0 +1,90 @@
+// Keeping the main window alive while something is read: what the user is told, and how he stops
+// it.
+#include <algorithm>
+#include <utility>
+
+#include "ui/main/frmMain.h"
+
+namespace tessary {
+namespace {
+
+// How long a read may keep the window waiting for its messages.
+constexpr DWORD kBreathMilliseconds = 20;
+
+// How long a read goes on before the user is told about it.
+constexpr DWORD kLongMilliseconds = 300;
+
+constexpr wchar_t kHowToStop[] = L"（Esc で中止）";
+
+// As " 45%"; empty when nobody knows. Plug-ins count in units of their own, and not always as far
+// as they have said.
+std::wstring PercentText(int done, int total) {
+    if (total <= 0) return {};
+    const int64_t percent = int64_t{done} * 100 / total;
+    return L' ' + std::to_wstring(std::clamp<int64_t>(percent, 0, 100)) + L'%';
+}
+
+}  // namespace
+
+frmMain::Reading::Reading(frmMain& window, const wchar_t* what)
+    : window_(window), escape_([this](const MSG& message) { return TakesEscape(message); }) {
+    ReadState& state = window_.reading_;
+    if (state.depth++ == 0) {
+        state.what = what;
+        state.start = GetTickCount();
+        state.stopped = false;
+    }
+}
+
+frmMain::Reading::~Reading() {
+    ReadState& state = window_.reading_;
+    if (--state.depth > 0) return;
+    const std::optional<std::wstring> covered = std::exchange(state.covered, {});
+    if (covered) window_.SetPanelText(kNoticePanel, *covered);
+}
+
+// While the window is disabled the system passes no command keys on to it.
+bool frmMain::Reading::TakesEscape(const MSG& message) const {
+    const bool pressed = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
+    if (!pressed || message.wParam != VK_ESCAPE || IsWindowEnabled(window_.Handle())) return false;
+    const HWND root = GetAncestor(message.hwnd, GA_ROOT);
+    if (root != window_.Handle() && IsWindowEnabled(root)) return false;  // a dialog's
+    window_.StopReading();
+    return true;
+}
+
+void frmMain::StopReading() {
+    if (reading_.depth > 0) reading_.stopped = true;
+}
+
+bool frmMain::IsReadingLong() const {
+    return reading_.depth > 0 && GetTickCount() - reading_.start >= kLongMilliseconds;
+}
+
+void frmMain::TellProgress(int done, int total) {
+    if (!IsReadingLong()) return;
+    if (!reading_.covered) reading_.covered = statusInformation_.PanelText(kNoticePanel);
+    statusInformation_.SetPanelText(kNoticePanel,
+                                    reading_.what + PercentText(done, total) + kHowToStop);
+}
+
+// A notice that comes while the panel has news of a read waits for its end.
+void frmMain::SetPanelText(int panel, const std::wstring& text) {
+    if (panel == kNoticePanel && reading_.covered) {
+        reading_.covered = text;
+    } else if (panel == kNoticePanel && text.empty()) {
+        statusInformation_.RemovePanelsFrom(kNoticePanel);
+    } else {
+        statusInformation_.SetPanelText(panel, text);
+    }
+}
+
+bool frmMain::Breathe() {
+    if (GetTickCount() - lastBreath_ >= kBreathMilliseconds) {
+        if (!DoEvents()) return false;
+        lastBreath_ = GetTickCount();
+    }
+    return !Values().quitRequested && !(reading_.depth > 0 && reading_.stopped);
+}
+
+}  // namespace tessary
