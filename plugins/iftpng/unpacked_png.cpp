@@ -13,13 +13,16 @@ namespace {
 using codec::Result;
 
 constexpr size_t kStoredSize = 65535;  // the most that a stored block holds
+// Handing a piece from thread to thread takes as long as unpacking some KB.
+constexpr size_t kBlocksInPiece = 4;
 
-// A chunk of one stored block: length, "IDAT", the head of the block; then the bytes and a check
-// sum. Numbers of chunks are big-endian, those of blocks little-endian.
+// A chunk of stored blocks: length and "IDAT"; of each block a head and the bytes; a check sum.
+// Numbers of chunks are big-endian, those of blocks little-endian.
 constexpr size_t kChunkHeadSize = 8;
 constexpr size_t kBlockHeadSize = 5;
-constexpr size_t kHeadSize = kChunkHeadSize + kBlockHeadSize;
 constexpr size_t kCheckSumSize = 4;
+constexpr size_t kPieceSize =
+    kChunkHeadSize + kBlocksInPiece * (kBlockHeadSize + kStoredSize) + kCheckSumSize;
 
 // The head of the zlib stream (RFC 1950), in a chunk of its own.
 constexpr std::array<uint8_t, 14> kFirstChunk{0,   0,    0,    2, 'I', 'D', 'A',
@@ -28,24 +31,24 @@ constexpr std::array<uint8_t, 14> kFirstChunk{0,   0,    0,    2, 'I', 'D', 'A',
 constexpr std::array<uint8_t, 21> kLastChunk{0,    0,    0, 9, 'I', 'D', 'A', 'T', 1, 0, 0,
                                              0xFF, 0xFF, 0, 0, 0,   0,   0,   0,   0, 0};
 
-void WriteHead(std::vector<uint8_t>& chunk, size_t size) {
-    const size_t length = kBlockHeadSize + size;
-    const std::array<uint8_t, kHeadSize> head{
-        0,
-        static_cast<uint8_t>(length >> 16),
-        static_cast<uint8_t>(length >> 8),
-        static_cast<uint8_t>(length),
-        'I',
-        'D',
-        'A',
-        'T',
+void WriteChunkHead(std::span<uint8_t> out, size_t length) {
+    const std::array<uint8_t, kChunkHeadSize> head{0,
+                                                   static_cast<uint8_t>(length >> 16),
+                                                   static_cast<uint8_t>(length >> 8),
+                                                   static_cast<uint8_t>(length),
+                                                   'I',
+                                                   'D',
+                                                   'A',
+                                                   'T'};
+    std::ranges::copy(head, out.begin());
+}
+
+void WriteBlockHead(std::span<uint8_t> out, size_t size) {
+    const std::array<uint8_t, kBlockHeadSize> head{
         0,  // stored, and not the last one
-        static_cast<uint8_t>(size),
-        static_cast<uint8_t>(size >> 8),
-        static_cast<uint8_t>(~size),
-        static_cast<uint8_t>(~size >> 8),
-    };
-    std::ranges::copy(head, chunk.begin());
+        static_cast<uint8_t>(size), static_cast<uint8_t>(size >> 8), static_cast<uint8_t>(~size),
+        static_cast<uint8_t>(~size >> 8)};
+    std::ranges::copy(head, out.begin());
 }
 
 }  // namespace
@@ -77,7 +80,7 @@ std::optional<size_t> UnpackedPng::ReadSome(std::span<uint8_t> out) {
         stage_ = piece_.next;
         failure_ = piece_.failure;
         position_ = piece_.behind;
-        if (stage_ == Stage::kData) piece_ = NextPiece();
+        if (stage_ == Stage::kData) TakePiece();
         piecePosition_ = 0;
     }
     switch (stage_) {
@@ -127,38 +130,46 @@ void UnpackedPng::Start() {
     }
 }
 
-UnpackedPng::Piece UnpackedPng::NextPiece() {
+// The buffers go round: fresh memory would cost more than the copying.
+void UnpackedPng::TakePiece() {
     if (!data_) Start();
-    if (!thread_.joinable()) return MakePiece();
+    if (!thread_.joinable()) return MakePiece(piece_);
     Lock lock(mutex_);
     changed_.wait(lock, [this] { return taken_ != made_; });
-    Piece piece = std::move(pieces_[taken_++ % kMostPieces]);
+    std::swap(piece_, pieces_[taken_++ % kMostPieces]);
     changed_.notify_all();
-    return piece;
 }
 
 void UnpackedPng::UnpackAhead() noexcept {
     for (bool goesOn = true; goesOn;) {
-        Piece piece = MakePiece();
+        Piece& piece = pieces_[made_ % kMostPieces];
+        MakePiece(piece);
         goesOn = piece.next == Stage::kData;
         Lock lock(mutex_);
+        ++made_;
+        changed_.notify_all();
         changed_.wait(lock, [this] { return stops_ || made_ - taken_ < kMostPieces; });
         if (stops_) return;
-        pieces_[made_++ % kMostPieces] = std::move(piece);
-        changed_.notify_all();
     }
 }
 
-UnpackedPng::Piece UnpackedPng::MakePiece() noexcept {
-    Piece piece;
+void UnpackedPng::MakePiece(Piece& piece) noexcept {
+    piece.next = Stage::kData;
     try {
         std::vector<uint8_t>& chunk = piece.chunk;
-        chunk.resize(kHeadSize + kStoredSize + kCheckSumSize);
-        const size_t size = data_->Unpack(std::span(chunk).subspan(kHeadSize, kStoredSize));
-        WriteHead(chunk, size);
-        std::fill_n(chunk.begin() + static_cast<ptrdiff_t>(kHeadSize + size), kCheckSumSize, 0);
-        chunk.resize(kHeadSize + size + kCheckSumSize);
-        if (size == kStoredSize) return piece;
+        chunk.resize(kPieceSize);
+        const std::span<uint8_t> out(chunk);
+        size_t end = kChunkHeadSize;
+        size_t size = kStoredSize;
+        for (size_t block = 0; block < kBlocksInPiece && size == kStoredSize; ++block) {
+            size = data_->Unpack(out.subspan(end + kBlockHeadSize, kStoredSize));
+            WriteBlockHead(out.subspan(end), size);
+            end += kBlockHeadSize + size;
+        }
+        WriteChunkHead(out, end - kChunkHeadSize);
+        std::ranges::fill(out.subspan(end, kCheckSumSize), uint8_t{0});
+        if (size == kStoredSize) return;
+        chunk.resize(end + kCheckSumSize);
         switch (data_->HowItEnded()) {
             case PictureData::End::kRegular:
                 chunk.insert(chunk.end(), kLastChunk.begin(), kLastChunk.end());
@@ -176,7 +187,6 @@ UnpackedPng::Piece UnpackedPng::MakePiece() noexcept {
     } catch (const std::bad_alloc&) {
         piece = {{}, Stage::kFailed, Result::kOutOfMemory, 0};
     }
-    return piece;
 }
 
 }  // namespace tessary::png

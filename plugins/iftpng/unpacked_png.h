@@ -48,7 +48,7 @@ class UnpackedPng {
         uint64_t behind = 0;  // where the file goes on
     };
     using Lock = std::unique_lock<std::mutex>;
-    static constexpr size_t kMostPieces = 8;
+    static constexpr size_t kMostPieces = 4;
 
     // Each reads a part at most; empty and 0 as above.
     std::optional<size_t> ReadSome(std::span<uint8_t> out);
@@ -57,8 +57,9 @@ class UnpackedPng {
 
     void Start();
     void UnpackAhead() noexcept;
-    Piece MakePiece() noexcept;
-    Piece NextPiece();
+    void MakePiece(Piece& piece) noexcept;
+    // Puts the next one into piece_.
+    void TakePiece();
 
     dib::ByteSource& source_;
     const uint64_t dataStart_;
