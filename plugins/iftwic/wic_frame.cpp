@@ -7,10 +7,6 @@
 
 #include "plugins/common/palette.h"
 
-// Missing in the compiler's headers. Makes the factory without looking its class up, which takes
-// the system as long as a small picture.
-extern "C" HRESULT WINAPI WICCreateImagingFactory_Proxy(UINT version, IWICImagingFactory** factory);
-
 namespace tessary::wic {
 namespace {
 
@@ -119,17 +115,33 @@ unsigned GreyBits(const GUID& format) {
     return BitsOf(kFormats, format);
 }
 
+// An object of a class that the system's own library has. The library is asked itself: looking the
+// class up in the registry takes longer than decoding a small picture.
+template <class Interface>
+ComPtr<Interface> MakeObject(const CLSID& id) {
+    using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+    const FARPROC entry =
+        GetProcAddress(GetModuleHandleW(L"windowscodecs.dll"), "DllGetClassObject");
+    const auto getClassObject = reinterpret_cast<GetClassObject>(reinterpret_cast<void*>(entry));
+    ComPtr<IClassFactory> maker;
+    ComPtr<Interface> object;
+    if (getClassObject != nullptr && SUCCEEDED(getClassObject(id, IID_PPV_ARGS(&maker)))) {
+        Check(maker->CreateInstance(nullptr, IID_PPV_ARGS(&object)));
+    } else {
+        Check(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&object)));
+    }
+    return object;
+}
+
 ComPtr<IWICImagingFactory> MakeFactory() {
-    ComPtr<IWICImagingFactory> factory;
-    Check(WICCreateImagingFactory_Proxy(WINCODEC_SDK_VERSION, &factory));
-    return factory;
+    return MakeObject<IWICImagingFactory>(CLSID_WICImagingFactory);
 }
 
 ComPtr<IWICBitmapDecoder> OpenDecoder(IWICImagingFactory* factory, Container container,
                                       IStream* stream) {
     ComPtr<IWICBitmapDecoder> decoder;
     if (const CLSID* id = DecoderClass(container)) {
-        Check(CoCreateInstance(*id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&decoder)));
+        decoder = MakeObject<IWICBitmapDecoder>(*id);
         Check(decoder->Initialize(stream, WICDecodeMetadataCacheOnDemand));
     } else {
         Check(factory->CreateDecoderFromStream(stream, nullptr, WICDecodeMetadataCacheOnDemand,
