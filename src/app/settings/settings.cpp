@@ -179,7 +179,8 @@ bool WriteConvertSettings() {
         TransferConvertHead(section);
         TransferConvertUnknown(section);
         TransferConvertMask(section);
-        int16_t outputErrorLog = Values().logFileGivenUp ? 1 : Values().convert.outputErrorLog;
+        int16_t outputErrorLog = Values().convert.outputErrorLog;
+        if (Values().logFileGivenUp) outputErrorLog = 1;
         TransferConvertTail(section, outputErrorLog);
         TransferFileFormat(SectionWriter(L"FileFormat"));
     });

@@ -106,7 +106,7 @@ void frmConvertAll::AttachControls() {
     };
     for (const auto& [button, id, click] : buttons) {
         button.Attach(Handle(), id);
-        button.OnClick([this, click] {
+        button.OnClick([this, click = click] {
             if (!listing_) (this->*click)();
         });
     }
