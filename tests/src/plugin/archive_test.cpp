@@ -117,8 +117,8 @@ TEST(PrivateFolderTest, OnlyThoseOfEndedProcessesAreSweptAway) {
                                    TemporaryFolder() + L"tessary_4294967293_1_1"};
     CreateDirectoryW(abandoned.c_str(), nullptr);
     CreateDirectoryW((abandoned + L"\\x").c_str(), nullptr);
-    UniqueFile(CreateFileW((abandoned + L"\\x\\a").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                           FILE_ATTRIBUTE_READONLY, nullptr));
+    CloseHandle(CreateFileW((abandoned + L"\\x\\a").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                            FILE_ATTRIBUTE_READONLY, nullptr));
     for (const std::wstring& other : others)
         CreateDirectoryW(other.c_str(), nullptr);
     const PrivateFolder own;
