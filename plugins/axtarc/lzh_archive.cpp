@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <new>
+#include <string_view>
 
 #include "plugins/axtarc/contained_read.h"
 #include "plugins/axtarc/lzh_header.h"
@@ -16,6 +17,9 @@ using codec::Result;
 
 constexpr size_t kInputSize = 16 * 1024;
 constexpr size_t kOutputSize = 64 * 1024;
+
+// Forged data leads their decoders behind the ends of the tables that they share.
+constexpr std::array<std::string_view, 2> kUnsafeMethods{"-pm1-", "-pm2-"};
 
 struct FreeDecoder {
     void operator()(LHADecoder* decoder) const { lha_decoder_free(decoder); }
@@ -73,8 +77,9 @@ Result LzhArchive::ReadList() {
 
 Result LzhArchive::Extract(size_t index, files::ByteSink& sink, codec::Progress& progress) {
     Member& member = members_[index];
+    const bool isUnsafe = std::ranges::count(kUnsafeMethods, member.method) != 0;
     LHADecoderType* const type = lha_decoder_for_name(member.method.data());
-    if (type == nullptr) return Result::kUnknownFormat;
+    if (type == nullptr || isUnsafe) return Result::kUnknownFormat;
     const auto packed = std::make_unique<Packed>();
     packed->source = &source_;
     packed->position = data_[index].offset;

@@ -1,5 +1,5 @@
-// LZH archives (LHA, LHarc, LArc, PMarc) on lhasa's decoders, which know methods that libarchive
-// lacks. Each member is reached directly.
+// LZH archives (LHA, LHarc, LArc) on lhasa's decoders, which know methods that libarchive lacks.
+// Each member is reached directly. What PMarc has compressed is listed, but not unpacked.
 #pragma once
 
 #include "plugins/axtarc/archive_reader.h"
