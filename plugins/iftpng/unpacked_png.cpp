@@ -76,7 +76,8 @@ std::optional<size_t> UnpackedPng::Read(std::span<uint8_t> out) noexcept {
 }
 
 std::optional<size_t> UnpackedPng::ReadSome(std::span<uint8_t> out) {
-    if (stage_ == Stage::kData && piecePosition_ == piece_.chunk.size()) {
+    // A piece that could not be made has no bytes, only what comes next.
+    while (stage_ == Stage::kData && piecePosition_ == piece_.chunk.size()) {
         stage_ = piece_.next;
         failure_ = piece_.failure;
         position_ = piece_.behind;
