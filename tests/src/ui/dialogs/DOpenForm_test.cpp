@@ -120,7 +120,8 @@ TEST_F(DOpenFormTest, MakesFoldersAndRefusesBadNames) {
                                reinterpret_cast<LPARAM>(GetDlgItem(dialog, openFolderMake)));
                        },
                        make(L"a*b"), make(L"aux.txt"), make(L"2絵"), make(L"新しい絵"),
-                       [](HWND dialog) { Press(dialog, IDOK); }});
+                       [](HWND dialog) { Press(dialog, IDOK); }},
+                      IDOK);
     ASSERT_TRUE(form.Show(nullptr));
     EXPECT_EQ(form.GetFileName(), root_ + LR"(\新しい絵)");
     EXPECT_TRUE(IsFolder(root_ + LR"(\新しい絵)"));

@@ -18,7 +18,11 @@ class DrivenDialog {
   public:
     using Step = std::function<void(HWND dialog)>;
 
-    explicit DrivenDialog(std::deque<Step> steps) : steps_(std::move(steps)) { timer_.Start(10); }
+    // A dialog that waits for something with `waits` disabled is left in peace.
+    explicit DrivenDialog(std::deque<Step> steps, int waits = 0)
+        : steps_(std::move(steps)), waits_(waits) {
+        timer_.Start(10);
+    }
 
     // Whether all steps have run.
     bool IsDone() const { return steps_.empty(); }
@@ -42,12 +46,15 @@ class DrivenDialog {
             EndDialog(dialog, IDCANCEL);
             return;
         }
+        const HWND waits = GetDlgItem(dialog, waits_);
+        if (waits != nullptr && !IsWindowEnabled(waits)) return;
         const Step step = steps_.front();
         steps_.pop_front();
         step(dialog);
     }
 
     std::deque<Step> steps_;
+    int waits_;  // a control
     DWORD start_ = GetTickCount();
     Timer timer_{[this] { Tick(); }};
 };
