@@ -54,62 +54,61 @@ bool IsInUse(const std::wstring& target) {
 }  // namespace
 
 ReplacingFile::ReplacingFile(const std::wstring& target, Links links) {
-    buffer_.reserve(kBufferSize);
-    const std::optional<OldFile> old = ChooseTarget(target, links);
-    if (!old) return;
-    replaces_ = old->Exists();
-    if (old->IsReplaceable()) {
-        CreateBeside(*old);
-    } else {
-        error_ = ERROR_ACCESS_DENIED;
-    }
+    isOpen_ = ChooseTarget(target, links);
 }
 
 // Asks the system as little as possible about a name that is new: there are systems that read the
 // whole folder for each question.
-std::optional<OldFile> ReplacingFile::ChooseTarget(const std::wstring& target, Links links) {
+bool ReplacingFile::ChooseTarget(const std::wstring& target, Links links) {
     target_ = ExtendedFullName(target);
     if (target_.empty() || target_.back() == L'\\') {
         error_ = ERROR_INVALID_NAME;
-        return std::nullopt;
+        return false;
     }
-    OldFile old(target_);
-    if (old.Exists() && links == Links::kFollow) {
+    old_.emplace(target_);
+    if (!old_->Exists() && GetLastError() == ERROR_PATH_NOT_FOUND) return Fail();
+    if (old_->Exists() && links == Links::kFollow) {
         target_ = NameBehindLinks(target_);
-        if (target_.empty()) {
-            Fail();
-            return std::nullopt;
-        }
-        old = OldFile(target_);
+        if (target_.empty()) return Fail();
+        old_.emplace(target_);
     }
     rename_ = RenameInfo(target_);
-    return old;
+    if (!old_->IsReplaceable()) error_ = ERROR_ACCESS_DENIED;
+    return old_->IsReplaceable();
 }
 
-void ReplacingFile::CreateBeside(const OldFile& old) {
-    const std::wstring folder = target_.substr(0, target_.rfind(L'\\') + 1);
-    for (uint32_t number = 1; number <= kNames; ++number) {
-        written_ = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
-        if (Create(old) || !IsTaken(written_, error_)) return;
+bool ReplacingFile::CreateBeside(Death death) noexcept {
+    try {
+        const std::wstring folder = target_.substr(0, target_.rfind(L'\\') + 1);
+        for (uint32_t number = 1; number <= kNames && !file_; ++number) {
+            written_ = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
+            if (!Create() && !IsTaken(written_, error_)) return false;
+        }
+        if (!file_) return false;
+        old_->PassOn(file_.get(), written_);  // while others can open it: the mark prevents that
+    } catch (const std::bad_alloc&) {
+        error_ = ERROR_NOT_ENOUGH_MEMORY;
+        return false;
     }
+    if (death == Death::kDeletes) Mark(true);
+    return true;
 }
 
-bool ReplacingFile::Create(const OldFile& old) {
+bool ReplacingFile::Create() {
     const HANDLE file = CreateFileW(written_.c_str(), GENERIC_WRITE | DELETE, 0, nullptr,
-                                    CREATE_NEW, old.Attributes(), nullptr);
+                                    CREATE_NEW, old_->Attributes(), nullptr);
     if (file == INVALID_HANDLE_VALUE) return Fail();
     file_.reset(file);
     error_ = ERROR_SUCCESS;
-    old.PassOn(file, written_);  // while others can open it: the mark prevents that
-    Mark(true);
     return true;
 }
 
 ReplacingFile::~ReplacingFile() {
-    if (IsOpen()) Discard();
+    Discard();
 }
 
 void ReplacingFile::Discard() noexcept {
+    if (!file_) return;
     file_.reset();
     if (!isMarked_) DeleteFileW(written_.c_str());
 }
@@ -125,15 +124,24 @@ bool ReplacingFile::Mark(bool deletes) noexcept {
 }
 
 bool ReplacingFile::Write(std::span<const uint8_t> bytes) noexcept {
-    if (bytes.size() <= kBufferSize - buffer_.size()) {
-        buffer_.insert(buffer_.end(), bytes.begin(), bytes.end());
-        return true;
-    }
+    if (bytes.size() <= kBufferSize - buffer_.size()) return Buffer(bytes);
     return WriteBuffered() &&
            (bytes.size() <= kBufferSize / 2 ? Write(bytes) : WriteThrough(bytes));
 }
 
+// It grows as it is needed: large blocks are new memory each time, which small files do not need.
+bool ReplacingFile::Buffer(std::span<const uint8_t> bytes) noexcept {
+    try {
+        buffer_.insert(buffer_.end(), bytes.begin(), bytes.end());
+        return true;
+    } catch (const std::bad_alloc&) {
+        error_ = ERROR_NOT_ENOUGH_MEMORY;
+        return false;
+    }
+}
+
 bool ReplacingFile::WriteBuffered() noexcept {
+    if (!file_ && !CreateBeside(Death::kDeletes)) return false;
     const bool written = WriteThrough(buffer_);
     buffer_.clear();
     return written;
@@ -154,8 +162,11 @@ bool ReplacingFile::WriteThrough(std::span<const uint8_t> bytes) noexcept {
 }
 
 bool ReplacingFile::Commit(Durability durability) noexcept {
-    const bool toDisk = replaces_ && durability == Durability::kDisk;
-    if (!WriteBuffered() || (toDisk && !FlushFileBuffers(file_.get()) && !Fail()) ||
+    const bool toDisk = old_->Exists() && durability == Durability::kDisk;
+    // What is written and moved at once needs no mark; setting it and taking it off again would be
+    // a third of the work for a small file.
+    const bool isCreated = file_ || toDisk || CreateBeside(Death::kLeaves);
+    if (!isCreated || !WriteBuffered() || (toDisk && !FlushFileBuffers(file_.get()) && !Fail()) ||
         !MoveToTarget()) {
         Discard();
         return false;
@@ -180,14 +191,13 @@ bool ReplacingFile::MoveToTarget() noexcept {
 // The file stays open, so that the mark can be set again at once: between two tries it would vanish
 // with the process.
 bool ReplacingFile::TryToMove() noexcept {
-    const bool wasMarked = isMarked_;
-    if (wasMarked && !Mark(false)) return Fail();
+    if (isMarked_ && !Mark(false)) return Fail();
     if (SetFileInformationByHandle(file_.get(), FileRenameInfo, rename_.data(),
                                    static_cast<DWORD>(rename_.size()))) {
         return true;
     }
     Fail();
-    if (wasMarked) Mark(true);
+    Mark(true);
     return false;
 }
 

@@ -27,23 +27,23 @@ enum class Links {
 // one step. Whatever happens before that (an error, a full disk, the end of the process) leaves the
 // target as it was and the folder without the file. Only a power cut leaves it, as ~tessary-1.tmp
 // or with a higher number, and so does the end of the process in the very moment of moving. Nobody
-// removes it then: it cannot be told from a user's own file of that name.
+// removes it then: it cannot be told from a user's own file of that name. What fits into the buffer
+// is on the disk only from Commit on.
 //
 // The new file takes over what OldFile tells of. Of a file with several names (hard links) only the
 // target's gets the new content; the others keep the old: to reach all, the old content would have
 // to be overwritten in place.
 class ReplacingFile final : public ByteSink {
   public:
-    // Creates the file. `target` may be longer than MAX_PATH. A target that is a folder, a device,
-    // read-only or, with kFollow, a link to nothing is refused here, before anybody has worked for
-    // it.
+    // `target` may be longer than MAX_PATH. One that is a folder, a device, read-only, in no folder
+    // or, with kFollow, a link to nothing is refused here, before anybody has worked for it.
     explicit ReplacingFile(const std::wstring& target, Links links = Links::kReplace);
     ReplacingFile(const ReplacingFile&) = delete;
     ReplacingFile& operator=(const ReplacingFile&) = delete;
     ~ReplacingFile() override;
 
     // The rest may be called only when this is true.
-    bool IsOpen() const { return file_ != nullptr; }
+    bool IsOpen() const { return isOpen_; }
     // Collects small pieces in a buffer.
     bool Write(std::span<const uint8_t> bytes) noexcept override;
     // Replaces the target, with kDisk only after all that was written has reached the disk. Where
@@ -54,17 +54,22 @@ class ReplacingFile final : public ByteSink {
     DWORD Error() const { return error_; }
 
   private:
+    // What the end of the process does to the file.
+    enum class Death { kDeletes, kLeaves };
+
     struct CloseFile {
         void operator()(HANDLE file) const { CloseHandle(file); }
     };
     using UniqueFile = std::unique_ptr<std::remove_pointer_t<HANDLE>, CloseFile>;
 
-    // Finds target_ and what stands there; empty when it is refused.
-    std::optional<OldFile> ChooseTarget(const std::wstring& target, Links links);
-    void CreateBeside(const OldFile& old);
-    // Creates written_, which must not exist.
-    bool Create(const OldFile& old);
+    // Finds target_ and what stands there; false when it is refused.
+    bool ChooseTarget(const std::wstring& target, Links links);
+    // Creates the file under a name that is free.
+    bool CreateBeside(Death death) noexcept;
+    // Creates it as written_.
+    bool Create();
     bool WriteThrough(std::span<const uint8_t> bytes) noexcept;
+    bool Buffer(std::span<const uint8_t> bytes) noexcept;
     bool WriteBuffered() noexcept;
     bool MoveToTarget() noexcept;
     bool TryToMove() noexcept;
@@ -76,9 +81,10 @@ class ReplacingFile final : public ByteSink {
     bool Fail() noexcept;
 
     std::wstring target_;
+    std::optional<OldFile> old_;  // what stood there at the beginning
     std::wstring written_;
     UniqueFile file_;
-    bool replaces_ = false;        // a file that was there at the beginning
+    bool isOpen_ = false;
     bool isMarked_ = false;        // never true where the file system lacks the mark
     std::vector<uint8_t> rename_;  // a FILE_RENAME_INFO, ready: the last step takes no memory
     std::vector<uint8_t> buffer_;
