@@ -43,6 +43,8 @@ class StripDeflater {
     StripDeflater& operator=(const StripDeflater&) = delete;
     ~StripDeflater();
 
+    int Level() const { return level_; }
+
     // The bytes of `strip` pass through other hands on the way, but are the same in the end. The
     // last strip ends the stream. Throws std::bad_alloc.
     void Deflate(std::span<uint8_t> strip, bool isLast, DeflatedStrip& to);

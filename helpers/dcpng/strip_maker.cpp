@@ -12,7 +12,7 @@ StripMaker::StripMaker(const PngRows& rows, const StripLayout& layout, int level
       // Indexes and packed pixels are no numbers whose differences would be small.
       filters_(level != 0 && rows.Kind() != PngKind::kPalette && rows.BitDepth() == 8),
       pixelBytes_(std::max<size_t>(rows.BitsPerPixel() / 8, 1)),
-      deflater_(level),
+      deflater_(DeflaterStock::Take(level)),
       row_(rows.RowBytes() + 2 * kRowMargin),
       above_(row_.size()),
       pictureRow_(layout.Passes().front().stepX == 1 ? 0 : rows.RowBytes()) {}
@@ -48,7 +48,7 @@ void StripMaker::Make(size_t strip, DeflatedStrip& to) {
         std::swap(row_, above_);
         out += rowBytes + 1;
     }
-    deflater_.Deflate(std::span(strip_).first(size), strip + 1 == layout_.Count(), to);
+    deflater_->Deflate(std::span(strip_).first(size), strip + 1 == layout_.Count(), to);
 }
 
 }  // namespace tessary::dcpng

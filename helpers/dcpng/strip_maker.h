@@ -1,8 +1,8 @@
 // Makes the compressed strips of a PNG file.
 #pragma once
 
+#include "helpers/dcpng/deflater_stock.h"
 #include "helpers/dcpng/png_rows.h"
-#include "helpers/dcpng/strip_deflater.h"
 #include "helpers/dcpng/strip_layout.h"
 
 namespace tessary::dcpng {
@@ -26,7 +26,7 @@ class StripMaker {
     const StripLayout& layout_;
     bool filters_;
     size_t pixelBytes_;
-    StripDeflater deflater_;
+    DeflaterStock::Lent deflater_;
     // With margins around: a row of the pass and the one above it.
     std::vector<uint8_t> row_;
     std::vector<uint8_t> above_;
