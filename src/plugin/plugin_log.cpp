@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <limits>
 
@@ -47,10 +48,15 @@ std::wstring CallLogOf(int run) {
     return run == 1 ? kCallLog : kCallLog + (L'_' + std::to_wstring(run));
 }
 
-void WriteCallLogOf(int run, const PluginCall& call) {
-    const KeyAndText texts[] = {
-        {kFunctionKey, call.function}, {kPluginKey, call.plugin}, {kFileKey, call.file}};
-    SaveSettings(CallLogOf(run), texts);
+std::array<KeyAndText, 3> TextsOf(const PluginCall& call) {
+    return {{{kFunctionKey, call.function}, {kPluginKey, call.plugin}, {kFileKey, call.file}}};
+}
+
+// The own call log. It never ends: plug-ins are still freed, and logged, while static objects are
+// destroyed.
+PassingSection& CallLog() {
+    static PassingSection& log = *new PassingSection;
+    return log;
 }
 
 std::optional<PluginCall> RecoverCallOf(int run) {
@@ -61,7 +67,7 @@ std::optional<PluginCall> RecoverCallOf(int run) {
     call.function = GetSetting(log, kFunctionKey);
     call.file = GetSetting(log, kFileKey);
     // Emptied before it is counted: if this run ends here as well, it is not counted twice.
-    WriteCallLogOf(run, {});
+    SaveSettings(log, TextsOf({}));
     IncrementErrorCount(call.plugin, call.function);
     if (call.function == L"LoadLibrary") Increment(kFatalLoads, call.plugin);
     DeleteSettingSection(log);
@@ -85,11 +91,11 @@ std::optional<std::wstring> FileDateText(const std::wstring& path) {
 }  // namespace
 
 void WriteCallLog(const PluginCall& call) {
-    WriteCallLogOf(OwnRun(), call);
+    CallLog().Save(CallLogOf(OwnRun()), TextsOf(call));
 }
 
 void ClearCallLog() {
-    DeleteSettingSection(CallLogOf(OwnRun()));
+    CallLog().Remove();
 }
 
 std::optional<PluginCall> RecoverInterruptedCall() {

@@ -3,7 +3,10 @@
 #include <windows.h>
 
 #include "app/base/error.h"
-#include "app/base/handles.h"
+
+// Of the system's native interface: deletes the key behind a handle. ZwDeleteKey is its documented
+// name in the kernel.
+extern "C" LONG NTAPI NtDeleteKey(HANDLE key);
 
 namespace tessary {
 namespace {
@@ -30,6 +33,21 @@ std::wstring SectionPath(std::wstring_view section) {
 
 bool IsMissing(LSTATUS status) {
     return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND;
+}
+
+UniqueKey SavedSection(std::wstring_view section, std::span<const KeyAndText> texts,
+                       REGSAM access) {
+    UniqueKey opened;
+    LSTATUS status = RegCreateKeyExW(HKEY_CURRENT_USER, SectionPath(section).c_str(), 0, nullptr, 0,
+                                     KEY_SET_VALUE | access, nullptr, opened.Receive(), nullptr);
+    for (size_t i = 0; status == ERROR_SUCCESS && i < texts.size(); ++i) {
+        const std::wstring value(texts[i].second);
+        status = RegSetValueExW(opened.Get(), std::wstring(texts[i].first).c_str(), 0, REG_SZ,
+                                reinterpret_cast<const BYTE*>(value.c_str()),
+                                static_cast<DWORD>(value.size() + 1) * sizeof(wchar_t));
+    }
+    if (status != ERROR_SUCCESS) Fail(status);
+    return opened;
 }
 
 }  // namespace
@@ -66,16 +84,7 @@ void SaveSetting(std::wstring_view section, std::wstring_view key, std::wstring_
 }
 
 void SaveSettings(std::wstring_view section, std::span<const KeyAndText> texts) {
-    UniqueKey opened;
-    LSTATUS status = RegCreateKeyExW(HKEY_CURRENT_USER, SectionPath(section).c_str(), 0, nullptr, 0,
-                                     KEY_SET_VALUE, nullptr, opened.Receive(), nullptr);
-    for (size_t i = 0; status == ERROR_SUCCESS && i < texts.size(); ++i) {
-        const std::wstring value(texts[i].second);
-        status = RegSetValueExW(opened.Get(), std::wstring(texts[i].first).c_str(), 0, REG_SZ,
-                                reinterpret_cast<const BYTE*>(value.c_str()),
-                                static_cast<DWORD>(value.size() + 1) * sizeof(wchar_t));
-    }
-    if (status != ERROR_SUCCESS) Fail(status);
+    SavedSection(section, texts, 0);
 }
 
 std::vector<std::wstring> SettingKeys(std::wstring_view section) {
@@ -103,6 +112,18 @@ void DeleteSettingSection(std::wstring_view section) {
     LSTATUS status = RegDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
     if (status == ERROR_ACCESS_DENIED) status = RegDeleteTreeW(HKEY_CURRENT_USER, path.c_str());
     if (status != ERROR_SUCCESS && !IsMissing(status)) Fail(status);
+}
+
+void PassingSection::Save(std::wstring_view section, std::span<const KeyAndText> texts) {
+    section_ = section;
+    opened_ = SavedSection(section, texts, DELETE);
+}
+
+// A key with keys of its own, or one that is no longer there, is not deleted this way.
+void PassingSection::Remove() {
+    const bool isRemoved = opened_ && NtDeleteKey(opened_.Get()) >= 0;
+    opened_.Reset();
+    if (!isRemoved && !section_.empty()) DeleteSettingSection(section_);
 }
 
 void RedirectSettingsStore(std::wstring_view keyPath) {

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "app/base/handles.h"
+
 namespace tessary {
 
 // The text of a value, or `defaultText` when it is missing. Throws RaisedError when the store
@@ -28,6 +30,22 @@ std::vector<std::wstring> SettingKeys(std::wstring_view section);
 
 // Removes a section with all its keys; a missing one is no error.
 void DeleteSettingSection(std::wstring_view section);
+
+// A section that is there only for a while, again and again. It stays open meanwhile, which spares
+// the system a third of the work. Not for several threads.
+class PassingSection {
+  public:
+    // Stores texts in the section, which was removed before. Throws RaisedError when they cannot be
+    // written.
+    void Save(std::wstring_view section, std::span<const KeyAndText> texts);
+    // Removes the section that was saved last, if any, with all its keys; a missing one is no error.
+    // Throws RaisedError when that cannot be done.
+    void Remove();
+
+  private:
+    std::wstring section_;
+    UniqueKey opened_;
+};
 
 // Moves the whole store to another key below HKEY_CURRENT_USER. The environment variable
 // TESSARY_SETTINGS_KEY does the same for a whole process: a second, separate set of settings, and
