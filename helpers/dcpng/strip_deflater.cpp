@@ -14,7 +14,7 @@ constexpr int kRawWindowBits = -15;  // 32 KB, and no header of zlib's
 constexpr int kMemoryLevel = 8;
 constexpr int kBestLevel = 9;
 constexpr size_t kSamplePart = 8;  // of a strip
-constexpr size_t kLeastSample = 8u << 10;
+constexpr size_t kLeastSample = 2u << 10;
 // What zlib's data_type tells behind a block.
 constexpr int kUnusedBits = 7;
 constexpr int kLastBlock = 64;
