@@ -26,7 +26,6 @@ std::vector<uint8_t> RenameInfo(const std::wstring& target) {
     const size_t bytes = target.size() * sizeof(wchar_t);
     std::vector<uint8_t> block(sizeof(FILE_RENAME_INFO) + bytes);
     FILE_RENAME_INFO info{};
-    info.ReplaceIfExists = TRUE;
     info.FileNameLength = static_cast<DWORD>(bytes);
     std::memcpy(block.data(), &info, sizeof(info));
     std::memcpy(block.data() + offsetof(FILE_RENAME_INFO, FileName), target.data(), bytes);
@@ -42,6 +41,11 @@ bool IsPassing(DWORD error) {
            error == ERROR_ACCESS_DENIED;
 }
 
+// Why a file cannot be moved to a name that is somebody's.
+bool IsInTheWay(DWORD error) {
+    return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS || IsPassing(error);
+}
+
 // Of a file that another program uses, moving only says that access is denied.
 bool IsInUse(const std::wstring& target) {
     const HANDLE file = CreateFileW(target.c_str(), DELETE, kShareAll, nullptr, OPEN_EXISTING,
@@ -53,54 +57,48 @@ bool IsInUse(const std::wstring& target) {
 
 }  // namespace
 
-ReplacingFile::ReplacingFile(const std::wstring& target, Links links) {
-    isOpen_ = ChooseTarget(target, links);
+ReplacingFile::ReplacingFile(const std::wstring& target, Links links)
+    : target_(ExtendedFullName(target)), links_(links) {
+    isOpen_ = !target_.empty() && target_.back() != L'\\';
+    if (!isOpen_) error_ = ERROR_INVALID_NAME;
 }
 
-// Asks the system as little as possible about a name that is new: there are systems that read the
-// whole folder for each question.
-bool ReplacingFile::ChooseTarget(const std::wstring& target, Links links) {
-    target_ = ExtendedFullName(target);
-    if (target_.empty() || target_.back() == L'\\') {
-        error_ = ERROR_INVALID_NAME;
-        return false;
-    }
+bool ReplacingFile::LookAtTarget() {
     old_.emplace(target_);
-    if (!old_->Exists() && GetLastError() == ERROR_PATH_NOT_FOUND) return Fail();
-    if (old_->Exists() && links == Links::kFollow) {
+    if (old_->Exists() && links_ == Links::kFollow) {
         target_ = NameBehindLinks(target_);
         if (target_.empty()) return Fail();
         old_.emplace(target_);
     }
-    rename_ = RenameInfo(target_);
     if (!old_->IsReplaceable()) error_ = ERROR_ACCESS_DENIED;
     return old_->IsReplaceable();
 }
 
-bool ReplacingFile::CreateBeside(Death death) noexcept {
-    try {
-        const std::wstring folder = target_.substr(0, target_.rfind(L'\\') + 1);
-        for (uint32_t number = 1; number <= kNames && !file_; ++number) {
-            written_ = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
-            if (!Create() && !IsTaken(written_, error_)) return false;
-        }
-        if (!file_) return false;
-        old_->PassOn(file_.get(), written_);  // while others can open it: the mark prevents that
-    } catch (const std::bad_alloc&) {
-        error_ = ERROR_NOT_ENOUGH_MEMORY;
-        return false;
+bool ReplacingFile::CreateBeside() {
+    const std::wstring folder = target_.substr(0, target_.rfind(L'\\') + 1);
+    for (uint32_t number = 1; number <= kNames; ++number) {
+        written_ = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
+        if (Create()) return true;
+        if (!IsTaken(written_, error_)) return false;
     }
-    if (death == Death::kDeletes) Mark(true);
-    return true;
+    return false;
 }
 
 bool ReplacingFile::Create() {
-    const HANDLE file = CreateFileW(written_.c_str(), GENERIC_WRITE | DELETE, 0, nullptr,
-                                    CREATE_NEW, old_->Attributes(), nullptr);
+    const HANDLE file =
+        CreateFileW(written_.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
+                    old_ ? old_->Attributes() : FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return Fail();
     file_.reset(file);
+    isMarked_ = false;
+    rename_ = RenameInfo(target_);
     error_ = ERROR_SUCCESS;
     return true;
+}
+
+void ReplacingFile::TakeOver() {
+    old_->PassOn(file_.get(), written_);  // while others can open it: the mark prevents that
+    Mark(true);
 }
 
 ReplacingFile::~ReplacingFile() {
@@ -129,22 +127,36 @@ bool ReplacingFile::Write(std::span<const uint8_t> bytes) noexcept {
            (bytes.size() <= kBufferSize / 2 ? Write(bytes) : WriteThrough(bytes));
 }
 
-// It grows as it is needed: large blocks are new memory each time, which small files do not need.
-bool ReplacingFile::Buffer(std::span<const uint8_t> bytes) noexcept {
+template <typename Work>
+bool ReplacingFile::WithMemory(const Work& work) noexcept {
     try {
-        buffer_.insert(buffer_.end(), bytes.begin(), bytes.end());
-        return true;
+        return work();
     } catch (const std::bad_alloc&) {
         error_ = ERROR_NOT_ENOUGH_MEMORY;
         return false;
     }
 }
 
+// It grows as it is needed: large blocks are new memory each time, which small files do not need.
+bool ReplacingFile::Buffer(std::span<const uint8_t> bytes) noexcept {
+    return WithMemory([&] {
+        buffer_.insert(buffer_.end(), bytes.begin(), bytes.end());
+        return true;
+    });
+}
+
 bool ReplacingFile::WriteBuffered() noexcept {
-    if (!file_ && !CreateBeside(Death::kDeletes)) return false;
-    const bool written = WriteThrough(buffer_);
+    const bool written = (file_ || Begin()) && WriteThrough(buffer_);
     buffer_.clear();
     return written;
+}
+
+bool ReplacingFile::Begin() noexcept {
+    return WithMemory([this] {
+        if (!LookAtTarget() || !CreateBeside()) return false;
+        TakeOver();
+        return true;
+    });
 }
 
 bool ReplacingFile::WriteThrough(std::span<const uint8_t> bytes) noexcept {
@@ -162,22 +174,46 @@ bool ReplacingFile::WriteThrough(std::span<const uint8_t> bytes) noexcept {
 }
 
 bool ReplacingFile::Commit(Durability durability) noexcept {
-    const bool toDisk = old_->Exists() && durability == Durability::kDisk;
-    // What is written and moved at once needs no mark; setting it and taking it off again would be
-    // a third of the work for a small file.
-    const bool isCreated = file_ || toDisk || CreateBeside(Death::kLeaves);
-    if (!isCreated || !WriteBuffered() || (toDisk && !FlushFileBuffers(file_.get()) && !Fail()) ||
-        !MoveToTarget()) {
-        Discard();
-        return false;
-    }
-    if (toDisk) FlushFileBuffers(file_.get());  // the new name too
+    const bool isWritten = file_ ? WriteBuffered() : WriteAsNew();
+    const bool isCommitted = isWritten && ((!old_ && TryToMove(Existing::kStays)) ||
+                                           (CanReplace() && Replace(durability)));
+    if (!isCommitted) Discard();
     file_.reset();
+    return isCommitted;
+}
+
+// Asks nothing about the target: there are systems that read the whole folder for each question
+// about a name that is new.
+bool ReplacingFile::WriteAsNew() noexcept {
+    return WithMemory([this] { return CreateBeside(); }) && WriteThrough(buffer_);
+}
+
+// Prepares what was written as new for a target that exists after all, or writes it once more.
+bool ReplacingFile::CanReplace() noexcept {
+    if (old_) return true;
+    if (!IsInTheWay(error_)) return false;
+    return WithMemory([this] {
+        const std::wstring wanted = target_;
+        if (!LookAtTarget()) return false;
+        if (target_ != wanted || old_->Attributes() != FILE_ATTRIBUTE_NORMAL) {
+            Discard();
+            if (!CreateBeside() || !WriteThrough(buffer_)) return false;
+        }
+        TakeOver();
+        return true;
+    });
+}
+
+bool ReplacingFile::Replace(Durability durability) noexcept {
+    const bool toDisk = old_->Exists() && durability == Durability::kDisk;
+    if (toDisk && !FlushFileBuffers(file_.get())) return Fail();
+    if (!MoveToTarget()) return false;
+    if (toDisk) FlushFileBuffers(file_.get());  // the new name too
     return true;
 }
 
 bool ReplacingFile::MoveToTarget() noexcept {
-    for (int move = 1; !TryToMove(); ++move) {
+    for (int move = 1; !TryToMove(Existing::kIsReplaced); ++move) {
         if (!IsPassing(error_)) return false;
         if (move == kMoves) {
             if (IsInUse(target_)) error_ = ERROR_SHARING_VIOLATION;
@@ -190,8 +226,9 @@ bool ReplacingFile::MoveToTarget() noexcept {
 
 // The file stays open, so that the mark can be set again at once: between two tries it would vanish
 // with the process.
-bool ReplacingFile::TryToMove() noexcept {
+bool ReplacingFile::TryToMove(Existing existing) noexcept {
     if (isMarked_ && !Mark(false)) return Fail();
+    rename_[offsetof(FILE_RENAME_INFO, ReplaceIfExists)] = existing == Existing::kIsReplaced;
     if (SetFileInformationByHandle(file_.get(), FileRenameInfo, rename_.data(),
                                    static_cast<DWORD>(rename_.size()))) {
         return true;

@@ -35,8 +35,8 @@ enum class Links {
 // to be overwritten in place.
 class ReplacingFile final : public ByteSink {
   public:
-    // `target` may be longer than MAX_PATH. One that is a folder, a device, read-only, in no folder
-    // or, with kFollow, a link to nothing is refused here, before anybody has worked for it.
+    // `target` may be longer than MAX_PATH. A device is refused here; a folder, what is read-only,
+    // in no folder or, with kFollow, a link to nothing when the buffer is full, or by Commit.
     explicit ReplacingFile(const std::wstring& target, Links links = Links::kReplace);
     ReplacingFile(const ReplacingFile&) = delete;
     ReplacingFile& operator=(const ReplacingFile&) = delete;
@@ -54,34 +54,44 @@ class ReplacingFile final : public ByteSink {
     DWORD Error() const { return error_; }
 
   private:
-    // What the end of the process does to the file.
-    enum class Death { kDeletes, kLeaves };
+    // What becomes of a file that the target's name has.
+    enum class Existing { kStays, kIsReplaced };
 
     struct CloseFile {
         void operator()(HANDLE file) const { CloseHandle(file); }
     };
     using UniqueFile = std::unique_ptr<std::remove_pointer_t<HANDLE>, CloseFile>;
 
-    // Finds target_ and what stands there; false when it is refused.
-    bool ChooseTarget(const std::wstring& target, Links links);
+    // Finds old_, behind links; false when it is not to be replaced.
+    bool LookAtTarget();
     // Creates the file under a name that is free.
-    bool CreateBeside(Death death) noexcept;
-    // Creates it as written_.
+    bool CreateBeside();
     bool Create();
+    // Has the file take over from old_ what OldFile tells of.
+    void TakeOver();
+    // Creates the file before all that goes into it is known.
+    bool Begin() noexcept;
+    bool WriteAsNew() noexcept;
+    bool CanReplace() noexcept;
+    bool Replace(Durability durability) noexcept;
     bool WriteThrough(std::span<const uint8_t> bytes) noexcept;
     bool Buffer(std::span<const uint8_t> bytes) noexcept;
     bool WriteBuffered() noexcept;
     bool MoveToTarget() noexcept;
-    bool TryToMove() noexcept;
+    bool TryToMove(Existing existing) noexcept;
     // Has the system delete the file when it is closed, however that comes about; or no longer.
     bool Mark(bool deletes) noexcept;
     // Closes and deletes the file.
     void Discard() noexcept;
     // Notes the system's error; always false.
     bool Fail() noexcept;
+    // What `work` answers; false when there was no memory for it.
+    template <typename Work>
+    bool WithMemory(const Work& work) noexcept;
 
     std::wstring target_;
-    std::optional<OldFile> old_;  // what stood there at the beginning
+    Links links_;
+    std::optional<OldFile> old_;  // what stands there, as soon as that has been looked at
     std::wstring written_;
     UniqueFile file_;
     bool isOpen_ = false;
