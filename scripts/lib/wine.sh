@@ -73,12 +73,16 @@ start_wine() {
     (run_wine cmd /c exit) </dev/null >/dev/null 2>&1 || die "Wine does not start"
 }
 
+# While it runs the server keeps a file beside its socket locked. Debian's Wine keeps the name of the
+# folder above in the prefix.
 wineserver_runs() {
-    local identity
+    local above=.wine-$UID identity folder lock
+    [[ ! -f $WINEPREFIX/wineserver ]] || read -r above <"$WINEPREFIX/wineserver" || true
     identity=$(stat --format '%D %i' "$WINEPREFIX")
-    local folder
-    printf -v folder '/tmp/.wine-%s/server-%x-%x' "$UID" "0x${identity% *}" "${identity#* }"
-    [[ -S $folder/socket ]] && grep -qF "$folder/socket" /proc/net/unix
+    printf -v folder '/tmp/%s/server-%x-%x' "$above" "0x${identity% *}" "${identity#* }"
+    [[ -S $folder/socket ]] || return 1
+    lock=$(stat --format %i "$folder/lock")
+    grep -q ":$lock " /proc/locks
 }
 
 # stop_wine: ends the programs of all our prefixes, their servers and the shared display.
