@@ -155,7 +155,7 @@ std::wstring ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
             expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress);
         })) {
         refuse(FileOutcome::kFailed);
-        WritePluginError(expansion.archive, failure, 6);
+        WritePluginError(FailureOf(expansion.archive, failure), 6);
         return {};
     }
     std::wstring path = start + name;

@@ -5,14 +5,15 @@
 #include "convert/convert_progress.h"
 #include "convert/convert_run.h"
 #include "convert/decode_filter.h"
-#include "convert/plugin_use.h"
-#include "picture/bitmap_file.h"
+#include "convert/side_job.h"
 #include "picture/save/save_picture.h"
 
 namespace tessary {
 namespace {
 
 constexpr uint16_t kFewColorsDepth = 8;  // and below
+
+constexpr INT_PTR kMostMeanwhile = 1 << 20;  // bytes of a picture that is saved in a moment
 
 std::wstring WithoutExtension(const std::wstring& name) {
     return name.substr(0, name.rfind(L'.'));
@@ -44,14 +45,14 @@ StepResult ConvertRun::ConvertBitmapFile(const std::wstring& path,
                                          const std::wstring& outputFolder) {
     return Step([&](StepResult& result) {
         log_.WriteConvertLog(L"ファイル種別", L"ビットマップファイル", 2);
-        PicturePair pair;
-        if (!ReadBitmapFile(path, pair, TellProgress)) {
+        if (!source_.picture) source_.picture = ReadBitmapSource(path, TellProgress);
+        const OwnedPicture& picture = source_.picture->picture;
+        if (!picture) {
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"ビットマップの読み込みに失敗しました", {}, 2);
             monitor_.CountFile(FileOutcome::kFailed);
             return;
         }
-        const OwnedPicture picture(pair);
         log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
         result = SaveConvertedPicture(picture.Get(), outputFolder, path);
     });
@@ -62,26 +63,24 @@ StepResult ConvertRun::ConvertPictureFile(const std::wstring& path, const std::w
     return Step([&](StepResult& result) {
         log_.WriteConvertLog(L"ファイル種別", L"画像ファイル", 2);
         log_.WriteConvertLog(L"使用プラグイン", FileNameOf(pluginKey), 2);
-        const PluginUse plugin(pluginKey);
-        if (!plugin.Bind(path)) {
+        if (!source_.picture) source_.picture = DecodeSource(path, pluginKey, TellProgress);
+        const SourcePicture& source = *source_.picture;
+        if (source.isRefused) {
             // A file that its plug-in suddenly refuses counts as done.
             monitor_.CountFile(FileOutcome::kFailed);
             return;
         }
-        PicturePair pair;
-        if (const uint32_t failure = ResultOf([&] {
-                plugin->DecodePicture(DecodeTarget::kMemory, 0, TellProgress, {}, &pair);
-            })) {
+        if (source.failure.result != 0) {
+            if (source.failure.result == uint32_t{kResultCrashed}) hasCrashed_ = true;
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"展開に失敗しました", path, 2);
             log_.WriteConvertLog(L"詳細情報", {}, 4);
-            WritePluginError(*plugin, failure, 4);
+            WritePluginError(source.failure, 4);
             monitor_.CountFile(FileOutcome::kFailed);
             return;
         }
-        const OwnedPicture picture(pair);
         log_.WriteConvertLog(L"画像を展開しました", path, 2);
-        result = SaveConvertedPicture(picture.Get(), outputFolder, path);
+        result = SaveConvertedPicture(source.picture.Get(), outputFolder, path);
     });
 }
 
@@ -98,6 +97,31 @@ std::wstring ConvertRun::SavedNameFor(const std::wstring& path, const std::wstri
         name.append(L" (").append(std::to_wstring(number)).append(L")").append(extension);
     }
     return name;
+}
+
+bool ConvertRun::SaveMeanwhile(const PicturePair& picture, const std::wstring& output) {
+    const auto save = [&] {
+        return SavePictureFile(picture, output,
+                               reinterpret_cast<LONG_PTR>(&ConvertProgressCallback));
+    };
+    if (LocalHandleSize(picture.info) + LocalHandleSize(picture.bits) > kMostMeanwhile) {
+        return save();
+    }
+    bool isSaved = false;
+    {
+        const SideJob saving([&] { isSaved = save(); });
+        ReadNext();
+    }
+    TellProgress(1, 1);
+    return isSaved;
+}
+
+// Not what is extracted: members make way for others, and are deleted by patterns.
+void ConvertRun::ReadNext() {
+    const int32_t next = current_ + 1;
+    if (next > list_.UpperBound() || list_.IsExtracted(next) || hasCrashed_) return;
+    const std::wstring path = list_.At(next);
+    if (CheckDecodeFileName(FileNameOf(path))) ahead_.Read(path);
 }
 
 StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
@@ -117,8 +141,7 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
     log_.WriteConvertLog(L"画像の色数", std::to_wstring(header.bitCount) + L" bit", 2);
     log_.WriteConvertLog(L"保存ファイル名", outputFolder + savedName, 2);
     MakeWayFor(outputFolder + savedName);
-    if (!SavePictureFile(picture, outputFolder + savedName,
-                         reinterpret_cast<LONG_PTR>(&ConvertProgressCallback))) {
+    if (!SaveMeanwhile(picture, outputFolder + savedName)) {
         log_.WriteConvertLog(L"保存に失敗しました", savedName, 2);
         monitor_.CountFile(FileOutcome::kFailed);
         return StepResult::kNotSaved;

@@ -48,4 +48,11 @@ bool TellProgress(int done, int total) {
     return true;
 }
 
+bool TellNothing(int, int) {
+    if (watching != nullptr) {
+        Trapped([] { watching->SetProgressBar(-1, -1, 0, 0); });
+    }
+    return true;
+}
+
 }  // namespace tessary

@@ -27,4 +27,7 @@ int __stdcall ConvertProgressCallback(int numerator, int denominator, LONG_PTR u
 // The same for what reads files; always true (go on).
 bool TellProgress(int done, int total);
 
+// For what reads files out of their turn: the bars stay, but messages are let through. Always true.
+bool TellNothing(int done, int total);
+
 }  // namespace tessary

@@ -12,6 +12,7 @@
 #include "app/base/text.h"
 #include "convert/convert_log.h"
 #include "convert/convert_monitor.h"
+#include "convert/read_ahead.h"
 #include "picture/modMemory.h"
 #include "plugin/clsSusie.h"
 
@@ -85,6 +86,9 @@ class ConvertRun {
     // `path`: of the file that the picture comes from.
     StepResult SaveConvertedPicture(const PicturePair& picture, const std::wstring& outputFolder,
                                     const std::wstring& path);
+    // Saves a picture; while a small one is saved, the next file of the list is read.
+    bool SaveMeanwhile(const PicturePair& picture, const std::wstring& output);
+    void ReadNext();
     // The name, without folder, that its picture is saved under.
     std::wstring SavedNameFor(const std::wstring& path, const std::wstring& outputFolder,
                               const std::wstring& extension) const;
@@ -125,8 +129,7 @@ class ConvertRun {
     void DeleteExtracted(const std::wstring& path);
     // Deletes an extracted member that was not converted, unless such are to be kept.
     void RemoveExtractedFile(const std::wstring& path, bool isExtracted);
-    // What the plug-in that has just failed tells of it.
-    void WritePluginError(const clsSusie& plugin, uint32_t result, int16_t indent);
+    void WritePluginError(const PluginFailure& failure, int16_t indent);
     void WriteUnexpected(const RaisedError& error);
     void WriteStopped();
 
@@ -140,6 +143,11 @@ class ConvertRun {
     // beside somebody's file of that name.
     std::map<std::wstring, std::wstring> ownNames_;
     int32_t current_ = 0;  // index of the entry at hand
+    SourceFile source_;    // what it has turned out to be
+    ReadAhead ahead_;      // the next entry
+    // A plug-in that crashes may leave a lock of the system's behind, and whatever works on another
+    // thread would wait for it for ever: from then on nothing does.
+    bool hasCrashed_ = false;
 };
 
 }  // namespace tessary

@@ -1,7 +1,5 @@
 #include "convert/modConvertFiles.h"
 
-#include <windows.h>
-
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -11,36 +9,10 @@
 #include "convert/decode_filter.h"
 #include "convert/delete_files.h"
 #include "convert/make_folder.h"
-#include "picture/show/modShowPicture.h"
-#include "plugin/modSusie.h"
+#include "convert/no_system_messages.h"
+#include "plugin/susie_calls.h"
 
 namespace tessary {
-namespace {
-
-// The plug-in that the kind test has just left bound to the file; empty when there is none.
-std::wstring BoundPluginKey(const std::wstring& path) {
-    for (const auto& plugin : SusieCollection().NewEnum()) {
-        if (EqualsIgnoreCase(plugin->GetFile(), path)) return plugin->DllName();
-    }
-    return {};
-}
-
-// Of the system's own message boxes, about a drive without a disk for instance, nobody may be there
-// to see one.
-class NoSystemMessages {
-  public:
-    NoSystemMessages() {
-        SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &former_);
-    }
-    NoSystemMessages(const NoSystemMessages&) = delete;
-    NoSystemMessages& operator=(const NoSystemMessages&) = delete;
-    ~NoSystemMessages() { SetThreadErrorMode(former_, nullptr); }
-
-  private:
-    DWORD former_ = 0;
-};
-
-}  // namespace
 
 bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
     if (ProgressWatch::IsThere() || PluginCallUnderWay()) return false;
@@ -56,7 +28,9 @@ bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
 }
 
 bool ConvertRun::Run() {
-    const DivertedErrors errors([this](const RaisedError& error) { WriteUnexpected(error); });
+    const DivertedErrors errors([this](const RaisedError& error) {
+        if (!ahead_.Keep(error)) WriteUnexpected(error);
+    });
     log_.Open();
     bool goesOn = true;
     for (int32_t index = 1; goesOn && index <= list_.UpperBound(); ++index) {
@@ -95,6 +69,7 @@ void ConvertRun::ConvertEntry(int32_t index) {
         kindResult = StepResult::kNotHandled;  // until the kind is known
         kindResult = ConvertByKind(path, isExtracted ? FolderOf(path) : targetFolder_);
     });
+    source_ = {};
     // What came of the file has been told by now.
     Trapped([&] { CleanUp(path, isExtracted, result); });
 }
@@ -109,13 +84,17 @@ void ConvertRun::CleanUp(const std::wstring& path, bool isExtracted, StepResult 
 }
 
 StepResult ConvertRun::ConvertByKind(const std::wstring& path, const std::wstring& outputFolder) {
-    switch (QueryFileKind(path)) {
+    std::optional<SourceFile> known = ahead_.Take(path);
+    source_ = known ? std::move(*known) : LookAtFile(path);
+    for (const RaisedError& error : source_.errors)
+        WriteUnexpected(error);
+    switch (source_.kind) {
         case kFileBitmap:
             return ConvertBitmapFile(path, outputFolder);
         case kFilePicture:
-            return ConvertPictureFile(path, BoundPluginKey(path), outputFolder);
+            return ConvertPictureFile(path, source_.pluginKey, outputFolder);
         case kFileArchive:
-            return ConvertArchiveFile(path, BoundPluginKey(path), outputFolder + FileNameOf(path));
+            return ConvertArchiveFile(path, source_.pluginKey, outputFolder + FileNameOf(path));
         case kFileUnknown:
             break;
     }
@@ -154,10 +133,10 @@ void ConvertRun::MakeWayFor(const std::wstring& output) {
     }
 }
 
-void ConvertRun::WritePluginError(const clsSusie& plugin, uint32_t result, int16_t indent) {
-    log_.WriteConvertLog(L"エラーモジュール", plugin.ErrorFunction(), indent);
-    log_.WriteConvertLog(L"エラーコード(" + std::to_wstring(static_cast<int32_t>(result)) + L")",
-                         plugin.ErrorString(), indent);
+void ConvertRun::WritePluginError(const PluginFailure& failure, int16_t indent) {
+    const std::wstring result = std::to_wstring(static_cast<int32_t>(failure.result));
+    log_.WriteConvertLog(L"エラーモジュール", failure.function, indent);
+    log_.WriteConvertLog(L"エラーコード(" + result + L")", failure.text, indent);
 }
 
 void ConvertRun::WriteUnexpected(const RaisedError& error) {

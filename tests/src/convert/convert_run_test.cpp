@@ -2,6 +2,7 @@
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
 #include "convert/convert_progress.h"
+#include "plugin/plugin_log.h"
 #include "tests/src/convert/convert_test.h"
 #include "tests/support/process_resources.h"
 #include "tests/support/recorded_messages.h"
@@ -140,6 +141,29 @@ TEST_F(ConvertRunTest, SourceThatIsItsOwnTargetIsReplacedWhole) {
     SetFileAttributesW(monitor_.files[0].c_str(), FILE_ATTRIBUTE_NORMAL);
     EXPECT_TRUE(Run());
     EXPECT_EQ(Converted(), L"a.bmp b.bmp b.tst ");
+}
+
+// While a small picture is saved the next file is read.
+TEST_F(ConvertRunTest, ReadingAheadChangesNothing) {
+    std::filesystem::create_directories(Target());
+    monitor_.files = {target_.Write(L"out\\a.tst", "TST 4x4x24\n"),
+                      // What the first becomes: it is read once more.
+                      target_.Write(L"out\\a.bmp", BitmapFileOf(20, 20, 0)),
+                      target_.Write(L"out\\x.tsa", ArchiveOf({{"m.tst", "TST 6x6x24\n"}}))};
+    monitor_.stepsLeft = 2;
+    EXPECT_FALSE(Run());
+    EXPECT_EQ(Converted(), L"a.bmp a.tst x.tsa ");
+    EXPECT_EQ(ContentOf(monitor_.files[1]).size(), BitmapFileOf(4, 4, 0).size());
+    for (const auto& plugin : SusieCollection().NewEnum())
+        EXPECT_FALSE(plugin->IsBound());
+
+    monitor_.stepsLeft = -1;
+    monitor_.files.erase(monitor_.files.begin());
+    monitor_.files[1] = target_.Write(L"out\\b.tst", "TST 4x4x24\ncrash:av:GetPicture\n");
+    EXPECT_TRUE(Run());
+    EXPECT_TRUE(LogHolds(L"    エラーモジュールGetPicture"));
+    EXPECT_EQ(ReadErrorCount(L"iftst.spi", L"GetPicture"), 2) << "two tries";
+    EXPECT_TRUE(std::ranges::equal(monitor_.counts, std::initializer_list<int>{3, 0, 1}));
 }
 
 TEST_F(ConvertRunTest, KeepsTheListShortAndTheRunLong) {

@@ -1,0 +1,36 @@
+// Reading the picture of a file that is to be converted.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "picture/modMemory.h"
+#include "plugin/clsSusie.h"
+
+namespace tessary {
+
+// What a plug-in has answered that failed, and what it tells of it.
+struct PluginFailure {
+    uint32_t result = 0;
+    std::wstring function;
+    std::wstring text;
+};
+
+// What the plug-in's last call has come to.
+PluginFailure FailureOf(const clsSusie& plugin, uint32_t result);
+
+struct SourcePicture {
+    OwnedPicture picture;     // empty when it could not be read
+    bool isRefused = false;   // the plug-in did not take the file when it was bound
+    PluginFailure failure{};  // of a plug-in that took it; result 0: it did not fail
+};
+
+// Empty when the bitmap file cannot be read.
+SourcePicture ReadBitmapSource(const std::wstring& path, const SusieProgress& progress);
+
+// Decodes the file with the plug-in of that key, which is unbound then.
+SourcePicture DecodeSource(const std::wstring& path, const std::wstring& pluginKey,
+                           const SusieProgress& progress);
+
+}  // namespace tessary
