@@ -14,6 +14,7 @@ photographs=${TESSARY_BENCH_PICTURES:-20}
 small_pictures=500
 read -ra peers <<<"${TESSARY_BENCH_PEERS:-libvips GraphicsMagick ImageMagick}"
 
+wine=$PWD/scripts/wine.sh
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export TESSARY_SETTINGS_KEY='Software\Tessary_Viewer_Bench'
@@ -42,11 +43,8 @@ make_pictures() {
 
 # Each converts all files of the current folder to the format $1 in ../out.
 with_tessary() {
-    local here=$PWD
-    cd "$OLDPWD"
-    scripts/wine.sh "$TESSARY_X86_BUILD/bin/tessary-convert.exe" --format "$1" --no-log \
-        --no-mask --no-min-size --out "$(scripts/wine.sh --path "$work/out")" \
-        "$(scripts/wine.sh --path "$here")"
+    "$wine" "$TESSARY_X86_BUILD/bin/tessary-convert.exe" --format "$1" --no-log --no-mask \
+        --no-min-size --out ../out .
 }
 with_ImageMagick() { mogrify -path ../out -format "$1" ./*; }
 with_GraphicsMagick() { gm mogrify -output-directory ../out -format "$1" ./*; }
