@@ -24,7 +24,8 @@ DeflaterStock::Lent DeflaterStock::Take(int level) {
     const std::scoped_lock lock(stock.mutex);
     const auto found = std::ranges::find_if(
         stock.kept, [&](const auto& deflater) { return deflater && deflater->Level() == level; });
-    return Lent(found != stock.kept.end() ? found->release() : new StripDeflater(level));
+    return Lent(found != stock.kept.end() ? found->release()
+                                          : std::make_unique<StripDeflater>(level).release());
 }
 
 void DeflaterStock::Return::operator()(StripDeflater* deflater) const noexcept {

@@ -122,9 +122,14 @@ bool ReplacingFile::Mark(bool deletes) noexcept {
 }
 
 bool ReplacingFile::Write(std::span<const uint8_t> bytes) noexcept {
+    isOpen_ = isOpen_ && Append(bytes);
+    return isOpen_;
+}
+
+bool ReplacingFile::Append(std::span<const uint8_t> bytes) noexcept {
     if (bytes.size() <= kBufferSize - buffer_.size()) return Buffer(bytes);
     return WriteBuffered() &&
-           (bytes.size() <= kBufferSize / 2 ? Write(bytes) : WriteThrough(bytes));
+           (bytes.size() <= kBufferSize / 2 ? Buffer(bytes) : WriteThrough(bytes));
 }
 
 template <typename Work>
@@ -174,11 +179,12 @@ bool ReplacingFile::WriteThrough(std::span<const uint8_t> bytes) noexcept {
 }
 
 bool ReplacingFile::Commit(Durability durability) noexcept {
-    const bool isWritten = file_ ? WriteBuffered() : WriteAsNew();
+    const bool isWritten = isOpen_ && (file_ ? WriteBuffered() : WriteAsNew());
     const bool isCommitted = isWritten && ((!old_ && TryToMove(Existing::kStays)) ||
                                            (CanReplace() && Replace(durability)));
     if (!isCommitted) Discard();
     file_.reset();
+    isOpen_ = false;
     return isCommitted;
 }
 
@@ -227,14 +233,15 @@ bool ReplacingFile::MoveToTarget() noexcept {
 // The file stays open, so that the mark can be set again at once: between two tries it would vanish
 // with the process.
 bool ReplacingFile::TryToMove(Existing existing) noexcept {
-    if (isMarked_ && !Mark(false)) return Fail();
+    const bool wasMarked = isMarked_;
+    if (wasMarked && !Mark(false)) return Fail();
     rename_[offsetof(FILE_RENAME_INFO, ReplaceIfExists)] = existing == Existing::kIsReplaced;
     if (SetFileInformationByHandle(file_.get(), FileRenameInfo, rename_.data(),
                                    static_cast<DWORD>(rename_.size()))) {
         return true;
     }
     Fail();
-    Mark(true);
+    if (wasMarked) Mark(true);
     return false;
 }
 

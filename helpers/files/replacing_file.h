@@ -26,9 +26,9 @@ enum class Links {
 // Written under a name of its own in the target's folder; Commit puts it in the target's place in
 // one step. Whatever happens before that (an error, a full disk, the end of the process) leaves the
 // target as it was and the folder without the file. Only a power cut leaves it, as ~tessary-1.tmp
-// or with a higher number, and so does the end of the process in the very moment of moving. Nobody
-// removes it then: it cannot be told from a user's own file of that name. What fits into the buffer
-// is on the disk only from Commit on.
+// or with a higher number, and so does the end of the process in the very moment of moving; what
+// fits into the buffer is written in that moment too. Nobody removes it then: it cannot be told
+// from a user's own file of that name.
 //
 // The new file takes over what OldFile tells of. Of a file with several names (hard links) only the
 // target's gets the new content; the others keep the old: to reach all, the old content would have
@@ -42,7 +42,7 @@ class ReplacingFile final : public ByteSink {
     ReplacingFile& operator=(const ReplacingFile&) = delete;
     ~ReplacingFile() override;
 
-    // The rest may be called only when this is true.
+    // The rest may be called only when this is true; it is not any more when something has failed.
     bool IsOpen() const { return isOpen_; }
     // Collects small pieces in a buffer.
     bool Write(std::span<const uint8_t> bytes) noexcept override;
@@ -75,6 +75,7 @@ class ReplacingFile final : public ByteSink {
     bool CanReplace() noexcept;
     bool Replace(Durability durability) noexcept;
     bool WriteThrough(std::span<const uint8_t> bytes) noexcept;
+    bool Append(std::span<const uint8_t> bytes) noexcept;
     bool Buffer(std::span<const uint8_t> bytes) noexcept;
     bool WriteBuffered() noexcept;
     bool MoveToTarget() noexcept;

@@ -386,6 +386,11 @@ TEST_F(SavingEntries, KeepLinksAndTheProtectionBehindThem) {
     EXPECT_EQ(files[L"link"], files[L"file"]);
     EXPECT_EQ(files.size(), 2u);
 
+    SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(Save(kLibraries[1], picture_, file.c_str()), 0u);
+    EXPECT_EQ(AccessOf(file), open) << "by its own name and without attributes";
+    files = Folder();
+
     files::ReplacingFile member(At(L"link"));
     ASSERT_TRUE(member.Write(Bytes(5, 'm')) && member.Commit());
     EXPECT_EQ(Folder()[L"link"], "mmmmm");
