@@ -81,7 +81,7 @@ wineserver_runs() {
     identity=$(stat --format '%D %i' "$WINEPREFIX")
     printf -v folder '/tmp/%s/server-%x-%x' "$above" "0x${identity% *}" "${identity#* }"
     [[ -S $folder/socket ]] || return 1
-    lock=$(stat --format %i "$folder/lock")
+    lock=$(stat --format %i "$folder/lock") || return 1
     grep -q ":$lock " /proc/locks
 }
 
