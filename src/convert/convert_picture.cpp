@@ -1,4 +1,5 @@
 // Converting one picture.
+#include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
@@ -71,7 +72,6 @@ StepResult ConvertRun::ConvertPictureFile(const std::wstring& path, const std::w
             return;
         }
         if (source.failure.result != 0) {
-            if (source.failure.result == uint32_t{kResultCrashed}) hasCrashed_ = true;
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"展開に失敗しました", path, 2);
             log_.WriteConvertLog(L"詳細情報", {}, 4);
@@ -99,29 +99,37 @@ std::wstring ConvertRun::SavedNameFor(const std::wstring& path, const std::wstri
     return name;
 }
 
-bool ConvertRun::SaveMeanwhile(const PicturePair& picture, const std::wstring& output) {
+bool ConvertRun::SaveAndRead(const PicturePair& picture, const std::wstring& output) {
     const auto save = [&] {
         return SavePictureFile(picture, output,
                                reinterpret_cast<LONG_PTR>(&ConvertProgressCallback));
     };
-    if (LocalHandleSize(picture.info) + LocalHandleSize(picture.bits) > kMostMeanwhile) {
-        return save();
-    }
+    const bool isSmall =
+        LocalHandleSize(picture.info) + LocalHandleSize(picture.bits) <= kMostMeanwhile;
+    const auto next = Trapped(std::optional<std::wstring>(),
+                              [&] { return isSmall ? NextToRead(output) : std::nullopt; });
+    if (!next) return save();
     bool isSaved = false;
     {
         const SideJob saving([&] { isSaved = save(); });
-        ReadNext();
+        ahead_.Read(*next);
     }
-    TellProgress(1, 1);
+    if (isSaved) TellProgress(1, 1);
     return isSaved;
 }
 
-// Not what is extracted: members make way for others, and are deleted by patterns.
-void ConvertRun::ReadNext() {
+std::optional<std::wstring> ConvertRun::NextToRead(const std::wstring& output) const {
     const int32_t next = current_ + 1;
-    if (next > list_.UpperBound() || list_.IsExtracted(next) || hasCrashed_) return;
-    const std::wstring path = list_.At(next);
-    if (CheckDecodeFileName(FileNameOf(path))) ahead_.Read(path);
+    // Extracted members make way for others, and are deleted by patterns.
+    if (next > list_.UpperBound() || list_.IsExtracted(next)) return std::nullopt;
+    // A plug-in that crashes may leave a lock of the system's behind, and whatever works on another
+    // thread would wait for it for ever.
+    if (HasPluginCrashed() || !monitor_.SetProgressBar(-1, -1, 0, 0)) return std::nullopt;
+    const std::wstring& path = list_.At(next);
+    if (EqualsIgnoreCase(path, output) || !CheckDecodeFileName(FileNameOf(path))) {
+        return std::nullopt;
+    }
+    return path;
 }
 
 StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
@@ -141,7 +149,7 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
     log_.WriteConvertLog(L"画像の色数", std::to_wstring(header.bitCount) + L" bit", 2);
     log_.WriteConvertLog(L"保存ファイル名", outputFolder + savedName, 2);
     MakeWayFor(outputFolder + savedName);
-    if (!SaveMeanwhile(picture, outputFolder + savedName)) {
+    if (!SaveAndRead(picture, outputFolder + savedName)) {
         log_.WriteConvertLog(L"保存に失敗しました", savedName, 2);
         monitor_.CountFile(FileOutcome::kFailed);
         return StepResult::kNotSaved;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_set>
@@ -86,9 +87,10 @@ class ConvertRun {
     // `path`: of the file that the picture comes from.
     StepResult SaveConvertedPicture(const PicturePair& picture, const std::wstring& outputFolder,
                                     const std::wstring& path);
-    // Saves a picture; while a small one is saved, the next file of the list is read.
-    bool SaveMeanwhile(const PicturePair& picture, const std::wstring& output);
-    void ReadNext();
+    // Saves a picture and, where both are small, reads the next file of the list meanwhile.
+    bool SaveAndRead(const PicturePair& picture, const std::wstring& output);
+    // The next file to be read while a picture is saved as `output`, if any.
+    std::optional<std::wstring> NextToRead(const std::wstring& output) const;
     // The name, without folder, that its picture is saved under.
     std::wstring SavedNameFor(const std::wstring& path, const std::wstring& outputFolder,
                               const std::wstring& extension) const;
@@ -145,9 +147,6 @@ class ConvertRun {
     int32_t current_ = 0;  // index of the entry at hand
     SourceFile source_;    // what it has turned out to be
     ReadAhead ahead_;      // the next entry
-    // A plug-in that crashes may leave a lock of the system's behind, and whatever works on another
-    // thread would wait for it for ever: from then on nothing does.
-    bool hasCrashed_ = false;
 };
 
 }  // namespace tessary

@@ -29,7 +29,7 @@ bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
 
 bool ConvertRun::Run() {
     const DivertedErrors errors([this](const RaisedError& error) {
-        if (!ahead_.Keep(error)) WriteUnexpected(error);
+        if (!ahead_.Disturb()) WriteUnexpected(error);
     });
     log_.Open();
     bool goesOn = true;
@@ -86,8 +86,6 @@ void ConvertRun::CleanUp(const std::wstring& path, bool isExtracted, StepResult 
 StepResult ConvertRun::ConvertByKind(const std::wstring& path, const std::wstring& outputFolder) {
     std::optional<SourceFile> known = ahead_.Take(path);
     source_ = known ? std::move(*known) : LookAtFile(path);
-    for (const RaisedError& error : source_.errors)
-        WriteUnexpected(error);
     switch (source_.kind) {
         case kFileBitmap:
             return ConvertBitmapFile(path, outputFolder);

@@ -2,21 +2,14 @@
 
 #include <utility>
 
-#include "app/base/text.h"
+#include "app/base/error.h"
 #include "convert/convert_progress.h"
-#include "picture/show/modShowPicture.h"
 #include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
 
-// The plug-in that the kind test has just left bound to the file; empty when there is none.
-std::wstring BoundPluginKey(const std::wstring& path) {
-    for (const auto& plugin : SusieCollection().NewEnum()) {
-        if (EqualsIgnoreCase(plugin->GetFile(), path)) return plugin->DllName();
-    }
-    return {};
-}
+constexpr uint64_t kMostBytes = 256u << 10;  // of a file that is read in a moment
 
 void ReadPicture(const std::wstring& path, SourceFile& file) {
     if (file.kind == kFileBitmap) file.picture = ReadBitmapSource(path, TellNothing);
@@ -25,46 +18,35 @@ void ReadPicture(const std::wstring& path, SourceFile& file) {
 
 }  // namespace
 
-SourceFile LookAtFile(const std::wstring& path) {
-    SourceFile file;
-    file.kind = QueryFileKind(path);
-    if (file.kind == kFilePicture || file.kind == kFileArchive) {
-        file.pluginKey = BoundPluginKey(path);
-    }
-    return file;
-}
-
 // The plug-in of an archive is still bound to it.
 ReadAhead::~ReadAhead() {
     if (!path_.empty()) SusieCollection().UnloadFile();
 }
 
-void ReadAhead::Read(const std::wstring& path) {
+void ReadAhead::Read(const std::wstring& path) noexcept {
     path_.clear();
-    const std::optional<FileStamp> stamp = StampOf(path);
-    if (!stamp || stamp->size > kMostBytes) return;
-    stamp_ = *stamp;
-    file_ = {};
     reads_ = true;
+    isDisturbed_ = false;
     Trapped([&] {
-        SourceFile file = LookAtFile(path);
-        ReadPicture(path, file);
-        file.errors = std::move(file_.errors);
-        file_ = std::move(file);
-        path_ = path;
+        const std::optional<FileStamp> stamp = StampOf(path);
+        if (!stamp || stamp->size > kMostBytes) return;
+        stamp_ = *stamp;
+        file_ = LookAtFile(path);
+        ReadPicture(path, file_);
+        if (!isDisturbed_) path_ = path;
     });
     reads_ = false;
 }
 
 std::optional<SourceFile> ReadAhead::Take(const std::wstring& path) {
-    if (path_.empty() || path != std::exchange(path_, {}) || StampOf(path) != stamp_) {
-        return std::nullopt;
-    }
-    return std::exchange(file_, {});
+    SourceFile file = std::exchange(file_, {});
+    const bool isThis = !path_.empty() && path == std::exchange(path_, {});
+    if (!isThis || StampOf(path) != stamp_) return std::nullopt;
+    return file;
 }
 
-bool ReadAhead::Keep(const RaisedError& error) {
-    if (reads_) file_.errors.push_back(error);
+bool ReadAhead::Disturb() {
+    isDisturbed_ = true;
     return reads_;
 }
 

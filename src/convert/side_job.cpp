@@ -13,17 +13,18 @@ SideJob::SideJob(std::function<void()> work)
 }
 
 SideJob::~SideJob() {
-    if (pooled_ == nullptr) {
-        Trapped(work_);
-    } else {
-        WaitForThreadpoolWorkCallbacks(pooled_, FALSE);
+    if (pooled_ != nullptr) {
+        WaitForThreadpoolWorkCallbacks(pooled_, TRUE);
         CloseThreadpoolWork(pooled_);
     }
+    if (!hasBegun_) Trapped(work_);
 }
 
 void CALLBACK SideJob::Run(PTP_CALLBACK_INSTANCE, void* job, PTP_WORK) {
+    auto& self = *static_cast<SideJob*>(job);
+    self.hasBegun_ = true;
     const NoSystemMessages quiet;
-    Trapped(static_cast<SideJob*>(job)->work_);
+    Trapped(self.work_);
 }
 
 }  // namespace tessary

@@ -3,12 +3,13 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <functional>
 
 namespace tessary {
 
-// Runs a function on a thread of the system's own, or at its end on this one when there is none. No
-// message boxes of the system appear for it. What it throws is lost.
+// Runs a function on a thread of the system's own, or at its end on this one when no thread has
+// come to it. No message boxes of the system appear for it. What it throws is lost.
 class SideJob {
   public:
     explicit SideJob(std::function<void()> work);
@@ -21,6 +22,7 @@ class SideJob {
     static void CALLBACK Run(PTP_CALLBACK_INSTANCE, void* job, PTP_WORK);
 
     std::function<void()> work_;
+    std::atomic<bool> hasBegun_ = false;
     PTP_WORK pooled_;
 };
 

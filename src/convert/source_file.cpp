@@ -1,12 +1,35 @@
-#include "convert/source_picture.h"
+#include "convert/source_file.h"
 
+#include "app/base/text.h"
 #include "convert/plugin_use.h"
 #include "picture/bitmap_file.h"
+#include "picture/show/modShowPicture.h"
+#include "plugin/modSusie.h"
 
 namespace tessary {
+namespace {
+
+// The plug-in that the kind test has just left bound to the file; empty when there is none.
+std::wstring BoundPluginKey(const std::wstring& path) {
+    for (const auto& plugin : SusieCollection().NewEnum()) {
+        if (EqualsIgnoreCase(plugin->GetFile(), path)) return plugin->DllName();
+    }
+    return {};
+}
+
+}  // namespace
 
 PluginFailure FailureOf(const clsSusie& plugin, uint32_t result) {
     return {result, plugin.ErrorFunction(), plugin.ErrorString()};
+}
+
+SourceFile LookAtFile(const std::wstring& path) {
+    SourceFile file;
+    file.kind = QueryFileKind(path);
+    if (file.kind == kFilePicture || file.kind == kFileArchive) {
+        file.pluginKey = BoundPluginKey(path);
+    }
+    return file;
 }
 
 SourcePicture ReadBitmapSource(const std::wstring& path, const SusieProgress& progress) {

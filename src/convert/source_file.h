@@ -1,11 +1,12 @@
-// Reading the picture of a file that is to be converted.
+// A file that is to be converted.
 #pragma once
 
 #include <cstdint>
-#include <functional>
+#include <optional>
 #include <string>
 
 #include "picture/modMemory.h"
+#include "picture/show/shown_file.h"
 #include "plugin/clsSusie.h"
 
 namespace tessary {
@@ -25,6 +26,15 @@ struct SourcePicture {
     bool isRefused = false;   // the plug-in did not take the file when it was bound
     PluginFailure failure{};  // of a plug-in that took it; result 0: it did not fail
 };
+
+struct SourceFile {
+    FileKind kind = kFileUnknown;
+    std::wstring pluginKey;                // of a picture and an archive
+    std::optional<SourcePicture> picture;  // of a bitmap or picture, as soon as it has been read
+};
+
+// Finds out what a file is. The plug-in that accepts it stays bound to it.
+SourceFile LookAtFile(const std::wstring& path);
 
 // Empty when the bitmap file cannot be read.
 SourcePicture ReadBitmapSource(const std::wstring& path, const SusieProgress& progress);

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdio>
 #include <limits>
+#include <memory>
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
@@ -55,8 +56,8 @@ std::array<KeyAndText, 3> TextsOf(const PluginCall& call) {
 // The own call log. It never ends: plug-ins are still freed, and logged, while static objects are
 // destroyed.
 PassingSection& CallLog() {
-    static PassingSection& log = *new PassingSection;
-    return log;
+    static PassingSection* const log = std::make_unique<PassingSection>().release();
+    return *log;
 }
 
 std::optional<PluginCall> RecoverCallOf(int run) {

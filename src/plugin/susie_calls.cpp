@@ -44,6 +44,11 @@ bool& UnderWay() {
     return underWay;
 }
 
+bool& HasCrashed() {
+    static bool hasCrashed = false;
+    return hasCrashed;
+}
+
 // Marks the time of a call. It restores what it found rather than counting: scopes inside a call
 // that crashes never end.
 class CallScope {
@@ -71,6 +76,10 @@ const SusieLibrary& Library() {
 
 bool PluginCallUnderWay() {
     return UnderWay();
+}
+
+bool HasPluginCrashed() {
+    return HasCrashed();
 }
 
 // Keeps the call log for the time of a call.
@@ -101,6 +110,7 @@ int32_t SusieCalls::Guarded(const SusieCallNames& names, Call&& call) {
 
 int32_t SusieCalls::Mapped(int32_t result, const SusieCallNames& names) {
     if (result == susiectl::kCrashed) {
+        HasCrashed() = true;
         if (names.errorKey != nullptr) {
             Trapped([&] { IncrementErrorCount(FileNameOf(pluginPath_), names.errorKey); });
         }

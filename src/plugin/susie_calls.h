@@ -41,6 +41,9 @@ constexpr int32_t kStyleNone = 255;
 // meanwhile: nothing that a call may be using must be changed then, and no other call be made.
 bool PluginCallUnderWay();
 
+// Whether a plug-in has crashed since the program began.
+bool HasPluginCrashed();
+
 // Results of a call beside the plug-in's own (susie::Result and others).
 constexpr int32_t kResultUnexpected = 20;   // an error of ours around the call
 constexpr int32_t kResultNotExported = 21;  // the plug-in does not have the function

@@ -145,25 +145,32 @@ TEST_F(ConvertRunTest, SourceThatIsItsOwnTargetIsReplacedWhole) {
 
 // While a small picture is saved the next file is read.
 TEST_F(ConvertRunTest, ReadingAheadChangesNothing) {
+    const std::string large = BitmapFileOf(20, 20, 0);
+    const std::string small = BitmapFileOf(4, 4, 0);
     std::filesystem::create_directories(Target());
     monitor_.files = {target_.Write(L"out\\a.tst", "TST 4x4x24\n"),
-                      // What the first becomes: it is read once more.
-                      target_.Write(L"out\\a.bmp", BitmapFileOf(20, 20, 0)),
+                      target_.Write(L"out\\a.bmp", large),  // what the first becomes
+                      source_.Write(L"b.bmp", large),       // changes before its turn
                       target_.Write(L"out\\x.tsa", ArchiveOf({{"m.tst", "TST 6x6x24\n"}}))};
-    monitor_.stepsLeft = 2;
+    int finished = 0;
+    monitor_.onLine = [&](const std::wstring& line) {
+        if (line == L"*** 変換処理終了 ***" && ++finished == 2) source_.Write(L"b.bmp", small);
+    };
+    monitor_.stepsLeft = 3;
     EXPECT_FALSE(Run());
-    EXPECT_EQ(Converted(), L"a.bmp a.tst x.tsa ");
-    EXPECT_EQ(ContentOf(monitor_.files[1]).size(), BitmapFileOf(4, 4, 0).size());
+    EXPECT_EQ(Converted(), L"a.bmp a.tst b.bmp x.tsa ");
+    for (const wchar_t* const name : {L"a.bmp", L"b.bmp"})
+        EXPECT_EQ(ContentOf(Target() + name).size(), small.size()) << name;
     for (const auto& plugin : SusieCollection().NewEnum())
         EXPECT_FALSE(plugin->IsBound());
 
     monitor_.stepsLeft = -1;
-    monitor_.files.erase(monitor_.files.begin());
-    monitor_.files[1] = target_.Write(L"out\\b.tst", "TST 4x4x24\ncrash:av:GetPicture\n");
+    monitor_.files = {monitor_.files[2],
+                      source_.Write(L"c.tst", "TST 4x4x24\ncrash:av:GetPicture\n")};
     EXPECT_TRUE(Run());
     EXPECT_TRUE(LogHolds(L"    エラーモジュールGetPicture"));
     EXPECT_EQ(ReadErrorCount(L"iftst.spi", L"GetPicture"), 2) << "two tries";
-    EXPECT_TRUE(std::ranges::equal(monitor_.counts, std::initializer_list<int>{3, 0, 1}));
+    EXPECT_TRUE(std::ranges::equal(monitor_.counts, std::initializer_list<int>{4, 0, 1}));
 }
 
 TEST_F(ConvertRunTest, KeepsTheListShortAndTheRunLong) {

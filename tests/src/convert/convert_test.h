@@ -38,7 +38,7 @@ class FakeMonitor : public ConvertMonitor {
                         int32_t fileMaximum) override {
         if (totalMaximum < 0) {
             if (fileMaximum == 100) percents.push_back(filePosition);
-            return false;  // nobody listens to the answer
+            return stepsLeft != 0;
         }
         steps += std::to_wstring(totalPosition) + L'/' + std::to_wstring(totalMaximum) + L':' +
                  std::to_wstring(filePosition) + L'/' + std::to_wstring(fileMaximum) + L' ';
