@@ -38,6 +38,7 @@ bool HaveSameContent(const std::wstring& one, const std::wstring& other) {
 struct ConvertRun::Expansion {
     clsSusie& archive;
     std::wstring folder;
+    bool isNew;  // the folder was made for this archive
     MemberFileNames names;
     // Of the members that are files, by position: below `folder` as if it were empty. Nothing for
     // one that is not wanted or whose name no file can have.
@@ -46,10 +47,11 @@ struct ConvertRun::Expansion {
 
 // The folder, or where it cannot be made the first that can of `folder(0)` to `folder(10)`: the
 // archive itself may have the name, or another archive of this run. Empty when none can.
-std::wstring ConvertRun::MakeExpansionFolder(const std::wstring& folder) {
+std::wstring ConvertRun::MakeExpansionFolder(const std::wstring& folder, bool& isNew) {
     for (int number = -1; number <= kLastSubstitute; ++number) {
         std::wstring candidate = folder;
         if (number >= 0) candidate += L'(' + std::to_wstring(number) + L')';
+        isNew = !PathExists(candidate);
         if (expansionFolders_.contains(ToUpper(candidate)) || !MakeFolder(candidate)) continue;
         expansionFolders_.insert(ToUpper(candidate));
         return candidate;
@@ -93,7 +95,8 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
         monitor_.CountFile(FileOutcome::kFailed);
         return true;
     }
-    const std::wstring folder = MakeExpansionFolder(expansionFolder);
+    bool isNew = false;
+    const std::wstring folder = MakeExpansionFolder(expansionFolder, isNew);
     if (folder.empty()) {
         log_.WriteConvertLog(L"[エラー]",
                              L"フォルダの作成に失敗しました。圧縮ファイルの展開を中止します", 2);
@@ -102,7 +105,7 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
     }
     log_.WriteConvertLog(L"合計ファイル数", std::to_wstring(count), 2);
     log_.WriteConvertLog(L"すべてのファイルを展開します", {}, 2);
-    Expansion expansion{archive, folder, {}, {}};
+    Expansion expansion{archive, folder, isNew, {}, {}};
     for (const ListedMember& file : archive.GetExpandFileList()) {
         auto& ownName = expansion.ownNames[file.position];
         if (CheckDecodeFileName(FileNameOf(file.name)))
@@ -149,8 +152,10 @@ std::wstring ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
     const std::wstring start = expansion.folder + L'\\';
     std::wstring name = *file->second;
     std::vector<std::wstring> standing;
-    for (; PathExists(start + name); name = *expansion.names.NameFor(member))
+    while (!expansion.isNew && PathExists(start + name)) {
         standing.push_back(start + name);
+        name = *expansion.names.NameFor(member);
+    }
     if (const uint32_t failure = ResultOf([&] {
             expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress);
         })) {

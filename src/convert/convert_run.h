@@ -106,7 +106,7 @@ class ConvertRun {
     struct Expansion;
     // Where a member was extracted to; empty when it was not.
     std::wstring ExpandMember(Expansion& expansion, int32_t index);
-    std::wstring MakeExpansionFolder(const std::wstring& folder);
+    std::wstring MakeExpansionFolder(const std::wstring& folder, bool& isNew);
 
     // --- Shared ---
 
