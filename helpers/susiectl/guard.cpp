@@ -6,6 +6,7 @@
 
 #include "helpers/susiectl/call_state.h"
 #include "helpers/susiectl/guard_machine.h"
+#include "helpers/susiectl/left_heap.h"
 
 namespace tessary::susiectl {
 
@@ -25,6 +26,7 @@ std::optional<INT_PTR> GuardedCall(FARPROC function, std::initializer_list<ULONG
 
     guard.hostState.Restore();
     if (guard.stackExhausted) _resetstkoflw();
+    if (guard.crashed) UnlockLeftHeap();
     const auto answer = guard.crashed ? std::nullopt : std::optional(guard.value);
     PopGuard(guard);
     return answer;

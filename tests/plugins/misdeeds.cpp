@@ -215,6 +215,7 @@ void MakeDirty(const std::string& state) {
         CloseHandle(CreateThread(nullptr, 0, WorkForAWhile, nullptr, 0, nullptr));
     if (state == "quit") PostQuitMessage(9);
     if (state == "slow") Sleep(50);
+    if (state == "heap-lock") HeapLock(GetProcessHeap());
     if (state == "exception-chain") SetChain(reinterpret_cast<void*>(0x41414140));
 }
 

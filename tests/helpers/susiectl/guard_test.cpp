@@ -123,6 +123,22 @@ TEST_F(GuardTest, AThousandCrashesLeaveNothingBehind) {
     EXPECT_EQ(CallbackDepth(), depth);
 }
 
+// As a plug-in does that has overrun a block and notices it when it frees the next one.
+TEST_F(GuardTest, ACrashInsideTheHeapHoldsUpNoOtherThread) {
+    const HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    EXPECT_EQ(plugin_.DecodeWith("early:heap-lock:GetPicture\ncrash:av:GetPicture"), kCrashed);
+    std::thread other([done] {
+        HeapFree(GetProcessHeap(), 0, HeapAlloc(GetProcessHeap(), 0, 100));
+        SetEvent(done);
+    });
+    if (WaitForSingleObject(done, 5000) != WAIT_OBJECT_0) {
+        ADD_FAILURE();
+        HeapUnlock(GetProcessHeap());
+    }
+    other.join();
+    CloseHandle(done);
+}
+
 TEST_F(GuardTest, WorksInEveryThread) {
     int crashes = 0;
     std::thread([&] {
