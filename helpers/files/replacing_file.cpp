@@ -191,7 +191,9 @@ bool ReplacingFile::Commit(Durability durability) noexcept {
 // Asks nothing about the target: there are systems that read the whole folder for each question
 // about a name that is new.
 bool ReplacingFile::WriteAsNew() noexcept {
-    return WithMemory([this] { return CreateBeside(); }) && WriteThrough(buffer_);
+    if (!WithMemory([this] { return CreateBeside(); })) return false;
+    Mark(true);
+    return WriteThrough(buffer_);
 }
 
 // Prepares what was written as new for a target that exists after all, or writes it once more.
@@ -241,7 +243,7 @@ bool ReplacingFile::TryToMove(Existing existing) noexcept {
         return true;
     }
     Fail();
-    if (wasMarked) Mark(true);
+    if (wasMarked && existing == Existing::kIsReplaced) Mark(true);
     return false;
 }
 

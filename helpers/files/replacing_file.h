@@ -26,9 +26,8 @@ enum class Links {
 // Written under a name of its own in the target's folder; Commit puts it in the target's place in
 // one step. Whatever happens before that (an error, a full disk, the end of the process) leaves the
 // target as it was and the folder without the file. Only a power cut leaves it, as ~tessary-1.tmp
-// or with a higher number, and so does the end of the process in the very moment of moving; what
-// fits into the buffer is written in that moment too. Nobody removes it then: it cannot be told
-// from a user's own file of that name.
+// or with a higher number, and so does the end of the process in the very moment of moving. Nobody
+// removes it then: it cannot be told from a user's own file of that name.
 //
 // The new file takes over what OldFile tells of. Of a file with several names (hard links) only the
 // target's gets the new content; the others keep the old: to reach all, the old content would have
