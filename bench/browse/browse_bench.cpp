@@ -43,6 +43,7 @@ struct Program {
 
 int BenchFill() {
     std::vector<std::wstring> files;
+    files.reserve(32002);
     for (int i = 0; i < 32002; ++i) {
         files.push_back(LR"(C:\写真\二〇二六年の旅行\DSC_)" + std::to_wstring(100000 + i) +
                         L".JPG");

@@ -55,6 +55,10 @@ class QuietMonitor : public ConvertMonitor {
     size_t done_ = 0;
 };
 
+std::wstring SubFolder(std::wstring folder, const wchar_t* name, int number) {
+    return folder.append(name).append(std::to_wstring(number)).append(L"\\");
+}
+
 // Milliseconds of a run; negative when a file failed.
 double EngineTime(const std::vector<std::wstring>& files, const std::wstring& target) {
     QuietMonitor monitor(files);
@@ -138,9 +142,8 @@ int BenchCost(const std::wstring& folder, const std::wstring& sample) {
     Values().convert.saveType1 = Values().convert.saveType2 = 1;
     std::vector<double> engine, rest, decoding, encoding, place, kind, callLog;
     for (int round = 0; round < kRounds; ++round) {
-        const std::wstring number = std::to_wstring(round) + L'\\';
-        const Parts parts = BareParts(files, folder + L"bare" + number);
-        engine.push_back(EngineTime(files, folder + L"engine" + number) /
+        const Parts parts = BareParts(files, SubFolder(folder, L"bare", round));
+        engine.push_back(EngineTime(files, SubFolder(folder, L"engine", round)) /
                          static_cast<double>(files.size()));
         decoding.push_back(parts.decoding);
         encoding.push_back(parts.saving - parts.place);
@@ -191,12 +194,13 @@ int BenchMany(const std::wstring& folder) {
     Values().convert.outputErrorLog = 1;
     Values().convert.errorLogFileName = folder + L"log.txt";
     for (const size_t count : {size_t{2000}, size_t{20000}}) {
-        const std::wstring number = std::to_wstring(count) + L'\\';
+        const std::wstring none = SubFolder(folder, L"none", static_cast<int>(count));
+        const std::wstring out = SubFolder(folder, L"out", static_cast<int>(count));
         Values().convert.noDecodeSmall = 1;
-        const double read = TimeForEach(files, count, folder + L"none" + number);
+        const double read = TimeForEach(files, count, none);
         Values().convert.noDecodeSmall = 0;
-        const double saved = TimeForEach(files, count, folder + L"out" + number);
-        const double empty = EmptyFilesTime(folder + L"out" + number);
+        const double saved = TimeForEach(files, count, out);
+        const double empty = EmptyFilesTime(out);
         std::printf(
             "run over %5zu small bitmaps, for each: read %6.3f ms, converted %6.3f ms\n"
             "    an empty file more in that folder %6.3f ms\n",

@@ -28,7 +28,7 @@ using namespace bench;
 constexpr int kRuns = 9;
 
 // A view without a window: takes pictures as the main window does.
-class QuietView : public PictureView {
+class QuietView final : public PictureView {
   public:
     ~QuietView() { ClearPicture(); }
     SIZE WorkAreaSize() const override { return {1280, 1024}; }

@@ -41,7 +41,7 @@ class LoadBitmapFile : public testing::Test {
         const HLOCAL block = LocalHandle(record_.bits);
         const auto view =
             dib::DibView::Of(info_, {static_cast<const uint8_t*>(record_.bits), LocalSize(block)});
-        const std::string picture = view ? dib::test::Show(*view) : "not plain";
+        std::string picture = view ? dib::test::Show(*view) : "not plain";
         EXPECT_EQ(LocalFlags(block) & LMEM_LOCKCOUNT, 1u);
         LocalUnlock(block);
         EXPECT_EQ(LocalFree(block), nullptr);
@@ -90,9 +90,10 @@ TEST_F(LoadBitmapFile, FailsWithoutTrace) {
     const std::wstring bad = folder_.Write(L"bad.bmp", "BMW");
     const std::wstring huge = folder_.Write(L"huge.bmp", Content({20000, 20000, 32, {1}}));
     const std::wstring good = folder_.Write(L"good.bmp", Content(kSmall));
+    const std::wstring folder = folder_.Path();
     const wchar_t* const none = nullptr;
-    for (const wchar_t* name : {none, L"", L"no such file.bmp", L"NUL", bad.c_str(), huge.c_str(),
-                                folder_.Path().c_str()}) {
+    for (const wchar_t* name :
+         {none, L"", L"no such file.bmp", L"NUL", bad.c_str(), huge.c_str(), folder.c_str()}) {
         record_.bits = this;
         EXPECT_EQ(Load(name), "failed");
     }

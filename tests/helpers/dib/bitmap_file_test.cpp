@@ -146,7 +146,7 @@ struct MadeUpSource final : ByteSource {
 };
 
 TEST(BitmapFile, ReadsOnceTellsProgressAndStops) {
-    constexpr uint64_t kPixels = 300 * 300 * 4;
+    constexpr uint64_t kPixels = uint64_t{300} * 300 * 4;
     for (const auto& masks : {k888Masks, {0xFF, 0xFF00, 0xFF0000}}) {
         const Bytes start = TestBitmap{300, 300, 32, {}, {}, 40, 3, masks}.File();
         std::vector<int> percents;

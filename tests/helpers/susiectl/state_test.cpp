@@ -91,10 +91,10 @@ TEST_F(StateTest, IsTheSameAfterACrash) {
     for (const std::string state :
          {"fpu-unmasked", "fpu-full", "sse-unmasked", "folder", "error-mode"})
         for (const std::string kind : {"av", "stack-overflow", "wild-chain", "smash"}) {
-            EXPECT_EQ(
-                plugin.DecodeWith("early:" + state + ":GetPicture\ncrash:" + kind + ":GetPicture"),
-                kCrashed);
-            ExpectUnchanged(state + " and " + kind);
+            std::string script = "early:";
+            script.append(state).append(":GetPicture\ncrash:").append(kind).append(":GetPicture");
+            EXPECT_EQ(plugin.DecodeWith(script), kCrashed);
+            ExpectUnchanged(script);
         }
 }
 

@@ -102,7 +102,8 @@ TEST_F(ClipboardTest, TakesABareBitmapAndLeavesAPictureForWhatIsNone) {
     ClipboardItem modern{CF_DIBV5, UniqueGlobal(GlobalAlloc(GHND, sizeof(header) + 8))};
     auto* const bytes = static_cast<uint8_t*>(GlobalLock(modern.block.Get()));
     std::memcpy(bytes, header, sizeof(header));
-    std::memcpy(bytes + sizeof(header), "lowXtopX", 8);
+    constexpr char kPixels[] = {'l', 'o', 'w', 'X', 't', 'o', 'p', 'X'};
+    std::memcpy(bytes + sizeof(header), kPixels, sizeof(kPixels));
     GlobalUnlock(modern.block.Get());
     ASSERT_TRUE(PutOnClipboard(window_.Handle(), {&modern, 1}));
     Choose(menuEditPaste);
