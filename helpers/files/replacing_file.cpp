@@ -14,6 +14,17 @@ constexpr size_t kLongestWrite = 1u << 30;  // bytes in one call to the system
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr uint32_t kNames = 1000;  // tried before giving up
 
+// With its backslash.
+std::wstring FolderOf(const std::wstring& name) {
+    return name.substr(0, name.rfind(L'\\') + 1);
+}
+
+bool IsMissing(const std::wstring& folder) {
+    if (GetFileAttributesW(folder.c_str()) != INVALID_FILE_ATTRIBUTES) return false;
+    const DWORD error = GetLastError();
+    return error == ERROR_PATH_NOT_FOUND || error == ERROR_FILE_NOT_FOUND;
+}
+
 // Creating says that access is denied both in a folder that takes no files and for a name that is a
 // folder's or a vanishing file's; only for the latter another name helps.
 bool IsTaken(const std::wstring& name, DWORD error) {
@@ -59,8 +70,12 @@ bool IsInUse(const std::wstring& target) {
 
 ReplacingFile::ReplacingFile(const std::wstring& target, Links links)
     : target_(ExtendedFullName(target)), links_(links) {
-    isOpen_ = !target_.empty() && target_.back() != L'\\';
-    if (!isOpen_) error_ = ERROR_INVALID_NAME;
+    if (target_.empty() || target_.back() == L'\\') {
+        error_ = ERROR_INVALID_NAME;
+    } else if (IsMissing(FolderOf(target_))) {
+        error_ = ERROR_PATH_NOT_FOUND;
+    }
+    isOpen_ = error_ == ERROR_SUCCESS;
 }
 
 bool ReplacingFile::LookAtTarget() {
@@ -75,7 +90,7 @@ bool ReplacingFile::LookAtTarget() {
 }
 
 bool ReplacingFile::CreateBeside() {
-    const std::wstring folder = target_.substr(0, target_.rfind(L'\\') + 1);
+    const std::wstring folder = FolderOf(target_);
     for (uint32_t number = 1; number <= kNames; ++number) {
         written_ = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
         if (Create()) return true;
@@ -181,7 +196,7 @@ bool ReplacingFile::WriteThrough(std::span<const uint8_t> bytes) noexcept {
 bool ReplacingFile::Commit(Durability durability) noexcept {
     const bool isWritten = isOpen_ && (file_ ? WriteBuffered() : WriteAsNew());
     const bool isCommitted = isWritten && ((!old_ && TryToMove(Existing::kStays)) ||
-                                           (CanReplace() && Replace(durability)));
+                                           (PrepareToReplace() && Replace(durability)));
     if (!isCommitted) Discard();
     file_.reset();
     isOpen_ = false;
@@ -197,7 +212,7 @@ bool ReplacingFile::WriteAsNew() noexcept {
 }
 
 // Prepares what was written as new for a target that exists after all, or writes it once more.
-bool ReplacingFile::CanReplace() noexcept {
+bool ReplacingFile::PrepareToReplace() noexcept {
     if (old_) return true;
     if (!IsInTheWay(error_)) return false;
     return WithMemory([this] {
@@ -233,7 +248,8 @@ bool ReplacingFile::MoveToTarget() noexcept {
 }
 
 // The file stays open, so that the mark can be set again at once: between two tries it would vanish
-// with the process.
+// with the process. Not where the name was taken: what the old file hands on needs a file that can
+// be opened.
 bool ReplacingFile::TryToMove(Existing existing) noexcept {
     const bool wasMarked = isMarked_;
     if (wasMarked && !Mark(false)) return Fail();

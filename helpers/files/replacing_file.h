@@ -34,8 +34,9 @@ enum class Links {
 // to be overwritten in place.
 class ReplacingFile final : public ByteSink {
   public:
-    // `target` may be longer than MAX_PATH. A device is refused here; a folder, what is read-only,
-    // in no folder or, with kFollow, a link to nothing when the buffer is full, or by Commit.
+    // `target` may be longer than MAX_PATH. A device, or a name in no folder, is refused here; a
+    // folder, what is read-only or, with kFollow, a link to nothing when the buffer is full, or by
+    // Commit.
     explicit ReplacingFile(const std::wstring& target, Links links = Links::kReplace);
     ReplacingFile(const ReplacingFile&) = delete;
     ReplacingFile& operator=(const ReplacingFile&) = delete;
@@ -70,8 +71,10 @@ class ReplacingFile final : public ByteSink {
     void TakeOver();
     // Creates the file before all that goes into it is known.
     bool Begin() noexcept;
+    // Creates it and writes all that goes into it.
     bool WriteAsNew() noexcept;
-    bool CanReplace() noexcept;
+    // Makes the file one that may take the place of old_.
+    bool PrepareToReplace() noexcept;
     bool Replace(Durability durability) noexcept;
     bool WriteThrough(std::span<const uint8_t> bytes) noexcept;
     bool Append(std::span<const uint8_t> bytes) noexcept;

@@ -76,9 +76,9 @@ TEST_F(SavePictureTest, ExtensionChoosesTheWriter) {
         {L"d.jpeg", false, "", false},
         {L"e", false, "", false},
         {L"f.bmp.gif", false, "", false},
-        {LR"(no folder\g.png)", false, "", true},
+        {LR"(no folder\g.png)", false, "", false},
         {LR"(no folder\g.bmp)", false, "", false},
-        {LR"(no folder\g.jpg)", false, "", true},
+        {LR"(no folder\g.jpg)", false, "", false},
     };
     for (const auto& [name, isSaved, start, tellsProgress] : table) {
         Values().readsUnderWay = 0;
