@@ -38,14 +38,14 @@ constexpr int kRounds = 3;
 class QuietMonitor : public ConvertMonitor {
   public:
     explicit QuietMonitor(std::vector<std::wstring> files) : files_(std::move(files)) {}
-    std::vector<std::wstring> ConvertFileList() override { return files_; }
+    std::vector<ConvertSource> ConvertFileList() override { return {files_.begin(), files_.end()}; }
     size_t LogLineCount() override { return lines_.size(); }
     void RemoveFirstLogLine() override { lines_.pop_front(); }
     void AddLogLine(const std::wstring& line) override { lines_.push_back(line); }
     void Breathe() override {}
     bool SetProgressBar(int32_t, int32_t, int32_t, int32_t) override { return true; }
-    void CountFile(FileOutcome outcome) override {
-        if (outcome != FileOutcome::kFailed) ++done_;
+    void FileDone(const FileReport& report) override {
+        if (report.outcome != FileOutcome::kFailed) ++done_;
     }
     size_t Done() const { return done_; }
 

@@ -66,7 +66,7 @@ StepResult ConvertRun::ConvertArchiveFile(const std::wstring& path, const std::w
         if (Values().convert.unpackArchive != 1) {
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"圧縮ファイルのため展開を中止しました", {}, 2);
-            monitor_.CountFile(FileOutcome::kDeclined);
+            Report(FileOutcome::kDeclined, FileReason::kArchiveNotExpanded);
             return;
         }
         log_.WriteConvertLog(L"使用プラグイン", FileNameOf(pluginKey), 2);
@@ -75,13 +75,14 @@ StepResult ConvertRun::ConvertArchiveFile(const std::wstring& path, const std::w
         if (!plugin.Bind(path)) {
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"[エラー]", plugin.ErrorString(), 2);
-            monitor_.CountFile(FileOutcome::kFailed);
+            Report(FileOutcome::kFailed, FileReason::kPluginFailed, plugin.ErrorString());
             return;
         }
         const int32_t upperBound = list_.UpperBound();
         list_.Grow(plugin->FileNumber());
         if (!ExpandArchiveFiles(*plugin, expansionFolder, upperBound)) {
             result = StepResult::kStopped;
+            Report(FileOutcome::kStopped);
         }
     });
 }
@@ -92,7 +93,7 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
     if (count < 1) {
         log_.WriteConvertLog(L"[エラー]",
                              L"このアーカイブファイルには有効なファイルがひとつもありません", 2);
-        monitor_.CountFile(FileOutcome::kFailed);
+        Report(FileOutcome::kFailed, FileReason::kNoMembers);
         return true;
     }
     bool isNew = false;
@@ -100,7 +101,7 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
     if (folder.empty()) {
         log_.WriteConvertLog(L"[エラー]",
                              L"フォルダの作成に失敗しました。圧縮ファイルの展開を中止します", 2);
-        monitor_.CountFile(FileOutcome::kFailed);
+        Report(FileOutcome::kFailed, FileReason::kNoTargetFolder);
         return true;
     }
     log_.WriteConvertLog(L"合計ファイル数", std::to_wstring(count), 2);
@@ -112,9 +113,10 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
             ownName = expansion.names.NameFor(file.name);
     }
     for (int32_t index = 1; index <= count; ++index) {
-        std::wstring path = ExpandMember(expansion, index);
+        const WorkEntry entry = ExpandMember(expansion, index);
+        const std::wstring& path = entry.path;
+        list_.Set(upperBound + index, entry);
         if (path.empty()) continue;
-        list_.Set(upperBound + index, path);
         if (!monitor_.SetProgressBar(upperBound, list_.UpperBound(), index, count)) {
             WriteStopped();
             return false;
@@ -128,25 +130,34 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
     return true;
 }
 
-std::wstring ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
+WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
     const std::wstring member = expansion.archive.Files(index);
     const auto file = expansion.ownNames.find(index);
     const bool isFile = file != expansion.ownNames.end();
-    const auto refuse = [&](FileOutcome outcome) {
+    WorkEntry entry{.path = {},
+                    .source = Entry().source,
+                    .member = Entry().member.empty() ? member : Entry().member + L'\\' + member};
+    const auto refuse = [&](FileOutcome outcome, FileReason reason, std::wstring text = {}) {
         log_.WriteConvertLog(L"解凍に失敗しました", member, 4);
         log_.WriteConvertLog(L"詳細情報", {}, 6);
         // What only stands for a folder is no file that somebody misses.
-        if (isFile) monitor_.CountFile(outcome);
+        if (!isFile) return;
+        if (text.empty()) text = ReasonText(reason);
+        monitor_.FileDone({.source = entry.source,
+                           .member = entry.member,
+                           .outcome = outcome,
+                           .reason = reason,
+                           .text = std::move(text)});
     };
     if (!CheckDecodeFileName(FileNameOf(member))) {
-        refuse(FileOutcome::kDeclined);
+        refuse(FileOutcome::kDeclined, FileReason::kNameFiltered);
         log_.WriteConvertLog(L"このファイルは解凍しない設定になっています", {}, 6);
-        return {};
+        return entry;
     }
     if (!isFile || !file->second) {
-        refuse(FileOutcome::kFailed);
+        refuse(FileOutcome::kFailed, FileReason::kBadName);
         log_.WriteConvertLog(L"ファイル名として使用できない名前です", {}, 6);
-        return {};
+        return entry;
     }
     // What stands in the folder already is somebody's, and not ours to replace or delete.
     const std::wstring start = expansion.folder + L'\\';
@@ -156,12 +167,14 @@ std::wstring ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
         standing.push_back(start + name);
         name = *expansion.names.NameFor(member);
     }
-    if (const uint32_t failure = ResultOf([&] {
+    if (const uint32_t result = ResultOf([&] {
             expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress);
         })) {
-        refuse(FileOutcome::kFailed);
-        WritePluginError(FailureOf(expansion.archive, failure), 6);
-        return {};
+        const PluginFailure failure = FailureOf(expansion.archive, result);
+        refuse(FileOutcome::kFailed, ReasonOf(failure),
+               FailureText(failure, expansion.archive.DllName()));
+        WritePluginError(failure, 6);
+        return entry;
     }
     std::wstring path = start + name;
     // But what is the same and not on the list, an earlier run has left.
@@ -172,8 +185,9 @@ std::wstring ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
         DeleteFiles(path, true);
         path = *left;
     }
-    if (path != start + *file->second) ownNames_[ToUpper(path)] = FileNameOf(*file->second);
-    return path;
+    if (path != start + *file->second) entry.saveName = FileNameOf(*file->second);
+    entry.path = path;
+    return entry;
 }
 
 }  // namespace tessary

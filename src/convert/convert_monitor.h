@@ -6,20 +6,21 @@
 #include <string>
 #include <vector>
 
+#include "convert/file_report.h"
+
 namespace tessary {
 
-// What became of one file, for those who count. An archive counts only when it could not be
-// expanded, else its members do.
-enum class FileOutcome {
-    kConverted,
-    kDeclined,  // by the user's filters, or as an archive that is not to be expanded
-    kFailed,
+// A file that is to be converted.
+struct ConvertSource {
+    std::wstring path;       // full path
+    std::wstring root = {};  // the folder that it was found under, with the folders that stand
+                             // between; empty: it was chosen by itself
 };
 
 class ConvertMonitor {
   public:
-    // The full paths of the files to convert, in order. Asked for once, at the beginning.
-    virtual std::vector<std::wstring> ConvertFileList() = 0;
+    // The files to convert, in order. Asked for once, at the beginning.
+    virtual std::vector<ConvertSource> ConvertFileList() = 0;
 
     // The list of log lines on the screen. The engine keeps it short (kMostLogLines); one that
     // flows by answers 0. Adding puts a line at the end and into view.
@@ -37,7 +38,8 @@ class ConvertMonitor {
     virtual bool SetProgressBar(int32_t totalPosition, int32_t totalMaximum, int32_t filePosition,
                                 int32_t fileMaximum) = 0;
 
-    virtual void CountFile(FileOutcome) {}
+    // What became of a file, as soon as that is known.
+    virtual void FileDone(const FileReport&) {}
 
   protected:
     ~ConvertMonitor() = default;

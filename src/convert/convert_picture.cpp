@@ -51,7 +51,7 @@ StepResult ConvertRun::ConvertBitmapFile(const std::wstring& path,
         if (!picture) {
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"ビットマップの読み込みに失敗しました", {}, 2);
-            monitor_.CountFile(FileOutcome::kFailed);
+            Report(FileOutcome::kFailed, FileReason::kBrokenData);
             return;
         }
         log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
@@ -68,7 +68,7 @@ StepResult ConvertRun::ConvertPictureFile(const std::wstring& path, const std::w
         const SourcePicture& source = *source_.picture;
         if (source.isRefused) {
             // A file that its plug-in suddenly refuses counts as done.
-            monitor_.CountFile(FileOutcome::kFailed);
+            Report(FileOutcome::kFailed, FileReason::kPluginFailed);
             return;
         }
         if (source.failure.result != 0) {
@@ -76,7 +76,8 @@ StepResult ConvertRun::ConvertPictureFile(const std::wstring& path, const std::w
             log_.WriteConvertLog(L"展開に失敗しました", path, 2);
             log_.WriteConvertLog(L"詳細情報", {}, 4);
             WritePluginError(source.failure, 4);
-            monitor_.CountFile(FileOutcome::kFailed);
+            Report(FileOutcome::kFailed, ReasonOf(source.failure),
+                   FailureText(source.failure, pluginKey));
             return;
         }
         log_.WriteConvertLog(L"画像を展開しました", path, 2);
@@ -84,13 +85,12 @@ StepResult ConvertRun::ConvertPictureFile(const std::wstring& path, const std::w
     });
 }
 
-// A member that lies beside a file of its name is still saved under it, as any file is, so that a
-// run can be repeated; but for a picture of this run.
+// A member that lies beside a file of its name is still saved under its own, as any file is, so
+// that a run can be repeated; but for a picture of this run.
 std::wstring ConvertRun::SavedNameFor(const std::wstring& path, const std::wstring& outputFolder,
                                       const std::wstring& extension) const {
-    const auto own = ownNames_.find(ToUpper(path));
-    if (own == ownNames_.end()) return WithoutExtension(FileNameOf(path)) + extension;
-    const std::wstring base = WithoutExtension(own->second);
+    if (Entry().saveName.empty()) return WithoutExtension(FileNameOf(path)) + extension;
+    const std::wstring base = WithoutExtension(Entry().saveName);
     std::wstring name = base + extension;
     for (int number = 2; savedFiles_.contains(ToUpper(outputFolder + name)); ++number) {
         name = base;
@@ -99,23 +99,28 @@ std::wstring ConvertRun::SavedNameFor(const std::wstring& path, const std::wstri
     return name;
 }
 
-bool ConvertRun::SaveAndRead(const PicturePair& picture, const std::wstring& output) {
-    const auto save = [&] {
-        return SavePictureFile(picture, output,
-                               reinterpret_cast<LONG_PTR>(&ConvertProgressCallback));
+DWORD ConvertRun::SaveAndRead(const PicturePair& picture, const std::wstring& output) {
+    const auto save = [&]() -> DWORD {
+        SetLastError(ERROR_SUCCESS);
+        if (SavePictureFile(picture, output,
+                            reinterpret_cast<LONG_PTR>(&ConvertProgressCallback))) {
+            return ERROR_SUCCESS;
+        }
+        const DWORD error = GetLastError();
+        return error == ERROR_SUCCESS ? DWORD{ERROR_INVALID_FUNCTION} : error;
     };
     const bool isSmall =
         LocalHandleSize(picture.info) + LocalHandleSize(picture.bits) <= kMostMeanwhile;
     const auto next = Trapped(std::optional<std::wstring>(),
                               [&] { return isSmall ? NextToRead(output) : std::nullopt; });
     if (!next) return save();
-    bool isSaved = false;
+    DWORD error = ERROR_INVALID_FUNCTION;
     {
-        const SideJob saving([&] { isSaved = save(); });
+        const SideJob saving([&] { error = save(); });
         ahead_.Read(*next);
     }
-    if (isSaved) TellProgress(1, 1);
-    return isSaved;
+    if (error == ERROR_SUCCESS) TellProgress(1, 1);
+    return error;
 }
 
 std::optional<std::wstring> ConvertRun::NextToRead(const std::wstring& output) const {
@@ -125,7 +130,7 @@ std::optional<std::wstring> ConvertRun::NextToRead(const std::wstring& output) c
     // A plug-in that crashes may leave a lock of the system's behind, and whatever works on another
     // thread would wait for it for ever.
     if (HasPluginCrashed() || !monitor_.SetProgressBar(-1, -1, 0, 0)) return std::nullopt;
-    const std::wstring& path = list_.At(next);
+    const std::wstring& path = list_.At(next).path;
     if (EqualsIgnoreCase(path, output) || !CheckDecodeFileName(FileNameOf(path))) {
         return std::nullopt;
     }
@@ -142,20 +147,21 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
         log_.WriteConvertLog(L"詳細情報", {}, 4);
         log_.WriteConvertLog(L"画像の大きさが小さいので処理を中止しました", {}, 4);
         log_.WriteConvertLog(L"画像サイズ", SizeText(header.width, height), 4);
-        monitor_.CountFile(FileOutcome::kDeclined);
+        Report(FileOutcome::kDeclined, FileReason::kTooSmall);
         return StepResult::kNotSaved;
     }
     const std::wstring savedName = SavedNameFor(path, outputFolder, ExtensionFor(header.bitCount));
     log_.WriteConvertLog(L"画像の色数", std::to_wstring(header.bitCount) + L" bit", 2);
     log_.WriteConvertLog(L"保存ファイル名", outputFolder + savedName, 2);
     MakeWayFor(outputFolder + savedName);
-    if (!SaveAndRead(picture, outputFolder + savedName)) {
+    report_.target = outputFolder + savedName;
+    if (const DWORD error = SaveAndRead(picture, report_.target); error != ERROR_SUCCESS) {
         log_.WriteConvertLog(L"保存に失敗しました", savedName, 2);
-        monitor_.CountFile(FileOutcome::kFailed);
+        Report(FileOutcome::kFailed, ReasonOfWriteError(error, report_.target));
         return StepResult::kNotSaved;
     }
     savedFiles_.insert(ToUpper(outputFolder + savedName));
-    monitor_.CountFile(FileOutcome::kConverted);
+    Report(FileOutcome::kConverted);
     return StepResult::kDone;
 }
 

@@ -1,5 +1,7 @@
 #include "convert/modConvertFiles.h"
 
+#include <utility>
+
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -10,6 +12,7 @@
 #include "convert/delete_files.h"
 #include "convert/make_folder.h"
 #include "convert/no_system_messages.h"
+#include "plugin/file_stamp.h"
 #include "plugin/susie_calls.h"
 
 namespace tessary {
@@ -17,13 +20,13 @@ namespace tessary {
 bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
     if (ProgressWatch::IsThere() || PluginCallUnderWay()) return false;
     return Trapped(false, [&] {
-        std::vector<std::wstring> files = monitor.ConvertFileList();
+        const std::vector<ConvertSource> files = monitor.ConvertFileList();
         // Plug-ins may change the current folder in the middle of the run.
         const std::wstring folder = FullPathOf(targetFolder);
-        if (!MakeFolder(folder) || files.empty() || files.front().empty()) return false;
+        if (!MakeFolder(folder) || files.empty() || files.front().path.empty()) return false;
         const ProgressWatch watch(monitor);
         const NoSystemMessages quiet;
-        return ConvertRun(AddBackslash(folder), std::move(files), monitor).Run();
+        return ConvertRun(AddBackslash(folder), files, monitor).Run();
     });
 }
 
@@ -33,16 +36,21 @@ bool ConvertRun::Run() {
     });
     log_.Open();
     bool goesOn = true;
-    for (int32_t index = 1; goesOn && index <= list_.UpperBound(); ++index) {
+    for (current_ = 1; goesOn && current_ <= list_.UpperBound(); ++current_) {
+        const ULONGLONG start = GetTickCount64();
+        report_ = {.source = Entry().source, .member = Entry().member};
+        isReported_ = false;
         Step([&](StepResult&) {
             log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
-            log_.WriteConvertLog(L"ファイル名", list_.At(index), 2);
-            ConvertEntry(index);
+            log_.WriteConvertLog(L"ファイル名", Entry().path, 2);
+            ConvertEntry();
         });
+        report_.milliseconds = static_cast<uint32_t>(GetTickCount64() - start);
+        Trapped([&] { TellReport(); });
         goesOn = Trapped(true, [&] {
             log_.WriteConvertLog(L"*** 変換処理終了 ***", {}, 0);
             log_.WriteSeparator();
-            return monitor_.SetProgressBar(index, list_.UpperBound(), 0, 100);
+            return monitor_.SetProgressBar(current_, list_.UpperBound(), 0, 100);
         });
         if (!goesOn) Trapped([&] { WriteStopped(); });
     }
@@ -51,20 +59,34 @@ bool ConvertRun::Run() {
     return goesOn;
 }
 
-void ConvertRun::ConvertEntry(int32_t index) {
+void ConvertRun::TellReport() {
+    // What was not extracted has been told then.
+    if (!isReported_ || Entry().path.empty()) return;
+    if (report_.outcome == FileOutcome::kConverted) {
+        report_.bytes = StampOf(report_.target).value_or(FileStamp()).size;
+    }
+    monitor_.FileDone(report_);
+}
+
+void ConvertRun::Report(FileOutcome outcome, FileReason reason, std::wstring text) {
+    if (std::exchange(isReported_, true)) return;
+    report_.outcome = outcome;
+    report_.reason = reason;
+    report_.text = text.empty() ? ReasonText(reason) : std::move(text);
+}
+
+void ConvertRun::ConvertEntry() {
     // A copy: the list grows meanwhile.
-    const std::wstring path = list_.At(index);
-    const bool isExtracted = list_.IsExtracted(index);
+    const std::wstring path = Entry().path;
+    const bool isExtracted = list_.IsExtracted(current_);
     const std::wstring name = FileNameOf(path);
     if (!CheckDecodeFileName(name)) {
         log_.WriteConvertLog(L"[警告]", L"ファイルを処理できません", 2);
         log_.WriteConvertLog(name + L" は一括変換のファイル名のフィルタ設定と一致しません", {}, 4);
         RemoveExtractedFile(path, isExtracted);
-        // What was not extracted has been counted then.
-        if (!path.empty()) monitor_.CountFile(FileOutcome::kDeclined);
+        Report(FileOutcome::kDeclined, FileReason::kNameFiltered);
         return;
     }
-    current_ = index;
     const StepResult result = Step([&](StepResult& kindResult) {
         kindResult = StepResult::kNotHandled;  // until the kind is known
         kindResult = ConvertByKind(path, isExtracted ? FolderOf(path) : targetFolder_);
@@ -97,7 +119,7 @@ StepResult ConvertRun::ConvertByKind(const std::wstring& path, const std::wstrin
             break;
     }
     log_.WriteConvertLog(L"ファイル種別", L"未知のファイル", 2);
-    if (!path.empty()) monitor_.CountFile(FileOutcome::kFailed);
+    Report(FileOutcome::kFailed, FileReason::kUnknownFormat);
     return StepResult::kNotHandled;
 }
 
@@ -113,19 +135,19 @@ void ConvertRun::DeleteExtracted(const std::wstring& path) {
 }
 
 void ConvertRun::MakeWayFor(const std::wstring& output) {
-    if (EqualsIgnoreCase(list_.At(current_), output) || !list_.Holds(output)) return;
+    if (EqualsIgnoreCase(Entry().path, output) || !list_.Holds(output)) return;
     const size_t extensionSize = UpperExtensionOf(output).size();
     const size_t dot = output.size() - (extensionSize == 0 ? 0 : extensionSize + 1);
     for (int32_t index = current_ + 1; index <= list_.UpperBound(); ++index) {
-        if (!list_.IsExtracted(index) || !EqualsIgnoreCase(list_.At(index), output)) continue;
+        if (!list_.IsExtracted(index) || !EqualsIgnoreCase(list_.At(index).path, output)) continue;
         std::wstring other;
         int number = 2;
         do {
             other = output;
             other.insert(dot, L" (" + std::to_wstring(number++) + L")");
         } while (PathExists(other));
-        if (MoveFileW(ExtendedPath(list_.At(index)).c_str(), ExtendedPath(other).c_str())) {
-            list_.Set(index, other);
+        if (MoveFileW(ExtendedPath(list_.At(index).path).c_str(), ExtendedPath(other).c_str())) {
+            list_.SetPath(index, other);
         }
         return;
     }

@@ -1,5 +1,6 @@
 #include "convert/source_file.h"
 
+#include "app/base/paths.h"
 #include "app/base/text.h"
 #include "convert/plugin_use.h"
 #include "picture/bitmap_file.h"
@@ -21,6 +22,26 @@ std::wstring BoundPluginKey(const std::wstring& path) {
 
 PluginFailure FailureOf(const clsSusie& plugin, uint32_t result) {
     return {result, plugin.ErrorFunction(), plugin.ErrorString()};
+}
+
+FileReason ReasonOf(const PluginFailure& failure) {
+    switch (static_cast<int32_t>(failure.result)) {
+        case susie::kBrokenData:
+            return FileReason::kBrokenData;
+        case susie::kOutOfMemory:
+        case susie::kMemoryError:
+            return FileReason::kOutOfMemory;
+        case susie::kReadError:
+            return FileReason::kUnreadable;
+        case kResultCrashed:
+            return FileReason::kPluginCrashed;
+        default:
+            return FileReason::kPluginFailed;
+    }
+}
+
+std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey) {
+    return failure.text + L" (" + FileNameOf(pluginKey) + L')';
 }
 
 SourceFile LookAtFile(const std::wstring& path) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "convert/file_report.h"
 #include "picture/modMemory.h"
 #include "picture/show/shown_file.h"
 #include "plugin/clsSusie.h"
@@ -21,10 +22,15 @@ struct PluginFailure {
 // What the plug-in's last call has come to.
 PluginFailure FailureOf(const clsSusie& plugin, uint32_t result);
 
+FileReason ReasonOf(const PluginFailure& failure);
+// The reason for the user, with the plug-in's name and what it tells.
+std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey);
+
 struct SourcePicture {
     OwnedPicture picture;     // empty when it could not be read
     bool isRefused = false;   // the plug-in did not take the file when it was bound
     PluginFailure failure{};  // of a plug-in that took it; result 0: it did not fail
+    std::wstring damage;      // what is missing of the picture, for the user; empty: it is whole
 };
 
 struct SourceFile {

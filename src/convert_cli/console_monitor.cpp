@@ -53,9 +53,7 @@ void ConsoleMonitor::EraseProgress() {
 
 void ConsoleMonitor::WriteSummary() {
     EraseProgress();
-    progress_.WriteLine(L"変換 " + std::to_wstring(Count(FileOutcome::kConverted)) + L"、対象外 " +
-                        std::to_wstring(Count(FileOutcome::kDeclined)) + L"、失敗 " +
-                        std::to_wstring(Failures()));
+    progress_.WriteLine(OutcomeText(counts_));
 }
 
 }  // namespace tessary

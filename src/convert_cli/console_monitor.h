@@ -4,7 +4,6 @@
 
 #include <windows.h>
 
-#include <array>
 #include <functional>
 #include <string>
 #include <vector>
@@ -18,36 +17,35 @@ class ConsoleMonitor final : public ConvertMonitor {
   public:
     // The streams must outlive it. Progress is shown, in one line that is written over, only when
     // `progress` is a console.
-    ConsoleMonitor(std::vector<std::wstring> files, ConsoleStream& log, ConsoleStream& progress,
+    ConsoleMonitor(std::vector<ConvertSource> files, ConsoleStream& log, ConsoleStream& progress,
                    std::function<bool()> isStopWanted)
         : files_(std::move(files)),
           log_(log),
           progress_(progress),
           isStopWanted_(std::move(isStopWanted)) {}
 
-    std::vector<std::wstring> ConvertFileList() override { return files_; }
+    std::vector<ConvertSource> ConvertFileList() override { return files_; }
     size_t LogLineCount() override { return 0; }
     void RemoveFirstLogLine() override {}
     void AddLogLine(const std::wstring& line) override;
     void Breathe() override {}
     bool SetProgressBar(int32_t totalPosition, int32_t totalMaximum, int32_t filePosition,
                         int32_t fileMaximum) override;
-    void CountFile(FileOutcome outcome) override { ++counts_[static_cast<size_t>(outcome)]; }
+    void FileDone(const FileReport& report) override { counts_.Count(report); }
 
-    int Failures() const { return Count(FileOutcome::kFailed); }
+    int Failures() const { return counts_.failed; }
     // Tells on the progress stream how many files came to what.
     void WriteSummary();
 
   private:
-    int Count(FileOutcome outcome) const { return counts_[static_cast<size_t>(outcome)]; }
     void ShowProgress();
     void EraseProgress();
 
-    std::vector<std::wstring> files_;
+    std::vector<ConvertSource> files_;
     ConsoleStream& log_;
     ConsoleStream& progress_;
     std::function<bool()> isStopWanted_;
-    std::array<int, 3> counts_{};
+    OutcomeCounts counts_;
     int32_t totalPosition_ = 0;
     int32_t totalMaximum_ = 0;
     int32_t filePercent_ = 0;

@@ -1,6 +1,6 @@
 #include "convert_cli/input_files.h"
 
-#include <iterator>
+#include <utility>
 
 #include "app/base/paths.h"
 #include "app/base/scan_folders.h"
@@ -8,31 +8,34 @@
 namespace tessary {
 namespace {
 
-void Append(std::vector<std::wstring>& files, std::vector<std::wstring>&& added) {
-    files.insert(files.end(), std::make_move_iterator(added.begin()),
-                 std::make_move_iterator(added.end()));
+using Sources = std::vector<ConvertSource>;
+
+// `root`: the folder that they were found under.
+void Append(Sources& files, std::vector<std::wstring>&& added, const std::wstring& root) {
+    for (std::wstring& path : added)
+        files.push_back({std::move(path), root});
 }
 
-bool AddFolder(const std::wstring& folder, bool recursive, std::vector<std::wstring>& files) {
+bool AddFolder(const std::wstring& folder, bool recursive, Sources& files) {
     return ScanFolders({.folder = folder, .subFolders = recursive, .extensions = {}},
                        [&](ScanNews&& news) {
-                           Append(files, std::move(news.files));
+                           Append(files, std::move(news.files), folder);
                            return true;
                        }) == 0;
 }
 
-bool AddNamed(const std::wstring& name, bool recursive, std::vector<std::wstring>& files) {
+bool AddNamed(const std::wstring& name, bool recursive, Sources& files) {
     // The current folder may change later (plug-ins do that), so names are made whole here.
     const std::wstring path = FullPathOf(name);
     if (FileNameOf(path).find_first_of(L"*?") != std::wstring::npos) {
         std::vector<std::wstring> matching = FilesInFolder(FolderOf(path), FileNameOf(path));
         const bool found = !matching.empty();
-        Append(files, std::move(matching));
+        Append(files, std::move(matching), FolderOf(path));
         return found;
     }
     if (IsFolder(path)) return AddFolder(path, recursive, files);
     if (!PathExists(path)) return false;
-    files.push_back(path);
+    files.push_back({path});
     return true;
 }
 

@@ -4,10 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "convert/convert_monitor.h"
+
 namespace tessary {
 
 struct InputFiles {
-    std::vector<std::wstring> files;    // full paths, in the order of the names
+    std::vector<ConvertSource> files;   // in the order of the names
     std::vector<std::wstring> missing;  // names that name nothing
 };
 

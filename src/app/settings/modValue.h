@@ -32,6 +32,13 @@ struct GeneralSettings {
     bool operator==(const GeneralSettings&) const = default;
 };
 
+// What the converter does where a file of the name that it would write is there already: a value
+// of ConvertSettings::onConflict.
+constexpr int32_t kConflictFreeName = 0;   // spares sources and results of the run: ` (2)`
+constexpr int32_t kConflictSkip = 1;       // leaves it as it is
+constexpr int32_t kConflictOverwrite = 2;  // replaces whatever is there
+constexpr int32_t kConflictAsk = 3;        // asks the user, where there is one
+
 // Settings of the section `Convert`.
 struct ConvertSettings {
     std::wstring openPath;
@@ -52,6 +59,10 @@ struct ConvertSettings {
     std::wstring errorLogFileName;
     int16_t outputAddMode = 0;
     bool decodeSizeBoth = false;  // both sides must exceed the size filter's limits, not either
+    int32_t onConflict = kConflictFreeName;
+    bool keepFolders = false;  // the sources' folders are made anew in the target folder
+    bool skipDamaged = false;  // nothing is written for pictures that could not be read whole
+    int32_t archiveDepth = 3;  // archives in archives are expanded down to this level; 1: no others
 
     bool operator==(const ConvertSettings&) const = default;
 };

@@ -132,6 +132,10 @@ void TransferConvertTail(const auto& transfer, int16_t& outputErrorLog) {
     transfer(L"ErrorLogFileName", convert.errorLogFileName, L"");
     transfer(L"OutputAddMode", convert.outputAddMode, L"0");
     transfer(L"DecodeSizeBoth", convert.decodeSizeBoth, L"False");
+    transfer(L"OnConflict", convert.onConflict, L"0");
+    transfer(L"KeepFolders", convert.keepFolders, L"False");
+    transfer(L"SkipDamaged", convert.skipDamaged, L"False");
+    transfer(L"ArchiveDepth", convert.archiveDepth, L"3");
 }
 
 // Runs a transfer; whatever fails in it is told with `text` and yields false.

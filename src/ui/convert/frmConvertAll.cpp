@@ -12,6 +12,7 @@
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/raised_flag.h"
+#include "app/base/scan_folders.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
@@ -39,17 +40,35 @@ constexpr const wchar_t* kFormats[] = {L"BMP", L"PNG", L"JPEG"};
 
 constexpr int kIconSize = 32;  // pixels at 96 dpi
 
+// The files themselves, and those in the folders.
+std::vector<ConvertSource> FilesOf(const std::vector<std::wstring>& paths) {
+    std::vector<ConvertSource> files;
+    for (const std::wstring& path : paths) {
+        if (!IsFolder(path)) {
+            files.push_back({path});
+            continue;
+        }
+        ScanFolders({.folder = path, .subFolders = false, .extensions = {}}, [&](ScanNews&& news) {
+            for (std::wstring& file : news.files)
+                files.push_back({std::move(file), path});
+            return true;
+        });
+    }
+    return files;
+}
+
 }  // namespace
 
 frmConvertAll::frmConvertAll(OptionsOpener showOptions)
     : Dialog(dialogConvertAll), showOptions_(std::move(showOptions)) {}
 
 void frmConvertAll::ShowConvertDialog(HWND owner, std::span<const std::wstring> files) {
+    std::vector<ConvertSource> sources(files.begin(), files.end());
     if (Handle() != nullptr) {
-        if (!converting_) AddFiles(files);
+        if (!converting_) AddFiles(sources);
         return;
     }
-    firstFiles_ = files;
+    firstFiles_ = std::move(sources);
     ShowModal(owner);
 }
 
@@ -206,21 +225,24 @@ std::optional<LRESULT> frmConvertAll::OnMessage(UINT message, WPARAM wParam, LPA
 
 // --- The list of files ---
 
-void frmConvertAll::AddFiles(std::span<const std::wstring> files) {
+void frmConvertAll::AddFiles(std::span<const ConvertSource> files) {
     {
         const RedrawHold hold(listConvertFiles_);
-        for (const std::wstring& file : files) {
-            if (!file.empty()) listConvertFiles_.Add(file);
+        for (const ConvertSource& file : files) {
+            if (file.path.empty()) continue;
+            if (roots_.empty() || roots_.back() != file.root) roots_.push_back(file.root);
+            const int index = listConvertFiles_.Add(file.path);
+            listConvertFiles_.SetItemData(index, static_cast<int>(roots_.size()) - 1);
         }
     }
     ListChanged();
 }
 
-// Adds files, and of each folder the plain files directly in it. A folder of a slow drive does not
-// keep the window waiting.
+// Adds files, and of each folder the plain files directly in it that are neither hidden nor the
+// system's. A folder of a slow drive does not keep the window waiting.
 void frmConvertAll::AddListed(std::vector<std::wstring> paths) {
     if (listing_ || paths.empty()) return;
-    std::optional<std::vector<std::wstring>> files;
+    std::optional<std::vector<ConvertSource>> files;
     {
         leaving_ = false;
         const RaisedFlag listing(listing_);
@@ -229,8 +251,8 @@ void frmConvertAll::AddListed(std::vector<std::wstring> paths) {
         });
         const BusyPointer pointer;
         EnableRunConvert();
-        files = CallInBackground<std::vector<std::wstring>>(
-            [paths = std::move(paths)] { return WithFoldersExpanded(paths); },
+        files = CallInBackground<std::vector<ConvertSource>>(
+            [paths = std::move(paths)] { return FilesOf(paths); },
             [this] { return Handle() != nullptr && !leaving_; });
     }
     if (std::exchange(leaving_, false)) {
@@ -292,7 +314,7 @@ void frmConvertAll::cmdAddFile_Click() {
         const ChosenFiles chosen = FilesOfDialog(dialog.FileName());
         if (chosen.paths.empty() || Handle() == nullptr) return;
         settings.openPath = chosen.folder;
-        AddFiles(chosen.paths);
+        AddFiles(std::vector<ConvertSource>(chosen.paths.begin(), chosen.paths.end()));
     } catch (...) {
         // The label is that of the command that opens files.
         const RaisedError error = CurrentError();

@@ -66,7 +66,7 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     void ShowView(View view);
     void FontsChanged();
 
-    void AddFiles(std::span<const std::wstring> files);
+    void AddFiles(std::span<const ConvertSource> files);
     void AddListed(std::vector<std::wstring> paths);
     void ListChanged();
     void listConvertFiles_KeyDown(int keyCode, int shift, bool& taken);
@@ -93,17 +93,18 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     void ShowProgress();
     std::wstring ResultText() const;
 
-    std::vector<std::wstring> ConvertFileList() override;
+    std::vector<ConvertSource> ConvertFileList() override;
     size_t LogLineCount() override { return listConvertLog_.Count(); }
     void RemoveFirstLogLine() override { listConvertLog_.RemoveFirst(); }
     void AddLogLine(const std::wstring& line) override { listConvertLog_.Add(line); }
     void Breathe() override { Refresh(); }
-    void CountFile(FileOutcome outcome) override { outcomes_.Count(outcome); }
+    void FileDone(const FileReport& report) override { outcomes_.Count(report); }
 
     OptionsOpener showOptions_;
-    std::span<const std::wstring> firstFiles_;  // while the window is being loaded
-    std::vector<std::wstring> dropped_;         // what is to be added when the source is done
-    bool listing_ = false;                      // a folder's files are being looked for
+    std::vector<ConvertSource> firstFiles_;  // while the window is being loaded
+    std::vector<std::wstring> roots_;        // of the files; their item data are indexes into it
+    std::vector<std::wstring> dropped_;      // what is to be added when the source is done
+    bool listing_ = false;                   // a folder's files are being looked for
 
     // What a run tells, as it was told last.
     struct Progress {

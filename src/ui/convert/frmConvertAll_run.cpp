@@ -139,11 +139,12 @@ void frmConvertAll::EndSession() {
 
 // --- What the engine tells ---
 
-std::vector<std::wstring> frmConvertAll::ConvertFileList() {
-    std::vector<std::wstring> files;
+std::vector<ConvertSource> frmConvertAll::ConvertFileList() {
+    std::vector<ConvertSource> files;
     files.reserve(static_cast<size_t>(listConvertFiles_.Count()));
     for (int index = 0; index < listConvertFiles_.Count(); ++index)
-        files.push_back(listConvertFiles_.Item(index));
+        files.push_back({listConvertFiles_.Item(index),
+                         roots_[static_cast<size_t>(listConvertFiles_.ItemData(index))]});
     return files;
 }
 

@@ -21,26 +21,6 @@ std::wstring DurationText(uint64_t milliseconds) {
 
 }  // namespace
 
-void OutcomeCounts::Count(FileOutcome outcome) {
-    switch (outcome) {
-        case FileOutcome::kConverted:
-            ++converted;
-            break;
-        case FileOutcome::kDeclined:
-            ++declined;
-            break;
-        case FileOutcome::kFailed:
-            ++failed;
-            break;
-    }
-}
-
-std::wstring OutcomeText(const OutcomeCounts& counts) {
-    return L"変換 " + std::to_wstring(counts.converted) + L" 個、対象外 " +
-           std::to_wstring(counts.declined) + L" 個、失敗 " + std::to_wstring(counts.failed) +
-           L" 個";
-}
-
 std::wstring RunTimeText(uint64_t elapsedMilliseconds, int32_t position, int32_t maximum) {
     std::wstring text = L"経過 " + DurationText(elapsedMilliseconds);
     if (position > 0 && position < maximum && elapsedMilliseconds >= kLeastMeasured) {

@@ -26,7 +26,7 @@ namespace tessary::test {
 
 class FakeMonitor : public ConvertMonitor {
   public:
-    std::vector<std::wstring> ConvertFileList() override { return files; }
+    std::vector<ConvertSource> ConvertFileList() override { return {files.begin(), files.end()}; }
     size_t LogLineCount() override { return lines.size(); }
     void RemoveFirstLogLine() override { lines.erase(lines.begin()); }
     void AddLogLine(const std::wstring& line) override {
@@ -45,7 +45,12 @@ class FakeMonitor : public ConvertMonitor {
         if (stepsLeft > 0) --stepsLeft;
         return stepsLeft != 0;
     }
-    void CountFile(FileOutcome outcome) override { ++counts[static_cast<int>(outcome)]; }
+    void FileDone(const FileReport& report) override {
+        const auto outcome = static_cast<size_t>(report.outcome);
+        counts.resize(std::max(counts.size(), outcome + 1));
+        ++counts[outcome];
+        reports.push_back(report);
+    }
 
     std::vector<std::wstring> files;
     std::vector<std::wstring> lines;
@@ -54,7 +59,8 @@ class FakeMonitor : public ConvertMonitor {
     std::wstring steps;  // what SetProgressBar was told about the whole run
     int stepsLeft = -1;  // from the step on that brings this to 0 a stop is asked for
     std::vector<int32_t> percents;
-    int counts[3] = {};  // by FileOutcome
+    std::vector<int> counts = {0, 0, 0};  // by FileOutcome
+    std::vector<FileReport> reports;
 };
 
 inline std::string ContentOf(const std::wstring& path) {

@@ -1,0 +1,100 @@
+// What became of each file of a run, for those who count, list or write it down.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tessary {
+
+enum class FileOutcome {
+    kConverted,
+    kDeclined,  // by the user's filters, as an archive that is not to be expanded, or as no picture
+    kFailed,
+    kSkipped,  // what it would have become is there already
+    kStopped,  // the user has stopped the run in the middle of it
+};
+
+// Why a file was not converted, or not as it would have been otherwise.
+enum class FileReason {
+    kNone,
+    // Of declined files.
+    kNameFiltered,
+    kTooSmall,
+    kArchiveNotExpanded,
+    kNoPicture,    // the name is that of something else: a text, a system's file of notes
+    kTooDeep,      // an archive in too many archives
+    kSameArchive,  // an archive whose like has been expanded in this run
+    // Of skipped, renamed and replaced ones.
+    kTargetExists,
+    // Of failed ones.
+    kMissing,
+    kUnreadable,
+    kEmptyFile,
+    kUnknownFormat,
+    kNoPlugin,  // unknown, and no plug-in is loaded that might know it
+    kPassword,
+    kBrokenData,
+    kDamaged,  // a part of the picture is missing; also of converted ones
+    kPluginFailed,
+    kPluginCrashed,
+    kNoMembers,
+    kBadName,  // a member's that no file can have
+    kOutOfMemory,
+    kDiskFull,
+    kReadOnlyTarget,
+    kAccessDenied,
+    kTargetInUse,
+    kNoTargetFolder,
+    kNotSavable,  // not in this format
+    kUnexpected,
+};
+
+// A word for programs, in ASCII, such as `disk-full`; empty for kNone.
+const wchar_t* ReasonKey(FileReason reason);
+// A few words for the user; empty for kNone.
+const wchar_t* ReasonText(FileReason reason);
+
+// The reason why a file could not be written, from the system's error for it.
+FileReason ReasonOfWriteError(unsigned long error, const std::wstring& target);
+
+// Told once for each file that is to be converted, and for each member of an archive. An archive
+// itself is told only when it could not be expanded whole.
+struct FileReport {
+    std::wstring source{};  // full path of the user's file; of a member: of the archive around it
+    std::wstring
+        member{};  // name in the archive; of archives in archives with `\` between; or empty
+    std::wstring target{};  // full path of what was written, or would have been; may be empty
+    FileOutcome outcome = FileOutcome::kFailed;
+    bool isRenamed = false;   // written under another name than its own
+    bool isReplaced = false;  // an older file gave way to it
+    bool isDamaged = false;   // a part of the picture could not be read
+    FileReason reason = FileReason::kNone;
+    std::wstring text{};        // the reason for the user, with what plug-ins say; may be empty
+    uint64_t bytes = 0;         // written
+    uint32_t milliseconds = 0;  // that it took
+};
+
+// The file for the user: its path, of a member with the name in the archive.
+std::wstring SourceText(const FileReport& report);
+
+// Whether the user will want to know about this one: it has failed, or is not what it would have
+// been.
+bool IsRemarkable(const FileReport& report);
+
+// How many files came to what.
+struct OutcomeCounts {
+    int converted = 0;  // and whole
+    int damaged = 0;    // in part, or not at all because of it
+    int declined = 0;
+    int skipped = 0;
+    int failed = 0;
+    int renamed = 0;   // of the converted and damaged ones
+    int replaced = 0;  // of the same
+
+    void Count(const FileReport& report);
+};
+
+// One line; kinds that there are none of are left out, but for the most common.
+std::wstring OutcomeText(const OutcomeCounts& counts);
+
+}  // namespace tessary
