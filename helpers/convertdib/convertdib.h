@@ -27,11 +27,16 @@ struct BitmapReadRecord {
     void* bits;
 };
 
+// What reading answers on success. Files that are cut short within their pixels are read as far as
+// they go.
+constexpr int kBitmapWhole = 1;
+constexpr int kBitmapCutShort = 2;
+
 // Reads a bitmap file of any kind in the plain form (helpers/dib/dib_view.h). `progress` may be
-// null. Returns non-zero on success; 0 when the file cannot be opened, is no bitmap or one that is
-// not supported, lacks its pixels altogether, is too large for the process, or when `progress`
-// asked to stop. A failure leaves the caller's info block as it was. Files that are cut short
-// within their pixels are read as far as they go. The file name is in the system's code page.
+// null. Returns kBitmapWhole or kBitmapCutShort on success; 0 when the file cannot be opened, is no
+// bitmap or one that is not supported, lacks its pixels altogether, is too large for the process,
+// or when `progress` asked to stop. A failure leaves the caller's info block as it was. The file
+// name is in the system's code page.
 using LoadBITMAPFileFunction = int(__stdcall*)(const char* fileName, BitmapReadRecord* record,
                                                ProgressCallback progress, LONG_PTR userData);
 constexpr char kLoadBITMAPFileName[] = "LoadBITMAPFile";

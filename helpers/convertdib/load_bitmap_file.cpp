@@ -30,15 +30,16 @@ LockedBlock AllocateLocked(size_t size) {
     return address;
 }
 
-bool Load(const std::wstring& fileName, BitmapReadRecord& record, const dib::Progress& progress) {
+// As the entries answer.
+int Load(const std::wstring& fileName, BitmapReadRecord& record, const dib::Progress& progress) {
     auto file = files::FileSource::Open(fileName);
-    if (!file) return false;
+    if (!file) return 0;
     dib::BitmapFile bitmap(*file);
-    if (bitmap.Open() != dib::DibError::kNone) return false;
+    if (bitmap.Open() != dib::DibError::kNone) return 0;
     LockedBlock bits = AllocateLocked(bitmap.BitsSize());
-    if (!bits) return false;
+    if (!bits) return 0;
     const std::span rows(static_cast<uint8_t*>(bits.get()), bitmap.BitsSize());
-    if (bitmap.ReadBits(rows, progress) != dib::DibError::kNone) return false;
+    if (bitmap.ReadBits(rows, progress) != dib::DibError::kNone) return 0;
 
     const auto info = bitmap.Info();
     const auto behindHeader = info.subspan(dib::kInfoHeaderSize);
@@ -47,7 +48,7 @@ bool Load(const std::wstring& fileName, BitmapReadRecord& record, const dib::Pro
     std::memcpy(record.colorTable != nullptr ? record.colorTable : header + dib::kInfoHeaderSize,
                 behindHeader.data(), behindHeader.size());
     record.bits = bits.release();
-    return true;
+    return bitmap.IsWhole() ? kBitmapWhole : kBitmapCutShort;
 }
 
 // What both entries do, for a name in either kind of text.
@@ -64,7 +65,7 @@ int LoadGuarded(const Char* fileName, BitmapReadRecord* record, ProgressCallback
                 return callback(percent, 100, userData) == 0;
             };
         }
-        return Load(files::FileNameOf(fileName), *record, progress) ? 1 : 0;
+        return Load(files::FileNameOf(fileName), *record, progress);
     } catch (...) {
         return 0;  // no exception crosses the boundary of the library
     }

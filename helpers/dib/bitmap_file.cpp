@@ -77,7 +77,7 @@ DibError BitmapFile::ReadBits(std::span<uint8_t> bits, const Progress& progress)
                                 ? stride * static_cast<uint64_t>(format_.height)
                                 : available;
     ByteStream stream(source_, pixelStart_, pixelStart_ + std::min(needed, available), progress);
-    return DecodePixels(format_, stride, stream, bits);
+    return DecodePixels(format_, stride, stream, bits, isWhole_);
 }
 
 }  // namespace tessary::dib

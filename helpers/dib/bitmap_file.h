@@ -30,6 +30,8 @@ class BitmapFile {
     // Reads the pixels into the BitsSize() bytes of `bits` and writes each of them; what the file
     // lacks is 0. `progress` may be empty.
     DibError ReadBits(std::span<uint8_t> bits, const Progress& progress);
+    // Once they have been read: whether the file has all of them.
+    bool IsWhole() const { return isWhole_; }
 
   private:
     DibError ReadHeaders();
@@ -40,6 +42,7 @@ class BitmapFile {
     InfoBlock info_;
     uint64_t headerStart_ = 0;  // the info block's position in the file
     uint64_t pixelStart_ = 0;
+    bool isWhole_ = false;
 };
 
 }  // namespace tessary::dib

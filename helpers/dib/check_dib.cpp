@@ -74,7 +74,8 @@ void CheckedDib::WriteBits(std::span<uint8_t> target) const {
     MemorySource memory(bits_);
     const Progress none;
     ByteStream stream(memory, 0, bits_.size(), none);
-    DecodePixels(source_, sourceStride_, stream, target);
+    bool isWhole = false;  // as the sizes of the blocks have shown
+    DecodePixels(source_, sourceStride_, stream, target, isWhole);
 }
 
 }  // namespace tessary::dib

@@ -80,32 +80,34 @@ bool ConvertRow(const PixelConverter& converter, const SourceFormat& source, Byt
 }  // namespace
 
 DibError DecodePixels(const SourceFormat& source, uint64_t sourceStride, ByteStream& stream,
-                      std::span<uint8_t> bits) {
+                      std::span<uint8_t> bits, bool& isWhole) {
     const PlainForm plain = PlainFormOf(source);
     const auto height = static_cast<size_t>(source.height);
     const TargetRows rows = {bits, bits.size() / height, source.width, source.height,
                              source.topDown};
+    const auto rowBytes =
+        static_cast<size_t>(RowBytes(static_cast<uint64_t>(source.width), source.bitCount));
 
     if (plain.sameBits && !source.topDown && sourceStride == rows.stride) {
         const size_t got = stream.Read(bits);
         std::memset(bits.data() + got, 0, bits.size() - got);
+        // Nobody misses the padding of the last row.
+        isWhole = bits.size() - got <= rows.stride - rowBytes;
         return stream.Error();
     }
 
     std::memset(bits.data(), 0, bits.size());
     if (source.encoding != Encoding::kRaw) {
-        DecodeRunLength(source.encoding, stream, rows);
+        isWhole = DecodeRunLength(source.encoding, stream, rows);
         return stream.Error();
     }
-    const auto rowBytes =
-        static_cast<size_t>(RowBytes(static_cast<uint64_t>(source.width), source.bitCount));
     const PixelConverter converter(source);
     for (int32_t y = 0; y < source.height; ++y) {
         const auto row = rows.Row(y);
-        const bool whole = plain.sameBits ? stream.Read(row.first(rowBytes)) == rowBytes
-                                          : ConvertRow(converter, source, stream,
-                                                       BitsPerPixel(plain.format), row.data());
-        if (!whole) break;
+        isWhole = plain.sameBits ? stream.Read(row.first(rowBytes)) == rowBytes
+                                 : ConvertRow(converter, source, stream, BitsPerPixel(plain.format),
+                                              row.data());
+        if (!isWhole) break;
         stream.Skip(sourceStride - rowBytes);
     }
     return stream.Error();

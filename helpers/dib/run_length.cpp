@@ -58,31 +58,33 @@ struct Rle24 {
 };
 
 template <typename Pixels>
-void Decode(ByteStream& stream, const TargetRows& rows) {
+bool Decode(ByteStream& stream, const TargetRows& rows) {
     const auto width = static_cast<size_t>(rows.width);
     std::array<uint8_t, Pixels::LiteralBytes(255) + 1> data;
     size_t x = 0;
     int32_t y = 0;
     while (y < rows.height) {
         const int count = stream.Next();
-        if (count < 0) return;
+        // Some writers leave the end mark out.
+        if (count < 0) return x == width && y == rows.height - 1;
         uint8_t* row = rows.Row(y).data();
         if (count > 0) {
-            if (stream.Read({data.data(), Pixels::kRunBytes}) < Pixels::kRunBytes) return;
+            if (stream.Read({data.data(), Pixels::kRunBytes}) < Pixels::kRunBytes) return false;
             const size_t run = std::min<size_t>(static_cast<size_t>(count), width - x);
             Pixels::PutRun(row, x, run, data.data());
             x += run;
             continue;
         }
         const int code = stream.Next();
-        if (code < 0 || code == kEndOfBitmap) return;
+        if (code < 0) return false;
+        if (code == kEndOfBitmap) return true;
         if (code == kEndOfLine) {
             x = 0;
             ++y;
         } else if (code == kDelta) {
             const int right = stream.Next();
             const int down = stream.Next();
-            if (down < 0) return;
+            if (down < 0) return false;
             x = std::min(x + static_cast<size_t>(right), width);
             y += down;
         } else {
@@ -94,13 +96,15 @@ void Decode(ByteStream& stream, const TargetRows& rows) {
             const size_t shown = std::min(pixels, width - x);
             Pixels::PutLiteral(row, x, shown, data.data());
             x += shown;
+            if (got < Pixels::LiteralBytes(pixels)) return false;
         }
     }
+    return true;
 }
 
 }  // namespace
 
-void DecodeRunLength(Encoding encoding, ByteStream& stream, const TargetRows& rows) {
+bool DecodeRunLength(Encoding encoding, ByteStream& stream, const TargetRows& rows) {
     switch (encoding) {
         case Encoding::kRle4:
             return Decode<Rle4>(stream, rows);
@@ -109,8 +113,9 @@ void DecodeRunLength(Encoding encoding, ByteStream& stream, const TargetRows& ro
         case Encoding::kRle24:
             return Decode<Rle24>(stream, rows);
         case Encoding::kRaw:
-            return;
+            break;
     }
+    return true;
 }
 
 }  // namespace tessary::dib

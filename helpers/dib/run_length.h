@@ -8,7 +8,8 @@
 namespace tessary::dib {
 
 // Decodes into rows of 4, 8 or 24 bits per pixel that hold zeros; skipped pixels stay so. Runs are
-// cut at the end of a row, and decoding ends with the last row, the end mark or the data.
-void DecodeRunLength(Encoding encoding, ByteStream& stream, const TargetRows& rows);
+// cut at the end of a row, and decoding ends with the last row, the end mark or the data. False
+// when the data ends before the picture does.
+bool DecodeRunLength(Encoding encoding, ByteStream& stream, const TargetRows& rows);
 
 }  // namespace tessary::dib

@@ -154,3 +154,10 @@ SUSIECTL_ENTRY int __stdcall ConfigurationDlg(FARPROC function, HWND parent,
         return Call(function, {Word(parent), Word(configurationFunction)});
     });
 }
+
+SUSIECTL_ENTRY int __stdcall GetLastCondition(FARPROC function, wchar_t* text, int length) {
+    return Enter(function, [&] {
+        LentBlock lent(text, static_cast<size_t>(std::max(length, 0)) * sizeof *text);
+        return CallAndReturn(lent, function, {lent.Address(), Word(length)});
+    });
+}

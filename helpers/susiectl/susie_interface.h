@@ -93,6 +93,22 @@ using GetFileFunction = int(__stdcall*)(const char* source, LONG_PTR length, cha
                                         LONG_PTR userData);
 using ConfigurationDlgFunction = int(__stdcall*)(HWND parent, int function);
 
+// Not of the interface: an entry that plug-ins may have beside the nine (docs/plugin-extension.md).
+// Tells about this thread's last call of GetPicture, GetPreview, GetArchiveInfo, GetFileInfo or
+// GetFile in this plug-in, in one of the values of Condition. `text`: room for `length` UTF-16
+// units, or null; receives a text for the user that ends with NUL and may be empty.
+using GetLastConditionFunction = int(__stdcall*)(wchar_t* text, int length);
+
+// Below 0: not implemented. What a host does not know is to it as kConditionNone.
+enum Condition : int32_t {
+    kConditionNone = 0,     // nothing to tell
+    kConditionDamaged = 1,  // damaged or cut short; what could be read was delivered
+    kConditionPasswordNeeded = 2,
+    kConditionVolumeMissing = 3,       // part of a set of volumes, of which another is needed
+    kConditionDirectoryEncrypted = 4,  // the list of the members itself is encrypted
+    kConditionKindNotRead = 5,         // a kind or method that the plug-in does not do
+};
+
 // Destination bits of GetFile's `flag`.
 constexpr uint32_t kDestinationFile = 0;
 constexpr uint32_t kDestinationMemory = 0x100;

@@ -1,7 +1,7 @@
 // susiectl.dll: calls the functions of a Susie plug-in by address under a crash guard, loads and
 // frees plug-in files, and tells a file's format from its content.
 //
-// Every entry is __stdcall. The nine calling entries take the plug-in function's address first and
+// Every entry is __stdcall. The calling entries take the plug-in function's address first and
 // then the interface's own arguments. They answer the plug-in's result, -1 for a null address, and
 // 255 when the plug-in crashed: the crash is contained and the process goes on. After each call the
 // processor's registers, floating-point and direction state, the stack pointer, the current folder
@@ -71,6 +71,8 @@ using GetFileEntry = int(__stdcall*)(FARPROC function, const char* source, LONG_
                                      susie::ProgressCallback progress, LONG_PTR userData);
 using ConfigurationDlgEntry = int(__stdcall*)(FARPROC function, HWND parent,
                                               int configurationFunction);
+// For the entry that plug-ins may have beside the nine.
+using GetLastConditionEntry = int(__stdcall*)(FARPROC function, wchar_t* text, int length);
 
 // The format that a file's first bytes show: one of the kContent… values.
 using GetFileInformationFunction = int(__stdcall*)(const char* path);
@@ -90,6 +92,7 @@ inline constexpr char kGetArchiveInfo[] = "GetArchiveInfo";
 inline constexpr char kGetFileInfo[] = "GetFileInfo";
 inline constexpr char kGetFile[] = "GetFile";
 inline constexpr char kConfigurationDlg[] = "ConfigurationDlg";
+inline constexpr char kGetLastCondition[] = "GetLastCondition";
 inline constexpr char kGetFileInformation[] = "GetFileInformation";
 inline constexpr char kGetFileInformationW[] = "GetFileInformationW";
 

@@ -11,7 +11,7 @@
 #include "plugins/axtarc/local_block.h"
 #include "plugins/axtarc/member_name.h"
 #include "plugins/axtarc/opened_archive.h"
-#include "plugins/common/host_call.h"
+#include "plugins/common/last_condition.h"
 #include "plugins/common/plugin_info.h"
 #include "plugins/common/susie_source.h"
 
@@ -124,7 +124,7 @@ Result ExtractToFolder(ArchiveReader& reader, size_t index, const char* folder,
 
 // `position` is the index that the list gave.
 Result ExtractMember(const char* source, LONG_PTR position, char* destination, uint32_t flag,
-                     codec::Progress progress) {
+                     codec::Progress& progress) {
     if (!progress.Report(0, 1)) return Result::kAborted;
     OpenedArchive archive;
     if (const Result opened = archive.OpenListed(source, flag); opened != Result::kSuccess) {
@@ -169,27 +169,37 @@ __declspec(dllexport) int __stdcall IsSupported(const char* fileName, const void
 
 __declspec(dllexport) int __stdcall GetArchiveInfo(const char* source, LONG_PTR length,
                                                    uint32_t flag, HLOCAL* members) {
-    if (members == nullptr) return susie::kInternalError;
-    return spi::Guarded([&] { return unpack::ListMembers(source, length, flag, *members); });
+    return spi::GuardedAndTold([&](codec::Remark&) {
+        if (members == nullptr) return codec::Result::kInternalError;
+        return unpack::ListMembers(source, length, flag, *members);
+    });
 }
 
 __declspec(dllexport) int __stdcall GetFileInfo(const char* source, LONG_PTR length,
                                                 const char* fileName, uint32_t flag,
                                                 susie::FileInfo* info) {
-    if (fileName == nullptr || info == nullptr) return susie::kInternalError;
-    return spi::Guarded(
-        [&] { return unpack::DescribeMember(source, length, fileName, flag, *info); });
+    return spi::GuardedAndTold([&](codec::Remark&) {
+        if (fileName == nullptr || info == nullptr) return codec::Result::kInternalError;
+        return unpack::DescribeMember(source, length, fileName, flag, *info);
+    });
 }
 
 // By the interface, the second argument is the member's position here, not the archive's length.
 __declspec(dllexport) int __stdcall GetFile(const char* source, LONG_PTR position,
                                             char* destination, uint32_t flag,
                                             susie::ProgressCallback progress, LONG_PTR userData) {
-    if (destination == nullptr) return susie::kInternalError;
-    return spi::Guarded([&] {
-        return unpack::ExtractMember(source, position, destination, flag,
-                                     spi::HostProgress(progress, userData));
+    return spi::GuardedAndTold([&](codec::Remark& remark) {
+        if (destination == nullptr) return codec::Result::kInternalError;
+        codec::Progress listener = spi::HostProgress(progress, userData);
+        const codec::Result result =
+            unpack::ExtractMember(source, position, destination, flag, listener);
+        remark = listener.Told();
+        return result;
     });
+}
+
+__declspec(dllexport) int __stdcall GetLastCondition(wchar_t* text, int length) {
+    return spi::AnswerCondition(text, length);
 }
 
 }  // extern "C"

@@ -5,6 +5,7 @@
 
 #include "helpers/susiectl/susie_interface.h"
 #include "plugins/common/host_call.h"
+#include "plugins/common/last_condition.h"
 #include "plugins/common/local_picture.h"
 #include "plugins/common/picture_plugin.h"
 #include "plugins/common/plugin_info.h"
@@ -40,7 +41,7 @@ Result ReadPictureInfo(const char* source, LONG_PTR length, uint32_t flag,
 }
 
 Result DecodePicture(const char* source, LONG_PTR length, uint32_t flag, HLOCAL& info, HLOCAL& bits,
-                     susie::ProgressCallback callback, LONG_PTR userData) {
+                     susie::ProgressCallback callback, LONG_PTR userData, codec::Remark& remark) {
     std::unique_ptr<dib::ByteSource> bytes;
     if (const Result opened = OpenSource(source, length, flag, bytes); opened != Result::kSuccess) {
         return opened;
@@ -48,6 +49,10 @@ Result DecodePicture(const char* source, LONG_PTR length, uint32_t flag, HLOCAL&
     codec::Progress progress = HostProgress(callback, userData);
     LocalPicture picture;
     const Result result = Codec().Decode(*bytes, picture, progress);
+    if (result == Result::kBrokenData) {
+        progress.Tell(codec::Condition::kDamaged, L"画像データが壊れています");
+    }
+    remark = progress.Told();
     if (result == Result::kSuccess) picture.Release(info, bits);
     return result;
 }
@@ -86,14 +91,20 @@ __declspec(dllexport) int __stdcall GetPicture(const char* source, LONG_PTR leng
                                                HLOCAL* info, HLOCAL* bits,
                                                susie::ProgressCallback progress,
                                                LONG_PTR userData) {
-    if (info == nullptr || bits == nullptr) return susie::kInternalError;
-    return spi::Guarded(
-        [&] { return spi::DecodePicture(source, length, flag, *info, *bits, progress, userData); });
+    return spi::GuardedAndTold([&](codec::Remark& remark) {
+        if (info == nullptr || bits == nullptr) return codec::Result::kInternalError;
+        return spi::DecodePicture(source, length, flag, *info, *bits, progress, userData, remark);
+    });
 }
 
 __declspec(dllexport) int __stdcall GetPreview(const char*, LONG_PTR, uint32_t, HLOCAL*, HLOCAL*,
                                                susie::ProgressCallback, LONG_PTR) {
+    spi::KeepCondition({});
     return susie::kNotImplemented;
+}
+
+__declspec(dllexport) int __stdcall GetLastCondition(wchar_t* text, int length) {
+    return spi::AnswerCondition(text, length);
 }
 
 }  // extern "C"

@@ -58,10 +58,7 @@ JpegReader::JpegReader(dib::ByteSource& source, codec::Progress& progress)
     jpeg_.err = jpeg_std_error(&errors_);
     errors_.error_exit = OnError;
     errors_.output_message = [](j_common_ptr) {};
-    // Warnings are counted by libjpeg and told to nobody: what could be decoded is shown.
-    errors_.emit_message = [](j_common_ptr jpeg, int level) {
-        if (level < 0) ++jpeg->err->num_warnings;
-    };
+    errors_.emit_message = OnMessage;
     jpeg_.client_data = this;
 
     input_.init_source = [](j_decompress_ptr) {};
@@ -84,6 +81,29 @@ void JpegReader::Leave(Result result) {
 void JpegReader::OnError(j_common_ptr jpeg) {
     auto* reader = static_cast<JpegReader*>(jpeg->client_data);
     reader->Leave(ResultOfMessage(jpeg->err->msg_code));
+}
+
+// What could be decoded is shown all the same.
+void JpegReader::OnMessage(j_common_ptr jpeg, int level) {
+    if (level >= 0) return;
+    ++jpeg->err->num_warnings;
+    auto* reader = static_cast<JpegReader*>(jpeg->client_data);
+    switch (jpeg->err->msg_code) {
+        case JWRN_JPEG_EOF:
+            reader->endsEarly_ = true;
+            break;
+        case JWRN_EXTRANEOUS_DATA:
+            // What stands in front of the headers and behind the last pixel harms nobody.
+            if (reader->decodes_ && jpeg->err->msg_parm.i[1] != JPEG_EOI) reader->isCorrupt_ = true;
+            break;
+        case JWRN_HIT_MARKER:
+        case JWRN_HUFF_BAD_CODE:
+        case JWRN_ARITH_BAD_CODE:
+        case JWRN_MUST_RESYNC:
+        case JWRN_BOGUS_PROGRESSION:
+            reader->isCorrupt_ = true;
+            break;
+    }
 }
 
 void JpegReader::OnProgress(j_common_ptr jpeg) {
@@ -182,8 +202,10 @@ codec::PictureForm JpegReader::Form() const {
 
 // What was decoded before the data made no sense any more is shown, the rest grey, as libjpeg
 // itself fills up a file that is cut short.
-Result JpegReader::EndEarly(codec::OrientedRows& rows) const {
+Result JpegReader::EndEarly(codec::OrientedRows& rows) {
     if (result_ != Result::kBrokenData || jpeg_.output_scanline == 0) return result_;
+    isCorrupt_ = true;
+    TellDamage();
     const size_t rowBytes = size_t{jpeg_.image_width} * (jpeg_.num_components == 1 ? 1 : 3);
     for (uint32_t y = jpeg_.output_scanline; y < jpeg_.image_height; ++y) {
         std::memset(rows.RowBuffer(y), 0x80, rowBytes);
@@ -192,9 +214,30 @@ Result JpegReader::EndEarly(codec::OrientedRows& rows) const {
     return Result::kSuccess;
 }
 
+// Whether the scans that were read hold everything. A file that lacks nothing but its end mark is
+// whole; in one scan of Huffman codes, missing data is told by another warning.
+bool JpegReader::HasAllScans() {
+    if (jpeg_.coef_bits == nullptr) return !jpeg_.arith_code && !jpeg_has_multiple_scans(&jpeg_);
+    for (int component = 0; component < jpeg_.num_components; ++component) {
+        if (std::ranges::any_of(jpeg_.coef_bits[component], [](int bits) { return bits != 0; })) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void JpegReader::TellDamage() {
+    if (endsEarly_ && (isCorrupt_ || !HasAllScans())) {
+        progress_.Tell(codec::Condition::kDamaged, L"JPEGデータが途中で切れています");
+    } else if (isCorrupt_) {
+        progress_.Tell(codec::Condition::kDamaged, L"JPEGデータが壊れています");
+    }
+}
+
 Result JpegReader::DecodeRows(codec::OrientedRows& rows) {
     if (IsInkPicture()) inkRow_.resize(size_t{jpeg_.image_width} * 4);
     if (setjmp(escape_) != 0) return EndEarly(rows);
+    decodes_ = true;
     jpeg_start_decompress(&jpeg_);
     while (jpeg_.output_scanline < jpeg_.output_height) {
         const uint32_t y = jpeg_.output_scanline;
@@ -205,6 +248,7 @@ Result JpegReader::DecodeRows(codec::OrientedRows& rows) {
         }
         rows.RowDone(y);
     }
+    TellDamage();
     // What follows the last row (jpeg_finish_decompress) adds nothing to the picture.
     if (!progress_.Report(1, 1)) return Result::kAborted;
     return Result::kSuccess;

@@ -35,19 +35,22 @@ class JpegReader {
     uint16_t Orientation() const { return exif_.orientation; }
     codec::PictureForm Form() const;
 
-    // After ReadHeader: decodes all rows, top row first.
+    // After ReadHeader: decodes all rows, top row first. Damage is told to the progress.
     codec::Result DecodeRows(codec::OrientedRows& rows);
 
   private:
     // libjpeg's callbacks; they find the reader through client_data.
     static void OnError(j_common_ptr jpeg);
+    static void OnMessage(j_common_ptr jpeg, int level);
     static void OnProgress(j_common_ptr jpeg);
     static boolean FillBuffer(j_decompress_ptr jpeg);
     static void SkipBytes(j_decompress_ptr jpeg, long count);
 
     [[noreturn]] void Leave(codec::Result result);
     void ReadMarkers();
-    codec::Result EndEarly(codec::OrientedRows& rows) const;
+    codec::Result EndEarly(codec::OrientedRows& rows);
+    bool HasAllScans();
+    void TellDamage();
     bool IsInkPicture() const;
 
     dib::ByteSource& source_;
@@ -62,6 +65,9 @@ class JpegReader {
     std::vector<uint8_t> buffer_;
     std::vector<uint8_t> inkRow_;  // one row of a CMYK picture
     ExifEntries exif_;
+    bool decodes_ = false;    // the headers are through
+    bool endsEarly_ = false;  // the file, before its end mark
+    bool isCorrupt_ = false;  // its picture data
 };
 
 }  // namespace tessary::jpeg

@@ -56,7 +56,7 @@ SourceFile LookAtFile(const std::wstring& path) {
 SourcePicture ReadBitmapSource(const std::wstring& path, const SusieProgress& progress) {
     PicturePair pair;
     SourcePicture source;
-    if (ReadBitmapFile(path, pair, progress)) source.picture = OwnedPicture(pair);
+    if (ReadBitmapFile(path, pair, progress, &source.damage)) source.picture = OwnedPicture(pair);
     return source;
 }
 
@@ -73,6 +73,7 @@ SourcePicture DecodeSource(const std::wstring& path, const std::wstring& pluginK
         source.failure = FailureOf(*plugin, result);
     } else {
         source.picture = OwnedPicture(pair);
+        source.damage = plugin->Damage();
     }
     return source;
 }

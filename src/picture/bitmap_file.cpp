@@ -19,6 +19,8 @@ constexpr size_t kReadInfoSize = dib::kInfoHeaderSize + 256 * sizeof(dib::Palett
 // How many bytes tell a bitmap.
 constexpr size_t kHeadSize = 18;
 
+constexpr wchar_t kCutShortText[] = L"ファイルが途中で切れています";
+
 bool MayGoOn(const ReadProgress& progress, int done, int total) {
     return Trapped(false, [&] { return !progress || progress(done, total); });
 }
@@ -69,7 +71,8 @@ BitmapCheck IsBITMAPFile(const std::wstring& path, std::wstring& failure) {
     }
 }
 
-bool ReadBitmapFile(const std::wstring& path, PicturePair& picture, const ReadProgress& progress) {
+bool ReadBitmapFile(const std::wstring& path, PicturePair& picture, const ReadProgress& progress,
+                    std::wstring* damage) {
     try {
         const auto load = HelperFunction<convertdib::LoadBITMAPFileWFunction>(
             L"convertdib.dll", convertdib::kLoadBITMAPFileWName);
@@ -89,6 +92,9 @@ bool ReadBitmapFile(const std::wstring& path, PicturePair& picture, const ReadPr
         OwnedBlock bits(record.bits == nullptr ? nullptr : LocalHandle(record.bits));
         if (loaded == 0 || !bits) return false;
         UnlockLocalHandle(bits.Get());
+        if (damage != nullptr) {
+            *damage = loaded == convertdib::kBitmapCutShort ? kCutShortText : L"";
+        }
         picture = {info.Release(), bits.Release()};
         return true;
     } catch (...) {
@@ -103,7 +109,7 @@ bool IsBitmapBlock(HLOCAL block) {
     return HasBitmapHeader(lock.Bytes().first(std::min(lock.Size(), kHeadSize)));
 }
 
-OwnedPicture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress) {
+OwnedPicture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress, std::wstring& damage) {
     const BlockLock lock(block);
     dib::MemorySource source(lock.Bytes());
     dib::BitmapFile bitmap(source);
@@ -117,6 +123,7 @@ OwnedPicture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress) {
             bitmap.ReadBits(target, [&](int percent) { return MayGoOn(progress, percent, 100); });
     });
     if (!info || error != dib::DibError::kNone) return {};
+    damage = bitmap.IsWhole() ? L"" : kCutShortText;
     return OwnedPicture({info.Release(), bits.Release()});
 }
 

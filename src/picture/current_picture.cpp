@@ -1,5 +1,7 @@
 #include "picture/current_picture.h"
 
+#include <utility>
+
 namespace tessary {
 namespace {
 
@@ -8,15 +10,25 @@ PicturePair& Current() {
     return picture;
 }
 
+std::wstring& Damage() {
+    static std::wstring damage;
+    return damage;
+}
+
 }  // namespace
 
 const PicturePair& CurrentPicture() {
     return Current();
 }
 
-void SetCurrentPicture(PicturePair picture) {
+const std::wstring& CurrentPictureDamage() {
+    return Damage();
+}
+
+void SetCurrentPicture(PicturePair picture, std::wstring damage) {
     FreePicture(Current());
     Current() = picture;
+    Damage() = std::move(damage);
 }
 
 }  // namespace tessary

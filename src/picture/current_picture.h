@@ -1,6 +1,8 @@
 // The one picture that the main window shows.
 #pragma once
 
+#include <string>
+
 #include "picture/modMemory.h"
 
 namespace tessary {
@@ -8,8 +10,12 @@ namespace tessary {
 // The current picture; still owned here.
 const PicturePair& CurrentPicture();
 
+// What is wrong with it when only a part of its file could be read, one line for the user; else
+// empty.
+const std::wstring& CurrentPictureDamage();
+
 // Frees the current picture's blocks and takes over the new pair; an empty pair leaves no current
 // picture.
-void SetCurrentPicture(PicturePair picture);
+void SetCurrentPicture(PicturePair picture, std::wstring damage = {});
 
 }  // namespace tessary

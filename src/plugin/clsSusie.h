@@ -79,6 +79,12 @@ class clsSusie {
     // The last error's message, and where it happened.
     const std::wstring& ErrorString() const { return calls_.ErrorString(); }
     const std::wstring& ErrorFunction() const { return calls_.ErrorFunction(); }
+    // What the plug-in has told of the last decoding, extraction or list of members, beside its
+    // success or failure; and the text of that when it is damage, else an empty one.
+    const PluginCondition& Condition() const { return calls_.Condition(); }
+    std::wstring Damage() const {
+        return Condition().kind == susie::kConditionDamaged ? Condition().text : std::wstring();
+    }
     // How many errors there have been: tells whether a stretch of code has met one.
     uint32_t ErrorSerial() const { return calls_.ErrorSerial(); }
 

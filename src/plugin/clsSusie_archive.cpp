@@ -34,6 +34,7 @@ void RequireContent(const OwnedBlock& content) {
 }  // namespace
 
 void clsSusie::ReadMembers(Binding& binding) {
+    calls_.ForgetCondition();
     OwnedBlock list;
     {
         const Source archive(binding);
@@ -107,6 +108,7 @@ void clsSusie::DecodeArchive(int32_t index, const std::wstring& folder,
 
 // The block may be missing or empty.
 OwnedBlock clsSusie::Extract(const susie::FileInfo& member, const SusieProgress& progress) {
+    calls_.ForgetCondition();
     const Source archive(bound_);
     if (!archive.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
     const ProgressRelay relay(progress);

@@ -75,6 +75,7 @@ uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const Susi
 }
 
 OwnedPicture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag) {
+    calls_.ForgetCondition();
     PicturePair pair;
     int32_t result = kResultUnexpected;
     {

@@ -32,11 +32,15 @@ constexpr SusieCallNames kGetFileSM{L"GetFileSM", L"GetFileSM", L"GetFile"};
 constexpr SusieCallNames kGetFileMS{L"GetFileMS", L"GetFileMS", L"GetFile"};
 constexpr SusieCallNames kGetFileSS{L"GetFileSS", L"GetFileSS", L"GetFile"};
 constexpr SusieCallNames kConfigurationDlg{L"ConfigurationDlg", L"GetFileSS", L"ConfigurationDlg"};
+constexpr SusieCallNames kGetLastCondition{nullptr, L"GetLastCondition", L"GetLastCondition"};
+
+// UTF-16 units that a plug-in has for what it tells.
+constexpr size_t kConditionTextSize = 256;
 
 // Exported names in the order of SusieFunction.
 constexpr const char* kExportedNames[kSusieFunctionCount] = {
     "GetPluginInfo",  "IsSupported", "GetPictureInfo", "GetPicture",       "GetPreview",
-    "GetArchiveInfo", "GetFileInfo", "GetFile",        "ConfigurationDlg",
+    "GetArchiveInfo", "GetFileInfo", "GetFile",        "ConfigurationDlg", "GetLastCondition",
 };
 
 bool& UnderWay() {
@@ -105,6 +109,36 @@ int32_t SusieCalls::Guarded(const SusieCallNames& names, Call&& call) {
         int32_t result = kResultUnexpected;
         Logged(names, [&](const SusieLibrary& library) { result = call(library); });
         return Mapped(result, names);
+    });
+}
+
+// A call that is followed by the question what there is to tell of it, under the same note in the
+// call log.
+template <typename Call>
+int32_t SusieCalls::GuardedAndTold(const SusieCallNames& names, Call&& call) {
+    ForgetCondition();
+    const int32_t result = Guarded(names, [&](const SusieLibrary& library) {
+        const int32_t answer = call(library);
+        if (answer != susiectl::kCrashed) AskForCondition(library);
+        return answer;
+    });
+    if (result != susie::kSuccess && condition_.kind != susie::kConditionNone) {
+        SetError(condition_.text, names.errorFunction);
+    }
+    return result;
+}
+
+void SusieCalls::AskForCondition(const SusieLibrary& library) {
+    FARPROC& function = addresses_[static_cast<size_t>(SusieFunction::kGetLastCondition)];
+    if (function == nullptr) return;
+    Trapped([&] {
+        std::array<wchar_t, kConditionTextSize> text{};
+        const int32_t answer = library.getLastCondition(function, text.data(), kConditionTextSize);
+        condition_ = ConditionOf(answer, {text.data(), text.size()});
+        if (answer != susiectl::kCrashed) return;
+        // The call itself stands, and the question is not asked again.
+        Mapped(answer, kGetLastCondition);
+        function = nullptr;
     });
 }
 
@@ -201,7 +235,7 @@ int32_t SusieCalls::GetPictureInfo(const SusieSource& source, susie::PictureInfo
 int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
                                susie::ProgressCallback progress) {
     picture = {};
-    return Guarded(kGetPicture, [&](const SusieLibrary& library) {
+    return GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
         return library.getPicture(Address(SusieFunction::kGetPicture), source.source, source.length,
                                   source.flag, &picture.info, &picture.bits, progress, 0);
     });
@@ -210,7 +244,7 @@ int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
 int32_t SusieCalls::GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,
                                susie::ProgressCallback progress) {
     picture = {};
-    return Guarded(kGetPreview, [&](const SusieLibrary& library) {
+    return GuardedAndTold(kGetPreview, [&](const SusieLibrary& library) {
         return library.getPreview(function, source.source, source.length, source.flag,
                                   &picture.info, &picture.bits, progress, 0);
     });
@@ -218,7 +252,7 @@ int32_t SusieCalls::GetPreview(FARPROC function, const SusieSource& source, Pict
 
 int32_t SusieCalls::GetArchiveInfo(const SusieSource& archive, HLOCAL& members) {
     members = nullptr;
-    return Guarded(kGetArchiveInfo, [&](const SusieLibrary& library) {
+    return GuardedAndTold(kGetArchiveInfo, [&](const SusieLibrary& library) {
         return library.getArchiveInfo(Address(SusieFunction::kGetArchiveInfo), archive.source,
                                       archive.length, archive.flag, &members);
     });
@@ -227,7 +261,7 @@ int32_t SusieCalls::GetArchiveInfo(const SusieSource& archive, HLOCAL& members) 
 int32_t SusieCalls::GetFileInfo(const SusieSource& archive, const std::string& memberName,
                                 susie::FileInfo& info) {
     info = {};
-    return Guarded(kGetFileInfo, [&](const SusieLibrary& library) {
+    return GuardedAndTold(kGetFileInfo, [&](const SusieLibrary& library) {
         return library.getFileInfo(Address(SusieFunction::kGetFileInfo), archive.source,
                                    archive.length, memberName.c_str(), archive.flag, &info);
     });
@@ -262,7 +296,7 @@ int32_t SusieCalls::GetFileSS(const std::string& archive, LONG_PTR position,
 int32_t SusieCalls::GetFileToMemory(const SusieCallNames& names, const SusieSource& archive,
                                     HLOCAL& member, susie::ProgressCallback progress) {
     member = nullptr;
-    return Guarded(names, [&](const SusieLibrary& library) {
+    return GuardedAndTold(names, [&](const SusieLibrary& library) {
         return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
                                reinterpret_cast<char*>(&member),
                                archive.flag | susie::kDestinationMemory, progress, 0);
@@ -271,7 +305,7 @@ int32_t SusieCalls::GetFileToMemory(const SusieCallNames& names, const SusieSour
 
 int32_t SusieCalls::GetFileToFolder(const SusieCallNames& names, const SusieSource& archive,
                                     const std::string& folder, susie::ProgressCallback progress) {
-    return Guarded(names, [&](const SusieLibrary& library) {
+    return GuardedAndTold(names, [&](const SusieLibrary& library) {
         // A copy with room behind it: plug-ins append the separator and the member's name in place.
         std::string destination = folder;
         destination.resize(folder.size() + 2 * MAX_PATH);

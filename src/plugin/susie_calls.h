@@ -12,6 +12,7 @@
 
 #include "helpers/susiectl/susie_interface.h"
 #include "picture/modMemory.h"
+#include "plugin/plugin_condition.h"
 
 namespace tessary {
 
@@ -28,8 +29,9 @@ enum class SusieFunction {
     kGetFileInfo,
     kGetFile,
     kConfigurationDlg,
+    kGetLastCondition,  // not of the interface, and of few plug-ins
 };
-constexpr size_t kSusieFunctionCount = 9;
+constexpr size_t kSusieFunctionCount = 10;
 
 // What a plug-in is good for, as its exports tell.
 constexpr int32_t kStylePicture = 0;
@@ -81,7 +83,7 @@ class SusieCalls {
     // Whether the plug-in shows windows of its own or runs threads.
     static bool IsInUse(HMODULE module);
 
-    // Looks up the nine functions and answers the plug-in's kind; for kStyleNone the addresses are
+    // Looks up the functions and answers the plug-in's kind; for kStyleNone the addresses are
     // cleared at once.
     int32_t BindAddresses(HMODULE module);
     // Forgets all addresses but that of ConfigurationDlg.
@@ -125,6 +127,11 @@ class SusieCalls {
     // Opens the plug-in's settings window.
     int32_t ConfigurationDlg(HWND parent);
 
+    // What the plug-in has told of its last call of GetPicture, GetPreview, GetArchiveInfo,
+    // GetFileInfo or GetFile. When that call failed, its text is the last error's message too.
+    const PluginCondition& Condition() const { return condition_; }
+    void ForgetCondition() { condition_ = {}; }
+
     // The last error's message, and the function that it happened in.
     const std::wstring& ErrorString() const { return errorString_; }
     const std::wstring& ErrorFunction() const { return errorFunction_; }
@@ -137,7 +144,10 @@ class SusieCalls {
     template <typename Call>
     int32_t Guarded(const SusieCallNames& names, Call&& call);
     template <typename Call>
+    int32_t GuardedAndTold(const SusieCallNames& names, Call&& call);
+    template <typename Call>
     void Logged(const SusieCallNames& names, Call&& call);
+    void AskForCondition(const SusieLibrary& library);
     int32_t Mapped(int32_t result, const SusieCallNames& names);
     int32_t GetFileToMemory(const SusieCallNames& names, const SusieSource& archive, HLOCAL& member,
                             susie::ProgressCallback progress);
@@ -147,6 +157,7 @@ class SusieCalls {
     std::wstring pluginPath_;
     std::wstring boundFile_;
     std::array<FARPROC, kSusieFunctionCount> addresses_{};
+    PluginCondition condition_;
     std::wstring errorString_;
     std::wstring errorFunction_;
     uint32_t errorSerial_ = 0;

@@ -25,6 +25,7 @@ bool FindAll(SusieLibrary& library) {
            Find(susiectl::kGetFileInfo, library.getFileInfo) &&
            Find(susiectl::kGetFile, library.getFile) &&
            Find(susiectl::kConfigurationDlg, library.configurationDlg) &&
+           Find(susiectl::kGetLastCondition, library.getLastCondition) &&
            Find(susiectl::kGetFileInformationW, library.getFileInformation);
 }
 

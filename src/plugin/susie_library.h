@@ -18,6 +18,7 @@ struct SusieLibrary {
     susiectl::GetFileInfoEntry getFileInfo;
     susiectl::GetFileEntry getFile;
     susiectl::ConfigurationDlgEntry configurationDlg;
+    susiectl::GetLastConditionEntry getLastCondition;
     susiectl::GetFileInformationWFunction getFileInformation;
 };
 

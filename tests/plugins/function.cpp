@@ -53,6 +53,11 @@ int& CallCount(const std::string& name) {
     return counts[name];
 }
 
+std::string& LastCondition() {
+    static std::string condition;
+    return condition;
+}
+
 bool IsExported(const char* name) {
     return GetProcAddress(thisModule, name) != nullptr;
 }
@@ -63,6 +68,7 @@ int Run(const FunctionCall& call, const std::function<int(const Script&)>& work)
     Script script = PluginScript();
     if (call.content.starts_with("TST ") || call.content.starts_with("TSA\n"))
         script.Add(call.content);
+    if (name != "GetLastCondition") LastCondition() = script.Text("condition").value_or("");
     Misbehave(script, name);
     int answer = script.Number("answer:" + name).value_or(0);
     if (!script.Number("answer:" + name)) answer = work(script);

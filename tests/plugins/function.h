@@ -13,6 +13,9 @@ namespace tessary::test {
 // How often `name` has been counted.
 int& CallCount(const std::string& name);
 
+// "<condition>:<text>" as the script or the content of the last call gave it; empty for none.
+std::string& LastCondition();
+
 // True when the DLL exports the function.
 bool IsExported(const char* name);
 

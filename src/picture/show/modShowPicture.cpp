@@ -37,7 +37,7 @@ bool PutResizedIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
 // Makes what was read the current picture and shows it.
 ShownFile Show(ReadResult result, PictureView& view, OnFailure onFailure) {
     if (IsPictureKind(result.file.kind)) {
-        SetCurrentPicture(result.picture.Release());
+        SetCurrentPicture(result.picture.Release(), result.file.damage);
         if (!DisplayCurrentPicture(view)) {
             // Neither the former picture nor this one's name may stand for what is not there.
             SetCurrentPicture({});

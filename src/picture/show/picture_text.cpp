@@ -11,7 +11,7 @@ std::wstring PictureInfoTail() {
     if (!GetPictureHeader(CurrentPicture(), header)) return {};
     return L" ( " + std::to_wstring(header.width) + L"×" +
            std::to_wstring(std::abs(header.height)) + L" " + std::to_wstring(header.bitCount) +
-           L"bit )";
+           L"bit )" + (CurrentPictureDamage().empty() ? L"" : kDamagedMark);
 }
 
 }  // namespace tessary

@@ -17,7 +17,11 @@ constexpr const wchar_t* KindTag(FileKind kind) {
     return kind == kFileArchive ? L"[圧縮] " : L"[未知] ";
 }
 
-// Size and depth of the current picture, as " ( 640×480 24bit )"; empty when there is none.
+// Stands behind what is said of a picture of which only a part could be read.
+inline constexpr wchar_t kDamagedMark[] = L"（損傷）";
+
+// Size and depth of the current picture, as " ( 640×480 24bit )", and whether it is damaged; empty
+// when there is none.
 std::wstring PictureInfoTail();
 
 }  // namespace tessary

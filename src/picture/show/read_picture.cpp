@@ -97,7 +97,9 @@ ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
             plugin.DecodePicture(DecodeTarget::kMemory, 0, watch.Progress(), {}, &pair);
             OwnedPicture picture(pair);
             if (watch.IsStopped()) return Stopped();
-            return {{.kind = kFilePicture, .pluginName = name}, std::move(picture), offer.subject};
+            return {{.kind = kFilePicture, .pluginName = name, .damage = plugin.Damage()},
+                    std::move(picture),
+                    offer.subject};
         } catch (...) {
             const RaisedError error = CurrentError();
             if (watch.IsStopped()) return Stopped();
@@ -136,10 +138,12 @@ ReadResult DecodeBlock(HLOCAL block, const std::wstring& name, const std::wstrin
 // A bitmap that was read, or, if it could not be, what plug-ins make of it: it is damaged, or no
 // bitmap after all.
 template <typename DecodeByPlugins>
-ReadResult BitmapOr(OwnedPicture picture, const std::wstring& subject, const ReadWatch& watch,
-                    DecodeByPlugins decodeByPlugins) {
+ReadResult BitmapOr(OwnedPicture picture, std::wstring damage, const std::wstring& subject,
+                    const ReadWatch& watch, DecodeByPlugins decodeByPlugins) {
     if (watch.IsStopped()) return Stopped();
-    if (picture) return {{.kind = kFileBitmap}, std::move(picture), subject};
+    if (picture) {
+        return {{.kind = kFileBitmap, .damage = std::move(damage)}, std::move(picture), subject};
+    }
     ReadResult result = decodeByPlugins();
     if (result.file.kind == kFileUnknown && result.file.failure.empty()) {
         result.file.failure = FailureText(subject, kBrokenBitmapText);
@@ -151,7 +155,9 @@ ReadResult ReadBlock(HLOCAL block, const std::wstring& name, const std::wstring&
                      ReadWatch& watch) {
     const auto decode = [&] { return DecodeBlock(block, name, subject, watch); };
     if (!IsBitmapBlock(block)) return decode();
-    return BitmapOr(ReadBitmapBlock(block, watch.Progress()), subject, watch, decode);
+    std::wstring damage;
+    OwnedPicture picture = ReadBitmapBlock(block, watch.Progress(), damage);
+    return BitmapOr(std::move(picture), std::move(damage), subject, watch, decode);
 }
 
 }  // namespace
@@ -172,8 +178,9 @@ ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
             break;
     }
     PicturePair pair;
-    ReadBitmapFile(path, pair, watch.Progress());
-    return BitmapOr(OwnedPicture(pair), SubjectOf(path), watch,
+    std::wstring damage;
+    ReadBitmapFile(path, pair, watch.Progress(), &damage);
+    return BitmapOr(OwnedPicture(pair), std::move(damage), SubjectOf(path), watch,
                     [&] { return DecodeFile(path, watch); });
 }
 
@@ -185,17 +192,22 @@ ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, 
     if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
     std::wstring name;
     OwnedBlock content;
+    std::wstring damage;
     try {
         name = archive->Files(position);
         subject = SubjectOf(archivePath, name);
         content = archive->DecodeArchive(position, watch.Progress());
+        damage = archive->Damage();
     } catch (...) {
         const RaisedError error = CurrentError();
         if (watch.IsStopped()) return Stopped();
         return Failed(PluginFailureText(subject, *archive, error));
     }
     if (watch.IsStopped()) return Stopped();
-    return ReadBlock(content.Get(), FileNameOf(name), subject, watch);
+    ReadResult result = ReadBlock(content.Get(), FileNameOf(name), subject, watch);
+    // What the member lacks is the cause of what its picture lacks.
+    if (IsPictureKind(result.file.kind) && !damage.empty()) result.file.damage = std::move(damage);
+    return result;
 }
 
 }  // namespace tessary

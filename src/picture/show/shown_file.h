@@ -23,6 +23,9 @@ struct ShownFile {
     FileKind kind = kFileUnknown;
     // The plug-in that decoded the picture, or that took the archive; empty: none.
     std::wstring pluginName = {};
+    // What is wrong with a picture of which only a part could be read, one line for the user;
+    // empty: it is whole, as far as its reader can tell.
+    std::wstring damage = {};
     // Why it could not be shown, for the user; empty when it was shown, when nobody claims it, and
     // when the read was asked to stop.
     std::wstring failure = {};

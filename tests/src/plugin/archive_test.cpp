@@ -90,6 +90,19 @@ TEST_F(ArchiveTest, FailedExtractionsAreToldAndLeaveTheArchiveBound) {
     }
 }
 
+TEST_F(ArchiveTest, WhatThePluginTellsOfItsArchiveIsHanded) {
+    Bind("condition:1:torn\n");
+    EXPECT_EQ(Extracted(2), "second");
+    EXPECT_EQ(plugin_.Damage(), L"torn");
+    Bind("condition:2:password\nanswer-after:GetFile:3\n");
+    EXPECT_EQ(Failure(), static_cast<uint32_t>(susie::kBrokenData));
+    EXPECT_EQ(plugin_.Condition().kind, susie::kConditionPasswordNeeded);
+    EXPECT_EQ(plugin_.ErrorString(), L"password");
+    EXPECT_NE(Raised([&] { Bind("condition:3:volume\nanswer-after:GetArchiveInfo:2\n"); }), 0U);
+    EXPECT_EQ(plugin_.Condition().kind, susie::kConditionVolumeMissing);
+    EXPECT_EQ(plugin_.ErrorString(), L"volume");
+}
+
 TEST_F(ArchiveTest, PluginsThatOnlyKnowTheDiskGetNoNameThatLeadsOutOfTheFolder) {
     plugin_.SetFile(
         folder_.Write(L"x.tsa", ArchiveOf({{"..\\..\\out.tessary", "x"}}, "no-memory\n")));

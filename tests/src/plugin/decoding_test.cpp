@@ -130,6 +130,53 @@ TEST_F(DecodingTest, FilesAreTriedTwiceAndMemoryOnce) {
     EXPECT_EQ(plugin_.ErrorCount(L"GetPicture"), 2);
 }
 
+TEST_F(DecodingTest, WhatThePluginTellsBesideItsResultIsChecked) {
+    plugin_.SetDllName(Plugin(L"iftst.spi"));
+    Bind("condition:1:cut\tshort ");
+    EXPECT_EQ(Decode(), 0U);
+    EXPECT_EQ(plugin_.Damage(), L"cut short");
+    // Of a picture that is whole nothing of the one before is left.
+    Bind("");
+    EXPECT_EQ(Decode(), 0U);
+    EXPECT_EQ(plugin_.Damage(), L"");
+    // Texts without an end are cut, missing ones replaced, and unknown conditions are none.
+    Bind("condition:1:endless");
+    Decode();
+    EXPECT_EQ(plugin_.Damage(), std::wstring(256, L'x'));
+    Bind("condition:1:");
+    Decode();
+    EXPECT_EQ(plugin_.Damage(), L"データが壊れているか、途中で切れています");
+    for (const char* nothing : {"condition:6:x", "condition:-1:x", "condition:0:x"}) {
+        Bind(nothing);
+        Decode();
+        EXPECT_EQ(plugin_.Condition().kind, susie::kConditionNone) << nothing;
+        EXPECT_EQ(plugin_.Condition().text, L"") << nothing;
+    }
+    // A failure has the plug-in's reason.
+    Bind("condition:5:BC7\nanswer-after:GetPicture:2");
+    EXPECT_EQ(DecodeFailure(), 2U);
+    EXPECT_EQ(plugin_.Condition().kind, susie::kConditionKindNotRead);
+    EXPECT_EQ(plugin_.ErrorString(), L"BC7");
+    EXPECT_EQ(plugin_.Damage(), L"");
+    // A call that crashed is not asked about.
+    Bind("condition:1:x\ncrash:av:GetPicture");
+    EXPECT_EQ(DecodeFailure(), 255U);
+    EXPECT_EQ(plugin_.Condition().kind, susie::kConditionNone);
+}
+
+TEST_F(DecodingTest, APluginThatCrashesWhenItIsToTellIsNotAskedAgain) {
+    const std::wstring path =
+        Plugin(L"iftst.spi", "condition:1:x\ncrash:av:GetLastCondition\n", L"teller.spi");
+    plugin_.SetDllName(path);
+    Bind("");
+    EXPECT_EQ(Decode(), 0U);
+    EXPECT_EQ(Decode(), 0U);
+    EXPECT_TRUE(picture_);
+    EXPECT_EQ(plugin_.Damage(), L"");
+    EXPECT_EQ(Calls(path, "GetLastCondition"), 1);
+    EXPECT_EQ(plugin_.ErrorCount(L"GetLastCondition"), 1);
+}
+
 TEST_F(DecodingTest, ProgressCanStopAndMayThrow) {
     Bind("");
     EXPECT_EQ(DecodeFailure(0, [](int, int) { return false; }), 1U);
