@@ -28,7 +28,6 @@ std::wstring FailureText(const PluginFailure& failure, const std::wstring& plugi
 
 struct SourcePicture {
     OwnedPicture picture;     // empty when it could not be read
-    std::wstring damage;      // what is wrong when only a part could be read; empty: it is whole
     bool isRefused = false;   // the plug-in did not take the file when it was bound
     PluginFailure failure{};  // of a plug-in that took it; result 0: it did not fail
     std::wstring damage;      // what is missing of the picture, for the user; empty: it is whole
