@@ -19,6 +19,16 @@ constexpr size_t kChunkSize = 256u << 10;  // rows are collected to this size be
 
 using dib::CoreHeader;
 
+// What a header of version 4 (BITMAPV4HEADER) has behind the first 40 bytes: the first one that
+// readers agree can have a mask for alpha.
+struct AlphaTail {
+    uint32_t masks[4] = {dib::kMasksAlpha[0], dib::kMasksAlpha[1], dib::kMasksAlpha[2],
+                         dib::kMasksAlpha[3]};
+    uint32_t colorSpace = 0x73524742;  // 'sRGB'
+    uint32_t endpointsAndGammas[12] = {};
+};
+static_assert(dib::kInfoHeaderSize + sizeof(AlphaTail) == 108);
+
 enum class Kind { kPlain, kCore, kRle4, kRle8 };
 
 Kind KindOf(const dib::DibView& picture, const saving::BmpSaveOptions& options) {
@@ -86,6 +96,13 @@ void Headers::AppendInfo(const dib::DibView& picture, Kind kind, uint32_t bitsSi
     header.colorsImportant = 0;
     if (kind == Kind::kRle4) header.compression = dib::kCompressionRle4;
     if (kind == Kind::kRle8) header.compression = dib::kCompressionRle8;
+    if (picture.Format() == dib::PixelFormat::kBgra32) {
+        header.size = sizeof(header) + sizeof(AlphaTail);
+        header.compression = dib::kCompressionBitFields;
+        Append(&header, sizeof(header));
+        const AlphaTail tail;
+        return Append(&tail, sizeof(tail));
+    }
     Append(&header, sizeof(header));
     if (picture.Format() == dib::PixelFormat::kRgb565) {
         Append(dib::kMasks565, sizeof(dib::kMasks565));

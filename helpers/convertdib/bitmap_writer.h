@@ -14,7 +14,8 @@ namespace tessary::convertdib {
 //
 // The header of OS/2 1.x is used up to 32767 x 32767 pixels, and for 1, 4, 8 and 24 bits; it holds
 // no resolution and no compression; saveRLE is left aside with it. Its colour table is always
-// complete; the one of a Windows bitmap goes as far as the pixels do. kTooLarge beyond 4 GB.
+// complete; the one of a Windows bitmap goes as far as the pixels do. Alpha gets a header of
+// version 4 with its mask. kTooLarge beyond 4 GB.
 saving::SaveResult WriteBitmap(const dib::DibView& picture, const saving::BmpSaveOptions& options,
                                files::ByteSink& sink);
 

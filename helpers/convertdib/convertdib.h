@@ -17,7 +17,8 @@ struct BitmapReadRecord {
     // In: the caller's zero-filled info block, 1064 bytes. Receives the 40-byte header.
     void* info;
     // In: the colour-table area, info + 40; null means just that. Receives the colour table (all
-    // entries that the depth can index, 4 bytes each) or the three masks of a 16-bit bitmap.
+    // entries that the depth can index, 4 bytes each), or the masks of a 16-bit bitmap or of one
+    // with alpha.
     void* colorTable;
     // In: the same address again; not used.
     void* colorTableAgain;

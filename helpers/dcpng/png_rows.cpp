@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "helpers/dcpng/used_alpha.h"
-
 namespace tessary::dcpng {
 namespace {
 
@@ -25,7 +23,7 @@ PngRows::PngRows(const dib::DibView& picture)
     if (depth <= 8) {
         bitDepth_ = depth;
         kind_ = palette_.IsGrey() && MapToGrey() ? PngKind::kGrey : PngKind::kPalette;
-    } else if (picture.Format() == dib::PixelFormat::kBgrx32 && UsesAlpha(picture)) {
+    } else if (picture.Format() == dib::PixelFormat::kBgra32) {
         kind_ = PngKind::kRgba;
     }
     bitsPerPixel_ = static_cast<uint32_t>(bitDepth_) * Channels(kind_);

@@ -20,7 +20,7 @@ enum class PngKind { kGrey, kPalette, kRgb, kRgba };
 // Depths with a colour table keep their depth. They become grey when all colours of the trimmed
 // table are grey levels that the depth can hold (of 1 bit: 0 and 255; of 4 bits: multiples of 17),
 // else they keep their table. 16 and 24 bits become RGB. 32 bits become RGBA when their fourth
-// bytes are an alpha channel, as far as that can be told (UsesAlpha), else RGB.
+// bytes are declared to be alpha, else RGB: what else stands there is junk as often as not.
 class PngRows {
   public:
     // `picture` must outlive the object.

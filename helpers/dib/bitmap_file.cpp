@@ -48,14 +48,26 @@ DibError BitmapFile::ReadHeaders() {
     if (error != DibError::kNone) return error;
     if (BitsSize() == 0) return DibError::kTooLarge;
 
-    // An offset that points into the headers is none: the pixels then follow the colour table.
-    const uint64_t tableStart = headerStart_ + format_.tableOffset;
-    pixelStart_ = fileHeader.pixelOffset;
-    if (pixelStart_ < tableStart) {
-        pixelStart_ = tableStart + uint64_t{format_.tableEntries} * format_.tableEntrySize;
-    }
+    pixelStart_ = FindPixels(fileHeader.pixelOffset);
     if (pixelStart_ >= source_.Size()) return DibError::kBitsTooShort;
     return IsBacked(format_, source_.Size() - pixelStart_) ? DibError::kNone : DibError::kTooLarge;
+}
+
+// An offset that points into the headers is none, and the pixels follow the colour table. One that
+// points into the table is right where the writer has left out the colours that the picture does
+// not use: then the file has no room for all of them. Writers that never count the table say that
+// the pixels begin where it does.
+uint64_t BitmapFile::FindPixels(uint64_t offset) const {
+    const uint64_t tableStart = headerStart_ + format_.tableOffset;
+    const uint64_t tableEnd = tableStart + uint64_t{format_.tableEntries} * format_.tableEntrySize;
+    if (offset < tableStart) return tableEnd;
+    if (offset >= tableEnd || format_.bitCount > 8 || source_.Size() <= tableEnd) return offset;
+    if (format_.encoding != Encoding::kRaw) return offset == tableStart ? tableEnd : offset;
+    const uint64_t pixels = RowStride(static_cast<uint64_t>(format_.width), format_.bitCount) *
+                            static_cast<uint64_t>(format_.height);
+    const bool hasRoom = source_.Size() - tableEnd >= pixels;
+    const bool isCutShort = source_.Size() - offset < pixels;
+    return hasRoom || (isCutShort && offset == tableStart) ? tableEnd : offset;
 }
 
 DibError BitmapFile::ReadColorTable() {

@@ -36,6 +36,8 @@ class BitmapFile {
   private:
     DibError ReadHeaders();
     DibError ReadColorTable();
+    // Where the pixels begin, by the file header's word for it.
+    uint64_t FindPixels(uint64_t offset) const;
 
     ByteSource& source_;
     SourceFormat format_;

@@ -87,10 +87,13 @@ constexpr uint32_t PaletteEntries(const BitmapInfoHeader& header) {
     return header.colorsUsed == 0 || header.colorsUsed > most ? most : header.colorsUsed;
 }
 
-// Bytes of an info block in the plain form: header, then masks (bit fields only) or colour table.
+// Bytes of an info block in the plain form: header, then masks (bit fields only) or colour
+// table.
 constexpr uint32_t InfoBlockSize(const BitmapInfoHeader& header) {
     if (header.bitCount > 8) {
-        return kInfoHeaderSize + (header.compression == kCompressionBitFields ? 12 : 0);
+        return kInfoHeaderSize + (header.compression == kCompressionBitFields        ? 12
+                                  : header.compression == kCompressionAlphaBitFields ? 16
+                                                                                     : 0);
     }
     return kInfoHeaderSize + PaletteEntries(header) * 4;
 }

@@ -14,6 +14,12 @@ std::optional<PixelFormat> FormatOf(const BitmapInfoHeader& header, std::span<co
             std::memcmp(info.data() + kInfoHeaderSize, kMasks565, sizeof(kMasks565)) == 0;
         return is565 ? std::optional(PixelFormat::kRgb565) : std::nullopt;
     }
+    if (header.compression == kCompressionAlphaBitFields) {
+        const bool isPlain =
+            header.bitCount == 32 && info.size() >= kInfoHeaderSize + sizeof(kMasksAlpha) &&
+            std::memcmp(info.data() + kInfoHeaderSize, kMasksAlpha, sizeof(kMasksAlpha)) == 0;
+        return isPlain ? std::optional(PixelFormat::kBgra32) : std::nullopt;
+    }
     if (header.compression != kCompressionRgb) return std::nullopt;
     switch (header.bitCount) {
         case 1:

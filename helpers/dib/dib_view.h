@@ -18,7 +18,8 @@ enum class PixelFormat : uint8_t {
     kRgb555,  // 16 bits, red highest, top bit unused
     kRgb565,  // 16 bits, red highest
     kBgr24,   // blue, green, red bytes
-    kBgrx32,  // blue, green, red bytes and a fourth one that is alpha or junk
+    kBgrx32,  // blue, green, red bytes and a fourth one without meaning, which may be anything
+    kBgra32,  // blue, green, red bytes, not multiplied by the alpha byte that follows
 };
 
 constexpr uint16_t BitsPerPixel(PixelFormat format) {
@@ -35,6 +36,7 @@ constexpr uint16_t BitsPerPixel(PixelFormat format) {
         case PixelFormat::kBgr24:
             return 24;
         case PixelFormat::kBgrx32:
+        case PixelFormat::kBgra32:
             return 32;
     }
     return 0;
@@ -42,15 +44,18 @@ constexpr uint16_t BitsPerPixel(PixelFormat format) {
 
 // Masks of kRgb565 as they stand behind the header, in the order red, green, blue.
 constexpr uint32_t kMasks565[3] = {0xF800, 0x07E0, 0x001F};
+// Those of kBgra32, with alpha last.
+constexpr uint32_t kMasksAlpha[4] = {0xFF0000, 0x00FF00, 0x0000FF, 0xFF000000};
 
 // A plain pair without owning it: valid as long as both blocks stay where they are.
 //
 // Plain means: a header of 40 bytes, planes 1, width above 0, height not 0 (negative: top row
-// first), 1/4/8/16/24/32 bits per pixel; compression kCompressionRgb, or kCompressionBitFields for
-// 16 bits with exactly the masks of kMasks565; no more colours used than the depth can index (0 for
-// depths above 8); an info block that holds the colour table its header announces; a bits block of
-// at least stride x height bytes. Palette indexes beyond the colour table may occur; they are
-// black.
+// first), 1/4/8/16/24/32 bits per pixel; compression kCompressionRgb, kCompressionBitFields for 16
+// bits with exactly the masks of kMasks565, or kCompressionAlphaBitFields for 32 bits with those of
+// kMasksAlpha: only a mask makes the fourth byte mean alpha. No more colours used than the depth
+// can index (0 for depths above 8); an info block that holds the colour table its header announces;
+// a bits block of at least stride x height bytes. Palette indexes beyond the colour table may
+// occur; they are black.
 class DibView {
   public:
     // Null when the pair is not plain (CheckDib makes it so).

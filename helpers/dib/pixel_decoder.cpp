@@ -14,6 +14,7 @@ class PixelConverter {
   public:
     explicit PixelConverter(const SourceFormat& source)
         : bitCount_(source.bitCount),
+          hasAlpha_(source.masks.alpha != 0),
           blue_(source.masks.blue),
           green_(source.masks.green),
           red_(source.masks.red),
@@ -25,9 +26,9 @@ class PixelConverter {
             case 2:
                 return WidenIndexes(from, count, to);
             case 16:
-                return Widen<2, 3>(from, count, to);
+                return hasAlpha_ ? Widen<2, 4>(from, count, to) : Widen<2, 3>(from, count, to);
             case 24:
-                return Widen<3, 3>(from, count, to);
+                return hasAlpha_ ? Widen<3, 4>(from, count, to) : Widen<3, 3>(from, count, to);
             default:
                 return Widen<4, 4>(from, count, to);
         }
@@ -54,6 +55,7 @@ class PixelConverter {
     }
 
     uint16_t bitCount_;
+    bool hasAlpha_;
     ChannelReader blue_;
     ChannelReader green_;
     ChannelReader red_;

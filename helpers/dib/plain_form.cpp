@@ -37,6 +37,12 @@ void FillPalette(const SourceFormat& source, std::span<const uint8_t> table,
 PlainForm PlainFormOf(const SourceFormat& source) {
     const bool isRaw = source.encoding == Encoding::kRaw;
     const ChannelMasks& masks = source.masks;
+    if (masks.alpha != 0) {
+        const bool isPlain = source.bitCount == 32 &&
+                             HasColors(masks, kMasksAlpha[0], kMasksAlpha[1], kMasksAlpha[2]) &&
+                             masks.alpha == kMasksAlpha[3];
+        return {PixelFormat::kBgra32, isPlain};
+    }
     switch (source.bitCount) {
         case 1:
             return {PixelFormat::kIndexed1, true};
@@ -89,7 +95,9 @@ InfoBlock MakePlainInfo(const SourceFormat& source, std::span<const uint8_t> tab
     header.height = source.height;
     header.planes = 1;
     header.bitCount = BitsPerPixel(format);
-    header.compression = format == PixelFormat::kRgb565 ? kCompressionBitFields : kCompressionRgb;
+    header.compression = format == PixelFormat::kRgb565   ? kCompressionBitFields
+                         : format == PixelFormat::kBgra32 ? kCompressionAlphaBitFields
+                                                          : kCompressionRgb;
     header.sizeImage = static_cast<uint32_t>(PlainBitsSize(source));
     header.xPelsPerMeter = source.xPelsPerMeter;
     header.yPelsPerMeter = source.yPelsPerMeter;
@@ -100,6 +108,8 @@ InfoBlock MakePlainInfo(const SourceFormat& source, std::span<const uint8_t> tab
     uint8_t* behindHeader = info.bytes.data() + kInfoHeaderSize;
     if (format == PixelFormat::kRgb565) {
         std::memcpy(behindHeader, kMasks565, sizeof(kMasks565));
+    } else if (format == PixelFormat::kBgra32) {
+        std::memcpy(behindHeader, kMasksAlpha, sizeof(kMasksAlpha));
     } else if (header.bitCount <= 8) {
         FillPalette(source, table,
                     {reinterpret_cast<PaletteEntry*>(behindHeader), PaletteEntries(header)});

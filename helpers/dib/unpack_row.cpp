@@ -56,10 +56,25 @@ void UnpackIndexes(const uint8_t* in, size_t width, const std::array<uint32_t, 2
     }
 }
 
+constexpr uint8_t OverWhite(uint8_t sample, uint8_t alpha) {
+    return static_cast<uint8_t>((sample * alpha + 255 * (255 - alpha) + 127) / 255);
+}
+
+bool IsAllTransparent(const DibView& view) {
+    for (int32_t y = 0; y < view.Height(); ++y) {
+        const auto row = view.Row(y);
+        for (size_t alpha = 3; alpha < row.size(); alpha += 4) {
+            if (row[alpha] != 0) return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 RowReader::RowReader(const DibView& view)
     : format_(view.Format()), width_(static_cast<size_t>(view.Width())) {
+    allTransparent_ = format_ == PixelFormat::kBgra32 && IsAllTransparent(view);
     if (format_ == PixelFormat::kRgb555 || format_ == PixelFormat::kRgb565) {
         const int greenBits = format_ == PixelFormat::kRgb565 ? 6 : 5;
         for (uint32_t byte = 0; byte < 256; ++byte) {
@@ -106,6 +121,16 @@ void RowReader::Unpack(std::span<const uint8_t> row, std::span<uint8_t> out) con
                 }
             }
             break;
+        case PixelFormat::kBgra32:
+            if (kBytes == 3 && !allTransparent_) {
+                for (size_t x = 0; x < width_; ++x) {
+                    const uint8_t* p = in + x * 4;
+                    for (size_t channel = 0; channel < 3; ++channel)
+                        to[x * 3 + channel] = OverWhite(p[channel], p[3]);
+                }
+                break;
+            }
+            [[fallthrough]];
         case PixelFormat::kBgrx32:
             if constexpr (kBytes == 4) {
                 std::memcpy(to, in, width_ * 4);

@@ -16,12 +16,14 @@ class RowReader {
   public:
     explicit RowReader(const DibView& view);
 
-    // Unpacks to blue, green, red bytes. `row` is one row of the picture (DibView::Row), `bgr`
-    // takes at least width x 3 bytes; what is behind them is left alone.
+    // Unpacks to blue, green, red bytes; pixels with alpha are laid over white, unless the whole
+    // picture is transparent: then its colours are all that there is to see. `row` is one row of
+    // the picture (DibView::Row), `bgr` takes at least width x 3 bytes; what is behind them is left
+    // alone.
     void Row(std::span<const uint8_t> row, std::span<uint8_t> bgr) const;
 
     // Unpacks to blue, green, red, alpha bytes: `bgra` takes at least width x 4 bytes. The fourth
-    // byte is the stored one for 32-bit pictures (alpha or junk), 255 for all others.
+    // byte is the stored one for 32-bit pictures (alpha or anything), 255 for all others.
     void RowBgra(std::span<const uint8_t> row, std::span<uint8_t> bgra) const;
 
   private:
@@ -30,6 +32,7 @@ class RowReader {
 
     PixelFormat format_;
     size_t width_;
+    bool allTransparent_ = false;
     // The colour, as blue, green, red, alpha from the lowest byte up: of each palette index; for 16
     // bits the part of it that comes from the pixel's low byte, and in high_ from its high byte.
     std::array<uint32_t, 256> low_{};

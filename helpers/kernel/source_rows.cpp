@@ -12,7 +12,7 @@ constexpr int32_t kLeastRingRows = 16;
 
 bool ReadsDirectly(const dib::DibView& view) {
     const uint32_t bits = dib::BitsPerPixel(view.Format());
-    return bits >= 24 &&
+    return bits >= 24 && view.Format() != dib::PixelFormat::kBgra32 &&
            dib::RowBytes(static_cast<uint64_t>(view.Width()), bits) >= SourceRows::kLeastRowBytes;
 }
 

@@ -10,8 +10,8 @@
 
 namespace tessary::kernel {
 
-// Pictures of 24 and 32 bits are read where they lie. Rows of all other depths are unpacked into a
-// ring of the rows used last. One object serves one thread.
+// Pictures of 24 and 32 bits without alpha are read where they lie. Rows of all others are unpacked
+// into a ring of the rows used last. One object serves one thread.
 class SourceRows {
   public:
     // Every row has at least this many readable bytes, so that a whole SSE2 register fits.

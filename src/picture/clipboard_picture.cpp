@@ -8,6 +8,7 @@
 #include "helpers/dib/check_dib.h"
 #include "helpers/dib/dib_view.h"
 #include "picture/current_picture.h"
+#include "picture/opaque_picture.h"
 #include "picture/packed_dib.h"
 #include "picture/save/save_picture.h"
 
@@ -74,29 +75,6 @@ OwnedBlock InfoBlockOf(Bytes plain, Bytes masks) {
     });
 }
 
-// Whether the header names a mask for alpha.
-bool DeclaresAlpha(Bytes info) {
-    constexpr size_t kAlphaMask = 52;  // of the headers of 56 bytes and more
-    uint32_t size = 0;
-    uint32_t mask = 0;
-    std::memcpy(&size, info.data(), sizeof(size));
-    if (size < kAlphaMask + sizeof(mask) || info.size() < kAlphaMask + sizeof(mask)) return false;
-    std::memcpy(&mask, info.data() + kAlphaMask, sizeof(mask));
-    return mask != 0;
-}
-
-// Programs leave anything at all in a fourth byte that means nothing: it is not to become
-// transparency when the picture is saved.
-void MakeOpaque(const OwnedBlock& info, const OwnedBlock& bits) {
-    const BlockLock infoLock(info.Get());
-    const BlockLock bitsLock(bits.Get());
-    const std::optional<dib::DibView> view = dib::DibView::Of(infoLock.Bytes(), bitsLock.Bytes());
-    if (!view || view->Format() != dib::PixelFormat::kBgrx32) return;
-    auto* const bytes = static_cast<uint8_t*>(bitsLock.Address());
-    for (size_t alpha = 3; alpha < view->Bits().size(); alpha += 4)
-        bytes[alpha] = 0xFF;
-}
-
 OwnedPicture PictureOf(Bytes block) {
     const std::optional<PackedDib> packed = SplitPackedDib(block);
     if (!packed) return {};
@@ -111,7 +89,6 @@ OwnedPicture PictureOf(Bytes block) {
             : FilledBlock(checked.BitsSize(),
                           [&](std::span<uint8_t> target) { checked.WriteBits(target); });
     if (!info || !bits) return {};
-    if (!DeclaresAlpha(packed->info)) MakeOpaque(info, bits);
     return OwnedPicture({info.Release(), bits.Release()});
 }
 
@@ -168,10 +145,12 @@ int16_t PictureFromClipboardDIB(HGLOBAL block) {
 }
 
 UniqueGlobal MakeClipboardDIB(const PicturePair& picture) {
-    const BlockLock info(picture.info);
-    const BlockLock bits(picture.bits);
+    const OwnedPicture opaque = OpaquePicture(picture);
+    const PicturePair& given = opaque ? opaque.Get() : picture;
+    const BlockLock info(given.info);
+    const BlockLock bits(given.bits);
     const std::optional<dib::DibView> view = dib::DibView::Of(info.Bytes(), bits.Bytes());
-    if (!view) return {};
+    if (!view || view->Format() == dib::PixelFormat::kBgra32) return {};  // no memory
     dib::BitmapInfoHeader header = view->Header();
     const size_t infoSize = dib::InfoBlockSize(header);
     header.height = view->Height();
@@ -184,17 +163,13 @@ UniqueGlobal MakeClipboardDIB(const PicturePair& picture) {
     });
 }
 
-// Of the same opaque pixels as the DIB beside it.
 UniqueGlobal MakeClipboardPNG(const PicturePair& picture) {
-    const UniqueGlobal block = MakeClipboardDIB(picture);
-    if (!block) return {};
-    const GlobalBlockLock lock(block.Get());
-    const std::span<uint8_t> packed = lock.Content();
-    dib::BitmapInfoHeader header;
-    std::memcpy(&header, packed.data(), sizeof(header));
+    const BlockLock info(picture.info);
+    const BlockLock bits(picture.bits);
+    if (!dib::DibView::Of(info.Bytes(), bits.Bytes())) return {};
     const TemporaryFile file;
-    if (file.Name().empty() || !SavePNG(packed.data(), packed.data() + dib::InfoBlockSize(header),
-                                        file.Name(), kQuickPng, 0)) {
+    if (file.Name().empty() ||
+        !SavePNG(info.Address(), bits.Address(), file.Name(), kQuickPng, 0)) {
         return {};
     }
     return FileAsBlock(file.Name());

@@ -19,12 +19,13 @@ namespace tessary {
 int16_t PictureFromClipboardDIB(HGLOBAL block);
 
 // A picture as such a block, movable, ready to be given to the clipboard: bottom row first, which
-// all programs understand, and with opaque fourth bytes of 32-bit pixels, which some take for
-// alpha. The pair must be plain and stays the caller's. Null when it is not, or without memory.
+// all programs understand, transparent pixels laid over white, and with opaque fourth bytes of
+// 32-bit pixels, which some take for alpha. The pair must be plain and stays the caller's. Null
+// when it is not, or without memory.
 UniqueGlobal MakeClipboardDIB(const PicturePair& picture);
 
-// The same picture as the bytes of a PNG file: what programs offer and take under the registered
-// clipboard format "PNG". Quickly made, not small. Null when that fails.
+// The same picture as the bytes of a PNG file, which keeps alpha: what programs offer and take
+// under the registered clipboard format "PNG". Quickly made, not small. Null when that fails.
 UniqueGlobal MakeClipboardPNG(const PicturePair& picture);
 
 }  // namespace tessary

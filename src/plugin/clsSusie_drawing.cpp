@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "helpers/dib/dib_view.h"
+#include "picture/opaque_picture.h"
 #include "plugin/clsSusie.h"
 
 namespace tessary {
@@ -26,8 +27,10 @@ RECT FittedRect(int width, int height, int boxWidth, int boxHeight) {
 
 void clsSusie::ShowPicture(HDC context, int boxWidth, int boxHeight, const PicturePair& picture) {
     Member(L"ShowPicture( ", [&] {
-        const BlockLock info(picture.info);
-        const BlockLock bits(picture.bits);
+        const OwnedPicture opaque = OpaquePicture(picture);
+        const PicturePair& drawnPair = opaque ? opaque.Get() : picture;
+        const BlockLock info(drawnPair.info);
+        const BlockLock bits(drawnPair.bits);
         const std::optional<dib::DibView> view = dib::DibView::Of(info.Bytes(), bits.Bytes());
         if (!view) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
 

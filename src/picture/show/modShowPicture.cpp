@@ -8,6 +8,7 @@
 #include "picture/bitmap_file.h"
 #include "picture/current_picture.h"
 #include "picture/modDIBToPicture.h"
+#include "picture/opaque_picture.h"
 #include "picture/show/fit.h"
 #include "picture/show/natural_order.h"
 #include "picture/show/picture_kernel.h"
@@ -19,8 +20,10 @@ namespace {
 
 // Puts a pair into the view at its own size.
 bool PutIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
-    const BlockLock info(pair.info);
-    const BlockLock bits(pair.bits);
+    const OwnedPicture opaque = OpaquePicture(pair);
+    const PicturePair& shown = opaque ? opaque.Get() : pair;
+    const BlockLock info(shown.info);
+    const BlockLock bits(shown.bits);
     const UniqueScreenDc screen(GetDC(nullptr));
     IPicture* picture = nullptr;
     if (!DIBToPicture(screen.Get(), {info.Address(), bits.Address()}, &picture)) return false;

@@ -63,6 +63,11 @@ TEST(BitmapFile, FindsThePixels) {
     const Bytes files[] = {
         T{2, 2, 8, Joined(gap, k8Bits), kRgbw, 40, 0, {}, {}, 14 + 40 + 16 + 5}.File(),
         T{2, 2, 8, k8Bits, kRgbw, 40, 0, {}, {}, 0}.File(),
+        // Into the table: too early by writers that forget it, or with colours left out.
+        T{2, 2, 8, k8Bits, kRgbw, 40, 0, {}, {}, 54}.File(),
+        T{2, 2, 4, k4Bits, kRgbw, 40, 0, {}, {}, 60}.File(),
+        T{2, 2, 8, {1, 2, 1, 3, 0, 0, 1, 0, 1, 1, 0, 1}, kRgbw, 40, 1, {}, {}, 54}.File(),
+        T{2, 2, 8, k8Bits, kRgbw, 40, 0, {}, 256}.File(),
         T{2, 2, 24, k24Bits, kRgbw, 40, 0, {}, {}, 20}.File(),
         T{2, 2, 32, k32Bits, {}, 40, 3, k888Masks, {}, 54}.File(),
         Joined(kArrayHeader, T{2, 2, 24, k24Bits, {}, 12, 0, {}, {}, 14 + 14 + 12}.File()),

@@ -27,10 +27,12 @@ inline const Bytes k555 = {0x1F, 0x00, 0xFF, 0x7F, 0x00, 0x7C, 0xE0, 0x83};
 inline const Bytes k565 = {0x1F, 0x00, 0xFF, 0xFF, 0x00, 0xF8, 0xE0, 0x07};
 inline const Bytes k444 = {0x0F, 0x00, 0xFF, 0x0F, 0x00, 0x0F, 0xF0, 0x00};
 inline const Bytes k32Bits = {255, 0, 0, 7, 255, 255, 255, 7, 0, 0, 255, 7, 0, 255, 0, 7};
-inline const Bytes k32Reversed = {7, 0, 0, 255, 7, 255, 255, 255, 7, 255, 0, 0, 7, 0, 255, 0};
+inline const Bytes k32Reversed = {255, 0,   0, 255, 255, 255, 255, 255,
+                                  255, 255, 0, 0,   255, 0,   255, 0};
 
 inline std::vector<Sample> AllSamples() {
     const std::vector<uint32_t> reversed = {0xFF00, 0xFF0000, 0xFF000000, 0xFF};
+    const std::vector<uint32_t> alpha = {0xFF0000, 0xFF00, 0xFF, 0xFF000000};
     const std::vector<uint32_t> rw = {0xFF0000, 0xFFFFFF};
     const std::vector<uint32_t> rg = {0xFF0000, 0x00FF00};
     std::vector<Sample> samples = {
@@ -62,7 +64,12 @@ inline std::vector<Sample> AllSamples() {
         {"1", "RW/WR", 1, true, {2, 2, 1, k1Bit, rw}},
         {"555", "RG/BW", 16, true, {2, 2, 16, k555}},
         {"555 as masks", "RG/BW", 16, true, {2, 2, 16, k555, {}, 40, 3, {0x7C00, 0x3E0, 0x1F}}},
-        {"1555", "RG/BW", 16, true, {2, 2, 16, k555, {}, 56, 3, {0x7C00, 0x3E0, 0x1F, 0x8000}}},
+        {"1555", "WG/WW", 32, false, {2, 2, 16, k555, {}, 56, 3, {0x7C00, 0x3E0, 0x1F, 0x8000}}},
+        {"1555, nothing opaque",
+         "R",
+         32,
+         false,
+         {1, 1, 16, {0x00, 0x7C, 0, 0}, {}, 56, 3, {0x7C00, 0x3E0, 0x1F, 0x8000}}},
         {"555, masks 0", "RG/BW", 16, true, {2, 2, 16, k555, {}, 40, 3, {0, 0, 0}}},
         {"565", "RG/BW", 16, true, {2, 2, 16, k565, {}, 40, 3, k565Masks}},
         {"565, version 5", "RG/BW", 16, true, {2, 2, 16, k565, {}, 124, 3, k565Masks}},
@@ -72,6 +79,8 @@ inline std::vector<Sample> AllSamples() {
         {"32", "RG/BW", 32, true, {2, 2, 32, k32Bits}},
         {"32 masks top-down", "BW/RG", 32, true, {2, -2, 32, k32Bits, {}, 40, 3, k888Masks}},
         {"32, version 5", "RG/BW", 32, true, {2, 2, 32, k32Bits, {}, 124, 3, k888Masks}},
+        {"32 with alpha", "[FFF8F8]", 32, true, {1, 1, 32, {0, 0, 255, 7}, {}, 108, 3, alpha}},
+        {"32 with a mask in vain", "RG/BW", 32, true, {2, 2, 32, k32Bits, {}, 108, 0, alpha}},
         {"32 reversed", "RG/BW", 32, false, {2, 2, 32, k32Reversed, {}, 40, 6, reversed}},
         {"32 reversed top-down", "BW/RG", 32, false, {2, -2, 32, k32Reversed, {}, 56, 3, reversed}},
         {"10 bits",

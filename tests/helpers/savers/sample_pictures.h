@@ -18,7 +18,7 @@ using Palette = std::vector<dib::PaletteEntry>;
 
 inline constexpr PixelFormat kAllFormats[] = {
     PixelFormat::kIndexed1, PixelFormat::kIndexed4, PixelFormat::kIndexed8, PixelFormat::kRgb555,
-    PixelFormat::kRgb565,   PixelFormat::kBgr24,    PixelFormat::kBgrx32};
+    PixelFormat::kRgb565,   PixelFormat::kBgr24,    PixelFormat::kBgrx32,   PixelFormat::kBgra32};
 
 // Different colours, none of them grey, up to 256; nothing for a depth without a table.
 inline Palette Colors(PixelFormat format, size_t most = 256) {
@@ -47,11 +47,14 @@ struct SamplePicture {
                   uint32_t seed = 1) {
         const uint16_t depth = dib::BitsPerPixel(format);
         const bool is565 = format == PixelFormat::kRgb565;
+        const bool hasAlpha = format == PixelFormat::kBgra32;
         const auto colors = static_cast<uint32_t>(palette.size());
-        const dib::BitmapInfoHeader header{40, width, height, 1,      depth, is565 ? 3u : 0u,
+        const uint32_t compression = is565 ? 3 : hasAlpha ? 6 : 0;
+        const dib::BitmapInfoHeader header{40, width, height, 1,      depth, compression,
                                            0,  11811, 5906,   colors, 7};
         dib::test::TestBitmap::Append(info, &header, sizeof(header));
         if (is565) dib::test::TestBitmap::Append(info, dib::kMasks565, sizeof(dib::kMasks565));
+        if (hasAlpha) dib::test::TestBitmap::Append(info, dib::kMasksAlpha, 16);
         dib::test::TestBitmap::Append(info, palette.data(), palette.size() * 4);
         info.shrink_to_fit();
 

@@ -72,11 +72,9 @@ TEST_F(ClipboardPictureTest, FindsThePixelsBehindWhateverPrecedesThem) {
                           std::string(1024, 'c') + std::string("\4a\0\0\4b\0\1", 8))),
               "bbbbaaaa");
 
-    // A fourth byte that nothing declares to be alpha is opaque.
-    EXPECT_EQ(Paste(Block(Header(1, 2, 32, BI_BITFIELDS), kUsualMasks + "lowrtopr")),
-              "top\xFFlow\xFF");
+    EXPECT_EQ(Paste(Block(Header(1, 2, 32, BI_BITFIELDS), kUsualMasks + "lowrtopr")), "toprlowr");
     EXPECT_EQ(infoSize_, 52u);
-    EXPECT_EQ(Paste(Block(Header(1, -2, 32), "toprlowr")), "top\xFFlow\xFF");
+    EXPECT_EQ(Paste(Block(Header(1, -2, 32), "toprlowr")), "toprlowr");
     EXPECT_EQ(
         Paste(Block(Header(1, 1, 32, BI_BITFIELDS), Numbers({0xFF, 0xFF00, 0xFF0000}) + "RGBx"))
             .substr(0, 3),
@@ -90,9 +88,9 @@ TEST_F(ClipboardPictureTest, FindsThePixelsBehindWhateverPrecedesThem) {
     EXPECT_EQ(Paste(Block(Header(1, 1, 24, BI_RGB, 2), "BGR_")), "BGR_");
     // A long header, with the masks once and twice.
     const std::string longTail = kUsualMasks + std::string(72, '\0');
-    EXPECT_EQ(Paste(Block(Header(1, 1, 32, BI_BITFIELDS, 0, 124), longTail + "BGRx")), "BGR\xFF");
+    EXPECT_EQ(Paste(Block(Header(1, 1, 32, BI_BITFIELDS, 0, 124), longTail + "BGRx")), "BGRx");
     EXPECT_EQ(Paste(Block(Header(1, 1, 32, BI_BITFIELDS, 0, 124), longTail + kUsualMasks + "BGRx")),
-              "BGR\xFF");
+              "BGRx");
 }
 
 TEST_F(ClipboardPictureTest, RefusesWhatTheBlockDoesNotHold) {
@@ -124,6 +122,18 @@ TEST_F(ClipboardPictureTest, OthersGetBottomUpRowsWithoutTransparency) {
     EXPECT_EQ(block.substr(40), "low\xFFtop\xFF");
     EXPECT_EQ(Paste(block), "top\xFFlow\xFF");
     EXPECT_FALSE(MakeClipboardDIB({}));
+
+    // What a mask declares to be alpha stays with the picture, and shows white below for others.
+    const std::string masks = Numbers({0xFF0000, 0xFF00, 0xFF, 0xFF000000});
+    const std::string pixels("BGR\xFF\0\0\0\x80", 8);
+    EXPECT_EQ(Paste(Block(Header(2, 1, 32, BI_BITFIELDS, 0, 108),
+                          masks + std::string(52, '\0') + pixels)),
+              pixels);
+    EXPECT_EQ(infoSize_, 56u);
+    const UniqueGlobal flat = MakeClipboardDIB(CurrentPicture());
+    EXPECT_EQ(Paste({static_cast<const char*>(GlobalLock(flat.Get())), GlobalSize(flat.Get())}),
+              std::string("BGR\x7F\x7F\x7F\0\0", 8));
+    GlobalUnlock(flat.Get());
 }
 
 }  // namespace
