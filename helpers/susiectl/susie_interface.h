@@ -50,7 +50,7 @@ struct PictureInfo {
 };
 
 // One archive member: 428 bytes in 32-bit plug-ins (444 in 64-bit ones). GetArchiveInfo answers a
-// local-memory block of these; the first record whose method is all zero ends it.
+// local-memory block of these; the first record whose method begins with a zero byte ends it.
 struct FileInfo {
     uint8_t method[8];   // compression method, text
     ULONG_PTR position;  // opaque to the host: an index, an id or an offset

@@ -11,6 +11,11 @@ constexpr UINT kLockCountMask = 0x00FF;
 constexpr UINT kDiscardable = 0x0F00;
 constexpr UINT kUnusable = 4096;
 
+// The address of a fixed block is its handle, and aligned; other handles are not.
+bool IsMovable(HLOCAL handle) {
+    return reinterpret_cast<uintptr_t>(handle) % MEMORY_ALLOCATION_ALIGNMENT != 0;
+}
+
 bool IsDiscardable(UINT flags) {
     return (flags & kDiscardable) == kDiscardable;
 }
@@ -40,6 +45,8 @@ bool FreeLocalHandle(HLOCAL& handle) {
         return true;
     }
     if (flags >= kUnusable) {
+        // A movable block of no bytes counts as discarded. It has one of the system's few handles.
+        if (flags != LMEM_INVALID_HANDLE) LocalFree(handle);
         handle = nullptr;
         return false;
     }
@@ -51,6 +58,17 @@ bool FreeLocalHandle(HLOCAL& handle) {
     // block.
     handle = nullptr;
     return true;
+}
+
+void FreeLeftHandle(HLOCAL& handle) {
+    if (IsMovable(handle)) FreeLocalHandle(handle);
+    handle = nullptr;
+}
+
+bool IsLeftBlock(HLOCAL handle) {
+    if (handle == nullptr) return false;
+    return (IsMovable(handle) || HeapValidate(GetProcessHeap(), 0, handle)) &&
+           IsLocalHandleValid(handle);
 }
 
 INT_PTR LocalHandleSize(HLOCAL handle) {

@@ -34,9 +34,16 @@ inline void* const kInvalidLock = reinterpret_cast<void*>(static_cast<INT_PTR>(-
 INT_PTR UnlockLocalHandle(HLOCAL handle);
 
 // Unlocks a block as often as it is locked, frees it and sets the caller's handle to null. False
-// when there was nothing to free (the handle then becomes null all the same) or the block still
-// exists (the handle stays).
+// when there was no block to free, as for a handle without bytes (it then becomes null all the
+// same), or the block still exists (the handle stays).
 bool FreeLocalHandle(HLOCAL& handle);
+
+// Frees what a failed call has left in a handle, where that can be done without harm: a movable
+// block. Of a fixed one nobody can tell whether the failed call has freed it already.
+void FreeLeftHandle(HLOCAL& handle);
+
+// Whether what a failed call has left in a handle is a block that can be read.
+bool IsLeftBlock(HLOCAL handle);
 
 // The block's size in bytes; -1 for an invalid handle.
 INT_PTR LocalHandleSize(HLOCAL handle);

@@ -10,16 +10,34 @@
 namespace tessary {
 namespace {
 
+// Behind it there may be anything.
 bool IsEnd(const susie::FileInfo& member) {
-    return std::all_of(std::begin(member.method), std::end(member.method),
-                       [](uint8_t byte) { return byte == 0; });
+    return member.method[0] == 0;
 }
 
-// A text field up to its NUL or its end. Converted before it is split at separators: the second
-// byte of a double-byte character can look like one.
+// A text up to its NUL or its end.
+template <typename Char, size_t kSize>
+std::string_view TextOf(const Char (&field)[kSize]) {
+    const auto* const text = reinterpret_cast<const char*>(field);
+    return {text, strnlen(text, kSize)};
+}
+
+bool HasControls(std::string_view text) {
+    return std::any_of(text.begin(), text.end(),
+                       [](char each) { return static_cast<uint8_t>(each) < 0x20; });
+}
+
+bool LooksLikeMember(const susie::FileInfo& member) {
+    const bool isNamed = member.path[0] != 0 || member.fileName[0] != 0;
+    return isNamed && !HasControls(TextOf(member.method)) && !HasControls(TextOf(member.path)) &&
+           !HasControls(TextOf(member.fileName));
+}
+
+// Converted before it is split at separators: the second byte of a double-byte character can look
+// like one.
 template <size_t kSize>
 std::wstring FieldText(const char (&field)[kSize]) {
-    std::wstring text = FromAnsi(std::string_view(field, strnlen(field, kSize)));
+    std::wstring text = FromAnsi(TextOf(field));
     std::replace(text.begin(), text.end(), L'/', L'\\');
     return text;
 }
@@ -57,6 +75,10 @@ ArchiveMembers ReadArchiveMembers(HLOCAL block) {
         members.push_back(member);
     }
     return members;
+}
+
+bool LooksLikeList(const ArchiveMembers& members) {
+    return !members.empty() && std::ranges::all_of(members, LooksLikeMember);
 }
 
 std::wstring ArchiveMemberName(const susie::FileInfo& member) {

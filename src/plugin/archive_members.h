@@ -11,9 +11,13 @@ namespace tessary {
 
 using ArchiveMembers = std::vector<susie::FileInfo>;
 
-// The records of the block: whole ones only, up to the first whose method is all zero. Their texts
-// may lack a NUL. The block stays the caller's.
+// The records of the block: whole ones only, up to the first whose method begins with a zero byte.
+// Their texts may lack a NUL. The block stays the caller's. None for what is no block.
 ArchiveMembers ReadArchiveMembers(HLOCAL block);
+
+// Whether somebody must have made these records on purpose: there are some, and each has a name and
+// texts without control characters.
+bool LooksLikeList(const ArchiveMembers& members);
 
 // A member's name within its archive, folder included, with `\` between the parts.
 std::wstring ArchiveMemberName(const susie::FileInfo& member);

@@ -35,19 +35,21 @@ void RequireContent(const OwnedBlock& content) {
 
 void clsSusie::ReadMembers(Binding& binding) {
     calls_.ForgetCondition();
-    OwnedBlock list;
-    {
-        const Source archive(binding);
-        if (!archive.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
-        HLOCAL handle = nullptr;
-        // What a failed call leaves behind may be freed already: it is not touched.
-        if (calls_.GetArchiveInfo(archive.Get(), handle) != susie::kSuccess ||
-            !IsLocalHandleValid(handle)) {
-            throw PluginError(kErrorNotSupported, kNotSupportedText);
-        }
-        list = OwnedBlock(handle);
+    const Source archive(binding);
+    if (!archive.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
+    HLOCAL handle = nullptr;
+    const bool succeeded = calls_.GetArchiveInfo(archive.Get(), handle) == susie::kSuccess;
+    binding.members = ReadArchiveMembers(handle);
+    const bool mayBeList =
+        succeeded ? IsLocalHandleValid(handle) : Condition().kind == susie::kConditionNone;
+    const bool isList = mayBeList && (succeeded || LooksLikeList(binding.members));
+    // After a failure only what is a list for certain was not freed by the plug-in itself.
+    if (succeeded || isList) {
+        const OwnedBlock freed(handle);
+    } else {
+        FreeLeftHandle(handle);
     }
-    binding.members = ReadArchiveMembers(list.Get());
+    if (!isList) throw PluginError(kErrorNotSupported, kNotSupportedText);
 }
 
 const ArchiveMembers& clsSusie::Members() {
@@ -119,7 +121,6 @@ OwnedBlock clsSusie::Extract(const susie::FileInfo& member, const SusieProgress&
         archive.IsMemory()
             ? calls_.GetFileMM(archive.Get().source, position, handle, ProgressRelay::Callback())
             : calls_.GetFileSM(bound_.pluginName, position, handle, ProgressRelay::Callback());
-    // What a failed call leaves behind may be freed already: it is not touched.
     if (result == susie::kSuccess) content = OwnedBlock(handle);
     if (IsWorthTheDisk(result)) {
         // The plug-in itself makes a file name of the member's.

@@ -32,7 +32,7 @@ const susie::PictureInfo& clsSusie::Info() {
     SusieSource asked = source.Get();
     susie::PictureInfo info{};
     int32_t result = calls_.GetPictureInfo(asked, info);
-    if (result != susie::kSuccess && !source.IsMemory()) {
+    if (result != susie::kSuccess && result != kResultCrashed && !source.IsMemory()) {
         asked.flag |= kDescribeFlag;
         result = calls_.GetPictureInfo(asked, info);
     }
@@ -83,9 +83,10 @@ OwnedPicture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uin
         if (!source.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
         const ProgressRelay relay(progress);
         const int tries = source.IsMemory() ? kMemoryTries : kFileTries;
-        // What a failed try leaves in `pair` may be freed already: it is not touched.
         const auto repeated = [&](auto&& call) {
-            for (int i = 0; i < tries && result != susie::kSuccess && !relay.Stopped(); ++i) {
+            for (int i = 0; i < tries && result != susie::kSuccess && result != kResultCrashed &&
+                            !relay.Stopped();
+                 ++i) {
                 result = call();
             }
         };

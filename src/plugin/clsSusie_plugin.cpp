@@ -137,6 +137,7 @@ void clsSusie::ForgetErrors() {
     Member(L"ForgetErrors(", [&] {
         if (DllName().empty()) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
         ForgetFailures(FileNameOf(DllName()));
+        calls_.ForgetCrashes();
         keepLoaded_ = false;
         UnloadAfterUse();
     });

@@ -24,6 +24,7 @@ constexpr SusieCallNames kGetPluginInfo{nullptr, nullptr, L"GetPlugInInfo"};
 constexpr SusieCallNames kIsSupported{L"IsSupported", L"IsSupported", L"IsSupported"};
 constexpr SusieCallNames kGetPictureInfo{L"GetPictureInfo", L"GetPictureInfo", L"GetPictureInfo"};
 constexpr SusieCallNames kGetPicture{L"GetPicture", L"GetPicture", L"GetPicture"};
+constexpr const wchar_t* kGetPictureName = L"GetPicture";
 constexpr SusieCallNames kGetPreview{L"GetPreview", L"GetPrevew", L"GetPreview"};
 constexpr SusieCallNames kGetArchiveInfo{L"GetArchiveInfo", L"GetArchiveInfo", L"GetArchiveInfo"};
 constexpr SusieCallNames kGetFileInfo{L"GetFileInfo", L"GetFileInfo", L"GetFileInfo"};
@@ -69,6 +70,17 @@ class CallScope {
   private:
     bool outer_;
 };
+
+// A member as a source of its own. How large an archive in memory is nobody has told by then.
+SusieSource MemberOf(const SusieSource& archive) {
+    return archive.flag == susie::kSourceFile ? archive : SusieSource{};
+}
+
+void FreeLeftPicture(PicturePair& picture) {
+    if (picture.bits == picture.info) picture.bits = nullptr;
+    FreeLeftHandle(picture.info);
+    FreeLeftHandle(picture.bits);
+}
 
 const SusieLibrary& Library() {
     const SusieLibrary* const library = FindSusieLibrary();
@@ -139,6 +151,19 @@ void SusieCalls::AskForCondition(const SusieLibrary& library) {
         // The call itself stands, and the question is not asked again.
         Mapped(answer, kGetLastCondition);
         function = nullptr;
+    });
+}
+
+template <typename Call>
+int32_t SusieCalls::UnlessCrashed(const wchar_t* function, const SusieSource& source, Call&& call) {
+    return Trapped(kResultUnexpected, [&] {
+        if (crashed_.Hold(function, source)) {
+            SetError(kCrashedText, function);
+            return kResultCrashed;
+        }
+        const int32_t result = call();
+        if (result == kResultCrashed) crashed_.Note(function, source);
+        return result;
     });
 }
 
@@ -219,43 +244,69 @@ int32_t SusieCalls::GetPluginInfo(int32_t infoNumber, char* buffer, int32_t leng
 }
 
 int32_t SusieCalls::IsSupported(const std::string& fileName, const void* header) {
-    return Guarded(kIsSupported, [&](const SusieLibrary& library) {
-        return library.isSupported(Address(SusieFunction::kIsSupported), fileName.c_str(), header);
+    const SusieSource file{fileName.c_str(), 0, susie::kSourceFile};
+    const SusieSource block{static_cast<const char*>(header), susie::kHeaderBlockSize,
+                            susie::kSourceMemory};
+    return UnlessCrashed(L"IsSupported", header == nullptr ? file : block, [&] {
+        return Guarded(kIsSupported, [&](const SusieLibrary& library) {
+            return library.isSupported(Address(SusieFunction::kIsSupported), fileName.c_str(),
+                                       header);
+        });
     });
 }
 
 int32_t SusieCalls::GetPictureInfo(const SusieSource& source, susie::PictureInfo& info) {
     info = {};
-    return Guarded(kGetPictureInfo, [&](const SusieLibrary& library) {
-        return library.getPictureInfo(Address(SusieFunction::kGetPictureInfo), source.source,
-                                      source.length, source.flag, &info);
+    const int32_t result = UnlessCrashed(L"GetPictureInfo", source, [&] {
+        return Guarded(kGetPictureInfo, [&](const SusieLibrary& library) {
+            return library.getPictureInfo(Address(SusieFunction::kGetPictureInfo), source.source,
+                                          source.length, source.flag, &info);
+        });
     });
+    if (result != susie::kSuccess) FreeLeftHandle(info.hInfo);
+    return result;
 }
 
 int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
                                susie::ProgressCallback progress) {
     picture = {};
-    return GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
-        return library.getPicture(Address(SusieFunction::kGetPicture), source.source, source.length,
-                                  source.flag, &picture.info, &picture.bits, progress, 0);
+    const int32_t result = UnlessCrashed(kGetPictureName, source, [&] {
+        return GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
+            return library.getPicture(Address(SusieFunction::kGetPicture), source.source,
+                                      source.length, source.flag, &picture.info, &picture.bits,
+                                      progress, 0);
+        });
     });
+    if (result != susie::kSuccess) FreeLeftPicture(picture);
+    return result;
 }
 
 int32_t SusieCalls::GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,
                                susie::ProgressCallback progress) {
     picture = {};
-    return GuardedAndTold(kGetPreview, [&](const SusieLibrary& library) {
-        return library.getPreview(function, source.source, source.length, source.flag,
-                                  &picture.info, &picture.bits, progress, 0);
+    const bool isPicture = function == Address(SusieFunction::kGetPicture);
+    const int32_t result = UnlessCrashed(isPicture ? kGetPictureName : L"GetPreview", source, [&] {
+        return GuardedAndTold(kGetPreview, [&](const SusieLibrary& library) {
+            return library.getPreview(function, source.source, source.length, source.flag,
+                                      &picture.info, &picture.bits, progress, 0);
+        });
     });
+    if (result != susie::kSuccess) FreeLeftPicture(picture);
+    return result;
 }
 
 int32_t SusieCalls::GetArchiveInfo(const SusieSource& archive, HLOCAL& members) {
     members = nullptr;
-    return GuardedAndTold(kGetArchiveInfo, [&](const SusieLibrary& library) {
-        return library.getArchiveInfo(Address(SusieFunction::kGetArchiveInfo), archive.source,
-                                      archive.length, archive.flag, &members);
+    const int32_t result = UnlessCrashed(L"GetArchiveInfo", archive, [&] {
+        return GuardedAndTold(kGetArchiveInfo, [&](const SusieLibrary& library) {
+            return library.getArchiveInfo(Address(SusieFunction::kGetArchiveInfo), archive.source,
+                                          archive.length, archive.flag, &members);
+        });
     });
+    const bool isAnswered =
+        result == susie::kSuccess || (result != kResultCrashed && IsLeftBlock(members));
+    if (!isAnswered) FreeLeftHandle(members);
+    return result;
 }
 
 int32_t SusieCalls::GetFileInfo(const SusieSource& archive, const std::string& memberName,
@@ -296,22 +347,29 @@ int32_t SusieCalls::GetFileSS(const std::string& archive, LONG_PTR position,
 int32_t SusieCalls::GetFileToMemory(const SusieCallNames& names, const SusieSource& archive,
                                     HLOCAL& member, susie::ProgressCallback progress) {
     member = nullptr;
-    return GuardedAndTold(names, [&](const SusieLibrary& library) {
-        return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
-                               reinterpret_cast<char*>(&member),
-                               archive.flag | susie::kDestinationMemory, progress, 0);
+    const int32_t result = UnlessCrashed(L"GetFile", MemberOf(archive), [&] {
+        return GuardedAndTold(names, [&](const SusieLibrary& library) {
+            return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
+                                   reinterpret_cast<char*>(&member),
+                                   archive.flag | susie::kDestinationMemory, progress, 0);
+        });
     });
+    if (result != susie::kSuccess) FreeLeftHandle(member);
+    return result;
 }
 
 int32_t SusieCalls::GetFileToFolder(const SusieCallNames& names, const SusieSource& archive,
                                     const std::string& folder, susie::ProgressCallback progress) {
-    return GuardedAndTold(names, [&](const SusieLibrary& library) {
-        // A copy with room behind it: plug-ins append the separator and the member's name in place.
-        std::string destination = folder;
-        destination.resize(folder.size() + 2 * MAX_PATH);
-        return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
-                               destination.data(), archive.flag | susie::kDestinationFile, progress,
-                               0);
+    return UnlessCrashed(L"GetFile", MemberOf(archive), [&] {
+        return GuardedAndTold(names, [&](const SusieLibrary& library) {
+            // A copy with room behind it: plug-ins append the separator and the member's name in
+            // place.
+            std::string destination = folder;
+            destination.resize(folder.size() + 2 * MAX_PATH);
+            return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
+                                   destination.data(), archive.flag | susie::kDestinationFile,
+                                   progress, 0);
+        });
     });
 }
 

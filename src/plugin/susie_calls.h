@@ -12,7 +12,9 @@
 
 #include "helpers/susiectl/susie_interface.h"
 #include "picture/modMemory.h"
+#include "plugin/crashed_calls.h"
 #include "plugin/plugin_condition.h"
+#include "plugin/susie_source.h"
 
 namespace tessary {
 
@@ -51,14 +53,6 @@ constexpr int32_t kResultUnexpected = 20;   // an error of ours around the call
 constexpr int32_t kResultNotExported = 21;  // the plug-in does not have the function
 constexpr int32_t kResultCrashed = 255;     // the plug-in crashed and was caught
 
-// What a plug-in reads from: the name of a file in the system's code page, or the address of a
-// locked block. Owns nothing.
-struct SusieSource {
-    const char* source = nullptr;
-    LONG_PTR length = 0;
-    uint32_t flag = susie::kSourceFile;
-};
-
 // Under what names a call is logged and its failures are kept.
 struct SusieCallNames {
     const wchar_t* logName;
@@ -67,7 +61,8 @@ struct SusieCallNames {
 };
 
 // The calls of one plug-in. None of them throws: what fails is told by the result code, and by
-// ErrorString and ErrorFunction.
+// ErrorString and ErrorFunction. A call that has crashed is not made again for the same content: it
+// is answered kResultCrashed, and not counted.
 class SusieCalls {
   public:
     // The plug-in's full path; empty when none is set.
@@ -100,15 +95,17 @@ class SusieCalls {
 
     int32_t GetPictureInfo(const SusieSource& source, susie::PictureInfo& info);
 
-    // After success the caller owns both blocks; what a failed call leaves in `picture` is to be
-    // ignored. `progress` must not be null: some plug-ins call it unasked.
+    // After success the caller owns both blocks; after a failure `picture` is empty. `progress`
+    // must not be null: some plug-ins call it unasked.
     int32_t GetPicture(const SusieSource& source, PicturePair& picture,
                        susie::ProgressCallback progress);
     // Calls whatever function the caller names under the name of GetPreview.
     int32_t GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,
                        susie::ProgressCallback progress);
 
-    // After success the caller owns the block of susie::FileInfo records.
+    // After success the caller owns the block of susie::FileInfo records. Some plug-ins answer an
+    // error and hand one out all the same: what is there then is a block, and for the caller to
+    // free with FreeLeftHandle or, if it turns out to be a list, to own.
     int32_t GetArchiveInfo(const SusieSource& archive, HLOCAL& members);
     int32_t GetFileInfo(const SusieSource& archive, const std::string& memberName,
                         susie::FileInfo& info);
@@ -137,6 +134,9 @@ class SusieCalls {
     const std::wstring& ErrorFunction() const { return errorFunction_; }
     void SetError(std::wstring_view message, std::wstring_view function);
 
+    // Gives calls that have crashed another chance.
+    void ForgetCrashes() { crashed_.Clear(); }
+
     // How many errors were set so far: tells whether a stretch of code has set one.
     uint32_t ErrorSerial() const { return errorSerial_; }
 
@@ -145,6 +145,10 @@ class SusieCalls {
     int32_t Guarded(const SusieCallNames& names, Call&& call);
     template <typename Call>
     int32_t GuardedAndTold(const SusieCallNames& names, Call&& call);
+    // `call` of that function, unless it has crashed over the source before. Sources without an
+    // address cannot be told apart.
+    template <typename Call>
+    int32_t UnlessCrashed(const wchar_t* function, const SusieSource& source, Call&& call);
     template <typename Call>
     void Logged(const SusieCallNames& names, Call&& call);
     void AskForCondition(const SusieLibrary& library);
@@ -158,6 +162,7 @@ class SusieCalls {
     std::wstring boundFile_;
     std::array<FARPROC, kSusieFunctionCount> addresses_{};
     PluginCondition condition_;
+    CrashedCalls crashed_;
     std::wstring errorString_;
     std::wstring errorFunction_;
     uint32_t errorSerial_ = 0;

@@ -79,9 +79,11 @@ int List(const Script& script, const std::string& content, HLOCAL* list) {
     };
     for (const Member& member : MembersOf(script, content))
         append(RecordOf(script, member));
-    if (!script.Has("no-end")) append({});
+    susie::FileInfo end{};
+    if (script.Has("dirty-end")) std::memset(&end.method[1], 'x', sizeof end - 1);
+    if (!script.Has("no-end")) append(end);
     records.append(static_cast<size_t>(script.Number("tail").value_or(0)), '\xA5');
-    *list = MakeBlock(records);
+    *list = MakeBlock(records, script.Has("fixed") ? LMEM_FIXED : LMEM_MOVEABLE);
     return susie::kSuccess;
 }
 

@@ -177,6 +177,11 @@ TEST_F(StateTest, ADialogThatCrashedIsTakenAway) {
     expectReleased();
     EXPECT_EQ(plugin.DecodeWith("early:window:GetPicture\ncrash:av:GetPicture"), kCrashed);
     expectReleased();
+    // One that goes well has no business with our windows either.
+    EXPECT_EQ(plugin.DecodeWith("dirty:window:GetPicture"), susie::kSuccess);
+    EXPECT_TRUE(IsWindowEnabled(parent));
+    EXPECT_FALSE(IsWindowEnabled(disabled));
+    DestroyWindow(FindWindowW(nullptr, L"Test plug-in window"));
     for (HWND window : {parent, other, disabled})
         DestroyWindow(window);
 }

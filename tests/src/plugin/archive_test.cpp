@@ -103,6 +103,34 @@ TEST_F(ArchiveTest, WhatThePluginTellsOfItsArchiveIsHanded) {
     EXPECT_EQ(plugin_.ErrorString(), L"volume");
 }
 
+TEST_F(ArchiveTest, ListsEndAndAreBelievedAsPluginsMeanThem) {
+    const auto before = FreeHandles();
+    for (const char* kind : {"dirty-end\n", "no-end\ntail:300\n", "answer-after:GetArchiveInfo:2\n",
+                             "answer-after:GetArchiveInfo:2\nfixed\nunterminated\n"}) {
+        Bind(kind);
+        EXPECT_EQ(plugin_.FileNumber(), 2) << kind;
+        EXPECT_EQ(Extracted(2), "second") << kind;
+    }
+    const auto refused = [&](const std::string& directives, const char* name) {
+        return Raised([&] {
+            plugin_.SetFile(folder_.Write(L"no.tsa", ArchiveOf({{name, "x"}}, directives)));
+        });
+    };
+    for (const char* fixed : {"", "fixed\n"}) {
+        const std::string failed = std::string("answer-after:GetArchiveInfo:2\n") + fixed;
+        EXPECT_EQ(refused(failed, "\x01.jpg"), kErrorNotSupported);
+        EXPECT_EQ(refused(failed, ""), kErrorNotSupported);
+    }
+    Bind("answer-after:GetFile:6\n");
+    EXPECT_EQ(Failure(), 6U);
+    plugin_.SetDllName(Plugin(L"axtsa.spi", "crash:av:GetFile\n", L"2.spi"));
+    Bind({});
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(Failure(), 255U);
+    EXPECT_EQ(plugin_.ErrorCount({}), 1);
+    EXPECT_EQ(FreeHandles(), before);
+}
+
 TEST_F(ArchiveTest, PluginsThatOnlyKnowTheDiskGetNoNameThatLeadsOutOfTheFolder) {
     plugin_.SetFile(
         folder_.Write(L"x.tsa", ArchiveOf({{"..\\..\\out.tessary", "x"}}, "no-memory\n")));

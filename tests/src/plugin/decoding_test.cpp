@@ -1,4 +1,5 @@
 // Decoding the bound picture: sizes, tries, preview, blocks that lie, stopping, drawing.
+#include "app/base/error.h"
 #include "helpers/dib/dib_view.h"
 #include "tests/src/plugin/plugin_test.h"
 
@@ -122,12 +123,54 @@ TEST_F(DecodingTest, FilesAreTriedTwiceAndMemoryOnce) {
     plugin_.SetMemoryHandle(block.Get(), L"a.tst");
     EXPECT_EQ(DecodeFailure(), 6U);
     EXPECT_EQ(Calls(path_, "GetPicture"), 7);
+}
 
-    Bind("crash:stack-overflow:GetPicture");
+TEST_F(DecodingTest, ACallThatHasCrashedIsNotMadeAgain) {
+    Bind("crash:stack-overflow:GetPicture\ncrash:av:GetPictureInfo");
+    const std::wstring file = plugin_.GetFile();
+    const auto crashes = [&] { return plugin_.ErrorCount({}); };
+    for (const uint32_t flags : {0U, 0U, kDecodeTryPreview}) {
+        EXPECT_EQ(DecodeFailure(flags), 255U);
+        EXPECT_EQ(plugin_.ErrorString(), L"SPIファイル内の関数で致命的エラーが発生しました");
+    }
+    EXPECT_EQ(plugin_.ErrorCount(L"GetPicture"), 1);
+    EXPECT_EQ(plugin_.Width(), -1);
+    EXPECT_EQ(crashes(), 2);
+    Bind("");  // another file
+    EXPECT_EQ(Decode(), 0U);
+    Touch(file);
+    plugin_.SetFile(file);
     EXPECT_EQ(DecodeFailure(), 255U);
-    EXPECT_EQ(plugin_.ErrorString(), L"SPIファイル内の関数で致命的エラーが発生しました");
-    EXPECT_EQ(plugin_.ErrorFunction(), L"GetPicture");
-    EXPECT_EQ(plugin_.ErrorCount(L"GetPicture"), 2);
+    EXPECT_EQ(crashes(), 3) << "another content under the same name";
+
+    // What is read from memory, too.
+    const OwnedBlock blocks[] = {Block("TST 5x3x24\ncrash:av:GetPicture\n"),
+                                 Block("TST 5x3x24\ncrash:av:GetPicture\n"),
+                                 Block("TST 5x4x24\ncrash:av:GetPicture\n")};
+    for (const OwnedBlock& block : blocks) {
+        plugin_.SetMemoryHandle(block.Get(), L"a.tst");
+        EXPECT_EQ(DecodeFailure(), 255U);
+    }
+    EXPECT_EQ(crashes(), 5);
+    plugin_.ForgetErrors();
+    EXPECT_EQ(DecodeFailure(), 255U);
+    EXPECT_EQ(crashes(), 1);
+}
+
+TEST_F(DecodingTest, NothingOfAPluginsBlocksStays) {
+    const auto before = FreeHandles();
+    for (const char* kind :
+         {"", "bits-size:0", "info-size:0\nbits-size:0", "no-bits\ninfo-size:0", "no-info",
+          "same-handle", "text:comment", "answer-after:GetPictureInfo:6\ntext:x",
+          "answer-after:GetPicture:6", "answer-after:GetPicture:6\nbits-size:0",
+          "answer-after:GetPicture:6\nsame-handle", "answer-after:GetPicture:6\nwild-handles",
+          "answer-after:GetPicture:6\nfixed"}) {
+        Bind(kind);
+        plugin_.Width();
+        Trapped([&] { Decode(kDecodeTryPreview); });
+        picture_ = {};
+        EXPECT_EQ(FreeHandles(), before) << kind;
+    }
 }
 
 TEST_F(DecodingTest, WhatThePluginTellsBesideItsResultIsChecked) {

@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -60,6 +61,16 @@ class PluginTest : public testing::Test {
         return block;
     }
     static bool CallIsLogged() { return GetSetting(L"SPI_CALLLOG", L"SPI", L"-") != L"-"; }
+
+    // The handles that the next movable blocks would get: others than before when some have leaked.
+    static std::set<HLOCAL> FreeHandles() {
+        std::set<HLOCAL> handles;
+        for (int i = 0; i < 8; ++i)
+            handles.insert(LocalAlloc(LMEM_MOVEABLE, 1));
+        for (HLOCAL handle : handles)
+            LocalFree(handle);
+        return handles;
+    }
 
     // Runs one test of this program as a process of its own, on the same settings, and answers its
     // exit status. The test finds `file` in the environment as TESSARY_TEST_FILE.
