@@ -83,7 +83,7 @@ int BenchForward(const std::vector<std::wstring>& files) {
     for (int run = 0; run <= 3; ++run) {
         const double oneTime = Timed([&] {
             for (const std::wstring& file : files) {
-                ShowFile(file, program.window, program.bar, OnFailure::kStaySilent);
+                ShowFile(file, program.window, program.bar);
                 program.window.pictureView().Refresh();
             }
         });

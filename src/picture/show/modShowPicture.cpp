@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "app/base/handles.h"
-#include "app/base/message_box.h"
+#include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "picture/bitmap_file.h"
 #include "picture/current_picture.h"
@@ -37,30 +37,46 @@ bool PutResizedIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
     return resized && PutIntoView(resized.Get(), size, view);
 }
 
-// Makes what was read the current picture and shows it.
-ShownFile Show(ReadResult result, PictureView& view, OnFailure onFailure) {
-    if (IsPictureKind(result.file.kind)) {
-        SetCurrentPicture(result.picture.Release(), result.file.damage);
-        if (!DisplayCurrentPicture(view)) {
-            // Neither the former picture nor this one's name may stand for what is not there.
-            SetCurrentPicture({});
-            view.ClearPicture();
-            result.file = {.failure = FailureText(result.subject, kDrawingFailedText)};
-        }
-    }
-    if (onFailure == OnFailure::kTellUser && !result.file.failure.empty()) {
-        ShowMessageBox(result.file.failure, MB_ICONEXCLAMATION);
-    }
-    return result.file;
+constexpr wchar_t kNoPluginText[] = L"対応しているプラグインがありません。";
+constexpr wchar_t kNestedArchiveText[] = L"圧縮ファイルの中の圧縮ファイルは開けません。";
+constexpr wchar_t kEmptyArchiveText[] = L"圧縮ファイルの中にファイルがありません。";
+
+// Why there is no picture.
+std::wstring ReasonOf(const ReadResult& result) {
+    if (result.file.stopped) return result.subject + L" の読み込みを中止しました。";
+    if (!result.file.failure.empty()) return result.file.failure;
+    return FailureText(result.subject,
+                       result.file.kind == kFileArchive ? kNestedArchiveText : kNoPluginText);
 }
 
-// Fills the list with the members of the archive that was just recognised.
-void ListMembers(const std::wstring& path, MemberList& list) {
+// Fills the list with the members of the archive that was just recognised; false when there are
+// none.
+bool ListMembers(const std::wstring& path, MemberList& list) {
     clsSusie* const archive = SusieCollection().ArchiveToList(path);
-    if (archive == nullptr) return;
+    if (archive == nullptr) return false;
     std::vector<ListedMember> members = archive->GetExpandFileList();
     SortNaturally(members);
     list.SetMembers(members);
+    return !members.empty();
+}
+
+// The user knows the folder, and the view is no place for a long path.
+std::wstring WithoutFolder(std::wstring text, const std::wstring& path) {
+    const size_t at = text.find(path);
+    if (at != std::wstring::npos) text.replace(at, path.size(), FileNameOf(path));
+    return text;
+}
+
+// Makes what was read of the file `path` the current picture and shows it, or tells why there is
+// none.
+ShownFile Show(ReadResult result, const std::wstring& path, PictureView& view) {
+    if (IsPictureKind(result.file.kind)) {
+        SetCurrentPicture(result.picture.Release(), result.file.damage);
+        if (DisplayCurrentPicture(view)) return result.file;
+        result.file = {.failure = FailureText(result.subject, kDrawingFailedText)};
+    }
+    ShowReasonFor(view, WithoutFolder(ReasonOf(result), path));
+    return result.file;
 }
 
 }  // namespace
@@ -81,16 +97,22 @@ FileKind QueryFileKind(const std::wstring& path) {
     return plugins.Item(index).DllStyle() == kStyleArchive ? kFileArchive : kFilePicture;
 }
 
-ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members,
-                   OnFailure onFailure) {
+ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members) {
     ReadResult result = ReadPictureFile(path, view);
-    if (result.file.kind == kFileArchive) ListMembers(path, members);
-    return Show(std::move(result), view, onFailure);
+    if (result.file.kind == kFileArchive) {
+        if (ListMembers(path, members)) return result.file;
+        result.file.failure = FailureText(result.subject, kEmptyArchiveText);
+    }
+    return Show(std::move(result), path, view);
 }
 
-ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view,
-                            OnFailure onFailure) {
-    return Show(ReadArchiveMember(archivePath, position, view), view, onFailure);
+ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {
+    return Show(ReadArchiveMember(archivePath, position, view), archivePath, view);
+}
+
+void ShowReasonFor(PictureView& view, const std::wstring& reason) {
+    SetCurrentPicture({});
+    view.ShowReason(reason);
 }
 
 bool DisplayCurrentPicture(PictureView& view) {

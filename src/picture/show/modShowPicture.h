@@ -15,19 +15,19 @@ namespace tessary {
 // takes the answer over and costs no second look for its plug-in.
 FileKind QueryFileKind(const std::wstring& path);
 
-// Whether a message box tells the user what cannot be shown; ShownFile has the text either way.
-enum class OnFailure { kTellUser, kStaySilent };
-
 // Reads a picture file, makes it the current picture and shows it in the view; of an archive fills
 // the list with the members. For what cannot be read, for what nobody claims, and when the view
-// asks the read to stop, the answer is kFileUnknown and the picture shown before stays.
-ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members,
-                   OnFailure onFailure);
+// asks the read to stop, the answer is kFileUnknown, and the view has the reason in place of a
+// picture; so it has for an archive without members. The picture shown before stays until the read
+// has ended, and that of an archive until a member is shown.
+ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members);
 
 // The same for a member of an archive, by its `position` of the list that ShowFile filled: it is
-// extracted to memory. An archive in an archive is only recognised.
-ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view,
-                            OnFailure onFailure);
+// extracted to memory. An archive in an archive is only recognised; the view tells so.
+ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view);
+
+// Puts the reason into the view why a file is not shown; there is no current picture then.
+void ShowReasonFor(PictureView& view, const std::wstring& reason);
 
 // Lays the current picture out in the view at the display size mode; with no current picture the
 // view is emptied. False when the picture could not be put into the view.

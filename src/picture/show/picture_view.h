@@ -25,6 +25,9 @@ class PictureView {
     // Empties the view.
     virtual void ClearPicture() = 0;
 
+    // Empties the view and tells in its middle why there is no picture.
+    virtual void ShowReason(const std::wstring& reason) = 0;
+
     // Sets the text of a status bar panel, one of the k…Panel numbers.
     virtual void SetPanelText(int panel, const std::wstring& text) = 0;
 

@@ -99,7 +99,7 @@ ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
             if (watch.IsStopped()) return Stopped();
             return {{.kind = kFilePicture, .pluginName = name, .damage = plugin.Damage()},
                     std::move(picture),
-                    offer.subject};
+                    {}};
         } catch (...) {
             const RaisedError error = CurrentError();
             if (watch.IsStopped()) return Stopped();
@@ -142,7 +142,7 @@ ReadResult BitmapOr(OwnedPicture picture, std::wstring damage, const std::wstrin
                     const ReadWatch& watch, DecodeByPlugins decodeByPlugins) {
     if (watch.IsStopped()) return Stopped();
     if (picture) {
-        return {{.kind = kFileBitmap, .damage = std::move(damage)}, std::move(picture), subject};
+        return {{.kind = kFileBitmap, .damage = std::move(damage)}, std::move(picture), {}};
     }
     ReadResult result = decodeByPlugins();
     if (result.file.kind == kFileUnknown && result.file.failure.empty()) {
@@ -160,13 +160,7 @@ ReadResult ReadBlock(HLOCAL block, const std::wstring& name, const std::wstring&
     return BitmapOr(std::move(picture), std::move(damage), subject, watch, decode);
 }
 
-}  // namespace
-
-std::wstring FailureText(const std::wstring& subject, const std::wstring& reason) {
-    return subject + L" を表示できません。\r\n" + reason;
-}
-
-ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
+ReadResult ReadFileAt(const std::wstring& path, PictureView& view) {
     ReadWatch watch(view);
     std::wstring failure;
     switch (IsBITMAPFile(path, failure)) {
@@ -184,11 +178,12 @@ ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
                     [&] { return DecodeFile(path, watch); });
 }
 
-ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {
+// `subject` receives how messages name the member.
+ReadResult ReadMember(const std::wstring& archivePath, int32_t position, PictureView& view,
+                      std::wstring& subject) {
     if (PluginCallUnderWay()) return {};
     ReadWatch watch(view);
     clsSusie* const archive = SusieCollection().ListedArchive(archivePath);
-    std::wstring subject = SubjectOf(archivePath);
     if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
     std::wstring name;
     OwnedBlock content;
@@ -207,6 +202,25 @@ ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, 
     ReadResult result = ReadBlock(content.Get(), FileNameOf(name), subject, watch);
     // What the member lacks is the cause of what its picture lacks.
     if (IsPictureKind(result.file.kind) && !damage.empty()) result.file.damage = std::move(damage);
+    return result;
+}
+
+}  // namespace
+
+std::wstring FailureText(const std::wstring& subject, const std::wstring& reason) {
+    return subject + L" を表示できません。\r\n" + reason;
+}
+
+ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
+    ReadResult result = ReadFileAt(path, view);
+    result.subject = SubjectOf(path);
+    return result;
+}
+
+ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {
+    std::wstring subject = SubjectOf(archivePath);
+    ReadResult result = ReadMember(archivePath, position, view, subject);
+    result.subject = std::move(subject);
     return result;
 }
 

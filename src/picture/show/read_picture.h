@@ -14,7 +14,7 @@ namespace tessary {
 struct ReadResult {
     ShownFile file;
     OwnedPicture picture;
-    std::wstring subject;  // how messages name it; set for a picture's kind
+    std::wstring subject;  // how messages name it
 };
 
 // Reads a file, with a plug-in unless it is a bitmap. A plug-in that takes it and then fails does

@@ -26,10 +26,10 @@ struct ShownFile {
     // What is wrong with a picture of which only a part could be read, one line for the user;
     // empty: it is whole, as far as its reader can tell.
     std::wstring damage = {};
-    // Why it could not be shown, for the user; empty when it was shown, when nobody claims it, and
-    // when the read was asked to stop.
+    // Why it could not be shown, for a message box; empty when it was shown, when nobody claims it,
+    // and when the read was asked to stop.
     std::wstring failure = {};
-    // The read was asked to stop, and the picture shown before stays. The kind is unknown then.
+    // The read was asked to stop. The kind is unknown then.
     bool stopped = false;
 };
 

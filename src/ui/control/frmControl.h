@@ -4,6 +4,7 @@
 // The window has no caption: it is dragged by its body and folds up to its toolbar.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -56,6 +57,8 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     bool boolFormLoaded() const { return formLoaded_; }
 
     // ControlBar
+    std::wstring Failure() const override;
+    void PictureReplaced(const std::wstring& info) override;
     void ClearLists() override;
     std::vector<std::wstring> FileList() const override;
     bool HasFiles() const override { return listFileName_.Count() > 0; }
@@ -113,10 +116,12 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void ShowListedFile(const std::wstring& path);
     void ShowListedMember();
     void ShowNoArchive();
-    OnFailure FailureWay() const;
-    void TellFailure(const std::wstring& failure);
+    void ShowVanished(const std::wstring& path);
+    void ShowEmptyList();
+    ShownFile Show(const std::wstring& name, const std::function<ShownFile()>& show);
     void TellInfo(const std::wstring& info);
     void TellShown(const std::wstring& text);
+    void TellNotShown(const std::wstring& text);
     void DisableParts();
     void EnableParts(HWND focused);
     void EndLoad();
@@ -161,6 +166,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     bool unloading_ = false;
     bool deletePanelOpen_ = false;
     bool archiveShown_ = false;             // the member list belongs to the selected file
+    std::wstring failure_;                  // why the file shown last is not shown
     int busy_ = 0;                          // how many Busy there are
     bool inBurst_ = false;                  // there is a Burst
     std::optional<std::wstring> lateInfo_;  // what is to be told behind the burst

@@ -27,6 +27,7 @@ void frmControl::AddToDeleteList() {
     listFileName_.Remove(selected);
     // The next file comes up, so that a heap can be weeded out key by key.
     listFileName_.Select(std::min(selected, listFileName_.Count() - 1));
+    if (listFileName_.Count() == 0) ShowEmptyList();
 }
 
 void frmControl::OpenDeletePanel() {

@@ -7,6 +7,7 @@
 #include "app/base/paths.h"
 #include "picture/show/modShowPicture.h"
 #include "picture/show/picture_text.h"
+#include "picture/show/read_picture.h"
 #include "ui/control/frmControl_busy.h"
 #include "ui/form/message_loop.h"
 
@@ -30,6 +31,9 @@ constexpr wchar_t kReading[] = L"読み込んでいます";
 constexpr wchar_t kSearching[] = L"画像を探しています";
 
 constexpr wchar_t kNotArchive[] = L"Not Archive File.";
+
+constexpr wchar_t kEmptyList[] = L"表示するファイルがありません。";
+constexpr wchar_t kVanished[] = L" が見つかりません。\r\n移動または削除された可能性があります。";
 
 const wchar_t* TagOf(const ShownFile& shown) {
     return shown.stopped ? kTagStopped : KindTag(shown.kind);
@@ -99,6 +103,12 @@ void frmControl::TellInfo(const std::wstring& info) {
     }
 }
 
+// The same in the bar and in the main window.
+void frmControl::TellNotShown(const std::wstring& text) {
+    TellInfo(text);
+    TellShown(text);
+}
+
 // In the main window's status bar.
 void frmControl::TellShown(const std::wstring& text) {
     if (inBurst_) {
@@ -114,7 +124,11 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
     if (busy_ > 0 || !Load(window_.Handle())) return false;
     FillFileList(files);
     EndLoad();
-    if (Values().quitRequested || listFileName_.Count() == 0) return false;
+    if (Values().quitRequested) return false;
+    if (listFileName_.Count() == 0) {
+        ShowEmptyList();
+        return false;
+    }
     SetVisible(true);
     // The first file may keep the window from painting for long.
     RedrawWindow(Handle(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
@@ -163,6 +177,10 @@ void frmControl::ClearLists() {
     listArchiveFile_.SetEnabled(false);
 }
 
+void frmControl::PictureReplaced(const std::wstring& info) {
+    if (formLoaded_) TellInfo(info);
+}
+
 void frmControl::SetMembers(std::span<const ListedMember> members) {
     std::optional<RedrawHold> hold(std::in_place, listArchiveFile_);
     listArchiveFile_.SetDimmed(false);
@@ -194,37 +212,59 @@ void frmControl::listFileName_Click() {
     const int selected = listFileName_.Selected();
     if (selected >= 0) {
         const std::wstring path = listFileName_.Item(selected);
-        if (!IsPlainFile(path)) return;  // vanished; the flag stays
+        if (!IsPlainFile(path)) return ShowVanished(path);  // the flag stays
         ShowListedFile(path);
     }
     EndLoad();
 }
 
+void frmControl::ShowVanished(const std::wstring& path) {
+    const std::wstring name = FileNameOf(path);
+    ShowReasonFor(window_, L"ファイル " + name + kVanished);
+    ShowNoArchive();
+    TellNotShown(KindTag(kFileUnknown) + name);
+}
+
+void frmControl::ShowEmptyList() {
+    ShowReasonFor(window_, kEmptyList);
+    ShowNoArchive();
+    TellNotShown({});
+}
+
+// Whatever goes wrong, the picture before does not stay.
+ShownFile frmControl::Show(const std::wstring& name, const std::function<ShownFile()>& show) {
+    try {
+        return show();
+    } catch (...) {
+        const std::wstring failure = FailureText(L"ファイル " + name, CurrentError().Description());
+        ShowReasonFor(window_, failure);
+        return {.failure = failure};
+    }
+}
+
 void frmControl::ShowListedFile(const std::wstring& path) {
     const std::wstring name = FileNameOf(path);
-    const OnFailure onFailure = FailureWay();
-    ShownFile shown;
     {
         const Busy busy(*this, kReading);
-        TellInfo(kTagLoading + name);
+        TellNotShown(kTagLoading + name);
         // Some plug-ins let nothing be painted before they are done.
         if (!inBurst_) UpdateWindow(textFileInfo_.Handle());
-        shown = Trapped(ShownFile{}, [&] { return ShowFile(path, window_, *this, onFailure); });
-        std::wstring info = TagOf(shown) + name;
+        const ShownFile shown = Show(name, [&] { return ShowFile(path, window_, *this); });
+        failure_ = shown.failure;
         if (IsPictureKind(shown.kind)) {
             const std::wstring tail = PictureInfoTail();
-            info += tail;
             window_.SetPictureSource({name, shown.pluginName});
+            TellInfo(TagOf(shown) + name + tail);
             TellShown(kTagShown + name + tail);
+        } else {
+            TellNotShown(TagOf(shown) + name);
         }
-        TellInfo(info);
-        if (onFailure == OnFailure::kStaySilent) TellFailure(shown.failure);
-        archiveShown_ = shown.kind == kFileArchive;
+        archiveShown_ = shown.kind == kFileArchive && listArchiveFile_.Count() > 0;
     }
-    if (archiveShown_) {
-        if (listArchiveFile_.Count() > 0 && !Values().quitRequested) listArchiveFile_.Select(0);
-    } else {
+    if (!archiveShown_) {
         ShowNoArchive();
+    } else if (!Values().quitRequested) {
+        listArchiveFile_.Select(0);
     }
     window_.pictureView().Refresh();
 }
@@ -240,40 +280,29 @@ void frmControl::ShowListedMember() {
     const std::wstring archive = listFileName_.Item(listFileName_.Selected());
     const std::wstring archiveName = FileNameOf(archive);
     const int selected = listArchiveFile_.Selected();
+    const int32_t position = listArchiveFile_.ItemData(selected);
     const std::wstring member = FileNameOf(listArchiveFile_.Item(selected));
-    const OnFailure onFailure = FailureWay();
+    const std::wstring place = KindTag(kFileArchive) + archiveName + L" - ";
     ShownFile shown;
     {
         const Busy busy(*this, kReading);
-        shown = Trapped(ShownFile{}, [&] {
-            return ShowArchiveMember(archive, listArchiveFile_.ItemData(selected), window_,
-                                     onFailure);
-        });
+        TellNotShown(place + kTagLoading + member);
+        shown = Show(member, [&] { return ShowArchiveMember(archive, position, window_); });
         window_.pictureView().Refresh();
     }
-    std::wstring info = KindTag(kFileArchive) + archiveName + L" - " + TagOf(shown) + member;
     if (IsPictureKind(shown.kind)) {
         const std::wstring tail = PictureInfoTail();
-        info += tail;
         window_.SetPictureSource({member, shown.pluginName});
+        TellInfo(place + TagOf(shown) + member + tail);
         TellShown(kTagShown + archiveName + L" - " + member + archiveName + tail);
+    } else {
+        TellNotShown(place + TagOf(shown) + member);
     }
-    TellInfo(info);
-    if (onFailure == OnFailure::kStaySilent) TellFailure(shown.failure);
 }
 
 // No message box may stop a show.
-OnFailure frmControl::FailureWay() const {
-    return player_.IsPlaying() ? OnFailure::kStaySilent : OnFailure::kTellUser;
-}
-
-// The status bar then has the reason.
-void frmControl::TellFailure(const std::wstring& failure) {
-    if (failure.empty() && window_.statusInformation().PanelText(kNoticePanel).empty()) return;
-    std::wstring line = failure;
-    std::replace(line.begin(), line.end(), L'\r', L' ');
-    std::erase(line, L'\n');
-    window_.SetPanelText(kNoticePanel, line);
+std::wstring frmControl::Failure() const {
+    return player_.IsPlaying() ? std::wstring() : failure_;
 }
 
 void frmControl::EndLoad() {
@@ -288,7 +317,7 @@ void frmControl::EndLoad() {
 std::optional<int> frmControl::FindKnown(int start, int step) {
     const Busy busy(*this, kSearching);
     const int stops = stops_;
-    const std::wstring former = textFileInfo_.Text();
+    const std::wstring former = lateInfo_ ? *lateInfo_ : textFileInfo_.Text();
     const DWORD begin = GetTickCount();
     const int count = listFileName_.Count();
     const int total = step > 0 ? count - start : start + 1;

@@ -96,6 +96,7 @@ void OpenCommands::menuFileOpen_Click() {
         Values().general.openPath = chosen.folder;
         window_.ShowOpened(chosen.paths.size());
         bar_.SetFileList(chosen.paths);
+        if (chosen.paths.size() == 1) window_.TellFailure(bar_.Failure());
     } catch (...) {
         ReportError(L"frmMain - menuFileOpen_Click");
     }

@@ -4,10 +4,14 @@
 
 #include <utility>
 
+#include "ui/form/view_text.h"
+
 namespace tessary {
 namespace {
 
 constexpr int kRightButton = 2;
+
+constexpr UINT kNoteMilliseconds = 2000;
 
 POINT PointOf(LPARAM lParam) {
     return {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
@@ -46,7 +50,14 @@ SIZE PictureBox::AreaSize() const {
 
 void PictureBox::SetBackground(HBRUSH background) {
     background_ = background;
-    InvalidateRect(Handle(), nullptr, FALSE);
+    Invalidate();
+}
+
+COLORREF PictureBox::BackgroundColour() const {
+    LOGBRUSH brush{};
+    const bool isOwn =
+        background_ != nullptr && GetObjectW(background_, sizeof(brush), &brush) != 0;
+    return isOwn ? brush.lbColor : GetSysColor(COLOR_APPWORKSPACE);
 }
 
 void PictureBox::SetPicture(IPicture* picture, SIZE size, POINT position) {
@@ -54,7 +65,21 @@ void PictureBox::SetPicture(IPicture* picture, SIZE size, POINT position) {
     picture_.Reset(picture);
     size_ = picture != nullptr ? size : SIZE{};
     position_ = position;
-    InvalidateRect(Handle(), nullptr, FALSE);
+    SetReason({});
+    Invalidate();
+}
+
+void PictureBox::SetReason(const std::wstring& reason) {
+    if (reason_ == reason) return;
+    reason_ = reason;
+    SetWindowTextW(Handle(), reason_.c_str());
+    Invalidate();
+}
+
+void PictureBox::ShowNote(const std::wstring& note) {
+    note_ = note;
+    note_.empty() ? noteEnds_.Stop() : static_cast<void>(noteEnds_.Start(kNoteMilliseconds));
+    Invalidate();
 }
 
 void PictureBox::MovePicture(POINT position) {
@@ -62,6 +87,7 @@ void PictureBox::MovePicture(POINT position) {
     const int down = position.y - position_.y;
     if (right == 0 && down == 0) return;
     position_ = position;
+    if (!note_.empty()) return Invalidate();  // it stays where it is
     ScrollWindowEx(Handle(), right, down, nullptr, nullptr, nullptr, nullptr, SW_INVALIDATE);
 }
 
@@ -73,10 +99,17 @@ void PictureBox::Paint() const {
     PAINTSTRUCT paint;
     const HDC screen = BeginPaint(Handle(), &paint);
     const RECT picture = PictureRectangle();
+    const auto exclude = [&](const RECT& painted) {
+        ExcludeClipRect(screen, painted.left, painted.top, painted.right, painted.bottom);
+    };
+    if (!note_.empty()) exclude(PaintNote(screen, Handle(), note_));
+    if (!reason_.empty()) {
+        exclude(PaintReason(screen, Handle(), reason_, BackgroundColour()));
+    }
     RECT visible{};
     if (picture_ && IntersectRect(&visible, &picture, &paint.rcPaint)) {
         PaintPicture(screen, visible);
-        ExcludeClipRect(screen, picture.left, picture.top, picture.right, picture.bottom);
+        exclude(picture);
     }
     FillRect(screen, &paint.rcPaint,
              background_ != nullptr ? background_ : GetSysColorBrush(COLOR_APPWORKSPACE));
@@ -168,11 +201,16 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             RaiseContextMenu(PointOf(lParam));
             return 0;
         case WM_SYSCOLORCHANGE:
-            InvalidateRect(Handle(), nullptr, FALSE);
+            Invalidate();
             return 0;
+        case WM_SIZE:
+            // The texts have another place now.
+            if (!reason_.empty() || !note_.empty()) Invalidate();
+            break;
         default:
-            return Default(message, wParam, lParam);
+            break;
     }
+    return Default(message, wParam, lParam);
 }
 
 }  // namespace tessary

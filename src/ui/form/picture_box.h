@@ -4,9 +4,11 @@
 #include <ocidl.h>
 
 #include <functional>
+#include <string>
 
 #include "app/base/handles.h"
 #include "ui/form/message_loop.h"
+#include "ui/form/timer.h"
 #include "ui/form/wheel_notches.h"
 #include "ui/form/window.h"
 
@@ -59,7 +61,16 @@ class PictureBox : public Window {
 
     // Shows a bitmap picture of this size in pixels with its top left corner at `position`; takes a
     // reference of its own and releases the former picture's. A null picture empties the control.
+    // Takes a reason away.
     void SetPicture(IPicture* picture, SIZE size, POINT position);
+
+    // Tells in the middle of the empty control why it has no picture; readers of the screen find
+    // that as the window's text.
+    void SetReason(const std::wstring& reason);
+
+    // Puts a short text upon whatever is shown, for two seconds or until the next one.
+    void ShowNote(const std::wstring& note);
+    const std::wstring& Note() const { return note_; }
     IPicture* Picture() const { return picture_.Get(); }
     // The picture's own bitmap, which lives as long as the picture; null without one.
     HBITMAP Bitmap() const;
@@ -76,6 +87,8 @@ class PictureBox : public Window {
   private:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     RECT PictureRectangle() const;
+    COLORREF BackgroundColour() const;
+    void Invalidate() const { InvalidateRect(Handle(), nullptr, FALSE); }
     void Paint() const;
     void PaintPicture(HDC screen, const RECT& visible) const;
     void ShowPointer() const;
@@ -88,6 +101,9 @@ class PictureBox : public Window {
     SIZE size_{};
     POINT position_{};
     HBRUSH background_ = nullptr;
+    std::wstring reason_;
+    std::wstring note_;
+    Timer noteEnds_{[this] { ShowNote({}); }};
     WheelNotches notches_;
     MessageFilter wheel_{[this](MSG& message) {
         SendWheelBelowPointer(message);

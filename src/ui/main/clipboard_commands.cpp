@@ -95,16 +95,17 @@ void ClipboardCommands::menuEditPaste_Click() {
         // Neither the former picture nor this one's name may stand for what is not there.
         SetCurrentPicture({});
         window_.ClearPicture();
-        window_.SetPanelText(kShownFilePanel, L"");
+        window_.ShowForeignPicture({});
         ShowMessageBox(L"クリップボード内の画像 を表示できません。", MB_ICONEXCLAMATION);
         return;
     }
     dib::BitmapInfoHeader header{};
     GetPictureHeader(CurrentPicture(), header);
     window_.SetPictureSource({kPictureSource, {}});
-    window_.SetPanelText(kPluginCountPanel, std::wstring(kTagShown) + L"クリップボード内の画像 ( " +
-                                                std::to_wstring(header.bitCount) + L"bit )");
-    window_.SetPanelText(kShownFilePanel, L"");  // it is no file
+    const std::wstring name =
+        L"クリップボード内の画像 ( " + std::to_wstring(header.bitCount) + L"bit )";
+    window_.SetPanelText(kPluginCountPanel, kTagShown + name);
+    window_.ShowForeignPicture(name);
 }
 
 }  // namespace tessary

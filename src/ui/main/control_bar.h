@@ -30,6 +30,10 @@ class FileListReceiver {
     // Replaces the list of files being viewed and shows the first; false when nothing was added.
     virtual bool SetFileList(std::span<const std::wstring> files) = 0;
 
+    // Why the file that was shown last could not be shown, for a message box; empty when it could,
+    // and during a show, which nothing may stop.
+    virtual std::wstring Failure() const = 0;
+
   protected:
     ~FileListReceiver() = default;
 };
@@ -42,6 +46,9 @@ class ControlBar : public FileListReceiver {
     // The full paths of the files being viewed, in the order of their list.
     virtual std::vector<std::wstring> FileList() const = 0;
     virtual bool HasFiles() const = 0;
+
+    // Told that the view has something else than the selected file now: its name, or nothing.
+    virtual void PictureReplaced(const std::wstring& info) = 0;
 
     // Does what a click on the button does.
     virtual void Press(BarButton button) = 0;

@@ -221,7 +221,12 @@ void frmMain::menuEditClear_Click() {
     SetCurrentPicture({});
     ClearPicture();
     SetPanelText(kPluginCountPanel, L"");
+    ShowForeignPicture({});
+}
+
+void frmMain::ShowForeignPicture(const std::wstring& info) {
     SetPanelText(kShownFilePanel, L"");
+    if (controlBar_ != nullptr) controlBar_->PictureReplaced(info);
 }
 
 void frmMain::menuPopup_Click(int item) {
@@ -295,6 +300,12 @@ void frmMain::SetPicture(IPicture* picture, int width, int height) {
 void frmMain::ClearPicture() {
     source_ = {};
     PutIntoView(nullptr, {});
+}
+
+void frmMain::ShowReason(const std::wstring& reason) {
+    ClearPicture();
+    pictureView_.SetReason(reason);
+    ShowPluginCount();
 }
 
 void frmMain::PutIntoView(IPicture* picture, SIZE size) {

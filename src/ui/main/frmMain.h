@@ -116,6 +116,14 @@ class frmMain final : public Form, public PictureView {
     // it is `missing`; takes back what the last opening told.
     void ShowOpened(size_t count, int missing = 0);
 
+    // Tells in a message box why the one file could not be shown that the user has opened by hand;
+    // nothing for an empty text.
+    void TellFailure(const std::wstring& failure) const;
+
+    // What is in the view now, or nothing, comes from no file of the control bar's: empties its
+    // place in the status bar and tells the bar.
+    void ShowForeignPicture(const std::wstring& info);
+
     // Arrow keys scroll; Enter, the space bar and Page Down step forward, Shift+Enter, Backspace
     // and Page Up back. `shift` is a sum of kShiftMask …. The control bar passes its own keys on to
     // this.
@@ -128,6 +136,7 @@ class frmMain final : public Form, public PictureView {
     SIZE WorkAreaSize() const override;  // on the full screen all of it
     void SetPicture(IPicture* picture, int width, int height) override;
     void ClearPicture() override;
+    void ShowReason(const std::wstring& reason) override;
     void SetPanelText(int panel, const std::wstring& text) override;
     bool Breathe() override;
     void TellProgress(int done, int total) override;  // of a Reading

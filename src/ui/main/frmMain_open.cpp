@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "app/base/command_line.h"
+#include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "ui/form/worker.h"
@@ -56,7 +57,13 @@ void frmMain::OpenNow(FileListing listing) {
     CloseIfAsked();
     if (!found || Values().quitRequested) return;
     ShowOpened(found->files.size(), found->missing);
-    if (!found->files.empty()) fileListReceiver_->SetFileList(found->files);
+    if (found->files.empty()) return;
+    fileListReceiver_->SetFileList(found->files);
+    if (found->files.size() == 1) TellFailure(fileListReceiver_->Failure());
+}
+
+void frmMain::TellFailure(const std::wstring& failure) const {
+    if (!failure.empty() && !Values().quitRequested) ShowMessageBox(failure, MB_ICONEXCLAMATION);
 }
 
 void frmMain::ShowOpened(size_t count, int missing) {

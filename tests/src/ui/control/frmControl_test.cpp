@@ -64,6 +64,11 @@ class ControlBarTest : public testing::Test {
                              "TST 10x4x24\n\nTST 9x4x24\n\nhello\n");
     }
     std::wstring Panel() const { return window_.statusInformation().PanelText(kShownFilePanel); }
+    std::wstring Reason() const {
+        wchar_t text[300]{};
+        GetWindowTextW(window_.pictureView().Handle(), text, 300);
+        return text;
+    }
     std::wstring Info() const { return bar_.textFileInfo().Text(); }
     int Selected() const { return bar_.listFileName().Selected(); }
     // A user's click on an entry of a list.
@@ -121,6 +126,8 @@ TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
     EXPECT_EQ(Panel(), L"[表示中] 書庫.tsa - b9.tst書庫.tsa ( 9×4 24bit )");
     Click(bar_.listArchiveFile(), 2);
     EXPECT_EQ(Info(), L"[圧縮] 書庫.tsa - [未知] readme.txt");
+    EXPECT_EQ(Panel(), Info());
+    EXPECT_FALSE(window_.PictureShown());
 
     Click(bar_.listFileName(), 2);
     EXPECT_EQ(Info(), L"[未知] x.txt");
@@ -155,7 +162,35 @@ TEST_F(FileListTest, ClosingDuringALoadClosesWhenItEnds) {
     EXPECT_TRUE(messages_.All().empty());
 }
 
-TEST_F(FileListTest, AStoppedLoadKeepsThePictureBefore) {
+// The picture of another file never stays, and nobody is stopped by a message box.
+TEST_F(FileListTest, WhatCannotBeShownLeavesTheViewEmpty) {
+    const std::wstring gone = Bitmap(L"gone.bmp");
+    const List files{Bitmap(L"1.bmp"), gone,
+                     folder_.Write(L"b.tst", "TST 8x8x24\ncrash:av:GetPicture\n"),
+                     folder_.Write(L"none.tsa", "TSA\n\n")};
+    bar_.SetFileList(files);
+    std::filesystem::remove(gone);
+    for (const auto& [index, told] :
+         {std::pair{1, L"[未知] gone.bmp"}, {2, L"[未知] b.tst"}, {3, L"[圧縮] none.tsa"}}) {
+        Click(bar_.listFileName(), 0);
+        EXPECT_TRUE(window_.PictureShown());
+        EXPECT_EQ(Reason(), L"");
+        Click(bar_.listFileName(), index);
+        EXPECT_FALSE(window_.PictureShown()) << told;
+        EXPECT_EQ(CurrentPicture().info, nullptr) << told;
+        EXPECT_NE(Reason(), L"") << told;
+        EXPECT_EQ(Info(), told);
+        EXPECT_EQ(Panel(), told);
+        EXPECT_EQ(Values().pictureLoading, index == 1) << told;  // what vanished leaves it
+        EXPECT_EQ(Items(bar_.listArchiveFile()), List{kNotArchive}) << told;
+        EXPECT_EQ(bar_.Failure().empty(), index == 1) << told;
+    }
+    EXPECT_FALSE(bar_.SetFileList({}));
+    EXPECT_EQ(Info() + Panel(), L"");
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(FileListTest, AStoppedLoadLeavesNothing) {
     bar_.SetFileList(List{Bitmap(L"1.bmp"), folder_.Write(L"2.tst", "TST 8x50x24\nprogress:9\n")});
     const auto escapeALoad = [&] {
         Sleep(25);  // so long a load keeps the messages waiting
@@ -164,7 +199,8 @@ TEST_F(FileListTest, AStoppedLoadKeepsThePictureBefore) {
     };
     escapeALoad();
     EXPECT_EQ(Info(), L"[中止] 2.tst");
-    EXPECT_EQ(Panel(), L"[表示中] 1.bmp ( 8×6 24bit )");
+    EXPECT_EQ(Panel(), L"[中止] 2.tst");
+    EXPECT_FALSE(window_.PictureShown());
     EXPECT_TRUE(bar_.listFileName().IsEnabled());
     // During a show it is the show that stops.
     Values().general.slideShowTime = 10000;
@@ -223,8 +259,9 @@ TEST_F(PlayerTest, StepsStopTheShowAndFailuresDoNot) {
     bar_.Press(BarButton::kReversePlay);
     bar_.Press(BarButton::kStepBack);
     EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
-    EXPECT_EQ(messages_.All().size(), 1u);  // without a show the user is told
     EXPECT_EQ(Selected(), 2);
+    EXPECT_FALSE(window_.PictureShown());
+    EXPECT_TRUE(messages_.All().empty());
 }
 
 TEST_F(PlayerTest, DisplaySizesGoRound) {

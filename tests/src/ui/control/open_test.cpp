@@ -27,6 +27,8 @@ using Texts = std::vector<std::wstring>;
 // Takes lists as the control bar does.
 class TakingBar final : public ControlBar {
   public:
+    std::wstring Failure() const override { return {}; }
+    void PictureReplaced(const std::wstring&) override {}
     bool SetFileList(std::span<const std::wstring> files) override {
         lists.emplace_back(files.begin(), files.end());
         if (onSetFileList) onSetFileList();

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "tests/src/ui/test_picture.h"
 #include "ui/form/form.h"
 
@@ -73,6 +75,41 @@ TEST_F(PictureBoxTest, PaintsPictureAndBackground) {
     box_.SetPicture(nullptr, {250, 240}, {});
     ExpectOnScreen("emptied");
     EXPECT_EQ(shown->Release(), 0u);  // the box has let go
+}
+
+// Where the area differs from the background; empty when it does not.
+RECT PaintedPart(const PictureBox& box) {
+    box.Refresh();
+    const HDC context = GetDC(box.Handle());
+    RECT painted{};
+    for (int y = 0; y < box.AreaSize().cy; ++y) {
+        for (int x = 0; x < box.AreaSize().cx; ++x) {
+            const RECT pixel{x, y, x + 1, y + 1};
+            if (GetPixel(context, x, y) == GetSysColor(COLOR_APPWORKSPACE)) continue;
+            UnionRect(&painted, &painted, &pixel);
+        }
+    }
+    ReleaseDC(box.Handle(), context);
+    return painted;
+}
+
+TEST_F(PictureBoxTest, TellsWhyItIsEmpty) {
+    box_.SetReason(std::wstring(60, L'絵') + L"\r\n壊れています。");
+    for (const int width : {200, 120}) {
+        box_.SetBounds(0, 0, width, 150);
+        const RECT text = PaintedPart(box_);
+        EXPECT_GT(text.left, 0) << width;  // wrapped
+        EXPECT_NEAR(text.left, width - text.right, 16) << width;
+        EXPECT_NEAR(text.top, 150 - text.bottom, 8) << width;
+    }
+    box_.SetBounds(0, 0, 200, 150);
+    box_.ShowNote(L"2 個");
+    EXPECT_GT(PaintedPart(box_).bottom, 130);
+    box_.ShowNote({});
+    box_.SetPicture(MakePicture(60, 40).Get(), {60, 40}, {70, 55});
+    ExpectOnScreen("the picture alone");
+    box_.SetPicture(nullptr, {}, {});
+    EXPECT_TRUE(IsRectEmpty(std::array{PaintedPart(box_)}.data()));
 }
 
 }  // namespace

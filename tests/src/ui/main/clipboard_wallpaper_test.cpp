@@ -76,6 +76,7 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
     EXPECT_EQ(ShownPixel(5, 3), test::PixelAt(5, 3));
     EXPECT_EQ(Panel(kPluginCountPanel), L"[表示中] クリップボード内の画像 ( 24bit )");
     EXPECT_EQ(Panel(kShownFilePanel), L"");
+    EXPECT_EQ(controlBar_.info, L"クリップボード内の画像 ( 24bit )");
     EXPECT_EQ(window_.Source().fileName, L"クリップボード");
     window_.SetPictureSource({L"b.bmp", L""});  // the next file
     EXPECT_EQ(Panel(kPluginCountPanel), L"3個のプラグイン");

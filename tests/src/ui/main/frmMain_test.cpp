@@ -73,6 +73,14 @@ TEST_F(OpenFilesTest, TakesDroppedFilesAndFolders) {
     DoEvents();
     EXPECT_EQ(controlBar_.lists,
               (std::vector<List>{{second, first}, {folder_.Path() + L"中\\3.bmp"}}));
+    // A box tells of one file opened by hand, and never of one among others.
+    controlBar_.failure = L"broken";
+    window_.OpenLater({first, second});
+    DoEvents();
+    EXPECT_TRUE(messages_.All().empty());
+    window_.OpenLater({first});
+    DoEvents();
+    EXPECT_EQ(messages_.Only(), L"broken");
 }
 
 TEST_F(OpenFilesTest, RefusesDropsThatItCannotServe) {

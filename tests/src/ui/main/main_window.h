@@ -24,6 +24,8 @@ class RecordingControlBar final : public ControlBar {
         lists.emplace_back(files.begin(), files.end());
         return !files.empty();
     }
+    std::wstring Failure() const override { return failure; }
+    void PictureReplaced(const std::wstring& text) override { info = text; }
     void ClearLists() override { ++clears; }
     std::vector<std::wstring> FileList() const override { return files; }
     bool HasFiles() const override { return !files.empty(); }
@@ -35,6 +37,8 @@ class RecordingControlBar final : public ControlBar {
     std::vector<std::vector<std::wstring>> lists;
     std::vector<std::wstring> files;
     std::vector<int> pressed;
+    std::wstring failure;
+    std::wstring info = L"a file";
     bool visible = false;
     void SavePlace() override {}
     int unloads = 0;
