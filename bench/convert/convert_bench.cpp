@@ -24,8 +24,8 @@
 #include "helpers/susiectl/susie_interface.h"
 #include "picture/modMemory.h"
 #include "picture/show/modShowPicture.h"
+#include "plugin/call_log.h"
 #include "plugin/modSusie.h"
-#include "plugin/plugin_log.h"
 
 namespace tessary {
 namespace {

@@ -14,6 +14,7 @@
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "plugin/modSusie.h"
+#include "plugin/plugin_notices.h"
 #include "ui/control/frmControl.h"
 #include "ui/control/open_commands.h"
 #include "ui/control/save_commands.h"
@@ -39,13 +40,13 @@ void TellFailedStart(const std::wstring& reason) {
                    L"致命的エラー");
 }
 
-// Names the plug-in in whose call the last run ended. In the status bar: a message box would greet
-// the user with a plug-in's fault, again and again if it ends every run.
-void TellInterruptedCall(PictureView& view) {
-    const std::optional<PluginCall>& call = SusieCollection().InterruptedCall();
-    if (!call) return;
-    view.SetPanelText(kNoticePanel, L"前回はプラグイン " + call->plugin + L" の処理中（" +
-                                        call->function + L"）に終了しました");
+// Names the plug-ins in whose calls earlier runs ended, and what the loading has found amiss. In
+// the status bar: a message box would greet the user with a plug-in's fault, again and again if it
+// ends every run.
+void TellNotices(PictureView& view) {
+    std::vector<std::wstring> notices = InterruptedCallNotices();
+    if (std::wstring loading = LoadingNotice(); !loading.empty()) notices.push_back(loading);
+    if (!notices.empty()) view.SetPanelText(kNoticePanel, InOneLine(notices));
 }
 
 }  // namespace
@@ -88,8 +89,7 @@ int Main() {
         TellFailedStart({});
         return 1;
     }
-    window.SetPanelText(kNoticePanel, StoppedLoadingText());
-    TellInterruptedCall(window);
+    TellNotices(window);
     window.Show();
     progress.reset();
     return RunMessageLoop();

@@ -19,6 +19,7 @@
 #include "convert_cli/input_files.h"
 #include "convert_cli/stop_request.h"
 #include "plugin/modSusie.h"
+#include "plugin/plugin_notices.h"
 
 namespace tessary {
 namespace {
@@ -64,8 +65,12 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
     for (const std::wstring& name : inputs.missing)
         errors.WriteLine(L"ファイルが見つかりません: " + name);
     const PluginsInUse plugins;
-    LoadSPI();
     StopRequest stop;
+    LoadSPI([&](const std::wstring&, int32_t, int32_t) { return !stop.IsMade(); });
+    for (const auto& notices : {InterruptedCallNotices(), LoadingNotices()}) {
+        for (const std::wstring& notice : notices)
+            errors.WriteLine(notice);
+    }
     ConsoleStream output(STD_OUTPUT_HANDLE, options.codePage);
     ConsoleMonitor monitor(inputs.files, output, errors, [&] { return stop.IsMade(); });
     const bool ended = inputs.files.empty() || ConvertFiles(options.targetFolder, monitor);

@@ -4,6 +4,8 @@
 
 #include <atomic>
 
+#include "plugin/call_log.h"
+
 namespace tessary {
 namespace {
 
@@ -15,14 +17,19 @@ std::atomic<bool> isMade = false;
 
 BOOL WINAPI OnControlEvent(DWORD event) {
     const bool isFirst = !isMade.exchange(true);
+    // The system ends the process before this returns when its patience is at its end.
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+        ExcuseLastCall();
         // The process ends when this returns, or as soon as its own end is reached.
         Sleep(kGraceMilliseconds);
         return FALSE;
     }
     // At once, with the status that the system gives: plug-ins that hang would also hang when they
     // are told of an orderly end.
-    if (!isFirst) TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+    if (!isFirst) {
+        ExcuseLastCall();
+        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+    }
     return TRUE;
 }
 

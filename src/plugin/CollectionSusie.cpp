@@ -5,6 +5,7 @@
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "plugin/plugin_log.h"
 #include "plugin/susie_library.h"
 
 namespace tessary {
@@ -57,6 +58,7 @@ void CollectionSusie::RemoveAll() {
     if (PluginCallUnderWay()) return;
     members_.clear();
     leftOut_.clear();
+    skipped_.clear();
     lastSuccess_ = 0;
 }
 
@@ -76,7 +78,10 @@ std::vector<std::wstring> CollectionSusie::PluginFiles(const std::wstring& folde
 
 int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder, const ScanStep& step) {
     if (PluginCallUnderWay()) return Count();
-    if (auto call = RecoverInterruptedCall()) interruptedCall_ = std::move(call);
+    for (PluginCall& call : RecoverInterruptedCalls()) {
+        if (call.WhileLoading()) skipped_.insert(ToUpper(call.plugin));
+        interruptedCalls_.push_back(std::move(call));
+    }
     if (FindSusieLibrary() == nullptr || !IsFolder(folder)) return Count();
     int32_t count = Count();
     for (const std::wstring& path : PluginFiles(folder)) {
@@ -103,15 +108,18 @@ void CollectionSusie::AddSPI(const std::wstring& path) {
 // Whatever the store refuses to tell or to note, a plug-in that works is loaded.
 std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added,
                                                          const std::wstring& path) {
-    const std::wstring plugin = FileNameOf(path);
-    const std::wstring upperName = ToUpper(plugin);
+    const std::wstring plugin = FullPathOf(path);
     // A replaced file must not be judged by the failures of the one before.
-    if (Trapped(false, [&] { return CheckFileDate(path); })) barred_.erase(upperName);
+    const bool isNew = Trapped(false, [&] { return CheckFileDate(plugin); });
     if (Trapped(false, [&] { return KeepsEndingTheProgram(plugin); })) {
-        barred_.insert(upperName);
-        Trapped([&] { GrantAnotherLoad(plugin); });
+        return LeftOutReason::kBarred;
     }
-    if (barred_.contains(upperName)) return LeftOutReason::kBarred;
+    const auto isSkipped = [&](const std::wstring& name) {
+        return skipped_.contains(ToUpper(name));
+    };
+    if (!isNew && (isSkipped(plugin) || isSkipped(FileNameOf(plugin)))) {
+        return LeftOutReason::kSkipped;
+    }
     std::optional<LeftOutReason> refusal;
     try {
         added.SetDllName(path);
@@ -132,17 +140,16 @@ void CollectionSusie::NoteLeftOut(const std::wstring& path, std::optional<LeftOu
 }
 
 bool CollectionSusie::IsIncomplete() const {
-    return std::ranges::find(leftOut_, LeftOutReason::kWaiting, &LeftOutPlugin::reason) !=
-           leftOut_.end();
+    return std::ranges::any_of(leftOut_, [](const LeftOutPlugin& one) {
+        return one.reason == LeftOutReason::kWaiting || one.reason == LeftOutReason::kSkipped ||
+               (one.reason == LeftOutReason::kNoFolder && IsFolder(one.path));
+    });
 }
 
 void CollectionSusie::ForgetErrorsOfLeftOut(const std::wstring& path) {
-    const std::wstring plugin = FileNameOf(path);
-    ForgetFailures(plugin);
-    barred_.erase(ToUpper(plugin));
+    ForgetFailures(path);
     for (LeftOutPlugin& one : leftOut_) {
-        // Plug-ins are barred by their file name, in whichever folder.
-        if (one.reason == LeftOutReason::kBarred && EqualsIgnoreCase(FileNameOf(one.path), plugin))
+        if (one.reason == LeftOutReason::kBarred && EqualsIgnoreCase(one.path, path))
             one.reason = LeftOutReason::kWaiting;
     }
 }

@@ -15,10 +15,10 @@
 #include <string_view>
 #include <vector>
 
+#include "plugin/call_log.h"
 #include "plugin/clsSusie.h"
 #include "plugin/file_stamp.h"
 #include "plugin/left_out_plugin.h"
-#include "plugin/plugin_log.h"
 
 namespace tessary {
 
@@ -60,30 +60,41 @@ class CollectionSusie {
     using ScanStep = std::function<bool(const std::wstring& path)>;
 
     // Adds the plug-ins of a folder and answers Count. With more than 50 plug-ins dynamic loading
-    // is switched on. First counts the failure that ended the last run, if one did. `step` is asked
-    // before each file and may let messages run; empty: all are added.
+    // is switched on. First counts the failures that ended earlier runs; a plug-in that was being
+    // loaded then is left out until RemoveAll. `step` is asked before each file and may let
+    // messages run; empty: all are added.
     int32_t FScanAllSPI(const std::wstring& folder, const ScanStep& step = {});
 
     // Adds one plug-in before all that have failed at least as often. One that proves unusable
-    // takes a place too, with an empty DllName, as does one that must not be loaded in this run
-    // (KeepsEndingTheProgram); one that is there already is not added again.
+    // takes a place too, with an empty DllName, as does one that must not be loaded (kBarred,
+    // kSkipped); one that is there already is not added again.
     void AddSPI(const std::wstring& path);
 
     // Forgets a member's failures and gives it the place of one that has none: indexes change.
     // Raises PluginError for an index outside the collection, and while a plug-in is being called.
     void ForgetErrors(int32_t index);
 
-    // The files that AddSPI or a scan has met and that gave no plug-in, in the order of their
-    // meeting.
+    // The files that AddSPI or a scan has met and that gave no plug-in, and folders that gave none,
+    // in the order of their meeting.
     const std::vector<LeftOutPlugin>& LeftOut() const { return leftOut_; }
-    // Whether loading all plug-ins anew would bring some that wait (kWaiting).
+    // Whether loading all plug-ins anew may bring more: some wait (kWaiting, kSkipped), or a folder
+    // that was away (kNoFolder) is there now, at which the system is asked to look.
     bool IsIncomplete() const;
     // Forgets the failures of one that was left out; a barred one waits for the next loading then.
     // Raises RaisedError when the store cannot be accessed.
     void ForgetErrorsOfLeftOut(const std::wstring& path);
 
-    // The plug-in call in which the last run ended, if a scan has found one.
-    const std::optional<PluginCall>& InterruptedCall() const { return interruptedCall_; }
+    // Notes a whole folder that gave no plug-in: kNoFolder or kEmptyFolder.
+    void NoteFolder(const std::wstring& folder, LeftOutReason reason) {
+        NoteLeftOut(folder, reason);
+    }
+
+    // The plug-in calls in which earlier runs ended, as scans have found them.
+    const std::vector<PluginCall>& InterruptedCalls() const { return interruptedCalls_; }
+
+    // How messages and lists call a plug-in's file: by its name; where files of that name lie in
+    // several folders, with as much of its folder as tells them apart.
+    std::wstring NameOf(const std::wstring& path) const;
 
     // --- Use ---
 
@@ -163,9 +174,9 @@ class CollectionSusie {
     Listing listing_;
     int32_t lastSuccess_ = 0;  // index of the member that accepted last; 0 when unknown
     Query query_;
-    std::optional<PluginCall> interruptedCall_;
+    std::vector<PluginCall> interruptedCalls_;
+    std::set<std::wstring> skipped_;  // not to be loaded this time: paths or names in upper case
     std::vector<LeftOutPlugin> leftOut_;
-    std::set<std::wstring> barred_;  // not to be loaded in this run: file names in upper case
 };
 
 }  // namespace tessary

@@ -65,7 +65,8 @@ class clsSusie {
     // Whether UnloadDLL leaves the file loaded whatever is bound.
     bool IsKeptLoaded() const { return keepLoaded_ || SusieCalls::IsInUse(module_); }
 
-    // Whether ConfigurationDlg is there; opens it and answers its result, -1 when it is not.
+    // Whether ConfigurationDlg is there; opens it and answers its result, -1 when it is not. What
+    // the plug-in tells about itself is read anew behind it: settings may change the patterns.
     bool SupportConfigurationDialog() const { return supportConfigurationDialog_; }
     int32_t ShowConfigurationDialog(HWND parent);
 
@@ -198,6 +199,8 @@ class clsSusie {
     void UnloadAfterUse();
     void ReleasePlugin();
     void ReadPlugin();
+    void ReadInfo();
+    void RefreshInfo();
 
     void Unbind();
     bool Supports(const std::wstring& file);

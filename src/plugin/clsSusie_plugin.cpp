@@ -1,6 +1,7 @@
 // The plug-in file: setting, loading and freeing it, and what it tells about itself.
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
+#include "plugin/call_log.h"
 #include "plugin/clsSusie.h"
 #include "plugin/plugin_log.h"
 
@@ -39,10 +40,15 @@ void clsSusie::ReadPlugin() {
     const int32_t style = module_ == nullptr ? kStyleNone : calls_.BindAddresses(module_);
     if (style == kStyleNone) throw RefusedPluginError(module_ != nullptr);
     supportConfigurationDialog_ = calls_.Address(SusieFunction::kConfigurationDlg) != nullptr;
-    patterns_ = ReadFilePatterns(calls_);
-    productName_ = ReadProductName(calls_);
+    ReadInfo();
     dllStyle_ = style;
     keepLoaded_ = ErrorCount({}) != 0;
+}
+
+void clsSusie::ReadInfo() {
+    const InfoCalls logged(DllName());
+    patterns_ = ReadFilePatterns(calls_);
+    productName_ = ReadProductName(calls_);
 }
 
 void clsSusie::ReleasePlugin() {
@@ -116,27 +122,39 @@ int32_t clsSusie::ShowConfigurationDialog(HWND parent) {
     return Member(L"ShowConfigurationDialog(", [&] {
         RequireModule();
         const int32_t result = supportConfigurationDialog_ ? calls_.ConfigurationDlg(parent) : -1;
+        if (supportConfigurationDialog_ && result != kResultCrashed) RefreshInfo();
         UnloadAfterUse();
         return result;
     });
 }
 
+// After a crash what the plug-in has told before is better than nothing.
+void clsSusie::RefreshInfo() {
+    const uint32_t before = calls_.ErrorSerial();
+    FilePatterns patterns = patterns_;
+    std::wstring productName = productName_;
+    ReadInfo();
+    if (calls_.ErrorSerial() == before) return;
+    patterns_ = std::move(patterns);
+    productName_ = std::move(productName);
+}
+
 int32_t clsSusie::ErrorCount(std::wstring_view function) const {
     if (DllName().empty()) return 0;
-    return Trapped(0, [&] { return ReadErrorCount(FileNameOf(DllName()), function); });
+    return Trapped(0, [&] { return ReadErrorCount(DllName(), function); });
 }
 
 void clsSusie::SpiSEHError(std::wstring_view function) {
     Member(L"SpiSEHError(", [&] {
         if (DllName().empty()) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
-        IncrementErrorCount(FileNameOf(DllName()), function);
+        IncrementErrorCount(DllName(), function);
     });
 }
 
 void clsSusie::ForgetErrors() {
     Member(L"ForgetErrors(", [&] {
         if (DllName().empty()) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
-        ForgetFailures(FileNameOf(DllName()));
+        ForgetFailures(DllName());
         calls_.ForgetCrashes();
         keepLoaded_ = false;
         UnloadAfterUse();

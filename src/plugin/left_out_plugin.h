@@ -1,4 +1,5 @@
-// Plug-in files that were found and are not among the plug-ins, and why.
+// Plug-in files that were found and are not among the plug-ins, and folders that gave none, and
+// why.
 #pragma once
 
 #include <string>
@@ -11,11 +12,19 @@ enum class LeftOutReason {
     kNotLoadable,   // the system could not load it, or it crashed meanwhile
     kNoPlugin,      // a DLL without the functions of a Susie plug-in
     kBarred,        // it keeps ending the program
+    kSkipped,       // the last run ended while it was loaded: the next loading tries it again
     kWaiting,       // it was not its turn yet: the next loading takes it
+    kNoFolder,      // a whole plug-in folder that is not there
+    kEmptyFolder,   // a whole plug-in folder in which no plug-in is
 };
 
+// Whether a whole folder is meant and no file.
+constexpr bool IsFolderReason(LeftOutReason reason) {
+    return reason == LeftOutReason::kNoFolder || reason == LeftOutReason::kEmptyFolder;
+}
+
 struct LeftOutPlugin {
-    std::wstring path;
+    std::wstring path;  // of a folder with a trailing backslash
     LeftOutReason reason = LeftOutReason::kNotLoadable;
 };
 

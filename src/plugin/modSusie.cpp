@@ -1,9 +1,11 @@
 #include "plugin/modSusie.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
+#include "app/base/text.h"
 #include "app/settings/modValue.h"
 
 namespace tessary {
@@ -15,7 +17,8 @@ std::unique_ptr<CollectionSusie>& Instance() {
 }
 
 bool IsSearched(const GeneralSettings& settings, int folder) {
-    return settings.useSPI == 1 && !settings.spiFolder[folder].empty() && settings.loadSPI[folder];
+    return settings.useSPI == 1 && !settings.spiFolder[folder].empty() &&
+           (settings.loadSPI[folder] || settings.emptySPI[folder]);
 }
 
 // Asks the user, through `progress`, about one plug-in file after the other.
@@ -30,6 +33,30 @@ CollectionSusie::ScanStep StepOf(const LoadingProgress& progress, const GeneralS
         stopped = stopped || !progress(path, done++, total);
         return !stopped;
     };
+}
+
+// Whether a plug-in of that folder was left out for now only.
+bool MayYieldLater(const std::wstring& folder) {
+    const auto& leftOut = SusieCollection().LeftOut();
+    return std::ranges::any_of(leftOut, [&](const LeftOutPlugin& one) {
+        const bool isForNow = one.reason == LeftOutReason::kWaiting ||
+                              one.reason == LeftOutReason::kSkipped ||
+                              one.reason == LeftOutReason::kBarred;
+        return isForNow && EqualsIgnoreCase(FolderOf(one.path), FullPathOf(folder));
+    });
+}
+
+// Switches a folder off in which nothing is, for it costs time at every start. One that is away
+// for the moment keeps its switch.
+void JudgeFolder(const std::wstring& folder, bool& isOn, bool& isEmpty) {
+    CollectionSusie& collection = SusieCollection();
+    if (!IsFolder(folder)) {
+        if (isOn) collection.NoteFolder(folder, LeftOutReason::kNoFolder);
+        return;
+    }
+    isOn = collection.Count() >= 1 || MayYieldLater(folder);
+    isEmpty = !isOn;
+    if (isEmpty) collection.NoteFolder(folder, LeftOutReason::kEmptyFolder);
 }
 
 }  // namespace
@@ -51,8 +78,8 @@ bool LoadSPI(const LoadingProgress& progress) {
         for (int i = 0; i < kPluginFolderCount; ++i) {
             if (!IsSearched(settings, i)) continue;
             const std::wstring folder = AddBackslash(settings.spiFolder[i]);
-            const int32_t count = collection.FScanAllSPI(folder, step);
-            settings.loadSPI[i] = count >= 1 || collection.IsIncomplete();
+            collection.FScanAllSPI(folder, step);
+            JudgeFolder(folder, settings.loadSPI[i], settings.emptySPI[i]);
         }
         collection.Compact();
         return true;

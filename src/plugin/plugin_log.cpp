@@ -3,34 +3,48 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <limits>
-#include <memory>
+#include <optional>
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
+#include "app/base/text.h"
 #include "app/settings/setting_value.h"
 #include "app/settings/settings_store.h"
-#include "plugin/living_runs.h"
 
 namespace tessary {
 namespace {
 
-constexpr wchar_t kCallLog[] = L"SPI_CALLLOG";
-constexpr wchar_t kFunctionKey[] = L"Function";
-constexpr wchar_t kPluginKey[] = L"SPI";
-constexpr wchar_t kFileKey[] = L"File";
-
 constexpr wchar_t kTotalKey[] = L"Total";
 constexpr wchar_t kDateTime[] = L"SPI_DATETIME";
 
-// Key: a plug-in; value: how many runs in a row ended while it was being loaded.
+// Key: a plug-in; value: how many times in a row the program ended while it was being loaded.
 constexpr wchar_t kFatalLoads[] = L"SPI_FATALLOADS";
 constexpr int32_t kMostFatalLoads = 2;
 
+// What the name of a section has room for, by the registry's limit of 255.
+constexpr size_t kLongestPath = 220;
+
+// A number for a text, the same in every run: FNV-1a.
+uint64_t HashOf(std::wstring_view text) {
+    uint64_t hash = 0xCBF29CE484222325;
+    for (const wchar_t character : text)
+        hash = (hash ^ character) * 0x100000001B3;
+    return hash;
+}
+
+// A section's name holds no backslash: `C:/folder/name.spi_SPI_ERRORLOG`. Of a path that is too
+// long the folder is a number.
 std::wstring ErrorLogOf(std::wstring_view plugin) {
-    return std::wstring(plugin) + L"_SPI_ERRORLOG";
+    std::wstring name(plugin);
+    if (name.size() > kLongestPath) {
+        wchar_t number[24];
+        std::swprintf(number, std::size(number), L"%016llx/", HashOf(ToUpper(plugin)));
+        name = number + FileNameOf(plugin).substr(0, kLongestPath - std::size(number));
+    }
+    std::ranges::replace(name, L'\\', L'/');
+    return name + L"_SPI_ERRORLOG";
 }
 
 int32_t ReadCount(std::wstring_view section, std::wstring_view key) {
@@ -38,41 +52,10 @@ int32_t ReadCount(std::wstring_view section, std::wstring_view key) {
     return Trapped(0, [&] { return ToInt32(text); });
 }
 
-void Increment(std::wstring_view section, std::wstring_view key) {
+void Add(std::wstring_view section, std::wstring_view key, int32_t number) {
     const int32_t count = ReadCount(section, key);
-    if (count == std::numeric_limits<int32_t>::max()) return;
-    SaveSetting(section, key, ToSettingText(count + 1));
-}
-
-// The call log of one of the copies that run.
-std::wstring CallLogOf(int run) {
-    return run == 1 ? kCallLog : kCallLog + (L'_' + std::to_wstring(run));
-}
-
-std::array<KeyAndText, 3> TextsOf(const PluginCall& call) {
-    return {{{kFunctionKey, call.function}, {kPluginKey, call.plugin}, {kFileKey, call.file}}};
-}
-
-// The own call log. It never ends: plug-ins are still freed, and logged, while static objects are
-// destroyed.
-PassingSection& CallLog() {
-    static PassingSection* const log = std::make_unique<PassingSection>().release();
-    return *log;
-}
-
-std::optional<PluginCall> RecoverCallOf(int run) {
-    const std::wstring log = CallLogOf(run);
-    PluginCall call;
-    call.plugin = GetSetting(log, kPluginKey);
-    if (call.plugin.empty()) return std::nullopt;
-    call.function = GetSetting(log, kFunctionKey);
-    call.file = GetSetting(log, kFileKey);
-    // Emptied before it is counted: if this run ends here as well, it is not counted twice.
-    SaveSettings(log, TextsOf({}));
-    IncrementErrorCount(call.plugin, call.function);
-    if (call.function == L"LoadLibrary") Increment(kFatalLoads, call.plugin);
-    DeleteSettingSection(log);
-    return call;
+    if (number <= 0 || count > std::numeric_limits<int32_t>::max() - number) return;
+    SaveSetting(section, key, ToSettingText(count + number));
 }
 
 // Universal time, so that a change of the time zone makes no file look replaced.
@@ -89,28 +72,19 @@ std::optional<std::wstring> FileDateText(const std::wstring& path) {
     return text;
 }
 
+// Moves the history that is kept under a bare file name.
+void TakeOver(const std::wstring& name, const std::wstring& plugin) {
+    const std::wstring old = ErrorLogOf(name);
+    const std::vector<std::wstring> functions = SettingKeys(old);
+    for (const std::wstring& function : functions)
+        Add(ErrorLogOf(plugin), function, ReadCount(old, function));
+    if (!functions.empty()) DeleteSettingSection(old);
+    Add(kFatalLoads, plugin, ReadCount(kFatalLoads, name));
+    DeleteSetting(kFatalLoads, name);
+    DeleteSetting(kDateTime, name);
+}
+
 }  // namespace
-
-void WriteCallLog(const PluginCall& call) {
-    CallLog().Save(CallLogOf(OwnRun()), TextsOf(call));
-}
-
-void ClearCallLog() {
-    CallLog().Remove();
-}
-
-std::optional<PluginCall> RecoverInterruptedCall() {
-    const RunsHeld runs;
-    std::optional<PluginCall> recovered;
-    for (int run = 1; run <= kMostRuns; ++run) {
-        if (runs.IsAnothers(run)) continue;
-        // One that cannot be read holds up nothing.
-        Trapped([&] {
-            if (auto call = RecoverCallOf(run)) recovered = std::move(call);
-        });
-    }
-    return recovered;
-}
 
 int32_t ReadErrorCount(std::wstring_view plugin, std::wstring_view function) {
     return ReadCount(ErrorLogOf(plugin), function.empty() ? kTotalKey : function);
@@ -118,8 +92,8 @@ int32_t ReadErrorCount(std::wstring_view plugin, std::wstring_view function) {
 
 void IncrementErrorCount(std::wstring_view plugin, std::wstring_view function) {
     const std::wstring section = ErrorLogOf(plugin);
-    Increment(section, function);
-    Increment(section, kTotalKey);
+    Add(section, function, 1);
+    Add(section, kTotalKey, 1);
 }
 
 std::vector<FunctionErrors> ReadFunctionErrors(std::wstring_view plugin) {
@@ -138,12 +112,12 @@ void ForgetFailures(std::wstring_view plugin) {
     NoteLoaded(plugin);
 }
 
-bool KeepsEndingTheProgram(std::wstring_view plugin) {
-    return ReadCount(kFatalLoads, plugin) >= kMostFatalLoads;
+void NoteFatalLoad(std::wstring_view plugin) {
+    Add(kFatalLoads, plugin, 1);
 }
 
-void GrantAnotherLoad(std::wstring_view plugin) {
-    SaveSetting(kFatalLoads, plugin, ToSettingText(kMostFatalLoads - 1));
+bool KeepsEndingTheProgram(std::wstring_view plugin) {
+    return ReadCount(kFatalLoads, plugin) >= kMostFatalLoads;
 }
 
 void NoteLoaded(std::wstring_view plugin) {
@@ -153,11 +127,15 @@ void NoteLoaded(std::wstring_view plugin) {
 bool CheckFileDate(const std::wstring& pluginPath) {
     const std::optional<std::wstring> date = FileDateText(pluginPath);
     if (!date) return false;
-    const std::wstring plugin = FileNameOf(pluginPath);
-    if (GetSetting(kDateTime, plugin) == *date) return false;
-    ForgetFailures(plugin);
-    SaveSetting(kDateTime, plugin, *date);
-    return true;
+    const std::wstring name = FileNameOf(pluginPath);
+    const std::wstring oldDate = GetSetting(kDateTime, name);
+    const bool isKnown = GetSetting(kDateTime, pluginPath) == *date;
+    const bool wasKnown = oldDate == *date;
+    if (!isKnown) ForgetFailures(pluginPath);
+    // A copy of an earlier version that runs now and then may add to it later on.
+    if (wasKnown || (isKnown && oldDate.empty())) TakeOver(name, pluginPath);
+    if (!isKnown) SaveSetting(kDateTime, pluginPath, *date);
+    return !isKnown && !wasKnown;
 }
 
 }  // namespace tessary

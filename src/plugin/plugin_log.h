@@ -1,34 +1,20 @@
-// What the settings store remembers about plug-ins: the call under way, their failures, and which
-// version of a file these belong to. Plug-ins are named by their file name without folder.
+// What the settings store remembers about plug-ins: their failures, and which version of a file
+// these belong to. A plug-in is named by its full path, so that files of one name in two folders
+// have two histories.
+//
+// Earlier versions of the program knew plug-ins by their file name without folder. What they have
+// left is taken over, once, by the file whose date it bears (CheckFileDate). A bare file name still
+// names such an old history here.
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tessary {
 
-// A call into a plug-in.
-struct PluginCall {
-    std::wstring function;
-    std::wstring plugin;
-    std::wstring file;  // the file bound at the time of the call; empty when none was
-};
-
-// Writes the section `SPI_CALLLOG` before a call; further copies of the program that run at the
-// same time write `SPI_CALLLOG_2` and so on. All routines here throw RaisedError when the store
-// cannot be accessed.
-void WriteCallLog(const PluginCall& call);
-
-// Removes the section after the call.
-void ClearCallLog();
-
-// The call that the last run did not come back from, if any: its failure is counted, and the call
-// log is clean afterwards. Of several such runs each is counted. The logs of copies that still live
-// are left alone.
-std::optional<PluginCall> RecoverInterruptedCall();
+// All routines here throw RaisedError when the store cannot be accessed.
 
 // Failures of one function of a plug-in, or of all of them (key `Total`) for an empty name. What
 // is no number counts as 0.
@@ -47,20 +33,19 @@ std::vector<FunctionErrors> ReadFunctionErrors(std::wstring_view plugin);
 // Forgets all failures of a plug-in, those of its loading too.
 void ForgetFailures(std::wstring_view plugin);
 
-// Whether the program ended twice in a row while it loaded this plug-in. To load it again would
-// keep the program from ever starting.
-bool KeepsEndingTheProgram(std::wstring_view plugin);
+// Notes that the program ended while it loaded this plug-in.
+void NoteFatalLoad(std::wstring_view plugin);
 
-// Grants such a plug-in one more load, which the next run is to make: what ended the program may
-// have been something else. If that one ends it too, KeepsEndingTheProgram is true again.
-void GrantAnotherLoad(std::wstring_view plugin);
+// Whether that has happened twice in a row, with no load between that went well. To load it again
+// would keep the program from starting: it stays so until its failures are forgotten.
+bool KeepsEndingTheProgram(std::wstring_view plugin);
 
 // To be called after the plug-in was loaded and the program still lives.
 void NoteLoaded(std::wstring_view plugin);
 
-// Compares the plug-in file's date and time with the one last seen. For a new or replaced file
-// forgets all failures, remembers the new date and answers true. A file that cannot be found
-// changes nothing.
+// Compares the plug-in file's date and time with the one last seen, and takes over what earlier
+// versions of the program have known about it. For a new or replaced file forgets all failures,
+// remembers the new date and answers true. A file that cannot be found changes nothing.
 bool CheckFileDate(const std::wstring& pluginPath);
 
 }  // namespace tessary

@@ -5,6 +5,7 @@
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/quit.h"
+#include "plugin/call_log.h"
 #include "plugin/plugin_log.h"
 #include "plugin/susie_library.h"
 
@@ -102,14 +103,14 @@ bool HasPluginCrashed() {
 template <typename Call>
 void SusieCalls::Logged(const SusieCallNames& names, Call&& call) {
     try {
-        WriteCallLog({names.logName, FileNameOf(pluginPath_), boundFile_});
+        WriteCallLog({names.logName, pluginPath_, boundFile_});
         {
             const CallScope scope;
             call(Library());
         }
         ClearCallLog();
     } catch (...) {
-        Trapped(ClearCallLog);
+        ClearCallLog();
         SetError(kUnexpectedText, names.errorFunction);
         throw;
     }
@@ -171,7 +172,7 @@ int32_t SusieCalls::Mapped(int32_t result, const SusieCallNames& names) {
     if (result == susiectl::kCrashed) {
         HasCrashed() = true;
         if (names.errorKey != nullptr) {
-            Trapped([&] { IncrementErrorCount(FileNameOf(pluginPath_), names.errorKey); });
+            Trapped([&] { IncrementErrorCount(pluginPath_, names.errorKey); });
         }
         SetError(kCrashedText, names.errorFunction);
         return kResultCrashed;

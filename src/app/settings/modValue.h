@@ -16,6 +16,10 @@ struct GeneralSettings {
     int16_t useSPI = 0;                          // 1: use Susie plug-ins
     std::wstring spiFolder[kPluginFolderCount];  // plug-in folders
     bool loadSPI[kPluginFolderCount] = {true, false, false};
+    // Not the user has switched that folder off but the program, for there was no plug-in: it is
+    // looked into all the same, and switched on when there is one.
+    bool emptySPI[kPluginFolderCount] = {};
+    std::wstring programFolder;   // where the program was when the folders were stored
     int16_t slideShowTime = 500;  // milliseconds
     int16_t reduceColor = 0;
     int16_t reduce256ModeOnly = 0;

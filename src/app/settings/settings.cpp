@@ -9,6 +9,7 @@
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
+#include "app/settings/plugin_folders.h"
 #include "app/settings/setting_value.h"
 #include "app/settings/settings_store.h"
 
@@ -86,6 +87,10 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"SPIExt", general.spiExt, L"0");
     transfer(L"OpenFolderType", general.openFolderType, L"0");
     transfer(L"FixSizeValue", Values().fixSizeValue, L"0");
+    transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
+    transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
+    transfer(L"EmptySPI_3", general.emptySPI[2], L"False");
+    transfer(L"ProgramFolder", general.programFolder, L"");
 }
 
 template <typename Section>
@@ -155,6 +160,7 @@ bool Transferred(std::wstring_view text, unsigned style, Body body) {
 bool ReadGeneralSettings() {
     return Transferred(kReadErrorText, MB_OK, [] {
         TransferGeneral(SectionReader(L"General"));
+        FollowProgram(Values().general);
         TransferFileFormat(SectionReader(L"FileFormat"));
     });
 }

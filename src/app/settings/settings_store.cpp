@@ -87,6 +87,12 @@ void SaveSettings(std::wstring_view section, std::span<const KeyAndText> texts) 
     SavedSection(section, texts, 0);
 }
 
+void DeleteSetting(std::wstring_view section, std::wstring_view key) {
+    const LSTATUS status = RegDeleteKeyValueW(HKEY_CURRENT_USER, SectionPath(section).c_str(),
+                                              std::wstring(key).c_str());
+    if (status != ERROR_SUCCESS && !IsMissing(status)) Fail(status);
+}
+
 std::vector<std::wstring> SettingKeys(std::wstring_view section) {
     constexpr DWORD kLongestName = 16383;  // of a value, by the registry's own limits
     UniqueKey opened;

@@ -24,6 +24,9 @@ void SaveSetting(std::wstring_view section, std::wstring_view key, std::wstring_
 using KeyAndText = std::pair<std::wstring_view, std::wstring_view>;
 void SaveSettings(std::wstring_view section, std::span<const KeyAndText> texts);
 
+// Removes a value; a missing one is no error. Throws RaisedError when it cannot be removed.
+void DeleteSetting(std::wstring_view section, std::wstring_view key);
+
 // The keys of a section, in no order; none when it is missing. Throws RaisedError when the store
 // cannot be read.
 std::vector<std::wstring> SettingKeys(std::wstring_view section);
@@ -38,8 +41,8 @@ class PassingSection {
     // Stores texts in the section, which was removed before. Throws RaisedError when they cannot be
     // written.
     void Save(std::wstring_view section, std::span<const KeyAndText> texts);
-    // Removes the section that was saved last, if any, with all its keys; a missing one is no error.
-    // Throws RaisedError when that cannot be done.
+    // Removes the section that was saved last, if any, with all its keys; a missing one is no
+    // error. Throws RaisedError when that cannot be done.
     void Remove();
 
   private:

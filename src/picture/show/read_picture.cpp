@@ -32,7 +32,8 @@ std::wstring PluginFailureText(const std::wstring& subject, const clsSusie& plug
     if (!plugin.ErrorString().empty() && plugin.ErrorString() != reason) {
         reason += L"\r\n" + plugin.ErrorString();
     }
-    return FailureText(subject, reason + L"\r\nプラグイン: " + FileNameOf(plugin.DllName()));
+    return FailureText(subject,
+                       reason + L"\r\nプラグイン: " + SusieCollection().NameOf(plugin.DllName()));
 }
 
 ReadResult Failed(std::wstring failure) {
@@ -86,7 +87,7 @@ ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
     std::set<int32_t> asked;
     while (const int32_t index = offer.nextPlugin(asked)) {
         clsSusie& plugin = plugins.Item(index);
-        const std::wstring name = FileNameOf(plugin.DllName());
+        const std::wstring name = plugins.NameOf(plugin.DllName());
         if (plugin.DllStyle() == kStyleArchive) {
             file = {.kind = kFileArchive, .pluginName = name};
             if (offer.archivesAreRead) break;

@@ -7,6 +7,7 @@
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "picture/current_picture.h"
+#include "plugin/call_log.h"
 #include "ui/form/clipboard.h"
 #include "ui/form/menu.h"
 #include "ui/form/message_loop.h"
@@ -167,6 +168,7 @@ void frmMain::EndSession() {
         return;
     }
     // Plug-ins are at work below us and must stay; what the user has chosen is saved all the same.
+    ExcuseLastCall();
     Values().quitRequested = true;
     if (controlBar_ != nullptr) controlBar_->SavePlace();
     SaveMainPlacement(fullScreen_.Placement(Handle()));

@@ -93,14 +93,20 @@ void frmOption::ShowPage(int page) {
 }
 
 void frmOption::ShowAll() {
+    PluginsChanged();
     for (OptionPage* const page : all_)
         page->ShowValues();
     Changed();
 }
 
+// Asked only now and then, for it may look at folders of a network.
+void frmOption::PluginsChanged() {
+    isIncomplete_ = SusieCollection().IsIncomplete();
+}
+
 void frmOption::Changed() {
     all_[static_cast<size_t>(page_)]->ShowState();
-    cmdApply_.SetEnabled(!(options_ == before_) || SusieCollection().IsIncomplete());
+    cmdApply_.SetEnabled(!(options_ == before_) || isIncomplete_);
 }
 
 void frmOption::cmdApply_Click() {

@@ -41,6 +41,7 @@ class frmOption final : private Dialog {
     void AnchorControls();
     void ShowPage(int page);
     void ShowAll();
+    void PluginsChanged();
     void Changed();
     void cmdApply_Click();
 
@@ -48,10 +49,11 @@ class frmOption final : private Dialog {
     OptionValues before_;  // what was shown first, or applied last
     OptionValues options_;
     int page_ = kPluginPage;
+    bool isIncomplete_ = false;  // CollectionSusie::IsIncomplete
 
     TreeView pages_;
     Button cmdApply_;
-    PluginPage pluginPage_{options_, [this] { Changed(); }};
+    PluginPage pluginPage_{options_, [this] { Changed(); }, [this] { PluginsChanged(); }};
     ConvertPage convertPage_{options_, [this] { Changed(); }};
     DisplayPage displayPage_{options_, [this] { Changed(); }};
     FormatPage formatPage_{options_, [this] { Changed(); }};

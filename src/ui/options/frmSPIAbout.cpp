@@ -11,9 +11,11 @@ namespace tessary {
 namespace {
 
 std::wstring CountText(const std::vector<PluginFacts>& plugins) {
-    const auto leftOut = std::ranges::count_if(
-        plugins, [](const PluginFacts& plugin) { return !plugin.leftOut.empty(); });
-    const auto loaded = static_cast<std::ptrdiff_t>(plugins.size()) - leftOut;
+    const auto leftOut = std::ranges::count_if(plugins, [](const PluginFacts& plugin) {
+        return !plugin.leftOut.empty() && !plugin.isFolder;
+    });
+    const auto loaded = std::ranges::count_if(
+        plugins, [](const PluginFacts& plugin) { return plugin.leftOut.empty(); });
     std::wstring text = loaded == 0 ? L"使用できるプラグインはありません"
                                     : std::to_wstring(loaded) + L"個のプラグイン（試す順）";
     if (leftOut > 0) text += L"、使用できないファイル " + std::to_wstring(leftOut) + L"個";

@@ -24,7 +24,7 @@ namespace {
 constexpr wchar_t kReloadCaption[] = L"SusiePluginをリロードしています";
 
 // Folders that are to be searched and are not there, for a message. Only those that `former` does
-// not have: a share that is away for the moment is not complained about again and again.
+// not have: a share that is away for the moment is told in the list and the status bar.
 std::wstring MissingFolders(const GeneralSettings& general, const GeneralSettings& former) {
     std::wstring missing;
     for (int i = 0; general.useSPI == 1 && i < kPluginFolderCount; ++i) {
@@ -97,7 +97,7 @@ void OptionCommands::ReloadPlugins(HWND owner) {
         SusieCollection().UnloadFile();
         const GeneralSettings before = Values().general;
         LoadSPI(TellIn(window));
-        window_.SetPanelText(kNoticePanel, StoppedLoadingText());
+        window_.SetPanelText(kNoticePanel, LoadingNotice());
         // Loading switches folders off in which nothing is.
         if (Values().general != before) WriteGeneralSettings();
     }

@@ -29,8 +29,13 @@ std::wstring StateOf(LeftOutReason reason) {
     switch (reason) {
         case LeftOutReason::kBarred:
             return L"停止中";
+        case LeftOutReason::kSkipped:
         case LeftOutReason::kWaiting:
             return L"読み込み待ち";
+        case LeftOutReason::kNoFolder:
+            return L"見つかりません";
+        case LeftOutReason::kEmptyFolder:
+            return L"空";
         default:
             return L"読み込めません";
     }
@@ -46,8 +51,14 @@ std::wstring TextOf(LeftOutReason reason) {
             return L"必要な関数がありません";
         case LeftOutReason::kBarred:
             return L"続けて異常終了しました";
+        case LeftOutReason::kSkipped:
+            return L"前回の読み込み中に終了しました";
         case LeftOutReason::kWaiting:
             return L"次回に読み込みます";
+        case LeftOutReason::kNoFolder:
+            return L"フォルダが見つかりません";
+        case LeftOutReason::kEmptyFolder:
+            return L"使用できるプラグインがありません";
         default:
             return L"初期化失敗かDLLの不足";
     }
@@ -99,7 +110,7 @@ std::vector<PluginFacts> ListPlugins() {
     std::vector<PluginFacts> plugins;
     for (const auto& member : SusieCollection().NewEnum()) {
         plugins.push_back({.path = member->DllName(),
-                           .file = FileNameOf(member->DllName()),
+                           .file = SusieCollection().NameOf(member->DllName()),
                            .kind = member->DllStyle() == kStyleArchive ? L"圧縮" : L"画像",
                            .patterns = member->FileType(0),
                            .version = member->ProductName(),
@@ -109,16 +120,17 @@ std::vector<PluginFacts> ListPlugins() {
                            .hasSettings = member->SupportConfigurationDialog()});
     }
     for (const LeftOutPlugin& one : SusieCollection().LeftOut()) {
-        const std::wstring file = FileNameOf(one.path);
+        const bool isFolder = IsFolderReason(one.reason);
         plugins.push_back({.path = one.path,
-                           .file = file,
-                           .kind = L"－",
+                           .file = isFolder ? one.path : SusieCollection().NameOf(one.path),
+                           .kind = isFolder ? L"フォルダ" : L"－",
                            .patterns = {},
                            .version = {},
                            .state = StateOf(one.reason),
                            .leftOut = TextOf(one.reason),
+                           .isFolder = isFolder,
                            .isBarred = one.reason == LeftOutReason::kBarred,
-                           .errors = Trapped(0, [&] { return ReadErrorCount(file, {}); })});
+                           .errors = Trapped(0, [&] { return ReadErrorCount(one.path, {}); })});
     }
     return plugins;
 }
@@ -141,7 +153,7 @@ void ShowPlugins(ListView& list, const std::vector<PluginFacts>& plugins) {
 std::vector<PluginErrors> ErrorsOf(const PluginFacts& plugin) {
     std::vector<PluginErrors> errors;
     Trapped([&] {
-        for (const FunctionErrors& entry : ReadFunctionErrors(plugin.file))
+        for (const FunctionErrors& entry : ReadFunctionErrors(plugin.path))
             errors.push_back({FunctionText(entry.function), entry.count});
     });
     return errors;
@@ -153,9 +165,12 @@ std::wstring DescribePlugin(const PluginFacts& plugin) {
         text += L"\r\nバージョン: " + plugin.version + L"\r\n種類: " + plugin.kind +
                 L"プラグイン\r\n対応パターン: " + plugin.patterns;
     }
-    text += L"\r\n場所: " + plugin.path + FileText(plugin.path) + L"\r\n状態: " + plugin.state;
+    if (!plugin.isFolder) text += L"\r\n場所: " + plugin.path + FileText(plugin.path);
+    text += L"\r\n状態: " + plugin.state;
     if (!plugin.leftOut.empty()) text += L"（" + plugin.leftOut + L"）";
-    if (plugin.isBarred) text += L"\r\n環境設定でエラー回数を消去すると、次回に読み込みます。";
+    if (plugin.isFolder) return text + L"\r\n";
+    if (plugin.isBarred)
+        text += L"\r\n環境設定でエラー回数を消去するか、ファイルを取り替えると、また読み込みます。";
     text += L"\r\nエラー: " + std::to_wstring(plugin.errors) + L" 回";
     for (const PluginErrors& error : ErrorsOf(plugin)) {
         text += L"\r\n    " + error.function + L": " + std::to_wstring(error.count) + L" 回";

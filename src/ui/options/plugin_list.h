@@ -11,12 +11,13 @@ namespace tessary {
 
 struct PluginFacts {
     std::wstring path;
-    std::wstring file;  // without folder
+    std::wstring file;  // as CollectionSusie::NameOf tells
     std::wstring kind;
     std::wstring patterns;  // joined by `;`
     std::wstring version;   // what it tells about itself
     std::wstring state;
     std::wstring leftOut;   // why the file is not among the plug-ins; empty: it is
+    bool isFolder = false;  // a whole plug-in folder that gave none
     bool isBarred = false;  // until its errors are forgotten
     int32_t errors = 0;
     bool hasSettings = false;  // a settings window of its own

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/settings/modValue.h"
+#include "plugin/plugin_notices.h"
 #include "ui/form/message_loop.h"
 
 namespace tessary {
@@ -14,15 +15,36 @@ LoadingProgress TellIn(frmProgress& window) {
     };
 }
 
+namespace {
+
 std::wstring StoppedLoadingText() {
     const CollectionSusie& collection = SusieCollection();
-    if (!collection.IsIncomplete()) return {};
     const auto& leftOut = collection.LeftOut();
     const auto waiting =
         std::ranges::count(leftOut, LeftOutReason::kWaiting, &LeftOutPlugin::reason);
-    const auto total = static_cast<ptrdiff_t>(leftOut.size()) + collection.Count();
+    if (waiting == 0) return {};
+    const auto total =
+        std::ranges::count_if(
+            leftOut, [](const LeftOutPlugin& one) { return !IsFolderReason(one.reason); }) +
+        collection.Count();
     return L"プラグインの読み込みを中止しました（" + std::to_wstring(total - waiting) + L" / " +
            std::to_wstring(total) + L"）";
+}
+
+}  // namespace
+
+std::wstring LoadingNotice() {
+    std::vector<std::wstring> notices = LoadingNotices();
+    if (std::wstring stopped = StoppedLoadingText(); !stopped.empty())
+        notices.insert(notices.begin(), std::move(stopped));
+    return InOneLine(notices);
+}
+
+std::wstring InOneLine(const std::vector<std::wstring>& notices) {
+    std::wstring line;
+    for (const std::wstring& notice : notices)
+        line += line.empty() ? notice : L"　" + notice;
+    return line;
 }
 
 }  // namespace tessary

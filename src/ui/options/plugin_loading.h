@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "plugin/modSusie.h"
 #include "ui/dialogs/frmProgress.h"
@@ -12,7 +13,11 @@ namespace tessary {
 // the user wants it or the program is about to end.
 LoadingProgress TellIn(frmProgress& window);
 
-// That the last loading was stopped, and how far it came; empty when it was not.
-std::wstring StoppedLoadingText();
+// What the user should know about the last loading: that it was stopped and how far it came, and
+// what is missing. In one line; empty when all is well.
+std::wstring LoadingNotice();
+
+// Several notices for a panel that has one line.
+std::wstring InOneLine(const std::vector<std::wstring>& notices);
 
 }  // namespace tessary

@@ -4,7 +4,6 @@
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
-#include "app/base/paths.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "ui/dialogs/folder_browser.h"
@@ -29,16 +28,17 @@ void ShowSettingsOf(clsSusie& plugin, HWND owner) {
     try {
         const uint32_t before = plugin.ErrorSerial();
         const int32_t result = plugin.ShowConfigurationDialog(owner);
-        // Results are the plug-in's own affair, for plug-ins agree on none: the one that stands for
-        // a missing function too.
-        if (plugin.ErrorSerial() != before && result != kResultNotExported) {
-            failure = plugin.ErrorString();
+        // Other results are the plug-in's own affair: plug-ins agree on none.
+        if (plugin.ErrorSerial() != before) {
+            failure = result == kResultNotExported
+                          ? L"プラグインは設定画面を開けないと答えました（-1）。"
+                          : plugin.ErrorString();
         }
     } catch (const RaisedError& error) {
         failure = error.Description();
     }
     if (failure.empty()) return;
-    ShowMessageBox(L"プラグイン " + FileNameOf(plugin.DllName()) +
+    ShowMessageBox(L"プラグイン " + SusieCollection().NameOf(plugin.DllName()) +
                        L" の設定中にエラーが発生しました。\r\n" + failure,
                    MB_ICONEXCLAMATION);
 }
@@ -168,6 +168,7 @@ void PluginPage::cmdSPIErrorClear_Click() {
         ShowMessageBox(error.Description(), MB_ICONEXCLAMATION);
     }
     ShowPluginList(path);
+    pluginsChanged_();
     Changed();  // a plug-in that waits now can be applied
     GiveFocusBack(focus);
 }

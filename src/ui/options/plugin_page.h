@@ -13,8 +13,10 @@ namespace tessary {
 // the program's.
 class PluginPage final : public OptionPage {
   public:
-    PluginPage(OptionValues& options, std::function<void()> changed)
-        : OptionPage(options, std::move(changed)) {}
+    // `pluginsChanged` is told, before `changed`, when loading the plug-ins may bring more now.
+    PluginPage(OptionValues& options, std::function<void()> changed,
+               std::function<void()> pluginsChanged)
+        : OptionPage(options, std::move(changed)), pluginsChanged_(std::move(pluginsChanged)) {}
 
     void ShowValues() override;
     void ShowState() override;
@@ -29,6 +31,7 @@ class PluginPage final : public OptionPage {
     void ShowSelection();
     const PluginFacts* Selected() const;
 
+    std::function<void()> pluginsChanged_;
     std::vector<PluginFacts> plugins_;
     Button cmdSPIFolder_[kPluginFolderCount];
     ListView listSPI_;

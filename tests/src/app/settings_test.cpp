@@ -134,6 +134,32 @@ TEST_F(SettingsTest, FirstRunSetsUpThePluginFolders) {
     EXPECT_EQ(Values().general.spiFolder[0], L"elsewhere");
 }
 
+TEST_F(SettingsTest, PluginFoldersFollowTheProgram) {
+    const std::wstring& here = AppFolder();
+    const auto folders = [](const std::wstring& first, const std::wstring& second) {
+        SaveSetting(L"General", L"SPIFolder_1", first);
+        SaveSetting(L"General", L"SPIFolder_2", second);
+        ReadGeneralSettings();
+        return Values().general.spiFolder[0] + L'|' + Values().general.spiFolder[1];
+    };
+    // From a version that did not store where the program was.
+    SaveSetting(L"General", L"LoadSPI_1", L"False");
+    EXPECT_EQ(folders(L"Q:\\viewer\\", L"Q:\\viewer\\"), here + L"|Q:\\viewer\\");
+    EXPECT_TRUE(Values().general.loadSPI[0]);
+    SaveSetting(L"General", L"LoadSPI_1", L"False");
+    EXPECT_EQ(folders(L"Q:\\mine", L""), L"Q:\\mine|");
+    EXPECT_FALSE(Values().general.loadSPI[0]);
+    EXPECT_TRUE(Values().general.emptySPI[0]);  // it may have been away once
+
+    SaveSetting(L"General", L"ProgramFolder", L"Q:\\Viewer\\");
+    EXPECT_EQ(folders(L"Q:\\viewer", L"Q:\\viewer\\gone"), here + L"|Q:\\viewer\\gone");
+    EXPECT_EQ(folders(L"Q:\\viewer2\\", L"Q:\\viewer\\plugins"),
+              L"Q:\\viewer2\\|" + here + L"plugins\\");
+    EXPECT_EQ(folders(L"Q:\\", L""), L"Q:\\|");
+    ASSERT_TRUE(WriteGeneralSettings());
+    EXPECT_EQ(GetSetting(L"General", L"ProgramFolder"), here);
+}
+
 TEST(SettingValueTest, ConvertsWhatAPersonMayHaveTyped) {
     EXPECT_EQ(ToInt16(L" -12 "), -12);
     EXPECT_EQ(ToInt16(L"2.5"), 2);  // half to even

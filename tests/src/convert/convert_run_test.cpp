@@ -2,7 +2,6 @@
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
 #include "convert/convert_progress.h"
-#include "plugin/plugin_log.h"
 #include "tests/src/convert/convert_test.h"
 #include "tests/support/process_resources.h"
 #include "tests/support/recorded_messages.h"
@@ -169,7 +168,7 @@ TEST_F(ConvertRunTest, ReadingAheadChangesNothing) {
                       source_.Write(L"c.tst", "TST 4x4x24\ncrash:av:GetPicture\n")};
     EXPECT_TRUE(Run());
     EXPECT_TRUE(LogHolds(L"    エラーモジュールGetPicture"));
-    EXPECT_EQ(ReadErrorCount(L"iftst.spi", L"GetPicture"), 1) << "not repeated";
+    EXPECT_EQ(SusieCollection().NewEnum()[0]->ErrorCount(L"GetPicture"), 1) << "not repeated";
     EXPECT_TRUE(std::ranges::equal(monitor_.counts, std::initializer_list<int>{4, 0, 1}));
 }
 

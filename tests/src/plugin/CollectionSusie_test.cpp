@@ -6,6 +6,7 @@
 
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
+#include "plugin/plugin_notices.h"
 #include "tests/src/plugin/plugin_test.h"
 
 namespace tessary {
@@ -19,7 +20,7 @@ class CollectionTest : public test::PluginTest {
         const std::wstring path = Plugin(L"iftst.spi", script, name);
         CheckFileDate(path);
         for (int i = 0; i < failures; ++i)
-            IncrementErrorCount(name, L"GetPicture");
+            IncrementErrorCount(path, L"GetPicture");
         collection_.AddSPI(path);
     }
     int Asked(const std::wstring& name) { return Calls(folder_.Path() + name, "IsSupported"); }
@@ -47,15 +48,15 @@ TEST_F(CollectionTest, ReliablePluginsComeFirst) {
 }
 
 TEST_F(CollectionTest, ScansAFolderOnceForEachFile) {
-    Plugin(L"iftst.spi");
+    const std::wstring plain = Plugin(L"iftst.spi");
     const std::wstring hidden = Plugin(L"minimal.spi");
     SetFileAttributesW(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
     folder_.Write(L"broken.SPI", "text");
     folder_.Write(L"other.spix", "text");
     folder_.Write(L"folder.spi\\x", "text");
-    WriteCallLog({L"GetPicture", L"iftst.spi", L"x.tst"});
+    WriteCallLog({L"GetPicture", plain, L"x.tst"});
     EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 3);
-    EXPECT_EQ(collection_.InterruptedCall()->plugin, L"iftst.spi");
+    EXPECT_EQ(collection_.InterruptedCalls().at(0).plugin, plain);
     EXPECT_EQ(collection_.Compact(), 2);
     EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 3);
     EXPECT_EQ(collection_.Compact(), 2);
@@ -158,7 +159,7 @@ TEST_F(CollectionTest, AnUnreadableStoreEntryDisablesNoPlugin) {
         RegSetKeyValueW(HKEY_CURRENT_USER, (store_.KeyPath() + section).c_str(), key, REG_DWORD,
                         &noText, sizeof(noText));
     };
-    spoil(L"\\SPI_DATETIME", L"iftst.spi");
+    spoil(L"\\SPI_DATETIME", path.c_str());
     spoil(L"\\SPI_RUNS", L"1");
     spoil(L"\\SPI_CALLLOG", L"SPI");
     EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 1);
@@ -167,9 +168,9 @@ TEST_F(CollectionTest, AnUnreadableStoreEntryDisablesNoPlugin) {
     // Loading this one once ended the program, but now it is merely refused.
     const std::wstring broken = folder_.Write(L"broken.spi", "text");
     CheckFileDate(broken);
-    SaveSetting(L"SPI_FATALLOADS", L"broken.spi", L"1");
+    NoteFatalLoad(broken);
     collection_.AddSPI(broken);
-    EXPECT_EQ(GetSetting(L"SPI_FATALLOADS", L"broken.spi"), L"0");
+    EXPECT_EQ(GetSetting(L"SPI_FATALLOADS", broken), L"0");
 }
 
 TEST_F(CollectionTest, ByExtensionOnlyThoseThatClaimTheFileAreAsked) {
@@ -234,11 +235,10 @@ TEST_F(CollectionTest, LoadingFollowsTheSettings) {
     Plugin(L"iftst.spi");
     folder_.Write(L"broken.spi", "text");
     // Has ended two runs in a row, and would end this one.
-    CheckFileDate(Plugin(L"iftst.spi", "crash:exit:DllMain\n", L"fatal.spi"));
-    for (int run = 0; run < 2; ++run) {
-        WriteCallLog({L"LoadLibrary", L"fatal.spi", {}});
-        RecoverInterruptedCall();
-    }
+    const std::wstring fatal = Plugin(L"iftst.spi", "crash:exit:DllMain\n", L"fatal.spi");
+    CheckFileDate(fatal);
+    for (int run = 0; run < 2; ++run)
+        EndRunIn(L"LoadLibrary", fatal);
     settings.useSPI = settings.dynamicSPILoad = settings.spiExt = 1;
     settings.spiFolder[0] = folder_.Path() + L"nowhere";
     settings.spiFolder[1] = RemoveBackslash(folder_.Path());
@@ -246,9 +246,11 @@ TEST_F(CollectionTest, LoadingFollowsTheSettings) {
     std::fill_n(settings.loadSPI, kPluginFolderCount, true);
     EXPECT_TRUE(LoadSPI());
     EXPECT_EQ(SusieCollection().Count(), 1);
-    EXPECT_FALSE(KeepsEndingTheProgram(L"fatal.spi"));  // the next run may try again
-    EXPECT_FALSE(settings.loadSPI[0]);
+    EXPECT_TRUE(KeepsEndingTheProgram(fatal));  // and the next
+    EXPECT_TRUE(settings.loadSPI[0]);           // the folder may come back
     EXPECT_TRUE(settings.loadSPI[1]);
+    EXPECT_EQ(LoadingNotices(),
+              std::vector{L"プラグインフォルダ " + folder_.Path() + L"nowhere\\ が見つかりません"});
     EXPECT_FALSE(SusieCollection().TryAll());
     EXPECT_EQ(SusieCollection().GetInMemorySPICount(), 0);
     settings.useSPI = 0;
@@ -273,11 +275,10 @@ TEST_F(CollectionTest, WhatIsLeftOutIsToldWithItsReason) {
     image.replace(0x80, 6, std::string("PE\0\0\x64\x86", 6));
     image.replace(0x96, 2, std::string("\x02\x20", 2));
     folder_.Write(L"x64.spi", image);
-    CheckFileDate(Plugin(L"minimal.spi"));
-    for (int run = 0; run < 2; ++run) {
-        WriteCallLog({L"LoadLibrary", L"minimal.spi", {}});
-        RecoverInterruptedCall();
-    }
+    const std::wstring barred = Plugin(L"minimal.spi");
+    CheckFileDate(barred);
+    for (int run = 0; run < 2; ++run)
+        EndRunIn(L"LoadLibrary", barred);
     const auto told = [] {
         std::map<std::wstring, LeftOutReason> reasons;
         for (const LeftOutPlugin& one : SusieCollection().LeftOut())
@@ -313,6 +314,94 @@ TEST_F(CollectionTest, WhatIsLeftOutIsToldWithItsReason) {
     EXPECT_TRUE(settings.loadSPI[0] && settings.loadSPI[1]);
     EXPECT_EQ(told()[L"iftst.spi"], kWaiting);
     UnloadSPI();
+}
+
+TEST(PluginCollectionChild, DISABLED_Loads) {
+    test::LoadHelper(L"susiectl.dll");
+    CollectionSusie().FScanAllSPI(FolderOf(_wgetenv(L"TESSARY_TEST_FILE")));
+}
+
+TEST_F(CollectionTest, OneThatEndsTheProgramWhileItTellsAboutItselfIsSkippedThenBarred) {
+    Plugin(L"minimal.spi");
+    const std::wstring fatal = Plugin(L"iftst.spi", "crash:exit:GetPluginInfo\n", L"fatal.spi");
+    const auto load = [&] {
+        GeneralSettings& settings = Values().general;
+        settings.useSPI = 1;
+        settings.spiFolder[0] = folder_.Path();
+        EXPECT_TRUE(LoadSPI());
+        const auto& leftOut = SusieCollection().LeftOut();
+        return leftOut.empty() ? LeftOutReason::kWaiting : leftOut[0].reason;
+    };
+    RunAsChild(L"PluginCollectionChild.DISABLED_Loads", fatal);
+    EXPECT_EQ(load(), LeftOutReason::kSkipped);
+    EXPECT_EQ(InterruptedCallNotices().at(0),
+              L"前回はプラグイン fatal.spi "
+              L"の処理中（GetPluginInfo）に終了しました。今回は読み込みません");
+    EXPECT_EQ(ReadErrorCount(fatal, L"GetPluginInfo"), 1);
+    EXPECT_TRUE(SusieCollection().IsIncomplete());
+    // The run after that tries it again.
+    RunAsChild(L"PluginCollectionChild.DISABLED_Loads", fatal);
+    for (int run = 0; run < 3; ++run) {
+        UnloadSPI();
+        EXPECT_EQ(load(), LeftOutReason::kBarred) << run;
+    }
+    SusieCollection().ForgetErrorsOfLeftOut(fatal);
+    folder_.Write(L"fatal.spi.script", "");
+    EXPECT_EQ(load(), LeftOutReason::kWaiting);  // nothing is left out
+    EXPECT_EQ(SusieCollection().Count(), 2);
+    UnloadSPI();
+}
+
+TEST_F(CollectionTest, AFolderThatIsAwayOrEmptyIsLookedAtAgain) {
+    GeneralSettings& settings = Values().general;
+    const std::wstring stick = folder_.Path() + L"stick\\";
+    settings.useSPI = 1;
+    settings.spiFolder[0] = stick;
+    const auto load = [&] {
+        EXPECT_TRUE(LoadSPI());
+        const auto& leftOut = SusieCollection().LeftOut();
+        return leftOut.empty() ? LeftOutReason::kWaiting : leftOut[0].reason;
+    };
+    EXPECT_EQ(load(), LeftOutReason::kNoFolder);
+    EXPECT_TRUE(settings.loadSPI[0]);
+    std::filesystem::create_directory(stick);
+    EXPECT_EQ(load(), LeftOutReason::kEmptyFolder);
+    EXPECT_FALSE(settings.loadSPI[0]);
+    EXPECT_EQ(LoadingNotices().size(), 1U);
+    std::filesystem::remove(stick);  // it was off already: nothing to complain about
+    EXPECT_EQ(load(), LeftOutReason::kWaiting);
+    std::filesystem::create_directory(stick);
+    std::filesystem::rename(Plugin(L"minimal.spi"), stick + L"minimal.spi");
+    EXPECT_EQ(load(), LeftOutReason::kWaiting);
+    EXPECT_EQ(SusieCollection().Count(), 1);
+    EXPECT_TRUE(settings.loadSPI[0]);
+    UnloadSPI();
+}
+
+TEST_F(CollectionTest, FilesOfOneNameInTwoFoldersAreTwoPlugins) {
+    const std::wstring one = Plugin(L"iftst.spi");
+    const std::wstring other = folder_.Path() + L"a\\iftst.spi";
+    const std::wstring third = folder_.Path() + L"b\\a\\iftst.spi";
+    for (const std::wstring& copy : {other, third}) {
+        std::filesystem::create_directories(FolderOf(copy));
+        std::filesystem::copy_file(one, copy);
+    }
+    Touch(other);
+    for (const std::wstring& path : {one, other}) {
+        collection_.AddSPI(path);
+        EXPECT_EQ(collection_.NameOf(one) == L"iftst.spi", path == one);
+    }
+    collection_.AddSPI(third);
+    EXPECT_EQ(collection_.NameOf(third), L"iftst.spi（b\\a）");
+    EXPECT_EQ(collection_.NameOf(L"other.spi"), L"other.spi");
+    collection_.Item(other)->SpiSEHError(L"GetPicture");
+    EXPECT_EQ(collection_.Item(one)->ErrorCount({}), 0);
+    collection_.RemoveAll();
+    collection_.AddSPI(one);  // of another date than the one that has failed
+    collection_.AddSPI(other);
+    EXPECT_EQ(collection_.Item(other)->ErrorCount({}), 1);
+    collection_.RemoveAll();
+    FreeLibrary(GetModuleHandleW(other.c_str()));  // it was kept loaded
 }
 
 TEST(PluginCollectionChild, DISABLED_StaysEmptyWithoutSusiectl) {

@@ -80,7 +80,7 @@ TEST_F(ClsSusieTest, AutoUnloadKeepsTheFileOnlyWhileSomethingIsBound) {
 
 TEST_F(ClsSusieTest, PluginsThatHaveFailedStayLoaded) {
     const std::wstring path = Plugin(L"iftst.spi", "", L"failed.spi");
-    IncrementErrorCount(L"failed.spi", L"GetPicture");
+    IncrementErrorCount(path, L"GetPicture");
     plugin_.SetAutoUnload(true);
     plugin_.SetDllName(path);
     plugin_.SpiSEHError(L"GetPicture");

@@ -16,6 +16,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/settings_store.h"
+#include "plugin/call_log.h"
 #include "plugin/clsSusie.h"
 #include "plugin/plugin_log.h"
 #include "tests/plugins/test_plugins.h"
@@ -59,6 +60,11 @@ class PluginTest : public testing::Test {
         OwnedBlock block(LocalAlloc(LMEM_MOVEABLE, content.size()));
         std::memcpy(BlockLock(block.Get()).Address(), content.data(), content.size());
         return block;
+    }
+    // As if a run had ended in a call.
+    static void EndRunIn(const std::wstring& function, const std::wstring& plugin) {
+        WriteCallLog({function, plugin, {}});
+        RecoverInterruptedCalls();
     }
     static bool CallIsLogged() { return GetSetting(L"SPI_CALLLOG", L"SPI", L"-") != L"-"; }
 

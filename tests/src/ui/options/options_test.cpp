@@ -163,7 +163,10 @@ TEST_F(OptionsTest, PluginsAreLoadedAnewOnlyWhenSomethingAboutThemChanges) {
                     Click(dialog, checkLoadSPI_1);
                     SetDlgItemTextW(dialog, textSPIFolder_1, LR"( "C:\gone" )");
                     Press(dialog, cmdApply);
-                    EXPECT_EQ(RowCount(dialog, listSPI), 2);
+                    EXPECT_EQ(RowCount(dialog, listSPI), 3);
+                    EXPECT_EQ(Cell(dialog, listSPI, 2, 0), LR"(C:\gone\)");
+                    EXPECT_EQ(Cell(dialog, listSPI, 2, 4), L"見つかりません");
+                    EXPECT_FALSE(IsUsable(dialog, cmdApply));
                     Press(dialog, IDOK);
                 }});
     EXPECT_EQ(Reloads(), 1);
@@ -222,15 +225,13 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
     Plugin(L"iftst.spi", {}, L"good.spi");
     const std::wstring bad =
         Plugin(L"config_crash.spi", "early:window:ConfigurationDlg\ncrash:av:ConfigurationDlg");
-    IncrementErrorCount(L"config_crash.spi", L"LoadLibrary");
     CheckFileDate(bad);  // the failures are those of this file
-    IncrementErrorCount(L"config_crash.spi", L"LoadLibrary");
+    IncrementErrorCount(bad, L"LoadLibrary");
     Values().general.dynamicSPILoad = 1;
-    CheckFileDate(Plugin(L"minimal.spi", {}, L"barred.spi"));
-    for (int run = 0; run < 2; ++run) {
-        WriteCallLog({L"LoadLibrary", L"barred.spi", {}});
-        RecoverInterruptedCall();
-    }
+    const std::wstring barred = Plugin(L"minimal.spi", {}, L"barred.spi");
+    CheckFileDate(barred);
+    for (int run = 0; run < 2; ++run)
+        EndRunIn(L"LoadLibrary", barred);
     ASSERT_TRUE(LoadSPI());
     ShowOptions(kPluginPage, {[&](HWND dialog) {
                     ASSERT_EQ(Cell(dialog, listSPI, 1, 0), L"config_crash.spi");
@@ -238,17 +239,24 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     EXPECT_EQ(Cell(dialog, listSPI, 1, 4), L"保持");
                     SelectRow(dialog, listSPI, 0);
                     EXPECT_FALSE(IsUsable(dialog, cmdSPIErrorClear));
-                    for (const auto* ownAnswer : {"20", "-1"}) {
-                        folder_.Write(L"good.spi.script",
-                                      std::string("answer:ConfigurationDlg:") + ownAnswer);
-                        Press(dialog, cmdSPISetup);
-                        EXPECT_TRUE(messages_.All().empty()) << ownAnswer;
-                    }
+                    folder_.Write(L"good.spi.script", "answer:ConfigurationDlg:20\ninfo:2:*.new\n");
+                    Press(dialog, cmdSPISetup);
+                    EXPECT_TRUE(messages_.All().empty());
+                    EXPECT_EQ(Cell(dialog, listSPI, 0, 2), L"*.NEW");
+                    EXPECT_NE(SusieCollection().GetCommonDialogString().find(L";*.NEW"),
+                              std::wstring::npos);
+                    folder_.Write(L"good.spi.script",
+                                  "answer:ConfigurationDlg:-1\ncrash:av:GetPluginInfo\n");
+                    Press(dialog, cmdSPISetup);
+                    EXPECT_NE(messages_.Only().find(L"good.spi の設定中"), std::wstring::npos);
+                    EXPECT_NE(messages_.Only().find(L"（-1）"), std::wstring::npos);
+                    EXPECT_EQ(Cell(dialog, listSPI, 0, 2), L"*.NEW");
                     SelectRow(dialog, listSPI, 1);
                     SetFocus(GetDlgItem(dialog, cmdSPISetup));
                     Press(dialog, cmdSPISetup);
                     EXPECT_EQ(GetFocus(), GetDlgItem(dialog, cmdSPISetup));
-                    EXPECT_NE(messages_.Only().find(L"致命的エラー"), std::wstring::npos);
+                    EXPECT_NE(messages_.All().back().text.find(L"致命的エラー"),
+                              std::wstring::npos);
                     EXPECT_EQ(Cell(dialog, listSPI, 1, 5), L"2");
                     EXPECT_EQ(Cell(dialog, listSPIError, 0, 0), L"GetFileSS, ConfigurationDlg");
                     EXPECT_EQ(Cell(dialog, listSPIError, 1, 0), L"LoadLibrary");
@@ -272,7 +280,7 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     Press(dialog, IDCANCEL);
                 }});
     EXPECT_FALSE(IsLoaded(bad));
-    EXPECT_EQ(ReadErrorCount(L"config_crash.spi", {}), 0);
+    EXPECT_EQ(ReadErrorCount(bad, {}), 0);
 }
 
 TEST_F(OptionsTest, ASettingsWindowMayStayOpenAndClose) {

@@ -1,0 +1,127 @@
+#include "plugin/call_log.h"
+
+#include <array>
+#include <atomic>
+#include <memory>
+
+#include "app/base/error.h"
+#include "app/base/paths.h"
+#include "app/settings/settings_store.h"
+#include "plugin/living_runs.h"
+#include "plugin/plugin_log.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kCallLog[] = L"SPI_CALLLOG";
+constexpr wchar_t kInfoLog[] = L"SPI_INFOLOG";
+constexpr wchar_t kFunctionKey[] = L"Function";
+constexpr wchar_t kPluginKey[] = L"SPI";
+constexpr wchar_t kPathKey[] = L"Path";
+constexpr wchar_t kFileKey[] = L"File";
+
+constexpr wchar_t kLoadLibrary[] = L"LoadLibrary";
+constexpr wchar_t kGetPluginInfo[] = L"GetPluginInfo";
+
+// The log of one of the copies that run.
+std::wstring LogOf(const wchar_t* log, int run) {
+    return run == 1 ? log : log + (L'_' + std::to_wstring(run));
+}
+
+// What this process knows about its own logs. It never ends: plug-ins are still freed, and logged,
+// while static objects are destroyed.
+struct OwnLogs {
+    PassingSection call;
+    PassingSection info;
+    bool isUnlogged = false;
+    std::atomic<bool> isExcused = false;
+};
+
+OwnLogs& Own() {
+    static OwnLogs* const own = std::make_unique<OwnLogs>().release();
+    return *own;
+}
+
+void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) {
+    OwnLogs& own = Own();
+    if (own.isExcused) return;
+    try {
+        const std::wstring name = FileNameOf(call.plugin);
+        const std::array<KeyAndText, 4> texts{{{kFunctionKey, call.function},
+                                               {kPluginKey, name},
+                                               {kPathKey, call.plugin},
+                                               {kFileKey, call.file}}};
+        section.Save(LogOf(log, OwnRun()), texts);
+        own.isUnlogged = false;
+    } catch (...) {
+        own.isUnlogged = true;
+    }
+}
+
+void Clear(PassingSection& section) {
+    Trapped([&] { section.Remove(); });
+}
+
+void Recover(const std::wstring& log, std::vector<PluginCall>& calls) {
+    PluginCall call;
+    const std::wstring name = GetSetting(log, kPluginKey);
+    if (name.empty()) return;
+    call.plugin = GetSetting(log, kPathKey);
+    if (FileNameOf(call.plugin) != name) call.plugin = name;
+    call.function = GetSetting(log, kFunctionKey);
+    call.file = GetSetting(log, kFileKey);
+    // Emptied before it is counted: if this run ends here as well, it is not counted twice.
+    const std::array<KeyAndText, 3> empty{{{kFunctionKey, {}}, {kPluginKey, {}}, {kFileKey, {}}}};
+    SaveSettings(log, empty);
+    IncrementErrorCount(call.plugin, call.function);
+    if (call.WhileLoading()) NoteFatalLoad(call.plugin);
+    DeleteSettingSection(log);
+    calls.push_back(std::move(call));
+}
+
+}  // namespace
+
+bool PluginCall::WhileLoading() const {
+    return function == kLoadLibrary || function == kGetPluginInfo;
+}
+
+void WriteCallLog(const PluginCall& call) {
+    Write(Own().call, kCallLog, call);
+}
+
+void ClearCallLog() {
+    Clear(Own().call);
+}
+
+InfoCalls::InfoCalls(const std::wstring& plugin) {
+    Write(Own().info, kInfoLog, {kGetPluginInfo, plugin, {}});
+}
+
+InfoCalls::~InfoCalls() {
+    Clear(Own().info);
+}
+
+bool CallsGoUnlogged() {
+    return Own().isUnlogged;
+}
+
+// Not through the sections of Own(): the user-interface thread may be using them.
+void ExcuseLastCall() {
+    Own().isExcused = true;
+    for (const wchar_t* log : {kCallLog, kInfoLog})
+        Trapped([&] { DeleteSettingSection(LogOf(log, OwnRun())); });
+}
+
+std::vector<PluginCall> RecoverInterruptedCalls() {
+    const RunsHeld runs;
+    std::vector<PluginCall> calls;
+    for (int run = 1; run <= kMostRuns; ++run) {
+        if (runs.IsAnothers(run)) continue;
+        // One that cannot be read holds up nothing.
+        for (const wchar_t* log : {kInfoLog, kCallLog})
+            Trapped([&] { Recover(LogOf(log, run), calls); });
+    }
+    return calls;
+}
+
+}  // namespace tessary

@@ -1,0 +1,50 @@
+// The call into a plug-in that is under way, as the settings store has it: when the process ends in
+// the middle of one, the next run learns whose it was.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tessary {
+
+// A call into a plug-in.
+struct PluginCall {
+    std::wstring function;
+    std::wstring plugin;  // full path; what earlier versions left has the file name alone
+    std::wstring file;    // the file bound at the time of the call; empty when none was
+
+    // Whether the plug-in was being loaded, as it is at every start.
+    bool WhileLoading() const;
+};
+
+// Writes the section `SPI_CALLLOG` before a call; further copies of the program that run at the
+// same time write `SPI_CALLLOG_2` and so on. Where the store does not take it the call is made all
+// the same, and CallsGoUnlogged tells.
+void WriteCallLog(const PluginCall& call);
+
+// Removes the section after the call.
+void ClearCallLog();
+
+// For its own life GetPluginInfo of a plug-in is being called, once or several times: what a
+// section of its own (`SPI_INFOLOG`) says, for the call log does not know this function.
+class InfoCalls {
+  public:
+    explicit InfoCalls(const std::wstring& plugin);
+    InfoCalls(const InfoCalls&) = delete;
+    InfoCalls& operator=(const InfoCalls&) = delete;
+    ~InfoCalls();
+};
+
+// Whether the last call could not be written down.
+bool CallsGoUnlogged();
+
+// To be called when something else than a plug-in is about to end the process in the middle of a
+// call, as the end of the session does: the call is not held against its plug-in, nor is any later
+// one. From any thread.
+void ExcuseLastCall();
+
+// The calls that earlier runs did not come back from: their failures are counted, and the logs are
+// clean afterwards. The logs of copies that still live are left alone.
+std::vector<PluginCall> RecoverInterruptedCalls();
+
+}  // namespace tessary

@@ -1,0 +1,48 @@
+#include "plugin/plugin_notices.h"
+
+#include <algorithm>
+
+#include "app/base/paths.h"
+#include "plugin/modSusie.h"
+
+namespace tessary {
+namespace {
+
+bool IsSkippedNow(const PluginCall& call) {
+    return std::ranges::any_of(SusieCollection().LeftOut(), [&](const LeftOutPlugin& one) {
+        return one.reason == LeftOutReason::kSkipped &&
+               (one.path == call.plugin || FileNameOf(one.path) == call.plugin);
+    });
+}
+
+}  // namespace
+
+std::vector<std::wstring> InterruptedCallNotices() {
+    std::vector<std::wstring> notices;
+    const CollectionSusie& collection = SusieCollection();
+    for (const PluginCall& call : collection.InterruptedCalls()) {
+        notices.push_back(L"前回はプラグイン " + collection.NameOf(call.plugin) + L" の処理中（" +
+                          call.function + L"）に終了しました");
+        if (IsSkippedNow(call)) notices.back() += L"。今回は読み込みません";
+    }
+    return notices;
+}
+
+std::vector<std::wstring> LoadingNotices() {
+    std::vector<std::wstring> notices;
+    const CollectionSusie& collection = SusieCollection();
+    for (const LeftOutPlugin& one : collection.LeftOut()) {
+        if (one.reason == LeftOutReason::kNoFolder) {
+            notices.push_back(L"プラグインフォルダ " + one.path + L" が見つかりません");
+        } else if (one.reason == LeftOutReason::kEmptyFolder && collection.Count() == 0) {
+            notices.push_back(L"プラグインフォルダ " + one.path +
+                              L" に使用できるプラグインがありません");
+        }
+    }
+    if (CallsGoUnlogged()) {
+        notices.push_back(L"レジストリに書き込めないため、プラグインの呼び出しを記録できません");
+    }
+    return notices;
+}
+
+}  // namespace tessary
