@@ -1,5 +1,6 @@
 // Expanding one archive.
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <optional>
 
@@ -12,26 +13,12 @@
 #include "convert/delete_files.h"
 #include "convert/make_folder.h"
 #include "convert/plugin_use.h"
-#include "plugin/file_stamp.h"
 #include "plugin/member_file_name.h"
-#include "plugin/source_block.h"
 
 namespace tessary {
 namespace {
 
 constexpr int kLastSubstitute = 10;
-
-bool HaveSameContent(const std::wstring& one, const std::wstring& other) {
-    const std::optional<FileStamp> stamp = StampOf(one);
-    const std::optional<FileStamp> otherStamp = StampOf(other);
-    if (!stamp || !otherStamp || stamp->size != otherStamp->size) return false;
-    if (stamp->size == 0) return true;
-    const OwnedBlock block = ReadWholeFile(one);
-    const OwnedBlock otherBlock = ReadWholeFile(other);
-    const BlockLock lock(block.Get());
-    const BlockLock otherLock(otherBlock.Get());
-    return lock && otherLock && std::ranges::equal(lock.Bytes(), otherLock.Bytes());
-}
 
 }  // namespace
 
@@ -45,50 +32,76 @@ struct ConvertRun::Expansion {
     std::map<int32_t, std::optional<std::wstring>> ownNames;
 };
 
-// The folder, or where it cannot be made the first that can of `folder(0)` to `folder(10)`: the
-// archive itself may have the name, or another archive of this run. Empty when none can.
-std::wstring ConvertRun::MakeExpansionFolder(const std::wstring& folder, bool& isNew) {
-    for (int number = -1; number <= kLastSubstitute; ++number) {
+// The folder that is called as the archive, or where it cannot be made the first that can of
+// `folder(0)` to `folder(10)`: the archive itself may have the name. Of the user's archives of one
+// name each gets one, in the order of their paths, so that the order of the list does not matter.
+// Empty when none can be made.
+std::wstring ConvertRun::MakeExpansionFolder(const WorkEntry& entry, bool& isNew) {
+    const std::wstring folder = entry.folder + FileNameOf(entry.path);
+    ptrdiff_t before = 0;
+    if (!entry.IsExtracted() && Values().convert.onConflict != kConflictOverwrite) {
+        const std::set<std::wstring>& namesakes = namesakes_[ToUpper(folder)];
+        before = std::distance(namesakes.begin(), namesakes.lower_bound(ToUpper(entry.path)));
+    }
+    int failures = 0;
+    for (int number = -1; failures <= kLastSubstitute + 1; ++number) {
         std::wstring candidate = folder;
         if (number >= 0) candidate += L'(' + std::to_wstring(number) + L')';
         isNew = !PathExists(candidate);
-        if (expansionFolders_.contains(ToUpper(candidate)) || !MakeFolder(candidate)) continue;
+        if (!isNew && !IsFolder(candidate)) {
+            ++failures;
+            continue;
+        }
+        if (--before >= 0 || expansionFolders_.contains(ToUpper(candidate))) continue;
+        if (!MakeFolder(candidate)) {
+            ++failures;
+            continue;
+        }
         expansionFolders_.insert(ToUpper(candidate));
         return candidate;
     }
     return {};
 }
 
-StepResult ConvertRun::ConvertArchiveFile(const std::wstring& path, const std::wstring& pluginKey,
-                                          const std::wstring& expansionFolder) {
+FileReason ConvertRun::ReasonNotToExpand(const WorkEntry& entry) const {
+    const ConvertSettings& settings = Values().convert;
+    if (settings.unpackArchive != 1) return FileReason::kArchiveNotExpanded;
+    if (!entry.IsExtracted()) return FileReason::kNone;
+    if (entry.depth >= settings.archiveDepth) return FileReason::kTooDeep;
+    return expanded_.Holds(entry.path) ? FileReason::kSameArchive : FileReason::kNone;
+}
+
+StepResult ConvertRun::ConvertArchiveFile(const WorkEntry& entry, const std::wstring& pluginKey) {
     return Step([&](StepResult& result) {
         log_.WriteConvertLog(L"ファイル種別", L"圧縮ファイル", 2);
-        if (Values().convert.unpackArchive != 1) {
+        if (const FileReason reason = ReasonNotToExpand(entry); reason != FileReason::kNone) {
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"圧縮ファイルのため展開を中止しました", {}, 2);
-            Report(FileOutcome::kDeclined, FileReason::kArchiveNotExpanded);
+            if (reason != FileReason::kArchiveNotExpanded) {
+                log_.WriteConvertLog(L"詳細情報", ReasonText(reason), 4);
+            }
+            Report(FileOutcome::kDeclined, reason);
             return;
         }
         log_.WriteConvertLog(L"使用プラグイン", FileNameOf(pluginKey), 2);
-        log_.WriteConvertLog(L"画像の展開先", expansionFolder, 2);
+        log_.WriteConvertLog(L"画像の展開先", entry.folder + FileNameOf(entry.path), 2);
         const PluginUse plugin(pluginKey);
-        if (!plugin.Bind(path)) {
+        if (!plugin.Bind(entry.path)) {
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"[エラー]", plugin.ErrorString(), 2);
             Report(FileOutcome::kFailed, FileReason::kPluginFailed, plugin.ErrorString());
             return;
         }
-        const int32_t upperBound = list_.UpperBound();
-        list_.Grow(plugin->FileNumber());
-        if (!ExpandArchiveFiles(*plugin, expansionFolder, upperBound)) {
+        expanded_.Add(entry.path);
+        const int32_t upperBound = list_.Grow(plugin->FileNumber());
+        if (!ExpandArchiveFiles(*plugin, entry, upperBound)) {
             result = StepResult::kStopped;
             Report(FileOutcome::kStopped);
         }
     });
 }
 
-bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expansionFolder,
-                                    int32_t upperBound) {
+bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const WorkEntry& entry, int32_t upperBound) {
     const int32_t count = archive.FileNumber();
     if (count < 1) {
         log_.WriteConvertLog(L"[エラー]",
@@ -97,7 +110,7 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
         return true;
     }
     bool isNew = false;
-    const std::wstring folder = MakeExpansionFolder(expansionFolder, isNew);
+    const std::wstring folder = MakeExpansionFolder(entry, isNew);
     if (folder.empty()) {
         log_.WriteConvertLog(L"[エラー]",
                              L"フォルダの作成に失敗しました。圧縮ファイルの展開を中止します", 2);
@@ -113,18 +126,19 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const std::wstring& expan
             ownName = expansion.names.NameFor(file.name);
     }
     for (int32_t index = 1; index <= count; ++index) {
-        const WorkEntry entry = ExpandMember(expansion, index);
-        const std::wstring& path = entry.path;
-        list_.Set(upperBound + index, entry);
+        const WorkEntry member = ExpandMember(expansion, index);
+        const std::wstring& path = member.path;
+        list_.Set(upperBound + index, member);
         if (path.empty()) continue;
+        names_.Announce(member);
         if (!monitor_.SetProgressBar(upperBound, list_.UpperBound(), index, count)) {
             WriteStopped();
             return false;
         }
-        const std::wstring member = archive.Files(index);
-        log_.WriteConvertLog(L"解凍に成功しました", member, 4);
+        const std::wstring name = archive.Files(index);
+        log_.WriteConvertLog(L"解凍に成功しました", name, 4);
         // Told only when the member could not keep its name.
-        if (!path.ends_with(L'\\' + member)) log_.WriteConvertLog(L"展開ファイル名", path, 6);
+        if (!path.ends_with(L'\\' + name)) log_.WriteConvertLog(L"展開ファイル名", path, 6);
     }
     log_.WriteConvertLog(L"すべてのファイルの解凍が終了しました。", {}, 2);
     return true;
@@ -136,7 +150,8 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
     const bool isFile = file != expansion.ownNames.end();
     WorkEntry entry{.path = {},
                     .source = Entry().source,
-                    .member = Entry().member.empty() ? member : Entry().member + L'\\' + member};
+                    .member = Entry().member.empty() ? member : Entry().member + L'\\' + member,
+                    .depth = Entry().depth + 1};
     const auto refuse = [&](FileOutcome outcome, FileReason reason, std::wstring text = {}) {
         log_.WriteConvertLog(L"解凍に失敗しました", member, 4);
         log_.WriteConvertLog(L"詳細情報", {}, 6);
@@ -179,7 +194,7 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
     std::wstring path = start + name;
     // But what is the same and not on the list, an earlier run has left.
     const auto left = std::ranges::find_if(standing, [&](const std::wstring& other) {
-        return !list_.Holds(other) && HaveSameContent(path, other);
+        return !list_.Holds(other) && !names_.IsSource(other) && HaveSameContent(path, other);
     });
     if (left != standing.end()) {
         DeleteFiles(path, true);
@@ -187,6 +202,7 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
     }
     if (path != start + *file->second) entry.saveName = FileNameOf(*file->second);
     entry.path = path;
+    entry.folder = FolderOf(path);
     return entry;
 }
 

@@ -17,6 +17,14 @@ struct ConvertSource {
                              // between; empty: it was chosen by itself
 };
 
+// A picture would take a name that is in use.
+struct ConflictQuestion {
+    std::wstring source;  // full path of the file that is being converted
+    std::wstring target;  // of the file that is there
+    bool mayReplace;      // false: it belongs to this run, as a source or as a result
+};
+enum class ConflictAnswer { kFreeName, kReplace, kSkip, kStop };
+
 class ConvertMonitor {
   public:
     // The files to convert, in order. Asked for once, at the beginning.
@@ -37,6 +45,12 @@ class ConvertMonitor {
     // user has asked to stop.
     virtual bool SetProgressBar(int32_t totalPosition, int32_t totalMaximum, int32_t filePosition,
                                 int32_t fileMaximum) = 0;
+
+    // What to do about a name in use, with kConflictAsk. kReplace where that may not be counts as
+    // kFreeName; kStop skips this file and is to be answered by SetProgressBar from then on.
+    virtual ConflictAnswer AskConflict(const ConflictQuestion&) {
+        return ConflictAnswer::kFreeName;
+    }
 
     // What became of a file, as soon as that is known.
     virtual void FileDone(const FileReport&) {}

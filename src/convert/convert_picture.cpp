@@ -6,35 +6,16 @@
 #include "convert/convert_progress.h"
 #include "convert/convert_run.h"
 #include "convert/decode_filter.h"
+#include "convert/make_folder.h"
+#include "convert/save_extension.h"
 #include "convert/side_job.h"
+#include "convert/trial_save.h"
 #include "picture/save/save_picture.h"
 
 namespace tessary {
 namespace {
 
-constexpr uint16_t kFewColorsDepth = 8;  // and below
-
 constexpr INT_PTR kMostMeanwhile = 1 << 20;  // bytes of a picture that is saved in a moment
-
-std::wstring WithoutExtension(const std::wstring& name) {
-    return name.substr(0, name.rfind(L'.'));
-}
-
-// Of the format that the user wants for pictures of that many bits per pixel; empty for a setting
-// that names none.
-const wchar_t* ExtensionFor(uint16_t bitsPerPixel) {
-    const ConvertSettings& settings = Values().convert;
-    switch (bitsPerPixel > kFewColorsDepth ? settings.saveType2 : settings.saveType1) {
-        case 0:
-            return L".bmp";
-        case 1:
-            return L".png";
-        case 2:
-            return L".jpg";
-        default:
-            return L"";
-    }
-}
 
 std::wstring SizeText(int32_t width, int32_t height) {
     return std::to_wstring(width) + L" \u00D7 " + std::to_wstring(height);
@@ -42,61 +23,66 @@ std::wstring SizeText(int32_t width, int32_t height) {
 
 }  // namespace
 
-StepResult ConvertRun::ConvertBitmapFile(const std::wstring& path,
-                                         const std::wstring& outputFolder) {
+StepResult ConvertRun::ConvertBitmapFile(const WorkEntry& entry) {
     return Step([&](StepResult& result) {
         log_.WriteConvertLog(L"ファイル種別", L"ビットマップファイル", 2);
-        if (!source_.picture) source_.picture = ReadBitmapSource(path, TellProgress);
-        const OwnedPicture& picture = source_.picture->picture;
-        if (!picture) {
+        if (!source_.picture) source_.picture = ReadBitmapSource(entry.path, TellProgress);
+        const SourcePicture& source = *source_.picture;
+        if (!source.picture) {
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"ビットマップの読み込みに失敗しました", {}, 2);
             Report(FileOutcome::kFailed, FileReason::kBrokenData);
             return;
         }
         log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
-        result = SaveConvertedPicture(picture.Get(), outputFolder, path);
+        result = SaveConvertedPicture(source.picture.Get(), entry);
     });
 }
 
-StepResult ConvertRun::ConvertPictureFile(const std::wstring& path, const std::wstring& pluginKey,
-                                          const std::wstring& outputFolder) {
+StepResult ConvertRun::ConvertPictureFile(const WorkEntry& entry) {
     return Step([&](StepResult& result) {
         log_.WriteConvertLog(L"ファイル種別", L"画像ファイル", 2);
-        log_.WriteConvertLog(L"使用プラグイン", FileNameOf(pluginKey), 2);
-        if (!source_.picture) source_.picture = DecodeSource(path, pluginKey, TellProgress);
+        log_.WriteConvertLog(L"使用プラグイン", FileNameOf(source_.pluginKey), 2);
+        if (!source_.picture) {
+            source_.picture = DecodeSource(entry.path, source_.pluginKey, TellProgress);
+        }
         const SourcePicture& source = *source_.picture;
         if (source.isRefused) {
             // A file that its plug-in suddenly refuses counts as done.
             Report(FileOutcome::kFailed, FileReason::kPluginFailed);
             return;
         }
+        // The first one has failed, and another one knew better.
+        if (!EqualsIgnoreCase(source.pluginKey, source_.pluginKey)) {
+            log_.WriteConvertLog(L"使用プラグイン", FileNameOf(source.pluginKey), 2);
+        }
+        if (source.isArchive) {
+            result = ConvertArchiveFile(entry, source.pluginKey);
+            return;
+        }
         if (source.failure.result != 0) {
             result = StepResult::kNotHandled;
-            log_.WriteConvertLog(L"展開に失敗しました", path, 2);
+            log_.WriteConvertLog(L"展開に失敗しました", entry.path, 2);
             log_.WriteConvertLog(L"詳細情報", {}, 4);
             WritePluginError(source.failure, 4);
             Report(FileOutcome::kFailed, ReasonOf(source.failure),
-                   FailureText(source.failure, pluginKey));
+                   FailureText(source.failure, source.pluginKey));
             return;
         }
-        log_.WriteConvertLog(L"画像を展開しました", path, 2);
-        result = SaveConvertedPicture(source.picture.Get(), outputFolder, path);
+        log_.WriteConvertLog(L"画像を展開しました", entry.path, 2);
+        result = SaveConvertedPicture(source.picture.Get(), entry);
     });
 }
 
-// A member that lies beside a file of its name is still saved under its own, as any file is, so
-// that a run can be repeated; but for a picture of this run.
-std::wstring ConvertRun::SavedNameFor(const std::wstring& path, const std::wstring& outputFolder,
-                                      const std::wstring& extension) const {
-    if (Entry().saveName.empty()) return WithoutExtension(FileNameOf(path)) + extension;
-    const std::wstring base = WithoutExtension(Entry().saveName);
-    std::wstring name = base + extension;
-    for (int number = 2; savedFiles_.contains(ToUpper(outputFolder + name)); ++number) {
-        name = base;
-        name.append(L" (").append(std::to_wstring(number)).append(L")").append(extension);
-    }
-    return name;
+bool ConvertRun::ToleratesDamage(const std::wstring& damage) {
+    if (damage.empty()) return true;
+    report_.isDamaged = true;
+    log_.WriteConvertLog(L"画像の一部が損傷しています", {}, 2);
+    log_.WriteConvertLog(L"詳細情報", damage, 4);
+    if (!Values().convert.skipDamaged) return true;
+    log_.WriteConvertLog(L"損傷のある画像は保存しない設定になっています", {}, 4);
+    Report(FileOutcome::kFailed, FileReason::kDamaged, damage);
+    return false;
 }
 
 DWORD ConvertRun::SaveAndRead(const PicturePair& picture, const std::wstring& output) {
@@ -126,7 +112,7 @@ DWORD ConvertRun::SaveAndRead(const PicturePair& picture, const std::wstring& ou
 std::optional<std::wstring> ConvertRun::NextToRead(const std::wstring& output) const {
     const int32_t next = current_ + 1;
     // Extracted members make way for others, and are deleted by patterns.
-    if (next > list_.UpperBound() || list_.IsExtracted(next)) return std::nullopt;
+    if (next > list_.UpperBound() || list_.At(next).IsExtracted()) return std::nullopt;
     // A plug-in that crashes may leave a lock of the system's behind, and whatever works on another
     // thread would wait for it for ever.
     if (HasPluginCrashed() || !monitor_.SetProgressBar(-1, -1, 0, 0)) return std::nullopt;
@@ -137,9 +123,17 @@ std::optional<std::wstring> ConvertRun::NextToRead(const std::wstring& output) c
     return path;
 }
 
-StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
-                                            const std::wstring& outputFolder,
-                                            const std::wstring& path) {
+StepResult ConvertRun::Skip(const std::wstring& path, FileReason reason) {
+    log_.WriteConvertLog(L"処理をスキップしました", ReasonText(reason), 2);
+    log_.WriteConvertLog(L"既存のファイル", path, 4);
+    report_.target = path;
+    // No other one's either then.
+    if (reason == FileReason::kAlreadyConverted) names_.AddResult(path, Entry());
+    Report(FileOutcome::kSkipped, reason);
+    return StepResult::kDone;
+}
+
+StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const WorkEntry& entry) {
     dib::BitmapInfoHeader header{};
     GetPictureHeader(picture, header);
     const int32_t height = header.height < 0 ? -header.height : header.height;
@@ -150,18 +144,31 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture,
         Report(FileOutcome::kDeclined, FileReason::kTooSmall);
         return StepResult::kNotSaved;
     }
-    const std::wstring savedName = SavedNameFor(path, outputFolder, ExtensionFor(header.bitCount));
+    if (!ToleratesDamage(source_.picture->damage)) return StepResult::kNotSaved;
+    const std::wstring extension = SaveExtension(header.bitCount);
+    TrialSave trial(picture, extension);
+    const OutputChoice choice = names_.Choose(
+        {entry, extension, [&](const std::wstring& path) { return trial.IsLike(path); }});
+    if (choice.isSkipped) return Skip(choice.path, choice.reason);
+    report_.target = choice.path;
+    report_.isRenamed = choice.isRenamed;
+    report_.isReplaced = choice.isReplaced;
     log_.WriteConvertLog(L"画像の色数", std::to_wstring(header.bitCount) + L" bit", 2);
-    log_.WriteConvertLog(L"保存ファイル名", outputFolder + savedName, 2);
-    MakeWayFor(outputFolder + savedName);
-    report_.target = outputFolder + savedName;
-    if (const DWORD error = SaveAndRead(picture, report_.target); error != ERROR_SUCCESS) {
-        log_.WriteConvertLog(L"保存に失敗しました", savedName, 2);
-        Report(FileOutcome::kFailed, ReasonOfWriteError(error, report_.target));
+    log_.WriteConvertLog(L"保存ファイル名", choice.path, 2);
+    if (choice.isRenamed) {
+        log_.WriteConvertLog(L"同じ名前のファイルがあるため別名で保存します", {}, 4);
+    }
+    if (choice.isReplaced) log_.WriteConvertLog(L"既存のファイルを置き換えます", {}, 4);
+    if (Values().convert.keepFolders) MakeFolder(entry.folder);
+    if (Values().convert.onConflict == kConflictOverwrite) MakeWayFor(choice.path);
+    if (const DWORD error = SaveAndRead(picture, choice.path); error != ERROR_SUCCESS) {
+        log_.WriteConvertLog(L"保存に失敗しました", FileNameOf(choice.path), 2);
+        Report(FileOutcome::kFailed, ReasonOfWriteError(error, choice.path));
         return StepResult::kNotSaved;
     }
-    savedFiles_.insert(ToUpper(outputFolder + savedName));
-    Report(FileOutcome::kConverted);
+    names_.AddResult(choice.path, entry);
+    Report(FileOutcome::kConverted, report_.isDamaged ? FileReason::kDamaged : choice.reason,
+           source_.picture->damage);
     return StepResult::kDone;
 }
 

@@ -30,6 +30,10 @@ ReasonName NameOf(FileReason reason) {
             return {L"same-archive", L"同じ内容の圧縮ファイルを展開済み"};
         case FileReason::kTargetExists:
             return {L"target-exists", L"同じ名前のファイルがある"};
+        case FileReason::kAlreadyConverted:
+            return {L"already-converted", L"変換済みのファイルがある"};
+        case FileReason::kListedTwice:
+            return {L"listed-twice", L"一覧に 2 回あるファイル"};
         case FileReason::kMissing:
             return {L"missing", L"ファイルが見つからない"};
         case FileReason::kUnreadable:

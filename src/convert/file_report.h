@@ -26,6 +26,8 @@ enum class FileReason {
     kSameArchive,  // an archive whose like has been expanded in this run
     // Of skipped, renamed and replaced ones.
     kTargetExists,
+    kAlreadyConverted,  // what it would become is there, from an earlier run or this one
+    kListedTwice,       // it was in the list before
     // Of failed ones.
     kMissing,
     kUnreadable,

@@ -11,11 +11,26 @@
 #include "convert/decode_filter.h"
 #include "convert/delete_files.h"
 #include "convert/make_folder.h"
+#include "convert/no_picture.h"
 #include "convert/no_system_messages.h"
+#include "convert/save_extension.h"
+#include "convert/source_order.h"
 #include "plugin/file_stamp.h"
 #include "plugin/susie_calls.h"
 
 namespace tessary {
+
+namespace {
+
+WorkList ListOf(const std::vector<ConvertSource>& files, const std::wstring& targetFolder) {
+    const ConvertSettings& settings = Values().convert;
+    std::vector<WorkEntry> entries = EntriesOf(files, targetFolder, settings.keepFolders);
+    if (settings.onConflict == kConflictOverwrite) return {std::move(entries), {}};
+    OrderedEntries ordered = WithResultsLast(std::move(entries), targetFolder);
+    return {std::move(ordered.first), std::move(ordered.last)};
+}
+
+}  // namespace
 
 bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
     if (ProgressWatch::IsThere() || PluginCallUnderWay()) return false;
@@ -30,6 +45,16 @@ bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
     });
 }
 
+ConvertRun::ConvertRun(const std::wstring& targetFolder, const std::vector<ConvertSource>& files,
+                       ConvertMonitor& monitor)
+    : list_(ListOf(files, targetFolder)), monitor_(monitor), log_(monitor), names_(files, monitor) {
+    for (int32_t index = 1; index <= list_.UpperBound(); ++index) {
+        const WorkEntry& entry = list_.At(index);
+        names_.Announce(entry);
+        namesakes_[ToUpper(entry.folder + FileNameOf(entry.path))].insert(ToUpper(entry.path));
+    }
+}
+
 bool ConvertRun::Run() {
     const DivertedErrors errors([this](const RaisedError& error) {
         if (!ahead_.Disturb()) WriteUnexpected(error);
@@ -37,6 +62,7 @@ bool ConvertRun::Run() {
     log_.Open();
     bool goesOn = true;
     for (current_ = 1; goesOn && current_ <= list_.UpperBound(); ++current_) {
+        list_.Reach(current_);
         const ULONGLONG start = GetTickCount64();
         report_ = {.source = Entry().source, .member = Entry().member};
         isReported_ = false;
@@ -77,61 +103,78 @@ void ConvertRun::Report(FileOutcome outcome, FileReason reason, std::wstring tex
 
 void ConvertRun::ConvertEntry() {
     // A copy: the list grows meanwhile.
-    const std::wstring path = Entry().path;
-    const bool isExtracted = list_.IsExtracted(current_);
-    const std::wstring name = FileNameOf(path);
+    const WorkEntry entry = Entry();
+    const std::wstring name = FileNameOf(entry.path);
     if (!CheckDecodeFileName(name)) {
         log_.WriteConvertLog(L"[警告]", L"ファイルを処理できません", 2);
         log_.WriteConvertLog(name + L" は一括変換のファイル名のフィルタ設定と一致しません", {}, 4);
-        RemoveExtractedFile(path, isExtracted);
+        RemoveExtractedFile(entry);
         Report(FileOutcome::kDeclined, FileReason::kNameFiltered);
         return;
     }
     const StepResult result = Step([&](StepResult& kindResult) {
         kindResult = StepResult::kNotHandled;  // until the kind is known
-        kindResult = ConvertByKind(path, isExtracted ? FolderOf(path) : targetFolder_);
+        kindResult = ConvertByKind(entry);
     });
     source_ = {};
     // What came of the file has been told by now.
-    Trapped([&] { CleanUp(path, isExtracted, result); });
+    Trapped([&] { CleanUp(entry, result); });
 }
 
-void ConvertRun::CleanUp(const std::wstring& path, bool isExtracted, StepResult result) {
+void ConvertRun::CleanUp(const WorkEntry& entry, StepResult result) {
     if (result != StepResult::kDone) {
-        RemoveExtractedFile(path, isExtracted);
-    } else if (isExtracted) {
-        DeleteExtracted(path);
+        RemoveExtractedFile(entry);
+    } else if (entry.IsExtracted()) {
+        DeleteExtracted(entry.path);
     }
     monitor_.SetProgressBar(-1, -1, 200, 200);
 }
 
-StepResult ConvertRun::ConvertByKind(const std::wstring& path, const std::wstring& outputFolder) {
-    std::optional<SourceFile> known = ahead_.Take(path);
-    source_ = known ? std::move(*known) : LookAtFile(path);
+StepResult ConvertRun::ConvertByKind(const WorkEntry& entry) {
+    const bool overwrites = Values().convert.onConflict == kConflictOverwrite;
+    if (!overwrites && !entry.IsExtracted() && names_.IsResult(entry.path)) {
+        return Skip(entry.path, FileReason::kAlreadyConverted);
+    }
+    std::optional<SourceFile> known = ahead_.Take(entry.path);
+    source_ = known ? std::move(*known) : LookAtFile(entry.path);
+    const wchar_t* const extension = OnlySaveExtension();
+    if (IsPictureKind(source_.kind) && extension != nullptr && names_.WillSkip(entry, extension)) {
+        const OutputChoice choice =
+            names_.Choose({entry, extension, [](const std::wstring&) { return true; }});
+        if (choice.isSkipped) return Skip(choice.path, choice.reason);
+    }
     switch (source_.kind) {
         case kFileBitmap:
-            return ConvertBitmapFile(path, outputFolder);
+            return ConvertBitmapFile(entry);
         case kFilePicture:
-            return ConvertPictureFile(path, source_.pluginKey, outputFolder);
+            return ConvertPictureFile(entry);
         case kFileArchive:
-            return ConvertArchiveFile(path, source_.pluginKey, outputFolder + FileNameOf(path));
+            return ConvertArchiveFile(entry, source_.pluginKey);
         case kFileUnknown:
             break;
     }
     log_.WriteConvertLog(L"ファイル種別", L"未知のファイル", 2);
-    Report(FileOutcome::kFailed, FileReason::kUnknownFormat);
+    ReportUnknown(entry.path);
     return StepResult::kNotHandled;
 }
 
-void ConvertRun::RemoveExtractedFile(const std::wstring& path, bool isExtracted) {
-    if (!isExtracted || Values().convert.decodeUnknownFile != 0) return;
-    DeleteExtracted(path);
+void ConvertRun::ReportUnknown(const std::wstring& path) {
+    if (IsNoPicture(path)) {
+        Report(FileOutcome::kDeclined, FileReason::kNoPicture);
+    } else {
+        Report(FileOutcome::kFailed, ReasonUnknown(path));
+    }
+}
+
+void ConvertRun::RemoveExtractedFile(const WorkEntry& entry) {
+    if (!entry.IsExtracted() || Values().convert.decodeUnknownFile != 0) return;
+    DeleteExtracted(entry.path);
     log_.WriteConvertLog(L"ファイルを削除しました", {}, 2);
 }
 
 // A member may have been replaced by the picture that it or another has become.
 void ConvertRun::DeleteExtracted(const std::wstring& path) {
-    if (!savedFiles_.contains(ToUpper(path))) DeleteFiles(path, true);
+    if (!path.empty() && !names_.IsResult(path)) DeleteFiles(path, true);
 }
 
 void ConvertRun::MakeWayFor(const std::wstring& output) {
@@ -139,7 +182,8 @@ void ConvertRun::MakeWayFor(const std::wstring& output) {
     const size_t extensionSize = UpperExtensionOf(output).size();
     const size_t dot = output.size() - (extensionSize == 0 ? 0 : extensionSize + 1);
     for (int32_t index = current_ + 1; index <= list_.UpperBound(); ++index) {
-        if (!list_.IsExtracted(index) || !EqualsIgnoreCase(list_.At(index).path, output)) continue;
+        if (!list_.At(index).IsExtracted() || !EqualsIgnoreCase(list_.At(index).path, output))
+            continue;
         std::wstring other;
         int number = 2;
         do {

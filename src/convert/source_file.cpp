@@ -1,5 +1,7 @@
 #include "convert/source_file.h"
 
+#include <set>
+
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "convert/plugin_use.h"
@@ -62,19 +64,32 @@ SourcePicture ReadBitmapSource(const std::wstring& path, const SusieProgress& pr
 
 SourcePicture DecodeSource(const std::wstring& path, const std::wstring& pluginKey,
                            const SusieProgress& progress) {
+    CollectionSusie& plugins = SusieCollection();
     SourcePicture source;
-    const PluginUse plugin(pluginKey);
-    source.isRefused = !plugin.Bind(path);
-    if (source.isRefused) return source;
-    PicturePair pair;
-    const uint32_t result =
-        ResultOf([&] { plugin->DecodePicture(DecodeTarget::kMemory, 0, progress, {}, &pair); });
-    if (result != 0) {
-        source.failure = FailureOf(*plugin, result);
-    } else {
-        source.picture = OwnedPicture(pair);
-        source.damage = plugin->Damage();
+    source.pluginKey = pluginKey;
+    source.isRefused = true;
+    std::set<int32_t> asked;
+    while (const int32_t index = plugins.FileSupported(path, asked)) {
+        clsSusie& plugin = plugins.Item(index);
+        source.isRefused = false;
+        source.pluginKey = plugin.DllName();
+        if (plugin.DllStyle() == kStyleArchive) {
+            source.isArchive = true;
+            return source;
+        }
+        PicturePair pair;
+        const uint32_t result =
+            ResultOf([&] { plugin.DecodePicture(DecodeTarget::kMemory, 0, progress, {}, &pair); });
+        if (result == 0) {
+            source.picture = OwnedPicture(pair);
+            source.damage = plugin.Damage();
+            source.failure = {};
+            break;
+        }
+        source.failure = FailureOf(plugin, result);
+        plugins.ForgetSuccess();
     }
+    plugins.UnloadFile();
     return source;
 }
 

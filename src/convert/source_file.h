@@ -27,10 +27,12 @@ FileReason ReasonOf(const PluginFailure& failure);
 std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey);
 
 struct SourcePicture {
-    OwnedPicture picture;     // empty when it could not be read
-    bool isRefused = false;   // the plug-in did not take the file when it was bound
-    PluginFailure failure{};  // of a plug-in that took it; result 0: it did not fail
-    std::wstring damage;      // what is missing of the picture, for the user; empty: it is whole
+    OwnedPicture picture{};    // empty when it could not be read
+    std::wstring pluginKey{};  // of the plug-in that read it, or was the last to fail
+    bool isArchive = false;    // which is an archive plug-in: picture plug-ins had failed
+    bool isRefused = false;    // no plug-in takes the file any more
+    PluginFailure failure{};   // of a plug-in that took it; result 0: it did not fail
+    std::wstring damage{};     // what is missing of the picture, for the user; empty: it is whole
 };
 
 struct SourceFile {
@@ -45,7 +47,8 @@ SourceFile LookAtFile(const std::wstring& path);
 // Empty when the bitmap file cannot be read.
 SourcePicture ReadBitmapSource(const std::wstring& path, const SusieProgress& progress);
 
-// Decodes the file with the plug-in of that key, which is unbound then.
+// Decodes the file with the plug-in of that key; when it fails with the next one that takes the
+// file, and so on. None of them is bound then, but for one of an archive.
 SourcePicture DecodeSource(const std::wstring& path, const std::wstring& pluginKey,
                            const SusieProgress& progress);
 

@@ -4,41 +4,17 @@
 
 #include <optional>
 #include <set>
-#include <tuple>
 #include <utility>
 
 #include "app/base/extension_filter.h"
+#include "app/base/file_identity.h"
 #include "app/base/handles.h"
 #include "app/base/paths.h"
-#include "app/base/text.h"
 
 namespace tessary {
 namespace {
 
 constexpr DWORD kHiddenOrSystem = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-
-// The folders that were listed, by what they are: volume and file number, or the path where the
-// system tells none.
-class ListedFolders {
-  public:
-    // False when the folder was there before.
-    bool Insert(const std::wstring& folder) {
-        const UniqueFile opened(CreateFileW(ExtendedPath(folder).c_str(), FILE_READ_ATTRIBUTES,
-                                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                            nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS,
-                                            nullptr));
-        BY_HANDLE_FILE_INFORMATION file{};
-        const bool numbered = opened && GetFileInformationByHandle(opened.Get(), &file) &&
-                              (file.nFileIndexHigh | file.nFileIndexLow) != 0;
-        if (!numbered) return paths_.insert(ToUpper(folder)).second;
-        return numbers_.insert({file.dwVolumeSerialNumber, file.nFileIndexHigh, file.nFileIndexLow})
-            .second;
-    }
-
-  private:
-    std::set<std::tuple<DWORD, DWORD, DWORD>> numbers_;
-    std::set<std::wstring> paths_;
-};
 
 class Scan {
   public:
@@ -52,7 +28,7 @@ class Scan {
         // The list grows at its end: level by level.
         for (size_t next = 0; next < folders_.size(); ++next) {
             const std::wstring folder = folders_[next];
-            if (subFolders_ && !listed_.Insert(folder)) continue;
+            if (subFolders_ && !listed_.insert(IdentityOf(folder)).second) continue;
             news_.folder = folder;
             if (!Tell()) break;
             const std::optional<DWORD> error = List(folder);
@@ -116,7 +92,7 @@ class Scan {
     const ExtensionFilter filter_;
     const std::function<bool(ScanNews&&)>& tell_;
     std::vector<std::wstring> folders_;  // to list, in order; with trailing backslashes
-    ListedFolders listed_;
+    std::set<std::wstring> listed_;      // by their identities
     ScanNews news_;
 };
 

@@ -45,6 +45,7 @@ class FakeMonitor : public ConvertMonitor {
         if (stepsLeft > 0) --stepsLeft;
         return stepsLeft != 0;
     }
+    ConflictAnswer AskConflict(const ConflictQuestion&) override { return answer; }
     void FileDone(const FileReport& report) override {
         const auto outcome = static_cast<size_t>(report.outcome);
         counts.resize(std::max(counts.size(), outcome + 1));
@@ -61,6 +62,7 @@ class FakeMonitor : public ConvertMonitor {
     std::vector<int32_t> percents;
     std::vector<int> counts = {0, 0, 0};  // by FileOutcome
     std::vector<FileReport> reports;
+    ConflictAnswer answer = ConflictAnswer::kSkip;
 };
 
 inline std::string ContentOf(const std::wstring& path) {

@@ -147,10 +147,10 @@ TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
     EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\b.png)"));
     EXPECT_NE(some.output.find("\x8Cx\x8D\x90"), std::string::npos) << "警告";
 
-    folder_.Write(L"x.txt", "a text");
-    EXPECT_EQ(RunProgram(L"--out out x.txt").status, 1U);
+    folder_.Write(L"x.dat", "no picture");
+    EXPECT_EQ(RunProgram(L"--out out x.dat").status, 1U);
     EXPECT_EQ(RunProgram(LR"(--out out in\*.bmp gone.bmp)").status, 1U);
-    EXPECT_EQ(RunProgram(LR"(--out x.txt\out in)").status, 2U);
+    EXPECT_EQ(RunProgram(LR"(--out x.dat\out in)").status, 2U);
     EXPECT_EQ(RunProgram(L"--format x in").status, 2U);
     EXPECT_EQ(RunProgram(L"--help").status, 0U);
     // A setting that cannot be read would ask in a window.

@@ -208,7 +208,7 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
 }
 
 TEST_F(ConverterTest, ShowsARunAndComesBack) {
-    files_.push_back(source_.Write(L"読めない.txt", "text"));
+    files_.push_back(source_.Write(L"読めない.dat", "text"));
     DrivenDialog user({[&](HWND dialog) {
         const std::wstring quoted = L" \"" + RemoveBackslash(Target()) + L"\"";
         SetDlgItemTextW(dialog, textConvertFolder, quoted.c_str());

@@ -1,0 +1,34 @@
+#include "app/base/file_identity.h"
+
+#include <windows.h>
+
+#include "app/base/handles.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+
+namespace tessary {
+
+std::wstring IdentityOf(std::wstring_view path) {
+    const UniqueFile opened(CreateFileW(ExtendedPath(path).c_str(), FILE_READ_ATTRIBUTES,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS,
+                                        nullptr));
+    BY_HANDLE_FILE_INFORMATION file{};
+    if (!opened || !GetFileInformationByHandle(opened.Get(), &file) ||
+        (file.nFileIndexHigh | file.nFileIndexLow) == 0) {
+        return ToUpper(FullPathOf(path));
+    }
+    // No path begins like this.
+    std::wstring identity = L"<";
+    for (const DWORD number :
+         {file.dwVolumeSerialNumber, file.nFileIndexHigh, file.nFileIndexLow}) {
+        identity.append(std::to_wstring(number)).append(L">");
+    }
+    return identity;
+}
+
+bool IsSameFile(std::wstring_view one, std::wstring_view other) {
+    return EqualsIgnoreCase(one, other) || IdentityOf(one) == IdentityOf(other);
+}
+
+}  // namespace tessary

@@ -1,0 +1,226 @@
+#include "convert/output_names.h"
+
+#include "app/base/file_identity.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
+#include "app/settings/modValue.h"
+
+namespace tessary {
+namespace {
+
+std::wstring OwnName(const WorkEntry& entry) {
+    return entry.saveName.empty() ? FileNameOf(entry.path) : entry.saveName;
+}
+
+// The path that the entry would have in its folder, without its extension.
+std::wstring OwnStem(const WorkEntry& entry) {
+    const std::wstring name = OwnName(entry);
+    return entry.folder + name.substr(0, name.rfind(L'.'));
+}
+
+// The path for the number, which counts from 1.
+std::wstring Candidate(const WorkEntry& entry, const std::wstring& extension, int number) {
+    std::wstring path = OwnStem(entry);
+    if (number > 1) path.append(L" (").append(std::to_wstring(number)).append(L")");
+    return path + extension;
+}
+
+OutputChoice Chosen(const std::wstring& path, int number, bool isReplaced) {
+    OutputChoice choice{.path = path, .isRenamed = number > 1, .isReplaced = isReplaced};
+    if (choice.isRenamed) choice.reason = FileReason::kTargetExists;
+    return choice;
+}
+
+OutputChoice Skipped(const std::wstring& path, FileReason reason) {
+    return {.path = path, .isSkipped = true, .reason = reason};
+}
+
+}  // namespace
+
+OutputNames::OutputNames(const std::vector<ConvertSource>& sources, ConvertMonitor& monitor)
+    : monitor_(monitor) {
+    for (const ConvertSource& source : sources)
+        sources_.insert(ToUpper(source.path));
+}
+
+void OutputNames::Announce(const WorkEntry& entry) {
+    ++wanted_[ToUpper(OwnStem(entry))];
+    if (!entry.IsExtracted()) return;
+    own_.emplace(ToUpper(entry.folder + OwnName(entry)), entry.path);
+    own_.emplace(ToUpper(entry.path), entry.path);
+}
+
+void OutputNames::AddResult(const std::wstring& path, const WorkEntry& entry) {
+    results_.emplace(ToUpper(path), entry.path);
+    results_.emplace(IdentityOf(path), entry.path);
+}
+
+bool OutputNames::IsResult(const std::wstring& path) const {
+    return results_.contains(ToUpper(path)) ||
+           (!results_.empty() && results_.contains(IdentityOf(path)));
+}
+
+bool OutputNames::IsSource(const std::wstring& path) {
+    if (sources_.contains(ToUpper(path))) return true;
+    if (sourceKeys_.empty()) {
+        for (const std::wstring& source : sources_)
+            sourceKeys_.insert(IdentityOf(source));
+    }
+    return sourceKeys_.contains(IdentityOf(path));
+}
+
+// By a list of the folder that is made once: some systems read the whole folder for each question
+// about a name that is not there.
+bool OutputNames::IsListed(const std::wstring& path) {
+    const std::wstring folder = FolderOf(path);
+    const auto [listing, isNew] = listings_.try_emplace(ToUpper(folder));
+    if (isNew) {
+        for (const std::wstring& file : FilesInFolder(folder))
+            listing->second.insert(ToUpper(FileNameOf(file)));
+    }
+    return listing->second.contains(ToUpper(FileNameOf(path)));
+}
+
+// An extracted member is no file that anybody misses when its own picture takes its place.
+bool OutputNames::Exists(const std::wstring& path, const WorkEntry& entry) {
+    if (entry.IsExtracted() && EqualsIgnoreCase(path, entry.path)) return false;
+    // A list does not hold short names, and does not know what others do meanwhile; where nothing
+    // of anybody's may be replaced, that matters.
+    const int32_t policy = Values().convert.onConflict;
+    const bool trustsList = policy == kConflictFreeName || policy == kConflictOverwrite;
+    if (trustsList && path.find(L'~') == path.npos && !IsListed(path)) return false;
+    return PathExists(path);
+}
+
+// By another picture of this run, or for another member.
+bool OutputNames::IsTaken(const std::wstring& path, const WorkEntry& entry) const {
+    const auto own = own_.find(ToUpper(path));
+    return (own != own_.end() && own->second != entry.path) || results_.contains(ToUpper(path));
+}
+
+int OutputNames::Contenders(const WorkEntry& entry) const {
+    const auto wanted = wanted_.find(ToUpper(OwnStem(entry)));
+    return wanted == wanted_.end() ? 1 : wanted->second;
+}
+
+bool OutputNames::IsListedTwice(const std::wstring& path, const WorkEntry& entry) const {
+    const auto result = results_.find(ToUpper(path));
+    return !entry.IsExtracted() && result != results_.end() &&
+           IsSameFile(result->second, entry.path);
+}
+
+OutputChoice OutputNames::Choose(const OutputWish& wish) {
+    switch (Values().convert.onConflict) {
+        case kConflictSkip:
+            return SkippingName(wish);
+        case kConflictOverwrite:
+            return OverwritingName(wish);
+        case kConflictAsk:
+            return AskedName(wish);
+        default:
+            return FreeName(wish, false);
+    }
+}
+
+// Looks among the names that an earlier run may have given to pictures of this name, also behind
+// one that is free, and settles for the first of the best: the picture's like, a free one among
+// them, one whose file may be replaced, a free one behind them.
+OutputChoice OutputNames::FreeName(const OutputWish& wish, bool onlyNew) {
+    const WorkEntry& entry = wish.entry;
+    int last = Contenders(entry);
+    bool isContested = last > 1;
+    int replaceable = 0;
+    int free = 0;
+    for (int number = 1; number <= last || (replaceable == 0 && free == 0); ++number) {
+        const std::wstring path = Candidate(entry, wish.extension, number);
+        if (IsListedTwice(path, entry)) return Skipped(path, FileReason::kListedTwice);
+        if (IsTaken(path, entry)) {
+            isContested = true;
+            continue;
+        }
+        if (!Exists(path, entry)) {
+            if (!isContested) return Chosen(path, number, false);
+            if (free == 0) free = number;
+            continue;
+        }
+        if (IsResult(path)) continue;
+        const bool isSource = IsSource(path);
+        isContested = isContested || isSource;
+        if (isContested && wish.isWritten(path)) {
+            return Skipped(path, FileReason::kAlreadyConverted);
+        }
+        if (isSource || onlyNew) {
+            ++last;  // no earlier run has given this one
+            continue;
+        }
+        if (!isContested) return Chosen(path, number, true);
+        if (replaceable == 0) replaceable = number;
+    }
+    const bool isFree = free != 0 && (free <= last || replaceable == 0);
+    const int number = isFree ? free : replaceable;
+    return Chosen(Candidate(entry, wish.extension, number), number, !isFree);
+}
+
+// What is there stays. Pictures of one name still get one file each, or all but one would be left
+// out; a file that is none of theirs, by its content, counts as another's.
+OutputChoice OutputNames::SkippingName(const OutputWish& wish) {
+    const WorkEntry& entry = wish.entry;
+    const int last = Contenders(entry);
+    int free = 0;
+    for (int number = 1; number <= last || free == 0; ++number) {
+        const std::wstring path = Candidate(entry, wish.extension, number);
+        if (IsListedTwice(path, entry)) return Skipped(path, FileReason::kListedTwice);
+        if (IsTaken(path, entry)) continue;
+        if (!Exists(path, entry)) {
+            if (free == 0) free = number;
+            continue;
+        }
+        if (IsResult(path)) continue;
+        if (IsSource(path)) return Skipped(path, FileReason::kTargetExists);
+        if (last == 1 || wish.isWritten(path)) return Skipped(path, FileReason::kAlreadyConverted);
+    }
+    return Chosen(Candidate(entry, wish.extension, free), free, false);
+}
+
+bool OutputNames::WillSkip(const WorkEntry& entry, const std::wstring& extension) {
+    if (Values().convert.onConflict != kConflictSkip || Contenders(entry) > 1) return false;
+    const std::wstring path = Candidate(entry, extension, 1);
+    return !IsTaken(path, entry) && Exists(path, entry) && !IsResult(path);
+}
+
+// A member that lies beside a file of its name is still saved under its own, as any file is, so
+// that a run can be repeated; but for a picture of this run.
+OutputChoice OutputNames::OverwritingName(const OutputWish& wish) {
+    int number = 1;
+    std::wstring path = Candidate(wish.entry, wish.extension, number);
+    while (!wish.entry.saveName.empty() && results_.contains(ToUpper(path)))
+        path = Candidate(wish.entry, wish.extension, ++number);
+    return Chosen(path, number, Exists(path, wish.entry));
+}
+
+OutputChoice OutputNames::AskedName(const OutputWish& wish) {
+    const WorkEntry& entry = wish.entry;
+    const std::wstring path = Candidate(entry, wish.extension, 1);
+    if (IsListedTwice(path, entry)) return Skipped(path, FileReason::kListedTwice);
+    const bool isTaken = IsTaken(path, entry);
+    const bool exists = Exists(path, entry);
+    if (!isTaken && !exists) return Chosen(path, 1, false);
+    // Nobody wants to lose a picture of this run to another one.
+    const bool isOfRun =
+        isTaken || IsResult(path) || (IsSource(path) && !IsSameFile(path, entry.path));
+    const ConflictAnswer answer =
+        monitor_.AskConflict({.source = entry.path, .target = path, .mayReplace = !isOfRun});
+    switch (answer) {
+        case ConflictAnswer::kReplace:
+            if (!isOfRun) return Chosen(path, 1, true);
+            break;
+        case ConflictAnswer::kSkip:
+        case ConflictAnswer::kStop:
+            return Skipped(path, FileReason::kTargetExists);
+        case ConflictAnswer::kFreeName:
+            break;
+    }
+    return FreeName(wish, true);
+}
+
+}  // namespace tessary

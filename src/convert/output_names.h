@@ -1,0 +1,82 @@
+// The names of what a run writes.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "convert/convert_monitor.h"
+#include "convert/work_list.h"
+
+namespace tessary {
+
+// A picture that is to be written.
+struct OutputWish {
+    const WorkEntry& entry;
+    std::wstring extension;  // with its dot; may be empty
+    // Whether a file has the content that would be written.
+    std::function<bool(const std::wstring& path)> isWritten;
+};
+
+struct OutputChoice {
+    std::wstring path;
+    bool isSkipped = false;  // nothing is to be written: what is there stays
+    bool isRenamed = false;
+    bool isReplaced = false;
+    FileReason reason = FileReason::kNone;  // why it is skipped or renamed
+};
+
+// Decides by ConvertSettings::onConflict what a picture is saved as.
+//
+// A free name is given where the run would destroy one of its own sources, read or not, or one of
+// its own results; any other file is replaced. Which of several pictures of one name gets which
+// number depends on the order of the list; but a picture whose like was left by an earlier run, in
+// whatever order, keeps that one's name: so runs that are stopped, repeated, or done over their own
+// results come to the same files.
+class OutputNames {
+  public:
+    OutputNames(const std::vector<ConvertSource>& sources, ConvertMonitor& monitor);
+
+    // A file that will be converted. To be told of all that go into one folder before the first
+    // name there is chosen.
+    void Announce(const WorkEntry& entry);
+
+    OutputChoice Choose(const OutputWish& wish);
+    // The same before the picture has been read, of the same extension: whether it will be skipped
+    // for sure.
+    bool WillSkip(const WorkEntry& entry, const std::wstring& extension);
+
+    // A picture has been written, or is there from an earlier run.
+    void AddResult(const std::wstring& path, const WorkEntry& entry);
+    bool IsResult(const std::wstring& path) const;
+    bool IsSource(const std::wstring& path);
+
+  private:
+    bool Exists(const std::wstring& path, const WorkEntry& entry);
+    bool IsListed(const std::wstring& path);
+    bool IsTaken(const std::wstring& path, const WorkEntry& entry) const;
+    // How many of the files would have the entry's name, but for the extension.
+    int Contenders(const WorkEntry& entry) const;
+    bool IsListedTwice(const std::wstring& path, const WorkEntry& entry) const;
+
+    OutputChoice FreeName(const OutputWish& wish, bool onlyNew);
+    OutputChoice SkippingName(const OutputWish& wish);
+    OutputChoice OverwritingName(const OutputWish& wish);
+    OutputChoice AskedName(const OutputWish& wish);
+
+    ConvertMonitor& monitor_;
+    std::unordered_set<std::wstring> sources_;     // their paths in upper case
+    std::unordered_set<std::wstring> sourceKeys_;  // their identities, as soon as they matter
+    // The results, by their paths in upper case and by their identities: whose they are.
+    std::unordered_map<std::wstring, std::wstring> results_;
+    // How many of the files would have a path, without its extension, in upper case.
+    std::unordered_map<std::wstring, int> wanted_;
+    // The paths that are extracted members' own, in upper case, and whose they are.
+    std::unordered_map<std::wstring, std::wstring> own_;
+    std::map<std::wstring, std::unordered_set<std::wstring>> listings_;  // of folders; upper case
+};
+
+}  // namespace tessary

@@ -1,0 +1,29 @@
+// What a picture would become, before it takes a name.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "picture/modMemory.h"
+#include "plugin/private_folder.h"
+
+namespace tessary {
+
+// Saves a picture aside when it is first asked for.
+class TrialSave {
+  public:
+    // The picture must outlive this. `extension`: with its dot, of the format.
+    TrialSave(const PicturePair& picture, std::wstring extension)
+        : picture_(picture), extension_(std::move(extension)) {}
+
+    // Whether a file has the content that the picture would be saved with.
+    bool IsLike(const std::wstring& path);
+
+  private:
+    const PicturePair& picture_;
+    std::wstring extension_;
+    std::optional<PrivateFolder> folder_;
+    std::wstring saved_;  // empty: it cannot be saved
+};
+
+}  // namespace tessary

@@ -1,0 +1,231 @@
+// What becomes of names that are in use: no source and no result of a run is lost, and runs that
+// are repeated, in whatever order, come to the same files.
+#include <map>
+#include <set>
+
+#include "app/base/paths.h"
+#include "convert/work_list.h"
+#include "tests/src/convert/convert_test.h"
+#include "tests/support/folder_link.h"
+
+namespace tessary {
+namespace {
+
+using test::ArchiveOf;
+using test::BitmapFileOf;
+using test::ContentOf;
+
+// Not what our writer makes of it.
+std::string ForeignBitmap(int size) {
+    return BitmapFileOf(size, size, RGB(1, 2, 3)) + "behind the picture";
+}
+
+class ConflictTest : public test::ConvertTest {
+  protected:
+    using Files = std::map<std::wstring, size_t>;
+
+    static size_t HashOf(const std::wstring& path) {
+        return std::hash<std::string>()(ContentOf(path));
+    }
+    // All files below a folder, with their contents.
+    static Files FilesBelow(const std::wstring& folder) {
+        Files files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+            if (entry.is_regular_file()) {
+                files[entry.path().wstring().substr(folder.size())] =
+                    HashOf(entry.path().wstring());
+            }
+        }
+        return files;
+    }
+    static std::wstring NamesOf(const Files& files) {
+        std::wstring names;
+        for (const auto& [name, content] : files)
+            names += name + L' ';
+        return names;
+    }
+    static std::multiset<size_t> ContentsOf(const Files& files) {
+        std::multiset<size_t> contents;
+        for (const auto& [name, content] : files)
+            contents.insert(content);
+        return contents;
+    }
+
+    // The list is all that lies below a folder, in order or the other way round.
+    bool RunOver(const std::wstring& folder, const std::wstring& target, bool isReversed) {
+        monitor_.files.clear();
+        for (const auto& [name, content] : FilesBelow(folder))
+            monitor_.files.push_back(folder + name);
+        if (isReversed) std::ranges::reverse(monitor_.files);
+        monitor_.reports.clear();
+        return ConvertFiles(target, monitor_);
+    }
+};
+
+TEST_F(ConflictTest, SourcesInTheTargetFolderStayAndResultsDoNotMultiply) {
+    source_.Write(L"a.bmp", ForeignBitmap(4));
+    source_.Write(L"A (2).bmp", ForeignBitmap(5));
+    source_.Write(L"a.tst", "TST 6x6x24\n");
+    source_.Write(L"b.tst", "TST 7x7x24\n");
+    source_.Write(LR"(sub\b.tst)", "TST 8x8x24\n");
+    source_.Write(L"p.tsa", ArchiveOf({{"b.tst", "TST 9x9x24\n"}, {"a.bmp", ForeignBitmap(3)}}));
+    const Files before = FilesBelow(source_.Path());
+    EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), false));
+    const Files after = FilesBelow(source_.Path());
+    EXPECT_EQ(NamesOf(after),
+              LR"(A (2) (2).bmp A (2).bmp a (3).bmp a (4).bmp a.bmp a.tst b (2).bmp b.bmp b.tst )"
+              LR"(p.tsa p.tsa(0)\a.bmp p.tsa(0)\b.bmp sub\b.tst )");
+    for (const auto& [name, content] : before)
+        EXPECT_EQ(after.at(name), content) << name;
+    int renamed = 0;
+    for (const FileReport& report : monitor_.reports)
+        renamed += report.isRenamed ? 1 : 0;
+    EXPECT_EQ(renamed, 4);
+    // Also in another order, and with the results of the first run as sources.
+    for (const bool isReversed : {true, false}) {
+        EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), isReversed));
+        EXPECT_EQ(FilesBelow(source_.Path()), after) << isReversed;
+    }
+}
+
+TEST_F(ConflictTest, PicturesOfOneNameStayApartInAnyOrderAndAfterAnyStop) {
+    for (const wchar_t* const folder : {L"1", L"2", L"3"}) {
+        const std::string size = std::to_string(folder[0] - L'0' + 3);
+        const std::string picture = "TST " + size + "x4x24\n";
+        source_.Write(std::wstring(folder) + LR"(\img.tst)", picture);
+        source_.Write(std::wstring(folder) + LR"(\p.tsa)",
+                      ArchiveOf({{"m.tst", picture},
+                                 {"M.TST", "TST 9x4x24\n"},
+                                 {"m.bmp", ForeignBitmap(6)},
+                                 {std::string(1, static_cast<char>(folder[0])), picture}}));
+    }
+    EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+    const Files all = FilesBelow(Target());
+    EXPECT_EQ(all.size(), 15U) << NamesOf(all);
+    // Stopped in the other order after each step, over what the run before has left.
+    monitor_.stepsLeft = 0;
+    int step = 0;
+    do {
+        monitor_.stepsLeft = ++step;
+        EXPECT_LT(step, 60);
+    } while (!RunOver(source_.Path(), Target(), true) && step < 60);
+    EXPECT_EQ(NamesOf(FilesBelow(Target())), NamesOf(all));
+    EXPECT_EQ(ContentsOf(FilesBelow(Target())), ContentsOf(all));
+    // Skipping resumes such a run, and does nothing where nothing is missing.
+    Values().convert.onConflict = kConflictSkip;
+    std::filesystem::remove(Target() + L"img (2).bmp");
+    monitor_.stepsLeft = -1;
+    for (const bool isReversed : {true, false}) {
+        EXPECT_TRUE(RunOver(source_.Path(), Target(), isReversed));
+        EXPECT_EQ(ContentsOf(FilesBelow(Target())), ContentsOf(all)) << isReversed;
+    }
+}
+
+// The members of an archive, and who comes first, may change between two runs.
+TEST_F(ConflictTest, MembersOfOneNameAllSurvive) {
+    const test::ArchiveEntry first{"a.tst", "TST 4x4x24\n"};
+    const test::ArchiveEntry second{"a.bmp", ForeignBitmap(5)};
+    const test::ArchiveEntry third{"A.gif", "TST 6x6x24\n"};
+    std::multiset<size_t> contents;
+    for (const std::string& archive :
+         {ArchiveOf({first, second, third}), ArchiveOf({third, second, first})}) {
+        source_.Write(L"x.tsa", archive);
+        EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+        const Files files = FilesBelow(Target());
+        EXPECT_EQ(files.size(), 3U) << NamesOf(files);
+        if (contents.empty()) contents = ContentsOf(files);
+        EXPECT_EQ(ContentsOf(files), contents);
+    }
+}
+
+TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
+    source_.Write(L"a.tst", "TST 4x4x24\n");
+    const std::wstring target = Target() + L"a.bmp";
+    const struct {
+        int32_t policy;
+        ConflictAnswer answer;
+        const wchar_t* names;
+        bool stays;
+    } table[] = {
+        {kConflictFreeName, {}, L"a.bmp ", false},
+        {kConflictSkip, {}, L"a.bmp ", true},
+        {kConflictOverwrite, {}, L"a.bmp ", false},
+        {kConflictAsk, ConflictAnswer::kReplace, L"a.bmp ", false},
+        {kConflictAsk, ConflictAnswer::kFreeName, L"a (2).bmp a.bmp ", true},
+        {kConflictAsk, ConflictAnswer::kSkip, L"a.bmp ", true},
+    };
+    for (const auto& row : table) {
+        std::filesystem::remove_all(Target());
+        target_.Write(L"out\\a.bmp", "mine");
+        Values().convert.onConflict = row.policy;
+        monitor_.answer = row.answer;
+        EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+        EXPECT_EQ(Converted(), row.names);
+        EXPECT_EQ(ContentOf(target) == "mine", row.stays) << row.policy;
+        const FileReport& report = monitor_.reports.back();
+        EXPECT_EQ(report.isReplaced, !row.stays);
+        EXPECT_EQ(report.outcome == FileOutcome::kSkipped, row.stays && !report.isRenamed);
+    }
+    // Not even when he says so: the second is still to be read.
+    source_.Write(L"a.bmp", ForeignBitmap(5));
+    Values().convert.onConflict = kConflictAsk;
+    monitor_.answer = ConflictAnswer::kReplace;
+    EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), true));
+    EXPECT_EQ(ContentOf(source_.Path() + L"a (2).bmp").size(), BitmapFileOf(4, 4, 0).size());
+    // The engine's plain rule: whoever comes last stays.
+    Values().convert.onConflict = kConflictOverwrite;
+    std::filesystem::remove_all(Target());
+    EXPECT_TRUE(RunOver(source_.Path(), Target(), true));
+    EXPECT_EQ(Converted(), L"a (2).bmp a.bmp ");
+}
+
+TEST_F(ConflictTest, TheSameFileByAnotherPathIsTheSame) {
+    std::filesystem::create_directories(Target());
+    const std::wstring own = target_.Write(L"out\\a.bmp", ForeignBitmap(5));
+    const std::string content = ContentOf(own);
+    const std::wstring link = target_.Path() + L"link";
+    ASSERT_TRUE(test::MakeFolderLink(link, RemoveBackslash(Target())));
+    monitor_.files = {own, source_.Write(L"A.tst", "TST 4x4x24\n"), own};
+    EXPECT_TRUE(ConvertFiles(link, monitor_));
+    EXPECT_EQ(Converted(), L"A (2).bmp a (3).bmp a.bmp ");
+    EXPECT_EQ(ContentOf(own), content);
+    EXPECT_EQ(monitor_.reports.back().reason, FileReason::kListedTwice);
+}
+
+TEST_F(ConflictTest, FoldersAreKept) {
+    Values().convert.keepFolders = true;
+    for (const wchar_t* const name : {LR"(1\img.tst)", LR"(2\img.tst)", LR"(2\sub\img.tst)"})
+        monitor_.files.push_back(source_.Write(name, "TST 4x4x24\n"));
+    monitor_.files.push_back(
+        source_.Write(LR"(2\p.tsa)", ArchiveOf({{"d/m.tst", "TST 4x4x24\n"}})));
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(Converted(), LR"(1\img.bmp 2\img.bmp 2\p.tsa\d\m.bmp 2\sub\img.bmp )");
+    const std::vector<WorkEntry> apart = EntriesOf(
+        {{LR"(C:\a\b\1.x)", LR"(C:\a)"}, {LR"(D:\a\1.x)"}, {LR"(\\s\t\u\1.x)", LR"(\\s\t)"}},
+        L"T\\", true);
+    EXPECT_EQ(apart[0].folder, LR"(T\a\b\)");
+    EXPECT_EQ(apart[1].folder, LR"(T\a\)");
+    EXPECT_EQ(apart[2].folder, LR"(T\u\)");
+}
+
+TEST_F(ConflictTest, ArchivesInArchivesComeToAnEnd) {
+    std::string inner = ArchiveOf({{"deep.tst", "TST 4x4x24\n"}});
+    for (const char* const name : {"3.tsa", "2.tsa"})
+        inner = ArchiveOf({{name, inner}, {"again.tsa", inner}});
+    Add(L"x.tsa", inner);
+    for (const int32_t depth : {1, 2, 3}) {
+        std::filesystem::remove_all(Target());
+        monitor_.reports.clear();
+        Values().convert.archiveDepth = depth;
+        EXPECT_TRUE(Run());
+        EXPECT_EQ(Converted().find(L"deep.bmp") != std::wstring::npos, depth == 3);
+        const auto count = [&](FileReason reason) {
+            return std::ranges::count(monitor_.reports, reason, &FileReport::reason);
+        };
+        EXPECT_EQ(count(FileReason::kTooDeep), depth < 3 ? 2 : 0) << depth;
+        EXPECT_EQ(count(FileReason::kSameArchive), depth - 1) << depth;
+    }
+}
+
+}  // namespace
+}  // namespace tessary
