@@ -133,7 +133,8 @@ bool PictureData::ReadWhole(std::span<uint8_t> into) {
     if (!got) return Fail(Result::kReadError);
     position_ += *got;
     if (*got == into.size()) return true;
-    end_ = End::kCutShort;
+    // Behind the end of the stream nothing is missing.
+    end_ = streamEnded_ ? End::kRegular : End::kCutShort;
     ended_ = true;
     return false;
 }

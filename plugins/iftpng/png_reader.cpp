@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <string_view>
 
 #include "plugins/common/palette.h"
 
@@ -28,7 +29,9 @@ constexpr size_t kLastDataSize = 64;
 // The optional chunks that are read; all others are skipped unseen.
 constexpr std::array<png_byte, 10> kReadChunks{'b', 'K', 'G', 'D', 0, 'p', 'H', 'Y', 's', 0};
 
-constexpr png_uint_32 kPictureDataChunk = 0x49444154;  // "IDAT"
+constexpr png_uint_32 kPictureDataChunk = 0x49444154;   // "IDAT"
+constexpr png_uint_32 kTransparencyChunk = 0x74524E53;  // "tRNS"
+constexpr png_uint_32 kBackgroundChunk = 0x624B4744;    // "bKGD"
 
 // Both halves of a byte of two 4-bit pixels, from a pixel pair of 2 bits each.
 uint8_t SpreadPair(unsigned pair) {
@@ -94,6 +97,15 @@ void PngReader::OnError(png_structp png, png_const_charp) {
     reader->Leave(reader->noMemory_ ? Result::kOutOfMemory : Result::kBrokenData);
 }
 
+// libpng goes on without a chunk whose check sum is wrong; two of those that are read change what
+// the picture shows. What else it warns of is how some programs write them.
+void PngReader::OnWarning(png_structp png, png_const_charp message) {
+    const png_uint_32 chunk = png_get_io_chunk_type(png);
+    if (chunk != kTransparencyChunk && chunk != kBackgroundChunk) return;
+    if (std::string_view(message).find("CRC") == std::string_view::npos) return;
+    static_cast<PngReader*>(png_get_error_ptr(png))->lacksTransparency_ = true;
+}
+
 std::optional<size_t> PngReader::Read(std::span<uint8_t> out) {
     if (unpacked_) return unpacked_->Read(out);
     const auto got = source_.ReadAt(position_, out);
@@ -153,9 +165,8 @@ Result PngReader::ReadHeader() {
         unpacked_.emplace(source_, *start);
     }
     if (setjmp(escape_) != 0) return result_;
-    png_ = png_create_read_struct_2(
-        PNG_LIBPNG_VER_STRING, this, OnError, [](png_structp, png_const_charp) {}, this, Allocate,
-        Free);
+    png_ = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, this, OnError, OnWarning, this, Allocate,
+                                    Free);
     info_ = png_ == nullptr ? nullptr : png_create_info_struct(png_);
     if (info_ == nullptr) return Result::kOutOfMemory;
     png_set_read_fn(png_, this, OnRead);
@@ -270,13 +281,31 @@ void PngReader::SetTransformations() {
 Result PngReader::DecodeRows(const codec::PictureRows& rows) {
     if (setjmp(escape_) != 0) {
         if (!cutShort_ || rowsDone_ == 0) return result_;
-        FillRest(rows);
+        if (!HasAllData()) {
+            FillRest(rows);
+            progress_.Tell(codec::Condition::kDamaged, L"PNGデータが途中で切れています");
+        }
     } else {
         SetTransformations();
         ReadRows(rows);
         if (const Result result = ReadEnd(); result != Result::kSuccess) return result;
     }
+    if (lacksTransparency_) {
+        progress_.Tell(codec::Condition::kDamaged, L"PNGの透明色の情報が壊れています");
+    }
     return progress_.Report(1, 1) ? Result::kSuccess : Result::kAborted;
+}
+
+// Whether a file that was cut short has all of its picture data: libpng reads what follows the last
+// row along with that row.
+bool PngReader::HasAllData() const {
+    const bool isInData =
+        unpacked_ ? unpacked_->IsCutInData() : (png_get_io_state(png_) & PNG_IO_CHUNK_DATA) != 0;
+    if (isInData) return false;
+    if (png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE) {
+        return png_get_current_pass_number(png_) >= PNG_INTERLACE_ADAM7_PASSES;
+    }
+    return png_get_current_row_number(png_) >= height_;
 }
 
 void PngReader::ReadRows(const codec::PictureRows& rows) {

@@ -31,12 +31,14 @@ class PngReader {
     codec::PictureForm Form() const;
     std::vector<dib::PaletteEntry> Palette() const;
 
-    // After ReadHeader: decodes into `rows`, which are of the form that Form answers.
+    // After ReadHeader: decodes into `rows`, which are of the form that Form answers. Damage is
+    // told to the progress.
     codec::Result DecodeRows(const codec::PictureRows& rows);
 
   private:
     // libpng's callbacks; they find the reader through the pointers that libpng keeps for them.
     static void OnError(png_structp png, png_const_charp message);
+    static void OnWarning(png_structp png, png_const_charp message);
     static void OnRead(png_structp png, png_bytep out, size_t count);
     static void OnRow(png_structp png, png_row_infop row, png_bytep data);
     static png_voidp Allocate(png_structp png, png_alloc_size_t size);
@@ -51,6 +53,7 @@ class PngReader {
     void ReadBackground();
     void SetTransformations();
     void ReadRows(const codec::PictureRows& rows);
+    bool HasAllData() const;
     void FillRest(const codec::PictureRows& rows) const;
     codec::Result ReadEnd();
 
@@ -65,6 +68,7 @@ class PngReader {
     uint64_t position_ = 0;
     bool cutShort_ = false;  // the source ended before the file did
     bool noMemory_ = false;
+    bool lacksTransparency_ = false;  // its chunk is there but damaged
 
     uint32_t width_ = 0;
     uint32_t height_ = 0;

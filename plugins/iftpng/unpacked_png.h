@@ -35,6 +35,8 @@ class UnpackedPng {
     // Empty when they cannot be had, for the reason in Failure.
     std::optional<size_t> Read(std::span<uint8_t> out) noexcept;
     codec::Result Failure() const { return failure_; }
+    // Whether the file ends within the picture data.
+    bool IsCutInData() const { return stage_ == Stage::kCutShort; }
 
   private:
     // Where the bytes come from.

@@ -73,12 +73,14 @@ struct Decoded {
         dib::MemorySource source(file);
         codec.ReadForm(source, form);
         result = codec.Decode(source, target, progress);
+        condition = progress.Told().condition;
     }
     Colors Pixels() const { return Colors(*target.View()); }
 
     MemoryTarget target;
     PictureForm form;
     Result result;
+    Condition condition;
 };
 
 // A device that breaks down behind its first `good` bytes.

@@ -65,9 +65,15 @@ TEST(JpegDecoder, ShowsEveryKindUpright) {
 TEST(JpegDecoder, ShowsWhatAFileCutShortHolds) {
     Bytes file = MakeJpeg({.orientation = 3});
     const Bytes headerOnly(file.begin(), file.begin() + 100);
+    // Pixels are all there without the end mark, and whatever stands behind it.
+    Bytes longer = file;
+    longer.insert(longer.end(), {1, 2, 3});
+    for (const Bytes& whole : {file, Bytes(file.begin(), file.end() - 2), longer})
+        EXPECT_EQ(Decoded(kDecoder, whole).condition, Condition::kNone);
     file.resize(file.size() * 4 / 5);
     const Decoded decoded(kDecoder, file);
     ASSERT_EQ(decoded.result, Result::kSuccess);
+    EXPECT_EQ(decoded.condition, Condition::kDamaged);
     const Colors picture = decoded.Pixels();
     EXPECT_NEAR(picture.Channel(kJpegWidth - 1, kJpegHeight - 1, 2),
                 JpegChannel(JpegKind::kColor, 0, 0, 2), 3);

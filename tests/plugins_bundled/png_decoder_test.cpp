@@ -113,9 +113,14 @@ TEST_P(PngDecoder, ShowsWhatAFileCutShortHolds) {
                                   .depth = kind.depth,
                                   .interlaced = interlaced});
             const Decoded whole(decoder_, file);
+            // Nothing is missing yet: IEND and the data's check sum hold no pixels.
+            const Bytes noEnd(file.begin(), file.end() - 14);
+            EXPECT_EQ(whole.condition, Condition::kNone);
+            EXPECT_EQ(Decoded(decoder_, noEnd).condition, Condition::kNone);
             file.resize(file.size() / 2);
             const Decoded decoded(decoder_, file);
             ASSERT_EQ(decoded.result, Result::kSuccess);
+            EXPECT_EQ(decoded.condition, Condition::kDamaged);
             const Colors picture = decoded.Pixels();
             EXPECT_EQ(picture.At(0, 96), whole.Pixels().At(0, 96));
             if (!interlaced && kind.colorType != kPalette) {
@@ -178,6 +183,7 @@ TEST(PngDecoderAhead, TellsTheSameAsThePlainOne) {
             const Decoded plain(kPlain, file);
             const Decoded ahead(kAhead, file);
             ASSERT_EQ(ahead.result, plain.result) << at;
+            ASSERT_EQ(ahead.condition, plain.condition) << at;
             if (plain.result != Result::kSuccess) continue;
             // Ahead, a few bytes more come out of what is there.
             const Colors expected = plain.Pixels(), picture = ahead.Pixels();
