@@ -18,8 +18,8 @@ run_bench show "$(windows_name "$work/photograph.jpg")"
 
 mkdir "$work/plugins"
 for ((i = 0; i < 25; ++i)); do
-    cp "$TESSARY_X86_BUILD/bin/iftjpeg.spi" "$work/plugins/jpeg$i.spi"
-    cp "$TESSARY_X86_BUILD/bin/iftpng.spi" "$work/plugins/png$i.spi"
+    cp "$TESSARY_X86_BUILD/bin/iftessjpeg.spi" "$work/plugins/jpeg$i.spi"
+    cp "$TESSARY_X86_BUILD/bin/iftesspng.spi" "$work/plugins/png$i.spi"
 done
 run_bench scan "$(windows_name "$work/plugins")"
 

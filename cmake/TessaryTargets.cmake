@@ -15,6 +15,9 @@ endif()
 
 # The finished application folder: the program, its helper libraries and the bundled plug-ins side by side.
 set(TESSARY_APP_DIR "${CMAKE_BINARY_DIR}/bin")
+# What earlier builds made under other names.
+file(REMOVE "${TESSARY_APP_DIR}/axtarc.spi" "${TESSARY_APP_DIR}/iftjpeg.spi" "${TESSARY_APP_DIR}/iftpng.spi"
+    "${TESSARY_APP_DIR}/iftwic.spi")
 
 add_library(tessary_options INTERFACE)
 target_include_directories(tessary_options INTERFACE "${CMAKE_SOURCE_DIR}" "${CMAKE_SOURCE_DIR}/src")

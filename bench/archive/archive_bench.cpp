@@ -57,7 +57,7 @@ int ListBare(const std::wstring& path) {
 
 class Plugin {
   public:
-    Plugin() : module_(LoadLibraryW((AppFolder() + LR"(..\bin\axtarc.spi)").c_str())) {
+    Plugin() : module_(LoadLibraryW((AppFolder() + LR"(..\bin\axtessarc.spi)").c_str())) {
         getArchiveInfo_ = reinterpret_cast<susie::GetArchiveInfoFunction>(
             reinterpret_cast<void*>(GetProcAddress(module_, "GetArchiveInfo")));
         getFile_ = reinterpret_cast<susie::GetFileFunction>(

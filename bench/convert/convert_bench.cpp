@@ -102,7 +102,7 @@ struct Parts {
 
 Parts BareParts(const std::vector<std::wstring>& files, const std::wstring& target) {
     const auto decode =
-        Entry<susie::GetPictureFunction>(FinishedFolder() + L"iftjpeg.spi", "GetPicture");
+        Entry<susie::GetPictureFunction>(FinishedFolder() + L"iftessjpeg.spi", "GetPicture");
     const auto save = Entry<dcpng::SaveToPNGFileWFunction>(FinishedFolder() + L"dcpng.dll",
                                                            dcpng::kSaveToPNGFileWName);
     CreateDirectoryW(target.c_str(), nullptr);
@@ -124,7 +124,7 @@ Parts BareParts(const std::vector<std::wstring>& files, const std::wstring& targ
         parts.place += Timed([&] { files::ReplacingFile(name + L".empty").Commit(); });
         parts.kind += Timed([&] { QueryFileKind(path); });
         parts.callLog += Timed([&] {
-            WriteCallLog({L"GetPicture", L"iftjpeg.spi", path});
+            WriteCallLog({L"GetPicture", L"iftessjpeg.spi", path});
             ClearCallLog();
         });
     }

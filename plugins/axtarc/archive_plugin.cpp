@@ -1,4 +1,4 @@
-// axtarc.spi: who it is.
+// axtessarc.spi: who it is.
 #include <array>
 
 #include "plugins/common/bundled_plugin.h"
@@ -15,7 +15,7 @@ const PluginIdentity& Identity() {
         FileType{"*.tar;*.cbt;*.tgz;*.tbz;*.tbz2;*.txz", L"TAR書庫", "TAR"},
         FileType{"*.gz;*.bz2;*.xz", L"圧縮ファイル", "Compressed file"},
     };
-    static constexpr PluginIdentity kIdentity{"axtarc " TESSARY_PLUGIN_VERSION
+    static constexpr PluginIdentity kIdentity{"axtessarc " TESSARY_PLUGIN_VERSION
                                               " - ZIP, LZH, 7z, RAR, CAB, TAR (libarchive, lhasa)",
                                               kFileTypes};
     return kIdentity;

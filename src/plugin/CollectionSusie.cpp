@@ -6,6 +6,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "plugin/plugin_log.h"
+#include "plugin/renamed_plugin.h"
 #include "plugin/susie_library.h"
 
 namespace tessary {
@@ -123,10 +124,14 @@ std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added,
     std::optional<LeftOutReason> refusal;
     try {
         added.SetDllName(path);
+        if (IsRenamedPlugin(path, added.ProductName())) {
+            refusal = LeftOutReason::kRenamed;
+            added.SetDllName({});  // raises, when it has let go of it
+        }
     } catch (const RefusedPluginError& error) {
         refusal = error.IsLoadable() ? LeftOutReason::kNoPlugin : WhyNotLoaded(path);
     } catch (...) {
-        refusal = LeftOutReason::kNotLoadable;
+        if (!refusal) refusal = LeftOutReason::kNotLoadable;
     }
     Trapped([&] { NoteLoaded(plugin); });  // one that was refused has not ended the program either
     return refusal;

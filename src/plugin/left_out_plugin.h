@@ -11,6 +11,7 @@ enum class LeftOutReason {
     kOtherMachine,  // a DLL of another architecture, as 64-bit ones are for the 32-bit program
     kNotLoadable,   // the system could not load it, or it crashed meanwhile
     kNoPlugin,      // a DLL without the functions of a Susie plug-in
+    kRenamed,       // one of ours under a former name, beside the one of today
     kBarred,        // it keeps ending the program
     kSkipped,       // the last run ended while it was loaded: the next loading tries it again
     kWaiting,       // it was not its turn yet: the next loading takes it

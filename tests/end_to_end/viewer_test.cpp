@@ -103,7 +103,7 @@ TEST_F(ViewerTest, DamagedFileIsToldAndTheProgramGoesOn) {
 
 TEST_F(ViewerTest, PluginThatEndedTheLastRunIsNamed) {
     SaveSetting(L"SPI_CALLLOG", L"Function", L"GetPicture");
-    SaveSetting(L"SPI_CALLLOG", L"SPI", L"iftjpeg.spi");
+    SaveSetting(L"SPI_CALLLOG", L"SPI", L"iftessjpeg.spi");
     SaveSetting(L"SPI_CALLLOG", L"File", L"C:\\a.jpg");
     const std::wstring picture = folder_.Write(L"a.bmp", BitmapFileOf(9, 9, RGB(1, 2, 3)));
     const RunningViewer viewer(FinishedFolder(), picture, store_.KeyPath());
@@ -111,7 +111,7 @@ TEST_F(ViewerTest, PluginThatEndedTheLastRunIsNamed) {
     ASSERT_NE(main, nullptr);
     EXPECT_TRUE(WaitUntil([&] {
         return StatusText(viewer, main, 2) ==
-               L"前回はプラグイン iftjpeg.spi の処理中（GetPicture）に終了しました";
+               L"前回はプラグイン iftessjpeg.spi の処理中（GetPicture）に終了しました";
     }));
     PostMessageW(main, WM_CLOSE, 0, 0);
     EXPECT_EQ(viewer.ExitCode(), 0);

@@ -1,13 +1,13 @@
 #include <cstdlib>
 #include <vector>
 
-#include "plugins/iftwic/container.h"
-#include "plugins/iftwic/gif_first_frame.h"
-#include "plugins/iftwic/icon_directory.h"
+#include "plugins/iftesswic/container.h"
+#include "plugins/iftesswic/gif_first_frame.h"
+#include "plugins/iftesswic/icon_directory.h"
 
 using namespace tessary;
 
-// The input is any file of iftwic.spi: what is read of it before the system's decoders see it.
+// The input is any file of iftesswic.spi: what is read of it before the system's decoders see it.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     dib::MemorySource source({data, size});
     wic::DetectContainer({data, size});

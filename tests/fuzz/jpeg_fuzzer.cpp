@@ -1,4 +1,4 @@
-#include "plugins/iftjpeg/jpeg_decoder.h"
+#include "plugins/iftessjpeg/jpeg_decoder.h"
 #include "tests/fuzz/decode_all.h"
 
 using namespace tessary;

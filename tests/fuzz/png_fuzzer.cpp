@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "plugins/iftpng/png_decoder.h"
+#include "plugins/iftesspng/png_decoder.h"
 #include "tests/fuzz/decode_all.h"
 
 using namespace tessary;

@@ -69,7 +69,7 @@ class AxtArc : public testing::Test {
 
     static int __stdcall Stop(int, int, LONG_PTR) { return 1; }
 
-    const LoadedArchivePlugin plugin{"axtarc"};
+    const LoadedArchivePlugin plugin{"axtessarc"};
     const tessary::test::TemporaryFolder folder;
     const std::vector<File> files{
         {"a.txt", SomeText(1'200'000, 1)}, {"Sub/B.txt", SomeText(1000, 2)}, {"empty.txt", ""}};

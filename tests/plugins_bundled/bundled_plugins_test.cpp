@@ -13,7 +13,7 @@ using namespace codec::test;
 class BundledPlugin : public testing::TestWithParam<const char*> {
   protected:
     static Bytes PictureFor(const std::string& name) {
-        return name == "iftjpeg" ? MakeJpeg({}) : name == "iftpng" ? MakePng({}) : MakeGif();
+        return name == "iftessjpeg" ? MakeJpeg({}) : name == "iftesspng" ? MakePng({}) : MakeGif();
     }
     std::string Write(const Bytes& bytes) const {
         const std::wstring path =
@@ -113,7 +113,7 @@ TEST_P(BundledPlugin, DecodesMemoryFilesAndPartsOfFiles) {
     EXPECT_EQ(info.width, header.width);
     EXPECT_EQ(info.height, header.height);
     EXPECT_EQ(info.colorDepth, header.bitCount);
-    EXPECT_EQ(info.xDensity, GetParam() == std::string("iftpng") ? 100 : 0);
+    EXPECT_EQ(info.xDensity, GetParam() == std::string("iftesspng") ? 100 : 0);
     EXPECT_EQ(info.hInfo, nullptr);
 }
 
@@ -151,7 +151,7 @@ TEST_P(BundledPlugin, AnswersFailuresWithTheirCodeAndNoBlocks) {
     EXPECT_EQ(plugin.getPictureInfo(nullptr, 0, 0, nullptr), susie::kInternalError);
 }
 
-INSTANTIATE_TEST_SUITE_P(, BundledPlugin, testing::Values("iftjpeg", "iftpng", "iftwic"),
+INSTANTIATE_TEST_SUITE_P(, BundledPlugin, testing::Values("iftessjpeg", "iftesspng", "iftesswic"),
                          [](const auto& info) { return std::string(info.param); });
 
 }  // namespace

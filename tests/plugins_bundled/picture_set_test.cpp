@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "helpers/dib/bitmap_file.h"
-#include "plugins/iftjpeg/jpeg_decoder.h"
-#include "plugins/iftpng/png_decoder.h"
+#include "plugins/iftessjpeg/jpeg_decoder.h"
+#include "plugins/iftesspng/png_decoder.h"
 #include "tests/plugins_bundled/decoded_picture.h"
 
 namespace tessary::codec::test {

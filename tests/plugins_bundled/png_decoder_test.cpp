@@ -1,4 +1,4 @@
-#include "plugins/iftpng/png_decoder.h"
+#include "plugins/iftesspng/png_decoder.h"
 
 #include <gtest/gtest.h>
 #include <png.h>

@@ -29,6 +29,8 @@ std::wstring StateOf(LeftOutReason reason) {
     switch (reason) {
         case LeftOutReason::kBarred:
             return L"停止中";
+        case LeftOutReason::kRenamed:
+            return L"旧版";
         case LeftOutReason::kSkipped:
         case LeftOutReason::kWaiting:
             return L"読み込み待ち";
@@ -49,6 +51,8 @@ std::wstring TextOf(LeftOutReason reason) {
             return sizeof(void*) == 4 ? L"32ビット用ではありません" : L"64ビット用ではありません";
         case LeftOutReason::kNoPlugin:
             return L"必要な関数がありません";
+        case LeftOutReason::kRenamed:
+            return L"新しい版があります。削除できます";
         case LeftOutReason::kBarred:
             return L"続けて異常終了しました";
         case LeftOutReason::kSkipped:

@@ -260,6 +260,25 @@ TEST_F(CollectionTest, LoadingFollowsTheSettings) {
     EXPECT_TRUE(messages_.All().empty());
 }
 
+// A new version was unpacked over an old one. Another author's plug-in may have the same name.
+TEST_F(CollectionTest, OurOwnPluginsUnderFormerNamesAreLeftOut) {
+    const std::string ours = "info:1:iftwic 1.0 - GIF, TIFF, ICO, WebP, HEIF (WIC)";
+    const auto isLeftOut = [&](const std::string& script) {
+        std::filesystem::remove(folder_.Path() + L"iftwic.spi");
+        CollectionSusie plugins;
+        plugins.AddSPI(Plugin(L"iftst.spi", script, L"iftwic.spi"));
+        const bool isRenamed = !plugins.LeftOut().empty() &&
+                               plugins.LeftOut().front().reason == LeftOutReason::kRenamed;
+        EXPECT_EQ(plugins.Compact(), isRenamed ? 0 : 1);
+        EXPECT_EQ(IsLoaded(folder_.Path() + L"iftwic.spi"), !isRenamed);
+        return isRenamed;
+    };
+    EXPECT_FALSE(isLeftOut(ours));
+    folder_.Write(L"iftesswic.spi", "the new one");
+    EXPECT_TRUE(isLeftOut(ours));
+    EXPECT_FALSE(isLeftOut("info:1:iftwic Plug-in 1.2 by somebody else"));
+}
+
 TEST_F(CollectionTest, WhatIsLeftOutIsToldWithItsReason) {
     GeneralSettings& settings = Values().general;
     settings.useSPI = 1;

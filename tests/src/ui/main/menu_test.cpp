@@ -145,14 +145,14 @@ TEST_F(MenuTest, PopupItemsCopyWhatTheyShow) {
     SetCurrentPicture(test::MakePair(31, 17));
     // Shown smaller than it is: the picture itself is described.
     window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
-    window_.SetPictureSource({L"桜 & 山.jpg", L"iftjpeg.spi"});
+    window_.SetPictureSource({L"桜 & 山.jpg", L"iftessjpeg.spi"});
     for (const auto& [item, text] : std::initializer_list<std::pair<int, const wchar_t*>>{
              {menuPopupFileName, L"ファイル名 <桜 & 山.jpg>"},
-             {menuPopupPluginName, L"使用プラグイン <iftjpeg.spi>"},
+             {menuPopupPluginName, L"使用プラグイン <iftessjpeg.spi>"},
              {menuPopupGraphicSize, L"画像サイズ <31×17>"},
              {menuPopupColorDepth, L"色数 <24bit>"},
              {menuPopupGraphicInfo,
-              L"ファイル名 <桜 & 山.jpg>\r\n使用プラグイン <iftjpeg.spi>\r\n"
+              L"ファイル名 <桜 & 山.jpg>\r\n使用プラグイン <iftessjpeg.spi>\r\n"
               L"画像サイズ <31×17>\r\n色数 <24bit>"}}) {
         Choose(item);
         EXPECT_EQ(ClipboardText(), text);

@@ -1,4 +1,4 @@
-#include "plugins/iftpng/picture_data.h"
+#include "plugins/iftesspng/picture_data.h"
 
 #include <algorithm>
 #include <cstring>

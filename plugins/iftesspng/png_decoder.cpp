@@ -1,9 +1,9 @@
-#include "plugins/iftpng/png_decoder.h"
+#include "plugins/iftesspng/png_decoder.h"
 
 #include <algorithm>
 #include <array>
 
-#include "plugins/iftpng/png_reader.h"
+#include "plugins/iftesspng/png_reader.h"
 
 namespace tessary::png {
 namespace {

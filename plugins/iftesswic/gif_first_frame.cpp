@@ -1,4 +1,4 @@
-#include "plugins/iftwic/gif_first_frame.h"
+#include "plugins/iftesswic/gif_first_frame.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "plugins/iftwic/icon_directory.h"
+#include "plugins/iftesswic/icon_directory.h"
 
 #include <algorithm>
 #include <array>

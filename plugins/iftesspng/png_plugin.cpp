@@ -1,8 +1,8 @@
-// iftpng.spi: who it is.
+// iftesspng.spi: who it is.
 #include <array>
 
 #include "plugins/common/picture_plugin.h"
-#include "plugins/iftpng/png_decoder.h"
+#include "plugins/iftesspng/png_decoder.h"
 
 namespace tessary::spi {
 
@@ -10,7 +10,7 @@ const PluginIdentity& Identity() {
     static constexpr std::array kFileTypes{
         FileType{"*.png;*.apng", L"PNG形式", "PNG"},
     };
-    static constexpr PluginIdentity kIdentity{"iftpng " TESSARY_PLUGIN_VERSION " - PNG (libpng)",
+    static constexpr PluginIdentity kIdentity{"iftesspng " TESSARY_PLUGIN_VERSION " - PNG (libpng)",
                                               kFileTypes};
     return kIdentity;
 }

@@ -1,10 +1,10 @@
-#include "plugins/iftwic/container.h"
+#include "plugins/iftesswic/container.h"
 
 #include <algorithm>
 #include <array>
 #include <string_view>
 
-#include "plugins/iftwic/icon_directory.h"
+#include "plugins/iftesswic/icon_directory.h"
 
 namespace tessary::wic {
 namespace {

@@ -1,9 +1,9 @@
-// What iftwic.spi makes of the system's decoders.
+// What iftesswic.spi makes of the system's decoders.
 #include <objbase.h>
 
 #include <initializer_list>
 
-#include "plugins/iftwic/source_stream.h"
+#include "plugins/iftesswic/source_stream.h"
 #include "tests/plugins_bundled/loaded_plugin.h"
 #include "tests/plugins_bundled/made_pictures.h"
 
@@ -61,12 +61,12 @@ Bytes MakeTiff(uint32_t width, uint32_t height, uint32_t bits, uint32_t photomet
     return file;
 }
 
-class Iftwic : public testing::Test {
+class Iftesswic : public testing::Test {
   protected:
-    const LoadedPlugin plugin{"iftwic"};
+    const LoadedPlugin plugin{"iftesswic"};
 };
 
-TEST_F(Iftwic, PutsTheFirstGifFrameOnItsScreen) {
+TEST_F(Iftesswic, PutsTheFirstGifFrameOnItsScreen) {
     const HandedPicture whole(plugin, MakeGif());
     ASSERT_EQ(whole.result, susie::kSuccess);
     EXPECT_EQ(whole.Header().bitCount, 8);
@@ -95,7 +95,7 @@ TEST_F(Iftwic, PutsTheFirstGifFrameOnItsScreen) {
     }
 }
 
-TEST_F(Iftwic, ShowsWhatADamagedGifHolds) {
+TEST_F(Iftesswic, ShowsWhatADamagedGifHolds) {
     Bytes file = MakeGif();
     std::fill(file.end() - 60, file.end(), uint8_t{0xEE});  // within the second frame
     const HandedPicture first(plugin, file);
@@ -109,7 +109,7 @@ TEST_F(Iftwic, ShowsWhatADamagedGifHolds) {
     EXPECT_EQ(cut.Pixels().At(11, 9), kGifColors[0]);
 }
 
-TEST_F(Iftwic, ShowsTheLargestIconOnWhite) {
+TEST_F(Iftesswic, ShowsTheLargestIconOnWhite) {
     for (const uint32_t type : {1u, 2u}) {  // icon, cursor
         const HandedPicture icon(plugin, MakeIcon(type));
         ASSERT_EQ(icon.result, susie::kSuccess) << type;
@@ -126,7 +126,7 @@ TEST_F(Iftwic, ShowsTheLargestIconOnWhite) {
     EXPECT_EQ(plugin.isSupported("picture.tga", targa.data()), 0);
 }
 
-TEST_F(Iftwic, ReadsTiffUprightInBothPolarities) {
+TEST_F(Iftesswic, ReadsTiffUprightInBothPolarities) {
     for (const uint32_t photometric : {0u, 1u}) {
         // Of 16 x 2 pixels the first four are black; upside down they are the last ones.
         const uint32_t strip = photometric == 0 ? 0x000000F0 : 0xFFFFFF0F;
@@ -155,7 +155,7 @@ TEST(SourceStream, EndsWithItsLastReference) {
 }
 
 // The host's COM is as it was: not started, or of the kind that the host chose.
-TEST_F(Iftwic, LeavesComAsItWas) {
+TEST_F(Iftesswic, LeavesComAsItWas) {
     const HandedPicture without(plugin, MakeGif());
     EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
     const HandedPicture within(plugin, MakeGif());

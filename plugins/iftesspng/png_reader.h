@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "plugins/common/picture_codec.h"
-#include "plugins/iftpng/unpacked_png.h"
+#include "plugins/iftesspng/unpacked_png.h"
 
 namespace tessary::png {
 

@@ -1,8 +1,8 @@
-// iftjpeg.spi: who it is.
+// iftessjpeg.spi: who it is.
 #include <array>
 
 #include "plugins/common/picture_plugin.h"
-#include "plugins/iftjpeg/jpeg_decoder.h"
+#include "plugins/iftessjpeg/jpeg_decoder.h"
 
 namespace tessary::spi {
 
@@ -11,7 +11,7 @@ const PluginIdentity& Identity() {
         FileType{"*.jpg;*.jpeg;*.jpe;*.jfif;*.jif;*.thm;*.mpo", L"JPEG形式", "JPEG"},
     };
     static constexpr PluginIdentity kIdentity{
-        "iftjpeg " TESSARY_PLUGIN_VERSION " - JPEG (libjpeg-turbo)", kFileTypes};
+        "iftessjpeg " TESSARY_PLUGIN_VERSION " - JPEG (libjpeg-turbo)", kFileTypes};
     return kIdentity;
 }
 

@@ -1,4 +1,4 @@
-#include "plugins/iftwic/wic_decoder.h"
+#include "plugins/iftesswic/wic_decoder.h"
 
 #include <algorithm>
 #include <array>
@@ -9,11 +9,11 @@
 
 #include "plugins/common/oriented_rows.h"
 #include "plugins/common/palette.h"
-#include "plugins/iftwic/gif_first_frame.h"
-#include "plugins/iftwic/icon_directory.h"
-#include "plugins/iftwic/pixel_rows.h"
-#include "plugins/iftwic/source_stream.h"
-#include "plugins/iftwic/wic_frame.h"
+#include "plugins/iftesswic/gif_first_frame.h"
+#include "plugins/iftesswic/icon_directory.h"
+#include "plugins/iftesswic/pixel_rows.h"
+#include "plugins/iftesswic/source_stream.h"
+#include "plugins/iftesswic/wic_frame.h"
 
 namespace tessary::wic {
 namespace {

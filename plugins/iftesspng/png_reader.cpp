@@ -1,4 +1,4 @@
-#include "plugins/iftpng/png_reader.h"
+#include "plugins/iftesspng/png_reader.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "plugins/iftwic/source_stream.h"
+#include "plugins/iftesswic/source_stream.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,4 +1,4 @@
-#include "plugins/iftpng/unpacked_png.h"
+#include "plugins/iftesspng/unpacked_png.h"
 
 #include <algorithm>
 #include <array>

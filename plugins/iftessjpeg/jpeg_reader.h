@@ -14,7 +14,7 @@
 
 #include "plugins/common/oriented_rows.h"
 #include "plugins/common/picture_codec.h"
-#include "plugins/iftjpeg/exif.h"
+#include "plugins/iftessjpeg/exif.h"
 
 namespace tessary::jpeg {
 

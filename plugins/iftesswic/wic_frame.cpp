@@ -1,4 +1,4 @@
-#include "plugins/iftwic/wic_frame.h"
+#include "plugins/iftesswic/wic_frame.h"
 
 #include <algorithm>
 #include <array>

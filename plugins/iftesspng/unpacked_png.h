@@ -12,7 +12,7 @@
 
 #include "helpers/dib/byte_source.h"
 #include "plugins/common/result.h"
-#include "plugins/iftpng/picture_data.h"
+#include "plugins/iftesspng/picture_data.h"
 
 namespace tessary::png {
 

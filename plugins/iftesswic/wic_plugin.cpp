@@ -1,8 +1,8 @@
-// iftwic.spi: who it is.
+// iftesswic.spi: who it is.
 #include <array>
 
 #include "plugins/common/picture_plugin.h"
-#include "plugins/iftwic/wic_decoder.h"
+#include "plugins/iftesswic/wic_decoder.h"
 
 namespace tessary::spi {
 
@@ -17,7 +17,7 @@ const PluginIdentity& Identity() {
         FileType{"*.dds", L"DDS形式", "DDS"},
     };
     static constexpr PluginIdentity kIdentity{
-        "iftwic " TESSARY_PLUGIN_VERSION " - GIF, TIFF, ICO, WebP, HEIF (WIC)", kFileTypes};
+        "iftesswic " TESSARY_PLUGIN_VERSION " - GIF, TIFF, ICO, WebP, HEIF (WIC)", kFileTypes};
     return kIdentity;
 }
 

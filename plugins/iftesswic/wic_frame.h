@@ -10,8 +10,8 @@
 
 #include "helpers/dib/bitmap_header.h"
 #include "helpers/dib/byte_source.h"
-#include "plugins/iftwic/com.h"
-#include "plugins/iftwic/container.h"
+#include "plugins/iftesswic/com.h"
+#include "plugins/iftesswic/container.h"
 
 namespace tessary::wic {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "helpers/dib/byte_source.h"
-#include "plugins/iftwic/com.h"
+#include "plugins/iftesswic/com.h"
 
 namespace tessary::wic {
 

@@ -1,4 +1,4 @@
-#include "plugins/iftjpeg/jpeg_reader.h"
+#include "plugins/iftessjpeg/jpeg_reader.h"
 
 #include <jerror.h>
 

@@ -1,4 +1,4 @@
-#include "plugins/iftjpeg/exif.h"
+#include "plugins/iftessjpeg/exif.h"
 
 #include <algorithm>
 #include <array>

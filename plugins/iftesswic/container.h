@@ -1,4 +1,4 @@
-// Telling the file formats of iftwic.spi apart by their first bytes.
+// Telling the file formats of iftesswic.spi apart by their first bytes.
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,7 @@
-#include "plugins/iftjpeg/jpeg_decoder.h"
+#include "plugins/iftessjpeg/jpeg_decoder.h"
 
 #include "plugins/common/palette.h"
-#include "plugins/iftjpeg/jpeg_reader.h"
+#include "plugins/iftessjpeg/jpeg_reader.h"
 
 namespace tessary::jpeg {
 

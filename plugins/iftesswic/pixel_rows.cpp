@@ -1,4 +1,4 @@
-#include "plugins/iftwic/pixel_rows.h"
+#include "plugins/iftesswic/pixel_rows.h"
 
 #include <cstddef>
 
