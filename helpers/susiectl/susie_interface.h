@@ -99,6 +99,11 @@ using ConfigurationDlgFunction = int(__stdcall*)(HWND parent, int function);
 // units, or null; receives a text for the user that ends with NUL and may be empty.
 using GetLastConditionFunction = int(__stdcall*)(wchar_t* text, int length);
 
+// Another such entry: as GetPicture, which is called in its place, for hosts that take a picture
+// with alpha. Transparent pictures then have 32 bits per pixel with four masks behind the 40-byte
+// header (BI_ALPHABITFIELDS, or BI_BITFIELDS in a longer one), not multiplied by alpha.
+using GetPictureWithAlphaFunction = GetPictureFunction;
+
 // Below 0: not implemented. What a host does not know is to it as kConditionNone.
 enum Condition : int32_t {
     kConditionNone = 0,     // nothing to tell

@@ -11,12 +11,13 @@ namespace tessary::spi {
 // Owns movable blocks, locked while they are written, until Release gives them away.
 class LocalPicture final : public codec::PictureTarget {
   public:
-    LocalPicture() = default;
+    explicit LocalPicture(bool takesAlpha) : takesAlpha_(takesAlpha) {}
     ~LocalPicture() override { Free(); }
     LocalPicture(const LocalPicture&) = delete;
     LocalPicture& operator=(const LocalPicture&) = delete;
 
     bool Allocate(size_t infoSize, size_t bitsSize) override;
+    bool TakesAlpha() const override { return takesAlpha_; }
     uint8_t* Info() override { return infoBytes_; }
     uint8_t* Bits() override { return bitsBytes_; }
 
@@ -26,6 +27,7 @@ class LocalPicture final : public codec::PictureTarget {
   private:
     void Free();
 
+    bool takesAlpha_;
     HLOCAL info_ = nullptr;
     HLOCAL bits_ = nullptr;
     uint8_t* infoBytes_ = nullptr;

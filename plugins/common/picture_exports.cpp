@@ -41,13 +41,14 @@ Result ReadPictureInfo(const char* source, LONG_PTR length, uint32_t flag,
 }
 
 Result DecodePicture(const char* source, LONG_PTR length, uint32_t flag, HLOCAL& info, HLOCAL& bits,
-                     susie::ProgressCallback callback, LONG_PTR userData, codec::Remark& remark) {
+                     susie::ProgressCallback callback, LONG_PTR userData, bool takesAlpha,
+                     codec::Remark& remark) {
     std::unique_ptr<dib::ByteSource> bytes;
     if (const Result opened = OpenSource(source, length, flag, bytes); opened != Result::kSuccess) {
         return opened;
     }
     codec::Progress progress = HostProgress(callback, userData);
-    LocalPicture picture;
+    LocalPicture picture(takesAlpha);
     const Result result = Codec().Decode(*bytes, picture, progress);
     if (result == Result::kBrokenData) {
         progress.Tell(codec::Condition::kDamaged, L"画像データが壊れています");
@@ -55,6 +56,16 @@ Result DecodePicture(const char* source, LONG_PTR length, uint32_t flag, HLOCAL&
     remark = progress.Told();
     if (result == Result::kSuccess) picture.Release(info, bits);
     return result;
+}
+
+int GetPictureGuarded(const char* source, LONG_PTR length, uint32_t flag, HLOCAL* info,
+                      HLOCAL* bits, susie::ProgressCallback progress, LONG_PTR userData,
+                      bool takesAlpha) {
+    return GuardedAndTold([&](codec::Remark& remark) {
+        if (info == nullptr || bits == nullptr) return Result::kInternalError;
+        return DecodePicture(source, length, flag, *info, *bits, progress, userData, takesAlpha,
+                             remark);
+    });
 }
 
 }  // namespace
@@ -91,10 +102,14 @@ __declspec(dllexport) int __stdcall GetPicture(const char* source, LONG_PTR leng
                                                HLOCAL* info, HLOCAL* bits,
                                                susie::ProgressCallback progress,
                                                LONG_PTR userData) {
-    return spi::GuardedAndTold([&](codec::Remark& remark) {
-        if (info == nullptr || bits == nullptr) return codec::Result::kInternalError;
-        return spi::DecodePicture(source, length, flag, *info, *bits, progress, userData, remark);
-    });
+    return spi::GetPictureGuarded(source, length, flag, info, bits, progress, userData, false);
+}
+
+__declspec(dllexport) int __stdcall GetPictureWithAlpha(const char* source, LONG_PTR length,
+                                                        uint32_t flag, HLOCAL* info, HLOCAL* bits,
+                                                        susie::ProgressCallback progress,
+                                                        LONG_PTR userData) {
+    return spi::GetPictureGuarded(source, length, flag, info, bits, progress, userData, true);
 }
 
 __declspec(dllexport) int __stdcall GetPreview(const char*, LONG_PTR, uint32_t, HLOCAL*, HLOCAL*,

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <limits>
 
+#include "helpers/dib/dib_view.h"
+
 namespace tessary::codec {
 namespace {
 
@@ -39,7 +41,8 @@ Result CreatePicture(PictureTarget& target, const PictureForm& form,
     header.height = static_cast<int32_t>(form.height);
     header.planes = 1;
     header.bitCount = form.bitCount;
-    header.compression = dib::kCompressionRgb;
+    header.compression =
+        form.bitCount == 32 ? dib::kCompressionAlphaBitFields : dib::kCompressionRgb;
     header.sizeImage = static_cast<uint32_t>(bitsSize);
     header.xPelsPerMeter = form.xPelsPerMeter;
     header.yPelsPerMeter = form.yPelsPerMeter;
@@ -47,6 +50,9 @@ Result CreatePicture(PictureTarget& target, const PictureForm& form,
         return Result::kOutOfMemory;
     }
     std::memcpy(target.Info(), &header, sizeof header);
+    if (form.bitCount == 32) {
+        std::memcpy(target.Info() + sizeof header, dib::kMasksAlpha, sizeof dib::kMasksAlpha);
+    }
     const size_t entries = std::min<size_t>(dib::PaletteEntries(header), palette.size());
     if (entries != 0) {
         std::memcpy(target.Info() + sizeof header, palette.data(),

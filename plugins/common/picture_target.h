@@ -15,7 +15,7 @@ namespace tessary::codec {
 struct PictureForm {
     uint32_t width = 0;         // pixels
     uint32_t height = 0;        // pixels
-    uint16_t bitCount = 0;      // 1, 4, 8 or 24
+    uint16_t bitCount = 0;      // 1, 4, 8 or 24; 32: with alpha, for targets that take it
     int32_t xPelsPerMeter = 0;  // 0 when the file does not say
     int32_t yPelsPerMeter = 0;
 };
@@ -28,6 +28,8 @@ class PictureTarget {
     // Allocates both blocks, filled with zeros; replaces earlier ones. False when there is no
     // memory.
     virtual bool Allocate(size_t infoSize, size_t bitsSize) = 0;
+    // Whether pictures may have an alpha channel. Otherwise they are laid over a plain colour.
+    virtual bool TakesAlpha() const { return false; }
     virtual uint8_t* Info() = 0;
     virtual uint8_t* Bits() = 0;
 };
@@ -49,8 +51,8 @@ struct PictureRows {
 bool IsPlausibleSize(uint64_t bitsSize, uint64_t sourceSize);
 
 // Allocates the picture and writes its header and colour table (1 << bitCount entries up to 8
-// bits, missing ones black; none above). `sourceSize` is the size of the file; a size that is not
-// plausible for it is refused before any memory is taken.
+// bits, missing ones black; none above, but the masks of 32 bits). `sourceSize` is the size of the
+// file; a size that is not plausible for it is refused before any memory is taken.
 Result CreatePicture(PictureTarget& target, const PictureForm& form,
                      std::span<const dib::PaletteEntry> palette, uint64_t sourceSize,
                      PictureRows& rows);

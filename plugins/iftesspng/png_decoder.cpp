@@ -33,6 +33,7 @@ Result PngDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
                           codec::Progress& progress) const {
     if (!progress.Report(0, 1)) return Result::kAborted;
     PngReader reader(source, progress, large_);
+    if (target.TakesAlpha()) reader.KeepAlpha();
     if (const Result result = reader.ReadHeader(); result != Result::kSuccess) return result;
     codec::PictureRows rows;
     const Result created =

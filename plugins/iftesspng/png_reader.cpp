@@ -216,12 +216,20 @@ bool PngReader::HasTable() const {
     return IsIndexed() || (colorType_ == PNG_COLOR_TYPE_GRAY && bitDepth_ <= 8);
 }
 
+bool PngReader::HandsOutAlpha() const {
+    return keepsAlpha_ && !HasTable() &&
+           ((colorType_ & PNG_COLOR_MASK_ALPHA) != 0 ||
+            png_get_valid(png_, info_, PNG_INFO_tRNS) != 0);
+}
+
 codec::PictureForm PngReader::Form() const {
     codec::PictureForm form;
     form.width = width_;
     form.height = height_;
     if (HasTable()) {
         form.bitCount = static_cast<uint16_t>(bitDepth_ == 2 ? 4 : bitDepth_);
+    } else if (HandsOutAlpha()) {
+        form.bitCount = 32;
     } else {
         form.bitCount = (colorType_ & PNG_COLOR_MASK_COLOR) == 0 ? 8 : 24;
     }
@@ -271,7 +279,9 @@ void PngReader::SetTransformations() {
     if (hasClearColor) png_set_tRNS_to_alpha(png_);
     png_set_strip_16(png_);
     png_set_bgr(png_);
-    if (hasAlpha || hasClearColor) {
+    if (HandsOutAlpha()) {
+        png_set_gray_to_rgb(png_);
+    } else if (hasAlpha || hasClearColor) {
         png_set_user_transform_info(png_, this, 8,
                                     (colorType_ & PNG_COLOR_MASK_COLOR) == 0 ? 1 : 3);
         png_set_read_user_transform_fn(png_, OnRow);
@@ -336,6 +346,7 @@ Result PngReader::ReadEnd() {
 
 void PngReader::FillRest(const codec::PictureRows& rows) const {
     const codec::PictureForm form = Form();
+    if (form.bitCount == 32) return;  // transparent
     const auto rowBytes = static_cast<size_t>(dib::RowBytes(form.width, form.bitCount));
     const std::vector<PaletteEntry> palette = Palette();
     const auto nearest =

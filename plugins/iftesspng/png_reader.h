@@ -24,6 +24,10 @@ class PngReader {
     PngReader(const PngReader&) = delete;
     PngReader& operator=(const PngReader&) = delete;
 
+    // Hands transparency out as alpha instead of laying it over a colour, but for that of colour
+    // tables. To be called before anything else.
+    void KeepAlpha() { keepsAlpha_ = true; }
+
     // Reads up to the picture data. To be called first, once.
     codec::Result ReadHeader();
 
@@ -49,6 +53,8 @@ class PngReader {
     std::optional<size_t> Read(std::span<uint8_t> out);
     bool IsIndexed() const { return colorType_ == PNG_COLOR_TYPE_PALETTE; }
     bool HasTable() const;
+    // Whether the decoded picture has an alpha channel.
+    bool HandsOutAlpha() const;
     void ChooseDataSize();
     void ReadBackground();
     void SetTransformations();
@@ -72,6 +78,7 @@ class PngReader {
 
     uint32_t width_ = 0;
     uint32_t height_ = 0;
+    bool keepsAlpha_ = false;
     int bitDepth_ = 0;
     int colorType_ = 0;
     dib::PaletteEntry background_;

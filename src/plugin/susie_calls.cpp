@@ -41,8 +41,9 @@ constexpr size_t kConditionTextSize = 256;
 
 // Exported names in the order of SusieFunction.
 constexpr const char* kExportedNames[kSusieFunctionCount] = {
-    "GetPluginInfo",  "IsSupported", "GetPictureInfo", "GetPicture",       "GetPreview",
-    "GetArchiveInfo", "GetFileInfo", "GetFile",        "ConfigurationDlg", "GetLastCondition",
+    "GetPluginInfo",    "IsSupported",      "GetPictureInfo",      "GetPicture",
+    "GetPreview",       "GetArchiveInfo",   "GetFileInfo",         "GetFile",
+    "ConfigurationDlg", "GetLastCondition", "GetPictureWithAlpha",
 };
 
 bool& UnderWay() {
@@ -271,11 +272,12 @@ int32_t SusieCalls::GetPictureInfo(const SusieSource& source, susie::PictureInfo
 int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
                                susie::ProgressCallback progress) {
     picture = {};
+    const FARPROC withAlpha = Address(SusieFunction::kGetPictureWithAlpha);
+    const FARPROC function = withAlpha ? withAlpha : Address(SusieFunction::kGetPicture);
     const int32_t result = UnlessCrashed(kGetPictureName, source, [&] {
         return GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
-            return library.getPicture(Address(SusieFunction::kGetPicture), source.source,
-                                      source.length, source.flag, &picture.info, &picture.bits,
-                                      progress, 0);
+            return library.getPicture(function, source.source, source.length, source.flag,
+                                      &picture.info, &picture.bits, progress, 0);
         });
     });
     if (result != susie::kSuccess) FreeLeftPicture(picture);

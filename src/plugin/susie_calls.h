@@ -32,8 +32,9 @@ enum class SusieFunction {
     kGetFile,
     kConfigurationDlg,
     kGetLastCondition,  // not of the interface, and of few plug-ins
+    kGetPictureWithAlpha,
 };
-constexpr size_t kSusieFunctionCount = 10;
+constexpr size_t kSusieFunctionCount = 11;
 
 // What a plug-in is good for, as its exports tell.
 constexpr int32_t kStylePicture = 0;

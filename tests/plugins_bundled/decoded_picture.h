@@ -16,7 +16,9 @@ using Bytes = std::vector<uint8_t>;
 // more than `mostBits` bytes find no memory.
 class MemoryTarget final : public PictureTarget {
   public:
-    explicit MemoryTarget(size_t mostBits = SIZE_MAX) : mostBits_(mostBits) {}
+    explicit MemoryTarget(size_t mostBits = SIZE_MAX, bool takesAlpha = false)
+        : mostBits_(mostBits), takesAlpha_(takesAlpha) {}
+    bool TakesAlpha() const override { return takesAlpha_; }
 
     bool Allocate(size_t infoSize, size_t bitsSize) override {
         if (bitsSize > mostBits_) return false;
@@ -36,6 +38,7 @@ class MemoryTarget final : public PictureTarget {
     std::unique_ptr<uint8_t[]> info_, bits_;
     size_t infoSize_ = 0, bitsSize_ = 0;
     size_t mostBits_;
+    bool takesAlpha_;
 };
 
 // The colours of a picture, rows from the top.

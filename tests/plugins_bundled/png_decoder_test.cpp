@@ -103,6 +103,35 @@ TEST_P(PngDecoder, ReadsEveryKind) {
     }
 }
 
+TEST_P(PngDecoder, HandsAlphaToThoseWhoTakeIt) {
+    const PngPlan plans[] = {
+        {.colorType = kGrey, .depth = 16, .transparent = true},
+        {.colorType = kColor, .depth = 8, .transparent = true},
+        {.colorType = kGreyAlpha, .depth = 8},
+        {.colorType = kColorAlpha, .depth = 8, .interlaced = true},
+        {.colorType = kColorAlpha, .depth = 16},
+    };
+    for (const PngPlan& plan : plans) {
+        SCOPED_TRACE(&plan - plans);
+        const Bytes file = MakePng(plan);
+        dib::MemorySource source(file);
+        MemoryTarget target(SIZE_MAX, true);
+        Progress nobody;
+        ASSERT_EQ(decoder_.Decode(source, target, nobody), Result::kSuccess);
+        ASSERT_TRUE(target.View());
+        EXPECT_EQ(target.View()->Format(), dib::PixelFormat::kBgra32);
+        const Colors picture(*target.View());
+        PngPlan straight = plan;
+        straight.interlaced = false;
+        const Bytes expected = Reference(MakePng(straight));
+        for (size_t i = 0; i < expected.size(); ++i) {
+            const auto pixel = static_cast<uint32_t>(i / 4);
+            EXPECT_NEAR(picture.Channel(pixel % plan.width, pixel / plan.width, i % 4), expected[i],
+                        plan.depth == 16 ? 1 : 0);
+        }
+    }
+}
+
 TEST_P(PngDecoder, ShowsWhatAFileCutShortHolds) {
     for (const Kind& kind : kKinds) {
         for (const bool interlaced : {false, true}) {
