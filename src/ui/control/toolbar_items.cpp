@@ -5,8 +5,9 @@
 namespace tessary {
 namespace {
 
-ToolbarItem Item(int index, ToolbarItem::Kind kind, ToolbarImage image, const wchar_t* toolTip) {
-    return {index, kind, static_cast<int>(image), toolTip};
+ToolbarItem Item(int index, ToolbarItem::Kind kind, ToolbarImage image, const wchar_t* name,
+                 const wchar_t* keys) {
+    return {index, kind, static_cast<int>(image), name, keys};
 }
 
 ToolbarItem Separator(int index) {
@@ -19,22 +20,22 @@ std::span<const ToolbarItem> ControlBarItems() {
     using enum ToolbarItem::Kind;
     using enum ToolbarImage;
     static const ToolbarItem items[] = {
-        Item(1, kButton, kRewind, L"巻き戻し (Z)"),
-        Item(2, kButton, kReversePlay, L"逆再生 (X)"),
-        Item(3, kButton, kStepBack, L"前へ (Shift+Enter)"),
-        Item(4, kButton, kStop, L"停止 (C)"),
-        Item(5, kButton, kStepForward, L"次へ (Enter)"),
-        Item(6, kButton, kPlay, L"再生 (V)"),
-        Item(7, kButton, kFastForward, L"早送り (B)"),
+        Item(1, kButton, kRewind, L"巻き戻し", L"Z"),
+        Item(2, kButton, kReversePlay, L"逆再生", L"X"),
+        Item(3, kButton, kStepBack, L"前へ", L"Shift+Enter"),
+        Item(4, kButton, kStop, L"停止", L"C"),
+        Item(5, kButton, kStepForward, L"次へ", L"Enter"),
+        Item(6, kButton, kPlay, L"再生", L"V"),
+        Item(7, kButton, kFastForward, L"早送り", L"B"),
         Separator(8),
-        Item(9, kDropDown, SizeModeImage(0), L"表示サイズ (S)"),
+        Item(9, kDropDown, SizeModeImage(0), L"表示サイズ", L"S"),
         Separator(10),
-        Item(11, kDropDown, kOpen, L"ファイルを開く (Ctrl+O)"),
-        Item(12, kDropDown, kSave, L"名前を付けて保存 (Ctrl+S)"),
+        Item(11, kDropDown, kOpen, L"ファイルを開く", L"Ctrl+O"),
+        Item(12, kDropDown, kSave, L"名前を付けて保存", L"Ctrl+S"),
         Separator(13),
-        Item(14, kButton, kAddToDeleteList, L"削除リストに追加 (Delete)"),
-        Item(15, kButton, kFold, L"折りたたむ / 広げる (F)"),
-        Item(16, kButton, kCancelDelete, L"削除の取り消し (Esc)"),
+        Item(14, kButton, kAddToDeleteList, L"削除リストに追加", L"Delete"),
+        Item(15, kButton, kFold, L"折りたたむ / 広げる", L"F"),
+        Item(16, kButton, kCancelDelete, L"削除の取り消し", L"Esc"),
     };
     return items;
 }

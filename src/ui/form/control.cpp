@@ -78,7 +78,9 @@ void Control::SetFocus() const {
 }
 
 void Control::SetBounds(int left, int top, int width, int height) {
-    SetWindowPos(handle_, nullptr, left, top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+    // Of neighbours that move one after the other, one would take pixels of the next along.
+    SetWindowPos(handle_, nullptr, left, top, width, height,
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
 }
 
 void Control::SetFont(HFONT font) {

@@ -86,10 +86,12 @@ void StatusBar::LayOutPanels() {
     RECT bar{};
     GetClientRect(handle_, &bar);
     const int padding = Metrics(handle_).Scale(kPanelPadding);
+    widths_.resize(texts_.size());
     std::vector<int> rightEdges;
     int left = 0;
-    for (const std::wstring& text : texts_) {
-        left += std::min<int>(TextWidth(text) + 2 * padding, bar.right / 2);
+    for (size_t i = 0; i < texts_.size(); ++i) {
+        if (!texts_[i].empty()) widths_[i] = TextWidth(texts_[i]) + 2 * padding;
+        left += std::min<int>(std::max(widths_[i], 2 * padding), bar.right / 2);
         rightEdges.push_back(left);
     }
     rightEdges.back() = -1;  // to the end of the bar

@@ -11,7 +11,8 @@
 namespace tessary {
 
 // Panels are counted from 1. All but the last are as wide as their text needs, up to half of the
-// bar; the last takes the rest. The bar's window belongs to its parent, which destroys it.
+// bar, and one that loses its text as wide as it was; the last takes the rest. The bar's window
+// belongs to its parent, which destroys it.
 class StatusBar {
   public:
     // False when the system refuses the control. There is no panel before SetPanelText names one.
@@ -39,6 +40,7 @@ class StatusBar {
     HWND handle_ = nullptr;
     UniqueFont font_;
     std::vector<std::wstring> texts_;
+    std::vector<int> widths_;  // of the panels when they had a text
     std::vector<int> rightEdges_;
 };
 

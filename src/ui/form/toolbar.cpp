@@ -22,6 +22,10 @@ bool IsDark(COLORREF color) {
     return GetRValue(color) * 299 + GetGValue(color) * 587 + GetBValue(color) * 114 < 128 * 1000;
 }
 
+std::wstring ToolTipOf(const ToolbarItem& item) {
+    return item.keys.empty() ? item.name : item.name + L" (" + item.keys + L")";
+}
+
 }  // namespace
 
 bool Toolbar::Create(HWND parent, std::span<const ToolbarItem> items, const ToolbarImages& images,
@@ -31,7 +35,10 @@ bool Toolbar::Create(HWND parent, std::span<const ToolbarItem> items, const Tool
     images_ = images;
     states_.clear();
     for (const ToolbarItem& item : items)
-        states_.push_back({.kind = item.kind, .image = item.image, .toolTip = item.toolTip});
+        states_.push_back({.kind = item.kind,
+                           .image = item.image,
+                           .name = item.name,
+                           .toolTip = ToolTipOf(item)});
     if (!CreateChild(parent, TOOLBARCLASSNAMEW,
                      WS_TABSTOP | CCS_NOPARENTALIGN | CCS_NORESIZE | CCS_NODIVIDER | TBSTYLE_FLAT |
                          TBSTYLE_TOOLTIPS,
@@ -40,6 +47,9 @@ bool Toolbar::Create(HWND parent, std::span<const ToolbarItem> items, const Tool
     }
     Send(TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON));
     Send(TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_DRAWDDARROWS | TBSTYLE_EX_DOUBLEBUFFER);
+    Send(TB_SETMAXTEXTROWS, 0);  // the texts are for screen readers
+    // Also while another window is the active one, as the main window mostly is.
+    SetWindowLongW(ToolTips(), GWL_STYLE, GetWindowLongW(ToolTips(), GWL_STYLE) | TTS_ALWAYSTIP);
     ChangeMetrics();
     return true;
 }
@@ -88,6 +98,7 @@ void Toolbar::MakeButtons() {
         button.iBitmap = state.image - 1;
         button.fsStyle = state.kind == ToolbarItem::Kind::kDropDown ? BTNS_DROPDOWN : BTNS_BUTTON;
         button.fsState = SystemState(state);
+        button.iString = reinterpret_cast<INT_PTR>(state.name.c_str());  // copied
     }
     Send(TB_ADDBUTTONSW, buttons.size(), reinterpret_cast<LPARAM>(buttons.data()));
 }
@@ -140,10 +151,10 @@ void Toolbar::DropDown(int index) const {
     RECT button = ButtonRectangle(index);
     MapWindowPoints(Handle(), nullptr, reinterpret_cast<POINT*>(&button), 2);
     const auto handler = dropDown_;
-    const auto tips = reinterpret_cast<HWND>(Send(TB_GETTOOLTIPS));
-    SendMessageW(tips, TTM_ACTIVATE, FALSE, 0);  // they would appear over the menu
+    SendMessageW(ToolTips(), TTM_POP, 0, 0);
+    SendMessageW(ToolTips(), TTM_ACTIVATE, FALSE, 0);  // they would appear over the menu
     if (handler) handler(index, button);
-    SendMessageW(tips, TTM_ACTIVATE, TRUE, 0);
+    if (Handle() != nullptr) SendMessageW(ToolTips(), TTM_ACTIVATE, TRUE, 0);
 }
 
 void Toolbar::OnCommand(WORD notification, WORD id) {

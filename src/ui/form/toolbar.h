@@ -12,14 +12,15 @@
 
 namespace tessary {
 
-// A drop-down has a button and an arrow beside it; a separator has neither image nor tip.
+// A drop-down has a button and an arrow beside it; a separator has neither image nor name.
 struct ToolbarItem {
     enum class Kind { kButton, kDropDown, kSeparator };
 
     int index;  // from 1, in a row
     Kind kind;
-    int image = 0;  // from 1
-    std::wstring toolTip = {};
+    int image = 0;           // from 1
+    std::wstring name = {};  // for the tool tip, and for who cannot see the image
+    std::wstring keys = {};  // what the tip names as its shortcut; empty: none
 };
 
 // The images of a toolbar, from 1 to `count`, drawn again for each resolution and colour scheme.
@@ -55,8 +56,6 @@ class Toolbar final : public Control {
     void SetImage(int index, int image);
     int Image(int index) const { return StateOf(index).image; }
 
-    void SetToolTip(int index, std::wstring text) { StateOf(index).toolTip = std::move(text); }
-
     // The rectangle of a button with its arrow, in the toolbar's area.
     RECT ButtonRectangle(int index) const;
 
@@ -70,6 +69,7 @@ class Toolbar final : public Control {
     struct State {
         ToolbarItem::Kind kind;
         int image;
+        std::wstring name;
         std::wstring toolTip;
         bool enabled = true;
         bool checked = false;
@@ -85,6 +85,7 @@ class Toolbar final : public Control {
 
     static BYTE SystemState(const State& state);
 
+    HWND ToolTips() const { return reinterpret_cast<HWND>(Send(TB_GETTOOLTIPS)); }
     void MakeImages();
     void MakeButtons();
     void ShowState(int index);

@@ -86,7 +86,6 @@ TEST(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
     form.toolbar.EnableButton(3, false);
     form.toolbar.CheckButton(6, true);
     form.toolbar.SetImage(15, static_cast<int>(ToolbarImage::kUnfold));
-    form.toolbar.SetToolTip(9, L"画面サイズ");
     form.toolbar.ChangeMetrics();
     const auto state = [&](WPARAM button) {
         return SendMessageW(form.toolbar.Handle(), TB_GETSTATE, button, 0);
@@ -100,10 +99,15 @@ TEST(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
     NMTBGETINFOTIPW tip{};
     tip.hdr = {form.toolbar.Handle(), 0, static_cast<UINT>(TBN_GETINFOTIPW)};
     tip.pszText = text;
-    tip.cchTextMax = 4;
+    tip.cchTextMax = 8;
     tip.iItem = 9;
     SendMessageW(form.Handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&tip));
-    EXPECT_STREQ(text, L"画面サ");  // cut at the end of the buffer
+    EXPECT_STREQ(text, L"表示サイズ (");  // cut at the end of the buffer
+    EXPECT_EQ(
+        SendMessageW(form.toolbar.Handle(), TB_GETBUTTONTEXTW, 9, reinterpret_cast<LPARAM>(text)),
+        5);  // what a screen reader reads
+    EXPECT_STREQ(text, L"表示サイズ");
+    EXPECT_LE(form.toolbar.ButtonRectangle(1).right, Metrics(form.Handle()).Scale(24));
 }
 
 TEST(ToolbarImagesTest, DifferAndAreSharpAtEveryResolution) {

@@ -111,7 +111,10 @@ TEST_F(StatusBarTest, ShowsTextsAsTheyAreInPanelsThatFit) {
     pluginCount_ = 120;
     window_.ShowPluginCount();
     EXPECT_EQ(bar.PanelText(kPluginCountPanel), L"120個のプラグイン");
-    EXPECT_GT(firstEdge(), narrow);
+    const int wide = firstEdge();
+    EXPECT_GT(wide, narrow);
+    window_.SetPanelText(kPluginCountPanel, L"");  // the next panel stays where it is
+    EXPECT_EQ(firstEdge(), wide);
     window_.SetPanelText(kPluginCountPanel, std::wstring(500, L'長'));
     EXPECT_EQ(firstEdge(), View().cx / 2);
     window_.SetPanelText(kShownFilePanel, L"[表示中] a\tb & c.bmp ( 1×1 24bit )");
