@@ -25,6 +25,8 @@
 #define menuEditCopy 1101
 #define menuEditPaste 1102
 #define menuEditClear 1103
+#define commandAddToDeleteList 1110
+#define commandCancelDelete 1111
 
 #define menuView 1200
 #define menuViewControlOwner 1201
@@ -38,6 +40,16 @@
 #define menuViewWallpaperCenter 1220
 #define menuViewWallpaperTile 1221
 #define menuViewWallpaperEsc 1222
+#define commandStepForward 1230
+#define commandStepBack 1231
+#define menuDisplaySize 1240
+#define commandDisplaySize_0 1241
+#define commandDisplaySize_1 1242
+#define commandDisplaySize_2 1243
+#define commandDisplaySize_3 1244
+#define commandDisplaySize_4 1245
+#define commandDisplaySize 1246  // the next display size
+#define commandFullScreen 1250
 
 #define menuOption 1300
 #define menuOptionSetup 1301
@@ -56,19 +68,9 @@
 #define menuPopupGraphicSize 1504
 #define menuPopupColorDepth 1505
 
-// Commands of the control bar that stand in no menu of the main window.
-#define commandDisplaySize 1600  // the next display size
-#define commandDisplaySize_0 1610
-#define commandDisplaySize_1 1611
-#define commandDisplaySize_2 1612
-#define commandDisplaySize_3 1613
-#define commandDisplaySize_4 1614
-#define commandAddToDeleteList 1620
-#define commandCancelDelete 1621
-
-// Commands of the main window that stand in none of its menus.
-#define commandFullScreen 1630
-#define commandEscape 1631  // out of the full screen, else stops a search, else commandCancelDelete
+// Commands of keys alone.
+#define commandEscape 1600  // out of the full screen, else stops a search, else commandCancelDelete
+#define commandOtherWindow 1601  // the keyboard to the control bar, or back to the main window
 
 #define dialogOpenFolder 200
 #define dialogNewFolder 201

@@ -2,7 +2,8 @@
 
 namespace tessary {
 
-TaskModal::TaskModal(HWND except) : except_(except), active_(GetActiveWindow()) {
+TaskModal::TaskModal(HWND except)
+    : except_(except), active_(GetActiveWindow()), focused_(GetFocus()) {
     EnumThreadWindows(GetCurrentThreadId(), Visit, reinterpret_cast<LPARAM>(this));
 }
 
@@ -11,7 +12,14 @@ TaskModal::~TaskModal() {
         if (IsWindow(window)) EnableWindow(window, TRUE);
     }
     // A disabled window cannot keep the focus, and the system may have passed it to anyone.
-    if (IsWindow(active_)) SetActiveWindow(active_);
+    if (!IsWindow(active_)) return;
+    SetActiveWindow(active_);
+    // A window that has stayed the active one is not asked where the keyboard goes.
+    if (GetFocus() != nullptr || GetActiveWindow() != active_) return;
+    SetFocus(active_);
+    if (IsWindow(focused_) && IsWindowVisible(focused_) && IsWindowEnabled(focused_)) {
+        SetFocus(focused_);
+    }
 }
 
 BOOL CALLBACK TaskModal::Visit(HWND window, LPARAM self) {

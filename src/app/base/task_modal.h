@@ -8,7 +8,8 @@
 namespace tessary {
 
 // For its own life all visible top-level windows of this thread are disabled, but for one. In the
-// end they are enabled again, and the one that was active before is again.
+// end they are enabled again, and the one that was active before is again, with the keyboard where
+// it was.
 class TaskModal {
   public:
     // `except` is spared: the owner of a modal dialog, which the system disables itself, or null.
@@ -22,6 +23,7 @@ class TaskModal {
 
     HWND except_;
     HWND active_;
+    HWND focused_;
     std::vector<HWND> disabled_;
 };
 

@@ -1,4 +1,4 @@
-// The control bar's window: its parts, layout and keys.
+// The control bar's window: its parts and layout.
 #include "ui/control/frmControl_busy.h"
 
 #include <windowsx.h>
@@ -26,11 +26,6 @@ constexpr int kInfoHeight = 20;
 constexpr int kButtonWidth = 116;
 constexpr int kButtonHeight = 25;
 
-// Key presses that the main window takes although a list has the focus: lists have no use for them.
-bool IsKeyOfTheView(int keyCode) {
-    return keyCode == VK_RETURN || keyCode == VK_LEFT || keyCode == VK_RIGHT;
-}
-
 }  // namespace
 
 frmControl::frmControl(frmMain& window)
@@ -47,11 +42,7 @@ frmControl::frmControl(frmMain& window)
                    }}),
       accelerators_(
           acceleratorsMainWindow, [&window] { return window.Handle(); },
-          [this](const MSG& key) {
-              if (Handle() == nullptr || GetAncestor(key.hwnd, GA_ROOT) != Handle()) return false;
-              // There the key would seem to be about the entry of the delete list.
-              return key.wParam != VK_DELETE || !listDelete_.HasFocus();
-          }),
+          [this](const MSG& key) { return IsKeyOfProgram(key); }),
       dialogKeys_([this](MSG& message) { return TakesMessage(message); }) {
     RegisterCommands();
     window_.OnPictureShownChanged([this] {
@@ -88,22 +79,31 @@ void frmControl::Form_Load() {
 }
 
 void frmControl::CreateControls() {
+    const auto name = [this](Label& label, const wchar_t* text) {
+        label.Create(Handle(), text);
+        label.SetVisible(false);
+    };
     coolBar_.Create(Handle(), ControlBarItems(), ControlBarImages());
+    coolBar_.SetText(L"操作ボタン");
     coolBar_.OnButton([this](int button) { CoolBar_ButtonClick(static_cast<BarButton>(button)); });
     coolBar_.OnDropDown([this](int button, const RECT& place) {
         CoolBar_ButtonDropDown(static_cast<BarButton>(button), place);
     });
     coolBar_.OnBackgroundPress([this] { SendMessageW(Handle(), WM_LBUTTONDOWN, 0, 0); });
+    name(infoName_, L"表示中のファイル");
     textFileInfo_.Create(Handle(), TextBox::Mode::kReadOnly);
 
     const auto keys = [this](int keyCode, int shift) { return PassKeyOn(keyCode, shift); };
+    name(filesName_, L"ファイルの一覧");
     listFileName_.Create(Handle(), ListBox::Fit::kPath);
     listFileName_.OnClick([this] { listFileName_Click(); });
     listFileName_.OnKeyDown(keys);
+    name(membersName_, L"圧縮ファイルの中身");
     listArchiveFile_.Create(Handle(), ListBox::Fit::kPath);
     listArchiveFile_.OnClick([this] { listArchiveFile_Click(); });
     listArchiveFile_.OnKeyDown(keys);
 
+    name(deleteName_, L"削除リスト");
     listDelete_.Create(Handle(), ListBox::Fit::kPath);
     listDelete_.OnDoubleClick([this] { listDelete_DblClick(); });
     listDelete_.OnKeyDown([this](int keyCode, int) {
@@ -116,13 +116,9 @@ void frmControl::CreateControls() {
     cmdDelList_.OnClick([this] { cmdDelList_Click(); });
     cmdCancel_.Create(Handle(), L"取り消し(&U)");
     cmdCancel_.OnClick([this] { cmdCancel_Click(); });
-    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_}) {
+    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_})
         button->SetEnabled(false);
-        button->OnKeyDown([button](int keyCode, int) {
-            if (keyCode == VK_RETURN) SendMessageW(button->Handle(), BM_CLICK, 0, 0);
-            return keyCode == VK_RETURN;
-        });
-    }
+    TakePanelKeys();
 }
 
 void frmControl::Form_MetricsChanged() {
@@ -258,39 +254,6 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
     }
     return Form::OnMessage(message, wParam, lParam);
-}
-
-// --- Keys ---
-
-bool frmControl::PassKeyOn(int keyCode, int shift) {
-    if (!IsKeyOfTheView(keyCode)) return false;
-    window_.pictureView_KeyDown(keyCode, shift);
-    return true;
-}
-
-// Gives the focus to a control of the bar, or where that cannot have it, to the files.
-void frmControl::FocusPart(HWND part) {
-    const auto canHave = [&](HWND window) {
-        return IsChild(Handle(), window) && IsWindowVisible(window) && IsWindowEnabled(window);
-    };
-    for (const HWND window : {part, listFileName_.Handle(), coolBar_.Handle()}) {
-        if (canHave(window)) {
-            ::SetFocus(window);
-            return;
-        }
-    }
-}
-
-// Tab goes from control to control, Alt and a letter to a button.
-bool frmControl::TakesMessage(MSG& message) const {
-    if (Handle() == nullptr) return false;
-    if (message.hwnd != Handle() && !IsChild(Handle(), message.hwnd)) return false;
-    const bool onButton = cmdOK_.HasFocus() || cmdDelList_.HasFocus() || cmdCancel_.HasFocus();
-    const bool isArrow = message.wParam >= VK_LEFT && message.wParam <= VK_DOWN;
-    const bool moves =
-        message.message == WM_KEYDOWN && (message.wParam == VK_TAB || (onButton && isArrow));
-    if (!moves && message.message != WM_SYSCHAR) return false;
-    return IsDialogMessageW(Handle(), &message) != FALSE;
 }
 
 }  // namespace tessary

@@ -65,6 +65,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
     void SetVisible(bool visible) override;
+    void TakeFocus(BarFocus focus) override;
     void SavePlace() override;
     void Unload() override;
 
@@ -96,9 +97,15 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void Paint();
     LRESULT HitTest(LPARAM onScreen) const;
     void RegisterCommands();
+
+    // --- Its keys and focus (frmControl_keys.cpp) ---
     bool PassKeyOn(int keyCode, int shift);
+    bool IsKeyOfProgram(const MSG& key) const;
+    void TakePanelKeys();
+    bool TakesMessage(MSG& message);
+    bool PressMnemonic(wchar_t letter);
+    void MoveFocus(bool back);
     void FocusPart(HWND part);
-    bool TakesMessage(MSG& message) const;
 
     // --- Its place and fold state (frmControl_place.cpp) ---
     void ReadPlace();
@@ -153,6 +160,10 @@ class frmControl final : public Form, public ControlBar, public MemberList {
 
     frmMain& window_;
     UniqueFont font_;
+    Label infoName_;  // out of sight: screen readers name a list or field by the label before it
+    Label filesName_;
+    Label membersName_;
+    Label deleteName_;
     Toolbar coolBar_;
     TextBox textFileInfo_;
     ListBox listFileName_;
@@ -171,7 +182,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     bool inBurst_ = false;                  // there is a Burst
     std::optional<std::wstring> lateInfo_;  // what is to be told behind the burst
     std::optional<std::wstring> lateShown_;
-    HWND lastFocus_ = nullptr;  // the control that had the focus when the window lost it
+    HWND lastFocus_ = nullptr;  // the control that had the focus when it left them all
     int risenBy_ = 0;           // pixels that the window has moved up for the delete panel
     int stops_ = 0;             // how often the stop button was pressed
     Player player_;

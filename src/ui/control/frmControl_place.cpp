@@ -19,11 +19,18 @@ constexpr int kGap = 4;  // to the main window below
 
 constexpr int kTwipsPerInch = 1440;
 
+// Positions are kept in twips of the desktop: a screen of another resolution does not move them.
+int ToTwips(int pixels) {
+    return MulDiv(pixels, kTwipsPerInch, DesktopDpi());
+}
+
+int ToPixels(int twips) {
+    return MulDiv(twips, DesktopDpi(), kTwipsPerInch);
+}
+
 }  // namespace
 
 void frmControl::ReadPlace() {
-    const int dpi = Metrics(Handle()).Dpi();
-    const auto toTwips = [dpi](int pixels) { return MulDiv(pixels, kTwipsPerInch, dpi); };
     const auto setting = [](const wchar_t* key, int32_t other) {
         return Trapped(other,
                        [&] { return ToInt32(GetSetting(kSection, key, ToSettingText(other))); });
@@ -40,17 +47,17 @@ void frmControl::ReadPlace() {
     GetWindowRect(Handle(), &bar);
     const bool isNew = Trapped(true, [] { return GetSetting(kSection, L"ControlBar_X").empty(); });
     const RECT screens = AllScreens();
-    int x = std::max(setting(L"ControlBar_X", toTwips(main.left)), toTwips(screens.left));
-    const int y = std::max(setting(L"ControlBar_Y", toTwips(main.top)), toTwips(screens.top));
-    const int right = toTwips(screens.right);
-    const int bottom = toTwips(screens.bottom);
-    const int width = toTwips(bar.right - bar.left);
-    const int height = toTwips(bar.bottom - bar.top);
+    int x = std::max(setting(L"ControlBar_X", ToTwips(main.left)), ToTwips(screens.left));
+    const int y = std::max(setting(L"ControlBar_Y", ToTwips(main.top)), ToTwips(screens.top));
+    const int right = ToTwips(screens.right);
+    const int bottom = ToTwips(screens.bottom);
+    const int width = ToTwips(bar.right - bar.left);
+    const int height = ToTwips(bar.bottom - bar.top);
     if (x + width > right) x = right - width;
     // A bar that reaches below the screen goes to the side, its Y stays.
     if (y + height > bottom) x = bottom - height;
-    SetWindowPos(Handle(), nullptr, MulDiv(x, dpi, kTwipsPerInch), MulDiv(y, dpi, kTwipsPerInch), 0,
-                 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(Handle(), nullptr, ToPixels(x), ToPixels(y), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     // The first time the bar takes the place where the main window's menu would be.
     if (isNew) window_.MakeRoomAbove(Metrics(Handle()).Scale(kUnfoldedHeight + kGap));
 }
@@ -65,13 +72,12 @@ void frmControl::SavePlace() {
     if (Handle() == nullptr) return;
     RECT bar = Frame();
     OffsetRect(&bar, 0, risenBy_);
-    const int dpi = Metrics(Handle()).Dpi();
     const auto save = [&](const wchar_t* key, const std::wstring& text) {
         Trapped([&] { SaveSetting(kSection, key, text); });
     };
     save(L"ControlBarRollUP", ToSettingText(isRollUp_));
-    save(L"ControlBar_X", ToSettingText(int32_t{MulDiv(bar.left, kTwipsPerInch, dpi)}));
-    save(L"ControlBar_Y", ToSettingText(int32_t{MulDiv(bar.top, kTwipsPerInch, dpi)}));
+    save(L"ControlBar_X", ToSettingText(int32_t{ToTwips(bar.left)}));
+    save(L"ControlBar_Y", ToSettingText(int32_t{ToTwips(bar.top)}));
 }
 
 void frmControl::SetHeight(int pixelsAt96Dpi) {
@@ -104,6 +110,7 @@ void frmControl::SetRollUp(bool rollUp) {
 // What lies outside the window must not take the focus either.
 void frmControl::ShowFoldedOrNot() {
     const bool unfolded = deletePanelOpen_ || !isRollUp_;
+    if (IsChild(Handle(), GetFocus())) lastFocus_ = GetFocus();
     for (Control* const control :
          std::initializer_list<Control*>{&textFileInfo_, &listFileName_, &listArchiveFile_}) {
         control->SetVisible(unfolded);
@@ -112,6 +119,7 @@ void frmControl::ShowFoldedOrNot() {
          std::initializer_list<Control*>{&listDelete_, &cmdOK_, &cmdDelList_, &cmdCancel_}) {
         control->SetVisible(deletePanelOpen_);
     }
+    if (GetFocus() == Handle()) FocusPart(lastFocus_);
 }
 
 bool frmControl::IsVisible() const {
@@ -125,14 +133,19 @@ void frmControl::SetVisible(bool visible) {
     if (Handle() != nullptr) ShowWindow(Handle(), visible ? SW_SHOWNOACTIVATE : SW_HIDE);
 }
 
-// The screen that the bar was on may be gone.
+// The screen that the bar was on may be gone, or another now: the buttons must be in reach.
 void frmControl::MoveOntoScreen() {
     const RECT bar = Frame();
-    if (IsOnAScreen(bar)) return;
-    RECT main{};
-    GetWindowRect(window_.Handle(), &main);
-    SetWindowPos(Handle(), nullptr, main.left, main.top, 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const SIZE size = SizeOf(bar);
+    const SIZE buttons{size.cx, Metrics(Handle()).Scale(kFoldedHeight)};
+    const RECT row{bar.left, bar.top, bar.right, bar.top + buttons.cy};
+    const RECT work = ScreenOf(row).rcWork;
+    RECT seen{};
+    IntersectRect(&seen, &row, &work);
+    if (SizeOf(seen).cx >= buttons.cx / 4 && SizeOf(seen).cy >= buttons.cy / 2) return;
+    const LONG left = std::max(std::min(bar.left, work.right - size.cx), work.left);
+    const LONG top = std::max(std::min(bar.top, work.bottom - size.cy), work.top);
+    SetWindowPos(Handle(), nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 }  // namespace tessary

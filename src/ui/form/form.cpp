@@ -1,10 +1,13 @@
 #include "ui/form/form.h"
 
+#include <imm.h>
+
 #include <algorithm>
 #include <utility>
 
 #include "app/base/error.h"
 #include "ui/form/control.h"
+#include "ui/form/text_field.h"
 
 namespace tessary {
 namespace {
@@ -12,6 +15,11 @@ namespace {
 BOOL CALLBACK TellColorChange(HWND child, LPARAM /*unused*/) {
     SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
     return TRUE;
+}
+
+// An open input method would take the keys that are commands, letters above all.
+void RefuseInputMethod(HWND window) {
+    if (!TakesText(window)) ImmAssociateContext(window, nullptr);
 }
 
 }  // namespace
@@ -29,6 +37,7 @@ bool Form::Load(HWND owner) {
         return false;
     }
     SetIcons();
+    RefuseInputMethod(Handle());
     Trapped([this] { Form_Load(); });
     return Handle() != nullptr;
 }
@@ -88,6 +97,9 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             smallest.y = std::max<LONG>(smallest.y, metrics.Scale(MinimumSize().cy));
             return 0;
         }
+        case WM_PARENTNOTIFY:
+            if (LOWORD(wParam) == WM_CREATE) RefuseInputMethod(reinterpret_cast<HWND>(lParam));
+            return Default(message, wParam, lParam);
         case WM_ERASEBKGND:
             return 1;  // the controls cover all of the window
         case WM_DPICHANGED: {

@@ -19,6 +19,8 @@ struct FormDesign {
 // Life of a form: Load makes the hidden window and raises Form_Load; Show shows it; a close request
 // raises Form_QueryUnload and, unless that refuses, Form_Unload while the window still stands and
 // Form_Terminate after its end. The form may then be loaded again.
+//
+// Keys are commands in a form and its controls: input methods get them in text fields only.
 class Form : public Window {
   public:
     // Makes the window, hidden, owned by `owner` if that is given. True also when it already

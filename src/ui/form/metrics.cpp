@@ -12,11 +12,6 @@ Function UserFunction(const char* name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(user, name)));
 }
 
-int DesktopDpi() {
-    const UniqueScreenDc screen(GetDC(nullptr));
-    return screen ? GetDeviceCaps(screen.Get(), LOGPIXELSY) : USER_DEFAULT_SCREEN_DPI;
-}
-
 int DpiOf(HWND window) {
     static const auto getDpiForWindow = UserFunction<UINT(WINAPI*)(HWND)>("GetDpiForWindow");
     const UINT dpi = getDpiForWindow != nullptr ? getDpiForWindow(window) : 0;
@@ -24,6 +19,11 @@ int DpiOf(HWND window) {
 }
 
 }  // namespace
+
+int DesktopDpi() {
+    const UniqueScreenDc screen(GetDC(nullptr));
+    return screen ? GetDeviceCaps(screen.Get(), LOGPIXELSY) : USER_DEFAULT_SCREEN_DPI;
+}
 
 Metrics::Metrics(HWND window) : dpi_(DpiOf(window)) {}
 

@@ -14,6 +14,9 @@ struct Icon : NullIsNone<HICON> {
 }  // namespace handle_traits
 using UniqueIcon = UniqueHandle<handle_traits::Icon>;
 
+// The resolution (dpi) that the desktop as a whole counts in, the same for all its screens.
+int DesktopDpi();
+
 // A value: make a new one when the window has moved to a screen of another resolution.
 class Metrics {
   public:

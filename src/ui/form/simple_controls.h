@@ -15,8 +15,9 @@ class TextBox final : public Control {
     enum class Mode { kEditable, kReadOnly };
 
     bool Create(HWND parent, Mode mode, int id = 0) {
-        const DWORD readOnly = mode == Mode::kReadOnly ? ES_READONLY : WS_TABSTOP;
-        return CreateChild(parent, L"EDIT", ES_AUTOHSCROLL | readOnly, WS_EX_CLIENTEDGE, id);
+        const DWORD readOnly = mode == Mode::kReadOnly ? ES_READONLY : 0;
+        return CreateChild(parent, L"EDIT", WS_TABSTOP | ES_AUTOHSCROLL | readOnly,
+                           WS_EX_CLIENTEDGE, id);
     }
 
     // The text has changed, by the user or by SetText.

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "app/base/message_box.h"
-#include "app/base/text.h"
 #include "picture/clipboard_picture.h"
 #include "picture/current_picture.h"
 #include "picture/show/modShowPicture.h"
@@ -12,6 +11,7 @@
 #include "res/resource.h"
 #include "ui/form/busy_pointer.h"
 #include "ui/form/clipboard.h"
+#include "ui/form/text_field.h"
 
 namespace tessary {
 namespace {
@@ -24,12 +24,6 @@ constexpr int64_t kMostPngPixels = 4'000'000;
 // The system offers each of them where a program has put the other.
 bool OffersPicture() {
     return IsClipboardFormatAvailable(CF_BITMAP) || IsClipboardFormatAvailable(CF_DIB);
-}
-
-bool IsTextField(HWND window) {
-    wchar_t name[16]{};
-    GetClassNameW(window, name, 16);
-    return EqualsIgnoreCase(name, L"Edit");
 }
 
 int64_t PixelsOf(const PicturePair& picture) {

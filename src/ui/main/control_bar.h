@@ -25,6 +25,9 @@ enum class BarButton {
     kCancelDelete = 16,
 };
 
+// Where the keyboard comes to in the control bar: where it was last, or at an end of its parts.
+enum class BarFocus { kFormer, kFirst, kLast };
+
 class FileListReceiver {
   public:
     // Replaces the list of files being viewed and shows the first; false when nothing was added.
@@ -55,6 +58,9 @@ class ControlBar : public FileListReceiver {
 
     virtual bool IsVisible() const = 0;
     virtual void SetVisible(bool visible) = 0;
+
+    // Makes the window the active one, with the keyboard there. Nothing while it is not visible.
+    virtual void TakeFocus(BarFocus focus) = 0;
 
     // Saves position and fold state; nothing when the window is not loaded.
     virtual void SavePlace() = 0;

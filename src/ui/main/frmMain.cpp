@@ -64,6 +64,9 @@ void frmMain::RegisterCommands() {
                                   .enabled = pictureShown,
                                   .whileLoading = true});
     }
+    commands_.Register(commandOtherWindow,
+                       {.run = [this] { GoToOtherWindow(); }, .whileLoading = true});
+    RegisterStepCommands();
     RegisterFullScreenCommands();
 }
 
@@ -98,12 +101,17 @@ void frmMain::CreateControls() {
 // Where it was left, else half the screen's width and height, in the middle of what the taskbar
 // leaves.
 void frmMain::PlaceWindow() {
-    if (std::optional<WINDOWPLACEMENT> kept = ReadMainPlacement()) {
-        startsMaximized_ = kept->showCmd == SW_SHOWMAXIMIZED;
-        kept->showCmd = SW_HIDE;
-        // A screen of another resolution has the window scale itself on its way there.
-        for (int pass = 0; pass < 2; ++pass)
-            SetWindowPlacement(Handle(), &*kept);
+    if (const std::optional<MainPlacement> kept = ReadMainPlacement()) {
+        startsMaximized_ = kept->maximized;
+        // Its screen's resolution is known when the window is there, and has it scale itself on its
+        // way.
+        for (int pass = 0; pass < 2; ++pass) {
+            WINDOWPLACEMENT placement{};
+            placement.length = sizeof(placement);
+            placement.rcNormalPosition = PlaceOnScreens(*kept, Metrics(Handle()).Dpi());
+            placement.showCmd = SW_HIDE;
+            SetWindowPlacement(Handle(), &placement);
+        }
         return;
     }
     const int width = GetSystemMetrics(SM_CXSCREEN) / 2;
@@ -113,6 +121,10 @@ void frmMain::PlaceWindow() {
     SetWindowPos(Handle(), nullptr, (work.left + work.right - width) / 2,
                  (work.top + work.bottom - height) / 2, width, height,
                  SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void frmMain::SavePlacement() const {
+    SaveMainPlacement(fullScreen_.Placement(Handle()), fullScreen_.Dpi(Handle()));
 }
 
 void frmMain::MakeRoomAbove(int pixels) {
@@ -143,8 +155,11 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
             return 0;
         }
         case WM_SETFOCUS:  // the keys are the picture's
-            SetFocus(pictureView_.Handle());
+            TakeFocus();
             return 0;
+        case WM_SYSCOMMAND:  // the control bar sends the keys for the menu here
+            if ((wParam & 0xFFF0) == SC_KEYMENU && GetActiveWindow() != Handle()) TakeFocus();
+            return std::nullopt;
         case WM_WINDOWPOSCHANGING:
             fullScreen_.Keep(Handle(), *reinterpret_cast<WINDOWPOS*>(lParam));
             return std::nullopt;
@@ -171,7 +186,7 @@ void frmMain::EndSession() {
     ExcuseLastCall();
     Values().quitRequested = true;
     if (controlBar_ != nullptr) controlBar_->SavePlace();
-    SaveMainPlacement(fullScreen_.Placement(Handle()));
+    SavePlacement();
     WriteGeneralSettings();
     WriteConvertSettings();
 }
@@ -188,7 +203,7 @@ void frmMain::CloseIfAsked() const {
 
 void frmMain::Form_Unload() {
     if (controlBar_ != nullptr) controlBar_->Unload();
-    SaveMainPlacement(fullScreen_.Placement(Handle()));
+    SavePlacement();
     restingPointer_.Stop();
     fullScreen_ = {};
     ClearPicture();
@@ -244,15 +259,18 @@ void frmMain::pictureView_KeyDown(int keyCode, int shift) {
     switch (keyCode) {
         case VK_RETURN:
             return Step((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
-        case VK_SPACE:
-        case VK_NEXT:
-            return Step(BarButton::kStepForward);
-        case VK_BACK:
-        case VK_PRIOR:
-            return Step(BarButton::kStepBack);
+        case VK_TAB:
+            if (controlBar_ == nullptr) return;
+            return controlBar_->TakeFocus((shift & kShiftMask) != 0 ? BarFocus::kLast
+                                                                    : BarFocus::kFirst);
         default:
             return;
     }
+}
+
+void frmMain::GoToOtherWindow() {
+    if (GetActiveWindow() != Handle()) return TakeFocus();
+    if (controlBar_ != nullptr) controlBar_->TakeFocus(BarFocus::kFormer);
 }
 
 void frmMain::pictureView_MouseDown(int button, POINT at) {
@@ -273,13 +291,18 @@ void frmMain::pictureView_ContextMenu(POINT onScreen) {
     const UniqueMenu window = LoadMenuResource(menuPopupWindow);
     const HMENU popup = GetSubMenu(window.Get(), 0);
     dib::BitmapInfoHeader header{};
-    if (PictureShown() && GetPictureHeader(CurrentPicture(), header)) {
-        ForEachMenuCommand(popup, [&](int item) {
-            SetMenuCaption(popup, item, AsMenuCaption(PicturePopupText(item, source_, header)));
-        });
-    }
+    const bool isShown = PictureShown() && GetPictureHeader(CurrentPicture(), header);
+    ForEachMenuCommand(popup, [&](int item) {
+        SetMenuCaption(popup, item,
+                       AsMenuCaption(PicturePopupText(item, source_, isShown ? &header : nullptr)));
+    });
+    // The full screen has no other menu.
     AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(popup, MF_STRING, commandFullScreen, L"全画面表示(&F)");
+    const UniqueMenu bar = LoadMenuResource(menuMainWindow);
+    for (const int command :
+         {commandStepForward, commandStepBack, commandAddToDeleteList, commandFullScreen}) {
+        AppendMenuW(popup, MF_STRING, command, MenuCaption(bar.Get(), command).c_str());
+    }
     commands_.ShowState(popup);
     TrackPopupMenuEx(popup, TPM_RIGHTBUTTON, onScreen.x, onScreen.y, Handle(), nullptr);
 }

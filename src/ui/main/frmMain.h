@@ -124,10 +124,12 @@ class frmMain final : public Form, public PictureView {
     // place in the status bar and tells the bar.
     void ShowForeignPicture(const std::wstring& info);
 
-    // Arrow keys scroll; Enter, the space bar and Page Down step forward, Shift+Enter, Backspace
-    // and Page Up back. `shift` is a sum of kShiftMask …. The control bar passes its own keys on to
-    // this.
+    // Arrow keys scroll; Enter steps forward, Shift+Enter back; Tab goes to the control bar.
+    // `shift` is a sum of kShiftMask …. The control bar passes its own keys on to this.
     void pictureView_KeyDown(int keyCode, int shift);
+
+    // Makes the window the active one, with the keyboard at the picture.
+    void TakeFocus() { SetFocus(pictureView_.Handle()); }
 
     const PictureBox& pictureView() const { return pictureView_; }
     const StatusBar& statusInformation() const { return statusInformation_; }
@@ -153,6 +155,7 @@ class frmMain final : public Form, public PictureView {
     SIZE MinimumSize() const override;
 
     void PlaceWindow();
+    void SavePlacement() const;
     void CreateControls();
     void RegisterCommands();
     std::optional<LRESULT> OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam);
@@ -173,6 +176,8 @@ class frmMain final : public Form, public PictureView {
 
     // --- The full screen and the wheel (frmMain_full_screen.cpp) ---
     void RegisterFullScreenCommands();
+    void RegisterStepCommands();
+    void GoToOtherWindow();
     void Escape();
     void SetFullScreen(bool on);
     void ScreenChanged();

@@ -1,4 +1,4 @@
-// The main window on the full screen, and what the mouse wheel moves.
+// The main window on the full screen, and what the mouse wheel and the stepping keys move.
 #include <algorithm>
 
 #include "app/settings/modValue.h"
@@ -41,7 +41,7 @@ void frmMain::SetFullScreen(bool on) {
         fullScreen_.Leave(Handle());
         if (barComesBack_) controlBar_->SetVisible(true);
     }
-    SetFocus(pictureView_.Handle());
+    TakeFocus();
     FitToScreen();
 }
 
@@ -69,6 +69,16 @@ void frmMain::pictureView_Wheel(int notches, int shift) {
         Step(BarButton::kStepBack);
     for (; notches < 0; ++notches)
         Step(BarButton::kStepForward);
+}
+
+void frmMain::RegisterStepCommands() {
+    const auto hasFiles = [this] { return controlBar_ != nullptr && controlBar_->HasFiles(); };
+    commands_.Register(commandStepForward, {.run = [this] { Step(BarButton::kStepForward); },
+                                            .enabled = hasFiles,
+                                            .whileLoading = true});
+    commands_.Register(
+        commandStepBack,
+        {.run = [this] { Step(BarButton::kStepBack); }, .enabled = hasFiles, .whileLoading = true});
 }
 
 void frmMain::Step(BarButton button) {

@@ -94,4 +94,8 @@ WINDOWPLACEMENT FullScreen::Placement(HWND window) const {
     return former_ ? former_->placement : PlacementOf(window);
 }
 
+int FullScreen::Dpi(HWND window) const {
+    return former_ ? former_->dpi : Metrics(window).Dpi();
+}
+
 }  // namespace tessary

@@ -29,6 +29,8 @@ class FullScreen {
 
     // Where the window stands, and on a full screen, where it will stand again.
     WINDOWPLACEMENT Placement(HWND window) const;
+    // The resolution (dpi) that this place is for.
+    int Dpi(HWND window) const;
 
   private:
     struct Former {

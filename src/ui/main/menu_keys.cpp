@@ -13,6 +13,9 @@ std::wstring KeyName(UINT key) {
         return {static_cast<wchar_t>(key)};
     }
     if (key >= VK_F1 && key <= VK_F24) return L"F" + std::to_wstring(key - VK_F1 + 1);
+    // As they stand on keyboards; the system's names are those of the number pad's.
+    if (key == VK_RETURN) return L"Enter";
+    if (key == VK_DELETE) return L"Delete";
     wchar_t name[40]{};
     GetKeyNameTextW(static_cast<LONG>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC)) << 16, name, 40);
     return name;

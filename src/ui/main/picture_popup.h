@@ -14,9 +14,10 @@ struct PictureSource {
 };
 
 // The text of a pop-up item (menuPopup… of resource.h) filled with what it tells of a picture of
-// this header, as the menu shows it. Empty for a number that is none of the pop-up menu's.
+// this header (null: there is none), as the menu shows it. Empty for a number that is none of the
+// pop-up menu's.
 std::wstring PicturePopupText(int id, const PictureSource& source,
-                              const dib::BitmapInfoHeader& header);
+                              const dib::BitmapInfoHeader* header);
 
 // The text that choosing the item copies: its own, or for menuPopupGraphicInfo all of them, a line
 // each.

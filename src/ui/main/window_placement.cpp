@@ -25,9 +25,19 @@ bool IsBetween(int32_t value, int32_t least, int32_t most) {
     return value >= least && value <= most;
 }
 
+// The work area of a place's screen, counted as the places of windows are: from the corner of the
+// main screen's work area.
+RECT WorkspaceOf(const RECT& place) {
+    RECT work = ScreenOf(place).rcWork;
+    const RECT main = MainScreen().rcWork;
+    const RECT whole = MainScreen().rcMonitor;
+    OffsetRect(&work, whole.left - main.left, whole.top - main.top);
+    return work;
+}
+
 }  // namespace
 
-void SaveMainPlacement(const WINDOWPLACEMENT& placement) {
+void SaveMainPlacement(const WINDOWPLACEMENT& placement, int dpi) {
     const RECT& frame = placement.rcNormalPosition;
     const bool maximized =
         placement.showCmd == SW_SHOWMAXIMIZED ||
@@ -36,41 +46,55 @@ void SaveMainPlacement(const WINDOWPLACEMENT& placement) {
     const std::wstring y = ToSettingText(int32_t{frame.top});
     const std::wstring width = ToSettingText(int32_t{frame.right - frame.left});
     const std::wstring height = ToSettingText(int32_t{frame.bottom - frame.top});
+    const std::wstring resolution = ToSettingText(int32_t{dpi});
     const std::wstring state = ToSettingText(maximized);
     const KeyAndText texts[] = {{L"Main_X", x},
                                 {L"Main_Y", y},
                                 {L"Main_Width", width},
                                 {L"Main_Height", height},
+                                {L"Main_Dpi", resolution},
                                 {L"Main_Maximized", state}};
     Trapped([&] { SaveSettings(kSection, texts); });
 }
 
-std::optional<WINDOWPLACEMENT> ReadMainPlacement() {
+std::optional<MainPlacement> ReadMainPlacement() {
     // What is missing or no number is 0, which is no size.
     const auto number = [](const wchar_t* key) {
         return Trapped(int32_t{0}, [&] { return ToInt32(GetSetting(kSection, key, L"0")); });
     };
-    const int32_t x = number(L"Main_X");
-    const int32_t y = number(L"Main_Y");
-    const int32_t width = number(L"Main_Width");
-    const int32_t height = number(L"Main_Height");
-    if (!IsBetween(x, -kFarthest, kFarthest) || !IsBetween(y, -kFarthest, kFarthest) ||
-        !IsBetween(width, kLeastSize, kFarthest) || !IsBetween(height, kLeastSize, kFarthest)) {
+    const MainPlacement kept{.place = {number(L"Main_X"), number(L"Main_Y")},
+                             .size = {number(L"Main_Width"), number(L"Main_Height")},
+                             .dpi = std::clamp(number(L"Main_Dpi"), 0, kFarthest),
+                             .maximized = number(L"Main_Maximized") != 0};
+    if (!IsBetween(kept.place.x, -kFarthest, kFarthest) ||
+        !IsBetween(kept.place.y, -kFarthest, kFarthest) ||
+        !IsBetween(kept.size.cx, kLeastSize, kFarthest) ||
+        !IsBetween(kept.size.cy, kLeastSize, kFarthest)) {
         return std::nullopt;
     }
-    const RECT caption{x + kCaptionEnds, y, x + width - kCaptionEnds, y + kCaptionHeight};
+    return kept;
+}
+
+RECT PlaceOnScreens(const MainPlacement& kept, int dpi) {
+    const bool isOther = kept.dpi != 0 && kept.dpi != dpi;
+    const SIZE wanted =
+        isOther ? SIZE{MulDiv(kept.size.cx, dpi, kept.dpi), MulDiv(kept.size.cy, dpi, kept.dpi)}
+                : kept.size;
+    const RECT caption{kept.place.x + kCaptionEnds, kept.place.y,
+                       kept.place.x + kept.size.cx - kCaptionEnds, kept.place.y + kCaptionHeight};
     const bool isReachable = IsOnAScreen(caption);
     const SIZE work = SizeOf((isReachable ? ScreenOf(caption) : MainScreen()).rcWork);
-    const SIZE size{std::min<LONG>(width, work.cx), std::min<LONG>(height, work.cy)};
+    const SIZE size{std::min(wanted.cx, work.cx), std::min(wanted.cy, work.cy)};
     // Places count from the corner of the work area.
-    const POINT place =
-        isReachable ? POINT{x, y} : POINT{(work.cx - size.cx) / 2, (work.cy - size.cy) / 2};
-
-    WINDOWPLACEMENT placement{};
-    placement.length = sizeof(placement);
-    placement.rcNormalPosition = {place.x, place.y, place.x + size.cx, place.y + size.cy};
-    placement.showCmd = number(L"Main_Maximized") != 0 ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL;
-    return placement;
+    POINT place = kept.place;
+    if (!isReachable) {
+        place = {(work.cx - size.cx) / 2, (work.cy - size.cy) / 2};
+    } else if (isOther) {
+        const RECT area = WorkspaceOf(caption);
+        place = {std::clamp(place.x, area.left, area.right - size.cx),
+                 std::clamp(place.y, area.top, area.bottom - size.cy)};
+    }
+    return {place.x, place.y, place.x + size.cx, place.y + size.cy};
 }
 
 }  // namespace tessary

@@ -7,13 +7,26 @@
 
 namespace tessary {
 
-// Stores place and size of the window when it is neither maximised nor minimised (`Main_X`,
-// `Main_Y`, `Main_Width`, `Main_Height`; pixels of the work area) and whether it is maximised, or
-// would be again after minimising (`Main_Maximized`). A store that cannot be written is no error.
-void SaveMainPlacement(const WINDOWPLACEMENT& placement);
+// What was kept: the frame when the window is neither maximised nor minimised, in pixels of the
+// work area.
+struct MainPlacement {
+    POINT place;
+    SIZE size;
+    int dpi;  // resolution of the screen that the size is for; 0: unknown
+    bool maximized;
+};
 
-// The stored placement with SW_SHOWMAXIMIZED or SW_SHOWNORMAL, not larger than its screen; in the
-// middle of the main screen when the caption could be reached on none. Nothing when none is stored.
-std::optional<WINDOWPLACEMENT> ReadMainPlacement();
+// Stores where the window stands (`Main_X`, `Main_Y`, `Main_Width`, `Main_Height`), the resolution
+// there (`Main_Dpi`), and whether it is maximised, or would be again after minimising
+// (`Main_Maximized`). A store that cannot be written is no error.
+void SaveMainPlacement(const WINDOWPLACEMENT& placement, int dpi);
+
+// Nothing when none is stored, or something that cannot be.
+std::optional<MainPlacement> ReadMainPlacement();
+
+// The frame for the screens as they are now: in the size that it had to the eye, at `dpi`, but not
+// larger than its screen; whole on the screen after a change of the resolution; in the middle of
+// the main screen when the caption could be reached on none.
+RECT PlaceOnScreens(const MainPlacement& kept, int dpi);
 
 }  // namespace tessary

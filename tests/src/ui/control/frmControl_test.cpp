@@ -17,6 +17,7 @@
 #include "tests/support/redirected_settings.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/form/message_loop.h"
+#include "ui/form/screen.h"
 
 namespace tessary {
 namespace {
@@ -105,6 +106,23 @@ class StepTest : public ControlBarTest {};
 class PlayerTest : public ControlBarTest {};
 class DeleteListTest : public ControlBarTest {};
 class FoldTest : public ControlBarTest {};
+
+class KeyTest : public ControlBarTest {
+  protected:
+    void SetUp() override {
+        ControlBarTest::SetUp();
+        bar_.SetFileList(
+            List{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp"), Bitmap(L"4.bmp")});
+        window_.Show();
+        DoEvents();
+    }
+    // A key pressed where the focus is.
+    static void Press(int key) {
+        PostMessageW(GetFocus(), WM_KEYDOWN, static_cast<WPARAM>(key), 0);
+        DoEvents();
+    }
+    HWND View() const { return window_.pictureView().Handle(); }
+};
 
 TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
     const List files{Bitmap(L"一.bmp"), Archive(L"書庫.tsa"), folder_.Write(L"x.txt", "text")};
@@ -332,6 +350,78 @@ TEST_F(DeleteListTest, DeletesAndLetsTheUserDecideAboutFailures) {
     EXPECT_EQ(HeightAt96Dpi(), 130);
 }
 
+TEST_F(KeyTest, StepFromEveryPart) {
+    const auto stepsHere = [&](const char* where) {
+        int at = Selected();
+        for (const auto& [key, step] :
+             {std::pair{VK_NEXT, 1}, {VK_BACK, -1}, {VK_NEXT, 1}, {VK_PRIOR, -1}}) {
+            Press(key);
+            EXPECT_EQ(Selected(), at += step) << where;
+        }
+    };
+    bar_.listFileName().SetFocus();
+    stepsHere("files");
+    Press(VK_SPACE);
+    Press(VK_RETURN);
+    EXPECT_EQ(Selected(), 2);
+    bar_.textFileInfo().SetFocus();
+    stepsHere("information");
+    bar_.CoolBar().SetFocus();
+    stepsHere("toolbar");
+    bar_.listFileName().SetFocus();
+    Press('F');  // no button is under the keys then
+    EXPECT_EQ(GetFocus(), bar_.Handle());
+    stepsHere("folded");
+    Press(VK_RETURN);
+    EXPECT_EQ(Selected(), 3);
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
+    Press('F');
+    EXPECT_EQ(GetFocus(), bar_.listFileName().Handle());
+}
+
+TEST_F(KeyTest, TabGoesRoundBothWindowsAndF6Between) {
+    const auto round = [&] {
+        std::vector<HWND> stops;
+        window_.TakeFocus();
+        do {
+            Press(VK_TAB);
+            stops.push_back(GetFocus());
+        } while (GetFocus() != View() && stops.size() < 20);
+        return stops;
+    };
+    const HWND toolbar = bar_.CoolBar().Handle();
+    const HWND info = bar_.textFileInfo().Handle();
+    const HWND files = bar_.listFileName().Handle();
+    EXPECT_EQ(round(), (std::vector<HWND>{toolbar, info, files, View()}));
+    Press(VK_F6);
+    EXPECT_EQ(GetFocus(), files);
+    Press(VK_F6);
+    EXPECT_EQ(GetFocus(), View());
+    bar_.SetVisible(false);
+    Press(VK_TAB);
+    Press(VK_F6);
+    EXPECT_EQ(GetFocus(), View());
+    bar_.SetVisible(true);
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(round().size(), 8u);  // the panel's list and buttons too
+    bar_.Press(BarButton::kCancelDelete);
+    bar_.Press(BarButton::kFold);
+    EXPECT_EQ(round(), (std::vector<HWND>{toolbar, View()}));
+}
+
+TEST_F(KeyTest, GoOnAfterADeletion) {
+    bar_.listFileName().SetFocus();
+    Press(VK_DELETE);
+    SetMessageBoxResponder([](const std::wstring&, unsigned, const std::wstring&) { return IDOK; });
+    const HWND cmdOK = FindWindowExW(bar_.Handle(), nullptr, L"BUTTON", L"ディスクから削除(&D)");
+    SetFocus(cmdOK);
+    Press(VK_RETURN);
+    EXPECT_EQ(Items(bar_.listDelete()), List{});
+    EXPECT_EQ(GetFocus(), bar_.listFileName().Handle());
+    Press(VK_RETURN);
+    EXPECT_EQ(Selected(), 1);
+}
+
 TEST_F(FoldTest, FoldingDuringAFastRunLeavesNoListBehind) {
     bar_.SetFileList(List{Bitmap(L"1.bmp"), folder_.Write(L"2.tst", "TST 8x8x24\n")});
     bar_.Press(BarButton::kFold);
@@ -360,6 +450,14 @@ TEST_F(FoldTest, StateAndPlaceAreKept) {
     EXPECT_EQ(frame.left, 0);
     EXPECT_EQ(frame.top, 60);
     EXPECT_EQ(HeightAt96Dpi(), 28);
+
+    // Where the buttons would be out of reach it comes back when it is shown.
+    const RECT work = ScreenOf(bar_.Handle()).rcWork;
+    SetWindowPos(bar_.Handle(), nullptr, 40, work.bottom - 5, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    bar_.SetVisible(true);
+    GetWindowRect(bar_.Handle(), &frame);
+    EXPECT_EQ(frame.left, 40);
+    EXPECT_EQ(frame.bottom, work.bottom);
 }
 
 }  // namespace

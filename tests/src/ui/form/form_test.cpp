@@ -2,6 +2,7 @@
 #include "ui/form/form.h"
 
 #include <gtest/gtest.h>
+#include <imm.h>
 
 #include <functional>
 #include <memory>
@@ -145,6 +146,24 @@ bool PumpUntil(const std::function<bool()>& done) {
         DoEvents();
     }
     return done();
+}
+
+TEST(FormTest, LeavesInputMethodsToTextFields) {
+    RecordingForm form;
+    ASSERT_TRUE(form.Load());
+    const auto takesInputMethod = [](HWND window) {
+        const HIMC context = ImmGetContext(window);
+        if (context != nullptr) ImmReleaseContext(window, context);
+        return context != nullptr;
+    };
+    const auto made = [](HWND parent, const wchar_t* className, DWORD style) {
+        return CreateWindowExW(0, className, L"", WS_CHILD | style, 0, 0, 50, 50, parent, nullptr,
+                               nullptr, nullptr);
+    };
+    EXPECT_FALSE(takesInputMethod(form.Handle()));
+    EXPECT_FALSE(takesInputMethod(made(form.Handle(), L"LISTBOX", 0)));
+    EXPECT_FALSE(takesInputMethod(made(form.Handle(), L"EDIT", ES_READONLY)));
+    EXPECT_TRUE(takesInputMethod(made(form.Handle(), L"EDIT", 0)));
 }
 
 TEST(TimerTest, TicksUntilStoppedAndNeverNests) {

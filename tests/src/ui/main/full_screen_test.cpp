@@ -137,8 +137,10 @@ TEST_F(FullScreenTest, WheelStepsByNotchesAndWithCtrlThroughTheSizes) {
     Values().readsUnderWay = 1;
     Wheel(-WHEEL_DELTA);
     Values().readsUnderWay = 0;
+    controlBar_.files = {L"a.bmp"};
     for (const int key : {VK_NEXT, VK_SPACE, VK_PRIOR, VK_BACK})
-        SendToView(WM_KEYDOWN, key, 0);
+        PostMessageW(window_.pictureView().Handle(), WM_KEYDOWN, key, 0);
+    DoEvents();
     EXPECT_EQ(controlBar_.pressed, (std::vector<int>{5, 3, 5, 5, 5, 3, 5, 5, 3, 3}));
 
     std::vector<int> sizes;
@@ -208,16 +210,28 @@ TEST_F(FullScreenTest, NextRunStandsWhereThisOneWasLeft) {
         SaveSetting(L"Window", L"Main_Height", L"20000");
         SaveSetting(L"Window", L"Main_Maximized", L"-1");
         SaveSetting(L"Window", key, value);
-        const std::optional<WINDOWPLACEMENT> kept = ReadMainPlacement();
+        SaveSetting(L"Window", L"Main_Dpi", L"0");
+        const std::optional<MainPlacement> kept = ReadMainPlacement();
         ASSERT_TRUE(kept);
         RECT work{};
         SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
         const SIZE room = SizeOf(work);
-        ExpectSame(kept->rcNormalPosition,
+        ExpectSame(PlaceOnScreens(*kept, 96),
                    {(room.cx - 500) / 2, 0, (room.cx - 500) / 2 + 500, room.cy}, "moved");
-        EXPECT_EQ(kept->showCmd, static_cast<UINT>(SW_SHOWMAXIMIZED));
+        EXPECT_TRUE(kept->maximized);
         SaveSetting(L"Window", key, L"200");
     }
+}
+
+TEST_F(FullScreenTest, AfterAChangeOfTheScaleTheWindowLooksAsLargeAndStaysOnTheScreen) {
+    RECT work{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    const SIZE room = SizeOf(work);
+    const MainPlacement kept{{30, room.cy - 210}, {300, 200}, 96, false};
+    ExpectSame(PlaceOnScreens(kept, 96), {30, room.cy - 210, 330, room.cy - 10}, "same");
+    ExpectSame(PlaceOnScreens(kept, 192), {30, room.cy - 400, 630, room.cy}, "larger");
+    ExpectSame(PlaceOnScreens({{-20, 40}, {300, 200}, 192, false}, 96), {0, 40, 150, 140},
+               "smaller");
 }
 
 }  // namespace

@@ -32,6 +32,7 @@ class RecordingControlBar final : public ControlBar {
     void Press(BarButton button) override { pressed.push_back(static_cast<int>(button)); }
     bool IsVisible() const override { return visible; }
     void SetVisible(bool show) override { visible = show; }
+    void TakeFocus(BarFocus focus) override { focuses.push_back(focus); }
     void Unload() override { ++unloads; }
 
     std::vector<std::vector<std::wstring>> lists;
@@ -39,6 +40,7 @@ class RecordingControlBar final : public ControlBar {
     std::vector<int> pressed;
     std::wstring failure;
     std::wstring info = L"a file";
+    std::vector<BarFocus> focuses;
     bool visible = false;
     void SavePlace() override {}
     int unloads = 0;

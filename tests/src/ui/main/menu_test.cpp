@@ -79,10 +79,14 @@ TEST_F(MenuTest, TreeIsComplete) {
               L"ファイル(&F)[ファイルを開く(&O)\tCtrl+O|フォルダを開く(&D)\tCtrl+D|"
               L"ファイルに名前を付けて保存(&S)\tCtrl+S|すべて保存(&A)\tCtrl+Shift+S||"
               L"画像一括コンバート(&C)\tCtrl+B|アプリケーションの終了(&X)]|"
-              L"編集(&E)[コピー(&C)\tCtrl+C|貼り付け(&P)\tCtrl+V||表示イメージクリア(&L)\tCtrl+L]|"
+              L"編集(&E)[コピー(&C)\tCtrl+C|貼り付け(&P)\tCtrl+V||表示イメージクリア(&L)\tCtrl+L||"
+              L"削除リストに追加(&D)\tDelete|削除の取り消し(&U)]|"
               L"表示(&V)[コントロールバー(&C)[コントロールバー表示(&V)\tCtrl+T||巻き戻し(&Z)\tZ|"
               L"逆再生(&X)\tX|停止(&C)\tC|再生(&V)\tV|早送り((&B)\tB|折りたたみ\tF]||"
-              L"壁紙に設定 - 中央に表示(&C)|壁紙に設定 - 並べて表示(&T)|壁紙を消去(&E)]|"
+              L"壁紙に設定 - 中央に表示(&C)|壁紙に設定 - 並べて表示(&T)|壁紙を消去(&E)||"
+              L"次へ(&N)\tEnter|前へ(&P)\tShift+Enter||"
+              L"表示サイズ(&S)[サイズを調整しない||640×480|800×600|1024×768||画面サイズ||"
+              L"次の表示サイズ(&N)\tS]|全画面表示(&F)\tF11]|"
               L"オプション(&O)[環境設定\tF8||プラグインフォルダ(1)|プラグインフォルダ(2)|"
               L"プラグインフォルダ(3)]|"
               L"ヘルプ(&H)[バージョン情報(&A)|Susie Plugin のバージョン情報(&S)]");
@@ -93,14 +97,15 @@ TEST_F(MenuTest, TreeIsComplete) {
 
 TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
     Load();
-    EXPECT_EQ(AliveItems(), std::vector<int>{menuFileExit});
+    EXPECT_EQ(AliveItems(), (std::vector<int>{menuFileExit, commandFullScreen}));
     int opened = 0;
     bool offered = true;
     window_.Commands().Register(menuFileOpen,
                                 {.run = [&] { ++opened; }, .enabled = [&] { return offered; }});
     ShowPicture(10, 10);
     Open();
-    EXPECT_EQ(AliveItems(), (std::vector<int>{menuFileOpen, menuFileExit, menuEditClear}));
+    EXPECT_EQ(AliveItems(),
+              (std::vector<int>{menuFileOpen, menuFileExit, menuEditClear, commandFullScreen}));
     Choose(menuFileOpen);
     Choose(menuFileSaveAs);  // nobody's
     offered = false;
@@ -110,7 +115,7 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
     Choose(menuFileOpen);
     EXPECT_EQ(opened, 1);
     Open();
-    EXPECT_EQ(AliveItems(), std::vector<int>{menuFileExit});
+    EXPECT_EQ(AliveItems(), (std::vector<int>{menuFileExit, commandFullScreen}));
 }
 
 TEST_F(MenuTest, ControlMenuPressesBarButtons) {
@@ -165,14 +170,15 @@ TEST_F(MenuTest, PopupOpensOnThePicture) {
     window_.Show();
     DoEvents();
     CopyTextToClipboard(window_.Handle(), L"before");
+    std::wstring shown;
+    SetWindowSubclass(window_.Handle(), KeepCaption, 1, reinterpret_cast<DWORD_PTR>(&shown));
     OpenPopupAndType({VK_DOWN, VK_DOWN, VK_RETURN});  // no picture: everything is grey
     OpenPopupAndType({VK_ESCAPE});
     EXPECT_EQ(ClipboardText(), L"before");
+    EXPECT_EQ(shown, L"ファイル名 <なし>");
 
     ShowPicture(40, 30);
     window_.SetPictureSource({L"a&b.bmp", L""});
-    std::wstring shown;
-    SetWindowSubclass(window_.Handle(), KeepCaption, 1, reinterpret_cast<DWORD_PTR>(&shown));
     OpenPopupAndType({VK_DOWN, VK_DOWN, VK_DOWN, VK_RETURN});
     RemoveWindowSubclass(window_.Handle(), KeepCaption, 1);
     EXPECT_EQ(shown, L"ファイル名 <a&&b.bmp>");

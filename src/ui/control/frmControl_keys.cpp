@@ -1,0 +1,135 @@
+// The control bar's keys, and where they go.
+//
+// The program's keys work wherever the focus is. A part keeps what it has a use of its own for: the
+// lists their up and down, a button the keys that press it, the delete list those about its entry.
+#include <algorithm>
+#include <cwctype>
+
+#include "ui/control/frmControl.h"
+#include "ui/form/tab_stops.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kMnemonicMark = L'&';
+
+}  // namespace
+
+bool frmControl::PassKeyOn(int keyCode, int shift) {
+    if (keyCode != VK_LEFT && keyCode != VK_RIGHT) return false;
+    window_.pictureView_KeyDown(keyCode, shift);
+    return true;
+}
+
+bool frmControl::IsKeyOfProgram(const MSG& key) const {
+    if (Handle() == nullptr || GetAncestor(key.hwnd, GA_ROOT) != Handle()) return false;
+    const bool onButton =
+        coolBar_.HasFocus() || cmdOK_.HasFocus() || cmdDelList_.HasFocus() || cmdCancel_.HasFocus();
+    switch (key.wParam) {
+        case VK_DELETE:
+            return !listDelete_.HasFocus();
+        case VK_RETURN:
+            return (CurrentShiftState() & kShiftMask) != 0 || !(onButton || listDelete_.HasFocus());
+        case VK_SPACE:
+            return !onButton;
+        default:
+            return true;
+    }
+}
+
+// Enter presses the button that has the focus, the arrows go to its neighbours.
+void frmControl::TakePanelKeys() {
+    static constexpr Button frmControl::*kButtons[] = {
+        &frmControl::cmdOK_, &frmControl::cmdDelList_, &frmControl::cmdCancel_};
+    constexpr int kCount = static_cast<int>(std::size(kButtons));
+    for (int index = 0; index < kCount; ++index) {
+        (this->*kButtons[index]).OnKeyDown([this, index](int keyCode, int) {
+            switch (keyCode) {
+                case VK_RETURN:
+                    SendMessageW((this->*kButtons[index]).Handle(), BM_CLICK, 0, 0);
+                    return true;
+                case VK_UP:
+                case VK_LEFT:
+                    (this->*kButtons[(index + kCount - 1) % kCount]).SetFocus();
+                    return true;
+                case VK_DOWN:
+                case VK_RIGHT:
+                    (this->*kButtons[(index + 1) % kCount]).SetFocus();
+                    return true;
+                default:
+                    return false;
+            }
+        });
+    }
+}
+
+bool frmControl::TakesMessage(MSG& message) {
+    if (Handle() == nullptr) return false;
+    if (message.hwnd != Handle() && !IsChild(Handle(), message.hwnd)) return false;
+    switch (message.message) {
+        case WM_KEYDOWN:
+            if (message.wParam != VK_TAB) return false;
+            MoveFocus((CurrentShiftState() & kShiftMask) != 0);
+            return true;
+        case WM_SYSCHAR:
+            if (PressMnemonic(static_cast<wchar_t>(message.wParam))) return true;
+            message.hwnd = window_.Handle();  // its menu has the others
+            return false;
+        case WM_KEYUP:
+        case WM_SYSKEYUP:
+            if (message.wParam == VK_MENU || message.wParam == VK_F10) {
+                message.hwnd = window_.Handle();
+            }
+            return false;
+        default:
+            return false;
+    }
+}
+
+bool frmControl::PressMnemonic(wchar_t letter) {
+    const wchar_t mark[] = {kMnemonicMark, static_cast<wchar_t>(std::towupper(letter)), 0};
+    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_}) {
+        if (!button->IsEnabled() || button->Text().find(mark) == std::wstring::npos) continue;
+        button->SetFocus();
+        SendMessageW(button->Handle(), BM_CLICK, 0, 0);
+        return true;
+    }
+    return false;
+}
+
+// From part to part, and from either end to the main window.
+void frmControl::MoveFocus(bool back) {
+    const std::vector<HWND> stops = TabStops(Handle());
+    const auto at = std::find(stops.begin(), stops.end(), GetFocus());
+    if (at == stops.end() && !back && !stops.empty()) {
+        ::SetFocus(stops.front());
+    } else if (at == stops.end() || (back ? at == stops.begin() : at + 1 == stops.end())) {
+        window_.TakeFocus();
+    } else {
+        ::SetFocus(back ? at[-1] : at[1]);
+    }
+}
+
+void frmControl::TakeFocus(BarFocus focus) {
+    if (!IsVisible() || !IsWindowEnabled(Handle())) return;
+    const std::vector<HWND> stops = TabStops(Handle());
+    if (focus == BarFocus::kFormer || stops.empty()) {
+        ::SetFocus(Handle());  // hands it on to the part
+    } else {
+        ::SetFocus(focus == BarFocus::kFirst ? stops.front() : stops.back());
+    }
+}
+
+// Gives the focus to a part of the bar, or where that cannot have it, to the files. Where they are
+// out of sight too it stays with the window, which passes its keys to the picture: on a button of
+// the toolbar they would mean something else than the user expects.
+void frmControl::FocusPart(HWND part) {
+    const std::vector<HWND> stops = TabStops(Handle());
+    for (const HWND window : {part, listFileName_.Handle()}) {
+        if (std::find(stops.begin(), stops.end(), window) == stops.end()) continue;
+        ::SetFocus(window);
+        return;
+    }
+}
+
+}  // namespace tessary
