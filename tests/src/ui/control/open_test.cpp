@@ -40,6 +40,7 @@ class TakingBar final : public ControlBar {
     void Press(BarButton) override {}
     bool IsVisible() const override { return visible; }
     void SetVisible(bool show) override { visible = show; }
+    void TakeFocus(BarFocus) override {}
     void SavePlace() override {}
     void Unload() override {}
 
