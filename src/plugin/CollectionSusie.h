@@ -109,6 +109,13 @@ class CollectionSusie {
     // FileSupported with every member unbound first, for somebody who is likely to begin such a
     // search next. The member found stays bound.
     int32_t QueryFile(const std::wstring& path);
+    // Why the first archive plug-in that the last search for a file met could not read what it
+    // takes for an archive of its own, and the name of that plug-in; nothing when there was none.
+    struct Refusal {
+        std::wstring reason;
+        std::wstring plugin;
+    };
+    const std::optional<Refusal>& LastRefusal() const { return refusal_; }
     // To be called when the member that accepted last has failed: it is not preferred any more.
     void ForgetSuccess() { lastSuccess_ = 0; }
 
@@ -159,6 +166,7 @@ class CollectionSusie {
         std::wstring dllName;  // of the plug-in that listed them; empty: none did
     };
 
+    void NoteRefusal(clsSusie& member, const std::wstring& path, int32_t result);
     bool Holds(const Query& query, const std::wstring& path) const;
     int32_t FirstSupporting(const std::wstring& path, int32_t startIndex, std::set<int32_t>& asked);
     int32_t FirstSupporting(HLOCAL memory, const std::wstring& fileName, int32_t startIndex,
@@ -174,6 +182,7 @@ class CollectionSusie {
     Listing listing_;
     int32_t lastSuccess_ = 0;  // index of the member that accepted last; 0 when unknown
     Query query_;
+    std::optional<Refusal> refusal_;
     std::vector<PluginCall> interruptedCalls_;
     std::set<std::wstring> skipped_;  // not to be loaded this time: paths or names in upper case
     std::vector<LeftOutPlugin> leftOut_;

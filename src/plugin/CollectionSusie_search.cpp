@@ -5,6 +5,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "plugin/CollectionSusie.h"
+#include "plugin/result_text.h"
 #include "plugin/susie_library.h"
 
 namespace tessary {
@@ -86,6 +87,7 @@ bool CollectionSusie::Holds(const Query& query, const std::wstring& path) const 
 int32_t CollectionSusie::FirstSupporting(const std::wstring& path, int32_t startIndex,
                                          std::set<int32_t>& asked) {
     if (PluginCallUnderWay() || !StampOf(path)) return 0;
+    if (asked.empty()) refusal_.reset();
     std::optional<std::wstring> pattern;  // asked for once, and only if it matters
     return FirstAccepting({.upperName = ToUpper(FileNameOf(path)),
                            .contentPattern =
@@ -95,10 +97,28 @@ int32_t CollectionSusie::FirstSupporting(const std::wstring& path, int32_t start
                                },
                            .accepts =
                                [&](clsSusie& member) {
-                                   member.SetFile(path);
+                                   try {
+                                       member.SetFile(path);
+                                   } catch (const UnlistedArchiveError& error) {
+                                       NoteRefusal(member, path, error.Result());
+                                       throw;
+                                   }
                                    return true;
                                }},
                           startIndex, asked);
+}
+
+// What is no archive of the plug-in's at all is nothing to tell.
+void CollectionSusie::NoteRefusal(clsSusie& member, const std::wstring& path, int32_t result) {
+    if (refusal_) return;
+    std::wstring reason = member.Condition().text;
+    const bool isDoubtful = result <= susie::kAborted || result == susie::kUnknownFormat ||
+                            result == kResultNotExported;
+    // Plug-ins that say so of every kind of file, and to every file, are no witnesses.
+    const bool isOwn = !isDoubtful || (member.FileType(0) != kEveryFile &&
+                                       member.Claims(ToUpper(FileNameOf(path))));
+    if (reason.empty() && isOwn && member.CheckFile(path)) reason = ResultText(result);
+    if (!reason.empty()) refusal_ = {std::move(reason), NameOf(member.DllName())};
 }
 
 int32_t CollectionSusie::MemorySupported(HLOCAL memory, const std::wstring& fileName,

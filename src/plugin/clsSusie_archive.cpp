@@ -38,7 +38,8 @@ void clsSusie::ReadMembers(Binding& binding) {
     const Source archive(binding);
     if (!archive.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
     HLOCAL handle = nullptr;
-    const bool succeeded = calls_.GetArchiveInfo(archive.Get(), handle) == susie::kSuccess;
+    const int32_t result = calls_.GetArchiveInfo(archive.Get(), handle);
+    const bool succeeded = result == susie::kSuccess;
     binding.members = ReadArchiveMembers(handle);
     const bool mayBeList =
         succeeded ? IsLocalHandleValid(handle) : Condition().kind == susie::kConditionNone;
@@ -49,7 +50,7 @@ void clsSusie::ReadMembers(Binding& binding) {
     } else {
         FreeLeftHandle(handle);
     }
-    if (!isList) throw PluginError(kErrorNotSupported, kNotSupportedText);
+    if (!isList) throw UnlistedArchiveError(result);
 }
 
 const ArchiveMembers& clsSusie::Members() {

@@ -73,6 +73,20 @@ class RefusedPluginError : public PluginError {
     bool isLoadable_;
 };
 
+// A file or block whose members an archive plug-in cannot list: no archive of its, or a damaged
+// one.
+class UnlistedArchiveError : public PluginError {
+  public:
+    explicit UnlistedArchiveError(int32_t result)
+        : PluginError(kErrorNotSupported, kNotSupportedText), result_(result) {}
+
+    // The plug-in's answer; 0 when it gave no list all the same.
+    int32_t Result() const { return result_; }
+
+  private:
+    int32_t result_;
+};
+
 // A picture that could not be decoded or an archive's member that could not be extracted, with what
 // the plug-in answered.
 class DecodeError : public PluginError {

@@ -8,9 +8,9 @@
 namespace tessary {
 namespace {
 
-bool IsSkippedNow(const PluginCall& call) {
+bool IsLeftOut(const PluginCall& call, LeftOutReason reason) {
     return std::ranges::any_of(SusieCollection().LeftOut(), [&](const LeftOutPlugin& one) {
-        return one.reason == LeftOutReason::kSkipped &&
+        return one.reason == reason &&
                (one.path == call.plugin || FileNameOf(one.path) == call.plugin);
     });
 }
@@ -23,7 +23,11 @@ std::vector<std::wstring> InterruptedCallNotices() {
     for (const PluginCall& call : collection.InterruptedCalls()) {
         notices.push_back(L"前回はプラグイン " + collection.NameOf(call.plugin) + L" の処理中（" +
                           call.function + L"）に終了しました");
-        if (IsSkippedNow(call)) notices.back() += L"。今回は読み込みません";
+        if (IsLeftOut(call, LeftOutReason::kSkipped)) {
+            notices.back() += L"。今回は読み込みません";
+        } else if (IsLeftOut(call, LeftOutReason::kBarred)) {
+            notices.back() += L"。続けて起きたため、もう読み込みません";
+        }
     }
     return notices;
 }

@@ -8,6 +8,7 @@
 #include "app/settings/modValue.h"
 #include "picture/bitmap_file.h"
 #include "plugin/modSusie.h"
+#include "plugin/result_text.h"
 
 namespace tessary {
 namespace {
@@ -25,15 +26,29 @@ std::wstring SubjectOf(const std::wstring& archivePath, const std::wstring& memb
     return SubjectOf(archivePath) + L" 内の " + memberName;
 }
 
-// The reason of a plug-in's failure with the culprit: the plug-in's own file name.
-std::wstring PluginFailureText(const std::wstring& subject, const clsSusie& plugin,
-                               const RaisedError& error) {
-    std::wstring reason = error.Description();
-    if (!plugin.ErrorString().empty() && plugin.ErrorString() != reason) {
-        reason += L"\r\n" + plugin.ErrorString();
+std::wstring WithPlugin(const std::wstring& reason, const std::wstring& plugin) {
+    return reason + L"\r\nプラグイン: " + plugin;
+}
+
+// What the plug-in has answered, in words; empty when that is not what went wrong. Call only inside
+// a catch block.
+std::wstring AnswerText() {
+    try {
+        throw;
+    } catch (const DecodeError& error) {
+        return ResultText(static_cast<int32_t>(error.Result() & ~kPreviewResult));
+    } catch (...) {
+        return {};
     }
-    return FailureText(subject,
-                       reason + L"\r\nプラグイン: " + SusieCollection().NameOf(plugin.DllName()));
+}
+
+// The reason of a plug-in's failure with the culprit. Call only inside a catch block.
+std::wstring PluginFailureText(const std::wstring& subject, const clsSusie& plugin) {
+    const std::wstring what = CurrentError().Description();
+    const bool isTold = !plugin.ErrorString().empty() && plugin.ErrorString() != what;
+    const std::wstring why = isTold ? plugin.ErrorString() : AnswerText();
+    return FailureText(subject, WithPlugin(why.empty() ? what : what + L"\r\n" + why,
+                                           SusieCollection().NameOf(plugin.DllName())));
 }
 
 ReadResult Failed(std::wstring failure) {
@@ -102,9 +117,8 @@ ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
                     std::move(picture),
                     {}};
         } catch (...) {
-            const RaisedError error = CurrentError();
             if (watch.IsStopped()) return Stopped();
-            file.failure = PluginFailureText(offer.subject, plugin, error);
+            file.failure = PluginFailureText(offer.subject, plugin);
             plugins.ForgetSuccess();
         }
     }
@@ -119,6 +133,13 @@ ReadResult DecodeFile(const std::wstring& path, ReadWatch& watch) {
     // Nothing stays bound to a picture: its file may change on disk, and its plug-in may be freed.
     // An archive stays bound, for its members.
     if (result.file.kind != kFileArchive) plugins.UnloadFile();
+    const auto& refusal = plugins.LastRefusal();
+    const bool isUnclaimed =
+        result.file.kind == kFileUnknown && result.file.failure.empty() && !result.file.stopped;
+    if (isUnclaimed && refusal) {
+        result.file.failure =
+            FailureText(SubjectOf(path), WithPlugin(refusal->reason, refusal->plugin));
+    }
     return result;
 }
 
@@ -195,9 +216,8 @@ ReadResult ReadMember(const std::wstring& archivePath, int32_t position, Picture
         content = archive->DecodeArchive(position, watch.Progress());
         damage = archive->Damage();
     } catch (...) {
-        const RaisedError error = CurrentError();
         if (watch.IsStopped()) return Stopped();
-        return Failed(PluginFailureText(subject, *archive, error));
+        return Failed(PluginFailureText(subject, *archive));
     }
     if (watch.IsStopped()) return Stopped();
     ReadResult result = ReadBlock(content.Get(), FileNameOf(name), subject, watch);

@@ -256,7 +256,8 @@ TEST_F(ShowTest, MembersAreShownWhateverBecomesOfTheOthers) {
     EXPECT_TRUE(show(5).failure.starts_with(inArchive + L"5.bmp を表示できません。"));
     EXPECT_EQ(show(6).failure, inArchive +
                                    L"6.tst を表示できません。\r\n"
-                                   L"圧縮ファイルの展開に失敗しました\r\nプラグイン: axtsa.spi");
+                                   L"圧縮ファイルの展開に失敗しました\r\nデータが壊れています\r\n"
+                                   L"プラグイン: axtsa.spi");
     EXPECT_EQ(show(7).kind, kFileUnknown);
     EXPECT_EQ(show(2).kind, kFilePicture);
 
@@ -299,6 +300,18 @@ TEST_F(ShowTest, LastFailureIsToldWithItsCulprit) {
     }
     EXPECT_TRUE(failed.failure.starts_with(L"ファイル " + file + L" を表示できません。"));
     EXPECT_TRUE(reason.starts_with(L"ファイル picture.tst を表示できません。"));
+}
+
+TEST_F(ShowTest, ADamagedArchiveShowsThePluginsReason) {
+    UsePlugins({{L"axb.spi", "answer:IsSupported:0\nanswer:GetArchiveInfo:3\n"}, {L"axa.spi", ""}});
+    const auto failureOf = [&](const char* answer) {
+        return Show(files_.Write(L"damaged.tsa", std::string("TSA\nanswer:GetArchiveInfo:") +
+                                                     answer + "\nmember\t1\t\tx\n\nx"))
+            .failure;
+    };
+    EXPECT_TRUE(failureOf("3").ends_with(L"データが壊れています\r\nプラグイン: axa.spi"));
+    EXPECT_TRUE(failureOf("2").ends_with(L"プラグインの知らない形式です\r\nプラグイン: axa.spi"));
+    EXPECT_EQ(Show(files_.Write(L"other.tsa", "text")).failure, L"");  // nobody's
 }
 
 TEST_F(ShowTest, NothingOfTheFileBeforeStandsForOneThatCannotBeShown) {

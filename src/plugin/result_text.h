@@ -1,0 +1,13 @@
+// What a plug-in's answer means, in words for the user.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tessary {
+
+// `result`: what a function of the interface has answered, or a kResult… of susie_calls.h; a
+// success too, which came with nothing.
+std::wstring ResultText(int32_t result);
+
+}  // namespace tessary
