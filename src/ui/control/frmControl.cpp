@@ -33,8 +33,8 @@ frmControl::frmControl(frmMain& window)
       window_(window),
       player_({.back = [this] { return ListIndexBackOne(); },
                .forward = [this] { return ListIndexForwardOne(); },
-               .atEnd = [this] { Press(BarButton::kStop); },
-               .mayStep = [this] { return MayStep(); },
+               .atEnd = [this] { EndMotion(); },
+               .mayStep = [this] { return !wishes_.Any() && MayStep(); },
                .inBurst =
                    [this](const std::function<void()>& steps) {
                        const Burst burst(*this);
@@ -59,7 +59,11 @@ void frmControl::RegisterCommands() {
     };
     registerButton(commandDisplaySize, BarButton::kDisplaySize);
     registerButton(commandAddToDeleteList, BarButton::kDeleteList);
-    registerButton(commandCancelDelete, BarButton::kCancelDelete);
+    window_.Commands().Register(
+        commandCancelDelete,
+        {.run = [this] { AskToCancel(); },
+         .enabled = [this] { return formLoaded_ && IsUsable(BarButton::kCancelDelete); },
+         .whileLoading = true});
     for (int mode = kSizeModeOriginal; mode <= kSizeModeScreen; ++mode) {
         window_.Commands().Register(commandDisplaySize_0 + mode,
                                     {.run = [this, mode] { SetDisplaySize(mode); },
@@ -110,6 +114,7 @@ void frmControl::CreateControls() {
         if (keyCode == VK_RETURN) listDelete_DblClick();
         return keyCode == VK_RETURN;
     });
+    lblMarks_.Create(Handle(), L"");
     cmdOK_.Create(Handle(), L"ディスクから削除(&D)");
     cmdOK_.OnClick([this] { cmdOK_Click(); });
     cmdDelList_.Create(Handle(), L"リストから削除(&L)");
@@ -123,9 +128,9 @@ void frmControl::CreateControls() {
 
 void frmControl::Form_MetricsChanged() {
     font_ = Metrics(Handle()).MessageFont();
-    for (Control* const control :
-         std::initializer_list<Control*>{&textFileInfo_, &listFileName_, &listArchiveFile_,
-                                         &listDelete_, &cmdOK_, &cmdDelList_, &cmdCancel_}) {
+    for (Control* const control : std::initializer_list<Control*>{
+             &textFileInfo_, &listFileName_, &listArchiveFile_, &listDelete_, &cmdOK_, &cmdDelList_,
+             &cmdCancel_, &lblMarks_}) {
         control->SetFont(font_.Get());
     }
     for (ListBox* const list : {&listFileName_, &listArchiveFile_, &listDelete_}) {
@@ -149,6 +154,8 @@ void frmControl::Form_QueryUnload(bool& cancel) {
 
 void frmControl::Form_Unload() {
     player_.Stop();
+    wishesDue_.Stop();
+    wishes_ = {};
     SavePlace();
     formLoaded_ = false;
 }
@@ -164,20 +171,21 @@ void frmControl::Form_Resize(int width, int /*height*/) {
     const int inner = width - 2 * margin;
     const int buttons =
         std::min<int>(coolBar_.PreferredSize().cy, scale(kFoldedHeight) - 2 * frame);
-    coolBar_.SetBounds(scale(kGripWidth), (scale(kFoldedHeight) - buttons) / 2,
+    const int above = HeightAboveToolbar();
+    coolBar_.SetBounds(scale(kGripWidth), above + (scale(kFoldedHeight) - buttons) / 2,
                        width - scale(kGripWidth) - frame, buttons);
 
-    const int info = scale(kFoldedHeight + 1);
+    const int info = above + scale(kFoldedHeight + 1);
     textFileInfo_.SetBounds(margin, info, inner, scale(kInfoHeight));
     const int lists = info + scale(kInfoHeight) + margin / 2;
-    const int listHeight = scale(kUnfoldedHeight) - margin - lists;
+    const int listHeight = above + scale(kUnfoldedHeight) - margin - lists;
     const int fileWidth = (inner - margin) * 3 / 5;
     listFileName_.SetBounds(margin, lists, fileWidth, listHeight);
     listArchiveFile_.SetBounds(2 * margin + fileWidth, lists, inner - margin - fileWidth,
                                listHeight);
 
-    const int panel = scale(kUnfoldedHeight);
-    const int panelHeight = scale(kDeletePanelHeight) - margin - panel;
+    const int panel = above > 0 ? margin : scale(kUnfoldedHeight);
+    const int panelHeight = scale(kDeletePanelHeight) - margin - scale(kUnfoldedHeight);
     const int buttonWidth = scale(kButtonWidth);
     listDelete_.SetBounds(margin, panel, inner - margin - buttonWidth, panelHeight);
     int top = panel;
@@ -185,7 +193,12 @@ void frmControl::Form_Resize(int width, int /*height*/) {
         button->SetBounds(width - margin - buttonWidth, top, buttonWidth, scale(kButtonHeight));
         top += scale(kButtonHeight) + margin;
     }
+    lblMarks_.SetBounds(width - margin - buttonWidth, top, buttonWidth, scale(kInfoHeight));
     InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+int frmControl::HeightAboveToolbar() const {
+    return panelAbove_ ? Metrics(Handle()).Scale(kDeletePanelHeight - kUnfoldedHeight) : 0;
 }
 
 // The face, the frame around it and the grip at the left, which invites to drag.
@@ -201,8 +214,9 @@ void frmControl::Paint() {
         InflateRect(&area, -1, -1);
     }
     const int dot = metrics.Scale(2);
+    const int above = HeightAboveToolbar();
     for (int y = metrics.Scale(6); y < metrics.Scale(kFoldedHeight - 6); y += 2 * dot) {
-        const RECT spot{metrics.Scale(3), y, metrics.Scale(3) + dot, y + dot};
+        const RECT spot{metrics.Scale(3), above + y, metrics.Scale(3) + dot, above + y + dot};
         FillRect(context, &spot, GetSysColorBrush(COLOR_BTNSHADOW));
     }
     EndPaint(Handle(), &paint);
@@ -244,7 +258,7 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             }
             break;
         case WM_SETFOCUS:
-            if (busy_ == 0 && !inBurst_) FocusPart(lastFocus_);
+            FocusPart(lastFocus_);
             return 0;
         case WM_SETCURSOR:
             if (LOWORD(lParam) != HTCLIENT || !IsReadUnderWay() || player_.IsPlaying()) break;

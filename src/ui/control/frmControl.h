@@ -14,6 +14,7 @@
 #include "picture/show/modShowPicture.h"
 #include "ui/control/player.h"
 #include "ui/control/toolbar_images.h"
+#include "ui/control/wishes.h"
 #include "ui/form/accelerators.h"
 #include "ui/form/form.h"
 #include "ui/form/list_box.h"
@@ -61,11 +62,14 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void PictureReplaced(const std::wstring& info) override;
     void ClearLists() override;
     std::vector<std::wstring> FileList() const override;
+    bool IsPlaying() const override { return player_.IsPlaying(); }
+    void WishCommand(int command) override;
     bool HasFiles() const override { return listFileName_.Count() > 0; }
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
     void SetVisible(bool visible) override;
     void TakeFocus(BarFocus focus) override;
+    bool MayClose() override;
     void SavePlace() override;
     void Unload() override;
 
@@ -95,6 +99,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
 
     void CreateControls();
     void Paint();
+    int HeightAboveToolbar() const;
     LRESULT HitTest(LPARAM onScreen) const;
     void RegisterCommands();
 
@@ -129,14 +134,29 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void TellInfo(const std::wstring& info);
     void TellShown(const std::wstring& text);
     void TellNotShown(const std::wstring& text);
+    void TellLoading(const std::wstring& text);
+    void TellLate();
+    void TellCut(std::span<const std::wstring> files);
     void DisableParts();
     void EnableParts(HWND focused);
     void EndLoad();
+
+    // --- Stepping, and what is asked for meanwhile (frmControl_wishes.cpp) ---
     std::optional<int> FindKnown(int start, int step);
+    bool MoveBy(int steps, bool inArchive);
+    bool MoveInFiles(int steps, bool orStay);
+    bool IsLoading() const;
+    void WishStep(int step);
+    void WishMark();
+    void WishIsThere();
+    void CarryOutWishes();
+    int IndexOf(const std::wstring& path) const;
 
     // --- The player (frmControl_player.cpp) ---
     void StartMotion(BarButton motion);
+    bool BecomesWish(BarButton button);
     void StopMotion();
+    void EndMotion();
     void Step(BarButton button);
     void SetDisplaySize(int sizeMode);
     void CoolBar_ButtonDropDown(BarButton button, const RECT& place);
@@ -147,9 +167,13 @@ class frmControl final : public Form, public ControlBar, public MemberList {
 
     // --- The delete list (frmControl_delete.cpp) ---
     void AddToDeleteList();
+    void MarkForDeletion(int index);
     void OpenDeletePanel();
-    void RiseForPanel();
-    void MoveBy(int pixelsDown);
+    void PlaceForPanel();
+    void AskToCancel();
+    void CountMarks();
+    std::vector<std::wstring> MarkedFiles() const;
+    void TryToDelete(const std::vector<std::wstring>& paths);
     void DeleteFromDisk(const std::vector<std::wstring>& paths);
     void ForgetDeleted(const std::wstring& path);
     void CloseDeletePanel();
@@ -172,26 +196,39 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     Button cmdOK_;
     Button cmdDelList_;
     Button cmdCancel_;
+    Label lblMarks_;  // how many files the delete list has
     bool isRollUp_ = false;
     bool formLoaded_ = false;
     bool unloading_ = false;
     bool deletePanelOpen_ = false;
-    bool archiveShown_ = false;             // the member list belongs to the selected file
-    std::wstring failure_;                  // why the file shown last is not shown
-    int busy_ = 0;                          // how many Busy there are
-    bool inBurst_ = false;                  // there is a Burst
+    bool archiveShown_ = false;  // the member list belongs to the selected file
+    std::wstring failure_;       // why the file shown last is not shown
+    int busy_ = 0;               // how many Busy there are
+    bool inBurst_ = false;       // there is a Burst
+    bool listsChange_ = false;   // nothing may be asked of them now
+    std::wstring loadingPath_;   // the file that is being loaded; empty: none
+    std::wstring loadingText_;   // what is told meanwhile
+    std::wstring shownPath_;     // the file that the view shows, or why it does not
+    std::wstring archivePath_;   // whose members are listed
+    std::wstring cutNotice_;     // what was told of a list that was too long
+    Wishes wishes_;
+    bool keyRepeats_ = false;  // the message being handled is of a key that is held down
     std::optional<std::wstring> lateInfo_;  // what is to be told behind the burst
     std::optional<std::wstring> lateShown_;
     HWND lastFocus_ = nullptr;  // the control that had the focus when it left them all
-    int risenBy_ = 0;           // pixels that the window has moved up for the delete panel
-    int stops_ = 0;             // how often the stop button was pressed
+    POINT movedBy_{};           // pixels that the window has moved for the delete panel
+    bool panelAbove_ = false;   // the delete panel stands above the toolbar
+    bool askingToClose_ = false;
+    int stops_ = 0;  // how often the stop button was pressed
     Player player_;
-    Timer longLoad_{[this] {
-        longLoad_.Stop();
-        UpdateToolbar();
-    }};
+    Timer longLoad_{[this] { TellLate(); }};
+    Timer wishesDue_{[this] { CarryOutWishes(); }};
     Accelerators accelerators_;
     MessageFilter dialogKeys_;
+    MessageFilter repeats_{[this](const MSG& message) {
+        keyRepeats_ = message.message == WM_KEYDOWN && (HIWORD(message.lParam) & KF_REPEAT) != 0;
+        return false;
+    }};
 };
 
 }  // namespace tessary

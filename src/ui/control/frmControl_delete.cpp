@@ -5,10 +5,13 @@
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
+#include "app/base/paths.h"
+#include "app/base/raised_flag.h"
 #include "app/base/task_modal.h"
 #include "plugin/modSusie.h"
 #include "ui/control/delete_file.h"
 #include "ui/control/frmControl_busy.h"
+#include "ui/control/panel_place.h"
 #include "ui/dialogs/frmProgress.h"
 #include "ui/form/screen.h"
 
@@ -22,19 +25,40 @@ void frmControl::AddToDeleteList() {
             MB_ICONEXCLAMATION);
         return;
     }
+    if (window_.PictureShown() && shownPath_.empty()) {
+        window_.ShowNote(L"表示しているのは一覧のファイルではありません。");
+        return;
+    }
+    MarkForDeletion(selected);
+}
+
+void frmControl::MarkForDeletion(int index) {
+    if (index < 0) return;
+    const std::wstring path = listFileName_.Item(index);
+    const bool wasSelected = index == listFileName_.Selected();
     OpenDeletePanel();
-    listDelete_.Add(listFileName_.Item(selected));
-    listFileName_.Remove(selected);
+    listDelete_.Add(path);
+    listFileName_.Remove(index);
+    CountMarks();
+    // Where the panel is out of sight, as on the full screen.
+    if (!IsVisible()) {
+        window_.ShowNote(L"削除リストに追加しました（" + std::to_wstring(listDelete_.Count()) +
+                         L" 個）: " + FileNameOf(path));
+    }
+    if (!wasSelected) return;
     // The next file comes up, so that a heap can be weeded out key by key.
-    listFileName_.Select(std::min(selected, listFileName_.Count() - 1));
+    listFileName_.Select(std::min(index, listFileName_.Count() - 1));
     if (listFileName_.Count() == 0) ShowEmptyList();
 }
 
+void frmControl::CountMarks() {
+    lblMarks_.SetText(std::to_wstring(listDelete_.Count()) + L" 個のファイル");
+}
+
 void frmControl::OpenDeletePanel() {
+    if (!deletePanelOpen_) PlaceForPanel();
     deletePanelOpen_ = true;
-    SetHeight(kDeletePanelHeight);
-    RiseForPanel();
-    // It reaches over the main window now, which some window managers leave in front.
+    // It may reach over the main window now, which some window managers leave in front.
     SetWindowPos(Handle(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_})
         button->SetEnabled(true);
@@ -42,29 +66,35 @@ void frmControl::OpenDeletePanel() {
     UpdateToolbar();
 }
 
-void frmControl::MoveBy(int pixelsDown) {
-    const RECT frame = Frame();
-    SetWindowPos(Handle(), nullptr, frame.left, frame.top + pixelsDown, 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-// At the lower edge of the screen the panel's buttons would be out of reach.
-void frmControl::RiseForPanel() {
-    const RECT work = ScreenOf(Handle()).rcWork;
-    const RECT frame = Frame();
-    const LONG below = std::max<LONG>(frame.bottom - work.bottom, 0);
-    const LONG room = std::max<LONG>(frame.top - work.top, 0);
-    const auto rise = static_cast<int>(std::min(below, room));
-    risenBy_ += rise;
-    if (rise != 0) MoveBy(-rise);
+// The panel's buttons must be within reach, and the main window's title and menu in sight.
+void frmControl::PlaceForPanel() {
+    const Metrics metrics(Handle());
+    const int height = metrics.Scale(kDeletePanelHeight);
+    RECT title{};
+    GetWindowRect(window_.Handle(), &title);
+    POINT client{};
+    ClientToScreen(window_.Handle(), &client);
+    title.bottom = client.y;
+    const RECT bar = Frame();
+    const PanelPlace place = PlacePanel(bar, height, height - metrics.Scale(kUnfoldedHeight),
+                                        ScreenOf(Handle()).rcWork, title);
+    panelAbove_ = place.above;
+    movedBy_ = {place.frame.left - bar.left, place.frame.top - bar.top};
+    SetWindowPos(Handle(), nullptr, place.frame.left, place.frame.top,
+                 place.frame.right - place.frame.left, height, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void frmControl::CloseDeletePanel() {
     deletePanelOpen_ = false;
+    panelAbove_ = false;
     for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_})
         button->SetEnabled(false);
     isRollUp_ ? RollUp() : RollDown();
-    MoveBy(std::exchange(risenBy_, 0));
+    const RECT frame = Frame();
+    const POINT back = std::exchange(movedBy_, {});
+    SetWindowPos(Handle(), nullptr, frame.left - back.x, frame.top - back.y, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    if (IsVisible()) MoveOntoScreen();
     UpdateToolbar();
 }
 
@@ -73,6 +103,7 @@ void frmControl::listDelete_DblClick() {
     if (selected < 0) return;
     listFileName_.Add(listDelete_.Item(selected));
     listDelete_.Remove(selected);
+    CountMarks();
     if (listDelete_.Count() == 0) CloseDeletePanel();
 }
 
@@ -88,18 +119,40 @@ void frmControl::cmdDelList_Click() {
     cmdCancel_Click();
 }
 
-// Deletes what the question was about, whatever happens to the list meanwhile.
-void frmControl::cmdOK_Click() {
-    if (busy_ > 0) return;
+// Esc is pressed in passing; the collected files would be spread over the list's end.
+void frmControl::AskToCancel() {
+    if (ShowMessageBox(L"削除リストの " + std::to_wstring(listDelete_.Count()) +
+                           L" 個のファイルを、すべて一覧に戻しますか？",
+                       MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES) {
+        CoolBar_ButtonClick(BarButton::kCancelDelete);
+    }
+}
+
+std::vector<std::wstring> frmControl::MarkedFiles() const {
     std::vector<std::wstring> paths;
     paths.reserve(static_cast<size_t>(listDelete_.Count()));
     for (int i = 0; i < listDelete_.Count(); ++i)
         paths.push_back(listDelete_.Item(i));
+    return paths;
+}
+
+// Deletes what the question was about, whatever happens to the list meanwhile.
+void frmControl::cmdOK_Click() {
+    if (IsLoading()) {
+        wishes_.deletion = true;
+        return WishIsThere();
+    }
+    const std::vector<std::wstring> paths = MarkedFiles();
     if (ShowMessageBox(L"リスト内の " + std::to_wstring(paths.size()) +
                            L"個のファイルをディスクから削除します。",
                        MB_OKCANCEL | MB_ICONINFORMATION) != IDOK) {
         return;
     }
+    TryToDelete(paths);
+    window_.CloseIfAsked();
+}
+
+void frmControl::TryToDelete(const std::vector<std::wstring>& paths) {
     try {
         DeleteFromDisk(paths);
     } catch (...) {
@@ -107,13 +160,34 @@ void frmControl::cmdOK_Click() {
         ReportUnexpectedError(error.Number(), error.Description(), L"frmDelete.cmdOK_Click()");
     }
     if (Handle() != nullptr && deletePanelOpen_ && listDelete_.Count() == 0) CloseDeletePanel();
-    window_.CloseIfAsked();
+}
+
+bool frmControl::MayClose() {
+    if (!formLoaded_ || listDelete_.Count() == 0) return true;
+    if (askingToClose_) return false;
+    const RaisedFlag asking(askingToClose_);
+    const std::vector<std::wstring> paths = MarkedFiles();
+    switch (ShowMessageBox(L"削除リストに " + std::to_wstring(paths.size()) +
+                               L" 個のファイルがあります。\r\n\r\n"
+                               L"[はい]をクリックするとディスクから削除して終了します。\r\n"
+                               L"[いいえ]をクリックすると削除しないで終了します。\r\n"
+                               L"[キャンセル]をクリックすると終了しません。",
+                           MB_YESNOCANCEL | MB_ICONEXCLAMATION | MB_DEFBUTTON3)) {
+        case IDYES:
+            TryToDelete(paths);
+            return Handle() == nullptr || listDelete_.Count() == 0;
+        case IDNO:
+            return true;
+        default:
+            return false;
+    }
 }
 
 // From the last one to the first; the user may break off at a file that cannot be deleted, and at
 // any time once it takes long.
 void frmControl::DeleteFromDisk(const std::vector<std::wstring>& paths) {
     const Busy busy(*this, L"削除しています");
+    DisableParts();
     const TaskModal others(nullptr);
     frmProgress shown(Handle(), L"ファイルの削除");
     SusieCollection().UnloadFile();  // plug-ins keep archives open
@@ -132,6 +206,7 @@ void frmControl::ForgetDeleted(const std::wstring& path) {
     for (int i = listDelete_.Count() - 1; i >= 0; --i) {
         if (listDelete_.Item(i) != path) continue;
         listDelete_.Remove(i);
+        CountMarks();
         return;
     }
 }

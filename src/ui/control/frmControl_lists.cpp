@@ -1,6 +1,5 @@
 // The control bar's lists: filling them, what a click shows, and stepping.
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 #include "app/base/error.h"
@@ -19,16 +18,11 @@ constexpr size_t kFilesPerBreath = 100;
 constexpr size_t kAlwaysTold = 200;
 constexpr DWORD kBreathMilliseconds = 20;
 
-// How long a load takes before the toolbar goes grey.
+// How long a load of a fast run takes before it is told what is being loaded.
 constexpr UINT kLongLoadMilliseconds = 200;
-
-// How long a search for the next picture goes on silently, and how often there is news then.
-constexpr DWORD kLongSearchMilliseconds = 300;
-constexpr int kFilesPerNews = 20;
 
 // What the user is told of a read that takes long.
 constexpr wchar_t kReading[] = L"読み込んでいます";
-constexpr wchar_t kSearching[] = L"画像を探しています";
 
 constexpr wchar_t kNotArchive[] = L"Not Archive File.";
 
@@ -52,7 +46,6 @@ frmControl::Busy::Busy(frmControl& bar, const wchar_t* what) : bar_(bar), focuse
     ++bar_.busy_;
     if (bar_.inBurst_) return;
     if (!bar_.player_.IsPlaying()) pointer_.emplace();
-    bar_.DisableParts();
 }
 
 frmControl::Busy::~Busy() {
@@ -64,35 +57,39 @@ frmControl::Burst::Burst(frmControl& bar) : bar_(bar), focused_(GetFocus()) {
     files_.emplace(bar.listFileName_);
     members_.emplace(bar.listArchiveFile_);
     bar_.inBurst_ = true;
-    bar_.listFileName_.SetEnabled(false);
-    bar_.listArchiveFile_.SetEnabled(false);
 }
 
 frmControl::Burst::~Burst() {
     bar_.inBurst_ = false;
-    if (bar_.lateInfo_) bar_.TellInfo(*std::exchange(bar_.lateInfo_, {}));
-    if (bar_.lateShown_) bar_.TellShown(*std::exchange(bar_.lateShown_, {}));
+    bar_.TellLate();
     files_.reset();
     members_.reset();
     bar_.ShowFoldedOrNot();  // the bar may have been folded meanwhile
     bar_.EnableParts(focused_);
 }
 
-// The buttons refuse clicks at once, but would blink if they went grey for every short load.
+// The entries change under the user's hands.
 void frmControl::DisableParts() {
-    longLoad_.Start(kLongLoadMilliseconds);
+    listsChange_ = true;
     listFileName_.SetEnabled(false);
     listArchiveFile_.SetEnabled(false);
+    UpdateToolbar();
 }
 
 void frmControl::EnableParts(HWND focused) {
-    longLoad_.Stop();
+    listsChange_ = false;
     if (Handle() == nullptr) return;
     listFileName_.SetEnabled(true);
     listArchiveFile_.SetEnabled(archiveShown_);
     UpdateToolbar();
     // A disabled list lost the focus to the bar; keys are to go on where they were.
     if (GetFocus() == Handle()) FocusPart(focused);
+}
+
+void frmControl::TellLate() {
+    longLoad_.Stop();
+    if (lateInfo_) textFileInfo_.SetText(*std::exchange(lateInfo_, {}));
+    if (lateShown_) window_.SetPanelText(kShownFilePanel, *std::exchange(lateShown_, {}));
 }
 
 void frmControl::TellInfo(const std::wstring& info) {
@@ -109,6 +106,12 @@ void frmControl::TellNotShown(const std::wstring& text) {
     TellShown(text);
 }
 
+void frmControl::TellLoading(const std::wstring& text) {
+    loadingText_ = text;
+    TellNotShown(text);
+    if (inBurst_) longLoad_.Start(kLongLoadMilliseconds);
+}
+
 // In the main window's status bar.
 void frmControl::TellShown(const std::wstring& text) {
     if (inBurst_) {
@@ -122,6 +125,8 @@ void frmControl::TellShown(const std::wstring& text) {
 
 bool frmControl::SetFileList(std::span<const std::wstring> files) {
     if (busy_ > 0 || !Load(window_.Handle())) return false;
+    wishes_.file = wishes_.member = false;
+    shownPath_.clear();
     FillFileList(files);
     EndLoad();
     if (Values().quitRequested) return false;
@@ -138,6 +143,7 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
 
 void frmControl::FillFileList(std::span<const std::wstring> files) {
     const Busy busy(*this, L"リストを更新しています");
+    DisableParts();
     DoEvents();
     listFileName_.Clear();
     std::optional<RedrawHold> hold(std::in_place, listFileName_);
@@ -158,6 +164,18 @@ void frmControl::FillFileList(std::span<const std::wstring> files) {
     hold.reset();
     ShowFoldedOrNot();  // the bar may have been folded meanwhile
     textFileInfo_.SetText({});
+    TellCut(files);
+}
+
+// Once, until the next list.
+void frmControl::TellCut(std::span<const std::wstring> files) {
+    if (window_.statusInformation().PanelText(kNoticePanel) == std::exchange(cutNotice_, {})) {
+        window_.SetPanelText(kNoticePanel, {});
+    }
+    if (files.size() <= kLastFileIndex + 2 || Values().quitRequested) return;
+    cutNotice_ = std::to_wstring(kLastFileIndex + 2) + L" 個を超えたため、後の " +
+                 std::to_wstring(files.size() - kLastFileIndex - 2) + L" 個は一覧に入りません。";
+    window_.SetPanelText(kNoticePanel, cutNotice_);
 }
 
 std::vector<std::wstring> frmControl::FileList() const {
@@ -178,6 +196,7 @@ void frmControl::ClearLists() {
 }
 
 void frmControl::PictureReplaced(const std::wstring& info) {
+    shownPath_.clear();
     if (formLoaded_) TellInfo(info);
 }
 
@@ -205,7 +224,12 @@ void frmControl::ShowNoArchive() {
 
 // A load that is still running goes on: there is never a second one.
 void frmControl::listFileName_Click() {
-    if (busy_ > 0) return;
+    if (IsLoading()) {
+        const int clicked = listFileName_.Selected();
+        wishes_.Click(true, clicked < 0 || listFileName_.Item(clicked) != loadingPath_);
+        return WishIsThere();
+    }
+    if (IsReadUnderWay()) return;
     Values().pictureLoading = true;
     archiveShown_ = false;
     listArchiveFile_.Clear();
@@ -221,12 +245,16 @@ void frmControl::listFileName_Click() {
 void frmControl::ShowVanished(const std::wstring& path) {
     const std::wstring name = FileNameOf(path);
     ShowReasonFor(window_, L"ファイル " + name + kVanished);
+    shownPath_ = path;
+    failure_.clear();
     ShowNoArchive();
     TellNotShown(KindTag(kFileUnknown) + name);
 }
 
 void frmControl::ShowEmptyList() {
     ShowReasonFor(window_, kEmptyList);
+    shownPath_.clear();
+    failure_.clear();
     ShowNoArchive();
     TellNotShown({});
 }
@@ -246,11 +274,15 @@ void frmControl::ShowListedFile(const std::wstring& path) {
     const std::wstring name = FileNameOf(path);
     {
         const Busy busy(*this, kReading);
-        TellNotShown(kTagLoading + name);
+        loadingPath_ = path;
+        TellLoading(kTagLoading + name);
         // Some plug-ins let nothing be painted before they are done.
         if (!inBurst_) UpdateWindow(textFileInfo_.Handle());
         const ShownFile shown = Show(name, [&] { return ShowFile(path, window_, *this); });
+        loadingPath_.clear();
+        loadingText_.clear();
         failure_ = shown.failure;
+        shownPath_ = path;
         if (IsPictureKind(shown.kind)) {
             const std::wstring tail = PictureInfoTail();
             window_.SetPictureSource({name, shown.pluginName});
@@ -260,6 +292,7 @@ void frmControl::ShowListedFile(const std::wstring& path) {
             TellNotShown(TagOf(shown) + name);
         }
         archiveShown_ = shown.kind == kFileArchive && listArchiveFile_.Count() > 0;
+        archivePath_ = path;
     }
     if (!archiveShown_) {
         ShowNoArchive();
@@ -270,14 +303,21 @@ void frmControl::ShowListedFile(const std::wstring& path) {
 }
 
 void frmControl::listArchiveFile_Click() {
-    if (busy_ > 0 || !archiveShown_ || listArchiveFile_.Selected() < 0) return;
+    if (!archiveShown_ || listArchiveFile_.Selected() < 0) return;
+    if (IsLoading()) {
+        // The members are those of the file that is being viewed, whatever was clicked since.
+        if (wishes_.file) listFileName_.MarkSelected(IndexOf(archivePath_));
+        wishes_.Click(false, true);
+        return WishIsThere();
+    }
+    if (IsReadUnderWay()) return;
     Values().pictureLoading = true;
     ShowListedMember();
     EndLoad();
 }
 
 void frmControl::ShowListedMember() {
-    const std::wstring archive = listFileName_.Item(listFileName_.Selected());
+    const std::wstring archive = archivePath_;
     const std::wstring archiveName = FileNameOf(archive);
     const int selected = listArchiveFile_.Selected();
     const int32_t position = listArchiveFile_.ItemData(selected);
@@ -286,8 +326,9 @@ void frmControl::ShowListedMember() {
     ShownFile shown;
     {
         const Busy busy(*this, kReading);
-        TellNotShown(place + kTagLoading + member);
+        TellLoading(place + kTagLoading + member);
         shown = Show(member, [&] { return ShowArchiveMember(archive, position, window_); });
+        loadingText_.clear();
         window_.pictureView().Refresh();
     }
     if (IsPictureKind(shown.kind)) {
@@ -308,61 +349,6 @@ std::wstring frmControl::Failure() const {
 void frmControl::EndLoad() {
     Values().pictureLoading = false;
     window_.CloseIfAsked();
-}
-
-// --- Stepping ---
-
-// The first entry of known kind from `start` on, in steps of 1 or -1; the index behind the end or
-// -1 when there is none; nothing when the user has stopped the search.
-std::optional<int> frmControl::FindKnown(int start, int step) {
-    const Busy busy(*this, kSearching);
-    const int stops = stops_;
-    const std::wstring former = lateInfo_ ? *lateInfo_ : textFileInfo_.Text();
-    const DWORD begin = GetTickCount();
-    const int count = listFileName_.Count();
-    const int total = step > 0 ? count - start : start + 1;
-    std::optional<int> index = start;
-    for (; *index >= 0 && *index < count; *index += step) {
-        if (QueryFileKind(listFileName_.Item(*index)) != kFileUnknown) return index;
-        if (GetTickCount() - begin >= kLongSearchMilliseconds && *index % kFilesPerNews == 0) {
-            TellInfo(std::wstring(kSearching) + L" [ " + std::to_wstring(*index + 1) + L" / " +
-                     std::to_wstring(count) + L" ]");
-        }
-        window_.TellProgress(std::abs(*index - start), total);
-        if (!window_.Breathe() || stops != stops_) {
-            index.reset();
-            break;
-        }
-    }
-    TellInfo(former);
-    return index;
-}
-
-bool frmControl::ListIndexBackOne() {
-    if (busy_ > 0) return false;
-    if (archiveShown_ && listArchiveFile_.Selected() > 0) {
-        listArchiveFile_.Select(listArchiveFile_.Selected() - 1);
-        return true;
-    }
-    if (listFileName_.Selected() < 0) return false;
-    const std::optional<int> found = FindKnown(listFileName_.Selected() - 1, -1);
-    if (found) listFileName_.Select(*found);
-    window_.CloseIfAsked();
-    return found && *found >= 0;
-}
-
-bool frmControl::ListIndexForwardOne() {
-    if (busy_ > 0) return false;
-    if (archiveShown_ && listArchiveFile_.Selected() < listArchiveFile_.Count() - 1) {
-        listArchiveFile_.Select(listArchiveFile_.Selected() + 1);
-        return true;
-    }
-    const int count = listFileName_.Count();
-    if (listFileName_.Selected() >= count - 1) return false;
-    const std::optional<int> found = FindKnown(listFileName_.Selected() + 1, 1);
-    if (found) listFileName_.Select(std::min(*found, count - 1));
-    window_.CloseIfAsked();
-    return found && *found < count;
 }
 
 }  // namespace tessary

@@ -71,7 +71,7 @@ RECT frmControl::Frame() const {
 void frmControl::SavePlace() {
     if (Handle() == nullptr) return;
     RECT bar = Frame();
-    OffsetRect(&bar, 0, risenBy_);
+    OffsetRect(&bar, -movedBy_.x, -movedBy_.y);
     const auto save = [&](const wchar_t* key, const std::wstring& text) {
         Trapped([&] { SaveSetting(kSection, key, text); });
     };
@@ -115,8 +115,8 @@ void frmControl::ShowFoldedOrNot() {
          std::initializer_list<Control*>{&textFileInfo_, &listFileName_, &listArchiveFile_}) {
         control->SetVisible(unfolded);
     }
-    for (Control* const control :
-         std::initializer_list<Control*>{&listDelete_, &cmdOK_, &cmdDelList_, &cmdCancel_}) {
+    for (Control* const control : std::initializer_list<Control*>{
+             &listDelete_, &cmdOK_, &cmdDelList_, &cmdCancel_, &lblMarks_}) {
         control->SetVisible(deletePanelOpen_);
     }
     if (GetFocus() == Handle()) FocusPart(lastFocus_);

@@ -12,7 +12,8 @@
 namespace tessary {
 namespace {
 
-// Whether the button could start a load, or change what is being loaded.
+// Whether the button is of no use while the list is being filled, or the program works at something
+// else than the pictures of the list.
 bool IsOfPlayerGroup(BarButton button) {
     switch (button) {
         case BarButton::kStop:
@@ -35,6 +36,7 @@ bool WaitsForTheEnd(BarButton button) {
 
 void frmControl::CoolBar_ButtonClick(BarButton button) {
     if (!IsUsable(button)) return;
+    if (IsLoading() && BecomesWish(button)) return;
     switch (button) {
         case BarButton::kRewind:
         case BarButton::kReversePlay:
@@ -65,17 +67,46 @@ void frmControl::CoolBar_ButtonClick(BarButton button) {
     }
 }
 
+// Whether the button has to wait for the end of a load.
+bool frmControl::BecomesWish(BarButton button) {
+    switch (button) {
+        case BarButton::kStepBack:
+            WishStep(-1);
+            return true;
+        case BarButton::kStepForward:
+            WishStep(1);
+            return true;
+        case BarButton::kOpen:
+            WishCommand(menuFileOpen);
+            return true;
+        case BarButton::kSave:
+            WishCommand(menuFileSaveAs);
+            return true;
+        case BarButton::kDeleteList:
+            WishMark();
+            return true;
+        default:
+            return false;
+    }
+}
+
 void frmControl::StartMotion(BarButton motion) {
+    wishes_.steps = 0;  // its steps would end the motion
     player_.Start(motion);
     UpdateToolbar();
-    if (motion != BarButton::kRewind || !archiveShown_) return;
+    if (motion != BarButton::kRewind || !archiveShown_ || IsLoading()) return;
     if (listArchiveFile_.Selected() > 0) listArchiveFile_.Select(listArchiveFile_.Selected() - 1);
 }
 
 // A picture that is there in a moment is shown, when only the motion was to stop.
 void frmControl::StopMotion() {
     ++stops_;
+    wishes_.ForgetMoves();
     if (!player_.IsPlaying() || window_.IsReadingLong()) window_.StopReading();
+    EndMotion();
+}
+
+void frmControl::EndMotion() {
     player_.Stop();
     UpdateToolbar();
 }
@@ -83,7 +114,7 @@ void frmControl::StopMotion() {
 void frmControl::Step(BarButton button) {
     player_.HaltTimer();
     button == BarButton::kStepBack ? ListIndexBackOne() : ListIndexForwardOne();
-    Press(BarButton::kStop);
+    EndMotion();
 }
 
 // Nothing moves while another window, a dialog or a message, has the program's attention, nor while
@@ -131,7 +162,8 @@ void frmControl::CoolBar_ButtonDropDown(BarButton button, const RECT& place) {
 }
 
 bool frmControl::IsUsable(BarButton button) const {
-    if ((inBurst_ || IsReadUnderWay()) && IsOfPlayerGroup(button)) return false;
+    if ((listsChange_ || (IsReadUnderWay() && !IsLoading())) && IsOfPlayerGroup(button))
+        return false;
     if (player_.IsPlaying() && WaitsForTheEnd(button)) return false;
     switch (button) {
         case BarButton::kOpen:

@@ -20,7 +20,10 @@ bool CommandTable::IsEnabled(int id) const {
 }
 
 bool CommandTable::Run(int id) const {
-    if (!IsEnabled(id)) return false;
+    if (!IsEnabled(id)) {
+        if (IsReadUnderWay() && IsRegistered(id) && tooEarly_) tooEarly_(id);
+        return false;
+    }
     // A copy: the command may register others.
     const std::function<void()> run = commands_.at(id).run;
     run();

@@ -40,12 +40,16 @@ class CommandTable {
     // Runs the item's command; false when it has none or must not run now.
     bool Run(int id) const;
 
+    // Told of a command that was to be run and must not while something is being read.
+    void OnTooEarly(std::function<void(int id)> handler) { tooEarly_ = std::move(handler); }
+
     // Greys, enables and checks all items of a menu and its submenus, with their keys behind them.
     void ShowState(HMENU menu) const;
 
   private:
     MenuKeys keys_;
     std::map<int, Command> commands_;
+    std::function<void(int id)> tooEarly_;
 };
 
 }  // namespace tessary

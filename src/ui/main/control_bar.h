@@ -56,11 +56,21 @@ class ControlBar : public FileListReceiver {
     // Does what a click on the button does.
     virtual void Press(BarButton button) = 0;
 
+    // Whether a slide show or another motion runs.
+    virtual bool IsPlaying() const = 0;
+
+    // Runs a command of the main window at the end of what is being loaded, unless the user wants
+    // something else by then.
+    virtual void WishCommand(int command) = 0;
+
     virtual bool IsVisible() const = 0;
     virtual void SetVisible(bool visible) = 0;
 
     // Makes the window the active one, with the keyboard there. Nothing while it is not visible.
     virtual void TakeFocus(BarFocus focus) = 0;
+
+    // Asked before the program ends; may ask the user. False: it goes on.
+    virtual bool MayClose() = 0;
 
     // Saves position and fold state; nothing when the window is not loaded.
     virtual void SavePlace() = 0;

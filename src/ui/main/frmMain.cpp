@@ -50,8 +50,12 @@ void frmMain::SetControlBar(ControlBar& controlBar) {
         // Stopping and folding load nothing.
         const bool harmless = button == BarButton::kStop || button == BarButton::kFold;
         commands_.Register(item++, {.run = [&controlBar, button] { controlBar.Press(button); },
-                                    .whileLoading = harmless});
+                                    .enabled = [this, harmless] { return harmless || MayPress(); },
+                                    .whileLoading = true});
     }
+    commands_.OnTooEarly([this, &controlBar](int id) {
+        if (IsReading()) controlBar.WishCommand(id);
+    });
 }
 
 void frmMain::RegisterCommands() {
@@ -192,7 +196,11 @@ void frmMain::EndSession() {
 }
 
 void frmMain::Form_QueryUnload(bool& cancel) {
-    if (!IsReadUnderWay()) return;
+    if (!IsReadUnderWay()) {
+        Values().quitRequested = false;  // the user is asked anew, and may stay
+        cancel = controlBar_ != nullptr && !controlBar_->MayClose();
+        return;
+    }
     cancel = true;
     if (!refusesToClose_ || !refusesToClose_()) Values().quitRequested = true;
 }

@@ -102,6 +102,8 @@ class frmMain final : public Form, public PictureView {
 
     // Asks what is being read to stop; nothing when there is no Reading.
     void StopReading();
+    // Whether there is a Reading. What the user asks for meanwhile waits for its end.
+    bool IsReading() const { return reading_.depth > 0; }
     // Whether the Reading has taken so long that the user is told about it.
     bool IsReadingLong() const;
 
@@ -119,6 +121,9 @@ class frmMain final : public Form, public PictureView {
     // Tells in a message box why the one file could not be shown that the user has opened by hand;
     // nothing for an empty text.
     void TellFailure(const std::wstring& failure) const;
+
+    // Shows a short text upon the picture for a moment.
+    void ShowNote(const std::wstring& note) { pictureView_.ShowNote(note); }
 
     // What is in the view now, or nothing, comes from no file of the control bar's: empties its
     // place in the status bar and tells the bar.
@@ -183,6 +188,7 @@ class frmMain final : public Form, public PictureView {
     void ScreenChanged();
     void FitToScreen();
     void pictureView_Wheel(int notches, int shift);
+    bool MayPress() const;
     void Step(BarButton button);
 
     // --- Long reads (frmMain_reading.cpp) ---

@@ -14,12 +14,14 @@ void frmMain::RegisterFullScreenCommands() {
     commands_.Register(commandEscape, {.run = [this] { Escape(); }, .whileLoading = true});
 }
 
-// One thing at a time, the nearest one first.
+// One thing at a time, the nearest one first; with the full screen a show ends too.
 void frmMain::Escape() {
+    const bool playing = controlBar_ != nullptr && controlBar_->IsPlaying();
+    if (playing || (IsReadUnderWay() && !fullScreen_.IsOn())) commands_.Run(menuControl_2);
     if (fullScreen_.IsOn()) {
         SetFullScreen(false);
-    } else {
-        commands_.Run(IsReadUnderWay() ? menuControl_2 : commandCancelDelete);
+    } else if (!playing && !IsReadUnderWay()) {
+        commands_.Run(commandCancelDelete);
     }
 }
 
@@ -81,9 +83,13 @@ void frmMain::RegisterStepCommands() {
         {.run = [this] { Step(BarButton::kStepBack); }, .enabled = hasFiles, .whileLoading = true});
 }
 
+// While the control bar's pictures are read it takes note of what is pressed.
+bool frmMain::MayPress() const {
+    return (!IsReadUnderWay() || IsReading()) && !Values().quitRequested;
+}
+
 void frmMain::Step(BarButton button) {
-    if (controlBar_ == nullptr || IsReadUnderWay() || Values().quitRequested) return;
-    controlBar_->Press(button);
+    if (controlBar_ != nullptr && MayPress()) controlBar_->Press(button);
 }
 
 }  // namespace tessary

@@ -16,6 +16,7 @@
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
 #include "tests/support/temporary_folder.h"
+#include "ui/control/panel_place.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/screen.h"
 
@@ -71,6 +72,7 @@ class ControlBarTest : public testing::Test {
         return text;
     }
     std::wstring Info() const { return bar_.textFileInfo().Text(); }
+    std::wstring Notice() const { return window_.statusInformation().PanelText(kNoticePanel); }
     int Selected() const { return bar_.listFileName().Selected(); }
     // A user's click on an entry of a list.
     static void Click(const ListBox& list, int index) {
@@ -79,10 +81,10 @@ class ControlBarTest : public testing::Test {
                      reinterpret_cast<LPARAM>(list.Handle()));
     }
     // Handles messages until the condition holds; false when it does not within ten seconds.
-    static bool RunUntil(const std::function<bool()>& condition) {
+    static bool RunUntil(const std::function<bool()>& condition, DWORD milliseconds = 10000) {
         const DWORD start = GetTickCount();
         while (!condition()) {
-            if (GetTickCount() - start > 10000) return false;
+            if (GetTickCount() - start > milliseconds) return false;
             MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
             DoEvents();
         }
@@ -104,6 +106,41 @@ class ControlBarTest : public testing::Test {
 class FileListTest : public ControlBarTest {};
 class StepTest : public ControlBarTest {};
 class PlayerTest : public ControlBarTest {};
+
+// What is asked for while a picture is being loaded.
+class WishTest : public ControlBarTest {
+  protected:
+    void SetUp() override {
+        ControlBarTest::SetUp();
+        for (int i = 0; i < 8; ++i) {
+            const std::wstring name = std::to_wstring(i) + (i == 1 ? L".tst" : L".bmp");
+            files_.push_back(i == 1 ? folder_.Write(name, "TST 8x50x24\nprogress:9\n")
+                                    : Bitmap(name, 10 + i));
+        }
+        bar_.SetFileList(files_);
+    }
+    // Loads file 1 and does what was posted in the middle of that.
+    void LoadSlowly() {
+        Sleep(25);  // so long a load keeps the messages waiting
+        Click(bar_.listFileName(), 1);
+    }
+    void PostKey(WPARAM key, LPARAM repeat = 0) const {
+        PostMessageW(window_.pictureView().Handle(), WM_KEYDOWN, key, repeat);
+    }
+    void PostClick(int index) const {
+        const HWND list = bar_.listFileName().Handle();
+        PostMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(index), 0);
+        PostMessageW(bar_.Handle(), WM_COMMAND, MAKEWPARAM(0, LBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(list));
+    }
+    bool Shows(int index) {
+        return RunUntil([&] {
+            return Selected() == index && Info().starts_with(L"[画像] " + std::to_wstring(index));
+        });
+    }
+
+    List files_;
+};
 class DeleteListTest : public ControlBarTest {};
 class FoldTest : public ControlBarTest {};
 
@@ -160,6 +197,10 @@ TEST_F(FileListTest, TakesTheEntriesUpToTheLimitAndLeavesOutEmptyOnes) {
     // The list was filled although nothing can be shown; what vanished leaves the flag.
     EXPECT_TRUE(bar_.SetFileList(files));
     EXPECT_EQ(bar_.listFileName().Count(), 32001);
+    EXPECT_EQ(Notice(), L"32002 個を超えたため、後の 98 個は一覧に入りません。");
+    bar_.SetFileList(List{Bitmap(L"1.bmp")});
+    EXPECT_EQ(Notice(), L"");
+    bar_.SetFileList(files);
     EXPECT_TRUE(Values().pictureLoading);
     // The window can be closed nevertheless.
     const HWND main = window_.Handle();
@@ -249,6 +290,67 @@ TEST_F(StepTest, LeavesOutUnknownFilesAndTreatsTheEndsDifferently) {
     EXPECT_FALSE(bar_.ListIndexBackOne());
     EXPECT_TRUE(bar_.ListIndexForwardOne());
     EXPECT_EQ(Selected(), 1);
+}
+
+TEST_F(WishTest, StepsAddUpAndALaterClickWins) {
+    for (int i = 0; i < 4; ++i)
+        PostKey(VK_RETURN);
+    LoadSlowly();
+    EXPECT_EQ(Info(), L"[画像] 1.tst ( 8×50 24bit )");
+    EXPECT_TRUE(Shows(5));
+    for (int i = 0; i < 4; ++i)
+        PostKey(VK_RETURN, LPARAM{KF_REPEAT} << 16);  // held down
+    LoadSlowly();
+    EXPECT_TRUE(Shows(2));
+    PostKey(VK_RETURN);
+    PostClick(5);
+    PostKey(VK_RETURN);
+    LoadSlowly();
+    EXPECT_TRUE(Shows(6));
+    // Beyond the ends there is nothing to skip to.
+    for (int i = 0; i < 9; ++i)
+        PostKey(VK_RETURN);
+    LoadSlowly();
+    EXPECT_TRUE(Shows(7));
+    // Stop takes everything back.
+    PostKey(VK_RETURN);
+    PostMessageW(window_.Handle(), WM_COMMAND, menuControl_2, 0);
+    LoadSlowly();
+    DoEvents();
+    EXPECT_FALSE(RunUntil([&] { return Selected() != 1; }, 100));
+}
+
+TEST_F(WishTest, MotionAndCommandsWaitToo) {
+    bar_.Press(BarButton::kFastForward);
+    PostKey(VK_RETURN);  // stops the run behind the step
+    Sleep(25);
+    Values().general.slideShowTime = 0;
+    EXPECT_TRUE(RunUntil([&] { return bar_.PlayMode() == BarButton::kStop; }));
+    EXPECT_LT(Selected(), 7);
+    PostMessageW(window_.Handle(), WM_COMMAND, menuEditClear, 0);
+    LoadSlowly();
+    EXPECT_TRUE(window_.PictureShown());
+    EXPECT_TRUE(RunUntil([&] { return !window_.PictureShown(); }));
+    EXPECT_EQ(Info() + Panel(), L"");  // nothing of the file that is gone from the view
+    PostMessageW(window_.Handle(), WM_COMMAND, menuControl_3, 0);  // 再生
+    LoadSlowly();
+    EXPECT_TRUE(Shows(7));
+}
+
+// Not the file that comes up next, which the user has not seen yet.
+TEST_F(WishTest, DeleteTakesWhatIsSeen) {
+    bar_.SetVisible(false);
+    for (int i = 0; i < 2; ++i)
+        PostMessageW(window_.Handle(), WM_COMMAND, commandAddToDeleteList, 0);
+    LoadSlowly();
+    EXPECT_TRUE(RunUntil([&] { return bar_.listDelete().Count() > 0; }));
+    EXPECT_EQ(Items(bar_.listDelete()), List{files_[0]});
+    EXPECT_EQ(Selected(), 0);  // which is the slow one now
+    EXPECT_EQ(window_.pictureView().Note(), L"削除リストに追加しました（1 個）: 0.bmp");
+    bar_.PictureReplaced(L"pasted");
+    EXPECT_EQ(Info(), L"pasted");
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(bar_.listDelete().Count(), 1);
 }
 
 TEST_F(PlayerTest, PlaysToTheEndAndStops) {
@@ -420,6 +522,68 @@ TEST_F(KeyTest, GoOnAfterADeletion) {
     EXPECT_EQ(GetFocus(), bar_.listFileName().Handle());
     Press(VK_RETURN);
     EXPECT_EQ(Selected(), 1);
+}
+
+TEST_F(DeleteListTest, NothingIsDroppedUnasked) {
+    const List files{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp")};
+    bar_.SetFileList(files);
+    bar_.Press(BarButton::kDeleteList);
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_NE(FindWindowExW(bar_.Handle(), nullptr, L"STATIC", L"2 個のファイル"), nullptr);
+    int answer = IDNO;
+    int asked = 0;
+    SetMessageBoxResponder([&](const std::wstring& text, unsigned, const std::wstring&) {
+        ++asked;
+        EXPECT_NE(text.find(L" 2 個"), std::wstring::npos) << text;
+        return answer;
+    });
+    const HWND main = window_.Handle();
+    const auto escape = [&] { SendMessageW(main, WM_COMMAND, commandEscape, 0); };
+    escape();
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(bar_.listDelete().Count(), 2);
+    // A show is nearer to the user.
+    Values().general.slideShowTime = 10000;
+    bar_.Press(BarButton::kPlay);
+    escape();
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
+    EXPECT_EQ(asked, 1);
+    answer = IDCANCEL;
+    SendMessageW(main, WM_CLOSE, 0, 0);
+    EXPECT_EQ(asked, 2);
+    EXPECT_TRUE(IsWindow(main));
+    EXPECT_FALSE(Values().quitRequested);
+    answer = IDYES;
+    escape();
+    EXPECT_EQ(Items(bar_.listFileName()), (List{files[2], files[0], files[1]}));
+    bar_.Press(BarButton::kDeleteList);
+    bar_.Press(BarButton::kDeleteList);
+    SendMessageW(main, WM_CLOSE, 0, 0);
+    EXPECT_FALSE(IsWindow(main));
+    EXPECT_FALSE(std::filesystem::exists(files[2]));
+    EXPECT_TRUE(std::filesystem::exists(files[1]));
+}
+
+TEST(PanelPlaceTest, KeepsToolbarWorkAreaAndTitle) {
+    const RECT work{0, 0, 1000, 700};
+    const RECT title{200, 300, 800, 350};
+    struct Case {
+        POINT bar, frame;
+        bool above;
+    };
+    for (const Case& c : {Case{{10, 10}, {10, 10}, false},         // there is room below
+                          Case{{200, 160}, {200, 20}, true},       // the title is below
+                          Case{{200, 560}, {200, 420}, true},      // the screen ends below
+                          Case{{200, 80}, {200, 30}, false},       // no room above either
+                          Case{{900, 560}, {520, 430}, false},     // beyond the right edge
+                          Case{{250, 320}, {250, 350}, false}}) {  // upon the title
+        const RECT bar{c.bar.x, c.bar.y, c.bar.x + 480, c.bar.y + 130};
+        const PanelPlace place = PlacePanel(bar, 270, 140, work, title);
+        EXPECT_EQ(place.frame.left, c.frame.x) << c.bar.x << " " << c.bar.y;
+        EXPECT_EQ(place.frame.top, c.frame.y) << c.bar.x << " " << c.bar.y;
+        EXPECT_EQ(place.frame.bottom - place.frame.top, 270);
+        EXPECT_EQ(place.above, c.above) << c.bar.x << " " << c.bar.y;
+    }
 }
 
 TEST_F(FoldTest, FoldingDuringAFastRunLeavesNoListBehind) {

@@ -28,6 +28,8 @@ using Texts = std::vector<std::wstring>;
 class TakingBar final : public ControlBar {
   public:
     std::wstring Failure() const override { return {}; }
+    bool IsPlaying() const override { return false; }
+    void WishCommand(int) override {}
     void PictureReplaced(const std::wstring&) override {}
     bool SetFileList(std::span<const std::wstring> files) override {
         lists.emplace_back(files.begin(), files.end());
@@ -41,6 +43,7 @@ class TakingBar final : public ControlBar {
     bool IsVisible() const override { return visible; }
     void SetVisible(bool show) override { visible = show; }
     void TakeFocus(BarFocus) override {}
+    bool MayClose() override { return true; }
     void SavePlace() override {}
     void Unload() override {}
 

@@ -89,6 +89,13 @@ TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
     Values().readsUnderWay = 1;
     Choose(commandEscape);
     EXPECT_EQ(controlBar_.pressed, std::vector<int>{4});
+    Values().readsUnderWay = 0;
+    controlBar_.playing = true;
+    Choose(commandFullScreen);
+    Choose(commandEscape);  // ends both
+    EXPECT_FALSE(IsFull());
+    EXPECT_EQ(controlBar_.pressed.size(), 2u);
+    EXPECT_EQ(cancelled, 1);
 }
 
 bool shownInMenu = false;

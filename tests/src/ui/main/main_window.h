@@ -25,6 +25,8 @@ class RecordingControlBar final : public ControlBar {
         return !files.empty();
     }
     std::wstring Failure() const override { return failure; }
+    bool IsPlaying() const override { return playing; }
+    void WishCommand(int command) override { wishes.push_back(command); }
     void PictureReplaced(const std::wstring& text) override { info = text; }
     void ClearLists() override { ++clears; }
     std::vector<std::wstring> FileList() const override { return files; }
@@ -39,10 +41,14 @@ class RecordingControlBar final : public ControlBar {
     std::vector<std::wstring> files;
     std::vector<int> pressed;
     std::wstring failure;
+    bool playing = false;
+    std::vector<int> wishes;
     std::wstring info = L"a file";
     std::vector<BarFocus> focuses;
     bool visible = false;
+    bool MayClose() override { return mayClose; }
     void SavePlace() override {}
+    bool mayClose = true;
     int unloads = 0;
     int clears = 0;
 };
