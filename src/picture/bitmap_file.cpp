@@ -59,7 +59,7 @@ BitmapCheck IsBITMAPFile(const std::wstring& path, std::wstring& failure) {
         }
         uint8_t head[kHeadSize];
         DWORD read = 0;
-        if (!ReadFile(file.Get(), head, sizeof(head), &read, nullptr) || read == 0) {
+        if (!ReadFile(file.Get(), head, sizeof(head), &read, nullptr)) {
             failure = UnreadableText(path, L" の読み取りエラーです。", L"ファイルが壊れているか");
             return BitmapCheck::kUnreadable;
         }

@@ -14,7 +14,7 @@ using ReadProgress = std::function<bool(int done, int total)>;
 enum class BitmapCheck { kNo, kYes, kUnreadable };
 
 // Whether the file's first bytes mark it as a Windows or OS/2 bitmap. For a file that cannot be
-// opened, or has nothing to read, `failure` receives the message that names it.
+// opened or read `failure` receives the message that names it.
 BitmapCheck IsBITMAPFile(const std::wstring& path, std::wstring& failure);
 
 // Reads a bitmap file through convertdib.dll. On success the pair is handed out: the caller owns

@@ -97,6 +97,12 @@ class CollectionSusie {
     std::wstring NameOf(const std::wstring& path) const;
 
     // --- Use ---
+    //
+    // Members are asked in this order: the one that accepted last, unless others name the file in
+    // their patterns and it does not; those whose patterns match the name or the content's format,
+    // in trial order; with TryAll the one that accepted last and then all in trial order. So the
+    // files of one kind in a row cost one question each, and who accepts anything takes nothing
+    // away from those who know the format.
 
     // The index of the first member, from `startIndex` on, that accepts the file; it is then bound
     // to it. 0 when none does.
@@ -150,6 +156,7 @@ class CollectionSusie {
         std::wstring upperName;                        // file name without folder
         std::function<std::wstring()> contentPattern;  // pattern of the content's format; slow
         std::function<bool(clsSusie&)> accepts;        // false or an exception: the member refuses
+        bool isEmpty = false;  // no content shows who can read it: only who claims it is asked
     };
 
     // What QueryFile has found out.

@@ -86,7 +86,9 @@ bool CollectionSusie::Holds(const Query& query, const std::wstring& path) const 
 
 int32_t CollectionSusie::FirstSupporting(const std::wstring& path, int32_t startIndex,
                                          std::set<int32_t>& asked) {
-    if (PluginCallUnderWay() || !StampOf(path)) return 0;
+    if (PluginCallUnderWay()) return 0;
+    const std::optional<FileStamp> stamp = StampOf(path);
+    if (!stamp) return 0;
     if (asked.empty()) refusal_.reset();
     std::optional<std::wstring> pattern;  // asked for once, and only if it matters
     return FirstAccepting({.upperName = ToUpper(FileNameOf(path)),
@@ -104,7 +106,8 @@ int32_t CollectionSusie::FirstSupporting(const std::wstring& path, int32_t start
                                        throw;
                                    }
                                    return true;
-                               }},
+                               },
+                           .isEmpty = stamp->size == 0},
                           startIndex, asked);
 }
 
@@ -144,7 +147,8 @@ int32_t CollectionSusie::FirstSupporting(HLOCAL memory, const std::wstring& file
                                    }
                                    member.SetMemoryHandle(memory, fileName);
                                    return true;
-                               }},
+                               },
+                           .isEmpty = false},
                           startIndex, asked);
 }
 
@@ -183,9 +187,20 @@ clsSusie* CollectionSusie::ListedArchive(const std::wstring& path) {
 int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex,
                                         std::set<int32_t>& asked) {
     const int32_t start = std::max(startIndex, 1);
+    const bool tryAll = tryAll_ && !search.isEmpty;
     const auto claims = [&](int32_t index) {
         const clsSusie& member = *members_[static_cast<size_t>(index) - 1];
         return member.Claims(search.upperName) || member.Claims(search.contentPattern());
+    };
+    const auto names = [&](int32_t index) {
+        const clsSusie& member = *members_[static_cast<size_t>(index) - 1];
+        return member.Names(search.upperName) || member.Names(search.contentPattern());
+    };
+    const auto isNamed = [&] {
+        for (int32_t i = start; i <= Count(); ++i) {
+            if (names(i)) return true;
+        }
+        return false;
     };
     // Nobody is asked twice about the same file.
     const auto offer = [&](int32_t index) {
@@ -197,11 +212,13 @@ int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex
     };
 
     const int32_t hint = lastSuccess_;
-    if (hint >= start && hint <= Count() && (tryAll_ || claims(hint)) && offer(hint)) return hint;
+    const bool isHint = hint >= start && hint <= Count() && (tryAll || claims(hint));
+    if (isHint && (names(hint) || !isNamed()) && offer(hint)) return hint;
     for (int32_t i = start; i <= Count(); ++i) {
         if (claims(i) && offer(i)) return i;
     }
-    if (!tryAll_) return 0;
+    if (!tryAll) return 0;
+    if (isHint && offer(hint)) return hint;
     for (int32_t i = start; i <= Count(); ++i) {
         if (offer(i)) return i;
     }

@@ -52,6 +52,8 @@ class clsSusie {
     std::wstring FileType(int32_t index) const;
     // Whether one of the patterns matches a file name without folder, in upper case.
     bool Claims(std::wstring_view upperName) const;
+    // The same for patterns that do not match every file.
+    bool Names(std::wstring_view upperName) const;
 
     // Frees the plug-in file after every operation when nothing is bound.
     bool AutoUnload() const { return autoUnload_; }

@@ -118,6 +118,10 @@ bool clsSusie::Claims(std::wstring_view upperName) const {
     return !upperName.empty() && MatchesAnyPattern(upperName, patterns_);
 }
 
+bool clsSusie::Names(std::wstring_view upperName) const {
+    return !upperName.empty() && MatchesNamingPattern(upperName, patterns_);
+}
+
 int32_t clsSusie::ShowConfigurationDialog(HWND parent) {
     return Member(L"ShowConfigurationDialog(", [&] {
         RequireModule();

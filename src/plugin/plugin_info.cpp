@@ -74,4 +74,11 @@ bool MatchesAnyPattern(std::wstring_view upperName, const FilePatterns& patterns
     });
 }
 
+bool MatchesNamingPattern(std::wstring_view upperName, const FilePatterns& patterns) {
+    return std::any_of(patterns.begin(), patterns.end(), [&](const std::wstring& pattern) {
+        return pattern.find_first_not_of(L"*.") != std::wstring::npos &&
+               MatchesWildcard(upperName, pattern);
+    });
+}
+
 }  // namespace tessary

@@ -26,4 +26,7 @@ std::wstring ReadProductName(SusieCalls& calls);
 // Whether a pattern matches the name, which must be in upper case; `*.*` matches every name.
 bool MatchesAnyPattern(std::wstring_view upperName, const FilePatterns& patterns);
 
+// The same without the patterns that match every name, `*.*` and `*`.
+bool MatchesNamingPattern(std::wstring_view upperName, const FilePatterns& patterns);
+
 }  // namespace tessary

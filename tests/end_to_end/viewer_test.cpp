@@ -88,11 +88,8 @@ TEST_F(ViewerTest, DamagedFileIsToldAndTheProgramGoesOn) {
     // The message box has the same caption as the window, and comes first.
     HWND box = nullptr;
     ASSERT_TRUE(WaitUntil([&] { return (box = FindWindowW(L"#32770", kCaption)) != nullptr; }));
-    EXPECT_EQ(
-        RunningViewer::TextOf(GetDlgItem(box, 0xFFFF)),
-        L"ファイル " + empty +
-            L" の読み取りエラーです。\r\nファイルが壊れているか、ほかのアプリケーションで使用中の"
-            L"可能性があります。");
+    EXPECT_EQ(RunningViewer::TextOf(GetDlgItem(box, 0xFFFF)),
+              L"ファイル " + empty + L" を表示できません。\r\nファイルが空です。");
     PostMessageW(box, WM_COMMAND, IDOK, 0);
     ASSERT_TRUE(WaitUntil([&] { return !IsWindow(box); }));
     const HWND main = viewer.WindowOfCaption(kCaption);

@@ -13,6 +13,13 @@ PictureSize SizeOf(const std::string& content) {
     return ParseSize(content.substr(4));
 }
 
+// An empty source may stand for a picture.
+std::string ReadPictureSource(const char* source, LONG_PTR length, uint32_t flag) {
+    std::string content = ReadSource(source, length, flag);
+    const auto size = PluginScript().Text("empty-is");
+    return content.empty() && size ? "TST " + *size + '\n' : content;
+}
+
 int Describe(const Script& script, const std::string& content, uint32_t flag,
              susie::PictureInfo* info) {
     if (IsSourceRefused(script, flag)) return susie::kNotImplemented;
@@ -67,7 +74,7 @@ using namespace tessary::test;
 
 extern "C" int __stdcall GetPictureInfo(const char* source, LONG_PTR length, uint32_t flag,
                                         susie::PictureInfo* info) {
-    const std::string content = ReadSource(source, length, flag);
+    const std::string content = ReadPictureSource(source, length, flag);
     return Run({"GetPictureInfo", __builtin_dwarf_cfa(), 4, content},
                [&](const Script& script) { return Describe(script, content, flag, info); });
 }
@@ -75,7 +82,7 @@ extern "C" int __stdcall GetPictureInfo(const char* source, LONG_PTR length, uin
 extern "C" int __stdcall GetPicture(const char* source, LONG_PTR length, uint32_t flag,
                                     HLOCAL* info, HLOCAL* bits, susie::ProgressCallback progress,
                                     LONG_PTR userData) {
-    const std::string content = ReadSource(source, length, flag);
+    const std::string content = ReadPictureSource(source, length, flag);
     return Run({"GetPicture", __builtin_dwarf_cfa(), 7, content}, [&](const Script& script) {
         return Decode(script, content, flag, info, bits, progress, userData);
     });
@@ -84,7 +91,7 @@ extern "C" int __stdcall GetPicture(const char* source, LONG_PTR length, uint32_
 extern "C" int __stdcall GetPreview(const char* source, LONG_PTR length, uint32_t flag,
                                     HLOCAL* info, HLOCAL* bits, susie::ProgressCallback progress,
                                     LONG_PTR userData) {
-    const std::string content = ReadSource(source, length, flag);
+    const std::string content = ReadPictureSource(source, length, flag);
     return Run({"GetPreview", __builtin_dwarf_cfa(), 7, content}, [&](const Script& script) {
         return Decode(script, content, flag, info, bits, progress, userData);
     });

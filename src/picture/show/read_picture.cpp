@@ -15,6 +15,7 @@ namespace {
 
 constexpr wchar_t kBrokenBitmapText[] =
     L"ビットマップファイルが壊れているか、対応していない形式です。";
+constexpr wchar_t kEmptyFileText[] = L"ファイルが空です。";
 constexpr wchar_t kNoArchiveText[] =
     L"圧縮ファイルが変更されたか、読み取れなくなっています。開き直してください。";
 
@@ -126,10 +127,19 @@ ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
     return {file, {}, {}};
 }
 
+bool IsEmptyFile(const std::wstring& path) {
+    const std::optional<FileStamp> stamp = StampOf(path);
+    return stamp && stamp->size == 0;
+}
+
+// Plug-ins may define what an empty file is. When none makes a picture of it, that is the reason.
 ReadResult DecodeFile(const std::wstring& path, ReadWatch& watch) {
     CollectionSusie& plugins = SusieCollection();
     const auto next = [&](std::set<int32_t>& asked) { return plugins.FileSupported(path, asked); };
     ReadResult result = OfferToPlugins({SubjectOf(path), next, true}, watch);
+    if (result.file.kind == kFileUnknown && !result.file.stopped && IsEmptyFile(path)) {
+        result.file.failure = FailureText(SubjectOf(path), kEmptyFileText);
+    }
     // Nothing stays bound to a picture: its file may change on disk, and its plug-in may be freed.
     // An archive stays bound, for its members.
     if (result.file.kind != kFileArchive) plugins.UnloadFile();

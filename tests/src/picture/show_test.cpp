@@ -136,6 +136,23 @@ TEST_F(ShowTest, BitmapNeedsNoPlugin) {
     EXPECT_EQ(header.width, 20);
 }
 
+TEST_F(ShowTest, EmptyFilesAreCalledEmptyUnlessAPluginKnowsThem) {
+    UsePlugins({{L"1.spi", "by-name\ninfo:2:*.tst\nempty-is:30x20x24\n"},
+                {L"2.spi", "accept-all\ninfo:2:*.abc\n"},
+                {L"3.spi", "answer:IsSupported:0\n"}});
+    EXPECT_EQ(QueryFileKind(files_.Write(L"a.tst")), kFilePicture);
+    EXPECT_EQ(Show(files_.Path() + L"a.tst").kind, kFilePicture);
+    EXPECT_EQ(Show(files_.Write(L"b.tst", "TST 3x2x24\n")).kind, kFilePicture);
+    EXPECT_EQ(Calls(L"2.spi", "IsSupported"), 0);
+    // Nobody guesses: there is nothing to guess by. Nor does one that fails with it tell more.
+    for (const wchar_t* const name : {L"a.xyz", L"a.abc", L"a.bmp"}) {
+        const std::wstring file = files_.Write(name);
+        EXPECT_EQ(Show(file, OnFailure::kStaySilent).failure,
+                  L"ファイル " + file + L" を表示できません。\r\nファイルが空です。");
+    }
+    EXPECT_EQ(Calls(L"2.spi", "IsSupported"), 1);
+}
+
 TEST_F(ShowTest, ResizedPictureHasThePixelsOfItsSource) {
     const std::wstring file = files_.Write(L"a.bmp", test::BitmapFileOf(50, 30, RGB(10, 120, 250)));
     PicturePair pair;

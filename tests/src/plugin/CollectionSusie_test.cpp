@@ -106,6 +106,31 @@ TEST_F(CollectionTest, SearchGoesByHintThenPatternThenEverybody) {
     EXPECT_EQ(collection_.FileSupported(folder_.Path() + L"gone.tst"), 0);
 }
 
+TEST_F(CollectionTest, WhoTakesAnythingTakesNothingFromThoseWhoKnowIt) {
+    Add(L"4.spi", "info:2:*.*\naccept-all\n");
+    Add(L"3.spi", "info:2:*.abc\n");
+    Add(L"2.spi", "info:2:*.jpg\naccept-all\n");
+    Add(L"1.spi", "info:2:*.xyz\naccept-all\n");
+    const auto find = [&](const wchar_t* name, std::string_view content) {
+        return collection_.FileSupported(folder_.Write(name, content));
+    };
+    EXPECT_EQ(find(L"a.xyz", "text"), 1);
+    EXPECT_EQ(find(L"a.abc", "TST 1x1x24\n"), 3) << "the hint says 1 to everything";
+    EXPECT_EQ(find(L"a.dat", "text"), 4);
+    EXPECT_EQ(find(L"b.abc", "TST 1x1x24\n"), 3) << "the hint claims every name";
+    EXPECT_EQ(find(L"b.dat", "\xFF\xD8\xFF\xE0"), 2) << "by its content";
+    for (int i = 0; i < 9; ++i)
+        EXPECT_EQ(find(L"c.jpg", "text"), 2);
+    EXPECT_EQ(Asked(L"2.spi"), 10) << "files of one kind cost one question each";
+    EXPECT_EQ(Asked(L"1.spi"), 1);
+    // Those whose names mislead do, too.
+    collection_.Remove(4);
+    EXPECT_EQ(find(L"c.jpg", "text"), 2);
+    EXPECT_EQ(find(L"c.abc", "text"), 2);
+    collection_.ForgetSuccess();
+    EXPECT_EQ(find(L"d.abc", "text"), 1);
+}
+
 TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
     Add(L"a.spi");
     const std::wstring file = folder_.Write(L"a.tst", "TST 2x3x24\n");
