@@ -4,6 +4,7 @@
 
 #include "helpers/susiectl/entry.h"
 #include "helpers/susiectl/guard.h"
+#include "helpers/susiectl/heap_check.h"
 #include "helpers/susiectl/input_file.h"
 #include "helpers/susiectl/leftover_windows.h"
 #include "helpers/susiectl/progress.h"
@@ -54,7 +55,9 @@ int CallAndReturn(LentBlock& block, FARPROC function, std::initializer_list<ULON
 // Every entry: a plug-in that lacks the function is told from one that fails.
 template <typename Work>
 int Enter(FARPROC function, const Work& work) {
-    return function ? WithoutExceptions<int>(susie::kOutOfMemory, work) : kNotExported;
+    if (!function) return kNotExported;
+    const WayBack wayBack;
+    return WithoutExceptions<int>(susie::kOutOfMemory, work);
 }
 
 // The block that IsSupported is shown of a file; empty when the file cannot be opened. The file is
@@ -162,4 +165,8 @@ SUSIECTL_ENTRY int __stdcall GetLastCondition(FARPROC function, wchar_t* text, i
         LentBlock lent(text, static_cast<size_t>(std::max(length, 0)) * sizeof *text);
         return CallAndReturn(lent, function, {lent.Address(), Word(length)});
     });
+}
+
+SUSIECTL_ENTRY int __stdcall SPIIsMemoryDamaged() {
+    return AreHeapsDamaged();
 }

@@ -6,30 +6,67 @@
 
 #include "helpers/susiectl/call_state.h"
 #include "helpers/susiectl/guard_machine.h"
-#include "helpers/susiectl/left_heap.h"
+#include "helpers/susiectl/heap_check.h"
 
 namespace tessary::susiectl {
+namespace {
+
+// One entry of the thread's running calls.
+class Frame {
+  public:
+    Frame(FARPROC function, std::initializer_list<ULONG_PTR> arguments) : guard_(PushGuard()) {
+        guard_.function = function;
+        std::ranges::copy(arguments, guard_.arguments.begin());
+#ifndef _WIN64
+        guard_.argumentCount = arguments.size();
+#endif
+    }
+    ~Frame() {
+        PopGuard(guard_);
+    }
+    Frame(const Frame&) = delete;
+    Frame& operator=(const Frame&) = delete;
+
+    GuardContext* operator->() {
+        return &guard_;
+    }
+
+    void Invoke() {
+        guard_.stage = GuardStage::kInside;
+        TessaryInvoke(&guard_);
+        guard_.stage = GuardStage::kAfter;
+        guard_.hostState.Restore();
+        if (guard_.stackExhausted) _resetstkoflw();
+    }
+    std::optional<INT_PTR> Answer() const {
+        return guard_.crashed ? std::nullopt : std::optional(guard_.value);
+    }
+
+  private:
+    GuardContext& guard_;
+};
+
+}  // namespace
 
 std::optional<INT_PTR> GuardedCall(FARPROC function, std::initializer_list<ULONG_PTR> arguments,
                                    Net net, HostProgress progress) {
+    PrepareHeapCheck();
+    Frame frame(function, arguments);
     const CallState state;
-    GuardContext& guard = PushGuard();
-    guard.function = function;
-    std::ranges::copy(arguments, guard.arguments.begin());
-#ifndef _WIN64
-    guard.argumentCount = arguments.size();
-#endif
-    guard.netSpread = net == Net::kSpread;
-    guard.progress = progress;
+    frame->netSpread = net == Net::kSpread;
+    frame->progress = progress;
+    frame.Invoke();
+    if (frame->crashed) {
+        SetRecovering(true);
+        CheckHeaps();
+    }
+    return frame.Answer();
+}
 
-    TessaryInvoke(&guard);
-
-    guard.hostState.Restore();
-    if (guard.stackExhausted) _resetstkoflw();
-    if (guard.crashed) UnlockLeftHeap();
-    const auto answer = guard.crashed ? std::nullopt : std::optional(guard.value);
-    PopGuard(guard);
-    return answer;
+std::optional<INT_PTR> BareCall(FARPROC function, std::initializer_list<ULONG_PTR> arguments) {
+    Frame frame(function, arguments);
+    frame.Invoke();
+    return frame.Answer();
 }
 
 }  // namespace tessary::susiectl

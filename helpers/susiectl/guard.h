@@ -25,6 +25,10 @@ enum class Net { kSpread, kNone };
 std::optional<INT_PTR> GuardedCall(FARPROC function, std::initializer_list<ULONG_PTR> arguments,
                                    Net net = Net::kSpread, HostProgress progress = {});
 
+// The same and no more: nothing but the processor's state is put back, the heaps are not looked
+// at, and nothing is allocated but at the thread's first call.
+std::optional<INT_PTR> BareCall(FARPROC function, std::initializer_list<ULONG_PTR> arguments);
+
 // A function to call.
 template <typename Function>
 FARPROC AddressOf(Function* function) {

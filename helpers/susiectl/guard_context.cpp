@@ -1,20 +1,25 @@
 #include "helpers/susiectl/guard_context.h"
 
-#include <algorithm>
-#include <deque>
-#include <memory>
+#include <new>
 
 namespace tessary::susiectl {
 namespace {
 
-using GuardStack = std::deque<GuardContext>;  // its elements never move
+// In a page of its own, between two that nobody can touch: what a plug-in overruns is the heap.
+struct GuardStack {
+    size_t depth = 0;
+    bool isRecovering = false;
+    std::array<GuardContext, 20> guards;  // calls nest when the host is told of progress
+};
+constexpr size_t kPageSize = 4096;
+static_assert(sizeof(GuardStack) <= kPageSize);
 
 // A slot of the system's rather than thread_local: it is read inside exception handlers, where
 // nothing may be allocated, and it is emptied for every thread when the library goes.
 DWORD slot = FLS_OUT_OF_INDEXES;
 
 void CALLBACK DeleteGuardStack(void* stack) {
-    std::unique_ptr<GuardStack>(static_cast<GuardStack*>(stack)).reset();
+    VirtualFree(static_cast<std::byte*>(stack) - kPageSize, 0, MEM_RELEASE);
 }
 
 GuardStack* ThisThreadsStack() {
@@ -22,12 +27,18 @@ GuardStack* ThisThreadsStack() {
 }
 
 GuardStack& MakeThisThreadsStack() {
-    auto stack = std::make_unique<GuardStack>();
-    if (!FlsSetValue(slot, stack.get())) throw std::bad_alloc();
+    auto* const pages =
+        static_cast<std::byte*>(VirtualAlloc(nullptr, 3 * kPageSize, MEM_RESERVE, PAGE_NOACCESS));
+    void* const page =
+        pages ? VirtualAlloc(pages + kPageSize, kPageSize, MEM_COMMIT, PAGE_READWRITE) : nullptr;
+    if (!page || !FlsSetValue(slot, page)) {
+        if (pages) VirtualFree(pages, 0, MEM_RELEASE);
+        throw std::bad_alloc();
+    }
     // Room for the called code's own handlers, and ours, to run in after a stack overflow.
     ULONG room = 64 * 1024;
     SetThreadStackGuarantee(&room);
-    return *stack.release();
+    return *::new (page) GuardStack;
 }
 
 }  // namespace
@@ -43,26 +54,36 @@ void CloseGuardStacks() {
 }
 
 GuardContext& PushGuard() {
-    GuardStack* stack = ThisThreadsStack();
-    return (stack ? *stack : MakeThisThreadsStack()).emplace_back();
+    GuardStack* const known = ThisThreadsStack();
+    GuardStack& stack = known ? *known : MakeThisThreadsStack();
+    if (stack.depth == stack.guards.size()) throw std::bad_alloc();
+    return stack.guards[stack.depth++] = {};
 }
 
 void PopGuard(const GuardContext& guard) {
-    GuardStack* stack = ThisThreadsStack();
-    const auto found = std::ranges::find(*stack, &guard, [](GuardContext& each) { return &each; });
-    stack->erase(found, stack->end());
+    GuardStack& stack = *ThisThreadsStack();
+    stack.depth = static_cast<size_t>(&guard - stack.guards.data());
 }
 
 GuardContext* InnermostGuard() {
     GuardStack* stack = ThisThreadsStack();
-    return stack && !stack->empty() ? &stack->back() : nullptr;
+    return stack && stack->depth > 0 ? &stack->guards[stack->depth - 1] : nullptr;
 }
 
 GuardContext* GuardOfFrame(const void* frame) {
     GuardStack* stack = ThisThreadsStack();
-    if (!stack) return nullptr;
-    const auto found = std::ranges::find(*stack, frame, &GuardContext::frame);
-    return found == stack->end() ? nullptr : &*found;
+    for (size_t i = 0; stack && i < stack->depth; ++i)
+        if (stack->guards[i].frame == frame) return &stack->guards[i];
+    return nullptr;
+}
+
+bool IsRecovering() {
+    const GuardStack* stack = ThisThreadsStack();
+    return stack && stack->isRecovering;
+}
+
+void SetRecovering(bool isRecovering) {
+    if (GuardStack* stack = ThisThreadsStack()) stack->isRecovering = isRecovering;
 }
 
 }  // namespace tessary::susiectl

@@ -22,6 +22,9 @@ struct HostProgress {
     LONG_PTR userData = 0;
 };
 
+// Where a guarded call is.
+enum class GuardStage { kBefore, kInside, kAfter };
+
 struct GuardContext {
     FARPROC function = nullptr;
     std::array<ULONG_PTR, kMaxArguments> arguments{};
@@ -37,6 +40,7 @@ struct GuardContext {
     bool unwinding = false;    // the called code's clean-up is under way
 #endif
     bool netSpread = true;  // the safety net may end the call, see Net
+    GuardStage stage = GuardStage::kBefore;
     bool crashed = false;
     bool stackExhausted = false;  // its guard page has been used up
     HostProgress progress;
@@ -65,7 +69,7 @@ static_assert(offsetof(GuardContext, argumentCount) == GUARD_ARGUMENT_COUNT);
 bool OpenGuardStacks();
 void CloseGuardStacks();
 
-// A new innermost call; throws std::bad_alloc.
+// A new innermost call; throws std::bad_alloc, also where they are nested too deep.
 GuardContext& PushGuard();
 
 // Ends `guard` and every call that was begun inside it and has not ended by itself.
@@ -73,6 +77,19 @@ void PopGuard(const GuardContext& guard);
 
 // Null when no guarded call runs in this thread.
 GuardContext* InnermostGuard();
+
+// Whether this thread is on its way back to the host from a call that has crashed, as it was told
+// last.
+bool IsRecovering();
+void SetRecovering(bool isRecovering);
+
+// For every entry that makes guarded calls: at its end the host is reached.
+struct WayBack {
+    WayBack() = default;
+    ~WayBack() { SetRecovering(false); }
+    WayBack(const WayBack&) = delete;
+    WayBack& operator=(const WayBack&) = delete;
+};
 
 // The running call whose registration is `frame`; null when there is none.
 GuardContext* GuardOfFrame(const void* frame);

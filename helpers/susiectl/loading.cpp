@@ -13,6 +13,7 @@ namespace {
 // The crash of a DllMain is the system's to contain: only it knows how to take the DLL back. The
 // guard is for the state that the DLL leaves behind, and for what the system lets through.
 HMODULE Load(const std::wstring& path) {
+    const WayBack wayBack;
     const std::wstring full = FullPath(path);
     if (!IsLoadableDll(InputFile(full))) return nullptr;
     const LibrarySearchScope search;
@@ -23,6 +24,7 @@ HMODULE Load(const std::wstring& path) {
 }
 
 int Free(HMODULE module) {
+    const WayBack wayBack;
     if (!module || RunsThreads(module) || !LetGoOfWindows(module)) return FALSE;
     const auto freed = GuardedCall(AddressOf(FreeLibrary), {Word(module)}, Net::kNone);
     return static_cast<int>(freed.value_or(FALSE));

@@ -5,6 +5,7 @@
 #include "helpers/susiectl/exception_chain.h"
 #include "helpers/susiectl/exception_codes.h"
 #include "helpers/susiectl/guard_machine.h"
+#include "helpers/susiectl/process_end.h"
 
 namespace tessary::susiectl {
 
@@ -52,11 +53,20 @@ bool CatchFalling(GuardContext& guard, CONTEXT& context) {
     return true;
 }
 
+bool IsBackFromCrash(const GuardContext* guard) {
+    return (guard && guard->stage == GuardStage::kAfter) ||
+           (IsRecovering() && !(guard && guard->stage == GuardStage::kInside));
+}
+
 // Called for every exception of every thread, before the handlers on the chain.
 LONG CALLBACK HandleFirst(EXCEPTION_POINTERS* pointers) {
     const DWORD lastError = GetLastError();  // the code that raised may ask for it
     const DWORD code = pointers->ExceptionRecord->ExceptionCode;
     GuardContext* guard = InnermostGuard();
+    // Back from a crash there is nobody left who could take another one: what it means is that the
+    // plug-in has ruined what we depend on.
+    if (!IsMessageToDebugger(code) && IsBackFromCrash(guard)) EndProcess();
+    if (guard && guard->stage != GuardStage::kInside) guard = nullptr;
     // Whoever takes it, few put the stack in order again.
     if (guard && code == EXCEPTION_STACK_OVERFLOW) guard->stackExhausted = true;
     const bool caught = guard && guard->netSpread && !IsMessageToDebugger(code) &&

@@ -11,7 +11,8 @@
 // What an exception in the calling thread says is contained, with two limits: a plug-in may
 // overwrite 64 KB of the stack above its own, and its DllMain none. What asks the system to end the
 // process (ExitProcess, abort, TerminateProcess, a compiler's fail-fast checks), crashes in threads
-// of the plug-in's own and damage to the heap that shows later are not.
+// of the plug-in's own and damage to the heap that shows later are not. An exception on the way
+// back from a crash ends the process at once, with the status of a damaged heap (0xC0000374).
 #pragma once
 
 #include "helpers/susiectl/susie_interface.h"
@@ -44,6 +45,10 @@ using SPIFreeLibraryFunction = int(__stdcall*)(HMODULE module);
 // Non-zero while freeing a plug-in would take something away: it shows windows of its own in the
 // calling thread, as settings windows that stay when the call returns, or runs threads.
 using SPIIsInUseFunction = int(__stdcall*)(HMODULE module);
+
+// Non-zero once a crash has left a heap of the process damaged, or was one of the heap's own
+// functions: whoever allocates next may crash as well. It stays so.
+using SPIIsMemoryDamagedFunction = int(__stdcall*)();
 
 // A plug-in that writes behind the buffer does not destroy what is there.
 using GetPluginInfoEntry = int(__stdcall*)(FARPROC function, int infoNumber, char* buffer,
@@ -83,6 +88,7 @@ inline constexpr char kSPILoadLibrary[] = "SPILoadLibrary";
 inline constexpr char kSPILoadLibraryW[] = "SPILoadLibraryW";
 inline constexpr char kSPIFreeLibrary[] = "SPIFreeLibrary";
 inline constexpr char kSPIIsInUse[] = "SPIIsInUse";
+inline constexpr char kSPIIsMemoryDamaged[] = "SPIIsMemoryDamaged";
 inline constexpr char kGetPluginInfo[] = "GetPluginInfo";
 inline constexpr char kIsSupported[] = "IsSupported";
 inline constexpr char kGetPictureInfo[] = "GetPictureInfo";

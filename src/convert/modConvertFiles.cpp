@@ -66,6 +66,7 @@ bool ConvertRun::Run() {
         const ULONGLONG start = GetTickCount64();
         report_ = {.source = Entry().source, .member = Entry().member};
         isReported_ = false;
+        const bool pluginsWereStopped = PluginsAreStopped();
         Step([&](StepResult&) {
             log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
             log_.WriteConvertLog(L"ファイル名", Entry().path, 2);
@@ -74,6 +75,9 @@ bool ConvertRun::Run() {
         report_.milliseconds = static_cast<uint32_t>(GetTickCount64() - start);
         Trapped([&] { TellReport(); });
         goesOn = Trapped(true, [&] {
+            if (PluginsAreStopped() && !pluginsWereStopped) {
+                log_.WriteConvertLog(L"[警告]", kPluginsStoppedText, 2);
+            }
             log_.WriteConvertLog(L"*** 変換処理終了 ***", {}, 0);
             log_.WriteSeparator();
             return monitor_.SetProgressBar(current_, list_.UpperBound(), 0, 100);
@@ -161,6 +165,8 @@ StepResult ConvertRun::ConvertByKind(const WorkEntry& entry) {
 void ConvertRun::ReportUnknown(const std::wstring& path) {
     if (IsNoPicture(path)) {
         Report(FileOutcome::kDeclined, FileReason::kNoPicture);
+    } else if (PluginsAreStopped()) {
+        Report(FileOutcome::kFailed, FileReason::kPluginFailed, kPluginsStoppedText);
     } else {
         Report(FileOutcome::kFailed, ReasonUnknown(path));
     }

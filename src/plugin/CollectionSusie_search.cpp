@@ -186,6 +186,7 @@ clsSusie* CollectionSusie::ListedArchive(const std::wstring& path) {
 
 int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex,
                                         std::set<int32_t>& asked) {
+    if (PluginsAreStopped()) return 0;
     const int32_t start = std::max(startIndex, 1);
     const bool tryAll = tryAll_ && !search.isEmpty;
     const auto claims = [&](int32_t index) {

@@ -67,7 +67,7 @@ CollectionSusie& SusieCollection() {
 }
 
 bool LoadSPI(const LoadingProgress& progress) {
-    if (PluginCallUnderWay()) return false;
+    if (PluginCallUnderWay() || PluginsAreStopped()) return false;
     return Trapped(false, [&] {
         GeneralSettings& settings = Values().general;
         CollectionSusie& collection = SusieCollection();

@@ -15,7 +15,8 @@ using LoadingProgress = std::function<bool(const std::wstring& path, int32_t don
 // Fills the collection anew from the folders that the settings name. A load switch is turned off
 // when there is no plug-in after its folder was scanned to its end, and on otherwise; one that was
 // turned off here is looked at again the next time. It stays as it is while its folder is away.
-// False after an unexpected error, and while a plug-in is being called: then nothing is changed.
+// False after an unexpected error, and, with nothing changed, while a plug-in is being called or
+// PluginsAreStopped.
 bool LoadSPI(const LoadingProgress& progress = {});
 
 // Releases the collection with all plug-in libraries; to be called before the process ends. While a

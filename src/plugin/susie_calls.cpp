@@ -78,10 +78,15 @@ SusieSource MemberOf(const SusieSource& archive) {
     return archive.flag == susie::kSourceFile ? archive : SusieSource{};
 }
 
+void FreeLeft(HLOCAL& handle) {
+    if (!PluginsAreStopped()) FreeLeftHandle(handle);
+    handle = nullptr;
+}
+
 void FreeLeftPicture(PicturePair& picture) {
     if (picture.bits == picture.info) picture.bits = nullptr;
-    FreeLeftHandle(picture.info);
-    FreeLeftHandle(picture.bits);
+    FreeLeft(picture.info);
+    FreeLeft(picture.bits);
 }
 
 const SusieLibrary& Library() {
@@ -98,6 +103,11 @@ bool PluginCallUnderWay() {
 
 bool HasPluginCrashed() {
     return HasCrashed();
+}
+
+bool PluginsAreStopped() {
+    const SusieLibrary* const library = FindSusieLibrary();
+    return library != nullptr && library->isMemoryDamaged() != 0;
 }
 
 // Keeps the call log for the time of a call.
@@ -121,6 +131,10 @@ template <typename Call>
 int32_t SusieCalls::Guarded(const SusieCallNames& names, Call&& call) {
     return Trapped(kResultUnexpected, [&] {
         int32_t result = kResultUnexpected;
+        if (PluginsAreStopped()) {
+            SetError(kPluginsStoppedText, names.errorFunction);
+            return kResultStopped;
+        }
         Logged(names, [&](const SusieLibrary& library) { result = call(library); });
         return Mapped(result, names);
     });
@@ -192,6 +206,7 @@ void SusieCalls::SetError(std::wstring_view message, std::wstring_view function)
 }
 
 HMODULE SusieCalls::Load() {
+    if (PluginsAreStopped()) return nullptr;
     return Trapped(HMODULE{}, [&] {
         HMODULE module = nullptr;
         Logged(kLoadLibrary, [&](const SusieLibrary& library) {
@@ -202,6 +217,7 @@ HMODULE SusieCalls::Load() {
 }
 
 void SusieCalls::Free(HMODULE module) {
+    if (PluginsAreStopped()) return;
     Trapped([&] {
         Logged(kFreeLibrary, [&](const SusieLibrary& library) { library.freeLibrary(module); });
     });
@@ -234,6 +250,7 @@ void SusieCalls::ClearAddresses() {
 }
 
 int32_t SusieCalls::GetPluginInfo(int32_t infoNumber, char* buffer, int32_t length) {
+    if (PluginsAreStopped()) return -1;
     try {
         const CallScope scope;
         return Mapped(Library().getPluginInfo(Address(SusieFunction::kGetPluginInfo), infoNumber,
@@ -265,7 +282,7 @@ int32_t SusieCalls::GetPictureInfo(const SusieSource& source, susie::PictureInfo
                                           source.length, source.flag, &info);
         });
     });
-    if (result != susie::kSuccess) FreeLeftHandle(info.hInfo);
+    if (result != susie::kSuccess) FreeLeft(info.hInfo);
     return result;
 }
 
@@ -308,7 +325,7 @@ int32_t SusieCalls::GetArchiveInfo(const SusieSource& archive, HLOCAL& members) 
     });
     const bool isAnswered =
         result == susie::kSuccess || (result != kResultCrashed && IsLeftBlock(members));
-    if (!isAnswered) FreeLeftHandle(members);
+    if (!isAnswered) FreeLeft(members);
     return result;
 }
 
@@ -357,7 +374,7 @@ int32_t SusieCalls::GetFileToMemory(const SusieCallNames& names, const SusieSour
                                    archive.flag | susie::kDestinationMemory, progress, 0);
         });
     });
-    if (result != susie::kSuccess) FreeLeftHandle(member);
+    if (result != susie::kSuccess) FreeLeft(member);
     return result;
 }
 

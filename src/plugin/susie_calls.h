@@ -49,9 +49,18 @@ bool PluginCallUnderWay();
 // Whether a plug-in has crashed since the program began.
 bool HasPluginCrashed();
 
+// Whether a plug-in's crash has damaged the program's memory, or may have. No plug-in is called any
+// more then, loaded or freed: whatever it allocated might crash, and be blamed for it. It stays so
+// until the program is started anew, which kPluginsStoppedText tells the user.
+bool PluginsAreStopped();
+inline constexpr wchar_t kPluginsStoppedText[] =
+    L"プラグインの異常でメモリーが壊れた可能性があるため、プラグインを停止しました。"
+    L"プログラムを起動し直してください。";
+
 // Results of a call beside the plug-in's own (susie::Result and others).
 constexpr int32_t kResultUnexpected = 20;   // an error of ours around the call
 constexpr int32_t kResultNotExported = 21;  // the plug-in does not have the function
+constexpr int32_t kResultStopped = 22;      // the plug-in was not called: PluginsAreStopped
 constexpr int32_t kResultCrashed = 255;     // the plug-in crashed and was caught
 
 // Under what names a call is logged and its failures are kept.

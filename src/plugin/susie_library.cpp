@@ -16,6 +16,7 @@ bool FindAll(SusieLibrary& library) {
     return Find(susiectl::kSPILoadLibraryW, library.loadLibrary) &&
            Find(susiectl::kSPIFreeLibrary, library.freeLibrary) &&
            Find(susiectl::kSPIIsInUse, library.isInUse) &&
+           Find(susiectl::kSPIIsMemoryDamaged, library.isMemoryDamaged) &&
            Find(susiectl::kGetPluginInfo, library.getPluginInfo) &&
            Find(susiectl::kIsSupported, library.isSupported) &&
            Find(susiectl::kGetPictureInfo, library.getPictureInfo) &&

@@ -9,6 +9,7 @@ struct SusieLibrary {
     susiectl::SPILoadLibraryWFunction loadLibrary;
     susiectl::SPIFreeLibraryFunction freeLibrary;
     susiectl::SPIIsInUseFunction isInUse;
+    susiectl::SPIIsMemoryDamagedFunction isMemoryDamaged;
     susiectl::GetPluginInfoEntry getPluginInfo;
     susiectl::IsSupportedEntry isSupported;
     susiectl::GetPictureInfoEntry getPictureInfo;

@@ -123,6 +123,26 @@ void HandleWith(decltype(&Handle) handler, const std::string& kind) {
     SetChain(frame.outer);
 }
 
+// As an overrun of a block does.
+void DamageHeap() {
+    const HANDLE heap = HeapCreate(0, 0, 0);
+    auto* const block = static_cast<char*>(HeapAlloc(heap, 0, 40));
+    HeapAlloc(heap, 0, 40);
+    std::memset(block + 40, 'A', 64);
+}
+
+// Whoever allocates next crashes: overruns a block of each heap as far as it goes.
+void RuinHeaps() {
+    HANDLE heaps[64];
+    const DWORD count = GetProcessHeaps(std::size(heaps), heaps);
+    for (DWORD i = 0; i < count && i < std::size(heaps); ++i) {
+        auto* const block = static_cast<char*>(HeapAlloc(heaps[i], 0, 4000));
+        MEMORY_BASIC_INFORMATION region{};
+        if (!block || !VirtualQuery(block, &region, sizeof region)) continue;
+        std::memset(block, 'A', static_cast<char*>(region.BaseAddress) + region.RegionSize - block);
+    }
+}
+
 constexpr size_t kJumpSize = 5;
 constexpr uint16_t kUnmaskedControlWord = 0x0360;
 constexpr uint32_t kUnmaskedMxcsr = 0x0100;
@@ -160,6 +180,10 @@ void Crash(const std::string& kind) {
         Raise(0x406D1388, 0, {0x1000, reinterpret_cast<ULONG_PTR>(text), ~0UL, 0});
     if (kind == "debug-print")
         Raise(0x40010006, 0, {sizeof text, reinterpret_cast<ULONG_PTR>(text)});
+    if (kind == "heap-damage" || kind == "heap-ruin") {
+        kind == "heap-ruin" ? RuinHeaps() : DamageHeap();
+        Crash("av");
+    }
     if (kind == "exit") ExitProcess(3);
     if (kind == "abort") std::abort();
     if (kind == "terminate") TerminateProcess(GetCurrentProcess(), 3);

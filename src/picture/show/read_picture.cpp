@@ -127,6 +127,16 @@ ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
     return {file, {}, {}};
 }
 
+// Says so, for as long as it holds: with what is not shown, and in the status bar.
+void TellStoppedPlugins(PictureView& view, ReadResult& result) {
+    if (!PluginsAreStopped()) return;
+    view.SetPanelText(kNoticePanel, kPluginsStoppedText);
+    if (result.file.kind != kFileUnknown || result.file.stopped) return;
+    std::wstring& failure = result.file.failure;
+    failure = failure.empty() ? FailureText(result.subject, kPluginsStoppedText)
+                              : failure + L"\r\n" + kPluginsStoppedText;
+}
+
 bool IsEmptyFile(const std::wstring& path) {
     const std::optional<FileStamp> stamp = StampOf(path);
     return stamp && stamp->size == 0;
@@ -245,6 +255,7 @@ std::wstring FailureText(const std::wstring& subject, const std::wstring& reason
 ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
     ReadResult result = ReadFileAt(path, view);
     result.subject = SubjectOf(path);
+    TellStoppedPlugins(view, result);
     return result;
 }
 
@@ -252,6 +263,7 @@ ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, 
     std::wstring subject = SubjectOf(archivePath);
     ReadResult result = ReadMember(archivePath, position, view, subject);
     result.subject = std::move(subject);
+    TellStoppedPlugins(view, result);
     return result;
 }
 

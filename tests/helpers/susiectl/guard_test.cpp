@@ -45,6 +45,7 @@ TEST_F(GuardTest, EveryKindOfCrashIsAnswered255) {
     for (const std::string kind : kCrashKinds) {
         EXPECT_EQ(plugin_.DecodeWith("crash:" + kind + ":GetPicture"), kCrashed) << kind;
         EXPECT_EQ(plugin_.DecodeWith(""), susie::kSuccess) << "after " << kind;
+        EXPECT_EQ(Susiectl().isMemoryDamaged(), 0) << kind;
     }
 }
 

@@ -12,6 +12,7 @@ SusiectlLibrary Load() {
             Find<SPILoadLibraryFunction>(module, kSPILoadLibrary),
             Find<SPILoadLibraryWFunction>(module, kSPILoadLibraryW),
             Find<SPIFreeLibraryFunction>(module, kSPIFreeLibrary),
+            Find<SPIIsMemoryDamagedFunction>(module, kSPIIsMemoryDamaged),
             Find<GetPluginInfoEntry>(module, kGetPluginInfo),
             Find<IsSupportedEntry>(module, kIsSupported),
             Find<GetPictureInfoEntry>(module, kGetPictureInfo),

@@ -25,6 +25,7 @@ struct SusiectlLibrary {
     susiectl::SPILoadLibraryFunction loadLibrary;
     susiectl::SPILoadLibraryWFunction loadLibraryW;
     susiectl::SPIFreeLibraryFunction freeLibrary;
+    susiectl::SPIIsMemoryDamagedFunction isMemoryDamaged;
     susiectl::GetPluginInfoEntry getPluginInfo;
     susiectl::IsSupportedEntry isSupported;
     susiectl::GetPictureInfoEntry getPictureInfo;

@@ -147,7 +147,7 @@ TEST_F(ShowTest, EmptyFilesAreCalledEmptyUnlessAPluginKnowsThem) {
     // Nobody guesses: there is nothing to guess by. Nor does one that fails with it tell more.
     for (const wchar_t* const name : {L"a.xyz", L"a.abc", L"a.bmp"}) {
         const std::wstring file = files_.Write(name);
-        EXPECT_EQ(Show(file, OnFailure::kStaySilent).failure,
+        EXPECT_EQ(Show(file).failure,
                   L"ファイル " + file + L" を表示できません。\r\nファイルが空です。");
     }
     EXPECT_EQ(Calls(L"2.spi", "IsSupported"), 1);

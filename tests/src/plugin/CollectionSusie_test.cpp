@@ -120,7 +120,7 @@ TEST_F(CollectionTest, WhoTakesAnythingTakesNothingFromThoseWhoKnowIt) {
     EXPECT_EQ(find(L"b.abc", "TST 1x1x24\n"), 3) << "the hint claims every name";
     EXPECT_EQ(find(L"b.dat", "\xFF\xD8\xFF\xE0"), 2) << "by its content";
     for (int i = 0; i < 9; ++i)
-        EXPECT_EQ(find(L"c.jpg", "text"), 2);
+        EXPECT_EQ(find((std::to_wstring(i) + L".jpg").c_str(), "text"), 2);
     EXPECT_EQ(Asked(L"2.spi"), 10) << "files of one kind cost one question each";
     EXPECT_EQ(Asked(L"1.spi"), 1);
     // Those whose names mislead do, too.
@@ -460,7 +460,7 @@ TEST(PluginCollectionChild, DISABLED_StaysEmptyWithoutSusiectl) {
 }
 
 TEST_F(CollectionTest, StaysEmptyWithoutSusiectl) {
-    EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_StaysEmptyWithoutSusiectl"), 0);
+    EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_StaysEmptyWithoutSusiectl"), 0U);
 }
 
 }  // namespace

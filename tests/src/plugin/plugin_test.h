@@ -79,14 +79,24 @@ class PluginTest : public testing::Test {
     }
 
     // Runs one test of this program as a process of its own, on the same settings, and answers its
-    // exit status. The test finds `file` in the environment as TESSARY_TEST_FILE.
-    intptr_t RunAsChild(const std::wstring& test, const std::wstring& file = {}) const {
+    // exit status; STILL_ACTIVE when it does not end. The test finds `file` in the environment as
+    // TESSARY_TEST_FILE.
+    DWORD RunAsChild(const std::wstring& test, const std::wstring& file = {}) const {
         _wputenv_s(L"TESSARY_SETTINGS_KEY", store_.KeyPath().c_str());
         _wputenv_s(L"TESSARY_TEST_FILE", file.c_str());
         wchar_t program[MAX_PATH];
         GetModuleFileNameW(nullptr, program, MAX_PATH);
-        return _wspawnl(_P_WAIT, program, L"plugin_test", L"--gtest_also_run_disabled_tests",
-                        (L"--gtest_filter=" + test).c_str(), nullptr);
+        const auto child = reinterpret_cast<HANDLE>(
+            _wspawnl(_P_NOWAIT, program, L"plugin_test", L"--gtest_also_run_disabled_tests",
+                     (L"--gtest_filter=" + test).c_str(), nullptr));
+        constexpr DWORD kLongest = 60'000;
+        DWORD status = STILL_ACTIVE;
+        if (WaitForSingleObject(child, kLongest) == WAIT_OBJECT_0)
+            GetExitCodeProcess(child, &status);
+        else
+            TerminateProcess(child, 1);
+        CloseHandle(child);
+        return status;
     }
 
     RedirectedSettings store_;

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "app/base/quit.h"
+#include "plugin/modSusie.h"
 #include "tests/src/plugin/plugin_test.h"
 
 namespace tessary {
@@ -110,6 +111,51 @@ TEST(PluginCallChild, DISABLED_DiesInsideACall) {
     plugin.SetFile(file);
     PicturePair picture;
     plugin.DecodePicture(DecodeTarget::kMemory, 0, {}, {}, &picture);
+}
+
+TEST(PluginCallChild, DISABLED_CallsNobodyAfterDamage) {
+    test::LoadHelper(L"susiectl.dll");
+    const std::wstring file = _wgetenv(L"TESSARY_TEST_FILE");
+    clsSusie plugin;
+    plugin.SetDllName(FolderOf(file) + L"iftst.spi");
+    plugin.SetFile(file);
+    const auto decode = [&] {
+        PicturePair picture;
+        plugin.DecodePicture(DecodeTarget::kMemory, 0, {}, {}, &picture);
+    };
+    EXPECT_FALSE(PluginsAreStopped());
+    EXPECT_EQ(test::Raised(decode), kErrorDecodingFailed);
+    EXPECT_TRUE(PluginsAreStopped());
+    EXPECT_EQ(test::Raised(decode), kErrorPluginsStopped);
+    EXPECT_EQ(plugin.ErrorString(), kPluginsStoppedText);
+    EXPECT_EQ(plugin.ErrorCount({}), 1);
+    EXPECT_FALSE(LoadSPI());
+    CollectionSusie others;
+    others.AddSPI(FolderOf(file) + L"minimal.spi");
+    EXPECT_EQ(others.FileSupported(file), 0);
+    EXPECT_NE(test::Raised([&] { plugin.SetDllName(FolderOf(file) + L"minimal.spi"); }), 0U);
+}
+
+TEST_F(SusieCallsTest, NobodyIsCalledAfterACrashThatDamagesTheMemory) {
+    const std::wstring plugin = Plugin(L"iftst.spi");
+    Plugin(L"minimal.spi");
+    for (const char* crash :
+         {"crash:heap-damage:GetPicture\n", "early:heap-lock:GetPicture\ncrash:av:GetPicture\n"}) {
+        ForgetFailures(plugin);
+        const std::wstring file = folder_.Write(L"damage.tst", std::string("TST 2x2x24\n") + crash);
+        EXPECT_EQ(RunAsChild(L"PluginCallChild.DISABLED_CallsNobodyAfterDamage", file), 0U)
+            << crash;
+    }
+}
+
+// The way back from the crash needs the very memory that the plug-in has ruined.
+TEST_F(SusieCallsTest, ACrashThatCannotBeContainedEndsTheRunAndIsCounted) {
+    const std::wstring plugin = Plugin(L"iftst.spi");
+    const std::wstring file =
+        folder_.Write(L"ruin.tst", "TST 2x2x24\ncrash:heap-ruin:GetPicture\n");
+    EXPECT_EQ(RunAsChild(L"PluginCallChild.DISABLED_DiesInsideACall", file), 0xC0000374);
+    EXPECT_EQ(RecoverInterruptedCalls().at(0).plugin, plugin);
+    EXPECT_EQ(ReadErrorCount(plugin, L"GetPicture"), 1);
 }
 
 TEST_F(SusieCallsTest, TheNextRunCountsTheCallThatEndedTheLast) {

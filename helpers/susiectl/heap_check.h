@@ -1,0 +1,23 @@
+// The heaps of the process after a crash.
+//
+// A function that crashes inside a heap leaves it locked: its thread may go on, but all others
+// would wait for ever. And the crash of one that has written where it must not is often the first
+// sign of a heap that is damaged.
+#pragma once
+
+namespace tessary::susiectl {
+
+// Makes ready what CheckHeaps needs, for then nothing can be allocated any more. Without it no heap
+// is checked.
+void PrepareHeapCheck();
+
+// To be called by the thread in which the function has crashed. Has another thread look at all
+// heaps, gives back the locks that the function has left, and allocates nothing. Takes a moment, or
+// seconds where a lock was left. Ends the process when a heap has become a maze that nobody comes
+// out of.
+void CheckHeaps();
+
+// Whether a check has found a heap damaged, or locked by what has crashed in it.
+bool AreHeapsDamaged();
+
+}  // namespace tessary::susiectl
