@@ -87,6 +87,11 @@ void frmControl::CreateControls() {
         label.Create(Handle(), text);
         label.SetVisible(false);
     };
+    const auto makeList = [&](ListBox& list, Label& label, const wchar_t* text) {
+        name(label, text);
+        list.Create(Handle(), ListBox::Fit::kPath);
+        list.SetText(text);  // some systems know a list's name from there
+    };
     coolBar_.Create(Handle(), ControlBarItems(), ControlBarImages());
     coolBar_.SetText(L"操作ボタン");
     coolBar_.OnButton([this](int button) { CoolBar_ButtonClick(static_cast<BarButton>(button)); });
@@ -98,17 +103,14 @@ void frmControl::CreateControls() {
     textFileInfo_.Create(Handle(), TextBox::Mode::kReadOnly);
 
     const auto keys = [this](int keyCode, int shift) { return PassKeyOn(keyCode, shift); };
-    name(filesName_, L"ファイルの一覧");
-    listFileName_.Create(Handle(), ListBox::Fit::kPath);
+    makeList(listFileName_, filesName_, L"ファイルの一覧");
     listFileName_.OnClick([this] { listFileName_Click(); });
     listFileName_.OnKeyDown(keys);
-    name(membersName_, L"圧縮ファイルの中身");
-    listArchiveFile_.Create(Handle(), ListBox::Fit::kPath);
+    makeList(listArchiveFile_, membersName_, L"圧縮ファイルの中身");
     listArchiveFile_.OnClick([this] { listArchiveFile_Click(); });
     listArchiveFile_.OnKeyDown(keys);
 
-    name(deleteName_, L"削除リスト");
-    listDelete_.Create(Handle(), ListBox::Fit::kPath);
+    makeList(listDelete_, deleteName_, L"削除リスト");
     listDelete_.OnDoubleClick([this] { listDelete_DblClick(); });
     listDelete_.OnKeyDown([this](int keyCode, int) {
         if (keyCode == VK_RETURN) listDelete_DblClick();

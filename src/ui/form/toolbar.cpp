@@ -101,6 +101,7 @@ void Toolbar::MakeButtons() {
         button.iString = reinterpret_cast<INT_PTR>(state.name.c_str());  // copied
     }
     Send(TB_ADDBUTTONSW, buttons.size(), reinterpret_cast<LPARAM>(buttons.data()));
+    Send(TB_SETBUTTONSIZE, 0, MAKELPARAM(size, size));  // texts may have changed it
 }
 
 void Toolbar::EnableButton(int index, bool enabled) {

@@ -3,6 +3,7 @@
 #include "ui/control/frmControl.h"
 
 #include <gtest/gtest.h>
+#include <oleacc.h>
 
 #include <filesystem>
 
@@ -479,6 +480,31 @@ TEST_F(KeyTest, StepFromEveryPart) {
     EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
     Press('F');
     EXPECT_EQ(GetFocus(), bar_.listFileName().Handle());
+}
+
+TEST_F(KeyTest, ScreenReadersFindNames) {
+    const auto nameOf = [](HWND window) -> std::wstring {
+        IAccessible* object = nullptr;
+        if (FAILED(AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT),
+                                              IID_IAccessible,
+                                              reinterpret_cast<void**>(&object)))) {
+            return L"(no object)";
+        }
+        VARIANT self{};
+        self.vt = VT_I4;
+        self.lVal = CHILDID_SELF;
+        BSTR name = nullptr;
+        object->get_accName(self, &name);
+        object->Release();
+        std::wstring text = name != nullptr ? name : L"(no name)";
+        SysFreeString(name);
+        return text;
+    };
+    EXPECT_EQ(nameOf(bar_.textFileInfo().Handle()), L"表示中のファイル");
+    EXPECT_EQ(nameOf(bar_.listFileName().Handle()), L"ファイルの一覧");
+    EXPECT_EQ(nameOf(bar_.listArchiveFile().Handle()), L"圧縮ファイルの中身");
+    EXPECT_EQ(nameOf(bar_.listDelete().Handle()), L"削除リスト");
+    EXPECT_EQ(nameOf(bar_.CoolBar().Handle()), L"操作ボタン");
 }
 
 TEST_F(KeyTest, TabGoesRoundBothWindowsAndF6Between) {

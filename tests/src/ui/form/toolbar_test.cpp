@@ -107,7 +107,7 @@ TEST(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
         SendMessageW(form.toolbar.Handle(), TB_GETBUTTONTEXTW, 9, reinterpret_cast<LPARAM>(text)),
         5);  // what a screen reader reads
     EXPECT_STREQ(text, L"表示サイズ");
-    EXPECT_LE(form.toolbar.ButtonRectangle(1).right, Metrics(form.Handle()).Scale(24));
+    EXPECT_EQ(form.toolbar.ButtonRectangle(1).right, Metrics(form.Handle()).Scale(24));
 }
 
 TEST(ToolbarImagesTest, DifferAndAreSharpAtEveryResolution) {
