@@ -152,8 +152,9 @@ class clsSusie {
     std::vector<ListedMember> GetExpandFileList();
 
     // Extracts the member of that index into a block of its own. Of a plug-in that extracts to disk
-    // only the block is read back from there. The block is never empty; it may be some bytes longer
-    // than the member. Raises DecodeError when the plug-in fails, or has nothing to give.
+    // only, and of a member of which the plug-in lists no size, the block is read back from there.
+    // The block is never empty; it may be some bytes longer than the member. Raises DecodeError
+    // when the plug-in fails, or has nothing to give.
     OwnedBlock DecodeArchive(int32_t index, const SusieProgress& progress);
 
     // Extracts it into the file `fileName`, a safe relative name (member_file_name.h), below
@@ -219,7 +220,11 @@ class clsSusie {
     const ArchiveMembers& Members();
     const susie::FileInfo& MemberAt(int32_t index);
     OwnedBlock Extract(const susie::FileInfo& member, const SusieProgress& progress);
-    int32_t ExtractOverDisk(const Source& archive, LONG_PTR position, OwnedBlock& content);
+    bool IsWorthTheOtherWay(int32_t result) const;
+    int32_t ExtractToMemory(const Source& archive, const susie::FileInfo& member,
+                            OwnedBlock& content);
+    int32_t ExtractOverDisk(const Source& archive, const susie::FileInfo& member,
+                            OwnedBlock& content);
 
     SusieCalls calls_;
     HMODULE module_ = nullptr;  // our own reference to the loaded file
@@ -229,7 +234,8 @@ class clsSusie {
     bool supportConfigurationDialog_ = false;
     bool autoUnload_ = false;
     bool checkMode_ = false;
-    bool keepLoaded_ = false;  // it has failed before
+    bool keepLoaded_ = false;      // it has failed before
+    bool extractsToDisk_ = false;  // it was seen to
     int32_t showType_ = 0;
     Binding bound_;
 };

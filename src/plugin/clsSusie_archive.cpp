@@ -1,6 +1,9 @@
 // The members of a bound archive: listing and extracting them.
+#include <algorithm>
+
 #include "app/base/paths.h"
 #include "plugin/clsSusie.h"
+#include "plugin/file_stamp.h"
 #include "plugin/member_file.h"
 #include "plugin/member_file_name.h"
 #include "plugin/private_folder.h"
@@ -12,17 +15,15 @@ namespace {
 // Blocks are made somewhat longer than the member, by plug-ins or by the system.
 constexpr size_t kMostSurplus = 16;
 
-// How much of a block is the member. Sizes that are far off are wrong: then all of it.
-size_t MemberSize(size_t blockSize, uint64_t listedSize) {
+// How much of a block is the member. Sizes that are far off are wrong: then all of it. One of 0
+// counts where there is nothing in the archive either, and nothing but zeros came.
+size_t MemberSize(std::span<const uint8_t> block, const susie::FileInfo& member) {
     const bool isSurplus =
-        listedSize != 0 && listedSize < blockSize && blockSize - listedSize <= kMostSurplus;
-    return isSurplus ? static_cast<size_t>(listedSize) : blockSize;
-}
-
-// Plug-ins that extract to disk only say so in several ways.
-bool IsWorthTheDisk(int32_t result) {
-    return result == kResultNotExported || result == susie::kUnknownFormat ||
-           result == susie::kInternalError;
+        member.fileSize < block.size() && block.size() - member.fileSize <= kMostSurplus;
+    const bool isEmpty = member.compressedSize == 0 &&
+                         std::ranges::count(block, 0) == static_cast<ptrdiff_t>(block.size());
+    return isSurplus && (member.fileSize != 0 || isEmpty) ? static_cast<size_t>(member.fileSize)
+                                                          : block.size();
 }
 
 void RequireContent(const OwnedBlock& content) {
@@ -102,7 +103,7 @@ void clsSusie::DecodeArchive(int32_t index, const std::wstring& folder,
         const OwnedBlock content = Extract(member, progress);
         if (member.fileSize != 0) RequireContent(content);
         const BlockLock lock(content.Get());
-        const size_t size = MemberSize(lock.Size(), member.fileSize);
+        const size_t size = MemberSize(lock.Bytes(), member);
         if (!WriteMemberFile(folder, fileName, lock.Bytes().first(size))) {
             throw PluginError(kErrorSavingFailed, kSavingFailedText);
         }
@@ -115,22 +116,17 @@ OwnedBlock clsSusie::Extract(const susie::FileInfo& member, const SusieProgress&
     const Source archive(bound_);
     if (!archive.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
     const ProgressRelay relay(progress);
-    const auto position = static_cast<LONG_PTR>(member.position);
     OwnedBlock content;
-    HLOCAL handle = nullptr;
-    int32_t result =
-        archive.IsMemory()
-            ? calls_.GetFileMM(archive.Get().source, position, handle, ProgressRelay::Callback())
-            : calls_.GetFileSM(bound_.pluginName, position, handle, ProgressRelay::Callback());
-    if (result == susie::kSuccess) content = OwnedBlock(handle);
-    if (IsWorthTheDisk(result)) {
-        // The plug-in itself makes a file name of the member's.
-        const std::wstring name = ArchiveMemberName(member);
-        if (SafeMemberName(name) != name) {
-            throw DecodeError(static_cast<uint32_t>(result), kUnsafeMemberText);
-        }
-        const int32_t diskResult = ExtractOverDisk(archive, position, content);
-        if (result == kResultNotExported || diskResult == susie::kSuccess) result = diskResult;
+    // A listed size of 0 may stand for one that the plug-in does not know. Some then make a block
+    // of that size and write all of the member into it, which ends the process.
+    const bool diskFirst = member.fileSize == 0;
+    int32_t result = diskFirst ? ExtractOverDisk(archive, member, content)
+                               : ExtractToMemory(archive, member, content);
+    const bool knowsTheDisk = diskFirst && extractsToDisk_;
+    if (!knowsTheDisk && IsWorthTheOtherWay(result)) {
+        const int32_t otherResult = diskFirst ? ExtractToMemory(archive, member, content)
+                                              : ExtractOverDisk(archive, member, content);
+        if (result == kResultNotExported || otherResult == susie::kSuccess) result = otherResult;
     }
     if (result != susie::kSuccess) {
         throw DecodeError(static_cast<uint32_t>(result), kExtractingFailedText);
@@ -138,17 +134,53 @@ OwnedBlock clsSusie::Extract(const susie::FileInfo& member, const SusieProgress&
     return content;
 }
 
-// For plug-ins that extract to disk only.
-int32_t clsSusie::ExtractOverDisk(const Source& archive, LONG_PTR position, OwnedBlock& content) {
+// Whether the plug-in may be able to extract to a disk what it did not extract to memory, or the
+// other way round. Those that know one way only say so in several ways; one that has told what is
+// the matter with the member has not meant that.
+bool clsSusie::IsWorthTheOtherWay(int32_t result) const {
+    return Condition().kind == susie::kConditionNone &&
+           (result == kResultNotExported || result == susie::kUnknownFormat ||
+            result == susie::kInternalError);
+}
+
+int32_t clsSusie::ExtractToMemory(const Source& archive, const susie::FileInfo& member,
+                                  OwnedBlock& content) {
+    const auto position = static_cast<LONG_PTR>(member.position);
+    HLOCAL handle = nullptr;
+    const int32_t result =
+        archive.IsMemory()
+            ? calls_.GetFileMM(archive.Get().source, position, handle, ProgressRelay::Callback())
+            : calls_.GetFileSM(bound_.pluginName, position, handle, ProgressRelay::Callback());
+    if (result == susie::kSuccess) content = OwnedBlock(handle);
+    return result;
+}
+
+int32_t clsSusie::ExtractOverDisk(const Source& archive, const susie::FileInfo& member,
+                                  OwnedBlock& content) {
+    // The plug-in itself makes a file name of the member's.
+    const std::wstring name = ArchiveMemberName(member);
+    if (SafeMemberName(name) != name) throw DecodeError(susie::kBrokenData, kUnsafeMemberText);
     const PrivateFolder folder;
     const std::optional<std::string> target = AnsiPathOf(folder.Target());
     if (!target) return kResultUnexpected;
+    const auto position = static_cast<LONG_PTR>(member.position);
     const uint32_t before = calls_.ErrorSerial();
-    const int32_t result =
+    int32_t result =
         archive.IsMemory()
             ? calls_.GetFileMS(archive.Get().source, position, *target, ProgressRelay::Callback())
             : calls_.GetFileSS(bound_.pluginName, position, *target, ProgressRelay::Callback());
-    if (result == susie::kSuccess) content = ReadWholeFile(folder.FirstFile());
+    if (result == susie::kSuccess) {
+        const std::wstring file = folder.FirstFile();
+        const std::optional<FileStamp> written = StampOf(file);
+        content = ReadWholeFile(file);
+        if (!written) {
+            result = kResultNotExported;  // it has not written anything
+        } else if (!content && written->size != 0) {
+            result = susie::kReadError;
+        } else {
+            extractsToDisk_ = true;
+        }
+    }
     if (!content && calls_.ErrorSerial() == before) {
         // The last error is not to stay that the plug-in cannot extract to memory.
         calls_.SetError(kExtractingFailedText, L"GetFile");

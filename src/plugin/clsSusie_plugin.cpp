@@ -63,6 +63,7 @@ void clsSusie::ReleasePlugin() {
     patterns_.clear();
     supportConfigurationDialog_ = false;
     keepLoaded_ = false;
+    extractsToDisk_ = false;
 }
 
 void clsSusie::RequireModule() {

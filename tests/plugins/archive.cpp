@@ -117,9 +117,12 @@ int Store(const Script& script, const Member& member, const std::string& folder)
 int Extract(const Script& script, const Member& member, char* destination, uint32_t flag) {
     if ((flag & 0x700) != susie::kDestinationMemory) return Store(script, member, destination);
     if (script.Has("no-memory")) return susie::kNotImplemented;
+    std::string data = member.data;
+    if (script.Has("extra-byte")) data += '\xA5';
+    if (script.Has("extra-zero")) data += '\0';
+    if (script.Has("trusts-size")) data.resize(RecordOf(script, member).fileSize);
     *reinterpret_cast<HLOCAL*>(destination) =
-        MakeBlock(script.Has("extra-byte") ? member.data + '\xA5' : member.data,
-                  script.Has("fixed") ? LMEM_FIXED : LMEM_MOVEABLE);
+        MakeBlock(data, script.Has("fixed") ? LMEM_FIXED : LMEM_MOVEABLE);
     return susie::kSuccess;
 }
 

@@ -90,6 +90,21 @@ TEST_F(ArchiveTest, FailedExtractionsAreToldAndLeaveTheArchiveBound) {
     }
 }
 
+TEST_F(ArchiveTest, MembersWithoutASizeGoToTheDiskFirst) {
+    const std::wstring path = plugin_.DllName();
+    Bind("zero-fields\nno-disk\n");  // one that knows no disk has the last word
+    EXPECT_EQ(Extracted(2), "second");
+    for (const char* way : {"zero-fields\ntrusts-size\n", "zero-fields\nno-memory\n"}) {
+        Bind(way);
+        EXPECT_EQ(Extracted(2), "second") << way;
+    }
+    // Where the disk was seen to work, a failure there is the answer.
+    Bind("zero-fields\nanswer-after:GetFile:8\n");
+    const int before = Calls(path, "GetFile");
+    EXPECT_EQ(Failure(), 8U);
+    EXPECT_EQ(Calls(path, "GetFile"), before + 1);
+}
+
 TEST_F(ArchiveTest, WhatThePluginTellsOfItsArchiveIsHanded) {
     Bind("condition:1:torn\n");
     EXPECT_EQ(Extracted(2), "second");

@@ -79,6 +79,7 @@ class MemberFileTest : public test::PluginTest {
 };
 
 TEST_F(MemberFileTest, IsTheMemberAndNothingElse) {
+    EXPECT_EQ(Extracted("", "no-disk\nextra-zero\n"), "");
     EXPECT_EQ(Extracted("first", ""), "first");
     EXPECT_EQ(Extracted("second", "extra-byte\n"), "second");
     EXPECT_EQ(Extracted("third", "zero-fields\n"), "third");
