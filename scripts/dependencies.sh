@@ -4,7 +4,7 @@
 #                             already with the same versions, options and compiler is left alone.
 # A library is a line in dependencies/versions and a recipe dependencies/NAME.sh, which sets
 # cmake_options, and where the package has no CMake build of its own, cmake_folder: one of ours,
-# dependencies/NAME/.
+# dependencies/NAME/. Patches in that folder are applied to the source, in the order of their names.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib/paths.sh"
 source "$(dirname "${BASH_SOURCE[0]}")/lib/packages.sh"
@@ -43,6 +43,16 @@ build_key() {
     } | sha256sum
 }
 
+# apply_patches: those of the library that is being built.
+apply_patches() {
+    local change
+    for change in "$recipes/$name"/*.patch; do
+        [[ -f $change ]] || continue
+        patch --batch --fuzz=0 --strip=1 --directory="$work/source" <"$change" >>"$work/log" 2>&1 ||
+            die "$change does not fit the source of $package; see $work/log"
+    done
+}
+
 build_library() {
     local name=$1 package=$2 upstream=$3
     local stamp=$prefix/.built/$name key
@@ -56,6 +66,7 @@ build_library() {
     mkdir -p "$work" "$prefix/.built"
     dpkg-source -x "$archive" "$work/source" >"$work/log" 2>&1 ||
         die "the source of $package could not be unpacked; see $work/log"
+    apply_patches
 
     local cmake_options=() cmake_folder=$work/source
     # shellcheck source=/dev/null

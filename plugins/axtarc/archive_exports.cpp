@@ -11,6 +11,8 @@
 #include "plugins/axtarc/local_block.h"
 #include "plugins/axtarc/member_name.h"
 #include "plugins/axtarc/opened_archive.h"
+#include "plugins/axtarc/zip_directory.h"
+#include "plugins/common/file_part.h"
 #include "plugins/common/last_condition.h"
 #include "plugins/common/plugin_info.h"
 #include "plugins/common/susie_source.h"
@@ -42,11 +44,12 @@ void FillRecord(const Member& member, size_t index, susie::FileInfo& record) {
     record.crc = member.crc;
 }
 
-Result ListMembers(const char* source, LONG_PTR length, uint32_t flag, HLOCAL& list) {
+Result ListMembers(const char* source, LONG_PTR length, uint32_t flag, HLOCAL& list,
+                   codec::Remark& remark) {
     OpenedArchive archive;
-    if (const Result opened = archive.Open(source, length, flag); opened != Result::kSuccess) {
-        return opened;
-    }
+    const Result opened = archive.Open(source, length, flag);
+    remark = archive.Told();
+    if (opened != Result::kSuccess) return opened;
     const std::vector<Member>& members = archive.Reader().Members();
     constexpr size_t kMostRecords = std::numeric_limits<size_t>::max() / sizeof(susie::FileInfo);
     if (members.size() >= kMostRecords) return Result::kOutOfMemory;
@@ -67,11 +70,11 @@ Result ListMembers(const char* source, LONG_PTR length, uint32_t flag, HLOCAL& l
 }
 
 Result DescribeMember(const char* source, LONG_PTR length, const char* name, uint32_t flag,
-                      susie::FileInfo& info) {
+                      susie::FileInfo& info, codec::Remark& remark) {
     OpenedArchive archive;
-    if (const Result opened = archive.Open(source, length, flag); opened != Result::kSuccess) {
-        return opened;
-    }
+    const Result opened = archive.Open(source, length, flag);
+    remark = archive.Told();
+    if (opened != Result::kSuccess) return opened;
     const auto index = archive.Find(name);
     if (index) {
         info = {};
@@ -118,7 +121,8 @@ Result ExtractToFolder(ArchiveReader& reader, size_t index, const char* folder,
     if (result != Result::kSuccess) return result;
     if (!progress.Report(1, 1)) return Result::kAborted;
     if (!file.Commit(files::Durability::kCache)) return Result::kInternalError;
-    if (member.time > 0) SetFileTimeOf(path, member.time);
+    constexpr int64_t kLatest = int64_t{1} << 33;  // beyond 2200: no time, but a damaged one
+    if (member.time > 0 && member.time < kLatest) SetFileTimeOf(path, member.time);
     return Result::kSuccess;
 }
 
@@ -128,6 +132,8 @@ Result ExtractMember(const char* source, LONG_PTR position, char* destination, u
     if (!progress.Report(0, 1)) return Result::kAborted;
     OpenedArchive archive;
     if (const Result opened = archive.OpenListed(source, flag); opened != Result::kSuccess) {
+        codec::Remark told = archive.Told();
+        progress.Tell(told.condition, std::move(told.text));
         return opened;
     }
     const auto index = static_cast<size_t>(position);
@@ -140,6 +146,15 @@ Result ExtractMember(const char* source, LONG_PTR position, char* destination, u
     }
     archive.Remember();
     return result;
+}
+
+// Of a set that was cut where nobody looks for a beginning, only the first file looks like an
+// archive. The others are taken to be called what they are.
+bool IsNamedVolume(std::string_view name) {
+    if (IsPieceName(name)) return true;
+    if (!EndsWith(name, ".zip")) return false;
+    const auto file = spi::FilePart::Open(files::FileNameOf(std::string(name).c_str()), 0);
+    return file != nullptr && IsLastZipVolume(*file);
 }
 
 }  // namespace
@@ -161,7 +176,10 @@ __declspec(dllexport) int __stdcall IsSupported(const char* fileName, const void
     try {
         spi::HeaderBlock block;
         const std::string_view name = fileName == nullptr ? "" : fileName;
-        return unpack::IsArchive(spi::HeaderBytes(fileName, header, block), name) ? 1 : 0;
+        return unpack::IsArchive(spi::HeaderBytes(fileName, header, block), name) ||
+                       unpack::IsNamedVolume(name)
+                   ? 1
+                   : 0;
     } catch (...) {
         return 0;
     }
@@ -169,18 +187,18 @@ __declspec(dllexport) int __stdcall IsSupported(const char* fileName, const void
 
 __declspec(dllexport) int __stdcall GetArchiveInfo(const char* source, LONG_PTR length,
                                                    uint32_t flag, HLOCAL* members) {
-    return spi::GuardedAndTold([&](codec::Remark&) {
+    return spi::GuardedAndTold([&](codec::Remark& remark) {
         if (members == nullptr) return codec::Result::kInternalError;
-        return unpack::ListMembers(source, length, flag, *members);
+        return unpack::ListMembers(source, length, flag, *members, remark);
     });
 }
 
 __declspec(dllexport) int __stdcall GetFileInfo(const char* source, LONG_PTR length,
                                                 const char* fileName, uint32_t flag,
                                                 susie::FileInfo* info) {
-    return spi::GuardedAndTold([&](codec::Remark&) {
+    return spi::GuardedAndTold([&](codec::Remark& remark) {
         if (fileName == nullptr || info == nullptr) return codec::Result::kInternalError;
-        return unpack::DescribeMember(source, length, fileName, flag, *info);
+        return unpack::DescribeMember(source, length, fileName, flag, *info, remark);
     });
 }
 

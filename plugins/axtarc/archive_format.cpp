@@ -20,7 +20,8 @@ struct Signature {
 constexpr Signature kSignatures[] = {
     {"PK\3\4"sv, Format::kZip},
     {"PK\5\6"sv, Format::kZip},         // without members
-    {"PK\7\x8PK\3\4"sv, Format::kZip},  // once meant for several disks
+    {"PK\7\x8PK\3\4"sv, Format::kZip},  // the first of several disks
+    {"PK00PK\3\4"sv, Format::kZip},     // of which one was enough
     {"7z\xBC\xAF\x27\x1C"sv, Format::kSevenZip},
     {"Rar!\x1A\x07\0"sv, Format::kRar},
     {"Rar!\x1A\x07\1\0"sv, Format::kRar5},
@@ -95,13 +96,13 @@ bool UnpackXz(std::span<const uint8_t> header, TarBlock& block) {
     return stream.avail_out == 0;
 }
 
+}  // namespace
+
 bool EndsWith(std::string_view name, std::string_view ending) {
     return name.size() > ending.size() &&
            std::equal(ending.rbegin(), ending.rend(), name.rbegin(),
                       [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b + 32 : b); });
 }
-
-}  // namespace
 
 Format DetectFormat(std::span<const uint8_t> header) {
     const std::string_view text(reinterpret_cast<const char*>(header.data()), header.size());

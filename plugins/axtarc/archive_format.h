@@ -30,4 +30,7 @@ Format DetectFormat(std::span<const uint8_t> header);
 // belong to the programs that compress their own files.
 bool IsArchive(std::span<const uint8_t> header, std::string_view fileName);
 
+// Whether `name` is longer than `ending`, which is in lower case, and ends with it in either case.
+bool EndsWith(std::string_view name, std::string_view ending);
+
 }  // namespace tessary::unpack

@@ -7,8 +7,10 @@
 
 #include "helpers/dib/byte_source.h"
 #include "helpers/files/byte_sink.h"
+#include "plugins/axtarc/archive_marks.h"
 #include "plugins/axtarc/member.h"
 #include "plugins/common/progress.h"
+#include "plugins/common/remark.h"
 #include "plugins/common/result.h"
 
 namespace tessary::unpack {
@@ -26,18 +28,30 @@ class ArchiveReader {
     // Writes the contents of member `index` (which must exist) to `sink`, whatever size the archive
     // claims. Members in ascending order cost each byte of the archive once. Answers
     // kUnknownFormat for encrypted members and methods that cannot be read, kInternalError when
-    // the sink refuses; what the sink has got then is of no use.
-    virtual codec::Result Extract(size_t index, files::ByteSink& sink,
-                                  codec::Progress& progress) = 0;
+    // the sink refuses; what the sink has got then is of no use. Tells `progress` what the reason
+    // is.
+    codec::Result Extract(size_t index, files::ByteSink& sink, codec::Progress& progress);
 
   protected:
+    // As Extract, which tells.
+    virtual codec::Result Unpack(size_t index, files::ByteSink& sink,
+                                 codec::Progress& progress) = 0;
+
     std::vector<Member> members_;
+    codec::Result listEnd_ = codec::Result::kSuccess;  // why there are not more members
+
+  private:
+    friend codec::Result OpenArchive(dib::ByteSource& source, const std::string& fileName,
+                                     std::unique_ptr<ArchiveReader>& reader, codec::Remark& remark);
+
+    ArchiveMarks marks_;
 };
 
 // Reads the list of the archive in `source`, which must outlive the reader. `fileName` is the name
 // of the archive without its folders, in UTF-8; the single member of a compressed file is named
-// after it. It may be empty.
+// after it. It may be empty. `remark` receives what there is to tell of a failure, and of a list
+// that is not whole.
 codec::Result OpenArchive(dib::ByteSource& source, const std::string& fileName,
-                          std::unique_ptr<ArchiveReader>& reader);
+                          std::unique_ptr<ArchiveReader>& reader, codec::Remark& remark);
 
 }  // namespace tessary::unpack

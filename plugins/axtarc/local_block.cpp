@@ -45,13 +45,8 @@ bool LocalBlock::Write(std::span<const uint8_t> bytes) noexcept {
 }
 
 HLOCAL LocalBlock::Release() {
-    if (size_ == 0) {
-        if (!Resize(1)) return nullptr;
-        *static_cast<uint8_t*>(LocalLock(block_)) = 0;
-        LocalUnlock(block_);
-    } else if (size_ != capacity_ && !Resize(size_)) {
-        return nullptr;
-    }
+    if (size_ == 0) return LocalAlloc(LMEM_FIXED, 0);
+    if (size_ != capacity_ && !Resize(size_)) return nullptr;
     return std::exchange(block_, nullptr);
 }
 

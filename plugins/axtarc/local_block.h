@@ -21,8 +21,8 @@ class LocalBlock final : public files::ByteSink {
     bool IsFull() const { return isFull_; }
 
     // Hands the block, cut to what was written, to the caller, who frees it with LocalFree. Without
-    // any contents it is of one zero byte: an empty block could not be locked. Null when there is
-    // no memory.
+    // any contents it is a fixed one of no bytes: a movable one could not be locked. Null when
+    // there is no memory.
     HLOCAL Release();
 
   private:

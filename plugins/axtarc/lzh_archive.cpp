@@ -45,13 +45,18 @@ struct Packed {
     }
 };
 
+// Fewer bytes than asked for only at the end: decoders take what they get for all of it.
 size_t OnRead(void* out, size_t count, void* handle) {
     auto& packed = *static_cast<Packed*>(handle);
-    if (packed.ahead.empty() && !packed.Fill()) return 0;
-    const size_t given = std::min(count, packed.ahead.size());
-    std::copy_n(packed.ahead.begin(), given, static_cast<uint8_t*>(out));
-    packed.ahead = packed.ahead.subspan(given);
-    return given;
+    auto* to = static_cast<uint8_t*>(out);
+    size_t left = count;
+    while (left != 0 && (!packed.ahead.empty() || packed.Fill())) {
+        const size_t given = std::min(left, packed.ahead.size());
+        to = std::copy_n(packed.ahead.begin(), given, to);
+        packed.ahead = packed.ahead.subspan(given);
+        left -= given;
+    }
+    return count - left;
 }
 
 }  // namespace
@@ -75,7 +80,7 @@ Result LzhArchive::ReadList() {
     return offset == 0 ? Result::kBrokenData : Result::kSuccess;
 }
 
-Result LzhArchive::Extract(size_t index, files::ByteSink& sink, codec::Progress& progress) {
+Result LzhArchive::Unpack(size_t index, files::ByteSink& sink, codec::Progress& progress) {
     Member& member = members_[index];
     const bool isUnsafe = std::ranges::count(kUnsafeMethods, member.method) != 0;
     LHADecoderType* const type = lha_decoder_for_name(member.method.data());

@@ -11,7 +11,8 @@ class LzhArchive final : public ArchiveReader {
     // As OpenArchive. Fails only when not one header can be read.
     static codec::Result Open(dib::ByteSource& source, std::unique_ptr<ArchiveReader>& reader);
 
-    codec::Result Extract(size_t index, files::ByteSink& sink, codec::Progress& progress) override;
+  protected:
+    codec::Result Unpack(size_t index, files::ByteSink& sink, codec::Progress& progress) override;
 
   private:
     // What it takes to unpack one member.

@@ -133,7 +133,10 @@ std::optional<LzhHeader> ReadLzhHeader(dib::ByteSource& source, uint64_t offset)
     const std::unique_ptr<LHAReader, FreeReader> reader(lha_reader_new(stream.get()));
     if (reader == nullptr) throw std::bad_alloc();
     const LHAFileHeader* found = lha_reader_next_file(reader.get());
-    if (found == nullptr) return std::nullopt;
+    // It looks on where it does not know a method; what it finds there is another member's.
+    if (found == nullptr || !std::equal(start.begin(), start.end(), found->raw_data)) {
+        return std::nullopt;
+    }
 
     LzhHeader header{found->raw_data_len, false, found->crc, {}};
     header.isFile = std::string_view(found->compress_method) != LHA_COMPRESS_TYPE_DIR;

@@ -102,6 +102,7 @@ struct RememberedArchive {
     Identity identity;
     CurrentSource source;
     std::unique_ptr<ArchiveReader> reader;
+    codec::Remark remark;                            // on the list
     std::unordered_map<std::wstring, size_t> names;  // comparable ones; filled when first asked
 };
 
@@ -213,7 +214,7 @@ Result OpenedArchive::Open(const char* source, LONG_PTR length, uint32_t flag) {
     archive_->identity = std::move(identity);
     archive_->source.Set(bytes_.get());
     return OpenArchive(archive_->source, NameWithoutFolder(archive_->identity.place.path),
-                       archive_->reader);
+                       archive_->reader, archive_->remark);
 }
 
 Result OpenedArchive::OpenListed(const char* source, uint32_t flag) {
@@ -221,6 +222,10 @@ Result OpenedArchive::OpenListed(const char* source, uint32_t flag) {
     if (!IsBlock(flag)) return Open(source, OffsetInFile(PlaceOf(source, flag)), flag);
     const auto length = LengthOfBlock(source, flag);
     return length ? Open(source, *length, flag) : Result::kInternalError;
+}
+
+codec::Remark OpenedArchive::Told() const {
+    return archive_ == nullptr ? codec::Remark{} : archive_->remark;
 }
 
 ArchiveReader& OpenedArchive::Reader() {

@@ -30,6 +30,9 @@ class OpenedArchive {
     // opened before or has become shorter.
     codec::Result OpenListed(const char* source, uint32_t flag);
 
+    // What there is to tell of the list, or of why there is none.
+    codec::Remark Told() const;
+
     // The rest may be called only behind a success of Open.
     ArchiveReader& Reader();
 

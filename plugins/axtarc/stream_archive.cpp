@@ -17,6 +17,9 @@ using codec::Result;
 constexpr uint64_t kMostUnpacked = 1u << 30;
 constexpr uint64_t kMostTimesUnpacked = 200;
 
+// More than that no program can list: half a gigabyte of records.
+constexpr size_t kMostMembers = 1'000'000;
+
 // Whether stepping over a member means to unpack it.
 bool UnpacksWhenSkipping(Format format) {
     return format != Format::kTar && format != Format::kRar && format != Format::kZip;
@@ -93,21 +96,21 @@ uint64_t GzipContentSize(dib::ByteSource& source) {
 }  // namespace
 
 Result StreamArchive::Open(dib::ByteSource& source, Format format, const std::string& fileName,
-                           std::unique_ptr<ArchiveReader>& reader) {
+                           std::unique_ptr<ArchiveReader>& reader, bool& isEncrypted) {
     std::unique_ptr<StreamArchive> archive(new StreamArchive(source, format));
-    const Result result = archive->ReadList(fileName);
+    const Result result = archive->ReadList(fileName, isEncrypted);
     if (result == Result::kSuccess) reader = std::move(archive);
     return result;
 }
 
-Result StreamArchive::ReadList(const std::string& fileName) {
+Result StreamArchive::ReadList(const std::string& fileName, bool& isEncrypted) {
     codec::Progress nobody;
     StreamReader reader(source_, format_);
     size_t number = 0;
     // Nobody could stop the unpacking of one huge member to get to the next.
     const uint64_t mostUnpacked = kMostUnpacked + kMostTimesUnpacked * source_.Size();
     uint64_t unpacked = 0;
-    while (unpacked <= mostUnpacked) {
+    while (unpacked <= mostUnpacked && members_.size() < kMostMembers) {
         archive_entry* const entry = reader.Next(nobody);
         if (entry == nullptr) break;
         const size_t entryNumber = number++;
@@ -138,31 +141,35 @@ Result StreamArchive::ReadList(const std::string& fileName) {
         members_.push_back(std::move(member));
         entries_.push_back(entryNumber);
     }
-    return members_.empty() ? reader.Failure() : Result::kSuccess;
+    listEnd_ = reader.Failure();
+    isEncrypted = members_.empty() && reader.HasEncryption();
+    return members_.empty() ? listEnd_ : Result::kSuccess;
 }
 
-Result StreamArchive::Extract(size_t index, files::ByteSink& sink, codec::Progress& progress) {
+Result StreamArchive::Unpack(size_t index, files::ByteSink& sink, codec::Progress& progress) {
     if (members_[index].encrypted) return Result::kUnknownFormat;
-    const Result result = ExtractEntry(index, sink, progress);
     // Behind a failure nothing is certain; behind the last member there is nothing to wait for.
-    if (result != Result::kSuccess || index + 1 == members_.size()) reader_.reset();
+    std::unique_ptr<StreamReader> reader = std::move(reader_);
+    const Result result = ExtractEntry(reader, index, sink, progress);
+    if (result == Result::kSuccess && index + 1 != members_.size()) reader_ = std::move(reader);
     return result;
 }
 
-Result StreamArchive::ExtractEntry(size_t index, files::ByteSink& sink, codec::Progress& progress) {
+Result StreamArchive::ExtractEntry(std::unique_ptr<StreamReader>& reader, size_t index,
+                                   files::ByteSink& sink, codec::Progress& progress) {
     const size_t wanted = entries_[index];
-    if (reader_ == nullptr || nextEntry_ > wanted) {
-        reader_ = std::make_unique<StreamReader>(source_, format_);
+    if (reader == nullptr || nextEntry_ > wanted) {
+        reader = std::make_unique<StreamReader>(source_, format_);
         nextEntry_ = 0;
     }
     while (nextEntry_ <= wanted) {
-        if (reader_->Next(progress) == nullptr) {
-            const Result failure = reader_->Failure();
+        if (reader->Next(progress) == nullptr) {
+            const Result failure = reader->Failure();
             return failure == Result::kSuccess ? Result::kBrokenData : failure;
         }
         ++nextEntry_;
     }
-    return reader_->ReadData(members_[index], sink, progress);
+    return reader->ReadData(members_[index], sink, progress);
 }
 
 }  // namespace tessary::unpack

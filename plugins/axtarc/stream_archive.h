@@ -10,17 +10,20 @@ namespace tessary::unpack {
 // Keeps its place behind the last extracted member, so that stepping forward goes on from there.
 class StreamArchive final : public ArchiveReader {
   public:
-    // As OpenArchive. Fails only when not one member can be read.
+    // As OpenArchive. Fails only when not one member can be read; `isEncrypted` is set when that is
+    // because the list is encrypted.
     static codec::Result Open(dib::ByteSource& source, Format format, const std::string& fileName,
-                              std::unique_ptr<ArchiveReader>& reader);
+                              std::unique_ptr<ArchiveReader>& reader, bool& isEncrypted);
 
-    codec::Result Extract(size_t index, files::ByteSink& sink, codec::Progress& progress) override;
+  protected:
+    codec::Result Unpack(size_t index, files::ByteSink& sink, codec::Progress& progress) override;
 
   private:
     StreamArchive(dib::ByteSource& source, Format format) : source_(source), format_(format) {}
 
-    codec::Result ReadList(const std::string& fileName);
-    codec::Result ExtractEntry(size_t index, files::ByteSink& sink, codec::Progress& progress);
+    codec::Result ReadList(const std::string& fileName, bool& isEncrypted);
+    codec::Result ExtractEntry(std::unique_ptr<StreamReader>& reader, size_t index,
+                               files::ByteSink& sink, codec::Progress& progress);
 
     dib::ByteSource& source_;
     Format format_;

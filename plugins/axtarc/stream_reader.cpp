@@ -1,9 +1,11 @@
 #include "plugins/axtarc/stream_reader.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <new>
+#include <string_view>
 
 #include "plugins/axtarc/contained_read.h"
 
@@ -61,6 +63,16 @@ void SupportFormat(archive* a, Format format, ZipMode zipMode) {
             archive_read_support_format_tar(a);
             break;
     }
+}
+
+// libarchive tells what it cannot do from what is damaged by its words only.
+bool IsNotSupported(const char* message) {
+    if (message == nullptr) return false;
+    const std::string_view text(message);
+    return std::ranges::any_of(
+        std::array<std::string_view, 5>{"nsupported", "not supported", "support unavailable",
+                                        "Unexpected codec", "Encryption"},
+        [text](std::string_view part) { return text.find(part) != std::string_view::npos; });
 }
 
 }  // namespace
@@ -160,10 +172,13 @@ Result StreamReader::Failure() const {
     if (readFailed_) return Result::kReadError;
     if (status_ == ARCHIVE_EOF || status_ == ARCHIVE_OK) return Result::kSuccess;
     if (archive_errno(a) == ENOMEM) return Result::kOutOfMemory;
+    return HasEncryption() || IsNotSupported(archive_error_string(a)) ? Result::kUnknownFormat
+                                                                      : Result::kBrokenData;
+}
+
+bool StreamReader::HasEncryption() const {
     // To be asked only where the format is known.
-    if (FormatCode() != 0 && archive_read_has_encrypted_entries(a) > 0)
-        return Result::kUnknownFormat;
-    return Result::kBrokenData;
+    return FormatCode() != 0 && archive_read_has_encrypted_entries(archive_.get()) > 0;
 }
 
 }  // namespace tessary::unpack

@@ -38,6 +38,9 @@ class StreamReader {
     // Why the last call failed; kSuccess at the end of the archive.
     codec::Result Failure() const;
 
+    // Whether something encrypted has been met.
+    bool HasEncryption() const;
+
     // The format's code of libarchive, known behind the first entry.
     int FormatCode() const { return archive_format(archive_.get()); }
 

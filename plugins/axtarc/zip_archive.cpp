@@ -13,6 +13,7 @@ using codec::Result;
 
 constexpr uint32_t kHeaderMark = 0x04034B50;
 constexpr size_t kHeaderSize = 30;
+constexpr size_t kRecordSize = 46;
 
 // What libarchive unpacks: stored, deflate, bzip2, LZMA, XZ and PPMd.
 constexpr std::array<uint16_t, 6> kMethods{0, 8, 12, 14, 95, 98};
@@ -93,13 +94,23 @@ Result ZipArchive::Open(dib::ByteSource& source, std::unique_ptr<ArchiveReader>&
 
 ZipArchive::ZipArchive(dib::ByteSource& source, ZipDirectory directory)
     : source_(source), directory_(std::move(directory)) {
+    if (!directory_.isWhole) listEnd_ = Result::kBrokenData;
     std::erase_if(directory_.records, [](const ZipRecord& record) { return !record.isFile; });
     members_.reserve(directory_.records.size());
     for (ZipRecord& record : directory_.records)
         members_.push_back(std::move(record.member));
 }
 
-Result ZipArchive::Extract(size_t index, files::ByteSink& sink, codec::Progress& progress) {
+// Whether the member's own header has the name that the directory tells. Where it is said to be on
+// another disk, there may be another member's.
+bool ZipArchive::HasNameOf(const ZipRecord& record) const {
+    const auto name = record.bytes.subspan(kRecordSize, Read16(record.bytes, 28));
+    std::vector<uint8_t> found(name.size());
+    return source_.ReadAt(record.headerOffset + kHeaderSize, found) == found.size() &&
+           std::ranges::equal(name, found);
+}
+
+Result ZipArchive::Unpack(size_t index, files::ByteSink& sink, codec::Progress& progress) {
     const ZipRecord& record = directory_.records[index];
     const Member& member = members_[index];
     const bool isKnown =
@@ -110,6 +121,7 @@ Result ZipArchive::Extract(size_t index, files::ByteSink& sink, codec::Progress&
     const auto got = source_.ReadAt(record.headerOffset, header);
     if (!got) return Result::kReadError;
     if (*got != header.size() || Read32(header, 0) != kHeaderMark) return Result::kBrokenData;
+    if (record.disk != directory_.disk && !HasNameOf(record)) return Result::kBrokenData;
     const uint64_t headerSize = kHeaderSize + Read16(header, 26) + Read16(header, 28);
     const uint64_t left = source_.Size() - record.headerOffset;
     if (headerSize > left || member.compressedSize > left - headerSize) return Result::kBrokenData;

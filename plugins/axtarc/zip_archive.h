@@ -11,10 +11,12 @@ class ZipArchive final : public ArchiveReader {
     // As OpenArchive. kBrokenData when there is no directory.
     static codec::Result Open(dib::ByteSource& source, std::unique_ptr<ArchiveReader>& reader);
 
-    codec::Result Extract(size_t index, files::ByteSink& sink, codec::Progress& progress) override;
+  protected:
+    codec::Result Unpack(size_t index, files::ByteSink& sink, codec::Progress& progress) override;
 
   private:
     ZipArchive(dib::ByteSource& source, ZipDirectory directory);
+    bool HasNameOf(const ZipRecord& record) const;
 
     dib::ByteSource& source_;
     ZipDirectory directory_;  // its records are those of the members

@@ -15,6 +15,7 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 constexpr uint32_t kRecordMark = 0x02014B50;
+constexpr uint32_t kSignatureMark = 0x05054B50;  // may stand behind the records
 constexpr uint32_t kEndMark = 0x06054B50;
 constexpr uint32_t kEnd64Mark = 0x06064B50;
 constexpr uint32_t kLocator64Mark = 0x07064B50;
@@ -42,6 +43,7 @@ struct Extent {
     uint64_t offset;  // within the file
     uint64_t size;
     uint64_t shift;  // what offsets in the directory lack: other data before the archive
+    uint16_t disk = 0;
 };
 
 // Where the directory of `size` bytes stands that ends at `end` and is said to begin at `offset`.
@@ -77,6 +79,7 @@ std::optional<Extent> ExtentAt(dib::ByteSource& source, const Bytes& tail, uint6
                             tailOffset + at - kLocator64Size);
     }
     if (!found) found = DirectoryExtent(tailOffset + at, size, offset);
+    if (found) found->disk = Read16(tail, at + 4);
     if (!found || found->size == 0) return found;
     const auto mark = ReadExactly(source, found->offset, sizeof kRecordMark);
     return mark && Read32(*mark, 0) == kRecordMark ? found : std::nullopt;
@@ -198,7 +201,8 @@ std::optional<ZipRecord> ReadRecord(std::span<const uint8_t> bytes, uint64_t shi
     const size_t size = kRecordSize + nameSize + extraSize + Read16(bytes, 32);
     if (bytes.size() < size) return std::nullopt;
 
-    ZipRecord record{bytes.first(size), Read32(bytes, 42), Read16(bytes, 10), false, {}};
+    ZipRecord record{
+        bytes.first(size), Read32(bytes, 42), Read16(bytes, 10), Read16(bytes, 34), false, {}};
     Member& member = record.member;
     const uint16_t flags = Read16(bytes, 8);
     const auto* const text = reinterpret_cast<const char*>(bytes.data() + kRecordSize);
@@ -218,18 +222,25 @@ std::optional<ZipRecord> ReadRecord(std::span<const uint8_t> bytes, uint64_t shi
 
 }  // namespace
 
+bool IsLastZipVolume(dib::ByteSource& source) {
+    constexpr uint16_t kTold64 = 0xFFFF;
+    const auto extent = FindDirectory(source);
+    return extent && extent->disk != 0 && extent->disk != kTold64;
+}
+
 std::optional<ZipDirectory> ReadZipDirectory(dib::ByteSource& source) {
     const auto extent = FindDirectory(source);
     if (!extent) return std::nullopt;
     auto bytes = ReadExactly(source, extent->offset, extent->size);
     if (!bytes) return std::nullopt;
-    ZipDirectory directory{std::move(*bytes), {}};
+    ZipDirectory directory{std::move(*bytes), {}, extent->disk};
     std::span<const uint8_t> rest(directory.bytes);
     while (auto record = ReadRecord(rest, extent->shift)) {
         rest = rest.subspan(record->bytes.size());
         directory.records.push_back(std::move(*record));
     }
     if (directory.records.empty() && !directory.bytes.empty()) return std::nullopt;
+    directory.isWhole = rest.empty() || (rest.size() >= 4 && Read32(rest, 0) == kSignatureMark);
     return directory;
 }
 

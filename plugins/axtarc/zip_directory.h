@@ -18,14 +18,20 @@ struct ZipRecord {
     std::span<const uint8_t> bytes;  // of the directory
     uint64_t headerOffset;           // of the member's own header, within the file
     uint16_t method;
-    bool isFile;  // and not a folder or a link
+    uint16_t disk;  // on which the member is
+    bool isFile;    // and not a folder or a link
     Member member;
 };
 
 struct ZipDirectory {
     std::vector<uint8_t> bytes;
     std::vector<ZipRecord> records;  // of a damaged directory, those before the damage
+    uint16_t disk = 0;               // of an archive cut into several files, the number of this one
+    bool isWhole = true;
 };
+
+// Whether an archive cut into several files ends with this one, as its end record says.
+bool IsLastZipVolume(dib::ByteSource& source);
 
 // Null when no directory is found or the medium fails.
 std::optional<ZipDirectory> ReadZipDirectory(dib::ByteSource& source);

@@ -27,7 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     dib::MemorySource source({data, size});
     unpack::IsArchive({data, size}, "name");
     std::unique_ptr<unpack::ArchiveReader> reader;
-    if (unpack::OpenArchive(source, "name.gz", reader) != codec::Result::kSuccess) return 0;
+    codec::Remark remark;
+    if (unpack::OpenArchive(source, "name.gz", reader, remark) != codec::Result::kSuccess) return 0;
     const size_t count = std::min(reader->Members().size(), kMostMembers);
     codec::Progress progress([](int, int) { return true; });
     for (size_t i = 0; i <= count && count != 0; ++i) {

@@ -1,16 +1,19 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 
 #include "plugins/axtarc/archive_format.h"
 #include "plugins/axtarc/archive_reader.h"
 #include "plugins/axtarc/little_endian.h"
 #include "plugins/axtarc/name_encoding.h"
 #include "tests/plugins_bundled/made_archives.h"
+#include "tests/plugins_bundled/made_rar.h"
 
 namespace tessary::unpack::test {
 namespace {
 
+using codec::Condition;
 using codec::Result;
 
 class TextSink final : public files::ByteSink {
@@ -30,14 +33,23 @@ class TextSink final : public files::ByteSink {
 // An archive in memory; without success of `result` there is no reader.
 struct Opened {
     explicit Opened(Bytes archive, const std::string& name = {})
-        : bytes(std::move(archive)), source(bytes), result(OpenArchive(source, name, reader)) {}
+        : bytes(std::move(archive)),
+          source(bytes),
+          result(OpenArchive(source, name, reader, remark)) {}
 
     Result Extract(size_t index, std::string& text) {
         TextSink sink;
         codec::Progress nobody;
         const Result extracted = reader->Extract(index, sink, nobody);
         text = sink.text;
+        told = nobody.Told().condition;
         return extracted;
+    }
+    // What is told of a member that cannot be extracted.
+    Condition Refusal(size_t index) {
+        std::string text;
+        EXPECT_NE(Extract(index, text), Result::kSuccess);
+        return told;
     }
     std::string Content(size_t index) {
         std::string text;
@@ -50,6 +62,8 @@ struct Opened {
     Bytes bytes;
     dib::MemorySource source;
     std::unique_ptr<ArchiveReader> reader;
+    codec::Remark remark;
+    Condition told = Condition::kNone;  // by the last extraction
     Result result;
 };
 
@@ -148,7 +162,8 @@ TEST(StreamArchive, GoesOnFromWhereItIsWhenSteppingForward) {
         const Bytes bytes = MakeArchive(kind, files);
         CountingSource source(bytes);
         std::unique_ptr<ArchiveReader> reader;
-        ASSERT_EQ(OpenArchive(source, "", reader), Result::kSuccess);
+        codec::Remark remark;
+        ASSERT_EQ(OpenArchive(source, "", reader, remark), Result::kSuccess);
         source.count = 0;
         codec::Progress nobody;
         for (size_t i = 0; i < files.size(); ++i) {
@@ -158,6 +173,48 @@ TEST(StreamArchive, GoesOnFromWhereItIsWhenSteppingForward) {
         }
         EXPECT_LT(source.count, bytes.size() * 3 / 2) << static_cast<int>(kind);
     }
+}
+
+// As after an allocation that failed, wherever that was.
+class ForgetfulSource final : public dib::ByteSource {
+  public:
+    explicit ForgetfulSource(const Bytes& bytes) : bytes_(bytes) {}
+    uint64_t Size() const override { return bytes_.Size(); }
+    std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> into) override {
+        errno = ENOMEM;
+        return bytes_.ReadAt(offset, into);
+    }
+
+  private:
+    dib::MemorySource bytes_;
+};
+
+TEST(StreamArchive, TakesNoOldFailureForAWantOfMemory) {
+    for (const char* name :
+         {"\x95\x5C\x83.txt", "\xE8\xA1\xA8\xF0\x9F\x98\x80\xFF.txt", "\xF0\x9F\x98\x80.txt"}) {
+        for (int kind = 0; kind < static_cast<int>(Kind::kLzhLevel0); ++kind) {
+            const Bytes bytes = MakeArchive(static_cast<Kind>(kind), {{name, "1"}, {"b", "2"}});
+            const Opened usual(bytes);
+            ForgetfulSource source(bytes);
+            std::unique_ptr<ArchiveReader> reader;
+            codec::Remark remark;
+            ASSERT_EQ(OpenArchive(source, "", reader, remark), usual.result) << kind;
+            ASSERT_EQ(reader->Members().size(), usual.Count()) << kind;
+            for (size_t i = 0; i < usual.Count(); ++i) {
+                EXPECT_EQ(reader->Members()[i].name, usual.At(i).name) << kind;
+                TextSink sink;
+                codec::Progress nobody;
+                EXPECT_EQ(reader->Extract(i, sink, nobody), Result::kSuccess) << kind;
+            }
+        }
+    }
+}
+
+TEST(StreamArchive, UnpacksWhatIsLargerThanTheWindowOfRar3) {
+    File file{"large.bmp", {}};
+    Opened archive(MakeCompressedRar(file));
+    ASSERT_EQ(archive.Count(), 1u);
+    EXPECT_TRUE(archive.Content(0) == file.content);
 }
 
 TEST(StreamArchive, ListsNoMoreThanCanBeUnpackedInTime) {
@@ -288,6 +345,106 @@ TEST(LzhArchive, UnpacksOldMethodsAndKeepsDoubleByteNames) {
     EXPECT_EQ(Opened(bytes).Extract(0, text), Result::kUnknownFormat);
     bytes = LzhMember(1, "-lh1-", {"wrong", "abracadabra, abracadabrb"}, LharcPacked());
     EXPECT_EQ(Opened(bytes).Extract(0, text), Result::kBrokenData);
+    // Nothing is taken from a later member for one of a method that nobody knows.
+    bytes = LzhMember(0, "-lz2-", {"unknown", "x"}, "x");
+    append(LzhMember(0, "-lh0-", {"known", "y"}, "y"));
+    EXPECT_NE(Opened(bytes).result, Result::kSuccess);
+}
+
+TEST(LzhArchive, GoesOnBehindEntriesWithoutAName) {
+    for (int level = 0; level <= 2; ++level) {
+        Bytes bytes = LzhMember(level, "-lhd-", {"", ""}, "");
+        for (const char* name : {"a", "", "b"}) {
+            const Bytes member = LzhMember(level, "-lh0-", {name, "x"}, "x");
+            bytes.insert(bytes.end(), member.begin(), member.end());
+        }
+        Opened archive(bytes);
+        ASSERT_EQ(archive.Count(), 3u) << level;
+        EXPECT_EQ(archive.At(2).name, "b");
+        EXPECT_EQ(archive.Content(2), "x");
+    }
+}
+
+TEST(LzhArchive, UnpacksLongMembersOfLarc) {
+    // Eight literals, then copies of them: two bytes each, also across the pieces that are read.
+    std::string packed =
+        "\xFF"
+        "abcdefgh";
+    std::string text = "abcdefgh";
+    while (packed.size() < 80'000) {
+        packed += '\0';
+        for (int i = 0; i < 8; ++i) {
+            const size_t from = 4096 - 18 + text.size() - 8;  // in a ring of 4096 bytes
+            packed += static_cast<char>(from);
+            packed += static_cast<char>((from >> 4 & 0xF0) | 15);
+            for (int k = 0; k < 18; ++k)
+                text += text[text.size() - 8];
+        }
+    }
+    Opened archive(LzhMember(0, "-lz5-", {"large", text}, packed));
+    ASSERT_EQ(archive.Count(), 1u);
+    EXPECT_TRUE(archive.Content(0) == text);
+}
+
+TEST(Archive, NamesWhatIsMissing) {
+    const std::vector<File> files{{"a", std::string(100, 'x')}};
+    // Volumes list what they have.
+    Bytes cab = MakeArchive(Kind::kCab, {{"a", std::string(600, 'x')}});
+    cab[30] = 2;  // goes on in another, whose name and disk follow
+    cab.insert(cab.begin() + 36, {'2', 0, 'b', 0});
+    cab[16] += 4;
+    cab[40] += 4;
+    Bytes firstZip = MakeArchive(Kind::kZip, files);
+    firstZip.insert(firstZip.begin(), {'P', 'K', 7, 8});
+    firstZip.resize(firstZip.size() - 30);
+    // A member of the first disk, cut, and the directory.
+    const Bytes zip = MakeArchive(Kind::kZip, files);
+    const size_t cutAt = Find(zip, "PK\3\4", 1) + 35;
+    Bytes lastZip(zip.begin() + static_cast<ptrdiff_t>(cutAt), zip.end());
+    lastZip[lastZip.size() - 18] = 1;  // the disk's number
+    lastZip[lastZip.size() - 6] = static_cast<uint8_t>(Find(lastZip, "PK\1\2"));
+    for (const Bytes& bytes : {MakeRar(files, kRarVolume, kRarSplitAfter),
+                               MakeRar5(files, kRar5Volume), cab, firstZip, lastZip}) {
+        Opened archive(bytes, "set");
+        EXPECT_EQ(archive.result, Result::kSuccess) << bytes[0];
+        EXPECT_EQ(archive.remark.condition, Condition::kVolumeMissing) << bytes[0];
+    }
+    EXPECT_EQ(Opened(lastZip).Refusal(0), Condition::kVolumeMissing);
+    // Of one that was cut anywhere only the name tells.
+    const Bytes whole = MakeArchive(Kind::kSevenZip, files);
+    const Bytes cut(whole.begin(), whole.end() - 10);
+    EXPECT_EQ(Opened(whole, "set.7z.001").remark.condition, Condition::kNone);
+    EXPECT_EQ(Opened(cut, "set.7z.001").remark.condition, Condition::kVolumeMissing);
+    EXPECT_EQ(Opened(cut, "set.7z").remark.condition, Condition::kDamaged);
+    EXPECT_EQ(Opened(Bytes(100, 'x'), "set.7z.002").remark.condition, Condition::kVolumeMissing);
+    EXPECT_EQ(Opened(Bytes(100, 'x'), "set.002").remark.condition, Condition::kNone);
+
+    // The list is encrypted, or only what it lists.
+    Bytes hidden{0x37, 0x7A, 0xBC, 0xAF, 0x27, 0x1C, 0, 4, 0xDC, 0xF7, 0x0F, 0x6F, 0x80};
+    hidden.resize(20);
+    hidden.insert(hidden.end(), {0x2E, 0, 0, 0, 0, 0, 0, 0, 0x24, 0xBB, 0x51, 0x33});
+    hidden.resize(hidden.size() + 0x80);
+    hidden.insert(hidden.end(),
+                  {0x17, 6,    0x10, 1,    9,    0x70, 0,    7,    0x0B, 1,    0,    1,
+                   0x24, 6,    0xF1, 7,    1,    0x12, 0x53, 0x0F, 0x0E, 0xE1, 0x60, 0x8F,
+                   0xBE, 0xA9, 0x80, 0x50, 0xDA, 0xF4, 0xA2, 0xBF, 0x1F, 0xFA, 0xBA, 0xE7,
+                   0x0C, 0x62, 0x0A, 1,    4,    0xE3, 0x1C, 0x4C, 0,    0});
+    for (const Bytes& bytes :
+         {hidden, MakeRar(files, kRarEncryptedHeaders), MakeRar5WithEncryptedHeaders()}) {
+        Opened archive(bytes);
+        EXPECT_EQ(archive.result, Result::kUnknownFormat) << bytes[0];
+        EXPECT_EQ(archive.remark.condition, Condition::kDirectoryEncrypted) << bytes[0];
+    }
+    for (const Bytes& bytes : {MakeRar(files, 0, kRarEncryptedFile), MakeRar5(files, 0, true)}) {
+        Opened archive(bytes);
+        EXPECT_EQ(archive.remark.condition, Condition::kNone);
+        ASSERT_EQ(archive.Count(), 1u);
+        EXPECT_EQ(archive.Refusal(0), Condition::kPasswordNeeded);
+    }
+    EXPECT_EQ(Opened(LzhMember(2, "-lh9-", {"a", "x"}, "x")).Refusal(0), Condition::kKindNotRead);
+    Bytes tar = MakeArchive(Kind::kTar, {{"a", "1"}, {"b", SomeText(5000, 1)}});
+    tar.resize(3 * 512 + 100);
+    EXPECT_EQ(Opened(tar).remark.condition, Condition::kDamaged);
 }
 
 TEST(ArchiveFormat, IsToldByContentAndForCompressedFilesByNameToo) {

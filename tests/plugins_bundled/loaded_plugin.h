@@ -68,11 +68,13 @@ class LoadedArchivePlugin : public LoadedModule {
         Find(getArchiveInfo, "GetArchiveInfo");
         Find(getFileInfo, "GetFileInfo");
         Find(getFile, "GetFile");
+        Find(getLastCondition, "GetLastCondition");
     }
 
     susie::GetArchiveInfoFunction getArchiveInfo;
     susie::GetFileInfoFunction getFileInfo;
     susie::GetFileFunction getFile;
+    susie::GetLastConditionFunction getLastCondition;
 };
 
 // One call of GetPicture, and what it hands over.

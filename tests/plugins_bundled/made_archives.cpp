@@ -8,6 +8,7 @@
 #include <numeric>
 
 #include "plugins/axtarc/little_endian.h"
+#include "tests/plugins_bundled/made_rar.h"
 
 namespace tessary::unpack::test {
 namespace {
@@ -112,77 +113,6 @@ Bytes MakeCab(const std::vector<File>& files) {
     cab.insert(cab.end(), entries.begin(), entries.end());
     cab.insert(cab.end(), blocks.begin(), blocks.end());
     return cab;
-}
-
-// A block of RAR 4: its sum, then kind, flags and fields.
-void AppendRarBlock(Bytes& rar, uint8_t kind, uint16_t flags, const Bytes& fields) {
-    Bytes block{kind};
-    AppendNumber(block, flags, 2);
-    AppendNumber(block, fields.size() + 7, 2);
-    block.insert(block.end(), fields.begin(), fields.end());
-    AppendNumber(rar, crc32(0, block.data(), static_cast<uInt>(block.size())), 2);
-    rar.insert(rar.end(), block.begin(), block.end());
-}
-
-Bytes MakeRar(const std::vector<File>& files) {
-    Bytes rar;
-    Append(rar, std::string_view("Rar!\x1A\x07\0", 7));
-    AppendRarBlock(rar, 0x73, 0, Bytes(6));
-    for (const File& file : files) {
-        Bytes fields;
-        AppendNumber(fields, file.content.size(), 4);
-        AppendNumber(fields, file.content.size(), 4);
-        fields.push_back(2);  // packed on Windows
-        AppendNumber(fields,
-                     crc32(0, reinterpret_cast<const Bytef*>(file.content.data()),
-                           static_cast<uInt>(file.content.size())),
-                     4);
-        AppendNumber(fields, 0x2B290021, 4);  // date and time
-        AppendNumber(fields, 0x3014, 2);      // version 2.0, stored
-        AppendNumber(fields, file.name.size(), 2);
-        AppendNumber(fields, 0x20, 4);
-        Append(fields, file.name);
-        AppendRarBlock(rar, 0x74, 0x8000, fields);
-        Append(rar, file.content);
-    }
-    AppendRarBlock(rar, 0x7B, 0x4000, {});
-    return rar;
-}
-
-// A block of RAR 5: its sum, its size and its fields, most of them numbers of 7 bits a byte.
-void AppendRar5Block(Bytes& rar, const Bytes& fields) {
-    Bytes block{static_cast<uint8_t>(fields.size())};
-    block.insert(block.end(), fields.begin(), fields.end());
-    AppendNumber(rar, crc32(0, block.data(), static_cast<uInt>(block.size())), 4);
-    rar.insert(rar.end(), block.begin(), block.end());
-}
-
-Bytes MakeRar5(const std::vector<File>& files) {
-    Bytes rar;
-    Append(rar, std::string_view("Rar!\x1A\x07\1\0", 8));
-    AppendRar5Block(rar, {1, 0, 0});
-    for (const File& file : files) {
-        const auto appendSize = [](Bytes& fields, size_t size) {
-            for (; size > 0x7F; size >>= 7)
-                fields.push_back(static_cast<uint8_t>(size | 0x80));
-            fields.push_back(static_cast<uint8_t>(size));
-        };
-        Bytes fields{2, 2};  // a file, with data behind the block
-        appendSize(fields, file.content.size());
-        fields.push_back(4);  // with a sum
-        appendSize(fields, file.content.size());
-        fields.push_back(0x20);
-        AppendNumber(fields,
-                     crc32(0, reinterpret_cast<const Bytef*>(file.content.data()),
-                           static_cast<uInt>(file.content.size())),
-                     4);
-        fields.insert(fields.end(), {0, 0, static_cast<uint8_t>(file.name.size())});  // stored
-        Append(fields, file.name);
-        AppendRar5Block(rar, fields);
-        Append(rar, file.content);
-    }
-    AppendRar5Block(rar, {5, 0, 0});
-    return rar;
 }
 
 uint16_t Crc16(std::string_view text) {
