@@ -204,7 +204,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     bool archiveShown_ = false;  // the member list belongs to the selected file
     std::wstring failure_;       // why the file shown last is not shown
     int busy_ = 0;               // how many Busy there are
-    bool inBurst_ = false;       // there is a Burst
+    Burst* burst_ = nullptr;     // the one there is
     bool listsChange_ = false;   // nothing may be asked of them now
     std::wstring loadingPath_;   // the file that is being loaded; empty: none
     std::wstring loadingText_;   // what is told meanwhile

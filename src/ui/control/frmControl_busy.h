@@ -34,6 +34,9 @@ class frmControl::Burst {
     Burst& operator=(const Burst&) = delete;
     ~Burst();
 
+    // Paints the lists as they are: a load takes long, and they would seem to be empty.
+    void ShowLists();
+
   private:
     frmControl& bar_;
     HWND focused_;

@@ -44,28 +44,32 @@ bool IsPlainFile(const std::wstring& path) {
 frmControl::Busy::Busy(frmControl& bar, const wchar_t* what) : bar_(bar), focused_(GetFocus()) {
     reading_.emplace(bar.window_, what);
     ++bar_.busy_;
-    if (bar_.inBurst_) return;
+    if (bar_.burst_ != nullptr) return;
     if (!bar_.player_.IsPlaying()) pointer_.emplace();
 }
 
 frmControl::Busy::~Busy() {
     reading_.reset();
-    if (--bar_.busy_ == 0 && !bar_.inBurst_) bar_.EnableParts(focused_);
+    if (--bar_.busy_ == 0 && bar_.burst_ == nullptr) bar_.EnableParts(focused_);
 }
 
 frmControl::Burst::Burst(frmControl& bar) : bar_(bar), focused_(GetFocus()) {
     files_.emplace(bar.listFileName_);
     members_.emplace(bar.listArchiveFile_);
-    bar_.inBurst_ = true;
+    bar_.burst_ = this;
 }
 
 frmControl::Burst::~Burst() {
-    bar_.inBurst_ = false;
+    bar_.burst_ = nullptr;
     bar_.TellLate();
+    ShowLists();
+    bar_.EnableParts(focused_);
+}
+
+void frmControl::Burst::ShowLists() {
     files_.reset();
     members_.reset();
     bar_.ShowFoldedOrNot();  // the bar may have been folded meanwhile
-    bar_.EnableParts(focused_);
 }
 
 // The entries change under the user's hands.
@@ -90,10 +94,11 @@ void frmControl::TellLate() {
     longLoad_.Stop();
     if (lateInfo_) textFileInfo_.SetText(*std::exchange(lateInfo_, {}));
     if (lateShown_) window_.SetPanelText(kShownFilePanel, *std::exchange(lateShown_, {}));
+    if (burst_ != nullptr) burst_->ShowLists();
 }
 
 void frmControl::TellInfo(const std::wstring& info) {
-    if (inBurst_) {
+    if (burst_ != nullptr) {
         lateInfo_ = info;
     } else {
         textFileInfo_.SetText(info);
@@ -109,12 +114,12 @@ void frmControl::TellNotShown(const std::wstring& text) {
 void frmControl::TellLoading(const std::wstring& text) {
     loadingText_ = text;
     TellNotShown(text);
-    if (inBurst_) longLoad_.Start(kLongLoadMilliseconds);
+    if (burst_ != nullptr) longLoad_.Start(kLongLoadMilliseconds);
 }
 
 // In the main window's status bar.
 void frmControl::TellShown(const std::wstring& text) {
-    if (inBurst_) {
+    if (burst_ != nullptr) {
         lateShown_ = text;
     } else {
         window_.SetPanelText(kShownFilePanel, text);
@@ -125,7 +130,7 @@ void frmControl::TellShown(const std::wstring& text) {
 
 bool frmControl::SetFileList(std::span<const std::wstring> files) {
     if (busy_ > 0 || !Load(window_.Handle())) return false;
-    wishes_.file = wishes_.member = false;
+    wishes_.ForgetMoves();
     shownPath_.clear();
     FillFileList(files);
     EndLoad();
@@ -208,7 +213,7 @@ void frmControl::SetMembers(std::span<const ListedMember> members) {
         listArchiveFile_.SetItemData(listArchiveFile_.Add(member.name), member.position);
     }
     hold.reset();
-    if (!inBurst_) ShowFoldedOrNot();  // the bar may have been folded meanwhile
+    if (burst_ == nullptr) ShowFoldedOrNot();  // the bar may have been folded meanwhile
 }
 
 void frmControl::ShowNoArchive() {
@@ -277,7 +282,7 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         loadingPath_ = path;
         TellLoading(kTagLoading + name);
         // Some plug-ins let nothing be painted before they are done.
-        if (!inBurst_) UpdateWindow(textFileInfo_.Handle());
+        if (burst_ == nullptr) UpdateWindow(textFileInfo_.Handle());
         const ShownFile shown = Show(name, [&] { return ShowFile(path, window_, *this); });
         loadingPath_.clear();
         loadingText_.clear();

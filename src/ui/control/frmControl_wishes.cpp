@@ -137,7 +137,7 @@ void frmControl::WishMark() {
 // Also tells what comes next, where it is told what is being loaded.
 void frmControl::WishIsThere() {
     wishesDue_.Start(kWishMilliseconds);
-    if (loadingText_.empty() || inBurst_) return;
+    if (loadingText_.empty() || burst_ != nullptr) return;
     std::wstring next;
     if (wishes_.file) next = FileNameOf(listFileName_.Item(listFileName_.Selected()));
     if (wishes_.member) next = FileNameOf(listArchiveFile_.Item(listArchiveFile_.Selected()));

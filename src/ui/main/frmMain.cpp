@@ -154,10 +154,10 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
             }
             SetCursor(LoadCursorW(nullptr, IDC_WAIT));
             return TRUE;
-        case kOpenFilesMessage: {
-            OpenNow(std::exchange(filesToOpen_, {}));
+        case kOpenFilesMessage:
+            // The end of a Reading posts it again.
+            if (!IsReading()) OpenNow(std::exchange(filesToOpen_, {}));
             return 0;
-        }
         case WM_SETFOCUS:  // the keys are the picture's
             TakeFocus();
             return 0;

@@ -111,7 +111,7 @@ class frmMain final : public Form, public PictureView {
     void MakeRoomAbove(int pixels);
 
     // Hands files to their receiver as soon as the messages that wait now are done. A folder
-    // stands for the plain files directly in it. Ignored while a picture is being loaded.
+    // stands for the plain files directly in it. What is being loaded ends before.
     void OpenLater(const std::vector<std::wstring>& paths);
 
     // Tells in the status bar when what was to be opened holds no file (`count` is 0), or some of
@@ -188,6 +188,7 @@ class frmMain final : public Form, public PictureView {
     void ScreenChanged();
     void FitToScreen();
     void pictureView_Wheel(int notches, int shift);
+    // Whether the control bar and those who bring files are heard now.
     bool MayPress() const;
     void Step(BarButton button);
 

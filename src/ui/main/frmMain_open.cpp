@@ -20,8 +20,7 @@ void frmMain::AcceptDroppedFiles() {
     const FileDropTarget::Handlers handlers{
         .accepts =
             [this] {
-                return fileListReceiver_ != nullptr && !IsReadUnderWay() &&
-                       IsWindowEnabled(Handle());
+                return fileListReceiver_ != nullptr && MayPress() && IsWindowEnabled(Handle());
             },
         .drop = [this](const std::vector<std::wstring>& paths) { OpenLater(paths); }};
     windowDrop_.Register(Handle(), handlers);

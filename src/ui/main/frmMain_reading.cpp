@@ -41,6 +41,7 @@ frmMain::Reading::~Reading() {
     if (--state.depth > 0) return;
     const std::optional<std::wstring> covered = std::exchange(state.covered, {});
     if (covered) window_.SetPanelText(kNoticePanel, *covered);
+    if (window_.filesToOpen_) PostMessageW(window_.Handle(), kOpenFilesMessage, 0, 0);
 }
 
 // While the window is disabled the system passes no command keys on to it.

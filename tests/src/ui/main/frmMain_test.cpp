@@ -93,8 +93,15 @@ TEST_F(OpenFilesTest, RefusesDropsThatItCannotServe) {
     Values().readsUnderWay = 0;
     EnableWindow(window_.Handle(), FALSE);  // behind a dialog
     EXPECT_EQ(Drop(window_.Handle(), {file}), DROPEFFECT_NONE);
+    EnableWindow(window_.Handle(), TRUE);
+    {
+        const frmMain::Reading reading(window_, L"reading");
+        EXPECT_EQ(Drop(window_.Handle(), {file}), DROPEFFECT_COPY);
+        DoEvents();
+        EXPECT_TRUE(controlBar_.lists.empty());
+    }
     DoEvents();
-    EXPECT_TRUE(controlBar_.lists.empty());
+    EXPECT_EQ(controlBar_.lists.size(), 1u);  // not before the end of the load
 }
 
 TEST_F(StatusBarTest, ShowsTextsAsTheyAreInPanelsThatFit) {
