@@ -1,8 +1,10 @@
 #include "plugins/iftesswic/gif_first_frame.h"
 
 #include <algorithm>
+#include <array>
 
 #include "plugins/common/picture_target.h"
+#include "plugins/iftesswic/gif_codes.h"
 
 namespace tessary::wic {
 namespace {
@@ -40,10 +42,12 @@ struct GifFirstFrame::Walk {
         if ((flags & 0x80) != 0) position += uint64_t{3} << ((flags & 7) + 1);
     }
 
-    // Moves behind the terminator of a series of blocks; false when the file ends before it.
-    bool SkipBlocks() {
+    // Moves behind the terminator of a series of blocks; false when the file ends before it. What
+    // the blocks hold goes into `codes`, unless that is null.
+    bool SkipBlocks(GifCodes* codes = nullptr) {
         for (;;) {
             const uint8_t length = Byte();
+            if (codes != nullptr) ReadBlock(length, *codes);
             if (atEnd || position + length > file.Size()) {
                 position += length;
                 return false;
@@ -51,6 +55,13 @@ struct GifFirstFrame::Walk {
             if (length == 0) return true;
             position += length;
         }
+    }
+
+    void ReadBlock(uint8_t length, GifCodes& codes) {
+        std::array<uint8_t, kLongestBlock> block;
+        const auto got = file.ReadAt(position, std::span(block).first(length));
+        for (size_t i = 0; i < got.value_or(0); ++i)
+            codes.Add(block[i]);
     }
 };
 
@@ -83,9 +94,12 @@ void GifFirstFrame::ReadFrame(Walk& walk) {
     screen_.width = std::max(screen_.width, screen_.frameLeft + screen_.frameWidth);
     screen_.height = std::max(screen_.height, screen_.frameTop + screen_.frameHeight);
     walk.SkipColorTable(walk.Byte());
-    walk.Byte();  // bits of the first code
+    GifCodes codes(walk.Byte());
+    isWhole_ = false;
     if (walk.atEnd) return;
-    if (walk.SkipBlocks()) {
+    const bool isEnded = walk.SkipBlocks(&codes);
+    isWhole_ = codes.Pixels() >= uint64_t{screen_.frameWidth} * screen_.frameHeight;
+    if (isEnded) {
         fileBytes_ = walk.position;
         hasTail_ = true;
     } else {

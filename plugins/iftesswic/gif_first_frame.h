@@ -30,6 +30,9 @@ class GifFirstFrame final : public dib::ByteSource {
     // A frame that reaches over the edge of its screen widens it, as browsers do.
     const GifScreen& Screen() const { return screen_; }
 
+    // Whether the file has data for all pixels of the frame. One without a frame has.
+    bool IsWhole() const { return isWhole_; }
+
     uint64_t Size() const override { return fileBytes_ + TailSize(); }
     std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> out) override;
 
@@ -43,6 +46,7 @@ class GifFirstFrame final : public dib::ByteSource {
 
     dib::ByteSource& file_;
     GifScreen screen_;
+    bool isWhole_ = true;
     uint64_t fileBytes_;          // how much of the file is used
     bool hasTail_ = false;        // whether what follows ends the file
     uint64_t missingBytes_ = 0;   // of the data block that the file's end cut

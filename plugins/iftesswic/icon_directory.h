@@ -1,12 +1,14 @@
 // The directory at the start of icon and cursor files (ICONDIR of the Windows documents): which of
-// the pictures to show, and cursors presented as icons.
+// the pictures to show, and whether its header can be believed.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
 
 #include "helpers/dib/byte_source.h"
+#include "plugins/iftesswic/inspection.h"
 
 namespace tessary::wic {
 
@@ -14,20 +16,30 @@ namespace tessary::wic {
 // bytes alone also start other formats, uncompressed TGA among them.
 bool IsIconDirectory(std::span<const uint8_t> header);
 
-// Index of the largest picture, of equal ones the deepest; 0 when the directory is damaged.
-uint32_t LargestIcon(dib::ByteSource& file);
-
-// A cursor file that reads like an icon file: they differ in the type and in the entries' hot spots
-// only, and the system decodes no cursors. The file outlives it.
-class CursorAsIcon final : public dib::ByteSource {
+// One picture of an icon or cursor file as an icon file of its own: cursors differ from icons in
+// the type and the entries' hot spots only, and the system decodes no cursors. Nothing else of the
+// file is seen by the system's decoder, which believes the headers of all pictures. The file
+// outlives it.
+class SingleIcon final : public dib::ByteSource {
   public:
-    explicit CursorAsIcon(dib::ByteSource& file) : file_(file) {}
+    // The largest picture whose header is sound, of equal ones the deepest. Whole ones are taken
+    // before those of which the file has only a part; what that lacks is zeros.
+    explicit SingleIcon(dib::ByteSource& file);
 
-    uint64_t Size() const override { return file_.Size(); }
+    // A picture that is damaged, or that had to stand in for a better one that is, is told.
+    const Inspection& Found() const { return inspection_; }
+
+    uint64_t Size() const override { return kStartSize + size_; }
     std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> out) override;
 
   private:
+    static constexpr size_t kStartSize = 22;  // a directory of one entry
+
     dib::ByteSource& file_;
+    Inspection inspection_;
+    std::array<uint8_t, kStartSize> start_{};
+    uint64_t offset_ = 0;  // of the picture in the file
+    uint64_t size_ = 0;
 };
 
 }  // namespace tessary::wic

@@ -3,15 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <optional>
 #include <utility>
 #include <vector>
 
 #include "plugins/common/oriented_rows.h"
 #include "plugins/common/palette.h"
-#include "plugins/iftesswic/gif_first_frame.h"
-#include "plugins/iftesswic/icon_directory.h"
 #include "plugins/iftesswic/pixel_rows.h"
+#include "plugins/iftesswic/safe_file.h"
 #include "plugins/iftesswic/source_stream.h"
 #include "plugins/iftesswic/wic_frame.h"
 
@@ -47,8 +45,9 @@ Result ResultOf(HRESULT code) {
 class FrameCopy {
   public:
     // `screen` counts when the frame on it is the decoded one; any other frame is its own screen.
-    FrameCopy(const WicFrame& frame, Container container, const GifScreen& screen)
-        : frame_(frame), pixels_(frame.Pixels()), container_(container), screen_(screen) {
+    // `stripRows` is how many rows are stored together, 0 where they all are.
+    FrameCopy(const WicFrame& frame, const GifScreen& screen, uint32_t stripRows)
+        : frame_(frame), pixels_(frame.Pixels()), stripRows_(stripRows), screen_(screen) {
         const uint32_t width = frame.Width(), height = frame.Height();
         if (screen.frameWidth != width || screen.frameHeight != height) {
             screen_ = {.width = width, .height = height};
@@ -66,11 +65,12 @@ class FrameCopy {
     void FillWhite(const codec::PictureRows& rows) const;
     codec::PictureRows FrameRows(const codec::PictureRows& rows) const;
     uint32_t RowsPerBand(size_t stride) const;
+    HRESULT CopyBand(uint32_t top, uint32_t count, std::vector<uint8_t>& band) const;
     void ConvertRow(const uint8_t* in, uint8_t* out) const;
 
     const WicFrame& frame_;
     WicPixels pixels_;
-    Container container_;
+    uint32_t stripRows_;
     GifScreen screen_;
 };
 
@@ -112,8 +112,17 @@ codec::PictureRows FrameCopy::FrameRows(const codec::PictureRows& rows) const {
 // them. The other decoders may well decode the whole picture again for every band.
 uint32_t FrameCopy::RowsPerBand(size_t stride) const {
     const uint32_t height = frame_.Height();
-    if (container_ != Container::kTiff) return height;
+    if (stripRows_ == 0) return height;
     return std::clamp<uint32_t>(static_cast<uint32_t>(kBandSize / stride), 1, height);
+}
+
+HRESULT FrameCopy::CopyBand(uint32_t top, uint32_t count, std::vector<uint8_t>& band) const {
+    const auto stride = static_cast<size_t>(dib::RowStride(frame_.Width(), pixels_.bitCount));
+    band.resize(stride * count);
+    const WICRect area{0, static_cast<INT>(top), static_cast<INT>(frame_.Width()),
+                       static_cast<INT>(count)};
+    return pixels_.source->CopyPixels(&area, static_cast<UINT>(stride),
+                                      static_cast<UINT>(stride * count), band.data());
 }
 
 void FrameCopy::ConvertRow(const uint8_t* in, uint8_t* out) const {
@@ -142,46 +151,58 @@ Result FrameCopy::Run(uint64_t sourceSize, codec::PictureTarget& target,
     codec::OrientedRows oriented(FrameRows(rows), width, height, form.bitCount == 24 ? 3 : 1,
                                  frame_.Orientation());
     const auto stride = static_cast<size_t>(dib::RowStride(width, pixels_.bitCount));
-    const uint32_t bandRows = RowsPerBand(stride);
-    std::vector<uint8_t> band(stride * bandRows);
-    for (uint32_t top = 0; top < height; top += bandRows) {
-        const uint32_t count = std::min(bandRows, height - top);
-        const WICRect area{0, static_cast<INT>(top), static_cast<INT>(width),
-                           static_cast<INT>(count)};
-        Check(pixels_.source->CopyPixels(&area, static_cast<UINT>(stride),
-                                         static_cast<UINT>(stride * count), band.data()));
+    uint32_t bandRows = RowsPerBand(stride);
+    std::vector<uint8_t> band;
+    uint32_t rowsMissing = 0;
+    for (uint32_t top = 0; top < height;) {
+        // A strip that cannot be read must not take its neighbours along.
+        uint32_t count = std::min(bandRows, height - top);
+        HRESULT copied = CopyBand(top, count, band);
+        if (FAILED(copied) && stripRows_ != 0 && stripRows_ < count) {
+            bandRows = stripRows_;
+            count = stripRows_ - top % stripRows_;
+            copied = CopyBand(top, count, band);
+        }
+        if (FAILED(copied)) {
+            if (stripRows_ == 0 || (rowsMissing += count) == height) throw ComFailure{copied};
+            std::ranges::fill(band, uint8_t{0xFF});
+        }
         for (uint32_t y = top; y < top + count; ++y) {
             ConvertRow(band.data() + (y - top) * stride, oriented.RowBuffer(y));
             oriented.RowDone(y);
             if (!progress.Report(y + 1, height)) return Result::kAborted;
         }
+        top += count;
+    }
+    if (rowsMissing != 0) {
+        progress.Tell(codec::Condition::kDamaged, L"TIFFデータが壊れているか、途中で切れています");
     }
     return Result::kSuccess;
 }
 
 // Opens the file and gives its frame to `use`. Nothing of COM is left when it returns.
 template <class Use>
-Result WithFrame(dib::ByteSource& source, Use use) {
+Result WithFrame(dib::ByteSource& source, codec::Progress& progress, Use use) {
     std::array<uint8_t, kHeaderSize> header{};
     const auto count = source.ReadAt(0, header);
     if (!count) return Result::kReadError;
     const Container container = DetectContainer(std::span(header).first(*count));
-    if (container == Container::kUnknown) return Result::kUnknownFormat;
+    SafeFile file(source, container);
+    progress.Tell(file.Found().remark.condition, file.Found().remark.text);
+    if (file.Found().result != Result::kSuccess) return file.Found().result;
     try {
         const ComApartment apartment;
-        std::optional<CursorAsIcon> cursor;
-        std::optional<GifFirstFrame> gif;
-        dib::ByteSource* readable = &source;
-        uint32_t index = 0;
-        if (container == Container::kGif) {
-            readable = &gif.emplace(source);
-        } else if (container == Container::kIcon || container == Container::kCursor) {
-            index = LargestIcon(source);
-            if (container == Container::kCursor) readable = &cursor.emplace(source);
+        if (file.HasBigEndianSamples() && !ReadsBigEndianSamples()) {
+            progress.Tell(codec::Condition::kKindNotRead,
+                          L"16ビットのビッグエンディアンのTIFFを、このシステムは正しく読めません");
+            return Result::kUnknownFormat;
         }
-        const WicFrame frame(container, MakeStream(*readable), index);
-        return use(FrameCopy(frame, container, gif ? gif->Screen() : GifScreen{}));
+        const WicFrame frame(container, MakeStream(file.Source()));
+        return use(FrameCopy(frame, file.Screen(), file.RowsPerStrip()));
     } catch (const ComFailure& failure) {
+        // The system's decoders seldom tell what they miss from what they do not know.
+        progress.Tell(codec::Condition::kKindNotRead,
+                      L"壊れているか、このシステムが対応していない種類の画像です");
         return ResultOf(failure.code);
     }
 }
@@ -197,7 +218,8 @@ bool WicDecoder::IsSupported(std::span<const uint8_t> header) const {
 }
 
 Result WicDecoder::ReadForm(dib::ByteSource& source, codec::PictureForm& form) const {
-    return WithFrame(source, [&](const FrameCopy& copy) {
+    codec::Progress nobody;
+    return WithFrame(source, nobody, [&](const FrameCopy& copy) {
         form = copy.Form();
         return Result::kSuccess;
     });
@@ -206,8 +228,9 @@ Result WicDecoder::ReadForm(dib::ByteSource& source, codec::PictureForm& form) c
 Result WicDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
                           codec::Progress& progress) const {
     if (!progress.Report(0, 1)) return Result::kAborted;
-    return WithFrame(
-        source, [&](const FrameCopy& copy) { return copy.Run(source.Size(), target, progress); });
+    return WithFrame(source, progress, [&](const FrameCopy& copy) {
+        return copy.Run(source.Size(), target, progress);
+    });
 }
 
 }  // namespace tessary::wic

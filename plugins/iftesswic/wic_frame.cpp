@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "plugins/common/palette.h"
+#include "plugins/iftesswic/source_stream.h"
 
 namespace tessary::wic {
 namespace {
@@ -160,9 +161,34 @@ bool DecoderInstalled(Container container) {
     return SUCCEEDED(MakeFactory()->CreateDecoder(*id, nullptr, &decoder));
 }
 
-WicFrame::WicFrame(Container container, const ComPtr<IStream>& stream, uint32_t frameIndex)
+bool ReadsBigEndianSamples() {
+    // A grey picture of one pixel, 0x1234.
+    static constexpr uint8_t kFile[] = {
+        'M', 'M', 0, 42, 0,    0,   0, 8, 0, 9,           // one directory of nine entries:
+        1,   0,   0, 3,  0,    0,   0, 1, 0, 1,  0, 0,    // width
+        1,   1,   0, 3,  0,    0,   0, 1, 0, 1,  0, 0,    // height
+        1,   2,   0, 3,  0,    0,   0, 1, 0, 16, 0, 0,    // bits of a sample
+        1,   3,   0, 3,  0,    0,   0, 1, 0, 1,  0, 0,    // not compressed
+        1,   6,   0, 3,  0,    0,   0, 1, 0, 1,  0, 0,    // black is 0
+        1,   17,  0, 4,  0,    0,   0, 1, 0, 0,  0, 122,  // where the pixel stands
+        1,   21,  0, 3,  0,    0,   0, 1, 0, 1,  0, 0,    // samples of a pixel
+        1,   22,  0, 3,  0,    0,   0, 1, 0, 1,  0, 0,    // rows of a strip
+        1,   23,  0, 4,  0,    0,   0, 1, 0, 0,  0, 2,    // bytes of the pixel
+        0,   0,   0, 0,  0x12, 0x34};
+    try {
+        dib::MemorySource source(kFile);
+        const WicFrame frame(Container::kTiff, MakeStream(source));
+        uint8_t pixel[2] = {};
+        Check(frame.Pixels().source->CopyPixels(nullptr, sizeof pixel, sizeof pixel, pixel));
+        return pixel[0] == 0x34 && pixel[1] == 0x12;
+    } catch (const ComFailure&) {
+        return false;
+    }
+}
+
+WicFrame::WicFrame(Container container, const ComPtr<IStream>& stream)
     : factory_(MakeFactory()), decoder_(OpenDecoder(factory_.Get(), container, stream.Get())) {
-    Check(decoder_->GetFrame(frameIndex, &frame_));
+    Check(decoder_->GetFrame(0, &frame_));
     Check(frame_->GetSize(&width_, &height_));
     if (container == Container::kTiff) ReadOrientation();
     ReadResolution();

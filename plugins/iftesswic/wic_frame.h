@@ -26,9 +26,9 @@ struct WicPixels {
 
 class WicFrame {
   public:
-    // Throws ComFailure when no installed decoder takes the file. The stream's source outlives the
-    // frame.
-    WicFrame(Container container, const ComPtr<IStream>& stream, uint32_t frameIndex);
+    // The first frame. Throws ComFailure when no installed decoder takes the file. The stream's
+    // source outlives the frame.
+    WicFrame(Container container, const ComPtr<IStream>& stream);
 
     uint32_t Width() const { return width_; }    // pixels, as stored
     uint32_t Height() const { return height_; }  // pixels, as stored
@@ -56,6 +56,10 @@ class WicFrame {
     int32_t xPelsPerMeter_ = 0;
     int32_t yPelsPerMeter_ = 0;
 };
+
+// Whether the system's TIFF decoder puts the two bytes of samples in order that begin with the high
+// one. Some do not, and show noise.
+bool ReadsBigEndianSamples();
 
 // Whether the system has a decoder for a container that not every Windows decodes.
 bool DecoderInstalled(Container container);

@@ -29,6 +29,7 @@ class LoadedModule {
         EXPECT_NE(module_, nullptr) << path << ' ' << GetLastError();
         Find(getPluginInfo, "GetPluginInfo");
         Find(isSupported, "IsSupported");
+        Find(getLastCondition, "GetLastCondition");
     }
     ~LoadedModule() { FreeLibrary(module_); }
     LoadedModule(const LoadedModule&) = delete;
@@ -36,6 +37,7 @@ class LoadedModule {
 
     susie::GetPluginInfoFunction getPluginInfo;
     susie::IsSupportedFunction isSupported;
+    susie::GetLastConditionFunction getLastCondition;
 
   protected:
     template <class Function>

@@ -53,4 +53,23 @@ std::vector<uint8_t> MakeGif();
 constexpr size_t kGifScreen = 6, kGifHasClear = 28, kGifClearIndex = 31, kGifFrame = 34;
 constexpr size_t kGifFirstPixels = 43;
 
+// An icon (type 1) or cursor (2) of pictures of 16, 32 and 24 pixels in red, half transparent
+// 0x204060 and green.
+std::vector<uint8_t> MakeIcon(uint32_t type);
+
+// Where the header of a picture stands, and its height in it.
+constexpr size_t kIconEntry = 6, kIconEntrySize = 16, kIconOffset = 12, kIconHeight = 8;
+
+// A grey picture of one uncompressed strip of 4 bytes.
+std::vector<uint8_t> MakeTiff(uint32_t width, uint32_t height, uint32_t bits, uint32_t photometric,
+                              uint32_t orientation, uint32_t strip);
+
+// Where the first of its ten entries stands, and the link behind the last. They are: 0 width, 1
+// height, 2 bits, 5 strip offsets, 6 orientation, 8 rows of a strip, 9 sizes of the strips.
+constexpr size_t kTiffEntries = 14, kTiffEntrySize = 12, kTiffLink = 134;
+
+// A red square of `side` pixels, a multiple of 4, in blocks of 8 bytes. `format` is a DXGI number,
+// or 0 for the kind that is called `name`.
+std::vector<uint8_t> MakeDds(uint32_t side, const char* name, uint32_t format);
+
 }  // namespace tessary::codec::test

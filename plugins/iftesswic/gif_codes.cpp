@@ -1,0 +1,59 @@
+#include "plugins/iftesswic/gif_codes.h"
+
+#include <algorithm>
+
+namespace tessary::wic {
+namespace {
+
+constexpr unsigned kMostFirstBits = 11;
+constexpr unsigned kMostCodeBits = 12;
+
+}  // namespace
+
+GifCodes::GifCodes(uint8_t firstBits)
+    : clearCode_(1u << std::min<unsigned>(firstBits, kMostFirstBits)) {
+    ended_ = firstBits == 0 || firstBits > kMostFirstBits;
+    std::fill_n(lengths_.begin(), clearCode_, uint16_t{1});
+    Clear();
+}
+
+void GifCodes::Clear() {
+    codes_ = clearCode_ + 2;
+    before_ = kMostCodes;
+    for (codeBits_ = 1; clearCode_ >> codeBits_ != 0; ++codeBits_) {
+    }
+}
+
+void GifCodes::Add(uint8_t byte) {
+    bits_ |= uint32_t{byte} << bitCount_;
+    bitCount_ += 8;
+    while (!ended_ && bitCount_ >= codeBits_) {
+        const uint32_t code = bits_ & ((1u << codeBits_) - 1);
+        bits_ >>= codeBits_;
+        bitCount_ -= codeBits_;
+        Take(code);
+    }
+    if (ended_) bits_ = bitCount_ = 0;
+}
+
+void GifCodes::Take(uint32_t code) {
+    if (code == clearCode_) return Clear();
+    const bool isFirst = before_ == kMostCodes;
+    if (code == clearCode_ + 1 || code > codes_ || (isFirst && code >= clearCode_)) {
+        ended_ = true;
+        return;
+    }
+    if (!isFirst && codes_ < kMostCodes) {
+        // Longer than the table is deep no code can be.
+        lengths_[codes_++] = static_cast<uint16_t>(lengths_[before_] + 1);
+        if (codes_ == 1u << codeBits_ && codeBits_ < kMostCodeBits) ++codeBits_;
+    }
+    if (code >= codes_) {
+        ended_ = true;
+        return;
+    }
+    pixels_ += lengths_[code];
+    before_ = code;
+}
+
+}  // namespace tessary::wic
