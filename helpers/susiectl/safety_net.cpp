@@ -53,9 +53,15 @@ bool CatchFalling(GuardContext& guard, CONTEXT& context) {
     return true;
 }
 
+// Whether the thread is on its way back from a crash, outside of all guarded code.
 bool IsBackFromCrash(const GuardContext* guard) {
-    return (guard && guard->stage == GuardStage::kAfter) ||
-           (IsRecovering() && !(guard && guard->stage == GuardStage::kInside));
+    if (guard && guard->stage == GuardStage::kInside) return false;
+    return IsRecovering() || (guard && guard->crashed);
+}
+
+// One of the processor's or system's errors. Others are thrown to be caught.
+bool IsSystemError(DWORD code) {
+    return code >> 28 == 0xC;
 }
 
 // Called for every exception of every thread, before the handlers on the chain.
@@ -65,7 +71,7 @@ LONG CALLBACK HandleFirst(EXCEPTION_POINTERS* pointers) {
     GuardContext* guard = InnermostGuard();
     // Back from a crash there is nobody left who could take another one: what it means is that the
     // plug-in has ruined what we depend on.
-    if (!IsMessageToDebugger(code) && IsBackFromCrash(guard)) EndProcess();
+    if (IsSystemError(code) && IsBackFromCrash(guard)) EndProcess();
     if (guard && guard->stage != GuardStage::kInside) guard = nullptr;
     // Whoever takes it, few put the stack in order again.
     if (guard && code == EXCEPTION_STACK_OVERFLOW) guard->stackExhausted = true;

@@ -45,6 +45,8 @@ class ConvertRun {
     void ConvertEntry();
     // Tells the monitor what became of the entry, if that is known and the entry is a file.
     void TellReport();
+    // Warns once that no plug-in is called any more.
+    void TellStoppedPlugins();
     // Deletes an extracted member that has done its service or is not wanted.
     void CleanUp(const WorkEntry& entry, StepResult result);
     StepResult ConvertByKind(const WorkEntry& entry);
@@ -120,6 +122,7 @@ class ConvertRun {
     int32_t current_ = 0;     // index of the entry at hand
     FileReport report_;       // on it
     bool isReported_ = false;
+    bool stopIsTold_ = false;
     SourceFile source_;  // what it has turned out to be
     ReadAhead ahead_;    // the next entry
 };

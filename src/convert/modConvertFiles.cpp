@@ -66,7 +66,6 @@ bool ConvertRun::Run() {
         const ULONGLONG start = GetTickCount64();
         report_ = {.source = Entry().source, .member = Entry().member};
         isReported_ = false;
-        const bool pluginsWereStopped = PluginsAreStopped();
         Step([&](StepResult&) {
             log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
             log_.WriteConvertLog(L"ファイル名", Entry().path, 2);
@@ -75,9 +74,7 @@ bool ConvertRun::Run() {
         report_.milliseconds = static_cast<uint32_t>(GetTickCount64() - start);
         Trapped([&] { TellReport(); });
         goesOn = Trapped(true, [&] {
-            if (PluginsAreStopped() && !pluginsWereStopped) {
-                log_.WriteConvertLog(L"[警告]", kPluginsStoppedText, 2);
-            }
+            TellStoppedPlugins();
             log_.WriteConvertLog(L"*** 変換処理終了 ***", {}, 0);
             log_.WriteSeparator();
             return monitor_.SetProgressBar(current_, list_.UpperBound(), 0, 100);
@@ -87,6 +84,13 @@ bool ConvertRun::Run() {
     Trapped([&] { log_.WriteConvertLog(L"*** すべての変換処理が完了しました ***", {}, 0); });
     log_.Close();
     return goesOn;
+}
+
+// With the first file that fails: the crash may have been in the reading ahead of one before.
+void ConvertRun::TellStoppedPlugins() {
+    if (stopIsTold_ || report_.outcome != FileOutcome::kFailed || !PluginsAreStopped()) return;
+    log_.WriteConvertLog(L"[警告]", kPluginsStoppedText, 2);
+    stopIsTold_ = true;
 }
 
 void ConvertRun::TellReport() {
