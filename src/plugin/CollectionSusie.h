@@ -74,6 +74,12 @@ class CollectionSusie {
     // Raises PluginError for an index outside the collection, and while a plug-in is being called.
     void ForgetErrors(int32_t index);
 
+    // RefreshInfo of every member: settings windows of plug-ins may have been closed meanwhile.
+    void RefreshInfo() {
+        for (const auto& member : members_)
+            member->RefreshInfo();
+    }
+
     // The files that AddSPI or a scan has met and that gave no plug-in, and folders that gave none,
     // in the order of their meeting.
     const std::vector<LeftOutPlugin>& LeftOut() const { return leftOut_; }
@@ -93,7 +99,7 @@ class CollectionSusie {
     const std::vector<PluginCall>& InterruptedCalls() const { return interruptedCalls_; }
 
     // How messages and lists call a plug-in's file: by its name; where files of that name lie in
-    // several folders, with as much of its folder as tells them apart.
+    // several folders, with as much of its folder before it as tells them apart.
     std::wstring NameOf(const std::wstring& path) const;
 
     // --- Use ---

@@ -40,7 +40,7 @@ std::wstring CollectionSusie::NameOf(const std::wstring& path) const {
     };
     while (depth < most && std::ranges::any_of(others, isShared))
         ++depth;
-    return name + L"（" + std::wstring(LastFolders(path, depth)) + L"）";
+    return std::wstring(LastFolders(path, depth)) + L'\\' + name;
 }
 
 }  // namespace tessary

@@ -71,6 +71,9 @@ class clsSusie {
     // the plug-in tells about itself is read anew behind it: settings may change the patterns.
     bool SupportConfigurationDialog() const { return supportConfigurationDialog_; }
     int32_t ShowConfigurationDialog(HWND parent);
+    // Reads it once more, for settings windows that have stayed open behind the call. Does nothing
+    // for a plug-in whose settings window was never opened, and for one that is not loaded.
+    void RefreshInfo();
 
     // Failures so far of one of the plug-in's functions, or of all for an empty name (0 when the
     // store cannot be read); adds one.
@@ -203,7 +206,6 @@ class clsSusie {
     void ReleasePlugin();
     void ReadPlugin();
     void ReadInfo();
-    void RefreshInfo();
 
     void Unbind();
     bool Supports(const std::wstring& file);
@@ -236,6 +238,7 @@ class clsSusie {
     bool checkMode_ = false;
     bool keepLoaded_ = false;      // it has failed before
     bool extractsToDisk_ = false;  // it was seen to
+    bool isSetUp_ = false;         // its settings window was opened
     int32_t showType_ = 0;
     Binding bound_;
 };

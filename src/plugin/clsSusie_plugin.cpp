@@ -64,6 +64,7 @@ void clsSusie::ReleasePlugin() {
     supportConfigurationDialog_ = false;
     keepLoaded_ = false;
     extractsToDisk_ = false;
+    isSetUp_ = false;
 }
 
 void clsSusie::RequireModule() {
@@ -128,7 +129,10 @@ int32_t clsSusie::ShowConfigurationDialog(HWND parent) {
     return Member(L"ShowConfigurationDialog(", [&] {
         RequireModule();
         const int32_t result = supportConfigurationDialog_ ? calls_.ConfigurationDlg(parent) : -1;
-        if (supportConfigurationDialog_ && result != kResultCrashed) RefreshInfo();
+        if (supportConfigurationDialog_ && result != kResultCrashed) {
+            isSetUp_ = true;
+            RefreshInfo();
+        }
         UnloadAfterUse();
         return result;
     });
@@ -136,6 +140,7 @@ int32_t clsSusie::ShowConfigurationDialog(HWND parent) {
 
 // After a crash what the plug-in has told before is better than nothing.
 void clsSusie::RefreshInfo() {
+    if (!isSetUp_ || module_ == nullptr || PluginCallUnderWay()) return;
     const uint32_t before = calls_.ErrorSerial();
     FilePatterns patterns = patterns_;
     std::wstring productName = productName_;

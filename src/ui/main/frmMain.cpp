@@ -182,12 +182,12 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
 
 // The process ends when this returns.
 void frmMain::EndSession() {
+    ExcuseLastCall();
     if (!IsReadUnderWay()) {
         DestroyWindow(Handle());
         return;
     }
     // Plug-ins are at work below us and must stay; what the user has chosen is saved all the same.
-    ExcuseLastCall();
     Values().quitRequested = true;
     if (controlBar_ != nullptr) controlBar_->SavePlace();
     SavePlacement();

@@ -67,7 +67,10 @@ void OptionCommands::ShowOptions(HWND owner, int page) {
     if (IsReadUnderWay() || PluginCallUnderWay()) return;
     frmOption dialog([this](const OptionValues& options, HWND window) { Apply(options, window); });
     const ClosingWindows settingsWindows;  // those of plug-ins
-    if (dialog.Edit(owner, page)) Apply(dialog.Options(), owner);
+    SusieCollection().RefreshInfo();
+    const bool isConfirmed = dialog.Edit(owner, page);
+    SusieCollection().RefreshInfo();
+    if (isConfirmed) Apply(dialog.Options(), owner);
 }
 
 void OptionCommands::Apply(const OptionValues& options, HWND owner) {

@@ -436,7 +436,7 @@ TEST_F(CollectionTest, FilesOfOneNameInTwoFoldersAreTwoPlugins) {
         EXPECT_EQ(collection_.NameOf(one) == L"iftst.spi", path == one);
     }
     collection_.AddSPI(third);
-    EXPECT_EQ(collection_.NameOf(third), L"iftst.spi（b\\a）");
+    EXPECT_EQ(collection_.NameOf(third), L"b\\a\\iftst.spi");
     EXPECT_EQ(collection_.NameOf(L"other.spi"), L"other.spi");
     collection_.Item(other)->SpiSEHError(L"GetPicture");
     EXPECT_EQ(collection_.Item(one)->ErrorCount({}), 0);

@@ -6,6 +6,7 @@
 #include <climits>
 
 #include "app/settings/settings_store.h"
+#include "plugin/call_log.h"
 #include "tests/src/ui/main/dropped_files.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/temporary_folder.h"
@@ -214,8 +215,11 @@ TEST_F(CloseTest, SessionEndClosesTheProgram) {
     Load();
     const HWND window = window_.Handle();
     EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
+    const auto calledPlugin = [] { return GetSetting(L"SPI_CALLLOG", L"SPI"); };
+    WriteCallLog({L"GetPicture", L"C:\\x.spi", {}});
     SendMessageW(window, WM_ENDSESSION, FALSE, 0);  // another program said no
     EXPECT_TRUE(IsWindow(window));
+    EXPECT_EQ(calledPlugin(), L"x.spi");
 
     Values().readsUnderWay = 1;  // plug-ins must stay under a running decode
     Values().general.slideShowTime = 1234;
@@ -223,6 +227,7 @@ TEST_F(CloseTest, SessionEndClosesTheProgram) {
     SendMessageW(window, WM_ENDSESSION, TRUE, 0);
     EXPECT_TRUE(Values().quitRequested);
     EXPECT_EQ(ended_, 0);
+    EXPECT_EQ(calledPlugin(), L"");  // it is not the plug-in's fault
     EXPECT_EQ(GetSetting(L"General", L"SlideShowTime", L""), L"1234");
 
     Values().readsUnderWay = 0;

@@ -284,17 +284,21 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
 }
 
 TEST_F(OptionsTest, ASettingsWindowMayStayOpenAndClose) {
-    Plugin(L"iftst.spi", "dirty:modeless:ConfigurationDlg");
+    const std::wstring path = Plugin(L"iftst.spi", "dirty:modeless:ConfigurationDlg");
     Values().general.dynamicSPILoad = 1;
     ASSERT_TRUE(LoadSPI());
+    int asked = -1;
+    const auto calls = [&](const char* function) { return Calls(path, function); };
     ShowOptions(kPluginPage,
-                {[](HWND dialog) {
+                {[&](HWND dialog) {
                      Press(dialog, cmdSPISetup);
                      EXPECT_EQ(Cell(dialog, listSPI, 0, 4), L"保持");
+                     asked = calls("GetPluginInfo");
                      DestroyWindow(FindWindowW(nullptr, L"Test plug-in modeless window"));
                  },
                  // It posts a request to quit, which would end this dialog as well.
                  [](HWND dialog) { Press(dialog, IDCANCEL); }});
+    EXPECT_GT(calls("GetPluginInfo"), asked);  // what it reads may be set now
 }
 
 TEST_F(OptionsTest, ALongReloadIsToldAndCanBeStopped) {
