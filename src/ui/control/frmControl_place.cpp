@@ -138,7 +138,8 @@ void frmControl::MoveOntoScreen() {
     const RECT bar = Frame();
     const SIZE size = SizeOf(bar);
     const SIZE buttons{size.cx, Metrics(Handle()).Scale(kFoldedHeight)};
-    const RECT row{bar.left, bar.top, bar.right, bar.top + buttons.cy};
+    const LONG rowTop = bar.top + HeightAboveToolbar();
+    const RECT row{bar.left, rowTop, bar.right, rowTop + buttons.cy};
     const RECT work = ScreenOf(row).rcWork;
     RECT seen{};
     IntersectRect(&seen, &row, &work);

@@ -3,11 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <stdexcept>
+#include <string>
 
 #include "res/resource.h"
 #include "tests/src/ui/dialogs/driven_dialog.h"
 #include "ui/form/metrics.h"
+#include "ui/form/window.h"
 
 namespace tessary::test {
 namespace {
@@ -87,6 +90,43 @@ TEST(DialogTest, ControlsKeepTheirDistanceToTheEdgesAtAnyResolution) {
     dialog.fail = true;  // half-made dialogs are not shown
     EXPECT_EQ(dialog.ShowModal(nullptr), IDCANCEL);
     EXPECT_EQ(dialog.Handle(), nullptr);
+}
+
+bool BeginsPage(int id) {
+    return (id >= optionPage_0 && id <= optionPage_3) || id == pictureOptionPanel_0 ||
+           id == pictureOptionPanel_1 || id == pictureOptionPanel_2;
+}
+
+// Of pages in one place only one is there at a time; the buttons behind them are there with each.
+TEST(DialogTest, MnemonicsOfAPageAreUnique) {
+    const auto letterOf = [](HWND control) {
+        wchar_t text[200]{};
+        GetWindowTextW(control, text, 200);
+        const std::wstring caption = text;
+        const size_t mark = caption.find(L'&');
+        return mark == std::wstring::npos ? std::wstring() : caption.substr(mark + 1, 1);
+    };
+    for (const int resource : {dialogOpenFolder, dialogNewFolder, dialogDirList, dialogSaveOption,
+                               dialogConvertAll, dialogOption, dialogAbout, dialogSPIAbout}) {
+        const HWND dialog = CreateDialogParamW(
+            ProgramInstance(), MAKEINTRESOURCEW(resource), nullptr,
+            [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
+        ASSERT_NE(dialog, nullptr) << resource;
+        std::map<std::wstring, std::vector<int>> pagesOfLetter;  // 0: there always
+        int page = 0;
+        for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr;
+             control = GetWindow(control, GW_HWNDNEXT)) {
+            const int id = GetDlgCtrlID(control);
+            if (BeginsPage(id)) page = id;
+            if (id == IDOK) page = 0;
+            const std::wstring letter = letterOf(control);
+            if (letter.empty()) continue;
+            for (const int other : pagesOfLetter[letter])
+                EXPECT_TRUE(other != page && other != 0 && page != 0) << resource << ' ' << id;
+            pagesOfLetter[letter].push_back(page);
+        }
+        DestroyWindow(dialog);
+    }
 }
 
 TEST(DialogTest, ModelessOneEndsByEscAndOtherWindowsStayOutOfReachOfAModalOne) {

@@ -95,6 +95,29 @@ TEST_F(MenuTest, TreeIsComplete) {
               L"使用プラグイン <Plugin Name>|画像サイズ <Graphic Size>|色数 <Color Depth>]");
 }
 
+// The letters that several items of one menu underline.
+std::wstring SharedMnemonics(HMENU menu) {
+    std::wstring letters;
+    std::wstring shared;
+    for (int position = 0; position < GetMenuItemCount(menu); ++position) {
+        wchar_t caption[100]{};
+        GetMenuStringW(menu, position, caption, 100, MF_BYPOSITION);
+        const std::wstring text = caption;
+        const size_t mark = text.find(L'&');
+        if (mark != std::wstring::npos) {
+            if (letters.find(text[mark + 1]) != std::wstring::npos) shared += text[mark + 1];
+            letters += text[mark + 1];
+        }
+        if (const HMENU below = GetSubMenu(menu, position)) shared += SharedMnemonics(below);
+    }
+    return shared;
+}
+
+TEST_F(MenuTest, MnemonicsAreSharedOnlyWhereCaptionsAreEstablished) {
+    Load();
+    EXPECT_EQ(SharedMnemonics(Menu()), L"VC");  // コントロールバー表示 and 再生; two of 表示
+}
+
 TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
     Load();
     EXPECT_EQ(AliveItems(), (std::vector<int>{menuFileExit, commandFullScreen}));
