@@ -537,19 +537,6 @@ TEST_F(KeyTest, TabGoesRoundBothWindowsAndF6Between) {
     EXPECT_EQ(round(), (std::vector<HWND>{toolbar, View()}));
 }
 
-TEST_F(KeyTest, GoOnAfterADeletion) {
-    bar_.listFileName().SetFocus();
-    Press(VK_DELETE);
-    SetMessageBoxResponder([](const std::wstring&, unsigned, const std::wstring&) { return IDOK; });
-    const HWND cmdOK = FindWindowExW(bar_.Handle(), nullptr, L"BUTTON", L"ディスクから削除(&D)");
-    SetFocus(cmdOK);
-    Press(VK_RETURN);
-    EXPECT_EQ(Items(bar_.listDelete()), List{});
-    EXPECT_EQ(GetFocus(), bar_.listFileName().Handle());
-    Press(VK_RETURN);
-    EXPECT_EQ(Selected(), 1);
-}
-
 TEST_F(DeleteListTest, NothingIsDroppedUnasked) {
     const List files{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp")};
     bar_.SetFileList(files);

@@ -97,6 +97,10 @@ bool BeginsPage(int id) {
            id == pictureOptionPanel_1 || id == pictureOptionPanel_2;
 }
 
+INT_PTR CALLBACK LeaveAll(HWND, UINT, WPARAM, LPARAM) {
+    return FALSE;
+}
+
 // Of pages in one place only one is there at a time; the buttons behind them are there with each.
 TEST(DialogTest, MnemonicsOfAPageAreUnique) {
     const auto letterOf = [](HWND control) {
@@ -108,9 +112,8 @@ TEST(DialogTest, MnemonicsOfAPageAreUnique) {
     };
     for (const int resource : {dialogOpenFolder, dialogNewFolder, dialogDirList, dialogSaveOption,
                                dialogConvertAll, dialogOption, dialogAbout, dialogSPIAbout}) {
-        const HWND dialog = CreateDialogParamW(
-            ProgramInstance(), MAKEINTRESOURCEW(resource), nullptr,
-            [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; }, 0);
+        const HWND dialog =
+            CreateDialogParamW(ProgramInstance(), MAKEINTRESOURCEW(resource), nullptr, LeaveAll, 0);
         ASSERT_NE(dialog, nullptr) << resource;
         std::map<std::wstring, std::vector<int>> pagesOfLetter;  // 0: there always
         int page = 0;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/base/quit.h"
+#include "app/base/task_modal.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/timer.h"
 
@@ -164,6 +165,20 @@ TEST(FormTest, LeavesInputMethodsToTextFields) {
     EXPECT_FALSE(takesInputMethod(made(form.Handle(), L"LISTBOX", 0)));
     EXPECT_FALSE(takesInputMethod(made(form.Handle(), L"EDIT", ES_READONLY)));
     EXPECT_TRUE(takesInputMethod(made(form.Handle(), L"EDIT", 0)));
+}
+
+TEST(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
+    RecordingForm form;
+    ASSERT_TRUE(form.Load());
+    form.Show();
+    const HWND button = CreateWindowExW(0, L"BUTTON", L"", WS_CHILD | WS_VISIBLE, 0, 0, 50, 50,
+                                        form.Handle(), nullptr, nullptr, nullptr);
+    SetFocus(button);
+    {
+        const TaskModal task(nullptr);
+        SetFocus(nullptr);  // as some systems do by themselves with what is disabled
+    }
+    EXPECT_EQ(GetFocus(), button);
 }
 
 TEST(TimerTest, TicksUntilStoppedAndNeverNests) {
