@@ -366,6 +366,8 @@ TEST_F(PlayerTest, PlaysToTheEndAndStops) {
     bar_.Press(BarButton::kRewind);
     EXPECT_TRUE(RunUntil([&] { return bar_.PlayMode() == BarButton::kStop; }));
     EXPECT_EQ(Selected(), -1);
+    EXPECT_EQ(Info(), L"[画像] 1.bmp ( 8×6 24bit )");
+    EXPECT_EQ(Panel(), L"[表示中] 1.bmp ( 8×6 24bit )");
 }
 
 TEST_F(PlayerTest, StepsStopTheShowAndFailuresDoNot) {
