@@ -290,7 +290,7 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         shownPath_ = path;
         if (IsPictureKind(shown.kind)) {
             const std::wstring tail = PictureInfoTail();
-            window_.SetPictureSource({name, shown.pluginName});
+            window_.SetPictureSource({name, shown.pluginName, path});
             TellInfo(TagOf(shown) + name + tail);
             TellShown(kTagShown + name + tail);
         } else {
@@ -338,7 +338,7 @@ void frmControl::ShowListedMember() {
     }
     if (IsPictureKind(shown.kind)) {
         const std::wstring tail = PictureInfoTail();
-        window_.SetPictureSource({member, shown.pluginName});
+        window_.SetPictureSource({member, shown.pluginName, archive});
         TellInfo(place + TagOf(shown) + member + tail);
         TellShown(kTagShown + archiveName + L" - " + member + archiveName + tail);
     } else {

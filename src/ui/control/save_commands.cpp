@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "app/base/file_identity.h"
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/task_modal.h"
@@ -48,12 +49,6 @@ void EditOptions(HWND owner, SaveFormat format) {
 // A drive's root keeps it.
 std::wstring WithoutBackslash(const std::wstring& folder) {
     return folder.size() > 3 ? RemoveBackslash(folder) : folder;
-}
-
-bool MayReplace(const std::wstring& path) {
-    if (!PathExists(path) || IsFolder(path)) return true;
-    return ShowMessageBox(path + L" は既に存在します。\r\n上書きしますか？",
-                          MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
 }
 
 std::wstring SystemText(DWORD error) {
@@ -122,26 +117,50 @@ SaveCommands::SaveCommands(frmMain& window, Chooser choose)
                                  .enabled = [this] { return window_.PictureShown(); }});
 }
 
+std::wstring SaveCommands::FolderToBegin() const {
+    const std::wstring beside = FolderOf(window_.Source().path);
+    return format_ || beside.empty() || !IsFolder(beside) ? StartFolder() : beside;
+}
+
+SaveFormat SaveCommands::FormatToBegin() const {
+    if (format_) return *format_;
+    return FormatOfName(window_.Source().fileName).value_or(SaveFormat::kPNG);
+}
+
 SaveDialogRequest SaveCommands::RequestFor(Choice& chosen) const {
+    const SaveFormat format = FormatToBegin();
     SaveDialogRequest request;
-    request.folder = StartFolder();
-    request.name = WithExtensionOf(format_, ProposedStem(window_.Source().fileName));
+    request.folder = FolderToBegin();
+    request.name = WithExtensionOf(format, ProposedStem(window_.Source().fileName));
     for (const auto& [format, description] : {std::pair{SaveFormat::kBMP, L"ビットマップ (*.bmp)"},
                                               std::pair{SaveFormat::kPNG, L"PNG (*.png)"},
                                               std::pair{SaveFormat::kJPEG, L"JPEG (*.jpg)"}}) {
         request.types.push_back({description, ExtensionOf(format)});
     }
-    request.type = static_cast<int>(format_);
+    request.type = static_cast<int>(format);
     request.buttonCaption = L"詳細設定(&D)...";
     request.onButton = [](HWND dialog, int type) { EditOptions(dialog, FormatOf(type)); };
     request.renamed = [](const std::wstring& name, int type) {
         return WithExtensionOf(FormatOf(type), name);
     };
-    request.accept = [&chosen](const std::wstring& path, int type) {
-        chosen = {WithExtensionOf(FormatOf(type), path), FormatOf(type)};
-        return MayReplace(chosen.path);
+    request.accept = [this, &chosen](const std::wstring& path, int type) {
+        const SaveFormat wanted = FormatOfName(path).value_or(FormatOf(type));
+        chosen = {WithExtensionOf(wanted, path), wanted};
+        return MayReplace(chosen);
     };
     return request;
+}
+
+bool SaveCommands::MayReplace(const Choice& chosen) const {
+    if (!PathExists(chosen.path) || IsFolder(chosen.path)) return true;
+    std::wstring question = chosen.path + L" は既に存在します。\r\n上書きしますか？";
+    const std::wstring& original = window_.Source().path;
+    if (chosen.format == SaveFormat::kJPEG && IsSameFile(chosen.path, original)) {
+        question += L"\r\n\r\n表示している画像の元のファイルです。品質 " +
+                    std::to_wstring(Values().jpegSave.quality) +
+                    L" で圧縮し直すので画質が落ち、撮影情報(Exif)や色の情報などは失われます。";
+    }
+    return ShowMessageBox(question, MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
 }
 
 void SaveCommands::menuFileSaveAs_Click() {

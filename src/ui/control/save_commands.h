@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "ui/control/save_name.h"
 #include "ui/dialogs/save_dialog.h"
@@ -20,9 +21,10 @@ class SaveCommands {
     SaveCommands(const SaveCommands&) = delete;
     SaveCommands& operator=(const SaveCommands&) = delete;
 
-    // Saves the current picture in its own size under a name that the user chooses. When that takes
-    // long, a window tells how far it is and stops it. The folder is remembered with the settings,
-    // the format for this run of the program.
+    // Saves the current picture in its own size under a name that the user chooses, whose extension
+    // decides over the chosen type. When that takes long, a window tells how far it is and stops
+    // it. The first time the dialog begins beside the picture and with its own type where that can
+    // be written, later with what was chosen last. The folder is remembered with the settings.
     void menuFileSaveAs_Click();
 
   private:
@@ -31,12 +33,15 @@ class SaveCommands {
         std::wstring path;
         SaveFormat format;
     };
+    std::wstring FolderToBegin() const;
+    SaveFormat FormatToBegin() const;
     SaveDialogRequest RequestFor(Choice& chosen) const;
+    bool MayReplace(const Choice& chosen) const;
     void Save(const std::wstring& path);
 
     frmMain& window_;
     Chooser choose_;
-    SaveFormat format_ = SaveFormat::kPNG;
+    std::optional<SaveFormat> format_;  // chosen last
 };
 
 }  // namespace tessary

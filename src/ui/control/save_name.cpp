@@ -1,7 +1,5 @@
 #include "ui/control/save_name.h"
 
-#include <optional>
-
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "plugin/member_file_name.h"
@@ -27,6 +25,10 @@ size_t ExtensionStart(const std::wstring& name) {
 }
 
 }  // namespace
+
+std::optional<SaveFormat> FormatOfName(const std::wstring& name) {
+    return FormatOfExtension(UpperExtensionOf(name));
+}
 
 const wchar_t* ExtensionOf(SaveFormat format) {
     switch (format) {

@@ -1,6 +1,7 @@
 // Under which name and in which format a picture is saved.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace tessary {
@@ -12,9 +13,11 @@ constexpr int kSaveFormatCount = 3;
 // The extension that the format's files get, without its dot.
 const wchar_t* ExtensionOf(SaveFormat format);
 
-// A name with the extension of a format in place of one of the formats, or behind the name. What
-// the user has chosen in the list counts, not what he has typed: a file is always what its name
-// says.
+// The format that a name's extension stands for, in any of its spellings; none for all others.
+std::optional<SaveFormat> FormatOfName(const std::wstring& name);
+
+// A name with the extension of a format in place of one of the formats, or behind the name: a file
+// is always what its name says.
 std::wstring WithExtensionOf(SaveFormat format, const std::wstring& name);
 
 // The name to propose for a picture of that file or archive member: its own, without extension and

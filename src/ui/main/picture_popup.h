@@ -11,6 +11,7 @@ namespace tessary {
 struct PictureSource {
     std::wstring fileName;    // file or archive member; empty: unknown
     std::wstring pluginName;  // the plug-in that decoded it; empty: none did
+    std::wstring path = {};   // full path of the file, or of the archive around it; empty: none
 };
 
 // The text of a pop-up item (menuPopup… of resource.h) filled with what it tells of a picture of

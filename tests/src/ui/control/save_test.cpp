@@ -86,6 +86,26 @@ TEST_F(SaveTest, ChoosesTheWriterAndRemembersTheChoice) {
     EXPECT_TRUE(messages_.All().empty());
 }
 
+TEST_F(SaveTest, BeginsBesideThePictureAndTakesTheTypedExtension) {
+    const RecordedMessages yes(IDYES);
+    window_.SetPictureSource({L"夕.jpeg", L"x.spi", folder_.Path() + L"夕.jpg"});
+    folder_.Write(L"夕.jpg", "original");
+    Values().general.savePath = LR"(C:\windows)";
+    Values().jpegSave.quality = 70;
+    SaveAs(L"夕.jpg", 2);
+    EXPECT_EQ(AddBackslash(asked_.folder), folder_.Path());
+    EXPECT_EQ(asked_.name, L"夕.jpg");
+    EXPECT_EQ(asked_.type, 3);
+    EXPECT_EQ(Content(L"夕.jpg").substr(0, 2), "\xFF\xD8");
+    EXPECT_NE(yes.Only().find(L"品質 70 で圧縮し直す"), std::wstring::npos) << "over its original";
+    // From then on with what was chosen last.
+    window_.SetPictureSource({L"b.bmp", {}, LR"(C:\windows\b.bmp)"});
+    SaveAs(L"c.bmp", 2);
+    EXPECT_EQ(AddBackslash(asked_.folder), folder_.Path());
+    EXPECT_EQ(asked_.type, 3);
+    EXPECT_EQ(Content(L"c.bmp").substr(0, 2), "BM");
+}
+
 TEST_F(SaveTest, AsksBeforeItReplacesAndTellsWhatFails) {
     folder_.Write(L"a.jpg", "mine");
     SaveAs(L"a.jpeg", 3);  // the answer is OK, which is not yes
