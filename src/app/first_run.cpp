@@ -9,11 +9,7 @@
 
 namespace tessary {
 
-bool UseFirstRunDefaults() {
-    // A mark that cannot be read is no mark.
-    if (Trapped(std::wstring(), [] { return GetSetting(L"Init", L"Run", L"0"); }) == L"1") {
-        return false;
-    }
+void SetFirstRunDefaults() {
     GeneralSettings& general = Values().general;
     general.useSPI = 1;
     general.spiFolder[0] = AppFolder();
@@ -23,6 +19,14 @@ bool UseFirstRunDefaults() {
         general.spiFolder[1] = susieFolder;
         general.loadSPI[1] = true;
     }
+}
+
+bool UseFirstRunDefaults() {
+    // A mark that cannot be read is no mark.
+    if (Trapped(std::wstring(), [] { return GetSetting(L"Init", L"Run", L"0"); }) == L"1") {
+        return false;
+    }
+    SetFirstRunDefaults();
     return true;
 }
 

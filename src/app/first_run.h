@@ -3,6 +3,9 @@
 
 namespace tessary {
 
+// What UseFirstRunDefaults does, on any run.
+void SetFirstRunDefaults();
+
 // On a first run: switches plug-ins on, makes the application folder plug-in folder 1 and the Susie
 // viewer's folder, where that viewer is set up, plug-in folder 2. False on any other run. Stores
 // nothing.

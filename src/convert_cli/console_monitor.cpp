@@ -8,9 +8,32 @@ namespace {
 // So often the eye follows, and so rarely the console costs no time.
 constexpr ULONGLONG kMillisecondsBetween = 100;
 
+constexpr const wchar_t* kRemarks[] = {L"失敗", L"損傷", L"中止", L"スキップ", L"別名"};
+
+size_t RemarkOf(const FileReport& report) {
+    switch (report.outcome) {
+        case FileOutcome::kFailed:
+            return report.isDamaged ? 1 : 0;
+        case FileOutcome::kStopped:
+            return 2;
+        case FileOutcome::kSkipped:
+            return 3;
+        default:
+            return report.isDamaged ? 1 : 4;
+    }
+}
+
+std::wstring LineOf(const FileReport& report) {
+    std::wstring line = kRemarks[RemarkOf(report)] + (L": " + SourceText(report));
+    if (report.isRenamed) line += L" → " + report.target;
+    const std::wstring reason = report.text.empty() ? ReasonText(report.reason) : report.text;
+    return reason.empty() ? line : line + L" （" + reason + L"）";
+}
+
 }  // namespace
 
 void ConsoleMonitor::AddLogLine(const std::wstring& line) {
+    if (isQuiet_) return;
     // Both may be the same console.
     if (log_.IsConsole()) EraseProgress();
     log_.WriteLine(line);
@@ -26,7 +49,7 @@ bool ConsoleMonitor::SetProgressBar(int32_t totalPosition, int32_t totalMaximum,
         const int64_t percent = int64_t{filePosition} * 100 / fileMaximum;
         filePercent_ = static_cast<int32_t>(std::clamp<int64_t>(percent, 0, 100));
     }
-    if (progress_.IsConsole() && GetTickCount64() - shownAt_ >= kMillisecondsBetween) {
+    if (!isQuiet_ && progress_.IsConsole() && GetTickCount64() - shownAt_ >= kMillisecondsBetween) {
         ShowProgress();
     }
     return !isStopWanted_();
@@ -51,9 +74,21 @@ void ConsoleMonitor::EraseProgress() {
     shown_.clear();
 }
 
+void ConsoleMonitor::FileDone(const FileReport& report) {
+    counts_.Count(report);
+    ++told_;
+    filtered_ += report.reason == FileReason::kNameFiltered ? 1 : 0;
+    jsonReport_.Add(report);
+    if (IsRemarkable(report)) remarks_[RemarkOf(report)].push_back(LineOf(report));
+}
+
 void ConsoleMonitor::WriteSummary() {
     EraseProgress();
-    progress_.WriteLine(OutcomeText(counts_));
+    for (const std::vector<std::wstring>& lines : remarks_) {
+        for (const std::wstring& line : lines)
+            progress_.WriteLine(line);
+    }
+    if (!isQuiet_) progress_.WriteLine(OutcomeText(counts_));
 }
 
 }  // namespace tessary

@@ -4,24 +4,29 @@
 
 #include <windows.h>
 
+#include <array>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "convert/convert_monitor.h"
 #include "convert_cli/console_stream.h"
+#include "convert_cli/json_report.h"
 
 namespace tessary {
 
 class ConsoleMonitor final : public ConvertMonitor {
   public:
-    // The streams must outlive it. Progress is shown, in one line that is written over, only when
-    // `progress` is a console.
+    // The streams and the report must outlive it. Progress is shown, in one line that is written
+    // over, only when `progress` is a console. With `isQuiet` neither progress nor log is, and of
+    // the summary only the files that did not become what they should.
     ConsoleMonitor(std::vector<ConvertSource> files, ConsoleStream& log, ConsoleStream& progress,
-                   std::function<bool()> isStopWanted)
+                   JsonReport& report, bool isQuiet, std::function<bool()> isStopWanted)
         : files_(std::move(files)),
           log_(log),
           progress_(progress),
+          jsonReport_(report),
+          isQuiet_(isQuiet),
           isStopWanted_(std::move(isStopWanted)) {}
 
     std::vector<ConvertSource> ConvertFileList() override { return files_; }
@@ -31,21 +36,31 @@ class ConsoleMonitor final : public ConvertMonitor {
     void Breathe() override {}
     bool SetProgressBar(int32_t totalPosition, int32_t totalMaximum, int32_t filePosition,
                         int32_t fileMaximum) override;
-    void FileDone(const FileReport& report) override { counts_.Count(report); }
+    void FileDone(const FileReport& report) override;
 
-    int Failures() const { return counts_.failed; }
-    // Tells on the progress stream how many files came to what.
+    int Failures() const { return counts_.failed + counts_.damaged; }
+    // Whether there were files, and the name filter has left out each of them.
+    bool AreAllFiltered() const { return filtered_ > 0 && filtered_ == told_; }
+    // Tells on the progress stream which files failed, were damaged, skipped or renamed, and how
+    // many files came to what.
     void WriteSummary();
 
   private:
+    static constexpr size_t kRemarkKinds = 5;
+
     void ShowProgress();
     void EraseProgress();
 
     std::vector<ConvertSource> files_;
     ConsoleStream& log_;
     ConsoleStream& progress_;
+    JsonReport& jsonReport_;
+    bool isQuiet_;
     std::function<bool()> isStopWanted_;
     OutcomeCounts counts_;
+    int told_ = 0;
+    int filtered_ = 0;
+    std::array<std::vector<std::wstring>, kRemarkKinds> remarks_;  // worst first
     int32_t totalPosition_ = 0;
     int32_t totalMaximum_ = 0;
     int32_t filePercent_ = 0;

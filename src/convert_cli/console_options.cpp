@@ -79,6 +79,12 @@ struct Switch {
 
 constexpr Switch kSwitches[] = {
     {L"--recursive", [](ConsoleOptions& options) { options.recursive = true; }},
+    {L"--quiet", [](ConsoleOptions& options) { options.isQuiet = true; }},
+    {L"--ignore-settings", [](ConsoleOptions&) {}},  // was looked at before
+    {L"--keep-folders", [](ConsoleOptions&) { Settings().keepFolders = true; }},
+    {L"--no-keep-folders", [](ConsoleOptions&) { Settings().keepFolders = false; }},
+    {L"--strict", [](ConsoleOptions&) { Settings().skipDamaged = true; }},
+    {L"--no-strict", [](ConsoleOptions&) { Settings().skipDamaged = false; }},
     {L"--unpack", [](ConsoleOptions&) { Settings().unpackArchive = 1; }},
     {L"--no-unpack", [](ConsoleOptions&) { Settings().unpackArchive = 0; }},
     {L"--both", [](ConsoleOptions&) { Settings().decodeSizeBoth = true; }},
@@ -111,6 +117,19 @@ constexpr Valued kValued[] = {
      [](ConsoleOptions& options, Text value) {
          options.targetFolder = FullPathOf(value);
          return !value.empty();
+     }},
+    {L"--report",
+     [](ConsoleOptions& options, Text value) {
+         options.reportFile = FullPathOf(value);
+         return !value.empty();
+     }},
+    {L"--on-conflict",
+     [](ConsoleOptions&, Text value) {
+         return TakeWord(value, {L"rename", L"skip", L"overwrite"}, Settings().onConflict);
+     }},
+    {L"--archive-depth",
+     [](ConsoleOptions&, Text value) {
+         return TakeNumber(value, 1, INT32_MAX, Settings().archiveDepth);
      }},
     {L"--encoding",
      [](ConsoleOptions& options, Text value) { return TakeEncoding(value, options.codePage); }},
@@ -188,6 +207,25 @@ std::wstring TakeOption(const std::vector<std::wstring>& arguments, size_t& at,
 }
 
 }  // namespace
+
+bool HoldsOption(const std::vector<std::wstring>& arguments, std::wstring_view option) {
+    const auto end = std::find(arguments.begin(), arguments.end(), L"--");
+    return std::find(arguments.begin(), end, option) != end;
+}
+
+UINT CodePageOf(const std::vector<std::wstring>& arguments) {
+    constexpr std::wstring_view kName = L"--encoding";
+    UINT codePage = ConsoleOptions().codePage;
+    for (size_t at = 0; at < arguments.size() && arguments[at] != L"--"; ++at) {
+        const std::wstring& argument = arguments[at];
+        if (argument == kName && at + 1 < arguments.size()) {
+            TakeEncoding(arguments[++at], codePage);
+        } else if (argument.starts_with(std::wstring(kName) + L'=')) {
+            TakeEncoding(argument.substr(kName.size() + 1), codePage);
+        }
+    }
+    return codePage;
+}
 
 std::wstring ParseOptions(const std::vector<std::wstring>& arguments, ConsoleOptions& options) {
     const bool hadLimits = Settings().noDecodeSmall == 1;

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tessary {
@@ -12,11 +13,20 @@ struct ConsoleOptions {
     std::vector<std::wstring> inputs;  // names of files and folders
     std::wstring targetFolder;         // full path
     bool recursive = false;
-    UINT codePage = CP_UTF8;  // of the log, where it does not go to a console
+    bool isQuiet = false;
+    std::wstring reportFile;  // full path; empty: none
+    UINT codePage = CP_UTF8;  // of all text that does not go to a console
     // Whether the arguments limit this side.
     bool givesMinWidth = false;
     bool givesMinHeight = false;
 };
+
+// Whether an option without a value is among the arguments: behind `--` stand names only.
+bool HoldsOption(const std::vector<std::wstring>& arguments, std::wstring_view option);
+
+// The code page that `--encoding` names, for what is to be told before the arguments are understood
+// and about them; the usual one where it names none.
+UINT CodePageOf(const std::vector<std::wstring>& arguments);
 
 // Takes the arguments apart. Those that stand for settings change Values(), whose stored ones thus
 // hold where no argument says otherwise. Answers what is wrong with them, for the user; empty when

@@ -3,9 +3,12 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "app/base/error.h"
+#include "app/base/file_identity.h"
 #include "app/base/message_box.h"
+#include "app/base/paths.h"
 #include "app/first_run.h"
 #include "app/helper_libraries.h"
 #include "app/settings/modValue.h"
@@ -15,19 +18,24 @@
 #include "convert_cli/console_monitor.h"
 #include "convert_cli/console_options.h"
 #include "convert_cli/console_stream.h"
+#include "convert_cli/dialog_watch.h"
 #include "convert_cli/help_text.h"
 #include "convert_cli/input_files.h"
+#include "convert_cli/json_report.h"
 #include "convert_cli/stop_request.h"
+#include "convert_cli/worker_process.h"
+#include "plugin/call_log.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
 
 namespace tessary {
 namespace {
 
-// Among the options: behind `--` stand names only.
-bool Holds(const std::vector<std::wstring>& arguments, const wchar_t* option) {
-    const auto end = std::find(arguments.begin(), arguments.end(), L"--");
-    return std::find(arguments.begin(), end, option) != end;
+bool WantsHelp(const std::vector<std::wstring>& arguments) {
+    for (const wchar_t* const option : {L"--help", L"-h", L"-?", L"/?"}) {
+        if (HoldsOption(arguments, option)) return true;
+    }
+    return arguments.empty();
 }
 
 // The answer that changes least, for a message with these buttons.
@@ -52,6 +60,75 @@ struct PluginsInUse {
     ~PluginsInUse() { UnloadSPI(); }
 };
 
+// Whether all that the settings ask for is there; otherwise it has been told.
+bool LoadPlugins(const StopRequest& stop, ConsoleStream& errors) {
+    LoadSPI([&](const std::wstring&, int32_t, int32_t) { return !stop.IsMade(); });
+    for (const auto& notices : {InterruptedCallNotices(), LoadingNotices()}) {
+        for (const std::wstring& notice : notices)
+            errors.WriteLine(notice);
+    }
+    const CollectionSusie& plugins = SusieCollection();
+    if (plugins.Count() == 0 && !stop.IsMade()) {
+        errors.WriteLine(
+            L"プラグインがひとつも読み込まれていません。ビットマップだけを変換できます");
+        return false;
+    }
+    return std::ranges::none_of(plugins.LeftOut(), [](const LeftOutPlugin& one) {
+        return one.reason == LeftOutReason::kNoFolder;
+    });
+}
+
+// Neither report nor log may take the place of a picture.
+bool IsAmong(const std::vector<ConvertSource>& files, const std::wstring& path) {
+    return !path.empty() && PathExists(path) &&
+           std::ranges::any_of(
+               files, [&](const ConvertSource& file) { return IsSameFile(file.path, path); });
+}
+
+bool AreOutputsFree(const ConsoleOptions& options, const InputFiles& inputs,
+                    ConsoleStream& errors) {
+    const ConvertSettings& settings = Values().convert;
+    const std::wstring log = settings.outputErrorLog == 1 ? settings.errorLogFileName : L"";
+    for (const std::wstring& output : {options.reportFile, log}) {
+        if (!IsAmong(inputs.files, output)) continue;
+        errors.WriteLine(L"変換するファイルには書き込めません: " + output);
+        return false;
+    }
+    return true;
+}
+
+int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& report,
+        ConsoleStream& errors) {
+    const DialogWatch dialogs([&](const std::wstring& line) { errors.WriteLine(line); });
+    const PluginsInUse plugins;
+    const StopRequest stop;
+    bool isSetUp = LoadPlugins(stop, errors);
+    ConsoleStream output(STD_OUTPUT_HANDLE, options.codePage);
+    ConsoleMonitor monitor(inputs.files, output, errors, report, options.isQuiet,
+                           [&] { return stop.IsMade(); });
+    const bool ended = inputs.files.empty() || ConvertFiles(options.targetFolder, monitor);
+    monitor.WriteSummary();
+    if (Values().logFileGivenUp) {
+        errors.WriteLine(L"ログファイルに書き込めません: " + Values().convert.errorLogFileName);
+        isSetUp = false;
+    }
+    if (!report.IsGood()) {
+        errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
+        isSetUp = false;
+    }
+    if (monitor.AreAllFiltered()) {
+        errors.WriteLine(L"名前の条件に合うファイルがありません");
+    }
+    if (!ended) {
+        errors.WriteLine(stop.IsMade() ? L"変換を中止しました" : L"変換を最後まで行えませんでした");
+    }
+    if (!ended && stop.IsMade()) return kExitStopped;
+    if (!isSetUp) return kExitSetupError;
+    const bool isComplete = ended && monitor.Failures() == 0 && inputs.troubles.empty() &&
+                            !inputs.files.empty() && !monitor.AreAllFiltered();
+    return isComplete ? kExitAllConverted : kExitSomeNot;
+}
+
 int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
     if (!CheckHelperLibraries()) {
         errors.WriteLine(Values().startupFailureReason);
@@ -62,25 +139,39 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
         return kExitSetupError;
     }
     const InputFiles inputs = FindInputFiles(options.inputs, options.recursive);
-    for (const std::wstring& name : inputs.missing)
-        errors.WriteLine(L"ファイルが見つかりません: " + name);
-    const PluginsInUse plugins;
-    StopRequest stop;
-    LoadSPI([&](const std::wstring&, int32_t, int32_t) { return !stop.IsMade(); });
-    for (const auto& notices : {InterruptedCallNotices(), LoadingNotices()}) {
-        for (const std::wstring& notice : notices)
-            errors.WriteLine(notice);
+    for (const std::wstring& trouble : inputs.troubles)
+        errors.WriteLine(trouble);
+    if (!AreOutputsFree(options, inputs, errors)) return kExitSetupError;
+    JsonReport report(options.reportFile);
+    if (!report.IsGood()) {
+        errors.WriteLine(L"レポートを書き始められません: " + options.reportFile);
+        return kExitSetupError;
     }
-    ConsoleStream output(STD_OUTPUT_HANDLE, options.codePage);
-    ConsoleMonitor monitor(inputs.files, output, errors, [&] { return stop.IsMade(); });
-    const bool ended = inputs.files.empty() || ConvertFiles(options.targetFolder, monitor);
-    monitor.WriteSummary();
-    if (!ended) {
-        errors.WriteLine(stop.IsMade() ? L"変換を中止しました" : L"変換を最後まで行えませんでした");
+    return Run(options, inputs, report, errors);
+}
+
+// Names the plug-in that has ended the worker, as far as the call log tells, and holds it against
+// it.
+int TellEnd(const WorkerEnd& end, ConsoleStream& errors) {
+    if (end.verdict) return *end.verdict;
+    if (end.exitCode == static_cast<DWORD>(STATUS_CONTROL_C_EXIT)) return kExitStopped;
+    errors.WriteLine(L"変換の途中でプロセスが終了しました。終了コード " +
+                     std::to_wstring(end.exitCode));
+    for (const PluginCall& call : RecoverInterruptedCalls()) {
+        errors.WriteLine(L"プラグイン " + FileNameOf(call.plugin) + L" の処理中（" + call.function +
+                         L"）でした: " + call.file);
     }
-    const bool isComplete =
-        ended && monitor.Failures() == 0 && inputs.missing.empty() && !inputs.files.empty();
-    return isComplete ? kExitAllConverted : kExitSomeNot;
+    return kExitEnded;
+}
+
+bool ReadSettings(const std::vector<std::wstring>& arguments) {
+    if (HoldsOption(arguments, L"--ignore-settings")) {
+        SetFirstRunDefaults();
+        return true;
+    }
+    if (!ReadGeneralSettings() || !ReadConvertSettings()) return false;
+    UseFirstRunDefaults();  // nothing is stored
+    return true;
 }
 
 }  // namespace
@@ -88,25 +179,30 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
 int RunConsoleProgram(const std::vector<std::wstring>& arguments) {
     // What a failing plug-in brings up would wait for somebody who is not there.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-    ConsoleStream errors(STD_ERROR_HANDLE, CP_UTF8);
+    const UINT codePage = CodePageOf(arguments);
+    ConsoleStream errors(STD_ERROR_HANDLE, codePage);
     SetMessageBoxResponder([&](const std::wstring& text, unsigned style, const std::wstring&) {
         errors.WriteLine(text);
         return CautiousAnswer(style);
     });
-    if (Holds(arguments, L"--help") || Holds(arguments, L"--version")) {
-        ConsoleStream output(STD_OUTPUT_HANDLE, CP_UTF8);
-        output.Write(Holds(arguments, L"--help") ? HelpText() : VersionText());
-        return kExitAllConverted;
+    if (WantsHelp(arguments) || HoldsOption(arguments, L"--version")) {
+        ConsoleStream output(STD_OUTPUT_HANDLE, codePage);
+        output.Write(WantsHelp(arguments) ? HelpText() : VersionText());
+        return arguments.empty() ? kExitSetupError : kExitAllConverted;
     }
-    if (!ReadGeneralSettings() || !ReadConvertSettings()) return kExitSetupError;
-    UseFirstRunDefaults();  // nothing is stored
+    if (!ReadSettings(arguments)) return kExitSetupError;
     ConsoleOptions options;
     if (const std::wstring error = ParseOptions(arguments, options); !error.empty()) {
         errors.WriteLine(error);
         errors.WriteLine(L"使い方: tessary-convert --help");
         return kExitSetupError;
     }
-    return Convert(options, errors);
+    if (!IsWorker()) {
+        if (const std::optional<WorkerEnd> end = RunWorker()) return TellEnd(*end, errors);
+    }
+    const int status = Trapped(int{kExitSetupError}, [&] { return Convert(options, errors); });
+    TellVerdict(status);
+    return status;
 }
 
 }  // namespace tessary

@@ -10,16 +10,23 @@ constexpr wchar_t kHelp[] =
 
 画像ファイルをまとめて BMP、PNG、JPEG に変換します。読み込みには、てっさりビューアと同じ
 Susie プラグインと設定を使います。設定は書き換えません。指定のないオプションには、
-ビューアで設定した値を使います。フォルダを指定すると、その中のファイルを変換します。
-保存先に同じ名前のファイルがあれば置き換えます。違うフォルダの同じ名前のファイルは、
-後に変換したものが残ります。
+ビューアで設定した値を使います。フォルダを指定すると、その中のファイルを変換します
+（隠しファイルとシステムファイルは除きます）。
 
   --out フォルダ          保存先（なければ作ります）
   --recursive             サブフォルダの中のファイルも変換する
+  --keep-folders, --no-keep-folders
+                          元のフォルダの構成を保存先にも作る・作らない
+  --on-conflict 方法      同じ名前のファイルがあるとき
+                          rename     この実行の元のファイルと結果を守り、別名にする
+                          skip       変換しない（中止した変換の続きに）
+                          overwrite  何であっても置き換える
+  --strict, --no-strict   一部が損傷している画像を保存しない・する
   --format 形式           保存形式 (bmp, png, jpg)
   --format-low 形式       256 色以下の画像の保存形式
   --format-high 形式      256 色を超える画像の保存形式
   --unpack, --no-unpack   圧縮ファイルを展開する・しない
+  --archive-depth 数      圧縮ファイルの中の圧縮ファイルを展開する深さ (1 は展開しない)
   --keep-unknown, --no-keep-unknown
                           展開したファイルのうち変換できなかったものを残す・残さない
   --min-width 画素数, --min-height 画素数
@@ -34,7 +41,11 @@ Susie プラグインと設定を使います。設定は書き換えません�
   --log ファイル          ログをファイルにも書く（システムのコードページ）
   --no-log                ログをファイルに書かない
   --append, --no-append   ログファイルに書き足す・新しく書き始める
-  --encoding 名前         標準出力をファイルやパイプに送るときの文字コード
+  --report ファイル       ファイルごとの結果を JSON で 1 行ずつ書く (UTF-8):
+                          source, member, target, result, reason, text, size, ms
+  --quiet                 変換できなかったものなどの一覧だけを表示する
+  --ignore-settings       ビューアで設定した値を使わない
+  --encoding 名前         出力をファイルやパイプに送るときの文字コード
                           (utf-8, shift_jis, ansi, oem)。初めは utf-8。
                           コンソールにはコンソールの文字で表示します
   --bmp-type 種類         windows または os2
@@ -44,26 +55,42 @@ Susie プラグインと設定を使います。設定は書き換えません�
   --jpeg-quality 数       JPEG の品質 (0-100)
   --jpeg-progressive, --no-jpeg-progressive
   --jpeg-optimize, --no-jpeg-optimize
-  --help, --version
+  --help, -h, /?, --version
   --                      この後はすべてファイル名
 
+失敗、損傷、スキップ、別名になったファイルは、最後に理由とともに標準エラー出力に表示します。
+プラグインが表示したメッセージは閉じて、標準エラー出力に書きます。
 Ctrl+C を押すと、変換中のファイルを終えてから中止します。もう一度押すと、すぐに終了します。
-終了コード: 0 すべて変換した（フィルタで除いたものは数えません）、
-            1 変換できなかったファイルがある、または中止した、2 引数や設定の誤り
+
+終了コード
+  0  すべて変換した（フィルタで除いたもの、画像でないもの、スキップしたものは数えません）
+  1  変換できなかった、損傷している、見つからない、読み取れないファイルやフォルダがある。
+     指定したフォルダが空、または名前に一致するファイルがない
+  2  引数、設定、保存先の誤り。プラグインのフォルダがない、プラグインがひとつもない、
+     ログやレポートを書けない（変換できるものは変換します）
+  3  中止した
+  4  途中でプロセスが終了した。プラグインによるものは、その名前を表示します
 
 Usage: tessary-convert [options] --out FOLDER FILE-OR-FOLDER...
 
 Converts pictures to BMP, PNG or JPEG with the Susie plug-ins and settings of Tessary Viewer,
 which are never changed. Where no option says otherwise the viewer's settings hold. A folder
-stands for the files in it. A file of the same name in the target folder is replaced; of files
-of one name from different folders the one converted last remains.
+stands for the files in it, but for hidden and system files.
 
   --out FOLDER            where to save (made if missing)
   --recursive             also convert the files in sub-folders
+  --keep-folders, --no-keep-folders
+                          make the sources' folders anew in the target folder, or not
+  --on-conflict WAY       where a file of that name exists:
+                          rename     spares sources and results of this run
+                          skip       leaves it; goes on with a run that was stopped
+                          overwrite  replaces whatever is there
+  --strict, --no-strict   write nothing for pictures that are damaged in part, or what is there
   --format FORMAT         bmp, png or jpg
   --format-low FORMAT     for pictures of up to 256 colours
   --format-high FORMAT    for pictures of more than 256 colours
   --unpack, --no-unpack   expand archives or not
+  --archive-depth N       how deep archives in archives are expanded (1: not at all)
   --keep-unknown, --no-keep-unknown
                           keep extracted files that could not be converted, or delete them
   --min-width PIXELS, --min-height PIXELS
@@ -76,8 +103,12 @@ of one name from different folders the one converted last remains.
                           patterns: * ? # (a digit) [list] [!list]; case matters
   --log FILE, --no-log    write the log to a file too (in the system's code page), or not
   --append, --no-append   add to the log file, or begin anew
-  --encoding NAME         of standard output when it is redirected: utf-8 (default),
-                          shift_jis, ansi or oem; a console shows its own characters
+  --report FILE           one line of JSON for each file, in UTF-8:
+                          source, member, target, result, reason, text, size, ms
+  --quiet                 tell only about files that did not become what they should
+  --ignore-settings       use nothing that was set in the viewer
+  --encoding NAME         of output that is redirected: utf-8 (default), shift_jis, ansi or
+                          oem; a console shows its own characters
   --bmp-type TYPE         windows or os2
   --bmp-rle, --no-bmp-rle run-length encoding
   --png-level N           compression, 0 to 9
@@ -85,12 +116,21 @@ of one name from different folders the one converted last remains.
   --jpeg-quality N        0 to 100
   --jpeg-progressive, --no-jpeg-progressive
   --jpeg-optimize, --no-jpeg-optimize
-  --help, --version
+  --help, -h, /?, --version
   --                      only names follow
 
+Files that failed, were damaged, skipped or renamed are listed on standard error at the end, with
+the reason. Message boxes of plug-ins are closed, and their text is written there.
 Ctrl+C stops after the file that is being converted; a second one ends the program at once.
-Exit status: 0 all converted (what filters leave out does not count), 1 some were not or the
-run was stopped, 2 wrong arguments or settings
+
+Exit status
+  0  all converted (not counting what filters leave out, what is no picture, and what is skipped)
+  1  files or folders failed, are damaged, missing or unreadable; a folder is empty, or a mask
+     matches nothing
+  2  wrong arguments, settings or target folder; a plug-in folder is away, there is no plug-in, the
+     log or the report cannot be written (what can be converted is)
+  3  stopped
+  4  the process was ended in the middle; where a plug-in did it, it is named
 )";
 
 // With the ends of lines of a Windows text.

@@ -1,5 +1,7 @@
 #include "convert_cli/input_files.h"
 
+#include <windows.h>
+
 #include <utility>
 
 #include "app/base/paths.h"
@@ -8,44 +10,68 @@
 namespace tessary {
 namespace {
 
-using Sources = std::vector<ConvertSource>;
+using Files = std::vector<std::wstring>;
 
 // `root`: the folder that they were found under.
-void Append(Sources& files, std::vector<std::wstring>&& added, const std::wstring& root) {
+void Append(InputFiles& found, Files&& added, const std::wstring& root) {
     for (std::wstring& path : added)
-        files.push_back({std::move(path), root});
+        found.files.push_back({std::move(path), root});
 }
 
-bool AddFolder(const std::wstring& folder, bool recursive, Sources& files) {
-    return ScanFolders({.folder = folder, .subFolders = recursive, .extensions = {}},
-                       [&](ScanNews&& news) {
-                           Append(files, std::move(news.files), folder);
-                           return true;
-                       }) == 0;
+void AddFolder(const std::wstring& folder, bool recursive, InputFiles& found) {
+    const size_t before = found.files.size();
+    bool allRead = true;
+    const unsigned long error = ScanFolders(
+        {.folder = folder, .subFolders = recursive, .extensions = {}}, [&](ScanNews&& news) {
+            Append(found, std::move(news.files), folder);
+            for (const std::wstring& one : news.unreadable) {
+                found.troubles.push_back(L"フォルダを読み取れません: " + one);
+                allRead = false;
+            }
+            return true;
+        });
+    if (error != 0) {
+        found.troubles.push_back(L"フォルダを読み取れません: " + folder);
+    } else if (allRead && found.files.size() == before) {
+        found.troubles.push_back(L"フォルダにファイルがありません: " + folder);
+    }
 }
 
-bool AddNamed(const std::wstring& name, bool recursive, Sources& files) {
+bool IsHidden(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(ExtendedPath(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES &&
+           (attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) != 0;
+}
+
+void AddMatching(const std::wstring& pattern, InputFiles& found) {
+    Files matching = FilesInFolder(FolderOf(pattern), FileNameOf(pattern));
+    std::erase_if(matching, IsHidden);
+    if (matching.empty()) {
+        found.troubles.push_back(L"一致するファイルがありません: " + pattern);
+    }
+    Append(found, std::move(matching), FolderOf(pattern));
+}
+
+void AddNamed(const std::wstring& name, bool recursive, InputFiles& found) {
     // The current folder may change later (plug-ins do that), so names are made whole here.
     const std::wstring path = FullPathOf(name);
     if (FileNameOf(path).find_first_of(L"*?") != std::wstring::npos) {
-        std::vector<std::wstring> matching = FilesInFolder(FolderOf(path), FileNameOf(path));
-        const bool found = !matching.empty();
-        Append(files, std::move(matching), FolderOf(path));
-        return found;
+        AddMatching(path, found);
+    } else if (IsFolder(path)) {
+        AddFolder(path, recursive, found);
+    } else if (PathExists(path)) {
+        found.files.push_back({path});
+    } else {
+        found.troubles.push_back(L"ファイルが見つかりません: " + name);
     }
-    if (IsFolder(path)) return AddFolder(path, recursive, files);
-    if (!PathExists(path)) return false;
-    files.push_back({path});
-    return true;
 }
 
 }  // namespace
 
 InputFiles FindInputFiles(const std::vector<std::wstring>& names, bool recursive) {
     InputFiles found;
-    for (const std::wstring& name : names) {
-        if (!AddNamed(name, recursive, found.files)) found.missing.push_back(name);
-    }
+    for (const std::wstring& name : names)
+        AddNamed(name, recursive, found);
     return found;
 }
 

@@ -9,8 +9,8 @@
 namespace tessary {
 
 struct InputFiles {
-    std::vector<ConvertSource> files;   // in the order of the names
-    std::vector<std::wstring> missing;  // names that name nothing
+    std::vector<ConvertSource> files;    // in the order of the names
+    std::vector<std::wstring> troubles;  // what was not found or read, a line each for the user
 };
 
 // A file stands for itself; a folder for the plain files directly in it, with `recursive` also for

@@ -3,6 +3,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <mutex>
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
@@ -35,6 +36,8 @@ struct OwnLogs {
     PassingSection info;
     bool isUnlogged = false;
     std::atomic<bool> isExcused = false;
+    std::mutex mutex;           // of what follows
+    std::wstring calledPlugin;  // empty: none
 };
 
 OwnLogs& Own() {
@@ -42,8 +45,15 @@ OwnLogs& Own() {
     return *own;
 }
 
+void SetCalledPlugin(const std::wstring& plugin) {
+    OwnLogs& own = Own();
+    const std::lock_guard lock(own.mutex);
+    own.calledPlugin = plugin;
+}
+
 void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) {
     OwnLogs& own = Own();
+    SetCalledPlugin(call.plugin);
     if (own.isExcused) return;
     try {
         const std::wstring name = FileNameOf(call.plugin);
@@ -59,6 +69,7 @@ void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) 
 }
 
 void Clear(PassingSection& section) {
+    SetCalledPlugin({});
     Trapped([&] { section.Remove(); });
 }
 
@@ -99,6 +110,12 @@ InfoCalls::InfoCalls(const std::wstring& plugin) {
 
 InfoCalls::~InfoCalls() {
     Clear(Own().info);
+}
+
+std::wstring PluginUnderCall() {
+    OwnLogs& own = Own();
+    const std::lock_guard lock(own.mutex);
+    return own.calledPlugin;
 }
 
 bool CallsGoUnlogged() {

@@ -35,6 +35,9 @@ class InfoCalls {
     ~InfoCalls();
 };
 
+// The plug-in that is being called, as a full path; empty: none. From any thread.
+std::wstring PluginUnderCall();
+
 // Whether the last call could not be written down.
 bool CallsGoUnlogged();
 

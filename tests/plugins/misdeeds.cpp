@@ -185,6 +185,7 @@ void Crash(const std::string& kind) {
         Crash("av");
     }
     if (kind == "exit") ExitProcess(3);
+    if (kind == "exit-well") ExitProcess(0);
     if (kind == "abort") std::abort();
     if (kind == "terminate") TerminateProcess(GetCurrentProcess(), 3);
 }
@@ -233,6 +234,8 @@ void MakeDirty(const std::string& state) {
         SetThreadErrorMode(0, nullptr);
     }
     if (state == "window") OpenModalWindow();
+    if (state == "question")
+        MessageBoxW(nullptr, L"Go on?", L"Test plug-in question", MB_YESNO | MB_ICONQUESTION);
     if (state == "modeless") OpenModelessWindow(WS_VISIBLE);
     if (state == "hidden") OpenModelessWindow(0);
     if (state == "thread")

@@ -33,7 +33,11 @@ class Scan {
             if (!Tell()) break;
             const std::optional<DWORD> error = List(folder);
             if (!error) break;
-            if (next == 0) firstError = *error;
+            if (next == 0) {
+                firstError = *error;
+            } else if (*error != ERROR_SUCCESS) {
+                news_.unreadable.push_back(folder);
+            }
         }
         Tell();
         return firstError;
@@ -45,7 +49,7 @@ class Scan {
     }
 
     bool Tell() {
-        ScanNews told = std::exchange(news_, {news_.folder, news_.looked, {}});
+        ScanNews told = std::exchange(news_, {news_.folder, news_.looked, {}, {}});
         return tell_(std::move(told));
     }
 

@@ -9,6 +9,7 @@
 #include "app/settings/modValue.h"
 #include "app/settings/settings_store.h"
 #include "convert_cli/console_options.h"
+#include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/redirected_settings.h"
@@ -88,6 +89,11 @@ TEST_F(ConvertCliTest, ArgumentsChangeSettings) {
                                                  L"--encoding",
                                                  L"shift_jis",
                                                  L"--recursive",
+                                                 L"--on-conflict",
+                                                 L"skip",
+                                                 L"--archive-depth=2",
+                                                 L"--strict",
+                                                 L"--keep-folders",
                                                  L"--",
                                                  L"--both"};
     ASSERT_EQ(ParseOptions(arguments, options), L"");
@@ -110,6 +116,9 @@ TEST_F(ConvertCliTest, ArgumentsChangeSettings) {
     EXPECT_EQ(convert.errorLogFileName, LR"(C:\x)");
     EXPECT_EQ(convert.outputErrorLog, 1);
     EXPECT_EQ(convert.outputAddMode, 1);
+    EXPECT_EQ(convert.onConflict, kConflictSkip);
+    EXPECT_EQ(convert.archiveDepth, 2);
+    EXPECT_TRUE(convert.skipDamaged && convert.keepFolders);
     EXPECT_EQ(Values().jpegSave.quality, 95);
     EXPECT_EQ(Values().pngSave.quality, 0);
     EXPECT_EQ(Values().pngSave.interlace, 1);
@@ -150,7 +159,13 @@ TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
     folder_.Write(L"x.dat", "no picture");
     EXPECT_EQ(RunProgram(L"--out out x.dat").status, 1U);
     EXPECT_EQ(RunProgram(LR"(--out out in\*.bmp gone.bmp)").status, 1U);
+    EXPECT_EQ(RunProgram(L"--out out --no-unpack --mask none* in").status, 1U);
     EXPECT_EQ(RunProgram(LR"(--out x.dat\out in)").status, 2U);
+    EXPECT_EQ(RunProgram(LR"(--out out --log x.dat\log in)").status, 2U);
+    EXPECT_EQ(RunProgram(LR"(--out out --report in\絵.bmp in)").status, 2U);
+    EXPECT_EQ(ContentOf(folder_.Path() + LR"(in\絵.bmp)"), BitmapFileOf(3, 3, 0));
+    EXPECT_EQ(RunProgram({}).status, 2U);
+    EXPECT_EQ(RunProgram(L"/?").status, 0U);
     EXPECT_EQ(RunProgram(L"--format x in").status, 2U);
     EXPECT_EQ(RunProgram(L"--help").status, 0U);
     // A setting that cannot be read would ask in a window.
@@ -158,8 +173,62 @@ TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
     const Outcome broken = RunProgram(L"--out out in");
     EXPECT_EQ(broken.status, 2U);
     EXPECT_NE(broken.output.find("レジストリの読み取りエラーです。"), std::string::npos);
+    EXPECT_EQ(RunProgram(L"--out out --ignore-settings in").status, 0U);
     EXPECT_EQ(GetSetting(L"Init", L"Run", L"-"), L"-") << "settings are never written";
     EXPECT_EQ(GetSetting(L"General", L"UseSPI", L"-"), L"-");
+}
+
+TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
+    folder_.Write(LR"(in\a.bmp)", BitmapFileOf(3, 3, 0));
+    folder_.Write(LR"(in\b\a.bmp)", BitmapFileOf(3, 3, RGB(9, 9, 9)));
+    folder_.Write(LR"(in\b\x.xyz)", "no picture");
+    folder_.Write(LR"(in\b\hidden.bmp)", BitmapFileOf(3, 3, 0));
+    SetFileAttributesW((folder_.Path() + LR"(in\b\hidden.bmp)").c_str(), FILE_ATTRIBUTE_HIDDEN);
+    const Outcome run =
+        RunProgram(LR"(--format png --quiet --recursive --report r.jsonl --out out in in\b\*.bmp)");
+    EXPECT_EQ(run.status, 1U);
+    EXPECT_EQ(run.output.find("変換 "), std::string::npos) << run.output;
+    EXPECT_EQ(run.output.find("hidden"), std::string::npos);
+    EXPECT_NE(run.output.find("失敗: "), std::string::npos);
+    EXPECT_NE(run.output.find("x.xyz"), std::string::npos);
+    EXPECT_NE(run.output.find("別名: "), std::string::npos);
+    EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\a (2).png)"));
+    const std::string report = ContentOf(folder_.Path() + L"r.jsonl");
+    EXPECT_NE(report.find(R"(\\in\\b\\x.xyz","target":"","result":"failed","reason":")"),
+              std::string::npos)
+        << report;
+    EXPECT_NE(report.find(R"("result":"converted","renamed":true,"reason":"target-exists")"),
+              std::string::npos)
+        << report;
+}
+
+TEST_F(ConvertCliTest, PluginsNeitherEndARunUnseenNorHoldItUp) {
+    folder_.Write(L"ask.tst", "TST 8x8x24\ndirty:question:GetPicture\n");
+    folder_.Write(L"end.tst", "TST 8x8x24\ncrash:exit-well:GetPicture\n");
+    std::filesystem::create_directory(folder_.Path() + L"spi");
+    std::filesystem::copy_file(test::TestPluginPath(L"iftst.spi"),
+                               folder_.Path() + LR"(spi\iftst.spi)");
+    SaveSetting(L"Init", L"Run", L"1");
+    SaveSetting(L"General", L"UseSPI", L"1");
+    SaveSetting(L"General", L"SPIFolder_1", folder_.Path() + L"spi");
+    const Outcome asked = RunProgram(L"--format png --out out ask.tst");
+    EXPECT_EQ(asked.status, 0U) << asked.output;
+    EXPECT_NE(
+        asked.output.find("プラグイン iftst.spi が表示したウィンドウを閉じました: Test plug-in "
+                          "question: Go on?"),
+        std::string::npos)
+        << asked.output;
+    EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\ask.png)"));
+
+    const Outcome ended = RunProgram(L"--format png --out out end.tst ask.tst");
+    EXPECT_EQ(ended.status, 4U) << ended.output;
+    EXPECT_NE(ended.output.find("プラグイン iftst.spi の処理中（GetPicture）"), std::string::npos)
+        << ended.output;
+
+    SaveSetting(L"General", L"SPIFolder_1", folder_.Path() + L"gone");
+    const Outcome away = RunProgram(L"--format png --out out ask.tst");
+    EXPECT_EQ(away.status, 2U) << away.output;
+    EXPECT_NE(away.output.find("プラグインがひとつも"), std::string::npos) << away.output;
 }
 
 }  // namespace

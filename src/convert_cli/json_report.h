@@ -1,0 +1,29 @@
+// What became of each file, for programs: one JSON object in a line, in UTF-8.
+#pragma once
+
+#include <string>
+
+#include "app/base/handles.h"
+#include "convert/file_report.h"
+
+namespace tessary {
+
+class JsonReport {
+  public:
+    // Begins the file anew. An empty path: no report is wanted.
+    explicit JsonReport(const std::wstring& path);
+
+    // False when the file could not be opened, or has not taken all that was written.
+    bool IsGood() const { return isGood_; }
+    // Writes the line at once.
+    void Add(const FileReport& report);
+
+  private:
+    UniqueFile file_;
+    bool isGood_ = true;
+};
+
+// The line, without its end.
+std::string JsonLine(const FileReport& report);
+
+}  // namespace tessary

@@ -1,0 +1,123 @@
+#include "convert_cli/worker_process.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+#include "app/base/handles.h"
+
+namespace tessary {
+namespace {
+
+// Kernel objects without a type of their own are closed as mutexes are.
+using UniqueObject = UniqueHandle<handle_traits::Mutex>;
+
+// Tells the worker which inherited handle is the one of the section that takes the verdict.
+constexpr wchar_t kVariable[] = L"TESSARY_CONVERT_VERDICT";
+
+struct Verdict {
+    LONG isTold;
+    LONG status;
+};
+
+struct Unmap {
+    void operator()(Verdict* verdict) const { UnmapViewOfFile(verdict); }
+};
+using MappedVerdict = std::unique_ptr<Verdict, Unmap>;
+
+MappedVerdict Map(HANDLE section) {
+    return MappedVerdict(
+        static_cast<Verdict*>(MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, sizeof(Verdict))));
+}
+
+// The section that this process was given; null: it was given none.
+Verdict* Given() {
+    static const MappedVerdict given = [] {
+        wchar_t number[32]{};
+        const DWORD length = GetEnvironmentVariableW(kVariable, number, 32);
+        // Not for what plug-ins start.
+        SetEnvironmentVariableW(kVariable, nullptr);
+        if (length == 0 || length >= 32) return MappedVerdict();
+        return Map(
+            reinterpret_cast<HANDLE>(static_cast<uintptr_t>(std::wcstoull(number, nullptr, 10))));
+    }();
+    return given.get();
+}
+
+// The worker answers it; when the console is closed, this process stays as long as it may.
+BOOL WINAPI LeaveToWorker(DWORD event) {
+    constexpr DWORD kGraceMilliseconds = 20000;
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kGraceMilliseconds);
+    return TRUE;
+}
+
+// A job that takes its processes along; null where there cannot be one, which is no harm.
+UniqueObject MakeJob() {
+    UniqueObject job(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags =
+        JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;
+    SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits, sizeof(limits));
+    return job;
+}
+
+// A plug-in that hangs when the process ends does not hold up what waits for us.
+void WaitForEnd(HANDLE process, const Verdict& verdict) {
+    constexpr DWORD kLook = 500;
+    constexpr int kMostLooks = 20;
+    int looks = 0;
+    while (WaitForSingleObject(process, kLook) == WAIT_TIMEOUT) {
+        if (InterlockedCompareExchange(const_cast<LONG*>(&verdict.isTold), 0, 0) == 0) continue;
+        if (++looks > kMostLooks) TerminateProcess(process, 0);
+    }
+}
+
+}  // namespace
+
+bool IsWorker() {
+    return Given() != nullptr;
+}
+
+void TellVerdict(int status) {
+    Verdict* const verdict = Given();
+    if (verdict == nullptr) return;
+    verdict->status = status;
+    InterlockedExchange(&verdict->isTold, 1);
+}
+
+std::optional<WorkerEnd> RunWorker() {
+    SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+    const UniqueObject section(CreateFileMappingW(INVALID_HANDLE_VALUE, &inherited, PAGE_READWRITE,
+                                                  0, sizeof(Verdict), nullptr));
+    const MappedVerdict verdict = section ? Map(section.Get()) : nullptr;
+    wchar_t program[MAX_PATH * 4]{};
+    const DWORD length = GetModuleFileNameW(nullptr, program, MAX_PATH * 4);
+    if (!verdict || length == 0 || length == MAX_PATH * 4) return std::nullopt;
+    const auto number = reinterpret_cast<uintptr_t>(section.Get());
+    SetEnvironmentVariableW(kVariable, std::to_wstring(number).c_str());
+    SetConsoleCtrlHandler(LeaveToWorker, TRUE);
+    const UniqueObject job = MakeJob();
+    STARTUPINFOW start{};
+    start.cb = sizeof(start);
+    PROCESS_INFORMATION process{};
+    std::wstring command = GetCommandLineW();
+    const BOOL isStarted = CreateProcessW(program, command.data(), nullptr, nullptr, TRUE,
+                                          CREATE_SUSPENDED, nullptr, nullptr, &start, &process);
+    SetEnvironmentVariableW(kVariable, nullptr);
+    std::optional<WorkerEnd> end;
+    if (isStarted) {
+        const UniqueObject worker(process.hProcess);
+        const UniqueObject thread(process.hThread);
+        AssignProcessToJobObject(job.Get(), worker.Get());
+        ResumeThread(thread.Get());
+        WaitForEnd(worker.Get(), *verdict);
+        end.emplace();
+        GetExitCodeProcess(worker.Get(), &end->exitCode);
+        if (verdict->isTold != 0) end->verdict = verdict->status;
+    }
+    SetConsoleCtrlHandler(LeaveToWorker, FALSE);
+    return end;
+}
+
+}  // namespace tessary
