@@ -71,7 +71,7 @@ bool LoadPlugins(const StopRequest& stop, ConsoleStream& errors) {
     if (plugins.Count() == 0 && !stop.IsMade()) {
         errors.WriteLine(
             L"プラグインがひとつも読み込まれていません。ビットマップだけを変換できます");
-        return false;
+        return Values().general.useSPI != 1;  // the user's own choice is nothing amiss
     }
     return std::ranges::none_of(plugins.LeftOut(), [](const LeftOutPlugin& one) {
         return one.reason == LeftOutReason::kNoFolder;
