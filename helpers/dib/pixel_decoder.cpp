@@ -1,6 +1,9 @@
 #include "helpers/dib/pixel_decoder.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <cstring>
 
 #include "helpers/dib/channel_masks.h"
 #include "helpers/dib/plain_form.h"
@@ -8,6 +11,32 @@
 
 namespace tessary::dib {
 namespace {
+
+// Channels of 64-bit pixels: linear light as a fixed-point number with 13 bits behind the point, of
+// which the range from 0 to 1 can be shown.
+class LinearLight {
+  public:
+    LinearLight() {
+        for (size_t value = 0; value < bytes_.size(); ++value) {
+            const double light = static_cast<double>(value) / kOne;
+            const double encoded =
+                light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+            bytes_[value] = static_cast<uint8_t>(std::lround(encoded * 255));
+        }
+    }
+    uint8_t operator[](int16_t value) const {
+        return bytes_[static_cast<size_t>(std::clamp<int>(value, 0, kOne))];
+    }
+
+  private:
+    static constexpr int kOne = 1 << 13;
+    std::array<uint8_t, kOne + 1> bytes_{};
+};
+
+const LinearLight& TheLinearLight() {
+    static const LinearLight light;
+    return light;
+}
 
 // Turns pixels that the plain form lacks into those it has.
 class PixelConverter {
@@ -29,6 +58,8 @@ class PixelConverter {
                 return hasAlpha_ ? Widen<2, 4>(from, count, to) : Widen<2, 3>(from, count, to);
             case 24:
                 return hasAlpha_ ? Widen<3, 4>(from, count, to) : Widen<3, 3>(from, count, to);
+            case 64:
+                return Compand(from, count, to);
             default:
                 return Widen<4, 4>(from, count, to);
         }
@@ -39,6 +70,18 @@ class PixelConverter {
         for (size_t x = 0; x < count; x += 2) {
             const int pair = from[x / 4] >> (4 - x % 4 * 2) & 0xF;
             to[x / 2] = static_cast<uint8_t>((pair & 0xC) << 2 | (pair & 0x3));
+        }
+    }
+
+    // Blue, green, red and a fourth channel in 16 bits each.
+    static void Compand(const uint8_t* from, size_t count, uint8_t* to) {
+        const LinearLight& brightness = TheLinearLight();
+        for (size_t x = 0; x < count; ++x, from += 8, to += 4) {
+            std::array<int16_t, 4> pixel;
+            std::memcpy(pixel.data(), from, sizeof(pixel));
+            for (size_t channel = 0; channel < 3; ++channel)
+                to[channel] = brightness[pixel[channel]];
+            to[3] = 0xFF;
         }
     }
 
@@ -66,7 +109,7 @@ class PixelConverter {
 bool ConvertRow(const PixelConverter& converter, const SourceFormat& source, ByteStream& stream,
                 uint16_t targetBits, uint8_t* row) {
     constexpr size_t kPiece = 4096;  // pixels
-    std::array<uint8_t, kPiece * 4> piece;
+    std::array<uint8_t, kPiece * 8> piece;
     const auto width = static_cast<size_t>(source.width);
     for (size_t x = 0; x < width; x += kPiece) {
         const size_t pixels = std::min(kPiece, width - x);

@@ -60,6 +60,8 @@ PlainForm PlainFormOf(const SourceFormat& source) {
             return {PixelFormat::kBgr24, false};
         case 24:
             return {PixelFormat::kBgr24, isRaw && HasColors(masks, 0xFF0000, 0xFF00, 0xFF)};
+        case 64:
+            return {PixelFormat::kBgrx32, false};
         default:
             return {PixelFormat::kBgrx32, HasColors(masks, 0xFF0000, 0xFF00, 0xFF)};
     }

@@ -54,6 +54,7 @@ bool IsKnownDepth(uint16_t bitCount) {
         case 16:
         case 24:
         case 32:
+        case 64:
             return true;
         default:
             return false;
@@ -93,7 +94,8 @@ DibError ReadCompression(std::span<const uint8_t> info, const BitmapInfoHeader& 
                                                   : DibError::kUnsupportedCompression;
         case kCompressionBitFields:
         case kCompressionAlphaBitFields:
-            if (isOs2 || header.bitCount <= 8) return DibError::kUnsupportedCompression;
+            if (isOs2 || header.bitCount <= 8 || header.bitCount == 64)
+                return DibError::kUnsupportedCompression;
             return ReadMasks(info, header, format);
         default:
             return DibError::kUnsupportedCompression;

@@ -27,7 +27,7 @@ struct SourceFormat {
     int32_t width = 0;        // 1 or more
     int32_t height = 0;       // 1 or more
     bool topDown = false;     // the first stored row is the top one
-    uint16_t bitCount = 0;    // 1, 2, 4, 8, 16, 24, 32
+    uint16_t bitCount = 0;    // 1, 2, 4, 8, 16, 24, 32, 64
     Encoding encoding = Encoding::kRaw;
     ChannelMasks masks{};  // of depths above 8
     int32_t xPelsPerMeter = 0;

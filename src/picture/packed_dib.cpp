@@ -48,7 +48,8 @@ bool RepeatsMasks(std::span<const uint8_t> block, const dib::SourceFormat& forma
 std::optional<PackedDib> SplitPackedDib(std::span<const uint8_t> block) {
     dib::SourceFormat format;
     if (dib::ParseHeader(block, format) != dib::DibError::kNone) return std::nullopt;
-    if (format.bitCount == 2 || format.headerSize > block.size()) return std::nullopt;
+    if (format.bitCount == 2 || format.bitCount == 64 || format.headerSize > block.size())
+        return std::nullopt;
 
     const bool raw = format.encoding == dib::Encoding::kRaw;
     // Width and height have 31 bits and a pixel at most 32, so none of this wraps 64 bits.

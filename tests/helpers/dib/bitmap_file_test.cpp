@@ -95,7 +95,7 @@ TEST(BitmapFile, RefusesWithTheReason) {
         {"width -2", DibError::kBadDimensions, T{-2, 2, 24, k24Bits}.File()},
         {"height 0", DibError::kBadDimensions, T{2, 0, 24, k24Bits}.File()},
         {"least height", DibError::kBadDimensions, T{2, INT32_MIN, 24, k24Bits}.File()},
-        {"64 bits", DibError::kUnsupportedDepth, T{2, 2, 64, k24Bits}.File()},
+        {"48 bits", DibError::kUnsupportedDepth, T{2, 2, 48, k24Bits}.File()},
         {"JPEG", DibError::kUnsupportedCompression, T{2, 2, 24, k24Bits, {}, 40, 4}.File()},
         {"PNG", DibError::kUnsupportedCompression, T{2, 2, 24, k24Bits, {}, 40, 5}.File()},
         {"Huffman", DibError::kUnsupportedCompression, T{2, 2, 1, k1Bit, {}, 64, 3}.File()},
