@@ -17,9 +17,11 @@ HMODULE Load(const std::wstring& path) {
     const std::wstring full = FullPath(path);
     if (!IsLoadableDll(InputFile(full))) return nullptr;
     const LibrarySearchScope search;
+    const EnabledWindows windows;
     const auto module =
         GuardedCall(AddressOf(LoadLibraryExW),
                     {Word(full.c_str()), 0, LOAD_WITH_ALTERED_SEARCH_PATH}, Net::kNone);
+    windows.EnableAgain();
     return reinterpret_cast<HMODULE>(module.value_or(0));
 }
 

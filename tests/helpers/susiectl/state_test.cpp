@@ -181,6 +181,11 @@ TEST_F(StateTest, ADialogThatCrashedIsTakenAway) {
     EXPECT_EQ(plugin.DecodeWith("dirty:window:GetPicture"), susie::kSuccess);
     EXPECT_TRUE(IsWindowEnabled(parent));
     EXPECT_FALSE(IsWindowEnabled(disabled));
+    {
+        const TemporaryFolder folder;
+        const LoadedPlugin dirty(folder, "dirty:window:DllMain");
+        EXPECT_TRUE(IsWindowEnabled(parent)) << "nor has loading";
+    }
     DestroyWindow(FindWindowW(nullptr, L"Test plug-in window"));
     for (HWND window : {parent, other, disabled})
         DestroyWindow(window);
