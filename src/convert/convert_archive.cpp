@@ -14,6 +14,7 @@
 #include "convert/make_folder.h"
 #include "convert/plugin_use.h"
 #include "plugin/member_file_name.h"
+#include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
@@ -83,7 +84,7 @@ StepResult ConvertRun::ConvertArchiveFile(const WorkEntry& entry, const std::wst
             Report(FileOutcome::kDeclined, reason);
             return;
         }
-        log_.WriteConvertLog(L"使用プラグイン", FileNameOf(pluginKey), 2);
+        log_.WriteConvertLog(L"使用プラグイン", SusieCollection().NameOf(pluginKey), 2);
         log_.WriteConvertLog(L"画像の展開先", entry.folder + FileNameOf(entry.path), 2);
         const PluginUse plugin(pluginKey);
         if (!plugin.Bind(entry.path)) {

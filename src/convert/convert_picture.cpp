@@ -11,6 +11,7 @@
 #include "convert/side_job.h"
 #include "convert/trial_save.h"
 #include "picture/save/save_picture.h"
+#include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
@@ -42,7 +43,7 @@ StepResult ConvertRun::ConvertBitmapFile(const WorkEntry& entry) {
 StepResult ConvertRun::ConvertPictureFile(const WorkEntry& entry) {
     return Step([&](StepResult& result) {
         log_.WriteConvertLog(L"ファイル種別", L"画像ファイル", 2);
-        log_.WriteConvertLog(L"使用プラグイン", FileNameOf(source_.pluginKey), 2);
+        log_.WriteConvertLog(L"使用プラグイン", SusieCollection().NameOf(source_.pluginKey), 2);
         if (!source_.picture) {
             source_.picture = DecodeSource(entry.path, source_.pluginKey, TellProgress);
         }
@@ -54,7 +55,7 @@ StepResult ConvertRun::ConvertPictureFile(const WorkEntry& entry) {
         }
         // The first one has failed, and another one knew better.
         if (!EqualsIgnoreCase(source.pluginKey, source_.pluginKey)) {
-            log_.WriteConvertLog(L"使用プラグイン", FileNameOf(source.pluginKey), 2);
+            log_.WriteConvertLog(L"使用プラグイン", SusieCollection().NameOf(source.pluginKey), 2);
         }
         if (source.isArchive) {
             result = ConvertArchiveFile(entry, source.pluginKey);

@@ -2,7 +2,6 @@
 
 #include <set>
 
-#include "app/base/paths.h"
 #include "app/base/text.h"
 #include "convert/plugin_use.h"
 #include "picture/bitmap_file.h"
@@ -43,7 +42,7 @@ FileReason ReasonOf(const PluginFailure& failure) {
 }
 
 std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey) {
-    return failure.text + L" (" + FileNameOf(pluginKey) + L')';
+    return failure.text + L" (" + SusieCollection().NameOf(pluginKey) + L')';
 }
 
 SourceFile LookAtFile(const std::wstring& path) {

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <set>
 
-#include "app/base/paths.h"
 #include "plugin/CollectionSusie.h"
 
 namespace tessary {
@@ -28,7 +27,7 @@ std::wstring CollectionSusie::GetCommonDialogString() const {
         }
         const std::wstring patterns = Entry(member->FileType(0));
         const std::wstring& product = member->ProductName();
-        const std::wstring name = product.empty() ? FileNameOf(member->DllName()) : product;
+        const std::wstring name = product.empty() ? NameOf(member->DllName()) : product;
         entries.append(Entry(name)).append(L"(").append(patterns);
         entries.append(L")|").append(patterns).append(L"|");
     }

@@ -26,7 +26,7 @@ std::vector<std::wstring> InterruptedCallNotices() {
         if (IsLeftOut(call, LeftOutReason::kSkipped)) {
             notices.back() += L"。今回は読み込みません";
         } else if (IsLeftOut(call, LeftOutReason::kBarred)) {
-            notices.back() += L"。続けて起きたため、もう読み込みません";
+            notices.back() += L"。今後は読み込みません";
         }
     }
     return notices;
