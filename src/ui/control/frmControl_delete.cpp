@@ -75,13 +75,16 @@ void frmControl::PlaceForPanel() {
     POINT client{};
     ClientToScreen(window_.Handle(), &client);
     title.bottom = client.y;
-    const RECT bar = Frame();
+    RECT bar = Frame();
+    OffsetRect(&bar, -movedBy_.x, -movedBy_.y);  // where it was without the panel
     const PanelPlace place = PlacePanel(bar, height, height - metrics.Scale(kUnfoldedHeight),
                                         ScreenOf(Handle()).rcWork, title);
     panelAbove_ = place.above;
     movedBy_ = {place.frame.left - bar.left, place.frame.top - bar.top};
     SetWindowPos(Handle(), nullptr, place.frame.left, place.frame.top,
                  place.frame.right - place.frame.left, height, SWP_NOZORDER | SWP_NOACTIVATE);
+    const SIZE size = ClientSize();
+    Form_Resize(size.cx, size.cy);  // the panel may only have changed sides
 }
 
 void frmControl::CloseDeletePanel() {

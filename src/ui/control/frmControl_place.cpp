@@ -129,6 +129,8 @@ bool frmControl::IsVisible() const {
 void frmControl::SetVisible(bool visible) {
     if (visible && !Load(window_.Handle())) return;
     if (visible) MoveOntoScreen();
+    // Behind the full screen the main window stands elsewhere than when the panel opened.
+    if (visible && deletePanelOpen_) PlaceForPanel();
     // The main window keeps the focus when the bar appears, and gets it back when it goes.
     if (Handle() != nullptr) ShowWindow(Handle(), visible ? SW_SHOWNOACTIVATE : SW_HIDE);
 }

@@ -509,6 +509,23 @@ TEST_F(KeyTest, ScreenReadersFindNames) {
     EXPECT_EQ(nameOf(bar_.CoolBar().Handle()), L"操作ボタン");
 }
 
+TEST_F(KeyTest, PanelOpenedOnTheFullScreenLeavesTheTitleInSight) {
+    SetWindowPos(window_.Handle(), nullptr, 200, 340, 600, 300, SWP_NOZORDER);
+    SetWindowPos(bar_.Handle(), nullptr, 200, 200, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    window_.Commands().Run(commandFullScreen);
+    Press(VK_DELETE);
+    window_.Commands().Run(commandFullScreen);
+    EXPECT_TRUE(bar_.IsVisible());
+    EXPECT_EQ(HeightAt96Dpi(), 270);
+    RECT bar{};
+    RECT main{};
+    RECT hidden{};
+    GetWindowRect(bar_.Handle(), &bar);
+    GetWindowRect(window_.Handle(), &main);
+    main.bottom = main.top + 20;
+    EXPECT_FALSE(IntersectRect(&hidden, &bar, &main));
+}
+
 TEST_F(KeyTest, TabGoesRoundBothWindowsAndF6Between) {
     const auto round = [&] {
         std::vector<HWND> stops;
