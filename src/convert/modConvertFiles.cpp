@@ -171,8 +171,14 @@ void ConvertRun::ReportUnknown(const std::wstring& path) {
         Report(FileOutcome::kDeclined, FileReason::kNoPicture);
     } else if (PluginsAreStopped()) {
         Report(FileOutcome::kFailed, FileReason::kPluginFailed, kPluginsStoppedText);
+    } else if (const FileReason reason = ReasonUnknown(path);
+               reason == FileReason::kUnknownFormat && source_.refusal) {
+        const CollectionSusie::Refusal& refusal = *source_.refusal;
+        log_.WriteConvertLog(L"詳細情報", refusal.reason, 2);
+        Report(FileOutcome::kFailed, ReasonOf(refusal),
+               refusal.reason + L" (" + refusal.plugin + L')');
     } else {
-        Report(FileOutcome::kFailed, ReasonUnknown(path));
+        Report(FileOutcome::kFailed, reason);
     }
 }
 

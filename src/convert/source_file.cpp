@@ -19,13 +19,24 @@ std::wstring BoundPluginKey(const std::wstring& path) {
     return {};
 }
 
+bool IsForWantOfAPassword(susie::Condition condition) {
+    return condition == susie::kConditionPasswordNeeded ||
+           condition == susie::kConditionDirectoryEncrypted;
+}
+
 }  // namespace
 
 PluginFailure FailureOf(const clsSusie& plugin, uint32_t result) {
-    return {result, plugin.ErrorFunction(), plugin.ErrorString()};
+    return {result, plugin.ErrorFunction(), plugin.ErrorString(), plugin.Condition().kind};
+}
+
+FileReason ReasonOf(const CollectionSusie::Refusal& refusal) {
+    return IsForWantOfAPassword(refusal.condition) ? FileReason::kPassword
+                                                   : FileReason::kPluginFailed;
 }
 
 FileReason ReasonOf(const PluginFailure& failure) {
+    if (IsForWantOfAPassword(failure.condition)) return FileReason::kPassword;
     switch (static_cast<int32_t>(failure.result)) {
         case susie::kBrokenData:
             return FileReason::kBrokenData;
@@ -51,6 +62,7 @@ SourceFile LookAtFile(const std::wstring& path) {
     if (file.kind == kFilePicture || file.kind == kFileArchive) {
         file.pluginKey = BoundPluginKey(path);
     }
+    if (file.kind == kFileUnknown) file.refusal = SusieCollection().LastRefusal();
     return file;
 }
 

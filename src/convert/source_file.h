@@ -8,7 +8,7 @@
 #include "convert/file_report.h"
 #include "picture/modMemory.h"
 #include "picture/show/shown_file.h"
-#include "plugin/clsSusie.h"
+#include "plugin/CollectionSusie.h"
 
 namespace tessary {
 
@@ -17,12 +17,15 @@ struct PluginFailure {
     uint32_t result = 0;
     std::wstring function;
     std::wstring text;
+    susie::Condition condition = susie::kConditionNone;
 };
 
 // What the plug-in's last call has come to.
 PluginFailure FailureOf(const clsSusie& plugin, uint32_t result);
 
 FileReason ReasonOf(const PluginFailure& failure);
+// The same of what is unknown because the archive plug-in that knows it could not list it.
+FileReason ReasonOf(const CollectionSusie::Refusal& refusal);
 // The reason for the user, with the plug-in's name and what it tells.
 std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey);
 
@@ -37,7 +40,8 @@ struct SourcePicture {
 
 struct SourceFile {
     FileKind kind = kFileUnknown;
-    std::wstring pluginKey;                // of a picture and an archive
+    std::wstring pluginKey;                             // of a picture and an archive
+    std::optional<CollectionSusie::Refusal> refusal{};  // of an unknown one
     std::optional<SourcePicture> picture;  // of a bitmap or picture, as soon as it has been read
 };
 

@@ -126,6 +126,7 @@ class CollectionSusie {
     struct Refusal {
         std::wstring reason;
         std::wstring plugin;
+        susie::Condition condition = susie::kConditionNone;
     };
     const std::optional<Refusal>& LastRefusal() const { return refusal_; }
     // To be called when the member that accepted last has failed: it is not preferred any more.

@@ -121,7 +121,8 @@ void CollectionSusie::NoteRefusal(clsSusie& member, const std::wstring& path, in
     const bool isOwn = !isDoubtful || (member.FileType(0) != kEveryFile &&
                                        member.Claims(ToUpper(FileNameOf(path))));
     if (reason.empty() && isOwn && member.CheckFile(path)) reason = ResultText(result);
-    if (!reason.empty()) refusal_ = {std::move(reason), NameOf(member.DllName())};
+    if (reason.empty()) return;
+    refusal_ = {std::move(reason), NameOf(member.DllName()), member.Condition().kind};
 }
 
 int32_t CollectionSusie::MemorySupported(HLOCAL memory, const std::wstring& fileName,

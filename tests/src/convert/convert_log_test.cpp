@@ -209,6 +209,19 @@ TEST_F(ConvertLogTest, TellsWhatBecomesOfArchives) {
     EXPECT_TRUE(std::ranges::equal(monitor_.counts, std::initializer_list<int>{3, 0, 3}));
 }
 
+TEST_F(ConvertLogTest, TellsThatAnArchiveIsEncrypted) {
+    Add(L"list.tsa",
+        ArchiveOf({{"a.tst", "x"}}, "condition:4:hidden list\nanswer-after:GetArchiveInfo:2\n"));
+    Add(L"member.tsa",
+        ArchiveOf({{"a.tst", "x"}}, "condition:2:hidden member\nanswer-after:GetFile:2\n"));
+    EXPECT_TRUE(Run());
+    ASSERT_EQ(monitor_.reports.size(), 2u);
+    EXPECT_EQ(monitor_.reports[0].text, L"hidden list (axtsa.spi)");
+    EXPECT_EQ(monitor_.reports[1].text, L"hidden member (axtsa.spi)");
+    for (const FileReport& report : monitor_.reports)
+        EXPECT_EQ(report.reason, FileReason::kPassword);
+}
+
 constexpr wchar_t kRefused[] =
     LR"({BEGIN}{S}x.tsa
   ファイル種別        圧縮ファイル
