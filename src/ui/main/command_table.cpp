@@ -19,9 +19,15 @@ bool CommandTable::IsEnabled(int id) const {
     return !command.enabled || command.enabled();
 }
 
+bool CommandTable::IsPutOff(int id) const {
+    const auto found = commands_.find(id);
+    if (found == commands_.end() || found->second.whileLoading || !IsReadUnderWay()) return false;
+    return (!found->second.enabled || found->second.enabled()) && takesEarly_ && takesEarly_();
+}
+
 bool CommandTable::Run(int id) const {
     if (!IsEnabled(id)) {
-        if (IsReadUnderWay() && IsRegistered(id) && tooEarly_) tooEarly_(id);
+        if (IsPutOff(id)) tooEarly_(id);
         return false;
     }
     // A copy: the command may register others.
@@ -36,7 +42,7 @@ void CommandTable::ShowState(HMENU menu) const {
         const auto found = commands_.find(id);
         const bool checked =
             found != commands_.end() && found->second.checked && found->second.checked();
-        SetMenuItemState(menu, id, IsEnabled(id), checked);
+        SetMenuItemState(menu, id, IsEnabled(id) || IsPutOff(id), checked);
     });
 }
 

@@ -40,15 +40,22 @@ class CommandTable {
     // Runs the item's command; false when it has none or must not run now.
     bool Run(int id) const;
 
-    // Told of a command that was to be run and must not while something is being read.
-    void OnTooEarly(std::function<void(int id)> handler) { tooEarly_ = std::move(handler); }
+    // Takes the commands that must not run while something is being read, to run them later; where
+    // `takes` answers true the menus offer them meanwhile, and with them their keys.
+    void OnTooEarly(std::function<bool()> takes, std::function<void(int id)> handler) {
+        takesEarly_ = std::move(takes);
+        tooEarly_ = std::move(handler);
+    }
 
     // Greys, enables and checks all items of a menu and its submenus, with their keys behind them.
     void ShowState(HMENU menu) const;
 
   private:
+    bool IsPutOff(int id) const;
+
     MenuKeys keys_;
     std::map<int, Command> commands_;
+    std::function<bool()> takesEarly_;
     std::function<void(int id)> tooEarly_;
 };
 

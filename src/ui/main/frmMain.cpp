@@ -53,9 +53,8 @@ void frmMain::SetControlBar(ControlBar& controlBar) {
                                     .enabled = [this, harmless] { return harmless || MayPress(); },
                                     .whileLoading = true});
     }
-    commands_.OnTooEarly([this, &controlBar](int id) {
-        if (IsReading()) controlBar.WishCommand(id);
-    });
+    commands_.OnTooEarly([this] { return IsReading() && !Values().quitRequested; },
+                         [&controlBar](int id) { controlBar.WishCommand(id); });
 }
 
 void frmMain::RegisterCommands() {

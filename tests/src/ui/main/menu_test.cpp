@@ -139,6 +139,14 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
     EXPECT_EQ(opened, 1);
     Open();
     EXPECT_EQ(AliveItems(), (std::vector<int>{menuFileExit, commandFullScreen}));
+    // What the control bar can put off is offered, and so its keys arrive.
+    window_.SetControlBar(controlBar_);
+    const frmMain::Reading reading(window_, L"reading");
+    Open();
+    EXPECT_EQ(GetMenuState(Menu(), menuFileOpen, MF_BYCOMMAND) & MF_GRAYED, 0u);
+    Choose(menuFileOpen);
+    EXPECT_EQ(opened, 1);
+    EXPECT_EQ(controlBar_.wishes, std::vector<int>{menuFileOpen});
 }
 
 TEST_F(MenuTest, ControlMenuPressesBarButtons) {
