@@ -2,10 +2,13 @@
 
 #include <windows.h>
 
+#include <cstdint>
+#include <cwchar>
 #include <memory>
 #include <string>
 
 #include "app/base/handles.h"
+#include "plugin/call_log.h"
 
 namespace tessary {
 namespace {
@@ -19,6 +22,7 @@ constexpr wchar_t kVariable[] = L"TESSARY_CONVERT_VERDICT";
 struct Verdict {
     LONG isTold;
     LONG status;
+    uint64_t overseer;  // the worker's handle of the process that has started it
 };
 
 struct Unmap {
@@ -31,6 +35,31 @@ MappedVerdict Map(HANDLE section) {
         static_cast<Verdict*>(MapViewOfFile(section, FILE_MAP_WRITE, 0, 0, sizeof(Verdict))));
 }
 
+// Whoever has ended the overseer wants the run to end. The plug-in that is being called then has
+// done nothing wrong.
+void CALLBACK OnOverseerEnd(void*, BOOLEAN) {
+    ExcuseLastCall();
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+}
+
+void EndWith(HANDLE overseer) {
+    HANDLE wait = nullptr;
+    RegisterWaitForSingleObject(&wait, overseer, OnOverseerEnd, nullptr, INFINITE,
+                                WT_EXECUTEONLYONCE);
+}
+
+HANDLE HandleOf(uint64_t number) {
+    return reinterpret_cast<HANDLE>(static_cast<uintptr_t>(number));
+}
+
+// A handle of this process that the worker inherits.
+UniqueObject OwnHandle() {
+    HANDLE own = nullptr;
+    DuplicateHandle(GetCurrentProcess(), GetCurrentProcess(), GetCurrentProcess(), &own,
+                    SYNCHRONIZE, TRUE, 0);
+    return UniqueObject(own);
+}
+
 // The section that this process was given; null: it was given none.
 Verdict* Given() {
     static const MappedVerdict given = [] {
@@ -39,8 +68,9 @@ Verdict* Given() {
         // Not for what plug-ins start.
         SetEnvironmentVariableW(kVariable, nullptr);
         if (length == 0 || length >= 32) return MappedVerdict();
-        return Map(
-            reinterpret_cast<HANDLE>(static_cast<uintptr_t>(std::wcstoull(number, nullptr, 10))));
+        MappedVerdict mapped = Map(HandleOf(std::wcstoull(number, nullptr, 10)));
+        if (mapped) EndWith(HandleOf(mapped->overseer));
+        return mapped;
     }();
     return given.get();
 }
@@ -50,16 +80,6 @@ BOOL WINAPI LeaveToWorker(DWORD event) {
     constexpr DWORD kGraceMilliseconds = 20000;
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kGraceMilliseconds);
     return TRUE;
-}
-
-// A job that takes its processes along; null where there cannot be one, which is no harm.
-UniqueObject MakeJob() {
-    UniqueObject job(CreateJobObjectW(nullptr, nullptr));
-    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
-    limits.BasicLimitInformation.LimitFlags =
-        JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;
-    SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits, sizeof(limits));
-    return job;
 }
 
 // A plug-in that hangs when the process ends does not hold up what waits for us.
@@ -97,20 +117,19 @@ std::optional<WorkerEnd> RunWorker() {
     const auto number = reinterpret_cast<uintptr_t>(section.Get());
     SetEnvironmentVariableW(kVariable, std::to_wstring(number).c_str());
     SetConsoleCtrlHandler(LeaveToWorker, TRUE);
-    const UniqueObject job = MakeJob();
+    const UniqueObject own = OwnHandle();
+    verdict->overseer = reinterpret_cast<uintptr_t>(own.Get());
     STARTUPINFOW start{};
     start.cb = sizeof(start);
     PROCESS_INFORMATION process{};
     std::wstring command = GetCommandLineW();
-    const BOOL isStarted = CreateProcessW(program, command.data(), nullptr, nullptr, TRUE,
-                                          CREATE_SUSPENDED, nullptr, nullptr, &start, &process);
+    const BOOL isStarted = CreateProcessW(program, command.data(), nullptr, nullptr, TRUE, 0,
+                                          nullptr, nullptr, &start, &process);
     SetEnvironmentVariableW(kVariable, nullptr);
     std::optional<WorkerEnd> end;
     if (isStarted) {
         const UniqueObject worker(process.hProcess);
-        const UniqueObject thread(process.hThread);
-        AssignProcessToJobObject(job.Get(), worker.Get());
-        ResumeThread(thread.Get());
+        CloseHandle(process.hThread);
         WaitForEnd(worker.Get(), *verdict);
         end.emplace();
         GetExitCodeProcess(worker.Get(), &end->exitCode);
