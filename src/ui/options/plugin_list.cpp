@@ -13,9 +13,9 @@ namespace tessary {
 namespace {
 
 constexpr ListView::Column kColumns[] = {
-    {.caption = L"ファイル", .width = 108},
+    {.caption = L"ファイル", .width = 98},
     {.caption = L"種類", .width = 42},
-    {.caption = L"対応パターン", .width = 76},
+    {.caption = L"対応パターン", .width = 86},
     {.caption = L"バージョン・理由", .width = 124, .fills = true},
     {.caption = L"状態", .width = 86},
     {.caption = L"エラー", .width = 46, .isNumber = true}};
@@ -127,7 +127,7 @@ std::vector<PluginFacts> ListPlugins() {
         const bool isFolder = IsFolderReason(one.reason);
         plugins.push_back({.path = one.path,
                            .file = isFolder ? one.path : SusieCollection().NameOf(one.path),
-                           .kind = isFolder ? L"フォルダ" : L"－",
+                           .kind = L"－",
                            .patterns = {},
                            .version = {},
                            .state = StateOf(one.reason),
