@@ -78,6 +78,7 @@
 #define dialogSaveOption 203
 #define dialogConvertAll 204
 #define dialogProgress 205
+#define dialogConflict 206
 #define dialogOption 210
 #define dialogAbout 211
 #define dialogSPIAbout 212
@@ -141,18 +142,34 @@
 #define combConvertIndexcolor 2413
 #define labelConvertFullcolor 2414
 #define combConvertFullcolor 2415
-#define frameSetOptionEnd 2416
-#define frameShowConvertStatus 2420  // the status
-#define labelTotal 2421
-#define lblTime 2422
-#define lblRateTotal 2423
-#define progressTotal 2424
-#define labelCurrentFile 2425
-#define progressCurrentFile 2426
-#define lblResult 2427
-#define listConvertLog 2428
-#define frameShowConvertStatusEnd 2429
-#define cmdRunConvert 2430
+#define labelOnConflict 2416
+#define combConvertOnConflict 2417
+#define checkConvertKeepFolders 2418
+#define checkConvertSkipDamaged 2419
+#define labelConvertMissing 2420  // why the run cannot begin
+#define frameSetOptionEnd 2421
+#define frameShowConvertStatus 2430  // the status
+#define labelTotal 2431
+#define lblTime 2432
+#define lblRateTotal 2433
+#define progressTotal 2434
+#define labelCurrentFile 2435
+#define progressCurrentFile 2436
+#define lblResult 2437
+#define optionConvertLog 2438  // which of the two lists is shown
+#define optionConvertProblems 2439
+#define listConvertLog 2440
+#define listConvertProblems 2441
+#define frameShowConvertStatusEnd 2442
+#define cmdRunConvert 2450
+
+#define conflictQuestion 2460
+#define conflictSource 2461
+#define conflictTarget 2462
+#define conflictFreeName 2463
+#define conflictReplace 2464
+#define conflictSkip 2465
+#define conflictForAll 2466
 
 // The pages lie in the same place. A page's controls are those from its heading up to the next
 // one's; the buttons stand behind the last.
@@ -203,6 +220,13 @@
 #define labelErrorLogFileName 3217
 #define textErrorLogFileName 3218
 #define checkOutputAddMode 3219
+#define cmdErrorLogFileName 3220
+#define labelErrorLogPath 3221
+#define combOnConflict 3222
+#define checkKeepFolders 3223
+#define checkSkipDamaged 3224
+#define labelArchiveDepth 3225
+#define textArchiveDepth 3226
 
 #define sliderSlideShowTime 3300
 #define labelSlideShowTime 3301

@@ -20,13 +20,17 @@ std::wstring LineOf(std::wstring_view label, std::wstring_view value, int16_t in
     return line;
 }
 
-// The name counts from the program's folder, unless it is a full path already.
+}  // namespace
+
+bool IsLogName(const std::wstring& name) {
+    return !name.empty() && !FileNameOf(name).empty() &&
+           name.find_first_of(L"*?\"<>|") == name.npos;
+}
+
 std::wstring LogPath(const std::wstring& name) {
     const bool isFull = name.starts_with(LR"(\\)") || (name.size() > 2 && name[1] == L':');
     return isFull ? name : AppFolder() + name;
 }
-
-}  // namespace
 
 void ConvertLog::Open() {
     ConvertSettings& settings = Values().convert;

@@ -13,6 +13,11 @@ namespace tessary {
 // A list that holds more loses its first line before the next is added.
 constexpr size_t kMostLogLines = 1000;
 
+// Whether a file of that name could be one: it is not empty, and names no folder or pattern.
+bool IsLogName(const std::wstring& name);
+// The full path: the name counts from the program's folder, unless it is a full path already.
+std::wstring LogPath(const std::wstring& name);
+
 class ConvertLog {
   public:
     // The monitor must outlive the log.

@@ -69,6 +69,21 @@ bool OutputNames::IsSource(const std::wstring& path) {
     return sourceKeys_.contains(IdentityOf(path));
 }
 
+bool OutputNames::IsBesideSource(const std::wstring& path) {
+    const std::wstring folder = FolderOf(path);
+    const auto [known, isNew] = besideSource_.try_emplace(ToUpper(folder));
+    if (!isNew) return known->second;
+    if (sourceFolders_.empty()) {
+        std::unordered_set<std::wstring> folders;
+        for (const std::wstring& source : sources_)
+            folders.insert(FolderOf(source));
+        for (const std::wstring& each : folders)
+            sourceFolders_.insert(IdentityOf(each));
+    }
+    known->second = sourceFolders_.contains(IdentityOf(folder));
+    return known->second;
+}
+
 // By a list of the folder that is made once: some systems read the whole folder for each question
 // about a name that is not there.
 bool OutputNames::IsListed(const std::wstring& path) {
@@ -144,7 +159,7 @@ OutputChoice OutputNames::FreeName(const OutputWish& wish, bool onlyNew) {
             continue;
         }
         if (IsResult(path)) continue;
-        const bool isSource = IsSource(path);
+        const bool isSource = IsSource(path) || IsBesideSource(path);
         isContested = isContested || isSource;
         if (isContested && wish.isWritten(path)) {
             return Skipped(path, FileReason::kAlreadyConverted);

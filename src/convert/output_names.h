@@ -32,7 +32,8 @@ struct OutputChoice {
 // Decides by ConvertSettings::onConflict what a picture is saved as.
 //
 // A free name is given where the run would destroy one of its own sources, read or not, or one of
-// its own results; any other file is replaced. Which of several pictures of one name gets which
+// its own results, or a file beside a source, which is likely to be the user's; any other file is
+// replaced. Which of several pictures of one name gets which
 // number depends on the order of the list; but a picture whose like was left by an earlier run, in
 // whatever order, keeps that one's name: so runs that are stopped, repeated, or done over their own
 // results come to the same files.
@@ -55,6 +56,7 @@ class OutputNames {
     bool IsSource(const std::wstring& path);
 
   private:
+    bool IsBesideSource(const std::wstring& path);
     bool Exists(const std::wstring& path, const WorkEntry& entry);
     bool IsListed(const std::wstring& path);
     bool IsTaken(const std::wstring& path, const WorkEntry& entry) const;
@@ -70,6 +72,8 @@ class OutputNames {
     ConvertMonitor& monitor_;
     std::unordered_set<std::wstring> sources_;     // their paths in upper case
     std::unordered_set<std::wstring> sourceKeys_;  // their identities, as soon as they matter
+    std::map<std::wstring, bool> besideSource_;    // folders in upper case: whether they hold one
+    std::unordered_set<std::wstring> sourceFolders_;  // identities of the folders that do
     // The results, by their paths in upper case and by their identities: whose they are.
     std::unordered_map<std::wstring, std::wstring> results_;
     // How many of the files would have a path, without its extension, in upper case.

@@ -96,7 +96,7 @@ struct ProcessValues {
     int readsUnderWay = 0;       // how many ReadUnderWay there are
     bool quitRequested = false;  // the main window was closed during a read
     // The conversion log's file could not be opened: convert.outputErrorLog is 0 until the program
-    // ends, and the store keeps the user's 1.
+    // ends or the user chooses anew, and the store keeps the user's 1.
     bool logFileGivenUp = false;
 };
 

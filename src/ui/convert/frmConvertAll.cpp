@@ -38,6 +38,10 @@ constexpr DWORD kOpenFlags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_LONGNAMES
 // In the order of the values of SaveType1 and SaveType2.
 constexpr const wchar_t* kFormats[] = {L"BMP", L"PNG", L"JPEG"};
 
+// In the order of the values of OnConflict.
+constexpr const wchar_t* kConflicts[] = {L"別名で保存する", L"変換しない（スキップ）",
+                                         L"上書きする", L"そのつど確認する"};
+
 constexpr int kIconSize = 32;  // pixels at 96 dpi
 
 // The files themselves, and those in the folders.
@@ -76,7 +80,9 @@ void frmConvertAll::Dialog_Load() {
     AttachControls();
     AnchorControls();
     FillFormats();
+    ShowChoices();
     FontsChanged();
+    textConvertFolder_.SetText(FirstChosenFolder({&Values().convert.savePath}));
     ShowView(View::kSettings);
     AddFiles(std::exchange(firstFiles_, {}));
     dropTarget_.Register(Handle(),
@@ -93,6 +99,7 @@ void frmConvertAll::Dialog_Load() {
 }
 
 void frmConvertAll::Dialog_Unload() {
+    RememberFolder();
     dropTarget_.Revoke();
     taskbar_.reset();
     dropped_.clear();
@@ -129,6 +136,7 @@ void frmConvertAll::AttachControls() {
             if (!listing_) (this->*click)();
         });
     }
+    labelConvertMissing_.Attach(Handle(), labelConvertMissing);
     cmdOK_.Attach(Handle(), IDOK);
     Command2_.Attach(Handle(), IDCANCEL);
 
@@ -137,18 +145,25 @@ void frmConvertAll::AttachControls() {
     progressTotal_.Attach(Handle(), progressTotal);
     progressCurrentFile_.Attach(Handle(), progressCurrentFile);
     lblResult_.Attach(Handle(), lblResult);
+    optionConvertLog_.Attach(Handle(), optionConvertLog);
+    optionConvertLog_.OnClick([this] { ShowPane(Pane::kLog); });
+    optionConvertProblems_.Attach(Handle(), optionConvertProblems);
+    optionConvertProblems_.OnClick([this] { ShowPane(Pane::kProblems); });
     listConvertLog_.Attach(Handle(), listConvertLog);
+    listConvertProblems_.Attach(Handle(), listConvertProblems);
 }
 
 void frmConvertAll::AnchorControls() {
-    for (const int id : {listConvertFiles, listConvertLog})
+    for (const int id : {listConvertFiles, listConvertLog, listConvertProblems})
         Anchor(id, kAnchorWidth | kAnchorHeight);
     for (const int id : {cmdAddFile, cmdAddFolder, cmdDelete, cmdDeleteAll, lblTime, lblRateTotal})
         Anchor(id, kAnchorRight | kAnchorTop);
     for (const int id : {labelConvertCount, textConvertFolder})
         Anchor(id, kAnchorWidth | kAnchorBottom);
-    for (const int id : {labelConvertFolder, labelConvertIndexcolor, combConvertIndexcolor,
-                         labelConvertFullcolor, combConvertFullcolor}) {
+    for (const int id :
+         {labelConvertFolder, labelConvertIndexcolor, combConvertIndexcolor, labelConvertFullcolor,
+          combConvertFullcolor, labelOnConflict, combConvertOnConflict, checkConvertKeepFolders,
+          checkConvertSkipDamaged, labelConvertMissing}) {
         Anchor(id, kAnchorLeft | kAnchorBottom);
     }
     for (const int id : {int{Command3}, cmdConvertFolder, cmdRunConvert, IDOK, IDCANCEL})
@@ -158,15 +173,31 @@ void frmConvertAll::AnchorControls() {
 }
 
 void frmConvertAll::FillFormats() {
-    const auto fill = [this](ComboBox& formats, int id, int32_t& saveType) {
-        formats.Attach(Handle(), id);
-        for (const wchar_t* const format : kFormats)
-            formats.Add(format);
-        formats.MarkSelected(saveType);
-        formats.OnSelect([&formats, &saveType] { saveType = formats.Selected(); });
+    ConvertSettings& settings = Values().convert;
+    const auto fill = [this](ComboBox& list, int id, const auto& entries, int32_t& value) {
+        list.Attach(Handle(), id);
+        for (const wchar_t* const entry : entries)
+            list.Add(entry);
+        list.OnSelect([&list, &value] { value = list.Selected(); });
     };
-    fill(combConvertIndexcolor_, combConvertIndexcolor, Values().convert.saveType1);
-    fill(combConvertFullcolor_, combConvertFullcolor, Values().convert.saveType2);
+    fill(combConvertIndexcolor_, combConvertIndexcolor, kFormats, settings.saveType1);
+    fill(combConvertFullcolor_, combConvertFullcolor, kFormats, settings.saveType2);
+    fill(combConvertOnConflict_, combConvertOnConflict, kConflicts, settings.onConflict);
+    const auto check = [this](Button& box, int id, bool& value) {
+        box.Attach(Handle(), id);
+        box.OnClick([&box, &value] { value = box.IsChecked(); });
+    };
+    check(checkConvertKeepFolders_, checkConvertKeepFolders, settings.keepFolders);
+    check(checkConvertSkipDamaged_, checkConvertSkipDamaged, settings.skipDamaged);
+}
+
+void frmConvertAll::ShowChoices() {
+    const ConvertSettings& settings = Values().convert;
+    combConvertIndexcolor_.MarkSelected(settings.saveType1);
+    combConvertFullcolor_.MarkSelected(settings.saveType2);
+    combConvertOnConflict_.MarkSelected(settings.onConflict);
+    checkConvertKeepFolders_.SetChecked(settings.keepFolders);
+    checkConvertSkipDamaged_.SetChecked(settings.skipDamaged);
 }
 
 void frmConvertAll::FontsChanged() {
@@ -188,10 +219,20 @@ void frmConvertAll::ShowView(View view) {
     };
     show(frameSetOption, frameSetOptionEnd, view == View::kSettings);
     show(frameShowConvertStatus, frameShowConvertStatusEnd, view == View::kStatus);
+    if (view == View::kStatus) ShowPane(Pane::kLog);
     if (view == View::kSettings) {
         Command3_.SetEnabled(showOptions_ != nullptr);
         ListChanged();
     }
+}
+
+void frmConvertAll::ShowPane(Pane pane) {
+    const bool isLog = pane == Pane::kLog;
+    optionConvertLog_.SetChecked(isLog);
+    optionConvertProblems_.SetChecked(!isLog);
+    if (!isLog) listConvertProblems_.Show();
+    listConvertLog_.SetVisible(isLog);
+    listConvertProblems_.SetVisible(!isLog);
 }
 
 std::optional<LRESULT> frmConvertAll::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -287,8 +328,18 @@ void frmConvertAll::ListChanged() {
 
 void frmConvertAll::EnableRunConvert() {
     const std::wstring folder = textConvertFolder_.Text();
-    cmdRunConvert_.SetEnabled(!converting_ && !listing_ && listConvertFiles_.Count() > 0 &&
-                              !folder.empty() && folder.find_first_of(L"?*") == std::wstring::npos);
+    const wchar_t* missing = L"";
+    if (listing_) {
+        missing = L"フォルダを調べています...";
+    } else if (listConvertFiles_.Count() == 0) {
+        missing = L"変換するファイルを追加してください。";
+    } else if (folder.empty()) {
+        missing = L"保存先のフォルダを指定してください。";
+    } else if (folder.find_first_of(L"?*") != std::wstring::npos) {
+        missing = L"保存先に * や ? は使えません。";
+    }
+    if (labelConvertMissing_.Text() != missing) labelConvertMissing_.SetText(missing);
+    cmdRunConvert_.SetEnabled(!converting_ && *missing == L'\0');
 }
 
 void frmConvertAll::listConvertFiles_KeyDown(int keyCode, int shift, bool& taken) {
@@ -379,12 +430,19 @@ std::wstring frmConvertAll::TypedFolder() const {
     return FullPathOf(folder);
 }
 
+// For the next time, also when nothing has been converted into it.
+void frmConvertAll::RememberFolder() {
+    const std::wstring folder = TypedFolder();
+    if (!folder.empty() && folder.find_first_of(L"?*") == folder.npos) {
+        Values().convert.savePath = folder;
+    }
+}
+
 void frmConvertAll::Command3_Click() {
     if (!showOptions_) return;
     showOptions_(Handle());
     if (Handle() == nullptr) return;  // the session has ended meanwhile
-    combConvertIndexcolor_.MarkSelected(Values().convert.saveType1);
-    combConvertFullcolor_.MarkSelected(Values().convert.saveType2);
+    ShowChoices();
 }
 
 }  // namespace tessary

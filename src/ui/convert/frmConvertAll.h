@@ -11,6 +11,7 @@
 
 #include "convert/convert_monitor.h"
 #include "ui/convert/log_list.h"
+#include "ui/convert/problem_list.h"
 #include "ui/convert/run_texts.h"
 #include "ui/form/combo_box.h"
 #include "ui/form/dialog.h"
@@ -49,11 +50,12 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
                         int32_t fileMaximum) override;
 
     // Enables the run button when there are files and a target folder that can be one, and nothing
-    // is under way.
+    // is under way; tells beside it what is missing.
     void EnableRunConvert();
 
   private:
     enum class View { kSettings, kStatus };
+    enum class Pane { kLog, kProblems };  // of the status
 
     // --- Settings (frmConvertAll.cpp) ---
     void Dialog_Load() override;
@@ -64,6 +66,9 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     void AnchorControls();
     void FillFormats();
     void ShowView(View view);
+    void ShowPane(Pane pane);
+    void ShowChoices();
+    void RememberFolder();
     void FontsChanged();
 
     void AddFiles(std::span<const ConvertSource> files);
@@ -91,6 +96,7 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     void EndRun();
     void Refresh();
     void ShowProgress();
+    void ShowProblems();
     std::wstring ResultText() const;
 
     std::vector<ConvertSource> ConvertFileList() override;
@@ -98,7 +104,8 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     void RemoveFirstLogLine() override { listConvertLog_.RemoveFirst(); }
     void AddLogLine(const std::wstring& line) override { listConvertLog_.Add(line); }
     void Breathe() override { Refresh(); }
-    void FileDone(const FileReport& report) override { outcomes_.Count(report); }
+    ConflictAnswer AskConflict(const ConflictQuestion& question) override;
+    void FileDone(const FileReport& report) override;
 
     OptionsOpener showOptions_;
     std::vector<ConvertSource> firstFiles_;  // while the window is being loaded
@@ -119,8 +126,9 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     Progress total_;
     Progress file_;
     OutcomeCounts outcomes_;
-    ULONGLONG runStart_ = 0;     // tick count, milliseconds
-    ULONGLONG lastRefresh_ = 0;  // the same
+    std::optional<ConflictAnswer> forAll_;  // what the user wants for all conflicts of the run
+    ULONGLONG runStart_ = 0;                // tick count, milliseconds
+    ULONGLONG lastRefresh_ = 0;             // the same
     std::optional<TaskbarProgress> taskbar_;
 
     ListBox listConvertFiles_;
@@ -134,12 +142,19 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     Button cmdConvertFolder_;
     ComboBox combConvertIndexcolor_;
     ComboBox combConvertFullcolor_;
+    ComboBox combConvertOnConflict_;
+    Button checkConvertKeepFolders_;
+    Button checkConvertSkipDamaged_;
+    Label labelConvertMissing_;
     Label lblTime_;
     Label lblRateTotal_;
     ProgressBar progressTotal_;
     ProgressBar progressCurrentFile_;
     Label lblResult_;
+    Button optionConvertLog_;
+    Button optionConvertProblems_;
     LogList listConvertLog_;
+    ProblemList listConvertProblems_;
     Button cmdRunConvert_;
     Button cmdOK_;
     Button Command2_;

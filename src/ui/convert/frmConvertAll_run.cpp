@@ -4,6 +4,7 @@
 #include "app/settings/modValue.h"
 #include "convert/modConvertFiles.h"
 #include "res/resource.h"
+#include "ui/convert/frmConflict.h"
 #include "ui/convert/frmConvertAll.h"
 
 namespace tessary {
@@ -36,7 +37,7 @@ void frmConvertAll::cmdRunConvert_Click() {
         return;
     }
     textConvertFolder_.SetText(folder);
-    Values().convert.savePath = folder;
+    RememberFolder();
     BeginRun();
     {
         const ReadUnderWay reading;
@@ -54,6 +55,8 @@ void frmConvertAll::BeginRun() {
     total_ = {0, listConvertFiles_.Count()};
     file_ = {0, 1};
     outcomes_ = {};
+    forAll_.reset();
+    listConvertProblems_.Clear();
     runStart_ = GetTickCount64();
     lastRefresh_ = 0;
     taskbar_.emplace(Handle());
@@ -72,6 +75,7 @@ void frmConvertAll::EndRun() {
     ShowProgress();
     ShowText(lblTime_, RunTimeText(GetTickCount64() - runStart_, 0, 0));
     ShowText(lblResult_, ResultText());
+    if (listConvertProblems_.Count() != 0) ShowPane(Pane::kProblems);
     cmdOK_.SetVisible(true);
     cmdOK_.SetEnabled(true);
     cmdRunConvert_.SetVisible(false);
@@ -86,6 +90,7 @@ void frmConvertAll::cmdOK_Click() {
     if (converting_ || !cmdOK_.IsEnabled()) return;
     ShowView(View::kSettings);
     listConvertLog_.Clear();
+    listConvertProblems_.Clear();
     cmdRunConvert_.SetVisible(true);
     EnableRunConvert();
     listConvertFiles_.SetFocus();
@@ -109,6 +114,7 @@ void frmConvertAll::Command2_Click() {
 
 // Enter and Esc come here too.
 void frmConvertAll::Dialog_OK() {
+    if (listConvertProblems_.HasFocus() && listConvertProblems_.ShowSelectedInFolder()) return;
     cmdOK_Click();
 }
 
@@ -148,6 +154,22 @@ std::vector<ConvertSource> frmConvertAll::ConvertFileList() {
     return files;
 }
 
+ConflictAnswer frmConvertAll::AskConflict(const ConflictQuestion& question) {
+    if (forAll_) return *forAll_;
+    if (!continue_ || Handle() == nullptr) return ConflictAnswer::kStop;
+    ShowProgress();
+    frmConflict dialog;
+    const ConflictAnswer answer = dialog.Ask(Handle(), question);
+    if (answer == ConflictAnswer::kStop) continue_ = false;
+    if (dialog.IsForAll()) forAll_ = answer;
+    return answer;
+}
+
+void frmConvertAll::FileDone(const FileReport& report) {
+    outcomes_.Count(report);
+    listConvertProblems_.Add(report);
+}
+
 bool frmConvertAll::SetProgressBar(int32_t totalPosition, int32_t totalMaximum,
                                    int32_t filePosition, int32_t fileMaximum) {
     if (totalMaximum >= 0) total_ = {totalPosition, totalMaximum};
@@ -171,7 +193,16 @@ void frmConvertAll::ShowProgress() {
     ShowText(lblTime_, RunTimeText(GetTickCount64() - runStart_, total_.position, total_.maximum));
     ShowText(lblResult_, ResultText());
     listConvertLog_.Show();
+    ShowProblems();
     if (taskbar_) taskbar_->SetProgress(total_.position, total_.maximum);
+}
+
+void frmConvertAll::ShowProblems() {
+    const size_t count = listConvertProblems_.Count();
+    std::wstring caption = L"確認が必要なファイル(&P)";
+    if (count != 0) caption += L"　" + std::to_wstring(count) + L" 件";
+    if (optionConvertProblems_.Text() != caption) optionConvertProblems_.SetText(caption);
+    if (optionConvertProblems_.IsChecked()) listConvertProblems_.Show();
 }
 
 std::wstring frmConvertAll::ResultText() const {

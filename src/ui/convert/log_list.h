@@ -29,6 +29,10 @@ class LogList {
     void ChangeMetrics();
 
     void SetFocus() const { list_.SetFocus(); }
+    void SetVisible(bool visible) {
+        list_.SetVisible(visible);
+        list_.SetEnabled(visible);
+    }
 
   private:
     int WidthOf(size_t first) const;

@@ -40,6 +40,21 @@ void ListView::Select(int index) {
     if (index >= 0) Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(index), FALSE);
 }
 
+std::vector<int> ListView::AllSelected() const {
+    std::vector<int> selected;
+    for (int index = -1;;) {
+        index = static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(index), LVNI_SELECTED));
+        if (index < 0) return selected;
+        selected.push_back(index);
+    }
+}
+
+void ListView::SelectAll() {
+    LVITEMW state{};
+    state.stateMask = state.state = LVIS_SELECTED;
+    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+}
+
 std::optional<LRESULT> ListView::OnNotify(NMHDR& header) {
     switch (header.code) {
         case LVN_GETDISPINFOW:

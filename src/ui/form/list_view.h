@@ -1,4 +1,4 @@
-// A report: rows of texts under column headings, of which one may be selected.
+// A report: rows of texts under column headings, of which one may be selected, or several.
 #pragma once
 
 #include <windows.h>
@@ -16,8 +16,8 @@
 namespace tessary {
 
 // The control asks for the texts that it draws, so any number of rows is filled in at once; its
-// template needs LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL. Indexes count from 0; -1 stands for
-// none.
+// template needs LVS_REPORT | LVS_OWNERDATA, and LVS_SINGLESEL unless several may be selected.
+// Indexes count from 0; -1 stands for none.
 class ListView final : public Control {
   public:
     struct Column {
@@ -38,6 +38,10 @@ class ListView final : public Control {
         return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
     }
     void Select(int index);  // and scrolls the row into view
+
+    // Of a list of which several may be selected.
+    std::vector<int> AllSelected() const;
+    void SelectAll();
 
     // The selection has moved, by the user or by Select; a double click on a row.
     void OnSelect(std::function<void()> handler) { select_ = std::move(handler); }

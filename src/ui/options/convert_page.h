@@ -11,9 +11,15 @@ class ConvertPage final : public OptionPage {
         : OptionPage(options, std::move(changed)) {}
 
     void ShowState() override;
+    std::wstring Fault() override;
+    void GoToFault() override;
 
   private:
     void AttachControls() override;
+    void cmdErrorLogFileName_Click();
+
+    Button cmdErrorLogFileName_;
+    Label labelErrorLogPath_;
 };
 
 }  // namespace tessary

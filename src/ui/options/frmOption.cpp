@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/base/message_box.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "ui/form/metrics.h"
@@ -110,7 +111,7 @@ void frmOption::Changed() {
 }
 
 void frmOption::cmdApply_Click() {
-    if (IsBusy()) return;
+    if (IsBusy() || !AcceptsAll()) return;
     apply_(options_, Handle());
     if (Handle() == nullptr) return;  // the session has ended meanwhile
     before_ = options_ = CurrentOptions();
@@ -118,8 +119,26 @@ void frmOption::cmdApply_Click() {
     ShowPage(page_);
 }
 
+// Else shows what is wrong.
+bool frmOption::AcceptsAll() {
+    for (size_t page = 0; page < all_.size(); ++page) {
+        const std::wstring fault = all_[page]->Fault();
+        if (fault.empty()) continue;
+        ShowMessageBox(fault, MB_ICONEXCLAMATION);
+        if (Handle() == nullptr) return false;  // the session has ended meanwhile
+        TreeView::Node node = pages_.Root();
+        for (size_t before = 0; before < page; ++before)
+            node = pages_.NextSibling(node);
+        pages_.Select(node);
+        ShowPage(static_cast<int>(page));
+        all_[page]->GoToFault();
+        return false;
+    }
+    return true;
+}
+
 void frmOption::Dialog_OK() {
-    if (!IsBusy()) Close(IDOK);
+    if (!IsBusy() && AcceptsAll()) Close(IDOK);
 }
 
 void frmOption::Dialog_Cancel() {

@@ -44,6 +44,7 @@ class frmOption final : private Dialog {
     void PluginsChanged();
     void Changed();
     void cmdApply_Click();
+    bool AcceptsAll();
 
     Taker apply_;
     OptionValues before_;  // what was shown first, or applied last

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <string>
 
 #include "ui/options/option_fields.h"
 #include "ui/options/option_values.h"
@@ -26,6 +27,11 @@ class OptionPage {
 
     // Puts the values into the controls.
     virtual void ShowValues() { fields_.Show(); }
+
+    // What is wrong with the values, for the user; empty when nothing is. The control where it can
+    // be put right gets the focus.
+    virtual std::wstring Fault() { return {}; }
+    virtual void GoToFault() {}
 
     // Greys what means nothing with the present values. All of the page is enabled before.
     virtual void ShowState() {}

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <tuple>
+#include <utility>
 
 #include "app/base/text.h"
 
@@ -32,6 +33,8 @@ void PutRight(ConvertSettings& convert) {
     convert.outputAddMode = convert.outputAddMode != 0 ? 1 : 0;
     for (int32_t* const type : {&convert.saveType1, &convert.saveType2})
         *type = std::clamp(*type, 0, 2);
+    convert.onConflict = std::clamp(convert.onConflict, kConflictFreeName, kConflictAsk);
+    convert.archiveDepth = std::max(convert.archiveDepth, 1);
     for (int32_t* const size : {&convert.minDecodeSizeX, &convert.minDecodeSizeY})
         *size = std::max(*size, 0);
 }
@@ -59,6 +62,8 @@ OptionValues CurrentOptions() {
                          .jpegSave = values.jpegSave,
                          .fixSizeValue = std::clamp<int16_t>(values.fixSizeValue, kSizeModeOriginal,
                                                              kSizeModeScreen)};
+    // The user's own choice, which only rests.
+    if (values.logFileGivenUp) options.convert.outputErrorLog = 1;
     PutRight(options.general);
     PutRight(options.convert);
     options.jpegSave.quality = std::clamp<int16_t>(options.jpegSave.quality, 0, 100);
@@ -71,7 +76,10 @@ void SetOptions(const OptionValues& options) {
     values.general = options.general;
     for (std::wstring& folder : values.general.spiFolder)
         folder = PlainFolder(folder);
-    values.convert = options.convert;
+    const ConvertSettings former = std::exchange(values.convert, options.convert);
+    values.logFileGivenUp = values.logFileGivenUp && options.convert.outputErrorLog == 1 &&
+                            options.convert.errorLogFileName == former.errorLogFileName;
+    if (values.logFileGivenUp) values.convert.outputErrorLog = 0;
     values.bmpSave = options.bmpSave;
     values.pngSave = options.pngSave;
     values.jpegSave = options.jpegSave;

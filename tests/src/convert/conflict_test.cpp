@@ -166,6 +166,15 @@ TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
         EXPECT_EQ(report.isReplaced, !row.stays);
         EXPECT_EQ(report.outcome == FileOutcome::kSkipped, row.stays && !report.isRenamed);
     }
+    // What lies beside a source is likely to be a picture of his, although it is not in the list.
+    Values().convert.onConflict = kConflictFreeName;
+    const std::wstring beside = source_.Write(L"a.bmp", "mine");
+    monitor_.files = {source_.Path() + L"a.tst"};
+    for (int run = 0; run < 2; ++run)
+        EXPECT_TRUE(ConvertFiles(source_.Path(), monitor_));
+    EXPECT_EQ(ContentOf(beside), "mine");
+    EXPECT_EQ(NamesOf(FilesBelow(source_.Path())), L"a (2).bmp a.bmp a.tst ");
+    std::filesystem::remove(source_.Path() + L"a (2).bmp");
     // Not even when he says so: the second is still to be read.
     source_.Write(L"a.bmp", ForeignBitmap(5));
     Values().convert.onConflict = kConflictAsk;

@@ -175,8 +175,14 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
              Press(dialog, cmdDelete);
              EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
 
+             // Where the last ones went.
+             EXPECT_EQ(TextOf(dialog, textConvertFolder), target_.Path());
+             SetDlgItemTextW(dialog, textConvertFolder, L"");
              EXPECT_FALSE(IsUsable(dialog, cmdRunConvert));
+             EXPECT_EQ(TextOf(dialog, labelConvertMissing),
+                       L"保存先のフォルダを指定してください。");
              Press(dialog, cmdConvertFolder);
+             EXPECT_EQ(TextOf(dialog, labelConvertMissing), L"");
              EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
              SetDlgItemTextW(dialog, textConvertFolder, L"C:\\a*");
              EXPECT_FALSE(IsUsable(dialog, cmdRunConvert));
@@ -194,6 +200,9 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
              Press(dialog, cmdDeleteAll);
              EXPECT_TRUE(Items(dialog, listConvertFiles).empty());
              EXPECT_FALSE(IsUsable(dialog, cmdDeleteAll));
+             EXPECT_NE(TextOf(dialog, labelConvertMissing).find(L"ファイルを追加"),
+                       std::wstring::npos);
+             SetDlgItemTextW(dialog, textConvertFolder, L"C:\\kept");
              Press(dialog, IDCANCEL);
          }});
     form_.ShowConvertDialog(nullptr, std::vector{files_[0]});
@@ -205,6 +214,63 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
                              L"65 すべてのファイルをリストから削除します"}));
     EXPECT_EQ(Values().convert.saveType1, 2);
     EXPECT_EQ(Values().convert.saveType2, 2);
+    EXPECT_EQ(Values().convert.savePath, L"C:\\kept\\");
+}
+
+TEST_F(ConverterTest, ListsWhatNeedsALook) {
+    std::filesystem::create_directories(source_.Path() + L"2");
+    files_ = {files_[0], source_.Write(L"2\\1.bmp", BitmapFileOf(5, 5, 0)),
+              source_.Write(L"cut.dat", "no picture"), source_.Write(L"note.txt", "no picture")};
+    Texts opened;
+    SetFolderOpener([&](const std::wstring& path) { opened.push_back(path); });
+    DrivenDialog user(
+        {[&](HWND dialog) {
+             SetDlgItemTextW(dialog, textConvertFolder, Target().c_str());
+             Press(dialog, cmdRunConvert);
+             EXPECT_EQ(TextOf(dialog, lblResult),
+                       L"変換が終わりました。　変換 2 個、対象外 1 個、失敗 1 個（うち別名 1 個）");
+             const HWND list = GetDlgItem(dialog, listConvertProblems);
+             EXPECT_TRUE(IsUsable(dialog, listConvertProblems));
+             EXPECT_FALSE(IsUsable(dialog, listConvertLog));
+             EXPECT_EQ(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0), 2);
+             PressKey(dialog, listConvertProblems, VK_DOWN);
+             SetFocus(list);
+             LVITEMW first{};
+             first.stateMask = first.state = LVIS_SELECTED;
+             SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&first));
+             Press(dialog, IDOK);  // Enter in the list
+             EXPECT_EQ(opened, Texts{files_[2]});
+             EXPECT_TRUE(IsUsable(dialog, listConvertProblems));
+             Press(dialog, optionConvertLog);
+             EXPECT_TRUE(IsUsable(dialog, listConvertLog));
+             SetFocus(GetDlgItem(dialog, IDOK));
+             Press(dialog, IDOK);
+             EXPECT_FALSE(IsUsable(dialog, listConvertProblems));
+
+             // Each conflict is asked about, until the user has had enough.
+             Values().convert.onConflict = kConflictAsk;
+             PressLater(dialog, cmdRunConvert);
+         },
+         [&](HWND question) {
+             EXPECT_TRUE(IsUsable(question, conflictReplace));
+             Press(question, conflictReplace);
+         },
+         [&](HWND question) {
+             EXPECT_FALSE(IsUsable(question, conflictReplace)) << "the first one's result";
+             Press(question, conflictSkip);
+         },
+         [&](HWND dialog) {
+             EXPECT_EQ(TextOf(dialog, lblResult),
+                       L"変換が終わりました。　変換 1 個、スキップ 1 個、対象外 1 個、失敗 1 個"
+                       L"（うち置き換え 1 個）");
+             SetFocus(GetDlgItem(dialog, IDOK));
+             Press(dialog, IDOK);
+             Press(dialog, IDCANCEL);
+         }},
+        IDOK);  // disabled while files are converted
+    form_.ShowConvertDialog(nullptr, files_);
+    SetFolderOpener({});
+    EXPECT_TRUE(user.IsDone());
 }
 
 TEST_F(ConverterTest, ShowsARunAndComesBack) {

@@ -182,6 +182,34 @@ TEST_F(OptionsTest, PluginsAreLoadedAnewOnlyWhenSomethingAboutThemChanges) {
     EXPECT_EQ(Reloads(), 1);
 }
 
+// A log that could not be opened rests until the program ends; but the user's choice is his.
+TEST_F(OptionsTest, TheLogSwitchIsWhatTheUserChoseLast) {
+    const auto stored = [] { return GetSetting(L"Convert", L"OutputErrorLog"); };
+    ConvertSettings& convert = Values().convert;
+    convert.errorLogFileName = LR"(C:\none\x.log)";
+    const auto giveUp = [&] {
+        convert.outputErrorLog = 0;
+        Values().logFileGivenUp = true;
+    };
+    giveUp();
+    ShowOptions(kConvertPage, {[](HWND dialog) {
+                    EXPECT_EQ(TextOf(dialog, labelErrorLogPath), LR"(C:\none\x.log)");
+                    Press(dialog, IDOK);
+                }});
+    EXPECT_EQ(stored(), L"1");
+    EXPECT_EQ(convert.outputErrorLog, 0) << "not tried again";
+    ShowOptions(kConvertPage, {[&](HWND dialog) {
+                    SetDlgItemTextW(dialog, textErrorLogFileName, L"");
+                    Press(dialog, IDOK);
+                    EXPECT_EQ(messages_.All().size(), 1U) << "no name";
+                    EXPECT_EQ(GetFocus(), GetDlgItem(dialog, textErrorLogFileName));
+                    SendDlgItemMessageW(dialog, checkOutputErrorLog, BM_CLICK, 0, 0);
+                    Press(dialog, IDOK);
+                }});
+    EXPECT_EQ(stored(), L"0");
+    EXPECT_FALSE(Values().logFileGivenUp);
+}
+
 TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
     GeneralSettings& general = Values().general;
     general.slideShowTime = -5;

@@ -1,0 +1,150 @@
+#include "ui/convert/problem_list.h"
+
+#include <shellapi.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "app/base/message_box.h"
+#include "app/base/paths.h"
+#include "ui/form/clipboard.h"
+#include "ui/form/picture_box.h"
+
+namespace tessary {
+namespace {
+
+std::function<void(const std::wstring&)>& Opener() {
+    static std::function<void(const std::wstring&)> opener;
+    return opener;
+}
+
+// The kinds in the order of the list.
+enum class Kind { kFailed, kDamaged, kStopped, kSkipped, kRenamed };
+
+Kind KindOf(const FileReport& report) {
+    if (report.isDamaged) return Kind::kDamaged;
+    switch (report.outcome) {
+        case FileOutcome::kFailed:
+            return Kind::kFailed;
+        case FileOutcome::kStopped:
+            return Kind::kStopped;
+        case FileOutcome::kSkipped:
+            return Kind::kSkipped;
+        default:
+            return Kind::kRenamed;
+    }
+}
+
+const wchar_t* KindText(Kind kind) {
+    switch (kind) {
+        case Kind::kFailed:
+            return L"失敗";
+        case Kind::kDamaged:
+            return L"損傷";
+        case Kind::kStopped:
+            return L"中止";
+        case Kind::kSkipped:
+            return L"スキップ";
+        case Kind::kRenamed:
+            return L"別名";
+    }
+    return L"";
+}
+
+std::wstring ReasonOfReport(const FileReport& report) {
+    std::wstring text = report.text.empty() ? ReasonText(report.reason) : report.text;
+    if (report.isRenamed) text += L"（" + FileNameOf(report.target) + L" に保存）";
+    return text;
+}
+
+ListView::Row RowOf(const FileReport& report) {
+    const bool isMember = !report.member.empty();
+    return {isMember ? report.member : FileNameOf(report.source), KindText(KindOf(report)),
+            ReasonOfReport(report),
+            isMember ? report.source : RemoveBackslash(FolderOf(report.source))};
+}
+
+}  // namespace
+
+void ProblemList::Attach(HWND dialog, int id) {
+    constexpr ListView::Column kColumns[] = {
+        {L"ファイル", 130}, {L"結果", 60}, {L"理由", 220, false, true}, {L"場所", 110}};
+    list_.Attach(dialog, id);
+    list_.SetColumns(kColumns);
+    list_.OnDoubleClick([this] { ShowSelectedInFolder(); });
+    list_.OnKeyDown([this](int keyCode, int shift) {
+        if (shift != kCtrlMask) return false;
+        if (keyCode == L'C') Copy();
+        if (keyCode == L'A') list_.SelectAll();
+        return keyCode == L'C' || keyCode == L'A';
+    });
+}
+
+void ProblemList::Add(const FileReport& report) {
+    if (!IsRemarkable(report)) return;
+    reports_.push_back(report);
+    isSorted_ = false;
+}
+
+void ProblemList::Clear() {
+    reports_.clear();
+    isSorted_ = true;
+    list_.SetRows({});
+}
+
+void ProblemList::Show() {
+    if (std::exchange(isSorted_, true)) return;
+    std::ranges::stable_sort(reports_, {}, KindOf);
+    std::vector<ListView::Row> rows;
+    rows.reserve(reports_.size());
+    for (const FileReport& report : reports_)
+        rows.push_back(RowOf(report));
+    list_.SetRows(std::move(rows));
+}
+
+void ProblemList::SetVisible(bool visible) {
+    list_.SetVisible(visible);
+    list_.SetEnabled(visible);
+}
+
+bool ProblemList::ShowSelectedInFolder() const {
+    const int index = list_.Selected();
+    if (index < 0 || static_cast<size_t>(index) >= reports_.size()) return false;
+    ShowInFolder(list_.Handle(), reports_[static_cast<size_t>(index)].source);
+    return true;
+}
+
+void ProblemList::Copy() const {
+    std::vector<int> selected = list_.AllSelected();
+    if (selected.empty()) {
+        for (size_t index = 0; index < reports_.size(); ++index)
+            selected.push_back(static_cast<int>(index));
+    }
+    std::wstring text;
+    for (const int index : selected) {
+        const FileReport& report = reports_[static_cast<size_t>(index)];
+        text.append(SourceText(report)).append(L"\t").append(KindText(KindOf(report)));
+        text.append(L"\t").append(ReasonOfReport(report)).append(L"\r\n");
+    }
+    CopyTextToClipboard(list_.Handle(), text);
+}
+
+void ShowInFolder(HWND owner, const std::wstring& path) {
+    if (Opener()) {
+        Opener()(path);
+        return;
+    }
+    const std::wstring arguments = L"/select,\"" + path + L'"';
+    const auto result = reinterpret_cast<INT_PTR>(
+        ShellExecuteW(GetAncestor(owner, GA_ROOT), nullptr, L"explorer.exe", arguments.c_str(),
+                      nullptr, SW_SHOWNORMAL));
+    if (result <= 32) {  // errors are told by small numbers
+        ShowMessageBox(L"フォルダ " + FolderOf(path) + L" を開けません。", MB_ICONEXCLAMATION);
+    }
+}
+
+void SetFolderOpener(std::function<void(const std::wstring& path)> opener) {
+    Opener() = std::move(opener);
+}
+
+}  // namespace tessary
