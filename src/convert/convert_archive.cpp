@@ -192,6 +192,7 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
         WritePluginError(failure, 6);
         return entry;
     }
+    entry.damage = expansion.archive.Damage();
     std::wstring path = start + name;
     // But what is the same and not on the list, an earlier run has left.
     const auto left = std::ranges::find_if(standing, [&](const std::wstring& other) {

@@ -145,7 +145,9 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const Wo
         Report(FileOutcome::kDeclined, FileReason::kTooSmall);
         return StepResult::kNotSaved;
     }
-    if (!ToleratesDamage(source_.picture->damage)) return StepResult::kNotSaved;
+    // What a member lacks is the cause of what its picture lacks.
+    const std::wstring& damage = entry.damage.empty() ? source_.picture->damage : entry.damage;
+    if (!ToleratesDamage(damage)) return StepResult::kNotSaved;
     const std::wstring extension = SaveExtension(header.bitCount);
     TrialSave trial(picture, extension);
     const OutputChoice choice = names_.Choose(
@@ -169,7 +171,7 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const Wo
     }
     names_.AddResult(choice.path, entry);
     Report(FileOutcome::kConverted, report_.isDamaged ? FileReason::kDamaged : choice.reason,
-           source_.picture->damage);
+           damage);
     return StepResult::kDone;
 }
 

@@ -16,6 +16,7 @@ struct WorkEntry {
     std::wstring source{};    // full path of the user's file: this one, or the archive around it
     std::wstring member{};    // its name in the archive; empty for a file of the user's
     std::wstring saveName{};  // the name, without folder, that it is saved by; empty: its own
+    std::wstring damage{};    // what its archive has lost of it, for the user; empty: nothing
     std::wstring folder{};    // that it is converted into, with its trailing backslash
     int32_t depth = 0;        // in how many archives it is
 

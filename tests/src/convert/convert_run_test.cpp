@@ -83,6 +83,34 @@ TEST_F(ConvertRunTest, WhatGoesWrongUnexpectedlyStaysWithItsFile) {
     EXPECT_TRUE(messages.All().empty());
 }
 
+// A bitmap's own damage, what a plug-in tells of a picture, and what one tells of its archive.
+TEST_F(ConvertRunTest, DamagedPicturesAreToldApart) {
+    Values().convert.saveType2 = 1;
+    const std::string bitmap = BitmapFileOf(20, 10, 0);
+    Add(L"a.bmp", bitmap.substr(0, bitmap.size() - 40));
+    Add(L"b.tst", "TST 6x6x24\ncondition:1:half\n");
+    Add(L"c.tsa", ArchiveOf({{"c.bmp", bitmap}}, "condition:1:torn\n"));
+    Add(L"d.bmp", bitmap);
+    const auto damages = [&] {
+        std::wstring all;
+        for (const FileReport& report : monitor_.reports) {
+            if (report.isDamaged) all += report.text + L'|';
+        }
+        return all;
+    };
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(damages(), L"ファイルが途中で切れています|half|torn|");
+    EXPECT_EQ(Converted(), LR"(a.png b.png c.tsa\c.png d.png )");
+    std::filesystem::remove_all(Target());
+    Values().convert.skipDamaged = true;
+    monitor_.reports.clear();
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(damages(), L"ファイルが途中で切れています|half|torn|");
+    EXPECT_TRUE(LogHolds(L"    損傷のある画像は保存しない設定になっています"));
+    EXPECT_FALSE(PathExists(Target() + L"a.png") || PathExists(Target() + LR"(c.tsa\c.png)"));
+    EXPECT_TRUE(PathExists(Target() + L"d.png"));
+}
+
 TEST_F(ConvertRunTest, NothingIsLostToAnotherOfItsName) {
     Values().convert.saveType2 = 1;
     std::filesystem::create_directories(source_.Path() + L"2");

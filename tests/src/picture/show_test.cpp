@@ -11,6 +11,7 @@
 #include "picture/current_picture.h"
 #include "picture/show/fit.h"
 #include "picture/show/picture_kernel.h"
+#include "picture/show/picture_text.h"
 #include "plugin/modSusie.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
@@ -329,6 +330,36 @@ TEST_F(ShowTest, ADamagedArchiveShowsThePluginsReason) {
     EXPECT_TRUE(failureOf("3").ends_with(L"データが壊れています\r\nプラグイン: axa.spi"));
     EXPECT_TRUE(failureOf("2").ends_with(L"プラグインの知らない形式です\r\nプラグイン: axa.spi"));
     EXPECT_EQ(Show(files_.Write(L"other.tsa", "text")).failure, L"");  // nobody's
+}
+
+TEST_F(ShowTest, APictureThatIsThereInPartIsMarked) {
+    UsePlugins({{L"ax.spi", ""}, {L"1.spi", ""}});
+    const std::string bitmap = test::BitmapFileOf(20, 10, RGB(1, 2, 3));
+    const std::string cut = bitmap.substr(0, bitmap.size() - 40);
+    const std::string picture = "TST 6x5x24\n";
+    const std::wstring archive = files_.Write(
+        L"a.tsa", test::ArchiveOf({{"1.bmp", bitmap}, {"2.bmp", cut}, {"3.tst", picture}}));
+    const std::wstring torn =
+        files_.Write(L"torn.tsa", test::ArchiveOf({{"1.bmp", bitmap}}, "condition:1:torn\n"));
+    const auto damage = [&](const ShownFile& shown) {
+        EXPECT_TRUE(IsPictureKind(shown.kind));
+        EXPECT_EQ(PictureInfoTail().ends_with(L"（損傷）"), !shown.damage.empty());
+        return shown.damage;
+    };
+    const auto member = [&](int32_t position) {
+        return damage(ShowArchiveMember(archive, position, view_));
+    };
+    constexpr wchar_t kCutShort[] = L"ファイルが途中で切れています";
+    EXPECT_EQ(damage(Show(files_.Write(L"cut.bmp", cut))), kCutShort);
+    EXPECT_EQ(damage(Show(files_.Write(L"whole.bmp", bitmap))), L"");
+    EXPECT_EQ(damage(Show(files_.Write(L"cut.tst", picture + "condition:1:half\n"))), L"half");
+    EXPECT_EQ(damage(Show(files_.Write(L"whole.tst", picture))), L"");
+    Show(archive);
+    EXPECT_EQ(member(1), L"");
+    EXPECT_EQ(member(2), kCutShort);
+    EXPECT_EQ(member(3), L"");
+    Show(torn);
+    EXPECT_EQ(damage(ShowArchiveMember(torn, 1, view_)), L"torn");
 }
 
 TEST_F(ShowTest, NothingOfTheFileBeforeStandsForOneThatCannotBeShown) {
