@@ -94,7 +94,8 @@ TEST(DialogTest, ControlsKeepTheirDistanceToTheEdgesAtAnyResolution) {
 
 bool BeginsPage(int id) {
     return (id >= optionPage_0 && id <= optionPage_3) || id == pictureOptionPanel_0 ||
-           id == pictureOptionPanel_1 || id == pictureOptionPanel_2;
+           id == pictureOptionPanel_1 || id == pictureOptionPanel_2 || id == labelConvertFiles ||
+           id == frameShowConvertStatus;
 }
 
 INT_PTR CALLBACK LeaveAll(HWND, UINT, WPARAM, LPARAM) {
@@ -121,7 +122,7 @@ TEST(DialogTest, MnemonicsOfAPageAreUnique) {
              control = GetWindow(control, GW_HWNDNEXT)) {
             const int id = GetDlgCtrlID(control);
             if (BeginsPage(id)) page = id;
-            if (id == IDOK) page = 0;
+            if (id == IDOK || id == cmdRunConvert) page = 0;
             const std::wstring letter = letterOf(control);
             if (letter.empty()) continue;
             for (const int other : pagesOfLetter[letter])
