@@ -52,7 +52,8 @@ DibError CheckedDib::JudgeBits() {
         newBitsSize_ = plainSize;
         return DibError::kNone;
     }
-    // No source row is more than twice as long as a plain one, so these products cannot wrap either.
+    // No source row is more than twice as long as a plain one, so these products cannot wrap
+    // either.
     const auto width = static_cast<uint64_t>(source_.width);
     const auto height = static_cast<uint64_t>(source_.height);
     const uint64_t padded = RowStride(width, source_.bitCount);

@@ -21,7 +21,7 @@ enum class FileReason {
     kNameFiltered,
     kTooSmall,
     kArchiveNotExpanded,
-    kNoPicture,    // the name is that of something else: a text, a system's file of notes
+    kNoPicture,    // the name is that of something else (IsNoPicture)
     kTooDeep,      // an archive in too many archives
     kSameArchive,  // an archive whose like has been expanded in this run
     // Of skipped, renamed and replaced ones.

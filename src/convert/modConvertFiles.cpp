@@ -106,6 +106,7 @@ void ConvertRun::Report(FileOutcome outcome, FileReason reason, std::wstring tex
     if (std::exchange(isReported_, true)) return;
     report_.outcome = outcome;
     report_.reason = reason;
+    if (outcome != FileOutcome::kConverted) report_.isRenamed = report_.isReplaced = false;
     report_.text = text.empty() ? ReasonText(reason) : std::move(text);
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 #include "app/base/handles.h"
 #include "app/base/paths.h"
@@ -15,12 +16,43 @@ namespace {
 
 constexpr const wchar_t* kNames[] = {L"THUMBS.DB", L"EHTHUMBS.DB", L"DESKTOP.INI", L".DS_STORE"};
 
-constexpr const wchar_t* kExtensions[] = {L"TXT", L"MD",  L"LOG", L"INI",  L"CFG", L"NFO", L"DIZ",
-                                          L"CSV", L"TSV", L"HTM", L"HTML", L"CSS", L"XML", L"JSON",
-                                          L"RTF", L"URL", L"LNK", L"XMP",  L"CUE", L"SFV", L"MD5"};
+// Not here, though seldom pictures: what may hold some (archives, disc images, books, vector
+// graphics), and extensions that say nothing (DAT, BIN, TMP).
+constexpr std::wstring_view kTexts =
+    L" TXT MD LOG INI CFG CONF INF NFO DIZ CSV TSV HTM HTML XHTML CSS XML XSL XSD JSON YAML YML "
+    L"TOML "
+    L"RTF TEX BIB URL LNK WEBLOC XMP THM CUE M3U M3U8 PLS SFV MD5 SHA1 SHA256 SRT ASS SSA EML VCF "
+    L"ICS REG ";
+constexpr std::wstring_view kDocuments =
+    L" PDF DOC DOCX DOCM DOT DOTX XLS XLSX XLSM XLSB XLT PPT PPTX PPTM PPS PPSX ODT ODS ODP ODG "
+    L"PUB "
+    L"VSD VSDX MSG ONE CHM HLP JTD JTT JBW JSD ";
+constexpr std::wstring_view kVideos =
+    L" MP4 M4V MOV QT AVI WMV ASF MPG MPEG MPE M1V M2V MP2V VOB MKV WEBM FLV F4V SWF 3GP 3G2 TS "
+    L"MTS "
+    L"M2TS OGV RM RMVB DIVX IFO BUP ";
+constexpr std::wstring_view kSounds =
+    L" MP3 MP2 M4A AAC WAV WMA OGG OGA OPUS FLAC APE TAK TTA AIF AIFF AU MID MIDI RMI AMR MOD S3M "
+    L"XM "
+    L"IT ";
+constexpr std::wstring_view kPrograms =
+    L" EXE COM DLL OCX SYS DRV CPL SCR SPI MSI MSP MSU BAT CMD PS1 VBS VBE WSF JS JAR CLASS PYC SO "
+    L"DYLIB O OBJ LIB A PDB APK ";
+constexpr std::wstring_view kDataBases = L" DB DB3 SQLITE SQLITE3 MDB ACCDB LDB DBF ";
+constexpr std::wstring_view kSourceCode =
+    L" C H CC HH CPP HPP CXX HXX CS VB BAS FRM CLS JAVA KT PY RB PL PM PHP ASP ASPX JSP JSX TSX GO "
+    L"RS SWIFT LUA SQL SH BASH ASM PAS DPR RC IDL MAK CMAKE SLN VCPROJ VCXPROJ CSPROJ ";
+constexpr std::wstring_view kFonts = L" TTF TTC OTF FON FNT EOT WOFF WOFF2 PFB PFM AFM ";
 
-bool Holds(const auto& names, const std::wstring& name) {
-    return std::ranges::find(names, name) != std::end(names);
+constexpr std::wstring_view kExtensions[] = {kTexts,    kDocuments, kVideos,     kSounds,
+                                             kPrograms, kDataBases, kSourceCode, kFonts};
+
+bool HasKnownExtension(const std::wstring& name) {
+    const std::wstring extension = UpperExtensionOf(name);
+    if (extension.empty() || extension.find(L' ') != extension.npos) return false;
+    return std::ranges::any_of(kExtensions, [word = L' ' + extension + L' '](auto words) {
+        return words.find(word) != words.npos;
+    });
 }
 
 }  // namespace
@@ -28,8 +60,8 @@ bool Holds(const auto& names, const std::wstring& name) {
 bool IsNoPicture(const std::wstring& path) {
     const std::wstring name = ToUpper(FileNameOf(path));
     // Other systems keep beside each file what this one has no place for.
-    return Holds(kNames, name) || Holds(kExtensions, UpperExtensionOf(name)) ||
-           name.starts_with(L"._");
+    return std::ranges::find(kNames, name) != std::end(kNames) || name.starts_with(L"._") ||
+           HasKnownExtension(name);
 }
 
 FileReason ReasonUnknown(const std::wstring& path) {

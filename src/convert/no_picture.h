@@ -8,7 +8,7 @@
 namespace tessary {
 
 // Whether a file is by its name something that lies among pictures and is none: the system's notes
-// on a folder, or a text.
+// on a folder, a text, a film, a program … To be asked only about files that no plug-in takes.
 bool IsNoPicture(const std::wstring& path);
 
 // The reason why a file of unknown kind is not converted.

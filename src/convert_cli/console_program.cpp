@@ -106,6 +106,7 @@ int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& rep
     ConsoleStream output(STD_OUTPUT_HANDLE, options.codePage);
     ConsoleMonitor monitor(inputs.files, output, errors, report, options.isQuiet,
                            [&] { return stop.IsMade(); });
+    const bool isReportBegun = report.IsGood();
     const bool ended = inputs.files.empty() || ConvertFiles(options.targetFolder, monitor);
     monitor.WriteSummary();
     if (Values().logFileGivenUp) {
@@ -113,7 +114,8 @@ int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& rep
         isSetUp = false;
     }
     if (!report.IsGood()) {
-        errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
+        // Otherwise it has been told.
+        if (isReportBegun) errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
         isSetUp = false;
     }
     if (monitor.AreAllFiltered()) {
@@ -143,10 +145,7 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
         errors.WriteLine(trouble);
     if (!AreOutputsFree(options, inputs, errors)) return kExitSetupError;
     JsonReport report(options.reportFile);
-    if (!report.IsGood()) {
-        errors.WriteLine(L"レポートを書き始められません: " + options.reportFile);
-        return kExitSetupError;
-    }
+    if (!report.IsGood()) errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
     return Run(options, inputs, report, errors);
 }
 

@@ -182,6 +182,8 @@ TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
     folder_.Write(LR"(in\a.bmp)", BitmapFileOf(3, 3, 0));
     folder_.Write(LR"(in\b\a.bmp)", BitmapFileOf(3, 3, RGB(9, 9, 9)));
     folder_.Write(LR"(in\b\x.xyz)", "no picture");
+    folder_.Write(LR"(in\b\film.MP4)", "no picture");
+    folder_.Write(LR"(in\b\mp4)", "no picture");
     folder_.Write(LR"(in\b\hidden.bmp)", BitmapFileOf(3, 3, 0));
     SetFileAttributesW((folder_.Path() + LR"(in\b\hidden.bmp)").c_str(), FILE_ATTRIBUTE_HIDDEN);
     const Outcome run =
@@ -197,9 +199,21 @@ TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
     EXPECT_NE(report.find(R"(\\in\\b\\x.xyz","target":"","result":"failed","reason":")"),
               std::string::npos)
         << report;
+    EXPECT_NE(report.find(R"(\\in\\b\\mp4","target":"","result":"failed")"), std::string::npos);
+    EXPECT_NE(report.find(R"("result":"declined","reason":"no-picture")"), std::string::npos);
     EXPECT_NE(report.find(R"("result":"converted","renamed":true,"reason":"target-exists")"),
               std::string::npos)
         << report;
+
+    const Outcome unreported = RunProgram(LR"(--out out2 --report none\r.jsonl in\a.bmp)");
+    EXPECT_EQ(unreported.status, 2U);
+    EXPECT_NE(unreported.output.find("レポートに書き込めません"), std::string::npos);
+    const std::wstring kept = folder_.Path() + LR"(out2\a.bmp)";
+    EXPECT_TRUE(SetFileAttributesW(kept.c_str(), FILE_ATTRIBUTE_READONLY));
+    RunProgram(LR"(--on-conflict overwrite --out out2 --report r.jsonl in\a.bmp)");
+    EXPECT_NE(ContentOf(folder_.Path() + L"r.jsonl")
+                  .find(R"("result":"failed","reason":"read-only-target")"),
+              std::string::npos);
 }
 
 TEST_F(ConvertCliTest, PluginsNeitherEndARunUnseenNorHoldItUp) {
