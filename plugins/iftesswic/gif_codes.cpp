@@ -25,35 +25,34 @@ void GifCodes::Clear() {
 }
 
 void GifCodes::Add(uint8_t byte) {
+    if (ended_) return;
     bits_ |= uint32_t{byte} << bitCount_;
     bitCount_ += 8;
-    while (!ended_ && bitCount_ >= codeBits_) {
-        const uint32_t code = bits_ & ((1u << codeBits_) - 1);
-        bits_ >>= codeBits_;
-        bitCount_ -= codeBits_;
-        Take(code);
+    while (bitCount_ >= codeBits_) {
+        const unsigned length = codeBits_;
+        ended_ = !Take(bits_ & ((1u << length) - 1));
+        if (ended_) return;
+        bits_ >>= length;
+        bitCount_ -= length;
     }
-    if (ended_) bits_ = bitCount_ = 0;
 }
 
-void GifCodes::Take(uint32_t code) {
-    if (code == clearCode_) return Clear();
-    const bool isFirst = before_ == kMostCodes;
-    if (code == clearCode_ + 1 || code > codes_ || (isFirst && code >= clearCode_)) {
-        ended_ = true;
-        return;
+bool GifCodes::Take(uint32_t code) {
+    if (code == clearCode_) {
+        Clear();
+        return true;
     }
-    if (!isFirst && codes_ < kMostCodes) {
+    const bool isFirst = before_ == kMostCodes;
+    const bool isAdded = !isFirst && codes_ < kMostCodes;
+    if (code == clearCode_ + 1 || code >= (isFirst ? clearCode_ : codes_ + isAdded)) return false;
+    if (isAdded) {
         // Longer than the table is deep no code can be.
         lengths_[codes_++] = static_cast<uint16_t>(lengths_[before_] + 1);
         if (codes_ == 1u << codeBits_ && codeBits_ < kMostCodeBits) ++codeBits_;
     }
-    if (code >= codes_) {
-        ended_ = true;
-        return;
-    }
     pixels_ += lengths_[code];
     before_ = code;
+    return true;
 }
 
 }  // namespace tessary::wic

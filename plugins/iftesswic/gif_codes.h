@@ -16,12 +16,17 @@ class GifCodes {
 
     // Up to the end mark or the first code that makes no sense.
     uint64_t Pixels() const { return pixels_; }
+    // Whether that has come; what is added later counts for nothing.
+    bool HasEnded() const { return ended_; }
+    // How many of the bits added come behind the last code that made sense.
+    unsigned BitsBehind() const { return bitCount_; }
 
   private:
     static constexpr uint32_t kMostCodes = 4096;
 
     void Clear();
-    void Take(uint32_t code);
+    // False, and nothing taken, where no more pixels come.
+    bool Take(uint32_t code);
 
     uint32_t clearCode_;
     std::array<uint16_t, kMostCodes> lengths_{};  // pixels of each code

@@ -23,6 +23,15 @@ struct GifFirstFrame::Walk {
     uint64_t position;
     bool atEnd = false;
 
+    // The end of the codes that make sense: behind which byte, how many bits of that byte come
+    // later, and how many bytes of its block.
+    struct SoundEnd {
+        uint64_t end = 0;
+        unsigned bitsBehind = 0;
+        uint64_t leftInBlock = 0;
+    };
+    SoundEnd sound = {};
+
     uint8_t Byte() {
         uint8_t value = 0;
         if (file.ReadAt(position, {&value, 1}).value_or(0) == 0) {
@@ -48,10 +57,7 @@ struct GifFirstFrame::Walk {
         for (;;) {
             const uint8_t length = Byte();
             if (codes != nullptr) ReadBlock(length, *codes);
-            if (atEnd || position + length > file.Size()) {
-                position += length;
-                return false;
-            }
+            if (atEnd || position + length > file.Size()) return false;
             if (length == 0) return true;
             position += length;
         }
@@ -60,8 +66,14 @@ struct GifFirstFrame::Walk {
     void ReadBlock(uint8_t length, GifCodes& codes) {
         std::array<uint8_t, kLongestBlock> block;
         const auto got = file.ReadAt(position, std::span(block).first(length));
-        for (size_t i = 0; i < got.value_or(0); ++i)
+        for (size_t i = 0; i < got.value_or(0) && !codes.HasEnded(); ++i) {
             codes.Add(block[i]);
+            // A code that goes over into more bytes begins in an earlier one.
+            if (codes.BitsBehind() > 8) continue;
+            sound = {.end = position + i + 1,
+                     .bitsBehind = codes.BitsBehind(),
+                     .leftInBlock = length - i - 1};
+        }
     }
 };
 
@@ -95,25 +107,28 @@ void GifFirstFrame::ReadFrame(Walk& walk) {
     screen_.height = std::max(screen_.height, screen_.frameTop + screen_.frameHeight);
     walk.SkipColorTable(walk.Byte());
     GifCodes codes(walk.Byte());
-    isWhole_ = false;
+    isWhole_ = hasPixels_ = false;
     if (walk.atEnd) return;
     const bool isEnded = walk.SkipBlocks(&codes);
     isWhole_ = codes.Pixels() >= uint64_t{screen_.frameWidth} * screen_.frameHeight;
-    if (isEnded) {
+    hasPixels_ = codes.Pixels() != 0;
+    if (isEnded && isWhole_) {
         fileBytes_ = walk.position;
         hasTail_ = true;
-    } else {
+    } else if (hasPixels_) {
         Complete(walk);
     }
 }
 
 // Zero bits are the code of colour 0 whatever has been read before, so they complete any data that
-// is cut short.
+// ends between two codes.
 void GifFirstFrame::Complete(const Walk& walk) {
     const uint64_t pixels = uint64_t{screen_.frameWidth} * screen_.frameHeight;
     if (!codec::IsPlausibleSize(pixels, file_.Size())) return;
     hasTail_ = true;
-    missingBytes_ = walk.position - fileBytes_;
+    fileBytes_ = walk.sound.end;
+    lastByteMask_ = static_cast<uint8_t>(0xFF >> walk.sound.bitsBehind);
+    missingBytes_ = walk.sound.leftInBlock;
     missingBlocks_ = pixels * kLongestCode / 8 / kLongestBlock + 1;
 }
 
@@ -139,6 +154,7 @@ std::optional<size_t> GifFirstFrame::ReadAt(uint64_t offset, std::span<uint8_t> 
         const auto got = file_.ReadAt(offset, out.first(static_cast<size_t>(wanted)));
         if (!got || *got < wanted) return got;
         count = *got;
+        if (offset + count == fileBytes_ && count != 0) out[count - 1] &= lastByteMask_;
     }
     for (; count < out.size() && offset + count < Size(); ++count) {
         out[count] = TailByte(offset + count - fileBytes_);

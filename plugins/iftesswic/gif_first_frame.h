@@ -21,8 +21,9 @@ struct GifScreen {
     uint32_t frameHeight = 0;
 };
 
-// Ends behind the first frame; when the file ends within that frame's data, its missing pixels have
-// colour 0. Without a frame it is the file as it stands. The file outlives it.
+// Ends behind the first frame; when that frame's data ends too early, by the file's end or by codes
+// that make no sense, the missing pixels have colour 0. Without a frame it is the file as it
+// stands. The file outlives it.
 class GifFirstFrame final : public dib::ByteSource {
   public:
     explicit GifFirstFrame(dib::ByteSource& file);
@@ -30,8 +31,9 @@ class GifFirstFrame final : public dib::ByteSource {
     // A frame that reaches over the edge of its screen widens it, as browsers do.
     const GifScreen& Screen() const { return screen_; }
 
-    // Whether the file has data for all pixels of the frame. One without a frame has.
+    // Whether the file has data for all pixels of the frame, or for any. One without a frame has.
     bool IsWhole() const { return isWhole_; }
+    bool HasPixels() const { return hasPixels_; }
 
     uint64_t Size() const override { return fileBytes_ + TailSize(); }
     std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> out) override;
@@ -47,10 +49,12 @@ class GifFirstFrame final : public dib::ByteSource {
     dib::ByteSource& file_;
     GifScreen screen_;
     bool isWhole_ = true;
-    uint64_t fileBytes_;          // how much of the file is used
-    bool hasTail_ = false;        // whether what follows ends the file
-    uint64_t missingBytes_ = 0;   // of the data block that the file's end cut
-    uint64_t missingBlocks_ = 0;  // more blocks, enough for all pixels that may be missing
+    bool hasPixels_ = true;
+    uint64_t fileBytes_;           // how much of the file is used
+    uint8_t lastByteMask_ = 0xFF;  // and how much of the last byte of it
+    bool hasTail_ = false;         // whether what follows ends the file
+    uint64_t missingBytes_ = 0;    // of the data block whose rest is left out
+    uint64_t missingBlocks_ = 0;   // more blocks, enough for all pixels that may be missing
 };
 
 }  // namespace tessary::wic

@@ -77,6 +77,8 @@ void SafeFile::InspectGif(dib::ByteSource& file) {
     const GifScreen& screen = gif_->Screen();
     if (!codec::IsPlausibleSize(uint64_t{screen.width} * screen.height, file.Size())) {
         inspection_ = Broken(L"GIFの見出しの値が正しくありません");
+    } else if (!gif_->HasPixels()) {
+        inspection_ = Broken(L"GIFデータが壊れているか、途中で切れています");
     } else if (!gif_->IsWhole()) {
         inspection_ = Damaged(L"GIFデータが壊れているか、途中で切れています");
     }

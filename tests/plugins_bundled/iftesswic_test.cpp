@@ -57,6 +57,21 @@ TEST_F(Iftesswic, ShowsWhatADamagedGifHolds) {
     ASSERT_EQ(first.result, susie::kSuccess);
     EXPECT_EQ(first.Pixels().At(11, 9), kGifColors[GifIndex(11, 9)]);
 
+    // The 105th code: one that is not there, an end mark, and what follows the end of the file.
+    for (const int code : {7, 5, -1}) {
+        Bytes bad = MakeGif();
+        bad[kGifFirstPixels + 2 + 39] = static_cast<uint8_t>(code);
+        if (code < 0) bad.resize(kGifFirstPixels + 2 + 39);
+        const HandedPicture part(plugin, bad);
+        ASSERT_EQ(part.result, susie::kSuccess) << code;
+        EXPECT_EQ(plugin.getLastCondition(nullptr, 0), susie::kConditionDamaged);
+        for (uint32_t pixel = 0; pixel < kGifWidth * kGifHeight; ++pixel) {
+            const uint32_t x = pixel % kGifWidth, y = pixel / kGifWidth;
+            const unsigned index = pixel < 69 ? GifIndex(x, y) : 0;
+            ASSERT_EQ(part.Pixels().At(x, y), kGifColors[index]) << code << ": " << pixel;
+        }
+    }
+
     file.resize(kGifFirstPixels + 40);
     const HandedPicture cut(plugin, file);
     ASSERT_EQ(cut.result, susie::kSuccess);

@@ -139,6 +139,9 @@ TEST(SafeFile, CountsThePixelsOfAGif) {
     Bytes higher = good;  // by one row, of which there are no pixels
     ++higher[kGifFrame + 6];
     EXPECT_EQ(Looked(higher).Told(), Condition::kDamaged);
+    Bytes noPixel = good;
+    noPixel[kGifFirstPixels + 2] = 7;
+    EXPECT_EQ(Looked(noPixel).Verdict(), Result::kBrokenData);
     Set(higher, kGifScreen, 0xFFFFFFFF);
     EXPECT_EQ(Looked(higher).Verdict(), Result::kBrokenData);
 }
