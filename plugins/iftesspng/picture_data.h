@@ -35,6 +35,8 @@ class PictureData {
     enum class End { kRegular, kCutShort, kFailed };
     End HowItEnded() const { return end_; }
     codec::Result Failure() const { return failure_; }
+    // Whether the check sum of a chunk was not that of its bytes, which count all the same.
+    bool HasWrongSum() const { return hasWrongSum_; }
     uint64_t Behind() const { return position_; }
 
   private:
@@ -54,6 +56,7 @@ class PictureData {
     uint32_t left_ = 0;      // bytes of the chunk that have not been read
     uint32_t checkSum_ = 0;  // of the chunk so far
     bool inChunk_ = false;
+    bool hasWrongSum_ = false;
     bool streamEnded_ = false;
     bool ended_ = false;
     End end_ = End::kRegular;

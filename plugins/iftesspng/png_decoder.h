@@ -7,9 +7,10 @@
 namespace tessary::png {
 
 // Transparency is laid over the file's background colour (bKGD), else over white. Of an animation
-// the default picture is shown. A file that is cut short gives the rows that are there, the rest in
-// the background colour, and is told as damaged unless it lacks only what follows the last row; one
-// whose check sums or picture data are wrong is broken.
+// the default picture is shown. A file that is cut short, or whose data make no sense from some
+// place on, gives the rows before, the rest in the background colour, and is told as damaged unless
+// it lacks only what follows the last row. One whose data have a wrong check sum is told so, too.
+// What has no row, or a wrong header or colour table, is broken.
 //
 // Stored values are shown as they are: gAMA, cHRM, sRGB and iCCP do not change them, which keeps
 // pictures of one series alike whatever program wrote them, and 16-bit samples show their high

@@ -97,13 +97,15 @@ void PngReader::OnError(png_structp png, png_const_charp) {
     reader->Leave(reader->noMemory_ ? Result::kOutOfMemory : Result::kBrokenData);
 }
 
-// libpng goes on without a chunk whose check sum is wrong; two of those that are read change what
-// the picture shows. What else it warns of is how some programs write them.
+// libpng goes on behind a chunk whose check sum is wrong, without what it says where the picture
+// can do without; two of these change what the picture shows. What else it warns of is how some
+// programs write them.
 void PngReader::OnWarning(png_structp png, png_const_charp message) {
-    const png_uint_32 chunk = png_get_io_chunk_type(png);
-    if (chunk != kTransparencyChunk && chunk != kBackgroundChunk) return;
     if (std::string_view(message).find("CRC") == std::string_view::npos) return;
-    static_cast<PngReader*>(png_get_error_ptr(png))->lacksTransparency_ = true;
+    auto* reader = static_cast<PngReader*>(png_get_error_ptr(png));
+    const png_uint_32 chunk = png_get_io_chunk_type(png);
+    if (chunk == kPictureDataChunk) reader->hasWrongSum_ = true;
+    if (chunk == kTransparencyChunk || chunk == kBackgroundChunk) reader->lacksTransparency_ = true;
 }
 
 std::optional<size_t> PngReader::Read(std::span<uint8_t> out) {
@@ -177,8 +179,9 @@ Result PngReader::ReadHeader() {
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_AS_DEFAULT, kReadChunks.data(),
                                 static_cast<int>(kReadChunks.size() / 5));
     png_read_info(png_, info_);
+    // From here on the only chunks that a picture needs are those of its data.
+    png_set_crc_action(png_, unpacked_ ? PNG_CRC_QUIET_USE : PNG_CRC_WARN_USE, PNG_CRC_DEFAULT);
     if (unpacked_) {
-        png_set_crc_action(png_, PNG_CRC_QUIET_USE, PNG_CRC_DEFAULT);
         png_set_option(png_, PNG_IGNORE_ADLER32, PNG_OPTION_ON);
     }
     png_get_IHDR(png_, info_, &width_, &height_, &bitDepth_, &colorType_, nullptr, nullptr,
@@ -290,15 +293,18 @@ void PngReader::SetTransformations() {
 
 Result PngReader::DecodeRows(const codec::PictureRows& rows) {
     if (setjmp(escape_) != 0) {
-        if (!cutShort_ || rowsDone_ == 0) return result_;
+        if (result_ != Result::kBrokenData || rowsDone_ == 0) return result_;
         if (!HasAllData()) {
             FillRest(rows);
-            progress_.Tell(codec::Condition::kDamaged, L"PNGデータが途中で切れています");
+            progress_.Tell(codec::Condition::kDamaged, cutShort_ ? L"PNGデータが途中で切れています"
+                                                                 : L"PNGデータが壊れています");
         }
     } else {
         SetTransformations();
         ReadRows(rows);
-        if (const Result result = ReadEnd(); result != Result::kSuccess) return result;
+    }
+    if (hasWrongSum_ || (unpacked_ && unpacked_->HasWrongSum())) {
+        progress_.Tell(codec::Condition::kDamaged, L"PNGデータが壊れています");
     }
     if (lacksTransparency_) {
         progress_.Tell(codec::Condition::kDamaged, L"PNGの透明色の情報が壊れています");
@@ -306,12 +312,13 @@ Result PngReader::DecodeRows(const codec::PictureRows& rows) {
     return progress_.Report(1, 1) ? Result::kSuccess : Result::kAborted;
 }
 
-// Whether a file that was cut short has all of its picture data: libpng reads what follows the last
-// row along with that row.
+// Whether a file that was cut short or is damaged has all of its picture data: libpng reads what
+// follows the last row, up to the check sum behind the data, along with that row.
 bool PngReader::HasAllData() const {
-    const bool isInData =
-        unpacked_ ? unpacked_->IsCutInData() : (png_get_io_state(png_) & PNG_IO_CHUNK_DATA) != 0;
-    if (isInData) return false;
+    const bool isCutInData =
+        cutShort_ &&
+        (unpacked_ ? unpacked_->IsCutInData() : (png_get_io_state(png_) & PNG_IO_CHUNK_DATA) != 0);
+    if (isCutInData) return false;
     if (png_get_interlace_type(png_, info_) != PNG_INTERLACE_NONE) {
         return png_get_current_pass_number(png_) >= PNG_INTERLACE_ADAM7_PASSES;
     }
@@ -331,17 +338,6 @@ void PngReader::ReadRows(const codec::PictureRows& rows) {
             if (!progress_.Report(uint64_t{pass} * height_ + y, total)) Leave(Result::kAborted);
         }
     }
-}
-
-// The check sum of the last data chunk stands behind the last row. What comes after it is no longer
-// of interest.
-Result PngReader::ReadEnd() {
-    if (setjmp(escape_) != 0) {
-        const bool inData = png_get_io_chunk_type(png_) == kPictureDataChunk;
-        return inData && !cutShort_ ? result_ : Result::kSuccess;
-    }
-    png_read_end(png_, nullptr);
-    return Result::kSuccess;
 }
 
 void PngReader::FillRest(const codec::PictureRows& rows) const {

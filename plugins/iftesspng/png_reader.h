@@ -61,7 +61,6 @@ class PngReader {
     void ReadRows(const codec::PictureRows& rows);
     bool HasAllData() const;
     void FillRest(const codec::PictureRows& rows) const;
-    codec::Result ReadEnd();
 
     dib::ByteSource& source_;
     codec::Progress& progress_;
@@ -74,6 +73,7 @@ class PngReader {
     uint64_t position_ = 0;
     bool cutShort_ = false;  // the source ended before the file did
     bool noMemory_ = false;
+    bool hasWrongSum_ = false;        // of picture data
     bool lacksTransparency_ = false;  // its chunk is there but damaged
 
     uint32_t width_ = 0;

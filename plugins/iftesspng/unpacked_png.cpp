@@ -169,6 +169,7 @@ void UnpackedPng::MakePiece(Piece& piece) noexcept {
         }
         WriteChunkHead(out, end - kChunkHeadSize);
         std::ranges::fill(out.subspan(end, kCheckSumSize), uint8_t{0});
+        piece.hasWrongSum = data_->HasWrongSum();
         if (size == kStoredSize) return;
         chunk.resize(end + kCheckSumSize);
         switch (data_->HowItEnded()) {
@@ -186,7 +187,7 @@ void UnpackedPng::MakePiece(Piece& piece) noexcept {
                 break;
         }
     } catch (const std::bad_alloc&) {
-        piece = {{}, Stage::kFailed, Result::kOutOfMemory, 0};
+        piece = {{}, Stage::kFailed, Result::kOutOfMemory, 0, false};
     }
 }
 

@@ -37,6 +37,8 @@ class UnpackedPng {
     codec::Result Failure() const { return failure_; }
     // Whether the file ends within the picture data.
     bool IsCutInData() const { return stage_ == Stage::kCutShort; }
+    // Whether the check sum of a chunk that has been read was wrong.
+    bool HasWrongSum() const { return piece_.hasWrongSum; }
 
   private:
     // Where the bytes come from.
@@ -48,6 +50,7 @@ class UnpackedPng {
         Stage next = Stage::kData;
         codec::Result failure = codec::Result::kSuccess;
         uint64_t behind = 0;  // where the file goes on
+        bool hasWrongSum = false;
     };
     using Lock = std::unique_lock<std::mutex>;
     static constexpr size_t kMostPieces = 4;

@@ -162,6 +162,35 @@ TEST_P(PngDecoder, ShowsWhatAFileCutShortHolds) {
     EXPECT_EQ(Decoded(decoder_, noRow).result, Result::kBrokenData);
 }
 
+TEST_P(PngDecoder, ShowsWhatADamagedFileHolds) {
+    for (const bool interlaced : {false, true}) {
+        const Bytes good = MakePng({.width = 300, .height = 300, .interlaced = interlaced});
+        const Decoded whole(decoder_, good);
+        // The check sum of the last data stands in front of the end chunk's 12 bytes, and in front
+        // of it that of the stream, which nobody looks at.
+        for (const size_t at : {good.size() / 2, good.size() - 13}) {
+            Bytes file = good;
+            file[at] ^= 1;
+            const Decoded noise(decoder_, file);
+            ASSERT_EQ(noise.result, Result::kSuccess);
+            EXPECT_EQ(noise.condition, Condition::kDamaged);
+            EXPECT_EQ(noise.Pixels().At(0, 96), whole.Pixels().At(0, 96));
+        }
+        // Another chunk in the middle of the data, where a new chunk of them begins.
+        const uint8_t name[] = {'I', 'D', 'A', 'T'};
+        const auto half = good.begin() + static_cast<ptrdiff_t>(good.size() / 2);
+        const auto found = std::search(half, good.end(), std::begin(name), std::end(name));
+        ASSERT_NE(found, good.end());
+        Bytes file = good;
+        file[static_cast<size_t>(found - good.begin())] = 'X';
+        const Decoded part(decoder_, file);
+        ASSERT_EQ(part.result, Result::kSuccess);
+        EXPECT_EQ(part.condition, Condition::kDamaged);
+        EXPECT_EQ(part.Pixels().At(0, 96), whole.Pixels().At(0, 96));
+        if (!interlaced) EXPECT_EQ(part.Pixels().At(299, 299), 0xFFFFFFu);
+    }
+}
+
 TEST_P(PngDecoder, RefusesDamagedAndForgedFiles) {
     const Bytes good = MakePng({});
     const auto resultWithDamageAt = [&](size_t at) {
@@ -171,9 +200,7 @@ TEST_P(PngDecoder, RefusesDamagedAndForgedFiles) {
     };
     EXPECT_EQ(resultWithDamageAt(2), Result::kUnknownFormat);  // signature
     EXPECT_EQ(resultWithDamageAt(19), Result::kBrokenData);    // width
-    EXPECT_EQ(resultWithDamageAt(100), Result::kBrokenData);   // pixels
-    // The pixels' check sum stands in front of the end chunk's 12 bytes, which nobody needs.
-    EXPECT_EQ(resultWithDamageAt(good.size() - 13), Result::kBrokenData);
+    EXPECT_EQ(resultWithDamageAt(62), Result::kBrokenData);    // head of the pixels
     EXPECT_EQ(resultWithDamageAt(good.size() - 1), Result::kSuccess);
 
     // 60000 x 60000 pixels, with the right check sum.
