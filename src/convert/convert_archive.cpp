@@ -1,7 +1,7 @@
 // Expanding one archive.
-#include <algorithm>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <optional>
 
 #include "app/base/paths.h"
@@ -11,6 +11,7 @@
 #include "convert/convert_run.h"
 #include "convert/decode_filter.h"
 #include "convert/delete_files.h"
+#include "convert/extraction_record.h"
 #include "convert/make_folder.h"
 #include "convert/plugin_use.h"
 #include "plugin/member_file_name.h"
@@ -27,6 +28,7 @@ struct ConvertRun::Expansion {
     clsSusie& archive;
     std::wstring folder;
     bool isNew;  // the folder was made for this archive
+    std::shared_ptr<ExtractionRecord> record;
     MemberFileNames names;
     // Of the members that are files, by position: below `folder` as if it were empty. Nothing for
     // one that is not wanted or whose name no file can have.
@@ -120,11 +122,17 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const WorkEntry& entry, i
     }
     log_.WriteConvertLog(L"合計ファイル数", std::to_wstring(count), 2);
     log_.WriteConvertLog(L"すべてのファイルを展開します", {}, 2);
-    Expansion expansion{archive, folder, isNew, {}, {}};
+    // What a run has left that was killed is ours; all else that stands here is somebody's.
+    const auto record = std::make_shared<ExtractionRecord>(folder + L'\\');
+    record->DeleteLeftovers([&](const std::wstring& path) {
+        return list_.Holds(path) || names_.IsSource(path) || names_.IsResult(path);
+    });
+    Expansion expansion{archive, folder, isNew, record, {}, {}};
     for (const ListedMember& file : archive.GetExpandFileList()) {
         auto& ownName = expansion.ownNames[file.position];
         if (CheckDecodeFileName(FileNameOf(file.name)))
             ownName = expansion.names.NameFor(file.name);
+        if (ownName && ExtractionRecord::IsNameOf(*ownName)) ownName.reset();
     }
     for (int32_t index = 1; index <= count; ++index) {
         const WorkEntry member = ExpandMember(expansion, index);
@@ -178,11 +186,12 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
     // What stands in the folder already is somebody's, and not ours to replace or delete.
     const std::wstring start = expansion.folder + L'\\';
     std::wstring name = *file->second;
-    std::vector<std::wstring> standing;
     while (!expansion.isNew && PathExists(start + name)) {
-        standing.push_back(start + name);
+        entry.beside.push_back(start + name);
         name = *expansion.names.NameFor(member);
     }
+    const std::wstring path = start + name;
+    expansion.record->Add(path);
     if (const uint32_t result = ResultOf([&] {
             expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress);
         })) {
@@ -190,21 +199,16 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
         refuse(FileOutcome::kFailed, ReasonOf(failure),
                FailureText(failure, expansion.archive.DllName()));
         WritePluginError(failure, 6);
+        DeleteFiles(path, true);
+        expansion.record->Remove(path);
         return entry;
     }
     entry.damage = expansion.archive.Damage();
-    std::wstring path = start + name;
-    // But what is the same and not on the list, an earlier run has left.
-    const auto left = std::ranges::find_if(standing, [&](const std::wstring& other) {
-        return !list_.Holds(other) && !names_.IsSource(other) && HaveSameContent(path, other);
-    });
-    if (left != standing.end()) {
-        DeleteFiles(path, true);
-        path = *left;
-    }
     if (path != start + *file->second) entry.saveName = FileNameOf(*file->second);
     entry.path = path;
     entry.folder = FolderOf(path);
+    entry.isNumbered = *file->second != SafeMemberName(member);
+    entry.record = expansion.record;
     return entry;
 }
 

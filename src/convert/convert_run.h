@@ -103,9 +103,12 @@ class ConvertRun {
     void Report(FileOutcome outcome, FileReason reason = FileReason::kNone, std::wstring text = {});
     // An extracted member that is still to be converted gives up a path that an output needs.
     void MakeWayFor(const std::wstring& output);
-    // Deletes an extracted file that has done its service, unless it is an output by now.
-    void DeleteExtracted(const std::wstring& path);
-    // Deletes an extracted member that was not converted, unless such are to be kept.
+    // Deletes an extracted member that has done its service, unless it is an output by now.
+    void DeleteExtracted(const WorkEntry& entry);
+    // The same for those that were not reached any more: the next run extracts them again.
+    void DeleteUnconverted();
+    // Deletes an extracted member that was not converted, unless such are to be kept and its like
+    // is not there yet.
     void RemoveExtractedFile(const WorkEntry& entry);
     void WritePluginError(const PluginFailure& failure, int16_t indent);
     void WriteUnexpected(const RaisedError& error);

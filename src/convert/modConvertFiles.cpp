@@ -1,5 +1,6 @@
 #include "convert/modConvertFiles.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "app/base/error.h"
@@ -10,6 +11,7 @@
 #include "convert/convert_run.h"
 #include "convert/decode_filter.h"
 #include "convert/delete_files.h"
+#include "convert/extraction_record.h"
 #include "convert/make_folder.h"
 #include "convert/no_picture.h"
 #include "convert/no_system_messages.h"
@@ -81,6 +83,7 @@ bool ConvertRun::Run() {
         });
         if (!goesOn) Trapped([&] { WriteStopped(); });
     }
+    Trapped([&] { DeleteUnconverted(); });
     Trapped([&] { log_.WriteConvertLog(L"*** すべての変換処理が完了しました ***", {}, 0); });
     log_.Close();
     return goesOn;
@@ -134,7 +137,7 @@ void ConvertRun::CleanUp(const WorkEntry& entry, StepResult result) {
     if (result != StepResult::kDone) {
         RemoveExtractedFile(entry);
     } else if (entry.IsExtracted()) {
-        DeleteExtracted(entry.path);
+        DeleteExtracted(entry);
     }
     monitor_.SetProgressBar(-1, -1, 200, 200);
 }
@@ -184,14 +187,31 @@ void ConvertRun::ReportUnknown(const std::wstring& path) {
 }
 
 void ConvertRun::RemoveExtractedFile(const WorkEntry& entry) {
-    if (!entry.IsExtracted() || Values().convert.decodeUnknownFile != 0) return;
-    DeleteExtracted(entry.path);
+    if (!entry.IsExtracted()) return;
+    const auto isLike = [&](const std::wstring& other) {
+        return HaveSameContent(entry.path, other);
+    };
+    // One that stands there already, from an earlier run or whoever's, is not kept twice.
+    if (Values().convert.decodeUnknownFile != 0 && std::ranges::none_of(entry.beside, isLike)) {
+        if (entry.record) entry.record->Remove(entry.path);
+        return;
+    }
+    DeleteExtracted(entry);
     log_.WriteConvertLog(L"ファイルを削除しました", {}, 2);
 }
 
 // A member may have been replaced by the picture that it or another has become.
-void ConvertRun::DeleteExtracted(const std::wstring& path) {
-    if (!path.empty() && !names_.IsResult(path)) DeleteFiles(path, true);
+void ConvertRun::DeleteExtracted(const WorkEntry& entry) {
+    if (entry.path.empty()) return;
+    if (!names_.IsResult(entry.path)) DeleteFiles(entry.path, true);
+    names_.Release(entry);
+    if (entry.record) entry.record->Remove(entry.path);
+}
+
+void ConvertRun::DeleteUnconverted() {
+    for (int32_t index = current_; index <= list_.UpperBound(); ++index) {
+        if (list_.At(index).IsExtracted()) DeleteExtracted(list_.At(index));
+    }
 }
 
 void ConvertRun::MakeWayFor(const std::wstring& output) {
@@ -207,9 +227,12 @@ void ConvertRun::MakeWayFor(const std::wstring& output) {
             other = output;
             other.insert(dot, L" (" + std::to_wstring(number++) + L")");
         } while (PathExists(other));
-        if (MoveFileW(ExtendedPath(list_.At(index).path).c_str(), ExtendedPath(other).c_str())) {
-            list_.SetPath(index, other);
-        }
+        const WorkEntry entry = list_.At(index);
+        if (entry.record) entry.record->Add(other);
+        const bool isMoved =
+            MoveFileW(ExtendedPath(entry.path).c_str(), ExtendedPath(other).c_str()) != FALSE;
+        if (isMoved) list_.SetPath(index, other);
+        if (entry.record) entry.record->Remove(isMoved ? entry.path : other);
         return;
     }
 }

@@ -50,6 +50,11 @@ void OutputNames::Announce(const WorkEntry& entry) {
     own_.emplace(ToUpper(entry.path), entry.path);
 }
 
+// The name that it is saved by stays its own.
+void OutputNames::Release(const WorkEntry& entry) {
+    if (!entry.saveName.empty()) own_.erase(ToUpper(entry.path));
+}
+
 void OutputNames::AddResult(const std::wstring& path, const WorkEntry& entry) {
     results_.emplace(ToUpper(path), entry.path);
     results_.emplace(IdentityOf(path), entry.path);

@@ -45,6 +45,9 @@ class OutputNames {
     // name there is chosen.
     void Announce(const WorkEntry& entry);
 
+    // An extracted member's own file is gone.
+    void Release(const WorkEntry& entry);
+
     OutputChoice Choose(const OutputWish& wish);
     // The same before the picture has been read, of the same extension: whether it will be skipped
     // for sure.

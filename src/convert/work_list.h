@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -9,6 +10,8 @@
 #include "convert/convert_monitor.h"
 
 namespace tessary {
+
+class ExtractionRecord;
 
 // A file that is to be converted: one of the user's, or a member of an archive.
 struct WorkEntry {
@@ -19,6 +22,11 @@ struct WorkEntry {
     std::wstring damage{};    // what its archive has lost of it, for the user; empty: nothing
     std::wstring folder{};    // that it is converted into, with its trailing backslash
     int32_t depth = 0;        // in how many archives it is
+    bool isNumbered = false;  // another member has the name that it would be saved by
+    // Of an extracted member: the files of its name beside which it lies, and what knows it as a
+    // copy of ours.
+    std::vector<std::wstring> beside{};
+    std::shared_ptr<ExtractionRecord> record{};
 
     bool IsExtracted() const { return depth > 0; }
 };

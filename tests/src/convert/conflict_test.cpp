@@ -51,6 +51,13 @@ class ConflictTest : public test::ConvertTest {
         return contents;
     }
 
+    static void CopyFiles(const std::wstring& from, const std::wstring& to) {
+        for (const auto& [name, content] : FilesBelow(from)) {
+            std::filesystem::create_directories(FolderOf(to + name));
+            EXPECT_TRUE(CopyFileW((from + name).c_str(), (to + name).c_str(), TRUE)) << name.size();
+        }
+    }
+
     // The list is all that lies below a folder, in order or the other way round.
     bool RunOver(const std::wstring& folder, const std::wstring& target, bool isReversed) {
         monitor_.files.clear();
@@ -135,6 +142,62 @@ TEST_F(ConflictTest, MembersOfOneNameAllSurvive) {
         EXPECT_EQ(files.size(), 3U) << NamesOf(files);
         if (contents.empty()) contents = ContentsOf(files);
         EXPECT_EQ(ContentsOf(files), contents);
+    }
+}
+
+// Also when it is what the members are, byte for byte.
+TEST_F(ConflictTest, WhatStandsWhereAnArchiveIsExpandedIsSomebodys) {
+    const test::ArchiveEntry members[] = {
+        {"m.tst", "TST 4x4x24\n"}, {"d/n.tst", "TST 5x4x24\n"}, {"t.xyz", "text"}};
+    source_.Write(L"x.tsa", ArchiveOf({members[0], members[1], members[2]}));
+    for (const int32_t policy : {kConflictFreeName, kConflictSkip, kConflictOverwrite}) {
+        for (const int32_t keepsUnknown : {0, 1}) {
+            std::filesystem::remove_all(Target());
+            target_.Write(LR"(out\x.tsa\m.tst)", members[0].data);
+            target_.Write(LR"(out\x.tsa\d\n.tst)", members[1].data);
+            target_.Write(LR"(out\x.tsa\t.xyz)", members[2].data);
+            Values().convert.onConflict = policy;
+            Values().convert.decodeUnknownFile = keepsUnknown;
+            for (int run = 0; run < 2; ++run) {
+                EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+                EXPECT_EQ(Converted(),
+                          LR"(x.tsa\d\n.bmp x.tsa\d\n.tst x.tsa\m.bmp x.tsa\m.tst )"
+                          LR"(x.tsa\t.xyz )")
+                    << policy << keepsUnknown;
+            }
+        }
+    }
+}
+
+// At whatever moment: what it has extracted goes, whatever has become of it, and nothing else.
+TEST_F(ConflictTest, RunsThatWereKilledAreRepeated) {
+    source_.Write(L"x.tsa", ArchiveOf({{"m.tst", "TST 4x4x24\n"},
+                                       {"m.bmp", ForeignBitmap(3)},
+                                       {"~tessary.rec", "not ours"},
+                                       {"t.xyz", "text"}}));
+    const std::wstring mine = target_.Write(LR"(out\x.tsa\mine.tst)", "TST 4x4x24\n");
+    EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+    const Files all = FilesBelow(Target());
+    EXPECT_EQ(NamesOf(all), LR"(x.tsa\m (2).bmp x.tsa\m.bmp x.tsa\mine.tst )");
+    const std::wstring atDeath = target_.Path() + L"dead\\";
+    for (int line = 1, lines = line; line <= lines; line += 2) {
+        std::filesystem::remove_all(Target());
+        target_.Write(LR"(out\x.tsa\mine.tst)", "TST 4x4x24\n");
+        lines = 0;
+        monitor_.onLine = [&](const std::wstring&) {
+            if (++lines == line) CopyFiles(Target(), atDeath);
+        };
+        EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+        monitor_.onLine = nullptr;
+        std::filesystem::remove_all(Target());
+        CopyFiles(atDeath, Target());
+        std::filesystem::remove_all(atDeath);
+        for (const wchar_t* const name : {L"m.tst", L"t.xyz"}) {
+            const std::filesystem::path copy = Target() + L"x.tsa\\" + name;
+            if (std::filesystem::exists(copy)) std::filesystem::resize_file(copy, 1);
+        }
+        EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+        EXPECT_EQ(FilesBelow(Target()), all) << line;
     }
 }
 
