@@ -62,7 +62,7 @@ TEST(PictureSet, PngSuiteLooksAsItShould) {
         const Decoded decoded(decoder, file);
         if (entry.path().filename().string().starts_with('x')) {  // damaged on purpose
             const bool hasRows = decoded.result == Result::kSuccess;
-            if (hasRows) EXPECT_EQ(decoded.condition, Condition::kDamaged);
+            EXPECT_EQ(decoded.condition == Condition::kDamaged, hasRows);
             EXPECT_TRUE(hasRows ||
                         decoded.result == (decoder.IsSupported(file) ? Result::kBrokenData
                                                                      : Result::kUnknownFormat));

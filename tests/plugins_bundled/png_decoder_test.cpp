@@ -187,7 +187,9 @@ TEST_P(PngDecoder, ShowsWhatADamagedFileHolds) {
         ASSERT_EQ(part.result, Result::kSuccess);
         EXPECT_EQ(part.condition, Condition::kDamaged);
         EXPECT_EQ(part.Pixels().At(0, 96), whole.Pixels().At(0, 96));
-        if (!interlaced) EXPECT_EQ(part.Pixels().At(299, 299), 0xFFFFFFu);
+        if (!interlaced) {
+            EXPECT_EQ(part.Pixels().At(299, 299), 0xFFFFFFu);
+        }
     }
 }
 
