@@ -71,10 +71,14 @@ class ReadWatch {
 
     bool GoesOn(int done, int total) {
         view_.TellProgress(done, total);
-        if (!view_.Breathe()) stopped_ = true;
-        return !stopped_;
+        return !IsStopped();
     }
-    bool IsStopped() const { return stopped_ || Values().quitRequested; }
+    // Hears what was asked for while a plug-in let nothing be heard: it was meant for this read,
+    // and for what the view still shows.
+    bool IsStopped() {
+        if (!view_.Breathe()) stopped_ = true;
+        return stopped_ || Values().quitRequested;
+    }
 
     // The function to be told how far the work is.
     auto Progress() {
@@ -181,7 +185,7 @@ ReadResult DecodeBlock(HLOCAL block, const std::wstring& name, const std::wstrin
 // bitmap after all.
 template <typename DecodeByPlugins>
 ReadResult BitmapOr(OwnedPicture picture, std::wstring damage, const std::wstring& subject,
-                    const ReadWatch& watch, DecodeByPlugins decodeByPlugins) {
+                    ReadWatch& watch, DecodeByPlugins decodeByPlugins) {
     if (watch.IsStopped()) return Stopped();
     if (picture) {
         return {{.kind = kFileBitmap, .damage = std::move(damage)}, std::move(picture), {}};
@@ -202,8 +206,7 @@ ReadResult ReadBlock(HLOCAL block, const std::wstring& name, const std::wstring&
     return BitmapOr(std::move(picture), std::move(damage), subject, watch, decode);
 }
 
-ReadResult ReadFileAt(const std::wstring& path, PictureView& view) {
-    ReadWatch watch(view);
+ReadResult ReadFileAt(const std::wstring& path, ReadWatch& watch) {
     std::wstring failure;
     switch (IsBITMAPFile(path, failure)) {
         case BitmapCheck::kUnreadable:
@@ -221,10 +224,9 @@ ReadResult ReadFileAt(const std::wstring& path, PictureView& view) {
 }
 
 // `subject` receives how messages name the member.
-ReadResult ReadMember(const std::wstring& archivePath, int32_t position, PictureView& view,
+ReadResult ReadMember(const std::wstring& archivePath, int32_t position, ReadWatch& watch,
                       std::wstring& subject) {
     if (PluginCallUnderWay()) return {};
-    ReadWatch watch(view);
     clsSusie* const archive = SusieCollection().ListedArchive(archivePath);
     if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
     std::wstring name;
@@ -253,15 +255,22 @@ std::wstring FailureText(const std::wstring& subject, const std::wstring& reason
 }
 
 ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
-    ReadResult result = ReadFileAt(path, view);
+    ReadWatch watch(view);
+    ReadResult result = ReadFileAt(path, watch);
+    if (watch.IsStopped()) {
+        SusieCollection().UnloadFile();
+        result = Stopped();
+    }
     result.subject = SubjectOf(path);
     TellStoppedPlugins(view, result);
     return result;
 }
 
 ReadResult ReadArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {
+    ReadWatch watch(view);
     std::wstring subject = SubjectOf(archivePath);
-    ReadResult result = ReadMember(archivePath, position, view, subject);
+    ReadResult result = ReadMember(archivePath, position, watch, subject);
+    if (watch.IsStopped()) result = Stopped();
     result.subject = std::move(subject);
     TellStoppedPlugins(view, result);
     return result;

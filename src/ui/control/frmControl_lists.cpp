@@ -114,7 +114,12 @@ void frmControl::TellNotShown(const std::wstring& text) {
 void frmControl::TellLoading(const std::wstring& text) {
     loadingText_ = text;
     TellNotShown(text);
-    if (burst_ != nullptr) longLoad_.Start(kLongLoadMilliseconds);
+    if (burst_ != nullptr) {
+        longLoad_.Start(kLongLoadMilliseconds);
+    } else {
+        PaintNow(Handle());
+        PaintNow(window_.Handle());
+    }
 }
 
 // In the main window's status bar.
@@ -140,8 +145,6 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
         return false;
     }
     SetVisible(true);
-    // The first file may keep the window from painting for long.
-    RedrawWindow(Handle(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     listFileName_.Select(0);
     return true;
 }
@@ -277,13 +280,12 @@ ShownFile frmControl::Show(const std::wstring& name, const std::function<ShownFi
 
 void frmControl::ShowListedFile(const std::wstring& path) {
     const std::wstring name = FileNameOf(path);
+    ShownFile shown;
     {
         const Busy busy(*this, kReading);
         loadingPath_ = path;
         TellLoading(kTagLoading + name);
-        // Some plug-ins let nothing be painted before they are done.
-        if (burst_ == nullptr) UpdateWindow(textFileInfo_.Handle());
-        const ShownFile shown = Show(name, [&] { return ShowFile(path, window_, *this); });
+        shown = Show(name, [&] { return ShowFile(path, window_, *this); });
         loadingPath_.clear();
         loadingText_.clear();
         failure_ = shown.failure;
@@ -299,9 +301,9 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         archiveShown_ = shown.kind == kFileArchive && listArchiveFile_.Count() > 0;
         archivePath_ = path;
     }
-    if (!archiveShown_) {
+    if (shown.kind != kFileArchive) {
         ShowNoArchive();
-    } else if (!Values().quitRequested) {
+    } else if (archiveShown_ && !Values().quitRequested) {
         listArchiveFile_.Select(0);
     }
     window_.pictureView().Refresh();

@@ -85,6 +85,7 @@ bool frmControl::MoveInFiles(int steps, bool orStay) {
     const int count = listFileName_.Count();
     const int start = listFileName_.Selected();
     if (step > 0 ? start >= count - 1 : start < 0) return false;
+    const int stops = stops_;
     int reached = start;
     {
         const Busy busy(*this, kSearching);
@@ -95,6 +96,8 @@ bool frmControl::MoveInFiles(int steps, bool orStay) {
             reached = *found;
         }
     }
+    // The end of the search may have heard of something else.
+    if (wishes_.file || stops != stops_) return wishes_.file;
     if (reached != start) {
         listFileName_.Select(reached);
         return true;

@@ -3,6 +3,11 @@
 #include "app/base/error.h"
 
 namespace tessary {
+namespace {
+
+constexpr UINT kNoMessage = 0xBFFF;  // the last number of WM_APP; nobody posts it
+
+}  // namespace
 
 Window::~Window() {
     if (handle_ == nullptr) return;
@@ -53,6 +58,14 @@ LRESULT CALLBACK Window::Procedure(HWND handle, UINT message, WPARAM wParam, LPA
         Trapped([&] { window->OnDestroyed(); });
     }
     return result;
+}
+
+void PaintNow(HWND window) {
+    RedrawWindow(window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    GdiFlush();
+    // Some systems show what was painted when the thread looks for a message; there is none here.
+    MSG none{};
+    PeekMessageW(&none, window, kNoMessage, kNoMessage, PM_NOREMOVE);
 }
 
 }  // namespace tessary

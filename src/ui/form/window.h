@@ -50,6 +50,10 @@ class Window {
     HWND handle_ = nullptr;
 };
 
+// Puts on the screen what the window and its children have to paint, and takes no other message
+// from the queue: what follows may keep them from painting for long.
+void PaintNow(HWND window);
+
 // The module that holds the program's resources.
 inline HINSTANCE ProgramInstance() {
     return GetModuleHandleW(nullptr);

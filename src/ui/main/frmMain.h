@@ -193,12 +193,15 @@ class frmMain final : public Form, public PictureView {
     void Step(BarButton button);
 
     // --- Long reads (frmMain_reading.cpp) ---
+    // Whether there is a Reading that was not asked to stop long ago, without hearing of it.
+    bool TakesStop() const;
     // The one read under way.
     struct ReadState {
         int depth = 0;  // how many Reading there are
         const wchar_t* what = nullptr;
         DWORD start = 0;  // tick count, milliseconds
         bool stopped = false;
+        DWORD stop = 0;                       // when it was stopped; tick count, milliseconds
         std::optional<std::wstring> covered;  // the notice that its news stand in place of
     };
 

@@ -14,13 +14,16 @@ void frmMain::RegisterFullScreenCommands() {
     commands_.Register(commandEscape, {.run = [this] { Escape(); }, .whileLoading = true});
 }
 
-// One thing at a time, the nearest one first; with the full screen a show ends too.
+// One thing at a time, the nearest one first; with the full screen a show ends too. A read that
+// does not stop keeps nobody on the full screen.
 void frmMain::Escape() {
     const bool playing = controlBar_ != nullptr && controlBar_->IsPlaying();
-    if (playing || (IsReadUnderWay() && !fullScreen_.IsOn())) commands_.Run(menuControl_2);
+    const bool stopsRead = fullScreen_.IsOn() ? TakesStop() : IsReadUnderWay();
+    if (playing || stopsRead) commands_.Run(menuControl_2);
+    if (stopsRead && !playing) return;
     if (fullScreen_.IsOn()) {
         SetFullScreen(false);
-    } else if (!playing && !IsReadUnderWay()) {
+    } else if (!playing) {
         commands_.Run(commandCancelDelete);
     }
 }

@@ -36,8 +36,11 @@ frmMain::Reading::Reading(frmMain& window, const wchar_t* what)
     }
 }
 
+// What was asked for while the read let nothing be heard was meant for this read, and not for what
+// comes behind it.
 frmMain::Reading::~Reading() {
     ReadState& state = window_.reading_;
+    if (state.depth == 1) window_.Breathe();
     if (--state.depth > 0) return;
     const std::optional<std::wstring> covered = std::exchange(state.covered, {});
     if (covered) window_.SetPanelText(kNoticePanel, *covered);
@@ -55,7 +58,13 @@ bool frmMain::Reading::TakesEscape(const MSG& message) const {
 }
 
 void frmMain::StopReading() {
-    if (reading_.depth > 0) reading_.stopped = true;
+    if (reading_.depth == 0 || std::exchange(reading_.stopped, true)) return;
+    reading_.stop = GetTickCount();
+}
+
+bool frmMain::TakesStop() const {
+    return reading_.depth > 0 &&
+           !(reading_.stopped && GetTickCount() - reading_.stop >= kLongMilliseconds);
 }
 
 bool frmMain::IsReadingLong() const {

@@ -411,11 +411,10 @@ TEST_F(ShowTest, StoppedReadHasNotFailed) {
     UsePlugins({{L"a.spi", ""}, {L"axtsa.spi", ""}});
     const std::wstring archive =
         files_.Write(L"a.tsa", test::ArchiveOf({{"1.tst", "TST 30x20x24\n"}}));
-    ASSERT_EQ(Show(archive).kind, kFileArchive);
     for (bool* const asks : {&view_.stops, &Values().quitRequested}) {
         *asks = true;
         for (const std::wstring& file :
-             {files_.Write(L"picture.tst", "TST 30x20x24\n"),
+             {archive, files_.Write(L"picture.tst", "TST 30x20x24\n"),
               files_.Write(L"deaf.tst", "TST 30x20x24\nignore-abort\n"),
               files_.Write(L"large.bmp", test::BitmapFileOf(2000, 2000, RGB(1, 2, 3)))}) {
             const ShownFile shown = Show(file);
@@ -427,8 +426,8 @@ TEST_F(ShowTest, StoppedReadHasNotFailed) {
         }
         *asks = false;
     }
-    view_.stops = true;
     ASSERT_EQ(Show(archive).kind, kFileArchive);
+    view_.stops = true;
     EXPECT_TRUE(ShowArchiveMember(archive, 1, view_).stopped);
     EXPECT_EQ(view_.pictures, 0);
 }

@@ -120,6 +120,8 @@ class WishTest : public ControlBarTest {
         }
         bar_.SetFileList(files_);
     }
+    // From now on the plug-in of file 1 lets nothing be heard before it is done.
+    void MakeDeaf() { folder_.Write(L"1.tst", "TST 8x50x24\nprogress:0\n"); }
     // Loads file 1 and does what was posted in the middle of that.
     void LoadSlowly() {
         Sleep(25);  // so long a load keeps the messages waiting
@@ -242,12 +244,38 @@ TEST_F(FileListTest, WhatCannotBeShownLeavesTheViewEmpty) {
         EXPECT_EQ(Info(), told);
         EXPECT_EQ(Panel(), told);
         EXPECT_EQ(Values().pictureLoading, index == 1) << told;  // what vanished leaves it
-        EXPECT_EQ(Items(bar_.listArchiveFile()), List{kNotArchive}) << told;
+        EXPECT_EQ(Items(bar_.listArchiveFile()), index == 3 ? List{} : List{kNotArchive}) << told;
+        EXPECT_FALSE(bar_.listArchiveFile().IsEnabled()) << told;
         EXPECT_EQ(bar_.Failure().empty(), index == 1) << told;
     }
     EXPECT_FALSE(bar_.SetFileList({}));
     EXPECT_EQ(Info() + Panel(), L"");
     EXPECT_TRUE(messages_.All().empty());
+}
+
+// Some plug-ins let nothing be painted before they are done.
+TEST_F(FileListTest, TellsOfALoadBeforeThePluginIsCalled) {
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), folder_.Write(L"2.tst", "TST 8x8x24\nprogress:0\n")});
+    window_.Show();
+    DoEvents();
+    List painted;
+    const auto record = [&](const auto& text) {
+        return [&](UINT message, WPARAM, LPARAM) -> std::optional<LRESULT> {
+            if (message == WM_PAINT) painted.push_back(text());
+            return std::nullopt;
+        };
+    };
+    const auto panel = [&] { return Panel(); };
+    const auto info = [&] { return Info(); };
+    WindowProcedureHook ofPanel;
+    WindowProcedureHook ofInfo;
+    ofPanel.Install(window_.statusInformation().Handle(), record(panel));
+    ofInfo.Install(bar_.textFileInfo().Handle(), record(info));
+    window_.Breathe();  // the load does not, so soon behind
+    Click(bar_.listFileName(), 1);
+    ASSERT_GE(painted.size(), 2u);
+    EXPECT_EQ(painted[0], L"[読み込み中]2.tst");
+    EXPECT_EQ(painted[1], painted[0]);
 }
 
 TEST_F(FileListTest, AStoppedLoadLeavesNothing) {
@@ -340,6 +368,7 @@ TEST_F(WishTest, MotionAndCommandsWaitToo) {
 
 // Not the file that comes up next, which the user has not seen yet.
 TEST_F(WishTest, DeleteTakesWhatIsSeen) {
+    MakeDeaf();
     bar_.SetVisible(false);
     for (int i = 0; i < 2; ++i)
         PostMessageW(window_.Handle(), WM_COMMAND, commandAddToDeleteList, 0);
@@ -352,6 +381,34 @@ TEST_F(WishTest, DeleteTakesWhatIsSeen) {
     EXPECT_EQ(Info(), L"pasted");
     bar_.Press(BarButton::kDeleteList);
     EXPECT_EQ(bar_.listDelete().Count(), 1);
+}
+
+TEST_F(WishTest, EscapeDuringALoadMeansTheLoad) {
+    MakeDeaf();
+    bar_.Press(BarButton::kDeleteList);
+    const auto isFull = [&] { return GetMenu(window_.Handle()) == nullptr; };
+    window_.Commands().Run(commandFullScreen);
+    for (int i = 0; i < 2; ++i)
+        PostKey(VK_ESCAPE);
+    Sleep(25);
+    Click(bar_.listFileName(), 0);
+    DoEvents();
+    EXPECT_TRUE(isFull());
+    EXPECT_EQ(Info(), L"[中止] 1.tst");
+    // Too late to stop it.
+    window_.OnPictureShownChanged([&] {
+        PostKey(VK_ESCAPE);
+        Sleep(25);
+    });
+    Click(bar_.listFileName(), 0);
+    DoEvents();
+    EXPECT_TRUE(isFull());
+    EXPECT_EQ(Info(), L"[画像] 1.tst ( 8×50 24bit )");
+    window_.OnPictureShownChanged({});
+    PostKey(VK_ESCAPE);
+    DoEvents();
+    EXPECT_FALSE(isFull());
+    EXPECT_TRUE(messages_.All().empty());
 }
 
 TEST_F(PlayerTest, PlaysToTheEndAndStops) {
