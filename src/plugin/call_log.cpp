@@ -1,7 +1,6 @@
 #include "plugin/call_log.h"
 
 #include <array>
-#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -35,8 +34,8 @@ struct OwnLogs {
     PassingSection call;
     PassingSection info;
     bool isUnlogged = false;
-    std::atomic<bool> isExcused = false;
-    std::mutex mutex;           // of what follows
+    std::mutex mutex;           // of what follows, and of writing the logs
+    bool isExcused = false;     // nothing is written any more
     std::wstring calledPlugin;  // empty: none
 };
 
@@ -45,15 +44,10 @@ OwnLogs& Own() {
     return *own;
 }
 
-void SetCalledPlugin(const std::wstring& plugin) {
-    OwnLogs& own = Own();
-    const std::lock_guard lock(own.mutex);
-    own.calledPlugin = plugin;
-}
-
 void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) {
     OwnLogs& own = Own();
-    SetCalledPlugin(call.plugin);
+    const std::lock_guard lock(own.mutex);
+    own.calledPlugin = call.plugin;
     if (own.isExcused) return;
     try {
         const std::wstring name = FileNameOf(call.plugin);
@@ -69,7 +63,11 @@ void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) 
 }
 
 void Clear(PassingSection& section) {
-    SetCalledPlugin({});
+    OwnLogs& own = Own();
+    {
+        const std::lock_guard lock(own.mutex);
+        own.calledPlugin.clear();
+    }
     Trapped([&] { section.Remove(); });
 }
 
@@ -122,9 +120,12 @@ bool CallsGoUnlogged() {
     return Own().isUnlogged;
 }
 
-// Not through the sections of Own(): the user-interface thread may be using them.
+// Not through the sections of Own(): the user-interface thread may be removing them. It writes none
+// behind our back.
 void ExcuseLastCall() {
-    Own().isExcused = true;
+    OwnLogs& own = Own();
+    const std::lock_guard lock(own.mutex);
+    own.isExcused = true;
     for (const wchar_t* log : {kCallLog, kInfoLog})
         Trapped([&] { DeleteSettingSection(LogOf(log, OwnRun())); });
 }
