@@ -1,53 +1,49 @@
 #include "plugin/crashed_calls.h"
 
-#include <cstdint>
 #include <optional>
-#include <string_view>
 
+#include "app/base/hash.h"
 #include "app/base/text.h"
 #include "plugin/file_stamp.h"
 
 namespace tessary {
 namespace {
 
-// FNV-1a.
-uint64_t HashOf(std::string_view bytes) {
-    uint64_t hash = 0xCBF29CE484222325;
-    for (const char byte : bytes)
-        hash = (hash ^ static_cast<uint8_t>(byte)) * 0x100000001B3;
-    return hash;
+bool IsBlock(const SusieSource& source) {
+    return source.flag == susie::kSourceMemory;
 }
 
-std::wstring Joined(const std::wstring& name, uint64_t size, uint64_t version) {
-    return name + L'|' + std::to_wstring(size) + L'|' + std::to_wstring(version);
+std::wstring OutlineOf(std::wstring_view function, const SusieSource& source) {
+    std::wstring outline(function);
+    outline.append(L"|").append(std::to_wstring(source.length)).append(L"|");
+    return IsBlock(source) ? outline : outline + FromAnsi(source.source);
 }
 
-// Empty for what cannot be told from another.
-std::wstring ContentOf(const SusieSource& source) {
-    if (source.source == nullptr) return {};
-    if (source.flag == susie::kSourceMemory) {
+// Nothing for a file that is not there.
+std::optional<std::pair<uint64_t, uint64_t>> VersionOf(const SusieSource& source) {
+    if (IsBlock(source)) {
         const std::string_view bytes(source.source, static_cast<size_t>(source.length));
-        return Joined({}, bytes.size(), HashOf(bytes));
+        return std::pair{uint64_t{bytes.size()}, HashOf(bytes)};
     }
-    const std::wstring path = FromAnsi(source.source);
-    const std::optional<FileStamp> stamp = StampOf(path);
-    if (!stamp) return {};
-    return Joined(path + L'|' + std::to_wstring(source.length), stamp->size, stamp->changed);
-}
-
-std::wstring CallOf(std::wstring_view function, const std::wstring& content) {
-    return std::wstring(function) + L'|' + content;
+    const std::optional<FileStamp> stamp = StampOf(FromAnsi(source.source));
+    if (!stamp) return std::nullopt;
+    return std::pair{stamp->size, stamp->changed};
 }
 
 }  // namespace
 
 void CrashedCalls::Note(std::wstring_view function, const SusieSource& source) {
-    const std::wstring content = ContentOf(source);
-    if (!content.empty()) calls_.insert(CallOf(function, content));
+    if (source.source == nullptr) return;
+    const auto version = VersionOf(source);
+    if (version) calls_[OutlineOf(function, source)].insert(*version);
 }
 
 bool CrashedCalls::Hold(std::wstring_view function, const SusieSource& source) const {
-    return !calls_.empty() && calls_.contains(CallOf(function, ContentOf(source)));
+    if (calls_.empty() || source.source == nullptr) return false;
+    const auto found = calls_.find(OutlineOf(function, source));
+    if (found == calls_.end()) return false;
+    const auto version = VersionOf(source);
+    return version && found->second.contains(*version);
 }
 
 }  // namespace tessary

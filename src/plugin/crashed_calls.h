@@ -1,9 +1,12 @@
 // Which calls of a plug-in have crashed, by what they were to read.
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "plugin/susie_source.h"
 
@@ -15,11 +18,15 @@ class CrashedCalls {
   public:
     // `function` tells the plug-in's functions apart. A file that is not there is not noted.
     void Note(std::wstring_view function, const SusieSource& source);
+    // Looks at the content only where something of that name or size has crashed.
     bool Hold(std::wstring_view function, const SusieSource& source) const;
     void Clear() { calls_.clear(); }
 
   private:
-    std::set<std::wstring> calls_;  // the function and all that tells its content from another
+    using Version = std::pair<uint64_t, uint64_t>;  // what tells two contents apart
+
+    // By the function and what is seen of the source without reading it.
+    std::map<std::wstring, std::set<Version>> calls_;
 };
 
 }  // namespace tessary

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "app/base/error.h"
+#include "app/base/hash.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/setting_value.h"
@@ -25,14 +26,6 @@ constexpr int32_t kMostFatalLoads = 2;
 
 // What the name of a section has room for, by the registry's limit of 255.
 constexpr size_t kLongestPath = 220;
-
-// A number for a text, the same in every run: FNV-1a.
-uint64_t HashOf(std::wstring_view text) {
-    uint64_t hash = 0xCBF29CE484222325;
-    for (const wchar_t character : text)
-        hash = (hash ^ character) * 0x100000001B3;
-    return hash;
-}
 
 // A section's name holds no backslash: `C:/folder/name.spi_SPI_ERRORLOG`. Of a path that is too
 // long the folder is a number.
@@ -79,9 +72,10 @@ void TakeOver(const std::wstring& name, const std::wstring& plugin) {
     for (const std::wstring& function : functions)
         Add(ErrorLogOf(plugin), function, ReadCount(old, function));
     if (!functions.empty()) DeleteSettingSection(old);
-    Add(kFatalLoads, plugin, ReadCount(kFatalLoads, name));
+    const int32_t fatalLoads = ReadCount(kFatalLoads, name);
+    if (fatalLoads == 0) return;
+    Add(kFatalLoads, plugin, fatalLoads);
     DeleteSetting(kFatalLoads, name);
-    DeleteSetting(kDateTime, name);
 }
 
 }  // namespace
@@ -134,6 +128,7 @@ bool CheckFileDate(const std::wstring& pluginPath) {
     if (!isKnown) ForgetFailures(pluginPath);
     // A copy of an earlier version that runs now and then may add to it later on.
     if (wasKnown || (isKnown && oldDate.empty())) TakeOver(name, pluginPath);
+    if (wasKnown) DeleteSetting(kDateTime, name);
     if (!isKnown) SaveSetting(kDateTime, pluginPath, *date);
     return !isKnown && !wasKnown;
 }
