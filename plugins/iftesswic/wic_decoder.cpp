@@ -200,10 +200,14 @@ Result WithFrame(dib::ByteSource& source, codec::Progress& progress, Use use) {
         const WicFrame frame(container, MakeStream(file.Source()));
         return use(FrameCopy(frame, file.Screen(), file.RowsPerStrip()));
     } catch (const ComFailure& failure) {
-        // The system's decoders seldom tell what they miss from what they do not know.
-        progress.Tell(codec::Condition::kKindNotRead,
-                      L"壊れているか、このシステムが対応していない種類の画像です");
-        return ResultOf(failure.code);
+        const Result result = ResultOf(failure.code);
+        // The system's decoders seldom tell what they miss from what they do not know. A lack of
+        // memory and a disk that cannot be read say nothing about the picture.
+        if (result == Result::kUnknownFormat || result == Result::kBrokenData) {
+            progress.Tell(codec::Condition::kKindNotRead,
+                          L"壊れているか、このシステムが対応していない種類の画像です");
+        }
+        return result;
     }
 }
 
