@@ -57,12 +57,19 @@ struct Rle24 {
     }
 };
 
+// Whether nothing but the end mark follows, or not even that: some writers leave it out.
+bool IsAtEnd(ByteStream& stream) {
+    const int count = stream.Next();
+    return count < 0 || (count == 0 && stream.Next() == kEndOfBitmap);
+}
+
 template <typename Pixels>
 bool Decode(ByteStream& stream, const TargetRows& rows) {
     const auto width = static_cast<size_t>(rows.width);
     std::array<uint8_t, Pixels::LiteralBytes(255) + 1> data;
     size_t x = 0;
     int32_t y = 0;
+    bool hasGap = false;
     while (y < rows.height) {
         const int count = stream.Next();
         // Some writers leave the end mark out.
@@ -79,6 +86,7 @@ bool Decode(ByteStream& stream, const TargetRows& rows) {
         if (code < 0) return false;
         if (code == kEndOfBitmap) return true;
         if (code == kEndOfLine) {
+            hasGap |= x < width;
             x = 0;
             ++y;
         } else if (code == kDelta) {
@@ -99,7 +107,8 @@ bool Decode(ByteStream& stream, const TargetRows& rows) {
             if (got < Pixels::LiteralBytes(pixels)) return false;
         }
     }
-    return true;
+    // Zeros in the place of lost data end one line after the other.
+    return !hasGap || IsAtEnd(stream);
 }
 
 }  // namespace

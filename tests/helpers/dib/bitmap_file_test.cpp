@@ -16,6 +16,7 @@ struct Decoded {
     DibError error = DibError::kNone;
     uint16_t bitCount = 0;
     std::string picture{};
+    bool isWhole = false;
 };
 
 // Reads a whole file into blocks without slack, and checks that the result is plain.
@@ -32,7 +33,7 @@ Decoded ReadAll(ByteSource& source, const Progress& progress = {}) {
         ADD_FAILURE() << "not the plain form, bottom row first";
         return decoded;
     }
-    return {decoded.error, view->Header().bitCount, Show(*view)};
+    return {decoded.error, view->Header().bitCount, Show(*view), file.IsWhole()};
 }
 
 Decoded ReadAll(const Bytes& file) {
@@ -123,6 +124,17 @@ TEST(BitmapFile, ShowsWhatIsLeftOfTruncatedRows) {
     EXPECT_EQ(cut({2, 2, 24, k24Bits}, 5), "R./BW");
     EXPECT_EQ(cut({2, -2, 24, k24Bits}, 5), "BW/R.");
     EXPECT_EQ(cut({2, 2, 16, k444, {}, 40, 3, {0xF00, 0xF0, 0xF}}, 2), "R./BW");
+}
+
+TEST(BitmapFile, TellsLinesThatWereLeftOutFromZerosInTheirPlace) {
+    const auto isWhole = [](Bytes codes) {
+        return ReadAll(TestBitmap{4, 3, 8, std::move(codes), kRgbw, 40, 1}.File()).isWhole;
+    };
+    const Bytes twoLinesLeftOut{4, 1, 0, 0, 0, 0, 0, 0};
+    EXPECT_TRUE(isWhole(twoLinesLeftOut));
+    EXPECT_TRUE(isWhole(Joined(twoLinesLeftOut, {0, 1, 0, 0, 0, 0})));
+    EXPECT_TRUE(isWhole({4, 1, 0, 0, 4, 1, 0, 0, 4, 2, 0, 0, 0, 0, 0, 0}));
+    EXPECT_FALSE(isWhole(Joined(twoLinesLeftOut, Bytes(6))));
 }
 
 TEST(BitmapFile, AcceptsMuchPictureInManyRuns) {
