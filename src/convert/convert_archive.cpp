@@ -96,10 +96,18 @@ StepResult ConvertRun::ConvertArchiveFile(const WorkEntry& entry, const std::wst
             return;
         }
         expanded_.Add(entry.path);
+        const PluginCondition list = plugin->Condition();
         const int32_t upperBound = list_.Grow(plugin->FileNumber());
         if (!ExpandArchiveFiles(*plugin, entry, upperBound)) {
             result = StepResult::kStopped;
             Report(FileOutcome::kStopped);
+        } else if (list.kind == susie::kConditionDamaged ||
+                   list.kind == susie::kConditionVolumeMissing) {
+            // Of members that are not on the list nothing else tells.
+            log_.WriteConvertLog(L"[警告]", list.text, 2);
+            report_.isDamaged = list.kind == susie::kConditionDamaged;
+            Report(FileOutcome::kFailed,
+                   report_.isDamaged ? FileReason::kDamaged : FileReason::kBrokenData, list.text);
         }
     });
 }
