@@ -82,6 +82,10 @@ Result OpenKnown(dib::ByteSource& source, Format format, const std::string& file
 
 Result ArchiveReader::Extract(size_t index, files::ByteSink& sink, codec::Progress& progress) {
     const Result result = Unpack(index, sink, progress);
+    if (result == Result::kSuccess && isDoubtful_) {
+        progress.Tell(Condition::kDamaged,
+                      L"書庫全体の検査値が合わないため、壊れている恐れがあります");
+    }
     Remark remark = RemarkOnMember(result, members_[index], marks_);
     if (remark.condition != Condition::kNone) {
         progress.Tell(remark.condition, std::move(remark.text));

@@ -29,7 +29,7 @@ class ArchiveReader {
     // claims. Members in ascending order cost each byte of the archive once. Answers
     // kUnknownFormat for encrypted members and methods that cannot be read, kInternalError when
     // the sink refuses; what the sink has got then is of no use. Tells `progress` what the reason
-    // is.
+    // is, and after a success what is doubtful about it.
     codec::Result Extract(size_t index, files::ByteSink& sink, codec::Progress& progress);
 
   protected:
@@ -39,6 +39,7 @@ class ArchiveReader {
 
     std::vector<Member> members_;
     codec::Result listEnd_ = codec::Result::kSuccess;  // why there are not more members
+    bool isDoubtful_ = false;                          // a check sum over all members is wrong
 
   private:
     friend codec::Result OpenArchive(dib::ByteSource& source, const std::string& fileName,

@@ -142,7 +142,13 @@ Result StreamArchive::ReadList(const std::string& fileName, bool& isEncrypted) {
         entries_.push_back(entryNumber);
     }
     listEnd_ = reader.Failure();
-    isEncrypted = members_.empty() && reader.HasEncryption();
+    // A single member is read up to the check sum when it is extracted.
+    isDoubtful_ = reader.FormatCode() != ARCHIVE_FORMAT_RAW && reader.IsDoubtful();
+    if (isDoubtful_) listEnd_ = Result::kBrokenData;
+    // A ZIP archive is only read this way when its directory is missing, which nobody encrypts.
+    const bool isZip = format_ == Format::kZip;
+    if (isZip && listEnd_ == Result::kUnknownFormat) listEnd_ = Result::kBrokenData;
+    isEncrypted = !isZip && members_.empty() && reader.HasEncryption();
     return members_.empty() ? listEnd_ : Result::kSuccess;
 }
 

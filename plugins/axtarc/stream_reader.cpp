@@ -17,6 +17,9 @@ using codec::Result;
 // Bytes that are read at once, and handed on at once.
 constexpr size_t kBlockSize = 64 * 1024;
 
+// Bytes behind the last member that are unpacked for a check sum.
+constexpr uint64_t kMostPadding = 16u << 20;
+
 // Damaged headers in a row that the reader may step over.
 constexpr int kMostRetries = 100;
 
@@ -44,8 +47,7 @@ void SupportFormat(archive* a, Format format, ZipMode zipMode) {
         case Format::kCab:
             archive_read_support_format_cab(a);
             break;
-        case Format::kGzip:
-            archive_read_support_filter_gzip(a);
+        case Format::kGzip:  // GzipStream unpacks it
             archive_read_support_format_raw(a);
             archive_read_support_format_tar(a);
             break;
@@ -78,15 +80,26 @@ bool IsNotSupported(const char* message) {
 }  // namespace
 
 StreamReader::StreamReader(dib::ByteSource& source, Format format, ZipMode zipMode)
-    : source_(source), archive_(archive_read_new()) {
+    : source_(source), format_(format), archive_(archive_read_new()) {
     if (archive_ == nullptr) throw std::bad_alloc();
     block_.resize(kBlockSize);
     archive* const a = archive_.get();
     SupportFormat(a, format, zipMode);
     archive_read_set_callback_data(a, this);
     archive_read_set_read_callback(a, OnRead);
-    archive_read_set_skip_callback(a, OnSkip);
-    archive_read_set_seek_callback(a, OnSeek);
+    if (format == Format::kGzip) {
+        gzip_.emplace([this](std::span<uint8_t> into) { return ReadSource(into); });
+    } else {
+        archive_read_set_skip_callback(a, OnSkip);
+        archive_read_set_seek_callback(a, OnSeek);
+    }
+}
+
+std::optional<size_t> StreamReader::ReadSource(std::span<uint8_t> into) noexcept {
+    const auto got = ReadContained(source_, position_, into);
+    readFailed_ |= !got;
+    position_ += got.value_or(0);
+    return got;
 }
 
 la_ssize_t StreamReader::OnRead(archive* a, void* reader, const void** block) {
@@ -96,13 +109,12 @@ la_ssize_t StreamReader::OnRead(archive* a, void* reader, const void** block) {
         archive_set_error(a, EINTR, "stopped");
         return ARCHIVE_FATAL;
     }
-    const auto got = ReadContained(self.source_, self.position_, self.block_);
+    const auto got = self.gzip_ ? self.gzip_->Read(self.block_) : self.ReadSource(self.block_);
     if (!got) {
-        self.readFailed_ = true;
-        archive_set_error(a, EIO, "not readable");
+        const bool isFull = self.gzip_ && self.gzip_->IsOutOfMemory();
+        archive_set_error(a, isFull ? ENOMEM : EIO, "not readable");
         return ARCHIVE_FATAL;
     }
-    self.position_ += *got;
     *block = self.block_.data();
     return static_cast<la_ssize_t>(*got);
 }
@@ -135,6 +147,8 @@ archive_entry* StreamReader::Next(codec::Progress& progress) {
     if (!isOpen_) {
         isOpen_ = true;
         status_ = archive_read_open1(a);
+        // Otherwise the packed bytes would pass for what was packed.
+        if (status_ >= ARCHIVE_WARN && !HasFilter()) status_ = ARCHIVE_FATAL;
         if (status_ < ARCHIVE_WARN) return nullptr;
     }
     for (int i = 0; i < kMostRetries; ++i) {
@@ -174,6 +188,21 @@ Result StreamReader::Failure() const {
     if (archive_errno(a) == ENOMEM) return Result::kOutOfMemory;
     return HasEncryption() || IsNotSupported(archive_error_string(a)) ? Result::kUnknownFormat
                                                                       : Result::kBrokenData;
+}
+
+bool StreamReader::IsDoubtful() {
+    if (!gzip_) return false;
+    // It stands behind what ends the list, and padding.
+    for (uint64_t left = kMostPadding; left != 0 && Failure() == Result::kSuccess;) {
+        const size_t got = gzip_->Read(block_).value_or(0);
+        left = got == 0 ? 0 : left - std::min<uint64_t>(left, got);
+    }
+    return gzip_->IsDamaged();
+}
+
+bool StreamReader::HasFilter() const {
+    const bool isNeeded = format_ == Format::kBzip2 || format_ == Format::kXz;
+    return !isNeeded || archive_filter_code(archive_.get(), 0) != ARCHIVE_FILTER_NONE;
 }
 
 bool StreamReader::HasEncryption() const {

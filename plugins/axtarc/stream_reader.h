@@ -5,11 +5,13 @@
 #include <archive_entry.h>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "helpers/dib/byte_source.h"
 #include "helpers/files/byte_sink.h"
 #include "plugins/axtarc/archive_format.h"
+#include "plugins/axtarc/gzip_stream.h"
 #include "plugins/axtarc/member.h"
 #include "plugins/common/progress.h"
 #include "plugins/common/result.h"
@@ -38,6 +40,9 @@ class StreamReader {
     // Why the last call failed; kSuccess at the end of the archive.
     codec::Result Failure() const;
 
+    // Behind the last entry: whether a check sum over all of the archive is wrong. Known of gzip.
+    bool IsDoubtful();
+
     // Whether something encrypted has been met.
     bool HasEncryption() const;
 
@@ -53,7 +58,13 @@ class StreamReader {
     static la_int64_t OnSkip(archive* a, void* reader, la_int64_t count);
     static la_int64_t OnSeek(archive* a, void* reader, la_int64_t offset, int origin);
 
+    std::optional<size_t> ReadSource(std::span<uint8_t> into) noexcept;
+    // Whether the program that has packed the file is known by its first bytes.
+    bool HasFilter() const;
+
     dib::ByteSource& source_;
+    const Format format_;
+    std::optional<GzipStream> gzip_;  // between the source and libarchive
     uint64_t position_ = 0;
     std::vector<uint8_t> block_;
     codec::Progress* progress_ = nullptr;  // of the call under way
