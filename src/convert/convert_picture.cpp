@@ -11,6 +11,7 @@
 #include "convert/side_job.h"
 #include "convert/trial_save.h"
 #include "picture/save/save_picture.h"
+#include "plugin/file_stamp.h"
 #include "plugin/modSusie.h"
 
 namespace tessary {
@@ -102,8 +103,15 @@ DWORD ConvertRun::SaveAndRead(const PicturePair& picture, const std::wstring& ou
                               [&] { return isSmall ? NextToRead(output) : std::nullopt; });
     if (!next) return save();
     DWORD error = ERROR_INVALID_FUNCTION;
+    monitor_.FileReached(FileStage::kReadAhead, {.source = *next});
     {
-        const SideJob saving([&] { error = save(); });
+        const SideJob saving([&, saved = report_]() mutable {
+            error = save();
+            if (error != ERROR_SUCCESS) return;
+            saved.bytes = StampOf(output).value_or(FileStamp()).size;
+            saved.milliseconds = static_cast<uint32_t>(GetTickCount64() - begunAt_);
+            monitor_.FileReached(FileStage::kSaved, saved);
+        });
         ahead_.Read(*next);
     }
     if (error == ERROR_SUCCESS) TellProgress(1, 1);
@@ -164,14 +172,15 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const Wo
     if (choice.isReplaced) log_.WriteConvertLog(L"既存のファイルを置き換えます", {}, 4);
     if (Values().convert.keepFolders) MakeFolder(entry.folder);
     if (Values().convert.onConflict == kConflictOverwrite) MakeWayFor(choice.path);
+    const FileReason reason = report_.isDamaged ? FileReason::kDamaged : choice.reason;
+    Note(FileOutcome::kConverted, reason, damage);
     if (const DWORD error = SaveAndRead(picture, choice.path); error != ERROR_SUCCESS) {
         log_.WriteConvertLog(L"保存に失敗しました", FileNameOf(choice.path), 2);
         Report(FileOutcome::kFailed, ReasonOfWriteError(error, choice.path));
         return StepResult::kNotSaved;
     }
     names_.AddResult(choice.path, entry);
-    Report(FileOutcome::kConverted, report_.isDamaged ? FileReason::kDamaged : choice.reason,
-           damage);
+    Report(FileOutcome::kConverted, reason, damage);
     return StepResult::kDone;
 }
 

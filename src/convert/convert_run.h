@@ -61,7 +61,7 @@ class ConvertRun {
     StepResult SaveConvertedPicture(const PicturePair& picture, const WorkEntry& entry);
     StepResult Skip(const std::wstring& path, FileReason reason);
     // Saves a picture and, where both are small, reads the next file of the list meanwhile. The
-    // system's error, 0 for success.
+    // report is that of a success. The system's error, 0 for success.
     DWORD SaveAndRead(const PicturePair& picture, const std::wstring& output);
     // The next file to be read while a picture is saved as `output`, if any.
     std::optional<std::wstring> NextToRead(const std::wstring& output) const;
@@ -101,6 +101,8 @@ class ConvertRun {
     // Notes what has become of the entry, unless it is noted already. Without a text the reason's
     // own.
     void Report(FileOutcome outcome, FileReason reason = FileReason::kNone, std::wstring text = {});
+    // The same, for the time being.
+    void Note(FileOutcome outcome, FileReason reason, std::wstring text);
     // An extracted member that is still to be converted gives up a path that an output needs.
     void MakeWayFor(const std::wstring& output);
     // Deletes an extracted member that has done its service, unless it is an output by now.
@@ -125,6 +127,7 @@ class ConvertRun {
     int32_t current_ = 0;     // index of the entry at hand
     FileReport report_;       // on it
     bool isReported_ = false;
+    ULONGLONG begunAt_ = 0;  // with the entry, in ticks
     bool stopIsTold_ = false;
     SourceFile source_;  // what it has turned out to be
     ReadAhead ahead_;    // the next entry

@@ -72,6 +72,8 @@ ReasonName NameOf(FileReason reason) {
             return {L"no-target-folder", L"保存先のフォルダがない"};
         case FileReason::kNotSavable:
             return {L"not-savable", L"この形式では保存できない画像"};
+        case FileReason::kProcessEnded:
+            return {L"process-ended", L"途中でプロセスが終了した"};
         case FileReason::kUnexpected:
             return {L"unexpected", L"予期しないエラー"};
     }

@@ -48,6 +48,7 @@ enum class FileReason {
     kTargetInUse,
     kNoTargetFolder,
     kNotSavable,  // not in this format
+    kProcessEnded,
     kUnexpected,
 };
 

@@ -65,15 +65,16 @@ bool ConvertRun::Run() {
     bool goesOn = true;
     for (current_ = 1; goesOn && current_ <= list_.UpperBound(); ++current_) {
         list_.Reach(current_);
-        const ULONGLONG start = GetTickCount64();
+        begunAt_ = GetTickCount64();
         report_ = {.source = Entry().source, .member = Entry().member};
         isReported_ = false;
+        monitor_.FileReached(FileStage::kBegun, report_);
         Step([&](StepResult&) {
             log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
             log_.WriteConvertLog(L"ファイル名", Entry().path, 2);
             ConvertEntry();
         });
-        report_.milliseconds = static_cast<uint32_t>(GetTickCount64() - start);
+        report_.milliseconds = static_cast<uint32_t>(GetTickCount64() - begunAt_);
         Trapped([&] { TellReport(); });
         goesOn = Trapped(true, [&] {
             TellStoppedPlugins();
@@ -106,7 +107,10 @@ void ConvertRun::TellReport() {
 }
 
 void ConvertRun::Report(FileOutcome outcome, FileReason reason, std::wstring text) {
-    if (std::exchange(isReported_, true)) return;
+    if (!std::exchange(isReported_, true)) Note(outcome, reason, std::move(text));
+}
+
+void ConvertRun::Note(FileOutcome outcome, FileReason reason, std::wstring text) {
     report_.outcome = outcome;
     report_.reason = reason;
     if (outcome != FileOutcome::kConverted) report_.isRenamed = report_.isReplaced = false;

@@ -2,33 +2,13 @@
 
 #include <algorithm>
 
+#include "convert_cli/run_journal.h"
+
 namespace tessary {
 namespace {
 
 // So often the eye follows, and so rarely the console costs no time.
 constexpr ULONGLONG kMillisecondsBetween = 100;
-
-constexpr const wchar_t* kRemarks[] = {L"失敗", L"損傷", L"中止", L"スキップ", L"別名"};
-
-size_t RemarkOf(const FileReport& report) {
-    switch (report.outcome) {
-        case FileOutcome::kFailed:
-            return report.isDamaged ? 1 : 0;
-        case FileOutcome::kStopped:
-            return 2;
-        case FileOutcome::kSkipped:
-            return 3;
-        default:
-            return report.isDamaged ? 1 : 4;
-    }
-}
-
-std::wstring LineOf(const FileReport& report) {
-    std::wstring line = kRemarks[RemarkOf(report)] + (L": " + SourceText(report));
-    if (report.isRenamed) line += L" → " + report.target;
-    const std::wstring reason = report.text.empty() ? ReasonText(report.reason) : report.text;
-    return reason.empty() ? line : line + L" （" + reason + L"）";
-}
 
 }  // namespace
 
@@ -74,21 +54,21 @@ void ConsoleMonitor::EraseProgress() {
     shown_.clear();
 }
 
+void ConsoleMonitor::FileReached(FileStage stage, const FileReport& report) {
+    JournalReached(stage, report);
+}
+
 void ConsoleMonitor::FileDone(const FileReport& report) {
-    counts_.Count(report);
+    summary_.Add(report);
     ++told_;
     filtered_ += report.reason == FileReason::kNameFiltered ? 1 : 0;
     jsonReport_.Add(report);
-    if (IsRemarkable(report)) remarks_[RemarkOf(report)].push_back(LineOf(report));
+    JournalDone(report);
 }
 
 void ConsoleMonitor::WriteSummary() {
     EraseProgress();
-    for (const std::vector<std::wstring>& lines : remarks_) {
-        for (const std::wstring& line : lines)
-            progress_.WriteLine(line);
-    }
-    if (!isQuiet_) progress_.WriteLine(OutcomeText(counts_));
+    summary_.Write(progress_, isQuiet_);
 }
 
 }  // namespace tessary

@@ -4,7 +4,6 @@
 
 #include <windows.h>
 
-#include <array>
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "convert/convert_monitor.h"
 #include "convert_cli/console_stream.h"
 #include "convert_cli/json_report.h"
+#include "convert_cli/run_summary.h"
 
 namespace tessary {
 
@@ -36,9 +36,10 @@ class ConsoleMonitor final : public ConvertMonitor {
     void Breathe() override {}
     bool SetProgressBar(int32_t totalPosition, int32_t totalMaximum, int32_t filePosition,
                         int32_t fileMaximum) override;
+    void FileReached(FileStage stage, const FileReport& report) override;
     void FileDone(const FileReport& report) override;
 
-    int Failures() const { return counts_.failed + counts_.damaged; }
+    int Failures() const { return summary_.Failures(); }
     // Whether there were files, and the name filter has left out each of them.
     bool AreAllFiltered() const { return filtered_ > 0 && filtered_ == told_; }
     // Tells on the progress stream which files failed, were damaged, skipped or renamed, and how
@@ -46,8 +47,6 @@ class ConsoleMonitor final : public ConvertMonitor {
     void WriteSummary();
 
   private:
-    static constexpr size_t kRemarkKinds = 5;
-
     void ShowProgress();
     void EraseProgress();
 
@@ -57,10 +56,9 @@ class ConsoleMonitor final : public ConvertMonitor {
     JsonReport& jsonReport_;
     bool isQuiet_;
     std::function<bool()> isStopWanted_;
-    OutcomeCounts counts_;
+    RunSummary summary_;
     int told_ = 0;
     int filtered_ = 0;
-    std::array<std::vector<std::wstring>, kRemarkKinds> remarks_;  // worst first
     int32_t totalPosition_ = 0;
     int32_t totalMaximum_ = 0;
     int32_t filePercent_ = 0;

@@ -9,6 +9,7 @@
 #include "app/base/file_identity.h"
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
+#include "app/base/text.h"
 #include "app/first_run.h"
 #include "app/helper_libraries.h"
 #include "app/settings/modValue.h"
@@ -22,6 +23,8 @@
 #include "convert_cli/help_text.h"
 #include "convert_cli/input_files.h"
 #include "convert_cli/json_report.h"
+#include "convert_cli/run_journal.h"
+#include "convert_cli/run_summary.h"
 #include "convert_cli/stop_request.h"
 #include "convert_cli/worker_process.h"
 #include "plugin/call_log.h"
@@ -145,18 +148,58 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
         errors.WriteLine(trouble);
     if (!AreOutputsFree(options, inputs, errors)) return kExitSetupError;
     JsonReport report(options.reportFile);
-    if (!report.IsGood()) errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
+    if (!report.IsGood()) {
+        errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
+    } else if (!options.reportFile.empty()) {
+        JournalReportBegun();
+    }
     return Run(options, inputs, report, errors);
+}
+
+// What an ended worker has done, and what was under way. `calls`: of plug-ins, at the end.
+void TellJournal(const WorkerEnd& end, const ConsoleOptions& options, bool isStopped,
+                 const std::vector<PluginCall>& calls, ConsoleStream& errors) {
+    if (end.notes.empty()) return;
+    JournaledRun run = ReadJournal(end.notes);
+    for (FileReport& broken : run.broken) {
+        broken.outcome = isStopped ? FileOutcome::kStopped : FileOutcome::kFailed;
+        broken.reason = isStopped ? FileReason::kNone : FileReason::kProcessEnded;
+        broken.text = ReasonText(broken.reason);
+        for (const PluginCall& call : calls) {
+            if (EqualsIgnoreCase(call.file, broken.source)) {
+                broken.text += L" (" + FileNameOf(call.plugin) + L')';
+            }
+        }
+    }
+    JsonReport report(run.isReportBegun ? options.reportFile : L"", JsonReport::Start::kContinued);
+    RunSummary summary;
+    for (const FileReport& done : run.done)
+        summary.Add(done);
+    for (const std::vector<FileReport>& untold : {run.saved, run.broken}) {
+        for (const FileReport& one : untold) {
+            summary.Add(one);
+            report.Add(one);
+        }
+    }
+    summary.Write(errors, options.isQuiet);
+    if (!report.IsGood()) errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
 }
 
 // Names the plug-in that has ended the worker, as far as the call log tells, and holds it against
 // it.
-int TellEnd(const WorkerEnd& end, ConsoleStream& errors) {
+int TellEnd(const WorkerEnd& end, const ConsoleOptions& options, ConsoleStream& errors) {
     if (end.verdict) return *end.verdict;
-    if (end.exitCode == static_cast<DWORD>(STATUS_CONTROL_C_EXIT)) return kExitStopped;
+    const bool isStopped = end.exitCode == static_cast<DWORD>(STATUS_CONTROL_C_EXIT);
+    const std::vector<PluginCall> calls =
+        isStopped ? std::vector<PluginCall>() : RecoverInterruptedCalls();
+    TellJournal(end, options, isStopped, calls, errors);
+    if (isStopped) {
+        errors.WriteLine(L"変換を中止しました");
+        return kExitStopped;
+    }
     errors.WriteLine(L"変換の途中でプロセスが終了しました。終了コード " +
                      std::to_wstring(end.exitCode));
-    for (const PluginCall& call : RecoverInterruptedCalls()) {
+    for (const PluginCall& call : calls) {
         errors.WriteLine(L"プラグイン " + FileNameOf(call.plugin) + L" の処理中（" + call.function +
                          L"）でした: " + call.file);
     }
@@ -197,7 +240,7 @@ int RunConsoleProgram(const std::vector<std::wstring>& arguments) {
         return kExitSetupError;
     }
     if (!IsWorker()) {
-        if (const std::optional<WorkerEnd> end = RunWorker()) return TellEnd(*end, errors);
+        if (const std::optional<WorkerEnd> end = RunWorker()) return TellEnd(*end, options, errors);
     }
     const int status = Trapped(int{kExitSetupError}, [&] { return Convert(options, errors); });
     TellVerdict(status);

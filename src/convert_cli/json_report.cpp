@@ -68,10 +68,12 @@ std::string JsonLine(const FileReport& report) {
     return line + ",\"ms\":" + std::to_string(report.milliseconds) + '}';
 }
 
-JsonReport::JsonReport(const std::wstring& path) {
+JsonReport::JsonReport(const std::wstring& path, Start start) {
     if (path.empty()) return;
     file_ = UniqueFile(CreateFileW(ExtendedPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ,
-                                   nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+                                   nullptr, start == Start::kAnew ? CREATE_ALWAYS : OPEN_EXISTING,
+                                   FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (file_) SetFilePointer(file_.Get(), 0, nullptr, FILE_END);
     isGood_ = static_cast<bool>(file_);
 }
 

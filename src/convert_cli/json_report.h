@@ -10,12 +10,13 @@ namespace tessary {
 
 class JsonReport {
   public:
-    // Begins the file anew. An empty path: no report is wanted.
-    explicit JsonReport(const std::wstring& path);
+    enum class Start { kAnew, kContinued };
+    // An empty path: no report is wanted.
+    explicit JsonReport(const std::wstring& path, Start start = Start::kAnew);
 
     // False when the file could not be opened, or has not taken all that was written.
     bool IsGood() const { return isGood_; }
-    // Writes the line at once.
+    // Hands the line to the system at once.
     void Add(const FileReport& report);
 
   private:

@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <cwchar>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "app/base/handles.h"
+#include "app/base/modGetFolder.h"
 #include "plugin/call_log.h"
 
 namespace tessary {
@@ -23,6 +25,7 @@ struct Verdict {
     LONG isTold;
     LONG status;
     uint64_t overseer;  // the worker's handle of the process that has started it
+    uint64_t notes;     // its handle of the file for what it notes; 0: there is none
 };
 
 struct Unmap {
@@ -60,6 +63,27 @@ UniqueObject OwnHandle() {
     return UniqueObject(own);
 }
 
+// A file that goes with its last handle, and which the worker inherits.
+UniqueFile NotesFile(SECURITY_ATTRIBUTES& inherited) {
+    wchar_t name[MAX_PATH]{};
+    if (GetTempFileNameW(TemporaryFolder().c_str(), L"tsy", 0, name) == 0) return {};
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    return UniqueFile(CreateFileW(name, GENERIC_READ | GENERIC_WRITE, kShareAll, &inherited,
+                                  CREATE_ALWAYS,
+                                  FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+}
+
+std::string ContentOf(const UniqueFile& file) {
+    LARGE_INTEGER size{};
+    DWORD read = 0;
+    if (!file || !GetFileSizeEx(file.Get(), &size)) return {};
+    std::string content(static_cast<size_t>(size.QuadPart), '\0');
+    SetFilePointer(file.Get(), 0, nullptr, FILE_BEGIN);
+    ReadFile(file.Get(), content.data(), static_cast<DWORD>(content.size()), &read, nullptr);
+    content.resize(read);
+    return content;
+}
+
 // The section that this process was given; null: it was given none.
 Verdict* Given() {
     static const MappedVerdict given = [] {
@@ -69,7 +93,10 @@ Verdict* Given() {
         SetEnvironmentVariableW(kVariable, nullptr);
         if (length == 0 || length >= 32) return MappedVerdict();
         MappedVerdict mapped = Map(HandleOf(std::wcstoull(number, nullptr, 10)));
-        if (mapped) EndWith(HandleOf(mapped->overseer));
+        if (mapped) {
+            EndWith(HandleOf(mapped->overseer));
+            SetHandleInformation(HandleOf(mapped->notes), HANDLE_FLAG_INHERIT, 0);
+        }
         return mapped;
     }();
     return given.get();
@@ -106,6 +133,16 @@ void TellVerdict(int status) {
     InterlockedExchange(&verdict->isTold, 1);
 }
 
+void NoteForOverseer(const std::string& bytes) {
+    static std::mutex oneAtATime;
+    const Verdict* const verdict = Given();
+    if (verdict == nullptr || verdict->notes == 0) return;
+    const std::lock_guard lock(oneAtATime);
+    DWORD written = 0;
+    WriteFile(HandleOf(verdict->notes), bytes.data(), static_cast<DWORD>(bytes.size()), &written,
+              nullptr);
+}
+
 std::optional<WorkerEnd> RunWorker() {
     SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
     const UniqueObject section(CreateFileMappingW(INVALID_HANDLE_VALUE, &inherited, PAGE_READWRITE,
@@ -119,6 +156,8 @@ std::optional<WorkerEnd> RunWorker() {
     SetConsoleCtrlHandler(LeaveToWorker, TRUE);
     const UniqueObject own = OwnHandle();
     verdict->overseer = reinterpret_cast<uintptr_t>(own.Get());
+    const UniqueFile notes = NotesFile(inherited);
+    if (notes) verdict->notes = reinterpret_cast<uintptr_t>(notes.Get());
     STARTUPINFOW start{};
     start.cb = sizeof(start);
     PROCESS_INFORMATION process{};
@@ -133,7 +172,11 @@ std::optional<WorkerEnd> RunWorker() {
         WaitForEnd(worker.Get(), *verdict);
         end.emplace();
         GetExitCodeProcess(worker.Get(), &end->exitCode);
-        if (verdict->isTold != 0) end->verdict = verdict->status;
+        if (verdict->isTold != 0) {
+            end->verdict = verdict->status;
+        } else {
+            end->notes = ContentOf(notes);
+        }
     }
     SetConsoleCtrlHandler(LeaveToWorker, FALSE);
     return end;

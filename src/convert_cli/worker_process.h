@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 namespace tessary {
 
@@ -13,10 +14,14 @@ bool IsWorker();
 // about it.
 void TellVerdict(int status);
 
+// In the worker: bytes for the process that has started it, in their order; from any thread.
+void NoteForOverseer(const std::string& bytes);
+
 // What became of a worker.
 struct WorkerEnd {
     std::optional<int> verdict;  // what it has told; nothing: it was ended before
     unsigned long exitCode = 0;
+    std::string notes;  // without a verdict: what it has noted, as far as it could
 };
 
 // Starts this program anew with the same command line and waits for its end. Ctrl+C is left to it

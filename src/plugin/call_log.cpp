@@ -62,12 +62,14 @@ void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) 
     }
 }
 
-void Clear(PassingSection& section) {
+void ForgetCalledPlugin() {
     OwnLogs& own = Own();
-    {
-        const std::lock_guard lock(own.mutex);
-        own.calledPlugin.clear();
-    }
+    const std::lock_guard lock(own.mutex);
+    own.calledPlugin.clear();
+}
+
+void Clear(PassingSection& section) {
+    ForgetCalledPlugin();
     Trapped([&] { section.Remove(); });
 }
 
@@ -100,6 +102,10 @@ void WriteCallLog(const PluginCall& call) {
 
 void ClearCallLog() {
     Clear(Own().call);
+}
+
+void KeepCallLog() {
+    ForgetCalledPlugin();
 }
 
 InfoCalls::InfoCalls(const std::wstring& plugin) {

@@ -25,6 +25,10 @@ void WriteCallLog(const PluginCall& call);
 // Removes the section after the call.
 void ClearCallLog();
 
+// Leaves the section after a call that has damaged memory: what ends the process later is held
+// against the plug-in, until ClearCallLog.
+void KeepCallLog();
+
 // For its own life GetPluginInfo of a plug-in is being called, once or several times: what a
 // section of its own (`SPI_INFOLOG`) says, for the call log does not know this function.
 class InfoCalls {

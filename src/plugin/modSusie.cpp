@@ -90,6 +90,8 @@ void UnloadSPI() {
     if (PluginCallUnderWay()) return;
     try {
         Instance().reset();
+        // The program has lived on with what was damaged.
+        if (PluginsAreStopped()) ClearCallLog();
     } catch (...) {
         const RaisedError error = CurrentError();
         ReportUnexpectedError(error.Number(), error.Description(), L"UnloadSPI()");

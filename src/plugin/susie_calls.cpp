@@ -119,7 +119,11 @@ void SusieCalls::Logged(const SusieCallNames& names, Call&& call) {
             const CallScope scope;
             call(Library());
         }
-        ClearCallLog();
+        if (PluginsAreStopped()) {
+            KeepCallLog();
+        } else {
+            ClearCallLog();
+        }
     } catch (...) {
         ClearCallLog();
         SetError(kUnexpectedText, names.errorFunction);

@@ -198,6 +198,12 @@ TEST_F(ConvertRunTest, ReadingAheadChangesNothing) {
     monitor_.files = {monitor_.files[2],
                       source_.Write(L"c.tst", "TST 4x4x24\ncrash:av:GetPicture\n")};
     EXPECT_TRUE(Run());
+    ASSERT_FALSE(monitor_.saved.empty()) << "whatever the plug-in does meanwhile";
+    const FileReport& done = monitor_.reports[monitor_.reports.size() - 2];
+    EXPECT_EQ(monitor_.saved.back().target, done.target);
+    EXPECT_EQ(monitor_.saved.back().bytes, done.bytes);
+    EXPECT_EQ(monitor_.saved.back().isReplaced, done.isReplaced);
+    EXPECT_EQ(monitor_.saved.back().outcome, FileOutcome::kConverted);
     EXPECT_TRUE(LogHolds(L"    エラーモジュールGetPicture"));
     EXPECT_EQ(SusieCollection().NewEnum()[0]->ErrorCount(L"GetPicture"), 1) << "not repeated";
     EXPECT_TRUE(std::ranges::equal(monitor_.counts, std::initializer_list<int>{4, 0, 1}));

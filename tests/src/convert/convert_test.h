@@ -46,6 +46,9 @@ class FakeMonitor : public ConvertMonitor {
         return stepsLeft != 0;
     }
     ConflictAnswer AskConflict(const ConflictQuestion&) override { return answer; }
+    void FileReached(FileStage stage, const FileReport& report) override {
+        if (stage == FileStage::kSaved) saved.push_back(report);
+    }
     void FileDone(const FileReport& report) override {
         const auto outcome = static_cast<size_t>(report.outcome);
         counts.resize(std::max(counts.size(), outcome + 1));
@@ -62,6 +65,7 @@ class FakeMonitor : public ConvertMonitor {
     std::vector<int32_t> percents;
     std::vector<int> counts = {0, 0, 0};  // by FileOutcome
     std::vector<FileReport> reports;
+    std::vector<FileReport> saved;  // told while the next file was read
     ConflictAnswer answer = ConflictAnswer::kSkip;
 };
 

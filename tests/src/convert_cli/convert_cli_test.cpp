@@ -1,8 +1,10 @@
 // The console converter: its arguments, and the finished program.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <string>
 
 #include "app/base/handles.h"
 #include "app/base/paths.h"
@@ -234,10 +236,22 @@ TEST_F(ConvertCliTest, PluginsNeitherEndARunUnseenNorHoldItUp) {
         << asked.output;
     EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\ask.png)"));
 
-    const Outcome ended = RunProgram(L"--format png --out out end.tst ask.tst");
+    // What was done before is told all the same, by the process that sees to it.
+    folder_.Write(L"a.bmp", BitmapFileOf(3, 3, 0));
+    folder_.Write(L"b.bmp", BitmapFileOf(3, 3, 0));
+    folder_.Write(L"x.xyz", "no picture");
+    const Outcome ended = RunProgram(
+        L"--format png --quiet --report r.jsonl --out out x.xyz a.bmp b.bmp end.tst ask.tst");
     EXPECT_EQ(ended.status, 4U) << ended.output;
     EXPECT_NE(ended.output.find("プラグイン iftst.spi の処理中（GetPicture）"), std::string::npos)
         << ended.output;
+    EXPECT_NE(ended.output.find("x.xyz （未知の形式）"), std::string::npos) << ended.output;
+    EXPECT_NE(ended.output.find("end.tst （途中でプロセスが終了した (iftst.spi)）"),
+              std::string::npos);
+    const std::string report = ContentOf(folder_.Path() + L"r.jsonl");
+    EXPECT_EQ(std::ranges::count(report, '\n'), 4) << report;
+    EXPECT_NE(report.find(R"(a.png","result":"converted")"), std::string::npos) << report;
+    EXPECT_NE(report.find(R"("result":"failed","reason":"process-ended")"), std::string::npos);
 
     SaveSetting(L"General", L"SPIFolder_1", folder_.Path() + L"gone");
     const Outcome away = RunProgram(L"--format png --out out ask.tst");

@@ -129,6 +129,9 @@ TEST(PluginCallChild, DISABLED_CallsNobodyAfterDamage) {
     EXPECT_EQ(test::Raised(decode), kErrorPluginsStopped);
     EXPECT_EQ(plugin.ErrorString(), kPluginsStoppedText);
     EXPECT_EQ(plugin.ErrorCount({}), 1);
+    EXPECT_EQ(GetSetting(L"SPI_CALLLOG", L"SPI"), L"iftst.spi") << "should the process end by it";
+    UnloadSPI();
+    EXPECT_EQ(GetSetting(L"SPI_CALLLOG", L"SPI"), L"");
     EXPECT_FALSE(LoadSPI());
     CollectionSusie others;
     others.AddSPI(FolderOf(file) + L"minimal.spi");

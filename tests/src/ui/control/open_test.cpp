@@ -123,6 +123,16 @@ TEST_F(OpenTest, WalksLevelByLevelAndListsNothingTwice) {
 
     const auto ignore = [](ScanNews&&) { return true; };
     EXPECT_NE(ScanFolders({folder_.Path() + L"vanished", true, {}}, ignore), 0U);
+    // One that goes before its turn stands for all that cannot be read.
+    const std::wstring away = folder_.Path() + L"away\\";
+    CreateDirectoryW(away.c_str(), nullptr);
+    Texts unreadable;
+    ScanFolders({folder_.Path(), true, {}}, [&](ScanNews&& news) {
+        if (news.folder == away) RemoveDirectoryW(away.c_str());
+        unreadable.insert(unreadable.end(), news.unreadable.begin(), news.unreadable.end());
+        return true;
+    });
+    EXPECT_EQ(unreadable, Texts{away});
     RemoveDirectoryW((folder_.Path() + LR"(C\loop)").c_str());
     RemoveDirectoryW((folder_.Path() + LR"(C\other)").c_str());
 }
