@@ -20,6 +20,10 @@ namespace {
 constexpr wchar_t kTotalKey[] = L"Total";
 constexpr wchar_t kDateTime[] = L"SPI_DATETIME";
 
+// With more plug-ins than this those that are gone are forgotten: a program that is unpacked
+// anew for every run brings new ones each time.
+constexpr size_t kMostKnown = 1000;
+
 // Key: a plug-in; value: how many times in a row the program ended while it was being loaded.
 constexpr wchar_t kFatalLoads[] = L"SPI_FATALLOADS";
 constexpr int32_t kMostFatalLoads = 2;
@@ -78,6 +82,18 @@ void TakeOver(const std::wstring& name, const std::wstring& plugin) {
     DeleteSetting(kFatalLoads, name);
 }
 
+void ForgetGonePlugins() {
+    const std::vector<std::wstring> plugins = SettingKeys(kDateTime);
+    if (plugins.size() <= kMostKnown) return;
+    for (const std::wstring& plugin : plugins) {
+        const bool isBareName = FileNameOf(plugin) == plugin;
+        if (isBareName || PathExists(plugin)) continue;
+        DeleteSettingSection(ErrorLogOf(plugin));
+        DeleteSetting(kFatalLoads, plugin);
+        DeleteSetting(kDateTime, plugin);
+    }
+}
+
 }  // namespace
 
 int32_t ReadErrorCount(std::wstring_view plugin, std::wstring_view function) {
@@ -129,7 +145,10 @@ bool CheckFileDate(const std::wstring& pluginPath) {
     // A copy of an earlier version that runs now and then may add to it later on.
     if (wasKnown || (isKnown && oldDate.empty())) TakeOver(name, pluginPath);
     if (wasKnown) DeleteSetting(kDateTime, name);
-    if (!isKnown) SaveSetting(kDateTime, pluginPath, *date);
+    if (!isKnown) {
+        SaveSetting(kDateTime, pluginPath, *date);
+        ForgetGonePlugins();
+    }
     return !isKnown && !wasKnown;
 }
 

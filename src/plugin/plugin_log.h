@@ -45,7 +45,8 @@ void NoteLoaded(std::wstring_view plugin);
 
 // Compares the plug-in file's date and time with the one last seen, and takes over what earlier
 // versions of the program have known about it. For a new or replaced file forgets all failures,
-// remembers the new date and answers true. A file that cannot be found changes nothing.
+// remembers the new date and answers true; where very many plug-ins are known, those that are not
+// there are forgotten then. A file that cannot be found changes nothing.
 bool CheckFileDate(const std::wstring& pluginPath);
 
 }  // namespace tessary

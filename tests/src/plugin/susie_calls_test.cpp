@@ -235,6 +235,21 @@ TEST_F(SusieCallsTest, FailuresBelongToOneVersionOfAFile) {
     EXPECT_EQ(ReadErrorCount(deep, {}), 1);
 }
 
+TEST_F(SusieCallsTest, PluginsThatAreGoneAreForgottenWhereVeryManyAreKnown) {
+    const std::wstring path = folder_.Write(L"x.spi", "here");
+    const std::wstring gone = folder_.Path() + L"gone\\0.spi";
+    CheckFileDate(path);
+    IncrementErrorCount(gone, L"GetPicture");
+    for (int i = 0; i < 998; ++i)
+        SaveSetting(L"SPI_DATETIME", folder_.Path() + L"gone\\" + std::to_wstring(i) + L".spi",
+                    L"");
+    CheckFileDate(folder_.Write(L"y.spi", ""));
+    EXPECT_EQ(ReadErrorCount(gone, {}), 1);
+    CheckFileDate(folder_.Write(L"z.spi", ""));
+    EXPECT_EQ(ReadErrorCount(gone, {}), 0);
+    EXPECT_EQ(SettingKeys(L"SPI_DATETIME").size(), 3U);
+}
+
 TEST_F(SusieCallsTest, WhatWasKeptByFileNameIsTakenOverOnce) {
     const std::wstring path = folder_.Write(L"x.spi", "here");
     const std::wstring other = folder_.Write(L"other\\x.spi", "there");
