@@ -107,7 +107,8 @@ StepResult ConvertRun::ConvertArchiveFile(const WorkEntry& entry, const std::wst
             log_.WriteConvertLog(L"[警告]", list.text, 2);
             report_.isDamaged = list.kind == susie::kConditionDamaged;
             Report(FileOutcome::kFailed,
-                   report_.isDamaged ? FileReason::kDamaged : FileReason::kBrokenData, list.text);
+                   report_.isDamaged ? FileReason::kDamaged : FileReason::kVolumeMissing,
+                   list.text);
         }
     });
 }

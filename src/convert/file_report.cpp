@@ -48,6 +48,10 @@ ReasonName NameOf(FileReason reason) {
             return {L"password", L"パスワードが必要"};
         case FileReason::kBrokenData:
             return {L"broken-data", L"データが壊れている"};
+        case FileReason::kVolumeMissing:
+            return {L"volume-missing", L"分割された書庫の一部"};
+        case FileReason::kKindNotRead:
+            return {L"unsupported", L"対応していない種類"};
         case FileReason::kDamaged:
             return {L"damaged", L"画像の一部が損傷している"};
         case FileReason::kPluginFailed:

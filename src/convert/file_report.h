@@ -36,7 +36,9 @@ enum class FileReason {
     kNoPlugin,  // unknown, and no plug-in is loaded that might know it
     kPassword,
     kBrokenData,
-    kDamaged,  // a part of the picture is missing; also of converted ones
+    kVolumeMissing,  // a part of an archive in several files
+    kKindNotRead,    // of a known format, but of a kind or method that the plug-in does not do
+    kDamaged,        // a part of the picture is missing; also of converted ones
     kPluginFailed,
     kPluginCrashed,
     kNoMembers,

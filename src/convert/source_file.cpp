@@ -19,9 +19,21 @@ std::wstring BoundPluginKey(const std::wstring& path) {
     return {};
 }
 
-bool IsForWantOfAPassword(susie::Condition condition) {
-    return condition == susie::kConditionPasswordNeeded ||
-           condition == susie::kConditionDirectoryEncrypted;
+// The reason that a plug-in itself tells of; kNone when it tells nothing.
+FileReason ReasonTold(susie::Condition condition) {
+    switch (condition) {
+        case susie::kConditionPasswordNeeded:
+        case susie::kConditionDirectoryEncrypted:
+            return FileReason::kPassword;
+        case susie::kConditionVolumeMissing:
+            return FileReason::kVolumeMissing;
+        case susie::kConditionKindNotRead:
+            return FileReason::kKindNotRead;
+        case susie::kConditionDamaged:
+            return FileReason::kBrokenData;
+        default:
+            return FileReason::kNone;
+    }
 }
 
 }  // namespace
@@ -31,15 +43,12 @@ PluginFailure FailureOf(const clsSusie& plugin, uint32_t result) {
 }
 
 FileReason ReasonOf(const CollectionSusie::Refusal& refusal) {
-    return IsForWantOfAPassword(refusal.condition) ? FileReason::kPassword
-                                                   : FileReason::kPluginFailed;
+    const FileReason told = ReasonTold(refusal.condition);
+    return told == FileReason::kNone ? FileReason::kPluginFailed : told;
 }
 
 FileReason ReasonOf(const PluginFailure& failure) {
-    if (IsForWantOfAPassword(failure.condition)) return FileReason::kPassword;
     switch (static_cast<int32_t>(failure.result)) {
-        case susie::kBrokenData:
-            return FileReason::kBrokenData;
         case susie::kOutOfMemory:
         case susie::kMemoryError:
             return FileReason::kOutOfMemory;
@@ -48,8 +57,12 @@ FileReason ReasonOf(const PluginFailure& failure) {
         case kResultCrashed:
             return FileReason::kPluginCrashed;
         default:
-            return FileReason::kPluginFailed;
+            break;
     }
+    if (const FileReason told = ReasonTold(failure.condition); told != FileReason::kNone)
+        return told;
+    return failure.result == susie::kBrokenData ? FileReason::kBrokenData
+                                                : FileReason::kPluginFailed;
 }
 
 std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey) {

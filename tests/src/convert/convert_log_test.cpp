@@ -209,17 +209,28 @@ TEST_F(ConvertLogTest, TellsWhatBecomesOfArchives) {
     EXPECT_TRUE(std::ranges::equal(monitor_.counts, std::initializer_list<int>{3, 0, 3}));
 }
 
-TEST_F(ConvertLogTest, TellsThatAnArchiveIsEncrypted) {
-    Add(L"list.tsa",
-        ArchiveOf({{"a.tst", "x"}}, "condition:4:hidden list\nanswer-after:GetArchiveInfo:2\n"));
-    Add(L"member.tsa",
-        ArchiveOf({{"a.tst", "x"}}, "condition:2:hidden member\nanswer-after:GetFile:2\n"));
+TEST_F(ConvertLogTest, TellsWhyAnArchiveIsNotRead) {
+    const auto add = [&](const wchar_t* name, const std::string& script) {
+        Add(name, ArchiveOf({{"a.tst", "x"}}, script));
+    };
+    add(L"a.tsa", "condition:4:hidden list\nanswer-after:GetArchiveInfo:2\n");
+    add(L"b.tsa", "condition:2:hidden member\nanswer-after:GetFile:2\n");
+    add(L"c.tsa", "condition:3:volume\nanswer-after:GetArchiveInfo:3\n");
+    add(L"d.tsa", "condition:1:torn\nanswer-after:GetArchiveInfo:3\n");
+    add(L"e.tsa", "condition:5:method\nanswer-after:GetFile:2\n");
     EXPECT_TRUE(Run());
-    ASSERT_EQ(monitor_.reports.size(), 2u);
-    EXPECT_EQ(monitor_.reports[0].text, L"hidden list (axtsa.spi)");
-    EXPECT_EQ(monitor_.reports[1].text, L"hidden member (axtsa.spi)");
-    for (const FileReport& report : monitor_.reports)
-        EXPECT_EQ(report.reason, FileReason::kPassword);
+    const std::pair<const wchar_t*, FileReason> expected[] = {
+        {L"hidden list", FileReason::kPassword}, {L"volume", FileReason::kVolumeMissing},
+        {L"torn", FileReason::kBrokenData},      {L"hidden member", FileReason::kPassword},
+        {L"method", FileReason::kKindNotRead},
+    };
+    ASSERT_EQ(monitor_.reports.size(), std::size(expected));
+    for (const auto& [text, reason] : expected) {
+        const auto report = std::ranges::find(
+            monitor_.reports, text + std::wstring(L" (axtsa.spi)"), &FileReport::text);
+        ASSERT_NE(report, monitor_.reports.end()) << static_cast<int>(reason);
+        EXPECT_EQ(report->reason, reason) << static_cast<int>(reason);
+    }
 }
 
 constexpr wchar_t kRefused[] =
