@@ -1,5 +1,5 @@
-#include "plugins/axtarc/archive_format.h"
-#include "plugins/axtarc/archive_reader.h"
+#include "plugins/axtessarc/archive_format.h"
+#include "plugins/axtessarc/archive_reader.h"
 
 using namespace tessary;
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "plugins/axtarc/archive_format.h"
-#include "plugins/axtarc/archive_reader.h"
-#include "plugins/axtarc/little_endian.h"
-#include "plugins/axtarc/name_encoding.h"
+#include "plugins/axtessarc/archive_format.h"
+#include "plugins/axtessarc/archive_reader.h"
+#include "plugins/axtessarc/little_endian.h"
+#include "plugins/axtessarc/name_encoding.h"
 #include "tests/plugins_bundled/made_archives.h"
 #include "tests/plugins_bundled/made_rar.h"
 

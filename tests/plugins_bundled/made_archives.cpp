@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "plugins/axtarc/little_endian.h"
+#include "plugins/axtessarc/little_endian.h"
 #include "tests/plugins_bundled/made_rar.h"
 
 namespace tessary::unpack::test {

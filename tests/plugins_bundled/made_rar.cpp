@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "plugins/axtarc/little_endian.h"
+#include "plugins/axtessarc/little_endian.h"
 
 namespace tessary::unpack::test {
 namespace {

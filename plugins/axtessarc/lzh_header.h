@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "helpers/dib/byte_source.h"
-#include "plugins/axtarc/member.h"
+#include "plugins/axtessarc/member.h"
 
 namespace tessary::unpack {
 

@@ -1,4 +1,4 @@
-#include "plugins/axtarc/local_block.h"
+#include "plugins/axtessarc/local_block.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "plugins/axtarc/lzh_archive.h"
+#include "plugins/axtessarc/lzh_archive.h"
 
 #include <lhasa/lhasa.h>
 
@@ -7,8 +7,8 @@
 #include <new>
 #include <string_view>
 
-#include "plugins/axtarc/contained_read.h"
-#include "plugins/axtarc/lzh_header.h"
+#include "plugins/axtessarc/contained_read.h"
+#include "plugins/axtessarc/lzh_header.h"
 
 namespace tessary::unpack {
 namespace {

@@ -2,7 +2,7 @@
 // Each member is reached directly. What PMarc has compressed is listed, but not unpacked.
 #pragma once
 
-#include "plugins/axtarc/archive_reader.h"
+#include "plugins/axtessarc/archive_reader.h"
 
 namespace tessary::unpack {
 

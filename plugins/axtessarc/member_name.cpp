@@ -1,4 +1,4 @@
-#include "plugins/axtarc/member_name.h"
+#include "plugins/axtessarc/member_name.h"
 
 #include <windows.h>
 

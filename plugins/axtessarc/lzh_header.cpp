@@ -1,4 +1,4 @@
-#include "plugins/axtarc/lzh_header.h"
+#include "plugins/axtessarc/lzh_header.h"
 
 #include <lhasa/lhasa.h>
 
@@ -9,10 +9,10 @@
 #include <span>
 #include <vector>
 
-#include "plugins/axtarc/archive_format.h"
-#include "plugins/axtarc/contained_read.h"
-#include "plugins/axtarc/little_endian.h"
-#include "plugins/axtarc/name_encoding.h"
+#include "plugins/axtessarc/archive_format.h"
+#include "plugins/axtessarc/contained_read.h"
+#include "plugins/axtessarc/little_endian.h"
+#include "plugins/axtessarc/name_encoding.h"
 
 namespace tessary::unpack {
 namespace {

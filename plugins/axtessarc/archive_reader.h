@@ -7,8 +7,8 @@
 
 #include "helpers/dib/byte_source.h"
 #include "helpers/files/byte_sink.h"
-#include "plugins/axtarc/archive_marks.h"
-#include "plugins/axtarc/member.h"
+#include "plugins/axtessarc/archive_marks.h"
+#include "plugins/axtessarc/member.h"
 #include "plugins/common/progress.h"
 #include "plugins/common/remark.h"
 #include "plugins/common/result.h"

@@ -1,10 +1,10 @@
-#include "plugins/axtarc/archive_marks.h"
+#include "plugins/axtessarc/archive_marks.h"
 
 #include <algorithm>
 #include <array>
 
-#include "plugins/axtarc/little_endian.h"
-#include "plugins/axtarc/zip_directory.h"
+#include "plugins/axtessarc/little_endian.h"
+#include "plugins/axtessarc/zip_directory.h"
 
 namespace tessary::unpack {
 namespace {

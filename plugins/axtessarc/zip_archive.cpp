@@ -1,10 +1,10 @@
-#include "plugins/axtarc/zip_archive.h"
+#include "plugins/axtessarc/zip_archive.h"
 
 #include <algorithm>
 #include <array>
 
-#include "plugins/axtarc/little_endian.h"
-#include "plugins/axtarc/stream_reader.h"
+#include "plugins/axtessarc/little_endian.h"
+#include "plugins/axtessarc/stream_reader.h"
 
 namespace tessary::unpack {
 namespace {

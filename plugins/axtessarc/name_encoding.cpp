@@ -1,4 +1,4 @@
-#include "plugins/axtarc/name_encoding.h"
+#include "plugins/axtessarc/name_encoding.h"
 
 #include <algorithm>
 #include <vector>

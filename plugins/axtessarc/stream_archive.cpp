@@ -1,12 +1,12 @@
-#include "plugins/axtarc/stream_archive.h"
+#include "plugins/axtessarc/stream_archive.h"
 
 #include <algorithm>
 #include <array>
 #include <cwchar>
 #include <string_view>
 
-#include "plugins/axtarc/little_endian.h"
-#include "plugins/axtarc/name_encoding.h"
+#include "plugins/axtessarc/little_endian.h"
+#include "plugins/axtessarc/name_encoding.h"
 
 namespace tessary::unpack {
 namespace {

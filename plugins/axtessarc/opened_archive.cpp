@@ -1,4 +1,4 @@
-#include "plugins/axtarc/opened_archive.h"
+#include "plugins/axtessarc/opened_archive.h"
 
 #include <zlib.h>
 
@@ -10,8 +10,8 @@
 
 #include "helpers/files/file_name.h"
 #include "helpers/susiectl/susie_interface.h"
-#include "plugins/axtarc/member_name.h"
-#include "plugins/axtarc/name_encoding.h"
+#include "plugins/axtessarc/member_name.h"
+#include "plugins/axtessarc/name_encoding.h"
 #include "plugins/common/susie_source.h"
 
 namespace tessary::unpack {

@@ -1,4 +1,4 @@
-#include "plugins/axtarc/zip_directory.h"
+#include "plugins/axtessarc/zip_directory.h"
 
 #include <zlib.h>
 
@@ -6,8 +6,8 @@
 #include <ctime>
 #include <string>
 
-#include "plugins/axtarc/little_endian.h"
-#include "plugins/axtarc/name_encoding.h"
+#include "plugins/axtessarc/little_endian.h"
+#include "plugins/axtessarc/name_encoding.h"
 
 namespace tessary::unpack {
 namespace {

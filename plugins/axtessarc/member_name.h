@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "plugins/axtarc/member.h"
+#include "plugins/axtessarc/member.h"
 
 namespace tessary::unpack {
 

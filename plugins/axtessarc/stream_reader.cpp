@@ -1,4 +1,4 @@
-#include "plugins/axtarc/stream_reader.h"
+#include "plugins/axtessarc/stream_reader.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 #include <new>
 #include <string_view>
 
-#include "plugins/axtarc/contained_read.h"
+#include "plugins/axtessarc/contained_read.h"
 
 namespace tessary::unpack {
 namespace {

@@ -10,9 +10,9 @@
 
 #include "helpers/dib/byte_source.h"
 #include "helpers/files/byte_sink.h"
-#include "plugins/axtarc/archive_format.h"
-#include "plugins/axtarc/gzip_stream.h"
-#include "plugins/axtarc/member.h"
+#include "plugins/axtessarc/archive_format.h"
+#include "plugins/axtessarc/gzip_stream.h"
+#include "plugins/axtessarc/member.h"
 #include "plugins/common/progress.h"
 #include "plugins/common/result.h"
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "helpers/dib/byte_source.h"
-#include "plugins/axtarc/member.h"
+#include "plugins/axtessarc/member.h"
 
 namespace tessary::unpack {
 

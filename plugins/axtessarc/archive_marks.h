@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "helpers/dib/byte_source.h"
-#include "plugins/axtarc/archive_format.h"
+#include "plugins/axtessarc/archive_format.h"
 
 namespace tessary::unpack {
 

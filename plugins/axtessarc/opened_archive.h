@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "plugins/axtarc/archive_reader.h"
+#include "plugins/axtessarc/archive_reader.h"
 
 namespace tessary::unpack {
 

@@ -1,8 +1,8 @@
 // ZIP archives with a directory: each member is reached directly.
 #pragma once
 
-#include "plugins/axtarc/archive_reader.h"
-#include "plugins/axtarc/zip_directory.h"
+#include "plugins/axtessarc/archive_reader.h"
+#include "plugins/axtessarc/zip_directory.h"
 
 namespace tessary::unpack {
 

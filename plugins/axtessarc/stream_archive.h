@@ -2,8 +2,8 @@
 // that have lost their directory.
 #pragma once
 
-#include "plugins/axtarc/archive_reader.h"
-#include "plugins/axtarc/stream_reader.h"
+#include "plugins/axtessarc/archive_reader.h"
+#include "plugins/axtessarc/stream_reader.h"
 
 namespace tessary::unpack {
 

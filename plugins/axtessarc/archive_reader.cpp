@@ -1,11 +1,11 @@
-#include "plugins/axtarc/archive_reader.h"
+#include "plugins/axtessarc/archive_reader.h"
 
 #include <array>
 
-#include "plugins/axtarc/archive_format.h"
-#include "plugins/axtarc/lzh_archive.h"
-#include "plugins/axtarc/stream_archive.h"
-#include "plugins/axtarc/zip_archive.h"
+#include "plugins/axtessarc/archive_format.h"
+#include "plugins/axtessarc/lzh_archive.h"
+#include "plugins/axtessarc/stream_archive.h"
+#include "plugins/axtessarc/zip_archive.h"
 
 namespace tessary::unpack {
 namespace {

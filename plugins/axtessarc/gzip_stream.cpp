@@ -1,4 +1,4 @@
-#include "plugins/axtarc/gzip_stream.h"
+#include "plugins/axtessarc/gzip_stream.h"
 
 #include <new>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "plugins/axtarc/archive_format.h"
+#include "plugins/axtessarc/archive_format.h"
 
 #include <lzma.h>
 #include <zlib.h>
