@@ -93,7 +93,7 @@ bool ConvertRun::Run() {
 // With the first file that fails: the crash may have been in the reading ahead of one before.
 void ConvertRun::TellStoppedPlugins() {
     if (stopIsTold_ || report_.outcome != FileOutcome::kFailed || !PluginsAreStopped()) return;
-    log_.WriteConvertLog(L"[警告]", kPluginsStoppedText, 2);
+    log_.WriteConvertLog(L"[警告]", PluginsStoppedText(), 2);
     stopIsTold_ = true;
 }
 
@@ -178,7 +178,7 @@ void ConvertRun::ReportUnknown(const std::wstring& path) {
     if (IsNoPicture(path)) {
         Report(FileOutcome::kDeclined, FileReason::kNoPicture);
     } else if (PluginsAreStopped()) {
-        Report(FileOutcome::kFailed, FileReason::kPluginFailed, kPluginsStoppedText);
+        Report(FileOutcome::kFailed, FileReason::kPluginFailed, PluginsStoppedText());
     } else if (const FileReason reason = ReasonUnknown(path);
                reason == FileReason::kUnknownFormat && source_.refusal) {
         const CollectionSusie::Refusal& refusal = *source_.refusal;

@@ -78,7 +78,8 @@ std::vector<std::wstring> CollectionSusie::PluginFiles(const std::wstring& folde
 }
 
 int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder, const ScanStep& step) {
-    if (PluginCallUnderWay()) return Count();
+    // What has been damaged in this run is for the next one to find.
+    if (PluginCallUnderWay() || PluginsAreStopped()) return Count();
     for (PluginCall& call : RecoverInterruptedCalls()) {
         if (call.WhileLoading()) skipped_.insert(ToUpper(call.plugin));
         interruptedCalls_.push_back(std::move(call));
@@ -86,7 +87,7 @@ int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder, const ScanStep&
     if (FindSusieLibrary() == nullptr || !IsFolder(folder)) return Count();
     int32_t count = Count();
     for (const std::wstring& path : PluginFiles(folder)) {
-        if (step && !step(path)) {
+        if (PluginsAreStopped() || (step && !step(path))) {
             NoteLeftOut(path, LeftOutReason::kWaiting);
             continue;
         }
@@ -133,6 +134,7 @@ std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added,
     } catch (...) {
         if (!refusal) refusal = LeftOutReason::kNotLoadable;
     }
+    if (PluginsAreStopped()) return refusal;
     Trapped([&] { NoteLoaded(plugin); });  // one that was refused has not ended the program either
     return refusal;
 }

@@ -15,6 +15,7 @@ namespace {
 
 constexpr wchar_t kCallLog[] = L"SPI_CALLLOG";
 constexpr wchar_t kInfoLog[] = L"SPI_INFOLOG";
+constexpr wchar_t kDamageLog[] = L"SPI_DAMAGELOG";
 constexpr wchar_t kFunctionKey[] = L"Function";
 constexpr wchar_t kPluginKey[] = L"SPI";
 constexpr wchar_t kPathKey[] = L"Path";
@@ -44,18 +45,24 @@ OwnLogs& Own() {
     return *own;
 }
 
+// Has `save` save what a section says of a call.
+template <typename Save>
+void SaveCall(const PluginCall& call, Save&& save) {
+    const std::wstring name = FileNameOf(call.plugin);
+    const std::array<KeyAndText, 4> texts{{{kFunctionKey, call.function},
+                                           {kPluginKey, name},
+                                           {kPathKey, call.plugin},
+                                           {kFileKey, call.file}}};
+    save(texts);
+}
+
 void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) {
     OwnLogs& own = Own();
     const std::lock_guard lock(own.mutex);
     own.calledPlugin = call.plugin;
     if (own.isExcused) return;
     try {
-        const std::wstring name = FileNameOf(call.plugin);
-        const std::array<KeyAndText, 4> texts{{{kFunctionKey, call.function},
-                                               {kPluginKey, name},
-                                               {kPathKey, call.plugin},
-                                               {kFileKey, call.file}}};
-        section.Save(LogOf(log, OwnRun()), texts);
+        SaveCall(call, [&](const auto& texts) { section.Save(LogOf(log, OwnRun()), texts); });
         own.isUnlogged = false;
     } catch (...) {
         own.isUnlogged = true;
@@ -73,8 +80,10 @@ void Clear(PassingSection& section) {
     Trapped([&] { section.Remove(); });
 }
 
-void Recover(const std::wstring& log, std::vector<PluginCall>& calls) {
+void Recover(const wchar_t* kind, int run, std::vector<PluginCall>& calls) {
+    const std::wstring log = LogOf(kind, run);
     PluginCall call;
+    call.hasDamaged = kind == kDamageLog;
     const std::wstring name = GetSetting(log, kPluginKey);
     if (name.empty()) return;
     call.plugin = GetSetting(log, kPathKey);
@@ -84,7 +93,7 @@ void Recover(const std::wstring& log, std::vector<PluginCall>& calls) {
     // Emptied before it is counted: if this run ends here as well, it is not counted twice.
     const std::array<KeyAndText, 3> empty{{{kFunctionKey, {}}, {kPluginKey, {}}, {kFileKey, {}}}};
     SaveSettings(log, empty);
-    IncrementErrorCount(call.plugin, call.function);
+    if (!call.hasDamaged) IncrementErrorCount(call.plugin, call.function);  // else it was, at once
     if (call.WhileLoading()) NoteFatalLoad(call.plugin);
     DeleteSettingSection(log);
     calls.push_back(std::move(call));
@@ -116,6 +125,11 @@ InfoCalls::~InfoCalls() {
     Clear(Own().info);
 }
 
+void NoteDamagingCall(const PluginCall& call) {
+    if (!call.WhileLoading()) return;
+    SaveCall(call, [](const auto& texts) { SaveSettings(LogOf(kDamageLog, OwnRun()), texts); });
+}
+
 std::wstring PluginUnderCall() {
     OwnLogs& own = Own();
     const std::lock_guard lock(own.mutex);
@@ -142,8 +156,8 @@ std::vector<PluginCall> RecoverInterruptedCalls() {
     for (int run = 1; run <= kMostRuns; ++run) {
         if (runs.IsAnothers(run)) continue;
         // One that cannot be read holds up nothing.
-        for (const wchar_t* log : {kInfoLog, kCallLog})
-            Trapped([&] { Recover(LogOf(log, run), calls); });
+        for (const wchar_t* log : {kInfoLog, kCallLog, kDamageLog})
+            Trapped([&] { Recover(log, run, calls); });
     }
     return calls;
 }

@@ -10,8 +10,9 @@ namespace tessary {
 // A call into a plug-in.
 struct PluginCall {
     std::wstring function;
-    std::wstring plugin;  // full path; what earlier versions left has the file name alone
-    std::wstring file;    // the file bound at the time of the call; empty when none was
+    std::wstring plugin;      // full path; what earlier versions left has the file name alone
+    std::wstring file;        // the file bound at the time of the call; empty when none was
+    bool hasDamaged = false;  // it came back, but the memory was damaged then
 
     // Whether the plug-in was being loaded, as it is at every start.
     bool WhileLoading() const;
@@ -41,6 +42,10 @@ class InfoCalls {
 
 // The plug-in that is being called, as a full path; empty: none. From any thread.
 std::wstring PluginUnderCall();
+
+// Notes that a call has damaged the program's memory. One while a plug-in was being loaded counts
+// as an end of the run there: RecoverInterruptedCalls of the next run finds it.
+void NoteDamagingCall(const PluginCall& call);
 
 // Whether the last call could not be written down.
 bool CallsGoUnlogged();

@@ -69,7 +69,7 @@ void clsSusie::ReleasePlugin() {
 
 void clsSusie::RequireModule() {
     RequireNoCall();
-    if (PluginsAreStopped()) throw PluginError(kErrorPluginsStopped, kPluginsStoppedText);
+    if (PluginsAreStopped()) throw PluginError(kErrorPluginsStopped, PluginsStoppedText());
     if (DllName().empty()) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
     if (module_ != nullptr) return;
     // The file may have gone, or been replaced, since it was last loaded.

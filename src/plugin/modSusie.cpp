@@ -79,6 +79,7 @@ bool LoadSPI(const LoadingProgress& progress) {
             if (!IsSearched(settings, i)) continue;
             const std::wstring folder = AddBackslash(settings.spiFolder[i]);
             collection.FScanAllSPI(folder, step);
+            if (PluginsAreStopped()) break;
             JudgeFolder(folder, settings.loadSPI[i], settings.emptySPI[i]);
         }
         collection.Compact();

@@ -22,7 +22,8 @@ std::vector<std::wstring> InterruptedCallNotices() {
     const CollectionSusie& collection = SusieCollection();
     for (const PluginCall& call : collection.InterruptedCalls()) {
         notices.push_back(L"前回はプラグイン " + collection.NameOf(call.plugin) + L" の処理中（" +
-                          call.function + L"）に終了しました");
+                          call.function +
+                          (call.hasDamaged ? L"）にメモリーが壊れました" : L"）に終了しました"));
         if (IsLeftOut(call, LeftOutReason::kSkipped)) {
             notices.back() += L"。今回は読み込みません";
         } else if (IsLeftOut(call, LeftOutReason::kBarred)) {
@@ -43,6 +44,7 @@ std::vector<std::wstring> LoadingNotices() {
                               L" に使用できるプラグインがありません");
         }
     }
+    if (PluginsAreStopped()) notices.push_back(PluginsStoppedText());
     if (CallsGoUnlogged()) {
         notices.push_back(L"レジストリに書き込めないため、プラグインの呼び出しを記録できません");
     }

@@ -21,7 +21,7 @@ constexpr wchar_t kUnexpectedText[] =
 // a tidier name would lose the counts.
 constexpr SusieCallNames kLoadLibrary{L"LoadLibrary", nullptr, L"LoadLibrary"};
 constexpr SusieCallNames kFreeLibrary{L"FreeLibrary", nullptr, L"FreeLibrary"};
-constexpr SusieCallNames kGetPluginInfo{nullptr, nullptr, L"GetPlugInInfo"};
+constexpr SusieCallNames kGetPluginInfo{L"GetPluginInfo", nullptr, L"GetPlugInInfo"};
 constexpr SusieCallNames kIsSupported{L"IsSupported", L"IsSupported", L"IsSupported"};
 constexpr SusieCallNames kGetPictureInfo{L"GetPictureInfo", L"GetPictureInfo", L"GetPictureInfo"};
 constexpr SusieCallNames kGetPicture{L"GetPicture", L"GetPicture", L"GetPicture"};
@@ -54,6 +54,12 @@ bool& UnderWay() {
 bool& HasCrashed() {
     static bool hasCrashed = false;
     return hasCrashed;
+}
+
+// The file name of the plug-in whose call has damaged the memory; empty: none has.
+std::wstring& Damager() {
+    static std::wstring damager;
+    return damager;
 }
 
 // Marks the time of a call. It restores what it found rather than counting: scopes inside a call
@@ -105,9 +111,28 @@ bool HasPluginCrashed() {
     return HasCrashed();
 }
 
+std::wstring PluginsStoppedText() {
+    const std::wstring& plugin = Damager();
+    const std::wstring culprit = plugin.empty() ? L"プラグイン" : L"プラグイン " + plugin + L' ';
+    return culprit +
+           L"の異常でメモリーが壊れた可能性があるため、プラグインを停止しました。"
+           L"プログラムを起動し直してください。";
+}
+
 bool PluginsAreStopped() {
     const SusieLibrary* const library = FindSusieLibrary();
     return library != nullptr && library->isMemoryDamaged() != 0;
+}
+
+// To be called behind each call: whoever was called when the damage showed has to answer for it.
+void SusieCalls::NoteDamage(const SusieCallNames& names) {
+    if (!PluginsAreStopped() || !Damager().empty()) return;
+    Trapped([&] { Damager() = FileNameOf(pluginPath_); });
+    // The other crashes are counted as such.
+    if (names.errorKey == nullptr) {
+        Trapped([&] { IncrementErrorCount(pluginPath_, names.logName); });
+    }
+    Trapped([&] { NoteDamagingCall({names.logName, pluginPath_, boundFile_}); });
 }
 
 // Keeps the call log for the time of a call.
@@ -119,6 +144,7 @@ void SusieCalls::Logged(const SusieCallNames& names, Call&& call) {
             const CallScope scope;
             call(Library());
         }
+        NoteDamage(names);
         if (PluginsAreStopped()) {
             KeepCallLog();
         } else {
@@ -136,7 +162,7 @@ int32_t SusieCalls::Guarded(const SusieCallNames& names, Call&& call) {
     return Trapped(kResultUnexpected, [&] {
         int32_t result = kResultUnexpected;
         if (PluginsAreStopped()) {
-            SetError(kPluginsStoppedText, names.errorFunction);
+            SetError(PluginsStoppedText(), names.errorFunction);
             return kResultStopped;
         }
         Logged(names, [&](const SusieLibrary& library) { result = call(library); });
@@ -257,9 +283,10 @@ int32_t SusieCalls::GetPluginInfo(int32_t infoNumber, char* buffer, int32_t leng
     if (PluginsAreStopped()) return -1;
     try {
         const CallScope scope;
-        return Mapped(Library().getPluginInfo(Address(SusieFunction::kGetPluginInfo), infoNumber,
-                                              buffer, length),
-                      kGetPluginInfo);
+        const int32_t result = Library().getPluginInfo(Address(SusieFunction::kGetPluginInfo),
+                                                       infoNumber, buffer, length);
+        NoteDamage(kGetPluginInfo);
+        return Mapped(result, kGetPluginInfo);
     } catch (...) {
         SetError(kUnexpectedText, kGetPluginInfo.errorFunction);
         return -1;

@@ -51,11 +51,10 @@ bool HasPluginCrashed();
 
 // Whether a plug-in's crash has damaged the program's memory, or may have. No plug-in is called any
 // more then, loaded or freed: whatever it allocated might crash, and be blamed for it. It stays so
-// until the program is started anew, which kPluginsStoppedText tells the user.
+// until the program is started anew, which PluginsStoppedText tells the user.
 bool PluginsAreStopped();
-inline constexpr wchar_t kPluginsStoppedText[] =
-    L"プラグインの異常でメモリーが壊れた可能性があるため、プラグインを停止しました。"
-    L"プログラムを起動し直してください。";
+// The sentence for the user, with the name of the plug-in that was being called then.
+std::wstring PluginsStoppedText();
 
 // Results of a call beside the plug-in's own (susie::Result and others).
 constexpr int32_t kResultUnexpected = 20;   // an error of ours around the call
@@ -159,6 +158,7 @@ class SusieCalls {
     // address cannot be told apart.
     template <typename Call>
     int32_t UnlessCrashed(const wchar_t* function, const SusieSource& source, Call&& call);
+    void NoteDamage(const SusieCallNames& names);
     template <typename Call>
     void Logged(const SusieCallNames& names, Call&& call);
     void AskForCondition(const SusieLibrary& library);

@@ -134,11 +134,11 @@ ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
 // Says so, for as long as it holds: with what is not shown, and in the status bar.
 void TellStoppedPlugins(PictureView& view, ReadResult& result) {
     if (!PluginsAreStopped()) return;
-    view.SetPanelText(kNoticePanel, kPluginsStoppedText);
+    const std::wstring text = PluginsStoppedText();
+    view.SetPanelText(kNoticePanel, text);
     if (result.file.kind != kFileUnknown || result.file.stopped) return;
     std::wstring& failure = result.file.failure;
-    failure = failure.empty() ? FailureText(result.subject, kPluginsStoppedText)
-                              : failure + L"\r\n" + kPluginsStoppedText;
+    failure = failure.empty() ? FailureText(result.subject, text) : failure + L"\r\n" + text;
 }
 
 bool IsEmptyFile(const std::wstring& path) {

@@ -365,6 +365,39 @@ TEST(PluginCollectionChild, DISABLED_Loads) {
     CollectionSusie().FScanAllSPI(FolderOf(_wgetenv(L"TESSARY_TEST_FILE")));
 }
 
+TEST(PluginCollectionChild, DISABLED_IsDamagedByOne) {
+    test::LoadHelper(L"susiectl.dll");
+    const std::wstring culprit = _wgetenv(L"TESSARY_TEST_FILE");
+    GeneralSettings& settings = Values().general;
+    settings.useSPI = 1;
+    settings.spiFolder[0] = settings.spiFolder[1] = FolderOf(culprit);
+    settings.loadSPI[1] = true;
+    EXPECT_TRUE(LoadSPI());
+    EXPECT_TRUE(PluginsAreStopped());
+    EXPECT_EQ(LoadingNotices(), std::vector{PluginsStoppedText()});
+    EXPECT_NE(PluginsStoppedText().find(L"プラグイン fatal.spi の異常"), std::wstring::npos);
+    TerminateProcess(GetCurrentProcess(), HasFailure() ? 1 : 0);
+}
+
+TEST_F(CollectionTest, OneThatDamagesTheMemoryWhileItIsLoadedIsSkippedThenBarred) {
+    Plugin(L"minimal.spi");
+    const std::wstring fatal =
+        Plugin(L"iftst.spi", "crash:heap-damage:GetPluginInfo\n", L"fatal.spi");
+    CheckFileDate(fatal);
+    int errors = 0;
+    for (const auto expected : {LeftOutReason::kSkipped, LeftOutReason::kBarred}) {
+        EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_IsDamagedByOne", fatal), 0U);
+        EXPECT_EQ(ReadErrorCount(fatal, L"GetPluginInfo"), ++errors);
+        CollectionSusie plugins;
+        plugins.FScanAllSPI(folder_.Path());
+        EXPECT_EQ(plugins.Compact(), 1);
+        ASSERT_EQ(plugins.LeftOut().size(), 1U);
+        EXPECT_EQ(plugins.LeftOut()[0].reason, expected);
+        ASSERT_EQ(plugins.InterruptedCalls().size(), 1U);
+        EXPECT_TRUE(plugins.InterruptedCalls()[0].hasDamaged);
+    }
+}
+
 TEST_F(CollectionTest, OneThatEndsTheProgramWhileItTellsAboutItselfIsSkippedThenBarred) {
     Plugin(L"minimal.spi");
     const std::wstring fatal = Plugin(L"iftst.spi", "crash:exit:GetPluginInfo\n", L"fatal.spi");

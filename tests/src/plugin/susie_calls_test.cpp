@@ -127,7 +127,7 @@ TEST(PluginCallChild, DISABLED_CallsNobodyAfterDamage) {
     EXPECT_EQ(test::Raised(decode), kErrorDecodingFailed);
     EXPECT_TRUE(PluginsAreStopped());
     EXPECT_EQ(test::Raised(decode), kErrorPluginsStopped);
-    EXPECT_EQ(plugin.ErrorString(), kPluginsStoppedText);
+    EXPECT_EQ(plugin.ErrorString(), PluginsStoppedText());
     EXPECT_EQ(plugin.ErrorCount({}), 1);
     EXPECT_EQ(GetSetting(L"SPI_CALLLOG", L"SPI"), L"iftst.spi") << "should the process end by it";
     UnloadSPI();
