@@ -25,9 +25,8 @@ struct InfoBlock {
 
 // The plain form of a bitmap; depth and masks stay what they are wherever the plain form has them.
 // 2 bits become 4, run-length encoding is decoded at its own depth, 16 and 24 bits with unusual
-// masks become 24, 32 bits with unusual masks 32; the linear light
-// of 64 bits becomes 32 bits of the usual brightness (sRGB). Whatever has a mask for alpha becomes
-// 32 bits with alpha.
+// masks become 24, 32 bits with unusual masks 32; the linear light of 64 bits becomes 32 bits
+// of the usual brightness (sRGB). Whatever has a mask for alpha becomes 32 bits with alpha.
 struct PlainForm {
     PixelFormat format;
     bool sameBits;  // a raw row of the source is, but for its padding, a row of the plain form
