@@ -15,8 +15,8 @@ enum class JpegPixels : uint8_t {
     kBgrx,  // and a fourth one that is not looked at
 };
 
-// Grey are the pictures whose colour table is grey as far as it is used; 24 and 32 bits without alpha
-// are taken as they are stored, all others unpacked.
+// Grey are the pictures whose colour table is grey as far as it is used; 24 and 32 bits without
+// alpha are taken as they are stored, all others unpacked.
 class JpegRows {
   public:
     // `picture` must outlive the object.
