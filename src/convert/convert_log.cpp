@@ -1,5 +1,13 @@
 #include "convert/convert_log.h"
 
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "app/base/file_identity.h"
+#include "app/base/handles.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -9,6 +17,21 @@ namespace tessary {
 namespace {
 
 constexpr size_t kFieldColumns = 24;
+
+// A log has no NUL bytes; pictures, archives and other data have some at their beginning.
+bool IsData(const std::wstring& path) {
+    const UniqueFile file(CreateFileW(ExtendedPath(path).c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
+    std::array<char, 4096> bytes{};
+    DWORD size = 0;
+    if (!file ||
+        !ReadFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &size, nullptr)) {
+        return false;
+    }
+    const auto end = std::next(bytes.begin(), static_cast<ptrdiff_t>(size));
+    return std::find(bytes.begin(), end, '\0') != end;
+}
 
 std::wstring LineOf(std::wstring_view label, std::wstring_view value, int16_t indent) {
     std::wstring line(static_cast<size_t>(indent < 0 ? 0 : indent), L' ');
@@ -30,6 +53,19 @@ bool IsLogName(const std::wstring& name) {
 std::wstring LogPath(const std::wstring& name) {
     const bool isFull = name.starts_with(LR"(\\)") || (name.size() > 2 && name[1] == L':');
     return isFull ? name : AppFolder() + name;
+}
+
+std::wstring LogRefusal(std::span<const ConvertSource> files) {
+    const ConvertSettings& settings = Values().convert;
+    if (settings.outputErrorLog != 1) return {};
+    const std::wstring log = LogPath(settings.errorLogFileName);
+    if (!PathExists(log) || IsFolder(log)) return {};
+    const std::wstring identity = IdentityOf(log);
+    const bool isSource = std::ranges::any_of(
+        files, [&](const ConvertSource& file) { return IdentityOf(file.path) == identity; });
+    if (isSource) return L"変換するファイルには、変換ログを書き込めません: " + log;
+    if (IsData(log)) return L"画像などのデータには、変換ログを書き込めません: " + log;
+    return {};
 }
 
 void ConvertLog::Open() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,11 @@ constexpr size_t kMostLogLines = 1000;
 bool IsLogName(const std::wstring& name);
 // The full path: the name counts from the program's folder, unless it is a full path already.
 std::wstring LogPath(const std::wstring& name);
+
+// Why the log file that the settings want must not be written, for the user: it is one of the files
+// to convert, or there is something there that is no text, such as a picture. Empty: nothing is
+// lost by writing it, or none is wanted.
+std::wstring LogRefusal(std::span<const ConvertSource> files);
 
 class ConvertLog {
   public:

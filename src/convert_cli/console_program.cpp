@@ -14,6 +14,7 @@
 #include "app/helper_libraries.h"
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
+#include "convert/convert_log.h"
 #include "convert/make_folder.h"
 #include "convert/modConvertFiles.h"
 #include "convert_cli/console_monitor.h"
@@ -82,22 +83,18 @@ bool LoadPlugins(const StopRequest& stop, ConsoleStream& errors) {
 }
 
 // Neither report nor log may take the place of a picture.
-bool IsAmong(const std::vector<ConvertSource>& files, const std::wstring& path) {
-    return !path.empty() && PathExists(path) &&
-           std::ranges::any_of(
-               files, [&](const ConvertSource& file) { return IsSameFile(file.path, path); });
-}
-
 bool AreOutputsFree(const ConsoleOptions& options, const InputFiles& inputs,
                     ConsoleStream& errors) {
-    const ConvertSettings& settings = Values().convert;
-    const std::wstring log = settings.outputErrorLog == 1 ? settings.errorLogFileName : L"";
-    for (const std::wstring& output : {options.reportFile, log}) {
-        if (!IsAmong(inputs.files, output)) continue;
-        errors.WriteLine(L"変換するファイルには書き込めません: " + output);
-        return false;
+    std::wstring refusal = LogRefusal(inputs.files);
+    const std::wstring& report = options.reportFile;
+    if (!report.empty() && PathExists(report) &&
+        std::ranges::any_of(inputs.files, [&](const ConvertSource& file) {
+            return IsSameFile(file.path, report);
+        })) {
+        refusal = L"変換するファイルには書き込めません: " + report;
     }
-    return true;
+    if (!refusal.empty()) errors.WriteLine(refusal);
+    return refusal.empty();
 }
 
 int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& report,

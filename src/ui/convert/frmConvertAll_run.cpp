@@ -2,6 +2,7 @@
 #include "app/base/message_box.h"
 #include "app/base/raised_flag.h"
 #include "app/settings/modValue.h"
+#include "convert/convert_log.h"
 #include "convert/modConvertFiles.h"
 #include "res/resource.h"
 #include "ui/convert/frmConflict.h"
@@ -38,6 +39,11 @@ void frmConvertAll::cmdRunConvert_Click() {
     }
     textConvertFolder_.SetText(folder);
     RememberFolder();
+    if (const std::wstring refusal = LogRefusal(ConvertFileList()); !refusal.empty()) {
+        ShowMessageBox(refusal + L"\r\n\r\n「詳細オプション」で別のログファイルを選んでください。",
+                       MB_ICONEXCLAMATION);
+        return;
+    }
     BeginRun();
     {
         const ReadUnderWay reading;

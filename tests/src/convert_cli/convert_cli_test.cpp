@@ -165,6 +165,8 @@ TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
     EXPECT_EQ(RunProgram(LR"(--out x.dat\out in)").status, 2U);
     EXPECT_EQ(RunProgram(LR"(--out out --log x.dat\log in)").status, 2U);
     EXPECT_EQ(RunProgram(LR"(--out out --report in\絵.bmp in)").status, 2U);
+    EXPECT_EQ(RunProgram(LR"(--out out --log in\絵.bmp in)").status, 2U);
+    EXPECT_EQ(RunProgram(LR"(--out out --log in\絵.bmp in\sub)").status, 2U);
     EXPECT_EQ(ContentOf(folder_.Path() + LR"(in\絵.bmp)"), BitmapFileOf(3, 3, 0));
     EXPECT_EQ(RunProgram({}).status, 2U);
     EXPECT_EQ(RunProgram(L"/?").status, 0U);

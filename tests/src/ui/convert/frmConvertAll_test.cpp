@@ -317,6 +317,27 @@ TEST_F(ConverterTest, ShowsARunAndComesBack) {
     EXPECT_TRUE(asked_.empty());
 }
 
+TEST_F(ConverterTest, WritesNoLogOverAPicture) {
+    const std::wstring other = source_.Write(L"other.bmp", BitmapFileOf(5, 5, 0));
+    Values().convert.outputErrorLog = 1;
+    DrivenDialog user({RunWith([&](HWND) { Values().convert.errorLogFileName = files_[1]; }),
+                       RunWith([&](HWND) { Values().convert.errorLogFileName = other; }),
+                       [&](HWND dialog) {
+                           EXPECT_EQ(asked_.size(), 2U);
+                           EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
+                           EXPECT_EQ(Converted(), 0);
+                           Values().convert.errorLogFileName = source_.Write(L"old.log", "***");
+                           Press(dialog, cmdRunConvert);
+                           EXPECT_EQ(Converted(), 3);
+                           Press(dialog, IDOK);
+                           Press(dialog, IDCANCEL);
+                       }});
+    form_.ShowConvertDialog(nullptr, files_);
+    EXPECT_TRUE(user.IsDone());
+    EXPECT_EQ(std::filesystem::file_size(files_[1]), BitmapFileOf(4, 3, 0).size());
+    EXPECT_EQ(asked_.size(), 2U);
+}
+
 TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
     const std::wstring stop = L"65 画像の変換処理を中止します。";
     const auto back = [](HWND dialog) { Press(dialog, IDOK); };
