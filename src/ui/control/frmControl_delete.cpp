@@ -114,6 +114,9 @@ void frmControl::cmdCancel_Click() {
     for (int i = 0; i < listDelete_.Count(); ++i)
         listFileName_.Add(listDelete_.Item(i));
     listDelete_.Clear();
+    // What waits for a load's end was about the same files.
+    wishes_.deletion = false;
+    wishes_.marks.clear();
     CloseDeletePanel();
 }
 
@@ -146,6 +149,7 @@ void frmControl::cmdOK_Click() {
         return WishIsThere();
     }
     const std::vector<std::wstring> paths = MarkedFiles();
+    if (paths.empty()) return;  // the last one was put back before its load's end
     if (ShowMessageBox(L"リスト内の " + std::to_wstring(paths.size()) +
                            L"個のファイルをディスクから削除します。",
                        MB_OKCANCEL | MB_ICONINFORMATION) != IDOK) {

@@ -198,6 +198,8 @@ void frmMain::Form_QueryUnload(bool& cancel) {
     if (!IsReadUnderWay()) {
         Values().quitRequested = false;  // the user is asked anew, and may stay
         cancel = controlBar_ != nullptr && !controlBar_->MayClose();
+        // Who asked once more while files were being deleted got no other answer.
+        if (cancel) Values().quitRequested = false;
         return;
     }
     cancel = true;

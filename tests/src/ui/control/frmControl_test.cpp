@@ -383,6 +383,23 @@ TEST_F(WishTest, DeleteTakesWhatIsSeen) {
     EXPECT_EQ(bar_.listDelete().Count(), 1);
 }
 
+TEST_F(WishTest, WhatIsPutBackIsNotDeletedAfterwards) {
+    bar_.Press(BarButton::kDeleteList);
+    Click(bar_.listFileName(), 1);
+    int asked = 0;
+    SetMessageBoxResponder([&](const std::wstring&, unsigned, const std::wstring&) {
+        ++asked;
+        return IDCANCEL;
+    });
+    for (const wchar_t* const button : {L"ディスクから削除(&D)", L"取り消し(&U)"})
+        PostMessageW(FindWindowExW(bar_.Handle(), nullptr, L"BUTTON", button), BM_CLICK, 0, 0);
+    PostClick(2);
+    Sleep(25);
+    Click(bar_.listFileName(), 0);
+    EXPECT_TRUE(RunUntil([&] { return Info().starts_with(L"[画像] 3"); }));
+    EXPECT_EQ(asked, 0);
+}
+
 TEST_F(WishTest, EscapeDuringALoadMeansTheLoad) {
     MakeDeaf();
     bar_.Press(BarButton::kDeleteList);
@@ -642,7 +659,20 @@ TEST_F(DeleteListTest, NothingIsDroppedUnasked) {
     EXPECT_EQ(asked, 2);
     EXPECT_TRUE(IsWindow(main));
     EXPECT_FALSE(Values().quitRequested);
-    answer = IDYES;
+    // Another attempt while what cannot be deleted is being told.
+    {
+        const UniqueFile locked(CreateFileW(files[1].c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                            nullptr, OPEN_EXISTING, 0, nullptr));
+        SetMessageBoxResponder([&](const std::wstring&, unsigned style, const std::wstring&) {
+            if ((style & MB_TYPEMASK) == MB_YESNOCANCEL) return IDYES;
+            SendMessageW(main, WM_CLOSE, 0, 0);
+            return IDABORT;
+        });
+        SendMessageW(main, WM_CLOSE, 0, 0);
+        EXPECT_TRUE(IsWindow(main));
+        EXPECT_FALSE(Values().quitRequested);
+    }
+    SetMessageBoxResponder([&](const auto&, unsigned, const auto&) { return IDYES; });
     escape();
     EXPECT_EQ(Items(bar_.listFileName()), (List{files[2], files[0], files[1]}));
     bar_.Press(BarButton::kDeleteList);
