@@ -51,14 +51,22 @@ frmControl::frmControl(frmMain& window)
 }
 
 void frmControl::RegisterCommands() {
-    const auto registerButton = [this](int id, BarButton button) {
-        window_.Commands().Register(
-            id, {.run = [this, button] { CoolBar_ButtonClick(button); },
-                 .enabled = [this, button] { return formLoaded_ && IsUsable(button); },
-                 .whileLoading = true});
-    };
-    registerButton(commandDisplaySize, BarButton::kDisplaySize);
-    registerButton(commandAddToDeleteList, BarButton::kDeleteList);
+    window_.Commands().Register(commandDisplaySize,
+                                {.run = [this] { CoolBar_ButtonClick(BarButton::kDisplaySize); },
+                                 .enabled = [this] { return formLoaded_; },
+                                 .whileLoading = true});
+    window_.Commands().Register(
+        commandAddToDeleteList,
+        {.run =
+             [this] {
+                 player_.IsPlaying() ? MarkDuringShow()
+                                     : CoolBar_ButtonClick(BarButton::kDeleteList);
+             },
+         .enabled =
+             [this] {
+                 return formLoaded_ && (player_.IsPlaying() || IsUsable(BarButton::kDeleteList));
+             },
+         .whileLoading = true});
     window_.Commands().Register(
         commandCancelDelete,
         {.run = [this] { AskToCancel(); },

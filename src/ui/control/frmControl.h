@@ -167,6 +167,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
 
     // --- The delete list (frmControl_delete.cpp) ---
     void AddToDeleteList();
+    void MarkDuringShow();
     void MarkForDeletion(int index);
     void OpenDeletePanel();
     void PlaceForPanel();

@@ -32,6 +32,13 @@ void frmControl::AddToDeleteList() {
     MarkForDeletion(selected);
 }
 
+// The toolbar's button waits for the end. What is seen in a fast run nobody can tell.
+void frmControl::MarkDuringShow() {
+    const BarButton motion = player_.PlayMode();
+    if (motion == BarButton::kPlay || motion == BarButton::kReversePlay) return WishMark();
+    window_.ShowNote(L"早送りや巻き戻しを止めてから、もう一度押してください。");
+}
+
 void frmControl::MarkForDeletion(int index) {
     if (index < 0) return;
     const std::wstring path = listFileName_.Item(index);
@@ -152,10 +159,11 @@ void frmControl::cmdOK_Click() {
     if (paths.empty()) return;  // the last one was put back before its load's end
     if (ShowMessageBox(L"リスト内の " + std::to_wstring(paths.size()) +
                            L"個のファイルをディスクから削除します。",
-                       MB_OKCANCEL | MB_ICONINFORMATION) != IDOK) {
-        return;
+                       MB_OKCANCEL | MB_ICONINFORMATION | MB_DEFBUTTON2) == IDOK) {
+        TryToDelete(paths);
     }
-    TryToDelete(paths);
+    // The next Enter means the next picture, and not the same question again.
+    if (cmdOK_.HasFocus()) FocusPart(listFileName_.Handle());
     window_.CloseIfAsked();
 }
 

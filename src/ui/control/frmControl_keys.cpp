@@ -46,6 +46,7 @@ void frmControl::TakePanelKeys() {
         (this->*kButtons[index]).OnKeyDown([this, index](int keyCode, int) {
             switch (keyCode) {
                 case VK_RETURN:
+                    if (keyRepeats_) return true;
                     SendMessageW((this->*kButtons[index]).Handle(), BM_CLICK, 0, 0);
                     return true;
                 case VK_UP:

@@ -160,6 +160,7 @@ void frmControl::CarryOutWishes() {
     const Wishes wishes = std::exchange(wishes_, {});
     for (const std::wstring& path : wishes.marks)
         MarkForDeletion(IndexOf(path));
+    if (!wishes.marks.empty()) player_.RestartPause();
     if (wishes.steps != 0) {
         MoveBy(wishes.steps, archiveShown_ && !wishes.file);
         EndMotion();

@@ -65,7 +65,12 @@ void Player::StepTimed(const std::function<bool()>& step, DWORD now) {
     if (Elapsed(lastStep_, now) <= Values().general.slideShowTime) return;
     const bool moved = step();
     if (!moved) steps_.atEnd();
-    lastStep_ = GetTickCount();  // the pause counts from the end of loading
+    RestartPause();
+}
+
+// The pause counts from the end of loading.
+void Player::RestartPause() {
+    lastStep_ = GetTickCount();
 }
 
 }  // namespace tessary

@@ -35,6 +35,9 @@ class Player {
     // The stop button.
     void Stop();
 
+    // Another picture than the next step's has come up.
+    void RestartPause();
+
     // The button that last started or stopped a motion.
     BarButton PlayMode() const { return playMode_; }
     bool IsPlaying() const { return timer1_.IsRunning(); }

@@ -461,6 +461,27 @@ TEST_F(PlayerTest, StepsStopTheShowAndFailuresDoNot) {
     EXPECT_TRUE(messages_.All().empty());
 }
 
+TEST_F(PlayerTest, DeleteDuringAShowTakesWhatIsSeen) {
+    Values().general.slideShowTime = 10000;
+    const List files{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp")};
+    bar_.SetFileList(files);
+    const auto pressDelete = [&] {
+        window_.Commands().Run(commandAddToDeleteList);
+        return RunUntil([&] { return bar_.listDelete().Count() > 0; }, 500);
+    };
+    bar_.Press(BarButton::kFastForward);
+    EXPECT_FALSE(pressDelete());
+    EXPECT_EQ(window_.pictureView().Note(),
+              L"早送りや巻き戻しを止めてから、もう一度押してください。");
+    bar_.SetFileList(files);
+    bar_.Press(BarButton::kPlay);
+    EXPECT_TRUE(pressDelete());
+    EXPECT_EQ(Items(bar_.listDelete()), List{files[0]});
+    EXPECT_EQ(Info(), L"[画像] 2.bmp ( 8×6 24bit )");
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kPlay);
+    EXPECT_FALSE(RunUntil([&] { return Selected() != 0; }, 100));  // it is shown as long as others
+}
+
 TEST_F(PlayerTest, DisplaySizesGoRound) {
     Values().fixSizeValue = 3;
     bar_.SetFileList(List{Bitmap(L"1.bmp")});
@@ -517,7 +538,7 @@ TEST_F(DeleteListTest, DeletesAndLetsTheUserDecideAboutFailures) {
     const HWND cmdOK = FindWindowExW(bar_.Handle(), nullptr, L"BUTTON", L"ディスクから削除(&D)");
     const auto pressOK = [&] { SendMessageW(cmdOK, BM_CLICK, 0, 0); };
     pressOK();
-    EXPECT_EQ(styles, (std::vector<unsigned>{65, 18}));
+    EXPECT_EQ(styles, (std::vector<unsigned>{65 | MB_DEFBUTTON2, 18}));
     EXPECT_EQ(Items(bar_.listDelete()), (List{files[1], files[3]}));
     EXPECT_TRUE(std::filesystem::exists(files[3]));
     EXPECT_FALSE(std::filesystem::exists(files[2]));
@@ -556,6 +577,24 @@ TEST_F(KeyTest, StepFromEveryPart) {
     EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
     Press('F');
     EXPECT_EQ(GetFocus(), bar_.listFileName().Handle());
+}
+
+TEST_F(KeyTest, EnterBehindACancelledDeletionStepsOn) {
+    int asked = 0;
+    SetMessageBoxResponder([&](const std::wstring&, unsigned, const std::wstring&) {
+        ++asked;
+        return IDCANCEL;
+    });
+    bar_.Press(BarButton::kDeleteList);
+    ::SetFocus(FindWindowExW(bar_.Handle(), nullptr, L"BUTTON", L"ディスクから削除(&D)"));
+    PostMessageW(GetFocus(), WM_KEYDOWN, VK_RETURN, LPARAM{KF_REPEAT} << 16);  // held down
+    DoEvents();
+    EXPECT_EQ(asked, 0);
+    for (const int step : {0, 1, 2}) {
+        Press(VK_RETURN);
+        EXPECT_EQ(asked, 1);
+        EXPECT_EQ(Selected(), step);
+    }
 }
 
 TEST_F(KeyTest, ScreenReadersFindNames) {
