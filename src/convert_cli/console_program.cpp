@@ -67,7 +67,7 @@ struct PluginsInUse {
 // Whether all that the settings ask for is there; otherwise it has been told.
 bool LoadPlugins(const StopRequest& stop, ConsoleStream& errors) {
     LoadSPI([&](const std::wstring&, int32_t, int32_t) { return !stop.IsMade(); });
-    for (const auto& notices : {InterruptedCallNotices(), LoadingNotices()}) {
+    for (const auto& notices : {InterruptedCallNotices(), BarredNotices(), LoadingNotices()}) {
         for (const std::wstring& notice : notices)
             errors.WriteLine(notice);
     }
@@ -97,10 +97,8 @@ bool AreOutputsFree(const ConsoleOptions& options, const InputFiles& inputs,
     return refusal.empty();
 }
 
-int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& report,
-        ConsoleStream& errors) {
-    const DialogWatch dialogs([&](const std::wstring& line) { errors.WriteLine(line); });
-    const PluginsInUse plugins;
+int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& report,
+                   ConsoleStream& errors) {
     const StopRequest stop;
     bool isSetUp = LoadPlugins(stop, errors);
     ConsoleStream output(STD_OUTPUT_HANDLE, options.codePage);
@@ -129,6 +127,15 @@ int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& rep
     const bool isComplete = ended && monitor.Failures() == 0 && inputs.troubles.empty() &&
                             !inputs.files.empty() && !monitor.AreAllFiltered();
     return isComplete ? kExitAllConverted : kExitSomeNot;
+}
+
+int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& report,
+        ConsoleStream& errors) {
+    const DialogWatch dialogs([&](const std::wstring& line) { errors.WriteLine(line); });
+    const PluginsInUse plugins;
+    const int status = RunWithPlugins(options, inputs, report, errors);
+    TellVerdict(status);  // before plug-ins are freed, some of which end the process then
+    return status;
 }
 
 int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
@@ -182,13 +189,13 @@ void TellJournal(const WorkerEnd& end, const ConsoleOptions& options, bool isSto
     if (!report.IsGood()) errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
 }
 
-// Names the plug-in that has ended the worker, as far as the call log tells, and holds it against
-// it.
+// Names the plug-in that has ended the worker, as far as the call log tells. The next start holds
+// it against it, and leaves out one that was being loaded.
 int TellEnd(const WorkerEnd& end, const ConsoleOptions& options, ConsoleStream& errors) {
     if (end.verdict) return *end.verdict;
     const bool isStopped = end.exitCode == static_cast<DWORD>(STATUS_CONTROL_C_EXIT);
     const std::vector<PluginCall> calls =
-        isStopped ? std::vector<PluginCall>() : RecoverInterruptedCalls();
+        isStopped ? std::vector<PluginCall>() : FindInterruptedCalls();
     TellJournal(end, options, isStopped, calls, errors);
     if (isStopped) {
         errors.WriteLine(L"変換を中止しました");

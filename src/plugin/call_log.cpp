@@ -1,11 +1,14 @@
 #include "plugin/call_log.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
+#include "app/base/text.h"
 #include "app/settings/settings_store.h"
 #include "plugin/living_runs.h"
 #include "plugin/plugin_log.h"
@@ -16,6 +19,7 @@ namespace {
 constexpr wchar_t kCallLog[] = L"SPI_CALLLOG";
 constexpr wchar_t kInfoLog[] = L"SPI_INFOLOG";
 constexpr wchar_t kDamageLog[] = L"SPI_DAMAGELOG";
+constexpr wchar_t kThreadLog[] = L"SPI_THREADLOG";
 constexpr wchar_t kFunctionKey[] = L"Function";
 constexpr wchar_t kPluginKey[] = L"SPI";
 constexpr wchar_t kPathKey[] = L"Path";
@@ -23,6 +27,8 @@ constexpr wchar_t kFileKey[] = L"File";
 
 constexpr wchar_t kLoadLibrary[] = L"LoadLibrary";
 constexpr wchar_t kGetPluginInfo[] = L"GetPluginInfo";
+constexpr wchar_t kFreeLibrary[] = L"FreeLibrary";
+constexpr wchar_t kThread[] = L"Thread";  // none of the functions
 
 // The log of one of the copies that run.
 std::wstring LogOf(const wchar_t* log, int run) {
@@ -69,6 +75,13 @@ void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) 
     }
 }
 
+// Call only with the lock.
+void Excuse(OwnLogs& own) {
+    own.isExcused = true;
+    for (const wchar_t* log : {kCallLog, kInfoLog})
+        Trapped([&] { DeleteSettingSection(LogOf(log, OwnRun())); });
+}
+
 void ForgetCalledPlugin() {
     OwnLogs& own = Own();
     const std::lock_guard lock(own.mutex);
@@ -80,23 +93,52 @@ void Clear(PassingSection& section) {
     Trapped([&] { section.Remove(); });
 }
 
-void Recover(const wchar_t* kind, int run, std::vector<PluginCall>& calls) {
+std::optional<PluginCall> Noted(const wchar_t* kind, int run) {
     const std::wstring log = LogOf(kind, run);
     PluginCall call;
     call.hasDamaged = kind == kDamageLog;
     const std::wstring name = GetSetting(log, kPluginKey);
-    if (name.empty()) return;
+    if (name.empty()) return std::nullopt;
     call.plugin = GetSetting(log, kPathKey);
     if (FileNameOf(call.plugin) != name) call.plugin = name;
     call.function = GetSetting(log, kFunctionKey);
     call.file = GetSetting(log, kFileKey);
+    return call;
+}
+
+// Whether `calls` have one of the same plug-in that counts for the same.
+bool IsCounted(const PluginCall& call, const std::vector<PluginCall>& calls) {
+    return std::ranges::any_of(calls, [&](const PluginCall& other) {
+        const bool isLikewise =
+            call.function == other.function || (call.WhileLoading() && other.WhileLoading());
+        return isLikewise && EqualsIgnoreCase(call.plugin, other.plugin);
+    });
+}
+
+void Recover(const wchar_t* kind, int run, std::vector<PluginCall>& calls) {
+    std::optional<PluginCall> call = Noted(kind, run);
+    if (!call) return;
+    const std::wstring log = LogOf(kind, run);
     // Emptied before it is counted: if this run ends here as well, it is not counted twice.
     const std::array<KeyAndText, 3> empty{{{kFunctionKey, {}}, {kPluginKey, {}}, {kFileKey, {}}}};
     SaveSettings(log, empty);
-    if (!call.hasDamaged) IncrementErrorCount(call.plugin, call.function);  // else it was, at once
-    if (call.WhileLoading()) NoteFatalLoad(call.plugin);
+    const bool isCounted = IsCounted(*call, calls);
+    // What has damaged memory was counted at once.
+    if (!isCounted && !call->hasDamaged) IncrementErrorCount(call->plugin, call->function);
+    if (!isCounted && call->WhileLoading()) NoteFatalLoad(call->plugin);
     DeleteSettingSection(log);
-    calls.push_back(std::move(call));
+    if (!isCounted) calls.push_back(*std::move(call));
+}
+
+// `take` of the logs that no living copy keeps. One that cannot be read holds up nothing.
+template <typename Take>
+void ForEachAbandonedLog(Take&& take) {
+    const RunsHeld runs;
+    for (int run = 1; run <= kMostRuns; ++run) {
+        if (runs.IsAnothers(run)) continue;
+        for (const wchar_t* log : {kInfoLog, kCallLog, kDamageLog, kThreadLog})
+            Trapped([&] { take(log, run); });
+    }
 }
 
 }  // namespace
@@ -145,20 +187,34 @@ bool CallsGoUnlogged() {
 void ExcuseLastCall() {
     OwnLogs& own = Own();
     const std::lock_guard lock(own.mutex);
-    own.isExcused = true;
-    for (const wchar_t* log : {kCallLog, kInfoLog})
-        Trapped([&] { DeleteSettingSection(LogOf(log, OwnRun())); });
+    Excuse(own);
+}
+
+void HoldThreadCrashAgainst(const std::wstring& plugin) {
+    OwnLogs& own = Own();
+    const std::lock_guard lock(own.mutex);
+    if (own.isExcused || (!plugin.empty() && plugin == own.calledPlugin)) return;
+    const std::wstring function = GetSetting(LogOf(kCallLog, OwnRun()), kFunctionKey);
+    if (plugin.empty() && function != kFreeLibrary) return;
+    Excuse(own);
+    if (plugin.empty()) return;
+    // A log of its own: the thread that calls plug-ins may still clear the others.
+    SaveCall({kThread, plugin, {}},
+             [](const auto& texts) { SaveSettings(LogOf(kThreadLog, OwnRun()), texts); });
 }
 
 std::vector<PluginCall> RecoverInterruptedCalls() {
-    const RunsHeld runs;
     std::vector<PluginCall> calls;
-    for (int run = 1; run <= kMostRuns; ++run) {
-        if (runs.IsAnothers(run)) continue;
-        // One that cannot be read holds up nothing.
-        for (const wchar_t* log : {kInfoLog, kCallLog, kDamageLog})
-            Trapped([&] { Recover(log, run, calls); });
-    }
+    ForEachAbandonedLog([&](const wchar_t* log, int run) { Recover(log, run, calls); });
+    return calls;
+}
+
+std::vector<PluginCall> FindInterruptedCalls() {
+    std::vector<PluginCall> calls;
+    ForEachAbandonedLog([&](const wchar_t* log, int run) {
+        std::optional<PluginCall> call = Noted(log, run);
+        if (call && !IsCounted(*call, calls)) calls.push_back(*std::move(call));
+    });
     return calls;
 }
 

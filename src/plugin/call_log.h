@@ -47,6 +47,11 @@ std::wstring PluginUnderCall();
 // as an end of the run there: RecoverInterruptedCalls of the next run finds it.
 void NoteDamagingCall(const PluginCall& call);
 
+// From the thread in which a plug-in that is not being called has crashed, which ends the process:
+// holds that against `plugin` instead of the one that is being called. Empty: against nobody, when
+// a plug-in is being freed, which may take away what others' threads need; else the log stays.
+void HoldThreadCrashAgainst(const std::wstring& plugin);
+
 // Whether the last call could not be written down.
 bool CallsGoUnlogged();
 
@@ -57,6 +62,10 @@ void ExcuseLastCall();
 
 // The calls that earlier runs did not come back from: their failures are counted, and the logs are
 // clean afterwards. The logs of copies that still live are left alone.
+// Runs that have ended in the same call of one plug-in count as one, as the power fails for all.
 std::vector<PluginCall> RecoverInterruptedCalls();
+
+// The same calls, left for the next start to count.
+std::vector<PluginCall> FindInterruptedCalls();
 
 }  // namespace tessary

@@ -8,10 +8,13 @@
 namespace tessary {
 namespace {
 
+bool IsOf(const PluginCall& call, const LeftOutPlugin& one) {
+    return one.path == call.plugin || FileNameOf(one.path) == call.plugin;
+}
+
 bool IsLeftOut(const PluginCall& call, LeftOutReason reason) {
     return std::ranges::any_of(SusieCollection().LeftOut(), [&](const LeftOutPlugin& one) {
-        return one.reason == reason &&
-               (one.path == call.plugin || FileNameOf(one.path) == call.plugin);
+        return one.reason == reason && IsOf(call, one);
     });
 }
 
@@ -29,6 +32,19 @@ std::vector<std::wstring> InterruptedCallNotices() {
         } else if (IsLeftOut(call, LeftOutReason::kBarred)) {
             notices.back() += L"。今後は読み込みません";
         }
+    }
+    return notices;
+}
+
+std::vector<std::wstring> BarredNotices() {
+    std::vector<std::wstring> notices;
+    const CollectionSusie& collection = SusieCollection();
+    for (const LeftOutPlugin& one : collection.LeftOut()) {
+        const bool isTold = std::ranges::any_of(
+            collection.InterruptedCalls(), [&](const PluginCall& call) { return IsOf(call, one); });
+        if (one.reason != LeftOutReason::kBarred || isTold) continue;
+        notices.push_back(L"プラグイン " + collection.NameOf(one.path) +
+                          L" は、読み込みの途中で続けて異常終了したため、読み込みません");
     }
     return notices;
 }

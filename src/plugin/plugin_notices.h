@@ -9,6 +9,10 @@ namespace tessary {
 // The plug-ins in whose calls earlier runs ended.
 std::vector<std::wstring> InterruptedCallNotices();
 
+// The plug-ins that are left out because they kept ending earlier runs, but for those that
+// InterruptedCallNotices tells of.
+std::vector<std::wstring> BarredNotices();
+
 // What the last loading has found amiss: plug-in folders that are away, no plug-in at all, calls
 // that cannot be logged. Empty when all is well.
 std::vector<std::wstring> LoadingNotices();

@@ -8,11 +8,11 @@
 #include "plugin/call_log.h"
 #include "plugin/plugin_log.h"
 #include "plugin/susie_library.h"
+#include "plugin/thread_crash.h"
 
 namespace tessary {
 namespace {
 
-constexpr wchar_t kCrashedText[] = L"SPIファイル内の関数で致命的エラーが発生しました";
 constexpr wchar_t kNotExportedText[] = L"呼び出そうとした関数はSPIファイルでサポートされていません";
 constexpr wchar_t kUnexpectedText[] =
     L"SPI内部の関数呼び出し時に予期されていないエラーが発生しました";
@@ -204,7 +204,7 @@ template <typename Call>
 int32_t SusieCalls::UnlessCrashed(const wchar_t* function, const SusieSource& source, Call&& call) {
     return Trapped(kResultUnexpected, [&] {
         if (crashed_.Hold(function, source)) {
-            SetError(kCrashedText, function);
+            SetError(kPluginCrashedText, function);
             return kResultCrashed;
         }
         const int32_t result = call();
@@ -219,7 +219,7 @@ int32_t SusieCalls::Mapped(int32_t result, const SusieCallNames& names) {
         if (names.errorKey != nullptr) {
             Trapped([&] { IncrementErrorCount(pluginPath_, names.errorKey); });
         }
-        SetError(kCrashedText, names.errorFunction);
+        SetError(kPluginCrashedText, names.errorFunction);
         return kResultCrashed;
     }
     if (result == susiectl::kNotExported) {
@@ -242,6 +242,7 @@ HMODULE SusieCalls::Load() {
         Logged(kLoadLibrary, [&](const SusieLibrary& library) {
             module = library.loadLibrary(pluginPath_.c_str());
         });
+        if (module != nullptr) WatchThreadsOf(module, pluginPath_);
         return module;
     });
 }

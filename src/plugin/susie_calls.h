@@ -46,6 +46,9 @@ constexpr int32_t kStyleNone = 255;
 // meanwhile: nothing that a call may be using must be changed then, and no other call be made.
 bool PluginCallUnderWay();
 
+// The error of a plug-in that has crashed in a call.
+inline constexpr wchar_t kPluginCrashedText[] = L"SPIファイル内の関数で致命的エラーが発生しました";
+
 // Whether a plug-in has crashed since the program began.
 bool HasPluginCrashed();
 

@@ -255,6 +255,18 @@ TEST_F(ConvertCliTest, PluginsNeitherEndARunUnseenNorHoldItUp) {
     EXPECT_NE(report.find(R"(a.png","result":"converted")"), std::string::npos) << report;
     EXPECT_NE(report.find(R"("result":"failed","reason":"process-ended")"), std::string::npos);
 
+    // One that ends the process while it is loaded is left out by the next run, and tried again.
+    folder_.Write(LR"(spi\iftst.spi.script)", "crash:exit:DllMain\n");
+    using Expected = std::pair<bool, const char*>;
+    for (const auto& [ends, told] :
+         {Expected{true, "（LoadLibrary）でした"}, Expected{false, "今回は読み込みません"},
+          Expected{true, "（LoadLibrary）でした"}, Expected{false, "今後は読み込みません"},
+          Expected{false, "続けて異常終了"}}) {
+        const Outcome run = RunProgram(L"--format png --out out --recursive none");
+        EXPECT_EQ(run.status == 4U, ends) << run.output;
+        EXPECT_NE(run.output.find(told), std::string::npos) << run.output;
+    }
+
     SaveSetting(L"General", L"SPIFolder_1", folder_.Path() + L"gone");
     const Outcome away = RunProgram(L"--format png --out out ask.tst");
     EXPECT_EQ(away.status, 2U) << away.output;

@@ -195,6 +195,37 @@ TEST_F(SusieCallsTest, EveryLivingCopyHasALogOfItsOwn) {
     EXPECT_FALSE(CallIsLogged());
 }
 
+TEST_F(SusieCallsTest, RunsThatEndInOneLoadingCountAsOne) {
+    const std::wstring path = folder_.Write(L"x.spi", "text");
+    for (const wchar_t* log : {L"SPI_INFOLOG", L"SPI_INFOLOG_2", L"SPI_CALLLOG_3"}) {
+        SaveSetting(log, L"Function", log[4] == L'I' ? L"GetPluginInfo" : L"LoadLibrary");
+        SaveSetting(log, L"SPI", L"x.spi");
+        SaveSetting(log, L"Path", path);
+    }
+    EXPECT_EQ(FindInterruptedCalls().size(), 1U);
+    EXPECT_EQ(RecoverInterruptedCalls().size(), 1U);
+    EXPECT_TRUE(RecoverInterruptedCalls().empty());
+    EXPECT_FALSE(KeepsEndingTheProgram(path));
+    EXPECT_EQ(ReadErrorCount(path, {}), 1);
+}
+
+TEST(PluginCallChild, DISABLED_FreesOneWithAThread) {
+    test::LoadHelper(L"susiectl.dll");
+    const std::wstring file = _wgetenv(L"TESSARY_TEST_FILE");
+    clsSusie().SetDllName(file);
+    WriteCallLog({L"FreeLibrary", L"C:\\innocent.spi", {}});
+    Sleep(5000);
+    TerminateProcess(GetCurrentProcess(), 99);
+}
+
+TEST_F(SusieCallsTest, AThreadThatIsLeftBehindIsHeldAgainstItsOwnPlugin) {
+    const std::wstring plugin = Plugin(L"iftst.spi", "dirty:thread:DllUnload\n");
+    EXPECT_NE(RunAsChild(L"PluginCallChild.DISABLED_FreesOneWithAThread", plugin), 99U);
+    const std::vector<PluginCall> calls = RecoverInterruptedCalls();
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(calls[0].plugin + L'|' + calls[0].function, plugin + L"|Thread");
+}
+
 TEST_F(SusieCallsTest, ARequestToQuitIsNotThePluginsToMake) {
     Load(Plugin(L"iftst.spi",
                 "dirty:quit:DllMain\ndirty:quit:GetPluginInfo\ndirty:quit:ConfigurationDlg\n"));

@@ -1,0 +1,78 @@
+#include "plugin/thread_crash.h"
+
+#include <memory>
+#include <mutex>
+#include <ranges>
+#include <vector>
+
+#include "app/base/error.h"
+#include "plugin/call_log.h"
+
+namespace tessary {
+namespace {
+
+// Where a plug-in is, or was before it was freed.
+struct Place {
+    uintptr_t begin = 0;
+    uintptr_t end = 0;
+    std::wstring plugin;
+};
+
+// It never ends: threads may crash until the process is gone.
+struct Watch {
+    std::mutex mutex;
+    std::vector<Place> places;  // the newest last
+    DWORD caller = 0;           // the thread that calls plug-ins: it has the guard
+    LPTOP_LEVEL_EXCEPTION_FILTER next = nullptr;
+};
+
+Watch& TheWatch() {
+    static Watch* const watch = std::make_unique<Watch>().release();
+    return *watch;
+}
+
+Place PlaceOf(HMODULE module, const std::wstring& plugin) {
+    const auto begin = reinterpret_cast<uintptr_t>(module);
+    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(begin);
+    const auto* const headers =
+        reinterpret_cast<const IMAGE_NT_HEADERS*>(begin + static_cast<uintptr_t>(dos->e_lfanew));
+    return {begin, begin + headers->OptionalHeader.SizeOfImage, plugin};
+}
+
+// Empty: nobody's.
+std::wstring PluginAt(const void* address) {
+    Watch& watch = TheWatch();
+    const std::lock_guard lock(watch.mutex);
+    const auto at = reinterpret_cast<uintptr_t>(address);
+    for (const Place& place : watch.places | std::views::reverse) {
+        if (at >= place.begin && at < place.end) return place.plugin;
+    }
+    return {};
+}
+
+// The system's last question before it ends the process.
+LONG WINAPI HoldAgainstOwner(EXCEPTION_POINTERS* exception) {
+    const Watch& watch = TheWatch();
+    if (GetCurrentThreadId() != watch.caller) {
+        Trapped([&] {
+            HoldThreadCrashAgainst(PluginAt(exception->ExceptionRecord->ExceptionAddress));
+        });
+    }
+    return watch.next != nullptr ? watch.next(exception) : EXCEPTION_CONTINUE_SEARCH;
+}
+
+}  // namespace
+
+void WatchThreadsOf(HMODULE module, const std::wstring& plugin) {
+    Watch& watch = TheWatch();
+    const std::lock_guard lock(watch.mutex);
+    const Place added = PlaceOf(module, plugin);
+    std::erase_if(watch.places, [&](const Place& place) { return place.begin == added.begin; });
+    watch.places.push_back(added);
+    // Anew each time: what plug-ins are built with may set one of its own, and go.
+    const auto before = SetUnhandledExceptionFilter(HoldAgainstOwner);
+    if (watch.caller == 0) watch.next = before;
+    watch.caller = GetCurrentThreadId();
+}
+
+}  // namespace tessary
