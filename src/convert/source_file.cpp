@@ -43,6 +43,7 @@ PluginFailure FailureOf(const clsSusie& plugin, uint32_t result) {
 }
 
 FileReason ReasonOf(const CollectionSusie::Refusal& refusal) {
+    if (refusal.hasCrashed) return FileReason::kPluginCrashed;
     const FileReason told = ReasonTold(refusal.condition);
     return told == FileReason::kNone ? FileReason::kPluginFailed : told;
 }

@@ -121,12 +121,14 @@ class CollectionSusie {
     // FileSupported with every member unbound first, for somebody who is likely to begin such a
     // search next. The member found stays bound.
     int32_t QueryFile(const std::wstring& path);
-    // Why the first archive plug-in that the last search for a file met could not read what it
-    // takes for an archive of its own, and the name of that plug-in; nothing when there was none.
+    // Why the first archive plug-in that the last search met could not read what it takes for an
+    // archive of its own, or that the first plug-in that crashed did so, and its name; nothing when
+    // there was neither.
     struct Refusal {
         std::wstring reason;
         std::wstring plugin;
         susie::Condition condition = susie::kConditionNone;
+        bool hasCrashed = false;
     };
     const std::optional<Refusal>& LastRefusal() const { return refusal_; }
     // To be called when the member that accepted last has failed: it is not preferred any more.
@@ -180,6 +182,7 @@ class CollectionSusie {
         std::wstring dllName;  // of the plug-in that listed them; empty: none did
     };
 
+    void NoteCrash(const clsSusie& member);
     void NoteRefusal(clsSusie& member, const std::wstring& path, int32_t result);
     bool Holds(const Query& query, const std::wstring& path) const;
     int32_t FirstSupporting(const std::wstring& path, int32_t startIndex, std::set<int32_t>& asked);

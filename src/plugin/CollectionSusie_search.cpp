@@ -111,6 +111,13 @@ int32_t CollectionSusie::FirstSupporting(const std::wstring& path, int32_t start
                           startIndex, asked);
 }
 
+// Of the member's last call.
+void CollectionSusie::NoteCrash(const clsSusie& member) {
+    if (refusal_ || member.ErrorString() != kPluginCrashedText) return;
+    refusal_ = {
+        .reason = kPluginCrashedText, .plugin = NameOf(member.DllName()), .hasCrashed = true};
+}
+
 // What is no archive of the plug-in's at all is nothing to tell.
 void CollectionSusie::NoteRefusal(clsSusie& member, const std::wstring& path, int32_t result) {
     if (refusal_) return;
@@ -139,6 +146,7 @@ int32_t CollectionSusie::MemorySupported(HLOCAL memory, const std::wstring& file
 int32_t CollectionSusie::FirstSupporting(HLOCAL memory, const std::wstring& fileName,
                                          int32_t startIndex, std::set<int32_t>& asked) {
     if (PluginCallUnderWay() || !IsLocalHandleValid(memory)) return 0;
+    if (asked.empty()) refusal_.reset();
     return FirstAccepting({.upperName = ToUpper(FileNameOf(fileName)),
                            .contentPattern = [] { return std::wstring(); },
                            .accepts =
@@ -208,7 +216,12 @@ int32_t CollectionSusie::FirstAccepting(const Search& search, int32_t startIndex
     const auto offer = [&](int32_t index) {
         if (!asked.insert(index).second) return false;
         clsSusie& member = *members_[static_cast<size_t>(index) - 1];
-        if (member.DllName().empty() || !Accepts(member, search.accepts)) return false;
+        if (member.DllName().empty()) return false;
+        const uint32_t before = member.ErrorSerial();
+        if (!Accepts(member, search.accepts)) {
+            if (member.ErrorSerial() != before) NoteCrash(member);
+            return false;
+        }
         lastSuccess_ = index;
         return true;
     };

@@ -128,6 +128,10 @@ ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
         }
     }
     if (file.kind == kFileArchive) file.failure.clear();
+    const auto& refusal = plugins.LastRefusal();
+    if (file.kind == kFileUnknown && file.failure.empty() && refusal) {
+        file.failure = FailureText(offer.subject, WithPlugin(refusal->reason, refusal->plugin));
+    }
     return {file, {}, {}};
 }
 
@@ -157,13 +161,6 @@ ReadResult DecodeFile(const std::wstring& path, ReadWatch& watch) {
     // Nothing stays bound to a picture: its file may change on disk, and its plug-in may be freed.
     // An archive stays bound, for its members.
     if (result.file.kind != kFileArchive) plugins.UnloadFile();
-    const auto& refusal = plugins.LastRefusal();
-    const bool isUnclaimed =
-        result.file.kind == kFileUnknown && result.file.failure.empty() && !result.file.stopped;
-    if (isUnclaimed && refusal) {
-        result.file.failure =
-            FailureText(SubjectOf(path), WithPlugin(refusal->reason, refusal->plugin));
-    }
     return result;
 }
 

@@ -103,6 +103,9 @@ TEST_F(CollectionTest, SearchGoesByHintThenPatternThenEverybody) {
     EXPECT_EQ(Asked(L"5.spi"), 1);
     EXPECT_EQ(collection_.FileSupported(folder_.Write(L"nobody.tst", "text")), 0);
     EXPECT_EQ(Asked(L"5.spi"), 2);  // claimed it by name, and is not asked a second time
+    ASSERT_TRUE(collection_.LastRefusal());
+    EXPECT_TRUE(collection_.LastRefusal()->hasCrashed);
+    EXPECT_EQ(collection_.LastRefusal()->plugin, L"5.spi");
     EXPECT_EQ(collection_.FileSupported(folder_.Path() + L"gone.tst"), 0);
 }
 
