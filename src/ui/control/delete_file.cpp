@@ -8,12 +8,22 @@
 namespace tessary {
 namespace {
 
+// Whether the system's last error tells that somebody else has deleted the file: not when its drive
+// is away, and may come back.
+bool IsGone(const std::wstring& path) {
+    const DWORD error = GetLastError();
+    if (error == ERROR_FILE_NOT_FOUND) return true;
+    if (error != ERROR_PATH_NOT_FOUND) return false;
+    const std::wstring full = FullPathOf(path);
+    return full.starts_with(LR"(\\)") || IsFolder(full.substr(0, 3));
+}
+
 bool Delete(const std::wstring& path) {
     const std::wstring file = ExtendedPath(path);
     const DWORD attributes = GetFileAttributesW(file.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+    if (attributes == INVALID_FILE_ATTRIBUTES) return IsGone(path);
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_NORMAL);
-    if (DeleteFileW(file.c_str())) return true;
+    if (DeleteFileW(file.c_str()) || IsGone(path)) return true;
     SetFileAttributesW(file.c_str(), attributes);
     return false;
 }

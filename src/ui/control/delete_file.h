@@ -7,8 +7,9 @@ namespace tessary {
 
 enum class DeleteOutcome { kDeleted = 0, kAbort = 1, kIgnore = 2 };
 
-// Deletes a file whatever its attributes. When the system refuses, the user decides: abort, retry
-// (asked again if it fails again) or ignore; the file's attributes are then as they were.
+// Deletes a file whatever its attributes; one that is gone already counts as deleted. When the
+// system refuses, the user decides: abort, retry (asked again if it fails again) or ignore; the
+// file's attributes are then as they were.
 DeleteOutcome DeleteListedFile(const std::wstring& path);
 
 }  // namespace tessary

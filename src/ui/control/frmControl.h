@@ -12,6 +12,8 @@
 
 #include "picture/show/member_list.h"
 #include "picture/show/modShowPicture.h"
+#include "ui/control/delete_file.h"
+#include "ui/control/deletion_marks.h"
 #include "ui/control/player.h"
 #include "ui/control/toolbar_images.h"
 #include "ui/control/wishes.h"
@@ -60,6 +62,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     // ControlBar
     std::wstring Failure() const override;
     void PictureReplaced(const std::wstring& info) override;
+    void FileSaved(const std::wstring& path) override;
     void ClearLists() override;
     std::vector<std::wstring> FileList() const override;
     bool IsPlaying() const override { return player_.IsPlaying(); }
@@ -174,9 +177,13 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void AskToCancel();
     void CountMarks();
     std::vector<std::wstring> MarkedFiles() const;
-    void TryToDelete(const std::vector<std::wstring>& paths);
-    void DeleteFromDisk(const std::vector<std::wstring>& paths);
-    void ForgetDeleted(const std::wstring& path);
+    std::optional<int> TryToDelete(const std::vector<std::wstring>& paths);
+    void DeleteFromDisk(const std::vector<std::wstring>& paths, std::vector<std::wstring>& deleted);
+    DeleteOutcome DeleteMarked(const std::wstring& path);
+    void PutBack(const std::wstring& path);
+    void TakeMark(const std::wstring& path);
+    std::optional<int> RemoveListed(const std::vector<std::wstring>& deleted);
+    void ShowInPlaceOf(int index);
     void CloseDeletePanel();
     void listDelete_DblClick();
     void cmdOK_Click();
@@ -213,6 +220,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     std::wstring archivePath_;   // whose members are listed
     std::wstring cutNotice_;     // what was told of a list that was too long
     Wishes wishes_;
+    DeletionMarks marks_;      // of the delete list
     bool keyRepeats_ = false;  // the message being handled is of a key that is held down
     std::optional<std::wstring> lateInfo_;  // what is to be told behind the burst
     std::optional<std::wstring> lateShown_;

@@ -1,6 +1,7 @@
 // The delete list: files picked out of the file list, to be deleted from the disk or merely dropped
 // from viewing.
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "app/base/error.h"
@@ -8,8 +9,8 @@
 #include "app/base/paths.h"
 #include "app/base/raised_flag.h"
 #include "app/base/task_modal.h"
+#include "app/base/text.h"
 #include "plugin/modSusie.h"
-#include "ui/control/delete_file.h"
 #include "ui/control/frmControl_busy.h"
 #include "ui/control/panel_place.h"
 #include "ui/dialogs/frmProgress.h"
@@ -44,16 +45,23 @@ void frmControl::MarkForDeletion(int index) {
     const std::wstring path = listFileName_.Item(index);
     const bool wasSelected = index == listFileName_.Selected();
     OpenDeletePanel();
-    listDelete_.Add(path);
+    const bool isNew = marks_.Add(path);
+    if (isNew) listDelete_.Add(path);
     listFileName_.Remove(index);
     CountMarks();
+    if (!isNew) window_.ShowNote(FileNameOf(path) + L" は、もう削除リストにあります。");
     // Where the panel is out of sight, as on the full screen.
-    if (!IsVisible()) {
+    if (isNew && !IsVisible()) {
         window_.ShowNote(L"削除リストに追加しました（" + std::to_wstring(listDelete_.Count()) +
                          L" 個）: " + FileNameOf(path));
     }
     if (!wasSelected) return;
     // The next file comes up, so that a heap can be weeded out key by key.
+    ShowInPlaceOf(index);
+}
+
+// What has come to the place of an entry that was removed.
+void frmControl::ShowInPlaceOf(int index) {
     listFileName_.Select(std::min(index, listFileName_.Count() - 1));
     if (listFileName_.Count() == 0) ShowEmptyList();
 }
@@ -111,10 +119,21 @@ void frmControl::CloseDeletePanel() {
 void frmControl::listDelete_DblClick() {
     const int selected = listDelete_.Selected();
     if (selected < 0) return;
-    listFileName_.Add(listDelete_.Item(selected));
-    listDelete_.Remove(selected);
-    CountMarks();
-    if (listDelete_.Count() == 0) CloseDeletePanel();
+    PutBack(listDelete_.Item(selected));
+}
+
+void frmControl::PutBack(const std::wstring& path) {
+    listFileName_.Add(path);
+    TakeMark(path);
+    if (listDelete_.Count() == 0 && deletePanelOpen_) CloseDeletePanel();
+}
+
+// It is another picture now than the one that was to be deleted.
+void frmControl::FileSaved(const std::wstring& path) {
+    const std::wstring marked = marks_.MarkOf(path);
+    if (marked.empty()) return;
+    PutBack(marked);
+    window_.ShowNote(L"保存したので、削除リストから一覧に戻しました: " + FileNameOf(marked));
 }
 
 void frmControl::cmdCancel_Click() {
@@ -124,6 +143,7 @@ void frmControl::cmdCancel_Click() {
     // What waits for a load's end was about the same files.
     wishes_.deletion = false;
     wishes_.marks.clear();
+    marks_.Clear();
     CloseDeletePanel();
 }
 
@@ -160,21 +180,47 @@ void frmControl::cmdOK_Click() {
     if (ShowMessageBox(L"リスト内の " + std::to_wstring(paths.size()) +
                            L"個のファイルをディスクから削除します。",
                        MB_OKCANCEL | MB_ICONINFORMATION | MB_DEFBUTTON2) == IDOK) {
-        TryToDelete(paths);
+        if (const std::optional<int> gap = TryToDelete(paths)) ShowInPlaceOf(*gap);
     }
     // The next Enter means the next picture, and not the same question again.
     if (cmdOK_.HasFocus()) FocusPart(listFileName_.Handle());
     window_.CloseIfAsked();
 }
 
-void frmControl::TryToDelete(const std::vector<std::wstring>& paths) {
+// The place of the selected file in the list, when it is among those that are gone.
+std::optional<int> frmControl::TryToDelete(const std::vector<std::wstring>& paths) {
+    std::vector<std::wstring> deleted;
     try {
-        DeleteFromDisk(paths);
+        DeleteFromDisk(paths, deleted);
     } catch (...) {
         const RaisedError error = CurrentError();
         ReportUnexpectedError(error.Number(), error.Description(), L"frmDelete.cmdOK_Click()");
     }
-    if (Handle() != nullptr && deletePanelOpen_ && listDelete_.Count() == 0) CloseDeletePanel();
+    if (Handle() == nullptr) return std::nullopt;
+    if (deletePanelOpen_ && listDelete_.Count() == 0) CloseDeletePanel();
+    return RemoveListed(deleted);
+}
+
+// Lists may have a file several times, in other spellings too.
+std::optional<int> frmControl::RemoveListed(const std::vector<std::wstring>& deleted) {
+    std::set<std::wstring> names;  // asking the system of every file listed would take too long
+    std::set<std::wstring> entries;
+    for (const std::wstring& path : deleted) {
+        names.insert(ToUpper(FileNameOf(path)));
+        entries.insert(EntryOf(path));
+    }
+    const int selected = listFileName_.Selected();
+    std::optional<int> gap;
+    for (int i = listFileName_.Count() - 1; i >= 0 && !names.empty(); --i) {
+        const std::wstring path = listFileName_.Item(i);
+        if (!names.contains(ToUpper(FileNameOf(path))) || !entries.contains(EntryOf(path))) {
+            continue;
+        }
+        listFileName_.Remove(i);
+        if (i == selected) gap = i;
+        if (gap && i < selected) --*gap;
+    }
+    return gap;
 }
 
 bool frmControl::MayClose() {
@@ -188,9 +234,12 @@ bool frmControl::MayClose() {
                                L"[いいえ]をクリックすると削除しないで終了します。\r\n"
                                L"[キャンセル]をクリックすると終了しません。",
                            MB_YESNOCANCEL | MB_ICONEXCLAMATION | MB_DEFBUTTON3)) {
-        case IDYES:
-            TryToDelete(paths);
-            return Handle() == nullptr || listDelete_.Count() == 0;
+        case IDYES: {
+            const std::optional<int> gap = TryToDelete(paths);
+            if (Handle() == nullptr || listDelete_.Count() == 0) return true;
+            if (gap) ShowInPlaceOf(*gap);
+            return false;
+        }
         case IDNO:
             return true;
         default:
@@ -200,7 +249,8 @@ bool frmControl::MayClose() {
 
 // From the last one to the first; the user may break off at a file that cannot be deleted, and at
 // any time once it takes long.
-void frmControl::DeleteFromDisk(const std::vector<std::wstring>& paths) {
+void frmControl::DeleteFromDisk(const std::vector<std::wstring>& paths,
+                                std::vector<std::wstring>& deleted) {
     const Busy busy(*this, L"削除しています");
     DisableParts();
     const TaskModal others(nullptr);
@@ -209,15 +259,38 @@ void frmControl::DeleteFromDisk(const std::vector<std::wstring>& paths) {
     const auto total = static_cast<int32_t>(paths.size());
     int32_t done = 0;
     for (auto path = paths.rbegin(); path != paths.rend(); ++path) {
-        const DeleteOutcome outcome = DeleteListedFile(*path);
+        const DeleteOutcome outcome = DeleteMarked(*path);
         if (outcome == DeleteOutcome::kAbort) return;
-        if (outcome == DeleteOutcome::kDeleted) ForgetDeleted(*path);
+        if (outcome == DeleteOutcome::kDeleted) {
+            deleted.push_back(*path);
+            TakeMark(*path);
+        }
         shown.Tell(*path, ++done, total);
         if (!window_.Breathe() || shown.IsStopped()) return;
     }
 }
 
-void frmControl::ForgetDeleted(const std::wstring& path) {
+DeleteOutcome frmControl::DeleteMarked(const std::wstring& path) {
+    if (!marks_.HasChanged(path)) return DeleteListedFile(path);
+    switch (ShowMessageBox(L"ファイル " + path +
+                               L" は、削除リストに入れた後に変更されています。\r\n"
+                               L"\r\n"
+                               L"[はい]をクリックするとディスクから削除します。\r\n"
+                               L"[いいえ]をクリックすると削除しないで一覧に戻します。\r\n"
+                               L"[キャンセル]をクリックすると削除処理を中断します。",
+                           MB_YESNOCANCEL | MB_ICONEXCLAMATION | MB_DEFBUTTON3)) {
+        case IDYES:
+            return DeleteListedFile(path);
+        case IDNO:
+            PutBack(path);
+            return DeleteOutcome::kIgnore;
+        default:
+            return DeleteOutcome::kAbort;
+    }
+}
+
+void frmControl::TakeMark(const std::wstring& path) {
+    marks_.Remove(path);
     for (int i = listDelete_.Count() - 1; i >= 0; --i) {
         if (listDelete_.Item(i) != path) continue;
         listDelete_.Remove(i);

@@ -72,6 +72,9 @@ bool frmControl::TakesMessage(MSG& message) {
             if (message.wParam != VK_TAB) return false;
             MoveFocus((CurrentShiftState() & kShiftMask) != 0);
             return true;
+        case WM_SYSKEYDOWN:  // Alt+F4 closes the program
+            if (message.wParam == VK_F4) message.hwnd = window_.Handle();
+            return false;
         case WM_SYSCHAR:
             if (PressMnemonic(static_cast<wchar_t>(message.wParam))) return true;
             message.hwnd = window_.Handle();  // its menu has the others

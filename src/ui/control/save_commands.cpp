@@ -178,6 +178,11 @@ void SaveCommands::Save(const std::wstring& path) {
     DWORD error = ERROR_SUCCESS;
     const Saved saved = SaveTellingProgress(path, window_, error);
     window_.CloseIfAsked();
+    if (saved == Saved::kYes) window_.TellSaved(path);
+    if (saved == Saved::kStopped && !Values().quitRequested) {
+        ShowMessageBox(L"ファイル " + path + L" の保存を中止しました。何も保存されていません。",
+                       MB_ICONINFORMATION);
+    }
     if (saved == Saved::kNo) {
         ShowMessageBox(L"ファイル " + path + L" に保存できません。" + Reason(error),
                        MB_ICONEXCLAMATION);

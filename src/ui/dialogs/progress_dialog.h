@@ -12,7 +12,8 @@ class ProgressDialog : private Dialog {
   public:
     using Dialog::Handle;
 
-    // Whether the user wants no more: the button IDCANCEL, Esc or the close button.
+    // Whether the user wants no more: the button IDCANCEL, Esc or the close button. Other keys only
+    // stop once he has gone to the button.
     bool IsStopped() const { return isStopped_; }
 
     // How long the work goes on unseen, and how often there is news; milliseconds.
@@ -30,6 +31,7 @@ class ProgressDialog : private Dialog {
 
   private:
     void Dialog_Cancel() override { isStopped_ = true; }
+    void Dialog_OK() override {}  // Enter was meant for the window below
 
     HWND owner_;
     DWORD start_ = GetTickCount();  // milliseconds

@@ -96,10 +96,10 @@ void ClipboardCommands::menuEditPaste_Click() {
     dib::BitmapInfoHeader header{};
     GetPictureHeader(CurrentPicture(), header);
     window_.SetPictureSource({kPictureSource, {}});
-    const std::wstring name =
-        L"クリップボード内の画像 ( " + std::to_wstring(header.bitCount) + L"bit )";
-    window_.SetPanelText(kPluginCountPanel, kTagShown + name);
-    window_.ShowForeignPicture(name);
+    const std::wstring name = L"クリップボード内の画像";
+    window_.SetPanelText(kPluginCountPanel,
+                         kTagShown + name + L" ( " + std::to_wstring(header.bitCount) + L"bit )");
+    window_.ShowForeignPicture(name + PictureInfoTail());
 }
 
 }  // namespace tessary

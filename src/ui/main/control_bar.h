@@ -53,6 +53,9 @@ class ControlBar : public FileListReceiver {
     // Told that the view has something else than the selected file now: its name, or nothing.
     virtual void PictureReplaced(const std::wstring& info) = 0;
 
+    // Told that a picture was saved in that file.
+    virtual void FileSaved(const std::wstring& path) = 0;
+
     // Does what a click on the button does.
     virtual void Press(BarButton button) = 0;
 

@@ -4,9 +4,11 @@
 #include <utility>
 
 #include "app/base/message_box.h"
+#include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "picture/current_picture.h"
+#include "picture/show/picture_text.h"
 #include "plugin/call_log.h"
 #include "ui/form/clipboard.h"
 #include "ui/form/menu.h"
@@ -233,9 +235,13 @@ void frmMain::Form_Resize(int width, int height) {
     scroller_.AreaChanged();
 }
 
-void frmMain::ShowPluginCount() {
+std::wstring frmMain::PluginCountText() const {
     const int count = services_.pluginCount ? services_.pluginCount() : 0;
-    SetPanelText(kPluginCountPanel, std::to_wstring(count) + L"個のプラグイン");
+    return std::to_wstring(count) + L"個のプラグイン";
+}
+
+void frmMain::ShowPluginCount() {
+    SetPanelText(kPluginCountPanel, PluginCountText());
 }
 
 void frmMain::SetPictureSource(PictureSource source) {
@@ -251,7 +257,8 @@ void frmMain::menuEditClear_Click() {
 }
 
 void frmMain::ShowForeignPicture(const std::wstring& info) {
-    SetPanelText(kShownFilePanel, L"");
+    const std::wstring size = info.empty() ? std::wstring() : PictureInfoTail() + L' ';
+    SetPanelText(kShownFilePanel, std::wstring(TrimSpaces(size + PluginCountText())));
     if (controlBar_ != nullptr) controlBar_->PictureReplaced(info);
 }
 

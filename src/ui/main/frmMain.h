@@ -125,9 +125,15 @@ class frmMain final : public Form, public PictureView {
     // Shows a short text upon the picture for a moment.
     void ShowNote(const std::wstring& note) { pictureView_.ShowNote(note); }
 
-    // What is in the view now, or nothing, comes from no file of the control bar's: empties its
-    // place in the status bar and tells the bar.
+    // What is in the view now, or nothing, comes from no file of the control bar's: tells the bar,
+    // and in the place of the shown file the picture's size and the number of plug-ins, whose own
+    // place has another text then.
     void ShowForeignPicture(const std::wstring& info);
+
+    // Tells the control bar that a picture was saved in that file.
+    void TellSaved(const std::wstring& path) {
+        if (controlBar_ != nullptr) controlBar_->FileSaved(path);
+    }
 
     // Arrow keys scroll; Enter steps forward, Shift+Enter back; Tab goes to the control bar.
     // `shift` is a sum of kShiftMask …. The control bar passes its own keys on to this.
@@ -159,6 +165,7 @@ class frmMain final : public Form, public PictureView {
     void Form_Command(int id) override { commands_.Run(id); }
     SIZE MinimumSize() const override;
 
+    std::wstring PluginCountText() const;
     void PlaceWindow();
     void SavePlacement() const;
     void CreateControls();

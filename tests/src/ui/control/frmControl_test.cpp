@@ -360,7 +360,8 @@ TEST_F(WishTest, MotionAndCommandsWaitToo) {
     LoadSlowly();
     EXPECT_TRUE(window_.PictureShown());
     EXPECT_TRUE(RunUntil([&] { return !window_.PictureShown(); }));
-    EXPECT_EQ(Info() + Panel(), L"");  // nothing of the file that is gone from the view
+    EXPECT_EQ(Info() + Panel(),
+              L"2個のプラグイン");  // nothing of the file that is gone from the view
     PostMessageW(window_.Handle(), WM_COMMAND, menuControl_3, 0);  // 再生
     LoadSlowly();
     EXPECT_TRUE(Shows(7));
@@ -550,6 +551,48 @@ TEST_F(DeleteListTest, DeletesAndLetsTheUserDecideAboutFailures) {
     EXPECT_EQ(HeightAt96Dpi(), 130);
 }
 
+// What has become of a file since it was marked counts, not what it is called.
+TEST_F(DeleteListTest, DeletesOnlyWhatWasMarked) {
+    const List files{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp"), Bitmap(L"4.bmp"),
+                     Bitmap(L"5.bmp")};
+    const std::wstring again = folder_.Path() + LR"(.\)" + L"4.BMP";
+    List listed = files;
+    listed.push_back(again);
+    bar_.SetFileList(listed);
+    for (int i = 0; i < 4; ++i)
+        bar_.Press(BarButton::kDeleteList);
+    Click(bar_.listFileName(), 1);
+    bar_.FileSaved(folder_.Path() + L"1.BMP");
+    EXPECT_EQ(window_.pictureView().Note(), L"保存したので、削除リストから一覧に戻しました: 1.bmp");
+    EXPECT_EQ(Items(bar_.listDelete()), (List{files[1], files[2], files[3]}));
+    EXPECT_EQ(Items(bar_.listFileName()), (List{files[4], again, files[0]}));
+
+    folder_.Write(L"2.bmp", test::BitmapFileOf(9, 9, RGB(1, 2, 3)));
+    std::filesystem::remove(files[2]);
+    List questions;
+    SetMessageBoxResponder([&](const std::wstring& text, unsigned, const std::wstring&) {
+        questions.push_back(text);
+        return questions.size() == 1 ? IDOK : IDNO;
+    });
+    const HWND cmdOK = FindWindowExW(bar_.Handle(), nullptr, L"BUTTON", L"ディスクから削除(&D)");
+    SendMessageW(cmdOK, BM_CLICK, 0, 0);
+    ASSERT_EQ(questions.size(), 2u);
+    EXPECT_NE(questions[1].find(L"2.bmp は、削除リストに入れた後に変更"), std::wstring::npos);
+    EXPECT_TRUE(std::filesystem::exists(files[1]));
+    EXPECT_FALSE(std::filesystem::exists(files[3]));
+    EXPECT_EQ(HeightAt96Dpi(), 130);
+    EXPECT_EQ(Items(bar_.listFileName()), (List{files[4], files[0], files[1]}));
+    EXPECT_EQ(Info(), L"[画像] 1.bmp ( 8×6 24bit )");  // in the place of the one that was shown
+
+    bar_.SetFileList(List{files[0], again, folder_.Path() + L"1.BMP"});
+    Click(bar_.listFileName(), 2);
+    bar_.Press(BarButton::kDeleteList);
+    Click(bar_.listFileName(), 0);
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(bar_.listDelete().Count(), 1);
+    EXPECT_EQ(window_.pictureView().Note(), L"1.bmp は、もう削除リストにあります。");
+}
+
 TEST_F(KeyTest, StepFromEveryPart) {
     const auto stepsHere = [&](const char* where) {
         int at = Selected();
@@ -667,6 +710,11 @@ TEST_F(KeyTest, TabGoesRoundBothWindowsAndF6Between) {
     bar_.Press(BarButton::kCancelDelete);
     bar_.Press(BarButton::kFold);
     EXPECT_EQ(round(), (std::vector<HWND>{toolbar, View()}));
+    Press(VK_F6);
+    EXPECT_TRUE(bar_.CoolBar().HasFocus() || GetFocus() == bar_.Handle());
+    PostMessageW(GetFocus(), WM_SYSKEYDOWN, VK_F4, 1 << 29);  // with Alt
+    DoEvents();
+    EXPECT_EQ(window_.Handle(), nullptr);
 }
 
 TEST_F(DeleteListTest, NothingIsDroppedUnasked) {

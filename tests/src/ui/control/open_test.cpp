@@ -31,6 +31,7 @@ class TakingBar final : public ControlBar {
     bool IsPlaying() const override { return false; }
     void WishCommand(int) override {}
     void PictureReplaced(const std::wstring&) override {}
+    void FileSaved(const std::wstring&) override {}
     bool SetFileList(std::span<const std::wstring> files) override {
         lists.emplace_back(files.begin(), files.end());
         if (onSetFileList) onSetFileList();

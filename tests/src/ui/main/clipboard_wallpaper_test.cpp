@@ -75,8 +75,8 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
     EXPECT_EQ(window_.pictureView().PictureSize().cx, 31);
     EXPECT_EQ(ShownPixel(5, 3), test::PixelAt(5, 3));
     EXPECT_EQ(Panel(kPluginCountPanel), L"[表示中] クリップボード内の画像 ( 24bit )");
-    EXPECT_EQ(Panel(kShownFilePanel), L"");
-    EXPECT_EQ(controlBar_.info, L"クリップボード内の画像 ( 24bit )");
+    EXPECT_EQ(Panel(kShownFilePanel), L"( 31×17 24bit ) 3個のプラグイン");
+    EXPECT_EQ(controlBar_.info, L"クリップボード内の画像 ( 31×17 24bit )");
     EXPECT_EQ(window_.Source().fileName, L"クリップボード");
     window_.SetPictureSource({L"b.bmp", L""});  // the next file
     EXPECT_EQ(Panel(kPluginCountPanel), L"3個のプラグイン");

@@ -28,6 +28,7 @@ class RecordingControlBar final : public ControlBar {
     bool IsPlaying() const override { return playing; }
     void WishCommand(int command) override { wishes.push_back(command); }
     void PictureReplaced(const std::wstring& text) override { info = text; }
+    void FileSaved(const std::wstring&) override {}
     void ClearLists() override { ++clears; }
     std::vector<std::wstring> FileList() const override { return files; }
     bool HasFiles() const override { return !files.empty(); }
