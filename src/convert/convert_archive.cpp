@@ -83,7 +83,10 @@ StepResult ConvertRun::ConvertArchiveFile(const WorkEntry& entry, const std::wst
             if (reason != FileReason::kArchiveNotExpanded) {
                 log_.WriteConvertLog(L"詳細情報", ReasonText(reason), 4);
             }
-            Report(FileOutcome::kDeclined, reason);
+            // The user does not expect that one of two is left out.
+            Report(
+                reason == FileReason::kSameArchive ? FileOutcome::kSkipped : FileOutcome::kDeclined,
+                reason);
             return;
         }
         log_.WriteConvertLog(L"使用プラグイン", SusieCollection().NameOf(pluginKey), 2);
@@ -134,7 +137,7 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const WorkEntry& entry, i
     // What a run has left that was killed is ours; all else that stands here is somebody's.
     const auto record = std::make_shared<ExtractionRecord>(folder + L'\\');
     record->DeleteLeftovers([&](const std::wstring& path) {
-        return list_.Holds(path) || names_.IsSource(path) || names_.IsResult(path);
+        return list_.Holds(path) || names_.IsSource(path) || names_.SourceOfResult(path);
     });
     Expansion expansion{archive, folder, isNew, record, {}, {}};
     for (const ListedMember& file : archive.GetExpandFileList()) {

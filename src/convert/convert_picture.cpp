@@ -31,8 +31,16 @@ StepResult ConvertRun::ConvertBitmapFile(const WorkEntry& entry) {
         if (!source_.picture) source_.picture = ReadBitmapSource(entry.path, TellProgress);
         const SourcePicture& source = *source_.picture;
         if (!source.picture) {
-            result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"ビットマップの読み込みに失敗しました", {}, 2);
+            // A plug-in may know more of bitmaps.
+            SourcePicture other = DecodeSource(entry.path, {}, TellProgress);
+            if (other.picture) {
+                source_.pluginKey = other.pluginKey;
+                source_.picture = std::move(other);
+                result = ConvertPictureFile(entry);
+                return;
+            }
+            result = StepResult::kNotHandled;
             Report(FileOutcome::kFailed, FileReason::kBrokenData);
             return;
         }
@@ -133,11 +141,16 @@ std::optional<std::wstring> ConvertRun::NextToRead(const std::wstring& output) c
 }
 
 StepResult ConvertRun::Skip(const std::wstring& path, FileReason reason) {
-    log_.WriteConvertLog(L"処理をスキップしました", ReasonText(reason), 2);
+    log_.WriteConvertLog(L"処理をスキップしました", {}, 2);
+    log_.WriteConvertLog(L"詳細情報", ReasonText(reason), 4);
     log_.WriteConvertLog(L"既存のファイル", path, 4);
     report_.target = path;
     // No other one's either then.
-    if (reason == FileReason::kAlreadyConverted) names_.AddResult(path, Entry());
+    const bool isResume = Values().convert.onConflict == kConflictSkip && !names_.IsSource(path);
+    if (reason == FileReason::kAlreadyConverted ||
+        (isResume && reason == FileReason::kTargetExists)) {
+        names_.AddResult(path, Entry(), false);
+    }
     Report(FileOutcome::kSkipped, reason);
     return StepResult::kDone;
 }
@@ -162,7 +175,7 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const Wo
         {entry, extension, [&](const std::wstring& path) { return trial.IsLike(path); }});
     if (choice.isSkipped) return Skip(choice.path, choice.reason);
     report_.target = choice.path;
-    report_.isRenamed = choice.isRenamed;
+    report_.isRenamed = choice.isRenamed || entry.isNumbered;
     report_.isReplaced = choice.isReplaced;
     log_.WriteConvertLog(L"画像の色数", std::to_wstring(header.bitCount) + L" bit", 2);
     log_.WriteConvertLog(L"保存ファイル名", choice.path, 2);
@@ -172,14 +185,16 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const Wo
     if (choice.isReplaced) log_.WriteConvertLog(L"既存のファイルを置き換えます", {}, 4);
     if (Values().convert.keepFolders) MakeFolder(entry.folder);
     if (Values().convert.onConflict == kConflictOverwrite) MakeWayFor(choice.path);
-    const FileReason reason = report_.isDamaged ? FileReason::kDamaged : choice.reason;
+    const FileReason reason = report_.isDamaged  ? FileReason::kDamaged
+                              : entry.isNumbered ? FileReason::kTargetExists
+                                                 : choice.reason;
     Note(FileOutcome::kConverted, reason, damage);
     if (const DWORD error = SaveAndRead(picture, choice.path); error != ERROR_SUCCESS) {
         log_.WriteConvertLog(L"保存に失敗しました", FileNameOf(choice.path), 2);
         Report(FileOutcome::kFailed, ReasonOfWriteError(error, choice.path));
         return StepResult::kNotSaved;
     }
-    names_.AddResult(choice.path, entry);
+    names_.AddResult(choice.path, entry, !choice.isReplaced);
     Report(FileOutcome::kConverted, reason, damage);
     return StepResult::kDone;
 }

@@ -36,6 +36,8 @@ ReasonName NameOf(FileReason reason) {
             return {L"listed-twice", L"一覧に 2 回あるファイル"};
         case FileReason::kMissing:
             return {L"missing", L"ファイルが見つからない"};
+        case FileReason::kOverwritten:
+            return {L"overwritten", L"変換する前に、この変換の別の結果で置き換えられた"};
         case FileReason::kUnreadable:
             return {L"unreadable", L"ファイルを読み取れない"};
         case FileReason::kEmptyFile:

@@ -30,6 +30,7 @@ enum class FileReason {
     kListedTwice,       // it was in the list before
     // Of failed ones.
     kMissing,
+    kOverwritten,  // by another picture of this run, before it was read
     kUnreadable,
     kEmptyFile,
     kUnknownFormat,

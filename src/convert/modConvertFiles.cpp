@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/base/error.h"
+#include "app/base/file_identity.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
@@ -147,9 +148,16 @@ void ConvertRun::CleanUp(const WorkEntry& entry, StepResult result) {
 }
 
 StepResult ConvertRun::ConvertByKind(const WorkEntry& entry) {
-    const bool overwrites = Values().convert.onConflict == kConflictOverwrite;
-    if (!overwrites && !entry.IsExtracted() && names_.IsResult(entry.path)) {
-        return Skip(entry.path, FileReason::kAlreadyConverted);
+    if (const auto of = names_.SourceOfResult(entry.path); of && !entry.IsExtracted()) {
+        if (Values().convert.onConflict != kConflictOverwrite) {
+            return Skip(entry.path, FileReason::kAlreadyConverted);
+        }
+        // Once more it may be converted where it is in the list twice.
+        if (!IsSameFile(*of, entry.path)) {
+            log_.WriteConvertLog(L"[エラー]", ReasonText(FileReason::kOverwritten), 2);
+            Report(FileOutcome::kFailed, FileReason::kOverwritten);
+            return StepResult::kNotHandled;
+        }
     }
     std::optional<SourceFile> known = ahead_.Take(entry.path);
     source_ = known ? std::move(*known) : LookAtFile(entry.path);
@@ -207,7 +215,7 @@ void ConvertRun::RemoveExtractedFile(const WorkEntry& entry) {
 // A member may have been replaced by the picture that it or another has become.
 void ConvertRun::DeleteExtracted(const WorkEntry& entry) {
     if (entry.path.empty()) return;
-    if (!names_.IsResult(entry.path)) DeleteFiles(entry.path, true);
+    if (!names_.SourceOfResult(entry.path)) DeleteFiles(entry.path, true);
     names_.Release(entry);
     if (entry.record) entry.record->Remove(entry.path);
 }

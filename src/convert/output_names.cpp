@@ -1,5 +1,7 @@
 #include "convert/output_names.h"
 
+#include <windows.h>
+
 #include "app/base/file_identity.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -7,6 +9,8 @@
 
 namespace tessary {
 namespace {
+
+constexpr size_t kLongestName = 255;  // that file systems take
 
 std::wstring OwnName(const WorkEntry& entry) {
     return entry.saveName.empty() ? FileNameOf(entry.path) : entry.saveName;
@@ -20,9 +24,15 @@ std::wstring OwnStem(const WorkEntry& entry) {
 
 // The path for the number, which counts from 1.
 std::wstring Candidate(const WorkEntry& entry, const std::wstring& extension, int number) {
+    std::wstring tail = extension;
+    if (number > 1) tail = L" (" + std::to_wstring(number) + L')' + extension;
     std::wstring path = OwnStem(entry);
-    if (number > 1) path.append(L" (").append(std::to_wstring(number)).append(L")");
-    return path + extension;
+    const size_t longest = entry.folder.size() + kLongestName - tail.size();
+    if (path.size() > longest) {
+        // Not in the middle of a pair.
+        path.resize(IS_HIGH_SURROGATE(path[longest - 1]) ? longest - 1 : longest);
+    }
+    return path + tail;
 }
 
 OutputChoice Chosen(const std::wstring& path, int number, bool isReplaced) {
@@ -55,14 +65,30 @@ void OutputNames::Release(const WorkEntry& entry) {
     if (!entry.saveName.empty()) own_.erase(ToUpper(entry.path));
 }
 
-void OutputNames::AddResult(const std::wstring& path, const WorkEntry& entry) {
+void OutputNames::AddResult(const std::wstring& path, const WorkEntry& entry, bool isNew) {
     results_.emplace(ToUpper(path), entry.path);
-    results_.emplace(IdentityOf(path), entry.path);
+    if (isNew) {
+        newResults_.push_back(path);
+    } else {
+        resultKeys_.emplace(IdentityOf(path), entry.path);
+    }
 }
 
-bool OutputNames::IsResult(const std::wstring& path) const {
-    return results_.contains(ToUpper(path)) ||
-           (!results_.empty() && results_.contains(IdentityOf(path)));
+bool OutputNames::IsResult(const std::wstring& path) {
+    if (results_.contains(ToUpper(path))) return true;
+    for (const std::wstring& result : newResults_)
+        resultKeys_.emplace(IdentityOf(result), results_[ToUpper(result)]);
+    newResults_.clear();
+    return SourceOfResult(path).has_value();
+}
+
+std::optional<std::wstring> OutputNames::SourceOfResult(const std::wstring& path) const {
+    if (const auto result = results_.find(ToUpper(path)); result != results_.end()) {
+        return result->second;
+    }
+    if (resultKeys_.empty()) return std::nullopt;
+    const auto result = resultKeys_.find(IdentityOf(path));
+    return result == resultKeys_.end() ? std::nullopt : std::optional(result->second);
 }
 
 bool OutputNames::IsSource(const std::wstring& path) {
@@ -95,8 +121,8 @@ bool OutputNames::IsListed(const std::wstring& path) {
     const std::wstring folder = FolderOf(path);
     const auto [listing, isNew] = listings_.try_emplace(ToUpper(folder));
     if (isNew) {
-        for (const std::wstring& file : FilesInFolder(folder))
-            listing->second.insert(ToUpper(FileNameOf(file)));
+        for (const std::wstring& name : NamesInFolder(folder))
+            listing->second.insert(ToUpper(name));
     }
     return listing->second.contains(ToUpper(FileNameOf(path)));
 }
@@ -144,14 +170,14 @@ OutputChoice OutputNames::Choose(const OutputWish& wish) {
 
 // Looks among the names that an earlier run may have given to pictures of this name, also behind
 // one that is free, and settles for the first of the best: the picture's like, a free one among
-// them, one whose file may be replaced, a free one behind them.
+// them, its own where the file there may be replaced, a free one behind them.
 OutputChoice OutputNames::FreeName(const OutputWish& wish, bool onlyNew) {
     const WorkEntry& entry = wish.entry;
     int last = Contenders(entry);
     bool isContested = last > 1;
-    int replaceable = 0;
+    bool mayReplace = false;
     int free = 0;
-    for (int number = 1; number <= last || (replaceable == 0 && free == 0); ++number) {
+    for (int number = 1; number <= last || (!mayReplace && free == 0); ++number) {
         const std::wstring path = Candidate(entry, wish.extension, number);
         if (IsListedTwice(path, entry)) return Skipped(path, FileReason::kListedTwice);
         if (IsTaken(path, entry)) {
@@ -164,30 +190,33 @@ OutputChoice OutputNames::FreeName(const OutputWish& wish, bool onlyNew) {
             continue;
         }
         if (IsResult(path)) continue;
-        const bool isSource = IsSource(path) || IsBesideSource(path);
+        const bool isSource = IsSource(path) || IsBesideSource(path) || IsFolder(path);
         isContested = isContested || isSource;
         if (isContested && wish.isWritten(path)) {
             return Skipped(path, FileReason::kAlreadyConverted);
         }
-        if (isSource || onlyNew) {
+        // Another name than its own is not worth anybody's file.
+        if (isSource || onlyNew || number > 1) {
             ++last;  // no earlier run has given this one
             continue;
         }
         if (!isContested) return Chosen(path, number, true);
-        if (replaceable == 0) replaceable = number;
+        mayReplace = true;
     }
-    const bool isFree = free != 0 && (free <= last || replaceable == 0);
-    const int number = isFree ? free : replaceable;
+    const bool isFree = free != 0 && (free <= last || !mayReplace);
+    const int number = isFree ? free : 1;
     return Chosen(Candidate(entry, wish.extension, number), number, !isFree);
 }
 
 // What is there stays. Pictures of one name still get one file each, or all but one would be left
-// out; a file that is none of theirs, by its content, counts as another's.
+// out. Where some of these are missing, a file that is none of theirs, by its content, counts as
+// another's.
 OutputChoice OutputNames::SkippingName(const OutputWish& wish) {
     const WorkEntry& entry = wish.entry;
     const int last = Contenders(entry);
     int free = 0;
-    for (int number = 1; number <= last || free == 0; ++number) {
+    int unclaimed = 0;  // by a picture of this run
+    for (int number = 1; number <= last || (unclaimed == 0 && free == 0); ++number) {
         const std::wstring path = Candidate(entry, wish.extension, number);
         if (IsListedTwice(path, entry)) return Skipped(path, FileReason::kListedTwice);
         if (IsTaken(path, entry)) continue;
@@ -197,7 +226,12 @@ OutputChoice OutputNames::SkippingName(const OutputWish& wish) {
         }
         if (IsResult(path)) continue;
         if (IsSource(path)) return Skipped(path, FileReason::kTargetExists);
-        if (last == 1 || wish.isWritten(path)) return Skipped(path, FileReason::kAlreadyConverted);
+        if (last == 1) return Skipped(path, FileReason::kTargetExists);
+        if (wish.isWritten(path)) return Skipped(path, FileReason::kAlreadyConverted);
+        if (unclaimed == 0 && number <= last) unclaimed = number;
+    }
+    if (unclaimed != 0 && (free == 0 || free > last)) {
+        return Skipped(Candidate(entry, wish.extension, unclaimed), FileReason::kTargetExists);
     }
     return Chosen(Candidate(entry, wish.extension, free), free, false);
 }
@@ -215,7 +249,7 @@ OutputChoice OutputNames::OverwritingName(const OutputWish& wish) {
     std::wstring path = Candidate(wish.entry, wish.extension, number);
     while (!wish.entry.saveName.empty() && results_.contains(ToUpper(path)))
         path = Candidate(wish.entry, wish.extension, ++number);
-    return Chosen(path, number, Exists(path, wish.entry));
+    return Chosen(path, number, Exists(path, wish.entry) && !IsFolder(path));
 }
 
 OutputChoice OutputNames::AskedName(const OutputWish& wish) {
@@ -226,8 +260,8 @@ OutputChoice OutputNames::AskedName(const OutputWish& wish) {
     const bool exists = Exists(path, entry);
     if (!isTaken && !exists) return Chosen(path, 1, false);
     // Nobody wants to lose a picture of this run to another one.
-    const bool isOfRun =
-        isTaken || IsResult(path) || (IsSource(path) && !IsSameFile(path, entry.path));
+    const bool isOfRun = isTaken || IsResult(path) || IsFolder(path) ||
+                         (IsSource(path) && !IsSameFile(path, entry.path));
     const ConflictAnswer answer =
         monitor_.AskConflict({.source = entry.path, .target = path, .mayReplace = !isOfRun});
     switch (answer) {

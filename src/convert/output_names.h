@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -53,9 +54,14 @@ class OutputNames {
     // for sure.
     bool WillSkip(const WorkEntry& entry, const std::wstring& extension);
 
-    // A picture has been written, or is there from an earlier run.
-    void AddResult(const std::wstring& path, const WorkEntry& entry);
-    bool IsResult(const std::wstring& path) const;
+    // A picture has been written, or is there from an earlier run. `isNew`: nothing had the name
+    // before.
+    void AddResult(const std::wstring& path, const WorkEntry& entry, bool isNew);
+    // For a file that is there.
+    bool IsResult(const std::wstring& path);
+    // The file, or member, that has become the result; nothing when it is none, or one that nobody
+    // can have meant by that path before the run.
+    std::optional<std::wstring> SourceOfResult(const std::wstring& path) const;
     bool IsSource(const std::wstring& path);
 
   private:
@@ -77,8 +83,12 @@ class OutputNames {
     std::unordered_set<std::wstring> sourceKeys_;  // their identities, as soon as they matter
     std::map<std::wstring, bool> besideSource_;    // folders in upper case: whether they hold one
     std::unordered_set<std::wstring> sourceFolders_;  // identities of the folders that do
-    // The results, by their paths in upper case and by their identities: whose they are.
+    // The results, by their paths in upper case: whose they are.
     std::unordered_map<std::wstring, std::wstring> results_;
+    // The paths of new files, which nobody knew by other paths before the run.
+    std::vector<std::wstring> newResults_;
+    // The others, and new ones as soon as that matters, by their identities.
+    std::unordered_map<std::wstring, std::wstring> resultKeys_;
     // How many of the files would have a path, without its extension, in upper case.
     std::unordered_map<std::wstring, int> wanted_;
     // The paths that are extracted members' own, in upper case, and whose they are.

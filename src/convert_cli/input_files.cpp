@@ -1,7 +1,5 @@
 #include "convert_cli/input_files.h"
 
-#include <windows.h>
-
 #include <utility>
 
 #include "app/base/paths.h"
@@ -37,15 +35,8 @@ void AddFolder(const std::wstring& folder, bool recursive, InputFiles& found) {
     }
 }
 
-bool IsHidden(const std::wstring& path) {
-    const DWORD attributes = GetFileAttributesW(ExtendedPath(path).c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES &&
-           (attributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) != 0;
-}
-
 void AddMatching(const std::wstring& pattern, InputFiles& found) {
-    Files matching = FilesInFolder(FolderOf(pattern), FileNameOf(pattern));
-    std::erase_if(matching, IsHidden);
+    Files matching = PlainFilesInFolder(FolderOf(pattern), FileNameOf(pattern));
     if (matching.empty()) {
         found.troubles.push_back(L"一致するファイルがありません: " + pattern);
     }

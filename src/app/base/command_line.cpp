@@ -58,7 +58,7 @@ int ParseCommandLine(std::wstring_view commandLine, uint32_t platformId,
         std::wstring path = FullPathOf(name);
         if (is95) path = LongNameOf(path);
         if (IsFolder(path)) {
-            std::vector<std::wstring> inFolder = FilesInFolder(path, L"*.*");
+            std::vector<std::wstring> inFolder = PlainFilesInFolder(path, L"*.*");
             files.insert(files.end(), std::make_move_iterator(inFolder.begin()),
                          std::make_move_iterator(inFolder.end()));
         } else {

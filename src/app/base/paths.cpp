@@ -95,28 +95,58 @@ bool IsFolder(std::wstring_view path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-std::vector<std::wstring> FilesInFolder(std::wstring_view folder, std::wstring_view pattern) {
-    std::vector<std::wstring> files;
+namespace {
+
+std::wstring WithBackslash(std::wstring_view folder) {
     std::wstring prefix(folder);
     if (!prefix.empty() && prefix.back() != L'\\') prefix += L'\\';
+    return prefix;
+}
+
+// The names of what is in a folder and has none of these attributes.
+std::vector<std::wstring> NamesWithout(DWORD attributes, const std::wstring& prefix,
+                                       std::wstring_view pattern) {
+    std::vector<std::wstring> names;
     WIN32_FIND_DATAW entry;
     UniqueFind find(FindFirstFileExW(ExtendedPath(prefix + std::wstring(pattern)).c_str(),
                                      FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr,
                                      FIND_FIRST_EX_LARGE_FETCH));
-    if (!find) return files;
+    if (!find) return names;
     do {
-        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-            files.push_back(prefix + entry.cFileName);
-        }
+        if ((entry.dwFileAttributes & attributes) == 0) names.emplace_back(entry.cFileName);
     } while (FindNextFileW(find.Get(), &entry));
+    return names;
+}
+
+std::vector<std::wstring> FilesWithout(DWORD attributes, std::wstring_view folder,
+                                       std::wstring_view pattern) {
+    const std::wstring prefix = WithBackslash(folder);
+    std::vector<std::wstring> files =
+        NamesWithout(attributes | FILE_ATTRIBUTE_DIRECTORY, prefix, pattern);
+    for (std::wstring& file : files)
+        file.insert(0, prefix);
     return files;
+}
+
+}  // namespace
+
+std::vector<std::wstring> FilesInFolder(std::wstring_view folder, std::wstring_view pattern) {
+    return FilesWithout(0, folder, pattern);
+}
+
+std::vector<std::wstring> PlainFilesInFolder(std::wstring_view folder, std::wstring_view pattern) {
+    return FilesWithout(FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM, folder, pattern);
+}
+
+std::vector<std::wstring> NamesInFolder(std::wstring_view folder) {
+    return NamesWithout(0, WithBackslash(folder), L"*");
 }
 
 std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths) {
     std::vector<std::wstring> files;
     for (const std::wstring& path : paths) {
         if (IsFolder(path)) {
-            std::vector<std::wstring> inFolder = FilesInFolder(path);
+            std::vector<std::wstring> inFolder = PlainFilesInFolder(path);
             std::move(inFolder.begin(), inFolder.end(), std::back_inserter(files));
         } else {
             files.push_back(path);

@@ -39,7 +39,14 @@ bool IsFolder(std::wstring_view path);
 // The plain files directly in a folder, as full paths in listing order; sub-folders are left out.
 std::vector<std::wstring> FilesInFolder(std::wstring_view folder, std::wstring_view pattern = L"*");
 
-// The paths with the plain files directly in it in place of each folder.
+// The names of all that is directly in a folder, files and folders, in listing order.
+std::vector<std::wstring> NamesInFolder(std::wstring_view folder);
+
+// As FilesInFolder, but for hidden and system files.
+std::vector<std::wstring> PlainFilesInFolder(std::wstring_view folder,
+                                             std::wstring_view pattern = L"*");
+
+// The paths with the files directly in it in place of each folder, but for hidden and system files.
 std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths);
 
 // A name for the file that ANSI interfaces (plug-ins) can open: the path itself, else its short

@@ -109,6 +109,18 @@ TEST(PathsTest, ReachesLongPathsAndForeignNames) {
     EXPECT_EQ(FilesInFolder(deep), std::vector<std::wstring>{file});
 }
 
+TEST(PathsTest, FoldersStandForWhatIsPlainInThem) {
+    const test::TemporaryFolder folder;
+    const std::wstring plain = folder.Write(L"plain.bmp", "1");
+    folder.Write(L"sub\\other.bmp", "1");
+    for (const DWORD attribute : {FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM}) {
+        const std::wstring path = folder.Write(std::to_wstring(attribute) + L".bmp", "1");
+        ASSERT_TRUE(SetFileAttributesW(path.c_str(), attribute));
+    }
+    EXPECT_EQ(FilesInFolder(folder.Path()).size(), 3U);
+    EXPECT_EQ(WithFoldersExpanded({folder.Path()}), std::vector{plain});
+}
+
 TEST(PathsTest, FindsAnsiNamesForForeignOnes) {
     const test::TemporaryFolder folder;
     const std::wstring plain = folder.Write(L"写真 1.bmp", "plain");

@@ -251,6 +251,48 @@ TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
     EXPECT_EQ(Converted(), L"a (2).bmp a.bmp ");
 }
 
+// A name that is given because another is in use replaces nothing, and names fit into a folder.
+TEST_F(ConflictTest, OtherNamesAreFreeOnes) {
+    source_.Write(L"a.tst", "TST 4x4x24\n");
+    source_.Write(L"a.bmp", ForeignBitmap(5));
+    const std::wstring mine = target_.Write(L"out\\a (2).bmp", "mine");
+    std::filesystem::create_directories(Target() + L"b.bmp");
+    source_.Write(L"b.tst", "TST 4x4x24\n");
+    const std::wstring longName(250, L'n');
+    source_.Write(longName + L".bmp", ForeignBitmap(5));
+    source_.Write(longName + L".tst", "TST 4x4x24\n");
+    for (int run = 0; run < 2; ++run) {
+        EXPECT_TRUE(RunOver(source_.Path(), Target(), run == 1));
+        EXPECT_EQ(Converted(), L"a (2).bmp a (3).bmp a.bmp b (2).bmp " + longName.substr(0, 247) +
+                                   L" (2).bmp " + longName + L".bmp ");
+        EXPECT_EQ(ContentOf(mine), "mine");
+    }
+    // What is there stays, whatever it is; and nothing is said of it that nobody knows.
+    Values().convert.onConflict = kConflictSkip;
+    for (const wchar_t* const name : {L"a.bmp", L"a (3).bmp"})
+        target_.Write(std::wstring(L"out\\") + name, "made with other settings");
+    const Files before = FilesBelow(Target());
+    EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+    EXPECT_EQ(NamesOf(FilesBelow(Target())), NamesOf(before));
+    EXPECT_EQ(std::ranges::count(monitor_.reports, FileReason::kTargetExists, &FileReport::reason),
+              3);
+    // Members of one name are told as renamed.
+    source_.Write(L"x.tsa", ArchiveOf({{"m.tst", "TST 4x4x24\n"}, {"M.tst", "TST 5x4x24\n"}}));
+    monitor_.files = {source_.Path() + L"x.tsa"};
+    monitor_.reports.clear();
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(std::ranges::count(monitor_.reports, true, &FileReport::isRenamed), 1);
+}
+
+TEST_F(ConflictTest, SourcesThatWereOverwrittenAreNoSuccess) {
+    Values().convert.onConflict = kConflictOverwrite;
+    source_.Write(L"a.bmp", ForeignBitmap(5));
+    source_.Write(L"a.tst", "TST 4x4x24\n");
+    EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), true));
+    EXPECT_EQ(monitor_.reports.back().outcome, FileOutcome::kFailed);
+    EXPECT_EQ(monitor_.reports.back().reason, FileReason::kOverwritten);
+}
+
 TEST_F(ConflictTest, TheSameFileByAnotherPathIsTheSame) {
     std::filesystem::create_directories(Target());
     const std::wstring own = target_.Write(L"out\\a.bmp", ForeignBitmap(5));

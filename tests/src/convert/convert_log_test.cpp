@@ -91,6 +91,7 @@ constexpr wchar_t kFiles[] =
 )";
 
 TEST_F(ConvertLogTest, TellsWhatBecomesOfFiles) {
+    Values().convert.onConflict = kConflictOverwrite;
     std::filesystem::create_directories(Target() + L"A.BMP.jpg");  // in the way
     Values().convert.noDecodeSmall = 1;
     Values().convert.minDecodeSizeX = 4;
