@@ -193,14 +193,20 @@ void ExcuseLastCall() {
 void HoldThreadCrashAgainst(const std::wstring& plugin) {
     OwnLogs& own = Own();
     const std::lock_guard lock(own.mutex);
-    if (own.isExcused || (!plugin.empty() && plugin == own.calledPlugin)) return;
+    if (own.isExcused) return;
     const std::wstring function = GetSetting(LogOf(kCallLog, OwnRun()), kFunctionKey);
     if (plugin.empty() && function != kFreeLibrary) return;
+    PluginCall crash{kThread, plugin, {}};
+    // Its own call tells more. That note does not last: the thread that calls goes on until the
+    // system has ended the process.
+    for (const wchar_t* log : {kCallLog, kInfoLog}) {
+        std::optional<PluginCall> call = Noted(log, OwnRun());
+        if (call && EqualsIgnoreCase(call->plugin, plugin)) crash = *std::move(call);
+    }
     Excuse(own);
     if (plugin.empty()) return;
     // A log of its own: the thread that calls plug-ins may still clear the others.
-    SaveCall({kThread, plugin, {}},
-             [](const auto& texts) { SaveSettings(LogOf(kThreadLog, OwnRun()), texts); });
+    SaveCall(crash, [](const auto& texts) { SaveSettings(LogOf(kThreadLog, OwnRun()), texts); });
 }
 
 std::vector<PluginCall> RecoverInterruptedCalls() {

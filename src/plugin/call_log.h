@@ -47,8 +47,8 @@ std::wstring PluginUnderCall();
 // as an end of the run there: RecoverInterruptedCalls of the next run finds it.
 void NoteDamagingCall(const PluginCall& call);
 
-// From the thread in which a plug-in that is not being called has crashed, which ends the process:
-// holds that against `plugin` instead of the one that is being called. Empty: against nobody, when
+// From another thread than the one that calls plug-ins, when a crash there ends the process: holds
+// it against `plugin` instead of the one that is being called. Empty: against nobody, when
 // a plug-in is being freed, which may take away what others' threads need; else the log stays.
 void HoldThreadCrashAgainst(const std::wstring& plugin);
 
