@@ -591,6 +591,7 @@ TEST_F(DeleteListTest, DeletesOnlyWhatWasMarked) {
     bar_.Press(BarButton::kDeleteList);
     EXPECT_EQ(bar_.listDelete().Count(), 1);
     EXPECT_EQ(window_.pictureView().Note(), L"1.bmp は、もう削除リストにあります。");
+    bar_.Press(BarButton::kCancelDelete);  // the answers to further questions end here
 }
 
 TEST_F(KeyTest, StepFromEveryPart) {
