@@ -104,7 +104,7 @@ using GetLastConditionFunction = int(__stdcall*)(wchar_t* text, int length);
 // header (BI_ALPHABITFIELDS, or BI_BITFIELDS in a longer one), not multiplied by alpha.
 using GetPictureWithAlphaFunction = GetPictureFunction;
 
-// Below 0: not implemented. What a host does not know is to it as kConditionNone.
+// Below 0: a plug-in without an answer. What a host does not know is to it as kConditionNone.
 enum Condition : int32_t {
     kConditionNone = 0,     // nothing to tell
     kConditionDamaged = 1,  // damaged or cut short; what could be read was delivered

@@ -40,7 +40,7 @@ constexpr std::wstring_view kPrograms =
     L"DYLIB O OBJ LIB A PDB APK ";
 constexpr std::wstring_view kDataBases = L" DB DB3 SQLITE SQLITE3 MDB ACCDB LDB DBF ";
 constexpr std::wstring_view kSourceCode =
-    L" C H CC HH CPP HPP CXX HXX CS VB BAS FRM CLS JAVA KT PY RB PL PM PHP ASP ASPX JSP JSX TSX GO "
+    L" C H CC HH CPP HPP CXX HXX CS BAS JAVA KT PY RB PL PM PHP ASP ASPX JSP JSX TSX GO "
     L"RS SWIFT LUA SQL SH BASH ASM PAS DPR RC IDL MAK CMAKE SLN VCPROJ VCXPROJ CSPROJ ";
 constexpr std::wstring_view kFonts = L" TTF TTC OTF FON FNT EOT WOFF WOFF2 PFB PFM AFM ";
 
