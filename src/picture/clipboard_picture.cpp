@@ -75,11 +75,11 @@ OwnedBlock InfoBlockOf(Bytes plain, Bytes masks) {
     });
 }
 
-OwnedPicture PictureOf(Bytes block) {
+ClipboardBlock ReadBlock(Bytes block, OwnedPicture& picture) {
     const std::optional<PackedDib> packed = SplitPackedDib(block);
-    if (!packed) return {};
+    if (!packed) return ClipboardBlock::kNoPicture;
     const dib::CheckedDib checked = dib::CheckDib(packed->info, packed->bits);
-    if (checked.Error() != dib::DibError::kNone) return {};
+    if (checked.Error() != dib::DibError::kNone) return ClipboardBlock::kNoPicture;
     OwnedBlock info =
         InfoBlockOf(checked.KeepsInfo() ? packed->info : checked.Info(), MasksBehind(packed->info));
     OwnedBlock bits =
@@ -88,8 +88,9 @@ OwnedPicture PictureOf(Bytes block) {
                           [&](std::span<uint8_t> target) { CopyBytes(target, packed->bits); })
             : FilledBlock(checked.BitsSize(),
                           [&](std::span<uint8_t> target) { checked.WriteBits(target); });
-    if (!info || !bits) return {};
-    return OwnedPicture({info.Release(), bits.Release()});
+    if (!info || !bits) return ClipboardBlock::kNoMemory;
+    picture = OwnedPicture({info.Release(), bits.Release()});
+    return ClipboardBlock::kPicture;
 }
 
 void WriteBottomUp(const dib::DibView& picture, std::span<uint8_t> target) {
@@ -136,11 +137,18 @@ UniqueGlobal FileAsBlock(const std::wstring& name) {
 
 }  // namespace
 
-int16_t PictureFromClipboardDIB(HGLOBAL block) {
-    Trapped([&] {
+ClipboardBlock ReadClipboardDIB(HGLOBAL block, OwnedPicture& picture) {
+    return Trapped(ClipboardBlock::kNoMemory, [&] {
         const GlobalBlockLock lock(block);
-        if (OwnedPicture picture = PictureOf(lock.Content())) SetCurrentPicture(picture.Release());
+        return ReadBlock(lock.Content(), picture);
     });
+}
+
+int16_t PictureFromClipboardDIB(HGLOBAL block) {
+    OwnedPicture picture;
+    if (ReadClipboardDIB(block, picture) == ClipboardBlock::kPicture) {
+        SetCurrentPicture(picture.Release());
+    }
     return 0;
 }
 

@@ -11,11 +11,16 @@
 
 namespace tessary {
 
-// Makes what a clipboard block holds the current picture, in the plain form (helpers/dib): pixels
-// that are run-length encoded or have unusual masks are written anew. The block stays the
-// clipboard's; its real size decides what is read. The result is always 0: a block that holds no
-// picture of a known kind, or not all of one, and a lack of memory leave the current picture as it
-// is.
+enum class ClipboardBlock { kPicture, kNoPicture, kNoMemory };
+
+// What a clipboard block holds, as a new pair in the plain form (helpers/dib): pixels that are
+// run-length encoded or have unusual masks are written anew. The block stays the clipboard's; its
+// real size decides what is read. From any thread. kNoPicture: it is none of a known kind, or not
+// all of one.
+ClipboardBlock ReadClipboardDIB(HGLOBAL block, OwnedPicture& picture);
+
+// Makes what a clipboard block holds the current picture. The result is always 0: a block that
+// cannot be read leaves the current picture as it is.
 int16_t PictureFromClipboardDIB(HGLOBAL block);
 
 // A picture as such a block, movable, ready to be given to the clipboard: bottom row first, which

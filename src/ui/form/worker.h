@@ -48,6 +48,11 @@ class Worker {
     UniqueThread thread_;
 };
 
+// Waits until the handle is signalled; false when the time is over before. Meanwhile the thread's
+// windows are painted and messages that others send are answered: the one waited for may need that.
+// What is posted, as all that the user does, stays in the queue.
+bool WaitPainting(HANDLE handle, DWORD milliseconds);
+
 // Waits until one of the handles is signalled or the time is over, and handles the messages that
 // come meanwhile. False when the program is about to end.
 bool WaitHandlingMessages(std::span<const HANDLE> handles, DWORD milliseconds);
@@ -62,7 +67,7 @@ std::optional<Result> CallInBackground(std::function<Result()> call,
     constexpr DWORD kAskAgainMilliseconds = 50;
     const auto result = std::make_shared<std::optional<Result>>();
     const Worker worker([result, call = std::move(call)] { *result = call(); });
-    if (WaitForSingleObject(worker.Handle(), kMomentMilliseconds) != WAIT_OBJECT_0) {
+    if (!WaitPainting(worker.Handle(), kMomentMilliseconds)) {
         while (!worker.HasEnded()) {
             const HANDLE end[] = {worker.Handle()};
             if (!waiting() || !WaitHandlingMessages(end, kAskAgainMilliseconds)) {

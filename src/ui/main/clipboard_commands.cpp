@@ -11,7 +11,9 @@
 #include "res/resource.h"
 #include "ui/form/busy_pointer.h"
 #include "ui/form/clipboard.h"
+#include "ui/form/picture_box.h"
 #include "ui/form/text_field.h"
+#include "ui/form/worker.h"
 
 namespace tessary {
 namespace {
@@ -34,25 +36,51 @@ int64_t PixelsOf(const PicturePair& picture) {
 
 // The device-independent bitmap stands for the plain bitmap too, which the system makes of it when
 // a program asks.
-bool CopyPicture(HWND owner, const PicturePair& picture) {
+ClipboardResult CopyPicture(HWND owner, const PicturePair& picture) {
     std::vector<ClipboardItem> items;
     items.push_back({CF_DIB, MakeClipboardDIB(picture)});
-    if (!items[0].block) return false;
+    if (!items[0].block) return {ClipboardFailure::kRefused};
     if (PixelsOf(picture) <= kMostPngPixels) {
         UniqueGlobal png = MakeClipboardPNG(picture);
         if (png) items.push_back({RegisterClipboardFormatW(L"PNG"), std::move(png)});
     }
-    return PutOnClipboard(owner, items);
+    return PutOnClipboard(owner, std::move(items));
 }
 
-// Whether the clipboard's picture is the current one now.
-bool TakePicture(HWND owner) {
-    const HLOCAL former = CurrentPicture().info;
+// What was found on the clipboard.
+struct Taken {
+    OwnedPicture picture = {};
+    bool isNoPicture = false;
+    std::wstring trouble = {};  // for the user; empty: none
+};
+
+Taken InTrouble(std::wstring text) {
+    return {.trouble = std::move(text)};
+}
+
+// May take as long as the program that has put the picture there takes to make it.
+Taken TakePicture(HWND owner) {
+    constexpr wchar_t kTooLarge[] = L"クリップボード内の画像が大きすぎて、メモリが足りません。";
     const ClipboardSession clipboard(owner);
-    if (!clipboard) return false;
+    if (!clipboard) return InTrouble(ClipboardInUseText(clipboard.Holder()));
+    if (!OffersPicture()) return {.isNoPicture = true};
+    SetLastError(ERROR_SUCCESS);
     const HANDLE block = GetClipboardData(CF_DIB);
-    if (block != nullptr) PictureFromClipboardDIB(block);
-    return CurrentPicture().info != former;
+    if (block == nullptr) {
+        return InTrouble(WasMemoryShort() ? kTooLarge
+                                          : L"クリップボード内の画像を、コピーしたプログラムから"
+                                            L"受け取れませんでした。");
+    }
+    Taken taken;
+    switch (ReadClipboardDIB(block, taken.picture)) {
+        case ClipboardBlock::kPicture:
+            return taken;
+        case ClipboardBlock::kNoMemory:
+            return InTrouble(kTooLarge);
+        case ClipboardBlock::kNoPicture:
+            break;
+    }
+    return InTrouble(L"クリップボード内の画像は、壊れているか、対応していない種類です。");
 }
 
 }  // namespace
@@ -74,17 +102,44 @@ bool ClipboardCommands::AreKeysOurs(HWND focused) const {
            IsWindowEnabled(window_.Handle()) && !IsTextField(focused);
 }
 
+// While another program changes what is there, nothing may be offered for a moment: so the paste
+// itself looks.
+bool ClipboardCommands::TakesUselessPaste(const MSG& message) {
+    const auto isDown = [](int key) { return GetKeyState(key) < 0; };
+    if (message.message != WM_KEYDOWN || message.wParam != L'V' || !isDown(VK_CONTROL) ||
+        isDown(VK_SHIFT) || isDown(VK_MENU) || IsReadUnderWay() || OffersPicture() ||
+        !AreKeysOurs(message.hwnd)) {
+        return false;
+    }
+    menuEditPaste_Click();
+    return true;
+}
+
 void ClipboardCommands::menuEditCopy_Click() {
     const BusyPointer busy;
-    if (!CopyPicture(window_.Handle(), CurrentPicture())) {
-        ShowMessageBox(L"クリップボードにデータをコピーできません");
-    }
+    const ClipboardResult result = CopyPicture(window_.Handle(), CurrentPicture());
+    if (!result) TellCopyFailure(result);
 }
 
 void ClipboardCommands::menuEditPaste_Click() {
-    if (!OffersPicture()) return;
     const BusyPointer busy;
-    if (!TakePicture(window_.Handle())) return;
+    std::optional<Taken> taken;
+    {
+        const frmMain::Reading reading(window_, L"クリップボードから受け取っています");
+        taken = CallInBackground<Taken>([owner = window_.Handle()] { return TakePicture(owner); },
+                                        [this] {
+                                            window_.TellProgress(0, 0);
+                                            return window_.Breathe();
+                                        });
+    }
+    window_.CloseIfAsked();
+    if (!taken || Values().quitRequested) return;  // the user has stopped it
+    if (taken->isNoPicture) return window_.ShowNote(L"クリップボードに画像がありません。");
+    if (!taken->trouble.empty()) {
+        ShowMessageBox(L"貼り付けできません。\r\n" + taken->trouble, MB_ICONEXCLAMATION);
+        return;
+    }
+    SetCurrentPicture(taken->picture.Release());
     if (!DisplayCurrentPicture(window_)) {
         // Neither the former picture nor this one's name may stand for what is not there.
         SetCurrentPicture({});

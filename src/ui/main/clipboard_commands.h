@@ -19,15 +19,19 @@ class ClipboardCommands {
     // pasted elsewhere should not depend on how large this window shows it.
     void menuEditCopy_Click();
 
-    // Makes the clipboard's picture the current one and shows it; what is no picture, or none of a
-    // known kind, leaves everything as it is.
+    // Makes the clipboard's picture the current one and shows it. Whoever has put it there may make
+    // it only now: the window stays alive meanwhile, as during any other read. What cannot be
+    // pasted leaves everything as it is, and the user is told why.
     void menuEditPaste_Click();
 
   private:
     bool AreKeysOurs(HWND focused) const;
+    bool TakesUselessPaste(const MSG& message);
 
     frmMain& window_;
     Accelerators accelerators_;
+    // A grey menu item takes no key, but whoever presses it is to learn why nothing comes.
+    MessageFilter uselessPaste_{[this](MSG& message) { return TakesUselessPaste(message); }};
 };
 
 }  // namespace tessary

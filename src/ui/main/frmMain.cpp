@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/base/message_box.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
@@ -265,9 +264,7 @@ void frmMain::ShowForeignPicture(const std::wstring& info) {
 void frmMain::menuPopup_Click(int item) {
     dib::BitmapInfoHeader header{};
     if (!GetPictureHeader(CurrentPicture(), header)) return;
-    if (!CopyTextToClipboard(Handle(), PicturePopupCopyText(item, source_, header))) {
-        ShowMessageBox(L"クリップボードにデータをコピーできません");
-    }
+    CopyTextToClipboard(Handle(), PicturePopupCopyText(item, source_, header));
 }
 
 void frmMain::pictureView_KeyDown(int keyCode, int shift) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string>
 
-#include "app/base/message_box.h"
 #include "res/resource.h"
 #include "ui/form/clipboard.h"
 
@@ -57,9 +56,7 @@ void frmSPIAbout::aboutPluginCopy_Click() {
     std::wstring text;
     for (const PluginFacts& plugin : plugins_)
         text += DescribePlugin(plugin) + L"\r\n";
-    if (!CopyTextToClipboard(Handle(), text)) {
-        ShowMessageBox(L"クリップボードにデータをコピーできません");
-    }
+    CopyTextToClipboard(Handle(), text);
 }
 
 }  // namespace tessary

@@ -9,8 +9,95 @@
 #include "ui/main/clipboard_commands.h"
 #include "ui/main/wallpaper_commands.h"
 
+#include <atomic>
+#include <thread>
+
 namespace tessary {
 namespace {
+
+// A block of a two-pixel picture with a header of so many bytes, as a program puts it there.
+UniqueGlobal BlockOf(std::span<const DWORD> header) {
+    UniqueGlobal block(GlobalAlloc(GHND, header.size_bytes() + 8));
+    auto* const bytes = static_cast<uint8_t*>(GlobalLock(block.Get()));
+    std::memcpy(bytes, header.data(), header.size_bytes());
+    std::memcpy(bytes + header.size_bytes(), "lowXtopX", 8);
+    GlobalUnlock(block.Get());
+    return block;
+}
+
+// What other programs do with the clipboard, on a thread with a window of its own.
+class OtherProgram {
+  public:
+    explicit OtherProgram(HWND viewer) : viewer_(viewer) {
+        thread_ = std::thread([this] { Run(); });
+        while (window_ == nullptr)
+            Sleep(1);
+    }
+    OtherProgram(const OtherProgram&) = delete;
+    OtherProgram& operator=(const OtherProgram&) = delete;
+    ~OtherProgram() {
+        SendMessageW(window_, WM_TIMER, 0, 0);
+        PostMessageW(window_, WM_QUIT, 0, 0);
+        thread_.join();
+    }
+
+    void Keep(UINT milliseconds) { SendMessageW(window_, WM_APP, milliseconds, 0); }
+    // Puts a picture there that takes so long to make once somebody asks for it.
+    void Promise(UINT milliseconds) { SendMessageW(window_, WM_APP + 1, milliseconds, 0); }
+    // Whether the viewer has answered in the last moment of keeping.
+    bool WasAnswered() const { return wasAnswered_; }
+
+  private:
+    void Run() {
+        const HWND window = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                            nullptr, nullptr);
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
+        window_ = window;
+        MSG message;
+        while (GetMessageW(&message, nullptr, 0, 0) > 0)
+            DispatchMessageW(&message);
+        DestroyWindow(window);
+    }
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM time, LPARAM lParam) {
+        auto& self = *reinterpret_cast<OtherProgram*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        DWORD_PTR result = 0;
+        switch (message) {
+            case WM_APP:
+                OpenClipboard(window);
+                SetTimer(window, 1, static_cast<UINT>(time), nullptr);
+                return 0;
+            case WM_TIMER:
+                if (time == 1) {
+                    self.wasAnswered_ = SendMessageTimeoutW(self.viewer_, WM_NULL, 0, 0,
+                                                            SMTO_NORMAL, 100, &result) != 0;
+                }
+                CloseClipboard();
+                KillTimer(window, 1);
+                return 0;
+            case WM_APP + 1:
+                self.delay_ = static_cast<DWORD>(time);
+                OpenClipboard(window);
+                EmptyClipboard();
+                SetClipboardData(CF_DIB, nullptr);
+                CloseClipboard();
+                return 0;
+            case WM_RENDERFORMAT: {
+                constexpr DWORD kHeader[10] = {40, 1, 2, 32 << 16 | 1};
+                Sleep(self.delay_);
+                SetClipboardData(CF_DIB, BlockOf(kHeader).Release());
+                return 0;
+            }
+        }
+        return DefWindowProcW(window, message, time, lParam);
+    }
+
+    HWND viewer_;
+    std::thread thread_;
+    std::atomic<HWND> window_ = nullptr;
+    std::atomic<bool> wasAnswered_ = false;
+    DWORD delay_ = 0;
+};
 
 class ClipboardTest : public test::MainWindowTest {
   protected:
@@ -100,19 +187,16 @@ TEST_F(ClipboardTest, TakesABareBitmapAndLeavesAPictureForWhatIsNone) {
     // What browsers offer: the system makes the older form of it.
     const DWORD header[31] = {124, 1,        2,      32 << 16 | 1, BI_BITFIELDS, 0,         0, 0, 0,
                               0,   0xFF0000, 0xFF00, 0xFF,         0xFF000000,   0x73524742};
-    ClipboardItem modern{CF_DIBV5, UniqueGlobal(GlobalAlloc(GHND, sizeof(header) + 8))};
-    auto* const bytes = static_cast<uint8_t*>(GlobalLock(modern.block.Get()));
-    std::memcpy(bytes, header, sizeof(header));
-    constexpr char kPixels[] = {'l', 'o', 'w', 'X', 't', 'o', 'p', 'X'};
-    std::memcpy(bytes + sizeof(header), kPixels, sizeof(kPixels));
-    GlobalUnlock(modern.block.Get());
-    ASSERT_TRUE(PutOnClipboard(window_.Handle(), {&modern, 1}));
+    std::vector<ClipboardItem> modern;
+    modern.push_back({CF_DIBV5, BlockOf(header)});
+    ASSERT_TRUE(PutOnClipboard(window_.Handle(), std::move(modern)));
     Choose(menuEditPaste);
     EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
     EXPECT_EQ(ShownPixel(0, 0), RGB('p', 'o', 't'));
 
-    ClipboardItem junk{CF_DIB, UniqueGlobal(GlobalAlloc(GHND, 40))};
-    PutOnClipboard(window_.Handle(), {&junk, 1});
+    std::vector<ClipboardItem> junk;
+    junk.push_back({CF_DIB, UniqueGlobal(GlobalAlloc(GHND, 40))});
+    PutOnClipboard(window_.Handle(), std::move(junk));
     window_.SetPanelText(kShownFilePanel, L"a.bmp");
     Choose(menuEditPaste);
     EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
@@ -122,7 +206,56 @@ TEST_F(ClipboardTest, TakesABareBitmapAndLeavesAPictureForWhatIsNone) {
 
     SetCurrentPicture({LocalAlloc(LHND, 8), nullptr});
     Choose(menuEditCopy);
-    EXPECT_EQ(messages_.Only(), L"クリップボードにデータをコピーできません");
+    ASSERT_EQ(messages_.All().size(), 2u);
+    EXPECT_NE(messages_.All()[0].text.find(L"壊れているか"), std::wstring::npos);
+    EXPECT_EQ(messages_.All()[1].text, L"クリップボードにデータをコピーできません");
+}
+
+TEST_F(ClipboardTest, WaitsForWhoeverHasItAndNamesHim) {
+    ShowPicture(8, 8);
+    OtherProgram other(window_.Handle());
+    other.Keep(400);
+    Choose(menuEditCopy);
+    EXPECT_TRUE(messages_.All().empty());
+    EXPECT_TRUE(IsClipboardFormatAvailable(CF_DIB));
+    EXPECT_TRUE(other.WasAnswered());
+    other.Keep(400);
+    Choose(menuEditPaste);
+    EXPECT_TRUE(messages_.All().empty());
+
+    other.Keep(60000);
+    Choose(menuEditCopy);
+    Choose(menuEditPaste);
+    ASSERT_EQ(messages_.All().size(), 2u);
+    for (const auto& message : messages_.All()) {
+        EXPECT_NE(message.text.find(L"\nmain_window_test.exe がクリップボードを使っています"),
+                  std::wstring::npos)
+            << message.text.size();
+    }
+}
+
+TEST_F(ClipboardTest, APictureThatIsMadeOnlyNowHoldsNothingUp) {
+    OtherProgram other(window_.Handle());
+    other.Promise(500);
+    PostMessageW(window_.Handle(), WM_COMMAND, menuEditPaste, 0);  // too early
+    Choose(menuEditPaste);
+    EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
+    EXPECT_TRUE(messages_.All().empty());
+    MSG message{};
+    EXPECT_FALSE(PeekMessageW(&message, window_.Handle(), WM_COMMAND, WM_COMMAND, PM_NOREMOVE));
+
+    // The user does not want to wait.
+    SetCurrentPicture({});
+    window_.ClearPicture();
+    other.Promise(1500);
+    const DWORD start = GetTickCount();
+    EnableWindow(window_.Handle(), FALSE);  // else the control bar is told of the key
+    PostMessageW(window_.pictureView().Handle(), WM_KEYDOWN, VK_ESCAPE, 0);
+    Choose(menuEditPaste);
+    EnableWindow(window_.Handle(), TRUE);
+    EXPECT_LT(GetTickCount() - start, 1400u);
+    EXPECT_FALSE(window_.PictureShown());
+    EXPECT_TRUE(messages_.All().empty());
 }
 
 // Types a key with Ctrl held into a control of the window.
@@ -148,6 +281,13 @@ TEST_F(ClipboardTest, KeysAreLeftToTextFields) {
     EXPECT_TRUE(TypeWithCtrl(window_.pictureView().Handle(), 'C'));
     EXPECT_TRUE(IsClipboardFormatAvailable(CF_DIB));
     EXPECT_TRUE(controlBar_.pressed.empty());  // C alone is the player's
+
+    // The grey menu item takes no key.
+    EmptyTheClipboard();
+    EXPECT_FALSE(TypeWithCtrl(field, 'V'));
+    EXPECT_TRUE(window_.pictureView().Note().empty());
+    EXPECT_TRUE(TypeWithCtrl(window_.pictureView().Handle(), 'V'));
+    EXPECT_EQ(window_.pictureView().Note(), L"クリップボードに画像がありません。");
 }
 
 class WallpaperTest : public ClipboardTest {
