@@ -43,6 +43,7 @@ while read -r program; do
     cp "$app_dir/$program" "$folder/"
 done < <(built_programs)
 [[ -f $folder/TessaryViewer.exe ]] || die "the build made no TessaryViewer.exe"
+"${system_python[@]}" "$root/scripts/lib/check_programs.py" "$folder"/*
 
 windows_text <"$root/LICENSE" >"$folder/licences/TessaryViewer.txt"
 for licence in "$root"/build/deps/x86/licences/*.txt; do

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <optional>
 
+#include "helpers/system/system_library.h"
 #include "plugins/common/palette.h"
 #include "plugins/iftesswic/source_stream.h"
 
@@ -116,14 +117,14 @@ unsigned GreyBits(const GUID& format) {
     return BitsOf(kFormats, format);
 }
 
+constexpr wchar_t kCodecLibrary[] = L"windowscodecs.dll";
+
 // An object of a class that the system's own library has. The library is asked itself: looking the
 // class up in the registry takes longer than decoding a small picture.
 template <class Interface>
 ComPtr<Interface> MakeObject(const CLSID& id) {
-    using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
-    const FARPROC entry =
-        GetProcAddress(GetModuleHandleW(L"windowscodecs.dll"), "DllGetClassObject");
-    const auto getClassObject = reinterpret_cast<GetClassObject>(reinterpret_cast<void*>(entry));
+    static const auto getClassObject =
+        SystemFunction<decltype(&DllGetClassObject)>(kCodecLibrary, "DllGetClassObject");
     ComPtr<IClassFactory> maker;
     ComPtr<Interface> object;
     if (getClassObject != nullptr && SUCCEEDED(getClassObject(id, IID_PPV_ARGS(&maker)))) {
@@ -132,6 +133,15 @@ ComPtr<Interface> MakeObject(const CLSID& id) {
         Check(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&object)));
     }
     return object;
+}
+
+// `source` in another format; no pixel is touched before it is read.
+ComPtr<IWICBitmapSource> Converted(IWICBitmapSource* source, const GUID& format) {
+    static const auto convert =
+        SystemFunction<decltype(&WICConvertBitmapSource)>(kCodecLibrary, "WICConvertBitmapSource");
+    ComPtr<IWICBitmapSource> converted;
+    Check(convert != nullptr ? convert(format, source, &converted) : E_NOTIMPL);
+    return converted;
 }
 
 ComPtr<IWICImagingFactory> MakeFactory() {
@@ -226,11 +236,11 @@ WicPixels WicFrame::Pixels() const {
         pixels.source = frame_;
         pixels.bitCount = 24;
     } else if (IsEqualGUID(format, GUID_WICPixelFormat32bppGrayFloat)) {
-        Check(WICConvertBitmapSource(GUID_WICPixelFormat8bppGray, frame_.Get(), &pixels.source));
+        pixels.source = Converted(frame_.Get(), GUID_WICPixelFormat8bppGray);
         pixels.bitCount = 8;
         pixels.palette = codec::GreyPalette(8);
     } else {
-        Check(WICConvertBitmapSource(GUID_WICPixelFormat32bppBGRA, frame_.Get(), &pixels.source));
+        pixels.source = Converted(frame_.Get(), GUID_WICPixelFormat32bppBGRA);
         pixels.bitCount = 32;
     }
     return pixels;

@@ -5,7 +5,8 @@ source "${BASH_SOURCE[0]%/*}/privilege.sh"
 # shellcheck disable=SC2034  # read by the scripts that source this file
 {
     build_packages=(cmake ninja-build g++-mingw-w64-i686-posix binutils-mingw-w64-i686
-        libz-mingw-w64-dev zlib1g-dev nasm clang libclang-rt-dev llvm googletest dpkg-dev)
+        libz-mingw-w64-dev zlib1g-dev nasm clang libclang-rt-dev llvm googletest dpkg-dev
+        python3)
     wine_packages=(xvfb x11-utils locales util-linux)
     screenshot_packages=(imagemagick xdotool)
     check_packages=(clang-format clang-tidy)

@@ -10,6 +10,7 @@
 
 #include "app/base/handles.h"
 #include "app/base/paths.h"
+#include "helpers/system/system_library.h"
 #include "plugin/file_stamp.h"
 
 namespace tessary {
@@ -40,31 +41,60 @@ class FilePieces {
     std::vector<uint8_t> piece_ = std::vector<uint8_t>(kPieceSize);
 };
 
+// The system's hashes. What its library lacks is null, and then so is `open`.
+struct HashFunctions {
+    HashFunctions() {
+        const bool isWhole = Find("BCryptCreateHash", create) && Find("BCryptHashData", add) &&
+                             Find("BCryptFinishHash", finish) &&
+                             Find("BCryptDestroyHash", destroy) &&
+                             Find("BCryptCloseAlgorithmProvider", close);
+        if (isWhole) Find("BCryptOpenAlgorithmProvider", open);
+    }
+
+    template <typename Function>
+    static bool Find(const char* name, Function& function) {
+        function = SystemFunction<Function>(L"bcrypt.dll", name);
+        return function != nullptr;
+    }
+
+    decltype(&BCryptOpenAlgorithmProvider) open = nullptr;
+    decltype(&BCryptCloseAlgorithmProvider) close = nullptr;
+    decltype(&BCryptCreateHash) create = nullptr;
+    decltype(&BCryptHashData) add = nullptr;
+    decltype(&BCryptFinishHash) finish = nullptr;
+    decltype(&BCryptDestroyHash) destroy = nullptr;
+};
+
+const HashFunctions& Hashes() {
+    static const HashFunctions functions;
+    return functions;
+}
+
 // The system's hash function, which goes on from piece to piece.
 class Digest {
   public:
     Digest() {
-        if (BCryptOpenAlgorithmProvider(&provider_, BCRYPT_SHA256_ALGORITHM, nullptr, 0) != 0)
-            return;
-        BCryptCreateHash(provider_, &hash_, nullptr, 0, nullptr, 0, 0);
+        const auto open = Hashes().open;
+        if (open == nullptr || open(&provider_, BCRYPT_SHA256_ALGORITHM, nullptr, 0) != 0) return;
+        Hashes().create(provider_, &hash_, nullptr, 0, nullptr, 0, 0);
     }
     Digest(const Digest&) = delete;
     Digest& operator=(const Digest&) = delete;
     ~Digest() {
-        if (hash_ != nullptr) BCryptDestroyHash(hash_);
-        if (provider_ != nullptr) BCryptCloseAlgorithmProvider(provider_, 0);
+        if (hash_ != nullptr) Hashes().destroy(hash_);
+        if (provider_ != nullptr) Hashes().close(provider_, 0);
     }
 
     bool Add(std::span<const uint8_t> bytes) {
-        return hash_ != nullptr && BCryptHashData(hash_, const_cast<uint8_t*>(bytes.data()),
-                                                  static_cast<ULONG>(bytes.size()), 0) == 0;
+        return hash_ != nullptr && Hashes().add(hash_, const_cast<uint8_t*>(bytes.data()),
+                                                static_cast<ULONG>(bytes.size()), 0) == 0;
     }
     // Empty when the system has none.
     std::vector<uint8_t> Finish() {
         std::vector<uint8_t> digest(32);
         const bool isDone =
             hash_ != nullptr &&
-            BCryptFinishHash(hash_, digest.data(), static_cast<ULONG>(digest.size()), 0) == 0;
+            Hashes().finish(hash_, digest.data(), static_cast<ULONG>(digest.size()), 0) == 0;
         return isDone ? digest : std::vector<uint8_t>();
     }
 

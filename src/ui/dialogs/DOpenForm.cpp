@@ -1,9 +1,8 @@
 #include "ui/dialogs/DOpenForm.h"
 
 #include <windows.h>
-// The shell and the network calls need the types of windows.h.
+// The shell needs the types of windows.h.
 #include <shlobj.h>
-#include <winnetwk.h>
 
 #include <algorithm>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "app/base/text.h"
 #include "res/resource.h"
 #include "ui/dialogs/DNewFolder.h"
+#include "ui/dialogs/drives.h"
 #include "ui/dialogs/folder_listing.h"
 #include "ui/form/metrics.h"
 #include "ui/form/worker.h"
@@ -266,7 +266,7 @@ void DOpenForm::cmdMakeFolder_Click() {
 void DOpenForm::cmdNetwork_Click() {
     if (waiting_) return;
     constexpr DWORD kCancelled = static_cast<DWORD>(-1);
-    const DWORD result = WNetConnectionDialog(Handle(), RESOURCETYPE_DISK);
+    const DWORD result = ConnectNetworkDrive(Handle());
     if (result != NO_ERROR && result != kCancelled) {
         ShowMessageBox(L"ネットワークに接続できません。(エラー " + std::to_wstring(result) + L")",
                        MB_ICONEXCLAMATION);

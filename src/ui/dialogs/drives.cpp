@@ -1,10 +1,11 @@
 #include "ui/dialogs/drives.h"
 
-#include <windows.h>
 // The network calls need the types of windows.h.
 #include <winnetwk.h>
 
 #include <cwctype>
+
+#include "helpers/system/system_library.h"
 
 namespace tessary {
 namespace {
@@ -15,12 +16,21 @@ std::wstring LabelOf(const std::wstring& root) {
     return label;
 }
 
+template <typename Function>
+Function NetworkFunction(const char* entry) {
+    return SystemFunction<Function>(L"mpr.dll", entry);
+}
+
 // The share behind a network drive, as the system remembers it.
 std::wstring ShareOf(const std::wstring& root) {
+    static const auto getConnection =
+        NetworkFunction<decltype(&WNetGetConnectionW)>("WNetGetConnectionW");
     wchar_t share[1024] = {};
     DWORD size = 1024;
     const std::wstring letter = root.substr(0, 2);
-    return WNetGetConnectionW(letter.c_str(), share, &size) == NO_ERROR ? share : L"";
+    return getConnection != nullptr && getConnection(letter.c_str(), share, &size) == NO_ERROR
+               ? share
+               : L"";
 }
 
 std::wstring DescriptionOf(const std::wstring& root) {
@@ -52,6 +62,11 @@ std::vector<Drive> ListDrives() {
         drives.push_back({root, root.substr(0, 2) + L" " + DescriptionOf(root)});
     }
     return drives;
+}
+
+DWORD ConnectNetworkDrive(HWND owner) {
+    const auto connect = NetworkFunction<decltype(&WNetConnectionDialog)>("WNetConnectionDialog");
+    return connect != nullptr ? connect(owner, RESOURCETYPE_DISK) : ERROR_CALL_NOT_IMPLEMENTED;
 }
 
 std::wstring RootOf(const std::wstring& path) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/base/message_box.h"
+#include "library_versions.h"
 #include "res/resource.h"
 #include "ui/form/window.h"
 #include "ui/options/used_libraries.h"
@@ -17,24 +18,6 @@ constexpr ListView::Column kColumns[] = {{.caption = L"名前", .width = 170},
                                          {.caption = L"バージョン", .width = 90},
                                          {.caption = L"ライセンス", .width = 150, .fills = true}};
 
-// The text of the version that stands in the program's resources; empty when it has none.
-std::wstring ProgramVersion() {
-    const HRSRC found =
-        FindResourceW(ProgramInstance(), MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
-    const HGLOBAL loaded = found != nullptr ? LoadResource(ProgramInstance(), found) : nullptr;
-    if (loaded == nullptr) return {};
-    // A copy: the call below may write into what it is given.
-    const auto* const bytes = static_cast<const BYTE*>(LockResource(loaded));
-    std::vector<BYTE> block(bytes, bytes + SizeofResource(ProgramInstance(), found));
-    wchar_t* text = nullptr;
-    UINT length = 0;
-    if (!VerQueryValueW(block.data(), LR"(\StringFileInfo\041104B0\ProductVersion)",
-                        reinterpret_cast<void**>(&text), &length)) {
-        return {};
-    }
-    return text;
-}
-
 }  // namespace
 
 frmAbout::frmAbout() : Dialog(dialogAbout) {}
@@ -42,7 +25,7 @@ frmAbout::frmAbout() : Dialog(dialogAbout) {}
 void frmAbout::Dialog_Load() {
     ShowIcon();
     SetLine(aboutName, std::wstring(kApplicationTitle));
-    SetLine(aboutVersion, L"バージョン " + ProgramVersion());
+    SetLine(aboutVersion, L"バージョン " TESSARY_VERSION);
     SetLine(aboutBuild, BuildText());
     libraries_.Attach(Handle(), aboutLibraries);
     licence_.Attach(Handle(), aboutLicence);

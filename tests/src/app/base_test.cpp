@@ -8,6 +8,7 @@
 #include "app/base/modScreenCaps.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "helpers/system/system_library.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/temporary_folder.h"
 
@@ -142,6 +143,18 @@ TEST(ErrorTest, ReportsUnexpectedErrorsInOneForm) {
               L"ErrorNo.13 型が一致しません。");
     EXPECT_EQ(messages.All()[0].style, 0u);
     EXPECT_EQ(messages.All()[0].title, L"てっさりビューア");
+}
+
+// One beside the program is what the system answers first for a name alone.
+TEST(SystemLibraryTest, TakesNoLibraryFromTheProgramsFolder) {
+    const std::wstring planted = AppFolder() + L"tessary_planted.dll";
+    CopyFileW((AppFolder() + LR"(plugins\sibling.dll)").c_str(), planted.c_str(), FALSE);
+    const HMODULE byName = LoadLibraryW(L"tessary_planted.dll");
+    EXPECT_NE(byName, nullptr);
+    EXPECT_EQ(SystemLibrary(L"tessary_planted.dll"), nullptr);  // though it is in the process, too
+    EXPECT_NE(SystemFunction<void*>(L"mpr.dll", "WNetGetConnectionW"), nullptr);
+    FreeLibrary(byName);
+    DeleteFileW(planted.c_str());
 }
 
 TEST(ScreenTest, KnowsTheMachine) {
