@@ -19,10 +19,12 @@ inline void Check(HRESULT code) {
     if (FAILED(code)) throw ComFailure{code};
 }
 
-// Takes part in the thread's apartment, or makes one. Objects are to be released before it ends.
+// Takes part in the thread's apartment, or, where it has none, in the one of many threads: one of
+// its own would oblige it to handle messages while a decoder is at work. Objects are to be released
+// before it ends.
 class ComApartment {
   public:
-    ComApartment() : code_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {
+    ComApartment() : code_(CoInitializeEx(nullptr, COINIT_MULTITHREADED)) {
         // A host that chose the other threading model has COM running, which is all that matters;
         // only a successful start must be paired with an end.
         if (code_ != RPC_E_CHANGED_MODE) Check(code_);

@@ -197,7 +197,8 @@ Result WithFrame(dib::ByteSource& source, codec::Progress& progress, Use use) {
                           L"16ビットのビッグエンディアンのTIFFを、このシステムは正しく読めません");
             return Result::kUnknownFormat;
         }
-        const WicFrame frame(container, MakeStream(file.Source()));
+        const LentStream stream(file.Source());
+        const WicFrame frame(container, stream.Get());
         return use(FrameCopy(frame, file.Screen(), file.RowsPerStrip()));
     } catch (const ComFailure& failure) {
         const Result result = ResultOf(failure.code);

@@ -187,7 +187,8 @@ bool ReadsBigEndianSamples() {
         0,   0,   0, 0,  0x12, 0x34};
     try {
         dib::MemorySource source(kFile);
-        const WicFrame frame(Container::kTiff, MakeStream(source));
+        const LentStream stream(source);
+        const WicFrame frame(Container::kTiff, stream.Get());
         uint8_t pixel[2] = {};
         Check(frame.Pixels().source->CopyPixels(nullptr, sizeof pixel, sizeof pixel, pixel));
         return pixel[0] == 0x34 && pixel[1] == 0x12;

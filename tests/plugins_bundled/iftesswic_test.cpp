@@ -2,8 +2,10 @@
 #include <objbase.h>
 
 #include <array>
+#include <atomic>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "plugins/iftesswic/source_stream.h"
 #include "tests/plugins_bundled/loaded_plugin.h"
@@ -153,11 +155,97 @@ TEST_F(Iftesswic, ReadsBigEndianSamplesOrSaysThatItCannot) {
     EXPECT_EQ(picture.Pixels().At(1, 0), 0xC0C0C0u);
 }
 
-TEST(SourceStream, EndsWithItsLastReference) {
-    dib::MemorySource source({});
-    const auto stream = wic::MakeStream(source);
+// Tells whether it is ever read by two threads at once.
+class JealousSource final : public dib::ByteSource {
+  public:
+    uint64_t Size() const override { return bytes_.size(); }
+    std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> into) override {
+        if (readers_++ != 0) wasShared = true;
+        Sleep(0);
+        const auto count = dib::MemorySource(bytes_).ReadAt(offset, into);
+        --readers_;
+        return count;
+    }
+    std::atomic<bool> wasShared = false;
+
+  private:
+    std::array<uint8_t, 40000> bytes_{};
+    std::atomic<int> readers_ = 0;
+};
+
+TEST(LentStream, IsReadByManyThreadsAndOnesOfOtherApartments) {
+    using wic::ComPtr;
+    const wic::ComApartment apartment;
+    JealousSource source;
+    wic::LentStream lent(source);
+    IStream* const stream = lent.Get().Get();
+    std::atomic<size_t> total = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&, useClone = i < 2] {
+            ComPtr<IStream> own;
+            if (useClone) {
+                stream->Clone(&own);
+                own->Seek({}, STREAM_SEEK_SET, nullptr);
+            }
+            uint8_t bytes[7];
+            ULONG read = 0;
+            while (SUCCEEDED((useClone ? own.Get() : stream)->Read(bytes, 7, &read)) && read != 0)
+                total += read;
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(total, 3 * source.Size()) << "two clones, and the one that two have shared";
+    EXPECT_FALSE(source.wasShared);
+
+    // By a thread that has an apartment of its own, while this one handles no message.
+    ComPtr<IAgileObject> agile;
+    EXPECT_EQ(stream->QueryInterface(IID_PPV_ARGS(&agile)), S_OK);
+    IStream* parcel = nullptr;
+    ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IStream, stream, &parcel), S_OK);
+    std::thread([&] {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        ComPtr<IStream> unpacked;
+        EXPECT_EQ(CoGetInterfaceAndReleaseStream(parcel, IID_PPV_ARGS(&unpacked)), S_OK);
+        EXPECT_EQ(unpacked.Get(), stream);
+        unpacked.Reset();
+        CoUninitialize();
+    }).join();
+    agile.Reset();
     EXPECT_EQ(stream->AddRef(), 2u);
     EXPECT_EQ(stream->Release(), 1u);
+}
+
+TEST(LentStream, AnswersAsDocumentedAndOutlivesItsSource) {
+    wic::ComPtr<IStream> kept;
+    uint8_t bytes[8]{};
+    ULONG count = 0;
+    {
+        const wic::ComApartment apartment;
+        const std::array<uint8_t, 5> content{1, 2, 3, 4, 5};
+        dib::MemorySource source(content);
+        const wic::LentStream lent(source);
+        kept = lent.Get();
+        EXPECT_EQ(kept->Read(bytes, 2, &count), S_OK);
+        wic::ComPtr<IStream> memory, clone;
+        CreateStreamOnHGlobal(nullptr, TRUE, &memory);
+        ASSERT_EQ(kept->Clone(&clone), S_OK);
+        ULARGE_INTEGER read{}, written{};
+        EXPECT_EQ(clone->CopyTo(memory.Get(), {.QuadPart = 100}, &read, &written), S_OK);
+        EXPECT_EQ(read.QuadPart + written.QuadPart, 6u);
+        EXPECT_EQ(kept->Read(bytes, 8, &count), S_FALSE);
+        EXPECT_EQ(count, 3u);
+        EXPECT_EQ(bytes[0], 3);
+        EXPECT_EQ(kept->Seek({.QuadPart = -6}, STREAM_SEEK_END, nullptr), STG_E_INVALIDFUNCTION);
+        EXPECT_EQ(kept->Write(bytes, 1, &count), STG_E_ACCESSDENIED);
+        STATSTG status{};
+        EXPECT_EQ(kept->Stat(&status, STATFLAG_NONAME), S_OK);
+        EXPECT_EQ(status.cbSize.QuadPart, 5u);
+    }
+    EXPECT_EQ(kept->Seek({}, STREAM_SEEK_SET, nullptr), S_OK);
+    EXPECT_EQ(kept->Read(bytes, 1, &count), STG_E_REVERTED);
+    EXPECT_EQ(count, 0u);
 }
 
 // The host's COM is as it was: not started, or of the kind that the host chose.
