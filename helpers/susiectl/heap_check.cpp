@@ -2,26 +2,29 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <new>
+#include <span>
 
 #include "helpers/susiectl/guard.h"
+#include "helpers/susiectl/heap_lock.h"
 #include "helpers/susiectl/process_end.h"
 
 namespace tessary::susiectl {
 namespace {
 
-// Longer than a thread may wait for its turn on a busy machine: nobody may unlock what he does not
-// hold.
-constexpr DWORD kInVain = 3000;     // milliseconds
 constexpr DWORD kStep = 100;        // milliseconds
-constexpr DWORD kLongest = 20'000;  // milliseconds to look through one heap
-constexpr int kDeepest = 2;         // calls of the heap inside each other
+constexpr DWORD kPatience = 1000;   // milliseconds for another thread to let go of a lock
+constexpr DWORD kLongest = 20'000;  // milliseconds for one step of the way through the heaps
+constexpr int kDeepest = 16;        // calls of the heap inside each other
 constexpr DWORD kMostHeaps = 512;
 constexpr SIZE_T kStackSize = 256 * 1024;
 
-enum class Stage { kIdle, kWaitingForLock, kLooking };
+using Heaps = std::array<HANDLE, kMostHeaps>;
+
+enum class Stage { kIdle, kListing, kWaitingForLock, kLooking };
 
 // What the thread that crashed and the one that looks tell each other.
 struct Check {
@@ -31,30 +34,73 @@ struct Check {
     std::atomic<Stage> stage = Stage::kIdle;
     std::atomic<bool> isUnderWay = false;
     std::atomic<bool> isDamaged = false;
-    std::array<HANDLE, kMostHeaps> heaps{};
+    Heaps heaps{};
 };
 
 Check check;
 
+// None where there are more than anybody has.
+std::span<const HANDLE> ListHeaps(Heaps& heaps) {
+    const DWORD count = GetProcessHeaps(kMostHeaps, heaps.data());
+    return {heaps.data(), count <= kMostHeaps ? count : 0};
+}
+
+// Heaps of plug-ins may go at any moment.
+bool IsThereStill(HANDLE heap) {
+    Heaps heaps;
+    return std::ranges::count(ListHeaps(heaps), heap) != 0;
+}
+
+bool IsHeldByAnother(HANDLE heap) {
+    const DWORD holder = HolderOf(heap).value_or(0);
+    return holder != 0 && holder != GetCurrentThreadId();
+}
+
+// Whoever holds a heap's lock for long is at work in it and will let go, or is nobody whom a crash
+// in this thread tells anything about.
+bool IsOutOfReach(HANDLE heap) {
+    for (DWORD waited = 0; waited < kPatience && IsHeldByAnother(heap); waited += kStep)
+        Sleep(kStep);
+    return IsHeldByAnother(heap);
+}
+
+// Whether locking the heap keeps others out: a heap may have been made without a lock, for a thread
+// that may be changing it.
+bool IsLockedByThisThread(HANDLE heap) {
+    return HolderOf(heap).value_or(GetCurrentThreadId()) == GetCurrentThreadId();
+}
+
 void Look(HANDLE heap) {
     check.heap = heap;
     check.stage = Stage::kWaitingForLock;
-    // Heaps of plug-ins may go at any moment.
-    const bool isLocked = BareCall(AddressOf(HeapLock), {Word(heap)}).value_or(FALSE) != FALSE;
+    if (IsOutOfReach(heap)) return;
+    const auto isLocked = BareCall(AddressOf(HeapLock), {Word(heap)});
     check.stage = Stage::kLooking;
-    if (!isLocked) return;
-    const auto isSound = BareCall(AddressOf(HeapValidate), {Word(heap), HEAP_NO_SERIALIZE, 0});
+    if (!isLocked && IsThereStill(heap)) check.isDamaged = true;
+    if (!isLocked.value_or(FALSE)) return;
+    const bool isSound =
+        !IsLockedByThisThread(heap) ||
+        BareCall(AddressOf(HeapValidate), {Word(heap), HEAP_NO_SERIALIZE, 0}).value_or(FALSE);
     HeapUnlock(heap);
-    if (!isSound.value_or(FALSE)) check.isDamaged = true;
+    if (!isSound && IsThereStill(heap)) check.isDamaged = true;
 }
 
 void LookAtAll() {
-    const HANDLE own = GetProcessHeap();
-    Look(own);  // first: the list of the others may be behind the same lock
-    const DWORD count = GetProcessHeaps(kMostHeaps, check.heaps.data());
-    for (DWORD i = 0; i < count && count <= kMostHeaps; ++i)
-        if (check.heaps[i] != own) Look(check.heaps[i]);
+    check.stage = Stage::kListing;
+    for (const HANDLE heap : ListHeaps(check.heaps))
+        Look(heap);
     check.stage = Stage::kIdle;
+}
+
+// What this thread has left locked. Others would wait for it for ever.
+void GiveBackLeftLocks() {
+    Heaps heaps;
+    for (const HANDLE heap : ListHeaps(heaps)) {
+        for (int depth = 0; depth < kDeepest && HolderOf(heap) == GetCurrentThreadId(); ++depth) {
+            check.isDamaged = true;
+            HeapUnlock(heap);
+        }
+    }
 }
 
 DWORD WINAPI LookWhenWanted(void*) {
@@ -72,6 +118,7 @@ DWORD WINAPI LookWhenWanted(void*) {
 }
 
 bool MakeReady() {
+    LearnHeapLocks();
     HMODULE own = nullptr;  // must not go: the thread stays
     const bool isPinned = GetModuleHandleExW(
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
@@ -94,27 +141,24 @@ void PrepareHeapCheck() {
 }
 
 void CheckHeaps() {
+    GiveBackLeftLocks();
     if (check.isUnderWay.exchange(true)) return;
     ResetEvent(check.done);
     SetEvent(check.wanted);
     HANDLE heap = nullptr;
     Stage stage = Stage::kIdle;
     DWORD waited = 0;
-    int unlocked = 0;
     while (WaitForSingleObject(check.done, kStep) != WAIT_OBJECT_0) {
         waited += kStep;
-        if (check.heap != heap) unlocked = 0;
         if (check.heap != heap || check.stage != stage) {  // it makes its way
             heap = check.heap;
             stage = check.stage;
             waited = 0;
-        } else if (stage == Stage::kWaitingForLock && waited >= kInVain) {
-            check.isDamaged = true;
-            // Another thread holds it, which may never let go: so there is no further check.
-            if (++unlocked > kDeepest) return;
-            HeapUnlock(heap);
-            waited = 0;
-        } else if (stage == Stage::kLooking && waited >= kLongest) {
+        } else if (waited >= kLongest) {
+            // Another thread has got in between and keeps the lock: there is no further check. Else
+            // what keeps the way shut is what the crash has left.
+            if (stage == Stage::kWaitingForLock && (IsHeldByAnother(heap) || !IsThereStill(heap)))
+                return;
             EndProcess();
         }
     }

@@ -143,6 +143,13 @@ void RuinHeaps() {
     }
 }
 
+void LockHeaps() {
+    HANDLE heaps[64];
+    const DWORD count = GetProcessHeaps(std::size(heaps), heaps);
+    for (DWORD i = 0; i < count && i < std::size(heaps); ++i)
+        HeapLock(heaps[i]);
+}
+
 constexpr size_t kJumpSize = 5;
 constexpr uint16_t kUnmaskedControlWord = 0x0360;
 constexpr uint32_t kUnmaskedMxcsr = 0x0100;
@@ -242,7 +249,7 @@ void MakeDirty(const std::string& state) {
         CloseHandle(CreateThread(nullptr, 0, WorkForAWhile, nullptr, 0, nullptr));
     if (state == "quit") PostQuitMessage(9);
     if (state == "slow") Sleep(50);
-    if (state == "heap-lock") HeapLock(GetProcessHeap());
+    if (state == "heap-lock") LockHeaps();
     if (state == "exception-chain") SetChain(reinterpret_cast<void*>(0x41414140));
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <csetjmp>
+#include <cstdlib>
 #include <functional>
 #include <thread>
 
@@ -124,20 +125,50 @@ TEST_F(GuardTest, AThousandCrashesLeaveNothingBehind) {
     EXPECT_EQ(CallbackDepth(), depth);
 }
 
-// As a plug-in does that has overrun a block and notices it when it frees the next one.
-TEST_F(GuardTest, ACrashInsideTheHeapHoldsUpNoOtherThread) {
+// Runs `work` in a thread of its own; false when that waits for something for long.
+bool EndsInThread(const std::function<void()>& work, DWORD longest) {
     const HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    EXPECT_EQ(plugin_.DecodeWith("early:heap-lock:GetPicture\ncrash:av:GetPicture"), kCrashed);
-    std::thread other([done] {
-        HeapFree(GetProcessHeap(), 0, HeapAlloc(GetProcessHeap(), 0, 100));
+    std::thread([=] {
+        work();
         SetEvent(done);
+    }).detach();
+    return WaitForSingleObject(done, longest) == WAIT_OBJECT_0;
+}
+
+// As a plug-in does that has overrun a block and notices it when it frees the next one.
+TEST_F(GuardTest, ACrashInsideAHeapHoldsUpNoOtherThread) {
+    const DWORD before = GetTickCount();
+    EXPECT_EQ(plugin_.DecodeWith("early:heap-lock:GetPicture\nearly:heap-lock:GetPicture\n"
+                                 "crash:av:GetPicture"),
+              kCrashed);
+    EXPECT_LT(GetTickCount() - before, 1000U) << "it waits for nothing to give them back";
+    EXPECT_TRUE(EndsInThread(
+        [] {
+            HANDLE heaps[64];
+            for (DWORD i = GetProcessHeaps(64, heaps); i-- > 0;)
+                HeapFree(heaps[i], 0, HeapAlloc(heaps[i], 0, 100));
+            std::free(std::malloc(100));
+        },
+        5000));
+}
+
+TEST_F(GuardTest, ALockOfAnotherThreadIsLeftToIt) {
+    const HANDLE heap = HeapCreate(0, 0, 0);
+    const HANDLE locked = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE over = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    std::thread other([=] {
+        HeapLock(heap);
+        SetEvent(locked);
+        WaitForSingleObject(over, 15'000);
+        HeapUnlock(heap);
     });
-    if (WaitForSingleObject(done, 5000) != WAIT_OBJECT_0) {
-        ADD_FAILURE();
-        HeapUnlock(GetProcessHeap());
-    }
+    WaitForSingleObject(locked, INFINITE);
+    const int damaged = Susiectl().isMemoryDamaged();
+    EXPECT_EQ(plugin_.DecodeWith("crash:av:GetPicture"), kCrashed);
+    EXPECT_EQ(Susiectl().isMemoryDamaged(), damaged);
+    EXPECT_FALSE(EndsInThread([=] { HeapUnlock((HeapLock(heap), heap)); }, 300));
+    SetEvent(over);
     other.join();
-    CloseHandle(done);
 }
 
 TEST_F(GuardTest, WorksInEveryThread) {
