@@ -261,5 +261,15 @@ TEST_F(Iftesswic, LeavesComAsItWas) {
     CoUninitialize();
 }
 
+TEST(IftesswicModule, GoesWithItsLastUser) {
+    {
+        const LoadedPlugin plugin{"iftesswic"};
+        EXPECT_EQ(HandedPicture(plugin, MakeGif()).result, susie::kSuccess);
+        EXPECT_EQ(HandedPicture(plugin, MakeTiff(16, 2, 1, 0, 1, 0xF0)).result, susie::kSuccess);
+        EXPECT_NE(GetModuleHandleW(L"iftesswic.spi"), nullptr);
+    }
+    EXPECT_EQ(GetModuleHandleW(L"iftesswic.spi"), nullptr);
+}
+
 }  // namespace
 }  // namespace tessary::spi::test
