@@ -64,10 +64,10 @@ bool TakeLog(Text name) {
 }
 
 bool TakeEncoding(Text name, UINT& codePage) {
-    constexpr UINT kCodePages[] = {CP_UTF8, 932, CP_ACP, CP_OEMCP};
+    const UINT codePages[] = {ConsoleCodePage(), CP_UTF8, 932, CP_ACP, CP_OEMCP};
     size_t index = 0;
-    if (!TakeWord(name, {L"utf-8", L"shift_jis", L"ansi", L"oem"}, index)) return false;
-    codePage = kCodePages[index];
+    if (!TakeWord(name, {L"console", L"utf-8", L"shift_jis", L"ansi", L"oem"}, index)) return false;
+    codePage = codePages[index];
     return true;
 }
 
@@ -120,7 +120,7 @@ constexpr Valued kValued[] = {
      }},
     {L"--report",
      [](ConsoleOptions& options, Text value) {
-         options.reportFile = FullPathOf(value);
+         options.reportFile = value == kStandardOutput ? value : FullPathOf(value);
          return !value.empty();
      }},
     {L"--on-conflict",

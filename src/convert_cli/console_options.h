@@ -7,15 +7,20 @@
 #include <string_view>
 #include <vector>
 
+#include "convert_cli/console_stream.h"
+
 namespace tessary {
+
+// Names standard output in the place of a file.
+inline constexpr std::wstring_view kStandardOutput = L"-";
 
 struct ConsoleOptions {
     std::vector<std::wstring> inputs;  // names of files and folders
     std::wstring targetFolder;         // full path
     bool recursive = false;
     bool isQuiet = false;
-    std::wstring reportFile;  // full path; empty: none
-    UINT codePage = CP_UTF8;  // of all text that does not go to a console
+    std::wstring reportFile;            // full path; empty: none; or kStandardOutput
+    UINT codePage = ConsoleCodePage();  // of all text that does not go to a console
     // Whether the arguments limit this side.
     bool givesMinWidth = false;
     bool givesMinHeight = false;

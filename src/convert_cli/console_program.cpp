@@ -87,7 +87,7 @@ bool AreOutputsFree(const ConsoleOptions& options, const InputFiles& inputs,
                     ConsoleStream& errors) {
     std::wstring refusal = LogRefusal(inputs.files);
     const std::wstring& report = options.reportFile;
-    if (!report.empty() && PathExists(report) &&
+    if (!report.empty() && report != kStandardOutput && PathExists(report) &&
         std::ranges::any_of(inputs.files, [&](const ConvertSource& file) {
             return IsSameFile(file.path, report);
         })) {
@@ -101,7 +101,9 @@ int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, Json
                    ConsoleStream& errors) {
     const StopRequest stop;
     bool isSetUp = LoadPlugins(stop, errors);
-    ConsoleStream output(STD_OUTPUT_HANDLE, options.codePage);
+    // Where programs read the report there is nothing else.
+    const bool isReport = options.reportFile == kStandardOutput;
+    ConsoleStream output(isReport ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE, options.codePage);
     ConsoleMonitor monitor(inputs.files, output, errors, report, options.isQuiet,
                            [&] { return stop.IsMade(); });
     const bool isReportBegun = report.IsGood();

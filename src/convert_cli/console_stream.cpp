@@ -1,6 +1,5 @@
 #include "convert_cli/console_stream.h"
 
-#include <algorithm>
 #include <string>
 
 namespace tessary {
@@ -8,16 +7,33 @@ namespace {
 
 constexpr size_t kLongestConsoleWrite = 8000;  // characters in one call to the system
 
+// Likenesses of missing characters would make other names of names; question marks are in none.
 std::string Encoded(std::wstring_view text, UINT codePage) {
     const auto length = static_cast<int>(text.size());
-    const int size =
-        WideCharToMultiByte(codePage, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<size_t>(size), '\0');
-    WideCharToMultiByte(codePage, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
-    return bytes;
+    for (const DWORD flags : {DWORD{WC_NO_BEST_FIT_CHARS}, DWORD{0}}) {
+        const int size =
+            WideCharToMultiByte(codePage, flags, text.data(), length, nullptr, 0, nullptr, nullptr);
+        if (size == 0) continue;  // UTF-8 and the like take no flag
+        std::string bytes(static_cast<size_t>(size), '\0');
+        WideCharToMultiByte(codePage, flags, text.data(), length, bytes.data(), size, nullptr,
+                            nullptr);
+        return bytes;
+    }
+    return {};
+}
+
+// How much of a long text goes to the console at once: no half of a pair.
+size_t WholeCharacters(std::wstring_view text) {
+    if (text.size() <= kLongestConsoleWrite) return text.size();
+    return kLongestConsoleWrite - (IS_HIGH_SURROGATE(text[kLongestConsoleWrite - 1]) ? 1 : 0);
 }
 
 }  // namespace
+
+UINT ConsoleCodePage() {
+    const UINT codePage = GetConsoleOutputCP();
+    return codePage != 0 ? codePage : CP_UTF8;
+}
 
 ConsoleStream::ConsoleStream(DWORD stream, UINT codePage)
     : stream_(GetStdHandle(stream)), codePage_(codePage) {
@@ -33,7 +49,7 @@ void ConsoleStream::Write(std::wstring_view text) {
         return;
     }
     while (!text.empty()) {
-        const size_t count = std::min(text.size(), kLongestConsoleWrite);
+        const size_t count = WholeCharacters(text);
         WriteConsoleW(stream_, text.data(), static_cast<DWORD>(count), &written, nullptr);
         text.remove_prefix(count);
     }

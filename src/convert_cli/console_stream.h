@@ -7,11 +7,15 @@
 
 namespace tessary {
 
+// The code page of the console that this process belongs to, which whoever reads its output
+// expects: shells take it for that of pipes. UTF-8 where there is no console.
+UINT ConsoleCodePage();
+
 // Not an owner: the streams are the process's.
 class ConsoleStream {
   public:
     // `stream` is STD_OUTPUT_HANDLE or STD_ERROR_HANDLE. On a console text appears as it is;
-    // anywhere else it is written in `codePage`.
+    // anywhere else it is written in `codePage`, with question marks for what that lacks.
     ConsoleStream(DWORD stream, UINT codePage);
 
     bool IsConsole() const { return isConsole_; }

@@ -43,11 +43,13 @@ Susie プラグインと設定を使います。設定は書き換えません�
   --append, --no-append   ログファイルに書き足す・新しく書き始める
   --report ファイル       ファイルごとの結果を JSON で 1 行ずつ書く (UTF-8):
                           source, member, target, result, reason, text, size, ms
+                          - は標準出力に書く（ASCII。ログは標準エラー出力に移ります）
   --quiet                 変換できなかったものなどの一覧だけを表示する
   --ignore-settings       ビューアで設定した値を使わない
   --encoding 名前         出力をファイルやパイプに送るときの文字コード
-                          (utf-8, shift_jis, ansi, oem)。初めは utf-8。
-                          コンソールにはコンソールの文字で表示します
+                          (console, utf-8, shift_jis, ansi, oem)。初めは console で、
+                          コンソールのコードページ（chcp。コンソールがなければ UTF-8）。
+                          表せない文字は ? になります
   --bmp-type 種類         windows または os2
   --bmp-rle, --no-bmp-rle BMP を圧縮する・しない
   --png-level 数          PNG の圧縮率 (0-9)
@@ -105,10 +107,12 @@ stands for the files in it, but for hidden and system files.
   --append, --no-append   add to the log file, or begin anew
   --report FILE           one line of JSON for each file, in UTF-8:
                           source, member, target, result, reason, text, size, ms
+                          -: on standard output, in ASCII; the log goes to standard error
   --quiet                 tell only about files that did not become what they should
   --ignore-settings       use nothing that was set in the viewer
-  --encoding NAME         of output that is redirected: utf-8 (default), shift_jis, ansi or
-                          oem; a console shows its own characters
+  --encoding NAME         of output that is redirected: console (default: its code page, see
+                          chcp; utf-8 without a console), utf-8, shift_jis, ansi or oem;
+                          ? stands for what it lacks
   --bmp-type TYPE         windows or os2
   --bmp-rle, --no-bmp-rle run-length encoding
   --png-level N           compression, 0 to 9

@@ -2,11 +2,12 @@
 
 #include <windows.h>
 
-#include <cstdio>
+#include <cwchar>
+#include <iterator>
 #include <string_view>
 
 #include "app/base/paths.h"
-#include "app/base/text.h"
+#include "convert_cli/console_options.h"
 
 namespace tessary {
 namespace {
@@ -27,7 +28,6 @@ const char* ResultOf(const FileReport& report) {
     return "failed";
 }
 
-// Names may hold halves of pairs, which no UTF-8 has.
 std::string Utf8(std::wstring_view text) {
     const auto length = static_cast<int>(text.size());
     const int size =
@@ -37,39 +37,77 @@ std::string Utf8(std::wstring_view text) {
     return bytes;
 }
 
-std::string Quoted(std::wstring_view text) {
-    std::string quoted = "\"";
-    for (const char byte : Utf8(text)) {
-        if (byte == '"' || byte == '\\') {
-            quoted += {'\\', byte};
-        } else if (static_cast<unsigned char>(byte) < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof(escaped), "\\u%04x", byte);
-            quoted += escaped;
-        } else {
-            quoted += byte;
+// Texts between quotation marks.
+class Quoter {
+  public:
+    explicit Quoter(bool isAscii) : isAscii_(isAscii) {}
+
+    std::string operator()(std::wstring_view text) const {
+        std::wstring quoted = L"\"";
+        for (size_t at = 0; at < text.size(); ++at) {
+            const wchar_t character = text[at];
+            if (character == L'"' || character == L'\\') {
+                quoted += {L'\\', character};
+            } else if (NeedsEscape(text, at)) {
+                wchar_t escaped[8];
+                std::swprintf(escaped, std::size(escaped), L"\\u%04x", unsigned{character});
+                quoted += escaped;
+            } else {
+                quoted += character;
+            }
         }
+        return Utf8(quoted + L'"');
     }
-    return quoted + '"';
+
+  private:
+    // Names may hold halves of pairs, which no UTF-8 has.
+    bool NeedsEscape(std::wstring_view text, size_t at) const {
+        const wchar_t character = text[at];
+        if (character < 0x20 || (isAscii_ && character > 0x7E)) return true;
+        if (IS_HIGH_SURROGATE(character)) {
+            return at + 1 == text.size() || !IS_LOW_SURROGATE(text[at + 1]);
+        }
+        return IS_LOW_SURROGATE(character) && (at == 0 || !IS_HIGH_SURROGATE(text[at - 1]));
+    }
+
+    bool isAscii_;
+};
+
+// A handle of its own.
+UniqueFile StandardOutput() {
+    HANDLE own = nullptr;
+    const HANDLE process = GetCurrentProcess();
+    if (!DuplicateHandle(process, GetStdHandle(STD_OUTPUT_HANDLE), process, &own, 0, FALSE,
+                         DUPLICATE_SAME_ACCESS)) {
+        return {};
+    }
+    return UniqueFile(own);
 }
 
 }  // namespace
 
-std::string JsonLine(const FileReport& report) {
-    std::string line = "{\"source\":" + Quoted(report.source);
-    if (!report.member.empty()) line += ",\"member\":" + Quoted(report.member);
-    line += ",\"target\":" + Quoted(report.target);
+std::string JsonLine(const FileReport& report, bool isAscii) {
+    const Quoter quoted(isAscii);
+    std::string line = "{\"source\":" + quoted(report.source);
+    if (!report.member.empty()) line += ",\"member\":" + quoted(report.member);
+    line += ",\"target\":" + quoted(report.target);
     line += std::string(",\"result\":\"") + ResultOf(report) + '"';
     if (report.isRenamed) line += ",\"renamed\":true";
     if (report.isReplaced) line += ",\"replaced\":true";
-    line += ",\"reason\":" + Quoted(ReasonKey(report.reason));
-    line += ",\"text\":" + Quoted(report.text);
+    line += ",\"reason\":" + quoted(ReasonKey(report.reason));
+    line += ",\"text\":" + quoted(report.text);
     line += ",\"size\":" + std::to_string(report.bytes);
     return line + ",\"ms\":" + std::to_string(report.milliseconds) + '}';
 }
 
 JsonReport::JsonReport(const std::wstring& path, Start start) {
     if (path.empty()) return;
+    isAscii_ = path == kStandardOutput;
+    if (isAscii_) {
+        file_ = StandardOutput();
+        isGood_ = static_cast<bool>(file_);
+        return;
+    }
     file_ = UniqueFile(CreateFileW(ExtendedPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ,
                                    nullptr, start == Start::kAnew ? CREATE_ALWAYS : OPEN_EXISTING,
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -79,7 +117,7 @@ JsonReport::JsonReport(const std::wstring& path, Start start) {
 
 void JsonReport::Add(const FileReport& report) {
     if (!file_) return;
-    const std::string line = JsonLine(report) + '\n';
+    const std::string line = JsonLine(report, isAscii_) + '\n';
     DWORD written = 0;
     isGood_ =
         WriteFile(file_.Get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr) &&

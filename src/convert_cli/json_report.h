@@ -1,4 +1,4 @@
-// What became of each file, for programs: one JSON object in a line, in UTF-8.
+// What became of each file, for programs: one JSON object in a line.
 #pragma once
 
 #include <string>
@@ -11,7 +11,8 @@ namespace tessary {
 class JsonReport {
   public:
     enum class Start { kAnew, kContinued };
-    // An empty path: no report is wanted.
+    // An empty path: no report is wanted. kStandardOutput: there, in ASCII, which is the same in
+    // every code page. A file is in UTF-8.
     explicit JsonReport(const std::wstring& path, Start start = Start::kAnew);
 
     // False when the file could not be opened, or has not taken all that was written.
@@ -21,10 +22,11 @@ class JsonReport {
 
   private:
     UniqueFile file_;
+    bool isAscii_ = false;
     bool isGood_ = true;
 };
 
-// The line, without its end.
-std::string JsonLine(const FileReport& report);
+// The line, without its end; in UTF-8, or with escapes for all that is not ASCII.
+std::string JsonLine(const FileReport& report, bool isAscii);
 
 }  // namespace tessary

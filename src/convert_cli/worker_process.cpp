@@ -160,10 +160,19 @@ std::optional<WorkerEnd> RunWorker() {
     if (notes) verdict->notes = reinterpret_cast<uintptr_t>(notes.Get());
     STARTUPINFOW start{};
     start.cb = sizeof(start);
+    // Without a console here, the worker would open one for everybody to see.
+    const bool hasConsole = GetConsoleOutputCP() != 0;
+    if (!hasConsole) {
+        start.dwFlags = STARTF_USESTDHANDLES;
+        start.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
+        start.hStdOutput = GetStdHandle(STD_OUTPUT_HANDLE);
+        start.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+    }
     PROCESS_INFORMATION process{};
     std::wstring command = GetCommandLineW();
-    const BOOL isStarted = CreateProcessW(program, command.data(), nullptr, nullptr, TRUE, 0,
-                                          nullptr, nullptr, &start, &process);
+    const BOOL isStarted =
+        CreateProcessW(program, command.data(), nullptr, nullptr, TRUE,
+                       hasConsole ? 0 : DETACHED_PROCESS, nullptr, nullptr, &start, &process);
     SetEnvironmentVariableW(kVariable, nullptr);
     std::optional<WorkerEnd> end;
     if (isStarted) {

@@ -11,6 +11,7 @@
 #include "app/settings/modValue.h"
 #include "app/settings/settings_store.h"
 #include "convert_cli/console_options.h"
+#include "convert_cli/json_report.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/helper_libraries.h"
@@ -30,6 +31,16 @@ class ConvertCliTest : public testing::Test {
         std::string output;
     };
     Outcome RunProgram(const std::wstring& arguments) {
+        return Run(L'"' + test::FinishedFolder() + L"tessary-convert.exe\" " + arguments,
+                   DETACHED_PROCESS);
+    }
+    // The same from a console of that code page.
+    Outcome RunInConsole(const std::wstring& codePage, const std::wstring& arguments) {
+        return Run(L"cmd /s /c \"chcp " + codePage + L">nul & \"" + test::FinishedFolder() +
+                       L"tessary-convert.exe\" " + arguments + L'"',
+                   CREATE_NEW_CONSOLE);
+    }
+    Outcome Run(std::wstring command, DWORD flags) {
         SetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", settings_.KeyPath().c_str());
         SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
         const std::wstring path = folder_.Path() + L"output";
@@ -37,16 +48,15 @@ class ConvertCliTest : public testing::Test {
         constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
         STARTUPINFOW start{};
         start.cb = sizeof(start);
-        start.dwFlags = STARTF_USESTDHANDLES;
+        start.dwFlags = STARTF_USESTDHANDLES | STARTF_USESHOWWINDOW;
+        start.wShowWindow = SW_HIDE;
         PROCESS_INFORMATION process{};
         Outcome outcome;
         {
             const UniqueFile output(CreateFileW(path.c_str(), GENERIC_WRITE, kShareAll, &inherited,
                                                 CREATE_ALWAYS, 0, nullptr));
             start.hStdOutput = start.hStdError = output.Get();
-            std::wstring command =
-                L'"' + test::FinishedFolder() + L"tessary-convert.exe\" " + arguments;
-            if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr,
+            if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, flags, nullptr,
                                 RemoveBackslash(folder_.Path()).c_str(), &start, &process)) {
                 return outcome;
             }
@@ -180,6 +190,28 @@ TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
     EXPECT_EQ(RunProgram(L"--out out --ignore-settings in").status, 0U);
     EXPECT_EQ(GetSetting(L"Init", L"Run", L"-"), L"-") << "settings are never written";
     EXPECT_EQ(GetSetting(L"General", L"UseSPI", L"-"), L"-");
+}
+
+TEST_F(ConvertCliTest, WritesWhatItsConsoleReads) {
+    folder_.Write(L"é表.xyz", "no picture");
+    const Outcome japanese = RunInConsole(L"932", L"--quiet --out out é表.xyz");
+    EXPECT_EQ(japanese.status, 1U);
+    EXPECT_NE(japanese.output.find("\x8E\xB8\x94s: "), std::string::npos) << "失敗";
+    EXPECT_NE(japanese.output.find("?\x95\\.xyz"), std::string::npos) << japanese.output;
+    const Outcome utf8 = RunInConsole(L"65001", L"--quiet --out out é表.xyz");
+    EXPECT_NE(utf8.output.find("é表.xyz （未知の形式）"), std::string::npos) << utf8.output;
+    const Outcome chosen = RunInConsole(L"932", L"--quiet --encoding utf-8 --out out é表.xyz");
+    EXPECT_EQ(chosen.output, utf8.output);
+    const Outcome same = RunInConsole(L"932", L"--quiet --encoding console --out out é表.xyz");
+    EXPECT_EQ(same.output, japanese.output);
+
+    // For programs every name comes through, whatever the code page.
+    const Outcome report = RunInConsole(L"932", L"--quiet --report - --out out é表.xyz 2>nul");
+    EXPECT_NE(report.output.find(R"(\\\u00e9\u8868.xyz","target":"","result":"failed")"),
+              std::string::npos)
+        << report.output;
+    EXPECT_TRUE(report.output.starts_with('{') && report.output.ends_with("}\n"));
+    EXPECT_EQ(JsonLine({.source = L"\xD83D\xDE00\xD83D\"é"}, false).find(R"(😀\ud83d\"é")"), 11u);
 }
 
 TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
