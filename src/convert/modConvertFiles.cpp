@@ -6,6 +6,7 @@
 #include "app/base/error.h"
 #include "app/base/file_identity.h"
 #include "app/base/paths.h"
+#include "app/base/stay_awake.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "convert/convert_progress.h"
@@ -44,6 +45,7 @@ bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
         if (!MakeFolder(folder) || files.empty() || files.front().path.empty()) return false;
         const ProgressWatch watch(monitor);
         const NoSystemMessages quiet;
+        const StayAwake awake(AwakeNeed::kMachine, L"画像を変換しています");
         return ConvertRun(AddBackslash(folder), files, monitor).Run();
     });
 }

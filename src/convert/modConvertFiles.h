@@ -14,6 +14,8 @@ namespace tessary {
 // there is nothing to convert (both without a word), the user stopped it, or one is under way
 // already.
 //
+// The machine does not go to sleep meanwhile.
+//
 // While it runs the monitor lets messages through. Whoever shows windows meanwhile must keep the
 // plug-ins from being loaded anew and the program from ending (ReadUnderWay in modValue.h).
 bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor);

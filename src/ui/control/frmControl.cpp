@@ -35,6 +35,12 @@ frmControl::frmControl(frmMain& window)
                .forward = [this] { return ListIndexForwardOne(); },
                .atEnd = [this] { EndMotion(); },
                .mayStep = [this] { return !wishes_.Any() && MayStep(); },
+               .isSeen =
+                   [this] {
+                       // Behind a dialog the show stands still.
+                       const HWND main = window_.Handle();
+                       return IsWindowVisible(main) && IsWindowEnabled(main) && !IsIconic(main);
+                   },
                .inBurst =
                    [this](const std::function<void()>& steps) {
                        const Burst burst(*this);
@@ -269,6 +275,9 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
         case WM_SETFOCUS:
             FocusPart(lastFocus_);
+            return 0;
+        case WM_SYSCOMMAND:
+            if ((wParam & 0xFFF0) != SC_SCREENSAVE || !player_.IsPlaying()) break;
             return 0;
         case WM_SETCURSOR:
             if (LOWORD(lParam) != HTCLIENT || !IsReadUnderWay() || player_.IsPlaying()) break;

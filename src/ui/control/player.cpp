@@ -24,14 +24,30 @@ void Player::Start(BarButton motion) {
         lastStep_ = GetTickCount() - static_cast<DWORD>(INT16_MAX) - 1;
     }
     timer1_.Start(kTickMilliseconds);
+    KeepScreenOn(steps_.isSeen());
+}
+
+void Player::HaltTimer() {
+    timer1_.Stop();
+    KeepScreenOn(false);
 }
 
 void Player::Stop() {
-    timer1_.Stop();
+    HaltTimer();
     playMode_ = BarButton::kStop;
 }
 
+void Player::KeepScreenOn(bool on) {
+    if (on == awake_.has_value()) return;
+    if (on) {
+        awake_.emplace(AwakeNeed::kScreen, L"スライドショーを表示しています");
+    } else {
+        awake_.reset();
+    }
+}
+
 void Player::Timer1_Timer(DWORD now) {
+    KeepScreenOn(steps_.isSeen());
     if (!steps_.mayStep()) return;
     switch (playMode_) {
         case BarButton::kRewind:

@@ -6,7 +6,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
+#include "app/base/stay_awake.h"
 #include "ui/form/timer.h"
 #include "ui/main/control_bar.h"
 
@@ -20,6 +22,7 @@ class Player {
         std::function<bool()> forward;
         std::function<void()> atEnd;    // a timed step has failed: press stop
         std::function<bool()> mayStep;  // false while a picture is still being loaded
+        std::function<bool()> isSeen;   // whether somebody may be watching: the screen stays on
         // Runs steps that follow each other at once.
         std::function<void(const std::function<void()>& steps)> inBurst;
     };
@@ -30,7 +33,7 @@ class Player {
     void Start(BarButton motion);
 
     // Switches the timer off but keeps the play mode: the step buttons.
-    void HaltTimer() { timer1_.Stop(); }
+    void HaltTimer();
 
     // The stop button.
     void Stop();
@@ -46,12 +49,14 @@ class Player {
     void Timer1_Timer(DWORD now);
 
   private:
+    void KeepScreenOn(bool on);
     void StepFast(const std::function<bool()>& step) const;
     void StepTimed(const std::function<bool()>& step, DWORD now);
 
     Steps steps_;
     BarButton playMode_ = BarButton::kStop;
     DWORD lastStep_ = 0;  // tick count after the last timed step
+    std::optional<StayAwake> awake_;
     Timer timer1_{[this] { Timer1_Timer(GetTickCount()); }};
 };
 

@@ -161,7 +161,13 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
         case WM_SETFOCUS:  // the keys are the picture's
             TakeFocus();
             return 0;
-        case WM_SYSCOMMAND:  // the control bar sends the keys for the menu here
+        case WM_SYSCOMMAND:
+            // Which of the two the system asks depends on who is active.
+            if ((wParam & 0xFFF0) == SC_SCREENSAVE && controlBar_ != nullptr &&
+                controlBar_->IsPlaying()) {
+                return 0;
+            }
+            // The control bar sends the keys for the menu here.
             if ((wParam & 0xFFF0) == SC_KEYMENU && GetActiveWindow() != Handle()) TakeFocus();
             return std::nullopt;
         case WM_WINDOWPOSCHANGING:

@@ -1,6 +1,7 @@
 // Runs that are stopped, disturbed, or long.
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
+#include "app/base/stay_awake.h"
 #include "convert/convert_progress.h"
 #include "tests/src/convert/convert_test.h"
 #include "tests/support/process_resources.h"
@@ -47,7 +48,10 @@ TEST_F(ConvertRunTest, DisturbedRunsGoOn) {
     Add(L"x.tsa", ArchiveOf({{"m.tst", "TST 6x6x24\n"}}));
     int finished = 0;
     bool nested = true;
+    bool isAwake = false;
+    SetAwakeObserver([&](AwakeNeed, bool isOn) { isAwake = isOn; });
     monitor_.onLine = [&](const std::wstring& line) {
+        EXPECT_TRUE(isAwake);
         nested = nested && ConvertFiles(Target(), monitor_);
         // The folder is removed behind the first file; the archive's is made anew.
         if (line == L"*** 変換処理終了 ***" && ++finished == 1)
@@ -57,6 +61,11 @@ TEST_F(ConvertRunTest, DisturbedRunsGoOn) {
     EXPECT_FALSE(nested);
     EXPECT_TRUE(LogHolds(L"  保存に失敗しました  b.png"));
     EXPECT_EQ(Converted(), LR"(x.tsa\m.png )");
+    EXPECT_FALSE(isAwake);
+    monitor_.onLine = [](const std::wstring&) -> void { throw std::bad_alloc(); };
+    Run();
+    EXPECT_FALSE(isAwake);
+    SetAwakeObserver({});
 }
 
 TEST_F(ConvertRunTest, WhatGoesWrongUnexpectedlyStaysWithItsFile) {

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 
+#include "app/base/stay_awake.h"
 #include "app/settings/settings_store.h"
 #include "picture/current_picture.h"
 #include "plugin/modSusie.h"
@@ -481,6 +482,43 @@ TEST_F(PlayerTest, DeleteDuringAShowTakesWhatIsSeen) {
     EXPECT_EQ(Info(), L"[画像] 2.bmp ( 8×6 24bit )");
     EXPECT_EQ(bar_.PlayMode(), BarButton::kPlay);
     EXPECT_FALSE(RunUntil([&] { return Selected() != 0; }, 100));  // it is shown as long as others
+}
+
+TEST_F(PlayerTest, KeepsTheScreenOnWhileAShowIsSeen) {
+    int screens = 0;
+    SetAwakeObserver([&](AwakeNeed need, bool isOn) {
+        if (need == AwakeNeed::kScreen) screens += isOn ? 1 : -1;
+    });
+    const auto becomes = [&](int count) { return RunUntil([&] { return screens == count; }); };
+    Values().general.slideShowTime = 20000;
+    window_.Show();
+    const List files{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp")};
+    bar_.SetFileList(files);
+    EXPECT_EQ(screens, 0);
+    bar_.Press(BarButton::kReversePlay);
+    bar_.Press(BarButton::kPlay);  // still one show
+    EXPECT_EQ(screens, 1);
+    EnableWindow(window_.Handle(), FALSE);  // behind a dialog
+    EXPECT_TRUE(becomes(0));
+    EnableWindow(window_.Handle(), TRUE);
+    EXPECT_TRUE(becomes(1));
+    ShowWindow(window_.Handle(), SW_MINIMIZE);
+    EXPECT_TRUE(becomes(0));
+    ShowWindow(window_.Handle(), SW_RESTORE);
+    EXPECT_TRUE(becomes(1));
+    for (const BarButton end : {BarButton::kStop, BarButton::kStepForward}) {
+        bar_.Press(BarButton::kPlay);
+        EXPECT_EQ(screens, 1);
+        bar_.Press(end);
+        EXPECT_EQ(screens, 0);
+    }
+    bar_.Press(BarButton::kFastForward);
+    EXPECT_TRUE(becomes(0)) << "at the end of the list";
+    bar_.SetFileList(files);
+    bar_.Press(BarButton::kPlay);
+    window_.Unload();
+    EXPECT_EQ(screens, 0);
+    SetAwakeObserver({});
 }
 
 TEST_F(PlayerTest, DisplaySizesGoRound) {
