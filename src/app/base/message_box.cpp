@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "app/base/call_user.h"
 #include "app/base/task_modal.h"
 
 namespace tessary {
@@ -21,7 +22,8 @@ int ShowMessageBox(std::wstring_view text, unsigned style, std::wstring_view tit
     const std::wstring caption(title);
     if (Responder()) return Responder()(message, style, caption);
     // The box itself disables its owner only, and MB_TASKMODAL the others only without an owner.
-    const HWND owner = GetActiveWindow();
+    const HWND owner = WindowForMessages();
+    const UserCall call(owner);
     const TaskModal modal(owner);
     // An owner that is disabled could not become active again behind the box: another program's
     // window would.

@@ -1,4 +1,5 @@
 // The converter's window during a run and behind it.
+#include "app/base/call_user.h"
 #include "app/base/message_box.h"
 #include "app/base/raised_flag.h"
 #include "app/settings/modValue.h"
@@ -20,11 +21,11 @@ void ShowText(Label& label, const std::wstring& text) {
     if (label.Text() != text) label.SetText(text);
 }
 
-// Draws the user's eye to a window that he has left.
-void CallUser(HWND window) {
-    if (GetForegroundWindow() == window) return;
-    FLASHWINFO flash{sizeof(FLASHWINFO), window, FLASHW_TRAY | FLASHW_TIMERNOFG, 0, 0};
-    FlashWindowEx(&flash);
+BOOL CALLBACK CloseOwned(HWND window, LPARAM owner) {
+    if (GetWindow(window, GW_OWNER) == reinterpret_cast<HWND>(owner) && IsWindowEnabled(window)) {
+        PostMessageW(window, WM_CLOSE, 0, 0);
+    }
+    return TRUE;
 }
 
 }  // namespace
@@ -88,7 +89,7 @@ void frmConvertAll::EndRun() {
     cmdRunConvert_.SetEnabled(false);
     if (GetActiveWindow() == Handle()) cmdOK_.SetFocus();
     Command2_.SetEnabled(false);
-    CallUser(Handle());
+    UserCall(Handle()).Keep();
     if (Values().quitRequested) Close(IDCANCEL);
 }
 
@@ -145,8 +146,8 @@ bool frmConvertAll::RefusesToClose() {
 // The system does not wait for an answer to a message, and the run would.
 void frmConvertAll::EndSession() {
     continue_ = false;
-    const HWND message = GetLastActivePopup(Handle());
-    if (message != Handle()) PostMessageW(message, WM_CLOSE, 0, 0);
+    // Not the last active pop-up, which the system knows of windows without an owner only.
+    EnumThreadWindows(GetCurrentThreadId(), CloseOwned, reinterpret_cast<LPARAM>(Handle()));
 }
 
 // --- What the engine tells ---

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/base/call_user.h"
 #include "app/base/error.h"
 #include "app/base/task_modal.h"
 #include "ui/form/control.h"
@@ -62,6 +63,7 @@ int Dialog::ShowModal(HWND owner) {
     if (block.empty()) return IDCANCEL;
     modal_ = true;
     const TaskModal others(owner);
+    const UserCall call(owner);
     const INT_PTR result = DialogBoxIndirectParamW(
         ProgramInstance(), reinterpret_cast<const DLGTEMPLATE*>(block.data()), owner, Procedure,
         reinterpret_cast<LPARAM>(this));

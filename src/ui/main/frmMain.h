@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/base/call_user.h"
 #include "app/settings/modValue.h"
 #include "picture/show/picture_view.h"
 #include "res/resource.h"
@@ -74,8 +75,8 @@ class frmMain final : public Form, public PictureView {
     // Above which window a command shows its dialog: the one that it was given in, which may be the
     // control bar.
     HWND DialogOwner() const {
-        const HWND active = GetActiveWindow();
-        return active != nullptr ? active : Handle();
+        const HWND window = WindowForMessages();
+        return window != nullptr ? window : Handle();
     }
 
     // Closes the window when that was asked for during a read (quitRequested) and none is under way

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "app/base/call_user.h"
+#include "app/base/message_box.h"
 #include "app/base/quit.h"
 #include "app/base/task_modal.h"
 #include "ui/form/message_loop.h"
@@ -28,6 +30,7 @@ class RecordingForm final : public Form {
     Events events;
     bool refuse = false;
     bool fail = false;  // every handler throws
+    int flashes = 0;    // of its caption, and others of its looks
 
   private:
     void Record(const char* event) {
@@ -44,6 +47,10 @@ class RecordingForm final : public Form {
     void Form_Command(int id) override { Record(id == 7 ? "command" : "?"); }
     void Form_MetricsChanged() override { Record("metrics"); }
     SIZE MinimumSize() const override { return {300, 200}; }
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
+        flashes += message == WM_NCACTIVATE ? 1 : 0;
+        return Form::OnMessage(message, wParam, lParam);
+    }
 };
 
 TEST(FormTest, LivesFromLoadToTerminateAndAgain) {
@@ -179,6 +186,62 @@ TEST(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
         SetFocus(nullptr);  // as some systems do by themselves with what is disabled
     }
     EXPECT_EQ(GetFocus(), button);
+}
+
+// The user's hand at a message box, and what he sees of it.
+struct Box {
+    static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
+        EnumThreadWindows(GetCurrentThreadId(), Answer, 0);
+    }
+    static BOOL CALLBACK Answer(HWND window, LPARAM) {
+        wchar_t name[16]{};
+        GetClassNameW(window, name, 16);
+        if (std::wstring(name) != L"#32770") return TRUE;
+        owner = GetWindow(window, GW_OWNER);
+        called = main->flashes > 0;
+        EndDialog(window, IDOK);
+        return FALSE;
+    }
+    static inline HWND owner;
+    static inline bool called;
+    static inline const RecordingForm* main;
+};
+
+TEST(MessageBoxTest, StaysWithTheWindowThatTheUserWasInAndCallsHim) {
+    EXPECT_EQ(WindowForMessages(), nullptr);
+    RecordingForm main;
+    RecordingForm bar;
+    ASSERT_TRUE(main.Load());
+    main.Show();
+    ASSERT_TRUE(bar.Load(main.Handle()));
+    bar.Show();
+    const HWND foreign =
+        CreateWindowExW(0, L"STATIC", L"a plug-in's", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, nullptr,
+                        nullptr, GetModuleHandleW(L"user32"), nullptr);
+    SetActiveWindow(bar.Handle());
+    EXPECT_EQ(WindowForMessages(), bar.Handle());
+    SetForegroundWindow(GetDesktopWindow());  // another program's
+    ASSERT_EQ(GetActiveWindow(), nullptr);
+    EXPECT_EQ(WindowForMessages(), bar.Handle());
+    main.flashes = 0;
+    Box::main = &main;
+    const UINT_PTR timer = SetTimer(nullptr, 0, 20, Box::Look);
+    EXPECT_EQ(ShowMessageBox(L"text"), IDOK);
+    EXPECT_EQ(Box::owner, bar.Handle());
+    EXPECT_TRUE(Box::called);
+    for (const auto take : {+[](HWND window) { EnableWindow(window, FALSE); },
+                            +[](HWND window) { ShowWindow(window, SW_HIDE); }}) {
+        SetForegroundWindow(GetDesktopWindow());
+        EnableWindow(bar.Handle(), TRUE);
+        take(bar.Handle());
+        EXPECT_EQ(WindowForMessages(), main.Handle());
+    }
+    EnableWindow(main.Handle(), FALSE);  // while the program is at work
+    EXPECT_EQ(ShowMessageBox(L"text"), IDOK);
+    EXPECT_EQ(Box::owner, main.Handle());
+    EXPECT_FALSE(IsWindowEnabled(main.Handle()));
+    KillTimer(nullptr, timer);
+    DestroyWindow(foreign);
 }
 
 TEST(TimerTest, TicksUntilStoppedAndNeverNests) {
