@@ -50,7 +50,7 @@ for licence in "$root"/build/deps/x86/licences/*.txt; do
     windows_text <"$licence" >"$folder/licences/${licence##*/}"
 done
 sed "s/@VERSION@/$version/" "$root/docs/read_first.ja.txt" |
-    windows_text >"$folder/はじめにお読みください.txt"
+    windows_text >"$folder/ReadMe.ja.txt"
 render_manual "$folder/manual"
 
 package=$root/build/TessaryViewer-$version.zip

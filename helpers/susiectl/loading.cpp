@@ -10,17 +10,46 @@
 namespace tessary::susiectl {
 namespace {
 
+// Makes an error the thread's last one at the very end: what tidies up behind a call changes it.
+class KeptError {
+  public:
+    KeptError() = default;
+    KeptError(const KeptError&) = delete;
+    KeptError& operator=(const KeptError&) = delete;
+    ~KeptError() { SetLastError(error_); }
+
+    void Keep(DWORD error) { error_ = error; }
+
+  private:
+    DWORD error_ = ERROR_SUCCESS;
+};
+
+// What is called under guard: the guard's own tidying up changes the thread's error.
+HMODULE __stdcall LoadTellingError(const wchar_t* path, DWORD* error) {
+    const HMODULE module = LoadLibraryExW(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    if (!module) *error = GetLastError();
+    return module;
+}
+
 // The crash of a DllMain is the system's to contain: only it knows how to take the DLL back. The
 // guard is for the state that the DLL leaves behind, and for what the system lets through.
 HMODULE Load(const std::wstring& path) {
+    KeptError error;
     const WayBack wayBack;
     const std::wstring full = FullPath(path);
-    if (!IsLoadableDll(InputFile(full))) return nullptr;
+    {
+        const InputFile file(full);
+        if (!file.IsOpen() || !IsLoadableDll(file)) {
+            error.Keep(file.IsOpen() ? ERROR_BAD_EXE_FORMAT : GetLastError());
+            return nullptr;
+        }
+    }
     const LibrarySearchScope search;
     const EnabledWindows windows;
+    DWORD refusal = ERROR_SUCCESS;
     const auto module =
-        GuardedCall(AddressOf(LoadLibraryExW),
-                    {Word(full.c_str()), 0, LOAD_WITH_ALTERED_SEARCH_PATH}, Net::kNone);
+        GuardedCall(AddressOf(LoadTellingError), {Word(full.c_str()), Word(&refusal)}, Net::kNone);
+    error.Keep(refusal);
     windows.EnableAgain();
     return reinterpret_cast<HMODULE>(module.value_or(0));
 }

@@ -32,8 +32,8 @@ constexpr int kContentLzh = 16;
 constexpr int kContentZip = 17;
 
 // Loads a plug-in file; null when it is missing, no DLL for this process's architecture, or crashes
-// while it is loaded. No system message box appears; its own folder and the system's are searched
-// for what it needs.
+// while it is loaded. GetLastError tells the system's reason then; 0 after a crash. No system
+// message box appears; its own folder and the system's are searched for what it needs.
 using SPILoadLibraryFunction = HMODULE(__stdcall*)(const char* path);
 using SPILoadLibraryWFunction = HMODULE(__stdcall*)(const wchar_t* path);
 

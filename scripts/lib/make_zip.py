@@ -2,7 +2,8 @@
 
 Packs everything in FOLDER, under its own name, into ZIP. Equal folders give equal bytes: the files
 go in the order of their names, all are dated SECONDS after 1970 (in universal time), and nothing
-of this machine, its users or their rights is kept. Names beyond ASCII are marked as UTF-8.
+of this machine, its users or their rights is kept. Names beyond ASCII are refused: the Explorer of
+Windows 7 unpacks them wrong wherever its code page is not the archive's.
 """
 
 import os
@@ -24,6 +25,8 @@ def main(folder, seconds, target):
     unfinished = target + ".part"
     with zipfile.ZipFile(unfinished, "w") as archive:
         for name in sorted(files):
+            if not name.isascii():
+                sys.exit(f"error: not every Windows can unpack the name {name}")
             entry = zipfile.ZipInfo(name, date)
             entry.create_system = FAT
             entry.external_attr = ARCHIVE_BIT

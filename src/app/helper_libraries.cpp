@@ -3,7 +3,10 @@
 #include <windows.h>
 
 #include "app/base/handles.h"
+#include "app/base/load_refusal.h"
 #include "app/base/modGetFolder.h"
+#include "app/base/paths.h"
+#include "app/base/text.h"
 #include "app/settings/modValue.h"
 
 namespace tessary {
@@ -25,10 +28,23 @@ constexpr HelperLibrary kHelperLibraries[] = {
     {L"susiectl.dll", L"SUSIECTL.DLL が見つかりません。"},
 };
 
+// What the user can do when the system blocks our files.
+constexpr wchar_t kBlockedHint[] =
+    L"\r\n説明書 (manualフォルダのindex.html) の「Windowsにブロックされたとき」をご覧ください。";
+
+// `error`: of loading it.
+std::wstring FailureOf(const HelperLibrary& library, DWORD error) {
+    if (!PathExists(AppFolder() + library.fileName) && !IsBlockedBySystem(error)) {
+        return library.missingText;
+    }
+    return ToUpper(library.fileName) + L" を読み込めません。" + LoadRefusalText(error) + L"。" +
+           (IsBlockedBySystem(error) ? kBlockedHint : L"");
+}
+
 }  // namespace
 
 bool CheckHelperLibraries() {
-    // A broken library is a missing one, told by our message and not by the system's.
+    // What is wrong is told by our message and not by the system's.
     const UINT oldMode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
     bool complete = true;
     for (const HelperLibrary& library : kHelperLibraries) {
@@ -36,7 +52,7 @@ bool CheckHelperLibraries() {
         if (module) {
             (void)module.Release();  // resident until the process ends
         } else if (library.missingText != nullptr) {
-            Values().startupFailureReason = library.missingText;
+            Values().startupFailureReason = FailureOf(library, GetLastError());
             complete = false;
             break;
         }

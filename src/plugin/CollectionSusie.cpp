@@ -102,14 +102,16 @@ void CollectionSusie::AddSPI(const std::wstring& path) {
     auto added = std::make_unique<clsSusie>();
     added->SetAutoUnload(dynamicLoad_);
     added->SetCheckMode(!tryAll_);
-    NoteLeftOut(path, LoadPlugin(*added, path));
+    uint32_t loadError = 0;
+    const std::optional<LeftOutReason> refusal = LoadPlugin(*added, path, loadError);
+    NoteLeftOut(path, refusal, loadError);
     members_.insert(members_.begin() + InsertionIndex(added->ErrorCount({})), std::move(added));
     lastSuccess_ = 0;
 }
 
 // Whatever the store refuses to tell or to note, a plug-in that works is loaded.
-std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added,
-                                                         const std::wstring& path) {
+std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added, const std::wstring& path,
+                                                         uint32_t& loadError) {
     const std::wstring plugin = FullPathOf(path);
     // A replaced file must not be judged by the failures of the one before.
     const bool isNew = Trapped(false, [&] { return CheckFileDate(plugin); });
@@ -130,7 +132,8 @@ std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added,
             added.SetDllName({});  // raises, when it has let go of it
         }
     } catch (const RefusedPluginError& error) {
-        refusal = error.IsLoadable() ? LeftOutReason::kNoPlugin : WhyNotLoaded(path);
+        loadError = error.LoadError();
+        refusal = error.IsLoadable() ? LeftOutReason::kNoPlugin : WhyNotLoaded(path, loadError);
     } catch (...) {
         if (!refusal) refusal = LeftOutReason::kNotLoadable;
     }
@@ -139,11 +142,12 @@ std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added,
     return refusal;
 }
 
-void CollectionSusie::NoteLeftOut(const std::wstring& path, std::optional<LeftOutReason> reason) {
+void CollectionSusie::NoteLeftOut(const std::wstring& path, std::optional<LeftOutReason> reason,
+                                  uint32_t loadError) {
     std::wstring full = FullPathOf(path);
     std::erase_if(leftOut_, [&](const auto& one) { return EqualsIgnoreCase(one.path, full); });
     // A file in two of the folders may be there already.
-    if (reason && Item(full) == nullptr) leftOut_.push_back({std::move(full), *reason});
+    if (reason && Item(full) == nullptr) leftOut_.push_back({std::move(full), *reason, loadError});
 }
 
 bool CollectionSusie::IsIncomplete() const {

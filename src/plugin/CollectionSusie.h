@@ -189,8 +189,10 @@ class CollectionSusie {
     int32_t FirstSupporting(HLOCAL memory, const std::wstring& fileName, int32_t startIndex,
                             std::set<int32_t>& asked);
     int32_t FirstAccepting(const Search& search, int32_t startIndex, std::set<int32_t>& asked);
-    std::optional<LeftOutReason> LoadPlugin(clsSusie& added, const std::wstring& path);
-    void NoteLeftOut(const std::wstring& path, std::optional<LeftOutReason> reason);
+    std::optional<LeftOutReason> LoadPlugin(clsSusie& added, const std::wstring& path,
+                                            uint32_t& loadError);
+    void NoteLeftOut(const std::wstring& path, std::optional<LeftOutReason> reason,
+                     uint32_t loadError = 0);
     int32_t InsertionIndex(int32_t total) const;
 
     std::vector<std::unique_ptr<clsSusie>> members_;

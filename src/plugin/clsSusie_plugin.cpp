@@ -38,7 +38,7 @@ void clsSusie::SetDllName(const std::wstring& path) {
 void clsSusie::ReadPlugin() {
     module_ = calls_.Load();
     const int32_t style = module_ == nullptr ? kStyleNone : calls_.BindAddresses(module_);
-    if (style == kStyleNone) throw RefusedPluginError(module_ != nullptr);
+    if (style == kStyleNone) throw RefusedPluginError(module_ != nullptr, calls_.LoadError());
     supportConfigurationDialog_ = calls_.Address(SusieFunction::kConfigurationDlg) != nullptr;
     ReadInfo();
     dllStyle_ = style;

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "app/base/handles.h"
+#include "app/base/load_refusal.h"
 #include "app/base/paths.h"
 
 namespace tessary {
@@ -23,7 +24,8 @@ bool ReadAt(HANDLE file, LONG offset, Header& header) {
 
 }  // namespace
 
-LeftOutReason WhyNotLoaded(const std::wstring& path) {
+LeftOutReason WhyNotLoaded(const std::wstring& path, uint32_t loadError) {
+    if (IsBlockedBySystem(loadError)) return LeftOutReason::kBlocked;
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const UniqueFile file(CreateFileW(ExtendedPath(path).c_str(), GENERIC_READ, kShareAll, nullptr,
                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));

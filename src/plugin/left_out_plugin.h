@@ -2,6 +2,7 @@
 // why.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace tessary {
@@ -10,6 +11,7 @@ enum class LeftOutReason {
     kNoDll,         // no DLL at all, or a damaged one
     kOtherMachine,  // a DLL of another architecture, as 64-bit ones are for the 32-bit program
     kNotLoadable,   // the system could not load it, or it crashed meanwhile
+    kBlocked,       // the system or a virus scanner does not allow it to be loaded
     kNoPlugin,      // a DLL without the functions of a Susie plug-in
     kRenamed,       // one of ours under a former name, beside the one of today
     kBarred,        // it keeps ending the program
@@ -27,10 +29,11 @@ constexpr bool IsFolderReason(LeftOutReason reason) {
 struct LeftOutPlugin {
     std::wstring path;  // of a folder with a trailing backslash
     LeftOutReason reason = LeftOutReason::kNotLoadable;
+    uint32_t loadError = 0;  // of kNotLoadable and kBlocked: the system's, 0 when it told none
 };
 
-// Why the system does not load a file, as far as its headers tell: kNoDll, kOtherMachine or
-// kNotLoadable.
-LeftOutReason WhyNotLoaded(const std::wstring& path);
+// Why the system does not load a file, as far as its error and the file's headers tell: kBlocked,
+// kNoDll, kOtherMachine or kNotLoadable.
+LeftOutReason WhyNotLoaded(const std::wstring& path, uint32_t loadError);
 
 }  // namespace tessary

@@ -39,9 +39,9 @@ CollectionSusie::ScanStep StepOf(const LoadingProgress& progress, const GeneralS
 bool MayYieldLater(const std::wstring& folder) {
     const auto& leftOut = SusieCollection().LeftOut();
     return std::ranges::any_of(leftOut, [&](const LeftOutPlugin& one) {
-        const bool isForNow = one.reason == LeftOutReason::kWaiting ||
-                              one.reason == LeftOutReason::kSkipped ||
-                              one.reason == LeftOutReason::kBarred;
+        const bool isForNow =
+            one.reason == LeftOutReason::kWaiting || one.reason == LeftOutReason::kSkipped ||
+            one.reason == LeftOutReason::kBarred || one.reason == LeftOutReason::kBlocked;
         return isForNow && EqualsIgnoreCase(FolderOf(one.path), FullPathOf(folder));
     });
 }

@@ -64,14 +64,19 @@ class PluginError : public RaisedError {
 // A file that is no plug-in that can be used.
 class RefusedPluginError : public PluginError {
   public:
-    explicit RefusedPluginError(bool isLoadable)
-        : PluginError(kErrorInvalidPlugin, kInvalidPluginText), isLoadable_(isLoadable) {}
+    RefusedPluginError(bool isLoadable, uint32_t loadError)
+        : PluginError(kErrorInvalidPlugin, kInvalidPluginText),
+          isLoadable_(isLoadable),
+          loadError_(loadError) {}
 
     // Whether the file could be loaded at all, and only lacks the functions of a plug-in.
     bool IsLoadable() const { return isLoadable_; }
+    // The system's reason why it could not; 0 when there is none.
+    uint32_t LoadError() const { return loadError_; }
 
   private:
     bool isLoadable_;
+    uint32_t loadError_;
 };
 
 // A file or block whose members an archive plug-in cannot list: no archive of its, or a damaged

@@ -18,6 +18,18 @@ bool IsLeftOut(const PluginCall& call, LeftOutReason reason) {
     });
 }
 
+// Their names in one line.
+std::wstring BlockedPlugins() {
+    std::wstring names;
+    const CollectionSusie& collection = SusieCollection();
+    for (const LeftOutPlugin& one : collection.LeftOut()) {
+        if (one.reason != LeftOutReason::kBlocked) continue;
+        if (!names.empty()) names += L"、";
+        names += collection.NameOf(one.path);
+    }
+    return names;
+}
+
 }  // namespace
 
 std::vector<std::wstring> InterruptedCallNotices() {
@@ -59,6 +71,10 @@ std::vector<std::wstring> LoadingNotices() {
             notices.push_back(L"プラグインフォルダ " + one.path +
                               L" に使用できるプラグインがありません");
         }
+    }
+    if (const std::wstring blocked = BlockedPlugins(); !blocked.empty()) {
+        notices.push_back(L"プラグイン " + blocked +
+                          L" は、Windowsかウイルス対策ソフトにブロックされています");
     }
     if (PluginsAreStopped()) notices.push_back(PluginsStoppedText());
     if (CallsGoUnlogged()) {

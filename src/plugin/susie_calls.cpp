@@ -236,11 +236,13 @@ void SusieCalls::SetError(std::wstring_view message, std::wstring_view function)
 }
 
 HMODULE SusieCalls::Load() {
+    loadError_ = ERROR_SUCCESS;
     if (PluginsAreStopped()) return nullptr;
     return Trapped(HMODULE{}, [&] {
         HMODULE module = nullptr;
         Logged(kLoadLibrary, [&](const SusieLibrary& library) {
             module = library.loadLibrary(pluginPath_.c_str());
+            if (module == nullptr) loadError_ = GetLastError();
         });
         if (module != nullptr) WatchThreadsOf(module, pluginPath_);
         return module;

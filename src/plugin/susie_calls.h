@@ -86,6 +86,8 @@ class SusieCalls {
 
     // Loads the plug-in file. Null when that fails; else one reference that Free gives back.
     HMODULE Load();
+    // Why the last Load was refused by the system; 0 when it was not, or nobody knows.
+    DWORD LoadError() const { return loadError_; }
     void Free(HMODULE module);
     // Whether the plug-in shows windows of its own or runs threads.
     static bool IsInUse(HMODULE module);
@@ -179,6 +181,7 @@ class SusieCalls {
     std::wstring errorString_;
     std::wstring errorFunction_;
     uint32_t errorSerial_ = 0;
+    DWORD loadError_ = ERROR_SUCCESS;
 };
 
 }  // namespace tessary

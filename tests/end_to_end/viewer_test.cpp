@@ -152,16 +152,22 @@ TEST_F(ViewerTest, MissingHelperLibraryIsNamed) {
         PostMessageW(main, WM_CLOSE, 0, 0);
         EXPECT_EQ(viewer.ExitCode(), 0);
     }
+    const auto expectFailure = [&](const std::wstring& reason) {
+        const RunningViewer viewer(folder_.Path(), L"", store_.KeyPath());
+        const HWND box = viewer.WindowOfCaption(L"致命的エラー");
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(RunningViewer::TextOf(GetDlgItem(box, 0xFFFF)),
+                  L"アプリケーションの初期化に失敗しました。\r\n" + reason);
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+        viewer.ExitCode();
+    };
     std::filesystem::remove(folder_.Path() + L"dcpng.dll");
     std::filesystem::remove(folder_.Path() + L"convertdib.dll");
     DeleteSettingSection(L"General");
-    const RunningViewer viewer(folder_.Path(), L"", store_.KeyPath());
-    const HWND box = viewer.WindowOfCaption(L"致命的エラー");
-    ASSERT_NE(box, nullptr);
-    EXPECT_EQ(RunningViewer::TextOf(GetDlgItem(box, 0xFFFF)),
-              L"アプリケーションの初期化に失敗しました。\r\nDCPNG.DLL が見つかりません。");
-    PostMessageW(box, WM_COMMAND, IDOK, 0);
-    viewer.ExitCode();
+    expectFailure(L"DCPNG.DLL が見つかりません。");
+    // One that is there and may not be loaded is not missing.
+    folder_.Write(L"dcpng.dll", "no library");
+    expectFailure(L"DCPNG.DLL を読み込めません。ファイルが壊れています (エラー 193)。");
     EXPECT_EQ(GetSetting(L"General", L"UseSPI", L"none"), L"none");  // nothing was written back
 }
 

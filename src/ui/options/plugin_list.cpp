@@ -5,6 +5,7 @@
 #include <cwchar>
 
 #include "app/base/error.h"
+#include "app/base/load_refusal.h"
 #include "app/base/paths.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_log.h"
@@ -38,13 +39,15 @@ std::wstring StateOf(LeftOutReason reason) {
             return L"見つかりません";
         case LeftOutReason::kEmptyFolder:
             return L"空";
+        case LeftOutReason::kBlocked:
+            return L"ブロック中";
         default:
             return L"読み込めません";
     }
 }
 
-std::wstring TextOf(LeftOutReason reason) {
-    switch (reason) {
+std::wstring TextOf(const LeftOutPlugin& one) {
+    switch (one.reason) {
         case LeftOutReason::kNoDll:
             return L"DLLではありません";
         case LeftOutReason::kOtherMachine:
@@ -64,7 +67,7 @@ std::wstring TextOf(LeftOutReason reason) {
         case LeftOutReason::kEmptyFolder:
             return L"使用できるプラグインがありません";
         default:
-            return L"初期化失敗かDLLの不足";
+            return one.loadError != 0 ? LoadRefusalText(one.loadError) : L"初期化失敗かDLLの不足";
     }
 }
 
@@ -131,7 +134,7 @@ std::vector<PluginFacts> ListPlugins() {
                            .patterns = {},
                            .version = {},
                            .state = StateOf(one.reason),
-                           .leftOut = TextOf(one.reason),
+                           .leftOut = TextOf(one),
                            .isFolder = isFolder,
                            .isBarred = one.reason == LeftOutReason::kBarred,
                            .errors = Trapped(0, [&] { return ReadErrorCount(one.path, {}); })});

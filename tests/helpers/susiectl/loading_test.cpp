@@ -42,9 +42,14 @@ class LoadingTest : public testing::Test {
 TEST_F(LoadingTest, FilesThatAreNoDllOfThisArchitectureAreRefused) {
     const std::string good = ContentOf(TestPluginPath(L"iftst.spi"));
     ASSERT_TRUE(LoadsContent(good));
-    EXPECT_FALSE(Loads(folder_.Path() + L"missing.spi"));
+    const auto refusal = [&](const std::wstring& path) {
+        SetLastError(ERROR_SUCCESS);
+        return Loads(path) ? ERROR_SUCCESS : GetLastError();
+    };
+    EXPECT_EQ(refusal(folder_.Path() + L"missing.spi"), DWORD{ERROR_FILE_NOT_FOUND});
+    EXPECT_EQ(refusal(folder_.Write(L"empty.spi")), DWORD{ERROR_BAD_EXE_FORMAT});
+    EXPECT_EQ(refusal(TestPluginPath(L"needs_missing.spi")), DWORD{ERROR_MOD_NOT_FOUND});
     EXPECT_FALSE(Loads(folder_.Path()));
-    EXPECT_FALSE(LoadsContent(""));
     EXPECT_FALSE(LoadsContent("A text.\r\n"));
     EXPECT_FALSE(LoadsContent("MZ"));
     EXPECT_FALSE(Loads(TestProgramFolder() + L"susiectl_test.exe"));

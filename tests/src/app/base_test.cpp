@@ -4,6 +4,7 @@
 
 #include "app/base/error.h"
 #include "app/base/extension_filter.h"
+#include "app/base/load_refusal.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/modScreenCaps.h"
 #include "app/base/paths.h"
@@ -143,6 +144,19 @@ TEST(ErrorTest, ReportsUnexpectedErrorsInOneForm) {
               L"ErrorNo.13 型が一致しません。");
     EXPECT_EQ(messages.All()[0].style, 0u);
     EXPECT_EQ(messages.All()[0].title, L"てっさりビューア");
+}
+
+TEST(LoadRefusalTest, TellsProtectionFromFaultsOfTheFile) {
+    // Virus, signature, rules of the administrator's, application control, reputation.
+    for (const DWORD error : {225u, 226u, 577u, 1260u, 4551u, 4556u, 4582u}) {
+        EXPECT_TRUE(IsBlockedBySystem(error)) << error;
+        EXPECT_NE(LoadRefusalText(error).find(L"ブロック"), std::wstring::npos) << error;
+    }
+    for (const DWORD error : {2u, 5u, 32u, 126u, 193u, 998u, 1114u, 4560u})
+        EXPECT_FALSE(IsBlockedBySystem(error)) << error;
+    EXPECT_EQ(LoadRefusalText(126), L"必要なDLLがありません (エラー 126)");
+    EXPECT_EQ(LoadRefusalText(998), L"読み込めません (エラー 998)");
+    EXPECT_EQ(LoadRefusalText(0), L"");
 }
 
 // One beside the program is what the system answers first for a name alone.

@@ -340,6 +340,7 @@ TEST_F(CollectionTest, WhatIsLeftOutIsToldWithItsReason) {
                                                       {L"minimal.spi", kBarred}};
     ASSERT_TRUE(LoadSPI());
     EXPECT_EQ(told(), expected);
+    EXPECT_EQ(WhyNotLoaded(folder_.Path() + L"text.spi", 4551), kBlocked);
     ASSERT_TRUE(LoadSPI());  // barred for the whole run
     EXPECT_EQ(told(), expected);
     EXPECT_FALSE(SusieCollection().IsIncomplete());
