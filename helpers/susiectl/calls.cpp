@@ -36,13 +36,13 @@ class LentBlock {
 };
 
 int Call(FARPROC function, std::initializer_list<ULONG_PTR> arguments, HostProgress progress = {}) {
-    const EnabledWindows windows;
+    const KnownWindows windows;
     const auto answer = GuardedCall(function, arguments, Net::kSpread, progress);
     // The program disables its windows only in scopes that end where they began. So it was the
     // plug-in, for a dialog that is over or that it no longer watches.
     windows.EnableAgain();
     if (answer) return static_cast<int>(*answer);
-    DestroyLeftoverWindows(function);
+    windows.DestroyLeftovers(function);
     return kCrashed;
 }
 

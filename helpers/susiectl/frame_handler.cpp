@@ -1,6 +1,9 @@
 // Takes the exceptions that nobody inside a guarded call took.
 #include "helpers/susiectl/exception_codes.h"
 #include "helpers/susiectl/guard_machine.h"
+#ifndef _WIN64
+#include "helpers/susiectl/callback_exit.h"
+#endif
 
 using tessary::susiectl::GuardContext;
 
@@ -17,11 +20,8 @@ void UnwindAndResume(GuardContext& guard, EXCEPTION_RECORD* exception, void* dis
 
 #else
 
-// No clean-up code runs after one that crashed itself, nor where there is no room for it.
 void UnwindAndResume(GuardContext& guard, EXCEPTION_RECORD* exception, void*) {
-    const bool unwind = !guard.unwinding && exception->ExceptionCode != EXCEPTION_STACK_OVERFLOW;
-    guard.unwinding = true;
-    if (unwind) TessaryUnwind(guard.frame, exception);
+    tessary::susiectl::RunCleanUp(guard, guard.frame, exception);
     TessaryResume(&guard);
 }
 

@@ -5,6 +5,9 @@
 #include <algorithm>
 
 #include "helpers/susiectl/call_state.h"
+#ifndef _WIN64
+#include "helpers/susiectl/callback_frames.h"
+#endif
 #include "helpers/susiectl/guard_machine.h"
 #include "helpers/susiectl/heap_check.h"
 
@@ -51,6 +54,9 @@ class Frame {
 std::optional<INT_PTR> GuardedCall(FARPROC function, std::initializer_list<ULONG_PTR> arguments,
                                    Net net, HostProgress progress) {
     PrepareHeapCheck();
+#ifndef _WIN64
+    LearnCallbackFrames();
+#endif
     Frame frame(function, arguments);
     const CallState state;
     frame->netSpread = net == Net::kSpread;

@@ -10,6 +10,9 @@ struct GuardStack {
     size_t depth = 0;
     bool isRecovering = false;
     std::array<GuardContext, 20> guards;  // calls nest when the host is told of progress
+#ifndef _WIN64
+    ChangedWords changedWords;
+#endif
 };
 constexpr size_t kPageSize = 4096;
 static_assert(sizeof(GuardStack) <= kPageSize);
@@ -76,6 +79,12 @@ GuardContext* GuardOfFrame(const void* frame) {
         if (stack->guards[i].frame == frame) return &stack->guards[i];
     return nullptr;
 }
+
+#ifndef _WIN64
+ChangedWords& ThisThreadsChangedWords() {
+    return ThisThreadsStack()->changedWords;
+}
+#endif
 
 bool IsRecovering() {
     const GuardStack* stack = ThisThreadsStack();

@@ -37,7 +37,8 @@ struct GuardContext {
     void* returnAddress = nullptr;
     ULONG_PTR ebp = 0, ebx = 0, esi = 0, edi = 0;
     size_t argumentCount = 0;  // stdcall: no more words than these may lie on the stack
-    bool unwinding = false;    // the called code's clean-up is under way
+    // How deep in the stack the called code's clean-up was begun; null when none is under way.
+    const void* unwindingFrom = nullptr;
 #endif
     bool netSpread = true;  // the safety net may end the call, see Net
     GuardStage stage = GuardStage::kBefore;
@@ -77,6 +78,22 @@ void PopGuard(const GuardContext& guard);
 
 // Null when no guarded call runs in this thread.
 GuardContext* InnermostGuard();
+
+#ifndef _WIN64
+// A word of the stack as it was before it was changed (callback_exit.h).
+struct ChangedWord {
+    ULONG_PTR* place;
+    ULONG_PTR before;
+};
+constexpr size_t kMaxChangedWords = 16;
+
+// Those of this thread; only while a guarded call runs in it.
+struct ChangedWords {
+    std::array<ChangedWord, kMaxChangedWords> words;
+    size_t count = 0;
+};
+ChangedWords& ThisThreadsChangedWords();
+#endif
 
 // Whether this thread is on its way back to the host from a call that has crashed, as it was told
 // last.

@@ -21,6 +21,24 @@ void TessaryResume();
 
 // Lets every frame inside `frame` run its clean-up code for `exception`.
 void __cdecl TessaryUnwind(void* frame, EXCEPTION_RECORD* exception);
+
+// AbandonCall, to which a thread is made to go on.
+[[noreturn]] void __cdecl TessaryAbandon(tessary::susiectl::GuardContext* guard,
+                                         ULONG_PTR stackPointer, ULONG_PTR isChainSound);
+
+// What is put in the place of the system's handler on a callback's record: see callback_exit.h.
+void TessaryCallbackHandler();
+
+// Where a system call returns whose callback has been left: to the level of the stack outside of
+// it, and, second, to one that it should not have come to.
+void TessaryCaughtReturn();
+void TessaryStrayReturn();
+
+// The same in C++, for the assembler. The first answers the handler to ask instead, or null for
+// "go on as if nothing had happened"; no answer where it leaves the callback.
+const void* __cdecl TessaryCallbackException(EXCEPTION_RECORD* exception, void* frame);
+[[noreturn]] void __cdecl TessaryPassOn();
+[[noreturn]] void __cdecl TessaryEndProcess();
 #endif
 
 // InnermostGuard, for the assembler.

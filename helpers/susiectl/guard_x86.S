@@ -1,4 +1,4 @@
-// TessaryInvoke, TessaryResume, TessaryUnwind for x86: see guard_machine.h.
+// TessaryInvoke and what else guard_machine.h declares for x86.
 #include "helpers/susiectl/guard_layout.h"
 
     .intel_syntax noprefix
@@ -84,3 +84,28 @@ _TessaryUnwind:
     pop ebx
     pop ebp
     ret
+
+    // As the system calls handlers, any convention does: it finds its stack pointer by itself. So
+    // its own handler is jumped to, whichever it has.
+    .globl _TessaryCallbackHandler
+_TessaryCallbackHandler:
+    push [esp + 8]
+    push [esp + 8]
+    call _TessaryCallbackException
+    add esp, 8
+    test eax, eax
+    jz 1f
+    jmp eax
+1:  ret
+
+    .globl _TessaryCaughtReturn
+_TessaryCaughtReturn:
+    cld
+    and esp, -16
+    call _TessaryPassOn
+
+    .globl _TessaryStrayReturn
+_TessaryStrayReturn:
+    cld
+    and esp, -16
+    call _TessaryEndProcess

@@ -1,6 +1,7 @@
 #include "helpers/susiectl/leftover_windows.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 
 #include "helpers/susiectl/guard.h"
@@ -58,27 +59,35 @@ std::vector<HWND> WindowsOfThisThread(Test test) {
     return search.found;
 }
 
-void DestroyWindowsOf(HMODULE module, Test test) {
-    for (HWND window : WindowsOfThisThread(test)) {
-        // The plug-in hears of it, and may crash once more.
-        if (IsWindowOf(module, window)) GuardedCall(AddressOf(DestroyWindow), {Word(window)});
-    }
+// The plug-in hears of it, and may crash once more.
+void Destroy(HWND window) {
+    GuardedCall(AddressOf(DestroyWindow), {Word(window)});
 }
 
 }  // namespace
 
-EnabledWindows::EnabledWindows() : windows_(WindowsOfThisThread(IsWindowEnabled)) {}
+KnownWindows::KnownWindows() : windows_(WindowsOfThisThread(IsAny)) {
+    try {
+        std::ranges::copy_if(windows_, std::back_inserter(enabled_), IsWindowEnabled);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
 
-void EnabledWindows::EnableAgain() const {
-    for (HWND window : windows_)
+void KnownWindows::EnableAgain() const {
+    for (HWND window : enabled_)
         // Another plug-in's window may be among them, and crash when it hears of it.
         if (IsWindow(window) && !IsWindowEnabled(window))
             GuardedCall(AddressOf(EnableWindow), {Word(window), TRUE});
 }
 
-void DestroyLeftoverWindows(FARPROC function) {
+void KnownWindows::DestroyLeftovers(FARPROC function) const {
     const HMODULE module = ModuleAt(reinterpret_cast<const void*>(function));
-    if (module) DestroyWindowsOf(module, IsWindowVisible);
+    if (!module) return;
+    for (HWND window : WindowsOfThisThread(IsAny)) {
+        const bool isNew = std::ranges::find(windows_, window) == windows_.end();
+        if ((isNew || IsWindowVisible(window)) && IsWindowOf(module, window)) Destroy(window);
+    }
 }
 
 bool ShowsWindows(HMODULE module) {
@@ -87,7 +96,8 @@ bool ShowsWindows(HMODULE module) {
 }
 
 bool LetGoOfWindows(HMODULE module) {
-    DestroyWindowsOf(module, IsAny);
+    for (HWND window : WindowsOfThisThread(IsAny))
+        if (IsWindowOf(module, window)) Destroy(window);
     Search all{IsAny, {}};
     EnumThreadWindows(GetCurrentThreadId(), AddWithChildren, reinterpret_cast<LPARAM>(&all));
     return std::ranges::none_of(all.found, [&](HWND window) { return RunsCodeOf(module, window); });

@@ -8,21 +8,23 @@
 
 namespace tessary::susiectl {
 
-// This thread's top-level windows that take input, as of now. Short of memory it knows fewer.
-class EnabledWindows {
+// This thread's top-level windows, as of now. Short of memory it knows fewer.
+class KnownWindows {
   public:
-    EnabledWindows();
+    KnownWindows();
 
     // Enables those that have been disabled since. Throws std::bad_alloc.
     void EnableAgain() const;
 
+    // For a plug-in whose `function` has crashed: destroys this thread's windows that belong to it,
+    // the visible ones, since nobody runs their dialogs any more, and those that are new, since
+    // their making was not finished.
+    void DestroyLeftovers(FARPROC function) const;
+
   private:
     std::vector<HWND> windows_;
+    std::vector<HWND> enabled_;
 };
-
-// Destroys this thread's visible windows that belong to the plug-in of `function`: nobody runs
-// their dialogs any more.
-void DestroyLeftoverWindows(FARPROC function);
 
 // Whether a plug-in shows windows in this thread that it made: its user may still be at work there.
 bool ShowsWindows(HMODULE module);

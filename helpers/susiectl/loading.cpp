@@ -45,7 +45,7 @@ HMODULE Load(const std::wstring& path) {
         }
     }
     const LibrarySearchScope search;
-    const EnabledWindows windows;
+    const KnownWindows windows;
     DWORD refusal = ERROR_SUCCESS;
     const auto module =
         GuardedCall(AddressOf(LoadTellingError), {Word(full.c_str()), Word(&refusal)}, Net::kNone);

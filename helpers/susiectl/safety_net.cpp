@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "helpers/susiectl/callback_exit.h"
 #include "helpers/susiectl/exception_chain.h"
 #include "helpers/susiectl/exception_codes.h"
 #include "helpers/susiectl/guard_machine.h"
@@ -32,25 +33,43 @@ bool IsStackExhausted(ULONG_PTR stackPointer) {
     return stackPointer >= bottom && stackPointer - bottom < kRoomForHandlers;
 }
 
-// Makes the thread go on as if it called TessaryResume(&guard) from just inside our frame.
-void EndCall(GuardContext& guard, CONTEXT& context) {
-    const auto stack = static_cast<ULONG_PTR*>(guard.frame) - 2;
+// Makes the thread go on as if it called TessaryAbandon from just inside our frame: there is room.
+void EndCall(GuardContext& guard, CONTEXT& context, bool isChainSound) {
+    constexpr ULONG_PTR kArguments = 64;  // bytes, more than they take
+    const auto stack = reinterpret_cast<ULONG_PTR*>(
+        ((reinterpret_cast<ULONG_PTR>(guard.frame) - kArguments) & ~15UL) - sizeof(ULONG_PTR));
     stack[1] = reinterpret_cast<ULONG_PTR>(&guard);
+    stack[2] = context.Esp;
+    stack[3] = isChainSound;
     context.Esp = reinterpret_cast<ULONG_PTR>(stack);
-    context.Eip = reinterpret_cast<ULONG_PTR>(&TessaryResume);
+    context.Eip = reinterpret_cast<ULONG_PTR>(&TessaryAbandon);
     constexpr DWORD kTrapDirectionAndAlignment = 0x100 | 0x400 | 0x40000;
     context.EFlags &= ~kTrapDirectionAndAlignment;
 }
 
 // Where the handlers on the chain can do their work the net does nothing: the called code may well
 // handle its exception itself.
-bool CatchFalling(GuardContext& guard, CONTEXT& context) {
+bool CatchFalling(GuardContext& guard, CONTEXT& context, bool isChainSound) {
     const bool exhausted = IsStackExhausted(context.Esp);
-    if (!exhausted && ExceptionChainReaches(guard.frame)) return false;
+    if (!exhausted && isChainSound) return false;
     guard.crashed = true;
     guard.stackExhausted |= exhausted;
-    EndCall(guard, context);
+    EndCall(guard, context, isChainSound);
     return true;
+}
+
+// An exception in guarded code. True when it is not to be dispatched any more.
+bool HandleInside(GuardContext& guard, DWORD code, CONTEXT& context) {
+    // Whoever takes it, few put the stack in order again.
+    if (code == EXCEPTION_STACK_OVERFLOW) guard.stackExhausted = true;
+    if (IsMessageToDebugger(code)) return false;
+    // Clean-up code that was under way further down is so no more: it has ended in a jump.
+    if (context.Esp > reinterpret_cast<ULONG_PTR>(guard.unwindingFrom))
+        guard.unwindingFrom = nullptr;
+    const bool isChainSound = ExceptionChainReaches(guard.frame);
+    if (guard.netSpread && CatchFalling(guard, context, isChainSound)) return true;
+    if (isChainSound) WatchInnermostCallback(guard);
+    return false;
 }
 
 // Whether the thread is on its way back from a crash, outside of all guarded code.
@@ -73,10 +92,7 @@ LONG CALLBACK HandleFirst(EXCEPTION_POINTERS* pointers) {
     // plug-in has ruined what we depend on.
     if (IsSystemError(code) && IsBackFromCrash(guard)) EndProcess();
     if (guard && guard->stage != GuardStage::kInside) guard = nullptr;
-    // Whoever takes it, few put the stack in order again.
-    if (guard && code == EXCEPTION_STACK_OVERFLOW) guard->stackExhausted = true;
-    const bool caught = guard && guard->netSpread && !IsMessageToDebugger(code) &&
-                        CatchFalling(*guard, *pointers->ContextRecord);
+    const bool caught = guard && HandleInside(*guard, code, *pointers->ContextRecord);
     SetLastError(lastError);
     return caught ? EXCEPTION_CONTINUE_EXECUTION : EXCEPTION_CONTINUE_SEARCH;
 }

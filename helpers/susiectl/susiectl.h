@@ -8,8 +8,10 @@
 // and the error modes are as they were before it. Calls may be nested, from the progress callback.
 // Want of memory in this library itself is answered susie::kOutOfMemory, or as a failed load.
 //
-// What an exception in the calling thread says is contained, with two limits: a plug-in may
-// overwrite 64 KB of the stack above its own, and its DllMain none. What asks the system to end the
+// What an exception in the calling thread says is contained, also in window procedures that the
+// system calls, with three limits: a plug-in may overwrite 64 KB of the stack above its own, its
+// DllMain none, and its window procedures not beyond the system's part of the stack while the host
+// itself is in a message of the system's. What asks the system to end the
 // process (ExitProcess, abort, TerminateProcess, a compiler's fail-fast checks), crashes in threads
 // of the plug-in's own and damage to the heap that shows later are not. An exception on the way
 // back from a crash ends the process at once, with the status of a damaged heap (0xC0000374).

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <iterator>
 
+#include "tests/plugins/window_misdeeds.h"
+
 namespace tessary::test {
 namespace {
 
@@ -81,14 +83,6 @@ BOOL CALLBACK Disable(HWND window, LPARAM) {
     return TRUE;
 }
 
-HMODULE ThisModule() {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(
-        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-        reinterpret_cast<const wchar_t*>(&Disable), &module);
-    return module;
-}
-
 void OpenModalWindow() {
     EnumThreadWindows(GetCurrentThreadId(), Disable, 0);
     CreateWindowW(L"STATIC", L"Test plug-in window", WS_POPUP | WS_VISIBLE, 0, 0, 50, 50, nullptr,
@@ -157,7 +151,16 @@ constexpr uint32_t kDefaultMxcsr = 0x1F80;
 
 }  // namespace
 
+HMODULE ThisModule() {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+        reinterpret_cast<const wchar_t*>(&Disable), &module);
+    return module;
+}
+
 void Crash(const std::string& kind) {
+    CrashInWindow(kind);
     if (kind == "av") asm volatile("movl 16, %%eax" : : : "eax");
     if (kind == "av-write") asm volatile("movl $1, 16" : : : "memory");
     if (kind == "av-jump") asm volatile("xorl %%eax, %%eax; call *%%eax" : : : "eax", "memory");

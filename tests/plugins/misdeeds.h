@@ -7,6 +7,9 @@
 
 namespace tessary::test {
 
+// The plug-in's own.
+HMODULE ThisModule();
+
 // Crashes. Comes back only from the kinds that are no crashes, and from unknown ones.
 void Crash(const std::string& kind);
 

@@ -1,0 +1,148 @@
+#include "helpers/susiectl/callback_exit.h"
+
+#include <span>
+
+#include "helpers/susiectl/callback_frames.h"
+#include "helpers/susiectl/exception_chain.h"
+#include "helpers/susiectl/exception_codes.h"
+#include "helpers/susiectl/guard_machine.h"
+#include "helpers/susiectl/process_end.h"
+#include "helpers/susiectl/return_address.h"
+
+namespace tessary::susiectl {
+namespace {
+
+// "An unhandled exception was encountered during a user callback."
+constexpr DWORD kCallbackException = 0xC000041D;
+
+// Where the called code's part of the stack begins.
+ULONG_PTR TopOfCall(const GuardContext& guard) {
+    constexpr ULONG_PTR kCushion = GUARD_CUSHION_PAGES * 4096;
+    return reinterpret_cast<ULONG_PTR>(guard.frame) - kCushion;
+}
+
+ULONG_PTR Address(const void* pointer) {
+    return reinterpret_cast<ULONG_PTR>(pointer);
+}
+
+// Calls `change` with the place of each return address from `from` to `to`, until it answers false.
+template <typename Change>
+void ForReturnAddresses(ULONG_PTR from, ULONG_PTR to, const Change& change) {
+    ReturnAddressTest isReturnAddress;
+    for (auto* word = reinterpret_cast<ULONG_PTR*>(from & ~3UL); Address(word + 1) <= to; ++word)
+        if (isReturnAddress(*word) && !change(word)) return;
+}
+
+void CatchReturns(ULONG_PTR from, ULONG_PTR to) {
+    ForReturnAddresses(from, to, [](ULONG_PTR* word) {
+        // Callbacks further out remain known by theirs.
+        if (!IsIntoDispatcher(*word))
+            *word = Address(reinterpret_cast<void*>(&TessaryCaughtReturn));
+        return true;
+    });
+}
+
+// The same for the host's part of the stack outside its own callback's `record`: whoever comes back
+// there has ended the wrong one.
+void CatchStrayReturns(const ExceptionRegistration* record) {
+    ChangedWords& changed = ThisThreadsChangedWords();
+    changed.count = 0;
+    ForReturnAddresses(Address(record + 1), ThisThreadsStackLimits().high, [&](ULONG_PTR* word) {
+        changed.words[changed.count++] = {word, *word};
+        *word = Address(reinterpret_cast<void*>(&TessaryStrayReturn));
+        return changed.count < changed.words.size();
+    });
+}
+
+void LetStrayReturnsBe() {
+    ChangedWords& changed = ThisThreadsChangedWords();
+    for (const ChangedWord& each : std::span(changed.words).first(changed.count))
+        *each.place = each.before;
+    changed.count = 0;
+}
+
+// Leaves the callback of `record`, which is known to be open and the innermost.
+[[noreturn]] void LeaveCallback(GuardContext& guard, ExceptionRegistration* record) {
+    const auto* const next = FirstCallbackFrame(record->outer, guard.frame);
+    CatchReturns(Address(record + 1), next ? Address(next) : TopOfCall(guard));
+    guard.unwindingFrom = nullptr;
+    EndCallback();
+    EndProcess();
+}
+
+// Leaves the innermost callback inside the call, if there is one. Where the host has none open
+// outside of it the system itself can be asked. Else what is found on the stack is believed, but
+// not trusted.
+[[noreturn]] void LeaveUnknownCallback(GuardContext& guard, ULONG_PTR stackPointer) {
+    asm volatile("movl %0, %%fs:0" : : "r"(guard.frame) : "memory");
+    const ULONG_PTR top = TopOfCall(guard);
+    const auto* const hosts =
+        FirstCallbackFrame(static_cast<ExceptionRegistration*>(guard.outerFrame), nullptr);
+    const auto* const found = SearchCallbackFrame(stackPointer, top, guard.frame);
+    if (hosts && !found) TessaryResume(&guard);
+    if (hosts) CatchStrayReturns(hosts);
+    CatchReturns(found ? Address(found + 1) : stackPointer, top);
+    EndCallback();
+    if (hosts) EndProcess();
+    TessaryResume(&guard);
+}
+
+}  // namespace
+
+void RunCleanUp(GuardContext& guard, void* frame, EXCEPTION_RECORD* exception) {
+    const bool isRoom = exception->ExceptionCode != EXCEPTION_STACK_OVERFLOW;
+    if (guard.unwindingFrom || !isRoom) return;
+    guard.unwindingFrom = __builtin_frame_address(0);
+    TessaryUnwind(frame, exception);
+}
+
+void WatchInnermostCallback(const GuardContext& guard) {
+    auto* const record = FirstCallbackFrame(InnermostRegistration(), guard.frame);
+    if (record) record->handler = reinterpret_cast<void*>(&TessaryCallbackHandler);
+}
+
+void AbandonCall(GuardContext& guard, ULONG_PTR stackPointer, bool isChainSound) {
+    guard.unwindingFrom = nullptr;
+    auto* const record =
+        isChainSound ? FirstCallbackFrame(InnermostRegistration(), guard.frame) : nullptr;
+    if (record) LeaveCallback(guard, record);
+    if (!isChainSound) {
+        const ULONG_PTR low = ThisThreadsStackLimits().low;
+        const bool isOnStack = stackPointer >= low && stackPointer <= TopOfCall(guard);
+        LeaveUnknownCallback(guard, isOnStack ? stackPointer : low);
+    }
+    TessaryResume(&guard);
+}
+
+}  // namespace tessary::susiectl
+
+using namespace tessary::susiectl;
+
+void TessaryAbandon(GuardContext* guard, ULONG_PTR stackPointer, ULONG_PTR isChainSound) {
+    AbandonCall(*guard, stackPointer, isChainSound != 0);
+}
+
+const void* TessaryCallbackException(EXCEPTION_RECORD* exception, void* frame) {
+    GuardContext* guard = InnermostGuard();
+    const bool isOurs = guard && guard->stage == GuardStage::kInside && frame < guard->frame;
+    if (!isOurs || IS_UNWINDING(exception->ExceptionFlags)) return SystemsCallbackHandler();
+    if (IsMessageToDebugger(exception->ExceptionCode)) return nullptr;
+    // Whatever becomes of it outside: where nothing is between, the system keeps it from the rest
+    // of the plug-in as well. The loader alone takes it for itself.
+    if (guard->netSpread) guard->crashed = true;
+    guard->stackExhausted |= exception->ExceptionCode == EXCEPTION_STACK_OVERFLOW;
+    RunCleanUp(*guard, frame, exception);
+    LeaveCallback(*guard, static_cast<ExceptionRegistration*>(frame));
+}
+
+void TessaryPassOn() {
+    const GuardContext* guard = InnermostGuard();
+    if (!guard || guard->stage != GuardStage::kInside) EndProcess();
+    LetStrayReturnsBe();
+    RaiseException(kCallbackException, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    EndProcess();
+}
+
+void TessaryEndProcess() {
+    EndProcess();
+}

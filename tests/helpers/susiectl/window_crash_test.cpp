@@ -1,0 +1,106 @@
+// Crashes inside windows of a plug-in's own: the system is between them and the guard.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "tests/helpers/susiectl/susiectl_library.h"
+#include "tests/plugins/test_plugins.h"
+#include "tests/support/process_resources.h"
+
+namespace tessary::test {
+namespace {
+
+using susiectl::kCrashed;
+
+const char* const kPlaces[] = {"create", "create-in-create", "init", "command", "posted",
+                               "timer",  "destroy"};
+const char* const kKinds[] = {"av", "wild-chain", "stack-overflow"};
+
+BOOL CALLBACK Count(HWND, LPARAM counted) {
+    ++*reinterpret_cast<size_t*>(counted);
+    return TRUE;
+}
+
+size_t WindowsOfThisThread() {
+    size_t count = 0;
+    EnumThreadWindows(GetCurrentThreadId(), Count, reinterpret_cast<LPARAM>(&count));
+    return count;
+}
+
+// What the host does in the WM_CREATE of a window of its own.
+struct InCreate {
+    const std::function<void()>& action;
+    bool isDone = false;
+};
+
+LRESULT CALLBACK HostProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_CREATE) {
+        auto& in =
+            *static_cast<InCreate*>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams);
+        in.action();
+        in.isDone = true;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+// True when the system's functions came back to the host in their order.
+bool RunInWindow(const std::function<void()>& action) {
+    const wchar_t* const name = L"Host window";
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = HostProcedure;
+    windowClass.lpszClassName = name;
+    RegisterClassW(&windowClass);
+    InCreate in{action};
+    const HWND window =
+        CreateWindowW(name, name, WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, &in);
+    return in.isDone && IsWindow(window) && DestroyWindow(window);
+}
+
+class WindowCrashTest : public testing::Test {
+  protected:
+    void ExpectContained(const std::string& crash) {
+        const int crashes = TestCallCount(plugin_.Module(), "window");
+        const int returns = TestCallCount(plugin_.Module(), "window-came-back");
+        EXPECT_EQ(plugin_.DecodeWith("crash:" + crash + ":GetPicture"), kCrashed) << crash;
+        EXPECT_EQ(TestCallCount(plugin_.Module(), "window"), crashes + 1) << crash;
+        EXPECT_EQ(TestCallCount(plugin_.Module(), "window-came-back"), returns) << crash;
+    }
+
+    LoadedPlugin plugin_{L"iftst.spi"};
+};
+
+TEST_F(WindowCrashTest, IsContained) {
+    for (const std::string place : kPlaces)
+        for (const char* kind : kKinds) {
+            ExpectContained(place + '/' + kind);
+            EXPECT_TRUE(RunInWindow([&] { EXPECT_EQ(plugin_.DecodeWith(""), susie::kSuccess); }));
+        }
+}
+
+TEST_F(WindowCrashTest, IsContainedInsideAWindowOfTheHost) {
+    for (const std::string place : kPlaces)
+        for (const char* kind : kKinds) {
+            EXPECT_TRUE(RunInWindow([&] { ExpectContained(place + '/' + kind); })) << place << kind;
+        }
+}
+
+TEST_F(WindowCrashTest, FiftyLeaveNothingBehind) {
+    const auto crash = [&](size_t i) {
+        const std::string place = kPlaces[i % std::size(kPlaces)];
+        const std::string kind = kKinds[i % std::size(kKinds)];
+        ASSERT_TRUE(RunInWindow([&] { ExpectContained(place + '/' + kind); }));
+    };
+    for (size_t i = 0; i < std::size(kPlaces); ++i)
+        crash(i);
+    const ULONG handles = HandleCount();
+    const DWORD objects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+    const size_t windows = WindowsOfThisThread();
+    for (size_t i = 0; i < 50; ++i)
+        crash(i);
+    EXPECT_EQ(WindowsOfThisThread(), windows);
+    EXPECT_EQ(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), objects);
+    EXPECT_EQ(HandleCount(), handles);
+}
+
+}  // namespace
+}  // namespace tessary::test
