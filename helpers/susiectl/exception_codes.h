@@ -1,4 +1,4 @@
-// Exceptions that are no errors.
+// What the codes of exceptions tell.
 #pragma once
 
 #include <windows.h>
@@ -12,6 +12,11 @@ constexpr bool IsMessageToDebugger(DWORD code) {
     constexpr DWORD kPrintWide = 0x4001000A;
     constexpr DWORD kThreadName = 0x406D1388;
     return code == kPrintAnsi || code == kPrintWide || code == kThreadName;
+}
+
+// One of the processor's or system's errors. Others are thrown to be caught.
+constexpr bool IsSystemError(DWORD code) {
+    return code >> 28 == 0xC;
 }
 
 }  // namespace tessary::susiectl

@@ -10,6 +10,8 @@
 #endif
 #include "helpers/susiectl/guard_machine.h"
 #include "helpers/susiectl/heap_check.h"
+#include "helpers/susiectl/loader_state.h"
+#include "helpers/susiectl/process_end.h"
 
 namespace tessary::susiectl {
 namespace {
@@ -64,6 +66,8 @@ std::optional<INT_PTR> GuardedCall(FARPROC function, std::initializer_list<ULONG
     frame.Invoke();
     if (frame->crashed) {
         SetRecovering(true);
+        // Other threads can do nothing more, not even look at the heaps.
+        if (net == Net::kNone && HoldsLoader()) EndProcess();
         CheckHeaps();
     }
     return frame.Answer();

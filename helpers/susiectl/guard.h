@@ -14,7 +14,8 @@
 namespace tessary::susiectl {
 
 // Whether a call whose exception chain or stack is ruined may be ended as well. Not where the
-// system itself is between us and the plug-in: it would be left holding its locks, and hang later.
+// system's loader is between us and the plug-in: it would be left holding its locks. Where it is
+// all the same the process ends, as all other threads would hang.
 enum class Net { kSpread, kNone };
 
 // Calls `function` as stdcall code with these machine words, at most kMaxArguments. Answers what it

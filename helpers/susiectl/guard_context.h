@@ -43,6 +43,7 @@ struct GuardContext {
     bool netSpread = true;  // the safety net may end the call, see Net
     GuardStage stage = GuardStage::kBefore;
     bool crashed = false;
+    DWORD lastException = 0;  // the code of what was raised in there, handled or not; 0: nothing
     bool stackExhausted = false;  // its guard page has been used up
     HostProgress progress;
     FloatingPointState hostState;  // as it was before the call

@@ -1,9 +1,12 @@
 // The entries that load and free plug-in files.
 #include "helpers/susiectl/entry.h"
+#include "helpers/susiectl/exception_codes.h"
 #include "helpers/susiectl/guard.h"
+#include "helpers/susiectl/heap_check.h"
 #include "helpers/susiectl/image_file.h"
 #include "helpers/susiectl/leftover_windows.h"
 #include "helpers/susiectl/library_search.h"
+#include "helpers/susiectl/loader_state.h"
 #include "helpers/susiectl/plugin_threads.h"
 #include "helpers/susiectl/susiectl.h"
 
@@ -27,8 +30,23 @@ class KeptError {
 // What is called under guard: the guard's own tidying up changes the thread's error.
 HMODULE __stdcall LoadTellingError(const wchar_t* path, DWORD* error) {
     const HMODULE module = LoadLibraryExW(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-    if (!module) *error = GetLastError();
-    return module;
+    if (module) return module;
+    *error = GetLastError();
+    if (IsCrash(*error, InnermostGuard()->lastException)) *error = kErrorCrashed;
+    return nullptr;
+}
+
+// Freeing succeeds also when the DLL's end crashes.
+BOOL __stdcall FreeTellingErrors(HMODULE module, bool* hasMetErrors) {
+    const BOOL isFreed = FreeLibrary(module);
+    *hasMetErrors = IsSystemError(InnermostGuard()->lastException);
+    return isFreed;
+}
+
+// As the guard does for what it has taken itself.
+void CheckAfterContainedCrash() {
+    SetRecovering(true);
+    CheckHeaps();
 }
 
 // The crash of a DllMain is the system's to contain: only it knows how to take the DLL back. The
@@ -49,7 +67,8 @@ HMODULE Load(const std::wstring& path) {
     DWORD refusal = ERROR_SUCCESS;
     const auto module =
         GuardedCall(AddressOf(LoadTellingError), {Word(full.c_str()), Word(&refusal)}, Net::kNone);
-    error.Keep(refusal);
+    if (refusal == kErrorCrashed) CheckAfterContainedCrash();
+    error.Keep(module ? refusal : kErrorCrashed);
     windows.EnableAgain();
     return reinterpret_cast<HMODULE>(module.value_or(0));
 }
@@ -57,7 +76,10 @@ HMODULE Load(const std::wstring& path) {
 int Free(HMODULE module) {
     const WayBack wayBack;
     if (!module || RunsThreads(module) || !LetGoOfWindows(module)) return FALSE;
-    const auto freed = GuardedCall(AddressOf(FreeLibrary), {Word(module)}, Net::kNone);
+    bool hasMetErrors = false;
+    const auto freed =
+        GuardedCall(AddressOf(FreeTellingErrors), {Word(module), Word(&hasMetErrors)}, Net::kNone);
+    if (hasMetErrors) CheckAfterContainedCrash();
     return static_cast<int>(freed.value_or(FALSE));
 }
 

@@ -3,22 +3,17 @@
 #include <memory>
 
 #include "helpers/susiectl/module_at.h"
+#include "helpers/susiectl/system_entry.h"
 
 namespace tessary::susiectl {
 namespace {
 
-// Entries of ntdll.dll that no import library has everywhere. Negative for failure.
+// Negative for failure.
 using NtGetNextThread = LONG(WINAPI*)(HANDLE process, HANDLE thread, ACCESS_MASK access,
                                       ULONG attributes, ULONG flags, HANDLE* next);
 using NtQueryInformationThread = LONG(WINAPI*)(HANDLE thread, int what, void* answer, ULONG size,
                                                ULONG* length);
 constexpr int kThreadQuerySetWin32StartAddress = 9;
-
-template <typename Function>
-Function Find(const char* name) {
-    return reinterpret_cast<Function>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name)));
-}
 
 struct Close {
     void operator()(void* handle) const { CloseHandle(handle); }
@@ -31,7 +26,7 @@ bool IsAlive(HANDLE thread) {
 
 // Null when the system cannot tell.
 const void* StartOf(HANDLE thread) {
-    static const auto query = Find<NtQueryInformationThread>("NtQueryInformationThread");
+    static const auto query = SystemEntry<NtQueryInformationThread>("NtQueryInformationThread");
     const void* start = nullptr;
     // Some systems learn it from the thread itself, a moment after it was made.
     constexpr int kMostTries = 50;
@@ -45,7 +40,7 @@ const void* StartOf(HANDLE thread) {
 }  // namespace
 
 bool RunsThreads(HMODULE module) {
-    static const auto nextOf = Find<NtGetNextThread>("NtGetNextThread");
+    static const auto nextOf = SystemEntry<NtGetNextThread>("NtGetNextThread");
     if (!nextOf) return false;
     Handle thread;
     HANDLE next = nullptr;

@@ -63,6 +63,7 @@ bool HandleInside(GuardContext& guard, DWORD code, CONTEXT& context) {
     // Whoever takes it, few put the stack in order again.
     if (code == EXCEPTION_STACK_OVERFLOW) guard.stackExhausted = true;
     if (IsMessageToDebugger(code)) return false;
+    guard.lastException = code;
     // Clean-up code that was under way further down is so no more: it has ended in a jump.
     if (context.Esp > reinterpret_cast<ULONG_PTR>(guard.unwindingFrom))
         guard.unwindingFrom = nullptr;
@@ -76,11 +77,6 @@ bool HandleInside(GuardContext& guard, DWORD code, CONTEXT& context) {
 bool IsBackFromCrash(const GuardContext* guard) {
     if (guard && guard->stage == GuardStage::kInside) return false;
     return IsRecovering() || (guard && guard->crashed);
-}
-
-// One of the processor's or system's errors. Others are thrown to be caught.
-bool IsSystemError(DWORD code) {
-    return code >> 28 == 0xC;
 }
 
 // Called for every exception of every thread, before the handlers on the chain.

@@ -11,7 +11,8 @@
 // What an exception in the calling thread says is contained, also in window procedures that the
 // system calls, with three limits: a plug-in may overwrite 64 KB of the stack above its own, its
 // DllMain none, and its window procedures not beyond the system's part of the stack while the host
-// itself is in a message of the system's. What asks the system to end the
+// itself is in a message of the system's. Where the crash of a DllMain leaves the system's loader
+// held, the process ends, as below. What asks the system to end the
 // process (ExitProcess, abort, TerminateProcess, a compiler's fail-fast checks), crashes in threads
 // of the plug-in's own and damage to the heap that shows later are not. An exception on the way
 // back from a crash ends the process at once, with the status of a damaged heap (0xC0000374).
@@ -23,6 +24,7 @@ namespace tessary::susiectl {
 
 constexpr int kCrashed = 255;
 constexpr int kNotExported = -1;
+constexpr unsigned long kErrorCrashed = 0x200000FF;  // of the errors that are left to programs
 
 // What GetFileInformation answers; anything else than these is "none of them".
 constexpr int kContentUnknown = -1;  // not readable, or no known signature
@@ -34,8 +36,8 @@ constexpr int kContentLzh = 16;
 constexpr int kContentZip = 17;
 
 // Loads a plug-in file; null when it is missing, no DLL for this process's architecture, or crashes
-// while it is loaded. GetLastError tells the system's reason then; 0 after a crash. No system
-// message box appears; its own folder and the system's are searched for what it needs.
+// while it is loaded. GetLastError tells the system's reason then, kErrorCrashed after a crash. No
+// system message box appears; its own folder and the system's are searched for what it needs.
 using SPILoadLibraryFunction = HMODULE(__stdcall*)(const char* path);
 using SPILoadLibraryWFunction = HMODULE(__stdcall*)(const wchar_t* path);
 

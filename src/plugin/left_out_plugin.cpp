@@ -5,6 +5,7 @@
 #include "app/base/handles.h"
 #include "app/base/load_refusal.h"
 #include "app/base/paths.h"
+#include "helpers/susiectl/susiectl.h"
 
 namespace tessary {
 namespace {
@@ -25,6 +26,7 @@ bool ReadAt(HANDLE file, LONG offset, Header& header) {
 }  // namespace
 
 LeftOutReason WhyNotLoaded(const std::wstring& path, uint32_t loadError) {
+    if (loadError == susiectl::kErrorCrashed) return LeftOutReason::kCrashed;
     if (IsBlockedBySystem(loadError)) return LeftOutReason::kBlocked;
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const UniqueFile file(CreateFileW(ExtendedPath(path).c_str(), GENERIC_READ, kShareAll, nullptr,

@@ -10,7 +10,8 @@ namespace tessary {
 enum class LeftOutReason {
     kNoDll,         // no DLL at all, or a damaged one
     kOtherMachine,  // a DLL of another architecture, as 64-bit ones are for the 32-bit program
-    kNotLoadable,   // the system could not load it, or it crashed meanwhile
+    kNotLoadable,   // the system could not load it
+    kCrashed,       // it crashed while it was loaded
     kBlocked,       // the system or a virus scanner does not allow it to be loaded
     kNoPlugin,      // a DLL without the functions of a Susie plug-in
     kRenamed,       // one of ours under a former name, beside the one of today
@@ -32,8 +33,8 @@ struct LeftOutPlugin {
     uint32_t loadError = 0;  // of kNotLoadable and kBlocked: the system's, 0 when it told none
 };
 
-// Why the system does not load a file, as far as its error and the file's headers tell: kBlocked,
-// kNoDll, kOtherMachine or kNotLoadable.
+// Why the system does not load a file, as far as its error and the file's headers tell: kCrashed,
+// kBlocked, kNoDll, kOtherMachine or kNotLoadable.
 LeftOutReason WhyNotLoaded(const std::wstring& path, uint32_t loadError);
 
 }  // namespace tessary

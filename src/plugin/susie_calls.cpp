@@ -244,6 +244,7 @@ HMODULE SusieCalls::Load() {
             module = library.loadLibrary(pluginPath_.c_str());
             if (module == nullptr) loadError_ = GetLastError();
         });
+        if (loadError_ == susiectl::kErrorCrashed) Mapped(susiectl::kCrashed, kLoadLibrary);
         if (module != nullptr) WatchThreadsOf(module, pluginPath_);
         return module;
     });

@@ -84,9 +84,11 @@ class SusieCalls {
     // The file that the call log names beside the plug-in; empty when none is bound.
     void SetBoundFile(std::wstring path) { boundFile_ = std::move(path); }
 
-    // Loads the plug-in file. Null when that fails; else one reference that Free gives back.
+    // Loads the plug-in file. Null when that fails; else one reference that Free gives back. A
+    // crash is not counted, for no other call follows it, but is the last error.
     HMODULE Load();
-    // Why the last Load was refused by the system; 0 when it was not, or nobody knows.
+    // Why the last Load was refused by the system; 0 when it was not, or nobody knows;
+    // susiectl::kErrorCrashed when the plug-in crashed.
     DWORD LoadError() const { return loadError_; }
     void Free(HMODULE module);
     // Whether the plug-in shows windows of its own or runs threads.

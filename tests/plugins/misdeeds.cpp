@@ -144,6 +144,22 @@ void LockHeaps() {
         HeapLock(heaps[i]);
 }
 
+// As if none of the system's frames took the exception: only that of the host's guard is left.
+void SkipSystemsFrames() {
+    const HMODULE host = GetModuleHandleW(L"susiectl.dll");
+    const auto isHosts = [host](const Frame* frame) {
+        HMODULE module = nullptr;
+        GetModuleHandleExW(
+            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+            reinterpret_cast<const wchar_t*>(frame->handler), &module);
+        return module == host;
+    };
+    const Frame* frame = Chain();
+    while (!isHosts(frame))
+        frame = frame->outer;
+    SetChain(frame);
+}
+
 constexpr size_t kJumpSize = 5;
 constexpr uint16_t kUnmaskedControlWord = 0x0360;
 constexpr uint32_t kUnmaskedMxcsr = 0x0100;
@@ -183,6 +199,10 @@ void Crash(const std::string& kind) {
     if (kind == "smash") SmashStack();
     if (kind == "wild-chain" || kind == "lost-chain") {
         SetChain(reinterpret_cast<void*>(kind == "lost-chain" ? ~0U : 0x41414140U));
+        Crash("av");
+    }
+    if (kind == "bare-chain") {
+        SkipSystemsFrames();
         Crash("av");
     }
     static const char text[] = "worker";

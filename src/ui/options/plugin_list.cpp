@@ -54,6 +54,8 @@ std::wstring TextOf(const LeftOutPlugin& one) {
             return sizeof(void*) == 4 ? L"32ビット用ではありません" : L"64ビット用ではありません";
         case LeftOutReason::kNoPlugin:
             return L"必要な関数がありません";
+        case LeftOutReason::kCrashed:
+            return L"読み込み中に異常終了しました";
         case LeftOutReason::kRenamed:
             return L"新しい版があります。削除できます";
         case LeftOutReason::kBarred:

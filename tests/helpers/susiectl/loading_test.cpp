@@ -69,10 +69,28 @@ TEST_F(LoadingTest, FilesThatAreNoDllOfThisArchitectureAreRefused) {
 }
 
 TEST_F(LoadingTest, PluginsThatFailToStartAreRefused) {
-    EXPECT_FALSE(Loads(TestPluginPath(L"load_crash.spi")));
     EXPECT_FALSE(Loads(TestPluginPath(L"load_refuses.spi")));
     EXPECT_FALSE(Loads(TestPluginPath(L"needs_missing.spi")));
     EXPECT_TRUE(Loads(TestPluginPath(L"iftst.spi"))) << "after those";
+}
+
+TEST_F(LoadingTest, ACrashIsToldFromARefusal) {
+    const std::pair<const char*, bool> plugins[] = {
+        {"crash:av:DllMain", true},
+        {"crash:stack-overflow:DllMain", true},
+        {"crash:cpp:DllMain", true},
+        {"crash:fpu:DllMain", true},
+        {"answer:DllMain:0", false},
+        {"handled:av:DllMain", false},
+        {"handled:cpp:DllMain\nanswer:DllMain:0", false}};
+    for (const auto& [script, hasCrashed] : plugins) {
+        folder_.Write(L"scripted.spi.script", script);
+        CopyFileW(TestPluginPath(L"iftst.spi").c_str(), (folder_.Path() + L"scripted.spi").c_str(),
+                  FALSE);
+        const HMODULE module = Susiectl().loadLibraryW((folder_.Path() + L"scripted.spi").c_str());
+        EXPECT_EQ(!module && GetLastError() == susiectl::kErrorCrashed, hasCrashed) << script;
+        Susiectl().freeLibrary(module);
+    }
 }
 
 // Runs `work` in a thread of its own; false when it does not end.

@@ -315,6 +315,7 @@ TEST_F(CollectionTest, WhatIsLeftOutIsToldWithItsReason) {
     Plugin(L"iftst.spi");
     Plugin(L"config_only.spi");
     Plugin(L"iftst.spi", "answer:DllMain:0", L"load_refuses.spi");
+    Plugin(L"iftst.spi", "crash:av:DllMain", L"load_crash.spi");
     folder_.Write(L"text.spi", "text");
     std::string image(1024, '\0');  // the headers of a 64-bit DLL
     image.replace(0, 2, "MZ");
@@ -333,11 +334,10 @@ TEST_F(CollectionTest, WhatIsLeftOutIsToldWithItsReason) {
         return reasons;
     };
     using enum LeftOutReason;
-    std::map<std::wstring, LeftOutReason> expected = {{L"config_only.spi", kNoPlugin},
-                                                      {L"load_refuses.spi", kNotLoadable},
-                                                      {L"text.spi", kNoDll},
-                                                      {L"x64.spi", kOtherMachine},
-                                                      {L"minimal.spi", kBarred}};
+    std::map<std::wstring, LeftOutReason> expected = {
+        {L"config_only.spi", kNoPlugin}, {L"load_refuses.spi", kNotLoadable},
+        {L"load_crash.spi", kCrashed},   {L"text.spi", kNoDll},
+        {L"x64.spi", kOtherMachine},     {L"minimal.spi", kBarred}};
     ASSERT_TRUE(LoadSPI());
     EXPECT_EQ(told(), expected);
     EXPECT_EQ(WhyNotLoaded(folder_.Path() + L"text.spi", 4551), kBlocked);
@@ -354,7 +354,7 @@ TEST_F(CollectionTest, WhatIsLeftOutIsToldWithItsReason) {
     // Stopped before the first: nothing is known about the folders, so they stay switched on.
     int asked = 0;
     ASSERT_TRUE(LoadSPI([&](const std::wstring&, int32_t done, int32_t total) {
-        EXPECT_EQ(total, 12);
+        EXPECT_EQ(total, 14);
         return ++asked < 1 && done > 100;
     }));
     EXPECT_EQ(asked, 1);
@@ -388,18 +388,41 @@ TEST_F(CollectionTest, OneThatDamagesTheMemoryWhileItIsLoadedIsSkippedThenBarred
     const std::wstring fatal =
         Plugin(L"iftst.spi", "crash:heap-damage:GetPluginInfo\n", L"fatal.spi");
     CheckFileDate(fatal);
-    int errors = 0;
     for (const auto expected : {LeftOutReason::kSkipped, LeftOutReason::kBarred}) {
         EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_IsDamagedByOne", fatal), 0U);
-        EXPECT_EQ(ReadErrorCount(fatal, L"GetPluginInfo"), ++errors);
+        // Whichever function of the loading it was.
+        EXPECT_EQ(ReadErrorCount(fatal, L"GetPluginInfo"), 1);
+        EXPECT_EQ(ReadErrorCount(fatal, L"LoadLibrary"), expected == LeftOutReason::kBarred);
+        folder_.Write(L"fatal.spi.script", "crash:heap-damage:DllMain\n");
         CollectionSusie plugins;
         plugins.FScanAllSPI(folder_.Path());
         EXPECT_EQ(plugins.Compact(), 1);
         ASSERT_EQ(plugins.LeftOut().size(), 1U);
         EXPECT_EQ(plugins.LeftOut()[0].reason, expected);
         ASSERT_EQ(plugins.InterruptedCalls().size(), 1U);
-        EXPECT_TRUE(plugins.InterruptedCalls()[0].hasDamaged);
+        EXPECT_EQ(plugins.InterruptedCalls()[0].plugin, fatal);
     }
+}
+
+TEST_F(CollectionTest, ACrashThatLeavesTheLoaderHeldEndsTheRun) {
+    const std::wstring fatal = Plugin(L"iftst.spi", "crash:bare-chain:DllMain\n", L"fatal.spi");
+    const DWORD before = GetTickCount();
+    EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_Loads", fatal), 0xC0000374);
+    EXPECT_LT(GetTickCount() - before, 15'000U) << "it hung, until that was noticed";
+    const std::vector<PluginCall> calls = RecoverInterruptedCalls();
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(calls[0].plugin + calls[0].function, fatal + L"LoadLibrary");
+}
+
+TEST_F(CollectionTest, ACrashWhileItIsLoadedAnewIsToldOfTheFile) {
+    CollectionSusie plugins;
+    plugins.SetDynamicLoad(true);
+    plugins.AddSPI(Plugin(L"iftst.spi"));
+    folder_.Write(L"iftst.spi.script", "crash:av:DllMain\n");
+    EXPECT_EQ(plugins.FileSupported(folder_.Write(L"a.tst", "TST 2x2x24\n")), 0);
+    ASSERT_TRUE(plugins.LastRefusal());
+    EXPECT_TRUE(plugins.LastRefusal()->hasCrashed);
+    EXPECT_EQ(plugins.LastRefusal()->plugin, L"iftst.spi");
 }
 
 TEST_F(CollectionTest, OneThatEndsTheProgramWhileItTellsAboutItselfIsSkippedThenBarred) {

@@ -45,8 +45,8 @@ TEST_F(ClsSusieTest, RefusedFilesLeaveNothingBehind) {
     plugin_.SetDllName(good);
     EXPECT_TRUE(plugin_.SupportConfigurationDialog());
     for (const std::wstring& refused :
-         {folder_.Write(L"text.spi", "this is no library"), folder_.Path() + L"gone.spi",
-          test::TestPluginPath(L"config_only.spi"), test::TestPluginPath(L"load_crash.spi")}) {
+         {test::TestPluginPath(L"load_crash.spi"), folder_.Write(L"text.spi", "this is no library"),
+          folder_.Path() + L"gone.spi", test::TestPluginPath(L"config_only.spi")}) {
         EXPECT_EQ(Raised([&] { plugin_.SetDllName(refused); }), kErrorInvalidPlugin);
         EXPECT_EQ(plugin_.DllName() + plugin_.FileType(0), L"");
         EXPECT_EQ(plugin_.DllStyle(), kStyleNone);
