@@ -218,12 +218,10 @@ int frmControl::HeightAboveToolbar() const {
 }
 
 // The face, the frame around it and the grip at the left, which invites to drag.
-void frmControl::Paint() {
-    PAINTSTRUCT paint{};
-    const HDC context = BeginPaint(Handle(), &paint);
+void frmControl::PaintBackground(HDC context) const {
+    Form::PaintBackground(context);
     RECT area{};
     GetClientRect(Handle(), &area);
-    FillRect(context, &area, GetSysColorBrush(COLOR_BTNFACE));
     const Metrics metrics(Handle());
     for (int i = 0; i < metrics.Scale(kFrame); ++i) {
         FrameRect(context, &area, GetSysColorBrush(COLOR_BTNSHADOW));
@@ -235,7 +233,6 @@ void frmControl::Paint() {
         const RECT spot{metrics.Scale(3), above + y, metrics.Scale(3) + dot, above + y + dot};
         FillRect(context, &spot, GetSysColorBrush(COLOR_BTNSHADOW));
     }
-    EndPaint(Handle(), &paint);
 }
 
 // The left and right edges resize; nothing else of the window does.
@@ -250,9 +247,6 @@ LRESULT frmControl::HitTest(LPARAM onScreen) const {
 
 LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-        case WM_PAINT:
-            Paint();
-            return 0;
         case WM_NCHITTEST:
             return HitTest(lParam);
         case WM_GETMINMAXINFO: {

@@ -101,7 +101,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
     void CreateControls();
-    void Paint();
+    void PaintBackground(HDC context) const override;
     int HeightAboveToolbar() const;
     LRESULT HitTest(LPARAM onScreen) const;
     void RegisterCommands();

@@ -75,6 +75,12 @@ void Form::ChangeMetrics() {
     Form_Resize(size.cx, size.cy);
 }
 
+void Form::PaintBackground(HDC context) const {
+    const SIZE size = ClientSize();
+    const RECT area{0, 0, size.cx, size.cy};
+    FillRect(context, &area, GetSysColorBrush(COLOR_BTNFACE));
+}
+
 LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (const auto answer = Control::Reflect(message, wParam, lParam)) return *answer;
     switch (message) {
@@ -100,8 +106,11 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_PARENTNOTIFY:
             if (LOWORD(wParam) == WM_CREATE) RefuseInputMethod(reinterpret_cast<HWND>(lParam));
             return Default(message, wParam, lParam);
+        // Controls with a theme have both of them painted below their round corners.
         case WM_ERASEBKGND:
-            return 1;  // the controls cover all of the window
+        case WM_PRINTCLIENT:
+            PaintBackground(reinterpret_cast<HDC>(wParam));
+            return message == WM_ERASEBKGND ? 1 : 0;
         case WM_DPICHANGED: {
             const RECT& suggested = *reinterpret_cast<const RECT*>(lParam);
             SetWindowPos(Handle(), nullptr, suggested.left, suggested.top,

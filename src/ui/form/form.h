@@ -58,6 +58,10 @@ class Form : public Window {
     // A menu item or an accelerator was chosen.
     virtual void Form_Command(int /*id*/) {}
 
+    // Paints what shows between and behind the controls, in pixels of the client area. `context`
+    // may be a control's or a picture's in memory, with other places around it.
+    virtual void PaintBackground(HDC context) const;
+
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
     // Size of the client area in pixels.

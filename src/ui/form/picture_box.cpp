@@ -98,6 +98,12 @@ RECT PictureBox::PictureRectangle() const {
 void PictureBox::Paint() const {
     PAINTSTRUCT paint;
     const HDC screen = BeginPaint(Handle(), &paint);
+    PaintArea(screen, paint.rcPaint);
+    EndPaint(Handle(), &paint);
+}
+
+// Leaves the context clipped.
+void PictureBox::PaintArea(HDC screen, const RECT& area) const {
     const RECT picture = PictureRectangle();
     const auto exclude = [&](const RECT& painted) {
         ExcludeClipRect(screen, painted.left, painted.top, painted.right, painted.bottom);
@@ -107,13 +113,12 @@ void PictureBox::Paint() const {
         exclude(PaintReason(screen, Handle(), reason_, BackgroundColour()));
     }
     RECT visible{};
-    if (picture_ && IntersectRect(&visible, &picture, &paint.rcPaint)) {
+    if (picture_ && IntersectRect(&visible, &picture, &area)) {
         PaintPicture(screen, visible);
         exclude(picture);
     }
-    FillRect(screen, &paint.rcPaint,
+    FillRect(screen, &area,
              background_ != nullptr ? background_ : GetSysColorBrush(COLOR_APPWORKSPACE));
-    EndPaint(Handle(), &paint);
 }
 
 HBITMAP PictureBox::Bitmap() const {
@@ -173,6 +178,14 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SETCURSOR:
             ShowPointer();
             return TRUE;
+        case WM_PRINTCLIENT: {
+            const SIZE size = AreaSize();
+            const auto context = reinterpret_cast<HDC>(wParam);
+            const int state = SaveDC(context);
+            PaintArea(context, {0, 0, size.cx, size.cy});
+            RestoreDC(context, state);
+            return 0;
+        }
         case WM_KEYDOWN:
             Raise(events_.keyDown, static_cast<int>(wParam), CurrentShiftState());
             return 0;

@@ -90,6 +90,7 @@ class PictureBox : public Window {
     COLORREF BackgroundColour() const;
     void Invalidate() const { InvalidateRect(Handle(), nullptr, FALSE); }
     void Paint() const;
+    void PaintArea(HDC screen, const RECT& area) const;
     void PaintPicture(HDC screen, const RECT& visible) const;
     void ShowPointer() const;
     void RaiseContextMenu(POINT onScreen) const;

@@ -30,7 +30,7 @@ class Window {
 
     // Makes the window, hidden unless the style says otherwise. False when the system refuses. The
     // class is registered with the first window of its name, without a background: our windows
-    // paint all of themselves.
+    // erase and paint all of themselves.
     bool Create(const Creation& creation);
 
     // Handles one message; what is not handled goes to Default(). What an override throws ends

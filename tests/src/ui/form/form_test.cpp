@@ -174,6 +174,37 @@ TEST(FormTest, LeavesInputMethodsToTextFields) {
     EXPECT_TRUE(takesInputMethod(made(form.Handle(), L"EDIT", 0)));
 }
 
+TEST(FormTest, PaintsBelowTheCornersOfControlsWithATheme) {
+    RecordingForm form;
+    ASSERT_TRUE(form.Load());
+    const HWND button = CreateWindowExW(0, L"BUTTON", L"", WS_CHILD | WS_VISIBLE, 30, 20, 50, 50,
+                                        form.Handle(), nullptr, nullptr, nullptr);
+    const UniqueModule themes(LoadLibraryW(L"uxtheme.dll"));
+    const auto drawParent = reinterpret_cast<HRESULT(WINAPI*)(HWND, HDC, const RECT*)>(
+        reinterpret_cast<void*>(GetProcAddress(themes.Get(), "DrawThemeParentBackground")));
+    ASSERT_NE(drawParent, nullptr);
+    const UniqueScreenDc screen(GetDC(nullptr));
+    const auto cornerAfter = [&](const std::function<void(HDC)>& paint) {
+        const UniqueBitmap bitmap(CreateCompatibleBitmap(screen.Get(), 50, 50));
+        const UniqueMemoryDc memory(CreateCompatibleDC(screen.Get()));
+        const HGDIOBJ former = SelectObject(memory.Get(), bitmap.Get());
+        paint(memory.Get());
+        const COLORREF corner = GetPixel(memory.Get(), 49, 49);
+        SelectObject(memory.Get(), former);
+        return corner;
+    };
+    const COLORREF face = GetSysColor(COLOR_BTNFACE);
+    EXPECT_EQ(cornerAfter([&](HDC context) { drawParent(button, context, nullptr); }), face);
+    for (const UINT message : {WM_ERASEBKGND, WM_PRINTCLIENT}) {
+        EXPECT_EQ(cornerAfter([&](HDC context) {
+                      SendMessageW(form.Handle(), message, reinterpret_cast<WPARAM>(context),
+                                   PRF_CLIENT);
+                  }),
+                  face)
+            << message;
+    }
+}
+
 TEST(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
     RecordingForm form;
     ASSERT_TRUE(form.Load());
