@@ -40,6 +40,13 @@ void TellFailedStart(const std::wstring& reason) {
                    L"致命的エラー");
 }
 
+// What a shortcut says of the window's state.
+int ShowCommand() {
+    STARTUPINFOW start{};
+    GetStartupInfoW(&start);
+    return (start.dwFlags & STARTF_USESHOWWINDOW) != 0 ? start.wShowWindow : SW_SHOWNORMAL;
+}
+
 // Names the plug-ins in whose calls earlier runs ended, and what the loading has found amiss. In
 // the status bar: a message box would greet the user with a plug-in's fault, again and again if it
 // ends every run.
@@ -73,7 +80,8 @@ int Main() {
                         [] {
                             TerminateApplication();
                             RequestQuit(0);
-                        }});
+                        },
+                    .showCommand = ShowCommand()});
     frmControl controlBar(window);
     window.SetControlBar(controlBar);
     OpenCommands openCommands(window, controlBar);
@@ -102,9 +110,10 @@ bool InitializeApplication(const LoadingProgress& progress) {
 }
 
 int16_t TerminateApplication() {
-    UnloadSPI();
+    // First: a plug-in may end the process when it is freed.
     WriteGeneralSettings();
     WriteConvertSettings();
+    UnloadSPI();
     return 0;
 }
 

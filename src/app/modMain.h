@@ -14,7 +14,7 @@ int Main();
 // defaults, plug-ins, whose loading `progress` is told about. False at the first step that fails.
 bool InitializeApplication(const LoadingProgress& progress = {});
 
-// Releases the plug-ins and writes the settings. Always 0.
+// Writes the settings and releases the plug-ins. Always 0.
 int16_t TerminateApplication();
 
 }  // namespace tessary

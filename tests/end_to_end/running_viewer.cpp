@@ -35,11 +35,13 @@ bool WaitUntil(const std::function<bool()>& condition) {
 }
 
 RunningViewer::RunningViewer(const std::wstring& folder, const std::wstring& arguments,
-                             const std::wstring& settingsKey) {
+                             const std::wstring& settingsKey, WORD showCommand) {
     std::wstring commandLine = L'"' + folder + L"TessaryViewer.exe\" " + arguments;
     SetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", settingsKey.c_str());
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
+    startup.dwFlags = showCommand != SW_SHOWDEFAULT ? STARTF_USESHOWWINDOW : 0;
+    startup.wShowWindow = showCommand;
     CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                    &startup, &process_);
     SetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", nullptr);

@@ -16,8 +16,9 @@ bool WaitUntil(const std::function<bool()>& condition);
 class RunningViewer {
   public:
     // Starts `folder`TessaryViewer.exe with the arguments; its settings are at `settingsKey`.
+    // `showCommand` is what a shortcut says of the window (SW_…); nothing by default.
     RunningViewer(const std::wstring& folder, const std::wstring& arguments,
-                  const std::wstring& settingsKey);
+                  const std::wstring& settingsKey, WORD showCommand = SW_SHOWDEFAULT);
     RunningViewer(const RunningViewer&) = delete;
     RunningViewer& operator=(const RunningViewer&) = delete;
     ~RunningViewer();  // ends the process if it still runs

@@ -4,6 +4,7 @@
 #include <commctrl.h>  // needs windows.h before it
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "app/base/paths.h"
@@ -112,6 +113,54 @@ TEST_F(ViewerTest, PluginThatEndedTheLastRunIsNamed) {
     }));
     PostMessageW(main, WM_CLOSE, 0, 0);
     EXPECT_EQ(viewer.ExitCode(), 0);
+}
+
+TEST_F(ViewerTest, StandsAsAShortcutWantsAndLosesNoSettingToAPluginThatEndsIt) {
+    std::filesystem::copy_file(test::TestPluginPath(L"iftst.spi"), folder_.Path() + L"a.spi");
+    folder_.Write(L"a.spi.script", "crash:terminate:DllUnload");
+    SaveSetting(L"Init", L"Run", L"1");
+    SaveSetting(L"General", L"UseSPI", L"1");
+    SaveSetting(L"General", L"SPIFolder_1", folder_.Path());
+    SaveSetting(L"General", L"LoadSPI_1", L"-1");
+    const RunningViewer viewer(FinishedFolder(), L"", store_.KeyPath(), SW_SHOWMAXIMIZED);
+    const HWND main = viewer.WindowOfCaption(kCaption);
+    ASSERT_NE(main, nullptr);
+    EXPECT_TRUE(WaitUntil([&] { return IsZoomed(main) != FALSE; }));
+    EXPECT_EQ(StatusText(viewer, main, 0), L"1個のプラグイン");
+    PostMessageW(main, WM_CLOSE, 0, 0);
+    EXPECT_NE(viewer.ExitCode(), 0);
+    EXPECT_EQ(GetSetting(L"Convert", L"FileMask"), L"*.*");
+}
+
+// The element's value in the manifest of a finished program.
+std::string ManifestValue(const wchar_t* program, const std::string& element) {
+    const UniqueModule file(
+        LoadLibraryExW((FinishedFolder() + program).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+    const HRSRC found = FindResourceW(file.Get(), CREATEPROCESS_MANIFEST_RESOURCE_ID, RT_MANIFEST);
+    if (found == nullptr) return {};
+    const std::string text(static_cast<const char*>(LockResource(LoadResource(file.Get(), found))),
+                           SizeofResource(file.Get(), found));
+    const size_t start = text.find('>', text.find('<' + element + ' ')) + 1;
+    return text.substr(start, text.find("</", start) - start);
+}
+
+// Who reads which element, and which of its words a version knows, is the system's documentation's.
+TEST_F(ViewerTest, FollowsEachScreenOnlyWhereMenusAndFramesDo) {
+    const auto firstKnown = [](std::string list, const std::vector<std::string>& known) {
+        std::erase(list, ' ');
+        for (size_t at = 0; at <= list.size(); at = list.find(',', at) + 1) {
+            const std::string word = list.substr(at, list.find(',', at) - at);
+            if (std::ranges::count(known, word) > 0) return word;
+            if (list.find(',', at) == std::string::npos) break;
+        }
+        return std::string("unaware");
+    };
+    for (const wchar_t* const program : {L"TessaryViewer.exe", L"tessary-convert.exe"}) {
+        EXPECT_EQ(ManifestValue(program, "dpiAware"), "true") << "up to Windows 10 1511";
+        const std::string list = ManifestValue(program, "dpiAwareness");
+        EXPECT_EQ(firstKnown(list, {"System", "PerMonitor"}), "System") << "Windows 10 1607";
+        EXPECT_EQ(firstKnown(list, {"System", "PerMonitor", "PerMonitorV2"}), "PerMonitorV2");
+    }
 }
 
 TEST_F(ViewerTest, ALongStartIsToldAndCanBeStopped) {

@@ -132,7 +132,10 @@ void frmControl::SetVisible(bool visible) {
     // Behind the full screen the main window stands elsewhere than when the panel opened.
     if (visible && deletePanelOpen_) PlaceForPanel();
     // The main window keeps the focus when the bar appears, and gets it back when it goes.
-    if (Handle() != nullptr) ShowWindow(Handle(), visible ? SW_SHOWNOACTIVATE : SW_HIDE);
+    if (Handle() == nullptr) return;
+    ShowWindow(Handle(), visible ? SW_SHOWNOACTIVATE : SW_HIDE);
+    // With a minimised main window it waits, as what was shown before does.
+    if (visible && IsIconic(window_.Handle())) ShowOwnedPopups(window_.Handle(), FALSE);
 }
 
 // The screen that the bar was on may be gone, or another now: the buttons must be in reach.

@@ -82,7 +82,9 @@ bool Dialog::Show(HWND owner) {
     filter_.emplace([this](MSG& message) {
         return handle_ != nullptr && IsDialogMessageW(handle_, &message) != FALSE;
     });
-    ShowWindow(handle_, SW_SHOW);
+    // Not ShowWindow: what a shortcut says of the window's state goes to the first window that is
+    // shown by that, and is meant for the main window.
+    SetWindowPos(handle_, HWND_TOP, 0, 0, 0, 0, SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE);
     return true;
 }
 

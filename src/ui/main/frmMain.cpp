@@ -127,6 +127,27 @@ void frmMain::PlaceWindow() {
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void frmMain::Show() {
+    WINDOWPLACEMENT placement{};
+    placement.length = sizeof(placement);
+    GetWindowPlacement(Handle(), &placement);
+    placement.flags = startsMaximized_ ? WPF_RESTORETOMAXIMIZED : 0;
+    placement.showCmd = startsMaximized_ ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL;
+    switch (services_.showCommand) {
+        case SW_SHOWMAXIMIZED:
+        case SW_SHOWMINIMIZED:
+        case SW_MINIMIZE:
+        case SW_SHOWMINNOACTIVE:
+            placement.showCmd = static_cast<UINT>(services_.showCommand);
+            break;
+        default:
+            break;
+    }
+    // The system may put what the starter wants in place of the first command, and only of that.
+    for (int pass = 0; pass < 2; ++pass)
+        SetWindowPlacement(Handle(), &placement);
+}
+
 void frmMain::SavePlacement() const {
     SaveMainPlacement(fullScreen_.Placement(Handle()), fullScreen_.Dpi(Handle()));
 }
@@ -172,6 +193,10 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
             return std::nullopt;
         case WM_WINDOWPOSCHANGING:
             fullScreen_.Keep(Handle(), *reinterpret_cast<WINDOWPOS*>(lParam));
+            return std::nullopt;
+        case WM_SIZE:
+            // The control bar may have come up meanwhile; some systems show nobody's pop-ups.
+            if (wParam != SIZE_MINIMIZED) ShowOwnedPopups(Handle(), TRUE);
             return std::nullopt;
         case WM_DISPLAYCHANGE:
             ScreenChanged();

@@ -32,6 +32,7 @@ struct MainWindowServices {
     std::wstring commandLine;          // the program's arguments: files and folders to open
     std::function<int()> pluginCount;  // of the plug-ins loaded now
     std::function<void()> endProgram;  // saves settings, frees plug-ins; the window is gone by then
+    int showCommand = SW_SHOWNORMAL;   // how a shortcut wants it shown (SW_…)
 };
 
 class frmMain final : public Form, public PictureView {
@@ -69,8 +70,9 @@ class frmMain final : public Form, public PictureView {
     // why; else the window closes behind the read.
     void OnCloseDuringRead(std::function<bool()> refuses) { refusesToClose_ = std::move(refuses); }
 
-    // Shows the loaded window for the first time, maximised when it was left so.
-    void Show() { Form::Show(startsMaximized_ ? SW_SHOWMAXIMIZED : SW_SHOWNORMAL); }
+    // Shows the loaded window for the first time: maximised when it was left so, and maximised or
+    // minimised where the one who starts the program wants that. Hidden it would be out of reach.
+    void Show();
 
     // Above which window a command shows its dialog: the one that it was given in, which may be the
     // control bar.

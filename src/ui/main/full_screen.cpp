@@ -8,8 +8,9 @@
 namespace tessary {
 namespace {
 
-// Some versions leave the taskbar in front of a window that counts as maximised.
-constexpr LONG_PTR kFrameStyles = WS_OVERLAPPEDWINDOW | WS_MAXIMIZE;
+// The system menu and the minimise box stay: without them the taskbar's button does nothing. Some
+// versions leave the taskbar in front of a window that counts as maximised.
+constexpr LONG_PTR kFrameStyles = WS_CAPTION | WS_THICKFRAME | WS_MAXIMIZEBOX | WS_MAXIMIZE;
 
 WINDOWPLACEMENT PlacementOf(HWND window) {
     WINDOWPLACEMENT placement{};

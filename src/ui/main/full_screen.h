@@ -14,7 +14,8 @@ class FullScreen {
     bool IsOn() const { return former_.has_value(); }
 
     // Takes caption, border and menu off the window and spreads it over the screen that most of it
-    // is on. Nothing when that is done already, or the window is minimised.
+    // is on; it can still be minimised. Nothing when that is done already, or the window is
+    // minimised.
     void Enter(HWND window);
 
     // Gives the window back its frame, place, size and maximised state.

@@ -194,6 +194,15 @@ TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
     EXPECT_TRUE(messages_.All().empty());
 }
 
+TEST_F(FileListTest, AMinimisedWindowsBarComesWithIt) {
+    window_.Show();
+    ShowWindow(window_.Handle(), SW_MINIMIZE);
+    bar_.SetFileList(List{Bitmap(L"1.bmp")});
+    EXPECT_FALSE(bar_.IsVisible());
+    ShowWindow(window_.Handle(), SW_RESTORE);
+    EXPECT_TRUE(bar_.IsVisible());
+}
+
 TEST_F(FileListTest, TakesTheEntriesUpToTheLimitAndLeavesOutEmptyOnes) {
     List files(32100, folder_.Path() + L"gone.bmp");
     files[1].clear();

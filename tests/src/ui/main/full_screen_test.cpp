@@ -52,6 +52,9 @@ TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
         const SIZE work = window_.WorkAreaSize();
         SendToView(WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(9, 9));
         EXPECT_TRUE(IsFull()) << state;
+        constexpr LONG kOfTaskbar = WS_SYSMENU | WS_MINIMIZEBOX;
+        EXPECT_EQ(GetWindowLongW(window_.Handle(), GWL_STYLE) & (kOfTaskbar | WS_MAXIMIZEBOX),
+                  kOfTaskbar);
         EXPECT_FALSE(controlBar_.visible);
         EXPECT_EQ(window_.WorkAreaSize().cy, Screen().bottom);
         EXPECT_EQ(Position().x, (Screen().right - 100) / 2);
@@ -199,6 +202,27 @@ TEST_F(FullScreenTest, NextRunStandsWhereThisOneWasLeft) {
     ShowWindow(next.Handle(), SW_RESTORE);
     ExpectSame(FrameOf(next), left, "restored");
     next.Unload();
+
+    // What a shortcut says besides.
+    for (const bool wasMaximized : {false, true}) {
+        SaveSetting(L"Window", L"Main_Maximized", wasMaximized ? L"-1" : L"0");
+        for (const int command :
+             {SW_SHOWMAXIMIZED, SW_SHOWMINNOACTIVE, SW_SHOWMINIMIZED, SW_HIDE}) {
+            frmMain started(
+                {.commandLine = {}, .pluginCount = {}, .endProgram = {}, .showCommand = command});
+            ASSERT_TRUE(started.Load());
+            started.Show();
+            EXPECT_TRUE(IsWindowVisible(started.Handle()));
+            const bool isMinimized = command != SW_SHOWMAXIMIZED && command != SW_HIDE;
+            EXPECT_EQ(IsIconic(started.Handle()) != FALSE, isMinimized) << command;
+            if (isMinimized) ShowWindow(started.Handle(), SW_RESTORE);
+            EXPECT_EQ(IsZoomed(started.Handle()) != FALSE,
+                      wasMaximized || command == SW_SHOWMAXIMIZED)
+                << command;
+            DestroyWindow(started.Handle());
+            SaveSetting(L"Window", L"Main_Maximized", wasMaximized ? L"-1" : L"0");
+        }
+    }
 
     frmMain usual({});
     for (const auto& [key, value] :
