@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,14 +11,12 @@
 #include "plugins/iftessjpeg/jpeg_decoder.h"
 #include "plugins/iftesspng/png_decoder.h"
 #include "tests/plugins_bundled/decoded_picture.h"
+#include "tests/support/picture_set.h"
 
 namespace tessary::codec::test {
 namespace {
 
-std::filesystem::path PictureFolder() {
-    const char* chosen = std::getenv("TESSARY_PICTURES");
-    return chosen != nullptr ? chosen : TESSARY_PICTURES;
-}
+using tessary::test::PictureFolder;
 
 Bytes ReadFile(const std::filesystem::path& path) {
     std::ifstream stream(path, std::ios::binary);

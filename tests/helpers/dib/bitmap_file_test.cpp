@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "tests/helpers/dib/sample_bitmaps.h"
+#include "tests/support/picture_set.h"
 
 namespace tessary::dib::test {
 namespace {
@@ -191,9 +191,7 @@ TEST(BitmapFile, ReadsOnceTellsProgressAndStops) {
 // Bitmaps of another program: 32 bits with masks in a 124-byte header and a gap behind it, so that
 // the pixels in the file are those of the picture.
 TEST(BitmapFile, ReadsAnotherProgramsFiles) {
-    const char* chosen = std::getenv("TESSARY_PICTURES");
-    const auto folder =
-        std::filesystem::path(chosen != nullptr ? chosen : TESSARY_PICTURES) / "pngsuite" / "bmp";
+    const auto folder = tessary::test::PictureFolder() / "pngsuite" / "bmp";
     if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << "no pictures in " << folder;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         SCOPED_TRACE(entry.path());
