@@ -50,6 +50,11 @@ class ConvertRun {
     // Deletes an extracted member that has done its service or is not wanted.
     void CleanUp(const WorkEntry& entry, StepResult result);
     StepResult ConvertByKind(const WorkEntry& entry);
+    // Whether the file, whose kind is that of its name, is to be converted.
+    bool IsWorthFetching(const WorkEntry& entry) const;
+    // Has a file fetched that is not on this disk: kDone, or it could not be, or the run is
+    // stopped.
+    StepResult FetchSource(const std::wstring& path);
     void ReportUnknown(const std::wstring& path);
 
     // --- Pictures (convert_picture.cpp) ---

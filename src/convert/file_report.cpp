@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "app/base/fetch_file.h"
 #include "app/base/paths.h"
 
 namespace tessary {
@@ -40,6 +41,8 @@ ReasonName NameOf(FileReason reason) {
             return {L"overwritten", L"変換する前に、この変換の別の結果で置き換えられた"};
         case FileReason::kUnreadable:
             return {L"unreadable", L"ファイルを読み取れない"};
+        case FileReason::kNotFetched:
+            return {L"not-fetched", L"クラウドから取得できない"};
         case FileReason::kEmptyFile:
             return {L"empty-file", L"空のファイル"};
         case FileReason::kUnknownFormat:
@@ -99,6 +102,18 @@ const wchar_t* ReasonKey(FileReason reason) {
 
 const wchar_t* ReasonText(FileReason reason) {
     return NameOf(reason).text;
+}
+
+FileReason ReasonOfReadError(unsigned long error) {
+    switch (error) {
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_PATH_NOT_FOUND:
+            return FileReason::kMissing;
+        case ERROR_ACCESS_DENIED:
+            return FileReason::kAccessDenied;
+        default:
+            return IsFetchError(error) ? FileReason::kNotFetched : FileReason::kUnreadable;
+    }
 }
 
 FileReason ReasonOfWriteError(unsigned long error, const std::wstring& target) {

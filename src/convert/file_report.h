@@ -32,6 +32,7 @@ enum class FileReason {
     kMissing,
     kOverwritten,  // by another picture of this run, before it was read
     kUnreadable,
+    kNotFetched,  // it lies elsewhere, as in a cloud, and could not be brought here
     kEmptyFile,
     kUnknownFormat,
     kNoPlugin,  // unknown, and no plug-in is loaded that might know it
@@ -60,6 +61,8 @@ const wchar_t* ReasonKey(FileReason reason);
 // A few words for the user; empty for kNone.
 const wchar_t* ReasonText(FileReason reason);
 
+// The reason why a file could not be opened or read, from the system's error for it.
+FileReason ReasonOfReadError(unsigned long error);
 // The reason why a file could not be written, from the system's error for it.
 FileReason ReasonOfWriteError(unsigned long error, const std::wstring& target);
 

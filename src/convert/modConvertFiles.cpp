@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/base/distant_file.h"
 #include "app/base/error.h"
+#include "app/base/fetch_file.h"
 #include "app/base/file_identity.h"
 #include "app/base/paths.h"
 #include "app/base/stay_awake.h"
@@ -15,10 +17,11 @@
 #include "convert/delete_files.h"
 #include "convert/extraction_record.h"
 #include "convert/make_folder.h"
-#include "convert/no_picture.h"
 #include "convert/no_system_messages.h"
 #include "convert/save_extension.h"
 #include "convert/source_order.h"
+#include "picture/show/modShowPicture.h"
+#include "picture/show/no_picture.h"
 #include "plugin/file_stamp.h"
 #include "plugin/susie_calls.h"
 
@@ -162,12 +165,24 @@ StepResult ConvertRun::ConvertByKind(const WorkEntry& entry) {
         }
     }
     std::optional<SourceFile> known = ahead_.Take(entry.path);
-    source_ = known ? std::move(*known) : LookAtFile(entry.path);
+    const bool isElsewhere = !known && IsNotOnThisDisk(entry.path);
+    if (isElsewhere) {
+        source_ = {};
+        source_.kind = KindByName(entry.path);
+    } else {
+        source_ = known ? std::move(*known) : LookAtFile(entry.path);
+    }
     const wchar_t* const extension = OnlySaveExtension();
     if (IsPictureKind(source_.kind) && extension != nullptr && names_.WillSkip(entry, extension)) {
         const OutputChoice choice =
             names_.Choose({entry, extension, [](const std::wstring&) { return true; }});
         if (choice.isSkipped) return Skip(choice.path, choice.reason);
+    }
+    if (isElsewhere && IsWorthFetching(entry)) {
+        if (const StepResult fetched = FetchSource(entry.path); fetched != StepResult::kDone) {
+            return fetched;
+        }
+        source_ = LookAtFile(entry.path);
     }
     switch (source_.kind) {
         case kFileBitmap:
@@ -181,6 +196,34 @@ StepResult ConvertRun::ConvertByKind(const WorkEntry& entry) {
     }
     log_.WriteConvertLog(L"ファイル種別", L"未知のファイル", 2);
     ReportUnknown(entry.path);
+    return StepResult::kNotHandled;
+}
+
+bool ConvertRun::IsWorthFetching(const WorkEntry& entry) const {
+    switch (source_.kind) {
+        case kFileUnknown:
+            return !IsNoPicture(entry.path);
+        case kFileArchive:
+            return ReasonNotToExpand(entry) == FileReason::kNone;
+        default:
+            return true;
+    }
+}
+
+StepResult ConvertRun::FetchSource(const std::wstring& path) {
+    log_.WriteConvertLog(L"クラウドから取得しています", {}, 2);
+    const std::optional<DWORD> error = FetchFile(path, [&](int done, int total) {
+        TellProgress(done, total);
+        return monitor_.SetProgressBar(-1, -1, 0, 0);
+    });
+    if (!error) {
+        Report(FileOutcome::kStopped);
+        return StepResult::kStopped;
+    }
+    if (*error == ERROR_SUCCESS) return StepResult::kDone;
+    const std::wstring text = FetchErrorText(*error);
+    log_.WriteConvertLog(L"[エラー]", text, 2);
+    Report(FileOutcome::kFailed, FileReason::kNotFetched, text);
     return StepResult::kNotHandled;
 }
 

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "app/base/distant_file.h"
 #include "app/base/error.h"
 #include "convert/convert_progress.h"
 #include "plugin/modSusie.h"
@@ -28,6 +29,7 @@ void ReadAhead::Read(const std::wstring& path) noexcept {
     reads_ = true;
     isDisturbed_ = false;
     Trapped([&] {
+        if (IsNotOnThisDisk(path)) return;
         const std::optional<FileStamp> stamp = StampOf(path);
         if (!stamp || stamp->size > kMostBytes) return;
         stamp_ = *stamp;

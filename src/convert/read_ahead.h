@@ -17,7 +17,8 @@ class ReadAhead {
     ReadAhead& operator=(const ReadAhead&) = delete;
     ~ReadAhead();
 
-    // Reads a file. When that cannot be done, or is a long work, nothing is held. Never throws.
+    // Reads a file. When that cannot be done, or is a long work, as with one that is not on this
+    // disk, nothing is held. Never throws.
     void Read(const std::wstring& path) noexcept;
     // What was read of the file; nothing when another one was read. Nothing is held then.
     std::optional<SourceFile> Take(const std::wstring& path);

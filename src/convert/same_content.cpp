@@ -8,6 +8,7 @@
 #include <array>
 #include <span>
 
+#include "app/base/distant_file.h"
 #include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "helpers/system/system_library.h"
@@ -110,6 +111,7 @@ bool HaveSameContent(const std::wstring& one, const std::wstring& other) {
     const std::optional<FileStamp> otherStamp = StampOf(other);
     if (!stamp || !otherStamp || stamp->size != otherStamp->size) return false;
     if (stamp->size == 0) return true;
+    if (IsNotOnThisDisk(one) || IsNotOnThisDisk(other)) return false;
     FilePieces pieces(one);
     FilePieces otherPieces(other);
     for (;;) {

@@ -8,7 +8,7 @@
 
 namespace tessary {
 
-// False also when one of them cannot be read.
+// False also when one of them cannot be read, or is not on this disk: it is not worth fetching.
 bool HaveSameContent(const std::wstring& one, const std::wstring& other);
 
 // Remembers the contents of files that may be gone by the time they are asked about.

@@ -1,7 +1,11 @@
 #include "convert/source_file.h"
 
+#include <windows.h>
+
 #include <set>
 
+#include "app/base/handles.h"
+#include "app/base/paths.h"
 #include "app/base/text.h"
 #include "convert/plugin_use.h"
 #include "picture/bitmap_file.h"
@@ -72,12 +76,22 @@ std::wstring FailureText(const PluginFailure& failure, const std::wstring& plugi
 
 SourceFile LookAtFile(const std::wstring& path) {
     SourceFile file;
-    file.kind = QueryFileKind(path);
+    file.kind = KindByContent(path);
     if (file.kind == kFilePicture || file.kind == kFileArchive) {
         file.pluginKey = BoundPluginKey(path);
     }
     if (file.kind == kFileUnknown) file.refusal = SusieCollection().LastRefusal();
     return file;
+}
+
+FileReason ReasonUnknown(const std::wstring& path) {
+    const UniqueFile file(CreateFileW(ExtendedPath(path).c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file) return ReasonOfReadError(GetLastError());
+    LARGE_INTEGER size{};
+    if (GetFileSizeEx(file.Get(), &size) && size.QuadPart == 0) return FileReason::kEmptyFile;
+    return SusieCollection().Count() == 0 ? FileReason::kNoPlugin : FileReason::kUnknownFormat;
 }
 
 SourcePicture ReadBitmapSource(const std::wstring& path, const SusieProgress& progress) {

@@ -45,8 +45,11 @@ struct SourceFile {
     std::optional<SourcePicture> picture;  // of a bitmap or picture, as soon as it has been read
 };
 
-// Finds out what a file is. The plug-in that accepts it stays bound to it.
+// Finds out what a file is, by its content. The plug-in that accepts it stays bound to it.
 SourceFile LookAtFile(const std::wstring& path);
+
+// The reason why a file of unknown kind is not converted.
+FileReason ReasonUnknown(const std::wstring& path);
 
 // Empty when the bitmap file cannot be read.
 SourcePicture ReadBitmapSource(const std::wstring& path, const SusieProgress& progress);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "app/base/error.h"
+#include "app/base/fetch_file.h"
 #include "app/base/handles.h"
 #include "app/base/helper_function.h"
 #include "app/base/paths.h"
@@ -41,9 +42,12 @@ bool HasBitmapHeader(std::span<const uint8_t> head) {
     return headerSize >= 12 && headerSize <= 124;
 }
 
+// Of the system's last error.
 std::wstring UnreadableText(const std::wstring& path, const wchar_t* what, const wchar_t* why) {
-    return L"ファイル " + path + what + L"\r\n" + why +
-           L"、ほかのアプリケーションで使用中の可能性があります。";
+    const DWORD error = GetLastError();
+    const std::wstring reason = L"、ほかのアプリケーションで使用中の可能性があります。";
+    return L"ファイル " + path + what + L"\r\n" +
+           (IsFetchError(error) ? FetchErrorText(error) : why + reason);
 }
 
 }  // namespace

@@ -121,6 +121,9 @@ class CollectionSusie {
     // FileSupported with every member unbound first, for somebody who is likely to begin such a
     // search next. The member found stays bound.
     int32_t QueryFile(const std::wstring& path);
+    // The first member that names the file in its patterns, other than with one for every file, for
+    // those who must not have the file opened; 0 when none does.
+    int32_t FirstNaming(const std::wstring& path) const;
     // Why the first archive plug-in that the last search met could not read what it takes for an
     // archive of its own, or that the first plug-in that crashed did so, and its name; nothing when
     // there was neither.

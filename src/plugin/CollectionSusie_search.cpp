@@ -77,6 +77,14 @@ int32_t CollectionSusie::QueryFile(const std::wstring& path) {
     return query.index;
 }
 
+int32_t CollectionSusie::FirstNaming(const std::wstring& path) const {
+    if (PluginCallUnderWay() || PluginsAreStopped()) return 0;
+    const std::wstring name = ToUpper(FileNameOf(path));
+    const auto found =
+        std::ranges::find_if(members_, [&](const auto& member) { return member->Names(name); });
+    return found == members_.end() ? 0 : static_cast<int32_t>(found - members_.begin()) + 1;
+}
+
 // Whether the member found is still bound to the file, and the file still the same.
 bool CollectionSusie::Holds(const Query& query, const std::wstring& path) const {
     if (query.index < 1 || query.index > Count()) return false;

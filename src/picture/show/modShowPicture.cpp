@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "app/base/distant_file.h"
 #include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
@@ -38,12 +39,14 @@ bool PutResizedIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
 }
 
 constexpr wchar_t kNoPluginText[] = L"対応しているプラグインがありません。";
+constexpr wchar_t kPassedByText[] = L"クラウドにあり、まだ取得していません。";
 constexpr wchar_t kNestedArchiveText[] = L"圧縮ファイルの中の圧縮ファイルは開けません。";
 constexpr wchar_t kEmptyArchiveText[] = L"圧縮ファイルの中にファイルがありません。";
 
 // Why there is no picture.
 std::wstring ReasonOf(const ReadResult& result) {
     if (result.file.stopped) return result.subject + L" の読み込みを中止しました。";
+    if (result.file.passedBy) return FailureText(result.subject, kPassedByText);
     if (!result.file.failure.empty()) return result.file.failure;
     return FailureText(result.subject,
                        result.file.kind == kFileArchive ? kNestedArchiveText : kNoPluginText);
@@ -67,6 +70,12 @@ std::wstring WithoutFolder(std::wstring text, const std::wstring& path) {
     return text;
 }
 
+// Of what the plug-in of that index takes; an index of 0 is none's.
+FileKind KindOfPlugin(int32_t index) {
+    if (index < 1) return kFileUnknown;
+    return SusieCollection().Item(index).DllStyle() == kStyleArchive ? kFileArchive : kFilePicture;
+}
+
 // Makes what was read of the file `path` the current picture and shows it, or tells why there is
 // none.
 ShownFile Show(ReadResult result, const std::wstring& path, PictureView& view) {
@@ -82,6 +91,10 @@ ShownFile Show(ReadResult result, const std::wstring& path, PictureView& view) {
 }  // namespace
 
 FileKind QueryFileKind(const std::wstring& path) {
+    return IsNotOnThisDisk(path) ? KindByName(path) : KindByContent(path);
+}
+
+FileKind KindByContent(const std::wstring& path) {
     std::wstring failure;
     switch (IsBITMAPFile(path, failure)) {
         case BitmapCheck::kYes:
@@ -91,10 +104,13 @@ FileKind QueryFileKind(const std::wstring& path) {
         case BitmapCheck::kNo:
             break;
     }
-    CollectionSusie& plugins = SusieCollection();
-    const int32_t index = plugins.QueryFile(path);
-    if (index < 1) return kFileUnknown;
-    return plugins.Item(index).DllStyle() == kStyleArchive ? kFileArchive : kFilePicture;
+    return KindOfPlugin(SusieCollection().QueryFile(path));
+}
+
+FileKind KindByName(const std::wstring& path) {
+    const std::wstring extension = UpperExtensionOf(path);
+    if (extension == L"BMP" || extension == L"DIB") return kFileBitmap;
+    return KindOfPlugin(SusieCollection().FirstNaming(path));
 }
 
 ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members) {

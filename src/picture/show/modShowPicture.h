@@ -12,14 +12,20 @@
 namespace tessary {
 
 // Which kind of file this is, without showing it and without a message. Showing the same file next
-// takes the answer over and costs no second look for its plug-in.
+// takes the answer over and costs no second look for its plug-in. One that is not on this disk is
+// judged by its name.
 FileKind QueryFileKind(const std::wstring& path);
 
-// Reads a picture file, makes it the current picture and shows it in the view; of an archive fills
-// the list with the members. For what cannot be read, for what nobody claims, and when the view
-// asks the read to stop, the answer is kFileUnknown, and the view has the reason in place of a
-// picture; so it has for an archive without members. The picture shown before stays until the read
-// has ended, and that of an archive until a member is shown.
+// The two ways to tell. By the content the file is opened, wherever it lies; by the name, which is
+// what plug-ins tell of it in their patterns, it is not.
+FileKind KindByContent(const std::wstring& path);
+FileKind KindByName(const std::wstring& path);
+
+// Reads a picture file, which is fetched first if need be, makes it the current picture and shows
+// it in the view; of an archive fills the list with the members. For what cannot be read, for what
+// nobody claims, and when the view asks the read to stop, the answer is kFileUnknown, and the view
+// has the reason in place of a picture; so it has for an archive without members. The picture shown
+// before stays until the read has ended, and that of an archive until a member is shown.
 ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members);
 
 // The same for a member of an archive, by its `position` of the list that ShowFile filled: it is

@@ -10,6 +10,7 @@ namespace tessary {
 inline constexpr wchar_t kTagLoading[] = L"[読み込み中]";
 inline constexpr wchar_t kTagShown[] = L"[表示中] ";
 inline constexpr wchar_t kTagStopped[] = L"[中止] ";
+inline constexpr wchar_t kTagNotFetched[] = L"[未取得] ";
 
 // The tag of a kind, with the blank that follows it.
 constexpr const wchar_t* KindTag(FileKind kind) {

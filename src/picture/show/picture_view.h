@@ -38,6 +38,13 @@ class PictureView {
     // Told how far a read is, `done` of `total` in any unit; the total is 0 when nobody knows.
     virtual void TellProgress(int /*done*/, int /*total*/) {}
 
+    // The same while the file is fetched from where it lies, before it can be read.
+    virtual void TellFetching(int /*done*/, int /*total*/) {}
+
+    // Whether the user waits for what is being shown. False when the entries only fly by, or he has
+    // asked for another one meanwhile: then nothing is fetched for it.
+    virtual bool AwaitsFile() const { return true; }
+
   protected:
     ~PictureView() = default;
 };

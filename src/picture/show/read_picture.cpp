@@ -7,6 +7,7 @@
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "picture/bitmap_file.h"
+#include "picture/show/fetched_file.h"
 #include "plugin/modSusie.h"
 #include "plugin/result_text.h"
 
@@ -220,6 +221,21 @@ ReadResult ReadFileAt(const std::wstring& path, ReadWatch& watch) {
                     [&] { return DecodeFile(path, watch); });
 }
 
+ReadResult FetchAndRead(const std::wstring& path, PictureView& view, ReadWatch& watch) {
+    std::wstring failure;
+    switch (FetchToShow(path, view, failure)) {
+        case FetchEnd::kPassedBy:
+            return {{.passedBy = true}, {}, {}};
+        case FetchEnd::kStopped:
+            return Stopped();
+        case FetchEnd::kFailed:
+            return Failed(FailureText(SubjectOf(path), failure));
+        case FetchEnd::kIsHere:
+            break;
+    }
+    return ReadFileAt(path, watch);
+}
+
 // `subject` receives how messages name the member.
 ReadResult ReadMember(const std::wstring& archivePath, int32_t position, ReadWatch& watch,
                       std::wstring& subject) {
@@ -253,7 +269,7 @@ std::wstring FailureText(const std::wstring& subject, const std::wstring& reason
 
 ReadResult ReadPictureFile(const std::wstring& path, PictureView& view) {
     ReadWatch watch(view);
-    ReadResult result = ReadFileAt(path, watch);
+    ReadResult result = FetchAndRead(path, view, watch);
     if (watch.IsStopped()) {
         SusieCollection().UnloadFile();
         result = Stopped();

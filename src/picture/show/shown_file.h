@@ -31,6 +31,8 @@ struct ShownFile {
     std::wstring failure = {};
     // The read was asked to stop. The kind is unknown then.
     bool stopped = false;
+    // The file lies elsewhere and was not fetched, for nobody waits for it. So is the kind.
+    bool passedBy = false;
 };
 
 }  // namespace tessary

@@ -67,6 +67,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     std::vector<std::wstring> FileList() const override;
     bool IsPlaying() const override { return player_.IsPlaying(); }
     void WishCommand(int command) override;
+    bool AwaitsFile() const override;
     bool HasFiles() const override { return listFileName_.Count() > 0; }
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
@@ -210,6 +211,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     bool unloading_ = false;
     bool deletePanelOpen_ = false;
     bool archiveShown_ = false;  // the member list belongs to the selected file
+    bool passedBy_ = false;      // the selected file was not fetched, for nobody waited for it
     std::wstring failure_;       // why the file shown last is not shown
     int busy_ = 0;               // how many Busy there are
     Burst* burst_ = nullptr;     // the one there is

@@ -30,6 +30,7 @@ constexpr wchar_t kEmptyList[] = L"表示するファイルがありません。
 constexpr wchar_t kVanished[] = L" が見つかりません。\r\n移動または削除された可能性があります。";
 
 const wchar_t* TagOf(const ShownFile& shown) {
+    if (shown.passedBy) return kTagNotFetched;
     return shown.stopped ? kTagStopped : KindTag(shown.kind);
 }
 
@@ -284,11 +285,13 @@ void frmControl::ShowListedFile(const std::wstring& path) {
     {
         const Busy busy(*this, kReading);
         loadingPath_ = path;
+        passedBy_ = false;
         TellLoading(kTagLoading + name);
         shown = Show(name, [&] { return ShowFile(path, window_, *this); });
         loadingPath_.clear();
         loadingText_.clear();
         failure_ = shown.failure;
+        passedBy_ = shown.passedBy;
         shownPath_ = path;
         if (IsPictureKind(shown.kind)) {
             const std::wstring tail = PictureInfoTail();

@@ -106,9 +106,15 @@ void frmControl::StopMotion() {
     EndMotion();
 }
 
+// Where a fast motion ends the user waits for what it only passed.
 void frmControl::EndMotion() {
+    const bool wasFast = player_.IsFast();
     player_.Stop();
     UpdateToolbar();
+    if (!wasFast || !passedBy_ || wishes_.Moves()) return;
+    if (listFileName_.Selected() < 0) listFileName_.MarkSelected(IndexOf(shownPath_));
+    wishes_.Click(true, true);
+    WishIsThere();
 }
 
 void frmControl::Step(BarButton button) {

@@ -112,6 +112,13 @@ bool frmControl::IsLoading() const {
     return window_.IsReading();
 }
 
+// A step beyond the last entry leads nowhere.
+bool frmControl::AwaitsFile() const {
+    const bool isAtEnd = listFileName_.Selected() == listFileName_.Count() - 1;
+    const bool stays = wishes_.steps == 0 || (wishes_.steps > 0 && isAtEnd);
+    return !player_.IsFast() && !wishes_.file && !wishes_.member && stays;
+}
+
 void frmControl::WishStep(int step) {
     player_.HaltTimer();
     wishes_.Step(step, keyRepeats_);

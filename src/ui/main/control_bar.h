@@ -66,6 +66,10 @@ class ControlBar : public FileListReceiver {
     // something else by then.
     virtual void WishCommand(int command) = 0;
 
+    // Whether the user waits for the file that is being shown: neither does a fast motion only pass
+    // it, nor has he asked for another one meanwhile.
+    virtual bool AwaitsFile() const { return true; }
+
     virtual bool IsVisible() const = 0;
     virtual void SetVisible(bool visible) = 0;
 

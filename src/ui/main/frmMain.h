@@ -156,6 +156,8 @@ class frmMain final : public Form, public PictureView {
     void SetPanelText(int panel, const std::wstring& text) override;
     bool Breathe() override;
     void TellProgress(int done, int total) override;  // of a Reading
+    void TellFetching(int done, int total) override;  // the same
+    bool AwaitsFile() const override;
 
   private:
     void Form_Load() override;
@@ -203,6 +205,7 @@ class frmMain final : public Form, public PictureView {
     void Step(BarButton button);
 
     // --- Long reads (frmMain_reading.cpp) ---
+    void TellReading(const wchar_t* what, int done, int total);
     // Whether there is a Reading that was not asked to stop long ago, without hearing of it.
     bool TakesStop() const;
     // The one read under way.

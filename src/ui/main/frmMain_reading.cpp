@@ -14,6 +14,7 @@ constexpr DWORD kBreathMilliseconds = 20;
 // How long a read goes on before the user is told about it.
 constexpr DWORD kLongMilliseconds = 300;
 
+constexpr wchar_t kFetching[] = L"クラウドから取得しています";
 constexpr wchar_t kHowToStop[] = L"（Esc で中止）";
 
 // As " 45%"; empty when nobody knows. Plug-ins count in units of their own, and not always as far
@@ -72,10 +73,21 @@ bool frmMain::IsReadingLong() const {
 }
 
 void frmMain::TellProgress(int done, int total) {
+    TellReading(reading_.what, done, total);
+}
+
+void frmMain::TellFetching(int done, int total) {
+    TellReading(kFetching, done, total);
+}
+
+void frmMain::TellReading(const wchar_t* what, int done, int total) {
     if (!IsReadingLong()) return;
     if (!reading_.covered) reading_.covered = statusInformation_.PanelText(kNoticePanel);
-    statusInformation_.SetPanelText(kNoticePanel,
-                                    reading_.what + PercentText(done, total) + kHowToStop);
+    statusInformation_.SetPanelText(kNoticePanel, what + PercentText(done, total) + kHowToStop);
+}
+
+bool frmMain::AwaitsFile() const {
+    return !filesToOpen_ && (controlBar_ == nullptr || controlBar_->AwaitsFile());
 }
 
 // A notice that comes while the panel has news of a read waits for its end.

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include "app/base/distant_file.h"
 #include "app/base/error.h"
 #include "app/base/extension_filter.h"
+#include "app/base/fetch_file.h"
 #include "app/base/load_refusal.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/modScreenCaps.h"
@@ -169,6 +171,25 @@ TEST(SystemLibraryTest, TakesNoLibraryFromTheProgramsFolder) {
     EXPECT_NE(SystemFunction<void*>(L"mpr.dll", "WNetGetConnectionW"), nullptr);
     FreeLibrary(byName);
     DeleteFileW(planted.c_str());
+}
+
+TEST(DistantFileTest, MarksAndErrorsAreToldFromOthers) {
+    // Offline; recalled when opened; when read. Kept here or not, compressed, sparse, a link: no.
+    for (const unsigned long mark : {0x1000ul, 0x40000ul, 0x400000ul})
+        EXPECT_TRUE(LiesElsewhere(mark | 0x20)) << mark;
+    for (const unsigned long other :
+         {0x20ul, 0x80000ul, 0x100000ul, 0x800ul, 0x200ul, 0x400ul, 0xFFFFFFFFul})
+        EXPECT_FALSE(LiesElsewhere(other)) << other;
+    const test::TemporaryFolder folder;
+    EXPECT_FALSE(IsNotOnThisDisk(folder.Write(L"a")));
+    EXPECT_FALSE(IsNotOnThisDisk(folder.Path() + L"gone"));
+    for (const unsigned long error : {358ul, 362ul, 404ul, 4350ul})
+        EXPECT_TRUE(IsFetchError(error)) << error;
+    for (const unsigned long error : {5ul, 32ul, 367ul, 384ul, 400ul, 403ul})
+        EXPECT_FALSE(IsFetchError(error)) << error;
+    const auto asked = [](int, int) { return true; };
+    EXPECT_EQ(FetchFile(folder.Path() + L"a", asked), 0ul);
+    EXPECT_EQ(FetchFile(folder.Path() + L"gone", asked), 2ul);
 }
 
 TEST(ScreenTest, KnowsTheMachine) {

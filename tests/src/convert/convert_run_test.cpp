@@ -3,7 +3,9 @@
 #include "app/base/modGetFolder.h"
 #include "app/base/stay_awake.h"
 #include "convert/convert_progress.h"
+#include "convert/same_content.h"
 #include "tests/src/convert/convert_test.h"
+#include "tests/support/distant_files.h"
 #include "tests/support/process_resources.h"
 #include "tests/support/recorded_messages.h"
 
@@ -216,6 +218,50 @@ TEST_F(ConvertRunTest, ReadingAheadChangesNothing) {
     EXPECT_TRUE(LogHolds(L"    エラーモジュールGetPicture"));
     EXPECT_EQ(SusieCollection().NewEnum()[0]->ErrorCount(L"GetPicture"), 1) << "not repeated";
     EXPECT_TRUE(std::ranges::equal(monitor_.counts, std::initializer_list<int>{3, 0, 2}));
+}
+
+TEST_F(ConvertRunTest, FilesInACloudAreFetchedInTheirTurn) {
+    Values().convert.saveType2 = 1;
+    Values().convert.unpackArchive = 0;
+    Add(L"a.bmp", BitmapFileOf(2, 2, 0));
+    Add(L"b.tst", "TST 6x6x24\n");
+    Add(L"c.txt", "text");
+    Add(L"d.tsa", ArchiveOf({{"m.tst", "TST 6x6x24\n"}}));
+    test::FakeDistantFiles cloud;
+    cloud.elsewhere = {monitor_.files.begin() + 1, monitor_.files.end()};
+    monitor_.onLine = [&](const std::wstring& line) {
+        const bool isTurn = line.starts_with(L"  ファイル名") && line.ends_with(L"b.tst");
+        EXPECT_TRUE(!isTurn || cloud.pieces == 0) << "read ahead";
+    };
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(Converted(), L"a.png b.png ");
+    EXPECT_EQ(cloud.pieces, 2);  // the other one is the end of the file
+    EXPECT_EQ(monitor_.reports[2].reason, FileReason::kNoPicture);
+    EXPECT_EQ(monitor_.reports[3].reason, FileReason::kArchiveNotExpanded);
+    // What is there already needs nothing.
+    Values().convert.onConflict = kConflictSkip;
+    Values().convert.saveType1 = 1;
+    monitor_.onLine = {};
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(cloud.pieces, 2);
+    EXPECT_FALSE(HaveSameContent(monitor_.files[1], monitor_.files[1]));
+
+    std::filesystem::remove_all(Target());
+    cloud.error = 388;
+    monitor_.reports.clear();
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(Converted(), L"a.png ");
+    EXPECT_EQ(monitor_.reports[1].reason, FileReason::kNotFetched);
+    EXPECT_TRUE(LogHolds(
+        L"  [エラー]          ネットワークに接続できないため、クラウドから取得できません（エラー "
+        L"388）。"));
+    cloud.isStuck = true;
+    monitor_.reports.clear();
+    monitor_.onLine = [&](const std::wstring& line) {
+        if (line == L"  クラウドから取得しています") monitor_.stepsLeft = 0;
+    };
+    EXPECT_FALSE(Run());
+    EXPECT_EQ(monitor_.reports.back().outcome, FileOutcome::kStopped);
 }
 
 TEST_F(ConvertRunTest, KeepsTheListShortAndTheRunLong) {

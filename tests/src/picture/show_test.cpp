@@ -15,6 +15,7 @@
 #include "plugin/modSusie.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
+#include "tests/support/distant_files.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
@@ -40,12 +41,16 @@ class FakeView : public PictureView {
         reason = why;
     }
     void SetPanelText(int, const std::wstring&) override {}
+    void TellFetching(int, int) override { ++fetchNews; }
+    bool AwaitsFile() const override { return awaits; }
     bool Breathe() override { return !stops && !Values().quitRequested; }
 
     SIZE shown{};
     std::wstring reason;
     int pictures = 0;
     bool stops = false;  // asks every read to stop
+    bool awaits = true;
+    int fetchNews = 0;
 };
 
 class FakeList : public MemberList {
@@ -135,6 +140,44 @@ TEST_F(ShowTest, BitmapNeedsNoPlugin) {
     // The current picture keeps its own size, whatever is shown.
     GetPictureHeader(CurrentPicture(), header);
     EXPECT_EQ(header.width, 20);
+}
+
+TEST_F(ShowTest, FilesInACloudAreJudgedByTheirNamesAndFetchedOnlyToBeShown) {
+    UsePlugins(
+        {{L"1.spi", "accept-all\ninfo:2:*.tst\n"}, {L"axtsa.spi", ""}, {L"2.spi", "info:2:*.*\n"}});
+    test::FakeDistantFiles cloud;
+    // The contents are other ones.
+    const std::wstring picture = files_.Write(L"a.tst", test::BitmapFileOf(20, 10, 0));
+    const std::wstring archive = files_.Write(L"b.tsa", "TST 30x20x24\n");
+    const std::wstring film = files_.Write(L"d.mp4", test::BitmapFileOf(20, 10, 0));
+    cloud.elsewhere = {picture, archive, files_.Path() + L"c.BMP", film};
+    const auto calls = [&] {
+        return Calls(L"1.spi", "IsSupported") + Calls(L"2.spi", "IsSupported");
+    };
+    EXPECT_EQ(QueryFileKind(picture), kFilePicture);
+    EXPECT_EQ(QueryFileKind(archive), kFileArchive);
+    EXPECT_EQ(QueryFileKind(files_.Path() + L"c.BMP"), kFileBitmap);
+    EXPECT_EQ(QueryFileKind(film), kFileUnknown);
+    EXPECT_EQ(calls(), 0);
+
+    view_.awaits = false;
+    EXPECT_TRUE(Show(picture).passedBy);
+    EXPECT_TRUE(view_.reason.ends_with(L"クラウドにあり、まだ取得していません。"));
+    view_.awaits = true;
+    view_.stops = true;
+    EXPECT_TRUE(Show(picture).stopped);
+    view_.stops = false;
+    EXPECT_TRUE(ReasonFor(film).ends_with(L"画像ではないため、取得していません。"));
+    EXPECT_EQ(cloud.pieces, 0);
+    view_.fetchNews = 0;
+    EXPECT_EQ(Show(picture).kind, kFileBitmap);
+    EXPECT_GE(cloud.pieces, 1);
+    EXPECT_GE(view_.fetchNews, 1);
+    EXPECT_EQ(Show(archive).kind, kFilePicture);
+    cloud.error = 362;
+    EXPECT_EQ(Show(picture).failure, L"ファイル " + picture +
+                                         L" を表示できません。\r\nクラウドのプログラム（OneDrive "
+                                         L"など）が動作していません（エラー 362）。");
 }
 
 TEST_F(ShowTest, EmptyFilesAreCalledEmptyUnlessAPluginKnowsThem) {

@@ -14,6 +14,7 @@
 #include "res/resource.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
+#include "tests/support/distant_files.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
@@ -21,6 +22,7 @@
 #include "ui/control/panel_place.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/screen.h"
+#include "ui/form/timer.h"
 
 namespace tessary {
 namespace {
@@ -144,6 +146,17 @@ class WishTest : public ControlBarTest {
     }
 
     List files_;
+};
+
+// The same with files that have to be fetched, but for the first; none of them ever comes.
+class CloudTest : public WishTest {
+  protected:
+    void SetUp() override {
+        WishTest::SetUp();
+        cloud_.elsewhere = {files_.begin() + 1, files_.end()};
+        cloud_.isStuck = true;
+    }
+    test::FakeDistantFiles cloud_;
 };
 class DeleteListTest : public ControlBarTest {};
 class FoldTest : public ControlBarTest {};
@@ -436,6 +449,48 @@ TEST_F(WishTest, EscapeDuringALoadMeansTheLoad) {
     PostKey(VK_ESCAPE);
     DoEvents();
     EXPECT_FALSE(isFull());
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(CloudTest, OnlyWhatTheUserStaysWithIsFetched) {
+    std::wstring told;
+    std::function<void()> doMeanwhile;
+    Timer user([&] {
+        if (cloud_.waiting == 0 || !Notice().starts_with(L"クラウドから取得しています")) return;
+        told = Notice();
+        doMeanwhile();
+    });
+    user.Start(10);
+    for (int i = 0; i < 4; ++i)
+        PostKey(VK_RETURN);
+    doMeanwhile = [&] { PostKey(VK_ESCAPE); };
+    LoadSlowly();
+    EXPECT_TRUE(RunUntil([&] { return Info() == L"[中止] 5.bmp"; })) << Info();
+    EXPECT_EQ(told, L"クラウドから取得しています（Esc で中止）");
+    EXPECT_EQ(cloud_.pieces, 1);
+    // What is left behind keeps nobody from the next.
+    doMeanwhile = [&] { PostClick(0); };
+    Click(bar_.listFileName(), 6);
+    EXPECT_TRUE(Shows(0));
+    EXPECT_EQ(cloud_.pieces, 2);
+    // A fast motion fetches nothing but what it ends with.
+    cloud_.isStuck = false;
+    bar_.Press(BarButton::kFastForward);
+    EXPECT_TRUE(Shows(7));
+    EXPECT_EQ(cloud_.pieces, 4);  // one more for the end of the file
+    cloud_.elsewhere.insert(files_[0]);
+    bar_.Press(BarButton::kRewind);
+    EXPECT_TRUE(Shows(0));
+    EXPECT_EQ(cloud_.pieces, 6);
+    // There is nothing to step to.
+    cloud_.isStuck = true;
+    doMeanwhile = [&] {
+        PostKey(VK_RETURN);
+        cloud_.isStuck = false;
+    };
+    Click(bar_.listFileName(), 7);
+    EXPECT_TRUE(Shows(7));
+    EXPECT_EQ(cloud_.pieces, 8);
     EXPECT_TRUE(messages_.All().empty());
 }
 

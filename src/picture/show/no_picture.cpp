@@ -1,15 +1,11 @@
-#include "convert/no_picture.h"
-
-#include <windows.h>
+#include "picture/show/no_picture.h"
 
 #include <algorithm>
 #include <iterator>
 #include <string_view>
 
-#include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
-#include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
@@ -62,26 +58,6 @@ bool IsNoPicture(const std::wstring& path) {
     // Other systems keep beside each file what this one has no place for.
     return std::ranges::find(kNames, name) != std::end(kNames) || name.starts_with(L"._") ||
            HasKnownExtension(name);
-}
-
-FileReason ReasonUnknown(const std::wstring& path) {
-    const UniqueFile file(CreateFileW(ExtendedPath(path).c_str(), GENERIC_READ,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                      nullptr, OPEN_EXISTING, 0, nullptr));
-    if (!file) {
-        switch (GetLastError()) {
-            case ERROR_FILE_NOT_FOUND:
-            case ERROR_PATH_NOT_FOUND:
-                return FileReason::kMissing;
-            case ERROR_ACCESS_DENIED:
-                return FileReason::kAccessDenied;
-            default:
-                return FileReason::kUnreadable;
-        }
-    }
-    LARGE_INTEGER size{};
-    if (GetFileSizeEx(file.Get(), &size) && size.QuadPart == 0) return FileReason::kEmptyFile;
-    return SusieCollection().Count() == 0 ? FileReason::kNoPlugin : FileReason::kUnknownFormat;
 }
 
 }  // namespace tessary
