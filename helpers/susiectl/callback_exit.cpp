@@ -6,6 +6,8 @@
 #include "helpers/susiectl/exception_chain.h"
 #include "helpers/susiectl/exception_codes.h"
 #include "helpers/susiectl/guard_machine.h"
+#include "helpers/susiectl/leftover_windows.h"
+#include "helpers/susiectl/module_at.h"
 #include "helpers/susiectl/process_end.h"
 #include "helpers/susiectl/return_address.h"
 
@@ -70,16 +72,27 @@ void LetStrayReturnsBe() {
     EndProcess();
 }
 
+// Whether the called code may be in a callback that has left no trace on the stack, for it was
+// overwritten there.
+bool MayBeInCallback(GuardContext& guard) {
+    guard.stage = GuardStage::kAfter;  // nobody is there to handle it should this crash
+    return HasWindows(ModuleAt(reinterpret_cast<const void*>(guard.function)));
+}
+
 // Leaves the innermost callback inside the call, if there is one. Where the host has none open
 // outside of it the system itself can be asked. Else what is found on the stack is believed, but
 // not trusted.
-[[noreturn]] void LeaveUnknownCallback(GuardContext& guard, ULONG_PTR stackPointer) {
+[[noreturn]] void LeaveUnknownCallback(GuardContext& guard, ULONG_PTR stackPointer,
+                                       StackState state) {
     asm volatile("movl %0, %%fs:0" : : "r"(guard.frame) : "memory");
     const ULONG_PTR top = TopOfCall(guard);
     const auto* const hosts =
         FirstCallbackFrame(static_cast<ExceptionRegistration*>(guard.outerFrame), nullptr);
     const auto* const found = SearchCallbackFrame(stackPointer, top, guard.frame);
-    if (hosts && !found) TessaryResume(&guard);
+    if (hosts && !found) {
+        if (state == StackState::kOverwritten && MayBeInCallback(guard)) EndProcess();
+        TessaryResume(&guard);
+    }
     if (hosts) CatchStrayReturns(hosts);
     CatchReturns(found ? Address(found + 1) : stackPointer, top);
     EndCallback();
@@ -101,25 +114,24 @@ void WatchInnermostCallback(const GuardContext& guard) {
     if (record) record->handler = reinterpret_cast<void*>(&TessaryCallbackHandler);
 }
 
-void AbandonCall(GuardContext& guard, ULONG_PTR stackPointer, bool isChainSound) {
+void AbandonCall(GuardContext& guard, ULONG_PTR stackPointer, StackState state) {
     guard.unwindingFrom = nullptr;
-    auto* const record =
-        isChainSound ? FirstCallbackFrame(InnermostRegistration(), guard.frame) : nullptr;
-    if (record) LeaveCallback(guard, record);
-    if (!isChainSound) {
-        const ULONG_PTR low = ThisThreadsStackLimits().low;
-        const bool isOnStack = stackPointer >= low && stackPointer <= TopOfCall(guard);
-        LeaveUnknownCallback(guard, isOnStack ? stackPointer : low);
+    if (state == StackState::kSound) {
+        auto* const record = FirstCallbackFrame(InnermostRegistration(), guard.frame);
+        if (record) LeaveCallback(guard, record);
+        TessaryResume(&guard);
     }
-    TessaryResume(&guard);
+    const ULONG_PTR low = ThisThreadsStackLimits().low;
+    const bool isOnStack = stackPointer >= low && stackPointer <= TopOfCall(guard);
+    LeaveUnknownCallback(guard, isOnStack ? stackPointer : low, state);
 }
 
 }  // namespace tessary::susiectl
 
 using namespace tessary::susiectl;
 
-void TessaryAbandon(GuardContext* guard, ULONG_PTR stackPointer, ULONG_PTR isChainSound) {
-    AbandonCall(*guard, stackPointer, isChainSound != 0);
+void TessaryAbandon(GuardContext* guard, ULONG_PTR stackPointer, ULONG_PTR state) {
+    AbandonCall(*guard, stackPointer, static_cast<StackState>(state));
 }
 
 const void* TessaryCallbackException(EXCEPTION_RECORD* exception, void* frame) {

@@ -24,9 +24,14 @@ void RunCleanUp(GuardContext& guard, void* frame, EXCEPTION_RECORD* exception);
 // must be sound as far as the guard's frame.
 void WatchInnermostCallback(const GuardContext& guard);
 
-// Ends the call, whose exception chain or stack is ruined and was last used down to `stackPointer`,
-// without any clean-up, level by level where callbacks are open inside. Ends the process where
-// nothing tells which they are.
-[[noreturn]] void AbandonCall(GuardContext& guard, ULONG_PTR stackPointer, bool isChainSound);
+// What is known of a thread's stack: kSound as far as its exception chain goes, which is sound;
+// kChainLost: nothing leads to the beginning of its chain; kOverwritten: the records on it may be
+// gone as well.
+enum class StackState : ULONG_PTR { kSound, kChainLost, kOverwritten };
+
+// Ends the call, whose stack is used up or no longer sound, and was last used down to
+// `stackPointer`, without any clean-up, level by level where callbacks are open inside. Ends the
+// process where nothing tells which they are.
+[[noreturn]] void AbandonCall(GuardContext& guard, ULONG_PTR stackPointer, StackState state);
 
 }  // namespace tessary::susiectl

@@ -24,7 +24,7 @@ void __cdecl TessaryUnwind(void* frame, EXCEPTION_RECORD* exception);
 
 // AbandonCall, to which a thread is made to go on.
 [[noreturn]] void __cdecl TessaryAbandon(tessary::susiectl::GuardContext* guard,
-                                         ULONG_PTR stackPointer, ULONG_PTR isChainSound);
+                                         ULONG_PTR stackPointer, ULONG_PTR state);
 
 // What is put in the place of the system's handler on a callback's record: see callback_exit.h.
 void TessaryCallbackHandler();

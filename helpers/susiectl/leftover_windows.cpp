@@ -95,6 +95,16 @@ bool ShowsWindows(HMODULE module) {
                                [&](HWND window) { return IsWindowOf(module, window); });
 }
 
+bool HasWindows(HMODULE module) {
+    const DWORD thread = GetCurrentThreadId();
+    for (HWND parent : {HWND_DESKTOP, HWND_MESSAGE})
+        for (HWND window = nullptr;
+             (window = FindWindowExW(parent, window, nullptr, nullptr)) != nullptr;)
+            if (GetWindowThreadProcessId(window, nullptr) == thread && IsWindowOf(module, window))
+                return true;
+    return false;
+}
+
 bool LetGoOfWindows(HMODULE module) {
     for (HWND window : WindowsOfThisThread(IsAny))
         if (IsWindowOf(module, window)) Destroy(window);

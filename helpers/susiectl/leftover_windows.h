@@ -29,6 +29,10 @@ class KnownWindows {
 // Whether a plug-in shows windows in this thread that it made: its user may still be at work there.
 bool ShowsWindows(HMODULE module);
 
+// Whether a plug-in has a window in this thread that messages may be on their way to: one that is
+// no other window's child. Allocates nothing.
+bool HasWindows(HMODULE module);
+
 // For a plug-in that is to be freed: destroys this thread's windows that belong to it, hidden ones
 // too. False when a window is left that would run into its code, as one of the program's that the
 // plug-in has subclassed.

@@ -2,7 +2,10 @@
 
 #include <windows.h>
 
+#ifndef _WIN64
 #include "helpers/susiectl/callback_exit.h"
+#include "helpers/susiectl/callback_frames.h"
+#endif
 #include "helpers/susiectl/exception_chain.h"
 #include "helpers/susiectl/exception_codes.h"
 #include "helpers/susiectl/guard_machine.h"
@@ -33,14 +36,29 @@ bool IsStackExhausted(ULONG_PTR stackPointer) {
     return stackPointer >= bottom && stackPointer - bottom < kRoomForHandlers;
 }
 
+bool IsInProgramFile(ULONG_PTR address) {
+    MEMORY_BASIC_INFORMATION pages{};
+    return VirtualQuery(reinterpret_cast<void*>(address), &pages, sizeof pages) &&
+           pages.State == MEM_COMMIT && pages.Type == MEM_IMAGE;
+}
+
+// Of a thread whose chain is not sound. An overrun destroys what lies further up the stack: the
+// records that the chain begins with, and the addresses at which code goes on.
+StackState StateOfStack(const GuardContext& guard, const CONTEXT& context) {
+    const void* const first = InnermostRegistration();
+    const bool isOnStack = first >= reinterpret_cast<void*>(context.Esp) && first < guard.frame;
+    return isOnStack || !IsInProgramFile(context.Eip) ? StackState::kOverwritten
+                                                      : StackState::kChainLost;
+}
+
 // Makes the thread go on as if it called TessaryAbandon from just inside our frame: there is room.
-void EndCall(GuardContext& guard, CONTEXT& context, bool isChainSound) {
+void EndCall(GuardContext& guard, CONTEXT& context, StackState state) {
     constexpr ULONG_PTR kArguments = 64;  // bytes, more than they take
     const auto stack = reinterpret_cast<ULONG_PTR*>(
         ((reinterpret_cast<ULONG_PTR>(guard.frame) - kArguments) & ~15UL) - sizeof(ULONG_PTR));
     stack[1] = reinterpret_cast<ULONG_PTR>(&guard);
     stack[2] = context.Esp;
-    stack[3] = isChainSound;
+    stack[3] = static_cast<ULONG_PTR>(state);
     context.Esp = reinterpret_cast<ULONG_PTR>(stack);
     context.Eip = reinterpret_cast<ULONG_PTR>(&TessaryAbandon);
     constexpr DWORD kTrapDirectionAndAlignment = 0x100 | 0x400 | 0x40000;
@@ -54,7 +72,7 @@ bool CatchFalling(GuardContext& guard, CONTEXT& context, bool isChainSound) {
     if (!exhausted && isChainSound) return false;
     guard.crashed = true;
     guard.stackExhausted |= exhausted;
-    EndCall(guard, context, isChainSound);
+    EndCall(guard, context, isChainSound ? StackState::kSound : StateOfStack(guard, context));
     return true;
 }
 

@@ -84,6 +84,17 @@ TEST_F(WindowCrashTest, IsContainedInsideAWindowOfTheHost) {
         }
 }
 
+// What was there of the system's callback is gone, and one of the host's is open: nothing tells
+// which of them would end.
+TEST_F(WindowCrashTest, ThatNothingLeadsOutOfEndsTheProcess) {
+    EXPECT_EXIT(RunInWindow([&] { plugin_.DecodeWith("crash:create/smash:GetPicture"); }),
+                testing::ExitedWithCode(static_cast<int>(0xC0000374)), "");
+    EXPECT_TRUE(RunInWindow([&] {
+        EXPECT_EQ(plugin_.DecodeWith("crash:smash:GetPicture"), kCrashed) << "there is no window";
+    }));
+    ExpectContained("create/smash");
+}
+
 TEST_F(WindowCrashTest, FiftyLeaveNothingBehind) {
     const auto crash = [&](size_t i) {
         const std::string place = kPlaces[i % std::size(kPlaces)];
