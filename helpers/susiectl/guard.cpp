@@ -7,6 +7,7 @@
 #include "helpers/susiectl/call_state.h"
 #ifndef _WIN64
 #include "helpers/susiectl/callback_frames.h"
+#include "helpers/susiectl/swallowed_exception.h"
 #endif
 #include "helpers/susiectl/guard_machine.h"
 #include "helpers/susiectl/heap_check.h"
@@ -58,6 +59,7 @@ std::optional<INT_PTR> GuardedCall(FARPROC function, std::initializer_list<ULONG
     PrepareHeapCheck();
 #ifndef _WIN64
     LearnCallbackFrames();
+    LearnSystemsModules();
 #endif
     Frame frame(function, arguments);
     const CallState state;

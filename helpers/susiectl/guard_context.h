@@ -25,6 +25,17 @@ struct HostProgress {
 // Where a guarded call is.
 enum class GuardStage { kBefore, kInside, kAfter };
 
+#ifndef _WIN64
+struct ExceptionRegistration;
+
+// A record of the system's on whose behaviour a call has an eye (swallowed_exception.h).
+struct WatchedRecord {
+    const ExceptionRegistration* record = nullptr;
+    const void* handler = nullptr;  // its own
+    bool wasCrashed = false;        // the call, before the handler was asked
+};
+#endif
+
 struct GuardContext {
     FARPROC function = nullptr;
     std::array<ULONG_PTR, kMaxArguments> arguments{};
@@ -39,6 +50,7 @@ struct GuardContext {
     size_t argumentCount = 0;  // stdcall: no more words than these may lie on the stack
     // How deep in the stack the called code's clean-up was begun; null when none is under way.
     const void* unwindingFrom = nullptr;
+    WatchedRecord watched;
 #endif
     bool netSpread = true;  // the safety net may end the call, see Net
     GuardStage stage = GuardStage::kBefore;

@@ -29,14 +29,20 @@ void __cdecl TessaryUnwind(void* frame, EXCEPTION_RECORD* exception);
 // What is put in the place of the system's handler on a callback's record: see callback_exit.h.
 void TessaryCallbackHandler();
 
+// What is put in the place of a handler of the system's: see swallowed_exception.h.
+void TessaryWatchHandler();
+
 // Where a system call returns whose callback has been left: to the level of the stack outside of
 // it, and, second, to one that it should not have come to.
 void TessaryCaughtReturn();
 void TessaryStrayReturn();
 
 // The same in C++, for the assembler. The first answers the handler to ask instead, or null for
-// "go on as if nothing had happened"; no answer where it leaves the callback.
+// "go on as if nothing had happened"; no answer where it leaves the callback. The second and third
+// are called before and after the system's own handler, which the second answers.
 const void* __cdecl TessaryCallbackException(EXCEPTION_RECORD* exception, void* frame);
+const void* __cdecl TessaryBeginWatched(const EXCEPTION_RECORD* exception, void* frame);
+void __cdecl TessaryEndWatched(const EXCEPTION_RECORD* exception, void* frame);
 [[noreturn]] void __cdecl TessaryPassOn();
 [[noreturn]] void __cdecl TessaryEndProcess();
 #endif

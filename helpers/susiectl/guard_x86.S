@@ -98,6 +98,29 @@ _TessaryCallbackHandler:
     jmp eax
 1:  ret
 
+    .globl _TessaryWatchHandler
+_TessaryWatchHandler:
+    push ebx
+    mov ebx, esp
+    push [ebx + 12]
+    push [ebx + 8]
+    call _TessaryBeginWatched
+    mov esp, ebx
+    push [ebx + 20]
+    push [ebx + 16]
+    push [ebx + 12]
+    push [ebx + 8]
+    call eax
+    mov esp, ebx
+    push eax
+    push [ebx + 12]
+    push [ebx + 8]
+    call _TessaryEndWatched
+    add esp, 8
+    pop eax
+    pop ebx
+    ret
+
     .globl _TessaryCaughtReturn
 _TessaryCaughtReturn:
     cld

@@ -5,6 +5,7 @@
 #ifndef _WIN64
 #include "helpers/susiectl/callback_exit.h"
 #include "helpers/susiectl/callback_frames.h"
+#include "helpers/susiectl/swallowed_exception.h"
 #endif
 #include "helpers/susiectl/exception_chain.h"
 #include "helpers/susiectl/exception_codes.h"
@@ -77,7 +78,8 @@ bool CatchFalling(GuardContext& guard, CONTEXT& context, bool isChainSound) {
 }
 
 // An exception in guarded code. True when it is not to be dispatched any more.
-bool HandleInside(GuardContext& guard, DWORD code, CONTEXT& context) {
+bool HandleInside(GuardContext& guard, const EXCEPTION_RECORD& exception, CONTEXT& context) {
+    const DWORD code = exception.ExceptionCode;
     // Whoever takes it, few put the stack in order again.
     if (code == EXCEPTION_STACK_OVERFLOW) guard.stackExhausted = true;
     if (IsMessageToDebugger(code)) return false;
@@ -87,7 +89,10 @@ bool HandleInside(GuardContext& guard, DWORD code, CONTEXT& context) {
         guard.unwindingFrom = nullptr;
     const bool isChainSound = ExceptionChainReaches(guard.frame);
     if (guard.netSpread && CatchFalling(guard, context, isChainSound)) return true;
-    if (isChainSound) WatchInnermostCallback(guard);
+    if (isChainSound) {
+        WatchInnermostCallback(guard);
+        WatchSystemsFrames(guard, exception);
+    }
     return false;
 }
 
@@ -106,7 +111,8 @@ LONG CALLBACK HandleFirst(EXCEPTION_POINTERS* pointers) {
     // plug-in has ruined what we depend on.
     if (IsSystemError(code) && IsBackFromCrash(guard)) EndProcess();
     if (guard && guard->stage != GuardStage::kInside) guard = nullptr;
-    const bool caught = guard && HandleInside(*guard, code, *pointers->ContextRecord);
+    const bool caught =
+        guard && HandleInside(*guard, *pointers->ExceptionRecord, *pointers->ContextRecord);
     SetLastError(lastError);
     return caught ? EXCEPTION_CONTINUE_EXECUTION : EXCEPTION_CONTINUE_SEARCH;
 }

@@ -95,6 +95,15 @@ TEST_F(WindowCrashTest, ThatNothingLeadsOutOfEndsTheProcess) {
     ExpectContained("create/smash");
 }
 
+// DispatchMessage keeps them to itself.
+TEST_F(WindowCrashTest, CountsAlsoWhereTheSystemSwallowsIt) {
+    for (const std::string kind : {"av", "wild-chain", "illegal"})
+        EXPECT_EQ(plugin_.DecodeWith("crash:timer-procedure/" + kind + ":GetPicture"), kCrashed);
+    EXPECT_EQ(plugin_.DecodeWith("handled:timer-procedure/none:GetPicture"), susie::kSuccess);
+    EXPECT_EQ(plugin_.DecodeWith("handled:timer-procedure/debug-print:GetPicture"),
+              susie::kSuccess);
+}
+
 TEST_F(WindowCrashTest, FiftyLeaveNothingBehind) {
     const auto crash = [&](size_t i) {
         const std::string place = kPlaces[i % std::size(kPlaces)];
