@@ -167,6 +167,17 @@ SUSIECTL_ENTRY int __stdcall GetLastCondition(FARPROC function, wchar_t* text, i
     });
 }
 
+SUSIECTL_ENTRY int __stdcall SPICallGuarded(FARPROC function, LONG_PTR argument) {
+    const WayBack wayBack;
+    return WithoutExceptions<int>(0, [&] {
+        const auto answer = BareCall(function, {Word(argument)});
+        if (answer) return static_cast<int>(*answer);
+        SetRecovering(true);
+        CheckHeaps();
+        return 0;
+    });
+}
+
 SUSIECTL_ENTRY int __stdcall SPIIsMemoryDamaged() {
     return AreHeapsDamaged();
 }

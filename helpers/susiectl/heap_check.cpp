@@ -142,7 +142,7 @@ void PrepareHeapCheck() {
 
 void CheckHeaps() {
     GiveBackLeftLocks();
-    if (check.isUnderWay.exchange(true)) return;
+    if (!check.wanted || check.isUnderWay.exchange(true)) return;
     ResetEvent(check.done);
     SetEvent(check.wanted);
     HANDLE heap = nullptr;

@@ -8,7 +8,7 @@
 namespace tessary::susiectl {
 
 // Makes ready what CheckHeaps needs, for then nothing can be allocated any more. Without it no heap
-// is checked.
+// is checked, nor given back.
 void PrepareHeapCheck();
 
 // To be called by the thread in which the function has crashed. Gives back the heaps' locks that

@@ -54,6 +54,11 @@ using SPIIsInUseFunction = int(__stdcall*)(HMODULE module);
 // functions: whoever allocates next may crash as well. It stays so.
 using SPIIsMemoryDamagedFunction = int(__stdcall*)();
 
+// Calls a function of the host's, `int __stdcall (LONG_PTR)`, that handles what a plug-in has
+// handed out, and contains its crash as a plug-in's. 0 for a crash or when there is no memory to
+// guard it; else what the function answers. Cheap. From any thread.
+using SPICallGuardedFunction = int(__stdcall*)(FARPROC function, LONG_PTR argument);
+
 // A plug-in that writes behind the buffer does not destroy what is there.
 using GetPluginInfoEntry = int(__stdcall*)(FARPROC function, int infoNumber, char* buffer,
                                            int bufferLength);
@@ -93,6 +98,7 @@ inline constexpr char kSPILoadLibraryW[] = "SPILoadLibraryW";
 inline constexpr char kSPIFreeLibrary[] = "SPIFreeLibrary";
 inline constexpr char kSPIIsInUse[] = "SPIIsInUse";
 inline constexpr char kSPIIsMemoryDamaged[] = "SPIIsMemoryDamaged";
+inline constexpr char kSPICallGuarded[] = "SPICallGuarded";
 inline constexpr char kGetPluginInfo[] = "GetPluginInfo";
 inline constexpr char kIsSupported[] = "IsSupported";
 inline constexpr char kGetPictureInfo[] = "GetPictureInfo";

@@ -20,7 +20,8 @@ struct PicturePair {
     HLOCAL bits = nullptr;
 };
 
-// Whether a handle names a block that exists and is not discarded.
+// Whether a handle names a block that exists and is not discarded. Blocks of other heaps than the
+// process's, as malloc gives them, are none.
 bool IsLocalHandleValid(HLOCAL handle);
 
 // The block's address after one more lock. For null and for an invalid handle all bits are set
@@ -34,16 +35,25 @@ inline void* const kInvalidLock = reinterpret_cast<void*>(static_cast<INT_PTR>(-
 INT_PTR UnlockLocalHandle(HLOCAL handle);
 
 // Unlocks a block as often as it is locked, frees it and sets the caller's handle to null. False
-// when there was no block to free, as for a handle without bytes (it then becomes null all the
-// same), or the block still exists (the handle stays).
+// when there was no block to free, as for a handle without bytes, or freeing it crashed (it then
+// becomes null all the same), or the block still exists (the handle stays).
 bool FreeLocalHandle(HLOCAL& handle);
+
+// Runs `work` with `argument` so that a crash in it is contained; answers 0 for a crash.
+using MemoryGuard = int(__stdcall*)(FARPROC work, LONG_PTR argument);
+
+// Who contains the crashes of what is done with blocks of plug-ins; null, as before the first call:
+// nobody does. Plug-ins write beyond their blocks, which the system may come upon when it frees
+// one. From any thread.
+void SetMemoryGuard(MemoryGuard guard);
+
+// Takes over what a plug-in has handed out. Afterwards it is a block all of which can be read, or
+// null, and what could be freed of it is. False when looking at it has crashed.
+bool TakeForeignHandle(HLOCAL& handle);
 
 // Frees what a failed call has left in a handle, where that can be done without harm: a movable
 // block. Of a fixed one nobody can tell whether the failed call has freed it already.
 void FreeLeftHandle(HLOCAL& handle);
-
-// Whether what a failed call has left in a handle is a block that can be read.
-bool IsLeftBlock(HLOCAL handle);
 
 // The block's size in bytes; -1 for an invalid handle.
 INT_PTR LocalHandleSize(HLOCAL handle);

@@ -36,7 +36,6 @@ const susie::PictureInfo& clsSusie::Info() {
         asked.flag |= kDescribeFlag;
         result = calls_.GetPictureInfo(asked, info);
     }
-    if (result == susie::kSuccess) FreeLocalHandle(info.hInfo);  // a text that nobody reads
     const bool known =
         result == susie::kSuccess && info.width > 0 && info.height > 0 && info.colorDepth > 0;
     return bound_.info.emplace(known ? info : kUnknownInfo);

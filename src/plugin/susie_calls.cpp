@@ -89,10 +89,17 @@ void FreeLeft(HLOCAL& handle) {
     handle = nullptr;
 }
 
-void FreeLeftPicture(PicturePair& picture) {
-    if (picture.bits == picture.info) picture.bits = nullptr;
-    FreeLeft(picture.info);
-    FreeLeft(picture.bits);
+// What a call has answered, with what it has handed out: after success blocks or null, else null.
+int32_t Received(int32_t answer, HLOCAL& handle) {
+    if (answer != susie::kSuccess) FreeLeft(handle);
+    return TakeForeignHandle(handle) ? answer : susiectl::kCrashed;
+}
+
+int32_t Received(int32_t answer, PicturePair& picture) {
+    if (answer != susie::kSuccess && picture.bits == picture.info) picture.bits = nullptr;
+    const int32_t result = Received(Received(answer, picture.info), picture.bits);
+    if (result != susie::kSuccess) FreeLeft(picture.info);
+    return result;
 }
 
 const SusieLibrary& Library() {
@@ -311,14 +318,17 @@ int32_t SusieCalls::IsSupported(const std::string& fileName, const void* header)
 
 int32_t SusieCalls::GetPictureInfo(const SusieSource& source, susie::PictureInfo& info) {
     info = {};
-    const int32_t result = UnlessCrashed(L"GetPictureInfo", source, [&] {
+    return UnlessCrashed(L"GetPictureInfo", source, [&] {
         return Guarded(kGetPictureInfo, [&](const SusieLibrary& library) {
-            return library.getPictureInfo(Address(SusieFunction::kGetPictureInfo), source.source,
-                                          source.length, source.flag, &info);
+            const int32_t answer =
+                library.getPictureInfo(Address(SusieFunction::kGetPictureInfo), source.source,
+                                       source.length, source.flag, &info);
+            HLOCAL text = std::exchange(info.hInfo, nullptr);  // which nobody reads
+            const int32_t received = Received(answer, text);
+            FreeLocalHandle(text);
+            return received;
         });
     });
-    if (result != susie::kSuccess) FreeLeft(info.hInfo);
-    return result;
 }
 
 int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
@@ -326,42 +336,40 @@ int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
     picture = {};
     const FARPROC withAlpha = Address(SusieFunction::kGetPictureWithAlpha);
     const FARPROC function = withAlpha ? withAlpha : Address(SusieFunction::kGetPicture);
-    const int32_t result = UnlessCrashed(kGetPictureName, source, [&] {
+    return UnlessCrashed(kGetPictureName, source, [&] {
         return GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
-            return library.getPicture(function, source.source, source.length, source.flag,
-                                      &picture.info, &picture.bits, progress, 0);
+            return Received(library.getPicture(function, source.source, source.length, source.flag,
+                                               &picture.info, &picture.bits, progress, 0),
+                            picture);
         });
     });
-    if (result != susie::kSuccess) FreeLeftPicture(picture);
-    return result;
 }
 
 int32_t SusieCalls::GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,
                                susie::ProgressCallback progress) {
     picture = {};
     const bool isPicture = function == Address(SusieFunction::kGetPicture);
-    const int32_t result = UnlessCrashed(isPicture ? kGetPictureName : L"GetPreview", source, [&] {
+    return UnlessCrashed(isPicture ? kGetPictureName : L"GetPreview", source, [&] {
         return GuardedAndTold(kGetPreview, [&](const SusieLibrary& library) {
-            return library.getPreview(function, source.source, source.length, source.flag,
-                                      &picture.info, &picture.bits, progress, 0);
+            return Received(library.getPreview(function, source.source, source.length, source.flag,
+                                               &picture.info, &picture.bits, progress, 0),
+                            picture);
         });
     });
-    if (result != susie::kSuccess) FreeLeftPicture(picture);
-    return result;
 }
 
 int32_t SusieCalls::GetArchiveInfo(const SusieSource& archive, HLOCAL& members) {
     members = nullptr;
-    const int32_t result = UnlessCrashed(L"GetArchiveInfo", archive, [&] {
+    return UnlessCrashed(L"GetArchiveInfo", archive, [&] {
         return GuardedAndTold(kGetArchiveInfo, [&](const SusieLibrary& library) {
-            return library.getArchiveInfo(Address(SusieFunction::kGetArchiveInfo), archive.source,
-                                          archive.length, archive.flag, &members);
+            const int32_t answer =
+                library.getArchiveInfo(Address(SusieFunction::kGetArchiveInfo), archive.source,
+                                       archive.length, archive.flag, &members);
+            // What a call has left that failed may be the list all the same.
+            if (answer == susiectl::kCrashed) return Received(answer, members);
+            return TakeForeignHandle(members) ? answer : susiectl::kCrashed;
         });
     });
-    const bool isAnswered =
-        result == susie::kSuccess || (result != kResultCrashed && IsLeftBlock(members));
-    if (!isAnswered) FreeLeft(members);
-    return result;
 }
 
 int32_t SusieCalls::GetFileInfo(const SusieSource& archive, const std::string& memberName,
@@ -402,15 +410,15 @@ int32_t SusieCalls::GetFileSS(const std::string& archive, LONG_PTR position,
 int32_t SusieCalls::GetFileToMemory(const SusieCallNames& names, const SusieSource& archive,
                                     HLOCAL& member, susie::ProgressCallback progress) {
     member = nullptr;
-    const int32_t result = UnlessCrashed(L"GetFile", MemberOf(archive), [&] {
+    return UnlessCrashed(L"GetFile", MemberOf(archive), [&] {
         return GuardedAndTold(names, [&](const SusieLibrary& library) {
-            return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
-                                   reinterpret_cast<char*>(&member),
-                                   archive.flag | susie::kDestinationMemory, progress, 0);
+            const int32_t answer =
+                library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
+                                reinterpret_cast<char*>(&member),
+                                archive.flag | susie::kDestinationMemory, progress, 0);
+            return Received(answer, member);
         });
     });
-    if (result != susie::kSuccess) FreeLeft(member);
-    return result;
 }
 
 int32_t SusieCalls::GetFileToFolder(const SusieCallNames& names, const SusieSource& archive,

@@ -109,6 +109,7 @@ class SusieCalls {
     // `header`: null for a file, else the address of at least susie::kHeaderBlockSize bytes.
     int32_t IsSupported(const std::string& fileName, const void* header);
 
+    // Without the text that a plug-in may hand out with it, and nobody reads.
     int32_t GetPictureInfo(const SusieSource& source, susie::PictureInfo& info);
 
     // After success the caller owns both blocks; after a failure `picture` is empty. `progress`

@@ -1,6 +1,7 @@
 #include "plugin/susie_library.h"
 
 #include "app/base/helper_function.h"
+#include "picture/modMemory.h"
 
 namespace tessary {
 namespace {
@@ -17,6 +18,7 @@ bool FindAll(SusieLibrary& library) {
            Find(susiectl::kSPIFreeLibrary, library.freeLibrary) &&
            Find(susiectl::kSPIIsInUse, library.isInUse) &&
            Find(susiectl::kSPIIsMemoryDamaged, library.isMemoryDamaged) &&
+           Find(susiectl::kSPICallGuarded, library.callGuarded) &&
            Find(susiectl::kGetPluginInfo, library.getPluginInfo) &&
            Find(susiectl::kIsSupported, library.isSupported) &&
            Find(susiectl::kGetPictureInfo, library.getPictureInfo) &&
@@ -34,7 +36,11 @@ bool FindAll(SusieLibrary& library) {
 
 const SusieLibrary* FindSusieLibrary() {
     static SusieLibrary library;
-    static const bool complete = FindAll(library);
+    static const bool complete = [] {
+        const bool isComplete = FindAll(library);
+        if (isComplete) SetMemoryGuard(library.callGuarded);
+        return isComplete;
+    }();
     return complete ? &library : nullptr;
 }
 

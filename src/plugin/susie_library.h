@@ -10,6 +10,7 @@ struct SusieLibrary {
     susiectl::SPIFreeLibraryFunction freeLibrary;
     susiectl::SPIIsInUseFunction isInUse;
     susiectl::SPIIsMemoryDamagedFunction isMemoryDamaged;
+    susiectl::SPICallGuardedFunction callGuarded;
     susiectl::GetPluginInfoEntry getPluginInfo;
     susiectl::IsSupportedEntry isSupported;
     susiectl::GetPictureInfoEntry getPictureInfo;
@@ -24,7 +25,7 @@ struct SusieLibrary {
 };
 
 // The copy in the application folder, which stays loaded; null when it or one of its entries is
-// missing.
+// missing. From then on it guards what is done with plug-ins' blocks (SetMemoryGuard).
 const SusieLibrary* FindSusieLibrary();
 
 }  // namespace tessary

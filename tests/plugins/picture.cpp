@@ -1,4 +1,6 @@
 // GetPictureInfo, GetPicture and GetPreview of the test plug-ins.
+#include <cstdlib>
+
 #include "helpers/susiectl/susie_interface.h"
 #include "tests/plugins/function.h"
 #include "tests/plugins/picture_blocks.h"
@@ -43,13 +45,29 @@ bool Report(const Script& script, int rows, susie::ProgressCallback progress, LO
     return true;
 }
 
+// What is no block of local memory, or one that cannot be read.
+HLOCAL MakeForeign(const std::string& kind, const std::string& bytes) {
+    if (kind == "malloc") return std::malloc(bytes.size());
+    if (kind == "heap") return HeapAlloc(HeapCreate(0, 0, 0), 0, bytes.size());
+    auto* const block = static_cast<char*>(MakeBlock(bytes, LMEM_FIXED));
+    if (kind == "odd") return block + 2;
+    if (kind == "inside") return block + 16;
+    DWORD before = 0;
+    constexpr size_t kPage = 4096;
+    VirtualProtect(block + kPage, 1, PAGE_NOACCESS, &before);
+    return block;
+}
+
 void HandOut(const Script& script, const PictureBlocks& blocks, HLOCAL* info, HLOCAL* bits) {
     if (script.Has("no-handles")) return;
     const UINT kind = script.Has("fixed") ? LMEM_FIXED : LMEM_MOVEABLE;
     const auto wild = reinterpret_cast<HLOCAL>(0x12345678);
     const bool isWild = script.Has("wild-handles");
     if (!script.Has("no-info")) *info = isWild ? wild : MakeBlock(blocks.info, kind);
-    if (script.Has("same-handle"))
+    const auto foreign = script.Text("foreign");
+    if (foreign)
+        *bits = MakeForeign(*foreign, blocks.bits);
+    else if (script.Has("same-handle"))
         *bits = *info;
     else if (!script.Has("no-bits"))
         *bits = isWild ? wild : MakeBlock(blocks.bits, kind);

@@ -15,6 +15,10 @@ HLOCAL Movable(size_t size) {
     return LocalAlloc(LMEM_MOVEABLE | LMEM_ZEROINIT, size);
 }
 
+int __stdcall CrashAlways(FARPROC, LONG_PTR) {
+    return 0;
+}
+
 TEST(PictureMemoryTest, NullAndFreedHandlesAreHarmless) {
     EXPECT_FALSE(IsLocalHandleValid(nullptr));
     EXPECT_EQ(LockLocalHandle(nullptr), kInvalidLock);
@@ -49,6 +53,24 @@ TEST(PictureMemoryTest, LocksUnlocksAndSizes) {
     HLOCAL fixed = LocalAlloc(LMEM_FIXED, 8);
     EXPECT_TRUE(IsLocalHandleValid(fixed));
     EXPECT_TRUE(FreeLocalHandle(fixed));
+}
+
+TEST(PictureMemoryTest, ACrashInForeignMemoryIsContained) {
+    SetMemoryGuard(&CrashAlways);
+    const HLOCAL block = Movable(64);
+    HLOCAL freed = block;
+    EXPECT_FALSE(FreeLocalHandle(freed));
+    EXPECT_EQ(freed, nullptr);
+    HLOCAL taken = block;
+    EXPECT_FALSE(TakeForeignHandle(taken));
+    EXPECT_EQ(taken, nullptr);
+    SetMemoryGuard(nullptr);
+    taken = block;
+    EXPECT_TRUE(TakeForeignHandle(taken));
+    EXPECT_TRUE(FreeLocalHandle(taken));
+    HLOCAL empty = Movable(0);
+    EXPECT_TRUE(TakeForeignHandle(empty));
+    EXPECT_EQ(empty, nullptr);
 }
 
 TEST(PictureMemoryTest, HeaderComesFromTheInfoBlockOnly) {

@@ -79,11 +79,19 @@ TEST_F(DecodingTest, BlocksThatLieAreFailures) {
     for (const char* lie :
          {"bits-size:10", "info-size:20", "no-handles", "no-bits", "no-info", "same-handle",
           "wild-handles", "biWidth:100000", "biWidth:0", "biHeight:0", "biHeight:-2147483648",
-          "biBitCount:7", "biSize:400", "biCompression:4", "biHeight:90000000"}) {
+          "biBitCount:7", "biSize:400", "biCompression:4", "biHeight:90000000", "foreign:malloc",
+          "foreign:heap", "foreign:odd", "foreign:inside"}) {
         Bind(lie);
         EXPECT_EQ(DecodeFailure(), static_cast<uint32_t>(susie::kBrokenData)) << lie;
         EXPECT_EQ(plugin_.ErrorString(), L"画像の展開に失敗しました");
     }
+}
+
+TEST_F(DecodingTest, ABlockThatCannotBeReadIsACrashOfThePlugins) {
+    Bind("foreign:closed\nbits-size:20000");
+    EXPECT_EQ(DecodeFailure(), static_cast<uint32_t>(kResultCrashed));
+    EXPECT_EQ(plugin_.ErrorCount(L"GetPicture"), 1);
+    EXPECT_FALSE(PluginsAreStopped());
 }
 
 TEST_F(DecodingTest, PreviewIsTheFullCallUnderAnotherName) {
