@@ -35,9 +35,28 @@ void ForReturnAddresses(ULONG_PTR from, ULONG_PTR to, const Change& change) {
         if (isReturnAddress(*word) && !change(word)) return;
 }
 
+using Trampoline = void();
+
+// Takes note of what was there; false when there is no room for more notes.
+bool Replace(ULONG_PTR* word, Trampoline* by) {
+    ChangedWords& changed = ThisThreadsChangedWords();
+    if (changed.count == changed.words.size()) return false;
+    changed.words[changed.count++] = {word, *word};
+    *word = Address(reinterpret_cast<void*>(by));
+    return true;
+}
+
+// Replaces the first return addresses: the next that is used is one of them. Callbacks further out
+// remain known by theirs.
 void CatchReturns(ULONG_PTR from, ULONG_PTR to) {
     ForReturnAddresses(from, to, [](ULONG_PTR* word) {
-        // Callbacks further out remain known by theirs.
+        return IsIntoDispatcher(*word) || Replace(word, TessaryCaughtReturn);
+    });
+}
+
+// Replaces all of them, for good: nobody knows where the next one is.
+void CatchAllReturns(ULONG_PTR from, ULONG_PTR to) {
+    ForReturnAddresses(from, to, [](ULONG_PTR* word) {
         if (!IsIntoDispatcher(*word))
             *word = Address(reinterpret_cast<void*>(&TessaryCaughtReturn));
         return true;
@@ -47,24 +66,24 @@ void CatchReturns(ULONG_PTR from, ULONG_PTR to) {
 // The same for the host's part of the stack outside its own callback's `record`: whoever comes back
 // there has ended the wrong one.
 void CatchStrayReturns(const ExceptionRegistration* record) {
-    ChangedWords& changed = ThisThreadsChangedWords();
-    changed.count = 0;
+    int left = 16;
     ForReturnAddresses(Address(record + 1), ThisThreadsStackLimits().high, [&](ULONG_PTR* word) {
-        changed.words[changed.count++] = {word, *word};
-        *word = Address(reinterpret_cast<void*>(&TessaryStrayReturn));
-        return changed.count < changed.words.size();
+        return Replace(word, TessaryStrayReturn) && --left > 0;
     });
 }
 
-void LetStrayReturnsBe() {
+// Whoever takes the exception returns as he would have. Only what is above `stackPointer` still is
+// somebody's.
+void PutReturnsBack(const void* stackPointer) {
     ChangedWords& changed = ThisThreadsChangedWords();
     for (const ChangedWord& each : std::span(changed.words).first(changed.count))
-        *each.place = each.before;
+        if (each.place > stackPointer) *each.place = each.before;
     changed.count = 0;
 }
 
 // Leaves the callback of `record`, which is known to be open and the innermost.
 [[noreturn]] void LeaveCallback(GuardContext& guard, ExceptionRegistration* record) {
+    ThisThreadsChangedWords().count = 0;
     const auto* const next = FirstCallbackFrame(record->outer, guard.frame);
     CatchReturns(Address(record + 1), next ? Address(next) : TopOfCall(guard));
     guard.unwindingFrom = nullptr;
@@ -93,8 +112,12 @@ bool MayBeInCallback(GuardContext& guard) {
         if (state == StackState::kOverwritten && MayBeInCallback(guard)) EndProcess();
         TessaryResume(&guard);
     }
+    ThisThreadsChangedWords().count = 0;
     if (hosts) CatchStrayReturns(hosts);
-    CatchReturns(found ? Address(found + 1) : stackPointer, top);
+    if (found)
+        CatchReturns(Address(found + 1), top);
+    else
+        CatchAllReturns(stackPointer, top);
     EndCallback();
     if (hosts) EndProcess();
     TessaryResume(&guard);
@@ -147,10 +170,10 @@ const void* TessaryCallbackException(EXCEPTION_RECORD* exception, void* frame) {
     LeaveCallback(*guard, static_cast<ExceptionRegistration*>(frame));
 }
 
-void TessaryPassOn() {
+void TessaryPassOn(const void* stackPointer) {
     const GuardContext* guard = InnermostGuard();
     if (!guard || guard->stage != GuardStage::kInside) EndProcess();
-    LetStrayReturnsBe();
+    PutReturnsBack(stackPointer);
     RaiseException(kCallbackException, EXCEPTION_NONCONTINUABLE, 0, nullptr);
     EndProcess();
 }

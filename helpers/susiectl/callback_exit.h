@@ -4,9 +4,9 @@
 // after the clean-up code of what is inside: with NtCallbackReturn, and a failure. The kernel then
 // finishes the call that it was part of and returns to its caller: code of the system's, and soon
 // the plug-in's. There the exception is raised anew, so that it makes its way out from level to
-// level. To come to know of the return, all return addresses on the level's part of the stack are
-// replaced by that of TessaryCaughtReturn before the callback ends: the first that is used gives us
-// control, with nothing of the system's open inside.
+// level. To come to know of the return, the first return addresses on the level's part of the stack
+// are replaced by that of TessaryCaughtReturn before the callback ends: the one that is used gives
+// us control, with nothing of the system's open inside. Then they are put back.
 #pragma once
 
 #include <windows.h>

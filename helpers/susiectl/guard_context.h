@@ -98,7 +98,7 @@ struct ChangedWord {
     ULONG_PTR* place;
     ULONG_PTR before;
 };
-constexpr size_t kMaxChangedWords = 16;
+constexpr size_t kMaxChangedWords = 64;
 
 // Those of this thread; only while a guarded call runs in it.
 struct ChangedWords {

@@ -43,7 +43,7 @@ void TessaryStrayReturn();
 const void* __cdecl TessaryCallbackException(EXCEPTION_RECORD* exception, void* frame);
 const void* __cdecl TessaryBeginWatched(const EXCEPTION_RECORD* exception, void* frame);
 void __cdecl TessaryEndWatched(const EXCEPTION_RECORD* exception, void* frame);
-[[noreturn]] void __cdecl TessaryPassOn();
+[[noreturn]] void __cdecl TessaryPassOn(const void* stackPointer);
 [[noreturn]] void __cdecl TessaryEndProcess();
 #endif
 

@@ -124,7 +124,10 @@ _TessaryWatchHandler:
     .globl _TessaryCaughtReturn
 _TessaryCaughtReturn:
     cld
+    mov eax, esp
     and esp, -16
+    sub esp, 12
+    push eax
     call _TessaryPassOn
 
     .globl _TessaryStrayReturn

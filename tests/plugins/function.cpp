@@ -29,6 +29,8 @@ void Misbehave(const Script& script, const std::string& name) {
         CrashAndHandleInData(kind);
     for (const auto& kind : script.Kinds("hungry", name))
         CrashInHungryFrame(kind);
+    for (const auto& kind : script.Kinds("jumping-finally", name))
+        CrashAndJumpOut(kind);
     for (const auto& kind : script.Kinds("finally", name))
         CrashWithCleanUp(kind, CountCleanUp, CountCleanUp);
     for (const auto& kind : script.Kinds("bad-finally", name))

@@ -33,6 +33,14 @@ EXCEPTION_DISPOSITION __cdecl Handle(EXCEPTION_RECORD* record, Frame* frame, CON
     std::longjmp(frame->resume, 1);
 }
 
+void* placeOutside[5];
+
+EXCEPTION_DISPOSITION __cdecl JumpOut(EXCEPTION_RECORD* record, Frame* frame, CONTEXT*, void*) {
+    if (!(record->ExceptionFlags & EXCEPTION_UNWINDING)) return ExceptionContinueSearch;
+    SetChain(frame->outer);
+    __builtin_longjmp(placeOutside, 1);  // the other one would unwind once more
+}
+
 EXCEPTION_DISPOSITION __cdecl UseMuchStack(EXCEPTION_RECORD*, Frame*, CONTEXT*, void*) {
     volatile char memory[16 * 1024];
     for (volatile char& each : memory)
@@ -232,6 +240,12 @@ void CrashAndHandleInData(const std::string& kind) {
         reinterpret_cast<uintptr_t>(&Handle) - reinterpret_cast<uintptr_t>(handler + kJumpSize);
     std::memcpy(handler + 1, &distance, sizeof distance);
     HandleWith(reinterpret_cast<decltype(&Handle)>(handler), kind);
+}
+
+void CrashAndJumpOut(const std::string& kind) {
+    Frame frame{Chain(), JumpOut, nullptr, {}};
+    SetChain(&frame);
+    if (__builtin_setjmp(placeOutside) == 0) Crash(kind);
 }
 
 void CrashInHungryFrame(const std::string& kind) {

@@ -25,6 +25,9 @@ void CrashInHungryFrame(const std::string& kind);
 // Crashes inside two frames whose clean-up code calls these.
 void CrashWithCleanUp(const std::string& kind, void (*inner)(), void (*outer)());
 
+// Crashes inside a frame whose clean-up code jumps out of it, and goes on.
+void CrashAndJumpOut(const std::string& kind);
+
 // Changes a state that the function's caller depends on.
 void MakeDirty(const std::string& state);
 

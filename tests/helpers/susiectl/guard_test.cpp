@@ -99,6 +99,9 @@ TEST_F(GuardTest, CleanUpCodeOfThePluginRuns) {
     EXPECT_EQ(TestCallCount(plugin_.Module(), "finally"), 2);
     EXPECT_EQ(plugin_.DecodeWith("bad-finally:av:GetPicture"), kCrashed);
     EXPECT_EQ(TestCallCount(plugin_.Module(), "finally"), 3) << "no more after it has crashed too";
+    EXPECT_EQ(plugin_.DecodeWith("jumping-finally:av:GetPicture"), kCrashed);
+    EXPECT_EQ(plugin_.DecodeWith("jumping-finally:av:GetPicture\nfinally:av:GetPicture"), kCrashed);
+    EXPECT_EQ(TestCallCount(plugin_.Module(), "finally"), 5) << "a new crash, a new clean-up";
 }
 
 // A thread's first overflow leaves the least room.
