@@ -4,7 +4,7 @@
 //   pic_kernel.dll    owns the images
 //   bmp_import.iplg   makes an image of a picture pair, without copying its pixels
 //   plg_resize.fplg   makes a resized image of an image
-//   bmp_export.eplg   writes an image to a bitmap file
+//   bmp_export.eplg   writes an image to a bitmap file, or hands it over in memory
 //
 // Every entry is __stdcall under its plain name, answers a KernelResult and lets no exception out.
 // An `out` handle is null after a failure. Entries may be called from any thread; an image must not
@@ -64,5 +64,11 @@ constexpr char kDoFilterName[] = "do_filter";
 // Names may be longer than MAX_PATH.
 using WriteImageFunction = KernelResult(__stdcall*)(HIMAGE image, const wchar_t* fileName);
 constexpr char kWriteImageName[] = "write_image";
+
+// Hands over a copy of the image as a plain picture pair of two movable blocks of local memory,
+// which are the caller's. Both are null after a failure. Exporters may lack this entry: then images
+// go by files.
+using WriteMemoryImageFunction = KernelResult(__stdcall*)(HIMAGE image, void** info, void** bits);
+constexpr char kWriteMemoryImageName[] = "write_memory_image";
 
 }  // namespace tessary::kernel

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "helpers/saving/save_options.h"
@@ -95,6 +96,9 @@ struct ProcessValues {
     bool pictureLoading = false;
     int readsUnderWay = 0;       // how many ReadUnderWay there are
     bool quitRequested = false;  // the main window was closed during a read
+    // Files for a moment go to the user's temporary folder: beside the program they would be sent
+    // to a cloud, or one was refused. Nothing: that was not asked yet.
+    std::optional<bool> avoidsProgramFolder;
     // The conversion log's file could not be opened: convert.outputErrorLog is 0 until the program
     // ends or the user chooses anew, and the store keeps the user's 1.
     bool logFileGivenUp = false;

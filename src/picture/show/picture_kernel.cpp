@@ -1,13 +1,17 @@
 #include "picture/show/picture_kernel.h"
 
+#include <optional>
 #include <string>
 
+#include "app/base/cloud_folder.h"
 #include "app/base/handles.h"
 #include "app/base/helper_function.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
+#include "app/settings/modValue.h"
 #include "helpers/kernel/pic_kernel.h"
 #include "picture/bitmap_file.h"
+#include "plugin/decoded_picture.h"
 
 namespace tessary {
 namespace {
@@ -23,6 +27,9 @@ struct Kernel {
         HelperFunction<kernel::DoFilterFunction>(L"plg_resize.fplg", kernel::kDoFilterName);
     kernel::WriteImageFunction writeImage =
         HelperFunction<kernel::WriteImageFunction>(L"bmp_export.eplg", kernel::kWriteImageName);
+    kernel::WriteMemoryImageFunction writeMemoryImage =  // may be missing
+        HelperFunction<kernel::WriteMemoryImageFunction>(L"bmp_export.eplg",
+                                                         kernel::kWriteMemoryImageName);
     kernel::DestroyImageHandleFunction destroyImage =
         HelperFunction<kernel::DestroyImageHandleFunction>(L"pic_kernel.dll",
                                                            kernel::kDestroyImageHandleName);
@@ -72,15 +79,36 @@ class TemporaryFileTurn {
 OwnedPicture ThroughFile(const Kernel& kernel, kernel::HIMAGE image, const std::wstring& folder) {
     const std::wstring path = folder + kTemporaryName;
     if (kernel.writeImage(image, path.c_str()) != kernel::kKernelOk) return {};
+    // Nobody is to save it on a disk or send it anywhere.
+    SetFileAttributesW(ExtendedPath(path).c_str(), FILE_ATTRIBUTE_TEMPORARY);
     PicturePair pair;
     const bool read = ReadBitmapFile(path, pair);
     DeleteFileW(ExtendedPath(path).c_str());
     return read ? OwnedPicture(pair) : OwnedPicture();
 }
 
+// A program folder that cannot be written is no reason to show the picture in the wrong size.
+OwnedPicture ThroughFile(const Kernel& kernel, kernel::HIMAGE image) {
+    const TemporaryFileTurn turn;
+    std::optional<bool>& avoidsProgramFolder = Values().avoidsProgramFolder;
+    if (!avoidsProgramFolder) avoidsProgramFolder = IsInCloud(AppFolder());
+    if (!*avoidsProgramFolder) {
+        OwnedPicture result = ThroughFile(kernel, image, AppFolder());
+        if (result) return result;
+        avoidsProgramFolder = true;
+    }
+    return ThroughFile(kernel, image, TemporaryFolder());
+}
+
+OwnedPicture ThroughMemory(const Kernel& kernel, kernel::HIMAGE image) {
+    PicturePair pair;
+    if (kernel.writeMemoryImage(image, &pair.info, &pair.bits) != kernel::kKernelOk) return {};
+    return PlainPicture(pair);
+}
+
 }  // namespace
 
-OwnedPicture ResizePicture(const PicturePair& picture, int width, int height) {
+OwnedPicture ResizePicture(const PicturePair& picture, int width, int height, Handover handover) {
     const Kernel kernel;
     if (!kernel.IsComplete()) return {};
     const BlockLock info(picture.info);
@@ -98,11 +126,9 @@ OwnedPicture ResizePicture(const PicturePair& picture, int width, int height) {
     if (kernel.doFilter(source.Get(), &parameters, resized.Receive()) != kernel::kKernelOk) {
         return {};
     }
-    const TemporaryFileTurn turn;
-    OwnedPicture result = ThroughFile(kernel, resized.Get(), AppFolder());
-    // A program folder that cannot be written is no reason to show the picture in the wrong size.
-    if (!result) result = ThroughFile(kernel, resized.Get(), TemporaryFolder());
-    return result;
+    return handover == Handover::kMemory && kernel.writeMemoryImage != nullptr
+               ? ThroughMemory(kernel, resized.Get())
+               : ThroughFile(kernel, resized.Get());
 }
 
 }  // namespace tessary

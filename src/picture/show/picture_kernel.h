@@ -6,9 +6,17 @@
 
 namespace tessary {
 
-// A new picture of the given size in pixels, made from `picture`, which must be a plain and checked
-// pair. Goes through the file ~temp.bmp in the application folder, or in the user's temporary
-// folder when the former cannot be written. Empty when a library is missing or a step fails.
-OwnedPicture ResizePicture(const PicturePair& picture, int width, int height);
+// How the resized picture leaves the kernel.
+enum class Handover {
+    kMemory,  // with an exporter that lacks the entry for it, as with kFile
+    kFile,    // through ~temp.bmp in the application folder
+};
+
+// A new plain picture of the given size in pixels, made from `picture`, which must be a plain and
+// checked pair. The file lies in the user's temporary folder instead when the application folder
+// belongs to a cloud, and, until the program ends, once it was refused there. Empty when a library
+// is missing or a step fails.
+OwnedPicture ResizePicture(const PicturePair& picture, int width, int height,
+                           Handover handover = Handover::kMemory);
 
 }  // namespace tessary

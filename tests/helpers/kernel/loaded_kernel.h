@@ -51,6 +51,8 @@ struct LoadedKernel {
         import.Entry<AttachMemoryImageFunction>(kAttachMemoryImageName);
     DoFilterFunction resize = filter.Entry<DoFilterFunction>(kDoFilterName);
     WriteImageFunction write = output.Entry<WriteImageFunction>(kWriteImageName);
+    WriteMemoryImageFunction writeMemory =
+        output.Entry<WriteMemoryImageFunction>(kWriteMemoryImageName);
 };
 
 }  // namespace tessary::kernel

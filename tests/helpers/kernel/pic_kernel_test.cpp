@@ -104,6 +104,10 @@ TEST_F(PicKernel, AttachesPixelsInPlaceAndOwnsCreatedOnes) {
         EXPECT_EQ(kernel_.destroy(gone), kKernelBadHandle);
         EXPECT_EQ(kernel_.blocks(gone, &blocks), kKernelBadHandle);
         EXPECT_EQ(kernel_.write(gone, (folder_.Path() + L"x.bmp").c_str()), kKernelBadHandle);
+        void* left[] = {&blocks, &blocks};
+        EXPECT_EQ(kernel_.writeMemory(gone, &left[0], &left[1]), kKernelBadHandle);
+        EXPECT_EQ(left[0], nullptr);
+        EXPECT_EQ(left[1], nullptr);
         EXPECT_EQ(Resize(gone, {sizeof(ResizeParameters), 1, 1, kAutomatic}), kKernelBadHandle);
     }
 }
@@ -130,6 +134,9 @@ TEST_F(PicKernel, RefusesBadParameters) {
     EXPECT_EQ(kernel_.resize(image, nullptr, &resized_), kKernelBadParameter);
     EXPECT_EQ(kernel_.resize(image, &cases[0].first, nullptr), kKernelBadParameter);
     EXPECT_EQ(kernel_.write(image, nullptr), kKernelBadParameter);
+    void* block = nullptr;
+    EXPECT_EQ(kernel_.writeMemory(image, &block, nullptr), kKernelBadParameter);
+    EXPECT_EQ(kernel_.writeMemory(image, nullptr, &block), kKernelBadParameter);
 
     const uint8_t* info = picture.info.data();
     const uint8_t* bits = picture.bits.data();

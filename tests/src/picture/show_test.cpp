@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "app/base/cloud_folder.h"
 #include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "picture/bitmap_file.h"
@@ -212,7 +213,41 @@ TEST_F(ShowTest, ResizedPictureHasThePixelsOfItsSource) {
     ASSERT_GE(bits.Size(), 24u * 90);
     const auto* pixel = static_cast<const uint8_t*>(bits.Address()) + 24 * 45 + 3 * 3;
     EXPECT_EQ(RGB(pixel[2], pixel[1], pixel[0]), RGB(10, 120, 250));
-    EXPECT_FALSE(PathExists(AppFolder() + L"~temp.bmp"));
+}
+
+TEST_F(ShowTest, ResizedPictureIsTheSameInMemoryAndThroughAFile) {
+    const std::wstring file = files_.Write(L"a.bmp", test::BitmapFileOf(51, 30, RGB(10, 120, 250)));
+    PicturePair pair;
+    ASSERT_TRUE(ReadBitmapFile(file, pair));
+    const OwnedPicture source(pair);
+    const std::wstring temporary = AppFolder() + L"~temp.bmp";
+    const auto bytes = [](HLOCAL block, size_t most) {
+        const BlockLock lock(block);
+        return std::string(static_cast<const char*>(lock.Address()), std::min(lock.Size(), most));
+    };
+    // A folder of that name is what no file can be written over.
+    const auto resized = [&](Handover handover, bool isRefused) {
+        if (isRefused) CreateDirectoryW(temporary.c_str(), nullptr);
+        const OwnedPicture picture = ResizePicture(source.Get(), 7, 90, handover);
+        if (isRefused) RemoveDirectoryW(temporary.c_str());
+        EXPECT_FALSE(PathExists(temporary));
+        // Without the size of the bits, which may be left out.
+        return bytes(picture.Get().info, 40).erase(20, 4) + bytes(picture.Get().bits, SIZE_MAX);
+    };
+    const std::string inMemory = resized(Handover::kMemory, true);
+    EXPECT_EQ(inMemory.size(), 36u + 24 * 90);
+    EXPECT_FALSE(Values().avoidsProgramFolder.has_value());
+    EXPECT_TRUE(resized(Handover::kFile, false) == inMemory);
+    EXPECT_EQ(Values().avoidsProgramFolder, false);
+    EXPECT_TRUE(resized(Handover::kFile, true) == inMemory);
+    EXPECT_EQ(Values().avoidsProgramFolder, true);  // until the program ends
+    Values().avoidsProgramFolder.reset();
+    SetEnvironmentVariableW(L"OneDrive", AppFolder().c_str());
+    EXPECT_TRUE(resized(Handover::kFile, false) == inMemory);
+    EXPECT_EQ(Values().avoidsProgramFolder, true);
+    EXPECT_FALSE(IsInCloud(AppFolder().substr(0, AppFolder().size() - 1) + L"x"));
+    SetEnvironmentVariableW(L"OneDrive", nullptr);
+    EXPECT_FALSE(IsInCloud(AppFolder()));
 }
 
 TEST_F(ShowTest, PluginThatFailsMakesRoomForAllOthers) {
