@@ -126,7 +126,8 @@ bool MayBeInCallback(GuardContext& guard) {
 }  // namespace
 
 void RunCleanUp(GuardContext& guard, void* frame, EXCEPTION_RECORD* exception) {
-    const bool isRoom = exception->ExceptionCode != EXCEPTION_STACK_OVERFLOW;
+    // The loader's is tried all the same: else it stays held, and the process must end.
+    const bool isRoom = exception->ExceptionCode != EXCEPTION_STACK_OVERFLOW || !guard.netSpread;
     if (guard.unwindingFrom || !isRoom) return;
     guard.unwindingFrom = __builtin_frame_address(0);
     TessaryUnwind(frame, exception);

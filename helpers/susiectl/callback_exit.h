@@ -16,7 +16,7 @@
 namespace tessary::susiectl {
 
 // Lets the frames inside `frame` run their clean-up code. None runs after one that crashed itself,
-// nor where there is no room for it.
+// nor, but for the loader's, where there is no room for it.
 void RunCleanUp(GuardContext& guard, void* frame, EXCEPTION_RECORD* exception);
 
 // Sees to it that an exception that is about to be dispatched does not leave the innermost callback

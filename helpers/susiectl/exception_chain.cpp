@@ -1,5 +1,7 @@
 #include "helpers/susiectl/exception_chain.h"
 
+#include "helpers/susiectl/exception_handlers.h"
+
 namespace tessary::susiectl {
 namespace {
 
@@ -15,28 +17,44 @@ const NT_TIB& ThisThreadsBlock() {
     return *block;
 }
 
-// True where the system runs code from any page that can be read: whether it does is the program
-// file's and the user's choice. Packed plug-ins need it.
-bool RunsData() {
-    DWORD policy = PROCESS_DEP_ENABLE;
-    BOOL isPermanent = FALSE;
-    return GetProcessDEPPolicy(GetCurrentProcess(), &policy, &isPermanent) &&
-           !(policy & PROCESS_DEP_ENABLE);
+const Record* Innermost() {
+    return reinterpret_cast<const Record*>(ThisThreadsBlock().ExceptionList);
 }
 
-bool IsExecutable(const void* address) {
-    MEMORY_BASIC_INFORMATION page{};
-    constexpr DWORD kExecutable =
-        PAGE_EXECUTE | PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
-    if (!VirtualQuery(address, &page, sizeof page) || page.State != MEM_COMMIT) return false;
-    return (page.Protect & kExecutable) ||
-           (!(page.Protect & (PAGE_NOACCESS | PAGE_GUARD)) && RunsData());
+// What stands behind the outermost record.
+const Record* End() {
+    return reinterpret_cast<const Record*>(~ULONG_PTR{0});
 }
 
-// As the system wants handlers: executable, and never on the stack, where overruns write.
-bool IsHandler(const void* address, const StackLimits& stack) {
-    const auto word = reinterpret_cast<ULONG_PTR>(address);
-    return (word < stack.low || word >= stack.high) && IsExecutable(address);
+// Where the stack is good for a record from `low` on.
+bool IsRecord(const Record* record, ULONG_PTR low, const StackLimits& stack) {
+    const auto address = reinterpret_cast<ULONG_PTR>(record);
+    return address % alignof(Record) == 0 && address >= low &&
+           address <= stack.high - sizeof(Record);
+}
+
+// Calls `accept` with each record from `record` to before `end`. False when the chain does not lead
+// there, or one was not accepted.
+template <typename Accept>
+bool Walk(const Record* record, const void* end, const Accept& accept) {
+    const StackLimits stack = ThisThreadsStackLimits();
+    ULONG_PTR low = stack.low;
+    for (; record != end; record = record->outer) {
+        if (!IsRecord(record, low, stack) || !accept(*record)) return false;
+        low = reinterpret_cast<ULONG_PTR>(record + 1);
+    }
+    return true;
+}
+
+// Overruns write there.
+bool IsOnStack(const void* handler) {
+    const StackLimits stack = ThisThreadsStackLimits();
+    const auto address = reinterpret_cast<ULONG_PTR>(handler);
+    return address >= stack.low && address < stack.high;
+}
+
+bool IsAsked(const Record& record, const HandlerRules& rules) {
+    return !IsOnStack(record.handler) && IsCalled(record.handler, rules);
 }
 
 }  // namespace
@@ -48,18 +66,36 @@ StackLimits ThisThreadsStackLimits() {
 }
 
 bool ExceptionChainReaches(const void* target) {
+    return Walk(Innermost(), target, [](const Record&) { return true; });
+}
+
+bool ExceptionChainIsAsked(const void* target, const void* lastHandler) {
+    const HandlerRules rules = CurrentHandlerRules();
+    if (!Walk(Innermost(), target, [&](const Record& each) { return IsAsked(each, rules); }))
+        return false;
+    if (!rules.checksWholeChain || !lastHandler) return true;
+    const void* last = nullptr;
+    return Walk(Innermost(), End(),
+                [&](const Record& each) {
+                    last = each.handler;
+                    return !IsOnStack(each.handler);
+                }) &&
+           last == lastHandler;
+}
+
+bool ExceptionChainBegins() {
+    const Record* const first = Innermost();
     const StackLimits stack = ThisThreadsStackLimits();
-    ULONG_PTR low = stack.low;
-    const auto* record = reinterpret_cast<const Record*>(ThisThreadsBlock().ExceptionList);
-    while (record != target) {
-        const auto address = reinterpret_cast<ULONG_PTR>(record);
-        if (address % alignof(Record) != 0 || address < low ||
-            address > stack.high - sizeof(Record) || !IsHandler(record->handler, stack))
-            return false;
-        low = address + sizeof(Record);
-        record = record->outer;
-    }
-    return true;
+    return IsRecord(first, stack.low, stack) && IsAsked(*first, CurrentHandlerRules());
+}
+
+const void* LastExceptionHandler() {
+    const void* last = nullptr;
+    const bool isSound = Walk(Innermost(), End(), [&](const Record& each) {
+        last = each.handler;
+        return !IsOnStack(each.handler);
+    });
+    return isSound ? last : nullptr;
 }
 
 }  // namespace tessary::susiectl

@@ -2,6 +2,10 @@
 
 #include <new>
 
+#ifndef _WIN64
+#include "helpers/susiectl/exception_chain.h"
+#endif
+
 namespace tessary::susiectl {
 namespace {
 
@@ -12,6 +16,7 @@ struct GuardStack {
     std::array<GuardContext, 20> guards;  // calls nest when the host is told of progress
 #ifndef _WIN64
     ChangedWords changedWords;
+    const void* lastHandler = nullptr;
 #endif
 };
 constexpr size_t kPageSize = 4096;
@@ -41,7 +46,11 @@ GuardStack& MakeThisThreadsStack() {
     // Room for the called code's own handlers, and ours, to run in after a stack overflow.
     ULONG room = 64 * 1024;
     SetThreadStackGuarantee(&room);
-    return *::new (page) GuardStack;
+    auto* const stack = ::new (page) GuardStack;
+#ifndef _WIN64
+    stack->lastHandler = LastExceptionHandler();
+#endif
+    return *stack;
 }
 
 }  // namespace
@@ -83,6 +92,10 @@ GuardContext* GuardOfFrame(const void* frame) {
 #ifndef _WIN64
 ChangedWords& ThisThreadsChangedWords() {
     return ThisThreadsStack()->changedWords;
+}
+
+const void* ThisThreadsLastHandler() {
+    return ThisThreadsStack()->lastHandler;
 }
 #endif
 

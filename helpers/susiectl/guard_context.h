@@ -106,6 +106,9 @@ struct ChangedWords {
     size_t count = 0;
 };
 ChangedWords& ThisThreadsChangedWords();
+
+// LastExceptionHandler as it was before the thread's first guarded call.
+const void* ThisThreadsLastHandler();
 #endif
 
 // Whether this thread is on its way back to the host from a call that has crashed, as it was told

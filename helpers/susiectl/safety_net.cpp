@@ -70,7 +70,9 @@ void EndCall(GuardContext& guard, CONTEXT& context, StackState state) {
 // handle its exception itself.
 bool CatchFalling(GuardContext& guard, CONTEXT& context, bool isChainSound) {
     const bool exhausted = IsStackExhausted(context.Esp);
-    if (!exhausted && isChainSound) return false;
+    const bool isAsked =
+        isChainSound && ExceptionChainIsAsked(guard.frame, ThisThreadsLastHandler());
+    if (!exhausted && isAsked) return false;
     guard.crashed = true;
     guard.stackExhausted |= exhausted;
     EndCall(guard, context, isChainSound ? StackState::kSound : StateOfStack(guard, context));
@@ -84,6 +86,8 @@ bool HandleInside(GuardContext& guard, const EXCEPTION_RECORD& exception, CONTEX
     if (code == EXCEPTION_STACK_OVERFLOW) guard.stackExhausted = true;
     if (IsMessageToDebugger(code)) return false;
     guard.lastException = code;
+    // Nobody could tell the loader, and the system would end the process itself, with a message.
+    if (!guard.netSpread && !ExceptionChainBegins()) EndProcess();
     // Clean-up code that was under way further down is so no more: it has ended in a jump.
     if (context.Esp > reinterpret_cast<ULONG_PTR>(guard.unwindingFrom))
         guard.unwindingFrom = nullptr;

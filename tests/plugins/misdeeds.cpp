@@ -28,6 +28,21 @@ void SetChain(const void* first) {
     asm volatile("movl %0, %%fs:0" : : "r"(first) : "memory");
 }
 
+EXCEPTION_DISPOSITION __cdecl Handle(EXCEPTION_RECORD* record, Frame* frame, CONTEXT*,
+                                     void*) asm("TestHandle");
+
+// A load configuration with a list of the handlers, in which there is but one. A test finds it by
+// the mark, and puts it into the file's header.
+asm(R"(
+    .section .rdata, "dr"
+    .balign 4
+    .long 72, 0x5AFE5E48
+    .space 56
+    .long 1f, 1
+1:  .rva TestHandle
+    .text
+)");
+
 EXCEPTION_DISPOSITION __cdecl Handle(EXCEPTION_RECORD* record, Frame* frame, CONTEXT*, void*) {
     if (record->ExceptionFlags & EXCEPTION_UNWINDING) return ExceptionContinueSearch;
     std::longjmp(frame->resume, 1);
@@ -152,8 +167,8 @@ void LockHeaps() {
         HeapLock(heaps[i]);
 }
 
-// As if none of the system's frames took the exception: only that of the host's guard is left.
-void SkipSystemsFrames() {
+// That of the host's guard.
+Frame* HostsFrame() {
     const HMODULE host = GetModuleHandleW(L"susiectl.dll");
     const auto isHosts = [host](const Frame* frame) {
         HMODULE module = nullptr;
@@ -162,10 +177,10 @@ void SkipSystemsFrames() {
             reinterpret_cast<const wchar_t*>(frame->handler), &module);
         return module == host;
     };
-    const Frame* frame = Chain();
+    Frame* frame = Chain();
     while (!isHosts(frame))
         frame = frame->outer;
-    SetChain(frame);
+    return frame;
 }
 
 constexpr size_t kJumpSize = 5;
@@ -209,8 +224,9 @@ void Crash(const std::string& kind) {
         SetChain(reinterpret_cast<void*>(kind == "lost-chain" ? ~0U : 0x41414140U));
         Crash("av");
     }
-    if (kind == "bare-chain") {
-        SkipSystemsFrames();
+    if (kind == "bare-chain" || kind == "cut-chain") {
+        if (kind == "bare-chain") SetChain(HostsFrame());
+        if (kind == "cut-chain") HostsFrame()->outer = reinterpret_cast<Frame*>(~0U);
         Crash("av");
     }
     static const char text[] = "worker";

@@ -89,6 +89,33 @@ TEST_F(GuardTest, ExceptionsThatThePluginHandlesAreItsOwn) {
                 << verb << kind;
 }
 
+// The system ends the process then.
+TEST_F(GuardTest, HandlersThatTheSystemDoesNotCallAreNotAsked) {
+    const TemporaryFolder folder;
+    const LoadedPlugin without(folder, [](IMAGE_OPTIONAL_HEADER32& header) {
+        header.DllCharacteristics |= IMAGE_DLLCHARACTERISTICS_NO_SEH;
+    });
+    EXPECT_EQ(without.DecodeWith("handled:av:GetPicture"), kCrashed);
+    EXPECT_EQ(without.DecodeWith("crash:av:GetPicture"), kCrashed);
+
+    const TemporaryFolder otherFolder;
+    const LoadedPlugin listing(otherFolder, [this](IMAGE_OPTIONAL_HEADER32& header) {
+        const auto* const image = reinterpret_cast<const char*>(plugin_.Module());
+        const DWORD mark[] = {72, 0x5AFE5E48};
+        const std::string_view bytes(image, header.SizeOfImage);
+        const size_t at = bytes.find({reinterpret_cast<const char*>(mark), sizeof mark});
+        ASSERT_NE(at, bytes.npos);
+        header.DataDirectory[IMAGE_DIRECTORY_ENTRY_LOAD_CONFIG] = {static_cast<DWORD>(at), 72};
+    });
+    EXPECT_EQ(listing.DecodeWith("handled:av:GetPicture"), susie::kSuccess) << "listed";
+    EXPECT_EQ(listing.DecodeWith("handled-in-data:av:GetPicture"), susie::kSuccess) << "no image's";
+    EXPECT_EQ(listing.DecodeWith("finally:av:GetPicture"), kCrashed);
+    EXPECT_EQ(TestCallCount(listing.Module(), "finally"), 0);
+
+    EXPECT_EQ(plugin_.DecodeWith("finally:cut-chain:GetPicture"), kCrashed);
+    EXPECT_EQ(TestCallCount(plugin_.Module(), "finally"), 0) << "a chain without its end";
+}
+
 TEST_F(GuardTest, MessagesToDebuggersAreNoCrashes) {
     for (const std::string kind : {"name-thread", "debug-print"})
         EXPECT_EQ(plugin_.DecodeWith("crash:" + kind + ":GetPicture"), susie::kSuccess) << kind;

@@ -1,5 +1,9 @@
 #include "tests/helpers/susiectl/susiectl_library.h"
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
 #include "tests/plugins/test_plugins.h"
 
 namespace tessary::test {
@@ -49,6 +53,15 @@ LoadedPlugin::LoadedPlugin(const TemporaryFolder& folder, std::string_view scrip
     folder.Write(L"scripted.spi.script", script);
     CopyFileW(TestPluginPath(L"iftst.spi").c_str(), path.c_str(), FALSE);
     module_ = Susiectl().loadLibraryW(path.c_str());
+}
+
+LoadedPlugin::LoadedPlugin(const TemporaryFolder& folder,
+                           const std::function<void(IMAGE_OPTIONAL_HEADER32&)>& change) {
+    std::ifstream file(std::filesystem::path(TestPluginPath(L"iftst.spi")), std::ios::binary);
+    std::string image{std::istreambuf_iterator<char>(file), {}};
+    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(image.data());
+    change(reinterpret_cast<IMAGE_NT_HEADERS32*>(image.data() + dos->e_lfanew)->OptionalHeader);
+    module_ = Susiectl().loadLibraryW(folder.Write(L"changed.spi", image).c_str());
 }
 
 LoadedPlugin::~LoadedPlugin() {

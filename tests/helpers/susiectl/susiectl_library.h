@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -48,6 +49,9 @@ class LoadedPlugin {
     explicit LoadedPlugin(const std::wstring& fileName);
     // A copy of iftst.spi in `folder`, with a script beside it.
     LoadedPlugin(const TemporaryFolder& folder, std::string_view script);
+    // The same without a script, and with another header.
+    LoadedPlugin(const TemporaryFolder& folder,
+                 const std::function<void(IMAGE_OPTIONAL_HEADER32&)>& change);
     ~LoadedPlugin();
     LoadedPlugin(const LoadedPlugin&) = delete;
     LoadedPlugin& operator=(const LoadedPlugin&) = delete;
