@@ -212,7 +212,9 @@ bool ConvertRun::IsWorthFetching(const WorkEntry& entry) const {
 
 StepResult ConvertRun::FetchSource(const std::wstring& path) {
     log_.WriteConvertLog(L"クラウドから取得しています", {}, 2);
-    const std::optional<DWORD> error = FetchFile(path, [&](int done, int total) {
+    // Other threads would wait for ever for a lock that a plug-in has left behind.
+    const auto fetch = HasPluginCrashed() ? FetchFileHere : FetchFile;
+    const std::optional<DWORD> error = fetch(path, [&](int done, int total) {
         TellProgress(done, total);
         return monitor_.SetProgressBar(-1, -1, 0, 0);
     });

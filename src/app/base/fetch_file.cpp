@@ -29,18 +29,20 @@ class Fetching {
     explicit Fetching(const std::wstring& path)
         : path_(path), fetchPiece_(CurrentDistantFiles().fetchPiece) {}
 
-    void Run() {
+    // `goesOn` is asked between pieces, until Stop.
+    void Run(const std::function<bool()>& goesOn) {
         std::vector<uint8_t> piece(kPieceSize);
-        error_ = ReadAll(piece);
+        error_ = ReadAll(piece, goesOn);
     }
     void Stop() { stop_ = true; }
+    bool IsStopped() const { return stop_; }
 
     int Done() const { return done_; }    // in pieces
     int Total() const { return total_; }  // 0: unknown
     DWORD Error() const { return error_; }
 
   private:
-    DWORD ReadAll(std::vector<uint8_t>& piece) {
+    DWORD ReadAll(std::vector<uint8_t>& piece, const std::function<bool()>& goesOn) {
         const UniqueFile file(CreateFileW(ExtendedPath(path_).c_str(), GENERIC_READ,
                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                           nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
@@ -50,7 +52,7 @@ class Fetching {
         if (GetFileSizeEx(file.Get(), &size)) {
             total_ = static_cast<int>(size.QuadPart / static_cast<LONGLONG>(kPieceSize));
         }
-        for (; !stop_; ++done_) {
+        for (; !stop_ && goesOn(); ++done_) {
             if (fetchPiece_) {
                 if (const DWORD error = fetchPiece_(path_)) return error;
             }
@@ -77,7 +79,7 @@ class FetchThread {
   public:
     explicit FetchThread(const std::wstring& path)
         : fetching_(std::make_shared<Fetching>(path)),
-          worker_([fetching = fetching_] { fetching->Run(); }) {}
+          worker_([fetching = fetching_] { fetching->Run([] { return true; }); }) {}
     FetchThread(const FetchThread&) = delete;
     FetchThread& operator=(const FetchThread&) = delete;
     // A call that is broken off before it has begun is not broken off at all.
@@ -154,6 +156,16 @@ std::optional<unsigned long> FetchFile(const std::wstring& path,
         if (!goesOn(thread.State().Done(), thread.State().Total())) return std::nullopt;
     }
     return thread.State().Error();
+}
+
+std::optional<unsigned long> FetchFileHere(const std::wstring& path,
+                                           const std::function<bool(int done, int total)>& goesOn) {
+    Fetching fetching(path);
+    fetching.Run([&] {
+        if (!goesOn(fetching.Done(), fetching.Total())) fetching.Stop();
+        return !fetching.IsStopped();
+    });
+    return fetching.IsStopped() ? std::nullopt : std::optional<unsigned long>(fetching.Error());
 }
 
 bool IsFetchError(unsigned long error) {
