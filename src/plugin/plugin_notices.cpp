@@ -70,6 +70,9 @@ std::vector<std::wstring> LoadingNotices() {
         } else if (one.reason == LeftOutReason::kEmptyFolder && collection.Count() == 0) {
             notices.push_back(L"プラグインフォルダ " + one.path +
                               L" に使用できるプラグインがありません");
+        } else if (one.reason == LeftOutReason::kCrashed) {
+            notices.push_back(L"プラグイン " + collection.NameOf(one.path) +
+                              L" は、読み込み中に異常終了しました");
         }
     }
     if (const std::wstring blocked = BlockedPlugins(); !blocked.empty()) {

@@ -13,8 +13,8 @@ std::vector<std::wstring> InterruptedCallNotices();
 // InterruptedCallNotices tells of.
 std::vector<std::wstring> BarredNotices();
 
-// What the last loading has found amiss: plug-in folders that are away, no plug-in at all, calls
-// that cannot be logged. Empty when all is well.
+// What the last loading has found amiss: plug-in folders that are away, no plug-in at all, plug-ins
+// that crashed, calls that cannot be logged. Empty when all is well.
 std::vector<std::wstring> LoadingNotices();
 
 }  // namespace tessary
