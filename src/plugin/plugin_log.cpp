@@ -9,8 +9,10 @@
 
 #include "app/base/error.h"
 #include "app/base/hash.h"
+#include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "app/settings/modValue.h"
 #include "app/settings/setting_value.h"
 #include "app/settings/settings_store.h"
 
@@ -69,7 +71,7 @@ std::optional<std::wstring> FileDateText(const std::wstring& path) {
     return text;
 }
 
-// Moves the history that is kept under a bare file name.
+// Moves the history that is kept under another name.
 void TakeOver(const std::wstring& name, const std::wstring& plugin) {
     const std::wstring old = ErrorLogOf(name);
     const std::vector<std::wstring> functions = SettingKeys(old);
@@ -80,6 +82,29 @@ void TakeOver(const std::wstring& name, const std::wstring& plugin) {
     if (fatalLoads == 0) return;
     Add(kFatalLoads, plugin, fatalLoads);
     DeleteSetting(kFatalLoads, name);
+}
+
+// What a plug-in of the program's own folder was called when the program was in another; empty for
+// all others, and when the program was copied: what is there still has its history.
+std::wstring NameBeforeMove(const std::wstring& plugin) {
+    const std::wstring& left = Values().general.leftProgramFolder;
+    const std::wstring& folder = AppFolder();
+    if (left.empty() ||
+        !EqualsIgnoreCase(std::wstring_view(plugin).substr(0, folder.size()), folder)) {
+        return {};
+    }
+    const std::wstring former = left + plugin.substr(folder.size());
+    return PathExists(former) ? std::wstring() : former;
+}
+
+// Takes over what was noted under the name before the program was moved; true when it was noted of
+// this very file.
+bool TakeOverMoved(const std::wstring& plugin, const std::wstring& date) {
+    const std::wstring former = NameBeforeMove(plugin);
+    if (former.empty() || GetSetting(kDateTime, former) != date) return false;
+    TakeOver(former, plugin);
+    DeleteSetting(kDateTime, former);
+    return true;
 }
 
 void ForgetGonePlugins() {
@@ -145,11 +170,12 @@ bool CheckFileDate(const std::wstring& pluginPath) {
     // A copy of an earlier version that runs now and then may add to it later on.
     if (wasKnown || (isKnown && oldDate.empty())) TakeOver(name, pluginPath);
     if (wasKnown) DeleteSetting(kDateTime, name);
+    const bool wasMoved = !isKnown && TakeOverMoved(pluginPath, *date);
     if (!isKnown) {
         SaveSetting(kDateTime, pluginPath, *date);
         ForgetGonePlugins();
     }
-    return !isKnown && !wasKnown;
+    return !isKnown && !wasKnown && !wasMoved;
 }
 
 }  // namespace tessary

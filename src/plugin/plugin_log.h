@@ -4,7 +4,8 @@
 //
 // Earlier versions of the program knew plug-ins by their file name without folder. What they have
 // left is taken over, once, by the file whose date it bears (CheckFileDate). A bare file name still
-// names such an old history here.
+// names such an old history here. In the same way plug-ins of the program's folder keep their
+// history when that is moved.
 #pragma once
 
 #include <cstdint>

@@ -20,7 +20,8 @@ struct GeneralSettings {
     // Not the user has switched that folder off but the program, for there was no plug-in: it is
     // looked into all the same, and switched on when there is one.
     bool emptySPI[kPluginFolderCount] = {};
-    std::wstring programFolder;   // where the program was when the folders were stored
+    std::wstring programFolder;      // where the program was when the folders were stored
+    std::wstring leftProgramFolder;  // the same where it is not any more, else empty; never stored
     int16_t slideShowTime = 500;  // milliseconds
     int16_t reduceColor = 0;
     int16_t reduce256ModeOnly = 0;

@@ -48,6 +48,7 @@ void FollowProgram(GeneralSettings& general) {
     } else if (!EqualsIgnoreCase(general.programFolder, AppFolder())) {
         for (std::wstring& folder : general.spiFolder)
             folder = Followed(folder, general.programFolder);
+        general.leftProgramFolder = general.programFolder;
     }
     general.programFolder = AppFolder();
 }

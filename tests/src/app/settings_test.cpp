@@ -153,6 +153,7 @@ TEST_F(SettingsTest, PluginFoldersFollowTheProgram) {
 
     SaveSetting(L"General", L"ProgramFolder", L"Q:\\Viewer\\");
     EXPECT_EQ(folders(L"Q:\\viewer", L"Q:\\viewer\\gone"), here + L"|Q:\\viewer\\gone");
+    EXPECT_EQ(Values().general.leftProgramFolder, L"Q:\\Viewer\\");
     EXPECT_EQ(folders(L"Q:\\viewer2\\", L"Q:\\viewer\\plugins"),
               L"Q:\\viewer2\\|" + here + L"plugins\\");
     EXPECT_EQ(folders(L"Q:\\", L""), L"Q:\\|");

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 
+#include "app/base/modGetFolder.h"
 #include "app/base/quit.h"
+#include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
 #include "tests/src/plugin/plugin_test.h"
 
@@ -299,6 +301,26 @@ TEST_F(SusieCallsTest, WhatWasKeptByFileNameIsTakenOverOnce) {
     EXPECT_EQ(ReadErrorCount(other, {}) + ReadErrorCount(L"x.spi", {}), 0);
     EndRunIn(L"LoadLibrary", path);
     EXPECT_TRUE(KeepsEndingTheProgram(path));  // counted on
+}
+
+TEST_F(SusieCallsTest, HistoriesGoWhereTheProgramGoes) {
+    const std::wstring path = test::TestPluginPath(L"iftst.spi");
+    const std::wstring left = folder_.Path();
+    std::wstring former = path;
+    former.replace(0, AppFolder().size(), left);
+    Values().general.leftProgramFolder = left;
+    CheckFileDate(path);
+    SaveSetting(L"SPI_DATETIME", former, GetSetting(L"SPI_DATETIME", path));
+    DeleteSetting(L"SPI_DATETIME", path);
+    IncrementErrorCount(former, L"GetPicture");
+    NoteFatalLoad(former);
+    NoteFatalLoad(former);
+    EXPECT_FALSE(CheckFileDate(path));
+    EXPECT_EQ(ReadErrorCount(path, L"GetPicture"), 1);
+    EXPECT_TRUE(KeepsEndingTheProgram(path));
+    EXPECT_EQ(ReadErrorCount(former, {}), 0);
+    EXPECT_EQ(SettingKeys(L"SPI_DATETIME").size(), 1U);
+    Values().general.leftProgramFolder.clear();
 }
 
 TEST(PluginCallChild, DISABLED_EndsWithItsSession) {
