@@ -22,7 +22,7 @@ struct GeneralSettings {
     bool emptySPI[kPluginFolderCount] = {};
     std::wstring programFolder;      // where the program was when the folders were stored
     std::wstring leftProgramFolder;  // the same where it is not any more, else empty; never stored
-    int16_t slideShowTime = 500;  // milliseconds
+    int16_t slideShowTime = 500;     // milliseconds
     int16_t reduceColor = 0;
     int16_t reduce256ModeOnly = 0;
     int16_t saveReducedPicture = 0;

@@ -82,6 +82,7 @@ void frmConvertAll::EndRun() {
     ShowProgress();
     ShowText(lblTime_, RunTimeText(GetTickCount64() - runStart_, 0, 0));
     ShowText(lblResult_, ResultText());
+    listConvertProblems_.ShowByKind();
     if (listConvertProblems_.Count() != 0) ShowPane(Pane::kProblems);
     cmdOK_.SetVisible(true);
     cmdOK_.SetEnabled(true);

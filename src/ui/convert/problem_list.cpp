@@ -83,23 +83,27 @@ void ProblemList::Attach(HWND dialog, int id) {
 void ProblemList::Add(const FileReport& report) {
     if (!IsRemarkable(report)) return;
     reports_.push_back(report);
-    isSorted_ = false;
 }
 
 void ProblemList::Clear() {
     reports_.clear();
-    isSorted_ = true;
+    shown_ = 0;
     list_.SetRows({});
 }
 
 void ProblemList::Show() {
-    if (std::exchange(isSorted_, true)) return;
-    std::ranges::stable_sort(reports_, {}, KindOf);
+    if (shown_ == reports_.size()) return;
     std::vector<ListView::Row> rows;
-    rows.reserve(reports_.size());
-    for (const FileReport& report : reports_)
-        rows.push_back(RowOf(report));
-    list_.SetRows(std::move(rows));
+    for (; shown_ < reports_.size(); ++shown_)
+        rows.push_back(RowOf(reports_[shown_]));
+    list_.AddRows(std::move(rows));
+}
+
+void ProblemList::ShowByKind() {
+    std::ranges::stable_sort(reports_, {}, KindOf);
+    shown_ = 0;
+    list_.SetRows({});
+    Show();
 }
 
 void ProblemList::SetVisible(bool visible) {

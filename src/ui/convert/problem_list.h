@@ -12,8 +12,7 @@
 
 namespace tessary {
 
-// Files that have failed, are damaged, were skipped or got another name, each with the reason; in
-// this order.
+// Files that have failed, are damaged, were skipped or got another name, each with the reason.
 class ProblemList {
   public:
     // Takes the dialog's list over. Ctrl+A selects all, Ctrl+C copies what is selected, or all when
@@ -25,8 +24,10 @@ class ProblemList {
     void Clear();
     size_t Count() const { return reports_.size(); }
 
-    // Brings the list on the screen up to date.
+    // Brings the list on the screen up to date: what is new stands behind the rest.
     void Show();
+    // The same, with one kind behind the other. Takes the selection away.
+    void ShowByKind();
     void SetVisible(bool visible);
     void SetFocus() const { list_.SetFocus(); }
     bool HasFocus() const { return list_.HasFocus(); }
@@ -39,7 +40,7 @@ class ProblemList {
 
     ListView list_;
     std::vector<FileReport> reports_;
-    bool isSorted_ = true;
+    size_t shown_ = 0;  // how many of them are on the screen
 };
 
 // Opens the folder of a file with the file selected.

@@ -1,6 +1,7 @@
 #include "ui/form/list_view.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "app/base/text.h"
 #include "ui/form/metrics.h"
@@ -30,6 +31,11 @@ void ListView::SetRows(std::vector<Row> rows) {
     rows_ = std::move(rows);
     Send(LVM_SETITEMCOUNT, rows_.size());
     InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+void ListView::AddRows(std::vector<Row> rows) {
+    std::ranges::move(rows, std::back_inserter(rows_));
+    Send(LVM_SETITEMCOUNT, rows_.size(), LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
 }
 
 void ListView::Select(int index) {

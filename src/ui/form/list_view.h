@@ -32,6 +32,8 @@ class ListView final : public Control {
 
     // Replaces all rows and takes the selection away.
     void SetRows(std::vector<Row> rows);
+    // Puts rows behind the others; what is selected and in view stays.
+    void AddRows(std::vector<Row> rows);
     const std::vector<Row>& Rows() const { return rows_; }
 
     int Selected() const {

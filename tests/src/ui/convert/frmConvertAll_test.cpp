@@ -447,6 +447,37 @@ TEST(LogListTest, FollowsTheNewestLines) {
     DestroyWindow(parent);
 }
 
+TEST(ProblemListTest, WhatComesLeavesTheRestAlone) {
+    const HWND parent = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 200, 100,
+                                        nullptr, nullptr, nullptr, nullptr);
+    const HWND list =
+        CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | LVS_REPORT | LVS_OWNERDATA, 0, 0, 200, 100,
+                        parent, reinterpret_cast<HMENU>(7), nullptr, nullptr);
+    Texts opened;
+    SetFolderOpener([&](const std::wstring& path) { opened.push_back(path); });
+    ProblemList problems;
+    problems.Attach(parent, 7);
+    FileReport report;
+    for (const auto& [name, outcome] : {std::pair{L"C:\\late", FileOutcome::kSkipped},
+                                        std::pair{L"C:\\early", FileOutcome::kFailed}}) {
+        report.source = name;
+        report.outcome = outcome;
+        problems.Add(report);
+        problems.Show();
+        LVITEMW first{};
+        first.stateMask = first.state = LVIS_SELECTED;
+        if (problems.Count() == 1)
+            SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&first));
+    }
+    EXPECT_EQ(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0), 2);
+    EXPECT_TRUE(problems.ShowSelectedInFolder());
+    problems.ShowByKind();
+    EXPECT_FALSE(problems.ShowSelectedInFolder());
+    EXPECT_EQ(opened, Texts{L"C:\\late"});
+    SetFolderOpener({});
+    DestroyWindow(parent);
+}
+
 TEST(RunTextsTest, EstimatesTheRest) {
     EXPECT_EQ(RunTimeText(1999, 1, 2), L"経過 0:01");
     EXPECT_EQ(RunTimeText(65000, 1, 3), L"経過 1:05、残り約 2:10");
