@@ -149,10 +149,17 @@ int OutputNames::Contenders(const WorkEntry& entry) const {
     return wanted == wanted_.end() ? 1 : wanted->second;
 }
 
-bool OutputNames::IsListedTwice(const std::wstring& path, const WorkEntry& entry) const {
+const std::wstring& OutputNames::SourceIdentity(const std::wstring& path) {
+    const auto [known, isNew] = identities_.try_emplace(path);
+    if (isNew) known->second = IdentityOf(path);
+    return known->second;
+}
+
+bool OutputNames::IsListedTwice(const std::wstring& path, const WorkEntry& entry) {
     const auto result = results_.find(ToUpper(path));
-    return !entry.IsExtracted() && result != results_.end() &&
-           IsSameFile(result->second, entry.path);
+    if (entry.IsExtracted() || result == results_.end()) return false;
+    return EqualsIgnoreCase(result->second, entry.path) ||
+           SourceIdentity(result->second) == SourceIdentity(entry.path);
 }
 
 OutputChoice OutputNames::Choose(const OutputWish& wish) {

@@ -71,7 +71,8 @@ class OutputNames {
     bool IsTaken(const std::wstring& path, const WorkEntry& entry) const;
     // How many of the files would have the entry's name, but for the extension.
     int Contenders(const WorkEntry& entry) const;
-    bool IsListedTwice(const std::wstring& path, const WorkEntry& entry) const;
+    bool IsListedTwice(const std::wstring& path, const WorkEntry& entry);
+    const std::wstring& SourceIdentity(const std::wstring& path);
 
     OutputChoice FreeName(const OutputWish& wish, bool onlyNew);
     OutputChoice SkippingName(const OutputWish& wish);
@@ -81,7 +82,9 @@ class OutputNames {
     ConvertMonitor& monitor_;
     std::unordered_set<std::wstring> sources_;     // their paths in upper case
     std::unordered_set<std::wstring> sourceKeys_;  // their identities, as soon as they matter
-    std::map<std::wstring, bool> besideSource_;    // folders in upper case: whether they hold one
+    // The same by the paths of sources of one name, each of which is compared with all the others.
+    std::unordered_map<std::wstring, std::wstring> identities_;
+    std::map<std::wstring, bool> besideSource_;  // folders in upper case: whether they hold one
     std::unordered_set<std::wstring> sourceFolders_;  // identities of the folders that do
     // The results, by their paths in upper case: whose they are.
     std::unordered_map<std::wstring, std::wstring> results_;
