@@ -41,9 +41,18 @@ std::wstring FailureOf(const HelperLibrary& library, DWORD error) {
            (IsBlockedBySystem(error) ? kBlockedHint : L"");
 }
 
+// What the user will miss, for the program does without the library.
+std::wstring NoticeOf(const HelperLibrary& library, DWORD error) {
+    if (!PathExists(AppFolder() + library.fileName)) return {};
+    return ToUpper(library.fileName) + L" を読み込めないため、画像の大きさを変えられません。" +
+           LoadRefusalText(error);
+}
+
 }  // namespace
 
 bool CheckHelperLibraries() {
+    // The current folder is where some picture lies: no place to look for anybody's libraries.
+    SetDllDirectoryW(L"");
     // What is wrong is told by our message and not by the system's.
     const UINT oldMode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
     bool complete = true;
@@ -51,11 +60,15 @@ bool CheckHelperLibraries() {
         UniqueModule module(LoadLibraryW((AppFolder() + library.fileName).c_str()));
         if (module) {
             (void)module.Release();  // resident until the process ends
-        } else if (library.missingText != nullptr) {
-            Values().startupFailureReason = FailureOf(library, GetLastError());
+            continue;
+        }
+        const DWORD error = GetLastError();
+        if (library.missingText != nullptr) {
+            Values().startupFailureReason = FailureOf(library, error);
             complete = false;
             break;
         }
+        if (Values().startupNotice.empty()) Values().startupNotice = NoticeOf(library, error);
     }
     SetErrorMode(oldMode);
     return complete;

@@ -53,6 +53,7 @@ int ShowCommand() {
 void TellNotices(PictureView& view) {
     std::vector<std::wstring> notices = InterruptedCallNotices();
     if (std::wstring loading = LoadingNotice(); !loading.empty()) notices.push_back(loading);
+    if (!Values().startupNotice.empty()) notices.push_back(Values().startupNotice);
     if (!notices.empty()) view.SetPanelText(kNoticePanel, InOneLine(notices));
 }
 

@@ -145,6 +145,7 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
         errors.WriteLine(Values().startupFailureReason);
         return kExitSetupError;
     }
+    if (!Values().startupNotice.empty()) errors.WriteLine(Values().startupNotice);
     if (!MakeFolder(options.targetFolder)) {
         errors.WriteLine(L"保存先のフォルダを作成できません: " + options.targetFolder);
         return kExitSetupError;

@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "app/base/paths.h"
+#include "picture/show/picture_view.h"
 #include "tests/end_to_end/running_viewer.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
@@ -193,14 +194,22 @@ TEST_F(ViewerTest, MissingHelperLibraryIsNamed) {
     for (const std::wstring& file : FilesInFolder(FinishedFolder())) {
         std::filesystem::copy_file(file, folder_.Path() + FileNameOf(file));
     }
-    std::filesystem::remove(folder_.Path() + L"pic_kernel.dll");  // not needed to start
-    {
+    // Not needed to start; told is one that is there and may not be loaded.
+    const auto expectNotice = [&](const std::wstring& notice) {
         const RunningViewer viewer(folder_.Path(), L"", store_.KeyPath());
         const HWND main = viewer.WindowOfCaption(kCaption);
         ASSERT_NE(main, nullptr);
+        const HWND status = FindWindowExW(main, nullptr, STATUSCLASSNAMEW, nullptr);
+        EXPECT_EQ(viewer.StatusText(status, kNoticePanel - 1), notice);
         PostMessageW(main, WM_CLOSE, 0, 0);
         EXPECT_EQ(viewer.ExitCode(), 0);
-    }
+    };
+    std::filesystem::remove(folder_.Path() + L"pic_kernel.dll");
+    expectNotice(L"");
+    folder_.Write(L"pic_kernel.dll", "no library");
+    expectNotice(
+        L"PIC_KERNEL.DLL を読み込めないため、画像の大きさを変えられません。"
+        L"ファイルが壊れています (エラー 193)");
     const auto expectFailure = [&](const std::wstring& reason) {
         const RunningViewer viewer(folder_.Path(), L"", store_.KeyPath());
         const HWND box = viewer.WindowOfCaption(L"致命的エラー");

@@ -91,7 +91,8 @@ struct ProcessValues {
     int16_t fixSizeValue = kSizeModeOriginal;
 
     uint32_t platformId = 0;            // kPlatform… of the running system
-    std::wstring startupFailureReason;  // which helper library was missing; else empty
+    std::wstring startupFailureReason;  // which helper library could not be loaded; else empty
+    std::wstring startupNotice;         // what the start went on without, though it is there
     // Set when a file or member is selected, cleared when it has been shown. A selected file that
     // has vanished leaves it set: whether something is being read now is what readsUnderWay tells.
     bool pictureLoading = false;

@@ -279,6 +279,10 @@ TEST_F(CollectionTest, LoadingFollowsTheSettings) {
     EXPECT_TRUE(settings.loadSPI[1]);
     EXPECT_EQ(LoadingNotices(),
               std::vector{L"プラグインフォルダ " + folder_.Path() + L"nowhere\\ が見つかりません"});
+    SusieCollection().NoteFolder(L"C:\\spi\\a.spi", LeftOutReason::kBlocked);
+    SusieCollection().NoteFolder(L"C:\\spi\\b.spi", LeftOutReason::kBlocked);
+    EXPECT_EQ(LoadingNotices().back(),
+              L"プラグイン a.spi、b.spi は、Windowsかウイルス対策ソフトにブロックされています");
     EXPECT_FALSE(SusieCollection().TryAll());
     EXPECT_EQ(SusieCollection().GetInMemorySPICount(), 0);
     settings.useSPI = 0;
