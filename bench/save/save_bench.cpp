@@ -73,7 +73,7 @@ bool Save(const std::wstring& format, const Picture& picture, const std::wstring
     }
     static const auto save = Entry<convertdib::SaveToBITMAPFileWFunction>(
         L"convertdib.dll", convertdib::kSaveToBITMAPFileWName);
-    return save(info, bits, name, nullptr) != 0;
+    return save(info, bits, name, nullptr, 0) != 0;
 }
 
 void SaveBare(const std::wstring& format, const Picture& picture, const std::wstring& path) {

@@ -57,10 +57,13 @@ using SaveToBITMAPFileFunction = int(__stdcall*)(const void* info, const void* b
                                                  const saving::BmpSaveOptions* options);
 constexpr char kSaveToBITMAPFileName[] = "SaveToBITMAPFile";
 
-// The same for a name in UTF-16, of any length.
+// The same for a name in UTF-16, of any length. `progressCallback` is the address of a
+// saving::ProgressCallback, 0 for none; it is called only while a file is waited for that others
+// have open.
 using SaveToBITMAPFileWFunction = int(__stdcall*)(const void* info, const void* bits,
                                                   const wchar_t* fileName,
-                                                  const saving::BmpSaveOptions* options);
+                                                  const saving::BmpSaveOptions* options,
+                                                  LONG_PTR progressCallback);
 constexpr char kSaveToBITMAPFileWName[] = "SaveToBITMAPFileW";
 
 }  // namespace tessary::convertdib

@@ -1,5 +1,8 @@
+#include <type_traits>
+
 #include "helpers/convertdib/bitmap_writer.h"
 #include "helpers/convertdib/convertdib.h"
+#include "helpers/saving/progress_callback.h"
 #include "helpers/saving/save_entry.h"
 
 namespace tessary::convertdib {
@@ -8,12 +11,14 @@ namespace {
 // What both entries do, for a name in either kind of text.
 template <typename Char>
 int Save(const void* info, const void* bits, const Char* fileName,
-         const saving::BmpSaveOptions* options) {
+         const saving::BmpSaveOptions* options, LONG_PTR progressCallback) {
     const saving::BmpSaveOptions chosen = options != nullptr ? *options : saving::BmpSaveOptions{};
     const auto write = [&](const dib::DibView& picture, files::ByteSink& sink) {
         return WriteBitmap(picture, chosen, sink);
     };
-    return saving::SaveToFile(info, bits, fileName, write) ? 1 : 0;
+    return saving::SaveToFile(info, bits, fileName, saving::ProgressOf(progressCallback), write)
+               ? 1
+               : 0;
 }
 
 }  // namespace
@@ -24,11 +29,17 @@ using tessary::saving::BmpSaveOptions;
 extern "C" __declspec(dllexport) int __stdcall SaveToBITMAPFile(const void* info, const void* bits,
                                                                 const char* fileName,
                                                                 const BmpSaveOptions* options) {
-    return tessary::convertdib::Save(info, bits, fileName, options);
+    return tessary::convertdib::Save(info, bits, fileName, options, 0);
 }
 
 extern "C" __declspec(dllexport) int __stdcall SaveToBITMAPFileW(const void* info, const void* bits,
                                                                  const wchar_t* fileName,
-                                                                 const BmpSaveOptions* options) {
-    return tessary::convertdib::Save(info, bits, fileName, options);
+                                                                 const BmpSaveOptions* options,
+                                                                 LONG_PTR progressCallback) {
+    return tessary::convertdib::Save(info, bits, fileName, options, progressCallback);
 }
+
+// Callers find the entries by their names: nothing else compares what they take.
+static_assert(
+    std::is_same_v<decltype(&SaveToBITMAPFile), tessary::convertdib::SaveToBITMAPFileFunction> &&
+    std::is_same_v<decltype(&SaveToBITMAPFileW), tessary::convertdib::SaveToBITMAPFileWFunction>);

@@ -1,5 +1,7 @@
 #include "helpers/dcjpeg/dcjpeg.h"
 
+#include <type_traits>
+
 #include "helpers/dcjpeg/jpeg_writer.h"
 #include "helpers/saving/save_entry.h"
 
@@ -12,10 +14,11 @@ int Save(const void* info, const void* bits, const Char* fileName,
          const saving::JpegSaveOptions* options, LONG_PTR progressCallback) {
     const saving::JpegSaveOptions chosen =
         options != nullptr ? *options : saving::JpegSaveOptions{};
+    const dib::Progress progress = saving::ProgressOf(progressCallback);
     const auto write = [&](const dib::DibView& picture, files::ByteSink& sink) {
-        return WriteJpeg(picture, chosen, sink, saving::ProgressOf(progressCallback));
+        return WriteJpeg(picture, chosen, sink, progress);
     };
-    return saving::SaveToFile(info, bits, fileName, write) ? 1 : 0;
+    return saving::SaveToFile(info, bits, fileName, progress, write) ? 1 : 0;
 }
 
 }  // namespace
@@ -36,3 +39,7 @@ extern "C" __declspec(dllexport) int __stdcall SaveToJPEGFileW(const void* info,
                                                                LONG_PTR progressCallback) {
     return tessary::dcjpeg::Save(info, bits, fileName, options, progressCallback);
 }
+
+// Callers find the entries by their names: nothing else compares what they take.
+static_assert(std::is_same_v<decltype(&SaveToJPEGFile), tessary::dcjpeg::SaveToJPEGFileFunction> &&
+              std::is_same_v<decltype(&SaveToJPEGFileW), tessary::dcjpeg::SaveToJPEGFileWFunction>);

@@ -28,4 +28,20 @@ std::wstring ExtendedFullName(const std::wstring& name) {
     return full.starts_with(LR"(\\)") ? LR"(\\?\UNC\)" + full.substr(2) : LR"(\\?\)" + full;
 }
 
+std::wstring RootOf(const std::wstring& name) {
+    constexpr size_t kDriveRoot = 7;  // characters of `\\?\C:\`
+    constexpr std::wstring_view kNetwork = LR"(\\?\UNC\)";
+    if (!name.starts_with(kNetwork)) {
+        return name.size() >= kDriveRoot && name[5] == L':' ? name.substr(0, kDriveRoot)
+                                                            : std::wstring();
+    }
+    const size_t share = name.find(L'\\', kNetwork.size());
+    const size_t end = share == name.npos ? name.npos : name.find(L'\\', share + 1);
+    return end == name.npos ? std::wstring() : name.substr(0, end + 1);
+}
+
+std::wstring FolderOf(const std::wstring& name) {
+    return name.substr(0, name.rfind(L'\\') + 1);
+}
+
 }  // namespace tessary::files

@@ -13,4 +13,9 @@ std::wstring FileNameOf(const wchar_t* name);
 // be no file's: it is empty or names a device.
 std::wstring ExtendedFullName(const std::wstring& name);
 
+// Of a full name in that form: the drive or network share, and the folder, with their backslashes.
+// The former is empty for names of other kinds.
+std::wstring RootOf(const std::wstring& name);
+std::wstring FolderOf(const std::wstring& name);
+
 }  // namespace tessary::files

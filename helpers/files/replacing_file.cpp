@@ -1,23 +1,22 @@
 #include "helpers/files/replacing_file.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstring>
 
 #include "helpers/files/file_name.h"
+#include "helpers/files/refusal.h"
 
 namespace tessary::files {
 namespace {
 
 constexpr size_t kBufferSize = 256u << 10;
 constexpr size_t kLongestWrite = 1u << 30;  // bytes in one call to the system
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-constexpr uint32_t kNames = 1000;  // tried before giving up
 
-// With its backslash.
-std::wstring FolderOf(const std::wstring& name) {
-    return name.substr(0, name.rfind(L'\\') + 1);
-}
+// The pauses between two tries to move, in milliseconds: scanners and indexers may look into the
+// old file at any time, and mostly are gone in a moment.
+constexpr DWORD kFirstPause = 10;
+constexpr DWORD kLongestPause = 100;
+// What cannot be moved for other reasons than somebody's use of it rarely can be so much later.
+constexpr DWORD kPatienceWithRefusals = 500;
 
 bool IsMissing(const std::wstring& folder) {
     if (GetFileAttributesW(folder.c_str()) != INVALID_FILE_ATTRIBUTES) return false;
@@ -25,30 +24,9 @@ bool IsMissing(const std::wstring& folder) {
     return error == ERROR_PATH_NOT_FOUND || error == ERROR_FILE_NOT_FOUND;
 }
 
-// Creating says that access is denied both in a folder that takes no files and for a name that is a
-// folder's or a vanishing file's; only for the latter another name helps.
-bool IsTaken(const std::wstring& name, DWORD error) {
-    if (error != ERROR_ACCESS_DENIED) return error == ERROR_FILE_EXISTS;
-    return GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES ||
-           GetLastError() != ERROR_FILE_NOT_FOUND;
-}
-
-std::vector<uint8_t> RenameInfo(const std::wstring& target) {
-    const size_t bytes = target.size() * sizeof(wchar_t);
-    std::vector<uint8_t> block(sizeof(FILE_RENAME_INFO) + bytes);
-    FILE_RENAME_INFO info{};
-    info.FileNameLength = static_cast<DWORD>(bytes);
-    std::memcpy(block.data(), &info, sizeof(info));
-    std::memcpy(block.data() + offsetof(FILE_RENAME_INFO, FileName), target.data(), bytes);
-    return block;
-}
-
-// Scanners and indexers may look into the old file at any time; a moment later they are gone.
-constexpr int kMoves = 10;
-constexpr DWORD kMilliseconds = 50;  // between two of them
-
 bool IsPassing(DWORD error) {
     return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION ||
+           error == ERROR_USER_MAPPED_FILE || error == ERROR_DELETE_PENDING ||
            error == ERROR_ACCESS_DENIED;
 }
 
@@ -57,19 +35,10 @@ bool IsInTheWay(DWORD error) {
     return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS || IsPassing(error);
 }
 
-// Of a file that another program uses, moving only says that access is denied.
-bool IsInUse(const std::wstring& target) {
-    const HANDLE file = CreateFileW(target.c_str(), DELETE, kShareAll, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_SHARING_VIOLATION;
-    CloseHandle(file);
-    return false;
-}
-
 }  // namespace
 
-ReplacingFile::ReplacingFile(const std::wstring& target, Links links)
-    : target_(ExtendedFullName(target)), links_(links) {
+ReplacingFile::ReplacingFile(const std::wstring& target, Links links, FileCalls& calls)
+    : calls_(calls), target_(ExtendedFullName(target)), links_(links), file_(calls) {
     if (target_.empty() || target_.back() == L'\\') {
         error_ = ERROR_INVALID_NAME;
     } else if (IsMissing(FolderOf(target_))) {
@@ -90,50 +59,13 @@ bool ReplacingFile::LookAtTarget() {
 }
 
 bool ReplacingFile::CreateBeside() {
-    const std::wstring folder = FolderOf(target_);
-    for (uint32_t number = 1; number <= kNames; ++number) {
-        written_ = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
-        if (Create()) return true;
-        if (!IsTaken(written_, error_)) return false;
-    }
-    return false;
-}
-
-bool ReplacingFile::Create() {
-    const HANDLE file =
-        CreateFileW(written_.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
-                    old_ ? old_->Attributes() : FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return Fail();
-    file_.reset(file);
-    isMarked_ = false;
-    rename_ = RenameInfo(target_);
     error_ = ERROR_SUCCESS;
-    return true;
+    return file_.Create(target_, old_ ? old_->Attributes() : FILE_ATTRIBUTE_NORMAL) || Fail();
 }
 
 void ReplacingFile::TakeOver() {
-    old_->PassOn(file_.get(), written_);  // while others can open it: the mark prevents that
-    Mark(true);
-}
-
-ReplacingFile::~ReplacingFile() {
-    Discard();
-}
-
-void ReplacingFile::Discard() noexcept {
-    if (!file_) return;
-    file_.reset();
-    if (!isMarked_) DeleteFileW(written_.c_str());
-}
-
-bool ReplacingFile::Mark(bool deletes) noexcept {
-    FILE_DISPOSITION_INFO disposition{static_cast<BOOLEAN>(deletes)};
-    if (!SetFileInformationByHandle(file_.get(), FileDispositionInfo, &disposition,
-                                    sizeof(disposition))) {
-        return false;
-    }
-    isMarked_ = deletes;
-    return true;
+    old_->PassOn(file_.Get(), file_.Name());  // while others can open it: the mark prevents that
+    file_.Mark();
 }
 
 bool ReplacingFile::Write(std::span<const uint8_t> bytes) noexcept {
@@ -166,7 +98,7 @@ bool ReplacingFile::Buffer(std::span<const uint8_t> bytes) noexcept {
 }
 
 bool ReplacingFile::WriteBuffered() noexcept {
-    const bool written = (file_ || Begin()) && WriteThrough(buffer_);
+    const bool written = (file_.Get() != nullptr || Begin()) && WriteThrough(buffer_);
     buffer_.clear();
     return written;
 }
@@ -183,7 +115,7 @@ bool ReplacingFile::WriteThrough(std::span<const uint8_t> bytes) noexcept {
     while (!bytes.empty()) {
         const auto wanted = static_cast<DWORD>(std::min(bytes.size(), kLongestWrite));
         DWORD done = 0;
-        if (!WriteFile(file_.get(), bytes.data(), wanted, &done, nullptr)) return Fail();
+        if (!WriteFile(file_.Get(), bytes.data(), wanted, &done, nullptr)) return Fail();
         if (done == 0) {
             error_ = ERROR_DISK_FULL;
             return false;
@@ -193,12 +125,12 @@ bool ReplacingFile::WriteThrough(std::span<const uint8_t> bytes) noexcept {
     return true;
 }
 
-bool ReplacingFile::Commit(Durability durability) noexcept {
-    const bool isWritten = isOpen_ && (file_ ? WriteBuffered() : WriteAsNew());
-    const bool isCommitted = isWritten && ((!old_ && TryToMove(Existing::kStays)) ||
-                                           (PrepareToReplace() && Replace(durability)));
-    if (!isCommitted) Discard();
-    file_.reset();
+bool ReplacingFile::Commit(Durability durability, const GoesOn& goesOn) noexcept {
+    const bool isWritten = isOpen_ && (file_.Get() != nullptr ? WriteBuffered() : WriteAsNew());
+    const bool isMoved = isWritten && ((!old_ && TryToMove(Existing::kStays)) ||
+                                       (PrepareToReplace() && Replace(durability, goesOn)));
+    const bool isCommitted = isMoved && (file_.Close() || Fail());
+    file_.Discard();
     isOpen_ = false;
     return isCommitted;
 }
@@ -207,7 +139,7 @@ bool ReplacingFile::Commit(Durability durability) noexcept {
 // about a name that is new.
 bool ReplacingFile::WriteAsNew() noexcept {
     if (!WithMemory([this] { return CreateBeside(); })) return false;
-    Mark(true);
+    file_.Mark();
     return WriteThrough(buffer_);
 }
 
@@ -218,8 +150,9 @@ bool ReplacingFile::PrepareToReplace() noexcept {
     return WithMemory([this] {
         const std::wstring wanted = target_;
         if (!LookAtTarget()) return false;
-        if (target_ != wanted || old_->Attributes() != FILE_ATTRIBUTE_NORMAL) {
-            Discard();
+        if (target_ != wanted || old_->Attributes() != FILE_ATTRIBUTE_NORMAL ||
+            file_.Get() == nullptr) {
+            file_.Discard();
             if (!CreateBeside() || !WriteThrough(buffer_)) return false;
         }
         TakeOver();
@@ -227,40 +160,40 @@ bool ReplacingFile::PrepareToReplace() noexcept {
     });
 }
 
-bool ReplacingFile::Replace(Durability durability) noexcept {
+bool ReplacingFile::Replace(Durability durability, const GoesOn& goesOn) noexcept {
     const bool toDisk = old_->Exists() && durability == Durability::kDisk;
-    if (toDisk && !FlushFileBuffers(file_.get())) return Fail();
-    if (!MoveToTarget()) return false;
-    if (toDisk) FlushFileBuffers(file_.get());  // the new name too
+    if (toDisk && !FlushFileBuffers(file_.Get())) return Fail();
+    if (!MoveToTarget(goesOn)) return false;
+    if (toDisk && file_.Get() != nullptr) FlushFileBuffers(file_.Get());  // the new name too
     return true;
 }
 
-bool ReplacingFile::MoveToTarget() noexcept {
-    for (int move = 1; !TryToMove(Existing::kIsReplaced); ++move) {
+bool ReplacingFile::MoveToTarget(const GoesOn& goesOn) noexcept {
+    DWORD patience = kPatienceWithRefusals;
+    DWORD waited = 0;
+    for (DWORD pause = kFirstPause; !TryToMove(Existing::kIsReplaced);
+         pause = std::min(2 * pause, kLongestPause)) {
         if (!IsPassing(error_)) return false;
-        if (move == kMoves) {
-            if (IsInUse(target_)) error_ = ERROR_SHARING_VIOLATION;
+        if (waited >= patience) {
+            const bool isInUse = IsInUse(target_, calls_);
+            if (waited >= kPatience || !isInUse) {
+                error_ = isInUse ? ERROR_SHARING_VIOLATION : ERROR_ACCESS_DENIED;
+                return false;
+            }
+            patience = kPatience;
+        }
+        if (goesOn && !goesOn()) {
+            error_ = ERROR_CANCELLED;
             return false;
         }
-        Sleep(kMilliseconds);
+        calls_.Pause(pause);
+        waited += pause;
     }
     return true;
 }
 
-// The file stays open, so that the mark can be set again at once: between two tries it would vanish
-// with the process. Not where the name was taken: what the old file hands on needs a file that can
-// be opened.
 bool ReplacingFile::TryToMove(Existing existing) noexcept {
-    const bool wasMarked = isMarked_;
-    if (wasMarked && !Mark(false)) return Fail();
-    rename_[offsetof(FILE_RENAME_INFO, ReplaceIfExists)] = existing == Existing::kIsReplaced;
-    if (SetFileInformationByHandle(file_.get(), FileRenameInfo, rename_.data(),
-                                   static_cast<DWORD>(rename_.size()))) {
-        return true;
-    }
-    Fail();
-    if (wasMarked && existing == Existing::kIsReplaced) Mark(true);
-    return false;
+    return file_.MoveToTarget(existing) || Fail();
 }
 
 bool ReplacingFile::Fail() noexcept {

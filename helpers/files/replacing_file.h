@@ -3,14 +3,15 @@
 
 #include <windows.h>
 
-#include <memory>
+#include <functional>
 #include <optional>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "helpers/files/byte_sink.h"
+#include "helpers/files/file_calls.h"
 #include "helpers/files/old_file.h"
+#include "helpers/files/unfinished_file.h"
 
 namespace tessary::files {
 
@@ -23,11 +24,15 @@ enum class Links {
     kFollow,   // the file that it leads to is the target
 };
 
+// Asked while something is waited for: whether to go on.
+using GoesOn = std::function<bool()>;
+
 // Written under a name of its own in the target's folder; Commit puts it in the target's place in
 // one step. Whatever happens before that (an error, a full disk, the end of the process) leaves the
 // target as it was and the folder without the file. Only a power cut leaves it, as ~tessary-1.tmp
-// or with a higher number, and so does the end of the process in the very moment of moving. Nobody
-// removes it then: it cannot be told from a user's own file of that name.
+// or with a higher number, and so does the end of the process in the very moment of moving, or at
+// any time where the file system does not help (UnfinishedFile). Nobody removes it then: it cannot
+// be told from a user's own file of that name.
 //
 // The new file takes over what OldFile tells of. Of a file with several names (hard links) only the
 // target's gets the new content; the others keep the old: to reach all, the old content would have
@@ -37,36 +42,31 @@ class ReplacingFile final : public ByteSink {
     // `target` may be longer than MAX_PATH. A device, or a name in no folder, is refused here; a
     // folder, what is read-only or, with kFollow, a link to nothing when the buffer is full, or by
     // Commit.
-    explicit ReplacingFile(const std::wstring& target, Links links = Links::kReplace);
+    explicit ReplacingFile(const std::wstring& target, Links links = Links::kReplace,
+                           FileCalls& calls = SystemFileCalls());
     ReplacingFile(const ReplacingFile&) = delete;
     ReplacingFile& operator=(const ReplacingFile&) = delete;
-    ~ReplacingFile() override;
 
     // The rest may be called only when this is true; it is not any more when something has failed.
     bool IsOpen() const { return isOpen_; }
     // Collects small pieces in a buffer.
     bool Write(std::span<const uint8_t> bytes) noexcept override;
     // Replaces the target, with kDisk only after all that was written has reached the disk. Where
-    // there was no file, nothing can be lost, and the disk is not waited for. The file is closed
-    // then, with and without success.
-    bool Commit(Durability durability = Durability::kDisk) noexcept;
-    // Why one of the above was false, as the system's error code.
+    // there was no file, nothing can be lost, and the disk is not waited for. A target that others
+    // have open, as scanners and indexers do for a moment, is waited for up to kPatience, as long
+    // as `goesOn` allows; it must not throw. The file is closed then, with and without success.
+    bool Commit(Durability durability = Durability::kDisk, const GoesOn& goesOn = {}) noexcept;
+    static constexpr DWORD kPatience = 2500;  // milliseconds
+    // Why one of the above was false, as the system's error code: ERROR_SHARING_VIOLATION of a
+    // target that others did not close, ERROR_ACCESS_DENIED only of what is not allowed,
+    // kErrorProtectedFolder as TellingError tells, ERROR_CANCELLED when `goesOn` ended the waiting,
+    // ERROR_FILE_INVALID of a file that its file system has lost.
     DWORD Error() const { return error_; }
 
   private:
-    // What becomes of a file that the target's name has.
-    enum class Existing { kStays, kIsReplaced };
-
-    struct CloseFile {
-        void operator()(HANDLE file) const { CloseHandle(file); }
-    };
-    using UniqueFile = std::unique_ptr<std::remove_pointer_t<HANDLE>, CloseFile>;
-
     // Finds old_, behind links; false when it is not to be replaced.
     bool LookAtTarget();
-    // Creates the file under a name that is free.
     bool CreateBeside();
-    bool Create();
     // Has the file take over from old_ what OldFile tells of.
     void TakeOver();
     // Creates the file before all that goes into it is known.
@@ -75,31 +75,25 @@ class ReplacingFile final : public ByteSink {
     bool WriteAsNew() noexcept;
     // Makes the file one that may take the place of old_.
     bool PrepareToReplace() noexcept;
-    bool Replace(Durability durability) noexcept;
+    bool Replace(Durability durability, const GoesOn& goesOn) noexcept;
     bool WriteThrough(std::span<const uint8_t> bytes) noexcept;
     bool Append(std::span<const uint8_t> bytes) noexcept;
     bool Buffer(std::span<const uint8_t> bytes) noexcept;
     bool WriteBuffered() noexcept;
-    bool MoveToTarget() noexcept;
+    bool MoveToTarget(const GoesOn& goesOn) noexcept;
     bool TryToMove(Existing existing) noexcept;
-    // Has the system delete the file when it is closed, however that comes about; or no longer.
-    bool Mark(bool deletes) noexcept;
-    // Closes and deletes the file.
-    void Discard() noexcept;
     // Notes the system's error; always false.
     bool Fail() noexcept;
     // What `work` answers; false when there was no memory for it.
     template <typename Work>
     bool WithMemory(const Work& work) noexcept;
 
+    FileCalls& calls_;
     std::wstring target_;
     Links links_;
     std::optional<OldFile> old_;  // what stands there, as soon as that has been looked at
-    std::wstring written_;
-    UniqueFile file_;
+    UnfinishedFile file_;
     bool isOpen_ = false;
-    bool isMarked_ = false;        // never true where the file system lacks the mark
-    std::vector<uint8_t> rename_;  // a FILE_RENAME_INFO, ready: the last step takes no memory
     std::vector<uint8_t> buffer_;
     DWORD error_ = ERROR_SUCCESS;
 };

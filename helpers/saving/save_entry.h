@@ -5,12 +5,15 @@
 
 #include <new>
 
+#include "helpers/dib/byte_stream.h"
 #include "helpers/files/file_name.h"
 #include "helpers/files/replacing_file.h"
 #include "helpers/saving/picture_at.h"
 #include "helpers/saving/save_result.h"
 
 namespace tessary::saving {
+
+constexpr int kAllWritten = 100;  // percent
 
 // The system's error code for an ending that is the writer's own.
 inline DWORD ErrorOf(SaveResult result) {
@@ -28,10 +31,11 @@ inline DWORD ErrorOf(SaveResult result) {
 
 // Has the picture at the two addresses written to a file, which replaces what is there; behind a
 // link, the file that it leads to. `write` takes (const dib::DibView&, files::ByteSink&) and
-// answers a SaveResult. On failure the file is as it was and GetLastError tells the reason.
+// answers a SaveResult. `progress`, which may be empty, is asked on while a file is waited for that
+// others have open. On failure the file is as it was and GetLastError tells the reason.
 template <typename Char, typename Writer>
 bool SaveToFile(const void* info, const void* bits, const Char* fileName,
-                const Writer& write) noexcept {
+                const dib::Progress& progress, const Writer& write) noexcept {
     const auto save = [&]() -> DWORD {
         if (fileName == nullptr) return ERROR_INVALID_PARAMETER;
         const PictureAt picture(info, bits);
@@ -42,7 +46,8 @@ bool SaveToFile(const void* info, const void* bits, const Char* fileName,
         if (result != SaveResult::kSaved) {
             return file.Error() != ERROR_SUCCESS ? file.Error() : ErrorOf(result);
         }
-        return file.Commit() ? ERROR_SUCCESS : file.Error();
+        const auto goesOn = [&] { return !progress || progress(kAllWritten); };
+        return file.Commit(files::Durability::kDisk, goesOn) ? ERROR_SUCCESS : file.Error();
     };
     DWORD error = ERROR_INTERNAL_ERROR;
     try {

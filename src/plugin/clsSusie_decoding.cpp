@@ -112,7 +112,7 @@ uint32_t clsSusie::SaveBmp(const PicturePair& picture, const std::wstring& bmpFi
     const BlockLock bits(picture.bits);
     const int saved = save == nullptr || !info || !bits
                           ? 0
-                          : save(info.Address(), bits.Address(), bmpFile.c_str(), nullptr);
+                          : save(info.Address(), bits.Address(), bmpFile.c_str(), nullptr, 0);
     if (saved == 0) throw PluginError(kErrorSavingFailed, kSavingFailedText);
     return static_cast<uint32_t>(saved);
 }

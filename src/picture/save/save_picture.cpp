@@ -44,7 +44,16 @@ std::optional<PictureParts> PartsOfFileImage(Bytes image) {
     return PictureParts{info, info.subspan(static_cast<size_t>(offset))};
 }
 
-bool SaveParts(const PictureParts& parts, const std::wstring& fileName, LONG_PTR passThrough) {
+std::optional<SaveFormat> FormatFor(const std::wstring& fileName) {
+    const std::wstring extension = UpperExtensionOf(fileName);
+    if (extension == L"BMP") return SaveFormat::kBMP;
+    if (extension == L"PNG") return SaveFormat::kPNG;
+    if (extension == L"JPG") return SaveFormat::kJPEG;
+    return std::nullopt;
+}
+
+bool SaveParts(SaveFormat format, const PictureParts& parts, const std::wstring& fileName,
+               LONG_PTR passThrough) {
     // The libraries only see addresses: whether the blocks are as large as the header says is
     // known here alone.
     if (!dib::DibView::Of(parts.info, parts.bits)) {
@@ -54,10 +63,14 @@ bool SaveParts(const PictureParts& parts, const std::wstring& fileName, LONG_PTR
     const void* const info = parts.info.data();
     const void* const bits = parts.bits.data();
     const ProcessValues& values = Values();
-    const std::wstring extension = UpperExtensionOf(fileName);
-    if (extension == L"BMP") return SaveBitmap(info, bits, fileName, values.bmpSave);
-    if (extension == L"PNG") return SavePNG(info, bits, fileName, values.pngSave, passThrough);
-    if (extension == L"JPG") return SaveJPEG(info, bits, fileName, values.jpegSave, passThrough);
+    switch (format) {
+        case SaveFormat::kBMP:
+            return SaveBitmap(info, bits, fileName, values.bmpSave, passThrough);
+        case SaveFormat::kPNG:
+            return SavePNG(info, bits, fileName, values.pngSave, passThrough);
+        case SaveFormat::kJPEG:
+            return SaveJPEG(info, bits, fileName, values.jpegSave, passThrough);
+    }
     return false;
 }
 
@@ -65,24 +78,34 @@ bool SaveParts(const PictureParts& parts, const std::wstring& fileName, LONG_PTR
 
 bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
                      LONG_PTR passThrough) {
-    if (picture.info == nullptr) return false;
+    const std::optional<SaveFormat> format = FormatFor(fileName);
+    if (!format) SetLastError(ERROR_INVALID_NAME);
+    return format && SavePictureAs(*format, picture, fileName, passThrough);
+}
+
+bool SavePictureAs(SaveFormat format, const PicturePair& picture, const std::wstring& fileName,
+                   LONG_PTR passThrough) {
+    if (picture.info == nullptr) {
+        SetLastError(ERROR_INVALID_DATA);
+        return false;
+    }
     return Trapped(false, [&] {
         const BlockLock info(picture.info);
         const BlockLock bits(picture.bits);
         if (picture.bits != nullptr) {
-            return SaveParts({info.Bytes(), bits.Bytes()}, fileName, passThrough);
+            return SaveParts(format, {info.Bytes(), bits.Bytes()}, fileName, passThrough);
         }
         const std::optional<PictureParts> parts = PartsOfFileImage(info.Bytes());
         if (!parts) SetLastError(ERROR_INVALID_DATA);
-        return parts && SaveParts(*parts, fileName, passThrough);
+        return parts && SaveParts(format, *parts, fileName, passThrough);
     });
 }
 
 bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,
-                const saving::BmpSaveOptions& options) {
+                const saving::BmpSaveOptions& options, LONG_PTR passThrough) {
     const auto save = HelperFunction<convertdib::SaveToBITMAPFileWFunction>(
         L"convertdib.dll", convertdib::kSaveToBITMAPFileWName);
-    return save != nullptr && save(info, bits, fileName.c_str(), &options) != 0;
+    return save != nullptr && save(info, bits, fileName.c_str(), &options, passThrough) != 0;
 }
 
 bool SavePNG(const void* info, const void* bits, const std::wstring& fileName,

@@ -10,18 +10,26 @@
 
 namespace tessary {
 
+// Formats in the order of the save dialog's list, which counts them from 1.
+enum class SaveFormat { kBMP = 1, kPNG = 2, kJPEG = 3 };
+constexpr int kSaveFormatCount = 3;
+
 // Saves a picture under a name whose extension (BMP, PNG or JPG, in any case) chooses the format;
 // every other name is refused. The file replaces what is there when it is complete. A pair without
 // a bits block is taken to hold the image of a whole bitmap file in its info block. The pair must
-// be plain (helpers/dib/dib_view.h) and stays the caller's. `passThrough` goes to the PNG and JPEG
-// writers unchanged: the address of a saving::ProgressCallback, 0 for none. False, without a
-// message, when nothing was saved.
+// be plain (helpers/dib/dib_view.h) and stays the caller's. `passThrough` goes to the writers
+// unchanged: the address of a saving::ProgressCallback, 0 for none. False, without a message, when
+// nothing was saved; GetLastError tells why (app/base/file_error.h).
 bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
                      LONG_PTR passThrough);
 
+// The same in a format that the caller has chosen, whatever the name.
+bool SavePictureAs(SaveFormat format, const PicturePair& picture, const std::wstring& fileName,
+                   LONG_PTR passThrough);
+
 // One format each, for the addresses of the locked blocks of a plain pair.
 bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,
-                const saving::BmpSaveOptions& options);
+                const saving::BmpSaveOptions& options, LONG_PTR passThrough = 0);
 bool SavePNG(const void* info, const void* bits, const std::wstring& fileName,
              const saving::PngSaveOptions& options, LONG_PTR passThrough);
 bool SaveJPEG(const void* info, const void* bits, const std::wstring& fileName,

@@ -43,10 +43,9 @@ const wchar_t* ExtensionOf(SaveFormat format) {
 }
 
 std::wstring WithExtensionOf(SaveFormat format, const std::wstring& name) {
-    const std::wstring extension = UpperExtensionOf(name);
-    if (extension == ToUpper(ExtensionOf(format))) return name;
-    const std::wstring stem =
-        FormatOfExtension(extension) ? name.substr(0, name.rfind(L'.')) : name;
+    const std::optional<SaveFormat> own = FormatOfName(name);
+    if (own == format) return name;
+    const std::wstring stem = own ? name.substr(0, name.rfind(L'.')) : name;
     return stem + L'.' + ExtensionOf(format);
 }
 

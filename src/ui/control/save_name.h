@@ -4,11 +4,9 @@
 #include <optional>
 #include <string>
 
-namespace tessary {
+#include "picture/save/save_picture.h"
 
-// Formats in the order of the save dialog's list, which counts them from 1.
-enum class SaveFormat { kBMP = 1, kPNG = 2, kJPEG = 3 };
-constexpr int kSaveFormatCount = 3;
+namespace tessary {
 
 // The extension that the format's files get, without its dot.
 const wchar_t* ExtensionOf(SaveFormat format);
@@ -16,8 +14,9 @@ const wchar_t* ExtensionOf(SaveFormat format);
 // The format that a name's extension stands for, in any of its spellings; none for all others.
 std::optional<SaveFormat> FormatOfName(const std::wstring& name);
 
-// A name with the extension of a format in place of one of the formats, or behind the name: a file
-// is always what its name says.
+// A name with an extension of the format: its own where that is one of them in any spelling, else
+// the usual one, in place of another format's or behind the name. A file is always what its name
+// says.
 std::wstring WithExtensionOf(SaveFormat format, const std::wstring& name);
 
 // The name to propose for a picture of that file or archive member: its own, without extension and
