@@ -6,6 +6,7 @@
 
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "app/base/write_error.h"
 #include "app/settings/modValue.h"
 #include "convert/convert_progress.h"
 #include "convert/convert_run.h"
@@ -39,7 +40,7 @@ struct ConvertRun::Expansion {
 // `folder(0)` to `folder(10)`: the archive itself may have the name. Of the user's archives of one
 // name each gets one, in the order of their paths, so that the order of the list does not matter.
 // Empty when none can be made.
-std::wstring ConvertRun::MakeExpansionFolder(const WorkEntry& entry, bool& isNew) {
+std::wstring ConvertRun::MakeExpansionFolder(const WorkEntry& entry, bool& isNew, DWORD& error) {
     const std::wstring folder = entry.folder + FileNameOf(entry.path);
     ptrdiff_t before = 0;
     if (!entry.IsExtracted() && Values().convert.onConflict != kConflictOverwrite) {
@@ -57,6 +58,7 @@ std::wstring ConvertRun::MakeExpansionFolder(const WorkEntry& entry, bool& isNew
         }
         if (--before >= 0 || expansionFolders_.contains(ToUpper(candidate))) continue;
         if (!MakeFolder(candidate)) {
+            error = GetLastError();
             ++failures;
             continue;
         }
@@ -125,11 +127,12 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const WorkEntry& entry, i
         return true;
     }
     bool isNew = false;
-    const std::wstring folder = MakeExpansionFolder(entry, isNew);
+    DWORD error = ERROR_PATH_NOT_FOUND;  // files stand where folders should
+    const std::wstring folder = MakeExpansionFolder(entry, isNew, error);
     if (folder.empty()) {
         log_.WriteConvertLog(L"[エラー]",
                              L"フォルダの作成に失敗しました。圧縮ファイルの展開を中止します", 2);
-        Report(FileOutcome::kFailed, FileReason::kNoTargetFolder);
+        ReportUnwritten(error, entry.folder);
         return true;
     }
     log_.WriteConvertLog(L"合計ファイル数", std::to_wstring(count), 2);
@@ -204,13 +207,28 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
     }
     const std::wstring path = start + name;
     expansion.record->Add(path);
-    if (const uint32_t result = ResultOf([&] {
-            expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress);
-        })) {
+    uint32_t result = 0;
+    DWORD error = ERROR_SUCCESS;
+    try {
+        result = ResultOf(
+            [&] { expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress); });
+    } catch (const UnwrittenFileError& unwritten) {
+        error = unwritten.SystemError();
+    }
+    if (error != ERROR_SUCCESS) {
+        // The plug-in has done what it should.
+        const FileReason reason = ReasonOfWriteError(error, path);
+        const std::wstring text = WriteErrorText(error);
+        refuse(FileOutcome::kFailed, reason,
+               reason == FileReason::kWriteFailed ? text : std::wstring());
+        log_.WriteConvertLog(text, {}, 6);
+    } else if (result != 0) {
         const PluginFailure failure = FailureOf(expansion.archive, result);
         refuse(FileOutcome::kFailed, ReasonOf(failure),
                FailureText(failure, expansion.archive.DllName()));
         WritePluginError(failure, 6);
+    }
+    if (error != ERROR_SUCCESS || result != 0) {
         DeleteFiles(path, true);
         expansion.record->Remove(path);
         return entry;

@@ -11,6 +11,7 @@
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "app/base/write_error.h"
 #include "app/settings/modValue.h"
 
 namespace tessary {
@@ -70,19 +71,26 @@ std::wstring LogRefusal(std::span<const ConvertSource> files) {
 
 void ConvertLog::Open() {
     ConvertSettings& settings = Values().convert;
+    if (!Values().logFileGivenUp) Values().logFileError = ERROR_SUCCESS;
     if (settings.outputErrorLog != 1) return;
     const OpenMode mode = settings.outputAddMode == 0 ? OpenMode::kOutput : OpenMode::kAppend;
-    fileNumber_ = files_.OpenFileNumber(LogPath(settings.errorLogFileName), mode,
-                                        OpenAccess::kWrite, OpenLock::kDenyWrite);
+    const std::wstring path = LogPath(settings.errorLogFileName);
+    fileNumber_ = files_.OpenFileNumber(path, mode, OpenAccess::kWrite, OpenLock::kDenyWrite);
     if (fileNumber_ != 0) return;
+    const DWORD error = LastWriteError(path);
     settings.outputErrorLog = 0;
     Values().logFileGivenUp = true;
-    for (const wchar_t* line : {L"!!! エラー                             !!!",
-                                L"!!! ログファイルがオープンできません。 !!!",
+    GiveUp(L"!!! ログファイルがオープンできません。 !!!", error);
+}
+
+void ConvertLog::GiveUp(const wchar_t* what, uint32_t error) {
+    Values().logFileError = error;
+    for (const wchar_t* line : {L"!!! エラー                             !!!", what,
                                 L"!!! ログファイルの作成を中止して       !!!",
                                 L"!!! 処理を継続します。                 !!!"}) {
-        WriteConvertLog(line, {}, 0);
+        ShowLine(line);
     }
+    ShowLine(LineOf(L"詳細情報", WriteErrorText(error), 4));
 }
 
 void ConvertLog::Close() {
@@ -92,9 +100,16 @@ void ConvertLog::Close() {
 
 void ConvertLog::WriteConvertLog(std::wstring_view label, std::wstring_view value, int16_t indent) {
     const std::wstring line = LineOf(label, value, indent);
+    ShowLine(line);
+    if (fileNumber_ == 0 || files_.WriteLine(fileNumber_, ToAnsi(line))) return;
+    const DWORD error = GetLastError();
+    Close();
+    GiveUp(L"!!! ログファイルに書き込めません。     !!!", error);
+}
+
+void ConvertLog::ShowLine(const std::wstring& line) {
     if (monitor_.LogLineCount() > kMostLogLines) monitor_.RemoveFirstLogLine();
     monitor_.AddLogLine(line);
-    if (Values().convert.outputErrorLog == 1) files_.WriteLine(fileNumber_, ToAnsi(line));
     monitor_.Breathe();
 }
 

@@ -30,7 +30,8 @@ class ConvertLog {
     explicit ConvertLog(ConvertMonitor& monitor) : monitor_(monitor) {}
 
     // Opens the log file of the settings if they want one. If it cannot be opened, tells so and
-    // switches the setting off until the program ends; in the store it stays on.
+    // switches the setting off until the program ends; in the store it stays on. One that takes no
+    // more lines later is told of too, and left as it is.
     void Open();
     void Close();
 
@@ -43,6 +44,10 @@ class ConvertLog {
     void WriteSeparator() { WriteConvertLog({}, {}, 0); }
 
   private:
+    void ShowLine(const std::wstring& line);
+    // Tells that the file is not written, or no more.
+    void GiveUp(const wchar_t* what, uint32_t error);
+
     ConvertMonitor& monitor_;
     NumberedFiles files_;
     int16_t fileNumber_ = 0;

@@ -103,14 +103,14 @@ DWORD ConvertRun::SaveAndRead(const PicturePair& picture, const std::wstring& ou
             return ERROR_SUCCESS;
         }
         const DWORD error = GetLastError();
-        return error == ERROR_SUCCESS ? DWORD{ERROR_INVALID_FUNCTION} : error;
+        return error == ERROR_SUCCESS ? DWORD{ERROR_WRITE_FAULT} : error;
     };
     const bool isSmall =
         LocalHandleSize(picture.info) + LocalHandleSize(picture.bits) <= kMostMeanwhile;
     const auto next = Trapped(std::optional<std::wstring>(),
                               [&] { return isSmall ? NextToRead(output) : std::nullopt; });
     if (!next) return save();
-    DWORD error = ERROR_INVALID_FUNCTION;
+    DWORD error = ERROR_WRITE_FAULT;
     monitor_.FileReached(FileStage::kReadAhead, {.source = *next});
     {
         const SideJob saving([&, saved = report_]() mutable {
@@ -183,15 +183,17 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const Wo
         log_.WriteConvertLog(L"同じ名前のファイルがあるため別名で保存します", {}, 4);
     }
     if (choice.isReplaced) log_.WriteConvertLog(L"既存のファイルを置き換えます", {}, 4);
-    if (Values().convert.keepFolders) MakeFolder(entry.folder);
+    DWORD error = ERROR_SUCCESS;
+    if (Values().convert.keepFolders && !MakeFolder(entry.folder)) error = GetLastError();
     if (Values().convert.onConflict == kConflictOverwrite) MakeWayFor(choice.path);
     const FileReason reason = report_.isDamaged  ? FileReason::kDamaged
                               : entry.isNumbered ? FileReason::kTargetExists
                                                  : choice.reason;
     Note(FileOutcome::kConverted, reason, damage);
-    if (const DWORD error = SaveAndRead(picture, choice.path); error != ERROR_SUCCESS) {
+    if (error == ERROR_SUCCESS) error = SaveAndRead(picture, choice.path);
+    if (error != ERROR_SUCCESS) {
         log_.WriteConvertLog(L"保存に失敗しました", FileNameOf(choice.path), 2);
-        Report(FileOutcome::kFailed, ReasonOfWriteError(error, choice.path));
+        ReportUnwritten(error, choice.path);
         return StepResult::kNotSaved;
     }
     names_.AddResult(choice.path, entry, !choice.isReplaced);

@@ -82,7 +82,8 @@ class ConvertRun {
     struct Expansion;
     // A member; without a path when it could not be extracted.
     WorkEntry ExpandMember(Expansion& expansion, int32_t index);
-    std::wstring MakeExpansionFolder(const WorkEntry& entry, bool& isNew);
+    // `error` receives the system's where none can be made.
+    std::wstring MakeExpansionFolder(const WorkEntry& entry, bool& isNew, DWORD& error);
 
     // --- Shared ---
 
@@ -108,6 +109,8 @@ class ConvertRun {
     void Report(FileOutcome outcome, FileReason reason = FileReason::kNone, std::wstring text = {});
     // The same, for the time being.
     void Note(FileOutcome outcome, FileReason reason, std::wstring text);
+    // A file that could not be written, with the system's error: in the log and as a report.
+    void ReportUnwritten(DWORD error, const std::wstring& path);
     // An extracted member that is still to be converted gives up a path that an output needs.
     void MakeWayFor(const std::wstring& output);
     // Deletes an extracted member that has done its service, unless it is an output by now.

@@ -4,6 +4,7 @@
 
 #include "app/base/fetch_file.h"
 #include "app/base/paths.h"
+#include "helpers/files/refusal.h"
 
 namespace tessary {
 namespace {
@@ -77,10 +78,18 @@ ReasonName NameOf(FileReason reason) {
             return {L"access-denied", L"アクセスが拒否された"};
         case FileReason::kTargetInUse:
             return {L"target-in-use", L"保存先のファイルが使用中"};
+        case FileReason::kProtectedFolder:
+            return {L"protected-folder",
+                    L"セキュリティ機能（コントロールされたフォルダー "
+                    L"アクセスなど）が保存先への書き込みを止めた"};
         case FileReason::kNoTargetFolder:
             return {L"no-target-folder", L"保存先のフォルダがない"};
+        case FileReason::kTargetLost:
+            return {L"target-lost", L"書き込んだファイルが保存先で失われた"};
         case FileReason::kNotSavable:
             return {L"not-savable", L"この形式では保存できない画像"};
+        case FileReason::kWriteFailed:
+            return {L"write-failed", L"書き込めない"};
         case FileReason::kProcessEnded:
             return {L"process-ended", L"途中でプロセスが終了した"};
         case FileReason::kUnexpected:
@@ -144,8 +153,12 @@ FileReason ReasonOfWriteError(unsigned long error, const std::wstring& target) {
         case ERROR_INVALID_DATA:
         case ERROR_FILE_TOO_LARGE:
             return FileReason::kNotSavable;
+        case files::kErrorProtectedFolder:
+            return FileReason::kProtectedFolder;
+        case ERROR_FILE_INVALID:
+            return FileReason::kTargetLost;
         default:
-            return FileReason::kUnexpected;
+            return FileReason::kWriteFailed;
     }
 }
 

@@ -50,8 +50,11 @@ enum class FileReason {
     kReadOnlyTarget,
     kAccessDenied,
     kTargetInUse,
+    kProtectedFolder,  // the target's, by a security feature of the system
     kNoTargetFolder,
-    kNotSavable,  // not in this format
+    kTargetLost,   // its file system has lost what was written
+    kNotSavable,   // not in this format
+    kWriteFailed,  // for another reason, in the system's words
     kProcessEnded,
     kUnexpected,
 };

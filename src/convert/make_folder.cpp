@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "app/base/paths.h"
+#include "app/base/write_error.h"
 
 namespace tessary {
 
@@ -14,9 +15,16 @@ bool MakeFolder(const std::wstring& folder) {
         path.pop_back();
     const std::wstring parent = FolderOf(path);
     // Nothing is left above a drive or `\\server`.
-    if (parent.empty() || parent == LR"(\\)" || parent == LR"(\\?\)") return false;
+    if (parent.empty() || parent == LR"(\\)" || parent == LR"(\\?\)") {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        return false;
+    }
     if (!IsFolder(parent) && !MakeFolder(parent)) return false;
-    return CreateDirectoryW(ExtendedPath(path).c_str(), nullptr) != FALSE || IsFolder(path);
+    if (CreateDirectoryW(ExtendedPath(path).c_str(), nullptr)) return true;
+    const DWORD error = LastWriteError(path);
+    if (IsFolder(path)) return true;
+    SetLastError(error);
+    return false;
 }
 
 }  // namespace tessary

@@ -10,6 +10,7 @@
 #include "app/base/paths.h"
 #include "app/base/stay_awake.h"
 #include "app/base/text.h"
+#include "app/base/write_error.h"
 #include "app/settings/modValue.h"
 #include "convert/convert_progress.h"
 #include "convert/convert_run.h"
@@ -121,6 +122,14 @@ void ConvertRun::Note(FileOutcome outcome, FileReason reason, std::wstring text)
     report_.reason = reason;
     if (outcome != FileOutcome::kConverted) report_.isRenamed = report_.isReplaced = false;
     report_.text = text.empty() ? ReasonText(reason) : std::move(text);
+}
+
+void ConvertRun::ReportUnwritten(DWORD error, const std::wstring& path) {
+    const FileReason reason = ReasonOfWriteError(error, path);
+    const std::wstring text = WriteErrorText(error);
+    log_.WriteConvertLog(L"詳細情報", text, 4);
+    Report(FileOutcome::kFailed, reason,
+           reason == FileReason::kWriteFailed ? text : std::wstring());
 }
 
 void ConvertRun::ConvertEntry() {

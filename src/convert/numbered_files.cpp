@@ -77,9 +77,12 @@ bool NumberedFiles::WriteLine(int16_t number, std::string_view line) {
     // In one go: a full disk or a crash must not leave half a line without its end.
     const std::string whole = std::string(line) + "\r\n";
     DWORD written = 0;
-    return WriteFile(file->second.Get(), whole.data(), static_cast<DWORD>(whole.size()), &written,
-                     nullptr) &&
-           written == whole.size();
+    if (!WriteFile(file->second.Get(), whole.data(), static_cast<DWORD>(whole.size()), &written,
+                   nullptr)) {
+        return false;
+    }
+    if (written != whole.size()) SetLastError(ERROR_DISK_FULL);
+    return written == whole.size();
 }
 
 }  // namespace tessary

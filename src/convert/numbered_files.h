@@ -25,15 +25,15 @@ enum class OpenLock : int16_t { kShared = 1, kDenyRead = 2, kDenyWrite = 3, kDen
 // The files of one user of this; they are closed at the end of its life.
 class NumberedFiles {
   public:
-    // The number of the opened file, from 1; 0 when it cannot be opened so. Selectors outside their
-    // enumerations are failures.
+    // The number of the opened file, from 1; 0 when it cannot be opened so, and GetLastError tells
+    // why. Selectors outside their enumerations are failures.
     int16_t OpenFileNumber(const std::wstring& path, OpenMode mode, OpenAccess access,
                            OpenLock lock);
     // Closes the file of that number; any other number does nothing.
     void CloseFileNumber(int16_t number);
 
     // Adds a line, to which CR and LF are added, where the file stands. It is with the system when
-    // this returns. False when it could not be written.
+    // this returns. False when it could not be written whole; GetLastError tells why.
     bool WriteLine(int16_t number, std::string_view line);
 
   private:

@@ -10,6 +10,7 @@
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "app/base/write_error.h"
 #include "app/first_run.h"
 #include "app/helper_libraries.h"
 #include "app/settings/modValue.h"
@@ -82,7 +83,18 @@ bool LoadPlugins(const StopRequest& stop, ConsoleStream& errors) {
     });
 }
 
-// Neither report nor log may take the place of a picture.
+// What could not be written, and why.
+void TellUnwritten(const wchar_t* what, const std::wstring& path, DWORD error,
+                   ConsoleStream& errors) {
+    errors.WriteLine(what + path);
+    errors.WriteLine(L"  " + WriteErrorText(error));
+}
+
+void TellBadReport(const JsonReport& report, const ConsoleOptions& options, ConsoleStream& errors) {
+    TellUnwritten(L"レポートに書き込めません: ", options.reportFile, report.Error(), errors);
+}
+
+// Neither report nor log may take the place of a picture, or of each other.
 bool AreOutputsFree(const ConsoleOptions& options, const InputFiles& inputs,
                     ConsoleStream& errors) {
     std::wstring refusal = LogRefusal(inputs.files);
@@ -92,6 +104,11 @@ bool AreOutputsFree(const ConsoleOptions& options, const InputFiles& inputs,
             return IsSameFile(file.path, report);
         })) {
         refusal = L"変換するファイルには書き込めません: " + report;
+    }
+    const ConvertSettings& settings = Values().convert;
+    if (!report.empty() && settings.outputErrorLog == 1 &&
+        IsSameFile(LogPath(settings.errorLogFileName), report)) {
+        refusal = L"ログとレポートを同じファイルには書き込めません: " + report;
     }
     if (!refusal.empty()) errors.WriteLine(refusal);
     return refusal.empty();
@@ -109,13 +126,14 @@ int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, Json
     const bool isReportBegun = report.IsGood();
     const bool ended = inputs.files.empty() || ConvertFiles(options.targetFolder, monitor);
     monitor.WriteSummary();
-    if (Values().logFileGivenUp) {
-        errors.WriteLine(L"ログファイルに書き込めません: " + Values().convert.errorLogFileName);
+    if (const DWORD error = Values().logFileError; error != ERROR_SUCCESS) {
+        TellUnwritten(L"ログファイルに書き込めません: ", LogPath(Values().convert.errorLogFileName),
+                      error, errors);
         isSetUp = false;
     }
     if (!report.IsGood()) {
         // Otherwise it has been told.
-        if (isReportBegun) errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
+        if (isReportBegun) TellBadReport(report, options, errors);
         isSetUp = false;
     }
     if (monitor.AreAllFiltered()) {
@@ -147,7 +165,8 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
     }
     if (!Values().startupNotice.empty()) errors.WriteLine(Values().startupNotice);
     if (!MakeFolder(options.targetFolder)) {
-        errors.WriteLine(L"保存先のフォルダを作成できません: " + options.targetFolder);
+        const DWORD error = GetLastError();
+        TellUnwritten(L"保存先のフォルダを作成できません: ", options.targetFolder, error, errors);
         return kExitSetupError;
     }
     const InputFiles inputs = FindInputFiles(options.inputs, options.recursive);
@@ -156,7 +175,7 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
     if (!AreOutputsFree(options, inputs, errors)) return kExitSetupError;
     JsonReport report(options.reportFile);
     if (!report.IsGood()) {
-        errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
+        TellBadReport(report, options, errors);
     } else if (!options.reportFile.empty()) {
         JournalReportBegun();
     }
@@ -189,7 +208,7 @@ void TellJournal(const WorkerEnd& end, const ConsoleOptions& options, bool isSto
         }
     }
     summary.Write(errors, options.isQuiet);
-    if (!report.IsGood()) errors.WriteLine(L"レポートに書き込めません: " + options.reportFile);
+    if (!report.IsGood()) TellBadReport(report, options, errors);
 }
 
 // Names the plug-in that has ended the worker, as far as the call log tells. The next start holds

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "app/base/paths.h"
+#include "app/base/write_error.h"
 #include "convert_cli/console_options.h"
 
 namespace tessary {
@@ -105,23 +106,28 @@ JsonReport::JsonReport(const std::wstring& path, Start start) {
     isAscii_ = path == kStandardOutput;
     if (isAscii_) {
         file_ = StandardOutput();
-        isGood_ = static_cast<bool>(file_);
+        if (!file_) error_ = ERROR_INVALID_HANDLE;
         return;
     }
     file_ = UniqueFile(CreateFileW(ExtendedPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ,
                                    nullptr, start == Start::kAnew ? CREATE_ALWAYS : OPEN_EXISTING,
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (file_) SetFilePointer(file_.Get(), 0, nullptr, FILE_END);
-    isGood_ = static_cast<bool>(file_);
+    if (!file_) {
+        error_ = LastWriteError(path);
+    } else {
+        SetFilePointer(file_.Get(), 0, nullptr, FILE_END);
+    }
 }
 
 void JsonReport::Add(const FileReport& report) {
     if (!file_) return;
     const std::string line = JsonLine(report, isAscii_) + '\n';
     DWORD written = 0;
-    isGood_ =
-        WriteFile(file_.Get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr) &&
-        written == line.size() && isGood_;
+    if (!WriteFile(file_.Get(), line.data(), static_cast<DWORD>(line.size()), &written, nullptr)) {
+        error_ = GetLastError();
+    } else if (written != line.size()) {
+        error_ = ERROR_DISK_FULL;
+    }
 }
 
 }  // namespace tessary

@@ -1,6 +1,7 @@
 // What became of each file, for programs: one JSON object in a line.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "app/base/handles.h"
@@ -16,14 +17,16 @@ class JsonReport {
     explicit JsonReport(const std::wstring& path, Start start = Start::kAnew);
 
     // False when the file could not be opened, or has not taken all that was written.
-    bool IsGood() const { return isGood_; }
+    bool IsGood() const { return error_ == 0; }
+    // Why, as the system's error.
+    uint32_t Error() const { return error_; }
     // Hands the line to the system at once.
     void Add(const FileReport& report);
 
   private:
     UniqueFile file_;
     bool isAscii_ = false;
-    bool isGood_ = true;
+    uint32_t error_ = 0;
 };
 
 // The line, without its end; in UTF-8, or with escapes for all that is not ASCII.

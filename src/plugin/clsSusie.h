@@ -163,8 +163,8 @@ class clsSusie {
     // Extracts it into the file `fileName`, a safe relative name (member_file_name.h), below
     // `folder`, which must exist; folders in between are made. A file that is there is replaced
     // when the member is complete. A member without bytes becomes an empty file. Raises DecodeError
-    // when the plug-in fails, and kErrorSavingFailed when the file cannot be written, as when a
-    // folder in between turns out to be a link to another place.
+    // when the plug-in fails, and UnwrittenFileError when the file cannot be written, as when the
+    // disk is full or a folder in between turns out to be a link to another place.
     void DecodeArchive(int32_t index, const std::wstring& folder, const std::wstring& fileName,
                        const SusieProgress& progress);
 

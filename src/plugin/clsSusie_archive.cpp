@@ -104,8 +104,8 @@ void clsSusie::DecodeArchive(int32_t index, const std::wstring& folder,
         if (member.fileSize != 0) RequireContent(content);
         const BlockLock lock(content.Get());
         const size_t size = MemberSize(lock.Bytes(), member);
-        if (!WriteMemberFile(folder, fileName, lock.Bytes().first(size))) {
-            throw PluginError(kErrorSavingFailed, kSavingFailedText);
+        if (const uint32_t error = WriteMemberFile(folder, fileName, lock.Bytes().first(size))) {
+            throw UnwrittenFileError(error);
         }
     });
 }
@@ -181,6 +181,10 @@ int32_t clsSusie::ExtractOverDisk(const Source& archive, const susie::FileInfo& 
             extractsToDisk_ = true;
         }
     }
+    // Plug-ins have no answer that means this, and some do not notice.
+    const auto size = static_cast<size_t>(content ? LocalHandleSize(content.Get()) : 0);
+    const bool isWhole = result == susie::kSuccess && size >= member.fileSize;
+    if (!isWhole && folder.IsDiskFull()) throw UnwrittenFileError(ERROR_DISK_FULL);
     if (!content && calls_.ErrorSerial() == before) {
         // The last error is not to stay that the plug-in cannot extract to memory.
         calls_.SetError(kExtractingFailedText, L"GetFile");

@@ -107,4 +107,18 @@ class DecodeError : public PluginError {
     uint32_t result_;
 };
 
+// A file of ours, not the plug-in's fault, that could not be written.
+class UnwrittenFileError : public PluginError {
+  public:
+    // The system's error.
+    explicit UnwrittenFileError(uint32_t systemError,
+                                const wchar_t* description = kSavingFailedText)
+        : PluginError(kErrorSavingFailed, description), systemError_(systemError) {}
+
+    uint32_t SystemError() const { return systemError_; }
+
+  private:
+    uint32_t systemError_;
+};
+
 }  // namespace tessary

@@ -11,6 +11,7 @@
 #include "app/base/handles.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
+#include "app/base/write_error.h"
 #include "plugin/plugin_error.h"
 
 namespace tessary {
@@ -106,19 +107,30 @@ PrivateFolder::PrivateFolder() {
     std::call_once(swept, [] { Trapped(RemoveAbandonedFolders); });
     const std::wstring start = TemporaryFolder() + std::wstring(kNameStart) +
                                std::to_wstring(GetCurrentProcessId()) + L'_';
+    DWORD error = ERROR_SUCCESS;
     // A process id comes again: what one that died has left is not to be met.
     for (int i = 0; i < kMostTries; ++i) {
         path_ = start + std::to_wstring(GetTickCount64() + static_cast<ULONGLONG>(i));
-        if (!CreateDirectoryW(path_.c_str(), nullptr)) continue;
+        if (!CreateDirectoryW(path_.c_str(), nullptr)) {
+            error = LastWriteError(path_);
+            continue;
+        }
         if (CreateDirectoryW(Target().c_str(), nullptr)) return;
+        error = LastWriteError(path_);
         RemoveDirectoryW(path_.c_str());
         break;
     }
-    throw PluginError(kErrorSavingFailed, kNoTemporaryFolderText);
+    throw UnwrittenFileError(error, kNoTemporaryFolderText);
 }
 
 PrivateFolder::~PrivateFolder() {
     Trapped([&] { RemoveTree(path_); });
+}
+
+bool PrivateFolder::IsDiskFull() const {
+    constexpr ULONGLONG kRest = 64 << 10;
+    ULARGE_INTEGER free{};
+    return GetDiskFreeSpaceExW(path_.c_str(), &free, nullptr, nullptr) && free.QuadPart < kRest;
 }
 
 std::wstring PrivateFolder::Target() const {

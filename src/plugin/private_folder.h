@@ -9,7 +9,7 @@ namespace tessary {
 // object's life.
 class PrivateFolder {
   public:
-    // Raises PluginError (kErrorSavingFailed) when no folder can be made.
+    // Raises UnwrittenFileError when no folder can be made.
     PrivateFolder();
     PrivateFolder(const PrivateFolder&) = delete;
     PrivateFolder& operator=(const PrivateFolder&) = delete;
@@ -21,6 +21,9 @@ class PrivateFolder {
 
     // The full path of a file that is in the folder or in one below it; empty when there is none.
     std::wstring FirstFile() const;
+
+    // Whether there is hardly any room left for it: plug-ins do not tell.
+    bool IsDiskFull() const;
 
   private:
     std::wstring path_;

@@ -45,6 +45,8 @@ constexpr int32_t kConflictSkip = 1;       // leaves it as it is
 constexpr int32_t kConflictOverwrite = 2;  // replaces whatever is there
 constexpr int32_t kConflictAsk = 3;        // asks the user, where there is one
 
+constexpr int32_t kMostArchiveDepth = 99;
+
 // Settings of the section `Convert`.
 struct ConvertSettings {
     std::wstring openPath;
@@ -104,6 +106,9 @@ struct ProcessValues {
     // The conversion log's file could not be opened: convert.outputErrorLog is 0 until the program
     // ends or the user chooses anew, and the store keeps the user's 1.
     bool logFileGivenUp = false;
+    // Why the log file of the last conversion could not be opened, or not be written to its end, as
+    // the system's error; 0: nothing is amiss.
+    uint32_t logFileError = 0;
 };
 
 // The one instance.

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <type_traits>
 
 #include "app/base/error.h"
@@ -143,6 +144,15 @@ void TransferConvertTail(const auto& transfer, int16_t& outputErrorLog) {
     transfer(L"ArchiveDepth", convert.archiveDepth, L"3");
 }
 
+// Whoever has written another number by hand gets the choice that changes least, and the depth
+// that is nearest.
+void PutRight(ConvertSettings& convert) {
+    if (convert.onConflict < kConflictFreeName || convert.onConflict > kConflictAsk) {
+        convert.onConflict = kConflictFreeName;
+    }
+    convert.archiveDepth = std::clamp(convert.archiveDepth, 1, kMostArchiveDepth);
+}
+
 // Runs a transfer; whatever fails in it is told with `text` and yields false.
 template <typename Body>
 bool Transferred(std::wstring_view text, unsigned style, Body body) {
@@ -172,6 +182,7 @@ bool ReadConvertSettings() {
         TransferConvertMask(section);
         TransferConvertUnknown(section);
         TransferConvertTail(section, Values().convert.outputErrorLog);
+        PutRight(Values().convert);
         TransferFileFormat(SectionReader(L"FileFormat"));
     });
 }

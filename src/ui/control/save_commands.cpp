@@ -7,7 +7,7 @@
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/task_modal.h"
-#include "app/base/text.h"
+#include "app/base/write_error.h"
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
 #include "picture/save/save_picture.h"
@@ -51,48 +51,12 @@ std::wstring WithoutBackslash(const std::wstring& folder) {
     return folder.size() > 3 ? RemoveBackslash(folder) : folder;
 }
 
-std::wstring SystemText(DWORD error) {
-    wchar_t text[512]{};
-    const DWORD length = FormatMessageW(
-        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
-        nullptr, error, 0, text, 512, nullptr);
-    return std::wstring(TrimSpaces({text, length})) + L"(エラー " + std::to_wstring(error) + L")";
-}
-
-// A line of its own; empty when the reason is unknown.
-std::wstring Reason(DWORD error) {
-    switch (error) {
-        case ERROR_SUCCESS:
-            return {};
-        case ERROR_ACCESS_DENIED:
-        case ERROR_WRITE_PROTECT:
-            return L"\r\n書き込む権限がないか、読み取り専用です。";
-        case ERROR_DISK_FULL:
-        case ERROR_HANDLE_DISK_FULL:
-            return L"\r\nディスクの空き容量が足りません。";
-        case ERROR_SHARING_VIOLATION:
-        case ERROR_LOCK_VIOLATION:
-            return L"\r\nファイルはほかのアプリケーションで使用中です。";
-        case ERROR_FILE_NOT_FOUND:
-        case ERROR_PATH_NOT_FOUND:
-            return L"\r\nフォルダが見つかりません。";
-        case ERROR_NOT_ENOUGH_MEMORY:
-        case ERROR_OUTOFMEMORY:
-            return L"\r\nメモリが足りません。";
-        case ERROR_FILE_TOO_LARGE:
-            return L"\r\nこの形式で保存できる大きさを超えています。";
-        case ERROR_INVALID_DATA:
-            return L"\r\nこの画像はこの形式では保存できません。";
-        default:
-            return L"\r\n" + SystemText(error);
-    }
-}
-
 enum class Saved { kYes, kNo, kStopped };
 
 // Closing the program waits for the end: only the user who stops it gives up a picture. `error`
 // receives the reason for kNo.
-Saved SaveTellingProgress(const std::wstring& path, frmMain& window, DWORD& error) {
+Saved SaveTellingProgress(SaveFormat format, const std::wstring& path, frmMain& window,
+                          DWORD& error) {
     const ReadUnderWay busy;  // the picture must stay as it is
     const BusyPointer pointer;
     const TaskModal others(nullptr);
@@ -103,7 +67,9 @@ Saved SaveTellingProgress(const std::wstring& path, frmMain& window, DWORD& erro
         return !shown.IsStopped();
     });
     SetLastError(ERROR_SUCCESS);
-    if (SavePictureFile(CurrentPicture(), path, SaveProgress::PassThrough())) return Saved::kYes;
+    if (SavePictureAs(format, CurrentPicture(), path, SaveProgress::PassThrough())) {
+        return Saved::kYes;
+    }
     error = GetLastError();
     return shown.IsStopped() ? Saved::kStopped : Saved::kNo;
 }
@@ -171,12 +137,13 @@ void SaveCommands::menuFileSaveAs_Click() {
     if (!accepted || CurrentPicture().info == nullptr) return;
     format_ = chosen.format;
     Values().general.savePath = WithoutBackslash(FolderOf(chosen.path));
-    Save(chosen.path);
+    Save(chosen);
 }
 
-void SaveCommands::Save(const std::wstring& path) {
+void SaveCommands::Save(const Choice& chosen) {
+    const std::wstring& path = chosen.path;
     DWORD error = ERROR_SUCCESS;
-    const Saved saved = SaveTellingProgress(path, window_, error);
+    const Saved saved = SaveTellingProgress(chosen.format, path, window_, error);
     window_.CloseIfAsked();
     if (saved == Saved::kYes) window_.TellSaved(path);
     if (saved == Saved::kStopped && !Values().quitRequested) {
@@ -184,8 +151,9 @@ void SaveCommands::Save(const std::wstring& path) {
                        MB_ICONINFORMATION);
     }
     if (saved == Saved::kNo) {
-        ShowMessageBox(L"ファイル " + path + L" に保存できません。" + Reason(error),
-                       MB_ICONEXCLAMATION);
+        std::wstring text = L"ファイル " + path + L" に保存できません。";
+        if (error != ERROR_SUCCESS) text += L"\r\n" + WriteErrorText(error);
+        ShowMessageBox(text, MB_ICONEXCLAMATION);
     }
 }
 

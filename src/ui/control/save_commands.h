@@ -37,7 +37,7 @@ class SaveCommands {
     SaveFormat FormatToBegin() const;
     SaveDialogRequest RequestFor(Choice& chosen) const;
     bool MayReplace(const Choice& chosen) const;
-    void Save(const std::wstring& path);
+    void Save(const Choice& chosen);
 
     frmMain& window_;
     Chooser choose_;

@@ -122,6 +122,7 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     bool leaving_ = false;  // asked to close while a folder is being listed
     bool continue_ = false;
     bool ended_ = false;     // the last run has got to its end
+    std::wstring trouble_;   // why it has no folder to save to, or no log; empty: it has
     bool refusing_ = false;  // the user is being told that a run is under way
     Progress total_;
     Progress file_;

@@ -2,8 +2,10 @@
 #include "app/base/call_user.h"
 #include "app/base/message_box.h"
 #include "app/base/raised_flag.h"
+#include "app/base/write_error.h"
 #include "app/settings/modValue.h"
 #include "convert/convert_log.h"
+#include "convert/make_folder.h"
 #include "convert/modConvertFiles.h"
 #include "res/resource.h"
 #include "ui/convert/frmConflict.h"
@@ -52,6 +54,9 @@ void frmConvertAll::cmdRunConvert_Click() {
             return Handle() != nullptr && IsDialogMessageW(Handle(), &message) != FALSE;
         });
         ended_ = ConvertFiles(folder, *this);
+        // The engine has written nothing when there is no folder to save to.
+        const bool isThere = ended_ || listConvertLog_.Count() != 0 || MakeFolder(folder);
+        trouble_ = WriteErrorText(isThere ? Values().logFileError : GetLastError());
     }
     EndRun();
 }
@@ -218,8 +223,10 @@ std::wstring frmConvertAll::ResultText() const {
     if (converting_) return continue_ ? counts : L"中止しています...　" + counts;
     // The engine writes no log then.
     if (listConvertLog_.Count() == 0)
-        return L"変換できませんでした。ファイルの保存先を確認してください。";
-    return (ended_ ? L"変換が終わりました。　" : L"変換を中止しました。　") + counts;
+        return L"変換できませんでした。ファイルの保存先を確認してください。　" + trouble_;
+    const std::wstring text =
+        (ended_ ? L"変換が終わりました。　" : L"変換を中止しました。　") + counts;
+    return trouble_.empty() ? text : text + L"　ログファイルに書き込めません。" + trouble_;
 }
 
 }  // namespace tessary

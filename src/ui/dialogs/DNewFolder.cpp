@@ -5,6 +5,7 @@
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "app/base/write_error.h"
 #include "res/resource.h"
 
 namespace tessary {
@@ -30,8 +31,7 @@ std::wstring CreationErrorText(const std::wstring& folder, DWORD error) {
         case ERROR_WRITE_PROTECT:
             return L"ここにフォルダを作成する権限がありません。\r\n" + folder;
         default:
-            return L"フォルダを作成できません。(エラー " + std::to_wstring(error) + L")\r\n" +
-                   folder;
+            return L"フォルダを作成できません。\r\n" + folder + L"\r\n\r\n" + WriteErrorText(error);
     }
 }
 
@@ -69,7 +69,7 @@ void DNewFolder::Dialog_OK() {
             L"この名前は使えません。\r\n"
             LR"(次の文字と、末尾の . は使えません:  \ / : * ? " < > |)";
     } else if (!CreateDirectoryW(ExtendedPath(folder).c_str(), nullptr)) {
-        problem = CreationErrorText(folder, GetLastError());
+        problem = CreationErrorText(folder, LastWriteError(folder));
     } else {
         made_ = folder;
         Close(IDOK);

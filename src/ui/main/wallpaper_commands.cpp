@@ -8,6 +8,7 @@
 
 #include "app/base/message_box.h"
 #include "app/base/modGetFolder.h"
+#include "app/base/write_error.h"
 #include "app/settings/RegKeys.h"
 #include "picture/modDIBToPicture.h"
 #include "picture/save/save_picture.h"
@@ -78,11 +79,12 @@ void WallpaperCommands::menuViewWallpaperEsc_Click() {
 
 void WallpaperCommands::SetWallpaper(const wchar_t* tileStyle) {
     const BusyPointer busy;
-    const std::wstring file = SavePicture();
+    DWORD error = ERROR_NOT_ENOUGH_MEMORY;
+    const std::wstring file = SavePicture(error);
     if (file.empty()) {
-        ShowMessageBox(
-            L"壁紙のファイルを保存できません。\r\n" + desktop_.folders.back() + kFileName,
-            MB_ICONEXCLAMATION);
+        ShowMessageBox(L"壁紙のファイルを保存できません。\r\n" + desktop_.folders.back() +
+                           kFileName + L"\r\n\r\n" + WriteErrorText(error),
+                       MB_ICONEXCLAMATION);
         return;
     }
     SetRegistryString(HKEY_CURRENT_USER, desktop_.keyPath, kTile, tileStyle);
@@ -90,14 +92,15 @@ void WallpaperCommands::SetWallpaper(const wchar_t* tileStyle) {
     desktop_.setWallpaper(file);
 }
 
-// The full name of the file; empty when no folder takes it.
-std::wstring WallpaperCommands::SavePicture() const {
+// The full name of the file; empty when no folder takes it. `error`: why the last one does not.
+std::wstring WallpaperCommands::SavePicture(DWORD& error) const {
     const UniqueScreenDc screen(GetDC(nullptr));
     const OwnedPicture picture = CreateDIBFromBitmap(screen.Get(), window_.pictureView().Bitmap());
     if (!picture) return {};
     for (const std::wstring& folder : desktop_.folders) {
         CreateDirectoryW(folder.c_str(), nullptr);
         if (SavePlainly(picture.Get(), folder + kFileName)) return folder + kFileName;
+        error = GetLastError();
     }
     return {};
 }

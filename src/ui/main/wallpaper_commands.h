@@ -41,7 +41,7 @@ class WallpaperCommands {
 
   private:
     void SetWallpaper(const wchar_t* tileStyle);
-    std::wstring SavePicture() const;
+    std::wstring SavePicture(DWORD& error) const;
 
     frmMain& window_;
     Desktop desktop_;

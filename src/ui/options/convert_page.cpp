@@ -13,7 +13,6 @@ namespace tessary {
 namespace {
 
 constexpr int kMostPixels = 999999999;
-constexpr int kMostArchiveDepth = 99;
 
 }  // namespace
 

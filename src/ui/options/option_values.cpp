@@ -33,8 +33,6 @@ void PutRight(ConvertSettings& convert) {
     convert.outputAddMode = convert.outputAddMode != 0 ? 1 : 0;
     for (int32_t* const type : {&convert.saveType1, &convert.saveType2})
         *type = std::clamp(*type, 0, 2);
-    convert.onConflict = std::clamp(convert.onConflict, kConflictFreeName, kConflictAsk);
-    convert.archiveDepth = std::max(convert.archiveDepth, 1);
     for (int32_t* const size : {&convert.minDecodeSizeX, &convert.minDecodeSizeY})
         *size = std::max(*size, 0);
 }

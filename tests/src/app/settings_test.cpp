@@ -51,6 +51,8 @@ TEST_F(SettingsTest, RoundTripKeepsEveryKindOfValue) {
     values.convert.minDecodeSizeX = 70000;
     values.convert.decodeFileMask = std::wstring(3000, L'x');
     values.convert.decodeSizeBoth = true;
+    values.convert.onConflict = 9;
+    values.convert.archiveDepth = -1;
     values.jpegSave.optimizedHuffman = 1;
     ASSERT_TRUE(WriteGeneralSettings());
     ASSERT_TRUE(WriteConvertSettings());
@@ -68,6 +70,8 @@ TEST_F(SettingsTest, RoundTripKeepsEveryKindOfValue) {
     EXPECT_EQ(values.convert.minDecodeSizeX, 70000);
     EXPECT_EQ(values.convert.decodeFileMask.size(), 3000u);
     EXPECT_TRUE(values.convert.decodeSizeBoth);
+    EXPECT_EQ(values.convert.onConflict, kConflictFreeName) << "no choice is 9";
+    EXPECT_EQ(values.convert.archiveDepth, 1);
     EXPECT_EQ(values.jpegSave.optimizedHuffman, 1);
 }
 

@@ -1,7 +1,11 @@
 // The log of whole runs, as it stands in the file.
+#include <algorithm>
+
+#include "app/base/file_identity.h"
 #include "app/base/text.h"
 #include "app/settings/settings.h"
 #include "tests/src/convert/convert_test.h"
+#include "tests/support/folder_link.h"
 
 namespace tessary {
 namespace {
@@ -18,6 +22,20 @@ class ConvertLogTest : public test::ConvertTest {
         settings.saveType2 = 2;
         settings.outputErrorLog = 1;
         settings.errorLogFileName = LogFile();
+    }
+
+    // Closes whatever handles this process has of a file.
+    static void CloseHandlesOf(const std::wstring& path) {
+        constexpr uintptr_t kHighest = 0x2000;
+        for (uintptr_t number = 4; number < kHighest; number += 4) {
+            const auto handle = reinterpret_cast<HANDLE>(number);
+            wchar_t name[MAX_PATH]{};
+            if (GetFileType(handle) == FILE_TYPE_DISK &&
+                GetFinalPathNameByHandleW(handle, name, MAX_PATH, 0) != 0 &&
+                IsSameFile(name, path)) {
+                CloseHandle(handle);
+            }
+        }
     }
 
     std::wstring LogFile() const { return target_.Path() + L"変換.log"; }
@@ -86,6 +104,7 @@ constexpr wchar_t kFiles[] =
   画像の色数          24 bit
   保存ファイル名      {T}A.BMP.jpg
   保存に失敗しました  A.BMP.jpg
+    詳細情報        書き込む権限がないか、読み取り専用です。
 {END}
 *** すべての変換処理が完了しました ***
 )";
@@ -287,12 +306,45 @@ TEST_F(ConvertLogTest, LogFileThatCannotBeOpenedIsDoneWithout) {
     Add(L"a.bmp", BitmapFileOf(2, 2, 0));
     EXPECT_TRUE(Run());
     EXPECT_EQ(Values().convert.outputErrorLog, 0);
-    ASSERT_GT(monitor_.lines.size(), 4U);
+    ASSERT_GT(monitor_.lines.size(), 5U);
     EXPECT_EQ(monitor_.lines[0], L"!!! エラー                             !!!");
+    EXPECT_EQ(monitor_.lines[4], L"    詳細情報        フォルダが見つかりません。");
     EXPECT_EQ(monitor_.lines[3], L"!!! 処理を継続します。                 !!!");
     EXPECT_EQ(Converted(), L"a.jpg ");
     ASSERT_TRUE(WriteConvertSettings());
     EXPECT_EQ(GetSetting(L"Convert", L"OutputErrorLog", L""), L"1") << "the user's own choice";
+}
+
+// As if the disk was full, or the network gone.
+TEST_F(ConvertLogTest, LogFileThatTakesNoMoreIsTold) {
+    Add(L"a.bmp", BitmapFileOf(2, 2, 0));
+    Add(L"b.bmp", BitmapFileOf(2, 2, 0));
+    bool isClosed = false;
+    monitor_.onLine = [&](const std::wstring& line) {
+        if (isClosed || !line.starts_with(L"  画像の色数")) return;
+        isClosed = true;
+        CloseHandlesOf(LogFile());
+    };
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(Converted(), L"a.jpg b.jpg ");
+    EXPECT_EQ(std::ranges::count(monitor_.lines, L"!!! ログファイルに書き込めません。     !!!"), 1);
+    EXPECT_NE(Values().logFileError, 0u);
+    EXPECT_EQ(Values().convert.outputErrorLog, 1) << "the next run tries again";
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(Values().logFileError, 0u);
+}
+
+// What cannot be written is not held against the plug-in that has extracted it.
+TEST_F(ConvertLogTest, TellsWhyMembersCannotBeWritten) {
+    std::filesystem::create_directories(Target() + L"x.tsa");
+    ASSERT_TRUE(test::MakeFolderLink(Target() + LR"(x.tsa\sub)", source_.Path()));
+    Add(L"x.tsa", ArchiveOf({{"sub/m.tst", "TST 6x6x24\n"}}));
+    EXPECT_TRUE(Run());
+    ASSERT_EQ(monitor_.reports.size(), 1u);
+    EXPECT_EQ(monitor_.reports[0].reason, FileReason::kWriteFailed);
+    EXPECT_EQ(monitor_.reports[0].text.find(L"axtsa"), std::wstring::npos);
+    EXPECT_NE(monitor_.reports[0].text.find(std::to_wstring(ERROR_ALREADY_EXISTS)),
+              std::wstring::npos);
 }
 
 }  // namespace

@@ -177,6 +177,8 @@ TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
     EXPECT_EQ(RunProgram(LR"(--out out --report in\絵.bmp in)").status, 2U);
     EXPECT_EQ(RunProgram(LR"(--out out --log in\絵.bmp in)").status, 2U);
     EXPECT_EQ(RunProgram(LR"(--out out --log in\絵.bmp in\sub)").status, 2U);
+    EXPECT_EQ(RunProgram(LR"(--out out --log new.txt --report in\..\NEW.txt in)").status, 2U);
+    EXPECT_FALSE(PathExists(folder_.Path() + L"new.txt"));
     EXPECT_EQ(ContentOf(folder_.Path() + LR"(in\絵.bmp)"), BitmapFileOf(3, 3, 0));
     EXPECT_EQ(RunProgram({}).status, 2U);
     EXPECT_EQ(RunProgram(L"/?").status, 0U);
@@ -244,6 +246,7 @@ TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
     const Outcome unreported = RunProgram(LR"(--out out2 --report none\r.jsonl in\a.bmp)");
     EXPECT_EQ(unreported.status, 2U);
     EXPECT_NE(unreported.output.find("レポートに書き込めません"), std::string::npos);
+    EXPECT_NE(unreported.output.find("フォルダが見つかりません。"), std::string::npos);
     const std::wstring kept = folder_.Path() + LR"(out2\a.bmp)";
     EXPECT_TRUE(SetFileAttributesW(kept.c_str(), FILE_ATTRIBUTE_READONLY));
     RunProgram(LR"(--on-conflict overwrite --out out2 --report r.jsonl in\a.bmp)");

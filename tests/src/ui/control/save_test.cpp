@@ -5,10 +5,12 @@
 #include <random>
 
 #include "app/base/paths.h"
+#include "helpers/files/refusal.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
+#include "ui/control/delete_file.h"
 #include "ui/control/frmControl.h"
 
 namespace tessary::test {
@@ -22,7 +24,7 @@ TEST(SaveNameTest, TheExtensionIsTheChosenFormats) {
     EXPECT_EQ(complete(L"b.JPEG", SaveFormat::kPNG), L"b.png");
     EXPECT_EQ(complete(L"b.JPG", SaveFormat::kJPEG), L"b.JPG");
     EXPECT_EQ(complete(L"v1.2", SaveFormat::kBMP), L"v1.2.bmp");
-    EXPECT_EQ(complete(L"b.jfif", SaveFormat::kJPEG), L"b.jpg");
+    EXPECT_EQ(complete(L"b.jfif", SaveFormat::kJPEG), L"b.jfif");
 
     EXPECT_EQ(ProposedStem(L"dir/絵 1.tar.gif"), L"絵 1.tar");
     EXPECT_EQ(ProposedStem(L"ab?.bmp"), L"ab_");
@@ -30,6 +32,16 @@ TEST(SaveNameTest, TheExtensionIsTheChosenFormats) {
     EXPECT_EQ(ProposedStem(L".png"), L".png");
     EXPECT_EQ(ProposedStem(L"... .png"), L"無題");
     EXPECT_EQ(ProposedStem(L""), L"無題");
+}
+
+// Whatever the system says of a file that is still there, it is not deleted.
+TEST(DeletionErrorTest, IsNoneOnlyOfWhatIsGone) {
+    const TemporaryFolder folder;
+    const std::wstring file = folder.Write(L"a");
+    EXPECT_EQ(DeletionError(ERROR_FILE_NOT_FOUND, file), files::kErrorProtectedFolder);
+    EXPECT_EQ(DeletionError(ERROR_SHARING_VIOLATION, file), DWORD{ERROR_SHARING_VIOLATION});
+    EXPECT_EQ(DeletionError(ERROR_FILE_NOT_FOUND, file + L"b"), 0u);
+    EXPECT_EQ(DeletionError(ERROR_PATH_NOT_FOUND, LR"(Q:\away\a)"), DWORD{ERROR_PATH_NOT_FOUND});
 }
 
 class SaveTest : public MainWindowTest {
@@ -76,7 +88,7 @@ TEST_F(SaveTest, ChoosesTheWriterAndRemembersTheChoice) {
     EXPECT_EQ(asked_.name, L"夕.焼け.png");
     EXPECT_EQ(asked_.types.size(), 3u);
     EXPECT_EQ(asked_.renamed(L"夕.焼け.png", 1), L"夕.焼け.bmp");
-    EXPECT_EQ(Content(L"a.jpg").substr(0, 2), "\xFF\xD8");
+    EXPECT_EQ(Content(L"a.jpeg").substr(0, 2), "\xFF\xD8");
     SaveAs(L"b", 2);
     EXPECT_EQ(asked_.name, L"夕.焼け.jpg");
     EXPECT_EQ(AddBackslash(asked_.folder), folder_.Path());
@@ -108,13 +120,13 @@ TEST_F(SaveTest, BeginsBesideThePictureAndTakesTheTypedExtension) {
 
 TEST_F(SaveTest, AsksBeforeItReplacesAndTellsWhatFails) {
     folder_.Write(L"a.jpg", "mine");
-    SaveAs(L"a.jpeg", 3);  // the answer is OK, which is not yes
+    SaveAs(L"a.jpg", 3);  // the answer is OK, which is not yes
     EXPECT_FALSE(accepted_);
     EXPECT_EQ(Content(L"a.jpg"), "mine");
     EXPECT_EQ(messages_.Only(), folder_.Path() + L"a.jpg は既に存在します。\r\n上書きしますか？");
 
     const RecordedMessages yes(IDYES);
-    SaveAs(L"a.jpeg", 3);
+    SaveAs(L"a.jpg", 3);
     EXPECT_EQ(Content(L"a.jpg").substr(0, 2), "\xFF\xD8");
     SaveAs(L"none\\b.png", 2);
     folder_.Write(L"c.bmp", "mine");

@@ -331,7 +331,8 @@ TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
 
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
     Choose(menuViewWallpaperCenter);
-    EXPECT_EQ(messages_.Only(), L"壁紙のファイルを保存できません。\r\n" + file);
+    EXPECT_EQ(messages_.Only(), L"壁紙のファイルを保存できません。\r\n" + file +
+                                    L"\r\n\r\n書き込む権限がないか、読み取り専用です。");
     EXPECT_EQ(shown_.size(), 3u);
     EXPECT_EQ(Style(L"TileWallpaper"), L"1");
 }
