@@ -41,9 +41,10 @@ DWORD FileCalls::Attributes(const std::wstring& name) {
 }
 
 bool FileCalls::IsRemote(const std::wstring& name) {
+    constexpr size_t kPrefix = 4;  // characters of `\\?\`
     const std::wstring root = RootOf(name);
     return root.empty() || root.starts_with(LR"(\\?\UNC\)") ||
-           GetDriveTypeW(root.c_str()) == DRIVE_REMOTE;
+           GetDriveTypeW(root.c_str() + kPrefix) == DRIVE_REMOTE;
 }
 
 void FileCalls::Pause(DWORD milliseconds) {

@@ -57,6 +57,7 @@ bool IsUnknownCall(DWORD error) {
 bool UnfinishedFile::Create(const std::wstring& target, DWORD attributes) {
     target_ = target;
     rename_ = RenameInfo(target);
+    isRemote_ = calls_.IsRemote(target);
     const std::wstring folder = FolderOf(target);
     for (uint32_t number = 1; number <= kNames; ++number) {
         const std::wstring name = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
@@ -153,7 +154,7 @@ bool UnfinishedFile::RenameClosed(Existing existing) noexcept {
 bool UnfinishedFile::Close() noexcept {
     const bool wasOpen = file_ != nullptr;
     file_.reset();
-    if (!wasOpen || !calls_.IsRemote(target_)) return true;
+    if (!wasOpen || !isRemote_) return true;
     for (int look = 1; !IsThere(target_); ++look) {
         if (look == kLooks) {
             SetLastError(ERROR_FILE_INVALID);

@@ -67,6 +67,7 @@ class UnfinishedFile {
     std::wstring target_;
     std::wstring name_;  // empty: there is none, or it has become the target
     UniqueFile file_;
+    bool isRemote_ = false;
     bool takesMarkBack_ = false;
     bool isMarked_ = false;
     std::vector<uint8_t> rename_;  // a FILE_RENAME_INFO, ready: the last step takes no memory

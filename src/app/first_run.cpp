@@ -4,6 +4,7 @@
 #include "app/base/modGetFolder.h"
 #include "app/settings/modSusieCFG.h"
 #include "app/settings/modValue.h"
+#include "app/settings/plugin_folders.h"
 #include "app/settings/settings.h"
 #include "app/settings/settings_store.h"
 
@@ -19,6 +20,7 @@ void SetFirstRunDefaults() {
         general.spiFolder[1] = susieFolder;
         general.loadSPI[1] = true;
     }
+    UseUserPluginFolder(general, UserPluginFolder());
 }
 
 bool UseFirstRunDefaults() {
@@ -34,6 +36,7 @@ bool ApplyFirstRunDefaults() {
     // A store that cannot be read or written was already told by the readers; the program runs on
     // without the mark.
     return Trapped(true, [] {
+        OfferUserPluginFolder();
         // Stored now, not only at shutdown: a first run that ends in a crash must not be followed
         // by a second one that knows no plug-ins and is no first run any more.
         if (UseFirstRunDefaults()) WriteGeneralSettings();

@@ -113,7 +113,7 @@ JsonReport::JsonReport(const std::wstring& path, Start start) {
                                    nullptr, start == Start::kAnew ? CREATE_ALWAYS : OPEN_EXISTING,
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file_) {
-        error_ = LastWriteError(path);
+        error_ = start == Start::kAnew ? LastWriteError(path) : GetLastError();
     } else {
         SetFilePointer(file_.Get(), 0, nullptr, FILE_END);
     }

@@ -1,6 +1,8 @@
 #include "app/base/modGetFolder.h"
 
 #include <windows.h>
+// The shell needs the types of windows.h.
+#include <shlobj.h>
 
 #include "app/base/paths.h"
 
@@ -31,6 +33,13 @@ std::wstring WindowsFolder() {
     wchar_t buffer[256];
     const UINT length = GetWindowsDirectoryW(buffer, 256);
     return AddBackslash(std::wstring_view(buffer, length < 256 ? length : 0));
+}
+
+std::wstring LocalDataFolder() {
+    wchar_t folder[MAX_PATH]{};
+    const HRESULT result =
+        SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder);
+    return SUCCEEDED(result) ? AddBackslash(folder) + LR"(Tessary_Viewer\)" : std::wstring();
 }
 
 std::wstring TemporaryFolder() {

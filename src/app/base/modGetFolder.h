@@ -15,4 +15,8 @@ std::wstring WindowsFolder();
 // The user's temporary folder with a trailing backslash.
 std::wstring TemporaryFolder();
 
+// Where the program keeps the user's files on this machine, with a trailing backslash; it may not
+// be there yet. Empty when the system does not tell.
+std::wstring LocalDataFolder();
+
 }  // namespace tessary

@@ -1,10 +1,14 @@
 #include "app/settings/plugin_folders.h"
 
+#include <windows.h>
+
 #include <algorithm>
 
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "helpers/files/file_name.h"
+#include "helpers/files/refusal.h"
 
 namespace tessary {
 namespace {
@@ -41,6 +45,32 @@ void Update(GeneralSettings& general) {
 }
 
 }  // namespace
+
+bool MayPluginsWriteIn(const std::wstring& folder) {
+    return files::MayAddFiles(files::ExtendedFullName(AddBackslash(folder)));
+}
+
+std::wstring UserPluginFolder() {
+    const std::wstring own = LocalDataFolder();
+    return own.empty() ? own : own + LR"(Plugins\)";
+}
+
+void OfferUserPluginFolder() {
+    const std::wstring folder = UserPluginFolder();
+    if (folder.empty()) return;
+    if (!IsFolder(folder) && !MayPluginsWriteIn(AppFolder())) {
+        CreateDirectoryW(LocalDataFolder().c_str(), nullptr);
+        CreateDirectoryW(folder.c_str(), nullptr);
+    }
+    UseUserPluginFolder(Values().general, folder);
+}
+
+void UseUserPluginFolder(GeneralSettings& general, const std::wstring& folder) {
+    constexpr int kLast = kPluginFolderCount - 1;
+    if (!general.spiFolder[kLast].empty() || !IsFolder(folder)) return;
+    general.spiFolder[kLast] = folder;
+    general.loadSPI[kLast] = true;
+}
 
 void FollowProgram(GeneralSettings& general) {
     if (general.programFolder.empty()) {

@@ -1,8 +1,6 @@
 #include "ui/main/wallpaper_commands.h"
 
 #include <windows.h>
-// The shell needs the types of windows.h.
-#include <shlobj.h>
 
 #include <utility>
 
@@ -45,11 +43,8 @@ void SetUserWallpaper(const std::wstring& file) {
 
 Desktop UserDesktop() {
     Desktop desktop{{WindowsFolder()}, LR"(Control Panel\desktop)", SetUserWallpaper};
-    wchar_t folder[MAX_PATH]{};
-    if (SUCCEEDED(
-            SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder))) {
-        desktop.folders.push_back(folder + std::wstring(LR"(\Tessary_Viewer\)"));
-    }
+    const std::wstring own = LocalDataFolder();
+    if (!own.empty()) desktop.folders.push_back(own);
     return desktop;
 }
 

@@ -4,6 +4,8 @@
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
+#include "app/base/paths.h"
+#include "app/settings/plugin_folders.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "ui/dialogs/folder_browser.h"
@@ -41,6 +43,14 @@ void ShowSettingsOf(clsSusie& plugin, HWND owner) {
     ShowMessageBox(L"プラグイン " + SusieCollection().NameOf(plugin.DllName()) +
                        L" の設定中にエラーが発生しました。\r\n" + failure,
                    MB_ICONEXCLAMATION);
+}
+
+std::wstring UnwritableFolderText(const std::wstring& plugin, const std::wstring& folder) {
+    return L"プラグイン " + plugin + L" のあるフォルダには、書き込む権限がありません。\r\n" +
+           folder +
+           L"\r\n\r\n設定をこのフォルダのファイルに保存するプラグインでは、"
+           L"変えた設定が残りません。その場合は、プラグインを次のフォルダに移してください。\r\n" +
+           UserPluginFolder();
 }
 
 }  // namespace
@@ -139,12 +149,22 @@ void PluginPage::cmdSPIFolder_Click(int folder) {
     Changed();
 }
 
+// The system refuses such plug-ins, and they do not tell.
+void PluginPage::TellUnwritableFolder(const std::wstring& plugin) {
+    const std::wstring folder = FolderOf(plugin);
+    if (MayPluginsWriteIn(folder) || !told_.insert(plugin).second) return;
+    ShowMessageBox(UnwritableFolderText(SusieCollection().NameOf(plugin), folder),
+                   MB_ICONINFORMATION);
+}
+
 // The plug-in's window lets messages run: what it is opened from stays as it is meanwhile.
 void PluginPage::cmdSPISetup_Click() {
     const PluginFacts* const selected = Selected();
     if (selected == nullptr || PluginCallUnderWay()) return;
     const std::wstring path = selected->path;
     const HWND focus = GetFocus();
+    TellUnwritableFolder(path);
+    if (!IsWindow(Dialog())) return;
     if (clsSusie* const plugin = SusieCollection().Item(path)) {
         ShowSettingsOf(*plugin, Dialog());
     }

@@ -1,6 +1,8 @@
 // The page of the plug-ins: where they come from, and how each is doing.
 #pragma once
 
+#include <set>
+#include <string>
 #include <vector>
 
 #include "ui/form/list_view.h"
@@ -26,6 +28,8 @@ class PluginPage final : public OptionPage {
     void cmdSPIFolder_Click(int folder);
     void cmdSPISetup_Click();
     void cmdSPIErrorClear_Click();
+    // Once for each plug-in that may not be able to keep what is set.
+    void TellUnwritableFolder(const std::wstring& plugin);
     void ShowPluginList(const std::wstring& selectedPath);
     void GiveFocusBack(HWND control);
     void ShowSelection();
@@ -33,6 +37,7 @@ class PluginPage final : public OptionPage {
 
     std::function<void()> pluginsChanged_;
     std::vector<PluginFacts> plugins_;
+    std::set<std::wstring> told_;  // of their folders; by path
     Button cmdSPIFolder_[kPluginFolderCount];
     ListView listSPI_;
     ListView listSPIError_;

@@ -8,6 +8,7 @@
 #include "app/base/paths.h"
 #include "app/first_run.h"
 #include "app/settings/RegKeys.h"
+#include "app/settings/plugin_folders.h"
 #include "app/settings/setting_value.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
@@ -136,6 +137,21 @@ TEST_F(SettingsTest, FirstRunSetsUpThePluginFolders) {
     EXPECT_TRUE(ApplyFirstRunDefaults());
     EXPECT_EQ(Values().general.useSPI, 0);
     EXPECT_EQ(Values().general.spiFolder[0], L"elsewhere");
+}
+
+TEST_F(SettingsTest, TheUsersPluginFolderIsTheLastWhereThatIsFree) {
+    GeneralSettings general;
+    UseUserPluginFolder(general, LR"(C:\no such folder\)");
+    EXPECT_EQ(general.spiFolder[2], L"");
+    UseUserPluginFolder(general, WindowsFolder());
+    EXPECT_EQ(general.spiFolder[2], WindowsFolder());
+    EXPECT_TRUE(general.loadSPI[2]);
+    general.loadSPI[2] = false;
+    UseUserPluginFolder(general, WindowsFolder());
+    EXPECT_FALSE(general.loadSPI[2]) << "the user's choice";
+    general.spiFolder[2] = LR"(C:\chosen)";
+    UseUserPluginFolder(general, WindowsFolder());
+    EXPECT_EQ(general.spiFolder[2], LR"(C:\chosen)");
 }
 
 TEST_F(SettingsTest, PluginFoldersFollowTheProgram) {
