@@ -15,6 +15,7 @@
 #include "ui/control/panel_place.h"
 #include "ui/dialogs/frmProgress.h"
 #include "ui/form/screen.h"
+#include "ui/form/session_hold.h"
 
 namespace tessary {
 
@@ -252,6 +253,7 @@ bool frmControl::MayClose() {
 void frmControl::DeleteFromDisk(const std::vector<std::wstring>& paths,
                                 std::vector<std::wstring>& deleted) {
     const Busy busy(*this, L"削除しています");
+    const SessionHold session(Handle(), L"ファイルを削除しています。");
     DisableParts();
     const TaskModal others(nullptr);
     frmProgress shown(Handle(), L"ファイルの削除");

@@ -17,6 +17,7 @@
 #include "ui/dialogs/frmSaveOption.h"
 #include "ui/dialogs/start_folder.h"
 #include "ui/form/busy_pointer.h"
+#include "ui/form/session_hold.h"
 
 namespace tessary {
 namespace {
@@ -58,6 +59,7 @@ enum class Saved { kYes, kNo, kStopped };
 Saved SaveTellingProgress(SaveFormat format, const std::wstring& path, frmMain& window,
                           DWORD& error) {
     const ReadUnderWay busy;  // the picture must stay as it is
+    const SessionHold session(window.Handle(), L"画像を保存しています。");
     const BusyPointer pointer;
     const TaskModal others(nullptr);
     frmProgress shown(window.DialogOwner(), L"画像の保存");

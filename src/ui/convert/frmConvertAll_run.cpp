@@ -10,6 +10,7 @@
 #include "res/resource.h"
 #include "ui/convert/frmConflict.h"
 #include "ui/convert/frmConvertAll.h"
+#include "ui/form/session_hold.h"
 
 namespace tessary {
 namespace {
@@ -50,6 +51,7 @@ void frmConvertAll::cmdRunConvert_Click() {
     BeginRun();
     {
         const ReadUnderWay reading;
+        const SessionHold session(Handle(), L"画像を変換しています。");
         const MessageFilter keys([this](MSG& message) {
             return Handle() != nullptr && IsDialogMessageW(Handle(), &message) != FALSE;
         });

@@ -13,6 +13,7 @@
 #include "ui/form/menu.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/screen.h"
+#include "ui/form/session_hold.h"
 #include "ui/main/window_placement.h"
 
 namespace tessary {
@@ -202,7 +203,7 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
             ScreenChanged();
             return std::nullopt;
         case WM_QUERYENDSESSION:
-            return TRUE;  // a load does not keep the user from logging off
+            return !IsSessionHeld(Handle());  // a load does not keep the user from logging off
         case WM_ENDSESSION:
             if (wParam != FALSE) EndSession();
             return 0;

@@ -19,6 +19,7 @@
 #include "ui/convert/convert_commands.h"
 #include "ui/dialogs/ComDlg.h"
 #include "ui/dialogs/folder_browser.h"
+#include "ui/form/session_hold.h"
 
 namespace tessary::test {
 namespace {
@@ -392,6 +393,7 @@ TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
     ConvertCommands commands(window_, controlBar_);
     EXPECT_FALSE(window_.Commands().IsEnabled(menuFileSaveAll));
     controlBar_.files = files_;
+    bool wasHeld = false;
     DrivenDialog user({[&](HWND dialog) {
                            EXPECT_TRUE(Items(dialog, listConvertFiles).empty());
                            EXPECT_FALSE(IsWindowEnabled(window_.Handle()));
@@ -401,8 +403,13 @@ TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
                            EXPECT_EQ(Items(dialog, listConvertFiles), files_);
                            SetDlgItemTextW(dialog, textConvertFolder, Target().c_str());
                            PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
+                           const MessageFilter run([&](MSG&) {
+                               wasHeld |= IsSessionHeld(window_.Handle());
+                               return false;
+                           });
                            Press(dialog, cmdRunConvert);
                            EXPECT_EQ(asked_, Texts{kRefusal});
+                           EXPECT_TRUE(wasHeld);
                            EXPECT_EQ(Converted(), 3);
                            Press(dialog, IDOK);
                        },

@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 #include <imm.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/base/call_user.h"
@@ -15,6 +17,7 @@
 #include "app/base/quit.h"
 #include "app/base/task_modal.h"
 #include "ui/form/message_loop.h"
+#include "ui/form/session_hold.h"
 #include "ui/form/timer.h"
 
 namespace tessary {
@@ -31,6 +34,7 @@ class RecordingForm final : public Form {
     bool refuse = false;
     bool fail = false;  // every handler throws
     int flashes = 0;    // of its caption, and others of its looks
+    bool sessionEnds = false;
 
   private:
     void Record(const char* event) {
@@ -49,6 +53,7 @@ class RecordingForm final : public Form {
     SIZE MinimumSize() const override { return {300, 200}; }
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
         flashes += message == WM_NCACTIVATE ? 1 : 0;
+        sessionEnds |= message == WM_ENDSESSION;
         return Form::OnMessage(message, wParam, lParam);
     }
 };
@@ -91,6 +96,8 @@ TEST(FormTest, FollowsTheScreensResolution) {
     RECT now{};
     GetWindowRect(form.Handle(), &now);
     EXPECT_TRUE(EqualRect(&now, &suggested));
+    // Most settings of the system are nothing to us.
+    SendMessageW(form.Handle(), WM_SETTINGCHANGE, SPI_SETDESKWALLPAPER, 0);
     EXPECT_EQ(form.events, Events{"metrics"});
 
     const Metrics metrics(form.Handle());
@@ -100,6 +107,47 @@ TEST(FormTest, FollowsTheScreensResolution) {
     SendMessageW(form.Handle(), WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
     EXPECT_EQ(limits.ptMinTrackSize.x, metrics.Scale(300));
     EXPECT_EQ(limits.ptMinTrackSize.y, metrics.Scale(200));
+}
+
+// The window that keeps the system waiting, of this process.
+HWND SessionWatch() {
+    HWND found = nullptr;
+    DWORD process = 0;
+    do {
+        found = FindWindowExW(nullptr, found, L"TessarySessionWatch", nullptr);
+        GetWindowThreadProcessId(found, &process);
+    } while (found != nullptr && process != GetCurrentProcessId());
+    return found;
+}
+
+TEST(SessionHoldTest, KeepsTheSystemWaitingUntilWorkHasStopped) {
+    RecordingForm form;
+    ASSERT_TRUE(form.Load());
+    std::atomic<bool> isAnswered = false;
+    std::thread system;
+    {
+        const SessionHold outer(form.Handle(), L"outer");
+        { const SessionHold inner(form.Handle(), L"inner"); }
+        EXPECT_TRUE(IsSessionHeld(form.Handle()));
+        const HWND watch = SessionWatch();
+        ASSERT_NE(watch, nullptr);
+        SendMessageW(watch, WM_ENDSESSION, FALSE, 0);  // somebody else said no
+        system = std::thread([&] {
+            SendMessageW(watch, WM_ENDSESSION, TRUE, 0);
+            isAnswered = true;
+        });
+        // The work hears of it before the answer, and goes on for a while.
+        const ULONGLONG start = GetTickCount64();
+        while (!form.sessionEnds && GetTickCount64() - start < 3000)
+            DoEvents();
+        EXPECT_TRUE(form.sessionEnds);
+        Sleep(50);
+        EXPECT_FALSE(isAnswered);
+    }
+    system.join();
+    EXPECT_TRUE(isAnswered);
+    EXPECT_FALSE(IsSessionHeld(form.Handle()));
+    EXPECT_EQ(SessionWatch(), nullptr);
 }
 
 constexpr UINT kMessage = WM_APP + 77;
@@ -117,10 +165,18 @@ TEST(MessageLoopTest, DoEventsLeavesQuittingToTheOuterLoop) {
     EXPECT_EQ(seen, 2);
     PostQuitMessage(7);  // not ours
     EXPECT_TRUE(DoEvents());
+    // What was posted beside it stays, in its order.
+    for (WPARAM post = 1; post <= 2; ++post)
+        PostThreadMessageW(GetCurrentThreadId(), kMessage, post, 0);
     PostQuitMessage(7);
     DropForeignQuit();
-    RequestQuit(42);
     MSG taken{};
+    for (WPARAM post = 1; post <= 2; ++post) {
+        EXPECT_TRUE(PeekMessageW(&taken, nullptr, 0, 0, PM_REMOVE));
+        EXPECT_EQ(taken.wParam, post);
+    }
+    EXPECT_FALSE(PeekMessageW(&taken, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    RequestQuit(42);
     PeekMessageW(&taken, nullptr, 0, 0, PM_REMOVE);
     DropForeignQuit();  // ours comes back
     EXPECT_FALSE(DoEvents());
