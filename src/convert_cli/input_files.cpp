@@ -36,8 +36,11 @@ void AddFolder(const std::wstring& folder, bool recursive, InputFiles& found) {
 }
 
 void AddMatching(const std::wstring& pattern, InputFiles& found) {
-    Files matching = PlainFilesInFolder(FolderOf(pattern), FileNameOf(pattern));
-    if (matching.empty()) {
+    bool whole = true;
+    Files matching = PlainFilesInFolder(FolderOf(pattern), FileNameOf(pattern), &whole);
+    if (!whole) {
+        found.troubles.push_back(L"フォルダを読み取れません: " + FolderOf(pattern));
+    } else if (matching.empty()) {
         found.troubles.push_back(L"一致するファイルがありません: " + pattern);
     }
     Append(found, std::move(matching), FolderOf(pattern));

@@ -71,10 +71,7 @@ int32_t CollectionSusie::Compact() {
 }
 
 std::vector<std::wstring> CollectionSusie::PluginFiles(const std::wstring& folder) {
-    std::vector<std::wstring> files = FilesInFolder(folder, L"*.spi");
-    // The system's listing also has files of which only the short name matches.
-    std::erase_if(files, [](const auto& path) { return UpperExtensionOf(path) != L"SPI"; });
-    return files;
+    return FilesInFolder(folder, L"*.spi");
 }
 
 int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder, const ScanStep& step) {

@@ -103,26 +103,43 @@ std::wstring WithBackslash(std::wstring_view folder) {
     return prefix;
 }
 
+// Whether the system has found it for its short name only: `*.htm` finds `page.html` as well, for
+// it may be called PAGE~1.HTM too.
+bool IsFoundByShortName(const WIN32_FIND_DATAW& entry, std::wstring_view pattern) {
+    const std::wstring upper = ToUpper(pattern);
+    return entry.cAlternateFileName[0] != L'\0' &&
+           MatchesWildcard(ToUpper(entry.cAlternateFileName), upper) &&
+           !MatchesWildcard(ToUpper(entry.cFileName), upper);
+}
+
 // The names of what is in a folder and has none of these attributes.
 std::vector<std::wstring> NamesWithout(DWORD attributes, const std::wstring& prefix,
-                                       std::wstring_view pattern) {
+                                       std::wstring_view pattern, bool* whole = nullptr) {
     std::vector<std::wstring> names;
+    // Short names take the system time to find.
+    const bool isAll = pattern == L"*";
     WIN32_FIND_DATAW entry;
     UniqueFind find(FindFirstFileExW(ExtendedPath(prefix + std::wstring(pattern)).c_str(),
-                                     FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr,
-                                     FIND_FIRST_EX_LARGE_FETCH));
-    if (!find) return names;
-    do {
-        if ((entry.dwFileAttributes & attributes) == 0) names.emplace_back(entry.cFileName);
-    } while (FindNextFileW(find.Get(), &entry));
+                                     isAll ? FindExInfoBasic : FindExInfoStandard, &entry,
+                                     FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH));
+    if (find) {
+        do {
+            if ((entry.dwFileAttributes & attributes) != 0) continue;
+            if (isAll || !IsFoundByShortName(entry, pattern)) names.emplace_back(entry.cFileName);
+        } while (FindNextFileW(find.Get(), &entry));
+    }
+    const DWORD error = GetLastError();
+    if (whole != nullptr && error != ERROR_NO_MORE_FILES && error != ERROR_FILE_NOT_FOUND) {
+        *whole = false;
+    }
     return names;
 }
 
 std::vector<std::wstring> FilesWithout(DWORD attributes, std::wstring_view folder,
-                                       std::wstring_view pattern) {
+                                       std::wstring_view pattern, bool* whole = nullptr) {
     const std::wstring prefix = WithBackslash(folder);
     std::vector<std::wstring> files =
-        NamesWithout(attributes | FILE_ATTRIBUTE_DIRECTORY, prefix, pattern);
+        NamesWithout(attributes | FILE_ATTRIBUTE_DIRECTORY, prefix, pattern, whole);
     for (std::wstring& file : files)
         file.insert(0, prefix);
     return files;
@@ -134,19 +151,20 @@ std::vector<std::wstring> FilesInFolder(std::wstring_view folder, std::wstring_v
     return FilesWithout(0, folder, pattern);
 }
 
-std::vector<std::wstring> PlainFilesInFolder(std::wstring_view folder, std::wstring_view pattern) {
-    return FilesWithout(FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM, folder, pattern);
+std::vector<std::wstring> PlainFilesInFolder(std::wstring_view folder, std::wstring_view pattern,
+                                             bool* whole) {
+    return FilesWithout(FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM, folder, pattern, whole);
 }
 
 std::vector<std::wstring> NamesInFolder(std::wstring_view folder) {
     return NamesWithout(0, WithBackslash(folder), L"*");
 }
 
-std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths) {
+std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths, bool* whole) {
     std::vector<std::wstring> files;
     for (const std::wstring& path : paths) {
         if (IsFolder(path)) {
-            std::vector<std::wstring> inFolder = PlainFilesInFolder(path);
+            std::vector<std::wstring> inFolder = PlainFilesInFolder(path, L"*", whole);
             std::move(inFolder.begin(), inFolder.end(), std::back_inserter(files));
         } else {
             files.push_back(path);

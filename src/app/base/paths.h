@@ -37,17 +37,23 @@ bool PathExists(std::wstring_view path);
 bool IsFolder(std::wstring_view path);
 
 // The plain files directly in a folder, as full paths in listing order; sub-folders are left out.
+// A pattern (`*`, `?`) means the names themselves and not the short ones that the system has for
+// them.
 std::vector<std::wstring> FilesInFolder(std::wstring_view folder, std::wstring_view pattern = L"*");
 
 // The names of all that is directly in a folder, files and folders, in listing order.
 std::vector<std::wstring> NamesInFolder(std::wstring_view folder);
 
 // As FilesInFolder, but for hidden and system files.
+// `whole`, where it is given, becomes false when the system has not listed the folder to its end.
 std::vector<std::wstring> PlainFilesInFolder(std::wstring_view folder,
-                                             std::wstring_view pattern = L"*");
+                                             std::wstring_view pattern = L"*",
+                                             bool* whole = nullptr);
 
 // The paths with the files directly in it in place of each folder, but for hidden and system files.
-std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths);
+// `whole` as above.
+std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths,
+                                              bool* whole = nullptr);
 
 // A name for the file that ANSI interfaces (plug-ins) can open: the path itself, else its short
 // form; nothing when the code page holds neither or both are longer than such interfaces take (259

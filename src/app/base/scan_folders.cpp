@@ -72,7 +72,8 @@ class Scan {
                 return std::nullopt;
             }
         } while (FindNextFileW(find.Get(), &entry));
-        return ERROR_SUCCESS;
+        const DWORD error = GetLastError();
+        return error == ERROR_NO_MORE_FILES ? ERROR_SUCCESS : error;
     }
 
     void AddFolder(const std::wstring& folder, std::wstring_view name) {

@@ -31,6 +31,8 @@ struct FolderScan::Shared {
         const std::lock_guard lock(mutex);
         news.folder = std::move(added.folder);
         news.looked = added.looked;
+        news.unreadable.insert(news.unreadable.end(), added.unreadable.begin(),
+                               added.unreadable.end());
         news.files.insert(news.files.end(), std::make_move_iterator(added.files.begin()),
                           std::make_move_iterator(added.files.end()));
         SetEvent(arrived.Get());
@@ -67,7 +69,7 @@ ScanNews FolderScan::Take(std::vector<std::wstring>& files) {
     ScanNews taken;
     {
         const std::lock_guard lock(shared_->mutex);
-        taken = std::exchange(shared_->news, {shared_->news.folder, shared_->news.looked, {}});
+        taken = std::exchange(shared_->news, {shared_->news.folder, shared_->news.looked, {}, {}});
     }
     files.insert(files.end(), std::make_move_iterator(taken.files.begin()),
                  std::make_move_iterator(taken.files.end()));

@@ -20,6 +20,7 @@
 #include "ui/control/open_rules.h"
 #include "ui/dialogs/ComDlg.h"
 #include "ui/dialogs/folder_browser.h"
+#include "ui/dialogs/folder_listing.h"
 #include "ui/dialogs/start_folder.h"
 #include "ui/form/busy_pointer.h"
 #include "ui/form/picture_box.h"
@@ -44,21 +45,28 @@ constexpr const wchar_t* kConflicts[] = {L"別名で保存する", L"変換し�
 
 constexpr int kIconSize = 32;  // pixels at 96 dpi
 
-// The files themselves, and those in the folders.
-std::vector<ConvertSource> FilesOf(const std::vector<std::wstring>& paths) {
+struct ListedFiles {
     std::vector<ConvertSource> files;
+    std::wstring failure;  // why not all of a folder could be read; empty: it could
+};
+
+// The files themselves, and those in the folders.
+ListedFiles FilesOf(const std::vector<std::wstring>& paths) {
+    ListedFiles listed;
     for (const std::wstring& path : paths) {
         if (!IsFolder(path)) {
-            files.push_back({path});
+            listed.files.push_back({path});
             continue;
         }
-        ScanFolders({.folder = path, .subFolders = false, .extensions = {}}, [&](ScanNews&& news) {
-            for (std::wstring& file : news.files)
-                files.push_back({std::move(file), path});
-            return true;
-        });
+        const DWORD error = ScanFolders({.folder = path, .subFolders = false, .extensions = {}},
+                                        [&](ScanNews&& news) {
+                                            for (std::wstring& file : news.files)
+                                                listed.files.push_back({std::move(file), path});
+                                            return true;
+                                        });
+        if (error != ERROR_SUCCESS) listed.failure = FolderErrorText(path, error);
     }
-    return files;
+    return listed;
 }
 
 }  // namespace
@@ -283,7 +291,7 @@ void frmConvertAll::AddFiles(std::span<const ConvertSource> files) {
 // system's. A folder of a slow drive does not keep the window waiting.
 void frmConvertAll::AddListed(std::vector<std::wstring> paths) {
     if (listing_ || paths.empty()) return;
-    std::optional<std::vector<ConvertSource>> files;
+    std::optional<ListedFiles> listed;
     {
         leaving_ = false;
         const RaisedFlag listing(listing_);
@@ -292,14 +300,15 @@ void frmConvertAll::AddListed(std::vector<std::wstring> paths) {
         });
         const BusyPointer pointer;
         EnableRunConvert();
-        files = CallInBackground<std::vector<ConvertSource>>(
-            [paths = std::move(paths)] { return FilesOf(paths); },
-            [this] { return Handle() != nullptr && !leaving_; });
+        listed =
+            CallInBackground<ListedFiles>([paths = std::move(paths)] { return FilesOf(paths); },
+                                          [this] { return Handle() != nullptr && !leaving_; });
     }
     if (std::exchange(leaving_, false)) {
         Close(IDCANCEL);
-    } else if (files && Handle() != nullptr) {
-        AddFiles(*files);
+    } else if (listed && Handle() != nullptr) {
+        AddFiles(listed->files);
+        if (!listed->failure.empty()) ShowMessageBox(listed->failure, MB_ICONEXCLAMATION);
     }
 }
 

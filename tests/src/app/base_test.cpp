@@ -122,7 +122,20 @@ TEST(PathsTest, FoldersStandForWhatIsPlainInThem) {
         ASSERT_TRUE(SetFileAttributesW(path.c_str(), attribute));
     }
     EXPECT_EQ(FilesInFolder(folder.Path()).size(), 3U);
-    EXPECT_EQ(WithFoldersExpanded({folder.Path()}), std::vector{plain});
+    bool whole = true;
+    EXPECT_EQ(WithFoldersExpanded({folder.Path()}, &whole), std::vector{plain});
+    EXPECT_TRUE(PlainFilesInFolder(folder.Path(), L"*.none", &whole).empty());
+    EXPECT_TRUE(whole);
+    PlainFilesInFolder(folder.Path() + L"gone", L"*", &whole);
+    EXPECT_FALSE(whole);
+}
+
+TEST(PathsTest, PatternsMeanNamesAsTheyAreRead) {
+    const test::TemporaryFolder folder;
+    const std::wstring file = folder.Write(L"a long name.JPG", "1");
+    folder.Write(L"longer name.jpg_backup", "1");
+    EXPECT_EQ(FilesInFolder(folder.Path(), L"*.jpg"), std::vector{file});
+    EXPECT_EQ(FilesInFolder(folder.Path(), L"*.*").size(), 2U);
 }
 
 TEST(PathsTest, FindsAnsiNamesForForeignOnes) {
