@@ -3,10 +3,13 @@
 #include <windows.h>
 
 #include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "app/base/command_line.h"
 #include "app/base/message_box.h"
+#include "app/base/modGetFolder.h"
 #include "app/base/modScreenCaps.h"
 #include "app/base/quit.h"
 #include "app/first_run.h"
@@ -67,6 +70,10 @@ int Main() {
             MB_ICONEXCLAMATION);
         return 0;
     }
+    std::vector<std::wstring> names = CommandLineNames(CommandLineArguments(), Values().platformId);
+    // Explorer starts programs in the folder of the opened file. As long as that is the current one
+    // nobody can rename it, nor take its drive out.
+    SetCurrentDirectoryW(AppFolder().c_str());
     // Stays until the main window is there: with no window between them another program's would
     // come to the front.
     std::optional<frmProgress> progress(std::in_place, nullptr, kLoadingCaption);
@@ -75,7 +82,7 @@ int Main() {
         TellFailedStart(Values().startupFailureReason);
         return 0;
     }
-    frmMain window({.commandLine = CommandLineArguments(),
+    frmMain window({.commandLine = std::move(names),
                     .pluginCount = [] { return SusieCollection().Count(); },
                     .endProgram =
                         [] {

@@ -41,30 +41,40 @@ std::wstring LongNameOf(const std::wstring& path) {
 
 }  // namespace
 
-int ParseCommandLine(std::wstring_view commandLine, uint32_t platformId,
-                     std::vector<std::wstring>& files, int* missing) {
-    if (missing != nullptr) *missing = 0;
+std::vector<std::wstring> CommandLineNames(std::wstring_view commandLine, uint32_t platformId) {
     const bool is95 = platformId == kPlatformWindows95;
-    if (!is95 && platformId != kPlatformNT) return 0;
-    const size_t before = files.size();
+    if (!is95 && platformId != kPlatformNT) return {};
+    std::vector<std::wstring> names;
     for (const std::wstring_view name :
          is95 ? SplitAtBlanks(commandLine) : SplitWithQuotes(commandLine)) {
         if (name.empty()) continue;  // between two blanks
-        if (!PathExists(name)) {
-            if (missing != nullptr) ++*missing;
-            continue;
-        }
-        // The current folder may change later (plug-ins do that), so names are made whole here.
         std::wstring path = FullPathOf(name);
-        if (is95) path = LongNameOf(path);
-        if (IsFolder(path)) {
-            std::vector<std::wstring> inFolder = PlainFilesInFolder(path, L"*.*");
+        names.push_back(is95 ? LongNameOf(path) : std::move(path));
+    }
+    return names;
+}
+
+NamedFiles AppendNamedFiles(const std::vector<std::wstring>& names,
+                            std::vector<std::wstring>& files) {
+    NamedFiles result;
+    for (const std::wstring& name : names) {
+        if (IsFolder(name)) {
+            std::vector<std::wstring> inFolder = PlainFilesInFolder(name, L"*", &result.whole);
             files.insert(files.end(), std::make_move_iterator(inFolder.begin()),
                          std::make_move_iterator(inFolder.end()));
+        } else if (PathExists(name)) {
+            files.push_back(name);
         } else {
-            files.push_back(std::move(path));
+            ++result.missing;
         }
     }
+    return result;
+}
+
+int ParseCommandLine(std::wstring_view commandLine, uint32_t platformId,
+                     std::vector<std::wstring>& files) {
+    const size_t before = files.size();
+    AppendNamedFiles(CommandLineNames(commandLine, platformId), files);
     return static_cast<int>(files.size() - before);
 }
 

@@ -36,6 +36,7 @@ std::wstring LastFolder() {
 struct Collected {
     std::vector<std::wstring> files;
     DWORD error = ERROR_SUCCESS;  // why the chosen folder could not be read
+    NamedFiles named;
 };
 
 // What was found until the user stopped it; nothing is waited for once the program is to end.
@@ -44,12 +45,17 @@ Collected CollectFiles(const ScanRequest& request, HWND owner, BusyWindow& busy)
     Collected collected;
     frmDirList progress(owner);
     FolderScan scan(request);
+    const auto take = [&] {
+        ScanNews news = scan.Take(collected.files);
+        if (!news.unreadable.empty()) collected.named.whole = false;
+        return news;
+    };
     DWORD lastTold = GetTickCount() - ProgressDialog::kInterval;
     while (!scan.HasEnded() && !progress.IsStopped()) {
         if (!scan.Wait(ProgressDialog::kInterval) || Values().quitRequested) return {};
         if (GetTickCount() - lastTold < ProgressDialog::kInterval) continue;
         lastTold = GetTickCount();
-        const ScanNews news = scan.Take(collected.files);
+        const ScanNews news = take();
         if (news.looked >= kScanStep) {
             busy.SetCaption(L"ファイルを読み込み中です [ " +
                             std::to_wstring(news.looked / kScanStep * kScanStep) + L" 枚]");
@@ -61,7 +67,7 @@ Collected CollectFiles(const ScanRequest& request, HWND owner, BusyWindow& busy)
     } else {
         collected.error = scan.Error();
     }
-    scan.Take(collected.files);
+    take();
     return collected;
 }
 
@@ -144,7 +150,7 @@ void OpenCommands::OpenFolder(const ScanRequest& request) {
         if (Values().quitRequested) return;
         busy.SetCaption(L"ファイル一覧を作成しています");
         bar_.SetVisible(true);
-        window_.ShowOpened(collected.files.size());
+        window_.ShowOpened(collected.files.size(), collected.named);
         bar_.SetFileList(collected.files);
     }
     if (collected.error != ERROR_SUCCESS) {

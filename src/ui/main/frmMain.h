@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/base/call_user.h"
+#include "app/base/command_line.h"
 #include "app/settings/modValue.h"
 #include "picture/show/picture_view.h"
 #include "res/resource.h"
@@ -29,8 +30,8 @@ namespace tessary {
 
 // What the main window is given when it is made.
 struct MainWindowServices {
-    std::wstring commandLine;          // the program's arguments: files and folders to open
-    std::function<int()> pluginCount;  // of the plug-ins loaded now
+    std::vector<std::wstring> commandLine;  // full paths of files and folders to open
+    std::function<int()> pluginCount;       // of the plug-ins loaded now
     std::function<void()> endProgram;  // saves settings, frees plug-ins; the window is gone by then
     int showCommand = SW_SHOWNORMAL;   // how a shortcut wants it shown (SW_…)
 };
@@ -118,8 +119,8 @@ class frmMain final : public Form, public PictureView {
     void OpenLater(const std::vector<std::wstring>& paths);
 
     // Tells in the status bar when what was to be opened holds no file (`count` is 0), or some of
-    // it is `missing`; takes back what the last opening told.
-    void ShowOpened(size_t count, int missing = 0);
+    // it is missing or could not be read; takes back what the last opening told.
+    void ShowOpened(size_t count, const NamedFiles& named = {});
 
     // Tells in a message box why the one file could not be shown that the user has opened by hand;
     // nothing for an empty text.
@@ -184,7 +185,7 @@ class frmMain final : public Form, public PictureView {
     // Finds the files; may take long, and runs beside the user-interface thread.
     struct FoundFiles {
         std::vector<std::wstring> files;
-        int missing = 0;  // how many names name nothing that exists
+        NamedFiles named;
     };
     using FileListing = std::function<FoundFiles()>;
     void AcceptDroppedFiles();

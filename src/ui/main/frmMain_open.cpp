@@ -1,7 +1,6 @@
 // What the main window is given to open: by the command line, by dropping.
 #include <utility>
 
-#include "app/base/command_line.h"
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
@@ -13,6 +12,7 @@ namespace {
 
 constexpr wchar_t kNothingToOpen[] = L"開けるファイルが見つかりませんでした。";
 constexpr wchar_t kMissing[] = L" 個のファイルが見つかりませんでした。";
+constexpr wchar_t kNotWhole[] = L"フォルダの一部を読み取れませんでした。";
 
 }  // namespace
 
@@ -30,16 +30,20 @@ void frmMain::AcceptDroppedFiles() {
 // The first picture is shown when the window already stands on the screen.
 void frmMain::OpenCommandLine() {
     if (services_.commandLine.empty()) return;
-    filesToOpen_ = [line = services_.commandLine, platform = Values().platformId] {
+    filesToOpen_ = [names = services_.commandLine] {
         FoundFiles found;
-        ParseCommandLine(line, platform, found.files, &found.missing);
+        found.named = AppendNamedFiles(names, found.files);
         return found;
     };
     PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
 }
 
 void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
-    filesToOpen_ = [paths] { return FoundFiles{.files = WithFoldersExpanded(paths)}; };
+    filesToOpen_ = [paths] {
+        FoundFiles found;
+        found.files = WithFoldersExpanded(paths, &found.named.whole);
+        return found;
+    };
     PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
 }
 
@@ -55,7 +59,7 @@ void frmMain::OpenNow(FileListing listing) {
     }
     CloseIfAsked();
     if (!found || Values().quitRequested) return;
-    ShowOpened(found->files.size(), found->missing);
+    ShowOpened(found->files.size(), found->named);
     if (found->files.empty()) return;
     fileListReceiver_->SetFileList(found->files);
     if (found->files.size() == 1) TellFailure(fileListReceiver_->Failure());
@@ -65,12 +69,14 @@ void frmMain::TellFailure(const std::wstring& failure) const {
     if (!failure.empty() && !Values().quitRequested) ShowMessageBox(failure, MB_ICONEXCLAMATION);
 }
 
-void frmMain::ShowOpened(size_t count, int missing) {
+void frmMain::ShowOpened(size_t count, const NamedFiles& named) {
     const std::wstring former = std::exchange(openNotice_, {});
-    if (count == 0) {
+    if (!named.whole) {
+        openNotice_ = kNotWhole;
+    } else if (count == 0) {
         openNotice_ = kNothingToOpen;
-    } else if (missing > 0) {
-        openNotice_ = std::to_wstring(missing) + kMissing;
+    } else if (named.missing > 0) {
+        openNotice_ = std::to_wstring(named.missing) + kMissing;
     }
     if (!openNotice_.empty() || statusInformation_.PanelText(kNoticePanel) == former) {
         SetPanelText(kNoticePanel, openNotice_);

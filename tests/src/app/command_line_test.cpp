@@ -45,6 +45,18 @@ TEST_F(CommandLineTest, FolderGivesItsPlainFiles) {
     EXPECT_EQ(names, (Names{plain_, noDot, spaced_}));
 }
 
+TEST_F(CommandLineTest, NamesAreWholeBeforeTheFolderIsLeft) {
+    wchar_t former[MAX_PATH];
+    GetCurrentDirectoryW(MAX_PATH, former);
+    SetCurrentDirectoryW(folder_.Path().c_str());
+    const Names names = CommandLineNames(L"b.jpg none.jpg", kPlatformNT);
+    SetCurrentDirectoryW(former);
+    EXPECT_EQ(names, (Names{plain_, folder_.Path() + L"none.jpg"}));
+    Names files;
+    EXPECT_EQ(AppendNamedFiles(names, files).missing, 1);
+    EXPECT_EQ(files, Names{plain_});
+}
+
 TEST_F(CommandLineTest, AddsBehindWhatIsThere) {
     Names names{L"first"};
     EXPECT_EQ(ParseCommandLine(plain_ + L" missing", kPlatformNT, names), 1);

@@ -10,6 +10,7 @@
 #include "tests/src/ui/main/dropped_files.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/temporary_folder.h"
+#include "ui/form/session_hold.h"
 
 namespace tessary {
 namespace {
@@ -28,10 +29,8 @@ TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
     folder_.Write(L"絵\\b.bmp");
     folder_.Write(L"絵\\sub\\c.bmp");
     const std::wstring file = folder_.Write(L"a 1.bmp");
-    frmMain window({.commandLine = L"\"" + file + L"\" \"" + folder_.Path() + L"絵\"",
-                    .pluginCount = {},
-                    .endProgram = {}});
-    Values().platformId = GetPlatformId();
+    frmMain window(
+        {.commandLine = {file, folder_.Path() + L"絵"}, .pluginCount = {}, .endProgram = {}});
     window.SetFileListReceiver(controlBar_);
     ASSERT_TRUE(window.Load());
     EXPECT_TRUE(controlBar_.lists.empty());  // the window comes first
@@ -41,12 +40,11 @@ TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
 
     for (const auto& [some, notice] :
          {std::pair{std::wstring(), L"開けるファイルが見つかりませんでした。"},
-          {L" \"" + file + L'"', L"2 個のファイルが見つかりませんでした。"}}) {
+          {file, L"2 個のファイルが見つかりませんでした。"}}) {
         controlBar_.lists.clear();
-        frmMain lost(
-            {.commandLine = folder_.Path() + L"none.bmp  " + folder_.Path() + L"nothing.bmp" + some,
-             .pluginCount = {},
-             .endProgram = {}});
+        std::vector<std::wstring> names{folder_.Path() + L"none.bmp", folder_.Path() + L"no.bmp"};
+        if (!some.empty()) names.push_back(some);
+        frmMain lost({.commandLine = names, .pluginCount = {}, .endProgram = {}});
         lost.SetFileListReceiver(controlBar_);
         ASSERT_TRUE(lost.Load());
         DoEvents();
@@ -68,9 +66,12 @@ TEST_F(OpenFilesTest, TakesDroppedFilesAndFolders) {
     EXPECT_EQ(Drop(window_.Handle(), {second, first}), DROPEFFECT_COPY);
     EXPECT_TRUE(controlBar_.lists.empty());  // the source must not wait for the decoding
     DoEvents();
+    window_.Form::Show();
+    SetForegroundWindow(GetDesktopWindow());  // the source is another program
     EXPECT_EQ(Drop(window_.pictureView().Handle(), {folder_.Path() + L"中"},
                    DROPEFFECT_COPY | DROPEFFECT_MOVE),
               DROPEFFECT_COPY);
+    EXPECT_EQ(GetForegroundWindow(), window_.Handle());  // the next keys are meant for us
     DoEvents();
     EXPECT_EQ(controlBar_.lists,
               (std::vector<List>{{second, first}, {folder_.Path() + L"中\\3.bmp"}}));
@@ -214,6 +215,10 @@ TEST_F(CloseTest, PutsEverythingBack) {
 TEST_F(CloseTest, SessionEndClosesTheProgram) {
     Load();
     const HWND window = window_.Handle();
+    {
+        const SessionHold working(window, L"working");
+        EXPECT_FALSE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
+    }
     EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
     const auto calledPlugin = [] { return GetSetting(L"SPI_CALLLOG", L"SPI"); };
     WriteCallLog({L"GetPicture", L"C:\\x.spi", {}});
