@@ -14,7 +14,7 @@ bool IsQuitRequested();
 void QuitIsDone();
 
 // After foreign code had the thread: takes its WM_QUIT out of the queue, and puts ours back if it
-// was taken away. No other message is looked at.
+// was taken away. The other messages stay as they are.
 void DropForeignQuit();
 
 }  // namespace tessary

@@ -126,7 +126,10 @@ std::optional<LRESULT> Control::OnOwnMessage(UINT message, WPARAM wParam, LPARAM
     if (!keyDown_(static_cast<int>(wParam), CurrentShiftState())) return std::nullopt;
     // The character that belongs to the key would otherwise still reach the control.
     MSG character{};
-    PeekMessageW(&character, handle_, WM_CHAR, WM_CHAR, PM_REMOVE);
+    if (PeekMessageW(&character, handle_, WM_CHAR, WM_CHAR, PM_REMOVE) &&
+        character.message == WM_QUIT) {  // is handed out whatever was asked for
+        PostQuitMessage(static_cast<int>(character.wParam));
+    }
     return 0;
 }
 
