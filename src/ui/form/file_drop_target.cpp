@@ -34,7 +34,8 @@ std::vector<std::wstring> DroppedPaths(IDataObject& data) {
 // The COM side. Lives as long as OLE keeps a reference.
 class DropTarget final : public IDropTarget {
   public:
-    explicit DropTarget(FileDropTarget::Handlers handlers) : handlers_(std::move(handlers)) {}
+    DropTarget(HWND window, FileDropTarget::Handlers handlers)
+        : window_(window), handlers_(std::move(handlers)) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
         if (object == nullptr) return E_POINTER;
@@ -65,6 +66,8 @@ class DropTarget final : public IDropTarget {
                                    DWORD* effect) override {
         const HRESULT result = DragEnter(data, keys, at, effect);
         if (FAILED(result) || *effect == DROPEFFECT_NONE) return result;
+        // The source stays in front else, and the next keys go to the files selected there.
+        SetForegroundWindow(GetAncestor(window_, GA_ROOT));
         Trapped([&] { handlers_.drop(DroppedPaths(*data)); });
         return S_OK;
     }
@@ -79,6 +82,7 @@ class DropTarget final : public IDropTarget {
         return S_OK;
     }
 
+    HWND window_;
     FileDropTarget::Handlers handlers_;
     std::atomic<ULONG> references_ = 1;
     bool holdsFiles_ = false;
@@ -92,7 +96,7 @@ FileDropTarget::~FileDropTarget() {
 
 bool FileDropTarget::Register(HWND window, Handlers handlers) {
     if (FAILED(OleInitialize(nullptr))) return false;
-    IDropTarget* const target = std::make_unique<DropTarget>(std::move(handlers)).release();
+    IDropTarget* const target = std::make_unique<DropTarget>(window, std::move(handlers)).release();
     const bool registered = SUCCEEDED(RegisterDragDrop(window, target));
     target->Release();  // OLE holds a reference of its own
     if (registered) {
