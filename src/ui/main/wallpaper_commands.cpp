@@ -33,10 +33,10 @@ bool SavePlainly(const PicturePair& picture, const std::wstring& fileName) {
     return info && bits && SaveBitmap(info.Address(), bits.Address(), fileName, {});
 }
 
-void SetUserWallpaper(const std::wstring& file) {
+bool SetUserWallpaper(const std::wstring& file) {
     std::wstring name = file;
-    SystemParametersInfoW(SPI_SETDESKWALLPAPER, 0, name.data(),
-                          SPIF_UPDATEINIFILE | SPIF_SENDCHANGE);
+    return SystemParametersInfoW(SPI_SETDESKWALLPAPER, 0, name.data(),
+                                 SPIF_UPDATEINIFILE | SPIF_SENDCHANGE) != FALSE;
 }
 
 }  // namespace
@@ -68,12 +68,10 @@ void WallpaperCommands::menuViewWallpaperTile_Click() {
 }
 
 void WallpaperCommands::menuViewWallpaperEsc_Click() {
-    const BusyPointer busy;
-    desktop_.setWallpaper({});
+    Show({});
 }
 
 void WallpaperCommands::SetWallpaper(const wchar_t* tileStyle) {
-    const BusyPointer busy;
     DWORD error = ERROR_NOT_ENOUGH_MEMORY;
     const std::wstring file = SavePicture(error);
     if (file.empty()) {
@@ -84,11 +82,23 @@ void WallpaperCommands::SetWallpaper(const wchar_t* tileStyle) {
     }
     SetRegistryString(HKEY_CURRENT_USER, desktop_.keyPath, kTile, tileStyle);
     SetRegistryString(HKEY_CURRENT_USER, desktop_.keyPath, kStretch, kNotStretched);
-    desktop_.setWallpaper(file);
+    Show(file);
+}
+
+void WallpaperCommands::Show(const std::wstring& file) const {
+    const bool isShown = [&] {
+        const BusyPointer busy;
+        return desktop_.setWallpaper(file);
+    }();
+    if (isShown) return;
+    ShowMessageBox(
+        L"壁紙を変更できません。\r\nシステムの管理者が壁紙の変更を禁止している可能性があります。",
+        MB_ICONEXCLAMATION);
 }
 
 // The full name of the file; empty when no folder takes it. `error`: why the last one does not.
 std::wstring WallpaperCommands::SavePicture(DWORD& error) const {
+    const BusyPointer busy;
     const UniqueScreenDc screen(GetDC(nullptr));
     const OwnedPicture picture = CreateDIBFromBitmap(screen.Get(), window_.pictureView().Bitmap());
     if (!picture) return {};

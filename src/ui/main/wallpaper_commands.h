@@ -16,8 +16,9 @@ struct Desktop {
     std::vector<std::wstring> folders;
     // The key below HKEY_CURRENT_USER with the wallpaper's style.
     std::wstring keyPath;
-    // Shows a bitmap file on the desktop; an empty name: none.
-    std::function<void(const std::wstring& file)> setWallpaper;
+    // Shows a bitmap file on the desktop; an empty name: none. False when the system refuses, as it
+    // does where an administrator has fixed the wallpaper.
+    std::function<bool(const std::wstring& file)> setWallpaper;
 };
 
 // The user's own desktop. The file lies in the Windows folder, or among the user's local
@@ -41,6 +42,7 @@ class WallpaperCommands {
 
   private:
     void SetWallpaper(const wchar_t* tileStyle);
+    void Show(const std::wstring& file) const;
     std::wstring SavePicture(DWORD& error) const;
 
     frmMain& window_;

@@ -302,7 +302,11 @@ class WallpaperTest : public ClipboardTest {
     WallpaperCommands wallpaper_{window_,
                                  {{folder_.Write(L"taken") + L'\\', folder_.Path() + L"own\\"},
                                   settings_.KeyPath(),
-                                  [this](const std::wstring& file) { shown_.push_back(file); }}};
+                                  [this](const std::wstring& file) {
+                                      shown_.push_back(file);
+                                      return !isFixed_;
+                                  }}};
+    bool isFixed_ = false;
 };
 
 TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
@@ -335,6 +339,10 @@ TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
                                     L"\r\n\r\n書き込む権限がないか、読み取り専用です。");
     EXPECT_EQ(shown_.size(), 3u);
     EXPECT_EQ(Style(L"TileWallpaper"), L"1");
+
+    isFixed_ = true;
+    Choose(menuViewWallpaperEsc);
+    EXPECT_EQ(messages_.All().size(), 2u);
 }
 
 }  // namespace
