@@ -9,6 +9,7 @@
 #include "plugin/plugin_log.h"
 #include "plugin/susie_library.h"
 #include "plugin/thread_crash.h"
+#include "plugin/unaware_of_resolution.h"
 
 namespace tessary {
 namespace {
@@ -438,6 +439,7 @@ int32_t SusieCalls::GetFileToFolder(const SusieCallNames& names, const SusieSour
 
 int32_t SusieCalls::ConfigurationDlg(HWND parent) {
     return Guarded(kConfigurationDlg, [&](const SusieLibrary& library) {
+        const UnawareOfResolution scaled;
         return library.configurationDlg(Address(SusieFunction::kConfigurationDlg), parent,
                                         susie::kConfigurationSettings);
     });

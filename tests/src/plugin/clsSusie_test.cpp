@@ -16,6 +16,32 @@ class ClsSusieTest : public test::PluginTest {
     clsSusie plugin_;
 };
 
+// A thread that counts in the pixels of the screen, as the program's do.
+class OfPixels {
+  public:
+    ~OfPixels() { Set(former_); }
+
+    // Whether the system enlarges that window; also where it has no such windows.
+    static bool IsEnlarged(HWND window) {
+        const auto context = User<HANDLE(WINAPI*)(HWND)>("GetWindowDpiAwarenessContext");
+        const auto awareness = User<int(WINAPI*)(HANDLE)>("GetAwarenessFromDpiAwarenessContext");
+        return context == nullptr || awareness(context(window)) == 0;
+    }
+
+  private:
+    template <typename Function>
+    static Function User(const char* name) {
+        return reinterpret_cast<Function>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), name)));
+    }
+    static HANDLE Set(HANDLE context) {
+        const auto set = User<HANDLE(WINAPI*)(HANDLE)>("SetThreadDpiAwarenessContext");
+        return set != nullptr ? set(context) : nullptr;
+    }
+
+    HANDLE former_ = Set(reinterpret_cast<HANDLE>(INT_PTR{-4}));
+};
+
 TEST_F(ClsSusieTest, PatternsComeOutOfEveryKindOfText) {
     const std::pair<const wchar_t*, const wchar_t*> cases[] = {
         {L"picture_and_archive.spi", L"*.TST;*.TSA"},
@@ -115,9 +141,11 @@ TEST_F(ClsSusieTest, APluginIsNotFreedUnderItsWindows) {
     EXPECT_FALSE(IsLoaded(path));
     EXPECT_EQ(FindWindowW(nullptr, title), nullptr);
 
+    const OfPixels thread;
     plugin_.ShowConfigurationDialog(nullptr);
     const HWND window = FindWindowW(nullptr, title);
     EXPECT_TRUE(IsLoaded(path) && plugin_.IsKeptLoaded() && IsWindow(window));
+    EXPECT_TRUE(thread.IsEnlarged(window));
     DestroyWindow(window);
     plugin_.UnloadDLL();
     EXPECT_FALSE(IsLoaded(path));
