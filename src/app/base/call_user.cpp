@@ -28,15 +28,6 @@ bool CanOwn(HWND window) {
            GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId();
 }
 
-HWND WithButton(HWND window) {
-    while ((GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_APPWINDOW) == 0) {
-        const HWND owner = GetWindow(window, GW_OWNER);
-        if (owner == nullptr) break;
-        window = owner;
-    }
-    return window;
-}
-
 void Flash(HWND window, DWORD flags) {
     FLASHWINFO flash{sizeof(FLASHWINFO), window, flags, 0, 0};
     FlashWindowEx(&flash);
@@ -53,8 +44,17 @@ HWND WindowForMessages() {
     return CanOwn(last) ? last : outermost;
 }
 
+HWND WindowWithButton(HWND window) {
+    while ((GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_APPWINDOW) == 0) {
+        const HWND owner = GetWindow(window, GW_OWNER);
+        if (owner == nullptr) break;
+        window = owner;
+    }
+    return window;
+}
+
 UserCall::UserCall(HWND window)
-    : window_(window != nullptr && !IsInFront() ? WithButton(window) : nullptr) {
+    : window_(window != nullptr && !IsInFront() ? WindowWithButton(window) : nullptr) {
     if (window_ != nullptr) Flash(window_, FLASHW_ALL | FLASHW_TIMERNOFG);
 }
 

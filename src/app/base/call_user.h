@@ -9,6 +9,10 @@ namespace tessary {
 // in front, the one that the user was in last. Null when the thread shows none of ours.
 HWND WindowForMessages();
 
+// The window itself where it has a button on the taskbar, else the nearest of its owners that has
+// one.
+HWND WindowWithButton(HWND window);
+
 // While another program is in front, the window and its button on the taskbar flash until the user
 // comes, for its own life. It brings nothing to the front.
 class UserCall {

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "app/base/call_user.h"
+
 namespace tessary {
 
 struct TaskbarProgress::ComSession {
@@ -22,7 +24,7 @@ void TaskbarProgress::Release::operator()(ITaskbarList3* list) const {
 }
 
 TaskbarProgress::TaskbarProgress(HWND window)
-    : window_(window), session_(std::make_unique<ComSession>()) {
+    : window_(WindowWithButton(window)), session_(std::make_unique<ComSession>()) {
     void* list = nullptr;
     if (FAILED(CoCreateInstance(CLSID_TaskbarList, nullptr, CLSCTX_INPROC_SERVER, IID_ITaskbarList3,
                                 &list))) {

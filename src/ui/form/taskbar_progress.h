@@ -10,8 +10,8 @@ struct ITaskbarList3;
 
 namespace tessary {
 
-// For its own life the button of a window shows progress, where the system has such buttons;
-// elsewhere this does nothing.
+// For its own life the button of a window, or of its nearest owner that has one, shows progress,
+// where the system has such buttons; elsewhere this does nothing.
 class TaskbarProgress {
   public:
     // The window must outlive this.
