@@ -199,6 +199,9 @@ std::optional<LRESULT> Dialog::OnMessage(UINT message, WPARAM wParam, LPARAM lPa
             reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {smallest.cx, smallest.cy};
             return 0;
         }
+        case WM_SYSCOLORCHANGE:
+            TellColorChange(handle_);
+            return std::nullopt;
         case WM_DPICHANGED:
             ChangeResolution(HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
             return 0;

@@ -3,6 +3,7 @@
 #include <imm.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "app/base/error.h"
@@ -11,11 +12,6 @@
 
 namespace tessary {
 namespace {
-
-BOOL CALLBACK TellColorChange(HWND child, LPARAM /*unused*/) {
-    SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
-    return TRUE;
-}
 
 // An open input method would take the keys that are commands, letters above all.
 void RefuseInputMethod(HWND window) {
@@ -36,6 +32,7 @@ bool Form::Load(HWND owner) {
                  .menu = menu})) {
         return false;
     }
+    madeFor_ = Metrics(Handle()).NonClientMetrics();
     SetIcons();
     RefuseInputMethod(Handle());
     Trapped([this] { Form_Load(); });
@@ -67,7 +64,14 @@ void Form::SetIcons() {
     smallIcon_ = std::move(small);
 }
 
+// The resolution is in the sizes.
+bool Form::IsMadeForSettings() const {
+    const NONCLIENTMETRICSW now = Metrics(Handle()).NonClientMetrics();
+    return std::memcmp(&now, &madeFor_, sizeof now) == 0;
+}
+
 void Form::ChangeMetrics() {
+    madeFor_ = Metrics(Handle()).NonClientMetrics();
     SetIcons();
     Form_MetricsChanged();
     if (IsIconic(Handle())) return;
@@ -119,10 +123,13 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             ChangeMetrics();
             return 0;
         }
-        case WM_SYSCOLORCHANGE:  // reaches top-level windows only
-            EnumChildWindows(Handle(), TellColorChange, 0);
+        case WM_SYSCOLORCHANGE:
+            TellColorChange(Handle());
             return 0;
         case WM_SETTINGCHANGE:
+            // Comes for each setting of the system, most of which change nothing here.
+            if (!IsMadeForSettings()) ChangeMetrics();
+            return Default(message, wParam, lParam);
         case WM_THEMECHANGED:
             ChangeMetrics();
             return Default(message, wParam, lParam);

@@ -70,9 +70,11 @@ class Form : public Window {
   private:
     void OnDestroyed() override { Form_Terminate(); }
     void SetIcons();
+    bool IsMadeForSettings() const;
     void ChangeMetrics();
 
     FormDesign design_;
+    NONCLIENTMETRICSW madeFor_{};  // what was in force when all was made
     UniqueIcon largeIcon_;
     UniqueIcon smallIcon_;
 };

@@ -35,9 +35,10 @@ class Metrics {
     // An icon of the program in this size (at 96 dpi); null when there is none of that number.
     UniqueIcon Icon(int resource, int pixelsAt96Dpi) const;
 
-  private:
+    // The system's fonts, and the sizes of frames and bars.
     NONCLIENTMETRICSW NonClientMetrics() const;
 
+  private:
     int dpi_;
 };
 

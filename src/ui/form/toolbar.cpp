@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "app/base/raised_flag.h"
 #include "ui/form/metrics.h"
 
 namespace tessary {
@@ -55,6 +56,8 @@ bool Toolbar::Create(HWND parent, std::span<const ToolbarItem> items, const Tool
 }
 
 void Toolbar::ChangeMetrics() {
+    changesLater_ = isMenuOpen_;
+    if (changesLater_) return;
     MakeImages();
     MakeButtons();
 }
@@ -147,15 +150,21 @@ void Toolbar::Press(int index) const {
     if (handler && IsPressable(index)) handler(index);
 }
 
-void Toolbar::DropDown(int index) const {
+// The system works with the button until its handler has returned: none is made anew before.
+void Toolbar::DropDown(int index) {
     if (StateOf(index).kind != ToolbarItem::Kind::kDropDown || !IsPressable(index)) return;
     RECT button = ButtonRectangle(index);
     MapWindowPoints(Handle(), nullptr, reinterpret_cast<POINT*>(&button), 2);
     const auto handler = dropDown_;
     SendMessageW(ToolTips(), TTM_POP, 0, 0);
     SendMessageW(ToolTips(), TTM_ACTIVATE, FALSE, 0);  // they would appear over the menu
-    if (handler) handler(index, button);
-    if (Handle() != nullptr) SendMessageW(ToolTips(), TTM_ACTIVATE, TRUE, 0);
+    if (handler) {
+        const RaisedFlag open(isMenuOpen_);
+        handler(index, button);
+    }
+    if (Handle() == nullptr) return;
+    SendMessageW(ToolTips(), TTM_ACTIVATE, TRUE, 0);
+    if (changesLater_) PostMessageW(Handle(), WM_SYSCOLORCHANGE, 0, 0);
 }
 
 void Toolbar::OnCommand(WORD notification, WORD id) {

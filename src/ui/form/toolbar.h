@@ -62,7 +62,8 @@ class Toolbar final : public Control {
     // What all buttons take, in pixels.
     SIZE PreferredSize() const;
 
-    // Takes sizes and images for the screen and the colours that there are now.
+    // Takes sizes and images for the screen and the colours that there are now; while a drop-down's
+    // menu is open, behind it.
     void ChangeMetrics();
 
   private:
@@ -93,13 +94,15 @@ class Toolbar final : public Control {
     bool Key(int keyCode);
     void MoveTo(int index, int direction);
     void Press(int index) const;
-    void DropDown(int index) const;
+    void DropDown(int index);
 
     std::vector<State> states_;
     ToolbarImages images_{};
     UniqueImageList normal_;
     UniqueImageList greyed_;
     int current_ = 1;  // where the keyboard is
+    bool isMenuOpen_ = false;
+    bool changesLater_ = false;
     std::function<void(int)> button_;
     std::function<void(int, const RECT&)> dropDown_;
     std::function<void()> backgroundPress_;

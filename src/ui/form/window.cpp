@@ -7,6 +7,11 @@ namespace {
 
 constexpr UINT kNoMessage = 0xBFFF;  // the last number of WM_APP; nobody posts it
 
+BOOL CALLBACK TellOne(HWND child, LPARAM /*unused*/) {
+    SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+    return TRUE;
+}
+
 }  // namespace
 
 Window::~Window() {
@@ -58,6 +63,10 @@ LRESULT CALLBACK Window::Procedure(HWND handle, UINT message, WPARAM wParam, LPA
         Trapped([&] { window->OnDestroyed(); });
     }
     return result;
+}
+
+void TellColorChange(HWND window) {
+    EnumChildWindows(window, TellOne, 0);
 }
 
 void PaintNow(HWND window) {

@@ -54,6 +54,10 @@ class Window {
 // from the queue: what follows may keep them from painting for long.
 void PaintNow(HWND window);
 
+// Passes on to a window's controls that the colours have changed: the system tells top-level
+// windows only.
+void TellColorChange(HWND window);
+
 // The module that holds the program's resources.
 inline HINSTANCE ProgramInstance() {
     return GetModuleHandleW(nullptr);

@@ -10,6 +10,7 @@
 #include "ui/control/toolbar_images.h"
 #include "ui/control/toolbar_items.h"
 #include "ui/form/form.h"
+#include "ui/form/message_loop.h"
 #include "ui/form/metrics.h"
 
 namespace tessary {
@@ -27,6 +28,9 @@ class BarForm final : public Form {
         SendMessageW(toolbar.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
         SendMessageW(toolbar.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
     }
+    bool IsPressed(int index) const {
+        return SendMessageW(toolbar.Handle(), TB_ISBUTTONPRESSED, static_cast<WPARAM>(index), 0);
+    }
     void Key(int key) { SendMessageW(toolbar.Handle(), WM_KEYDOWN, static_cast<WPARAM>(key), 0); }
 
   private:
@@ -40,6 +44,10 @@ class BarForm final : public Form {
             const RECT button = toolbar.ButtonRectangle(index);
             const bool placed = EqualRect(&place, &button);
             events.push_back((placed ? "menu " : "misplaced ") + std::to_string(index));
+            // The system still works with the button that has this menu.
+            SendMessageW(toolbar.Handle(), TB_PRESSBUTTON, static_cast<WPARAM>(index), TRUE);
+            SendMessageW(toolbar.Handle(), WM_SYSCOLORCHANGE, 0, 0);
+            EXPECT_TRUE(IsPressed(index));
         });
         toolbar.OnBackgroundPress([this] { events.emplace_back("background"); });
     }
@@ -61,6 +69,8 @@ TEST(ToolbarTest, EveryPressArrivesOnceAndWithTheRightButton) {
     form.Mouse(in(6, false));
     EXPECT_EQ(form.events, (std::vector<std::string>{"press 6", "press 9", "menu 12", "background",
                                                      "background"}));
+    DoEvents();
+    EXPECT_FALSE(form.IsPressed(12));  // all are made anew behind it
 }
 
 TEST(ToolbarTest, KeyboardSkipsWhatCannotBePressed) {
