@@ -12,8 +12,10 @@ ChosenFiles FilesOfDialog(std::wstring_view fileName) {
     if (pieces.size() == 1) return {FolderOf(pieces[0]), pieces};
     ChosenFiles chosen{pieces[0], {}};
     if (!chosen.folder.ends_with(L'\\')) chosen.folder += L'\\';
+    // From the results of a search, or a library, files may come with folders of their own.
     for (size_t piece = 1; piece < pieces.size(); ++piece) {
-        chosen.paths.push_back(chosen.folder + pieces[piece]);
+        const bool isWhole = !FolderOf(pieces[piece]).empty();
+        chosen.paths.push_back(isWhole ? pieces[piece] : chosen.folder + pieces[piece]);
     }
     return chosen;
 }

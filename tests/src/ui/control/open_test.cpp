@@ -16,6 +16,7 @@
 #include "ui/control/folder_scan.h"
 #include "ui/control/frmDirList.h"
 #include "ui/control/open_commands.h"
+#include "ui/control/open_rules.h"
 #include "ui/dialogs/ComDlg.h"
 #include "ui/dialogs/folder_browser.h"
 
@@ -101,6 +102,15 @@ class OpenTest : public MainWindowTest {
     TakingBar bar_;
     OpenCommands commands_{window_, bar_};
 };
+
+TEST(OpenRulesTest, FilesOfTheSystemsDialogMayLieInSeveralFolders) {
+    using namespace std::string_view_literals;
+    const ChosenFiles chosen = FilesOfDialog(
+        LR"(C:\a)"
+        L"\0one.bmp\0"
+        LR"(D:\b\two.bmp)"sv);
+    EXPECT_EQ(chosen.paths, (Texts{LR"(C:\a\one.bmp)", LR"(D:\b\two.bmp)"}));
+}
 
 TEST_F(OpenTest, WalksLevelByLevelAndListsNothingTwice) {
     ASSERT_TRUE(MakeFolderLink(folder_.Path() + LR"(C\loop)", RemoveBackslash(folder_.Path())));
