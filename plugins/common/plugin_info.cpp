@@ -11,15 +11,16 @@ namespace tessary::spi {
 namespace {
 
 std::string Description(const FileType& type) {
-    const int size = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, type.description, -1,
-                                         nullptr, 0, nullptr, nullptr);
+    // A UTF-8 code page holds everything, and takes neither the flag nor the question whether it
+    // does.
+    const bool canLose = GetACP() != CP_UTF8;
+    const DWORD flags = canLose ? WC_NO_BEST_FIT_CHARS : 0;
+    const int size =
+        WideCharToMultiByte(CP_ACP, flags, type.description, -1, nullptr, 0, nullptr, nullptr);
     std::string text(static_cast<size_t>(std::max(size, 1)), '\0');
     BOOL lost = FALSE;
-    // A UTF-8 code page holds everything and takes no question whether it does.
-    const bool canLose = GetACP() != CP_UTF8;
-    const int written =
-        WideCharToMultiByte(CP_ACP, canLose ? WC_NO_BEST_FIT_CHARS : 0, type.description, -1,
-                            text.data(), size, nullptr, canLose ? &lost : nullptr);
+    const int written = WideCharToMultiByte(CP_ACP, flags, type.description, -1, text.data(), size,
+                                            nullptr, canLose ? &lost : nullptr);
     if (written == 0 || lost) return type.fallback;
     text.pop_back();  // the NUL
     return text;
