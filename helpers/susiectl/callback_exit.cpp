@@ -87,6 +87,8 @@ void PutReturnsBack(const void* stackPointer) {
     const auto* const next = FirstCallbackFrame(record->outer, guard.frame);
     CatchReturns(Address(record + 1), next ? Address(next) : TopOfCall(guard));
     guard.unwindingFrom = nullptr;
+    // As the dispatcher leaves it when a callback ends by itself.
+    asm volatile("movl %0, %%fs:0" : : "r"(record->outer) : "memory");
     EndCallback();
     EndProcess();
 }

@@ -1,5 +1,8 @@
 #include "helpers/susiectl/callback_frames.h"
 
+#include <atomic>
+#include <mutex>
+
 #include "helpers/susiectl/exception_chain.h"
 #include "helpers/susiectl/guard_machine.h"
 #include "helpers/susiectl/module_at.h"
@@ -75,7 +78,11 @@ bool LeadsTo(const ExceptionRegistration* record, const void* end) {
 }  // namespace
 
 void LearnCallbackFrames() {
-    [[maybe_unused]] static const bool isKnown = Learn();
+    static std::atomic<bool> isKnown = false;
+    static std::mutex learning;
+    if (isKnown) return;
+    const std::lock_guard lock(learning);
+    if (!isKnown) isKnown = Learn();
 }
 
 bool IsCallbackFrame(const ExceptionRegistration* record) {

@@ -24,8 +24,8 @@ struct ExceptionRegistration {
 };
 
 // Finds out what frames of callbacks look like, by having the system call back. To be called before
-// the first guarded call; whose later calls do nothing. Where the system does not call back, no
-// frame is found later.
+// each guarded call; does nothing once it is known. Where the system does not call back, as while
+// there is no display, no frame is found.
 void LearnCallbackFrames();
 
 // Whether the record at this address is that of a callback. Anything may lie there, but readable.
