@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "helpers/susiectl/activation_context.h"
 #include "helpers/susiectl/call_state.h"
 #ifndef _WIN64
 #include "helpers/susiectl/callback_frames.h"
@@ -38,9 +39,11 @@ class Frame {
     }
 
     void Invoke() {
+        void* const activationFrame = ActivationFrame();
         guard_.stage = GuardStage::kInside;
         TessaryInvoke(&guard_);
         guard_.stage = GuardStage::kAfter;
+        if (guard_.crashed) SetActivationFrame(activationFrame);
         guard_.hostState.Restore();
         if (guard_.stackExhausted) _resetstkoflw();
     }

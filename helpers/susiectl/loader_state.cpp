@@ -5,6 +5,7 @@
 
 #include "helpers/susiectl/exception_codes.h"
 #include "helpers/susiectl/system_entry.h"
+#include "helpers/susiectl/thread_block.h"
 
 namespace tessary::susiectl {
 namespace {
@@ -24,16 +25,6 @@ constexpr size_t kLoaderLock = 0xA0;
 
 // Of kThreadFlags, from Windows 8 on, which has more than one lock; 0 before.
 constexpr USHORT kLoadOwner = 0x1000;
-
-const std::byte* ThreadBlock() {
-    const std::byte* block;
-#ifdef _WIN64
-    asm volatile("movq %%gs:0x30, %0" : "=r"(block));
-#else
-    asm volatile("movl %%fs:0x18, %0" : "=r"(block));
-#endif
-    return block;
-}
 
 template <typename T>
 T ReadAt(const std::byte* block, size_t offset) {

@@ -303,6 +303,8 @@ void MakeDirty(const std::string& state) {
     if (state == "quit") PostQuitMessage(9);
     if (state == "slow") Sleep(50);
     if (state == "heap-lock") LockHeaps();
+    ULONG_PTR cookie = 0;
+    if (state == "activation-context") ActivateActCtx(nullptr, &cookie);
     if (state == "exception-chain") SetChain(reinterpret_cast<void*>(0x41414140));
 }
 

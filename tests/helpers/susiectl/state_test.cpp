@@ -98,6 +98,19 @@ TEST_F(StateTest, IsTheSameAfterACrash) {
         }
 }
 
+// The system raises an exception for who takes off a context that is not the innermost.
+TEST_F(StateTest, ActivationContextsOfACrashedPluginAreTakenOff) {
+    const LoadedPlugin plugin(L"iftst.spi");
+    const auto deactivate = reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&DeactivateActCtx));
+    for (const std::string kind : {"av", "wild-chain"}) {
+        ULONG_PTR cookie = 0;
+        ASSERT_TRUE(ActivateActCtx(nullptr, &cookie));
+        const std::string script = "early:activation-context:GetPicture\ncrash:";
+        EXPECT_EQ(plugin.DecodeWith(script + kind + ":GetPicture"), kCrashed);
+        EXPECT_EQ(Susiectl().configurationDlg(deactivate, nullptr, static_cast<int>(cookie)), TRUE);
+    }
+}
+
 TEST_F(StateTest, IsTheSameAfterLoadingAndFreeing) {
     const LoadedPlugin plugin(L"load_dirty.spi");
     EXPECT_TRUE(plugin.Module());
