@@ -1,12 +1,15 @@
 // What the guarded call contains, and what it leaves to the plug-in.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <atomic>
 #include <csetjmp>
 #include <cstdlib>
 #include <functional>
-#include <memory>
 #include <thread>
+#include <vector>
 
+#include "tests/helpers/susiectl/ends_in_thread.h"
 #include "tests/helpers/susiectl/susiectl_library.h"
 #include "tests/plugins/test_plugins.h"
 
@@ -156,22 +159,6 @@ TEST_F(GuardTest, AThousandCrashesLeaveNothingBehind) {
     EXPECT_EQ(CallbackDepth(), depth);
 }
 
-DWORD WINAPI RunOwned(void* work) {
-    const std::unique_ptr<std::function<void()>> owned(static_cast<std::function<void()>*>(work));
-    (*owned)();
-    return 0;
-}
-
-// Runs `work` in a thread of its own; false when that waits for something for long. A std::thread
-// that is detached while it ends may take the handle of the next one with it.
-bool EndsInThread(const std::function<void()>& work, DWORD longest) {
-    auto owned = std::make_unique<std::function<void()>>(work);
-    const HANDLE thread = CreateThread(nullptr, 0, RunOwned, owned.release(), 0, nullptr);
-    const bool isOver = WaitForSingleObject(thread, longest) == WAIT_OBJECT_0;
-    CloseHandle(thread);
-    return isOver;
-}
-
 // As a plug-in does that has overrun a block and notices it when it frees the next one.
 TEST_F(GuardTest, ACrashInsideAHeapHoldsUpNoOtherThread) {
     const DWORD before = GetTickCount();
@@ -208,13 +195,20 @@ TEST_F(GuardTest, ALockOfAnotherThreadIsLeftToIt) {
     other.join();
 }
 
-TEST_F(GuardTest, WorksInEveryThread) {
-    int crashes = 0;
-    std::thread([&] {
+TEST_F(GuardTest, WorksInManyThreadsAtOnce) {
+    std::atomic<size_t> crashes = 0;
+    const auto crash = [&] {
         for (const std::string kind : {"stack-overflow", "wild-chain", "av", "stack-overflow"})
             crashes += plugin_.DecodeWith("crash:" + kind + ":GetPicture") == kCrashed;
-    }).join();
-    EXPECT_EQ(crashes, 4);
+        const std::string locking = "early:heap-lock:GetPicture\ncrash:av:GetPicture";
+        crashes += plugin_.DecodeWith(locking) == kCrashed;
+    };
+    std::array<std::thread, 4> threads;
+    for (std::thread& each : threads)
+        each = std::thread(crash);
+    for (std::thread& each : threads)
+        each.join();
+    EXPECT_EQ(crashes, 5 * threads.size());
 }
 
 TEST_F(GuardTest, CallsNestInTheCallback) {

@@ -1,15 +1,11 @@
 // What can be loaded, and what is refused in silence.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstring>
 #include <fstream>
-#include <functional>
-#include <future>
 #include <iterator>
-#include <memory>
-#include <thread>
 
+#include "tests/helpers/susiectl/ends_in_thread.h"
 #include "tests/helpers/susiectl/susiectl_library.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/temporary_folder.h"
@@ -91,24 +87,17 @@ TEST_F(LoadingTest, ACrashIsToldFromARefusal) {
     }
 }
 
-// Runs `work` in a thread of its own; false when it does not end.
-bool EndsInThread(std::function<void()> work) {
-    const auto ended = std::make_shared<std::promise<void>>();
-    std::thread([ended, work = std::move(work)] {
-        work();
-        ended->set_value();
-    }).detach();
-    return ended->get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready;
-}
-
 // The system starts no thread while it believes that a DLL is being loaded.
 TEST_F(LoadingTest, ThreadsStartAfterACrashWhileLoading) {
+    constexpr DWORD kLongest = 10'000;
     EXPECT_TRUE(EndsInThread(
-        [this] { EXPECT_FALSE(LoadedPlugin(folder_, "crash:stack-overflow:DllMain").Module()); }));
-    EXPECT_TRUE(EndsInThread([] {}));
+        [this] { EXPECT_FALSE(LoadedPlugin(folder_, "crash:stack-overflow:DllMain").Module()); },
+        kLongest));
+    EXPECT_TRUE(EndsInThread([] {}, kLongest));
     EXPECT_TRUE(EndsInThread(
-        [this] { EXPECT_FALSE(LoadedPlugin(folder_, "crash:create/av:DllMain").Module()); }));
-    EXPECT_TRUE(EndsInThread([] {}));
+        [this] { EXPECT_FALSE(LoadedPlugin(folder_, "crash:create/av:DllMain").Module()); },
+        kLongest));
+    EXPECT_TRUE(EndsInThread([] {}, kLongest));
 }
 
 TEST_F(LoadingTest, ACrashWhileItIsFreedIsContained) {
