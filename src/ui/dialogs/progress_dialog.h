@@ -13,7 +13,7 @@ class ProgressDialog : private Dialog {
     using Dialog::Handle;
 
     // Whether the user wants no more: the button IDCANCEL, Esc or the close button. Other keys only
-    // stop once he has gone to the button.
+    // stop once he has gone to the button, by Tab or a click.
     bool IsStopped() const { return isStopped_; }
 
     // How long the work goes on unseen, and how often there is news; milliseconds.

@@ -53,11 +53,18 @@ class Button final : public Control {
     std::function<void()> click_;
 };
 
-// A text that is only read.
+// A text that is only read. Where it has the focus, so that no button has it, arrow keys lead to
+// none either.
 class Label final : public Control {
   public:
     bool Create(HWND parent, const wchar_t* text, int id = 0) {
         return CreateChild(parent, L"STATIC", SS_LEFT, 0, id, text);
+    }
+
+  private:
+    std::optional<LRESULT> OnOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_GETDLGCODE) return DLGC_STATIC | DLGC_WANTARROWS;
+        return Control::OnOwnMessage(message, wParam, lParam);
     }
 };
 
