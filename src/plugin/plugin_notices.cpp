@@ -36,7 +36,7 @@ std::vector<std::wstring> InterruptedCallNotices() {
     std::vector<std::wstring> notices;
     const CollectionSusie& collection = SusieCollection();
     for (const PluginCall& call : collection.InterruptedCalls()) {
-        notices.push_back(L"前回はプラグイン " + collection.NameOf(call.plugin) + L" の処理中（" +
+        notices.push_back(L"前回は " + collection.NameOf(call.plugin) + L" の処理中（" +
                           call.function +
                           (call.hasDamaged ? L"）にメモリーが壊れました" : L"）に終了しました"));
         if (IsLeftOut(call, LeftOutReason::kSkipped)) {

@@ -110,7 +110,7 @@ TEST_F(ViewerTest, PluginThatEndedTheLastRunIsNamed) {
     ASSERT_NE(main, nullptr);
     EXPECT_TRUE(WaitUntil([&] {
         return StatusText(viewer, main, 2) ==
-               L"前回はプラグイン iftessjpeg.spi の処理中（GetPicture）に終了しました";
+               L"前回は iftessjpeg.spi の処理中（GetPicture）に終了しました";
     }));
     PostMessageW(main, WM_CLOSE, 0, 0);
     EXPECT_EQ(viewer.ExitCode(), 0);

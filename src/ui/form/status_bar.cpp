@@ -18,8 +18,9 @@ constexpr int kPanelPadding = 8;
 bool StatusBar::Create(HWND parent) {
     const INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES};
     InitCommonControlsEx(&controls);
-    handle_ = CreateWindowExW(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0,
-                              0, 0, 0, parent, nullptr, ProgramInstance(), nullptr);
+    handle_ = CreateWindowExW(0, STATUSCLASSNAMEW, L"",
+                              WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, 0, 0, 0,
+                              parent, nullptr, ProgramInstance(), nullptr);
     if (handle_ == nullptr) return false;
     ChangeMetrics();
     return true;
@@ -35,7 +36,9 @@ void StatusBar::SetPanelText(int panel, const std::wstring& text) {
     if (!isNew && texts_[index] == shown) return;
     texts_[index] = std::move(shown);
     LayOutPanels();
-    SendMessageW(handle_, SB_SETTEXTW, index, reinterpret_cast<LPARAM>(texts_[index].c_str()));
+    const auto shownText = reinterpret_cast<LPARAM>(texts_[index].c_str());
+    SendMessageW(handle_, SB_SETTEXTW, index, shownText);
+    SendMessageW(handle_, SB_SETTIPTEXTW, index, shownText);  // seen where the text is cut off
 }
 
 std::wstring StatusBar::PanelText(int panel) const {
@@ -87,11 +90,24 @@ void StatusBar::LayOutPanels() {
     GetClientRect(handle_, &bar);
     const int padding = Metrics(handle_).Scale(kPanelPadding);
     widths_.resize(texts_.size());
-    std::vector<int> rightEdges;
-    int left = 0;
     for (size_t i = 0; i < texts_.size(); ++i) {
         if (!texts_[i].empty()) widths_[i] = TextWidth(texts_[i]) + 2 * padding;
-        left += std::min<int>(std::max(widths_[i], 2 * padding), bar.right / 2);
+        widths_[i] = std::max(widths_[i], 2 * padding);
+    }
+    const int half = bar.right / 2;
+    const int grip = GetSystemMetrics(SM_CXVSCROLL);
+    int missing = widths_.back() + grip - static_cast<int>(bar.right);
+    int widest = 0;
+    for (size_t i = 0; i + 1 < widths_.size(); ++i) {
+        const int width = std::min(widths_[i], half);
+        missing += width;
+        widest = std::max(widest, width);
+    }
+    const int most = std::clamp<int>(widest - std::max(missing, 0), bar.right / 4, half);
+    std::vector<int> rightEdges;
+    int left = 0;
+    for (const int width : widths_) {
+        left += std::min(width, most);
         rightEdges.push_back(left);
     }
     rightEdges.back() = -1;  // to the end of the bar

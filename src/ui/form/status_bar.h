@@ -11,7 +11,9 @@
 namespace tessary {
 
 // Panels are counted from 1. All but the last are as wide as their text needs, up to half of the
-// bar, and one that loses its text as wide as it was; the last takes the rest. The bar's window
+// bar, and one that loses its text as wide as it was; the last takes the rest. Where that is too
+// little for its text, the widest gives way, down to a quarter of the bar. A text that is cut off
+// comes up whole as a tool tip. The bar's window
 // belongs to its parent, which destroys it.
 class StatusBar {
   public:

@@ -449,7 +449,7 @@ TEST_F(CollectionTest, OneThatEndsTheProgramWhileItTellsAboutItselfIsSkippedThen
     RunAsChild(L"PluginCollectionChild.DISABLED_Loads", fatal);
     EXPECT_EQ(load(), LeftOutReason::kSkipped);
     EXPECT_EQ(InterruptedCallNotices().at(0),
-              L"前回はプラグイン fatal.spi "
+              L"前回は fatal.spi "
               L"の処理中（GetPluginInfo）に終了しました。今回は読み込みません");
     EXPECT_EQ(ReadErrorCount(fatal, L"GetPluginInfo"), 1);
     EXPECT_TRUE(SusieCollection().IsIncomplete());

@@ -128,6 +128,32 @@ TEST_F(StatusBarTest, ShowsTextsAsTheyAreInPanelsThatFit) {
     EXPECT_EQ(firstEdge(), View().cx / 2);
     window_.SetPanelText(kShownFilePanel, L"[表示中] a\tb & c.bmp ( 1×1 24bit )");
     EXPECT_EQ(bar.PanelText(kShownFilePanel), L"[表示中] a b & c.bmp ( 1×1 24bit )");
+
+    // A notice fits at the first width, and the file's name gives way to it.
+    Load(632);
+    window_.SetPanelText(kPluginCountPanel, L"4個のプラグイン");
+    window_.SetPanelText(kShownFilePanel, L"[表示中] a long name of a picture.bmp ( 1×1 24bit )");
+    const auto room = [&](int panel) {
+        RECT place{};
+        SendMessageW(bar.Handle(), SB_GETRECT, static_cast<WPARAM>(panel - 1),
+                     reinterpret_cast<LPARAM>(&place));
+        return place.right - place.left;
+    };
+    const auto needed = [&](const std::wstring& text) {
+        const HDC context = GetDC(bar.Handle());
+        SelectObject(context,
+                     reinterpret_cast<HFONT>(SendMessageW(bar.Handle(), WM_GETFONT, 0, 0)));
+        SIZE size{};
+        GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+        ReleaseDC(bar.Handle(), context);
+        return size.cx;
+    };
+    const std::wstring notice = L"前回は iftessjpeg.spi の処理中（GetPicture）に終了しました";
+    window_.SetPanelText(kNoticePanel, notice);
+    EXPECT_GE(room(kNoticePanel), needed(notice));
+    EXPECT_GE(room(kPluginCountPanel), needed(L"4個のプラグイン"));
+    window_.SetPanelText(kNoticePanel, std::wstring(300, L'長'));
+    EXPECT_EQ(room(kShownFilePanel) / 8, View().cx / 4 / 8);
 }
 
 TEST_F(CloseTest, IsRefusedWhileAPictureLoads) {
