@@ -110,12 +110,15 @@ JsonReport::JsonReport(const std::wstring& path, Start start) {
         return;
     }
     file_ = UniqueFile(CreateFileW(ExtendedPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ,
-                                   nullptr, start == Start::kAnew ? CREATE_ALWAYS : OPEN_EXISTING,
+                                   nullptr, start == Start::kAnew ? OPEN_ALWAYS : OPEN_EXISTING,
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file_) {
         error_ = start == Start::kAnew ? LastWriteError(path) : GetLastError();
-    } else {
+    } else if (start == Start::kContinued) {
         SetFilePointer(file_.Get(), 0, nullptr, FILE_END);
+    } else if (GetFileType(file_.Get()) == FILE_TYPE_DISK && !SetEndOfFile(file_.Get())) {
+        // CREATE_ALWAYS would empty it too, but for a hidden file, which it refuses.
+        error_ = GetLastError();
     }
 }
 

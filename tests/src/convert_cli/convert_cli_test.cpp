@@ -224,6 +224,8 @@ TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
     folder_.Write(LR"(in\b\mp4)", "no picture");
     folder_.Write(LR"(in\b\hidden.bmp)", BitmapFileOf(3, 3, 0));
     SetFileAttributesW((folder_.Path() + LR"(in\b\hidden.bmp)").c_str(), FILE_ATTRIBUTE_HIDDEN);
+    SetFileAttributesW(folder_.Write(L"r.jsonl", std::string(5000, '?')).c_str(),
+                       FILE_ATTRIBUTE_HIDDEN);
     const Outcome run =
         RunProgram(LR"(--format png --quiet --recursive --report r.jsonl --out out in in\b\*.bmp)");
     EXPECT_EQ(run.status, 1U);
@@ -239,6 +241,7 @@ TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
         << report;
     EXPECT_NE(report.find(R"(\\in\\b\\mp4","target":"","result":"failed")"), std::string::npos);
     EXPECT_NE(report.find(R"("result":"declined","reason":"no-picture")"), std::string::npos);
+    EXPECT_EQ(report.find('?'), std::string::npos);
     EXPECT_NE(report.find(R"("result":"converted","renamed":true,"reason":"target-exists")"),
               std::string::npos)
         << report;
