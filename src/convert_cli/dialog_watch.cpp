@@ -61,7 +61,11 @@ std::vector<HWND> VisibleWindowsOfProcess() {
     ForEachWindow(nullptr, [&](HWND window) {
         DWORD process = 0;
         GetWindowThreadProcessId(window, &process);
-        if (process == GetCurrentProcessId() && IsWindowVisible(window)) windows.push_back(window);
+        // A console's window passes for one of the first process that has the console.
+        if (process == GetCurrentProcessId() && IsWindowVisible(window) &&
+            window != GetConsoleWindow()) {
+            windows.push_back(window);
+        }
     });
     return windows;
 }
