@@ -27,6 +27,7 @@
 #include "convert_cli/json_report.h"
 #include "convert_cli/run_journal.h"
 #include "convert_cli/run_summary.h"
+#include "convert_cli/session_end.h"
 #include "convert_cli/stop_request.h"
 #include "convert_cli/worker_process.h"
 #include "plugin/call_log.h"
@@ -114,9 +115,8 @@ bool AreOutputsFree(const ConsoleOptions& options, const InputFiles& inputs,
     return refusal.empty();
 }
 
-int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& report,
-                   ConsoleStream& errors) {
-    const StopRequest stop;
+int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, const StopRequest& stop,
+                   JsonReport& report, ConsoleStream& errors) {
     bool isSetUp = LoadPlugins(stop, errors);
     // Where programs read the report there is nothing else.
     const bool isReport = options.reportFile == kStandardOutput;
@@ -152,8 +152,9 @@ int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, Json
 int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& report,
         ConsoleStream& errors) {
     const DialogWatch dialogs([&](const std::wstring& line) { errors.WriteLine(line); });
+    const StopRequest stop;  // plug-ins are also called when they are freed
     const PluginsInUse plugins;
-    const int status = RunWithPlugins(options, inputs, report, errors);
+    const int status = RunWithPlugins(options, inputs, stop, report, errors);
     TellVerdict(status);  // before plug-ins are freed, some of which end the process then
     return status;
 }
@@ -266,6 +267,7 @@ int RunConsoleProgram(const std::vector<std::wstring>& arguments) {
         return kExitSetupError;
     }
     if (!IsWorker()) {
+        const SessionEnd session([] {});  // the worker hears of it too; what it has done is told
         if (const std::optional<WorkerEnd> end = RunWorker()) return TellEnd(*end, options, errors);
     }
     const int status = Trapped(int{kExitSetupError}, [&] { return Convert(options, errors); });

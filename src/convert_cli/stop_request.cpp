@@ -9,7 +9,7 @@
 namespace tessary {
 namespace {
 
-// How long the system waits at most for a program whose console or session ends.
+// How long the system waits at most for a program whose console is closed.
 constexpr DWORD kGraceMilliseconds = 20000;
 
 // The system calls the handler on a thread of its own and passes nothing that leads to an object.
@@ -37,6 +37,11 @@ BOOL WINAPI OnControlEvent(DWORD event) {
 
 StopRequest::StopRequest() {
     isMade = false;
+    // A program with windows is not told of this by the handler.
+    session_.emplace([] {
+        ExcuseLastCall();
+        isMade = true;
+    });
     SetConsoleCtrlHandler(OnControlEvent, TRUE);
 }
 

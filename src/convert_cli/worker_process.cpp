@@ -109,6 +109,13 @@ BOOL WINAPI LeaveToWorker(DWORD event) {
     return TRUE;
 }
 
+// When the session ends, the system comes to the worker first, and here when that has ended: it
+// goes by this number, and all others have 0x280.
+void EndBehindWorker() {
+    constexpr DWORD kLevel = 0x27F;
+    SetProcessShutdownParameters(kLevel, 0);
+}
+
 // A plug-in that hangs when the process ends does not hold up what waits for us.
 void WaitForEnd(HANDLE process, const Verdict& verdict) {
     constexpr DWORD kLook = 500;
@@ -178,6 +185,7 @@ std::optional<WorkerEnd> RunWorker() {
     if (isStarted) {
         const UniqueObject worker(process.hProcess);
         CloseHandle(process.hThread);
+        EndBehindWorker();
         WaitForEnd(worker.Get(), *verdict);
         end.emplace();
         GetExitCodeProcess(worker.Get(), &end->exitCode);

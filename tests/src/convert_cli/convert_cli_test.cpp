@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <string>
 
 #include "app/base/handles.h"
@@ -67,6 +68,15 @@ class ConvertCliTest : public testing::Test {
         CloseHandle(process.hProcess);
         outcome.output = ContentOf(path);
         return outcome;
+    }
+    // The folder spi with iftst.spi is the only one.
+    void UsePlugins() {
+        std::filesystem::create_directory(folder_.Path() + L"spi");
+        std::filesystem::copy_file(test::TestPluginPath(L"iftst.spi"),
+                                   folder_.Path() + LR"(spi\iftst.spi)");
+        SaveSetting(L"Init", L"Run", L"1");
+        SaveSetting(L"General", L"UseSPI", L"1");
+        SaveSetting(L"General", L"SPIFolder_1", folder_.Path() + L"spi");
     }
     static std::string ContentOf(const std::wstring& path) {
         std::ifstream file(std::filesystem::path(path), std::ios::binary);
@@ -261,12 +271,7 @@ TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
 TEST_F(ConvertCliTest, PluginsNeitherEndARunUnseenNorHoldItUp) {
     folder_.Write(L"ask.tst", "TST 8x8x24\ndirty:question:GetPicture\n");
     folder_.Write(L"end.tst", "TST 8x8x24\ncrash:exit-well:GetPicture\n");
-    std::filesystem::create_directory(folder_.Path() + L"spi");
-    std::filesystem::copy_file(test::TestPluginPath(L"iftst.spi"),
-                               folder_.Path() + LR"(spi\iftst.spi)");
-    SaveSetting(L"Init", L"Run", L"1");
-    SaveSetting(L"General", L"UseSPI", L"1");
-    SaveSetting(L"General", L"SPIFolder_1", folder_.Path() + L"spi");
+    UsePlugins();
     const Outcome asked = RunProgram(L"--format png --out out ask.tst");
     EXPECT_EQ(asked.status, 0U) << asked.output;
     EXPECT_NE(
@@ -309,6 +314,44 @@ TEST_F(ConvertCliTest, PluginsNeitherEndARunUnseenNorHoldItUp) {
     const Outcome away = RunProgram(L"--format png --out out ask.tst");
     EXPECT_EQ(away.status, 2U) << away.output;
     EXPECT_NE(away.output.find("プラグインがひとつも"), std::string::npos) << away.output;
+}
+
+TEST_F(ConvertCliTest, TheEndOfTheSessionLetsItFinishTheFile) {
+    folder_.Write(L"ask.tst", "TST 8x8x24\ndirty:question:GetPicture\n");
+    folder_.Write(L"b.bmp", BitmapFileOf(3, 3, 0));
+    UsePlugins();
+    auto run = std::async(std::launch::async,
+                          [&] { return RunProgram(L"--format png --out out ask.tst b.bmp"); });
+    HWND question = nullptr;
+    for (int looks = 0; question == nullptr && looks < 3000; ++looks) {
+        Sleep(10);
+        question = FindWindowW(nullptr, L"Test plug-in question");
+    }
+    DWORD worker = 0;
+    GetWindowThreadProcessId(question, &worker);
+    int listeners = 0;
+    HWND listener = nullptr;  // the worker's
+    for (HWND window = nullptr;
+         (window = FindWindowExW(nullptr, window, L"TessaryConvertSession", nullptr)) != nullptr;) {
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        ++listeners;
+        if (process == worker) listener = window;
+    }
+    EXPECT_EQ(listeners, 2) << "or the process that tells the end is ended at once";
+    DWORD_PTR answer = 0;
+    SendMessageTimeoutW(listener, WM_QUERYENDSESSION, 0, 0, SMTO_NORMAL, 10000, &answer);
+    EXPECT_TRUE(answer);
+    EXPECT_EQ(GetSetting(L"SPI_CALLLOG", L"SPI"), L"iftst.spi") << "others may refuse";
+    EXPECT_EQ(SendMessageTimeoutW(listener, WM_ENDSESSION, TRUE, 0, SMTO_NORMAL, 100, &answer), 0)
+        << "it would be ended in the middle of the file";
+    while (IsWindow(question) && !GetSetting(L"SPI_CALLLOG", L"SPI").empty())
+        Sleep(1);
+    EXPECT_TRUE(IsWindow(question)) << "the plug-in has no part in the end";
+    const Outcome ended = run.get();
+    EXPECT_EQ(ended.status, 3U) << ended.output;
+    EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\ask.png)"));
+    EXPECT_FALSE(PathExists(folder_.Path() + LR"(out\b.png)"));
 }
 
 }  // namespace
