@@ -7,6 +7,7 @@
 
 #include "app/base/error.h"
 #include "app/base/handles.h"
+#include "app/base/shared_mutex.h"
 #include "app/settings/settings_store.h"
 
 namespace tessary {
@@ -26,9 +27,9 @@ const wchar_t* OwnName() {
     static const UniqueMutex held = [] {
         FILETIME start{}, other;
         GetProcessTimes(GetCurrentProcess(), &start, &other, &other, &other);
-        std::swprintf(name, std::size(name), L"Tessary_Viewer_run_%lu_%08lx%08lx",
+        std::swprintf(name, std::size(name), LR"(Global\Tessary_Viewer_run_%lu_%08lx%08lx)",
                       GetCurrentProcessId(), start.dwHighDateTime, start.dwLowDateTime);
-        return UniqueMutex(CreateMutexW(nullptr, FALSE, name));
+        return SharedMutex(name);
     }();
     return name;
 }
@@ -44,7 +45,7 @@ int TakeNumber() {
 
 }  // namespace
 
-RunsHeld::RunsHeld() : mutex_(CreateMutexW(nullptr, FALSE, L"Tessary_Viewer_runs")) {
+RunsHeld::RunsHeld() : mutex_(SharedMutex(LR"(Global\Tessary_Viewer_runs)").Release()) {
     if (mutex_ != nullptr) WaitForSingleObject(mutex_, kLongestWait);
 }
 

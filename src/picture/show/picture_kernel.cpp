@@ -8,6 +8,7 @@
 #include "app/base/helper_function.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
+#include "app/base/shared_mutex.h"
 #include "app/settings/modValue.h"
 #include "helpers/kernel/pic_kernel.h"
 #include "picture/bitmap_file.h"
@@ -59,7 +60,7 @@ class KernelImage {
 // reading it.
 class TemporaryFileTurn {
   public:
-    TemporaryFileTurn() : mutex_(CreateMutexW(nullptr, FALSE, L"Tessary_Viewer_temp_bmp")) {
+    TemporaryFileTurn() : mutex_(SharedMutex(LR"(Global\Tessary_Viewer_temp_bmp)")) {
         if (mutex_) held_ = WaitForSingleObject(mutex_.Get(), kPatience) != WAIT_TIMEOUT;
     }
     TemporaryFileTurn(const TemporaryFileTurn&) = delete;

@@ -195,6 +195,7 @@ TEST_F(SusieCallsTest, EveryLivingCopyHasALogOfItsOwn) {
     EXPECT_EQ(RecoverInterruptedCalls().at(0).plugin, L"y.spi");
     EXPECT_EQ(ReadErrorCount(L"y.spi", {}), 1);
     EXPECT_FALSE(CallIsLogged());
+    EXPECT_TRUE(GetSetting(L"SPI_RUNS", L"2").starts_with(L"Global\\")) << "other sessions' too";
 }
 
 TEST_F(SusieCallsTest, RunsThatEndInOneLoadingCountAsOne) {
