@@ -13,6 +13,7 @@ namespace {
 
 constexpr size_t kMostBytes = sizeof(susie::FileInfo::fileName) - 1;
 constexpr size_t kMostExtensionChars = 20;
+constexpr UINT kShiftJis = 932;
 
 bool IsSeparator(wchar_t character) {
     return character == L'\\' || character == L'/';
@@ -26,14 +27,18 @@ std::wstring Wide(UINT codePage, DWORD flags, std::string_view text) {
     return wide;
 }
 
-// Names of other code pages are no text in this one. A byte that begins no character must not take
-// the next one with it, as it does in the system's conversion: that may be the extension's dot.
-std::wstring WideFromAnsi(std::string_view name) {
-    std::wstring wide = Wide(CP_ACP, MB_ERR_INVALID_CHARS, name);
+// Names of other code pages are no text in this one; those that are no UTF-8 are most likely out of
+// old Japanese archives. A byte that begins no character must not take the next one with it, as it
+// does in the system's conversion: that may be the extension's dot.
+std::wstring WideFromAnsi(std::string_view name, UINT systemCodePage) {
+    std::wstring wide = Wide(systemCodePage, MB_ERR_INVALID_CHARS, name);
     if (!wide.empty()) return wide;
+    const UINT codePage = systemCodePage == CP_UTF8 ? kShiftJis : systemCodePage;
     while (!name.empty()) {
-        const size_t length = IsDBCSLeadByte(static_cast<BYTE>(name[0])) && name.size() > 1 ? 2 : 1;
-        const std::wstring character = Wide(CP_ACP, MB_ERR_INVALID_CHARS, name.substr(0, length));
+        const bool isPair =
+            IsDBCSLeadByteEx(codePage, static_cast<BYTE>(name[0])) && name.size() > 1;
+        const size_t length = isPair ? 2 : 1;
+        const std::wstring character = Wide(codePage, MB_ERR_INVALID_CHARS, name.substr(0, length));
         wide += character.empty() ? L"_" : character;
         name.remove_prefix(character.empty() ? 1 : length);
     }
@@ -59,9 +64,9 @@ std::wstring Composed(const std::wstring& text) {
 }
 
 // Converted before it is split: the second byte of a double-byte character can look like `\`.
-std::wstring WideName(const Member& member) {
+std::wstring WideName(const Member& member, UINT systemCodePage) {
     return member.nameIsUtf8 ? Composed(Wide(CP_UTF8, 0, member.name))
-                             : WideFromAnsi(member.name.c_str());
+                             : WideFromAnsi(member.name.c_str(), systemCodePage);
 }
 
 // Names that mean a device in any folder, whatever extension they have.
@@ -94,29 +99,30 @@ std::wstring HarmlessPart(std::wstring_view part) {
     return IsDeviceName(harmless) ? L'_' + harmless : harmless;
 }
 
-std::string Ansi(std::wstring_view text) {
+std::string Ansi(std::wstring_view text, UINT codePage) {
     if (text.empty()) return {};
     const auto size = static_cast<int>(text.size());
     // A UTF-8 code page holds everything and takes no substitute.
-    const bool isUtf8 = GetACP() == CP_UTF8;
+    const bool isUtf8 = codePage == CP_UTF8;
     const DWORD flags = isUtf8 ? 0 : WC_NO_BEST_FIT_CHARS;
     const char* const substitute = isUtf8 ? nullptr : "_";
     const int length =
-        WideCharToMultiByte(CP_ACP, flags, text.data(), size, nullptr, 0, substitute, nullptr);
+        WideCharToMultiByte(codePage, flags, text.data(), size, nullptr, 0, substitute, nullptr);
     std::string ansi(static_cast<size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, flags, text.data(), size, ansi.data(), length, substitute, nullptr);
+    WideCharToMultiByte(codePage, flags, text.data(), size, ansi.data(), length, substitute,
+                        nullptr);
     return ansi;
 }
 
 // `text` cut between characters so that it and `ending` fit a field.
-std::string Fitting(std::wstring_view text, std::wstring_view ending) {
+std::string Fitting(std::wstring_view text, std::wstring_view ending, UINT codePage) {
     text = text.substr(0, kMostBytes);
-    std::string fitting = Ansi(text);
-    const std::string ansiEnding = Ansi(ending);
+    std::string fitting = Ansi(text, codePage);
+    const std::string ansiEnding = Ansi(ending, codePage);
     while (fitting.size() + ansiEnding.size() > kMostBytes) {
         text.remove_suffix(1);
         if (!text.empty() && IS_HIGH_SURROGATE(text.back())) text.remove_suffix(1);
-        fitting = Ansi(text);
+        fitting = Ansi(text, codePage);
     }
     return fitting + ansiEnding;
 }
@@ -124,7 +130,11 @@ std::string Fitting(std::wstring_view text, std::wstring_view ending) {
 }  // namespace
 
 ListedName ListedNameOf(const Member& member) {
-    const std::wstring name = WideName(member);
+    return ListedNameOf(member, GetACP());
+}
+
+ListedName ListedNameOf(const Member& member, unsigned systemCodePage) {
+    const std::wstring name = WideName(member, systemCodePage);
     std::wstring folder;
     std::wstring file;
     for (auto at = name.begin(); at != name.end();) {
@@ -142,10 +152,10 @@ ListedName ListedNameOf(const Member& member) {
     const size_t stem = hasExtension ? dot : file.size();
     const std::wstring_view view(file);
     ListedName listed;
-    listed.file = Fitting(view.substr(0, stem), view.substr(stem));
+    listed.file = Fitting(view.substr(0, stem), view.substr(stem), systemCodePage);
     if (!folder.empty()) {
         folder.pop_back();
-        listed.folder = Fitting(folder, L"\\");
+        listed.folder = Fitting(folder, L"\\", systemCodePage);
     }
     return listed;
 }

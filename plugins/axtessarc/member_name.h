@@ -18,6 +18,9 @@ struct ListedName {
 // and harmless: no `..`, no drive, no device, no character that is not a file name's.
 ListedName ListedNameOf(const Member& member);
 
+// The same on a system of that code page.
+ListedName ListedNameOf(const Member& member, unsigned systemCodePage);
+
 // For comparing names regardless of case and of the kind of separator.
 std::wstring ComparableName(const std::string& name);
 

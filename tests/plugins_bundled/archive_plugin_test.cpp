@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "plugins/axtessarc/member_name.h"
 #include "tests/plugins_bundled/loaded_plugin.h"
 #include "tests/plugins_bundled/made_archives.h"
 #include "tests/plugins_bundled/made_rar.h"
@@ -175,6 +176,13 @@ TEST_F(AxtArc, ListsShiftJisNamesOfEveryFormatWhole) {
                  "_r.bmp");
     EXPECT_STREQ(List(Source(MakeArchive(Kind::kRar5, {{"\xC3\xA9r.bmp", "1"}})))[0].fileName,
                  "_r.bmp");
+    // On a system of UTF-8: the same name, and one with half a character.
+    unpack::Member member{};
+    member.name = "\x95\x5C\x8E\xA6\\\x94\x5C\x83\x5C.bmp";
+    const unpack::ListedName listed = unpack::ListedNameOf(member, CP_UTF8);
+    EXPECT_EQ(listed.folder + listed.file, "表示\\能ソ.bmp");
+    member.name = "\x83\x5C\x83.bmp";
+    EXPECT_EQ(unpack::ListedNameOf(member, CP_UTF8).file, "ソ_.bmp");
 }
 
 TEST_F(AxtArc, ExtractsToMemoryAndToFolders) {

@@ -6,6 +6,7 @@ namespace tessary {
 namespace {
 
 constexpr int kCharacterCodes = 256;
+constexpr UINT kShiftJis = 932;
 
 std::string Convert(std::wstring_view text, DWORD flags, BOOL* lost) {
     if (text.empty()) return {};
@@ -22,15 +23,29 @@ std::string Convert(std::wstring_view text, DWORD flags, BOOL* lost) {
     return result;
 }
 
+std::wstring Widened(std::string_view text, UINT codePage, DWORD flags) {
+    if (text.empty()) return {};
+    const int length = static_cast<int>(text.size());
+    const int size = MultiByteToWideChar(codePage, flags, text.data(), length, nullptr, 0);
+    std::wstring result(static_cast<size_t>(size), L'\0');
+    MultiByteToWideChar(codePage, flags, text.data(), length, result.data(), size);
+    return result;
+}
+
 }  // namespace
 
 std::wstring FromAnsi(std::string_view text) {
-    if (text.empty()) return {};
-    const int length = static_cast<int>(text.size());
-    const int size = MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0);
-    std::wstring result(static_cast<size_t>(size), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text.data(), length, result.data(), size);
-    return result;
+    return FromAnsi(text, GetACP());
+}
+
+std::wstring FromAnsi(std::string_view text, unsigned systemCodePage) {
+    if (systemCodePage == CP_UTF8) {
+        for (const UINT codePage : {UINT{CP_UTF8}, kShiftJis}) {
+            std::wstring exact = Widened(text, codePage, MB_ERR_INVALID_CHARS);
+            if (!exact.empty()) return exact;
+        }
+    }
+    return Widened(text, systemCodePage, 0);
 }
 
 std::string ToAnsi(std::wstring_view text) {

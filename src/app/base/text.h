@@ -9,8 +9,12 @@
 namespace tessary {
 
 // Text of the system code page as UTF-16; bytes that are no character of it become the default
-// character.
+// character. Where it is UTF-8, text that is none is taken for Shift_JIS if it can be: plug-ins
+// hand on what they found in old archives, or bring texts of their own.
 std::wstring FromAnsi(std::string_view text);
+
+// The same on a system of that code page.
+std::wstring FromAnsi(std::string_view text, unsigned systemCodePage);
 
 // Text in the system code page; characters that it cannot hold become its default character.
 std::string ToAnsi(std::wstring_view text);

@@ -32,6 +32,10 @@ TEST(TextTest, ConvertsExactlyOrNotAtAll) {
     EXPECT_EQ(ToAnsiExact(L"\U0001F600.bmp"), std::nullopt);
     EXPECT_EQ(ToAnsiExact(L"caf\u00E9.bmp"), std::nullopt);  // would become a plain e
     EXPECT_EQ(ToAnsi(L""), "");
+
+    EXPECT_EQ(FromAnsi(ansi, CP_UTF8), kana);
+    EXPECT_EQ(FromAnsi("\xE8\xA1\xA8.bmp", CP_UTF8), L"表.bmp");
+    EXPECT_EQ(FromAnsi("\xFF.bmp", CP_UTF8), L"\uFFFD.bmp");
 }
 
 TEST(TextTest, SplitsAndFilters) {
