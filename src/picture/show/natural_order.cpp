@@ -12,15 +12,24 @@ namespace {
 
 constexpr std::wstring_view kDigits = L"0123456789";
 
+// Answers its bytes; 0: they are more than `size`. With a `size` of 0 only tells how many.
+int SortKey(std::wstring_view text, char* key, int size) {
+    return LCMapStringEx(
+        LOCALE_NAME_USER_DEFAULT,
+        LCMAP_SORTKEY | NORM_IGNORECASE | NORM_IGNOREWIDTH | NORM_IGNOREKANATYPE | SORT_STRINGSORT,
+        text.data(), static_cast<int>(text.size()), reinterpret_cast<wchar_t*>(key), size, nullptr,
+        nullptr, 0);
+}
+
 // The letters of a text as bytes that compare as the user's language orders them, whatever their
 // case, width, accents and kind of kana. No byte is below 2.
 std::string LetterWeights(std::wstring_view text) {
     std::string key(text.size() * 8 + 16, '\0');
-    const int size = LCMapStringEx(
-        LOCALE_NAME_USER_DEFAULT,
-        LCMAP_SORTKEY | NORM_IGNORECASE | NORM_IGNOREWIDTH | NORM_IGNOREKANATYPE | SORT_STRINGSORT,
-        text.data(), static_cast<int>(text.size()), reinterpret_cast<wchar_t*>(key.data()),
-        static_cast<int>(key.size()), nullptr, nullptr, 0);
+    int size = SortKey(text, key.data(), static_cast<int>(key.size()));
+    if (size == 0) {  // some characters weigh as much as five
+        key.resize(static_cast<size_t>(SortKey(text, nullptr, 0)));
+        size = SortKey(text, key.data(), static_cast<int>(key.size()));
+    }
     key.resize(static_cast<size_t>(size));
     // Behind the first 1 stand the differences that are to be ignored.
     key.resize(std::min(key.find('\1'), key.size()));

@@ -11,6 +11,7 @@
 #include "picture/bitmap_file.h"
 #include "picture/current_picture.h"
 #include "picture/show/fit.h"
+#include "picture/show/natural_order.h"
 #include "picture/show/picture_kernel.h"
 #include "picture/show/picture_text.h"
 #include "plugin/modSusie.h"
@@ -306,6 +307,12 @@ TEST_F(ShowTest, MembersAreListedInNaturalOrder) {
     EXPECT_EQ(list_.names,
               L"9:_cover.jpg 11:08.jpg 10:9.jpg 2:10.jpg 7:IMG99999999999999999999.jpg "
               L"8:img100000000000000000000.jpg 4:B\\9.jpg 1:b\\10.jpg 5:b\\c\\1.jpg 6:b 2\\1.jpg ");
+
+    // Characters that are ordered as several ones each.
+    const std::wstring signs(40, L'\u33A0');
+    std::vector<ListedMember> members{{signs + L".jpg", 1}, {L"a.jpg", 2}};
+    SortNaturally(members);
+    EXPECT_EQ(members[0].position, 2);
 }
 
 TEST_F(ShowTest, MembersAreShownWhateverBecomesOfTheOthers) {
