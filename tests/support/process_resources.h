@@ -3,29 +3,19 @@
 
 #include <windows.h>
 
-#include <winternl.h>
-
 #include <cstddef>
-#include <vector>
 
 namespace tessary::test {
 
-// Open handles of this process, from the system's list of all: Wine has no other count.
+// Open handles of this process among the first four thousand numbers. Each is asked for: what Wine
+// gives as their count is the room in its table, which one busy moment doubles for good.
 inline ULONG HandleCount() {
-    std::vector<std::byte> list(1 << 20);
-    ULONG size = 0;
-    if (NtQuerySystemInformation(SystemProcessInformation, list.data(),
-                                 static_cast<ULONG>(list.size()), &size) != 0) {
-        return 0;
+    ULONG count = 0;
+    for (ULONG_PTR number = 4; number < 4 * 4096; number += 4) {
+        DWORD flags = 0;
+        count += GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) ? 1 : 0;
     }
-    for (size_t at = 0;;) {
-        const auto& process = reinterpret_cast<const SYSTEM_PROCESS_INFORMATION&>(list[at]);
-        if (process.UniqueProcessId == ULongToHandle(GetCurrentProcessId())) {
-            return process.HandleCount;
-        }
-        if (process.NextEntryOffset == 0) return 0;
-        at += process.NextEntryOffset;
-    }
+    return count;
 }
 
 // Memory that this process alone has committed, in bytes.

@@ -14,6 +14,7 @@
 #include "tests/helpers/susiectl/ends_in_thread.h"
 #include "tests/helpers/susiectl/susiectl_library.h"
 #include "tests/plugins/test_plugins.h"
+#include "tests/support/process_resources.h"
 
 namespace tessary::test {
 namespace {
@@ -160,15 +161,12 @@ TEST_F(GuardTest, HandlersAreNotAskedWhereTheyHaveNoRoom) {
 
 TEST_F(GuardTest, AThousandCrashesLeaveNothingBehind) {
     const ULONG_PTR depth = CallbackDepth();
-    DWORD before = 0;
-    DWORD after = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &before);
+    const ULONG handles = HandleCount();
     for (int i = 0; i < 1000; ++i) {
         const std::string kind = kCrashKinds[static_cast<size_t>(i) % std::size(kCrashKinds)];
         ASSERT_EQ(plugin_.DecodeWith("crash:" + kind + ":GetPicture"), kCrashed) << kind;
     }
-    GetProcessHandleCount(GetCurrentProcess(), &after);
-    EXPECT_EQ(before, after);
+    EXPECT_EQ(HandleCount(), handles);
     EXPECT_EQ(CallbackDepth(), depth);
 }
 
