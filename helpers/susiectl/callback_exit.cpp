@@ -72,18 +72,25 @@ void CatchStrayReturns(const ExceptionRegistration* record) {
     });
 }
 
-// Whoever takes the exception returns as he would have. Only what is above `stackPointer` still is
-// somebody's.
-void PutReturnsBack(const void* stackPointer) {
+// Whoever takes the exception returns as he would have. What is below `from` is nobody's any more;
+// what is not below `to` stays as it is.
+void PutReturnsBack(ULONG_PTR from, ULONG_PTR to) {
     ChangedWords& changed = ThisThreadsChangedWords();
-    for (const ChangedWord& each : std::span(changed.words).first(changed.count))
-        if (each.place > stackPointer) *each.place = each.before;
-    changed.count = 0;
+    size_t kept = 0;
+    for (const ChangedWord& each : std::span(changed.words).first(changed.count)) {
+        const ULONG_PTR place = Address(each.place);
+        if (place >= to)
+            changed.words[kept++] = each;
+        else if (place >= from)
+            *each.place = each.before;
+    }
+    changed.count = kept;
 }
 
 // Leaves the callback of `record`, which is known to be open and the innermost.
 [[noreturn]] void LeaveCallback(GuardContext& guard, ExceptionRegistration* record) {
-    ThisThreadsChangedWords().count = 0;
+    // Those of a callback further out: this one is part of how the system ends its call.
+    PutReturnsBack(Address(record), TopOfCall(guard));
     const auto* const next = FirstCallbackFrame(record->outer, guard.frame);
     CatchReturns(Address(record + 1), next ? Address(next) : TopOfCall(guard));
     guard.unwindingFrom = nullptr;
@@ -114,7 +121,7 @@ bool MayBeInCallback(GuardContext& guard) {
         if (state == StackState::kOverwritten && MayBeInCallback(guard)) EndProcess();
         TessaryResume(&guard);
     }
-    ThisThreadsChangedWords().count = 0;
+    PutReturnsBack(stackPointer, top);
     if (hosts) CatchStrayReturns(hosts);
     if (found)
         CatchReturns(Address(found + 1), top);
@@ -176,7 +183,7 @@ const void* TessaryCallbackException(EXCEPTION_RECORD* exception, void* frame) {
 void TessaryPassOn(const void* stackPointer) {
     const GuardContext* guard = InnermostGuard();
     if (!guard || guard->stage != GuardStage::kInside) EndProcess();
-    PutReturnsBack(stackPointer);
+    PutReturnsBack(Address(stackPointer), ~ULONG_PTR{0});
     RaiseException(kCallbackException, EXCEPTION_NONCONTINUABLE, 0, nullptr);
     EndProcess();
 }

@@ -36,6 +36,7 @@ LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
         }
     }
     if (message == WM_DESTROY) CrashAt("destroy");
+    if (message == WM_DESTROY || message == WM_NCDESTROY) CrashAt("destroy-twice");
     if (message == kPosted) CrashAt("posted");
     if (message == WM_TIMER) CrashAt("timer");
     return DefWindowProcW(window, message, wParam, lParam);
@@ -91,10 +92,10 @@ void RunWindow() {
     const HWND window = MakeWindow();
     if (!window) return;
     PostMessageW(window, kPosted, 0, 0);
-    if (place == "destroy") DestroyWindow(window);
+    if (place.starts_with("destroy")) DestroyWindow(window);
     SetTimer(window, kTimer, kSoon, place == "timer-procedure" ? TimerProcedure : nullptr);
     if (place == "posted") PostMessageW(window, kEndOfLoop, 0, 0);
-    if (place != "destroy") RunMessages();
+    if (!place.starts_with("destroy")) RunMessages();
 }
 
 }  // namespace
@@ -107,7 +108,8 @@ void CrashInWindow(const std::string& placeAndKind) {
     depth = 0;
     if (place.starts_with("create")) MakeWindow();
     if (place == "init" || place == "command") RunDialog();
-    if (place == "posted" || place.starts_with("timer") || place == "destroy") RunWindow();
+    if (place == "posted" || place.starts_with("timer") || place.starts_with("destroy"))
+        RunWindow();
     ++CallCount("window-came-back");
 }
 

@@ -72,11 +72,17 @@ TEST_F(LoadingTest, PluginsThatFailToStartAreRefused) {
 
 TEST_F(LoadingTest, ACrashIsToldFromARefusal) {
     const std::pair<const char*, bool> plugins[] = {
-        {"crash:av:DllMain", true},        {"crash:stack-overflow:DllMain", true},
-        {"crash:cpp:DllMain", true},       {"crash:fpu:DllMain", true},
-        {"crash:create/av:DllMain", true}, {"crash:create-in-create/av:DllMain", true},
-        {"crash:timer/av:DllMain", true},  {"answer:DllMain:0", false},
-        {"handled:av:DllMain", false},     {"handled:cpp:DllMain\nanswer:DllMain:0", false}};
+        {"crash:av:DllMain", true},
+        {"crash:stack-overflow:DllMain", true},
+        {"crash:cpp:DllMain", true},
+        {"crash:fpu:DllMain", true},
+        {"crash:create/av:DllMain", true},
+        {"crash:create-in-create/av:DllMain", true},
+        {"crash:timer/av:DllMain", true},
+        {"crash:destroy-twice/av:DllMain", true},
+        {"answer:DllMain:0", false},
+        {"handled:av:DllMain", false},
+        {"handled:cpp:DllMain\nanswer:DllMain:0", false}};
     for (const auto& [script, hasCrashed] : plugins) {
         folder_.Write(L"scripted.spi.script", script);
         CopyFileW(TestPluginPath(L"iftst.spi").c_str(), (folder_.Path() + L"scripted.spi").c_str(),

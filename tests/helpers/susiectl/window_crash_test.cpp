@@ -84,6 +84,14 @@ TEST_F(WindowCrashTest, IsContainedInsideAWindowOfTheHost) {
         }
 }
 
+// The system goes on destroying the window, and runs its procedure once more.
+TEST_F(WindowCrashTest, TwiceInTheSameCallIsContained) {
+    for (const std::string verb : {"crash:", "handled:"})
+        for (const std::string kind : {"av", "wild-chain"})
+            EXPECT_EQ(plugin_.DecodeWith(verb + "destroy-twice/" + kind + ":GetPicture"), kCrashed);
+    EXPECT_EQ(TestCallCount(plugin_.Module(), "window-came-back"), 0);
+}
+
 // What was there of the system's callback is gone, and one of the host's is open: nothing tells
 // which of them would end.
 TEST_F(WindowCrashTest, ThatNothingLeadsOutOfEndsTheProcess) {
