@@ -1,7 +1,8 @@
 #include "ui/form/session_hold.h"
 
-#include <system_error>
+#include <atomic>
 
+#include "app/base/error.h"
 #include "ui/form/window.h"
 
 namespace tessary {
@@ -14,6 +15,9 @@ constexpr wchar_t kHolds[] = L"TessarySessionHolds";
 
 // The system itself waits five seconds for an answer.
 constexpr DWORD kMostMilliseconds = 4000;
+
+// How long the watching thread may take to begin, and to end.
+constexpr DWORD kThreadMilliseconds = 1000;
 
 INT_PTR HoldsOf(HWND window) {
     return reinterpret_cast<INT_PTR>(GetPropW(window, kHolds));
@@ -36,29 +40,37 @@ BOOL CALLBACK TellSessionEnd(HWND window, LPARAM how) {
 
 // What is under way runs below this thread's messages, so that it cannot go on before the answer to
 // one of them. Another thread's window keeps the system waiting.
+struct SessionHold::Watch {
+    // On that thread.
+    void Run();
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+    const DWORD held = GetCurrentThreadId();
+    const UniqueEvent done{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    const UniqueEvent ready{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    std::atomic<HWND> window = nullptr;  // the other thread's
+};
+
 SessionHold::SessionHold(HWND window, const wchar_t* reason)
-    : window_(GetAncestor(window, GA_ROOTOWNER)) {
+    : window_(GetAncestor(window, GA_ROOTOWNER)), watch_(std::make_shared<Watch>()) {
     SetHolds(window_, HoldsOf(window_) + 1);
     if (HoldsOf(window_) == 1) ShutdownBlockReasonCreate(window_, reason);
-    try {
-        watcher_ = std::thread([this] { Watch(); });
-    } catch (const std::system_error&) {
-        return;  // the question is asked all the same
-    }
-    WaitForSingleObject(ready_.Get(), INFINITE);
+    // Without a thread the question is asked all the same.
+    Trapped([this] { watcher_.emplace([watch = watch_] { watch->Run(); }); });
+    if (watcher_) WaitForSingleObject(watch_->ready.Get(), kThreadMilliseconds);
 }
 
 SessionHold::~SessionHold() {
-    SetEvent(done_.Get());
-    if (watcher_.joinable()) {
-        PostMessageW(watch_, WM_CLOSE, 0, 0);
-        watcher_.join();
+    SetEvent(watch_->done.Get());
+    if (const HWND window = watch_->window; window != nullptr) {
+        PostMessageW(window, WM_CLOSE, 0, 0);
+        watcher_->HasEndedWithin(kThreadMilliseconds);
     }
     SetHolds(window_, HoldsOf(window_) - 1);
     if (!IsSessionHeld(window_)) ShutdownBlockReasonDestroy(window_);
 }
 
-void SessionHold::Watch() {
+void SessionHold::Watch::Run() {
     WNDCLASSEXW watchClass{};
     watchClass.cbSize = sizeof(watchClass);
     watchClass.lpfnWndProc = Procedure;
@@ -66,28 +78,32 @@ void SessionHold::Watch() {
     watchClass.lpszClassName = kWatchClass;
     RegisterClassExW(&watchClass);  // fails harmlessly from the second hold on
     // Not one for messages only: those are not told of the session's end.
-    watch_ = CreateWindowExW(0, kWatchClass, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+    window = CreateWindowExW(0, kWatchClass, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
                              ProgramInstance(), this);
-    SetEvent(ready_.Get());
+    SetEvent(ready.Get());
+    if (window == nullptr) return;
+    // Whoever was done before this thread had begun has found no window to close.
+    if (WaitForSingleObject(done.Get(), 0) == WAIT_OBJECT_0) PostMessageW(window, WM_CLOSE, 0, 0);
     MSG message{};
-    while (watch_ != nullptr && GetMessageW(&message, nullptr, 0, 0) > 0)
+    while (GetMessageW(&message, nullptr, 0, 0) > 0)
         DispatchMessageW(&message);
 }
 
-LRESULT CALLBACK SessionHold::Procedure(HWND watch, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT CALLBACK SessionHold::Watch::Procedure(HWND window, UINT message, WPARAM wParam,
+                                               LPARAM lParam) {
     switch (message) {
         case WM_NCCREATE:
-            SetWindowLongPtrW(watch, GWLP_USERDATA,
+            SetWindowLongPtrW(window, GWLP_USERDATA,
                               reinterpret_cast<LONG_PTR>(
                                   reinterpret_cast<const CREATESTRUCTW*>(lParam)->lpCreateParams));
             break;
         case WM_ENDSESSION: {
             if (wParam == FALSE) return 0;
-            const auto& hold =
-                *reinterpret_cast<const SessionHold*>(GetWindowLongPtrW(watch, GWLP_USERDATA));
+            const auto& watch =
+                *reinterpret_cast<const Watch*>(GetWindowLongPtrW(window, GWLP_USERDATA));
             // The system tells one window after the other, and may begin with this one.
-            EnumThreadWindows(hold.thread_, TellSessionEnd, lParam);
-            WaitForSingleObject(hold.done_.Get(), kMostMilliseconds);
+            EnumThreadWindows(watch.held, TellSessionEnd, lParam);
+            WaitForSingleObject(watch.done.Get(), kMostMilliseconds);
             return 0;
         }
         case WM_DESTROY:
@@ -96,7 +112,7 @@ LRESULT CALLBACK SessionHold::Procedure(HWND watch, UINT message, WPARAM wParam,
         default:
             break;
     }
-    return DefWindowProcW(watch, message, wParam, lParam);
+    return DefWindowProcW(window, message, wParam, lParam);
 }
 
 bool IsSessionHeld(HWND window) {

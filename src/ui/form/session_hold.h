@@ -3,7 +3,8 @@
 
 #include <windows.h>
 
-#include <thread>
+#include <memory>
+#include <optional>
 
 #include "ui/form/worker.h"
 
@@ -23,15 +24,12 @@ class SessionHold {
     ~SessionHold();
 
   private:
-    static LRESULT CALLBACK Procedure(HWND watch, UINT message, WPARAM wParam, LPARAM lParam);
-    void Watch();
+    struct Watch;
 
     HWND window_;
-    DWORD thread_ = GetCurrentThreadId();
-    UniqueEvent done_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
-    UniqueEvent ready_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
-    HWND watch_ = nullptr;  // belongs to the watcher
-    std::thread watcher_;   // last: it uses the others
+    // Its thread's too: one that a plug-in's crash keeps from beginning or ending is left behind.
+    std::shared_ptr<Watch> watch_;
+    std::optional<Worker> watcher_;
 };
 
 // Whether this window answers no when the system asks for the session's end (WM_QUERYENDSESSION).

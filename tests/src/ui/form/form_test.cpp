@@ -150,6 +150,28 @@ TEST(SessionHoldTest, KeepsTheSystemWaitingUntilWorkHasStopped) {
     EXPECT_EQ(SessionWatch(), nullptr);
 }
 
+// A crash may leave what every new thread needs first with the thread that has crashed.
+TEST(SessionHoldTest, WaitsForNoThreadThatCannotBegin) {
+    using LockLoader = LONG(WINAPI*)(ULONG flags, ULONG * state, ULONG_PTR * cookie);
+    using UnlockLoader = LONG(WINAPI*)(ULONG flags, ULONG_PTR cookie);
+    const HMODULE system = GetModuleHandleW(L"ntdll.dll");
+    const auto lock = reinterpret_cast<LockLoader>(
+        reinterpret_cast<void*>(GetProcAddress(system, "LdrLockLoaderLock")));
+    const auto unlock = reinterpret_cast<UnlockLoader>(
+        reinterpret_cast<void*>(GetProcAddress(system, "LdrUnlockLoaderLock")));
+    RecordingForm form;
+    ASSERT_TRUE(form.Load());
+    ULONG_PTR cookie = 0;
+    ASSERT_EQ(lock(0, nullptr, &cookie), 0);
+    {
+        const SessionHold hold(form.Handle(), L"held");
+        EXPECT_TRUE(IsSessionHeld(form.Handle()));
+        EXPECT_EQ(SessionWatch(), nullptr);
+    }
+    unlock(0, cookie);
+    EXPECT_FALSE(IsSessionHeld(form.Handle()));
+}
+
 constexpr UINT kMessage = WM_APP + 77;
 
 void PostTwo() {
