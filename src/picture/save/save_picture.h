@@ -19,7 +19,7 @@ constexpr int kSaveFormatCount = 3;
 // a bits block is taken to hold the image of a whole bitmap file in its info block. The pair must
 // be plain (helpers/dib/dib_view.h) and stays the caller's. `passThrough` goes to the writers
 // unchanged: the address of a saving::ProgressCallback, 0 for none. False, without a message, when
-// nothing was saved; GetLastError tells why (app/base/file_error.h).
+// nothing was saved; GetLastError tells why (app/base/write_error.h).
 bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
                      LONG_PTR passThrough);
 
