@@ -10,7 +10,8 @@
 namespace tessary::files {
 
 // What TellingError answers where a security feature keeps programs that it does not know from
-// writing into a folder, as the controlled folder access of Windows does.
+// writing into a folder, as the controlled folder access of Windows does. A drive that is mounted
+// for reading only looks the same where the system does not call it write-protected.
 constexpr DWORD kErrorProtectedFolder = ERROR_ACCESS_DISABLED_BY_POLICY;
 
 // The system's error of a file or folder that could not be created, or another one that tells more:

@@ -79,9 +79,10 @@ ReasonName NameOf(FileReason reason) {
         case FileReason::kTargetInUse:
             return {L"target-in-use", L"保存先のファイルが使用中"};
         case FileReason::kProtectedFolder:
-            return {L"protected-folder",
-                    L"セキュリティ機能（コントロールされたフォルダー "
-                    L"アクセスなど）が保存先への書き込みを止めた"};
+            return {
+                L"protected-folder",
+                L"保存先のドライブが書き込み禁止か、セキュリティ機能（コントロールされたフォルダー "
+                L"アクセスなど）が書き込みを止めた"};
         case FileReason::kNoTargetFolder:
             return {L"no-target-folder", L"保存先のフォルダがない"};
         case FileReason::kTargetLost:

@@ -27,9 +27,10 @@ std::wstring WriteErrorText(DWORD error) {
         case ERROR_SUCCESS:
             return {};
         case files::kErrorProtectedFolder:
-            return L"Windows の「コントロールされたフォルダー アクセス」などのセキュリティ機能が、"
-                   L"このフォルダの変更を止めています。Windows "
-                   L"セキュリティの「ランサムウェアの防止」でこのプログラムを許可するか、"
+            return L"このフォルダは変更できません。ドライブが書き込み禁止でなければ、Windows "
+                   L"の「コントロールされたフォルダー "
+                   L"アクセス」などのセキュリティ機能が止めています。"
+                   L"Windows セキュリティの「ランサムウェアの防止」でこのプログラムを許可するか、"
                    L"ほかのフォルダを使ってください。";
         case ERROR_ACCESS_DENIED:
         case ERROR_WRITE_PROTECT:
