@@ -12,6 +12,7 @@
 #endif
 #include "helpers/susiectl/guard_machine.h"
 #include "helpers/susiectl/heap_check.h"
+#include "helpers/susiectl/heap_lock.h"
 #include "helpers/susiectl/loader_state.h"
 #include "helpers/susiectl/process_end.h"
 
@@ -47,6 +48,10 @@ class Frame {
         guard_.hostState.Restore();
         if (guard_.stackExhausted) _resetstkoflw();
     }
+    // Within another call that one's plug-in may be at work in the heap.
+    bool HasLeftHeapLocked() const {
+        return IsOutermost(guard_) && HoldsProcessHeap();
+    }
     std::optional<INT_PTR> Answer() const {
         return guard_.crashed ? std::nullopt : std::optional(guard_.value);
     }
@@ -73,6 +78,10 @@ std::optional<INT_PTR> GuardedCall(FARPROC function, std::initializer_list<ULONG
         SetRecovering(true);
         // Other threads can do nothing more, not even look at the heaps.
         if (net == Net::kNone && HoldsLoader()) EndProcess();
+        CheckHeaps();
+    } else if (frame.HasLeftHeapLocked()) {
+        // It has crashed in there, and has taken that itself.
+        SetRecovering(true);
         CheckHeaps();
     }
     return frame.Answer();

@@ -77,6 +77,10 @@ void PopGuard(const GuardContext& guard) {
     stack.depth = static_cast<size_t>(&guard - stack.guards.data());
 }
 
+bool IsOutermost(const GuardContext& guard) {
+    return &guard == ThisThreadsStack()->guards.data();
+}
+
 GuardContext* InnermostGuard() {
     GuardStack* stack = ThisThreadsStack();
     return stack && stack->depth > 0 ? &stack->guards[stack->depth - 1] : nullptr;

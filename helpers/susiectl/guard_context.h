@@ -89,6 +89,9 @@ GuardContext& PushGuard();
 // Ends `guard` and every call that was begun inside it and has not ended by itself.
 void PopGuard(const GuardContext& guard);
 
+// Whether no other call was under way in this thread when `guard` was begun.
+bool IsOutermost(const GuardContext& guard);
+
 // Null when no guarded call runs in this thread.
 GuardContext* InnermostGuard();
 

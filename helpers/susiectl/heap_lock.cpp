@@ -71,4 +71,9 @@ std::optional<DWORD> HolderOf(HANDLE heap) {
     return HandleToULong(lock.OwningThread);
 }
 
+bool HoldsProcessHeap() {
+    return isProcessHeapLikewise &&
+           HandleToULong(LockAt(GetProcessHeap(), place)->OwningThread) == GetCurrentThreadId();
+}
+
 }  // namespace tessary::susiectl

@@ -19,4 +19,8 @@ void LearnHeapLocks();
 // known how the system keeps the locks, or the heap is gone.
 std::optional<DWORD> HolderOf(HANDLE heap);
 
+// Whether this thread holds the lock of the process's heap; false where that is not known. Takes no
+// time.
+bool HoldsProcessHeap();
+
 }  // namespace tessary::susiectl
