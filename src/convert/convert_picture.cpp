@@ -155,6 +155,15 @@ StepResult ConvertRun::Skip(const std::wstring& path, FileReason reason) {
     return StepResult::kDone;
 }
 
+// A run that finds its result from before tells of the damage once more: it is no better now.
+StepResult ConvertRun::KeepDamaged(const std::wstring& path, const std::wstring& damage) {
+    log_.WriteConvertLog(L"変換済みのファイルがあります", path, 2);
+    report_.target = path;
+    names_.AddResult(path, Entry(), false);
+    Report(FileOutcome::kConverted, FileReason::kDamaged, damage);
+    return StepResult::kDone;
+}
+
 StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const WorkEntry& entry) {
     dib::BitmapInfoHeader header{};
     GetPictureHeader(picture, header);
@@ -173,7 +182,10 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const Wo
     TrialSave trial(picture, extension);
     const OutputChoice choice = names_.Choose(
         {entry, extension, [&](const std::wstring& path) { return trial.IsLike(path); }});
-    if (choice.isSkipped) return Skip(choice.path, choice.reason);
+    if (choice.isSkipped) {
+        const bool isTold = report_.isDamaged && choice.reason == FileReason::kAlreadyConverted;
+        return isTold ? KeepDamaged(choice.path, damage) : Skip(choice.path, choice.reason);
+    }
     report_.target = choice.path;
     report_.isRenamed = choice.isRenamed || entry.isNumbered;
     report_.isReplaced = choice.isReplaced;

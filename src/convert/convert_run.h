@@ -65,6 +65,7 @@ class ConvertRun {
     bool ToleratesDamage(const std::wstring& damage);
     StepResult SaveConvertedPicture(const PicturePair& picture, const WorkEntry& entry);
     StepResult Skip(const std::wstring& path, FileReason reason);
+    StepResult KeepDamaged(const std::wstring& path, const std::wstring& damage);
     // Saves a picture and, where both are small, reads the next file of the list meanwhile. The
     // report is that of a success. The system's error, 0 for success.
     DWORD SaveAndRead(const PicturePair& picture, const std::wstring& output);

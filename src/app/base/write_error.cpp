@@ -27,11 +27,8 @@ std::wstring WriteErrorText(DWORD error) {
         case ERROR_SUCCESS:
             return {};
         case files::kErrorProtectedFolder:
-            return L"このフォルダは変更できません。ドライブが書き込み禁止でなければ、Windows "
-                   L"の「コントロールされたフォルダー "
-                   L"アクセス」などのセキュリティ機能が止めています。"
-                   L"Windows セキュリティの「ランサムウェアの防止」でこのプログラムを許可するか、"
-                   L"ほかのフォルダを使ってください。";
+            return L"このフォルダは変更できません。書き込み禁止のドライブか、「コントロールされた"
+                   L"フォルダー アクセス」などが守っています（許可の方法は説明書にあります）。";
         case ERROR_ACCESS_DENIED:
         case ERROR_WRITE_PROTECT:
             return L"書き込む権限がないか、読み取り専用です。";
