@@ -228,7 +228,7 @@ int TellEnd(const WorkerEnd& end, const ConsoleOptions& options, ConsoleStream& 
                      std::to_wstring(end.exitCode));
     for (const PluginCall& call : calls) {
         errors.WriteLine(L"プラグイン " + FileNameOf(call.plugin) + L" の処理中（" + call.function +
-                         L"）でした: " + call.file);
+                         L"）でした" + (call.file.empty() ? L"。" : L": " + call.file));
     }
     return kExitEnded;
 }
