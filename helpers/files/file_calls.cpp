@@ -44,7 +44,18 @@ bool FileCalls::IsRemote(const std::wstring& name) {
     constexpr size_t kPrefix = 4;  // characters of `\\?\`
     const std::wstring root = RootOf(name);
     return root.empty() || root.starts_with(LR"(\\?\UNC\)") ||
-           GetDriveTypeW(root.c_str() + kPrefix) == DRIVE_REMOTE;
+           remote_.Get(root, [&] { return GetDriveTypeW(root.c_str() + kPrefix) == DRIVE_REMOTE; });
+}
+
+// Its number: another stick may get the same letter. Some have none, but differ by their letters.
+std::wstring FileCalls::Volume(HANDLE file, const std::wstring& name) {
+    const std::wstring root = RootOf(name);
+    const DWORD serial = serials_.Get(root, [&] {
+        BY_HANDLE_FILE_INFORMATION information{};
+        GetFileInformationByHandle(file, &information);
+        return information.dwVolumeSerialNumber;
+    });
+    return std::to_wstring(serial) + L' ' + root;
 }
 
 void FileCalls::Pause(DWORD milliseconds) {

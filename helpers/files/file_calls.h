@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "helpers/files/recent_answers.h"
 #include "helpers/files/volume_memory.h"
 
 namespace tessary::files {
@@ -31,6 +32,9 @@ class FileCalls {
     virtual DWORD Attributes(const std::wstring& name);
     // Whether the name is one on another machine, or stands for another system's file.
     virtual bool IsRemote(const std::wstring& name);
+    // A text that is another one for each volume, for an open file and its name in the form of
+    // ExtendedFullName.
+    std::wstring Volume(HANDLE file, const std::wstring& name);
     // Waits for so many milliseconds.
     virtual void Pause(DWORD milliseconds);
 
@@ -38,6 +42,8 @@ class FileCalls {
     VolumeMemory& Volumes() { return volumes_; }
 
   private:
+    RecentAnswers<bool> remote_;
+    RecentAnswers<DWORD> serials_;
     VolumeMemory volumes_;
 };
 

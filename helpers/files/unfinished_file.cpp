@@ -62,7 +62,7 @@ bool UnfinishedFile::Create(const std::wstring& target, DWORD attributes) {
     for (uint32_t number = 1; number <= kNames; ++number) {
         const std::wstring name = folder + L"~tessary-" + std::to_wstring(number) + L".tmp";
         if (CreateAs(name, attributes)) {
-            const std::wstring volume = VolumeOf(Get(), name);
+            const std::wstring volume = calls_.Volume(Get(), name);
             const std::optional<bool> known = calls_.Volumes().TakesMarkBack(volume);
             takesMarkBack_ = known ? *known : TryMark();
             if (!known) calls_.Volumes().SetTakesMarkBack(volume, takesMarkBack_);

@@ -1,18 +1,12 @@
 // What is known of file systems.
 #pragma once
 
-#include <windows.h>
-
 #include <map>
 #include <mutex>
 #include <optional>
 #include <string>
 
 namespace tessary::files {
-
-// A text that is another one for each volume, for an open file and its name in the form of
-// ExtendedFullName.
-std::wstring VolumeOf(HANDLE file, const std::wstring& name);
 
 // Remembers of each volume whether its files can be marked to be deleted with their last handle,
 // and the mark be taken back: there are file systems that take the one and not the other. For any
