@@ -50,6 +50,8 @@ class DrivenDialog {
         if (waits != nullptr && !IsWindowEnabled(waits)) return;
         const Step step = steps_.front();
         steps_.pop_front();
+        // Tests that run beside this one come to the foreground.
+        if (GetFocus() == nullptr) SetForegroundWindow(dialog);
         step(dialog);
     }
 
