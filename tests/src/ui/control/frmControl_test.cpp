@@ -13,6 +13,7 @@
 #include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "tests/plugins/test_plugins.h"
+#include "tests/src/ui/run_until.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/distant_files.h"
 #include "tests/support/helper_libraries.h"
@@ -27,6 +28,7 @@
 namespace tessary {
 namespace {
 
+using test::RunUntil;
 using List = std::vector<std::wstring>;
 
 constexpr wchar_t kNotArchive[] = L"Not Archive File.";
@@ -83,16 +85,6 @@ class ControlBarTest : public testing::Test {
         SendMessageW(list.Handle(), LB_SETCURSEL, static_cast<WPARAM>(index), 0);
         SendMessageW(GetParent(list.Handle()), WM_COMMAND, MAKEWPARAM(0, LBN_SELCHANGE),
                      reinterpret_cast<LPARAM>(list.Handle()));
-    }
-    // Handles messages until the condition holds; false when it does not within ten seconds.
-    static bool RunUntil(const std::function<bool()>& condition, DWORD milliseconds = 10000) {
-        const DWORD start = GetTickCount();
-        while (!condition()) {
-            if (GetTickCount() - start > milliseconds) return false;
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-            DoEvents();
-        }
-        return true;
     }
     int HeightAt96Dpi() const {
         RECT frame{};

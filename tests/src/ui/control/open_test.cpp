@@ -25,35 +25,6 @@ namespace {
 
 using Texts = std::vector<std::wstring>;
 
-// Takes lists as the control bar does.
-class TakingBar final : public ControlBar {
-  public:
-    std::wstring Failure() const override { return {}; }
-    bool IsPlaying() const override { return false; }
-    void WishCommand(int) override {}
-    void PictureReplaced(const std::wstring&) override {}
-    void FileSaved(const std::wstring&) override {}
-    bool SetFileList(std::span<const std::wstring> files) override {
-        lists.emplace_back(files.begin(), files.end());
-        if (onSetFileList) onSetFileList();
-        return !files.empty();
-    }
-    void ClearLists() override {}
-    std::vector<std::wstring> FileList() const override { return {}; }
-    bool HasFiles() const override { return false; }
-    void Press(BarButton) override {}
-    bool IsVisible() const override { return visible; }
-    void SetVisible(bool show) override { visible = show; }
-    void TakeFocus(BarFocus) override {}
-    bool MayClose() override { return true; }
-    void SavePlace() override {}
-    void Unload() override {}
-
-    std::vector<Texts> lists;
-    std::function<void()> onSetFileList;
-    bool visible = false;
-};
-
 // A tree of the shape A\B\D, A\C.
 class OpenTest : public MainWindowTest {
   protected:
@@ -67,7 +38,7 @@ class OpenTest : public MainWindowTest {
     }
 
     void SetUp() override {
-        window_.SetControlBar(bar_);
+        window_.SetControlBar(controlBar_);
         Load();
         Values().general.openFolderType = 1;
         SetFolderBrowserResponder([this](const std::wstring& title, const std::wstring& prompt,
@@ -99,8 +70,7 @@ class OpenTest : public MainWindowTest {
 
     TemporaryFolder folder_;
     Texts asked_;
-    TakingBar bar_;
-    OpenCommands commands_{window_, bar_};
+    OpenCommands commands_{window_, controlBar_};
 };
 
 TEST(OpenRulesTest, FilesOfTheSystemsDialogMayLieInSeveralFolders) {
@@ -193,7 +163,7 @@ TEST_F(OpenTest, FolderFillsTheListWhileTheWindowIsBusy) {
     std::wstring captionDuring;
     bool enabledDuring = true;
     bool readDuring = true;
-    bar_.onSetFileList = [&] {
+    controlBar_.onSetFileList = [&] {
         captionDuring = Caption();
         enabledDuring = IsWindowEnabled(window_.Handle()) != FALSE;
         readDuring = IsReadUnderWay();
@@ -203,9 +173,9 @@ TEST_F(OpenTest, FolderFillsTheListWhileTheWindowIsBusy) {
     Choose(menuOpenFolder);
     EXPECT_EQ(asked_,
               (Texts{L"フォルダの参照", L"ファイルが存在するフォルダを指定してください。", L""}));
-    ASSERT_EQ(bar_.lists.size(), 1U);
-    EXPECT_EQ(bar_.lists[0].size(), 2U);
-    EXPECT_TRUE(bar_.visible);
+    ASSERT_EQ(controlBar_.lists.size(), 1U);
+    EXPECT_EQ(controlBar_.lists[0].size(), 2U);
+    EXPECT_TRUE(controlBar_.visible);
     EXPECT_EQ(captionDuring, L"ファイル一覧を作成しています");
     EXPECT_FALSE(enabledDuring);
     EXPECT_FALSE(readDuring);  // else the list would refuse to be filled
@@ -215,7 +185,7 @@ TEST_F(OpenTest, FolderFillsTheListWhileTheWindowIsBusy) {
     EXPECT_EQ(AddBackslash(Values().general.openPath), folder_.Path());
 
     // What goes wrong is reported, and the window is back all the same.
-    bar_.onSetFileList = [] { throw RaisedError(7, L"メモリ"); };
+    controlBar_.onSetFileList = [] { throw RaisedError(7, L"メモリ"); };
     Choose(menuOpenFolder);
     EXPECT_NE(messages_.Only().find(L"menuOpenFolder_Click"), std::wstring::npos);
     EXPECT_TRUE(IsWindowEnabled(window_.Handle()));
@@ -223,7 +193,7 @@ TEST_F(OpenTest, FolderFillsTheListWhileTheWindowIsBusy) {
 
     const ReadUnderWay other;
     Choose(menuOpenFolder);
-    EXPECT_EQ(bar_.lists.size(), 2U);
+    EXPECT_EQ(controlBar_.lists.size(), 2U);
 }
 
 TEST_F(OpenTest, FilesOfTheDialogBecomeTheList) {
@@ -236,7 +206,7 @@ TEST_F(OpenTest, FilesOfTheDialogBecomeTheList) {
     });
     Values().general.openPath = RemoveBackslash(AppFolder());  // a first run's
     Choose(menuFileOpen);
-    EXPECT_TRUE(bar_.lists.empty());
+    EXPECT_TRUE(controlBar_.lists.empty());
     EXPECT_EQ(asked.flags, 0x281A04U);
     EXPECT_EQ(asked.initDir, L"");
     EXPECT_TRUE(asked.filter.starts_with(L"すべてのファイル(*.*)|*.*|"));
@@ -248,7 +218,7 @@ TEST_F(OpenTest, FilesOfTheDialogBecomeTheList) {
     Choose(menuFileOpen);
     EXPECT_EQ(asked.initDir, LR"(C:\絵\)");
     EXPECT_EQ(Values().general.openPath, LR"(D:\)");
-    EXPECT_EQ(bar_.lists,
+    EXPECT_EQ(controlBar_.lists,
               (std::vector<Texts>{{LR"(C:\絵\一枚.bmp)"}, {LR"(D:\b.bmp)", LR"(D:\a b.jpg)"}}));
 }
 

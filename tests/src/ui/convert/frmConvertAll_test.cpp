@@ -29,34 +29,6 @@ using Texts = std::vector<std::wstring>;
 constexpr wchar_t kRefusal[] =
     L"16 画像の変換処理を行っています。\r\n変換処理を中止してからWindowを閉じてください。";
 
-std::wstring TextOf(HWND dialog, int control) {
-    wchar_t text[512]{};
-    GetDlgItemTextW(dialog, control, text, 512);
-    return text;
-}
-
-bool IsUsable(HWND dialog, int control) {
-    const HWND window = GetDlgItem(dialog, control);
-    return IsWindowVisible(window) && IsWindowEnabled(window);
-}
-
-Texts Items(HWND dialog, int control) {
-    const HWND list = GetDlgItem(dialog, control);
-    Texts items(static_cast<size_t>(SendMessageW(list, LB_GETCOUNT, 0, 0)));
-    for (size_t index = 0; index < items.size(); ++index) {
-        wchar_t text[512]{};
-        SendMessageW(list, LB_GETTEXT, index, reinterpret_cast<LPARAM>(text));
-        items[index] = text;
-    }
-    return items;
-}
-
-// The user presses a button as soon as messages are let through.
-void PressLater(HWND dialog, int button) {
-    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED),
-                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, button)));
-}
-
 // Counts what a window is sent.
 class CountedMessages {
   public:

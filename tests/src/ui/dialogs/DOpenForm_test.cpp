@@ -13,16 +13,6 @@
 namespace tessary::test {
 namespace {
 
-std::wstring TextOf(HWND dialog, int control) {
-    wchar_t text[1024] = {};
-    GetDlgItemTextW(dialog, control, text, 1024);
-    return text;
-}
-
-void Type(HWND dialog, int control, const std::wstring& text) {
-    SetDlgItemTextW(dialog, control, text.c_str());
-}
-
 class DOpenFormTest : public testing::Test {
   protected:
     DOpenFormTest() {

@@ -3,9 +3,13 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <deque>
 #include <functional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "ui/form/timer.h"
 
@@ -61,13 +65,90 @@ class DrivenDialog {
     Timer timer_{[this] { Tick(); }};
 };
 
+// What the user does to a control of the dialog.
 inline void Press(HWND dialog, int button) {
     SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED),
                  reinterpret_cast<LPARAM>(GetDlgItem(dialog, button)));
 }
 
+// As soon as messages are let through.
+inline void PressLater(HWND dialog, int button) {
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, button)));
+}
+
+inline void Click(HWND dialog, int button) {
+    SendDlgItemMessageW(dialog, button, BM_CLICK, 0, 0);
+}
+
 inline void PressKey(HWND dialog, int control, WPARAM key) {
-    SendMessageW(GetDlgItem(dialog, control), WM_KEYDOWN, key, 0);
+    SendDlgItemMessageW(dialog, control, WM_KEYDOWN, key, 0);
+}
+
+inline void Type(HWND dialog, int field, const std::wstring& text) {
+    SetDlgItemTextW(dialog, field, text.c_str());
+}
+
+inline void Choose(HWND dialog, int comboBox, int index) {
+    SendDlgItemMessageW(dialog, comboBox, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+    SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(comboBox, CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, comboBox)));
+}
+
+inline void SelectRow(HWND dialog, int listView, int row) {
+    LVITEMW item{};
+    item.stateMask = item.state = LVIS_SELECTED | LVIS_FOCUSED;
+    SendDlgItemMessageW(dialog, listView, LVM_SETITEMSTATE, static_cast<WPARAM>(row),
+                        reinterpret_cast<LPARAM>(&item));
+}
+
+// What he sees of it.
+inline std::wstring TextOf(HWND window) {
+    std::wstring text(20000, L'\0');
+    text.resize(
+        static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+inline std::wstring TextOf(HWND dialog, int control) {
+    return TextOf(GetDlgItem(dialog, control));
+}
+
+inline bool IsUsable(HWND dialog, int control) {
+    const HWND window = GetDlgItem(dialog, control);
+    return IsWindowVisible(window) && IsWindowEnabled(window);
+}
+
+inline bool HasFocus(HWND dialog, int control) {
+    return GetFocus() == GetDlgItem(dialog, control);
+}
+
+inline std::vector<std::wstring> Items(HWND listBox) {
+    std::vector<std::wstring> items(static_cast<size_t>(SendMessageW(listBox, LB_GETCOUNT, 0, 0)));
+    for (size_t index = 0; index < items.size(); ++index) {
+        items[index].resize(static_cast<size_t>(SendMessageW(listBox, LB_GETTEXTLEN, index, 0)));
+        SendMessageW(listBox, LB_GETTEXT, index, reinterpret_cast<LPARAM>(items[index].data()));
+    }
+    return items;
+}
+
+inline std::vector<std::wstring> Items(HWND dialog, int listBox) {
+    return Items(GetDlgItem(dialog, listBox));
+}
+
+inline std::wstring Cell(HWND dialog, int listView, int row, int column) {
+    wchar_t text[260]{};
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = 260;
+    SendDlgItemMessageW(dialog, listView, LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
+                        reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+inline int RowCount(HWND dialog, int listView) {
+    return static_cast<int>(SendDlgItemMessageW(dialog, listView, LVM_GETITEMCOUNT, 0, 0));
 }
 
 }  // namespace tessary::test

@@ -11,27 +11,12 @@
 namespace tessary::test {
 namespace {
 
-std::wstring TextOf(HWND dialog, int control) {
-    wchar_t text[64]{};
-    GetDlgItemTextW(dialog, control, text, 64);
-    return text;
-}
-
-bool IsUsable(HWND dialog, int control) {
-    const HWND window = GetDlgItem(dialog, control);
-    return IsWindowVisible(window) && IsWindowEnabled(window);
-}
-
-void Click(HWND dialog, int control) {
-    SendMessageW(GetDlgItem(dialog, control), BM_CLICK, 0, 0);
-}
-
 TEST(SaveOptionTest, QualityGoesInStepsOfTen) {
     frmSaveOption form;
     saving::JpegSaveOptions options{.quality = 75, .progressive = 1, .optimizedHuffman = 0};
     DrivenDialog user({[](HWND dialog) {
                            EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"70");
-                           EXPECT_EQ(GetFocus(), GetDlgItem(dialog, sliderJpegQuality));
+                           EXPECT_TRUE(HasFocus(dialog, sliderJpegQuality));
                            PressKey(dialog, sliderJpegQuality, VK_RIGHT);
                            EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"80");
                            Press(dialog, IDCANCEL);
@@ -57,7 +42,7 @@ TEST(SaveOptionTest, OtherFormatsHaveTheirOwnPanels) {
     saving::BmpSaveOptions bmp{.saveType = 1, .saveRLE = 1};
     saving::PngSaveOptions png{.quality = 99, .interlace = 0};
     DrivenDialog user({[](HWND dialog) {
-                           EXPECT_EQ(GetFocus(), GetDlgItem(dialog, optionBMPFileType_1));
+                           EXPECT_TRUE(HasFocus(dialog, optionBMPFileType_1));
                            EXPECT_FALSE(IsUsable(dialog, checkRLE));  // OS/2 has none
                            Click(dialog, optionBMPFileType_0);
                            EXPECT_TRUE(IsUsable(dialog, checkRLE));

@@ -16,6 +16,7 @@
 #include "app/base/message_box.h"
 #include "app/base/quit.h"
 #include "app/base/task_modal.h"
+#include "tests/src/ui/run_until.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/session_hold.h"
 #include "ui/form/timer.h"
@@ -225,15 +226,6 @@ TEST(MessageLoopTest, LatestFilterTakesFirstAndMayEndItself) {
     EXPECT_EQ(outer, 1);
 }
 
-bool PumpUntil(const std::function<bool()>& done) {
-    const DWORD start = GetTickCount();
-    while (!done() && GetTickCount() - start < 10000) {
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-        DoEvents();
-    }
-    return done();
-}
-
 TEST(FormTest, LeavesInputMethodsToTextFields) {
     RecordingForm form;
     ASSERT_TRUE(form.Load());
@@ -366,7 +358,7 @@ TEST(TimerTest, TicksUntilStoppedAndNeverNests) {
         --depth;
     });
     ASSERT_TRUE(timer.Start(10));
-    ASSERT_TRUE(PumpUntil([&] { return ticks >= 3; }));
+    ASSERT_TRUE(test::RunUntil([&] { return ticks >= 3; }));
     EXPECT_FALSE(nested);
     timer.Stop();
     const int before = ticks;
@@ -383,7 +375,7 @@ TEST(TimerTest, SurvivesItsOwnEndAndHandlersThatThrow) {
         throw std::runtime_error("tick");
     });
     ASSERT_TRUE(timer->Start(10));
-    ASSERT_TRUE(PumpUntil([&] { return timer == nullptr; }));
+    ASSERT_TRUE(test::RunUntil([&] { return timer == nullptr; }));
     EXPECT_EQ(ticks, 2);
 }
 

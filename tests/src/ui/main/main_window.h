@@ -3,13 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "app/base/modScreenCaps.h"
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
 #include "res/resource.h"
+#include "tests/src/ui/main/recording_control_bar.h"
 #include "tests/src/ui/test_picture.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
@@ -17,42 +15,6 @@
 #include "ui/main/frmMain.h"
 
 namespace tessary::test {
-
-class RecordingControlBar final : public ControlBar {
-  public:
-    bool SetFileList(std::span<const std::wstring> files) override {
-        lists.emplace_back(files.begin(), files.end());
-        return !files.empty();
-    }
-    std::wstring Failure() const override { return failure; }
-    bool IsPlaying() const override { return playing; }
-    void WishCommand(int command) override { wishes.push_back(command); }
-    void PictureReplaced(const std::wstring& text) override { info = text; }
-    void FileSaved(const std::wstring&) override {}
-    void ClearLists() override { ++clears; }
-    std::vector<std::wstring> FileList() const override { return files; }
-    bool HasFiles() const override { return !files.empty(); }
-    void Press(BarButton button) override { pressed.push_back(static_cast<int>(button)); }
-    bool IsVisible() const override { return visible; }
-    void SetVisible(bool show) override { visible = show; }
-    void TakeFocus(BarFocus focus) override { focuses.push_back(focus); }
-    void Unload() override { ++unloads; }
-
-    std::vector<std::vector<std::wstring>> lists;
-    std::vector<std::wstring> files;
-    std::vector<int> pressed;
-    std::wstring failure;
-    bool playing = false;
-    std::vector<int> wishes;
-    std::wstring info = L"a file";
-    std::vector<BarFocus> focuses;
-    bool visible = false;
-    bool MayClose() override { return mayClose; }
-    void SavePlace() override {}
-    bool mayClose = true;
-    int unloads = 0;
-    int clears = 0;
-};
 
 class MainWindowTest : public testing::Test {
   protected:

@@ -21,50 +21,6 @@
 namespace tessary::test {
 namespace {
 
-std::wstring TextOf(HWND dialog, int control) {
-    std::wstring text(20000, L'\0');
-    text.resize(static_cast<size_t>(
-        GetDlgItemTextW(dialog, control, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
-std::wstring Cell(HWND dialog, int list, int row, int column) {
-    wchar_t text[260]{};
-    LVITEMW item{};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = 260;
-    SendDlgItemMessageW(dialog, list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
-                        reinterpret_cast<LPARAM>(&item));
-    return text;
-}
-
-int RowCount(HWND dialog, int list) {
-    return static_cast<int>(SendDlgItemMessageW(dialog, list, LVM_GETITEMCOUNT, 0, 0));
-}
-
-void SelectRow(HWND dialog, int list, int row) {
-    LVITEMW item{};
-    item.stateMask = item.state = LVIS_SELECTED | LVIS_FOCUSED;
-    SendDlgItemMessageW(dialog, list, LVM_SETITEMSTATE, static_cast<WPARAM>(row),
-                        reinterpret_cast<LPARAM>(&item));
-}
-
-bool IsUsable(HWND dialog, int control) {
-    const HWND window = GetDlgItem(dialog, control);
-    return IsWindowVisible(window) && IsWindowEnabled(window);
-}
-
-void Click(HWND dialog, int control) {
-    SendDlgItemMessageW(dialog, control, BM_CLICK, 0, 0);
-}
-
-void Choose(HWND dialog, int combo, int index) {
-    SendDlgItemMessageW(dialog, combo, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
-    SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(combo, CBN_SELCHANGE),
-                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, combo)));
-}
-
 // The captions that a window has been given.
 HWND& Watched() {
     static HWND window = nullptr;
@@ -139,7 +95,7 @@ TEST_F(OptionsTest, CancelChangesNothingAndApplyAndOKWriteAtOnce) {
                     EXPECT_FALSE(IsUsable(dialog, combDecodeFileSize));
                     Click(dialog, checkNoDecodeSmall);
                     Choose(dialog, combDecodeFileSize, 1);
-                    SetDlgItemTextW(dialog, textMinDecodeSizeX, L"640");
+                    Type(dialog, textMinDecodeSizeX, L"640");
                     Press(dialog, cmdApply);
                     EXPECT_FALSE(IsUsable(dialog, cmdApply));
                     EXPECT_EQ(GetSetting(L"Convert", L"MinDecodeSizeX"), L"640");
@@ -161,7 +117,7 @@ TEST_F(OptionsTest, PluginsAreLoadedAnewOnlyWhenSomethingAboutThemChanges) {
                     Click(dialog, checkUseSPI);
                     EXPECT_FALSE(IsUsable(dialog, textSPIFolder_1));
                     Click(dialog, checkLoadSPI_1);
-                    SetDlgItemTextW(dialog, textSPIFolder_1, LR"( "C:\gone" )");
+                    Type(dialog, textSPIFolder_1, LR"( "C:\gone" )");
                     Press(dialog, cmdApply);
                     EXPECT_EQ(RowCount(dialog, listSPI), 3);
                     EXPECT_EQ(Cell(dialog, listSPI, 2, 0), LR"(C:\gone\)");
@@ -199,11 +155,11 @@ TEST_F(OptionsTest, TheLogSwitchIsWhatTheUserChoseLast) {
     EXPECT_EQ(stored(), L"1");
     EXPECT_EQ(convert.outputErrorLog, 0) << "not tried again";
     ShowOptions(kConvertPage, {[&](HWND dialog) {
-                    SetDlgItemTextW(dialog, textErrorLogFileName, L"");
+                    Type(dialog, textErrorLogFileName, L"");
                     Press(dialog, IDOK);
                     EXPECT_EQ(messages_.All().size(), 1U) << "no name";
-                    EXPECT_EQ(GetFocus(), GetDlgItem(dialog, textErrorLogFileName));
-                    SendDlgItemMessageW(dialog, checkOutputErrorLog, BM_CLICK, 0, 0);
+                    EXPECT_TRUE(HasFocus(dialog, textErrorLogFileName));
+                    Click(dialog, checkOutputErrorLog);
                     Press(dialog, IDOK);
                 }});
     EXPECT_EQ(stored(), L"0");
@@ -229,10 +185,8 @@ TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
                         EXPECT_EQ(selected(dialog, combReduceType), 0);
                         EXPECT_EQ(selected(dialog, combFixSizeValue), 4);
                         EXPECT_EQ(selected(dialog, combSaveType1), 2);
-                        SetDlgItemTextW(dialog, textReduceColorNum, L"99999999999999999999");
-                        PostMessageW(
-                            dialog, WM_COMMAND, cmdFileFormatEnv_1,
-                            reinterpret_cast<LPARAM>(GetDlgItem(dialog, cmdFileFormatEnv_1)));
+                        Type(dialog, textReduceColorNum, L"99999999999999999999");
+                        PressLater(dialog, cmdFileFormatEnv_1);
                     },
                     [](HWND dialog) {
                         EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"0");
@@ -282,7 +236,7 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     SelectRow(dialog, listSPI, 1);
                     SetFocus(GetDlgItem(dialog, cmdSPISetup));
                     Press(dialog, cmdSPISetup);
-                    EXPECT_EQ(GetFocus(), GetDlgItem(dialog, cmdSPISetup));
+                    EXPECT_TRUE(HasFocus(dialog, cmdSPISetup));
                     EXPECT_NE(messages_.All().back().text.find(L"致命的エラー"),
                               std::wstring::npos);
                     EXPECT_EQ(Cell(dialog, listSPI, 1, 5), L"2");
@@ -295,7 +249,7 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     EXPECT_EQ(Cell(dialog, listSPI, 0, 5), L"0");
                     EXPECT_EQ(Cell(dialog, listSPI, 0, 4), L"未ロード");
                     EXPECT_EQ(RowCount(dialog, listSPIError), 0);
-                    EXPECT_EQ(GetFocus(), GetDlgItem(dialog, listSPI));
+                    EXPECT_TRUE(HasFocus(dialog, listSPI));
                     EXPECT_FALSE(IsUsable(dialog, cmdSPIErrorClear));
 
                     EXPECT_EQ(Cell(dialog, listSPI, 2, 4), L"停止中");
@@ -338,8 +292,7 @@ TEST_F(OptionsTest, ALongReloadIsToldAndCanBeStopped) {
     DrivenDialog user(
         {[](HWND dialog) {
              Click(dialog, checkUseSPI);
-             PostMessageW(dialog, WM_COMMAND, cmdApply,
-                          reinterpret_cast<LPARAM>(GetDlgItem(dialog, cmdApply)));
+             PressLater(dialog, cmdApply);
          },
          [&](HWND progress) {
              EXPECT_TRUE(TextOf(progress, progressSubject).starts_with(folder_.Path()));
