@@ -24,6 +24,7 @@
 #include "picture/show/modShowPicture.h"
 #include "picture/show/no_picture.h"
 #include "plugin/file_stamp.h"
+#include "plugin/modSusie.h"
 #include "plugin/susie_calls.h"
 
 namespace tessary {
@@ -245,10 +246,10 @@ void ConvertRun::ReportUnknown(const std::wstring& path) {
         Report(FileOutcome::kFailed, FileReason::kPluginFailed, PluginsStoppedText());
     } else if (const FileReason reason = ReasonUnknown(path);
                reason == FileReason::kUnknownFormat && source_.refusal) {
-        const CollectionSusie::Refusal& refusal = *source_.refusal;
+        const Search::Refusal& refusal = *source_.refusal;
         log_.WriteConvertLog(L"詳細情報", refusal.reason, 2);
         Report(FileOutcome::kFailed, ReasonOf(refusal),
-               refusal.reason + L" (" + refusal.plugin + L')');
+               refusal.reason + L" (" + SusieCollection().NameOf(refusal.dllName) + L')');
     } else {
         Report(FileOutcome::kFailed, reason);
     }

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <set>
-
 #include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -46,7 +44,7 @@ PluginFailure FailureOf(const clsSusie& plugin, uint32_t result) {
     return {result, plugin.ErrorFunction(), plugin.ErrorString(), plugin.Condition().kind};
 }
 
-FileReason ReasonOf(const CollectionSusie::Refusal& refusal) {
+FileReason ReasonOf(const Search::Refusal& refusal) {
     if (refusal.hasCrashed) return FileReason::kPluginCrashed;
     const FileReason told = ReasonTold(refusal.condition);
     return told == FileReason::kNone ? FileReason::kPluginFailed : told;
@@ -107,9 +105,9 @@ SourcePicture DecodeSource(const std::wstring& path, const std::wstring& pluginK
     SourcePicture source;
     source.pluginKey = pluginKey;
     source.isRefused = true;
-    std::set<int32_t> asked;
-    while (const int32_t index = plugins.FileSupported(path, asked)) {
-        clsSusie& plugin = plugins.Item(index);
+    Search search = plugins.SearchFor(path);
+    while (clsSusie* const found = search.Next()) {
+        clsSusie& plugin = *found;
         source.isRefused = false;
         source.pluginKey = plugin.DllName();
         if (plugin.DllStyle() == kStyleArchive) {
@@ -126,7 +124,7 @@ SourcePicture DecodeSource(const std::wstring& path, const std::wstring& pluginK
             break;
         }
         source.failure = FailureOf(plugin, result);
-        plugins.ForgetSuccess();
+        search.NoteFailure();
     }
     plugins.UnloadFile();
     return source;

@@ -25,7 +25,7 @@ PluginFailure FailureOf(const clsSusie& plugin, uint32_t result);
 
 FileReason ReasonOf(const PluginFailure& failure);
 // The same of what is unknown because the archive plug-in that knows it could not list it.
-FileReason ReasonOf(const CollectionSusie::Refusal& refusal);
+FileReason ReasonOf(const Search::Refusal& refusal);
 // The reason for the user, with the plug-in's name and what it tells.
 std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey);
 
@@ -40,8 +40,8 @@ struct SourcePicture {
 
 struct SourceFile {
     FileKind kind = kFileUnknown;
-    std::wstring pluginKey;                             // of a picture and an archive
-    std::optional<CollectionSusie::Refusal> refusal{};  // of an unknown one
+    std::wstring pluginKey;                    // of a picture and an archive
+    std::optional<Search::Refusal> refusal{};  // of an unknown one
     std::optional<SourcePicture> picture;  // of a bitmap or picture, as soon as it has been read
 };
 

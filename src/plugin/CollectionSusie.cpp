@@ -23,13 +23,13 @@ CollectionSusie::CollectionSusie() {
 
 void CollectionSusie::SetDynamicLoad(bool dynamicLoad) {
     dynamicLoad_ = dynamicLoad;
-    for (const auto& member : members_)
+    for (const auto& member : order_.members)
         member->SetAutoUnload(dynamicLoad);
 }
 
 void CollectionSusie::SetTryAll(bool tryAll) {
-    tryAll_ = tryAll;
-    for (const auto& member : members_)
+    order_.tryAll = tryAll;
+    for (const auto& member : order_.members)
         member->SetCheckMode(!tryAll);
 }
 
@@ -37,12 +37,12 @@ clsSusie& CollectionSusie::Item(int32_t index) {
     if (index < 1 || index > Count()) {
         throw PluginError(kErrorInvalidArgument, kInvalidArgumentText);
     }
-    return *members_[static_cast<size_t>(index) - 1];
+    return *order_.members[static_cast<size_t>(index) - 1];
 }
 
 clsSusie* CollectionSusie::Item(std::wstring_view dllName) {
     if (dllName.empty()) return nullptr;
-    for (const auto& member : members_) {
+    for (const auto& member : order_.members) {
         if (EqualsIgnoreCase(member->DllName(), dllName)) return member.get();
     }
     return nullptr;
@@ -51,22 +51,22 @@ clsSusie* CollectionSusie::Item(std::wstring_view dllName) {
 void CollectionSusie::Remove(int32_t index) {
     Item(index);  // refuses what is outside
     if (PluginCallUnderWay()) return;
-    members_.erase(members_.begin() + index - 1);
-    lastSuccess_ = 0;
+    order_.members.erase(order_.members.begin() + index - 1);
+    ForgetSearches();
 }
 
 void CollectionSusie::RemoveAll() {
     if (PluginCallUnderWay()) return;
-    members_.clear();
+    order_.members.clear();
     leftOut_.clear();
     skipped_.clear();
-    lastSuccess_ = 0;
+    ForgetSearches();
 }
 
 int32_t CollectionSusie::Compact() {
     if (PluginCallUnderWay()) return Count();
-    std::erase_if(members_, [](const auto& member) { return member->DllName().empty(); });
-    lastSuccess_ = 0;
+    std::erase_if(order_.members, [](const auto& member) { return member->DllName().empty(); });
+    ForgetSearches();
     return Count();
 }
 
@@ -98,12 +98,13 @@ void CollectionSusie::AddSPI(const std::wstring& path) {
     if (PluginCallUnderWay() || Item(FullPathOf(path)) != nullptr) return;
     auto added = std::make_unique<clsSusie>();
     added->SetAutoUnload(dynamicLoad_);
-    added->SetCheckMode(!tryAll_);
+    added->SetCheckMode(!order_.tryAll);
     uint32_t loadError = 0;
     const std::optional<LeftOutReason> refusal = LoadPlugin(*added, path, loadError);
     NoteLeftOut(path, refusal, loadError);
-    members_.insert(members_.begin() + InsertionIndex(added->ErrorCount({})), std::move(added));
-    lastSuccess_ = 0;
+    order_.members.insert(order_.members.begin() + InsertionIndex(added->ErrorCount({})),
+                          std::move(added));
+    ForgetSearches();
 }
 
 // Whatever the store refuses to tell or to note, a plug-in that works is loaded.
@@ -165,38 +166,42 @@ void CollectionSusie::ForgetErrorsOfLeftOut(const std::wstring& path) {
 void CollectionSusie::ForgetErrors(int32_t index) {
     if (PluginCallUnderWay()) throw PluginError(kErrorCallUnderWay, kCallUnderWayText);
     Item(index).ForgetErrors();
-    const auto from = members_.begin() + index - 1;
+    const auto from = order_.members.begin() + index - 1;
     auto member = std::move(*from);
-    members_.erase(from);
-    members_.insert(members_.begin() + InsertionIndex(0), std::move(member));
-    lastSuccess_ = 0;
+    order_.members.erase(from);
+    order_.members.insert(order_.members.begin() + InsertionIndex(0), std::move(member));
+    ForgetSearches();
+}
+
+void CollectionSusie::ForgetSearches() {
+    order_.lastSuccess = nullptr;
     query_ = {};
 }
 
 int32_t CollectionSusie::InsertionIndex(int32_t total) const {
-    const auto at = std::find_if(members_.begin(), members_.end(), [&](const auto& member) {
-        return member->ErrorCount({}) >= total;
-    });
-    return static_cast<int32_t>(at - members_.begin());
+    const auto at =
+        std::find_if(order_.members.begin(), order_.members.end(),
+                     [&](const auto& member) { return member->ErrorCount({}) >= total; });
+    return static_cast<int32_t>(at - order_.members.begin());
 }
 
 void CollectionSusie::UnloadFile() {
     if (PluginCallUnderWay()) return;
-    for (const auto& member : members_) {
+    for (const auto& member : order_.members) {
         if (member->IsBound()) Trapped([&] { member->SetFile({}); });
     }
 }
 
 void CollectionSusie::UnloadMemory() {
     if (PluginCallUnderWay()) return;
-    for (const auto& member : members_) {
+    for (const auto& member : order_.members) {
         if (member->GetMemoryHandle() != nullptr) Trapped([&] { member->SetFile({}); });
     }
 }
 
 int32_t CollectionSusie::GetInMemorySPICount() const {
     return static_cast<int32_t>(
-        std::count_if(members_.begin(), members_.end(), [](const auto& member) {
+        std::count_if(order_.members.begin(), order_.members.end(), [](const auto& member) {
             return !member->DllName().empty() &&
                    GetModuleHandleW(ExtendedPath(member->DllName()).c_str()) != nullptr;
         }));

@@ -19,6 +19,7 @@
 #include "plugin/clsSusie.h"
 #include "plugin/file_stamp.h"
 #include "plugin/left_out_plugin.h"
+#include "plugin/search.h"
 
 namespace tessary {
 
@@ -35,18 +36,18 @@ class CollectionSusie {
 
     // A file that no plug-in claims by its patterns is offered to every one. When off, plug-ins are
     // asked only about files that they claim; a change applies to all members.
-    bool TryAll() const { return tryAll_; }
+    bool TryAll() const { return order_.tryAll; }
     void SetTryAll(bool tryAll);
 
     // --- Members: indexes count from 1 ---
 
-    int32_t Count() const { return static_cast<int32_t>(members_.size()); }
+    int32_t Count() const { return static_cast<int32_t>(order_.members.size()); }
     // Raises PluginError (kErrorInvalidArgument) for an index outside the collection. References
     // last until the member is removed.
     clsSusie& Item(int32_t index);
     // The member of that plug-in file; null when there is none.
     clsSusie* Item(std::wstring_view dllName);
-    std::span<const std::unique_ptr<clsSusie>> NewEnum() const { return members_; }
+    std::span<const std::unique_ptr<clsSusie>> NewEnum() const { return order_.members; }
 
     void Remove(int32_t index);
     void RemoveAll();
@@ -76,7 +77,7 @@ class CollectionSusie {
 
     // RefreshInfo of every member: settings windows of plug-ins may have been closed meanwhile.
     void RefreshInfo() {
-        for (const auto& member : members_)
+        for (const auto& member : order_.members)
             member->RefreshInfo();
     }
 
@@ -102,47 +103,29 @@ class CollectionSusie {
     // several folders, with as much of its folder before it as tells them apart.
     std::wstring NameOf(const std::wstring& path) const;
 
-    // --- Use ---
-    //
-    // Members are asked in this order: the one that accepted last, unless others name the file in
-    // their patterns and it does not; those whose patterns match the name or the content's format,
-    // in trial order; with TryAll the one that accepted last and then all in trial order. So the
-    // files of one kind in a row cost one question each, and who accepts anything takes nothing
-    // away from those who know the format.
+    // --- Use (search.h tells the order in which members are asked) ---
 
-    // The index of the first member, from `startIndex` on, that accepts the file; it is then bound
-    // to it. 0 when none does.
+    // The search for a plug-in that can read the file. Every member is unbound first, for the file
+    // may have changed; only what QueryFile has just found out about the same file is taken over.
+    Search SearchFor(const std::wstring& path);
+    // The same for a block, which must live until UnloadMemory. Members stay bound to files.
+    Search SearchFor(HLOCAL memory, const std::wstring& fileName);
+
+    // The index of the first member, from `startIndex` on, that accepts the file or block as Search
+    // says, and 0 when none does.
     int32_t FileSupported(const std::wstring& path, int32_t startIndex = 1);
-    // The same for a search that goes on when the member found fails with the file: looks among all
-    // that are not in `asked` and adds those that it asks, so that each is asked once. When it
-    // begins, with nobody asked, every member is unbound first, for the file may have changed; only
-    // what QueryFile has just found out about the same file is taken over.
-    int32_t FileSupported(const std::wstring& path, std::set<int32_t>& asked);
-    // FileSupported with every member unbound first, for somebody who is likely to begin such a
-    // search next. The member found stays bound.
-    int32_t QueryFile(const std::wstring& path);
-    // The first member that names the file in its patterns, other than with one for every file, for
-    // those who must not have the file opened; 0 when none does.
-    int32_t FirstNaming(const std::wstring& path) const;
-    // Why the first archive plug-in that the last search met could not read what it takes for an
-    // archive of its own, or that the first plug-in that crashed did so, and its name; nothing when
-    // there was neither.
-    struct Refusal {
-        std::wstring reason;
-        std::wstring plugin;
-        susie::Condition condition = susie::kConditionNone;
-        bool hasCrashed = false;
-    };
-    const std::optional<Refusal>& LastRefusal() const { return refusal_; }
-    // To be called when the member that accepted last has failed: it is not preferred any more.
-    void ForgetSuccess() { lastSuccess_ = 0; }
-
-    // FileSupported for a block: the first member that accepts the data. A picture plug-in is then
-    // bound to the block, which must live until UnloadMemory. An archive plug-in is only asked and
-    // stays bound to what it is bound to: the block may come out of that very archive. `fileName`
-    // tells where the data comes from.
     int32_t MemorySupported(HLOCAL memory, const std::wstring& fileName, int32_t startIndex = 1);
-    int32_t MemorySupported(HLOCAL memory, const std::wstring& fileName, std::set<int32_t>& asked);
+
+    // The first that a search for the file finds, for somebody who is likely to begin that search
+    // next; null when there is none. It stays bound.
+    clsSusie* QueryFile(const std::wstring& path);
+    // What the last query's search tells of refusals.
+    const std::optional<Search::Refusal>& LastRefusal() const {
+        return query_.search.LastRefusal();
+    }
+    // The first member that names the file in its patterns, other than with one for every file, for
+    // those who must not have the file opened; null when none does.
+    const clsSusie* FirstNaming(const std::wstring& path) const;
 
     // The archive plug-in that is bound to the file; when none is, the first that accepts it, as
     // FileSupported finds it. Null when there is none.
@@ -163,18 +146,9 @@ class CollectionSusie {
     std::wstring GetCommonDialogString() const;
 
   private:
-    // What is looked for a plug-in.
-    struct Search {
-        std::wstring upperName;                        // file name without folder
-        std::function<std::wstring()> contentPattern;  // pattern of the content's format; slow
-        std::function<bool(clsSusie&)> accepts;        // false or an exception: the member refuses
-        bool isEmpty = false;  // no content shows who can read it: only who claims it is asked
-    };
-
     // What QueryFile has found out.
     struct Query {
-        int32_t index = 0;  // of the member found, 0: nothing is known
-        std::set<int32_t> asked;
+        Search search;
         FileStamp stamp;
     };
 
@@ -185,26 +159,20 @@ class CollectionSusie {
         std::wstring dllName;  // of the plug-in that listed them; empty: none did
     };
 
-    void NoteCrash(const clsSusie& member);
-    void NoteRefusal(clsSusie& member, const std::wstring& path, int32_t result);
-    bool Holds(const Query& query, const std::wstring& path) const;
-    int32_t FirstSupporting(const std::wstring& path, int32_t startIndex, std::set<int32_t>& asked);
-    int32_t FirstSupporting(HLOCAL memory, const std::wstring& fileName, int32_t startIndex,
-                            std::set<int32_t>& asked);
-    int32_t FirstAccepting(const Search& search, int32_t startIndex, std::set<int32_t>& asked);
+    static bool Holds(Query& query, const std::wstring& path);
+    int32_t IndexOf(const clsSusie* member) const;
+    // To be called when members have come, gone or moved.
+    void ForgetSearches();
     std::optional<LeftOutReason> LoadPlugin(clsSusie& added, const std::wstring& path,
                                             uint32_t& loadError);
     void NoteLeftOut(const std::wstring& path, std::optional<LeftOutReason> reason,
                      uint32_t loadError = 0);
     int32_t InsertionIndex(int32_t total) const;
 
-    std::vector<std::unique_ptr<clsSusie>> members_;
+    TrialOrder order_;
     bool dynamicLoad_ = false;
-    bool tryAll_ = true;
     Listing listing_;
-    int32_t lastSuccess_ = 0;  // index of the member that accepted last; 0 when unknown
     Query query_;
-    std::optional<Refusal> refusal_;
     std::vector<PluginCall> interruptedCalls_;
     std::set<std::wstring> skipped_;  // not to be loaded this time: paths or names in upper case
     std::vector<LeftOutPlugin> leftOut_;

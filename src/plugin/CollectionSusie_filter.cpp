@@ -19,7 +19,7 @@ std::wstring CollectionSusie::GetCommonDialogString() const {
     std::wstring all = L"*.BMP;";
     std::wstring entries;
     std::set<std::wstring> known{L"*.BMP"};
-    for (const auto& member : members_) {
+    for (const auto& member : order_.members) {
         if (member->DllName().empty()) continue;
         for (int32_t i = 1; !member->FileType(i).empty(); ++i) {
             const std::wstring pattern = Entry(member->FileType(i));

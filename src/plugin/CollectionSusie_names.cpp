@@ -28,7 +28,7 @@ std::wstring CollectionSusie::NameOf(const std::wstring& path) const {
         if (EqualsIgnoreCase(FileNameOf(other), name) && !EqualsIgnoreCase(other, path))
             others.push_back(other);
     };
-    for (const auto& member : members_)
+    for (const auto& member : order_.members)
         compare(member->DllName());
     for (const LeftOutPlugin& one : leftOut_)
         compare(one.path);

@@ -70,10 +70,10 @@ std::wstring WithoutFolder(std::wstring text, const std::wstring& path) {
     return text;
 }
 
-// Of what the plug-in of that index takes; an index of 0 is none's.
-FileKind KindOfPlugin(int32_t index) {
-    if (index < 1) return kFileUnknown;
-    return SusieCollection().Item(index).DllStyle() == kStyleArchive ? kFileArchive : kFilePicture;
+// Of what that plug-in takes; null is none.
+FileKind KindOf(const clsSusie* plugin) {
+    if (plugin == nullptr) return kFileUnknown;
+    return plugin->DllStyle() == kStyleArchive ? kFileArchive : kFilePicture;
 }
 
 // Makes what was read of the file `path` the current picture and shows it, or tells why there is
@@ -104,13 +104,13 @@ FileKind KindByContent(const std::wstring& path) {
         case BitmapCheck::kNo:
             break;
     }
-    return KindOfPlugin(SusieCollection().QueryFile(path));
+    return KindOf(SusieCollection().QueryFile(path));
 }
 
 FileKind KindByName(const std::wstring& path) {
     const std::wstring extension = UpperExtensionOf(path);
     if (extension == L"BMP" || extension == L"DIB") return kFileBitmap;
-    return KindOfPlugin(SusieCollection().FirstNaming(path));
+    return KindOf(SusieCollection().FirstNaming(path));
 }
 
 ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members) {

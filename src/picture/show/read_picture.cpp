@@ -1,8 +1,5 @@
 #include "picture/show/read_picture.h"
 
-#include <functional>
-#include <set>
-
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
@@ -94,20 +91,18 @@ class ReadWatch {
 // Something that plug-ins are to decode.
 struct Offer {
     std::wstring subject;
-    // The index of the next plug-in that takes it and is not in `asked`; 0 when there is none.
-    std::function<int32_t(std::set<int32_t>& asked)> nextPlugin;
+    Search search;
     // Whether an archive plug-in that takes it has read it. Otherwise a picture plug-in may still
     // know better.
     bool archivesAreRead;
 };
 
 // Offers it to the plug-ins in trial order until one has decoded it.
-ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
-    CollectionSusie& plugins = SusieCollection();
+ReadResult OfferToPlugins(Offer offer, ReadWatch& watch) {
+    const CollectionSusie& plugins = SusieCollection();
     ShownFile file;
-    std::set<int32_t> asked;
-    while (const int32_t index = offer.nextPlugin(asked)) {
-        clsSusie& plugin = plugins.Item(index);
+    while (clsSusie* const found = offer.search.Next()) {
+        clsSusie& plugin = *found;
         const std::wstring name = plugins.NameOf(plugin.DllName());
         if (plugin.DllStyle() == kStyleArchive) {
             file = {.kind = kFileArchive, .pluginName = name};
@@ -125,13 +120,14 @@ ReadResult OfferToPlugins(const Offer& offer, ReadWatch& watch) {
         } catch (...) {
             if (watch.IsStopped()) return Stopped();
             file.failure = PluginFailureText(offer.subject, plugin);
-            plugins.ForgetSuccess();
+            offer.search.NoteFailure();
         }
     }
     if (file.kind == kFileArchive) file.failure.clear();
-    const auto& refusal = plugins.LastRefusal();
+    const auto& refusal = offer.search.LastRefusal();
     if (file.kind == kFileUnknown && file.failure.empty() && refusal) {
-        file.failure = FailureText(offer.subject, WithPlugin(refusal->reason, refusal->plugin));
+        file.failure = FailureText(offer.subject,
+                                   WithPlugin(refusal->reason, plugins.NameOf(refusal->dllName)));
     }
     return {file, {}, {}};
 }
@@ -154,8 +150,7 @@ bool IsEmptyFile(const std::wstring& path) {
 // Plug-ins may define what an empty file is. When none makes a picture of it, that is the reason.
 ReadResult DecodeFile(const std::wstring& path, ReadWatch& watch) {
     CollectionSusie& plugins = SusieCollection();
-    const auto next = [&](std::set<int32_t>& asked) { return plugins.FileSupported(path, asked); };
-    ReadResult result = OfferToPlugins({SubjectOf(path), next, true}, watch);
+    ReadResult result = OfferToPlugins({SubjectOf(path), plugins.SearchFor(path), true}, watch);
     if (result.file.kind == kFileUnknown && !result.file.stopped && IsEmptyFile(path)) {
         result.file.failure = FailureText(SubjectOf(path), kEmptyFileText);
     }
@@ -173,10 +168,7 @@ struct BlockUse {
 ReadResult DecodeBlock(HLOCAL block, const std::wstring& name, const std::wstring& subject,
                        ReadWatch& watch) {
     const BlockUse use;
-    const auto next = [&](std::set<int32_t>& asked) {
-        return SusieCollection().MemorySupported(block, name, asked);
-    };
-    return OfferToPlugins({subject, next, false}, watch);
+    return OfferToPlugins({subject, SusieCollection().SearchFor(block, name), false}, watch);
 }
 
 // A bitmap that was read, or, if it could not be, what plug-ins make of it: it is damaged, or no

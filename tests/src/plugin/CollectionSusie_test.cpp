@@ -101,11 +101,12 @@ TEST_F(CollectionTest, SearchGoesByHintThenPatternThenEverybody) {
     Add(L"5.spi", "crash:av:IsSupported\n");
     EXPECT_EQ(collection_.FileSupported(dat), 2);  // everybody is asked, in turn
     EXPECT_EQ(Asked(L"5.spi"), 1);
-    EXPECT_EQ(collection_.FileSupported(folder_.Write(L"nobody.tst", "text")), 0);
+    Search nobody = collection_.SearchFor(folder_.Write(L"nobody.tst", "text"));
+    EXPECT_EQ(nobody.Next(), nullptr);
     EXPECT_EQ(Asked(L"5.spi"), 2);  // claimed it by name, and is not asked a second time
-    ASSERT_TRUE(collection_.LastRefusal());
-    EXPECT_TRUE(collection_.LastRefusal()->hasCrashed);
-    EXPECT_EQ(collection_.LastRefusal()->plugin, L"5.spi");
+    ASSERT_TRUE(nobody.LastRefusal());
+    EXPECT_TRUE(nobody.LastRefusal()->hasCrashed);
+    EXPECT_EQ(nobody.LastRefusal()->dllName, folder_.Path() + L"5.spi");
     EXPECT_EQ(collection_.FileSupported(folder_.Path() + L"gone.tst"), 0);
 }
 
@@ -129,8 +130,9 @@ TEST_F(CollectionTest, WhoTakesAnythingTakesNothingFromThoseWhoKnowIt) {
     // Those whose names mislead do, too.
     collection_.Remove(4);
     EXPECT_EQ(find(L"c.jpg", "text"), 2);
-    EXPECT_EQ(find(L"c.abc", "text"), 2);
-    collection_.ForgetSuccess();
+    Search search = collection_.SearchFor(folder_.Write(L"c.abc", "text"));
+    EXPECT_EQ(search.Next(), &collection_.Item(2));
+    search.NoteFailure();
     EXPECT_EQ(find(L"d.abc", "text"), 1);
 }
 
@@ -236,10 +238,10 @@ TEST_F(CollectionTest, ABlockOutOfAnArchiveDoesNotUnbindIt) {
     EXPECT_EQ(Calls(archivePlugin, "GetArchiveInfo"), 1);
 
     const OwnedBlock picture = Block("TST 1x1x24\n");
-    std::set<int32_t> asked;
-    EXPECT_EQ(collection_.MemorySupported(picture.Get(), L"a.tst", asked), 2);
-    EXPECT_EQ(collection_.MemorySupported(picture.Get(), L"a.tst", asked), 3);
-    EXPECT_EQ(collection_.MemorySupported(picture.Get(), L"a.tst", asked), 0);
+    Search search = collection_.SearchFor(picture.Get(), L"a.tst");
+    EXPECT_EQ(search.Next(), &collection_.Item(2));
+    EXPECT_EQ(search.Next(), &collection_.Item(3));
+    EXPECT_EQ(search.Next(), nullptr);
     collection_.UnloadMemory();
     EXPECT_FALSE(collection_.Item(2).IsBound() || collection_.Item(3).IsBound());
     EXPECT_EQ(archive.GetFile(), file);
@@ -429,10 +431,11 @@ TEST_F(CollectionTest, ACrashWhileItIsLoadedAnewIsToldOfTheFile) {
     plugins.SetDynamicLoad(true);
     plugins.AddSPI(Plugin(L"iftst.spi"));
     folder_.Write(L"iftst.spi.script", "crash:av:DllMain\n");
-    EXPECT_EQ(plugins.FileSupported(folder_.Write(L"a.tst", "TST 2x2x24\n")), 0);
-    ASSERT_TRUE(plugins.LastRefusal());
-    EXPECT_TRUE(plugins.LastRefusal()->hasCrashed);
-    EXPECT_EQ(plugins.LastRefusal()->plugin, L"iftst.spi");
+    Search search = plugins.SearchFor(folder_.Write(L"a.tst", "TST 2x2x24\n"));
+    EXPECT_EQ(search.Next(), nullptr);
+    ASSERT_TRUE(search.LastRefusal());
+    EXPECT_TRUE(search.LastRefusal()->hasCrashed);
+    EXPECT_EQ(search.LastRefusal()->dllName, folder_.Path() + L"iftst.spi");
 }
 
 TEST_F(CollectionTest, OneThatEndsTheProgramWhileItTellsAboutItselfIsSkippedThenBarred) {
