@@ -34,7 +34,6 @@ class ListView final : public Control {
     void SetRows(std::vector<Row> rows);
     // Puts rows behind the others; what is selected and in view stays.
     void AddRows(std::vector<Row> rows);
-    const std::vector<Row>& Rows() const { return rows_; }
 
     int Selected() const {
         return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));

@@ -51,7 +51,6 @@ class Toolbar final : public Control {
 
     // A checked button looks as if it were held down.
     void CheckButton(int index, bool checked);
-    bool IsButtonChecked(int index) const { return StateOf(index).checked; }
 
     void SetImage(int index, int image);
     int Image(int index) const { return StateOf(index).image; }

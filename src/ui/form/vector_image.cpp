@@ -126,14 +126,6 @@ void VectorCanvas::FillPolygon(std::initializer_list<GridPoint> corners, const P
     Fill({&outline, 1}, paint);
 }
 
-void VectorCanvas::FillDisc(GridPoint centre, double radius, const Paint& paint) {
-    Outline outline;
-    for (int corner = 0; corner < kCircleCorners; ++corner) {
-        outline.push_back(Scaled(OnCircle(centre, radius, corner * 360.0 / kCircleCorners)));
-    }
-    Fill({&outline, 1}, paint);
-}
-
 void VectorCanvas::DrawLine(std::span<const GridPoint> points, double width, const Paint& paint) {
     std::vector<Outline> outlines;
     for (size_t next = 1; next < points.size(); ++next) {

@@ -62,8 +62,6 @@ class VectorCanvas {
     // A closed outline; its corners are moved to whole pixels.
     void FillPolygon(std::initializer_list<GridPoint> corners, const Paint& paint);
 
-    void FillDisc(GridPoint centre, double radius, const Paint& paint);
-
     // A line through the points, round where it bends and cut straight at its ends. Stays where it
     // is put.
     void DrawLine(std::span<const GridPoint> points, double width, const Paint& paint);

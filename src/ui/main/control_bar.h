@@ -1,5 +1,4 @@
-// What the main window needs of those who go through files: the taker of file lists, and the
-// control bar, which is more.
+// What the main window needs of the control bar, which goes through files.
 #pragma once
 
 #include <span>
@@ -28,7 +27,7 @@ enum class BarButton {
 // Where the keyboard comes to in the control bar: where it was last, or at an end of its parts.
 enum class BarFocus { kFormer, kFirst, kLast };
 
-class FileListReceiver {
+class ControlBar {
   public:
     // Replaces the list of files being viewed and shows the first; false when nothing was added.
     virtual bool SetFileList(std::span<const std::wstring> files) = 0;
@@ -37,12 +36,6 @@ class FileListReceiver {
     // and during a show, which nothing may stop.
     virtual std::wstring Failure() const = 0;
 
-  protected:
-    ~FileListReceiver() = default;
-};
-
-class ControlBar : public FileListReceiver {
-  public:
     // Empties the lists of files and of archive members.
     virtual void ClearLists() = 0;
 

@@ -41,7 +41,6 @@ frmMain::frmMain(MainWindowServices services)
 }
 
 void frmMain::SetControlBar(ControlBar& controlBar) {
-    SetFileListReceiver(controlBar);
     controlBar_ = &controlBar;
     commands_.Register(menuViewControlBar,
                        {.run = [&controlBar] { controlBar.SetVisible(!controlBar.IsVisible()); },

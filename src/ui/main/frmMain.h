@@ -41,12 +41,8 @@ class frmMain final : public Form, public PictureView {
     explicit frmMain(MainWindowServices services);
     ~frmMain() = default;
 
-    // Takes the lists of opened files from now on; it must outlive the window. Until it is known
-    // files are ignored, so it comes before Load.
-    void SetFileListReceiver(FileListReceiver& receiver) { fileListReceiver_ = &receiver; }
-
     // The control bar takes file lists and player commands from now on; it must outlive the window.
-    // Until it is known their menu items are grey.
+    // Until it is known files are ignored, so it comes before Load, and their menu items are grey.
     void SetControlBar(ControlBar& controlBar);
 
     // The menu items' commands, open to whoever brings a feature.
@@ -229,7 +225,6 @@ class frmMain final : public Form, public PictureView {
     void PutIntoView(IPicture* picture, SIZE size);
 
     MainWindowServices services_;
-    FileListReceiver* fileListReceiver_ = nullptr;
     ControlBar* controlBar_ = nullptr;
     CommandTable commands_{acceleratorsMainWindow, acceleratorsClipboard};
     PictureBox pictureView_;

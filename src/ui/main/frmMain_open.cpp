@@ -19,9 +19,7 @@ constexpr wchar_t kNotWhole[] = L"フォルダの一部を読み取れません�
 void frmMain::AcceptDroppedFiles() {
     const FileDropTarget::Handlers handlers{
         .accepts =
-            [this] {
-                return fileListReceiver_ != nullptr && MayPress() && IsWindowEnabled(Handle());
-            },
+            [this] { return controlBar_ != nullptr && MayPress() && IsWindowEnabled(Handle()); },
         .drop = [this](const std::vector<std::wstring>& paths) { OpenLater(paths); }};
     windowDrop_.Register(Handle(), handlers);
     viewDrop_.Register(pictureView_.Handle(), handlers);
@@ -48,7 +46,7 @@ void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
 }
 
 void frmMain::OpenNow(FileListing listing) {
-    if (fileListReceiver_ == nullptr || !listing || IsReadUnderWay()) return;
+    if (controlBar_ == nullptr || !listing || IsReadUnderWay()) return;
     std::optional<FoundFiles> found;
     {
         const Reading reading(*this, L"ファイルを探しています");
@@ -61,8 +59,8 @@ void frmMain::OpenNow(FileListing listing) {
     if (!found || Values().quitRequested) return;
     ShowOpened(found->files.size(), found->named);
     if (found->files.empty()) return;
-    fileListReceiver_->SetFileList(found->files);
-    if (found->files.size() == 1) TellFailure(fileListReceiver_->Failure());
+    controlBar_->SetFileList(found->files);
+    if (found->files.size() == 1) TellFailure(controlBar_->Failure());
 }
 
 void frmMain::TellFailure(const std::wstring& failure) const {

@@ -33,7 +33,6 @@ class PictureScroller {
     void BeginDrag(POINT at);
     void DragTo(POINT at);
     void EndDrag();
-    bool IsDragging() const { return drag_.has_value(); }
 
   private:
     struct Drag {

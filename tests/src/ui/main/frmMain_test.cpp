@@ -31,7 +31,7 @@ TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
     const std::wstring file = folder_.Write(L"a 1.bmp");
     frmMain window(
         {.commandLine = {file, folder_.Path() + L"絵"}, .pluginCount = {}, .endProgram = {}});
-    window.SetFileListReceiver(controlBar_);
+    window.SetControlBar(controlBar_);
     ASSERT_TRUE(window.Load());
     EXPECT_TRUE(controlBar_.lists.empty());  // the window comes first
     DoEvents();
@@ -45,7 +45,7 @@ TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
         std::vector<std::wstring> names{folder_.Path() + L"none.bmp", folder_.Path() + L"no.bmp"};
         if (!some.empty()) names.push_back(some);
         frmMain lost({.commandLine = names, .pluginCount = {}, .endProgram = {}});
-        lost.SetFileListReceiver(controlBar_);
+        lost.SetControlBar(controlBar_);
         ASSERT_TRUE(lost.Load());
         DoEvents();
         EXPECT_EQ(controlBar_.lists.size(), some.empty() ? 0U : 1U);
