@@ -15,7 +15,6 @@
 #include "ui/control/frmDirList.h"
 #include "ui/control/open_rules.h"
 #include "ui/dialogs/ComDlg.h"
-#include "ui/dialogs/DOpenForm.h"
 #include "ui/dialogs/folder_browser.h"
 #include "ui/dialogs/folder_listing.h"
 #include "ui/dialogs/start_folder.h"
@@ -125,7 +124,7 @@ void OpenCommands::menuOpenFolder_Click() {
 }
 
 // The system's dialog knows neither sub-folders nor extensions.
-bool OpenCommands::ChooseFolder(ScanRequest& request) const {
+bool OpenCommands::ChooseFolder(ScanRequest& request) {
     const HWND owner = window_.DialogOwner();
     if (Values().general.openFolderType != 0) {
         request.folder =
@@ -133,10 +132,10 @@ bool OpenCommands::ChooseFolder(ScanRequest& request) const {
                             L"ファイルが存在するフォルダを指定してください。", LastFolder());
         return !request.folder.empty();
     }
-    DOpenForm form(L"フォルダを開く");
-    form.SetStartFolder(LastFolder());
-    if (!form.Show(owner)) return false;
-    request = {form.GetFileName(), form.GetSearchSubFolder(), form.GetFileExt()};
+    folderDialog_.SetStartFolder(LastFolder());
+    if (!folderDialog_.Show(owner)) return false;
+    request = {folderDialog_.GetFileName(), folderDialog_.GetSearchSubFolder(),
+               folderDialog_.GetFileExt()};
     return !request.folder.empty();
 }
 

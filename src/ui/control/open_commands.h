@@ -1,6 +1,7 @@
 // The commands that open files and folders: they fill the control bar's file list.
 #pragma once
 
+#include "ui/dialogs/DOpenForm.h"
 #include "ui/main/control_bar.h"
 #include "ui/main/frmMain.h"
 
@@ -24,11 +25,12 @@ class OpenCommands {
     void menuOpenFolder_Click();
 
   private:
-    bool ChooseFolder(ScanRequest& request) const;
+    bool ChooseFolder(ScanRequest& request);
     void OpenFolder(const ScanRequest& request);
 
     frmMain& window_;
     ControlBar& bar_;
+    DOpenForm folderDialog_{L"フォルダを開く"};
     bool isChoosing_ = false;  // a dialog of ours is open
 };
 

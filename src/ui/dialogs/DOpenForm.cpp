@@ -29,19 +29,6 @@ constexpr int kRowHeight = 20;  // pixels at 96 dpi
 constexpr const wchar_t* kCommonExtensions[] = {L"bmp jpg jpeg png gif", L"jpg jpeg", L"png",
                                                 L"zip lzh"};
 
-// What this run remembers of the last accepted dialog.
-struct LastChoice {
-    std::vector<std::wstring> extensions{std::begin(kCommonExtensions),
-                                         std::end(kCommonExtensions)};  // the latest first
-    std::wstring extension;
-    bool searchSubFolder = false;
-};
-
-LastChoice& Last() {
-    static LastChoice last;
-    return last;
-}
-
 std::wstring PicturesFolder() {
     wchar_t folder[MAX_PATH] = {};
     SHGetFolderPathW(nullptr, CSIDL_MYPICTURES, nullptr, SHGFP_TYPE_CURRENT, folder);
@@ -89,15 +76,18 @@ class DOpenForm::Wait {
 };
 
 DOpenForm::DOpenForm(std::wstring caption)
-    : Dialog(dialogOpenFolder), caption_(std::move(caption)) {}
+    : Dialog(dialogOpenFolder),
+      caption_(std::move(caption)),
+      extensions_(std::begin(kCommonExtensions), std::end(kCommonExtensions)) {}
 
 void DOpenForm::Dialog_Load() {
     SetWindowTextW(Handle(), caption_.c_str());
     fileName_.clear();
+    typed_ = false;
     AttachControls();
     AnchorControls();
     FillExtensions();
-    checkSubFolder_.SetChecked(Last().searchSubFolder);
+    checkSubFolder_.SetChecked(searchSubFolder_);
     listFolder_.Tree().SetFocus();
     // Drives and folders may let one wait: with the dialog on the screen that can be cancelled.
     PostMessageW(Handle(), kBeginMessage, 0, 0);
@@ -161,10 +151,10 @@ void DOpenForm::FillDrives() {
 }
 
 void DOpenForm::FillExtensions() {
-    for (const std::wstring& extensions : Last().extensions) {
+    for (const std::wstring& extensions : extensions_) {
         combExt_.Add(extensions);
     }
-    combExt_.SetText(Last().extension);
+    combExt_.SetText(fileExt_);
 }
 
 void DOpenForm::ShowStartFolder() {
@@ -293,13 +283,9 @@ void DOpenForm::Dialog_OK() {
     fileName_ = probe->folder;
     fileExt_ = combExt_.Text();
     searchSubFolder_ = checkSubFolder_.IsChecked();
-
-    LastChoice& last = Last();
-    last.extension = fileExt_;
-    last.searchSubFolder = searchSubFolder_;
     if (!fileExt_.empty()) {
-        std::erase(last.extensions, fileExt_);
-        last.extensions.insert(last.extensions.begin(), fileExt_);
+        std::erase(extensions_, fileExt_);
+        extensions_.insert(extensions_.begin(), fileExt_);
     }
     Close(IDOK);
 }

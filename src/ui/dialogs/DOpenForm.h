@@ -12,7 +12,7 @@
 
 namespace tessary {
 
-// Extension text and sub-folder choice begin as they were last accepted in this run.
+// May be shown again: extension text and sub-folder choice then begin as they were last accepted.
 class DOpenForm final : private Dialog {
   public:
     explicit DOpenForm(std::wstring caption);
@@ -27,7 +27,7 @@ class DOpenForm final : private Dialog {
     // Empty when cancelled.
     const std::wstring& GetFileName() const { return fileName_; }
 
-    // The wanted extensions, divided by blanks, as typed; empty: all files.
+    // The wanted extensions, divided by blanks, as typed and last accepted; empty: all files.
     const std::wstring& GetFileExt() const { return fileExt_; }
 
     bool GetSearchSubFolder() const { return searchSubFolder_; }
@@ -66,6 +66,7 @@ class DOpenForm final : private Dialog {
     std::wstring fileName_;
     std::wstring fileExt_;
     bool searchSubFolder_ = false;
+    std::vector<std::wstring> extensions_;  // what their list offers, the latest first
 
     std::vector<Drive> drives_;  // as the list shows them
     FolderTree listFolder_;

@@ -3,20 +3,20 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "res/resource.h"
 #include "tests/src/ui/dialogs/driven_dialog.h"
 
 namespace tessary::test {
 namespace {
 
-TEST(SaveOptionTest, QualityGoesInStepsOfTen) {
+TEST(SaveOptionTest, EachFormatHasItsPanel) {
     frmSaveOption form;
-    saving::JpegSaveOptions options{.quality = 75, .progressive = 1, .optimizedHuffman = 0};
+    saving::JpegSaveOptions jpeg{.quality = 75, .progressive = 1, .optimizedHuffman = 0};
+    saving::BmpSaveOptions bmp{.saveType = 1, .saveRLE = 1};
+    saving::PngSaveOptions png{.quality = 99, .interlace = 0};
     DrivenDialog user({[](HWND dialog) {
-                           EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"70");
                            EXPECT_TRUE(HasFocus(dialog, sliderJpegQuality));
+                           EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"70");  // in steps of ten
                            PressKey(dialog, sliderJpegQuality, VK_RIGHT);
                            EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"80");
                            Press(dialog, IDCANCEL);
@@ -27,21 +27,8 @@ TEST(SaveOptionTest, QualityGoesInStepsOfTen) {
                            EXPECT_FALSE(IsUsable(dialog, optionBMPFileType_0));
                            Click(dialog, checkJPEGOptimize);
                            Press(dialog, IDOK);
-                       }});
-    EXPECT_FALSE(form.EditJPEG(nullptr, options));
-    EXPECT_EQ(options.quality, 75);
-    EXPECT_TRUE(form.EditJPEG(nullptr, options));
-    EXPECT_EQ(options.quality, 70);
-    EXPECT_EQ(options.progressive, 1);
-    EXPECT_EQ(options.optimizedHuffman, 1);
-    EXPECT_TRUE(user.IsDone());
-}
-
-TEST(SaveOptionTest, OtherFormatsHaveTheirOwnPanels) {
-    frmSaveOption form;
-    saving::BmpSaveOptions bmp{.saveType = 1, .saveRLE = 1};
-    saving::PngSaveOptions png{.quality = 99, .interlace = 0};
-    DrivenDialog user({[](HWND dialog) {
+                       },
+                       [](HWND dialog) {
                            EXPECT_TRUE(HasFocus(dialog, optionBMPFileType_1));
                            EXPECT_FALSE(IsUsable(dialog, checkRLE));  // OS/2 has none
                            Click(dialog, optionBMPFileType_0);
@@ -54,13 +41,15 @@ TEST(SaveOptionTest, OtherFormatsHaveTheirOwnPanels) {
                            Click(dialog, checkPNGInterless);
                            Press(dialog, IDOK);
                        }});
+    EXPECT_FALSE(form.EditJPEG(nullptr, jpeg));
+    EXPECT_EQ(jpeg.quality, 75);
+    EXPECT_TRUE(form.EditJPEG(nullptr, jpeg));
     EXPECT_TRUE(form.EditBMP(nullptr, bmp));
-    EXPECT_EQ(bmp.saveType, 0);
-    EXPECT_EQ(bmp.saveRLE, 1);
     EXPECT_TRUE(form.EditPNG(nullptr, png));
-    EXPECT_EQ(png.quality, 8);
-    EXPECT_EQ(png.interlace, 1);
     EXPECT_TRUE(user.IsDone());
+    EXPECT_TRUE(jpeg.quality == 70 && jpeg.progressive == 1 && jpeg.optimizedHuffman == 1);
+    EXPECT_TRUE(bmp.saveType == 0 && bmp.saveRLE == 1);
+    EXPECT_TRUE(png.quality == 8 && png.interlace == 1);
 }
 
 }  // namespace
