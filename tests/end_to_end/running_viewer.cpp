@@ -35,32 +35,16 @@ bool WaitUntil(const std::function<bool()>& condition) {
 }
 
 RunningViewer::RunningViewer(const std::wstring& folder, const std::wstring& arguments,
-                             const std::wstring& settingsKey, WORD showCommand) {
-    std::wstring commandLine = L'"' + folder + L"TessaryViewer.exe\" " + arguments;
-    SetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", settingsKey.c_str());
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = showCommand != SW_SHOWDEFAULT ? STARTF_USESHOWWINDOW : 0;
-    startup.wShowWindow = showCommand;
-    CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                   &startup, &process_);
-    SetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", nullptr);
-}
-
-RunningViewer::~RunningViewer() {
-    if (WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT) {
-        TerminateProcess(process_.hProcess, 99);
-    }
-    CloseHandle(process_.hThread);
-    CloseHandle(process_.hProcess);
-}
+                             const std::wstring& settingsKey, WORD showCommand)
+    : process_(
+          L'"' + folder + L"TessaryViewer.exe\" " + arguments,
+          {.environment = {{L"TESSARY_SETTINGS_KEY", settingsKey}}, .showCommand = showCommand}) {}
 
 HWND RunningViewer::WindowOfCaption(const std::wstring& caption) const {
-    Search search{process_.dwProcessId, &caption, nullptr};
+    Search search{process_.Id(), &caption, nullptr};
     WaitUntil([&] {
         EnumWindows(MatchWindow, reinterpret_cast<LPARAM>(&search));
-        return search.found != nullptr ||
-               WaitForSingleObject(process_.hProcess, 0) == WAIT_OBJECT_0;
+        return search.found != nullptr || !process_.IsRunning();
     });
     return search.found;
 }
@@ -76,22 +60,20 @@ std::wstring RunningViewer::TextOf(HWND window) {
 std::wstring RunningViewer::StatusText(HWND statusBar, int part) const {
     // The message carries a pointer, which the system does not translate between processes.
     wchar_t buffer[512] = {};
-    void* const remote = VirtualAllocEx(process_.hProcess, nullptr, sizeof(buffer),
+    void* const remote = VirtualAllocEx(process_.Handle(), nullptr, sizeof(buffer),
                                         MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
     if (remote == nullptr) return {};
     if (LOWORD(SendMessageW(statusBar, SB_GETTEXTLENGTHW, part, 0)) < 512) {
         SendMessageW(statusBar, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(remote));
-        ReadProcessMemory(process_.hProcess, remote, buffer, sizeof(buffer), nullptr);
+        ReadProcessMemory(process_.Handle(), remote, buffer, sizeof(buffer), nullptr);
     }
-    VirtualFreeEx(process_.hProcess, remote, 0, MEM_RELEASE);
+    VirtualFreeEx(process_.Handle(), remote, 0, MEM_RELEASE);
     return buffer;
 }
 
 int RunningViewer::ExitCode() const {
-    if (WaitForSingleObject(process_.hProcess, kPatience) != WAIT_OBJECT_0) return -1;
-    DWORD code = 0;
-    GetExitCodeProcess(process_.hProcess, &code);
-    return static_cast<int>(code);
+    const DWORD code = process_.ExitCode(kPatience);
+    return code == STILL_ACTIVE ? -1 : static_cast<int>(code);
 }
 
 }  // namespace tessary::test

@@ -6,22 +6,20 @@
 #include <functional>
 #include <string>
 
-#include "app/base/handles.h"
+#include "tests/support/child_process.h"
 
 namespace tessary::test {
 
 // Waits until `condition` holds, at most 20 seconds; whether it came to hold.
 bool WaitUntil(const std::function<bool()>& condition);
 
+// The process ends with it, at the latest.
 class RunningViewer {
   public:
     // Starts `folder`TessaryViewer.exe with the arguments; its settings are at `settingsKey`.
     // `showCommand` is what a shortcut says of the window (SW_…); nothing by default.
     RunningViewer(const std::wstring& folder, const std::wstring& arguments,
                   const std::wstring& settingsKey, WORD showCommand = SW_SHOWDEFAULT);
-    RunningViewer(const RunningViewer&) = delete;
-    RunningViewer& operator=(const RunningViewer&) = delete;
-    ~RunningViewer();  // ends the process if it still runs
 
     // The visible top-level window of that caption; null when there is none within the time of
     // WaitUntil.
@@ -37,7 +35,7 @@ class RunningViewer {
     int ExitCode() const;
 
   private:
-    PROCESS_INFORMATION process_{};
+    ChildProcess process_;
 };
 
 }  // namespace tessary::test

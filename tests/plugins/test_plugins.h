@@ -7,15 +7,9 @@
 #include <string>
 
 #include "tests/plugins/pattern.h"
+#include "tests/support/loaded_library.h"
 
 namespace tessary::test {
-
-// The folder of the running test program, with a backslash at its end.
-inline std::wstring TestProgramFolder() {
-    wchar_t path[MAX_PATH];
-    std::wstring folder(path, GetModuleFileNameW(nullptr, path, MAX_PATH));
-    return folder.substr(0, folder.find_last_of(L'\\') + 1);
-}
 
 // The full path of a test plug-in, as TestPluginPath(L"iftst.spi").
 inline std::wstring TestPluginPath(const std::wstring& fileName) {

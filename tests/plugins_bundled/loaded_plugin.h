@@ -10,73 +10,37 @@
 
 #include "helpers/susiectl/susie_interface.h"
 #include "tests/plugins_bundled/decoded_picture.h"
+#include "tests/support/loaded_library.h"
 
 namespace tessary::spi::test {
 
 using codec::test::Bytes;
 using codec::test::Colors;
 
-class LoadedModule {
-  public:
-    explicit LoadedModule(const std::string& name) {
-        // The application folder stands beside the folder of the test programs.
-        char program[MAX_PATH];
-        GetModuleFileNameA(nullptr, program, MAX_PATH);
-        std::string path(program);
-        path.resize(path.rfind('\\'));
-        path += "\\..\\bin\\" + name + ".spi";
-        module_ = LoadLibraryA(path.c_str());
-        EXPECT_NE(module_, nullptr) << path << ' ' << GetLastError();
-        Find(getPluginInfo, "GetPluginInfo");
-        Find(isSupported, "IsSupported");
-        Find(getLastCondition, "GetLastCondition");
-    }
-    ~LoadedModule() { FreeLibrary(module_); }
-    LoadedModule(const LoadedModule&) = delete;
-    LoadedModule& operator=(const LoadedModule&) = delete;
+struct LoadedModule {
+    explicit LoadedModule(const std::string& name)
+        : library(std::wstring(name.begin(), name.end()) + L".spi") {}
 
-    susie::GetPluginInfoFunction getPluginInfo;
-    susie::IsSupportedFunction isSupported;
-    susie::GetLastConditionFunction getLastCondition;
-
-  protected:
-    template <class Function>
-    void Find(Function& function, const char* name) {
-        const auto address = reinterpret_cast<void*>(GetProcAddress(module_, name));
-        EXPECT_NE(address, nullptr) << name;
-        function = reinterpret_cast<Function>(address);
-    }
-
-  private:
-    HMODULE module_;
+    tessary::test::LoadedLibrary library;
+    susie::GetPluginInfoFunction getPluginInfo = library["GetPluginInfo"];
+    susie::IsSupportedFunction isSupported = library["IsSupported"];
+    susie::GetLastConditionFunction getLastCondition = library["GetLastCondition"];
 };
 
-class LoadedPlugin : public LoadedModule {
-  public:
-    explicit LoadedPlugin(const std::string& name) : LoadedModule(name) {
-        Find(getPictureInfo, "GetPictureInfo");
-        Find(getPicture, "GetPicture");
-        Find(getPreview, "GetPreview");
-    }
+struct LoadedPlugin : LoadedModule {
+    using LoadedModule::LoadedModule;
 
-    susie::GetPictureInfoFunction getPictureInfo;
-    susie::GetPictureFunction getPicture;
-    susie::GetPictureFunction getPreview;
+    susie::GetPictureInfoFunction getPictureInfo = library["GetPictureInfo"];
+    susie::GetPictureFunction getPicture = library["GetPicture"];
+    susie::GetPictureFunction getPreview = library["GetPreview"];
 };
 
-class LoadedArchivePlugin : public LoadedModule {
-  public:
-    explicit LoadedArchivePlugin(const std::string& name) : LoadedModule(name) {
-        Find(getArchiveInfo, "GetArchiveInfo");
-        Find(getFileInfo, "GetFileInfo");
-        Find(getFile, "GetFile");
-        Find(getLastCondition, "GetLastCondition");
-    }
+struct LoadedArchivePlugin : LoadedModule {
+    using LoadedModule::LoadedModule;
 
-    susie::GetArchiveInfoFunction getArchiveInfo;
-    susie::GetFileInfoFunction getFileInfo;
-    susie::GetFileFunction getFile;
-    susie::GetLastConditionFunction getLastCondition;
+    susie::GetArchiveInfoFunction getArchiveInfo = library["GetArchiveInfo"];
+    susie::GetFileInfoFunction getFileInfo = library["GetFileInfo"];
+    susie::GetFileFunction getFile = library["GetFile"];
 };
 
 // One call of GetPicture, and what it hands over.

@@ -3,28 +3,23 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string_view>
 
 #include "helpers/dib/bitmap_file.h"
 #include "plugins/iftessjpeg/jpeg_decoder.h"
 #include "plugins/iftesspng/png_decoder.h"
 #include "tests/plugins_bundled/decoded_picture.h"
+#include "tests/support/content_of.h"
 #include "tests/support/picture_set.h"
 
 namespace tessary::codec::test {
 namespace {
 
+using tessary::test::ContentOf;
 using tessary::test::PictureFolder;
 
-Bytes ReadFile(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator(stream), std::istreambuf_iterator<char>()};
-}
-
 Colors ReadBitmap(const std::filesystem::path& path) {
-    const Bytes file = ReadFile(path);
+    const Bytes file = ContentOf<Bytes>(path);
     dib::MemorySource source(file);
     dib::BitmapFile bitmap(source);
     EXPECT_EQ(bitmap.Open(), dib::DibError::kNone);
@@ -55,7 +50,7 @@ TEST(PictureSet, PngSuiteLooksAsItShould) {
     const png::PngDecoder decoder;
     for (const auto& entry : std::filesystem::directory_iterator(folder / "png")) {
         SCOPED_TRACE(entry.path());
-        const Bytes file = ReadFile(entry.path());
+        const Bytes file = ContentOf<Bytes>(entry.path());
         const Decoded decoded(decoder, file);
         if (entry.path().filename().string().starts_with('x')) {  // damaged on purpose
             const bool hasRows = decoded.result == Result::kSuccess;
@@ -93,11 +88,11 @@ TEST(PictureSet, AllRotationsShowTheSamePicture) {
     const auto folder = PictureFolder() / "photos";
     if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << "no pictures in " << folder;
     const jpeg::JpegDecoder decoder;
-    const Colors upright = Decoded(decoder, ReadFile(folder / "rotation-1.jpg")).Pixels();
+    const Colors upright = Decoded(decoder, ContentOf<Bytes>(folder / "rotation-1.jpg")).Pixels();
     for (char digit = '2'; digit <= '8'; ++digit) {
         std::string name = "rotation-?.jpg";
         name[9] = digit;
-        const Colors picture = Decoded(decoder, ReadFile(folder / name)).Pixels();
+        const Colors picture = Decoded(decoder, ContentOf<Bytes>(folder / name)).Pixels();
         for (uint32_t tenth = 0; tenth < 10; ++tenth) {
             EXPECT_NEAR(EdgeLevel(picture, tenth), EdgeLevel(upright, tenth), 12) << name << tenth;
         }

@@ -4,6 +4,7 @@
 
 #include "helpers/convertdib/convertdib.h"
 #include "tests/helpers/dib/sample_bitmaps.h"
+#include "tests/support/loaded_library.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary::convertdib::test {
@@ -19,22 +20,8 @@ std::string Content(const TestBitmap& bitmap) {
     return {file.begin(), file.end()};
 }
 
-// The built library, used as the program uses it: loaded, and its entries found, by name.
 class LoadBitmapFile : public testing::Test {
   protected:
-    void SetUp() override {
-        std::array<wchar_t, 1000> program{};
-        GetModuleFileNameW(nullptr, program.data(), program.size());
-        const auto build = std::filesystem::path(program.data()).parent_path().parent_path();
-        const HMODULE library = LoadLibraryW((build / L"bin" / L"convertdib.dll").c_str());
-        ASSERT_NE(library, nullptr);
-        const auto entry = [library](const char* name) {
-            return reinterpret_cast<void*>(GetProcAddress(library, name));
-        };
-        loadA_ = reinterpret_cast<LoadBITMAPFileFunction>(entry(kLoadBITMAPFileName));
-        loadW_ = reinterpret_cast<LoadBITMAPFileWFunction>(entry(kLoadBITMAPFileWName));
-        ASSERT_TRUE(loadA_ != nullptr && loadW_ != nullptr);
-    }
     // The picture, as text, that a call with this result has left; frees its block.
     std::string Taken(int result) {
         if (result == 0) return record_.bits == nullptr ? "failed" : "failed with a block";
@@ -52,8 +39,9 @@ class LoadBitmapFile : public testing::Test {
     }
 
     tessary::test::TemporaryFolder folder_;
-    LoadBITMAPFileFunction loadA_ = nullptr;
-    LoadBITMAPFileWFunction loadW_ = nullptr;
+    tessary::test::LoadedLibrary library_{L"convertdib.dll"};
+    LoadBITMAPFileFunction loadA_ = library_[kLoadBITMAPFileName];
+    LoadBITMAPFileWFunction loadW_ = library_[kLoadBITMAPFileWName];
     std::array<uint8_t, dib::kMaxInfoBlockSize> info_{};
     BitmapReadRecord record_{info_.data(), nullptr, nullptr, nullptr};
 };

@@ -3,10 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "tests/helpers/dib/sample_bitmaps.h"
+#include "tests/support/content_of.h"
 #include "tests/support/picture_set.h"
 
 namespace tessary::dib::test {
@@ -195,8 +194,7 @@ TEST(BitmapFile, ReadsAnotherProgramsFiles) {
     if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << "no pictures in " << folder;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         SCOPED_TRACE(entry.path());
-        std::ifstream stream(entry.path(), std::ios::binary);
-        const Bytes file{std::istreambuf_iterator(stream), std::istreambuf_iterator<char>()};
+        const auto file = tessary::test::ContentOf<Bytes>(entry.path());
         MemorySource source(file);
         BitmapFile bitmap(source);
         ASSERT_EQ(bitmap.Open(), DibError::kNone);

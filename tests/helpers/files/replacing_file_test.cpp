@@ -7,6 +7,7 @@
 
 #include "app/base/handles.h"
 #include "helpers/files/refusal.h"
+#include "tests/support/content_of.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary::files::test {
@@ -99,8 +100,7 @@ class ReplacingFiles : public testing::Test {
         int files = 0;
         for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
             ++files;
-            std::ifstream file(entry.path(), std::ios::binary);
-            const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+            const std::string bytes = tessary::test::ContentOf(entry.path());
             EXPECT_TRUE(bytes.ends_with(content)) << entry.path() << ' ' << bytes.size();
         }
         EXPECT_EQ(files, content.empty() ? 0 : 1);

@@ -1,17 +1,33 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
-#include <iterator>
 
-#include "tests/helpers/kernel/loaded_kernel.h"
+#include "helpers/kernel/pic_kernel.h"
 #include "tests/helpers/kernel/noise_picture.h"
 #include "tests/helpers/kernel/reference_resize.h"
+#include "tests/support/content_of.h"
+#include "tests/support/loaded_library.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary::kernel {
 namespace {
 
 constexpr auto kAutomatic = static_cast<uint32_t>(ResizeFilter::kAutomatic);
+
+// The kernel's four files.
+struct LoadedKernel {
+    test::LoadedLibrary kernel{L"pic_kernel.dll"};
+    test::LoadedLibrary import{L"bmp_import.iplg"};
+    test::LoadedLibrary filter{L"plg_resize.fplg"};
+    test::LoadedLibrary output{L"bmp_export.eplg"};
+    CreateImageFunction create = kernel[kCreateImageName];
+    GetImageBlocksFunction blocks = kernel[kGetImageBlocksName];
+    DestroyImageHandleFunction destroy = kernel[kDestroyImageHandleName];
+    AttachMemoryImageFunction attach = import[kAttachMemoryImageName];
+    DoFilterFunction resize = filter[kDoFilterName];
+    WriteImageFunction write = output[kWriteImageName];
+    WriteMemoryImageFunction writeMemory = output[kWriteMemoryImageName];
+};
 
 class PicKernel : public testing::Test {
   protected:
@@ -27,8 +43,7 @@ class PicKernel : public testing::Test {
         return kernel_.resize(source, &parameters, &resized_);
     }
     static std::vector<uint8_t> Content(const std::wstring& fileName) {
-        std::ifstream file(std::filesystem::path(fileName), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        return test::ContentOf<std::vector<uint8_t>>(fileName);
     }
     size_t FilesInFolder() const {
         const std::filesystem::directory_iterator files(folder_.Path());
@@ -170,8 +185,8 @@ TEST_F(PicKernel, ReplacesAFileWholeOrNotAtAll) {
 }
 
 TEST(PicKernelAlone, TellsThatItsLibraryIsNotLoaded) {
-    const LoadedFile import(L"bmp_import.iplg");
-    const auto attach = import.Entry<AttachMemoryImageFunction>(kAttachMemoryImageName);
+    const test::LoadedLibrary import(L"bmp_import.iplg");
+    const AttachMemoryImageFunction attach = import[kAttachMemoryImageName];
     const NoisePicture picture(3, 2, 24);
     HIMAGE image = nullptr;
     EXPECT_EQ(attach(picture.info.data(), picture.info.size(), picture.bits.data(),

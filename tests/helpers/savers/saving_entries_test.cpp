@@ -6,15 +6,23 @@
 #include "helpers/dcjpeg/dcjpeg.h"
 #include "helpers/dcpng/dcpng.h"
 #include "helpers/files/replacing_file.h"
-#include "tests/helpers/kernel/loaded_kernel.h"
 #include "tests/helpers/savers/sample_pictures.h"
+#include "tests/support/child_process.h"
+#include "tests/support/content_of.h"
+#include "tests/support/links.h"
+#include "tests/support/loaded_library.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary::saving::test {
 namespace {
 
+using tessary::test::ChildProcess;
+using tessary::test::ContentOf;
+using tessary::test::LoadedLibrary;
+using tessary::test::MakeFileLink;
+
 constexpr wchar_t kDyingVariable[] = L"TESSARY_TEST_DIES_SAVING";
-constexpr int kDyingExitCode = 77;
+constexpr DWORD kDyingExitCode = 77;
 constexpr wchar_t kTargetVariable[] = L"TESSARY_TEST_SAVES_TO";
 constexpr wchar_t kRoundsVariable[] = L"TESSARY_KILL_ROUNDS";
 constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
@@ -40,11 +48,6 @@ int __stdcall Callback(int done, int total, LONG_PTR userData) {
 
 const auto kCallback = reinterpret_cast<LONG_PTR>(&Callback);
 
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 // Its access control list in a security descriptor.
 Bytes AccessOf(const std::wstring& path) {
     Bytes descriptor(2000);
@@ -53,23 +56,6 @@ Bytes AccessOf(const std::wstring& path) {
                                  static_cast<DWORD>(descriptor.size()), &size));
     descriptor.resize(size);
     return descriptor;
-}
-
-// Makes `link` in a folder lead to `file` there, by the means of the system that the test runs on.
-void MakeFileLink(const std::wstring& folder, const std::wstring& link, const std::wstring& file) {
-    const bool isWine =
-        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-    std::wstring command = isWine ? LR"(\\?\unix\bin\ln -s )" + file + L' ' + link
-                                  : L"cmd /c mklink " + link + L' ' + file;
-    STARTUPINFOW start{};
-    start.cb = sizeof(start);
-    PROCESS_INFORMATION process{};
-    ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW,
-                               nullptr, folder.c_str(), &start, &process));
-    for (int turn = 0; turn < 500 && !std::filesystem::exists(folder + link); ++turn)
-        Sleep(10);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
 }
 
 class SavingEntries : public testing::Test {
@@ -94,13 +80,12 @@ class SavingEntries : public testing::Test {
         using Reporting =
             int(__stdcall*)(const void*, const void*, const Char*, const void*, LONG_PTR);
         const std::string entry = library.entry + (sizeof(Char) == 1 ? "" : "W");
-        const kernel::LoadedFile file(library.file);
+        const LoadedLibrary file(library.file);
         const void* info = picture.info.data();
         const void* bits = picture.bits.data();
-        const int result =
-            library.reports || sizeof(Char) > 1
-                ? file.Entry<Reporting>(entry.c_str())(info, bits, name, options, progress)
-                : file.Entry<Silent>(entry.c_str())(info, bits, name, options);
+        const int result = library.reports || sizeof(Char) > 1
+                               ? Reporting{file[entry.c_str()]}(info, bits, name, options, progress)
+                               : Silent{file[entry.c_str()]}(info, bits, name, options);
         const DWORD error = GetLastError();
         EXPECT_EQ(error == ERROR_SUCCESS, (result == 0) == library.zeroIsSuccess);
         return error;
@@ -109,24 +94,13 @@ class SavingEntries : public testing::Test {
     // Starts the program once more to save to a file again and again, and kills that process at
     // some time after the first `least` milliseconds of it.
     void KillWhileSaving(const std::wstring& target, DWORD least) {
-        _wputenv_s(kTargetVariable, target.c_str());
-        wchar_t program[MAX_PATH];
-        GetModuleFileNameW(nullptr, program, MAX_PATH);
-        wchar_t arguments[] = L"test --gtest_filter=*IsKilled";
         const HANDLE ready = CreateEventW(nullptr, FALSE, FALSE, kReadyEvent);
-        STARTUPINFOW startup{};
-        startup.cb = sizeof(startup);
-        PROCESS_INFORMATION process;
-        ASSERT_TRUE(CreateProcessW(program, arguments, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                                   &startup, &process));
+        const auto process =
+            ChildProcess::OfThisProgram(L"*IsKilled", {.environment = {{kTargetVariable, target}}});
         EXPECT_EQ(WaitForSingleObject(ready, 30'000), DWORD{WAIT_OBJECT_0});
         Sleep(least + random_() % 60);
-        TerminateProcess(process.hProcess, kDyingExitCode);
-        WaitForSingleObject(process.hProcess, INFINITE);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
+        process.End(kDyingExitCode);
         CloseHandle(ready);
-        _wputenv_s(kTargetVariable, L"");
     }
 
     std::wstring At(const wchar_t* name) const { return folder_.Path() + name; }
@@ -135,7 +109,7 @@ class SavingEntries : public testing::Test {
         std::map<std::wstring, std::string> files;
         for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
             files[entry.path().filename().wstring()] =
-                entry.is_directory() ? "folder" : ReadFile(entry.path());
+                entry.is_directory() ? "folder" : ContentOf(entry.path());
         }
         return files;
     }
@@ -159,14 +133,14 @@ TEST_F(SavingEntries, ReplaceFilesWithNamesOfEveryKind) {
         folder_.Write(L"表示 ソ", std::string(1 << 20, 'x'));
         for (const std::wstring& path : {At(L"한글 \U0001F600"), japanese, deep + L"long"})
             EXPECT_EQ(Save(library, picture_, path.c_str()), 0u);
-        const std::string saved = ReadFile(japanese);
+        const std::string saved = ContentOf(japanese);
         EXPECT_TRUE(saved.starts_with(library.start));
-        EXPECT_EQ(ReadFile(At(L"한글 \U0001F600")), saved);
+        EXPECT_EQ(ContentOf(At(L"한글 \U0001F600")), saved);
         EXPECT_TRUE(CopyFileW((L"\\\\?\\" + deep + L"long").c_str(), At(L"copy").c_str(), FALSE));
-        EXPECT_EQ(ReadFile(At(L"copy")), saved);
+        EXPECT_EQ(ContentOf(At(L"copy")), saved);
         folder_.Write(L"表示 ソ");
         EXPECT_EQ(Save(library, picture_, ansi), 0u);
-        EXPECT_EQ(ReadFile(japanese), saved);
+        EXPECT_EQ(ContentOf(japanese), saved);
         EXPECT_EQ(Folder().size(), 4u);
     }
 }
@@ -174,7 +148,7 @@ TEST_F(SavingEntries, ReplaceFilesWithNamesOfEveryKind) {
 TEST_F(SavingEntries, TakeTheOptions) {
     const auto saved = [&](size_t library, const int16_t* options) {
         EXPECT_EQ(Save(kLibraries[library], picture_, At(L"a").c_str(), options), 0u);
-        return ReadFile(At(L"a"));
+        return ContentOf(At(L"a"));
     };
     const int16_t defaults[][3] = {{0, 0}, {6, 0}, {60, 0, 0}};
     for (size_t i = 0; i < std::size(kLibraries); ++i)
@@ -207,7 +181,7 @@ TEST_F(SavingEntries, MakePairsPlain) {
     for (const Library& library : kLibraries) {
         const auto saved = [&](const SamplePicture& picture) {
             EXPECT_EQ(Save(library, picture, At(L"a").c_str()), 0u);
-            return ReadFile(At(L"a"));
+            return ContentOf(At(L"a"));
         };
         EXPECT_EQ(saved(masked), saved(plain));
         EXPECT_EQ(saved(runs), saved(one));
@@ -273,12 +247,10 @@ TEST_F(SavingEntries, LeaveTheOldFileWhenTheProcessDies) {
         Save(kLibraries[1], picture_, path, nullptr, kCallback);
         return;
     }
-    _wputenv_s(kDyingVariable, folder_.Write(L"old", "old content").c_str());
-    wchar_t program[MAX_PATH];
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    EXPECT_EQ(_wspawnl(_P_WAIT, program, L"test", L"--gtest_filter=*ProcessDies", nullptr),
-              kDyingExitCode);
-    _wputenv_s(kDyingVariable, L"");
+    const std::wstring old = folder_.Write(L"old", "old content");
+    const auto process =
+        ChildProcess::OfThisProgram(L"*ProcessDies", {.environment = {{kDyingVariable, old}}});
+    EXPECT_EQ(process.ExitCode(), kDyingExitCode);
     EXPECT_EQ(Folder(), (std::map<std::wstring, std::string>{{L"old", "old content"}}));
 }
 
@@ -306,7 +278,7 @@ TEST_F(SavingEntries, LeaveAWholeFileWheneverTheProcessIsKilled) {
         std::set<std::string> whole{"old content"};
         for (const SamplePicture& picture : pictures) {
             ASSERT_EQ(Save(kLibraries[number], picture, At(name.c_str()).c_str()), 0u);
-            whole.insert(ReadFile(At(name.c_str())));
+            whole.insert(ContentOf(At(name.c_str())));
         }
         KillWhileSaving(At(kNewNames) + std::to_wstring(number), 0);
         for (const auto& [newName, content] : Folder()) {
@@ -344,7 +316,7 @@ TEST_F(SavingEntries, LeaveNoFileWhenTheProcessIsKilledWaiting) {
 // Not even an old one, which may be a user's own, or lead to one.
 TEST_F(SavingEntries, LeaveOtherFilesOfTheirNamesAlone) {
     const std::wstring old = folder_.Write(L"precious", "a user's");
-    MakeFileLink(folder_.Path(), L"~tessary-1.tmp", L"precious");
+    EXPECT_TRUE(MakeFileLink(At(L"~tessary-1.tmp"), old));
     const HANDLE file =
         CreateFileW(old.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     FILETIME time;
@@ -376,7 +348,7 @@ TEST_F(SavingEntries, KeepLinksAndTheProtectionBehindThem) {
     const Bytes open = AccessOf(file);
     EXPECT_NE(open, usual);
     EXPECT_TRUE(SetFileAttributesW(file.c_str(), kKept));
-    MakeFileLink(folder_.Path(), L"link", L"file");
+    EXPECT_TRUE(MakeFileLink(At(L"link"), file));
 
     EXPECT_EQ(Save(kLibraries[0], picture_, At(L"link").c_str()), 0u);
     EXPECT_EQ(AccessOf(file), open);

@@ -2,21 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include "tests/helpers/susiectl/ends_in_thread.h"
 #include "tests/helpers/susiectl/susiectl_library.h"
 #include "tests/plugins/test_plugins.h"
+#include "tests/support/content_of.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary::test {
 namespace {
-
-std::string ContentOf(const std::wstring& path) {
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class LoadingTest : public testing::Test {
   protected:

@@ -1,37 +1,9 @@
 #include "tests/helpers/susiectl/susiectl_library.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include "tests/plugins/test_plugins.h"
+#include "tests/support/content_of.h"
 
 namespace tessary::test {
-namespace {
-
-SusiectlLibrary Load() {
-    using namespace susiectl;
-    HMODULE module = LoadLibraryW((TestProgramFolder() + L"..\\bin\\susiectl.dll").c_str());
-    return {module,
-            Find<SPILoadLibraryFunction>(module, kSPILoadLibrary),
-            Find<SPILoadLibraryWFunction>(module, kSPILoadLibraryW),
-            Find<SPIFreeLibraryFunction>(module, kSPIFreeLibrary),
-            Find<SPIIsMemoryDamagedFunction>(module, kSPIIsMemoryDamaged),
-            Find<GetPluginInfoEntry>(module, kGetPluginInfo),
-            Find<IsSupportedEntry>(module, kIsSupported),
-            Find<GetPictureInfoEntry>(module, kGetPictureInfo),
-            Find<GetPictureEntry>(module, kGetPicture),
-            Find<GetPictureEntry>(module, kGetPreview),
-            Find<GetArchiveInfoEntry>(module, kGetArchiveInfo),
-            Find<GetFileInfoEntry>(module, kGetFileInfo),
-            Find<GetFileEntry>(module, kGetFile),
-            Find<ConfigurationDlgEntry>(module, kConfigurationDlg),
-            Find<GetFileInformationFunction>(module, kGetFileInformation),
-            Find<GetFileInformationWFunction>(module, kGetFileInformationW)};
-}
-
-}  // namespace
-
 std::string ToAnsi(const std::wstring& text) {
     std::string ansi(text.size() * 2, '\0');
     ansi.resize(static_cast<size_t>(
@@ -41,7 +13,7 @@ std::string ToAnsi(const std::wstring& text) {
 }
 
 const SusiectlLibrary& Susiectl() {
-    static const SusiectlLibrary library = Load();
+    static const SusiectlLibrary library;
     return library;
 }
 
@@ -57,8 +29,7 @@ LoadedPlugin::LoadedPlugin(const TemporaryFolder& folder, std::string_view scrip
 
 LoadedPlugin::LoadedPlugin(const TemporaryFolder& folder,
                            const std::function<void(IMAGE_OPTIONAL_HEADER32&)>& change) {
-    std::ifstream file(std::filesystem::path(TestPluginPath(L"iftst.spi")), std::ios::binary);
-    std::string image{std::istreambuf_iterator<char>(file), {}};
+    std::string image = ContentOf(TestPluginPath(L"iftst.spi"));
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(image.data());
     change(reinterpret_cast<IMAGE_NT_HEADERS32*>(image.data() + dos->e_lfanew)->OptionalHeader);
     module_ = Susiectl().loadLibraryW(folder.Write(L"changed.spi", image).c_str());

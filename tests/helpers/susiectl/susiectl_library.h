@@ -8,36 +8,33 @@
 #include <string_view>
 
 #include "helpers/susiectl/susiectl.h"
+#include "tests/support/loaded_library.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary::test {
-
-// An entry of susiectl.dll or a function of a plug-in; null when there is none.
-template <typename Function>
-Function Find(HMODULE module, const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-}
 
 // A text in the system's code page.
 std::string ToAnsi(const std::wstring& text);
 
 struct SusiectlLibrary {
-    HMODULE module;
-    susiectl::SPILoadLibraryFunction loadLibrary;
-    susiectl::SPILoadLibraryWFunction loadLibraryW;
-    susiectl::SPIFreeLibraryFunction freeLibrary;
-    susiectl::SPIIsMemoryDamagedFunction isMemoryDamaged;
-    susiectl::GetPluginInfoEntry getPluginInfo;
-    susiectl::IsSupportedEntry isSupported;
-    susiectl::GetPictureInfoEntry getPictureInfo;
-    susiectl::GetPictureEntry getPicture;
-    susiectl::GetPictureEntry getPreview;
-    susiectl::GetArchiveInfoEntry getArchiveInfo;
-    susiectl::GetFileInfoEntry getFileInfo;
-    susiectl::GetFileEntry getFile;
-    susiectl::ConfigurationDlgEntry configurationDlg;
-    susiectl::GetFileInformationFunction getFileInformation;
-    susiectl::GetFileInformationWFunction getFileInformationW;
+    LoadedLibrary library{L"susiectl.dll"};
+    susiectl::SPILoadLibraryFunction loadLibrary = library[susiectl::kSPILoadLibrary];
+    susiectl::SPILoadLibraryWFunction loadLibraryW = library[susiectl::kSPILoadLibraryW];
+    susiectl::SPIFreeLibraryFunction freeLibrary = library[susiectl::kSPIFreeLibrary];
+    susiectl::SPIIsMemoryDamagedFunction isMemoryDamaged = library[susiectl::kSPIIsMemoryDamaged];
+    susiectl::GetPluginInfoEntry getPluginInfo = library[susiectl::kGetPluginInfo];
+    susiectl::IsSupportedEntry isSupported = library[susiectl::kIsSupported];
+    susiectl::GetPictureInfoEntry getPictureInfo = library[susiectl::kGetPictureInfo];
+    susiectl::GetPictureEntry getPicture = library[susiectl::kGetPicture];
+    susiectl::GetPictureEntry getPreview = library[susiectl::kGetPreview];
+    susiectl::GetArchiveInfoEntry getArchiveInfo = library[susiectl::kGetArchiveInfo];
+    susiectl::GetFileInfoEntry getFileInfo = library[susiectl::kGetFileInfo];
+    susiectl::GetFileEntry getFile = library[susiectl::kGetFile];
+    susiectl::ConfigurationDlgEntry configurationDlg = library[susiectl::kConfigurationDlg];
+    susiectl::GetFileInformationFunction getFileInformation =
+        library[susiectl::kGetFileInformation];
+    susiectl::GetFileInformationWFunction getFileInformationW =
+        library[susiectl::kGetFileInformationW];
 };
 
 // Loaded at the first use, and then for good.

@@ -6,7 +6,7 @@
 #include "app/base/paths.h"
 #include "convert/work_list.h"
 #include "tests/src/convert/convert_test.h"
-#include "tests/support/folder_link.h"
+#include "tests/support/links.h"
 
 namespace tessary {
 namespace {

@@ -5,7 +5,7 @@
 #include "app/base/text.h"
 #include "app/settings/settings.h"
 #include "tests/src/convert/convert_test.h"
-#include "tests/support/folder_link.h"
+#include "tests/support/links.h"
 
 namespace tessary {
 namespace {

@@ -6,9 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -18,6 +16,7 @@
 #include "plugin/modSusie.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
+#include "tests/support/content_of.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/redirected_settings.h"
 #include "tests/support/temporary_folder.h"
@@ -69,17 +68,10 @@ class FakeMonitor : public ConvertMonitor {
     ConflictAnswer answer = ConflictAnswer::kSkip;
 };
 
-inline std::string ContentOf(const std::wstring& path) {
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class ConvertTest : public testing::Test {
   protected:
     ConvertTest() {
         LoadHelperLibraries();
-        for (const wchar_t* name : {L"dcpng.dll", L"dcjpeg.dll"})
-            LoadLibraryW((FinishedFolder() + name).c_str());
         for (const wchar_t* name : {L"iftst.spi", L"axtsa.spi"})
             std::filesystem::copy_file(TestPluginPath(name), plugins_.Path() + name);
         Values().general.useSPI = 1;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <future>
 #include <string>
 
@@ -15,6 +14,8 @@
 #include "convert_cli/json_report.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
+#include "tests/support/child_process.h"
+#include "tests/support/content_of.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/redirected_settings.h"
 #include "tests/support/temporary_folder.h"
@@ -23,12 +24,13 @@ namespace tessary {
 namespace {
 
 using test::BitmapFileOf;
+using test::ContentOf;
 
 class ConvertCliTest : public testing::Test {
   protected:
     // Runs the program; answers its exit status and what it wrote to its two streams together.
     struct Outcome {
-        DWORD status = 99;
+        DWORD status;
         std::string output;
     };
     Outcome RunProgram(const std::wstring& arguments) {
@@ -41,33 +43,22 @@ class ConvertCliTest : public testing::Test {
                        L"tessary-convert.exe\" " + arguments + L'"',
                    CREATE_NEW_CONSOLE);
     }
-    Outcome Run(std::wstring command, DWORD flags) {
-        SetEnvironmentVariableW(L"TESSARY_SETTINGS_KEY", settings_.KeyPath().c_str());
+    Outcome Run(const std::wstring& command, DWORD flags) {
         SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
         const std::wstring path = folder_.Path() + L"output";
         // Its console, which may live on, has the file too.
         constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-        STARTUPINFOW start{};
-        start.cb = sizeof(start);
-        start.dwFlags = STARTF_USESTDHANDLES | STARTF_USESHOWWINDOW;
-        start.wShowWindow = SW_HIDE;
-        PROCESS_INFORMATION process{};
-        Outcome outcome;
-        {
-            const UniqueFile output(CreateFileW(path.c_str(), GENERIC_WRITE, kShareAll, &inherited,
-                                                CREATE_ALWAYS, 0, nullptr));
-            start.hStdOutput = start.hStdError = output.Get();
-            if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, flags, nullptr,
-                                RemoveBackslash(folder_.Path()).c_str(), &start, &process)) {
-                return outcome;
-            }
-        }
-        WaitForSingleObject(process.hProcess, 60000);
-        GetExitCodeProcess(process.hProcess, &outcome.status);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
-        outcome.output = ContentOf(path);
-        return outcome;
+        UniqueFile output(CreateFileW(path.c_str(), GENERIC_WRITE, kShareAll, &inherited,
+                                      CREATE_ALWAYS, 0, nullptr));
+        const test::ChildProcess program(
+            command, {.environment = {{L"TESSARY_SETTINGS_KEY", settings_.KeyPath()}},
+                      .folder = RemoveBackslash(folder_.Path()),
+                      .output = output.Get(),
+                      .showCommand = SW_HIDE,
+                      .flags = flags});
+        output.Reset();
+        const DWORD status = program.ExitCode();
+        return {status, ContentOf(path)};
     }
     // The folder spi with iftst.spi is the only one.
     void UsePlugins() {
@@ -77,10 +68,6 @@ class ConvertCliTest : public testing::Test {
         SaveSetting(L"Init", L"Run", L"1");
         SaveSetting(L"General", L"UseSPI", L"1");
         SaveSetting(L"General", L"SPIFolder_1", folder_.Path() + L"spi");
-    }
-    static std::string ContentOf(const std::wstring& path) {
-        std::ifstream file(std::filesystem::path(path), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     test::RedirectedSettings settings_;

@@ -44,11 +44,7 @@ int __stdcall CountCall(int, int, LONG_PTR) {
 
 class SavePictureTest : public testing::Test {
   protected:
-    SavePictureTest() {
-        test::LoadHelperLibraries();
-        for (const wchar_t* name : {L"dcpng.dll", L"dcjpeg.dll"})
-            LoadLibraryW((test::FinishedFolder() + name).c_str());
-    }
+    SavePictureTest() { test::LoadHelperLibraries(); }
     bool SaveImage(const std::string& image, const std::wstring& name) {
         const OwnedBlock block = BlockOf(image);
         return SavePictureFile({block.Get(), nullptr}, folder_.Path() + name, 0);

@@ -7,6 +7,7 @@
 
 #include "app/base/cloud_folder.h"
 #include "app/base/handles.h"
+#include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "picture/bitmap_file.h"
 #include "picture/current_picture.h"

@@ -1,19 +1,16 @@
 // Extracted members on disk: under safe names, and nowhere but in their folder.
 #include <algorithm>
-#include <fstream>
 
 #include "plugin/member_file.h"
 #include "plugin/member_file_name.h"
 #include "tests/src/plugin/plugin_test.h"
-#include "tests/support/folder_link.h"
+#include "tests/support/content_of.h"
+#include "tests/support/links.h"
 
 namespace tessary {
 namespace {
 
-std::string ContentOf(const std::wstring& path) {
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+using test::ContentOf;
 
 TEST(MemberFileName, IsSafe) {
     const std::pair<std::wstring, std::wstring> table[] = {

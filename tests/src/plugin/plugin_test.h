@@ -3,11 +3,11 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <process.h>
 #include <windows.h>
 
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -20,6 +20,7 @@
 #include "plugin/clsSusie.h"
 #include "plugin/plugin_log.h"
 #include "tests/plugins/test_plugins.h"
+#include "tests/support/child_process.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
 #include "tests/support/temporary_folder.h"
@@ -28,7 +29,7 @@ namespace tessary::test {
 
 // The test programs do not stand beside the helper libraries; loaded ones are found all the same.
 inline void LoadHelper(const std::wstring& name) {
-    ASSERT_NE(LoadLibraryW((TestProgramFolder() + L"..\\bin\\" + name).c_str()), nullptr);
+    ASSERT_NE(LoadLibraryW((FinishedFolder() + name).c_str()), nullptr);
 }
 
 class PluginTest : public testing::Test {
@@ -82,21 +83,9 @@ class PluginTest : public testing::Test {
     // exit status; STILL_ACTIVE when it does not end. The test finds `file` in the environment as
     // TESSARY_TEST_FILE.
     DWORD RunAsChild(const std::wstring& test, const std::wstring& file = {}) const {
-        _wputenv_s(L"TESSARY_SETTINGS_KEY", store_.KeyPath().c_str());
-        _wputenv_s(L"TESSARY_TEST_FILE", file.c_str());
-        wchar_t program[MAX_PATH];
-        GetModuleFileNameW(nullptr, program, MAX_PATH);
-        const auto child = reinterpret_cast<HANDLE>(
-            _wspawnl(_P_NOWAIT, program, L"plugin_test", L"--gtest_also_run_disabled_tests",
-                     (L"--gtest_filter=" + test).c_str(), nullptr));
-        constexpr DWORD kLongest = 60'000;
-        DWORD status = STILL_ACTIVE;
-        if (WaitForSingleObject(child, kLongest) == WAIT_OBJECT_0)
-            GetExitCodeProcess(child, &status);
-        else
-            TerminateProcess(child, 1);
-        CloseHandle(child);
-        return status;
+        const std::map<std::wstring, std::wstring> environment{
+            {L"TESSARY_SETTINGS_KEY", store_.KeyPath()}, {L"TESSARY_TEST_FILE", file}};
+        return ChildProcess::OfThisProgram(test, {.environment = environment}).ExitCode();
     }
 
     RedirectedSettings store_;

@@ -11,7 +11,7 @@
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "tests/src/ui/main/main_window.h"
-#include "tests/support/folder_link.h"
+#include "tests/support/links.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/control/folder_scan.h"
 #include "ui/control/frmDirList.h"

@@ -8,6 +8,7 @@
 #include "helpers/files/refusal.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/bitmap_image.h"
+#include "tests/support/content_of.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/control/delete_file.h"
@@ -46,11 +47,7 @@ TEST(DeletionErrorTest, IsNoneOnlyOfWhatIsGone) {
 
 class SaveTest : public MainWindowTest {
   protected:
-    SaveTest() {
-        LoadHelperLibraries();
-        for (const wchar_t* const name : {L"dcpng.dll", L"dcjpeg.dll"})
-            LoadLibraryW((FinishedFolder() + name).c_str());
-    }
+    SaveTest() { LoadHelperLibraries(); }
 
     void SetUp() override {
         window_.SetControlBar(controlBar_);
@@ -66,10 +63,7 @@ class SaveTest : public MainWindowTest {
         Choose(menuFileSaveAs);
     }
 
-    std::string Content(const std::wstring& name) const {
-        std::ifstream file(std::filesystem::path(folder_.Path() + name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string Content(const std::wstring& name) const { return ContentOf(folder_.Path() + name); }
 
     TemporaryFolder folder_;
     std::wstring name_;

@@ -59,7 +59,6 @@ class ConverterTest : public MainWindowTest {
   protected:
     ConverterTest() {
         LoadHelperLibraries();
-        LoadLibraryW((FinishedFolder() + L"dcpng.dll").c_str());
         SetMessageBoxResponder([this](const std::wstring& text, unsigned style, const auto&) {
             asked_.push_back(std::to_wstring(style) + L' ' + text);
             if (answers_.empty()) return IDOK;

@@ -101,10 +101,7 @@ class OtherProgram {
 
 class ClipboardTest : public test::MainWindowTest {
   protected:
-    ClipboardTest() {
-        test::LoadHelperLibraries();
-        LoadLibraryW((test::FinishedFolder() + L"dcpng.dll").c_str());
-    }
+    ClipboardTest() { test::LoadHelperLibraries(); }
 
     void SetUp() override {
         window_.SetControlBar(controlBar_);
