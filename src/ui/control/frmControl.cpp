@@ -23,14 +23,31 @@ constexpr int kFrame = 1;
 constexpr int kMargin = 4;
 constexpr int kGripWidth = 8;
 constexpr int kInfoHeight = 20;
-constexpr int kButtonWidth = 116;
-constexpr int kButtonHeight = 25;
+constexpr int kFoldedHeight = BarPlace::kFoldedHeight;
+constexpr int kUnfoldedHeight = BarPlace::kUnfoldedHeight;
 
 }  // namespace
 
 frmControl::frmControl(frmMain& window)
     : Form(kDesign),
       window_(window),
+      deletePanel_({.deleteAll = [this] { cmdOK_Click(); },
+                    .dropAll = [this] { deleteList_.DropAll(); },
+                    .putAllBack = [this] { deleteList_.PutAllBack(); },
+                    .putBack = [this](const std::wstring& path) { deleteList_.PutBack(path); },
+                    .keyRepeats = [this] { return keyRepeats_; }}),
+      place_(*this, window,
+             {.folded =
+                  [this] {
+                      SetImage(BarButton::kFold,
+                               IsRollUp() ? ToolbarImage::kUnfold : ToolbarImage::kFold);
+                      ShowFoldedOrNot();
+                  },
+              .layout = [this] { Layout(); }}),
+      texts_(*this, textFileInfo_, window,
+             [this] {
+                 if (burst_ != nullptr) burst_->ShowLists();
+             }),
       player_({.back = [this] { return ListIndexBackOne(); },
                .forward = [this] { return ListIndexForwardOne(); },
                .atEnd = [this] { EndMotion(); },
@@ -50,6 +67,11 @@ frmControl::frmControl(frmMain& window)
           acceleratorsMainWindow, [&window] { return window.Handle(); },
           [this](const MSG& key) { return IsKeyOfProgram(key); }),
       dialogKeys_([this](MSG& message) { return TakesMessage(message); }) {
+    sequence_.Files().SetMirror(filesMirror_);
+    sequence_.Files().OnSelect([this] { listFileName_Click(); });
+    sequence_.Members().SetMirror(membersMirror_);
+    sequence_.Members().OnSelect([this] { listArchiveFile_Click(); });
+    sequence_.Marks().SetMirror(deletePanel_);
     RegisterCommands();
     window_.OnPictureShownChanged([this] {
         if (formLoaded_) UpdateToolbar();
@@ -75,7 +97,7 @@ void frmControl::RegisterCommands() {
          .whileLoading = true});
     window_.Commands().Register(
         commandCancelDelete,
-        {.run = [this] { AskToCancel(); },
+        {.run = [this] { deleteList_.AskToPutAllBack(); },
          .enabled = [this] { return formLoaded_ && IsUsable(BarButton::kCancelDelete); },
          .whileLoading = true});
     for (int mode = kSizeModeOriginal; mode <= kSizeModeScreen; ++mode) {
@@ -89,7 +111,7 @@ void frmControl::RegisterCommands() {
 void frmControl::Form_Load() {
     CreateControls();
     Form_MetricsChanged();
-    ReadPlace();
+    place_.Read();
     ShowDisplaySizeImage();
     ShowNoArchive();
     UpdateToolbar();
@@ -118,40 +140,23 @@ void frmControl::CreateControls() {
 
     const auto keys = [this](int keyCode, int shift) { return PassKeyOn(keyCode, shift); };
     makeList(listFileName_, filesName_, L"ファイルの一覧");
-    listFileName_.OnClick([this] { listFileName_Click(); });
+    listFileName_.OnClick([this] { sequence_.Files().Select(listFileName_.Selected()); });
     listFileName_.OnKeyDown(keys);
     makeList(listArchiveFile_, membersName_, L"圧縮ファイルの中身");
-    listArchiveFile_.OnClick([this] { listArchiveFile_Click(); });
+    listArchiveFile_.OnClick([this] { sequence_.Members().Select(listArchiveFile_.Selected()); });
     listArchiveFile_.OnKeyDown(keys);
 
-    makeList(listDelete_, deleteName_, L"削除リスト");
-    listDelete_.OnDoubleClick([this] { listDelete_DblClick(); });
-    listDelete_.OnKeyDown([this](int keyCode, int) {
-        if (keyCode == VK_RETURN) listDelete_DblClick();
-        return keyCode == VK_RETURN;
-    });
-    lblMarks_.Create(Handle(), L"");
-    cmdOK_.Create(Handle(), L"ディスクから削除(&D)");
-    cmdOK_.OnClick([this] { cmdOK_Click(); });
-    cmdDelList_.Create(Handle(), L"リストから削除(&L)");
-    cmdDelList_.OnClick([this] { cmdDelList_Click(); });
-    cmdCancel_.Create(Handle(), L"取り消し(&U)");
-    cmdCancel_.OnClick([this] { cmdCancel_Click(); });
-    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_})
-        button->SetEnabled(false);
-    TakePanelKeys();
+    deletePanel_.Create(Handle());
 }
 
 void frmControl::Form_MetricsChanged() {
     font_ = Metrics(Handle()).MessageFont();
-    for (Control* const control : std::initializer_list<Control*>{
-             &textFileInfo_, &listFileName_, &listArchiveFile_, &listDelete_, &cmdOK_, &cmdDelList_,
-             &cmdCancel_, &lblMarks_}) {
-        control->SetFont(font_.Get());
-    }
-    for (ListBox* const list : {&listFileName_, &listArchiveFile_, &listDelete_}) {
+    textFileInfo_.SetFont(font_.Get());
+    for (ListBox* const list : {&listFileName_, &listArchiveFile_}) {
+        list->SetFont(font_.Get());
         list->FontChanged();
     }
+    deletePanel_.SetFont(font_.Get());
     coolBar_.ChangeMetrics();
 }
 
@@ -173,6 +178,7 @@ void frmControl::Form_Unload() {
     wishesDue_.Stop();
     wishes_ = {};
     SavePlace();
+    sequence_.Clear();
     formLoaded_ = false;
 }
 
@@ -187,7 +193,7 @@ void frmControl::Form_Resize(int width, int /*height*/) {
     const int inner = width - 2 * margin;
     const int buttons =
         std::min<int>(coolBar_.PreferredSize().cy, scale(kFoldedHeight) - 2 * frame);
-    const int above = HeightAboveToolbar();
+    const int above = place_.HeightAboveToolbar();
     coolBar_.SetBounds(scale(kGripWidth), above + (scale(kFoldedHeight) - buttons) / 2,
                        width - scale(kGripWidth) - frame, buttons);
 
@@ -200,21 +206,25 @@ void frmControl::Form_Resize(int width, int /*height*/) {
     listArchiveFile_.SetBounds(2 * margin + fileWidth, lists, inner - margin - fileWidth,
                                listHeight);
 
-    const int panel = above > 0 ? margin : scale(kUnfoldedHeight);
-    const int panelHeight = scale(kDeletePanelHeight) - margin - scale(kUnfoldedHeight);
-    const int buttonWidth = scale(kButtonWidth);
-    listDelete_.SetBounds(margin, panel, inner - margin - buttonWidth, panelHeight);
-    int top = panel;
-    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_}) {
-        button->SetBounds(width - margin - buttonWidth, top, buttonWidth, scale(kButtonHeight));
-        top += scale(kButtonHeight) + margin;
-    }
-    lblMarks_.SetBounds(width - margin - buttonWidth, top, buttonWidth, scale(kInfoHeight));
+    deletePanel_.Layout(width, above > 0 ? margin : scale(kUnfoldedHeight), metrics);
     InvalidateRect(Handle(), nullptr, TRUE);
 }
 
-int frmControl::HeightAboveToolbar() const {
-    return panelAbove_ ? Metrics(Handle()).Scale(kDeletePanelHeight - kUnfoldedHeight) : 0;
+void frmControl::Layout() {
+    const SIZE size = ClientSize();
+    Form_Resize(size.cx, size.cy);
+}
+
+// What lies outside the window must not take the focus either.
+void frmControl::ShowFoldedOrNot() {
+    const bool unfolded = place_.IsPanelOpen() || !IsRollUp();
+    if (IsChild(Handle(), GetFocus())) lastFocus_ = GetFocus();
+    for (Control* const control :
+         std::initializer_list<Control*>{&textFileInfo_, &listFileName_, &listArchiveFile_}) {
+        control->SetVisible(unfolded);
+    }
+    deletePanel_.SetVisible(place_.IsPanelOpen());
+    if (GetFocus() == Handle()) FocusPart(lastFocus_);
 }
 
 // The face, the frame around it and the grip at the left, which invites to drag.
@@ -228,7 +238,7 @@ void frmControl::PaintBackground(HDC context) const {
         InflateRect(&area, -1, -1);
     }
     const int dot = metrics.Scale(2);
-    const int above = HeightAboveToolbar();
+    const int above = place_.HeightAboveToolbar();
     for (int y = metrics.Scale(6); y < metrics.Scale(kFoldedHeight - 6); y += 2 * dot) {
         const RECT spot{metrics.Scale(3), above + y, metrics.Scale(3) + dot, above + y + dot};
         FillRect(context, &spot, GetSysColorBrush(COLOR_BTNSHADOW));
@@ -281,6 +291,26 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
     }
     return Form::OnMessage(message, wParam, lParam);
+}
+
+// --- In sight ---
+
+bool frmControl::IsVisible() const {
+    return Handle() != nullptr && IsWindowVisible(Handle());
+}
+
+void frmControl::SetVisible(bool visible) {
+    if (visible && !Load(window_.Handle())) return;
+    if (visible) place_.ComeIntoReach();
+    // The main window keeps the focus when the bar appears, and gets it back when it goes.
+    if (Handle() == nullptr) return;
+    ShowWindow(Handle(), visible ? SW_SHOWNOACTIVATE : SW_HIDE);
+    // With a minimised main window it waits, as what was shown before does.
+    if (visible && IsIconic(window_.Handle())) ShowOwnedPopups(window_.Handle(), FALSE);
+}
+
+void frmControl::SavePlace() {
+    if (Handle() != nullptr) place_.Save();
 }
 
 }  // namespace tessary

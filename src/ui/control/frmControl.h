@@ -1,19 +1,23 @@
 // The control bar: the list of files being viewed, the members of the archive among them, the
 // player's buttons and the delete list.
 //
-// The window has no caption: it is dragged by its body and folds up to its toolbar.
+// The window has no caption: it is dragged by its body and folds up to its toolbar. What it shows
+// is a FileSequence; its lists mirror that.
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "picture/show/member_list.h"
 #include "picture/show/modShowPicture.h"
-#include "ui/control/delete_file.h"
-#include "ui/control/deletion_marks.h"
+#include "sequence/file_sequence.h"
+#include "ui/control/bar_place.h"
+#include "ui/control/bar_texts.h"
+#include "ui/control/delete_list.h"
+#include "ui/control/delete_panel.h"
+#include "ui/control/list_box_mirror.h"
 #include "ui/control/player.h"
 #include "ui/control/toolbar_images.h"
 #include "ui/control/wishes.h"
@@ -28,21 +32,16 @@
 
 namespace tessary {
 
-class frmControl final : public Form, public ControlBar, public MemberList {
+class frmControl final : public Form, public ControlBar, public MemberList, private DeleteListHost {
   public:
-    // Heights of the window in pixels at 96 dpi.
-    static constexpr int kFoldedHeight = 28;
-    static constexpr int kUnfoldedHeight = 130;
-    static constexpr int kDeletePanelHeight = 270;
-
     // The main window shows the pictures, owns the loaded bar and must outlive it.
     explicit frmControl(frmMain& window);
     ~frmControl() = default;
 
     // Folded up to the toolbar. Setting it folds or unfolds; while files are being collected for
     // deletion the window stays tall.
-    bool IsRollUp() const { return isRollUp_; }
-    void SetRollUp(bool rollUp);
+    bool IsRollUp() const { return place_.IsRollUp(); }
+    void SetRollUp(bool rollUp) { place_.SetRollUp(rollUp); }
 
     // Loads the window if need be. The list takes the entries with an index up to 32001 that are
     // not empty. False also while another list is being filled or a picture loaded.
@@ -50,8 +49,8 @@ class frmControl final : public Form, public ControlBar, public MemberList {
 
     // Selects the entry before or behind: of the archive's members first, then of the files,
     // leaving out those of unknown kind. False when the selection has not moved there.
-    bool ListIndexBackOne();
-    bool ListIndexForwardOne();
+    bool ListIndexBackOne() { return MoveBy(-1, sequence_.IsInArchive()); }
+    bool ListIndexForwardOne() { return MoveBy(1, sequence_.IsInArchive()); }
 
     // What a click on the toolbar's button does; a disabled button does nothing.
     void CoolBar_ButtonClick(BarButton button);
@@ -62,18 +61,18 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     // ControlBar
     std::wstring Failure() const override;
     void PictureReplaced(const std::wstring& info) override;
-    void FileSaved(const std::wstring& path) override;
+    void FileSaved(const std::wstring& path) override { deleteList_.FileSaved(path); }
     void ClearLists() override;
-    std::vector<std::wstring> FileList() const override;
+    std::vector<std::wstring> FileList() const override { return sequence_.Files().Texts(); }
     bool IsPlaying() const override { return player_.IsPlaying(); }
     void WishCommand(int command) override;
     bool AwaitsFile() const override;
-    bool HasFiles() const override { return listFileName_.Count() > 0; }
+    bool HasFiles() const override { return !sequence_.Files().IsEmpty(); }
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
     void SetVisible(bool visible) override;
     void TakeFocus(BarFocus focus) override;
-    bool MayClose() override;
+    bool MayClose() override { return deleteList_.MayClose(); }
     void SavePlace() override;
     void Unload() override;
 
@@ -82,7 +81,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
 
     const ListBox& listFileName() const { return listFileName_; }
     const ListBox& listArchiveFile() const { return listArchiveFile_; }
-    const ListBox& listDelete() const { return listDelete_; }
+    const ListBox& listDelete() const { return deletePanel_.List(); }
     const TextBox& textFileInfo() const { return textFileInfo_; }
     const Toolbar& CoolBar() const { return coolBar_; }
     // Whether a click on the button does something now.
@@ -92,6 +91,7 @@ class frmControl final : public Form, public ControlBar, public MemberList {
   private:
     class Busy;
     class Burst;
+    class Search;
 
     // --- The window (frmControl.cpp) ---
     void Form_Load() override;
@@ -102,28 +102,18 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
     void CreateControls();
+    void Layout();
     void PaintBackground(HDC context) const override;
-    int HeightAboveToolbar() const;
     LRESULT HitTest(LPARAM onScreen) const;
     void RegisterCommands();
+    void ShowFoldedOrNot();
 
     // --- Its keys and focus (frmControl_keys.cpp) ---
     bool PassKeyOn(int keyCode, int shift);
     bool IsKeyOfProgram(const MSG& key) const;
-    void TakePanelKeys();
     bool TakesMessage(MSG& message);
-    bool PressMnemonic(wchar_t letter);
     void MoveFocus(bool back);
     void FocusPart(HWND part);
-
-    // --- Its place and fold state (frmControl_place.cpp) ---
-    void ReadPlace();
-    RECT Frame() const;
-    void SetHeight(int pixelsAt96Dpi);
-    void RollUp();
-    void RollDown();
-    void ShowFoldedOrNot();
-    void MoveOntoScreen();
 
     // --- The lists (frmControl_lists.cpp) ---
     void FillFileList(std::span<const std::wstring> files);
@@ -135,26 +125,18 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     void ShowVanished(const std::wstring& path);
     void ShowEmptyList();
     ShownFile Show(const std::wstring& name, const std::function<ShownFile()>& show);
-    void TellInfo(const std::wstring& info);
-    void TellShown(const std::wstring& text);
-    void TellNotShown(const std::wstring& text);
-    void TellLoading(const std::wstring& text);
-    void TellLate();
     void TellCut(std::span<const std::wstring> files);
     void DisableParts();
     void EnableParts(HWND focused);
     void EndLoad();
 
     // --- Stepping, and what is asked for meanwhile (frmControl_wishes.cpp) ---
-    std::optional<int> FindKnown(int start, int step);
     bool MoveBy(int steps, bool inArchive);
-    bool MoveInFiles(int steps, bool orStay);
-    bool IsLoading() const;
+    bool IsLoading() const { return window_.IsReading(); }
     void WishStep(int step);
     void WishMark();
     void WishIsThere();
     void CarryOutWishes();
-    int IndexOf(const std::wstring& path) const;
 
     // --- The player (frmControl_player.cpp) ---
     void StartMotion(BarButton motion);
@@ -172,67 +154,45 @@ class frmControl final : public Form, public ControlBar, public MemberList {
     // --- The delete list (frmControl_delete.cpp) ---
     void AddToDeleteList();
     void MarkDuringShow();
-    void MarkForDeletion(int index);
-    void OpenDeletePanel();
-    void PlaceForPanel();
-    void AskToCancel();
-    void CountMarks();
-    std::vector<std::wstring> MarkedFiles() const;
-    std::optional<int> TryToDelete(const std::vector<std::wstring>& paths);
-    void DeleteFromDisk(const std::vector<std::wstring>& paths, std::vector<std::wstring>& deleted);
-    DeleteOutcome DeleteMarked(const std::wstring& path);
-    void PutBack(const std::wstring& path);
-    void TakeMark(const std::wstring& path);
-    std::optional<int> RemoveListed(const std::vector<std::wstring>& deleted);
-    void ShowInPlaceOf(int index);
-    void CloseDeletePanel();
-    void listDelete_DblClick();
     void cmdOK_Click();
-    void cmdDelList_Click();
-    void cmdCancel_Click();
+    void SetPanelOpen(bool open) override;
+    bool IsPanelInSight() const override { return IsVisible(); }
+    void ShowNote(const std::wstring& note) override { window_.ShowNote(note); }
+    void ShowInPlaceOf(int index) override;
+    void ForgetDeletion() override;
+    void WhileDeleting(const std::function<void(const DeletionNews&)>& deletion) override;
 
     frmMain& window_;
     UniqueFont font_;
     Label infoName_;  // out of sight: screen readers name a list or field by the label before it
     Label filesName_;
     Label membersName_;
-    Label deleteName_;
     Toolbar coolBar_;
     TextBox textFileInfo_;
     ListBox listFileName_;
     ListBox listArchiveFile_;
-    ListBox listDelete_;
-    Button cmdOK_;
-    Button cmdDelList_;
-    Button cmdCancel_;
-    Label lblMarks_;  // how many files the delete list has
-    bool isRollUp_ = false;
+    ListBoxMirror filesMirror_{listFileName_};
+    ListBoxMirror membersMirror_{listArchiveFile_};
+    DeletePanel deletePanel_;
+    FileSequence sequence_;
+    DeleteList deleteList_{sequence_, *this};
+    BarPlace place_;
+    BarTexts texts_;
+    Player player_;
     bool formLoaded_ = false;
     bool unloading_ = false;
-    bool deletePanelOpen_ = false;
-    bool archiveShown_ = false;  // the member list belongs to the selected file
-    bool passedBy_ = false;      // the selected file was not fetched, for nobody waited for it
-    std::wstring failure_;       // why the file shown last is not shown
-    int busy_ = 0;               // how many Busy there are
-    Burst* burst_ = nullptr;     // the one there is
-    bool listsChange_ = false;   // nothing may be asked of them now
-    std::wstring loadingPath_;   // the file that is being loaded; empty: none
-    std::wstring loadingText_;   // what is told meanwhile
-    std::wstring shownPath_;     // the file that the view shows, or why it does not
-    std::wstring archivePath_;   // whose members are listed
-    std::wstring cutNotice_;     // what was told of a list that was too long
+    bool passedBy_ = false;     // the selected file was not fetched, for nobody waited for it
+    std::wstring failure_;      // why the file shown last is not shown
+    int busy_ = 0;              // how many Busy there are
+    Burst* burst_ = nullptr;    // the one there is
+    bool listsChange_ = false;  // nothing may be asked of them now
+    std::wstring loadingPath_;  // the file that is being loaded; empty: none
+    std::wstring shownPath_;    // the file that the view shows, or why it does not
+    std::wstring cutNotice_;    // what was told of a list that was too long
     Wishes wishes_;
-    DeletionMarks marks_;      // of the delete list
-    bool keyRepeats_ = false;  // the message being handled is of a key that is held down
-    std::optional<std::wstring> lateInfo_;  // what is to be told behind the burst
-    std::optional<std::wstring> lateShown_;
+    bool keyRepeats_ = false;   // the message being handled is of a key that is held down
     HWND lastFocus_ = nullptr;  // the control that had the focus when it left them all
-    POINT movedBy_{};           // pixels that the window has moved for the delete panel
-    bool panelAbove_ = false;   // the delete panel stands above the toolbar
-    bool askingToClose_ = false;
-    int stops_ = 0;  // how often the stop button was pressed
-    Player player_;
-    Timer longLoad_{[this] { TellLate(); }};
+    int stops_ = 0;             // how often the stop button was pressed
     Timer wishesDue_{[this] { CarryOutWishes(); }};
     Accelerators accelerators_;
     MessageFilter dialogKeys_;

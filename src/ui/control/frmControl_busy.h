@@ -44,4 +44,33 @@ class frmControl::Burst {
     std::optional<RedrawHold> members_;
 };
 
+// A search for the next file of known kind, which the user is told of once it takes long. He stops
+// it, or chooses a file himself. The bar is busy from the first file on that is looked at.
+class frmControl::Search final : public KindSource {
+  public:
+    explicit Search(frmControl& bar) : bar_(bar), stops_(bar.stops_) {}
+    Search(const Search&) = delete;
+    Search& operator=(const Search&) = delete;
+    ~Search() { End(); }
+
+    // KindSource
+    bool IsKnown(const std::wstring& path) override;
+    bool GoesOn(int index, int done, int total) override;
+
+    // The bar is busy no more.
+    void End();
+    // Whether the user wants something else than what is searched for; he is heard to the end.
+    bool IsOverruled() const { return hasBegun_ && Overrules(); }
+
+  private:
+    bool Overrules() const { return bar_.wishes_.file || stops_ != bar_.stops_; }
+
+    frmControl& bar_;
+    int stops_;
+    bool hasBegun_ = false;
+    std::optional<Busy> busy_;
+    std::optional<std::wstring> former_;  // what its news stand in place of
+    DWORD begin_ = 0;                     // tick count, milliseconds
+};
+
 }  // namespace tessary

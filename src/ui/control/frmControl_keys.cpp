@@ -3,17 +3,11 @@
 // The program's keys work wherever the focus is. A part keeps what it has a use of its own for: the
 // lists their up and down, a button the keys that press it, the delete list those about its entry.
 #include <algorithm>
-#include <cwctype>
 
 #include "ui/control/frmControl.h"
 #include "ui/form/tab_stops.h"
 
 namespace tessary {
-namespace {
-
-constexpr wchar_t kMnemonicMark = L'&';
-
-}  // namespace
 
 bool frmControl::PassKeyOn(int keyCode, int shift) {
     if (keyCode != VK_LEFT && keyCode != VK_RIGHT) return false;
@@ -23,44 +17,17 @@ bool frmControl::PassKeyOn(int keyCode, int shift) {
 
 bool frmControl::IsKeyOfProgram(const MSG& key) const {
     if (Handle() == nullptr || GetAncestor(key.hwnd, GA_ROOT) != Handle()) return false;
-    const bool onButton =
-        coolBar_.HasFocus() || cmdOK_.HasFocus() || cmdDelList_.HasFocus() || cmdCancel_.HasFocus();
+    const bool onButton = coolBar_.HasFocus() || deletePanel_.IsButtonFocused();
     switch (key.wParam) {
         case VK_DELETE:
-            return !listDelete_.HasFocus();
+            return !deletePanel_.IsListFocused();
         case VK_RETURN:
-            return (CurrentShiftState() & kShiftMask) != 0 || !(onButton || listDelete_.HasFocus());
+            return (CurrentShiftState() & kShiftMask) != 0 ||
+                   !(onButton || deletePanel_.IsListFocused());
         case VK_SPACE:
             return !onButton;
         default:
             return true;
-    }
-}
-
-// Enter presses the button that has the focus, the arrows go to its neighbours.
-void frmControl::TakePanelKeys() {
-    static constexpr Button frmControl::*kButtons[] = {
-        &frmControl::cmdOK_, &frmControl::cmdDelList_, &frmControl::cmdCancel_};
-    constexpr int kCount = static_cast<int>(std::size(kButtons));
-    for (int index = 0; index < kCount; ++index) {
-        (this->*kButtons[index]).OnKeyDown([this, index](int keyCode, int) {
-            switch (keyCode) {
-                case VK_RETURN:
-                    if (keyRepeats_) return true;
-                    SendMessageW((this->*kButtons[index]).Handle(), BM_CLICK, 0, 0);
-                    return true;
-                case VK_UP:
-                case VK_LEFT:
-                    (this->*kButtons[(index + kCount - 1) % kCount]).SetFocus();
-                    return true;
-                case VK_DOWN:
-                case VK_RIGHT:
-                    (this->*kButtons[(index + 1) % kCount]).SetFocus();
-                    return true;
-                default:
-                    return false;
-            }
-        });
     }
 }
 
@@ -76,7 +43,7 @@ bool frmControl::TakesMessage(MSG& message) {
             if (message.wParam == VK_F4) message.hwnd = window_.Handle();
             return false;
         case WM_SYSCHAR:
-            if (PressMnemonic(static_cast<wchar_t>(message.wParam))) return true;
+            if (deletePanel_.PressMnemonic(static_cast<wchar_t>(message.wParam))) return true;
             message.hwnd = window_.Handle();  // its menu has the others
             return false;
         case WM_KEYUP:
@@ -88,17 +55,6 @@ bool frmControl::TakesMessage(MSG& message) {
         default:
             return false;
     }
-}
-
-bool frmControl::PressMnemonic(wchar_t letter) {
-    const wchar_t mark[] = {kMnemonicMark, static_cast<wchar_t>(std::towupper(letter)), 0};
-    for (Button* const button : {&cmdOK_, &cmdDelList_, &cmdCancel_}) {
-        if (!button->IsEnabled() || button->Text().find(mark) == std::wstring::npos) continue;
-        button->SetFocus();
-        SendMessageW(button->Handle(), BM_CLICK, 0, 0);
-        return true;
-    }
-    return false;
 }
 
 // From part to part, and from either end to the main window.

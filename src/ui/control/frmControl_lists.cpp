@@ -18,9 +18,6 @@ constexpr size_t kFilesPerBreath = 100;
 constexpr size_t kAlwaysTold = 200;
 constexpr DWORD kBreathMilliseconds = 20;
 
-// How long a load of a fast run takes before it is told what is being loaded.
-constexpr UINT kLongLoadMilliseconds = 200;
-
 // What the user is told of a read that takes long.
 constexpr wchar_t kReading[] = L"読み込んでいます";
 
@@ -58,11 +55,12 @@ frmControl::Burst::Burst(frmControl& bar) : bar_(bar), focused_(GetFocus()) {
     files_.emplace(bar.listFileName_);
     members_.emplace(bar.listArchiveFile_);
     bar_.burst_ = this;
+    bar_.texts_.Hold();
 }
 
 frmControl::Burst::~Burst() {
     bar_.burst_ = nullptr;
-    bar_.TellLate();
+    bar_.texts_.Release();
     ShowLists();
     bar_.EnableParts(focused_);
 }
@@ -85,51 +83,10 @@ void frmControl::EnableParts(HWND focused) {
     listsChange_ = false;
     if (Handle() == nullptr) return;
     listFileName_.SetEnabled(true);
-    listArchiveFile_.SetEnabled(archiveShown_);
+    listArchiveFile_.SetEnabled(sequence_.IsInArchive());
     UpdateToolbar();
     // A disabled list lost the focus to the bar; keys are to go on where they were.
     if (GetFocus() == Handle()) FocusPart(focused);
-}
-
-void frmControl::TellLate() {
-    longLoad_.Stop();
-    if (lateInfo_) textFileInfo_.SetText(*std::exchange(lateInfo_, {}));
-    if (lateShown_) window_.SetPanelText(kShownFilePanel, *std::exchange(lateShown_, {}));
-    if (burst_ != nullptr) burst_->ShowLists();
-}
-
-void frmControl::TellInfo(const std::wstring& info) {
-    if (burst_ != nullptr) {
-        lateInfo_ = info;
-    } else {
-        textFileInfo_.SetText(info);
-    }
-}
-
-// The same in the bar and in the main window.
-void frmControl::TellNotShown(const std::wstring& text) {
-    TellInfo(text);
-    TellShown(text);
-}
-
-void frmControl::TellLoading(const std::wstring& text) {
-    loadingText_ = text;
-    TellNotShown(text);
-    if (burst_ != nullptr) {
-        longLoad_.Start(kLongLoadMilliseconds);
-    } else {
-        PaintNow(Handle());
-        PaintNow(window_.Handle());
-    }
-}
-
-// In the main window's status bar.
-void frmControl::TellShown(const std::wstring& text) {
-    if (burst_ != nullptr) {
-        lateShown_ = text;
-    } else {
-        window_.SetPanelText(kShownFilePanel, text);
-    }
 }
 
 // --- Filling ---
@@ -141,12 +98,12 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
     FillFileList(files);
     EndLoad();
     if (Values().quitRequested) return false;
-    if (listFileName_.Count() == 0) {
+    if (!HasFiles()) {
         ShowEmptyList();
         return false;
     }
     SetVisible(true);
-    listFileName_.Select(0);
+    sequence_.Files().Select(0);
     return true;
 }
 
@@ -154,12 +111,13 @@ void frmControl::FillFileList(std::span<const std::wstring> files) {
     const Busy busy(*this, L"リストを更新しています");
     DisableParts();
     DoEvents();
-    listFileName_.Clear();
+    sequence_.Files().Clear();
     std::optional<RedrawHold> hold(std::in_place, listFileName_);
+    sequence_.Files().Expect(std::min(files.size(), kLastFileIndex + 2));
     const std::wstring total = std::to_wstring(static_cast<int64_t>(files.size()) - 1);
     DWORD lastBreath = 0;
     for (size_t i = 0; i < files.size() && !Values().quitRequested; ++i) {
-        if (!files[i].empty()) listFileName_.Add(files[i]);
+        if (!files[i].empty()) sequence_.Files().Add({files[i]});
         // A long list counts faster than anybody reads, and telling would take longer than filling.
         if (i % kFilesPerBreath == 0 &&
             (i <= kAlwaysTold || GetTickCount() - lastBreath >= kBreathMilliseconds)) {
@@ -187,44 +145,29 @@ void frmControl::TellCut(std::span<const std::wstring> files) {
     window_.SetPanelText(kNoticePanel, cutNotice_);
 }
 
-std::vector<std::wstring> frmControl::FileList() const {
-    std::vector<std::wstring> files;
-    files.reserve(static_cast<size_t>(listFileName_.Count()));
-    for (int index = 0; index < listFileName_.Count(); ++index) {
-        files.push_back(listFileName_.Item(index));
-    }
-    return files;
-}
-
 void frmControl::ClearLists() {
     if (busy_ > 0) return;
-    listFileName_.Clear();
-    archiveShown_ = false;
-    listArchiveFile_.Clear();
+    sequence_.Files().Clear();
+    sequence_.LeaveArchive();
     listArchiveFile_.SetEnabled(false);
 }
 
 void frmControl::PictureReplaced(const std::wstring& info) {
     shownPath_.clear();
-    if (formLoaded_) TellInfo(info);
+    if (formLoaded_) texts_.TellInfo(info);
 }
 
 void frmControl::SetMembers(std::span<const ListedMember> members) {
     std::optional<RedrawHold> hold(std::in_place, listArchiveFile_);
     listArchiveFile_.SetDimmed(false);
-    listArchiveFile_.Clear();
-    for (const ListedMember& member : members) {
-        listArchiveFile_.SetItemData(listArchiveFile_.Add(member.name), member.position);
-    }
+    sequence_.SetMembers(members);
     hold.reset();
     if (burst_ == nullptr) ShowFoldedOrNot();  // the bar may have been folded meanwhile
 }
 
 void frmControl::ShowNoArchive() {
-    archiveShown_ = false;
+    sequence_.LeaveArchive();
     listArchiveFile_.SetEnabled(false);
-    listArchiveFile_.MarkSelected(-1);
-    listArchiveFile_.Clear();
     listArchiveFile_.Add(kNotArchive);
     listArchiveFile_.SetDimmed(true);
 }
@@ -234,17 +177,16 @@ void frmControl::ShowNoArchive() {
 // A load that is still running goes on: there is never a second one.
 void frmControl::listFileName_Click() {
     if (IsLoading()) {
-        const int clicked = listFileName_.Selected();
-        wishes_.Click(true, clicked < 0 || listFileName_.Item(clicked) != loadingPath_);
+        const FileSequence::FileEntries& files = sequence_.Files();
+        const bool isThatOne = files.Cursor() >= 0 && files.Current() == loadingPath_;
+        wishes_.Click(true, !isThatOne);
         return WishIsThere();
     }
     if (IsReadUnderWay()) return;
     Values().pictureLoading = true;
-    archiveShown_ = false;
-    listArchiveFile_.Clear();
-    const int selected = listFileName_.Selected();
-    if (selected >= 0) {
-        const std::wstring path = listFileName_.Item(selected);
+    sequence_.LeaveArchive();
+    if (sequence_.Files().Cursor() >= 0) {
+        const std::wstring path = sequence_.Files().Current();
         if (!IsPlainFile(path)) return ShowVanished(path);  // the flag stays
         ShowListedFile(path);
     }
@@ -257,7 +199,7 @@ void frmControl::ShowVanished(const std::wstring& path) {
     shownPath_ = path;
     failure_.clear();
     ShowNoArchive();
-    TellNotShown(KindTag(kFileUnknown) + name);
+    texts_.TellNotShown(KindTag(kFileUnknown) + name);
 }
 
 void frmControl::ShowEmptyList() {
@@ -265,7 +207,7 @@ void frmControl::ShowEmptyList() {
     shownPath_.clear();
     failure_.clear();
     ShowNoArchive();
-    TellNotShown({});
+    texts_.TellNotShown({});
 }
 
 // Whatever goes wrong, the picture before does not stay.
@@ -286,37 +228,39 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         const Busy busy(*this, kReading);
         loadingPath_ = path;
         passedBy_ = false;
-        TellLoading(kTagLoading + name);
+        texts_.TellLoading(kTagLoading + name);
         shown = Show(name, [&] { return ShowFile(path, window_, *this); });
         loadingPath_.clear();
-        loadingText_.clear();
+        texts_.EndLoading();
         failure_ = shown.failure;
         passedBy_ = shown.passedBy;
         shownPath_ = path;
         if (IsPictureKind(shown.kind)) {
             const std::wstring tail = PictureInfoTail();
             window_.SetPictureSource({name, shown.pluginName, path});
-            TellInfo(TagOf(shown) + name + tail);
-            TellShown(kTagShown + name + tail);
+            texts_.TellInfo(TagOf(shown) + name + tail);
+            texts_.TellShown(kTagShown + name + tail);
         } else {
-            TellNotShown(TagOf(shown) + name);
+            texts_.TellNotShown(TagOf(shown) + name);
         }
-        archiveShown_ = shown.kind == kFileArchive && listArchiveFile_.Count() > 0;
-        archivePath_ = path;
+        if (shown.kind == kFileArchive && !sequence_.Members().IsEmpty()) {
+            sequence_.EnterArchive(path);
+        }
     }
     if (shown.kind != kFileArchive) {
         ShowNoArchive();
-    } else if (archiveShown_ && !Values().quitRequested) {
-        listArchiveFile_.Select(0);
+    } else if (sequence_.IsInArchive() && !Values().quitRequested) {
+        sequence_.Members().Select(0);
     }
     window_.pictureView().Refresh();
 }
 
 void frmControl::listArchiveFile_Click() {
-    if (!archiveShown_ || listArchiveFile_.Selected() < 0) return;
+    if (!sequence_.IsInArchive() || sequence_.Members().Cursor() < 0) return;
     if (IsLoading()) {
         // The members are those of the file that is being viewed, whatever was clicked since.
-        if (wishes_.file) listFileName_.MarkSelected(IndexOf(archivePath_));
+        FileSequence::FileEntries& files = sequence_.Files();
+        if (wishes_.file) files.SetCursor(files.IndexOf(sequence_.Archive()));
         wishes_.Click(false, true);
         return WishIsThere();
     }
@@ -327,27 +271,27 @@ void frmControl::listArchiveFile_Click() {
 }
 
 void frmControl::ShowListedMember() {
-    const std::wstring archive = archivePath_;
+    const std::wstring archive = sequence_.Archive();
     const std::wstring archiveName = FileNameOf(archive);
-    const int selected = listArchiveFile_.Selected();
-    const int32_t position = listArchiveFile_.ItemData(selected);
-    const std::wstring member = FileNameOf(listArchiveFile_.Item(selected));
+    const ListedMember& selected = sequence_.Members().At(sequence_.Members().Cursor());
+    const int32_t position = selected.position;
+    const std::wstring member = FileNameOf(selected.name);
     const std::wstring place = KindTag(kFileArchive) + archiveName + L" - ";
     ShownFile shown;
     {
         const Busy busy(*this, kReading);
-        TellLoading(place + kTagLoading + member);
+        texts_.TellLoading(place + kTagLoading + member);
         shown = Show(member, [&] { return ShowArchiveMember(archive, position, window_); });
-        loadingText_.clear();
+        texts_.EndLoading();
         window_.pictureView().Refresh();
     }
     if (IsPictureKind(shown.kind)) {
         const std::wstring tail = PictureInfoTail();
         window_.SetPictureSource({member, shown.pluginName, archive});
-        TellInfo(place + TagOf(shown) + member + tail);
-        TellShown(kTagShown + archiveName + L" - " + member + archiveName + tail);
+        texts_.TellInfo(place + TagOf(shown) + member + tail);
+        texts_.TellShown(kTagShown + archiveName + L" - " + member + archiveName + tail);
     } else {
-        TellNotShown(place + TagOf(shown) + member);
+        texts_.TellNotShown(place + TagOf(shown) + member);
     }
 }
 

@@ -61,9 +61,9 @@ void frmControl::CoolBar_ButtonClick(BarButton button) {
         case BarButton::kDeleteList:
             return AddToDeleteList();
         case BarButton::kFold:
-            return SetRollUp(!isRollUp_);
+            return SetRollUp(!IsRollUp());
         case BarButton::kCancelDelete:
-            return cmdCancel_Click();
+            return deleteList_.PutAllBack();
     }
 }
 
@@ -94,8 +94,9 @@ void frmControl::StartMotion(BarButton motion) {
     wishes_.steps = 0;  // its steps would end the motion
     player_.Start(motion);
     UpdateToolbar();
-    if (motion != BarButton::kRewind || !archiveShown_ || IsLoading()) return;
-    if (listArchiveFile_.Selected() > 0) listArchiveFile_.Select(listArchiveFile_.Selected() - 1);
+    if (motion != BarButton::kRewind || !sequence_.IsInArchive() || IsLoading()) return;
+    FileSequence::MemberEntries& members = sequence_.Members();
+    if (members.Cursor() > 0) members.Select(members.Cursor() - 1);
 }
 
 // A picture that is there in a moment is shown, when only the motion was to stop.
@@ -112,7 +113,8 @@ void frmControl::EndMotion() {
     player_.Stop();
     UpdateToolbar();
     if (!wasFast || !passedBy_ || wishes_.Moves()) return;
-    if (listFileName_.Selected() < 0) listFileName_.MarkSelected(IndexOf(shownPath_));
+    FileSequence::FileEntries& files = sequence_.Files();
+    if (files.Cursor() < 0) files.SetCursor(files.IndexOf(shownPath_));
     wishes_.Click(true, true);
     WishIsThere();
 }
@@ -178,9 +180,9 @@ bool frmControl::IsUsable(BarButton button) const {
             // Not whether the command runs now: during a load the button would go grey twice.
             return window_.PictureShown() && window_.Commands().IsRegistered(menuFileSaveAs);
         case BarButton::kFold:
-            return !deletePanelOpen_;
+            return !place_.IsPanelOpen();
         case BarButton::kCancelDelete:
-            return deletePanelOpen_;
+            return place_.IsPanelOpen();
         default:
             return true;
     }

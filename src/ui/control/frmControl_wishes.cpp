@@ -23,99 +23,53 @@ constexpr wchar_t kSearching[] = L"画像を探しています";
 
 // --- Stepping ---
 
-// The first entry of known kind from `start` on, in steps of 1 or -1; the index behind the end or
-// -1 when there is none; nothing when the user has stopped the search or chosen a file himself.
-std::optional<int> frmControl::FindKnown(int start, int step) {
-    const Busy busy(*this, kSearching);
-    const int stops = stops_;
-    const std::wstring former = lateInfo_ ? *lateInfo_ : textFileInfo_.Text();
-    const DWORD begin = GetTickCount();
-    const int count = listFileName_.Count();
-    const int total = step > 0 ? count - start : start + 1;
-    std::optional<int> index = start;
-    for (; *index >= 0 && *index < count; *index += step) {
-        if (QueryFileKind(listFileName_.Item(*index)) != kFileUnknown) return index;
-        if (GetTickCount() - begin >= kLongSearchMilliseconds && *index % kFilesPerNews == 0) {
-            TellInfo(std::wstring(kSearching) + L" [ " + std::to_wstring(*index + 1) + L" / " +
-                     std::to_wstring(count) + L" ]");
-        }
-        window_.TellProgress(std::abs(*index - start), total);
-        if (!window_.Breathe() || stops != stops_ || wishes_.file) {
-            index.reset();
-            break;
-        }
+bool frmControl::Search::IsKnown(const std::wstring& path) {
+    if (!busy_) {
+        busy_.emplace(bar_, kSearching);
+        begin_ = GetTickCount();
     }
-    TellInfo(former);
-    return index;
+    hasBegun_ = true;
+    return QueryFileKind(path) != kFileUnknown;
 }
 
-bool frmControl::ListIndexBackOne() {
-    return MoveBy(-1, archiveShown_);
+bool frmControl::Search::GoesOn(int index, int done, int total) {
+    if (GetTickCount() - begin_ >= kLongSearchMilliseconds && index % kFilesPerNews == 0) {
+        if (!former_) former_ = bar_.texts_.Info();
+        bar_.texts_.TellInfo(std::wstring(kSearching) + L" [ " + std::to_wstring(index + 1) +
+                             L" / " + std::to_wstring(bar_.sequence_.Files().Count()) + L" ]");
+    }
+    bar_.window_.TellProgress(done, total);
+    return bar_.window_.Breathe() && !Overrules();
 }
 
-bool frmControl::ListIndexForwardOne() {
-    return MoveBy(1, archiveShown_);
+void frmControl::Search::End() {
+    if (former_) bar_.texts_.TellInfo(*std::exchange(former_, {}));
+    busy_.reset();
 }
 
-// Several steps at once show only where they lead to. They stop at the last entry of known kind;
-// a single one goes beyond it: off the start to no selection, off the end to the last entry.
+// Several steps at once show only where they lead to.
 bool frmControl::MoveBy(int steps, bool inArchive) {
     if (busy_ > 0 || steps == 0) return false;
-    const int step = steps > 0 ? 1 : -1;
-    int member = -1;
-    if (inArchive) {
-        const int selected = std::max(listArchiveFile_.Selected(), step > 0 ? -1 : 0);
-        member = std::clamp(selected + steps, 0, listArchiveFile_.Count() - 1);
-        steps -= member - selected;
-        if (member == selected) member = -1;
-        if (steps == 0) {
-            listArchiveFile_.Select(member);
-            return true;
-        }
+    Search search(*this);
+    const StepTarget target = sequence_.Find(steps, inArchive, search);
+    search.End();
+    bool moved = target.isKnown;
+    if (search.IsOverruled()) {
+        moved = wishes_.file;
+    } else if (target.file) {
+        sequence_.Files().Select(*target.file);
     }
-    const bool moved = MoveInFiles(steps, member >= 0);
-    if (!moved && member >= 0 && !wishes_.Moves()) listArchiveFile_.Select(member);
+    if (!moved && target.member && !wishes_.Moves()) sequence_.Members().Select(*target.member);
     window_.CloseIfAsked();
-    return moved || member >= 0;
-}
-
-// `orStay`: where there is no way on, nothing changes.
-bool frmControl::MoveInFiles(int steps, bool orStay) {
-    const int step = steps > 0 ? 1 : -1;
-    const int count = listFileName_.Count();
-    const int start = listFileName_.Selected();
-    if (step > 0 ? start >= count - 1 : start < 0) return false;
-    const int stops = stops_;
-    int reached = start;
-    {
-        const Busy busy(*this, kSearching);
-        for (; steps != 0; steps -= step) {
-            const std::optional<int> found = FindKnown(reached + step, step);
-            if (!found) return wishes_.file;
-            if (*found < 0 || *found >= count) break;
-            reached = *found;
-        }
-    }
-    // The end of the search may have heard of something else.
-    if (wishes_.file || stops != stops_) return wishes_.file;
-    if (reached != start) {
-        listFileName_.Select(reached);
-        return true;
-    }
-    if (!orStay) listFileName_.Select(step > 0 ? count - 1 : -1);
-    return false;
+    return moved || target.member;
 }
 
 // --- Wishes ---
 
-bool frmControl::IsLoading() const {
-    return window_.IsReading();
-}
-
 // A step beyond the last entry leads nowhere.
 bool frmControl::AwaitsFile() const {
-    const bool isAtEnd = listFileName_.Selected() == listFileName_.Count() - 1;
-    const bool stays = wishes_.steps == 0 || (wishes_.steps > 0 && isAtEnd);
+    const bool stays =
+        wishes_.steps == 0 || (wishes_.steps > 0 && sequence_.Files().IsCursorAtEnd());
     return !player_.IsFast() && !wishes_.file && !wishes_.member && stays;
 }
 
@@ -134,7 +88,7 @@ void frmControl::WishCommand(int command) {
 // What the user sees is what he means, not what comes up next.
 void frmControl::WishMark() {
     const std::wstring name = FileNameOf(shownPath_);
-    if (shownPath_.empty() || IndexOf(shownPath_) < 0) {
+    if (shownPath_.empty() || sequence_.Files().IndexOf(shownPath_) < 0) {
         window_.ShowNote(shownPath_.empty() ? L"読み込みが終わってから、もう一度押してください。"
                                             : name + L" はもう一覧にありません。");
         return;
@@ -147,16 +101,15 @@ void frmControl::WishMark() {
 // Also tells what comes next, where it is told what is being loaded.
 void frmControl::WishIsThere() {
     wishesDue_.Start(kWishMilliseconds);
-    if (loadingText_.empty() || burst_ != nullptr) return;
     std::wstring next;
-    if (wishes_.file) next = FileNameOf(listFileName_.Item(listFileName_.Selected()));
-    if (wishes_.member) next = FileNameOf(listArchiveFile_.Item(listArchiveFile_.Selected()));
+    if (wishes_.file) next = FileNameOf(sequence_.Files().Current());
+    if (wishes_.member) next = FileNameOf(sequence_.Members().Current());
     if (wishes_.steps != 0) {
         if (!next.empty()) next += L" から ";
         next += std::to_wstring(std::abs(wishes_.steps)) +
                 (wishes_.steps > 0 ? L" 枚先へ" : L" 枚前へ");
     }
-    TellNotShown(next.empty() ? loadingText_ : loadingText_ + L" （続けて " + next + L"）");
+    texts_.TellNext(next);
 }
 
 // Between two steps, and not from within the one that has just ended: wishes may go on for long.
@@ -166,10 +119,10 @@ void frmControl::CarryOutWishes() {
     wishesDue_.Stop();
     const Wishes wishes = std::exchange(wishes_, {});
     for (const std::wstring& path : wishes.marks)
-        MarkForDeletion(IndexOf(path));
+        deleteList_.Mark(sequence_.Files().IndexOf(path));
     if (!wishes.marks.empty()) player_.RestartPause();
     if (wishes.steps != 0) {
-        MoveBy(wishes.steps, archiveShown_ && !wishes.file);
+        MoveBy(wishes.steps, sequence_.IsInArchive() && !wishes.file);
         EndMotion();
     } else if (wishes.file) {
         listFileName_Click();
@@ -179,13 +132,6 @@ void frmControl::CarryOutWishes() {
     // What was asked for meanwhile is newer.
     if (wishes.deletion) cmdOK_Click();
     if (wishes.command != 0 && !wishes_.Any()) window_.Commands().Run(wishes.command);
-}
-
-int frmControl::IndexOf(const std::wstring& path) const {
-    for (int index = 0; index < listFileName_.Count(); ++index) {
-        if (listFileName_.Item(index) == path) return index;
-    }
-    return -1;
 }
 
 }  // namespace tessary

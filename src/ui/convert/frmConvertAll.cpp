@@ -72,7 +72,9 @@ ListedFiles FilesOf(const std::vector<std::wstring>& paths) {
 }  // namespace
 
 frmConvertAll::frmConvertAll(OptionsOpener showOptions)
-    : Dialog(dialogConvertAll), showOptions_(std::move(showOptions)) {}
+    : Dialog(dialogConvertAll), showOptions_(std::move(showOptions)) {
+    files_.SetMirror(filesMirror_);
+}
 
 void frmConvertAll::ShowConvertDialog(HWND owner, std::span<const std::wstring> files) {
     std::vector<ConvertSource> sources(files.begin(), files.end());
@@ -108,6 +110,7 @@ void frmConvertAll::Dialog_Load() {
 
 void frmConvertAll::Dialog_Unload() {
     RememberFolder();
+    files_.Clear();
     dropTarget_.Revoke();
     taskbar_.reset();
     dropped_.clear();
@@ -277,11 +280,9 @@ std::optional<LRESULT> frmConvertAll::OnMessage(UINT message, WPARAM wParam, LPA
 void frmConvertAll::AddFiles(std::span<const ConvertSource> files) {
     {
         const RedrawHold hold(listConvertFiles_);
+        files_.Expect(files.size());
         for (const ConvertSource& file : files) {
-            if (file.path.empty()) continue;
-            if (roots_.empty() || roots_.back() != file.root) roots_.push_back(file.root);
-            const int index = listConvertFiles_.Add(file.path);
-            listConvertFiles_.SetItemData(index, static_cast<int>(roots_.size()) - 1);
+            if (!file.path.empty()) files_.Add(file);
         }
     }
     ListChanged();
@@ -322,7 +323,7 @@ void frmConvertAll::Leave() {
 }
 
 void frmConvertAll::ListChanged() {
-    const int count = listConvertFiles_.Count();
+    const int count = files_.Count();
     labelConvertCount_.SetText(count > 0 ? std::to_wstring(count) + L" 個のファイル"
                                          : L"ファイルやフォルダをここにドラッグして追加できます。");
     const bool anySelected = !listConvertFiles_.AllSelected().empty();
@@ -340,7 +341,7 @@ void frmConvertAll::EnableRunConvert() {
     const wchar_t* missing = L"";
     if (listing_) {
         missing = L"フォルダを調べています...";
-    } else if (listConvertFiles_.Count() == 0) {
+    } else if (files_.IsEmpty()) {
         missing = L"変換するファイルを追加してください。";
     } else if (folder.empty()) {
         missing = L"保存先のフォルダを指定してください。";
@@ -398,10 +399,10 @@ void frmConvertAll::cmdDelete_Click() {
     {
         const RedrawHold hold(listConvertFiles_);
         std::for_each(selected.rbegin(), selected.rend(),
-                      [this](int index) { listConvertFiles_.Remove(index); });
+                      [this](int index) { files_.Remove(index); });
     }
     // The one behind is next, so that Delete can be pressed again and again.
-    const int last = listConvertFiles_.Count() - 1;
+    const int last = files_.Count() - 1;
     if (last >= 0) listConvertFiles_.MarkOnly(std::min(selected.front(), last));
     ListChanged();
 }
@@ -411,7 +412,7 @@ void frmConvertAll::cmdDeleteAll_Click() {
                        MB_OKCANCEL | MB_ICONINFORMATION) != IDOK) {
         return;
     }
-    listConvertFiles_.Clear();
+    files_.Clear();
     ListChanged();
 }
 

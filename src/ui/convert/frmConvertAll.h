@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "convert/convert_monitor.h"
+#include "sequence/entry_list.h"
+#include "ui/control/list_box_mirror.h"
 #include "ui/convert/log_list.h"
 #include "ui/convert/problem_list.h"
 #include "ui/convert/run_texts.h"
@@ -99,7 +101,9 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     void ShowProblems();
     std::wstring ResultText() const;
 
-    std::vector<ConvertSource> ConvertFileList() override;
+    std::vector<ConvertSource> ConvertFileList() override {
+        return {files_.All().begin(), files_.All().end()};
+    }
     size_t LogLineCount() override { return listConvertLog_.Count(); }
     void RemoveFirstLogLine() override { listConvertLog_.RemoveFirst(); }
     void AddLogLine(const std::wstring& line) override { listConvertLog_.Add(line); }
@@ -109,7 +113,6 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
 
     OptionsOpener showOptions_;
     std::vector<ConvertSource> firstFiles_;  // while the window is being loaded
-    std::vector<std::wstring> roots_;        // of the files; their item data are indexes into it
     std::vector<std::wstring> dropped_;      // what is to be added when the source is done
     bool listing_ = false;                   // a folder's files are being looked for
 
@@ -132,7 +135,9 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     ULONGLONG lastRefresh_ = 0;             // the same
     std::optional<TaskbarProgress> taskbar_;
 
+    EntryList<ConvertSource, &ConvertSource::path> files_;  // to convert
     ListBox listConvertFiles_;
+    ListBoxMirror filesMirror_{listConvertFiles_};
     Label labelConvertCount_;
     Button cmdAddFile_;
     Button cmdAddFolder_;

@@ -34,7 +34,7 @@ BOOL CALLBACK CloseOwned(HWND window, LPARAM owner) {
 }  // namespace
 
 void frmConvertAll::cmdRunConvert_Click() {
-    if (converting_ || IsReadUnderWay() || listConvertFiles_.Count() == 0) return;
+    if (converting_ || IsReadUnderWay() || files_.IsEmpty()) return;
     const std::wstring folder = TypedFolder();
     if (folder.empty()) {
         ShowMessageBox(L"画像ファイルを保存するフォルダを指定してください。", MB_ICONEXCLAMATION);
@@ -66,7 +66,7 @@ void frmConvertAll::cmdRunConvert_Click() {
 void frmConvertAll::BeginRun() {
     converting_ = true;
     continue_ = true;
-    total_ = {0, listConvertFiles_.Count()};
+    total_ = {0, files_.Count()};
     file_ = {0, 1};
     outcomes_ = {};
     forAll_.reset();
@@ -159,15 +159,6 @@ void frmConvertAll::EndSession() {
 }
 
 // --- What the engine tells ---
-
-std::vector<ConvertSource> frmConvertAll::ConvertFileList() {
-    std::vector<ConvertSource> files;
-    files.reserve(static_cast<size_t>(listConvertFiles_.Count()));
-    for (int index = 0; index < listConvertFiles_.Count(); ++index)
-        files.push_back({listConvertFiles_.Item(index),
-                         roots_[static_cast<size_t>(listConvertFiles_.ItemData(index))]});
-    return files;
-}
 
 ConflictAnswer frmConvertAll::AskConflict(const ConflictQuestion& question) {
     if (forAll_) return *forAll_;

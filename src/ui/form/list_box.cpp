@@ -31,6 +31,11 @@ std::wstring ListBox::Item(int index) const {
     return text;
 }
 
+void ListBox::Expect(int count) {
+    constexpr LPARAM kBytesOfText = 120;  // of a path
+    Send(LB_INITSTORAGE, static_cast<WPARAM>(count), count * kBytesOfText);
+}
+
 // Straight to the list's own procedure: many entries are added at once.
 int ListBox::Add(const std::wstring& text) {
     return static_cast<int>(OwnDefault(LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str())));
@@ -38,11 +43,6 @@ int ListBox::Add(const std::wstring& text) {
 
 void ListBox::Remove(int index) {
     Send(LB_DELETESTRING, static_cast<WPARAM>(index));
-}
-
-void ListBox::Select(int index) {
-    MarkSelected(index);
-    if (click_) click_();
 }
 
 std::vector<int> ListBox::AllSelected() const {

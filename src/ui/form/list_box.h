@@ -19,26 +19,22 @@ class ListBox final : public Control {
 
     bool Create(HWND parent, Fit fit, int id = 0);
 
-    // The user has clicked an entry or moved the selection, or Select has; and a double click.
+    // The user has clicked an entry or moved the selection; and a double click.
     void OnClick(std::function<void()> handler) { click_ = std::move(handler); }
     void OnDoubleClick(std::function<void()> handler) { doubleClick_ = std::move(handler); }
 
     int Count() const { return static_cast<int>(Send(LB_GETCOUNT)); }
     std::wstring Item(int index) const;
 
-    // A number kept with the entry; 0 at first.
-    int ItemData(int index) const { return static_cast<int>(Send(LB_GETITEMDATA, index)); }
-    void SetItemData(int index, int data) { Send(LB_SETITEMDATA, index, data); }
-
+    // Makes room for so many entries more, which are then added faster.
+    void Expect(int count);
     // The new entry's index; -1 when there is no room.
     int Add(const std::wstring& text);
     void Remove(int index);
     void Clear() { Send(LB_RESETCONTENT); }
 
     int Selected() const { return static_cast<int>(Send(LB_GETCURSEL)); }
-    // Moves the selection and does what a click on the entry does; -1 takes the selection away.
-    void Select(int index);
-    // Moves the selection without a click.
+    // Moves the selection without a click; -1 takes it away.
     void MarkSelected(int index) { Send(LB_SETCURSEL, static_cast<WPARAM>(index)); }
 
     // Of a list of which several may be selected: all that are, in order; selects one, with the

@@ -1,0 +1,100 @@
+// The files being viewed, as a model without a window: their order, which of them is selected, the
+// members of the archive among them, and what is marked for deletion. Lists on the screen mirror
+// it; what goes through the files works on it.
+//
+// It opens no file and asks no plug-in: what a file is comes from a KindSource. It keeps no kinds,
+// for files change.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "plugin/archive_members.h"
+#include "sequence/deletion_marks.h"
+#include "sequence/entry_list.h"
+
+namespace tessary {
+
+struct SequenceFile {
+    std::wstring path;  // full
+};
+
+// Tells what files are to a search for the next one that can be shown.
+class KindSource {
+  public:
+    // Whether the file is of known kind. May take long, and handle messages.
+    virtual bool IsKnown(const std::wstring& path) = 0;
+
+    // Told behind each file of unknown kind: its index, and how many of how many files from where
+    // the search began it lies away. False ends the search.
+    virtual bool GoesOn(int index, int done, int total) = 0;
+
+  protected:
+    ~KindSource() = default;
+};
+
+// Where a number of steps leads to. Both are set when the way ends in the archive at the member, or
+// in the file behind it.
+struct StepTarget {
+    std::optional<int> member;  // to select when there is no file to go on to
+    std::optional<int> file;    // to select; -1: the selection is to go
+    bool isKnown = false;       // the file is of known kind, and not just where the list ends
+};
+
+class FileSequence {
+  public:
+    using FileEntries = EntryList<SequenceFile, &SequenceFile::path>;
+    using MemberEntries = EntryList<ListedMember, &ListedMember::name>;
+
+    FileEntries& Files() { return files_; }
+    const FileEntries& Files() const { return files_; }
+    MemberEntries& Members() { return members_; }
+    const MemberEntries& Members() const { return members_; }
+    DeletionMarks& Marks() { return marks_; }
+    const DeletionMarks& Marks() const { return marks_; }
+
+    // Forgets all of it.
+    void Clear();
+
+    // --- The archive ---
+    // Takes the members that an archive has, in the order in which they are listed.
+    void SetMembers(std::span<const ListedMember> members);
+    // From now on the members are the selected file's, and steps go through them.
+    void EnterArchive(const std::wstring& path) { archive_ = path; }
+    // No archive is being viewed; there are no members.
+    void LeaveArchive();
+    // The full path of the archive that is being viewed; empty: none.
+    const std::wstring& Archive() const { return archive_; }
+    bool IsInArchive() const { return !archive_.empty(); }
+
+    // --- Stepping ---
+    // Where so many steps lead to (negative: back), through the members first where `inArchive`,
+    // then through the files, leaving out those of unknown kind. They stop at the last one of known
+    // kind. Beyond that, from it, lies the last file, or no selection before the first.
+    StepTarget Find(int steps, bool inArchive, KindSource& kinds) const;
+
+    // --- Deletion ---
+    // Moves a file to the marks; false when it is marked already, and only leaves the files.
+    bool MarkFile(int index);
+    // Moves a mark to the end of the files; and all of them.
+    void PutBack(const std::wstring& path);
+    void PutAllBack();
+    // Takes out what leads to deleted files, in whatever spelling. Answers the place of the
+    // selected file when it is among them.
+    std::optional<int> RemoveDeleted(const std::vector<std::wstring>& deleted);
+
+  private:
+    std::optional<int> FindMember(int& steps) const;
+    void FindFile(int steps, KindSource& kinds, StepTarget& target) const;
+    std::optional<int> FindKnown(int start, int step, KindSource& kinds) const;
+
+    FileEntries files_;
+    MemberEntries members_;
+    DeletionMarks marks_;
+    std::wstring archive_;
+};
+
+}  // namespace tessary
