@@ -6,9 +6,11 @@
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/form/clipboard.h"
+#include "ui/form/window.h"
 #include "ui/main/clipboard_commands.h"
 #include "ui/main/wallpaper_commands.h"
 
+#include <array>
 #include <atomic>
 #include <thread>
 
@@ -26,75 +28,69 @@ UniqueGlobal BlockOf(std::span<const DWORD> header) {
 }
 
 // What other programs do with the clipboard, on a thread with a window of its own.
-class OtherProgram {
+class OtherProgram final : private Window {
   public:
     explicit OtherProgram(HWND viewer) : viewer_(viewer) {
         thread_ = std::thread([this] { Run(); });
-        while (window_ == nullptr)
+        while (!isReady_)
             Sleep(1);
     }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
     ~OtherProgram() {
-        SendMessageW(window_, WM_TIMER, 0, 0);
-        PostMessageW(window_, WM_QUIT, 0, 0);
+        SendMessageW(Handle(), WM_TIMER, 0, 0);
+        PostMessageW(Handle(), WM_QUIT, 0, 0);
         thread_.join();
     }
 
-    void Keep(UINT milliseconds) { SendMessageW(window_, WM_APP, milliseconds, 0); }
+    void Keep(UINT milliseconds) { SendMessageW(Handle(), kKeep, milliseconds, 0); }
     // Puts a picture there that takes so long to make once somebody asks for it.
-    void Promise(UINT milliseconds) { SendMessageW(window_, WM_APP + 1, milliseconds, 0); }
+    void Promise(UINT milliseconds) { SendMessageW(Handle(), kPromise, milliseconds, 0); }
     // Whether the viewer has answered in the last moment of keeping.
     bool WasAnswered() const { return wasAnswered_; }
 
   private:
+    static constexpr UINT kKeep = WM_APP;
+    static constexpr UINT kPromise = WM_APP + 1;
+
     void Run() {
-        const HWND window = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                            nullptr, nullptr);
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
-        window_ = window;
+        isReady_ = Create({.className = L"TessaryOtherProgram", .parent = HWND_MESSAGE});
         MSG message;
         while (GetMessageW(&message, nullptr, 0, 0) > 0)
             DispatchMessageW(&message);
-        DestroyWindow(window);
+        DestroyWindow(Handle());
     }
-    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM time, LPARAM lParam) {
-        auto& self = *reinterpret_cast<OtherProgram*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    LRESULT OnMessage(UINT message, WPARAM time, LPARAM lParam) override {
         DWORD_PTR result = 0;
         switch (message) {
-            case WM_APP:
-                OpenClipboard(window);
-                SetTimer(window, 1, static_cast<UINT>(time), nullptr);
+            case kKeep:
+                OpenClipboard(Handle());
+                SetTimer(Handle(), 1, static_cast<UINT>(time), nullptr);
                 return 0;
             case WM_TIMER:
-                if (time == 1) {
-                    self.wasAnswered_ = SendMessageTimeoutW(self.viewer_, WM_NULL, 0, 0,
-                                                            SMTO_NORMAL, 100, &result) != 0;
-                }
+                wasAnswered_ = time == 1 && SendMessageTimeoutW(viewer_, WM_NULL, 0, 0, SMTO_NORMAL,
+                                                                100, &result) != 0;
                 CloseClipboard();
-                KillTimer(window, 1);
+                KillTimer(Handle(), 1);
                 return 0;
-            case WM_APP + 1:
-                self.delay_ = static_cast<DWORD>(time);
-                OpenClipboard(window);
+            case kPromise:
+                delay_ = static_cast<DWORD>(time);
+                OpenClipboard(Handle());
                 EmptyClipboard();
                 SetClipboardData(CF_DIB, nullptr);
                 CloseClipboard();
                 return 0;
-            case WM_RENDERFORMAT: {
-                constexpr DWORD kHeader[10] = {40, 1, 2, 32 << 16 | 1};
-                Sleep(self.delay_);
-                SetClipboardData(CF_DIB, BlockOf(kHeader).Release());
+            case WM_RENDERFORMAT:
+                Sleep(delay_);
+                SetClipboardData(CF_DIB,
+                                 BlockOf(std::array<DWORD, 10>{40, 1, 2, 32 << 16 | 1}).Release());
                 return 0;
-            }
+            default:
+                return Default(message, time, lParam);
         }
-        return DefWindowProcW(window, message, time, lParam);
     }
 
     HWND viewer_;
     std::thread thread_;
-    std::atomic<HWND> window_ = nullptr;
+    std::atomic<bool> isReady_ = false;
     std::atomic<bool> wasAnswered_ = false;
     DWORD delay_ = 0;
 };
@@ -112,8 +108,6 @@ class ClipboardTest : public test::MainWindowTest {
         const ClipboardSession clipboard(window_.Handle());
         EmptyClipboard();
     }
-    std::wstring Panel(int panel) const { return window_.statusInformation().PanelText(panel); }
-
     // The shown picture's pixel on the screen's device.
     COLORREF ShownPixel(int x, int y) const {
         const UniqueMemoryDc context(CreateCompatibleDC(nullptr));

@@ -9,6 +9,7 @@
 #include "plugin/call_log.h"
 #include "tests/src/ui/main/dropped_files.h"
 #include "tests/src/ui/main/main_window.h"
+#include "tests/src/ui/message_spy.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/form/session_hold.h"
 
@@ -26,34 +27,32 @@ class OpenFilesTest : public test::MainWindowTest {
 };
 
 TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
-    folder_.Write(L"絵\\b.bmp");
     folder_.Write(L"絵\\sub\\c.bmp");
+    const std::wstring inFolder = folder_.Write(L"絵\\b.bmp");
     const std::wstring file = folder_.Write(L"a 1.bmp");
-    frmMain window(
-        {.commandLine = {file, folder_.Path() + L"絵"}, .pluginCount = {}, .endProgram = {}});
-    window.SetControlBar(controlBar_);
-    ASSERT_TRUE(window.Load());
-    EXPECT_TRUE(controlBar_.lists.empty());  // the window comes first
-    DoEvents();
-    EXPECT_EQ(controlBar_.lists, (std::vector<List>{{file, folder_.Path() + L"絵\\b.bmp"}}));
-    window.Unload();
-
-    for (const auto& [some, notice] :
-         {std::pair{std::wstring(), L"開けるファイルが見つかりませんでした。"},
-          {file, L"2 個のファイルが見つかりませんでした。"}}) {
+    const std::wstring none = folder_.Path() + L"none.bmp";
+    struct Case {
+        List named;
+        std::vector<List> lists;
+        const wchar_t* notice;
+    };
+    for (const Case& c :
+         {Case{{file, folder_.Path() + L"絵"}, {{file, inFolder}}, L""},
+          Case{{none, none + L"2"}, {}, L"開けるファイルが見つかりませんでした。"},
+          Case{{none, file, none + L"2"}, {{file}}, L"2 個のファイルが見つかりませんでした。"}}) {
         controlBar_.lists.clear();
-        std::vector<std::wstring> names{folder_.Path() + L"none.bmp", folder_.Path() + L"no.bmp"};
-        if (!some.empty()) names.push_back(some);
-        frmMain lost({.commandLine = names, .pluginCount = {}, .endProgram = {}});
-        lost.SetControlBar(controlBar_);
-        ASSERT_TRUE(lost.Load());
+        frmMain window({.commandLine = c.named, .pluginCount = {}, .endProgram = {}});
+        const auto notice = [&] { return window.statusInformation().PanelText(kNoticePanel); };
+        window.SetControlBar(controlBar_);
+        ASSERT_TRUE(window.Load());
+        EXPECT_TRUE(controlBar_.lists.empty());  // the window comes first
         DoEvents();
-        EXPECT_EQ(controlBar_.lists.size(), some.empty() ? 0U : 1U);
-        EXPECT_EQ(lost.statusInformation().PanelText(kNoticePanel), notice);
-        lost.OpenLater({file});
+        EXPECT_EQ(controlBar_.lists, c.lists);
+        EXPECT_EQ(notice(), c.notice);
+        window.OpenLater({file});
         DoEvents();
-        EXPECT_EQ(lost.statusInformation().PanelText(kNoticePanel), L"");
-        lost.Unload();
+        EXPECT_EQ(notice(), L"");
+        window.Unload();
     }
 }
 
@@ -88,71 +87,64 @@ TEST_F(OpenFilesTest, TakesDroppedFilesAndFolders) {
 TEST_F(OpenFilesTest, RefusesDropsThatItCannotServe) {
     window_.SetControlBar(controlBar_);
     Load();
-    const std::wstring file = folder_.Write(L"1.bmp");
-    EXPECT_EQ(Drop(window_.Handle(), {file}, DROPEFFECT_MOVE), DROPEFFECT_NONE);
+    const List files{folder_.Write(L"1.bmp")};
+    const HWND window = window_.Handle();
+    EXPECT_EQ(Drop(window, files, DROPEFFECT_MOVE), DROPEFFECT_NONE);
     Values().readsUnderWay = 1;
-    EXPECT_EQ(Drop(window_.Handle(), {file}), DROPEFFECT_NONE);
+    EXPECT_EQ(Drop(window, files), DROPEFFECT_NONE);
     Values().readsUnderWay = 0;
-    EnableWindow(window_.Handle(), FALSE);  // behind a dialog
-    EXPECT_EQ(Drop(window_.Handle(), {file}), DROPEFFECT_NONE);
-    EnableWindow(window_.Handle(), TRUE);
+    EnableWindow(window, FALSE);  // behind a dialog
+    EXPECT_EQ(Drop(window, files), DROPEFFECT_NONE);
+    EnableWindow(window, TRUE);
     {
         const frmMain::Reading reading(window_, L"reading");
-        EXPECT_EQ(Drop(window_.Handle(), {file}), DROPEFFECT_COPY);
+        EXPECT_EQ(Drop(window, files), DROPEFFECT_COPY);
         DoEvents();
         EXPECT_TRUE(controlBar_.lists.empty());
     }
     DoEvents();
-    EXPECT_EQ(controlBar_.lists.size(), 1u);  // not before the end of the load
+    EXPECT_EQ(controlBar_.lists, std::vector<List>{files});  // not before the end of the load
 }
 
 TEST_F(StatusBarTest, ShowsTextsAsTheyAreInPanelsThatFit) {
-    Load();
-    const StatusBar& bar = window_.statusInformation();
-    const auto firstEdge = [&] {
-        int edges[2]{};
-        SendMessageW(bar.Handle(), SB_GETPARTS, 2, reinterpret_cast<LPARAM>(edges));
-        EXPECT_EQ(edges[1], -1);
-        return edges[0];
-    };
-    EXPECT_EQ(bar.PanelText(kPluginCountPanel), L"3個のプラグイン");
-    const int narrow = firstEdge();
-    pluginCount_ = 120;
-    window_.ShowPluginCount();
-    EXPECT_EQ(bar.PanelText(kPluginCountPanel), L"120個のプラグイン");
-    const int wide = firstEdge();
-    EXPECT_GT(wide, narrow);
-    window_.SetPanelText(kPluginCountPanel, L"");  // the next panel stays where it is
-    EXPECT_EQ(firstEdge(), wide);
-    window_.SetPanelText(kPluginCountPanel, std::wstring(500, L'長'));
-    EXPECT_EQ(firstEdge(), View().cx / 2);
-    window_.SetPanelText(kShownFilePanel, L"[表示中] a\tb & c.bmp ( 1×1 24bit )");
-    EXPECT_EQ(bar.PanelText(kShownFilePanel), L"[表示中] a b & c.bmp ( 1×1 24bit )");
-
-    // A notice fits at the first width, and the file's name gives way to it.
     Load(632);
-    window_.SetPanelText(kPluginCountPanel, L"4個のプラグイン");
-    window_.SetPanelText(kShownFilePanel, L"[表示中] a long name of a picture.bmp ( 1×1 24bit )");
+    const HWND bar = window_.statusInformation().Handle();
     const auto room = [&](int panel) {
         RECT place{};
-        SendMessageW(bar.Handle(), SB_GETRECT, static_cast<WPARAM>(panel - 1),
+        SendMessageW(bar, SB_GETRECT, static_cast<WPARAM>(panel - 1),
                      reinterpret_cast<LPARAM>(&place));
         return place.right - place.left;
     };
     const auto needed = [&](const std::wstring& text) {
-        const HDC context = GetDC(bar.Handle());
-        SelectObject(context,
-                     reinterpret_cast<HFONT>(SendMessageW(bar.Handle(), WM_GETFONT, 0, 0)));
+        const UniqueScreenDc context(GetDC(bar));
+        SelectObject(context.Get(), reinterpret_cast<HFONT>(SendMessageW(bar, WM_GETFONT, 0, 0)));
         SIZE size{};
-        GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
-        ReleaseDC(bar.Handle(), context);
+        GetTextExtentPoint32W(context.Get(), text.c_str(), static_cast<int>(text.size()), &size);
         return size.cx;
     };
+    const std::wstring lengthy(300, L'長');
+    EXPECT_EQ(Panel(kPluginCountPanel), L"3個のプラグイン");
+    const auto narrow = room(kPluginCountPanel);
+    pluginCount_ = 120;
+    window_.ShowPluginCount();
+    EXPECT_EQ(Panel(kPluginCountPanel), L"120個のプラグイン");
+    const auto wide = room(kPluginCountPanel);
+    EXPECT_GT(wide, narrow);
+    window_.SetPanelText(kPluginCountPanel, L"");  // the next panel stays where it is
+    EXPECT_EQ(room(kPluginCountPanel), wide);
+    window_.SetPanelText(kPluginCountPanel, lengthy);
+    EXPECT_EQ(room(kPluginCountPanel) / 8, View().cx / 2 / 8);
+    window_.SetPanelText(kShownFilePanel, L"[表示中] a\tb & c, of a long name.bmp ( 1×1 24bit )");
+    EXPECT_EQ(Panel(kShownFilePanel), L"[表示中] a b & c, of a long name.bmp ( 1×1 24bit )");
+
+    // A notice fits at the first width, and the file's name gives way to it.
+    const std::wstring count = L"4個のプラグイン";
     const std::wstring notice = L"前回は iftessjpeg.spi の処理中（GetPicture）に終了しました";
+    window_.SetPanelText(kPluginCountPanel, count);
     window_.SetPanelText(kNoticePanel, notice);
     EXPECT_GE(room(kNoticePanel), needed(notice));
-    EXPECT_GE(room(kPluginCountPanel), needed(L"4個のプラグイン"));
-    window_.SetPanelText(kNoticePanel, std::wstring(300, L'長'));
+    EXPECT_GE(room(kPluginCountPanel), needed(count));
+    window_.SetPanelText(kNoticePanel, lengthy);
     EXPECT_EQ(room(kShownFilePanel) / 8, View().cx / 4 / 8);
 }
 
@@ -176,7 +168,7 @@ using ReadingTest = test::MainWindowTest;
 TEST_F(ReadingTest, IsToldWhenItTakesLongAndStopsAtEscape) {
     window_.SetControlBar(controlBar_);
     Load();
-    const auto notice = [&] { return window_.statusInformation().PanelText(kNoticePanel); };
+    const auto notice = [&] { return Panel(kNoticePanel); };
     window_.SetPanelText(kNoticePanel, L"前の知らせ");
     {
         const frmMain::Reading reading(window_, L"読み込んでいます");
@@ -210,28 +202,22 @@ TEST_F(ReadingTest, IsToldWhenItTakesLongAndStopsAtEscape) {
     EXPECT_EQ(edges[1], -1);
 }
 
-// Tells the procedure of the main window when its controls go, which is after its own unloading.
-LRESULT CALLBACK ProbeProcedure(HWND control, UINT message, WPARAM wParam, LPARAM lParam,
-                                UINT_PTR /*id*/, DWORD_PTR found) {
-    if (message == WM_DESTROY) {
-        *reinterpret_cast<LONG_PTR*>(found) = GetWindowLongPtrW(GetParent(control), GWLP_WNDPROC);
-    }
-    return DefSubclassProc(control, message, wParam, lParam);
-}
-
 TEST_F(CloseTest, PutsEverythingBack) {
     window_.SetControlBar(controlBar_);
     Load();
     ShowPicture(20, 20);
-    WNDCLASSEXW own{};
-    own.cbSize = sizeof(own);
-    GetClassInfoExW(ProgramInstance(), L"TessaryMainWindow", &own);
-    LONG_PTR found = GetWindowLongPtrW(window_.Handle(), GWLP_WNDPROC);
-    EXPECT_NE(found, reinterpret_cast<LONG_PTR>(own.lpfnWndProc));  // subclassed
-    SetWindowSubclass(window_.statusInformation().Handle(), ProbeProcedure, 1,
-                      reinterpret_cast<DWORD_PTR>(&found));
-    SendMessageW(window_.Handle(), WM_CLOSE, 0, 0);
-    EXPECT_EQ(found, reinterpret_cast<LONG_PTR>(own.lpfnWndProc));
+    const HWND window = window_.Handle();
+    const auto procedure = [&] { return GetWindowLongPtrW(window, GWLP_WNDPROC); };
+    const auto own = static_cast<LONG_PTR>(GetClassLongPtrW(window, GCLP_WNDPROC));
+    EXPECT_NE(procedure(), own);
+    // Its controls go after its own unloading.
+    LONG_PTR found = 0;
+    const test::MessageSpy spy(window_.statusInformation().Handle(),
+                               [&](UINT message, WPARAM, LPARAM) {
+                                   if (message == WM_DESTROY) found = procedure();
+                               });
+    SendMessageW(window, WM_CLOSE, 0, 0);
+    EXPECT_EQ(found, own);
     EXPECT_EQ(controlBar_.unloads, 1);
     EXPECT_EQ(CurrentPicture().info, nullptr);
     EXPECT_EQ(window_.pictureView().Picture(), nullptr);

@@ -1,7 +1,11 @@
 // The full screen, the mouse wheel, and where the window stands in the next run.
+#include <tuple>
+
 #include "app/settings/settings_store.h"
 #include "tests/src/ui/main/main_window.h"
+#include "tests/src/ui/run_until.h"
 #include "ui/form/screen.h"
+#include "ui/form/timer.h"
 #include "ui/main/window_placement.h"
 
 namespace tessary {
@@ -15,12 +19,7 @@ class FullScreenTest : public test::MainWindowTest {
         window_.Show();
     }
 
-    static RECT FrameOf(const frmMain& window) {
-        RECT frame{};
-        GetWindowRect(window.Handle(), &frame);
-        return frame;
-    }
-    RECT Frame() const { return FrameOf(window_); }
+    RECT Frame() const { return FrameOf(window_.Handle()); }
     // The whole screen; the tests' machine has one.
     static RECT Screen() {
         return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
@@ -35,52 +34,47 @@ class FullScreenTest : public test::MainWindowTest {
     bool Wheel(int delta, WORD keys = 0) const {
         return SendToView(WM_MOUSEWHEEL, MAKEWPARAM(keys, delta), 0) == 0;
     }
-    static void ExpectSame(const RECT& now, const RECT& before, const char* what) {
+    static void ExpectSame(const RECT& now, const RECT& before) {
         EXPECT_TRUE(EqualRect(&now, &before))
-            << what << ": " << now.left << ' ' << now.top << ' ' << now.right << ' ' << now.bottom;
+            << now.left << ' ' << now.top << ' ' << now.right << ' ' << now.bottom;
     }
 };
 
 TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
     ShowPicture(100, 60);
     controlBar_.visible = true;
-    const HMENU menu = GetMenu(window_.Handle());
+    const HWND window = window_.Handle();
+    const auto looks = [&] {
+        return std::tuple(GetWindowLongW(window, GWL_STYLE), GetMenu(window), View().cy,
+                          window_.WorkAreaSize().cy, controlBar_.visible);
+    };
     for (const int state : {SW_SHOWNORMAL, SW_SHOWMAXIMIZED}) {
-        ShowWindow(window_.Handle(), state);
+        ShowWindow(window, state);
         const RECT before = Frame();
-        const LONG style = GetWindowLongW(window_.Handle(), GWL_STYLE);
-        const SIZE work = window_.WorkAreaSize();
+        const auto looksBefore = looks();
         SendToView(WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(9, 9));
         EXPECT_TRUE(IsFull()) << state;
         constexpr LONG kOfTaskbar = WS_SYSMENU | WS_MINIMIZEBOX;
-        EXPECT_EQ(GetWindowLongW(window_.Handle(), GWL_STYLE) & (kOfTaskbar | WS_MAXIMIZEBOX),
-                  kOfTaskbar);
+        EXPECT_EQ(GetWindowLongW(window, GWL_STYLE) & (kOfTaskbar | WS_MAXIMIZEBOX), kOfTaskbar);
         EXPECT_FALSE(controlBar_.visible);
         EXPECT_EQ(window_.WorkAreaSize().cy, Screen().bottom);
         EXPECT_EQ(Position().x, (Screen().right - 100) / 2);
         // Whoever moves it, the system to another scale for one, it stays on all of its screen.
         const RECT small{50, 60, 250, 260};
-        SendMessageW(window_.Handle(), WM_DPICHANGED, MAKEWPARAM(96, 96),
-                     reinterpret_cast<LPARAM>(&small));
+        SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(96, 96), reinterpret_cast<LPARAM>(&small));
         EXPECT_TRUE(IsFull()) << state;
-        SetWindowPos(window_.Handle(), nullptr, 50, 60, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-        ShowWindow(window_.Handle(), SW_MINIMIZE);
-        ShowWindow(window_.Handle(), SW_RESTORE);
+        SetWindowPos(window, nullptr, 50, 60, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+        ShowWindow(window, SW_MINIMIZE);
+        ShowWindow(window, SW_RESTORE);
         EXPECT_TRUE(IsFull()) << state;
         Values().readsUnderWay = 1;  // the way out is open while a slide show loads
         Choose(commandEscape);
         Values().readsUnderWay = 0;
-        ExpectSame(Frame(), before, "left");
-        EXPECT_EQ(GetWindowLongW(window_.Handle(), GWL_STYLE), style);
-        EXPECT_EQ(GetMenu(window_.Handle()), menu);
-        EXPECT_EQ(window_.WorkAreaSize().cy, work.cy);
-        EXPECT_TRUE(controlBar_.visible);
-        EXPECT_LT(View().cy, before.bottom - before.top);  // the status bar is back
+        ExpectSame(Frame(), before);
+        EXPECT_EQ(looks(), looksBefore);
     }
-    WINDOWPLACEMENT placement{};
-    placement.length = sizeof(placement);
-    GetWindowPlacement(window_.Handle(), &placement);
-    EXPECT_LT(placement.rcNormalPosition.right - placement.rcNormalPosition.left, 600);
+    ShowWindow(window, SW_RESTORE);
+    EXPECT_LT(SizeOf(Frame()).cx, 600);
 
     int cancelled = 0;  // elsewhere Esc is the control bar's
     window_.Commands().Register(commandCancelDelete, {.run = [&] { ++cancelled; }});
@@ -101,12 +95,6 @@ TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
     EXPECT_EQ(cancelled, 1);
 }
 
-bool shownInMenu = false;
-void CALLBACK LookAndEndMenu(HWND, UINT, UINT_PTR, DWORD) {
-    shownInMenu = GetCursor() != nullptr;
-    EndMenu();
-}
-
 TEST_F(FullScreenTest, PointerHidesWhileItRests) {
     const auto pointerHere = [&] {
         SendToView(WM_SETCURSOR, 0, MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
@@ -114,20 +102,22 @@ TEST_F(FullScreenTest, PointerHidesWhileItRests) {
     };
     Choose(commandFullScreen);
     EXPECT_NE(pointerHere(), nullptr);
-    const DWORD start = GetTickCount();
-    while (pointerHere() != nullptr && GetTickCount() - start < 20000) {
-        SendToView(WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));  // the system repeats that by itself
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
-        DoEvents();
-    }
-    EXPECT_EQ(pointerHere(), nullptr);
+    EXPECT_TRUE(test::RunUntil(
+        [&] {
+            SendToView(WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));  // the system repeats that by itself
+            return pointerHere() == nullptr;
+        },
+        20000));
     SendToView(WM_MOUSEMOVE, 0, MAKELPARAM(6, 5));
     EXPECT_NE(pointerHere(), nullptr);
 
-    constexpr UINT kLonger = RestingPointer::kPatience + 500;
-    const UINT_PTR timer = SetTimer(nullptr, 0, kLonger, LookAndEndMenu);
+    bool shownInMenu = false;
+    Timer look([&] {
+        shownInMenu = GetCursor() != nullptr;
+        EndMenu();
+    });
+    look.Start(RestingPointer::kPatience + 200);
     SendToView(WM_CONTEXTMENU, 0, MAKELPARAM(9, 9));
-    KillTimer(nullptr, timer);
     EXPECT_TRUE(shownInMenu);
 }
 
@@ -169,14 +159,12 @@ TEST_F(FullScreenTest, WheelGoesToTheWindowBelowThePointer) {
     const HWND view = window_.pictureView().Handle();
     const HWND status = window_.statusInformation().Handle();
     const auto receiver = [](HWND focused, HWND below) {
-        RECT place{};
-        GetWindowRect(below, &place);
-        MSG wheel{focused,
-                  WM_MOUSEWHEEL,
-                  MAKEWPARAM(0, WHEEL_DELTA),
-                  MAKELPARAM(place.left + 4, place.top + 4),
-                  0,
-                  {}};
+        const RECT place = FrameOf(below);
+        MSG wheel{};
+        wheel.hwnd = focused;
+        wheel.message = WM_MOUSEWHEEL;
+        wheel.wParam = MAKEWPARAM(0, WHEEL_DELTA);
+        wheel.lParam = MAKELPARAM(place.left + 4, place.top + 4);
         EXPECT_FALSE(MessageFilter::AnyTakes(wheel));
         return wheel.hwnd;
     };
@@ -196,73 +184,68 @@ TEST_F(FullScreenTest, NextRunStandsWhereThisOneWasLeft) {
     window_.Unload();
     frmMain next({});
     ASSERT_TRUE(next.Load());
-    ExpectSame(FrameOf(next), left, "hidden");
+    ExpectSame(FrameOf(next.Handle()), left);  // hidden yet
     next.Show();
     EXPECT_TRUE(IsZoomed(next.Handle()));
     ShowWindow(next.Handle(), SW_RESTORE);
-    ExpectSame(FrameOf(next), left, "restored");
+    ExpectSame(FrameOf(next.Handle()), left);
     next.Unload();
 
     // What a shortcut says besides.
     for (const bool wasMaximized : {false, true}) {
-        SaveSetting(L"Window", L"Main_Maximized", wasMaximized ? L"-1" : L"0");
         for (const int command :
              {SW_SHOWMAXIMIZED, SW_SHOWMINNOACTIVE, SW_SHOWMINIMIZED, SW_HIDE}) {
+            SaveSetting(L"Window", L"Main_Maximized", wasMaximized ? L"-1" : L"0");
             frmMain started(
                 {.commandLine = {}, .pluginCount = {}, .endProgram = {}, .showCommand = command});
             ASSERT_TRUE(started.Load());
+            const HWND window = started.Handle();
             started.Show();
-            EXPECT_TRUE(IsWindowVisible(started.Handle()));
+            EXPECT_TRUE(IsWindowVisible(window));
             const bool isMinimized = command != SW_SHOWMAXIMIZED && command != SW_HIDE;
-            EXPECT_EQ(IsIconic(started.Handle()) != FALSE, isMinimized) << command;
-            if (isMinimized) ShowWindow(started.Handle(), SW_RESTORE);
-            EXPECT_EQ(IsZoomed(started.Handle()) != FALSE,
-                      wasMaximized || command == SW_SHOWMAXIMIZED)
+            EXPECT_EQ(IsIconic(window) != FALSE, isMinimized) << command;
+            if (isMinimized) ShowWindow(window, SW_RESTORE);
+            EXPECT_EQ(IsZoomed(window) != FALSE, wasMaximized || command == SW_SHOWMAXIMIZED)
                 << command;
-            DestroyWindow(started.Handle());
-            SaveSetting(L"Window", L"Main_Maximized", wasMaximized ? L"-1" : L"0");
+            DestroyWindow(window);
         }
-    }
-
-    frmMain usual({});
-    for (const auto& [key, value] :
-         {std::pair{L"Main_X", L"99999999"}, {L"Main_Width", L"abc"}, {L"Main_Height", L"1"}}) {
-        for (const wchar_t* const good : {L"Main_X", L"Main_Y", L"Main_Width", L"Main_Height"})
-            SaveSetting(L"Window", good, L"200");
-        SaveSetting(L"Window", key, value);
-        ASSERT_TRUE(usual.Load());
-        EXPECT_EQ(FrameOf(usual).right - FrameOf(usual).left, Screen().right / 2) << value;
-        usual.Unload();
-    }
-
-    // On a screen that is gone: only the place changes, and the size where there is no room.
-    for (const auto& [key, value] : {std::pair{L"Main_X", L"9000"}, {L"Main_Y", L"-200"}}) {
-        SaveSetting(L"Window", L"Main_Width", L"500");
-        SaveSetting(L"Window", L"Main_Height", L"20000");
-        SaveSetting(L"Window", L"Main_Maximized", L"-1");
-        SaveSetting(L"Window", key, value);
-        SaveSetting(L"Window", L"Main_Dpi", L"0");
-        const std::optional<MainPlacement> kept = ReadMainPlacement();
-        ASSERT_TRUE(kept);
-        RECT work{};
-        SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-        const SIZE room = SizeOf(work);
-        ExpectSame(PlaceOnScreens(*kept, 96),
-                   {(room.cx - 500) / 2, 0, (room.cx - 500) / 2 + 500, room.cy}, "moved");
-        EXPECT_TRUE(kept->maximized);
-        SaveSetting(L"Window", key, L"200");
     }
 }
 
-TEST_F(FullScreenTest, AfterAChangeOfTheScaleTheWindowLooksAsLargeAndStaysOnTheScreen) {
+TEST_F(FullScreenTest, APlaceThatIsNoneOrGoneIsReplaced) {
     RECT work{};
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
     const SIZE room = SizeOf(work);
-    const MainPlacement kept{{30, room.cy - 210}, {300, 200}, 96, false};
-    ExpectSame(PlaceOnScreens(kept, 96), {30, room.cy - 210, 330, room.cy - 10}, "same");
-    ExpectSame(PlaceOnScreens(kept, 192), {30, room.cy - 400, 630, room.cy}, "larger");
-    ExpectSame(PlaceOnScreens({{-20, 40}, {300, 200}, 192, false}, 96), {0, 40, 150, 140},
-               "smaller");
+    const auto keep = [](const wchar_t* key, const wchar_t* value) {
+        for (const wchar_t* const good : {L"Main_X", L"Main_Y", L"Main_Width", L"Main_Height"})
+            SaveSetting(L"Window", good, L"200");
+        SaveSetting(L"Window", key, value);
+        return ReadMainPlacement();
+    };
+    EXPECT_FALSE(keep(L"Main_X", L"99999999") || keep(L"Main_Height", L"1") ||
+                 keep(L"Main_Width", L"abc"));
+    frmMain usual({});
+    ASSERT_TRUE(usual.Load());
+    EXPECT_EQ(SizeOf(FrameOf(usual.Handle())).cx, Screen().right / 2);
+    usual.Unload();
+    SaveSetting(L"Window", L"Main_Maximized", L"-1");
+    EXPECT_TRUE(keep(L"Main_X", L"200")->maximized);
+
+    // On a screen that is gone only the place changes, and the size where there is no room. Of
+    // another scale it looks as large and stays on the screen.
+    const int top = room.cy - 210;
+    const int middle = (room.cx - 500) / 2;
+    for (const auto& [kept, dpi, expected] :
+         {std::tuple{MainPlacement{{9000, 200}, {500, 20000}, 0, false}, 96,
+                     RECT{middle, 0, middle + 500, room.cy}},
+          {MainPlacement{{200, -200}, {500, 20000}, 0, false}, 96,
+           RECT{middle, 0, middle + 500, room.cy}},
+          {MainPlacement{{30, top}, {300, 200}, 96, false}, 96, RECT{30, top, 330, top + 200}},
+          {MainPlacement{{30, top}, {300, 200}, 96, false}, 192,
+           RECT{30, room.cy - 400, 630, room.cy}},
+          {MainPlacement{{-20, 40}, {300, 200}, 192, false}, 96, RECT{0, 40, 150, 140}}}) {
+        ExpectSame(PlaceOnScreens(kept, dpi), expected);
+    }
 }
 
 }  // namespace

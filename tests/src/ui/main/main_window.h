@@ -23,12 +23,10 @@ class MainWindowTest : public testing::Test {
         Values().platformId = GetPlatformId();
         ASSERT_TRUE(window_.Load());
         for (int pass = 0; pass < 2; ++pass) {  // the menu may need fewer lines the second time
-            RECT frame{};
-            GetWindowRect(window_.Handle(), &frame);
-            const SIZE view = window_.pictureView().AreaSize();
+            const RECT frame = FrameOf(window_.Handle());
             SetWindowPos(
-                window_.Handle(), nullptr, 0, 0, frame.right - frame.left + viewWidth - view.cx,
-                frame.bottom - frame.top + viewHeight - view.cy, SWP_NOMOVE | SWP_NOZORDER);
+                window_.Handle(), nullptr, 0, 0, frame.right - frame.left + viewWidth - View().cx,
+                frame.bottom - frame.top + viewHeight - View().cy, SWP_NOMOVE | SWP_NOZORDER);
         }
         ASSERT_EQ(View().cx, viewWidth);
         ASSERT_EQ(View().cy, viewHeight);
@@ -46,11 +44,17 @@ class MainWindowTest : public testing::Test {
         DoEvents();
     }
 
+    static RECT FrameOf(HWND window) {
+        RECT frame{};
+        GetWindowRect(window, &frame);
+        return frame;
+    }
     SIZE View() const { return window_.pictureView().AreaSize(); }
     POINT Position() const { return window_.pictureView().PicturePosition(); }
     LRESULT SendToView(UINT message, WPARAM wParam, LPARAM lParam) const {
         return SendMessageW(window_.pictureView().Handle(), message, wParam, lParam);
     }
+    std::wstring Panel(int panel) const { return window_.statusInformation().PanelText(panel); }
     void Choose(int menuItem) const { SendMessageW(window_.Handle(), WM_COMMAND, menuItem, 0); }
 
     RedirectedSettings settings_;
