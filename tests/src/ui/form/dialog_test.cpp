@@ -6,6 +6,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "res/resource.h"
 #include "tests/src/ui/dialogs/driven_dialog.h"
@@ -45,48 +46,44 @@ SIZE WindowSize(HWND window) {
 
 TEST(DialogTest, ControlsKeepTheirDistanceToTheEdgesAtAnyResolution) {
     SizeableDialog dialog;
-    const auto grow = [](HWND window, int wider, int higher) {
-        const SIZE size = WindowSize(window);
-        SetWindowPos(window, nullptr, 0, 0, size.cx + wider, size.cy + higher,
-                     SWP_NOMOVE | SWP_NOZORDER);
-    };
     SIZE grown{};
-    DrivenDialog user({[&](HWND window) {
-        const RECT list = AreaOf(window, openFolderList);
-        const RECT button = AreaOf(window, IDOK);
-        MINMAXINFO limits{};
-        SendMessageW(window, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
-        EXPECT_EQ(limits.ptMinTrackSize.x, WindowSize(window).cx);
-        grow(window, 60, 40);
-        grown = WindowSize(window);
-        EXPECT_EQ(AreaOf(window, openFolderList).left, list.left);
-        EXPECT_EQ(AreaOf(window, openFolderList).right, list.right + 60);
-        EXPECT_EQ(AreaOf(window, openFolderList).bottom, list.bottom + 40);
-        EXPECT_EQ(AreaOf(window, IDOK).left, button.left + 60);
-        EXPECT_EQ(AreaOf(window, IDOK).top, button.top + 40);
-        Press(window, IDOK);  // throws: the dialog stays
-        EXPECT_TRUE(IsWindow(window));
-    }});
+    DrivenDialog user(
+        {[&](HWND window) {
+             const RECT list = AreaOf(window, openFolderList);
+             const RECT button = AreaOf(window, IDOK);
+             const SIZE size = WindowSize(window);
+             MINMAXINFO limits{};
+             SendMessageW(window, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+             EXPECT_EQ(limits.ptMinTrackSize.x, size.cx);
+             grown = {size.cx + 60, size.cy + 40};
+             SetWindowPos(window, nullptr, 0, 0, grown.cx, grown.cy, SWP_NOMOVE | SWP_NOZORDER);
+             const RECT wider = AreaOf(window, openFolderList);
+             EXPECT_EQ(wider.left, list.left);
+             EXPECT_EQ(wider.right, list.right + 60);
+             EXPECT_EQ(wider.bottom, list.bottom + 40);
+             EXPECT_EQ(AreaOf(window, IDOK).left, button.left + 60);
+             EXPECT_EQ(AreaOf(window, IDOK).top, button.top + 40);
+             Press(window, IDOK);  // throws: the dialog stays
+             EXPECT_TRUE(IsWindow(window));
+             Press(window, IDCANCEL);
+         },
+         [&](HWND window) {
+             EXPECT_EQ(WindowSize(window).cx, grown.cx);  // as it was left
+             const RECT button = AreaOf(window, IDOK);
+             const int dpi = Metrics(window).Dpi();
+             const RECT suggested{0, 0, grown.cx * 2, grown.cy * 2};
+             SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi * 2, dpi * 2),
+                          reinterpret_cast<LPARAM>(&suggested));
+             const RECT doubled = AreaOf(window, IDOK);
+             EXPECT_EQ(doubled.right - doubled.left, (button.right - button.left) * 2);
+             RECT client{};
+             GetClientRect(window, &client);
+             EXPECT_LE(doubled.right, client.right);
+             EXPECT_GT(doubled.right, client.right - (grown.cx - button.right) * 2 - 40);
+         }});
     EXPECT_EQ(dialog.ShowModal(nullptr), IDCANCEL);
-    ASSERT_TRUE(user.IsDone());
-
-    DrivenDialog again({[&](HWND window) {
-        EXPECT_EQ(WindowSize(window).cx, grown.cx);  // as it was left
-        const RECT button = AreaOf(window, IDOK);
-        const int dpi = Metrics(window).Dpi();
-        const RECT suggested{0, 0, grown.cx * 2, grown.cy * 2};
-        SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi * 2, dpi * 2),
-                     reinterpret_cast<LPARAM>(&suggested));
-        const RECT doubled = AreaOf(window, IDOK);
-        EXPECT_EQ(doubled.right - doubled.left, (button.right - button.left) * 2);
-        RECT client{};
-        GetClientRect(window, &client);
-        EXPECT_LE(doubled.right, client.right);
-        EXPECT_GT(doubled.right, client.right - (grown.cx - button.right) * 2 - 40);
-    }});
     EXPECT_EQ(dialog.ShowModal(nullptr), IDCANCEL);
-    EXPECT_TRUE(again.IsDone());
-
+    EXPECT_TRUE(user.IsDone());
     dialog.fail = true;  // half-made dialogs are not shown
     EXPECT_EQ(dialog.ShowModal(nullptr), IDCANCEL);
     EXPECT_EQ(dialog.Handle(), nullptr);
@@ -104,27 +101,22 @@ INT_PTR CALLBACK LeaveAll(HWND, UINT, WPARAM, LPARAM) {
 
 // Of pages in one place only one is there at a time; the buttons behind them are there with each.
 TEST(DialogTest, MnemonicsOfAPageAreUnique) {
-    const auto letterOf = [](HWND control) {
-        wchar_t text[200]{};
-        GetWindowTextW(control, text, 200);
-        const std::wstring caption = text;
-        const size_t mark = caption.find(L'&');
-        return mark == std::wstring::npos ? std::wstring() : caption.substr(mark + 1, 1);
-    };
     for (const int resource : {dialogOpenFolder, dialogNewFolder, dialogDirList, dialogSaveOption,
                                dialogConvertAll, dialogOption, dialogAbout, dialogSPIAbout}) {
         const HWND dialog =
             CreateDialogParamW(ProgramInstance(), MAKEINTRESOURCEW(resource), nullptr, LeaveAll, 0);
         ASSERT_NE(dialog, nullptr) << resource;
-        std::map<std::wstring, std::vector<int>> pagesOfLetter;  // 0: there always
+        std::map<wchar_t, std::vector<int>> pagesOfLetter;  // 0: there always
         int page = 0;
         for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr;
              control = GetWindow(control, GW_HWNDNEXT)) {
             const int id = GetDlgCtrlID(control);
             if (BeginsPage(id)) page = id;
             if (id == IDOK || id == cmdRunConvert) page = 0;
-            const std::wstring letter = letterOf(control);
-            if (letter.empty()) continue;
+            const std::wstring caption = TextOf(control);
+            const size_t mark = caption.find(L'&');
+            if (mark == std::wstring::npos) continue;
+            const wchar_t letter = caption[mark + 1];
             for (const int other : pagesOfLetter[letter])
                 EXPECT_TRUE(other != page && other != 0 && page != 0) << resource << ' ' << id;
             pagesOfLetter[letter].push_back(page);

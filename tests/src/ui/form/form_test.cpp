@@ -16,6 +16,7 @@
 #include "app/base/message_box.h"
 #include "app/base/quit.h"
 #include "app/base/task_modal.h"
+#include "tests/src/ui/dialogs/driven_dialog.h"
 #include "tests/src/ui/run_until.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/session_hold.h"
@@ -30,6 +31,11 @@ class RecordingForm final : public Form {
   public:
     RecordingForm() : Form({.className = L"TessaryRecordingForm", .caption = L"記録"}) {}
     ~RecordingForm() = default;
+
+    HWND Add(const wchar_t* className, DWORD style = 0) const {
+        return CreateWindowExW(0, className, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, 50, 50,
+                               Handle(), nullptr, nullptr, nullptr);
+    }
 
     Events events;
     bool refuse = false;
@@ -59,24 +65,32 @@ class RecordingForm final : public Form {
     }
 };
 
-TEST(FormTest, LivesFromLoadToTerminateAndAgain) {
-    RecordingForm form;
-    for (int round = 0; round < 2; ++round) {
-        form.events.clear();
-        ASSERT_TRUE(form.Load());
-        const HWND window = form.Handle();
-        EXPECT_TRUE(form.Load());  // is loaded already
-        form.refuse = true;
-        form.Unload();
-        EXPECT_TRUE(IsWindow(window));
-        form.refuse = false;
-        form.Unload();
-        EXPECT_FALSE(IsWindow(window));
-        EXPECT_EQ(form.events, (Events{"load", "query", "query", "unload", "end"}));
+class FormTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(form_.Load());
+        form_.events.clear();
     }
+    RecordingForm form_;
+};
+using SessionHoldTest = FormTest;
+
+TEST_F(FormTest, LivesFromLoadToTerminateAndAgain) {
+    form_.Unload();
+    form_.events.clear();
+    ASSERT_TRUE(form_.Load());
+    EXPECT_TRUE(form_.Load());  // is loaded already
+    const HWND window = form_.Handle();
+    form_.refuse = true;
+    form_.Unload();
+    EXPECT_TRUE(IsWindow(window));
+    form_.refuse = false;
+    form_.Unload();
+    EXPECT_FALSE(IsWindow(window));
+    EXPECT_EQ(form_.events, (Events{"load", "query", "query", "unload", "end"}));
 }
 
-TEST(FormTest, HandlersThatThrowHarmNobody) {
+TEST_F(FormTest, HandlersThatThrowHarmNobody) {
     RecordingForm form;
     form.fail = true;
     ASSERT_TRUE(form.Load());
@@ -87,27 +101,19 @@ TEST(FormTest, HandlersThatThrowHarmNobody) {
     EXPECT_EQ(form.events, (Events{"load", "command", "query", "unload", "end"}));
 }
 
-TEST(FormTest, FollowsTheScreensResolution) {
-    RecordingForm form;
-    ASSERT_TRUE(form.Load());
-    form.events.clear();
+TEST_F(FormTest, FollowsTheScreensResolution) {
     const RECT suggested{40, 50, 840, 650};
-    SendMessageW(form.Handle(), WM_DPICHANGED, MAKEWPARAM(192, 192),
+    SendMessageW(form_.Handle(), WM_DPICHANGED, MAKEWPARAM(192, 192),
                  reinterpret_cast<LPARAM>(&suggested));
     RECT now{};
-    GetWindowRect(form.Handle(), &now);
+    GetWindowRect(form_.Handle(), &now);
     EXPECT_TRUE(EqualRect(&now, &suggested));
     // Most settings of the system are nothing to us.
-    SendMessageW(form.Handle(), WM_SETTINGCHANGE, SPI_SETDESKWALLPAPER, 0);
-    EXPECT_EQ(form.events, Events{"metrics"});
-
-    const Metrics metrics(form.Handle());
-    EXPECT_EQ(metrics.Scale(96), metrics.Dpi());
-    EXPECT_TRUE(metrics.MessageFont());
+    SendMessageW(form_.Handle(), WM_SETTINGCHANGE, SPI_SETDESKWALLPAPER, 0);
+    EXPECT_EQ(form_.events, Events{"metrics"});
     MINMAXINFO limits{};
-    SendMessageW(form.Handle(), WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
-    EXPECT_EQ(limits.ptMinTrackSize.x, metrics.Scale(300));
-    EXPECT_EQ(limits.ptMinTrackSize.y, metrics.Scale(200));
+    SendMessageW(form_.Handle(), WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+    EXPECT_EQ(limits.ptMinTrackSize.x, MulDiv(300, Metrics(form_.Handle()).Dpi(), 96));
 }
 
 // The window that keeps the system waiting, of this process.
@@ -121,15 +127,13 @@ HWND SessionWatch() {
     return found;
 }
 
-TEST(SessionHoldTest, KeepsTheSystemWaitingUntilWorkHasStopped) {
-    RecordingForm form;
-    ASSERT_TRUE(form.Load());
+TEST_F(SessionHoldTest, KeepsTheSystemWaitingUntilWorkHasStopped) {
     std::atomic<bool> isAnswered = false;
     std::thread system;
     {
-        const SessionHold outer(form.Handle(), L"outer");
-        { const SessionHold inner(form.Handle(), L"inner"); }
-        EXPECT_TRUE(IsSessionHeld(form.Handle()));
+        const SessionHold outer(form_.Handle(), L"outer");
+        { const SessionHold inner(form_.Handle(), L"inner"); }
+        EXPECT_TRUE(IsSessionHeld(form_.Handle()));
         const HWND watch = SessionWatch();
         ASSERT_NE(watch, nullptr);
         SendMessageW(watch, WM_ENDSESSION, FALSE, 0);  // somebody else said no
@@ -138,39 +142,33 @@ TEST(SessionHoldTest, KeepsTheSystemWaitingUntilWorkHasStopped) {
             isAnswered = true;
         });
         // The work hears of it before the answer, and goes on for a while.
-        const ULONGLONG start = GetTickCount64();
-        while (!form.sessionEnds && GetTickCount64() - start < 3000)
-            DoEvents();
-        EXPECT_TRUE(form.sessionEnds);
+        EXPECT_TRUE(test::RunUntil([&] { return form_.sessionEnds; }));
         Sleep(50);
         EXPECT_FALSE(isAnswered);
     }
     system.join();
     EXPECT_TRUE(isAnswered);
-    EXPECT_FALSE(IsSessionHeld(form.Handle()));
+    EXPECT_FALSE(IsSessionHeld(form_.Handle()));
     EXPECT_EQ(SessionWatch(), nullptr);
 }
 
 // A crash may leave what every new thread needs first with the thread that has crashed.
-TEST(SessionHoldTest, WaitsForNoThreadThatCannotBegin) {
-    using LockLoader = LONG(WINAPI*)(ULONG flags, ULONG * state, ULONG_PTR * cookie);
-    using UnlockLoader = LONG(WINAPI*)(ULONG flags, ULONG_PTR cookie);
+TEST_F(SessionHoldTest, WaitsForNoThreadThatCannotBegin) {
     const HMODULE system = GetModuleHandleW(L"ntdll.dll");
-    const auto lock = reinterpret_cast<LockLoader>(
-        reinterpret_cast<void*>(GetProcAddress(system, "LdrLockLoaderLock")));
-    const auto unlock = reinterpret_cast<UnlockLoader>(
-        reinterpret_cast<void*>(GetProcAddress(system, "LdrUnlockLoaderLock")));
-    RecordingForm form;
-    ASSERT_TRUE(form.Load());
+    const auto call = [&]<typename... Arguments>(const char* function, Arguments... arguments) {
+        return reinterpret_cast<LONG(WINAPI*)(Arguments...)>(
+            reinterpret_cast<void*>(GetProcAddress(system, function)))(arguments...);
+    };
     ULONG_PTR cookie = 0;
-    ASSERT_EQ(lock(0, nullptr, &cookie), 0);
+    ULONG* const noState = nullptr;
+    ASSERT_EQ(call("LdrLockLoaderLock", ULONG{0}, noState, &cookie), 0);
     {
-        const SessionHold hold(form.Handle(), L"held");
-        EXPECT_TRUE(IsSessionHeld(form.Handle()));
+        const SessionHold hold(form_.Handle(), L"held");
+        EXPECT_TRUE(IsSessionHeld(form_.Handle()));
         EXPECT_EQ(SessionWatch(), nullptr);
     }
-    unlock(0, cookie);
-    EXPECT_FALSE(IsSessionHeld(form.Handle()));
+    call("LdrUnlockLoaderLock", ULONG{0}, cookie);
+    EXPECT_FALSE(IsSessionHeld(form_.Handle()));
 }
 
 constexpr UINT kMessage = WM_APP + 77;
@@ -226,61 +224,34 @@ TEST(MessageLoopTest, LatestFilterTakesFirstAndMayEndItself) {
     EXPECT_EQ(outer, 1);
 }
 
-TEST(FormTest, LeavesInputMethodsToTextFields) {
-    RecordingForm form;
-    ASSERT_TRUE(form.Load());
+TEST_F(FormTest, LeavesInputMethodsToTextFields) {
     const auto takesInputMethod = [](HWND window) {
         const HIMC context = ImmGetContext(window);
         if (context != nullptr) ImmReleaseContext(window, context);
         return context != nullptr;
     };
-    const auto made = [](HWND parent, const wchar_t* className, DWORD style) {
-        return CreateWindowExW(0, className, L"", WS_CHILD | style, 0, 0, 50, 50, parent, nullptr,
-                               nullptr, nullptr);
-    };
-    EXPECT_FALSE(takesInputMethod(form.Handle()));
-    EXPECT_FALSE(takesInputMethod(made(form.Handle(), L"LISTBOX", 0)));
-    EXPECT_FALSE(takesInputMethod(made(form.Handle(), L"EDIT", ES_READONLY)));
-    EXPECT_TRUE(takesInputMethod(made(form.Handle(), L"EDIT", 0)));
+    EXPECT_FALSE(takesInputMethod(form_.Handle()));
+    EXPECT_FALSE(takesInputMethod(form_.Add(L"LISTBOX")));
+    EXPECT_FALSE(takesInputMethod(form_.Add(L"EDIT", ES_READONLY)));
+    EXPECT_TRUE(takesInputMethod(form_.Add(L"EDIT")));
 }
 
-TEST(FormTest, PaintsBelowTheCornersOfControlsWithATheme) {
-    RecordingForm form;
-    ASSERT_TRUE(form.Load());
-    const HWND button = CreateWindowExW(0, L"BUTTON", L"", WS_CHILD | WS_VISIBLE, 30, 20, 50, 50,
-                                        form.Handle(), nullptr, nullptr, nullptr);
-    const UniqueModule themes(LoadLibraryW(L"uxtheme.dll"));
-    const auto drawParent = reinterpret_cast<HRESULT(WINAPI*)(HWND, HDC, const RECT*)>(
-        reinterpret_cast<void*>(GetProcAddress(themes.Get(), "DrawThemeParentBackground")));
-    ASSERT_NE(drawParent, nullptr);
+// Controls with a theme ask their parent for what is below their corners.
+TEST_F(FormTest, PaintsBelowTheCornersOfControls) {
     const UniqueScreenDc screen(GetDC(nullptr));
-    const auto cornerAfter = [&](const std::function<void(HDC)>& paint) {
+    for (const UINT message : {WM_ERASEBKGND, WM_PRINTCLIENT}) {
         const UniqueBitmap bitmap(CreateCompatibleBitmap(screen.Get(), 50, 50));
         const UniqueMemoryDc memory(CreateCompatibleDC(screen.Get()));
         const HGDIOBJ former = SelectObject(memory.Get(), bitmap.Get());
-        paint(memory.Get());
-        const COLORREF corner = GetPixel(memory.Get(), 49, 49);
+        SendMessageW(form_.Handle(), message, reinterpret_cast<WPARAM>(memory.Get()), PRF_CLIENT);
+        EXPECT_EQ(GetPixel(memory.Get(), 49, 49), GetSysColor(COLOR_BTNFACE)) << message;
         SelectObject(memory.Get(), former);
-        return corner;
-    };
-    const COLORREF face = GetSysColor(COLOR_BTNFACE);
-    EXPECT_EQ(cornerAfter([&](HDC context) { drawParent(button, context, nullptr); }), face);
-    for (const UINT message : {WM_ERASEBKGND, WM_PRINTCLIENT}) {
-        EXPECT_EQ(cornerAfter([&](HDC context) {
-                      SendMessageW(form.Handle(), message, reinterpret_cast<WPARAM>(context),
-                                   PRF_CLIENT);
-                  }),
-                  face)
-            << message;
     }
 }
 
-TEST(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
-    RecordingForm form;
-    ASSERT_TRUE(form.Load());
-    form.Show();
-    const HWND button = CreateWindowExW(0, L"BUTTON", L"", WS_CHILD | WS_VISIBLE, 0, 0, 50, 50,
-                                        form.Handle(), nullptr, nullptr, nullptr);
+TEST_F(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
+    form_.Show();
+    const HWND button = form_.Add(L"BUTTON");
     SetFocus(button);
     {
         const TaskModal task(nullptr);
@@ -289,32 +260,11 @@ TEST(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
     EXPECT_EQ(GetFocus(), button);
 }
 
-// The user's hand at a message box, and what he sees of it.
-struct Box {
-    static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
-        EnumThreadWindows(GetCurrentThreadId(), Answer, 0);
-    }
-    static BOOL CALLBACK Answer(HWND window, LPARAM) {
-        wchar_t name[16]{};
-        GetClassNameW(window, name, 16);
-        if (std::wstring(name) != L"#32770") return TRUE;
-        owner = GetWindow(window, GW_OWNER);
-        called = main->flashes > 0;
-        EndDialog(window, IDOK);
-        return FALSE;
-    }
-    static inline HWND owner;
-    static inline bool called;
-    static inline const RecordingForm* main;
-};
-
-TEST(MessageBoxTest, StaysWithTheWindowThatTheUserWasInAndCallsHim) {
+TEST_F(FormTest, MessagesStayWithTheWindowThatTheUserWasInAndCallHim) {
     EXPECT_EQ(WindowForMessages(), nullptr);
-    RecordingForm main;
     RecordingForm bar;
-    ASSERT_TRUE(main.Load());
-    main.Show();
-    ASSERT_TRUE(bar.Load(main.Handle()));
+    form_.Show();
+    ASSERT_TRUE(bar.Load(form_.Handle()));
     bar.Show();
     const HWND foreign =
         CreateWindowExW(0, L"STATIC", L"a plug-in's", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, nullptr,
@@ -324,28 +274,32 @@ TEST(MessageBoxTest, StaysWithTheWindowThatTheUserWasInAndCallsHim) {
     SetForegroundWindow(GetDesktopWindow());  // another program's
     ASSERT_EQ(GetActiveWindow(), nullptr);
     EXPECT_EQ(WindowForMessages(), bar.Handle());
-    main.flashes = 0;
-    Box::main = &main;
-    const UINT_PTR timer = SetTimer(nullptr, 0, 20, Box::Look);
+    form_.flashes = 0;
+    test::DrivenDialog user({[&](HWND box) {
+                                 EXPECT_EQ(GetWindow(box, GW_OWNER), bar.Handle());
+                                 EXPECT_GT(form_.flashes, 0);
+                                 EndDialog(box, IDOK);
+                             },
+                             [&](HWND box) {
+                                 EXPECT_EQ(GetWindow(box, GW_OWNER), form_.Handle());
+                                 EndDialog(box, IDOK);
+                             }});
     EXPECT_EQ(ShowMessageBox(L"text"), IDOK);
-    EXPECT_EQ(Box::owner, bar.Handle());
-    EXPECT_TRUE(Box::called);
     for (const auto take : {+[](HWND window) { EnableWindow(window, FALSE); },
                             +[](HWND window) { ShowWindow(window, SW_HIDE); }}) {
         SetForegroundWindow(GetDesktopWindow());
         EnableWindow(bar.Handle(), TRUE);
         take(bar.Handle());
-        EXPECT_EQ(WindowForMessages(), main.Handle());
+        EXPECT_EQ(WindowForMessages(), form_.Handle());
     }
-    EnableWindow(main.Handle(), FALSE);  // while the program is at work
+    EnableWindow(form_.Handle(), FALSE);  // while the program is at work
     EXPECT_EQ(ShowMessageBox(L"text"), IDOK);
-    EXPECT_EQ(Box::owner, main.Handle());
-    EXPECT_FALSE(IsWindowEnabled(main.Handle()));
-    KillTimer(nullptr, timer);
+    EXPECT_TRUE(user.IsDone());
+    EXPECT_FALSE(IsWindowEnabled(form_.Handle()));
     DestroyWindow(foreign);
 }
 
-TEST(TimerTest, TicksUntilStoppedAndNeverNests) {
+TEST(TimerTest, TicksUntilStoppedNeverNestsAndSurvivesWhatItsHandlerDoes) {
     int ticks = 0;
     int depth = 0;
     bool nested = false;
@@ -356,27 +310,18 @@ TEST(TimerTest, TicksUntilStoppedAndNeverNests) {
         Sleep(30);  // the next tick is due
         DoEvents();
         --depth;
+        throw std::runtime_error("tick");
     });
     ASSERT_TRUE(timer.Start(10));
     ASSERT_TRUE(test::RunUntil([&] { return ticks >= 3; }));
     EXPECT_FALSE(nested);
     timer.Stop();
-    const int before = ticks;
-    Sleep(30);
-    DoEvents();
-    EXPECT_EQ(ticks, before);
-}
+    EXPECT_FALSE(test::RunUntil([&, before = ticks] { return ticks != before; }, 30));
 
-TEST(TimerTest, SurvivesItsOwnEndAndHandlersThatThrow) {
-    int ticks = 0;
-    std::unique_ptr<Timer> timer;
-    timer = std::make_unique<Timer>([&] {
-        if (++ticks == 2) timer.reset();
-        throw std::runtime_error("tick");
-    });
-    ASSERT_TRUE(timer->Start(10));
-    ASSERT_TRUE(test::RunUntil([&] { return timer == nullptr; }));
-    EXPECT_EQ(ticks, 2);
+    std::unique_ptr<Timer> ending;
+    ending = std::make_unique<Timer>([&] { ending.reset(); });
+    ASSERT_TRUE(ending->Start(10));
+    EXPECT_TRUE(test::RunUntil([&] { return ending == nullptr; }));
 }
 
 }  // namespace

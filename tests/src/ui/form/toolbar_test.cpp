@@ -53,71 +53,63 @@ class BarForm final : public Form {
     }
 };
 
-TEST(ToolbarTest, EveryPressArrivesOnceAndWithTheRightButton) {
-    BarForm form;
-    ASSERT_TRUE(form.Load());
-    const auto in = [&](int index, bool atArrow) {
-        const RECT button = form.toolbar.ButtonRectangle(index);
-        return POINT{atArrow ? button.right - 3 : button.left + 4, button.top + 8};
-    };
-    form.Mouse(in(6, false));
-    form.Mouse(in(9, false));
-    form.Mouse(in(12, true));
-    form.Mouse(in(8, false));  // a separator
-    form.Mouse({form.toolbar.PreferredSize().cx + 20, 5});
-    form.toolbar.EnableButton(6, false);
-    form.Mouse(in(6, false));
-    EXPECT_EQ(form.events, (std::vector<std::string>{"press 6", "press 9", "menu 12", "background",
-                                                     "background"}));
+class ToolbarTest : public testing::Test {
+  protected:
+    void SetUp() override { ASSERT_TRUE(form_.Load()); }
+    BarForm form_;
+    Toolbar& toolbar_ = form_.toolbar;
+};
+
+TEST_F(ToolbarTest, EveryPressArrivesOnceAndWithTheRightButton) {
+    toolbar_.EnableButton(7, false);
+    for (const int index : {6, 9, 8, 7}) {  // 8 is a separator
+        const RECT button = toolbar_.ButtonRectangle(index);
+        form_.Mouse({button.left + 4, button.top + 8});
+    }
+    form_.Mouse({toolbar_.ButtonRectangle(12).right - 3, 8});  // its arrow
+    form_.Mouse({toolbar_.PreferredSize().cx + 20, 5});
+    EXPECT_EQ(form_.events, (std::vector<std::string>{"press 6", "press 9", "background", "menu 12",
+                                                      "background"}));
     DoEvents();
-    EXPECT_FALSE(form.IsPressed(12));  // all are made anew behind it
+    EXPECT_FALSE(form_.IsPressed(12));  // all are made anew behind it
 }
 
-TEST(ToolbarTest, KeyboardSkipsWhatCannotBePressed) {
-    BarForm form;
-    ASSERT_TRUE(form.Load());
-    form.toolbar.EnableButton(1, false);
-    form.Key(VK_HOME);
-    form.Key(VK_SPACE);
-    for (int step = 0; step < 6; ++step)
-        form.Key(VK_RIGHT);  // over the separator
-    form.Key(VK_F4);
-    SendMessageW(form.toolbar.Handle(), WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
-    form.Key(VK_END);
-    form.Key(VK_RIGHT);
-    form.Key(VK_RETURN);
-    form.Key(VK_F4);  // has no menu
-    EXPECT_EQ(form.events, (std::vector<std::string>{"press 2", "menu 9", "menu 9", "press 16"}));
+TEST_F(ToolbarTest, KeyboardSkipsWhatCannotBePressed) {
+    toolbar_.EnableButton(1, false);
+    for (const int key : {VK_HOME, VK_SPACE, VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT,
+                          VK_RIGHT, VK_F4})  // over the separator
+        form_.Key(key);
+    SendMessageW(toolbar_.Handle(), WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
+    for (const int key : {VK_END, VK_RIGHT, VK_RETURN, VK_F4})  // the last has no menu
+        form_.Key(key);
+    EXPECT_EQ(form_.events, (std::vector<std::string>{"press 2", "menu 9", "menu 9", "press 16"}));
 }
 
-TEST(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
-    BarForm form;
-    ASSERT_TRUE(form.Load());
-    form.toolbar.EnableButton(3, false);
-    form.toolbar.CheckButton(6, true);
-    form.toolbar.SetImage(15, static_cast<int>(ToolbarImage::kUnfold));
-    form.toolbar.ChangeMetrics();
-    const auto state = [&](WPARAM button) {
-        return SendMessageW(form.toolbar.Handle(), TB_GETSTATE, button, 0);
+TEST_F(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
+    toolbar_.EnableButton(3, false);
+    toolbar_.CheckButton(6, true);
+    toolbar_.SetImage(15, static_cast<int>(ToolbarImage::kUnfold));
+    toolbar_.ChangeMetrics();
+    const auto send = [&](UINT message, WPARAM button, LPARAM text = 0) {
+        return SendMessageW(toolbar_.Handle(), message, button, text);
     };
-    EXPECT_EQ(state(3), 0);
-    EXPECT_EQ(state(6), TBSTATE_ENABLED | TBSTATE_CHECKED);
-    EXPECT_EQ(SendMessageW(form.toolbar.Handle(), TB_GETBITMAP, 15, 0), 17);
-    EXPECT_LE(form.toolbar.PreferredSize().cy, Metrics(form.Handle()).Scale(26));
+    EXPECT_EQ(send(TB_GETSTATE, 3), 0);
+    EXPECT_EQ(send(TB_GETSTATE, 6), TBSTATE_ENABLED | TBSTATE_CHECKED);
+    EXPECT_EQ(send(TB_GETBITMAP, 15), 17);
+    const Metrics metrics(form_.Handle());
+    EXPECT_LE(toolbar_.PreferredSize().cy, metrics.Scale(26));
+    EXPECT_EQ(toolbar_.ButtonRectangle(1).right, metrics.Scale(24));
 
     wchar_t text[8] = {};
     NMTBGETINFOTIPW tip{};
-    tip.hdr = {form.toolbar.Handle(), 0, static_cast<UINT>(TBN_GETINFOTIPW)};
+    tip.hdr = {toolbar_.Handle(), 0, static_cast<UINT>(TBN_GETINFOTIPW)};
     tip.pszText = text;
     tip.cchTextMax = 8;
     tip.iItem = 9;
-    SendMessageW(form.Handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&tip));
+    SendMessageW(form_.Handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&tip));
     EXPECT_STREQ(text, L"表示サイズ (");  // cut at the end of the buffer
-    EXPECT_EQ(
-        SendMessageW(form.toolbar.Handle(), TB_GETBUTTONTEXTW, 9, reinterpret_cast<LPARAM>(text)),
-        5);  // what a screen reader reads
-    EXPECT_STREQ(text, L"表示サイズ");
-    EXPECT_EQ(form.toolbar.ButtonRectangle(1).right, Metrics(form.Handle()).Scale(24));
+    send(TB_GETBUTTONTEXTW, 9, reinterpret_cast<LPARAM>(text));
+    EXPECT_STREQ(text, L"表示サイズ");  // what a screen reader reads
 }
 
 TEST(ToolbarImagesTest, DifferAndAreSharpAtEveryResolution) {
