@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "tests/support/loaded_library.h"
+#include "tests/support/finished_folder.h"
 
 namespace tessary::test {
 

@@ -8,20 +8,9 @@
 #include <string>
 
 #include "app/base/handles.h"
+#include "tests/support/finished_folder.h"
 
 namespace tessary::test {
-
-// The folder of the running test program, with a trailing backslash.
-inline std::wstring TestProgramFolder() {
-    wchar_t path[MAX_PATH];
-    const std::wstring program(path, GetModuleFileNameW(nullptr, path, MAX_PATH));
-    return program.substr(0, program.find_last_of(L'\\') + 1);
-}
-
-// The finished application folder, which stands beside that, with a trailing backslash.
-inline std::wstring FinishedFolder() {
-    return TestProgramFolder() + LR"(..\bin\)";
-}
 
 // An address that becomes a pointer to whatever kind of function it is kept in.
 struct FoundFunction {
