@@ -99,10 +99,7 @@ class ClipboardTest : public test::MainWindowTest {
   protected:
     ClipboardTest() { test::LoadHelperLibraries(); }
 
-    void SetUp() override {
-        window_.SetControlBar(controlBar_);
-        Load();
-    }
+    void SetUp() override { Load(); }
 
     void EmptyTheClipboard() const {
         const ClipboardSession clipboard(window_.Handle());
@@ -143,11 +140,9 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
         EXPECT_EQ(bitmap.bmWidth, 31);
     }
 
-    Values().readsUnderWay = 1;
     const HLOCAL former = CurrentPicture().info;
-    Choose(menuEditPaste);
+    ChooseDuringARead(menuEditPaste);
     EXPECT_EQ(CurrentPicture().info, former);
-    Values().readsUnderWay = 0;
     Choose(menuEditPaste);
     EXPECT_NE(CurrentPicture().info, former);
     EXPECT_EQ(window_.pictureView().PictureSize().cx, 31);

@@ -57,7 +57,6 @@ TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
 }
 
 TEST_F(OpenFilesTest, TakesDroppedFilesAndFolders) {
-    window_.SetControlBar(controlBar_);
     Load();
     const std::wstring first = folder_.Write(L"1.bmp");
     const std::wstring second = folder_.Write(L"사진.bmp");
@@ -85,14 +84,14 @@ TEST_F(OpenFilesTest, TakesDroppedFilesAndFolders) {
 }
 
 TEST_F(OpenFilesTest, RefusesDropsThatItCannotServe) {
-    window_.SetControlBar(controlBar_);
     Load();
     const List files{folder_.Write(L"1.bmp")};
     const HWND window = window_.Handle();
     EXPECT_EQ(Drop(window, files, DROPEFFECT_MOVE), DROPEFFECT_NONE);
-    Values().readsUnderWay = 1;
-    EXPECT_EQ(Drop(window, files), DROPEFFECT_NONE);
-    Values().readsUnderWay = 0;
+    {
+        const ReadUnderWay read;
+        EXPECT_EQ(Drop(window, files), DROPEFFECT_NONE);
+    }
     EnableWindow(window, FALSE);  // behind a dialog
     EXPECT_EQ(Drop(window, files), DROPEFFECT_NONE);
     EnableWindow(window, TRUE);
@@ -151,13 +150,14 @@ TEST_F(StatusBarTest, ShowsTextsAsTheyAreInPanelsThatFit) {
 TEST_F(CloseTest, IsRefusedWhileAPictureLoads) {
     Load();
     const HWND window = window_.Handle();
-    Values().readsUnderWay = 1;
-    EXPECT_TRUE(window_.Breathe());
-    Choose(menuFileExit);
-    EXPECT_TRUE(IsWindow(window));
-    EXPECT_TRUE(Values().quitRequested);
-    EXPECT_FALSE(window_.Breathe());  // the load is asked to stop
-    Values().readsUnderWay = 0;
+    {
+        const ReadUnderWay read;
+        EXPECT_TRUE(window_.Breathe());
+        Choose(menuFileExit);
+        EXPECT_TRUE(IsWindow(window));
+        EXPECT_TRUE(Values().quitRequested);
+        EXPECT_FALSE(window_.Breathe());  // the load is asked to stop
+    }
     Choose(menuFileExit);
     EXPECT_FALSE(IsWindow(window));
     EXPECT_EQ(ended_, 1);
@@ -166,7 +166,6 @@ TEST_F(CloseTest, IsRefusedWhileAPictureLoads) {
 using ReadingTest = test::MainWindowTest;
 
 TEST_F(ReadingTest, IsToldWhenItTakesLongAndStopsAtEscape) {
-    window_.SetControlBar(controlBar_);
     Load();
     const auto notice = [&] { return Panel(kNoticePanel); };
     window_.SetPanelText(kNoticePanel, L"前の知らせ");
@@ -203,7 +202,6 @@ TEST_F(ReadingTest, IsToldWhenItTakesLongAndStopsAtEscape) {
 }
 
 TEST_F(CloseTest, PutsEverythingBack) {
-    window_.SetControlBar(controlBar_);
     Load();
     ShowPicture(20, 20);
     const HWND window = window_.Handle();
@@ -238,16 +236,16 @@ TEST_F(CloseTest, SessionEndClosesTheProgram) {
     EXPECT_TRUE(IsWindow(window));
     EXPECT_EQ(calledPlugin(), L"x.spi");
 
-    Values().readsUnderWay = 1;  // plug-ins must stay under a running decode
     Values().general.slideShowTime = 1234;
-    EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
-    SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+    {
+        const ReadUnderWay read;  // plug-ins must stay under a running decode
+        EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
+        SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+    }
     EXPECT_TRUE(Values().quitRequested);
     EXPECT_EQ(ended_, 0);
     EXPECT_EQ(calledPlugin(), L"");  // it is not the plug-in's fault
     EXPECT_EQ(GetSetting(L"General", L"SlideShowTime", L""), L"1234");
-
-    Values().readsUnderWay = 0;
     SendMessageW(window, WM_ENDSESSION, TRUE, 0);
     EXPECT_FALSE(IsWindow(window));
     EXPECT_EQ(ended_, 1);

@@ -14,7 +14,6 @@ namespace {
 class FullScreenTest : public test::MainWindowTest {
   protected:
     void SetUp() override {
-        window_.SetControlBar(controlBar_);
         Load();
         window_.Show();
     }
@@ -67,9 +66,7 @@ TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
         ShowWindow(window, SW_MINIMIZE);
         ShowWindow(window, SW_RESTORE);
         EXPECT_TRUE(IsFull()) << state;
-        Values().readsUnderWay = 1;  // the way out is open while a slide show loads
-        Choose(commandEscape);
-        Values().readsUnderWay = 0;
+        ChooseDuringARead(commandEscape);  // the way out is open while a slide show loads
         ExpectSame(Frame(), before);
         EXPECT_EQ(looks(), looksBefore);
     }
@@ -83,15 +80,13 @@ TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
     EXPECT_EQ(cancelled, 0);
     Choose(commandEscape);
     EXPECT_EQ(cancelled, 1);
-    Values().readsUnderWay = 1;
-    Choose(commandEscape);
+    ChooseDuringARead(commandEscape);
     EXPECT_EQ(controlBar_.pressed, std::vector<int>{4});
-    Values().readsUnderWay = 0;
     controlBar_.playing = true;
     Choose(commandFullScreen);
     Choose(commandEscape);  // ends both
     EXPECT_FALSE(IsFull());
-    EXPECT_EQ(controlBar_.pressed.size(), 2u);
+    EXPECT_EQ(controlBar_.pressed, (std::vector<int>{4, 4}));
     EXPECT_EQ(cancelled, 1);
 }
 
@@ -122,26 +117,28 @@ TEST_F(FullScreenTest, PointerHidesWhileItRests) {
 }
 
 TEST_F(FullScreenTest, WheelStepsByNotchesAndWithCtrlThroughTheSizes) {
-    EXPECT_TRUE(Wheel(-WHEEL_DELTA));
-    Wheel(WHEEL_DELTA);
-    Wheel(-2 * WHEEL_DELTA);
-    EXPECT_EQ(controlBar_.pressed, (std::vector<int>{5, 3, 5, 5}));
-    for (int turn = 0; turn < 4; ++turn)
-        Wheel(-WHEEL_DELTA / 4);
-    Wheel(-WHEEL_DELTA / 2);
-    Wheel(WHEEL_DELTA / 2);  // turned back: nothing is left over
-    Wheel(WHEEL_DELTA / 2 - 1);
-    EXPECT_EQ(controlBar_.pressed.size(), 5u);
-    Wheel(1);
-    EXPECT_EQ(controlBar_.pressed.back(), 3);
-    Values().readsUnderWay = 1;
-    Wheel(-WHEEL_DELTA);
-    Values().readsUnderWay = 0;
+    const auto turn = [&](std::initializer_list<int> notches) {
+        controlBar_.pressed.clear();
+        for (const int part : notches)
+            EXPECT_TRUE(Wheel(part));
+        return controlBar_.pressed;
+    };
+    using Presses = std::vector<int>;
+    constexpr int kHalf = WHEEL_DELTA / 2;
+    EXPECT_EQ(turn({-WHEEL_DELTA, WHEEL_DELTA, -2 * WHEEL_DELTA}), (Presses{5, 3, 5, 5}));
+    EXPECT_EQ(turn({-kHalf / 2, -kHalf / 2, -kHalf / 2, -kHalf / 2}), Presses{5});
+    // Turned back: nothing is left over.
+    EXPECT_EQ(turn({-kHalf, kHalf, kHalf - 1}), Presses{});
+    EXPECT_EQ(turn({1}), Presses{3});
+    {
+        const ReadUnderWay read;
+        EXPECT_EQ(turn({-WHEEL_DELTA}), Presses{});
+    }
     controlBar_.files = {L"a.bmp"};
     for (const int key : {VK_NEXT, VK_SPACE, VK_PRIOR, VK_BACK})
         PostMessageW(window_.pictureView().Handle(), WM_KEYDOWN, key, 0);
     DoEvents();
-    EXPECT_EQ(controlBar_.pressed, (std::vector<int>{5, 3, 5, 5, 5, 3, 5, 5, 3, 3}));
+    EXPECT_EQ(controlBar_.pressed, (Presses{5, 5, 3, 3}));
 
     std::vector<int> sizes;
     for (int mode = kSizeModeOriginal; mode <= kSizeModeScreen; ++mode) {

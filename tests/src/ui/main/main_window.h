@@ -21,6 +21,7 @@ class MainWindowTest : public testing::Test {
     // Loads the window with a client area that leaves the view exactly this size.
     void Load(int viewWidth = 320, int viewHeight = 240) {
         Values().platformId = GetPlatformId();
+        window_.SetControlBar(controlBar_);
         ASSERT_TRUE(window_.Load());
         for (int pass = 0; pass < 2; ++pass) {  // the menu may need fewer lines the second time
             const RECT frame = FrameOf(window_.Handle());
@@ -39,7 +40,6 @@ class MainWindowTest : public testing::Test {
     }
 
     void TearDown() override {
-        Values().readsUnderWay = 0;
         window_.Unload();
         DoEvents();
     }
@@ -56,6 +56,10 @@ class MainWindowTest : public testing::Test {
     }
     std::wstring Panel(int panel) const { return window_.statusInformation().PanelText(panel); }
     void Choose(int menuItem) const { SendMessageW(window_.Handle(), WM_COMMAND, menuItem, 0); }
+    void ChooseDuringARead(int menuItem) const {
+        const ReadUnderWay read;
+        Choose(menuItem);
+    }
 
     RedirectedSettings settings_;
     RecordedMessages messages_;

@@ -103,14 +103,13 @@ TEST_F(ScrollingTest, LayoutFollowsTheWindowsSize) {
 }
 
 TEST_F(ScrollingTest, KeysOfTheWindowAreThePicturesAndEnterSteps) {
-    window_.SetControlBar(controlBar_);
     Load();
     window_.Show();
     SetFocus(window_.Handle());
     EXPECT_EQ(GetFocus(), window_.pictureView().Handle());
     SendToView(WM_KEYDOWN, VK_RETURN, 0);
     window_.pictureView_KeyDown(VK_RETURN, kShiftMask);
-    Values().readsUnderWay = 1;
+    const ReadUnderWay read;
     SendToView(WM_KEYDOWN, VK_RETURN, 0);
     EXPECT_EQ(controlBar_.pressed, (std::vector<int>{5, 3}));
 }
