@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 namespace tessary::dib {
 
@@ -78,6 +79,20 @@ constexpr uint64_t RowStride(uint64_t width, uint32_t bitCount) {
 // Bytes of one pixel row without its padding.
 constexpr uint64_t RowBytes(uint64_t width, uint32_t bitCount) {
     return (width * bitCount + 7) / 8;
+}
+
+// Bytes of the pixel rows that the header announces when they are not encoded; 0 for dimensions
+// that no picture has.
+constexpr uint64_t BitsBlockSize(const BitmapInfoHeader& header) {
+    if (header.width <= 0) return 0;
+    const int64_t height = header.height;
+    return RowStride(static_cast<uint64_t>(header.width), header.bitCount) *
+           static_cast<uint64_t>(height < 0 ? -height : height);
+}
+
+// The header as bytes, which lie in it.
+inline std::span<const uint8_t> BytesOf(const BitmapInfoHeader& header) {
+    return {reinterpret_cast<const uint8_t*>(&header), sizeof(header)};
 }
 
 // Entries of the colour table that the header announces, at most 256; 0 for depths above 8.

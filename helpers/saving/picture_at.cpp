@@ -49,8 +49,7 @@ uint64_t BitsSize(const dib::BitmapInfoHeader& header) {
         header.compression == dib::kCompressionRle8) {
         return header.sizeImage;
     }
-    const uint64_t height = header.height < 0 ? -int64_t{header.height} : header.height;
-    return dib::RowStride(static_cast<uint64_t>(header.width), header.bitCount) * height;
+    return dib::BitsBlockSize(header);
 }
 
 }  // namespace

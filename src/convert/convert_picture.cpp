@@ -17,7 +17,7 @@
 namespace tessary {
 namespace {
 
-constexpr INT_PTR kMostMeanwhile = 1 << 20;  // bytes of a picture that is saved in a moment
+constexpr size_t kMostMeanwhile = 1 << 20;  // bytes of a picture that is saved in a moment
 
 std::wstring SizeText(int32_t width, int32_t height) {
     return std::to_wstring(width) + L" \u00D7 " + std::to_wstring(height);
@@ -45,7 +45,7 @@ StepResult ConvertRun::ConvertBitmapFile(const WorkEntry& entry) {
             return;
         }
         log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
-        result = SaveConvertedPicture(source.picture.Get(), entry);
+        result = SaveConvertedPicture(source.picture, entry);
     });
 }
 
@@ -80,7 +80,7 @@ StepResult ConvertRun::ConvertPictureFile(const WorkEntry& entry) {
             return;
         }
         log_.WriteConvertLog(L"画像を展開しました", entry.path, 2);
-        result = SaveConvertedPicture(source.picture.Get(), entry);
+        result = SaveConvertedPicture(source.picture, entry);
     });
 }
 
@@ -95,7 +95,7 @@ bool ConvertRun::ToleratesDamage(const std::wstring& damage) {
     return false;
 }
 
-DWORD ConvertRun::SaveAndRead(const PicturePair& picture, const std::wstring& output) {
+DWORD ConvertRun::SaveAndRead(const Picture& picture, const std::wstring& output) {
     const auto save = [&]() -> DWORD {
         SetLastError(ERROR_SUCCESS);
         if (SavePictureFile(picture, output,
@@ -105,8 +105,7 @@ DWORD ConvertRun::SaveAndRead(const PicturePair& picture, const std::wstring& ou
         const DWORD error = GetLastError();
         return error == ERROR_SUCCESS ? DWORD{ERROR_WRITE_FAULT} : error;
     };
-    const bool isSmall =
-        LocalHandleSize(picture.info) + LocalHandleSize(picture.bits) <= kMostMeanwhile;
+    const bool isSmall = picture.Info().size() + picture.Bits().size() <= kMostMeanwhile;
     const auto next = Trapped(std::optional<std::wstring>(),
                               [&] { return isSmall ? NextToRead(output) : std::nullopt; });
     if (!next) return save();
@@ -164,21 +163,19 @@ StepResult ConvertRun::KeepDamaged(const std::wstring& path, const std::wstring&
     return StepResult::kDone;
 }
 
-StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const WorkEntry& entry) {
-    dib::BitmapInfoHeader header{};
-    GetPictureHeader(picture, header);
-    const int32_t height = header.height < 0 ? -header.height : header.height;
-    if (!CheckDecodeSize(header.width, height)) {
+StepResult ConvertRun::SaveConvertedPicture(const Picture& picture, const WorkEntry& entry) {
+    if (!CheckDecodeSize(picture.Width(), picture.Height())) {
         log_.WriteConvertLog(L"詳細情報", {}, 4);
         log_.WriteConvertLog(L"画像の大きさが小さいので処理を中止しました", {}, 4);
-        log_.WriteConvertLog(L"画像サイズ", SizeText(header.width, height), 4);
+        log_.WriteConvertLog(L"画像サイズ", SizeText(picture.Width(), picture.Height()), 4);
         Report(FileOutcome::kDeclined, FileReason::kTooSmall);
         return StepResult::kNotSaved;
     }
     // What a member lacks is the cause of what its picture lacks.
     const std::wstring& damage = entry.damage.empty() ? source_.picture->damage : entry.damage;
     if (!ToleratesDamage(damage)) return StepResult::kNotSaved;
-    const std::wstring extension = SaveExtension(header.bitCount);
+    const uint16_t depth = picture.Header().bitCount;
+    const std::wstring extension = SaveExtension(depth);
     TrialSave trial(picture, extension);
     const OutputChoice choice = names_.Choose(
         {entry, extension, [&](const std::wstring& path) { return trial.IsLike(path); }});
@@ -189,7 +186,7 @@ StepResult ConvertRun::SaveConvertedPicture(const PicturePair& picture, const Wo
     report_.target = choice.path;
     report_.isRenamed = choice.isRenamed || entry.isNumbered;
     report_.isReplaced = choice.isReplaced;
-    log_.WriteConvertLog(L"画像の色数", std::to_wstring(header.bitCount) + L" bit", 2);
+    log_.WriteConvertLog(L"画像の色数", std::to_wstring(depth) + L" bit", 2);
     log_.WriteConvertLog(L"保存ファイル名", choice.path, 2);
     if (choice.isRenamed) {
         log_.WriteConvertLog(L"同じ名前のファイルがあるため別名で保存します", {}, 4);

@@ -17,7 +17,6 @@
 #include "convert/read_ahead.h"
 #include "convert/same_content.h"
 #include "convert/work_list.h"
-#include "picture/modMemory.h"
 #include "plugin/clsSusie.h"
 
 namespace tessary {
@@ -63,12 +62,12 @@ class ConvertRun {
     StepResult ConvertPictureFile(const WorkEntry& entry);
     // What is to be known of a picture's damage; false when it is not to be saved for it.
     bool ToleratesDamage(const std::wstring& damage);
-    StepResult SaveConvertedPicture(const PicturePair& picture, const WorkEntry& entry);
+    StepResult SaveConvertedPicture(const Picture& picture, const WorkEntry& entry);
     StepResult Skip(const std::wstring& path, FileReason reason);
     StepResult KeepDamaged(const std::wstring& path, const std::wstring& damage);
     // Saves a picture and, where both are small, reads the next file of the list meanwhile. The
     // report is that of a success. The system's error, 0 for success.
-    DWORD SaveAndRead(const PicturePair& picture, const std::wstring& output);
+    DWORD SaveAndRead(const Picture& picture, const std::wstring& output);
     // The next file to be read while a picture is saved as `output`, if any.
     std::optional<std::wstring> NextToRead(const std::wstring& output) const;
 

@@ -93,9 +93,8 @@ FileReason ReasonUnknown(const std::wstring& path) {
 }
 
 SourcePicture ReadBitmapSource(const std::wstring& path, const SusieProgress& progress) {
-    PicturePair pair;
     SourcePicture source;
-    if (ReadBitmapFile(path, pair, progress, &source.damage)) source.picture = OwnedPicture(pair);
+    ReadBitmapFile(path, source.picture, progress, &source.damage);
     return source;
 }
 
@@ -114,11 +113,9 @@ SourcePicture DecodeSource(const std::wstring& path, const std::wstring& pluginK
             source.isArchive = true;
             return source;
         }
-        PicturePair pair;
-        const uint32_t result =
-            ResultOf([&] { plugin.DecodePicture(DecodeTarget::kMemory, 0, progress, {}, &pair); });
+        const uint32_t result = ResultOf(
+            [&] { plugin.DecodePicture(DecodeTarget::kMemory, 0, progress, {}, &source.picture); });
         if (result == 0) {
-            source.picture = OwnedPicture(pair);
             source.damage = plugin.Damage();
             source.failure = {};
             break;

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "convert/file_report.h"
-#include "picture/modMemory.h"
+#include "picture/picture.h"
 #include "picture/show/shown_file.h"
 #include "plugin/CollectionSusie.h"
 
@@ -30,7 +30,7 @@ FileReason ReasonOf(const Search::Refusal& refusal);
 std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey);
 
 struct SourcePicture {
-    OwnedPicture picture{};    // empty when it could not be read
+    Picture picture{};         // empty when it could not be read
     std::wstring pluginKey{};  // of the plug-in that read it, or was the last to fail
     bool isArchive = false;    // which is an archive plug-in: picture plug-ins had failed
     bool isRefused = false;    // no plug-in takes the file any more

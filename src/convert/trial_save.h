@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "picture/modMemory.h"
+#include "picture/picture.h"
 #include "plugin/private_folder.h"
 
 namespace tessary {
@@ -13,14 +13,14 @@ namespace tessary {
 class TrialSave {
   public:
     // The picture must outlive this. `extension`: with its dot, of the format.
-    TrialSave(const PicturePair& picture, std::wstring extension)
+    TrialSave(const Picture& picture, std::wstring extension)
         : picture_(picture), extension_(std::move(extension)) {}
 
     // Whether a file has the content that the picture would be saved with.
     bool IsLike(const std::wstring& path);
 
   private:
-    const PicturePair& picture_;
+    const Picture& picture_;
     std::wstring extension_;
     std::optional<PrivateFolder> folder_;
     std::wstring saved_;  // empty: it cannot be saved

@@ -75,7 +75,7 @@ BitmapCheck IsBITMAPFile(const std::wstring& path, std::wstring& failure) {
     }
 }
 
-bool ReadBitmapFile(const std::wstring& path, PicturePair& picture, const ReadProgress& progress,
+bool ReadBitmapFile(const std::wstring& path, Picture& picture, const ReadProgress& progress,
                     std::wstring* damage) {
     try {
         const auto load = HelperFunction<convertdib::LoadBITMAPFileWFunction>(
@@ -96,10 +96,12 @@ bool ReadBitmapFile(const std::wstring& path, PicturePair& picture, const ReadPr
         OwnedBlock bits(record.bits == nullptr ? nullptr : LocalHandle(record.bits));
         if (loaded == 0 || !bits) return false;
         UnlockLocalHandle(bits.Get());
+        Picture read = Picture::FromPair({info.Release(), bits.Release()});
+        if (!read) return false;
         if (damage != nullptr) {
             *damage = loaded == convertdib::kBitmapCutShort ? kCutShortText : L"";
         }
-        picture = {info.Release(), bits.Release()};
+        picture = std::move(read);
         return true;
     } catch (...) {
         const RaisedError error = CurrentError();
@@ -113,22 +115,18 @@ bool IsBitmapBlock(HLOCAL block) {
     return HasBitmapHeader(lock.Bytes().first(std::min(lock.Size(), kHeadSize)));
 }
 
-OwnedPicture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress, std::wstring& damage) {
+Picture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress, std::wstring& damage) {
     const BlockLock lock(block);
     dib::MemorySource source(lock.Bytes());
     dib::BitmapFile bitmap(source);
     if (bitmap.Open() != dib::DibError::kNone) return {};
-    OwnedBlock info = FilledBlock(bitmap.Info().size(), [&](std::span<uint8_t> target) {
-        std::memcpy(target.data(), bitmap.Info().data(), target.size());
+    Picture picture = Picture::Make(bitmap.Info(), [&](std::span<uint8_t> rows) {
+        return bitmap.ReadBits(rows, [&](int percent) {
+            return MayGoOn(progress, percent, 100);
+        }) == dib::DibError::kNone;
     });
-    dib::DibError error = dib::DibError::kReadFailed;
-    OwnedBlock bits = FilledBlock(bitmap.BitsSize(), [&](std::span<uint8_t> target) {
-        error =
-            bitmap.ReadBits(target, [&](int percent) { return MayGoOn(progress, percent, 100); });
-    });
-    if (!info || error != dib::DibError::kNone) return {};
-    damage = bitmap.IsWhole() ? L"" : kCutShortText;
-    return OwnedPicture({info.Release(), bits.Release()});
+    if (picture) damage = bitmap.IsWhole() ? L"" : kCutShortText;
+    return picture;
 }
 
 }  // namespace tessary

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "picture/modMemory.h"
+#include "picture/picture.h"
 
 namespace tessary {
 
@@ -17,15 +17,15 @@ enum class BitmapCheck { kNo, kYes, kUnreadable };
 // opened or read `failure` receives the message that names it.
 BitmapCheck IsBITMAPFile(const std::wstring& path, std::wstring& failure);
 
-// Reads a bitmap file through convertdib.dll. On success the pair is handed out: the caller owns
-// both blocks; on failure everything is freed and `picture` is untouched. Of a file that is cut
-// short what is there is read, and `damage` receives the text that says so; else an empty one.
-bool ReadBitmapFile(const std::wstring& path, PicturePair& picture,
-                    const ReadProgress& progress = {}, std::wstring* damage = nullptr);
+// Reads a bitmap file through convertdib.dll. On failure everything is freed and `picture` is
+// untouched. Of a file that is cut short what is there is read, and `damage` receives the text that
+// says so; else an empty one.
+bool ReadBitmapFile(const std::wstring& path, Picture& picture, const ReadProgress& progress = {},
+                    std::wstring* damage = nullptr);
 
-// The same two for the content of a bitmap file in a block, which stays the caller's. The picture
-// is in the plain form (helpers/dib/dib_view.h); empty when the block cannot be read as a bitmap.
+// The same two for the content of a bitmap file in a block, which stays the caller's. Empty
+// when the block cannot be read as a bitmap.
 bool IsBitmapBlock(HLOCAL block);
-OwnedPicture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress, std::wstring& damage);
+Picture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress, std::wstring& damage);
 
 }  // namespace tessary

@@ -1,7 +1,8 @@
 #include "picture/clipboard_picture.h"
 
-#include <algorithm>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
@@ -67,30 +68,32 @@ Bytes MasksBehind(Bytes info) {
 
 // An info block is never shorter than what the clipboard had: the masks of 32-bit pixels keep their
 // place behind a header that no longer needs them.
-OwnedBlock InfoBlockOf(Bytes plain, Bytes masks) {
-    const size_t size = std::max(plain.size(), dib::kInfoHeaderSize + masks.size());
-    return FilledBlock(size, [&](std::span<uint8_t> target) {
-        if (size > plain.size()) CopyBytes(target.subspan(dib::kInfoHeaderSize), masks);
-        CopyBytes(target, plain);
-    });
+std::vector<uint8_t> InfoBlockOf(Bytes plain, Bytes masks) {
+    std::vector<uint8_t> info(plain.begin(), plain.end());
+    const size_t size = dib::kInfoHeaderSize + masks.size();
+    if (size > info.size()) {
+        info.resize(size);
+        CopyBytes(std::span(info).subspan(dib::kInfoHeaderSize), masks);
+    }
+    return info;
 }
 
-ClipboardBlock ReadBlock(Bytes block, OwnedPicture& picture) {
+ClipboardBlock ReadBlock(Bytes block, Picture& picture) {
     const std::optional<PackedDib> packed = SplitPackedDib(block);
     if (!packed) return ClipboardBlock::kNoPicture;
     const dib::CheckedDib checked = dib::CheckDib(packed->info, packed->bits);
     if (checked.Error() != dib::DibError::kNone) return ClipboardBlock::kNoPicture;
-    OwnedBlock info =
+    const std::vector<uint8_t> info =
         InfoBlockOf(checked.KeepsInfo() ? packed->info : checked.Info(), MasksBehind(packed->info));
-    OwnedBlock bits =
-        checked.KeepsBits()
-            ? FilledBlock(packed->bits.size(),
-                          [&](std::span<uint8_t> target) { CopyBytes(target, packed->bits); })
-            : FilledBlock(checked.BitsSize(),
-                          [&](std::span<uint8_t> target) { checked.WriteBits(target); });
-    if (!info || !bits) return ClipboardBlock::kNoMemory;
-    picture = OwnedPicture({info.Release(), bits.Release()});
-    return ClipboardBlock::kPicture;
+    picture = Picture::Make(info, [&](std::span<uint8_t> rows) {
+        if (checked.KeepsBits()) {
+            CopyBytes(rows, packed->bits);
+        } else {
+            checked.WriteBits(rows);
+        }
+        return true;
+    });
+    return picture ? ClipboardBlock::kPicture : ClipboardBlock::kNoMemory;
 }
 
 void WriteBottomUp(const dib::DibView& picture, std::span<uint8_t> target) {
@@ -137,7 +140,7 @@ UniqueGlobal FileAsBlock(const std::wstring& name) {
 
 }  // namespace
 
-ClipboardBlock ReadClipboardDIB(HGLOBAL block, OwnedPicture& picture) {
+ClipboardBlock ReadClipboardDIB(HGLOBAL block, Picture& picture) {
     return Trapped(ClipboardBlock::kNoMemory, [&] {
         const GlobalBlockLock lock(block);
         return ReadBlock(lock.Content(), picture);
@@ -145,39 +148,35 @@ ClipboardBlock ReadClipboardDIB(HGLOBAL block, OwnedPicture& picture) {
 }
 
 int16_t PictureFromClipboardDIB(HGLOBAL block) {
-    OwnedPicture picture;
+    Picture picture;
     if (ReadClipboardDIB(block, picture) == ClipboardBlock::kPicture) {
-        SetCurrentPicture(picture.Release());
+        SetCurrentPicture(std::move(picture));
     }
     return 0;
 }
 
-UniqueGlobal MakeClipboardDIB(const PicturePair& picture) {
-    const OwnedPicture opaque = OpaquePicture(picture);
-    const PicturePair& given = opaque ? opaque.Get() : picture;
-    const BlockLock info(given.info);
-    const BlockLock bits(given.bits);
-    const std::optional<dib::DibView> view = dib::DibView::Of(info.Bytes(), bits.Bytes());
-    if (!view || view->Format() == dib::PixelFormat::kBgra32) return {};  // no memory
-    dib::BitmapInfoHeader header = view->Header();
+UniqueGlobal MakeClipboardDIB(const Picture& picture) {
+    if (!picture) return {};
+    const Picture opaque = OpaquePicture(picture.View());
+    const Picture& given = opaque ? opaque : picture;
+    if (given.HasAlpha()) return {};  // no memory
+    const dib::DibView& view = given.View();
+    dib::BitmapInfoHeader header = view.Header();
     const size_t infoSize = dib::InfoBlockSize(header);
-    header.height = view->Height();
-    header.sizeImage = static_cast<uint32_t>(view->Bits().size());
-    return FilledGlobal(infoSize + view->Bits().size(), [&](std::span<uint8_t> target) {
-        CopyBytes(target, info.Bytes().first(infoSize));
+    header.height = view.Height();
+    header.sizeImage = static_cast<uint32_t>(view.Bits().size());
+    return FilledGlobal(infoSize + view.Bits().size(), [&](std::span<uint8_t> target) {
+        CopyBytes(target, given.Info().first(infoSize));
         std::memcpy(target.data(), &header, sizeof(header));
-        WriteBottomUp(*view, target.subspan(infoSize));
+        WriteBottomUp(view, target.subspan(infoSize));
         return true;
     });
 }
 
-UniqueGlobal MakeClipboardPNG(const PicturePair& picture) {
-    const BlockLock info(picture.info);
-    const BlockLock bits(picture.bits);
-    if (!dib::DibView::Of(info.Bytes(), bits.Bytes())) return {};
+UniqueGlobal MakeClipboardPNG(const Picture& picture) {
     const TemporaryFile file;
-    if (file.Name().empty() ||
-        !SavePNG(info.Address(), bits.Address(), file.Name(), kQuickPng, 0)) {
+    if (!picture || file.Name().empty() ||
+        !SavePNG(picture.Info().data(), picture.Bits().data(), file.Name(), kQuickPng, 0)) {
         return {};
     }
     return FileAsBlock(file.Name());

@@ -7,17 +7,17 @@
 #include <cstdint>
 
 #include "app/base/handles.h"
-#include "picture/modMemory.h"
+#include "picture/picture.h"
 
 namespace tessary {
 
 enum class ClipboardBlock { kPicture, kNoPicture, kNoMemory };
 
-// What a clipboard block holds, as a new pair in the plain form (helpers/dib): pixels that are
+// What a clipboard block holds, as a new picture: pixels that are
 // run-length encoded or have unusual masks are written anew. The block stays the clipboard's; its
 // real size decides what is read. From any thread. kNoPicture: it is none of a known kind, or not
 // all of one.
-ClipboardBlock ReadClipboardDIB(HGLOBAL block, OwnedPicture& picture);
+ClipboardBlock ReadClipboardDIB(HGLOBAL block, Picture& picture);
 
 // Makes what a clipboard block holds the current picture. The result is always 0: a block that
 // cannot be read leaves the current picture as it is.
@@ -25,12 +25,11 @@ int16_t PictureFromClipboardDIB(HGLOBAL block);
 
 // A picture as such a block, movable, ready to be given to the clipboard: bottom row first, which
 // all programs understand, transparent pixels laid over white, and with opaque fourth bytes of
-// 32-bit pixels, which some take for alpha. The pair must be plain and stays the caller's. Null
-// when it is not, or without memory.
-UniqueGlobal MakeClipboardDIB(const PicturePair& picture);
+// 32-bit pixels, which some take for alpha. Null for no picture, or without memory.
+UniqueGlobal MakeClipboardDIB(const Picture& picture);
 
 // The same picture as the bytes of a PNG file, which keeps alpha: what programs offer and take
 // under the registered clipboard format "PNG". Quickly made, not small. Null when that fails.
-UniqueGlobal MakeClipboardPNG(const PicturePair& picture);
+UniqueGlobal MakeClipboardPNG(const Picture& picture);
 
 }  // namespace tessary

@@ -5,8 +5,8 @@
 namespace tessary {
 namespace {
 
-PicturePair& Current() {
-    static PicturePair picture;
+Picture& Current() {
+    static Picture picture;
     return picture;
 }
 
@@ -17,7 +17,7 @@ std::wstring& Damage() {
 
 }  // namespace
 
-const PicturePair& CurrentPicture() {
+const Picture& CurrentPicture() {
     return Current();
 }
 
@@ -25,9 +25,8 @@ const std::wstring& CurrentPictureDamage() {
     return Damage();
 }
 
-void SetCurrentPicture(PicturePair picture, std::wstring damage) {
-    FreePicture(Current());
-    Current() = picture;
+void SetCurrentPicture(Picture picture, std::wstring damage) {
+    Current() = std::move(picture);
     Damage() = std::move(damage);
 }
 

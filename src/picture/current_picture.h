@@ -3,19 +3,18 @@
 
 #include <string>
 
-#include "picture/modMemory.h"
+#include "picture/picture.h"
 
 namespace tessary {
 
-// The current picture; still owned here.
-const PicturePair& CurrentPicture();
+// The current picture, which is owned here; empty: there is none.
+const Picture& CurrentPicture();
 
 // What is wrong with it when only a part of its file could be read, one line for the user; else
 // empty.
 const std::wstring& CurrentPictureDamage();
 
-// Frees the current picture's blocks and takes over the new pair; an empty pair leaves no current
-// picture.
-void SetCurrentPicture(PicturePair picture, std::wstring damage = {});
+// Frees the current picture and takes over the new one; an empty one leaves no current picture.
+void SetCurrentPicture(Picture picture, std::wstring damage = {});
 
 }  // namespace tessary

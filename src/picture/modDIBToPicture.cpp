@@ -54,29 +54,18 @@ bool DIBToPicture(HDC context, const LockedPair& pair, IPicture** picture) {
     return true;
 }
 
-OwnedPicture CreateDIBFromBitmap(HDC context, HBITMAP bitmap) {
+Picture CreateDIBFromBitmap(HDC context, HBITMAP bitmap) {
     BITMAP size{};
     if (GetObjectW(bitmap, sizeof(size), &size) == 0) return {};
+    dib::BitmapInfoHeader header{
+        dib::kInfoHeaderSize, size.bmWidth, size.bmHeight, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+    header.sizeImage = static_cast<uint32_t>(dib::BitsBlockSize(header));
     BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = size.bmWidth;
-    info.bmiHeader.biHeight = size.bmHeight;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 24;
-    const uint64_t stride = dib::RowStride(static_cast<uint64_t>(size.bmWidth), 24);
-    const uint64_t bytes = stride * static_cast<uint64_t>(size.bmHeight);
-    if (bytes > MAXLONG) return {};
-    info.bmiHeader.biSizeImage = static_cast<DWORD>(bytes);
-    OwnedBlock header = FilledBlock(sizeof(info.bmiHeader), [&](std::span<uint8_t> target) {
-        std::memcpy(target.data(), &info.bmiHeader, target.size());
+    std::memcpy(&info.bmiHeader, &header, sizeof(header));
+    return Picture::Make(dib::BytesOf(header), [&](std::span<uint8_t> rows) {
+        return GetDIBits(context, bitmap, 0, static_cast<UINT>(size.bmHeight), rows.data(), &info,
+                         DIB_RGB_COLORS) == size.bmHeight;
     });
-    bool complete = false;
-    OwnedBlock bits = FilledBlock(static_cast<size_t>(bytes), [&](std::span<uint8_t> target) {
-        complete = GetDIBits(context, bitmap, 0, static_cast<UINT>(size.bmHeight), target.data(),
-                             &info, DIB_RGB_COLORS) == size.bmHeight;
-    });
-    if (!header || !complete) return {};
-    return OwnedPicture({header.Release(), bits.Release()});
 }
 
 }  // namespace tessary

@@ -4,7 +4,7 @@
 #include <ocidl.h>
 #include <windows.h>
 
-#include "picture/modMemory.h"
+#include "picture/picture.h"
 
 namespace tessary {
 
@@ -27,8 +27,8 @@ IPicture* BitmapToPicture(HBITMAP bitmap);
 // behind.
 bool DIBToPicture(HDC context, const LockedPair& pair, IPicture** picture);
 
-// The way back: the pixels of a bitmap as a plain pair with 24 bits per pixel; empty when that
-// fails. The bitmap stays the caller's.
-OwnedPicture CreateDIBFromBitmap(HDC context, HBITMAP bitmap);
+// The way back: the pixels of a bitmap as a picture with 24 bits per pixel; empty when that fails.
+// The bitmap stays the caller's.
+Picture CreateDIBFromBitmap(HDC context, HBITMAP bitmap);
 
 }  // namespace tessary

@@ -85,26 +85,6 @@ class OwnedBlock {
     HLOCAL handle_ = nullptr;
 };
 
-// Owns a picture pair and frees it at the end of its life.
-class OwnedPicture {
-  public:
-    OwnedPicture() = default;
-    explicit OwnedPicture(PicturePair pair) : pair_(pair) {}
-    OwnedPicture(OwnedPicture&& other) noexcept : pair_(other.Release()) {}
-    OwnedPicture& operator=(OwnedPicture&& other) noexcept {
-        std::swap(pair_, other.pair_);
-        return *this;
-    }
-    ~OwnedPicture() { FreePicture(pair_); }
-
-    const PicturePair& Get() const { return pair_; }
-    PicturePair Release() { return std::exchange(pair_, PicturePair{}); }
-    explicit operator bool() const { return pair_.info != nullptr; }
-
-  private:
-    PicturePair pair_;
-};
-
 // Keeps a block locked for its own life.
 class BlockLock {
   public:

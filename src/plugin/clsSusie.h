@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 
+#include "picture/picture.h"
 #include "plugin/archive_members.h"
 #include "plugin/plugin_error.h"
 #include "plugin/plugin_info.h"
@@ -129,13 +130,12 @@ class clsSusie {
     int32_t ColorDepth();
 
     // Decodes the bound picture, through the preview call first if `flags` asks for it.
-    // kMemory: `picture` receives a pair that the caller owns, always in the plain form
-    // (helpers/dib/dib_view.h); the result is 0.
+    // kMemory: `picture` receives the picture; the result is 0.
     // kBmpFile: writes the file `bmpFile`; the result is the writer's, above 0.
     // The result carries kPreviewResult. Raises DecodeError when the plug-in fails, and when what
     // it decoded is no picture.
     uint32_t DecodePicture(DecodeTarget target, uint32_t flags, const SusieProgress& progress,
-                           const std::wstring& bmpFile, PicturePair* picture);
+                           const std::wstring& bmpFile, Picture* picture);
 
     // 0: ShowPicture draws at the picture's own size; else fitted into the box.
     int32_t ShowType() const { return showType_; }
@@ -217,8 +217,8 @@ class clsSusie {
     void Bind(Accept&& accept);
 
     const susie::PictureInfo& Info();
-    OwnedPicture Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag);
-    uint32_t SaveBmp(const PicturePair& picture, const std::wstring& bmpFile);
+    Picture Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag);
+    uint32_t SaveBmp(const Picture& picture, const std::wstring& bmpFile);
     const ArchiveMembers& Members();
     const susie::FileInfo& MemberAt(int32_t index);
     OwnedBlock Extract(const susie::FileInfo& member, const SusieProgress& progress);

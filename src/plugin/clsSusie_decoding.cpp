@@ -2,7 +2,6 @@
 #include "app/base/helper_function.h"
 #include "helpers/convertdib/convertdib.h"
 #include "plugin/clsSusie.h"
-#include "plugin/decoded_picture.h"
 
 namespace tessary {
 namespace {
@@ -54,7 +53,7 @@ int32_t clsSusie::ColorDepth() {
 }
 
 uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const SusieProgress& progress,
-                                 const std::wstring& bmpFile, PicturePair* picture) {
+                                 const std::wstring& bmpFile, Picture* picture) {
     return Member(L"DecodePicture(", [&] {
         RequireNoCall();
         if (bound_.IsEmpty()) throw PluginError(kErrorNothingBound, kNothingBoundText);
@@ -66,14 +65,14 @@ uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const Susi
         }
         RequireModule();
         uint32_t resultFlag = 0;
-        OwnedPicture decoded = Decode(flags, progress, resultFlag);
-        if (target == DecodeTarget::kBmpFile) return SaveBmp(decoded.Get(), bmpFile) | resultFlag;
-        *picture = decoded.Release();
+        Picture decoded = Decode(flags, progress, resultFlag);
+        if (target == DecodeTarget::kBmpFile) return SaveBmp(decoded, bmpFile) | resultFlag;
+        *picture = std::move(decoded);
         return resultFlag;
     });
 }
 
-OwnedPicture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag) {
+Picture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag) {
     calls_.ForgetCondition();
     PicturePair pair;
     int32_t result = kResultUnexpected;
@@ -100,19 +99,17 @@ OwnedPicture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uin
         repeated([&] { return calls_.GetPicture(source.Get(), pair, ProgressRelay::Callback()); });
     }
     if (result != susie::kSuccess) throw DecodeError(static_cast<uint32_t>(result) | resultFlag);
-    OwnedPicture picture = PlainPicture(pair);
+    Picture picture = Picture::FromPair(pair);
     if (!picture) throw DecodeError(kNoPictureResult | resultFlag);
     return picture;
 }
 
-uint32_t clsSusie::SaveBmp(const PicturePair& picture, const std::wstring& bmpFile) {
+uint32_t clsSusie::SaveBmp(const Picture& picture, const std::wstring& bmpFile) {
     const auto save = HelperFunction<convertdib::SaveToBITMAPFileWFunction>(
         L"convertdib.dll", convertdib::kSaveToBITMAPFileWName);
-    const BlockLock info(picture.info);
-    const BlockLock bits(picture.bits);
-    const int saved = save == nullptr || !info || !bits
-                          ? 0
-                          : save(info.Address(), bits.Address(), bmpFile.c_str(), nullptr, 0);
+    const int saved = save == nullptr ? 0
+                                      : save(picture.Info().data(), picture.Bits().data(),
+                                             bmpFile.c_str(), nullptr, 0);
     if (saved == 0) throw PluginError(kErrorSavingFailed, kSavingFailedText);
     return static_cast<uint32_t>(saved);
 }

@@ -27,12 +27,11 @@ RECT FittedRect(int width, int height, int boxWidth, int boxHeight) {
 
 void clsSusie::ShowPicture(HDC context, int boxWidth, int boxHeight, const PicturePair& picture) {
     Member(L"ShowPicture( ", [&] {
-        const OwnedPicture opaque = OpaquePicture(picture);
-        const PicturePair& drawnPair = opaque ? opaque.Get() : picture;
-        const BlockLock info(drawnPair.info);
-        const BlockLock bits(drawnPair.bits);
+        const BlockLock info(picture.info);
+        const BlockLock bits(picture.bits);
         const std::optional<dib::DibView> view = dib::DibView::Of(info.Bytes(), bits.Bytes());
         if (!view) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
+        const Picture opaque = OpaquePicture(*view);
 
         const bool fit = showType_ != 0;
         const RECT target = fit ? FittedRect(view->Width(), view->Height(), boxWidth, boxHeight)
@@ -40,8 +39,11 @@ void clsSusie::ShowPicture(HDC context, int boxWidth, int boxHeight, const Pictu
         SetStretchBltMode(context, COLORONCOLOR);
         const int drawn = StretchDIBits(
             context, target.left, target.top, target.right - target.left,
-            target.bottom - target.top, 0, 0, view->Width(), view->Height(), bits.Address(),
-            static_cast<const BITMAPINFO*>(info.Address()), DIB_RGB_COLORS, SRCCOPY);
+            target.bottom - target.top, 0, 0, view->Width(), view->Height(),
+            opaque ? opaque.Bits().data() : bits.Address(),
+            static_cast<const BITMAPINFO*>(opaque ? static_cast<const void*>(opaque.Info().data())
+                                                  : info.Address()),
+            DIB_RGB_COLORS, SRCCOPY);
         calls_.SetError(L"ShowPicture Return:" + std::to_wstring(drawn) + L" " +
                             (fit ? L"PreView ShowFixControl" : L"PreView ShowDefault"),
                         L"ShowPicture( ");

@@ -34,14 +34,15 @@ uint64_t BitsOffset(const dib::BitmapInfoHeader& header) {
     return dib::InfoBlockSize(header);
 }
 
-std::optional<PictureParts> PartsOfFileImage(Bytes image) {
-    if (image.size() < dib::kFileHeaderSize + dib::kInfoHeaderSize) return std::nullopt;
+// Empty ones when it is none.
+PictureParts PartsOfFileImage(Bytes image) {
+    if (image.size() < dib::kFileHeaderSize + dib::kInfoHeaderSize) return {};
     const Bytes info = image.subspan(dib::kFileHeaderSize);
     dib::BitmapInfoHeader header;
     std::memcpy(&header, info.data(), sizeof(header));
     const uint64_t offset = BitsOffset(header);
-    if (offset > info.size()) return std::nullopt;
-    return PictureParts{info, info.subspan(static_cast<size_t>(offset))};
+    if (offset > info.size()) return {};
+    return {info, info.subspan(static_cast<size_t>(offset))};
 }
 
 std::optional<SaveFormat> FormatFor(const std::wstring& fileName) {
@@ -54,51 +55,53 @@ std::optional<SaveFormat> FormatFor(const std::wstring& fileName) {
 
 bool SaveParts(SaveFormat format, const PictureParts& parts, const std::wstring& fileName,
                LONG_PTR passThrough) {
-    // The libraries only see addresses: whether the blocks are as large as the header says is
-    // known here alone.
-    if (!dib::DibView::Of(parts.info, parts.bits)) {
-        SetLastError(ERROR_INVALID_DATA);
-        return false;
-    }
     const void* const info = parts.info.data();
     const void* const bits = parts.bits.data();
     const ProcessValues& values = Values();
-    switch (format) {
-        case SaveFormat::kBMP:
-            return SaveBitmap(info, bits, fileName, values.bmpSave, passThrough);
-        case SaveFormat::kPNG:
-            return SavePNG(info, bits, fileName, values.pngSave, passThrough);
-        case SaveFormat::kJPEG:
-            return SaveJPEG(info, bits, fileName, values.jpegSave, passThrough);
-    }
-    return false;
+    return Trapped(false, [&] {
+        switch (format) {
+            case SaveFormat::kBMP:
+                return SaveBitmap(info, bits, fileName, values.bmpSave, passThrough);
+            case SaveFormat::kPNG:
+                return SavePNG(info, bits, fileName, values.pngSave, passThrough);
+            case SaveFormat::kJPEG:
+                return SaveJPEG(info, bits, fileName, values.jpegSave, passThrough);
+        }
+        return false;
+    });
 }
 
 }  // namespace
 
-bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
-                     LONG_PTR passThrough) {
+bool SavePictureFile(const Picture& picture, const std::wstring& fileName, LONG_PTR passThrough) {
     const std::optional<SaveFormat> format = FormatFor(fileName);
     if (!format) SetLastError(ERROR_INVALID_NAME);
     return format && SavePictureAs(*format, picture, fileName, passThrough);
 }
 
-bool SavePictureAs(SaveFormat format, const PicturePair& picture, const std::wstring& fileName,
+bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
+                     LONG_PTR passThrough) {
+    const BlockLock info(picture.info);
+    const BlockLock bits(picture.bits);
+    const std::optional<SaveFormat> format = FormatFor(fileName);
+    const auto parts = picture.bits != nullptr ? PictureParts{info.Bytes(), bits.Bytes()}
+                                               : PartsOfFileImage(info.Bytes());
+    // The libraries only see addresses: whether the blocks are as large as the header says is
+    // known here alone.
+    if (!format || !dib::DibView::Of(parts.info, parts.bits)) {
+        SetLastError(format ? ERROR_INVALID_DATA : ERROR_INVALID_NAME);
+        return false;
+    }
+    return SaveParts(*format, parts, fileName, passThrough);
+}
+
+bool SavePictureAs(SaveFormat format, const Picture& picture, const std::wstring& fileName,
                    LONG_PTR passThrough) {
-    if (picture.info == nullptr) {
+    if (!picture) {
         SetLastError(ERROR_INVALID_DATA);
         return false;
     }
-    return Trapped(false, [&] {
-        const BlockLock info(picture.info);
-        const BlockLock bits(picture.bits);
-        if (picture.bits != nullptr) {
-            return SaveParts(format, {info.Bytes(), bits.Bytes()}, fileName, passThrough);
-        }
-        const std::optional<PictureParts> parts = PartsOfFileImage(info.Bytes());
-        if (!parts) SetLastError(ERROR_INVALID_DATA);
-        return parts && SaveParts(format, *parts, fileName, passThrough);
-    });
+    return SaveParts(format, {picture.Info(), picture.Bits()}, fileName, passThrough);
 }
 
 bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,

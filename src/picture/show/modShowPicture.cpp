@@ -1,5 +1,6 @@
 #include "picture/show/modShowPicture.h"
 
+#include <utility>
 #include <vector>
 
 #include "app/base/distant_file.h"
@@ -19,23 +20,23 @@
 namespace tessary {
 namespace {
 
-// Puts a pair into the view at its own size.
-bool PutIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
-    const OwnedPicture opaque = OpaquePicture(pair);
-    const PicturePair& shown = opaque ? opaque.Get() : pair;
-    const BlockLock info(shown.info);
-    const BlockLock bits(shown.bits);
+// Puts a picture into the view at its own size.
+bool PutIntoView(const Picture& picture, SIZE size, PictureView& view) {
+    const Picture opaque = OpaquePicture(picture.View());
+    const Picture& shown = opaque ? opaque : picture;
     const UniqueScreenDc screen(GetDC(nullptr));
-    IPicture* picture = nullptr;
-    if (!DIBToPicture(screen.Get(), {info.Address(), bits.Address()}, &picture)) return false;
-    view.SetPicture(picture, size.cx, size.cy);
-    picture->Release();
+    IPicture* object = nullptr;
+    if (!DIBToPicture(screen.Get(), {shown.Info().data(), shown.Bits().data()}, &object)) {
+        return false;
+    }
+    view.SetPicture(object, size.cx, size.cy);
+    object->Release();
     return true;
 }
 
-bool PutResizedIntoView(const PicturePair& pair, SIZE size, PictureView& view) {
-    const OwnedPicture resized = ResizePicture(pair, size.cx, size.cy);
-    return resized && PutIntoView(resized.Get(), size, view);
+bool PutResizedIntoView(const Picture& picture, SIZE size, PictureView& view) {
+    const Picture resized = ResizePicture(picture, size.cx, size.cy);
+    return resized && PutIntoView(resized, size, view);
 }
 
 constexpr wchar_t kNoPluginText[] = L"対応しているプラグインがありません。";
@@ -80,7 +81,7 @@ FileKind KindOf(const clsSusie* plugin) {
 // none.
 ShownFile Show(ReadResult result, const std::wstring& path, PictureView& view) {
     if (IsPictureKind(result.file.kind)) {
-        SetCurrentPicture(result.picture.Release(), result.file.damage);
+        SetCurrentPicture(std::move(result.picture), result.file.damage);
         if (DisplayCurrentPicture(view)) return result.file;
         result.file = {.failure = FailureText(result.subject, kDrawingFailedText)};
     }
@@ -132,13 +133,12 @@ void ShowReasonFor(PictureView& view, const std::wstring& reason) {
 }
 
 bool DisplayCurrentPicture(PictureView& view) {
-    const PicturePair& current = CurrentPicture();
-    dib::BitmapInfoHeader header{};
-    if (!GetPictureHeader(current, header)) {
+    const Picture& current = CurrentPicture();
+    if (!current) {
         view.ClearPicture();
         return true;
     }
-    const SIZE own{header.width, header.height < 0 ? -header.height : header.height};
+    const SIZE own{current.Width(), current.Height()};
     const SIZE wanted = FitIntoBox(own, SizeModeBox(Values().fixSizeValue, view.WorkAreaSize()));
     const bool fits = wanted.cx == own.cx && wanted.cy == own.cy;
     if (!fits && PutResizedIntoView(current, wanted, view)) return true;

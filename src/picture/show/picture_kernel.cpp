@@ -12,7 +12,6 @@
 #include "app/settings/modValue.h"
 #include "helpers/kernel/pic_kernel.h"
 #include "picture/bitmap_file.h"
-#include "plugin/decoded_picture.h"
 
 namespace tessary {
 namespace {
@@ -76,47 +75,46 @@ class TemporaryFileTurn {
     bool held_ = false;
 };
 
-// Takes the image over the temporary file in that folder into a picture pair.
-OwnedPicture ThroughFile(const Kernel& kernel, kernel::HIMAGE image, const std::wstring& folder) {
+// Takes the image over the temporary file in that folder.
+Picture ThroughFile(const Kernel& kernel, kernel::HIMAGE image, const std::wstring& folder) {
     const std::wstring path = folder + kTemporaryName;
     if (kernel.writeImage(image, path.c_str()) != kernel::kKernelOk) return {};
     // Nobody is to save it on a disk or send it anywhere.
     SetFileAttributesW(ExtendedPath(path).c_str(), FILE_ATTRIBUTE_TEMPORARY);
-    PicturePair pair;
-    const bool read = ReadBitmapFile(path, pair);
+    Picture picture;
+    ReadBitmapFile(path, picture);
     DeleteFileW(ExtendedPath(path).c_str());
-    return read ? OwnedPicture(pair) : OwnedPicture();
+    return picture;
 }
 
 // A program folder that cannot be written is no reason to show the picture in the wrong size.
-OwnedPicture ThroughFile(const Kernel& kernel, kernel::HIMAGE image) {
+Picture ThroughFile(const Kernel& kernel, kernel::HIMAGE image) {
     const TemporaryFileTurn turn;
     std::optional<bool>& avoidsProgramFolder = Values().avoidsProgramFolder;
     if (!avoidsProgramFolder) avoidsProgramFolder = IsInCloud(AppFolder());
     if (!*avoidsProgramFolder) {
-        OwnedPicture result = ThroughFile(kernel, image, AppFolder());
+        Picture result = ThroughFile(kernel, image, AppFolder());
         if (result) return result;
         avoidsProgramFolder = true;
     }
     return ThroughFile(kernel, image, TemporaryFolder());
 }
 
-OwnedPicture ThroughMemory(const Kernel& kernel, kernel::HIMAGE image) {
+Picture ThroughMemory(const Kernel& kernel, kernel::HIMAGE image) {
     PicturePair pair;
     if (kernel.writeMemoryImage(image, &pair.info, &pair.bits) != kernel::kKernelOk) return {};
-    return PlainPicture(pair);
+    return Picture::FromPair(pair);
 }
 
 }  // namespace
 
-OwnedPicture ResizePicture(const PicturePair& picture, int width, int height, Handover handover) {
+Picture ResizePicture(const Picture& picture, int width, int height, Handover handover) {
     const Kernel kernel;
     if (!kernel.IsComplete()) return {};
-    const BlockLock info(picture.info);
-    const BlockLock bits(picture.bits);
     KernelImage source(kernel);
     KernelImage resized(kernel);
-    if (kernel.attachMemoryImage(info.Address(), info.Size(), bits.Address(), bits.Size(),
+    if (kernel.attachMemoryImage(picture.Info().data(), picture.Info().size(),
+                                 picture.Bits().data(), picture.Bits().size(),
                                  source.Receive()) != kernel::kKernelOk) {
         return {};
     }

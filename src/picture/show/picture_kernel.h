@@ -2,7 +2,7 @@
 // plg_resize.fplg and bmp_export.eplg, which start-up has made resident.
 #pragma once
 
-#include "picture/modMemory.h"
+#include "picture/picture.h"
 
 namespace tessary {
 
@@ -12,11 +12,11 @@ enum class Handover {
     kFile,    // through ~temp.bmp in the application folder
 };
 
-// A new plain picture of the given size in pixels, made from `picture`, which must be a plain and
-// checked pair. The file lies in the user's temporary folder instead when the application folder
-// belongs to a cloud, and, until the program ends, once it was refused there. Empty when a library
-// is missing or a step fails.
-OwnedPicture ResizePicture(const PicturePair& picture, int width, int height,
-                           Handover handover = Handover::kMemory);
+// A new picture of the given size in pixels, made from `picture`, which must not be empty. The file
+// lies in the user's temporary folder instead when the application folder belongs to a cloud, and,
+// until the program ends, once it was refused there. Empty when a library is missing or a step
+// fails.
+Picture ResizePicture(const Picture& picture, int width, int height,
+                      Handover handover = Handover::kMemory);
 
 }  // namespace tessary

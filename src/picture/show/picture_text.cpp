@@ -1,17 +1,15 @@
 #include "picture/show/picture_text.h"
 
-#include <cstdlib>
-
 #include "picture/current_picture.h"
 
 namespace tessary {
 
 std::wstring PictureInfoTail() {
-    dib::BitmapInfoHeader header{};
-    if (!GetPictureHeader(CurrentPicture(), header)) return {};
-    return L" ( " + std::to_wstring(header.width) + L"×" +
-           std::to_wstring(std::abs(header.height)) + L" " + std::to_wstring(header.bitCount) +
-           L"bit )" + (CurrentPictureDamage().empty() ? L"" : kDamagedMark);
+    const Picture& picture = CurrentPicture();
+    if (!picture) return {};
+    return L" ( " + std::to_wstring(picture.Width()) + L"×" + std::to_wstring(picture.Height()) +
+           L" " + std::to_wstring(picture.Header().bitCount) + L"bit )" +
+           (CurrentPictureDamage().empty() ? L"" : kDamagedMark);
 }
 
 }  // namespace tessary

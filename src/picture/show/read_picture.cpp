@@ -110,9 +110,8 @@ ReadResult OfferToPlugins(Offer offer, ReadWatch& watch) {
             continue;
         }
         try {
-            PicturePair pair;
-            plugin.DecodePicture(DecodeTarget::kMemory, 0, watch.Progress(), {}, &pair);
-            OwnedPicture picture(pair);
+            Picture picture;
+            plugin.DecodePicture(DecodeTarget::kMemory, 0, watch.Progress(), {}, &picture);
             if (watch.IsStopped()) return Stopped();
             return {{.kind = kFilePicture, .pluginName = name, .damage = plugin.Damage()},
                     std::move(picture),
@@ -174,7 +173,7 @@ ReadResult DecodeBlock(HLOCAL block, const std::wstring& name, const std::wstrin
 // A bitmap that was read, or, if it could not be, what plug-ins make of it: it is damaged, or no
 // bitmap after all.
 template <typename DecodeByPlugins>
-ReadResult BitmapOr(OwnedPicture picture, std::wstring damage, const std::wstring& subject,
+ReadResult BitmapOr(Picture picture, std::wstring damage, const std::wstring& subject,
                     ReadWatch& watch, DecodeByPlugins decodeByPlugins) {
     if (watch.IsStopped()) return Stopped();
     if (picture) {
@@ -192,7 +191,7 @@ ReadResult ReadBlock(HLOCAL block, const std::wstring& name, const std::wstring&
     const auto decode = [&] { return DecodeBlock(block, name, subject, watch); };
     if (!IsBitmapBlock(block)) return decode();
     std::wstring damage;
-    OwnedPicture picture = ReadBitmapBlock(block, watch.Progress(), damage);
+    Picture picture = ReadBitmapBlock(block, watch.Progress(), damage);
     return BitmapOr(std::move(picture), std::move(damage), subject, watch, decode);
 }
 
@@ -206,10 +205,10 @@ ReadResult ReadFileAt(const std::wstring& path, ReadWatch& watch) {
         case BitmapCheck::kYes:
             break;
     }
-    PicturePair pair;
+    Picture picture;
     std::wstring damage;
-    ReadBitmapFile(path, pair, watch.Progress(), &damage);
-    return BitmapOr(OwnedPicture(pair), std::move(damage), SubjectOf(path), watch,
+    ReadBitmapFile(path, picture, watch.Progress(), &damage);
+    return BitmapOr(std::move(picture), std::move(damage), SubjectOf(path), watch,
                     [&] { return DecodeFile(path, watch); });
 }
 

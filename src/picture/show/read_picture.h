@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "picture/modMemory.h"
+#include "picture/picture.h"
 #include "picture/show/picture_view.h"
 #include "picture/show/shown_file.h"
 
@@ -13,7 +13,7 @@ namespace tessary {
 // What came of the attempts to read a picture. The picture is there exactly for a picture's kind.
 struct ReadResult {
     ShownFile file;
-    OwnedPicture picture;
+    Picture picture;
     std::wstring subject;  // how messages name it
 };
 

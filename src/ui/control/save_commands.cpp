@@ -136,7 +136,7 @@ void SaveCommands::menuFileSaveAs_Click() {
     Choice chosen{};
     const bool accepted = choose_(owner, RequestFor(chosen));
     // The session may have ended meanwhile.
-    if (!accepted || CurrentPicture().info == nullptr) return;
+    if (!accepted || !CurrentPicture()) return;
     format_ = chosen.format;
     Values().general.savePath = WithoutBackslash(FolderOf(chosen.path));
     Save(chosen);

@@ -28,19 +28,13 @@ bool OffersPicture() {
     return IsClipboardFormatAvailable(CF_BITMAP) || IsClipboardFormatAvailable(CF_DIB);
 }
 
-int64_t PixelsOf(const PicturePair& picture) {
-    dib::BitmapInfoHeader header{};
-    GetPictureHeader(picture, header);
-    return int64_t{header.width} * std::abs(int64_t{header.height});
-}
-
 // The device-independent bitmap stands for the plain bitmap too, which the system makes of it when
 // a program asks.
-ClipboardResult CopyPicture(HWND owner, const PicturePair& picture) {
+ClipboardResult CopyPicture(HWND owner, const Picture& picture) {
     std::vector<ClipboardItem> items;
     items.push_back({CF_DIB, MakeClipboardDIB(picture)});
     if (!items[0].block) return {ClipboardFailure::kRefused};
-    if (PixelsOf(picture) <= kMostPngPixels) {
+    if (int64_t{picture.Width()} * picture.Height() <= kMostPngPixels) {
         UniqueGlobal png = MakeClipboardPNG(picture);
         if (png) items.push_back({RegisterClipboardFormatW(L"PNG"), std::move(png)});
     }
@@ -49,7 +43,7 @@ ClipboardResult CopyPicture(HWND owner, const PicturePair& picture) {
 
 // What was found on the clipboard.
 struct Taken {
-    OwnedPicture picture = {};
+    Picture picture = {};
     bool isNoPicture = false;
     std::wstring trouble = {};  // for the user; empty: none
 };
@@ -139,7 +133,7 @@ void ClipboardCommands::menuEditPaste_Click() {
         ShowMessageBox(L"貼り付けできません。\r\n" + taken->trouble, MB_ICONEXCLAMATION);
         return;
     }
-    SetCurrentPicture(taken->picture.Release());
+    SetCurrentPicture(std::move(taken->picture));
     if (!DisplayCurrentPicture(window_)) {
         // Neither the former picture nor this one's name may stand for what is not there.
         SetCurrentPicture({});
@@ -148,12 +142,11 @@ void ClipboardCommands::menuEditPaste_Click() {
         ShowMessageBox(L"クリップボード内の画像 を表示できません。", MB_ICONEXCLAMATION);
         return;
     }
-    dib::BitmapInfoHeader header{};
-    GetPictureHeader(CurrentPicture(), header);
     window_.SetPictureSource({kPictureSource, {}});
     const std::wstring name = L"クリップボード内の画像";
-    window_.SetPanelText(kPluginCountPanel,
-                         kTagShown + name + L" ( " + std::to_wstring(header.bitCount) + L"bit )");
+    window_.SetPanelText(
+        kPluginCountPanel,
+        kTagShown + name + L" ( " + std::to_wstring(CurrentPicture().Header().bitCount) + L"bit )");
     window_.ShowForeignPicture(name + PictureInfoTail());
 }
 

@@ -293,9 +293,8 @@ void frmMain::ShowForeignPicture(const std::wstring& info) {
 }
 
 void frmMain::menuPopup_Click(int item) {
-    dib::BitmapInfoHeader header{};
-    if (!GetPictureHeader(CurrentPicture(), header)) return;
-    CopyTextToClipboard(Handle(), PicturePopupCopyText(item, source_, header));
+    if (!CurrentPicture()) return;
+    CopyTextToClipboard(Handle(), PicturePopupCopyText(item, source_, CurrentPicture().Header()));
 }
 
 void frmMain::pictureView_KeyDown(int keyCode, int shift) {
@@ -334,11 +333,10 @@ void frmMain::pictureView_ContextMenu(POINT onScreen) {
     restingPointer_.Wake();
     const UniqueMenu window = LoadMenuResource(menuPopupWindow);
     const HMENU popup = GetSubMenu(window.Get(), 0);
-    dib::BitmapInfoHeader header{};
-    const bool isShown = PictureShown() && GetPictureHeader(CurrentPicture(), header);
+    const dib::BitmapInfoHeader* const header =
+        PictureShown() && CurrentPicture() ? &CurrentPicture().Header() : nullptr;
     ForEachMenuCommand(popup, [&](int item) {
-        SetMenuCaption(popup, item,
-                       AsMenuCaption(PicturePopupText(item, source_, isShown ? &header : nullptr)));
+        SetMenuCaption(popup, item, AsMenuCaption(PicturePopupText(item, source_, header)));
     });
     // The full screen has no other menu.
     AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);

@@ -27,10 +27,8 @@ constexpr wchar_t kStretch[] = L"WallpaperStyle";
 constexpr wchar_t kNotStretched[] = L"0";
 
 // A plain bitmap, whatever the user has chosen for his own files: it is read by the desktop.
-bool SavePlainly(const PicturePair& picture, const std::wstring& fileName) {
-    const BlockLock info(picture.info);
-    const BlockLock bits(picture.bits);
-    return info && bits && SaveBitmap(info.Address(), bits.Address(), fileName, {});
+bool SavePlainly(const Picture& picture, const std::wstring& fileName) {
+    return SaveBitmap(picture.Info().data(), picture.Bits().data(), fileName, {});
 }
 
 bool SetUserWallpaper(const std::wstring& file) {
@@ -100,11 +98,11 @@ void WallpaperCommands::Show(const std::wstring& file) const {
 std::wstring WallpaperCommands::SavePicture(DWORD& error) const {
     const BusyPointer busy;
     const UniqueScreenDc screen(GetDC(nullptr));
-    const OwnedPicture picture = CreateDIBFromBitmap(screen.Get(), window_.pictureView().Bitmap());
+    const Picture picture = CreateDIBFromBitmap(screen.Get(), window_.pictureView().Bitmap());
     if (!picture) return {};
     for (const std::wstring& folder : desktop_.folders) {
         CreateDirectoryW(folder.c_str(), nullptr);
-        if (SavePlainly(picture.Get(), folder + kFileName)) return folder + kFileName;
+        if (SavePlainly(picture, folder + kFileName)) return folder + kFileName;
         error = GetLastError();
     }
     return {};

@@ -36,23 +36,19 @@ class ClipboardPictureTest : public testing::Test {
   protected:
     ~ClipboardPictureTest() override { SetCurrentPicture({}); }
 
-    // Pastes a block. The pixels' bytes, top row first; "-" when the former picture stayed, "?"
-    // when the new one is not plain.
+    // Pastes a block. The pixels' bytes, top row first; "-" when there is none.
     std::string Paste(const std::string& block) {
         const UniqueGlobal global(GlobalAlloc(GMEM_MOVEABLE, block.size()));
         std::memcpy(GlobalLock(global.Get()), block.data(), block.size());
         GlobalUnlock(global.Get());
         SetCurrentPicture({});
         EXPECT_EQ(PictureFromClipboardDIB(global.Get()), 0);
-        if (CurrentPicture().info == nullptr) return "-";
-        const BlockLock info(CurrentPicture().info);
-        const BlockLock bits(CurrentPicture().bits);
-        infoSize_ = info.Size();
-        const auto view = dib::DibView::Of(info.Bytes(), bits.Bytes());
-        if (!view) return "?";
+        if (!CurrentPicture()) return "-";
+        infoSize_ = CurrentPicture().Info().size();
+        const dib::DibView& view = CurrentPicture().View();
         std::string rows;
-        for (int32_t y = 0; y < view->Height(); ++y) {
-            rows.append(reinterpret_cast<const char*>(view->Row(y).data()), view->Stride());
+        for (int32_t y = 0; y < view.Height(); ++y) {
+            rows.append(reinterpret_cast<const char*>(view.Row(y).data()), view.Stride());
         }
         return rows;
     }
@@ -106,10 +102,9 @@ TEST_F(ClipboardPictureTest, RefusesWhatTheBlockDoesNotHold) {
     EXPECT_EQ(Paste("head"), "-");
 
     // The former picture stays.
-    SetCurrentPicture({LocalAlloc(LHND, 40), LocalAlloc(LHND, 4)});
-    const HLOCAL former = CurrentPicture().info;
+    ASSERT_EQ(Paste(Block(Header(1, 1, 24), "BGR_")), "BGR_");
     EXPECT_EQ(PictureFromClipboardDIB(nullptr), 0);
-    EXPECT_EQ(CurrentPicture().info, former);
+    EXPECT_TRUE(CurrentPicture());
 }
 
 TEST_F(ClipboardPictureTest, OthersGetBottomUpRowsWithoutTransparency) {

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
 
 #include "app/base/handles.h"
 #include "picture/current_picture.h"
 #include "picture/modDIBToPicture.h"
+#include "picture/picture.h"
 
 namespace tessary {
 namespace {
@@ -15,28 +17,42 @@ HLOCAL Movable(size_t size) {
     return LocalAlloc(LMEM_MOVEABLE | LMEM_ZEROINIT, size);
 }
 
+std::span<const uint8_t> BytesOf(const std::string& text) {
+    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
+
+std::string HeaderOf(int32_t width, int32_t height, uint16_t bitCount) {
+    const dib::BitmapInfoHeader header{40, width, height, 1, bitCount, 0, 0, 0, 0, 0, 0};
+    return {reinterpret_cast<const char*>(&header), sizeof(header)};
+}
+
+OwnedBlock BlockOf(const std::string& bytes) {
+    return FilledBlock(bytes.size(), [&](std::span<uint8_t> target) {
+        std::memcpy(target.data(), bytes.data(), bytes.size());
+    });
+}
+
+PicturePair PairOf(const std::string& info, const std::string& bits) {
+    return {BlockOf(info).Release(), BlockOf(bits).Release()};
+}
+
 int __stdcall CrashAlways(FARPROC, LONG_PTR) {
     return 0;
 }
 
 TEST(PictureMemoryTest, NullAndFreedHandlesAreHarmless) {
-    EXPECT_FALSE(IsLocalHandleValid(nullptr));
-    EXPECT_EQ(LockLocalHandle(nullptr), kInvalidLock);
-    EXPECT_EQ(UnlockLocalHandle(nullptr), -1);
-    EXPECT_EQ(LocalHandleSize(nullptr), -1);
-    HLOCAL none = nullptr;
-    EXPECT_FALSE(FreeLocalHandle(none));
-
     HLOCAL block = Movable(64);
     const HLOCAL stale = block;
     EXPECT_TRUE(FreeLocalHandle(block));
     EXPECT_EQ(block, nullptr);
-    HLOCAL again = stale;
-    EXPECT_FALSE(IsLocalHandleValid(stale));
-    EXPECT_EQ(LockLocalHandle(stale), kInvalidLock);
-    EXPECT_EQ(LocalHandleSize(stale), -1);
-    EXPECT_FALSE(FreeLocalHandle(again));
-    EXPECT_EQ(again, nullptr);
+    for (HLOCAL handle : {HLOCAL{}, stale}) {
+        EXPECT_FALSE(IsLocalHandleValid(handle));
+        EXPECT_EQ(LockLocalHandle(handle), kInvalidLock);
+        EXPECT_EQ(UnlockLocalHandle(handle), -1);
+        EXPECT_EQ(LocalHandleSize(handle), -1);
+        EXPECT_FALSE(FreeLocalHandle(handle));
+        EXPECT_EQ(handle, nullptr);
+    }
 }
 
 TEST(PictureMemoryTest, LocksUnlocksAndSizes) {
@@ -77,31 +93,103 @@ TEST(PictureMemoryTest, HeaderComesFromTheInfoBlockOnly) {
     dib::BitmapInfoHeader header{};
     header.width = 77;
     EXPECT_FALSE(GetPictureHeader({}, header));
-    EXPECT_EQ(header.width, 77);
-    OwnedPicture shortBlock(PicturePair{Movable(12), nullptr});
-    EXPECT_TRUE(GetPictureHeader(shortBlock.Get(), header));
+    const OwnedBlock shortBlock(Movable(12));
+    EXPECT_TRUE(GetPictureHeader({shortBlock.Get(), nullptr}, header));
     EXPECT_EQ(header.width, 77);  // nothing is read behind a block that is too short
-    OwnedPicture picture(PicturePair{Movable(40), nullptr});
-    {
-        const BlockLock lock(picture.Get().info);
-        static_cast<dib::BitmapInfoHeader*>(lock.Address())->width = 5;
-    }
-    EXPECT_TRUE(GetPictureHeader(picture.Get(), header));
+    const OwnedBlock info = BlockOf(HeaderOf(5, 1, 24));
+    EXPECT_TRUE(GetPictureHeader({info.Get(), nullptr}, header));
     EXPECT_EQ(header.width, 5);
-    EXPECT_EQ(UnlockLocalHandle(picture.Get().info), -1);  // every lock was taken off again
+    EXPECT_EQ(UnlockLocalHandle(info.Get()), -1);  // the lock was taken off again
 }
 
-TEST(PictureMemoryTest, CurrentPictureFreesItsPredecessor) {
-    const PicturePair first{Movable(40), Movable(4)};
-    SetCurrentPicture(first);
-    EXPECT_EQ(CurrentPicture().info, first.info);
-    SetCurrentPicture({Movable(40), Movable(4)});
-    EXPECT_FALSE(IsLocalHandleValid(first.info));
-    EXPECT_FALSE(IsLocalHandleValid(first.bits));
-    const PicturePair second = CurrentPicture();
+// A picture's memory that is no pair.
+class VectorMemory : public PictureMemory {
+  public:
+    VectorMemory(std::string info, std::string bits)
+        : info_(std::move(info)), bits_(std::move(bits)) {}
+    std::span<const uint8_t> Info() const override { return BytesOf(info_); }
+    std::span<const uint8_t> Bits() const override { return BytesOf(bits_); }
+
+  private:
+    std::string info_;
+    std::string bits_;
+};
+
+TEST(PictureTest, APairStaysWhereItIsUntilItIsFreed) {
+    const PicturePair pair = PairOf(HeaderOf(1, -2, 32), "toprlowr");
+    Picture picture = Picture::FromPair(pair);
+    ASSERT_TRUE(picture);
+    EXPECT_EQ(picture.Height(), 2);
+    EXPECT_FALSE(picture.HasAlpha());
+    EXPECT_EQ(picture.View().Row(1)[0], 'l');
+    EXPECT_EQ(LocalFlags(pair.bits) & LMEM_LOCKCOUNT, 1u);
+
+    Picture other = std::move(picture);
+    EXPECT_FALSE(picture);
+    const PicturePair released = other.ReleasePair();
+    EXPECT_FALSE(other);
+    EXPECT_EQ(released.bits, pair.bits);
+    EXPECT_EQ(LocalFlags(pair.info) & LMEM_LOCKCOUNT, 0u);
+    SetCurrentPicture(Picture::FromPair(released), L"torn");
+    EXPECT_EQ(CurrentPicture().Width(), 1);
+    SetCurrentPicture(Picture::FromPair(PairOf(HeaderOf(3, 1, 8), std::string(4, 'x'))));
+    EXPECT_FALSE(IsLocalHandleValid(pair.info));
+    EXPECT_FALSE(IsLocalHandleValid(pair.bits));
+    EXPECT_EQ(CurrentPictureDamage(), L"");
     SetCurrentPicture({});
-    EXPECT_FALSE(IsLocalHandleValid(second.info));
-    EXPECT_EQ(CurrentPicture().info, nullptr);
+    EXPECT_FALSE(CurrentPicture());
+}
+
+TEST(PictureTest, APairIsPutRightOrRefusedAndFreed) {
+    PicturePair pair = PairOf(HeaderOf(1, 2, 24) + "more", "BGRbgr");  // rows without padding
+    Picture picture = Picture::FromPair(pair);
+    ASSERT_TRUE(picture);
+    EXPECT_EQ(picture.View().Row(0)[0], 'b');
+    EXPECT_FALSE(IsLocalHandleValid(pair.bits));
+
+    const HLOCAL one = Movable(64);
+    for (const PicturePair refused :
+         {PairOf(HeaderOf(1, 2, 24), "BGR"), PairOf("head", "BGR_"), PicturePair{one, one},
+          PicturePair{nullptr, Movable(4)}, PicturePair{Movable(40), nullptr}}) {
+        EXPECT_FALSE(Picture::FromPair(refused));
+        EXPECT_FALSE(IsLocalHandleValid(refused.info));
+        EXPECT_FALSE(IsLocalHandleValid(refused.bits));
+    }
+}
+
+TEST(PictureTest, MemoryOfAnyKindMayHoldIt) {
+    const auto make = [](const std::string& bits) {
+        return Picture(std::make_unique<VectorMemory>(HeaderOf(1, 1, 24), bits));
+    };
+    EXPECT_FALSE(make("BGR"));
+    Picture picture = make("BGR_");
+    ASSERT_TRUE(picture);
+    PicturePair pair = picture.ReleasePair();
+    EXPECT_FALSE(picture);
+    EXPECT_EQ(LocalHandleSize(pair.info), 40);
+    EXPECT_EQ(LocalHandleSize(pair.bits), 4);
+    FreePicture(pair);
+    EXPECT_EQ(picture.ReleasePair().info, nullptr);
+}
+
+TEST(PictureTest, ANewOneHasTheRowsThatItsHeaderAnnounces) {
+    size_t room = 0;
+    const auto make = [&](const std::string& info, bool goesOn = true) {
+        room = 0;
+        return static_cast<bool>(Picture::Make(BytesOf(info), [&](std::span<uint8_t> rows) {
+            room = rows.size();
+            return goesOn;
+        }));
+    };
+    EXPECT_TRUE(make(HeaderOf(5, -3, 24)));
+    EXPECT_EQ(room, 48u);
+    EXPECT_FALSE(make(HeaderOf(5, 3, 24), false));
+    EXPECT_EQ(room, 48u);
+    for (const std::string& refused : {HeaderOf(5, 3, 8), HeaderOf(0, 3, 24), HeaderOf(5, 3, 23),
+                                       HeaderOf(0x7FFFFFFF, 0x7FFFFFFF, 32), std::string("head")}) {
+        EXPECT_FALSE(make(refused));
+        EXPECT_EQ(room, 0u);
+    }
 }
 
 TEST(DIBToPictureTest, MakesPicturesThatOwnTheirBitmap) {

@@ -47,7 +47,7 @@ class SavePictureTest : public testing::Test {
     SavePictureTest() { test::LoadHelperLibraries(); }
     bool SaveImage(const std::string& image, const std::wstring& name) {
         const OwnedBlock block = BlockOf(image);
-        return SavePictureFile({block.Get(), nullptr}, folder_.Path() + name, 0);
+        return SavePictureFile(PicturePair{block.Get(), nullptr}, folder_.Path() + name, 0);
     }
 
     test::RedirectedSettings settings_;
@@ -87,9 +87,10 @@ TEST_F(SavePictureTest, ExtensionChoosesTheWriter) {
         file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         EXPECT_EQ(bytes, start) << name;
     }
-    EXPECT_FALSE(SavePictureFile({nullptr, bits.Get()}, folder_.Path() + L"h.bmp", 0));
+    EXPECT_FALSE(SavePictureFile(PicturePair{nullptr, bits.Get()}, folder_.Path() + L"h.bmp", 0));
     const OwnedBlock tooFew = BlockOf(std::string(20, 'x'));
-    EXPECT_FALSE(SavePictureFile({info.Get(), tooFew.Get()}, folder_.Path() + L"h.bmp", 0));
+    EXPECT_FALSE(
+        SavePictureFile(PicturePair{info.Get(), tooFew.Get()}, folder_.Path() + L"h.bmp", 0));
     EXPECT_EQ(LocalFlags(info.Get()) & 0xFF, 0U) << "still locked";
 }
 
@@ -129,12 +130,10 @@ TEST_F(SavePictureTest, InfoBlockMayHoldAWholeFile) {
             rows[i] = depth <= 8 ? static_cast<char>(i % 2) : static_cast<char>(i * 5);
         const std::string image = FileImage(depth, colorsUsed, compression, bitsOffset, rows);
         EXPECT_TRUE(SaveImage(image, L"a.bmp")) << depth << ' ' << colorsUsed;
-        PicturePair read;
+        Picture read;
         ASSERT_TRUE(ReadBitmapFile(folder_.Path() + L"a.bmp", read));
-        const OwnedPicture owned(read);
-        const BlockLock bits(read.bits);
         const size_t meaningful = dib::RowBytes(8, depth);
-        EXPECT_EQ(std::memcmp(bits.Address(), rows.data(), meaningful), 0) << depth;
+        EXPECT_EQ(std::memcmp(read.Bits().data(), rows.data(), meaningful), 0) << depth;
 
         EXPECT_FALSE(
             SaveImage(image.substr(0, image.size() - rows.size() + meaningful - 1), L"b.bmp"))

@@ -150,7 +150,7 @@ TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
         EXPECT_EQ(collection_.FileSupported(file), 0);
         EXPECT_EQ(collection_.MemorySupported(block.Get(), L"a.tst"), 0);
         EXPECT_FALSE(LoadSPI());
-        PicturePair picture;
+        tessary::Picture picture;
         const std::function<void()> refused[] = {
             [&] { plugin.SetDllName(test::TestPluginPath(L"iftst.spi")); },
             [&] { plugin.SetFile({}); },
@@ -175,9 +175,9 @@ TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
         EXPECT_EQ(collection_.Count(), 1);
         return CallIsLogged();
     };
-    PicturePair picture;
+    tessary::Picture picture;
     plugin.DecodePicture(DecodeTarget::kMemory, 0, useTheProgram, {}, &picture);
-    EXPECT_TRUE(OwnedPicture(picture));
+    EXPECT_TRUE(picture);
     EXPECT_EQ(plugin.GetFile(), file);
     EXPECT_FALSE(PluginCallUnderWay());
 }

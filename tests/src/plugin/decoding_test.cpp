@@ -17,11 +17,7 @@ class DecodingTest : public test::PluginTest {
                                       "TST 3x2x24\n" + directives + "\n"));
     }
     uint32_t Decode(uint32_t flags = 0, const SusieProgress& progress = {}) {
-        PicturePair pair;
-        const uint32_t result =
-            plugin_.DecodePicture(DecodeTarget::kMemory, flags, progress, {}, &pair);
-        picture_ = OwnedPicture(pair);
-        return result;
+        return plugin_.DecodePicture(DecodeTarget::kMemory, flags, progress, {}, &picture_);
     }
     // What the plug-in answered to a decode that is expected to fail.
     uint32_t DecodeFailure(uint32_t flags = 0, const SusieProgress& progress = {}) {
@@ -34,7 +30,7 @@ class DecodingTest : public test::PluginTest {
     }
 
     clsSusie plugin_;
-    OwnedPicture picture_;
+    tessary::Picture picture_;
     std::wstring path_;
     int number_ = 0;
 };
@@ -61,17 +57,15 @@ TEST_F(DecodingTest, OnlyPlainPicturesAreHandedOn) {
          {"fixed", "header:108", "unpadded", "top-down", "biClrUsed:9", "biSizeImage:7"}) {
         Bind(kind);
         EXPECT_EQ(Decode(), 0U);
-        const BlockLock info(picture_.Get().info);
-        const BlockLock bits(picture_.Get().bits);
-        // The address of a fixed block is its handle; only what is not plain is copied, to others.
-        EXPECT_EQ(bits.Address() == picture_.Get().bits, kind == std::string("fixed"));
-        const auto view =
-            dib::DibView::Of({static_cast<const uint8_t*>(info.Address()), info.Size()},
-                             {static_cast<const uint8_t*>(bits.Address()), bits.Size()});
-        ASSERT_TRUE(view) << kind;
-        const auto pixel = view->Row(1).subspan(2 * 3);
+        ASSERT_TRUE(picture_) << kind;
+        const auto pixel = picture_.View().Row(1).subspan(2 * 3);
         const test::Colour expected = test::PatternPixel(2, 1);
         EXPECT_EQ((test::Colour{pixel[0], pixel[1], pixel[2]}), expected) << kind;
+        // The address of a fixed block is its handle; only what is not plain is copied, to others.
+        const uint8_t* const address = picture_.Bits().data();
+        const PicturePair pair = picture_.ReleasePair();
+        EXPECT_EQ(address == pair.bits, kind == std::string("fixed"));
+        picture_ = tessary::Picture::FromPair(pair);
     }
 }
 
@@ -239,8 +233,8 @@ TEST_F(DecodingTest, ProgressCanStopAndMayThrow) {
 }
 
 TEST_F(DecodingTest, WrongUseIsRefused) {
-    PicturePair pair;
-    const auto decode = [&](DecodeTarget target, PicturePair* picture) {
+    tessary::Picture pair;
+    const auto decode = [&](DecodeTarget target, tessary::Picture* picture) {
         return Raised([&] { plugin_.DecodePicture(target, 0, {}, {}, picture); });
     };
     EXPECT_EQ(decode(DecodeTarget::kMemory, &pair), kErrorNothingBound);
@@ -257,6 +251,7 @@ TEST_F(DecodingTest, WrongUseIsRefused) {
 TEST_F(DecodingTest, DrawsFittedAndCentred) {
     plugin_.SetFile(folder_.Write(L"wide.tst", "TST 400x100x24\n"));
     Decode();
+    PicturePair pair = picture_.ReleasePair();
     const UniqueMemoryDc context(CreateCompatibleDC(nullptr));
     BITMAPINFO canvas{};
     canvas.bmiHeader = {sizeof(BITMAPINFOHEADER), 200, -200, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
@@ -269,7 +264,7 @@ TEST_F(DecodingTest, DrawsFittedAndCentred) {
         auto* const canvasPixels = static_cast<uint32_t*>(pixels);
         std::fill_n(canvasPixels, 200 * 200, 0x00FEFEFEU);
         plugin_.SetShowType(showType);
-        plugin_.ShowPicture(context.Get(), width, height, picture_.Get());
+        plugin_.ShowPicture(context.Get(), width, height, pair);
         RECT box{};
         for (int i = 0; i < 200 * 200; ++i) {
             const RECT pixel{i % 200, i / 200, i % 200 + 1, i / 200 + 1};
@@ -284,8 +279,8 @@ TEST_F(DecodingTest, DrawsFittedAndCentred) {
     EXPECT_EQ(drawn(0, 50, 50), (Box{0, 0, 200, 100}));
     EXPECT_TRUE(plugin_.ErrorString().ends_with(L" PreView ShowDefault"));
     EXPECT_EQ(Raised([&] { plugin_.ShowPicture(context.Get(), 9, 9, {}); }), kErrorInvalidMemory);
-    EXPECT_EQ(Raised([&] { plugin_.ShowPicture(nullptr, 9, 9, picture_.Get()); }),
-              kErrorDrawingFailed);
+    EXPECT_EQ(Raised([&] { plugin_.ShowPicture(nullptr, 9, 9, pair); }), kErrorDrawingFailed);
+    FreePicture(pair);
 }
 
 }  // namespace

@@ -111,7 +111,7 @@ TEST(PluginCallChild, DISABLED_DiesInsideACall) {
     clsSusie plugin;
     plugin.SetDllName(FolderOf(file) + L"iftst.spi");
     plugin.SetFile(file);
-    PicturePair picture;
+    Picture picture;
     plugin.DecodePicture(DecodeTarget::kMemory, 0, {}, {}, &picture);
 }
 
@@ -122,7 +122,7 @@ TEST(PluginCallChild, DISABLED_CallsNobodyAfterDamage) {
     plugin.SetDllName(FolderOf(file) + L"iftst.spi");
     plugin.SetFile(file);
     const auto decode = [&] {
-        PicturePair picture;
+        Picture picture;
         plugin.DecodePicture(DecodeTarget::kMemory, 0, {}, {}, &picture);
     };
     EXPECT_FALSE(PluginsAreStopped());

@@ -254,7 +254,7 @@ TEST_F(FileListTest, WhatCannotBeShownLeavesTheViewEmpty) {
         EXPECT_EQ(Reason(), L"");
         Click(bar_.listFileName(), index);
         EXPECT_FALSE(window_.PictureShown()) << told;
-        EXPECT_EQ(CurrentPicture().info, nullptr) << told;
+        EXPECT_FALSE(CurrentPicture()) << told;
         EXPECT_NE(Reason(), L"") << told;
         EXPECT_EQ(Info(), told);
         EXPECT_EQ(Panel(), told);

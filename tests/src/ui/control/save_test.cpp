@@ -163,12 +163,10 @@ struct Stopper {
 TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
     // Noise takes seconds at this level.
     constexpr int kSide = 4000;
-    const PicturePair noise = MakePair(kSide, kSide);
     std::minstd_rand random;
-    const BlockLock bits(noise.bits);
-    std::generate_n(static_cast<uint8_t*>(bits.Address()), bits.Size(),
-                    [&] { return static_cast<uint8_t>(random() >> 16); });
-    SetCurrentPicture(noise);
+    SetCurrentPicture(PictureOf(kSide, kSide, [&](std::span<uint8_t> rows) {
+        std::ranges::generate(rows, [&] { return static_cast<uint8_t>(random() >> 16); });
+    }));
     Values().pngSave = {9, 0};
     window_.Show();
     SetActiveWindow(window_.Handle());

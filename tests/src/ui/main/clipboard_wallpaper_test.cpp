@@ -12,6 +12,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstring>
 #include <thread>
 
 namespace tessary {
@@ -122,7 +123,7 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
     const CommandTable& commands = window_.Commands();
     EXPECT_FALSE(commands.IsEnabled(menuEditCopy));
     EXPECT_FALSE(commands.IsEnabled(menuEditPaste));
-    SetCurrentPicture(test::MakePair(31, 17));
+    SetCurrentPicture(test::TestPicture(31, 17));
     window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);  // shown smaller than it is
     window_.SetPanelText(kShownFilePanel, L"[表示中] a.bmp");
     EXPECT_TRUE(commands.IsEnabled(menuEditCopy));
@@ -140,11 +141,11 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
         EXPECT_EQ(bitmap.bmWidth, 31);
     }
 
-    const HLOCAL former = CurrentPicture().info;
+    const uint8_t* const former = CurrentPicture().Bits().data();
     ChooseDuringARead(menuEditPaste);
-    EXPECT_EQ(CurrentPicture().info, former);
+    EXPECT_EQ(CurrentPicture().Bits().data(), former);
     Choose(menuEditPaste);
-    EXPECT_NE(CurrentPicture().info, former);
+    EXPECT_NE(CurrentPicture().Bits().data(), former);
     EXPECT_EQ(window_.pictureView().PictureSize().cx, 31);
     EXPECT_EQ(ShownPixel(5, 3), test::PixelAt(5, 3));
     EXPECT_EQ(Panel(kPluginCountPanel), L"[表示中] クリップボード内の画像 ( 24bit )");
@@ -157,14 +158,12 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
 
 TEST_F(ClipboardTest, TakesABareBitmapAndLeavesAPictureForWhatIsNone) {
     const UniqueScreenDc screen(GetDC(nullptr));
-    const OwnedPicture pair(test::MakePair(9, 7));
     {
-        const BlockLock info(pair.Get().info);
-        const BlockLock bits(pair.Get().bits);
+        const Picture picture = test::TestPicture(9, 7);
         const ClipboardSession clipboard(window_.Handle());
         EmptyClipboard();
-        SetClipboardData(CF_BITMAP,
-                         CreateBitmapFromDIB(screen.Get(), {info.Address(), bits.Address()}));
+        SetClipboardData(CF_BITMAP, CreateBitmapFromDIB(screen.Get(), {picture.Info().data(),
+                                                                       picture.Bits().data()}));
     }
     Choose(menuEditPaste);
     EXPECT_EQ(window_.pictureView().PictureSize().cx, 9);
@@ -190,7 +189,7 @@ TEST_F(ClipboardTest, TakesABareBitmapAndLeavesAPictureForWhatIsNone) {
     EXPECT_TRUE(OpenClipboard(window_.Handle()));  // it was closed
     CloseClipboard();
 
-    SetCurrentPicture({LocalAlloc(LHND, 8), nullptr});
+    SetCurrentPicture({});
     Choose(menuEditCopy);
     ASSERT_EQ(messages_.All().size(), 2u);
     EXPECT_NE(messages_.All()[0].text.find(L"壊れているか"), std::wstring::npos);
@@ -297,7 +296,7 @@ class WallpaperTest : public ClipboardTest {
 
 TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
     EXPECT_FALSE(window_.Commands().IsEnabled(menuViewWallpaperTile));
-    SetCurrentPicture(test::MakePair(30, 16));
+    SetCurrentPicture(test::TestPicture(30, 16));
     window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
     Values().bmpSave = {1, 1};  // how the user saves his own files
     Choose(menuViewWallpaperCenter);
@@ -310,13 +309,10 @@ TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
     EXPECT_EQ(shown_, (std::vector<std::wstring>{file, file, L""}));
     EXPECT_TRUE(messages_.All().empty());
 
-    PicturePair saved;
+    Picture saved;
     ASSERT_TRUE(ReadBitmapFile(file, saved));
-    const OwnedPicture owned(saved);
-    dib::BitmapInfoHeader header{};
-    GetPictureHeader(saved, header);
-    EXPECT_EQ(header.width, 15);
-    EXPECT_EQ(static_cast<const uint8_t*>(BlockLock(saved.bits).Address())[2], 0);  // red is x
+    EXPECT_EQ(saved.Width(), 15);
+    EXPECT_EQ(saved.Bits()[2], 0);                                // red is x
     EXPECT_EQ(std::filesystem::file_size(file), 54u + 48u * 8u);  // a Windows bitmap
 
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);

@@ -217,7 +217,7 @@ TEST_F(CloseTest, PutsEverythingBack) {
     SendMessageW(window, WM_CLOSE, 0, 0);
     EXPECT_EQ(found, own);
     EXPECT_EQ(controlBar_.unloads, 1);
-    EXPECT_EQ(CurrentPicture().info, nullptr);
+    EXPECT_FALSE(CurrentPicture());
     EXPECT_EQ(window_.pictureView().Picture(), nullptr);
     EXPECT_EQ(ended_, 1);
 }

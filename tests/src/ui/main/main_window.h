@@ -35,7 +35,7 @@ class MainWindowTest : public testing::Test {
 
     // Makes a picture current and shows it.
     void ShowPicture(int width, int height) {
-        SetCurrentPicture(MakePair(width, height));
+        SetCurrentPicture(TestPicture(width, height));
         window_.SetPicture(MakePicture(width, height).Get(), width, height);
     }
 

@@ -129,7 +129,7 @@ TEST_F(MenuTest, ControlMenuPressesBarButtons) {
 
 TEST_F(MenuTest, PopupItemsCopyWhatTheyShow) {
     Load();
-    SetCurrentPicture(test::MakePair(31, 17));
+    SetCurrentPicture(test::TestPicture(31, 17));
     // Shown smaller than it is: the picture itself is described.
     window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
     window_.SetPictureSource({L"桜 & 山.jpg", L"iftessjpeg.spi"});
@@ -147,7 +147,7 @@ TEST_F(MenuTest, PopupItemsCopyWhatTheyShow) {
     EXPECT_EQ(ClipboardText(), all);
     EXPECT_TRUE(messages_.All().empty());
     Choose(menuEditClear);
-    EXPECT_EQ(CurrentPicture().info, nullptr);
+    EXPECT_FALSE(CurrentPicture());
     EXPECT_FALSE(window_.PictureShown());
     EXPECT_EQ(window_.statusInformation().PanelText(kPluginCountPanel), L"");
 }

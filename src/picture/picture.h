@@ -1,0 +1,82 @@
+// A decoded picture, wherever its bytes lie.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "helpers/dib/dib_view.h"
+#include "picture/modMemory.h"
+
+namespace tessary {
+
+// Owns the two parts of a picture: the info block (header, masks or colour table) and the bits
+// block (pixel rows). Both stay where they are, readable, until its end.
+class PictureMemory {
+  public:
+    PictureMemory() = default;
+    PictureMemory(const PictureMemory&) = delete;
+    PictureMemory& operator=(const PictureMemory&) = delete;
+    virtual ~PictureMemory() = default;
+
+    virtual std::span<const uint8_t> Info() const = 0;
+    virtual std::span<const uint8_t> Bits() const = 0;
+
+    // Gives the memory away when it is a pair, and owns nothing afterwards; else answers an empty
+    // pair.
+    virtual PicturePair GivePair() { return {}; }
+};
+
+// No picture, or one in the plain form (helpers/dib/dib_view.h). The form is looked at once, when
+// the object is made: whoever has a Picture that is not empty may rely on it.
+class Picture {
+  public:
+    Picture() = default;
+    // Empty when what lies in the memory is not plain.
+    explicit Picture(std::unique_ptr<PictureMemory> memory);
+    Picture(Picture&&) = default;
+    Picture& operator=(Picture&&) = default;
+
+    // The way in for pairs of local-memory blocks, as plug-ins and the picture kernel hand them
+    // out; takes both over. A pair in the plain form stays in its very blocks; one that can be put
+    // right (helpers/dib/check_dib.h) comes into new ones. Empty, with everything freed, when a
+    // block is missing or the pair is no picture, and without memory.
+    static Picture FromPair(PicturePair pair);
+
+    // The way out: the caller owns both blocks, unlocked; this is empty then. A picture in memory
+    // of another kind is copied. An empty pair without memory, and for no picture.
+    PicturePair ReleasePair();
+
+    // A new picture. `info` is its info block; `fill` writes the rows that its header announces, in
+    // stored order, as std::span<uint8_t>, and answers false to have no picture. Empty also when
+    // the header is not plain, and without memory.
+    template <typename Fill>
+    static Picture Make(std::span<const uint8_t> info, Fill fill) {
+        std::span<uint8_t> rows;
+        Picture picture = Unfilled(info, rows);
+        return picture && fill(rows) ? std::move(picture) : Picture();
+    }
+
+    explicit operator bool() const { return memory_ != nullptr; }
+
+    // The rest is for a picture that is not empty.
+
+    const dib::DibView& View() const { return *view_; }
+    const dib::BitmapInfoHeader& Header() const { return view_->Header(); }
+    int32_t Width() const { return view_->Width(); }
+    int32_t Height() const { return view_->Height(); }
+    bool HasAlpha() const { return view_->Format() == dib::PixelFormat::kBgra32; }
+
+    // The two blocks, which may be longer than the header asks for.
+    std::span<const uint8_t> Info() const { return memory_->Info(); }
+    std::span<const uint8_t> Bits() const { return memory_->Bits(); }
+
+  private:
+    static Picture Unfilled(std::span<const uint8_t> info, std::span<uint8_t>& rows);
+
+    std::unique_ptr<PictureMemory> memory_;
+    std::optional<dib::DibView> view_;
+};
+
+}  // namespace tessary
