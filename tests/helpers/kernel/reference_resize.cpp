@@ -83,4 +83,18 @@ std::vector<double> ReferenceResize(const dib::DibView& source, int32_t width, i
     return result;
 }
 
+double WorstDeviation(const dib::DibView& source, int32_t width, int32_t height,
+                      std::span<const uint8_t> rows) {
+    const std::vector<double> reference = ReferenceResize(source, width, height);
+    const size_t used = static_cast<size_t>(width) * 3;
+    const size_t stride = rows.size() / static_cast<size_t>(height);
+    double worst = 0;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const size_t y = static_cast<size_t>(height) - 1 - i / stride;
+        const double wanted = i % stride < used ? reference[y * used + i % stride] : 0;
+        worst = std::max(worst, std::fabs(rows[i] - std::clamp(wanted, 0.0, 255.0)));
+    }
+    return worst;
+}
+
 }  // namespace tessary::kernel

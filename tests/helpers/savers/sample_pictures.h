@@ -1,35 +1,21 @@
-// Plain pictures of every kind to save, and a place in memory to save them to.
+// Pictures to save, and a place in memory to save them to.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <limits>
-#include <random>
 
 #include "helpers/files/byte_sink.h"
-#include "tests/helpers/dib/test_bitmap.h"
+#include "tests/helpers/dib/sample_picture.h"
 
 namespace tessary::saving::test {
 
 using dib::PixelFormat;
 using dib::test::Bytes;
-using Palette = std::vector<dib::PaletteEntry>;
-
-inline constexpr PixelFormat kAllFormats[] = {
-    PixelFormat::kIndexed1, PixelFormat::kIndexed4, PixelFormat::kIndexed8, PixelFormat::kRgb555,
-    PixelFormat::kRgb565,   PixelFormat::kBgr24,    PixelFormat::kBgrx32,   PixelFormat::kBgra32};
-
-// Different colours, none of them grey, up to 256; nothing for a depth without a table.
-inline Palette Colors(PixelFormat format, size_t most = 256) {
-    const size_t bits = dib::BitsPerPixel(format);
-    Palette palette(bits > 8 ? 0 : std::min(most, size_t{1} << bits));
-    for (size_t i = 0; i < palette.size(); ++i) {
-        palette[i] = {static_cast<uint8_t>(i), static_cast<uint8_t>(i * 3),
-                      static_cast<uint8_t>(i + 100), 0x5A};
-    }
-    return palette;
-}
+using dib::test::Colors;
+using dib::test::kAllFormats;
+using dib::test::Palette;
+using dib::test::SamplePicture;
 
 // All levels of grey that the depth can hold, the brightest first.
 inline Palette Greys(PixelFormat format) {
@@ -40,39 +26,6 @@ inline Palette Greys(PixelFormat format) {
     }
     return palette;
 }
-
-// A pair in blocks without slack. Rows are runs of bytes between noise; padding is noise, too.
-struct SamplePicture {
-    SamplePicture(PixelFormat format, int32_t width, int32_t height, const Palette& palette,
-                  uint32_t seed = 1) {
-        const uint16_t depth = dib::BitsPerPixel(format);
-        const bool is565 = format == PixelFormat::kRgb565;
-        const bool hasAlpha = format == PixelFormat::kBgra32;
-        const auto colors = static_cast<uint32_t>(palette.size());
-        const uint32_t compression = is565 ? 3 : hasAlpha ? 6 : 0;
-        const dib::BitmapInfoHeader header{40, width, height, 1,      depth, compression,
-                                           0,  11811, 5906,   colors, 7};
-        dib::test::TestBitmap::Append(info, &header, sizeof(header));
-        if (is565) dib::test::TestBitmap::Append(info, dib::kMasks565, sizeof(dib::kMasks565));
-        if (hasAlpha) dib::test::TestBitmap::Append(info, dib::kMasksAlpha, 16);
-        dib::test::TestBitmap::Append(info, palette.data(), palette.size() * 4);
-        info.shrink_to_fit();
-
-        const uint64_t stride = dib::RowStride(static_cast<uint64_t>(width), depth);
-        bits = Bytes(static_cast<size_t>(stride) * static_cast<size_t>(std::abs(height)));
-        std::minstd_rand random(seed);
-        for (size_t at = 0; at < bits.size();) {
-            const size_t run = random() % 4 == 0 ? random() % 300 + 1 : 1;
-            const size_t count = std::min(run, bits.size() - at);
-            std::fill_n(&bits[at], count, static_cast<uint8_t>(random() >> 8));
-            at += count;
-        }
-    }
-    dib::DibView View() const { return dib::DibView::Of(info, bits).value(); }
-
-    Bytes info;
-    Bytes bits;
-};
 
 // Pictures of all formats and widths to 67, as bottom-up and as top-down ones. The table of a
 // picture is paletteOf(format, width).
