@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "tests/helpers/dib/sample_bitmaps.h"
-#include "tests/support/content_of.h"
-#include "tests/support/picture_set.h"
 
 namespace tessary::dib::test {
 namespace {
@@ -184,23 +180,6 @@ TEST(BitmapFile, ReadsOnceTellsProgressAndStops) {
         EXPECT_EQ(ReadAll(broken).error, DibError::kReadFailed);
         MadeUpSource unreadable(start, start.size() + kPixels, 0);
         EXPECT_EQ(ReadAll(unreadable).error, DibError::kReadFailed);
-    }
-}
-
-// Bitmaps of another program: 32 bits with masks in a 124-byte header and a gap behind it, so that
-// the pixels in the file are those of the picture.
-TEST(BitmapFile, ReadsAnotherProgramsFiles) {
-    const auto folder = tessary::test::PictureFolder() / "pngsuite" / "bmp";
-    if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << "no pictures in " << folder;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        SCOPED_TRACE(entry.path());
-        const auto file = tessary::test::ContentOf<Bytes>(entry.path());
-        MemorySource source(file);
-        BitmapFile bitmap(source);
-        ASSERT_EQ(bitmap.Open(), DibError::kNone);
-        Bytes bits = JunkBlock(bitmap.BitsSize());
-        EXPECT_EQ(bitmap.ReadBits(bits, {}), DibError::kNone);
-        EXPECT_EQ(Bytes(file.begin() + file[10], file.end()), bits);
     }
 }
 

@@ -35,6 +35,13 @@ inline std::vector<Sample> AllSamples() {
     const std::vector<uint32_t> alpha = {0xFF0000, 0xFF00, 0xFF, 0xFF000000};
     const std::vector<uint32_t> rw = {0xFF0000, 0xFFFFFF};
     const std::vector<uint32_t> rg = {0xFF0000, 0x00FF00};
+    const std::vector<uint32_t> rb = {0xFF0000, 0x0000FF};
+    const std::vector<uint32_t> bgr = {0xFF, 0xFF00, 0xFF0000};
+    const std::vector<uint32_t> k1555 = {0x7C00, 0x3E0, 0x1F, 0x8000};
+    const std::vector<uint32_t> k10BitMasks = {0x3FF00000, 0xFFC00, 0x3FF};
+    const Bytes k10Bits = {0, 0, 0, 0x3F, 0, 0xFC, 0x0F, 0};
+    const Bytes deep = {0, 0, 0, 0x80, 0, 0x7F, 0, 0, 0, 0, 0, 0x10, 0xFF, 0xFF, 0, 0x20};
+    const Bytes tones565 = {0x09, 0x84, 0xF6, 0x7B};
     std::vector<Sample> samples = {
         {"24", "RG/BW", 24, true, {2, 2, 24, k24Bits}},
         {"24 top-down", "BW/RG", 24, true, {2, -2, 24, k24Bits}},
@@ -43,11 +50,7 @@ inline std::vector<Sample> AllSamples() {
         {"24, OS/2 2 cut in a field", "RG/BW", 24, true, {2, 2, 24, k24Bits, {}, 22}},
         {"24, unknown version", "RG/BW", 24, true, {2, 2, 24, k24Bits, {}, 200}},
         {"24, spare colours", "RG/BW", 24, true, {2, 2, 24, k24Bits, kRgbw}},
-        {"24 reversed",
-         "BG/RW",
-         24,
-         false,
-         {2, 2, 24, k24Bits, {}, 52, 3, {255, 0xFF00, 0xFF0000}}},
+        {"24 reversed", "BG/RW", 24, false, {2, 2, 24, k24Bits, {}, 52, 3, bgr}},
         {"8", "RG/BW", 8, true, {2, 2, 8, k8Bits, kRgbw}},
         {"8 top-down", "BW/RG", 8, true, {2, -2, 8, k8Bits, kRgbw}},
         {"8, OS/2 1", "RG/BW", 8, true, {2, 2, 8, k8Bits, kRgbw, 12}},
@@ -64,12 +67,8 @@ inline std::vector<Sample> AllSamples() {
         {"1", "RW/WR", 1, true, {2, 2, 1, k1Bit, rw}},
         {"555", "RG/BW", 16, true, {2, 2, 16, k555}},
         {"555 as masks", "RG/BW", 16, true, {2, 2, 16, k555, {}, 40, 3, {0x7C00, 0x3E0, 0x1F}}},
-        {"1555", "WG/WW", 32, false, {2, 2, 16, k555, {}, 56, 3, {0x7C00, 0x3E0, 0x1F, 0x8000}}},
-        {"1555, nothing opaque",
-         "R",
-         32,
-         false,
-         {1, 1, 16, {0x00, 0x7C, 0, 0}, {}, 56, 3, {0x7C00, 0x3E0, 0x1F, 0x8000}}},
+        {"1555", "WG/WW", 32, false, {2, 2, 16, k555, {}, 56, 3, k1555}},
+        {"1555, all clear", "R", 32, false, {1, 1, 16, {0, 0x7C, 0, 0}, {}, 56, 3, k1555}},
         {"555, masks 0", "RG/BW", 16, true, {2, 2, 16, k555, {}, 40, 3, {0, 0, 0}}},
         {"565", "RG/BW", 16, true, {2, 2, 16, k565, {}, 40, 3, k565Masks}},
         {"565, version 5", "RG/BW", 16, true, {2, 2, 16, k565, {}, 124, 3, k565Masks}},
@@ -83,17 +82,18 @@ inline std::vector<Sample> AllSamples() {
         {"32 with a mask in vain", "RG/BW", 32, true, {2, 2, 32, k32Bits, {}, 108, 0, alpha}},
         {"32 reversed", "RG/BW", 32, false, {2, 2, 32, k32Reversed, {}, 40, 6, reversed}},
         {"32 reversed top-down", "BW/RG", 32, false, {2, -2, 32, k32Reversed, {}, 56, 3, reversed}},
-        {"64",
-         "R[00BC00]",
-         32,
-         false,
-         {2, 1, 64, {0, 0, 0, 0x80, 0, 0x7F, 0, 0, 0, 0, 0, 0x10, 0xFF, 0xFF, 0, 0x20}}},
-        {"10 bits",
-         "[FC0000]G",
-         32,
-         false,
-         {2, 1, 32, {0, 0, 0, 0x3F, 0, 0xFC, 0x0F, 0}, {}, 40, 3, {0x3FF00000, 0xFFC00, 0x3FF}}},
+        {"64", "R[00BC00]", 32, false, {2, 1, 64, deep}},
+        {"10 bits", "[FC0000]G", 32, false, {2, 1, 32, k10Bits, {}, 40, 3, k10BitMasks}},
+        // Rows that end within a byte, middle tones, indexes beyond the table.
+        {"1 odd", "RBRRRRRRBRB", 1, true, {11, -1, 1, {0x40, 0xBF, 9, 9}, rb}},
+        {"4 odd", "RGBW.", 4, true, {5, -1, 4, {0x01, 0x23, 0xF9, 9}, kRgbw}},
+        {"8 odd", "R.W", 8, true, {3, -1, 8, {0, 4, 3, 9}, kRgbw}},
+        {"555 tones", "[84104A][7BEFB5]", 16, true, {2, -1, 16, {0x49, 0x40, 0xB6, 0xBF}}},
+        {"565 tones", "[84824A][7B7DB5]", 16, true, {2, -1, 16, tones565, {}, 40, 3, k565Masks}},
+        {"24 tones", "[030201][060504]", 24, true, {2, -1, 24, {1, 2, 3, 4, 5, 6, 9, 9}}},
+        {"32 tones", "[030201][060504]", 32, true, {2, -1, 32, {1, 2, 3, 77, 4, 5, 6, 77}}},
     };
+    const Bytes literal24 = {0, 3, 255, 0, 0, 0, 255, 0, 0, 0, 255, 99, 5, 0, 0, 255};
     const struct {
         const char* name;
         uint32_t compression;
@@ -118,20 +118,14 @@ inline std::vector<Sample> AllSamples() {
         {"RLE4 odd run", 2, "RRRR/RBWR", {0, 2, 1, 0, 2, 0x23, 0, 1}},
         {"RLE4 long literal", 2, "WWWW/GBWG", {0, 6, 0x12, 0x31, 0x11, 99, 0, 0, 9, 0x33}},
         {"RLE24", 4, "RRRR/BBB.", {3, 255, 0, 0, 1, 0, 0, 0, 0, 0, 4, 0, 0, 255, 0, 1}},
-        {"RLE24 literal",
-         4,
-         "..../BGRR",
-         {0, 3, 255, 0, 0, 0, 255, 0, 0, 0, 255, 99, 5, 0, 0, 255}},
+        {"RLE24 literal", 4, "..../BGRR", literal24},
     };
     for (const auto& run : runs) {
         const uint16_t depth = run.compression == 1 ? 8 : run.compression == 2 ? 4 : 24;
         const auto colors = depth == 24 ? std::vector<uint32_t>() : kRgbw;
-        samples.push_back(
-            {run.name,
-             run.picture,
-             depth,
-             false,
-             {4, run.height, depth, run.codes, colors, depth == 24 ? 64u : 40u, run.compression}});
+        const uint32_t header = depth == 24 ? 64 : 40;
+        const TestBitmap bitmap{4, run.height, depth, run.codes, colors, header, run.compression};
+        samples.push_back({run.name, run.picture, depth, false, bitmap});
     }
     return samples;
 }

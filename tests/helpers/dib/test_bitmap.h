@@ -1,6 +1,8 @@
 // Builds bitmaps of any kind, right or wrong, and shows decoded ones as readable text.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -31,13 +33,9 @@ struct TestBitmap {
     uint16_t planes = 1;
 
     Bytes Info() const {
-        const auto count = static_cast<uint32_t>(colors.size());
-        const BitmapInfoHeader header{headerSize, width,
-                                      height,     planes,
-                                      bitCount,   compression,
-                                      0,          2835,
-                                      2835,       colorsUsed.value_or(count),
-                                      0};
+        const uint32_t used = colorsUsed.value_or(static_cast<uint32_t>(colors.size()));
+        const BitmapInfoHeader header{headerSize, width, height, planes, bitCount, compression,
+                                      0,          2835,  2835,   used,   0};
         Bytes info;
         Append(info, &header, sizeof(header));
         Append(info, masks.data(), masks.size() * 4);
@@ -78,15 +76,24 @@ inline Bytes JunkBlock(size_t size) {
 }
 
 // The rows from the top, separated by slashes; pixels as letters (. black, R, G, B, W) or RRGGBB in
-// brackets.
+// brackets. Where the rows with a fourth byte show something else, that is a failure; so is a
+// fourth byte that is not 255 where the picture has none of its own.
 inline std::string Show(const DibView& view) {
     const RowReader reader(view);
     std::string text;
-    Bytes bgr = JunkBlock(static_cast<size_t>(view.Width()) * 3);
+    const auto width = static_cast<size_t>(view.Width());
+    Bytes bgr = JunkBlock(width * 3);
+    Bytes bgra = JunkBlock(width * 4);
     for (int32_t y = 0; y < view.Height(); ++y) {
         reader.Row(view.Row(y), bgr);
+        reader.RowBgra(view.Row(y), bgra);
         if (y != 0) text += '/';
         for (size_t i = 0; i < bgr.size(); i += 3) {
+            const uint8_t* const four = &bgra[i / 3 * 4];
+            const bool isOwn = view.Header().bitCount == 32;
+            EXPECT_EQ(four[3], isOwn ? view.Row(y)[i / 3 * 4 + 3] : 255);
+            // Where it is alpha, what is shown lies over white.
+            EXPECT_TRUE(view.Format() == PixelFormat::kBgra32 || !std::memcmp(four, &bgr[i], 3));
             char hex[16];
             std::snprintf(hex, sizeof(hex), "[%02X%02X%02X]", bgr[i + 2], bgr[i + 1], bgr[i]);
             const std::string_view color = hex;
