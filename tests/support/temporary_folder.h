@@ -59,6 +59,17 @@ class TemporaryFolder {
         return file.wstring();
     }
 
+    // Makes a folder below whose path is longer than the system usually takes; with a trailing
+    // backslash and without a prefix.
+    std::wstring Deep() const {
+        std::wstring deep = Path();
+        for (int i = 0; i < 5; ++i) {
+            deep += std::wstring(60, L'深') + L'\\';
+            CreateDirectoryW((LR"(\\?\)" + deep).c_str(), nullptr);
+        }
+        return deep;
+    }
+
   private:
     std::filesystem::path path_;
 };

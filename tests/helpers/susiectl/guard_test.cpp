@@ -11,7 +11,6 @@
 #include <thread>
 #include <vector>
 
-#include "tests/helpers/susiectl/ends_in_thread.h"
 #include "tests/helpers/susiectl/susiectl_library.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/process_resources.h"

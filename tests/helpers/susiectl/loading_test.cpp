@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "tests/helpers/susiectl/ends_in_thread.h"
+#include "app/base/text.h"
 #include "tests/helpers/susiectl/susiectl_library.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/content_of.h"
@@ -39,29 +39,23 @@ TEST_F(LoadingTest, FilesThatAreNoDllOfThisArchitectureAreRefused) {
     EXPECT_EQ(refusal(folder_.Path() + L"missing.spi"), DWORD{ERROR_FILE_NOT_FOUND});
     EXPECT_EQ(refusal(folder_.Write(L"empty.spi")), DWORD{ERROR_BAD_EXE_FORMAT});
     EXPECT_EQ(refusal(TestPluginPath(L"needs_missing.spi")), DWORD{ERROR_MOD_NOT_FOUND});
+    EXPECT_FALSE(Loads(TestPluginPath(L"load_refuses.spi")));
     EXPECT_FALSE(Loads(folder_.Path()));
-    EXPECT_FALSE(LoadsContent("A text.\r\n"));
-    EXPECT_FALSE(LoadsContent("MZ"));
     EXPECT_FALSE(Loads(TestProgramFolder() + L"susiectl_test.exe"));
-    EXPECT_FALSE(LoadsContent(good.substr(0, 0x180)));
-
     uint32_t ntHeader = 0;
     std::memcpy(&ntHeader, good.data() + 0x3C, 4);
     const auto changed = [&](size_t offset, const std::string& bytes) {
         return std::string(good).replace(ntHeader + offset, bytes.size(), bytes);
     };
-    EXPECT_FALSE(LoadsContent(changed(0, "NE")));         // 16 bits
-    EXPECT_FALSE(LoadsContent(changed(4, "\x64\x86")));   // 64 bits
-    EXPECT_FALSE(LoadsContent(changed(24, "\x0B\x02")));  // 64 bits, says the optional header
-    EXPECT_FALSE(LoadsContent(std::string(good).replace(0x3C, 4, "\xFF\xFF\xFF\x7F")));
+    for (const std::string& content :
+         {std::string("A text.\r\n"), std::string("MZ"), good.substr(0, 0x180),
+          changed(0, "NE"),         // 16 bits
+          changed(4, "\x64\x86"),   // 64 bits
+          changed(24, "\x0B\x02"),  // 64 bits, says the optional header
+          std::string(good).replace(0x3C, 4, "\xFF\xFF\xFF\x7F")})
+        EXPECT_FALSE(LoadsContent(content)) << content.substr(0, 2) << content.size();
     EXPECT_FALSE(Susiectl().loadLibrary(nullptr));
     EXPECT_FALSE(Susiectl().freeLibrary(nullptr));
-}
-
-TEST_F(LoadingTest, PluginsThatFailToStartAreRefused) {
-    EXPECT_FALSE(Loads(TestPluginPath(L"load_refuses.spi")));
-    EXPECT_FALSE(Loads(TestPluginPath(L"needs_missing.spi")));
-    EXPECT_TRUE(Loads(TestPluginPath(L"iftst.spi"))) << "after those";
 }
 
 TEST_F(LoadingTest, ACrashIsToldFromARefusal) {
@@ -78,26 +72,20 @@ TEST_F(LoadingTest, ACrashIsToldFromARefusal) {
         {"handled:av:DllMain", false},
         {"handled:cpp:DllMain\nanswer:DllMain:0", false}};
     for (const auto& [script, hasCrashed] : plugins) {
-        folder_.Write(L"scripted.spi.script", script);
-        CopyFileW(TestPluginPath(L"iftst.spi").c_str(), (folder_.Path() + L"scripted.spi").c_str(),
-                  FALSE);
-        const HMODULE module = Susiectl().loadLibraryW((folder_.Path() + L"scripted.spi").c_str());
-        EXPECT_EQ(!module && GetLastError() == susiectl::kErrorCrashed, hasCrashed) << script;
-        Susiectl().freeLibrary(module);
+        const LoadedPlugin plugin(folder_, script);
+        EXPECT_EQ(!plugin.Module() && GetLastError() == susiectl::kErrorCrashed, hasCrashed)
+            << script;
     }
 }
 
 // The system starts no thread while it believes that a DLL is being loaded.
 TEST_F(LoadingTest, ThreadsStartAfterACrashWhileLoading) {
     constexpr DWORD kLongest = 10'000;
-    EXPECT_TRUE(EndsInThread(
-        [this] { EXPECT_FALSE(LoadedPlugin(folder_, "crash:stack-overflow:DllMain").Module()); },
-        kLongest));
-    EXPECT_TRUE(EndsInThread([] {}, kLongest));
-    EXPECT_TRUE(EndsInThread(
-        [this] { EXPECT_FALSE(LoadedPlugin(folder_, "crash:create/av:DllMain").Module()); },
-        kLongest));
-    EXPECT_TRUE(EndsInThread([] {}, kLongest));
+    for (const char* crash : {"crash:stack-overflow:DllMain", "crash:create/av:DllMain"}) {
+        const auto load = [=, this] { EXPECT_FALSE(LoadedPlugin(folder_, crash).Module()); };
+        EXPECT_TRUE(EndsInThread(load, kLongest));
+        EXPECT_TRUE(EndsInThread([] {}, kLongest));
+    }
 }
 
 TEST_F(LoadingTest, ACrashWhileItIsFreedIsContained) {
@@ -111,13 +99,13 @@ TEST_F(LoadingTest, WhatAPluginNeedsIsSoughtInTrustedFolders) {
     EXPECT_TRUE(Loads(TestPluginPath(L"needs_sibling.spi"))) << "beside the plug-in";
 
     const std::string sibling = ContentOf(TestPluginPath(L"gone\\sibling_gone.dll"));
-    folder_.Write(L"sibling_gone.dll", sibling);
+    const std::wstring beside = folder_.Write(L"sibling_gone.dll", sibling);
     SetCurrentDirectoryW(folder_.Path().c_str());
     EXPECT_FALSE(Loads(TestPluginPath(L"needs_missing.spi"))) << "in the current folder";
     SetCurrentDirectoryW(TestProgramFolder().c_str());
 
     const std::wstring besideProgram = TestProgramFolder() + L"sibling_gone.dll";
-    CopyFileW((folder_.Path() + L"sibling_gone.dll").c_str(), besideProgram.c_str(), FALSE);
+    CopyFileW(beside.c_str(), besideProgram.c_str(), FALSE);
     // Not by the current folder, which is the program's above.
     SetCurrentDirectoryW(L"C:\\");
     EXPECT_TRUE(Loads(TestPluginPath(L"needs_missing.spi"))) << "beside the program";
@@ -134,14 +122,9 @@ TEST_F(LoadingTest, NamesOfAllKindsAreTaken) {
     EXPECT_TRUE(module) << "a name whose second byte is a backslash in the code page";
     Susiectl().freeLibrary(module);
 
-    std::wstring longPath = folder_.Path();
-    for (int i = 0; i < 5; ++i) {
-        longPath += std::wstring(60, L'x') + L'\\';
-        CreateDirectoryW((L"\\\\?\\" + longPath).c_str(), nullptr);
-    }
-    longPath += L"a.spi";
+    const std::wstring longPath = folder_.Deep() + L"a.spi";
     ASSERT_TRUE(
-        CopyFileW(TestPluginPath(L"iftst.spi").c_str(), (L"\\\\?\\" + longPath).c_str(), FALSE));
+        CopyFileW(TestPluginPath(L"iftst.spi").c_str(), (LR"(\\?\)" + longPath).c_str(), FALSE));
     EXPECT_TRUE(Loads(longPath));
 }
 

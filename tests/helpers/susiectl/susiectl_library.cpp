@@ -1,15 +1,29 @@
 #include "tests/helpers/susiectl/susiectl_library.h"
 
+#include <memory>
+#include <utility>
+
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/content_of.h"
 
 namespace tessary::test {
-std::string ToAnsi(const std::wstring& text) {
-    std::string ansi(text.size() * 2, '\0');
-    ansi.resize(static_cast<size_t>(
-        WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), ansi.data(),
-                            static_cast<int>(ansi.size()), nullptr, nullptr)));
-    return ansi;
+namespace {
+
+using Work = std::function<void()>;
+
+DWORD WINAPI Run(void* work) {
+    (*std::unique_ptr<Work>(static_cast<Work*>(work)))();
+    return 0;
+}
+
+}  // namespace
+
+bool EndsInThread(Work work, DWORD longest) {
+    auto owned = std::make_unique<Work>(std::move(work));
+    const HANDLE thread = CreateThread(nullptr, 0, Run, owned.release(), 0, nullptr);
+    const bool hasEnded = WaitForSingleObject(thread, longest) == WAIT_OBJECT_0;
+    CloseHandle(thread);
+    return hasEnded;
 }
 
 const SusiectlLibrary& Susiectl() {

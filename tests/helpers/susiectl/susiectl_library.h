@@ -13,8 +13,10 @@
 
 namespace tessary::test {
 
-// A text in the system's code page.
-std::string ToAnsi(const std::wstring& text);
+// Runs `work`, which may hang, in a thread of its own, which owns it. False when the thread has not
+// ended after so many milliseconds, and goes on. Not with std::thread: one that is detached while
+// it ends may take the handle of the next one with it.
+bool EndsInThread(std::function<void()> work, DWORD longest);
 
 struct SusiectlLibrary {
     LoadedLibrary library{L"susiectl.dll"};
