@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "app/base/text.h"
 #include "helpers/convertdib/convertdib.h"
 #include "tests/helpers/dib/sample_bitmaps.h"
 #include "tests/support/loaded_library.h"
@@ -52,16 +53,9 @@ TEST_F(LoadBitmapFile, OpensNamesOfEveryKind) {
         source = folder_.Write(name, Content(kSmall));
         EXPECT_EQ(Load(source.c_str()), "RG/BW");
     }
-    std::array<char, 1000> ansi{};
-    WideCharToMultiByte(CP_ACP, 0, source.c_str(), -1, ansi.data(), ansi.size(), nullptr, nullptr);
-    EXPECT_EQ(Taken(loadA_(ansi.data(), &record_, nullptr, 0)), "RG/BW");
+    EXPECT_EQ(Taken(loadA_(ToAnsi(source).c_str(), &record_, nullptr, 0)), "RG/BW");
 
-    std::wstring deep = L"\\\\?\\" + folder_.Path();
-    for (int i = 0; i < 5; ++i) {
-        deep += std::wstring(60, L'あ') + L'\\';
-        ASSERT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
-    }
-    deep += L"長い.bmp";
+    const std::wstring deep = LR"(\\?\)" + folder_.Deep() + L"長い.bmp";
     ASSERT_TRUE(CopyFileW(source.c_str(), deep.c_str(), TRUE));
     EXPECT_EQ(Load(deep.c_str()), "RG/BW");
     EXPECT_EQ(Load(deep.c_str() + 4), "RG/BW");
