@@ -59,7 +59,7 @@ stage_viewer() {
     render_manual "$1/manual"
 }
 
-# The test programs look for the application folder and their plug-ins where the build has them.
+# The test programs look for the application folder, their plug-ins and seeds where the build has them.
 stage_tests() {
     local file
     stage_programs "$1/bin"
@@ -69,6 +69,7 @@ stage_tests() {
             install --mode=644 "$x86_build/tests/$file.script" "$1/tests/$file.script"
         fi
     done < <(built_files tests '[^:]*\.(exe|dll|spi)')
+    cp -r "$root/tests/fuzz/seeds" "$1/tests/seeds"
     mkdir "$1/samples"
     for file in "$root"/samples/*; do
         case ${file##*/} in

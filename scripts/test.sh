@@ -19,9 +19,6 @@ run_ctest() {
     count_ctest "$1" "$results/$1.xml" "$results/$1"
 }
 
-# What other programs have drawn, for the tests that compare with it; they are skipped without.
-export TESSARY_PICTURES=${TESSARY_PICTURES:-$root/../shared/pictures}
-
 build x86
 build native
 

@@ -1,20 +1,17 @@
 #include <climits>
 
 #include "tests/plugins_bundled/loaded_plugin.h"
-#include "tests/plugins_bundled/made_pictures.h"
+#include "tests/support/seeds.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary::spi::test {
 namespace {
 
-using namespace codec::test;
+using namespace tessary::test;
 
 // One of the bundled plug-ins with a picture for it, in memory and in a file.
-class BundledPlugin : public testing::TestWithParam<const char*> {
+class BundledPlugin : public testing::TestWithParam<std::pair<const char*, const char*>> {
   protected:
-    static Bytes PictureFor(const std::string& name) {
-        return name == "iftessjpeg" ? MakeJpeg({}) : name == "iftesspng" ? MakePng({}) : MakeGif();
-    }
     std::string Write(const Bytes& bytes) const {
         const std::wstring path =
             folder.Write(L"picture", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
@@ -27,9 +24,10 @@ class BundledPlugin : public testing::TestWithParam<const char*> {
         return Write(file);
     }
 
-    const LoadedPlugin plugin{GetParam()};
-    const Bytes picture = PictureFor(GetParam());
-    const tessary::test::TemporaryFolder folder;
+    const std::string name = GetParam().first;
+    const LoadedPlugin plugin{name};
+    const Bytes picture = Seed(GetParam().second);
+    const TemporaryFolder folder;
 };
 
 TEST_P(BundledPlugin, IntroducesItself) {
@@ -37,7 +35,7 @@ TEST_P(BundledPlugin, IntroducesItself) {
     EXPECT_EQ(plugin.getPluginInfo(0, text, sizeof text), 4);
     EXPECT_STREQ(text, "00IN");
     plugin.getPluginInfo(1, text, sizeof text);
-    EXPECT_TRUE(std::string(text).starts_with(GetParam())) << text;
+    EXPECT_TRUE(std::string(text).starts_with(name)) << text;
     int number = 2;
     while (plugin.getPluginInfo(number, text, sizeof text) > 0) {
         EXPECT_EQ(number % 2 == 0, std::string(text).starts_with("*.")) << text;
@@ -113,7 +111,7 @@ TEST_P(BundledPlugin, DecodesMemoryFilesAndPartsOfFiles) {
     EXPECT_EQ(info.width, header.width);
     EXPECT_EQ(info.height, header.height);
     EXPECT_EQ(info.colorDepth, header.bitCount);
-    EXPECT_EQ(info.xDensity, GetParam() == std::string("iftesspng") ? 100 : 0);
+    EXPECT_EQ(info.xDensity, name == "iftesswic" ? 0 : 100);
     EXPECT_EQ(info.hInfo, nullptr);
 }
 
@@ -132,8 +130,7 @@ TEST_P(BundledPlugin, AnswersFailuresWithTheirCodeAndNoBlocks) {
     EXPECT_EQ(decodeFile(junk, 0, 5), susie::kInternalError);
     EXPECT_EQ(decodeFile(missing, 0, susie::kSourceFile), susie::kReadError);
     EXPECT_TRUE(DeleteFileA(junk.c_str()));  // nothing keeps the file open
-    EXPECT_EQ(HandedPicture(plugin, Bytes(picture.begin(), picture.begin() + 30)).result,
-              susie::kBrokenData);
+    EXPECT_EQ(HandedPicture(plugin, Cut(picture, 30)).result, susie::kBrokenData);
 
     int calls = 0;
     const susie::ProgressCallback stop = [](int, int, LONG_PTR counter) WINAPI {
@@ -151,8 +148,11 @@ TEST_P(BundledPlugin, AnswersFailuresWithTheirCodeAndNoBlocks) {
     EXPECT_EQ(plugin.getPictureInfo(nullptr, 0, 0, nullptr), susie::kInternalError);
 }
 
-INSTANTIATE_TEST_SUITE_P(, BundledPlugin, testing::Values("iftessjpeg", "iftesspng", "iftesswic"),
-                         [](const auto& info) { return std::string(info.param); });
+INSTANTIATE_TEST_SUITE_P(, BundledPlugin,
+                         testing::Values(std::pair("iftessjpeg", "fuzz_jpeg/color"),
+                                         std::pair("iftesspng", "fuzz_png/color8"),
+                                         std::pair("iftesswic", "fuzz_system_picture/two-frames")),
+                         [](const auto& info) { return std::string(info.param.first); });
 
 }  // namespace
 }  // namespace tessary::spi::test

@@ -1,47 +1,55 @@
 #include "plugins/iftessjpeg/jpeg_decoder.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "tests/plugins_bundled/decoded_picture.h"
-#include "tests/plugins_bundled/made_pictures.h"
+#include "tests/support/seeds.h"
 
 namespace tessary::codec::test {
 namespace {
 
+using namespace tessary::test;
+
 const jpeg::JpegDecoder kDecoder;
 
-// Where in the frame header the depth and the size are, counted from its marker.
-constexpr size_t kPrecisionAt = 4;
-constexpr size_t kHeightAt = 5;
+// All pictures are a chequerboard of 5 x 3 flat tiles, so that every pixel comes back nearly as it
+// was.
+constexpr uint32_t kTile = 40, kWidth = 5 * kTile, kHeight = 3 * kTile;
+constexpr int kBlackInk = 51;  // of 255, in all pixels of an ink picture
 
-Bytes::iterator FrameHeader(Bytes& file) {
-    const uint8_t marker[] = {0xFF, 0xC0};
-    return std::search(file.begin(), file.end(), std::begin(marker), std::end(marker));
+// With another orientation in its EXIF entry, of either byte order.
+Bytes Jpeg(const std::string& name, uint32_t orientation = 1) {
+    const Bytes file = Seed("fuzz_jpeg/" + name);
+    const size_t exif = Find(file, "Exif");
+    return With(file, exif + (file[exif + 6] == 'M' ? 25 : 24), orientation);
 }
 
-// The picture is the plan's chequerboard, turned upright.
-void ExpectTiles(const JpegPlan& plan) {
-    SCOPED_TRACE(testing::Message() << static_cast<int>(plan.kind) << ' ' << plan.orientation);
-    const Decoded decoded(kDecoder, MakeJpeg(plan));
+// One channel (0 blue, 1 green, 2 red) of a pixel of the stored picture.
+int Channel(const std::string& name, uint32_t x, uint32_t y, unsigned channel) {
+    const int column = static_cast<int>(x / kTile), row = static_cast<int>(y / kTile);
+    int sample = channel == 1 ? 20 + row * 80 : 200 - column * 20;
+    if (channel == 2 || name == "grey") sample = 30 + column * 45 + row * 10;
+    return name.ends_with("ink") ? (255 - sample) * (255 - kBlackInk) / 255 : sample;
+}
+
+// The picture is the chequerboard, turned upright.
+void ExpectTiles(const std::string& name, uint32_t o = 1) {
+    SCOPED_TRACE(name + ' ' + std::to_string(o));
+    const Decoded decoded(kDecoder, Jpeg(name, o));
     ASSERT_EQ(decoded.result, Result::kSuccess);
-    EXPECT_EQ(decoded.form.bitCount, plan.kind == JpegKind::kGrey ? 8 : 24);
+    EXPECT_EQ(decoded.form.bitCount, name == "grey" ? 8 : 24);
     const Colors picture = decoded.Pixels();
-    const uint16_t o = plan.orientation;
-    ASSERT_EQ(picture.width, o >= 5 ? kJpegHeight : kJpegWidth);
-    ASSERT_EQ(picture.height, o >= 5 ? kJpegWidth : kJpegHeight);
+    ASSERT_EQ(picture.width, o >= 5 ? kHeight : kWidth);
+    ASSERT_EQ(picture.height, o >= 5 ? kWidth : kHeight);
     EXPECT_EQ(decoded.form.width, picture.width);
     int worst = 0;
-    for (uint32_t y = 0; y < kJpegHeight; ++y) {
-        for (uint32_t x = 0; x < kJpegWidth; ++x) {
+    for (uint32_t y = 0; y < kHeight; ++y) {
+        for (uint32_t x = 0; x < kWidth; ++x) {
             // Where the TIFF document puts the stored pixel (x, y).
-            const uint32_t across = o == 2 || o == 3 || o == 7 || o == 8 ? kJpegWidth - 1 - x : x;
-            const uint32_t down = o == 3 || o == 4 || o == 6 || o == 7 ? kJpegHeight - 1 - y : y;
+            const uint32_t across = o == 2 || o == 3 || o == 7 || o == 8 ? kWidth - 1 - x : x;
+            const uint32_t down = o == 3 || o == 4 || o == 6 || o == 7 ? kHeight - 1 - y : y;
             for (unsigned c = 0; c < 3; ++c) {
                 const int actual =
                     o >= 5 ? picture.Channel(down, across, c) : picture.Channel(across, down, c);
-                worst = std::max(worst, std::abs(JpegChannel(plan.kind, x, y, c) - actual));
+                worst = std::max(worst, std::abs(Channel(name, x, y, c) - actual));
             }
         }
     }
@@ -49,55 +57,49 @@ void ExpectTiles(const JpegPlan& plan) {
 }
 
 TEST(JpegDecoder, ShowsEveryKindUpright) {
-    for (uint16_t orientation = 1; orientation <= 8; ++orientation) {
-        ExpectTiles({.orientation = orientation});
-        ExpectTiles({.kind = JpegKind::kGrey, .orientation = orientation});
+    for (uint32_t orientation = 1; orientation <= 8; ++orientation) {
+        ExpectTiles("color", orientation);
+        ExpectTiles("grey", orientation);
     }
-    ExpectTiles({.kind = JpegKind::kAdobeInk, .orientation = 6});
-    ExpectTiles({.kind = JpegKind::kPlainInk});
-    ExpectTiles({.progressive = true});
+    ExpectTiles("adobe-ink", 6);
+    ExpectTiles("plain-ink");
+    ExpectTiles("progressive");
 
-    const Decoded turned(kDecoder, MakeJpeg({.orientation = 6, .dotsPerInch = 100}));
+    const Decoded turned(kDecoder, Jpeg("color", 6));
     EXPECT_EQ(turned.form.xPelsPerMeter, 7874);  // the density down the stored picture
     EXPECT_EQ(turned.target.View()->Header().yPelsPerMeter, 3937);
 }
 
 TEST(JpegDecoder, ShowsWhatAFileCutShortHolds) {
-    Bytes file = MakeJpeg({.orientation = 3});
-    const Bytes headerOnly(file.begin(), file.begin() + 100);
+    const Bytes file = Jpeg("color", 3);
     // Pixels are all there without the end mark, and whatever stands behind it.
-    Bytes longer = file;
-    longer.insert(longer.end(), {1, 2, 3});
-    for (const Bytes& whole : {file, Bytes(file.begin(), file.end() - 2), longer})
-        EXPECT_EQ(Decoded(kDecoder, whole).condition, Condition::kNone);
-    file.resize(file.size() * 4 / 5);
-    const Decoded decoded(kDecoder, file);
+    for (const size_t size : {file.size(), file.size() - 2, file.size() + 3})
+        EXPECT_EQ(Decoded(kDecoder, Cut(file, size)).condition, Condition::kNone);
+    const Decoded decoded(kDecoder, Cut(file, file.size() * 4 / 5));
     ASSERT_EQ(decoded.result, Result::kSuccess);
     EXPECT_EQ(decoded.condition, Condition::kDamaged);
     const Colors picture = decoded.Pixels();
-    EXPECT_NEAR(picture.Channel(kJpegWidth - 1, kJpegHeight - 1, 2),
-                JpegChannel(JpegKind::kColor, 0, 0, 2), 3);
+    EXPECT_NEAR(picture.Channel(kWidth - 1, kHeight - 1, 2), Channel("color", 0, 0, 2), 3);
     EXPECT_EQ(picture.At(0, 0), 0x808080u);
-    EXPECT_EQ(Decoded(kDecoder, headerOnly).result, Result::kBrokenData);
+    EXPECT_EQ(Decoded(kDecoder, Cut(file, 100)).result, Result::kBrokenData);
 }
 
 TEST(JpegDecoder, RefusesWhatItCannotShow) {
     EXPECT_EQ(Decoded(kDecoder, Bytes{'G', 'I', 'F', '8'}).result, Result::kUnknownFormat);
     EXPECT_EQ(Decoded(kDecoder, Bytes{}).result, Result::kUnknownFormat);
-    Bytes deep = MakeJpeg({});
-    FrameHeader(deep)[kPrecisionAt] = 12;
-    EXPECT_EQ(Decoded(kDecoder, deep).result, Result::kUnknownFormat);
+    const Bytes file = Jpeg("color");
+    const size_t frame = Find(file, "\xFF\xC0");
+    EXPECT_EQ(Decoded(kDecoder, With(file, frame + 4, 12)).result,
+              Result::kUnknownFormat);  // depth
 
     // No memory may be taken for the 0.8 GB that this header announces.
-    Bytes forged = MakeJpeg({});
-    std::fill_n(FrameHeader(forged) + kHeightAt, 4, uint8_t{0x40});
-    const Decoded decoded(kDecoder, forged);
+    const Decoded decoded(kDecoder, With(file, frame + 5, 0x40404040, 4));
     EXPECT_EQ(decoded.result, Result::kBrokenData);
     EXPECT_FALSE(decoded.target.View());
 }
 
 TEST(JpegDecoder, StopsWhenToldAndWhenTheDeviceFails) {
-    const Bytes file = MakeJpeg({.progressive = true});
+    const Bytes file = Jpeg("progressive");
     int calls = 0, last = 0, total = 1;
     const Decoded stopped(kDecoder, file, Progress([&](int, int) { return ++calls < 2; }));
     EXPECT_EQ(stopped.result, Result::kAborted);

@@ -1,17 +1,46 @@
-// An archive as a test opens it.
+// An archive as a test opens it, and what the archives among the seeds hold.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "plugins/axtessarc/archive_reader.h"
-#include "tests/plugins_bundled/made_archives.h"
+#include "tests/support/seeds.h"
 
 namespace tessary::unpack::test {
 
 using codec::Condition;
 using codec::Result;
+using tessary::test::Bytes;
+
+constexpr int64_t kFileTime = 1'000'000'000;  // of every member
+
+inline Bytes Archive(const std::string& name) {
+    return tessary::test::Seed("fuzz_archive/" + name);
+}
+
+// Of each of these there is "…-two" with the members a.txt and b.txt of 300 bytes, and
+// "…-large.gz" with kLarge; of those that are not LZH "…-names" with small members, too.
+inline const std::string kFormats[] = {"zip",     "zip-stored", "7z",  "tar", "tar-gz",
+                                       "tar-bz2", "tar-xz",     "cab", "rar", "rar5",
+                                       "lzh0",    "lzh1",       "lzh2"};
+
+// The contents of a member: its name and a number, over and over.
+inline std::string TextOf(const std::string& name, size_t size) {
+    std::string text;
+    for (int i = 0; text.size() < size; ++i)
+        text += name + std::to_string(i % 50);
+    text.resize(size);
+    return text;
+}
+
+struct File {
+    std::string name;
+    size_t size;
+
+    std::string Content() const { return TextOf(name, size); }
+};
+inline const File kLarge[] = {{"first.txt", 100'000},
+                              {"folder/small.txt", 5},
+                              {"folder/large.txt", 300'000},
+                              {"empty.txt", 0}};
 
 class TextSink final : public files::ByteSink {
   public:
@@ -63,20 +92,5 @@ struct Opened {
     Condition told = Condition::kNone;  // by the last extraction
     Result result;
 };
-
-// Where `text` stands in `bytes` for the `nth` time.
-inline size_t Find(const Bytes& bytes, std::string_view text, size_t nth = 0) {
-    auto at = std::search(bytes.begin(), bytes.end(), text.begin(), text.end());
-    for (; nth > 0; --nth)
-        at = std::search(at + 1, bytes.end(), text.begin(), text.end());
-    EXPECT_NE(at, bytes.end());
-    return static_cast<size_t>(at - bytes.begin());
-}
-
-// What most archives of the tests hold.
-inline const std::vector<File> kFiles{{"first.txt", SomeText(100'000, 1)},
-                                      {"folder/small.txt", "small"},
-                                      {"folder/large.txt", SomeText(300'000, 2)},
-                                      {"empty.txt", ""}};
 
 }  // namespace tessary::unpack::test

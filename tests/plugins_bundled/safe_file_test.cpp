@@ -1,10 +1,8 @@
 // What the system's decoders are not to see: headers that lie.
 #include "plugins/iftesswic/safe_file.h"
 
-#include <gtest/gtest.h>
-
 #include "plugins/iftesswic/number_reader.h"
-#include "tests/plugins_bundled/made_pictures.h"
+#include "tests/plugins_bundled/system_pictures.h"
 
 namespace tessary::wic {
 namespace {
@@ -12,7 +10,7 @@ namespace {
 using codec::Condition;
 using codec::Result;
 using namespace codec::test;
-using Bytes = std::vector<uint8_t>;
+using namespace tessary::test;
 
 struct Looked {
     explicit Looked(Bytes content)
@@ -29,121 +27,108 @@ struct Looked {
     SafeFile file;
 };
 
-void Set(Bytes& file, size_t at, uint32_t value, size_t count = 4) {
-    for (size_t i = 0; i < count; ++i)
-        file[at + i] = static_cast<uint8_t>(value >> (8 * i));
-}
-
 TEST(SafeFile, ShowsTheBestIconWhoseHeaderIsSound) {
-    const auto headerOf = [](const Bytes& file, size_t picture) {
-        const size_t offset = kIconEntry + picture * kIconEntrySize + kIconOffset;
-        return static_cast<size_t>(file[offset] | file[offset + 1] << 8);
+    const Bytes icon = SystemPicture("icon");  // of 8, 16 and 12 pixels
+    const auto header = [&](size_t picture) {
+        const size_t offset = 6 + picture * 16 + 12;
+        return static_cast<size_t>(icon[offset] | icon[offset + 1] << 8);
     };
-    for (const uint32_t type : {1u, 2u}) {
-        const Bytes good = MakeIcon(type);
+    constexpr size_t kFirst = 22 + 4;  // where the width of the picture that is shown stands
+    for (const int type : {1, 2}) {    // icon, cursor
+        const Bytes good = With(icon, 2, static_cast<uint8_t>(type));
         Looked whole(good);
         EXPECT_EQ(whole.Told(), Condition::kNone);
         EXPECT_EQ(whole.Number(2), 0x00010001u);  // one icon
-        EXPECT_EQ(whole.Number(22 + 4), 32u);
+        EXPECT_EQ(whole.Number(kFirst), 16u);
         for (const uint32_t height : {0x80000000u, 0x40000000u, 0xC0000000u, 0u}) {
-            Bytes bad = good;
-            Set(bad, headerOf(bad, 1) + kIconHeight, height);
+            Bytes bad = With(good, header(1) + 8, height, 4);
             Looked other(bad);
             ASSERT_EQ(other.Verdict(), Result::kSuccess);
             EXPECT_EQ(other.Told(), Condition::kDamaged);
-            EXPECT_EQ(other.Number(22 + 4), 24u);
-            for (const size_t picture : {0, 2})
-                Set(bad, headerOf(bad, picture) + kIconHeight, height);
+            EXPECT_EQ(other.Number(kFirst), 12u);
+            bad = With(With(bad, header(0) + 8, height, 4), header(2) + 8, height, 4);
             EXPECT_EQ(Looked(bad).Verdict(), Result::kBrokenData) << height;
         }
     }
-    Bytes cut = MakeIcon(1);
-    cut.resize(headerOf(cut, 2) + 100);
-    Looked smaller(cut);
-    EXPECT_EQ(smaller.Number(22 + 4), 32u);
+    Looked smaller(Cut(icon, header(2) + 100));
+    EXPECT_EQ(smaller.Number(kFirst), 16u);
     EXPECT_EQ(smaller.Told(), Condition::kNone);
-    cut.resize(headerOf(cut, 0) + 100);
-    Looked part(cut);
+    Looked part(Cut(icon, header(0) + 100));
     EXPECT_EQ(part.Told(), Condition::kDamaged);
-    EXPECT_EQ(part.file.Source().Size(), 22u + 40 + 16 * 16 * 4 + 16 * 4);
+    EXPECT_EQ(part.file.Source().Size(), 22u + 40 + 8 * 8 * 4 + 8 * 4);
 }
 
 TEST(SafeFile, ChecksTheCountsOfATiff) {
-    const Bytes good = MakeTiff(16, 2, 8, 1, 1, 0);
-    const auto entry = [](size_t number) { return kTiffEntries + number * kTiffEntrySize; };
-    const auto changed = [&](std::initializer_list<std::array<uint32_t, 2>> values) {
+    const Bytes good = Tiff({{kTiffBits, 8}, {kTiffPhotometric, 1}});
+    // The numbers become long ones.
+    const auto changed = [&](std::initializer_list<std::pair<TiffEntry, uint32_t>> values,
+                             size_t field) {
         Bytes file = good;
-        for (const auto& [at, value] : values) {
-            if ((at - kTiffEntries) % kTiffEntrySize == 8) file[at - 6] = 4;  // a long one
-            Set(file, at, value);
-        }
+        for (const auto& [entry, value] : values)
+            file = With(With(file, TiffAt(entry) + 2, 4), TiffAt(entry) + field, value, 4);
         return file;
     };
-    const auto value = [&](size_t number) { return static_cast<uint32_t>(entry(number) + 8); };
-    const auto count = [&](size_t number) { return static_cast<uint32_t>(entry(number) + 4); };
+    constexpr size_t kCount = 4, kValue = 8;
     EXPECT_EQ(Looked(good).Told(), Condition::kNone);
     EXPECT_EQ(Looked(good).file.RowsPerStrip(), 2u);
     const Bytes forged[] = {
-        changed({{value(1), 0x80000000u}, {value(8), 1}}),  // so many strips
-        changed({{value(1), 0x7FFFFFFFu}, {value(8), 1}}),
-        changed({{count(5), 0x80000000u}, {count(9), 0x80000000u}}),
-        changed({{value(0), 0x7FFFFFFFu}, {value(1), 0x7FFFFFFFu}}),
-        changed({{value(0), 0}}),
-        changed({{value(8), 1}}),  // two strips of which one is listed
+        changed({{kTiffHeight, 0x80000000u}, {kTiffRows, 1}}, kValue),  // so many strips
+        changed({{kTiffHeight, 0x7FFFFFFFu}, {kTiffRows, 1}}, kValue),
+        changed({{kTiffOffsets, 0x80000000u}, {kTiffSizes, 0x80000000u}}, kCount),
+        changed({{kTiffWidth, 0x7FFFFFFFu}, {kTiffHeight, 0x7FFFFFFFu}}, kValue),
+        changed({{kTiffWidth, 0}}, kValue),
+        changed({{kTiffRows, 1}}, kValue),  // two strips of which one is listed
     };
     for (const Bytes& file : forged)
         EXPECT_EQ(Looked(file).Verdict(), Result::kBrokenData) << &file - forged;
     // A strip that the file has in part is no reason to show nothing.
-    EXPECT_EQ(Looked(changed({{value(9), 4000}})).Told(), Condition::kDamaged);
-    EXPECT_EQ(Looked(changed({{value(9), 4000}})).Verdict(), Result::kSuccess);
+    Looked part(changed({{kTiffSizes, 4000}}, kValue));
+    EXPECT_EQ(part.Told(), Condition::kDamaged);
+    EXPECT_EQ(part.Verdict(), Result::kSuccess);
     // Directories behind this one, or below it, are nobody's business: they may come in circles.
-    Bytes linked = good;
-    Set(linked, kTiffLink, 12);
-    Set(linked, entry(6), 0x8769, 2);
-    Looked alone(linked);
+    Looked alone(With(With(good, kTiffLink, 12, 4), TiffAt(kTiffOrientation), 0x8769, 2));
     EXPECT_EQ(alone.Verdict(), Result::kSuccess);
     EXPECT_EQ(alone.Number(kTiffLink), 0u);
-    EXPECT_EQ(alone.Number(entry(6)) >> 16, 1u);  // a byte
-    for (size_t size = 22; size < good.size() - 4; ++size) {
-        const Bytes cut(good.begin(), good.begin() + static_cast<ptrdiff_t>(size));
-        ASSERT_EQ(Looked(cut).Verdict(), Result::kBrokenData) << size;
-    }
+    EXPECT_EQ(alone.Number(TiffAt(kTiffOrientation)) >> 16, 1u);  // a byte
+    for (size_t size = 22; size < good.size() - 4; ++size)
+        ASSERT_EQ(Looked(Cut(good, size)).Verdict(), Result::kBrokenData) << size;
 }
 
 TEST(SafeFile, LetsOnlyKnownKindsOfDdsThrough) {
-    EXPECT_EQ(Looked(MakeDds(16, "DXT1", 0)).Told(), Condition::kNone);
-    Looked srgb(MakeDds(16, "DX10", 72));
+    constexpr size_t kHeight = 12, kCopies = 28, kName = 84, kFormat = 128;
+    const Bytes named = SystemPicture("dxt1.dds"), numbered = SystemPicture("dx10.dds");
+    EXPECT_EQ(Looked(named).Told(), Condition::kNone);
+    Looked srgb(numbered);
     EXPECT_EQ(srgb.Told(), Condition::kNone);
-    EXPECT_EQ(srgb.Number(128), 71u);
-    EXPECT_EQ(Looked(MakeDds(16, "ATI2", 0)).Told(), Condition::kKindNotRead);
-    EXPECT_EQ(Looked(MakeDds(16, "DX10", 98)).Verdict(), Result::kUnknownFormat);
-    Bytes cut = MakeDds(16, "DXT1", 0);
-    Set(cut, 28, 0x7FFFFFFF);  // smaller copies
-    cut.resize(cut.size() - 8);
+    EXPECT_EQ(srgb.Number(kFormat), 71u);
+    EXPECT_EQ(Looked(With(named, kName, 0x32495441, 4)).Told(), Condition::kKindNotRead);  // ATI2
+    EXPECT_EQ(Looked(With(numbered, kFormat, 98)).Verdict(), Result::kUnknownFormat);
+    const Bytes cut = Cut(With(named, kCopies, 0x7FFFFFFF, 4), named.size() - 8);
     Looked part(cut);
     EXPECT_EQ(part.Told(), Condition::kDamaged);
-    EXPECT_EQ(part.file.Source().Size(), cut.size() + 8);
-    EXPECT_EQ(part.Number(28), 0u);
-    Set(cut, 12, 0x40000000);
-    EXPECT_EQ(Looked(cut).Verdict(), Result::kBrokenData);
+    EXPECT_EQ(part.file.Source().Size(), named.size());
+    EXPECT_EQ(part.Number(kCopies), 0u);
+    EXPECT_EQ(Looked(With(cut, kHeight, 0x40000000, 4)).Verdict(), Result::kBrokenData);
 }
 
 TEST(SafeFile, CountsThePixelsOfAGif) {
-    const Bytes good = MakeGif();
-    EXPECT_EQ(Looked(good).Told(), Condition::kNone);
-    // The first frame is whole; so is the picture.
-    EXPECT_EQ(Looked(Bytes(good.begin(), good.end() - 20)).Told(), Condition::kNone);
-    const auto firstEnd = good.begin() + kGifFirstPixels + 2 + 0x44;
-    EXPECT_EQ(Looked(Bytes(good.begin(), firstEnd)).Told(), Condition::kNone);
-    EXPECT_EQ(Looked(Bytes(good.begin(), firstEnd - 3)).Told(), Condition::kDamaged);
-    Bytes higher = good;  // by one row, of which there are no pixels
-    ++higher[kGifFrame + 6];
-    EXPECT_EQ(Looked(higher).Told(), Condition::kDamaged);
-    Bytes noPixel = good;
-    noPixel[kGifFirstPixels + 2] = 7;
+    const Bytes good = SystemPicture("two-frames");
+    constexpr size_t kFirstEnd = kGifFirstPixels + 2 + 0x44;
+    const Bytes higher = With(good, kGifFrame + 6, kGifHeight + 1);  // by a row without pixels
+    const std::pair<Bytes, Condition> told[] = {
+        {good, Condition::kNone},
+        // The first frame is whole; so is the picture.
+        {Cut(good, good.size() - 20), Condition::kNone},
+        {Cut(good, kFirstEnd), Condition::kNone},
+        {Cut(good, kFirstEnd - 3), Condition::kDamaged},
+        {higher, Condition::kDamaged},
+    };
+    for (const auto& [file, condition] : told)
+        EXPECT_EQ(Looked(file).Told(), condition) << file.size();
+    const Bytes noPixel = With(good, kGifFirstPixels + 2, 7);
+    const Bytes endless = With(higher, kGifScreen, 0xFFFFFFFF, 4);
     EXPECT_EQ(Looked(noPixel).Verdict(), Result::kBrokenData);
-    Set(higher, kGifScreen, 0xFFFFFFFF);
-    EXPECT_EQ(Looked(higher).Verdict(), Result::kBrokenData);
+    EXPECT_EQ(Looked(endless).Verdict(), Result::kBrokenData);
 }
 
 }  // namespace
