@@ -5,13 +5,11 @@
 #include <random>
 
 #include "app/base/paths.h"
-#include "helpers/files/refusal.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/content_of.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
-#include "ui/control/delete_file.h"
 #include "ui/control/frmControl.h"
 
 namespace tessary::test {
@@ -33,16 +31,6 @@ TEST(SaveNameTest, TheExtensionIsTheChosenFormats) {
     EXPECT_EQ(ProposedStem(L".png"), L".png");
     EXPECT_EQ(ProposedStem(L"... .png"), L"無題");
     EXPECT_EQ(ProposedStem(L""), L"無題");
-}
-
-// Whatever the system says of a file that is still there, it is not deleted.
-TEST(DeletionErrorTest, IsNoneOnlyOfWhatIsGone) {
-    const TemporaryFolder folder;
-    const std::wstring file = folder.Write(L"a");
-    EXPECT_EQ(DeletionError(ERROR_FILE_NOT_FOUND, file), files::kErrorProtectedFolder);
-    EXPECT_EQ(DeletionError(ERROR_SHARING_VIOLATION, file), DWORD{ERROR_SHARING_VIOLATION});
-    EXPECT_EQ(DeletionError(ERROR_FILE_NOT_FOUND, file + L"b"), 0u);
-    EXPECT_EQ(DeletionError(ERROR_PATH_NOT_FOUND, LR"(Q:\away\a)"), DWORD{ERROR_PATH_NOT_FOUND});
 }
 
 class SaveTest : public MainWindowTest {

@@ -1,0 +1,143 @@
+// The files being viewed, without a window: order and selection, where steps lead, and what is
+// marked for deletion.
+#include "sequence/file_sequence.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/temporary_folder.h"
+
+namespace tessary {
+namespace {
+
+using List = std::vector<std::wstring>;
+
+// Does what it is told, as a list box does.
+class ToldList final : public EntryMirror {
+  public:
+    void EntriesExpected(int) override {}
+    void EntryAdded(const std::wstring& text) override { texts.push_back(text); }
+    void EntryRemoved(int index) override { texts.erase(texts.begin() + index); }
+    void EntriesCleared() override { texts.clear(); }
+    void CursorMoved(int index) override { cursor = index; }
+
+    List texts;
+    int cursor = -1;
+};
+
+// Knows pictures by their names, and has only so much patience.
+class NamedKinds final : public KindSource {
+  public:
+    bool IsKnown(const std::wstring& path) override { return path.starts_with(L"p"); }
+    bool GoesOn(int index, int done, int total) override {
+        told.push_back({index, done, total});
+        return told.size() < patience;
+    }
+
+    std::vector<std::vector<int>> told;
+    size_t patience = 100;
+};
+
+TEST(FileSequenceTest, MirrorsSeeWhatTheSequenceHas) {
+    FileSequence::FileEntries files;
+    ToldList list;
+    int selections = 0;
+    files.SetMirror(list);
+    files.OnSelect([&] { ++selections; });
+    for (const wchar_t* const name : {L"a", L"b", L"c", L"d", L"b"})
+        files.Add({name});
+    files.Select(2);
+    EXPECT_EQ(files.IndexOf(files.Current()), 2);
+    struct Case {
+        int removed, cursor;
+        List left;
+    };
+    for (const Case& c : {Case{3, 2, {L"a", L"b", L"c", L"b"}}, Case{0, 1, {L"b", L"c", L"b"}},
+                          Case{1, -1, {L"b", L"b"}}}) {
+        files.Remove(c.removed);
+        EXPECT_EQ(files.Texts(), c.left);
+        EXPECT_EQ(list.texts, c.left);
+        EXPECT_EQ(files.Cursor(), c.cursor);
+        EXPECT_EQ(list.cursor, c.cursor);
+    }
+    files.SetCursor(7);  // what a search has found may be gone by its end
+    EXPECT_EQ(files.Cursor(), -1);
+    files.Select(1);
+    files.Clear();
+    EXPECT_EQ(files.Cursor(), -1);
+    EXPECT_EQ(list.texts, List{});
+    EXPECT_EQ(selections, 2);
+}
+
+TEST(FileSequenceTest, StepsGoThroughMembersAndKnownFiles) {
+    FileSequence sequence;
+    for (const wchar_t* const name : {L"x0", L"p1", L"x2", L"p3", L"x4"})
+        sequence.Files().Add({name});
+    const std::vector<ListedMember> members{{L"a", 3}, {L"b", 1}, {L"c", 2}};
+    sequence.SetMembers(members);
+    EXPECT_EQ(sequence.Members().At(1).position, 1);
+    const std::optional<int> kNone;
+    struct Case {
+        int file, member, steps;  // member -2: not in the archive
+        std::optional<int> toMember, toFile;
+        bool isKnown;
+    };
+    for (const Case& c : {
+             Case{-1, -2, 1, kNone, 1, true},  // the unknown one is left out
+             {1, -2, 1, kNone, 3, true},
+             {3, -2, 1, kNone, 4, false},  // the last, although unknown
+             {4, -2, 1, kNone, kNone, false},
+             {0, -2, 5, kNone, 3, true},  // no further than the last one of known kind
+             {3, -2, -1, kNone, 1, true},
+             {3, -2, -2, kNone, 1, true},
+             {1, -2, -1, kNone, -1, false},  // the selection goes
+             {-1, -2, -1, kNone, kNone, false},
+             {1, -1, 1, 0, kNone, false},
+             {1, 0, 2, 2, kNone, false},
+             {1, 2, 1, kNone, 3, true},
+             {1, 1, 2, 2, 3, true},
+             {3, 1, 5, 2, kNone, false},  // there is no file behind the archive
+             {3, 2, 1, kNone, 4, false},
+             {1, 2, -1, 1, kNone, false},
+             {1, 1, -3, 0, kNone, false},
+         }) {
+        sequence.Files().SetCursor(c.file);
+        sequence.Members().SetCursor(c.member);
+        NamedKinds kinds;
+        const StepTarget target = sequence.Find(c.steps, c.member != -2, kinds);
+        const std::string from = std::to_string(c.file) + ", " + std::to_string(c.member) + " by " +
+                                 std::to_string(c.steps);
+        EXPECT_EQ(target.member, c.toMember) << from;
+        EXPECT_EQ(target.file, c.toFile) << from;
+        EXPECT_EQ(target.isKnown, c.isKnown) << from;
+    }
+    NamedKinds impatient;
+    impatient.patience = 1;
+    sequence.Files().SetCursor(3);
+    EXPECT_EQ(sequence.Find(-1, false, impatient).file, kNone);
+    EXPECT_EQ(impatient.told, (std::vector<std::vector<int>>{{2, 0, 3}}));
+    sequence.LeaveArchive();
+    EXPECT_TRUE(sequence.Members().IsEmpty());
+}
+
+TEST(FileSequenceTest, DeletedFilesGoInEverySpelling) {
+    const test::TemporaryFolder folder;
+    const auto path = [&](const wchar_t* name) { return folder.Path() + name; };
+    const List files{path(L"1"), path(L"2"), path(L"a"), path(L"4"), path(LR"(x\a)")};
+    const List deleted{path(L"1"), path(LR"(.\A)")};
+    struct Case {
+        int cursor, cursorThen;
+        std::optional<int> gap;
+    };
+    for (const Case& c : {Case{2, -1, 1}, Case{0, -1, 0}, Case{3, 1, {}}, Case{-1, -1, {}}}) {
+        FileSequence sequence;
+        for (const std::wstring& file : files)
+            sequence.Files().Add({file});
+        sequence.Files().SetCursor(c.cursor);
+        EXPECT_EQ(sequence.RemoveDeleted(deleted), c.gap) << c.cursor;
+        EXPECT_EQ(sequence.Files().Texts(), (List{files[1], files[3], files[4]}));
+        EXPECT_EQ(sequence.Files().Cursor(), c.cursorThen);
+    }
+}
+
+}  // namespace
+}  // namespace tessary

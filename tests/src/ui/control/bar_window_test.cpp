@@ -1,0 +1,244 @@
+// The control bar's window: its place, its delete panel, its keys.
+#include "tests/src/ui/control/control_bar_test.h"
+#include "ui/control/panel_place.h"
+#include "ui/form/screen.h"
+
+namespace tessary::test {
+namespace {
+
+class BarWindowTest : public ControlBarTest {
+  protected:
+    void SetUp() override {
+        ControlBarTest::SetUp();
+        files_ = Bitmaps(4);
+        bar_.SetFileList(files_);
+        window_.Show();
+        DoEvents();
+    }
+    // A key pressed where the focus is.
+    static void Press(int key, UINT message = WM_KEYDOWN, LPARAM state = 0) {
+        PostMessageW(GetFocus(), message, static_cast<WPARAM>(key), state);
+        DoEvents();
+    }
+    RECT Frame() const {
+        RECT frame{};
+        GetWindowRect(bar_.Handle(), &frame);
+        return frame;
+    }
+    HWND View() const { return window_.pictureView().Handle(); }
+
+    List files_;
+};
+
+TEST_F(BarWindowTest, DeletePanelOpensAndAsksBeforeAnythingIsLost) {
+    Click(bar_.listFileName(), -1);
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(messages_.Only(),
+              L"ファイルが選択されていません。削除するファイルをリストから選んでください。");
+    Click(bar_.listFileName(), 0);
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(HeightAt96Dpi(), 270);
+    EXPECT_FALSE(IsEnabled(BarButton::kFold));
+    EXPECT_EQ(Selected(), 0);  // the next one is up
+    EXPECT_EQ(Info(), L"[画像] 2.bmp ( 8×6 24bit )");
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(Items(bar_.listDelete()), (List{files_[0], files_[1]}));
+    EXPECT_NE(FindWindowExW(bar_.Handle(), nullptr, L"STATIC", L"2 個のファイル"), nullptr);
+    Click(bar_.listDelete(), 0, LBN_DBLCLK);
+    EXPECT_EQ(Items(bar_.listFileName()), (List{files_[2], files_[3], files_[0]}));
+
+    int asked = 0;
+    SetMessageBoxResponder([&](const auto&, unsigned, const auto&) {
+        ++asked;
+        return IDCANCEL;
+    });
+    const HWND main = window_.Handle();
+    SendMessageW(main, WM_COMMAND, commandEscape, 0);
+    EXPECT_EQ(asked, 1);
+    // A show is nearer to the user.
+    Values().general.slideShowTime = 10000;
+    bar_.Press(BarButton::kPlay);
+    SendMessageW(main, WM_COMMAND, commandEscape, 0);
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
+    EXPECT_EQ(asked, 1);
+    SendMessageW(main, WM_CLOSE, 0, 0);
+    EXPECT_EQ(asked, 2);
+    EXPECT_FALSE(Values().quitRequested);
+    // Enter behind a cancelled deletion steps on, and a key that is held down asks nothing.
+    ::SetFocus(PanelButton());
+    Press(VK_RETURN, WM_KEYDOWN, LPARAM{KF_REPEAT} << 16);
+    EXPECT_EQ(asked, 2);
+    for (const int step : {0, 1, 2}) {
+        Press(VK_RETURN);
+        EXPECT_EQ(asked, 3);
+        EXPECT_EQ(Selected(), step);
+    }
+    SetMessageBoxResponder([&](const auto&, unsigned style, const auto&) {
+        if ((style & MB_TYPEMASK) == MB_OKCANCEL) return IDOK;
+        bar_.Press(BarButton::kDeleteList);  // too late while a deletion runs
+        return IDIGNORE;
+    });
+    for (const bool isLocked : {true, false}) {
+        const UniqueFile file(CreateFileW(files_[1].c_str(), GENERIC_READ,
+                                          isLocked ? 0 : FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                          0, nullptr));
+        SendMessageW(PanelButton(), BM_CLICK, 0, 0);
+        EXPECT_EQ(Items(bar_.listDelete()), isLocked ? List{files_[1]} : List{});
+    }
+    EXPECT_EQ(HeightAt96Dpi(), 130);
+    EXPECT_TRUE(IsEnabled(BarButton::kFold));
+    EXPECT_EQ(bar_.listFileName().Count(), 3);
+}
+
+TEST_F(BarWindowTest, KeysStepFromEveryPart) {
+    const auto stepsHere = [&](const char* where) {
+        int at = Selected();
+        for (const auto& [key, step] :
+             {std::pair{VK_NEXT, 1}, {VK_BACK, -1}, {VK_NEXT, 1}, {VK_PRIOR, -1}}) {
+            Press(key);
+            EXPECT_EQ(Selected(), at += step) << where;
+        }
+    };
+    bar_.listFileName().SetFocus();
+    stepsHere("files");
+    Press(VK_SPACE);
+    Press(VK_RETURN);
+    EXPECT_EQ(Selected(), 2);
+    bar_.textFileInfo().SetFocus();
+    stepsHere("information");
+    bar_.CoolBar().SetFocus();
+    stepsHere("toolbar");
+    bar_.listFileName().SetFocus();
+    Press('F');  // no button is under the keys then
+    EXPECT_EQ(GetFocus(), bar_.Handle());
+    stepsHere("folded");
+    Press(VK_RETURN);
+    EXPECT_EQ(Selected(), 3);
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
+    Press('F');
+    EXPECT_EQ(GetFocus(), bar_.listFileName().Handle());
+}
+
+TEST_F(BarWindowTest, TabGoesRoundBothWindowsAndF6Between) {
+    const auto round = [&] {
+        std::vector<HWND> stops;
+        window_.TakeFocus();
+        do {
+            Press(VK_TAB);
+            stops.push_back(GetFocus());
+        } while (GetFocus() != View() && stops.size() < 20);
+        return stops;
+    };
+    const HWND toolbar = bar_.CoolBar().Handle();
+    const HWND files = bar_.listFileName().Handle();
+    EXPECT_EQ(round(), (std::vector<HWND>{toolbar, bar_.textFileInfo().Handle(), files, View()}));
+    for (const HWND next : {files, View()}) {
+        Press(VK_F6);
+        EXPECT_EQ(GetFocus(), next);
+    }
+    bar_.SetVisible(false);
+    Press(VK_TAB);
+    Press(VK_F6);
+    EXPECT_EQ(GetFocus(), View());
+    bar_.SetVisible(true);
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(round().size(), 8u);  // the panel's list and buttons too
+    bar_.Press(BarButton::kCancelDelete);
+    bar_.Press(BarButton::kFold);
+    EXPECT_EQ(round(), (std::vector<HWND>{toolbar, View()}));
+    Press(VK_F6);
+    EXPECT_TRUE(bar_.CoolBar().HasFocus() || GetFocus() == bar_.Handle());
+    Press(VK_F4, WM_SYSKEYDOWN, 1 << 29);  // with Alt
+    EXPECT_EQ(window_.Handle(), nullptr);
+}
+
+// They take the text before a list or field for its name.
+TEST_F(BarWindowTest, ScreenReadersFindNames) {
+    const auto textBefore = [](const Control& control) {
+        wchar_t text[40]{};
+        GetWindowTextW(GetWindow(control.Handle(), GW_HWNDPREV), text, 40);
+        return std::wstring(text);
+    };
+    EXPECT_EQ(textBefore(bar_.textFileInfo()), L"表示中のファイル");
+    EXPECT_EQ(textBefore(bar_.listFileName()), L"ファイルの一覧");
+    EXPECT_EQ(textBefore(bar_.listArchiveFile()), L"圧縮ファイルの中身");
+    EXPECT_EQ(textBefore(bar_.listDelete()), L"削除リスト");
+    EXPECT_EQ(bar_.CoolBar().Text(), L"操作ボタン");
+}
+
+TEST(PanelPlaceTest, KeepsToolbarWorkAreaAndTitle) {
+    const RECT work{0, 0, 1000, 700};
+    const RECT title{200, 300, 800, 350};
+    struct Case {
+        POINT bar, frame;
+        bool above;
+    };
+    for (const Case& c : {Case{{10, 10}, {10, 10}, false},         // there is room below
+                          Case{{200, 160}, {200, 20}, true},       // the title is below
+                          Case{{200, 560}, {200, 420}, true},      // the screen ends below
+                          Case{{200, 80}, {200, 30}, false},       // no room above either
+                          Case{{900, 560}, {520, 430}, false},     // beyond the right edge
+                          Case{{250, 320}, {250, 350}, false}}) {  // upon the title
+        const PanelPlace place =
+            PlacePanel({c.bar.x, c.bar.y, c.bar.x + 480, c.bar.y + 130}, 270, 140, work, title);
+        const RECT expected{c.frame.x, c.frame.y, c.frame.x + 480, c.frame.y + 270};
+        EXPECT_TRUE(EqualRect(&place.frame, &expected)) << c.bar.x << " " << c.bar.y;
+        EXPECT_EQ(place.above, c.above) << c.bar.x << " " << c.bar.y;
+    }
+}
+
+TEST_F(BarWindowTest, PanelOpenedOnTheFullScreenLeavesTheTitleInSight) {
+    SetWindowPos(window_.Handle(), nullptr, 200, 340, 600, 300, SWP_NOZORDER);
+    SetWindowPos(bar_.Handle(), nullptr, 200, 200, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    window_.Commands().Run(commandFullScreen);
+    Press(VK_DELETE);
+    window_.Commands().Run(commandFullScreen);
+    EXPECT_TRUE(bar_.IsVisible());
+    EXPECT_EQ(HeightAt96Dpi(), 270);
+    const RECT bar = Frame();
+    RECT main{};
+    RECT hidden{};
+    GetWindowRect(window_.Handle(), &main);
+    main.bottom = main.top + 20;
+    EXPECT_FALSE(IntersectRect(&hidden, &bar, &main));
+    bar_.Press(BarButton::kCancelDelete);
+    EXPECT_EQ(Frame().left, 200);
+    EXPECT_EQ(Frame().top, 200);
+}
+
+TEST_F(BarWindowTest, FoldStateAndPlaceAreKept) {
+    EXPECT_EQ(HeightAt96Dpi(), 130);
+    bar_.Press(BarButton::kFold);
+    EXPECT_EQ(HeightAt96Dpi(), 28);
+    EXPECT_FALSE(IsWindowVisible(bar_.listFileName().Handle()));
+    SetWindowPos(bar_.Handle(), nullptr, 40, 60, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    bar_.Unload();
+    EXPECT_FALSE(bar_.HasFiles());
+    EXPECT_EQ(GetSetting(L"Window", L"ControlBarRollUP"), L"True");
+    EXPECT_EQ(GetSetting(L"Window", L"ControlBar_X"), L"600");
+    EXPECT_EQ(GetSetting(L"Window", L"ControlBar_Y"), L"900");
+    SaveSetting(L"Window", L"ControlBar_X", L"-50");
+    ASSERT_TRUE(bar_.Load(window_.Handle()));
+    EXPECT_EQ(Frame().left, 0);
+    EXPECT_EQ(Frame().top, 60);
+    EXPECT_EQ(HeightAt96Dpi(), 28);
+
+    // Where the buttons would be out of reach it comes back when it is shown.
+    const RECT work = ScreenOf(bar_.Handle()).rcWork;
+    SetWindowPos(bar_.Handle(), nullptr, 40, work.bottom - 5, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    bar_.SetVisible(true);
+    EXPECT_EQ(Frame().left, 40);
+    EXPECT_EQ(Frame().bottom, work.bottom);
+
+    // Unfolding during a fast run leaves no list behind.
+    bar_.SetFileList(List{files_[0], folder_.Write(L"2.tst", "TST 8x8x24\n")});
+    Sleep(25);  // so long a load keeps the messages waiting
+    PostMessageW(window_.Handle(), WM_COMMAND, menuControl_5, 0);
+    bar_.Press(BarButton::kFastForward);
+    EXPECT_TRUE(StopsByItself());
+    EXPECT_FALSE(bar_.IsRollUp());
+    EXPECT_TRUE(IsWindowVisible(bar_.listFileName().Handle()));
+}
+
+}  // namespace
+}  // namespace tessary::test

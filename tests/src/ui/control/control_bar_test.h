@@ -1,0 +1,116 @@
+// The real control bar and main window over real files, decoded by the finished program's helper
+// libraries and by test plug-ins.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/settings/settings_store.h"
+#include "plugin/modSusie.h"
+#include "res/resource.h"
+#include "tests/plugins/test_plugins.h"
+#include "tests/src/ui/run_until.h"
+#include "tests/support/bitmap_image.h"
+#include "tests/support/helper_libraries.h"
+#include "tests/support/recorded_messages.h"
+#include "tests/support/redirected_settings.h"
+#include "tests/support/temporary_folder.h"
+#include "ui/control/frmControl.h"
+#include "ui/form/message_loop.h"
+
+namespace tessary::test {
+
+using List = std::vector<std::wstring>;
+
+inline List Items(const ListBox& list) {
+    List items;
+    for (int i = 0; i < list.Count(); ++i)
+        items.push_back(list.Item(i));
+    return items;
+}
+
+class ControlBarTest : public testing::Test {
+  protected:
+    static void SetUpTestSuite() { LoadHelperLibraries(); }
+
+    void SetUp() override {
+        Values().general.useSPI = 1;
+        SusieCollection().AddSPI(TestPluginPath(L"iftst.spi"));
+        SusieCollection().AddSPI(TestPluginPath(L"axtsa.spi"));
+        SaveSetting(L"Window", L"ControlBar_X", L"0");
+        window_.SetControlBar(bar_);
+        ASSERT_TRUE(window_.Load());
+        ASSERT_TRUE(bar_.Load(window_.Handle()));
+    }
+
+    void TearDown() override {
+        Values().readsUnderWay = 0;
+        window_.Unload();
+        DoEvents();
+        UnloadSPI();
+    }
+
+    std::wstring Bitmap(const std::wstring& name, int width = 8) const {
+        return folder_.Write(name, BitmapFileOf(width, 6, RGB(1, 2, 3)));
+    }
+    // 1.bmp to so many.
+    List Bitmaps(int count) const {
+        List files;
+        for (int i = 1; i <= count; ++i)
+            files.push_back(Bitmap(std::to_wstring(i) + L".bmp"));
+        return files;
+    }
+    // Takes so long to be decoded that messages are let through.
+    std::wstring SlowPicture(const std::wstring& name) const {
+        return folder_.Write(name, "TST 8x50x24\nprogress:9\n");
+    }
+    std::wstring Archive(const std::wstring& name) const {
+        return folder_.Write(name,
+                             "TSA\n"
+                             "member\t13\t\tb10.tst\nmember\t12\t\tb9.tst\n"
+                             "member\t6\t\treadme.txt\n\n"
+                             "TST 10x4x24\n\nTST 9x4x24\n\nhello\n");
+    }
+
+    std::wstring Panel() const { return window_.statusInformation().PanelText(kShownFilePanel); }
+    std::wstring Notice() const { return window_.statusInformation().PanelText(kNoticePanel); }
+    std::wstring Note() const { return window_.pictureView().Note(); }
+    std::wstring Info() const { return bar_.textFileInfo().Text(); }
+    int Selected() const { return bar_.listFileName().Selected(); }
+    bool IsEnabled(BarButton button) const {
+        return bar_.CoolBar().IsButtonEnabled(static_cast<int>(button));
+    }
+    int HeightAt96Dpi() const {
+        RECT frame{};
+        GetWindowRect(bar_.Handle(), &frame);
+        return MulDiv(frame.bottom - frame.top, 96, Metrics(bar_.Handle()).Dpi());
+    }
+
+    // What the user does.
+    static void Click(const ListBox& list, int index, WORD event = LBN_SELCHANGE) {
+        SendMessageW(list.Handle(), LB_SETCURSEL, static_cast<WPARAM>(index), 0);
+        SendMessageW(GetParent(list.Handle()), WM_COMMAND, MAKEWPARAM(0, event),
+                     reinterpret_cast<LPARAM>(list.Handle()));
+    }
+    // So long a load keeps the messages waiting.
+    void LoadSlowly(int index) const {
+        Sleep(25);
+        Click(bar_.listFileName(), index);
+    }
+    HWND PanelButton(const wchar_t* caption = L"ディスクから削除(&D)") const {
+        return FindWindowExW(bar_.Handle(), nullptr, L"BUTTON", caption);
+    }
+    bool StopsByItself() {
+        return RunUntil([&] { return bar_.PlayMode() == BarButton::kStop; });
+    }
+
+    RedirectedSettings settings_;
+    RecordedMessages messages_;
+    TemporaryFolder folder_;
+    frmMain window_{{.commandLine = {}, .pluginCount = [] { return 2; }, .endProgram = {}}};
+    frmControl bar_{window_};
+};
+
+}  // namespace tessary::test

@@ -1,0 +1,187 @@
+// The delete list without its windows: what becomes of the files, and what the user is asked.
+#include "ui/control/delete_list.h"
+
+#include <gtest/gtest.h>
+
+#include "app/base/handles.h"
+#include "app/base/message_box.h"
+#include "helpers/files/refusal.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary {
+namespace {
+
+using List = std::vector<std::wstring>;
+
+class DeleteListTest : public testing::Test, protected DeleteListHost {
+  protected:
+    void SetUp() override {
+        for (const wchar_t* const name : {L"1", L"2", L"3", L"4"}) {
+            files_.push_back(folder_.Write(name, "mine"));
+            Files().Add({files_.back()});
+        }
+        Files().SetCursor(0);
+        SetMessageBoxResponder([this](const std::wstring& text, unsigned style, const auto&) {
+            asked_.push_back({text, style});
+            if (onQuestion_) onQuestion_();
+            return asked_.size() <= answers_.size() ? answers_[asked_.size() - 1] : 0;
+        });
+    }
+    void TearDown() override { SetMessageBoxResponder({}); }
+
+    void SetPanelOpen(bool open) override { isOpen_ = open; }
+    bool IsPanelInSight() const override { return isInSight_; }
+    void ShowNote(const std::wstring& note) override { note_ = note; }
+    void ShowInPlaceOf(int index) override { shown_ = index; }
+    void ForgetDeletion() override {}
+    void WhileDeleting(const std::function<void(const DeletionNews&)>& deletion) override {
+        deletion([this](const std::wstring&, int32_t done, int32_t) { return done < patience_; });
+    }
+
+    FileSequence::FileEntries& Files() { return sequence_.Files(); }
+    List Marked() const { return sequence_.Marks().Texts(); }
+    List Listed() const { return sequence_.Files().Texts(); }
+    void MarkThree() {
+        for (int i = 0; i < 3; ++i)
+            list_.Mark(0);
+    }
+    // From now on these answers, in turn.
+    void Answer(std::vector<int> answers) {
+        answers_ = std::move(answers);
+        asked_.clear();
+    }
+    static bool IsThere(const std::wstring& path) { return std::filesystem::exists(path); }
+
+    test::TemporaryFolder folder_;
+    List files_;
+    FileSequence sequence_;
+    DeleteList list_{sequence_, *this};
+    bool isOpen_ = false;
+    bool isInSight_ = true;
+    int shown_ = -2;
+    int patience_ = 100;
+    std::wstring note_;
+    std::vector<int> answers_;
+    std::vector<std::pair<std::wstring, unsigned>> asked_;
+    std::function<void()> onQuestion_;
+};
+
+TEST_F(DeleteListTest, MovesFilesOutAndBack) {
+    Files().Add({folder_.Path() + LR"(.\1)"});
+    list_.Mark(-1);
+    EXPECT_FALSE(isOpen_);
+    list_.Mark(0);
+    EXPECT_TRUE(isOpen_);
+    EXPECT_EQ(shown_, 0);  // the next one comes up
+    EXPECT_EQ(note_, L"");
+    shown_ = -2;
+    isInSight_ = false;
+    list_.Mark(1);
+    EXPECT_EQ(note_, L"削除リストに追加しました（2 個）: 3");
+    list_.Mark(2);
+    EXPECT_EQ(note_, L"1 は、もう削除リストにあります。");
+    EXPECT_EQ(shown_, -2);  // another one was selected
+    list_.FileSaved(folder_.Path() + LR"(.\1)");
+    EXPECT_EQ(note_, L"保存したので、削除リストから一覧に戻しました: 1");
+    EXPECT_TRUE(isOpen_);
+    list_.PutBack(files_[2]);
+    EXPECT_FALSE(isOpen_);
+    EXPECT_EQ(Listed(), (List{files_[1], files_[3], files_[0], files_[2]}));
+    MarkThree();
+    list_.DropAll();
+    EXPECT_EQ(Listed(), List{files_[2]});
+    EXPECT_FALSE(isOpen_);
+}
+
+TEST_F(DeleteListTest, DeletesAndLetsTheUserDecideAboutFailures) {
+    SetFileAttributesW(files_[2].c_str(), FILE_ATTRIBUTE_READONLY);
+    UniqueFile locked(CreateFileW(files_[1].c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                  OPEN_EXISTING, 0, nullptr));
+    MarkThree();
+    onQuestion_ = [&] {
+        if (asked_.size() == 3) locked.Reset();
+    };
+    const List one{files_[1]};
+    const List two{files_[0], files_[1]};
+    const List all{files_[0], files_[1], files_[2]};
+    struct Case {
+        std::vector<int> answers;
+        int patience;  // how many files it lasts for
+        List left;
+    };
+    for (const Case& c : {Case{{IDCANCEL}, 9, all},
+                          {{IDOK, IDABORT}, 9, two},
+                          {{IDOK, IDIGNORE}, 1, two},
+                          {{IDOK, IDIGNORE}, 9, one},
+                          {{IDOK, IDRETRY, IDRETRY}, 9, {}}}) {
+        Answer(c.answers);
+        patience_ = c.patience;
+        list_.AskToDeleteAll();
+        ASSERT_EQ(asked_.size(), c.answers.size());
+        EXPECT_EQ(asked_[0].second, 65u | MB_DEFBUTTON2);
+        EXPECT_EQ(asked_.back().second, asked_.size() > 1 ? 18u : asked_[0].second);
+        EXPECT_EQ(Marked(), c.left);
+        EXPECT_EQ(isOpen_, !c.left.empty());
+    }
+    EXPECT_EQ(asked_[0].first, L"リスト内の 1個のファイルをディスクから削除します。");
+    for (size_t i = 0; i < files_.size(); ++i)
+        EXPECT_EQ(IsThere(files_[i]), i == 3);
+}
+
+// What has become of a file since it was marked counts, not what it is called.
+TEST_F(DeleteListTest, DeletesOnlyWhatWasMarked) {
+    Files().Add({folder_.Path() + LR"(.\3)"});
+    MarkThree();
+    Files().SetCursor(1);
+    folder_.Write(L"1", "yours by now");
+    std::filesystem::remove(files_[1]);
+    Answer({IDOK, IDNO});
+    list_.AskToDeleteAll();
+    ASSERT_EQ(asked_.size(), 2u);
+    EXPECT_NE(asked_[1].first.find(L"1 は、削除リストに入れた後に変更"), std::wstring::npos);
+    EXPECT_TRUE(IsThere(files_[0]));
+    EXPECT_FALSE(IsThere(files_[2]));
+    EXPECT_FALSE(isOpen_);
+    EXPECT_EQ(Listed(), (List{files_[3], files_[0]}));
+    EXPECT_EQ(shown_, 1);  // in the place of the one that was shown
+}
+
+TEST_F(DeleteListTest, NothingIsDroppedUnasked) {
+    EXPECT_TRUE(list_.MayClose());
+    MarkThree();
+    for (const auto& [answer, closes] : {std::pair{IDNO, true}, {IDCANCEL, false}}) {
+        Answer({answer});
+        EXPECT_EQ(list_.MayClose(), closes);
+        EXPECT_NE(asked_[0].first.find(L" 3 個"), std::wstring::npos);
+        list_.AskToPutAllBack();
+        EXPECT_EQ(Marked().size(), 3u);
+    }
+    // Another attempt while what cannot be deleted is being told.
+    UniqueFile locked(CreateFileW(files_[2].c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                  OPEN_EXISTING, 0, nullptr));
+    onQuestion_ = [&] { EXPECT_FALSE(list_.MayClose()); };
+    Answer({IDYES, IDABORT});
+    EXPECT_FALSE(list_.MayClose());
+    EXPECT_EQ(asked_.size(), 2u);
+    onQuestion_ = {};
+    locked.Reset();
+    Answer({IDYES});
+    list_.AskToPutAllBack();
+    EXPECT_EQ(Listed(), (List{files_[3], files_[0], files_[1], files_[2]}));
+    list_.Mark(0);
+    Answer({IDYES});
+    EXPECT_TRUE(list_.MayClose());
+    EXPECT_FALSE(IsThere(files_[3]));
+    EXPECT_TRUE(IsThere(files_[0]));
+}
+
+// Whatever the system says of a file that is still there, it is not deleted.
+TEST_F(DeleteListTest, OnlyWhatIsGoneCountsAsDeleted) {
+    EXPECT_EQ(DeletionError(ERROR_FILE_NOT_FOUND, files_[0]), files::kErrorProtectedFolder);
+    EXPECT_EQ(DeletionError(ERROR_SHARING_VIOLATION, files_[0]), DWORD{ERROR_SHARING_VIOLATION});
+    EXPECT_EQ(DeletionError(ERROR_FILE_NOT_FOUND, files_[0] + L"b"), 0u);
+    EXPECT_EQ(DeletionError(ERROR_PATH_NOT_FOUND, LR"(Q:\away\a)"), DWORD{ERROR_PATH_NOT_FOUND});
+}
+
+}  // namespace
+}  // namespace tessary

@@ -1,0 +1,143 @@
+// The control bar's lists: filling them, and what selecting an entry shows.
+#include "picture/current_picture.h"
+#include "tests/src/ui/control/control_bar_test.h"
+#include "tests/src/ui/message_spy.h"
+
+namespace tessary::test {
+namespace {
+
+const List kNotArchive{L"Not Archive File."};
+
+using FileListTest = ControlBarTest;
+
+TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
+    const List files{Bitmap(L"一.bmp"), Archive(L"書庫.tsa"), folder_.Write(L"x.txt", "text")};
+    EXPECT_FALSE(bar_.SetFileList({}));
+    EXPECT_FALSE(bar_.IsVisible());
+    EXPECT_EQ(Info() + Panel(), L"");
+    window_.Show();
+    ShowWindow(window_.Handle(), SW_MINIMIZE);
+    EXPECT_TRUE(bar_.SetFileList(files));
+    EXPECT_FALSE(bar_.IsVisible());  // it comes with the main window
+    ShowWindow(window_.Handle(), SW_RESTORE);
+    EXPECT_TRUE(bar_.IsVisible());
+    EXPECT_EQ(Items(bar_.listFileName()), files);
+    EXPECT_EQ(bar_.FileList(), files);
+    EXPECT_EQ(Info(), L"[画像] 一.bmp ( 8×6 24bit )");
+    EXPECT_EQ(Panel(), L"[表示中] 一.bmp ( 8×6 24bit )");
+    EXPECT_EQ(Items(bar_.listArchiveFile()), kNotArchive);
+    EXPECT_FALSE(bar_.listArchiveFile().IsEnabled());
+
+    Click(bar_.listFileName(), 1);
+    EXPECT_EQ(Items(bar_.listArchiveFile()), (List{L"b9.tst", L"b10.tst", L"readme.txt"}));
+    EXPECT_TRUE(bar_.listArchiveFile().IsEnabled());
+    EXPECT_EQ(Info(), L"[圧縮] 書庫.tsa - [画像] b9.tst ( 9×4 24bit )");
+    EXPECT_EQ(Panel(), L"[表示中] 書庫.tsa - b9.tst書庫.tsa ( 9×4 24bit )");
+    Click(bar_.listArchiveFile(), 2);
+    EXPECT_EQ(Info(), L"[圧縮] 書庫.tsa - [未知] readme.txt");
+    EXPECT_EQ(Panel(), Info());
+    EXPECT_FALSE(window_.PictureShown());
+
+    Click(bar_.listFileName(), 2);
+    EXPECT_EQ(Info(), L"[未知] x.txt");
+    EXPECT_FALSE(Values().pictureLoading);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(FileListTest, TakesTheEntriesUpToTheLimitAndLeavesOutEmptyOnes) {
+    List files(32100, folder_.Path() + L"gone.bmp");
+    files[1].clear();
+    files.back() = L"beyond";
+    // The list was filled although nothing can be shown; what vanished leaves the flag.
+    EXPECT_TRUE(bar_.SetFileList(files));
+    EXPECT_EQ(bar_.listFileName().Count(), 32001);
+    EXPECT_EQ(Notice(), L"32002 個を超えたため、後の 98 個は一覧に入りません。");
+    bar_.SetFileList(Bitmaps(1));
+    EXPECT_EQ(Notice(), L"");
+    bar_.SetFileList(files);
+    EXPECT_TRUE(Values().pictureLoading);
+    // The window can be closed nevertheless.
+    const HWND main = window_.Handle();
+    window_.Unload();
+    EXPECT_FALSE(IsWindow(main));
+}
+
+TEST_F(FileListTest, ClosingDuringALoadClosesWhenItEnds) {
+    const HWND main = window_.Handle();
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), SlowPicture(L"2.tst")});
+    PostMessageW(main, WM_CLOSE, 0, 0);
+    LoadSlowly(1);
+    EXPECT_TRUE(Values().quitRequested);
+    EXPECT_TRUE(IsWindow(main));
+    EXPECT_TRUE(RunUntil([&] { return !IsWindow(main); }));
+    EXPECT_EQ(bar_.Handle(), nullptr);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+// The picture of another file never stays, and nobody is stopped by a message box.
+TEST_F(FileListTest, WhatCannotBeShownLeavesTheViewEmpty) {
+    const std::wstring gone = Bitmap(L"gone.bmp");
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), gone,
+                          folder_.Write(L"b.tst", "TST 8x8x24\ncrash:av:GetPicture\n"),
+                          folder_.Write(L"none.tsa", "TSA\n\n")});
+    std::filesystem::remove(gone);
+    const auto reason = [&] { return GetWindowTextLengthW(window_.pictureView().Handle()); };
+    for (const auto& [index, told] :
+         {std::pair{1, L"[未知] gone.bmp"}, {2, L"[未知] b.tst"}, {3, L"[圧縮] none.tsa"}}) {
+        Click(bar_.listFileName(), 0);
+        EXPECT_TRUE(window_.PictureShown());
+        EXPECT_EQ(reason(), 0);
+        Click(bar_.listFileName(), index);
+        EXPECT_FALSE(window_.PictureShown()) << told;
+        EXPECT_FALSE(CurrentPicture()) << told;
+        EXPECT_NE(reason(), 0) << told;
+        EXPECT_EQ(Info(), told);
+        EXPECT_EQ(Panel(), told);
+        EXPECT_EQ(Values().pictureLoading, index == 1) << told;  // what vanished leaves it
+        EXPECT_EQ(Items(bar_.listArchiveFile()), index == 3 ? List{} : kNotArchive) << told;
+        EXPECT_FALSE(bar_.listArchiveFile().IsEnabled()) << told;
+        EXPECT_EQ(bar_.Failure().empty(), index == 1) << told;
+    }
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+// Some plug-ins let nothing be painted before they are done.
+TEST_F(FileListTest, TellsOfALoadBeforeThePluginIsCalled) {
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), folder_.Write(L"2.tst", "TST 8x8x24\nprogress:0\n")});
+    window_.Show();
+    DoEvents();
+    List painted;
+    const auto record = [&](UINT message, WPARAM, LPARAM) {
+        if (message == WM_PAINT) painted.insert(painted.end(), {Panel(), Info()});
+    };
+    const MessageSpy ofPanel(window_.statusInformation().Handle(), record);
+    const MessageSpy ofInfo(bar_.textFileInfo().Handle(), record);
+    window_.Breathe();  // the load does not, so soon behind
+    Click(bar_.listFileName(), 1);
+    ASSERT_GE(painted.size(), 4u);
+    painted.resize(4);
+    EXPECT_EQ(painted, List(4, L"[読み込み中]2.tst"));
+}
+
+TEST_F(FileListTest, AStoppedLoadLeavesNothing) {
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), SlowPicture(L"2.tst")});
+    const auto escapeALoad = [&] {
+        PostMessageW(window_.Handle(), WM_COMMAND, commandEscape, 0);
+        LoadSlowly(1);
+    };
+    escapeALoad();
+    EXPECT_EQ(Info(), L"[中止] 2.tst");
+    EXPECT_EQ(Panel(), L"[中止] 2.tst");
+    EXPECT_FALSE(window_.PictureShown());
+    EXPECT_TRUE(bar_.listFileName().IsEnabled());
+    // During a show it is the show that stops.
+    Values().general.slideShowTime = 10000;
+    bar_.Press(BarButton::kPlay);
+    escapeALoad();
+    EXPECT_EQ(Info(), L"[画像] 2.tst ( 8×50 24bit )");
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+}  // namespace
+}  // namespace tessary::test

@@ -1,0 +1,190 @@
+// What the user asks for while a picture is being loaded.
+#include "tests/src/ui/control/control_bar_test.h"
+#include "tests/support/distant_files.h"
+#include "ui/form/timer.h"
+
+namespace tessary::test {
+namespace {
+
+class WishTest : public ControlBarTest {
+  protected:
+    void SetUp() override {
+        ControlBarTest::SetUp();
+        for (int i = 0; i < 8; ++i) {
+            const std::wstring name = std::to_wstring(i);
+            files_.push_back(i == 1 ? SlowPicture(L"1.tst") : Bitmap(name + L".bmp", 10 + i));
+        }
+        bar_.SetFileList(files_);
+    }
+    // From now on the plug-in of file 1 lets nothing be heard before it is done.
+    void MakeDeaf() { folder_.Write(L"1.tst", "TST 8x50x24\nprogress:0\n"); }
+    void PostCommand(int command) const {
+        PostMessageW(window_.Handle(), WM_COMMAND, static_cast<WPARAM>(command), 0);
+    }
+    // N steps on, H with a key that is held down, E is Esc, a digit clicks the entry.
+    void Post(std::string_view wishes) const {
+        const HWND list = bar_.listFileName().Handle();
+        for (const char wish : wishes) {
+            if (wish >= '0' && wish <= '9') {
+                PostMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(wish - '0'), 0);
+                PostMessageW(bar_.Handle(), WM_COMMAND, MAKEWPARAM(0, LBN_SELCHANGE),
+                             reinterpret_cast<LPARAM>(list));
+            } else {
+                PostMessageW(window_.pictureView().Handle(), WM_KEYDOWN,
+                             wish == 'E' ? VK_ESCAPE : VK_RETURN,
+                             wish == 'H' ? LPARAM{KF_REPEAT} << 16 : 0);
+            }
+        }
+    }
+    bool Shows(int index) {
+        return RunUntil([&] {
+            return Selected() == index && Info().starts_with(L"[画像] " + std::to_wstring(index));
+        });
+    }
+
+    List files_;
+};
+
+// The same with files that have to be fetched, but for the first; none of them ever comes.
+class CloudTest : public WishTest {
+  protected:
+    void SetUp() override {
+        WishTest::SetUp();
+        cloud_.elsewhere = {files_.begin() + 1, files_.end()};
+        cloud_.isStuck = true;
+    }
+    FakeDistantFiles cloud_;
+};
+
+TEST_F(WishTest, StepsAddUpAndALaterClickWins) {
+    for (const auto& [wishes, shown] : {std::pair{"NNNN", 5},
+                                        {"HHHH", 2},
+                                        {"N5N", 6},
+                                        // Beyond the ends there is nothing to skip to.
+                                        {"NNNNNNNNN", 7}}) {
+        Post(wishes);
+        LoadSlowly(1);
+        EXPECT_EQ(Info(), L"[画像] 1.tst ( 8×50 24bit )");
+        EXPECT_TRUE(Shows(shown)) << wishes;
+    }
+    // Stop takes everything back.
+    Post("N");
+    PostCommand(menuControl_2);
+    LoadSlowly(1);
+    EXPECT_FALSE(RunUntil([&] { return Selected() != 1; }, 100));
+}
+
+TEST_F(WishTest, MotionAndCommandsWaitToo) {
+    bar_.Press(BarButton::kFastForward);
+    Post("N");  // stops the run behind the step
+    Sleep(25);
+    Values().general.slideShowTime = 0;
+    EXPECT_TRUE(StopsByItself());
+    EXPECT_LT(Selected(), 7);
+    PostCommand(menuEditClear);
+    LoadSlowly(1);
+    EXPECT_TRUE(window_.PictureShown());
+    EXPECT_TRUE(RunUntil([&] { return !window_.PictureShown(); }));
+    // Nothing of the file that is gone from the view.
+    EXPECT_EQ(Info() + Panel(), L"2個のプラグイン");
+    PostCommand(menuControl_3);  // 再生
+    LoadSlowly(1);
+    EXPECT_TRUE(Shows(7));
+}
+
+// Not the file that comes up next, which the user has not seen yet.
+TEST_F(WishTest, DeleteTakesWhatIsSeen) {
+    MakeDeaf();
+    bar_.SetVisible(false);
+    PostCommand(commandAddToDeleteList);
+    PostCommand(commandAddToDeleteList);
+    LoadSlowly(1);
+    EXPECT_TRUE(RunUntil([&] { return bar_.listDelete().Count() > 0; }));
+    EXPECT_EQ(Items(bar_.listDelete()), List{files_[0]});
+    EXPECT_EQ(Selected(), 0);  // which is the slow one now
+    EXPECT_EQ(Note(), L"削除リストに追加しました（1 個）: 0.bmp");
+    bar_.PictureReplaced(L"pasted");
+    EXPECT_EQ(Info(), L"pasted");
+    bar_.Press(BarButton::kDeleteList);
+    EXPECT_EQ(bar_.listDelete().Count(), 1);
+}
+
+TEST_F(WishTest, WhatIsPutBackIsNotDeletedAfterwards) {
+    bar_.Press(BarButton::kDeleteList);
+    Click(bar_.listFileName(), 1);
+    PostMessageW(PanelButton(), BM_CLICK, 0, 0);
+    PostMessageW(PanelButton(L"取り消し(&U)"), BM_CLICK, 0, 0);
+    Post("2");
+    LoadSlowly(0);
+    EXPECT_TRUE(RunUntil([&] { return Info().starts_with(L"[画像] 3"); }));
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(WishTest, EscapeDuringALoadMeansTheLoad) {
+    MakeDeaf();
+    const auto isFull = [&] { return GetMenu(window_.Handle()) == nullptr; };
+    window_.Commands().Run(commandFullScreen);
+    Post("EE");
+    LoadSlowly(1);
+    DoEvents();
+    EXPECT_TRUE(isFull());
+    EXPECT_EQ(Info(), L"[中止] 1.tst");
+    // Too late to stop it.
+    window_.OnPictureShownChanged([&] {
+        Post("E");
+        Sleep(25);
+    });
+    Click(bar_.listFileName(), 1);
+    DoEvents();
+    EXPECT_TRUE(isFull());
+    EXPECT_EQ(Info(), L"[画像] 1.tst ( 8×50 24bit )");
+    window_.OnPictureShownChanged({});
+    Post("E");
+    DoEvents();
+    EXPECT_FALSE(isFull());
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(CloudTest, OnlyWhatTheUserStaysWithIsFetched) {
+    std::wstring told;
+    std::function<void()> doMeanwhile;
+    Timer user([&] {
+        if (cloud_.waiting == 0 || !Notice().starts_with(L"クラウドから取得しています")) return;
+        told = Notice();
+        doMeanwhile();
+    });
+    user.Start(10);
+    Post("NNNN");
+    doMeanwhile = [&] { Post("E"); };
+    LoadSlowly(1);
+    EXPECT_TRUE(RunUntil([&] { return Info() == L"[中止] 5.bmp"; })) << Info();
+    EXPECT_EQ(told, L"クラウドから取得しています（Esc で中止）");
+    EXPECT_EQ(cloud_.pieces, 1);
+    // What is left behind keeps nobody from the next.
+    doMeanwhile = [&] { Post("0"); };
+    Click(bar_.listFileName(), 6);
+    EXPECT_TRUE(Shows(0));
+    EXPECT_EQ(cloud_.pieces, 2);
+    // A fast motion fetches nothing but what it ends with.
+    cloud_.isStuck = false;
+    bar_.Press(BarButton::kFastForward);
+    EXPECT_TRUE(Shows(7));
+    EXPECT_EQ(cloud_.pieces, 4);  // one more for the end of the file
+    cloud_.elsewhere.insert(files_[0]);
+    bar_.Press(BarButton::kRewind);
+    EXPECT_TRUE(Shows(0));
+    EXPECT_EQ(cloud_.pieces, 6);
+    // There is nothing to step to.
+    cloud_.isStuck = true;
+    doMeanwhile = [&] {
+        Post("N");
+        cloud_.isStuck = false;
+    };
+    Click(bar_.listFileName(), 7);
+    EXPECT_TRUE(Shows(7));
+    EXPECT_EQ(cloud_.pieces, 8);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+}  // namespace
+}  // namespace tessary::test
