@@ -136,19 +136,21 @@ inline std::vector<std::wstring> Items(HWND dialog, int listBox) {
     return Items(GetDlgItem(dialog, listBox));
 }
 
-inline std::wstring Cell(HWND dialog, int listView, int row, int column) {
-    wchar_t text[260]{};
-    LVITEMW item{};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = 260;
-    SendDlgItemMessageW(dialog, listView, LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
-                        reinterpret_cast<LPARAM>(&item));
-    return text;
-}
-
-inline int RowCount(HWND dialog, int listView) {
-    return static_cast<int>(SendDlgItemMessageW(dialog, listView, LVM_GETITEMCOUNT, 0, 0));
+// The texts of a column of a list view, counted from 0.
+inline std::vector<std::wstring> Column(HWND dialog, int listView, int column) {
+    const HWND list = GetDlgItem(dialog, listView);
+    std::vector<std::wstring> cells(
+        static_cast<size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
+    for (size_t row = 0; row < cells.size(); ++row) {
+        wchar_t text[260]{};
+        LVITEMW item{};
+        item.iSubItem = column;
+        item.pszText = text;
+        item.cchTextMax = 260;
+        SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+        cells[row] = text;
+    }
+    return cells;
 }
 
 }  // namespace tessary::test

@@ -19,6 +19,8 @@
 namespace tessary::test {
 namespace {
 
+using Texts = std::vector<std::wstring>;
+
 constexpr wchar_t kReloading[] = L"SusiePluginをリロードしています";
 
 class OptionsTest : public PluginTest {
@@ -51,7 +53,7 @@ class OptionsTest : public PluginTest {
                      .pluginCount = [] { return SusieCollection().Count(); },
                      .endProgram = [] {}}};
     OptionCommands commands_{window_};
-    std::vector<std::wstring> captions_;
+    Texts captions_;
     std::optional<MessageSpy> captionSpy_;
 };
 
@@ -93,16 +95,16 @@ TEST_F(OptionsTest, PluginsAreLoadedAnewOnlyWhenSomethingAboutThemChanges) {
     Plugin(L"axtsa.spi");
     Values().general.useSPI = 0;
     ShowOptions(kPluginPage, {[](HWND dialog) {
-                    EXPECT_EQ(RowCount(dialog, listSPI), 0);
+                    EXPECT_TRUE(Column(dialog, listSPI, 0).empty());
                     EXPECT_FALSE(IsUsable(dialog, checkLoadSPI_0));
                     Click(dialog, checkUseSPI);
                     EXPECT_FALSE(IsUsable(dialog, textSPIFolder_1));
                     Click(dialog, checkLoadSPI_1);
                     Type(dialog, textSPIFolder_1, LR"( "C:\gone" )");
                     Press(dialog, cmdApply);
-                    EXPECT_EQ(RowCount(dialog, listSPI), 3);
-                    EXPECT_EQ(Cell(dialog, listSPI, 2, 0), LR"(C:\gone\)");
-                    EXPECT_EQ(Cell(dialog, listSPI, 2, 4), L"見つかりません");
+                    ASSERT_EQ(Column(dialog, listSPI, 0).size(), 3U);
+                    EXPECT_EQ(Column(dialog, listSPI, 0)[2], LR"(C:\gone\)");
+                    EXPECT_EQ(Column(dialog, listSPI, 4)[2], L"見つかりません");
                     EXPECT_FALSE(IsUsable(dialog, cmdApply));
                     Press(dialog, IDOK);
                 }});
@@ -142,11 +144,7 @@ TEST_F(OptionsTest, TheLogSwitchIsWhatTheUserChoseLast) {
     const auto stored = [] { return GetSetting(L"Convert", L"OutputErrorLog"); };
     ConvertSettings& convert = Values().convert;
     convert.errorLogFileName = LR"(C:\none\x.log)";
-    const auto giveUp = [&] {
-        convert.outputErrorLog = 0;
-        Values().logFileGivenUp = true;
-    };
-    giveUp();
+    Values().logFileGivenUp = true;
     ShowOptions(kConvertPage, {[](HWND dialog) {
                     EXPECT_EQ(TextOf(dialog, labelErrorLogPath), LR"(C:\none\x.log)");
                     Press(dialog, IDOK);
@@ -215,15 +213,15 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
         EndRunIn(L"LoadLibrary", barred);
     ASSERT_TRUE(LoadSPI());
     ShowOptions(kPluginPage, {[&](HWND dialog) {
-                    ASSERT_EQ(Cell(dialog, listSPI, 1, 0), L"config_crash.spi");
-                    EXPECT_EQ(Cell(dialog, listSPI, 0, 4), L"未ロード");
-                    EXPECT_EQ(Cell(dialog, listSPI, 1, 4), L"保持");
+                    const auto column = [&](int number) { return Column(dialog, listSPI, number); };
+                    ASSERT_EQ(column(0), (Texts{L"good.spi", L"config_crash.spi", L"barred.spi"}));
+                    EXPECT_EQ(column(4), (Texts{L"未ロード", L"保持", L"停止中"}));
                     SelectRow(dialog, listSPI, 0);
                     EXPECT_FALSE(IsUsable(dialog, cmdSPIErrorClear));
                     folder_.Write(L"good.spi.script", "answer:ConfigurationDlg:20\ninfo:2:*.new\n");
                     Press(dialog, cmdSPISetup);
                     EXPECT_TRUE(messages_.All().empty());
-                    EXPECT_EQ(Cell(dialog, listSPI, 0, 2), L"*.NEW");
+                    EXPECT_EQ(column(2)[0], L"*.NEW");
                     EXPECT_NE(SusieCollection().GetCommonDialogString().find(L";*.NEW"),
                               std::wstring::npos);
                     folder_.Write(L"good.spi.script",
@@ -231,31 +229,30 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     Press(dialog, cmdSPISetup);
                     EXPECT_NE(messages_.Only().find(L"good.spi の設定中"), std::wstring::npos);
                     EXPECT_NE(messages_.Only().find(L"（-1）"), std::wstring::npos);
-                    EXPECT_EQ(Cell(dialog, listSPI, 0, 2), L"*.NEW");
+                    EXPECT_EQ(column(2)[0], L"*.NEW");
                     SelectRow(dialog, listSPI, 1);
                     SetFocus(GetDlgItem(dialog, cmdSPISetup));
                     Press(dialog, cmdSPISetup);
                     EXPECT_TRUE(HasFocus(dialog, cmdSPISetup));
                     EXPECT_NE(messages_.All().back().text.find(L"致命的エラー"),
                               std::wstring::npos);
-                    EXPECT_EQ(Cell(dialog, listSPI, 1, 5), L"2");
-                    EXPECT_EQ(Cell(dialog, listSPIError, 0, 0), L"GetFileSS, ConfigurationDlg");
-                    EXPECT_EQ(Cell(dialog, listSPIError, 1, 0), L"LoadLibrary");
+                    EXPECT_EQ(column(5)[1], L"2");
+                    EXPECT_EQ(Column(dialog, listSPIError, 0),
+                              (Texts{L"GetFileSS, ConfigurationDlg", L"LoadLibrary"}));
 
                     SetFocus(GetDlgItem(dialog, cmdSPIErrorClear));
                     Press(dialog, cmdSPIErrorClear);
-                    EXPECT_EQ(Cell(dialog, listSPI, 0, 0), L"config_crash.spi");
-                    EXPECT_EQ(Cell(dialog, listSPI, 0, 5), L"0");
-                    EXPECT_EQ(Cell(dialog, listSPI, 0, 4), L"未ロード");
-                    EXPECT_EQ(RowCount(dialog, listSPIError), 0);
+                    EXPECT_EQ(column(0)[0], L"config_crash.spi");
+                    EXPECT_EQ(column(5)[0], L"0");
+                    EXPECT_EQ(column(4), (Texts{L"未ロード", L"未ロード", L"停止中"}));
+                    EXPECT_TRUE(Column(dialog, listSPIError, 0).empty());
                     EXPECT_TRUE(HasFocus(dialog, listSPI));
                     EXPECT_FALSE(IsUsable(dialog, cmdSPIErrorClear));
 
-                    EXPECT_EQ(Cell(dialog, listSPI, 2, 4), L"停止中");
                     SelectRow(dialog, listSPI, 2);
                     EXPECT_FALSE(IsUsable(dialog, cmdApply) || IsUsable(dialog, cmdSPISetup));
                     Press(dialog, cmdSPIErrorClear);
-                    EXPECT_EQ(Cell(dialog, listSPI, 2, 4), L"読み込み待ち");
+                    EXPECT_EQ(column(4)[2], L"読み込み待ち");
                     Press(dialog, cmdApply);
                     EXPECT_EQ(SusieCollection().Count(), 3);
                     Press(dialog, IDCANCEL);
@@ -269,17 +266,17 @@ TEST_F(OptionsTest, ASettingsWindowMayStayOpenAndClose) {
     Values().general.dynamicSPILoad = 1;
     ASSERT_TRUE(LoadSPI());
     int asked = -1;
-    const auto calls = [&](const char* function) { return Calls(path, function); };
+    const auto calls = [&] { return Calls(path, "GetPluginInfo"); };
     ShowOptions(kPluginPage,
                 {[&](HWND dialog) {
                      Press(dialog, cmdSPISetup);
-                     EXPECT_EQ(Cell(dialog, listSPI, 0, 4), L"保持");
-                     asked = calls("GetPluginInfo");
+                     EXPECT_EQ(Column(dialog, listSPI, 4)[0], L"保持");
+                     asked = calls();
                      DestroyWindow(FindWindowW(nullptr, L"Test plug-in modeless window"));
                  },
                  // It posts a request to quit, which would end this dialog as well.
                  [](HWND dialog) { Press(dialog, IDCANCEL); }});
-    EXPECT_GT(calls("GetPluginInfo"), asked);  // what it reads may be set now
+    EXPECT_GT(calls(), asked);  // what it reads may be set now
 }
 
 TEST_F(OptionsTest, ALongReloadIsToldAndCanBeStopped) {
@@ -303,8 +300,8 @@ TEST_F(OptionsTest, ALongReloadIsToldAndCanBeStopped) {
                          Panel(kNoticePanel).find(L"（" + std::to_wstring(loaded) + L" / 21）"),
                          std::wstring::npos);
                      EXPECT_TRUE(loaded > 0 && loaded < 20) << loaded;
-                     EXPECT_EQ(RowCount(dialog, listSPI), 21);
-                     EXPECT_EQ(Cell(dialog, listSPI, loaded, 4), L"読み込み待ち");
+                     EXPECT_EQ(std::ranges::count(Column(dialog, listSPI, 4), L"読み込み待ち"),
+                               21 - loaded);
                      EXPECT_TRUE(IsUsable(dialog, cmdApply));
                      Press(dialog, IDOK);  // loads those that are waiting
                  }});
@@ -315,30 +312,31 @@ TEST_F(OptionsTest, ALongReloadIsToldAndCanBeStopped) {
 }
 
 TEST_F(OptionsTest, VersionWindowsTellWhatThereIs) {
-    DrivenDialog user(
-        {[](HWND dialog) {
-             EXPECT_NE(TextOf(dialog, aboutVersion).find(L'.'), std::wstring::npos);
-             EXPECT_EQ(Cell(dialog, aboutLibraries, 1, 0), L"libjpeg-turbo");
-             SelectRow(dialog, aboutLibraries, 1);
-             EXPECT_NE(TextOf(dialog, aboutLicence).find(L"JPEG Group"), std::wstring::npos);
-             Press(dialog, IDOK);
-         },
-         [](HWND dialog) {
-             EXPECT_EQ(RowCount(dialog, aboutPluginList), 0);
-             EXPECT_FALSE(IsUsable(dialog, aboutPluginCopy));
-             Press(dialog, IDOK);
-         },
-         [](HWND dialog) {
-             EXPECT_EQ(RowCount(dialog, aboutPluginList), 20);
-             SelectRow(dialog, aboutPluginList, 19);
-             const std::wstring facts = TextOf(dialog, aboutPluginFacts);
-             for (const std::wstring& fact : {Cell(dialog, aboutPluginList, 19, 0),
-                                              std::wstring(L"*.TST"), std::wstring(L" バイト")})
-                 EXPECT_NE(facts.find(fact), std::wstring::npos);
-             Press(dialog, aboutPluginCopy);
-             EXPECT_TRUE(IsClipboardFormatAvailable(CF_UNICODETEXT));
-             Press(dialog, IDOK);
-         }});
+    DrivenDialog user({[](HWND dialog) {
+                           EXPECT_NE(TextOf(dialog, aboutVersion).find(L'.'), std::wstring::npos);
+                           EXPECT_EQ(Column(dialog, aboutLibraries, 0)[1], L"libjpeg-turbo");
+                           SelectRow(dialog, aboutLibraries, 1);
+                           EXPECT_NE(TextOf(dialog, aboutLicence).find(L"JPEG Group"),
+                                     std::wstring::npos);
+                           Press(dialog, IDOK);
+                       },
+                       [](HWND dialog) {
+                           EXPECT_TRUE(Column(dialog, aboutPluginList, 0).empty());
+                           EXPECT_FALSE(IsUsable(dialog, aboutPluginCopy));
+                           Press(dialog, IDOK);
+                       },
+                       [](HWND dialog) {
+                           const Texts names = Column(dialog, aboutPluginList, 0);
+                           ASSERT_EQ(names.size(), 20U);
+                           SelectRow(dialog, aboutPluginList, 19);
+                           const std::wstring facts = TextOf(dialog, aboutPluginFacts);
+                           for (const std::wstring& fact :
+                                {names[19], std::wstring(L"*.TST"), std::wstring(L" バイト")})
+                               EXPECT_NE(facts.find(fact), std::wstring::npos);
+                           Press(dialog, aboutPluginCopy);
+                           EXPECT_TRUE(IsClipboardFormatAvailable(CF_UNICODETEXT));
+                           Press(dialog, IDOK);
+                       }});
     window_.Commands().Run(menuHelpAbout);
     window_.Commands().Run(menuHelpSPIAbout);
     for (int i = 0; i < 20; ++i)
