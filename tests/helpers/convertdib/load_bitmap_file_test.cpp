@@ -89,25 +89,21 @@ TEST_F(LoadBitmapFile, FailsWithoutTrace) {
     EXPECT_EQ(Load(good.c_str()), "failed");
 }
 
-TEST_F(LoadBitmapFile, SharesTheFileAndTellsProgressNowAndThen) {
+TEST_F(LoadBitmapFile, SharesTheFileAndTellsProgress) {
     constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const auto path = folder_.Write(L"big.bmp", Content({3000, 3000, 24, Bytes(27000000)}));
-    const HANDLE other = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, kAll,
-                                     nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(other, INVALID_HANDLE_VALUE);
-    const auto note = [](int done, int total, LONG_PTR userData) __attribute__((stdcall)) {
+    const std::wstring path = folder_.Write(L"a.bmp", Content(kSmall));
+    const UniqueFile other(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, kAll,
+                                       nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(other);
+    const auto note = [](int done, int total, LONG_PTR last) __attribute__((stdcall)) {
         EXPECT_EQ(total, 100);
-        reinterpret_cast<std::vector<int>*>(userData)->push_back(done);
+        *reinterpret_cast<int*>(last) = done;
         return 0;
     };
-    std::vector<int> percents;
-    EXPECT_NE(loadW_(path.c_str(), &record_, note, reinterpret_cast<LONG_PTR>(&percents)), 0);
-    CloseHandle(other);
-    LocalUnlock(LocalHandle(record_.bits));
-    LocalFree(LocalHandle(record_.bits));
-    EXPECT_GT(percents.size(), 50u);
-    EXPECT_LE(percents.size(), 101u);
-    EXPECT_EQ(percents.back(), 100);
+    int last = 0;
+    EXPECT_EQ(Taken(loadW_(path.c_str(), &record_, note, reinterpret_cast<LONG_PTR>(&last))),
+              "RG/BW");
+    EXPECT_EQ(last, 100);
 }
 
 }  // namespace

@@ -181,6 +181,14 @@ TEST(BitmapFile, ReadsOnceTellsProgressAndStops) {
         MadeUpSource unreadable(start, start.size() + kPixels, 0);
         EXPECT_EQ(ReadAll(unreadable).error, DibError::kReadFailed);
     }
+    MadeUpSource large(TestBitmap{3000, 3000, 24, {}}.File(), uint64_t{1} << 30);
+    BitmapFile file(large);
+    EXPECT_EQ(file.Open(), DibError::kNone);
+    Bytes bits(file.BitsSize());
+    int told = 0;
+    EXPECT_EQ(file.ReadBits(bits, [&](int) { return ++told > 0; }), DibError::kNone);
+    EXPECT_GT(told, 50);
+    EXPECT_LE(told, 101) << "no percent twice";
 }
 
 }  // namespace
