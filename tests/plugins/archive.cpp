@@ -17,8 +17,7 @@ struct Member {
 };
 
 ULONG_PTR PositionOf(const Script& script, size_t index, size_t offset) {
-    const std::string kind = script.Text("position").value_or("index");
-    return kind == "offset" ? offset : kind == "id" ? 0x5000 + index : index;
+    return script.Has("position:offset") ? offset : index;
 }
 
 // Of a line "member<TAB>size<TAB>…".
@@ -90,9 +89,7 @@ int List(const Script& script, const std::string& content, HLOCAL* list) {
 int Describe(const Script& script, const std::string& content, const std::string& fileName,
              susie::FileInfo* info) {
     for (const Member& member : MembersOf(script, content)) {
-        const bool named = fileName == member.path + member.name ||
-                           (fileName == member.name && !script.Has("full-name"));
-        if (!named) continue;
+        if (fileName != member.path + member.name && fileName != member.name) continue;
         *info = RecordOf(script, member);
         return susie::kSuccess;
     }
@@ -157,18 +154,15 @@ using namespace tessary::test;
 extern "C" int __stdcall GetArchiveInfo(const char* source, LONG_PTR length, uint32_t flag,
                                         HLOCAL* list) {
     const std::string content = ReadSource(source, length, flag);
-    return Run({"GetArchiveInfo", __builtin_dwarf_cfa(), 4, content}, [&](const Script& script) {
-        return IsSourceRefused(script, flag) ? susie::kNotImplemented : List(script, content, list);
-    });
+    return Run({"GetArchiveInfo", __builtin_dwarf_cfa(), 4, content},
+               [&](const Script& script) { return List(script, content, list); });
 }
 
 extern "C" int __stdcall GetFileInfo(const char* source, LONG_PTR length, const char* fileName,
                                      uint32_t flag, susie::FileInfo* info) {
     const std::string content = ReadSource(source, length, flag);
-    return Run({"GetFileInfo", __builtin_dwarf_cfa(), 5, content}, [&](const Script& script) {
-        return IsSourceRefused(script, flag) ? susie::kNotImplemented
-                                             : Describe(script, content, fileName, info);
-    });
+    return Run({"GetFileInfo", __builtin_dwarf_cfa(), 5, content},
+               [&](const Script& script) { return Describe(script, content, fileName, info); });
 }
 
 // `position` is the member's, whichever the source is.
@@ -178,9 +172,7 @@ extern "C" int __stdcall GetFile(const char* source, LONG_PTR position, char* de
     const std::string content =
         (flag & 7) == susie::kSourceFile ? ReadFileContent(source, 0) : ReadArchiveInMemory(source);
     return Run({"GetFile", __builtin_dwarf_cfa(), 6, content}, [&](const Script& script) {
-        return IsSourceRefused(script, flag)
-                   ? susie::kNotImplemented
-                   : ExtractAt(script, content, static_cast<ULONG_PTR>(position), destination, flag,
-                               progress, userData);
+        return ExtractAt(script, content, static_cast<ULONG_PTR>(position), destination, flag,
+                         progress, userData);
     });
 }

@@ -18,23 +18,26 @@ void CrashInCleanUp() {
     Crash("av");
 }
 
+// What "<verb>:<kind>:<function>" does before the function does its work.
+struct Misdeed {
+    const char* verb;
+    void (*act)(const std::string& kind);
+};
+constexpr Misdeed kMisdeeds[] = {
+    {"early", MakeDirty},
+    {"crash", Crash},
+    {"handled", CrashAndHandle},
+    {"handled-in-data", CrashAndHandleInData},
+    {"hungry", CrashInHungryFrame},
+    {"jumping-finally", CrashAndJumpOut},
+    {"finally", [](auto& kind) { CrashWithCleanUp(kind, CountCleanUp, CountCleanUp); }},
+    {"bad-finally", [](auto& kind) { CrashWithCleanUp(kind, CrashInCleanUp, CountCleanUp); }},
+};
+
 void Misbehave(const Script& script, const std::string& name) {
-    for (const auto& state : script.Kinds("early", name))
-        MakeDirty(state);
-    for (const auto& kind : script.Kinds("crash", name))
-        Crash(kind);
-    for (const auto& kind : script.Kinds("handled", name))
-        CrashAndHandle(kind);
-    for (const auto& kind : script.Kinds("handled-in-data", name))
-        CrashAndHandleInData(kind);
-    for (const auto& kind : script.Kinds("hungry", name))
-        CrashInHungryFrame(kind);
-    for (const auto& kind : script.Kinds("jumping-finally", name))
-        CrashAndJumpOut(kind);
-    for (const auto& kind : script.Kinds("finally", name))
-        CrashWithCleanUp(kind, CountCleanUp, CountCleanUp);
-    for (const auto& kind : script.Kinds("bad-finally", name))
-        CrashWithCleanUp(kind, CrashInCleanUp, CountCleanUp);
+    for (const auto& [verb, act] : kMisdeeds)
+        for (const auto& kind : script.Kinds(verb, name))
+            act(kind);
 }
 
 // After some of the changes no compiled code can be trusted to run.
@@ -76,10 +79,6 @@ int Run(const FunctionCall& call, const std::function<int(const Script&)>& work)
     if (!script.Number("answer:" + name)) answer = work(script);
     answer = script.Number("answer-after:" + name).value_or(answer);
     return ReturnDirty(call, script.Kinds("dirty", name), answer);
-}
-
-bool IsSourceRefused(const Script& script, uint32_t flag) {
-    return script.Has((flag & 7) == susie::kSourceFile ? "memory-only" : "file-only");
 }
 
 }  // namespace tessary::test

@@ -30,7 +30,4 @@ struct FunctionCall {
 // something else before, instead or afterwards. `work` is given both scripts.
 int Run(const FunctionCall& call, const std::function<int(const Script&)>& work);
 
-// True when the script has the plug-in take only the other kind of source than `flag` says.
-bool IsSourceRefused(const Script& script, uint32_t flag);
-
 }  // namespace tessary::test

@@ -2,7 +2,6 @@
 
 #include <csetjmp>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 
@@ -118,14 +117,7 @@ LRESULT CALLBACK ModelessProcedure(HWND window, UINT message, WPARAM wParam, LPA
 }
 
 void OpenModelessWindow(DWORD style) {
-    const wchar_t* const name = L"Test plug-in modeless window";
-    WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = ModelessProcedure;
-    windowClass.hInstance = ThisModule();
-    windowClass.lpszClassName = name;
-    RegisterClassW(&windowClass);
-    CreateWindowW(name, name, WS_POPUP | style, 0, 0, 50, 50, nullptr, nullptr, ThisModule(),
-                  nullptr);
+    OpenWindowOfOurs(L"Test plug-in modeless window", ModelessProcedure, style);
 }
 
 DWORD WINAPI WorkForAWhile(void*) {
@@ -148,23 +140,23 @@ void DamageHeap() {
     std::memset(block + 40, 'A', 64);
 }
 
-// Whoever allocates next crashes: overruns a block of each heap as far as it goes.
-void RuinHeaps() {
-    HANDLE heaps[64];
-    const DWORD count = GetProcessHeaps(std::size(heaps), heaps);
-    for (DWORD i = 0; i < count && i < std::size(heaps); ++i) {
-        auto* const block = static_cast<char*>(HeapAlloc(heaps[i], 0, 4000));
-        MEMORY_BASIC_INFORMATION region{};
-        if (!block || !VirtualQuery(block, &region, sizeof region)) continue;
-        std::memset(block, 'A', static_cast<char*>(region.BaseAddress) + region.RegionSize - block);
-    }
+// Whoever allocates next crashes: overruns a block as far as it goes.
+void RuinHeap(HANDLE heap) {
+    auto* const block = static_cast<char*>(HeapAlloc(heap, 0, 4000));
+    MEMORY_BASIC_INFORMATION region{};
+    if (!block || !VirtualQuery(block, &region, sizeof region)) return;
+    std::memset(block, 'A', static_cast<char*>(region.BaseAddress) + region.RegionSize - block);
 }
 
-void LockHeaps() {
+void LockHeap(HANDLE heap) {
+    HeapLock(heap);
+}
+
+void ForEachHeap(void (*act)(HANDLE heap)) {
     HANDLE heaps[64];
     const DWORD count = GetProcessHeaps(std::size(heaps), heaps);
     for (DWORD i = 0; i < count && i < std::size(heaps); ++i)
-        HeapLock(heaps[i]);
+        act(heaps[i]);
 }
 
 // That of the host's guard.
@@ -189,6 +181,16 @@ constexpr uint32_t kUnmaskedMxcsr = 0x0100;
 constexpr uint32_t kDefaultMxcsr = 0x1F80;
 
 }  // namespace
+
+HWND OpenWindowOfOurs(const wchar_t* name, WNDPROC procedure, DWORD style) {
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = procedure;
+    windowClass.hInstance = ThisModule();
+    windowClass.lpszClassName = name;
+    RegisterClassW(&windowClass);
+    return CreateWindowW(name, name, WS_POPUP | style, 0, 0, 50, 50, nullptr, nullptr, ThisModule(),
+                         nullptr);
+}
 
 HMODULE ThisModule() {
     HMODULE module = nullptr;
@@ -235,12 +237,11 @@ void Crash(const std::string& kind) {
     if (kind == "debug-print")
         Raise(0x40010006, 0, {sizeof text, reinterpret_cast<ULONG_PTR>(text)});
     if (kind == "heap-damage" || kind == "heap-ruin") {
-        kind == "heap-ruin" ? RuinHeaps() : DamageHeap();
+        kind == "heap-ruin" ? ForEachHeap(RuinHeap) : DamageHeap();
         Crash("av");
     }
     if (kind == "exit") ExitProcess(3);
     if (kind == "exit-well") ExitProcess(0);
-    if (kind == "abort") std::abort();
     if (kind == "terminate") TerminateProcess(GetCurrentProcess(), 3);
 }
 
@@ -302,7 +303,7 @@ void MakeDirty(const std::string& state) {
         CloseHandle(CreateThread(nullptr, 0, WorkForAWhile, nullptr, 0, nullptr));
     if (state == "quit") PostQuitMessage(9);
     if (state == "slow") Sleep(50);
-    if (state == "heap-lock") LockHeaps();
+    if (state == "heap-lock") ForEachHeap(LockHeap);
     ULONG_PTR cookie = 0;
     if (state == "activation-context") ActivateActCtx(nullptr, &cookie);
     if (state == "exception-chain") SetChain(reinterpret_cast<void*>(0x41414140));

@@ -10,6 +10,9 @@ namespace tessary::test {
 // The plug-in's own.
 HMODULE ThisModule();
 
+// A window of a class of that name and procedure, with code of the plug-in's.
+HWND OpenWindowOfOurs(const wchar_t* name, WNDPROC procedure, DWORD style);
+
 // Crashes. Comes back only from the kinds that are no crashes, and from unknown ones.
 void Crash(const std::string& kind);
 

@@ -24,7 +24,6 @@ std::string ReadPictureSource(const char* source, LONG_PTR length, uint32_t flag
 
 int Describe(const Script& script, const std::string& content, uint32_t flag,
              susie::PictureInfo* info) {
-    if (IsSourceRefused(script, flag)) return susie::kNotImplemented;
     if (script.Has("flag128") && !(flag & kDescribeFlag)) return susie::kNotImplemented;
     if (!content.starts_with("TST ")) return susie::kUnknownFormat;
     const auto claim = script.Text("info-record");
@@ -73,11 +72,9 @@ void HandOut(const Script& script, const PictureBlocks& blocks, HLOCAL* info, HL
         *bits = isWild ? wild : MakeBlock(blocks.bits, kind);
 }
 
-int Decode(const Script& script, const std::string& content, uint32_t flag, HLOCAL* info,
-           HLOCAL* bits, susie::ProgressCallback progress, LONG_PTR userData) {
-    if (IsSourceRefused(script, flag)) return susie::kNotImplemented;
+int Decode(const Script& script, const std::string& content, HLOCAL* info, HLOCAL* bits,
+           susie::ProgressCallback progress, LONG_PTR userData) {
     if (!content.starts_with("TST ")) return susie::kUnknownFormat;
-    if (const auto size = script.Number("leak")) LocalAlloc(LMEM_FIXED, static_cast<size_t>(*size));
     const PictureSize size = SizeOf(content);
     if (!Report(script, static_cast<int>(size.height), progress, userData)) return susie::kAborted;
     HandOut(script, MakePicture(size, script), info, bits);
@@ -102,7 +99,7 @@ extern "C" int __stdcall GetPicture(const char* source, LONG_PTR length, uint32_
                                     LONG_PTR userData) {
     const std::string content = ReadPictureSource(source, length, flag);
     return Run({"GetPicture", __builtin_dwarf_cfa(), 7, content}, [&](const Script& script) {
-        return Decode(script, content, flag, info, bits, progress, userData);
+        return Decode(script, content, info, bits, progress, userData);
     });
 }
 
@@ -111,6 +108,6 @@ extern "C" int __stdcall GetPreview(const char* source, LONG_PTR length, uint32_
                                     LONG_PTR userData) {
     const std::string content = ReadPictureSource(source, length, flag);
     return Run({"GetPreview", __builtin_dwarf_cfa(), 7, content}, [&](const Script& script) {
-        return Decode(script, content, flag, info, bits, progress, userData);
+        return Decode(script, content, info, bits, progress, userData);
     });
 }

@@ -8,7 +8,6 @@
 namespace tessary::test {
 namespace {
 
-const wchar_t* const kName = L"Test plug-in crashing window";
 constexpr UINT kPosted = WM_APP + 1;
 constexpr UINT kEndOfLoop = WM_APP + 2;
 constexpr UINT_PTR kTimer = 7;
@@ -63,13 +62,7 @@ void CALLBACK TimerProcedure(HWND window, UINT, UINT_PTR timer, DWORD) {
 }
 
 HWND MakeWindow() {
-    WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = Procedure;
-    windowClass.hInstance = ThisModule();
-    windowClass.lpszClassName = kName;
-    RegisterClassW(&windowClass);
-    const HWND window = CreateWindowW(kName, kName, WS_POPUP, 0, 0, 50, 50, nullptr, nullptr,
-                                      ThisModule(), nullptr);
+    const HWND window = OpenWindowOfOurs(L"Test plug-in crashing window", Procedure, 0);
     if (place.starts_with("create")) ++CallCount("window-came-back");
     return window;
 }

@@ -16,7 +16,6 @@ extern "C" {
 
 int __stdcall GetPluginInfo(int, char*, int);
 int __stdcall IsSupported(const char*, const char*);
-int __stdcall GetPictureInfo(const char*, LONG_PTR, uint32_t, susie::PictureInfo*);
 int __stdcall GetPicture(const char*, LONG_PTR, uint32_t, HLOCAL*, HLOCAL*, susie::ProgressCallback,
                          LONG_PTR);
 
@@ -26,11 +25,6 @@ int WRONG_CALL WrongGetPluginInfo(int number, char* buffer, int size AND_MORE) {
 
 int WRONG_CALL WrongIsSupported(const char* fileName, const char* header AND_MORE) {
     return IsSupported(fileName, header);
-}
-
-int WRONG_CALL WrongGetPictureInfo(const char* source, LONG_PTR length, uint32_t flag,
-                                   susie::PictureInfo* info AND_MORE) {
-    return GetPictureInfo(source, length, flag, info);
 }
 
 int WRONG_CALL WrongGetPicture(const char* source, LONG_PTR length, uint32_t flag, HLOCAL* info,
