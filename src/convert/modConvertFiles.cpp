@@ -25,7 +25,7 @@
 #include "picture/show/no_picture.h"
 #include "plugin/file_stamp.h"
 #include "plugin/modSusie.h"
-#include "plugin/susie_calls.h"
+#include "plugin/plugin_state.h"
 
 namespace tessary {
 

@@ -7,7 +7,6 @@
 #include "app/base/text.h"
 #include "plugin/plugin_log.h"
 #include "plugin/renamed_plugin.h"
-#include "plugin/susie_library.h"
 
 namespace tessary {
 namespace {
@@ -18,7 +17,7 @@ constexpr int32_t kDynamicLoadCount = 51;
 }  // namespace
 
 CollectionSusie::CollectionSusie() {
-    if (FindSusieLibrary() == nullptr) ShowMessageBox(L"SUSIECTL.DLL が見つかりません");
+    if (!CanCallPlugins()) ShowMessageBox(L"SUSIECTL.DLL が見つかりません");
 }
 
 void CollectionSusie::SetDynamicLoad(bool dynamicLoad) {
@@ -81,7 +80,7 @@ int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder, const ScanStep&
         if (call.WhileLoading()) skipped_.insert(ToUpper(call.plugin));
         interruptedCalls_.push_back(std::move(call));
     }
-    if (FindSusieLibrary() == nullptr || !IsFolder(folder)) return Count();
+    if (!CanCallPlugins() || !IsFolder(folder)) return Count();
     int32_t count = Count();
     for (const std::wstring& path : PluginFiles(folder)) {
         if (PluginsAreStopped() || (step && !step(path))) {

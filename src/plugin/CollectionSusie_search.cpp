@@ -58,8 +58,9 @@ clsSusie* CollectionSusie::QueryFile(const std::wstring& path) {
 const clsSusie* CollectionSusie::FirstNaming(const std::wstring& path) const {
     if (PluginCallUnderWay() || PluginsAreStopped()) return nullptr;
     const std::wstring name = ToUpper(FileNameOf(path));
-    const auto found = std::ranges::find_if(
-        order_.members, [&](const auto& member) { return member->Names(name); });
+    const auto found = std::ranges::find_if(order_.members, [&](const auto& member) {
+        return MatchesNamingPattern(name, member->Patterns());
+    });
     return found == order_.members.end() ? nullptr : found->get();
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -10,7 +9,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/settings_store.h"
-#include "plugin/living_runs.h"
+#include "plugin/host_state.h"
 #include "plugin/plugin_log.h"
 
 namespace tessary {
@@ -35,20 +34,12 @@ std::wstring LogOf(const wchar_t* log, int run) {
     return run == 1 ? log : log + (L'_' + std::to_wstring(run));
 }
 
-// What this process knows about its own logs. It never ends: plug-ins are still freed, and logged,
-// while static objects are destroyed.
-struct OwnLogs {
-    PassingSection call;
-    PassingSection info;
-    bool isUnlogged = false;
-    std::mutex mutex;           // of what follows, and of writing the logs
-    bool isExcused = false;     // nothing is written any more
-    std::wstring calledPlugin;  // empty: none
-};
+HostState::Logs& Own() {
+    return Host().logs;
+}
 
-OwnLogs& Own() {
-    static OwnLogs* const own = std::make_unique<OwnLogs>().release();
-    return *own;
+int OwnNumber() {
+    return Host().run.Number();
 }
 
 // Has `save` save what a section says of a call.
@@ -63,12 +54,12 @@ void SaveCall(const PluginCall& call, Save&& save) {
 }
 
 void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) {
-    OwnLogs& own = Own();
+    HostState::Logs& own = Own();
     const std::lock_guard lock(own.mutex);
     own.calledPlugin = call.plugin;
     if (own.isExcused) return;
     try {
-        SaveCall(call, [&](const auto& texts) { section.Save(LogOf(log, OwnRun()), texts); });
+        SaveCall(call, [&](const auto& texts) { section.Save(LogOf(log, OwnNumber()), texts); });
         own.isUnlogged = false;
     } catch (...) {
         own.isUnlogged = true;
@@ -76,14 +67,14 @@ void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) 
 }
 
 // Call only with the lock.
-void Excuse(OwnLogs& own) {
+void Excuse(HostState::Logs& own) {
     own.isExcused = true;
     for (const wchar_t* log : {kCallLog, kInfoLog})
-        Trapped([&] { DeleteSettingSection(LogOf(log, OwnRun())); });
+        Trapped([&] { DeleteSettingSection(LogOf(log, OwnNumber())); });
 }
 
 void ForgetCalledPlugin() {
-    OwnLogs& own = Own();
+    HostState::Logs& own = Own();
     const std::lock_guard lock(own.mutex);
     own.calledPlugin.clear();
 }
@@ -135,7 +126,7 @@ template <typename Take>
 void ForEachAbandonedLog(Take&& take) {
     const RunsHeld runs;
     for (int run = 1; run <= kMostRuns; ++run) {
-        if (runs.IsAnothers(run)) continue;
+        if (runs.IsAnothers(run, Host().run.Name())) continue;
         for (const wchar_t* log : {kInfoLog, kCallLog, kDamageLog, kThreadLog})
             Trapped([&] { take(log, run); });
     }
@@ -169,11 +160,11 @@ InfoCalls::~InfoCalls() {
 
 void NoteDamagingCall(const PluginCall& call) {
     if (!call.WhileLoading()) return;
-    SaveCall(call, [](const auto& texts) { SaveSettings(LogOf(kDamageLog, OwnRun()), texts); });
+    SaveCall(call, [](const auto& texts) { SaveSettings(LogOf(kDamageLog, OwnNumber()), texts); });
 }
 
 std::wstring PluginUnderCall() {
-    OwnLogs& own = Own();
+    HostState::Logs& own = Own();
     const std::lock_guard lock(own.mutex);
     return own.calledPlugin;
 }
@@ -185,28 +176,28 @@ bool CallsGoUnlogged() {
 // Not through the sections of Own(): the user-interface thread may be removing them. It writes none
 // behind our back.
 void ExcuseLastCall() {
-    OwnLogs& own = Own();
+    HostState::Logs& own = Own();
     const std::lock_guard lock(own.mutex);
     Excuse(own);
 }
 
 void HoldThreadCrashAgainst(const std::wstring& plugin) {
-    OwnLogs& own = Own();
+    HostState::Logs& own = Own();
     const std::lock_guard lock(own.mutex);
     if (own.isExcused) return;
-    const std::wstring function = GetSetting(LogOf(kCallLog, OwnRun()), kFunctionKey);
+    const std::wstring function = GetSetting(LogOf(kCallLog, OwnNumber()), kFunctionKey);
     if (plugin.empty() && function != kFreeLibrary) return;
     PluginCall crash{kThread, plugin, {}};
     // Its own call tells more. That note does not last: the thread that calls goes on until the
     // system has ended the process.
     for (const wchar_t* log : {kCallLog, kInfoLog}) {
-        std::optional<PluginCall> call = Noted(log, OwnRun());
+        std::optional<PluginCall> call = Noted(log, OwnNumber());
         if (call && EqualsIgnoreCase(call->plugin, plugin)) crash = *std::move(call);
     }
     Excuse(own);
     if (plugin.empty()) return;
     // A log of its own: the thread that calls plug-ins may still clear the others.
-    SaveCall(crash, [](const auto& texts) { SaveSettings(LogOf(kThreadLog, OwnRun()), texts); });
+    SaveCall(crash, [](const auto& texts) { SaveSettings(LogOf(kThreadLog, OwnNumber()), texts); });
 }
 
 std::vector<PluginCall> RecoverInterruptedCalls() {

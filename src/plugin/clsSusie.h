@@ -10,16 +10,16 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
-#include "picture/picture.h"
-#include "plugin/archive_members.h"
+#include "plugin/crashed_calls.h"
+#include "plugin/plugin_connection.h"
 #include "plugin/plugin_error.h"
-#include "plugin/plugin_info.h"
-#include "plugin/susie_calls.h"
-#include "plugin/susie_progress.h"
+#include "plugin/plugin_state.h"
 
 namespace tessary {
 
@@ -42,7 +42,7 @@ class clsSusie {
 
     // The plug-in file's full path; empty when none is set. Setting it releases the one before,
     // tries the plug-in out and reads what it tells about itself; after a refusal none is set.
-    const std::wstring& DllName() const { return calls_.PluginPath(); }
+    const std::wstring& DllName() const { return dllName_; }
     void SetDllName(const std::wstring& path);
 
     // kStylePicture, kStyleArchive or kStyleNone.
@@ -51,10 +51,7 @@ class clsSusie {
 
     // Index 0: all patterns, joined by `;`. Index 1 to 64: that pattern, empty behind the last.
     std::wstring FileType(int32_t index) const;
-    // Whether one of the patterns matches a file name without folder, in upper case.
-    bool Claims(std::wstring_view upperName) const;
-    // The same for patterns that do not match every file.
-    bool Names(std::wstring_view upperName) const;
+    const FilePatterns& Patterns() const { return patterns_; }
 
     // Frees the plug-in file after every operation when nothing is bound.
     bool AutoUnload() const { return autoUnload_; }
@@ -64,9 +61,11 @@ class clsSusie {
     // thread, or it has failed before: one that has crashed may crash again when it is freed.
     void UnloadDLL();
 
-    bool IsLoaded() const { return module_ != nullptr; }
+    bool IsLoaded() const { return connection_ != nullptr && connection_->IsLoaded(); }
     // Whether UnloadDLL leaves the file loaded whatever is bound.
-    bool IsKeptLoaded() const { return keepLoaded_ || SusieCalls::IsInUse(module_); }
+    bool IsKeptLoaded() const {
+        return keepLoaded_ || (connection_ != nullptr && connection_->IsInUse());
+    }
 
     // Whether ConfigurationDlg is there; opens it and answers its result, -1 when it is not. What
     // the plug-in tells about itself is read anew behind it: settings may change the patterns.
@@ -84,16 +83,16 @@ class clsSusie {
     void ForgetErrors();
 
     // The last error's message, and where it happened.
-    const std::wstring& ErrorString() const { return calls_.ErrorString(); }
-    const std::wstring& ErrorFunction() const { return calls_.ErrorFunction(); }
+    const std::wstring& ErrorString() const { return lastError_.message; }
+    const std::wstring& ErrorFunction() const { return lastError_.function; }
     // What the plug-in has told of the last decoding, extraction or list of members, beside its
     // success or failure; and the text of that when it is damage, else an empty one.
-    const PluginCondition& Condition() const { return calls_.Condition(); }
+    const PluginCondition& Condition() const { return condition_; }
     std::wstring Damage() const {
-        return Condition().kind == susie::kConditionDamaged ? Condition().text : std::wstring();
+        return condition_.kind == susie::kConditionDamaged ? condition_.text : std::wstring();
     }
     // How many errors there have been: tells whether a stretch of code has met one.
-    uint32_t ErrorSerial() const { return calls_.ErrorSerial(); }
+    uint32_t ErrorSerial() const { return errorSerial_; }
 
     // --- What it is bound to (clsSusie_binding.cpp) ---
 
@@ -171,11 +170,11 @@ class clsSusie {
   private:
     // Everything that belongs to what is bound; a fresh one stands for "nothing".
     struct Binding {
-        std::wstring file;        // as the caller named it; empty in memory mode
-        std::string pluginName;   // the name that the plug-in is given
-        OwnedBlock content;       // the file's, when the plug-in cannot open it by name
-        HLOCAL memory = nullptr;  // the caller's block in memory mode
-        std::optional<susie::PictureInfo> info;  // once it was asked for
+        std::wstring file;                // as the caller named it; empty in memory mode
+        std::string pluginName;           // the name that the plug-in is given
+        OwnedBlock content;               // the file's, when the plug-in cannot open it by name
+        HLOCAL memory = nullptr;          // the caller's block in memory mode
+        std::optional<PictureSize> size;  // once it was asked for
         ArchiveMembers members;
 
         bool IsEmpty() const { return file.empty() && memory == nullptr; }
@@ -184,18 +183,22 @@ class clsSusie {
     // A binding as plug-ins take it; blocks stay locked for its own life.
     class Source {
       public:
+        // Raises kErrorInvalidMemory when a block is gone.
         explicit Source(const Binding& binding);
-        const SusieSource& Get() const { return source_; }
-        bool IsMemory() const { return source_.flag == susie::kSourceMemory; }
-        bool IsValid() const { return source_.source != nullptr; }
+        const PluginSource& Get() const { return source_; }
 
       private:
         BlockLock lock_;
-        SusieSource source_;
+        PluginSource source_;
     };
 
     template <typename Body>
     auto Member(std::wstring_view label, Body&& body);
+    template <typename Operation>
+    auto Ask(const std::wstring& function, const PluginSource& source, Operation&& operation,
+             const std::wstring& part = {});
+    void SetError(std::wstring_view message, std::wstring_view function);
+    void Note(const PluginAnswer& answer);
 
     // Raises kErrorCallUnderWay while a plug-in is being called.
     static void RequireNoCall();
@@ -205,31 +208,30 @@ class clsSusie {
     void UnloadAfterUse();
     void ReleasePlugin();
     void ReadPlugin();
-    void ReadInfo();
 
     void Unbind();
     bool Supports(const std::wstring& file);
     bool Supports(HLOCAL memory, const std::wstring& fileName);
+    bool Supports(const PluginSource& source);
     Binding AcceptedFile(const std::wstring& path);
     Binding AcceptedMemory(HLOCAL memory, const std::wstring& fileName);
     void ReadMembers(Binding& binding);
     template <typename Accept>
     void Bind(Accept&& accept);
 
-    const susie::PictureInfo& Info();
+    PictureSize Size();
     Picture Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag);
-    uint32_t SaveBmp(const Picture& picture, const std::wstring& bmpFile);
+    static uint32_t SaveBmp(const Picture& picture, const std::wstring& bmpFile);
     const ArchiveMembers& Members();
     const susie::FileInfo& MemberAt(int32_t index);
     OwnedBlock Extract(const susie::FileInfo& member, const SusieProgress& progress);
-    bool IsWorthTheOtherWay(int32_t result) const;
-    int32_t ExtractToMemory(const Source& archive, const susie::FileInfo& member,
-                            OwnedBlock& content);
-    int32_t ExtractOverDisk(const Source& archive, const susie::FileInfo& member,
-                            OwnedBlock& content);
+    ExtractedMember ExtractTo(const std::optional<std::string>& folder, const Source& archive,
+                              const susie::FileInfo& member, const SusieProgress& progress);
+    ExtractedMember ExtractOverDisk(const Source& archive, const susie::FileInfo& member,
+                                    const SusieProgress& progress);
 
-    SusieCalls calls_;
-    HMODULE module_ = nullptr;  // our own reference to the loaded file
+    std::wstring dllName_;
+    std::unique_ptr<PluginConnection> connection_;  // exactly while dllName_ is not empty
     int32_t dllStyle_ = kStyleNone;
     std::wstring productName_;
     FilePatterns patterns_;
@@ -240,6 +242,10 @@ class clsSusie {
     bool extractsToDisk_ = false;  // it was seen to
     bool isSetUp_ = false;         // its settings window was opened
     int32_t showType_ = 0;
+    CrashedCalls crashed_;
+    PluginCondition condition_;
+    PluginFault lastError_;
+    uint32_t errorSerial_ = 0;
     Binding bound_;
 };
 
@@ -247,16 +253,34 @@ class clsSusie {
 // error, unless a call into the plug-in has left a more telling one.
 template <typename Body>
 auto clsSusie::Member(std::wstring_view label, Body&& body) {
-    const uint32_t before = calls_.ErrorSerial();
+    const uint32_t before = errorSerial_;
     try {
         return body();
     } catch (const PluginError& error) {
-        if (calls_.ErrorSerial() == before) calls_.SetError(error.Description(), label);
+        if (errorSerial_ == before) SetError(error.Description(), label);
         throw;
     } catch (...) {
-        calls_.SetError(kUnexpectedInMemberText, label);
+        SetError(kUnexpectedInMemberText, label);
         throw PluginError(kErrorUnexpectedInMember, kUnexpectedInMemberText);
     }
+}
+
+// Has the plug-in do something with a source: `operation` is of its connection. What has crashed
+// over the same content before (`part` of it) is answered kResultCrashed, not asked for again and
+// not counted.
+template <typename Operation>
+auto clsSusie::Ask(const std::wstring& function, const PluginSource& source, Operation&& operation,
+                   const std::wstring& part) {
+    std::invoke_result_t<Operation> answer{};
+    if (crashed_.Hold(function + part, source)) {
+        answer.code = kResultCrashed;
+        answer.fault = {kPluginCrashedText, function};
+    } else {
+        answer = operation();
+        if (answer.HasCrashed()) crashed_.Note(function + part, source);
+    }
+    Note(answer);
+    return answer;
 }
 
 }  // namespace tessary

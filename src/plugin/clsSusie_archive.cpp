@@ -32,26 +32,25 @@ void RequireContent(const OwnedBlock& content) {
     }
 }
 
+// Whether the plug-in may be able to extract to a disk what it did not extract to memory, or the
+// other way round. Those that know one way only say so in several ways; one that has told what is
+// the matter with the member has not meant that.
+bool IsWorthTheOtherWay(const ExtractedMember& extracted) {
+    return extracted.condition.kind == susie::kConditionNone && !extracted.wasStopped &&
+           (extracted.code == kResultNotExported || extracted.code == susie::kUnknownFormat ||
+            extracted.code == susie::kInternalError);
+}
+
 }  // namespace
 
 void clsSusie::ReadMembers(Binding& binding) {
-    calls_.ForgetCondition();
+    condition_ = {};
     const Source archive(binding);
-    if (!archive.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
-    HLOCAL handle = nullptr;
-    const int32_t result = calls_.GetArchiveInfo(archive.Get(), handle);
-    const bool succeeded = result == susie::kSuccess;
-    binding.members = ReadArchiveMembers(handle);
-    const bool mayBeList =
-        succeeded ? IsLocalHandleValid(handle) : Condition().kind == susie::kConditionNone;
-    const bool isList = mayBeList && (succeeded || LooksLikeList(binding.members));
-    // After a failure only what is a list for certain was not freed by the plug-in itself.
-    if (succeeded || isList) {
-        const OwnedBlock freed(handle);
-    } else {
-        FreeLeftHandle(handle);
-    }
-    if (!isList) throw UnlistedArchiveError(result);
+    ListedArchive listed =
+        Ask(L"GetArchiveInfo", archive.Get(), [&] { return connection_->List(archive.Get()); });
+    condition_ = std::move(listed.condition);
+    if (!listed.members) throw UnlistedArchiveError(listed.code);
+    binding.members = *std::move(listed.members);
 }
 
 const ArchiveMembers& clsSusie::Members() {
@@ -112,84 +111,72 @@ void clsSusie::DecodeArchive(int32_t index, const std::wstring& folder,
 
 // The block may be missing or empty.
 OwnedBlock clsSusie::Extract(const susie::FileInfo& member, const SusieProgress& progress) {
-    calls_.ForgetCondition();
+    condition_ = {};
     const Source archive(bound_);
-    if (!archive.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
-    const ProgressRelay relay(progress);
-    OwnedBlock content;
     // A listed size of 0 may stand for one that the plug-in does not know. Some then make a block
     // of that size and write all of the member into it, which ends the process.
     const bool diskFirst = member.fileSize == 0;
-    int32_t result = diskFirst ? ExtractOverDisk(archive, member, content)
-                               : ExtractToMemory(archive, member, content);
+    const auto extract = [&](bool overDisk) {
+        return overDisk ? ExtractOverDisk(archive, member, progress)
+                        : ExtractTo({}, archive, member, progress);
+    };
+    ExtractedMember extracted = extract(diskFirst);
     const bool knowsTheDisk = diskFirst && extractsToDisk_;
-    if (!knowsTheDisk && IsWorthTheOtherWay(result)) {
-        const int32_t otherResult = diskFirst ? ExtractToMemory(archive, member, content)
-                                              : ExtractOverDisk(archive, member, content);
-        if (result == kResultNotExported || otherResult == susie::kSuccess) result = otherResult;
+    if (!knowsTheDisk && IsWorthTheOtherWay(extracted)) {
+        ExtractedMember other = extract(!diskFirst);
+        if (other.HasSucceeded() || extracted.code == kResultNotExported) {
+            extracted = std::move(other);
+        }
     }
-    if (result != susie::kSuccess) {
-        throw DecodeError(static_cast<uint32_t>(result), kExtractingFailedText);
+    if (!extracted.HasSucceeded()) {
+        throw DecodeError(static_cast<uint32_t>(extracted.code), kExtractingFailedText);
     }
-    return content;
+    return extracted.bytes.ReleaseBlock();
 }
 
-// Whether the plug-in may be able to extract to a disk what it did not extract to memory, or the
-// other way round. Those that know one way only say so in several ways; one that has told what is
-// the matter with the member has not meant that.
-bool clsSusie::IsWorthTheOtherWay(int32_t result) const {
-    return Condition().kind == susie::kConditionNone &&
-           (result == kResultNotExported || result == susie::kUnknownFormat ||
-            result == susie::kInternalError);
+// To memory when no folder is given.
+ExtractedMember clsSusie::ExtractTo(const std::optional<std::string>& folder, const Source& archive,
+                                    const susie::FileInfo& member, const SusieProgress& progress) {
+    ExtractedMember extracted = Ask(
+        L"GetFile", archive.Get(),
+        [&] { return connection_->Extract(archive.Get(), member, folder, progress); },
+        L' ' + std::to_wstring(member.position));
+    condition_ = extracted.condition;
+    return extracted;
 }
 
-int32_t clsSusie::ExtractToMemory(const Source& archive, const susie::FileInfo& member,
-                                  OwnedBlock& content) {
-    const auto position = static_cast<LONG_PTR>(member.position);
-    HLOCAL handle = nullptr;
-    const int32_t result =
-        archive.IsMemory()
-            ? calls_.GetFileMM(archive.Get().source, position, handle, ProgressRelay::Callback())
-            : calls_.GetFileSM(bound_.pluginName, position, handle, ProgressRelay::Callback());
-    if (result == susie::kSuccess) content = OwnedBlock(handle);
-    return result;
-}
-
-int32_t clsSusie::ExtractOverDisk(const Source& archive, const susie::FileInfo& member,
-                                  OwnedBlock& content) {
+ExtractedMember clsSusie::ExtractOverDisk(const Source& archive, const susie::FileInfo& member,
+                                          const SusieProgress& progress) {
     // The plug-in itself makes a file name of the member's.
     const std::wstring name = ArchiveMemberName(member);
     if (SafeMemberName(name) != name) throw DecodeError(susie::kBrokenData, kUnsafeMemberText);
     const PrivateFolder folder;
     const std::optional<std::string> target = AnsiPathOf(folder.Target());
-    if (!target) return kResultUnexpected;
-    const auto position = static_cast<LONG_PTR>(member.position);
-    const uint32_t before = calls_.ErrorSerial();
-    int32_t result =
-        archive.IsMemory()
-            ? calls_.GetFileMS(archive.Get().source, position, *target, ProgressRelay::Callback())
-            : calls_.GetFileSS(bound_.pluginName, position, *target, ProgressRelay::Callback());
-    if (result == susie::kSuccess) {
+    if (!target) return {};
+    ExtractedMember extracted = ExtractTo(target, archive, member, progress);
+    OwnedBlock content;
+    if (extracted.HasSucceeded()) {
         const std::wstring file = folder.FirstFile();
         const std::optional<FileStamp> written = StampOf(file);
         content = ReadWholeFile(file);
         if (!written) {
-            result = kResultNotExported;  // it has not written anything
+            extracted.code = kResultNotExported;  // it has not written anything
         } else if (!content && written->size != 0) {
-            result = susie::kReadError;
+            extracted.code = susie::kReadError;
         } else {
             extractsToDisk_ = true;
         }
     }
     // Plug-ins have no answer that means this, and some do not notice.
     const auto size = static_cast<size_t>(content ? LocalHandleSize(content.Get()) : 0);
-    const bool isWhole = result == susie::kSuccess && size >= member.fileSize;
+    const bool isWhole = extracted.HasSucceeded() && size >= member.fileSize;
     if (!isWhole && folder.IsDiskFull()) throw UnwrittenFileError(ERROR_DISK_FULL);
-    if (!content && calls_.ErrorSerial() == before) {
+    if (!content && extracted.fault.message.empty()) {
         // The last error is not to stay that the plug-in cannot extract to memory.
-        calls_.SetError(kExtractingFailedText, L"GetFile");
+        SetError(kExtractingFailedText, L"GetFile");
     }
-    return result;
+    extracted.bytes = MemberBytes(std::move(content));
+    return extracted;
 }
 
 }  // namespace tessary

@@ -1,4 +1,6 @@
 // Binding a plug-in to the file or memory block that it is to read.
+#include <algorithm>
+
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "plugin/clsSusie.h"
@@ -13,34 +15,30 @@ constexpr int32_t kSupported = 1;
 }  // namespace
 
 clsSusie::Source::Source(const Binding& binding)
-    : lock_(binding.content ? binding.content.Get() : binding.memory) {
-    if (lock_) {
-        source_ = {static_cast<const char*>(lock_.Address()), static_cast<LONG_PTR>(lock_.Size()),
-                   susie::kSourceMemory};
-    } else if (!binding.content && binding.memory == nullptr) {
-        source_ = {binding.pluginName.c_str(), 0, susie::kSourceFile};
-    }
+    : lock_(binding.content ? binding.content.Get() : binding.memory),
+      source_{binding.pluginName, lock_.Bytes(), !binding.content && binding.memory == nullptr} {
+    if (!source_.isFile && !lock_) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
 }
 
 bool clsSusie::Supports(const std::wstring& file) {
-    if (checkMode_ && !Claims(ToUpper(FileNameOf(file)))) return false;
-    if (const std::optional<std::string> name = AnsiPathOf(file)) {
-        return calls_.IsSupported(*name, nullptr) == kSupported;
-    }
+    if (checkMode_ && !MatchesAnyPattern(ToUpper(FileNameOf(file)), patterns_)) return false;
+    if (std::optional<std::string> name = AnsiPathOf(file)) return Supports({.name = *name});
     const std::optional<HeaderBlock> header = ReadFileHeader(file);
-    return header && calls_.IsSupported(AnsiNameOf(file), header->data()) == kSupported;
+    return header && Supports({AnsiNameOf(file), *header, false});
 }
 
 bool clsSusie::Supports(HLOCAL memory, const std::wstring& fileName) {
     const BlockLock lock(memory);
-    if (!lock) return false;
-    const std::string name = AnsiSourceNameOf(fileName);
-    // Of a long block the plug-in gets the block itself, and may look as far as it likes.
-    if (lock.Size() >= std::tuple_size_v<HeaderBlock>) {
-        return calls_.IsSupported(name, lock.Address()) == kSupported;
-    }
-    const HeaderBlock header = HeaderOf(lock.Bytes());
-    return calls_.IsSupported(name, header.data()) == kSupported;
+    return lock && Supports({AnsiSourceNameOf(fileName), lock.Bytes(), false});
+}
+
+bool clsSusie::Supports(const PluginSource& source) {
+    // By its beginning the plug-in has judged.
+    PluginSource judged = source;
+    judged.bytes = source.bytes.first(std::min(source.bytes.size(), susie::kHeaderBlockSize));
+    const PluginAnswer answer =
+        Ask(L"IsSupported", judged, [&] { return connection_->Supports(source); });
+    return answer.code == kSupported;
 }
 
 bool clsSusie::CheckFile(const std::wstring& file) {
@@ -73,7 +71,7 @@ void clsSusie::SetFile(const std::wstring& path) {
         // A copy in memory is made anew: the file may have changed since.
         if (EqualsIgnoreCase(path, bound_.file) && !bound_.content) return;
         Bind([&] { return AcceptedFile(path); });
-        calls_.SetBoundFile(path);
+        connection_->SetBoundFile(path);
     });
 }
 
@@ -105,7 +103,7 @@ void clsSusie::Bind(Accept&& accept) {
 
 void clsSusie::Unbind() {
     bound_ = {};
-    calls_.SetBoundFile({});
+    if (connection_ != nullptr) connection_->SetBoundFile({});
 }
 
 clsSusie::Binding clsSusie::AcceptedFile(const std::wstring& path) {

@@ -6,11 +6,6 @@
 namespace tessary {
 namespace {
 
-constexpr susie::PictureInfo kUnknownInfo{-1, -1, -1, -1, 0xFFFF, 0xFFFF, -1, nullptr};
-
-// Some plug-ins describe a file only with this flag.
-constexpr uint32_t kDescribeFlag = 0x80;
-
 // How often a call that fails is made: a file may have been held by somebody else for a moment.
 constexpr int kFileTries = 2;
 constexpr int kMemoryTries = 1;
@@ -20,36 +15,29 @@ constexpr uint32_t kNoPictureResult = susie::kBrokenData;
 
 }  // namespace
 
-const susie::PictureInfo& clsSusie::Info() {
+PictureSize clsSusie::Size() {
     RequireModule();
-    if (bound_.info) return *bound_.info;
-    const Source source(bound_);
-    if (bound_.IsEmpty() || !source.IsValid()) {
+    if (bound_.size) return *bound_.size;
+    const bool isGone = bound_.memory != nullptr && !IsLocalHandleValid(bound_.memory);
+    if (bound_.IsEmpty() || isGone) {
         UnloadAfterUse();
-        return kUnknownInfo;
+        return {};
     }
-    SusieSource asked = source.Get();
-    susie::PictureInfo info{};
-    int32_t result = calls_.GetPictureInfo(asked, info);
-    if (result != susie::kSuccess && result != kResultCrashed && !source.IsMemory()) {
-        asked.flag |= kDescribeFlag;
-        result = calls_.GetPictureInfo(asked, info);
-    }
-    const bool known =
-        result == susie::kSuccess && info.width > 0 && info.height > 0 && info.colorDepth > 0;
-    return bound_.info.emplace(known ? info : kUnknownInfo);
+    const Source source(bound_);
+    const auto measure = [&] { return connection_->Measure(source.Get()); };
+    return bound_.size.emplace(Ask(L"GetPictureInfo", source.Get(), measure).size);
 }
 
 int32_t clsSusie::Width() {
-    return Member(L"Property Get Width", [&] { return Info().width; });
+    return Member(L"Property Get Width", [&] { return Size().width; });
 }
 
 int32_t clsSusie::Height() {
-    return Member(L"Property Get Height", [&] { return Info().height; });
+    return Member(L"Property Get Height", [&] { return Size().height; });
 }
 
 int32_t clsSusie::ColorDepth() {
-    return Member(L"Property Get ColorDepth", [&] { return int32_t{Info().colorDepth}; });
+    return Member(L"Property Get ColorDepth", [&] { return Size().colorDepth; });
 }
 
 uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const SusieProgress& progress,
@@ -73,35 +61,28 @@ uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const Susi
 }
 
 Picture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag) {
-    calls_.ForgetCondition();
-    PicturePair pair;
-    int32_t result = kResultUnexpected;
-    {
-        const Source source(bound_);
-        if (!source.IsValid()) throw PluginError(kErrorInvalidMemory, kInvalidMemoryText);
-        const ProgressRelay relay(progress);
-        const int tries = source.IsMemory() ? kMemoryTries : kFileTries;
-        const auto repeated = [&](auto&& call) {
-            for (int i = 0; i < tries && result != susie::kSuccess && result != kResultCrashed &&
-                            !relay.Stopped();
-                 ++i) {
-                result = call();
-            }
-        };
-        if ((flags & kDecodeTryPreview) != 0) {
-            // GetPreview of most plug-ins does nothing or worse: the full picture it is.
-            repeated([&] {
-                return calls_.GetPreview(calls_.Address(SusieFunction::kGetPicture), source.Get(),
-                                         pair, ProgressRelay::Callback());
-            });
-            if (result == susie::kSuccess) resultFlag = kPreviewResult;
+    condition_ = {};
+    const Source source(bound_);
+    const int tries = source.Get().isFile ? kFileTries : kMemoryTries;
+    DecodedPicture decoded;
+    const auto decode = [&](DecodeKind kind) {
+        for (int i = 0;
+             i < tries && !decoded.HasSucceeded() && !decoded.HasCrashed() && !decoded.wasStopped;
+             ++i) {
+            decoded = Ask(L"GetPicture", source.Get(),
+                          [&] { return connection_->Decode(source.Get(), kind, progress); });
+            condition_ = decoded.condition;
         }
-        repeated([&] { return calls_.GetPicture(source.Get(), pair, ProgressRelay::Callback()); });
+    };
+    if ((flags & kDecodeTryPreview) != 0) {
+        decode(DecodeKind::kPreview);
+        if (decoded.HasSucceeded()) resultFlag = kPreviewResult;
     }
-    if (result != susie::kSuccess) throw DecodeError(static_cast<uint32_t>(result) | resultFlag);
-    Picture picture = Picture::FromPair(pair);
-    if (!picture) throw DecodeError(kNoPictureResult | resultFlag);
-    return picture;
+    decode(DecodeKind::kFull);
+    if (!decoded.HasSucceeded())
+        throw DecodeError(static_cast<uint32_t>(decoded.code) | resultFlag);
+    if (!decoded.picture) throw DecodeError(kNoPictureResult | resultFlag);
+    return std::move(decoded.picture);
 }
 
 uint32_t clsSusie::SaveBmp(const Picture& picture, const std::wstring& bmpFile) {

@@ -44,9 +44,9 @@ void clsSusie::ShowPicture(HDC context, int boxWidth, int boxHeight, const Pictu
             static_cast<const BITMAPINFO*>(opaque ? static_cast<const void*>(opaque.Info().data())
                                                   : info.Address()),
             DIB_RGB_COLORS, SRCCOPY);
-        calls_.SetError(L"ShowPicture Return:" + std::to_wstring(drawn) + L" " +
-                            (fit ? L"PreView ShowFixControl" : L"PreView ShowDefault"),
-                        L"ShowPicture( ");
+        SetError(L"ShowPicture Return:" + std::to_wstring(drawn) + L" " +
+                     (fit ? L"PreView ShowFixControl" : L"PreView ShowDefault"),
+                 L"ShowPicture( ");
         if (drawn == 0 || drawn == static_cast<int>(GDI_ERROR)) {
             throw PluginError(kErrorDrawingFailed, kDrawingFailedText);
         }

@@ -1,7 +1,8 @@
 // The plug-in file: setting, loading and freeing it, and what it tells about itself.
+#include <utility>
+
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
-#include "plugin/call_log.h"
 #include "plugin/clsSusie.h"
 #include "plugin/plugin_log.h"
 
@@ -19,12 +20,22 @@ void clsSusie::RequireNoCall() {
     if (PluginCallUnderWay()) throw PluginError(kErrorCallUnderWay, kCallUnderWayText);
 }
 
+void clsSusie::SetError(std::wstring_view message, std::wstring_view function) {
+    lastError_ = {std::wstring(message), std::wstring(function)};
+    ++errorSerial_;
+}
+
+void clsSusie::Note(const PluginAnswer& answer) {
+    if (!answer.fault.message.empty()) SetError(answer.fault.message, answer.fault.function);
+}
+
 void clsSusie::SetDllName(const std::wstring& path) {
     Member(L"Property Let DllName(", [&] {
         RequireNoCall();
         ReleasePlugin();
         if (path.empty()) throw PluginError(kErrorInvalidArgument, kInvalidArgumentText);
-        calls_.SetPluginPath(FullPathOf(path));
+        dllName_ = FullPathOf(path);
+        connection_ = ConnectTo(dllName_);
         try {
             ReadPlugin();
         } catch (...) {
@@ -36,28 +47,27 @@ void clsSusie::SetDllName(const std::wstring& path) {
 }
 
 void clsSusie::ReadPlugin() {
-    module_ = calls_.Load();
-    const int32_t style = module_ == nullptr ? kStyleNone : calls_.BindAddresses(module_);
-    if (style == kStyleNone) throw RefusedPluginError(module_ != nullptr, calls_.LoadError());
-    supportConfigurationDialog_ = calls_.Address(SusieFunction::kConfigurationDlg) != nullptr;
-    ReadInfo();
-    dllStyle_ = style;
+    const LoadedPlugin loaded = connection_->Load();
+    Note(loaded);
+    if (loaded.style == kStyleNone) {
+        throw RefusedPluginError(connection_->IsLoaded(), loaded.loadError);
+    }
+    PluginDescription told = connection_->Describe();
+    Note(told);
+    supportConfigurationDialog_ = told.hasSettings;
+    productName_ = std::move(told.productName);
+    patterns_ = std::move(told.patterns);
+    dllStyle_ = loaded.style;
     keepLoaded_ = ErrorCount({}) != 0;
-}
-
-void clsSusie::ReadInfo() {
-    const InfoCalls logged(DllName());
-    patterns_ = ReadFilePatterns(calls_);
-    productName_ = ReadProductName(calls_);
 }
 
 void clsSusie::ReleasePlugin() {
     Unbind();
     // Its windows go with it.
     if (!keepLoaded_ && !PluginCallUnderWay()) ReleaseModule();
-    module_ = nullptr;  // one that must stay loaded stays until the process ends
-    calls_.ClearAddresses();
-    calls_.SetPluginPath({});
+    if (connection_ != nullptr) connection_->LeaveLoaded();
+    connection_.reset();
+    dllName_.clear();
     dllStyle_ = kStyleNone;
     productName_.clear();
     patterns_.clear();
@@ -65,27 +75,26 @@ void clsSusie::ReleasePlugin() {
     keepLoaded_ = false;
     extractsToDisk_ = false;
     isSetUp_ = false;
+    crashed_.Clear();
 }
 
 void clsSusie::RequireModule() {
     RequireNoCall();
     if (PluginsAreStopped()) throw PluginError(kErrorPluginsStopped, PluginsStoppedText());
-    if (DllName().empty()) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
-    if (module_ != nullptr) return;
+    if (connection_ == nullptr) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
+    if (connection_->IsLoaded()) return;
     // The file may have gone, or been replaced, since it was last loaded.
-    module_ = calls_.Load();
-    const int32_t style = module_ == nullptr ? kStyleNone : calls_.BindAddresses(module_);
-    if (style == kStyleNone) {
+    const LoadedPlugin loaded = connection_->Load();
+    Note(loaded);
+    if (loaded.style == kStyleNone) {
         ReleaseModule();
         throw PluginError(kErrorPluginNotAvailable, kPluginNotAvailableText);
     }
-    dllStyle_ = style;
+    dllStyle_ = loaded.style;
 }
 
 void clsSusie::ReleaseModule() {
-    if (module_ == nullptr) return;
-    calls_.Free(std::exchange(module_, nullptr));
-    if (GetModuleHandleW(ExtendedPath(DllName()).c_str()) == nullptr) calls_.ClearAddresses();
+    if (IsLoaded()) Note(connection_->Unload());
 }
 
 void clsSusie::UnloadDLL() {
@@ -117,21 +126,16 @@ std::wstring clsSusie::FileType(int32_t index) const {
     return all;
 }
 
-bool clsSusie::Claims(std::wstring_view upperName) const {
-    return !upperName.empty() && MatchesAnyPattern(upperName, patterns_);
-}
-
-bool clsSusie::Names(std::wstring_view upperName) const {
-    return !upperName.empty() && MatchesNamingPattern(upperName, patterns_);
-}
-
 int32_t clsSusie::ShowConfigurationDialog(HWND parent) {
     return Member(L"ShowConfigurationDialog(", [&] {
         RequireModule();
-        const int32_t result = supportConfigurationDialog_ ? calls_.ConfigurationDlg(parent) : -1;
-        if (supportConfigurationDialog_ && result != kResultCrashed) {
-            isSetUp_ = true;
-            RefreshInfo();
+        int32_t result = -1;
+        if (supportConfigurationDialog_) {
+            const PluginAnswer answer = connection_->Configure(parent);
+            Note(answer);
+            result = answer.code;
+            isSetUp_ = isSetUp_ || !answer.HasCrashed();
+            if (!answer.HasCrashed()) RefreshInfo();
         }
         UnloadAfterUse();
         return result;
@@ -140,14 +144,12 @@ int32_t clsSusie::ShowConfigurationDialog(HWND parent) {
 
 // After a crash what the plug-in has told before is better than nothing.
 void clsSusie::RefreshInfo() {
-    if (!isSetUp_ || module_ == nullptr || PluginCallUnderWay()) return;
-    const uint32_t before = calls_.ErrorSerial();
-    FilePatterns patterns = patterns_;
-    std::wstring productName = productName_;
-    ReadInfo();
-    if (calls_.ErrorSerial() == before) return;
-    patterns_ = std::move(patterns);
-    productName_ = std::move(productName);
+    if (!isSetUp_ || !IsLoaded() || PluginCallUnderWay()) return;
+    PluginDescription told = connection_->Describe();
+    Note(told);
+    if (!told.fault.message.empty()) return;
+    productName_ = std::move(told.productName);
+    patterns_ = std::move(told.patterns);
 }
 
 int32_t clsSusie::ErrorCount(std::wstring_view function) const {
@@ -166,7 +168,7 @@ void clsSusie::ForgetErrors() {
     Member(L"ForgetErrors(", [&] {
         if (DllName().empty()) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
         ForgetFailures(DllName());
-        calls_.ForgetCrashes();
+        crashed_.Clear();
         keepLoaded_ = false;
         UnloadAfterUse();
     });

@@ -2,14 +2,33 @@
 // by a number, so that each keeps a call log of its own there.
 #pragma once
 
+#include <mutex>
+#include <string>
+
+#include "app/base/handles.h"
+
 namespace tessary {
 
 // Numbers count from 1; copies beyond the last share it.
 constexpr int kMostRuns = 16;
 
-// The number of this copy, taken at the first call: the least that no living copy has. Throws
-// RaisedError when the store cannot be accessed.
-int OwnRun();
+// This copy, which others can tell from one that has ended as long as this object lives.
+class OwnRun {
+  public:
+    OwnRun();
+
+    // The number of this copy, taken at the first call: the least that no living copy has. Throws
+    // RaisedError when the store cannot be accessed. From any thread.
+    int Number();
+
+    const std::wstring& Name() const { return name_; }
+
+  private:
+    std::wstring name_;  // of the mutex, which this process holds for its whole life
+    UniqueMutex held_;
+    std::mutex mutex_;  // of the number
+    int number_ = 0;    // 0: not taken yet
+};
 
 // Keeps other copies from taking a number, for its own life; waits until none is about to.
 class RunsHeld {
@@ -19,11 +38,11 @@ class RunsHeld {
     RunsHeld& operator=(const RunsHeld&) = delete;
     ~RunsHeld();
 
-    // Whether another living copy has that number.
-    bool IsAnothers(int run) const;
+    // Whether another living copy than the one of that name has that number.
+    bool IsAnothers(int number, const std::wstring& ownName) const;
 
   private:
-    void* mutex_;
+    UniqueMutex mutex_;
 };
 
 }  // namespace tessary

@@ -31,22 +31,6 @@ bool IsNoText(int32_t answer) {
     return answer <= 0 || answer == kResultCrashed;
 }
 
-std::wstring AsWildcard(std::wstring_view piece) {
-    if (piece.find_first_of(L"*?") != std::wstring_view::npos) return std::wstring(piece);
-    if (piece.front() == L'.') return L"*" + std::wstring(piece);
-    if (piece.find(L'.') == std::wstring_view::npos) return L"*." + std::wstring(piece);
-    return std::wstring(piece);
-}
-
-void AppendPatterns(std::wstring_view text, FilePatterns& patterns) {
-    while (!text.empty() && patterns.size() < kMaxPatterns) {
-        const size_t end = std::min(text.find(L';'), text.size());
-        const std::wstring_view piece = TrimSpaces(text.substr(0, end));
-        if (!piece.empty()) patterns.push_back(AsWildcard(piece));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-}
-
 }  // namespace
 
 FilePatterns ReadFilePatterns(SusieCalls& calls) {
@@ -66,19 +50,6 @@ FilePatterns ReadFilePatterns(SusieCalls& calls) {
 std::wstring ReadProductName(SusieCalls& calls) {
     InfoText info = ReadInfoText(calls, kProductNameNumber);
     return IsNoText(info.answer) ? std::wstring() : std::move(info.text);
-}
-
-bool MatchesAnyPattern(std::wstring_view upperName, const FilePatterns& patterns) {
-    return std::any_of(patterns.begin(), patterns.end(), [&](const std::wstring& pattern) {
-        return pattern == kEveryFile || MatchesWildcard(upperName, pattern);
-    });
-}
-
-bool MatchesNamingPattern(std::wstring_view upperName, const FilePatterns& patterns) {
-    return std::any_of(patterns.begin(), patterns.end(), [&](const std::wstring& pattern) {
-        return pattern.find_first_not_of(L"*.") != std::wstring::npos &&
-               MatchesWildcard(upperName, pattern);
-    });
 }
 
 }  // namespace tessary

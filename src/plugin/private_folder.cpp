@@ -71,11 +71,9 @@ std::wstring FirstFileBelow(const std::wstring& folder) {
 }
 
 bool IsRunning(DWORD processId) {
-    const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, processId);
-    if (process == nullptr) return GetLastError() != ERROR_INVALID_PARAMETER;
-    const bool isRunning = WaitForSingleObject(process, 0) == WAIT_TIMEOUT;
-    CloseHandle(process);
-    return isRunning;
+    const UniqueProcess process(OpenProcess(SYNCHRONIZE, FALSE, processId));
+    if (!process) return GetLastError() != ERROR_INVALID_PARAMETER;
+    return WaitForSingleObject(process.Get(), 0) == WAIT_TIMEOUT;
 }
 
 // The process that has made a folder of that name; 0 when it is none of ours.

@@ -1,6 +1,6 @@
 #include "plugin/result_text.h"
 
-#include "plugin/susie_calls.h"
+#include "plugin/plugin_connection.h"
 
 namespace tessary {
 

@@ -6,7 +6,7 @@
 
 namespace tessary {
 
-// `result`: what a function of the interface has answered, or a kResult… of susie_calls.h; a
+// `result`: what a function of the interface has answered, or a kResult… of plugin_connection.h; a
 // success too, which came with nothing.
 std::wstring ResultText(int32_t result);
 

@@ -5,37 +5,11 @@
 
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "plugin/content_pattern.h"
 #include "plugin/file_stamp.h"
 #include "plugin/result_text.h"
-#include "plugin/susie_library.h"
 
 namespace tessary {
-namespace {
-
-// The pattern of the format that a file's content shows; empty when it shows none of these.
-std::wstring ContentPatternOf(const std::wstring& path) {
-    const SusieLibrary* const library = FindSusieLibrary();
-    if (library == nullptr) return {};
-    switch (library->getFileInformation(ExtendedPath(path).c_str())) {
-        case susiectl::kContentBmp:
-            return L"*.BMP";
-        case susiectl::kContentPng:
-            return L"*.PNG";
-        case susiectl::kContentJpeg:
-            return L"*.JPG";
-        case susiectl::kContentGif:
-            return L"*.GIF";
-        case susiectl::kContentLzh:
-            return L"*.LZH";
-        case susiectl::kContentZip:
-            return L"*.ZIP";
-        default:
-            return {};
-    }
-}
-
-}  // namespace
-
 Search::Search(TrialOrder& order, std::wstring path, size_t first)
     : order_(&order),
       name_(std::move(path)),
@@ -94,11 +68,13 @@ bool Search::LookAtSource() {
 }
 
 bool Search::Claims(const clsSusie& member) {
-    return member.Claims(upperName_) || member.Claims(ContentPattern());
+    return MatchesAnyPattern(upperName_, member.Patterns()) ||
+           MatchesAnyPattern(ContentPattern(), member.Patterns());
 }
 
 bool Search::Names(const clsSusie& member) {
-    return member.Names(upperName_) || member.Names(ContentPattern());
+    return MatchesNamingPattern(upperName_, member.Patterns()) ||
+           MatchesNamingPattern(ContentPattern(), member.Patterns());
 }
 
 bool Search::IsNamed() {
@@ -163,8 +139,8 @@ void Search::NoteRefusal(clsSusie& member, int32_t result) {
     const bool isDoubtful = result <= susie::kAborted || result == susie::kUnknownFormat ||
                             result == kResultNotExported;
     // Plug-ins that say so of every kind of file, and to every file, are no witnesses.
-    const bool isOwn =
-        !isDoubtful || (member.FileType(0) != kEveryFile && member.Claims(upperName_));
+    const bool isOwn = !isDoubtful || (member.FileType(0) != kEveryFile &&
+                                       MatchesAnyPattern(upperName_, member.Patterns()));
     if (reason.empty() && isOwn && member.CheckFile(name_)) reason = ResultText(result);
     if (reason.empty()) return;
     refusal_ = {std::move(reason), member.DllName(), member.Condition().kind};

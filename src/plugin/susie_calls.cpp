@@ -6,7 +6,9 @@
 #include "app/base/paths.h"
 #include "app/base/quit.h"
 #include "plugin/call_log.h"
+#include "plugin/host_state.h"
 #include "plugin/plugin_log.h"
+#include "plugin/plugin_state.h"
 #include "plugin/susie_library.h"
 #include "plugin/thread_crash.h"
 #include "plugin/unaware_of_resolution.h"
@@ -26,7 +28,6 @@ constexpr SusieCallNames kGetPluginInfo{L"GetPluginInfo", nullptr, L"GetPlugInIn
 constexpr SusieCallNames kIsSupported{L"IsSupported", L"IsSupported", L"IsSupported"};
 constexpr SusieCallNames kGetPictureInfo{L"GetPictureInfo", L"GetPictureInfo", L"GetPictureInfo"};
 constexpr SusieCallNames kGetPicture{L"GetPicture", L"GetPicture", L"GetPicture"};
-constexpr const wchar_t* kGetPictureName = L"GetPicture";
 constexpr SusieCallNames kGetPreview{L"GetPreview", L"GetPrevew", L"GetPreview"};
 constexpr SusieCallNames kGetArchiveInfo{L"GetArchiveInfo", L"GetArchiveInfo", L"GetArchiveInfo"};
 constexpr SusieCallNames kGetFileInfo{L"GetFileInfo", L"GetFileInfo", L"GetFileInfo"};
@@ -47,31 +48,15 @@ constexpr const char* kExportedNames[kSusieFunctionCount] = {
     "ConfigurationDlg", "GetLastCondition", "GetPictureWithAlpha",
 };
 
-bool& UnderWay() {
-    static bool underWay = false;
-    return underWay;
-}
-
-bool& HasCrashed() {
-    static bool hasCrashed = false;
-    return hasCrashed;
-}
-
-// The file name of the plug-in whose call has damaged the memory; empty: none has.
-std::wstring& Damager() {
-    static std::wstring damager;
-    return damager;
-}
-
 // Marks the time of a call. It restores what it found rather than counting: scopes inside a call
 // that crashes never end.
 class CallScope {
   public:
-    CallScope() : outer_(std::exchange(UnderWay(), true)) {}
+    CallScope() : outer_(std::exchange(Host().isCallUnderWay, true)) {}
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
     ~CallScope() {
-        UnderWay() = outer_;
+        Host().isCallUnderWay = outer_;
         // Plug-ins post a request to quit when a window of theirs closes. It is not theirs to make.
         if (!outer_) DropForeignQuit();
     }
@@ -79,11 +64,6 @@ class CallScope {
   private:
     bool outer_;
 };
-
-// A member as a source of its own. How large an archive in memory is nobody has told by then.
-SusieSource MemberOf(const SusieSource& archive) {
-    return archive.flag == susie::kSourceFile ? archive : SusieSource{};
-}
 
 void FreeLeft(HLOCAL& handle) {
     if (!PluginsAreStopped()) FreeLeftHandle(handle);
@@ -111,31 +91,10 @@ const SusieLibrary& Library() {
 
 }  // namespace
 
-bool PluginCallUnderWay() {
-    return UnderWay();
-}
-
-bool HasPluginCrashed() {
-    return HasCrashed();
-}
-
-std::wstring PluginsStoppedText() {
-    const std::wstring& plugin = Damager();
-    const std::wstring culprit = plugin.empty() ? L"プラグイン" : L"プラグイン " + plugin + L' ';
-    return culprit +
-           L"の異常でメモリーが壊れた可能性があるため、プラグインを停止しました。"
-           L"プログラムを起動し直してください。";
-}
-
-bool PluginsAreStopped() {
-    const SusieLibrary* const library = FindSusieLibrary();
-    return library != nullptr && library->isMemoryDamaged() != 0;
-}
-
 // To be called behind each call: whoever was called when the damage showed has to answer for it.
 void SusieCalls::NoteDamage(const SusieCallNames& names) {
-    if (!PluginsAreStopped() || !Damager().empty()) return;
-    Trapped([&] { Damager() = FileNameOf(pluginPath_); });
+    if (!PluginsAreStopped() || !Host().damager.empty()) return;
+    Trapped([&] { Host().damager = FileNameOf(pluginPath_); });
     // The other crashes are counted as such.
     if (names.errorKey == nullptr) {
         Trapped([&] { IncrementErrorCount(pluginPath_, names.logName); });
@@ -160,7 +119,7 @@ void SusieCalls::Logged(const SusieCallNames& names, Call&& call) {
         }
     } catch (...) {
         ClearCallLog();
-        SetError(kUnexpectedText, names.errorFunction);
+        SetFault(kUnexpectedText, names);
         throw;
     }
 }
@@ -170,7 +129,7 @@ int32_t SusieCalls::Guarded(const SusieCallNames& names, Call&& call) {
     return Trapped(kResultUnexpected, [&] {
         int32_t result = kResultUnexpected;
         if (PluginsAreStopped()) {
-            SetError(PluginsStoppedText(), names.errorFunction);
+            SetFault(PluginsStoppedText(), names);
             return kResultStopped;
         }
         Logged(names, [&](const SusieLibrary& library) { result = call(library); });
@@ -182,14 +141,14 @@ int32_t SusieCalls::Guarded(const SusieCallNames& names, Call&& call) {
 // call log.
 template <typename Call>
 int32_t SusieCalls::GuardedAndTold(const SusieCallNames& names, Call&& call) {
-    ForgetCondition();
+    condition_ = {};
     const int32_t result = Guarded(names, [&](const SusieLibrary& library) {
         const int32_t answer = call(library);
         if (answer != susiectl::kCrashed) AskForCondition(library);
         return answer;
     });
     if (result != susie::kSuccess && condition_.kind != susie::kConditionNone) {
-        SetError(condition_.text, names.errorFunction);
+        SetFault(condition_.text, names);
     }
     return result;
 }
@@ -208,39 +167,24 @@ void SusieCalls::AskForCondition(const SusieLibrary& library) {
     });
 }
 
-template <typename Call>
-int32_t SusieCalls::UnlessCrashed(const wchar_t* function, const SusieSource& source, Call&& call) {
-    return Trapped(kResultUnexpected, [&] {
-        if (crashed_.Hold(function, source)) {
-            SetError(kPluginCrashedText, function);
-            return kResultCrashed;
-        }
-        const int32_t result = call();
-        if (result == kResultCrashed) crashed_.Note(function, source);
-        return result;
-    });
-}
-
 int32_t SusieCalls::Mapped(int32_t result, const SusieCallNames& names) {
     if (result == susiectl::kCrashed) {
-        HasCrashed() = true;
+        Host().hasPluginCrashed = true;
         if (names.errorKey != nullptr) {
             Trapped([&] { IncrementErrorCount(pluginPath_, names.errorKey); });
         }
-        SetError(kPluginCrashedText, names.errorFunction);
+        SetFault(kPluginCrashedText, names);
         return kResultCrashed;
     }
     if (result == susiectl::kNotExported) {
-        SetError(kNotExportedText, names.errorFunction);
+        SetFault(kNotExportedText, names);
         return kResultNotExported;
     }
     return result;
 }
 
-void SusieCalls::SetError(std::wstring_view message, std::wstring_view function) {
-    errorString_ = message;
-    errorFunction_ = function;
-    ++errorSerial_;
+void SusieCalls::SetFault(std::wstring_view message, const SusieCallNames& names) {
+    fault_ = {std::wstring(message), names.errorFunction};
 }
 
 HMODULE SusieCalls::Load() {
@@ -300,76 +244,63 @@ int32_t SusieCalls::GetPluginInfo(int32_t infoNumber, char* buffer, int32_t leng
         NoteDamage(kGetPluginInfo);
         return Mapped(result, kGetPluginInfo);
     } catch (...) {
-        SetError(kUnexpectedText, kGetPluginInfo.errorFunction);
+        SetFault(kUnexpectedText, kGetPluginInfo);
         return -1;
     }
 }
 
 int32_t SusieCalls::IsSupported(const std::string& fileName, const void* header) {
-    const SusieSource file{fileName.c_str(), 0, susie::kSourceFile};
-    const SusieSource block{static_cast<const char*>(header), susie::kHeaderBlockSize,
-                            susie::kSourceMemory};
-    return UnlessCrashed(L"IsSupported", header == nullptr ? file : block, [&] {
-        return Guarded(kIsSupported, [&](const SusieLibrary& library) {
-            return library.isSupported(Address(SusieFunction::kIsSupported), fileName.c_str(),
-                                       header);
-        });
+    return Guarded(kIsSupported, [&](const SusieLibrary& library) {
+        return library.isSupported(Address(SusieFunction::kIsSupported), fileName.c_str(), header);
     });
 }
 
 int32_t SusieCalls::GetPictureInfo(const SusieSource& source, susie::PictureInfo& info) {
     info = {};
-    return UnlessCrashed(L"GetPictureInfo", source, [&] {
-        return Guarded(kGetPictureInfo, [&](const SusieLibrary& library) {
-            const int32_t answer =
-                library.getPictureInfo(Address(SusieFunction::kGetPictureInfo), source.source,
-                                       source.length, source.flag, &info);
-            HLOCAL text = std::exchange(info.hInfo, nullptr);  // which nobody reads
-            const int32_t received = Received(answer, text);
-            FreeLocalHandle(text);
-            return received;
-        });
+    return Guarded(kGetPictureInfo, [&](const SusieLibrary& library) {
+        const int32_t answer =
+            library.getPictureInfo(Address(SusieFunction::kGetPictureInfo), source.source,
+                                   source.length, source.flag, &info);
+        HLOCAL text = std::exchange(info.hInfo, nullptr);  // which nobody reads
+        const int32_t received = Received(answer, text);
+        FreeLocalHandle(text);
+        return received;
     });
 }
 
 int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
-                               susie::ProgressCallback progress) {
+                               const ProgressRelay& progress) {
     picture = {};
     const FARPROC withAlpha = Address(SusieFunction::kGetPictureWithAlpha);
     const FARPROC function = withAlpha ? withAlpha : Address(SusieFunction::kGetPicture);
-    return UnlessCrashed(kGetPictureName, source, [&] {
-        return GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
-            return Received(library.getPicture(function, source.source, source.length, source.flag,
-                                               &picture.info, &picture.bits, progress, 0),
-                            picture);
-        });
+    return GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
+        return Received(
+            library.getPicture(function, source.source, source.length, source.flag, &picture.info,
+                               &picture.bits, progress.Callback(), progress.UserData()),
+            picture);
     });
 }
 
 int32_t SusieCalls::GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,
-                               susie::ProgressCallback progress) {
+                               const ProgressRelay& progress) {
     picture = {};
-    const bool isPicture = function == Address(SusieFunction::kGetPicture);
-    return UnlessCrashed(isPicture ? kGetPictureName : L"GetPreview", source, [&] {
-        return GuardedAndTold(kGetPreview, [&](const SusieLibrary& library) {
-            return Received(library.getPreview(function, source.source, source.length, source.flag,
-                                               &picture.info, &picture.bits, progress, 0),
-                            picture);
-        });
+    return GuardedAndTold(kGetPreview, [&](const SusieLibrary& library) {
+        return Received(
+            library.getPreview(function, source.source, source.length, source.flag, &picture.info,
+                               &picture.bits, progress.Callback(), progress.UserData()),
+            picture);
     });
 }
 
 int32_t SusieCalls::GetArchiveInfo(const SusieSource& archive, HLOCAL& members) {
     members = nullptr;
-    return UnlessCrashed(L"GetArchiveInfo", archive, [&] {
-        return GuardedAndTold(kGetArchiveInfo, [&](const SusieLibrary& library) {
-            const int32_t answer =
-                library.getArchiveInfo(Address(SusieFunction::kGetArchiveInfo), archive.source,
-                                       archive.length, archive.flag, &members);
-            // What a call has left that failed may be the list all the same.
-            if (answer == susiectl::kCrashed) return Received(answer, members);
-            return TakeForeignHandle(members) ? answer : susiectl::kCrashed;
-        });
+    return GuardedAndTold(kGetArchiveInfo, [&](const SusieLibrary& library) {
+        const int32_t answer =
+            library.getArchiveInfo(Address(SusieFunction::kGetArchiveInfo), archive.source,
+                                   archive.length, archive.flag, &members);
+        // What a call has left that failed may be the list all the same.
+        if (answer == susiectl::kCrashed) return Received(answer, members);
+        return TakeForeignHandle(members) ? answer : susiectl::kCrashed;
     });
 }
 
@@ -383,57 +314,52 @@ int32_t SusieCalls::GetFileInfo(const SusieSource& archive, const std::string& m
 }
 
 int32_t SusieCalls::GetFileMM(const void* archive, LONG_PTR position, HLOCAL& member,
-                              susie::ProgressCallback progress) {
+                              const ProgressRelay& progress) {
     return GetFileToMemory(kGetFileMM,
                            {static_cast<const char*>(archive), position, susie::kSourceMemory},
                            member, progress);
 }
 
 int32_t SusieCalls::GetFileSM(const std::string& archive, LONG_PTR position, HLOCAL& member,
-                              susie::ProgressCallback progress) {
+                              const ProgressRelay& progress) {
     return GetFileToMemory(kGetFileSM, {archive.c_str(), position, susie::kSourceFile}, member,
                            progress);
 }
 
 int32_t SusieCalls::GetFileMS(const void* archive, LONG_PTR position, const std::string& folder,
-                              susie::ProgressCallback progress) {
+                              const ProgressRelay& progress) {
     return GetFileToFolder(kGetFileMS,
                            {static_cast<const char*>(archive), position, susie::kSourceMemory},
                            folder, progress);
 }
 
 int32_t SusieCalls::GetFileSS(const std::string& archive, LONG_PTR position,
-                              const std::string& folder, susie::ProgressCallback progress) {
+                              const std::string& folder, const ProgressRelay& progress) {
     return GetFileToFolder(kGetFileSS, {archive.c_str(), position, susie::kSourceFile}, folder,
                            progress);
 }
 
 int32_t SusieCalls::GetFileToMemory(const SusieCallNames& names, const SusieSource& archive,
-                                    HLOCAL& member, susie::ProgressCallback progress) {
+                                    HLOCAL& member, const ProgressRelay& progress) {
     member = nullptr;
-    return UnlessCrashed(L"GetFile", MemberOf(archive), [&] {
-        return GuardedAndTold(names, [&](const SusieLibrary& library) {
-            const int32_t answer =
-                library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
-                                reinterpret_cast<char*>(&member),
-                                archive.flag | susie::kDestinationMemory, progress, 0);
-            return Received(answer, member);
-        });
+    return GuardedAndTold(names, [&](const SusieLibrary& library) {
+        const int32_t answer = library.getFile(Address(SusieFunction::kGetFile), archive.source,
+                                               archive.length, reinterpret_cast<char*>(&member),
+                                               archive.flag | susie::kDestinationMemory,
+                                               progress.Callback(), progress.UserData());
+        return Received(answer, member);
     });
 }
 
 int32_t SusieCalls::GetFileToFolder(const SusieCallNames& names, const SusieSource& archive,
-                                    const std::string& folder, susie::ProgressCallback progress) {
-    return UnlessCrashed(L"GetFile", MemberOf(archive), [&] {
-        return GuardedAndTold(names, [&](const SusieLibrary& library) {
-            // A copy with room behind it: plug-ins append the separator and the member's name in
-            // place.
-            std::string destination = folder;
-            destination.resize(folder.size() + 2 * MAX_PATH);
-            return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
-                                   destination.data(), archive.flag | susie::kDestinationFile,
-                                   progress, 0);
-        });
+                                    const std::string& folder, const ProgressRelay& progress) {
+    return GuardedAndTold(names, [&](const SusieLibrary& library) {
+        // A copy with room behind it: plug-ins append the separator and the member's name in place.
+        std::string destination = folder;
+        destination.resize(folder.size() + 2 * MAX_PATH);
+        return library.getFile(Address(SusieFunction::kGetFile), archive.source, archive.length,
+                               destination.data(), archive.flag | susie::kDestinationFile,
+                               progress.Callback(), progress.UserData());
     });
 }
 

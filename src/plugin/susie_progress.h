@@ -13,18 +13,18 @@ namespace tessary {
 // false asks it to stop. Empty: nobody is told.
 using SusieProgress = std::function<bool(int done, int total)>;
 
-// Stands between plug-in and `progress` for its own life. Plug-ins pass the caller's value on
-// unreliably, so the callback finds its way without it. What is thrown ends the plug-in's work and
-// not the plug-in.
+// Stands between plug-in and `progress` for its own life. What is thrown ends the plug-in's work
+// and not the plug-in.
 class ProgressRelay {
   public:
-    explicit ProgressRelay(const SusieProgress& progress);
+    explicit ProgressRelay(const SusieProgress& progress) : progress_(progress) {}
     ProgressRelay(const ProgressRelay&) = delete;
     ProgressRelay& operator=(const ProgressRelay&) = delete;
-    ~ProgressRelay();
 
-    // Never null.
+    // For a plug-in: never null, for some call it unasked; and the value that goes with it, which
+    // susiectl.dll hands back, whatever the plug-in passes.
     static susie::ProgressCallback Callback() { return &OnProgress; }
+    LONG_PTR UserData() const { return reinterpret_cast<LONG_PTR>(this); }
 
     // Whether the plug-in was asked to stop.
     bool Stopped() const { return stopped_; }
@@ -34,11 +34,6 @@ class ProgressRelay {
 
     const SusieProgress& progress_;
     bool stopped_ = false;
-    ProgressRelay* outer_;
-
-    // The relay of the call under way on this thread; plug-ins that call from another thread reach
-    // nobody.
-    static thread_local ProgressRelay* current_;
 };
 
 }  // namespace tessary

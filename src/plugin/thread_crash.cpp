@@ -1,35 +1,16 @@
 #include "plugin/thread_crash.h"
 
-#include <memory>
 #include <mutex>
 #include <ranges>
-#include <vector>
 
 #include "app/base/error.h"
 #include "plugin/call_log.h"
+#include "plugin/host_state.h"
 
 namespace tessary {
 namespace {
 
-// Where a plug-in is, or was before it was freed.
-struct Place {
-    uintptr_t begin = 0;
-    uintptr_t end = 0;
-    std::wstring plugin;
-};
-
-// It never ends: threads may crash until the process is gone.
-struct Watch {
-    std::mutex mutex;
-    std::vector<Place> places;  // the newest last
-    DWORD caller = 0;           // the thread that calls plug-ins: it has the guard
-    LPTOP_LEVEL_EXCEPTION_FILTER next = nullptr;
-};
-
-Watch& TheWatch() {
-    static Watch* const watch = std::make_unique<Watch>().release();
-    return *watch;
-}
+using Place = HostState::Place;
 
 Place PlaceOf(HMODULE module, const std::wstring& plugin) {
     const auto begin = reinterpret_cast<uintptr_t>(module);
@@ -41,7 +22,7 @@ Place PlaceOf(HMODULE module, const std::wstring& plugin) {
 
 // Empty: nobody's.
 std::wstring PluginAt(const void* address) {
-    Watch& watch = TheWatch();
+    HostState::Threads& watch = Host().threads;
     const std::lock_guard lock(watch.mutex);
     const auto at = reinterpret_cast<uintptr_t>(address);
     for (const Place& place : watch.places | std::views::reverse) {
@@ -52,7 +33,7 @@ std::wstring PluginAt(const void* address) {
 
 // The system's last question before it ends the process.
 LONG WINAPI HoldAgainstOwner(EXCEPTION_POINTERS* exception) {
-    const Watch& watch = TheWatch();
+    const HostState::Threads& watch = Host().threads;
     if (GetCurrentThreadId() != watch.caller) {
         Trapped([&] {
             HoldThreadCrashAgainst(PluginAt(exception->ExceptionRecord->ExceptionAddress));
@@ -64,7 +45,7 @@ LONG WINAPI HoldAgainstOwner(EXCEPTION_POINTERS* exception) {
 }  // namespace
 
 void WatchThreadsOf(HMODULE module, const std::wstring& plugin) {
-    Watch& watch = TheWatch();
+    HostState::Threads& watch = Host().threads;
     const std::lock_guard lock(watch.mutex);
     const Place added = PlaceOf(module, plugin);
     std::erase_if(watch.places, [&](const Place& place) { return place.begin == added.begin; });

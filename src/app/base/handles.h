@@ -68,6 +68,9 @@ struct Find {
 struct Mutex : NullIsNone<HANDLE> {
     static void Close(HANDLE mutex) { CloseHandle(mutex); }
 };
+struct Process : NullIsNone<HANDLE> {
+    static void Close(HANDLE process) { CloseHandle(process); }
+};
 struct Module : NullIsNone<HMODULE> {
     static void Close(HMODULE module) { FreeLibrary(module); }
 };
@@ -98,6 +101,7 @@ struct ScreenDc : NullIsNone<HDC> {
 using UniqueFile = UniqueHandle<handle_traits::File>;
 using UniqueFind = UniqueHandle<handle_traits::Find>;
 using UniqueMutex = UniqueHandle<handle_traits::Mutex>;
+using UniqueProcess = UniqueHandle<handle_traits::Process>;
 using UniqueModule = UniqueHandle<handle_traits::Module>;
 using UniqueKey = UniqueHandle<handle_traits::Key>;
 using UniqueGlobal = UniqueHandle<handle_traits::Global>;  // a block of GlobalAlloc

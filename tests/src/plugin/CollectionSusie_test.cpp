@@ -7,6 +7,7 @@
 #include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
+#include "plugin/susie_calls.h"
 #include "tests/src/plugin/plugin_test.h"
 
 namespace tessary {
@@ -527,9 +528,9 @@ TEST(PluginCollectionChild, DISABLED_StaysEmptyWithoutSusiectl) {
     EXPECT_EQ(messages.Only(), L"SUSIECTL.DLL が見つかりません");
     EXPECT_EQ(collection.FScanAllSPI(test::TestProgramFolder() + L"plugins\\"), 0);
     char text[255] = {};
-    SusieCalls calls;
+    SusieCalls calls(L"x.spi");
     EXPECT_EQ(calls.GetPluginInfo(0, text, 255), -1);
-    EXPECT_EQ(calls.ErrorFunction(), L"GetPlugInInfo");
+    EXPECT_EQ(calls.TakeFault().function, L"GetPlugInInfo");
 }
 
 TEST_F(CollectionTest, StaysEmptyWithoutSusiectl) {

@@ -2,6 +2,8 @@
 // ended inside a call.
 #include "plugin/susie_calls.h"
 
+#include <optional>
+
 #include <algorithm>
 
 #include "app/base/modGetFolder.h"
@@ -14,22 +16,23 @@ namespace tessary {
 namespace {
 
 constexpr SusieSource kNoFile{"C:\\nothing.tst", 0, susie::kSourceFile};
-const susie::ProgressCallback kProgress = ProgressRelay::Callback();
+const SusieProgress kNobody;
+const ProgressRelay kProgress(kNobody);
 
 class SusieCallsTest : public test::PluginTest {
   protected:
     ~SusieCallsTest() override {
-        if (module_ != nullptr) calls_.Free(module_);
+        if (module_ != nullptr) calls_->Free(module_);
     }
     // Loads a plug-in and answers its kind.
     int32_t Load(const std::wstring& path) {
-        if (module_ != nullptr) calls_.Free(module_);
-        calls_.SetPluginPath(path);
-        module_ = calls_.Load();
-        return calls_.BindAddresses(module_);
+        if (module_ != nullptr) calls_->Free(module_);
+        calls_.emplace(path);
+        module_ = calls_->Load();
+        return calls_->BindAddresses(module_);
     }
 
-    SusieCalls calls_;
+    std::optional<SusieCalls> calls_;
     HMODULE module_ = nullptr;
     PicturePair picture_;
     HLOCAL block_ = nullptr;
@@ -42,10 +45,10 @@ TEST_F(SusieCallsTest, ExportsDecideTheKind) {
     for (const auto* unusable :
          {L"no_get_file_info.spi", L"config_only.spi", L"no_is_supported.spi"}) {
         EXPECT_EQ(Load(Plugin(unusable)), kStyleNone) << unusable;
-        EXPECT_EQ(calls_.Address(SusieFunction::kGetPluginInfo), nullptr);
-        EXPECT_EQ(calls_.Address(SusieFunction::kGetFile), nullptr);
+        EXPECT_EQ(calls_->Address(SusieFunction::kGetPluginInfo), nullptr);
+        EXPECT_EQ(calls_->Address(SusieFunction::kGetFile), nullptr);
     }
-    EXPECT_NE(calls_.Address(SusieFunction::kConfigurationDlg), nullptr);  // left as it was found
+    EXPECT_NE(calls_->Address(SusieFunction::kConfigurationDlg), nullptr);  // left as it was found
     EXPECT_FALSE(CallIsLogged());
 }
 
@@ -62,28 +65,28 @@ TEST_F(SusieCallsTest, CrashesAreCountedUnderTheKeysOfTheStore) {
     susie::PictureInfo picture;
     susie::FileInfo file;
     char text[255];
-    const FARPROC preview = calls_.Address(SusieFunction::kGetPreview);
+    const FARPROC preview = calls_->Address(SusieFunction::kGetPreview);
     const std::pair<const wchar_t*, int32_t> results[] = {
-        {L"IsSupported", calls_.IsSupported("a", "header")},
-        {L"GetPictureInfo", calls_.GetPictureInfo(kNoFile, picture)},
-        {L"GetPicture", calls_.GetPicture(kNoFile, picture_, kProgress)},
-        {L"GetPrevew", calls_.GetPreview(preview, kNoFile, picture_, kProgress)},
-        {L"GetArchiveInfo", calls_.GetArchiveInfo(kNoFile, block_)},
-        {L"GetFileInfo", calls_.GetFileInfo(kNoFile, "m", file)},
-        {L"GetFileMM", calls_.GetFileMM("x", 0, block_, kProgress)},
-        {L"GetFileSM", calls_.GetFileSM("x", 0, block_, kProgress)},
-        {L"GetFileMS", calls_.GetFileMS("x", 0, "y", kProgress)},
-        {L"GetFileSS", calls_.GetFileSS("x", 0, "y", kProgress)},
+        {L"IsSupported", calls_->IsSupported("a", "header")},
+        {L"GetPictureInfo", calls_->GetPictureInfo(kNoFile, picture)},
+        {L"GetPicture", calls_->GetPicture(kNoFile, picture_, kProgress)},
+        {L"GetPrevew", calls_->GetPreview(preview, kNoFile, picture_, kProgress)},
+        {L"GetArchiveInfo", calls_->GetArchiveInfo(kNoFile, block_)},
+        {L"GetFileInfo", calls_->GetFileInfo(kNoFile, "m", file)},
+        {L"GetFileMM", calls_->GetFileMM("x", 0, block_, kProgress)},
+        {L"GetFileSM", calls_->GetFileSM("x", 0, block_, kProgress)},
+        {L"GetFileMS", calls_->GetFileMS("x", 0, "y", kProgress)},
+        {L"GetFileSS", calls_->GetFileSS("x", 0, "y", kProgress)},
     };
     for (const auto& [key, result] : results) {
         EXPECT_EQ(result, kResultCrashed) << key;
         EXPECT_EQ(GetSetting(section, key), L"1") << key;
     }
-    EXPECT_EQ(calls_.ErrorFunction(), L"GetFile");
-    EXPECT_EQ(calls_.ConfigurationDlg(nullptr), kResultCrashed);
+    EXPECT_EQ(calls_->TakeFault().function, L"GetFile");
+    EXPECT_EQ(calls_->ConfigurationDlg(nullptr), kResultCrashed);
     EXPECT_EQ(ReadErrorCount(bad, L"GetFileSS"), 2);
-    EXPECT_EQ(calls_.GetPluginInfo(0, text, 255), kResultCrashed);
-    EXPECT_EQ(calls_.ErrorString(), L"SPIファイル内の関数で致命的エラーが発生しました");
+    EXPECT_EQ(calls_->GetPluginInfo(0, text, 255), kResultCrashed);
+    EXPECT_EQ(calls_->TakeFault().message, L"SPIファイル内の関数で致命的エラーが発生しました");
     EXPECT_EQ(GetSetting(section, L"Total"), L"11");
     EXPECT_FALSE(CallIsLogged());
 }
@@ -91,16 +94,17 @@ TEST_F(SusieCallsTest, CrashesAreCountedUnderTheKeysOfTheStore) {
 TEST_F(SusieCallsTest, OtherFailuresAreTold) {
     const std::wstring path = Plugin(L"minimal.spi", "answer:IsSupported:8\n");
     Load(path);
-    EXPECT_EQ(calls_.IsSupported("a", "header"), 8);
-    EXPECT_EQ(calls_.ErrorString(), L"");
-    EXPECT_EQ(calls_.GetPreview(nullptr, kNoFile, picture_, kProgress), kResultNotExported);
-    EXPECT_EQ(calls_.ErrorString(), L"呼び出そうとした関数はSPIファイルでサポートされていません");
+    EXPECT_EQ(calls_->IsSupported("a", "header"), 8);
+    EXPECT_EQ(calls_->TakeFault().message, L"");
+    EXPECT_EQ(calls_->GetPreview(nullptr, kNoFile, picture_, kProgress), kResultNotExported);
+    EXPECT_EQ(calls_->TakeFault().message,
+              L"呼び出そうとした関数はSPIファイルでサポートされていません");
     EXPECT_EQ(ReadErrorCount(path, {}), 0);
 
     // A store that takes nothing disables no plug-in.
     EXPECT_FALSE(CallsGoUnlogged());
     RedirectSettingsStore(std::wstring(300, L'x'));  // longer than a key can be
-    EXPECT_EQ(calls_.IsSupported("a", "header"), 8);
+    EXPECT_EQ(calls_->IsSupported("a", "header"), 8);
     RedirectSettingsStore(store_.KeyPath());
     EXPECT_TRUE(CallsGoUnlogged());
 }
@@ -238,10 +242,10 @@ TEST_F(SusieCallsTest, ARequestToQuitIsNotThePluginsToMake) {
     };
     EXPECT_FALSE(isPosted());
     char text[255] = {};
-    calls_.GetPluginInfo(0, text, 255);
+    calls_->GetPluginInfo(0, text, 255);
     EXPECT_FALSE(isPosted());
     RequestQuit(3);
-    calls_.ConfigurationDlg(nullptr);  // the program is to end all the same, with its own status
+    calls_->ConfigurationDlg(nullptr);  // the program is to end all the same, with its own status
     MSG message{};
     EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     EXPECT_EQ(message.wParam, 3U);

@@ -1,0 +1,53 @@
+// What this process has to remember of its plug-in calls as a whole, in one place.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "app/settings/settings_store.h"
+#include "plugin/living_runs.h"
+
+namespace tessary {
+
+struct HostState {
+    // Of the thread that calls plug-ins (plugin_state.h).
+    bool isCallUnderWay = false;
+    bool hasPluginCrashed = false;
+    std::wstring damager;  // file name of the plug-in whose call has damaged the memory; or empty
+
+    // This copy among those that run.
+    OwnRun run;
+
+    // The call log (call_log.h).
+    struct Logs {
+        PassingSection call;
+        PassingSection info;
+        bool isUnlogged = false;
+        std::mutex mutex;           // of what follows, and of writing the logs
+        bool isExcused = false;     // nothing is written any more
+        std::wstring calledPlugin;  // empty: none
+    } logs;
+
+    // Whose code is, or was before it was freed, at which addresses (thread_crash.h).
+    struct Place {
+        uintptr_t begin = 0;
+        uintptr_t end = 0;
+        std::wstring plugin;
+    };
+    struct Threads {
+        std::mutex mutex;
+        std::vector<Place> places;  // the newest last
+        DWORD caller = 0;           // the thread that calls plug-ins: it has the guard
+        LPTOP_LEVEL_EXCEPTION_FILTER next = nullptr;
+    } threads;
+};
+
+// The only one. It never ends: plug-ins are still freed and logged, and their threads crash, while
+// static objects are destroyed.
+HostState& Host();
+
+}  // namespace tessary

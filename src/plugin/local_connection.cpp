@@ -1,0 +1,148 @@
+#include "plugin/local_connection.h"
+
+#include <utility>
+
+#include "app/base/paths.h"
+#include "plugin/call_log.h"
+#include "plugin/plugin_info.h"
+#include "plugin/source_block.h"
+#include "plugin/susie_library.h"
+
+namespace tessary {
+namespace {
+
+// Some plug-ins describe a file only with this flag.
+constexpr uint32_t kDescribeFlag = 0x80;
+
+SusieSource SourceOf(const PluginSource& source) {
+    if (source.isFile) return {source.name.c_str(), 0, susie::kSourceFile};
+    return {reinterpret_cast<const char*>(source.bytes.data()),
+            static_cast<LONG_PTR>(source.bytes.size()), susie::kSourceMemory};
+}
+
+}  // namespace
+
+std::unique_ptr<PluginConnection> ConnectTo(const std::wstring& plugin) {
+    return std::make_unique<LocalConnection>(plugin);
+}
+
+bool CanCallPlugins() {
+    return FindSusieLibrary() != nullptr;
+}
+
+LocalConnection::~LocalConnection() {
+    Unload();
+}
+
+PluginAnswer LocalConnection::Answer(int32_t code) {
+    return {code, {}, calls_.TakeFault()};
+}
+
+// Of a call that the plug-in is asked about.
+PluginAnswer LocalConnection::AnswerTold(int32_t code) {
+    return {code, calls_.Condition(), calls_.TakeFault()};
+}
+
+LoadedPlugin LocalConnection::Load() {
+    if (module_ == nullptr) {
+        module_ = calls_.Load();
+        style_ = module_ == nullptr ? kStyleNone : calls_.BindAddresses(module_);
+    }
+    const int32_t code = module_ == nullptr ? kResultUnexpected : susie::kSuccess;
+    return {Answer(code), style_, module_ == nullptr ? calls_.LoadError() : ERROR_SUCCESS};
+}
+
+PluginAnswer LocalConnection::Unload() {
+    if (module_ != nullptr) {
+        calls_.Free(std::exchange(module_, nullptr));
+        if (GetModuleHandleW(ExtendedPath(path_).c_str()) == nullptr) calls_.ClearAddresses();
+    }
+    return Answer(susie::kSuccess);
+}
+
+PluginDescription LocalConnection::Describe() {
+    PluginDescription description;
+    description.style = style_;
+    description.hasSettings = calls_.Address(SusieFunction::kConfigurationDlg) != nullptr;
+    {
+        const InfoCalls logged(path_);
+        description.patterns = ReadFilePatterns(calls_);
+        description.productName = ReadProductName(calls_);
+    }
+    static_cast<PluginAnswer&>(description) = Answer(susie::kSuccess);
+    return description;
+}
+
+PluginAnswer LocalConnection::Supports(const PluginSource& source) {
+    if (source.isFile) return Answer(calls_.IsSupported(source.name, nullptr));
+    // Of a long block the plug-in gets the block itself, and may look as far as it likes.
+    if (source.bytes.size() >= std::tuple_size_v<HeaderBlock>) {
+        return Answer(calls_.IsSupported(source.name, source.bytes.data()));
+    }
+    const HeaderBlock header = HeaderOf(source.bytes);
+    return Answer(calls_.IsSupported(source.name, header.data()));
+}
+
+MeasuredPicture LocalConnection::Measure(const PluginSource& source) {
+    SusieSource asked = SourceOf(source);
+    susie::PictureInfo info{};
+    int32_t code = calls_.GetPictureInfo(asked, info);
+    if (code != susie::kSuccess && code != kResultCrashed && source.isFile) {
+        asked.flag |= kDescribeFlag;
+        code = calls_.GetPictureInfo(asked, info);
+    }
+    const bool isKnown =
+        code == susie::kSuccess && info.width > 0 && info.height > 0 && info.colorDepth > 0;
+    return {Answer(code),
+            isKnown ? PictureSize{info.width, info.height, info.colorDepth} : PictureSize{}};
+}
+
+DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeKind kind,
+                                       const SusieProgress& progress) {
+    const ProgressRelay relay(progress);
+    PicturePair pair;
+    // GetPreview of most plug-ins does nothing or worse: the full picture it is.
+    const int32_t code = kind == DecodeKind::kPreview
+                             ? calls_.GetPreview(calls_.Address(SusieFunction::kGetPicture),
+                                                 SourceOf(source), pair, relay)
+                             : calls_.GetPicture(SourceOf(source), pair, relay);
+    return {AnswerTold(code), Picture::FromPair(pair), relay.Stopped()};
+}
+
+ListedArchive LocalConnection::List(const PluginSource& archive) {
+    HLOCAL handle = nullptr;
+    ListedArchive listed{AnswerTold(calls_.GetArchiveInfo(SourceOf(archive), handle)), {}};
+    const bool succeeded = listed.HasSucceeded();
+    ArchiveMembers members = ReadArchiveMembers(handle);
+    const bool mayBeList =
+        succeeded ? IsLocalHandleValid(handle) : listed.condition.kind == susie::kConditionNone;
+    const bool isList = mayBeList && (succeeded || LooksLikeList(members));
+    // After a failure only what is a list for certain was not freed by the plug-in itself.
+    if (succeeded || isList) {
+        const OwnedBlock freed(handle);
+    } else {
+        FreeLeftHandle(handle);
+    }
+    if (isList) listed.members = std::move(members);
+    return listed;
+}
+
+ExtractedMember LocalConnection::Extract(const PluginSource& archive, const susie::FileInfo& member,
+                                         const std::optional<std::string>& folder,
+                                         const SusieProgress& progress) {
+    const ProgressRelay relay(progress);
+    const auto position = static_cast<LONG_PTR>(member.position);
+    HLOCAL handle = nullptr;
+    const int32_t code =
+        folder ? (archive.isFile ? calls_.GetFileSS(archive.name, position, *folder, relay)
+                                 : calls_.GetFileMS(archive.bytes.data(), position, *folder, relay))
+               : (archive.isFile ? calls_.GetFileSM(archive.name, position, handle, relay)
+                                 : calls_.GetFileMM(archive.bytes.data(), position, handle, relay));
+    return {AnswerTold(code), MemberBytes(OwnedBlock(handle)), relay.Stopped()};
+}
+
+PluginAnswer LocalConnection::Configure(HWND parent) {
+    return Answer(calls_.ConfigurationDlg(parent));
+}
+
+}  // namespace tessary

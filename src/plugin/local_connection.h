@@ -1,0 +1,47 @@
+// A plug-in in this process.
+#pragma once
+
+#include <windows.h>
+
+#include "plugin/plugin_connection.h"
+#include "plugin/susie_calls.h"
+
+namespace tessary {
+
+// Calls the plug-in through susiectl.dll, with all that SusieCalls does about it.
+class LocalConnection final : public PluginConnection {
+  public:
+    // `plugin`: the full path of its file.
+    explicit LocalConnection(const std::wstring& plugin) : path_(plugin), calls_(plugin) {}
+    ~LocalConnection() override;
+
+    LoadedPlugin Load() override;
+    bool IsLoaded() const override { return module_ != nullptr; }
+    PluginAnswer Unload() override;
+    void LeaveLoaded() override { module_ = nullptr; }
+    bool IsInUse() const override { return module_ != nullptr && SusieCalls::IsInUse(module_); }
+
+    void SetBoundFile(const std::wstring& path) override { calls_.SetBoundFile(path); }
+
+    PluginDescription Describe() override;
+    PluginAnswer Supports(const PluginSource& source) override;
+    MeasuredPicture Measure(const PluginSource& source) override;
+    DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
+                          const SusieProgress& progress) override;
+    ListedArchive List(const PluginSource& archive) override;
+    ExtractedMember Extract(const PluginSource& archive, const susie::FileInfo& member,
+                            const std::optional<std::string>& folder,
+                            const SusieProgress& progress) override;
+    PluginAnswer Configure(HWND parent) override;
+
+  private:
+    PluginAnswer Answer(int32_t code);
+    PluginAnswer AnswerTold(int32_t code);
+
+    std::wstring path_;
+    SusieCalls calls_;
+    HMODULE module_ = nullptr;  // our own reference to the loaded file
+    int32_t style_ = kStyleNone;
+};
+
+}  // namespace tessary
