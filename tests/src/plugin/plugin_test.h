@@ -45,6 +45,18 @@ class PluginTest : public testing::Test {
         return folder_.Path() + name;
     }
 
+    // New files: a picture of 3 x 2 pixels, and an archive of two members, with directives.
+    std::wstring PictureFile(const std::string& directives = {}) const {
+        return folder_.Write(NewName(L".tst"), "TST 3x2x24\n" + directives + "\n");
+    }
+    std::wstring ArchiveFile(const std::string& directives = {}) const {
+        return folder_.Write(NewName(L".tsa"),
+                             ArchiveOf({{"dir/a", "first"}, {"b", "second"}}, directives));
+    }
+    std::wstring NewName(const wchar_t* extension) const {
+        return std::to_wstring(++number_) + extension;
+    }
+
     static bool IsLoaded(const std::wstring& path) {
         return GetModuleHandleW(path.c_str()) != nullptr;
     }
@@ -91,6 +103,10 @@ class PluginTest : public testing::Test {
     RedirectedSettings store_;
     TemporaryFolder folder_;
     RecordedMessages messages_;
+    clsSusie plugin_;
+
+  private:
+    mutable int number_ = 0;
 };
 
 // The number that `body` raises; 0 when it raises nothing.

@@ -1,0 +1,321 @@
+// What every connection to a plug-in has to do, whatever the plug-in does.
+#include <algorithm>
+#include <optional>
+
+#include "app/base/quit.h"
+#include "plugin/susie_calls.h"
+#include "tests/src/plugin/plugin_test.h"
+
+namespace tessary {
+namespace {
+
+using Connect = std::unique_ptr<PluginConnection> (*)(const std::wstring& plugin);
+
+class ConnectionTest : public test::PluginTest, public testing::WithParamInterface<Connect> {
+  protected:
+    // To a copy of a test plug-in, which is loaded.
+    PluginConnection& Connected(const std::wstring& original, std::string_view script = {}) {
+        path_ = Plugin(original, script, std::to_wstring(++number_) + L".spi");
+        connection_ = GetParam()(path_);
+        style_ = connection_->Load().style;
+        return *connection_;
+    }
+    PluginSource File(const std::string& content) {
+        return {.name = ToAnsi(folder_.Write(std::to_wstring(++number_) + L".x", content))};
+    }
+    static PluginSource Bytes(const std::string& content) {
+        return {"a.x", {reinterpret_cast<const uint8_t*>(content.data()), content.size()}, false};
+    }
+    PluginSource Picture(const std::string& directives = {}) {
+        return File("TST 3x2x24\n" + directives + "\n");
+    }
+    PluginSource Archive(const std::string& directives = {}) {
+        return File(test::ArchiveOf({{"dir/a", "first"}, {"\x83\x5C", "second"}}, directives));
+    }
+    DecodedPicture Decoded(const std::string& directives, const SusieProgress& progress = {}) {
+        return connection_->Decode(Picture(directives), DecodeKind::kFull, progress);
+    }
+    int32_t Errors(std::wstring_view function = {}) { return ReadErrorCount(path_, function); }
+
+    std::unique_ptr<PluginConnection> connection_;
+    std::wstring path_;
+    int32_t style_ = kStyleNone;
+    int number_ = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(Local, ConnectionTest, testing::Values(&ConnectTo));
+
+TEST_P(ConnectionTest, ExportsDecideTheKind) {
+    const std::pair<const wchar_t*, int32_t> kinds[] = {
+        {L"minimal.spi", kStylePicture},      {L"picture_and_archive.spi", kStylePicture},
+        {L"axtsa.spi", kStyleArchive},        {L"no_get_file_info.spi", kStyleNone},
+        {L"no_is_supported.spi", kStyleNone}, {L"config_only.spi", kStyleNone}};
+    for (const auto& [plugin, style] : kinds) {
+        const int32_t supported = Connected(plugin).Supports(Bytes("TST 1x1x1\n")).code;
+        EXPECT_EQ(style_, style) << plugin;
+        EXPECT_EQ(supported == kResultNotExported, style == kStyleNone) << plugin;
+    }
+    EXPECT_TRUE(connection_->IsLoaded());
+    EXPECT_EQ(connection_->Configure(nullptr).code, 0);  // left as it was found
+    EXPECT_FALSE(CallIsLogged());
+}
+
+TEST_P(ConnectionTest, DescribesItOutOfEveryKindOfText) {
+    const std::pair<const char*, const wchar_t*> texts[] = {
+        {"info-none", L"*.*"},
+        {"crash:av:GetPluginInfo", L"*.*"},
+        {"info-fill", L"*.*"},
+        {"info:2: *.abc", L"*.*"},
+        {"info-longer:1000", L"*.TST"},
+        {"info-counts-nul", L"*.TST"},
+        {"info:2:*.jpg;.jpeg; JFIF \ninfo:4:*.TST; *.ts2\ninfo:5:more\ninfo:6:tst",
+         L"*.JPG;*.JPEG;*.JFIF;*.TST;*.TS2;*.TST"}};
+    for (const auto& [script, patterns] : texts) {
+        const PluginDescription told = Connected(L"iftst.spi", script).Describe();
+        std::wstring joined;
+        for (const std::wstring& pattern : told.patterns)
+            joined += (joined.empty() ? L"" : L";") + pattern;
+        EXPECT_EQ(joined, patterns) << script;
+        EXPECT_TRUE(told.hasSettings);
+    }
+    EXPECT_EQ(connection_->Describe().productName, L"Test plug-in");
+    for (const char* many : {"patterns:64", "patterns:80", "info-endless"})
+        EXPECT_EQ(Connected(L"iftst.spi", many).Describe().patterns.size(), kMaxPatterns) << many;
+    EXPECT_FALSE(Connected(L"minimal.spi").Describe().hasSettings);
+}
+
+TEST_P(ConnectionTest, CrashesAreCountedUnderTheKeysOfTheStore) {
+    std::string script;
+    for (const char* function :
+         {"GetPluginInfo", "IsSupported", "GetPictureInfo", "GetPicture", "GetPreview",
+          "GetArchiveInfo", "GetFileInfo", "GetFile", "ConfigurationDlg"})
+        script += std::string("crash:av:") + function + "\n";
+    PluginConnection& bad = Connected(L"picture_and_archive.spi", script);
+    const PluginSource file = Picture();
+    const PluginSource bytes = Bytes("TSA\n");
+    const std::pair<const wchar_t*, PluginAnswer> answers[] = {
+        {L"IsSupported", bad.Supports(bytes)},
+        {L"GetPictureInfo", bad.Measure(file)},
+        {L"GetPicture", bad.Decode(file, DecodeKind::kFull, {})},
+        {L"GetPrevew", bad.Decode(file, DecodeKind::kPreview, {})},
+        {L"GetArchiveInfo", bad.List(file)},
+        {L"GetFileMM", bad.Extract(bytes, {}, {}, {})},
+        {L"GetFileSM", bad.Extract(file, {}, {}, {})},
+        {L"GetFileMS", bad.Extract(bytes, {}, "y", {})},
+        {L"GetFileSS", bad.Extract(file, {}, "y", {})},
+    };
+    std::wstring section = path_ + L"_SPI_ERRORLOG";
+    std::ranges::replace(section, L'\\', L'/');
+    for (const auto& [key, answer] : answers) {
+        EXPECT_TRUE(answer.HasCrashed()) << key;
+        EXPECT_EQ(answer.fault.message, kPluginCrashedText);
+        EXPECT_EQ(GetSetting(section, key), L"1") << key;
+    }
+    EXPECT_EQ(answers[8].second.fault.function, L"GetFile");
+    EXPECT_TRUE(bad.Configure(nullptr).HasCrashed());
+    EXPECT_EQ(Errors(L"GetFileSS"), 2);
+    EXPECT_EQ(bad.Describe().fault.message, kPluginCrashedText);
+    EXPECT_EQ(GetSetting(section, L"Total"), L"10");
+    EXPECT_FALSE(CallIsLogged());
+
+    SusieCalls calls(path_);  // has one call more, which no operation makes
+    calls.BindAddresses(GetModuleHandleW(path_.c_str()));
+    susie::FileInfo info;
+    EXPECT_EQ(calls.GetFileInfo({"C:\\x", 0, susie::kSourceFile}, "m", info), kResultCrashed);
+    EXPECT_EQ(Errors(L"GetFileInfo"), 1);
+}
+
+TEST_P(ConnectionTest, OtherFailuresAreTold) {
+    PluginConnection& plugin = Connected(L"minimal.spi", "answer:IsSupported:8\n");
+    const PluginAnswer other = plugin.Supports(Bytes("x"));
+    EXPECT_EQ(other.code, 8);
+    EXPECT_EQ(other.fault.message, L"");
+    const PluginAnswer missing = plugin.Measure(Picture());
+    EXPECT_EQ(missing.code, kResultNotExported);
+    EXPECT_EQ(missing.fault.message, L"呼び出そうとした関数はSPIファイルでサポートされていません");
+    EXPECT_EQ(Errors(), 0);
+    // A store that takes nothing disables no plug-in.
+    EXPECT_FALSE(CallsGoUnlogged());
+    RedirectSettingsStore(std::wstring(300, L'x'));  // longer than a key can be
+    EXPECT_EQ(plugin.Supports(Bytes("x")).code, 8);
+    RedirectSettingsStore(store_.KeyPath());
+    EXPECT_TRUE(CallsGoUnlogged());
+}
+
+TEST_P(ConnectionTest, SizesAreNotBelievedThatCannotBe) {
+    Connected(L"iftst.spi");
+    const std::pair<const char*, int32_t> sizes[] = {
+        {"flag128\ntext:comment", 3},    {"info-record:40x30x0", -1},
+        {"info-record:0x30x24", -1},     {"info-record:40x-1x8", -1},
+        {"answer:GetPictureInfo:3", -1}, {"crash:av:GetPictureInfo", -1}};
+    for (const auto& [directives, width] : sizes) {
+        const PictureSize size = connection_->Measure(Picture(directives)).size;
+        EXPECT_EQ(size.width, width) << directives;
+        EXPECT_EQ(size.height, width < 0 ? -1 : 2) << directives;
+        EXPECT_EQ(size.colorDepth, width < 0 ? -1 : 24) << directives;
+    }
+    EXPECT_EQ(Calls(path_, "GetPictureInfo"), 8);  // a second time where it may help
+}
+
+TEST_P(ConnectionTest, OnlyPlainPicturesAreHandedOn) {
+    Connected(L"iftst.spi");
+    for (const char* kind :
+         {"fixed", "header:108", "unpadded", "top-down", "biClrUsed:9", "biSizeImage:7"}) {
+        DecodedPicture decoded = Decoded(kind);
+        ASSERT_TRUE(decoded.HasSucceeded() && decoded.picture) << kind;
+        const auto pixel = decoded.picture.View().Row(1).subspan(2 * 3);
+        const test::Colour expected = test::PatternPixel(2, 1);
+        EXPECT_EQ((test::Colour{pixel[0], pixel[1], pixel[2]}), expected) << kind;
+        // The address of a fixed block is its handle; only what is not plain is copied, to others.
+        const uint8_t* const address = decoded.picture.Bits().data();
+        PicturePair pair = decoded.picture.ReleasePair();
+        EXPECT_EQ(address == pair.bits, kind == std::string("fixed"));
+        FreePicture(pair);
+    }
+    for (const char* lie :
+         {"bits-size:10", "info-size:20", "no-handles", "no-bits", "no-info", "same-handle",
+          "wild-handles", "biWidth:100000", "biWidth:0", "biHeight:0", "biHeight:-2147483648",
+          "biBitCount:7", "biSize:400", "biCompression:4", "biHeight:90000000", "foreign:malloc",
+          "foreign:heap", "foreign:odd", "foreign:inside"}) {
+        const DecodedPicture decoded = Decoded(lie);
+        EXPECT_TRUE(decoded.HasSucceeded() && !decoded.picture) << lie;
+    }
+    EXPECT_TRUE(Decoded("foreign:closed\nbits-size:20000").HasCrashed());  // it cannot be read
+    EXPECT_EQ(Errors(L"GetPicture"), 1);
+    EXPECT_FALSE(PluginsAreStopped());
+}
+
+TEST_P(ConnectionTest, NothingOfAPluginsBlocksStays) {
+    Connected(L"picture_and_archive.spi");
+    const auto before = FreeHandles();
+    for (const char* kind :
+         {"", "bits-size:0", "info-size:0\nbits-size:0", "no-bits\ninfo-size:0", "no-info",
+          "same-handle", "text:comment", "answer-after:GetPictureInfo:6\ntext:x",
+          "answer-after:GetPicture:6", "answer-after:GetPicture:6\nbits-size:0",
+          "answer-after:GetPicture:6\nsame-handle", "answer-after:GetPicture:6\nwild-handles",
+          "answer-after:GetPicture:6\nfixed"}) {
+        connection_->Measure(Picture(kind));
+        Decoded(kind);
+        EXPECT_EQ(FreeHandles(), before) << kind;
+    }
+    for (const char* kind : {"", "answer-after:GetArchiveInfo:2\n", "answer-after:GetFile:6\n",
+                             "answer-after:GetArchiveInfo:2\nfixed\n", "crash:av:GetFile\n"}) {
+        connection_->List(Archive(kind));
+        connection_->Extract(Archive(kind), {}, {}, {});
+        EXPECT_EQ(FreeHandles(), before) << kind;
+    }
+}
+
+TEST_P(ConnectionTest, ListsEndAndAreBelievedAsPluginsMeanThem) {
+    Connected(L"axtsa.spi");
+    const std::string failed = "answer-after:GetArchiveInfo:2\n";
+    for (const std::string& kind :
+         {std::string(), std::string("path-in-name\n"), std::string("no-end\n"),
+          std::string("tail:427\n"), std::string("no-end\ntail:300\n"), std::string("dirty-end\n"),
+          std::string("zero-fields\n"), failed, failed + "fixed\n"}) {
+        const ListedArchive listed = connection_->List(Archive(kind));
+        ASSERT_TRUE(listed.members && listed.members->size() == 2) << kind;
+        EXPECT_EQ(ArchiveMemberName(listed.members->at(0)), L"dir\\a") << kind;
+        EXPECT_EQ(ArchiveMemberName(listed.members->at(1)), L"ソ") << kind;
+    }
+    const ListedArchive endless = connection_->List(Archive(failed + "unterminated\n"));
+    ASSERT_TRUE(endless.members);
+    EXPECT_EQ(ArchiveMemberName(endless.members->at(0)).size(), 401U);
+    for (const std::string name : {"\x01.jpg", ""}) {
+        for (const char* fixed : {"", "fixed\n"}) {
+            const PluginSource bad = File(test::ArchiveOf({{name, "x"}}, failed + fixed));
+            EXPECT_FALSE(connection_->List(bad).members) << name << fixed;
+        }
+    }
+    for (const char* bad : {"crash:av:GetArchiveInfo\n", "answer:GetArchiveInfo:0\n"})
+        EXPECT_FALSE(connection_->List(Archive(bad)).members) << bad;
+}
+
+TEST_P(ConnectionTest, WhatThePluginTellsBesideItsResultIsChecked) {
+    Connected(L"iftst.spi");
+    const std::tuple<const char*, int32_t, std::wstring> told[] = {
+        {"condition:1:cut\tshort ", 1, L"cut short"},
+        {"", 0, L""},  // nothing of the one before is left
+        {"condition:1:endless", 1, std::wstring(256, L'x')},
+        {"condition:1:", 1, L"データが壊れているか、途中で切れています"},
+        {"condition:6:x", 0, L""},
+        {"condition:-1:x", 0, L""},
+        {"condition:0:x", 0, L""},
+        {"condition:5:BC7\nanswer-after:GetPicture:2", 5, L"BC7"},
+        {"condition:1:x\ncrash:av:GetPicture", 0, L""}};  // not asked about
+    for (const auto& [directives, kind, text] : told) {
+        const DecodedPicture decoded = Decoded(directives);
+        EXPECT_EQ(decoded.condition.kind, kind) << directives;
+        EXPECT_EQ(decoded.condition.text, text) << directives;
+        // A failure has the plug-in's reason.
+        EXPECT_TRUE(decoded.code != 2 || decoded.fault.message == text) << directives;
+    }
+
+    // One that crashes when it is to tell is not asked again, and its picture stands.
+    Connected(L"iftst.spi", "condition:1:x\ncrash:av:GetLastCondition\n");
+    for (int i = 0; i < 2; ++i) {
+        const DecodedPicture decoded = Decoded("");
+        EXPECT_TRUE(decoded.HasSucceeded() && decoded.picture);
+        EXPECT_EQ(decoded.condition.kind, susie::kConditionNone);
+    }
+    EXPECT_EQ(Calls(path_, "GetLastCondition"), 1);
+    EXPECT_EQ(Errors(L"GetLastCondition"), 1);
+
+    Connected(L"axtsa.spi");
+    const PluginSource torn = Archive("condition:3:volume\nanswer-after:GetFile:2\n");
+    EXPECT_EQ(connection_->List(torn).condition.text, L"volume");
+    EXPECT_EQ(connection_->Extract(torn, {}, {}, {}).condition.kind,
+              susie::kConditionVolumeMissing);
+}
+
+TEST_P(ConnectionTest, ProgressCanStopAndMayThrow) {
+    Connected(L"iftst.spi");
+    const SusieProgress stops[] = {[](int, int) { return false; },
+                                   [](int, int) -> bool { throw std::bad_alloc(); }};
+    for (const SusieProgress& stop : stops) {
+        const DecodedPicture decoded = Decoded("", stop);
+        EXPECT_TRUE(decoded.wasStopped && decoded.code == susie::kAborted);
+    }
+    int last = -1;
+    EXPECT_FALSE(Decoded("", [&](int done, int) { return (last = done) >= 0; }).wasStopped);
+    EXPECT_EQ(last, 2);
+}
+
+TEST_P(ConnectionTest, ARequestToQuitIsNotThePluginsToMake) {
+    const auto isPosted = [](MSG message = {}) {
+        return PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != FALSE;
+    };
+    Connected(L"iftst.spi",
+              "dirty:quit:DllMain\ndirty:quit:GetPluginInfo\ndirty:quit:ConfigurationDlg\n");
+    EXPECT_FALSE(isPosted());
+    connection_->Describe();
+    EXPECT_FALSE(isPosted());
+    RequestQuit(3);
+    connection_->Configure(nullptr);  // the program is to end all the same, with its own status
+    MSG message{};
+    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_EQ(message.wParam, 3U);
+    QuitIsDone();
+}
+
+TEST_P(ConnectionTest, TheLogSaysWhoIsCalledWithWhat) {
+    Connected(L"iftst_preview.spi").SetBoundFile(L"C:\\a.tst");
+    for (const DecodeKind kind : {DecodeKind::kPreview, DecodeKind::kFull}) {
+        std::wstring logged;
+        const auto readLog = [&](int, int) {
+            for (const wchar_t* key : {L"Function", L"SPI", L"File"})
+                logged += GetSetting(L"SPI_CALLLOG", key) + L'|';
+            return false;
+        };
+        connection_->Decode(Picture(), kind, readLog);
+        EXPECT_EQ(logged, (kind == DecodeKind::kFull ? L"GetPicture|" : L"GetPreview|") +
+                              FileNameOf(path_) + L"|C:\\a.tst|");
+    }
+    // The preview is the full call under another name.
+    EXPECT_EQ(Calls(path_, "GetPreview"), 0);
+    EXPECT_EQ(Calls(path_, "GetPicture"), 2);
+    EXPECT_FALSE(CallIsLogged());
+}
+
+}  // namespace
+}  // namespace tessary
