@@ -3,6 +3,7 @@
 
 #include <array>
 #include <atomic>
+#include <latch>
 #include <memory>
 #include <string>
 #include <thread>
@@ -158,7 +159,7 @@ class JealousSource final : public dib::ByteSource {
     std::atomic<bool> wasShared = false;
 
   private:
-    std::array<uint8_t, 1400> bytes_{};
+    std::array<uint8_t, 2800> bytes_{};
     std::atomic<int> readers_ = 0;
 };
 
@@ -170,6 +171,7 @@ TEST(LentStream, IsReadByManyThreadsAndOnesOfOtherApartments) {
     IStream* const stream = lent.Get().Get();
     std::atomic<size_t> total = 0;
     std::vector<std::thread> threads;
+    std::latch start(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&, useClone = i < 2] {
             ComPtr<IStream> own;
@@ -179,6 +181,7 @@ TEST(LentStream, IsReadByManyThreadsAndOnesOfOtherApartments) {
             }
             uint8_t bytes[7];
             ULONG read = 0;
+            start.arrive_and_wait();
             while (SUCCEEDED((useClone ? own.Get() : stream)->Read(bytes, 7, &read)) && read != 0)
                 total += read;
         });
