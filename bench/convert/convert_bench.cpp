@@ -23,7 +23,7 @@
 #include "helpers/files/replacing_file.h"
 #include "helpers/susiectl/susie_interface.h"
 #include "picture/modMemory.h"
-#include "picture/show/modShowPicture.h"
+#include "picture/read/source_file.h"
 #include "plugin/call_log.h"
 #include "plugin/modSusie.h"
 

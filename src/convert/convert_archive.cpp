@@ -15,6 +15,7 @@
 #include "convert/extraction_record.h"
 #include "convert/make_folder.h"
 #include "convert/plugin_use.h"
+#include "convert/read_failure.h"
 #include "plugin/member_file_name.h"
 #include "plugin/modSusie.h"
 
@@ -207,11 +208,12 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
     }
     const std::wstring path = start + name;
     expansion.record->Add(path);
-    uint32_t result = 0;
+    std::optional<PluginFailure> failure;
     DWORD error = ERROR_SUCCESS;
     try {
-        result = ResultOf(
-            [&] { expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress); });
+        failure = FailureIn(expansion.archive, [&] {
+            expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress);
+        });
     } catch (const UnwrittenFileError& unwritten) {
         error = unwritten.SystemError();
     }
@@ -222,13 +224,12 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
         refuse(FileOutcome::kFailed, reason,
                reason == FileReason::kWriteFailed ? text : std::wstring());
         log_.WriteConvertLog(text, {}, 6);
-    } else if (result != 0) {
-        const PluginFailure failure = FailureOf(expansion.archive, result);
-        refuse(FileOutcome::kFailed, ReasonOf(failure),
-               FailureText(failure, expansion.archive.DllName()));
-        WritePluginError(failure, 6);
+    } else if (failure) {
+        refuse(FileOutcome::kFailed, ReasonOf(*failure),
+               FailureText(*failure, expansion.archive.DllName()));
+        WritePluginError(*failure, 6);
     }
-    if (error != ERROR_SUCCESS || result != 0) {
+    if (error != ERROR_SUCCESS || failure) {
         DeleteFiles(path, true);
         expansion.record->Remove(path);
         return entry;

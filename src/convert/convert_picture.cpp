@@ -7,6 +7,7 @@
 #include "convert/convert_run.h"
 #include "convert/decode_filter.h"
 #include "convert/make_folder.h"
+#include "convert/read_failure.h"
 #include "convert/save_extension.h"
 #include "convert/side_job.h"
 #include "convert/trial_save.h"
@@ -19,68 +20,69 @@ namespace {
 
 constexpr size_t kMostMeanwhile = 1 << 20;  // bytes of a picture that is saved in a moment
 
+// Reads the picture unless it was read ahead.
+const ReadResult& Read(SourceAtHand& source) {
+    if (!source.read) source.read = ReadPicture(source.file, {.progress = TellProgress});
+    return *source.read;
+}
+
 std::wstring SizeText(int32_t width, int32_t height) {
     return std::to_wstring(width) + L" \u00D7 " + std::to_wstring(height);
 }
 
 }  // namespace
 
-StepResult ConvertRun::ConvertBitmapFile(const WorkEntry& entry) {
+StepResult ConvertRun::ConvertBitmapFile(const WorkEntry& entry, SourceAtHand& source) {
     return Step([&](StepResult& result) {
         log_.WriteConvertLog(L"ファイル種別", L"ビットマップファイル", 2);
-        if (!source_.picture) source_.picture = ReadBitmapSource(entry.path, TellProgress);
-        const SourcePicture& source = *source_.picture;
-        if (!source.picture) {
-            log_.WriteConvertLog(L"ビットマップの読み込みに失敗しました", {}, 2);
-            // A plug-in may know more of bitmaps.
-            SourcePicture other = DecodeSource(entry.path, {}, TellProgress);
-            if (other.picture) {
-                source_.pluginKey = other.pluginKey;
-                source_.picture = std::move(other);
-                result = ConvertPictureFile(entry);
-                return;
-            }
-            result = StepResult::kNotHandled;
-            Report(FileOutcome::kFailed, FileReason::kBrokenData);
+        const ReadResult& read = Read(source);
+        if (!read.isBrokenBitmap) {
+            log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
+            result = SaveConvertedPicture(read, entry);
             return;
         }
-        log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
-        result = SaveConvertedPicture(source.picture, entry);
+        log_.WriteConvertLog(L"ビットマップの読み込みに失敗しました", {}, 2);
+        // A plug-in may know more of bitmaps.
+        if (read.kind == kFilePicture) {
+            source.file.plugin = read.plugin;
+            result = ConvertPictureFile(entry, source);
+            return;
+        }
+        result = StepResult::kNotHandled;
+        Report(FileOutcome::kFailed, FileReason::kBrokenData);
     });
 }
 
-StepResult ConvertRun::ConvertPictureFile(const WorkEntry& entry) {
+StepResult ConvertRun::ConvertPictureFile(const WorkEntry& entry, SourceAtHand& source) {
     return Step([&](StepResult& result) {
+        const auto tellPlugin = [&](const std::wstring& plugin) {
+            log_.WriteConvertLog(L"使用プラグイン", SusieCollection().NameOf(plugin), 2);
+        };
         log_.WriteConvertLog(L"ファイル種別", L"画像ファイル", 2);
-        log_.WriteConvertLog(L"使用プラグイン", SusieCollection().NameOf(source_.pluginKey), 2);
-        if (!source_.picture) {
-            source_.picture = DecodeSource(entry.path, source_.pluginKey, TellProgress);
-        }
-        const SourcePicture& source = *source_.picture;
-        if (source.isRefused) {
+        tellPlugin(source.file.plugin);
+        const ReadResult& read = Read(source);
+        if (read.kind == kFileUnknown && !read.failure) {
             // A file that its plug-in suddenly refuses counts as done.
             Report(FileOutcome::kFailed, FileReason::kPluginFailed);
             return;
         }
         // The first one has failed, and another one knew better.
-        if (!EqualsIgnoreCase(source.pluginKey, source_.pluginKey)) {
-            log_.WriteConvertLog(L"使用プラグイン", SusieCollection().NameOf(source.pluginKey), 2);
-        }
-        if (source.isArchive) {
-            result = ConvertArchiveFile(entry, source.pluginKey);
+        if (!EqualsIgnoreCase(read.plugin, source.file.plugin)) tellPlugin(read.plugin);
+        if (read.kind == kFileArchive) {
+            result = ConvertArchiveFile(entry, read.plugin);
             return;
         }
-        if (source.failure.result != 0) {
+        if (read.failure) {
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"展開に失敗しました", entry.path, 2);
             log_.WriteConvertLog(L"詳細情報", {}, 4);
-            WritePluginError(source.failure, 4);
-            Report(FileOutcome::kFailed, ReasonOf(source.failure),
-                   FailureText(source.failure, source.pluginKey));
+            WritePluginError(*read.failure, 4);
+            Report(FileOutcome::kFailed, ReasonOf(*read.failure),
+                   FailureText(*read.failure, read.plugin));
             return;
         }
         log_.WriteConvertLog(L"画像を展開しました", entry.path, 2);
-        result = SaveConvertedPicture(source.picture, entry);
+        result = SaveConvertedPicture(read, entry);
     });
 }
 
@@ -163,7 +165,8 @@ StepResult ConvertRun::KeepDamaged(const std::wstring& path, const std::wstring&
     return StepResult::kDone;
 }
 
-StepResult ConvertRun::SaveConvertedPicture(const Picture& picture, const WorkEntry& entry) {
+StepResult ConvertRun::SaveConvertedPicture(const ReadResult& read, const WorkEntry& entry) {
+    const Picture& picture = read.picture;
     if (!CheckDecodeSize(picture.Width(), picture.Height())) {
         log_.WriteConvertLog(L"詳細情報", {}, 4);
         log_.WriteConvertLog(L"画像の大きさが小さいので処理を中止しました", {}, 4);
@@ -172,7 +175,7 @@ StepResult ConvertRun::SaveConvertedPicture(const Picture& picture, const WorkEn
         return StepResult::kNotSaved;
     }
     // What a member lacks is the cause of what its picture lacks.
-    const std::wstring& damage = entry.damage.empty() ? source_.picture->damage : entry.damage;
+    const std::wstring& damage = entry.damage.empty() ? read.damage : entry.damage;
     if (!ToleratesDamage(damage)) return StepResult::kNotSaved;
     const uint16_t depth = picture.Header().bitCount;
     const std::wstring extension = SaveExtension(depth);

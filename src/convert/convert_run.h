@@ -50,19 +50,19 @@ class ConvertRun {
     void CleanUp(const WorkEntry& entry, StepResult result);
     StepResult ConvertByKind(const WorkEntry& entry);
     // Whether the file, whose kind is that of its name, is to be converted.
-    bool IsWorthFetching(const WorkEntry& entry) const;
+    bool IsWorthFetching(const WorkEntry& entry, FileKind kind) const;
     // Has a file fetched that is not on this disk: kDone, or it could not be, or the run is
     // stopped.
     StepResult FetchSource(const std::wstring& path);
-    void ReportUnknown(const std::wstring& path);
+    void ReportUnknown(const SourceFile& file);
 
     // --- Pictures (convert_picture.cpp) ---
 
-    StepResult ConvertBitmapFile(const WorkEntry& entry);
-    StepResult ConvertPictureFile(const WorkEntry& entry);
+    StepResult ConvertBitmapFile(const WorkEntry& entry, SourceAtHand& source);
+    StepResult ConvertPictureFile(const WorkEntry& entry, SourceAtHand& source);
     // What is to be known of a picture's damage; false when it is not to be saved for it.
     bool ToleratesDamage(const std::wstring& damage);
-    StepResult SaveConvertedPicture(const Picture& picture, const WorkEntry& entry);
+    StepResult SaveConvertedPicture(const ReadResult& read, const WorkEntry& entry);
     StepResult Skip(const std::wstring& path, FileReason reason);
     StepResult KeepDamaged(const std::wstring& path, const std::wstring& damage);
     // Saves a picture and, where both are small, reads the next file of the list meanwhile. The
@@ -137,8 +137,7 @@ class ConvertRun {
     bool isReported_ = false;
     ULONGLONG begunAt_ = 0;  // with the entry, in ticks
     bool stopIsTold_ = false;
-    SourceFile source_;  // what it has turned out to be
-    ReadAhead ahead_;    // the next entry
+    ReadAhead ahead_;  // the next entry
 };
 
 }  // namespace tessary

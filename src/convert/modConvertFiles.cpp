@@ -19,10 +19,10 @@
 #include "convert/extraction_record.h"
 #include "convert/make_folder.h"
 #include "convert/no_system_messages.h"
+#include "convert/read_failure.h"
 #include "convert/save_extension.h"
 #include "convert/source_order.h"
-#include "picture/show/modShowPicture.h"
-#include "picture/show/no_picture.h"
+#include "picture/read/no_picture.h"
 #include "plugin/file_stamp.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_state.h"
@@ -148,7 +148,6 @@ void ConvertRun::ConvertEntry() {
         kindResult = StepResult::kNotHandled;  // until the kind is known
         kindResult = ConvertByKind(entry);
     });
-    source_ = {};
     // What came of the file has been told by now.
     Trapped([&] { CleanUp(entry, result); });
 }
@@ -174,43 +173,41 @@ StepResult ConvertRun::ConvertByKind(const WorkEntry& entry) {
             return StepResult::kNotHandled;
         }
     }
-    std::optional<SourceFile> known = ahead_.Take(entry.path);
+    std::optional<SourceAtHand> known = ahead_.Take(entry.path);
     const bool isElsewhere = !known && IsNotOnThisDisk(entry.path);
-    if (isElsewhere) {
-        source_ = {};
-        source_.kind = KindByName(entry.path);
-    } else {
-        source_ = known ? std::move(*known) : LookAtFile(entry.path);
-    }
+    SourceAtHand source =
+        known ? std::move(*known)
+              : SourceAtHand{isElsewhere ? LookAtName(entry.path) : LookAtFile(entry.path)};
     const wchar_t* const extension = OnlySaveExtension();
-    if (IsPictureKind(source_.kind) && extension != nullptr && names_.WillSkip(entry, extension)) {
+    if (IsPictureKind(source.file.kind) && extension != nullptr &&
+        names_.WillSkip(entry, extension)) {
         const OutputChoice choice =
             names_.Choose({entry, extension, [](const std::wstring&) { return true; }});
         if (choice.isSkipped) return Skip(choice.path, choice.reason);
     }
-    if (isElsewhere && IsWorthFetching(entry)) {
+    if (isElsewhere && IsWorthFetching(entry, source.file.kind)) {
         if (const StepResult fetched = FetchSource(entry.path); fetched != StepResult::kDone) {
             return fetched;
         }
-        source_ = LookAtFile(entry.path);
+        source.file = LookAtFile(entry.path);
     }
-    switch (source_.kind) {
+    switch (source.file.kind) {
         case kFileBitmap:
-            return ConvertBitmapFile(entry);
+            return ConvertBitmapFile(entry, source);
         case kFilePicture:
-            return ConvertPictureFile(entry);
+            return ConvertPictureFile(entry, source);
         case kFileArchive:
-            return ConvertArchiveFile(entry, source_.pluginKey);
+            return ConvertArchiveFile(entry, source.file.plugin);
         case kFileUnknown:
             break;
     }
     log_.WriteConvertLog(L"ファイル種別", L"未知のファイル", 2);
-    ReportUnknown(entry.path);
+    ReportUnknown(source.file);
     return StepResult::kNotHandled;
 }
 
-bool ConvertRun::IsWorthFetching(const WorkEntry& entry) const {
-    switch (source_.kind) {
+bool ConvertRun::IsWorthFetching(const WorkEntry& entry, FileKind kind) const {
+    switch (kind) {
         case kFileUnknown:
             return !IsNoPicture(entry.path);
         case kFileArchive:
@@ -239,14 +236,14 @@ StepResult ConvertRun::FetchSource(const std::wstring& path) {
     return StepResult::kNotHandled;
 }
 
-void ConvertRun::ReportUnknown(const std::wstring& path) {
-    if (IsNoPicture(path)) {
+void ConvertRun::ReportUnknown(const SourceFile& file) {
+    if (IsNoPicture(file.path)) {
         Report(FileOutcome::kDeclined, FileReason::kNoPicture);
     } else if (PluginsAreStopped()) {
         Report(FileOutcome::kFailed, FileReason::kPluginFailed, PluginsStoppedText());
-    } else if (const FileReason reason = ReasonUnknown(path);
-               reason == FileReason::kUnknownFormat && source_.refusal) {
-        const Search::Refusal& refusal = *source_.refusal;
+    } else if (const FileReason reason = ReasonUnknown(file.path);
+               reason == FileReason::kUnknownFormat && file.refusal) {
+        const Search::Refusal& refusal = *file.refusal;
         log_.WriteConvertLog(L"詳細情報", refusal.reason, 2);
         Report(FileOutcome::kFailed, ReasonOf(refusal),
                refusal.reason + L" (" + SusieCollection().NameOf(refusal.dllName) + L')');
@@ -309,7 +306,7 @@ void ConvertRun::MakeWayFor(const std::wstring& output) {
 void ConvertRun::WritePluginError(const PluginFailure& failure, int16_t indent) {
     const std::wstring result = std::to_wstring(static_cast<int32_t>(failure.result));
     log_.WriteConvertLog(L"エラーモジュール", failure.function, indent);
-    log_.WriteConvertLog(L"エラーコード(" + result + L")", failure.text, indent);
+    log_.WriteConvertLog(L"エラーコード(" + result + L")", failure.lastError, indent);
 }
 
 void ConvertRun::WriteUnexpected(const RaisedError& error) {

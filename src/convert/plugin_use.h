@@ -30,21 +30,4 @@ class PluginUse {
     clsSusie* plugin_;
 };
 
-// Runs a member of a plug-in object and answers what the plug-in answered: 0 for success,
-// kResultUnexpected for an error that is not the plug-in's. What the disk does not take is passed
-// on (UnwrittenFileError).
-template <typename Body>
-uint32_t ResultOf(Body&& body) {
-    try {
-        body();
-        return 0;
-    } catch (const DecodeError& error) {
-        return error.Result();
-    } catch (const UnwrittenFileError&) {
-        throw;
-    } catch (const PluginError&) {
-        return kResultUnexpected;
-    }
-}
-
 }  // namespace tessary

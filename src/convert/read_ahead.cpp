@@ -12,20 +12,15 @@ namespace {
 
 constexpr uint64_t kMostBytes = 256u << 10;  // of a file that is read in a moment
 
-void ReadPicture(const std::wstring& path, SourceFile& file) {
-    if (file.kind == kFileBitmap) file.picture = ReadBitmapSource(path, TellNothing);
-    if (file.kind == kFilePicture) file.picture = DecodeSource(path, file.pluginKey, TellNothing);
-}
-
 }  // namespace
 
 // The plug-in of an archive is still bound to it.
 ReadAhead::~ReadAhead() {
-    if (!path_.empty()) SusieCollection().UnloadFile();
+    if (held_) SusieCollection().UnloadFile();
 }
 
 void ReadAhead::Read(const std::wstring& path) noexcept {
-    path_.clear();
+    held_.reset();
     reads_ = true;
     isDisturbed_ = false;
     Trapped([&] {
@@ -33,18 +28,19 @@ void ReadAhead::Read(const std::wstring& path) noexcept {
         const std::optional<FileStamp> stamp = StampOf(path);
         if (!stamp || stamp->size > kMostBytes) return;
         stamp_ = *stamp;
-        file_ = LookAtFile(path);
-        ReadPicture(path, file_);
-        if (!isDisturbed_) path_ = path;
+        SourceAtHand source{LookAtFile(path)};
+        if (IsPictureKind(source.file.kind)) {
+            source.read = ReadPicture(source.file, {.progress = TellNothing});
+        }
+        if (!isDisturbed_) held_ = std::move(source);
     });
     reads_ = false;
 }
 
-std::optional<SourceFile> ReadAhead::Take(const std::wstring& path) {
-    SourceFile file = std::exchange(file_, {});
-    const bool isThis = !path_.empty() && path == std::exchange(path_, {});
-    if (!isThis || StampOf(path) != stamp_) return std::nullopt;
-    return file;
+std::optional<SourceAtHand> ReadAhead::Take(const std::wstring& path) {
+    std::optional<SourceAtHand> source = std::exchange(held_, {});
+    const bool isThis = source && source->file.path == path && StampOf(path) == stamp_;
+    return isThis ? std::move(source) : std::nullopt;
 }
 
 bool ReadAhead::Disturb() {

@@ -4,10 +4,16 @@
 #include <optional>
 #include <string>
 
-#include "convert/source_file.h"
+#include "picture/read/read_picture.h"
 #include "plugin/file_stamp.h"
 
 namespace tessary {
+
+// A file that is to be converted, as far as it is known.
+struct SourceAtHand {
+    SourceFile file;
+    std::optional<ReadResult> read{};  // once its picture was read
+};
 
 // Holds one file that was read before its turn, as long as nobody changes it.
 class ReadAhead {
@@ -21,16 +27,15 @@ class ReadAhead {
     // disk, nothing is held. Never throws.
     void Read(const std::wstring& path) noexcept;
     // What was read of the file; nothing when another one was read. Nothing is held then.
-    std::optional<SourceFile> Take(const std::wstring& path);
+    std::optional<SourceAtHand> Take(const std::wstring& path);
 
     // To be told of unexpected errors: whether a file is being read, which will be read once more
     // in its turn.
     bool Disturb();
 
   private:
-    std::wstring path_;  // empty: none is held
     FileStamp stamp_;
-    SourceFile file_;
+    std::optional<SourceAtHand> held_;
     bool reads_ = false;
     bool isDisturbed_ = false;
 };

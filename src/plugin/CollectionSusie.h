@@ -117,7 +117,7 @@ class CollectionSusie {
     int32_t MemorySupported(HLOCAL memory, const std::wstring& fileName, int32_t startIndex = 1);
 
     // The first that a search for the file finds, for somebody who is likely to begin that search
-    // next; null when there is none. It stays bound.
+    // next, or to ask once more; null when there is none. It stays bound.
     clsSusie* QueryFile(const std::wstring& path);
     // What the last query's search tells of refusals.
     const std::optional<Search::Refusal>& LastRefusal() const {

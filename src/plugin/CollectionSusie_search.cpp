@@ -45,6 +45,7 @@ Search CollectionSusie::SearchFor(HLOCAL memory, const std::wstring& fileName) {
 
 clsSusie* CollectionSusie::QueryFile(const std::wstring& path) {
     if (PluginCallUnderWay()) return nullptr;
+    if (Holds(query_, path)) return query_.search.Peek();
     query_ = {};
     UnloadFile();
     const std::optional<FileStamp> stamp = StampOf(path);  // before anybody reads the file

@@ -4,8 +4,8 @@
 
 #include "app/base/distant_file.h"
 #include "app/base/fetch_file.h"
-#include "picture/show/modShowPicture.h"
-#include "picture/show/no_picture.h"
+#include "picture/read/no_picture.h"
+#include "picture/read/source_file.h"
 
 namespace tessary {
 namespace {
@@ -20,7 +20,7 @@ constexpr wchar_t kNoPictureText[] =
 
 FetchEnd FetchToShow(const std::wstring& path, PictureView& view, std::wstring& failure) {
     if (!IsNotOnThisDisk(path)) return FetchEnd::kIsHere;
-    if (KindByName(path) == kFileUnknown && IsNoPicture(path)) {
+    if (LookAtName(path).kind == kFileUnknown && IsNoPicture(path)) {
         failure = kNoPictureText;
         return FetchEnd::kFailed;
     }

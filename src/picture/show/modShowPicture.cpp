@@ -3,18 +3,16 @@
 #include <utility>
 #include <vector>
 
-#include "app/base/distant_file.h"
 #include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
-#include "picture/bitmap_file.h"
 #include "picture/current_picture.h"
 #include "picture/modDIBToPicture.h"
 #include "picture/opaque_picture.h"
 #include "picture/show/fit.h"
 #include "picture/show/natural_order.h"
 #include "picture/show/picture_kernel.h"
-#include "picture/show/read_picture.h"
+#include "picture/show/read_to_show.h"
 #include "plugin/modSusie.h"
 
 namespace tessary {
@@ -45,7 +43,7 @@ constexpr wchar_t kNestedArchiveText[] = L"圧縮ファイルの中の圧縮フ�
 constexpr wchar_t kEmptyArchiveText[] = L"圧縮ファイルの中にファイルがありません。";
 
 // Why there is no picture.
-std::wstring ReasonOf(const ReadResult& result) {
+std::wstring ReasonOf(const ReadToShow& result) {
     if (result.file.stopped) return result.subject + L" の読み込みを中止しました。";
     if (result.file.passedBy) return FailureText(result.subject, kPassedByText);
     if (!result.file.failure.empty()) return result.file.failure;
@@ -71,15 +69,9 @@ std::wstring WithoutFolder(std::wstring text, const std::wstring& path) {
     return text;
 }
 
-// Of what that plug-in takes; null is none.
-FileKind KindOf(const clsSusie* plugin) {
-    if (plugin == nullptr) return kFileUnknown;
-    return plugin->DllStyle() == kStyleArchive ? kFileArchive : kFilePicture;
-}
-
 // Makes what was read of the file `path` the current picture and shows it, or tells why there is
 // none.
-ShownFile Show(ReadResult result, const std::wstring& path, PictureView& view) {
+ShownFile Show(ReadToShow result, const std::wstring& path, PictureView& view) {
     if (IsPictureKind(result.file.kind)) {
         SetCurrentPicture(std::move(result.picture), result.file.damage);
         if (DisplayCurrentPicture(view)) return result.file;
@@ -91,31 +83,8 @@ ShownFile Show(ReadResult result, const std::wstring& path, PictureView& view) {
 
 }  // namespace
 
-FileKind QueryFileKind(const std::wstring& path) {
-    return IsNotOnThisDisk(path) ? KindByName(path) : KindByContent(path);
-}
-
-FileKind KindByContent(const std::wstring& path) {
-    std::wstring failure;
-    switch (IsBITMAPFile(path, failure)) {
-        case BitmapCheck::kYes:
-            return kFileBitmap;
-        case BitmapCheck::kUnreadable:
-            return kFileUnknown;
-        case BitmapCheck::kNo:
-            break;
-    }
-    return KindOf(SusieCollection().QueryFile(path));
-}
-
-FileKind KindByName(const std::wstring& path) {
-    const std::wstring extension = UpperExtensionOf(path);
-    if (extension == L"BMP" || extension == L"DIB") return kFileBitmap;
-    return KindOf(SusieCollection().FirstNaming(path));
-}
-
 ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members) {
-    ReadResult result = ReadPictureFile(path, view);
+    ReadToShow result = ReadFileToShow(path, view);
     if (result.file.kind == kFileArchive) {
         if (ListMembers(path, members)) return result.file;
         result.file.failure = FailureText(result.subject, kEmptyArchiveText);
@@ -124,7 +93,7 @@ ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& memb
 }
 
 ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {
-    return Show(ReadArchiveMember(archivePath, position, view), archivePath, view);
+    return Show(ReadMemberToShow(archivePath, position, view), archivePath, view);
 }
 
 void ShowReasonFor(PictureView& view, const std::wstring& reason) {

@@ -1,5 +1,4 @@
-// From a file name, or an archive's member, to the picture in the view: which kind of file it is,
-// who decodes it, and how it is laid out.
+// From a file name, or an archive's member, to the picture in the view.
 #pragma once
 
 #include <cstdint>
@@ -10,16 +9,6 @@
 #include "picture/show/shown_file.h"
 
 namespace tessary {
-
-// Which kind of file this is, without showing it and without a message. Showing the same file next
-// takes the answer over and costs no second look for its plug-in. One that is not on this disk is
-// judged by its name.
-FileKind QueryFileKind(const std::wstring& path);
-
-// The two ways to tell. By the content the file is opened, wherever it lies; by the name, which is
-// what plug-ins tell of it in their patterns, it is not.
-FileKind KindByContent(const std::wstring& path);
-FileKind KindByName(const std::wstring& path);
 
 // Reads a picture file, which is fetched first if need be, makes it the current picture and shows
 // it in the view; of an archive fills the list with the members. For what cannot be read, for what

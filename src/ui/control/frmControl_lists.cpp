@@ -6,7 +6,7 @@
 #include "app/base/paths.h"
 #include "picture/show/modShowPicture.h"
 #include "picture/show/picture_text.h"
-#include "picture/show/read_picture.h"
+#include "picture/show/read_to_show.h"
 #include "ui/control/frmControl_busy.h"
 #include "ui/form/message_loop.h"
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "app/base/paths.h"
-#include "picture/show/modShowPicture.h"
+#include "picture/read/source_file.h"
 #include "res/resource.h"
 #include "ui/control/frmControl_busy.h"
 

@@ -11,6 +11,7 @@
 #include "app/base/paths.h"
 #include "picture/bitmap_file.h"
 #include "picture/current_picture.h"
+#include "picture/read/source_file.h"
 #include "picture/show/fit.h"
 #include "picture/show/natural_order.h"
 #include "picture/show/picture_kernel.h"
@@ -35,22 +36,20 @@ class FakeView : public PictureView {
         SIZE himetric{};
         picture->get_Width(&himetric.cx);
         EXPECT_GT(himetric.cx, 0);
-        shown = {width, height};
-        ++pictures;
+        shown = std::to_wstring(width) + L"×" + std::to_wstring(height);
     }
     void ClearPicture() override { ShowReason({}); }
     void ShowReason(const std::wstring& why) override {
-        shown = {};
+        shown.clear();
         reason = why;
     }
     void SetPanelText(int, const std::wstring&) override {}
     void TellFetching(int, int) override { ++fetchNews; }
     bool AwaitsFile() const override { return awaits; }
-    bool Breathe() override { return !stops && !Values().quitRequested; }
+    bool Breathe() override { return !stops; }
 
-    SIZE shown{};
+    std::wstring shown;  // the picture's size
     std::wstring reason;
-    int pictures = 0;
     bool stops = false;  // asks every read to stop
     bool awaits = true;
     int fetchNews = 0;
@@ -89,13 +88,34 @@ class ShowTest : public testing::Test {
         EXPECT_TRUE(messages_.All().empty());  // whoever shows decides whom to tell
     }
 
-    ShownFile Show(const std::wstring& file) { return ShowFile(file, view_, list_); }
-    // What the view has in place of a picture.
-    std::wstring ReasonFor(const std::wstring& file) {
-        Show(file);
-        EXPECT_FALSE(CurrentPicture()) << file;
-        EXPECT_EQ(view_.shown.cx, 0) << file;
-        return view_.reason;
+    // What comes of showing a file, or an archive's member: the picture's size, who read it and
+    // what it lacks; the archive's plug-in; or why there is no picture, with a `~` before what no
+    // message box is to tell.
+    std::wstring Show(const std::wstring& file) {
+        view_.shown = view_.reason = L"old";
+        return Told(ShowFile(file, view_, list_), file);
+    }
+    std::wstring Show(const std::wstring& archive, int32_t position) {
+        view_.shown = view_.reason = L"old";
+        return Told(ShowArchiveMember(archive, position, view_), archive);
+    }
+    std::wstring Told(const ShownFile& file, const std::wstring& path) {
+        if (IsPictureKind(file.kind)) {
+            EXPECT_EQ(file.failure, L"");
+            EXPECT_EQ(file.kind == kFilePicture, !file.pluginName.empty());
+            EXPECT_EQ(PictureInfoTail(), L" ( " + view_.shown + L" 24bit )" +
+                                             (file.damage.empty() ? L"" : L"（損傷）"));
+            return view_.shown + L' ' + file.pluginName + L' ' + file.damage;
+        }
+        if (view_.reason == L"old") return file.pluginName;  // its members are listed
+        EXPECT_EQ(view_.shown, L"");
+        EXPECT_FALSE(CurrentPicture());
+        EXPECT_EQ(view_.reason.find(files_.Path()), std::wstring::npos);
+        if (file.failure.empty()) return L'~' + view_.reason;
+        std::wstring told = file.failure;
+        EXPECT_NE(told.find(path), std::wstring::npos);
+        EXPECT_EQ(told.replace(told.find(path), path.size(), FileNameOf(path)), view_.reason);
+        return told;
     }
     int Calls(const wchar_t* plugin, const char* function) const {
         return test::TestCallCount(GetModuleHandleW((plugins_.Path() + plugin).c_str()), function);
@@ -108,6 +128,15 @@ class ShowTest : public testing::Test {
     FakeView view_;
     FakeList list_;
 };
+
+// What is told of something that is not shown.
+std::wstring No(const std::wstring& name, const std::wstring& reason) {
+    return L"ファイル " + name + L" を表示できません。\r\n" + reason;
+}
+
+constexpr char kPicture[] = "TST 30x20x24\n";
+constexpr wchar_t kNestedArchive[] = L"圧縮ファイルの中の圧縮ファイルは開けません。";
+constexpr wchar_t kCutShort[] = L"ファイルが途中で切れています";
 
 TEST(FitTest, KeepsProportionsInsideTheBox) {
     struct Case {
@@ -130,14 +159,10 @@ TEST(FitTest, KeepsProportionsInsideTheBox) {
 TEST_F(ShowTest, BitmapNeedsNoPlugin) {
     const std::wstring file = files_.Write(L"絵.dat", test::BitmapFileOf(20, 10, RGB(1, 2, 3)));
     EXPECT_EQ(QueryFileKind(file), kFileBitmap);
-    EXPECT_EQ(Show(file).kind, kFileBitmap);
-    EXPECT_EQ(view_.shown.cx, 20);
-    EXPECT_EQ(CurrentPicture().Height(), 10);
-
+    EXPECT_EQ(Show(file), L"20×10  ");
     Values().fixSizeValue = kSizeMode640;
     EXPECT_TRUE(DisplayCurrentPicture(view_));
-    EXPECT_EQ(view_.shown.cx, 640);
-    EXPECT_EQ(view_.shown.cy, 320);
+    EXPECT_EQ(view_.shown, L"640×320");
     // The current picture keeps its own size, whatever is shown.
     EXPECT_EQ(CurrentPicture().Width(), 20);
 }
@@ -148,36 +173,34 @@ TEST_F(ShowTest, FilesInACloudAreJudgedByTheirNamesAndFetchedOnlyToBeShown) {
     test::FakeDistantFiles cloud;
     // The contents are other ones.
     const std::wstring picture = files_.Write(L"a.tst", test::BitmapFileOf(20, 10, 0));
-    const std::wstring archive = files_.Write(L"b.tsa", "TST 30x20x24\n");
+    const std::wstring archive = files_.Write(L"b.tsa", kPicture);
     const std::wstring film = files_.Write(L"d.mp4", test::BitmapFileOf(20, 10, 0));
     cloud.elsewhere = {picture, archive, files_.Path() + L"c.BMP", film};
-    const auto calls = [&] {
-        return Calls(L"1.spi", "IsSupported") + Calls(L"2.spi", "IsSupported");
-    };
     EXPECT_EQ(QueryFileKind(picture), kFilePicture);
     EXPECT_EQ(QueryFileKind(archive), kFileArchive);
     EXPECT_EQ(QueryFileKind(files_.Path() + L"c.BMP"), kFileBitmap);
     EXPECT_EQ(QueryFileKind(film), kFileUnknown);
-    EXPECT_EQ(calls(), 0);
+    EXPECT_EQ(Calls(L"1.spi", "IsSupported") + Calls(L"2.spi", "IsSupported"), 0);
 
     view_.awaits = false;
-    EXPECT_TRUE(Show(picture).passedBy);
-    EXPECT_TRUE(view_.reason.ends_with(L"クラウドにあり、まだ取得していません。"));
+    EXPECT_EQ(Show(picture), L'~' + No(L"a.tst", L"クラウドにあり、まだ取得していません。"));
     view_.awaits = true;
     view_.stops = true;
-    EXPECT_TRUE(Show(picture).stopped);
+    EXPECT_EQ(Show(picture), L"~ファイル a.tst の読み込みを中止しました。");
     view_.stops = false;
-    EXPECT_TRUE(ReasonFor(film).ends_with(L"画像ではないため、取得していません。"));
+    EXPECT_EQ(Show(film), No(L"d.mp4",
+                             L"クラウドにあり、名前からは画像ではないため、"
+                             L"取得していません。"));
     EXPECT_EQ(cloud.pieces, 0);
     view_.fetchNews = 0;
-    EXPECT_EQ(Show(picture).kind, kFileBitmap);
+    EXPECT_EQ(Show(picture), L"20×10  ");
     EXPECT_GE(cloud.pieces, 1);
     EXPECT_GE(view_.fetchNews, 1);
-    EXPECT_EQ(Show(archive).kind, kFilePicture);
+    EXPECT_EQ(Show(archive), L"30×20 2.spi ");
     cloud.error = 362;
-    EXPECT_EQ(Show(picture).failure, L"ファイル " + picture +
-                                         L" を表示できません。\r\nクラウドのプログラム（OneDrive "
-                                         L"など）が動作していません（エラー 362）。");
+    EXPECT_EQ(Show(picture), No(L"a.tst",
+                                L"クラウドのプログラム（OneDrive など）が動作していません"
+                                L"（エラー 362）。"));
 }
 
 TEST_F(ShowTest, EmptyFilesAreCalledEmptyUnlessAPluginKnowsThem) {
@@ -185,15 +208,12 @@ TEST_F(ShowTest, EmptyFilesAreCalledEmptyUnlessAPluginKnowsThem) {
                 {L"2.spi", "accept-all\ninfo:2:*.abc\n"},
                 {L"3.spi", "answer:IsSupported:0\n"}});
     EXPECT_EQ(QueryFileKind(files_.Write(L"a.tst")), kFilePicture);
-    EXPECT_EQ(Show(files_.Path() + L"a.tst").kind, kFilePicture);
-    EXPECT_EQ(Show(files_.Write(L"b.tst", "TST 3x2x24\n")).kind, kFilePicture);
+    EXPECT_EQ(Show(files_.Path() + L"a.tst"), L"30×20 1.spi ");
+    EXPECT_EQ(Show(files_.Write(L"b.tst", "TST 3x2x24\n")), L"3×2 1.spi ");
     EXPECT_EQ(Calls(L"2.spi", "IsSupported"), 0);
     // Nobody guesses: there is nothing to guess by. Nor does one that fails with it tell more.
-    for (const wchar_t* const name : {L"a.xyz", L"a.abc", L"a.bmp"}) {
-        const std::wstring file = files_.Write(name);
-        EXPECT_EQ(Show(file).failure,
-                  L"ファイル " + file + L" を表示できません。\r\nファイルが空です。");
-    }
+    for (const wchar_t* const name : {L"a.xyz", L"a.abc", L"a.bmp"})
+        EXPECT_EQ(Show(files_.Write(name)), No(name, L"ファイルが空です。"));
     EXPECT_EQ(Calls(L"2.spi", "IsSupported"), 1);
 }
 
@@ -236,36 +256,33 @@ TEST_F(ShowTest, PluginThatFailsMakesRoomForAllOthers) {
     const std::string lenient = "accept-all\ninfo:2:*.xyz\nanswer:GetPicture:2\n";
     UsePlugins(
         {{L"c_refuses.spi", "answer:IsSupported:0\n"}, {L"b_good.spi", ""}, {L"a.spi", lenient}});
-    const auto asked = [&](const wchar_t* name) { return Calls(name, "IsSupported"); };
     // It stands behind the good one, but accepted last.
     EXPECT_EQ(QueryFileKind(files_.Write(L"a.xyz", "text")), kFilePicture);
-    EXPECT_EQ(Show(files_.Write(L"a.dat", "TST 30x20x24\n")).kind, kFilePicture);
-    EXPECT_EQ(asked(L"a.spi"), 2);
-    EXPECT_EQ(asked(L"c_refuses.spi"), 1);
+    EXPECT_EQ(Show(files_.Write(L"a.dat", kPicture)), L"30×20 b_good.spi ");
+    EXPECT_EQ(Calls(L"a.spi", "IsSupported"), 2);
+    EXPECT_EQ(Calls(L"c_refuses.spi", "IsSupported"), 1);
     // It is the only one to claim this by its name.
-    EXPECT_EQ(Show(files_.Write(L"b.xyz", "TST 40x20x24\n")).kind, kFilePicture);
-    EXPECT_EQ(view_.shown.cx, 40);
+    EXPECT_EQ(Show(files_.Write(L"b.xyz", "TST 40x20x24\n")), L"40×20 b_good.spi ");
 }
 
 TEST_F(ShowTest, AQueryIsNotMadeASecondTime) {
     UsePlugins({{L"c_refuses.spi", "answer:IsSupported:0\n"}, {L"axtsa.spi", ""}, {L"a.spi", ""}});
-    const std::wstring picture = files_.Write(L"a.tst", "TST 30x20x24\n");
-    EXPECT_EQ(QueryFileKind(picture), kFilePicture);
-    EXPECT_EQ(Show(picture).kind, kFilePicture);
-    EXPECT_EQ(Calls(L"a.spi", "IsSupported"), 1);
-    EXPECT_EQ(Show(picture).kind, kFilePicture);  // a show alone leaves nothing behind
-    EXPECT_EQ(Calls(L"a.spi", "IsSupported"), 2);
-
+    const std::wstring picture = files_.Write(L"a.tst", kPicture);
     const std::wstring archive = files_.Write(L"a.tsa", test::ArchiveOf({{"a.jpg", "a"}}));
-    EXPECT_EQ(QueryFileKind(archive), kFileArchive);
-    EXPECT_EQ(Show(archive).kind, kFileArchive);
-    EXPECT_EQ(Calls(L"axtsa.spi", "GetArchiveInfo"), 1);
-    EXPECT_EQ(Show(archive).kind, kFileArchive);  // may have changed since
-    EXPECT_EQ(Calls(L"axtsa.spi", "GetArchiveInfo"), 2);
-
+    // A show alone leaves nothing behind: the file may have changed since.
+    for (const int count : {1, 2}) {
+        if (count == 1) QueryFileKind(picture);
+        EXPECT_EQ(Show(picture), L"30×20 a.spi ");
+        EXPECT_EQ(Calls(L"a.spi", "IsSupported"), count);
+    }
+    for (const int count : {1, 2}) {
+        if (count == 1) QueryFileKind(archive);
+        EXPECT_EQ(Show(archive), L"axtsa.spi");
+        EXPECT_EQ(Calls(L"axtsa.spi", "GetArchiveInfo"), count);
+    }
     EXPECT_EQ(QueryFileKind(archive), kFileArchive);
     files_.Write(L"a.tsa", "no archive any more");
-    EXPECT_EQ(Show(archive).kind, kFileUnknown);
+    EXPECT_EQ(Show(archive), L'~' + No(L"a.tsa", L"対応しているプラグインがありません。"));
 }
 
 TEST_F(ShowTest, MembersAreListedInNaturalOrder) {
@@ -282,9 +299,7 @@ TEST_F(ShowTest, MembersAreListedInNaturalOrder) {
                                                 {"_cover.jpg", "a"},
                                                 {"9.jpg", "a"},
                                                 {"08.jpg", "a"}}));
-    const ShownFile shown = Show(file);
-    EXPECT_EQ(shown.kind, kFileArchive);
-    EXPECT_EQ(shown.pluginName, L"axtsa.spi");
+    EXPECT_EQ(Show(file), L"axtsa.spi");
     EXPECT_EQ(list_.names,
               L"9:_cover.jpg 11:08.jpg 10:9.jpg 2:10.jpg 7:IMG99999999999999999999.jpg "
               L"8:img100000000000000000000.jpg 4:B\\9.jpg 1:b\\10.jpg 5:b\\c\\1.jpg 6:b 2\\1.jpg ");
@@ -305,197 +320,133 @@ TEST_F(ShowTest, MembersAreShownWhateverBecomesOfTheOthers) {
     const std::wstring file = files_.Write(
         L"a.tsa",
         test::ArchiveOf({{"\x83\x5C/1.bmp", test::BitmapFileOf(20, 10, RGB(1, 2, 3)) + "x"},
-                         {"2.tst", "TST 30x20x24\n"},
-                         {"3.tst", "TST 30x20x24\ncrash:av:GetPicture\n"},
+                         {"2.tst", kPicture},
+                         {"3.tst", std::string(kPicture) + "crash:av:GetPicture\n"},
                          {"4.tsa", "TSA\n\n"},
                          {"5.bmp", "BM no bitmap"},
                          {"6.tst", ""}}));
-    ASSERT_EQ(Show(file).kind, kFileArchive);
-    const auto show = [&](int32_t position) { return ShowArchiveMember(file, position, view_); };
-    EXPECT_EQ(show(1).kind, kFileBitmap);
-    EXPECT_EQ(view_.shown.cx, 20);
-    const ShownFile picture = show(2);
-    EXPECT_EQ(picture.kind, kFilePicture);
-    EXPECT_EQ(picture.pluginName + picture.failure, L"a1good.spi");
-    EXPECT_EQ(view_.shown.cx, 30);
-    EXPECT_EQ(show(4).kind, kFileArchive);
-    EXPECT_EQ(view_.shown.cx, 0);
-    EXPECT_EQ(view_.reason,
-              L"ファイル a.tsa 内の 4.tsa を表示できません。\r\n"
-              L"圧縮ファイルの中の圧縮ファイルは開けません。");
+    EXPECT_EQ(Show(file), L"axtsa.spi");
+    EXPECT_EQ(Show(file, 1), L"20×10  ");
+    EXPECT_EQ(Show(file, 2), L"30×20 a1good.spi ");
+    EXPECT_EQ(Show(file, 4), L'~' + No(L"a.tsa 内の 4.tsa", kNestedArchive));
     EXPECT_EQ(Calls(L"axtsa.spi", "GetArchiveInfo"), 1);  // the archive was bound all the time
-
-    // It was unbound meanwhile.
-    QueryFileKind(files_.Write(L"b.tst", "TST 30x20x24\n"));
-    EXPECT_EQ(show(2).kind, kFilePicture);
+    QueryFileKind(files_.Write(L"b.tst", kPicture));      // and is not any more
+    EXPECT_EQ(Show(file, 2), L"30×20 a1good.spi ");
 
     UnloadSPI();
     plugins_.Write(L"axlenient.spi.script", "answer:IsSupported:0\nanswer:GetArchiveInfo:2\n");
     LoadSPI();
-    const std::wstring inArchive = L"ファイル " + file + L" 内の ";
-    EXPECT_TRUE(
-        show(3).failure.starts_with(inArchive +
-                                    L"3.tst を表示できません。\r\n画像の展開に失敗しました\r\n"
-                                    L"SPIファイル内の関数で致命的エラーが発生しました"));
-    EXPECT_TRUE(show(5).failure.starts_with(inArchive + L"5.bmp を表示できません。"));
-    EXPECT_EQ(show(6).failure, inArchive +
-                                   L"6.tst を表示できません。\r\n"
-                                   L"圧縮ファイルの展開に失敗しました\r\nデータが壊れています\r\n"
-                                   L"プラグイン: axtsa.spi");
-    EXPECT_EQ(show(7).kind, kFileUnknown);
-    EXPECT_EQ(show(2).kind, kFilePicture);
+    EXPECT_TRUE(Show(file, 3).starts_with(No(L"a.tsa 内の 3.tst",
+                                             L"画像の展開に失敗しました\r\n"
+                                             L"SPIファイル内の関数で致命的エラーが発生しました")));
+    EXPECT_EQ(Show(file, 5), No(L"a.tsa 内の 5.bmp",
+                                L"ビットマップファイルが壊れているか、"
+                                L"対応していない形式です。"));
+    EXPECT_EQ(Show(file, 6), No(L"a.tsa 内の 6.tst",
+                                L"圧縮ファイルの展開に失敗しました\r\nデータが壊れています"
+                                L"\r\nプラグイン: axtsa.spi"));
+    EXPECT_TRUE(Show(file, 7).starts_with(No(L"a.tsa", L"")));
+    EXPECT_EQ(Show(file, 2), L"30×20 a1good.spi ");
 
-    files_.Write(L"a.tsa", "no archive any more");
+    // Its list is not that of the file which takes its place.
+    EXPECT_EQ(Show(file), L"axtsa.spi");
+    const std::wstring changed = No(L"a.tsa",
+                                    L"圧縮ファイルが変更されたか、読み取れなくなって"
+                                    L"います。開き直してください。");
+    for (const std::string& content :
+         {test::ArchiveOf({{"other.bmp", "b"}, {"1.bmp", "a"}}), std::string("no archive")}) {
+        files_.Write(L"a.tsa", content);
+        EXPECT_EQ(Show(file, 1), changed);
+    }
     SusieCollection().UnloadFile();
-    EXPECT_FALSE(show(2).failure.empty());
-    EXPECT_EQ(view_.shown.cx, 0);
-    Values().quitRequested = true;
-    files_.Write(L"a.tsa", test::ArchiveOf({{"1.tst", "TST 30x20x24\n"}}));
-    EXPECT_EQ(show(1).failure, L"");
-}
-
-TEST_F(ShowTest, AnArchiveThatWasReplacedIsNotReadByItsOldList) {
-    UsePlugins({{L"axtsa.spi", ""}});
-    const std::wstring file = files_.Write(L"a.tsa", test::ArchiveOf({{"1.bmp", "a"}}));
-    ASSERT_EQ(Show(file).kind, kFileArchive);
-    files_.Write(L"a.tsa", test::ArchiveOf({{"other.bmp", "b"}, {"1.bmp", "a"}}));
-    const auto saysChanged = [&] {
-        const ShownFile shown = ShowArchiveMember(file, 1, view_);
-        return shown.failure.find(L"変更") != std::wstring::npos;
-    };
-    EXPECT_TRUE(saysChanged());
-    Show(file);
-    EXPECT_FALSE(saysChanged());
+    EXPECT_EQ(Show(file, 1), changed);
 }
 
 TEST_F(ShowTest, LastFailureIsToldWithItsCulprit) {
-    UsePlugins({{L"a_bad.spi", "crash:av:GetPicture\n"}, {L"b_bad.spi", "crash:av:GetPicture\n"}});
-    const std::wstring shown = files_.Write(L"shown.bmp", test::BitmapFileOf(9, 9, 0));
-    ASSERT_EQ(Show(shown).kind, kFileBitmap);
-    const std::wstring file = files_.Write(L"picture.tst", "TST 30x20x24\n");
-    const ShownFile failed = Show(file);
-    EXPECT_EQ(failed.kind, kFileUnknown);
-    const std::wstring reason = ReasonFor(file);
-    for (const wchar_t* const part :
-         {L"画像の展開に失敗しました", L"SPIファイル内の関数で致命的エラーが発生しました",
-          L"_bad.spi"}) {
-        EXPECT_NE(failed.failure.find(part), std::wstring::npos) << failed.failure;
-        EXPECT_NE(reason.find(part), std::wstring::npos) << reason;
-    }
-    EXPECT_TRUE(failed.failure.starts_with(L"ファイル " + file + L" を表示できません。"));
-    EXPECT_TRUE(reason.starts_with(L"ファイル picture.tst を表示できません。"));
+    UsePlugins({{L"b_bad.spi", "crash:av:GetPicture\n"}, {L"a_bad.spi", "crash:av:GetPicture\n"}});
+    const std::wstring failure = No(L"a.tst",
+                                    L"画像の展開に失敗しました\r\n"
+                                    L"SPIファイル内の関数で致命的エラーが発生しました"
+                                    L"\r\nプラグイン: ");
+    EXPECT_EQ(Show(files_.Write(L"a.tst", kPicture)), failure + L"a_bad.spi");
 }
 
 TEST_F(ShowTest, ADamagedArchiveShowsThePluginsReason) {
     UsePlugins({{L"axb.spi", "answer:IsSupported:0\nanswer:GetArchiveInfo:3\n"}, {L"axa.spi", ""}});
-    const auto failureOf = [&](const char* answer) {
-        return Show(files_.Write(L"damaged.tsa", std::string("TSA\nanswer:GetArchiveInfo:") +
-                                                     answer + "\nmember\t1\t\tx\n\nx"))
-            .failure;
-    };
-    EXPECT_TRUE(failureOf("3").ends_with(L"データが壊れています\r\nプラグイン: axa.spi"));
-    EXPECT_TRUE(failureOf("2").ends_with(L"プラグインの知らない形式です\r\nプラグイン: axa.spi"));
-    EXPECT_EQ(Show(files_.Write(L"other.tsa", "text")).failure, L"");  // nobody's
+    for (const auto& [answer, reason] : {std::pair("3", L"データが壊れています"),
+                                         std::pair("2", L"プラグインの知らない形式です")}) {
+        const std::string content = std::string("TSA\nanswer:GetArchiveInfo:") + answer;
+        EXPECT_EQ(Show(files_.Write(L"a.tsa", content + "\nmember\t1\t\tx\n\nx")),
+                  No(L"a.tsa", reason + std::wstring(L"\r\nプラグイン: axa.spi")));
+    }
 }
 
 TEST_F(ShowTest, APictureThatIsThereInPartIsMarked) {
     UsePlugins({{L"ax.spi", ""}, {L"1.spi", ""}});
     const std::string bitmap = test::BitmapFileOf(20, 10, RGB(1, 2, 3));
     const std::string cut = bitmap.substr(0, bitmap.size() - 40);
-    const std::string picture = "TST 6x5x24\n";
+    EXPECT_EQ(Show(files_.Write(L"cut.bmp", cut)), std::wstring(L"20×10  ") + kCutShort);
+    EXPECT_EQ(Show(files_.Write(L"cut.tst", "TST 6x5x24\ncondition:1:half\n")), L"6×5 1.spi half");
+    EXPECT_EQ(Show(files_.Write(L"whole.tst", "TST 6x5x24\n")), L"6×5 1.spi ");
     const std::wstring archive = files_.Write(
-        L"a.tsa", test::ArchiveOf({{"1.bmp", bitmap}, {"2.bmp", cut}, {"3.tst", picture}}));
-    const std::wstring torn =
-        files_.Write(L"torn.tsa", test::ArchiveOf({{"1.bmp", bitmap}}, "condition:1:torn\n"));
-    const auto damage = [&](const ShownFile& shown) {
-        EXPECT_TRUE(IsPictureKind(shown.kind));
-        EXPECT_EQ(PictureInfoTail().ends_with(L"（損傷）"), !shown.damage.empty());
-        return shown.damage;
-    };
-    const auto member = [&](int32_t position) {
-        return damage(ShowArchiveMember(archive, position, view_));
-    };
-    constexpr wchar_t kCutShort[] = L"ファイルが途中で切れています";
-    EXPECT_EQ(damage(Show(files_.Write(L"cut.bmp", cut))), kCutShort);
-    EXPECT_EQ(damage(Show(files_.Write(L"whole.bmp", bitmap))), L"");
-    EXPECT_EQ(damage(Show(files_.Write(L"cut.tst", picture + "condition:1:half\n"))), L"half");
-    EXPECT_EQ(damage(Show(files_.Write(L"whole.tst", picture))), L"");
+        L"a.tsa", test::ArchiveOf({{"1.bmp", bitmap}, {"2.bmp", cut}, {"3.tst", kPicture}}));
     Show(archive);
-    EXPECT_EQ(member(1), L"");
-    EXPECT_EQ(member(2), kCutShort);
-    EXPECT_EQ(member(3), L"");
-    Show(torn);
-    EXPECT_EQ(damage(ShowArchiveMember(torn, 1, view_)), L"torn");
+    EXPECT_EQ(Show(archive, 1), L"20×10  ");
+    EXPECT_EQ(Show(archive, 2), std::wstring(L"20×10  ") + kCutShort);
+    EXPECT_EQ(Show(archive, 3), L"30×20 1.spi ");
+    files_.Write(L"a.tsa", test::ArchiveOf({{"1.bmp", bitmap}}, "condition:1:torn\n"));
+    Show(archive);
+    EXPECT_EQ(Show(archive, 1), L"20×10  torn");
 }
 
 TEST_F(ShowTest, NothingOfTheFileBeforeStandsForOneThatCannotBeShown) {
     UsePlugins({{L"axtsa.spi", ""}});
     const std::wstring shown = files_.Write(L"shown.bmp", test::BitmapFileOf(9, 9, 0));
-    const std::wstring locked = files_.Write(L"locked.bmp", test::BitmapFileOf(9, 9, 0));
-    const UniqueFile lock(
-        CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    const std::wstring broken = files_.Write(L"broken.bmp", "BM no bitmap");
-    const std::wstring nothing = files_.Write(L"none.tsa", test::ArchiveOf({}));
-    const std::wstring missing = files_.Path() + L"無い.bmp";
+    const UniqueFile lock(CreateFileW(files_.Write(L"locked.bmp", "BM").c_str(), GENERIC_READ, 0,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
+    files_.Write(L"broken.bmp", "BM no bitmap");
+    files_.Write(L"none.tsa", test::ArchiveOf({}));
+    files_.Write(L"readme.txt", "BMW is no bitmap, and this no picture");
     const std::wstring unopened =
         L" が開けません。\r\nファイルが存在しないか、ほかのアプリケーションで"
         L"使用中の可能性があります。";
-    struct Case {
-        std::wstring file, reason;
-        bool isTold;  // in a message box, when the file is opened by hand
-    };
-    for (const Case& c :
-         {Case{missing, unopened, true}, Case{locked, unopened, true},
-          Case{broken,
-               L" を表示できません。\r\nビットマップファイルが壊れているか、"
-               L"対応していない形式です。",
-               true},
-          Case{nothing, L" を表示できません。\r\n圧縮ファイルの中にファイルがありません。", true},
-          Case{files_.Write(L"readme.txt", "BMW is no bitmap, and this no picture"),
-               L" を表示できません。\r\n対応しているプラグインがありません。", false}}) {
-        ASSERT_EQ(Show(shown).kind, kFileBitmap);
-        EXPECT_EQ(ReasonFor(c.file), L"ファイル " + FileNameOf(c.file) + c.reason);
-        EXPECT_EQ(Show(c.file).failure,
-                  c.isTold ? L"ファイル " + c.file + c.reason : std::wstring());
+    for (const auto& [name, told] :
+         {std::pair<std::wstring, std::wstring>(L"無い.bmp", L"ファイル 無い.bmp" + unopened),
+          {L"locked.bmp", L"ファイル locked.bmp" + unopened},
+          {L"broken.bmp", No(L"broken.bmp",
+                             L"ビットマップファイルが壊れているか、"
+                             L"対応していない形式です。")},
+          {L"none.tsa", No(L"none.tsa", L"圧縮ファイルの中にファイルがありません。")},
+          {L"readme.txt", L'~' + No(L"readme.txt", L"対応しているプラグインがありません。")}}) {
+        EXPECT_EQ(Show(shown), L"9×9  ");
+        EXPECT_EQ(Show(files_.Path() + name), told);
     }
-    EXPECT_EQ(QueryFileKind(missing), kFileUnknown);
+    EXPECT_EQ(QueryFileKind(files_.Path() + L"無い.bmp"), kFileUnknown);
 }
 
 TEST_F(ShowTest, NamesOutsideTheCodePageAndLongPathsAreShown) {
     UsePlugins({{L"a.spi", ""}});
     for (const std::wstring& name : {std::wstring(L"사진 \U0001F600.tst"),
                                      std::wstring(L"deep\\") + std::wstring(120, L'a') + L"\\" +
-                                         std::wstring(120, L'b') + L"\\写真.tst"}) {
-        const std::wstring file = files_.Write(name, "TST 30x20x24\n");
-        view_.shown = {};
-        EXPECT_EQ(Show(file).kind, kFilePicture) << file.size();
-        EXPECT_EQ(view_.shown.cx, 30);
-    }
+                                         std::wstring(120, L'b') + L"\\写真.tst"})
+        EXPECT_EQ(Show(files_.Write(name, kPicture)), L"30×20 a.spi ");
 }
 
 TEST_F(ShowTest, StoppedReadHasNotFailed) {
     UsePlugins({{L"a.spi", ""}, {L"axtsa.spi", ""}});
-    const std::wstring archive =
-        files_.Write(L"a.tsa", test::ArchiveOf({{"1.tst", "TST 30x20x24\n"}}));
-    for (bool* const asks : {&view_.stops, &Values().quitRequested}) {
-        *asks = true;
-        for (const std::wstring& file :
-             {archive, files_.Write(L"picture.tst", "TST 30x20x24\n"),
-              files_.Write(L"deaf.tst", "TST 30x20x24\nignore-abort\n"),
-              files_.Write(L"large.bmp", test::BitmapFileOf(2000, 2000, RGB(1, 2, 3)))}) {
-            const ShownFile shown = Show(file);
-            EXPECT_TRUE(shown.stopped) << file;
-            EXPECT_EQ(shown.kind, kFileUnknown) << file;
-            EXPECT_EQ(shown.failure, L"") << file;
-            EXPECT_EQ(view_.reason,
-                      L"ファイル " + FileNameOf(file) + L" の読み込みを中止しました。");
-        }
-        *asks = false;
-    }
-    ASSERT_EQ(Show(archive).kind, kFileArchive);
+    const std::wstring archive = files_.Write(L"a.tsa", test::ArchiveOf({{"1.tst", kPicture}}));
+    files_.Write(L"b.tst", kPicture);
+    files_.Write(L"deaf.tst", std::string(kPicture) + "ignore-abort\n");
+    files_.Write(L"large.bmp", test::BitmapFileOf(2000, 2000, RGB(1, 2, 3)));
     view_.stops = true;
-    EXPECT_TRUE(ShowArchiveMember(archive, 1, view_).stopped);
-    EXPECT_EQ(view_.pictures, 0);
+    for (const std::wstring name : {L"a.tsa", L"b.tst", L"deaf.tst", L"large.bmp"}) {
+        EXPECT_EQ(Show(files_.Path() + name),
+                  L"~ファイル " + name + L" の読み込みを中止しました。");
+    }
+    view_.stops = false;
+    EXPECT_EQ(Show(archive), L"axtsa.spi");
+    view_.stops = true;
+    EXPECT_TRUE(Show(archive, 1).ends_with(L" の読み込みを中止しました。"));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "picture/show/no_picture.h"
+#include "picture/read/no_picture.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,0 +1,99 @@
+#include "picture/read/read_picture.h"
+
+#include <utility>
+
+#include "plugin/modSusie.h"
+
+namespace tessary {
+namespace {
+
+bool IsStopped(const ReadWatch& watch) {
+    return watch.isStopped && watch.isStopped();
+}
+
+ReadResult Stopped() {
+    return {.isStopped = true};
+}
+
+enum class Archives { kEndTheSearch, kMakeRoom };
+
+// Has one plug-in after the other decode it until one can.
+ReadResult Decode(Search search, Archives archives, const ReadWatch& watch) {
+    ReadResult result;
+    while (clsSusie* const plugin = search.Next()) {
+        if (plugin->DllStyle() == kStyleArchive) {
+            result = {.kind = kFileArchive, .plugin = plugin->DllName()};
+            if (archives == Archives::kEndTheSearch) break;
+            continue;
+        }
+        Picture picture;
+        auto failure = FailureIn(*plugin, [&] {
+            plugin->DecodePicture(DecodeTarget::kMemory, 0, watch.progress, {}, &picture);
+        });
+        if (IsStopped(watch)) return Stopped();
+        if (!failure) {
+            return {.kind = kFilePicture,
+                    .picture = std::move(picture),
+                    .plugin = plugin->DllName(),
+                    .damage = plugin->Damage()};
+        }
+        search.NoteFailure();
+        if (result.kind == kFileArchive) continue;
+        result.plugin = plugin->DllName();
+        result.failure = std::move(failure);
+    }
+    result.refusal = search.LastRefusal();
+    return result;
+}
+
+ReadResult DecodeFile(const std::wstring& path, const ReadWatch& watch) {
+    CollectionSusie& plugins = SusieCollection();
+    ReadResult result = Decode(plugins.SearchFor(path), Archives::kEndTheSearch, watch);
+    if (result.kind != kFileArchive) plugins.UnloadFile();
+    return result;
+}
+
+// Until its end plug-ins may be bound to blocks.
+struct BlockUse {
+    ~BlockUse() { SusieCollection().UnloadMemory(); }
+};
+
+ReadResult DecodeBlock(HLOCAL block, const std::wstring& name, const ReadWatch& watch) {
+    const BlockUse use;
+    return Decode(SusieCollection().SearchFor(block, name), Archives::kMakeRoom, watch);
+}
+
+// A bitmap that was read, or, if it could not be, what plug-ins make of it: it is damaged, or no
+// bitmap after all.
+template <typename DecodeByPlugins>
+ReadResult BitmapOr(Picture picture, std::wstring damage, const ReadWatch& watch,
+                    DecodeByPlugins decodeByPlugins) {
+    if (IsStopped(watch)) return Stopped();
+    if (picture) {
+        return {.kind = kFileBitmap, .picture = std::move(picture), .damage = std::move(damage)};
+    }
+    ReadResult result = decodeByPlugins();
+    result.isBrokenBitmap = true;
+    return result;
+}
+
+}  // namespace
+
+ReadResult ReadPicture(const SourceFile& file, const ReadWatch& watch) {
+    const auto decode = [&] { return DecodeFile(file.path, watch); };
+    if (file.kind != kFileBitmap) return decode();
+    Picture picture;
+    std::wstring damage;
+    ReadBitmapFile(file.path, picture, watch.progress, &damage);
+    return BitmapOr(std::move(picture), std::move(damage), watch, decode);
+}
+
+ReadResult ReadPicture(HLOCAL block, const std::wstring& name, const ReadWatch& watch) {
+    const auto decode = [&] { return DecodeBlock(block, name, watch); };
+    if (!IsBitmapBlock(block)) return decode();
+    std::wstring damage;
+    Picture picture = ReadBitmapBlock(block, watch.progress, damage);
+    return BitmapOr(std::move(picture), std::move(damage), watch, decode);
+}
+
+}  // namespace tessary

@@ -1,0 +1,30 @@
+// Reading a picture for the view: it waits for files that lie elsewhere, is told how far the read
+// is and may stop it, and gets the reason in words when there is nothing to show.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "picture/picture.h"
+#include "picture/show/picture_view.h"
+#include "picture/show/shown_file.h"
+
+namespace tessary {
+
+// What came of it. The picture is there exactly for a picture's kind.
+struct ReadToShow {
+    ShownFile file;
+    Picture picture;
+    std::wstring subject;  // how messages name it
+};
+
+// Reads a file as ReadPicture (picture/read/read_picture.h) does.
+ReadToShow ReadFileToShow(const std::wstring& path, PictureView& view);
+
+// The same for an archive's member, given by its place in the plug-in's list (from 1).
+ReadToShow ReadMemberToShow(const std::wstring& archivePath, int32_t position, PictureView& view);
+
+// The message about something that is not shown.
+std::wstring FailureText(const std::wstring& subject, const std::wstring& reason);
+
+}  // namespace tessary
