@@ -91,29 +91,23 @@ TEST_F(BarWindowTest, DeletePanelOpensAndAsksBeforeAnythingIsLost) {
 }
 
 TEST_F(BarWindowTest, KeysStepFromEveryPart) {
-    const auto stepsHere = [&](const char* where) {
-        int at = Selected();
-        for (const auto& [key, step] :
-             {std::pair{VK_NEXT, 1}, {VK_BACK, -1}, {VK_NEXT, 1}, {VK_PRIOR, -1}}) {
+    const auto stepsHere = [&](std::vector<int> keys, int at) {
+        for (const int key : keys) {
+            at += key == VK_BACK || key == VK_PRIOR ? -1 : 1;
             Press(key);
-            EXPECT_EQ(Selected(), at += step) << where;
+            EXPECT_EQ(Selected(), at) << key;
         }
     };
     bar_.listFileName().SetFocus();
-    stepsHere("files");
-    Press(VK_SPACE);
-    Press(VK_RETURN);
-    EXPECT_EQ(Selected(), 2);
+    stepsHere({VK_NEXT, VK_BACK, VK_SPACE, VK_PRIOR, VK_RETURN}, 0);
     bar_.textFileInfo().SetFocus();
-    stepsHere("information");
+    stepsHere({VK_NEXT, VK_PRIOR, VK_SPACE, VK_BACK}, 1);
     bar_.CoolBar().SetFocus();
-    stepsHere("toolbar");
+    stepsHere({VK_NEXT, VK_PRIOR, VK_NEXT, VK_BACK}, 1);
     bar_.listFileName().SetFocus();
     Press('F');  // no button is under the keys then
     EXPECT_EQ(GetFocus(), bar_.Handle());
-    stepsHere("folded");
-    Press(VK_RETURN);
-    EXPECT_EQ(Selected(), 3);
+    stepsHere({VK_NEXT, VK_RETURN, VK_PRIOR, VK_BACK}, 1);
     EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
     Press('F');
     EXPECT_EQ(GetFocus(), bar_.listFileName().Handle());
@@ -137,9 +131,10 @@ TEST_F(BarWindowTest, TabGoesRoundBothWindowsAndF6Between) {
         EXPECT_EQ(GetFocus(), next);
     }
     bar_.SetVisible(false);
-    Press(VK_TAB);
-    Press(VK_F6);
-    EXPECT_EQ(GetFocus(), View());
+    for (const int key : {VK_TAB, VK_F6}) {
+        Press(key);
+        EXPECT_EQ(GetFocus(), View());
+    }
     bar_.SetVisible(true);
     bar_.Press(BarButton::kDeleteList);
     EXPECT_EQ(round().size(), 8u);  // the panel's list and buttons too

@@ -12,15 +12,18 @@ using FileListTest = ControlBarTest;
 
 TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
     const List files{Bitmap(L"一.bmp"), Archive(L"書庫.tsa"), folder_.Write(L"x.txt", "text")};
+    window_.Commands().Register(menuFileSaveAs, {.run = [] {}});
     EXPECT_FALSE(bar_.SetFileList({}));
     EXPECT_FALSE(bar_.IsVisible());
     EXPECT_EQ(Info() + Panel(), L"");
+    EXPECT_FALSE(IsEnabled(BarButton::kSave));
     window_.Show();
     ShowWindow(window_.Handle(), SW_MINIMIZE);
     EXPECT_TRUE(bar_.SetFileList(files));
     EXPECT_FALSE(bar_.IsVisible());  // it comes with the main window
     ShowWindow(window_.Handle(), SW_RESTORE);
     EXPECT_TRUE(bar_.IsVisible());
+    EXPECT_TRUE(IsEnabled(BarButton::kSave));
     EXPECT_EQ(Items(bar_.listFileName()), files);
     EXPECT_EQ(bar_.FileList(), files);
     EXPECT_EQ(Info(), L"[画像] 一.bmp ( 8×6 24bit )");
@@ -36,11 +39,9 @@ TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
     Click(bar_.listArchiveFile(), 2);
     EXPECT_EQ(Info(), L"[圧縮] 書庫.tsa - [未知] readme.txt");
     EXPECT_EQ(Panel(), Info());
-    EXPECT_FALSE(window_.PictureShown());
-
+    EXPECT_FALSE(IsEnabled(BarButton::kSave));
     Click(bar_.listFileName(), 2);
     EXPECT_EQ(Info(), L"[未知] x.txt");
-    EXPECT_FALSE(Values().pictureLoading);
     EXPECT_TRUE(messages_.All().empty());
 }
 
@@ -117,26 +118,6 @@ TEST_F(FileListTest, TellsOfALoadBeforeThePluginIsCalled) {
     ASSERT_GE(painted.size(), 4u);
     painted.resize(4);
     EXPECT_EQ(painted, List(4, L"[読み込み中]2.tst"));
-}
-
-TEST_F(FileListTest, AStoppedLoadLeavesNothing) {
-    bar_.SetFileList(List{Bitmap(L"1.bmp"), SlowPicture(L"2.tst")});
-    const auto escapeALoad = [&] {
-        PostMessageW(window_.Handle(), WM_COMMAND, commandEscape, 0);
-        LoadSlowly(1);
-    };
-    escapeALoad();
-    EXPECT_EQ(Info(), L"[中止] 2.tst");
-    EXPECT_EQ(Panel(), L"[中止] 2.tst");
-    EXPECT_FALSE(window_.PictureShown());
-    EXPECT_TRUE(bar_.listFileName().IsEnabled());
-    // During a show it is the show that stops.
-    Values().general.slideShowTime = 10000;
-    bar_.Press(BarButton::kPlay);
-    escapeALoad();
-    EXPECT_EQ(Info(), L"[画像] 2.tst ( 8×50 24bit )");
-    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
-    EXPECT_TRUE(messages_.All().empty());
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include "tests/support/content_of.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
-#include "ui/control/frmControl.h"
+#include "ui/form/timer.h"
 
 namespace tessary::test {
 namespace {
@@ -124,30 +124,6 @@ TEST_F(SaveTest, AsksBeforeItReplacesAndTellsWhatFails) {
                                      L"書き込む権限がないか、読み取り専用です。");
 }
 
-// The user's hand at the window that comes up when saving takes long.
-struct Stopper {
-    static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
-        const HWND progress = FindWindowW(nullptr, L"画像の保存");
-        if (progress == nullptr) return;
-        seen = true;
-        mainWasOutOfReach = !IsWindowEnabled(GetWindow(progress, GW_OWNER)) && IsReadUnderWay();
-        const int looks = ++times;
-        // He goes to the button and presses it.
-        if (looks > 4) {
-            const WPARAM key = looks == 5 ? VK_TAB : looks == 6 ? VK_RETURN : 0;
-            return (void)PostMessageW(GetFocus(), WM_KEYDOWN, key, 0);
-        }
-        // What was typed for the window below.
-        for (const WPARAM key : {VK_RETURN, VK_SPACE, VK_DOWN, VK_RETURN, VK_LEFT, VK_SPACE}) {
-            PostMessageW(GetFocus(), WM_KEYDOWN, key, 0);
-            PostMessageW(GetFocus(), WM_KEYUP, key, 0);
-        }
-    }
-    static inline int times;
-    static inline bool seen;
-    static inline bool mainWasOutOfReach;
-};
-
 TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
     // Noise takes seconds at this level.
     constexpr int kSide = 4000;
@@ -160,13 +136,26 @@ TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
     SetActiveWindow(window_.Handle());
     folder_.Write(L"a.png", "mine");
     const RecordedMessages yes(IDYES);
-    const UINT_PTR timer = SetTimer(nullptr, 0, 30, Stopper::Look);
+    bool wasOutOfReach = false;
+    int looks = 0;
+    Timer user([&] {
+        const HWND progress = FindWindowW(nullptr, L"画像の保存");
+        if (progress == nullptr) return;
+        wasOutOfReach = !IsWindowEnabled(GetWindow(progress, GW_OWNER)) && IsReadUnderWay();
+        // What was typed for the window below; then he goes to the button and presses it.
+        std::vector<int> keys{VK_RETURN, VK_SPACE, VK_DOWN, VK_RETURN, VK_LEFT, VK_SPACE};
+        if (++looks > 4) keys = {looks == 5 ? VK_TAB : VK_RETURN};
+        for (const int key : keys) {
+            PostMessageW(GetFocus(), WM_KEYDOWN, static_cast<WPARAM>(key), 0);
+            PostMessageW(GetFocus(), WM_KEYUP, static_cast<WPARAM>(key), 0);
+        }
+    });
+    user.Start(30);
     SaveAs(L"a", 2);
-    KillTimer(nullptr, timer);
-    EXPECT_TRUE(Stopper::seen);
-    EXPECT_TRUE(Stopper::mainWasOutOfReach);
+    user.Stop();
+    EXPECT_TRUE(wasOutOfReach);
+    EXPECT_GE(looks, 6);
     EXPECT_EQ(Content(L"a.png"), "mine");
-    EXPECT_GE(Stopper::times, 6);
     ASSERT_EQ(yes.All().size(), 2U);
     EXPECT_NE(yes.All()[1].text.find(L"の保存を中止しました"), std::wstring::npos);
     EXPECT_EQ(FindWindowW(nullptr, L"画像の保存"), nullptr);
@@ -181,21 +170,6 @@ TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
     EXPECT_GT(Content(L"b.png").size(), 1000U);
     EXPECT_EQ(window_.Handle(), nullptr);
     Values().quitRequested = false;
-}
-
-TEST_F(SaveTest, TheBarsButtonFollowsThePicture) {
-    frmControl bar(window_);
-    window_.SetControlBar(bar);
-    ASSERT_TRUE(bar.Load(window_.Handle()));
-    const auto enabled = [&] { return bar.CoolBar().IsButtonEnabled(12); };
-    EXPECT_TRUE(enabled());
-    Choose(menuEditClear);
-    EXPECT_FALSE(enabled());
-    // The bar looks at its buttons while the load still keeps the command from running.
-    const std::wstring file = folder_.Write(L"a.bmp", BitmapFileOf(4, 3, RGB(1, 2, 3)));
-    EXPECT_TRUE(bar.SetFileList({&file, 1}));
-    EXPECT_TRUE(enabled());
-    window_.Unload();
 }
 
 }  // namespace

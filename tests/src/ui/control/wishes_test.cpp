@@ -121,14 +121,18 @@ TEST_F(WishTest, WhatIsPutBackIsNotDeletedAfterwards) {
 }
 
 TEST_F(WishTest, EscapeDuringALoadMeansTheLoad) {
-    MakeDeaf();
     const auto isFull = [&] { return GetMenu(window_.Handle()) == nullptr; };
     window_.Commands().Run(commandFullScreen);
-    Post("EE");
-    LoadSlowly(1);
-    DoEvents();
-    EXPECT_TRUE(isFull());
-    EXPECT_EQ(Info(), L"[中止] 1.tst");
+    for (const bool isDeaf : {false, true}) {
+        if (isDeaf) MakeDeaf();
+        Post(isDeaf ? "EE" : "E");
+        LoadSlowly(1);
+        DoEvents();
+        EXPECT_TRUE(isFull());
+        EXPECT_EQ(Info() + Panel(), L"[中止] 1.tst[中止] 1.tst");
+        EXPECT_FALSE(window_.PictureShown());
+        EXPECT_TRUE(bar_.listFileName().IsEnabled());
+    }
     // Too late to stop it.
     window_.OnPictureShownChanged([&] {
         Post("E");
@@ -142,7 +146,14 @@ TEST_F(WishTest, EscapeDuringALoadMeansTheLoad) {
     Post("E");
     DoEvents();
     EXPECT_FALSE(isFull());
-    EXPECT_TRUE(messages_.All().empty());
+    // During a show it is the show that stops.
+    SlowPicture(L"1.tst");
+    Values().general.slideShowTime = 10000;
+    bar_.Press(BarButton::kPlay);
+    PostCommand(commandEscape);
+    LoadSlowly(1);
+    EXPECT_EQ(Info(), L"[画像] 1.tst ( 8×50 24bit )");
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
 }
 
 TEST_F(CloudTest, OnlyWhatTheUserStaysWithIsFetched) {
