@@ -114,6 +114,7 @@ class Runner:
         if any("hung" not in name for name in failed):
             again = sorted({name.split()[0] for name in failed if not name.startswith("(")})
             doubtful = set(failed) - set(self.run(calm.program, fault, again))
+            remove_temporary_files(calm.program)
             doubtful |= set(failed) & set(self.run(calm.program, {}, again))
         return Result(calm.program, len(names), [name for name in failed if name not in doubtful],
                       sorted(doubtful))
@@ -153,6 +154,12 @@ class Runner:
                        stderr=subprocess.DEVNULL)
 
 
+def remove_temporary_files(program):
+    """What a fault has left in the program's folder."""
+    for file in (program.tree / "build" / program.preset / "bin").glob("~*"):
+        file.unlink(missing_ok=True)
+
+
 def is_fuzzer(program):
     return program.name.startswith("fuzz_")
 
@@ -173,7 +180,8 @@ def ends(process, log):
 def failures(text, end):
     """The tests that a log tells as failed, and the one that the program's end was in."""
     def told(mark):
-        return list(dict.fromkeys(re.findall(rf"\[{mark}\] ([^\s,]*\.[^\s,]+)", text)))
+        names = dict.fromkeys(re.findall(rf"\[{mark}\] ([^\s,]*\.[^\s,]+)", text))
+        return [name for name in names if "DISABLED_" not in name]  # children of other tests
     failed = told("  FAILED  ")
     unended = [name for name in told(" RUN      ")
                if name not in {*failed, *told("       OK "), *told("  SKIPPED ")}]
