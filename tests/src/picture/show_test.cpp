@@ -285,30 +285,25 @@ TEST_F(ShowTest, AQueryIsNotMadeASecondTime) {
     EXPECT_EQ(Show(archive), L'~' + No(L"a.tsa", L"対応しているプラグインがありません。"));
 }
 
-TEST_F(ShowTest, MembersAreListedInNaturalOrder) {
-    UsePlugins({{L"axtsa.spi", ""}});
-    const std::wstring file =
-        files_.Write(L"a.tsa", test::ArchiveOf({{"b/10.jpg", "a"},
-                                                {"10.jpg", "a"},
-                                                {"b/", ""},
-                                                {"B/9.jpg", "a"},
-                                                {"b/c/1.jpg", "a"},
-                                                {"b 2/1.jpg", "a"},
-                                                {"IMG99999999999999999999.jpg", "a"},
-                                                {"img100000000000000000000.jpg", "a"},
-                                                {"_cover.jpg", "a"},
-                                                {"9.jpg", "a"},
-                                                {"08.jpg", "a"}}));
-    EXPECT_EQ(Show(file), L"axtsa.spi");
-    EXPECT_EQ(list_.names,
-              L"9:_cover.jpg 11:08.jpg 10:9.jpg 2:10.jpg 7:IMG99999999999999999999.jpg "
-              L"8:img100000000000000000000.jpg 4:B\\9.jpg 1:b\\10.jpg 5:b\\c\\1.jpg 6:b 2\\1.jpg ");
-
-    // Characters that are ordered as several ones each.
-    const std::wstring signs(40, L'\u33A0');
-    std::vector<ListedMember> members{{signs + L".jpg", 1}, {L"a.jpg", 2}};
+TEST(NaturalOrderTest, FoldersAndNumbersComeAsPeopleLookForThem) {
+    // The long one's characters are ordered as several ones each.
+    const std::vector<std::wstring> ordered{L"_cover.jpg",
+                                            L"08.jpg",
+                                            L"9.jpg",
+                                            L"10.jpg",
+                                            std::wstring(40, L'\u33A0') + L".jpg",
+                                            L"IMG99999999999999999999.jpg",
+                                            L"img100000000000000000000.jpg",
+                                            L"B\\9.jpg",
+                                            L"b\\10.jpg",
+                                            L"b\\c\\1.jpg",
+                                            L"b 2\\1.jpg"};
+    std::vector<ListedMember> members;
+    for (const size_t at : {8, 3, 7, 9, 10, 4, 5, 0, 2, 1, 6})
+        members.push_back({ordered[at], 1});
     SortNaturally(members);
-    EXPECT_EQ(members[0].position, 2);
+    for (size_t at = 0; at < ordered.size(); ++at)
+        EXPECT_EQ(members[at].name, ordered[at]);
 }
 
 TEST_F(ShowTest, MembersAreShownWhateverBecomesOfTheOthers) {
@@ -326,6 +321,7 @@ TEST_F(ShowTest, MembersAreShownWhateverBecomesOfTheOthers) {
                          {"5.bmp", "BM no bitmap"},
                          {"6.tst", ""}}));
     EXPECT_EQ(Show(file), L"axtsa.spi");
+    EXPECT_EQ(list_.names, L"2:2.tst 3:3.tst 4:4.tsa 5:5.bmp 6:6.tst 1:ソ\\1.bmp ");
     EXPECT_EQ(Show(file, 1), L"20×10  ");
     EXPECT_EQ(Show(file, 2), L"30×20 a1good.spi ");
     EXPECT_EQ(Show(file, 4), L'~' + No(L"a.tsa 内の 4.tsa", kNestedArchive));
