@@ -1,12 +1,9 @@
-// The collection of plug-ins and the routine that fills it from the settings.
+// The collection of plug-ins: its order, and searches.
 #include "plugin/CollectionSusie.h"
 
 #include <functional>
-#include <map>
 
-#include "app/settings/modValue.h"
 #include "plugin/modSusie.h"
-#include "plugin/plugin_notices.h"
 #include "plugin/susie_calls.h"
 #include "tests/src/plugin/plugin_test.h"
 
@@ -25,7 +22,10 @@ class CollectionTest : public test::PluginTest {
         collection_.AddSPI(path);
     }
     int Asked(const std::wstring& name) { return Calls(folder_.Path() + name, "IsSupported"); }
-
+    // The place of the member that a search finds for a new file, from 1.
+    int32_t Find(const wchar_t* name, std::string_view content) {
+        return collection_.FileSupported(folder_.Write(name, content));
+    }
     CollectionSusie collection_;
 };
 
@@ -116,25 +116,22 @@ TEST_F(CollectionTest, WhoTakesAnythingTakesNothingFromThoseWhoKnowIt) {
     Add(L"3.spi", "info:2:*.abc\n");
     Add(L"2.spi", "info:2:*.jpg\naccept-all\n");
     Add(L"1.spi", "info:2:*.xyz\naccept-all\n");
-    const auto find = [&](const wchar_t* name, std::string_view content) {
-        return collection_.FileSupported(folder_.Write(name, content));
-    };
-    EXPECT_EQ(find(L"a.xyz", "text"), 1);
-    EXPECT_EQ(find(L"a.abc", "TST 1x1x24\n"), 3) << "the hint says 1 to everything";
-    EXPECT_EQ(find(L"a.dat", "text"), 4);
-    EXPECT_EQ(find(L"b.abc", "TST 1x1x24\n"), 3) << "the hint claims every name";
-    EXPECT_EQ(find(L"b.dat", "\xFF\xD8\xFF\xE0"), 2) << "by its content";
+    EXPECT_EQ(Find(L"a.xyz", "text"), 1);
+    EXPECT_EQ(Find(L"a.abc", "TST 1x1x24\n"), 3) << "the hint says 1 to everything";
+    EXPECT_EQ(Find(L"a.dat", "text"), 4);
+    EXPECT_EQ(Find(L"b.abc", "TST 1x1x24\n"), 3) << "the hint claims every name";
+    EXPECT_EQ(Find(L"b.dat", "\xFF\xD8\xFF\xE0"), 2) << "by its content";
     for (int i = 0; i < 9; ++i)
-        EXPECT_EQ(find((std::to_wstring(i) + L".jpg").c_str(), "text"), 2);
+        EXPECT_EQ(Find((std::to_wstring(i) + L".jpg").c_str(), "text"), 2);
     EXPECT_EQ(Asked(L"2.spi"), 10) << "files of one kind cost one question each";
     EXPECT_EQ(Asked(L"1.spi"), 1);
     // Those whose names mislead do, too.
     collection_.Remove(4);
-    EXPECT_EQ(find(L"c.jpg", "text"), 2);
+    EXPECT_EQ(Find(L"c.jpg", "text"), 2);
     Search search = collection_.SearchFor(folder_.Write(L"c.abc", "text"));
     EXPECT_EQ(search.Next(), &collection_.Item(2));
     search.NoteFailure();
-    EXPECT_EQ(find(L"d.abc", "text"), 1);
+    EXPECT_EQ(Find(L"d.abc", "text"), 1);
 }
 
 TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
@@ -261,172 +258,6 @@ TEST_F(CollectionTest, TheOpenDialogGetsPairs) {
               L"A B(*.BMP;*.JPG;*.JPEG)|*.BMP;*.JPG;*.JPEG|");
 }
 
-TEST_F(CollectionTest, LoadingFollowsTheSettings) {
-    GeneralSettings& settings = Values().general;
-    Plugin(L"iftst.spi");
-    folder_.Write(L"broken.spi", "text");
-    // Has ended two runs in a row, and would end this one.
-    const std::wstring fatal = Plugin(L"iftst.spi", "crash:exit:DllMain\n", L"fatal.spi");
-    CheckFileDate(fatal);
-    for (int run = 0; run < 2; ++run)
-        EndRunIn(L"LoadLibrary", fatal);
-    settings.useSPI = settings.dynamicSPILoad = settings.spiExt = 1;
-    settings.spiFolder[0] = folder_.Path() + L"nowhere";
-    settings.spiFolder[1] = RemoveBackslash(folder_.Path());
-    settings.spiFolder[2] = folder_.Path();
-    std::fill_n(settings.loadSPI, kPluginFolderCount, true);
-    EXPECT_TRUE(LoadSPI());
-    EXPECT_EQ(SusieCollection().Count(), 1);
-    EXPECT_TRUE(KeepsEndingTheProgram(fatal));  // and the next
-    EXPECT_TRUE(settings.loadSPI[0]);           // the folder may come back
-    EXPECT_TRUE(settings.loadSPI[1]);
-    EXPECT_EQ(LoadingNotices(),
-              std::vector{L"プラグインフォルダ " + folder_.Path() + L"nowhere\\ が見つかりません"});
-    SusieCollection().NoteFolder(L"C:\\spi\\a.spi", LeftOutReason::kBlocked);
-    SusieCollection().NoteFolder(L"C:\\spi\\b.spi", LeftOutReason::kBlocked);
-    EXPECT_EQ(LoadingNotices().back(),
-              L"プラグイン a.spi、b.spi は、Windowsかウイルス対策ソフトにブロックされています");
-    EXPECT_FALSE(SusieCollection().TryAll());
-    EXPECT_EQ(SusieCollection().GetInMemorySPICount(), 0);
-    settings.useSPI = 0;
-    EXPECT_TRUE(LoadSPI());
-    EXPECT_EQ(SusieCollection().Count(), 0);
-    UnloadSPI();
-    EXPECT_TRUE(messages_.All().empty());
-}
-
-// A new version was unpacked over an old one. Another author's plug-in may have the same name.
-TEST_F(CollectionTest, OurOwnPluginsUnderFormerNamesAreLeftOut) {
-    const std::string ours = "info:1:iftwic 1.0 - GIF, TIFF, ICO, WebP, HEIF (WIC)";
-    const auto isLeftOut = [&](const std::string& script) {
-        std::filesystem::remove(folder_.Path() + L"iftwic.spi");
-        CollectionSusie plugins;
-        plugins.AddSPI(Plugin(L"iftst.spi", script, L"iftwic.spi"));
-        const bool isRenamed = !plugins.LeftOut().empty() &&
-                               plugins.LeftOut().front().reason == LeftOutReason::kRenamed;
-        EXPECT_EQ(plugins.Compact(), isRenamed ? 0 : 1);
-        EXPECT_EQ(IsLoaded(folder_.Path() + L"iftwic.spi"), !isRenamed);
-        return isRenamed;
-    };
-    EXPECT_FALSE(isLeftOut(ours));
-    folder_.Write(L"iftesswic.spi", "the new one");
-    EXPECT_TRUE(isLeftOut(ours));
-    EXPECT_FALSE(isLeftOut("info:1:iftwic Plug-in 1.2 by somebody else"));
-}
-
-TEST_F(CollectionTest, WhatIsLeftOutIsToldWithItsReason) {
-    GeneralSettings& settings = Values().general;
-    settings.useSPI = 1;
-    settings.spiFolder[0] = settings.spiFolder[1] = folder_.Path();
-    settings.loadSPI[1] = true;
-    Plugin(L"iftst.spi");
-    Plugin(L"config_only.spi");
-    Plugin(L"iftst.spi", "answer:DllMain:0", L"load_refuses.spi");
-    Plugin(L"iftst.spi", "crash:av:DllMain", L"load_crash.spi");
-    folder_.Write(L"text.spi", "text");
-    std::string image(1024, '\0');  // the headers of a 64-bit DLL
-    image.replace(0, 2, "MZ");
-    image.replace(0x3C, 1, "\x80");
-    image.replace(0x80, 6, std::string("PE\0\0\x64\x86", 6));
-    image.replace(0x96, 2, std::string("\x02\x20", 2));
-    folder_.Write(L"x64.spi", image);
-    const std::wstring barred = Plugin(L"minimal.spi");
-    CheckFileDate(barred);
-    for (int run = 0; run < 2; ++run)
-        EndRunIn(L"LoadLibrary", barred);
-    const auto told = [] {
-        std::map<std::wstring, LeftOutReason> reasons;
-        for (const LeftOutPlugin& one : SusieCollection().LeftOut())
-            EXPECT_TRUE(reasons.emplace(FileNameOf(one.path), one.reason).second) << "twice";
-        return reasons;
-    };
-    using enum LeftOutReason;
-    std::map<std::wstring, LeftOutReason> expected = {
-        {L"config_only.spi", kNoPlugin}, {L"load_refuses.spi", kNotLoadable},
-        {L"load_crash.spi", kCrashed},   {L"text.spi", kNoDll},
-        {L"x64.spi", kOtherMachine},     {L"minimal.spi", kBarred}};
-    ASSERT_TRUE(LoadSPI());
-    EXPECT_EQ(told(), expected);
-    EXPECT_EQ(LoadingNotices(), std::vector<std::wstring>{
-                                    L"プラグイン load_crash.spi は、読み込み中に異常終了しました"});
-    EXPECT_EQ(WhyNotLoaded(folder_.Path() + L"text.spi", 4551), kBlocked);
-    ASSERT_TRUE(LoadSPI());  // barred for the whole run
-    EXPECT_EQ(told(), expected);
-    EXPECT_FALSE(SusieCollection().IsIncomplete());
-
-    SusieCollection().ForgetErrorsOfLeftOut(folder_.Path() + L"minimal.spi");
-    EXPECT_TRUE(SusieCollection().IsIncomplete());
-    ASSERT_TRUE(LoadSPI());
-    EXPECT_FALSE(SusieCollection().IsIncomplete());
-    EXPECT_EQ(SusieCollection().Count(), 2);
-
-    // Stopped before the first: nothing is known about the folders, so they stay switched on.
-    int asked = 0;
-    ASSERT_TRUE(LoadSPI([&](const std::wstring&, int32_t done, int32_t total) {
-        EXPECT_EQ(total, 14);
-        return ++asked < 1 && done > 100;
-    }));
-    EXPECT_EQ(asked, 1);
-    EXPECT_EQ(SusieCollection().Count(), 0);
-    EXPECT_TRUE(settings.loadSPI[0] && settings.loadSPI[1]);
-    EXPECT_EQ(told()[L"iftst.spi"], kWaiting);
-    UnloadSPI();
-}
-
-TEST(PluginCollectionChild, DISABLED_Loads) {
-    test::LoadHelper(L"susiectl.dll");
-    CollectionSusie().FScanAllSPI(FolderOf(_wgetenv(L"TESSARY_TEST_FILE")));
-}
-
-TEST(PluginCollectionChild, DISABLED_IsDamagedByOne) {
-    test::LoadHelper(L"susiectl.dll");
-    const std::wstring culprit = _wgetenv(L"TESSARY_TEST_FILE");
-    GeneralSettings& settings = Values().general;
-    settings.useSPI = 1;
-    settings.spiFolder[0] = settings.spiFolder[1] = FolderOf(culprit);
-    settings.loadSPI[1] = true;
-    EXPECT_TRUE(LoadSPI());
-    EXPECT_TRUE(PluginsAreStopped());
-    EXPECT_EQ(LoadingNotices().back(), PluginsStoppedText());
-    EXPECT_NE(PluginsStoppedText().find(L"プラグイン fatal.spi の異常"), std::wstring::npos);
-    TerminateProcess(GetCurrentProcess(), HasFailure() ? 1 : 0);
-}
-
-TEST_F(CollectionTest, OneThatDamagesTheMemoryWhileItIsLoadedIsSkippedThenBarred) {
-    Plugin(L"minimal.spi");
-    const std::wstring fatal =
-        Plugin(L"iftst.spi", "crash:heap-damage:GetPluginInfo\n", L"fatal.spi");
-    CheckFileDate(fatal);
-    for (const auto expected : {LeftOutReason::kSkipped, LeftOutReason::kBarred}) {
-        EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_IsDamagedByOne", fatal), 0U);
-        // Whichever function of the loading it was.
-        EXPECT_EQ(ReadErrorCount(fatal, L"GetPluginInfo"), 1);
-        EXPECT_EQ(ReadErrorCount(fatal, L"LoadLibrary"), expected == LeftOutReason::kBarred);
-        folder_.Write(L"fatal.spi.script", "crash:heap-damage:DllMain\n");
-        CollectionSusie plugins;
-        plugins.FScanAllSPI(folder_.Path());
-        EXPECT_EQ(plugins.Compact(), 1);
-        ASSERT_EQ(plugins.LeftOut().size(), 1U);
-        EXPECT_EQ(plugins.LeftOut()[0].reason, expected);
-        ASSERT_EQ(plugins.InterruptedCalls().size(), 1U);
-        EXPECT_EQ(plugins.InterruptedCalls()[0].plugin, fatal);
-    }
-}
-
-TEST_F(CollectionTest, ACrashThatTheLoaderCannotGetOverEndsTheRun) {
-    const std::wstring fatal = Plugin(L"iftst.spi", {}, L"fatal.spi");
-    for (const std::string kind : {"bare-chain", "wild-chain"}) {
-        folder_.Write(L"fatal.spi.script", "crash:" + kind + ":DllMain\n");
-        const DWORD before = GetTickCount();
-        EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_Loads", fatal), 0xC0000374) << kind;
-        EXPECT_LT(GetTickCount() - before, 15'000U) << "it hung, until that was noticed";
-        const std::vector<PluginCall> calls = RecoverInterruptedCalls();
-        ASSERT_EQ(calls.size(), 1U) << kind;
-        EXPECT_EQ(calls[0].plugin + calls[0].function, fatal + L"LoadLibrary");
-        ForgetFailures(fatal);
-    }
-}
-
 TEST_F(CollectionTest, ACrashWhileItIsLoadedAnewIsToldOfTheFile) {
     CollectionSusie plugins;
     plugins.SetDynamicLoad(true);
@@ -437,63 +268,6 @@ TEST_F(CollectionTest, ACrashWhileItIsLoadedAnewIsToldOfTheFile) {
     ASSERT_TRUE(search.LastRefusal());
     EXPECT_TRUE(search.LastRefusal()->hasCrashed);
     EXPECT_EQ(search.LastRefusal()->dllName, folder_.Path() + L"iftst.spi");
-}
-
-TEST_F(CollectionTest, OneThatEndsTheProgramWhileItTellsAboutItselfIsSkippedThenBarred) {
-    Plugin(L"minimal.spi");
-    const std::wstring fatal = Plugin(L"iftst.spi", "crash:exit:GetPluginInfo\n", L"fatal.spi");
-    const auto load = [&] {
-        GeneralSettings& settings = Values().general;
-        settings.useSPI = 1;
-        settings.spiFolder[0] = folder_.Path();
-        EXPECT_TRUE(LoadSPI());
-        const auto& leftOut = SusieCollection().LeftOut();
-        return leftOut.empty() ? LeftOutReason::kWaiting : leftOut[0].reason;
-    };
-    RunAsChild(L"PluginCollectionChild.DISABLED_Loads", fatal);
-    EXPECT_EQ(load(), LeftOutReason::kSkipped);
-    EXPECT_EQ(InterruptedCallNotices().at(0),
-              L"前回は fatal.spi "
-              L"の処理中（GetPluginInfo）に終了しました。今回は読み込みません");
-    EXPECT_EQ(ReadErrorCount(fatal, L"GetPluginInfo"), 1);
-    EXPECT_TRUE(SusieCollection().IsIncomplete());
-    // The run after that tries it again.
-    RunAsChild(L"PluginCollectionChild.DISABLED_Loads", fatal);
-    for (int run = 0; run < 3; ++run) {
-        UnloadSPI();
-        EXPECT_EQ(load(), LeftOutReason::kBarred) << run;
-    }
-    SusieCollection().ForgetErrorsOfLeftOut(fatal);
-    folder_.Write(L"fatal.spi.script", "");
-    EXPECT_EQ(load(), LeftOutReason::kWaiting);  // nothing is left out
-    EXPECT_EQ(SusieCollection().Count(), 2);
-    UnloadSPI();
-}
-
-TEST_F(CollectionTest, AFolderThatIsAwayOrEmptyIsLookedAtAgain) {
-    GeneralSettings& settings = Values().general;
-    const std::wstring stick = folder_.Path() + L"stick\\";
-    settings.useSPI = 1;
-    settings.spiFolder[0] = stick;
-    const auto load = [&] {
-        EXPECT_TRUE(LoadSPI());
-        const auto& leftOut = SusieCollection().LeftOut();
-        return leftOut.empty() ? LeftOutReason::kWaiting : leftOut[0].reason;
-    };
-    EXPECT_EQ(load(), LeftOutReason::kNoFolder);
-    EXPECT_TRUE(settings.loadSPI[0]);
-    std::filesystem::create_directory(stick);
-    EXPECT_EQ(load(), LeftOutReason::kEmptyFolder);
-    EXPECT_FALSE(settings.loadSPI[0]);
-    EXPECT_EQ(LoadingNotices().size(), 1U);
-    std::filesystem::remove(stick);  // it was off already: nothing to complain about
-    EXPECT_EQ(load(), LeftOutReason::kWaiting);
-    std::filesystem::create_directory(stick);
-    std::filesystem::rename(Plugin(L"minimal.spi"), stick + L"minimal.spi");
-    EXPECT_EQ(load(), LeftOutReason::kWaiting);
-    EXPECT_EQ(SusieCollection().Count(), 1);
-    EXPECT_TRUE(settings.loadSPI[0]);
-    UnloadSPI();
 }
 
 TEST_F(CollectionTest, FilesOfOneNameInTwoFoldersAreTwoPlugins) {

@@ -64,15 +64,12 @@ class MemberFileTest : public test::PluginTest {
     MemberFileTest() { plugin_.SetDllName(Plugin(L"axtsa.spi")); }
     // What extracting the only member writes; the error's number when that fails.
     std::string Extracted(const std::string& data, const std::string& directives) {
-        plugin_.SetFile(folder_.Write(std::to_wstring(++number_) + L".tsa",
-                                      test::ArchiveOf({{"m", data}}, directives)));
+        plugin_.SetFile(
+            folder_.Write(NewName(L".tsa"), test::ArchiveOf({{"m", data}}, directives)));
         const uint32_t error =
             test::Raised([&] { plugin_.DecodeArchive(1, folder_.Path(), LR"(o\m)", {}); });
         return error == 0 ? ContentOf(folder_.Path() + LR"(o\m)") : std::to_string(error);
     }
-
-    clsSusie plugin_;
-    int number_ = 0;
 };
 
 TEST_F(MemberFileTest, IsTheMemberAndNothingElse) {

@@ -109,6 +109,48 @@ class PluginTest : public testing::Test {
     mutable int number_ = 0;
 };
 
+// A plug-in object that is bound to something.
+class BoundTest : public PluginTest {
+  protected:
+    // Binds a picture plug-in to a picture.
+    void BindPicture(const std::string& directives) {
+        if (plugin_.DllName().empty()) plugin_.SetDllName(path_ = Plugin(L"iftst_preview.spi"));
+        plugin_.SetFile(PictureFile(directives));
+    }
+    // The same for an archive.
+    void BindArchive(const std::string& directives) {
+        if (plugin_.DllName().empty()) plugin_.SetDllName(path_ = Plugin(L"axtsa.spi"));
+        plugin_.SetFile(ArchiveFile(directives));
+    }
+    uint32_t Decode(uint32_t flags = 0, const SusieProgress& progress = {}) {
+        return plugin_.DecodePicture(DecodeTarget::kMemory, flags, progress, {}, &picture_);
+    }
+    std::string Extracted(int32_t index, const SusieProgress& progress = {}) {
+        const OwnedBlock block = plugin_.DecodeArchive(index, progress);
+        const BlockLock lock(block.Get());
+        return {static_cast<const char*>(lock.Address()), lock.Size()};
+    }
+    // What the plug-in has answered to what is expected to fail; 0 when it does not.
+    template <typename Body>
+    static uint32_t Failure(Body&& body) {
+        try {
+            body();
+            return 0;
+        } catch (const DecodeError& error) {
+            return error.Result();
+        }
+    }
+    uint32_t DecodeFailure(uint32_t flags = 0, const SusieProgress& progress = {}) {
+        return Failure([&] { Decode(flags, progress); });
+    }
+    uint32_t ExtractFailure(const SusieProgress& progress = {}) {
+        return Failure([&] { Extracted(2, progress); });
+    }
+
+    Picture picture_;
+    std::wstring path_;
+};
+
 // The number that `body` raises; 0 when it raises nothing.
 template <typename Body>
 uint32_t Raised(Body&& body) {

@@ -1,0 +1,207 @@
+// Loading the plug-ins that the settings name: which are left out, and why.
+#include <map>
+
+#include "app/settings/modValue.h"
+#include "plugin/modSusie.h"
+#include "plugin/plugin_notices.h"
+#include "tests/src/plugin/plugin_test.h"
+
+namespace tessary {
+namespace {
+
+using enum LeftOutReason;
+using Reasons = std::map<std::wstring, LeftOutReason>;
+
+Reasons LeftOutOf(const CollectionSusie& plugins) {
+    Reasons reasons;
+    for (const LeftOutPlugin& one : plugins.LeftOut())
+        EXPECT_TRUE(reasons.emplace(FileNameOf(one.path), one.reason).second) << "twice";
+    return reasons;
+}
+
+class LoadingTest : public test::PluginTest {
+  protected:
+    ~LoadingTest() override {
+        UnloadSPI();
+        general_ = GeneralSettings();
+    }
+    // As if the last two runs had ended while they loaded it.
+    static void Bar(const std::wstring& plugin) {
+        CheckFileDate(plugin);
+        for (int run = 0; run < 2; ++run)
+            EndRunIn(L"LoadLibrary", plugin);
+    }
+    // Loads the plug-ins of one folder as the settings say; what is left out then.
+    Reasons Load(const std::wstring& folder = {}) {
+        general_.useSPI = 1;
+        general_.spiFolder[0] = folder.empty() ? folder_.Path() : folder;
+        EXPECT_TRUE(LoadSPI());
+        return LeftOutOf(SusieCollection());
+    }
+
+    GeneralSettings& general_ = Values().general;
+};
+
+TEST_F(LoadingTest, LoadingFollowsTheSettings) {
+    Plugin(L"iftst.spi");
+    folder_.Write(L"broken.spi", "text");
+    const std::wstring fatal = Plugin(L"iftst.spi", "crash:exit:DllMain\n", L"fatal.spi");
+    Bar(fatal);
+    general_.dynamicSPILoad = general_.spiExt = 1;
+    general_.spiFolder[1] = RemoveBackslash(folder_.Path());
+    general_.spiFolder[2] = folder_.Path();
+    std::fill_n(general_.loadSPI, kPluginFolderCount, true);
+    Load(folder_.Path() + L"nowhere");
+    EXPECT_EQ(SusieCollection().Count(), 1);
+    EXPECT_TRUE(KeepsEndingTheProgram(fatal));  // and the next
+    EXPECT_TRUE(general_.loadSPI[0]);           // the folder may come back
+    EXPECT_TRUE(general_.loadSPI[1]);
+    EXPECT_EQ(LoadingNotices(),
+              std::vector{L"プラグインフォルダ " + folder_.Path() + L"nowhere\\ が見つかりません"});
+    SusieCollection().NoteFolder(L"C:\\spi\\a.spi", kBlocked);
+    SusieCollection().NoteFolder(L"C:\\spi\\b.spi", kBlocked);
+    EXPECT_EQ(LoadingNotices().back(),
+              L"プラグイン a.spi、b.spi は、Windowsかウイルス対策ソフトにブロックされています");
+    EXPECT_FALSE(SusieCollection().TryAll());
+    EXPECT_EQ(SusieCollection().GetInMemorySPICount(), 0);
+    general_.useSPI = 0;
+    EXPECT_TRUE(LoadSPI());
+    EXPECT_EQ(SusieCollection().Count(), 0);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+// A new version was unpacked over an old one. Another author's plug-in may have the same name.
+TEST_F(LoadingTest, OurOwnPluginsUnderFormerNamesAreLeftOut) {
+    const std::string ours = "info:1:iftwic 1.0 - GIF, TIFF, ICO, WebP, HEIF (WIC)";
+    const auto isLeftOut = [&](const std::string& script) {
+        std::filesystem::remove(folder_.Path() + L"iftwic.spi");
+        CollectionSusie plugins;
+        plugins.AddSPI(Plugin(L"iftst.spi", script, L"iftwic.spi"));
+        const bool isRenamed = LeftOutOf(plugins) == Reasons{{L"iftwic.spi", kRenamed}};
+        EXPECT_EQ(plugins.Compact(), isRenamed ? 0 : 1);
+        EXPECT_EQ(IsLoaded(folder_.Path() + L"iftwic.spi"), !isRenamed);
+        return isRenamed;
+    };
+    EXPECT_FALSE(isLeftOut(ours));
+    folder_.Write(L"iftesswic.spi", "the new one");
+    EXPECT_TRUE(isLeftOut(ours));
+    EXPECT_FALSE(isLeftOut("info:1:iftwic Plug-in 1.2 by somebody else"));
+}
+
+TEST_F(LoadingTest, WhatIsLeftOutIsToldWithItsReason) {
+    general_.spiFolder[1] = folder_.Path();
+    general_.loadSPI[1] = true;
+    Plugin(L"iftst.spi");
+    Plugin(L"config_only.spi");
+    Plugin(L"iftst.spi", "answer:DllMain:0", L"load_refuses.spi");
+    Plugin(L"iftst.spi", "crash:av:DllMain", L"load_crash.spi");
+    folder_.Write(L"text.spi", "text");
+    std::string image(1024, '\0');  // the headers of a 64-bit DLL
+    image.replace(0, 2, "MZ");
+    image.replace(0x3C, 1, "\x80");
+    image.replace(0x80, 6, std::string("PE\0\0\x64\x86", 6));
+    image.replace(0x96, 2, std::string("\x02\x20", 2));
+    folder_.Write(L"x64.spi", image);
+    const std::wstring barred = Plugin(L"minimal.spi");
+    Bar(barred);
+    const Reasons expected = {{L"config_only.spi", kNoPlugin}, {L"load_refuses.spi", kNotLoadable},
+                              {L"load_crash.spi", kCrashed},   {L"text.spi", kNoDll},
+                              {L"x64.spi", kOtherMachine},     {L"minimal.spi", kBarred}};
+    for (int run = 0; run < 2; ++run)  // barred for the whole run
+        EXPECT_EQ(Load(), expected);
+    EXPECT_EQ(LoadingNotices(), std::vector<std::wstring>{
+                                    L"プラグイン load_crash.spi は、読み込み中に異常終了しました"});
+    EXPECT_EQ(WhyNotLoaded(folder_.Path() + L"text.spi", 4551), kBlocked);
+    EXPECT_FALSE(SusieCollection().IsIncomplete());
+    SusieCollection().ForgetErrorsOfLeftOut(barred);
+    EXPECT_TRUE(SusieCollection().IsIncomplete());
+    Load();
+    EXPECT_FALSE(SusieCollection().IsIncomplete());
+    EXPECT_EQ(SusieCollection().Count(), 2);
+
+    // Stopped before the first: nothing is known about the folders, so they stay switched on.
+    int asked = 0;
+    ASSERT_TRUE(LoadSPI([&](const std::wstring&, int32_t done, int32_t total) {
+        EXPECT_EQ(total, 14);
+        return ++asked < 1 && done > 100;
+    }));
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(SusieCollection().Count(), 0);
+    EXPECT_TRUE(general_.loadSPI[0] && general_.loadSPI[1]);
+    EXPECT_EQ(LeftOutOf(SusieCollection())[L"iftst.spi"], kWaiting);
+}
+
+TEST(PluginCollectionChild, DISABLED_Loads) {
+    test::LoadHelper(L"susiectl.dll");
+    Values().general.useSPI = 1;
+    Values().general.spiFolder[0] = FolderOf(_wgetenv(L"TESSARY_TEST_FILE"));
+    Values().general.loadSPI[0] = true;
+    EXPECT_TRUE(LoadSPI());
+    EXPECT_TRUE(PluginsAreStopped());
+    EXPECT_EQ(LoadingNotices().back(), PluginsStoppedText());
+    EXPECT_NE(PluginsStoppedText().find(L"プラグイン fatal.spi の異常"), std::wstring::npos);
+    UnloadSPI();  // as at an ordinary end
+    TerminateProcess(GetCurrentProcess(), HasFailure() ? 1 : 0);
+}
+
+TEST_F(LoadingTest, OneThatEndsTheProgramWhileItIsLoadedIsSkippedThenBarred) {
+    struct End {
+        const char* script;
+        DWORD status;
+        const wchar_t* function;
+        const wchar_t* what;
+    };
+    Plugin(L"minimal.spi");
+    const std::wstring fatal = Plugin(L"iftst.spi", {}, L"fatal.spi");
+    // What has damaged the memory ends no run itself. The last two hang where that goes unnoticed.
+    for (const End& end :
+         {End{"crash:exit:GetPluginInfo", 3, L"GetPluginInfo", L"に終了しました"},
+          End{"crash:heap-damage:GetPluginInfo", 0, L"GetPluginInfo", L"にメモリーが壊れました"},
+          End{"crash:heap-damage:DllMain", 0, L"LoadLibrary", L"にメモリーが壊れました"},
+          End{"crash:bare-chain:DllMain", 0xC0000374, L"LoadLibrary", L"に終了しました"},
+          End{"crash:wild-chain:DllMain", 0xC0000374, L"LoadLibrary", L"に終了しました"}}) {
+        folder_.Write(L"fatal.spi.script", end.script);
+        CheckFileDate(fatal);
+        for (const LeftOutReason expected : {kSkipped, kBarred}) {
+            UnloadSPI();
+            const DWORD before = GetTickCount();
+            EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_Loads", fatal), end.status)
+                << end.script;
+            EXPECT_LT(GetTickCount() - before, 15'000U) << end.script;
+            EXPECT_EQ(Load(), (Reasons{{L"fatal.spi", expected}})) << end.script;
+            EXPECT_EQ(
+                InterruptedCallNotices().back(),
+                std::wstring(L"前回は fatal.spi の処理中（") + end.function + L"）" + end.what +
+                    (expected == kSkipped ? L"。今回は読み込みません" : L"。今後は読み込みません"));
+            EXPECT_EQ(ReadErrorCount(fatal, end.function), expected == kSkipped ? 1 : 2);
+            EXPECT_EQ(SusieCollection().IsIncomplete(), expected == kSkipped);
+        }
+        UnloadSPI();
+        EXPECT_EQ(Load(), (Reasons{{L"fatal.spi", kBarred}})) << "for good";
+        SusieCollection().ForgetErrorsOfLeftOut(fatal);
+    }
+    folder_.Write(L"fatal.spi.script", "");
+    EXPECT_EQ(Load(), Reasons());
+    EXPECT_EQ(SusieCollection().Count(), 2);
+}
+
+TEST_F(LoadingTest, AFolderThatIsAwayOrEmptyIsLookedAtAgain) {
+    const std::wstring stick = folder_.Path() + L"stick\\";
+    const Reasons away{{L"", kNoFolder}};
+    EXPECT_EQ(Load(stick), away);
+    EXPECT_TRUE(general_.loadSPI[0]);
+    std::filesystem::create_directory(stick);
+    EXPECT_EQ(Load(stick), (Reasons{{L"", kEmptyFolder}}));
+    EXPECT_FALSE(general_.loadSPI[0]);
+    EXPECT_EQ(LoadingNotices().size(), 1U);
+    std::filesystem::remove(stick);  // it was off already: nothing to complain about
+    EXPECT_EQ(Load(stick), Reasons());
+    std::filesystem::create_directory(stick);
+    std::filesystem::rename(Plugin(L"minimal.spi"), stick + L"minimal.spi");
+    EXPECT_EQ(Load(stick), Reasons());
+    EXPECT_EQ(SusieCollection().Count(), 1);
+    EXPECT_TRUE(general_.loadSPI[0]);
+}
+
+}  // namespace
+}  // namespace tessary
