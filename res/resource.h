@@ -102,28 +102,22 @@
 #define progressSubject 2211
 #define progressBar 2212
 
-// Three panels in the same place, one per format, each with its controls numbered in a row.
+// The panels of the save options, one per row of the page of formats, each with so many numbers for
+// its controls in the order in which the dialog makes them.
+#define kPictureOptionPanelIds 20
 #define pictureOptionPanel_0 2300  // BMP
-#define optionBMPFileTypeFrame 2301
 #define optionBMPFileType_0 2302
 #define optionBMPFileType_1 2303
 #define checkRLE 2304
 #define pictureOptionPanel_1 2320  // JPEG
-#define labelJpegQuality 2321
-#define valueJpegQuality 2322
-#define sliderJpegQuality 2323
-#define labelJpegQualityLow 2324
-#define labelJpegQualityHigh 2325
+#define sliderJpegQuality 2322
+#define valueJpegQuality 2323
 #define checkJPEGOptimize 2326
 #define checkJPEGProgressive 2327
 #define pictureOptionPanel_2 2340  // PNG
-#define labelPNGQuality 2341
-#define valuePNGQuality 2342
-#define sliderPNGQuality 2343
-#define labelPNGQualityLow 2344
-#define labelPNGQualityHigh 2345
+#define sliderPNGQuality 2342
+#define valuePNGQuality 2343
 #define checkPNGInterless 2346
-#define pictureOptionPanelsEnd 2360
 
 // Two views in the same place, each with its controls numbered in a row.
 #define frameSetOption 2400  // the settings
@@ -234,12 +228,13 @@
 #define optionOpenFolderType_0 3303
 #define optionOpenFolderType_1 3304
 
+// One of each for every row of the page of formats; further ones follow.
 #define cmdFileFormatEnv_0 3400
 #define cmdFileFormatEnv_1 3401
 #define cmdFileFormatEnv_2 3402
-#define labelFileFormat_0 3403
-#define labelFileFormat_1 3404
-#define labelFileFormat_2 3405
+#define labelFileFormat_0 3450
+#define labelFileFormat_1 3451
+#define labelFileFormat_2 3452
 #define checkReduceColor 3410
 #define checkReduce256ModeOnly 3411
 #define checkSaveReducedPicture 3412

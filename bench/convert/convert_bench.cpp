@@ -118,8 +118,8 @@ Parts BareParts(const std::vector<std::wstring>& files, const std::wstring& targ
         const BlockLock info(pair.info);
         const BlockLock bits(pair.bits);
         parts.saving += Timed([&] {
-            save(info.Address(), bits.Address(), (name + L".png").c_str(), &Values().pngSave,
-                 reinterpret_cast<LONG_PTR>(&IgnoreProgress));
+            save(info.Address(), bits.Address(), (name + L".png").c_str(),
+                 &Values().saveOptions.png, reinterpret_cast<LONG_PTR>(&IgnoreProgress));
         });
         parts.place += Timed([&] { files::ReplacingFile(name + L".empty").Commit(); });
         parts.kind += Timed([&] { QueryFileKind(path); });

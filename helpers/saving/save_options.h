@@ -35,6 +35,15 @@ struct JpegSaveOptions {
     bool operator==(const JpegSaveOptions&) const = default;
 };
 
+// The choices for all formats.
+struct SaveOptions {
+    BmpSaveOptions bmp;
+    PngSaveOptions png;
+    JpegSaveOptions jpeg;
+
+    bool operator==(const SaveOptions&) const = default;
+};
+
 static_assert(sizeof(BmpSaveOptions) == 4 && sizeof(PngSaveOptions) == 4 &&
               sizeof(JpegSaveOptions) == 6);
 

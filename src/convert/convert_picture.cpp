@@ -100,7 +100,7 @@ bool ConvertRun::ToleratesDamage(const std::wstring& damage) {
 DWORD ConvertRun::SaveAndRead(const Picture& picture, const std::wstring& output) {
     const auto save = [&]() -> DWORD {
         SetLastError(ERROR_SUCCESS);
-        if (SavePictureFile(picture, output,
+        if (SavePictureFile(picture, output, saveOptions_,
                             reinterpret_cast<LONG_PTR>(&ConvertProgressCallback))) {
             return ERROR_SUCCESS;
         }
@@ -179,7 +179,7 @@ StepResult ConvertRun::SaveConvertedPicture(const ReadResult& read, const WorkEn
     if (!ToleratesDamage(damage)) return StepResult::kNotSaved;
     const uint16_t depth = picture.Header().bitCount;
     const std::wstring extension = SaveExtension(depth);
-    TrialSave trial(picture, extension);
+    TrialSave trial(picture, extension, saveOptions_);
     const OutputChoice choice = names_.Choose(
         {entry, extension, [&](const std::wstring& path) { return trial.IsLike(path); }});
     if (choice.isSkipped) {

@@ -17,6 +17,7 @@
 #include "convert/read_ahead.h"
 #include "convert/same_content.h"
 #include "convert/work_list.h"
+#include "helpers/saving/save_options.h"
 #include "plugin/clsSusie.h"
 
 namespace tessary {
@@ -124,6 +125,7 @@ class ConvertRun {
     void WriteUnexpected(const RaisedError& error);
     void WriteStopped();
 
+    const saving::SaveOptions saveOptions_;  // of the whole run
     WorkList list_;
     ConvertMonitor& monitor_;
     ConvertLog log_;

@@ -57,7 +57,11 @@ bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
 
 ConvertRun::ConvertRun(const std::wstring& targetFolder, const std::vector<ConvertSource>& files,
                        ConvertMonitor& monitor)
-    : list_(ListOf(files, targetFolder)), monitor_(monitor), log_(monitor), names_(files, monitor) {
+    : saveOptions_(Values().saveOptions),
+      list_(ListOf(files, targetFolder)),
+      monitor_(monitor),
+      log_(monitor),
+      names_(files, monitor) {
     for (int32_t index = 1; index <= list_.UpperBound(); ++index) {
         const WorkEntry& entry = list_.At(index);
         names_.Announce(entry);
@@ -178,11 +182,10 @@ StepResult ConvertRun::ConvertByKind(const WorkEntry& entry) {
     SourceAtHand source =
         known ? std::move(*known)
               : SourceAtHand{isElsewhere ? LookAtName(entry.path) : LookAtFile(entry.path)};
-    const wchar_t* const extension = OnlySaveExtension();
-    if (IsPictureKind(source.file.kind) && extension != nullptr &&
-        names_.WillSkip(entry, extension)) {
+    const std::optional<std::wstring> extension = OnlySaveExtension();
+    if (IsPictureKind(source.file.kind) && extension && names_.WillSkip(entry, *extension)) {
         const OutputChoice choice =
-            names_.Choose({entry, extension, [](const std::wstring&) { return true; }});
+            names_.Choose({entry, *extension, [](const std::wstring&) { return true; }});
         if (choice.isSkipped) return Skip(choice.path, choice.reason);
     }
     if (isElsewhere && IsWorthFetching(entry, source.file.kind)) {

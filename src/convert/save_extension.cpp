@@ -2,6 +2,7 @@
 
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
+#include "app/settings/saver_format.h"
 
 namespace tessary {
 namespace {
@@ -11,23 +12,16 @@ constexpr uint16_t kManyColorsDepth = 24;
 
 }  // namespace
 
-const wchar_t* SaveExtension(uint16_t bitsPerPixel) {
+std::wstring SaveExtension(uint16_t bitsPerPixel) {
     const ConvertSettings& settings = Values().convert;
-    switch (bitsPerPixel > kFewColorsDepth ? settings.saveType2 : settings.saveType1) {
-        case 0:
-            return L".bmp";
-        case 1:
-            return L".png";
-        case 2:
-            return L".jpg";
-        default:
-            return L"";
-    }
+    const SaverFormat* const format =
+        SaverFormatAt(bitsPerPixel > kFewColorsDepth ? settings.saveType2 : settings.saveType1);
+    return format != nullptr ? format->Extension() : std::wstring();
 }
 
-const wchar_t* OnlySaveExtension() {
+std::optional<std::wstring> OnlySaveExtension() {
     const bool isOne = Values().convert.saveType1 == Values().convert.saveType2;
-    return isOne ? SaveExtension(kFewColorsDepth) : nullptr;
+    return isOne ? std::optional(SaveExtension(kFewColorsDepth)) : std::nullopt;
 }
 
 bool IsSaveExtension(std::wstring_view extension) {

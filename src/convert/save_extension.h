@@ -2,16 +2,18 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace tessary {
 
 // With its dot, of the format that the user wants for pictures of that many bits per pixel; empty
 // for a setting that names none.
-const wchar_t* SaveExtension(uint16_t bitsPerPixel);
+std::wstring SaveExtension(uint16_t bitsPerPixel);
 
-// The one extension of all pictures; null when it depends on the picture.
-const wchar_t* OnlySaveExtension();
+// The one extension of all pictures; nothing when it depends on the picture.
+std::optional<std::wstring> OnlySaveExtension();
 
 // Whether pictures may be written with that extension, in whatever case.
 bool IsSaveExtension(std::wstring_view extension);

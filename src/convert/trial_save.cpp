@@ -10,7 +10,7 @@ bool TrialSave::IsLike(const std::wstring& path) {
     if (!folder_) {
         folder_.emplace();
         const std::wstring target = folder_->Target() + L"\\picture" + extension_;
-        if (SavePictureFile(picture_, target,
+        if (SavePictureFile(picture_, target, options_,
                             reinterpret_cast<LONG_PTR>(&ConvertProgressCallback))) {
             saved_ = target;
         }

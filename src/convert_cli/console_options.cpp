@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <initializer_list>
 #include <iterator>
 #include <string_view>
 
@@ -10,6 +9,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
+#include "app/settings/saver_format.h"
 #include "app/settings/setting_value.h"
 
 namespace tessary {
@@ -33,7 +33,7 @@ bool TakeNumber(Text text, int32_t least, int32_t most, Number& value) {
 
 // The place of a text in a list of words.
 template <typename Number>
-bool TakeWord(Text text, std::initializer_list<const wchar_t*> words, Number& value) {
+bool TakeWord(Text text, const std::vector<const wchar_t*>& words, Number& value) {
     Number number = 0;
     for (const wchar_t* word : words) {
         if (EqualsIgnoreCase(text, word)) {
@@ -46,8 +46,47 @@ bool TakeWord(Text text, std::initializer_list<const wchar_t*> words, Number& va
 }
 
 bool TakeFormat(Text text, int32_t& format) {
-    return TakeWord(text, {L"bmp", L"png", L"jpg"}, format) ||
-           (EqualsIgnoreCase(text, L"jpeg") && TakeFormat(L"jpg", format));
+    const auto formats = SaverFormats();
+    const auto found = std::ranges::find_if(formats, [&](const SaverFormat& each) {
+        return EqualsIgnoreCase(text, each.name) || EqualsIgnoreCase(text, each.extensions.front());
+    });
+    if (found == formats.end()) return false;
+    format = static_cast<int32_t>(found - formats.begin());
+    return true;
+}
+
+// What is set of the formats, by the names of the arguments.
+const SaverOption* FindFormatOption(std::wstring_view argument, std::wstring_view prefix) {
+    if (!argument.starts_with(prefix)) return nullptr;
+    for (const SaverFormat& format : SaverFormats()) {
+        for (const SaverOption& option : format.options) {
+            if (argument.substr(prefix.size()) == option.argument) return &option;
+        }
+    }
+    return nullptr;
+}
+
+bool IsSwitch(const SaverOption* option) {
+    return option != nullptr && option->kind == SaverOption::Kind::kSwitch;
+}
+
+bool TakeFormatSwitch(std::wstring_view argument) {
+    for (const int16_t value : {0, 1}) {
+        const SaverOption* const found = FindFormatOption(argument, value != 0 ? L"--" : L"--no-");
+        if (!IsSwitch(found)) continue;
+        found->in(Values().saveOptions) = value;
+        return true;
+    }
+    return false;
+}
+
+bool TakeFormatValue(const SaverOption& option, Text value) {
+    int16_t& taken = option.in(Values().saveOptions);
+    if (option.kind == SaverOption::Kind::kLevel) return TakeNumber(value, 0, option.most, taken);
+    std::vector<const wchar_t*> words;
+    for (const SaverChoice& choice : option.choices)
+        words.push_back(choice.word);
+    return TakeWord(value, words, taken);
 }
 
 bool TakeMask(Text mask, int16_t set) {
@@ -96,14 +135,6 @@ constexpr Switch kSwitches[] = {
     {L"--no-log", [](ConsoleOptions&) { Settings().outputErrorLog = 0; }},
     {L"--append", [](ConsoleOptions&) { Settings().outputAddMode = 1; }},
     {L"--no-append", [](ConsoleOptions&) { Settings().outputAddMode = 0; }},
-    {L"--bmp-rle", [](ConsoleOptions&) { Values().bmpSave.saveRLE = 1; }},
-    {L"--no-bmp-rle", [](ConsoleOptions&) { Values().bmpSave.saveRLE = 0; }},
-    {L"--png-interlace", [](ConsoleOptions&) { Values().pngSave.interlace = 1; }},
-    {L"--no-png-interlace", [](ConsoleOptions&) { Values().pngSave.interlace = 0; }},
-    {L"--jpeg-progressive", [](ConsoleOptions&) { Values().jpegSave.progressive = 1; }},
-    {L"--no-jpeg-progressive", [](ConsoleOptions&) { Values().jpegSave.progressive = 0; }},
-    {L"--jpeg-optimize", [](ConsoleOptions&) { Values().jpegSave.optimizedHuffman = 1; }},
-    {L"--no-jpeg-optimize", [](ConsoleOptions&) { Values().jpegSave.optimizedHuffman = 0; }},
 };
 
 // An option with a value; `apply` answers false for one that makes no sense.
@@ -154,16 +185,6 @@ constexpr Valued kValued[] = {
     {L"--mask", [](ConsoleOptions&, Text value) { return TakeMask(value, 0); }},
     {L"--exclude-mask", [](ConsoleOptions&, Text value) { return TakeMask(value, 1); }},
     {L"--log", [](ConsoleOptions&, Text value) { return TakeLog(value); }},
-    {L"--bmp-type",
-     [](ConsoleOptions&, Text value) {
-         return TakeWord(value, {L"windows", L"os2"}, Values().bmpSave.saveType);
-     }},
-    {L"--png-level",
-     [](ConsoleOptions&, Text value) { return TakeNumber(value, 0, 9, Values().pngSave.quality); }},
-    {L"--jpeg-quality",
-     [](ConsoleOptions&, Text value) {
-         return TakeNumber(value, 0, 100, Values().jpegSave.quality);
-     }},
 };
 
 template <typename Table>
@@ -192,18 +213,22 @@ std::wstring TakeOption(const std::vector<std::wstring>& arguments, size_t& at,
         found->apply(options);
         return {};
     }
+    if (TakeFormatSwitch(argument)) return {};
     const size_t equals = argument.find(L'=');
-    const Valued* const found = Find(kValued, std::wstring_view(argument).substr(0, equals));
-    if (found == nullptr) return L"知らないオプションです: " + argument;
+    const std::wstring name = argument.substr(0, equals);
+    const Valued* const found = Find(kValued, name);
+    const SaverOption* const ofFormat = FindFormatOption(name, L"--");
+    if (found == nullptr && (ofFormat == nullptr || IsSwitch(ofFormat))) {
+        return L"知らないオプションです: " + argument;
+    }
     if (equals == argument.npos && at + 1 == arguments.size()) {
         return L"オプションの値がありません: " + argument;
     }
     const std::wstring value =
         equals == argument.npos ? arguments[++at] : argument.substr(equals + 1);
-    if (!found->apply(options, value)) {
-        return std::wstring(L"オプション ") + found->name + L" の値が正しくありません: " + value;
-    }
-    return {};
+    const bool isTaken =
+        found != nullptr ? found->apply(options, value) : TakeFormatValue(*ofFormat, value);
+    return isTaken ? L"" : L"オプション " + name + L" の値が正しくありません: " + value;
 }
 
 }  // namespace

@@ -1,6 +1,10 @@
 #include "convert_cli/help_text.h"
 
+#include <functional>
 #include <string_view>
+#include <utility>
+
+#include "app/settings/saver_format.h"
 
 namespace tessary {
 namespace {
@@ -8,7 +12,7 @@ namespace {
 constexpr wchar_t kHelp[] =
     LR"(使い方: tessary-convert [オプション] --out フォルダ ファイルまたはフォルダ...
 
-画像ファイルをまとめて BMP、PNG、JPEG に変換します。読み込みには、てっさりビューアと同じ
+画像ファイルをまとめて {names} に変換します。読み込みには、てっさりビューアと同じ
 Susie プラグインと設定を使います。設定は書き換えません。指定のないオプションには、
 ビューアで設定した値を使います。フォルダを指定すると、その中のファイルを変換します
 （隠しファイルとシステムファイルは除きます）。
@@ -22,7 +26,7 @@ Susie プラグインと設定を使います。設定は書き換えません�
                           skip       変換しない（中止した変換の続きに）
                           overwrite  何であっても置き換える
   --strict, --no-strict   一部が損傷している画像を保存しない・する
-  --format 形式           保存形式 (bmp, png, jpg)
+  --format 形式           保存形式 ({words})
   --format-low 形式       256 色以下の画像の保存形式
   --format-high 形式      256 色を超える画像の保存形式
   --unpack, --no-unpack   圧縮ファイルを展開する・しない
@@ -50,14 +54,7 @@ Susie プラグインと設定を使います。設定は書き換えません�
                           (console, utf-8, shift_jis, ansi, oem)。初めは console で、
                           コンソールのコードページ（chcp。コンソールがなければ UTF-8）。
                           表せない文字は ? になります
-  --bmp-type 種類         windows または os2
-  --bmp-rle, --no-bmp-rle BMP を圧縮する・しない
-  --png-level 数          PNG の圧縮率 (0-9)
-  --png-interlace, --no-png-interlace
-  --jpeg-quality 数       JPEG の品質 (0-100)
-  --jpeg-progressive, --no-jpeg-progressive
-  --jpeg-optimize, --no-jpeg-optimize
-  --help, -h, /?, --version
+{options}  --help, -h, /?, --version
   --                      この後はすべてファイル名
 
 失敗、損傷、スキップ、別名になったファイルは、最後に理由とともに標準エラー出力に表示します。
@@ -75,7 +72,7 @@ Ctrl+C を押すと、変換中のファイルを終えてから中止します�
 
 Usage: tessary-convert [options] --out FOLDER FILE-OR-FOLDER...
 
-Converts pictures to BMP, PNG or JPEG with the Susie plug-ins and settings of Tessary Viewer,
+Converts pictures to {englishNames} with the Susie plug-ins and settings of Tessary Viewer,
 which are never changed. Where no option says otherwise the viewer's settings hold. A folder
 stands for the files in it, but for hidden and system files.
 
@@ -88,7 +85,7 @@ stands for the files in it, but for hidden and system files.
                           skip       leaves it; goes on with a run that was stopped
                           overwrite  replaces whatever is there
   --strict, --no-strict   write nothing for pictures that are damaged in part, or what is there
-  --format FORMAT         bmp, png or jpg
+  --format FORMAT         {englishWords}
   --format-low FORMAT     for pictures of up to 256 colours
   --format-high FORMAT    for pictures of more than 256 colours
   --unpack, --no-unpack   expand archives or not
@@ -113,14 +110,7 @@ stands for the files in it, but for hidden and system files.
   --encoding NAME         of output that is redirected: console (default: its code page, see
                           chcp; utf-8 without a console), utf-8, shift_jis, ansi or oem;
                           ? stands for what it lacks
-  --bmp-type TYPE         windows or os2
-  --bmp-rle, --no-bmp-rle run-length encoding
-  --png-level N           compression, 0 to 9
-  --png-interlace, --no-png-interlace
-  --jpeg-quality N        0 to 100
-  --jpeg-progressive, --no-jpeg-progressive
-  --jpeg-optimize, --no-jpeg-optimize
-  --help, -h, /?, --version
+{englishOptions}  --help, -h, /?, --version
   --                      only names follow
 
 Files that failed, were damaged, skipped or renamed are listed on standard error at the end, with
@@ -137,6 +127,39 @@ Exit status
   4  the process was ended in the middle; where a plug-in did it, it is named
 )";
 
+// The texts of all formats, one behind the other.
+std::wstring Joined(const std::function<std::wstring(const SaverFormat&)>& textOf,
+                    std::wstring_view between, std::wstring_view beforeLast) {
+    const auto formats = SaverFormats();
+    std::wstring joined;
+    for (const SaverFormat& format : formats) {
+        if (&format != &formats.front()) {
+            joined += &format == &formats.back() ? beforeLast : between;
+        }
+        joined += textOf(format);
+    }
+    return joined;
+}
+
+std::wstring FilledIn(std::wstring text) {
+    const auto name = [](const SaverFormat& format) { return format.name; };
+    const auto word = [](const SaverFormat& format) {
+        return std::wstring(format.extensions.front());
+    };
+    const std::pair<std::wstring_view, std::wstring> places[] = {
+        {L"{names}", Joined(name, L"、", L"、")},
+        {L"{englishNames}", Joined(name, L", ", L" or ")},
+        {L"{words}", Joined(word, L", ", L", ")},
+        {L"{englishWords}", Joined(word, L", ", L" or ")},
+        {L"{options}", Joined([](const SaverFormat& format) { return format.help; }, L"", L"")},
+        {L"{englishOptions}",
+         Joined([](const SaverFormat& format) { return format.englishHelp; }, L"", L"")},
+    };
+    for (const auto& [place, filling] : places)
+        text.replace(text.find(place), place.size(), filling);
+    return text;
+}
+
 // With the ends of lines of a Windows text.
 std::wstring WithCrLf(std::wstring_view text) {
     std::wstring result;
@@ -150,7 +173,7 @@ std::wstring WithCrLf(std::wstring_view text) {
 }  // namespace
 
 std::wstring HelpText() {
-    return WithCrLf(kHelp);
+    return WithCrLf(FilledIn(kHelp));
 }
 
 std::wstring VersionText() {

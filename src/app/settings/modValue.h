@@ -87,9 +87,7 @@ constexpr int16_t kSizeModeScreen = 4;
 struct ProcessValues {
     GeneralSettings general;
     ConvertSettings convert;
-    saving::BmpSaveOptions bmpSave;
-    saving::PngSaveOptions pngSave;
-    saving::JpegSaveOptions jpegSave;
+    saving::SaveOptions saveOptions;
     int16_t fixSizeValue = kSizeModeOriginal;
 
     uint32_t platformId = 0;            // kPlatform… of the running system

@@ -11,6 +11,7 @@
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "app/settings/plugin_folders.h"
+#include "app/settings/saver_format.h"
 #include "app/settings/setting_value.h"
 #include "app/settings/settings_store.h"
 
@@ -96,14 +97,12 @@ void TransferGeneral(const Section& transfer) {
 
 template <typename Section>
 void TransferFileFormat(const Section& transfer) {
-    ProcessValues& values = Values();
-    transfer(L"bmp_saveRLE", values.bmpSave.saveRLE, L"0");
-    transfer(L"bmp_saveType", values.bmpSave.saveType, L"0");
-    transfer(L"png_saveInterless", values.pngSave.interlace, L"0");
-    transfer(L"png_saveQuality", values.pngSave.quality, L"6");
-    transfer(L"jpg_saveOptimizedHaffman", values.jpegSave.optimizedHuffman, L"0");
-    transfer(L"jpg_saveProgressive", values.jpegSave.progressive, L"0");
-    transfer(L"jpg_saveQuality", values.jpegSave.quality, L"60");
+    for (const SaverFormat& format : SaverFormats()) {
+        for (const SaverOption& option : format.options) {
+            transfer(option.key, option.in(Values().saveOptions),
+                     ToSettingText(int32_t{option.ValueIn({})}));
+        }
+    }
 }
 
 void TransferConvertHead(const auto& transfer) {

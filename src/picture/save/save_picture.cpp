@@ -6,10 +6,7 @@
 #include "app/base/error.h"
 #include "app/base/helper_function.h"
 #include "app/base/paths.h"
-#include "app/settings/modValue.h"
-#include "helpers/convertdib/convertdib.h"
-#include "helpers/dcjpeg/dcjpeg.h"
-#include "helpers/dcpng/dcpng.h"
+#include "app/base/text.h"
 #include "helpers/dib/dib_view.h"
 
 namespace tessary {
@@ -45,85 +42,78 @@ PictureParts PartsOfFileImage(Bytes image) {
     return {info, info.subspan(static_cast<size_t>(offset))};
 }
 
-std::optional<SaveFormat> FormatFor(const std::wstring& fileName) {
-    const std::wstring extension = UpperExtensionOf(fileName);
-    if (extension == L"BMP") return SaveFormat::kBMP;
-    if (extension == L"PNG") return SaveFormat::kPNG;
-    if (extension == L"JPG") return SaveFormat::kJPEG;
-    return std::nullopt;
+// By the usual extension alone.
+const SaverFormat* FormatFor(const std::wstring& fileName) {
+    const SaverFormat* const format = SaverFormatOf(fileName);
+    const bool isUsual = format != nullptr &&
+                         EqualsIgnoreCase(format->extensions.front(), UpperExtensionOf(fileName));
+    return isUsual ? format : nullptr;
 }
 
-bool SaveParts(SaveFormat format, const PictureParts& parts, const std::wstring& fileName,
-               LONG_PTR passThrough) {
-    const void* const info = parts.info.data();
-    const void* const bits = parts.bits.data();
-    const ProcessValues& values = Values();
+// The entries of all libraries differ in the type of the options alone.
+bool Write(const SaverWriter& writer, const void* info, const void* bits,
+           const std::wstring& fileName, const void* options, LONG_PTR passThrough) {
+    using Entry = int(__stdcall*)(const void*, const void*, const wchar_t*, const void*, LONG_PTR);
+    const auto entry = HelperFunction<Entry>(writer.library, writer.entry);
+    return entry != nullptr &&
+           (entry(info, bits, fileName.c_str(), options, passThrough) == 0) == writer.zeroIsSuccess;
+}
+
+bool SaveParts(const SaverFormat& format, const PictureParts& parts, const std::wstring& fileName,
+               const saving::SaveOptions& options, LONG_PTR passThrough) {
     return Trapped(false, [&] {
-        switch (format) {
-            case SaveFormat::kBMP:
-                return SaveBitmap(info, bits, fileName, values.bmpSave, passThrough);
-            case SaveFormat::kPNG:
-                return SavePNG(info, bits, fileName, values.pngSave, passThrough);
-            case SaveFormat::kJPEG:
-                return SaveJPEG(info, bits, fileName, values.jpegSave, passThrough);
-        }
-        return false;
+        return Write(format.writer, parts.info.data(), parts.bits.data(), fileName,
+                     format.writer.options(options), passThrough);
     });
 }
 
 }  // namespace
 
-bool SavePictureFile(const Picture& picture, const std::wstring& fileName, LONG_PTR passThrough) {
-    const std::optional<SaveFormat> format = FormatFor(fileName);
-    if (!format) SetLastError(ERROR_INVALID_NAME);
-    return format && SavePictureAs(*format, picture, fileName, passThrough);
+bool SavePictureFile(const Picture& picture, const std::wstring& fileName,
+                     const saving::SaveOptions& options, LONG_PTR passThrough) {
+    const SaverFormat* const format = FormatFor(fileName);
+    if (format == nullptr) SetLastError(ERROR_INVALID_NAME);
+    return format != nullptr && SavePictureAs(*format, picture, fileName, options, passThrough);
 }
 
 bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
-                     LONG_PTR passThrough) {
+                     const saving::SaveOptions& options, LONG_PTR passThrough) {
     const BlockLock info(picture.info);
     const BlockLock bits(picture.bits);
-    const std::optional<SaveFormat> format = FormatFor(fileName);
+    const SaverFormat* const format = FormatFor(fileName);
     const auto parts = picture.bits != nullptr ? PictureParts{info.Bytes(), bits.Bytes()}
                                                : PartsOfFileImage(info.Bytes());
     // The libraries only see addresses: whether the blocks are as large as the header says is
     // known here alone.
-    if (!format || !dib::DibView::Of(parts.info, parts.bits)) {
-        SetLastError(format ? ERROR_INVALID_DATA : ERROR_INVALID_NAME);
+    if (format == nullptr || !dib::DibView::Of(parts.info, parts.bits)) {
+        SetLastError(format != nullptr ? ERROR_INVALID_DATA : ERROR_INVALID_NAME);
         return false;
     }
-    return SaveParts(*format, parts, fileName, passThrough);
+    return SaveParts(*format, parts, fileName, options, passThrough);
 }
 
-bool SavePictureAs(SaveFormat format, const Picture& picture, const std::wstring& fileName,
-                   LONG_PTR passThrough) {
+bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std::wstring& fileName,
+                   const saving::SaveOptions& options, LONG_PTR passThrough) {
     if (!picture) {
         SetLastError(ERROR_INVALID_DATA);
         return false;
     }
-    return SaveParts(format, {picture.Info(), picture.Bits()}, fileName, passThrough);
+    return SaveParts(format, {picture.Info(), picture.Bits()}, fileName, options, passThrough);
 }
 
 bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,
                 const saving::BmpSaveOptions& options, LONG_PTR passThrough) {
-    const auto save = HelperFunction<convertdib::SaveToBITMAPFileWFunction>(
-        L"convertdib.dll", convertdib::kSaveToBITMAPFileWName);
-    return save != nullptr && save(info, bits, fileName.c_str(), &options, passThrough) != 0;
+    return Write(SaverFormatAt(kBmpFormat)->writer, info, bits, fileName, &options, passThrough);
 }
 
 bool SavePNG(const void* info, const void* bits, const std::wstring& fileName,
              const saving::PngSaveOptions& options, LONG_PTR passThrough) {
-    const auto save =
-        HelperFunction<dcpng::SaveToPNGFileWFunction>(L"dcpng.dll", dcpng::kSaveToPNGFileWName);
-    // Unlike the other two, this writer answers 0 for success.
-    return save != nullptr && save(info, bits, fileName.c_str(), &options, passThrough) == 0;
+    return Write(SaverFormatAt(kPngFormat)->writer, info, bits, fileName, &options, passThrough);
 }
 
 bool SaveJPEG(const void* info, const void* bits, const std::wstring& fileName,
               const saving::JpegSaveOptions& options, LONG_PTR passThrough) {
-    const auto save = HelperFunction<dcjpeg::SaveToJPEGFileWFunction>(L"dcjpeg.dll",
-                                                                      dcjpeg::kSaveToJPEGFileWName);
-    return save != nullptr && save(info, bits, fileName.c_str(), &options, passThrough) != 0;
+    return Write(SaverFormatAt(kJpegFormat)->writer, info, bits, fileName, &options, passThrough);
 }
 
 }  // namespace tessary

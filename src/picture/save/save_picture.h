@@ -1,33 +1,32 @@
-// Writing pictures to files: which library writes, with the options that the user has set.
+// Writing pictures to files: which library writes, with which options.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
 
+#include "app/settings/saver_format.h"
 #include "helpers/saving/save_options.h"
 #include "picture/picture.h"
 
 namespace tessary {
 
-// Formats in the order of the save dialog's list, which counts them from 1.
-enum class SaveFormat { kBMP = 1, kPNG = 2, kJPEG = 3 };
-constexpr int kSaveFormatCount = 3;
-
-// Saves a picture under a name whose extension (BMP, PNG or JPG, in any case) chooses the format;
-// every other name is refused. The file replaces what is there when it is complete. `passThrough`
-// goes to the writers unchanged: the address of a saving::ProgressCallback, 0 for none. False,
-// without a message, when nothing was saved; GetLastError tells why (app/base/write_error.h).
-bool SavePictureFile(const Picture& picture, const std::wstring& fileName, LONG_PTR passThrough);
+// Saves a picture under a name whose extension, in any case, chooses the format: its usual one
+// (BMP, PNG, JPG); every other name is refused. The file replaces what is there when it is
+// complete. `passThrough` goes to the writers unchanged: the address of a saving::ProgressCallback,
+// 0 for none. False, without a message, when nothing was saved; GetLastError tells why
+// (app/base/write_error.h).
+bool SavePictureFile(const Picture& picture, const std::wstring& fileName,
+                     const saving::SaveOptions& options, LONG_PTR passThrough);
 
 // The same for a pair, which stays the caller's and must be plain (helpers/dib/dib_view.h). One
 // without a bits block is taken to hold the image of a whole bitmap file in its info block.
 bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
-                     LONG_PTR passThrough);
+                     const saving::SaveOptions& options, LONG_PTR passThrough);
 
 // Saves a picture in a format that the caller has chosen, whatever the name.
-bool SavePictureAs(SaveFormat format, const Picture& picture, const std::wstring& fileName,
-                   LONG_PTR passThrough);
+bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std::wstring& fileName,
+                   const saving::SaveOptions& options, LONG_PTR passThrough);
 
 // One format each, for the addresses of the locked blocks of a plain pair.
 bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,

@@ -13,6 +13,7 @@
 #include "picture/save/save_picture.h"
 #include "picture/save/save_progress.h"
 #include "res/resource.h"
+#include "ui/control/save_name.h"
 #include "ui/dialogs/frmProgress.h"
 #include "ui/dialogs/frmSaveOption.h"
 #include "ui/dialogs/start_folder.h"
@@ -22,29 +23,19 @@
 namespace tessary {
 namespace {
 
-SaveFormat FormatOf(int type) {
-    return static_cast<SaveFormat>(type);
+// The dialog counts its types from 1.
+const SaverFormat& FormatOf(int type) {
+    return SaverFormats()[static_cast<size_t>(type) - 1];
+}
+
+int TypeOf(const SaverFormat& format) {
+    return static_cast<int>(&format - SaverFormats().data()) + 1;
 }
 
 // Where the last picture was saved, else where the last one was opened.
 std::wstring StartFolder() {
     const GeneralSettings& general = Values().general;
     return FirstChosenFolder({&general.savePath, &general.openPath});
-}
-
-void EditOptions(HWND owner, SaveFormat format) {
-    frmSaveOption dialog;
-    switch (format) {
-        case SaveFormat::kBMP:
-            dialog.EditBMP(owner, Values().bmpSave);
-            break;
-        case SaveFormat::kPNG:
-            dialog.EditPNG(owner, Values().pngSave);
-            break;
-        case SaveFormat::kJPEG:
-            dialog.EditJPEG(owner, Values().jpegSave);
-            break;
-    }
 }
 
 // A drive's root keeps it.
@@ -56,7 +47,7 @@ enum class Saved { kYes, kNo, kStopped };
 
 // Closing the program waits for the end: only the user who stops it gives up a picture. `error`
 // receives the reason for kNo.
-Saved SaveTellingProgress(SaveFormat format, const std::wstring& path, frmMain& window,
+Saved SaveTellingProgress(const SaverFormat& format, const std::wstring& path, frmMain& window,
                           DWORD& error) {
     const ReadUnderWay busy;  // the picture must stay as it is
     const SessionHold session(window.Handle(), L"画像を保存しています。");
@@ -69,7 +60,8 @@ Saved SaveTellingProgress(SaveFormat format, const std::wstring& path, frmMain& 
         return !shown.IsStopped();
     });
     SetLastError(ERROR_SUCCESS);
-    if (SavePictureAs(format, CurrentPicture(), path, SaveProgress::PassThrough())) {
+    if (SavePictureAs(format, CurrentPicture(), path, Values().saveOptions,
+                      SaveProgress::PassThrough())) {
         return Saved::kYes;
     }
     error = GetLastError();
@@ -87,33 +79,34 @@ SaveCommands::SaveCommands(frmMain& window, Chooser choose)
 
 std::wstring SaveCommands::FolderToBegin() const {
     const std::wstring beside = FolderOf(window_.Source().path);
-    return format_ || beside.empty() || !IsFolder(beside) ? StartFolder() : beside;
+    return format_ != nullptr || beside.empty() || !IsFolder(beside) ? StartFolder() : beside;
 }
 
-SaveFormat SaveCommands::FormatToBegin() const {
-    if (format_) return *format_;
-    return FormatOfName(window_.Source().fileName).value_or(SaveFormat::kPNG);
+const SaverFormat& SaveCommands::FormatToBegin() const {
+    if (format_ != nullptr) return *format_;
+    const SaverFormat* const own = SaverFormatOf(window_.Source().fileName);
+    return *(own != nullptr ? own : SaverFormatAt(kPngFormat));
 }
 
 SaveDialogRequest SaveCommands::RequestFor(Choice& chosen) const {
-    const SaveFormat format = FormatToBegin();
+    const SaverFormat& format = FormatToBegin();
     SaveDialogRequest request;
     request.folder = FolderToBegin();
     request.name = WithExtensionOf(format, ProposedStem(window_.Source().fileName));
-    for (const auto& [format, description] : {std::pair{SaveFormat::kBMP, L"ビットマップ (*.bmp)"},
-                                              std::pair{SaveFormat::kPNG, L"PNG (*.png)"},
-                                              std::pair{SaveFormat::kJPEG, L"JPEG (*.jpg)"}}) {
-        request.types.push_back({description, ExtensionOf(format)});
-    }
-    request.type = static_cast<int>(format);
+    for (const SaverFormat& each : SaverFormats())
+        request.types.push_back({each.description, std::wstring(each.extensions.front())});
+    request.type = TypeOf(format);
     request.buttonCaption = L"詳細設定(&D)...";
-    request.onButton = [](HWND dialog, int type) { EditOptions(dialog, FormatOf(type)); };
+    request.onButton = [](HWND dialog, int type) {
+        frmSaveOption().Edit(dialog, FormatOf(type), Values().saveOptions);
+    };
     request.renamed = [](const std::wstring& name, int type) {
         return WithExtensionOf(FormatOf(type), name);
     };
     request.accept = [this, &chosen](const std::wstring& path, int type) {
-        const SaveFormat wanted = FormatOfName(path).value_or(FormatOf(type));
-        chosen = {WithExtensionOf(wanted, path), wanted};
+        const SaverFormat* const named = SaverFormatOf(path);
+        const SaverFormat& wanted = named != nullptr ? *named : FormatOf(type);
+        chosen = {WithExtensionOf(wanted, path), &wanted};
         return MayReplace(chosen);
     };
     return request;
@@ -123,10 +116,12 @@ bool SaveCommands::MayReplace(const Choice& chosen) const {
     if (!PathExists(chosen.path) || IsFolder(chosen.path)) return true;
     std::wstring question = chosen.path + L" は既に存在します。\r\n上書きしますか？";
     const std::wstring& original = window_.Source().path;
-    if (chosen.format == SaveFormat::kJPEG && IsSameFile(chosen.path, original)) {
-        question += L"\r\n\r\n表示している画像の元のファイルです。品質 " +
-                    std::to_wstring(Values().jpegSave.quality) +
-                    L" で圧縮し直すので画質が落ち、撮影情報(Exif)や色の情報などは失われます。";
+    if (chosen.format->loss != nullptr && IsSameFile(chosen.path, original)) {
+        question +=
+            L"\r\n\r\n表示している画像の元のファイルです。" +
+            chosen.format->loss(Values().saveOptions) +
+            (chosen.format->metadata.exif ? L"ます。"
+                                          : L"、撮影情報(Exif)や色の情報などは失われます。");
     }
     return ShowMessageBox(question, MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
 }
@@ -145,7 +140,7 @@ void SaveCommands::menuFileSaveAs_Click() {
 void SaveCommands::Save(const Choice& chosen) {
     const std::wstring& path = chosen.path;
     DWORD error = ERROR_SUCCESS;
-    const Saved saved = SaveTellingProgress(chosen.format, path, window_, error);
+    const Saved saved = SaveTellingProgress(*chosen.format, path, window_, error);
     window_.CloseIfAsked();
     if (saved == Saved::kYes) window_.TellSaved(path);
     if (saved == Saved::kStopped && !Values().quitRequested) {

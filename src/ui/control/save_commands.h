@@ -2,9 +2,8 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 
-#include "ui/control/save_name.h"
+#include "app/settings/saver_format.h"
 #include "ui/dialogs/save_dialog.h"
 #include "ui/main/frmMain.h"
 
@@ -31,17 +30,17 @@ class SaveCommands {
     // What is saved under.
     struct Choice {
         std::wstring path;
-        SaveFormat format;
+        const SaverFormat* format;
     };
     std::wstring FolderToBegin() const;
-    SaveFormat FormatToBegin() const;
+    const SaverFormat& FormatToBegin() const;
     SaveDialogRequest RequestFor(Choice& chosen) const;
     bool MayReplace(const Choice& chosen) const;
     void Save(const Choice& chosen);
 
     frmMain& window_;
     Chooser choose_;
-    std::optional<SaveFormat> format_;  // chosen last
+    const SaverFormat* format_ = nullptr;  // chosen last
 };
 
 }  // namespace tessary

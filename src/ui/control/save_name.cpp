@@ -1,22 +1,11 @@
 #include "ui/control/save_name.h"
 
-#include "app/base/paths.h"
-#include "app/base/text.h"
 #include "plugin/member_file_name.h"
 
 namespace tessary {
 namespace {
 
 constexpr wchar_t kNameless[] = L"無題";
-
-std::optional<SaveFormat> FormatOfExtension(const std::wstring& upperExtension) {
-    if (upperExtension == L"BMP" || upperExtension == L"DIB") return SaveFormat::kBMP;
-    if (upperExtension == L"PNG") return SaveFormat::kPNG;
-    for (const wchar_t* const jpeg : {L"JPG", L"JPEG", L"JPE", L"JFIF"}) {
-        if (upperExtension == jpeg) return SaveFormat::kJPEG;
-    }
-    return std::nullopt;
-}
 
 // A dot at a name's start begins no extension.
 size_t ExtensionStart(const std::wstring& name) {
@@ -26,27 +15,11 @@ size_t ExtensionStart(const std::wstring& name) {
 
 }  // namespace
 
-std::optional<SaveFormat> FormatOfName(const std::wstring& name) {
-    return FormatOfExtension(UpperExtensionOf(name));
-}
-
-const wchar_t* ExtensionOf(SaveFormat format) {
-    switch (format) {
-        case SaveFormat::kBMP:
-            return L"bmp";
-        case SaveFormat::kPNG:
-            return L"png";
-        case SaveFormat::kJPEG:
-            break;
-    }
-    return L"jpg";
-}
-
-std::wstring WithExtensionOf(SaveFormat format, const std::wstring& name) {
-    const std::optional<SaveFormat> own = FormatOfName(name);
-    if (own == format) return name;
-    const std::wstring stem = own ? name.substr(0, name.rfind(L'.')) : name;
-    return stem + L'.' + ExtensionOf(format);
+std::wstring WithExtensionOf(const SaverFormat& format, const std::wstring& name) {
+    const SaverFormat* const own = SaverFormatOf(name);
+    if (own == &format) return name;
+    const std::wstring stem = own != nullptr ? name.substr(0, name.rfind(L'.')) : name;
+    return stem + format.Extension();
 }
 
 std::wstring ProposedStem(const std::wstring& pictureName) {

@@ -1,150 +1,160 @@
 #include "ui/dialogs/frmSaveOption.h"
 
+#include <algorithm>
 #include <string>
 
 #include "res/resource.h"
+#include "ui/form/window.h"
 
 namespace tessary {
 namespace {
 
-// The first numbers of the panels; a panel's controls have those up to the next one's.
-constexpr int kPanels[] = {pictureOptionPanel_0, pictureOptionPanel_1, pictureOptionPanel_2,
-                           pictureOptionPanelsEnd};
-
-// A slider position is that much of the quality.
-constexpr int kQualityStep = 10;
-constexpr int kMostQuality = 100;
-
-constexpr int kMostCompression = 9;
-
-constexpr int16_t kTypeOs2 = 1;
-
-int16_t Flag(const Button& box) {
-    return box.IsChecked() ? 1 : 0;
-}
+// Lengths are in units of the dialog.
+constexpr int kLeft = 15;  // of the panel's controls
+constexpr int kFirstTop = 18;
+constexpr int kCheckHeight = 11;
+constexpr int kLabelHeight = 9;
 
 }  // namespace
 
+int16_t frmSaveOption::Field::Value() const {
+    if (option.kind == SaverOption::Kind::kLevel) {
+        return static_cast<int16_t>(slider.Position() * option.step);
+    }
+    if (option.kind == SaverOption::Kind::kSwitch) return buttons.front().IsChecked() ? 1 : 0;
+    const auto chosen =
+        std::ranges::find_if(buttons, [](const Button& button) { return button.IsChecked(); });
+    return static_cast<int16_t>(chosen == buttons.end() ? 0 : chosen - buttons.begin());
+}
+
+void frmSaveOption::Field::Show(int16_t shown) {
+    switch (option.kind) {
+        case SaverOption::Kind::kSwitch:
+            return buttons.front().SetChecked(shown != 0);
+        case SaverOption::Kind::kLevel:
+            slider.SetPosition(shown / option.step);
+            return value.SetText(std::to_wstring(Value()));
+        case SaverOption::Kind::kChoice:
+            break;
+    }
+    const auto chosen = static_cast<size_t>(shown);
+    buttons[chosen < buttons.size() ? chosen : 0].SetChecked(true);
+}
+
 frmSaveOption::frmSaveOption() : Dialog(dialogSaveOption) {}
 
-bool frmSaveOption::EditBMP(HWND owner, saving::BmpSaveOptions& options) {
-    bmp_ = options;
-    if (!Edit(owner, Panel::kBMP)) return false;
-    options = bmp_;
-    return true;
-}
-
-bool frmSaveOption::EditJPEG(HWND owner, saving::JpegSaveOptions& options) {
-    jpeg_ = options;
-    if (!Edit(owner, Panel::kJPEG)) return false;
-    options = jpeg_;
-    return true;
-}
-
-bool frmSaveOption::EditPNG(HWND owner, saving::PngSaveOptions& options) {
-    png_ = options;
-    if (!Edit(owner, Panel::kPNG)) return false;
-    options = png_;
-    return true;
-}
-
-bool frmSaveOption::Edit(HWND owner, Panel panel) {
-    panel_ = panel;
-    cancelled_ = true;
-    ShowModal(owner);
-    return !cancelled_;
+bool frmSaveOption::Edit(HWND owner, const SaverFormat& format, saving::SaveOptions& options) {
+    format_ = &format;
+    options_ = &options;
+    return ShowModal(owner) == IDOK;
 }
 
 void frmSaveOption::Dialog_Load() {
-    AttachControls();
-    sliderJpegQuality_.SetRange(0, kMostQuality / kQualityStep);
-    sliderPNGQuality_.SetRange(0, kMostCompression);
-    PutOptions();
-    ShowPanel();
-    ShowRLEUse();
-    ShowValues();
-    for (Slider* const slider : {&sliderJpegQuality_, &sliderPNGQuality_})
-        slider->OnChange([this] { ShowValues(); });
-    for (Button& option : optionBMPFileType_)
-        option.OnClick([this] { ShowRLEUse(); });
+    fields_.clear();
+    MakePanel();
+    for (Field& field : fields_)
+        field.Show(field.option.ValueIn(*options_));
+    ShowUse();
     FocusFirstControl();
 }
 
-void frmSaveOption::AttachControls() {
-    optionBMPFileType_[0].Attach(Handle(), optionBMPFileType_0);
-    optionBMPFileType_[1].Attach(Handle(), optionBMPFileType_1);
-    checkRLE_.Attach(Handle(), checkRLE);
-    sliderJpegQuality_.Attach(Handle(), sliderJpegQuality);
-    valueJpegQuality_.Attach(Handle(), valueJpegQuality);
-    checkJPEGOptimize_.Attach(Handle(), checkJPEGOptimize);
-    checkJPEGProgressive_.Attach(Handle(), checkJPEGProgressive);
-    sliderPNGQuality_.Attach(Handle(), sliderPNGQuality);
-    valuePNGQuality_.Attach(Handle(), valuePNGQuality);
-    checkPNGInterless_.Attach(Handle(), checkPNGInterless);
-}
-
-// The others are disabled too, or their mnemonics would still work.
-void frmSaveOption::ShowPanel() {
-    for (int panel = 0; panel < 3; ++panel) {
-        const bool chosen = panel == static_cast<int>(panel_);
-        for (int id = kPanels[panel]; id < kPanels[panel + 1]; ++id) {
-            const HWND control = GetDlgItem(Handle(), id);
-            EnableWindow(control, chosen);
-            ShowWindow(control, chosen ? SW_SHOWNA : SW_HIDE);
-        }
+void frmSaveOption::MakePanel() {
+    top_ = kFirstTop;
+    nextId_ = pictureOptionPanel_0 + format_->page * kPictureOptionPanelIds;
+    last_ = nullptr;
+    Make(L"BUTTON", format_->name, BS_GROUPBOX, 7, 5, 206, 90);
+    for (const SaverOption& option : format_->options) {
+        if (option.kind == SaverOption::Kind::kChoice) MakeChoice(fields_.emplace_back(option));
+        if (option.kind == SaverOption::Kind::kLevel) MakeLevel(fields_.emplace_back(option));
+    }
+    for (const SaverOption& option : format_->options) {
+        if (option.kind == SaverOption::Kind::kSwitch) MakeSwitch(fields_.emplace_back(option));
     }
 }
 
-void frmSaveOption::PutOptions() {
-    optionBMPFileType_[0].SetChecked(bmp_.saveType != kTypeOs2);
-    optionBMPFileType_[1].SetChecked(bmp_.saveType == kTypeOs2);
-    checkRLE_.SetChecked(bmp_.saveRLE != 0);
-    sliderJpegQuality_.SetPosition(jpeg_.quality / kQualityStep);
-    checkJPEGOptimize_.SetChecked(jpeg_.optimizedHuffman != 0);
-    checkJPEGProgressive_.SetChecked(jpeg_.progressive != 0);
-    sliderPNGQuality_.SetPosition(png_.quality);
-    checkPNGInterless_.SetChecked(png_.interlace != 0);
+void frmSaveOption::MakeChoice(Field& field) {
+    Make(L"BUTTON", field.option.caption, BS_GROUPBOX, kLeft, top_, 190, 36);
+    int left = kLeft + 10;
+    for (const SaverChoice& choice : field.option.choices) {
+        const DWORD first = field.buttons.empty() ? WS_GROUP | WS_TABSTOP : 0;
+        MakeButton(field, choice.caption, BS_AUTORADIOBUTTON | first, left, top_ + 15, 70)
+            .OnClick([this] { ShowUse(); });
+        left += 80;
+    }
+    top_ += 46;
 }
 
-void frmSaveOption::TakeOptions() {
-    bmp_ = {.saveType = Flag(optionBMPFileType_[1]), .saveRLE = Flag(checkRLE_)};
-    jpeg_ = {.quality = static_cast<int16_t>(sliderJpegQuality_.Position() * kQualityStep),
-             .progressive = Flag(checkJPEGProgressive_),
-             .optimizedHuffman = Flag(checkJPEGOptimize_)};
-    png_ = {.quality = static_cast<int16_t>(sliderPNGQuality_.Position()),
-            .interlace = Flag(checkPNGInterless_)};
+void frmSaveOption::MakeLevel(Field& field) {
+    const SaverOption& option = field.option;
+    Make(L"STATIC", option.caption, SS_LEFT | WS_GROUP, kLeft, top_, 100, kLabelHeight);
+    const int slider = Make(TRACKBAR_CLASSW, L"", TBS_HORZ | TBS_AUTOTICKS | WS_TABSTOP, kLeft - 4,
+                            top_ + 10, 172, 18);
+    const int value =
+        Make(L"STATIC", L"", SS_RIGHT | SS_NOPREFIX, 184, top_ + 13, 20, kLabelHeight);
+    Make(L"STATIC", option.lowCaption, SS_LEFT, kLeft, top_ + 29, 80, kLabelHeight);
+    Make(L"STATIC", option.highCaption, SS_RIGHT, 99, top_ + 29, 80, kLabelHeight);
+    field.slider.Attach(Handle(), slider);
+    field.slider.SetRange(0, option.most / option.step);
+    field.value.Attach(Handle(), value);
+    field.slider.OnChange([&field] { field.Show(field.Value()); });
+    top_ += 45;
 }
 
-void frmSaveOption::ShowValues() {
-    valueJpegQuality_.SetText(std::to_wstring(sliderJpegQuality_.Position() * kQualityStep));
-    valuePNGQuality_.SetText(std::to_wstring(sliderPNGQuality_.Position()));
+void frmSaveOption::MakeSwitch(Field& field) {
+    const bool isFirst =
+        field.option.key ==
+        std::ranges::find(format_->options, SaverOption::Kind::kSwitch, &SaverOption::kind)->key;
+    MakeButton(field, field.option.caption, BS_AUTOCHECKBOX | WS_TABSTOP | (isFirst ? WS_GROUP : 0),
+               kLeft, top_, 150);
+    top_ += 14;
 }
 
-// OS/2 bitmaps of that kind have no run-length encoding. What was chosen for Windows ones stays.
-void frmSaveOption::ShowRLEUse() {
-    if (panel_ == Panel::kBMP) checkRLE_.SetEnabled(!optionBMPFileType_[1].IsChecked());
+int frmSaveOption::Make(const wchar_t* className, const wchar_t* caption, DWORD style, int left,
+                        int top, int width, int height) {
+    RECT area{left, top, left + width, top + height};
+    MapDialogRect(Handle(), &area);
+    const int id = nextId_++;
+    const HWND control = CreateWindowExW(
+        WS_EX_NOPARENTNOTIFY, className, caption, WS_CHILD | WS_VISIBLE | style, area.left,
+        area.top, area.right - area.left, area.bottom - area.top, Handle(),
+        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ProgramInstance(), nullptr);
+    SendMessageW(control, WM_SETFONT, static_cast<WPARAM>(SendMessageW(Handle(), WM_GETFONT, 0, 0)),
+                 FALSE);
+    SetWindowPos(control, last_ == nullptr ? HWND_TOP : last_, 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    last_ = control;
+    return id;
+}
+
+Button& frmSaveOption::MakeButton(Field& field, const wchar_t* caption, DWORD style, int left,
+                                  int top, int width) {
+    const int id = Make(L"BUTTON", caption, style, left, top, width, kCheckHeight);
+    Button& button = field.buttons.emplace_back();
+    button.Attach(Handle(), id);
+    return button;
+}
+
+// What was chosen for the first choice stays.
+void frmSaveOption::ShowUse() {
+    const bool isFirst = std::ranges::none_of(fields_, [](const Field& field) {
+        return field.option.kind == SaverOption::Kind::kChoice && field.Value() != 0;
+    });
+    for (Field& field : fields_) {
+        if (field.option.isForFirstChoice) field.buttons.front().SetEnabled(isFirst);
+    }
 }
 
 void frmSaveOption::FocusFirstControl() const {
-    switch (panel_) {
-        case Panel::kBMP:
-            return optionBMPFileType_[optionBMPFileType_[1].IsChecked() ? 1 : 0].SetFocus();
-        case Panel::kJPEG:
-            return sliderJpegQuality_.SetFocus();
-        case Panel::kPNG:
-            return sliderPNGQuality_.SetFocus();
-    }
+    const Field& first = fields_.front();
+    if (first.option.kind == SaverOption::Kind::kLevel) return first.slider.SetFocus();
+    const auto chosen = first.option.kind == SaverOption::Kind::kChoice ? first.Value() : 0;
+    first.buttons[static_cast<size_t>(chosen)].SetFocus();
 }
 
 void frmSaveOption::Dialog_OK() {
-    TakeOptions();
-    cancelled_ = false;
+    for (const Field& field : fields_)
+        field.option.in(*options_) = field.Value();
     Close(IDOK);
-}
-
-void frmSaveOption::Dialog_Cancel() {
-    cancelled_ = true;
-    Close(IDCANCEL);
 }
 
 }  // namespace tessary

@@ -1,54 +1,59 @@
 // The dialog that edits how files of one format are saved.
 #pragma once
 
-#include "helpers/saving/save_options.h"
+#include <deque>
+
+#include "app/settings/saver_format.h"
 #include "ui/form/dialog.h"
 #include "ui/form/simple_controls.h"
 #include "ui/form/slider.h"
 
 namespace tessary {
 
+// The panel follows from the options of the format's row: frames of option buttons and sliders
+// above, check boxes below.
 class frmSaveOption final : private Dialog {
   public:
     frmSaveOption();
 
-    // Each shows the panel of one format with what `options` has, over `owner`. True after OK:
-    // `options` then has what the user has chosen. After Cancel it is as it was.
-    bool EditBMP(HWND owner, saving::BmpSaveOptions& options);
-    // The quality goes in steps of ten: one between them comes back as the step below.
-    bool EditJPEG(HWND owner, saving::JpegSaveOptions& options);
-    bool EditPNG(HWND owner, saving::PngSaveOptions& options);
+    // Shows the panel of a format with what `options` has for it, over `owner`. True after OK:
+    // `options` then has what the user has chosen. After Cancel it is as it was. A value between
+    // two positions of its slider comes back as the lower one.
+    bool Edit(HWND owner, const SaverFormat& format, saving::SaveOptions& options);
 
   private:
-    enum class Panel { kBMP, kJPEG, kPNG };
+    // An option with the controls that its kind has.
+    struct Field {
+        const SaverOption& option;
+        std::deque<Button> buttons{};  // a check box, or the option buttons
+        Slider slider{};
+        Label value{};  // what the slider stands at
 
-    bool Edit(HWND owner, Panel panel);
+        int16_t Value() const;
+        void Show(int16_t shown);
+    };
+
     void Dialog_Load() override;
     void Dialog_OK() override;
-    void Dialog_Cancel() override;
-    void AttachControls();
-    void ShowPanel();
-    void PutOptions();
-    void TakeOptions();
-    void ShowValues();
-    void ShowRLEUse();
+    void MakePanel();
+    void MakeChoice(Field& field);
+    void MakeLevel(Field& field);
+    void MakeSwitch(Field& field);
+    // A control of the panel behind those that are there, in the order of Tab too; the place is in
+    // units of the dialog. Its number.
+    int Make(const wchar_t* className, const wchar_t* caption, DWORD style, int left, int top,
+             int width, int height);
+    Button& MakeButton(Field& field, const wchar_t* caption, DWORD style, int left, int top,
+                       int width);
+    void ShowUse();
     void FocusFirstControl() const;
 
-    Panel panel_ = Panel::kBMP;
-    bool cancelled_ = true;
-    saving::BmpSaveOptions bmp_;
-    saving::JpegSaveOptions jpeg_;
-    saving::PngSaveOptions png_;
-
-    Button optionBMPFileType_[2];
-    Button checkRLE_;
-    Slider sliderJpegQuality_;
-    Label valueJpegQuality_;
-    Button checkJPEGOptimize_;
-    Button checkJPEGProgressive_;
-    Slider sliderPNGQuality_;
-    Label valuePNGQuality_;
-    Button checkPNGInterless_;
+    const SaverFormat* format_ = nullptr;
+    saving::SaveOptions* options_ = nullptr;
+    std::deque<Field> fields_;  // as they follow in the panel
+    int top_ = 0;               // where the panel goes on
+    int nextId_ = 0;
+    HWND last_ = nullptr;  // control made
 };
 
 }  // namespace tessary

@@ -109,7 +109,9 @@ bool Dialog::Load() {
         Dialog_Load();
         return true;
     });
-    if (loaded && handle_ != nullptr) PlaceWindow();
+    if (!loaded || handle_ == nullptr) return loaded;
+    anchors_.Take(handle_);  // with the controls that Dialog_Load has made
+    PlaceWindow();
     return loaded;
 }
 

@@ -5,6 +5,7 @@
 #include <commdlg.h>
 
 #include "app/base/paths.h"
+#include "app/settings/saver_format.h"
 #include "convert/convert_log.h"
 #include "res/resource.h"
 #include "ui/dialogs/ComDlg.h"
@@ -19,9 +20,8 @@ constexpr int kMostPixels = 999999999;
 void ConvertPage::AttachControls() {
     ConvertSettings& convert = Options().convert;
     OptionFields& fields = Fields();
-    const auto formats = {L"BMP", L"PNG", L"JPEG"};
-    fields.Choice(combSaveType1, formats, convert.saveType1);
-    fields.Choice(combSaveType2, formats, convert.saveType2);
+    fields.Choice(combSaveType1, SaverFormatNames(), convert.saveType1);
+    fields.Choice(combSaveType2, SaverFormatNames(), convert.saveType2);
     fields.Choice(
         combOnConflict,
         {L"別名で保存する", L"変換しない（スキップ）", L"上書きする", L"そのつど確認する"},

@@ -4,33 +4,13 @@
 #include "ui/dialogs/frmSaveOption.h"
 
 namespace tessary {
-namespace {
-
-std::wstring Described(const saving::BmpSaveOptions& options) {
-    if (options.saveType == 1) return L"OS/2形式";
-    return options.saveRLE != 0 ? L"Windows形式、RLE圧縮" : L"Windows形式、圧縮なし";
-}
-
-std::wstring Described(const saving::JpegSaveOptions& options) {
-    std::wstring text = L"品質 " + std::to_wstring(options.quality);
-    if (options.optimizedHuffman != 0) text += L"、最適化";
-    if (options.progressive != 0) text += L"、プログレッシブ";
-    return text;
-}
-
-std::wstring Described(const saving::PngSaveOptions& options) {
-    std::wstring text = L"圧縮率 " + std::to_wstring(options.quality);
-    if (options.interlace != 0) text += L"、インターレス";
-    return text;
-}
-
-}  // namespace
-
 void FormatPage::AttachControls() {
-    for (int format = 0; format < 3; ++format) {
-        cmdFileFormatEnv_[format].Attach(Dialog(), cmdFileFormatEnv_0 + format);
-        cmdFileFormatEnv_[format].OnClick([this, format] { cmdFileFormatEnv_Click(format); });
-        labelFileFormat_[format].Attach(Dialog(), labelFileFormat_0 + format);
+    rows_.clear();
+    for (const SaverFormat& format : SaverFormats()) {
+        Row& row = rows_.emplace_back(format);
+        row.button.Attach(Dialog(), cmdFileFormatEnv_0 + format.page);
+        row.button.OnClick([this, &format] { cmdFileFormatEnv_Click(format); });
+        row.label.Attach(Dialog(), labelFileFormat_0 + format.page);
     }
     GeneralSettings& general = Options().general;
     OptionFields& fields = Fields();
@@ -49,9 +29,8 @@ void FormatPage::ShowValues() {
 }
 
 void FormatPage::ShowFormats() {
-    labelFileFormat_[0].SetText(Described(Options().bmpSave));
-    labelFileFormat_[1].SetText(Described(Options().jpegSave));
-    labelFileFormat_[2].SetText(Described(Options().pngSave));
+    for (Row& row : rows_)
+        row.label.SetText(row.format.described(Options().saveOptions));
 }
 
 void FormatPage::ShowState() {
@@ -61,13 +40,8 @@ void FormatPage::ShowState() {
                         Options().general.reduceColor != 0);
 }
 
-void FormatPage::cmdFileFormatEnv_Click(int format) {
-    frmSaveOption dialog;
-    OptionValues& options = Options();
-    const bool confirmed = format == 0   ? dialog.EditBMP(Dialog(), options.bmpSave)
-                           : format == 1 ? dialog.EditJPEG(Dialog(), options.jpegSave)
-                                         : dialog.EditPNG(Dialog(), options.pngSave);
-    if (!confirmed) return;
+void FormatPage::cmdFileFormatEnv_Click(const SaverFormat& format) {
+    if (!frmSaveOption().Edit(Dialog(), format, Options().saveOptions)) return;
     ShowFormats();
     Changed();
 }

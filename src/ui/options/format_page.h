@@ -1,6 +1,9 @@
 // The page of how pictures are saved.
 #pragma once
 
+#include <deque>
+
+#include "app/settings/saver_format.h"
 #include "ui/options/option_page.h"
 
 namespace tessary {
@@ -15,11 +18,16 @@ class FormatPage final : public OptionPage {
 
   private:
     void AttachControls() override;
-    void cmdFileFormatEnv_Click(int format);
+    void cmdFileFormatEnv_Click(const SaverFormat& format);
     void ShowFormats();
 
-    Button cmdFileFormatEnv_[3];  // BMP, JPEG, PNG
-    Label labelFileFormat_[3];
+    // A format's button, and what is set for it.
+    struct Row {
+        const SaverFormat& format;
+        Button button{};
+        Label label{};
+    };
+    std::deque<Row> rows_;  // a deque: controls stay where they are
 };
 
 }  // namespace tessary

@@ -70,7 +70,7 @@ void OptionFields::AddNumber(int id, const std::function<int()>& get,
     });
 }
 
-void OptionFields::AddChoice(int id, std::initializer_list<const wchar_t*> entries,
+void OptionFields::AddChoice(int id, const std::vector<const wchar_t*>& entries,
                              std::function<int()> get, std::function<void(int)> set) {
     ComboBox& list = Add(lists_, id);
     for (const wchar_t* const entry : entries)

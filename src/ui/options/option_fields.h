@@ -50,7 +50,7 @@ class OptionFields {
 
     // A list to choose from: the value is the index of the entry.
     template <typename Value>
-    void Choice(int id, std::initializer_list<const wchar_t*> entries, Value& value) {
+    void Choice(int id, const std::vector<const wchar_t*>& entries, Value& value) {
         AddChoice(
             id, entries, [&value] { return static_cast<int>(value); },
             [&value](int index) { value = static_cast<Value>(index); });
@@ -66,7 +66,7 @@ class OptionFields {
     Field& Add(std::deque<Field>& fields, int id);
     void AddCheck(int id, std::function<bool()> get, std::function<void(bool)> set);
     void AddNumber(int id, const std::function<int()>& get, std::function<void(int)> set);
-    void AddChoice(int id, std::initializer_list<const wchar_t*> entries, std::function<int()> get,
+    void AddChoice(int id, const std::vector<const wchar_t*>& entries, std::function<int()> get,
                    std::function<void(int)> set);
     void Changed() const;
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/base/text.h"
+#include "app/settings/saver_format.h"
 
 namespace tessary {
 namespace {
@@ -32,9 +33,18 @@ void PutRight(ConvertSettings& convert) {
     }
     convert.outputAddMode = convert.outputAddMode != 0 ? 1 : 0;
     for (int32_t* const type : {&convert.saveType1, &convert.saveType2})
-        *type = std::clamp(*type, 0, 2);
+        *type = std::clamp(*type, 0, static_cast<int32_t>(SaverFormats().size()) - 1);
     for (int32_t* const size : {&convert.minDecodeSizeX, &convert.minDecodeSizeY})
         *size = std::max(*size, 0);
+}
+
+void PutRight(saving::SaveOptions& options) {
+    for (const SaverFormat& format : SaverFormats()) {
+        for (const SaverOption& option : format.options) {
+            if (option.kind != SaverOption::Kind::kLevel) continue;
+            option.in(options) = std::clamp<int16_t>(option.in(options), 0, option.most);
+        }
+    }
 }
 
 // A folder may have been pasted with the quotes of a copied path.
@@ -55,17 +65,14 @@ OptionValues CurrentOptions() {
     const ProcessValues& values = Values();
     OptionValues options{.general = values.general,
                          .convert = values.convert,
-                         .bmpSave = values.bmpSave,
-                         .pngSave = values.pngSave,
-                         .jpegSave = values.jpegSave,
+                         .saveOptions = values.saveOptions,
                          .fixSizeValue = std::clamp<int16_t>(values.fixSizeValue, kSizeModeOriginal,
                                                              kSizeModeScreen)};
     // The user's own choice, which only rests.
     if (values.logFileGivenUp) options.convert.outputErrorLog = 1;
     PutRight(options.general);
     PutRight(options.convert);
-    options.jpegSave.quality = std::clamp<int16_t>(options.jpegSave.quality, 0, 100);
-    options.pngSave.quality = std::clamp<int16_t>(options.pngSave.quality, 0, 9);
+    PutRight(options.saveOptions);
     return options;
 }
 
@@ -78,9 +85,7 @@ void SetOptions(const OptionValues& options) {
     values.logFileGivenUp = values.logFileGivenUp && options.convert.outputErrorLog == 1 &&
                             options.convert.errorLogFileName == former.errorLogFileName;
     if (values.logFileGivenUp) values.convert.outputErrorLog = 0;
-    values.bmpSave = options.bmpSave;
-    values.pngSave = options.pngSave;
-    values.jpegSave = options.jpegSave;
+    values.saveOptions = options.saveOptions;
     values.fixSizeValue = options.fixSizeValue;
 }
 

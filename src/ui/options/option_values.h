@@ -13,9 +13,7 @@ constexpr int16_t kMostSlideShowTime = 30000;
 struct OptionValues {
     GeneralSettings general;
     ConvertSettings convert;
-    saving::BmpSaveOptions bmpSave;
-    saving::PngSaveOptions pngSave;
-    saving::JpegSaveOptions jpegSave;
+    saving::SaveOptions saveOptions;
     int16_t fixSizeValue = kSizeModeOriginal;
 
     bool operator==(const OptionValues&) const = default;

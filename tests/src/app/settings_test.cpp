@@ -38,8 +38,8 @@ TEST_F(SettingsTest, EmptyStoreYieldsDefaults) {
     EXPECT_EQ(values.convert.fileMask, L"*.*");
     EXPECT_EQ(values.convert.unpackArchive, 1);
     EXPECT_FALSE(values.convert.decodeSizeBoth);
-    EXPECT_EQ(values.pngSave.quality, 6);
-    EXPECT_EQ(values.jpegSave.quality, 60);
+    EXPECT_EQ(values.saveOptions.png.quality, 6);
+    EXPECT_EQ(values.saveOptions.jpeg.quality, 60);
     EXPECT_TRUE(messages_.All().empty());
 }
 
@@ -54,7 +54,7 @@ TEST_F(SettingsTest, RoundTripKeepsEveryKindOfValue) {
     values.convert.decodeSizeBoth = true;
     values.convert.onConflict = 9;
     values.convert.archiveDepth = -1;
-    values.jpegSave.optimizedHuffman = 1;
+    values.saveOptions.jpeg.optimizedHuffman = 1;
     ASSERT_TRUE(WriteGeneralSettings());
     EXPECT_EQ(GetSetting(L"FileFormat", L"jpg_saveOptimizedHaffman", L"none"), L"none");
     ASSERT_TRUE(WriteConvertSettings());
@@ -74,13 +74,13 @@ TEST_F(SettingsTest, RoundTripKeepsEveryKindOfValue) {
     EXPECT_TRUE(values.convert.decodeSizeBoth);
     EXPECT_EQ(values.convert.onConflict, kConflictFreeName) << "no choice is 9";
     EXPECT_EQ(values.convert.archiveDepth, 1);
-    EXPECT_EQ(values.jpegSave.optimizedHuffman, 1);
+    EXPECT_EQ(values.saveOptions.jpeg.optimizedHuffman, 1);
 }
 
 TEST_F(SettingsTest, ValueThatDoesNotConvertEndsTheReader) {
     Values().general.useSPI = 5;
     Values().general.reduceColor = 5;
-    Values().pngSave.quality = 5;
+    Values().saveOptions.png.quality = 5;
     SaveSetting(L"General", L"UseSPI", L"1");
     SaveSetting(L"General", L"SlideShowTime", L"abc");
     EXPECT_FALSE(ReadGeneralSettings());
@@ -88,7 +88,7 @@ TEST_F(SettingsTest, ValueThatDoesNotConvertEndsTheReader) {
     EXPECT_EQ(messages_.All()[0].style, 0u);
     EXPECT_EQ(Values().general.useSPI, 1);       // before the bad value: set
     EXPECT_EQ(Values().general.reduceColor, 5);  // behind it: kept
-    EXPECT_EQ(Values().pngSave.quality, 5);
+    EXPECT_EQ(Values().saveOptions.png.quality, 5);
     SaveSetting(L"General", L"SlideShowTime", L"70000");
     EXPECT_FALSE(ReadGeneralSettings());
     SaveSetting(L"General", L"SlideShowTime", L"32767");

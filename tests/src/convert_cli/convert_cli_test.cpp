@@ -128,9 +128,9 @@ TEST_F(ConvertCliTest, ArgumentsChangeSettings) {
     EXPECT_EQ(convert.onConflict, kConflictSkip);
     EXPECT_EQ(convert.archiveDepth, 2);
     EXPECT_TRUE(convert.skipDamaged && convert.keepFolders);
-    EXPECT_EQ(Values().jpegSave.quality, 95);
-    EXPECT_EQ(Values().pngSave.quality, 0);
-    EXPECT_EQ(Values().pngSave.interlace, 1);
+    EXPECT_EQ(Values().saveOptions.jpeg.quality, 95);
+    EXPECT_EQ(Values().saveOptions.png.quality, 0);
+    EXPECT_EQ(Values().saveOptions.png.interlace, 1);
 
     const std::vector<std::wstring> wrong[] = {{},
                                                {L"--out", L"o"},

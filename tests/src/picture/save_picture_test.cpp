@@ -48,7 +48,7 @@ class SavePictureTest : public testing::Test {
     SavePictureTest() { test::LoadHelperLibraries(); }
     bool SaveImage(const std::string& image, const std::wstring& name) {
         const OwnedBlock block = BlockOf(image);
-        return SavePictureFile(PicturePair{block.Get(), nullptr}, folder_.Path() + name, 0);
+        return SavePictureFile(PicturePair{block.Get(), nullptr}, folder_.Path() + name, {}, 0);
     }
 
     test::RedirectedSettings settings_;
@@ -80,15 +80,16 @@ TEST_F(SavePictureTest, ExtensionChoosesTheWriter) {
     for (const auto& [name, isSaved, start, tellsProgress] : table) {
         Values().readsUnderWay = 0;
         const std::wstring path = folder_.Path() + name;
-        EXPECT_EQ(SavePictureFile(pair, path, progress), isSaved) << name;
+        EXPECT_EQ(SavePictureFile(pair, path, {}, progress), isSaved) << name;
         EXPECT_EQ(PathExists(path), isSaved) << name;
         EXPECT_EQ(Values().readsUnderWay > 0, tellsProgress) << name;
         EXPECT_TRUE(test::ContentOf(path).starts_with(start)) << name;
     }
-    EXPECT_FALSE(SavePictureFile(PicturePair{nullptr, bits.Get()}, folder_.Path() + L"h.bmp", 0));
+    EXPECT_FALSE(
+        SavePictureFile(PicturePair{nullptr, bits.Get()}, folder_.Path() + L"h.bmp", {}, 0));
     const OwnedBlock tooFew = BlockOf(std::string(20, 'x'));
     EXPECT_FALSE(
-        SavePictureFile(PicturePair{info.Get(), tooFew.Get()}, folder_.Path() + L"h.bmp", 0));
+        SavePictureFile(PicturePair{info.Get(), tooFew.Get()}, folder_.Path() + L"h.bmp", {}, 0));
     EXPECT_EQ(LocalFlags(info.Get()) & 0xFF, 0U) << "still locked";
 }
 
@@ -100,7 +101,7 @@ TEST_F(SavePictureTest, StoppedWriterLeavesTheOldFile) {
         const std::wstring path = folder_.Write(name, "mine");
         const auto save = [&](const dib::Progress& tell) {
             const SaveProgress progress(tell);
-            return SavePictureFile(pair, path, SaveProgress::PassThrough());
+            return SavePictureFile(pair, path, {}, SaveProgress::PassThrough());
         };
         EXPECT_FALSE(save([](int) { return false; })) << name;
         EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CANCELLED)) << name;
@@ -109,7 +110,8 @@ TEST_F(SavePictureTest, StoppedWriterLeavesTheOldFile) {
         int last = 0;
         EXPECT_TRUE(save([&](int percent) { return (last = percent) <= 100; })) << name;
         EXPECT_EQ(last, 100) << name;
-        EXPECT_TRUE(SavePictureFile(pair, path, SaveProgress::PassThrough())) << "nobody watches";
+        EXPECT_TRUE(SavePictureFile(pair, path, {}, SaveProgress::PassThrough()))
+            << "nobody watches";
     }
 }
 

@@ -10,20 +10,22 @@
 #include "tests/support/content_of.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
+#include "ui/control/save_name.h"
 #include "ui/form/timer.h"
 
 namespace tessary::test {
 namespace {
 
 TEST(SaveNameTest, TheExtensionIsTheChosenFormats) {
-    const auto complete = [](const wchar_t* name, SaveFormat chosen) {
-        return FileNameOf(WithExtensionOf(chosen, LR"(C:\a.png\)" + std::wstring(name)));
+    const auto complete = [](const wchar_t* name, int chosen) {
+        return FileNameOf(
+            WithExtensionOf(*SaverFormatAt(chosen), LR"(C:\a.png\)" + std::wstring(name)));
     };
-    EXPECT_EQ(complete(L"b", SaveFormat::kPNG), L"b.png");
-    EXPECT_EQ(complete(L"b.JPEG", SaveFormat::kPNG), L"b.png");
-    EXPECT_EQ(complete(L"b.JPG", SaveFormat::kJPEG), L"b.JPG");
-    EXPECT_EQ(complete(L"v1.2", SaveFormat::kBMP), L"v1.2.bmp");
-    EXPECT_EQ(complete(L"b.jfif", SaveFormat::kJPEG), L"b.jfif");
+    EXPECT_EQ(complete(L"b", kPngFormat), L"b.png");
+    EXPECT_EQ(complete(L"b.JPEG", kPngFormat), L"b.png");
+    EXPECT_EQ(complete(L"b.JPG", kJpegFormat), L"b.JPG");
+    EXPECT_EQ(complete(L"v1.2", kBmpFormat), L"v1.2.bmp");
+    EXPECT_EQ(complete(L"b.jfif", kJpegFormat), L"b.jfif");
 
     EXPECT_EQ(ProposedStem(L"dir/絵 1.tar.gif"), L"絵 1.tar");
     EXPECT_EQ(ProposedStem(L"ab?.bmp"), L"ab_");
@@ -85,7 +87,7 @@ TEST_F(SaveTest, BeginsBesideThePictureAndTakesTheTypedExtension) {
     window_.SetPictureSource({L"夕.jpeg", L"x.spi", folder_.Path() + L"夕.jpg"});
     folder_.Write(L"夕.jpg", "original");
     Values().general.savePath = LR"(C:\windows)";
-    Values().jpegSave.quality = 70;
+    Values().saveOptions.jpeg.quality = 70;
     SaveAs(L"夕.jpg", 2);
     EXPECT_EQ(AddBackslash(asked_.folder), folder_.Path());
     EXPECT_EQ(asked_.name, L"夕.jpg");
@@ -131,7 +133,7 @@ TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
     SetCurrentPicture(PictureOf(kSide, kSide, [&](std::span<uint8_t> rows) {
         std::ranges::generate(rows, [&] { return static_cast<uint8_t>(random() >> 16); });
     }));
-    Values().pngSave = {9, 0};
+    Values().saveOptions.png = {9, 0};
     window_.Show();
     SetActiveWindow(window_.Handle());
     folder_.Write(L"a.png", "mine");
@@ -164,7 +166,7 @@ TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
 
     // Who closes the program meanwhile still gets his picture.
     PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
-    Values().pngSave = {1, 0};
+    Values().saveOptions.png = {1, 0};
     SaveAs(L"b", 2);
     DoEvents();
     EXPECT_GT(Content(L"b.png").size(), 1000U);

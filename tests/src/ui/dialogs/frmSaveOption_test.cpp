@@ -11,9 +11,14 @@ namespace {
 
 TEST(SaveOptionTest, EachFormatHasItsPanel) {
     frmSaveOption form;
-    saving::JpegSaveOptions jpeg{.quality = 75, .progressive = 1, .optimizedHuffman = 0};
-    saving::BmpSaveOptions bmp{.saveType = 1, .saveRLE = 1};
-    saving::PngSaveOptions png{.quality = 99, .interlace = 0};
+    saving::SaveOptions all;
+    auto& [bmp, png, jpeg] = all;
+    jpeg = {.quality = 75, .progressive = 1, .optimizedHuffman = 0};
+    bmp = {.saveType = 1, .saveRLE = 1};
+    png = {.quality = 99, .interlace = 0};
+    const auto edit = [&](int32_t format) {
+        return form.Edit(nullptr, *SaverFormatAt(format), all);
+    };
     DrivenDialog user({[](HWND dialog) {
                            EXPECT_TRUE(HasFocus(dialog, sliderJpegQuality));
                            EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"70");  // in steps of ten
@@ -41,11 +46,11 @@ TEST(SaveOptionTest, EachFormatHasItsPanel) {
                            Click(dialog, checkPNGInterless);
                            Press(dialog, IDOK);
                        }});
-    EXPECT_FALSE(form.EditJPEG(nullptr, jpeg));
+    EXPECT_FALSE(edit(kJpegFormat));
     EXPECT_EQ(jpeg.quality, 75);
-    EXPECT_TRUE(form.EditJPEG(nullptr, jpeg));
-    EXPECT_TRUE(form.EditBMP(nullptr, bmp));
-    EXPECT_TRUE(form.EditPNG(nullptr, png));
+    EXPECT_TRUE(edit(kJpegFormat));
+    EXPECT_TRUE(edit(kBmpFormat));
+    EXPECT_TRUE(edit(kPngFormat));
     EXPECT_TRUE(user.IsDone());
     EXPECT_TRUE(jpeg.quality == 70 && jpeg.progressive == 1 && jpeg.optimizedHuffman == 1);
     EXPECT_TRUE(bmp.saveType == 0 && bmp.saveRLE == 1);

@@ -298,7 +298,7 @@ TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
     EXPECT_FALSE(window_.Commands().IsEnabled(menuViewWallpaperTile));
     SetCurrentPicture(test::TestPicture(30, 16));
     window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
-    Values().bmpSave = {1, 1};  // how the user saves his own files
+    Values().saveOptions.bmp = {1, 1};  // how the user saves his own files
     Choose(menuViewWallpaperCenter);
     EXPECT_EQ(Style(L"TileWallpaper"), L"0");
     EXPECT_EQ(Style(L"WallpaperStyle"), L"0");

@@ -171,7 +171,7 @@ TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
     general.reduceType = -7;
     Values().fixSizeValue = 9;
     Values().convert.saveType1 = 77;
-    Values().jpegSave.quality = -1;
+    Values().saveOptions.jpeg.quality = -1;
     const auto selected = [](HWND dialog, int combo) {
         return SendDlgItemMessageW(dialog, combo, CB_GETCURSEL, 0, 0);
     };
