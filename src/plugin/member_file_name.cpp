@@ -1,8 +1,8 @@
 #include "plugin/member_file_name.h"
 
 #include <algorithm>
-#include <array>
 
+#include "app/base/file_name_rules.h"
 #include "app/base/text.h"
 
 namespace tessary {
@@ -12,27 +12,6 @@ namespace {
 constexpr size_t kLongestPart = 240;
 // A longer one is no extension worth keeping.
 constexpr size_t kLongestExtension = 32;
-
-constexpr std::array<std::wstring_view, 7> kDevices = {L"CON",    L"PRN",     L"AUX",   L"NUL",
-                                                       L"CONIN$", L"CONOUT$", L"CLOCK$"};
-
-// COM1 to COM9, LPT1 to LPT9, with 0 and the raised digits that some versions take too.
-bool IsPort(std::wstring_view name) {
-    return name.size() == 4 && (name.starts_with(L"COM") || name.starts_with(L"LPT")) &&
-           std::wstring_view(L"0123456789\u00B9\u00B2\u00B3").find(name[3]) !=
-               std::wstring_view::npos;
-}
-
-// What stands before the first dot names a device, whatever follows and whatever the folder.
-bool NamesDevice(std::wstring_view part) {
-    const std::wstring name = ToUpper(TrimSpaces(part.substr(0, part.find(L'.'))));
-    return IsPort(name) || std::find(kDevices.begin(), kDevices.end(), name) != kDevices.end();
-}
-
-bool IsForbidden(wchar_t character) {
-    return character < L' ' ||
-           std::wstring_view(L"<>:\"|?*").find(character) != std::wstring_view::npos;
-}
 
 // A name's extension with its dot; empty when there is none worth keeping.
 std::wstring_view ExtensionOf(std::wstring_view name) {
@@ -58,7 +37,7 @@ void Shorten(std::wstring& part) {
 
 std::wstring SafePart(std::wstring_view original) {
     std::wstring part(original);
-    std::replace_if(part.begin(), part.end(), IsForbidden, L'_');
+    std::replace_if(part.begin(), part.end(), IsForbiddenInName, L'_');
     CutEnd(part);
     if (part.empty()) part = L"_";
     if (NamesDevice(part)) part.insert(0, L"_");

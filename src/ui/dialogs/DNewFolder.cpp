@@ -1,7 +1,6 @@
 #include "ui/dialogs/DNewFolder.h"
 
-#include <algorithm>
-
+#include "app/base/file_name_rules.h"
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -10,17 +9,6 @@
 
 namespace tessary {
 namespace {
-
-// Names of devices, which stay the devices' with any extension (Naming Files in the system's
-// documentation).
-bool IsDeviceName(const std::wstring& name) {
-    const std::wstring stem = ToUpper(TrimSpaces(name.substr(0, name.find(L'.'))));
-    for (const wchar_t* const device : {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"}) {
-        if (stem == device) return true;
-    }
-    return stem.size() == 4 && (stem.starts_with(L"COM") || stem.starts_with(L"LPT")) &&
-           std::wstring_view(L"123456789¹²³").find(stem.back()) != std::wstring_view::npos;
-}
 
 std::wstring CreationErrorText(const std::wstring& folder, DWORD error) {
     switch (error) {
@@ -36,15 +24,6 @@ std::wstring CreationErrorText(const std::wstring& folder, DWORD error) {
 }
 
 }  // namespace
-
-bool IsFileName(const std::wstring& name) {
-    const auto isRefused = [](wchar_t character) {
-        return character < L' ' ||
-               std::wstring_view(LR"(\/:*?"<>|)").find(character) != std::wstring_view::npos;
-    };
-    return !name.empty() && name.size() <= 255 && name.back() != L'.' && name.back() != L' ' &&
-           std::none_of(name.begin(), name.end(), isRefused) && !IsDeviceName(name);
-}
 
 DNewFolder::DNewFolder() : Dialog(dialogNewFolder) {}
 

@@ -25,8 +25,4 @@ class DNewFolder final : private Dialog {
     TextBox textName_;
 };
 
-// Whether Windows takes the text as the name of a file or folder: no separators, wildcards or
-// control characters, no device's name, no dot or blank at the end.
-bool IsFileName(const std::wstring& name);
-
 }  // namespace tessary
