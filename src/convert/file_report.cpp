@@ -167,12 +167,34 @@ std::wstring SourceText(const FileReport& report) {
     return report.member.empty() ? report.source : report.source + L'\\' + report.member;
 }
 
-bool IsRemarkable(const FileReport& report) {
-    return report.outcome == FileOutcome::kFailed || report.outcome == FileOutcome::kSkipped ||
-           report.outcome == FileOutcome::kStopped || report.isDamaged || report.isRenamed;
+std::wstring ReasonTextOf(const FileReport& report) {
+    return report.text.empty() ? ReasonText(report.reason) : report.text;
+}
+
+std::optional<Remark> RemarkOf(const FileReport& report) {
+    switch (report.outcome) {
+        case FileOutcome::kConverted:
+        case FileOutcome::kDeclined:
+            if (report.isDamaged) return Remark::kDamaged;
+            return report.isRenamed ? std::optional(Remark::kRenamed) : std::nullopt;
+        case FileOutcome::kFailed:
+            return report.isDamaged ? Remark::kDamaged : Remark::kFailed;
+        case FileOutcome::kSkipped:
+            return Remark::kSkipped;
+        case FileOutcome::kStopped:
+            break;
+    }
+    return Remark::kStopped;
+}
+
+const wchar_t* RemarkText(Remark remark) {
+    constexpr const wchar_t* kTexts[kRemarkCount] = {L"失敗", L"損傷", L"中止", L"スキップ",
+                                                     L"別名"};
+    return kTexts[static_cast<size_t>(remark)];
 }
 
 void OutcomeCounts::Count(const FileReport& report) {
+    ++all_;
     switch (report.outcome) {
         case FileOutcome::kConverted:
             ++(report.isDamaged ? damaged : converted);
@@ -181,6 +203,7 @@ void OutcomeCounts::Count(const FileReport& report) {
             break;
         case FileOutcome::kDeclined:
             ++declined;
+            filtered += report.reason == FileReason::kNameFiltered ? 1 : 0;
             break;
         case FileOutcome::kFailed:
             ++(report.isDamaged ? damaged : failed);

@@ -1,7 +1,9 @@
 // What became of each file of a run, for those who count, list or write it down.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace tessary {
@@ -89,9 +91,16 @@ struct FileReport {
 // The file for the user: its path, of a member with the name in the archive.
 std::wstring SourceText(const FileReport& report);
 
-// Whether the user will want to know about this one: it has failed, or is not what it would have
-// been.
-bool IsRemarkable(const FileReport& report);
+// The reason for the user.
+std::wstring ReasonTextOf(const FileReport& report);
+
+// Why the user will want to know about a file; the worst first.
+enum class Remark { kFailed, kDamaged, kStopped, kSkipped, kRenamed };
+constexpr size_t kRemarkCount = 5;
+
+// Nothing when the file has become what it should.
+std::optional<Remark> RemarkOf(const FileReport& report);
+const wchar_t* RemarkText(Remark remark);
 
 // How many files came to what.
 struct OutcomeCounts {
@@ -102,8 +111,13 @@ struct OutcomeCounts {
     int failed = 0;
     int renamed = 0;   // of the converted and damaged ones
     int replaced = 0;  // of the same
+    int filtered = 0;  // by their names, of the declined ones
 
     void Count(const FileReport& report);
+    int All() const { return all_; }
+
+  private:
+    int all_ = 0;
 };
 
 // One line; kinds that there are none of are left out, but for the most common.

@@ -60,8 +60,6 @@ void ConsoleMonitor::FileReached(FileStage stage, const FileReport& report) {
 
 void ConsoleMonitor::FileDone(const FileReport& report) {
     summary_.Add(report);
-    ++told_;
-    filtered_ += report.reason == FileReason::kNameFiltered ? 1 : 0;
     jsonReport_.Add(report);
     JournalDone(report);
 }

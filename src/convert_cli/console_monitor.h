@@ -39,9 +39,7 @@ class ConsoleMonitor final : public ConvertMonitor {
     void FileReached(FileStage stage, const FileReport& report) override;
     void FileDone(const FileReport& report) override;
 
-    int Failures() const { return summary_.Failures(); }
-    // Whether there were files, and the name filter has left out each of them.
-    bool AreAllFiltered() const { return filtered_ > 0 && filtered_ == told_; }
+    const OutcomeCounts& Counts() const { return summary_.Counts(); }
     // Tells on the progress stream which files failed, were damaged, skipped or renamed, and how
     // many files came to what.
     void WriteSummary();
@@ -57,8 +55,6 @@ class ConsoleMonitor final : public ConvertMonitor {
     bool isQuiet_;
     std::function<bool()> isStopWanted_;
     RunSummary summary_;
-    int told_ = 0;
-    int filtered_ = 0;
     int32_t totalPosition_ = 0;
     int32_t totalMaximum_ = 0;
     int32_t filePercent_ = 0;

@@ -136,7 +136,9 @@ int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, cons
         if (isReportBegun) TellBadReport(report, options, errors);
         isSetUp = false;
     }
-    if (monitor.AreAllFiltered()) {
+    const OutcomeCounts& counts = monitor.Counts();
+    const bool isAllFiltered = counts.filtered > 0 && counts.filtered == counts.All();
+    if (isAllFiltered) {
         errors.WriteLine(L"名前の条件に合うファイルがありません");
     }
     if (!ended) {
@@ -144,8 +146,8 @@ int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, cons
     }
     if (!ended && stop.IsMade()) return kExitStopped;
     if (!isSetUp) return kExitSetupError;
-    const bool isComplete = ended && monitor.Failures() == 0 && inputs.troubles.empty() &&
-                            !inputs.files.empty() && !monitor.AreAllFiltered();
+    const bool isComplete = ended && counts.failed == 0 && counts.damaged == 0 &&
+                            inputs.troubles.empty() && !inputs.files.empty() && !isAllFiltered;
     return isComplete ? kExitAllConverted : kExitSomeNot;
 }
 

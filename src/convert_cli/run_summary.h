@@ -17,13 +17,11 @@ class RunSummary {
     // files came to what.
     void Write(ConsoleStream& stream, bool isQuiet) const;
 
-    int Failures() const { return counts_.failed + counts_.damaged; }
+    const OutcomeCounts& Counts() const { return counts_; }
 
   private:
-    static constexpr size_t kRemarkKinds = 5;
-
     OutcomeCounts counts_;
-    std::array<std::vector<std::wstring>, kRemarkKinds> remarks_;  // worst first
+    std::array<std::vector<std::wstring>, kRemarkCount> remarks_;
 };
 
 }  // namespace tessary

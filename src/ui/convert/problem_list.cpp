@@ -35,49 +35,21 @@ bool OpenFolder(HWND owner, const std::wstring& folder) {
     return result > 32;  // errors are told by small numbers
 }
 
-// The kinds in the order of the list.
-enum class Kind { kFailed, kDamaged, kStopped, kSkipped, kRenamed };
-
-Kind KindOf(const FileReport& report) {
-    if (report.isDamaged) return Kind::kDamaged;
-    switch (report.outcome) {
-        case FileOutcome::kFailed:
-            return Kind::kFailed;
-        case FileOutcome::kStopped:
-            return Kind::kStopped;
-        case FileOutcome::kSkipped:
-            return Kind::kSkipped;
-        default:
-            return Kind::kRenamed;
-    }
+std::wstring RemarkTextOf(const FileReport& report) {
+    const std::optional<Remark> remark = RemarkOf(report);
+    return remark ? RemarkText(*remark) : L"";
 }
 
-const wchar_t* KindText(Kind kind) {
-    switch (kind) {
-        case Kind::kFailed:
-            return L"失敗";
-        case Kind::kDamaged:
-            return L"損傷";
-        case Kind::kStopped:
-            return L"中止";
-        case Kind::kSkipped:
-            return L"スキップ";
-        case Kind::kRenamed:
-            return L"別名";
-    }
-    return L"";
-}
-
-std::wstring ReasonOfReport(const FileReport& report) {
-    std::wstring text = report.text.empty() ? ReasonText(report.reason) : report.text;
+std::wstring ReasonInList(const FileReport& report) {
+    std::wstring text = ReasonTextOf(report);
     if (report.isRenamed) text += L"（" + FileNameOf(report.target) + L" に保存）";
     return text;
 }
 
 ListView::Row RowOf(const FileReport& report) {
     const bool isMember = !report.member.empty();
-    return {isMember ? report.member : FileNameOf(report.source), KindText(KindOf(report)),
-            ReasonOfReport(report),
+    return {isMember ? report.member : FileNameOf(report.source), RemarkTextOf(report),
+            ReasonInList(report),
             isMember ? report.source : RemoveBackslash(FolderOf(report.source))};
 }
 
@@ -98,7 +70,7 @@ void ProblemList::Attach(HWND dialog, int id) {
 }
 
 void ProblemList::Add(const FileReport& report) {
-    if (!IsRemarkable(report)) return;
+    if (!RemarkOf(report)) return;
     reports_.push_back(report);
 }
 
@@ -117,7 +89,7 @@ void ProblemList::Show() {
 }
 
 void ProblemList::ShowByKind() {
-    std::ranges::stable_sort(reports_, {}, KindOf);
+    std::ranges::stable_sort(reports_, {}, RemarkOf);
     shown_ = 0;
     list_.SetRows({});
     Show();
@@ -144,8 +116,8 @@ void ProblemList::Copy() const {
     std::wstring text;
     for (const int index : selected) {
         const FileReport& report = reports_[static_cast<size_t>(index)];
-        text.append(SourceText(report)).append(L"\t").append(KindText(KindOf(report)));
-        text.append(L"\t").append(ReasonOfReport(report)).append(L"\r\n");
+        text.append(SourceText(report)).append(L"\t").append(RemarkTextOf(report));
+        text.append(L"\t").append(ReasonInList(report)).append(L"\r\n");
     }
     CopyTextToClipboard(list_.Handle(), text);
 }
