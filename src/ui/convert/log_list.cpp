@@ -79,18 +79,11 @@ void LogList::Show() {
 
 // Of the widest line from the index on.
 int LogList::WidthOf(size_t first) const {
-    const HDC context = GetDC(list_.Handle());
-    const HGDIOBJ former = SelectObject(context, font_.Get());
-    LONG width = 0;
-    for (size_t index = first; index < lines_.size(); ++index) {
-        SIZE size{};
-        GetTextExtentPoint32W(context, lines_[index].c_str(),
-                              static_cast<int>(lines_[index].size()), &size);
-        width = std::max(width, size.cx);
-    }
-    SelectObject(context, former);
-    ReleaseDC(list_.Handle(), context);
-    return static_cast<int>(width) + Metrics(list_.Handle()).Scale(kTextMargin);
+    const TextMeter texts(list_.Handle(), font_.Get());
+    int width = 0;
+    for (size_t index = first; index < lines_.size(); ++index)
+        width = std::max(width, texts.WidthOf(lines_[index]));
+    return width + Metrics(list_.Handle()).Scale(kTextMargin);
 }
 
 void LogList::ChangeMetrics() {

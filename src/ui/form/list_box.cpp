@@ -60,15 +60,10 @@ void ListBox::MarkOnly(int index) {
 }
 
 void ListBox::FontChanged() {
-    const HDC context = GetDC(Handle());
-    const HGDIOBJ former = SelectObject(context, reinterpret_cast<HFONT>(Send(WM_GETFONT)));
-    TEXTMETRICW text{};
-    GetTextMetricsW(context, &text);
-    SelectObject(context, former);
-    ReleaseDC(Handle(), context);
+    const TextMeter text(Handle(), reinterpret_cast<HFONT>(Send(WM_GETFONT)));
     const Metrics metrics(Handle());
     textMargin_ = metrics.Scale(kTextMargin);
-    Send(LB_SETITEMHEIGHT, 0, text.tmHeight + 2 * metrics.Scale(kRowPadding));
+    Send(LB_SETITEMHEIGHT, 0, text.LineHeight() + 2 * metrics.Scale(kRowPadding));
 }
 
 void ListBox::SetDimmed(bool dimmed) {

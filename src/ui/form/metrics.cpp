@@ -54,4 +54,24 @@ UniqueIcon Metrics::Icon(int resource, int pixelsAt96Dpi) const {
                                                     IMAGE_ICON, size, size, LR_DEFAULTCOLOR)));
 }
 
+TextMeter::TextMeter(HWND window, HFONT font)
+    : window_(window), context_(GetDC(window)), former_(SelectObject(context_, font)) {}
+
+TextMeter::~TextMeter() {
+    SelectObject(context_, former_);
+    ReleaseDC(window_, context_);
+}
+
+int TextMeter::WidthOf(const std::wstring& text) const {
+    SIZE size{};
+    GetTextExtentPoint32W(context_, text.c_str(), static_cast<int>(text.size()), &size);
+    return size.cx;
+}
+
+int TextMeter::LineHeight() const {
+    TEXTMETRICW text{};
+    GetTextMetricsW(context_, &text);
+    return text.tmHeight;
+}
+
 }  // namespace tessary

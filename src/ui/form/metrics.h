@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 #include "app/base/handles.h"
 
 namespace tessary {
@@ -40,6 +42,24 @@ class Metrics {
 
   private:
     int dpi_;
+};
+
+// Measures texts in a font as a window shows them. For the moment of measuring.
+class TextMeter {
+  public:
+    // Window and font must outlive this.
+    TextMeter(HWND window, HFONT font);
+    TextMeter(const TextMeter&) = delete;
+    TextMeter& operator=(const TextMeter&) = delete;
+    ~TextMeter();
+
+    int WidthOf(const std::wstring& text) const;
+    int LineHeight() const;
+
+  private:
+    HWND window_;
+    HDC context_;
+    HGDIOBJ former_;  // font
 };
 
 }  // namespace tessary

@@ -75,13 +75,7 @@ int StatusBar::Layout() {
 }
 
 int StatusBar::TextWidth(const std::wstring& text) const {
-    const HDC context = GetDC(handle_);
-    const HGDIOBJ former = SelectObject(context, font_.Get());
-    SIZE size{};
-    GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
-    SelectObject(context, former);
-    ReleaseDC(handle_, context);
-    return size.cx;
+    return TextMeter(handle_, font_.Get()).WidthOf(text);
 }
 
 void StatusBar::LayOutPanels() {
