@@ -59,18 +59,15 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     enum class View { kSettings, kStatus };
     enum class Pane { kLog, kProblems };  // of the status
 
-    // --- Settings (frmConvertAll.cpp) ---
+    // --- The window and its list (frmConvertAll.cpp) ---
     void Dialog_Load() override;
     void Dialog_Unload() override;
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
     void AttachControls();
     void AnchorControls();
-    void FillFormats();
     void ShowView(View view);
     void ShowPane(Pane pane);
-    void ShowChoices();
-    void RememberFolder();
     void FontsChanged();
 
     void AddFiles(std::span<const ConvertSource> files);
@@ -79,12 +76,17 @@ class frmConvertAll final : private Dialog, private ConvertMonitor {
     void listConvertFiles_KeyDown(int keyCode, int shift, bool& taken);
     void cmdAddFile_Click();
     void cmdAddFolder_Click();
-    void cmdConvertFolder_Click();
     void cmdDelete_Click();
     void cmdDeleteAll_Click();
-    void Command3_Click();
     void Leave();
+
+    // --- Choices for all files (frmConvertAll_choices.cpp) ---
+    void FillFormats();
+    void ShowChoices();
+    void cmdConvertFolder_Click();
     std::wstring TypedFolder() const;
+    void RememberFolder();
+    void Command3_Click();
 
     // --- A run and its status (frmConvertAll_run.cpp) ---
     void Dialog_OK() override;
