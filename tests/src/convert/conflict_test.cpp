@@ -1,6 +1,5 @@
 // What becomes of names that are in use: no source and no result of a run is lost, and runs that
 // are repeated, in whatever order, come to the same files.
-#include <map>
 #include <set>
 
 #include "app/base/paths.h"
@@ -8,44 +7,18 @@
 #include "tests/src/convert/convert_test.h"
 #include "tests/support/links.h"
 
-namespace tessary {
+namespace tessary::test {
 namespace {
-
-using test::ArchiveOf;
-using test::BitmapFileOf;
-using test::ContentOf;
 
 // Not what our writer makes of it.
 std::string ForeignBitmap(int size) {
     return BitmapFileOf(size, size, RGB(1, 2, 3)) + "behind the picture";
 }
 
-class ConflictTest : public test::ConvertTest {
+class ConflictTest : public ConvertTest {
   protected:
-    using Files = std::map<std::wstring, size_t>;
-
-    static size_t HashOf(const std::wstring& path) {
-        return std::hash<std::string>()(ContentOf(path));
-    }
-    // All files below a folder, with their contents.
-    static Files FilesBelow(const std::wstring& folder) {
-        Files files;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-            if (entry.is_regular_file()) {
-                files[entry.path().wstring().substr(folder.size())] =
-                    HashOf(entry.path().wstring());
-            }
-        }
-        return files;
-    }
-    static std::wstring NamesOf(const Files& files) {
-        std::wstring names;
-        for (const auto& [name, content] : files)
-            names += name + L' ';
-        return names;
-    }
-    static std::multiset<size_t> ContentsOf(const Files& files) {
-        std::multiset<size_t> contents;
+    static std::multiset<std::string> ContentsOf(const Files& files) {
+        std::multiset<std::string> contents;
         for (const auto& [name, content] : files)
             contents.insert(content);
         return contents;
@@ -84,10 +57,7 @@ TEST_F(ConflictTest, SourcesInTheTargetFolderStayAndResultsDoNotMultiply) {
               LR"(p.tsa p.tsa(0)\a.bmp p.tsa(0)\b.bmp sub\b.tst )");
     for (const auto& [name, content] : before)
         EXPECT_EQ(after.at(name), content) << name;
-    int renamed = 0;
-    for (const FileReport& report : monitor_.reports)
-        renamed += report.isRenamed ? 1 : 0;
-    EXPECT_EQ(renamed, 4);
+    EXPECT_EQ(CountOf(&FileReport::isRenamed, true), 4);
     // Also in another order, and with the results of the first run as sources.
     for (const bool isReversed : {true, false}) {
         EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), isReversed));
@@ -119,7 +89,7 @@ TEST_F(ConflictTest, PicturesOfOneNameStayApartInAnyOrderAndAfterAnyStop) {
     EXPECT_EQ(NamesOf(FilesBelow(Target())), NamesOf(all));
     EXPECT_EQ(ContentsOf(FilesBelow(Target())), ContentsOf(all));
     // Skipping resumes such a run, and does nothing where nothing is missing.
-    Values().convert.onConflict = kConflictSkip;
+    settings_.onConflict = kConflictSkip;
     std::filesystem::remove(Target() + L"img (2).bmp");
     monitor_.stepsLeft = -1;
     for (const bool isReversed : {true, false}) {
@@ -130,10 +100,10 @@ TEST_F(ConflictTest, PicturesOfOneNameStayApartInAnyOrderAndAfterAnyStop) {
 
 // The members of an archive, and who comes first, may change between two runs.
 TEST_F(ConflictTest, MembersOfOneNameAllSurvive) {
-    const test::ArchiveEntry first{"a.tst", "TST 4x4x24\n"};
-    const test::ArchiveEntry second{"a.bmp", ForeignBitmap(5)};
-    const test::ArchiveEntry third{"A.gif", "TST 6x6x24\n"};
-    std::multiset<size_t> contents;
+    const ArchiveEntry first{"a.tst", "TST 4x4x24\n"};
+    const ArchiveEntry second{"a.bmp", ForeignBitmap(5)};
+    const ArchiveEntry third{"A.gif", "TST 6x6x24\n"};
+    std::multiset<std::string> contents;
     for (const std::string& archive :
          {ArchiveOf({first, second, third}), ArchiveOf({third, second, first})}) {
         source_.Write(L"x.tsa", archive);
@@ -147,7 +117,7 @@ TEST_F(ConflictTest, MembersOfOneNameAllSurvive) {
 
 // Also when it is what the members are, byte for byte.
 TEST_F(ConflictTest, WhatStandsWhereAnArchiveIsExpandedIsSomebodys) {
-    const test::ArchiveEntry members[] = {
+    const ArchiveEntry members[] = {
         {"m.tst", "TST 4x4x24\n"}, {"d/n.tst", "TST 5x4x24\n"}, {"t.xyz", "text"}};
     source_.Write(L"x.tsa", ArchiveOf({members[0], members[1], members[2]}));
     for (const int32_t policy : {kConflictFreeName, kConflictSkip, kConflictOverwrite}) {
@@ -156,8 +126,8 @@ TEST_F(ConflictTest, WhatStandsWhereAnArchiveIsExpandedIsSomebodys) {
             target_.Write(LR"(out\x.tsa\m.tst)", members[0].data);
             target_.Write(LR"(out\x.tsa\d\n.tst)", members[1].data);
             target_.Write(LR"(out\x.tsa\t.xyz)", members[2].data);
-            Values().convert.onConflict = policy;
-            Values().convert.decodeUnknownFile = keepsUnknown;
+            settings_.onConflict = policy;
+            settings_.decodeUnknownFile = keepsUnknown;
             for (int run = 0; run < 2; ++run) {
                 EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
                 EXPECT_EQ(Converted(),
@@ -220,7 +190,7 @@ TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
     for (const auto& row : table) {
         std::filesystem::remove_all(Target());
         target_.Write(L"out\\a.bmp", "mine");
-        Values().convert.onConflict = row.policy;
+        settings_.onConflict = row.policy;
         monitor_.answer = row.answer;
         EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
         EXPECT_EQ(Converted(), row.names);
@@ -230,7 +200,7 @@ TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
         EXPECT_EQ(report.outcome == FileOutcome::kSkipped, row.stays && !report.isRenamed);
     }
     // What lies beside a source is likely to be a picture of his, although it is not in the list.
-    Values().convert.onConflict = kConflictFreeName;
+    settings_.onConflict = kConflictFreeName;
     const std::wstring beside = source_.Write(L"a.bmp", "mine");
     monitor_.files = {source_.Path() + L"a.tst"};
     for (int run = 0; run < 2; ++run)
@@ -240,15 +210,19 @@ TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
     std::filesystem::remove(source_.Path() + L"a (2).bmp");
     // Not even when he says so: the second is still to be read.
     source_.Write(L"a.bmp", ForeignBitmap(5));
-    Values().convert.onConflict = kConflictAsk;
+    settings_.onConflict = kConflictAsk;
     monitor_.answer = ConflictAnswer::kReplace;
     EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), true));
     EXPECT_EQ(ContentOf(source_.Path() + L"a (2).bmp").size(), BitmapFileOf(4, 4, 0).size());
     // The engine's plain rule: whoever comes last stays.
-    Values().convert.onConflict = kConflictOverwrite;
+    settings_.onConflict = kConflictOverwrite;
     std::filesystem::remove_all(Target());
     EXPECT_TRUE(RunOver(source_.Path(), Target(), true));
     EXPECT_EQ(Converted(), L"a (2).bmp a.bmp ");
+    // A source that was overwritten before its turn is no success.
+    EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), true));
+    EXPECT_EQ(CountOf(&FileReport::reason, FileReason::kOverwritten), 1);
+    EXPECT_EQ(CountOf(&FileReport::outcome, FileOutcome::kFailed), 1);
 }
 
 // A name that is given because another is in use replaces nothing, and names fit into a folder.
@@ -268,29 +242,19 @@ TEST_F(ConflictTest, OtherNamesAreFreeOnes) {
         EXPECT_EQ(ContentOf(mine), "mine");
     }
     // What is there stays, whatever it is; and nothing is said of it that nobody knows.
-    Values().convert.onConflict = kConflictSkip;
+    settings_.onConflict = kConflictSkip;
     for (const wchar_t* const name : {L"a.bmp", L"a (3).bmp"})
         target_.Write(std::wstring(L"out\\") + name, "made with other settings");
     const Files before = FilesBelow(Target());
     EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
     EXPECT_EQ(NamesOf(FilesBelow(Target())), NamesOf(before));
-    EXPECT_EQ(std::ranges::count(monitor_.reports, FileReason::kTargetExists, &FileReport::reason),
-              3);
+    EXPECT_EQ(CountOf(&FileReport::reason, FileReason::kTargetExists), 3);
     // Members of one name are told as renamed.
     source_.Write(L"x.tsa", ArchiveOf({{"m.tst", "TST 4x4x24\n"}, {"M.tst", "TST 5x4x24\n"}}));
     monitor_.files = {source_.Path() + L"x.tsa"};
     monitor_.reports.clear();
     EXPECT_TRUE(Run());
-    EXPECT_EQ(std::ranges::count(monitor_.reports, true, &FileReport::isRenamed), 1);
-}
-
-TEST_F(ConflictTest, SourcesThatWereOverwrittenAreNoSuccess) {
-    Values().convert.onConflict = kConflictOverwrite;
-    source_.Write(L"a.bmp", ForeignBitmap(5));
-    source_.Write(L"a.tst", "TST 4x4x24\n");
-    EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), true));
-    EXPECT_EQ(monitor_.reports.back().outcome, FileOutcome::kFailed);
-    EXPECT_EQ(monitor_.reports.back().reason, FileReason::kOverwritten);
+    EXPECT_EQ(CountOf(&FileReport::isRenamed, true), 1);
 }
 
 TEST_F(ConflictTest, TheSameFileByAnotherPathIsTheSame) {
@@ -298,7 +262,7 @@ TEST_F(ConflictTest, TheSameFileByAnotherPathIsTheSame) {
     const std::wstring own = target_.Write(L"out\\a.bmp", ForeignBitmap(5));
     const std::string content = ContentOf(own);
     const std::wstring link = target_.Path() + L"link";
-    ASSERT_TRUE(test::MakeFolderLink(link, RemoveBackslash(Target())));
+    ASSERT_TRUE(MakeFolderLink(link, RemoveBackslash(Target())));
     monitor_.files = {own, source_.Write(L"A.tst", "TST 4x4x24\n"), own};
     EXPECT_TRUE(ConvertFiles(link, monitor_));
     EXPECT_EQ(Converted(), L"A (2).bmp a (3).bmp a.bmp ");
@@ -307,7 +271,7 @@ TEST_F(ConflictTest, TheSameFileByAnotherPathIsTheSame) {
 }
 
 TEST_F(ConflictTest, FoldersAreKept) {
-    Values().convert.keepFolders = true;
+    settings_.keepFolders = true;
     for (const wchar_t* const name : {LR"(1\img.tst)", LR"(2\img.tst)", LR"(2\sub\img.tst)"})
         monitor_.files.push_back(source_.Write(name, "TST 4x4x24\n"));
     monitor_.files.push_back(
@@ -328,18 +292,13 @@ TEST_F(ConflictTest, ArchivesInArchivesComeToAnEnd) {
         inner = ArchiveOf({{name, inner}, {"again.tsa", inner}});
     Add(L"x.tsa", inner);
     for (const int32_t depth : {1, 2, 3}) {
-        std::filesystem::remove_all(Target());
-        monitor_.reports.clear();
-        Values().convert.archiveDepth = depth;
-        EXPECT_TRUE(Run());
+        settings_.archiveDepth = depth;
+        EXPECT_TRUE(RunAnew());
         EXPECT_EQ(Converted().find(L"deep.bmp") != std::wstring::npos, depth == 3);
-        const auto count = [&](FileReason reason) {
-            return std::ranges::count(monitor_.reports, reason, &FileReport::reason);
-        };
-        EXPECT_EQ(count(FileReason::kTooDeep), depth < 3 ? 2 : 0) << depth;
-        EXPECT_EQ(count(FileReason::kSameArchive), depth - 1) << depth;
+        EXPECT_EQ(CountOf(&FileReport::reason, FileReason::kTooDeep), depth < 3 ? 2 : 0) << depth;
+        EXPECT_EQ(CountOf(&FileReport::reason, FileReason::kSameArchive), depth - 1) << depth;
     }
 }
 
 }  // namespace
-}  // namespace tessary
+}  // namespace tessary::test

@@ -8,7 +8,7 @@
 #include "convert/numbered_files.h"
 #include "tests/src/convert/convert_test.h"
 
-namespace tessary {
+namespace tessary::test {
 namespace {
 
 TEST(NameMask, Language) {
@@ -58,7 +58,7 @@ TEST(NameMask, Language) {
 }
 
 TEST(DecodeFilter, NamesAndSizes) {
-    const test::RedirectedSettings settings;
+    const RedirectedSettings settings;
     ConvertSettings& convert = Values().convert;
     convert.decodeFileMask = L"*.a";
     // use, set → x.a passes, x.b passes
@@ -82,7 +82,7 @@ TEST(DecodeFilter, NamesAndSizes) {
 }
 
 TEST(ConvertFilesOnDisk, FoldersAndDeleting) {
-    const test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     EXPECT_TRUE(MakeFolder(folder.Path() + LR"(a\b\c\)"));
     EXPECT_TRUE(MakeFolder(folder.Path() + LR"(a\b)"));
     const std::wstring file = folder.Write(L"x1.t");
@@ -103,7 +103,7 @@ TEST(ConvertFilesOnDisk, FoldersAndDeleting) {
 }
 
 TEST(ConvertFilesOnDisk, Numbers) {
-    const test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::wstring path = folder.Write(L"log", "old\r\n");
     NumberedFiles files;
     const auto open = [&](OpenMode mode, OpenLock lock, OpenAccess access = OpenAccess::kWrite) {
@@ -114,7 +114,7 @@ TEST(ConvertFilesOnDisk, Numbers) {
     EXPECT_TRUE(files.WriteLine(1, "new"));
     files.CloseFileNumber(1);
     EXPECT_FALSE(files.WriteLine(1, "lost"));
-    EXPECT_EQ(test::ContentOf(path), "old\r\nnew\r\n");
+    EXPECT_EQ(ContentOf(path), "old\r\nnew\r\n");
     EXPECT_EQ(open(OpenMode::kInput, OpenLock::kShared, OpenAccess::kRead), 1);
     EXPECT_EQ(open(OpenMode::kOutput, OpenLock::kShared), 2);
     files.CloseFileNumber(1);
@@ -123,8 +123,8 @@ TEST(ConvertFilesOnDisk, Numbers) {
     EXPECT_EQ(
         files.OpenFileNumber(path + L"2", OpenMode::kInput, OpenAccess::kRead, OpenLock::kShared),
         0);
-    EXPECT_EQ(test::ContentOf(path), "");
+    EXPECT_EQ(ContentOf(path), "");
 }
 
 }  // namespace
-}  // namespace tessary
+}  // namespace tessary::test

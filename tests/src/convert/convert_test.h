@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -49,9 +50,7 @@ class FakeMonitor : public ConvertMonitor {
         if (stage == FileStage::kSaved) saved.push_back(report);
     }
     void FileDone(const FileReport& report) override {
-        const auto outcome = static_cast<size_t>(report.outcome);
-        counts.resize(std::max(counts.size(), outcome + 1));
-        ++counts[outcome];
+        counts.Count(report);
         reports.push_back(report);
     }
 
@@ -62,11 +61,31 @@ class FakeMonitor : public ConvertMonitor {
     std::wstring steps;  // what SetProgressBar was told about the whole run
     int stepsLeft = -1;  // from the step on that brings this to 0 a stop is asked for
     std::vector<int32_t> percents;
-    std::vector<int> counts = {0, 0, 0};  // by FileOutcome
+    OutcomeCounts counts;
     std::vector<FileReport> reports;
     std::vector<FileReport> saved;  // told while the next file was read
     ConflictAnswer answer = ConflictAnswer::kSkip;
 };
+
+// The files below a folder, with their contents.
+using Files = std::map<std::wstring, std::string>;
+
+inline Files FilesBelow(const std::wstring& folder) {
+    Files files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        const std::wstring path = entry.path().wstring();
+        if (entry.is_regular_file()) files[path.substr(folder.size())] = ContentOf(path);
+    }
+    return files;
+}
+
+// With a blank behind each.
+inline std::wstring NamesOf(const Files& files) {
+    std::wstring names;
+    for (const auto& [name, content] : files)
+        names += name + L' ';
+    return names;
+}
 
 class ConvertTest : public testing::Test {
   protected:
@@ -84,28 +103,27 @@ class ConvertTest : public testing::Test {
     void Add(const std::wstring& name, const std::string& content) {
         monitor_.files.push_back(source_.Write(name, content));
     }
+    // A run over the list, into a target folder that may be emptied before.
     bool Run() { return ConvertFiles(Target(), monitor_); }
-    std::wstring Target() const { return target_.Path() + L"out\\"; }
-
-    // The files below the target folder, sorted, with blanks between.
-    std::wstring Converted() const {
-        std::vector<std::wstring> names;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(Target())) {
-            if (entry.is_regular_file()) {
-                names.push_back(entry.path().wstring().substr(Target().size()));
-            }
-        }
-        std::sort(names.begin(), names.end());
-        std::wstring joined;
-        for (const std::wstring& name : names)
-            joined += name + L' ';
-        return joined;
+    bool RunAnew() {
+        std::filesystem::remove_all(Target());
+        monitor_.reports.clear();
+        monitor_.lines.clear();
+        return Run();
     }
+    std::wstring Target() const { return target_.Path() + L"out\\"; }
+    std::wstring Converted() const { return NamesOf(FilesBelow(Target())); }
     bool LogHolds(const std::wstring& line) const {
-        return std::count(monitor_.lines.begin(), monitor_.lines.end(), line) != 0;
+        return std::ranges::count(monitor_.lines, line) != 0;
+    }
+    // How many of the reports have a value somewhere.
+    template <typename Value>
+    ptrdiff_t CountOf(Value FileReport::*part, Value value) const {
+        return std::ranges::count(monitor_.reports, value, part);
     }
 
     RedirectedSettings store_;
+    ConvertSettings& settings_ = Values().convert;
     TemporaryFolder plugins_;
     TemporaryFolder source_;
     TemporaryFolder target_;
