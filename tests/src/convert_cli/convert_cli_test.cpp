@@ -8,6 +8,7 @@
 
 #include "app/base/handles.h"
 #include "app/base/paths.h"
+#include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "app/settings/settings_store.h"
 #include "convert_cli/console_options.h"
@@ -33,6 +34,19 @@ class ConvertCliTest : public testing::Test {
         DWORD status;
         std::string output;
     };
+    static testing::AssertionResult Holds(const std::string& whole, std::string_view part) {
+        if (whole.find(part) != whole.npos) return testing::AssertionSuccess();
+        return testing::AssertionFailure() << part << " is not in " << whole;
+    }
+    static void Expect(const Outcome& run, DWORD status, const std::vector<std::string>& texts) {
+        EXPECT_EQ(run.status, status) << run.output;
+        for (const std::string& text : texts)
+            EXPECT_TRUE(Holds(run.output, text));
+    }
+    bool IsThere(const std::wstring& name) const { return PathExists(folder_.Path() + name); }
+    void MarkFile(const std::wstring& name, DWORD attributes) const {
+        EXPECT_TRUE(SetFileAttributesW((folder_.Path() + name).c_str(), attributes));
+    }
     Outcome RunProgram(const std::wstring& arguments) {
         return Run(L'"' + test::FinishedFolder() + L"tessary-convert.exe\" " + arguments,
                    DETACHED_PROCESS);
@@ -60,6 +74,12 @@ class ConvertCliTest : public testing::Test {
         const DWORD status = program.ExitCode();
         return {status, ContentOf(path)};
     }
+    static std::vector<std::wstring> Split(const std::wstring& text) {
+        std::vector<std::wstring> words;
+        SplitText(text, L' ', words);
+        if (text.empty()) words.clear();
+        return words;
+    }
     // The folder spi with iftst.spi is the only one.
     void UsePlugins() {
         std::filesystem::create_directory(folder_.Path() + L"spi");
@@ -76,35 +96,13 @@ class ConvertCliTest : public testing::Test {
 
 TEST_F(ConvertCliTest, ArgumentsChangeSettings) {
     ConsoleOptions options;
-    const std::vector<std::wstring> arguments = {L"a",
-                                                 L"--out",
-                                                 LR"(C:\o)",
-                                                 L"--format-low=jpeg",
-                                                 L"--format-high",
-                                                 L"PNG",
-                                                 L"--no-unpack",
-                                                 L"--min-width",
-                                                 L"100",
-                                                 L"--exclude-mask",
-                                                 L"[!a]*",
-                                                 L"--keep-unknown",
-                                                 L"--log=C:\\x",
-                                                 L"--append",
-                                                 L"--jpeg-quality",
-                                                 L"95",
-                                                 L"--png-level",
-                                                 L"0",
-                                                 L"--png-interlace",
-                                                 L"--encoding",
-                                                 L"shift_jis",
-                                                 L"--recursive",
-                                                 L"--on-conflict",
-                                                 L"skip",
-                                                 L"--archive-depth=2",
-                                                 L"--strict",
-                                                 L"--keep-folders",
-                                                 L"--",
-                                                 L"--both"};
+    const std::vector<std::wstring> arguments = Split(
+        LR"(a --out C:\o --format-low=jpeg --format-high PNG --no-unpack --min-width 100 )"
+        LR"(--exclude-mask [!a]* --keep-unknown --log=C:\x --append --jpeg-quality 95 )"
+        LR"(--png-level 0 --png-interlace --no-jpeg-optimize --bmp-type os2 --bmp-rle )"
+        LR"(--encoding shift_jis --recursive --on-conflict skip --archive-depth=2 )"
+        LR"(--strict --keep-folders -- --both)");
+    Values().saveOptions.jpeg.optimizedHuffman = 1;
     ASSERT_EQ(ParseOptions(arguments, options), L"");
     EXPECT_EQ(options.inputs, (std::vector<std::wstring>{L"a", L"--both"}));
     EXPECT_EQ(options.targetFolder, LR"(C:\o)");
@@ -128,23 +126,19 @@ TEST_F(ConvertCliTest, ArgumentsChangeSettings) {
     EXPECT_EQ(convert.onConflict, kConflictSkip);
     EXPECT_EQ(convert.archiveDepth, 2);
     EXPECT_TRUE(convert.skipDamaged && convert.keepFolders);
-    EXPECT_EQ(Values().saveOptions.jpeg.quality, 95);
-    EXPECT_EQ(Values().saveOptions.png.quality, 0);
-    EXPECT_EQ(Values().saveOptions.png.interlace, 1);
+    saving::SaveOptions expected;
+    expected.bmp = {.saveType = 1, .saveRLE = 1};
+    expected.png = {.quality = 0, .interlace = 1};
+    expected.jpeg.quality = 95;
+    EXPECT_TRUE(Values().saveOptions == expected);
 
-    const std::vector<std::wstring> wrong[] = {{},
-                                               {L"--out", L"o"},
-                                               {L"a"},
-                                               {L"a", L"--out"},
-                                               {L"--out=", L"a"},
-                                               {L"--out", L"o", L"a", L"--what"},
-                                               {L"--out", L"o", L"a", L"--png-level", L"10"},
-                                               {L"--out", L"o", L"a", L"--min-height", L"-1"},
-                                               {L"--out", L"o", L"a", L"--format", L"gif"},
-                                               {L"--out", L"o", L"a", L"--encoding", L"x"}};
-    for (const auto& each : wrong) {
+    for (const wchar_t* const wrong :
+         {L"", L"--out o", L"a", L"a --out", L"--out= a", L"--out o a --what",
+          L"--out o a --no-png-level", L"--out o a --png-level 10", L"--out o a --bmp-type dos",
+          L"--out o a --bmp-rle=1", L"--out o a --min-height -1", L"--out o a --format gif",
+          L"--out o a --encoding x"}) {
         ConsoleOptions ignored;
-        EXPECT_NE(ParseOptions(each, ignored), L"") << each.size();
+        EXPECT_NE(ParseOptions(Split(wrong), ignored), L"") << wrong;
     }
 }
 
@@ -152,41 +146,37 @@ TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
     SaveSetting(L"Convert", L"SaveType2", L"1");
     folder_.Write(LR"(in\絵.bmp)", BitmapFileOf(3, 3, 0));
     folder_.Write(LR"(in\sub\b.bmp)", BitmapFileOf(3, 3, 0));
-    const Outcome good = RunProgram(L"--out out in");
-    EXPECT_EQ(good.status, 0U) << good.output;
+    Expect(RunProgram(L"--out out in"), 0, {"  保存ファイル名      ", "変換 1"});
     EXPECT_EQ(ContentOf(folder_.Path() + LR"(out\絵.png)").substr(1, 3), "PNG");
-    EXPECT_FALSE(PathExists(folder_.Path() + LR"(out\b.png)"));
-    EXPECT_NE(good.output.find("  保存ファイル名      "), std::string::npos) << "UTF-8";
-    EXPECT_NE(good.output.find("変換 1"), std::string::npos) << good.output;
-
-    // Masks are no names of files; what they leave out is no failure.
-    const Outcome some = RunProgram(L"--out out --recursive --mask b* --encoding shift_jis in");
-    EXPECT_EQ(some.status, 0U) << some.output;
-    EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\b.png)"));
-    EXPECT_NE(some.output.find("\x8Cx\x8D\x90"), std::string::npos) << "警告";
+    EXPECT_FALSE(IsThere(LR"(out\b.png)"));
+    // Masks are no names of files; what they leave out is no failure. What is told is a warning.
+    Expect(RunProgram(L"--out out --recursive --mask b* --encoding shift_jis in"), 0,
+           {"\x8Cx\x8D\x90"});
+    EXPECT_TRUE(IsThere(LR"(out\b.png)"));
 
     folder_.Write(L"x.dat", "no picture");
-    EXPECT_EQ(RunProgram(L"--out out x.dat").status, 1U);
-    EXPECT_EQ(RunProgram(LR"(--out out in\*.bmp gone.bmp)").status, 1U);
-    EXPECT_EQ(RunProgram(L"--out out --no-unpack --mask none* in").status, 1U);
-    EXPECT_EQ(RunProgram(LR"(--out x.dat\out in)").status, 2U);
-    EXPECT_EQ(RunProgram(LR"(--out out --log x.dat\log in)").status, 2U);
-    EXPECT_EQ(RunProgram(LR"(--out out --report in\絵.bmp in)").status, 2U);
-    EXPECT_EQ(RunProgram(LR"(--out out --log in\絵.bmp in)").status, 2U);
-    EXPECT_EQ(RunProgram(LR"(--out out --log in\絵.bmp in\sub)").status, 2U);
-    EXPECT_EQ(RunProgram(LR"(--out out --log new.txt --report in\..\NEW.txt in)").status, 2U);
-    EXPECT_FALSE(PathExists(folder_.Path() + L"new.txt"));
+    const std::pair<const wchar_t*, DWORD> statuses[] = {
+        {L"--out out x.dat", 1},
+        {LR"(--out out in\*.bmp gone.bmp)", 1},
+        {L"--out out --no-unpack --mask none* in", 1},
+        {LR"(--out x.dat\out in)", 2},
+        {LR"(--out out --log x.dat\log in)", 2},
+        {LR"(--out out --report in\絵.bmp in)", 2},
+        {LR"(--out out --log in\絵.bmp in)", 2},
+        {LR"(--out out --log in\絵.bmp in\sub)", 2},
+        {LR"(--out out --log new.txt --report in\..\NEW.txt in)", 2},
+        {L"", 2},
+        {L"/?", 0},
+        {L"--format x in", 2},
+        {L"--help", 0}};
+    for (const auto& [arguments, status] : statuses)
+        EXPECT_EQ(RunProgram(arguments).status, status) << arguments;
+    EXPECT_FALSE(IsThere(L"new.txt"));
     EXPECT_EQ(ContentOf(folder_.Path() + LR"(in\絵.bmp)"), BitmapFileOf(3, 3, 0));
-    EXPECT_EQ(RunProgram({}).status, 2U);
-    EXPECT_EQ(RunProgram(L"/?").status, 0U);
-    EXPECT_EQ(RunProgram(L"--format x in").status, 2U);
-    EXPECT_EQ(RunProgram(L"--help").status, 0U);
     // A setting that cannot be read would ask in a window.
     SaveSetting(L"Convert", L"MinDecodeSizeX", L"wide");
-    const Outcome broken = RunProgram(L"--out out in");
-    EXPECT_EQ(broken.status, 2U);
-    EXPECT_NE(broken.output.find("レジストリの読み取りエラーです。"), std::string::npos);
-    EXPECT_EQ(RunProgram(L"--out out --ignore-settings in").status, 0U);
+    Expect(RunProgram(L"--out out in"), 2, {"レジストリの読み取りエラーです。"});
+    Expect(RunProgram(L"--out out --ignore-settings in"), 0, {});
     EXPECT_EQ(GetSetting(L"Init", L"Run", L"-"), L"-") << "settings are never written";
     EXPECT_EQ(GetSetting(L"General", L"UseSPI", L"-"), L"-");
 }
@@ -194,11 +184,9 @@ TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
 TEST_F(ConvertCliTest, WritesWhatItsConsoleReads) {
     folder_.Write(L"é表.xyz", "no picture");
     const Outcome japanese = RunInConsole(L"932", L"--quiet --out out é表.xyz");
-    EXPECT_EQ(japanese.status, 1U);
-    EXPECT_NE(japanese.output.find("\x8E\xB8\x94s: "), std::string::npos) << "失敗";
-    EXPECT_NE(japanese.output.find("?\x95\\.xyz"), std::string::npos) << japanese.output;
+    Expect(japanese, 1, {"\x8E\xB8\x94s: ", "?\x95\\.xyz"});
     const Outcome utf8 = RunInConsole(L"65001", L"--quiet --out out é表.xyz");
-    EXPECT_NE(utf8.output.find("é表.xyz （未知の形式）"), std::string::npos) << utf8.output;
+    Expect(utf8, 1, {"é表.xyz （未知の形式）"});
     const Outcome chosen = RunInConsole(L"932", L"--quiet --encoding utf-8 --out out é表.xyz");
     EXPECT_EQ(chosen.output, utf8.output);
     const Outcome same = RunInConsole(L"932", L"--quiet --encoding console --out out é表.xyz");
@@ -206,9 +194,7 @@ TEST_F(ConvertCliTest, WritesWhatItsConsoleReads) {
 
     // For programs every name comes through, whatever the code page.
     const Outcome report = RunInConsole(L"932", L"--quiet --report - --out out é表.xyz 2>nul");
-    EXPECT_NE(report.output.find(R"(\\\u00e9\u8868.xyz","target":"","result":"failed")"),
-              std::string::npos)
-        << report.output;
+    Expect(report, 1, {R"(\\\u00e9\u8868.xyz","target":"","result":"failed")"});
     EXPECT_TRUE(report.output.starts_with('{') && report.output.ends_with("}\n"));
     EXPECT_EQ(JsonLine({.source = L"\xD83D\xDE00\xD83D\"é"}, false).find(R"(😀\ud83d\"é")"), 11u);
 }
@@ -220,87 +206,64 @@ TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
     folder_.Write(LR"(in\b\film.MP4)", "no picture");
     folder_.Write(LR"(in\b\mp4)", "no picture");
     folder_.Write(LR"(in\b\hidden.bmp)", BitmapFileOf(3, 3, 0));
-    SetFileAttributesW((folder_.Path() + LR"(in\b\hidden.bmp)").c_str(), FILE_ATTRIBUTE_HIDDEN);
-    SetFileAttributesW(folder_.Write(L"r.jsonl", std::string(5000, '?')).c_str(),
-                       FILE_ATTRIBUTE_HIDDEN);
+    folder_.Write(L"r.jsonl", std::string(5000, '?'));
+    for (const wchar_t* const hidden : {LR"(in\b\hidden.bmp)", L"r.jsonl"})
+        MarkFile(hidden, FILE_ATTRIBUTE_HIDDEN);
     const Outcome run =
         RunProgram(LR"(--format png --quiet --recursive --report r.jsonl --out out in in\b\*.bmp)");
-    EXPECT_EQ(run.status, 1U);
-    EXPECT_EQ(run.output.find("変換 "), std::string::npos) << run.output;
-    EXPECT_EQ(run.output.find("hidden"), std::string::npos);
-    EXPECT_NE(run.output.find("失敗: "), std::string::npos);
-    EXPECT_NE(run.output.find("x.xyz"), std::string::npos);
-    EXPECT_NE(run.output.find("別名: "), std::string::npos);
-    EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\a (2).png)"));
+    Expect(run, 1, {"失敗: ", "x.xyz", "別名: "});
+    EXPECT_FALSE(Holds(run.output, "変換 ") || Holds(run.output, "hidden"));
+    EXPECT_TRUE(IsThere(LR"(out\a (2).png)"));
     const std::string report = ContentOf(folder_.Path() + L"r.jsonl");
-    EXPECT_NE(report.find(R"(\\in\\b\\x.xyz","target":"","result":"failed","reason":")"),
-              std::string::npos)
-        << report;
-    EXPECT_NE(report.find(R"(\\in\\b\\mp4","target":"","result":"failed")"), std::string::npos);
-    EXPECT_NE(report.find(R"("result":"declined","reason":"no-picture")"), std::string::npos);
-    EXPECT_EQ(report.find('?'), std::string::npos);
-    EXPECT_NE(report.find(R"("result":"converted","renamed":true,"reason":"target-exists")"),
-              std::string::npos)
-        << report;
+    EXPECT_TRUE(Holds(report, R"(\\in\\b\\x.xyz","target":"","result":"failed","reason":")"));
+    EXPECT_TRUE(Holds(report, R"(\\in\\b\\mp4","target":"","result":"failed")"));
+    EXPECT_TRUE(Holds(report, R"("result":"declined","reason":"no-picture")"));
+    EXPECT_FALSE(Holds(report, "?"));
+    EXPECT_TRUE(Holds(report, R"("result":"converted","renamed":true,"reason":"target-exists")"));
 
-    const Outcome unreported = RunProgram(LR"(--out out2 --report none\r.jsonl in\a.bmp)");
-    EXPECT_EQ(unreported.status, 2U);
-    EXPECT_NE(unreported.output.find("レポートに書き込めません"), std::string::npos);
-    EXPECT_NE(unreported.output.find("フォルダが見つかりません。"), std::string::npos);
-    const std::wstring kept = folder_.Path() + LR"(out2\a.bmp)";
-    EXPECT_TRUE(SetFileAttributesW(kept.c_str(), FILE_ATTRIBUTE_READONLY));
+    Expect(RunProgram(LR"(--out out2 --report none\r.jsonl in\a.bmp)"), 2,
+           {"レポートに書き込めません", "フォルダが見つかりません。"});
+    MarkFile(LR"(out2\a.bmp)", FILE_ATTRIBUTE_READONLY);
     RunProgram(LR"(--on-conflict overwrite --out out2 --report r.jsonl in\a.bmp)");
-    EXPECT_NE(ContentOf(folder_.Path() + L"r.jsonl")
-                  .find(R"("result":"failed","reason":"read-only-target")"),
-              std::string::npos);
+    EXPECT_TRUE(Holds(ContentOf(folder_.Path() + L"r.jsonl"),
+                      R"("result":"failed","reason":"read-only-target")"));
 }
 
 TEST_F(ConvertCliTest, PluginsNeitherEndARunUnseenNorHoldItUp) {
     folder_.Write(L"ask.tst", "TST 8x8x24\ndirty:question:GetPicture\n");
     folder_.Write(L"end.tst", "TST 8x8x24\ncrash:exit-well:GetPicture\n");
     UsePlugins();
-    const Outcome asked = RunProgram(L"--format png --out out ask.tst");
-    EXPECT_EQ(asked.status, 0U) << asked.output;
-    EXPECT_NE(
-        asked.output.find("プラグイン iftst.spi が表示したウィンドウを閉じました: Test plug-in "
-                          "question: Go on?"),
-        std::string::npos)
-        << asked.output;
-    EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\ask.png)"));
+    Expect(
+        RunProgram(L"--format png --out out ask.tst"), 0,
+        {"プラグイン iftst.spi が表示したウィンドウを閉じました: Test plug-in question: Go on?"});
+    EXPECT_TRUE(IsThere(LR"(out\ask.png)"));
 
     // What was done before is told all the same, by the process that sees to it.
     folder_.Write(L"a.bmp", BitmapFileOf(3, 3, 0));
     folder_.Write(L"b.bmp", BitmapFileOf(3, 3, 0));
     folder_.Write(L"x.xyz", "no picture");
-    const Outcome ended = RunProgram(
-        L"--format png --quiet --report r.jsonl --out out x.xyz a.bmp b.bmp end.tst ask.tst");
-    EXPECT_EQ(ended.status, 4U) << ended.output;
-    EXPECT_NE(ended.output.find("プラグイン iftst.spi の処理中（GetPicture）"), std::string::npos)
-        << ended.output;
-    EXPECT_NE(ended.output.find("x.xyz （未知の形式）"), std::string::npos) << ended.output;
-    EXPECT_NE(ended.output.find("end.tst （途中でプロセスが終了した (iftst.spi)）"),
-              std::string::npos);
+    Expect(RunProgram(L"--format png --quiet --report r.jsonl --out out x.xyz a.bmp b.bmp end.tst "
+                      L"ask.tst"),
+           4,
+           {"プラグイン iftst.spi の処理中（GetPicture）", "x.xyz （未知の形式）",
+            "end.tst （途中でプロセスが終了した (iftst.spi)）"});
     const std::string report = ContentOf(folder_.Path() + L"r.jsonl");
     EXPECT_EQ(std::ranges::count(report, '\n'), 4) << report;
-    EXPECT_NE(report.find(R"(a.png","result":"converted")"), std::string::npos) << report;
-    EXPECT_NE(report.find(R"("result":"failed","reason":"process-ended")"), std::string::npos);
+    EXPECT_TRUE(Holds(report, R"(a.png","result":"converted")"));
+    EXPECT_TRUE(Holds(report, R"("result":"failed","reason":"process-ended")"));
 
     // One that ends the process while it is loaded is left out by the next run, and tried again.
     folder_.Write(LR"(spi\iftst.spi.script)", "crash:exit:DllMain\n");
-    using Expected = std::pair<bool, const char*>;
-    for (const auto& [ends, told] :
-         {Expected{true, "（LoadLibrary）でした"}, Expected{false, "今回は読み込みません"},
-          Expected{true, "（LoadLibrary）でした"}, Expected{false, "今後は読み込みません"},
-          Expected{false, "続けて異常終了"}}) {
-        const Outcome run = RunProgram(L"--format png --out out --recursive none");
-        EXPECT_EQ(run.status == 4U, ends) << run.output;
-        EXPECT_NE(run.output.find(told), std::string::npos) << run.output;
-    }
+    const std::pair<DWORD, const char*> runs[] = {{4, "（LoadLibrary）でした"},
+                                                  {2, "今回は読み込みません"},
+                                                  {4, "（LoadLibrary）でした"},
+                                                  {2, "今後は読み込みません"},
+                                                  {2, "続けて異常終了"}};
+    for (const auto& [status, told] : runs)
+        Expect(RunProgram(L"--format png --out out --recursive none"), status, {told});
 
     SaveSetting(L"General", L"SPIFolder_1", folder_.Path() + L"gone");
-    const Outcome away = RunProgram(L"--format png --out out ask.tst");
-    EXPECT_EQ(away.status, 2U) << away.output;
-    EXPECT_NE(away.output.find("プラグインがひとつも"), std::string::npos) << away.output;
+    Expect(RunProgram(L"--format png --out out ask.tst"), 2, {"プラグインがひとつも"});
 }
 
 TEST_F(ConvertCliTest, TheEndOfTheSessionLetsItFinishTheFile) {
@@ -335,10 +298,8 @@ TEST_F(ConvertCliTest, TheEndOfTheSessionLetsItFinishTheFile) {
     while (IsWindow(question) && !GetSetting(L"SPI_CALLLOG", L"SPI").empty())
         Sleep(1);
     EXPECT_TRUE(IsWindow(question)) << "the plug-in has no part in the end";
-    const Outcome ended = run.get();
-    EXPECT_EQ(ended.status, 3U) << ended.output;
-    EXPECT_TRUE(PathExists(folder_.Path() + LR"(out\ask.png)"));
-    EXPECT_FALSE(PathExists(folder_.Path() + LR"(out\b.png)"));
+    Expect(run.get(), 3, {});
+    EXPECT_TRUE(IsThere(LR"(out\ask.png)") && !IsThere(LR"(out\b.png)"));
 }
 
 }  // namespace
