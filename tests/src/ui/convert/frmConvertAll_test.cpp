@@ -29,32 +29,6 @@ using Texts = std::vector<std::wstring>;
 constexpr wchar_t kRefusal[] =
     L"16 画像の変換処理を行っています。\r\n変換処理を中止してからWindowを閉じてください。";
 
-// Counts what a window is sent.
-class CountedMessages {
-  public:
-    CountedMessages(HWND window, UINT message)
-        : window_(window), message_(message), former_(GetWindowLongPtrW(window, GWLP_WNDPROC)) {
-        active_ = this;
-        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
-    }
-    CountedMessages(const CountedMessages&) = delete;
-    CountedMessages& operator=(const CountedMessages&) = delete;
-    ~CountedMessages() { SetWindowLongPtrW(window_, GWLP_WNDPROC, former_); }
-    int Count() const { return count_; }
-
-  private:
-    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-        if (message == active_->message_) ++active_->count_;
-        return CallWindowProcW(reinterpret_cast<WNDPROC>(active_->former_), window, message, wParam,
-                               lParam);
-    }
-    static inline CountedMessages* active_ = nullptr;
-    HWND window_;
-    UINT message_;
-    LONG_PTR former_;
-    int count_ = 0;
-};
-
 class ConverterTest : public MainWindowTest {
   protected:
     ConverterTest() {
@@ -89,10 +63,17 @@ class ConverterTest : public MainWindowTest {
     // Runs the conversion with what comes in the middle of it, and leaves the dialog.
     DrivenDialog::Step RunWith(std::function<void(HWND)> meanwhile) {
         return [this, meanwhile = std::move(meanwhile)](HWND dialog) {
-            SetDlgItemTextW(dialog, textConvertFolder, Target().c_str());
+            Type(dialog, textConvertFolder, Target());
             meanwhile(dialog);
             Press(dialog, cmdRunConvert);
         };
+    }
+
+    // Shows the dialog with these files to a user who does that.
+    void Drive(const Texts& files, std::deque<DrivenDialog::Step> steps, int waits = 0) {
+        DrivenDialog user(std::move(steps), waits);
+        form_.ShowConvertDialog(nullptr, files);
+        EXPECT_TRUE(user.IsDone());
     }
 
     std::deque<int> answers_;
@@ -120,65 +101,60 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
             titles.push_back(title + L' ' + start);
             return title == L"フォルダの参照" ? folder : RemoveBackslash(target_.Path());
         });
-    DrivenDialog user(
-        {[&](HWND dialog) {
-             EXPECT_EQ(GetFocus(), GetDlgItem(dialog, listConvertFiles));
-             EXPECT_FALSE(IsUsable(dialog, Command3));  // nobody has brought options
-             EXPECT_FALSE(IsUsable(dialog, cmdDelete));
-             EXPECT_FALSE(IsUsable(dialog, listConvertLog));
-             Press(dialog, cmdAddFile);
-             EXPECT_EQ(Items(dialog, listConvertFiles), (Texts{files_[0], files_[1], files_[2]}));
-             EXPECT_EQ(Values().convert.openPath, source_.Path());
-             Values().convert.openPath = folder;
-             Press(dialog, cmdAddFolder);
-             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
-             EXPECT_EQ(Drop(dialog, {folder, files_[0]}), DROPEFFECT_COPY);
-             DoEvents();
-         },
-         [&](HWND dialog) {
-             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 10U);
-             const HWND list = GetDlgItem(dialog, listConvertFiles);
-             for (const int index : {0, 3, 5})
-                 SendMessageW(list, LB_SETSEL, TRUE, index);
-             PressKey(dialog, listConvertFiles, VK_DELETE);
-             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 7U);
-             EXPECT_EQ(Items(dialog, listConvertFiles)[0], files_[1]);
-             EXPECT_NE(SendMessageW(list, LB_GETSEL, 0, 0), 0);  // the next one
-             Press(dialog, cmdDelete);
-             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
+    Drive({files_[0]},
+          {[&](HWND dialog) {
+               EXPECT_TRUE(HasFocus(dialog, listConvertFiles));
+               // Nobody has brought options.
+               for (const int unused : {int{Command3}, cmdDelete, listConvertLog})
+                   EXPECT_FALSE(IsUsable(dialog, unused)) << unused;
+               Press(dialog, cmdAddFile);
+               EXPECT_EQ(Items(dialog, listConvertFiles), (Texts{files_[0], files_[1], files_[2]}));
+               EXPECT_EQ(Values().convert.openPath, source_.Path());
+               Values().convert.openPath = folder;
+               Press(dialog, cmdAddFolder);
+               EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
+               EXPECT_EQ(Drop(dialog, {folder, files_[0]}), DROPEFFECT_COPY);
+               DoEvents();
+           },
+           [&](HWND dialog) {
+               EXPECT_EQ(Items(dialog, listConvertFiles).size(), 10U);
+               const HWND list = GetDlgItem(dialog, listConvertFiles);
+               for (const int index : {0, 3, 5})
+                   SendMessageW(list, LB_SETSEL, TRUE, index);
+               PressKey(dialog, listConvertFiles, VK_DELETE);
+               EXPECT_EQ(Items(dialog, listConvertFiles).size(), 7U);
+               EXPECT_EQ(Items(dialog, listConvertFiles)[0], files_[1]);
+               EXPECT_NE(SendMessageW(list, LB_GETSEL, 0, 0), 0);  // the next one
+               Press(dialog, cmdDelete);
+               EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
 
-             // Where the last ones went.
-             EXPECT_EQ(TextOf(dialog, textConvertFolder), target_.Path());
-             SetDlgItemTextW(dialog, textConvertFolder, L"");
-             EXPECT_FALSE(IsUsable(dialog, cmdRunConvert));
-             EXPECT_EQ(TextOf(dialog, labelConvertMissing),
-                       L"保存先のフォルダを指定してください。");
-             Press(dialog, cmdConvertFolder);
-             EXPECT_EQ(TextOf(dialog, labelConvertMissing), L"");
-             EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
-             SetDlgItemTextW(dialog, textConvertFolder, L"C:\\a*");
-             EXPECT_FALSE(IsUsable(dialog, cmdRunConvert));
-             SetDlgItemTextW(dialog, textConvertFolder, L"  ");
-             Press(dialog, cmdRunConvert);
-             EXPECT_EQ(GetFocus(), GetDlgItem(dialog, cmdConvertFolder));
-             for (const int formats : {combConvertIndexcolor, combConvertFullcolor}) {
-                 SendDlgItemMessageW(dialog, formats, CB_SETCURSEL, 2, 0);
-                 SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(formats, CBN_SELCHANGE),
-                              reinterpret_cast<LPARAM>(GetDlgItem(dialog, formats)));
-             }
-             answers_ = {IDCANCEL, IDOK};
-             Press(dialog, cmdDeleteAll);
-             EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
-             Press(dialog, cmdDeleteAll);
-             EXPECT_TRUE(Items(dialog, listConvertFiles).empty());
-             EXPECT_FALSE(IsUsable(dialog, cmdDeleteAll));
-             EXPECT_NE(TextOf(dialog, labelConvertMissing).find(L"ファイルを追加"),
-                       std::wstring::npos);
-             SetDlgItemTextW(dialog, textConvertFolder, L"C:\\kept");
-             Press(dialog, IDCANCEL);
-         }});
-    form_.ShowConvertDialog(nullptr, std::vector{files_[0]});
-    EXPECT_TRUE(user.IsDone());
+               // Where the last ones went.
+               EXPECT_EQ(TextOf(dialog, textConvertFolder), target_.Path());
+               Type(dialog, textConvertFolder, L"");
+               EXPECT_FALSE(IsUsable(dialog, cmdRunConvert));
+               EXPECT_EQ(TextOf(dialog, labelConvertMissing),
+                         L"保存先のフォルダを指定してください。");
+               Press(dialog, cmdConvertFolder);
+               EXPECT_EQ(TextOf(dialog, labelConvertMissing), L"");
+               EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
+               Type(dialog, textConvertFolder, L"C:\\a*");
+               EXPECT_FALSE(IsUsable(dialog, cmdRunConvert));
+               Type(dialog, textConvertFolder, L"  ");
+               Press(dialog, cmdRunConvert);
+               EXPECT_TRUE(HasFocus(dialog, cmdConvertFolder));
+               test::Choose(dialog, combConvertIndexcolor, 2);
+               test::Choose(dialog, combConvertFullcolor, 2);
+               answers_ = {IDCANCEL, IDOK};
+               Press(dialog, cmdDeleteAll);
+               EXPECT_EQ(Items(dialog, listConvertFiles).size(), 6U);
+               Press(dialog, cmdDeleteAll);
+               EXPECT_TRUE(Items(dialog, listConvertFiles).empty());
+               EXPECT_FALSE(IsUsable(dialog, cmdDeleteAll));
+               EXPECT_NE(TextOf(dialog, labelConvertMissing).find(L"ファイルを追加"),
+                         std::wstring::npos);
+               Type(dialog, textConvertFolder, L"C:\\kept");
+               Press(dialog, IDCANCEL);
+           }});
     EXPECT_EQ(titles, (Texts{L"フォルダの参照 " + folder,
                              L"画像ファイルの保存フォルダ " + target_.Path()}));
     EXPECT_EQ(asked_, (Texts{L"48 画像ファイルを保存するフォルダを指定してください。",
@@ -195,117 +171,107 @@ TEST_F(ConverterTest, ListsWhatNeedsALook) {
               source_.Write(L"cut.dat", "no picture"), source_.Write(L"note.txt", "no picture")};
     Texts opened;
     SetFolderOpener([&](const std::wstring& path) { opened.push_back(path); });
-    DrivenDialog user(
-        {[&](HWND dialog) {
-             SetDlgItemTextW(dialog, textConvertFolder, Target().c_str());
-             Press(dialog, cmdRunConvert);
-             EXPECT_EQ(TextOf(dialog, lblResult),
-                       L"変換が終わりました。　変換 2 個、対象外 1 個、失敗 1 個（うち別名 1 個）");
-             const HWND list = GetDlgItem(dialog, listConvertProblems);
-             EXPECT_TRUE(IsUsable(dialog, listConvertProblems));
-             EXPECT_FALSE(IsUsable(dialog, listConvertLog));
-             EXPECT_EQ(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0), 2);
-             PressKey(dialog, listConvertProblems, VK_DOWN);
-             SetFocus(list);
-             LVITEMW first{};
-             first.stateMask = first.state = LVIS_SELECTED;
-             SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&first));
-             Press(dialog, IDOK);  // Enter in the list
-             EXPECT_EQ(opened, Texts{files_[2]});
-             EXPECT_TRUE(IsUsable(dialog, listConvertProblems));
-             Press(dialog, optionConvertLog);
-             EXPECT_TRUE(IsUsable(dialog, listConvertLog));
-             SetFocus(GetDlgItem(dialog, IDOK));
-             Press(dialog, IDOK);
-             EXPECT_FALSE(IsUsable(dialog, listConvertProblems));
+    Drive(files_,
+          {[&](HWND dialog) {
+               Type(dialog, textConvertFolder, Target());
+               Press(dialog, cmdRunConvert);
+               EXPECT_EQ(
+                   TextOf(dialog, lblResult),
+                   L"変換が終わりました。　変換 2 個、対象外 1 個、失敗 1 個（うち別名 1 個）");
+               EXPECT_TRUE(IsUsable(dialog, listConvertProblems));
+               EXPECT_FALSE(IsUsable(dialog, listConvertLog));
+               EXPECT_EQ(Column(dialog, listConvertProblems, 0).size(), 2U);
+               SetFocus(GetDlgItem(dialog, listConvertProblems));
+               SelectRow(dialog, listConvertProblems, 0);
+               Press(dialog, IDOK);  // Enter in the list
+               EXPECT_EQ(opened, Texts{files_[2]});
+               EXPECT_TRUE(IsUsable(dialog, listConvertProblems));
+               Press(dialog, optionConvertLog);
+               EXPECT_TRUE(IsUsable(dialog, listConvertLog));
+               SetFocus(GetDlgItem(dialog, IDOK));
+               Press(dialog, IDOK);
+               EXPECT_FALSE(IsUsable(dialog, listConvertProblems));
 
-             // Each conflict is asked about, until the user has had enough.
-             Values().convert.onConflict = kConflictAsk;
-             PressLater(dialog, cmdRunConvert);
-         },
-         [&](HWND question) {
-             EXPECT_TRUE(IsUsable(question, conflictReplace));
-             Press(question, conflictReplace);
-         },
-         [&](HWND question) {
-             EXPECT_FALSE(IsUsable(question, conflictReplace)) << "the first one's result";
-             Press(question, conflictSkip);
-         },
-         [&](HWND dialog) {
-             EXPECT_EQ(TextOf(dialog, lblResult),
-                       L"変換が終わりました。　変換 1 個、スキップ 1 個、対象外 1 個、失敗 1 個"
-                       L"（うち置き換え 1 個）");
-             SetFocus(GetDlgItem(dialog, IDOK));
-             Press(dialog, IDOK);
-             Press(dialog, IDCANCEL);
-         }},
-        IDOK);  // disabled while files are converted
-    form_.ShowConvertDialog(nullptr, files_);
+               // Each conflict is asked about, until the user has had enough.
+               Values().convert.onConflict = kConflictAsk;
+               PressLater(dialog, cmdRunConvert);
+           },
+           [&](HWND question) {
+               EXPECT_TRUE(IsUsable(question, conflictReplace));
+               Press(question, conflictReplace);
+           },
+           [&](HWND question) {
+               EXPECT_FALSE(IsUsable(question, conflictReplace)) << "the first one's result";
+               Press(question, conflictSkip);
+           },
+           [&](HWND dialog) {
+               EXPECT_EQ(TextOf(dialog, lblResult),
+                         L"変換が終わりました。　変換 1 個、スキップ 1 個、対象外 1 個、失敗 1 個"
+                         L"（うち置き換え 1 個）");
+               SetFocus(GetDlgItem(dialog, IDOK));
+               Press(dialog, IDOK);
+               Press(dialog, IDCANCEL);
+           }},
+          IDOK);  // disabled while files are converted
     SetFolderOpener({});
-    EXPECT_TRUE(user.IsDone());
 }
 
 TEST_F(ConverterTest, ShowsARunAndComesBack) {
     files_.push_back(source_.Write(L"読めない.dat", "text"));
-    DrivenDialog user({[&](HWND dialog) {
-        const std::wstring quoted = L" \"" + RemoveBackslash(Target()) + L"\"";
-        SetDlgItemTextW(dialog, textConvertFolder, quoted.c_str());
-        Press(dialog, cmdRunConvert);
-        EXPECT_FALSE(IsReadUnderWay());
-        EXPECT_EQ(Converted(), 3);
-        EXPECT_EQ(TextOf(dialog, textConvertFolder), Target());
-        EXPECT_EQ(TextOf(dialog, lblRateTotal), L"4 / 4");
-        EXPECT_EQ(TextOf(dialog, lblResult),
-                  L"変換が終わりました。　変換 3 個、対象外 0 個、失敗 1 個");
-        const Texts log = Items(dialog, listConvertLog);
-        ASSERT_FALSE(log.empty());
-        EXPECT_EQ(log[1], L"  ファイル名" + std::wstring(10, L' ') + files_[0]);
-        EXPECT_EQ(log.back(), L"*** すべての変換処理が完了しました ***");
-        EXPECT_EQ(SendDlgItemMessageW(dialog, listConvertLog, LB_GETCURSEL, 0, 0),
-                  static_cast<LRESULT>(log.size()) - 1);
-        EXPECT_TRUE(IsUsable(dialog, IDOK));
-        EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDOK));
-        for (const int gone : {int{cmdRunConvert}, IDCANCEL, listConvertFiles, cmdAddFile})
-            EXPECT_FALSE(IsUsable(dialog, gone));
-        // Nothing is dropped onto a list that is not there.
-        EXPECT_EQ(Drop(dialog, {files_[0]}), DROPEFFECT_NONE);
+    Drive(files_, {[&](HWND dialog) {
+              Type(dialog, textConvertFolder, L" \"" + RemoveBackslash(Target()) + L"\"");
+              Press(dialog, cmdRunConvert);
+              EXPECT_FALSE(IsReadUnderWay());
+              EXPECT_EQ(Converted(), 3);
+              EXPECT_EQ(TextOf(dialog, textConvertFolder), Target());
+              EXPECT_EQ(TextOf(dialog, lblRateTotal), L"4 / 4");
+              EXPECT_EQ(TextOf(dialog, lblResult),
+                        L"変換が終わりました。　変換 3 個、対象外 0 個、失敗 1 個");
+              const Texts log = Items(dialog, listConvertLog);
+              ASSERT_FALSE(log.empty());
+              EXPECT_EQ(log[1], L"  ファイル名" + std::wstring(10, L' ') + files_[0]);
+              EXPECT_EQ(log.back(), L"*** すべての変換処理が完了しました ***");
+              EXPECT_EQ(SendDlgItemMessageW(dialog, listConvertLog, LB_GETCURSEL, 0, 0),
+                        static_cast<LRESULT>(log.size()) - 1);
+              EXPECT_TRUE(IsUsable(dialog, IDOK));
+              EXPECT_TRUE(HasFocus(dialog, IDOK));
+              for (const int gone : {int{cmdRunConvert}, IDCANCEL, listConvertFiles, cmdAddFile})
+                  EXPECT_FALSE(IsUsable(dialog, gone));
+              // Nothing is dropped onto a list that is not there.
+              EXPECT_EQ(Drop(dialog, {files_[0]}), DROPEFFECT_NONE);
 
-        Press(dialog, IDOK);
-        EXPECT_TRUE(Items(dialog, listConvertLog).empty());
-        for (const int back : {int{cmdRunConvert}, IDCANCEL, listConvertFiles, cmdAddFile})
-            EXPECT_TRUE(IsUsable(dialog, back));
-        EXPECT_FALSE(IsUsable(dialog, IDOK));
-        EXPECT_FALSE(IsUsable(dialog, listConvertLog));
+              Press(dialog, IDOK);
+              EXPECT_TRUE(Items(dialog, listConvertLog).empty());
+              for (const int back : {int{cmdRunConvert}, IDCANCEL, listConvertFiles, cmdAddFile})
+                  EXPECT_TRUE(IsUsable(dialog, back));
+              EXPECT_FALSE(IsUsable(dialog, IDOK));
+              EXPECT_FALSE(IsUsable(dialog, listConvertLog));
 
-        // A target that cannot be made is told where the counts stand.
-        SetDlgItemTextW(dialog, textConvertFolder, (files_[0] + L"\\x").c_str());
-        Press(dialog, cmdRunConvert);
-        EXPECT_NE(TextOf(dialog, lblResult).find(L"保存先"), std::wstring::npos);
-        EXPECT_TRUE(Items(dialog, listConvertLog).empty());
-        PostMessageW(dialog, WM_CLOSE, 0, 0);
-    }});
-    form_.ShowConvertDialog(nullptr, files_);
-    EXPECT_TRUE(user.IsDone());
+              // A target that cannot be made is told where the counts stand.
+              Type(dialog, textConvertFolder, files_[0] + L"\\x");
+              Press(dialog, cmdRunConvert);
+              EXPECT_NE(TextOf(dialog, lblResult).find(L"保存先"), std::wstring::npos);
+              EXPECT_TRUE(Items(dialog, listConvertLog).empty());
+              PostMessageW(dialog, WM_CLOSE, 0, 0);
+          }});
     EXPECT_TRUE(asked_.empty());
 }
 
 TEST_F(ConverterTest, WritesNoLogOverAPicture) {
     const std::wstring other = source_.Write(L"other.bmp", BitmapFileOf(5, 5, 0));
     Values().convert.outputErrorLog = 1;
-    DrivenDialog user({RunWith([&](HWND) { Values().convert.errorLogFileName = files_[1]; }),
-                       RunWith([&](HWND) { Values().convert.errorLogFileName = other; }),
-                       [&](HWND dialog) {
-                           EXPECT_EQ(asked_.size(), 2U);
-                           EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
-                           EXPECT_EQ(Converted(), 0);
-                           Values().convert.errorLogFileName = source_.Write(L"old.log", "***");
-                           Press(dialog, cmdRunConvert);
-                           EXPECT_EQ(Converted(), 3);
-                           Press(dialog, IDOK);
-                           Press(dialog, IDCANCEL);
-                       }});
-    form_.ShowConvertDialog(nullptr, files_);
-    EXPECT_TRUE(user.IsDone());
+    Drive(files_,
+          {RunWith([&](HWND) { Values().convert.errorLogFileName = files_[1]; }),
+           RunWith([&](HWND) { Values().convert.errorLogFileName = other; }), [&](HWND dialog) {
+               EXPECT_EQ(asked_.size(), 2U);
+               EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
+               EXPECT_EQ(Converted(), 0);
+               Values().convert.errorLogFileName = source_.Write(L"old.log", "***");
+               Press(dialog, cmdRunConvert);
+               EXPECT_EQ(Converted(), 3);
+               Press(dialog, IDOK);
+               Press(dialog, IDCANCEL);
+           }});
     EXPECT_EQ(std::filesystem::file_size(files_[1]), BitmapFileOf(4, 3, 0).size());
     EXPECT_EQ(asked_.size(), 2U);
 }
@@ -313,50 +279,54 @@ TEST_F(ConverterTest, WritesNoLogOverAPicture) {
 TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
     const std::wstring stop = L"65 画像の変換処理を中止します。";
     const auto back = [](HWND dialog) { Press(dialog, IDOK); };
-    DrivenDialog user({RunWith([&](HWND dialog) {
-                           answers_ = {IDCANCEL};
-                           PressLater(dialog, IDCANCEL);
-                           PostMessageW(dialog, WM_CLOSE, 0, 0);
-                       }),
-                       [&](HWND dialog) {
-                           EXPECT_EQ(asked_, (Texts{stop, kRefusal}));
-                           EXPECT_EQ(Converted(), 3);
-                           back(dialog);
-                       },
-                       RunWith([&](HWND dialog) { PressLater(dialog, IDCANCEL); }),
-                       [&](HWND dialog) {
-                           EXPECT_EQ(asked_, (Texts{stop, kRefusal, stop}));
-                           EXPECT_EQ(Converted(), 1);
-                           EXPECT_EQ(TextOf(dialog, lblRateTotal), L"1 / 3");
-                           EXPECT_NE(TextOf(dialog, lblResult).find(L"中止しました"),
-                                     std::wstring::npos);
-                           back(dialog);
-                       },
-                       RunWith([&](HWND dialog) {
-                           EXPECT_TRUE(SendMessageW(dialog, WM_QUERYENDSESSION, 0, 0));
-                           PostMessageW(dialog, WM_ENDSESSION, TRUE, 0);
-                       }),
-                       [&](HWND dialog) {
-                           EXPECT_EQ(asked_.size(), 3U);
-                           EXPECT_EQ(Converted(), 1);
-                           back(dialog);
-                           Press(dialog, IDCANCEL);
-                       }});
-    form_.ShowConvertDialog(nullptr, files_);
-    EXPECT_TRUE(user.IsDone());
+    Drive(files_, {RunWith([&](HWND dialog) {
+                       answers_ = {IDCANCEL};
+                       PressLater(dialog, IDCANCEL);
+                       PostMessageW(dialog, WM_CLOSE, 0, 0);
+                   }),
+                   [&](HWND dialog) {
+                       EXPECT_EQ(asked_, (Texts{stop, kRefusal}));
+                       EXPECT_EQ(Converted(), 3);
+                       back(dialog);
+                   },
+                   RunWith([&](HWND dialog) { PressLater(dialog, IDCANCEL); }),
+                   [&](HWND dialog) {
+                       EXPECT_EQ(asked_, (Texts{stop, kRefusal, stop}));
+                       EXPECT_EQ(Converted(), 1);
+                       EXPECT_EQ(TextOf(dialog, lblRateTotal), L"1 / 3");
+                       EXPECT_NE(TextOf(dialog, lblResult).find(L"中止しました"),
+                                 std::wstring::npos);
+                       back(dialog);
+                   },
+                   RunWith([&](HWND dialog) {
+                       EXPECT_TRUE(SendMessageW(dialog, WM_QUERYENDSESSION, 0, 0));
+                       PostMessageW(dialog, WM_ENDSESSION, TRUE, 0);
+                   }),
+                   [&](HWND dialog) {
+                       EXPECT_EQ(asked_.size(), 3U);
+                       EXPECT_EQ(Converted(), 1);
+                       back(dialog);
+                       Press(dialog, IDCANCEL);
+                   }});
+}
+
+LRESULT CALLBACK CountPainting(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                               DWORD_PTR count) {
+    if (message == PBM_SETPOS) ++*reinterpret_cast<int*>(count);
+    return DefSubclassProc(window, message, wParam, lParam);
 }
 
 TEST_F(ConverterTest, ProgressDoesNotPaintForEachCall) {
-    DrivenDialog user({[&](HWND dialog) {
-        const CountedMessages painted(GetDlgItem(dialog, progressCurrentFile), PBM_SETPOS);
-        for (int call = 0; call < 20000; ++call)
-            form_.SetProgressBar(-1, -1, call, 20000);
-        EXPECT_GT(painted.Count(), 0);
-        EXPECT_LT(painted.Count(), 2000);
-        Press(dialog, IDCANCEL);
-    }});
-    form_.ShowConvertDialog(nullptr, {});
-    EXPECT_TRUE(user.IsDone());
+    int painted = 0;
+    Drive({}, {[&](HWND dialog) {
+              SetWindowSubclass(GetDlgItem(dialog, progressCurrentFile), CountPainting, 1,
+                                reinterpret_cast<DWORD_PTR>(&painted));
+              for (int call = 0; call < 20000; ++call)
+                  form_.SetProgressBar(-1, -1, call, 20000);
+              Press(dialog, IDCANCEL);
+          }});
+    EXPECT_GT(painted, 0);
+    EXPECT_LT(painted, 2000);
 }
 
 TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
@@ -372,7 +342,7 @@ TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
                        },
                        [&](HWND dialog) {
                            EXPECT_EQ(Items(dialog, listConvertFiles), files_);
-                           SetDlgItemTextW(dialog, textConvertFolder, Target().c_str());
+                           Type(dialog, textConvertFolder, Target());
                            PostMessageW(window_.Handle(), WM_CLOSE, 0, 0);
                            const MessageFilter run([&](MSG&) {
                                wasHeld |= IsSessionHeld(window_.Handle());
@@ -397,22 +367,31 @@ TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
     EXPECT_EQ(ended_, 1);
 }
 
+// A window with a list, whose number is 7.
+class ListTest : public testing::Test {
+  protected:
+    HWND Make(const wchar_t* className, DWORD style) const {
+        return CreateWindowExW(0, className, L"", WS_CHILD | style, 0, 0, 200, 100, parent_,
+                               reinterpret_cast<HMENU>(7), nullptr, nullptr);
+    }
+    void TearDown() override { DestroyWindow(parent_); }
+
+    HWND parent_ = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 200, 100, nullptr,
+                                   nullptr, nullptr, nullptr);
+};
+
 // The engine's way: it asks for the count, takes the first line away and adds one.
-TEST(LogListTest, FollowsTheNewestLines) {
-    const HWND parent = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 200, 100,
-                                        nullptr, nullptr, nullptr, nullptr);
-    const HWND list =
-        CreateWindowExW(0, L"LISTBOX", L"", WS_CHILD | WS_VISIBLE | WS_HSCROLL | WS_VSCROLL, 0, 0,
-                        200, 100, parent, reinterpret_cast<HMENU>(7), nullptr, nullptr);
+TEST_F(ListTest, OfTheLogFollowsTheNewestLines) {
+    const HWND list = Make(L"LISTBOX", WS_VISIBLE | WS_HSCROLL | WS_VSCROLL);
     LogList log;
-    log.Attach(parent, 7);
+    log.Attach(parent_, 7);
     for (int line = 0; line < 2500; ++line) {
         if (log.Count() > 1000) log.RemoveFirst();
         log.Add(std::to_wstring(line) + (line == 2400 ? std::wstring(300, L'長') : L""));
         if (line == 30 || line == 1200 || line == 1203) log.Show();
     }
     log.Show();
-    const Texts items = Items(parent, 7);
+    const Texts items = Items(list);
     ASSERT_EQ(items.size(), 1001U);
     EXPECT_EQ(items.front(), L"1499");
     EXPECT_EQ(items.back(), L"2499");
@@ -421,39 +400,28 @@ TEST(LogListTest, FollowsTheNewestLines) {
     log.RemoveFirst();
     log.Add(L"x");
     log.Show();
-    EXPECT_EQ(Items(parent, 7).front(), L"1500");
-    DestroyWindow(parent);
+    EXPECT_EQ(Items(list).front(), L"1500");
 }
 
-TEST(ProblemListTest, WhatComesLeavesTheRestAlone) {
-    const HWND parent = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 200, 100,
-                                        nullptr, nullptr, nullptr, nullptr);
-    const HWND list =
-        CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | LVS_REPORT | LVS_OWNERDATA, 0, 0, 200, 100,
-                        parent, reinterpret_cast<HMENU>(7), nullptr, nullptr);
+TEST_F(ListTest, OfProblemsLeavesTheRestAloneWhenMoreCome) {
+    Make(WC_LISTVIEWW, LVS_REPORT | LVS_OWNERDATA);
     Texts opened;
     SetFolderOpener([&](const std::wstring& path) { opened.push_back(path); });
     ProblemList problems;
-    problems.Attach(parent, 7);
-    FileReport report;
-    for (const auto& [name, outcome] : {std::pair{L"C:\\late", FileOutcome::kSkipped},
-                                        std::pair{L"C:\\early", FileOutcome::kFailed}}) {
-        report.source = name;
-        report.outcome = outcome;
-        problems.Add(report);
+    problems.Attach(parent_, 7);
+    const std::pair<const wchar_t*, FileOutcome> files[] = {{L"C:\\late", FileOutcome::kSkipped},
+                                                            {L"C:\\early", FileOutcome::kFailed}};
+    for (const auto& [name, outcome] : files) {
+        problems.Add({.source = name, .outcome = outcome});
         problems.Show();
-        LVITEMW first{};
-        first.stateMask = first.state = LVIS_SELECTED;
-        if (problems.Count() == 1)
-            SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&first));
+        if (problems.Count() == 1) SelectRow(parent_, 7, 0);
     }
-    EXPECT_EQ(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0), 2);
+    EXPECT_EQ(Column(parent_, 7, 0).size(), 2U);
     EXPECT_TRUE(problems.ShowSelectedInFolder());
     problems.ShowByKind();
     EXPECT_FALSE(problems.ShowSelectedInFolder());
     EXPECT_EQ(opened, Texts{L"C:\\late"});
     SetFolderOpener({});
-    DestroyWindow(parent);
 }
 
 TEST(RunTextsTest, EstimatesTheRest) {
