@@ -18,7 +18,7 @@ BOOL CALLBACK MatchWindow(HWND window, LPARAM data) {
     DWORD processId = 0;
     GetWindowThreadProcessId(window, &processId);
     if (processId != search.processId || !IsWindowVisible(window)) return TRUE;
-    if (RunningViewer::TextOf(window) != *search.caption) return TRUE;
+    if (TextOf(window) != *search.caption) return TRUE;
     search.found = window;
     return FALSE;
 }
@@ -49,7 +49,7 @@ HWND RunningViewer::WindowOfCaption(const std::wstring& caption) const {
     return search.found;
 }
 
-std::wstring RunningViewer::TextOf(HWND window) {
+std::wstring TextOf(HWND window) {
     wchar_t buffer[1024] = {};
     DWORD_PTR length = 0;
     SendMessageTimeoutW(window, WM_GETTEXT, 1024, reinterpret_cast<LPARAM>(buffer),
@@ -57,14 +57,15 @@ std::wstring RunningViewer::TextOf(HWND window) {
     return std::wstring(buffer, length < 1024 ? length : 0);
 }
 
-std::wstring RunningViewer::StatusText(HWND statusBar, int part) const {
+std::wstring RunningViewer::StatusText(HWND mainWindow, int part) const {
+    const HWND bar = FindWindowExW(mainWindow, nullptr, STATUSCLASSNAMEW, nullptr);
     // The message carries a pointer, which the system does not translate between processes.
     wchar_t buffer[512] = {};
     void* const remote = VirtualAllocEx(process_.Handle(), nullptr, sizeof(buffer),
                                         MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
-    if (remote == nullptr) return {};
-    if (LOWORD(SendMessageW(statusBar, SB_GETTEXTLENGTHW, part, 0)) < 512) {
-        SendMessageW(statusBar, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(remote));
+    if (bar == nullptr || remote == nullptr) return {};
+    if (LOWORD(SendMessageW(bar, SB_GETTEXTLENGTHW, part, 0)) < 512) {
+        SendMessageW(bar, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(remote));
         ReadProcessMemory(process_.Handle(), remote, buffer, sizeof(buffer), nullptr);
     }
     VirtualFreeEx(process_.Handle(), remote, 0, MEM_RELEASE);

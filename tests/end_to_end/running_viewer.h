@@ -13,6 +13,9 @@ namespace tessary::test {
 // Waits until `condition` holds, at most 20 seconds; whether it came to hold.
 bool WaitUntil(const std::function<bool()>& condition);
 
+// The text of a control of a dialog or of a window of any program, as that itself would read it.
+std::wstring TextOf(HWND window);
+
 // The process ends with it, at the latest.
 class RunningViewer {
   public:
@@ -25,11 +28,8 @@ class RunningViewer {
     // WaitUntil.
     HWND WindowOfCaption(const std::wstring& caption) const;
 
-    // The text of a control of a dialog or of a window, as the program itself would read it.
-    static std::wstring TextOf(HWND window);
-
-    // The text of a status bar's part, counted from 0.
-    std::wstring StatusText(HWND statusBar, int part) const;
+    // The text of a part, counted from 0, of the main window's status bar.
+    std::wstring StatusText(HWND mainWindow, int part) const;
 
     // Waits for the end of the process and answers its exit code; -1 when it does not end in time.
     int ExitCode() const;
