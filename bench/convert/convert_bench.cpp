@@ -114,11 +114,9 @@ Parts BareParts(const std::vector<std::wstring>& files, const std::wstring& targ
         parts.decoding += Timed([&] {
             decode(AnsiPathOf(path)->c_str(), 0, 0, &pair.info, &pair.bits, IgnoreProgress, 0);
         });
-        const OwnedPicture picture(pair);
-        const BlockLock info(pair.info);
-        const BlockLock bits(pair.bits);
+        const Picture picture = Picture::FromPair(pair);
         parts.saving += Timed([&] {
-            save(info.Address(), bits.Address(), (name + L".png").c_str(),
+            save(picture.Info().data(), picture.Bits().data(), (name + L".png").c_str(),
                  &Values().saveOptions.png, reinterpret_cast<LONG_PTR>(&IgnoreProgress));
         });
         parts.place += Timed([&] { files::ReplacingFile(name + L".empty").Commit(); });
