@@ -155,9 +155,10 @@ class Runner:
 
 
 def remove_temporary_files(program):
-    """What a fault has left in the program's folder."""
-    for file in (program.tree / "build" / program.preset / "bin").glob("~*"):
-        file.unlink(missing_ok=True)
+    """What a fault has left in the folder of a program, or of its test."""
+    for folder in ("bin", "tests"):
+        for file in (program.tree / "build" / program.preset / folder).glob("~*"):
+            file.unlink(missing_ok=True)
 
 
 def is_fuzzer(program):
