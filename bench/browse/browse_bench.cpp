@@ -12,6 +12,7 @@
 #include "bench/common/stopwatch.h"
 #include "picture/show/modShowPicture.h"
 #include "ui/control/frmControl.h"
+#include "ui/form/activity.h"
 #include "ui/form/message_loop.h"
 
 namespace tessary {
@@ -30,7 +31,7 @@ struct Program {
         window.Show();
     }
     ~Program() {
-        Values().readsUnderWay = 0;
+        CurrentActivity().readsUnderWay = 0;
         window.Unload();
         DoEvents();
     }

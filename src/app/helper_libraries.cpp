@@ -7,7 +7,6 @@
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
-#include "app/settings/modValue.h"
 
 namespace tessary {
 namespace {
@@ -50,12 +49,12 @@ std::wstring NoticeOf(const HelperLibrary& library, DWORD error) {
 
 }  // namespace
 
-bool CheckHelperLibraries() {
+HelperLibraries CheckHelperLibraries() {
     // The current folder is where some picture lies: no place to look for anybody's libraries.
     SetDllDirectoryW(L"");
     // What is wrong is told by our message and not by the system's.
     const UINT oldMode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
-    bool complete = true;
+    HelperLibraries result;
     for (const HelperLibrary& library : kHelperLibraries) {
         UniqueModule module(LoadLibraryW((AppFolder() + library.fileName).c_str()));
         if (module) {
@@ -64,14 +63,13 @@ bool CheckHelperLibraries() {
         }
         const DWORD error = GetLastError();
         if (library.missingText != nullptr) {
-            Values().startupFailureReason = FailureOf(library, error);
-            complete = false;
+            result.failure = FailureOf(library, error);
             break;
         }
-        if (Values().startupNotice.empty()) Values().startupNotice = NoticeOf(library, error);
+        if (result.notice.empty()) result.notice = NoticeOf(library, error);
     }
     SetErrorMode(oldMode);
-    return complete;
+    return result;
 }
 
 }  // namespace tessary

@@ -13,8 +13,6 @@
 #include "app/base/modScreenCaps.h"
 #include "app/base/quit.h"
 #include "app/first_run.h"
-#include "app/helper_libraries.h"
-#include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
@@ -53,33 +51,33 @@ int ShowCommand() {
 // Names the plug-ins in whose calls earlier runs ended, and what the loading has found amiss. In
 // the status bar: a message box would greet the user with a plug-in's fault, again and again if it
 // ends every run.
-void TellNotices(PictureView& view) {
+void TellNotices(PictureView& view, const HelperLibraries& libraries) {
     std::vector<std::wstring> notices = InterruptedCallNotices();
     if (std::wstring loading = LoadingNotice(); !loading.empty()) notices.push_back(loading);
-    if (!Values().startupNotice.empty()) notices.push_back(Values().startupNotice);
+    if (!libraries.notice.empty()) notices.push_back(libraries.notice);
     if (!notices.empty()) view.SetPanelText(kNoticePanel, InOneLine(notices));
 }
 
 }  // namespace
 
 int Main() {
-    Values().platformId = GetPlatformId();
     if (GetColorDepth() < kLeastColorDepth) {
         ShowMessageBox(
             L"このバージョンは１６Ｂｉｔカラー以上のディスプレーモードでしか動作しません",
             MB_ICONEXCLAMATION);
         return 0;
     }
-    std::vector<std::wstring> names = CommandLineNames(CommandLineArguments(), Values().platformId);
+    std::vector<std::wstring> names = CommandLineNames(CommandLineArguments(), GetPlatformId());
     // Explorer starts programs in the folder of the opened file. As long as that is the current one
     // nobody can rename it, nor take its drive out.
     SetCurrentDirectoryW(AppFolder().c_str());
     // Stays until the main window is there: with no window between them another program's would
     // come to the front.
     std::optional<frmProgress> progress(std::in_place, nullptr, kLoadingCaption);
-    if (!InitializeApplication(TellIn(*progress))) {
+    HelperLibraries libraries;
+    if (!InitializeApplication(libraries, TellIn(*progress))) {
         progress.reset();
-        TellFailedStart(Values().startupFailureReason);
+        TellFailedStart(libraries.failure);
         return 0;
     }
     frmMain window({.commandLine = std::move(names),
@@ -105,16 +103,17 @@ int Main() {
         TellFailedStart({});
         return 1;
     }
-    TellNotices(window);
+    TellNotices(window, libraries);
     window.Show();
     progress.reset();
     return RunMessageLoop();
 }
 
-bool InitializeApplication(const LoadingProgress& progress) {
+bool InitializeApplication(HelperLibraries& libraries, const LoadingProgress& progress) {
+    libraries = CheckHelperLibraries();
     // The first access creates the collection, and the plug-ins of the settings' folders fill it.
-    return CheckHelperLibraries() && ReadGeneralSettings() && ReadConvertSettings() &&
-           ApplyFirstRunDefaults() && LoadSPI(progress);
+    return libraries && ReadGeneralSettings() && ReadConvertSettings() && ApplyFirstRunDefaults() &&
+           LoadSPI(progress);
 }
 
 int16_t TerminateApplication() {

@@ -17,7 +17,7 @@ namespace tessary {
 // The machine does not go to sleep meanwhile.
 //
 // While it runs the monitor lets messages through. Whoever shows windows meanwhile must keep the
-// plug-ins from being loaded anew and the program from ending (ReadUnderWay in modValue.h).
+// plug-ins from being loaded anew and the program from ending (ReadUnderWay).
 bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor);
 
 }  // namespace tessary

@@ -162,11 +162,12 @@ int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& rep
 }
 
 int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
-    if (!CheckHelperLibraries()) {
-        errors.WriteLine(Values().startupFailureReason);
+    const HelperLibraries libraries = CheckHelperLibraries();
+    if (!libraries) {
+        errors.WriteLine(libraries.failure);
         return kExitSetupError;
     }
-    if (!Values().startupNotice.empty()) errors.WriteLine(Values().startupNotice);
+    if (!libraries.notice.empty()) errors.WriteLine(libraries.notice);
     if (!MakeFolder(options.targetFolder)) {
         const DWORD error = GetLastError();
         TellUnwritten(L"保存先のフォルダを作成できません: ", options.targetFolder, error, errors);

@@ -90,14 +90,6 @@ struct ProcessValues {
     saving::SaveOptions saveOptions;
     int16_t fixSizeValue = kSizeModeOriginal;
 
-    uint32_t platformId = 0;            // kPlatform… of the running system
-    std::wstring startupFailureReason;  // which helper library could not be loaded; else empty
-    std::wstring startupNotice;         // what the start went on without, though it is there
-    // Set when a file or member is selected, cleared when it has been shown. A selected file that
-    // has vanished leaves it set: whether something is being read now is what readsUnderWay tells.
-    bool pictureLoading = false;
-    int readsUnderWay = 0;       // how many ReadUnderWay there are
-    bool quitRequested = false;  // the main window was closed during a read
     // Files for a moment go to the user's temporary folder: beside the program they would be sent
     // to a cloud, or one was refused. Nothing: that was not asked yet.
     std::optional<bool> avoidsProgramFolder;
@@ -111,20 +103,5 @@ struct ProcessValues {
 
 // The one instance.
 ProcessValues& Values();
-
-// For its own life files are being read, listed or looked for, and the message loop runs meanwhile:
-// commands that would get in the way are refused, and closing the main window only sets
-// quitRequested. Whoever ends the outermost one closes the window if that is set.
-class ReadUnderWay {
-  public:
-    ReadUnderWay() { ++Values().readsUnderWay; }
-    ReadUnderWay(const ReadUnderWay&) = delete;
-    ReadUnderWay& operator=(const ReadUnderWay&) = delete;
-    ~ReadUnderWay() { --Values().readsUnderWay; }
-};
-
-inline bool IsReadUnderWay() {
-    return Values().readsUnderWay > 0;
-}
 
 }  // namespace tessary

@@ -8,6 +8,7 @@
 #include "app/settings/modValue.h"
 #include "res/resource.h"
 #include "ui/control/toolbar_items.h"
+#include "ui/form/activity.h"
 
 namespace tessary {
 namespace {

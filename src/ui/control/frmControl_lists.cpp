@@ -8,6 +8,7 @@
 #include "picture/show/picture_text.h"
 #include "picture/show/read_to_show.h"
 #include "ui/control/frmControl_busy.h"
+#include "ui/form/activity.h"
 #include "ui/form/message_loop.h"
 
 namespace tessary {
@@ -97,7 +98,7 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
     shownPath_.clear();
     FillFileList(files);
     EndLoad();
-    if (Values().quitRequested) return false;
+    if (CurrentActivity().quitRequested) return false;
     if (!HasFiles()) {
         ShowEmptyList();
         return false;
@@ -116,7 +117,7 @@ void frmControl::FillFileList(std::span<const std::wstring> files) {
     sequence_.Files().Expect(std::min(files.size(), kLastFileIndex + 2));
     const std::wstring total = std::to_wstring(static_cast<int64_t>(files.size()) - 1);
     DWORD lastBreath = 0;
-    for (size_t i = 0; i < files.size() && !Values().quitRequested; ++i) {
+    for (size_t i = 0; i < files.size() && !CurrentActivity().quitRequested; ++i) {
         if (!files[i].empty()) sequence_.Files().Add({files[i]});
         // A long list counts faster than anybody reads, and telling would take longer than filling.
         if (i % kFilesPerBreath == 0 &&
@@ -139,7 +140,7 @@ void frmControl::TellCut(std::span<const std::wstring> files) {
     if (window_.statusInformation().PanelText(kNoticePanel) == std::exchange(cutNotice_, {})) {
         window_.SetPanelText(kNoticePanel, {});
     }
-    if (files.size() <= kLastFileIndex + 2 || Values().quitRequested) return;
+    if (files.size() <= kLastFileIndex + 2 || CurrentActivity().quitRequested) return;
     cutNotice_ = std::to_wstring(kLastFileIndex + 2) + L" 個を超えたため、後の " +
                  std::to_wstring(files.size() - kLastFileIndex - 2) + L" 個は一覧に入りません。";
     window_.SetPanelText(kNoticePanel, cutNotice_);
@@ -183,7 +184,7 @@ void frmControl::listFileName_Click() {
         return WishIsThere();
     }
     if (IsReadUnderWay()) return;
-    Values().pictureLoading = true;
+    CurrentActivity().pictureLoading = true;
     sequence_.LeaveArchive();
     if (sequence_.Files().Cursor() >= 0) {
         const std::wstring path = sequence_.Files().Current();
@@ -249,7 +250,7 @@ void frmControl::ShowListedFile(const std::wstring& path) {
     }
     if (shown.kind != kFileArchive) {
         ShowNoArchive();
-    } else if (sequence_.IsInArchive() && !Values().quitRequested) {
+    } else if (sequence_.IsInArchive() && !CurrentActivity().quitRequested) {
         sequence_.Members().Select(0);
     }
     window_.pictureView().Refresh();
@@ -265,7 +266,7 @@ void frmControl::listArchiveFile_Click() {
         return WishIsThere();
     }
     if (IsReadUnderWay()) return;
-    Values().pictureLoading = true;
+    CurrentActivity().pictureLoading = true;
     ShowListedMember();
     EndLoad();
 }
@@ -301,7 +302,7 @@ std::wstring frmControl::Failure() const {
 }
 
 void frmControl::EndLoad() {
-    Values().pictureLoading = false;
+    CurrentActivity().pictureLoading = false;
     window_.CloseIfAsked();
 }
 

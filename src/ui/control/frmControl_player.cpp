@@ -7,6 +7,7 @@
 #include "ui/control/frmControl.h"
 #include "ui/control/toolbar_images.h"
 #include "ui/control/toolbar_items.h"
+#include "ui/form/activity.h"
 #include "ui/form/menu.h"
 
 namespace tessary {
@@ -135,7 +136,7 @@ bool frmControl::MayStep() const {
     if (GetGUIThreadInfo(GetCurrentThreadId(), &state) && (state.flags & kInLoop) != 0) {
         return false;
     }
-    return formLoaded_ && busy_ == 0 && !IsReadUnderWay() && !Values().quitRequested &&
+    return formLoaded_ && busy_ == 0 && !IsReadUnderWay() && !CurrentActivity().quitRequested &&
            IsWindowEnabled(window_.Handle());
 }
 

@@ -7,6 +7,7 @@
 #include "picture/read/source_file.h"
 #include "res/resource.h"
 #include "ui/control/frmControl_busy.h"
+#include "ui/form/activity.h"
 
 namespace tessary {
 namespace {
@@ -114,7 +115,7 @@ void frmControl::WishIsThere() {
 
 // Between two steps, and not from within the one that has just ended: wishes may go on for long.
 void frmControl::CarryOutWishes() {
-    if (!wishes_.Any() || Values().quitRequested || !formLoaded_) return wishesDue_.Stop();
+    if (!wishes_.Any() || CurrentActivity().quitRequested || !formLoaded_) return wishesDue_.Stop();
     if (!MayStep()) return;
     wishesDue_.Stop();
     const Wishes wishes = std::exchange(wishes_, {});

@@ -18,6 +18,7 @@
 #include "ui/dialogs/folder_browser.h"
 #include "ui/dialogs/folder_listing.h"
 #include "ui/dialogs/start_folder.h"
+#include "ui/form/activity.h"
 #include "ui/form/busy_window.h"
 
 namespace tessary {
@@ -51,7 +52,7 @@ Collected CollectFiles(const ScanRequest& request, HWND owner, BusyWindow& busy)
     };
     DWORD lastTold = GetTickCount() - ProgressDialog::kInterval;
     while (!scan.HasEnded() && !progress.IsStopped()) {
-        if (!scan.Wait(ProgressDialog::kInterval) || Values().quitRequested) return {};
+        if (!scan.Wait(ProgressDialog::kInterval) || CurrentActivity().quitRequested) return {};
         if (GetTickCount() - lastTold < ProgressDialog::kInterval) continue;
         lastTold = GetTickCount();
         const ScanNews news = take();
@@ -146,7 +147,7 @@ void OpenCommands::OpenFolder(const ScanRequest& request) {
     {
         BusyWindow busy(window_.Handle());
         collected = CollectFiles(request, window_.Handle(), busy);
-        if (Values().quitRequested) return;
+        if (CurrentActivity().quitRequested) return;
         busy.SetCaption(L"ファイル一覧を作成しています");
         bar_.SetVisible(true);
         window_.ShowOpened(collected.files.size(), collected.named);

@@ -17,6 +17,7 @@
 #include "ui/dialogs/frmProgress.h"
 #include "ui/dialogs/frmSaveOption.h"
 #include "ui/dialogs/start_folder.h"
+#include "ui/form/activity.h"
 #include "ui/form/busy_pointer.h"
 #include "ui/form/session_hold.h"
 
@@ -143,7 +144,7 @@ void SaveCommands::Save(const Choice& chosen) {
     const Saved saved = SaveTellingProgress(*chosen.format, path, window_, error);
     window_.CloseIfAsked();
     if (saved == Saved::kYes) window_.TellSaved(path);
-    if (saved == Saved::kStopped && !Values().quitRequested) {
+    if (saved == Saved::kStopped && !CurrentActivity().quitRequested) {
         ShowMessageBox(L"ファイル " + path + L" の保存を中止しました。何も保存されていません。",
                        MB_ICONINFORMATION);
     }

@@ -10,6 +10,7 @@
 #include "res/resource.h"
 #include "ui/convert/frmConflict.h"
 #include "ui/convert/frmConvertAll.h"
+#include "ui/form/activity.h"
 #include "ui/form/session_hold.h"
 
 namespace tessary {
@@ -98,7 +99,7 @@ void frmConvertAll::EndRun() {
     if (GetActiveWindow() == Handle()) cmdOK_.SetFocus();
     Command2_.SetEnabled(false);
     UserCall(Handle()).Keep();
-    if (Values().quitRequested) Close(IDCANCEL);
+    if (CurrentActivity().quitRequested) Close(IDCANCEL);
 }
 
 void frmConvertAll::cmdOK_Click() {
@@ -181,7 +182,7 @@ bool frmConvertAll::SetProgressBar(int32_t totalPosition, int32_t totalMaximum,
     if (totalMaximum >= 0) total_ = {totalPosition, totalMaximum};
     if (fileMaximum > 0) file_ = {filePosition, fileMaximum};
     Refresh();
-    return continue_ && !Values().quitRequested;
+    return continue_ && !CurrentActivity().quitRequested;
 }
 
 void frmConvertAll::Refresh() {

@@ -9,6 +9,7 @@
 #include "picture/show/modShowPicture.h"
 #include "picture/show/picture_text.h"
 #include "res/resource.h"
+#include "ui/form/activity.h"
 #include "ui/form/busy_pointer.h"
 #include "ui/form/clipboard.h"
 #include "ui/form/picture_box.h"
@@ -127,7 +128,7 @@ void ClipboardCommands::menuEditPaste_Click() {
                                         });
     }
     window_.CloseIfAsked();
-    if (!taken || Values().quitRequested) return;  // the user has stopped it
+    if (!taken || CurrentActivity().quitRequested) return;  // the user has stopped it
     if (taken->isNoPicture) return window_.ShowNote(L"クリップボードに画像がありません。");
     if (!taken->trouble.empty()) {
         ShowMessageBox(L"貼り付けできません。\r\n" + taken->trouble, MB_ICONEXCLAMATION);

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "app/settings/modValue.h"
+#include "ui/form/activity.h"
 #include "ui/form/menu.h"
 
 namespace tessary {

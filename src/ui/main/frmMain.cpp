@@ -4,11 +4,11 @@
 #include <utility>
 
 #include "app/base/text.h"
-#include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "picture/current_picture.h"
 #include "picture/show/picture_text.h"
 #include "plugin/call_log.h"
+#include "ui/form/activity.h"
 #include "ui/form/clipboard.h"
 #include "ui/form/menu.h"
 #include "ui/form/message_loop.h"
@@ -54,7 +54,7 @@ void frmMain::SetControlBar(ControlBar& controlBar) {
                                     .enabled = [this, harmless] { return harmless || MayPress(); },
                                     .whileLoading = true});
     }
-    commands_.OnTooEarly([this] { return IsReading() && !Values().quitRequested; },
+    commands_.OnTooEarly([this] { return IsReading() && !CurrentActivity().quitRequested; },
                          [&controlBar](int id) { controlBar.WishCommand(id); });
 }
 
@@ -219,7 +219,7 @@ void frmMain::EndSession() {
         return;
     }
     // Plug-ins are at work below us and must stay; what the user has chosen is saved all the same.
-    Values().quitRequested = true;
+    CurrentActivity().quitRequested = true;
     if (controlBar_ != nullptr) controlBar_->SavePlace();
     SavePlacement();
     WriteGeneralSettings();
@@ -228,18 +228,19 @@ void frmMain::EndSession() {
 
 void frmMain::Form_QueryUnload(bool& cancel) {
     if (!IsReadUnderWay()) {
-        Values().quitRequested = false;  // the user is asked anew, and may stay
+        CurrentActivity().quitRequested = false;  // the user is asked anew, and may stay
         cancel = controlBar_ != nullptr && !controlBar_->MayClose();
         // Who asked once more while files were being deleted got no other answer.
-        if (cancel) Values().quitRequested = false;
+        if (cancel) CurrentActivity().quitRequested = false;
         return;
     }
     cancel = true;
-    if (!refusesToClose_ || !refusesToClose_()) Values().quitRequested = true;
+    if (!refusesToClose_ || !refusesToClose_()) CurrentActivity().quitRequested = true;
 }
 
 void frmMain::CloseIfAsked() const {
-    if (Values().quitRequested && !IsReadUnderWay()) PostMessageW(Handle(), WM_CLOSE, 0, 0);
+    if (CurrentActivity().quitRequested && !IsReadUnderWay())
+        PostMessageW(Handle(), WM_CLOSE, 0, 0);
 }
 
 void frmMain::Form_Unload() {

@@ -9,10 +9,10 @@
 
 #include "app/base/call_user.h"
 #include "app/base/command_line.h"
-#include "app/settings/modValue.h"
 #include "picture/show/picture_view.h"
 #include "res/resource.h"
 #include "ui/form/accelerators.h"
+#include "ui/form/activity.h"
 #include "ui/form/file_drop_target.h"
 #include "ui/form/form.h"
 #include "ui/form/message_loop.h"

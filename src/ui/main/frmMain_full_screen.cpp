@@ -3,6 +3,7 @@
 
 #include "app/settings/modValue.h"
 #include "picture/show/modShowPicture.h"
+#include "ui/form/activity.h"
 #include "ui/main/frmMain.h"
 
 namespace tessary {
@@ -88,7 +89,7 @@ void frmMain::RegisterStepCommands() {
 
 // While the control bar's pictures are read it takes note of what is pressed.
 bool frmMain::MayPress() const {
-    return (!IsReadUnderWay() || IsReading()) && !Values().quitRequested;
+    return (!IsReadUnderWay() || IsReading()) && !CurrentActivity().quitRequested;
 }
 
 void frmMain::Step(BarButton button) {

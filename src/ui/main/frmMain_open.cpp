@@ -3,7 +3,7 @@
 
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
-#include "app/settings/modValue.h"
+#include "ui/form/activity.h"
 #include "ui/form/worker.h"
 #include "ui/main/frmMain.h"
 
@@ -56,7 +56,7 @@ void frmMain::OpenNow(FileListing listing) {
         });
     }
     CloseIfAsked();
-    if (!found || Values().quitRequested) return;
+    if (!found || CurrentActivity().quitRequested) return;
     ShowOpened(found->files.size(), found->named);
     if (found->files.empty()) return;
     controlBar_->SetFileList(found->files);
@@ -64,7 +64,8 @@ void frmMain::OpenNow(FileListing listing) {
 }
 
 void frmMain::TellFailure(const std::wstring& failure) const {
-    if (!failure.empty() && !Values().quitRequested) ShowMessageBox(failure, MB_ICONEXCLAMATION);
+    if (!failure.empty() && !CurrentActivity().quitRequested)
+        ShowMessageBox(failure, MB_ICONEXCLAMATION);
 }
 
 void frmMain::ShowOpened(size_t count, const NamedFiles& named) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/form/activity.h"
 #include "ui/main/frmMain.h"
 
 namespace tessary {
@@ -106,7 +107,7 @@ bool frmMain::Breathe() {
         if (!DoEvents()) return false;
         lastBreath_ = GetTickCount();
     }
-    return !Values().quitRequested && !(reading_.depth > 0 && reading_.stopped);
+    return !CurrentActivity().quitRequested && !(reading_.depth > 0 && reading_.stopped);
 }
 
 }  // namespace tessary

@@ -6,6 +6,7 @@
 #include "app/base/message_box.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
+#include "ui/form/activity.h"
 #include "ui/form/metrics.h"
 
 namespace tessary {

@@ -11,6 +11,7 @@
 #include "res/resource.h"
 #include "ui/dialogs/folder_browser.h"
 #include "ui/dialogs/frmProgress.h"
+#include "ui/form/activity.h"
 #include "ui/form/busy_window.h"
 #include "ui/options/closing_windows.h"
 #include "ui/options/frmAbout.h"

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "app/settings/modValue.h"
 #include "plugin/plugin_notices.h"
+#include "ui/form/activity.h"
 #include "ui/form/message_loop.h"
 
 namespace tessary {
@@ -11,7 +11,7 @@ namespace tessary {
 LoadingProgress TellIn(frmProgress& window) {
     return [&window](const std::wstring& path, int32_t done, int32_t total) {
         window.Tell(path, done, total);
-        return DoEvents() && !window.IsStopped() && !Values().quitRequested;
+        return DoEvents() && !window.IsStopped() && !CurrentActivity().quitRequested;
     };
 }
 

@@ -1,6 +1,7 @@
 // The control bar's window: its place, its delete panel, its keys.
 #include "tests/src/ui/control/control_bar_test.h"
 #include "ui/control/panel_place.h"
+#include "ui/form/activity.h"
 #include "ui/form/screen.h"
 
 namespace tessary::test {
@@ -63,7 +64,7 @@ TEST_F(BarWindowTest, DeletePanelOpensAndAsksBeforeAnythingIsLost) {
     EXPECT_EQ(asked, 1);
     SendMessageW(main, WM_CLOSE, 0, 0);
     EXPECT_EQ(asked, 2);
-    EXPECT_FALSE(Values().quitRequested);
+    EXPECT_FALSE(CurrentActivity().quitRequested);
     // Enter behind a cancelled deletion steps on, and a key that is held down asks nothing.
     ::SetFocus(PanelButton());
     Press(VK_RETURN, WM_KEYDOWN, LPARAM{KF_REPEAT} << 16);

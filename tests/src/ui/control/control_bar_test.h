@@ -18,6 +18,7 @@
 #include "tests/support/redirected_settings.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/control/frmControl.h"
+#include "ui/form/activity.h"
 #include "ui/form/message_loop.h"
 
 namespace tessary::test {
@@ -46,9 +47,10 @@ class ControlBarTest : public testing::Test {
     }
 
     void TearDown() override {
-        Values().readsUnderWay = 0;
+        CurrentActivity() = {};
         window_.Unload();
         DoEvents();
+        CurrentActivity() = {};
         UnloadSPI();
     }
 

@@ -2,6 +2,7 @@
 #include "picture/current_picture.h"
 #include "tests/src/ui/control/control_bar_test.h"
 #include "tests/src/ui/message_spy.h"
+#include "ui/form/activity.h"
 
 namespace tessary::test {
 namespace {
@@ -56,7 +57,7 @@ TEST_F(FileListTest, TakesTheEntriesUpToTheLimitAndLeavesOutEmptyOnes) {
     bar_.SetFileList(Bitmaps(1));
     EXPECT_EQ(Notice(), L"");
     bar_.SetFileList(files);
-    EXPECT_TRUE(Values().pictureLoading);
+    EXPECT_TRUE(CurrentActivity().pictureLoading);
     // The window can be closed nevertheless.
     const HWND main = window_.Handle();
     window_.Unload();
@@ -68,7 +69,7 @@ TEST_F(FileListTest, ClosingDuringALoadClosesWhenItEnds) {
     bar_.SetFileList(List{Bitmap(L"1.bmp"), SlowPicture(L"2.tst")});
     PostMessageW(main, WM_CLOSE, 0, 0);
     LoadSlowly(1);
-    EXPECT_TRUE(Values().quitRequested);
+    EXPECT_TRUE(CurrentActivity().quitRequested);
     EXPECT_TRUE(IsWindow(main));
     EXPECT_TRUE(RunUntil([&] { return !IsWindow(main); }));
     EXPECT_EQ(bar_.Handle(), nullptr);
@@ -94,7 +95,7 @@ TEST_F(FileListTest, WhatCannotBeShownLeavesTheViewEmpty) {
         EXPECT_NE(reason(), 0) << told;
         EXPECT_EQ(Info(), told);
         EXPECT_EQ(Panel(), told);
-        EXPECT_EQ(Values().pictureLoading, index == 1) << told;  // what vanished leaves it
+        EXPECT_EQ(CurrentActivity().pictureLoading, index == 1) << told;  // what vanished leaves it
         EXPECT_EQ(Items(bar_.listArchiveFile()), index == 3 ? List{} : kNotArchive) << told;
         EXPECT_FALSE(bar_.listArchiveFile().IsEnabled()) << told;
         EXPECT_EQ(bar_.Failure().empty(), index == 1) << told;

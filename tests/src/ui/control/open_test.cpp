@@ -19,6 +19,7 @@
 #include "ui/control/open_commands.h"
 #include "ui/dialogs/ComDlg.h"
 #include "ui/dialogs/folder_browser.h"
+#include "ui/form/activity.h"
 
 namespace tessary::test {
 namespace {

@@ -11,6 +11,7 @@
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/control/save_name.h"
+#include "ui/form/activity.h"
 #include "ui/form/timer.h"
 
 namespace tessary::test {
@@ -171,7 +172,7 @@ TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
     DoEvents();
     EXPECT_GT(Content(L"b.png").size(), 1000U);
     EXPECT_EQ(window_.Handle(), nullptr);
-    Values().quitRequested = false;
+    CurrentActivity().quitRequested = false;
 }
 
 }  // namespace

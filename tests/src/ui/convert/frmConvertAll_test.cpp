@@ -19,6 +19,7 @@
 #include "ui/convert/convert_commands.h"
 #include "ui/dialogs/ComDlg.h"
 #include "ui/dialogs/folder_browser.h"
+#include "ui/form/activity.h"
 #include "ui/form/session_hold.h"
 
 namespace tessary::test {

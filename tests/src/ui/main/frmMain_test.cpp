@@ -11,6 +11,7 @@
 #include "tests/src/ui/main/main_window.h"
 #include "tests/src/ui/message_spy.h"
 #include "tests/support/temporary_folder.h"
+#include "ui/form/activity.h"
 #include "ui/form/session_hold.h"
 
 namespace tessary {
@@ -155,7 +156,7 @@ TEST_F(CloseTest, IsRefusedWhileAPictureLoads) {
         EXPECT_TRUE(window_.Breathe());
         Choose(menuFileExit);
         EXPECT_TRUE(IsWindow(window));
-        EXPECT_TRUE(Values().quitRequested);
+        EXPECT_TRUE(CurrentActivity().quitRequested);
         EXPECT_FALSE(window_.Breathe());  // the load is asked to stop
     }
     Choose(menuFileExit);
@@ -242,7 +243,7 @@ TEST_F(CloseTest, SessionEndClosesTheProgram) {
         EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
         SendMessageW(window, WM_ENDSESSION, TRUE, 0);
     }
-    EXPECT_TRUE(Values().quitRequested);
+    EXPECT_TRUE(CurrentActivity().quitRequested);
     EXPECT_EQ(ended_, 0);
     EXPECT_EQ(calledPlugin(), L"");  // it is not the plug-in's fault
     EXPECT_EQ(GetSetting(L"General", L"SlideShowTime", L""), L"1234");

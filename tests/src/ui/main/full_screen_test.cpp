@@ -4,6 +4,7 @@
 #include "app/settings/settings_store.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/src/ui/run_until.h"
+#include "ui/form/activity.h"
 #include "ui/form/screen.h"
 #include "ui/form/timer.h"
 #include "ui/main/window_placement.h"

@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 
 #include "app/base/modScreenCaps.h"
-#include "app/settings/modValue.h"
 #include "picture/current_picture.h"
 #include "res/resource.h"
 #include "tests/src/ui/main/recording_control_bar.h"
 #include "tests/src/ui/test_picture.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
+#include "ui/form/activity.h"
 #include "ui/form/message_loop.h"
 #include "ui/main/frmMain.h"
 
@@ -20,7 +20,6 @@ class MainWindowTest : public testing::Test {
   protected:
     // Loads the window with a client area that leaves the view exactly this size.
     void Load(int viewWidth = 320, int viewHeight = 240) {
-        Values().platformId = GetPlatformId();
         window_.SetControlBar(controlBar_);
         ASSERT_TRUE(window_.Load());
         for (int pass = 0; pass < 2; ++pass) {  // the menu may need fewer lines the second time
@@ -42,6 +41,7 @@ class MainWindowTest : public testing::Test {
     void TearDown() override {
         window_.Unload();
         DoEvents();
+        CurrentActivity() = {};
     }
 
     static RECT FrameOf(HWND window) {

@@ -6,6 +6,7 @@
 
 #include "tests/src/ui/main/main_window.h"
 #include "tests/src/ui/message_spy.h"
+#include "ui/form/activity.h"
 #include "ui/form/clipboard.h"
 
 namespace tessary {

@@ -2,6 +2,7 @@
 #include <tuple>
 
 #include "tests/src/ui/main/main_window.h"
+#include "ui/form/activity.h"
 #include "ui/main/view_layout.h"
 
 namespace tessary {

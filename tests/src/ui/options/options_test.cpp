@@ -14,6 +14,7 @@
 #include "tests/src/ui/dialogs/driven_dialog.h"
 #include "tests/src/ui/message_spy.h"
 #include "ui/dialogs/folder_browser.h"
+#include "ui/form/activity.h"
 #include "ui/options/frmOption.h"
 
 namespace tessary::test {
