@@ -20,7 +20,7 @@ constexpr wchar_t kMnemonicMark = L'&';
 void DeletePanel::Create(HWND parent) {
     deleteName_.Create(parent, L"削除リスト");
     deleteName_.SetVisible(false);
-    listDelete_.Create(parent, ListBox::Fit::kPath);
+    listDelete_.CreateForPaths(parent);
     listDelete_.SetText(L"削除リスト");  // some systems know a list's name from there
     listDelete_.OnDoubleClick([this] { listDelete_DblClick(); });
     listDelete_.OnKeyDown([this](int keyCode, int) {

@@ -126,7 +126,7 @@ void frmControl::CreateControls() {
     };
     const auto makeList = [&](ListBox& list, Label& label, const wchar_t* text) {
         name(label, text);
-        list.Create(Handle(), ListBox::Fit::kPath);
+        list.CreateForPaths(Handle());
         list.SetText(text);  // some systems know a list's name from there
     };
     coolBar_.Create(Handle(), ControlBarItems(), ControlBarImages());
@@ -137,7 +137,7 @@ void frmControl::CreateControls() {
     });
     coolBar_.OnBackgroundPress([this] { SendMessageW(Handle(), WM_LBUTTONDOWN, 0, 0); });
     name(infoName_, L"表示中のファイル");
-    textFileInfo_.Create(Handle(), TextBox::Mode::kReadOnly);
+    textFileInfo_.CreateReadOnly(Handle());
 
     const auto keys = [this](int keyCode, int shift) { return PassKeyOn(keyCode, shift); };
     makeList(listFileName_, filesName_, L"ファイルの一覧");

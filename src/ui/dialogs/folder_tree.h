@@ -45,7 +45,6 @@ class FolderTree {
     std::wstring Root() const { return PathOf(tree_.Root()); }
     std::wstring PathOf(TreeView::Node node) const;
 
-    const TreeView& Tree() const { return tree_; }
     TreeView& Tree() { return tree_; }
 
   private:

@@ -39,10 +39,6 @@ bool Form::Load(HWND owner) {
     return Handle() != nullptr;
 }
 
-void Form::Show(int command) {
-    if (Handle() != nullptr) ShowWindow(Handle(), command);
-}
-
 void Form::Unload() {
     if (Handle() != nullptr) SendMessageW(Handle(), WM_CLOSE, 0, 0);
 }

@@ -27,9 +27,6 @@ class Form : public Window {
     // exists.
     bool Load(HWND owner = nullptr);
 
-    // Shows the loaded window; `command` is ShowWindow's (SW_…).
-    void Show(int command = SW_SHOWNORMAL);
-
     // Asks the form to close, exactly as its close button does.
     void Unload();
 

@@ -14,12 +14,11 @@ constexpr int kTextMargin = 3;
 
 }  // namespace
 
-bool ListBox::Create(HWND parent, Fit fit, int id) {
-    fit_ = fit;
-    const DWORD drawing = fit == Fit::kPath ? LBS_OWNERDRAWFIXED | LBS_HASSTRINGS : WS_HSCROLL;
+bool ListBox::CreateForPaths(HWND parent) {
     return CreateChild(parent, L"LISTBOX",
-                       WS_VSCROLL | WS_TABSTOP | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | drawing,
-                       WS_EX_CLIENTEDGE, id);
+                       WS_VSCROLL | WS_TABSTOP | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT |
+                           LBS_OWNERDRAWFIXED | LBS_HASSTRINGS,
+                       WS_EX_CLIENTEDGE);
 }
 
 std::wstring ListBox::Item(int index) const {

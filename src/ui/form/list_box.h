@@ -13,11 +13,9 @@ namespace tessary {
 // Indexes count from 0; -1 stands for no entry.
 class ListBox final : public Control {
   public:
-    // How an entry that is wider than the list is shortened when it is drawn: not at all (the list
-    // scrolls sideways by itself), or in the middle of a path, so that the file name stays.
-    enum class Fit { kPlain, kPath };
-
-    bool Create(HWND parent, Fit fit, int id = 0);
+    // A list of paths: one that is wider than the list is shortened in its middle, so that the
+    // file name stays.
+    bool CreateForPaths(HWND parent);
 
     // The user has clicked an entry or moved the selection; and a double click.
     void OnClick(std::function<void()> handler) { click_ = std::move(handler); }
@@ -56,7 +54,6 @@ class ListBox final : public Control {
     void OnCommand(WORD notification, WORD /*id*/) override;
     void OnDrawItem(const DRAWITEMSTRUCT& item) override;
 
-    Fit fit_ = Fit::kPlain;
     bool dimmed_ = false;
     int textMargin_ = 0;  // beside an entry's text, in pixels
     std::function<void()> click_;

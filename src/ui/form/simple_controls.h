@@ -11,13 +11,10 @@ namespace tessary {
 // One line of text.
 class TextBox final : public Control {
   public:
-    // A read-only field shows its text for reading and copying.
-    enum class Mode { kEditable, kReadOnly };
-
-    bool Create(HWND parent, Mode mode, int id = 0) {
-        const DWORD readOnly = mode == Mode::kReadOnly ? ES_READONLY : 0;
-        return CreateChild(parent, L"EDIT", WS_TABSTOP | ES_AUTOHSCROLL | readOnly,
-                           WS_EX_CLIENTEDGE, id);
+    // A field that shows its text for reading and copying.
+    bool CreateReadOnly(HWND parent) {
+        return CreateChild(parent, L"EDIT", WS_TABSTOP | ES_AUTOHSCROLL | ES_READONLY,
+                           WS_EX_CLIENTEDGE);
     }
 
     // The text has changed, by the user or by SetText.

@@ -53,7 +53,6 @@ class Toolbar final : public Control {
     void CheckButton(int index, bool checked);
 
     void SetImage(int index, int image);
-    int Image(int index) const { return StateOf(index).image; }
 
     // The rectangle of a button with its arrow, in the toolbar's area.
     RECT ButtonRectangle(int index) const;

@@ -250,7 +250,7 @@ TEST_F(FormTest, PaintsBelowTheCornersOfControls) {
 }
 
 TEST_F(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
-    form_.Show();
+    ShowWindow(form_.Handle(), SW_SHOWNORMAL);
     const HWND button = form_.Add(L"BUTTON");
     SetFocus(button);
     {
@@ -263,9 +263,9 @@ TEST_F(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
 TEST_F(FormTest, MessagesStayWithTheWindowThatTheUserWasInAndCallHim) {
     EXPECT_EQ(WindowForMessages(), nullptr);
     RecordingForm bar;
-    form_.Show();
+    ShowWindow(form_.Handle(), SW_SHOWNORMAL);
     ASSERT_TRUE(bar.Load(form_.Handle()));
-    bar.Show();
+    ShowWindow(bar.Handle(), SW_SHOWNORMAL);
     const HWND foreign =
         CreateWindowExW(0, L"STATIC", L"a plug-in's", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, nullptr,
                         nullptr, GetModuleHandleW(L"user32"), nullptr);

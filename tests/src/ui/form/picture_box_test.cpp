@@ -26,7 +26,7 @@ class PictureBoxTest : public testing::Test {
         SetWindowPos(form_.Handle(), nullptr, 100, 100, 200, 150, SWP_NOZORDER);
         ASSERT_TRUE(box_.Create(form_.Handle(), {}));
         box_.SetBounds(0, 0, 200, 150);
-        form_.Show(SW_SHOWNOACTIVATE);
+        ShowWindow(form_.Handle(), SW_SHOWNOACTIVATE);
     }
 
     // Looks at every third pixel of the area.

@@ -65,7 +65,7 @@ TEST_F(OpenFilesTest, TakesDroppedFilesAndFolders) {
     EXPECT_EQ(Drop(window_.Handle(), {second, first}), DROPEFFECT_COPY);
     EXPECT_TRUE(controlBar_.lists.empty());  // the source must not wait for the decoding
     DoEvents();
-    window_.Form::Show();
+    ShowWindow(window_.Handle(), SW_SHOWNORMAL);
     SetForegroundWindow(GetDesktopWindow());  // the source is another program
     EXPECT_EQ(Drop(window_.pictureView().Handle(), {folder_.Path() + L"中"},
                    DROPEFFECT_COPY | DROPEFFECT_MOVE),
