@@ -16,6 +16,10 @@ namespace {
 // Plug-ins write and read a little, sometimes a lot, behind the blocks they are given.
 constexpr size_t kSlack = 4096;
 
+// What plug-ins get for the value that goes with the progress callback: ours needs none of theirs,
+// and some use it.
+constexpr ULONG_PTR kNoUserData = 0;
+
 // A caller's structure or text buffer, lent to a plug-in as a bigger copy.
 class LentBlock {
   public:
@@ -113,7 +117,7 @@ SUSIECTL_ENTRY int __stdcall GetPicture(FARPROC function, const char* source, LO
     return Enter(function, [&] {
         return Call(function,
                     {Word(source), Word(length), Word(flag), Word(info), Word(bits),
-                     Word(&ReportProgress), Word(userData)},
+                     Word(&ReportProgress), kNoUserData},
                     {progress, userData});
     });
 }
@@ -148,7 +152,7 @@ SUSIECTL_ENTRY int __stdcall GetFile(FARPROC function, const char* source, LONG_
     return Enter(function, [&] {
         return Call(function,
                     {Word(source), Word(length), Word(destination), Word(flag),
-                     Word(&ReportProgress), Word(userData)},
+                     Word(&ReportProgress), kNoUserData},
                     {progress, userData});
     });
 }

@@ -208,15 +208,14 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
     }
     const std::wstring path = start + name;
     expansion.record->Add(path);
-    std::optional<PluginFailure> failure;
     DWORD error = ERROR_SUCCESS;
-    try {
-        failure = FailureIn(expansion.archive, [&] {
+    const auto failure = FailureIn(expansion.archive, [&] {
+        try {
             expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress);
-        });
-    } catch (const UnwrittenFileError& unwritten) {
-        error = unwritten.SystemError();
-    }
+        } catch (const UnwrittenFileError& unwritten) {
+            error = unwritten.SystemError();
+        }
+    });
     if (error != ERROR_SUCCESS) {
         // The plug-in has done what it should.
         const FileReason reason = ReasonOfWriteError(error, path);

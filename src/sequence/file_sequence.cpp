@@ -32,7 +32,8 @@ void FileSequence::LeaveArchive() {
 StepTarget FileSequence::Find(int steps, bool inArchive, KindSource& kinds) const {
     StepTarget target;
     if (inArchive && !members_.IsEmpty()) target.member = FindMember(steps);
-    if (steps != 0) FindFile(steps, kinds, target);
+    target.leavesArchive = steps != 0;
+    if (target.leavesArchive) FindFile(steps, kinds, target);
     return target;
 }
 

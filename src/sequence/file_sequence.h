@@ -39,9 +39,10 @@ class KindSource {
 // Where a number of steps leads to. Both are set when the way ends in the archive at the member, or
 // in the file behind it.
 struct StepTarget {
-    std::optional<int> member;  // to select when there is no file to go on to
-    std::optional<int> file;    // to select; -1: the selection is to go
-    bool isKnown = false;       // the file is of known kind, and not just where the list ends
+    std::optional<int> member;   // to select when there is no file to go on to
+    std::optional<int> file;     // to select; -1: the selection is to go
+    bool isKnown = false;        // the file is of known kind, and not just where the list ends
+    bool leavesArchive = false;  // the members do not take all the steps
 };
 
 class FileSequence {

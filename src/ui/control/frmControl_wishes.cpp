@@ -24,6 +24,12 @@ constexpr wchar_t kSearching[] = L"画像を探しています";
 
 // --- Stepping ---
 
+void frmControl::Search::Hear() {
+    if (hasBegun_) return;
+    hasBegun_ = true;
+    const Busy busy(bar_, kSearching);
+}
+
 bool frmControl::Search::IsKnown(const std::wstring& path) {
     if (!busy_) {
         busy_.emplace(bar_, kSearching);
@@ -55,12 +61,15 @@ bool frmControl::MoveBy(int steps, bool inArchive) {
     const StepTarget target = sequence_.Find(steps, inArchive, search);
     search.End();
     bool moved = target.isKnown;
+    if (target.file) search.Hear();
     if (search.IsOverruled()) {
         moved = wishes_.file;
     } else if (target.file) {
         sequence_.Files().Select(*target.file);
     }
-    if (!moved && target.member && !wishes_.Moves()) sequence_.Members().Select(*target.member);
+    if (!moved && target.member && !(target.leavesArchive && wishes_.Moves())) {
+        sequence_.Members().Select(*target.member);
+    }
     window_.CloseIfAsked();
     return moved || target.member;
 }

@@ -26,7 +26,8 @@ namespace {
 
 // The dialog counts its types from 1.
 const SaverFormat& FormatOf(int type) {
-    return SaverFormats()[static_cast<size_t>(type) - 1];
+    const auto index = static_cast<size_t>(type - 1);
+    return SaverFormats()[index < SaverFormats().size() ? index : 0];
 }
 
 int TypeOf(const SaverFormat& format) {

@@ -83,6 +83,7 @@ DOpenForm::DOpenForm(std::wstring caption)
 void DOpenForm::Dialog_Load() {
     SetWindowTextW(Handle(), caption_.c_str());
     fileName_.clear();
+    drives_.clear();
     typed_ = false;
     AttachControls();
     AnchorControls();

@@ -37,8 +37,11 @@ void frmSaveOption::Field::Show(int16_t shown) {
         case SaverOption::Kind::kChoice:
             break;
     }
-    const auto chosen = static_cast<size_t>(shown);
-    buttons[chosen < buttons.size() ? chosen : 0].SetChecked(true);
+    // Each of them is told: the tab key stops at those that were not told otherwise.
+    const auto chosen =
+        static_cast<size_t>(shown) < buttons.size() ? static_cast<size_t>(shown) : 0;
+    for (size_t i = 0; i < buttons.size(); ++i)
+        buttons[i].SetChecked(i == chosen);
 }
 
 frmSaveOption::frmSaveOption() : Dialog(dialogSaveOption) {}
@@ -145,6 +148,7 @@ void frmSaveOption::ShowUse() {
 }
 
 void frmSaveOption::FocusFirstControl() const {
+    if (fields_.empty()) return;
     const Field& first = fields_.front();
     if (first.option.kind == SaverOption::Kind::kLevel) return first.slider.SetFocus();
     const auto chosen = first.option.kind == SaverOption::Kind::kChoice ? first.Value() : 0;

@@ -4,6 +4,7 @@
 #include "ui/dialogs/frmSaveOption.h"
 
 namespace tessary {
+
 void FormatPage::AttachControls() {
     rows_.clear();
     for (const SaverFormat& format : SaverFormats()) {

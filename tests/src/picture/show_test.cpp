@@ -280,6 +280,10 @@ TEST_F(ShowTest, AQueryIsNotMadeASecondTime) {
         EXPECT_EQ(Show(archive), L"axtsa.spi");
         EXPECT_EQ(Calls(L"axtsa.spi", "GetArchiveInfo"), count);
     }
+    // Who refuses a file is not asked again for the same show.
+    const int refused = Calls(L"c_refuses.spi", "IsSupported");
+    Show(files_.Write(L"b.tst", "no picture"));
+    EXPECT_EQ(Calls(L"c_refuses.spi", "IsSupported"), refused + 1);
     EXPECT_EQ(QueryFileKind(archive), kFileArchive);
     files_.Write(L"a.tsa", "no archive any more");
     EXPECT_EQ(Show(archive), L'~' + No(L"a.tsa", L"対応しているプラグインがありません。"));

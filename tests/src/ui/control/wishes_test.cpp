@@ -1,4 +1,5 @@
 // What the user asks for while a picture is being loaded.
+#include "tests/plugins/test_plugins.h"
 #include "tests/src/ui/control/control_bar_test.h"
 #include "tests/support/distant_files.h"
 #include "ui/form/timer.h"
@@ -72,6 +73,26 @@ TEST_F(WishTest, StepsAddUpAndALaterClickWins) {
     PostCommand(menuControl_2);
     LoadSlowly(1);
     EXPECT_FALSE(RunUntil([&] { return Selected() != 1; }, 100));
+}
+
+TEST_F(WishTest, AStepThatComesBeforeTheWishIsCarriedOutCountsToo) {
+    const std::string slow = "TST 8x50x24\nprogress:9\n";
+    bar_.SetFileList(List{folder_.Write(
+        L"a.tsa",
+        ArchiveOf({{"1.tst", slow}, {"2.tst", slow}, {"3.tst", slow}, {"4.tst", slow}}))});
+    Post("N");
+    Sleep(25);
+    Click(bar_.listArchiveFile(), 0);
+    EXPECT_TRUE(bar_.ListIndexForwardOne());
+    EXPECT_EQ(bar_.listArchiveFile().Selected(), 1);
+    EXPECT_TRUE(RunUntil([&] { return bar_.listArchiveFile().Selected() == 2; }));
+    // Back off the first file, with a click waiting.
+    files_[0] = SlowPicture(L"0.tst");
+    bar_.SetFileList(files_);
+    Post("2");
+    LoadSlowly(0);
+    bar_.ListIndexBackOne();
+    EXPECT_TRUE(Shows(2));
 }
 
 TEST_F(WishTest, MotionAndCommandsWaitToo) {
