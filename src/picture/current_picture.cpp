@@ -18,6 +18,7 @@ std::wstring& Damage() {
 }  // namespace
 
 const Picture& CurrentPicture() {
+    if (!Current().IsThere()) SetCurrentPicture({});
     return Current();
 }
 

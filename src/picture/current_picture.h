@@ -7,7 +7,8 @@
 
 namespace tessary {
 
-// The current picture, which is owned here; empty: there is none.
+// The current picture, which is owned here; empty: there is none, or its memory was freed by
+// somebody else.
 const Picture& CurrentPicture();
 
 // What is wrong with it when only a part of its file could be read, one line for the user; else

@@ -19,6 +19,10 @@ class LockedBlock {
     std::span<uint8_t> Content() const {
         return {static_cast<uint8_t*>(lock_->Address()), lock_->Size()};
     }
+    bool IsThere() const {
+        const BlockLock again(block_.Get());
+        return again.Address() == lock_->Address() && again.Size() == lock_->Size();
+    }
     // By another one, if it is one.
     void Replace(OwnedBlock other) {
         if (!other) return;
@@ -42,6 +46,7 @@ class PairMemory final : public PictureMemory {
 
     Bytes Info() const override { return info.Content(); }
     Bytes Bits() const override { return bits.Content(); }
+    bool IsThere() const override { return info.IsThere() && bits.IsThere(); }
     PicturePair GivePair() override { return {info.Release(), bits.Release()}; }
 
     LockedBlock info;

@@ -23,6 +23,9 @@ class PictureMemory {
     virtual std::span<const uint8_t> Info() const = 0;
     virtual std::span<const uint8_t> Bits() const = 0;
 
+    // Whether both are still where they were. Somebody else may have freed what is not ours alone.
+    virtual bool IsThere() const { return true; }
+
     // Gives the memory away when it is a pair, and owns nothing afterwards; else answers an empty
     // pair.
     virtual PicturePair GivePair() { return {}; }
@@ -59,6 +62,11 @@ class Picture {
     }
 
     explicit operator bool() const { return memory_ != nullptr; }
+
+    // False when the memory was freed by somebody else, as a plug-in may do with blocks that it has
+    // handed out: nothing of the picture may be read any more. Whoever has kept a picture while
+    // plug-ins were called asks before he uses it. True for no picture.
+    bool IsThere() const { return memory_ == nullptr || memory_->IsThere(); }
 
     // The rest is for a picture that is not empty.
 

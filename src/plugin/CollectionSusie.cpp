@@ -30,6 +30,7 @@ void CollectionSusie::SetTryAll(bool tryAll) {
     order_.tryAll = tryAll;
     for (const auto& member : order_.members)
         member->SetCheckMode(!tryAll);
+    query_ = {};
 }
 
 clsSusie& CollectionSusie::Item(int32_t index) {

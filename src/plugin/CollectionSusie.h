@@ -79,6 +79,7 @@ class CollectionSusie {
     void RefreshInfo() {
         for (const auto& member : order_.members)
             member->RefreshInfo();
+        query_ = {};
     }
 
     // The files that AddSPI or a scan has met and that gave no plug-in, and folders that gave none,

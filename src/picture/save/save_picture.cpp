@@ -94,7 +94,7 @@ bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
 
 bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std::wstring& fileName,
                    const saving::SaveOptions& options, LONG_PTR passThrough) {
-    if (!picture) {
+    if (!picture || !picture.IsThere()) {
         SetLastError(ERROR_INVALID_DATA);
         return false;
     }

@@ -74,7 +74,7 @@ std::wstring WithoutFolder(std::wstring text, const std::wstring& path) {
 ShownFile Show(ReadToShow result, const std::wstring& path, PictureView& view) {
     if (IsPictureKind(result.file.kind)) {
         SetCurrentPicture(std::move(result.picture), result.file.damage);
-        if (DisplayCurrentPicture(view)) return result.file;
+        if (CurrentPicture() && DisplayCurrentPicture(view)) return result.file;
         result.file = {.failure = FailureText(result.subject, kDrawingFailedText)};
     }
     ShowReasonFor(view, WithoutFolder(ReasonOf(result), path));

@@ -9,6 +9,7 @@
 #include "picture/current_picture.h"
 #include "picture/modDIBToPicture.h"
 #include "picture/picture.h"
+#include "picture/save/save_picture.h"
 
 namespace tessary {
 namespace {
@@ -138,6 +139,24 @@ TEST(PictureTest, APairStaysWhereItIsUntilItIsFreed) {
     EXPECT_EQ(CurrentPictureDamage(), L"");
     SetCurrentPicture({});
     EXPECT_FALSE(CurrentPicture());
+}
+
+// Plug-ins free at their end, or at their next call, what they have handed out.
+TEST(PictureTest, WhatSomebodyElseHasFreedIsNotReadAnyMore) {
+    for (HLOCAL PicturePair::*const part : {&PicturePair::info, &PicturePair::bits}) {
+        PicturePair pair = PairOf(HeaderOf(1, -2, 32), "toprlowr");
+        SetCurrentPicture(Picture::FromPair(pair));
+        EXPECT_TRUE(CurrentPicture().IsThere());
+        EXPECT_EQ(CurrentPicture().Width(), 1);
+        EXPECT_TRUE(FreeLocalHandle(pair.*part));
+        EXPECT_FALSE(CurrentPicture());
+    }
+    PicturePair pair = PairOf(HeaderOf(1, -2, 32), "toprlowr");
+    const Picture kept = Picture::FromPair(pair);
+    EXPECT_TRUE(FreeLocalHandle(pair.bits));
+    EXPECT_FALSE(kept.IsThere());
+    EXPECT_FALSE(SavePictureFile(kept, L"gone.bmp", {}, 0));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_DATA));
 }
 
 TEST(PictureTest, APairIsPutRightOrRefusedAndFreed) {
