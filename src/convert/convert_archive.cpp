@@ -7,7 +7,6 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/base/write_error.h"
-#include "app/settings/modValue.h"
 #include "convert/convert_progress.h"
 #include "convert/convert_run.h"
 #include "convert/decode_filter.h"
@@ -44,7 +43,7 @@ struct ConvertRun::Expansion {
 std::wstring ConvertRun::MakeExpansionFolder(const WorkEntry& entry, bool& isNew, DWORD& error) {
     const std::wstring folder = entry.folder + FileNameOf(entry.path);
     ptrdiff_t before = 0;
-    if (!entry.IsExtracted() && Values().convert.onConflict != kConflictOverwrite) {
+    if (!entry.IsExtracted() && settings_.onConflict != kConflictOverwrite) {
         const std::set<std::wstring>& namesakes = namesakes_[ToUpper(folder)];
         before = std::distance(namesakes.begin(), namesakes.lower_bound(ToUpper(entry.path)));
     }
@@ -70,15 +69,15 @@ std::wstring ConvertRun::MakeExpansionFolder(const WorkEntry& entry, bool& isNew
 }
 
 FileReason ConvertRun::ReasonNotToExpand(const WorkEntry& entry) const {
-    const ConvertSettings& settings = Values().convert;
-    if (settings.unpackArchive != 1) return FileReason::kArchiveNotExpanded;
+    if (settings_.unpackArchive != 1) return FileReason::kArchiveNotExpanded;
     if (!entry.IsExtracted()) return FileReason::kNone;
-    if (entry.depth >= settings.archiveDepth) return FileReason::kTooDeep;
+    if (entry.depth >= settings_.archiveDepth) return FileReason::kTooDeep;
     return expanded_.Holds(entry.path) ? FileReason::kSameArchive : FileReason::kNone;
 }
 
-StepResult ConvertRun::ConvertArchiveFile(const WorkEntry& entry, const std::wstring& pluginKey) {
-    return Step([&](StepResult& result) {
+StepResult ConvertRun::ConvertArchiveFile(FileAtHand& file, const std::wstring& pluginKey) {
+    return Step(file, [&](StepResult& result) {
+        const WorkEntry& entry = file.entry;
         log_.WriteConvertLog(L"ファイル種別", L"圧縮ファイル", 2);
         if (const FileReason reason = ReasonNotToExpand(entry); reason != FileReason::kNone) {
             result = StepResult::kNotHandled;
@@ -87,7 +86,7 @@ StepResult ConvertRun::ConvertArchiveFile(const WorkEntry& entry, const std::wst
                 log_.WriteConvertLog(L"詳細情報", ReasonText(reason), 4);
             }
             // The user does not expect that one of two is left out.
-            Report(
+            file.Report(
                 reason == FileReason::kSameArchive ? FileOutcome::kSkipped : FileOutcome::kDeclined,
                 reason);
             return;
@@ -98,33 +97,34 @@ StepResult ConvertRun::ConvertArchiveFile(const WorkEntry& entry, const std::wst
         if (!plugin.Bind(entry.path)) {
             result = StepResult::kNotHandled;
             log_.WriteConvertLog(L"[エラー]", plugin.ErrorString(), 2);
-            Report(FileOutcome::kFailed, FileReason::kPluginFailed, plugin.ErrorString());
+            file.Report(FileOutcome::kFailed, FileReason::kPluginFailed, plugin.ErrorString());
             return;
         }
         expanded_.Add(entry.path);
         const PluginCondition list = plugin->Condition();
         const int32_t upperBound = list_.Grow(plugin->FileNumber());
-        if (!ExpandArchiveFiles(*plugin, entry, upperBound)) {
+        if (!ExpandArchiveFiles(file, *plugin, upperBound)) {
             result = StepResult::kStopped;
-            Report(FileOutcome::kStopped);
+            file.Report(FileOutcome::kStopped);
         } else if (list.kind == susie::kConditionDamaged ||
                    list.kind == susie::kConditionVolumeMissing) {
             // Of members that are not on the list nothing else tells.
             log_.WriteConvertLog(L"[警告]", list.text, 2);
-            report_.isDamaged = list.kind == susie::kConditionDamaged;
-            Report(FileOutcome::kFailed,
-                   report_.isDamaged ? FileReason::kDamaged : FileReason::kVolumeMissing,
-                   list.text);
+            file.report.isDamaged = list.kind == susie::kConditionDamaged;
+            file.Report(FileOutcome::kFailed,
+                        file.report.isDamaged ? FileReason::kDamaged : FileReason::kVolumeMissing,
+                        list.text);
         }
     });
 }
 
-bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const WorkEntry& entry, int32_t upperBound) {
+bool ConvertRun::ExpandArchiveFiles(FileAtHand& file, clsSusie& archive, int32_t upperBound) {
+    const WorkEntry& entry = file.entry;
     const int32_t count = archive.FileNumber();
     if (count < 1) {
         log_.WriteConvertLog(L"[エラー]",
                              L"このアーカイブファイルには有効なファイルがひとつもありません", 2);
-        Report(FileOutcome::kFailed, FileReason::kNoMembers);
+        file.Report(FileOutcome::kFailed, FileReason::kNoMembers);
         return true;
     }
     bool isNew = false;
@@ -133,7 +133,7 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const WorkEntry& entry, i
     if (folder.empty()) {
         log_.WriteConvertLog(L"[エラー]",
                              L"フォルダの作成に失敗しました。圧縮ファイルの展開を中止します", 2);
-        ReportUnwritten(error, entry.folder);
+        ReportUnwritten(file, error, entry.folder);
         return true;
     }
     log_.WriteConvertLog(L"合計ファイル数", std::to_wstring(count), 2);
@@ -144,14 +144,14 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const WorkEntry& entry, i
         return list_.Holds(path) || names_.IsSource(path) || names_.SourceOfResult(path);
     });
     Expansion expansion{archive, folder, isNew, record, {}, {}};
-    for (const ListedMember& file : archive.GetExpandFileList()) {
-        auto& ownName = expansion.ownNames[file.position];
-        if (CheckDecodeFileName(FileNameOf(file.name)))
-            ownName = expansion.names.NameFor(file.name);
+    for (const ListedMember& listed : archive.GetExpandFileList()) {
+        auto& ownName = expansion.ownNames[listed.position];
+        if (CheckDecodeFileName(FileNameOf(listed.name), settings_))
+            ownName = expansion.names.NameFor(listed.name);
         if (ownName && ExtractionRecord::IsNameOf(*ownName)) ownName.reset();
     }
     for (int32_t index = 1; index <= count; ++index) {
-        const WorkEntry member = ExpandMember(expansion, index);
+        const WorkEntry member = ExpandMember(entry, expansion, index);
         const std::wstring& path = member.path;
         list_.Set(upperBound + index, member);
         if (path.empty()) continue;
@@ -169,14 +169,14 @@ bool ConvertRun::ExpandArchiveFiles(clsSusie& archive, const WorkEntry& entry, i
     return true;
 }
 
-WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
+WorkEntry ConvertRun::ExpandMember(const WorkEntry& parent, Expansion& expansion, int32_t index) {
     const std::wstring member = expansion.archive.Files(index);
     const auto file = expansion.ownNames.find(index);
     const bool isFile = file != expansion.ownNames.end();
     WorkEntry entry{.path = {},
-                    .source = Entry().source,
-                    .member = Entry().member.empty() ? member : Entry().member + L'\\' + member,
-                    .depth = Entry().depth + 1};
+                    .source = parent.source,
+                    .member = parent.member.empty() ? member : parent.member + L'\\' + member,
+                    .depth = parent.depth + 1};
     const auto refuse = [&](FileOutcome outcome, FileReason reason, std::wstring text = {}) {
         log_.WriteConvertLog(L"解凍に失敗しました", member, 4);
         log_.WriteConvertLog(L"詳細情報", {}, 6);
@@ -189,7 +189,7 @@ WorkEntry ConvertRun::ExpandMember(Expansion& expansion, int32_t index) {
                            .reason = reason,
                            .text = std::move(text)});
     };
-    if (!CheckDecodeFileName(FileNameOf(member))) {
+    if (!CheckDecodeFileName(FileNameOf(member), settings_)) {
         refuse(FileOutcome::kDeclined, FileReason::kNameFiltered);
         log_.WriteConvertLog(L"このファイルは解凍しない設定になっています", {}, 6);
         return entry;

@@ -12,7 +12,6 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/base/write_error.h"
-#include "app/settings/modValue.h"
 
 namespace tessary {
 namespace {
@@ -56,8 +55,7 @@ std::wstring LogPath(const std::wstring& name) {
     return isFull ? name : AppFolder() + name;
 }
 
-std::wstring LogRefusal(std::span<const ConvertSource> files) {
-    const ConvertSettings& settings = Values().convert;
+std::wstring LogRefusal(std::span<const ConvertSource> files, const ConvertSettings& settings) {
     if (settings.outputErrorLog != 1) return {};
     const std::wstring log = LogPath(settings.errorLogFileName);
     if (!PathExists(log) || IsFolder(log)) return {};
@@ -69,22 +67,18 @@ std::wstring LogRefusal(std::span<const ConvertSource> files) {
     return {};
 }
 
-void ConvertLog::Open() {
-    ConvertSettings& settings = Values().convert;
-    if (!Values().logFileGivenUp) Values().logFileError = ERROR_SUCCESS;
+void ConvertLog::Open(const ConvertSettings& settings) {
     if (settings.outputErrorLog != 1) return;
     const OpenMode mode = settings.outputAddMode == 0 ? OpenMode::kOutput : OpenMode::kAppend;
     const std::wstring path = LogPath(settings.errorLogFileName);
     fileNumber_ = files_.OpenFileNumber(path, mode, OpenAccess::kWrite, OpenLock::kDenyWrite);
     if (fileNumber_ != 0) return;
-    const DWORD error = LastWriteError(path);
-    settings.outputErrorLog = 0;
-    Values().logFileGivenUp = true;
-    GiveUp(L"!!! ログファイルがオープンできません。 !!!", error);
+    refusal_ = LastWriteError(path);
+    GiveUp(L"!!! ログファイルがオープンできません。 !!!", refusal_);
 }
 
 void ConvertLog::GiveUp(const wchar_t* what, uint32_t error) {
-    Values().logFileError = error;
+    error_ = error;
     for (const wchar_t* line : {L"!!! エラー                             !!!", what,
                                 L"!!! ログファイルの作成を中止して       !!!",
                                 L"!!! 処理を継続します。                 !!!"}) {

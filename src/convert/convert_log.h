@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/settings/modValue.h"
 #include "convert/convert_monitor.h"
 #include "convert/numbered_files.h"
 
@@ -22,18 +23,22 @@ std::wstring LogPath(const std::wstring& name);
 // Why the log file that the settings want must not be written, for the user: it is one of the files
 // to convert, or there is something there that is no text, such as a picture. Empty: nothing is
 // lost by writing it, or none is wanted.
-std::wstring LogRefusal(std::span<const ConvertSource> files);
+std::wstring LogRefusal(std::span<const ConvertSource> files, const ConvertSettings& settings);
 
 class ConvertLog {
   public:
     // The monitor must outlive the log.
     explicit ConvertLog(ConvertMonitor& monitor) : monitor_(monitor) {}
 
-    // Opens the log file of the settings if they want one. If it cannot be opened, tells so and
-    // switches the setting off until the program ends; in the store it stays on. One that takes no
-    // more lines later is told of too, and left as it is.
-    void Open();
+    // Opens the log file of the settings if they want one. One that cannot be opened is told of;
+    // so is one that takes no more lines later, which is left as it is.
+    void Open(const ConvertSettings& settings);
     void Close();
+
+    // Why the file could not be opened, as the system's error; 0: it could, or none is wanted.
+    uint32_t Refusal() const { return refusal_; }
+    // Why it could not be opened or not be written to its end; 0: nothing is amiss.
+    uint32_t Error() const { return error_; }
 
     // Adds a line: `indent` blanks and the label, as many blanks as it lacks to 24 columns when all
     // its characters count as two, then the value. So labels of full-width characters stand in
@@ -51,6 +56,8 @@ class ConvertLog {
     ConvertMonitor& monitor_;
     NumberedFiles files_;
     int16_t fileNumber_ = 0;
+    uint32_t refusal_ = 0;
+    uint32_t error_ = 0;
 };
 
 }  // namespace tessary

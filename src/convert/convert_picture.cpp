@@ -2,7 +2,6 @@
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
-#include "app/settings/modValue.h"
 #include "convert/convert_progress.h"
 #include "convert/convert_run.h"
 #include "convert/decode_filter.h"
@@ -32,29 +31,29 @@ std::wstring SizeText(int32_t width, int32_t height) {
 
 }  // namespace
 
-StepResult ConvertRun::ConvertBitmapFile(const WorkEntry& entry, SourceAtHand& source) {
-    return Step([&](StepResult& result) {
+StepResult ConvertRun::ConvertBitmapFile(FileAtHand& file, SourceAtHand& source) {
+    return Step(file, [&](StepResult& result) {
         log_.WriteConvertLog(L"ファイル種別", L"ビットマップファイル", 2);
         const ReadResult& read = Read(source);
         if (!read.isBrokenBitmap) {
             log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
-            result = SaveConvertedPicture(read, entry);
+            result = SaveConvertedPicture(file, read);
             return;
         }
         log_.WriteConvertLog(L"ビットマップの読み込みに失敗しました", {}, 2);
         // A plug-in may know more of bitmaps.
         if (read.kind == kFilePicture) {
             source.file.plugin = read.plugin;
-            result = ConvertPictureFile(entry, source);
+            result = ConvertPictureFile(file, source);
             return;
         }
         result = StepResult::kNotHandled;
-        Report(FileOutcome::kFailed, FileReason::kBrokenData);
+        file.Report(FileOutcome::kFailed, FileReason::kBrokenData);
     });
 }
 
-StepResult ConvertRun::ConvertPictureFile(const WorkEntry& entry, SourceAtHand& source) {
-    return Step([&](StepResult& result) {
+StepResult ConvertRun::ConvertPictureFile(FileAtHand& file, SourceAtHand& source) {
+    return Step(file, [&](StepResult& result) {
         const auto tellPlugin = [&](const std::wstring& plugin) {
             log_.WriteConvertLog(L"使用プラグイン", SusieCollection().NameOf(plugin), 2);
         };
@@ -63,44 +62,45 @@ StepResult ConvertRun::ConvertPictureFile(const WorkEntry& entry, SourceAtHand& 
         const ReadResult& read = Read(source);
         if (read.kind == kFileUnknown && !read.failure) {
             // A file that its plug-in suddenly refuses counts as done.
-            Report(FileOutcome::kFailed, FileReason::kPluginFailed);
+            file.Report(FileOutcome::kFailed, FileReason::kPluginFailed);
             return;
         }
         // The first one has failed, and another one knew better.
         if (!EqualsIgnoreCase(read.plugin, source.file.plugin)) tellPlugin(read.plugin);
         if (read.kind == kFileArchive) {
-            result = ConvertArchiveFile(entry, read.plugin);
+            result = ConvertArchiveFile(file, read.plugin);
             return;
         }
         if (read.failure) {
             result = StepResult::kNotHandled;
-            log_.WriteConvertLog(L"展開に失敗しました", entry.path, 2);
+            log_.WriteConvertLog(L"展開に失敗しました", file.entry.path, 2);
             log_.WriteConvertLog(L"詳細情報", {}, 4);
             WritePluginError(*read.failure, 4);
-            Report(FileOutcome::kFailed, ReasonOf(*read.failure),
-                   FailureText(*read.failure, read.plugin));
+            file.Report(FileOutcome::kFailed, ReasonOf(*read.failure),
+                        FailureText(*read.failure, read.plugin));
             return;
         }
-        log_.WriteConvertLog(L"画像を展開しました", entry.path, 2);
-        result = SaveConvertedPicture(read, entry);
+        log_.WriteConvertLog(L"画像を展開しました", file.entry.path, 2);
+        result = SaveConvertedPicture(file, read);
     });
 }
 
-bool ConvertRun::ToleratesDamage(const std::wstring& damage) {
+bool ConvertRun::ToleratesDamage(FileAtHand& file, const std::wstring& damage) {
     if (damage.empty()) return true;
-    report_.isDamaged = true;
+    file.report.isDamaged = true;
     log_.WriteConvertLog(L"画像の一部が損傷しています", {}, 2);
     log_.WriteConvertLog(L"詳細情報", damage, 4);
-    if (!Values().convert.skipDamaged) return true;
+    if (!settings_.skipDamaged) return true;
     log_.WriteConvertLog(L"損傷のある画像は保存しない設定になっています", {}, 4);
-    Report(FileOutcome::kFailed, FileReason::kDamaged, damage);
+    file.Report(FileOutcome::kFailed, FileReason::kDamaged, damage);
     return false;
 }
 
-DWORD ConvertRun::SaveAndRead(const Picture& picture, const std::wstring& output) {
+DWORD ConvertRun::SaveAndRead(const FileAtHand& file, const Picture& picture,
+                              const std::wstring& output) {
     const auto save = [&]() -> DWORD {
         SetLastError(ERROR_SUCCESS);
-        if (SavePictureFile(picture, output, saveOptions_,
+        if (SavePictureFile(picture, output, options_.save,
                             reinterpret_cast<LONG_PTR>(&ConvertProgressCallback))) {
             return ERROR_SUCCESS;
         }
@@ -108,17 +108,18 @@ DWORD ConvertRun::SaveAndRead(const Picture& picture, const std::wstring& output
         return error == ERROR_SUCCESS ? DWORD{ERROR_WRITE_FAULT} : error;
     };
     const bool isSmall = picture.Info().size() + picture.Bits().size() <= kMostMeanwhile;
-    const auto next = Trapped(std::optional<std::wstring>(),
-                              [&] { return isSmall ? NextToRead(output) : std::nullopt; });
+    const auto next = Trapped(std::optional<std::wstring>(), [&] {
+        return isSmall ? NextToRead(file.index + 1, output) : std::nullopt;
+    });
     if (!next) return save();
     DWORD error = ERROR_WRITE_FAULT;
     monitor_.FileReached(FileStage::kReadAhead, {.source = *next});
     {
-        const SideJob saving([&, saved = report_]() mutable {
+        const SideJob saving([&, saved = file.report]() mutable {
             error = save();
             if (error != ERROR_SUCCESS) return;
             saved.bytes = StampOf(output).value_or(FileStamp()).size;
-            saved.milliseconds = static_cast<uint32_t>(GetTickCount64() - begunAt_);
+            saved.milliseconds = file.Age();
             monitor_.FileReached(FileStage::kSaved, saved);
         });
         ahead_.Read(*next);
@@ -127,68 +128,70 @@ DWORD ConvertRun::SaveAndRead(const Picture& picture, const std::wstring& output
     return error;
 }
 
-std::optional<std::wstring> ConvertRun::NextToRead(const std::wstring& output) const {
-    const int32_t next = current_ + 1;
+std::optional<std::wstring> ConvertRun::NextToRead(int32_t next, const std::wstring& output) const {
     // Extracted members make way for others, and are deleted by patterns.
     if (next > list_.UpperBound() || list_.At(next).IsExtracted()) return std::nullopt;
     // A plug-in that crashes may leave a lock of the system's behind, and whatever works on another
     // thread would wait for it for ever.
     if (HasPluginCrashed() || !monitor_.SetProgressBar(-1, -1, 0, 0)) return std::nullopt;
     const std::wstring& path = list_.At(next).path;
-    if (EqualsIgnoreCase(path, output) || !CheckDecodeFileName(FileNameOf(path))) {
+    if (EqualsIgnoreCase(path, output) || !CheckDecodeFileName(FileNameOf(path), settings_)) {
         return std::nullopt;
     }
     return path;
 }
 
-StepResult ConvertRun::Skip(const std::wstring& path, FileReason reason) {
+StepResult ConvertRun::Skip(FileAtHand& file, const std::wstring& path, FileReason reason) {
     log_.WriteConvertLog(L"処理をスキップしました", {}, 2);
     log_.WriteConvertLog(L"詳細情報", ReasonText(reason), 4);
     log_.WriteConvertLog(L"既存のファイル", path, 4);
-    report_.target = path;
+    file.report.target = path;
     // No other one's either then.
-    const bool isResume = Values().convert.onConflict == kConflictSkip && !names_.IsSource(path);
+    const bool isResume = settings_.onConflict == kConflictSkip && !names_.IsSource(path);
     if (reason == FileReason::kAlreadyConverted ||
         (isResume && reason == FileReason::kTargetExists)) {
-        names_.AddResult(path, Entry(), false);
+        names_.AddResult(path, file.entry, false);
     }
-    Report(FileOutcome::kSkipped, reason);
+    file.Report(FileOutcome::kSkipped, reason);
     return StepResult::kDone;
 }
 
 // A run that finds its result from before tells of the damage once more: it is no better now.
-StepResult ConvertRun::KeepDamaged(const std::wstring& path, const std::wstring& damage) {
+StepResult ConvertRun::KeepDamaged(FileAtHand& file, const std::wstring& path,
+                                   const std::wstring& damage) {
     log_.WriteConvertLog(L"変換済みのファイルがあります", path, 2);
-    report_.target = path;
-    names_.AddResult(path, Entry(), false);
-    Report(FileOutcome::kConverted, FileReason::kDamaged, damage);
+    file.report.target = path;
+    names_.AddResult(path, file.entry, false);
+    file.Report(FileOutcome::kConverted, FileReason::kDamaged, damage);
     return StepResult::kDone;
 }
 
-StepResult ConvertRun::SaveConvertedPicture(const ReadResult& read, const WorkEntry& entry) {
+StepResult ConvertRun::SaveConvertedPicture(FileAtHand& file, const ReadResult& read) {
+    const WorkEntry& entry = file.entry;
     const Picture& picture = read.picture;
-    if (!CheckDecodeSize(picture.Width(), picture.Height())) {
+    if (!CheckDecodeSize(picture.Width(), picture.Height(), settings_)) {
         log_.WriteConvertLog(L"詳細情報", {}, 4);
         log_.WriteConvertLog(L"画像の大きさが小さいので処理を中止しました", {}, 4);
         log_.WriteConvertLog(L"画像サイズ", SizeText(picture.Width(), picture.Height()), 4);
-        Report(FileOutcome::kDeclined, FileReason::kTooSmall);
+        file.Report(FileOutcome::kDeclined, FileReason::kTooSmall);
         return StepResult::kNotSaved;
     }
     // What a member lacks is the cause of what its picture lacks.
     const std::wstring& damage = entry.damage.empty() ? read.damage : entry.damage;
-    if (!ToleratesDamage(damage)) return StepResult::kNotSaved;
+    if (!ToleratesDamage(file, damage)) return StepResult::kNotSaved;
     const uint16_t depth = picture.Header().bitCount;
-    const std::wstring extension = SaveExtension(depth);
-    TrialSave trial(picture, extension, saveOptions_);
+    const std::wstring extension = SaveExtension(depth, settings_);
+    TrialSave trial(picture, extension, options_.save);
     const OutputChoice choice = names_.Choose(
         {entry, extension, [&](const std::wstring& path) { return trial.IsLike(path); }});
     if (choice.isSkipped) {
-        const bool isTold = report_.isDamaged && choice.reason == FileReason::kAlreadyConverted;
-        return isTold ? KeepDamaged(choice.path, damage) : Skip(choice.path, choice.reason);
+        const bool isTold = file.report.isDamaged && choice.reason == FileReason::kAlreadyConverted;
+        return isTold ? KeepDamaged(file, choice.path, damage)
+                      : Skip(file, choice.path, choice.reason);
     }
-    report_.target = choice.path;
-    report_.isRenamed = choice.isRenamed || entry.isNumbered;
-    report_.isReplaced = choice.isReplaced;
+    file.report.target = choice.path;
+    file.report.isRenamed = choice.isRenamed || entry.isNumbered;
+    file.report.isReplaced = choice.isReplaced;
     log_.WriteConvertLog(L"画像の色数", std::to_wstring(depth) + L" bit", 2);
     log_.WriteConvertLog(L"保存ファイル名", choice.path, 2);
     if (choice.isRenamed) {
@@ -196,20 +199,20 @@ StepResult ConvertRun::SaveConvertedPicture(const ReadResult& read, const WorkEn
     }
     if (choice.isReplaced) log_.WriteConvertLog(L"既存のファイルを置き換えます", {}, 4);
     DWORD error = ERROR_SUCCESS;
-    if (Values().convert.keepFolders && !MakeFolder(entry.folder)) error = GetLastError();
-    if (Values().convert.onConflict == kConflictOverwrite) MakeWayFor(choice.path);
-    const FileReason reason = report_.isDamaged  ? FileReason::kDamaged
-                              : entry.isNumbered ? FileReason::kTargetExists
-                                                 : choice.reason;
-    Note(FileOutcome::kConverted, reason, damage);
-    if (error == ERROR_SUCCESS) error = SaveAndRead(picture, choice.path);
+    if (settings_.keepFolders && !MakeFolder(entry.folder)) error = GetLastError();
+    if (settings_.onConflict == kConflictOverwrite) MakeWayFor(file, choice.path);
+    const FileReason reason = file.report.isDamaged ? FileReason::kDamaged
+                              : entry.isNumbered    ? FileReason::kTargetExists
+                                                    : choice.reason;
+    file.Note(FileOutcome::kConverted, reason, damage);
+    if (error == ERROR_SUCCESS) error = SaveAndRead(file, picture, choice.path);
     if (error != ERROR_SUCCESS) {
         log_.WriteConvertLog(L"保存に失敗しました", FileNameOf(choice.path), 2);
-        ReportUnwritten(error, choice.path);
+        ReportUnwritten(file, error, choice.path);
         return StepResult::kNotSaved;
     }
     names_.AddResult(choice.path, entry, !choice.isReplaced);
-    Report(FileOutcome::kConverted, reason, damage);
+    file.Report(FileOutcome::kConverted, reason, damage);
     return StepResult::kDone;
 }
 

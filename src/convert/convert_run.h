@@ -13,11 +13,12 @@
 #include "app/base/error.h"
 #include "convert/convert_log.h"
 #include "convert/convert_monitor.h"
+#include "convert/convert_options.h"
+#include "convert/file_at_hand.h"
 #include "convert/output_names.h"
 #include "convert/read_ahead.h"
 #include "convert/same_content.h"
 #include "convert/work_list.h"
-#include "helpers/saving/save_options.h"
 #include "plugin/clsSusie.h"
 
 namespace tessary {
@@ -35,54 +36,56 @@ class ConvertRun {
   public:
     // `targetFolder` with its trailing backslash; it exists.
     ConvertRun(const std::wstring& targetFolder, const std::vector<ConvertSource>& files,
-               ConvertMonitor& monitor);
+               ConvertOptions options, ConvertMonitor& monitor);
 
     // False when the user stopped it.
     bool Run();
 
+    const ConvertLog& Log() const { return log_; }
+
   private:
     // What stands in the log for one entry of the list.
-    void ConvertEntry();
-    // Tells the monitor what became of the entry, if that is known and the entry is a file.
-    void TellReport();
+    void ConvertEntry(FileAtHand& file);
+    // Tells the monitor what became of it, if that is known and the entry is a file.
+    void TellReport(FileAtHand& file);
     // Warns once that no plug-in is called any more.
-    void TellStoppedPlugins();
+    void TellStoppedPlugins(const FileAtHand& file);
     // Deletes an extracted member that has done its service or is not wanted.
     void CleanUp(const WorkEntry& entry, StepResult result);
-    StepResult ConvertByKind(const WorkEntry& entry);
+    StepResult ConvertByKind(FileAtHand& file);
     // Whether the file, whose kind is that of its name, is to be converted.
     bool IsWorthFetching(const WorkEntry& entry, FileKind kind) const;
     // Has a file fetched that is not on this disk: kDone, or it could not be, or the run is
     // stopped.
-    StepResult FetchSource(const std::wstring& path);
-    void ReportUnknown(const SourceFile& file);
+    StepResult FetchSource(FileAtHand& file);
+    void ReportUnknown(FileAtHand& file, const SourceFile& source);
 
     // --- Pictures (convert_picture.cpp) ---
 
-    StepResult ConvertBitmapFile(const WorkEntry& entry, SourceAtHand& source);
-    StepResult ConvertPictureFile(const WorkEntry& entry, SourceAtHand& source);
+    StepResult ConvertBitmapFile(FileAtHand& file, SourceAtHand& source);
+    StepResult ConvertPictureFile(FileAtHand& file, SourceAtHand& source);
     // What is to be known of a picture's damage; false when it is not to be saved for it.
-    bool ToleratesDamage(const std::wstring& damage);
-    StepResult SaveConvertedPicture(const ReadResult& read, const WorkEntry& entry);
-    StepResult Skip(const std::wstring& path, FileReason reason);
-    StepResult KeepDamaged(const std::wstring& path, const std::wstring& damage);
+    bool ToleratesDamage(FileAtHand& file, const std::wstring& damage);
+    StepResult SaveConvertedPicture(FileAtHand& file, const ReadResult& read);
+    StepResult Skip(FileAtHand& file, const std::wstring& path, FileReason reason);
+    StepResult KeepDamaged(FileAtHand& file, const std::wstring& path, const std::wstring& damage);
     // Saves a picture and, where both are small, reads the next file of the list meanwhile. The
     // report is that of a success. The system's error, 0 for success.
-    DWORD SaveAndRead(const Picture& picture, const std::wstring& output);
-    // The next file to be read while a picture is saved as `output`, if any.
-    std::optional<std::wstring> NextToRead(const std::wstring& output) const;
+    DWORD SaveAndRead(const FileAtHand& file, const Picture& picture, const std::wstring& output);
+    // The file of the entry `next`, if it may be read while a picture is saved as `output`.
+    std::optional<std::wstring> NextToRead(int32_t next, const std::wstring& output) const;
 
     // --- Archives (convert_archive.cpp) ---
 
-    StepResult ConvertArchiveFile(const WorkEntry& entry, const std::wstring& pluginKey);
+    StepResult ConvertArchiveFile(FileAtHand& file, const std::wstring& pluginKey);
     // Why an archive is not to be expanded; kNone when it is.
     FileReason ReasonNotToExpand(const WorkEntry& entry) const;
     // `upperBound`: of the list before it grew. False when the user has stopped the run.
-    bool ExpandArchiveFiles(clsSusie& archive, const WorkEntry& entry, int32_t upperBound);
+    bool ExpandArchiveFiles(FileAtHand& file, clsSusie& archive, int32_t upperBound);
     // One archive on its way.
     struct Expansion;
-    // A member; without a path when it could not be extracted.
-    WorkEntry ExpandMember(Expansion& expansion, int32_t index);
+    // A member of `parent`; without a path when it could not be extracted.
+    WorkEntry ExpandMember(const WorkEntry& parent, Expansion& expansion, int32_t index);
     // `error` receives the system's where none can be made.
     std::wstring MakeExpansionFolder(const WorkEntry& entry, bool& isNew, DWORD& error);
 
@@ -90,34 +93,29 @@ class ConvertRun {
 
     // Runs a step, which sets its result, kDone as long as it does not.
     template <typename Body>
-    StepResult Step(Body&& body) {
+    StepResult Step(FileAtHand& file, Body&& body) {
         StepResult result = StepResult::kDone;
         try {
             body(result);
         } catch (...) {
             Trapped([&] {
                 const RaisedError error = CurrentError();
-                Report(FileOutcome::kFailed, FileReason::kUnexpected, error.Description());
+                file.Report(FileOutcome::kFailed, FileReason::kUnexpected, error.Description());
                 WriteUnexpected(error);
             });
         }
         return result;
     }
 
-    const WorkEntry& Entry() const { return list_.At(current_); }
-    // Notes what has become of the entry, unless it is noted already. Without a text the reason's
-    // own.
-    void Report(FileOutcome outcome, FileReason reason = FileReason::kNone, std::wstring text = {});
-    // The same, for the time being.
-    void Note(FileOutcome outcome, FileReason reason, std::wstring text);
     // A file that could not be written, with the system's error: in the log and as a report.
-    void ReportUnwritten(DWORD error, const std::wstring& path);
+    void ReportUnwritten(FileAtHand& file, DWORD error, const std::wstring& path);
     // An extracted member that is still to be converted gives up a path that an output needs.
-    void MakeWayFor(const std::wstring& output);
+    void MakeWayFor(const FileAtHand& file, const std::wstring& output);
     // Deletes an extracted member that has done its service, unless it is an output by now.
     void DeleteExtracted(const WorkEntry& entry);
-    // The same for those that were not reached any more: the next run extracts them again.
-    void DeleteUnconverted();
+    // The same for those that were not reached any more, from `first` on: the next run extracts
+    // them again.
+    void DeleteUnconverted(int32_t first);
     // Deletes an extracted member that was not converted, unless such are to be kept and its like
     // is not there yet.
     void RemoveExtractedFile(const WorkEntry& entry);
@@ -125,7 +123,8 @@ class ConvertRun {
     void WriteUnexpected(const RaisedError& error);
     void WriteStopped();
 
-    const saving::SaveOptions saveOptions_;  // of the whole run
+    const ConvertOptions options_;
+    const ConvertSettings& settings_;  // of the options
     WorkList list_;
     ConvertMonitor& monitor_;
     ConvertLog log_;
@@ -134,10 +133,6 @@ class ConvertRun {
     // Of the user's archives, by the folder that each would be expanded into, in upper case.
     std::map<std::wstring, std::set<std::wstring>> namesakes_;
     KnownContents expanded_;  // archives
-    int32_t current_ = 0;     // index of the entry at hand
-    FileReport report_;       // on it
-    bool isReported_ = false;
-    ULONGLONG begunAt_ = 0;  // with the entry, in ticks
     bool stopIsTold_ = false;
     ReadAhead ahead_;  // the next entry
 };

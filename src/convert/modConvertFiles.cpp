@@ -31,37 +31,43 @@ namespace tessary {
 
 namespace {
 
-WorkList ListOf(const std::vector<ConvertSource>& files, const std::wstring& targetFolder) {
-    const ConvertSettings& settings = Values().convert;
+WorkList ListOf(const std::vector<ConvertSource>& files, const std::wstring& targetFolder,
+                const ConvertSettings& settings) {
     std::vector<WorkEntry> entries = EntriesOf(files, targetFolder, settings.keepFolders);
     if (settings.onConflict == kConflictOverwrite) return {std::move(entries), {}};
-    OrderedEntries ordered = WithResultsLast(std::move(entries), targetFolder);
+    OrderedEntries ordered = WithResultsLast(std::move(entries), targetFolder, settings);
     return {std::move(ordered.first), std::move(ordered.last)};
 }
 
 }  // namespace
 
-bool ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
-    if (ProgressWatch::IsThere() || PluginCallUnderWay()) return false;
-    return Trapped(false, [&] {
+ConvertEnd ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monitor) {
+    if (ProgressWatch::IsThere() || PluginCallUnderWay()) return {};
+    return Trapped(ConvertEnd(), [&] {
         const std::vector<ConvertSource> files = monitor.ConvertFileList();
         // Plug-ins may change the current folder in the middle of the run.
         const std::wstring folder = FullPathOf(targetFolder);
-        if (!MakeFolder(folder) || files.empty() || files.front().path.empty()) return false;
+        if (!MakeFolder(folder) || files.empty() || files.front().path.empty()) return ConvertEnd();
         const ProgressWatch watch(monitor);
         const NoSystemMessages quiet;
         const StayAwake awake(AwakeNeed::kMachine, L"画像を変換しています");
-        return ConvertRun(AddBackslash(folder), files, monitor).Run();
+        ConvertRun run(AddBackslash(folder), files, {Values().convert, Values().saveOptions},
+                       monitor);
+        const bool isWhole = run.Run();
+        if (const uint32_t refusal = run.Log().Refusal(); refusal != 0) GiveUpLogFile(refusal);
+        const uint32_t error = run.Log().Error();
+        return ConvertEnd{isWhole, error != 0 ? error : Values().logFileRefusal};
     });
 }
 
 ConvertRun::ConvertRun(const std::wstring& targetFolder, const std::vector<ConvertSource>& files,
-                       ConvertMonitor& monitor)
-    : saveOptions_(Values().saveOptions),
-      list_(ListOf(files, targetFolder)),
+                       ConvertOptions options, ConvertMonitor& monitor)
+    : options_(std::move(options)),
+      settings_(options_.convert),
+      list_(ListOf(files, targetFolder, settings_)),
       monitor_(monitor),
       log_(monitor),
-      names_(files, monitor) {
+      names_(files, settings_.onConflict, monitor) {
     for (int32_t index = 1; index <= list_.UpperBound(); ++index) {
         const WorkEntry& entry = list_.At(index);
         names_.Announce(entry);
@@ -73,84 +79,71 @@ bool ConvertRun::Run() {
     const DivertedErrors errors([this](const RaisedError& error) {
         if (!ahead_.Disturb()) WriteUnexpected(error);
     });
-    log_.Open();
+    log_.Open(settings_);
     bool goesOn = true;
-    for (current_ = 1; goesOn && current_ <= list_.UpperBound(); ++current_) {
-        list_.Reach(current_);
-        begunAt_ = GetTickCount64();
-        report_ = {.source = Entry().source, .member = Entry().member};
-        isReported_ = false;
-        monitor_.FileReached(FileStage::kBegun, report_);
-        Step([&](StepResult&) {
+    int32_t index = 1;
+    for (; goesOn && index <= list_.UpperBound(); ++index) {
+        list_.Reach(index);
+        FileAtHand file(index, list_.At(index));
+        monitor_.FileReached(FileStage::kBegun, file.report);
+        Step(file, [&](StepResult&) {
             log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
-            log_.WriteConvertLog(L"ファイル名", Entry().path, 2);
-            ConvertEntry();
+            log_.WriteConvertLog(L"ファイル名", file.entry.path, 2);
+            ConvertEntry(file);
         });
-        report_.milliseconds = static_cast<uint32_t>(GetTickCount64() - begunAt_);
-        Trapped([&] { TellReport(); });
+        file.report.milliseconds = file.Age();
+        Trapped([&] { TellReport(file); });
         goesOn = Trapped(true, [&] {
-            TellStoppedPlugins();
+            TellStoppedPlugins(file);
             log_.WriteConvertLog(L"*** 変換処理終了 ***", {}, 0);
             log_.WriteSeparator();
-            return monitor_.SetProgressBar(current_, list_.UpperBound(), 0, 100);
+            return monitor_.SetProgressBar(index, list_.UpperBound(), 0, 100);
         });
         if (!goesOn) Trapped([&] { WriteStopped(); });
     }
-    Trapped([&] { DeleteUnconverted(); });
+    Trapped([&] { DeleteUnconverted(index); });
     Trapped([&] { log_.WriteConvertLog(L"*** すべての変換処理が完了しました ***", {}, 0); });
     log_.Close();
     return goesOn;
 }
 
 // With the first file that fails: the crash may have been in the reading ahead of one before.
-void ConvertRun::TellStoppedPlugins() {
-    if (stopIsTold_ || report_.outcome != FileOutcome::kFailed || !PluginsAreStopped()) return;
+void ConvertRun::TellStoppedPlugins(const FileAtHand& file) {
+    if (stopIsTold_ || file.report.outcome != FileOutcome::kFailed || !PluginsAreStopped()) return;
     log_.WriteConvertLog(L"[警告]", PluginsStoppedText(), 2);
     stopIsTold_ = true;
 }
 
-void ConvertRun::TellReport() {
+void ConvertRun::TellReport(FileAtHand& file) {
     // What was not extracted has been told then.
-    if (!isReported_ || Entry().path.empty()) return;
-    if (report_.outcome == FileOutcome::kConverted) {
-        report_.bytes = StampOf(report_.target).value_or(FileStamp()).size;
+    if (!file.IsReported() || file.entry.path.empty()) return;
+    if (file.report.outcome == FileOutcome::kConverted) {
+        file.report.bytes = StampOf(file.report.target).value_or(FileStamp()).size;
     }
-    monitor_.FileDone(report_);
+    monitor_.FileDone(file.report);
 }
 
-void ConvertRun::Report(FileOutcome outcome, FileReason reason, std::wstring text) {
-    if (!std::exchange(isReported_, true)) Note(outcome, reason, std::move(text));
-}
-
-void ConvertRun::Note(FileOutcome outcome, FileReason reason, std::wstring text) {
-    report_.outcome = outcome;
-    report_.reason = reason;
-    if (outcome != FileOutcome::kConverted) report_.isRenamed = report_.isReplaced = false;
-    report_.text = text.empty() ? ReasonText(reason) : std::move(text);
-}
-
-void ConvertRun::ReportUnwritten(DWORD error, const std::wstring& path) {
+void ConvertRun::ReportUnwritten(FileAtHand& file, DWORD error, const std::wstring& path) {
     const FileReason reason = ReasonOfWriteError(error, path);
     const std::wstring text = WriteErrorText(error);
     log_.WriteConvertLog(L"詳細情報", text, 4);
-    Report(FileOutcome::kFailed, reason,
-           reason == FileReason::kWriteFailed ? text : std::wstring());
+    file.Report(FileOutcome::kFailed, reason,
+                reason == FileReason::kWriteFailed ? text : std::wstring());
 }
 
-void ConvertRun::ConvertEntry() {
-    // A copy: the list grows meanwhile.
-    const WorkEntry entry = Entry();
+void ConvertRun::ConvertEntry(FileAtHand& file) {
+    const WorkEntry& entry = file.entry;
     const std::wstring name = FileNameOf(entry.path);
-    if (!CheckDecodeFileName(name)) {
+    if (!CheckDecodeFileName(name, settings_)) {
         log_.WriteConvertLog(L"[警告]", L"ファイルを処理できません", 2);
         log_.WriteConvertLog(name + L" は一括変換のファイル名のフィルタ設定と一致しません", {}, 4);
         RemoveExtractedFile(entry);
-        Report(FileOutcome::kDeclined, FileReason::kNameFiltered);
+        file.Report(FileOutcome::kDeclined, FileReason::kNameFiltered);
         return;
     }
-    const StepResult result = Step([&](StepResult& kindResult) {
+    const StepResult result = Step(file, [&](StepResult& kindResult) {
         kindResult = StepResult::kNotHandled;  // until the kind is known
-        kindResult = ConvertByKind(entry);
+        kindResult = ConvertByKind(file);
     });
     // What came of the file has been told by now.
     Trapped([&] { CleanUp(entry, result); });
@@ -165,15 +158,16 @@ void ConvertRun::CleanUp(const WorkEntry& entry, StepResult result) {
     monitor_.SetProgressBar(-1, -1, 200, 200);
 }
 
-StepResult ConvertRun::ConvertByKind(const WorkEntry& entry) {
+StepResult ConvertRun::ConvertByKind(FileAtHand& file) {
+    const WorkEntry& entry = file.entry;
     if (const auto of = names_.SourceOfResult(entry.path); of && !entry.IsExtracted()) {
-        if (Values().convert.onConflict != kConflictOverwrite) {
-            return Skip(entry.path, FileReason::kAlreadyConverted);
+        if (settings_.onConflict != kConflictOverwrite) {
+            return Skip(file, entry.path, FileReason::kAlreadyConverted);
         }
         // Once more it may be converted where it is in the list twice.
         if (!IsSameFile(*of, entry.path)) {
             log_.WriteConvertLog(L"[エラー]", ReasonText(FileReason::kOverwritten), 2);
-            Report(FileOutcome::kFailed, FileReason::kOverwritten);
+            file.Report(FileOutcome::kFailed, FileReason::kOverwritten);
             return StepResult::kNotHandled;
         }
     }
@@ -182,30 +176,30 @@ StepResult ConvertRun::ConvertByKind(const WorkEntry& entry) {
     SourceAtHand source =
         known ? std::move(*known)
               : SourceAtHand{isElsewhere ? LookAtName(entry.path) : LookAtFile(entry.path)};
-    const std::optional<std::wstring> extension = OnlySaveExtension();
+    const std::optional<std::wstring> extension = OnlySaveExtension(settings_);
     if (IsPictureKind(source.file.kind) && extension && names_.WillSkip(entry, *extension)) {
         const OutputChoice choice =
             names_.Choose({entry, *extension, [](const std::wstring&) { return true; }});
-        if (choice.isSkipped) return Skip(choice.path, choice.reason);
+        if (choice.isSkipped) return Skip(file, choice.path, choice.reason);
     }
     if (isElsewhere && IsWorthFetching(entry, source.file.kind)) {
-        if (const StepResult fetched = FetchSource(entry.path); fetched != StepResult::kDone) {
+        if (const StepResult fetched = FetchSource(file); fetched != StepResult::kDone) {
             return fetched;
         }
         source.file = LookAtFile(entry.path);
     }
     switch (source.file.kind) {
         case kFileBitmap:
-            return ConvertBitmapFile(entry, source);
+            return ConvertBitmapFile(file, source);
         case kFilePicture:
-            return ConvertPictureFile(entry, source);
+            return ConvertPictureFile(file, source);
         case kFileArchive:
-            return ConvertArchiveFile(entry, source.file.plugin);
+            return ConvertArchiveFile(file, source.file.plugin);
         case kFileUnknown:
             break;
     }
     log_.WriteConvertLog(L"ファイル種別", L"未知のファイル", 2);
-    ReportUnknown(source.file);
+    ReportUnknown(file, source.file);
     return StepResult::kNotHandled;
 }
 
@@ -220,38 +214,38 @@ bool ConvertRun::IsWorthFetching(const WorkEntry& entry, FileKind kind) const {
     }
 }
 
-StepResult ConvertRun::FetchSource(const std::wstring& path) {
+StepResult ConvertRun::FetchSource(FileAtHand& file) {
     log_.WriteConvertLog(L"クラウドから取得しています", {}, 2);
     // Other threads would wait for ever for a lock that a plug-in has left behind.
     const auto fetch = HasPluginCrashed() ? FetchFileHere : FetchFile;
-    const std::optional<DWORD> error = fetch(path, [&](int done, int total) {
+    const std::optional<DWORD> error = fetch(file.entry.path, [&](int done, int total) {
         TellProgress(done, total);
         return monitor_.SetProgressBar(-1, -1, 0, 0);
     });
     if (!error) {
-        Report(FileOutcome::kStopped);
+        file.Report(FileOutcome::kStopped);
         return StepResult::kStopped;
     }
     if (*error == ERROR_SUCCESS) return StepResult::kDone;
     const std::wstring text = FetchErrorText(*error);
     log_.WriteConvertLog(L"[エラー]", text, 2);
-    Report(FileOutcome::kFailed, FileReason::kNotFetched, text);
+    file.Report(FileOutcome::kFailed, FileReason::kNotFetched, text);
     return StepResult::kNotHandled;
 }
 
-void ConvertRun::ReportUnknown(const SourceFile& file) {
-    if (IsNoPicture(file.path)) {
-        Report(FileOutcome::kDeclined, FileReason::kNoPicture);
+void ConvertRun::ReportUnknown(FileAtHand& file, const SourceFile& source) {
+    if (IsNoPicture(source.path)) {
+        file.Report(FileOutcome::kDeclined, FileReason::kNoPicture);
     } else if (PluginsAreStopped()) {
-        Report(FileOutcome::kFailed, FileReason::kPluginFailed, PluginsStoppedText());
-    } else if (const FileReason reason = ReasonUnknown(file.path);
-               reason == FileReason::kUnknownFormat && file.refusal) {
-        const Search::Refusal& refusal = *file.refusal;
+        file.Report(FileOutcome::kFailed, FileReason::kPluginFailed, PluginsStoppedText());
+    } else if (const FileReason reason = ReasonUnknown(source.path);
+               reason == FileReason::kUnknownFormat && source.refusal) {
+        const Search::Refusal& refusal = *source.refusal;
         log_.WriteConvertLog(L"詳細情報", refusal.reason, 2);
-        Report(FileOutcome::kFailed, ReasonOf(refusal),
-               refusal.reason + L" (" + SusieCollection().NameOf(refusal.dllName) + L')');
+        file.Report(FileOutcome::kFailed, ReasonOf(refusal),
+                    refusal.reason + L" (" + SusieCollection().NameOf(refusal.dllName) + L')');
     } else {
-        Report(FileOutcome::kFailed, reason);
+        file.Report(FileOutcome::kFailed, reason);
     }
 }
 
@@ -261,7 +255,7 @@ void ConvertRun::RemoveExtractedFile(const WorkEntry& entry) {
         return HaveSameContent(entry.path, other);
     };
     // One that stands there already, from an earlier run or whoever's, is not kept twice.
-    if (Values().convert.decodeUnknownFile != 0 && std::ranges::none_of(entry.beside, isLike)) {
+    if (settings_.decodeUnknownFile != 0 && std::ranges::none_of(entry.beside, isLike)) {
         if (entry.record) entry.record->Remove(entry.path);
         return;
     }
@@ -277,17 +271,17 @@ void ConvertRun::DeleteExtracted(const WorkEntry& entry) {
     if (entry.record) entry.record->Remove(entry.path);
 }
 
-void ConvertRun::DeleteUnconverted() {
-    for (int32_t index = current_; index <= list_.UpperBound(); ++index) {
+void ConvertRun::DeleteUnconverted(int32_t first) {
+    for (int32_t index = first; index <= list_.UpperBound(); ++index) {
         if (list_.At(index).IsExtracted()) DeleteExtracted(list_.At(index));
     }
 }
 
-void ConvertRun::MakeWayFor(const std::wstring& output) {
-    if (EqualsIgnoreCase(Entry().path, output) || !list_.Holds(output)) return;
+void ConvertRun::MakeWayFor(const FileAtHand& file, const std::wstring& output) {
+    if (EqualsIgnoreCase(file.entry.path, output) || !list_.Holds(output)) return;
     const size_t extensionSize = UpperExtensionOf(output).size();
     const size_t dot = output.size() - (extensionSize == 0 ? 0 : extensionSize + 1);
-    for (int32_t index = current_ + 1; index <= list_.UpperBound(); ++index) {
+    for (int32_t index = file.index + 1; index <= list_.UpperBound(); ++index) {
         if (!list_.At(index).IsExtracted() || !EqualsIgnoreCase(list_.At(index).path, output))
             continue;
         std::wstring other;

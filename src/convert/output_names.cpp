@@ -5,7 +5,6 @@
 #include "app/base/file_identity.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
-#include "app/settings/modValue.h"
 
 namespace tessary {
 namespace {
@@ -47,8 +46,9 @@ OutputChoice Skipped(const std::wstring& path, FileReason reason) {
 
 }  // namespace
 
-OutputNames::OutputNames(const std::vector<ConvertSource>& sources, ConvertMonitor& monitor)
-    : monitor_(monitor) {
+OutputNames::OutputNames(const std::vector<ConvertSource>& sources, int32_t onConflict,
+                         ConvertMonitor& monitor)
+    : onConflict_(onConflict), monitor_(monitor) {
     for (const ConvertSource& source : sources)
         sources_.insert(ToUpper(source.path));
 }
@@ -132,8 +132,7 @@ bool OutputNames::Exists(const std::wstring& path, const WorkEntry& entry) {
     if (entry.IsExtracted() && EqualsIgnoreCase(path, entry.path)) return false;
     // A list does not hold short names, and does not know what others do meanwhile; where nothing
     // of anybody's may be replaced, that matters.
-    const int32_t policy = Values().convert.onConflict;
-    const bool trustsList = policy == kConflictFreeName || policy == kConflictOverwrite;
+    const bool trustsList = onConflict_ == kConflictFreeName || onConflict_ == kConflictOverwrite;
     if (trustsList && path.find(L'~') == path.npos && !IsListed(path)) return false;
     return PathExists(path);
 }
@@ -163,7 +162,7 @@ bool OutputNames::IsListedTwice(const std::wstring& path, const WorkEntry& entry
 }
 
 OutputChoice OutputNames::Choose(const OutputWish& wish) {
-    switch (Values().convert.onConflict) {
+    switch (onConflict_) {
         case kConflictSkip:
             return SkippingName(wish);
         case kConflictOverwrite:
@@ -244,7 +243,7 @@ OutputChoice OutputNames::SkippingName(const OutputWish& wish) {
 }
 
 bool OutputNames::WillSkip(const WorkEntry& entry, const std::wstring& extension) {
-    if (Values().convert.onConflict != kConflictSkip || Contenders(entry) > 1) return false;
+    if (onConflict_ != kConflictSkip || Contenders(entry) > 1) return false;
     const std::wstring path = Candidate(entry, extension, 1);
     return !IsTaken(path, entry) && Exists(path, entry) && !IsResult(path);
 }

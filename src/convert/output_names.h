@@ -1,6 +1,7 @@
 // The names of what a run writes.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
@@ -9,6 +10,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "app/settings/modValue.h"
 #include "convert/convert_monitor.h"
 #include "convert/work_list.h"
 
@@ -40,7 +42,9 @@ struct OutputChoice {
 // results come to the same files.
 class OutputNames {
   public:
-    OutputNames(const std::vector<ConvertSource>& sources, ConvertMonitor& monitor);
+    // `onConflict`: ConvertSettings::onConflict. The monitor must outlive this.
+    OutputNames(const std::vector<ConvertSource>& sources, int32_t onConflict,
+                ConvertMonitor& monitor);
 
     // A file that will be converted. To be told of all that go into one folder before the first
     // name there is chosen.
@@ -79,6 +83,7 @@ class OutputNames {
     OutputChoice OverwritingName(const OutputWish& wish);
     OutputChoice AskedName(const OutputWish& wish);
 
+    const int32_t onConflict_;
     ConvertMonitor& monitor_;
     std::unordered_set<std::wstring> sources_;     // their paths in upper case
     std::unordered_set<std::wstring> sourceKeys_;  // their identities, as soon as they matter

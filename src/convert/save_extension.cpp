@@ -1,7 +1,6 @@
 #include "convert/save_extension.h"
 
 #include "app/base/text.h"
-#include "app/settings/modValue.h"
 #include "app/settings/saver_format.h"
 
 namespace tessary {
@@ -12,21 +11,20 @@ constexpr uint16_t kManyColorsDepth = 24;
 
 }  // namespace
 
-std::wstring SaveExtension(uint16_t bitsPerPixel) {
-    const ConvertSettings& settings = Values().convert;
+std::wstring SaveExtension(uint16_t bitsPerPixel, const ConvertSettings& settings) {
     const SaverFormat* const format =
         SaverFormatAt(bitsPerPixel > kFewColorsDepth ? settings.saveType2 : settings.saveType1);
     return format != nullptr ? format->Extension() : std::wstring();
 }
 
-std::optional<std::wstring> OnlySaveExtension() {
-    const bool isOne = Values().convert.saveType1 == Values().convert.saveType2;
-    return isOne ? std::optional(SaveExtension(kFewColorsDepth)) : std::nullopt;
+std::optional<std::wstring> OnlySaveExtension(const ConvertSettings& settings) {
+    const bool isOne = settings.saveType1 == settings.saveType2;
+    return isOne ? std::optional(SaveExtension(kFewColorsDepth, settings)) : std::nullopt;
 }
 
-bool IsSaveExtension(std::wstring_view extension) {
-    return EqualsIgnoreCase(extension, SaveExtension(kFewColorsDepth)) ||
-           EqualsIgnoreCase(extension, SaveExtension(kManyColorsDepth));
+bool IsSaveExtension(std::wstring_view extension, const ConvertSettings& settings) {
+    return EqualsIgnoreCase(extension, SaveExtension(kFewColorsDepth, settings)) ||
+           EqualsIgnoreCase(extension, SaveExtension(kManyColorsDepth, settings));
 }
 
 }  // namespace tessary

@@ -53,11 +53,12 @@ size_t NumbersIn(const WorkEntry& entry) {
 
 }  // namespace
 
-OrderedEntries WithResultsLast(std::vector<WorkEntry> entries, const std::wstring& targetFolder) {
+OrderedEntries WithResultsLast(std::vector<WorkEntry> entries, const std::wstring& targetFolder,
+                               const ConvertSettings& settings) {
     TargetTree tree(targetFolder);
     OrderedEntries ordered;
     for (WorkEntry& entry : entries) {
-        const bool isLast = IsSaveExtension(L'.' + UpperExtensionOf(entry.path)) &&
+        const bool isLast = IsSaveExtension(L'.' + UpperExtensionOf(entry.path), settings) &&
                             tree.Holds(FolderOf(entry.path));
         (isLast ? ordered.last : ordered.first).push_back(std::move(entry));
     }

@@ -98,7 +98,7 @@ void TellBadReport(const JsonReport& report, const ConsoleOptions& options, Cons
 // Neither report nor log may take the place of a picture, or of each other.
 bool AreOutputsFree(const ConsoleOptions& options, const InputFiles& inputs,
                     ConsoleStream& errors) {
-    std::wstring refusal = LogRefusal(inputs.files);
+    std::wstring refusal = LogRefusal(inputs.files, Values().convert);
     const std::wstring& report = options.reportFile;
     if (!report.empty() && report != kStandardOutput && PathExists(report) &&
         std::ranges::any_of(inputs.files, [&](const ConvertSource& file) {
@@ -124,9 +124,10 @@ int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, cons
     ConsoleMonitor monitor(inputs.files, output, errors, report, options.isQuiet,
                            [&] { return stop.IsMade(); });
     const bool isReportBegun = report.IsGood();
-    const bool ended = inputs.files.empty() || ConvertFiles(options.targetFolder, monitor);
+    const ConvertEnd end = inputs.files.empty() ? ConvertEnd{.isWhole = true}
+                                                : ConvertFiles(options.targetFolder, monitor);
     monitor.WriteSummary();
-    if (const DWORD error = Values().logFileError; error != ERROR_SUCCESS) {
+    if (const DWORD error = end.logError; error != ERROR_SUCCESS) {
         TellUnwritten(L"ログファイルに書き込めません: ", LogPath(Values().convert.errorLogFileName),
                       error, errors);
         isSetUp = false;
@@ -141,12 +142,12 @@ int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, cons
     if (isAllFiltered) {
         errors.WriteLine(L"名前の条件に合うファイルがありません");
     }
-    if (!ended) {
+    if (!end) {
         errors.WriteLine(stop.IsMade() ? L"変換を中止しました" : L"変換を最後まで行えませんでした");
     }
-    if (!ended && stop.IsMade()) return kExitStopped;
+    if (!end && stop.IsMade()) return kExitStopped;
     if (!isSetUp) return kExitSetupError;
-    const bool isComplete = ended && counts.failed == 0 && counts.damaged == 0 &&
+    const bool isComplete = end.isWhole && counts.failed == 0 && counts.damaged == 0 &&
                             inputs.troubles.empty() && !inputs.files.empty() && !isAllFiltered;
     return isComplete ? kExitAllConverted : kExitSomeNot;
 }

@@ -7,4 +7,9 @@ ProcessValues& Values() {
     return values;
 }
 
+void GiveUpLogFile(uint32_t error) {
+    Values().convert.outputErrorLog = 0;
+    Values().logFileRefusal = error;
+}
+
 }  // namespace tessary

@@ -93,15 +93,16 @@ struct ProcessValues {
     // Files for a moment go to the user's temporary folder: beside the program they would be sent
     // to a cloud, or one was refused. Nothing: that was not asked yet.
     std::optional<bool> avoidsProgramFolder;
-    // The conversion log's file could not be opened: convert.outputErrorLog is 0 until the program
-    // ends or the user chooses anew, and the store keeps the user's 1.
-    bool logFileGivenUp = false;
-    // Why the log file of the last conversion could not be opened, or not be written to its end, as
-    // the system's error; 0: nothing is amiss.
-    uint32_t logFileError = 0;
+    // Why the conversion log's file could not be opened, as the system's error; 0: it was not given
+    // up.
+    uint32_t logFileRefusal = 0;
 };
 
 // The one instance.
 ProcessValues& Values();
+
+// The conversion log's file could not be opened: convert.outputErrorLog is 0 until the program ends
+// or the user chooses anew, and the store keeps the user's 1.
+void GiveUpLogFile(uint32_t error);
 
 }  // namespace tessary

@@ -200,7 +200,7 @@ bool WriteConvertSettings() {
         TransferConvertUnknown(section);
         TransferConvertMask(section);
         int16_t outputErrorLog = Values().convert.outputErrorLog;
-        if (Values().logFileGivenUp) outputErrorLog = 1;
+        if (Values().logFileRefusal != 0) outputErrorLog = 1;
         TransferConvertTail(section, outputErrorLog);
         TransferFileFormat(SectionWriter(L"FileFormat"));
     });

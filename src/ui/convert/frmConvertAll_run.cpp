@@ -44,7 +44,8 @@ void frmConvertAll::cmdRunConvert_Click() {
     }
     textConvertFolder_.SetText(folder);
     RememberFolder();
-    if (const std::wstring refusal = LogRefusal(ConvertFileList()); !refusal.empty()) {
+    if (const std::wstring refusal = LogRefusal(ConvertFileList(), Values().convert);
+        !refusal.empty()) {
         ShowMessageBox(refusal + L"\r\n\r\n「詳細オプション」で別のログファイルを選んでください。",
                        MB_ICONEXCLAMATION);
         return;
@@ -56,10 +57,11 @@ void frmConvertAll::cmdRunConvert_Click() {
         const MessageFilter keys([this](MSG& message) {
             return Handle() != nullptr && IsDialogMessageW(Handle(), &message) != FALSE;
         });
-        ended_ = ConvertFiles(folder, *this);
+        const ConvertEnd end = ConvertFiles(folder, *this);
+        ended_ = end.isWhole;
         // The engine has written nothing when there is no folder to save to.
         const bool isThere = ended_ || listConvertLog_.Count() != 0 || MakeFolder(folder);
-        trouble_ = WriteErrorText(isThere ? Values().logFileError : GetLastError());
+        trouble_ = WriteErrorText(isThere ? end.logError : GetLastError());
     }
     EndRun();
 }

@@ -69,7 +69,7 @@ OptionValues CurrentOptions() {
                          .fixSizeValue = std::clamp<int16_t>(values.fixSizeValue, kSizeModeOriginal,
                                                              kSizeModeScreen)};
     // The user's own choice, which only rests.
-    if (values.logFileGivenUp) options.convert.outputErrorLog = 1;
+    if (values.logFileRefusal != 0) options.convert.outputErrorLog = 1;
     PutRight(options.general);
     PutRight(options.convert);
     PutRight(options.saveOptions);
@@ -82,9 +82,11 @@ void SetOptions(const OptionValues& options) {
     for (std::wstring& folder : values.general.spiFolder)
         folder = PlainFolder(folder);
     const ConvertSettings former = std::exchange(values.convert, options.convert);
-    values.logFileGivenUp = values.logFileGivenUp && options.convert.outputErrorLog == 1 &&
-                            options.convert.errorLogFileName == former.errorLogFileName;
-    if (values.logFileGivenUp) values.convert.outputErrorLog = 0;
+    const bool isSameLog = options.convert.outputErrorLog == 1 &&
+                           options.convert.errorLogFileName == former.errorLogFileName;
+    if (const uint32_t refusal = std::exchange(values.logFileRefusal, 0); refusal && isSameLog) {
+        GiveUpLogFile(refusal);
+    }
     values.saveOptions = options.saveOptions;
     values.fixSizeValue = options.fixSizeValue;
 }

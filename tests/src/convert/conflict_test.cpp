@@ -32,7 +32,7 @@ class ConflictTest : public ConvertTest {
     }
 
     // The list is all that lies below a folder, in order or the other way round.
-    bool RunOver(const std::wstring& folder, const std::wstring& target, bool isReversed) {
+    ConvertEnd RunOver(const std::wstring& folder, const std::wstring& target, bool isReversed) {
         monitor_.files.clear();
         for (const auto& [name, content] : FilesBelow(folder))
             monitor_.files.push_back(folder + name);

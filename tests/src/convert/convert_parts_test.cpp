@@ -58,16 +58,15 @@ TEST(NameMask, Language) {
 }
 
 TEST(DecodeFilter, NamesAndSizes) {
-    const RedirectedSettings settings;
-    ConvertSettings& convert = Values().convert;
+    ConvertSettings convert;
     convert.decodeFileMask = L"*.a";
     // use, set → x.a passes, x.b passes
     const int names[][4] = {{0, 7, 1, 1}, {1, 0, 1, 0}, {1, 1, 0, 1}, {1, 2, 0, 0}, {2, 0, 0, 0}};
     for (const auto& [use, set, a, b] : names) {
         convert.useDecodeFileMask = static_cast<int16_t>(use);
         convert.decodeFileMaskSet = static_cast<int16_t>(set);
-        EXPECT_EQ(CheckDecodeFileName(L"x.a"), a == 1) << use << set;
-        EXPECT_EQ(CheckDecodeFileName(L"x.b"), b == 1) << use << set;
+        EXPECT_EQ(CheckDecodeFileName(L"x.a", convert), a == 1) << use << set;
+        EXPECT_EQ(CheckDecodeFileName(L"x.b", convert), b == 1) << use << set;
     }
     convert.minDecodeSizeX = 100;
     convert.minDecodeSizeY = 50;
@@ -77,7 +76,7 @@ TEST(DecodeFilter, NamesAndSizes) {
     for (const auto& [on, both, width, height, passes] : sizes) {
         convert.noDecodeSmall = static_cast<int16_t>(on);
         convert.decodeSizeBoth = both == 1;
-        EXPECT_EQ(CheckDecodeSize(width, height), passes == 1) << on << both << width;
+        EXPECT_EQ(CheckDecodeSize(width, height, convert), passes == 1) << on << both << width;
     }
 }
 

@@ -104,8 +104,8 @@ class ConvertTest : public testing::Test {
         monitor_.files.push_back(source_.Write(name, content));
     }
     // A run over the list, into a target folder that may be emptied before.
-    bool Run() { return ConvertFiles(Target(), monitor_); }
-    bool RunAnew() {
+    ConvertEnd Run() { return ConvertFiles(Target(), monitor_); }
+    ConvertEnd RunAnew() {
         std::filesystem::remove_all(Target());
         monitor_.reports.clear();
         monitor_.lines.clear();

@@ -145,7 +145,7 @@ TEST_F(OptionsTest, TheLogSwitchIsWhatTheUserChoseLast) {
     const auto stored = [] { return GetSetting(L"Convert", L"OutputErrorLog"); };
     ConvertSettings& convert = Values().convert;
     convert.errorLogFileName = LR"(C:\none\x.log)";
-    Values().logFileGivenUp = true;
+    Values().logFileRefusal = ERROR_ACCESS_DENIED;
     ShowOptions(kConvertPage, {[](HWND dialog) {
                     EXPECT_EQ(TextOf(dialog, labelErrorLogPath), LR"(C:\none\x.log)");
                     Press(dialog, IDOK);
@@ -161,7 +161,7 @@ TEST_F(OptionsTest, TheLogSwitchIsWhatTheUserChoseLast) {
                     Press(dialog, IDOK);
                 }});
     EXPECT_EQ(stored(), L"0");
-    EXPECT_FALSE(Values().logFileGivenUp);
+    EXPECT_EQ(Values().logFileRefusal, 0u);
 }
 
 TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
