@@ -79,6 +79,7 @@ inline std::vector<Sample> AllSamples() {
         {"32 masks top-down", "BW/RG", 32, true, {2, -2, 32, k32Bits, {}, 40, 3, k888Masks}},
         {"32, version 5", "RG/BW", 32, true, {2, 2, 32, k32Bits, {}, 124, 3, k888Masks}},
         {"32 with alpha", "[FFF8F8]", 32, true, {1, 1, 32, {0, 0, 255, 7}, {}, 108, 3, alpha}},
+        {"32 ARGB", "[FFF8F8]", 32, false, {1, 1, 32, {7, 255, 0, 0}, {}, 56, 3, reversed}},
         {"32 with a mask in vain", "RG/BW", 32, true, {2, 2, 32, k32Bits, {}, 108, 0, alpha}},
         {"32 reversed", "RG/BW", 32, false, {2, 2, 32, k32Reversed, {}, 40, 6, reversed}},
         {"32 reversed top-down", "BW/RG", 32, false, {2, -2, 32, k32Reversed, {}, 56, 3, reversed}},

@@ -1,7 +1,6 @@
 // Plain pictures of every kind, without meaning.
 #pragma once
 
-#include <cstdlib>
 #include <random>
 
 #include "tests/helpers/dib/test_bitmap.h"

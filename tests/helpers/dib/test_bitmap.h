@@ -3,14 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <optional>
-#include <span>
-#include <string>
-#include <vector>
 
 #include "helpers/dib/unpack_row.h"
 
