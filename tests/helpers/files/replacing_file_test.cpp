@@ -15,7 +15,6 @@ namespace {
 
 constexpr auto kRenameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
 constexpr DWORD kReplacePosix = 3;
-constexpr std::string_view kNew = "new content";
 constexpr std::string_view kOld = "old content";
 
 // Answers as told, and as the system does otherwise.
@@ -30,11 +29,9 @@ struct PlayedCalls final : FileCalls {
     bool WasDeletePending() override { return isDeletePending; }
     bool SetInformation(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, void* information,
                         DWORD size) override {
-        const DWORD flags = *static_cast<const DWORD*>(information);
         if (kind == FileDispositionInfo) {
             ++marks;
-            const bool isTakenBack = *static_cast<const BOOLEAN*>(information) == 0;
-            if (isTakenBack && keepsMark) return true;
+            if (keepsMark && *static_cast<const BOOLEAN*>(information) == 0) return true;
         } else {
             renames.push_back(kind);
         }
@@ -44,7 +41,7 @@ struct PlayedCalls final : FileCalls {
         }
         // The system of the tests does not know it.
         if (kind != kRenameInfoEx) return FileCalls::SetInformation(file, kind, information, size);
-        EXPECT_EQ(flags, kReplacePosix);
+        EXPECT_EQ(*static_cast<const DWORD*>(information), kReplacePosix);
         return FileCalls::SetInformation(file, FileRenameInfo, information, size);
     }
     bool Move(const std::wstring& name, const std::wstring& newName, DWORD flags) override {
@@ -80,19 +77,26 @@ struct PlayedCalls final : FileCalls {
 
 class ReplacingFiles : public testing::Test {
   protected:
-    // The error, 0 for none; `inPieces`: more than the buffer holds.
+    // The error, 0 for none; `inPieces`: of all sizes, and more than the buffer holds.
     DWORD Replace(const GoesOn& goesOn = {}, bool inPieces = false) {
         ReplacingFile file(target_, Links::kReplace, calls_);
         EXPECT_TRUE(file.IsOpen());
-        const std::string content(inPieces ? 300'000 : 0, 'x');
-        const auto write = [&](std::string_view text) {
-            return file.Write({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
-        };
-        const bool isWritten = (content.empty() || write(content)) && write(kNew);
-        return isWritten && file.Commit(Durability::kDisk, goesOn) ? 0 : file.Error();
+        std::vector<size_t> sizes = {11};
+        if (inPieces) sizes = {100, 0, 262000, 144, 1, 131072, 131073, 300000, 262144, 5};
+        new_.clear();
+        for (const size_t size : sizes) {
+            const std::vector<uint8_t> piece(size, static_cast<uint8_t>(new_.size() % 251));
+            new_.append(piece.begin(), piece.end());
+            if (!file.Write(piece)) return file.Error();
+        }
+        return file.Commit(Durability::kDisk, goesOn) ? 0 : file.Error();
     }
-    void Hold(DWORD sharing) {
-        calls_.holder.Reset(CreateFileW(target_.c_str(), GENERIC_READ, sharing, nullptr,
+    void ExpectReplaced(bool inPieces = false) {
+        EXPECT_EQ(Replace({}, inPieces), 0u);
+        ExpectOnly(new_);
+    }
+    void Hold() {
+        calls_.holder.Reset(CreateFileW(target_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                         OPEN_EXISTING, 0, nullptr));
     }
     // The folder's only file is the target with that content at its end.
@@ -101,47 +105,43 @@ class ReplacingFiles : public testing::Test {
         for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
             ++files;
             const std::string bytes = tessary::test::ContentOf(entry.path());
-            EXPECT_TRUE(bytes.ends_with(content)) << entry.path() << ' ' << bytes.size();
+            EXPECT_TRUE(bytes == content) << entry.path() << ' ' << bytes.size();
         }
         EXPECT_EQ(files, content.empty() ? 0 : 1);
     }
 
     tessary::test::TemporaryFolder folder_;
     std::wstring target_ = folder_.Path() + L"target";
+    std::string new_;
     PlayedCalls calls_;
 };
 
 TEST_F(ReplacingFiles, RenameInTheBestWayThatIsKnown) {
     using Kinds = std::vector<FILE_INFO_BY_HANDLE_CLASS>;
     folder_.Write(L"target", kOld);
-    EXPECT_EQ(Replace(), 0u);
+    ExpectReplaced();
     // The first try finds that there is a file.
     EXPECT_EQ(calls_.renames, (Kinds{FileRenameInfo, kRenameInfoEx}));
-    ExpectOnly(kNew);
     for (const DWORD unknown : {ERROR_INVALID_PARAMETER, ERROR_NOT_SUPPORTED,
                                 ERROR_INVALID_FUNCTION, ERROR_ACCESS_DENIED}) {
         folder_.Write(L"target", kOld);
         calls_.refused = {{kRenameInfoEx, unknown}};
-        EXPECT_EQ(Replace(), 0u) << unknown;
-        ExpectOnly(kNew);
+        ExpectReplaced();
     }
-    calls_.refused = {{kRenameInfoEx, ERROR_INVALID_PARAMETER},
-                      {FileRenameInfo, ERROR_INVALID_FUNCTION}};
+    calls_.refused[FileRenameInfo] = ERROR_INVALID_FUNCTION;
     for (const bool inPieces : {false, true}) {
         folder_.Write(L"target", kOld);
         calls_.movesByName = 0;
-        EXPECT_EQ(Replace({}, inPieces), 0u);
+        ExpectReplaced(inPieces);
         EXPECT_GT(calls_.movesByName, 0);
-        ExpectOnly(kNew);
         DeleteFileW(target_.c_str());
-        EXPECT_EQ(Replace({}, inPieces), 0u) << "where there is none";
-        ExpectOnly(kNew);
+        ExpectReplaced(inPieces);  // where there is none
     }
 }
 
 TEST_F(ReplacingFiles, WaitForWhoeverHasTheTargetOpen) {
     folder_.Write(L"target", kOld);
-    Hold(FILE_SHARE_READ);
+    Hold();
     EXPECT_EQ(Replace(), DWORD{ERROR_SHARING_VIOLATION});
     EXPECT_GE(calls_.waited, 2000u);
     EXPECT_LE(calls_.waited, 3000u);
@@ -149,11 +149,10 @@ TEST_F(ReplacingFiles, WaitForWhoeverHasTheTargetOpen) {
     EXPECT_EQ(Replace([&] { return ++asked < 5; }), DWORD{ERROR_CANCELLED});
     calls_.holder.Reset();
     ExpectOnly(kOld);
-    Hold(FILE_SHARE_READ);
+    Hold();
     calls_.waited = 0;
     calls_.heldFor = 1900;
-    EXPECT_EQ(Replace(), 0u);
-    ExpectOnly(kNew);
+    ExpectReplaced();
 }
 
 // What cannot be replaced for another reason is not waited for so long, and not said to be in use.
@@ -174,10 +173,8 @@ TEST_F(ReplacingFiles, TellUseFromRights) {
 TEST_F(ReplacingFiles, LoseNothingWhereMarksStay) {
     calls_.keepsMark = true;
     for (const bool inPieces : {false, true}) {
-        EXPECT_EQ(Replace({}, inPieces), 0u);
-        ExpectOnly(kNew);
-        EXPECT_EQ(Replace({}, inPieces), 0u) << "over what is there";
-        ExpectOnly(kNew);
+        ExpectReplaced(inPieces);
+        ExpectReplaced(inPieces);  // over what is there
         EXPECT_EQ(calls_.marks, 2) << "tried once, on an empty file";
         DeleteFileW(target_.c_str());
     }
