@@ -1,6 +1,8 @@
-// The entries of dcpng.dll, which writes PNG files. Shared by the library and its callers, who load
-// it and find the entries by name.
+// The entries of dcpng.dll, which writes PNG files, and makes them in memory. Shared by the library
+// and its callers, who load it and find the entries by name.
 #pragma once
+
+#include <windows.h>
 
 #include "helpers/saving/progress_callback.h"
 #include "helpers/saving/save_options.h"
@@ -26,5 +28,11 @@ using SaveToPNGFileWFunction = int(__stdcall*)(const void* info, const void* bit
                                                const saving::PngSaveOptions* options,
                                                LONG_PTR progressCallback);
 constexpr char kSaveToPNGFileWName[] = "SaveToPNGFileW";
+
+// Makes the same bytes in memory: `*block` receives a movable global block of theirs, which is the
+// caller's; null after a failure.
+using MakePNGBlockFunction = int(__stdcall*)(const void* info, const void* bits,
+                                             const saving::PngSaveOptions* options, HGLOBAL* block);
+constexpr char kMakePNGBlockName[] = "MakePNGBlock";
 
 }  // namespace tessary::dcpng

@@ -29,6 +29,19 @@ inline DWORD ErrorOf(SaveResult result) {
     }
 }
 
+// What `body` answers, a system's error code; or one for what it throws, which must not leave an
+// entry.
+template <typename Body>
+DWORD ErrorIn(const Body& body) noexcept {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return ERROR_NOT_ENOUGH_MEMORY;
+    } catch (...) {
+        return ERROR_INTERNAL_ERROR;
+    }
+}
+
 // Has the picture at the two addresses written to a file, which replaces what is there; behind a
 // link, the file that it leads to. `write` takes (const dib::DibView&, files::ByteSink&) and
 // answers a SaveResult. `progress`, which may be empty, is asked on while a file is waited for that
@@ -49,14 +62,7 @@ bool SaveToFile(const void* info, const void* bits, const Char* fileName,
         const auto goesOn = [&] { return !progress || progress(kAllWritten); };
         return file.Commit(files::Durability::kDisk, goesOn) ? ERROR_SUCCESS : file.Error();
     };
-    DWORD error = ERROR_INTERNAL_ERROR;
-    try {
-        error = save();
-    } catch (const std::bad_alloc&) {
-        error = ERROR_NOT_ENOUGH_MEMORY;
-    } catch (...) {
-        error = ERROR_INTERNAL_ERROR;
-    }
+    const DWORD error = ErrorIn(save);
     SetLastError(error);
     return error == ERROR_SUCCESS;
 }

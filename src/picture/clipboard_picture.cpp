@@ -5,20 +5,16 @@
 #include <vector>
 
 #include "app/base/error.h"
-#include "app/base/modGetFolder.h"
 #include "helpers/dib/check_dib.h"
 #include "helpers/dib/dib_view.h"
 #include "picture/current_picture.h"
 #include "picture/opaque_picture.h"
 #include "picture/packed_dib.h"
-#include "picture/save/save_picture.h"
 
 namespace tessary {
 namespace {
 
 using Bytes = std::span<const uint8_t>;
-
-constexpr saving::PngSaveOptions kQuickPng = {.quality = 1, .interlace = 0};
 
 // Keeps a global block locked for its own life.
 class GlobalBlockLock {
@@ -107,37 +103,6 @@ void WriteBottomUp(const dib::DibView& picture, std::span<uint8_t> target) {
     }
 }
 
-// A file name of our own in the temporary folder; the file goes with it.
-class TemporaryFile {
-  public:
-    TemporaryFile() {
-        wchar_t name[MAX_PATH]{};
-        if (GetTempFileNameW(TemporaryFolder().c_str(), L"tsy", 0, name) != 0) name_ = name;
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() {
-        if (!name_.empty()) DeleteFileW(name_.c_str());
-    }
-
-    const std::wstring& Name() const { return name_; }  // empty: there is none
-
-  private:
-    std::wstring name_;
-};
-
-UniqueGlobal FileAsBlock(const std::wstring& name) {
-    const UniqueFile file(CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    LARGE_INTEGER size{};
-    if (!file || !GetFileSizeEx(file.Get(), &size) || size.HighPart != 0) return {};
-    return FilledGlobal(size.LowPart, [&](std::span<uint8_t> target) {
-        DWORD read = 0;
-        return ReadFile(file.Get(), target.data(), size.LowPart, &read, nullptr) &&
-               read == size.LowPart;
-    });
-}
-
 }  // namespace
 
 ClipboardBlock ReadClipboardDIB(HGLOBAL block, Picture& picture) {
@@ -171,15 +136,6 @@ UniqueGlobal MakeClipboardDIB(const Picture& picture) {
         WriteBottomUp(view, target.subspan(infoSize));
         return true;
     });
-}
-
-UniqueGlobal MakeClipboardPNG(const Picture& picture) {
-    const TemporaryFile file;
-    if (!picture || file.Name().empty() ||
-        !SavePNG(picture.Info().data(), picture.Bits().data(), file.Name(), kQuickPng, 0)) {
-        return {};
-    }
-    return FileAsBlock(file.Name());
 }
 
 }  // namespace tessary

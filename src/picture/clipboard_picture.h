@@ -28,8 +28,4 @@ int16_t PictureFromClipboardDIB(HGLOBAL block);
 // 32-bit pixels, which some take for alpha. Null for no picture, or without memory.
 UniqueGlobal MakeClipboardDIB(const Picture& picture);
 
-// The same picture as the bytes of a PNG file, which keeps alpha: what programs offer and take
-// under the registered clipboard format "PNG". Quickly made, not small. Null when that fails.
-UniqueGlobal MakeClipboardPNG(const Picture& picture);
-
 }  // namespace tessary

@@ -6,6 +6,7 @@
 #include "app/base/message_box.h"
 #include "picture/clipboard_picture.h"
 #include "picture/current_picture.h"
+#include "picture/save/clipboard_png.h"
 #include "picture/show/modShowPicture.h"
 #include "picture/show/picture_text.h"
 #include "res/resource.h"
