@@ -6,7 +6,6 @@
 // for files change.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>

@@ -1,4 +1,4 @@
-// The control bar's lists: filling them, what a click shows, and stepping.
+// The control bar's lists: filling them, and what a click shows.
 #include <algorithm>
 #include <utility>
 

@@ -12,19 +12,28 @@ namespace tessary {
 // own events.
 class ListBoxMirror final : public EntryMirror {
   public:
-    explicit ListBoxMirror(ListBox& list) : list_(list) {}
+    explicit ListBoxMirror(ListBox& list) : list_(list) {
+        list_.OnCancel([this] { CursorMoved(cursor_); });
+    }
+    ListBoxMirror(const ListBoxMirror&) = delete;
+    ListBoxMirror& operator=(const ListBoxMirror&) = delete;
 
     void EntriesExpected(int count) override { list_.Expect(count); }
     void EntryAdded(const std::wstring& text) override { list_.Add(text); }
     void EntryRemoved(int index) override { list_.Remove(index); }
-    void EntriesCleared() override { list_.Clear(); }
+    void EntriesCleared() override {
+        cursor_ = -1;
+        list_.Clear();
+    }
     // Not again where the user has put it: the list would scroll under his pointer.
     void CursorMoved(int index) override {
+        cursor_ = index;
         if (list_.Selected() != index) list_.MarkSelected(index);
     }
 
   private:
     ListBox& list_;
+    int cursor_ = -1;  // the model's
 };
 
 }  // namespace tessary

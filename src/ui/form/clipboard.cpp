@@ -19,17 +19,12 @@ constexpr DWORD kLongestPauseMilliseconds = 250;
 // How long the program may take whose content is replaced: it is told so, and hangs if it hangs.
 constexpr DWORD kReplacePatienceMilliseconds = 500;
 
-struct ProcessHandle : handle_traits::NullIsNone<HANDLE> {
-    static void Close(HANDLE process) { CloseHandle(process); }
-};
-
 // The file name of the program that a window belongs to, else the window's title.
 std::wstring ProgramOf(HWND window) {
     if (window == nullptr) return {};
     DWORD id = 0;
     GetWindowThreadProcessId(window, &id);
-    const UniqueHandle<ProcessHandle> process(
-        OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
+    const UniqueProcess process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
     wchar_t text[MAX_PATH * 4]{};
     DWORD length = MAX_PATH * 4;
     if (process && QueryFullProcessImageNameW(process.Get(), 0, text, &length)) {

@@ -73,6 +73,7 @@ void ListBox::OnCommand(WORD notification, WORD /*id*/) {
     // A handler may make the window close, and with it everything here.
     if (notification == LBN_SELCHANGE && click_) click_();
     if (notification == LBN_DBLCLK && doubleClick_) doubleClick_();
+    if (notification == LBN_SELCANCEL && cancel_) cancel_();
 }
 
 // A disabled list looks as it did: it is disabled for the moment of a load, and would blink.

@@ -20,6 +20,8 @@ class ListBox final : public Control {
     // The user has clicked an entry or moved the selection; and a double click.
     void OnClick(std::function<void()> handler) { click_ = std::move(handler); }
     void OnDoubleClick(std::function<void()> handler) { doubleClick_ = std::move(handler); }
+    // The selection that follows the pressed mouse was broken off, and stands anywhere.
+    void OnCancel(std::function<void()> handler) { cancel_ = std::move(handler); }
 
     int Count() const { return static_cast<int>(Send(LB_GETCOUNT)); }
     std::wstring Item(int index) const;
@@ -58,6 +60,7 @@ class ListBox final : public Control {
     int textMargin_ = 0;  // beside an entry's text, in pixels
     std::function<void()> click_;
     std::function<void()> doubleClick_;
+    std::function<void()> cancel_;
 };
 
 }  // namespace tessary
