@@ -135,15 +135,22 @@ TEST_F(AxtArc, ListsNamesThatEveryHostCanUse) {
 }
 
 TEST_F(AxtArc, ListsShiftJisNamesOfEveryFormatWhole) {
-    for (const char* name : {"tar-names", "cab-names", "rar-names", "zip-names"}) {
-        Bytes bytes = Archive(name);
-        if (name[0] == 'z') bytes.resize(Find(bytes, "PK\1\2"));  // without its directory
+    const char* const expected[] = {"\x94\x5C\x83\x5C.bmp",
+                                    "\x8A\xBF\x8E\x9A.bmp",
+                                    "\x95\x5C_.txt",
+                                    "\xE8\xA1\xA8\xF0\x9F_\x80_.txt",
+                                    "__.txt",
+                                    "_r.bmp"};
+    const Bytes zip = Archive("zip-names"), withoutDirectory = Cut(zip, Find(zip, "PK\1\2"));
+    for (const Bytes& bytes : {Archive("tar-names"), Archive("cab-names"), Archive("rar-names"),
+                               zip, withoutDirectory}) {
         const auto list = List(Source(bytes));
-        ASSERT_EQ(list.size(), 6u) << name;
-        EXPECT_STREQ(list[0].path, "\x95\x5C\x8E\xA6\\") << name;
-        EXPECT_STREQ(list[0].fileName, "\x94\x5C\x83\x5C.bmp") << name;
-        EXPECT_STREQ(list[1].fileName, "\x8A\xBF\x8E\x9A.bmp") << name;
+        ASSERT_EQ(list.size(), std::size(expected)) << bytes.size();
+        EXPECT_STREQ(list[0].path, "\x95\x5C\x8E\xA6\\") << bytes.size();
+        for (size_t i = 0; i < list.size(); ++i)
+            EXPECT_STREQ(list[i].fileName, expected[i]) << bytes.size();
     }
+    EXPECT_EQ(List(Source(zip))[0].crc, 0x83DCEFB7u);  // of "1"
     // Names that are always Unicode: an accented letter, and what is a character in Shift-JIS.
     for (const char* name : {"7z-names", "rar5-names"})
         EXPECT_STREQ(List(Source(Archive(name))).back().fileName, "_r.bmp") << name;

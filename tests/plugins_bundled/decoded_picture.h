@@ -47,16 +47,16 @@ class Colors {
     explicit Colors(const dib::DibView& view)
         : width(static_cast<uint32_t>(view.Width())),
           height(static_cast<uint32_t>(view.Height())),
-          bgra_(size_t{width} * height * 4) {
+          bgra(size_t{width} * height * 4) {
         const dib::RowReader reader(view);
         for (uint32_t y = 0; y < height; ++y) {
             reader.RowBgra(view.Row(static_cast<int32_t>(y)),
-                           std::span(bgra_).subspan(size_t{y} * width * 4, size_t{width} * 4));
+                           std::span(bgra).subspan(size_t{y} * width * 4, size_t{width} * 4));
         }
     }
     // `channel`: 0 blue, 1 green, 2 red, 3 alpha where the picture has one.
     int Channel(uint32_t x, uint32_t y, unsigned channel) const {
-        return bgra_[(size_t{y} * width + x) * 4 + channel];
+        return bgra[(size_t{y} * width + x) * 4 + channel];
     }
     // 0xRRGGBB
     uint32_t At(uint32_t x, uint32_t y) const {
@@ -65,9 +65,7 @@ class Colors {
     }
 
     const uint32_t width, height;
-
-  private:
-    Bytes bgra_;
+    Bytes bgra;
 };
 
 // Decodes `file`; without success the target is of no use.

@@ -96,22 +96,6 @@ TEST(JpegDecoder, RefusesWhatItCannotShow) {
     const Decoded decoded(kDecoder, With(file, frame + 5, 0x40404040, 4));
     EXPECT_EQ(decoded.result, Result::kBrokenData);
     EXPECT_FALSE(decoded.target.View());
-}
-
-TEST(JpegDecoder, StopsWhenToldAndWhenTheDeviceFails) {
-    const Bytes file = Jpeg("progressive");
-    int calls = 0, last = 0, total = 1;
-    const Decoded stopped(kDecoder, file, Progress([&](int, int) { return ++calls < 2; }));
-    EXPECT_EQ(stopped.result, Result::kAborted);
-    EXPECT_EQ(calls, 2);
-    const Decoded finished(kDecoder, file, Progress([&](int done, int all) {
-                               EXPECT_GE(done, last);
-                               last = done;
-                               total = all;
-                               return true;
-                           }));
-    EXPECT_EQ(finished.result, Result::kSuccess);
-    EXPECT_EQ(last, total);
 
     FailingSource source(file, 300);
     MemoryTarget target;

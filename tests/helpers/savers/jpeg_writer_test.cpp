@@ -1,10 +1,8 @@
 #include "helpers/dcjpeg/jpeg_writer.h"
 
-#include <cstdio>
-
-#include <jpeglib.h>
-
+#include "plugins/iftessjpeg/jpeg_decoder.h"
 #include "tests/helpers/savers/sample_pictures.h"
+#include "tests/plugins_bundled/decoded_picture.h"
 
 namespace tessary::saving::test {
 namespace {
@@ -15,50 +13,26 @@ Bytes Saved(const SamplePicture& picture, JpegSaveOptions options) {
     return sink.bytes;
 }
 
-struct ReadJpeg {
-    Bytes bgr;
-    int components;
-    bool progressive;
-    int lumaSampling;  // horizontal factor of the brightness
-    std::vector<int> density;
-};
-
-// What the library's own reader sees; it ends the test program at a file that it cannot read.
-ReadJpeg Read(const Bytes& file) {
-    jpeg_decompress_struct reader{};
-    jpeg_error_mgr errors{};
-    reader.err = jpeg_std_error(&errors);
-    jpeg_create_decompress(&reader);
-    jpeg_mem_src(&reader, file.data(), static_cast<unsigned long>(file.size()));
-    jpeg_read_header(&reader, TRUE);
-    ReadJpeg read{{},
-                  reader.num_components,
-                  reader.progressive_mode != 0,
-                  reader.comp_info[0].h_samp_factor,
-                  {reader.density_unit, reader.X_density, reader.Y_density}};
-    reader.out_color_space = JCS_EXT_BGR;
-    jpeg_start_decompress(&reader);
-    const size_t rowBytes = size_t{reader.output_width} * 3;
-    read.bgr.resize(rowBytes * reader.output_height);
-    while (reader.output_scanline < reader.output_height) {
-        JSAMPROW row = &read.bgr[rowBytes * reader.output_scanline];
-        jpeg_read_scanlines(&reader, &row, 1);
-    }
-    jpeg_finish_decompress(&reader);
-    EXPECT_EQ(errors.num_warnings, 0);
-    jpeg_destroy_decompress(&reader);
-    return read;
+// Where the frame's header stands: behind the segments before it.
+size_t FrameOf(const Bytes& file) {
+    size_t at = 2;
+    while (file.at(at + 1) != 0xC0 && file.at(at + 1) != 0xC2)
+        at += 2 + file.at(at + 2) * size_t{256} + file.at(at + 3);
+    return at;
 }
 
 // The largest difference of any channel from what is seen of the picture.
-int Difference(const dib::DibView& view, const Bytes& bgr) {
+int Difference(const dib::DibView& view, const Bytes& file) {
+    const codec::test::Decoded decoded(jpeg::JpegDecoder(), file);
+    EXPECT_EQ(decoded.condition, codec::Condition::kNone);
+    const codec::test::Colors colors = decoded.Pixels();
     const dib::RowReader reader(view);
-    Bytes row(static_cast<size_t>(view.Width()) * 3);
-    EXPECT_EQ(bgr.size(), row.size() * static_cast<size_t>(view.Height()));
-    int largest = 0;
-    for (size_t i = 0; i < bgr.size(); ++i) {
-        if (i % row.size() == 0) reader.Row(view.Row(static_cast<int32_t>(i / row.size())), row);
-        largest = std::max(largest, std::abs(bgr[i] - row[i % row.size()]));
+    Bytes row(colors.width * 3);
+    int largest = std::abs(view.Height() - static_cast<int>(colors.height));
+    for (uint32_t y = 0; y < colors.height; ++y) {
+        reader.Row(view.Row(static_cast<int32_t>(y)), row);
+        for (uint32_t i = 0; i < row.size(); ++i)
+            largest = std::max(largest, std::abs(row[i] - colors.Channel(i / 3, y, i % 3)));
     }
     return largest;
 }
@@ -72,10 +46,10 @@ TEST(JpegWriter, ComesBackWithinItsQuality) {
         const bool isGrey = !view.Palette().empty() && view.Width() % 2 == 0;
         for (const int16_t progressive : {int16_t{0}, int16_t{1}}) {
             const auto optimized = static_cast<int16_t>(view.Width() / 2 % 2);
-            const ReadJpeg read = Read(Saved(picture, {100, progressive, optimized}));
-            EXPECT_LE(Difference(view, read.bgr), 4);
-            EXPECT_EQ(read.components, isGrey ? 1 : 3);
-            EXPECT_EQ(read.progressive, progressive != 0);
+            const Bytes file = Saved(picture, {100, progressive, optimized});
+            EXPECT_LE(Difference(view, file), 4);
+            EXPECT_EQ(file.at(FrameOf(file) + 9), isGrey ? 1 : 3);
+            EXPECT_EQ(file.at(FrameOf(file) + 1), progressive != 0 ? 0xC2 : 0xC0);
         }
     });
 }
@@ -89,15 +63,19 @@ TEST(JpegWriter, TakesQualityTablesAndResolution) {
     EXPECT_EQ(size(-1), size(0));
     EXPECT_EQ(size(1000), size(100));
     EXPECT_LT(Saved(picture, {60, 0, 1}).size(), size(60));
-    EXPECT_EQ(Read(Saved(picture, {89, 0, 0})).lumaSampling, 2);
-    EXPECT_EQ(Read(Saved(picture, {90, 0, 0})).lumaSampling, 1);
+    for (const int16_t quality : {int16_t{89}, int16_t{90}}) {
+        const Bytes file = Saved(picture, {quality, 0, 0});
+        EXPECT_EQ(file.at(FrameOf(file) + 11), quality < 90 ? 0x22 : 0x11)
+            << "samples of brightness";
+    }
 
+    using Density = std::vector<int>;
     const auto density = [&](int32_t x, int32_t y) {
         std::memcpy(&picture.info[24], &x, 4);
         std::memcpy(&picture.info[28], &y, 4);
-        return Read(Saved(picture, {60, 0, 0})).density;
+        const Bytes file = Saved(picture, {60, 0, 0});
+        return Density{file[13], file[14] * 256 + file[15], file[16] * 256 + file[17]};
     };
-    using Density = std::vector<int>;
     EXPECT_EQ(density(11811, 5906), Density({1, 300, 150}));
     EXPECT_EQ(density(4000, 3900), Density({2, 40, 39}));
     EXPECT_EQ(density(4001, 4001), Density({1, 102, 102}));

@@ -110,8 +110,8 @@ TEST(PngWriter, JoinsStripsIntoOneStream) {
     }
 }
 
-// Grainy rows of slopes take turns with grainy repetitions of one row: no filter suits all rows, and
-// the library needs 632,263 bytes.
+// Grainy rows of slopes take turns with grainy repetitions of one row: no filter suits all rows,
+// and the library needs 632,263 bytes.
 TEST(PngWriter, IsAsSmallAsTheLibrarysOwnWriter) {
     SamplePicture picture(PixelFormat::kBgr24, 900, 600, {});
     const Bytes noise = picture.bits;
