@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <string>
 
 #include "app/base/handles.h"
 #include "picture/current_picture.h"
@@ -15,7 +14,7 @@ namespace tessary {
 namespace {
 
 HLOCAL Movable(size_t size) {
-    return LocalAlloc(LMEM_MOVEABLE | LMEM_ZEROINIT, size);
+    return LocalAlloc(LMEM_MOVEABLE, size);
 }
 
 std::span<const uint8_t> BytesOf(const std::string& text) {
@@ -85,35 +84,32 @@ TEST(PictureMemoryTest, ACrashInForeignMemoryIsContained) {
     taken = block;
     EXPECT_TRUE(TakeForeignHandle(taken));
     EXPECT_TRUE(FreeLocalHandle(taken));
-    HLOCAL empty = Movable(0);
-    EXPECT_TRUE(TakeForeignHandle(empty));
-    EXPECT_EQ(empty, nullptr);
+    taken = Movable(0);
+    EXPECT_TRUE(TakeForeignHandle(taken));
+    EXPECT_EQ(taken, nullptr);
 }
 
 TEST(PictureMemoryTest, HeaderComesFromTheInfoBlockOnly) {
     dib::BitmapInfoHeader header{};
-    header.width = 77;
     EXPECT_FALSE(GetPictureHeader({}, header));
     const OwnedBlock shortBlock(Movable(12));
-    EXPECT_TRUE(GetPictureHeader({shortBlock.Get(), nullptr}, header));
-    EXPECT_EQ(header.width, 77);  // nothing is read behind a block that is too short
     const OwnedBlock info = BlockOf(HeaderOf(5, 1, 24));
-    EXPECT_TRUE(GetPictureHeader({info.Get(), nullptr}, header));
-    EXPECT_EQ(header.width, 5);
-    EXPECT_EQ(UnlockLocalHandle(info.Get()), -1);  // the lock was taken off again
+    // Nothing is read behind a block that is too short.
+    for (const auto& [block, width] : {std::pair(shortBlock.Get(), 0), {info.Get(), 5}}) {
+        EXPECT_TRUE(GetPictureHeader({block, nullptr}, header));
+        EXPECT_EQ(header.width, width);
+        EXPECT_EQ(LocalFlags(block) & LMEM_LOCKCOUNT, 0u);
+    }
 }
 
 // A picture's memory that is no pair.
-class VectorMemory : public PictureMemory {
-  public:
-    VectorMemory(std::string info, std::string bits)
-        : info_(std::move(info)), bits_(std::move(bits)) {}
-    std::span<const uint8_t> Info() const override { return BytesOf(info_); }
-    std::span<const uint8_t> Bits() const override { return BytesOf(bits_); }
+struct VectorMemory : PictureMemory {
+    VectorMemory(std::string itsInfo, std::string itsBits)
+        : info(std::move(itsInfo)), bits(std::move(itsBits)) {}
+    std::span<const uint8_t> Info() const override { return BytesOf(info); }
+    std::span<const uint8_t> Bits() const override { return BytesOf(bits); }
 
-  private:
-    std::string info_;
-    std::string bits_;
+    const std::string info, bits;
 };
 
 TEST(PictureTest, APairStaysWhereItIsUntilItIsFreed) {
@@ -177,11 +173,8 @@ TEST(PictureTest, APairIsPutRightOrRefusedAndFreed) {
 }
 
 TEST(PictureTest, MemoryOfAnyKindMayHoldIt) {
-    const auto make = [](const std::string& bits) {
-        return Picture(std::make_unique<VectorMemory>(HeaderOf(1, 1, 24), bits));
-    };
-    EXPECT_FALSE(make("BGR"));
-    Picture picture = make("BGR_");
+    EXPECT_FALSE(Picture(std::make_unique<VectorMemory>(HeaderOf(1, 1, 24), "BGR")));
+    Picture picture(std::make_unique<VectorMemory>(HeaderOf(1, 1, 24), "BGR_"));
     ASSERT_TRUE(picture);
     PicturePair pair = picture.ReleasePair();
     EXPECT_FALSE(picture);
@@ -212,18 +205,10 @@ TEST(PictureTest, ANewOneHasTheRowsThatItsHeaderAnnounces) {
 }
 
 TEST(DIBToPictureTest, MakesPicturesThatOwnTheirBitmap) {
-    struct {
-        BITMAPINFOHEADER header;
-        uint32_t bits[4];
-    } dib{};
-    dib.header = {40, 2, 2, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    const std::string info = HeaderOf(2, 2, 32), bits(16, 'x');
     const UniqueScreenDc screen(GetDC(nullptr));
     IPicture* picture = nullptr;
-    EXPECT_FALSE(DIBToPicture(screen.Get(), {&dib.header, nullptr}, &picture));
-    EXPECT_FALSE(DIBToPicture(screen.Get(), {nullptr, dib.bits}, &picture));
-    EXPECT_EQ(picture, nullptr);
-
-    ASSERT_TRUE(DIBToPicture(screen.Get(), {&dib.header, dib.bits}, &picture));
+    ASSERT_TRUE(DIBToPicture(screen.Get(), {info.data(), bits.data()}, &picture));
     OLE_HANDLE handle = 0;
     EXPECT_EQ(picture->get_Handle(&handle), S_OK);
     const auto bitmap = reinterpret_cast<HBITMAP>(static_cast<ULONG_PTR>(handle));
