@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "app/base/modScreenCaps.h"
 #include "tests/support/temporary_folder.h"
 
@@ -12,37 +14,35 @@ using Names = std::vector<std::wstring>;
 
 class CommandLineTest : public testing::Test {
   protected:
-    Names Parse(const std::wstring& line, uint32_t platform = kPlatformNT) const {
-        Names names;
-        const int added = ParseCommandLine(line, platform, names);
-        EXPECT_EQ(added, static_cast<int>(names.size()));
-        return names;
-    }
-
     test::TemporaryFolder folder_;
     std::wstring spaced_ = folder_.Write(L"写真 一.jpg");
     std::wstring plain_ = folder_.Write(L"b.jpg");
 };
 
-TEST_F(CommandLineTest, QuotedNamesMayHoldBlanksOnNT) {
-    EXPECT_EQ(Parse(L'"' + spaced_ + L"\" " + plain_), (Names{spaced_, plain_}));
-    EXPECT_EQ(Parse(spaced_), Names{});
-    EXPECT_EQ(Parse(L"  " + plain_ + L"   \"" + spaced_), (Names{plain_, spaced_}));
-    EXPECT_EQ(Parse(L"\"\" \" " + plain_), Names{});
-}
-
-TEST_F(CommandLineTest, EveryBlankSeparatesOn95) {
-    EXPECT_EQ(Parse(plain_ + L" " + plain_, kPlatformWindows95), (Names{plain_, plain_}));
-    EXPECT_EQ(Parse(L'"' + spaced_ + L'"', kPlatformWindows95), Names{});
-    EXPECT_EQ(Parse(plain_, 0), Names{});
-}
-
-TEST_F(CommandLineTest, FolderGivesItsPlainFiles) {
+TEST_F(CommandLineTest, NamesEndAsEachSystemHasThem) {
     folder_.Write(L"sub\\inner.jpg");
     const std::wstring noDot = folder_.Write(L"nodot");
-    Names names = Parse(folder_.Path());
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (Names{plain_, noDot, spaced_}));
+    const std::wstring quoted = L'"' + spaced_ + L'"';
+    const struct {
+        std::wstring line;
+        uint32_t platform;
+        Names names;
+    } table[] = {{quoted + L' ' + plain_, kPlatformNT, {spaced_, plain_}},
+                 {spaced_, kPlatformNT, {}},
+                 {L"  " + plain_ + L"   \"" + spaced_, kPlatformNT, {plain_, spaced_}},
+                 {L"\"\" \" " + plain_, kPlatformNT, {}},
+                 {folder_.Path(), kPlatformNT, {plain_, noDot, spaced_}},
+                 {plain_ + L' ' + plain_, kPlatformWindows95, {plain_, plain_}},
+                 {quoted, kPlatformWindows95, {}},
+                 {plain_, 0, {}}};
+    for (const auto& row : table) {
+        Names names{L"first"};
+        EXPECT_EQ(ParseCommandLine(row.line, row.platform, names), std::ssize(row.names));
+        EXPECT_EQ(names[0], L"first") << "what is there stays";
+        names.erase(names.begin());
+        if (row.line == folder_.Path()) std::ranges::sort(names);
+        EXPECT_EQ(names, row.names) << row.line << ' ' << row.platform;
+    }
 }
 
 TEST_F(CommandLineTest, NamesAreWholeBeforeTheFolderIsLeft) {
@@ -55,12 +55,6 @@ TEST_F(CommandLineTest, NamesAreWholeBeforeTheFolderIsLeft) {
     Names files;
     EXPECT_EQ(AppendNamedFiles(names, files).missing, 1);
     EXPECT_EQ(files, Names{plain_});
-}
-
-TEST_F(CommandLineTest, AddsBehindWhatIsThere) {
-    Names names{L"first"};
-    EXPECT_EQ(ParseCommandLine(plain_ + L" missing", kPlatformNT, names), 1);
-    EXPECT_EQ(names, (Names{L"first", plain_}));
 }
 
 }  // namespace
