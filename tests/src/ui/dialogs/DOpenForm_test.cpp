@@ -20,6 +20,7 @@ class DOpenFormTest : public testing::Test {
         root_ = RemoveBackslash(folder_.Path());
         form_.SetStartFolder(root_);
     }
+    static void Accept(HWND dialog) { Press(dialog, IDOK); }
 
     RecordedMessages messages_;
     TemporaryFolder folder_;
@@ -29,14 +30,15 @@ class DOpenFormTest : public testing::Test {
 
 TEST_F(DOpenFormTest, TreeGoesDownByEnterAndUpByBackspace) {
     std::vector<std::wstring> seen;
-    const auto look = [&](HWND dialog) { seen.push_back(TextOf(dialog, openFolderPath)); };
     const auto key = [&](WPARAM pressed) {
-        return [pressed](HWND dialog) { PressKey(dialog, openFolderList, pressed); };
+        return [&seen, pressed](HWND dialog) {
+            seen.push_back(TextOf(dialog, openFolderPath));
+            PressKey(dialog, openFolderList, pressed);
+        };
     };
-    DrivenDialog user({look, key(VK_DOWN), look,                  // 1写真, which is closed
-                       [](HWND dialog) { Press(dialog, IDOK); },  // opens it
-                       key(VK_DOWN), look,                        // 夏
-                       key(VK_BACK), look, key(VK_DOWN),
+    DrivenDialog user({key(VK_DOWN), Accept,  // 1写真, which is closed, is opened
+                       key(VK_DOWN),          // 夏
+                       key(VK_BACK), key(VK_DOWN),
                        [](HWND dialog) {
                            Type(dialog, openFolderExtensions, L"bmp jpg");
                            Click(dialog, openFolderSubFolders);
@@ -79,16 +81,14 @@ TEST_F(DOpenFormTest, TypedFolderIsTakenOrRefusedWithAMessage) {
 }
 
 TEST_F(DOpenFormTest, MakesFoldersAndRefusesBadNames) {
-    const auto make = [](const wchar_t* name) {
-        return [name](HWND dialog) {
+    std::deque<DrivenDialog::Step> steps{[](HWND dialog) { PressLater(dialog, openFolderMake); }};
+    for (const wchar_t* const name : {L"a*b", L"aux.txt", L"2絵", L"新しい絵"})
+        steps.push_back([name](HWND dialog) {
             Type(dialog, newFolderName, name);
             Press(dialog, IDOK);
-        };
-    };
-    DrivenDialog user(
-        {[](HWND dialog) { PressLater(dialog, openFolderMake); }, make(L"a*b"), make(L"aux.txt"),
-         make(L"2絵"), make(L"新しい絵"), [](HWND dialog) { Press(dialog, IDOK); }},
-        IDOK);
+        });
+    steps.push_back(Accept);
+    DrivenDialog user(steps, IDOK);
     ASSERT_TRUE(form_.Show(nullptr));
     EXPECT_EQ(form_.GetFileName(), root_ + LR"(\新しい絵)");
     EXPECT_TRUE(IsFolder(root_ + LR"(\新しい絵)"));

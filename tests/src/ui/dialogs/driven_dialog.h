@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <windowsx.h>
 
 #include <deque>
 #include <functional>
@@ -96,10 +97,8 @@ inline void Choose(HWND dialog, int comboBox, int index) {
 }
 
 inline void SelectRow(HWND dialog, int listView, int row) {
-    LVITEMW item{};
-    item.stateMask = item.state = LVIS_SELECTED | LVIS_FOCUSED;
-    SendDlgItemMessageW(dialog, listView, LVM_SETITEMSTATE, static_cast<WPARAM>(row),
-                        reinterpret_cast<LPARAM>(&item));
+    ListView_SetItemState(GetDlgItem(dialog, listView), row, LVIS_SELECTED | LVIS_FOCUSED,
+                          LVIS_SELECTED | LVIS_FOCUSED);
 }
 
 // What he sees of it.
@@ -124,10 +123,10 @@ inline bool HasFocus(HWND dialog, int control) {
 }
 
 inline std::vector<std::wstring> Items(HWND listBox) {
-    std::vector<std::wstring> items(static_cast<size_t>(SendMessageW(listBox, LB_GETCOUNT, 0, 0)));
-    for (size_t index = 0; index < items.size(); ++index) {
-        items[index].resize(static_cast<size_t>(SendMessageW(listBox, LB_GETTEXTLEN, index, 0)));
-        SendMessageW(listBox, LB_GETTEXT, index, reinterpret_cast<LPARAM>(items[index].data()));
+    std::vector<std::wstring> items(static_cast<size_t>(ListBox_GetCount(listBox)));
+    for (int index = 0; std::wstring & item : items) {
+        item.resize(static_cast<size_t>(ListBox_GetTextLen(listBox, index)));
+        ListBox_GetText(listBox, index++, item.data());
     }
     return items;
 }
@@ -139,16 +138,11 @@ inline std::vector<std::wstring> Items(HWND dialog, int listBox) {
 // The texts of a column of a list view, counted from 0.
 inline std::vector<std::wstring> Column(HWND dialog, int listView, int column) {
     const HWND list = GetDlgItem(dialog, listView);
-    std::vector<std::wstring> cells(
-        static_cast<size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
-    for (size_t row = 0; row < cells.size(); ++row) {
+    std::vector<std::wstring> cells;
+    for (int row = 0; row < ListView_GetItemCount(list); ++row) {
         wchar_t text[260]{};
-        LVITEMW item{};
-        item.iSubItem = column;
-        item.pszText = text;
-        item.cchTextMax = 260;
-        SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
-        cells[row] = text;
+        ListView_GetItemText(list, row, column, text, 260);
+        cells.emplace_back(text);
     }
     return cells;
 }

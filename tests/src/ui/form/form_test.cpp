@@ -5,7 +5,6 @@
 #include <imm.h>
 
 #include <atomic>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -17,15 +16,20 @@
 #include "app/base/quit.h"
 #include "app/base/task_modal.h"
 #include "tests/src/ui/dialogs/driven_dialog.h"
+#include "tests/src/ui/message_spy.h"
 #include "tests/src/ui/run_until.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/session_hold.h"
 #include "ui/form/timer.h"
 
+// The system's, and in no header of its.
+extern "C" {
+LONG WINAPI LdrLockLoaderLock(ULONG flags, ULONG* state, ULONG_PTR* cookie);
+LONG WINAPI LdrUnlockLoaderLock(ULONG flags, ULONG_PTR cookie);
+}
+
 namespace tessary {
 namespace {
-
-using Events = std::vector<std::string>;
 
 class RecordingForm final : public Form {
   public:
@@ -37,15 +41,13 @@ class RecordingForm final : public Form {
                                Handle(), nullptr, nullptr, nullptr);
     }
 
-    Events events;
+    std::string events;
     bool refuse = false;
     bool fail = false;  // every handler throws
-    int flashes = 0;    // of its caption, and others of its looks
-    bool sessionEnds = false;
 
   private:
-    void Record(const char* event) {
-        events.push_back(event);
+    void Record(const std::string& event) {
+        events += event + ' ';
         if (fail) throw std::runtime_error(event);
     }
     void Form_Load() override { Record("load"); }
@@ -58,47 +60,34 @@ class RecordingForm final : public Form {
     void Form_Command(int id) override { Record(id == 7 ? "command" : "?"); }
     void Form_MetricsChanged() override { Record("metrics"); }
     SIZE MinimumSize() const override { return {300, 200}; }
-    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
-        flashes += message == WM_NCACTIVATE ? 1 : 0;
-        sessionEnds |= message == WM_ENDSESSION;
-        return Form::OnMessage(message, wParam, lParam);
-    }
 };
 
 class FormTest : public testing::Test {
   protected:
-    void SetUp() override {
-        ASSERT_TRUE(form_.Load());
+    FormTest() {
+        EXPECT_TRUE(form_.Load());
         form_.events.clear();
     }
     RecordingForm form_;
 };
 using SessionHoldTest = FormTest;
 
-TEST_F(FormTest, LivesFromLoadToTerminateAndAgain) {
-    form_.Unload();
-    form_.events.clear();
-    ASSERT_TRUE(form_.Load());
-    EXPECT_TRUE(form_.Load());  // is loaded already
-    const HWND window = form_.Handle();
+TEST_F(FormTest, LivesFromLoadToTerminateAndAgainWhateverItsHandlersDo) {
     form_.refuse = true;
     form_.Unload();
-    EXPECT_TRUE(IsWindow(window));
     form_.refuse = false;
+    form_.fail = true;
+    form_.Unload();  // the question fails, so nothing closes
+    EXPECT_TRUE(IsWindow(form_.Handle()));
+    SendMessageW(form_.Handle(), WM_COMMAND, 7, 0);
+    form_.fail = false;
     form_.Unload();
-    EXPECT_FALSE(IsWindow(window));
-    EXPECT_EQ(form_.events, (Events{"load", "query", "query", "unload", "end"}));
-}
-
-TEST_F(FormTest, HandlersThatThrowHarmNobody) {
-    RecordingForm form;
-    form.fail = true;
-    ASSERT_TRUE(form.Load());
-    SendMessageW(form.Handle(), WM_COMMAND, 7, 0);
-    form.Unload();  // the question failed, so nothing closes
-    EXPECT_TRUE(IsWindow(form.Handle()));
-    DestroyWindow(form.Handle());
-    EXPECT_EQ(form.events, (Events{"load", "command", "query", "unload", "end"}));
+    EXPECT_EQ(form_.Handle(), nullptr);
+    form_.fail = true;
+    EXPECT_TRUE(form_.Load());
+    EXPECT_TRUE(form_.Load());  // is loaded already
+    DestroyWindow(form_.Handle());
+    EXPECT_EQ(form_.events, "query query command query unload end load unload end ");
 }
 
 TEST_F(FormTest, FollowsTheScreensResolution) {
@@ -110,7 +99,7 @@ TEST_F(FormTest, FollowsTheScreensResolution) {
     EXPECT_TRUE(EqualRect(&now, &suggested));
     // Most settings of the system are nothing to us.
     SendMessageW(form_.Handle(), WM_SETTINGCHANGE, SPI_SETDESKWALLPAPER, 0);
-    EXPECT_EQ(form_.events, Events{"metrics"});
+    EXPECT_EQ(form_.events, "metrics ");
     MINMAXINFO limits{};
     SendMessageW(form_.Handle(), WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
     EXPECT_EQ(limits.ptMinTrackSize.x, MulDiv(300, Metrics(form_.Handle()).Dpi(), 96));
@@ -128,6 +117,9 @@ HWND SessionWatch() {
 }
 
 TEST_F(SessionHoldTest, KeepsTheSystemWaitingUntilWorkHasStopped) {
+    bool isTold = false;
+    const test::MessageSpy spy(
+        form_.Handle(), [&](UINT message, WPARAM, LPARAM) { isTold |= message == WM_ENDSESSION; });
     std::atomic<bool> isAnswered = false;
     std::thread system;
     {
@@ -142,57 +134,52 @@ TEST_F(SessionHoldTest, KeepsTheSystemWaitingUntilWorkHasStopped) {
             isAnswered = true;
         });
         // The work hears of it before the answer, and goes on for a while.
-        EXPECT_TRUE(test::RunUntil([&] { return form_.sessionEnds; }));
+        EXPECT_TRUE(test::RunUntil([&] { return isTold; }));
         Sleep(50);
         EXPECT_FALSE(isAnswered);
     }
     system.join();
-    EXPECT_TRUE(isAnswered);
     EXPECT_FALSE(IsSessionHeld(form_.Handle()));
     EXPECT_EQ(SessionWatch(), nullptr);
 }
 
 // A crash may leave what every new thread needs first with the thread that has crashed.
 TEST_F(SessionHoldTest, WaitsForNoThreadThatCannotBegin) {
-    const HMODULE system = GetModuleHandleW(L"ntdll.dll");
-    const auto call = [&]<typename... Arguments>(const char* function, Arguments... arguments) {
-        return reinterpret_cast<LONG(WINAPI*)(Arguments...)>(
-            reinterpret_cast<void*>(GetProcAddress(system, function)))(arguments...);
-    };
     ULONG_PTR cookie = 0;
-    ULONG* const noState = nullptr;
-    ASSERT_EQ(call("LdrLockLoaderLock", ULONG{0}, noState, &cookie), 0);
+    ASSERT_EQ(LdrLockLoaderLock(0, nullptr, &cookie), 0);
     {
         const SessionHold hold(form_.Handle(), L"held");
         EXPECT_TRUE(IsSessionHeld(form_.Handle()));
         EXPECT_EQ(SessionWatch(), nullptr);
     }
-    call("LdrUnlockLoaderLock", ULONG{0}, cookie);
+    LdrUnlockLoaderLock(0, cookie);
     EXPECT_FALSE(IsSessionHeld(form_.Handle()));
 }
 
 constexpr UINT kMessage = WM_APP + 77;
 
 void PostTwo() {
-    for (int post = 0; post < 2; ++post)
-        PostThreadMessageW(GetCurrentThreadId(), kMessage, 0, 0);
+    for (const WPARAM post : {1, 2})
+        PostThreadMessageW(GetCurrentThreadId(), kMessage, post, 0);
 }
 
 TEST(MessageLoopTest, DoEventsLeavesQuittingToTheOuterLoop) {
     int seen = 0;
-    const MessageFilter count([&](MSG& message) { return message.message == kMessage && ++seen; });
-    PostTwo();
-    EXPECT_TRUE(DoEvents());
-    EXPECT_EQ(seen, 2);
+    {
+        const MessageFilter count(
+            [&](MSG& message) { return message.message == kMessage && ++seen; });
+        PostTwo();
+        EXPECT_TRUE(DoEvents());
+        EXPECT_EQ(seen, 2);
+    }
     PostQuitMessage(7);  // not ours
     EXPECT_TRUE(DoEvents());
     // What was posted beside it stays, in its order.
-    for (WPARAM post = 1; post <= 2; ++post)
-        PostThreadMessageW(GetCurrentThreadId(), kMessage, post, 0);
+    PostTwo();
     PostQuitMessage(7);
     DropForeignQuit();
     MSG taken{};
-    for (WPARAM post = 1; post <= 2; ++post) {
+    for (const WPARAM post : {1, 2}) {
         EXPECT_TRUE(PeekMessageW(&taken, nullptr, 0, 0, PM_REMOVE));
         EXPECT_EQ(taken.wParam, post);
     }
@@ -201,39 +188,38 @@ TEST(MessageLoopTest, DoEventsLeavesQuittingToTheOuterLoop) {
     PeekMessageW(&taken, nullptr, 0, 0, PM_REMOVE);
     DropForeignQuit();  // ours comes back
     EXPECT_FALSE(DoEvents());
-    EXPECT_FALSE(DoEvents());
     EXPECT_EQ(RunMessageLoop(), 42);
     EXPECT_TRUE(DoEvents());
 }
 
 TEST(MessageLoopTest, LatestFilterTakesFirstAndMayEndItself) {
-    int outer = 0;
-    int inner = 0;
-    const MessageFilter first([&](MSG& message) { return message.message == kMessage && ++outer; });
+    std::string taken;
+    const MessageFilter first([&](MSG&) {
+        taken += "outer ";
+        return true;
+    });
     std::unique_ptr<MessageFilter> second;
-    second = std::make_unique<MessageFilter>([&](MSG& message) {
-        if (message.message != kMessage) return false;
-        ++inner;
+    second = std::make_unique<MessageFilter>([&](MSG&) {
+        taken += "inner ";
         second.reset();
         return true;
     });
     const MessageFilter failing([](MSG&) -> bool { throw std::runtime_error("filter"); });
     PostTwo();
     DoEvents();
-    EXPECT_EQ(inner, 1);
-    EXPECT_EQ(outer, 1);
+    EXPECT_EQ(taken, "inner outer ");
 }
 
 TEST_F(FormTest, LeavesInputMethodsToTextFields) {
-    const auto takesInputMethod = [](HWND window) {
+    const std::pair<HWND, bool> table[] = {{form_.Handle(), false},
+                                           {form_.Add(L"LISTBOX"), false},
+                                           {form_.Add(L"EDIT", ES_READONLY), false},
+                                           {form_.Add(L"EDIT"), true}};
+    for (const auto& [window, takes] : table) {
         const HIMC context = ImmGetContext(window);
+        EXPECT_EQ(context != nullptr, takes);
         if (context != nullptr) ImmReleaseContext(window, context);
-        return context != nullptr;
-    };
-    EXPECT_FALSE(takesInputMethod(form_.Handle()));
-    EXPECT_FALSE(takesInputMethod(form_.Add(L"LISTBOX")));
-    EXPECT_FALSE(takesInputMethod(form_.Add(L"EDIT", ES_READONLY)));
-    EXPECT_TRUE(takesInputMethod(form_.Add(L"EDIT")));
+    }
 }
 
 // Controls with a theme ask their parent for what is below their corners.
@@ -263,9 +249,9 @@ TEST_F(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
 TEST_F(FormTest, MessagesStayWithTheWindowThatTheUserWasInAndCallHim) {
     EXPECT_EQ(WindowForMessages(), nullptr);
     RecordingForm bar;
-    ShowWindow(form_.Handle(), SW_SHOWNORMAL);
     ASSERT_TRUE(bar.Load(form_.Handle()));
-    ShowWindow(bar.Handle(), SW_SHOWNORMAL);
+    for (const Form* const form : {&form_, &bar})
+        ShowWindow(form->Handle(), SW_SHOWNORMAL);
     const HWND foreign =
         CreateWindowExW(0, L"STATIC", L"a plug-in's", WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, nullptr,
                         nullptr, GetModuleHandleW(L"user32"), nullptr);
@@ -273,17 +259,16 @@ TEST_F(FormTest, MessagesStayWithTheWindowThatTheUserWasInAndCallHim) {
     EXPECT_EQ(WindowForMessages(), bar.Handle());
     SetForegroundWindow(GetDesktopWindow());  // another program's
     ASSERT_EQ(GetActiveWindow(), nullptr);
-    EXPECT_EQ(WindowForMessages(), bar.Handle());
-    form_.flashes = 0;
-    test::DrivenDialog user({[&](HWND box) {
-                                 EXPECT_EQ(GetWindow(box, GW_OWNER), bar.Handle());
-                                 EXPECT_GT(form_.flashes, 0);
-                                 EndDialog(box, IDOK);
-                             },
-                             [&](HWND box) {
-                                 EXPECT_EQ(GetWindow(box, GW_OWNER), form_.Handle());
-                                 EndDialog(box, IDOK);
-                             }});
+    int flashes = 0;
+    const test::MessageSpy spy(
+        form_.Handle(), [&](UINT message, WPARAM, LPARAM) { flashes += message == WM_NCACTIVATE; });
+    std::vector<HWND> owners;
+    const auto answer = [&](HWND box) {
+        owners.push_back(GetWindow(box, GW_OWNER));
+        EXPECT_GT(flashes, 0);
+        EndDialog(box, IDOK);
+    };
+    test::DrivenDialog user({answer, answer});
     EXPECT_EQ(ShowMessageBox(L"text"), IDOK);
     for (const auto take : {+[](HWND window) { EnableWindow(window, FALSE); },
                             +[](HWND window) { ShowWindow(window, SW_HIDE); }}) {
@@ -294,7 +279,7 @@ TEST_F(FormTest, MessagesStayWithTheWindowThatTheUserWasInAndCallHim) {
     }
     EnableWindow(form_.Handle(), FALSE);  // while the program is at work
     EXPECT_EQ(ShowMessageBox(L"text"), IDOK);
-    EXPECT_TRUE(user.IsDone());
+    EXPECT_EQ(owners, (std::vector{bar.Handle(), form_.Handle()}));
     EXPECT_FALSE(IsWindowEnabled(form_.Handle()));
     DestroyWindow(foreign);
 }
@@ -302,10 +287,8 @@ TEST_F(FormTest, MessagesStayWithTheWindowThatTheUserWasInAndCallHim) {
 TEST(TimerTest, TicksUntilStoppedNeverNestsAndSurvivesWhatItsHandlerDoes) {
     int ticks = 0;
     int depth = 0;
-    bool nested = false;
     Timer timer([&] {
-        nested = nested || depth > 0;
-        ++depth;
+        EXPECT_EQ(depth++, 0) << "nested";
         ++ticks;
         Sleep(30);  // the next tick is due
         DoEvents();
@@ -314,7 +297,6 @@ TEST(TimerTest, TicksUntilStoppedNeverNestsAndSurvivesWhatItsHandlerDoes) {
     });
     ASSERT_TRUE(timer.Start(10));
     ASSERT_TRUE(test::RunUntil([&] { return ticks >= 3; }));
-    EXPECT_FALSE(nested);
     timer.Stop();
     EXPECT_FALSE(test::RunUntil([&, before = ticks] { return ticks != before; }, 30));
 

@@ -6,64 +6,45 @@
 #include <functional>
 
 #include "tests/src/ui/test_picture.h"
-#include "ui/form/form.h"
 
 namespace tessary {
 namespace {
 
 using test::MakePicture;
 
-class BareForm final : public Form {
-  public:
-    BareForm() : Form({.className = L"TessaryBareForm", .caption = L"", .style = WS_POPUP}) {}
-    ~BareForm() = default;
-};
-
 class PictureBoxTest : public testing::Test {
   protected:
-    void SetUp() override {
-        ASSERT_TRUE(form_.Load());
-        SetWindowPos(form_.Handle(), nullptr, 100, 100, 200, 150, SWP_NOZORDER);
-        ASSERT_TRUE(box_.Create(form_.Handle(), {}));
+    PictureBoxTest() {
+        EXPECT_TRUE(box_.Create(parent_, {}));
         box_.SetBounds(0, 0, 200, 150);
-        ShowWindow(form_.Handle(), SW_SHOWNOACTIVATE);
+        ShowWindow(parent_, SW_SHOWNOACTIVATE);
     }
+    ~PictureBoxTest() override { DestroyWindow(parent_); }
 
-    // Looks at every third pixel of the area.
-    void Scan(const std::function<void(POINT at, COLORREF color)>& look) const {
+    // Looks at every third pixel of the area: of what the picture is to show there, else of the
+    // background. Answers what encloses those that are not as they must be.
+    RECT Wrong() const {
+        const POINT at = box_.PicturePosition();
+        const RECT picture{at.x, at.y, at.x + box_.PictureSize().cx, at.y + box_.PictureSize().cy};
+        RECT wrong{};
         box_.Refresh();
         const HDC context = GetDC(box_.Handle());
         for (int y = 0; y < box_.AreaSize().cy; y += 3) {
-            for (int x = 0; x < box_.AreaSize().cx; x += 3)
-                look({x, y}, GetPixel(context, x, y));
+            for (int x = 0; x < box_.AreaSize().cx; x += 3) {
+                const COLORREF expected = PtInRect(&picture, {x, y})
+                                              ? test::PixelAt(x - at.x, y - at.y)
+                                              : GetSysColor(COLOR_APPWORKSPACE);
+                const RECT pixel{x, y, x + 1, y + 1};
+                if (GetPixel(context, x, y) != expected) UnionRect(&wrong, &wrong, &pixel);
+            }
         }
         ReleaseDC(box_.Handle(), context);
+        return wrong;
     }
+    void ExpectOnScreen(const char* what) const { EXPECT_EQ(Wrong().right, 0) << what; }
 
-    // Compares with what it must show: the picture at its place, the background around it.
-    void ExpectOnScreen(const char* what) const {
-        const POINT at = box_.PicturePosition();
-        const RECT picture{at.x, at.y, at.x + box_.PictureSize().cx, at.y + box_.PictureSize().cy};
-        int wrong = 0;
-        Scan([&](POINT pixel, COLORREF color) {
-            wrong +=
-                color != (PtInRect(&picture, pixel) ? test::PixelAt(pixel.x - at.x, pixel.y - at.y)
-                                                    : GetSysColor(COLOR_APPWORKSPACE));
-        });
-        EXPECT_EQ(wrong, 0) << what;
-    }
-
-    // Where it differs from the background; empty when it does not.
-    RECT PaintedPart() const {
-        RECT painted{};
-        Scan([&](POINT at, COLORREF color) {
-            const RECT pixel{at.x, at.y, at.x + 1, at.y + 1};
-            if (color != GetSysColor(COLOR_APPWORKSPACE)) UnionRect(&painted, &painted, &pixel);
-        });
-        return painted;
-    }
-
-    BareForm form_;
+    HWND parent_ = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 100, 100, 200, 150, nullptr,
+                                   nullptr, nullptr, nullptr);
     PictureBox box_;
 };
 
@@ -76,10 +57,8 @@ TEST_F(PictureBoxTest, PaintsPictureAndBackground) {
     box_.SetBounds(0, 0, 120, 150);
     box_.SetBounds(0, 0, 200, 150);
     ExpectOnScreen("uncovered again");
-    box_.MovePicture({-10, 0});
-    box_.MovePicture({-50, -12});  // before the first move is painted
-    ExpectOnScreen("moved twice");
-    for (const POINT position : {POINT{-50, -90}, POINT{0, 0}}) {
+    box_.MovePicture({-10, 0});  // before the next move nothing is painted
+    for (const POINT position : {POINT{-50, -12}, POINT{-50, -90}, POINT{0, 0}}) {
         box_.MovePicture(position);
         ExpectOnScreen("moved");
     }
@@ -95,19 +74,19 @@ TEST_F(PictureBoxTest, TellsWhyItIsEmpty) {
     box_.SetReason(std::wstring(60, L'絵') + L"\r\n壊れています。");
     for (const int width : {200, 120}) {
         box_.SetBounds(0, 0, width, 150);
-        const RECT text = PaintedPart();
+        const RECT text = Wrong();
         EXPECT_GT(text.left, 0) << width;  // wrapped
         EXPECT_NEAR(text.left, width - text.right, 16) << width;
         EXPECT_NEAR(text.top, 150 - text.bottom, 8) << width;
     }
     box_.SetBounds(0, 0, 200, 150);
     box_.ShowNote(L"2 個");
-    EXPECT_GT(PaintedPart().bottom, 130);
+    EXPECT_GT(Wrong().bottom, 130);
     box_.ShowNote({});
     box_.SetPicture(MakePicture(60, 40).Get(), {60, 40}, {70, 55});
     ExpectOnScreen("the picture alone");
     box_.SetPicture(nullptr, {}, {});
-    EXPECT_EQ(PaintedPart().right, 0);
+    ExpectOnScreen("no reason any more");
 }
 
 }  // namespace

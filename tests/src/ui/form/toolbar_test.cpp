@@ -20,69 +20,63 @@ class BarForm final : public Form {
   public:
     BarForm() : Form({.className = L"TessaryToolbarTest", .caption = L"", .style = WS_POPUP}) {}
     ~BarForm() = default;
-
-    Toolbar toolbar;
-    std::vector<std::string> events;
-
-    void Mouse(POINT at) {
-        SendMessageW(toolbar.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
-        SendMessageW(toolbar.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
-    }
-    bool IsPressed(int index) const {
-        return SendMessageW(toolbar.Handle(), TB_ISBUTTONPRESSED, static_cast<WPARAM>(index), 0);
-    }
-    void Key(int key) { SendMessageW(toolbar.Handle(), WM_KEYDOWN, static_cast<WPARAM>(key), 0); }
-
-  private:
-    void Form_Load() override {
-        ASSERT_TRUE(toolbar.Create(Handle(), ControlBarItems(), ControlBarImages()));
-        const SIZE size = toolbar.PreferredSize();
-        toolbar.SetBounds(0, 0, size.cx + 50, size.cy);
-        toolbar.OnButton([this](int index) { events.push_back("press " + std::to_string(index)); });
-        toolbar.OnDropDown([this](int index, RECT place) {
-            MapWindowPoints(nullptr, toolbar.Handle(), reinterpret_cast<POINT*>(&place), 2);
-            const RECT button = toolbar.ButtonRectangle(index);
-            const bool placed = EqualRect(&place, &button);
-            events.push_back((placed ? "menu " : "misplaced ") + std::to_string(index));
-            // The system still works with the button that has this menu.
-            SendMessageW(toolbar.Handle(), TB_PRESSBUTTON, static_cast<WPARAM>(index), TRUE);
-            SendMessageW(toolbar.Handle(), WM_SYSCOLORCHANGE, 0, 0);
-            EXPECT_TRUE(IsPressed(index));
-        });
-        toolbar.OnBackgroundPress([this] { events.emplace_back("background"); });
-    }
 };
 
 class ToolbarTest : public testing::Test {
   protected:
-    void SetUp() override { ASSERT_TRUE(form_.Load()); }
+    void SetUp() override {
+        ASSERT_TRUE(form_.Load());
+        ASSERT_TRUE(toolbar_.Create(form_.Handle(), ControlBarItems(), ControlBarImages()));
+        const SIZE size = toolbar_.PreferredSize();
+        toolbar_.SetBounds(0, 0, size.cx + 50, size.cy);
+        toolbar_.OnButton([this](int index) { Note("press", index); });
+        toolbar_.OnBackgroundPress([this] { Note("background", 0); });
+        toolbar_.OnDropDown([this](int index, RECT place) {
+            MapWindowPoints(nullptr, toolbar_.Handle(), reinterpret_cast<POINT*>(&place), 2);
+            const RECT button = toolbar_.ButtonRectangle(index);
+            Note(EqualRect(&place, &button) ? "menu" : "misplaced", index);
+            // The system still works with the button that has this menu.
+            Send(TB_PRESSBUTTON, static_cast<WPARAM>(index), TRUE);
+            Send(WM_SYSCOLORCHANGE, 0);
+            EXPECT_TRUE(Send(TB_ISBUTTONPRESSED, static_cast<WPARAM>(index)));
+        });
+    }
+    void Note(const std::string& event, int index) {
+        events_ += event + ' ' + std::to_string(index) + ", ";
+    }
+    LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam = 0) const {
+        return SendMessageW(toolbar_.Handle(), message, wParam, lParam);
+    }
+    void Click(int x) const {
+        Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, 8));
+        Send(WM_LBUTTONUP, 0, MAKELPARAM(x, 8));
+    }
+
     BarForm form_;
-    Toolbar& toolbar_ = form_.toolbar;
+    Toolbar toolbar_;
+    std::string events_;
 };
 
 TEST_F(ToolbarTest, EveryPressArrivesOnceAndWithTheRightButton) {
     toolbar_.EnableButton(7, false);
-    for (const int index : {6, 9, 8, 7}) {  // 8 is a separator
-        const RECT button = toolbar_.ButtonRectangle(index);
-        form_.Mouse({button.left + 4, button.top + 8});
-    }
-    form_.Mouse({toolbar_.ButtonRectangle(12).right - 3, 8});  // its arrow
-    form_.Mouse({toolbar_.PreferredSize().cx + 20, 5});
-    EXPECT_EQ(form_.events, (std::vector<std::string>{"press 6", "press 9", "background", "menu 12",
-                                                      "background"}));
+    for (const int index : {6, 9, 8, 7})  // 8 is a separator
+        Click(toolbar_.ButtonRectangle(index).left + 4);
+    Click(toolbar_.ButtonRectangle(12).right - 3);  // its arrow
+    Click(toolbar_.PreferredSize().cx + 20);
+    EXPECT_EQ(events_, "press 6, press 9, background 0, menu 12, background 0, ");
     DoEvents();
-    EXPECT_FALSE(form_.IsPressed(12));  // all are made anew behind it
+    EXPECT_FALSE(Send(TB_ISBUTTONPRESSED, 12));  // all are made anew behind it
 }
 
 TEST_F(ToolbarTest, KeyboardSkipsWhatCannotBePressed) {
     toolbar_.EnableButton(1, false);
-    for (const int key : {VK_HOME, VK_SPACE, VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT,
-                          VK_RIGHT, VK_F4})  // over the separator
-        form_.Key(key);
-    SendMessageW(toolbar_.Handle(), WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
-    for (const int key : {VK_END, VK_RIGHT, VK_RETURN, VK_F4})  // the last has no menu
-        form_.Key(key);
-    EXPECT_EQ(form_.events, (std::vector<std::string>{"press 2", "menu 9", "menu 9", "press 16"}));
+    for (const WPARAM key : {VK_HOME, VK_SPACE, VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT, VK_RIGHT,
+                             VK_RIGHT, VK_F4})  // over the separator
+        Send(WM_KEYDOWN, key);
+    Send(WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
+    for (const WPARAM key : {VK_END, VK_RIGHT, VK_RETURN, VK_F4})  // the last has no menu
+        Send(WM_KEYDOWN, key);
+    EXPECT_EQ(events_, "press 2, menu 9, menu 9, press 16, ");
 }
 
 TEST_F(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
@@ -90,25 +84,18 @@ TEST_F(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
     toolbar_.CheckButton(6, true);
     toolbar_.SetImage(15, static_cast<int>(ToolbarImage::kUnfold));
     toolbar_.ChangeMetrics();
-    const auto send = [&](UINT message, WPARAM button, LPARAM text = 0) {
-        return SendMessageW(toolbar_.Handle(), message, button, text);
-    };
-    EXPECT_EQ(send(TB_GETSTATE, 3), 0);
-    EXPECT_EQ(send(TB_GETSTATE, 6), TBSTATE_ENABLED | TBSTATE_CHECKED);
-    EXPECT_EQ(send(TB_GETBITMAP, 15), 17);
+    EXPECT_EQ(Send(TB_GETSTATE, 3), 0);
+    EXPECT_EQ(Send(TB_GETSTATE, 6), TBSTATE_ENABLED | TBSTATE_CHECKED);
+    EXPECT_EQ(Send(TB_GETBITMAP, 15), 17);
     const Metrics metrics(form_.Handle());
     EXPECT_LE(toolbar_.PreferredSize().cy, metrics.Scale(26));
     EXPECT_EQ(toolbar_.ButtonRectangle(1).right, metrics.Scale(24));
 
     wchar_t text[8] = {};
-    NMTBGETINFOTIPW tip{};
-    tip.hdr = {toolbar_.Handle(), 0, static_cast<UINT>(TBN_GETINFOTIPW)};
-    tip.pszText = text;
-    tip.cchTextMax = 8;
-    tip.iItem = 9;
+    NMTBGETINFOTIPW tip{{toolbar_.Handle(), 0, static_cast<UINT>(TBN_GETINFOTIPW)}, text, 8, 9, 0};
     SendMessageW(form_.Handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&tip));
     EXPECT_STREQ(text, L"表示サイズ (");  // cut at the end of the buffer
-    send(TB_GETBUTTONTEXTW, 9, reinterpret_cast<LPARAM>(text));
+    Send(TB_GETBUTTONTEXTW, 9, reinterpret_cast<LPARAM>(text));
     EXPECT_STREQ(text, L"表示サイズ");  // what a screen reader reads
 }
 
@@ -121,12 +108,8 @@ TEST(ToolbarImagesTest, DifferAndAreSharpAtEveryResolution) {
             different.insert(Greyed(image).pixels);
         }
         EXPECT_EQ(different.size(), 2U * kToolbarImageCount) << size;
-
-        // A square has no half-covered pixel and lies in the middle.
-        const ArgbImage stop = DrawToolbarImage(ToolbarImage::kStop, {size, false});
-        const std::vector<uint32_t> turned(stop.pixels.rbegin(), stop.pixels.rend());
-        EXPECT_EQ(stop.pixels, turned) << size;
-        for (const uint32_t pixel : stop.pixels)
+        // A square has no half-covered pixel.
+        for (const uint32_t pixel : DrawToolbarImage(ToolbarImage::kStop, {size, false}).pixels)
             EXPECT_TRUE(pixel >> 24 == 0 || pixel >> 24 == 255) << size;
     }
 }
@@ -138,11 +121,11 @@ TEST(ToolbarImagesTest, CoversPartsOfPixels) {
     canvas.FillPolygon({{0, 0}, {16, 0}, {0, 16}}, color);
     canvas.FillRectangle({0, 0}, {2, 2}, kHole);
     canvas.DrawFrame({0, 0}, {3, 3}, 1, color);
-    const ArgbImage image = canvas.Image();
-    EXPECT_EQ(image.pixels[15], 0x80C86432U);
-    EXPECT_EQ(image.pixels[17], 0U);
-    EXPECT_EQ(image.pixels[34], 0xFFC86432U);
-    EXPECT_EQ(image.pixels[255], 0U);
+    const std::vector<uint32_t> pixels = canvas.Image().pixels;
+    EXPECT_EQ(pixels[15], 0x80C86432U);
+    EXPECT_EQ(pixels[17], 0U);
+    EXPECT_EQ(pixels[34], 0xFFC86432U);
+    EXPECT_EQ(pixels[255], 0U);
 }
 
 }  // namespace
