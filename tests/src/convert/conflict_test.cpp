@@ -2,7 +2,6 @@
 // are repeated, in whatever order, come to the same files.
 #include <set>
 
-#include "app/base/paths.h"
 #include "convert/work_list.h"
 #include "tests/src/convert/convert_test.h"
 #include "tests/support/links.h"
@@ -24,18 +23,12 @@ class ConflictTest : public ConvertTest {
         return contents;
     }
 
-    static void CopyFiles(const std::wstring& from, const std::wstring& to) {
-        for (const auto& [name, content] : FilesBelow(from)) {
-            std::filesystem::create_directories(FolderOf(to + name));
-            EXPECT_TRUE(CopyFileW((from + name).c_str(), (to + name).c_str(), TRUE)) << name.size();
-        }
-    }
-
-    // The list is all that lies below a folder, in order or the other way round.
-    ConvertEnd RunOver(const std::wstring& folder, const std::wstring& target, bool isReversed) {
+    // The list is all that lies in the source folder, in order or the other way round.
+    ConvertEnd RunOverAll(bool isReversed = false) { return RunOverAll(isReversed, Target()); }
+    ConvertEnd RunOverAll(bool isReversed, const std::wstring& target) {
         monitor_.files.clear();
-        for (const auto& [name, content] : FilesBelow(folder))
-            monitor_.files.push_back(folder + name);
+        for (const auto& [name, content] : FilesBelow(source_.Path()))
+            monitor_.files.push_back(source_.Path() + name);
         if (isReversed) std::ranges::reverse(monitor_.files);
         monitor_.reports.clear();
         return ConvertFiles(target, monitor_);
@@ -50,7 +43,7 @@ TEST_F(ConflictTest, SourcesInTheTargetFolderStayAndResultsDoNotMultiply) {
     source_.Write(LR"(sub\b.tst)", "TST 8x8x24\n");
     source_.Write(L"p.tsa", ArchiveOf({{"b.tst", "TST 9x9x24\n"}, {"a.bmp", ForeignBitmap(3)}}));
     const Files before = FilesBelow(source_.Path());
-    EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), false));
+    EXPECT_TRUE(RunOverAll(false, source_.Path()));
     const Files after = FilesBelow(source_.Path());
     EXPECT_EQ(NamesOf(after),
               LR"(A (2) (2).bmp A (2).bmp a (3).bmp a (4).bmp a.bmp a.tst b (2).bmp b.bmp b.tst )"
@@ -60,32 +53,44 @@ TEST_F(ConflictTest, SourcesInTheTargetFolderStayAndResultsDoNotMultiply) {
     EXPECT_EQ(CountOf(&FileReport::isRenamed, true), 4);
     // Also in another order, and with the results of the first run as sources.
     for (const bool isReversed : {true, false}) {
-        EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), isReversed));
+        EXPECT_TRUE(RunOverAll(isReversed, source_.Path()));
         EXPECT_EQ(FilesBelow(source_.Path()), after) << isReversed;
     }
 }
 
-TEST_F(ConflictTest, PicturesOfOneNameStayApartInAnyOrderAndAfterAnyStop) {
-    for (const wchar_t* const folder : {L"1", L"2", L"3"}) {
-        const std::string size = std::to_string(folder[0] - L'0' + 3);
-        const std::string picture = "TST " + size + "x4x24\n";
-        source_.Write(std::wstring(folder) + LR"(\img.tst)", picture);
-        source_.Write(std::wstring(folder) + LR"(\p.tsa)",
-                      ArchiveOf({{"m.tst", picture},
-                                 {"M.TST", "TST 9x4x24\n"},
-                                 {"m.bmp", ForeignBitmap(6)},
-                                 {std::string(1, static_cast<char>(folder[0])), picture}}));
+TEST_F(ConflictTest, WhatHasOneNameStaysApartInAnyOrderAndAfterAnyStop) {
+    settings_.decodeUnknownFile = 1;
+    const std::wstring mine = target_.Write(LR"(out\q.tsa\read.me)", "mine");
+    source_.Write(L"q.tsa", ArchiveOf({{"read.me", "no picture"}}));
+    for (const char folder : {'1', '2'}) {
+        const std::wstring path = {static_cast<wchar_t>(folder), L'\\'};
+        const std::string picture = std::string("TST ") + folder + "x4x24\n";
+        source_.Write(path + L"img.tst", picture);
+        source_.Write(path + L"p.tsa", ArchiveOf({{"m.tst", picture},
+                                                  {"M.TST", "TST 9x4x24\n"},
+                                                  {"m.bmp", ForeignBitmap(6)},
+                                                  {std::string(1, folder), picture}}));
     }
-    EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+    // The first becomes what the second is called; an empty entry stands for the folder of the
+    // last.
+    source_.Write(L"r.tsa", ArchiveOf({{"a.tst", "TST 6x6x24\n"},
+                                       {"a.bmp", "TST 9x9x24\n"},
+                                       {"B.bmp", "TST 6x6x24\n"},
+                                       {"b.bmp", "TST 8x8x24\n"},
+                                       {"empty", ""},
+                                       {"sub", ""},
+                                       {"sub/b.tst", "TST 6x6x24\n"}}));
+    EXPECT_TRUE(RunOverAll());
     const Files all = FilesBelow(Target());
-    EXPECT_EQ(all.size(), 15U) << NamesOf(all);
+    EXPECT_EQ(all.size(), 18U) << NamesOf(all);
+    EXPECT_EQ(CountOf(&FileReport::isRenamed, true), 7);
+    EXPECT_EQ(ContentOf(mine), "mine");
     // Stopped in the other order after each step, over what the run before has left.
-    monitor_.stepsLeft = 0;
     int step = 0;
-    do {
+    do
         monitor_.stepsLeft = ++step;
-        EXPECT_LT(step, 60);
-    } while (!RunOver(source_.Path(), Target(), true) && step < 60);
+    while (!RunOverAll(true) && step < 80);
+    EXPECT_LT(step, 80);
     EXPECT_EQ(NamesOf(FilesBelow(Target())), NamesOf(all));
     EXPECT_EQ(ContentsOf(FilesBelow(Target())), ContentsOf(all));
     // Skipping resumes such a run, and does nothing where nothing is missing.
@@ -93,7 +98,7 @@ TEST_F(ConflictTest, PicturesOfOneNameStayApartInAnyOrderAndAfterAnyStop) {
     std::filesystem::remove(Target() + L"img (2).bmp");
     monitor_.stepsLeft = -1;
     for (const bool isReversed : {true, false}) {
-        EXPECT_TRUE(RunOver(source_.Path(), Target(), isReversed));
+        EXPECT_TRUE(RunOverAll(isReversed));
         EXPECT_EQ(ContentsOf(FilesBelow(Target())), ContentsOf(all)) << isReversed;
     }
 }
@@ -107,7 +112,7 @@ TEST_F(ConflictTest, MembersOfOneNameAllSurvive) {
     for (const std::string& archive :
          {ArchiveOf({first, second, third}), ArchiveOf({third, second, first})}) {
         source_.Write(L"x.tsa", archive);
-        EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+        EXPECT_TRUE(RunOverAll());
         const Files files = FilesBelow(Target());
         EXPECT_EQ(files.size(), 3U) << NamesOf(files);
         if (contents.empty()) contents = ContentsOf(files);
@@ -117,19 +122,20 @@ TEST_F(ConflictTest, MembersOfOneNameAllSurvive) {
 
 // Also when it is what the members are, byte for byte.
 TEST_F(ConflictTest, WhatStandsWhereAnArchiveIsExpandedIsSomebodys) {
-    const ArchiveEntry members[] = {
-        {"m.tst", "TST 4x4x24\n"}, {"d/n.tst", "TST 5x4x24\n"}, {"t.xyz", "text"}};
-    source_.Write(L"x.tsa", ArchiveOf({members[0], members[1], members[2]}));
+    const std::pair<std::wstring, std::string> mine[] = {
+        {L"m.tst", "TST 4x4x24\n"}, {LR"(d\n.tst)", "TST 5x4x24\n"}, {L"t.xyz", "text"}};
+    source_.Write(L"x.tsa", ArchiveOf({{"m.tst", mine[0].second},
+                                       {"d/n.tst", mine[1].second},
+                                       {"t.xyz", mine[2].second}}));
     for (const int32_t policy : {kConflictFreeName, kConflictSkip, kConflictOverwrite}) {
         for (const int32_t keepsUnknown : {0, 1}) {
             std::filesystem::remove_all(Target());
-            target_.Write(LR"(out\x.tsa\m.tst)", members[0].data);
-            target_.Write(LR"(out\x.tsa\d\n.tst)", members[1].data);
-            target_.Write(LR"(out\x.tsa\t.xyz)", members[2].data);
+            for (const auto& [name, content] : mine)
+                target_.Write(LR"(out\x.tsa\)" + name, content);
             settings_.onConflict = policy;
             settings_.decodeUnknownFile = keepsUnknown;
             for (int run = 0; run < 2; ++run) {
-                EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+                EXPECT_TRUE(RunOverAll());
                 EXPECT_EQ(Converted(),
                           LR"(x.tsa\d\n.bmp x.tsa\d\n.tst x.tsa\m.bmp x.tsa\m.tst )"
                           LR"(x.tsa\t.xyz )")
@@ -146,28 +152,30 @@ TEST_F(ConflictTest, RunsThatWereKilledAreRepeated) {
                                        {"~tessary.rec", "not ours"},
                                        {"t.xyz", "text"}}));
     const std::wstring mine = target_.Write(LR"(out\x.tsa\mine.tst)", "TST 4x4x24\n");
-    EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+    EXPECT_TRUE(RunOverAll());
     const Files all = FilesBelow(Target());
     EXPECT_EQ(NamesOf(all), LR"(x.tsa\m (2).bmp x.tsa\m.bmp x.tsa\mine.tst )");
     const std::wstring atDeath = target_.Path() + L"dead\\";
     for (int line = 1, lines = line; line <= lines; line += 2) {
-        std::filesystem::remove_all(Target());
+        for (const std::wstring& folder : {Target(), atDeath})
+            std::filesystem::remove_all(folder);
         target_.Write(LR"(out\x.tsa\mine.tst)", "TST 4x4x24\n");
         lines = 0;
         monitor_.onLine = [&](const std::wstring&) {
-            if (++lines == line) CopyFiles(Target(), atDeath);
+            if (++lines != line) return;
+            for (const auto& [name, content] : FilesBelow(Target())) {
+                std::filesystem::create_directories(FolderOf(atDeath + name));
+                EXPECT_TRUE(CopyFileW((Target() + name).c_str(), (atDeath + name).c_str(), TRUE));
+            }
         };
-        EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+        EXPECT_TRUE(RunOverAll());
         monitor_.onLine = nullptr;
-        std::filesystem::remove_all(Target());
-        CopyFiles(atDeath, Target());
-        std::filesystem::remove_all(atDeath);
         for (const wchar_t* const name : {L"m.tst", L"t.xyz"}) {
-            const std::filesystem::path copy = Target() + L"x.tsa\\" + name;
+            const std::filesystem::path copy = atDeath + L"x.tsa\\" + name;
             if (std::filesystem::exists(copy)) std::filesystem::resize_file(copy, 1);
         }
-        EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
-        EXPECT_EQ(FilesBelow(Target()), all) << line;
+        EXPECT_TRUE(RunOverAll(false, atDeath));
+        EXPECT_EQ(FilesBelow(atDeath), all) << line;
     }
 }
 
@@ -192,7 +200,7 @@ TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
         target_.Write(L"out\\a.bmp", "mine");
         settings_.onConflict = row.policy;
         monitor_.answer = row.answer;
-        EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+        EXPECT_TRUE(RunOverAll());
         EXPECT_EQ(Converted(), row.names);
         EXPECT_EQ(ContentOf(target) == "mine", row.stays) << row.policy;
         const FileReport& report = monitor_.reports.back();
@@ -212,15 +220,15 @@ TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
     source_.Write(L"a.bmp", ForeignBitmap(5));
     settings_.onConflict = kConflictAsk;
     monitor_.answer = ConflictAnswer::kReplace;
-    EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), true));
+    EXPECT_TRUE(RunOverAll(true, source_.Path()));
     EXPECT_EQ(ContentOf(source_.Path() + L"a (2).bmp").size(), BitmapFileOf(4, 4, 0).size());
     // The engine's plain rule: whoever comes last stays.
     settings_.onConflict = kConflictOverwrite;
     std::filesystem::remove_all(Target());
-    EXPECT_TRUE(RunOver(source_.Path(), Target(), true));
+    EXPECT_TRUE(RunOverAll(true));
     EXPECT_EQ(Converted(), L"a (2).bmp a.bmp ");
     // A source that was overwritten before its turn is no success.
-    EXPECT_TRUE(RunOver(source_.Path(), source_.Path(), true));
+    EXPECT_TRUE(RunOverAll(true, source_.Path()));
     EXPECT_EQ(CountOf(&FileReport::reason, FileReason::kOverwritten), 1);
     EXPECT_EQ(CountOf(&FileReport::outcome, FileOutcome::kFailed), 1);
 }
@@ -236,7 +244,7 @@ TEST_F(ConflictTest, OtherNamesAreFreeOnes) {
     source_.Write(longName + L".bmp", ForeignBitmap(5));
     source_.Write(longName + L".tst", "TST 4x4x24\n");
     for (int run = 0; run < 2; ++run) {
-        EXPECT_TRUE(RunOver(source_.Path(), Target(), run == 1));
+        EXPECT_TRUE(RunOverAll(run == 1));
         EXPECT_EQ(Converted(), L"a (2).bmp a (3).bmp a.bmp b (2).bmp " + longName.substr(0, 247) +
                                    L" (2).bmp " + longName + L".bmp ");
         EXPECT_EQ(ContentOf(mine), "mine");
@@ -246,15 +254,9 @@ TEST_F(ConflictTest, OtherNamesAreFreeOnes) {
     for (const wchar_t* const name : {L"a.bmp", L"a (3).bmp"})
         target_.Write(std::wstring(L"out\\") + name, "made with other settings");
     const Files before = FilesBelow(Target());
-    EXPECT_TRUE(RunOver(source_.Path(), Target(), false));
+    EXPECT_TRUE(RunOverAll());
     EXPECT_EQ(NamesOf(FilesBelow(Target())), NamesOf(before));
     EXPECT_EQ(CountOf(&FileReport::reason, FileReason::kTargetExists), 3);
-    // Members of one name are told as renamed.
-    source_.Write(L"x.tsa", ArchiveOf({{"m.tst", "TST 4x4x24\n"}, {"M.tst", "TST 5x4x24\n"}}));
-    monitor_.files = {source_.Path() + L"x.tsa"};
-    monitor_.reports.clear();
-    EXPECT_TRUE(Run());
-    EXPECT_EQ(CountOf(&FileReport::isRenamed, true), 1);
 }
 
 TEST_F(ConflictTest, TheSameFileByAnotherPathIsTheSame) {

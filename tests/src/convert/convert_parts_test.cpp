@@ -1,6 +1,4 @@
 // The engine's small parts: filters, masks, files.
-#include <gtest/gtest.h>
-
 #include "convert/decode_filter.h"
 #include "convert/delete_files.h"
 #include "convert/make_folder.h"

@@ -33,7 +33,7 @@ class FakeMonitor : public ConvertMonitor {
         lines.push_back(line);
         if (onLine) onLine(line);
     }
-    void Breathe() override { ++breaths; }
+    void Breathe() override {}
     bool SetProgressBar(int32_t totalPosition, int32_t totalMaximum, int32_t filePosition,
                         int32_t fileMaximum) override {
         if (totalMaximum < 0) {
@@ -57,7 +57,6 @@ class FakeMonitor : public ConvertMonitor {
     std::vector<std::wstring> files;
     std::vector<std::wstring> lines;
     std::function<void(const std::wstring&)> onLine;
-    int breaths = 0;
     std::wstring steps;  // what SetProgressBar was told about the whole run
     int stepsLeft = -1;  // from the step on that brings this to 0 a stop is asked for
     std::vector<int32_t> percents;
