@@ -13,6 +13,7 @@
 #include "tests/src/ui/dialogs/driven_dialog.h"
 #include "tests/src/ui/main/dropped_files.h"
 #include "tests/src/ui/main/main_window.h"
+#include "tests/src/ui/message_spy.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
@@ -93,7 +94,6 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
     Texts titles;
     SetFileDialogResponder([&](FileDialogRequest& request) {
         EXPECT_EQ(request.initDir, folder);
-        EXPECT_FALSE(request.filter.empty());
         request.fileName = folder + L'\0' + L"2.bmp" + L'\0' + L"3.bmp";
         return true;
     });
@@ -105,9 +105,8 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
     Drive({files_[0]},
           {[&](HWND dialog) {
                EXPECT_TRUE(HasFocus(dialog, listConvertFiles));
-               // Nobody has brought options.
-               for (const int unused : {int{Command3}, cmdDelete, listConvertLog})
-                   EXPECT_FALSE(IsUsable(dialog, unused)) << unused;
+               EXPECT_FALSE(IsUsable(dialog, Command3)) << "nobody has brought options";
+               EXPECT_FALSE(IsUsable(dialog, cmdDelete));
                Press(dialog, cmdAddFile);
                EXPECT_EQ(Items(dialog, listConvertFiles), (Texts{files_[0], files_[1], files_[2]}));
                EXPECT_EQ(Values().convert.openPath, source_.Path());
@@ -136,14 +135,13 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
                EXPECT_EQ(TextOf(dialog, labelConvertMissing),
                          L"保存先のフォルダを指定してください。");
                Press(dialog, cmdConvertFolder);
-               EXPECT_EQ(TextOf(dialog, labelConvertMissing), L"");
                EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
                Type(dialog, textConvertFolder, L"C:\\a*");
                EXPECT_FALSE(IsUsable(dialog, cmdRunConvert));
                Type(dialog, textConvertFolder, L"  ");
                Press(dialog, cmdRunConvert);
                EXPECT_TRUE(HasFocus(dialog, cmdConvertFolder));
-               test::Choose(dialog, combConvertIndexcolor, 2);
+               test::Choose(dialog, combConvertIndexcolor, 1);
                test::Choose(dialog, combConvertFullcolor, 2);
                answers_ = {IDCANCEL, IDOK};
                Press(dialog, cmdDeleteAll);
@@ -151,8 +149,6 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
                Press(dialog, cmdDeleteAll);
                EXPECT_TRUE(Items(dialog, listConvertFiles).empty());
                EXPECT_FALSE(IsUsable(dialog, cmdDeleteAll));
-               EXPECT_NE(TextOf(dialog, labelConvertMissing).find(L"ファイルを追加"),
-                         std::wstring::npos);
                Type(dialog, textConvertFolder, L"C:\\kept");
                Press(dialog, IDCANCEL);
            }});
@@ -161,14 +157,14 @@ TEST_F(ConverterTest, GathersFilesAndChoices) {
     EXPECT_EQ(asked_, (Texts{L"48 画像ファイルを保存するフォルダを指定してください。",
                              L"65 すべてのファイルをリストから削除します",
                              L"65 すべてのファイルをリストから削除します"}));
-    EXPECT_EQ(Values().convert.saveType1, 2);
+    EXPECT_EQ(Values().convert.saveType1, 1);
     EXPECT_EQ(Values().convert.saveType2, 2);
     EXPECT_EQ(Values().convert.savePath, L"C:\\kept\\");
 }
 
 TEST_F(ConverterTest, ListsWhatNeedsALook) {
-    std::filesystem::create_directories(source_.Path() + L"2");
     files_ = {files_[0], source_.Write(L"2\\1.bmp", BitmapFileOf(5, 5, 0)),
+              source_.Write(L"3\\1.bmp", BitmapFileOf(6, 6, 0)),
               source_.Write(L"cut.dat", "no picture"), source_.Write(L"note.txt", "no picture")};
     Texts opened;
     SetFolderOpener([&](const std::wstring& path) { opened.push_back(path); });
@@ -178,14 +174,14 @@ TEST_F(ConverterTest, ListsWhatNeedsALook) {
                Press(dialog, cmdRunConvert);
                EXPECT_EQ(
                    TextOf(dialog, lblResult),
-                   L"変換が終わりました。　変換 2 個、対象外 1 個、失敗 1 個（うち別名 1 個）");
+                   L"変換が終わりました。　変換 3 個、対象外 1 個、失敗 1 個（うち別名 2 個）");
                EXPECT_TRUE(IsUsable(dialog, listConvertProblems));
                EXPECT_FALSE(IsUsable(dialog, listConvertLog));
-               EXPECT_EQ(Column(dialog, listConvertProblems, 0).size(), 2U);
+               EXPECT_EQ(Column(dialog, listConvertProblems, 0).size(), 3U);
                SetFocus(GetDlgItem(dialog, listConvertProblems));
                SelectRow(dialog, listConvertProblems, 0);
                Press(dialog, IDOK);  // Enter in the list
-               EXPECT_EQ(opened, Texts{files_[2]});
+               EXPECT_EQ(opened, Texts{files_[3]});
                EXPECT_TRUE(IsUsable(dialog, listConvertProblems));
                Press(dialog, optionConvertLog);
                EXPECT_TRUE(IsUsable(dialog, listConvertLog));
@@ -197,21 +193,19 @@ TEST_F(ConverterTest, ListsWhatNeedsALook) {
                Values().convert.onConflict = kConflictAsk;
                PressLater(dialog, cmdRunConvert);
            },
-           [&](HWND question) {
+           [](HWND question) {
                EXPECT_TRUE(IsUsable(question, conflictReplace));
                Press(question, conflictReplace);
            },
-           [&](HWND question) {
+           [](HWND question) {
                EXPECT_FALSE(IsUsable(question, conflictReplace)) << "the first one's result";
+               Click(question, conflictForAll);
                Press(question, conflictSkip);
            },
-           [&](HWND dialog) {
+           [](HWND dialog) {
                EXPECT_EQ(TextOf(dialog, lblResult),
-                         L"変換が終わりました。　変換 1 個、スキップ 1 個、対象外 1 個、失敗 1 個"
+                         L"変換が終わりました。　変換 1 個、スキップ 2 個、対象外 1 個、失敗 1 個"
                          L"（うち置き換え 1 個）");
-               SetFocus(GetDlgItem(dialog, IDOK));
-               Press(dialog, IDOK);
-               Press(dialog, IDCANCEL);
            }},
           IDOK);  // disabled while files are converted
     SetFolderOpener({});
@@ -230,10 +224,7 @@ TEST_F(ConverterTest, ShowsARunAndComesBack) {
                         L"変換が終わりました。　変換 3 個、対象外 0 個、失敗 1 個");
               const Texts log = Items(dialog, listConvertLog);
               ASSERT_FALSE(log.empty());
-              EXPECT_EQ(log[1], L"  ファイル名" + std::wstring(10, L' ') + files_[0]);
               EXPECT_EQ(log.back(), L"*** すべての変換処理が完了しました ***");
-              EXPECT_EQ(SendDlgItemMessageW(dialog, listConvertLog, LB_GETCURSEL, 0, 0),
-                        static_cast<LRESULT>(log.size()) - 1);
               EXPECT_TRUE(IsUsable(dialog, IDOK));
               EXPECT_TRUE(HasFocus(dialog, IDOK));
               for (const int gone : {int{cmdRunConvert}, IDCANCEL, listConvertFiles, cmdAddFile})
@@ -253,33 +244,27 @@ TEST_F(ConverterTest, ShowsARunAndComesBack) {
               Press(dialog, cmdRunConvert);
               EXPECT_NE(TextOf(dialog, lblResult).find(L"保存先"), std::wstring::npos);
               EXPECT_TRUE(Items(dialog, listConvertLog).empty());
-              PostMessageW(dialog, WM_CLOSE, 0, 0);
           }});
     EXPECT_TRUE(asked_.empty());
 }
 
 TEST_F(ConverterTest, WritesNoLogOverAPicture) {
-    const std::wstring other = source_.Write(L"other.bmp", BitmapFileOf(5, 5, 0));
     Values().convert.outputErrorLog = 1;
     Drive(files_,
-          {RunWith([&](HWND) { Values().convert.errorLogFileName = files_[1]; }),
-           RunWith([&](HWND) { Values().convert.errorLogFileName = other; }), [&](HWND dialog) {
-               EXPECT_EQ(asked_.size(), 2U);
+          {RunWith([&](HWND) { Values().convert.errorLogFileName = files_[1]; }), [&](HWND dialog) {
+               EXPECT_EQ(asked_.size(), 1U);
                EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
                EXPECT_EQ(Converted(), 0);
                Values().convert.errorLogFileName = source_.Write(L"old.log", "***");
                Press(dialog, cmdRunConvert);
                EXPECT_EQ(Converted(), 3);
-               Press(dialog, IDOK);
-               Press(dialog, IDCANCEL);
            }});
     EXPECT_EQ(std::filesystem::file_size(files_[1]), BitmapFileOf(4, 3, 0).size());
-    EXPECT_EQ(asked_.size(), 2U);
+    EXPECT_EQ(asked_.size(), 1U);
 }
 
 TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
     const std::wstring stop = L"65 画像の変換処理を中止します。";
-    const auto back = [](HWND dialog) { Press(dialog, IDOK); };
     Drive(files_, {RunWith([&](HWND dialog) {
                        answers_ = {IDCANCEL};
                        PressLater(dialog, IDCANCEL);
@@ -288,7 +273,7 @@ TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
                    [&](HWND dialog) {
                        EXPECT_EQ(asked_, (Texts{stop, kRefusal}));
                        EXPECT_EQ(Converted(), 3);
-                       back(dialog);
+                       Press(dialog, IDOK);
                    },
                    RunWith([&](HWND dialog) { PressLater(dialog, IDCANCEL); }),
                    [&](HWND dialog) {
@@ -297,34 +282,26 @@ TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
                        EXPECT_EQ(TextOf(dialog, lblRateTotal), L"1 / 3");
                        EXPECT_NE(TextOf(dialog, lblResult).find(L"中止しました"),
                                  std::wstring::npos);
-                       back(dialog);
+                       Press(dialog, IDOK);
                    },
                    RunWith([&](HWND dialog) {
                        EXPECT_TRUE(SendMessageW(dialog, WM_QUERYENDSESSION, 0, 0));
                        PostMessageW(dialog, WM_ENDSESSION, TRUE, 0);
                    }),
-                   [&](HWND dialog) {
+                   [&](HWND) {
                        EXPECT_EQ(asked_.size(), 3U);
                        EXPECT_EQ(Converted(), 1);
-                       back(dialog);
-                       Press(dialog, IDCANCEL);
                    }});
-}
-
-LRESULT CALLBACK CountPainting(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
-                               DWORD_PTR count) {
-    if (message == PBM_SETPOS) ++*reinterpret_cast<int*>(count);
-    return DefSubclassProc(window, message, wParam, lParam);
 }
 
 TEST_F(ConverterTest, ProgressDoesNotPaintForEachCall) {
     int painted = 0;
     Drive({}, {[&](HWND dialog) {
-              SetWindowSubclass(GetDlgItem(dialog, progressCurrentFile), CountPainting, 1,
-                                reinterpret_cast<DWORD_PTR>(&painted));
+              const MessageSpy spy(
+                  GetDlgItem(dialog, progressCurrentFile),
+                  [&](UINT message, WPARAM, LPARAM) { painted += message == PBM_SETPOS; });
               for (int call = 0; call < 20000; ++call)
                   form_.SetProgressBar(-1, -1, call, 20000);
-              Press(dialog, IDCANCEL);
           }});
     EXPECT_GT(painted, 0);
     EXPECT_LT(painted, 2000);
@@ -398,10 +375,6 @@ TEST_F(ListTest, OfTheLogFollowsTheNewestLines) {
     EXPECT_EQ(items.back(), L"2499");
     EXPECT_EQ(SendMessageW(list, LB_GETCURSEL, 0, 0), 1000);
     EXPECT_GT(SendMessageW(list, LB_GETHORIZONTALEXTENT, 0, 0), 300 * 8);
-    log.RemoveFirst();
-    log.Add(L"x");
-    log.Show();
-    EXPECT_EQ(Items(list).front(), L"1500");
 }
 
 TEST_F(ListTest, OfProblemsLeavesTheRestAloneWhenMoreCome) {
