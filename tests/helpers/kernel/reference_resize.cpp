@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <numeric>
 
 #include "helpers/dib/unpack_row.h"
 
@@ -23,64 +24,44 @@ double CatmullRom(double x) {
     return a < 2 ? -0.5 * a * a * a + 2.5 * a * a - 4 * a + 2 : 0;
 }
 
-// The weights of the source positions from `first` on; not normalised.
-struct Mix {
-    int32_t first;
-    std::vector<double> weights;
-};
-
-std::vector<Mix> MixesOf(int32_t sourceLength, int32_t targetLength) {
-    const double ratio = static_cast<double>(sourceLength) / targetLength;
+// Resizes rows of `length` pixels of three values each, and makes columns of them.
+template <typename Value>
+std::vector<double> ResizedAndTurned(const std::vector<Value>& in, size_t length, int32_t target) {
+    const size_t rows = in.size() / 3 / length;
+    const double ratio = static_cast<double>(length) / target;
     const double stretch = std::max(ratio, 1.0);
-    std::vector<Mix> mixes;
-    for (int32_t target = 0; target < targetLength; ++target) {
-        const double centre = (target + 0.5) * ratio - 0.5;
-        Mix mix{std::max(0, static_cast<int32_t>(centre - 3 * stretch)), {}};
-        for (int32_t i = mix.first; i < sourceLength && i <= centre + 3 * stretch; ++i) {
-            const double x = (i - centre) / stretch;
-            mix.weights.push_back(ratio > 1 ? Lanczos3(x) : CatmullRom(x));
+    std::vector<double> out;
+    for (int32_t at = 0; at < target; ++at) {
+        const double centre = (at + 0.5) * ratio - 0.5;
+        const auto first = static_cast<size_t>(std::max(0.0, centre - 3 * stretch));
+        std::vector<double> weights;
+        for (size_t i = first; i < length && static_cast<double>(i) <= centre + 3 * stretch; ++i) {
+            const double x = (static_cast<double>(i) - centre) / stretch;
+            weights.push_back(ratio > 1 ? Lanczos3(x) : CatmullRom(x));
         }
-        mixes.push_back(std::move(mix));
-    }
-    return mixes;
-}
-
-// Resizes one line of values that stand `step` apart.
-void ResizeLine(const double* in, const std::vector<Mix>& mixes, size_t step, double* out) {
-    for (const Mix& mix : mixes) {
-        double sum = 0;
-        double total = 0;
-        const double* value = in + static_cast<size_t>(mix.first) * step;
-        for (const double weight : mix.weights) {
-            sum += weight * *value;
-            total += weight;
-            value += step;
+        const double total = std::accumulate(weights.begin(), weights.end(), 0.0);
+        for (size_t value = 0; value < rows * 3; ++value) {
+            double sum = 0;
+            for (size_t i = 0; i < weights.size(); ++i)
+                sum += weights[i] * in[(value / 3 * length + first + i) * 3 + value % 3];
+            out.push_back(sum / total);
         }
-        *out = sum / total;
-        out += step;
     }
+    return out;
 }
 
 }  // namespace
 
 std::vector<double> ReferenceResize(const dib::DibView& source, int32_t width, int32_t height) {
-    const std::vector<Mix> across = MixesOf(source.Width(), width);
-    const std::vector<Mix> down = MixesOf(source.Height(), height);
-    const size_t targetRow = static_cast<size_t>(width) * 3;
     const dib::RowReader reader(source);
-    std::vector<uint8_t> bytes(static_cast<size_t>(source.Width()) * 3);
-    std::vector<double> narrowed(targetRow * static_cast<size_t>(source.Height()));
-    for (int32_t y = 0; y < source.Height(); ++y) {
-        reader.Row(source.Row(y), bytes);
-        const std::vector<double> row(bytes.begin(), bytes.end());
-        double* out = &narrowed[static_cast<size_t>(y) * targetRow];
-        for (size_t channel = 0; channel < 3; ++channel)
-            ResizeLine(&row[channel], across, 3, out + channel);
+    const auto length = static_cast<size_t>(source.Width());
+    const auto rows = static_cast<size_t>(source.Height());
+    std::vector<uint8_t> pixels(length * 3 * rows);
+    for (size_t y = 0; y < rows; ++y) {
+        reader.Row(source.Row(static_cast<int32_t>(y)),
+                   std::span(pixels).subspan(y * length * 3, length * 3));
     }
-    std::vector<double> result(targetRow * static_cast<size_t>(height));
-    for (size_t column = 0; column < targetRow; ++column)
-        ResizeLine(&narrowed[column], down, targetRow, &result[column]);
-    return result;
+    return ResizedAndTurned(ResizedAndTurned(pixels, length, width), rows, height);
 }
 
 double WorstDeviation(const dib::DibView& source, int32_t width, int32_t height,
