@@ -7,7 +7,7 @@
 
 namespace tessary::dib::test {
 
-using Palette = std::vector<PaletteEntry>;
+using Palette = std::vector<uint32_t>;  // as TestBitmap has its colours
 
 inline constexpr PixelFormat kAllFormats[] = {
     PixelFormat::kIndexed1, PixelFormat::kIndexed4, PixelFormat::kIndexed8, PixelFormat::kRgb555,
@@ -17,10 +17,8 @@ inline constexpr PixelFormat kAllFormats[] = {
 inline Palette Colors(PixelFormat format, size_t most = 256) {
     const size_t bits = BitsPerPixel(format);
     Palette palette(bits > 8 ? 0 : std::min(most, size_t{1} << bits));
-    for (size_t i = 0; i < palette.size(); ++i) {
-        palette[i] = {static_cast<uint8_t>(i), static_cast<uint8_t>(i * 3),
-                      static_cast<uint8_t>(i + 100), 0x5A};
-    }
+    for (uint32_t i = 0; i < palette.size(); ++i)
+        palette[i] = 0x5A000000 | (i + 100) % 256 << 16 | i * 3 % 256 << 8 | i;
     return palette;
 }
 
@@ -29,18 +27,15 @@ struct SamplePicture {
     SamplePicture(PixelFormat format, int32_t width, int32_t height, const Palette& palette,
                   uint32_t seed = 1) {
         const uint16_t depth = BitsPerPixel(format);
-        const bool is565 = format == PixelFormat::kRgb565;
-        const bool hasAlpha = format == PixelFormat::kBgra32;
-        const auto colors = static_cast<uint32_t>(palette.size());
-        const uint32_t compression = is565 ? 3 : hasAlpha ? 6 : 0;
-        const BitmapInfoHeader header{40, width, height, 1,      depth, compression,
-                                      0,  11811, 5906,   colors, 7};
-        TestBitmap::Append(info, &header, sizeof(header));
-        if (is565) TestBitmap::Append(info, kMasks565, sizeof(kMasks565));
-        if (hasAlpha) TestBitmap::Append(info, kMasksAlpha, 16);
-        TestBitmap::Append(info, palette.data(), palette.size() * 4);
-        info.shrink_to_fit();
-
+        TestBitmap bitmap{width, height, depth, {}, palette};
+        if (format == PixelFormat::kRgb565) {
+            bitmap.compression = 3;
+            bitmap.masks.assign(kMasks565, kMasks565 + 3);
+        } else if (format == PixelFormat::kBgra32) {
+            bitmap.compression = 6;
+            bitmap.masks.assign(kMasksAlpha, kMasksAlpha + 4);
+        }
+        info = bitmap.Info();
         const uint64_t stride = RowStride(static_cast<uint64_t>(width), depth);
         bits = Bytes(static_cast<size_t>(stride) * static_cast<size_t>(std::abs(height)));
         std::minstd_rand random(seed);

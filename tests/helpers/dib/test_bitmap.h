@@ -30,7 +30,7 @@ struct TestBitmap {
     Bytes Info() const {
         const uint32_t used = colorsUsed.value_or(static_cast<uint32_t>(colors.size()));
         const BitmapInfoHeader header{headerSize, width, height, planes, bitCount, compression,
-                                      0,          2835,  2835,   used,   0};
+                                      0,          11811, 5906,   used,   7};
         Bytes info;
         Append(info, &header, sizeof(header));
         Append(info, masks.data(), masks.size() * 4);

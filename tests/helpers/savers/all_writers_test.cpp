@@ -16,23 +16,19 @@ using Writer =
 // Those that tell their progress, and with `all` the others too.
 std::vector<Writer> Writers(bool all) {
     std::vector<Writer> writers;
-    for (const PngSaveOptions options : {PngSaveOptions{0, 0}, {6, 0}, {6, 1}}) {
-        writers.push_back([=](auto& picture, auto& sink, auto& progress) {
-            return dcpng::WritePng(picture, options, sink, progress);
-        });
-    }
-    for (const JpegSaveOptions options : {JpegSaveOptions{100, 0, 0}, {100, 0, 1}, {100, 1, 0}}) {
-        writers.push_back([=](auto& picture, auto& sink, auto& progress) {
-            return dcjpeg::WriteJpeg(picture, options, sink, progress);
-        });
-    }
-    for (const BmpSaveOptions options : {BmpSaveOptions{0, 0}, {0, 1}, {1, 0}}) {
-        if (all) {
-            writers.push_back([=](auto& picture, auto& sink, auto&) {
-                return convertdib::WriteBitmap(picture, options, sink);
-            });
-        }
-    }
+    const auto add = [&](auto write, auto... options) {
+        (writers.push_back([=](auto& picture, auto& sink, auto& progress) {
+            return write(picture, options, sink, progress);
+        }),
+         ...);
+    };
+    add(dcpng::WritePng, PngSaveOptions{0, 0}, PngSaveOptions{6, 0}, PngSaveOptions{6, 1});
+    add(dcjpeg::WriteJpeg, JpegSaveOptions{100, 0, 0}, JpegSaveOptions{100, 0, 1},
+        JpegSaveOptions{100, 1, 0});
+    const auto writeBitmap = [](auto& picture, auto& options, auto& sink, auto&) {
+        return convertdib::WriteBitmap(picture, options, sink);
+    };
+    if (all) add(writeBitmap, BmpSaveOptions{0, 0}, BmpSaveOptions{0, 1}, BmpSaveOptions{1, 0});
     return writers;
 }
 

@@ -70,7 +70,7 @@ TEST(PngWriter, KeepsTheFormOfThePixels) {
         return FormOf(Saved({format, 400, 200, palette}));
     };
     Palette oddGreys = Greys(PixelFormat::kIndexed4);
-    oddGreys[3] = {100, 100, 100, 0};
+    oddGreys[3] = 0x646464;
     for (const PixelFormat format : kAllFormats) {
         const size_t bits = dib::BitsPerPixel(format);
         const bool hasTable = bits <= 8;

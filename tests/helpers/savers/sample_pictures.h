@@ -20,10 +20,8 @@ using dib::test::SamplePicture;
 // All levels of grey that the depth can hold, the brightest first.
 inline Palette Greys(PixelFormat format) {
     Palette palette = Colors(format);
-    for (size_t i = 0; i < palette.size(); ++i) {
-        const auto level = static_cast<uint8_t>(255 - i * 255 / (palette.size() - 1));
-        palette[i] = {level, level, level, 0};
-    }
+    for (size_t i = 0; i < palette.size(); ++i)
+        palette[i] = static_cast<uint32_t>(255 - i * 255 / (palette.size() - 1)) * 0x10101;
     return palette;
 }
 
