@@ -126,15 +126,9 @@ TEST_P(BundledPlugin, AnswersFailuresWithTheirCodeAndNoBlocks) {
     EXPECT_TRUE(DeleteFileA(junk.c_str()));  // nothing keeps the file open
     EXPECT_EQ(HandedPicture(plugin, Cut(picture, 30)).result, susie::kBrokenData);
 
-    int calls = 0;
-    const susie::ProgressCallback stop = [](int, int, LONG_PTR counter) WINAPI {
-        ++*reinterpret_cast<int*>(counter);
-        return 1;
-    };
-    const HandedPicture stopped(plugin, picture.data(), picture.size(), susie::kSourceMemory, stop,
-                                reinterpret_cast<LONG_PTR>(&calls));
+    const auto stop = [](int, int, LONG_PTR) WINAPI { return 1; };
+    const HandedPicture stopped(plugin, picture.data(), picture.size(), susie::kSourceMemory, stop);
     EXPECT_EQ(stopped.result, susie::kAborted);
-    EXPECT_EQ(calls, 1);
     EXPECT_EQ(plugin.getPreview(nullptr, 0, 0, nullptr, nullptr, nullptr, 0),
               susie::kNotImplemented);
     EXPECT_EQ(plugin.getPicture(nullptr, 0, 0, nullptr, nullptr, nullptr, 0),

@@ -47,9 +47,9 @@ struct LoadedArchivePlugin : LoadedModule {
 class HandedPicture {
   public:
     HandedPicture(const LoadedPlugin& plugin, const void* source, size_t length, uint32_t flag,
-                  susie::ProgressCallback progress = nullptr, LONG_PTR userData = 0)
+                  susie::ProgressCallback progress = nullptr)
         : result(plugin.getPicture(static_cast<const char*>(source), static_cast<LONG_PTR>(length),
-                                   flag, &info, &bits, progress, userData)) {}
+                                   flag, &info, &bits, progress, 0)) {}
     HandedPicture(const LoadedPlugin& plugin, const Bytes& file)
         : HandedPicture(plugin, file.data(), file.size(), susie::kSourceMemory) {}
     ~HandedPicture() {

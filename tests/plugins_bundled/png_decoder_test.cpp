@@ -170,7 +170,7 @@ TEST_P(PngDecoder, ShowsWhatADamagedFileHolds) {
     }
 }
 
-TEST_P(PngDecoder, RefusesDamagedAndForgedFiles) {
+TEST_P(PngDecoder, RefusesWhatItCannotShowAndStopsWhenTold) {
     const Bytes good = Png("color8");
     const std::pair<size_t, Result> damage[] = {
         {2, Result::kUnknownFormat},                    // signature
@@ -190,7 +190,12 @@ TEST_P(PngDecoder, RefusesDamagedAndForgedFiles) {
     EXPECT_EQ(decoded.result, Result::kOutOfMemory);
     EXPECT_FALSE(decoded.target.View());
 
-    FailingSource source(good, 200);
+    const Bytes large = Png("color8-large");
+    int calls = 0;
+    const Decoded stopped(decoder_, large, Progress([&](int, int) { return ++calls < 2; }));
+    EXPECT_EQ(stopped.result, Result::kAborted);
+    EXPECT_EQ(calls, 2);
+    FailingSource source(large, 200);
     MemoryTarget target;
     Progress nobody;
     EXPECT_EQ(decoder_.Decode(source, target, nobody), Result::kReadError);
