@@ -19,12 +19,13 @@ class CollectionTest : public test::PluginTest {
         CheckFileDate(path);
         for (int i = 0; i < failures; ++i)
             IncrementErrorCount(path, L"GetPicture");
+        if (script == "replaced") Touch(path);
         collection_.AddSPI(path);
     }
     int Asked(const std::wstring& name) { return Calls(folder_.Path() + name, "IsSupported"); }
     // The place of the member that a search finds for a new file, from 1.
-    int32_t Find(const wchar_t* name, std::string_view content) {
-        return collection_.FileSupported(folder_.Write(name, content));
+    int32_t Found(const std::wstring& name, std::string_view content = "text", int32_t first = 1) {
+        return collection_.FileSupported(folder_.Write(name, content), first);
     }
     CollectionSusie collection_;
 };
@@ -34,18 +35,11 @@ TEST_F(CollectionTest, ReliablePluginsComeFirst) {
     Add(L"a.spi", "", 3);
     Add(L"c.spi");
     Add(L"d.spi", "", 2);
-    Add(L"e.spi");
+    Add(L"e.spi", "replaced", 3);  // a new file has no past
     std::wstring order;
     for (const auto& member : collection_.NewEnum())
         order += FileNameOf(member->DllName()) + L' ';
     EXPECT_EQ(order, L"e.spi c.spi d.spi b.spi a.spi ");
-
-    collection_.RemoveAll();
-    for (const auto* keptLoaded : {L"a.spi", L"b.spi", L"d.spi"})
-        FreeLibrary(GetModuleHandleW((folder_.Path() + keptLoaded).c_str()));
-    Touch(folder_.Path() + L"a.spi");
-    collection_.AddSPI(folder_.Path() + L"a.spi");
-    EXPECT_EQ(collection_.Item(1).ErrorCount({}), 0);  // a new file has no past
 }
 
 TEST_F(CollectionTest, ScansAFolderOnceForEachFile) {
@@ -69,69 +63,65 @@ TEST_F(CollectionTest, ScansAFolderOnceForEachFile) {
 }
 
 TEST_F(CollectionTest, MoreThanFiftyPluginsAreNotKeptLoaded) {
-    for (int i = 0; i < 50; ++i)
-        Plugin(L"minimal.spi", "", std::to_wstring(i) + L".spi");
-    EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 50);
-    EXPECT_FALSE(collection_.DynamicLoad());
-    EXPECT_EQ(collection_.GetInMemorySPICount(), 50);
-    Plugin(L"minimal.spi", "", L"50.spi");
-    collection_.RemoveAll();
-    EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 51);
-    EXPECT_TRUE(collection_.DynamicLoad());
-    EXPECT_EQ(collection_.GetInMemorySPICount(), 0);
-    EXPECT_EQ(collection_.FileSupported(folder_.Write(L"a.tst", "TST 1x1x24\n")), 1);
+    for (const int count : {50, 51}) {
+        while (static_cast<int>(CollectionSusie::PluginFiles(folder_.Path()).size()) < count)
+            Plugin(L"minimal.spi", "", NewName(L".spi"));
+        collection_.RemoveAll();
+        EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), count);
+        EXPECT_EQ(collection_.GetInMemorySPICount(), count == 50 ? 50 : 0);
+    }
+    EXPECT_EQ(Found(L"a.tst", "TST 1x1x24\n"), 1);
     EXPECT_EQ(collection_.GetInMemorySPICount(), 1);
     collection_.UnloadFile();
     EXPECT_EQ(collection_.GetInMemorySPICount(), 0);
 }
 
-TEST_F(CollectionTest, SearchGoesByHintThenPatternThenEverybody) {
-    Add(L"3.spi", "info:2:*.jpg\n");
-    Add(L"2.spi", "info:2:*.abc\n");
-    Add(L"1.spi", "info:2:*.xyz\naccept-all\n");
-    const std::wstring abc = folder_.Write(L"a.Abc", "TST 1x1x24\n");
-    EXPECT_EQ(collection_.FileSupported(abc), 2);  // by its pattern
-    EXPECT_EQ(collection_.Item(2).GetFile(), abc);
-    const std::wstring dat = folder_.Write(L"a.dat", "TST 1x1x24\n");
-    EXPECT_EQ(collection_.FileSupported(dat), 2);  // accepted last
-    EXPECT_EQ(Asked(L"1.spi"), 0);
-    EXPECT_EQ(collection_.FileSupported(dat, 3), 3);  // the hint is below the start
-    EXPECT_EQ(collection_.FileSupported(dat, 4), 0);
-    collection_.RemoveAll();
-    Add(L"4.spi");
-    Add(L"5.spi", "crash:av:IsSupported\n");
-    EXPECT_EQ(collection_.FileSupported(dat), 2);  // everybody is asked, in turn
-    EXPECT_EQ(Asked(L"5.spi"), 1);
-    Search nobody = collection_.SearchFor(folder_.Write(L"nobody.tst", "text"));
-    EXPECT_EQ(nobody.Next(), nullptr);
-    EXPECT_EQ(Asked(L"5.spi"), 2);  // claimed it by name, and is not asked a second time
-    ASSERT_TRUE(nobody.LastRefusal());
-    EXPECT_TRUE(nobody.LastRefusal()->hasCrashed);
-    EXPECT_EQ(nobody.LastRefusal()->dllName, folder_.Path() + L"5.spi");
-    EXPECT_EQ(collection_.FileSupported(folder_.Path() + L"gone.tst"), 0);
-}
-
-TEST_F(CollectionTest, WhoTakesAnythingTakesNothingFromThoseWhoKnowIt) {
+TEST_F(CollectionTest, SearchGoesByNameThenContentThenEverybody) {
     Add(L"4.spi", "info:2:*.*\naccept-all\n");
     Add(L"3.spi", "info:2:*.abc\n");
     Add(L"2.spi", "info:2:*.jpg\naccept-all\n");
     Add(L"1.spi", "info:2:*.xyz\naccept-all\n");
-    EXPECT_EQ(Find(L"a.xyz", "text"), 1);
-    EXPECT_EQ(Find(L"a.abc", "TST 1x1x24\n"), 3) << "the hint says 1 to everything";
-    EXPECT_EQ(Find(L"a.dat", "text"), 4);
-    EXPECT_EQ(Find(L"b.abc", "TST 1x1x24\n"), 3) << "the hint claims every name";
-    EXPECT_EQ(Find(L"b.dat", "\xFF\xD8\xFF\xE0"), 2) << "by its content";
+    EXPECT_EQ(Found(L"a.xyz"), 1);
+    EXPECT_EQ(Found(L"a.Abc", "TST 1x1x24\n"), 3) << "the hint says 1 to everything";
+    EXPECT_EQ(collection_.Item(3).GetFile(), folder_.Path() + L"a.Abc");
+    EXPECT_EQ(Found(L"a.dat"), 4);
+    EXPECT_EQ(Found(L"b.abc", "TST 1x1x24\n"), 3) << "the hint claims every name";
+    EXPECT_EQ(Found(L"b.dat", "\xFF\xD8\xFF\xE0"), 2) << "by its content";
     for (int i = 0; i < 9; ++i)
-        EXPECT_EQ(Find((std::to_wstring(i) + L".jpg").c_str(), "text"), 2);
+        EXPECT_EQ(Found(std::to_wstring(i) + L".jpg"), 2);
     EXPECT_EQ(Asked(L"2.spi"), 10) << "files of one kind cost one question each";
-    EXPECT_EQ(Asked(L"1.spi"), 1);
-    // Those whose names mislead do, too.
     collection_.Remove(4);
-    EXPECT_EQ(Find(L"c.jpg", "text"), 2);
+    EXPECT_EQ(Found(L"c.jpg"), 2);
+    EXPECT_EQ(Found(L"c.dat", "TST 1x1x24\n"), 2) << "the one that accepted last";
+    EXPECT_EQ(Asked(L"1.spi"), 1);
     Search search = collection_.SearchFor(folder_.Write(L"c.abc", "text"));
-    EXPECT_EQ(search.Next(), &collection_.Item(2));
+    EXPECT_EQ(search.Next(), &collection_.Item(2)) << "the name misleads";
     search.NoteFailure();
-    EXPECT_EQ(Find(L"d.abc", "text"), 1);
+    EXPECT_EQ(Found(L"d.abc"), 1);
+    EXPECT_EQ(Found(L"d.dat", "TST 1x1x24\n", 3), 3) << "the hint is below the start";
+    EXPECT_EQ(Found(L"d.dat", "TST 1x1x24\n", 4), 0);
+    EXPECT_EQ(collection_.FileSupported(folder_.Path() + L"gone.jpg"), 0);
+}
+
+TEST_F(CollectionTest, ACrashInASearchIsToldOfItsFile) {
+    const auto expectTold = [&](const std::wstring& plugin) {
+        Search nobody = collection_.SearchFor(folder_.Write(L"nobody.tst", "text"));
+        EXPECT_EQ(nobody.Next(), nullptr);
+        ASSERT_TRUE(nobody.LastRefusal());
+        EXPECT_TRUE(nobody.LastRefusal()->hasCrashed);
+        EXPECT_EQ(nobody.LastRefusal()->dllName, folder_.Path() + plugin);
+    };
+    Add(L"good.spi");
+    Add(L"bad.spi", "crash:av:IsSupported\n");
+    EXPECT_EQ(Found(L"a.dat", "TST 1x1x24\n"), 2) << "everybody is asked, in turn";
+    EXPECT_EQ(Asked(L"bad.spi"), 1);
+    expectTold(L"bad.spi");
+    EXPECT_EQ(Asked(L"bad.spi"), 2) << "claimed it by name, and is not asked a second time";
+    collection_.SetDynamicLoad(true);  // it is loaded anew
+    collection_.RemoveAll();
+    Add(L"worse.spi");
+    folder_.Write(L"worse.spi.script", "crash:av:DllMain\n");
+    expectTold(L"worse.spi");
 }
 
 TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
@@ -140,7 +130,7 @@ TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
     const OwnedBlock block = Block("TST 1x1x24\n");
     ASSERT_EQ(collection_.FileSupported(file), 1);
     clsSusie& plugin = collection_.Item(1);
-    clsSusie other;
+    clsSusie& other = plugin_;
     other.SetDllName(Plugin(L"minimal.spi"));
     // As the user may do it in a message box that a plug-in shows.
     const auto useTheProgram = [&](int, int) {
@@ -148,9 +138,8 @@ TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
         EXPECT_EQ(collection_.FileSupported(file), 0);
         EXPECT_EQ(collection_.MemorySupported(block.Get(), L"a.tst"), 0);
         EXPECT_FALSE(LoadSPI());
-        tessary::Picture picture;
         const std::function<void()> refused[] = {
-            [&] { plugin.SetDllName(test::TestPluginPath(L"iftst.spi")); },
+            [&] { plugin.SetDllName(other.DllName()); },
             [&] { plugin.SetFile({}); },
             [&] { plugin.SetMemoryHandle(nullptr, {}); },
             [&] { other.SetFile(file); },
@@ -158,7 +147,7 @@ TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
             [&] { other.CheckFile(file); },
             [&] { other.CheckMemory(block.Get(), L"a.tst"); },
             [&] { other.ShowConfigurationDialog(nullptr); },
-            [&] { plugin.DecodePicture(DecodeTarget::kMemory, 0, {}, {}, &picture); },
+            [&] { plugin.DecodePicture(DecodeTarget::kMemory, 0, {}, {}, &picture_); },
         };
         for (const auto& member : refused)
             EXPECT_EQ(Raised(member), kErrorCallUnderWay) << &member - refused;
@@ -173,9 +162,8 @@ TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
         EXPECT_EQ(collection_.Count(), 1);
         return CallIsLogged();
     };
-    tessary::Picture picture;
-    plugin.DecodePicture(DecodeTarget::kMemory, 0, useTheProgram, {}, &picture);
-    EXPECT_TRUE(picture);
+    plugin.DecodePicture(DecodeTarget::kMemory, 0, useTheProgram, {}, &picture_);
+    EXPECT_TRUE(picture_);
     EXPECT_EQ(plugin.GetFile(), file);
     EXPECT_FALSE(PluginCallUnderWay());
 }
@@ -183,13 +171,11 @@ TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
 TEST_F(CollectionTest, AnUnreadableStoreEntryDisablesNoPlugin) {
     const std::wstring path = Plugin(L"iftst.spi");
     const DWORD noText = 1;
-    const auto spoil = [&](const wchar_t* section, const wchar_t* key) {
+    const std::pair<const wchar_t*, const wchar_t*> spoilt[] = {
+        {L"\\SPI_DATETIME", path.c_str()}, {L"\\SPI_RUNS", L"1"}, {L"\\SPI_CALLLOG", L"SPI"}};
+    for (const auto& [section, key] : spoilt)
         RegSetKeyValueW(HKEY_CURRENT_USER, (store_.KeyPath() + section).c_str(), key, REG_DWORD,
                         &noText, sizeof(noText));
-    };
-    spoil(L"\\SPI_DATETIME", path.c_str());
-    spoil(L"\\SPI_RUNS", L"1");
-    spoil(L"\\SPI_CALLLOG", L"SPI");
     EXPECT_EQ(collection_.FScanAllSPI(folder_.Path()), 1);
     EXPECT_EQ(collection_.Item(1).DllName(), path);
 
@@ -205,20 +191,16 @@ TEST_F(CollectionTest, ByExtensionOnlyThoseThatClaimTheFileAreAsked) {
     collection_.SetTryAll(false);
     Add(L"any.spi", "accept-all\ninfo:2:*.xyz\n");
     Add(L"jpeg.spi", "accept-all\ninfo:2:*.jpg\n");
-    EXPECT_EQ(collection_.FileSupported(folder_.Write(L"a.xyz", "text")), 2);
-    // Not even the one that accepted last.
-    EXPECT_EQ(collection_.FileSupported(folder_.Write(L"a.txt", "text")), 0);
+    EXPECT_EQ(Found(L"a.xyz"), 2);
+    EXPECT_EQ(Found(L"a.txt"), 0) << "not even the one that accepted last";
     EXPECT_EQ(Asked(L"any.spi"), 1);
     EXPECT_EQ(Asked(L"jpeg.spi"), 0);
+    EXPECT_EQ(Found(L"a.dat", "\xFF\xD8\xFF\xE0"), 1) << "by its content";
+    EXPECT_TRUE(collection_.Item(1).CheckMode());
     const OwnedBlock block = Block("\xFF\xD8\xFF\xE0");
     EXPECT_EQ(collection_.MemorySupported(block.Get(), L"dir\\a.dat"), 0);
     EXPECT_EQ(collection_.MemorySupported(block.Get(), L"dir\\a.jpg"), 1);
     EXPECT_EQ(collection_.Item(1).GetMemoryHandle(), block.Get());
-    collection_.UnloadFile();
-    EXPECT_EQ(collection_.Item(1).GetMemoryHandle(), nullptr);
-    const std::wstring jpeg = folder_.Write(L"a.dat", "\xFF\xD8\xFF\xE0");
-    EXPECT_EQ(collection_.FileSupported(jpeg), 1);  // by its content
-    EXPECT_TRUE(collection_.Item(1).CheckMode());
 }
 
 TEST_F(CollectionTest, ABlockOutOfAnArchiveDoesNotUnbindIt) {
@@ -231,20 +213,19 @@ TEST_F(CollectionTest, ABlockOutOfAnArchiveDoesNotUnbindIt) {
     clsSusie& archive = collection_.Item(1);
     const OwnedBlock inner = archive.DecodeArchive(1, {});
     EXPECT_EQ(collection_.MemorySupported(inner.Get(), L"b.tsa"), 1);
-    EXPECT_EQ(archive.GetFile(), file);
     EXPECT_EQ(collection_.ArchivePlugin(file), &archive);
     EXPECT_EQ(Calls(archivePlugin, "GetArchiveInfo"), 1);
 
     const OwnedBlock picture = Block("TST 1x1x24\n");
     Search search = collection_.SearchFor(picture.Get(), L"a.tst");
-    EXPECT_EQ(search.Next(), &collection_.Item(2));
-    EXPECT_EQ(search.Next(), &collection_.Item(3));
-    EXPECT_EQ(search.Next(), nullptr);
+    for (clsSusie* const found : {&collection_.Item(2), &collection_.Item(3), {}})
+        EXPECT_EQ(search.Next(), found);
     collection_.UnloadMemory();
     EXPECT_FALSE(collection_.Item(2).IsBound() || collection_.Item(3).IsBound());
     EXPECT_EQ(archive.GetFile(), file);
 
     collection_.UnloadFile();
+    EXPECT_FALSE(archive.IsBound());
     EXPECT_EQ(collection_.ArchivePlugin(file), &archive);  // bound again
     EXPECT_EQ(collection_.ArchivePlugin(folder_.Write(L"a.tst", "TST 1x1x24\n")), nullptr);
 }
@@ -258,32 +239,15 @@ TEST_F(CollectionTest, TheOpenDialogGetsPairs) {
               L"A B(*.BMP;*.JPG;*.JPEG)|*.BMP;*.JPG;*.JPEG|");
 }
 
-TEST_F(CollectionTest, ACrashWhileItIsLoadedAnewIsToldOfTheFile) {
-    CollectionSusie plugins;
-    plugins.SetDynamicLoad(true);
-    plugins.AddSPI(Plugin(L"iftst.spi"));
-    folder_.Write(L"iftst.spi.script", "crash:av:DllMain\n");
-    Search search = plugins.SearchFor(folder_.Write(L"a.tst", "TST 2x2x24\n"));
-    EXPECT_EQ(search.Next(), nullptr);
-    ASSERT_TRUE(search.LastRefusal());
-    EXPECT_TRUE(search.LastRefusal()->hasCrashed);
-    EXPECT_EQ(search.LastRefusal()->dllName, folder_.Path() + L"iftst.spi");
-}
-
 TEST_F(CollectionTest, FilesOfOneNameInTwoFoldersAreTwoPlugins) {
     const std::wstring one = Plugin(L"iftst.spi");
-    const std::wstring other = folder_.Path() + L"a\\iftst.spi";
-    const std::wstring third = folder_.Path() + L"b\\a\\iftst.spi";
-    for (const std::wstring& copy : {other, third}) {
-        std::filesystem::create_directories(FolderOf(copy));
-        std::filesystem::copy_file(one, copy);
-    }
+    std::filesystem::create_directories(folder_.Path() + L"b\\a");
+    std::filesystem::create_directories(folder_.Path() + L"a");
+    const std::wstring other = Plugin(L"iftst.spi", {}, L"a\\iftst.spi");
+    const std::wstring third = Plugin(L"iftst.spi", {}, L"b\\a\\iftst.spi");
     Touch(other);
-    for (const std::wstring& path : {one, other}) {
+    for (const std::wstring& path : {one, other, third})
         collection_.AddSPI(path);
-        EXPECT_EQ(collection_.NameOf(one) == L"iftst.spi", path == one);
-    }
-    collection_.AddSPI(third);
     EXPECT_EQ(collection_.NameOf(third), L"b\\a\\iftst.spi");
     EXPECT_EQ(collection_.NameOf(L"other.spi"), L"other.spi");
     collection_.Item(other)->SpiSEHError(L"GetPicture");

@@ -2,14 +2,13 @@
 #include "app/base/modGetFolder.h"
 #include "plugin/private_folder.h"
 #include "tests/src/plugin/plugin_test.h"
+#include "tests/support/content_of.h"
 
 namespace tessary {
 namespace {
 
 using test::ArchiveOf;
 using test::Raised;
-
-using ArchiveTest = test::BoundTest;
 
 bool PrivateFolderIsLeft() {
     WIN32_FIND_DATAW found;
@@ -18,55 +17,69 @@ bool PrivateFolderIsLeft() {
         UniqueFind(FindFirstFileW((TemporaryFolder() + name).c_str(), &found)));
 }
 
-TEST_F(ArchiveTest, MembersComeOutOfFilesAndBlocksInEveryWayOfAPlugin) {
-    // Of unknown size: to the disk first, until one that knows none has the last word.
-    for (const std::string way :
-         {"zero-fields\nno-disk\n", "zero-fields\ntrusts-size\n", "zero-fields\nno-memory\n", "",
-          "position:offset\n", "extra-byte\n", "no-memory\nno-overwrite\n",
-          "no-memory\nstore-below\n"}) {
-        const std::string expected = way == "extra-byte\n" ? "second\xA5" : "second";
-        BindArchive(way);
-        EXPECT_EQ(plugin_.FileNumber(), 2);
-        EXPECT_EQ(Extracted(2), expected) << way;
-        const OwnedBlock archive = Block(ArchiveOf({{"a", "first"}, {"b", "second"}}, way));
-        plugin_.SetMemoryHandle(archive.Get(), L"x.tsa");
-        EXPECT_EQ(Extracted(2), expected) << way;
+class ArchiveTest : public test::PluginTest {
+  protected:
+    ArchiveTest() { plugin_.SetDllName(Plugin(L"axtsa.spi")); }
+
+    // Extracts a member, out of the file, out of a block and to a file that is there. A failure is
+    // expected as its answer, 0 stands for none.
+    void ExpectExtracted(const std::string& way, const std::string& member,
+                         const std::string& expected, uint32_t inMemory = 0, uint32_t onDisk = 0) {
+        const std::string content = ArchiveOf({{"a", "first"}, {"dir/b", member}}, way);
+        const OwnedBlock block = Block(content);
+        const std::wstring file = folder_.Write(LR"(o\m)", "former");
+        std::string got;
+        const auto extract = [&] { got = Extracted(2); };
+        plugin_.SetMemoryHandle(block.Get(), L"x.tsa");
+        EXPECT_EQ(Failure(extract), inMemory) << way;
+        EXPECT_EQ(got, inMemory == 0 ? expected : "") << way;
+        plugin_.SetFile(folder_.Write(NewName(L".tsa"), content));
+        EXPECT_EQ(Failure(extract), inMemory) << way;
+        EXPECT_EQ(got, inMemory == 0 ? expected : "") << way;
+        EXPECT_EQ(Failure([&] { plugin_.DecodeArchive(2, folder_.Path(), LR"(o\m)", {}); }),
+                  onDisk);
+        EXPECT_EQ(test::ContentOf(file), onDisk == 0 ? member : "former") << way;
+        EXPECT_EQ(plugin_.FileNumber(), 2) << "it is still bound";
         EXPECT_FALSE(PrivateFolderIsLeft()) << way;
     }
+};
+
+TEST_F(ArchiveTest, MembersComeOutInEveryWayOfAPlugin) {
+    ExpectExtracted("no-disk\nextra-zero\n", "", std::string(1, '\0'));
+    // Of unknown size: to the disk first, until one that knows none has the last word.
+    for (const char* way :
+         {"zero-fields\nno-disk\n", "zero-fields\ntrusts-size\n", "zero-fields\nno-memory\n", "",
+          "position:offset\n", "no-memory\nno-overwrite\n", "no-memory\nstore-below\n"})
+        ExpectExtracted(way, "second", "second");
+    ExpectExtracted("extra-byte\n", "second", "second\xA5");
+    const std::pair<const char*, uint32_t> failures[] = {
+        {"crash:av:GetFile\n", 255},
+        {"answer-after:GetFile:6\n", 6},
+        {"answer:GetFile:0\n", susie::kBrokenData},
+        {"no-memory\nno-disk\n", 21},
+        {"no-memory\nanswer-after:GetFile:6\n", 6}};
+    for (const auto& [way, result] : failures)
+        ExpectExtracted(way, "second", "", result, result);
     // Where the disk was seen to work, a failure there is the answer.
-    BindArchive("zero-fields\nanswer-after:GetFile:8\n");
-    const int before = Calls(path_, "GetFile");
-    EXPECT_EQ(ExtractFailure(), 8U);
-    EXPECT_EQ(Calls(path_, "GetFile"), before + 1);
+    const int before = Calls(plugin_.DllName(), "GetFile");
+    ExpectExtracted("zero-fields\nanswer-after:GetFile:8\n", "second", "", 8, 8);
+    EXPECT_EQ(Calls(plugin_.DllName(), "GetFile"), before + 3);
+    // Nothing is no block. Of the last, which extracts to disk, it is not told that it cannot
+    // extract to memory.
+    for (const char* way : {"", "fixed\n", "no-memory\n"}) {
+        ExpectExtracted(way, "", "", susie::kBrokenData);
+        EXPECT_EQ(Failure([&] { Extracted(2); }), static_cast<uint32_t>(susie::kBrokenData));
+        EXPECT_EQ(plugin_.ErrorString(), L"圧縮ファイルの展開に失敗しました") << way;
+    }
 }
 
-TEST_F(ArchiveTest, FailedExtractionsAreToldAndLeaveTheArchiveBound) {
-    const std::pair<const char*, uint32_t> failures[] = {
-        {"crash:av:GetFile\n", 255U},
-        {"answer-after:GetFile:6\n", 6U},
-        {"answer:GetFile:0\n", susie::kBrokenData},
-        {"no-memory\nno-disk\n", 21U},
-        {"no-memory\nanswer-after:GetFile:6\n", 6U},
-    };
-    for (const auto& [directives, result] : failures) {
-        BindArchive(directives);
-        EXPECT_EQ(ExtractFailure(), result) << directives;
-        EXPECT_EQ(plugin_.FileNumber(), 2);
-    }
+TEST_F(ArchiveTest, WhatCannotBeExtractedIsTold) {
     BindArchive({});
-    EXPECT_EQ(ExtractFailure([](int, int) { return false; }), 1U);
+    EXPECT_EQ(Failure([&] { Extracted(2, [](int, int) { return false; }); }), 1U);
     EXPECT_EQ(plugin_.Files(1), L"dir\\a");
     for (const int32_t outside : {0, 3}) {
         EXPECT_EQ(Raised([&] { Extracted(outside); }), kErrorInvalidMemberIndex);
         EXPECT_EQ(Raised([&] { plugin_.Files(outside); }), kErrorInvalidMemberIndex);
-    }
-    // Nothing is no member. Of the last, which extracts to disk, it is not told that it cannot
-    // extract to memory.
-    for (const char* way : {"", "fixed\n", "no-memory\n"}) {
-        plugin_.SetFile(folder_.Write(L"empty.tsa", ArchiveOf({{"a", ""}, {"b", ""}}, way)));
-        EXPECT_EQ(ExtractFailure(), static_cast<uint32_t>(susie::kBrokenData)) << way;
-        EXPECT_EQ(plugin_.ErrorString(), L"圧縮ファイルの展開に失敗しました") << way;
-        BindArchive({});
     }
     // The plug-in itself makes a file name of the member's.
     plugin_.SetFile(
@@ -76,15 +89,13 @@ TEST_F(ArchiveTest, FailedExtractionsAreToldAndLeaveTheArchiveBound) {
 }
 
 TEST_F(ArchiveTest, ListsThatAreNoneOrEmpty) {
-    plugin_.SetDllName(Plugin(L"axtsa.spi"));
     const std::wstring bad = ArchiveFile("answer:GetArchiveInfo:0\n");
     EXPECT_EQ(Raised([&] { plugin_.SetFile(bad); }), kErrorNotSupported);
     EXPECT_EQ(Raised([&] { plugin_.FileNumber(); }), kErrorNothingBound);
     // An empty list is believed only of what the plug-in says it supports.
-    for (const bool supported : {true, false}) {
-        plugin_.SetDllName(Plugin(L"axtsa.spi", supported ? "" : "answer:IsSupported:0\n",
-                                  std::to_wstring(supported) + L".spi"));
-        const uint32_t expected = supported ? 0 : kErrorNotSupported;
+    for (const char* script : {"", "answer:IsSupported:0\n"}) {
+        plugin_.SetDllName(Plugin(L"axtsa.spi", script, NewName(L".spi")));
+        const uint32_t expected = *script == 0 ? 0 : kErrorNotSupported;
         const std::wstring file = folder_.Write(L"empty.tsa", "TSA\n\n");
         EXPECT_EQ(Raised([&] { plugin_.SetFile(file); }), expected);
         const OwnedBlock block = Block("TSA\n\n");
@@ -93,7 +104,6 @@ TEST_F(ArchiveTest, ListsThatAreNoneOrEmpty) {
 }
 
 TEST_F(ArchiveTest, FoldersAreNoFiles) {
-    plugin_.SetDllName(Plugin(L"axtsa.spi"));
     plugin_.SetFile(folder_.Write(L"x.tsa", ArchiveOf({{"DIR/", ""},
                                                        {"dir/sub", ""},
                                                        {"dir/Sub/deep/a.jpg", "a"},
@@ -106,23 +116,19 @@ TEST_F(ArchiveTest, FoldersAreNoFiles) {
 }
 
 TEST(PrivateFolderTest, OnlyThoseOfEndedProcessesAreSweptAway) {
-    // No process has an odd number.
-    const std::wstring abandoned = TemporaryFolder() + L"tessary_4294967293_1";
-    const std::wstring others[] = {TemporaryFolder() + L"tessary_4294967293",
-                                   TemporaryFolder() + L"tessary_4294967293_x",
-                                   TemporaryFolder() + L"tessary_4294967293_1_1"};
-    CreateDirectoryW(abandoned.c_str(), nullptr);
-    CreateDirectoryW((abandoned + L"\\x").c_str(), nullptr);
-    CloseHandle(CreateFileW((abandoned + L"\\x\\a").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                            FILE_ATTRIBUTE_READONLY, nullptr));
-    for (const std::wstring& other : others)
-        CreateDirectoryW(other.c_str(), nullptr);
+    const std::wstring number = L"tessary_4294967293";  // no process has an odd one
+    const std::wstring abandoned = TemporaryFolder() + number + L"_1";
+    std::filesystem::create_directories(abandoned + L"\\x");
+    std::ofstream(std::filesystem::path(abandoned + L"\\x\\a")) << "x";
+    SetFileAttributesW((abandoned + L"\\x\\a").c_str(), FILE_ATTRIBUTE_READONLY);
     const PrivateFolder own;
+    for (const wchar_t* other : {L"", L"_x", L"_1_1"})
+        std::filesystem::create_directories(TemporaryFolder() + number + other);
     RemoveAbandonedFolders();
     EXPECT_FALSE(PathExists(abandoned));
     EXPECT_TRUE(IsFolder(own.Target()));
-    for (const std::wstring& other : others)
-        EXPECT_TRUE(RemoveDirectoryW(other.c_str())) << other;
+    for (const wchar_t* other : {L"", L"_x", L"_1_1"})
+        EXPECT_TRUE(RemoveDirectoryW((TemporaryFolder() + number + other).c_str())) << other;
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // What every connection to a plug-in has to do, whatever the plug-in does.
 #include <algorithm>
-#include <optional>
+#include <set>
 
 #include "app/base/quit.h"
 #include "plugin/susie_calls.h"
@@ -86,9 +86,8 @@ TEST_P(ConnectionTest, DescribesItOutOfEveryKindOfText) {
 
 TEST_P(ConnectionTest, CrashesAreCountedUnderTheKeysOfTheStore) {
     std::string script;
-    for (const char* function :
-         {"GetPluginInfo", "IsSupported", "GetPictureInfo", "GetPicture", "GetPreview",
-          "GetArchiveInfo", "GetFileInfo", "GetFile", "ConfigurationDlg"})
+    for (const char* function : {"GetPluginInfo", "IsSupported", "GetPictureInfo", "GetPicture",
+                                 "GetArchiveInfo", "GetFileInfo", "GetFile", "ConfigurationDlg"})
         script += std::string("crash:av:") + function + "\n";
     PluginConnection& bad = Connected(L"picture_and_archive.spi", script);
     const PluginSource file = Picture();
@@ -176,50 +175,54 @@ TEST_P(ConnectionTest, OnlyPlainPicturesAreHandedOn) {
     EXPECT_FALSE(PluginsAreStopped());
 }
 
+// The handles that the next movable blocks get are others than before when some have leaked.
 TEST_P(ConnectionTest, NothingOfAPluginsBlocksStays) {
+    const auto freeHandles = [] {
+        std::set<HLOCAL> handles;
+        for (int i = 0; i < 8; ++i)
+            handles.insert(LocalAlloc(LMEM_MOVEABLE, 1));
+        std::ranges::for_each(handles, LocalFree);
+        return handles;
+    };
     Connected(L"picture_and_archive.spi");
-    const auto before = FreeHandles();
-    for (const char* kind :
+    const auto before = freeHandles();
+    for (const std::string kind :
          {"", "bits-size:0", "info-size:0\nbits-size:0", "no-bits\ninfo-size:0", "no-info",
           "same-handle", "text:comment", "answer-after:GetPictureInfo:6\ntext:x",
           "answer-after:GetPicture:6", "answer-after:GetPicture:6\nbits-size:0",
           "answer-after:GetPicture:6\nsame-handle", "answer-after:GetPicture:6\nwild-handles",
-          "answer-after:GetPicture:6\nfixed"}) {
+          "answer-after:GetPicture:6\nfixed", "answer-after:GetArchiveInfo:2",
+          "answer-after:GetFile:6", "answer-after:GetArchiveInfo:2\nfixed", "crash:av:GetFile"}) {
         connection_->Measure(Picture(kind));
         Decoded(kind);
-        EXPECT_EQ(FreeHandles(), before) << kind;
-    }
-    for (const char* kind : {"", "answer-after:GetArchiveInfo:2\n", "answer-after:GetFile:6\n",
-                             "answer-after:GetArchiveInfo:2\nfixed\n", "crash:av:GetFile\n"}) {
-        connection_->List(Archive(kind));
-        connection_->Extract(Archive(kind), {}, {}, {});
-        EXPECT_EQ(FreeHandles(), before) << kind;
+        connection_->List(Archive(kind + "\n"));
+        connection_->Extract(Archive(kind + "\n"), {}, {}, {});
+        EXPECT_EQ(freeHandles(), before) << kind;
     }
 }
 
 TEST_P(ConnectionTest, ListsEndAndAreBelievedAsPluginsMeanThem) {
     Connected(L"axtsa.spi");
+    // The names; "-" when there is no list.
+    const auto listed = [&](const PluginSource& archive) {
+        const auto members = connection_->List(archive).members;
+        std::wstring names(members ? 0 : 1, L'-');
+        for (const susie::FileInfo& member : members.value_or(ArchiveMembers()))
+            names += ArchiveMemberName(member) + L'|';
+        return names;
+    };
     const std::string failed = "answer-after:GetArchiveInfo:2\n";
     for (const std::string kind :
          {"", "path-in-name\n", "no-end\n", "tail:427\n", "no-end\ntail:300\n", "dirty-end\n",
           "zero-fields\n", "answer-after:GetArchiveInfo:2\n",
-          "answer-after:GetArchiveInfo:2\nfixed\n"}) {
-        const ListedArchive listed = connection_->List(Archive(kind));
-        ASSERT_TRUE(listed.members && listed.members->size() == 2) << kind;
-        EXPECT_EQ(ArchiveMemberName(listed.members->at(0)), L"dir\\a") << kind;
-        EXPECT_EQ(ArchiveMemberName(listed.members->at(1)), L"ソ") << kind;
-    }
-    const ListedArchive endless = connection_->List(Archive(failed + "unterminated\n"));
-    ASSERT_TRUE(endless.members);
-    EXPECT_EQ(ArchiveMemberName(endless.members->at(0)).size(), 401U);
-    for (const std::string name : {"\x01.jpg", ""}) {
-        for (const char* fixed : {"", "fixed\n"}) {
-            const PluginSource bad = File(test::ArchiveOf({{name, "x"}}, failed + fixed));
-            EXPECT_FALSE(connection_->List(bad).members) << name << fixed;
-        }
-    }
+          "answer-after:GetArchiveInfo:2\nfixed\n"})
+        EXPECT_EQ(listed(Archive(kind)), L"dir\\a|ソ|") << kind;
+    EXPECT_EQ(listed(Archive(failed + "unterminated\n")).find(L'|'), 401U);
+    for (const std::string name : {"\x01.jpg", ""})
+        for (const char* fixed : {"", "fixed\n"})
+            EXPECT_EQ(listed(File(test::ArchiveOf({{name, "x"}}, failed + fixed))), L"-") << name;
     for (const char* bad : {"crash:av:GetArchiveInfo\n", "answer:GetArchiveInfo:0\n"})
-        EXPECT_FALSE(connection_->List(Archive(bad)).members) << bad;
+        EXPECT_EQ(listed(Archive(bad)), L"-") << bad;
 }
 
 TEST_P(ConnectionTest, WhatThePluginTellsBesideItsResultIsChecked) {
@@ -255,8 +258,7 @@ TEST_P(ConnectionTest, WhatThePluginTellsBesideItsResultIsChecked) {
     Connected(L"axtsa.spi");
     const PluginSource torn = Archive("condition:3:volume\nanswer-after:GetFile:2\n");
     EXPECT_EQ(connection_->List(torn).condition.text, L"volume");
-    EXPECT_EQ(connection_->Extract(torn, {}, {}, {}).condition.kind,
-              susie::kConditionVolumeMissing);
+    EXPECT_EQ(connection_->Extract(torn, {}, {}, {}).condition.text, L"volume");
 }
 
 TEST_P(ConnectionTest, ProgressCanStopAndMayThrow) {
@@ -273,19 +275,17 @@ TEST_P(ConnectionTest, ProgressCanStopAndMayThrow) {
 }
 
 TEST_P(ConnectionTest, ARequestToQuitIsNotThePluginsToMake) {
-    const auto isPosted = [](MSG message = {}) {
-        return PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != FALSE;
+    const auto posted = [](MSG message = {}) {
+        return PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) ? message.wParam : 0;
     };
     Connected(L"iftst.spi",
               "dirty:quit:DllMain\ndirty:quit:GetPluginInfo\ndirty:quit:ConfigurationDlg\n");
-    EXPECT_FALSE(isPosted());
+    EXPECT_EQ(posted(), 0U);
     connection_->Describe();
-    EXPECT_FALSE(isPosted());
+    EXPECT_EQ(posted(), 0U);
     RequestQuit(3);
     connection_->Configure(nullptr);  // the program is to end all the same, with its own status
-    MSG message{};
-    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-    EXPECT_EQ(message.wParam, 3U);
+    EXPECT_EQ(posted(), 3U);
     QuitIsDone();
 }
 

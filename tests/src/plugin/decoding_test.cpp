@@ -6,38 +6,33 @@ namespace {
 
 using test::Raised;
 
-using DecodingTest = test::BoundTest;
+using DecodingTest = test::PluginTest;
 
 TEST_F(DecodingTest, FilesAreTriedTwiceAndMemoryOnce) {
-    int before = 0;
-    const auto calls = [&] {  // since it was asked last
-        const int last = std::exchange(before, Calls(path_, "GetPicture"));
-        return before - last;
+    using Tried = std::pair<uint32_t, int>;  // the failure, and how often the plug-in was asked
+    const auto tried = [&](uint32_t flags = 0, const SusieProgress& progress = {}) {
+        const int before = Calls(plugin_.DllName(), "GetPicture");
+        const uint32_t failure = DecodeFailure(flags, progress);
+        return Tried(failure, Calls(plugin_.DllName(), "GetPicture") - before);
     };
     BindPicture("answer-after:GetPicture:6");
-    EXPECT_EQ(DecodeFailure(), 6U);
-    EXPECT_EQ(calls(), 2);
-    EXPECT_EQ(DecodeFailure(kDecodeTryPreview), 6U);
-    EXPECT_EQ(calls(), 4);
+    EXPECT_EQ(tried(), Tried(6, 2));
+    EXPECT_EQ(tried(kDecodeTryPreview), Tried(6, 4));
+    BindPicture("no-bits");
+    EXPECT_EQ(tried(), Tried(susie::kBrokenData, 1));
+    EXPECT_EQ(plugin_.ErrorString(), L"画像の展開に失敗しました");
+    BindPicture("");
+    EXPECT_EQ(tried(0, [](int, int) { return false; }), Tried(1, 1)) << "the user's will";
+    EXPECT_EQ(Decode(kDecodeTryPreview), kPreviewResult);
     const OwnedBlock block = Block("TST 5x3x24\nanswer:GetPicture:6\n");
     plugin_.SetMemoryHandle(block.Get(), L"a.tst");
-    EXPECT_EQ(DecodeFailure(), 6U);
-    EXPECT_EQ(calls(), 1);
-    BindPicture("no-bits");
-    EXPECT_EQ(DecodeFailure(), static_cast<uint32_t>(susie::kBrokenData));
-    EXPECT_EQ(plugin_.ErrorString(), L"画像の展開に失敗しました");
-    EXPECT_EQ(calls(), 1);
-    BindPicture("");
-    EXPECT_EQ(DecodeFailure(0, [](int, int) { return false; }), 1U);
-    EXPECT_EQ(calls(), 1) << "no second try against the user's will";
-    EXPECT_EQ(Decode(kDecodeTryPreview), kPreviewResult);
-    EXPECT_TRUE(picture_);
+    EXPECT_EQ(tried(), Tried(6, 1));
 }
 
 TEST_F(DecodingTest, WhatHasCrashedIsNotDoneAgain) {
+    const auto crashes = [&] { return plugin_.ErrorCount({}); };
     BindPicture("crash:stack-overflow:GetPicture\ncrash:av:GetPictureInfo");
     const std::wstring file = plugin_.GetFile();
-    const auto crashes = [&] { return plugin_.ErrorCount({}); };
     for (const uint32_t flags : {0U, 0U, kDecodeTryPreview}) {
         EXPECT_EQ(DecodeFailure(flags), 255U);
         EXPECT_EQ(plugin_.ErrorString() + plugin_.ErrorFunction(),
@@ -54,44 +49,38 @@ TEST_F(DecodingTest, WhatHasCrashedIsNotDoneAgain) {
     EXPECT_EQ(crashes(), 3) << "another content under the same name";
 
     // What is read from memory, too.
-    for (const char* content :
-         {"TST 5x3x24\ncrash:av:GetPicture\n", "TST 5x3x24\ncrash:av:GetPicture\n",
-          "TST 5x4x24\ncrash:av:GetPicture\n"}) {
-        const OwnedBlock block = Block(content);
+    for (const char* size : {"5x3", "5x3", "5x4"}) {
+        const OwnedBlock block = Block(std::string("TST ") + size + "x24\ncrash:av:GetPicture\n");
         plugin_.SetMemoryHandle(block.Get(), L"a.tst");
         EXPECT_EQ(DecodeFailure(), 255U);
         EXPECT_EQ(DecodeFailure(), 255U);
     }
     EXPECT_EQ(crashes(), 5);
-    BindPicture("crash:av:GetPicture");
-    EXPECT_EQ(DecodeFailure(), 255U);
     plugin_.ForgetErrors();
     EXPECT_EQ(DecodeFailure(), 255U);
     EXPECT_EQ(crashes(), 1);
 
     plugin_.SetDllName(Plugin(L"axtsa.spi", "crash:av:GetFile\n"));
     plugin_.SetFile(ArchiveFile());
-    for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(ExtractFailure(), 255U);
-    EXPECT_EQ(crashes(), 1);
-    EXPECT_EQ(Failure([&] { Extracted(1); }), 255U);
-    EXPECT_EQ(crashes(), 2) << "another member";
+    for (const int32_t member : {2, 2, 1, 1})
+        EXPECT_EQ(Failure([&] { Extracted(member); }), 255U);
+    EXPECT_EQ(crashes(), 2) << "one for each member";
 }
 
 TEST_F(DecodingTest, WritesBmpFilesAndRefusesWrongUse) {
-    test::LoadHelper(L"convertdib.dll");
     const auto decode = [&](DecodeTarget target, const std::wstring& file, Picture* picture) {
         return Raised([&] {
-            EXPECT_GT(plugin_.DecodePicture(target, kDecodeTryPreview, {},
-                                            file.empty() ? file : folder_.Path() + file, picture),
+            EXPECT_GT(plugin_.DecodePicture(target, kDecodeTryPreview, {}, file, picture),
                       target == DecodeTarget::kBmpFile ? kPreviewResult : 0);
         });
     };
+    const std::wstring file = folder_.Path() + L"사.bmp";
     EXPECT_EQ(decode(DecodeTarget::kMemory, L"", &picture_), kErrorNothingBound);
     BindPicture("");
-    EXPECT_EQ(decode(DecodeTarget::kBmpFile, L"사.bmp", nullptr), 0U);
-    EXPECT_EQ(std::filesystem::file_size(folder_.Path() + L"사.bmp"), 54U + 2 * 12);
-    EXPECT_EQ(decode(DecodeTarget::kBmpFile, L"gone\\a.bmp", nullptr), kErrorSavingFailed);
+    EXPECT_EQ(decode(DecodeTarget::kBmpFile, file, nullptr), 0U);
+    EXPECT_EQ(std::filesystem::file_size(file), 54U + 2 * 12);
+    EXPECT_EQ(decode(DecodeTarget::kBmpFile, folder_.Path() + L"gone\\a.bmp", nullptr),
+              kErrorSavingFailed);
     EXPECT_EQ(decode(DecodeTarget::kBmpFile, L"", &picture_), kErrorInvalidArgument);
     EXPECT_EQ(decode(DecodeTarget::kMemory, L"", nullptr), kErrorInvalidArgument);
     plugin_.SetMemoryHandle(Block("TST 5x3x24\n").Get(), L"a.tst");  // is gone at once
@@ -120,10 +109,10 @@ TEST_F(DecodingTest, DrawsFittedAndCentred) {
         return std::vector{box.left, box.top, box.right, box.bottom};
     };
     EXPECT_EQ(drawn(1, 200, 200), (std::vector{0L, 75L, 200L, 125L}));
-    EXPECT_TRUE(plugin_.ErrorString().starts_with(L"ShowPicture Return:"));
     EXPECT_TRUE(plugin_.ErrorString().ends_with(L" PreView ShowFixControl"));
     EXPECT_EQ(drawn(2, 200, 20), (std::vector{60L, 0L, 140L, 20L}));
     EXPECT_EQ(drawn(0, 50, 50), (std::vector{0L, 0L, 200L, 100L}));
+    EXPECT_TRUE(plugin_.ErrorString().starts_with(L"ShowPicture Return:"));
     EXPECT_TRUE(plugin_.ErrorString().ends_with(L" PreView ShowDefault"));
     EXPECT_NE(GetPixel(context.Get(), 100, 50), 0U);
     EXPECT_EQ(Raised([&] { plugin_.ShowPicture(context.Get(), 9, 9, {}); }), kErrorInvalidMemory);

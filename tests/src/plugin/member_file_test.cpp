@@ -1,16 +1,14 @@
 // Extracted members on disk: under safe names, and nowhere but in their folder.
-#include <algorithm>
-
 #include "plugin/member_file.h"
+
+#include <gtest/gtest.h>
+
 #include "plugin/member_file_name.h"
-#include "tests/src/plugin/plugin_test.h"
-#include "tests/support/content_of.h"
 #include "tests/support/links.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tessary {
 namespace {
-
-using test::ContentOf;
 
 TEST(MemberFileName, IsSafe) {
     const std::pair<std::wstring, std::wstring> table[] = {
@@ -59,46 +57,17 @@ TEST(MemberFileName, IsEachMembersOwn) {
     EXPECT_EQ(given, LR"(d\a.jpg|D\A (2).JPG|a.jpg|d\a (2) (2).jpg|d\a (3).jpg|-|n|N (2)|)");
 }
 
-class MemberFileTest : public test::PluginTest {
-  protected:
-    MemberFileTest() { plugin_.SetDllName(Plugin(L"axtsa.spi")); }
-    // What extracting the only member writes; the error's number when that fails.
-    std::string Extracted(const std::string& data, const std::string& directives) {
-        plugin_.SetFile(
-            folder_.Write(NewName(L".tsa"), test::ArchiveOf({{"m", data}}, directives)));
-        const uint32_t error =
-            test::Raised([&] { plugin_.DecodeArchive(1, folder_.Path(), LR"(o\m)", {}); });
-        return error == 0 ? ContentOf(folder_.Path() + LR"(o\m)") : std::to_string(error);
-    }
-};
-
-TEST_F(MemberFileTest, IsTheMemberAndNothingElse) {
-    EXPECT_EQ(Extracted("", "no-disk\nextra-zero\n"), "");
-    EXPECT_EQ(Extracted("first", ""), "first");
-    EXPECT_EQ(Extracted("second", "extra-byte\n"), "second");
-    EXPECT_EQ(Extracted("third", "zero-fields\n"), "third");
-    EXPECT_EQ(Extracted("fourth", "no-memory\nstore-below\n"), "fourth");
-    // What fails leaves what is there.
-    for (const char* failure :
-         {"answer:GetFile:0\n", "crash:av:GetFile\n", "no-memory\nno-disk\n"}) {
-        EXPECT_EQ(Extracted("fifth", failure), std::to_string(kErrorDecodingFailed)) << failure;
-        EXPECT_EQ(ContentOf(folder_.Path() + LR"(o\m)"), "fourth") << failure;
-    }
-    EXPECT_EQ(Extracted("", ""), "");
-    EXPECT_EQ(Extracted("", "no-memory\n"), "");
-    std::filesystem::create_directories(folder_.Path() + LR"(o\n)");
-    EXPECT_NE(WriteMemberFile(folder_.Path(), LR"(o\n)", {}), 0u);
-    EXPECT_NE(WriteMemberFile(folder_.Path(), LR"(o\m\x)", {}), 0u) << "below a file";
-    EXPECT_NE(WriteMemberFile(folder_.Path() + L"gone", L"m", {}), 0u);
-}
-
-TEST_F(MemberFileTest, LinksAreNotFollowed) {
-    const std::wstring target = folder_.Path() + L"elsewhere";
+TEST(MemberFile, LiesInFoldersOfItsOwn) {
+    const test::TemporaryFolder folder;
+    const std::wstring target = folder.Path() + L"elsewhere";
     std::filesystem::create_directories(target);
-    std::filesystem::create_directories(folder_.Path() + L"o");
-    ASSERT_TRUE(test::MakeFolderLink(folder_.Path() + LR"(o\link)", target));
-    EXPECT_NE(WriteMemberFile(folder_.Path(), LR"(o\link\m)", {}), 0u);
-    EXPECT_NE(WriteMemberFile(folder_.Path(), LR"(o\link\sub\m)", {}), 0u);
+    std::filesystem::create_directories(folder.Path() + LR"(o\n)");
+    folder.Write(LR"(o\m)");
+    ASSERT_TRUE(test::MakeFolderLink(folder.Path() + LR"(o\link)", target));
+    EXPECT_EQ(WriteMemberFile(folder.Path(), LR"(o\new\m)", {}), 0U);
+    for (const wchar_t* refused : {LR"(o\link\m)", LR"(o\link\sub\m)", LR"(o\n)", LR"(o\m\x)"})
+        EXPECT_NE(WriteMemberFile(folder.Path(), refused, {}), 0U) << refused;
+    EXPECT_NE(WriteMemberFile(folder.Path() + L"gone", L"m", {}), 0U);
     EXPECT_TRUE(std::filesystem::is_empty(target));
 }
 

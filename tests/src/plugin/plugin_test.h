@@ -7,8 +7,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <map>
-#include <set>
 #include <string>
 #include <string_view>
 
@@ -21,20 +19,22 @@
 #include "plugin/plugin_log.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/child_process.h"
+#include "tests/support/helper_libraries.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary::test {
 
-// The test programs do not stand beside the helper libraries; loaded ones are found all the same.
-inline void LoadHelper(const std::wstring& name) {
-    ASSERT_NE(LoadLibraryW((FinishedFolder() + name).c_str()), nullptr);
+// The file that RunAsChild names to a test; for one that is run so, with the helper libraries.
+inline std::wstring FileOfParent() {
+    LoadHelperLibraries();
+    return _wgetenv(L"TESSARY_TEST_FILE");
 }
 
 class PluginTest : public testing::Test {
   protected:
-    PluginTest() { LoadHelper(L"susiectl.dll"); }
+    PluginTest() { LoadHelperLibraries(); }
 
     // A copy of a test plug-in in the test's folder, with a script (tests/plugins/README.md).
     std::wstring Plugin(const std::wstring& original, std::string_view script = {},
@@ -81,45 +81,22 @@ class PluginTest : public testing::Test {
     }
     static bool CallIsLogged() { return GetSetting(L"SPI_CALLLOG", L"SPI", L"-") != L"-"; }
 
-    // The handles that the next movable blocks would get: others than before when some have leaked.
-    static std::set<HLOCAL> FreeHandles() {
-        std::set<HLOCAL> handles;
-        for (int i = 0; i < 8; ++i)
-            handles.insert(LocalAlloc(LMEM_MOVEABLE, 1));
-        for (HLOCAL handle : handles)
-            LocalFree(handle);
-        return handles;
-    }
-
     // Runs one test of this program as a process of its own, on the same settings, and answers its
-    // exit status; STILL_ACTIVE when it does not end. The test finds `file` in the environment as
-    // TESSARY_TEST_FILE.
+    // exit status; STILL_ACTIVE when it does not end. The test finds `file` by FileOfParent.
     DWORD RunAsChild(const std::wstring& test, const std::wstring& file = {}) const {
-        const std::map<std::wstring, std::wstring> environment{
-            {L"TESSARY_SETTINGS_KEY", store_.KeyPath()}, {L"TESSARY_TEST_FILE", file}};
-        return ChildProcess::OfThisProgram(test, {.environment = environment}).ExitCode();
+        return ChildProcess::OfThisProgram(
+                   test, {.environment = {{L"TESSARY_SETTINGS_KEY", store_.KeyPath()},
+                                          {L"TESSARY_TEST_FILE", file}}})
+            .ExitCode();
     }
 
-    RedirectedSettings store_;
-    TemporaryFolder folder_;
-    RecordedMessages messages_;
-    clsSusie plugin_;
-
-  private:
-    mutable int number_ = 0;
-};
-
-// A plug-in object that is bound to something.
-class BoundTest : public PluginTest {
-  protected:
-    // Binds a picture plug-in to a picture.
+    // Binds a picture plug-in to a new picture, an archive plug-in to a new archive.
     void BindPicture(const std::string& directives) {
-        if (plugin_.DllName().empty()) plugin_.SetDllName(path_ = Plugin(L"iftst_preview.spi"));
+        if (plugin_.DllName().empty()) plugin_.SetDllName(Plugin(L"iftst_preview.spi"));
         plugin_.SetFile(PictureFile(directives));
     }
-    // The same for an archive.
     void BindArchive(const std::string& directives) {
-        if (plugin_.DllName().empty()) plugin_.SetDllName(path_ = Plugin(L"axtsa.spi"));
+        if (plugin_.DllName().empty()) plugin_.SetDllName(Plugin(L"axtsa.spi"));
         plugin_.SetFile(ArchiveFile(directives));
     }
     uint32_t Decode(uint32_t flags = 0, const SusieProgress& progress = {}) {
@@ -143,12 +120,15 @@ class BoundTest : public PluginTest {
     uint32_t DecodeFailure(uint32_t flags = 0, const SusieProgress& progress = {}) {
         return Failure([&] { Decode(flags, progress); });
     }
-    uint32_t ExtractFailure(const SusieProgress& progress = {}) {
-        return Failure([&] { Extracted(2, progress); });
-    }
 
+    RedirectedSettings store_;
+    TemporaryFolder folder_;
+    RecordedMessages messages_;
+    clsSusie plugin_;
     Picture picture_;
-    std::wstring path_;
+
+  private:
+    mutable int number_ = 0;
 };
 
 // The number that `body` raises; 0 when it raises nothing.
