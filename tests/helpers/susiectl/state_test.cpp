@@ -5,8 +5,7 @@
 #include <cstdint>
 
 #include "tests/helpers/susiectl/susiectl_library.h"
-#include "tests/plugins/test_plugins.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/finished_folder.h"
 
 namespace tessary::test {
 namespace {
@@ -74,47 +73,49 @@ class StateTest : public testing::Test {
 
     // Neither the processor's default nor what plug-ins are told to set.
     static constexpr uint16_t kControlWord = 0x0A7F;
+    const LoadedPlugin plugin_{L"iftst.spi"};
     TemporaryFolder folder_;
     State before_;
 };
 
 TEST_F(StateTest, IsTheSameAfterEveryCall) {
-    const LoadedPlugin plugin(L"iftst.spi");
     for (const std::string state : kStates) {
-        EXPECT_EQ(plugin.DecodeWith("dirty:" + state + ":GetPicture"), susie::kSuccess) << state;
+        EXPECT_EQ(plugin_.DecodeWith("dirty:" + state + ":GetPicture"), susie::kSuccess) << state;
         ExpectUnchanged(state);
     }
 }
 
 TEST_F(StateTest, IsTheSameAfterACrash) {
-    const LoadedPlugin plugin(L"iftst.spi");
     for (const std::string state :
          {"fpu-unmasked", "fpu-full", "sse-unmasked", "folder", "error-mode"})
         for (const std::string kind : {"av", "stack-overflow", "wild-chain", "smash"}) {
-            std::string script = "early:";
-            script.append(state).append(":GetPicture\ncrash:").append(kind).append(":GetPicture");
-            EXPECT_EQ(plugin.DecodeWith(script), kCrashed);
+            const std::string script = "early:" + state + ":GetPicture\ncrash:" + kind;
+            EXPECT_EQ(plugin_.DecodeWith(script + ":GetPicture"), kCrashed);
             ExpectUnchanged(script);
         }
 }
 
 // The system raises an exception for who takes off a context that is not the innermost.
 TEST_F(StateTest, ActivationContextsOfACrashedPluginAreTakenOff) {
-    const LoadedPlugin plugin(L"iftst.spi");
     const auto deactivate = reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&DeactivateActCtx));
     for (const std::string kind : {"av", "wild-chain"}) {
         ULONG_PTR cookie = 0;
         ASSERT_TRUE(ActivateActCtx(nullptr, &cookie));
         const std::string script = "early:activation-context:GetPicture\ncrash:";
-        EXPECT_EQ(plugin.DecodeWith(script + kind + ":GetPicture"), kCrashed);
+        EXPECT_EQ(plugin_.DecodeWith(script + kind + ":GetPicture"), kCrashed);
         EXPECT_EQ(Susiectl().configurationDlg(deactivate, nullptr, static_cast<int>(cookie)), TRUE);
     }
 }
 
 TEST_F(StateTest, IsTheSameAfterLoadingAndFreeing) {
-    const LoadedPlugin plugin(L"load_dirty.spi");
-    EXPECT_TRUE(plugin.Module());
-    ExpectUnchanged("load_dirty.spi");
+    {
+        const LoadedPlugin plugin(L"iftst.spi",
+                                  "dirty:folder:DllMain\ndirty:error-mode:DllMain\n"
+                                  "dirty:fpu-unmasked:DllMain\ndirty:fpu-single:DllUnload");
+        EXPECT_TRUE(plugin.Module());
+        ExpectUnchanged("loading");
+    }
+    ExpectUnchanged("freeing");
 }
 
 // Calls GetPluginInfo with known values in the registers that a function has to keep.
@@ -157,11 +158,10 @@ int __stdcall StoreState(int, int, LONG_PTR state) {
 }
 
 TEST_F(StateTest, TheCallbackRunsUnderTheHostsFloatingPointState) {
-    const LoadedPlugin plugin(L"iftst.spi");
     for (const std::string state : {"fpu-unmasked", "fpu-full", "sse-unmasked"}) {
         State inside{};
-        EXPECT_EQ(plugin.Decode("TST 4x3x24\nearly:" + state + ":GetPicture\n", StoreState,
-                                reinterpret_cast<LONG_PTR>(&inside)),
+        EXPECT_EQ(plugin_.DecodeWith("early:" + state + ":GetPicture", StoreState,
+                                     reinterpret_cast<LONG_PTR>(&inside)),
                   susie::kSuccess);
         EXPECT_EQ(inside.controlWord, before_.controlWord) << state;
         EXPECT_EQ(inside.x87Tags, before_.x87Tags) << state;
@@ -169,38 +169,30 @@ TEST_F(StateTest, TheCallbackRunsUnderTheHostsFloatingPointState) {
     }
 }
 
-HWND ShowWindowOfTheProgram() {
-    return CreateWindowW(L"STATIC", L"program", WS_POPUP | WS_VISIBLE, 0, 0, 90, 90, nullptr,
-                         nullptr, nullptr, nullptr);
-}
-
 TEST_F(StateTest, ADialogThatCrashedIsTakenAway) {
-    const HWND parent = ShowWindowOfTheProgram();
-    const HWND other = ShowWindowOfTheProgram();
-    const HWND disabled = ShowWindowOfTheProgram();
-    EnableWindow(disabled, FALSE);
-    const auto expectReleased = [&] {
-        EXPECT_TRUE(IsWindowEnabled(parent));
-        EXPECT_TRUE(IsWindowEnabled(other));
-        EXPECT_FALSE(IsWindowEnabled(disabled)) << "it was so before";
-        EXPECT_FALSE(FindWindowW(nullptr, L"Test plug-in window"));
+    std::array<HWND, 3> windows{};
+    for (HWND& window : windows)
+        window = CreateWindowW(L"STATIC", L"program", WS_POPUP | WS_VISIBLE, 0, 0, 90, 90, nullptr,
+                               nullptr, nullptr, nullptr);
+    EnableWindow(windows[2], FALSE);
+    const auto isReleased = [&] {
+        return IsWindowEnabled(windows[0]) && IsWindowEnabled(windows[1]) &&
+               !IsWindowEnabled(windows[2]);  // which was so before
     };
-    const LoadedPlugin plugin(folder_, "early:window:ConfigurationDlg\ncrash:av:ConfigurationDlg");
-    EXPECT_EQ(Susiectl().configurationDlg(plugin["ConfigurationDlg"], parent, 1), kCrashed);
-    expectReleased();
-    EXPECT_EQ(plugin.DecodeWith("early:window:GetPicture\ncrash:av:GetPicture"), kCrashed);
-    expectReleased();
-    // One that goes well has no business with our windows either.
-    EXPECT_EQ(plugin.DecodeWith("dirty:window:GetPicture"), susie::kSuccess);
-    EXPECT_TRUE(IsWindowEnabled(parent));
-    EXPECT_FALSE(IsWindowEnabled(disabled));
-    {
-        const TemporaryFolder folder;
-        const LoadedPlugin dirty(folder, "dirty:window:DllMain");
-        EXPECT_TRUE(IsWindowEnabled(parent)) << "nor has loading";
-    }
-    DestroyWindow(FindWindowW(nullptr, L"Test plug-in window"));
-    for (HWND window : {parent, other, disabled})
+    const auto theirs = [] { return FindWindowW(nullptr, L"Test plug-in window"); };
+    const LoadedPlugin plugin(L"iftst.spi",
+                              "early:window:ConfigurationDlg\ncrash:av:ConfigurationDlg");
+    EXPECT_EQ(Susiectl().configurationDlg(plugin["ConfigurationDlg"], windows[0], 1), kCrashed);
+    EXPECT_TRUE(isReleased() && !theirs());
+    EXPECT_EQ(plugin_.DecodeWith("early:window:GetPicture\ncrash:av:GetPicture"), kCrashed);
+    EXPECT_TRUE(isReleased() && !theirs());
+    // One that goes well has no business with our windows either, nor has loading.
+    EXPECT_EQ(plugin_.DecodeWith("dirty:window:GetPicture"), susie::kSuccess);
+    EXPECT_TRUE(isReleased());
+    const LoadedPlugin dirty(L"iftst.spi", "dirty:window:DllMain");
+    EXPECT_TRUE(isReleased());
+    DestroyWindow(theirs());
+    for (HWND window : windows)
         DestroyWindow(window);
 }
 

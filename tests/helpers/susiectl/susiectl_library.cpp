@@ -26,49 +26,41 @@ bool EndsInThread(Work work, DWORD longest) {
     return hasEnded;
 }
 
-const SusiectlLibrary& Susiectl() {
-    static const SusiectlLibrary library;
-    return library;
+const SusieLibrary& Susiectl() {
+    static const LoadedLibrary loaded(L"susiectl.dll");
+    return *FindSusieLibrary();
 }
 
-LoadedPlugin::LoadedPlugin(const std::wstring& fileName)
-    : module_(Susiectl().loadLibraryW(TestPluginPath(fileName).c_str())) {}
-
-LoadedPlugin::LoadedPlugin(const TemporaryFolder& folder, std::string_view script) {
-    const std::wstring path = folder.Path() + L"scripted.spi";
-    folder.Write(L"scripted.spi.script", script);
-    CopyFileW(TestPluginPath(L"iftst.spi").c_str(), path.c_str(), FALSE);
-    module_ = Susiectl().loadLibraryW(path.c_str());
-}
-
-LoadedPlugin::LoadedPlugin(const TemporaryFolder& folder,
-                           const std::function<void(IMAGE_OPTIONAL_HEADER32&)>& change) {
-    std::string image = ContentOf(TestPluginPath(L"iftst.spi"));
+LoadedPlugin::LoadedPlugin(const std::wstring& fileName, const std::string& script,
+                           const Change& change) {
+    std::string image = ContentOf(TestPluginPath(fileName));
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(image.data());
-    change(reinterpret_cast<IMAGE_NT_HEADERS32*>(image.data() + dos->e_lfanew)->OptionalHeader);
-    module_ = Susiectl().loadLibraryW(folder.Write(L"changed.spi", image).c_str());
+    auto* const nt = reinterpret_cast<IMAGE_NT_HEADERS32*>(image.data() + dos->e_lfanew);
+    if (change) change(nt->OptionalHeader);
+    folder_.Write(fileName + L".script", script);
+    module_ = Susiectl().loadLibrary(folder_.Write(fileName, image).c_str());
 }
 
 LoadedPlugin::~LoadedPlugin() {
     Susiectl().freeLibrary(module_);
 }
 
-int LoadedPlugin::Decode(std::string_view picture, susie::ProgressCallback progress,
-                         LONG_PTR userData) const {
+int LoadedPlugin::Calls(const char* function) const {
+    return TestCallCount(module_, function);
+}
+
+int LoadedPlugin::DecodeWith(const std::string& directives, susie::ProgressCallback progress,
+                             LONG_PTR userData) const {
+    const std::string picture = "TST 4x3x24\n" + directives + "\n";
     HLOCAL info = nullptr;
     HLOCAL bits = nullptr;
     const int answer = Susiectl().getPicture(
         (*this)["GetPicture"], picture.data(), static_cast<LONG_PTR>(picture.size()),
         susie::kSourceMemory, &info, &bits, progress, userData);
-    if (answer == susie::kSuccess) {
-        LocalFree(info);
-        LocalFree(bits);
-    }
+    if (answer != susie::kSuccess) return answer;
+    LocalFree(info);
+    LocalFree(bits);
     return answer;
-}
-
-int LoadedPlugin::DecodeWith(const std::string& directives) const {
-    return Decode("TST 4x3x24\n" + directives + "\n");
 }
 
 }  // namespace tessary::test

@@ -170,7 +170,11 @@ TEST_F(ClsSusieTest, FilesThatPluginsCannotNameAreRead) {
         EXPECT_EQ(plugin_.Width(), 3);
         EXPECT_EQ(plugin_.GetFile(), folder_.Path() + name);
     }
-    const std::wstring path = folder_.Deep() + L"deep.tst";  // even in its short form
+    // Too long a path even in its short form.
+    std::wstring path = folder_.Path();
+    while (path.size() < 300)
+        CreateDirectoryW(ExtendedPath(path += L"12345678\\").c_str(), nullptr);
+    path += L"deep.tst";
     ASSERT_TRUE(CopyFileW(PictureFile().c_str(), ExtendedPath(path).c_str(), TRUE));
     EXPECT_TRUE(plugin_.CheckFile(path));
     plugin_.SetFile(path);

@@ -56,6 +56,8 @@ TEST_F(DecodingTest, WhatHasCrashedIsNotDoneAgain) {
         EXPECT_EQ(DecodeFailure(), 255U);
     }
     EXPECT_EQ(crashes(), 5);
+    BindPicture("crash:av:GetPicture");
+    EXPECT_EQ(DecodeFailure(), 255U);
     plugin_.ForgetErrors();
     EXPECT_EQ(DecodeFailure(), 255U);
     EXPECT_EQ(crashes(), 1);
