@@ -1,5 +1,4 @@
 // GetArchiveInfo, GetFileInfo and GetFile of the test plug-ins.
-#include <cstdio>
 #include <cstring>
 
 #include "helpers/susiectl/susie_interface.h"
@@ -41,8 +40,7 @@ std::vector<Member> MembersOf(const Script& script, const std::string& content) 
         offset += size;
     }
     for (int i = 0; i < script.Number("generate").value_or(0); ++i) {
-        char name[24];
-        std::snprintf(name, sizeof name, "%06d.tst", i);
+        const std::string name = std::to_string(i) + ".tst";
         members.push_back({"", name, "", PositionOf(script, members.size(), offset)});
     }
     return members;
@@ -73,14 +71,13 @@ susie::FileInfo RecordOf(const Script& script, const Member& member) {
 int List(const Script& script, const std::string& content, HLOCAL* list) {
     if (!content.starts_with("TSA\n")) return susie::kUnknownFormat;
     std::string records;
-    const auto append = [&](const susie::FileInfo& record) {
+    for (const Member& member : MembersOf(script, content)) {
+        const susie::FileInfo record = RecordOf(script, member);
         records.append(reinterpret_cast<const char*>(&record), sizeof record);
-    };
-    for (const Member& member : MembersOf(script, content))
-        append(RecordOf(script, member));
-    susie::FileInfo end{};
-    if (script.Has("dirty-end")) std::memset(&end.method[1], 'x', sizeof end - 1);
-    if (!script.Has("no-end")) append(end);
+    }
+    std::string end(sizeof(susie::FileInfo), '\0');
+    if (script.Has("dirty-end")) std::fill(end.begin() + 1, end.end(), 'x');
+    if (!script.Has("no-end")) records += end;
     records.append(static_cast<size_t>(script.Number("tail").value_or(0)), '\xA5');
     *list = MakeBlock(records, script.Has("fixed") ? LMEM_FIXED : LMEM_MOVEABLE);
     return susie::kSuccess;

@@ -8,38 +8,6 @@
 namespace tessary::test {
 namespace {
 
-HMODULE thisModule;
-
-void CountCleanUp() {
-    ++CallCount("finally");
-}
-void CrashInCleanUp() {
-    CountCleanUp();
-    Crash("av");
-}
-
-// What "<verb>:<kind>:<function>" does before the function does its work.
-struct Misdeed {
-    const char* verb;
-    void (*act)(const std::string& kind);
-};
-constexpr Misdeed kMisdeeds[] = {
-    {"early", MakeDirty},
-    {"crash", Crash},
-    {"handled", CrashAndHandle},
-    {"handled-in-data", CrashAndHandleInData},
-    {"hungry", CrashInHungryFrame},
-    {"jumping-finally", CrashAndJumpOut},
-    {"finally", [](auto& kind) { CrashWithCleanUp(kind, CountCleanUp, CountCleanUp); }},
-    {"bad-finally", [](auto& kind) { CrashWithCleanUp(kind, CrashInCleanUp, CountCleanUp); }},
-};
-
-void Misbehave(const Script& script, const std::string& name) {
-    for (const auto& [verb, act] : kMisdeeds)
-        for (const auto& kind : script.Kinds(verb, name))
-            act(kind);
-}
-
 // After some of the changes no compiled code can be trusted to run.
 int ReturnDirty(const FunctionCall& call, const std::vector<std::string>& states, int answer) {
     bool isFragile = false;
@@ -64,7 +32,7 @@ std::string& LastCondition() {
 }
 
 bool IsExported(const char* name) {
-    return GetProcAddress(thisModule, name) != nullptr;
+    return GetProcAddress(ThisModule(), name) != nullptr;
 }
 
 int Run(const FunctionCall& call, const std::function<int(const Script&)>& work) {
@@ -90,7 +58,6 @@ extern "C" int __stdcall TestCallCount(const char* name) {
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
-    thisModule = module;
     if (reason == DLL_PROCESS_ATTACH) {
         ReadPluginScript(module);
         return Run({"DllMain"}, [](const Script&) { return TRUE; });

@@ -1,6 +1,5 @@
 // GetPluginInfo, IsSupported and ConfigurationDlg of every test plug-in.
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
 #include "helpers/susiectl/susie_interface.h"
@@ -12,25 +11,16 @@ namespace {
 
 std::string OwnText(int number) {
     const bool picture = IsExported("GetPicture");
-    const bool archive = IsExported("GetArchiveInfo");
-    const std::string patterns = picture && archive ? "*.TST;*.TSA" : picture ? "*.TST" : "*.TSA";
-    const std::string texts[] = {picture ? "00IN" : "00AM", "Test plug-in", patterns, "Test files"};
+    const char* const texts[] = {picture ? "00IN" : "00AM", "Test plug-in",
+                                 picture ? "*.TST" : "*.TSA", "Test files"};
     return number >= 0 && number < 4 ? texts[number] : "";
-}
-
-std::string NumberedPattern(int number, int count) {
-    const int pair = number / 2 - 1;
-    if (pair < 0 || pair >= count) return "";
-    char text[24];
-    std::snprintf(text, sizeof text, number % 2 ? "Kind %02d" : "*.T%02d", pair);
-    return text;
 }
 
 std::string TextOf(const Script& script, int number) {
     if (const auto text = script.Text("info:" + std::to_string(number))) return *text;
     if (script.Has("info-none")) return "";
     if (const auto count = script.Number("patterns"); count && number >= 2)
-        return NumberedPattern(number, *count);
+        return number / 2 <= *count ? "*.T" + std::to_string(number) : "";
     return script.Has("info-endless") ? OwnText(number % 4) : OwnText(number);
 }
 
@@ -52,10 +42,6 @@ int WriteText(const Script& script, const std::string& text, char* buffer, int s
 bool IsOurs(const std::string& content) {
     return (IsExported("GetPicture") && content.starts_with("TST ")) ||
            (IsExported("GetArchiveInfo") && content.starts_with("TSA\n"));
-}
-
-bool HasOurExtension(const std::string& fileName) {
-    return fileName.ends_with(".tst") || fileName.ends_with(".TST");
 }
 
 int SumOf(const char* block, int length) {
@@ -99,7 +85,9 @@ extern "C" int __stdcall IsSupported(const char* fileName, const char* header) {
             return 3;
         if (script.Has("exclusive") && !CanOpenExclusively(fileName)) return 0;
         if (script.Has("accept-all")) return 1;
-        return (script.Has("by-name") ? HasOurExtension(fileName) : IsOurs(content)) ? 1 : 0;
+        return (script.Has("by-name") ? std::string(fileName).ends_with(".tst") : IsOurs(content))
+                   ? 1
+                   : 0;
     });
 }
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "tests/plugins/window_misdeeds.h"
+#include "tests/plugins/function.h"
 
 namespace tessary::test {
 namespace {
@@ -125,13 +125,6 @@ DWORD WINAPI WorkForAWhile(void*) {
     return 0;
 }
 
-void HandleWith(decltype(&Handle) handler, const std::string& kind) {
-    Frame frame{Chain(), handler, nullptr, {}};
-    SetChain(&frame);
-    if (setjmp(frame.resume) == 0) Crash(kind);
-    SetChain(frame.outer);
-}
-
 // As an overrun of a block does.
 void DamageHeap() {
     const HANDLE heap = HeapCreate(0, 0, 0);
@@ -159,18 +152,19 @@ void ForEachHeap(void (*act)(HANDLE heap)) {
         act(heaps[i]);
 }
 
+HMODULE ModuleAt(const void* address) {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+        static_cast<const wchar_t*>(address), &module);
+    return module;
+}
+
 // That of the host's guard.
 Frame* HostsFrame() {
     const HMODULE host = GetModuleHandleW(L"susiectl.dll");
-    const auto isHosts = [host](const Frame* frame) {
-        HMODULE module = nullptr;
-        GetModuleHandleExW(
-            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-            reinterpret_cast<const wchar_t*>(frame->handler), &module);
-        return module == host;
-    };
     Frame* frame = Chain();
-    while (!isHosts(frame))
+    while (ModuleAt(reinterpret_cast<const void*>(frame->handler)) != host)
         frame = frame->outer;
     return frame;
 }
@@ -193,11 +187,7 @@ HWND OpenWindowOfOurs(const wchar_t* name, WNDPROC procedure, DWORD style) {
 }
 
 HMODULE ThisModule() {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(
-        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-        reinterpret_cast<const wchar_t*>(&Disable), &module);
-    return module;
+    return ModuleAt(reinterpret_cast<const void*>(&Disable));
 }
 
 void Crash(const std::string& kind) {
@@ -245,40 +235,6 @@ void Crash(const std::string& kind) {
     if (kind == "terminate") TerminateProcess(GetCurrentProcess(), 3);
 }
 
-void CrashAndHandle(const std::string& kind) {
-    HandleWith(Handle, kind);
-}
-
-void CrashAndHandleInData(const std::string& kind) {
-    static const auto handler = static_cast<uint8_t*>(
-        VirtualAlloc(nullptr, kJumpSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE));
-    handler[0] = 0xE9;  // jmp
-    const auto distance =
-        reinterpret_cast<uintptr_t>(&Handle) - reinterpret_cast<uintptr_t>(handler + kJumpSize);
-    std::memcpy(handler + 1, &distance, sizeof distance);
-    HandleWith(reinterpret_cast<decltype(&Handle)>(handler), kind);
-}
-
-void CrashAndJumpOut(const std::string& kind) {
-    Frame frame{Chain(), JumpOut, nullptr, {}};
-    SetChain(&frame);
-    if (__builtin_setjmp(placeOutside) == 0) Crash(kind);
-}
-
-void CrashInHungryFrame(const std::string& kind) {
-    Frame frame{Chain(), UseMuchStack, nullptr, {}};
-    SetChain(&frame);
-    Crash(kind);
-    SetChain(frame.outer);
-}
-
-void CrashWithCleanUp(const std::string& kind, void (*inner)(), void (*outer)()) {
-    Frame frames[2]{{&frames[1], CleanUp, inner, {}}, {Chain(), CleanUp, outer, {}}};
-    SetChain(&frames[0]);
-    Crash(kind);
-    SetChain(frames[1].outer);
-}
-
 void MakeDirty(const std::string& state) {
     if (state == "fpu-unmasked") asm volatile("fldcw %0" : : "m"(kUnmaskedControlWord));
     const uint16_t singlePrecision = 0x007F;
@@ -307,6 +263,72 @@ void MakeDirty(const std::string& state) {
     ULONG_PTR cookie = 0;
     if (state == "activation-context") ActivateActCtx(nullptr, &cookie);
     if (state == "exception-chain") SetChain(reinterpret_cast<void*>(0x41414140));
+}
+
+namespace {
+
+void CrashIn(decltype(&Handle) handler, const std::string& kind) {
+    Frame frame{Chain(), handler, nullptr, {}};
+    SetChain(&frame);
+    if (setjmp(frame.resume) == 0) Crash(kind);
+    SetChain(frame.outer);
+}
+
+// As packed programs have it: the handler is code on a data page.
+void CrashAndHandleInData(const std::string& kind) {
+    static const auto handler = static_cast<uint8_t*>(
+        VirtualAlloc(nullptr, kJumpSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE));
+    handler[0] = 0xE9;  // jmp
+    const auto distance =
+        reinterpret_cast<uintptr_t>(&Handle) - reinterpret_cast<uintptr_t>(handler + kJumpSize);
+    std::memcpy(handler + 1, &distance, sizeof distance);
+    CrashIn(reinterpret_cast<decltype(&Handle)>(handler), kind);
+}
+
+void CrashAndJumpOut(const std::string& kind) {
+    Frame frame{Chain(), JumpOut, nullptr, {}};
+    SetChain(&frame);
+    if (__builtin_setjmp(placeOutside) == 0) Crash(kind);
+}
+
+void CountCleanUp() {
+    ++CallCount("finally");
+}
+
+void CrashInCleanUp() {
+    CountCleanUp();
+    Crash("av");
+}
+
+// Inside two frames whose clean-up code calls these.
+void CrashWithCleanUp(const std::string& kind, void (*inner)(), void (*outer)()) {
+    Frame frames[2]{{&frames[1], CleanUp, inner, {}}, {Chain(), CleanUp, outer, {}}};
+    SetChain(&frames[0]);
+    Crash(kind);
+    SetChain(frames[1].outer);
+}
+
+struct Misdeed {
+    const char* verb;
+    void (*act)(const std::string& kind);
+};
+constexpr Misdeed kMisdeeds[] = {
+    {"early", MakeDirty},
+    {"crash", Crash},
+    {"handled", [](auto& kind) { CrashIn(Handle, kind); }},
+    {"handled-in-data", CrashAndHandleInData},
+    {"hungry", [](auto& kind) { CrashIn(UseMuchStack, kind); }},
+    {"jumping-finally", CrashAndJumpOut},
+    {"finally", [](auto& kind) { CrashWithCleanUp(kind, CountCleanUp, CountCleanUp); }},
+    {"bad-finally", [](auto& kind) { CrashWithCleanUp(kind, CrashInCleanUp, CountCleanUp); }},
+};
+
+}  // namespace
+
+void Misbehave(const Script& script, const std::string& name) {
+    for (const auto& [verb, act] : kMisdeeds)
+        for (const auto& kind : script.Kinds(verb, name))
+            act(kind);
 }
 
 [[noreturn]] void ReturnWithoutRegisters(int answer, void* frame, int argumentCount) {

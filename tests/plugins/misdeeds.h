@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "tests/plugins/script.h"
+
 namespace tessary::test {
 
 // The plug-in's own.
@@ -16,20 +18,17 @@ HWND OpenWindowOfOurs(const wchar_t* name, WNDPROC procedure, DWORD style);
 // Crashes. Comes back only from the kinds that are no crashes, and from unknown ones.
 void Crash(const std::string& kind);
 
-// Crashes, and takes the exception in an exception frame of its own.
-void CrashAndHandle(const std::string& kind);
+// "<where>/<kind>": crashes as Crash(kind) does, in one of these places: `create` (WM_CREATE),
+// `create-in-create` (that of a window which is made in another's), `init` (WM_INITDIALOG),
+// `command` (the WM_COMMAND of a dialog's button), `posted` (a message that was posted), `timer` (a
+// WM_TIMER), `timer-procedure` (a function that SetTimer was given), `destroy` (WM_DESTROY).
+// Anything else does nothing. Counts as "window" when the crash is reached, and as
+// "window-came-back" when the function of the system does come back to its caller.
+void CrashInWindow(const std::string& placeAndKind);
 
-// The same with a handler that is code on a data page, as packed programs have it.
-void CrashAndHandleInData(const std::string& kind);
-
-// Crashes in an exception frame whose handler uses 16 KB of stack.
-void CrashInHungryFrame(const std::string& kind);
-
-// Crashes inside two frames whose clean-up code calls these.
-void CrashWithCleanUp(const std::string& kind, void (*inner)(), void (*outer)());
-
-// Crashes inside a frame whose clean-up code jumps out of it, and goes on.
-void CrashAndJumpOut(const std::string& kind);
+// Does what "<verb>:<kind>:<name>" in the script asks for before the function `name` does its work:
+// crashes, in a frame of the plug-in's own perhaps, and changes of state.
+void Misbehave(const Script& script, const std::string& name);
 
 // Changes a state that the function's caller depends on.
 void MakeDirty(const std::string& state);

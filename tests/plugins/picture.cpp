@@ -11,10 +11,6 @@ namespace {
 
 constexpr uint32_t kDescribeFlag = 0x80;
 
-PictureSize SizeOf(const std::string& content) {
-    return ParseSize(content.substr(4));
-}
-
 // An empty source may stand for a picture.
 std::string ReadPictureSource(const char* source, LONG_PTR length, uint32_t flag) {
     std::string content = ReadSource(source, length, flag);
@@ -27,7 +23,7 @@ int Describe(const Script& script, const std::string& content, uint32_t flag,
     if (script.Has("flag128") && !(flag & kDescribeFlag)) return susie::kNotImplemented;
     if (!content.starts_with("TST ")) return susie::kUnknownFormat;
     const auto claim = script.Text("info-record");
-    const PictureSize size = claim ? ParseSize(*claim) : SizeOf(content);
+    const PictureSize size = claim ? ParseSize(*claim) : ParseSize(content.substr(4));
     *info = {};
     info->width = static_cast<int32_t>(size.width);
     info->height = static_cast<int32_t>(size.height);
@@ -73,13 +69,16 @@ void HandOut(const Script& script, const PictureBlocks& blocks, HLOCAL* info, HL
         *bits = isWild ? wild : MakeBlock(blocks.bits, kind);
 }
 
-int Decode(const Script& script, const std::string& content, HLOCAL* info, HLOCAL* bits,
+int Decode(const char* name, void* frame, const std::string& content, HLOCAL* info, HLOCAL* bits,
            susie::ProgressCallback progress, LONG_PTR userData) {
-    if (!content.starts_with("TST ")) return susie::kUnknownFormat;
-    const PictureSize size = SizeOf(content);
-    if (!Report(script, static_cast<int>(size.height), progress, userData)) return susie::kAborted;
-    HandOut(script, MakePicture(size, script), info, bits);
-    return susie::kSuccess;
+    return Run({name, frame, 7, content}, [&](const Script& script) -> int {
+        if (!content.starts_with("TST ")) return susie::kUnknownFormat;
+        const PictureSize size = ParseSize(content.substr(4));
+        const int rows = static_cast<int>(size.height);
+        if (!Report(script, rows, progress, userData)) return susie::kAborted;
+        HandOut(script, MakePicture(size, script), info, bits);
+        return susie::kSuccess;
+    });
 }
 
 }  // namespace
@@ -99,16 +98,12 @@ extern "C" int __stdcall GetPicture(const char* source, LONG_PTR length, uint32_
                                     HLOCAL* info, HLOCAL* bits, susie::ProgressCallback progress,
                                     LONG_PTR userData) {
     const std::string content = ReadPictureSource(source, length, flag);
-    return Run({"GetPicture", __builtin_dwarf_cfa(), 7, content}, [&](const Script& script) {
-        return Decode(script, content, info, bits, progress, userData);
-    });
+    return Decode("GetPicture", __builtin_dwarf_cfa(), content, info, bits, progress, userData);
 }
 
 extern "C" int __stdcall GetPreview(const char* source, LONG_PTR length, uint32_t flag,
                                     HLOCAL* info, HLOCAL* bits, susie::ProgressCallback progress,
                                     LONG_PTR userData) {
     const std::string content = ReadPictureSource(source, length, flag);
-    return Run({"GetPreview", __builtin_dwarf_cfa(), 7, content}, [&](const Script& script) {
-        return Decode(script, content, info, bits, progress, userData);
-    });
+    return Decode("GetPreview", __builtin_dwarf_cfa(), content, info, bits, progress, userData);
 }

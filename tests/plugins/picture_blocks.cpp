@@ -23,18 +23,17 @@ std::string MakeRow(const PictureSize& size, uint32_t y) {
             continue;
         }
         const uint32_t bit = x * size.depth;
-        const uint32_t shift = 8 - size.depth - bit % 8;
-        row[bit / 8] = static_cast<char>(static_cast<uint8_t>(row[bit / 8]) |
-                                         PatternIndex(x, y, size.depth) << shift);
+        const uint32_t index = (x + y) & ((1U << size.depth) - 1);
+        row[bit / 8] = static_cast<char>(row[bit / 8] | index << (8 - size.depth - bit % 8));
     }
     return row;
 }
 
-std::string MakeBits(const PictureSize& size, const Script& script) {
+std::string MakeBits(const PictureSize& size) {
     std::string bits;
     for (uint32_t i = 0; i < size.height; ++i) {
-        bits += MakeRow(size, script.Has("top-down") ? i : size.height - 1 - i);
-        if (!script.Has("unpadded")) bits.resize((bits.size() + 3) / 4 * 4);
+        bits += MakeRow(size, size.height - 1 - i);
+        bits.resize((bits.size() + 3) / 4 * 4);
     }
     return bits;
 }
@@ -45,26 +44,22 @@ std::string MakeInfo(const PictureSize& size, size_t bitsSize, const Script& scr
         return static_cast<decltype(value)>(script.Number(name).value_or(static_cast<int>(value)));
     };
     const auto headerSize = static_cast<DWORD>(script.Number("header").value_or(40));
-    const LONG height = static_cast<LONG>(size.height);
-    const BITMAPINFOHEADER header{
-        .biSize = field("biSize", headerSize),
-        .biWidth = field("biWidth", static_cast<LONG>(size.width)),
-        .biHeight = field("biHeight", script.Has("top-down") ? -height : height),
-        .biPlanes = 1,
-        .biBitCount = field("biBitCount", static_cast<WORD>(size.depth)),
-        .biCompression = field("biCompression", DWORD{BI_RGB}),
-        .biSizeImage = field("biSizeImage", static_cast<DWORD>(bitsSize)),
-        .biXPelsPerMeter = 0,
-        .biYPelsPerMeter = 0,
-        .biClrUsed = field("biClrUsed", DWORD{0}),
-        .biClrImportant = 0};
+    const BITMAPINFOHEADER header{.biSize = field("biSize", headerSize),
+                                  .biWidth = field("biWidth", static_cast<LONG>(size.width)),
+                                  .biHeight = field("biHeight", static_cast<LONG>(size.height)),
+                                  .biPlanes = 1,
+                                  .biBitCount = field("biBitCount", static_cast<WORD>(size.depth)),
+                                  .biCompression = BI_RGB,
+                                  .biSizeImage = static_cast<DWORD>(bitsSize),
+                                  .biXPelsPerMeter = 0,
+                                  .biYPelsPerMeter = 0,
+                                  .biClrUsed = 0,
+                                  .biClrImportant = 0};
     std::string info;
     Append(info, header);
     info.resize(headerSize);
-    for (uint32_t i = 0; size.depth <= 8 && i < 1U << size.depth; ++i) {
-        Append(info, PatternColour(i));
-        info += '\0';
-    }
+    for (uint32_t i = 0; size.depth <= 8 && i < 1U << size.depth; ++i)
+        Append(info, 0x10101 * i);  // from black to as light as it goes
     return info;
 }
 
@@ -82,7 +77,7 @@ PictureSize ParseSize(const std::string& text) {
 
 PictureBlocks MakePicture(const PictureSize& size, const Script& script) {
     PictureBlocks blocks;
-    blocks.bits = MakeBits(size, script);
+    blocks.bits = MakeBits(size);
     blocks.info = MakeInfo(size, blocks.bits.size(), script);
     Resize(blocks.info, script.Number("info-size"));
     Resize(blocks.bits, script.Number("bits-size"));

@@ -159,7 +159,7 @@ TEST_F(ClsSusieTest, BindsWhatThePluginSupports) {
     EXPECT_EQ(Raised([&] { plugin_.SetMemoryHandle(other.Get(), L"a.tst"); }), kErrorNotSupported);
     EXPECT_EQ(plugin_.GetMemoryHandle(), nullptr);
     EXPECT_EQ(Raised([&] { plugin_.SetMemoryHandle(nullptr, L"a.tst"); }), kErrorInvalidMemory);
-    plugin_.SetDllName(test::TestPluginPath(L"answers_two.spi"));
+    plugin_.SetDllName(Plugin(L"iftst.spi", "answer:IsSupported:2\n", L"two.spi"));
     EXPECT_FALSE(plugin_.CheckFile(PictureFile()));
 }
 
