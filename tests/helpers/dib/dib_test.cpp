@@ -124,9 +124,8 @@ TEST(DibTest, RefusesWithTheReason) {
 
 TEST(CheckDib, KeepsTheInfoBlockOnlyOfPlainPairs) {
     for (const TestBitmap& plain :
-         {TestBitmap{2, -2, 24, k24Bits}, TestBitmap{2, 2, 32, k32Bits}, TestBitmap{2, 2, 16, k555},
-          TestBitmap{2, 2, 16, k565, {}, 40, 3, k565Masks}, TestBitmap{2, 2, 8, k8Bits, kRgbw},
-          TestBitmap{2, 2, 4, k4Bits, kRgbw}, TestBitmap{2, 2, 1, k1Bit, {0xFF0000, 0xFF}}}) {
+         {TestBitmap{2, -2, 24, k24Bits}, TestBitmap{2, 2, 16, k565, {}, 40, 3, k565Masks},
+          TestBitmap{2, 2, 8, k8Bits, kRgbw}, TestBitmap{2, 2, 1, k1Bit, {0xFF0000, 0xFF}}}) {
         SCOPED_TRACE(plain.bitCount);
         EXPECT_TRUE(Check(plain).keepsInfo);
         TestBitmap noPlanes = plain;

@@ -80,10 +80,14 @@ TEST_F(SavePictureTest, StoppedWriterLeavesTheOldFile) {
         EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CANCELLED)) << name;
         EXPECT_FALSE(save([](int) -> bool { throw std::bad_alloc(); })) << name;
         EXPECT_EQ(test::ContentOf(path), "mine") << name;
+        DeleteFileW(path.c_str());
+        EXPECT_FALSE(save([](int percent) { return percent < 30; })) << name;
+        EXPECT_TRUE(std::filesystem::is_empty(folder_.Path())) << name;
         int last = 0;
         EXPECT_TRUE(save([&](int percent) { return (last = percent) <= 100; })) << name;
         EXPECT_EQ(last, 100) << name;
         EXPECT_TRUE(save({})) << "nobody watches";
+        DeleteFileW(path.c_str());
     }
 }
 
