@@ -8,6 +8,11 @@
 
 namespace tessary::test {
 
+// Whether a text has that part.
+inline bool Has(const std::wstring& text, const std::wstring& part) {
+    return text.find(part) != std::wstring::npos;
+}
+
 class RecordedMessages {
   public:
     struct Message {

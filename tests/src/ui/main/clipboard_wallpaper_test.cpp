@@ -1,7 +1,6 @@
 // Copying, pasting, and the wallpaper.
 #include "app/settings/RegKeys.h"
 #include "picture/bitmap_file.h"
-#include "picture/modDIBToPicture.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
@@ -18,7 +17,7 @@
 namespace tessary {
 namespace {
 
-// A block of a two-pixel picture with a header of so many bytes, as a program puts it there.
+// A picture of two pixels behind a header of so many bytes, as a program puts it there.
 UniqueGlobal BlockOf(std::span<const DWORD> header) {
     UniqueGlobal block(GlobalAlloc(GHND, header.size_bytes() + 8));
     auto* const bytes = static_cast<uint8_t*>(GlobalLock(block.Get()));
@@ -28,83 +27,93 @@ UniqueGlobal BlockOf(std::span<const DWORD> header) {
     return block;
 }
 
-// What other programs do with the clipboard, on a thread with a window of its own.
+// Another program, which does one thing with the clipboard; a thread with a window of its own.
 class OtherProgram final : private Window {
   public:
-    explicit OtherProgram(HWND viewer) : viewer_(viewer) {
-        thread_ = std::thread([this] { Run(); });
-        while (!isReady_)
-            Sleep(1);
+    enum Deed { kKeeps, kPromises };
+
+    // Keeps it open for so many milliseconds, or puts a picture there that takes so long to make
+    // once somebody asks for it.
+    OtherProgram(HWND viewer, Deed deed, DWORD milliseconds)
+        : viewer_(viewer), milliseconds_(milliseconds), thread_([this, deed] { Run(deed); }) {
+        isReady_.wait(false);
     }
     ~OtherProgram() {
-        SendMessageW(Handle(), WM_TIMER, 0, 0);
         PostMessageW(Handle(), WM_QUIT, 0, 0);
         thread_.join();
     }
 
-    void Keep(UINT milliseconds) { SendMessageW(Handle(), kKeep, milliseconds, 0); }
-    // Puts a picture there that takes so long to make once somebody asks for it.
-    void Promise(UINT milliseconds) { SendMessageW(Handle(), kPromise, milliseconds, 0); }
     // Whether the viewer has answered in the last moment of keeping.
     bool WasAnswered() const { return wasAnswered_; }
 
   private:
-    static constexpr UINT kKeep = WM_APP;
-    static constexpr UINT kPromise = WM_APP + 1;
-
-    void Run() {
-        isReady_ = Create({.className = L"TessaryOtherProgram", .parent = HWND_MESSAGE});
+    void Run(Deed deed) {
+        Create({.className = L"TessaryOtherProgram", .parent = HWND_MESSAGE});
+        OpenClipboard(Handle());
+        if (deed == kKeeps) {
+            SetTimer(Handle(), 1, milliseconds_, nullptr);
+        } else {
+            EmptyClipboard();
+            SetClipboardData(CF_DIB, nullptr);
+            CloseClipboard();
+        }
+        isReady_ = true;
+        isReady_.notify_one();
         MSG message;
         while (GetMessageW(&message, nullptr, 0, 0) > 0)
             DispatchMessageW(&message);
+        CloseClipboard();
         DestroyWindow(Handle());
     }
-    LRESULT OnMessage(UINT message, WPARAM time, LPARAM lParam) override {
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
         DWORD_PTR result = 0;
         switch (message) {
-            case kKeep:
-                OpenClipboard(Handle());
-                SetTimer(Handle(), 1, static_cast<UINT>(time), nullptr);
-                return 0;
             case WM_TIMER:
-                wasAnswered_ = time == 1 && SendMessageTimeoutW(viewer_, WM_NULL, 0, 0, SMTO_NORMAL,
-                                                                100, &result) != 0;
-                CloseClipboard();
-                KillTimer(Handle(), 1);
-                return 0;
-            case kPromise:
-                delay_ = static_cast<DWORD>(time);
-                OpenClipboard(Handle());
-                EmptyClipboard();
-                SetClipboardData(CF_DIB, nullptr);
+                wasAnswered_ =
+                    SendMessageTimeoutW(viewer_, WM_NULL, 0, 0, SMTO_NORMAL, 100, &result) != 0;
                 CloseClipboard();
                 return 0;
             case WM_RENDERFORMAT:
-                Sleep(delay_);
+                Sleep(milliseconds_);
                 SetClipboardData(CF_DIB,
                                  BlockOf(std::array<DWORD, 10>{40, 1, 2, 32 << 16 | 1}).Release());
                 return 0;
             default:
-                return Default(message, time, lParam);
+                return Default(message, wParam, lParam);
         }
     }
 
     HWND viewer_;
-    std::thread thread_;
+    DWORD milliseconds_;
     std::atomic<bool> isReady_ = false;
     std::atomic<bool> wasAnswered_ = false;
-    DWORD delay_ = 0;
+    std::thread thread_;
 };
 
 class ClipboardTest : public test::MainWindowTest {
   protected:
     ClipboardTest() { test::LoadHelperLibraries(); }
 
-    void SetUp() override { Load(); }
+    void SetUp() override {
+        Load();
+        EmptyTheClipboard();
+    }
 
     void EmptyTheClipboard() const {
         const ClipboardSession clipboard(window_.Handle());
         EmptyClipboard();
+    }
+    // Puts a block there, and pastes.
+    void Paste(UINT format, UniqueGlobal block) const {
+        std::vector<ClipboardItem> items;
+        items.push_back({format, std::move(block)});
+        EXPECT_TRUE(PutOnClipboard(window_.Handle(), std::move(items)));
+        Choose(menuEditPaste);
+    }
+    // Makes a picture current that is shown smaller than it is.
+    void ShowSmaller() {
+        SetCurrentPicture(test::TestPicture(30, 16));
+        window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
     }
     // The shown picture's pixel on the screen's device.
     COLORREF ShownPixel(int x, int y) const {
@@ -119,26 +128,17 @@ class ClipboardTest : public test::MainWindowTest {
 };
 
 TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
-    EmptyTheClipboard();
     const CommandTable& commands = window_.Commands();
     EXPECT_FALSE(commands.IsEnabled(menuEditCopy));
     EXPECT_FALSE(commands.IsEnabled(menuEditPaste));
-    SetCurrentPicture(test::TestPicture(31, 17));
-    window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);  // shown smaller than it is
-    window_.SetPanelText(kShownFilePanel, L"[表示中] a.bmp");
-    EXPECT_TRUE(commands.IsEnabled(menuEditCopy));
+    ShowSmaller();
     Choose(menuEditCopy);
-    EXPECT_TRUE(messages_.All().empty());
-    EXPECT_TRUE(IsClipboardFormatAvailable(CF_BITMAP));
     {
         const ClipboardSession clipboard(window_.Handle());
         const HANDLE png = GetClipboardData(RegisterClipboardFormatW(L"PNG"));
         ASSERT_NE(png, nullptr);
         EXPECT_EQ(std::memcmp(GlobalLock(png), "\x89PNG", 4), 0);
         GlobalUnlock(png);
-        BITMAP bitmap{};
-        GetObjectW(GetClipboardData(CF_BITMAP), sizeof(bitmap), &bitmap);
-        EXPECT_EQ(bitmap.bmWidth, 31);
     }
 
     const uint8_t* const former = CurrentPicture().Bits().data();
@@ -146,93 +146,64 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
     EXPECT_EQ(CurrentPicture().Bits().data(), former);
     Choose(menuEditPaste);
     EXPECT_NE(CurrentPicture().Bits().data(), former);
-    EXPECT_EQ(window_.pictureView().PictureSize().cx, 31);
+    EXPECT_EQ(window_.pictureView().PictureSize().cx, 30);
     EXPECT_EQ(ShownPixel(5, 3), test::PixelAt(5, 3));
     EXPECT_EQ(Panel(kPluginCountPanel), L"[表示中] クリップボード内の画像 ( 24bit )");
-    EXPECT_EQ(Panel(kShownFilePanel), L"( 31×17 24bit ) 3個のプラグイン");
-    EXPECT_EQ(controlBar_.info, L"クリップボード内の画像 ( 31×17 24bit )");
+    EXPECT_EQ(Panel(kShownFilePanel), L"( 30×16 24bit ) 3個のプラグイン");
+    EXPECT_EQ(controlBar_.info, L"クリップボード内の画像 ( 30×16 24bit )");
     EXPECT_EQ(window_.Source().fileName, L"クリップボード");
     window_.SetPictureSource({L"b.bmp", L""});  // the next file
     EXPECT_EQ(Panel(kPluginCountPanel), L"3個のプラグイン");
+    EXPECT_TRUE(messages_.All().empty());
 }
 
-TEST_F(ClipboardTest, TakesABareBitmapAndLeavesAPictureForWhatIsNone) {
-    const UniqueScreenDc screen(GetDC(nullptr));
-    {
-        const Picture picture = test::TestPicture(9, 7);
-        const ClipboardSession clipboard(window_.Handle());
-        EmptyClipboard();
-        SetClipboardData(CF_BITMAP, CreateBitmapFromDIB(screen.Get(), {picture.Info().data(),
-                                                                       picture.Bits().data()}));
-    }
-    Choose(menuEditPaste);
-    EXPECT_EQ(window_.pictureView().PictureSize().cx, 9);
-    EXPECT_EQ(ShownPixel(8, 6), test::PixelAt(8, 6));
-
+TEST_F(ClipboardTest, LeavesAPictureForWhatIsNone) {
     // What browsers offer: the system makes the older form of it.
     const DWORD header[31] = {124, 1,        2,      32 << 16 | 1, BI_BITFIELDS, 0,         0, 0, 0,
                               0,   0xFF0000, 0xFF00, 0xFF,         0xFF000000,   0x73524742};
-    std::vector<ClipboardItem> modern;
-    modern.push_back({CF_DIBV5, BlockOf(header)});
-    ASSERT_TRUE(PutOnClipboard(window_.Handle(), std::move(modern)));
-    Choose(menuEditPaste);
-    EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
+    Paste(CF_DIBV5, BlockOf(header));
     EXPECT_EQ(ShownPixel(0, 0), RGB('p', 'o', 't'));
-
-    std::vector<ClipboardItem> junk;
-    junk.push_back({CF_DIB, UniqueGlobal(GlobalAlloc(GHND, 40))});
-    PutOnClipboard(window_.Handle(), std::move(junk));
     window_.SetPanelText(kShownFilePanel, L"a.bmp");
-    Choose(menuEditPaste);
+    Paste(CF_DIB, UniqueGlobal(GlobalAlloc(GHND, 40)));
     EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
     EXPECT_EQ(Panel(kShownFilePanel), L"a.bmp");
-    EXPECT_TRUE(OpenClipboard(window_.Handle()));  // it was closed
-    CloseClipboard();
-
     SetCurrentPicture({});
     Choose(menuEditCopy);
     ASSERT_EQ(messages_.All().size(), 2u);
-    EXPECT_NE(messages_.All()[0].text.find(L"壊れているか"), std::wstring::npos);
+    EXPECT_TRUE(test::Has(messages_.All()[0].text, L"壊れているか"));
     EXPECT_EQ(messages_.All()[1].text, L"クリップボードにデータをコピーできません");
 }
 
 TEST_F(ClipboardTest, WaitsForWhoeverHasItAndNamesHim) {
     ShowPicture(8, 8);
-    OtherProgram other(window_.Handle());
-    other.Keep(400);
-    Choose(menuEditCopy);
+    for (const int item : {menuEditCopy, menuEditPaste}) {
+        const OtherProgram other(window_.Handle(), OtherProgram::kKeeps, 400);
+        Choose(item);
+        EXPECT_TRUE(other.WasAnswered());
+        EXPECT_TRUE(IsClipboardFormatAvailable(CF_DIB));
+    }
     EXPECT_TRUE(messages_.All().empty());
-    EXPECT_TRUE(IsClipboardFormatAvailable(CF_DIB));
-    EXPECT_TRUE(other.WasAnswered());
-    other.Keep(400);
-    Choose(menuEditPaste);
-    EXPECT_TRUE(messages_.All().empty());
-
-    other.Keep(60000);
+    const OtherProgram other(window_.Handle(), OtherProgram::kKeeps, 60000);
     Choose(menuEditCopy);
     Choose(menuEditPaste);
     ASSERT_EQ(messages_.All().size(), 2u);
-    for (const auto& message : messages_.All()) {
-        EXPECT_NE(message.text.find(L"\nmain_window_test.exe がクリップボードを使っています"),
-                  std::wstring::npos)
-            << message.text.size();
-    }
+    for (const auto& message : messages_.All())
+        EXPECT_TRUE(
+            test::Has(message.text, L"\nmain_window_test.exe がクリップボードを使っています"));
 }
 
 TEST_F(ClipboardTest, APictureThatIsMadeOnlyNowHoldsNothingUp) {
-    OtherProgram other(window_.Handle());
-    other.Promise(500);
-    PostMessageW(window_.Handle(), WM_COMMAND, menuEditPaste, 0);  // too early
-    Choose(menuEditPaste);
-    EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
-    EXPECT_TRUE(messages_.All().empty());
-    MSG message{};
-    EXPECT_FALSE(PeekMessageW(&message, window_.Handle(), WM_COMMAND, WM_COMMAND, PM_NOREMOVE));
-
+    {
+        const OtherProgram other(window_.Handle(), OtherProgram::kPromises, 500);
+        PostMessageW(window_.Handle(), WM_COMMAND, menuEditPaste, 0);  // too early
+        Choose(menuEditPaste);
+        EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
+        MSG message{};
+        EXPECT_FALSE(PeekMessageW(&message, window_.Handle(), WM_COMMAND, WM_COMMAND, PM_NOREMOVE));
+    }
     // The user does not want to wait.
-    SetCurrentPicture({});
     window_.ClearPicture();
-    other.Promise(1500);
+    const OtherProgram other(window_.Handle(), OtherProgram::kPromises, 1500);
     const DWORD start = GetTickCount();
     EnableWindow(window_.Handle(), FALSE);  // else the control bar is told of the key
     PostMessageW(window_.pictureView().Handle(), WM_KEYDOWN, VK_ESCAPE, 0);
@@ -257,22 +228,19 @@ bool TypeWithCtrl(HWND control, int key) {
 }
 
 TEST_F(ClipboardTest, KeysAreLeftToTextFields) {
-    EmptyTheClipboard();
     ShowPicture(8, 8);
+    const HWND view = window_.pictureView().Handle();
     const HWND field = CreateWindowExW(0, L"EDIT", L"", WS_CHILD, 0, 0, 9, 9, window_.Handle(),
                                        nullptr, nullptr, nullptr);
     EXPECT_FALSE(TypeWithCtrl(field, 'C'));
-    EXPECT_FALSE(IsClipboardFormatAvailable(CF_DIB));
-    EXPECT_TRUE(TypeWithCtrl(window_.pictureView().Handle(), 'C'));
+    EXPECT_FALSE(TypeWithCtrl(field, 'V'));
+    EXPECT_EQ(window_.pictureView().Note(), L"");
+    // The grey menu item takes no key.
+    EXPECT_TRUE(TypeWithCtrl(view, 'V'));
+    EXPECT_EQ(window_.pictureView().Note(), L"クリップボードに画像がありません。");
+    EXPECT_TRUE(TypeWithCtrl(view, 'C'));
     EXPECT_TRUE(IsClipboardFormatAvailable(CF_DIB));
     EXPECT_TRUE(controlBar_.pressed.empty());  // C alone is the player's
-
-    // The grey menu item takes no key.
-    EmptyTheClipboard();
-    EXPECT_FALSE(TypeWithCtrl(field, 'V'));
-    EXPECT_TRUE(window_.pictureView().Note().empty());
-    EXPECT_TRUE(TypeWithCtrl(window_.pictureView().Handle(), 'V'));
-    EXPECT_EQ(window_.pictureView().Note(), L"クリップボードに画像がありません。");
 }
 
 class WallpaperTest : public ClipboardTest {
@@ -296,8 +264,7 @@ class WallpaperTest : public ClipboardTest {
 
 TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
     EXPECT_FALSE(window_.Commands().IsEnabled(menuViewWallpaperTile));
-    SetCurrentPicture(test::TestPicture(30, 16));
-    window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
+    ShowSmaller();
     Values().saveOptions.bmp = {1, 1};  // how the user saves his own files
     Choose(menuViewWallpaperCenter);
     EXPECT_EQ(Style(L"TileWallpaper"), L"0");
@@ -307,8 +274,6 @@ TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
     Choose(menuViewWallpaperEsc);
     const std::wstring file = folder_.Path() + L"own\\tessary_viewer_wall_paper.bmp";
     EXPECT_EQ(shown_, (std::vector<std::wstring>{file, file, L""}));
-    EXPECT_TRUE(messages_.All().empty());
-
     Picture saved;
     ASSERT_TRUE(ReadBitmapFile(file, saved));
     EXPECT_EQ(saved.Width(), 15);

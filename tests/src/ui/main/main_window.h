@@ -22,14 +22,17 @@ class MainWindowTest : public testing::Test {
     void Load(int viewWidth = 320, int viewHeight = 240) {
         window_.SetControlBar(controlBar_);
         ASSERT_TRUE(window_.Load());
+        SizeView(viewWidth, viewHeight);
+    }
+    void SizeView(int width, int height) {
         for (int pass = 0; pass < 2; ++pass) {  // the menu may need fewer lines the second time
             const RECT frame = FrameOf(window_.Handle());
-            SetWindowPos(
-                window_.Handle(), nullptr, 0, 0, frame.right - frame.left + viewWidth - View().cx,
-                frame.bottom - frame.top + viewHeight - View().cy, SWP_NOMOVE | SWP_NOZORDER);
+            SetWindowPos(window_.Handle(), nullptr, 0, 0,
+                         frame.right - frame.left + width - View().cx,
+                         frame.bottom - frame.top + height - View().cy, SWP_NOMOVE | SWP_NOZORDER);
         }
-        ASSERT_EQ(View().cx, viewWidth);
-        ASSERT_EQ(View().cy, viewHeight);
+        ASSERT_EQ(View().cx, width);
+        ASSERT_EQ(View().cy, height);
     }
 
     // Makes a picture current and shows it.
