@@ -2,24 +2,18 @@
 // libraries and by test plug-ins.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
 #include "app/settings/settings_store.h"
 #include "plugin/modSusie.h"
-#include "res/resource.h"
 #include "tests/plugins/test_plugins.h"
+#include "tests/src/ui/main/main_window.h"
 #include "tests/src/ui/run_until.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/helper_libraries.h"
-#include "tests/support/recorded_messages.h"
-#include "tests/support/redirected_settings.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/control/frmControl.h"
-#include "ui/form/activity.h"
-#include "ui/form/message_loop.h"
 
 namespace tessary::test {
 
@@ -32,7 +26,7 @@ inline List Items(const ListBox& list) {
     return items;
 }
 
-class ControlBarTest : public testing::Test {
+class ControlBarTest : public MainWindowTest {
   protected:
     static void SetUpTestSuite() { LoadHelperLibraries(); }
 
@@ -48,9 +42,7 @@ class ControlBarTest : public testing::Test {
 
     void TearDown() override {
         CurrentActivity() = {};
-        window_.Unload();
-        DoEvents();
-        CurrentActivity() = {};
+        MainWindowTest::TearDown();
         UnloadSPI();
     }
 
@@ -76,18 +68,17 @@ class ControlBarTest : public testing::Test {
                              "TST 10x4x24\n\nTST 9x4x24\n\nhello\n");
     }
 
-    std::wstring Panel() const { return window_.statusInformation().PanelText(kShownFilePanel); }
-    std::wstring Notice() const { return window_.statusInformation().PanelText(kNoticePanel); }
+    std::wstring Panel() const { return MainWindowTest::Panel(kShownFilePanel); }
+    std::wstring Notice() const { return MainWindowTest::Panel(kNoticePanel); }
     std::wstring Note() const { return window_.pictureView().Note(); }
     std::wstring Info() const { return bar_.textFileInfo().Text(); }
     int Selected() const { return bar_.listFileName().Selected(); }
     bool IsEnabled(BarButton button) const {
         return bar_.CoolBar().IsButtonEnabled(static_cast<int>(button));
     }
+    RECT Frame() const { return FrameOf(bar_.Handle()); }
     int HeightAt96Dpi() const {
-        RECT frame{};
-        GetWindowRect(bar_.Handle(), &frame);
-        return MulDiv(frame.bottom - frame.top, 96, Metrics(bar_.Handle()).Dpi());
+        return MulDiv(Frame().bottom - Frame().top, 96, Metrics(bar_.Handle()).Dpi());
     }
 
     // What the user does.
@@ -108,10 +99,7 @@ class ControlBarTest : public testing::Test {
         return RunUntil([&] { return bar_.PlayMode() == BarButton::kStop; });
     }
 
-    RedirectedSettings settings_;
-    RecordedMessages messages_;
     TemporaryFolder folder_;
-    frmMain window_{{.commandLine = {}, .pluginCount = [] { return 2; }, .endProgram = {}}};
     frmControl bar_{window_};
 };
 

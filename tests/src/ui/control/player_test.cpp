@@ -1,6 +1,8 @@
 // Going through the files by the player's buttons.
 #include "ui/control/player.h"
 
+#include <tuple>
+
 #include "app/base/stay_awake.h"
 #include "tests/src/ui/control/control_bar_test.h"
 
@@ -20,81 +22,53 @@ class ScreenWatch {
     int count = 0;
 };
 
-TEST(TransportTest, PausesBehindEachStepAndKeepsTheScreenOn) {
+TEST(TransportTest, PausesBehindEachStep) {
     const RedirectedSettings settings;
     Values().general.slideShowTime = 5000;
-    const ScreenWatch screens;
     int steps = 0;
     int ends = 0;
-    bool isSeen = true;
     bool mayStep = true;
     Player player({.back = [] { return false; },
                    .forward = [&] { return ++steps < 3; },
                    .atEnd = [&] { ++ends; },
                    .mayStep = [&] { return mayStep; },
-                   .isSeen = [&] { return isSeen; },
+                   .isSeen = [] { return true; },
                    .inBurst = [](const std::function<void()>& run) { run(); }});
     player.Start(BarButton::kPlay);
-    player.Start(BarButton::kPlay);  // still one show
-    struct Tick {
-        DWORD later;
-        bool may, seen;
-        int steps, ends;
-    };
-    for (const Tick& tick : {Tick{6000, true, true, 1, 0},
-                             {3000, true, false, 1, 0},
-                             {6000, false, true, 1, 0},
-                             {6000, true, true, 2, 0},
-                             {6000, true, true, 3, 1}}) {
-        mayStep = tick.may;
-        isSeen = tick.seen;
-        player.Timer1_Timer(GetTickCount() + tick.later);
-        EXPECT_EQ(steps, tick.steps);
-        EXPECT_EQ(ends, tick.ends);
-        EXPECT_EQ(screens.count, tick.seen);
+    for (const auto& [later, may, expectedSteps, expectedEnds] : {std::tuple{6000, true, 1, 0},
+                                                                  {3000, true, 1, 0},
+                                                                  {6000, false, 1, 0},
+                                                                  {6000, true, 2, 0},
+                                                                  {6000, true, 3, 1}}) {
+        mayStep = may;
+        player.Timer1_Timer(GetTickCount() + later);
+        EXPECT_EQ(steps, expectedSteps);
+        EXPECT_EQ(ends, expectedEnds);
     }
-    player.HaltTimer();
-    EXPECT_EQ(player.PlayMode(), BarButton::kPlay);
-    EXPECT_EQ(screens.count, 0);
 }
 
 using PlayerTest = ControlBarTest;
 
-TEST_F(PlayerTest, PlaysToTheEndAndStops) {
-    Values().general.slideShowTime = 0;
-    const std::wstring text = folder_.Write(L"a.txt", "text");
-    bar_.SetFileList(List{text, Bitmap(L"1.bmp"), Archive(L"2.tsa"), text, Bitmap(L"3.bmp")});
-    for (const int expected : {1, 2, 2, 2, 4}) {
-        EXPECT_TRUE(bar_.ListIndexForwardOne());
-        EXPECT_EQ(Selected(), expected);
-    }
-    EXPECT_TRUE(bar_.ListIndexBackOne());
-    EXPECT_EQ(Info(), L"[圧縮] 2.tsa - [画像] b9.tst ( 9×4 24bit )");
-    bar_.Press(BarButton::kPlay);
-    EXPECT_FALSE(IsEnabled(BarButton::kDeleteList));
-    EXPECT_EQ(bar_.PlayMode(), BarButton::kPlay);
-    EXPECT_TRUE(StopsByItself());
-    EXPECT_EQ(Selected(), 4);
-    EXPECT_TRUE(IsEnabled(BarButton::kDeleteList));
-    bar_.Press(BarButton::kRewind);
-    EXPECT_TRUE(StopsByItself());
-    EXPECT_EQ(Selected(), -1);
-    EXPECT_EQ(Info(), L"[画像] 1.bmp ( 8×6 24bit )");
-    EXPECT_EQ(Panel(), L"[表示中] 1.bmp ( 8×6 24bit )");
-}
-
-TEST_F(PlayerTest, StepsStopTheShowAndFailuresDoNot) {
+TEST_F(PlayerTest, PlaysToBothEndsOverWhatFails) {
     Values().general.slideShowTime = 0;
     const std::wstring broken = folder_.Write(L"b.tst", "TST 8x8x24\ncrash:av:GetPicture\n");
-    bar_.SetFileList(List{Bitmap(L"1.bmp"), broken, broken, Bitmap(L"4.bmp", 16)});
-    bar_.Press(BarButton::kFastForward);
-    EXPECT_TRUE(RunUntil([&] { return Selected() == 3; }));
-    EXPECT_TRUE(StopsByItself());
-    EXPECT_EQ(Info(), L"[画像] 4.bmp ( 16×6 24bit )");
+    bar_.SetFileList(List{Bitmap(L"1.bmp"), Archive(L"2.tsa"), folder_.Write(L"a.txt", "text"),
+                          broken, broken, Bitmap(L"4.bmp", 16)});
+    for (const BarButton motion : {BarButton::kFastForward, BarButton::kRewind, BarButton::kPlay}) {
+        bar_.Press(motion);
+        EXPECT_EQ(bar_.PlayMode(), motion);
+        EXPECT_FALSE(IsEnabled(BarButton::kDeleteList));
+        EXPECT_TRUE(StopsByItself());
+        EXPECT_TRUE(IsEnabled(BarButton::kDeleteList));
+        const bool isBack = motion == BarButton::kRewind;
+        EXPECT_EQ(Selected(), isBack ? -1 : 5);
+        EXPECT_EQ(Info(), isBack ? L"[画像] 1.bmp ( 8×6 24bit )" : L"[画像] 4.bmp ( 16×6 24bit )");
+    }
+    // A step stops the show.
     bar_.Press(BarButton::kReversePlay);
     bar_.Press(BarButton::kStepBack);
     EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
-    EXPECT_EQ(Selected(), 2);
+    EXPECT_EQ(Selected(), 4);
     EXPECT_FALSE(window_.PictureShown());
     EXPECT_TRUE(messages_.All().empty());
 }
@@ -102,17 +76,15 @@ TEST_F(PlayerTest, StepsStopTheShowAndFailuresDoNot) {
 TEST_F(PlayerTest, DeleteDuringAShowTakesWhatIsSeen) {
     Values().general.slideShowTime = 10000;
     const List files = Bitmaps(3);
-    bar_.SetFileList(files);
-    const auto pressDelete = [&] {
-        window_.Commands().Run(commandAddToDeleteList);
+    const auto pressDelete = [&](BarButton motion) {
+        bar_.SetFileList(files);
+        bar_.Press(motion);
+        Choose(commandAddToDeleteList);
         return RunUntil([&] { return bar_.listDelete().Count() > 0; }, 500);
     };
-    bar_.Press(BarButton::kFastForward);
-    EXPECT_FALSE(pressDelete());
+    EXPECT_FALSE(pressDelete(BarButton::kFastForward));
     EXPECT_EQ(Note(), L"早送りや巻き戻しを止めてから、もう一度押してください。");
-    bar_.SetFileList(files);
-    bar_.Press(BarButton::kPlay);
-    EXPECT_TRUE(pressDelete());
+    EXPECT_TRUE(pressDelete(BarButton::kPlay));
     EXPECT_EQ(Items(bar_.listDelete()), List{files[0]});
     EXPECT_EQ(Info(), L"[画像] 2.bmp ( 8×6 24bit )");
     EXPECT_EQ(bar_.PlayMode(), BarButton::kPlay);
@@ -124,15 +96,18 @@ TEST_F(PlayerTest, AShowBehindADialogOrMinimisedIsNotSeen) {
     window_.Show();
     bar_.SetFileList(Bitmaps(3));
     bar_.Press(BarButton::kPlay);
-    const HWND main = window_.Handle();
-    for (const auto& change :
-         {+[](HWND window, bool back) { EnableWindow(window, back); },
-          +[](HWND window, bool back) { ShowWindow(window, back ? SW_RESTORE : SW_MINIMIZE); }}) {
-        for (const bool isSeen : {false, true}) {
-            change(main, isSeen);
-            EXPECT_TRUE(RunUntil([&] { return screens.count == isSeen; }));
-        }
-    }
+    bar_.Press(BarButton::kPlay);  // still one show
+    const auto expectSeen = [&](bool isSeen) {
+        EXPECT_TRUE(RunUntil([&] { return screens.count == isSeen; })) << isSeen;
+    };
+    EnableWindow(window_.Handle(), FALSE);
+    expectSeen(false);
+    EnableWindow(window_.Handle(), TRUE);
+    expectSeen(true);
+    ShowWindow(window_.Handle(), SW_MINIMIZE);
+    expectSeen(false);
+    ShowWindow(window_.Handle(), SW_RESTORE);
+    expectSeen(true);
     window_.Unload();
     EXPECT_EQ(screens.count, 0);
 }

@@ -107,7 +107,7 @@ TEST_F(WishTest, MotionAndCommandsWaitToo) {
     EXPECT_TRUE(window_.PictureShown());
     EXPECT_TRUE(RunUntil([&] { return !window_.PictureShown(); }));
     // Nothing of the file that is gone from the view.
-    EXPECT_EQ(Info() + Panel(), L"2個のプラグイン");
+    EXPECT_EQ(Info() + Panel(), L"3個のプラグイン");
     PostCommand(menuControl_3);  // 再生
     LoadSlowly(1);
     EXPECT_TRUE(Shows(7));
@@ -143,7 +143,7 @@ TEST_F(WishTest, WhatIsPutBackIsNotDeletedAfterwards) {
 
 TEST_F(WishTest, EscapeDuringALoadMeansTheLoad) {
     const auto isFull = [&] { return GetMenu(window_.Handle()) == nullptr; };
-    window_.Commands().Run(commandFullScreen);
+    Choose(commandFullScreen);
     for (const bool isDeaf : {false, true}) {
         if (isDeaf) MakeDeaf();
         Post(isDeaf ? "EE" : "E");
