@@ -4,25 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "tests/support/temporary_folder.h"
 
 namespace tessary {
 namespace {
 
 using List = std::vector<std::wstring>;
-
-// Does what it is told, as a list box does.
-class ToldList final : public EntryMirror {
-  public:
-    void EntriesExpected(int) override {}
-    void EntryAdded(const std::wstring& text) override { texts.push_back(text); }
-    void EntryRemoved(int index) override { texts.erase(texts.begin() + index); }
-    void EntriesCleared() override { texts.clear(); }
-    void CursorMoved(int index) override { cursor = index; }
-
-    List texts;
-    int cursor = -1;
-};
 
 // Knows pictures by their names, and has only so much patience.
 class NamedKinds final : public KindSource {
@@ -37,34 +26,26 @@ class NamedKinds final : public KindSource {
     size_t patience = 100;
 };
 
-TEST(FileSequenceTest, MirrorsSeeWhatTheSequenceHas) {
+TEST(FileSequenceTest, TheCursorStaysWithItsEntry) {
     FileSequence::FileEntries files;
-    ToldList list;
     int selections = 0;
-    files.SetMirror(list);
     files.OnSelect([&] { ++selections; });
     for (const wchar_t* const name : {L"a", L"b", L"c", L"d", L"b"})
         files.Add({name});
     files.Select(2);
     EXPECT_EQ(files.IndexOf(files.Current()), 2);
-    struct Case {
-        int removed, cursor;
-        List left;
-    };
-    for (const Case& c : {Case{3, 2, {L"a", L"b", L"c", L"b"}}, Case{0, 1, {L"b", L"c", L"b"}},
-                          Case{1, -1, {L"b", L"b"}}}) {
-        files.Remove(c.removed);
-        EXPECT_EQ(files.Texts(), c.left);
-        EXPECT_EQ(list.texts, c.left);
-        EXPECT_EQ(files.Cursor(), c.cursor);
-        EXPECT_EQ(list.cursor, c.cursor);
+    for (const auto& [removed, cursor, left] : {std::tuple{3, 2, List{L"a", L"b", L"c", L"b"}},
+                                                {0, 1, {L"b", L"c", L"b"}},
+                                                {1, -1, {L"b", L"b"}}}) {
+        files.Remove(removed);
+        EXPECT_EQ(files.Texts(), left);
+        EXPECT_EQ(files.Cursor(), cursor);
     }
     files.SetCursor(7);  // what a search has found may be gone by its end
     EXPECT_EQ(files.Cursor(), -1);
     files.Select(1);
     files.Clear();
     EXPECT_EQ(files.Cursor(), -1);
-    EXPECT_EQ(list.texts, List{});
     EXPECT_EQ(selections, 2);
 }
 
@@ -104,11 +85,9 @@ TEST(FileSequenceTest, StepsGoThroughMembersAndKnownFiles) {
         sequence.Members().SetCursor(c.member);
         NamedKinds kinds;
         const StepTarget target = sequence.Find(c.steps, c.member != -2, kinds);
-        const std::string from = std::to_string(c.file) + ", " + std::to_string(c.member) + " by " +
-                                 std::to_string(c.steps);
-        EXPECT_EQ(target.member, c.toMember) << from;
-        EXPECT_EQ(target.file, c.toFile) << from;
-        EXPECT_EQ(target.isKnown, c.isKnown) << from;
+        EXPECT_EQ(std::tie(target.member, target.file, target.isKnown),
+                  std::tie(c.toMember, c.toFile, c.isKnown))
+            << c.file << ", " << c.member << " by " << c.steps;
     }
     NamedKinds impatient;
     impatient.patience = 1;
