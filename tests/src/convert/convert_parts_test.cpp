@@ -1,4 +1,5 @@
 // The engine's small parts: filters, masks, files.
+#include "app/base/text.h"
 #include "convert/decode_filter.h"
 #include "convert/delete_files.h"
 #include "convert/make_folder.h"
@@ -30,24 +31,14 @@ TEST(NameMask, Language) {
         {L"*a*b*c", L"abc xaxbxc abcabc aabbcc", L"acb abcx bc"},
         {L"写真[あ-ん]*", L"写真あ.jpg 写真ん", L"写真ア.jpg"},
     };
-    const auto each = [](std::wstring_view names, auto check) {
-        while (!names.empty()) {
-            const size_t end = std::min(names.find(L' '), names.size());
-            check(names.substr(0, end));
-            names.remove_prefix(std::min(end + 1, names.size()));
-        }
-    };
+    std::vector<std::wstring> names;
     for (const auto& row : table) {
-        const std::wstring_view mask = row.mask;
-        const auto told = [&](std::wstring_view name) {
-            return testing::Message() << row.mask << ' ' << std::wstring(name);
-        };
-        each(row.matching, [&](std::wstring_view name) {
-            EXPECT_TRUE(MatchesNameMask(name, mask)) << told(name);
-        });
-        each(row.others, [&](std::wstring_view name) {
-            EXPECT_FALSE(MatchesNameMask(name, mask)) << told(name);
-        });
+        for (const bool matches : {true, false}) {
+            SplitText(matches ? row.matching : row.others, L' ', names);
+            for (const std::wstring& name : names)
+                EXPECT_TRUE(name.empty() || MatchesNameMask(name, row.mask) == matches)
+                    << row.mask << ' ' << name;
+        }
     }
     EXPECT_TRUE(MatchesNameMask(L"", L"*[]"));
     EXPECT_FALSE(MatchesNameMask(L"", L"?"));

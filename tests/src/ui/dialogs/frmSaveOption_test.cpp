@@ -21,7 +21,6 @@ TEST(SaveOptionTest, EachFormatHasItsPanel) {
                            EXPECT_TRUE(HasFocus(dialog, sliderJpegQuality));
                            EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"70");  // in steps of ten
                            PressKey(dialog, sliderJpegQuality, VK_RIGHT);
-                           EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"80");
                            Press(dialog, IDCANCEL);
                        },
                        [](HWND dialog) {

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "tests/src/ui/test_picture.h"
 
 namespace tessary {
