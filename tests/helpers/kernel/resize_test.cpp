@@ -1,5 +1,8 @@
 #include "helpers/kernel/resize.h"
 
+#include <numeric>
+
+#include "helpers/kernel/column_pass.h"
 #include "tests/helpers/dib/sample_picture.h"
 #include "tests/helpers/kernel/reference_resize.h"
 
@@ -81,6 +84,20 @@ TEST(Resize, LeavesFlatPicturesFlat) {
                 EXPECT_EQ(std::count(rows.begin(), rows.end(), value), std::ssize(rows))
                     << side << " wide, value " << int{value};
             }
+        }
+    }
+}
+
+TEST(Resize, RoundsWeightsWithoutChangingTheirSum) {
+    std::vector<double> exact;
+    FixedWeights fixed;
+    for (const int32_t sourceLength : {5, 40, 577, 4000, 30000}) {
+        const FilterAxis axis(sourceLength, 37, ResizeFilter::kAutomatic);
+        for (int32_t target = 0; target < 37; ++target) {
+            axis.WeightsOf(target, exact);
+            fixed.Assign(exact);
+            const auto values = fixed.Values();
+            EXPECT_EQ(std::accumulate(values.begin(), values.end(), 0) * fixed.Unit(), 1.0f);
         }
     }
 }

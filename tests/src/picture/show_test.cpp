@@ -14,6 +14,7 @@
 #include "picture/show/picture_kernel.h"
 #include "picture/show/picture_text.h"
 #include "plugin/modSusie.h"
+#include "tests/helpers/dib/test_bitmap.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/distant_files.h"
@@ -149,7 +150,12 @@ TEST(FitTest, KeepsProportionsInsideTheBox) {
 }
 
 TEST_F(ShowTest, ABitmapNeedsNoPluginAndKeepsItsOwnSize) {
-    EXPECT_EQ(Show(files_.Write(L"絵.dat", kBitmap)), L"20×10  ");
+    for (const uint32_t header : {12, 40, 124}) {
+        const auto file =
+            dib::test::TestBitmap{20, 10, 24, dib::test::Bytes(600), {}, header}.File();
+        const std::string content(file.begin(), file.end());
+        EXPECT_EQ(Show(files_.Write(L"絵.dat", content)), L"20×10  ") << header;
+    }
     Values().fixSizeValue = kSizeMode640;
     EXPECT_TRUE(DisplayCurrentPicture(view_));
     EXPECT_EQ(view_.shown, L"640×320");
