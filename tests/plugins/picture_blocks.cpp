@@ -4,8 +4,6 @@
 
 #include <cstdio>
 
-#include "tests/plugins/pattern.h"
-
 namespace tessary::test {
 namespace {
 
@@ -19,7 +17,8 @@ std::string MakeRow(const PictureSize& size, uint32_t y) {
     if (size.depth < 24) row.assign((size.width * size.depth + 7) / 8, '\0');
     for (uint32_t x = 0; x < size.width; ++x) {
         if (size.depth == 24) {
-            Append(row, PatternPixel(x, y));
+            for (const uint32_t channel : {x * 7, y * 11, x * 3 + y * 5})
+                row += static_cast<char>(channel);
             continue;
         }
         const uint32_t bit = x * size.depth;

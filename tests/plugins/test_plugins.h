@@ -6,7 +6,6 @@
 #include <initializer_list>
 #include <string>
 
-#include "tests/plugins/pattern.h"
 #include "tests/support/loaded_library.h"
 
 namespace tessary::test {

@@ -161,8 +161,7 @@ TEST_P(ConnectionTest, OnlyPlainPicturesAreHandedOn) {
     const DecodedPicture plain = Decoded("header:108");
     ASSERT_TRUE(plain.HasSucceeded() && plain.picture);
     const auto pixel = plain.picture.View().Row(1).subspan(2 * 3);
-    const test::Colour expected = test::PatternPixel(2, 1);
-    EXPECT_EQ((test::Colour{pixel[0], pixel[1], pixel[2]}), expected);
+    EXPECT_TRUE(pixel[0] == 14 && pixel[1] == 11 && pixel[2] == 11);
     for (const char* lie :
          {"bits-size:10", "info-size:20", "no-handles", "no-bits", "no-info", "same-handle",
           "wild-handles", "biWidth:100000", "biHeight:0", "biBitCount:7", "biSize:400",
