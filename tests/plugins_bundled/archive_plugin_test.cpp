@@ -249,10 +249,8 @@ TEST_F(AxtArc, KeepsNothingOpenAndNoticesOtherData) {
     constexpr size_t kPage = 0x10000;
     auto* const pages =
         static_cast<uint8_t*>(VirtualAlloc(nullptr, 2 * kPage, MEM_COMMIT, PAGE_READWRITE));
-    Bytes two = block;
-    two.resize(2 * kPage);
-    std::copy(two.begin(), two.end(), pages);
-    Source freed(two);
+    std::copy(block.begin(), block.end(), pages);
+    Source freed(Bytes(2 * kPage));
     freed.address = reinterpret_cast<const char*>(pages);
     EXPECT_EQ(List(freed).size(), 2u);
     EXPECT_TRUE(VirtualFree(pages + kPage, kPage, MEM_DECOMMIT));
