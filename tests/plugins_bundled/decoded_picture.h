@@ -76,7 +76,7 @@ struct Decoded {
         result = codec.Decode(source, target, progress);
         condition = progress.Told().condition;
     }
-    Colors Pixels() const { return Colors(*target.View()); }
+    Colors Pixels() const { return Colors(target.View().value()); }
 
     MemoryTarget target;
     PictureForm form;

@@ -68,7 +68,7 @@ class HandedPicture {
     Colors Pixels() const {
         const std::span infoBytes(static_cast<uint8_t*>(LocalLock(info)), LocalSize(info));
         const std::span bitsBytes(static_cast<uint8_t*>(LocalLock(bits)), LocalSize(bits));
-        return Colors(*dib::DibView::Of(infoBytes, bitsBytes));
+        return Colors(dib::DibView::Of(infoBytes, bitsBytes).value());
     }
 
     HLOCAL info = nullptr;
