@@ -14,35 +14,30 @@ using dib::test::SamplePicture;
 
 constexpr auto kAutomatic = static_cast<uint32_t>(ResizeFilter::kAutomatic);
 
-// The kernel's four files.
-struct LoadedKernel {
-    test::LoadedLibrary kernel{L"pic_kernel.dll"};
-    test::LoadedLibrary import{L"bmp_import.iplg"};
-    test::LoadedLibrary filter{L"plg_resize.fplg"};
-    test::LoadedLibrary output{L"bmp_export.eplg"};
-    GetImageBlocksFunction blocks = kernel[kGetImageBlocksName];
-    DestroyImageHandleFunction destroy = kernel[kDestroyImageHandleName];
-    AttachMemoryImageFunction attach = import[kAttachMemoryImageName];
-    DoFilterFunction resize = filter[kDoFilterName];
-    WriteImageFunction write = output[kWriteImageName];
-    WriteMemoryImageFunction writeMemory = output[kWriteMemoryImageName];
-};
-
 class PicKernel : public testing::Test {
   protected:
     HIMAGE Attach(const SamplePicture& picture) {
         HIMAGE image = nullptr;
-        EXPECT_EQ(kernel_.attach(picture.info.data(), picture.info.size(), picture.bits.data(),
-                                 picture.bits.size(), &image),
+        EXPECT_EQ(attach_(picture.info.data(), picture.info.size(), picture.bits.data(),
+                          picture.bits.size(), &image),
                   kKernelOk);
         return image;
     }
     KernelResult Resize(HIMAGE source, ResizeParameters parameters) {
         resized_ = reinterpret_cast<HIMAGE>(~uintptr_t{0});
-        return kernel_.resize(source, &parameters, &resized_);
+        return resize_(source, &parameters, &resized_);
     }
 
-    LoadedKernel kernel_;
+    const test::LoadedLibrary kernel_{L"pic_kernel.dll"};
+    const test::LoadedLibrary import_{L"bmp_import.iplg"};
+    const test::LoadedLibrary filter_{L"plg_resize.fplg"};
+    const test::LoadedLibrary output_{L"bmp_export.eplg"};
+    GetImageBlocksFunction blocks_ = kernel_[kGetImageBlocksName];
+    DestroyImageHandleFunction destroy_ = kernel_[kDestroyImageHandleName];
+    AttachMemoryImageFunction attach_ = import_[kAttachMemoryImageName];
+    DoFilterFunction resize_ = filter_[kDoFilterName];
+    WriteImageFunction write_ = output_[kWriteImageName];
+    WriteMemoryImageFunction writeMemory_ = output_[kWriteMemoryImageName];
     HIMAGE resized_ = nullptr;
     test::TemporaryFolder folder_;
     std::wstring target_ = folder_.Path() + L"~temp.bmp";
@@ -60,9 +55,9 @@ TEST_F(PicKernel, ResizesIntoABitmapFile) {
         const SamplePicture picture(format, 121, format < PixelFormat::kRgb565 ? 90 : -91);
         const HIMAGE source = Attach(picture);
         ASSERT_EQ(Resize(source, {sizeof(ResizeParameters), 47, 130, kAutomatic}), kKernelOk);
-        ASSERT_EQ(kernel_.write(resized_, target_.c_str()), kKernelOk);
-        EXPECT_EQ(kernel_.destroy(resized_), kKernelOk);
-        EXPECT_EQ(kernel_.destroy(source), kKernelOk);
+        ASSERT_EQ(write_(resized_, target_.c_str()), kKernelOk);
+        EXPECT_EQ(destroy_(resized_), kKernelOk);
+        EXPECT_EQ(destroy_(source), kKernelOk);
         const auto file = test::ContentOf<std::vector<uint8_t>>(target_);
         ASSERT_EQ(file.size(), headers.size() + 144 * 130);
         EXPECT_EQ(std::memcmp(file.data(), headers.data(), headers.size()), 0);
@@ -78,21 +73,21 @@ TEST_F(PicKernel, AttachesPixelsInPlaceAndKnowsNoImageThatIsGone) {
     const HIMAGE attached = Attach(picture);
     std::fill(picture.info.begin(), picture.info.end(), uint8_t{0});
     ImageBlocks blocks{};
-    EXPECT_EQ(kernel_.blocks(attached, &blocks), kKernelBadParameter);
+    EXPECT_EQ(blocks_(attached, &blocks), kKernelBadParameter);
     blocks.size = sizeof(blocks);
-    ASSERT_EQ(kernel_.blocks(attached, &blocks), kKernelOk);
+    ASSERT_EQ(blocks_(attached, &blocks), kKernelOk);
     EXPECT_EQ(blocks.bits, picture.bits.data());
     EXPECT_EQ(blocks.ownBits, nullptr);
     ASSERT_EQ(blocks.infoSize, info.size());
     EXPECT_EQ(std::memcmp(blocks.info, info.data(), info.size()), 0);
 
-    EXPECT_EQ(kernel_.destroy(attached), kKernelOk);
+    EXPECT_EQ(destroy_(attached), kKernelOk);
     for (const HIMAGE gone : {attached, HIMAGE{}}) {
-        EXPECT_EQ(kernel_.destroy(gone), kKernelBadHandle);
-        EXPECT_EQ(kernel_.blocks(gone, &blocks), kKernelBadHandle);
-        EXPECT_EQ(kernel_.write(gone, target_.c_str()), kKernelBadHandle);
+        EXPECT_EQ(destroy_(gone), kKernelBadHandle);
+        EXPECT_EQ(blocks_(gone, &blocks), kKernelBadHandle);
+        EXPECT_EQ(write_(gone, target_.c_str()), kKernelBadHandle);
         void* left[] = {&blocks, &blocks};
-        EXPECT_EQ(kernel_.writeMemory(gone, &left[0], &left[1]), kKernelBadHandle);
+        EXPECT_EQ(writeMemory_(gone, &left[0], &left[1]), kKernelBadHandle);
         EXPECT_EQ(left[0], nullptr);
         EXPECT_EQ(left[1], nullptr);
         EXPECT_EQ(Resize(gone, {sizeof(ResizeParameters), 1, 1, kAutomatic}), kKernelBadHandle);
@@ -118,8 +113,8 @@ TEST_F(PicKernel, RefusesBadParameters) {
         EXPECT_EQ(Resize(image, parameters), result);
         EXPECT_EQ(resized_, nullptr);
     }
-    EXPECT_EQ(kernel_.write(image, folder_.Path().c_str()), kKernelCannotWrite);
-    kernel_.destroy(image);
+    EXPECT_EQ(write_(image, folder_.Path().c_str()), kKernelCannotWrite);
+    destroy_(image);
 }
 
 }  // namespace
