@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "app/base/modScreenCaps.h"
 #include "tests/support/temporary_folder.h"
@@ -23,25 +24,22 @@ TEST_F(CommandLineTest, NamesEndAsEachSystemHasThem) {
     folder_.Write(L"sub\\inner.jpg");
     const std::wstring noDot = folder_.Write(L"nodot");
     const std::wstring quoted = L'"' + spaced_ + L'"';
-    const struct {
-        std::wstring line;
-        uint32_t platform;
-        Names names;
-    } table[] = {{quoted + L' ' + plain_, kPlatformNT, {spaced_, plain_}},
-                 {spaced_, kPlatformNT, {}},
-                 {L"  " + plain_ + L"   \"" + spaced_, kPlatformNT, {plain_, spaced_}},
-                 {L"\"\" \" " + plain_, kPlatformNT, {}},
-                 {folder_.Path(), kPlatformNT, {plain_, noDot, spaced_}},
-                 {plain_ + L' ' + plain_, kPlatformWindows95, {plain_, plain_}},
-                 {quoted, kPlatformWindows95, {}},
-                 {plain_, 0, {}}};
-    for (const auto& row : table) {
+    const std::tuple<std::wstring, uint32_t, Names> table[] = {
+        {quoted + L' ' + plain_, kPlatformNT, {spaced_, plain_}},
+        {spaced_, kPlatformNT, {}},
+        {L"  " + plain_ + L"   \"" + spaced_, kPlatformNT, {plain_, spaced_}},
+        {L"\"\" \" " + plain_, kPlatformNT, {}},
+        {folder_.Path(), kPlatformNT, {plain_, noDot, spaced_}},
+        {plain_ + L' ' + plain_, kPlatformWindows95, {plain_, plain_}},
+        {quoted, kPlatformWindows95, {}},
+        {plain_, 0, {}}};
+    for (const auto& [line, platform, expected] : table) {
         Names names{L"first"};
-        EXPECT_EQ(ParseCommandLine(row.line, row.platform, names), std::ssize(row.names));
+        EXPECT_EQ(ParseCommandLine(line, platform, names), std::ssize(expected));
         EXPECT_EQ(names[0], L"first") << "what is there stays";
         names.erase(names.begin());
-        if (row.line == folder_.Path()) std::ranges::sort(names);
-        EXPECT_EQ(names, row.names) << row.line << ' ' << row.platform;
+        if (line == folder_.Path()) std::ranges::sort(names);
+        EXPECT_EQ(names, expected) << line << ' ' << platform;
     }
 }
 

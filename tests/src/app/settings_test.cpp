@@ -25,13 +25,9 @@ class SettingsTest : public testing::Test {
 // One key of every type and of each place that has a rule of its own.
 TEST_F(SettingsTest, ValuesComeBackAndHaveDefaults) {
     const std::wstring appFolder = RemoveBackslash(AppFolder());
-    const struct {
-        const wchar_t* section;
-        const wchar_t* key;
-        std::wstring first;   // in an empty store
-        std::wstring chosen;  // by the user
-        std::wstring kept{};  // what becomes of that; empty: the same
-    } table[] = {
+    // section, key, first in an empty store, chosen by the user, what becomes of that if not the
+    // same
+    const std::wstring table[][5] = {
         {L"General", L"UseSPI", L"0", L"1"},
         {L"General", L"SPIFolder_2", L"", LR"(C:\表示ソフト\사진 )"},
         {L"General", L"LoadSPI_1", L"True", L"False"},
@@ -54,21 +50,21 @@ TEST_F(SettingsTest, ValuesComeBackAndHaveDefaults) {
         ASSERT_TRUE(ReadGeneralSettings() && ReadConvertSettings());
         ASSERT_TRUE(WriteGeneralSettings() && WriteConvertSettings());
     };
-    for (const auto& row : table)
-        SaveSetting(row.section, row.key, row.chosen);
+    for (const auto& [section, key, first, chosen, kept] : table)
+        SaveSetting(section, key, chosen);
     transfer();
     EXPECT_EQ(Values().general.openPath, LR"(C:\open)");
     EXPECT_EQ(Values().general.spiFolder[1], LR"(C:\表示ソフト\사진 )");
     EXPECT_FALSE(Values().general.loadSPI[0]);
     EXPECT_EQ(Values().convert.minDecodeSizeX, 70000);
     EXPECT_EQ(Values().saveOptions.jpeg.quality, 61);
-    for (const auto& row : table) {
-        EXPECT_EQ(GetSetting(row.section, row.key), row.kept.empty() ? row.chosen : row.kept);
-        DeleteSetting(row.section, row.key);
+    for (const auto& [section, key, first, chosen, kept] : table) {
+        EXPECT_EQ(GetSetting(section, key), kept.empty() ? chosen : kept) << key;
+        DeleteSetting(section, key);
     }
     transfer();
-    for (const auto& row : table)
-        EXPECT_EQ(GetSetting(row.section, row.key), row.first) << row.key;
+    for (const auto& [section, key, first, chosen, kept] : table)
+        EXPECT_EQ(GetSetting(section, key), first) << key;
     EXPECT_TRUE(messages_.All().empty());
 }
 

@@ -1,6 +1,7 @@
 // What becomes of names that are in use: no source and no result of a run is lost, and runs that
 // are repeated, in whatever order, come to the same files.
 #include <set>
+#include <tuple>
 
 #include "convert/work_list.h"
 #include "tests/src/convert/convert_test.h"
@@ -187,12 +188,8 @@ TEST_F(ConflictTest, RunsThatWereKilledAreRepeated) {
 TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
     source_.Write(L"a.tst", "TST 4x4x24\n");
     const std::wstring target = Target() + L"a.bmp";
-    const struct {
-        int32_t policy;
-        ConflictAnswer answer;
-        const wchar_t* names;
-        bool stays;
-    } table[] = {
+    // The setting, the answer where it asks, what is there then, and whether "mine" is.
+    const std::tuple<int32_t, ConflictAnswer, const wchar_t*, bool> table[] = {
         {kConflictFreeName, {}, L"a.bmp ", false},
         {kConflictSkip, {}, L"a.bmp ", true},
         {kConflictOverwrite, {}, L"a.bmp ", false},
@@ -200,18 +197,18 @@ TEST_F(ConflictTest, WhatIsNoneOfTheRunIsTreatedAsTheUserWants) {
         {kConflictAsk, ConflictAnswer::kFreeName, L"a (2).bmp a.bmp ", true},
         {kConflictAsk, ConflictAnswer::kSkip, L"a.bmp ", true},
     };
-    for (const auto& row : table) {
+    for (const auto& [policy, answer, names, stays] : table) {
         std::filesystem::remove_all(Target());
         target_.Write(L"out\\a.bmp", "mine");
-        settings_.onConflict = row.policy;
-        monitor_.answer = row.answer;
+        settings_.onConflict = policy;
+        monitor_.answer = answer;
         EXPECT_TRUE(RunOverAll());
-        EXPECT_EQ(Converted(), row.names);
-        EXPECT_EQ(ContentOf(target) == "mine", row.stays) << row.policy;
+        EXPECT_EQ(Converted(), names);
+        EXPECT_EQ(ContentOf(target) == "mine", stays) << policy;
         const FileReport& report = monitor_.reports.back();
-        EXPECT_EQ(report.isReplaced, !row.stays);
-        EXPECT_EQ(report.outcome == FileOutcome::kSkipped, row.stays && !report.isRenamed);
-        EXPECT_EQ(report.reason == FileReason::kTargetExists, row.stays);
+        EXPECT_EQ(report.isReplaced, !stays);
+        EXPECT_EQ(report.outcome == FileOutcome::kSkipped, stays && !report.isRenamed);
+        EXPECT_EQ(report.reason == FileReason::kTargetExists, stays);
     }
     // What lies beside a source is likely to be a picture of his, although it is not in the list.
     settings_.onConflict = kConflictFreeName;

@@ -1,4 +1,6 @@
 // The log of whole runs, as it stands in the file.
+#include <tuple>
+
 #include "app/base/file_identity.h"
 #include "app/base/text.h"
 #include "app/settings/settings.h"
@@ -115,24 +117,21 @@ TEST_F(ConvertLogTest, TellsWhatBecomesOfArchives) {
 }
 
 TEST_F(ConvertLogTest, TellsWhyAnArchiveIsNotRead) {
-    const struct {
-        const char* condition;
-        const char* failure;
-        const wchar_t* text;
-        FileReason reason;
-    } table[] = {{"4:hidden list", "GetArchiveInfo:2", L"hidden list", FileReason::kPassword},
-                 {"2:hidden member", "GetFile:2", L"hidden member", FileReason::kPassword},
-                 {"3:volume", "GetArchiveInfo:3", L"volume", FileReason::kVolumeMissing},
-                 {"1:torn", "GetArchiveInfo:3", L"torn", FileReason::kBrokenData},
-                 {"5:method", "GetFile:2", L"method", FileReason::kKindNotRead}};
-    for (const auto& row : table) {
+    // What the plug-in tells, which function fails and how, and what becomes of both.
+    const std::tuple<std::string, std::string, std::wstring, FileReason> table[] = {
+        {"4:hidden list", "GetArchiveInfo:2", L"hidden list", FileReason::kPassword},
+        {"2:hidden member", "GetFile:2", L"hidden member", FileReason::kPassword},
+        {"3:volume", "GetArchiveInfo:3", L"volume", FileReason::kVolumeMissing},
+        {"1:torn", "GetArchiveInfo:3", L"torn", FileReason::kBrokenData},
+        {"5:method", "GetFile:2", L"method", FileReason::kKindNotRead}};
+    for (const auto& [condition, failure, text, reason] : table) {
         monitor_.files.clear();
-        Add(L"x.tsa", ArchiveOf({{"a.tst", "x"}}, "condition:" + std::string(row.condition) +
-                                                      "\nanswer-after:" + row.failure + "\n"));
+        Add(L"x.tsa", ArchiveOf({{"a.tst", "x"}},
+                                "condition:" + condition + "\nanswer-after:" + failure + "\n"));
         EXPECT_TRUE(RunAnew());
-        ASSERT_EQ(monitor_.reports.size(), 1U) << row.condition;
-        EXPECT_EQ(monitor_.reports[0].text, row.text + std::wstring(L" (axtsa.spi)"));
-        EXPECT_EQ(monitor_.reports[0].reason, row.reason) << row.condition;
+        ASSERT_EQ(monitor_.reports.size(), 1U) << condition;
+        EXPECT_EQ(monitor_.reports[0].text, text + L" (axtsa.spi)");
+        EXPECT_EQ(monitor_.reports[0].reason, reason) << condition;
     }
 }
 

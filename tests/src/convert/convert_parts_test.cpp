@@ -11,11 +11,8 @@ namespace tessary::test {
 namespace {
 
 TEST(NameMask, Language) {
-    const struct {
-        const wchar_t* mask;
-        const wchar_t* matching;  // names with blanks between
-        const wchar_t* others;
-    } table[] = {
+    // A mask, names that match it with blanks between, and others.
+    const wchar_t* const table[][3] = {
         {L"*.jpg", L"a.jpg .jpg a.b.jpg .jpg.jpg", L"A.JPG a.jpg.x a.jpgx ajpg"},
         {L"*", L"a .", L""},
         {L"a?c", L"abc a?c", L"ac abbc Abc"},
@@ -32,12 +29,12 @@ TEST(NameMask, Language) {
         {L"写真[あ-ん]*", L"写真あ.jpg 写真ん", L"写真ア.jpg"},
     };
     std::vector<std::wstring> names;
-    for (const auto& row : table) {
+    for (const auto& [mask, matching, others] : table) {
         for (const bool matches : {true, false}) {
-            SplitText(matches ? row.matching : row.others, L' ', names);
+            SplitText(matches ? matching : others, L' ', names);
             for (const std::wstring& name : names)
-                EXPECT_TRUE(name.empty() || MatchesNameMask(name, row.mask) == matches)
-                    << row.mask << ' ' << name;
+                EXPECT_TRUE(name.empty() || MatchesNameMask(name, mask) == matches)
+                    << mask << ' ' << name;
         }
     }
     EXPECT_TRUE(MatchesNameMask(L"", L"*[]"));

@@ -55,10 +55,9 @@ class ConverterTest : public MainWindowTest {
     }
 
     std::wstring Target() const { return target_.Path() + L"出力\\"; }
-    int Converted() const {
-        int count = 0;
-        for (int index = 1; index <= 3; ++index)
-            count += PathExists(Target() + std::to_wstring(index) + L".png") ? 1 : 0;
+    // How many pictures are there; none behind that.
+    size_t Converted() const {
+        const size_t count = FilesInFolder(Target(), L"*.png").size();
         std::filesystem::remove_all(Target());
         return count;
     }
@@ -215,7 +214,7 @@ TEST_F(ConverterTest, ShowsARunAndComesBack) {
               Type(dialog, textConvertFolder, L" \"" + RemoveBackslash(Target()) + L"\"");
               Press(dialog, cmdRunConvert);
               EXPECT_FALSE(IsReadUnderWay());
-              EXPECT_EQ(Converted(), 3);
+              EXPECT_EQ(Converted(), 3U);
               EXPECT_EQ(TextOf(dialog, textConvertFolder), Target());
               EXPECT_EQ(TextOf(dialog, lblResult),
                         L"変換が終わりました。　変換 3 個、対象外 0 個、失敗 1 個");
@@ -249,10 +248,10 @@ TEST_F(ConverterTest, WritesNoLogOverAPicture) {
           {RunWith([&](HWND) { Values().convert.errorLogFileName = files_[1]; }), [&](HWND dialog) {
                EXPECT_EQ(asked_.size(), 1U);
                EXPECT_TRUE(IsUsable(dialog, cmdRunConvert));
-               EXPECT_EQ(Converted(), 0);
+               EXPECT_EQ(Converted(), 0U);
                Values().convert.errorLogFileName = source_.Write(L"old.log", "***");
                Press(dialog, cmdRunConvert);
-               EXPECT_EQ(Converted(), 3);
+               EXPECT_EQ(Converted(), 3U);
            }});
     EXPECT_EQ(std::filesystem::file_size(files_[1]), BitmapFileOf(4, 3, 0).size());
     EXPECT_EQ(asked_.size(), 1U);
@@ -267,13 +266,13 @@ TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
                    }),
                    [&](HWND dialog) {
                        EXPECT_EQ(asked_, (Texts{stop, kRefusal}));
-                       EXPECT_EQ(Converted(), 3);
+                       EXPECT_EQ(Converted(), 3U);
                        Press(dialog, IDOK);
                    },
                    RunWith([&](HWND dialog) { PressLater(dialog, IDCANCEL); }),
                    [&](HWND dialog) {
                        EXPECT_EQ(asked_, (Texts{stop, kRefusal, stop}));
-                       EXPECT_EQ(Converted(), 1);
+                       EXPECT_EQ(Converted(), 1U);
                        EXPECT_EQ(TextOf(dialog, lblRateTotal), L"1 / 3");
                        EXPECT_NE(TextOf(dialog, lblResult).find(L"中止しました"),
                                  std::wstring::npos);
@@ -285,7 +284,7 @@ TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
                    }),
                    [&](HWND) {
                        EXPECT_EQ(asked_.size(), 3U);
-                       EXPECT_EQ(Converted(), 1);
+                       EXPECT_EQ(Converted(), 1U);
                    }});
 }
 
@@ -324,13 +323,13 @@ TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
                            Press(dialog, cmdRunConvert);
                            EXPECT_EQ(asked_, Texts{kRefusal});
                            EXPECT_TRUE(wasHeld);
-                           EXPECT_EQ(Converted(), 3);
+                           EXPECT_EQ(Converted(), 3U);
                            Press(dialog, IDOK);
                        },
                        [&](HWND dialog) {
                            PostMessageW(window_.Handle(), WM_ENDSESSION, TRUE, 0);
                            Press(dialog, cmdRunConvert);
-                           EXPECT_EQ(Converted(), 1);
+                           EXPECT_EQ(Converted(), 1U);
                        }});
     Choose(menuFileConvertAll);
     Choose(menuFileSaveAll);

@@ -20,7 +20,6 @@ namespace {
 class SizeableDialog final : public Dialog {
   public:
     SizeableDialog() : Dialog(dialogOpenFolder) {}
-    ~SizeableDialog() = default;
     bool fail = false;
 
   private:

@@ -34,7 +34,6 @@ namespace {
 class RecordingForm final : public Form {
   public:
     RecordingForm() : Form({.className = L"TessaryRecordingForm", .caption = L"記録"}) {}
-    ~RecordingForm() = default;
 
     HWND Add(const wchar_t* className, DWORD style = 0) const {
         return CreateWindowExW(0, className, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, 50, 50,

@@ -19,7 +19,6 @@ namespace {
 class BarForm final : public Form {
   public:
     BarForm() : Form({.className = L"TessaryToolbarTest", .caption = L"", .style = WS_POPUP}) {}
-    ~BarForm() = default;
 };
 
 class ToolbarTest : public testing::Test {
