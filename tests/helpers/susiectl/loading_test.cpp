@@ -67,6 +67,8 @@ TEST_F(LoadingTest, ACrashIsToldFromARefusal) {
         EXPECT_EQ(!plugin.Module() && isTold, hasCrashed) << script;
         EXPECT_EQ(!plugin.Module(), hasCrashed || strstr(script, "answer")) << script;
     }
+    EXPECT_TRUE(Loads(TestPluginPath(L"iftst.spi")))
+        << "after the last, which crashed as it was freed";
 }
 
 // The system starts no thread while it believes that a DLL is being loaded.
