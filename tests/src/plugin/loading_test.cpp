@@ -5,6 +5,7 @@
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
 #include "tests/src/plugin/plugin_test.h"
+#include "tests/support/content_of.h"
 
 namespace tessary {
 namespace {
@@ -21,10 +22,7 @@ Reasons LeftOutOf(const CollectionSusie& plugins) {
 
 class LoadingTest : public test::PluginTest {
   protected:
-    ~LoadingTest() override {
-        UnloadSPI();
-        general_ = GeneralSettings();
-    }
+    ~LoadingTest() override { UnloadSPI(); }
     // As if the last two runs had ended while they loaded it.
     static void Bar(const std::wstring& plugin) {
         CheckFileDate(plugin);
@@ -93,12 +91,9 @@ TEST_F(LoadingTest, WhatIsLeftOutIsToldWithItsReason) {
     Plugin(L"iftst.spi", "answer:DllMain:0", L"load_refuses.spi");
     Plugin(L"iftst.spi", "crash:av:DllMain", L"load_crash.spi");
     folder_.Write(L"text.spi", "text");
-    std::string image(1024, '\0');  // the headers of a 64-bit DLL
-    image.replace(0, 2, "MZ");
-    image.replace(0x3C, 1, "\x80");
-    image.replace(0x80, 6, std::string("PE\0\0\x64\x86", 6));
-    image.replace(0x96, 2, std::string("\x02\x20", 2));
-    folder_.Write(L"x64.spi", image);
+    std::string x64 = test::ContentOf(test::TestPluginPath(L"iftst.spi"));
+    x64.replace(static_cast<uint8_t>(x64[0x3C]) + 4U, 2, "\x64\x86");
+    folder_.Write(L"x64.spi", x64);
     const std::wstring barred = Plugin(L"minimal.spi");
     Bar(barred);
     const Reasons expected = {{L"config_only.spi", kNoPlugin}, {L"load_refuses.spi", kNotLoadable},
@@ -156,9 +151,7 @@ TEST_F(LoadingTest, OneThatEndsTheProgramWhileItIsLoadedIsSkippedThenBarred) {
         CheckFileDate(fatal);
         for (const LeftOutReason expected : {kSkipped, kBarred}) {
             UnloadSPI();
-            const DWORD before = GetTickCount();
             EXPECT_EQ(RunAsChild(L"PluginCollectionChild.DISABLED_Loads", fatal), status) << script;
-            EXPECT_LT(GetTickCount() - before, 15'000U) << script;
             EXPECT_EQ(Load(), (Reasons{{L"fatal.spi", expected}})) << script;
             EXPECT_EQ(
                 InterruptedCallNotices().back(),
@@ -179,8 +172,7 @@ TEST_F(LoadingTest, OneThatEndsTheProgramWhileItIsLoadedIsSkippedThenBarred) {
 
 TEST_F(LoadingTest, AFolderThatIsAwayOrEmptyIsLookedAtAgain) {
     const std::wstring stick = folder_.Path() + L"stick\\";
-    const Reasons away{{L"", kNoFolder}};
-    EXPECT_EQ(Load(stick), away);
+    EXPECT_EQ(Load(stick), (Reasons{{L"", kNoFolder}}));
     EXPECT_TRUE(general_.loadSPI[0]);
     std::filesystem::create_directory(stick);
     EXPECT_EQ(Load(stick), (Reasons{{L"", kEmptyFolder}}));
