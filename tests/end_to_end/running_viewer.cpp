@@ -7,22 +7,6 @@ namespace {
 
 constexpr DWORD kPatience = 20000;  // milliseconds
 
-struct Search {
-    DWORD processId;
-    const std::wstring* caption;
-    HWND found;
-};
-
-BOOL CALLBACK MatchWindow(HWND window, LPARAM data) {
-    auto& search = *reinterpret_cast<Search*>(data);
-    DWORD processId = 0;
-    GetWindowThreadProcessId(window, &processId);
-    if (processId != search.processId || !IsWindowVisible(window)) return TRUE;
-    if (TextOf(window) != *search.caption) return TRUE;
-    search.found = window;
-    return FALSE;
-}
-
 }  // namespace
 
 bool WaitUntil(const std::function<bool()>& condition) {
@@ -41,12 +25,16 @@ RunningViewer::RunningViewer(const std::wstring& folder, const std::wstring& arg
           {.environment = {{L"TESSARY_SETTINGS_KEY", settingsKey}}, .showCommand = showCommand}) {}
 
 HWND RunningViewer::WindowOfCaption(const std::wstring& caption) const {
-    Search search{process_.Id(), &caption, nullptr};
+    HWND found = nullptr;
     WaitUntil([&] {
-        EnumWindows(MatchWindow, reinterpret_cast<LPARAM>(&search));
-        return search.found != nullptr || !process_.IsRunning();
+        DWORD owner = 0;
+        do {
+            found = FindWindowExW(nullptr, found, nullptr, caption.c_str());
+            GetWindowThreadProcessId(found, &owner);
+        } while (found != nullptr && (owner != process_.Id() || !IsWindowVisible(found)));
+        return found != nullptr || !process_.IsRunning();
     });
-    return search.found;
+    return found;
 }
 
 std::wstring TextOf(HWND window) {

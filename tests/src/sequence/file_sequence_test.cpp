@@ -103,18 +103,16 @@ TEST(FileSequenceTest, DeletedFilesGoInEverySpelling) {
     const auto path = [&](const wchar_t* name) { return folder.Path() + name; };
     const List files{path(L"1"), path(L"2"), path(L"a"), path(L"4"), path(LR"(x\a)")};
     const List deleted{path(L"1"), path(LR"(.\A)")};
-    struct Case {
-        int cursor, cursorThen;
-        std::optional<int> gap;
-    };
-    for (const Case& c : {Case{2, -1, 1}, Case{0, -1, 0}, Case{3, 1, {}}, Case{-1, -1, {}}}) {
+    using Gap = std::optional<int>;
+    for (const auto& [cursor, cursorThen, gap] :
+         {std::tuple{2, -1, Gap{1}}, {0, -1, 0}, {3, 1, {}}, {-1, -1, {}}}) {
         FileSequence sequence;
         for (const std::wstring& file : files)
             sequence.Files().Add({file});
-        sequence.Files().SetCursor(c.cursor);
-        EXPECT_EQ(sequence.RemoveDeleted(deleted), c.gap) << c.cursor;
+        sequence.Files().SetCursor(cursor);
+        EXPECT_EQ(sequence.RemoveDeleted(deleted), gap) << cursor;
         EXPECT_EQ(sequence.Files().Texts(), (List{files[1], files[3], files[4]}));
-        EXPECT_EQ(sequence.Files().Cursor(), c.cursorThen);
+        EXPECT_EQ(sequence.Files().Cursor(), cursorThen);
     }
 }
 

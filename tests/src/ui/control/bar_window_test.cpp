@@ -1,4 +1,6 @@
 // The control bar's window: its place, its delete panel, its keys.
+#include <tuple>
+
 #include "tests/src/ui/control/control_bar_test.h"
 #include "ui/control/panel_place.h"
 #include "ui/form/activity.h"
@@ -152,21 +154,18 @@ TEST_F(BarWindowTest, ScreenReadersFindNames) {
 TEST(PanelPlaceTest, KeepsToolbarWorkAreaAndTitle) {
     const RECT work{0, 0, 1000, 700};
     const RECT title{200, 300, 800, 350};
-    struct Case {
-        POINT bar, frame;
-        bool above;
-    };
-    for (const Case& c : {Case{{10, 10}, {10, 10}, false},         // there is room below
-                          Case{{200, 160}, {200, 20}, true},       // the title is below
-                          Case{{200, 560}, {200, 420}, true},      // the screen ends below
-                          Case{{200, 80}, {200, 30}, false},       // no room above either
-                          Case{{900, 560}, {520, 430}, false},     // beyond the right edge
-                          Case{{250, 320}, {250, 350}, false}}) {  // upon the title
+    for (const auto& [bar, frame, above] :
+         {std::tuple{POINT{10, 10}, POINT{10, 10}, false},  // there is room below
+          {{200, 160}, {200, 20}, true},                    // the title is below
+          {{200, 560}, {200, 420}, true},                   // the screen ends below
+          {{200, 80}, {200, 30}, false},                    // no room above either
+          {{900, 560}, {520, 430}, false},                  // beyond the right edge
+          {{250, 320}, {250, 350}, false}}) {               // upon the title
         const PanelPlace place =
-            PlacePanel({c.bar.x, c.bar.y, c.bar.x + 480, c.bar.y + 130}, 270, 140, work, title);
-        const RECT expected{c.frame.x, c.frame.y, c.frame.x + 480, c.frame.y + 270};
-        EXPECT_TRUE(EqualRect(&place.frame, &expected)) << c.bar.x << " " << c.bar.y;
-        EXPECT_EQ(place.above, c.above) << c.bar.x << " " << c.bar.y;
+            PlacePanel({bar.x, bar.y, bar.x + 480, bar.y + 130}, 270, 140, work, title);
+        const RECT expected{frame.x, frame.y, frame.x + 480, frame.y + 270};
+        EXPECT_TRUE(EqualRect(&place.frame, &expected)) << bar.x << " " << bar.y;
+        EXPECT_EQ(place.above, above) << bar.x << " " << bar.y;
     }
 }
 

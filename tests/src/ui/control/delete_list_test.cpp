@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "app/base/handles.h"
 #include "app/base/message_box.h"
 #include "helpers/files/refusal.h"
@@ -39,7 +41,7 @@ class DeleteListTest : public testing::Test, protected DeleteListHost {
     }
 
     FileSequence::FileEntries& Files() { return sequence_.Files(); }
-    List Marked() const { return sequence_.Marks().Texts(); }
+    size_t Marked() const { return sequence_.Marks().Texts().size(); }
     List Listed() const { return sequence_.Files().Texts(); }
     void MarkThree() {
         for (int i = 0; i < 3; ++i)
@@ -111,24 +113,20 @@ TEST_F(DeleteListTest, DeletesAndLetsTheUserDecideAboutFailures) {
     onQuestion_ = [&] {
         if (asked_.size() == 3) locked.Reset();
     };
-    struct Case {
-        std::vector<int> answers;
-        int patience;  // how many files it lasts for
-        size_t left;
-    };
-    for (const Case& c : {Case{{IDCANCEL}, 9, 3},
-                          {{IDOK, IDABORT}, 9, 2},
-                          {{IDOK, IDIGNORE}, 1, 2},
-                          {{IDOK, IDIGNORE}, 9, 1},
-                          {{IDOK, IDRETRY, IDRETRY}, 9, 0}}) {
-        Answer(c.answers);
-        patience_ = c.patience;
+    // The patience lasts for so many files.
+    for (const auto& [answers, patience, left] : {std::tuple{std::vector{IDCANCEL}, 9, 3u},
+                                                  {{IDOK, IDABORT}, 9, 2u},
+                                                  {{IDOK, IDIGNORE}, 1, 2u},
+                                                  {{IDOK, IDIGNORE}, 9, 1u},
+                                                  {{IDOK, IDRETRY, IDRETRY}, 9, 0u}}) {
+        Answer(answers);
+        patience_ = patience;
         list_.AskToDeleteAll();
-        ASSERT_EQ(asked_.size(), c.answers.size());
+        ASSERT_EQ(asked_.size(), answers.size());
         EXPECT_EQ(asked_[0].second, 65u | MB_DEFBUTTON2);
         EXPECT_EQ(asked_.back().second, asked_.size() > 1 ? 18u : asked_[0].second);
-        EXPECT_EQ(Marked().size(), c.left);
-        EXPECT_EQ(isOpen_, c.left > 0);
+        EXPECT_EQ(Marked(), left);
+        EXPECT_EQ(isOpen_, left > 0);
     }
     EXPECT_EQ(asked_[0].first, L"リスト内の 1個のファイルをディスクから削除します。");
     EXPECT_EQ(There(), L"4");
@@ -159,7 +157,7 @@ TEST_F(DeleteListTest, NothingIsDroppedUnasked) {
         EXPECT_EQ(list_.MayClose(), closes);
         EXPECT_NE(asked_[0].first.find(L" 3 個"), std::wstring::npos);
         list_.AskToPutAllBack();
-        EXPECT_EQ(Marked().size(), 3u);
+        EXPECT_EQ(Marked(), 3u);
     }
     // Another attempt while what cannot be deleted is being told.
     UniqueFile locked = Lock(files_[2]);

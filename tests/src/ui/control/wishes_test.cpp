@@ -133,8 +133,8 @@ TEST_F(WishTest, DeleteTakesWhatIsSeen) {
 TEST_F(WishTest, WhatIsPutBackIsNotDeletedAfterwards) {
     bar_.Press(BarButton::kDeleteList);
     Click(bar_.listFileName(), 1);
-    PostMessageW(PanelButton(), BM_CLICK, 0, 0);
-    PostMessageW(PanelButton(L"取り消し(&U)"), BM_CLICK, 0, 0);
+    for (const wchar_t* const button : {L"ディスクから削除(&D)", L"取り消し(&U)"})
+        PostMessageW(PanelButton(button), BM_CLICK, 0, 0);
     Post("2");
     LoadSlowly(0);
     EXPECT_TRUE(RunUntil([&] { return Info().starts_with(L"[画像] 3"); }));
@@ -152,7 +152,6 @@ TEST_F(WishTest, EscapeDuringALoadMeansTheLoad) {
         EXPECT_TRUE(isFull());
         EXPECT_EQ(Info() + Panel(), L"[中止] 1.tst[中止] 1.tst");
         EXPECT_FALSE(window_.PictureShown());
-        EXPECT_TRUE(bar_.listFileName().IsEnabled());
     }
     // Too late to stop it.
     window_.OnPictureShownChanged([&] {

@@ -4,6 +4,7 @@
 #include <commctrl.h>
 
 #include <climits>
+#include <tuple>
 
 #include "app/settings/settings_store.h"
 #include "plugin/call_log.h"
@@ -30,23 +31,18 @@ class OpenFilesTest : public test::MainWindowTest {
 TEST_F(OpenFilesTest, CommandLineIsHandedOverAfterLoading) {
     const std::wstring inFolder = folder_.Write(L"絵\\b.bmp");
     const std::wstring file = folder_.Write(L"a 1.bmp");
-    struct Case {
-        List named;
-        std::vector<List> lists;
-        const wchar_t* notice;
-    };
-    for (const Case& c :
-         {Case{{file, folder_.Path() + L"絵"}, {{file, inFolder}}, L""},
-          Case{{file + L"2", file + L"3"}, {}, L"開けるファイルが見つかりませんでした。"},
-          Case{{file + L"2", file}, {{file}}, L"1 個のファイルが見つかりませんでした。"}}) {
+    for (const auto& [named, lists, notice] :
+         {std::tuple{List{file, folder_.Path() + L"絵"}, std::vector<List>{{file, inFolder}}, L""},
+          {{file + L"2", file + L"3"}, {}, L"開けるファイルが見つかりませんでした。"},
+          {{file + L"2", file}, {{file}}, L"1 個のファイルが見つかりませんでした。"}}) {
         controlBar_.lists.clear();
-        frmMain window({.commandLine = c.named, .pluginCount = {}, .endProgram = {}});
+        frmMain window({.commandLine = named, .pluginCount = {}, .endProgram = {}});
         window.SetControlBar(controlBar_);
         ASSERT_TRUE(window.Load());
         EXPECT_TRUE(controlBar_.lists.empty());  // the window comes first
         DoEvents();
-        EXPECT_EQ(controlBar_.lists, c.lists);
-        EXPECT_EQ(window.statusInformation().PanelText(kNoticePanel), c.notice);
+        EXPECT_EQ(controlBar_.lists, lists);
+        EXPECT_EQ(window.statusInformation().PanelText(kNoticePanel), notice);
         window.OpenLater({file});
         DoEvents();
         EXPECT_EQ(window.statusInformation().PanelText(kNoticePanel), L"");

@@ -80,24 +80,20 @@ TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
 TEST_F(FullScreenTest, EscapeEndsTheNearestThing) {
     int cancelled = 0;  // deletions
     window_.Commands().Register(commandCancelDelete, {.run = [&] { ++cancelled; }});
-    struct Case {
-        bool isFull, isPlaying, isReading;
-        int stops, cancelled;
-    };
-    for (const Case& c : {Case{true, false, false, 0, 0},
-                          {true, false, true, 0, 0},
-                          {false, false, false, 0, 1},
-                          {false, false, true, 1, 0},
-                          {true, true, false, 1, 0}}) {  // ends both
+    for (const auto& [isFull, isPlaying, isReading, stops, expected] :
+         {std::tuple{true, false, false, 0, 0},
+          {true, false, true, 0, 0},
+          {false, false, false, 0, 1},
+          {false, false, true, 1, 0},
+          {true, true, false, 1, 0}}) {  // ends both
         cancelled = 0;
         controlBar_.pressed.clear();
-        controlBar_.playing = c.isPlaying;
-        if (c.isFull) Choose(commandFullScreen);
-        if (c.isReading) ChooseDuringARead(commandEscape);
-        if (!c.isReading) Choose(commandEscape);
+        controlBar_.playing = isPlaying;
+        if (isFull) Choose(commandFullScreen);
+        isReading ? ChooseDuringARead(commandEscape) : Choose(commandEscape);
         EXPECT_NE(GetMenu(window_.Handle()), nullptr);
-        EXPECT_EQ(controlBar_.pressed, std::vector<int>(c.stops, 4));
-        EXPECT_EQ(cancelled, c.cancelled);
+        EXPECT_EQ(controlBar_.pressed, std::vector<int>(stops, 4));
+        EXPECT_EQ(cancelled, expected);
     }
 }
 
@@ -187,28 +183,25 @@ TEST_F(FullScreenTest, NextRunStandsWhereThisOneWasLeft) {
     window_.Unload();
     EXPECT_EQ(GetSetting(L"Window", L"Main_Maximized"), L"True");
     // What a shortcut says besides.
-    struct Case {
-        int command;
-        bool wasMaximized, isIconic, isZoomed;  // when restored
-    };
-    for (const Case& c : {Case{SW_SHOWNORMAL, true, false, true},
-                          {SW_SHOWMAXIMIZED, false, false, true},
-                          {SW_SHOWMINNOACTIVE, true, true, true},
-                          {SW_SHOWMINIMIZED, false, true, false},
-                          {SW_HIDE, true, false, true},
-                          {SW_HIDE, false, false, false}}) {
-        SaveSetting(L"Window", L"Main_Maximized", c.wasMaximized ? L"-1" : L"0");
+    for (const auto& [command, wasMaximized, isIconic, isZoomed] :
+         {std::tuple{SW_SHOWNORMAL, true, false, true},
+          {SW_SHOWMAXIMIZED, false, false, true},
+          {SW_SHOWMINNOACTIVE, true, true, true},
+          {SW_SHOWMINIMIZED, false, true, false},
+          {SW_HIDE, true, false, true},
+          {SW_HIDE, false, false, false}}) {
+        SaveSetting(L"Window", L"Main_Maximized", wasMaximized ? L"-1" : L"0");
         frmMain next(
-            {.commandLine = {}, .pluginCount = {}, .endProgram = {}, .showCommand = c.command});
+            {.commandLine = {}, .pluginCount = {}, .endProgram = {}, .showCommand = command});
         ASSERT_TRUE(next.Load());
         const HWND window = next.Handle();
         ExpectSame(FrameOf(window), left);  // hidden yet
         next.Show();
         EXPECT_TRUE(IsWindowVisible(window));
-        EXPECT_EQ(IsIconic(window) != FALSE, c.isIconic) << c.command;
-        if (c.isIconic) ShowWindow(window, SW_RESTORE);
-        EXPECT_EQ(IsZoomed(window) != FALSE, c.isZoomed) << c.command;
-        if (c.isZoomed) ShowWindow(window, SW_RESTORE);
+        EXPECT_EQ(IsIconic(window) != FALSE, isIconic) << command;
+        if (isIconic) ShowWindow(window, SW_RESTORE);
+        EXPECT_EQ(IsZoomed(window) != FALSE, isZoomed) << command;
+        if (isZoomed) ShowWindow(window, SW_RESTORE);
         ExpectSame(FrameOf(window), left);
         DestroyWindow(window);
     }

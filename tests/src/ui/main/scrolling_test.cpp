@@ -81,8 +81,6 @@ TEST_F(ScrollingTest, KeysOfTheWindowAreThePicturesAndEnterSteps) {
     EXPECT_EQ(GetFocus(), window_.pictureView().Handle());
     SendToView(WM_KEYDOWN, VK_RETURN, 0);
     window_.pictureView_KeyDown(VK_RETURN, kShiftMask);
-    const ReadUnderWay read;
-    SendToView(WM_KEYDOWN, VK_RETURN, 0);
     EXPECT_EQ(controlBar_.pressed, (std::vector<int>{5, 3}));
 }
 
