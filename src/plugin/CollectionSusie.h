@@ -31,12 +31,10 @@ class CollectionSusie {
     CollectionSusie& operator=(const CollectionSusie&) = delete;
 
     // Plug-ins are loaded only while they are used; a change applies to all members.
-    bool DynamicLoad() const { return dynamicLoad_; }
     void SetDynamicLoad(bool dynamicLoad);
 
     // A file that no plug-in claims by its patterns is offered to every one. When off, plug-ins are
     // asked only about files that they claim; a change applies to all members.
-    bool TryAll() const { return order_.tryAll; }
     void SetTryAll(bool tryAll);
 
     // --- Members: indexes count from 1 ---
