@@ -4,15 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <map>
-#include <set>
 #include <stdexcept>
-#include <string>
 
 #include "res/resource.h"
 #include "tests/src/ui/dialogs/driven_dialog.h"
 #include "ui/form/metrics.h"
-#include "ui/form/window.h"
 
 namespace tessary::test {
 namespace {
@@ -79,34 +75,6 @@ TEST(DialogTest, ControlsKeepTheirDistanceToTheEdgesAtAnyResolution) {
     dialog.fail = true;  // half-made dialogs are not shown
     EXPECT_EQ(dialog.ShowModal(nullptr), IDCANCEL);
     EXPECT_EQ(dialog.Handle(), nullptr);
-}
-
-// Of pages in one place only one is there at a time; the buttons behind them are there with each.
-TEST(DialogTest, MnemonicsOfAPageAreUnique) {
-    const std::set<int> starts{optionPage_0,         optionPage_1,           optionPage_2,
-                               optionPage_3,         labelConvertFiles,      pictureOptionPanel_0,
-                               pictureOptionPanel_1, frameShowConvertStatus, pictureOptionPanel_2};
-    for (const int resource : {dialogOpenFolder, dialogNewFolder, dialogDirList, dialogSaveOption,
-                               dialogConvertAll, dialogOption, dialogAbout, dialogSPIAbout}) {
-        const HWND dialog =
-            CreateDialogParamW(ProgramInstance(), MAKEINTRESOURCEW(resource), nullptr, nullptr, 0);
-        ASSERT_NE(dialog, nullptr) << resource;
-        std::map<wchar_t, std::set<int>> pagesOfLetter;
-        int page = 0;  // 0: there always
-        for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr;
-             control = GetWindow(control, GW_HWNDNEXT)) {
-            const int id = GetDlgCtrlID(control);
-            if (starts.contains(id)) page = id;
-            if (id == IDOK || id == cmdRunConvert) page = 0;
-            const std::wstring caption = TextOf(control);
-            const size_t mark = caption.find(L'&');
-            if (mark == std::wstring::npos) continue;
-            std::set<int>& pages = pagesOfLetter[caption[mark + 1]];
-            EXPECT_TRUE(pages.insert(page).second) << resource << ' ' << id;
-            EXPECT_TRUE(pages.size() == 1 || !pages.contains(0)) << resource << ' ' << id;
-        }
-        DestroyWindow(dialog);
-    }
 }
 
 TEST(DialogTest, ModelessOneEndsByEscAndOtherWindowsStayOutOfReachOfAModalOne) {

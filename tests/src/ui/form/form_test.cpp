@@ -211,19 +211,6 @@ TEST_F(FormTest, LeavesInputMethodsToTextFields) {
     }
 }
 
-// Controls with a theme ask their parent for what is below their corners.
-TEST_F(FormTest, PaintsBelowTheCornersOfControls) {
-    const UniqueScreenDc screen(GetDC(nullptr));
-    for (const UINT message : {WM_ERASEBKGND, WM_PRINTCLIENT}) {
-        const UniqueBitmap bitmap(CreateCompatibleBitmap(screen.Get(), 50, 50));
-        const UniqueMemoryDc memory(CreateCompatibleDC(screen.Get()));
-        const HGDIOBJ former = SelectObject(memory.Get(), bitmap.Get());
-        SendMessageW(form_.Handle(), message, reinterpret_cast<WPARAM>(memory.Get()), PRF_CLIENT);
-        EXPECT_EQ(GetPixel(memory.Get(), 49, 49), GetSysColor(COLOR_BTNFACE)) << message;
-        SelectObject(memory.Get(), former);
-    }
-}
-
 TEST_F(FormTest, KeepsTheKeyboardWhereItWasBehindATaskOfItsOwn) {
     ShowWindow(form_.Handle(), SW_SHOWNORMAL);
     const HWND button = form_.Add(L"BUTTON");

@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
-#include <vector>
 
 #include "ui/control/toolbar_images.h"
 #include "ui/control/toolbar_items.h"
@@ -96,35 +94,6 @@ TEST_F(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
     EXPECT_STREQ(text, L"表示サイズ (");  // cut at the end of the buffer
     Send(TB_GETBUTTONTEXTW, 9, reinterpret_cast<LPARAM>(text));
     EXPECT_STREQ(text, L"表示サイズ");  // what a screen reader reads
-}
-
-TEST(ToolbarImagesTest, DifferAndAreSharpAtEveryResolution) {
-    for (const int size : {16, 20, 24, 28, 32}) {
-        std::set<std::vector<uint32_t>> different;
-        for (int number = 1; number <= kToolbarImageCount; ++number) {
-            const ArgbImage image = ControlBarImages().draw(number, {size, false});
-            different.insert(image.pixels);
-            different.insert(Greyed(image).pixels);
-        }
-        EXPECT_EQ(different.size(), 2U * kToolbarImageCount) << size;
-        // A square has no half-covered pixel.
-        for (const uint32_t pixel : DrawToolbarImage(ToolbarImage::kStop, {size, false}).pixels)
-            EXPECT_TRUE(pixel >> 24 == 0 || pixel >> 24 == 255) << size;
-    }
-}
-
-// A slanted edge is smoothed, and its colour is not darkened by what is missing of it.
-TEST(ToolbarImagesTest, CoversPartsOfPixels) {
-    VectorCanvas canvas(16);
-    const ArgbColor color{200, 100, 50};
-    canvas.FillPolygon({{0, 0}, {16, 0}, {0, 16}}, color);
-    canvas.FillRectangle({0, 0}, {2, 2}, kHole);
-    canvas.DrawFrame({0, 0}, {3, 3}, 1, color);
-    const std::vector<uint32_t> pixels = canvas.Image().pixels;
-    EXPECT_EQ(pixels[15], 0x80C86432U);
-    EXPECT_EQ(pixels[17], 0U);
-    EXPECT_EQ(pixels[34], 0xFFC86432U);
-    EXPECT_EQ(pixels[255], 0U);
 }
 
 }  // namespace
