@@ -12,7 +12,6 @@
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/form/activity.h"
-#include "ui/form/metrics.h"
 #include "ui/form/session_hold.h"
 
 namespace tessary {
@@ -20,7 +19,6 @@ namespace {
 
 using List = std::vector<std::wstring>;
 using test::Drop;
-using StatusBarTest = test::MainWindowTest;
 using CloseTest = test::MainWindowTest;
 
 class OpenFilesTest : public test::MainWindowTest {
@@ -88,38 +86,6 @@ TEST_F(OpenFilesTest, TakesDroppedFilesAndFoldersWhereItCanServeThem) {
         DoEvents();
     }
     EXPECT_EQ(messages_.Only(), L"broken");
-}
-
-TEST_F(StatusBarTest, ShowsTextsAsTheyAreInPanelsThatFit) {
-    Load(632);
-    const HWND bar = window_.statusInformation().Handle();
-    const auto room = [&](int panel) {
-        RECT place{};
-        SendMessageW(bar, SB_GETRECT, static_cast<WPARAM>(panel - 1),
-                     reinterpret_cast<LPARAM>(&place));
-        return place.right - place.left;
-    };
-    const std::wstring lengthy(300, L'長');
-    pluginCount_ = 120;
-    window_.ShowPluginCount();
-    EXPECT_EQ(Panel(kPluginCountPanel), L"120個のプラグイン");
-    const auto before = room(kPluginCountPanel);
-    window_.SetPanelText(kPluginCountPanel, L"");  // the next panel stays where it is
-    EXPECT_EQ(room(kPluginCountPanel), before);
-    window_.SetPanelText(kPluginCountPanel, lengthy);
-    EXPECT_EQ(room(kPluginCountPanel) / 8, View().cx / 2 / 8);
-    window_.SetPanelText(kShownFilePanel, L"[表示中] a\tb & c, of a long name.bmp ( 1×1 24bit )");
-    EXPECT_EQ(Panel(kShownFilePanel), L"[表示中] a b & c, of a long name.bmp ( 1×1 24bit )");
-
-    // A notice fits at the first width, and the file's name gives way to it.
-    window_.ShowPluginCount();
-    window_.SetPanelText(kNoticePanel,
-                         L"前回は iftessjpeg.spi の処理中（GetPicture）に終了しました");
-    const TextMeter meter(bar, reinterpret_cast<HFONT>(SendMessageW(bar, WM_GETFONT, 0, 0)));
-    for (const int panel : {kNoticePanel, kPluginCountPanel})
-        EXPECT_GE(room(panel), meter.WidthOf(Panel(panel))) << panel;
-    window_.SetPanelText(kNoticePanel, lengthy);
-    EXPECT_EQ(room(kShownFilePanel) / 8, View().cx / 4 / 8);
 }
 
 using ReadingTest = test::MainWindowTest;

@@ -1,14 +1,11 @@
 // The full screen, the mouse wheel, and where the window stands in the next run.
-#include <optional>
 #include <tuple>
 #include <utility>
 
 #include "app/settings/settings_store.h"
 #include "tests/src/ui/main/main_window.h"
-#include "tests/src/ui/run_until.h"
 #include "ui/form/activity.h"
 #include "ui/form/screen.h"
-#include "ui/form/timer.h"
 #include "ui/main/window_placement.h"
 
 namespace tessary {
@@ -97,32 +94,6 @@ TEST_F(FullScreenTest, EscapeEndsTheNearestThing) {
     }
 }
 
-TEST_F(FullScreenTest, PointerHidesWhileItRests) {
-    const auto pointerAt = [&](int x) {
-        SendToView(WM_MOUSEMOVE, 0, MAKELPARAM(x, 5));
-        SendToView(WM_SETCURSOR, 0, MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
-        return GetCursor();
-    };
-    Choose(commandFullScreen);
-    EXPECT_NE(pointerAt(5), nullptr);
-    // The system repeats the message by itself.
-    EXPECT_TRUE(test::RunUntil([&] { return pointerAt(5) == nullptr; }, 20000));
-    EXPECT_NE(pointerAt(6), nullptr);
-
-    std::optional<bool> shownInMenu;
-    Timer look([&] {
-        shownInMenu = GetCursor() != nullptr;
-        EndMenu();
-    });
-    // The menu goes early when another program's window comes up.
-    EXPECT_TRUE(test::RunUntil([&] {
-        look.Start(RestingPointer::kPatience + 200);
-        SendToView(WM_CONTEXTMENU, 0, MAKELPARAM(9, 9));
-        return shownInMenu.has_value();
-    }));
-    EXPECT_EQ(shownInMenu, true);
-}
-
 TEST_F(FullScreenTest, WheelStepsByNotchesAndWithCtrlThroughTheSizes) {
     using Presses = std::vector<int>;
     const auto turn = [&](std::initializer_list<int> notches) {
@@ -151,27 +122,6 @@ TEST_F(FullScreenTest, WheelStepsByNotchesAndWithCtrlThroughTheSizes) {
     for (const int notches : {-1, 1, 1, 9, 1, -1})
         Wheel(notches * WHEEL_DELTA, MK_CONTROL);
     EXPECT_EQ(sizes, (std::vector<int>{1, 2, 4, 3}));
-}
-
-TEST_F(FullScreenTest, WheelGoesToTheWindowBelowThePointer) {
-    const HWND view = window_.pictureView().Handle();
-    const HWND status = window_.statusInformation().Handle();
-    const auto expectReceiver = [](HWND focused, HWND below, HWND receiver) {
-        const RECT place = FrameOf(below);
-        MSG wheel{focused,
-                  WM_MOUSEWHEEL,
-                  MAKEWPARAM(0, WHEEL_DELTA),
-                  MAKELPARAM(place.left + 4, place.top + 4),
-                  0,
-                  {}};
-        EXPECT_FALSE(MessageFilter::AnyTakes(wheel));
-        EXPECT_EQ(wheel.hwnd, receiver);
-    };
-    expectReceiver(status, view, view);
-    expectReceiver(view, status, status);
-    EnableWindow(window_.Handle(), FALSE);  // behind a dialog
-    expectReceiver(status, view, status);
-    EnableWindow(window_.Handle(), TRUE);
 }
 
 TEST_F(FullScreenTest, NextRunStandsWhereThisOneWasLeft) {

@@ -41,16 +41,6 @@ class MenuTest : public test::MainWindowTest {
     }
 };
 
-TEST_F(MenuTest, CaptionsHaveTheKeysOfTheAccelerators) {
-    Load();
-    for (const auto& [item, caption] : {std::pair{menuFileSaveAll, L"すべて保存(&A)\tCtrl+Shift+S"},
-                                        {commandAddToDeleteList, L"削除リストに追加(&D)\tDelete"},
-                                        {commandStepBack, L"前へ(&P)\tShift+Enter"},
-                                        {commandFullScreen, L"全画面表示(&F)\tF11"}}) {
-        EXPECT_EQ(MenuCaption(Menu(), item), caption);
-    }
-}
-
 TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
     Load();
     EXPECT_EQ(AliveItems(), kAlways);
