@@ -138,19 +138,6 @@ TEST_F(BarWindowTest, TabGoesRoundBothWindowsAndF6Between) {
     EXPECT_EQ(window_.Handle(), nullptr);
 }
 
-// They take the text before a list or field for its name.
-TEST_F(BarWindowTest, ScreenReadersFindNames) {
-    for (const auto& [part, name] : {std::pair{bar_.textFileInfo().Handle(), L"表示中のファイル"},
-                                     {bar_.listFileName().Handle(), L"ファイルの一覧"},
-                                     {bar_.listArchiveFile().Handle(), L"圧縮ファイルの中身"},
-                                     {bar_.listDelete().Handle(), L"削除リスト"}}) {
-        wchar_t text[40]{};
-        GetWindowTextW(GetWindow(part, GW_HWNDPREV), text, 40);
-        EXPECT_EQ(text, std::wstring(name));
-    }
-    EXPECT_EQ(bar_.CoolBar().Text(), L"操作ボタン");
-}
-
 TEST(PanelPlaceTest, KeepsToolbarWorkAreaAndTitle) {
     const RECT work{0, 0, 1000, 700};
     const RECT title{200, 300, 800, 350};

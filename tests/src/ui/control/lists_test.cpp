@@ -1,7 +1,6 @@
 // The control bar's lists: filling them, and what selecting an entry shows.
 #include "picture/current_picture.h"
 #include "tests/src/ui/control/control_bar_test.h"
-#include "tests/src/ui/message_spy.h"
 #include "ui/form/activity.h"
 
 namespace tessary::test {
@@ -93,24 +92,6 @@ TEST_F(FileListTest, WhatCannotBeShownLeavesTheViewEmpty) {
         EXPECT_EQ(bar_.Failure().empty(), index == 1) << told;
     }
     EXPECT_TRUE(messages_.All().empty());
-}
-
-// Some plug-ins let nothing be painted before they are done.
-TEST_F(FileListTest, TellsOfALoadBeforeThePluginIsCalled) {
-    bar_.SetFileList(List{Bitmap(L"1.bmp"), folder_.Write(L"2.tst", "TST 8x8x24\nprogress:0\n")});
-    window_.Show();
-    DoEvents();
-    List painted;
-    const auto record = [&](UINT message, WPARAM, LPARAM) {
-        if (message == WM_PAINT) painted.insert(painted.end(), {Panel(), Info()});
-    };
-    const MessageSpy ofPanel(window_.statusInformation().Handle(), record);
-    const MessageSpy ofInfo(bar_.textFileInfo().Handle(), record);
-    window_.Breathe();  // the load does not, so soon behind
-    Click(bar_.listFileName(), 1);
-    ASSERT_GE(painted.size(), 4u);
-    painted.resize(4);
-    EXPECT_EQ(painted, List(4, L"[読み込み中]2.tst"));
 }
 
 }  // namespace
