@@ -13,7 +13,6 @@
 #include "tests/src/ui/dialogs/driven_dialog.h"
 #include "tests/src/ui/main/dropped_files.h"
 #include "tests/src/ui/main/main_window.h"
-#include "tests/src/ui/message_spy.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
@@ -288,19 +287,6 @@ TEST_F(ConverterTest, StopsWhenTheUserConfirmsOrTheSessionEnds) {
                    }});
 }
 
-TEST_F(ConverterTest, ProgressDoesNotPaintForEachCall) {
-    int painted = 0;
-    Drive({}, {[&](HWND dialog) {
-              const MessageSpy spy(
-                  GetDlgItem(dialog, progressCurrentFile),
-                  [&](UINT message, WPARAM, LPARAM) { painted += message == PBM_SETPOS; });
-              for (int call = 0; call < 20000; ++call)
-                  form_.SetProgressBar(-1, -1, call, 20000);
-          }});
-    EXPECT_GT(painted, 0);
-    EXPECT_LT(painted, 2000);
-}
-
 TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
     Load();
     ConvertCommands commands(window_, controlBar_);
@@ -337,66 +323,6 @@ TEST_F(ConverterTest, CommandsHandOverTheListAndOnlyTheSessionEndsARun) {
     DoEvents();
     EXPECT_EQ(window_.Handle(), nullptr);
     EXPECT_EQ(ended_, 1);
-}
-
-// A window with a list, whose number is 7.
-class ListTest : public testing::Test {
-  protected:
-    HWND Make(const wchar_t* className, DWORD style) const {
-        return CreateWindowExW(0, className, L"", WS_CHILD | style, 0, 0, 200, 100, parent_,
-                               reinterpret_cast<HMENU>(7), nullptr, nullptr);
-    }
-    void TearDown() override { DestroyWindow(parent_); }
-
-    HWND parent_ = CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 200, 100, nullptr,
-                                   nullptr, nullptr, nullptr);
-};
-
-// The engine's way: it asks for the count, takes the first line away and adds one.
-TEST_F(ListTest, OfTheLogFollowsTheNewestLines) {
-    const HWND list = Make(L"LISTBOX", WS_VISIBLE | WS_HSCROLL | WS_VSCROLL);
-    LogList log;
-    log.Attach(parent_, 7);
-    for (int line = 0; line < 2500; ++line) {
-        if (log.Count() > 1000) log.RemoveFirst();
-        log.Add(std::to_wstring(line) + (line == 2400 ? std::wstring(300, L'長') : L""));
-        if (line == 30 || line == 1200 || line == 1203) log.Show();
-    }
-    log.Show();
-    const Texts items = Items(list);
-    ASSERT_EQ(items.size(), 1001U);
-    EXPECT_EQ(items.front(), L"1499");
-    EXPECT_EQ(items.back(), L"2499");
-    EXPECT_EQ(SendMessageW(list, LB_GETCURSEL, 0, 0), 1000);
-    EXPECT_GT(SendMessageW(list, LB_GETHORIZONTALEXTENT, 0, 0), 300 * 8);
-}
-
-TEST_F(ListTest, OfProblemsLeavesTheRestAloneWhenMoreCome) {
-    Make(WC_LISTVIEWW, LVS_REPORT | LVS_OWNERDATA);
-    Texts opened;
-    SetFolderOpener([&](const std::wstring& path) { opened.push_back(path); });
-    ProblemList problems;
-    problems.Attach(parent_, 7);
-    const std::pair<const wchar_t*, FileOutcome> files[] = {{L"C:\\late", FileOutcome::kSkipped},
-                                                            {L"C:\\early", FileOutcome::kFailed}};
-    for (const auto& [name, outcome] : files) {
-        problems.Add({.source = name, .outcome = outcome});
-        problems.Show();
-        if (problems.Count() == 1) SelectRow(parent_, 7, 0);
-    }
-    EXPECT_EQ(Column(parent_, 7, 0).size(), 2U);
-    EXPECT_TRUE(problems.ShowSelectedInFolder());
-    problems.ShowByKind();
-    EXPECT_FALSE(problems.ShowSelectedInFolder());
-    EXPECT_EQ(opened, Texts{L"C:\\late"});
-    SetFolderOpener({});
-}
-
-TEST(RunTextsTest, EstimatesTheRest) {
-    EXPECT_EQ(RunTimeText(1999, 1, 2), L"経過 0:01");
-    EXPECT_EQ(RunTimeText(65000, 1, 3), L"経過 1:05、残り約 2:10");
-    EXPECT_EQ(RunTimeText(3600000, 3, 3), L"経過 1:00:00");
-    EXPECT_EQ(RunTimeText(3000, 0, 3), L"経過 0:03");
 }
 
 }  // namespace
