@@ -1,7 +1,6 @@
 // The log of whole runs, as it stands in the file.
 #include <tuple>
 
-#include "app/base/file_identity.h"
 #include "app/base/text.h"
 #include "app/settings/settings.h"
 #include "convert/numbered_files.h"
@@ -18,20 +17,6 @@ class ConvertLogTest : public ConvertTest {
         settings_.saveType2 = 2;
         settings_.outputErrorLog = 1;
         settings_.errorLogFileName = LogFile();
-    }
-
-    // Closes whatever handles this process has of a file.
-    static void CloseHandlesOf(const std::wstring& path) {
-        constexpr uintptr_t kHighest = 0x2000;
-        for (uintptr_t number = 4; number < kHighest; number += 4) {
-            const auto handle = reinterpret_cast<HANDLE>(number);
-            wchar_t name[MAX_PATH]{};
-            if (GetFileType(handle) == FILE_TYPE_DISK &&
-                GetFinalPathNameByHandleW(handle, name, MAX_PATH, 0) != 0 &&
-                IsSameFile(name, path)) {
-                CloseHandle(handle);
-            }
-        }
     }
 
     std::wstring LogFile() const { return target_.Path() + L"変換.log"; }
@@ -160,25 +145,6 @@ TEST_F(ConvertLogTest, LogFileThatCannotBeOpenedIsDoneWithout) {
     EXPECT_EQ(Converted(), L"a.jpg ");
     ASSERT_TRUE(WriteConvertSettings());
     EXPECT_EQ(GetSetting(L"Convert", L"OutputErrorLog", L""), L"1") << "the user's own choice";
-}
-
-// As if the disk was full, or the network gone.
-TEST_F(ConvertLogTest, LogFileThatTakesNoMoreIsTold) {
-    Add(L"a.bmp", BitmapFileOf(2, 2, 0));
-    Add(L"b.bmp", BitmapFileOf(2, 2, 0));
-    bool isClosed = false;
-    monitor_.onLine = [&](const std::wstring& line) {
-        if (isClosed || !line.starts_with(L"  画像の色数")) return;
-        isClosed = true;
-        CloseHandlesOf(LogFile());
-    };
-    const ConvertEnd first = Run();
-    EXPECT_TRUE(first);
-    EXPECT_EQ(Converted(), L"a.jpg b.jpg ");
-    EXPECT_EQ(std::ranges::count(monitor_.lines, L"!!! ログファイルに書き込めません。     !!!"), 1);
-    EXPECT_NE(first.logError, 0u);
-    EXPECT_EQ(settings_.outputErrorLog, 1) << "the next run tries again";
-    EXPECT_EQ(Run().logError, 0u);
 }
 
 // What cannot be written is not held against the plug-in that has extracted it.

@@ -4,7 +4,6 @@
 #include "convert/delete_files.h"
 #include "convert/make_folder.h"
 #include "convert/name_mask.h"
-#include "convert/numbered_files.h"
 #include "tests/src/convert/convert_test.h"
 
 namespace tessary::test {
@@ -85,30 +84,6 @@ TEST(ConvertFilesOnDisk, FoldersAndDeleting) {
     EXPECT_TRUE(DeleteFiles(folder.Path() + L"x?.t", true));
     EXPECT_EQ(FilesInFolder(folder.Path()), std::vector{folder.Path() + L"y.t"});
     EXPECT_TRUE(IsFolder(folder.Path() + L"x3.t"));
-}
-
-TEST(ConvertFilesOnDisk, Numbers) {
-    const TemporaryFolder folder;
-    const std::wstring path = folder.Write(L"log", "old\r\n");
-    NumberedFiles files;
-    const auto open = [&](OpenMode mode, OpenLock lock, OpenAccess access = OpenAccess::kWrite) {
-        return files.OpenFileNumber(path, mode, access, lock);
-    };
-    EXPECT_EQ(open(OpenMode::kAppend, OpenLock::kDenyBoth), 1);
-    EXPECT_EQ(open(OpenMode::kInput, OpenLock::kShared, OpenAccess::kRead), 0);
-    EXPECT_TRUE(files.WriteLine(1, "new"));
-    files.CloseFileNumber(1);
-    EXPECT_FALSE(files.WriteLine(1, "lost"));
-    EXPECT_EQ(ContentOf(path), "old\r\nnew\r\n");
-    EXPECT_EQ(open(OpenMode::kInput, OpenLock::kShared, OpenAccess::kRead), 1);
-    EXPECT_EQ(open(OpenMode::kOutput, OpenLock::kShared), 2);
-    files.CloseFileNumber(1);
-    EXPECT_EQ(open(OpenMode::kBinary, OpenLock::kShared, OpenAccess::kReadWrite), 1);
-    EXPECT_EQ(open(static_cast<OpenMode>(6), OpenLock::kShared), 0);
-    EXPECT_EQ(
-        files.OpenFileNumber(path + L"2", OpenMode::kInput, OpenAccess::kRead, OpenLock::kShared),
-        0);
-    EXPECT_EQ(ContentOf(path), "");
 }
 
 }  // namespace

@@ -91,18 +91,8 @@ TEST_F(ClsSusieTest, APluginIsNotFreedUnderItsWindows) {
     EXPECT_TRUE(plugin_.CheckFile(PictureFile()));  // a window that nobody sees keeps nothing
     EXPECT_FALSE(IsLoaded(path) || theirWindow());
 
-    // The program's threads count in pixels; the window is enlarged by the system, where it can.
-    const auto user = [](const char* name) {
-        return test::FoundFunction{GetProcAddress(GetModuleHandleW(L"user32.dll"), name)};
-    };
-    HANDLE(WINAPI* const setContext)(HANDLE) = user("SetThreadDpiAwarenessContext");
-    HANDLE(WINAPI* const contextOf)(HWND) = user("GetWindowDpiAwarenessContext");
-    int(WINAPI* const awareness)(HANDLE) = user("GetAwarenessFromDpiAwarenessContext");
-    const HANDLE former = setContext ? setContext(reinterpret_cast<HANDLE>(INT_PTR{-4})) : nullptr;
     plugin_.ShowConfigurationDialog(nullptr);
     EXPECT_TRUE(IsLoaded(path) && plugin_.IsKeptLoaded() && theirWindow());
-    EXPECT_TRUE(contextOf == nullptr || awareness(contextOf(theirWindow())) == 0);
-    if (setContext != nullptr) setContext(former);
     DestroyWindow(theirWindow());
     plugin_.UnloadDLL();
     EXPECT_FALSE(IsLoaded(path));
