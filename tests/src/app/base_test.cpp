@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include "app/base/distant_file.h"
-#include "app/base/error.h"
 #include "app/base/extension_filter.h"
 #include "app/base/fetch_file.h"
 #include "app/base/load_refusal.h"
@@ -11,7 +10,6 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "helpers/system/system_library.h"
-#include "tests/support/recorded_messages.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary {
@@ -83,14 +81,6 @@ TEST(PathsTest, BackslashRulesKeepTheirOddEnds) {
     }
 }
 
-TEST(PathsTest, TakesPathsApart) {
-    EXPECT_EQ(FileNameOf(L"C:\\a.b\\c.jpg"), L"c.jpg");
-    EXPECT_EQ(FolderOf(L"C:\\a.b\\c.jpg"), L"C:\\a.b\\");
-    EXPECT_EQ(FolderOf(L"c.jpg"), L"");
-    EXPECT_EQ(UpperExtensionOf(L"C:\\a.b\\c.tar.gz"), L"GZ");
-    EXPECT_EQ(UpperExtensionOf(L"C:\\a.b\\c"), L"");
-}
-
 TEST(PathsTest, ListsFilesByTheirNamesAndMarks) {
     const test::TemporaryFolder folder;
     const std::wstring plain = folder.Write(L"a long name.JPG");
@@ -112,26 +102,6 @@ TEST(PathsTest, ListsFilesByTheirNamesAndMarks) {
     CopyFileW(plain.c_str(), ExtendedPath(distant).c_str(), TRUE);
     EXPECT_TRUE(PathExists(distant) && !IsFolder(distant));
     EXPECT_EQ(FilesInFolder(FolderOf(distant)), std::vector{distant});
-}
-
-TEST(PathsTest, FindsAnsiNamesForForeignOnes) {
-    const test::TemporaryFolder folder;
-    const std::wstring plain = folder.Write(L"写真 1.bmp", "plain");
-    EXPECT_EQ(AnsiPathOf(plain), ToAnsi(plain));
-    // Where the volume keeps short names the foreign file has one; elsewhere there is no name at
-    // all, never a wrong one.
-    const std::wstring foreign = folder.Write(L"사진.bmp", "foreign");
-    if (const std::optional<std::string> ansi = AnsiPathOf(foreign)) {
-        EXPECT_TRUE(PathExists(FromAnsi(*ansi))) << *ansi;
-    }
-}
-
-TEST(ErrorTest, ReportsUnexpectedErrorsInOneForm) {
-    const test::RecordedMessages messages;
-    ReportUnexpectedError(13, L"型が一致しません。", L"UnloadSPI()");
-    EXPECT_EQ(messages.Only(),
-              L"モジュール UnloadSPI() で予期されていないエラーが発生しました。\r\n"
-              L"ErrorNo.13 型が一致しません。");
 }
 
 TEST(LoadRefusalTest, TellsProtectionFromFaultsOfTheFile) {

@@ -3,13 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "app/base/error.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/paths.h"
 #include "app/first_run.h"
-#include "app/settings/RegKeys.h"
 #include "app/settings/plugin_folders.h"
-#include "app/settings/setting_value.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
 
@@ -151,41 +148,6 @@ TEST_F(SettingsTest, PluginFoldersFollowTheProgram) {
     EXPECT_EQ(folders(L"Q:\\", L""), L"Q:\\|");
     ASSERT_TRUE(WriteGeneralSettings());
     EXPECT_EQ(GetSetting(L"General", L"ProgramFolder"), here);
-}
-
-TEST(SettingValueTest, ConvertsWhatAPersonMayHaveTyped) {
-    EXPECT_EQ(ToInt16(L" -12 "), -12);
-    EXPECT_EQ(ToInt16(L"2.5"), 2);  // half to even
-    EXPECT_EQ(ToInt32(L"1e3"), 1000);
-    EXPECT_TRUE(ToBoolean(L"TRUE"));
-    EXPECT_TRUE(ToBoolean(L"-1"));
-    EXPECT_FALSE(ToBoolean(L"0"));
-    for (const wchar_t* text : {L"", L"abc", L"1 2", L"0x10", L"inf", L"1e", L"５"}) {
-        EXPECT_THROW(ToInt32(text), RaisedError) << text;
-        EXPECT_THROW(ToBoolean(text), RaisedError) << text;
-    }
-    for (const wchar_t* text : {L"32768", L"-32769", L"1e999"})
-        EXPECT_THROW(ToInt16(text), RaisedError) << text;
-}
-
-TEST_F(SettingsTest, RawValuesOfEveryType) {
-    const std::wstring key = store_.KeyPath() + LR"(\raw)";
-    const auto text = [&](const wchar_t* name) {
-        return GetRegistryString(HKEY_CURRENT_USER, key, name);
-    };
-    EXPECT_EQ(text(L"none"), L"");
-    const std::wstring full(1000, L'x');
-    const std::pair<std::wstring, std::wstring> texts[] = {
-        {L"表", L"表"}, {L"", L" "}, {full, full}, {full + full, L""}};
-    for (const auto& [written, found] : texts) {
-        EXPECT_TRUE(SetRegistryString(HKEY_CURRENT_USER, key, L"text", written));
-        EXPECT_EQ(text(L"text"), found);
-    }
-    const DWORD number = 0x01020304;
-    for (const auto& [type, found] : {std::pair{REG_DWORD, L"16909060"}, {REG_BINARY, L""}}) {
-        RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"n", type, &number, sizeof(number));
-        EXPECT_EQ(text(L"n"), found);
-    }
 }
 
 }  // namespace
