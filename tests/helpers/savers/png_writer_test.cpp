@@ -37,12 +37,6 @@ std::map<std::string, Bytes> Chunks(const Bytes& file) {
     return chunks;
 }
 
-// Bit depth, colour type and entries of the colour table.
-std::vector<size_t> FormOf(const Bytes& file) {
-    auto chunks = Chunks(file);
-    return {chunks["IHDR"][8], chunks["IHDR"][9], chunks["PLTE"].size() / 3};
-}
-
 void SetFourthBytes(Bytes& pixels, uint8_t value) {
     for (size_t i = 3; i < pixels.size(); i += 4)
         pixels[i] = value;
@@ -62,30 +56,6 @@ TEST(PngWriter, ComesBackPixelForPixel) {
             EXPECT_EQ(Chunks(file)["IHDR"][12], interlace);
         }
     });
-}
-
-TEST(PngWriter, KeepsTheFormOfThePixels) {
-    using Form = std::vector<size_t>;
-    const auto form = [](PixelFormat format, const Palette& palette) {
-        return FormOf(Saved({format, 400, 200, palette}));
-    };
-    Palette oddGreys = Greys(PixelFormat::kIndexed4);
-    oddGreys[3] = 0x646464;
-    for (const PixelFormat format : kAllFormats) {
-        const size_t bits = dib::BitsPerPixel(format);
-        const bool hasTable = bits <= 8;
-        // Only what is declared to be alpha is alpha.
-        const size_t color = format == PixelFormat::kBgra32 ? 6 : 2;
-        const Form colored = hasTable ? Form{bits, 3, size_t{1} << bits} : Form{8, color, 0};
-        EXPECT_EQ(form(format, Colors(format)), colored);
-        EXPECT_EQ(form(format, Greys(format)), hasTable ? Form({bits, 0, 0}) : colored);
-    }
-    EXPECT_EQ(form(PixelFormat::kIndexed1, Colors(PixelFormat::kIndexed1, 1)), Form({1, 3, 2}));
-    EXPECT_EQ(form(PixelFormat::kIndexed4, oddGreys), Form({4, 3, 16}));
-    EXPECT_EQ(form(PixelFormat::kIndexed8, oddGreys), Form({8, 0, 0}));
-    SamplePicture few(PixelFormat::kIndexed8, 8, 1, Colors(PixelFormat::kIndexed8));
-    few.bits = {4, 0, 1, 4, 3, 2, 1, 0};
-    EXPECT_EQ(FormOf(Saved(few)), Form({8, 3, 5}));
 }
 
 // The upper half is a soft slope with grain, as photographs have; the lower one repeats itself.
@@ -108,22 +78,6 @@ TEST(PngWriter, JoinsStripsIntoOneStream) {
         for (const PngSaveOptions options : {PngSaveOptions{0, 0}, {1, 1}, {6, 0}, {9, 1}})
             EXPECT_EQ(PixelsOf(Saved(picture, options)), expected) << options.quality;
     }
-}
-
-// Grainy rows of slopes take turns with grainy repetitions of one row: no filter suits all rows,
-// and the library needs 632,263 bytes.
-TEST(PngWriter, IsAsSmallAsTheLibrarysOwnWriter) {
-    SamplePicture picture(PixelFormat::kBgr24, 900, 600, {});
-    const Bytes noise = picture.bits;
-    std::minstd_rand random(6);
-    for (size_t y = 0; y < 600; ++y) {
-        const size_t slope = random() % 64;
-        for (size_t x = 0; x < 2700; ++x) {
-            const size_t smooth = y / 20 % 2 == 0 ? x / 3 * slope / 16 : noise[x];
-            picture.bits[y * 2700 + x] = static_cast<uint8_t>(smooth + random() % 4);
-        }
-    }
-    EXPECT_LE(Saved(picture).size(), 651'000u);
 }
 
 TEST(PngWriter, TakesLevelAndResolution) {
