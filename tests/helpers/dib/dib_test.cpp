@@ -18,19 +18,16 @@ struct Outcome {
 };
 
 // Reads a whole file into blocks without slack.
-Outcome Read(ByteSource& source, const Progress& progress = {}) {
+Outcome Read(const Bytes& bytes) {
+    MemorySource source(bytes);
     BitmapFile file(source);
     if (const DibError error = file.Open(); error != kNone) return {error};
     Bytes bits = JunkBlock(file.BitsSize());
-    if (const DibError error = file.ReadBits(bits, progress); error != kNone) return {error};
+    if (const DibError error = file.ReadBits(bits, {}); error != kNone) return {error};
     const Bytes info(file.Info().begin(), file.Info().end());
     const DibView view = DibView::Of(info, bits).value();
     EXPECT_FALSE(view.IsTopDown());
     return {kNone, Show(view), view.Header().bitCount, file.IsWhole()};
-}
-Outcome Read(const Bytes& file) {
-    MemorySource source(file);
-    return Read(source);
 }
 
 // The verdict on a pair, and the picture that a host then has.
@@ -190,51 +187,6 @@ TEST(BitmapFile, TellsLinesThatWereLeftOutFromZerosInTheirPlace) {
     EXPECT_TRUE(isWhole(Joined(twoLinesLeftOut, {0, 1, 0, 0, 0, 0})));
     EXPECT_TRUE(isWhole({4, 1, 0, 0, 4, 1, 0, 0, 4, 2, 0, 0, 0, 0, 0, 0}));
     EXPECT_FALSE(isWhole(Joined(twoLinesLeftOut, Bytes(6))));
-}
-
-// A file of any size made up on demand. It counts what is read, and may fail from some place on.
-struct MadeUpSource final : ByteSource {
-    MadeUpSource(Bytes startBytes, uint64_t fileSize, uint64_t failsFromByte = UINT64_MAX)
-        : start(std::move(startBytes)), size(fileSize), failsFrom(failsFromByte) {}
-    uint64_t Size() const override { return size; }
-    std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> into) override {
-        const auto count = static_cast<size_t>(std::min<uint64_t>(into.size(), size - offset));
-        if (offset + count > failsFrom) return std::nullopt;
-        std::fill(into.begin(), into.end(), uint8_t{0});
-        if (offset == 0) std::copy(start.begin(), start.end(), into.begin());
-        bytesRead += count;
-        return count;
-    }
-    Bytes start;
-    uint64_t size;
-    uint64_t failsFrom;
-    uint64_t bytesRead = 0;
-};
-
-TEST(BitmapFile, ReadsOnceTellsProgressAndStops) {
-    constexpr uint64_t kPixels = uint64_t{1000} * 1000 * 4;
-    for (const auto& masks : {k888Masks, {0xFF, 0xFF00, 0xFF0000}}) {
-        const Bytes start = TestBitmap{1000, 1000, 32, {}, {}, 40, 3, masks}.File();
-        std::vector<int> percents;
-        const Progress note = [&](int percent) {
-            percents.push_back(percent);
-            return true;
-        };
-        MadeUpSource endless(start, uint64_t{1} << 40);
-        EXPECT_EQ(Read(endless, note).bitCount, 32);
-        EXPECT_LE(endless.bytesRead, kPixels + 200);
-        EXPECT_TRUE(std::ranges::is_sorted(percents, std::ranges::less_equal())) << "none twice";
-        EXPECT_GT(percents.size(), 10u);
-        EXPECT_EQ(percents.back(), 100);
-
-        MadeUpSource stopped(start, start.size() + kPixels);
-        EXPECT_EQ(Read(stopped, [](int) { return false; }).error, kAborted);
-        EXPECT_LT(stopped.bytesRead, kPixels * 3 / 4);
-        for (const uint64_t good : {uint64_t{0}, kPixels / 2}) {
-            MadeUpSource broken(start, start.size() + kPixels, good);
-            EXPECT_EQ(Read(broken).error, kReadFailed);
-        }
-    }
 }
 
 }  // namespace
