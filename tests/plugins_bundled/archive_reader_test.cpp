@@ -307,15 +307,5 @@ TEST(LzhArchive, GoesOnBehindEntriesWithoutAName) {
     }
 }
 
-// Eight literals, then copies of them: two bytes each, also across the pieces that are read.
-TEST(LzhArchive, UnpacksLongMembersOfLarc) {
-    Opened archive(Archive("lzh-lz5-large.gz"));
-    ASSERT_EQ(archive.Count(), 1u);
-    std::string text;
-    while (text.size() < 338'840)
-        text += "abcdefgh";
-    EXPECT_TRUE(archive.Content(0) == text);
-}
-
 }  // namespace
 }  // namespace tessary::unpack::test

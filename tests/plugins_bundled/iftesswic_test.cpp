@@ -2,8 +2,6 @@
 #include <objbase.h>
 
 #include <array>
-#include <atomic>
-#include <latch>
 #include <thread>
 
 #include "plugins/iftesswic/source_stream.h"
@@ -116,88 +114,6 @@ TEST_F(Iftesswic, ReadsTiffUprightInBothPolarities) {
         EXPECT_EQ(turned->Pixels().At(1, 3), 0u);
         EXPECT_EQ(turned->Pixels().At(0, 3), kWhite);
     }
-}
-
-// Two of 16 bits. Under some systems those of big-endian files come out as noise: then they are
-// refused.
-TEST_F(Iftesswic, ReadsSamplesOfBothByteOrdersOrSaysThatItCannot) {
-    const Bytes little = With(Tiff({{kTiffWidth, 2},
-                                    {kTiffHeight, 1},
-                                    {kTiffBits, 16},
-                                    {kTiffPhotometric, 1},
-                                    {kTiffRows, 1}}),
-                              kTiffStrip, 0xC00012FF, 4);
-    for (const Bytes& file : {little, SystemPicture("tiff16-big-endian")}) {
-        const HandedPicture picture(plugin, file);
-        if (file[0] == 'M' && picture.result != susie::kSuccess) {
-            EXPECT_EQ(plugin.getLastCondition(nullptr, 0), susie::kConditionKindNotRead);
-            continue;
-        }
-        ASSERT_EQ(picture.result, susie::kSuccess);
-        EXPECT_EQ(picture.Pixels().At(0, 0), 0x121212u);
-        EXPECT_EQ(picture.Pixels().At(1, 0), 0xC0C0C0u);
-    }
-}
-
-// Tells whether it is ever read by two threads at once.
-class JealousSource final : public dib::ByteSource {
-  public:
-    uint64_t Size() const override { return bytes_.size(); }
-    std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> into) override {
-        if (readers_++ != 0) wasShared = true;
-        Sleep(0);
-        const auto count = dib::MemorySource(bytes_).ReadAt(offset, into);
-        --readers_;
-        return count;
-    }
-    std::atomic<bool> wasShared = false;
-
-  private:
-    std::array<uint8_t, 2800> bytes_{};
-    std::atomic<int> readers_ = 0;
-};
-
-TEST(LentStream, IsReadByManyThreadsAndOnesOfOtherApartments) {
-    using wic::ComPtr;
-    const wic::ComApartment apartment;
-    JealousSource source;
-    wic::LentStream lent(source);
-    IStream* const stream = lent.Get().Get();
-    std::atomic<size_t> total = 0;
-    std::vector<std::thread> threads;
-    std::latch start(4);
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&, useClone = i < 2] {
-            ComPtr<IStream> own;
-            if (useClone) {
-                stream->Clone(&own);
-                own->Seek({}, STREAM_SEEK_SET, nullptr);
-            }
-            uint8_t bytes[7];
-            ULONG read = 0;
-            start.arrive_and_wait();
-            while (SUCCEEDED((useClone ? own.Get() : stream)->Read(bytes, 7, &read)) && read != 0)
-                total += read;
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(total, 3 * source.Size()) << "two clones, and the one that two have shared";
-    EXPECT_FALSE(source.wasShared);
-
-    // By a thread that has an apartment of its own, while this one handles no message.
-    IStream* parcel = nullptr;
-    ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IStream, stream, &parcel), S_OK);
-    std::thread([&] {
-        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        ComPtr<IStream> unpacked;
-        EXPECT_EQ(CoGetInterfaceAndReleaseStream(parcel, IID_PPV_ARGS(&unpacked)), S_OK);
-        EXPECT_EQ(unpacked.Get(), stream);
-        unpacked.Reset();
-        CoUninitialize();
-    }).join();
-    EXPECT_EQ(stream->AddRef(), 2u);
-    EXPECT_EQ(stream->Release(), 1u);
 }
 
 TEST(LentStream, AnswersAsDocumentedAndOutlivesItsSource) {

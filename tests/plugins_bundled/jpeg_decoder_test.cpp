@@ -103,18 +103,5 @@ TEST(JpegDecoder, RefusesWhatItCannotShow) {
     EXPECT_EQ(kDecoder.Decode(source, target, nobody), Result::kReadError);
 }
 
-TEST(JpegDecoder, TellsHowFarItIsAndStopsWhenTold) {
-    for (const bool stops : {true, false}) {
-        int calls = 0, last = 0, total = 1;
-        const Decoded decoded(kDecoder, Jpeg("progressive"), Progress([&](int done, int all) {
-                                  EXPECT_GE(done, std::exchange(last, done));
-                                  total = all;
-                                  return ++calls < 2 || !stops;
-                              }));
-        EXPECT_EQ(decoded.result, stops ? Result::kAborted : Result::kSuccess);
-        EXPECT_TRUE(stops ? calls == 2 : last == total) << calls << ' ' << last;
-    }
-}
-
 }  // namespace
 }  // namespace tessary::codec::test
