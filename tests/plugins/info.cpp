@@ -85,9 +85,7 @@ extern "C" int __stdcall IsSupported(const char* fileName, const char* header) {
             return 3;
         if (script.Has("exclusive") && !CanOpenExclusively(fileName)) return 0;
         if (script.Has("accept-all")) return 1;
-        return (script.Has("by-name") ? std::string(fileName).ends_with(".tst") : IsOurs(content))
-                   ? 1
-                   : 0;
+        return IsOurs(content) ? 1 : 0;
     });
 }
 

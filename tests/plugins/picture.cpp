@@ -11,13 +11,6 @@ namespace {
 
 constexpr uint32_t kDescribeFlag = 0x80;
 
-// An empty source may stand for a picture.
-std::string ReadPictureSource(const char* source, LONG_PTR length, uint32_t flag) {
-    std::string content = ReadSource(source, length, flag);
-    const auto size = PluginScript().Text("empty-is");
-    return content.empty() && size ? "TST " + *size + '\n' : content;
-}
-
 int Describe(const Script& script, const std::string& content, uint32_t flag,
              susie::PictureInfo* info) {
     if (script.Has("flag128") && !(flag & kDescribeFlag)) return susie::kNotImplemented;
@@ -89,7 +82,7 @@ using namespace tessary::test;
 
 extern "C" int __stdcall GetPictureInfo(const char* source, LONG_PTR length, uint32_t flag,
                                         susie::PictureInfo* info) {
-    const std::string content = ReadPictureSource(source, length, flag);
+    const std::string content = ReadSource(source, length, flag);
     return Run({"GetPictureInfo", __builtin_dwarf_cfa(), 4, content},
                [&](const Script& script) { return Describe(script, content, flag, info); });
 }
@@ -97,13 +90,13 @@ extern "C" int __stdcall GetPictureInfo(const char* source, LONG_PTR length, uin
 extern "C" int __stdcall GetPicture(const char* source, LONG_PTR length, uint32_t flag,
                                     HLOCAL* info, HLOCAL* bits, susie::ProgressCallback progress,
                                     LONG_PTR userData) {
-    const std::string content = ReadPictureSource(source, length, flag);
+    const std::string content = ReadSource(source, length, flag);
     return Decode("GetPicture", __builtin_dwarf_cfa(), content, info, bits, progress, userData);
 }
 
 extern "C" int __stdcall GetPreview(const char* source, LONG_PTR length, uint32_t flag,
                                     HLOCAL* info, HLOCAL* bits, susie::ProgressCallback progress,
                                     LONG_PTR userData) {
-    const std::string content = ReadPictureSource(source, length, flag);
+    const std::string content = ReadSource(source, length, flag);
     return Decode("GetPreview", __builtin_dwarf_cfa(), content, info, bits, progress, userData);
 }

@@ -17,10 +17,6 @@ HLOCAL Movable(size_t size) {
     return LocalAlloc(LMEM_MOVEABLE, size);
 }
 
-std::span<const uint8_t> BytesOf(const std::string& text) {
-    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
-}
-
 std::string HeaderOf(int32_t width, int32_t height, uint16_t bitCount) {
     const dib::BitmapInfoHeader header{40, width, height, 1, bitCount, 0, 0, 0, 0, 0, 0};
     return {reinterpret_cast<const char*>(&header), sizeof(header)};
@@ -55,21 +51,6 @@ TEST(PictureMemoryTest, NullAndFreedHandlesAreHarmless) {
     }
 }
 
-TEST(PictureMemoryTest, LocksUnlocksAndSizes) {
-    HLOCAL block = Movable(1064);
-    EXPECT_EQ(UnlockLocalHandle(block), -1);  // not locked
-    void* const address = LockLocalHandle(block);
-    EXPECT_EQ(LockLocalHandle(block), address);
-    EXPECT_EQ(LockLocalHandle(block), address);
-    EXPECT_EQ(LocalHandleSize(block), 1064);
-    EXPECT_TRUE(FreeLocalHandle(block));  // locked three times
-    EXPECT_EQ(block, nullptr);
-
-    HLOCAL fixed = LocalAlloc(LMEM_FIXED, 8);
-    EXPECT_TRUE(IsLocalHandleValid(fixed));
-    EXPECT_TRUE(FreeLocalHandle(fixed));
-}
-
 TEST(PictureMemoryTest, ACrashInForeignMemoryIsContained) {
     SetMemoryGuard(&CrashAlways);
     const HLOCAL block = Movable(64);
@@ -100,16 +81,6 @@ TEST(PictureMemoryTest, HeaderComesFromTheInfoBlockOnly) {
         EXPECT_EQ(LocalFlags(block) & LMEM_LOCKCOUNT, 0u);
     }
 }
-
-// A picture's memory that is no pair.
-struct VectorMemory : PictureMemory {
-    VectorMemory(std::string itsInfo, std::string itsBits)
-        : info(std::move(itsInfo)), bits(std::move(itsBits)) {}
-    std::span<const uint8_t> Info() const override { return BytesOf(info); }
-    std::span<const uint8_t> Bits() const override { return BytesOf(bits); }
-
-    const std::string info, bits;
-};
 
 TEST(PictureTest, APairStaysWhereItIsUntilItIsFreed) {
     const PicturePair pair = PairOf(HeaderOf(1, -2, 32), "toprlowr");
@@ -167,38 +138,6 @@ TEST(PictureTest, APairIsPutRightOrRefusedAndFreed) {
         EXPECT_FALSE(Picture::FromPair(refused));
         EXPECT_FALSE(IsLocalHandleValid(refused.info));
         EXPECT_FALSE(IsLocalHandleValid(refused.bits));
-    }
-}
-
-TEST(PictureTest, MemoryOfAnyKindMayHoldIt) {
-    EXPECT_FALSE(Picture(std::make_unique<VectorMemory>(HeaderOf(1, 1, 24), "BGR")));
-    Picture picture(std::make_unique<VectorMemory>(HeaderOf(1, 1, 24), "BGR_"));
-    ASSERT_TRUE(picture);
-    PicturePair pair = picture.ReleasePair();
-    EXPECT_FALSE(picture);
-    EXPECT_EQ(LocalHandleSize(pair.info), 40);
-    EXPECT_EQ(LocalHandleSize(pair.bits), 4);
-    FreePicture(pair);
-    EXPECT_EQ(picture.ReleasePair().info, nullptr);
-}
-
-TEST(PictureTest, ANewOneHasTheRowsThatItsHeaderAnnounces) {
-    size_t room = 0;
-    const auto make = [&](const std::string& info, bool goesOn = true) {
-        room = 0;
-        return static_cast<bool>(Picture::Make(BytesOf(info), [&](std::span<uint8_t> rows) {
-            room = rows.size();
-            return goesOn;
-        }));
-    };
-    EXPECT_TRUE(make(HeaderOf(5, -3, 24)));
-    EXPECT_EQ(room, 48u);
-    EXPECT_FALSE(make(HeaderOf(5, 3, 24), false));
-    EXPECT_EQ(room, 48u);
-    for (const std::string& refused : {HeaderOf(5, 3, 8), HeaderOf(0, 3, 24), HeaderOf(5, 3, 23),
-                                       HeaderOf(0x7FFFFFFF, 0x7FFFFFFF, 32), std::string("head")}) {
-        EXPECT_FALSE(make(refused));
-        EXPECT_EQ(room, 0u);
     }
 }
 

@@ -193,20 +193,6 @@ TEST_F(ShowTest, FilesInACloudAreJudgedByTheirNamesAndFetchedOnlyToBeShown) {
     EXPECT_TRUE(Show(picture).starts_with(L"a.tst: クラウドのプログラム"));
 }
 
-TEST_F(ShowTest, EmptyFilesAreCalledEmptyUnlessAPluginKnowsThem) {
-    UsePlugins({{L"1.spi", "by-name\ninfo:2:*.tst\nempty-is:30x20x24\n"},
-                {L"2.spi", "accept-all\ninfo:2:*.abc\n"},
-                {L"3.spi", "answer:IsSupported:0\n"}});
-    EXPECT_EQ(QueryFileKind(files_.Write(L"a.tst")), kFilePicture);
-    EXPECT_EQ(Show(files_.Path() + L"a.tst"), L"30×20 1.spi ");
-    EXPECT_EQ(Show(files_.Write(L"b.tst", "TST 3x2x24\n")), L"3×2 1.spi ");
-    EXPECT_EQ(Calls(L"2.spi", "IsSupported"), 0);
-    // Nobody guesses: there is nothing to guess by. Nor does one that fails with it tell more.
-    for (const std::wstring name : {L"a.xyz", L"a.abc", L"a.bmp"})
-        EXPECT_EQ(Show(files_.Write(name)), name + L": ファイルが空です。");
-    EXPECT_EQ(Calls(L"2.spi", "IsSupported"), 1);
-}
-
 TEST_F(ShowTest, ResizedPictureIsTheSameInMemoryAndThroughAFile) {
     Picture source;
     ASSERT_TRUE(ReadBitmapFile(
