@@ -1,31 +1,14 @@
 // What the calling entries do with their arguments, and what they keep plug-ins from destroying.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "app/base/text.h"
 #include "tests/helpers/susiectl/susiectl_library.h"
-#include "tests/plugins/test_plugins.h"
+#include "tests/support/loaded_library.h"
 
 namespace tessary::test {
 namespace {
 
 using namespace susiectl;
-
-TEST(CallsTest, FunctionsThatAreNotThereAreAnsweredMinusOne) {
-    const SusieLibrary& library = Susiectl();
-    char block[512];
-    for (const int answer :
-         {library.getPluginInfo(nullptr, 0, block, 256), library.isSupported(nullptr, "a", nullptr),
-          library.getPictureInfo(nullptr, "a", 0, 0, nullptr),
-          library.getPicture(nullptr, "a", 0, 0, nullptr, nullptr, nullptr, 0),
-          library.getPreview(nullptr, "a", 0, 0, nullptr, nullptr, nullptr, 0),
-          library.getArchiveInfo(nullptr, "a", 0, 0, nullptr),
-          library.getFileInfo(nullptr, "a", 0, "b", 0, nullptr),
-          library.getFile(nullptr, "a", 0, block, 0, nullptr, 0),
-          library.configurationDlg(nullptr, nullptr, 1)})
-        EXPECT_EQ(answer, kNotExported);
-}
 
 TEST(CallsTest, PluginsSeeTheBeginningOfAFile) {
     const TemporaryFolder folder;
@@ -57,18 +40,6 @@ TEST(CallsTest, TextsStayInsideTheirBuffer) {
         EXPECT_TRUE(buffer.starts_with(answer > 0 ? "*." : untouched)) << script;
         EXPECT_EQ(buffer.substr(kSize), std::string(64, '?')) << script;
     }
-}
-
-// What else comes through is seen where the program's own plug-in objects make these calls.
-TEST(CallsTest, MembersAreFoundByTheirName) {
-    const LoadedPlugin plugin(L"axtsa.spi");
-    const std::string archive = ArchiveOf({{"dir/one.txt", "first"}, {"two.txt", "2nd"}});
-    susie::FileInfo record{};
-    EXPECT_EQ(Susiectl().getFileInfo(plugin["GetFileInfo"], archive.data(),
-                                     static_cast<LONG_PTR>(archive.size()), "two.txt",
-                                     susie::kSourceMemory, &record),
-              susie::kSuccess);
-    EXPECT_STREQ(record.fileName, "two.txt");
 }
 
 TEST(CallsTest, ContentTellsTheFormat) {
