@@ -9,6 +9,7 @@
 
 #include "app/settings/settings_store.h"
 #include "bench/common/finished_program.h"
+#include "bench/common/hosted_plugins.h"
 #include "bench/common/stopwatch.h"
 #include "picture/show/modShowPicture.h"
 #include "ui/control/frmControl.h"
@@ -117,6 +118,7 @@ int wmain(int count, wchar_t** arguments) {
     const std::wstring key = LR"(Software\Tessary_Viewer_Bench)";
     RedirectSettingsStore(key);
     LoadHelperLibraries();
+    UsePluginsAsTheViewer();
     int result = 2;
     if (command == L"fill") result = BenchFill();
     if (command == L"forward") result = BenchForward({arguments + 2, arguments + count});

@@ -15,6 +15,7 @@
 #include "app/settings/modValue.h"
 #include "app/settings/settings_store.h"
 #include "bench/common/finished_program.h"
+#include "bench/common/hosted_plugins.h"
 #include "bench/common/stopwatch.h"
 #include "bench/viewer/bare_jpeg.h"
 #include "picture/current_picture.h"
@@ -201,6 +202,7 @@ int wmain(int count, wchar_t** arguments) {
     const std::wstring key = LR"(Software\Tessary_Viewer_Bench)";
     RedirectSettingsStore(key);
     LoadHelperLibraries();
+    UsePluginsAsTheViewer();
     int result = 2;
     if (command == L"show") result = BenchShow(rest[0]);
     if (command == L"scan") result = BenchScan(rest[0]);

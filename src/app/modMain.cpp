@@ -11,9 +11,12 @@
 #include "app/base/message_box.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/modScreenCaps.h"
+#include "app/base/paths.h"
 #include "app/base/quit.h"
+#include "app/base/text.h"
 #include "app/first_run.h"
 #include "app/settings/settings.h"
+#include "host/host_connection.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
 #include "ui/control/frmControl.h"
@@ -22,6 +25,7 @@
 #include "ui/convert/convert_commands.h"
 #include "ui/dialogs/frmProgress.h"
 #include "ui/form/message_loop.h"
+#include "ui/form/worker.h"
 #include "ui/main/clipboard_commands.h"
 #include "ui/main/frmMain.h"
 #include "ui/main/wallpaper_commands.h"
@@ -110,7 +114,15 @@ int Main() {
 }
 
 bool InitializeApplication(HelperLibraries& libraries, const LoadingProgress& progress) {
+    UseHostProcess([](std::span<const HANDLE> handles, DWORD milliseconds, bool isUsers) {
+        if (isUsers) return WaitHandlingMessages(handles, milliseconds);
+        WaitPainting(handles, milliseconds);
+        return true;
+    });
     libraries = CheckHelperLibraries();
+    if (libraries && !PathExists(AppFolder() + kHostProgram)) {
+        libraries.failure = ToUpper(kHostProgram) + L" が見つかりません。";
+    }
     // The first access creates the collection, and the plug-ins of the settings' folders fill it.
     return libraries && ReadGeneralSettings() && ReadConvertSettings() && ApplyFirstRunDefaults() &&
            LoadSPI(progress);

@@ -201,10 +201,7 @@ void CollectionSusie::UnloadMemory() {
 
 int32_t CollectionSusie::GetInMemorySPICount() const {
     return static_cast<int32_t>(
-        std::count_if(order_.members.begin(), order_.members.end(), [](const auto& member) {
-            return !member->DllName().empty() &&
-                   GetModuleHandleW(ExtendedPath(member->DllName()).c_str()) != nullptr;
-        }));
+        std::ranges::count_if(order_.members, [](const auto& one) { return one->IsLoaded(); }));
 }
 
 }  // namespace tessary

@@ -4,6 +4,7 @@
 #include <array>
 #include <mutex>
 #include <optional>
+#include <span>
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
@@ -23,6 +24,7 @@ constexpr wchar_t kFunctionKey[] = L"Function";
 constexpr wchar_t kPluginKey[] = L"SPI";
 constexpr wchar_t kPathKey[] = L"Path";
 constexpr wchar_t kFileKey[] = L"File";
+constexpr wchar_t kHostedKey[] = L"Hosted";
 
 constexpr wchar_t kLoadLibrary[] = L"LoadLibrary";
 constexpr wchar_t kGetPluginInfo[] = L"GetPluginInfo";
@@ -46,11 +48,12 @@ int OwnNumber() {
 template <typename Save>
 void SaveCall(const PluginCall& call, Save&& save) {
     const std::wstring name = FileNameOf(call.plugin);
-    const std::array<KeyAndText, 4> texts{{{kFunctionKey, call.function},
+    const std::array<KeyAndText, 5> texts{{{kFunctionKey, call.function},
                                            {kPluginKey, name},
                                            {kPathKey, call.plugin},
-                                           {kFileKey, call.file}}};
-    save(texts);
+                                           {kFileKey, call.file},
+                                           {kHostedKey, L"1"}}};
+    save(std::span(texts).first(Own().isHosted ? 5 : 4));
 }
 
 void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) {
@@ -94,6 +97,7 @@ std::optional<PluginCall> Noted(const wchar_t* kind, int run) {
     if (FileNameOf(call.plugin) != name) call.plugin = name;
     call.function = GetSetting(log, kFunctionKey);
     call.file = GetSetting(log, kFileKey);
+    call.isHosted = !GetSetting(log, kHostedKey).empty();
     return call;
 }
 
@@ -106,7 +110,7 @@ bool IsCounted(const PluginCall& call, const std::vector<PluginCall>& calls) {
     });
 }
 
-void Recover(const wchar_t* kind, int run, std::vector<PluginCall>& calls) {
+void Count(const wchar_t* kind, int run, std::vector<PluginCall>& calls) {
     std::optional<PluginCall> call = Noted(kind, run);
     if (!call) return;
     const std::wstring log = LogOf(kind, run);
@@ -119,6 +123,11 @@ void Recover(const wchar_t* kind, int run, std::vector<PluginCall>& calls) {
     if (!isCounted && call->WhileLoading()) NoteFatalLoad(call->plugin);
     DeleteSettingSection(log);
     if (!isCounted) calls.push_back(*std::move(call));
+}
+
+bool IsHosted(const wchar_t* kind, int run) {
+    const std::optional<PluginCall> call = Noted(kind, run);
+    return call && call->isHosted;
 }
 
 // `take` of the logs that no living copy keeps. One that cannot be read holds up nothing.
@@ -202,8 +211,28 @@ void HoldThreadCrashAgainst(const std::wstring& plugin) {
 
 std::vector<PluginCall> RecoverInterruptedCalls() {
     std::vector<PluginCall> calls;
-    ForEachAbandonedLog([&](const wchar_t* log, int run) { Recover(log, run, calls); });
+    ForEachAbandonedLog([&](const wchar_t* log, int run) {
+        if (IsHosted(log, run)) return DeleteSettingSection(LogOf(log, run));
+        Count(log, run, calls);
+    });
     return calls;
+}
+
+void BeginHostedCalls() {
+    Own().isHosted = true;
+}
+
+void RecoverHostedCalls() {
+    std::vector<PluginCall> calls;
+    ForEachAbandonedLog([&](const wchar_t* log, int run) {
+        if (IsHosted(log, run)) Count(log, run, calls);
+    });
+}
+
+void ForgetHostedCalls() {
+    ForEachAbandonedLog([](const wchar_t* log, int run) {
+        if (IsHosted(log, run)) DeleteSettingSection(LogOf(log, run));
+    });
 }
 
 std::vector<PluginCall> FindInterruptedCalls() {

@@ -13,6 +13,7 @@ struct PluginCall {
     std::wstring plugin;      // full path; what earlier versions left has the file name alone
     std::wstring file;        // the file bound at the time of the call; empty when none was
     bool hasDamaged = false;  // it came back, but the memory was damaged then
+    bool isHosted = false;    // it was made by a host process, for a program that watches it
 
     // Whether the plug-in was being loaded, as it is at every start.
     bool WhileLoading() const;
@@ -61,9 +62,17 @@ bool CallsGoUnlogged();
 void ExcuseLastCall();
 
 // The calls that earlier runs did not come back from: their failures are counted, and the logs are
-// clean afterwards. The logs of copies that still live are left alone.
-// Runs that have ended in the same call of one plug-in count as one, as the power fails for all.
+// clean afterwards. The logs of copies that still live are left alone. What host processes have
+// left is not counted: their programs were ended, and they with them. Runs that have ended in the
+// same call of one plug-in count as one, as the power fails for all.
 std::vector<PluginCall> RecoverInterruptedCalls();
+
+// From now on what this process notes is a host process's.
+void BeginHostedCalls();
+// Counts what a host has left that has ended, for the program that sees that; or forgets it, where
+// it was not the plug-in that has ended it.
+void RecoverHostedCalls();
+void ForgetHostedCalls();
 
 // The same calls, left for the next start to count.
 std::vector<PluginCall> FindInterruptedCalls();

@@ -10,6 +10,7 @@
 
 #include "app/settings/settings_store.h"
 #include "plugin/living_runs.h"
+#include "plugin/plugin_connection.h"
 
 namespace tessary {
 
@@ -19,6 +20,9 @@ struct HostState {
     bool hasPluginCrashed = false;
     std::wstring damager;  // file name of the plug-in whose call has damaged the memory; or empty
 
+    // Makes the connections to plug-ins; empty: they are in this process.
+    PluginConnector connector;
+
     // This copy among those that run.
     OwnRun run;
 
@@ -27,6 +31,7 @@ struct HostState {
         PassingSection call;
         PassingSection info;
         bool isUnlogged = false;
+        bool isHosted = false;      // this is a host process
         std::mutex mutex;           // of what follows, and of writing the logs
         bool isExcused = false;     // nothing is written any more
         std::wstring calledPlugin;  // empty: none

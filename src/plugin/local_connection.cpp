@@ -4,6 +4,7 @@
 
 #include "app/base/paths.h"
 #include "plugin/call_log.h"
+#include "plugin/host_state.h"
 #include "plugin/plugin_info.h"
 #include "plugin/source_block.h"
 #include "plugin/susie_library.h"
@@ -23,7 +24,12 @@ SusieSource SourceOf(const PluginSource& source) {
 }  // namespace
 
 std::unique_ptr<PluginConnection> ConnectTo(const std::wstring& plugin) {
-    return std::make_unique<LocalConnection>(plugin);
+    const PluginConnector& connector = Host().connector;
+    return connector ? connector(plugin) : std::make_unique<LocalConnection>(plugin);
+}
+
+void SetPluginConnector(PluginConnector connector) {
+    Host().connector = std::move(connector);
 }
 
 bool CanCallPlugins() {

@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -156,8 +157,13 @@ class PluginConnection {
     virtual PluginAnswer Configure(HWND parent) = 0;
 };
 
-// A way to the plug-in of that full path.
+// A way to the plug-in of that full path: in this process, unless a connector was set.
 std::unique_ptr<PluginConnection> ConnectTo(const std::wstring& plugin);
+
+// Has all further connections made by `connector`; empty: in this process.
+using PluginConnector =
+    std::function<std::unique_ptr<PluginConnection>(const std::wstring& plugin)>;
+void SetPluginConnector(PluginConnector connector);
 
 // Whether plug-ins can be called at all; without susiectl.dll they cannot.
 bool CanCallPlugins();

@@ -4,8 +4,8 @@
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
-#include "app/base/quit.h"
 #include "plugin/call_log.h"
+#include "plugin/call_scope.h"
 #include "plugin/host_state.h"
 #include "plugin/plugin_log.h"
 #include "plugin/plugin_state.h"
@@ -46,23 +46,6 @@ constexpr const char* kExportedNames[kSusieFunctionCount] = {
     "GetPluginInfo",    "IsSupported",      "GetPictureInfo",      "GetPicture",
     "GetPreview",       "GetArchiveInfo",   "GetFileInfo",         "GetFile",
     "ConfigurationDlg", "GetLastCondition", "GetPictureWithAlpha",
-};
-
-// Marks the time of a call. It restores what it found rather than counting: scopes inside a call
-// that crashes never end.
-class CallScope {
-  public:
-    CallScope() : outer_(std::exchange(Host().isCallUnderWay, true)) {}
-    CallScope(const CallScope&) = delete;
-    CallScope& operator=(const CallScope&) = delete;
-    ~CallScope() {
-        Host().isCallUnderWay = outer_;
-        // Plug-ins post a request to quit when a window of theirs closes. It is not theirs to make.
-        if (!outer_) DropForeignQuit();
-    }
-
-  private:
-    bool outer_;
 };
 
 void FreeLeft(HLOCAL& handle) {

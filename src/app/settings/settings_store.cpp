@@ -136,4 +136,8 @@ void RedirectSettingsStore(std::wstring_view keyPath) {
     KeyPath() = keyPath;
 }
 
+std::wstring SettingsStoreKey() {
+    return KeyPath();
+}
+
 }  // namespace tessary

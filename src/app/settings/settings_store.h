@@ -54,5 +54,7 @@ class PassingSection {
 // TESSARY_SETTINGS_KEY does the same for a whole process: a second, separate set of settings, and
 // what keeps tests off the user's own.
 void RedirectSettingsStore(std::wstring_view keyPath);
+// Where it is, for another process that is to have the same.
+std::wstring SettingsStoreKey();
 
 }  // namespace tessary

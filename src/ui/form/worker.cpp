@@ -4,7 +4,8 @@
 
 namespace tessary {
 
-bool WaitPainting(HANDLE handle, DWORD milliseconds) {
+bool WaitPainting(std::span<const HANDLE> handles, DWORD milliseconds) {
+    const auto count = static_cast<DWORD>(handles.size());
     const DWORD start = GetTickCount();
     const auto waited = [start] { return GetTickCount() - start; };
     for (;;) {
@@ -23,9 +24,9 @@ bool WaitPainting(HANDLE handle, DWORD milliseconds) {
         const DWORD gone = waited();
         const DWORD left = gone < milliseconds ? milliseconds - gone : 0;
         const DWORD wake =
-            MsgWaitForMultipleObjectsEx(1, &handle, left, QS_PAINT | QS_SENDMESSAGE, 0);
-        if (wake == WAIT_OBJECT_0) return true;
-        if (wake != WAIT_OBJECT_0 + 1 || left == 0) return false;
+            MsgWaitForMultipleObjectsEx(count, handles.data(), left, QS_PAINT | QS_SENDMESSAGE, 0);
+        if (wake < WAIT_OBJECT_0 + count) return true;
+        if (wake != WAIT_OBJECT_0 + count || left == 0) return false;
     }
 }
 

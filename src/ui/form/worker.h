@@ -14,10 +14,13 @@
 
 namespace tessary {
 
-// Waits until the handle is signalled; false when the time is over before. Meanwhile the thread's
-// windows are painted and messages that others send are answered: the one waited for may need that.
-// What is posted, as all that the user does, stays in the queue.
-bool WaitPainting(HANDLE handle, DWORD milliseconds);
+// Waits until one of the handles is signalled; false when the time is over before. Meanwhile the
+// thread's windows are painted and messages that others send are answered: the one waited for may
+// need that. What is posted, as all that the user does, stays in the queue.
+bool WaitPainting(std::span<const HANDLE> handles, DWORD milliseconds);
+inline bool WaitPainting(HANDLE handle, DWORD milliseconds) {
+    return WaitPainting({&handle, 1}, milliseconds);
+}
 
 // Waits until one of the handles is signalled or the time is over, and handles the messages that
 // come meanwhile. False when the program is about to end.

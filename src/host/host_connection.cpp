@@ -1,0 +1,265 @@
+#include "host/host_connection.h"
+
+#include <cstring>
+#include <utility>
+
+#include "app/base/error.h"
+#include "app/base/modGetFolder.h"
+#include "helpers/susiectl/susiectl.h"
+#include "plugin/call_log.h"
+#include "plugin/call_scope.h"
+#include "plugin/plugin_log.h"
+#include "plugin/plugin_state.h"
+
+namespace tessary {
+namespace {
+
+constexpr wchar_t kNoHostText[] =
+    L"プラグインを実行するプログラム (tessary-host32.exe) を起動できません";
+constexpr wchar_t kSilentText[] = L"プラグインが応答しません";
+
+// Takes no input for its own life: some settings windows have no owner. It has the focus again at
+// the end, if it has not lost it to another program.
+class DisabledWindow {
+  public:
+    explicit DisabledWindow(HWND window) : window_(IsWindowEnabled(window) ? window : nullptr) {
+        if (window_ != nullptr) EnableWindow(window_, FALSE);
+    }
+    DisabledWindow(const DisabledWindow&) = delete;
+    DisabledWindow& operator=(const DisabledWindow&) = delete;
+    ~DisabledWindow() {
+        if (window_ == nullptr) return;
+        EnableWindow(window_, TRUE);
+        SetForegroundWindow(window_);  // refused when another program has it
+    }
+
+  private:
+    HWND window_;
+};
+
+// How messages name what was asked for.
+const wchar_t* FunctionOf(HostOperation operation) {
+    switch (operation) {
+        case HostOperation::kLoad:
+            return L"LoadLibrary";
+        case HostOperation::kDescribe:
+            return L"GetPlugInInfo";
+        case HostOperation::kSupports:
+            return L"IsSupported";
+        case HostOperation::kMeasure:
+            return L"GetPictureInfo";
+        case HostOperation::kDecode:
+            return L"GetPicture";
+        case HostOperation::kList:
+            return L"GetArchiveInfo";
+        case HostOperation::kExtract:
+            return L"GetFile";
+        case HostOperation::kConfigure:
+            return L"ConfigurationDlg";
+        default:
+            return L"FreeLibrary";
+    }
+}
+
+DWORD LimitOf(HostOperation operation, const HostLimits& limits) {
+    switch (operation) {
+        case HostOperation::kConfigure:
+            return INFINITE;  // the user's time
+        case HostOperation::kDescribe:
+        case HostOperation::kSupports:
+            return limits.asking;
+        default:
+            return limits.working;
+    }
+}
+
+// A picture in a section of a host's, in which only the pixels lie that are looked at: the host
+// may change colours, and nothing else.
+class SectionPicture final : public PictureMemory {
+  public:
+    SectionPicture(std::vector<uint8_t> info, HostSections::Lease section,
+                   std::span<const uint8_t> bits)
+        : info_(std::move(info)), section_(std::move(section)), bits_(bits) {}
+
+    std::span<const uint8_t> Info() const override { return info_; }
+    std::span<const uint8_t> Bits() const override { return bits_; }
+
+  private:
+    std::vector<uint8_t> info_;
+    HostSections::Lease section_;
+    std::span<const uint8_t> bits_;
+};
+
+// Empty when it is none.
+Picture PictureOf(const HostReply& reply, std::optional<HostSections::Lease> section) {
+    if (!section) return {};
+    const std::span<const uint8_t> all = section->Bytes();
+    if (reply.infoSize > reply.bitsAt || reply.bitsAt > all.size()) return {};
+    const auto info = all.first(static_cast<size_t>(reply.infoSize));
+    const auto bits = all.subspan(static_cast<size_t>(reply.bitsAt));
+    return Picture(std::make_unique<SectionPicture>(std::vector<uint8_t>(info.begin(), info.end()),
+                                                    *std::move(section), bits));
+}
+
+OwnedBlock BlockOf(const std::optional<HostSections::Lease>& section) {
+    if (!section) return {};
+    const std::span<const uint8_t> bytes = section->Bytes();
+    return FilledBlock(bytes.size(), [&](std::span<uint8_t> target) {
+        std::memcpy(target.data(), bytes.data(), bytes.size());
+    });
+}
+
+}  // namespace
+
+void UseHostProcess(HostWait wait) {
+    static HostPool pool(AppFolder() + kHostProgram, {}, std::move(wait));
+    SetPluginConnector(
+        [](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, pool); });
+}
+
+HostConnection::~HostConnection() {
+    Trapped([&] { Unload(); });
+}
+
+// What the dead host has left in the call log says whom it was calling.
+PluginAnswer HostConnection::EndedAnswer(HostEnd end, HostOperation operation) const {
+    const wchar_t* const function = FunctionOf(operation);
+    switch (end) {
+        case HostEnd::kStopped:
+            Trapped([] { ForgetHostedCalls(); });
+            return {susie::kAborted, {}, {}};
+        case HostEnd::kRefused:
+            return {kResultUnexpected, {}, {kNoHostText, function}};
+        case HostEnd::kLied:
+            Trapped([&] { IncrementErrorCount(path_, function); });
+            [[fallthrough]];
+        default:
+            Trapped([] { RecoverHostedCalls(); });
+            return {kResultCrashed,
+                    {},
+                    {end == HostEnd::kSilent ? kSilentText : kPluginCrashedText, function}};
+    }
+}
+
+HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource& source,
+                                         const SusieProgress& progress) const {
+    const CallScope scope;
+    Told told;
+    HostEnd end = HostEnd::kRefused;
+    HostProcess* const host = pool_.Running();
+    std::optional<Section> bytes;
+    if (host != nullptr && !source.isFile && !source.bytes.empty()) {
+        bytes = Section::Make(source.bytes.size());
+        if (!bytes) return {{kResultUnexpected, {}, {}}, {}, nullptr};
+        std::memcpy(bytes->Bytes().data(), source.bytes.data(), source.bytes.size());
+        request.bytes = {host->Lend(*bytes), source.bytes.size(), 0};
+    }
+    request.plugin = path_;
+    request.boundFile = boundFile_;
+    request.sourceName = source.name;
+    request.isFile = source.isFile;
+    request.tellsProgress = static_cast<bool>(progress);
+    if (host != nullptr) {
+        end = host->Call(request, LimitOf(request.operation, pool_.Limits()), progress, told.reply);
+    }
+    if (end != HostEnd::kAnswered) {
+        told.answer = EndedAnswer(end, request.operation);
+        told.reply.wasStopped = end == HostEnd::kStopped;
+        return told;
+    }
+    HostReply& reply = told.reply;
+    told.host = host;
+    told.answer = {reply.code,
+                   ConditionOf(reply.condition, reply.conditionText),
+                   {std::move(reply.faultMessage), std::move(reply.faultFunction)}};
+    return told;
+}
+
+LoadedPlugin HostConnection::Load() {
+    const Told told = Ask({.operation = HostOperation::kLoad});
+    isLoaded_ = told.reply.isLoaded;
+    return {told.answer, told.host == nullptr ? kStyleNone : told.reply.style,
+            told.host == nullptr && told.answer.HasCrashed() ? susiectl::kErrorCrashed
+                                                             : told.reply.loadError};
+}
+
+PluginAnswer HostConnection::Unload() {
+    if (!std::exchange(isLoaded_, false)) return {susie::kSuccess, {}, {}};
+    if (!pool_.IsRunning()) return {susie::kSuccess, {}, {}};
+    return Ask({.operation = HostOperation::kUnload}).answer;
+}
+
+void HostConnection::LeaveLoaded() {
+    if (std::exchange(isLoaded_, false) && pool_.IsRunning()) {
+        Ask({.operation = HostOperation::kLeaveLoaded});
+    }
+}
+
+bool HostConnection::IsInUse() const {
+    return isLoaded_ && pool_.IsRunning() &&
+           Ask({.operation = HostOperation::kIsInUse}).reply.isInUse;
+}
+
+PluginDescription HostConnection::Describe() {
+    Told told = Ask({.operation = HostOperation::kDescribe});
+    PluginDescription description;
+    static_cast<PluginAnswer&>(description) = std::move(told.answer);
+    description.style = told.reply.style;
+    description.hasSettings = told.reply.hasSettings;
+    description.productName = std::move(told.reply.productName);
+    description.patterns = std::move(told.reply.patterns);
+    if (description.patterns.empty()) description.patterns = {kEveryFile};
+    return description;
+}
+
+PluginAnswer HostConnection::Supports(const PluginSource& source) {
+    return Ask({.operation = HostOperation::kSupports}, source).answer;
+}
+
+MeasuredPicture HostConnection::Measure(const PluginSource& source) {
+    const Told told = Ask({.operation = HostOperation::kMeasure}, source);
+    const HostReply& reply = told.reply;
+    const bool isKnown = reply.width > 0 && reply.height > 0 && reply.colorDepth > 0;
+    return {told.answer,
+            isKnown ? PictureSize{reply.width, reply.height, reply.colorDepth} : PictureSize{}};
+}
+
+DecodedPicture HostConnection::Decode(const PluginSource& source, DecodeKind kind,
+                                      const SusieProgress& progress) {
+    const Told told =
+        Ask({.operation = HostOperation::kDecode, .isPreview = kind == DecodeKind::kPreview},
+            source, progress);
+    DecodedPicture decoded{told.answer, {}, told.reply.wasStopped};
+    if (told.host != nullptr)
+        decoded.picture = PictureOf(told.reply, told.host->Take(told.reply.bytes));
+    return decoded;
+}
+
+ListedArchive HostConnection::List(const PluginSource& archive) {
+    Told told = Ask({.operation = HostOperation::kList}, archive);
+    return {std::move(told.answer), std::move(told.reply.members)};
+}
+
+ExtractedMember HostConnection::Extract(const PluginSource& archive, const susie::FileInfo& member,
+                                        const std::optional<std::string>& folder,
+                                        const SusieProgress& progress) {
+    const Told told =
+        Ask({.operation = HostOperation::kExtract, .member = member, .folder = folder}, archive,
+            progress);
+    ExtractedMember extracted{told.answer, {}, told.reply.wasStopped};
+    if (told.host != nullptr) {
+        extracted.bytes = MemberBytes(BlockOf(told.host->Take(told.reply.bytes)));
+    }
+    return extracted;
+}
+
+PluginAnswer HostConnection::Configure(HWND parent) {
+    // The settings window comes to the front, where ours is now.
+    AllowSetForegroundWindow(ASFW_ANY);
+    const DisabledWindow owner(parent);
+    return Ask({.operation = HostOperation::kConfigure,
+                .parent = reinterpret_cast<uintptr_t>(parent)})
+        .answer;
+}
+
+}  // namespace tessary

@@ -1,0 +1,60 @@
+// A plug-in in a host process.
+#pragma once
+
+#include "host/host_pool.h"
+#include "plugin/plugin_connection.h"
+
+namespace tessary {
+
+// Has the pool's host do what is asked. A host that ends is replaced by the next operation, and
+// what was loaded is loaded there when it is needed: only the operation in the middle of which it
+// has ended fails. That counts as a crash of the plug-in's, in the error log too.
+class HostConnection final : public PluginConnection {
+  public:
+    // `plugin`: the full path of its file. The pool must outlive this.
+    HostConnection(const std::wstring& plugin, HostPool& pool) : path_(plugin), pool_(pool) {}
+    ~HostConnection() override;
+
+    LoadedPlugin Load() override;
+    bool IsLoaded() const override { return isLoaded_; }
+    PluginAnswer Unload() override;
+    void LeaveLoaded() override;
+    bool IsInUse() const override;
+
+    void SetBoundFile(const std::wstring& path) override { boundFile_ = path; }
+
+    PluginDescription Describe() override;
+    PluginAnswer Supports(const PluginSource& source) override;
+    MeasuredPicture Measure(const PluginSource& source) override;
+    DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
+                          const SusieProgress& progress) override;
+    ListedArchive List(const PluginSource& archive) override;
+    ExtractedMember Extract(const PluginSource& archive, const susie::FileInfo& member,
+                            const std::optional<std::string>& folder,
+                            const SusieProgress& progress) override;
+    PluginAnswer Configure(HWND parent) override;
+
+  private:
+    // What came of a request: the reply, the answer in it, and the host that it is from.
+    struct Told {
+        PluginAnswer answer{};
+        HostReply reply{};
+        HostProcess* host = nullptr;  // null: there is no reply
+    };
+    Told Ask(HostRequest request, const PluginSource& source = {},
+             const SusieProgress& progress = {}) const;
+    PluginAnswer EndedAnswer(HostEnd end, HostOperation operation) const;
+
+    std::wstring path_;
+    HostPool& pool_;
+    std::wstring boundFile_;
+    bool isLoaded_ = false;
+};
+
+// The program of a host process; it is beside this one.
+inline constexpr wchar_t kHostProgram[] = L"tessary-host32.exe";
+
+// Has all further connections lead to one host process.
+void UseHostProcess(HostWait wait);
+
+}  // namespace tessary

@@ -1,0 +1,87 @@
+#include "host/host_messages.h"
+
+#include "host/wire.h"
+
+// The fields of each message, in their order on the wire. Numbers are written as wide as they are
+// in the widest program: hosts and programs may be of 32 or 64 bits.
+namespace tessary {
+namespace susie {
+
+template <class Wire>
+void Transfer(Wire& wire, FileInfo& member) {
+    auto position = static_cast<uint64_t>(member.position);
+    auto compressedSize = static_cast<uint64_t>(member.compressedSize);
+    auto fileSize = static_cast<uint64_t>(member.fileSize);
+    auto timestamp = static_cast<int64_t>(member.timestamp);
+    wire(member.method, position, compressedSize, fileSize, timestamp, member.path,
+         member.fileName);
+    uint32_t crc = member.crc;
+    wire(crc);
+    member.position = static_cast<decltype(member.position)>(position);
+    member.compressedSize = static_cast<decltype(member.compressedSize)>(compressedSize);
+    member.fileSize = static_cast<decltype(member.fileSize)>(fileSize);
+    member.timestamp = static_cast<decltype(member.timestamp)>(timestamp);
+    member.crc = crc;
+}
+
+}  // namespace susie
+
+template <class Wire>
+void Transfer(Wire& wire, WireSection& section) {
+    wire(section.handle, section.size, section.id);
+}
+
+template <class Wire>
+void Transfer(Wire& wire, HostRequest& request) {
+    wire(request.operation, request.settingsKey, request.plugin, request.boundFile,
+         request.sourceName, request.isFile, request.bytes, request.isPreview,
+         request.tellsProgress, request.member, request.folder, request.parent, request.returned);
+}
+
+template <class Wire>
+void Transfer(Wire& wire, HostReply& reply) {
+    wire(reply.code, reply.condition, reply.conditionText, reply.faultMessage, reply.faultFunction,
+         reply.isWorn, reply.style, reply.loadError, reply.isLoaded, reply.isInUse,
+         reply.hasSettings, reply.productName, reply.patterns, reply.width, reply.height,
+         reply.colorDepth, reply.wasStopped, reply.members, reply.bytes, reply.infoSize,
+         reply.bitsAt);
+}
+
+namespace {
+
+template <typename Message>
+std::vector<uint8_t> Written(const Message& message) {
+    WireWriter writer;
+    writer(message);
+    return writer.Bytes();
+}
+
+template <typename Message>
+std::optional<Message> Read(std::span<const uint8_t> bytes) {
+    WireReader reader(bytes);
+    Message message;
+    reader(message);
+    return reader.IsWhole() ? std::optional(std::move(message)) : std::nullopt;
+}
+
+}  // namespace
+
+std::vector<uint8_t> BytesOf(const HostRequest& request) {
+    return Written(request);
+}
+
+std::vector<uint8_t> BytesOf(const HostReply& reply) {
+    return Written(reply);
+}
+
+std::optional<HostRequest> RequestOf(std::span<const uint8_t> bytes) {
+    std::optional<HostRequest> request = Read<HostRequest>(bytes);
+    return request && request->operation <= HostOperation::kLast ? request : std::nullopt;
+}
+
+std::optional<HostReply> ReplyOf(std::span<const uint8_t> bytes) {
+    std::optional<HostReply> reply = Read<HostReply>(bytes);
+    return reply && reply->patterns.size() <= kMaxPatterns ? reply : std::nullopt;
+}
+
+}  // namespace tessary

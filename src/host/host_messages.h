@@ -1,0 +1,90 @@
+// What a program and the host process of its plug-ins tell each other: one request and one reply
+// for each operation of a PluginConnection.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "helpers/susiectl/susie_interface.h"
+#include "plugin/file_patterns.h"
+
+namespace tessary {
+
+enum class HostOperation : uint32_t {
+    kBegin,  // the first: says where the settings are
+    kEnd,    // the last: plug-ins are freed, and the host ends
+    kLoad,
+    kUnload,
+    kLeaveLoaded,
+    kIsInUse,
+    kDescribe,
+    kSupports,
+    kMeasure,
+    kDecode,
+    kList,
+    kExtract,
+    kConfigure,
+    kLast = kConfigure,
+};
+
+// Bytes in a section of shared memory.
+struct WireSection {
+    uint64_t handle = 0;  // of the host process; 0: there are none
+    uint64_t size = 0;
+    uint32_t id = 0;  // of a section that comes again, with other bytes; 0: it does not
+};
+
+// The fields that an operation has no use for stay as they are here.
+struct HostRequest {
+    HostOperation operation = HostOperation::kBegin;
+    std::wstring settingsKey{};  // where the settings are (RedirectSettingsStore); kBegin only
+    std::wstring plugin{};       // full path of its file
+    std::wstring boundFile{};    // that the call log names
+    std::string sourceName{};    // PluginSource, with its bytes
+    bool isFile = true;
+    WireSection bytes{};
+    bool isPreview = false;
+    bool tellsProgress = false;  // somebody wants to know
+    susie::FileInfo member{};
+    std::optional<std::string> folder{};
+    uint64_t parent = 0;               // window
+    std::vector<uint32_t> returned{};  // the ids of sections that nobody reads any more
+};
+
+struct HostReply {
+    int32_t code = 0;
+    int32_t condition = 0;
+    std::wstring conditionText{};
+    std::wstring faultMessage{};
+    std::wstring faultFunction{};
+    // The host's memory is not to be relied on any more: it wants to be replaced.
+    bool isWorn = false;
+    int32_t style = 0;
+    uint32_t loadError = 0;
+    bool isLoaded = false;
+    bool isInUse = false;
+    bool hasSettings = false;
+    std::wstring productName{};
+    FilePatterns patterns{};
+    int32_t width = -1;
+    int32_t height = -1;
+    int32_t colorDepth = -1;
+    bool wasStopped = false;
+    std::optional<std::vector<susie::FileInfo>> members{};
+    // A member's bytes; or a picture's info block, and its bits block behind that.
+    WireSection bytes{};
+    uint64_t infoSize = 0;
+    uint64_t bitsAt = 0;
+};
+
+std::vector<uint8_t> BytesOf(const HostRequest& request);
+std::vector<uint8_t> BytesOf(const HostReply& reply);
+
+// Nothing when the bytes are no such message.
+std::optional<HostRequest> RequestOf(std::span<const uint8_t> bytes);
+std::optional<HostReply> ReplyOf(std::span<const uint8_t> bytes);
+
+}  // namespace tessary

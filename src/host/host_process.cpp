@@ -1,0 +1,243 @@
+#include "host/host_process.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+#include "app/base/error.h"
+#include "app/settings/settings_store.h"
+
+namespace tessary {
+namespace {
+
+constexpr DWORD kStartLimit = 10000;  // milliseconds; the first start after the system's is slow
+constexpr DWORD kEndLimit = 1000;     // that the freeing of plug-ins may take
+constexpr DWORD kStopGrace = 300;     // that a plug-in may take to stop
+constexpr DWORD kBeat = 40;           // between two looks at whether to go on
+
+// Only these handles go to a child process.
+class InheritedHandles {
+  public:
+    explicit InheritedHandles(std::vector<HANDLE> handles) : handles_(std::move(handles)) {
+        SIZE_T size = 0;
+        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        memory_.resize(size);
+        isGood_ = InitializeProcThreadAttributeList(List(), 1, 0, &size) != FALSE;
+        isGood_ = isGood_ && UpdateProcThreadAttribute(
+                                 List(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles_.data(),
+                                 handles_.size() * sizeof(HANDLE), nullptr, nullptr) != FALSE;
+    }
+    InheritedHandles(const InheritedHandles&) = delete;
+    InheritedHandles& operator=(const InheritedHandles&) = delete;
+    ~InheritedHandles() {
+        if (isGood_) DeleteProcThreadAttributeList(List());
+    }
+
+    bool IsGood() const { return isGood_; }
+    LPPROC_THREAD_ATTRIBUTE_LIST List() {
+        return reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(memory_.data());
+    }
+
+  private:
+    std::vector<HANDLE> handles_;
+    std::vector<uint8_t> memory_;
+    bool isGood_ = false;
+};
+
+// A handle of this process that a child inherits: to wait for its end, and for nothing else.
+UniqueProcess OwnHandle() {
+    HANDLE own = nullptr;
+    DuplicateHandle(GetCurrentProcess(), GetCurrentProcess(), GetCurrentProcess(), &own,
+                    SYNCHRONIZE, TRUE, 0);
+    return UniqueProcess(own);
+}
+
+// A job whose processes end with its last handle. Null where there are none.
+UniqueJob EndingJob() {
+    UniqueJob job(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags =
+        JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_DIE_ON_UNHANDLED_EXCEPTION;
+    if (job) {
+        SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits,
+                                sizeof(limits));
+    }
+    return job;
+}
+
+struct StartedProcess {
+    UniqueProcess process;
+    UniqueJob job;
+};
+
+std::optional<StartedProcess> StartWith(const std::wstring& program,
+                                        const ChannelHandles& handles) {
+    InheritedHandles inherited({handles.page, handles.request, handles.answer, handles.program});
+    if (!inherited.IsGood()) return std::nullopt;
+    STARTUPINFOEXW start{};
+    start.StartupInfo.cb = sizeof(start);
+    start.lpAttributeList = inherited.List();
+    std::wstring line = L'"' + program + L"\" " + handles.Arguments();
+    PROCESS_INFORMATION made{};
+    // Not on its way before it is in the job.
+    if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE,
+                        EXTENDED_STARTUPINFO_PRESENT | CREATE_SUSPENDED | CREATE_NO_WINDOW, nullptr,
+                        nullptr, &start.StartupInfo, &made)) {
+        return std::nullopt;
+    }
+    StartedProcess started{UniqueProcess(made.hProcess), EndingJob()};
+    const UniqueThread thread(made.hThread);
+    // Before Windows 8 there is none in another's job; the host sees by itself when we end.
+    if (started.job) AssignProcessToJobObject(started.job.Get(), made.hProcess);
+    ResumeThread(made.hThread);
+    // They are for this child alone.
+    for (const HANDLE handle : {handles.page, handles.request, handles.answer, handles.program})
+        SetHandleInformation(handle, HANDLE_FLAG_INHERIT, 0);
+    return started;
+}
+
+}  // namespace
+
+HostProcess::HostProcess(UniqueProcess process, UniqueJob job, ChannelEnd channel,
+                         UniqueEvent request, UniqueEvent answer, HostWait wait)
+    : process_(std::move(process)),
+      job_(std::move(job)),
+      channel_(std::move(channel)),
+      request_(std::move(request)),
+      answer_(std::move(answer)),
+      wait_(std::move(wait)) {}
+
+std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, HostWait wait) {
+    SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+    std::optional<Section> page = Section::Make(sizeof(ChannelPage), &inherited);
+    UniqueEvent request(CreateEventW(&inherited, FALSE, FALSE, nullptr));
+    UniqueEvent answer(CreateEventW(&inherited, TRUE, FALSE, nullptr));
+    const UniqueProcess own = OwnHandle();
+    if (!page || !request || !answer || !own) return nullptr;
+    std::optional<StartedProcess> started =
+        StartWith(program, {page->Handle(), request.Get(), answer.Get(), own.Get()});
+    if (!started) return nullptr;
+    std::unique_ptr<HostProcess> host(new HostProcess(
+        std::move(started->process), std::move(started->job), ChannelEnd(*std::move(page)),
+        std::move(request), std::move(answer), std::move(wait)));
+    HostReply reply;
+    const HostRequest begin{.operation = HostOperation::kBegin, .settingsKey = SettingsStoreKey()};
+    return host->Call(begin, kStartLimit, {}, reply) == HostEnd::kAnswered ? std::move(host)
+                                                                           : nullptr;
+}
+
+HostProcess::~HostProcess() {
+    if (isWorn_) End();
+    if (!IsAlive()) return;
+    HostReply reply;
+    Trapped([&] { Call({.operation = HostOperation::kEnd}, kEndLimit, {}, reply); });
+    if (WaitForSingleObject(process_.Get(), kEndLimit) == WAIT_TIMEOUT) End();
+}
+
+bool HostProcess::IsAlive() const {
+    return WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT;
+}
+
+void HostProcess::End() {
+    TerminateProcess(process_.Get(), 0);
+    WaitForSingleObject(process_.Get(), kEndLimit);
+}
+
+uint64_t HostProcess::Lend(const Section& section) {
+    HANDLE lent = nullptr;
+    DuplicateHandle(GetCurrentProcess(), section.Handle(), process_.Get(), &lent,
+                    SECTION_MAP_READ | SECTION_QUERY, FALSE, 0);
+    return reinterpret_cast<uintptr_t>(lent);
+}
+
+bool HostProcess::HasSignalled(DWORD milliseconds, bool isUsers, bool& goesOn) const {
+    const std::array<HANDLE, 2> handles{answer_.Get(), process_.Get()};
+    if (wait_) {
+        goesOn = wait_(handles, milliseconds, isUsers);
+        milliseconds = 0;
+    }
+    return WaitForMultipleObjects(1, handles.data(), FALSE, 0) == WAIT_OBJECT_0 ||
+           (milliseconds != 0 &&
+            WaitForMultipleObjects(2, handles.data(), FALSE, milliseconds) == WAIT_OBJECT_0);
+}
+
+// The answer stays signalled until then: whoever waits may only look.
+void HostProcess::Send() {
+    ResetEvent(answer_.Get());
+    SetEvent(request_.Get());
+}
+
+bool HostProcess::AnswerProgress(const SusieProgress& progress, bool isStopped) {
+    const int32_t done = channel_.Done();
+    const int32_t total = channel_.Total();
+    const bool goesOn =
+        !isStopped && (!progress || Trapped(false, [&] { return progress(done, total); }));
+    channel_.PutGoesOn(goesOn);
+    Send();
+    return goesOn;
+}
+
+std::optional<HostReply> HostProcess::TakeReply() const {
+    const WireSection elsewhere = channel_.Elsewhere();
+    if (elsewhere.handle == 0) {
+        const auto message = channel_.Message();
+        return message ? ReplyOf(*message) : std::nullopt;
+    }
+    const auto section = Take(elsewhere);
+    if (!section) return std::nullopt;
+    // A copy: the host could change it while it is read.
+    const std::span<const uint8_t> bytes = section->Bytes();
+    return ReplyOf(std::vector<uint8_t>(bytes.begin(), bytes.end()));
+}
+
+HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress& progress,
+                          HostReply& reply) {
+    if (!IsAlive()) return HostEnd::kDied;
+    request.returned = sections_->TakeReturned();
+    if (!channel_.Put(ChannelSignal::kRequest, BytesOf(request))) return HostEnd::kRefused;
+    Send();
+    ULONGLONG lastSign = GetTickCount64();
+    bool isStopped = false;
+    for (;;) {
+        const ULONGLONG silence = GetTickCount64() - lastSign;
+        const DWORD patience = isStopped ? kStopGrace : limit;
+        if (patience != INFINITE && silence >= patience) {
+            return Ended(isStopped ? HostEnd::kStopped : HostEnd::kSilent);
+        }
+        const DWORD left = patience == INFINITE ? kBeat : patience - static_cast<DWORD>(silence);
+        bool goesOn = true;
+        if (!HasSignalled(progress ? std::min(left, kBeat) : left, limit == INFINITE, goesOn)) {
+            if (!IsAlive()) return HostEnd::kDied;
+            if (progress && !isStopped) {
+                goesOn = goesOn && Trapped(false, [&] {
+                             return progress(channel_.Done(), channel_.Total());
+                         });
+            }
+            if (!goesOn && !std::exchange(isStopped, true)) lastSign = GetTickCount64();
+            continue;
+        }
+        if (!isStopped) lastSign = GetTickCount64();
+        switch (channel_.Signal()) {
+            case ChannelSignal::kProgress:
+                if (!AnswerProgress(progress, isStopped)) isStopped = true;
+                break;
+            case ChannelSignal::kReply:
+                if (std::optional<HostReply> told = TakeReply()) {
+                    reply = *std::move(told);
+                    isWorn_ = isWorn_ || reply.isWorn;
+                    return HostEnd::kAnswered;
+                }
+                return Ended(HostEnd::kLied);
+            default:
+                return Ended(HostEnd::kLied);
+        }
+    }
+}
+
+HostEnd HostProcess::Ended(HostEnd end) {
+    End();
+    return end;
+}
+
+}  // namespace tessary

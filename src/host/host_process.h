@@ -1,0 +1,105 @@
+// A process that plug-ins run in, seen from the program: how it is started, asked and ended.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "app/base/worker_thread.h"
+#include "host/host_channel.h"
+#include "host/host_messages.h"
+#include "host/host_sections.h"
+#include "plugin/plugin_connection.h"
+
+namespace tessary {
+
+using UniqueJob = UniqueHandle<handle_traits::KernelObject>;
+
+// How long an operation may give no sign of life, in milliseconds.
+struct HostLimits {
+    DWORD asking = 2000;  // Describe, Supports
+    DWORD working = 20000;
+};
+
+// Waits until one of the handles is signalled, at most so many milliseconds, and keeps the windows
+// of the program alive meanwhile. `isUsers`: it is the user who is waited for, in a settings
+// window: all messages are handled. Else nothing that could ask a plug-in for something. False: the
+// program is about to end.
+using HostWait =
+    std::function<bool(std::span<const HANDLE> handles, DWORD milliseconds, bool isUsers)>;
+
+// How a call has ended.
+enum class HostEnd {
+    kAnswered,
+    kDied,     // the host has ended in the middle
+    kSilent,   // it gave no sign of life, and was ended
+    kStopped,  // it did not stop when it was told to, and was ended
+    kLied,     // what it has answered cannot be, and it was ended
+    kRefused,  // the request could not be made
+};
+
+class HostProcess {
+  public:
+    // Starts `program`; null when that cannot be done. The host ends with this process, whatever
+    // happens, and with this object.
+    // `wait`: for its replies; empty: nothing but waiting is done.
+    static std::unique_ptr<HostProcess> Start(const std::wstring& program, HostWait wait);
+
+    HostProcess(const HostProcess&) = delete;
+    HostProcess& operator=(const HostProcess&) = delete;
+    // Has it free its plug-ins, and does not wait long for that.
+    ~HostProcess();
+
+    bool IsAlive() const;
+    // Of the process.
+    DWORD Id() const { return GetProcessId(process_.Get()); }
+
+    // Whether it has said that it should be replaced.
+    bool IsWorn() const { return isWorn_; }
+
+    // Has a request carried out, and waits for the reply. `limit`: without a sign of life, in
+    // milliseconds; INFINITE: the user is waited for. `progress` is asked every moment, whether the
+    // plug-in asks or not, and a plug-in that goes on though it was told to stop is ended soon.
+    // Nothing is thrown but for want of memory.
+    HostEnd Call(HostRequest request, DWORD limit, const SusieProgress& progress, HostReply& reply);
+
+    // Gives the host a handle of a section, to read it or to have a copy of its own.
+    uint64_t Lend(const Section& section);
+    // Bytes in a section of the host's; nothing when there are none of that size under that handle.
+    std::optional<HostSections::Lease> Take(const WireSection& section) const {
+        return sections_->Open(process_.Get(), section);
+    }
+
+    // Ends it at once.
+    void End();
+
+  private:
+    HostProcess(UniqueProcess process, UniqueJob job, ChannelEnd channel, UniqueEvent request,
+                UniqueEvent answer, HostWait wait);
+
+    // Hands over what stands in the page.
+    void Send();
+    // Whether the host has signalled something within so many milliseconds.
+    bool HasSignalled(DWORD milliseconds, bool isUsers, bool& goesOn) const;
+    // Tells the host whether to go on, as `progress` says.
+    bool AnswerProgress(const SusieProgress& progress, bool isStopped);
+    std::optional<HostReply> TakeReply() const;
+    // Ends it, and answers that.
+    HostEnd Ended(HostEnd end);
+
+    UniqueProcess process_;
+    UniqueJob job_;  // ends the host when this process ends
+    ChannelEnd channel_;
+    UniqueEvent request_;
+    UniqueEvent answer_;
+    HostWait wait_;
+    std::shared_ptr<HostSections> sections_ = std::make_shared<HostSections>();
+    bool isWorn_ = false;
+};
+
+}  // namespace tessary

@@ -1,0 +1,259 @@
+#include "host32/host_service.h"
+
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "app/base/error.h"
+#include "app/base/text.h"
+#include "app/settings/settings_store.h"
+#include "plugin/plugin_state.h"
+
+namespace tessary {
+namespace {
+
+// How often the program is asked whether to go on, in milliseconds: each time costs a tenth of one,
+// and some plug-ins tell of every row.
+constexpr ULONGLONG kProgressPause = 10;
+
+// Pixel rows are read fastest from there.
+constexpr uint64_t kBitsAlignment = 64;
+
+void HandleMessages() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message == WM_QUIT) continue;  // not a plug-in's to ask for
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+HostReply ReplyWith(const PluginAnswer& answer) {
+    HostReply reply;
+    reply.code = answer.code;
+    reply.condition = answer.condition.kind;
+    reply.conditionText = answer.condition.text;
+    reply.faultMessage = answer.fault.message;
+    reply.faultFunction = answer.fault.function;
+    return reply;
+}
+
+void Copy(std::span<const uint8_t> from, std::span<uint8_t> to) {
+    if (!from.empty()) std::memcpy(to.data(), from.data(), from.size());
+}
+
+}  // namespace
+
+HostService::HostService(ChannelEnd channel, const ChannelHandles& handles)
+    : channel_(std::move(channel)),
+      request_(handles.request),
+      answer_(handles.answer),
+      program_(handles.program) {}
+
+HostService::~HostService() {
+    for (const HANDLE handle : {request_, answer_, program_})
+        CloseHandle(handle);
+}
+
+bool HostService::WaitForRequest() const {
+    const std::array<HANDLE, 2> handles{request_, program_};
+    for (;;) {
+        const DWORD signalled =
+            MsgWaitForMultipleObjects(2, handles.data(), FALSE, INFINITE, QS_ALLINPUT);
+        if (signalled == WAIT_OBJECT_0) return true;
+        if (signalled != WAIT_OBJECT_0 + 2) return false;
+        HandleMessages();
+    }
+}
+
+std::optional<HostRequest> HostService::TakeRequest() const {
+    const auto message = channel_.Message();
+    return channel_.Signal() == ChannelSignal::kRequest && message ? RequestOf(*message)
+                                                                   : std::nullopt;
+}
+
+void HostService::Run() {
+    while (WaitForRequest()) {
+        const std::optional<HostRequest> request = TakeRequest();
+        if (!request) return;
+        lastProgress_ = 0;
+        goesOn_ = true;
+        HostReply failed;
+        failed.code = kResultUnexpected;
+        Answer(Trapped(std::move(failed), [&] { return Carried(*request); }));
+        if (request->operation == HostOperation::kEnd) return;
+    }
+}
+
+LocalConnection& HostService::ConnectionOf(const std::wstring& plugin, bool loads) {
+    std::unique_ptr<Connected>& connected = plugins_[ToUpper(plugin)];
+    if (connected == nullptr) connected.reset(new Connected{LocalConnection(plugin)});
+    LocalConnection& connection = connected->connection;
+    if (loads && !connection.IsLoaded() && !std::exchange(connected->isTried, true)) {
+        connection.Load();
+    }
+    return connection;
+}
+
+HostReply HostService::Carried(const HostRequest& request) {
+    const bool loads = request.operation > HostOperation::kIsInUse;
+    if (request.operation == HostOperation::kBegin) {
+        RedirectSettingsStore(request.settingsKey);
+        return {};
+    }
+    if (request.operation == HostOperation::kEnd) {
+        plugins_.clear();
+        return {};
+    }
+    for (const uint32_t id : request.returned)
+        stock_.Return(id);
+    LocalConnection& plugin = ConnectionOf(request.plugin, loads);
+    plugin.SetBoundFile(request.boundFile);
+    PluginSource source{.name = request.sourceName, .bytes = {}, .isFile = request.isFile};
+    lent_.reset();
+    if (request.bytes.handle != 0) {
+        const auto handle = reinterpret_cast<HANDLE>(static_cast<uintptr_t>(request.bytes.handle));
+        lent_ = Section::Open(UniqueSection(handle), request.bytes.size,
+                              Section::Access::kPrivateWrite);
+        if (lent_) source.bytes = lent_->Bytes();
+    }
+    switch (request.operation) {
+        case HostOperation::kLoad:
+            return Load(request);
+        case HostOperation::kUnload:
+            return ReplyWith(plugin.Unload());
+        case HostOperation::kLeaveLoaded:
+            plugin.LeaveLoaded();
+            return {};
+        case HostOperation::kIsInUse: {
+            HostReply reply;
+            reply.isInUse = plugin.IsInUse();
+            return reply;
+        }
+        case HostOperation::kDescribe:
+            return Describe(plugin);
+        case HostOperation::kSupports:
+            return ReplyWith(plugin.Supports(source));
+        case HostOperation::kMeasure:
+            return Measure(plugin, source);
+        case HostOperation::kDecode:
+            return Decode(plugin, source, request);
+        case HostOperation::kList:
+            return List(plugin, source);
+        case HostOperation::kExtract:
+            return Extract(plugin, source, request);
+        default: {
+            const PluginAnswer answer =
+                plugin.Configure(reinterpret_cast<HWND>(static_cast<uintptr_t>(request.parent)));
+            AllowSetForegroundWindow(ASFW_ANY);  // back to the program's window
+            return ReplyWith(answer);
+        }
+    }
+}
+
+HostReply HostService::Load(const HostRequest& request) {
+    LocalConnection& plugin = ConnectionOf(request.plugin, false);
+    const LoadedPlugin loaded = plugin.Load();
+    HostReply reply = ReplyWith(loaded);
+    reply.style = loaded.style;
+    reply.loadError = loaded.loadError;
+    reply.isLoaded = plugin.IsLoaded();
+    return reply;
+}
+
+HostReply HostService::Describe(LocalConnection& plugin) {
+    const PluginDescription told = plugin.Describe();
+    HostReply reply = ReplyWith(told);
+    reply.style = told.style;
+    reply.hasSettings = told.hasSettings;
+    reply.productName = told.productName;
+    reply.patterns = told.patterns;
+    return reply;
+}
+
+HostReply HostService::Measure(LocalConnection& plugin, const PluginSource& source) {
+    const MeasuredPicture measured = plugin.Measure(source);
+    HostReply reply = ReplyWith(measured);
+    reply.width = measured.size.width;
+    reply.height = measured.size.height;
+    reply.colorDepth = measured.size.colorDepth;
+    return reply;
+}
+
+HostReply HostService::Decode(LocalConnection& plugin, const PluginSource& source,
+                              const HostRequest& request) {
+    const DecodedPicture decoded = plugin.Decode(
+        source, request.isPreview ? DecodeKind::kPreview : DecodeKind::kFull, ProgressOf(request));
+    HostReply reply = ReplyWith(decoded);
+    reply.wasStopped = decoded.wasStopped;
+    if (!decoded.picture) return reply;
+    const auto info = decoded.picture.Info();
+    const auto bits = decoded.picture.Bits();
+    reply.infoSize = info.size();
+    reply.bitsAt = (info.size() + kBitsAlignment - 1) / kBitsAlignment * kBitsAlignment;
+    const auto section = stock_.Take(static_cast<size_t>(reply.bitsAt) + bits.size());
+    if (!section) {
+        reply.code = susie::kOutOfMemory;
+        return reply;
+    }
+    Copy(info, section->bytes);
+    Copy(bits, section->bytes.subspan(static_cast<size_t>(reply.bitsAt)));
+    reply.bytes = section->wire;
+    return reply;
+}
+
+HostReply HostService::List(LocalConnection& plugin, const PluginSource& source) {
+    ListedArchive listed = plugin.List(source);
+    HostReply reply = ReplyWith(listed);
+    reply.members = std::move(listed.members);
+    return reply;
+}
+
+HostReply HostService::Extract(LocalConnection& plugin, const PluginSource& source,
+                               const HostRequest& request) {
+    ExtractedMember extracted =
+        plugin.Extract(source, request.member, request.folder, ProgressOf(request));
+    HostReply reply = ReplyWith(extracted);
+    reply.wasStopped = extracted.wasStopped;
+    const OwnedBlock block = extracted.bytes.ReleaseBlock();
+    const BlockLock lock(block.Get());
+    if (!lock || lock.Size() == 0) return reply;
+    const auto section = stock_.Take(lock.Size());
+    if (!section) {
+        reply.code = susie::kOutOfMemory;
+        return reply;
+    }
+    Copy(lock.Bytes(), section->bytes);
+    reply.bytes = section->wire;
+    return reply;
+}
+
+SusieProgress HostService::ProgressOf(const HostRequest& request) {
+    if (!request.tellsProgress) return {};
+    return [this](int done, int total) { return TellProgress(done, total); };
+}
+
+bool HostService::TellProgress(int done, int total) {
+    const ULONGLONG now = GetTickCount64();
+    if (lastProgress_ != 0 && now - lastProgress_ < kProgressPause && done < total) return goesOn_;
+    lastProgress_ = now;
+    channel_.PutProgress(done, total);
+    SetEvent(answer_);
+    goesOn_ = WaitForRequest() && channel_.GoesOn();
+    return goesOn_;
+}
+
+void HostService::Answer(HostReply reply) {
+    reply.isWorn = HasPluginCrashed() || PluginsAreStopped();
+    const std::vector<uint8_t> message = BytesOf(reply);
+    if (!channel_.Put(ChannelSignal::kReply, message)) {
+        spilled_ = Section::Make(message.size());
+        if (!spilled_) return;  // without an answer the host is ended
+        Copy(message, spilled_->Bytes());
+        channel_.PutElsewhere(ChannelSignal::kReply,
+                              {reinterpret_cast<uintptr_t>(spilled_->Handle()), message.size(), 0});
+    }
+    SetEvent(answer_);
+}
+
+}  // namespace tessary

@@ -1,0 +1,66 @@
+// The end of the way that is in the host process: carries requests out.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/host_channel.h"
+#include "host32/section_stock.h"
+#include "plugin/local_connection.h"
+
+namespace tessary {
+
+class HostService {
+  public:
+    // Takes over the handles of the events; the page is opened already.
+    HostService(ChannelEnd channel, const ChannelHandles& handles);
+    HostService(const HostService&) = delete;
+    HostService& operator=(const HostService&) = delete;
+    ~HostService();
+
+    // Carries out what comes until it is told to end, or the program is gone.
+    void Run();
+
+  private:
+    struct Connected {
+        LocalConnection connection;
+        bool isTried = false;
+    };
+
+    // Waits for the next request, or the answer to a question, and handles the messages of
+    // plug-ins' windows meanwhile; false: the program is gone.
+    bool WaitForRequest() const;
+    std::optional<HostRequest> TakeRequest() const;
+    // What belongs to a reply, besides what is said in it.
+    HostReply Carried(const HostRequest& request);
+    // `loads`: the plug-in is loaded if that was not tried yet, as in a host that has taken the
+    // place of another.
+    LocalConnection& ConnectionOf(const std::wstring& plugin, bool loads);
+    bool TellProgress(int done, int total);
+    void Answer(HostReply reply);
+
+    HostReply Load(const HostRequest& request);
+    HostReply Describe(LocalConnection& plugin);
+    HostReply Measure(LocalConnection& plugin, const PluginSource& source);
+    HostReply Decode(LocalConnection& plugin, const PluginSource& source,
+                     const HostRequest& request);
+    HostReply List(LocalConnection& plugin, const PluginSource& source);
+    HostReply Extract(LocalConnection& plugin, const PluginSource& source,
+                      const HostRequest& request);
+    SusieProgress ProgressOf(const HostRequest& request);
+
+    ChannelEnd channel_;
+    HANDLE request_;
+    HANDLE answer_;
+    HANDLE program_;
+    std::map<std::wstring, std::unique_ptr<Connected>> plugins_;  // by their paths, in upper case
+    std::optional<Section> lent_;                                 // the bytes of the source
+    SectionStock stock_;                                          // of what goes to the program
+    std::optional<Section> spilled_;  // a reply that is too long for the page
+    ULONGLONG lastProgress_ = 0;      // in ticks; 0: none yet
+    bool goesOn_ = true;
+};
+
+}  // namespace tessary

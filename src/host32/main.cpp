@@ -1,0 +1,51 @@
+// Where the system enters the host process of plug-ins.
+#include <windows.h>
+
+#include <objbase.h>
+
+#include "app/base/error.h"
+#include "app/base/modGetFolder.h"
+#include "host32/host_service.h"
+#include "plugin/call_log.h"
+
+namespace {
+
+constexpr int kNotForUsers = 2;  // somebody has started it by hand
+
+// The program ends, and with it what nobody waits for any more, whatever a plug-in is doing.
+void CALLBACK OnProgramEnd(void*, BOOLEAN) {
+    TerminateProcess(GetCurrentProcess(), 0);
+}
+
+int Serve(const tessary::ChannelHandles& handles) {
+    std::optional<tessary::Section> page =
+        tessary::Section::Open(tessary::UniqueSection(handles.page), sizeof(tessary::ChannelPage),
+                               tessary::Section::Access::kWrite);
+    if (!page) return kNotForUsers;
+    HANDLE wait = nullptr;
+    RegisterWaitForSingleObject(&wait, handles.program, OnProgramEnd, nullptr, INFINITE,
+                                WT_EXECUTEONLYONCE);
+    tessary::HostService service(tessary::ChannelEnd(*std::move(page)), handles);
+    service.Run();
+    return 0;
+}
+
+}  // namespace
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, wchar_t* arguments, int) {
+    // Nobody sees a message of the system's about what the program tells of in its own words.
+    SetErrorMode(GetErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX |
+                 SEM_NOGPFAULTERRORBOX);
+    const auto handles = tessary::ChannelHandles::Of(arguments);
+    if (!handles) return kNotForUsers;
+    // At the end of the session the program comes first, and takes this process along.
+    SetProcessShutdownParameters(0x27F, SHUTDOWN_NORETRY);
+    tessary::BeginHostedCalls();
+    SetDllDirectoryW(L"");
+    SetCurrentDirectoryW(tessary::AppFolder().c_str());
+    // Plug-ins that use COM would else start and end it for every picture.
+    const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const int result = tessary::Trapped(1, [&] { return Serve(*handles); });
+    if (SUCCEEDED(com)) CoUninitialize();
+    return result;
+}

@@ -1,0 +1,187 @@
+// What a host process must stand, and what its program must not notice of its end.
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "app/base/handles.h"
+#include "host/host_connection.h"
+#include "tests/src/plugin/plugin_test.h"
+#include "tests/support/content_of.h"
+
+namespace tessary {
+namespace {
+
+const std::wstring kProgram = test::FinishedFolder() + L"tessary-host32.exe";
+
+class HostTest : public test::PluginTest {
+  protected:
+    // A way to a copy of a test plug-in of its own.
+    std::unique_ptr<HostConnection> Connected(const std::wstring& original,
+                                              std::string_view script) {
+        return std::make_unique<HostConnection>(Plugin(original, script, NewName(L".spi")), pool_);
+    }
+    PluginSource Picture() { return {.name = ToAnsi(PictureFile())}; }
+    PluginSource Archive() { return {.name = ToAnsi(ArchiveFile())}; }
+    static int32_t Errors(const std::wstring& path) { return ReadErrorCount(path, {}); }
+
+    HostPool pool_{kProgram, {.asking = 1500, .working = 1500}};
+};
+
+// One operation, on a loaded plug-in.
+using Operation = PluginAnswer (*)(HostConnection& plugin, const PluginSource& picture,
+                                   const PluginSource& archive);
+constexpr std::pair<const char*, Operation> kOperations[] = {
+    {"DllMain", [](auto& plugin, auto&, auto&) -> PluginAnswer { return plugin.Load(); }},
+    {"GetPluginInfo", [](auto& plugin, auto&, auto&) -> PluginAnswer { return plugin.Describe(); }},
+    {"IsSupported",
+     [](auto& plugin, auto& picture, auto&) -> PluginAnswer { return plugin.Supports(picture); }},
+    {"GetPictureInfo",
+     [](auto& plugin, auto& picture, auto&) -> PluginAnswer { return plugin.Measure(picture); }},
+    {"GetPicture",
+     [](auto& plugin, auto& picture, auto&) -> PluginAnswer {
+         return plugin.Decode(picture, DecodeKind::kFull, {});
+     }},
+    {"GetArchiveInfo",
+     [](auto& plugin, auto&, auto& archive) -> PluginAnswer { return plugin.List(archive); }},
+    {"GetFile",
+     [](auto& plugin, auto&, auto& archive) -> PluginAnswer {
+         return plugin.Extract(archive, {}, {}, {});
+     }},
+    {"ConfigurationDlg",
+     [](auto& plugin, auto&, auto&) -> PluginAnswer { return plugin.Configure(nullptr); }},
+};
+
+TEST_F(HostTest, AnEndInAnyFunctionIsThatPluginsFailureAndNobodyElsesTrouble) {
+    const auto good = Connected(L"iftst.spi", {});
+    good->Load();
+    for (const auto& [function, operation] : kOperations) {
+        for (const char* kind : {"exit-well", "terminate"}) {
+            const std::wstring path =
+                Plugin(L"picture_and_archive.spi", std::string("crash:") + kind + ":" + function,
+                       NewName(L".spi"));
+            HostConnection bad(path, pool_);
+            if (std::string_view(function) != "DllMain") bad.Load();
+            const PluginAnswer answer = operation(bad, Picture(), Archive());
+            EXPECT_TRUE(answer.HasCrashed()) << kind << function;
+            EXPECT_EQ(answer.fault.message, kPluginCrashedText) << kind << function;
+            EXPECT_EQ(Errors(path), 1) << kind << function;
+            EXPECT_EQ(good->Supports(Picture()).code, 1) << "in a new host, loaded anew";
+            EXPECT_TRUE(FindInterruptedCalls().empty());
+        }
+    }
+}
+
+// It shows a box that nobody sees.
+TEST_F(HostTest, OneThatHangsIsEndedAndTold) {
+    for (const char* function : {"IsSupported", "GetPicture", "GetFile"}) {
+        const auto path = Plugin(L"picture_and_archive.spi",
+                                 std::string("dirty:question:") + function, NewName(L".spi"));
+        HostConnection bad(path, pool_);
+        bad.Load();
+        for (const auto& [name, operation] : kOperations) {
+            if (std::string_view(name) != function) continue;
+            const PluginAnswer answer = operation(bad, Picture(), Archive());
+            EXPECT_EQ(answer.fault.message, L"プラグインが応答しません") << function;
+            EXPECT_EQ(Errors(path), 1) << function;
+        }
+    }
+    EXPECT_EQ(Connected(L"iftst.spi", {})->Supports(Picture()).code, 1);
+}
+
+// One that does not listen is not held up to the user, and nobody blames it.
+TEST_F(HostTest, OneThatIsToldToStopStops) {
+    for (const char* script : {"dirty:question:GetPicture", "progress:9", "ignore-abort", ""}) {
+        const auto path = Plugin(L"iftst.spi", script, NewName(L".spi"));
+        HostConnection plugin(path, pool_);
+        plugin.Load();
+        const DecodedPicture decoded =
+            plugin.Decode(Picture(), DecodeKind::kFull, [](int, int) { return false; });
+        EXPECT_TRUE(decoded.wasStopped) << script;
+        EXPECT_EQ(Errors(path), 0) << script;
+        EXPECT_TRUE(FindInterruptedCalls().empty()) << script;
+    }
+}
+
+TEST_F(HostTest, KilledFromOutsideAtAnyMomentItIsReplaced) {
+    const auto plugin = Connected(L"iftst.spi", "early:slow:GetPicture");
+    plugin->Load();
+    int decoded = 0;
+    for (int round = 0; round < 12; ++round) {
+        const DWORD id = pool_.Running()->Id();
+        std::thread killer([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(round * 8));
+            const UniqueProcess host(OpenProcess(PROCESS_TERMINATE, FALSE, id));
+            TerminateProcess(host.Get(), 5);
+        });
+        const DecodedPicture result = plugin->Decode(Picture(), DecodeKind::kFull, {});
+        killer.join();
+        EXPECT_EQ(result.HasCrashed(), !result.picture) << round;
+        decoded += result.picture ? 1 : 0;
+        EXPECT_TRUE(!result.picture || result.picture.Width() == 3) << "though its host is gone";
+    }
+    EXPECT_GT(decoded, 0);
+    EXPECT_LT(decoded, 12);
+    EXPECT_TRUE(plugin->Decode(Picture(), DecodeKind::kFull, {}).picture);
+}
+
+TEST_F(HostTest, ItEndsWithItsProgram) {
+    const std::wstring idFile = folder_.Path() + L"id";
+    EXPECT_EQ(RunAsChild(L"HostChild.DISABLED_LeavesAHostBehind", idFile), 7u);
+    const DWORD id = std::stoul(test::ContentOf(idFile));
+    const UniqueProcess host(OpenProcess(SYNCHRONIZE, FALSE, id));
+    EXPECT_TRUE(!host || WaitForSingleObject(host.Get(), 5000) == WAIT_OBJECT_0);
+}
+
+TEST(HostChild, DISABLED_LeavesAHostBehind) {
+    static HostPool pool(kProgram);
+    const std::string id = std::to_string(pool.Running()->Id());
+    wchar_t file[MAX_PATH]{};
+    GetEnvironmentVariableW(L"TESSARY_TEST_FILE", file, MAX_PATH);
+    std::ofstream(std::filesystem::path(file)) << id;
+    TerminateProcess(GetCurrentProcess(), 7);
+}
+
+TEST(HostMessages, NothingButAWholeMessageIsOne) {
+    HostReply reply;
+    reply.conditionText = L"cut short";
+    reply.patterns = {L"*.A", L"*.B"};
+    reply.members.emplace().resize(2);
+    reply.members->at(1).fileSize = 12345;
+    reply.bytes = {7, 1u << 20};
+    const std::vector<uint8_t> bytes = BytesOf(reply);
+    const std::optional<HostReply> same = ReplyOf(bytes);
+    ASSERT_TRUE(same && same->members && same->members->size() == 2);
+    EXPECT_EQ(same->members->at(1).fileSize, 12345u);
+    EXPECT_EQ(BytesOf(*same), bytes);
+    for (size_t size = 0; size < bytes.size(); ++size)
+        EXPECT_FALSE(ReplyOf(std::span(bytes).first(size))) << size;
+    // Counts and sizes that lie: nothing is made room for that is not there.
+    for (size_t at = 0; at + 4 <= bytes.size(); ++at) {
+        std::vector<uint8_t> lying = bytes;
+        std::fill_n(lying.begin() + static_cast<ptrdiff_t>(at), 4, uint8_t{0xFF});
+        const std::optional<HostReply> read = ReplyOf(lying);
+        EXPECT_TRUE(!read || BytesOf(*read).size() == bytes.size()) << at;
+    }
+    HostRequest request{.operation = static_cast<HostOperation>(99)};
+    EXPECT_FALSE(RequestOf(BytesOf(request)));
+}
+
+TEST(SectionTest, IsNoLargerThanItIs) {
+    const std::optional<Section> section = Section::Make(10);
+    ASSERT_TRUE(section);
+    const auto opened = [&](HANDLE object, uint64_t size) {
+        HANDLE handle = nullptr;
+        DuplicateHandle(GetCurrentProcess(), object, GetCurrentProcess(), &handle, 0, FALSE,
+                        DUPLICATE_SAME_ACCESS);
+        return Section::Open(UniqueSection(handle), size, Section::Access::kRead).has_value();
+    };
+    EXPECT_TRUE(opened(section->Handle(), 10));
+    EXPECT_FALSE(opened(section->Handle(), 1 << 20));
+    EXPECT_FALSE(opened(section->Handle(), 0));
+    const UniqueEvent event(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+    EXPECT_FALSE(opened(event.Get(), 10));
+}
+
+}  // namespace
+}  // namespace tessary
