@@ -121,7 +121,6 @@ HostConnection::~HostConnection() {
     Trapped([&] { Unload(); });
 }
 
-// What the dead host has left in the call log says whom it was calling.
 PluginAnswer HostConnection::EndedAnswer(HostEnd end, HostOperation operation) const {
     const wchar_t* const function = FunctionOf(operation);
     switch (end) {
@@ -134,41 +133,57 @@ PluginAnswer HostConnection::EndedAnswer(HostEnd end, HostOperation operation) c
             Trapped([&] { IncrementErrorCount(path_, function); });
             [[fallthrough]];
         default:
-            Trapped([] { RecoverHostedCalls(); });
             return {kResultCrashed,
                     {},
                     {end == HostEnd::kSilent ? kSilentText : kPluginCrashedText, function}};
     }
 }
 
+HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source,
+                                 const SusieProgress& progress, Told& told) const {
+    HostProcess* const host = pool_.Running();
+    if (host == nullptr) return HostEnd::kRefused;
+    std::optional<Section> lent;
+    if (!source.isFile && !source.bytes.empty()) {
+        lent = Section::Make(source.bytes.size());
+        if (!lent) throw std::bad_alloc();
+        std::memcpy(lent->Bytes().data(), source.bytes.data(), source.bytes.size());
+        request.bytes = {host->Lend(*lent), source.bytes.size(), 0};
+    }
+    told.reply = {};
+    const HostEnd end =
+        host->Call(request, LimitOf(request.operation, pool_.Limits()), progress, told.reply);
+    if (end != HostEnd::kAnswered || told.reply.bytes.handle == 0) return end;
+    if (std::optional<HostSections::Lease> bytes = host->Take(told.reply.bytes)) {
+        told.bytes.emplace(*std::move(bytes));
+        return end;
+    }
+    return host->IsAlive() ? HostEnd::kLied : HostEnd::kDied;
+}
+
 HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource& source,
                                          const SusieProgress& progress) const {
     const CallScope scope;
-    Told told;
-    HostEnd end = HostEnd::kRefused;
-    HostProcess* const host = pool_.Running();
-    std::optional<Section> bytes;
-    if (host != nullptr && !source.isFile && !source.bytes.empty()) {
-        bytes = Section::Make(source.bytes.size());
-        if (!bytes) return {{kResultUnexpected, {}, {}}, {}, nullptr};
-        std::memcpy(bytes->Bytes().data(), source.bytes.data(), source.bytes.size());
-        request.bytes = {host->Lend(*bytes), source.bytes.size(), 0};
-    }
     request.plugin = path_;
     request.boundFile = boundFile_;
     request.sourceName = source.name;
     request.isFile = source.isFile;
     request.tellsProgress = static_cast<bool>(progress);
-    if (host != nullptr) {
-        end = host->Call(request, LimitOf(request.operation, pool_.Limits()), progress, told.reply);
+    Told told;
+    told.end = TryToAsk(request, source, progress, told);
+    // What the dead host has left in the call log says whom it was calling. If that was nobody, it
+    // was ended by somebody else, and the next one has the same chance.
+    if (told.end == HostEnd::kDied && Trapped(false, [] { return RecoverHostedCalls().empty(); })) {
+        told.end = TryToAsk(request, source, progress, told);
     }
-    if (end != HostEnd::kAnswered) {
-        told.answer = EndedAnswer(end, request.operation);
-        told.reply.wasStopped = end == HostEnd::kStopped;
+    if (told.end != HostEnd::kAnswered) {
+        Trapped([] { RecoverHostedCalls(); });
+        told.answer = EndedAnswer(told.end, request.operation);
+        told.reply = {};
+        told.reply.wasStopped = told.end == HostEnd::kStopped;
         return told;
     }
     HostReply& reply = told.reply;
-    told.host = host;
     told.answer = {reply.code,
                    ConditionOf(reply.condition, reply.conditionText),
                    {std::move(reply.faultMessage), std::move(reply.faultFunction)}};
@@ -178,9 +193,9 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
 LoadedPlugin HostConnection::Load() {
     const Told told = Ask({.operation = HostOperation::kLoad});
     isLoaded_ = told.reply.isLoaded;
-    return {told.answer, told.host == nullptr ? kStyleNone : told.reply.style,
-            told.host == nullptr && told.answer.HasCrashed() ? susiectl::kErrorCrashed
-                                                             : told.reply.loadError};
+    const bool hasEnded = told.end != HostEnd::kAnswered;
+    return {told.answer, hasEnded ? kStyleNone : told.reply.style,
+            hasEnded && told.answer.HasCrashed() ? susiectl::kErrorCrashed : told.reply.loadError};
 }
 
 PluginAnswer HostConnection::Unload() {
@@ -226,12 +241,11 @@ MeasuredPicture HostConnection::Measure(const PluginSource& source) {
 
 DecodedPicture HostConnection::Decode(const PluginSource& source, DecodeKind kind,
                                       const SusieProgress& progress) {
-    const Told told =
+    Told told =
         Ask({.operation = HostOperation::kDecode, .isPreview = kind == DecodeKind::kPreview},
             source, progress);
     DecodedPicture decoded{told.answer, {}, told.reply.wasStopped};
-    if (told.host != nullptr)
-        decoded.picture = PictureOf(told.reply, told.host->Take(told.reply.bytes));
+    decoded.picture = PictureOf(told.reply, std::move(told.bytes));
     return decoded;
 }
 
@@ -247,9 +261,7 @@ ExtractedMember HostConnection::Extract(const PluginSource& archive, const susie
         Ask({.operation = HostOperation::kExtract, .member = member, .folder = folder}, archive,
             progress);
     ExtractedMember extracted{told.answer, {}, told.reply.wasStopped};
-    if (told.host != nullptr) {
-        extracted.bytes = MemberBytes(BlockOf(told.host->Take(told.reply.bytes)));
-    }
+    extracted.bytes = MemberBytes(BlockOf(told.bytes));
     return extracted;
 }
 

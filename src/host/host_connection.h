@@ -35,14 +35,18 @@ class HostConnection final : public PluginConnection {
     PluginAnswer Configure(HWND parent) override;
 
   private:
-    // What came of a request: the reply, the answer in it, and the host that it is from.
+    // What came of a request: the answer, what else is in the reply, and the bytes that came with
+    // it.
     struct Told {
+        HostEnd end = HostEnd::kRefused;
         PluginAnswer answer{};
         HostReply reply{};
-        HostProcess* host = nullptr;  // null: there is no reply
+        std::optional<HostSections::Lease> bytes{};
     };
     Told Ask(HostRequest request, const PluginSource& source = {},
              const SusieProgress& progress = {}) const;
+    HostEnd TryToAsk(HostRequest request, const PluginSource& source, const SusieProgress& progress,
+                     Told& told) const;
     PluginAnswer EndedAnswer(HostEnd end, HostOperation operation) const;
 
     std::wstring path_;

@@ -228,7 +228,7 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
                     isWorn_ = isWorn_ || reply.isWorn;
                     return HostEnd::kAnswered;
                 }
-                return Ended(HostEnd::kLied);
+                return Ended(IsAlive() ? HostEnd::kLied : HostEnd::kDied);
             default:
                 return Ended(HostEnd::kLied);
         }

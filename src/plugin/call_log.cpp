@@ -222,11 +222,12 @@ void BeginHostedCalls() {
     Own().isHosted = true;
 }
 
-void RecoverHostedCalls() {
+std::vector<PluginCall> RecoverHostedCalls() {
     std::vector<PluginCall> calls;
     ForEachAbandonedLog([&](const wchar_t* log, int run) {
         if (IsHosted(log, run)) Count(log, run, calls);
     });
+    return calls;
 }
 
 void ForgetHostedCalls() {

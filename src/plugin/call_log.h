@@ -69,9 +69,9 @@ std::vector<PluginCall> RecoverInterruptedCalls();
 
 // From now on what this process notes is a host process's.
 void BeginHostedCalls();
-// Counts what a host has left that has ended, for the program that sees that; or forgets it, where
-// it was not the plug-in that has ended it.
-void RecoverHostedCalls();
+// Counts what a host has left that has ended, for the program that sees that, and answers the
+// calls; or forgets it, where it was not the plug-in that has ended it.
+std::vector<PluginCall> RecoverHostedCalls();
 void ForgetHostedCalls();
 
 // The same calls, left for the next start to count.
