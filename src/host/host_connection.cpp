@@ -133,6 +133,7 @@ PluginAnswer HostConnection::EndedAnswer(HostEnd end, HostOperation operation) c
             Trapped([&] { IncrementErrorCount(path_, function); });
             [[fallthrough]];
         default:
+            Trapped([] { RecoverHostedCalls(); });
             return {kResultCrashed,
                     {},
                     {end == HostEnd::kSilent ? kSilentText : kPluginCrashedText, function}};
@@ -177,7 +178,6 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
         told.end = TryToAsk(request, source, progress, told);
     }
     if (told.end != HostEnd::kAnswered) {
-        Trapped([] { RecoverHostedCalls(); });
         told.answer = EndedAnswer(told.end, request.operation);
         told.reply = {};
         told.reply.wasStopped = told.end == HostEnd::kStopped;
