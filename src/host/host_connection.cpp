@@ -61,13 +61,14 @@ const wchar_t* FunctionOf(HostOperation operation) {
     }
 }
 
-DWORD LimitOf(HostOperation operation, const HostLimits& limits) {
+// `isServed`: the host has the plug-in loaded. In a new one that is done first, and takes its time.
+DWORD LimitOf(HostOperation operation, bool isServed, const HostLimits& limits) {
     switch (operation) {
         case HostOperation::kConfigure:
             return INFINITE;  // the user's time
         case HostOperation::kDescribe:
         case HostOperation::kSupports:
-            return limits.asking;
+            return isServed ? limits.asking : limits.working;
         default:
             return limits.working;
     }
@@ -152,8 +153,9 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
         request.bytes = {host->Lend(*lent), source.bytes.size(), 0};
     }
     told.reply = {};
-    const HostEnd end =
-        host->Call(request, LimitOf(request.operation, pool_.Limits()), progress, told.reply);
+    const DWORD limit = LimitOf(request.operation, served_ == host->Id(), pool_.Limits());
+    const HostEnd end = host->Call(request, limit, progress, told.reply);
+    if (end == HostEnd::kAnswered) served_ = host->Id();
     if (end != HostEnd::kAnswered || told.reply.bytes.handle == 0) return end;
     if (std::optional<HostSections::Lease> bytes = host->Take(told.reply.bytes)) {
         told.bytes.emplace(*std::move(bytes));

@@ -53,6 +53,7 @@ class HostConnection final : public PluginConnection {
     HostPool& pool_;
     std::wstring boundFile_;
     bool isLoaded_ = false;
+    mutable DWORD served_ = 0;  // by the host of that process number, in which it was loaded
 };
 
 // The program of a host process; it is beside this one.
