@@ -16,26 +16,6 @@ namespace {
 
 constexpr wchar_t kNoHostText[] =
     L"プラグインを実行するプログラム (tessary-host32.exe) を起動できません";
-constexpr wchar_t kSilentText[] = L"プラグインが応答しません";
-
-// Takes no input for its own life: some settings windows have no owner. It has the focus again at
-// the end, if it has not lost it to another program.
-class DisabledWindow {
-  public:
-    explicit DisabledWindow(HWND window) : window_(IsWindowEnabled(window) ? window : nullptr) {
-        if (window_ != nullptr) EnableWindow(window_, FALSE);
-    }
-    DisabledWindow(const DisabledWindow&) = delete;
-    DisabledWindow& operator=(const DisabledWindow&) = delete;
-    ~DisabledWindow() {
-        if (window_ == nullptr) return;
-        EnableWindow(window_, TRUE);
-        SetForegroundWindow(window_);  // refused when another program has it
-    }
-
-  private:
-    HWND window_;
-};
 
 // How messages name what was asked for.
 const wchar_t* FunctionOf(HostOperation operation) {
@@ -130,14 +110,15 @@ PluginAnswer HostConnection::EndedAnswer(HostEnd end, HostOperation operation) c
             return {susie::kAborted, {}, {}};
         case HostEnd::kRefused:
             return {kResultUnexpected, {}, {kNoHostText, function}};
-        case HostEnd::kLied:
-            Trapped([&] { IncrementErrorCount(path_, function); });
-            [[fallthrough]];
-        default:
+        case HostEnd::kSilent:
             Trapped([] { RecoverHostedCalls(); });
-            return {kResultCrashed,
-                    {},
-                    {end == HostEnd::kSilent ? kSilentText : kPluginCrashedText, function}};
+            return {kResultCrashed, {}, {kPluginSilentText, function}, ProcessEnd::kSilent};
+        default:
+            Trapped([&] {
+                const bool isCounted = !RecoverHostedCalls().empty();
+                if (end == HostEnd::kLied && !isCounted) IncrementErrorCount(path_, function);
+            });
+            return {kResultCrashed, {}, {kPluginCrashedText, function}, ProcessEnd::kDied};
     }
 }
 
@@ -157,11 +138,18 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
     const HostEnd end = host->Call(request, limit, progress, told.reply);
     if (end == HostEnd::kAnswered) served_ = host->Id();
     if (end != HostEnd::kAnswered || told.reply.bytes.handle == 0) return end;
-    if (std::optional<HostSections::Lease> bytes = host->Take(told.reply.bytes)) {
-        told.bytes.emplace(*std::move(bytes));
-        return end;
+    switch (host->Take(told.reply.bytes, told.bytes)) {
+        case HostSections::Opened::kOpen:
+            return end;
+        case HostSections::Opened::kNoMemory:
+            told.reply.code = susie::kOutOfMemory;
+            return end;
+        case HostSections::Opened::kNoSection:
+            break;
     }
-    return host->IsAlive() ? HostEnd::kLied : HostEnd::kDied;
+    if (!host->IsAlive()) return HostEnd::kDied;
+    host->End();
+    return HostEnd::kLied;
 }
 
 HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource& source,
@@ -172,12 +160,18 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     request.sourceName = source.name;
     request.isFile = source.isFile;
     request.tellsProgress = static_cast<bool>(progress);
+    SusieProgress asked = progress;
+    if (!asked && Host().isWanted && request.operation != HostOperation::kConfigure) {
+        asked = [](int, int) { return Host().isWanted(); };
+    }
     Told told;
-    told.end = TryToAsk(request, source, progress, told);
+    told.end = TryToAsk(request, source, asked, told);
     // What the dead host has left in the call log says whom it was calling. If that was nobody, it
-    // was ended by somebody else, and the next one has the same chance.
-    if (told.end == HostEnd::kDied && Trapped(false, [] { return RecoverHostedCalls().empty(); })) {
-        told.end = TryToAsk(request, source, progress, told);
+    // was ended by somebody else, or busy with an open window, and the next one has the same
+    // chance.
+    const bool hasEnded = told.end == HostEnd::kDied || told.end == HostEnd::kSilent;
+    if (hasEnded && Trapped(false, [] { return RecoverHostedCalls().empty(); })) {
+        told.end = TryToAsk(request, source, asked, told);
     }
     if (told.end != HostEnd::kAnswered) {
         told.answer = EndedAnswer(told.end, request.operation);
@@ -270,7 +264,6 @@ ExtractedMember HostConnection::Extract(const PluginSource& archive, const susie
 PluginAnswer HostConnection::Configure(HWND parent) {
     // The settings window comes to the front, where ours is now.
     AllowSetForegroundWindow(ASFW_ANY);
-    const DisabledWindow owner(parent);
     return Ask({.operation = HostOperation::kConfigure,
                 .parent = reinterpret_cast<uintptr_t>(parent)})
         .answer;

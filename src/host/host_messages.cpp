@@ -33,7 +33,7 @@ void Transfer(Wire& wire, WireSection& section) {
 
 template <class Wire>
 void Transfer(Wire& wire, HostRequest& request) {
-    wire(request.operation, request.settingsKey, request.plugin, request.boundFile,
+    wire(request.operation, request.settingsKey, request.program, request.plugin, request.boundFile,
          request.sourceName, request.isFile, request.bytes, request.isPreview,
          request.tellsProgress, request.member, request.folder, request.parent, request.returned);
 }

@@ -40,10 +40,12 @@ struct WireSection {
 // The fields that an operation has no use for stay as they are here.
 struct HostRequest {
     HostOperation operation = HostOperation::kBegin;
-    std::wstring settingsKey{};  // where the settings are (RedirectSettingsStore); kBegin only
-    std::wstring plugin{};       // full path of its file
-    std::wstring boundFile{};    // that the call log names
-    std::string sourceName{};    // PluginSource, with its bytes
+    // kBegin only: where the settings are (RedirectSettingsStore), and the program's OwnRun::Name.
+    std::wstring settingsKey{};
+    std::wstring program{};
+    std::wstring plugin{};     // full path of its file
+    std::wstring boundFile{};  // that the call log names
+    std::string sourceName{};  // PluginSource, with its bytes
     bool isFile = true;
     WireSection bytes{};
     bool isPreview = false;

@@ -4,14 +4,23 @@
 #include "plugin/call_log.h"
 
 namespace tessary {
+namespace {
+
+constexpr ULONGLONG kPause = 30'000;  // milliseconds between two starts that fail
+
+}  // namespace
 
 HostProcess* HostPool::Running() {
     if (IsRunning()) return host_.get();
-    const bool isWorn = host_ != nullptr && host_->IsWorn();
-    host_.reset();
-    // What it had to tell of damage was told with the crash.
-    if (isWorn) Trapped([] { ForgetHostedCalls(); });
+    if (failedAt_ != 0 && GetTickCount64() - failedAt_ < kPause) return nullptr;
+    if (host_ != nullptr) {
+        const bool isWorn = host_->IsWorn();
+        host_.reset();
+        // Of a worn one the crash was told. Another one has ended while nobody called it.
+        Trapped([&] { isWorn ? ForgetHostedCalls() : static_cast<void>(RecoverHostedCalls()); });
+    }
     host_ = HostProcess::Start(program_, wait_);
+    failedAt_ = host_ == nullptr ? GetTickCount64() : 0;
     return host_.get();
 }
 

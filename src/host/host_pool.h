@@ -16,7 +16,7 @@ class HostPool {
     explicit HostPool(std::wstring program, HostLimits limits = {}, HostWait wait = {})
         : program_(std::move(program)), limits_(limits), wait_(std::move(wait)) {}
 
-    // Starts one if there is none. Null when that cannot be done.
+    // Starts one if there is none. Null when that cannot be done; it is tried again after a while.
     HostProcess* Running();
     // Whether there is one, with what was loaded in it.
     bool IsRunning() const { return host_ != nullptr && host_->IsAlive() && !host_->IsWorn(); }
@@ -28,6 +28,7 @@ class HostPool {
     HostLimits limits_;
     HostWait wait_;
     std::unique_ptr<HostProcess> host_;
+    ULONGLONG failedAt_ = 0;  // when none could be started, in ticks; 0: that has not been
 };
 
 }  // namespace tessary

@@ -7,6 +7,7 @@
 
 #include "app/base/error.h"
 #include "app/settings/settings_store.h"
+#include "plugin/host_state.h"
 
 namespace tessary {
 namespace {
@@ -15,6 +16,8 @@ constexpr DWORD kStartLimit = 10000;  // milliseconds; the first start after the
 constexpr DWORD kEndLimit = 1000;     // that the freeing of plug-ins may take
 constexpr DWORD kStopGrace = 300;     // that a plug-in may take to stop
 constexpr DWORD kBeat = 40;           // between two looks at whether to go on
+constexpr DWORD kLongestWait =
+    1000;  // in one piece: the system takes windows for hung that are longer silent
 
 // Only these handles go to a child process.
 class InheritedHandles {
@@ -58,7 +61,8 @@ UniqueJob EndingJob() {
     UniqueJob job(CreateJobObjectW(nullptr, nullptr));
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
     limits.BasicLimitInformation.LimitFlags =
-        JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_DIE_ON_UNHANDLED_EXCEPTION;
+        JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_DIE_ON_UNHANDLED_EXCEPTION |
+        JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;  // a browser that a settings window opens stays
     if (job) {
         SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits,
                                 sizeof(limits));
@@ -122,7 +126,9 @@ std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, Hos
         std::move(started->process), std::move(started->job), ChannelEnd(*std::move(page)),
         std::move(request), std::move(answer), std::move(wait)));
     HostReply reply;
-    const HostRequest begin{.operation = HostOperation::kBegin, .settingsKey = SettingsStoreKey()};
+    const HostRequest begin{.operation = HostOperation::kBegin,
+                            .settingsKey = SettingsStoreKey(),
+                            .program = Host().run.Name()};
     return host->Call(begin, kStartLimit, {}, reply) == HostEnd::kAnswered ? std::move(host)
                                                                            : nullptr;
 }
@@ -168,14 +174,9 @@ void HostProcess::Send() {
     SetEvent(request_.Get());
 }
 
-bool HostProcess::AnswerProgress(const SusieProgress& progress, bool isStopped) {
-    const int32_t done = channel_.Done();
-    const int32_t total = channel_.Total();
-    const bool goesOn =
-        !isStopped && (!progress || Trapped(false, [&] { return progress(done, total); }));
-    channel_.PutGoesOn(goesOn);
-    Send();
-    return goesOn;
+// Whether a call is still wanted.
+bool HostProcess::Goes(const SusieProgress& progress) const {
+    return !progress || Trapped(false, [&] { return progress(channel_.Done(), channel_.Total()); });
 }
 
 std::optional<HostReply> HostProcess::TakeReply() const {
@@ -184,8 +185,8 @@ std::optional<HostReply> HostProcess::TakeReply() const {
         const auto message = channel_.Message();
         return message ? ReplyOf(*message) : std::nullopt;
     }
-    const auto section = Take(elsewhere);
-    if (!section) return std::nullopt;
+    std::optional<HostSections::Lease> section;
+    if (Take(elsewhere, section) != HostSections::Opened::kOpen) return std::nullopt;
     // A copy: the host could change it while it is read.
     const std::span<const uint8_t> bytes = section->Bytes();
     return ReplyOf(std::vector<uint8_t>(bytes.begin(), bytes.end()));
@@ -197,30 +198,32 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
     request.returned = sections_->TakeReturned();
     if (!channel_.Put(ChannelSignal::kRequest, BytesOf(request))) return HostEnd::kRefused;
     Send();
-    ULONGLONG lastSign = GetTickCount64();
+    DWORD silence = 0;  // what was really waited: not the user's time, nor the computer's sleep
     bool isStopped = false;
     for (;;) {
-        const ULONGLONG silence = GetTickCount64() - lastSign;
         const DWORD patience = isStopped ? kStopGrace : limit;
         if (patience != INFINITE && silence >= patience) {
             return Ended(isStopped ? HostEnd::kStopped : HostEnd::kSilent);
         }
-        const DWORD left = patience == INFINITE ? kBeat : patience - static_cast<DWORD>(silence);
+        const DWORD slice = std::min(progress ? kBeat : kLongestWait,
+                                     patience == INFINITE ? kLongestWait : patience - silence);
+        const ULONGLONG before = GetTickCount64();
         bool goesOn = true;
-        if (!HasSignalled(progress ? std::min(left, kBeat) : left, limit == INFINITE, goesOn)) {
+        if (!HasSignalled(slice, limit == INFINITE, goesOn)) {
+            silence += static_cast<DWORD>(std::min<ULONGLONG>(GetTickCount64() - before, slice));
             if (!IsAlive()) return HostEnd::kDied;
-            if (progress && !isStopped) {
-                goesOn = goesOn && Trapped(false, [&] {
-                             return progress(channel_.Done(), channel_.Total());
-                         });
+            if (!isStopped && !(goesOn && Goes(progress))) {
+                isStopped = true;
+                silence = 0;
             }
-            if (!goesOn && !std::exchange(isStopped, true)) lastSign = GetTickCount64();
             continue;
         }
-        if (!isStopped) lastSign = GetTickCount64();
+        silence = 0;
         switch (channel_.Signal()) {
             case ChannelSignal::kProgress:
-                if (!AnswerProgress(progress, isStopped)) isStopped = true;
+                isStopped = isStopped || !Goes(progress);
+                channel_.PutGoesOn(!isStopped);
+                Send();
                 break;
             case ChannelSignal::kReply:
                 if (std::optional<HostReply> told = TakeReply()) {

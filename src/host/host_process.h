@@ -70,9 +70,10 @@ class HostProcess {
 
     // Gives the host a handle of a section, to read it or to have a copy of its own.
     uint64_t Lend(const Section& section);
-    // Bytes in a section of the host's; nothing when there are none of that size under that handle.
-    std::optional<HostSections::Lease> Take(const WireSection& section) const {
-        return sections_->Open(process_.Get(), section);
+    // Bytes in a section of the host's.
+    HostSections::Opened Take(const WireSection& section,
+                              std::optional<HostSections::Lease>& bytes) const {
+        return sections_->Open(process_.Get(), section, bytes);
     }
 
     // Ends it at once.
@@ -86,8 +87,7 @@ class HostProcess {
     void Send();
     // Whether the host has signalled something within so many milliseconds.
     bool HasSignalled(DWORD milliseconds, bool isUsers, bool& goesOn) const;
-    // Tells the host whether to go on, as `progress` says.
-    bool AnswerProgress(const SusieProgress& progress, bool isStopped);
+    bool Goes(const SusieProgress& progress) const;
     std::optional<HostReply> TakeReply() const;
     // Ends it, and answers that.
     HostEnd Ended(HostEnd end);

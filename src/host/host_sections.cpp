@@ -6,36 +6,72 @@
 namespace tessary {
 namespace {
 
-constexpr size_t kMostMapped = 3;
+// As the host keeps them, and one that is being read.
+constexpr size_t kMostMapped = 7;
+constexpr size_t kMostMappedBytes = size_t{160} << 20;
+
+bool IsMemoryShort(DWORD error) {
+    return error == ERROR_NOT_ENOUGH_MEMORY || error == ERROR_OUTOFMEMORY ||
+           error == ERROR_COMMITMENT_LIMIT;
+}
 
 }  // namespace
 
 HostSections::Lease::~Lease() {
-    if (sections_ != nullptr && id_ != 0) sections_->returned_.push_back(id_);
+    if (sections_ != nullptr) sections_->Return(id_);
 }
 
-std::optional<HostSections::Lease> HostSections::Open(HANDLE process, const WireSection& wire) {
+void HostSections::Return(uint32_t id) {
+    if (id != 0) returned_.push_back(id);
+}
+
+HostSections::Opened HostSections::Map(HANDLE process, const WireSection& wire,
+                                       std::shared_ptr<Section>& section) {
+    HANDLE taken = nullptr;
+    if (!DuplicateHandle(process, reinterpret_cast<HANDLE>(static_cast<uintptr_t>(wire.handle)),
+                         GetCurrentProcess(), &taken, SECTION_MAP_READ | SECTION_QUERY, FALSE, 0)) {
+        return Opened::kNoSection;
+    }
+    std::optional<Section> opened =
+        Section::Open(UniqueSection(taken), wire.size, Section::Access::kRead);
+    if (!opened) return IsMemoryShort(GetLastError()) ? Opened::kNoMemory : Opened::kNoSection;
+    section = std::make_shared<Section>(*std::move(opened));
+    return Opened::kOpen;
+}
+
+HostSections::Opened HostSections::Open(HANDLE process, const WireSection& wire,
+                                        std::optional<Lease>& lease) {
     const auto known = std::ranges::find(mapped_, wire.id, &Mapped::id);
     std::shared_ptr<Section> section;
     if (wire.id != 0 && known != mapped_.end() && known->section->Bytes().size() >= wire.size) {
         section = known->section;
         std::rotate(known, std::next(known), mapped_.end());
     } else {
-        HANDLE taken = nullptr;
-        if (!DuplicateHandle(process, reinterpret_cast<HANDLE>(static_cast<uintptr_t>(wire.handle)),
-                             GetCurrentProcess(), &taken, SECTION_MAP_READ | SECTION_QUERY, FALSE,
-                             0)) {
-            return std::nullopt;
+        Opened opened = Map(process, wire, section);
+        if (opened == Opened::kNoMemory) {
+            mapped_.clear();  // what nobody reads is in the way
+            opened = Map(process, wire, section);
         }
-        std::optional<Section> opened =
-            Section::Open(UniqueSection(taken), wire.size, Section::Access::kRead);
-        if (!opened) return std::nullopt;
-        section = std::make_shared<Section>(*std::move(opened));
+        if (opened != Opened::kOpen) {
+            Return(wire.id);
+            return opened;
+        }
         std::erase_if(mapped_, [&](const Mapped& mapped) { return mapped.id == wire.id; });
         if (wire.id != 0) mapped_.push_back({wire.id, section});
     }
-    if (mapped_.size() > kMostMapped) mapped_.erase(mapped_.begin());
-    return Lease(shared_from_this(), std::move(section), static_cast<size_t>(wire.size), wire.id);
+    DropOldest();
+    lease.emplace(shared_from_this(), std::move(section), static_cast<size_t>(wire.size), wire.id);
+    return Opened::kOpen;
+}
+
+void HostSections::DropOldest() {
+    size_t bytes = 0;
+    for (const Mapped& mapped : mapped_)
+        bytes += mapped.section->Bytes().size();
+    while (mapped_.size() > 1 && (mapped_.size() > kMostMapped || bytes > kMostMappedBytes)) {
+        bytes -= mapped_.front().section->Bytes().size();
+        mapped_.erase(mapped_.begin());
+    }
 }
 
 }  // namespace tessary

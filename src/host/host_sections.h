@@ -36,8 +36,10 @@ class HostSections : public std::enable_shared_from_this<HostSections> {
         uint32_t id_;
     };
 
-    // What a process has told of. Nothing when there is no section of that size under that handle.
-    std::optional<Lease> Open(HANDLE process, const WireSection& wire);
+    enum class Opened { kOpen, kNoMemory, kNoSection };  // the last: none of that size is there
+
+    // What a process has told of.
+    Opened Open(HANDLE process, const WireSection& wire, std::optional<Lease>& lease);
 
     // The ids of the sections that were given back since this was asked last.
     std::vector<uint32_t> TakeReturned() { return std::exchange(returned_, {}); }
@@ -47,6 +49,10 @@ class HostSections : public std::enable_shared_from_this<HostSections> {
         uint32_t id;
         std::shared_ptr<Section> section;
     };
+
+    static Opened Map(HANDLE process, const WireSection& wire, std::shared_ptr<Section>& section);
+    void Return(uint32_t id);
+    void DropOldest();
 
     std::vector<Mapped> mapped_;  // the newest last
     std::vector<uint32_t> returned_;

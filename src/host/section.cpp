@@ -20,7 +20,8 @@ DWORD ViewAccess(Section::Access access) {
 // How much of a view is there: whoever has made the section may have made it small.
 size_t RealSize(const void* view) {
     MEMORY_BASIC_INFORMATION region{};
-    return VirtualQuery(view, &region, sizeof(region)) == 0 ? 0 : region.RegionSize;
+    const bool isKnown = VirtualQuery(view, &region, sizeof(region)) != 0;
+    return isKnown && region.State == MEM_COMMIT ? region.RegionSize : 0;
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "app/base/error.h"
 #include "app/base/text.h"
 #include "app/settings/settings_store.h"
+#include "plugin/call_log.h"
 #include "plugin/plugin_state.h"
 
 namespace tessary {
@@ -99,6 +100,7 @@ HostReply HostService::Carried(const HostRequest& request) {
     const bool loads = request.operation > HostOperation::kIsInUse;
     if (request.operation == HostOperation::kBegin) {
         RedirectSettingsStore(request.settingsKey);
+        BeginHostedCalls(request.program);
         return {};
     }
     if (request.operation == HostOperation::kEnd) {

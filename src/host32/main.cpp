@@ -1,18 +1,18 @@
 // Where the system enters the host process of plug-ins.
 #include <windows.h>
 
-#include <objbase.h>
+#include <ole2.h>
 
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
 #include "host32/host_service.h"
-#include "plugin/call_log.h"
 
 namespace {
 
 constexpr int kNotForUsers = 2;  // somebody has started it by hand
 
-// The program ends, and with it what nobody waits for any more, whatever a plug-in is doing.
+// The program ends, and with it what nobody waits for any more, whatever a plug-in is doing. On the
+// thread that has waited: while a plug-in holds up the loader none can begin.
 void CALLBACK OnProgramEnd(void*, BOOLEAN) {
     TerminateProcess(GetCurrentProcess(), 0);
 }
@@ -24,7 +24,7 @@ int Serve(const tessary::ChannelHandles& handles) {
     if (!page) return kNotForUsers;
     HANDLE wait = nullptr;
     RegisterWaitForSingleObject(&wait, handles.program, OnProgramEnd, nullptr, INFINITE,
-                                WT_EXECUTEONLYONCE);
+                                WT_EXECUTEONLYONCE | WT_EXECUTEINWAITTHREAD);
     tessary::HostService service(tessary::ChannelEnd(*std::move(page)), handles);
     service.Run();
     return 0;
@@ -40,12 +40,12 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, wchar_t* arguments, int) {
     if (!handles) return kNotForUsers;
     // At the end of the session the program comes first, and takes this process along.
     SetProcessShutdownParameters(0x27F, SHUTDOWN_NORETRY);
-    tessary::BeginHostedCalls();
     SetDllDirectoryW(L"");
     SetCurrentDirectoryW(tessary::AppFolder().c_str());
-    // Plug-ins that use COM would else start and end it for every picture.
-    const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    // Plug-ins that use COM would else start and end it for every picture; their settings windows
+    // may take what is dropped.
+    const HRESULT com = OleInitialize(nullptr);
     const int result = tessary::Trapped(1, [&] { return Serve(*handles); });
-    if (SUCCEEDED(com)) CoUninitialize();
+    if (SUCCEEDED(com)) OleUninitialize();
     return result;
 }

@@ -6,9 +6,10 @@
 namespace tessary {
 namespace {
 
-// So many that wait for their next use: the picture that is shown and the one that comes take
-// turns.
-constexpr ptrdiff_t kMostFree = 2;
+// What waits for its next use: small ones of several sizes, or a large one, which takes turns with
+// that of the picture that is shown.
+constexpr ptrdiff_t kMostFree = 6;
+constexpr size_t kMostFreeBytes = size_t{160} << 20;
 
 constexpr size_t kGranularity = 64 * 1024;  // as the system maps them
 
@@ -49,7 +50,15 @@ void SectionStock::Return(uint32_t id) {
 }
 
 void SectionStock::DropSuperfluous() {
-    while (std::ranges::count(kept_, true, &Kept::isFree) > kMostFree) {
+    for (;;) {
+        ptrdiff_t count = 0;
+        size_t bytes = 0;
+        for (const Kept& kept : kept_) {
+            if (!kept.isFree) continue;
+            ++count;
+            bytes += kept.section.Bytes().size();
+        }
+        if (count <= 1 || (count <= kMostFree && bytes <= kMostFreeBytes)) return;
         kept_.erase(std::ranges::find(kept_, true, &Kept::isFree));
     }
 }

@@ -1,4 +1,5 @@
 #include "plugin/CollectionSusie.h"
+#include "helpers/susiectl/susiectl.h"
 
 #include <algorithm>
 
@@ -136,7 +137,8 @@ std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added, const 
         if (!refusal) refusal = LeftOutReason::kNotLoadable;
     }
     if (PluginsAreStopped()) return refusal;
-    Trapped([&] { NoteLoaded(plugin); });  // one that was refused has not ended the program either
+    // One that was refused has not ended the program either, but perhaps a process of its own.
+    if (loadError != susiectl::kErrorCrashed) Trapped([&] { NoteLoaded(plugin); });
     return refusal;
 }
 

@@ -52,8 +52,8 @@ void SaveCall(const PluginCall& call, Save&& save) {
                                            {kPluginKey, name},
                                            {kPathKey, call.plugin},
                                            {kFileKey, call.file},
-                                           {kHostedKey, L"1"}}};
-    save(std::span(texts).first(Own().isHosted ? 5 : 4));
+                                           {kHostedKey, Own().program}}};
+    save(std::span(texts).first(Own().program.empty() ? 4 : 5));
 }
 
 void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) {
@@ -97,7 +97,7 @@ std::optional<PluginCall> Noted(const wchar_t* kind, int run) {
     if (FileNameOf(call.plugin) != name) call.plugin = name;
     call.function = GetSetting(log, kFunctionKey);
     call.file = GetSetting(log, kFileKey);
-    call.isHosted = !GetSetting(log, kHostedKey).empty();
+    call.program = GetSetting(log, kHostedKey);
     return call;
 }
 
@@ -125,9 +125,14 @@ void Count(const wchar_t* kind, int run, std::vector<PluginCall>& calls) {
     if (!isCounted) calls.push_back(*std::move(call));
 }
 
-bool IsHosted(const wchar_t* kind, int run) {
+// Whose host process has left it; empty: no host.
+std::wstring ProgramOf(const wchar_t* kind, int run) {
     const std::optional<PluginCall> call = Noted(kind, run);
-    return call && call->isHosted;
+    return call ? call->program : std::wstring();
+}
+
+bool IsOfOurHost(const wchar_t* kind, int run) {
+    return ProgramOf(kind, run) == Host().run.Name();
 }
 
 // `take` of the logs that no living copy keeps. One that cannot be read holds up nothing.
@@ -212,27 +217,31 @@ void HoldThreadCrashAgainst(const std::wstring& plugin) {
 std::vector<PluginCall> RecoverInterruptedCalls() {
     std::vector<PluginCall> calls;
     ForEachAbandonedLog([&](const wchar_t* log, int run) {
-        if (IsHosted(log, run)) return DeleteSettingSection(LogOf(log, run));
-        Count(log, run, calls);
+        const std::wstring program = ProgramOf(log, run);
+        if (program.empty()) {
+            Count(log, run, calls);
+        } else if (!IsLiving(program) || program == Host().run.Name()) {
+            DeleteSettingSection(LogOf(log, run));
+        }
     });
     return calls;
 }
 
-void BeginHostedCalls() {
-    Own().isHosted = true;
+void BeginHostedCalls(const std::wstring& program) {
+    Own().program = program;
 }
 
 std::vector<PluginCall> RecoverHostedCalls() {
     std::vector<PluginCall> calls;
     ForEachAbandonedLog([&](const wchar_t* log, int run) {
-        if (IsHosted(log, run)) Count(log, run, calls);
+        if (IsOfOurHost(log, run)) Count(log, run, calls);
     });
     return calls;
 }
 
 void ForgetHostedCalls() {
     ForEachAbandonedLog([](const wchar_t* log, int run) {
-        if (IsHosted(log, run)) DeleteSettingSection(LogOf(log, run));
+        if (IsOfOurHost(log, run)) DeleteSettingSection(LogOf(log, run));
     });
 }
 

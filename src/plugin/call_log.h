@@ -13,7 +13,7 @@ struct PluginCall {
     std::wstring plugin;      // full path; what earlier versions left has the file name alone
     std::wstring file;        // the file bound at the time of the call; empty when none was
     bool hasDamaged = false;  // it came back, but the memory was damaged then
-    bool isHosted = false;    // it was made by a host process, for a program that watches it
+    std::wstring program{};   // OwnRun::Name of the one whose host process has made it; else empty
 
     // Whether the plug-in was being loaded, as it is at every start.
     bool WhileLoading() const;
@@ -67,10 +67,11 @@ void ExcuseLastCall();
 // same call of one plug-in count as one, as the power fails for all.
 std::vector<PluginCall> RecoverInterruptedCalls();
 
-// From now on what this process notes is a host process's.
-void BeginHostedCalls();
-// Counts what a host has left that has ended, for the program that sees that, and answers the
-// calls; or forgets it, where it was not the plug-in that has ended it.
+// From now on what this process notes is said to be a host process's, of the program of that
+// OwnRun::Name.
+void BeginHostedCalls(const std::wstring& program);
+// Counts what a host of this program has left that has ended, and answers the calls; or forgets it,
+// where it was not the plug-in that has ended it.
 std::vector<PluginCall> RecoverHostedCalls();
 void ForgetHostedCalls();
 

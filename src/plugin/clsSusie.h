@@ -277,7 +277,10 @@ auto clsSusie::Ask(const std::wstring& function, const PluginSource& source, Ope
         answer.fault = {kPluginCrashedText, function};
     } else {
         answer = operation();
-        if (answer.HasCrashed()) crashed_.Note(function + part, source);
+        // One that was only too slow may have had a bad moment.
+        if (answer.HasCrashed() && answer.end != ProcessEnd::kSilent) {
+            crashed_.Note(function + part, source);
+        }
     }
     Note(answer);
     return answer;

@@ -3,6 +3,7 @@
 
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
+#include "helpers/susiectl/susiectl.h"
 #include "plugin/clsSusie.h"
 #include "plugin/plugin_log.h"
 
@@ -54,6 +55,8 @@ void clsSusie::ReadPlugin() {
     }
     PluginDescription told = connection_->Describe();
     Note(told);
+    // It would end the next process as well.
+    if (told.end != ProcessEnd::kNone) throw RefusedPluginError(false, susiectl::kErrorCrashed);
     supportConfigurationDialog_ = told.hasSettings;
     productName_ = std::move(told.productName);
     patterns_ = std::move(told.patterns);

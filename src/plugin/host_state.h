@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -23,6 +24,9 @@ struct HostState {
     // Makes the connections to plug-ins; empty: they are in this process.
     PluginConnector connector;
 
+    // Whether what is asked of plug-ins is still wanted (call_watch.h); empty: it is.
+    std::function<bool()> isWanted;
+
     // This copy among those that run.
     OwnRun run;
 
@@ -31,7 +35,7 @@ struct HostState {
         PassingSection call;
         PassingSection info;
         bool isUnlogged = false;
-        bool isHosted = false;      // this is a host process
+        std::wstring program;       // whose host process this is; empty: none
         std::mutex mutex;           // of what follows, and of writing the logs
         bool isExcused = false;     // nothing is written any more
         std::wstring calledPlugin;  // empty: none

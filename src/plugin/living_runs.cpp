@@ -42,6 +42,11 @@ int OwnRun::Number() {
     return number_ = number;
 }
 
+bool IsLiving(const std::wstring& name) {
+    return UniqueMutex(OpenMutexW(SYNCHRONIZE, FALSE, name.c_str())) ||
+           GetLastError() == ERROR_ACCESS_DENIED;
+}
+
 RunsHeld::RunsHeld() : mutex_(SharedMutex(LR"(Global\Tessary_Viewer_runs)")) {
     if (mutex_) WaitForSingleObject(mutex_.Get(), kLongestWait);
 }
@@ -54,9 +59,7 @@ bool RunsHeld::IsAnothers(int number, const std::wstring& ownName) const {
     // What is no text names nobody.
     const auto name =
         Trapped(std::wstring(), [&] { return GetSetting(kRuns, std::to_wstring(number)); });
-    if (name.empty() || name == ownName) return false;
-    return UniqueMutex(OpenMutexW(SYNCHRONIZE, FALSE, name.c_str())) ||
-           GetLastError() == ERROR_ACCESS_DENIED;
+    return !name.empty() && name != ownName && IsLiving(name);
 }
 
 }  // namespace tessary

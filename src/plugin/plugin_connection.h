@@ -47,11 +47,19 @@ struct PluginFault {
     std::wstring function{};
 };
 
+// What has become of the plug-in's own process, where it has one.
+enum class ProcessEnd {
+    kNone,
+    kDied,    // it has ended in the middle
+    kSilent,  // it gave no sign of life, and was ended
+};
+
 // How an operation has ended.
 struct PluginAnswer {
     int32_t code = kResultUnexpected;  // the plug-in's own, or one of kResult…
     PluginCondition condition{};       // what the plug-in has told of it beside the code
     PluginFault fault{};               // what went wrong, for the user
+    ProcessEnd end = ProcessEnd::kNone;
 
     bool HasSucceeded() const { return code == susie::kSuccess; }
     bool HasCrashed() const { return code == kResultCrashed; }

@@ -13,6 +13,9 @@ bool PluginCallUnderWay();
 // The error of a plug-in that has crashed in a call.
 inline constexpr wchar_t kPluginCrashedText[] = L"SPIファイル内の関数で致命的エラーが発生しました";
 
+// The error of one that gave no sign of life until its process was ended.
+inline constexpr wchar_t kPluginSilentText[] = L"プラグインが応答しません";
+
 // Whether a plug-in has crashed since the program began.
 bool HasPluginCrashed();
 

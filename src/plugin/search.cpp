@@ -128,12 +128,14 @@ void Search::Bind(clsSusie& member) {
 
 // Of the member's last call.
 void Search::NoteCrash(const clsSusie& member) {
-    if (refusal_ || member.ErrorString() != kPluginCrashedText) return;
-    refusal_ = {.reason = kPluginCrashedText, .dllName = member.DllName(), .hasCrashed = true};
+    const std::wstring& reason = member.ErrorString();
+    if (refusal_ || (reason != kPluginCrashedText && reason != kPluginSilentText)) return;
+    refusal_ = {.reason = reason, .dllName = member.DllName(), .hasCrashed = true};
 }
 
 // What is no archive of the plug-in's at all is nothing to tell.
 void Search::NoteRefusal(clsSusie& member, int32_t result) {
+    if (result == kResultCrashed) NoteCrash(member);
     if (refusal_) return;
     std::wstring reason = member.Condition().text;
     const bool isDoubtful = result <= susie::kAborted || result == susie::kUnknownFormat ||

@@ -5,6 +5,7 @@
 #include "app/base/paths.h"
 #include "picture/read/read_picture.h"
 #include "picture/show/fetched_file.h"
+#include "plugin/call_watch.h"
 #include "plugin/file_stamp.h"
 #include "plugin/modSusie.h"
 
@@ -91,6 +92,8 @@ class ViewWatch {
   private:
     PictureView& view_;
     bool stopped_ = false;
+    // Of calls that plug-ins tell nothing about, too.
+    CallWatch calls_{[this] { return GoesOn(0, 0); }};
 };
 
 // Says so, for as long as it holds: with what is not shown, and in the status bar.

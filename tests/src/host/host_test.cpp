@@ -6,6 +6,8 @@
 
 #include "app/base/handles.h"
 #include "host/host_connection.h"
+#include "plugin/CollectionSusie.h"
+#include "plugin/call_watch.h"
 #include "tests/src/plugin/plugin_test.h"
 #include "tests/support/content_of.h"
 
@@ -101,6 +103,44 @@ TEST_F(HostTest, OneThatIsToldToStopStops) {
         EXPECT_EQ(Errors(path), 0) << script;
         EXPECT_TRUE(FindInterruptedCalls().empty()) << script;
     }
+}
+
+// Listing has no progress of its own.
+TEST_F(HostTest, WhatNobodyWantsAnyMoreIsGivenUp) {
+    const auto path = Plugin(L"axtsa.spi", "dirty:question:GetArchiveInfo");
+    HostConnection plugin(path, pool_);
+    plugin.Load();
+    const CallWatch nobody([] { return false; });
+    EXPECT_EQ(plugin.List(Archive()).code, susie::kAborted);
+    EXPECT_EQ(Errors(path), 0);
+}
+
+// A menu that stays open, a question that waits for its answer.
+TEST_F(HostTest, TheUsersTimeIsNotThePluginsSilence) {
+    const auto plugin = Connected(L"iftst.spi", "early:slow:GetPicture");
+    plugin->Load();
+    int asked = 0;
+    const DecodedPicture decoded = plugin->Decode(Picture(), DecodeKind::kFull, [&](int, int) {
+        if (asked++ == 0) std::this_thread::sleep_for(std::chrono::milliseconds(2000));
+        return true;
+    });
+    EXPECT_TRUE(decoded.picture);
+}
+
+TEST_F(HostTest, OneThatEndsEachHostThatLoadsItIsBarred) {
+    SetPluginConnector([this](const std::wstring& plugin) {
+        return std::make_unique<HostConnection>(plugin, pool_);
+    });
+    for (const char* script : {"crash:terminate:DllMain", "crash:exit-well:GetPluginInfo"}) {
+        const auto path = Plugin(L"iftst.spi", script, NewName(L".spi"));
+        for (int start = 1; start <= 3; ++start) {
+            CollectionSusie plugins;
+            plugins.AddSPI(path);
+            ASSERT_EQ(plugins.LeftOut().size(), 1u) << script;
+            EXPECT_EQ(plugins.LeftOut()[0].reason == LeftOutReason::kBarred, start == 3) << script;
+        }
+    }
+    SetPluginConnector({});
 }
 
 TEST_F(HostTest, KilledFromOutsideAtAnyMomentItIsReplaced) {
