@@ -73,6 +73,7 @@ StepResult ConvertRun::ConvertPictureFile(FileAtHand& file, SourceAtHand& source
         }
         if (read.failure) {
             result = StepResult::kNotHandled;
+            if (IsGivenUp()) file.Report(FileOutcome::kStopped);
             log_.WriteConvertLog(L"展開に失敗しました", file.entry.path, 2);
             log_.WriteConvertLog(L"詳細情報", {}, 4);
             WritePluginError(*read.failure, 4);

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "app/base/error.h"
+#include "plugin/call_watch.h"
 
 namespace tessary {
 namespace {
@@ -45,7 +46,7 @@ int __stdcall ConvertProgressCallback(int numerator, int denominator, LONG_PTR) 
 
 bool TellProgress(int done, int total) {
     ConvertProgressCallback(done, total, 0);
-    return true;
+    return IsCallWanted();
 }
 
 bool TellNothing(int, int) {

@@ -24,7 +24,7 @@ class ProgressWatch {
 // effect between files. Its address is a saving::ProgressCallback.
 int __stdcall ConvertProgressCallback(int numerator, int denominator, LONG_PTR userData);
 
-// The same for what reads files; always true (go on).
+// The same for what reads files. True (go on) as long as the call is wanted (plugin/call_watch.h).
 bool TellProgress(int done, int total);
 
 // For what reads files out of their turn: the bars stay, but messages are let through. Always true.

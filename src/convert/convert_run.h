@@ -46,6 +46,9 @@ class ConvertRun {
   private:
     // What stands in the log for one entry of the list.
     void ConvertEntry(FileAtHand& file);
+    // Whether the user has asked to stop and waits for a plug-in longer than he may be expected to:
+    // the file at hand is given up then.
+    bool IsGivenUp();
     // Tells the monitor what became of it, if that is known and the entry is a file.
     void TellReport(FileAtHand& file);
     // Warns once that no plug-in is called any more.
@@ -134,7 +137,8 @@ class ConvertRun {
     std::map<std::wstring, std::set<std::wstring>> namesakes_;
     KnownContents expanded_;  // archives
     bool stopIsTold_ = false;
-    ReadAhead ahead_;  // the next entry
+    ULONGLONG stopAskedAt_ = 0;  // in ticks; 0: not yet
+    ReadAhead ahead_;            // the next entry
 };
 
 }  // namespace tessary

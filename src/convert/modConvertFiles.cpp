@@ -23,6 +23,7 @@
 #include "convert/save_extension.h"
 #include "convert/source_order.h"
 #include "picture/read/no_picture.h"
+#include "plugin/call_watch.h"
 #include "plugin/file_stamp.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_state.h"
@@ -30,6 +31,9 @@
 namespace tessary {
 
 namespace {
+
+// A file is finished behind the user's stop, but for one that takes longer; in milliseconds.
+constexpr ULONGLONG kStopPatience = 3000;
 
 WorkList ListOf(const std::vector<ConvertSource>& files, const std::wstring& targetFolder,
                 const ConvertSettings& settings) {
@@ -79,6 +83,7 @@ bool ConvertRun::Run() {
     const DivertedErrors errors([this](const RaisedError& error) {
         if (!ahead_.Disturb()) WriteUnexpected(error);
     });
+    const CallWatch calls([this] { return !IsGivenUp(); });
     log_.Open(settings_);
     bool goesOn = true;
     int32_t index = 1;
@@ -105,6 +110,12 @@ bool ConvertRun::Run() {
     Trapped([&] { log_.WriteConvertLog(L"*** すべての変換処理が完了しました ***", {}, 0); });
     log_.Close();
     return goesOn;
+}
+
+bool ConvertRun::IsGivenUp() {
+    if (stopAskedAt_ == 0 && !monitor_.SetProgressBar(-1, -1, 0, 0))
+        stopAskedAt_ = GetTickCount64();
+    return stopAskedAt_ != 0 && GetTickCount64() - stopAskedAt_ >= kStopPatience;
 }
 
 // With the first file that fails: the crash may have been in the reading ahead of one before.
@@ -234,7 +245,9 @@ StepResult ConvertRun::FetchSource(FileAtHand& file) {
 }
 
 void ConvertRun::ReportUnknown(FileAtHand& file, const SourceFile& source) {
-    if (IsNoPicture(source.path)) {
+    if (IsGivenUp()) {
+        file.Report(FileOutcome::kStopped);
+    } else if (IsNoPicture(source.path)) {
         file.Report(FileOutcome::kDeclined, FileReason::kNoPicture);
     } else if (PluginsAreStopped()) {
         file.Report(FileOutcome::kFailed, FileReason::kPluginFailed, PluginsStoppedText());

@@ -23,4 +23,9 @@ class CallWatch {
     std::function<bool()> outer_;
 };
 
+// What the innermost one says; without any, it is.
+inline bool IsCallWanted() {
+    return !Host().isWanted || Host().isWanted();
+}
+
 }  // namespace tessary

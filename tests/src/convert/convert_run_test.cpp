@@ -4,6 +4,8 @@
 #include "app/base/stay_awake.h"
 #include "convert/convert_progress.h"
 #include "convert/same_content.h"
+#include "host/host_connection.h"
+#include "plugin/plugin_log.h"
 #include "tests/src/convert/convert_test.h"
 #include "tests/support/distant_files.h"
 #include "tests/support/process_resources.h"
@@ -264,6 +266,28 @@ TEST_F(ConvertRunTest, ProgressIsRoundedHalvesToEven) {
         EXPECT_EQ(ConvertProgressCallback(numerator, denominator, 0), 0);
     }
     EXPECT_EQ(monitor_.percents, (std::vector<int32_t>{12, 38, 33, 67, -12, 100}));
+}
+
+// A plug-in that hangs keeps nobody who wants to stop, nor do those that would be tried next.
+TEST_F(ConvertRunTest, StopDoesNotWaitForAHang) {
+    UnloadSPI();
+    HostPool hosts(FinishedFolder() + kHostProgram);
+    SetPluginConnector([&](const std::wstring& plugin) {
+        return std::make_unique<HostConnection>(plugin, hosts);
+    });
+    std::filesystem::copy_file(TestPluginPath(L"iftst.spi"), plugins_.Path() + L"other.spi");
+    LoadSPI();
+    Add(L"a.tst", "TST 4x3x24\ndirty:question:GetPicture\n");
+    Add(L"b.tst", "TST 4x3x24\n");
+    monitor_.onLine = [&](const std::wstring& line) {
+        if (line.find(L"使用プラグイン") != line.npos) monitor_.stepsLeft = 0;
+    };
+    EXPECT_FALSE(Run());
+    ASSERT_EQ(monitor_.reports.size(), 1u);
+    EXPECT_EQ(monitor_.reports[0].outcome, FileOutcome::kStopped);
+    EXPECT_EQ(ReadErrorCount(plugins_.Path() + L"iftst.spi", {}), 0);
+    UnloadSPI();
+    SetPluginConnector({});
 }
 
 }  // namespace
