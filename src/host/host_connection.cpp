@@ -154,6 +154,9 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
 
 HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource& source,
                                          const SusieProgress& progress) const {
+    // The host has one thing to do at a time; the answer to this one would be taken for the
+    // other's.
+    if (PluginCallUnderWay()) return {};
     const CallScope scope;
     request.plugin = path_;
     request.boundFile = boundFile_;

@@ -209,8 +209,9 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
                                      patience == INFINITE ? kLongestWait : patience - silence);
         const ULONGLONG before = GetTickCount64();
         bool goesOn = true;
-        if (!HasSignalled(slice, limit == INFINITE, goesOn)) {
-            silence += static_cast<DWORD>(std::min<ULONGLONG>(GetTickCount64() - before, slice));
+        const bool hasSignalled = HasSignalled(slice, limit == INFINITE, goesOn);
+        silence += static_cast<DWORD>(std::min<ULONGLONG>(GetTickCount64() - before, slice));
+        if (!hasSignalled) {
             if (!IsAlive()) return HostEnd::kDied;
             if (!isStopped && !(goesOn && Goes(progress))) {
                 isStopped = true;
@@ -218,7 +219,8 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
             }
             continue;
         }
-        silence = 0;
+        // Whoever has been told to stop wins no time by telling how far he is.
+        if (!isStopped) silence = 0;
         switch (channel_.Signal()) {
             case ChannelSignal::kProgress:
                 isStopped = isStopped || !Goes(progress);

@@ -105,6 +105,15 @@ TEST_F(HostTest, OneThatIsToldToStopStops) {
     }
 }
 
+// One that tells how far it is, and does not care for the answer.
+TEST_F(HostTest, ProgressIsNoReasonToGoOnForOneThatWasToldToStop) {
+    const auto plugin = Connected(L"iftst.spi", "progress:2000000000\nignore-abort");
+    plugin->Load();
+    const DecodedPicture decoded =
+        plugin->Decode(Picture(), DecodeKind::kFull, [](int, int) { return false; });
+    EXPECT_TRUE(decoded.wasStopped && !decoded.picture);
+}
+
 // Listing has no progress of its own.
 TEST_F(HostTest, WhatNobodyWantsAnyMoreIsGivenUp) {
     const auto path = Plugin(L"axtsa.spi", "dirty:question:GetArchiveInfo");
