@@ -95,11 +95,33 @@ int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder, const ScanStep&
     return Count();
 }
 
+std::unique_ptr<clsSusie> CollectionSusie::MakeMember() const {
+    auto made = std::make_unique<clsSusie>();
+    made->SetAutoUnload(dynamicLoad_);
+    made->SetCheckMode(!order_.tryAll);
+    return made;
+}
+
+std::vector<KnownPlugin> CollectionSusie::Known() const {
+    std::vector<KnownPlugin> known;
+    for (const auto& member : order_.members)
+        known.push_back({member->DllName(), member->Traits()});
+    return known;
+}
+
+void CollectionSusie::AddKnown(const std::vector<KnownPlugin>& plugins) {
+    if (PluginCallUnderWay()) return;
+    for (const KnownPlugin& plugin : plugins) {
+        std::unique_ptr<clsSusie> added = MakeMember();
+        added->SetKnownDll(plugin.path, plugin.traits);
+        order_.members.push_back(std::move(added));
+    }
+    ForgetSearches();
+}
+
 void CollectionSusie::AddSPI(const std::wstring& path) {
     if (PluginCallUnderWay() || Item(FullPathOf(path)) != nullptr) return;
-    auto added = std::make_unique<clsSusie>();
-    added->SetAutoUnload(dynamicLoad_);
-    added->SetCheckMode(!order_.tryAll);
+    std::unique_ptr<clsSusie> added = MakeMember();
     uint32_t loadError = 0;
     const std::optional<LeftOutReason> refusal = LoadPlugin(*added, path, loadError);
     NoteLeftOut(path, refusal, loadError);

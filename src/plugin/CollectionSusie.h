@@ -23,6 +23,12 @@
 
 namespace tessary {
 
+// A plug-in's file and what is known of it: all that another collection needs to have it.
+struct KnownPlugin {
+    std::wstring path;
+    PluginTraits traits;
+};
+
 class CollectionSusie {
   public:
     // Shows a message when susiectl.dll is missing; the collection then stays empty.
@@ -68,6 +74,11 @@ class CollectionSusie {
     // takes a place too, with an empty DllName, as does one that must not be loaded (kBarred,
     // kSkipped); one that is there already is not added again.
     void AddSPI(const std::wstring& path);
+
+    // The members, in their order; and adds such behind all others, in that order. Nothing is asked
+    // or loaded, until something is wanted of a plug-in.
+    std::vector<KnownPlugin> Known() const;
+    void AddKnown(const std::vector<KnownPlugin>& plugins);
 
     // Forgets a member's failures and gives it the place of one that has none: indexes change.
     // Raises PluginError for an index outside the collection, and while a plug-in is being called.
@@ -160,6 +171,7 @@ class CollectionSusie {
 
     static bool Holds(Query& query, const std::wstring& path);
     int32_t IndexOf(const clsSusie* member) const;
+    std::unique_ptr<clsSusie> MakeMember() const;
     // To be called when members have come, gone or moved.
     void ForgetSearches();
     std::optional<LeftOutReason> LoadPlugin(clsSusie& added, const std::wstring& path,

@@ -44,14 +44,18 @@ class clsSusie {
     // tries the plug-in out and reads what it tells about itself; after a refusal none is set.
     const std::wstring& DllName() const { return dllName_; }
     void SetDllName(const std::wstring& path);
+    // The same for a plug-in of which everything is known: nothing is asked or loaded, until
+    // something is wanted of it.
+    void SetKnownDll(const std::wstring& path, PluginTraits traits);
 
     // kStylePicture, kStyleArchive or kStyleNone.
-    int32_t DllStyle() const { return dllStyle_; }
-    const std::wstring& ProductName() const { return productName_; }
+    int32_t DllStyle() const { return traits_.style; }
+    const std::wstring& ProductName() const { return traits_.productName; }
+    const PluginTraits& Traits() const { return traits_; }
 
     // Index 0: all patterns, joined by `;`. Index 1 to 64: that pattern, empty behind the last.
     std::wstring FileType(int32_t index) const;
-    const FilePatterns& Patterns() const { return patterns_; }
+    const FilePatterns& Patterns() const { return traits_.patterns; }
 
     // Frees the plug-in file after every operation when nothing is bound.
     bool AutoUnload() const { return autoUnload_; }
@@ -69,7 +73,7 @@ class clsSusie {
 
     // Whether ConfigurationDlg is there; opens it and answers its result, -1 when it is not. What
     // the plug-in tells about itself is read anew behind it: settings may change the patterns.
-    bool SupportConfigurationDialog() const { return supportConfigurationDialog_; }
+    bool SupportConfigurationDialog() const { return traits_.hasSettings; }
     int32_t ShowConfigurationDialog(HWND parent);
     // Reads it once more, for settings windows that have stayed open behind the call. Does nothing
     // for a plug-in whose settings window was never opened, and for one that is not loaded.
@@ -207,6 +211,7 @@ class clsSusie {
     void ReleaseModule();
     void UnloadAfterUse();
     void ReleasePlugin();
+    void Connect(const std::wstring& path);
     void ReadPlugin();
 
     void Unbind();
@@ -232,10 +237,8 @@ class clsSusie {
 
     std::wstring dllName_;
     std::unique_ptr<PluginConnection> connection_;  // exactly while dllName_ is not empty
-    int32_t dllStyle_ = kStyleNone;
-    std::wstring productName_;
-    FilePatterns patterns_;
-    bool supportConfigurationDialog_ = false;
+    PluginTraits traits_;
+    bool isRemembered_ = false;  // nothing was asked of it yet
     bool autoUnload_ = false;
     bool checkMode_ = false;
     bool keepLoaded_ = false;      // it has failed before

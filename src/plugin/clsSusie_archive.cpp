@@ -55,7 +55,7 @@ void clsSusie::ReadMembers(Binding& binding) {
 
 const ArchiveMembers& clsSusie::Members() {
     if (bound_.IsEmpty()) throw PluginError(kErrorNothingBound, kNothingBoundText);
-    if (dllStyle_ != kStyleArchive) {
+    if (traits_.style != kStyleArchive) {
         throw PluginError(kErrorWrongPluginKind, kPropertyNotOfferedText);
     }
     return bound_.members;

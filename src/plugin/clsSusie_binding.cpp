@@ -21,7 +21,7 @@ clsSusie::Source::Source(const Binding& binding)
 }
 
 bool clsSusie::Supports(const std::wstring& file) {
-    if (checkMode_ && !MatchesAnyPattern(ToUpper(FileNameOf(file)), patterns_)) return false;
+    if (checkMode_ && !MatchesAnyPattern(ToUpper(FileNameOf(file)), traits_.patterns)) return false;
     if (std::optional<std::string> name = AnsiPathOf(file)) return Supports({.name = *name});
     const std::optional<HeaderBlock> header = ReadFileHeader(file);
     return header && Supports({AnsiNameOf(file), *header, false});
@@ -91,7 +91,8 @@ void clsSusie::SetMemoryHandle(HLOCAL memory, const std::wstring& fileName) {
 template <typename Accept>
 void clsSusie::Bind(Accept&& accept) {
     RequireModule();
-    if (dllStyle_ == kStyleNone) throw PluginError(kErrorWrongPluginKind, kPropertyNotOfferedText);
+    if (traits_.style == kStyleNone)
+        throw PluginError(kErrorWrongPluginKind, kPropertyNotOfferedText);
     Unbind();
     try {
         bound_ = accept();
@@ -111,7 +112,7 @@ clsSusie::Binding clsSusie::AcceptedFile(const std::wstring& path) {
     binding.file = path;
     const std::optional<std::string> name = AnsiPathOf(path);
     // An archive's list is its own test, unless the file had to be read into memory first.
-    const bool askFirst = dllStyle_ == kStylePicture || !name;
+    const bool askFirst = traits_.style == kStylePicture || !name;
     if (askFirst && !Supports(path)) throw PluginError(kErrorNotSupported, kNotSupportedText);
     if (name) {
         binding.pluginName = *name;
@@ -119,7 +120,7 @@ clsSusie::Binding clsSusie::AcceptedFile(const std::wstring& path) {
         binding.content = ReadWholeFile(path);
         if (!binding.content) throw PluginError(kErrorNotSupported, kNotSupportedText);
     }
-    if (dllStyle_ == kStyleArchive) {
+    if (traits_.style == kStyleArchive) {
         ReadMembers(binding);
         // Of any file at all some plug-ins give an empty list.
         if (binding.members.empty() && !askFirst && !Supports(path)) {
@@ -132,7 +133,7 @@ clsSusie::Binding clsSusie::AcceptedFile(const std::wstring& path) {
 clsSusie::Binding clsSusie::AcceptedMemory(HLOCAL memory, const std::wstring& fileName) {
     Binding binding;
     binding.memory = memory;
-    if (dllStyle_ == kStyleArchive) ReadMembers(binding);
+    if (traits_.style == kStyleArchive) ReadMembers(binding);
     if (binding.members.empty() && !Supports(memory, fileName)) {
         throw PluginError(kErrorNotSupported, kNotSupportedText);
     }

@@ -45,7 +45,7 @@ uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const Susi
     return Member(L"DecodePicture(", [&] {
         RequireNoCall();
         if (bound_.IsEmpty()) throw PluginError(kErrorNothingBound, kNothingBoundText);
-        if (dllStyle_ != kStylePicture) {
+        if (traits_.style != kStylePicture) {
             throw PluginError(kErrorWrongPluginKind, kMethodNotOfferedText);
         }
         if (target == DecodeTarget::kBmpFile ? bmpFile.empty() : picture == nullptr) {

@@ -34,9 +34,7 @@ void clsSusie::SetDllName(const std::wstring& path) {
     Member(L"Property Let DllName(", [&] {
         RequireNoCall();
         ReleasePlugin();
-        if (path.empty()) throw PluginError(kErrorInvalidArgument, kInvalidArgumentText);
-        dllName_ = FullPathOf(path);
-        connection_ = ConnectTo(dllName_);
+        Connect(path);
         try {
             ReadPlugin();
         } catch (...) {
@@ -45,6 +43,22 @@ void clsSusie::SetDllName(const std::wstring& path) {
         }
         UnloadAfterUse();
     });
+}
+
+void clsSusie::SetKnownDll(const std::wstring& path, PluginTraits traits) {
+    Member(L"Property Let DllName(", [&] {
+        RequireNoCall();
+        ReleasePlugin();
+        Connect(path);
+        traits_ = std::move(traits);
+        isRemembered_ = true;
+    });
+}
+
+void clsSusie::Connect(const std::wstring& path) {
+    if (path.empty()) throw PluginError(kErrorInvalidArgument, kInvalidArgumentText);
+    dllName_ = FullPathOf(path);
+    connection_ = ConnectTo(dllName_);
 }
 
 void clsSusie::ReadPlugin() {
@@ -57,10 +71,8 @@ void clsSusie::ReadPlugin() {
     Note(told);
     // It would end the next process as well.
     if (told.end != ProcessEnd::kNone) throw RefusedPluginError(false, susiectl::kErrorCrashed);
-    supportConfigurationDialog_ = told.hasSettings;
-    productName_ = std::move(told.productName);
-    patterns_ = std::move(told.patterns);
-    dllStyle_ = loaded.style;
+    traits_ = std::move(static_cast<PluginTraits&>(told));
+    traits_.style = loaded.style;
     keepLoaded_ = ErrorCount({}) != 0;
 }
 
@@ -71,10 +83,8 @@ void clsSusie::ReleasePlugin() {
     if (connection_ != nullptr) connection_->LeaveLoaded();
     connection_.reset();
     dllName_.clear();
-    dllStyle_ = kStyleNone;
-    productName_.clear();
-    patterns_.clear();
-    supportConfigurationDialog_ = false;
+    traits_ = {};
+    isRemembered_ = false;
     keepLoaded_ = false;
     extractsToDisk_ = false;
     isSetUp_ = false;
@@ -93,7 +103,11 @@ void clsSusie::RequireModule() {
         ReleaseModule();
         throw PluginError(kErrorPluginNotAvailable, kPluginNotAvailableText);
     }
-    dllStyle_ = loaded.style;
+    traits_.style = loaded.style;
+    if (std::exchange(isRemembered_, false)) {
+        keepLoaded_ = ErrorCount({}) != 0;
+        Trapped([&] { NoteLoaded(dllName_); });
+    }
 }
 
 void clsSusie::ReleaseModule() {
@@ -119,10 +133,10 @@ std::wstring clsSusie::FileType(int32_t index) const {
     }
     if (index > 0) {
         const auto position = static_cast<size_t>(index) - 1;
-        return position < patterns_.size() ? patterns_[position] : std::wstring();
+        return position < traits_.patterns.size() ? traits_.patterns[position] : std::wstring();
     }
     std::wstring all;
-    for (const std::wstring& pattern : patterns_) {
+    for (const std::wstring& pattern : traits_.patterns) {
         if (!all.empty()) all += L';';
         all += pattern;
     }
@@ -133,7 +147,7 @@ int32_t clsSusie::ShowConfigurationDialog(HWND parent) {
     return Member(L"ShowConfigurationDialog(", [&] {
         RequireModule();
         int32_t result = -1;
-        if (supportConfigurationDialog_) {
+        if (traits_.hasSettings) {
             const PluginAnswer answer = connection_->Configure(parent);
             Note(answer);
             result = answer.code;
@@ -151,8 +165,8 @@ void clsSusie::RefreshInfo() {
     PluginDescription told = connection_->Describe();
     Note(told);
     if (!told.fault.message.empty()) return;
-    productName_ = std::move(told.productName);
-    patterns_ = std::move(told.patterns);
+    traits_.productName = std::move(told.productName);
+    traits_.patterns = std::move(told.patterns);
 }
 
 int32_t clsSusie::ErrorCount(std::wstring_view function) const {

@@ -65,13 +65,16 @@ struct PluginAnswer {
     bool HasCrashed() const { return code == kResultCrashed; }
 };
 
-// What a plug-in tells about itself.
-struct PluginDescription : PluginAnswer {
+// What is known of a plug-in: what it exports and tells about itself.
+struct PluginTraits {
     int32_t style = kStyleNone;
     bool hasSettings = false;  // it has a settings window
     std::wstring productName{};
     FilePatterns patterns{};
+
+    bool operator==(const PluginTraits&) const = default;
 };
+struct PluginDescription : PluginAnswer, PluginTraits {};
 
 // What came of loading a plug-in's file.
 struct LoadedPlugin : PluginAnswer {
