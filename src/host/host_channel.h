@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/host_messages.h"
+#include "host/host_notes.h"
 #include "host/section.h"
 
 namespace tessary {
@@ -29,6 +30,7 @@ struct ChannelPage {
     int32_t done;         // kProgress
     int32_t total;
     uint32_t goesOn;  // the answer to that: not 0
+    HostNotes notes;  // the host's
     uint8_t message[kChannelRoom];
 };
 
@@ -66,6 +68,9 @@ class ChannelEnd {
     int32_t Total() const { return Read(Page().total); }
     void PutGoesOn(bool goesOn) { Page().goesOn = goesOn ? 1 : 0; }
     bool GoesOn() const { return Read(Page().goesOn) != 0; }
+
+    // The notes of the host, in the page itself.
+    HostNotes& Notes() const { return Page().notes; }
 
   private:
     ChannelPage& Page() const { return *reinterpret_cast<ChannelPage*>(page_.Bytes().data()); }

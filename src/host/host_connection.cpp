@@ -6,9 +6,7 @@
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
 #include "helpers/susiectl/susiectl.h"
-#include "plugin/call_log.h"
 #include "plugin/call_scope.h"
-#include "plugin/plugin_log.h"
 #include "plugin/plugin_state.h"
 
 namespace tessary {
@@ -38,6 +36,44 @@ const wchar_t* FunctionOf(HostOperation operation) {
             return L"ConfigurationDlg";
         default:
             return L"FreeLibrary";
+    }
+}
+
+// How logs name what is asked for, should the host's own note be lost.
+std::wstring LogNameOf(const HostRequest& request) {
+    switch (request.operation) {
+        case HostOperation::kDescribe:
+            return L"GetPluginInfo";
+        case HostOperation::kExtract:
+            return std::wstring(L"GetFile") + (request.isFile ? L'S' : L'M') +
+                   (request.folder ? L'S' : L'M');
+        default:
+            return FunctionOf(request.operation);
+    }
+}
+
+// Whether another host may do better. Of an end whose kind is certain there is no doubt; a host
+// that has just gone may have been ended by somebody else, and one that was calling nobody when it
+// fell silent, too.
+bool IsWorthAnother(HostOperation operation, HostEnd end, const std::optional<PluginEnd>& blame) {
+    const bool canBeRepeated =
+        operation == HostOperation::kLoad ||
+        (operation > HostOperation::kIsInUse && operation != HostOperation::kConfigure);
+    const bool hasEnded = end == HostEnd::kDied || end == HostEnd::kSilent;
+    return canBeRepeated && hasEnded && (!blame || blame->kind == EndKind::kExit);
+}
+
+PluginAnswer EndedAnswer(HostEnd end, HostOperation operation) {
+    const wchar_t* const function = FunctionOf(operation);
+    switch (end) {
+        case HostEnd::kStopped:
+            return {susie::kAborted, {}, {}};
+        case HostEnd::kRefused:
+            return {kResultUnexpected, {}, {kNoHostText, function}};
+        case HostEnd::kSilent:
+            return {kResultCrashed, {}, {kPluginSilentText, function}, ProcessEnd::kSilent};
+        default:
+            return {kResultCrashed, {}, {kPluginCrashedText, function}, ProcessEnd::kDied};
     }
 }
 
@@ -102,26 +138,6 @@ HostConnection::~HostConnection() {
     Trapped([&] { Unload(); });
 }
 
-PluginAnswer HostConnection::EndedAnswer(HostEnd end, HostOperation operation) const {
-    const wchar_t* const function = FunctionOf(operation);
-    switch (end) {
-        case HostEnd::kStopped:
-            Trapped([] { ForgetHostedCalls(); });
-            return {susie::kAborted, {}, {}};
-        case HostEnd::kRefused:
-            return {kResultUnexpected, {}, {kNoHostText, function}};
-        case HostEnd::kSilent:
-            Trapped([] { RecoverHostedCalls(); });
-            return {kResultCrashed, {}, {kPluginSilentText, function}, ProcessEnd::kSilent};
-        default:
-            Trapped([&] {
-                const bool isCounted = !RecoverHostedCalls().empty();
-                if (end == HostEnd::kLied && !isCounted) IncrementErrorCount(path_, function);
-            });
-            return {kResultCrashed, {}, {kPluginCrashedText, function}, ProcessEnd::kDied};
-    }
-}
-
 HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source,
                                  const SusieProgress& progress, Told& told) const {
     HostProcess* const host = pool_.Running();
@@ -133,11 +149,17 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
         std::memcpy(lent->Bytes().data(), source.bytes.data(), source.bytes.size());
         request.bytes = {host->Lend(*lent), source.bytes.size(), 0};
     }
+    const PluginCall asked{LogNameOf(request), path_, boundFile_};
+    const auto ended = [&](HostEnd end) {
+        told.blame = host->TakeBlame(end, asked);
+        return end;
+    };
     told.reply = {};
     const DWORD limit = LimitOf(request.operation, served_ == host->Id(), pool_.Limits());
     const HostEnd end = host->Call(request, limit, progress, told.reply);
-    if (end == HostEnd::kAnswered) served_ = host->Id();
-    if (end != HostEnd::kAnswered || told.reply.bytes.handle == 0) return end;
+    if (end != HostEnd::kAnswered) return ended(end);
+    served_ = host->Id();
+    if (told.reply.bytes.handle == 0) return end;
     switch (host->Take(told.reply.bytes, told.bytes)) {
         case HostSections::Opened::kOpen:
             return end;
@@ -147,9 +169,9 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
         case HostSections::Opened::kNoSection:
             break;
     }
-    if (!host->IsAlive()) return HostEnd::kDied;
+    if (!host->IsAlive()) return ended(HostEnd::kDied);
     host->End();
-    return HostEnd::kLied;
+    return ended(HostEnd::kLied);
 }
 
 HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource& source,
@@ -159,7 +181,6 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     if (PluginCallUnderWay()) return {};
     const CallScope scope;
     request.plugin = path_;
-    request.boundFile = boundFile_;
     request.sourceName = source.name;
     request.isFile = source.isFile;
     request.tellsProgress = static_cast<bool>(progress);
@@ -169,13 +190,16 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     }
     Told told;
     told.end = TryToAsk(request, source, asked, told);
-    // What the dead host has left in the call log says whom it was calling. If that was nobody, it
-    // was ended by somebody else, or busy with an open window, and the next one has the same
-    // chance.
-    const bool hasEnded = told.end == HostEnd::kDied || told.end == HostEnd::kSilent;
-    if (hasEnded && Trapped(false, [] { return RecoverHostedCalls().empty(); })) {
+    if (IsWorthAnother(request.operation, told.end, told.blame)) {
+        told.blame.reset();
         told.end = TryToAsk(request, source, asked, told);
+        // Two hosts that were calling nobody have not ended by chance.
+        if (!told.blame && IsWorthAnother(request.operation, told.end, {})) {
+            const EndKind kind = told.end == HostEnd::kSilent ? EndKind::kSilence : EndKind::kExit;
+            told.blame = {{LogNameOf(request), path_, boundFile_}, kind};
+        }
     }
+    if (told.blame) pool_.Tell(*told.blame);
     if (told.end != HostEnd::kAnswered) {
         told.answer = EndedAnswer(told.end, request.operation);
         told.reply = {};
@@ -183,6 +207,8 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
         return told;
     }
     HostReply& reply = told.reply;
+    for (const std::wstring& function : reply.failures)
+        pool_.Tell({{function, path_, boundFile_}, EndKind::kCaught});
     told.answer = {reply.code,
                    ConditionOf(reply.condition, reply.conditionText),
                    {std::move(reply.faultMessage), std::move(reply.faultFunction)}};

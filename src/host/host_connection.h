@@ -8,7 +8,8 @@ namespace tessary {
 
 // Has the pool's host do what is asked. A host that ends is replaced by the next operation, and
 // what was loaded is loaded there when it is needed: only the operation in the middle of which it
-// has ended fails. That counts as a crash of the plug-in's, in the error log too.
+// has ended fails, and that only when it ends a second host as well, unless it has certainly
+// crashed or hung there. The pool is told of the culprit.
 class HostConnection final : public PluginConnection {
   public:
     // `plugin`: the full path of its file. The pool must outlive this.
@@ -39,6 +40,7 @@ class HostConnection final : public PluginConnection {
     // it.
     struct Told {
         HostEnd end = HostEnd::kRefused;
+        std::optional<PluginEnd> blame{};  // for that end
         PluginAnswer answer{};
         HostReply reply{};
         std::optional<HostSections::Lease> bytes{};
@@ -47,7 +49,6 @@ class HostConnection final : public PluginConnection {
              const SusieProgress& progress = {}) const;
     HostEnd TryToAsk(HostRequest request, const PluginSource& source, const SusieProgress& progress,
                      Told& told) const;
-    PluginAnswer EndedAnswer(HostEnd end, HostOperation operation) const;
 
     std::wstring path_;
     HostPool& pool_;

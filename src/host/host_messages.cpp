@@ -1,5 +1,8 @@
 #include "host/host_messages.h"
 
+#include <algorithm>
+
+#include "host/host_notes.h"
 #include "host/wire.h"
 
 // The fields of each message, in their order on the wire. Numbers are written as wide as they are
@@ -33,21 +36,23 @@ void Transfer(Wire& wire, WireSection& section) {
 
 template <class Wire>
 void Transfer(Wire& wire, HostRequest& request) {
-    wire(request.operation, request.settingsKey, request.program, request.plugin, request.boundFile,
-         request.sourceName, request.isFile, request.bytes, request.isPreview,
-         request.tellsProgress, request.member, request.folder, request.parent, request.returned);
+    wire(request.operation, request.plugin, request.sourceName, request.isFile, request.bytes,
+         request.isPreview, request.tellsProgress, request.member, request.folder, request.parent,
+         request.returned);
 }
 
 template <class Wire>
 void Transfer(Wire& wire, HostReply& reply) {
     wire(reply.code, reply.condition, reply.conditionText, reply.faultMessage, reply.faultFunction,
-         reply.isWorn, reply.style, reply.loadError, reply.isLoaded, reply.isInUse,
+         reply.failures, reply.isWorn, reply.style, reply.loadError, reply.isLoaded, reply.isInUse,
          reply.hasSettings, reply.productName, reply.patterns, reply.width, reply.height,
          reply.colorDepth, reply.wasStopped, reply.members, reply.bytes, reply.infoSize,
          reply.bitsAt);
 }
 
 namespace {
+
+constexpr size_t kMaxFailures = 16;  // an operation makes fewer calls
 
 template <typename Message>
 std::vector<uint8_t> Written(const Message& message) {
@@ -81,7 +86,11 @@ std::optional<HostRequest> RequestOf(std::span<const uint8_t> bytes) {
 
 std::optional<HostReply> ReplyOf(std::span<const uint8_t> bytes) {
     std::optional<HostReply> reply = Read<HostReply>(bytes);
-    return reply && reply->patterns.size() <= kMaxPatterns ? reply : std::nullopt;
+    if (!reply || reply->patterns.size() > kMaxPatterns || reply->failures.size() > kMaxFailures ||
+        !std::ranges::all_of(reply->failures, IsNotedFunction)) {
+        return std::nullopt;
+    }
+    return reply;
 }
 
 }  // namespace tessary

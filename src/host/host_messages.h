@@ -14,7 +14,7 @@
 namespace tessary {
 
 enum class HostOperation : uint32_t {
-    kBegin,  // the first: says where the settings are
+    kBegin,  // the first: answered as soon as the host is there
     kEnd,    // the last: plug-ins are freed, and the host ends
     kLoad,
     kUnload,
@@ -40,11 +40,7 @@ struct WireSection {
 // The fields that an operation has no use for stay as they are here.
 struct HostRequest {
     HostOperation operation = HostOperation::kBegin;
-    // kBegin only: where the settings are (RedirectSettingsStore), and the program's OwnRun::Name.
-    std::wstring settingsKey{};
-    std::wstring program{};
     std::wstring plugin{};     // full path of its file
-    std::wstring boundFile{};  // that the call log names
     std::string sourceName{};  // PluginSource, with its bytes
     bool isFile = true;
     WireSection bytes{};
@@ -62,6 +58,8 @@ struct HostReply {
     std::wstring conditionText{};
     std::wstring faultMessage{};
     std::wstring faultFunction{};
+    // The functions that have crashed and were caught, by the keys of the error log.
+    std::vector<std::wstring> failures{};
     // The host's memory is not to be relied on any more: it wants to be replaced.
     bool isWorn = false;
     int32_t style = 0;

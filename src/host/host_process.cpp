@@ -6,8 +6,7 @@
 #include <vector>
 
 #include "app/base/error.h"
-#include "app/settings/settings_store.h"
-#include "plugin/host_state.h"
+#include "app/base/text.h"
 
 namespace tessary {
 namespace {
@@ -18,6 +17,9 @@ constexpr DWORD kStopGrace = 300;     // that a plug-in may take to stop
 constexpr DWORD kBeat = 40;           // between two looks at whether to go on
 constexpr DWORD kLongestWait =
     1000;  // in one piece: the system takes windows for hung that are longer silent
+
+// Exit codes from here on are those of exceptions that nobody has handled.
+constexpr DWORD kLeastException = 0x80000000;
 
 // Only these handles go to a child process.
 class InheritedHandles {
@@ -126,11 +128,7 @@ std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, Hos
         std::move(started->process), std::move(started->job), ChannelEnd(*std::move(page)),
         std::move(request), std::move(answer), std::move(wait)));
     HostReply reply;
-    const HostRequest begin{.operation = HostOperation::kBegin,
-                            .settingsKey = SettingsStoreKey(),
-                            .program = Host().run.Name()};
-    return host->Call(begin, kStartLimit, {}, reply) == HostEnd::kAnswered ? std::move(host)
-                                                                           : nullptr;
+    return host->Call({}, kStartLimit, {}, reply) == HostEnd::kAnswered ? std::move(host) : nullptr;
 }
 
 HostProcess::~HostProcess() {
@@ -196,6 +194,7 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
                           HostReply& reply) {
     if (!IsAlive()) return HostEnd::kDied;
     request.returned = sections_->TakeReturned();
+    if (!request.plugin.empty()) served_.insert(ToUpper(request.plugin));
     if (!channel_.Put(ChannelSignal::kRequest, BytesOf(request))) return HostEnd::kRefused;
     Send();
     DWORD silence = 0;  // what was really waited: not the user's time, nor the computer's sleep
@@ -238,6 +237,21 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
                 return Ended(HostEnd::kLied);
         }
     }
+}
+
+std::optional<PluginEnd> HostProcess::TakeBlame(HostEnd end, const PluginCall& asked) {
+    std::optional<PluginCall> call = CulpritOf(channel_.Notes(), asked, served_);
+    channel_.Notes().call.Clear();
+    channel_.Notes().thread.Clear();
+    if (end == HostEnd::kLied && !call) call = asked;  // nobody else has made the answer
+    if (!call || end == HostEnd::kStopped) return std::nullopt;
+    DWORD code = 0;
+    GetExitCodeProcess(process_.Get(), &code);
+    const EndKind died = code >= kLeastException ? EndKind::kCrash : EndKind::kExit;
+    const EndKind kind = end == HostEnd::kLied     ? EndKind::kLie
+                         : end == HostEnd::kSilent ? EndKind::kSilence
+                                                   : died;
+    return PluginEnd{*std::move(call), kind};
 }
 
 HostEnd HostProcess::Ended(HostEnd end) {

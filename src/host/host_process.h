@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 
@@ -15,6 +16,7 @@
 #include "host/host_messages.h"
 #include "host/host_sections.h"
 #include "plugin/plugin_connection.h"
+#include "plugin/plugin_ends.h"
 
 namespace tessary {
 
@@ -79,6 +81,10 @@ class HostProcess {
     // Ends it at once.
     void End();
 
+    // Which plug-in has to answer for the host's end, and for what, told once; nothing: none was
+    // being called. `asked`: what was asked for then; of no plug-in between two requests.
+    std::optional<PluginEnd> TakeBlame(HostEnd end, const PluginCall& asked);
+
   private:
     HostProcess(UniqueProcess process, UniqueJob job, ChannelEnd channel, UniqueEvent request,
                 UniqueEvent answer, HostWait wait);
@@ -99,6 +105,7 @@ class HostProcess {
     UniqueEvent answer_;
     HostWait wait_;
     std::shared_ptr<HostSections> sections_ = std::make_shared<HostSections>();
+    std::set<std::wstring> served_;  // plug-ins that were asked for something, in upper case
     bool isWorn_ = false;
 };
 

@@ -6,8 +6,6 @@
 
 #include "app/base/error.h"
 #include "app/base/text.h"
-#include "app/settings/settings_store.h"
-#include "plugin/call_log.h"
 #include "plugin/plugin_state.h"
 
 namespace tessary {
@@ -47,13 +45,11 @@ void Copy(std::span<const uint8_t> from, std::span<uint8_t> to) {
 
 HostService::HostService(ChannelEnd channel, const ChannelHandles& handles)
     : channel_(std::move(channel)),
+      notes_(channel_.Notes()),
       request_(handles.request),
       answer_(handles.answer),
-      program_(handles.program) {}
-
-HostService::~HostService() {
-    for (const HANDLE handle : {request_, answer_, program_})
-        CloseHandle(handle);
+      program_(handles.program) {
+    NoteCallsIn(notes_);
 }
 
 bool HostService::WaitForRequest() const {
@@ -98,11 +94,7 @@ LocalConnection& HostService::ConnectionOf(const std::wstring& plugin, bool load
 
 HostReply HostService::Carried(const HostRequest& request) {
     const bool loads = request.operation > HostOperation::kIsInUse;
-    if (request.operation == HostOperation::kBegin) {
-        RedirectSettingsStore(request.settingsKey);
-        BeginHostedCalls(request.program);
-        return {};
-    }
+    if (request.operation == HostOperation::kBegin) return {};
     if (request.operation == HostOperation::kEnd) {
         plugins_.clear();
         return {};
@@ -110,7 +102,6 @@ HostReply HostService::Carried(const HostRequest& request) {
     for (const uint32_t id : request.returned)
         stock_.Return(id);
     LocalConnection& plugin = ConnectionOf(request.plugin, loads);
-    plugin.SetBoundFile(request.boundFile);
     PluginSource source{.name = request.sourceName, .bytes = {}, .isFile = request.isFile};
     lent_.reset();
     if (request.bytes.handle != 0) {
@@ -246,6 +237,7 @@ bool HostService::TellProgress(int done, int total) {
 }
 
 void HostService::Answer(HostReply reply) {
+    reply.failures = notes_.TakeFailures();
     reply.isWorn = HasPluginCrashed() || PluginsAreStopped();
     const std::vector<uint8_t> message = BytesOf(reply);
     if (!channel_.Put(ChannelSignal::kReply, message)) {

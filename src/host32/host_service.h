@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/host_channel.h"
+#include "host32/page_notes.h"
 #include "host32/section_stock.h"
 #include "plugin/local_connection.h"
 
@@ -14,11 +15,11 @@ namespace tessary {
 
 class HostService {
   public:
-    // Takes over the handles of the events; the page is opened already.
+    // Takes over the handles of the events; the page is opened already. From now on the calls of
+    // this process are noted there: the service must never end.
     HostService(ChannelEnd channel, const ChannelHandles& handles);
     HostService(const HostService&) = delete;
     HostService& operator=(const HostService&) = delete;
-    ~HostService();
 
     // Carries out what comes until it is told to end, or the program is gone.
     void Run();
@@ -52,6 +53,7 @@ class HostService {
     SusieProgress ProgressOf(const HostRequest& request);
 
     ChannelEnd channel_;
+    PageNotes notes_;
     HANDLE request_;
     HANDLE answer_;
     HANDLE program_;

@@ -3,6 +3,8 @@
 
 #include <ole2.h>
 
+#include <memory>
+
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
 #include "host32/host_service.h"
@@ -25,8 +27,10 @@ int Serve(const tessary::ChannelHandles& handles) {
     HANDLE wait = nullptr;
     RegisterWaitForSingleObject(&wait, handles.program, OnProgramEnd, nullptr, INFINITE,
                                 WT_EXECUTEONLYONCE | WT_EXECUTEINWAITTHREAD);
-    tessary::HostService service(tessary::ChannelEnd(*std::move(page)), handles);
-    service.Run();
+    // It never ends: threads of plug-ins may crash while the process does.
+    std::make_unique<tessary::HostService>(tessary::ChannelEnd(*std::move(page)), handles)
+        .release()
+        ->Run();
     return 0;
 }
 

@@ -10,7 +10,9 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/settings_store.h"
+#include "plugin/call_notes.h"
 #include "plugin/host_state.h"
+#include "plugin/plugin_ends.h"
 #include "plugin/plugin_log.h"
 
 namespace tessary {
@@ -24,7 +26,6 @@ constexpr wchar_t kFunctionKey[] = L"Function";
 constexpr wchar_t kPluginKey[] = L"SPI";
 constexpr wchar_t kPathKey[] = L"Path";
 constexpr wchar_t kFileKey[] = L"File";
-constexpr wchar_t kHostedKey[] = L"Hosted";
 
 constexpr wchar_t kLoadLibrary[] = L"LoadLibrary";
 constexpr wchar_t kGetPluginInfo[] = L"GetPluginInfo";
@@ -48,16 +49,16 @@ int OwnNumber() {
 template <typename Save>
 void SaveCall(const PluginCall& call, Save&& save) {
     const std::wstring name = FileNameOf(call.plugin);
-    const std::array<KeyAndText, 5> texts{{{kFunctionKey, call.function},
+    const std::array<KeyAndText, 4> texts{{{kFunctionKey, call.function},
                                            {kPluginKey, name},
                                            {kPathKey, call.plugin},
-                                           {kFileKey, call.file},
-                                           {kHostedKey, Own().program}}};
-    save(std::span(texts).first(Own().program.empty() ? 4 : 5));
+                                           {kFileKey, call.file}}};
+    save(texts);
 }
 
 void Write(PassingSection& section, const wchar_t* log, const PluginCall& call) {
     HostState::Logs& own = Own();
+    if (own.elsewhere != nullptr) return own.elsewhere->OnCall(call);
     const std::lock_guard lock(own.mutex);
     own.calledPlugin = call.plugin;
     if (own.isExcused) return;
@@ -83,6 +84,7 @@ void ForgetCalledPlugin() {
 }
 
 void Clear(PassingSection& section) {
+    if (Own().elsewhere != nullptr) return Own().elsewhere->OnReturn();
     ForgetCalledPlugin();
     Trapped([&] { section.Remove(); });
 }
@@ -97,7 +99,6 @@ std::optional<PluginCall> Noted(const wchar_t* kind, int run) {
     if (FileNameOf(call.plugin) != name) call.plugin = name;
     call.function = GetSetting(log, kFunctionKey);
     call.file = GetSetting(log, kFileKey);
-    call.program = GetSetting(log, kHostedKey);
     return call;
 }
 
@@ -123,16 +124,6 @@ void Count(const wchar_t* kind, int run, std::vector<PluginCall>& calls) {
     if (!isCounted && call->WhileLoading()) NoteFatalLoad(call->plugin);
     DeleteSettingSection(log);
     if (!isCounted) calls.push_back(*std::move(call));
-}
-
-// Whose host process has left it; empty: no host.
-std::wstring ProgramOf(const wchar_t* kind, int run) {
-    const std::optional<PluginCall> call = Noted(kind, run);
-    return call ? call->program : std::wstring();
-}
-
-bool IsOfOurHost(const wchar_t* kind, int run) {
-    return ProgramOf(kind, run) == Host().run.Name();
 }
 
 // `take` of the logs that no living copy keeps. One that cannot be read holds up nothing.
@@ -173,8 +164,17 @@ InfoCalls::~InfoCalls() {
 }
 
 void NoteDamagingCall(const PluginCall& call) {
-    if (!call.WhileLoading()) return;
+    if (!call.WhileLoading() || Own().elsewhere != nullptr) return;
     SaveCall(call, [](const auto& texts) { SaveSettings(LogOf(kDamageLog, OwnNumber()), texts); });
+}
+
+void CountFailure(const PluginCall& call) {
+    if (Own().elsewhere != nullptr) return Own().elsewhere->OnFailure(call);
+    CountEnd({call, EndKind::kCaught});
+}
+
+void NoteCallsIn(CallNotes& notes) {
+    Own().elsewhere = &notes;
 }
 
 std::wstring PluginUnderCall() {
@@ -197,6 +197,7 @@ void ExcuseLastCall() {
 
 void HoldThreadCrashAgainst(const std::wstring& plugin) {
     HostState::Logs& own = Own();
+    if (own.elsewhere != nullptr) return own.elsewhere->OnThreadCrash(plugin);
     const std::lock_guard lock(own.mutex);
     if (own.isExcused) return;
     const std::wstring function = GetSetting(LogOf(kCallLog, OwnNumber()), kFunctionKey);
@@ -216,33 +217,8 @@ void HoldThreadCrashAgainst(const std::wstring& plugin) {
 
 std::vector<PluginCall> RecoverInterruptedCalls() {
     std::vector<PluginCall> calls;
-    ForEachAbandonedLog([&](const wchar_t* log, int run) {
-        const std::wstring program = ProgramOf(log, run);
-        if (program.empty()) {
-            Count(log, run, calls);
-        } else if (!IsLiving(program) || program == Host().run.Name()) {
-            DeleteSettingSection(LogOf(log, run));
-        }
-    });
+    ForEachAbandonedLog([&](const wchar_t* log, int run) { Count(log, run, calls); });
     return calls;
-}
-
-void BeginHostedCalls(const std::wstring& program) {
-    Own().program = program;
-}
-
-std::vector<PluginCall> RecoverHostedCalls() {
-    std::vector<PluginCall> calls;
-    ForEachAbandonedLog([&](const wchar_t* log, int run) {
-        if (IsOfOurHost(log, run)) Count(log, run, calls);
-    });
-    return calls;
-}
-
-void ForgetHostedCalls() {
-    ForEachAbandonedLog([](const wchar_t* log, int run) {
-        if (IsOfOurHost(log, run)) DeleteSettingSection(LogOf(log, run));
-    });
 }
 
 std::vector<PluginCall> FindInterruptedCalls() {

@@ -13,14 +13,14 @@ struct PluginCall {
     std::wstring plugin;      // full path; what earlier versions left has the file name alone
     std::wstring file;        // the file bound at the time of the call; empty when none was
     bool hasDamaged = false;  // it came back, but the memory was damaged then
-    std::wstring program{};   // OwnRun::Name of the one whose host process has made it; else empty
 
     // Whether the plug-in was being loaded, as it is at every start.
     bool WhileLoading() const;
 };
 
 // Writes the section `SPI_CALLLOG` before a call; further copies of the program that run at the
-// same time write `SPI_CALLLOG_2` and so on. Where the store does not take it the call is made all
+// same time write `SPI_CALLLOG_2` and so on. In a process that serves another one all of this goes
+// elsewhere (call_notes.h). Where the store does not take it the call is made all
 // the same, and CallsGoUnlogged tells.
 void WriteCallLog(const PluginCall& call);
 
@@ -40,6 +40,9 @@ class InfoCalls {
     InfoCalls& operator=(const InfoCalls&) = delete;
     ~InfoCalls();
 };
+
+// Counts a call that has crashed and was caught; its function by the key of the error log.
+void CountFailure(const PluginCall& call);
 
 // The plug-in that is being called, as a full path; empty: none. From any thread.
 std::wstring PluginUnderCall();
@@ -62,18 +65,9 @@ bool CallsGoUnlogged();
 void ExcuseLastCall();
 
 // The calls that earlier runs did not come back from: their failures are counted, and the logs are
-// clean afterwards. The logs of copies that still live are left alone. What host processes have
-// left is not counted: their programs were ended, and they with them. Runs that have ended in the
+// clean afterwards. The logs of copies that still live are left alone. Runs that have ended in the
 // same call of one plug-in count as one, as the power fails for all.
 std::vector<PluginCall> RecoverInterruptedCalls();
-
-// From now on what this process notes is said to be a host process's, of the program of that
-// OwnRun::Name.
-void BeginHostedCalls(const std::wstring& program);
-// Counts what a host of this program has left that has ended, and answers the calls; or forgets it,
-// where it was not the plug-in that has ended it.
-std::vector<PluginCall> RecoverHostedCalls();
-void ForgetHostedCalls();
 
 // The same calls, left for the next start to count.
 std::vector<PluginCall> FindInterruptedCalls();

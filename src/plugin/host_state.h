@@ -15,6 +15,8 @@
 
 namespace tessary {
 
+class CallNotes;
+
 struct HostState {
     // Of the thread that calls plug-ins (plugin_state.h).
     bool isCallUnderWay = false;
@@ -35,10 +37,10 @@ struct HostState {
         PassingSection call;
         PassingSection info;
         bool isUnlogged = false;
-        std::wstring program;       // whose host process this is; empty: none
-        std::mutex mutex;           // of what follows, and of writing the logs
-        bool isExcused = false;     // nothing is written any more
-        std::wstring calledPlugin;  // empty: none
+        CallNotes* elsewhere = nullptr;  // where all is noted instead (call_notes.h)
+        std::mutex mutex;                // of what follows, and of writing the logs
+        bool isExcused = false;          // nothing is written any more
+        std::wstring calledPlugin;       // empty: none
     } logs;
 
     // Whose code is, or was before it was freed, at which addresses (thread_crash.h).

@@ -27,6 +27,12 @@ std::wstring NameOfThisProcess() {
     return name;
 }
 
+// Whether the copy of that name has not ended.
+bool IsLiving(const std::wstring& name) {
+    return UniqueMutex(OpenMutexW(SYNCHRONIZE, FALSE, name.c_str())) ||
+           GetLastError() == ERROR_ACCESS_DENIED;
+}
+
 }  // namespace
 
 OwnRun::OwnRun() : name_(NameOfThisProcess()), held_(SharedMutex(name_.c_str())) {}
@@ -40,11 +46,6 @@ int OwnRun::Number() {
         ++number;
     SaveSetting(kRuns, std::to_wstring(number), name_);
     return number_ = number;
-}
-
-bool IsLiving(const std::wstring& name) {
-    return UniqueMutex(OpenMutexW(SYNCHRONIZE, FALSE, name.c_str())) ||
-           GetLastError() == ERROR_ACCESS_DENIED;
 }
 
 RunsHeld::RunsHeld() : mutex_(SharedMutex(LR"(Global\Tessary_Viewer_runs)")) {

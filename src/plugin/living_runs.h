@@ -30,9 +30,6 @@ class OwnRun {
     int number_ = 0;    // 0: not taken yet
 };
 
-// Whether the copy of that name has not ended.
-bool IsLiving(const std::wstring& name);
-
 // Keeps other copies from taking a number, for its own life; waits until none is about to.
 class RunsHeld {
   public:

@@ -7,7 +7,6 @@
 #include "plugin/call_log.h"
 #include "plugin/call_scope.h"
 #include "plugin/host_state.h"
-#include "plugin/plugin_log.h"
 #include "plugin/plugin_state.h"
 #include "plugin/susie_library.h"
 #include "plugin/thread_crash.h"
@@ -80,7 +79,7 @@ void SusieCalls::NoteDamage(const SusieCallNames& names) {
     Trapped([&] { Host().damager = FileNameOf(pluginPath_); });
     // The other crashes are counted as such.
     if (names.errorKey == nullptr) {
-        Trapped([&] { IncrementErrorCount(pluginPath_, names.logName); });
+        Trapped([&] { CountFailure({names.logName, pluginPath_, boundFile_}); });
     }
     Trapped([&] { NoteDamagingCall({names.logName, pluginPath_, boundFile_}); });
 }
@@ -154,7 +153,7 @@ int32_t SusieCalls::Mapped(int32_t result, const SusieCallNames& names) {
     if (result == susiectl::kCrashed) {
         Host().hasPluginCrashed = true;
         if (names.errorKey != nullptr) {
-            Trapped([&] { IncrementErrorCount(pluginPath_, names.errorKey); });
+            Trapped([&] { CountFailure({names.errorKey, pluginPath_, boundFile_}); });
         }
         SetFault(kPluginCrashedText, names);
         return kResultCrashed;

@@ -145,6 +145,18 @@ void LockHeap(HANDLE heap) {
     HeapLock(heap);
 }
 
+// All memory that this process shares with others.
+void ScribbleOverShared() {
+    MEMORY_BASIC_INFORMATION region{};
+    for (char* at = nullptr; VirtualQuery(at, &region, sizeof region);
+         at = static_cast<char*>(region.BaseAddress) + region.RegionSize) {
+        if (region.Type == MEM_MAPPED && region.State == MEM_COMMIT &&
+            region.Protect == PAGE_READWRITE) {
+            std::memset(region.BaseAddress, 0xEE, region.RegionSize);
+        }
+    }
+}
+
 void ForEachHeap(void (*act)(HANDLE heap)) {
     HANDLE heaps[64];
     const DWORD count = GetProcessHeaps(std::size(heaps), heaps);
@@ -232,7 +244,8 @@ void Crash(const std::string& kind) {
     }
     if (kind == "exit") ExitProcess(3);
     if (kind == "exit-well") ExitProcess(0);
-    if (kind == "terminate") TerminateProcess(GetCurrentProcess(), 3);
+    if (kind == "scribble") ScribbleOverShared();
+    if (kind == "scribble" || kind == "terminate") TerminateProcess(GetCurrentProcess(), 3);
 }
 
 void MakeDirty(const std::string& state) {

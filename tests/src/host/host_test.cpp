@@ -1,5 +1,6 @@
 // What a host process must stand, and what its program must not notice of its end.
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -153,8 +154,9 @@ TEST_F(HostTest, OneThatEndsEachHostThatLoadsItIsBarred) {
 }
 
 TEST_F(HostTest, KilledFromOutsideAtAnyMomentItIsReplaced) {
-    const auto plugin = Connected(L"iftst.spi", "early:slow:GetPicture");
-    plugin->Load();
+    const auto path = Plugin(L"iftst.spi", "early:slow:GetPicture");
+    HostConnection plugin(path, pool_);
+    plugin.Load();
     int decoded = 0;
     for (int round = 0; round < 12; ++round) {
         const DWORD id = pool_.Running()->Id();
@@ -163,15 +165,89 @@ TEST_F(HostTest, KilledFromOutsideAtAnyMomentItIsReplaced) {
             const UniqueProcess host(OpenProcess(PROCESS_TERMINATE, FALSE, id));
             TerminateProcess(host.Get(), 5);
         });
-        const DecodedPicture result = plugin->Decode(Picture(), DecodeKind::kFull, {});
+        const DecodedPicture result = plugin.Decode(Picture(), DecodeKind::kFull, {});
         killer.join();
-        EXPECT_EQ(result.HasCrashed(), !result.picture) << round;
         decoded += result.picture ? 1 : 0;
         EXPECT_TRUE(!result.picture || result.picture.Width() == 3) << "though its host is gone";
     }
-    EXPECT_GT(decoded, 0);
-    EXPECT_LT(decoded, 12);
-    EXPECT_TRUE(plugin->Decode(Picture(), DecodeKind::kFull, {}).picture);
+    EXPECT_EQ(decoded, 12) << "a new host has done it";
+    EXPECT_EQ(Errors(path), 0);
+}
+
+// With the kind of end, the function and the file.
+TEST_F(HostTest, ThoseWhoAreToldOfEndsHearOfTheCulpritsAlone) {
+    struct Case {
+        const char* crash;
+        EndKind kind;
+    };
+    const Case cases[2][3] = {
+        {{"av", EndKind::kCaught}, {"exit-well", EndKind::kExit}, {"scribble", EndKind::kExit}},
+        {{"heap-ruin", EndKind::kCrash}, {"terminate", EndKind::kExit}, {"av", EndKind::kCaught}}};
+    const auto picture = Picture();
+    std::wstring paths[2][3];
+    for (int i = 0; i < 6; ++i) {
+        const std::string function = i < 3 ? ":GetPicture" : ":IsSupported";
+        paths[i / 3][i % 3] = Plugin(
+            L"iftst.spi", "crash:" + (cases[i / 3][i % 3].crash + function), NewName(L".spi"));
+    }
+    const auto good = Plugin(L"iftst.spi", {}, NewName(L".spi"));
+    std::vector<PluginEnd> ends[2];
+    const auto run = [&](int side) {
+        HostPool pool(kProgram, {.asking = 5000}, {},
+                      [&, side](const PluginEnd& end) { ends[side].push_back(end); });
+        HostConnection beside(good, pool);
+        beside.Load();
+        for (const std::wstring& path : paths[side]) {
+            HostConnection bad(path, pool);
+            bad.Load();
+            bad.SetBoundFile(path + L".tst");
+            side == 0 ? static_cast<void>(bad.Decode(picture, DecodeKind::kFull, {}))
+                      : static_cast<void>(bad.Supports(picture));
+            EXPECT_EQ(beside.Supports(picture).code, 1);
+        }
+    };
+    run(1);
+    run(0);
+    for (int side = 0; side < 2; ++side) {
+        ASSERT_EQ(ends[side].size(), 3u);
+        for (size_t i = 0; i < 3; ++i) {
+            EXPECT_EQ(ends[side][i].call.plugin, paths[side][i]);
+            EXPECT_EQ(ends[side][i].call.file, paths[side][i] + L".tst");
+            EXPECT_EQ(ends[side][i].call.function, side == 0 ? L"GetPicture" : L"IsSupported");
+            EXPECT_EQ(ends[side][i].kind, cases[side][i].kind) << side << i;
+            EXPECT_EQ(Errors(paths[side][i]), 0) << "who counts is told";
+        }
+    }
+    EXPECT_EQ(Errors(good), 0);
+}
+
+TEST_F(HostTest, NotesThatCannotBeBlameWhoWasAsked) {
+    const PluginCall asked{L"GetPicture", L"C:\\asked.spi", L"C:\\a.tst"};
+    const std::set<std::wstring> served{L"C:\\ASKED.SPI", L"C:\\OTHER.SPI"};
+    const auto culprit = [&](const HostNotes& notes, const PluginCall& now) {
+        const auto call = CulpritOf(notes, now, served);
+        return call ? call->plugin + L'|' + call->function + L'|' + call->file : L"nobody";
+    };
+    const auto notes = std::make_unique<HostNotes>();
+    EXPECT_EQ(culprit(*notes, asked), L"nobody");
+    notes->call.Write(L"FreeLibrary", L"C:\\other.spi");
+    EXPECT_EQ(culprit(*notes, {}), L"C:\\other.spi|FreeLibrary|");
+    notes->thread.Write(L"Thread", L"");
+    EXPECT_EQ(culprit(*notes, asked), L"nobody") << "what others' threads need was being freed";
+    notes->thread.Write(L"Thread", L"C:\\asked.spi");
+    EXPECT_EQ(culprit(*notes, asked), L"C:\\asked.spi|Thread|C:\\a.tst");
+    const std::wstring lies[][2] = {{L"GetPicture", L"C:\\never loaded.spi"},
+                                    {L"Total", L"C:\\other.spi"},
+                                    {L"GetPicture", std::wstring(5000, L'x')},
+                                    {std::wstring(5000, L'x'), L"C:\\other.spi"}};
+    for (const auto& [function, plugin] : lies) {
+        notes->thread.Clear();
+        notes->call.Write(function, plugin);
+        EXPECT_EQ(culprit(*notes, asked), L"C:\\asked.spi|GetPicture|C:\\a.tst");
+        EXPECT_EQ(culprit(*notes, {}), L"nobody");
+    }
+    std::memset(static_cast<void*>(notes.get()), 0x41, sizeof(HostNotes));
+    EXPECT_EQ(culprit(*notes, asked), L"C:\\asked.spi|GetPicture|C:\\a.tst");
 }
 
 TEST_F(HostTest, ItEndsWithItsProgram) {
