@@ -83,7 +83,8 @@ bool ConvertRun::Run() {
     const DivertedErrors errors([this](const RaisedError& error) {
         if (!ahead_.Disturb()) WriteUnexpected(error);
     });
-    const CallWatch calls([this] { return !IsGivenUp(); });
+    const CallWatch calls(
+        [this](const WaitedCall&) { return IsGivenUp() ? CallWish::kStops : CallWish::kGoesOn; });
     log_.Open(settings_);
     bool goesOn = true;
     int32_t index = 1;

@@ -156,7 +156,9 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
     };
     told.reply = {};
     const DWORD limit = LimitOf(request.operation, served_ == host->Id(), pool_.Limits());
-    const HostEnd end = host->Call(request, limit, progress, told.reply);
+    const bool isUsers = request.operation == HostOperation::kConfigure;
+    const CallWatcher& watcher = isUsers ? CallWatcher() : Host().watcher;
+    const HostEnd end = host->Call(request, limit, progress, watcher, told.reply);
     if (end != HostEnd::kAnswered) return ended(end);
     served_ = host->Id();
     if (told.reply.bytes.handle == 0) return end;
@@ -184,15 +186,11 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     request.sourceName = source.name;
     request.isFile = source.isFile;
     request.tellsProgress = static_cast<bool>(progress);
-    SusieProgress asked = progress;
-    if (!asked && Host().isWanted && request.operation != HostOperation::kConfigure) {
-        asked = [](int, int) { return Host().isWanted(); };
-    }
     Told told;
-    told.end = TryToAsk(request, source, asked, told);
+    told.end = TryToAsk(request, source, progress, told);
     if (IsWorthAnother(request.operation, told.end, told.blame)) {
         told.blame.reset();
-        told.end = TryToAsk(request, source, asked, told);
+        told.end = TryToAsk(request, source, progress, told);
         // Two hosts that were calling nobody have not ended by chance.
         if (!told.blame && IsWorthAnother(request.operation, told.end, {})) {
             const EndKind kind = told.end == HostEnd::kSilent ? EndKind::kSilence : EndKind::kExit;

@@ -7,13 +7,13 @@
 
 #include "app/base/error.h"
 #include "app/base/text.h"
+#include "host/host_patience.h"
 
 namespace tessary {
 namespace {
 
 constexpr DWORD kStartLimit = 10000;  // milliseconds; the first start after the system's is slow
 constexpr DWORD kEndLimit = 1000;     // that the freeing of plug-ins may take
-constexpr DWORD kStopGrace = 300;     // that a plug-in may take to stop
 constexpr DWORD kBeat = 40;           // between two looks at whether to go on
 constexpr DWORD kLongestWait =
     1000;  // in one piece: the system takes windows for hung that are longer silent
@@ -74,6 +74,7 @@ UniqueJob EndingJob() {
 
 struct StartedProcess {
     UniqueProcess process;
+    UniqueThread thread;
     UniqueJob job;
 };
 
@@ -92,8 +93,7 @@ std::optional<StartedProcess> StartWith(const std::wstring& program,
                         nullptr, &start.StartupInfo, &made)) {
         return std::nullopt;
     }
-    StartedProcess started{UniqueProcess(made.hProcess), EndingJob()};
-    const UniqueThread thread(made.hThread);
+    StartedProcess started{UniqueProcess(made.hProcess), UniqueThread(made.hThread), EndingJob()};
     // Before Windows 8 there is none in another's job; the host sees by itself when we end.
     if (started.job) AssignProcessToJobObject(started.job.Get(), made.hProcess);
     ResumeThread(made.hThread);
@@ -105,9 +105,10 @@ std::optional<StartedProcess> StartWith(const std::wstring& program,
 
 }  // namespace
 
-HostProcess::HostProcess(UniqueProcess process, UniqueJob job, ChannelEnd channel,
-                         UniqueEvent request, UniqueEvent answer, HostWait wait)
+HostProcess::HostProcess(UniqueProcess process, UniqueThread thread, UniqueJob job,
+                         ChannelEnd channel, UniqueEvent request, UniqueEvent answer, HostWait wait)
     : process_(std::move(process)),
+      thread_(std::move(thread)),
       job_(std::move(job)),
       channel_(std::move(channel)),
       request_(std::move(request)),
@@ -125,17 +126,18 @@ std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, Hos
         StartWith(program, {page->Handle(), request.Get(), answer.Get(), own.Get()});
     if (!started) return nullptr;
     std::unique_ptr<HostProcess> host(new HostProcess(
-        std::move(started->process), std::move(started->job), ChannelEnd(*std::move(page)),
-        std::move(request), std::move(answer), std::move(wait)));
+        std::move(started->process), std::move(started->thread), std::move(started->job),
+        ChannelEnd(*std::move(page)), std::move(request), std::move(answer), std::move(wait)));
     HostReply reply;
-    return host->Call({}, kStartLimit, {}, reply) == HostEnd::kAnswered ? std::move(host) : nullptr;
+    return host->Call({}, kStartLimit, {}, {}, reply) == HostEnd::kAnswered ? std::move(host)
+                                                                            : nullptr;
 }
 
 HostProcess::~HostProcess() {
     if (isWorn_) End();
     if (!IsAlive()) return;
     HostReply reply;
-    Trapped([&] { Call({.operation = HostOperation::kEnd}, kEndLimit, {}, reply); });
+    Trapped([&] { Call({.operation = HostOperation::kEnd}, kEndLimit, {}, {}, reply); });
     if (WaitForSingleObject(process_.Get(), kEndLimit) == WAIT_TIMEOUT) End();
 }
 
@@ -191,39 +193,49 @@ std::optional<HostReply> HostProcess::TakeReply() const {
 }
 
 HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress& progress,
-                          HostReply& reply) {
+                          const CallWatcher& watcher, HostReply& reply) {
     if (!IsAlive()) return HostEnd::kDied;
     request.returned = sections_->TakeReturned();
     if (!request.plugin.empty()) served_.insert(ToUpper(request.plugin));
+    channel_.PutProgress(0, 0);  // of this call nothing is known
     if (!channel_.Put(ChannelSignal::kRequest, BytesOf(request))) return HostEnd::kRefused;
     Send();
-    DWORD silence = 0;  // what was really waited: not the user's time, nor the computer's sleep
-    bool isStopped = false;
-    for (;;) {
-        const DWORD patience = isStopped ? kStopGrace : limit;
-        if (patience != INFINITE && silence >= patience) {
-            return Ended(isStopped ? HostEnd::kStopped : HostEnd::kSilent);
+    HostPatience patience(request.operation, limit, {process_.Get(), thread_.Get()});
+    const auto watch = [&](bool isBeat) {
+        // The progress is asked each moment where nobody watches.
+        if ((!isBeat || !watcher) && !Goes(progress)) patience.Take(CallWish::kStops);
+        if (watcher && !patience.IsStopped()) {
+            WaitedCall call = patience.Call();
+            call.plugin = request.plugin;
+            call.done = channel_.Done();
+            call.total = channel_.Total();
+            patience.Take(Trapped(CallWish::kStops, [&] { return watcher(call); }));
         }
-        const DWORD slice = std::min(progress ? kBeat : kLongestWait,
-                                     patience == INFINITE ? kLongestWait : patience - silence);
+    };
+    for (;;) {
+        switch (patience.Spent()) {
+            case HostPatience::End::kNone:
+                break;
+            case HostPatience::End::kSilent:
+                return Ended(HostEnd::kSilent);
+            case HostPatience::End::kStopped:
+                return Ended(HostEnd::kStopped);
+        }
+        const DWORD slice = patience.Slice(progress || watcher ? kBeat : kLongestWait);
         const ULONGLONG before = GetTickCount64();
         bool goesOn = true;
         const bool hasSignalled = HasSignalled(slice, limit == INFINITE, goesOn);
-        silence += static_cast<DWORD>(std::min<ULONGLONG>(GetTickCount64() - before, slice));
+        patience.Waited(static_cast<DWORD>(std::min<ULONGLONG>(GetTickCount64() - before, slice)));
         if (!hasSignalled) {
             if (!IsAlive()) return HostEnd::kDied;
-            if (!isStopped && !(goesOn && Goes(progress))) {
-                isStopped = true;
-                silence = 0;
-            }
+            goesOn ? watch(true) : patience.Take(CallWish::kStops);
             continue;
         }
-        // Whoever has been told to stop wins no time by telling how far he is.
-        if (!isStopped) silence = 0;
         switch (channel_.Signal()) {
             case ChannelSignal::kProgress:
-                isStopped = isStopped || !Goes(progress);
-                channel_.PutGoesOn(!isStopped);
+                patience.Tells();
+                watch(false);
+                channel_.PutGoesOn(!patience.IsStopped());
                 Send();
                 break;
             case ChannelSignal::kReply:

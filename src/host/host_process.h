@@ -17,6 +17,7 @@
 #include "host/host_sections.h"
 #include "plugin/plugin_connection.h"
 #include "plugin/plugin_ends.h"
+#include "plugin/waited_call.h"
 
 namespace tessary {
 
@@ -65,10 +66,11 @@ class HostProcess {
     bool IsWorn() const { return isWorn_; }
 
     // Has a request carried out, and waits for the reply. `limit`: without a sign of life, in
-    // milliseconds; INFINITE: the user is waited for. `progress` is asked every moment, whether the
-    // plug-in asks or not, and a plug-in that goes on though it was told to stop is ended soon.
-    // Nothing is thrown but for want of memory.
-    HostEnd Call(HostRequest request, DWORD limit, const SusieProgress& progress, HostReply& reply);
+    // milliseconds; INFINITE: the user is waited for. Whoever watches is asked every moment, where
+    // nobody does `progress`, whether the plug-in asks or not; a plug-in that goes on though it was
+    // told to stop is ended soon. Nothing is thrown but for want of memory.
+    HostEnd Call(HostRequest request, DWORD limit, const SusieProgress& progress,
+                 const CallWatcher& watcher, HostReply& reply);
 
     // Gives the host a handle of a section, to read it or to have a copy of its own.
     uint64_t Lend(const Section& section);
@@ -86,8 +88,8 @@ class HostProcess {
     std::optional<PluginEnd> TakeBlame(HostEnd end, const PluginCall& asked);
 
   private:
-    HostProcess(UniqueProcess process, UniqueJob job, ChannelEnd channel, UniqueEvent request,
-                UniqueEvent answer, HostWait wait);
+    HostProcess(UniqueProcess process, UniqueThread thread, UniqueJob job, ChannelEnd channel,
+                UniqueEvent request, UniqueEvent answer, HostWait wait);
 
     // Hands over what stands in the page.
     void Send();
@@ -99,7 +101,8 @@ class HostProcess {
     HostEnd Ended(HostEnd end);
 
     UniqueProcess process_;
-    UniqueJob job_;  // ends the host when this process ends
+    UniqueThread thread_;  // its first, which calls the plug-ins
+    UniqueJob job_;        // ends the host when this process ends
     ChannelEnd channel_;
     UniqueEvent request_;
     UniqueEvent answer_;

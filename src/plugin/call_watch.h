@@ -1,31 +1,31 @@
 // Whoever waits for plug-ins.
 #pragma once
 
-#include <functional>
 #include <utility>
 
 #include "plugin/host_state.h"
+#include "plugin/waited_call.h"
 
 namespace tessary {
 
-// For its own life calls of plug-ins in processes of their own are given up when nobody wants them
-// any more. `isWanted` is asked every moment while one is waited for, and may let messages run;
-// false stays so.
+// For its own life `watcher` is asked every moment while a plug-in in a process of its own is
+// waited for, and each time when that tells how far it is. It may let messages run. kStops stays so
+// until the call's end.
 class CallWatch {
   public:
-    explicit CallWatch(std::function<bool()> isWanted)
-        : outer_(std::exchange(Host().isWanted, std::move(isWanted))) {}
+    explicit CallWatch(CallWatcher watcher)
+        : outer_(std::exchange(Host().watcher, std::move(watcher))) {}
     CallWatch(const CallWatch&) = delete;
     CallWatch& operator=(const CallWatch&) = delete;
-    ~CallWatch() { Host().isWanted = std::move(outer_); }
+    ~CallWatch() { Host().watcher = std::move(outer_); }
 
   private:
-    std::function<bool()> outer_;
+    CallWatcher outer_;
 };
 
-// What the innermost one says; without any, it is.
+// What the innermost one says of a call that does well; without any, it is wanted.
 inline bool IsCallWanted() {
-    return !Host().isWanted || Host().isWanted();
+    return !Host().watcher || Host().watcher({}) != CallWish::kStops;
 }
 
 }  // namespace tessary

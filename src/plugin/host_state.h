@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "app/settings/settings_store.h"
 #include "plugin/living_runs.h"
 #include "plugin/plugin_connection.h"
+#include "plugin/waited_call.h"
 
 namespace tessary {
 
@@ -26,8 +26,8 @@ struct HostState {
     // Makes the connections to plug-ins; empty: they are in this process.
     PluginConnector connector;
 
-    // Whether what is asked of plug-ins is still wanted (call_watch.h); empty: it is.
-    std::function<bool()> isWanted;
+    // Who waits for what is asked of plug-ins (call_watch.h); empty: nobody in particular.
+    CallWatcher watcher;
 
     // This copy among those that run.
     OwnRun run;

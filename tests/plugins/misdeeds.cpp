@@ -272,6 +272,9 @@ void MakeDirty(const std::string& state) {
         CloseHandle(CreateThread(nullptr, 0, WorkForAWhile, nullptr, 0, nullptr));
     if (state == "quit") PostQuitMessage(9);
     if (state == "slow") Sleep(50);
+    if (state == "sleep") Sleep(INFINITE);
+    while (state == "loop")
+        asm volatile("");
     if (state == "heap-lock") ForEachHeap(LockHeap);
     ULONG_PTR cookie = 0;
     if (state == "activation-context") ActivateActCtx(nullptr, &cookie);

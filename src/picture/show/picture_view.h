@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include "plugin/waited_call.h"
+
 namespace tessary {
 
 // Status bar panels, as users count them.
@@ -34,6 +36,13 @@ class PictureView {
     // Lets the message loop run for a moment in the middle of a long read, so that the window stays
     // alive. False asks the read to stop.
     virtual bool Breathe() = 0;
+
+    // Asked every moment while a plug-in in a process of its own is waited for; lets the message
+    // loop run. kStops is meant for this call, and for what is being shown.
+    virtual CallWish AwaitsCall(const WaitedCall& call) {
+        TellProgress(call.done, call.total);
+        return Breathe() ? CallWish::kGoesOn : CallWish::kStops;
+    }
 
     // Told how far a read is, `done` of `total` in any unit; the total is 0 when nobody knows.
     virtual void TellProgress(int /*done*/, int /*total*/) {}

@@ -92,8 +92,11 @@ class ViewWatch {
   private:
     PictureView& view_;
     bool stopped_ = false;
-    // Of calls that plug-ins tell nothing about, too.
-    CallWatch calls_{[this] { return GoesOn(0, 0); }};
+    CallWatch calls_{[this](const WaitedCall& call) {
+        const CallWish wish = view_.AwaitsCall(call);
+        stopped_ = stopped_ || wish == CallWish::kStops;
+        return stopped_ ? CallWish::kStops : wish;
+    }};
 };
 
 // Says so, for as long as it holds: with what is not shown, and in the status bar.

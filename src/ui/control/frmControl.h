@@ -67,6 +67,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     bool IsPlaying() const override { return player_.IsPlaying(); }
     void WishCommand(int command) override;
     bool AwaitsFile() const override;
+    Urge UrgeForElse() const override;
     bool HasFiles() const override { return !sequence_.Files().IsEmpty(); }
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
@@ -133,6 +134,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     // --- Stepping, and what is asked for meanwhile (frmControl_wishes.cpp) ---
     bool MoveBy(int steps, bool inArchive);
     bool IsLoading() const { return window_.IsReading(); }
+    bool LeadsElsewhere(int steps) const;
     void WishStep(int step);
     void WishMark();
     void WishIsThere();

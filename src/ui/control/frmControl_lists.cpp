@@ -42,7 +42,7 @@ bool IsPlainFile(const std::wstring& path) {
 
 frmControl::Busy::Busy(frmControl& bar, const wchar_t* what) : bar_(bar), focused_(GetFocus()) {
     reading_.emplace(bar.window_, what);
-    ++bar_.busy_;
+    if (bar_.busy_++ == 0) bar_.wishes_.isMotion = false;
     if (bar_.burst_ != nullptr) return;
     if (!bar_.player_.IsPlaying()) pointer_.emplace();
 }
@@ -180,7 +180,7 @@ void frmControl::listFileName_Click() {
     if (IsLoading()) {
         const FileSequence::FileEntries& files = sequence_.Files();
         const bool isThatOne = files.Cursor() >= 0 && files.Current() == loadingPath_;
-        wishes_.Click(true, !isThatOne);
+        wishes_.Click(true, !isThatOne, keyRepeats_);
         return WishIsThere();
     }
     if (IsReadUnderWay()) return;
@@ -262,7 +262,7 @@ void frmControl::listArchiveFile_Click() {
         // The members are those of the file that is being viewed, whatever was clicked since.
         FileSequence::FileEntries& files = sequence_.Files();
         if (wishes_.file) files.SetCursor(files.IndexOf(sequence_.Archive()));
-        wishes_.Click(false, true);
+        wishes_.Click(false, true, keyRepeats_);
         return WishIsThere();
     }
     if (IsReadUnderWay()) return;

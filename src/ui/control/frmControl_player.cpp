@@ -93,6 +93,7 @@ bool frmControl::BecomesWish(BarButton button) {
 
 void frmControl::StartMotion(BarButton motion) {
     wishes_.steps = 0;  // its steps would end the motion
+    wishes_.isMotion = IsLoading();
     player_.Start(motion);
     UpdateToolbar();
     if (motion != BarButton::kRewind || !sequence_.IsInArchive() || IsLoading()) return;
@@ -116,7 +117,7 @@ void frmControl::EndMotion() {
     if (!wasFast || !passedBy_ || wishes_.Moves()) return;
     FileSequence::FileEntries& files = sequence_.Files();
     if (files.Cursor() < 0) files.SetCursor(files.IndexOf(shownPath_));
-    wishes_.Click(true, true);
+    wishes_.Click(true, true, false);
     WishIsThere();
 }
 

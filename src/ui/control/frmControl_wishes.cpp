@@ -20,6 +20,19 @@ constexpr int kFilesPerNews = 20;
 
 constexpr wchar_t kSearching[] = L"画像を探しています";
 
+// Whether a command does something with the picture that is shown.
+bool IsOfPicture(int command) {
+    switch (command) {
+        case menuFileSaveAs:
+        case menuEditCopy:
+        case menuViewWallpaperCenter:
+        case menuViewWallpaperTile:
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 // --- Stepping ---
@@ -81,6 +94,26 @@ bool frmControl::AwaitsFile() const {
     const bool stays =
         wishes_.steps == 0 || (wishes_.steps > 0 && sequence_.Files().IsCursorAtEnd());
     return !player_.IsFast() && !wishes_.file && !wishes_.member && stays;
+}
+
+bool frmControl::LeadsElsewhere(int steps) const {
+    const auto& members = sequence_.Members();
+    const auto& files = sequence_.Files();
+    if (steps < 0) return files.Cursor() > 0 || (sequence_.IsInArchive() && members.Cursor() > 0);
+    return steps > 0 &&
+           !(files.IsCursorAtEnd() && (!sequence_.IsInArchive() || members.IsCursorAtEnd()));
+}
+
+// A file that is to be collected for deletion is another one, and what is done with a picture needs
+// the one that is being loaded.
+Urge frmControl::UrgeForElse() const {
+    const bool goes = wishes_.file || wishes_.member || LeadsElsewhere(wishes_.steps);
+    const bool isOther = wishes_.command != 0 && !IsOfPicture(wishes_.command);
+    if ((goes && wishes_.isFresh) || isOther || wishes_.deletion || wishes_.isMotion ||
+        player_.IsFast()) {
+        return Urge::kStrong;
+    }
+    return goes || wishes_.command != 0 || !wishes_.marks.empty() ? Urge::kSome : Urge::kNone;
 }
 
 void frmControl::WishStep(int step) {

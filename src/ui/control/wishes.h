@@ -16,14 +16,17 @@ struct Wishes {
     bool deletion = false;            // of the collected files, from the disk
     int command = 0;                  // of the main window, to be run last; 0: none
     std::vector<std::wstring> marks;  // paths to be collected for deletion
+    bool isFresh = false;   // some of it was asked for by more than a key that is held down
+    bool isMotion = false;  // a motion was started during the load
 
     bool Any() const { return Moves() || command != 0 || deletion || !marks.empty(); }
     bool Moves() const { return file || member || steps != 0; }
 
     // An entry of a list was clicked; not `really` when that is the one being loaded already.
-    void Click(bool isFile, bool really) {
+    void Click(bool isFile, bool really, bool repeated) {
         ForgetMoves();
         (isFile ? file : member) = really;
+        isFresh = !repeated;
     }
 
     // A step of 1 or -1. A key that is being held down leads no further than one entry: nobody
@@ -31,6 +34,7 @@ struct Wishes {
     void Step(int step, bool repeated) {
         command = 0;
         if (!repeated || steps * step <= 0) steps += step;
+        isFresh = isFresh || !repeated;
     }
 
     void Run(int wanted) { command = wanted; }
@@ -40,7 +44,7 @@ struct Wishes {
     }
 
     void ForgetMoves() {
-        file = member = false;
+        file = member = isFresh = false;
         steps = command = 0;
     }
 };

@@ -27,6 +27,13 @@ enum class BarButton {
 // Where the keyboard comes to in the control bar: where it was last, or at an end of its parts.
 enum class BarFocus { kFormer, kFirst, kLast };
 
+// How much the user wants something else than what is being loaded.
+enum class Urge {
+    kNone,
+    kSome,    // he holds a key down, or has asked for something that is done behind the load
+    kStrong,  // he has just asked for something else
+};
+
 class ControlBar {
   public:
     // Replaces the list of files being viewed and shows the first; false when nothing was added.
@@ -62,6 +69,7 @@ class ControlBar {
     // Whether the user waits for the file that is being shown: neither does a fast motion only pass
     // it, nor has he asked for another one meanwhile.
     virtual bool AwaitsFile() const { return true; }
+    virtual Urge UrgeForElse() const { return Urge::kNone; }
 
     virtual bool IsVisible() const = 0;
     virtual void SetVisible(bool visible) = 0;

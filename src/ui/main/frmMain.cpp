@@ -36,7 +36,11 @@ frmMain::frmMain(MainWindowServices services)
       services_(std::move(services)),
       accelerators_(
           acceleratorsMainWindow, [this] { return Handle(); },
-          [this](const MSG& key) { return GetAncestor(key.hwnd, GA_ROOT) == Handle(); }) {
+          [this](const MSG& key) {
+              const bool isButtons =
+                  silence_.HasFocus() && (key.wParam == VK_RETURN || key.wParam == VK_SPACE);
+              return GetAncestor(key.hwnd, GA_ROOT) == Handle() && !isButtons;
+          }) {
     RegisterCommands();
 }
 
@@ -89,6 +93,16 @@ void frmMain::Form_Load() {
 
 void frmMain::CreateControls() {
     statusInformation_.Create(Handle());
+    silence_.Create(
+        Handle(),
+        [this] {
+            const SIZE size = ClientSize();
+            Form_Resize(size.cx, size.cy);
+        },
+        [this](bool back) {
+            if (back || controlBar_ == nullptr) return TakeFocus();
+            controlBar_->TakeFocus(BarFocus::kFirst);
+        });
     pictureView_.Create(
         Handle(),
         {.keyDown = [this](int keyCode, int shift) { pictureView_KeyDown(keyCode, shift); },
@@ -168,6 +182,7 @@ SIZE frmMain::MinimumSize() const {
 std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SETCURSOR:
+            if (silence_.Holds(reinterpret_cast<HWND>(wParam))) return std::nullopt;
             // A disabled window is told HTERROR wherever the pointer is.
             if (!IsReadUnderWay() ||
                 (LOWORD(lParam) != HTCLIENT && LOWORD(lParam) != static_cast<WORD>(HTERROR))) {
@@ -261,8 +276,9 @@ void frmMain::Form_Terminate() {
 
 void frmMain::Form_Resize(int width, int height) {
     if (pictureView_.Handle() == nullptr) return;
-    const int statusHeight = fullScreen_.IsOn() ? 0 : statusInformation_.Layout();
-    pictureView_.SetBounds(0, 0, width, std::max(height - statusHeight, 0));
+    int bottom = height - (fullScreen_.IsOn() ? 0 : statusInformation_.Layout());
+    bottom -= silence_.Layout(width, bottom);
+    pictureView_.SetBounds(0, 0, width, std::max(bottom, 0));
     scroller_.AreaChanged();
 }
 
@@ -304,6 +320,7 @@ void frmMain::pictureView_KeyDown(int keyCode, int shift) {
         case VK_RETURN:
             return Step((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
         case VK_TAB:
+            if ((shift & kShiftMask) == 0 && silence_.MoveFocus(false)) return;
             if (controlBar_ == nullptr) return;
             return controlBar_->TakeFocus((shift & kShiftMask) != 0 ? BarFocus::kLast
                                                                     : BarFocus::kFirst);

@@ -10,6 +10,7 @@
 #include "app/base/call_user.h"
 #include "app/base/command_line.h"
 #include "picture/show/picture_view.h"
+#include "plugin/call_watch.h"
 #include "res/resource.h"
 #include "ui/form/accelerators.h"
 #include "ui/form/activity.h"
@@ -25,6 +26,7 @@
 #include "ui/main/picture_popup.h"
 #include "ui/main/picture_scroller.h"
 #include "ui/main/resting_pointer.h"
+#include "ui/main/silence_bar.h"
 
 namespace tessary {
 
@@ -98,6 +100,7 @@ class frmMain final : public Form, public PictureView {
         frmMain& window_;
         ReadUnderWay underWay_;
         MessageFilter escape_;
+        CallWatch calls_;
     };
 
     // Asks what is being read to stop; nothing when there is no Reading.
@@ -152,6 +155,8 @@ class frmMain final : public Form, public PictureView {
     void ShowReason(const std::wstring& reason) override;
     void SetPanelText(int panel, const std::wstring& text) override;
     bool Breathe() override;
+    // Of a Reading. Whether the user steps on, and what he says to a plug-in that does not answer.
+    CallWish AwaitsCall(const WaitedCall& call) override;
     void TellProgress(int done, int total) override;  // of a Reading
     void TellFetching(int done, int total) override;  // the same
     bool AwaitsFile() const override;
@@ -203,6 +208,8 @@ class frmMain final : public Form, public PictureView {
 
     // --- Long reads (frmMain_reading.cpp) ---
     void TellReading(const wchar_t* what, int done, int total);
+    Urge UrgeForElse() const;
+    CallWish AskAboutSilence(const WaitedCall& call);
     // Whether there is a Reading that was not asked to stop long ago, without hearing of it.
     bool TakesStop() const;
     // The one read under way.
@@ -230,6 +237,7 @@ class frmMain final : public Form, public PictureView {
     PictureBox pictureView_;
     PictureScroller scroller_{pictureView_};
     StatusBar statusInformation_;
+    SilenceBar silence_;
     FullScreen fullScreen_;
     RestingPointer restingPointer_;
     bool barComesBack_ = false;  // behind the full screen

@@ -18,6 +18,7 @@ void frmMain::RegisterFullScreenCommands() {
 // One thing at a time, the nearest one first; with the full screen a show ends too. A read that
 // does not stop keeps nobody on the full screen.
 void frmMain::Escape() {
+    if (silence_.IsAsking()) return silence_.Say(SilenceBar::Answer::kGiveUp);
     const bool playing = controlBar_ != nullptr && controlBar_->IsPlaying();
     const bool stopsRead = fullScreen_.IsOn() ? TakesStop() : IsReadUnderWay();
     if (playing || stopsRead) commands_.Run(menuControl_2);

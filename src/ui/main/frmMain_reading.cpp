@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "plugin/modSusie.h"
 #include "ui/form/activity.h"
 #include "ui/main/frmMain.h"
 
@@ -26,10 +27,33 @@ std::wstring PercentText(int done, int total) {
     return L' ' + std::to_wstring(std::clamp<int64_t>(percent, 0, 100)) + L'%';
 }
 
+// What a user who wants something else leaves a plug-in, in milliseconds: one that does nothing,
+// one that works and could tell how far it is, and any other.
+constexpr DWORD kIdleStrong = 1000;
+constexpr DWORD kIdleSome = 2000;
+constexpr DWORD kSilence = 2000;
+constexpr DWORD kAge = 5000;
+
+// Whether it is given up for that. Who holds the key down wants to see what comes in between.
+bool IsPassedBy(const WaitedCall& call, Urge urge) {
+    switch (urge) {
+        case Urge::kNone:
+            return false;
+        case Urge::kSome:
+            return call.isOverdue || call.idle >= kIdleSome;
+        case Urge::kStrong:
+            return call.isOverdue || call.idle >= kIdleStrong || call.age >= kAge ||
+                   (call.mayTell && call.silence >= kSilence);
+    }
+    return false;
+}
+
 }  // namespace
 
 frmMain::Reading::Reading(frmMain& window, const wchar_t* what)
-    : window_(window), escape_([this](const MSG& message) { return TakesEscape(message); }) {
+    : window_(window),
+      escape_([this](const MSG& message) { return TakesEscape(message); }),
+      calls_([&window](const WaitedCall& call) { return window.AwaitsCall(call); }) {
     ReadState& state = window_.reading_;
     if (state.depth++ == 0) {
         state.what = what;
@@ -44,6 +68,7 @@ frmMain::Reading::~Reading() {
     ReadState& state = window_.reading_;
     if (state.depth == 1) window_.Breathe();
     if (--state.depth > 0) return;
+    window_.silence_.Hide();
     const std::optional<std::wstring> covered = std::exchange(state.covered, {});
     if (covered) window_.SetPanelText(kNoticePanel, *covered);
     if (window_.filesToOpen_) PostMessageW(window_.Handle(), kOpenFilesMessage, 0, 0);
@@ -85,6 +110,36 @@ void frmMain::TellReading(const wchar_t* what, int done, int total) {
     if (!IsReadingLong()) return;
     if (!reading_.covered) reading_.covered = statusInformation_.PanelText(kNoticePanel);
     statusInformation_.SetPanelText(kNoticePanel, what + PercentText(done, total) + kHowToStop);
+}
+
+CallWish frmMain::AwaitsCall(const WaitedCall& call) {
+    TellProgress(call.done, call.total);
+    if (!Breathe()) return CallWish::kStops;
+    const Urge urge = UrgeForElse();
+    if (IsPassedBy(call, urge)) return CallWish::kStops;
+    if (call.isOverdue) return AskAboutSilence(call);
+    silence_.Hide();
+    return CallWish::kGoesOn;
+}
+
+// A show has nobody who would answer, nor has a window behind a dialog.
+CallWish frmMain::AskAboutSilence(const WaitedCall& call) {
+    const bool isShow = controlBar_ != nullptr && controlBar_->IsPlaying();
+    if (isShow || !IsWindowEnabled(Handle())) {
+        silence_.Hide();
+        return CallWish::kGoesOn;
+    }
+    restingPointer_.Wake();
+    silence_.Ask(SusieCollection().NameOf(std::wstring(call.plugin)));
+    const SilenceBar::Answer answer = silence_.TakeAnswer();
+    if (answer == SilenceBar::Answer::kNone) return CallWish::kAsksUser;
+    silence_.Hide();
+    return answer == SilenceBar::Answer::kWait ? CallWish::kMoreTime : CallWish::kGivenUp;
+}
+
+Urge frmMain::UrgeForElse() const {
+    if (filesToOpen_) return Urge::kStrong;
+    return controlBar_ == nullptr ? Urge::kNone : controlBar_->UrgeForElse();
 }
 
 bool frmMain::AwaitsFile() const {

@@ -48,7 +48,8 @@ bool HasPluginOf(const std::wstring& folder) {
 }  // namespace
 
 OptionCommands::OptionCommands(frmMain& window) : window_(window) {
-    const auto noCall = [] { return !PluginCallUnderWay(); };
+    // During a load they are put off.
+    const auto noCall = [] { return !PluginCallUnderWay() || IsReadUnderWay(); };
     const auto add = [&](int item, std::function<void()> run) {
         window_.Commands().Register(item, {.run = std::move(run), .enabled = noCall});
     };

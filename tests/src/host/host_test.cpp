@@ -120,9 +120,46 @@ TEST_F(HostTest, WhatNobodyWantsAnyMoreIsGivenUp) {
     const auto path = Plugin(L"axtsa.spi", "dirty:question:GetArchiveInfo");
     HostConnection plugin(path, pool_);
     plugin.Load();
-    const CallWatch nobody([] { return false; });
+    const CallWatch nobody([](const WaitedCall&) { return CallWish::kStops; });
     EXPECT_EQ(plugin.List(Archive()).code, susie::kAborted);
     EXPECT_EQ(Errors(path), 0);
+}
+
+// What is said of a plug-in that is overdue, how many limits that leaves it, and whether it counts.
+TEST_F(HostTest, WhoeverWaitsSaysWhatBecomesOfOneThatIsOverdue) {
+    constexpr DWORD kLimit = 400;
+    HostPool pool{kProgram, {.asking = kLimit, .working = kLimit}};
+    struct Case {
+        const char* script;
+        CallWish first, then;
+        DWORD limits;
+    };
+    for (const Case& c : {Case{"early:sleep:GetPicture", CallWish::kGoesOn, CallWish::kGoesOn, 1},
+                          {"early:sleep:GetPicture", CallWish::kAsksUser, CallWish::kAsksUser, 2},
+                          {"early:loop:GetPicture", CallWish::kAsksUser, CallWish::kGivenUp, 1},
+                          {"early:loop:GetPicture", CallWish::kMoreTime, CallWish::kStops, 2},
+                          {"early:loop:GetArchiveInfo", CallWish::kGoesOn, CallWish::kGoesOn, 6}}) {
+        const auto path = Plugin(L"picture_and_archive.spi", c.script, NewName(L".spi"));
+        HostConnection plugin(path, pool);
+        plugin.Load();
+        int asked = 0;
+        DWORD idle = 0;
+        const CallWatch watch([&](const WaitedCall& call) {
+            EXPECT_EQ(call.plugin, path);
+            idle = call.idle;
+            return !call.isOverdue ? CallWish::kGoesOn : asked++ == 0 ? c.first : c.then;
+        });
+        const bool isListing = c.limits == 6;
+        const ULONGLONG begin = GetTickCount64();
+        const PluginAnswer answer =
+            isListing ? PluginAnswer(plugin.List(Archive()))
+                      : PluginAnswer(plugin.Decode(Picture(), DecodeKind::kFull, {}));
+        const auto limits = (GetTickCount64() - begin) / kLimit;
+        EXPECT_EQ(limits, c.limits) << c.script << asked;
+        EXPECT_EQ(answer.end, ProcessEnd::kSilent) << c.script << asked;
+        EXPECT_EQ(Errors(path), 1) << c.script << asked;
+        EXPECT_EQ(idle > 200, std::string_view(c.script).find("sleep") != std::string::npos);
+    }
 }
 
 // A menu that stays open, a question that waits for its answer.

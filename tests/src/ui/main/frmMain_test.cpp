@@ -123,6 +123,79 @@ TEST_F(ReadingTest, IsToldWhenItTakesLongAndStopsAtEscape) {
     EXPECT_EQ(SendMessageW(window_.statusInformation().Handle(), SB_GETPARTS, 0, 0), 2);
 }
 
+TEST_F(ReadingTest, AsksAboutAPluginThatIsOverdue) {
+    Load(400);
+    ShowWindow(window_.Handle(), SW_SHOWNORMAL);
+    const WaitedCall overdue{.plugin = LR"(C:\x\iftst.spi)", .isOverdue = true};
+    const auto button = [&](const wchar_t* caption) {
+        return FindWindowExW(window_.Handle(), nullptr, L"BUTTON", caption);
+    };
+    const auto press = [&](HWND part, UINT message, WPARAM key) {
+        PostMessageW(part, message, key, 0);
+        Sleep(40);
+    };
+    const auto isAsked = [&] { return IsWindowVisible(button(L"待つ(&W)")) && View().cy < 240; };
+    std::optional<frmMain::Reading> reading(std::in_place, window_, L"読み込んでいます");
+    const HWND view = window_.pictureView().Handle();
+    window_.TakeFocus();
+    struct Case {
+        HWND part;
+        UINT message;
+        WPARAM key;
+        CallWish wish;
+    };
+    for (const Case& c : {Case{button(L"待つ(&W)"), BM_CLICK, 0, CallWish::kMoreTime},
+                          {button(L"中止(Esc)"), BM_CLICK, 0, CallWish::kGivenUp},
+                          {view, WM_SYSCHAR, 'w', CallWish::kMoreTime},
+                          {view, WM_KEYDOWN, VK_ESCAPE, CallWish::kGivenUp},
+                          {button(L"待つ(&W)"), WM_KEYDOWN, VK_RETURN, CallWish::kMoreTime}}) {
+        EXPECT_EQ(window_.AwaitsCall(overdue), CallWish::kAsksUser);
+        EXPECT_TRUE(isAsked());
+        EXPECT_EQ(GetFocus(), view) << "the keys stay where they were";
+        if (c.message == WM_KEYDOWN && c.key == VK_RETURN) press(view, WM_KEYDOWN, VK_TAB);
+        window_.AwaitsCall(overdue);
+        press(c.part, c.message, c.key);
+        EXPECT_EQ(window_.AwaitsCall(overdue), c.wish) << c.message << ' ' << c.key;
+        EXPECT_FALSE(isAsked());
+    }
+    EXPECT_TRUE(controlBar_.pressed.empty());
+    EXPECT_TRUE(window_.Breathe()) << "nothing of it stops the load";
+    controlBar_.playing = true;
+    EXPECT_EQ(window_.AwaitsCall(overdue), CallWish::kGoesOn) << "a show has nobody who answers";
+    controlBar_.playing = false;
+    EXPECT_EQ(window_.AwaitsCall(overdue), CallWish::kAsksUser);
+    EXPECT_EQ(window_.AwaitsCall({}), CallWish::kGoesOn) << "it has answered";
+    EXPECT_FALSE(isAsked());
+    EXPECT_EQ(window_.AwaitsCall(overdue), CallWish::kAsksUser);
+    reading.reset();
+    EXPECT_FALSE(isAsked());
+}
+
+// What somebody who steps on leaves a plug-in.
+TEST_F(ReadingTest, OneThatHangsIsGivenUpForWhatTheUserWantsInstead) {
+    Load();
+    const frmMain::Reading reading(window_, L"読み込んでいます");
+    const WaitedCall working{.age = 3000, .silence = 3000, .mayTell = true};
+    const WaitedCall waiting{.age = 1500, .silence = 1500, .idle = 1500, .mayTell = true};
+    const WaitedCall listing{.age = 3000, .silence = 3000};
+    const WaitedCall telling{.age = 9000, .mayTell = true};
+    for (const auto& [call, some, strong] :
+         {std::tuple{WaitedCall{.age = 900, .silence = 900, .idle = 900, .mayTell = true}, 0, 0},
+          {working, 0, 1},
+          {waiting, 0, 1},
+          {listing, 0, 0},
+          {telling, 0, 1},
+          {WaitedCall{.idle = 2500}, 1, 1},
+          {WaitedCall{.isOverdue = true}, 1, 1}}) {
+        for (const auto& [urge, stops] :
+             {std::pair{Urge::kNone, 0}, {Urge::kSome, some}, {Urge::kStrong, strong}}) {
+            controlBar_.urge = urge;
+            EXPECT_EQ(window_.AwaitsCall(call) == CallWish::kStops, stops != 0)
+                << call.age << ' ' << static_cast<int>(urge);
+        }
+    }
+}
+
 TEST_F(CloseTest, WaitsForTheLoadAndPutsEverythingBack) {
     Load();
     ShowPicture(20, 20);

@@ -26,6 +26,7 @@ class RecordingControlBar final : public ControlBar {
     void Press(BarButton button) override { pressed.push_back(static_cast<int>(button)); }
     bool IsPlaying() const override { return playing; }
     void WishCommand(int command) override { wishes.push_back(command); }
+    Urge UrgeForElse() const override { return urge; }
     bool IsVisible() const override { return visible; }
     void SetVisible(bool show) override { visible = show; }
     void TakeFocus(BarFocus) override {}
@@ -44,6 +45,7 @@ class RecordingControlBar final : public ControlBar {
     std::vector<std::wstring> files;
     std::wstring failure;
     bool playing = false;
+    Urge urge = Urge::kNone;
     bool visible = false;
     std::function<void()> onSetFileList;
 };
