@@ -1,5 +1,4 @@
 #include "plugin/CollectionSusie.h"
-#include "helpers/susiectl/susiectl.h"
 
 #include <algorithm>
 
@@ -7,15 +6,8 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "plugin/plugin_log.h"
-#include "plugin/renamed_plugin.h"
 
 namespace tessary {
-namespace {
-
-// From this many plug-ins on none is kept loaded.
-constexpr int32_t kDynamicLoadCount = 51;
-
-}  // namespace
 
 CollectionSusie::CollectionSusie() {
     if (!CanCallPlugins()) ShowMessageBox(L"SUSIECTL.DLL が見つかりません");
@@ -61,6 +53,7 @@ void CollectionSusie::RemoveAll() {
     order_.members.clear();
     leftOut_.clear();
     skipped_.clear();
+    memory_.reset();
     ForgetSearches();
 }
 
@@ -71,34 +64,19 @@ int32_t CollectionSusie::Compact() {
     return Count();
 }
 
-std::vector<std::wstring> CollectionSusie::PluginFiles(const std::wstring& folder) {
-    return FilesInFolder(folder, L"*.spi");
-}
-
-int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder, const ScanStep& step) {
-    // What has been damaged in this run is for the next one to find.
-    if (PluginCallUnderWay() || PluginsAreStopped()) return Count();
-    for (PluginCall& call : RecoverInterruptedCalls()) {
-        if (call.WhileLoading()) skipped_.insert(ToUpper(call.plugin));
-        interruptedCalls_.push_back(std::move(call));
-    }
-    if (!CanCallPlugins() || !IsFolder(folder)) return Count();
-    int32_t count = Count();
-    for (const std::wstring& path : PluginFiles(folder)) {
-        if (PluginsAreStopped() || (step && !step(path))) {
-            NoteLeftOut(path, LeftOutReason::kWaiting);
-            continue;
-        }
-        AddSPI(path);
-        if (++count >= kDynamicLoadCount && !dynamicLoad_) SetDynamicLoad(true);
-    }
-    return Count();
-}
-
-std::unique_ptr<clsSusie> CollectionSusie::MakeMember() const {
+std::unique_ptr<clsSusie> CollectionSusie::MakeMember() {
     auto made = std::make_unique<clsSusie>();
     made->SetAutoUnload(dynamicLoad_);
     made->SetCheckMode(!order_.tryAll);
+    if (memory_) {
+        made->OnTold([this](const clsSusie& plugin, bool isGood) {
+            if (isGood) {
+                memory_->Update(plugin.DllName(), plugin.Traits());
+            } else {
+                memory_->Forget(plugin.DllName());
+            }
+        });
+    }
     return made;
 }
 
@@ -117,59 +95,6 @@ void CollectionSusie::AddKnown(const std::vector<KnownPlugin>& plugins) {
         order_.members.push_back(std::move(added));
     }
     ForgetSearches();
-}
-
-void CollectionSusie::AddSPI(const std::wstring& path) {
-    if (PluginCallUnderWay() || Item(FullPathOf(path)) != nullptr) return;
-    std::unique_ptr<clsSusie> added = MakeMember();
-    uint32_t loadError = 0;
-    const std::optional<LeftOutReason> refusal = LoadPlugin(*added, path, loadError);
-    NoteLeftOut(path, refusal, loadError);
-    order_.members.insert(order_.members.begin() + InsertionIndex(added->ErrorCount({})),
-                          std::move(added));
-    ForgetSearches();
-}
-
-// Whatever the store refuses to tell or to note, a plug-in that works is loaded.
-std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added, const std::wstring& path,
-                                                         uint32_t& loadError) {
-    const std::wstring plugin = FullPathOf(path);
-    // A replaced file must not be judged by the failures of the one before.
-    const bool isNew = Trapped(false, [&] { return CheckFileDate(plugin); });
-    if (Trapped(false, [&] { return KeepsEndingTheProgram(plugin); })) {
-        return LeftOutReason::kBarred;
-    }
-    const auto isSkipped = [&](const std::wstring& name) {
-        return skipped_.contains(ToUpper(name));
-    };
-    if (!isNew && (isSkipped(plugin) || isSkipped(FileNameOf(plugin)))) {
-        return LeftOutReason::kSkipped;
-    }
-    std::optional<LeftOutReason> refusal;
-    try {
-        added.SetDllName(path);
-        if (IsRenamedPlugin(path, added.ProductName())) {
-            refusal = LeftOutReason::kRenamed;
-            added.SetDllName({});  // raises, when it has let go of it
-        }
-    } catch (const RefusedPluginError& error) {
-        loadError = error.LoadError();
-        refusal = error.IsLoadable() ? LeftOutReason::kNoPlugin : WhyNotLoaded(path, loadError);
-    } catch (...) {
-        if (!refusal) refusal = LeftOutReason::kNotLoadable;
-    }
-    if (PluginsAreStopped()) return refusal;
-    // One that was refused has not ended the program either, but perhaps a process of its own.
-    if (loadError != susiectl::kErrorCrashed) Trapped([&] { NoteLoaded(plugin); });
-    return refusal;
-}
-
-void CollectionSusie::NoteLeftOut(const std::wstring& path, std::optional<LeftOutReason> reason,
-                                  uint32_t loadError) {
-    std::wstring full = FullPathOf(path);
-    std::erase_if(leftOut_, [&](const auto& one) { return EqualsIgnoreCase(one.path, full); });
-    // A file in two of the folders may be there already.
-    if (reason && Item(full) == nullptr) leftOut_.push_back({std::move(full), *reason, loadError});
 }
 
 bool CollectionSusie::IsIncomplete() const {

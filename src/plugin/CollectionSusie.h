@@ -19,6 +19,7 @@
 #include "plugin/clsSusie.h"
 #include "plugin/file_stamp.h"
 #include "plugin/left_out_plugin.h"
+#include "plugin/plugin_memory.h"
 #include "plugin/search.h"
 
 namespace tessary {
@@ -27,6 +28,13 @@ namespace tessary {
 struct KnownPlugin {
     std::wstring path;
     PluginTraits traits;
+};
+
+// Whom a loading asks what it is.
+enum class Asking {
+    kAll,
+    kUnknown,  // those of which nothing is remembered (plugin_memory.h), or no longer so
+    kNobody,   // and those wait (kWaiting)
 };
 
 class CollectionSusie {
@@ -60,6 +68,14 @@ class CollectionSusie {
 
     // The plug-in files (`*.spi`) of a folder, as full paths in listing order.
     static std::vector<std::wstring> PluginFiles(const std::wstring& folder);
+
+    // From the next BeginLoading on, what plug-ins tell about themselves is remembered
+    // (plugin_memory.h).
+    void RememberPlugins() { isRemembering_ = true; }
+    // Which plug-ins the following AddSPI and scans ask (all, as long as nothing is remembered);
+    // and that they have looked through these folders, with a trailing backslash.
+    void BeginLoading(Asking asking);
+    void EndLoading(std::span<const std::wstring> folders);
 
     // Whether a plug-in file is to be added now; false leaves it out (kWaiting).
     using ScanStep = std::function<bool(const std::wstring& path)>;
@@ -171,15 +187,23 @@ class CollectionSusie {
 
     static bool Holds(Query& query, const std::wstring& path);
     int32_t IndexOf(const clsSusie* member) const;
-    std::unique_ptr<clsSusie> MakeMember() const;
+    std::unique_ptr<clsSusie> MakeMember();
     // To be called when members have come, gone or moved.
     void ForgetSearches();
     std::optional<LeftOutReason> LoadPlugin(clsSusie& added, const std::wstring& path,
                                             uint32_t& loadError);
+    std::optional<LeftOutReason> TryOut(clsSusie& added, const std::wstring& plugin,
+                                        uint32_t& loadError);
+    void Remember(const std::wstring& plugin, const FileStamp& stamp, const clsSusie& added,
+                  std::optional<LeftOutReason> refusal);
     void NoteLeftOut(const std::wstring& path, std::optional<LeftOutReason> reason,
                      uint32_t loadError = 0);
     int32_t InsertionIndex(int32_t total) const;
 
+    // Before the members, which tell it.
+    std::optional<PluginMemory> memory_;
+    bool isRemembering_ = false;
+    Asking asking_ = Asking::kAll;
     TrialOrder order_;
     bool dynamicLoad_ = false;
     Listing listing_;

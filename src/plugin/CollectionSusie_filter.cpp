@@ -21,8 +21,8 @@ std::wstring CollectionSusie::GetCommonDialogString() const {
     std::set<std::wstring> known{L"*.BMP"};
     for (const auto& member : order_.members) {
         if (member->DllName().empty()) continue;
-        for (int32_t i = 1; !member->FileType(i).empty(); ++i) {
-            const std::wstring pattern = Entry(member->FileType(i));
+        for (const std::wstring& one : member->Patterns()) {
+            const std::wstring pattern = Entry(one);
             if (known.insert(pattern).second) all += pattern + L';';
         }
         const std::wstring patterns = Entry(member->FileType(0));

@@ -10,6 +10,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -48,6 +49,13 @@ class clsSusie {
     // something is wanted of it.
     void SetKnownDll(const std::wstring& path, PluginTraits traits);
 
+    // Asks a plug-in that was set by SetKnownDll what it tells about itself when it is first
+    // loaded, and tells `handler` then, and after its settings window too. `isGood`: Traits() is
+    // what it tells; else it could not be loaded.
+    void OnTold(std::function<void(const clsSusie& plugin, bool isGood)> handler) {
+        told_ = std::move(handler);
+    }
+
     // kStylePicture, kStyleArchive or kStyleNone.
     int32_t DllStyle() const { return traits_.style; }
     const std::wstring& ProductName() const { return traits_.productName; }
@@ -65,6 +73,8 @@ class clsSusie {
     // thread, or it has failed before: one that has crashed may crash again when it is freed.
     void UnloadDLL();
 
+    // Whether it has crashed when something was first wanted of it; it is not tried again then.
+    bool IsUnloadable() const { return loadFault_.has_value(); }
     bool IsLoaded() const { return connection_ != nullptr && connection_->IsLoaded(); }
     // Whether UnloadDLL leaves the file loaded whatever is bound.
     bool IsKeptLoaded() const {
@@ -213,6 +223,9 @@ class clsSusie {
     void ReleasePlugin();
     void Connect(const std::wstring& path);
     void ReadPlugin();
+    void MeetRemembered();
+    void Tell(bool isGood) const;
+    void AskAnew();
 
     void Unbind();
     bool Supports(const std::wstring& file);
@@ -238,7 +251,9 @@ class clsSusie {
     std::wstring dllName_;
     std::unique_ptr<PluginConnection> connection_;  // exactly while dllName_ is not empty
     PluginTraits traits_;
-    bool isRemembered_ = false;  // nothing was asked of it yet
+    bool isRemembered_ = false;             // nothing was asked of it yet
+    std::optional<PluginFault> loadFault_;  // it has crashed when it was to be loaded first
+    std::function<void(const clsSusie& plugin, bool isGood)> told_;
     bool autoUnload_ = false;
     bool checkMode_ = false;
     bool keepLoaded_ = false;      // it has failed before

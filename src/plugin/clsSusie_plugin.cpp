@@ -8,6 +8,14 @@
 #include "plugin/plugin_log.h"
 
 namespace tessary {
+namespace {
+
+// Nobody wanted to wait for the answer any more.
+bool WasGivenUp(const PluginAnswer& answer) {
+    return answer.code == susie::kAborted;
+}
+
+}  // namespace
 
 clsSusie::~clsSusie() {
     try {
@@ -64,11 +72,13 @@ void clsSusie::Connect(const std::wstring& path) {
 void clsSusie::ReadPlugin() {
     const LoadedPlugin loaded = connection_->Load();
     Note(loaded);
+    if (WasGivenUp(loaded)) throw PluginError(kErrorGivenUp, kNoPluginSetText);
     if (loaded.style == kStyleNone) {
         throw RefusedPluginError(connection_->IsLoaded(), loaded.loadError);
     }
     PluginDescription told = connection_->Describe();
     Note(told);
+    if (WasGivenUp(told)) throw PluginError(kErrorGivenUp, kNoPluginSetText);
     // It would end the next process as well.
     if (told.end != ProcessEnd::kNone) throw RefusedPluginError(false, susiectl::kErrorCrashed);
     traits_ = std::move(static_cast<PluginTraits&>(told));
@@ -85,6 +95,7 @@ void clsSusie::ReleasePlugin() {
     dllName_.clear();
     traits_ = {};
     isRemembered_ = false;
+    loadFault_.reset();
     keepLoaded_ = false;
     extractsToDisk_ = false;
     isSetUp_ = false;
@@ -96,18 +107,34 @@ void clsSusie::RequireModule() {
     if (PluginsAreStopped()) throw PluginError(kErrorPluginsStopped, PluginsStoppedText());
     if (connection_ == nullptr) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
     if (connection_->IsLoaded()) return;
+    if (loadFault_) {
+        SetError(loadFault_->message, loadFault_->function);
+        throw PluginError(kErrorPluginNotAvailable, kPluginNotAvailableText);
+    }
     // The file may have gone, or been replaced, since it was last loaded.
     const LoadedPlugin loaded = connection_->Load();
     Note(loaded);
     if (loaded.style == kStyleNone) {
         ReleaseModule();
+        if (isRemembered_ && !WasGivenUp(loaded)) {
+            if (loaded.loadError == susiectl::kErrorCrashed) loadFault_ = loaded.fault;
+            Tell(false);
+        }
         throw PluginError(kErrorPluginNotAvailable, kPluginNotAvailableText);
     }
     traits_.style = loaded.style;
-    if (std::exchange(isRemembered_, false)) {
-        keepLoaded_ = ErrorCount({}) != 0;
-        Trapped([&] { NoteLoaded(dllName_); });
-    }
+    if (std::exchange(isRemembered_, false)) MeetRemembered();
+}
+
+// What is otherwise done when a plug-in is set.
+void clsSusie::MeetRemembered() {
+    keepLoaded_ = ErrorCount({}) != 0;
+    Trapped([&] { NoteLoaded(dllName_); });
+    if (told_) AskAnew();
+}
+
+void clsSusie::Tell(bool isGood) const {
+    if (told_) Trapped([&] { told_(*this, isGood); });
 }
 
 void clsSusie::ReleaseModule() {
@@ -159,14 +186,22 @@ int32_t clsSusie::ShowConfigurationDialog(HWND parent) {
     });
 }
 
-// After a crash what the plug-in has told before is better than nothing.
 void clsSusie::RefreshInfo() {
     if (!isSetUp_ || !IsLoaded() || PluginCallUnderWay()) return;
+    AskAnew();
+}
+
+// After a crash what the plug-in has told before is better than nothing.
+void clsSusie::AskAnew() {
     PluginDescription told = connection_->Describe();
     Note(told);
-    if (!told.fault.message.empty()) return;
-    traits_.productName = std::move(told.productName);
-    traits_.patterns = std::move(told.patterns);
+    if (WasGivenUp(told)) return;
+    const bool isGood = told.HasSucceeded() && told.fault.message.empty();
+    if (isGood) {
+        told.style = traits_.style;
+        traits_ = std::move(static_cast<PluginTraits&>(told));
+    }
+    Tell(isGood);
 }
 
 int32_t clsSusie::ErrorCount(std::wstring_view function) const {
@@ -186,6 +221,7 @@ void clsSusie::ForgetErrors() {
         if (DllName().empty()) throw PluginError(kErrorNoPluginSet, kNoPluginSetText);
         ForgetFailures(DllName());
         crashed_.Clear();
+        loadFault_.reset();
         keepLoaded_ = false;
         UnloadAfterUse();
     });

@@ -59,6 +59,24 @@ void JudgeFolder(const std::wstring& folder, bool& isOn, bool& isEmpty) {
     if (isEmpty) collection.NoteFolder(folder, LeftOutReason::kEmptyFolder);
 }
 
+void ScanFolders(const LoadingProgress& progress, Asking asking) {
+    GeneralSettings& settings = Values().general;
+    CollectionSusie& collection = SusieCollection();
+    collection.BeginLoading(asking);
+    const CollectionSusie::ScanStep step = StepOf(progress, settings);
+    std::vector<std::wstring> folders;
+    for (int i = 0; i < kPluginFolderCount; ++i) {
+        if (!IsSearched(settings, i)) continue;
+        const std::wstring folder = AddBackslash(settings.spiFolder[i]);
+        collection.FScanAllSPI(folder, step);
+        if (PluginsAreStopped()) break;
+        JudgeFolder(folder, settings.loadSPI[i], settings.emptySPI[i]);
+        if (IsFolder(folder)) folders.push_back(FullPathOf(folder));
+    }
+    collection.Compact();
+    if (!PluginsAreStopped()) collection.EndLoading(folders);
+}
+
 }  // namespace
 
 CollectionSusie& SusieCollection() {
@@ -66,23 +84,23 @@ CollectionSusie& SusieCollection() {
     return *Instance();
 }
 
-bool LoadSPI(const LoadingProgress& progress) {
+bool LoadSPI(const LoadingProgress& progress, Asking asking) {
     if (PluginCallUnderWay() || PluginsAreStopped()) return false;
     return Trapped(false, [&] {
-        GeneralSettings& settings = Values().general;
+        const GeneralSettings& settings = Values().general;
         CollectionSusie& collection = SusieCollection();
         collection.RemoveAll();
         collection.SetDynamicLoad(settings.dynamicSPILoad == 1);
         collection.SetTryAll(settings.spiExt != 1);
-        const CollectionSusie::ScanStep step = StepOf(progress, settings);
-        for (int i = 0; i < kPluginFolderCount; ++i) {
-            if (!IsSearched(settings, i)) continue;
-            const std::wstring folder = AddBackslash(settings.spiFolder[i]);
-            collection.FScanAllSPI(folder, step);
-            if (PluginsAreStopped()) break;
-            JudgeFolder(folder, settings.loadSPI[i], settings.emptySPI[i]);
-        }
-        collection.Compact();
+        ScanFolders(progress, asking);
+        return true;
+    });
+}
+
+bool LoadWaitingSPI(const LoadingProgress& progress) {
+    if (PluginCallUnderWay() || PluginsAreStopped()) return false;
+    return Trapped(false, [&] {
+        ScanFolders(progress, Asking::kUnknown);
         return true;
     });
 }

@@ -12,12 +12,15 @@ CollectionSusie& SusieCollection();
 // ends the loading: what is loaded stays, the rest waits for the next time (kWaiting).
 using LoadingProgress = std::function<bool(const std::wstring& path, int32_t done, int32_t total)>;
 
-// Fills the collection anew from the folders that the settings name. A load switch is turned off
-// when there is no plug-in after its folder was scanned to its end, and on otherwise; one that was
-// turned off here is looked at again the next time. It stays as it is while its folder is away.
-// False after an unexpected error, and, with nothing changed, while a plug-in is being called or
-// PluginsAreStopped.
-bool LoadSPI(const LoadingProgress& progress = {});
+// Fills the collection anew from the folders that the settings name; `asking`: who is asked what it
+// is, where what plug-ins tell is remembered (CollectionSusie::RememberPlugins). A load switch is
+// turned off when there is no plug-in after its folder was scanned to its end, and on otherwise;
+// one that was turned off here is looked at again the next time. It stays as it is while its folder
+// is away. False after an unexpected error, and, with nothing changed, while a plug-in is being
+// called or PluginsAreStopped.
+bool LoadSPI(const LoadingProgress& progress = {}, Asking asking = Asking::kAll);
+// Goes on with the plug-ins that LoadSPI has left waiting because nobody was to be asked.
+bool LoadWaitingSPI(const LoadingProgress& progress);
 
 // Releases the collection with all plug-in libraries; to be called before the process ends. While a
 // plug-in is being called nothing is released: the end of the process does it then.

@@ -16,6 +16,7 @@ constexpr uint32_t kErrorPluginNotAvailable = 0x80040010;
 constexpr uint32_t kErrorNoPluginSet = 0x80040011;
 constexpr uint32_t kErrorCallUnderWay = 0x80040012;
 constexpr uint32_t kErrorPluginsStopped = 0x80040013;
+constexpr uint32_t kErrorGivenUp = 0x80040014;  // somebody did not want to wait for the plug-in
 constexpr uint32_t kErrorNothingBound = 0x80040020;
 constexpr uint32_t kErrorNotSupported = 0x80040022;
 constexpr uint32_t kErrorDecodingFailed = 0x80040023;

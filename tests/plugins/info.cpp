@@ -17,6 +17,8 @@ std::string OwnText(int number) {
 }
 
 std::string TextOf(const Script& script, int number) {
+    const auto setUp = script.Text("set-up:" + std::to_string(number));
+    if (setUp && CallCount("ConfigurationDlg") > 0) return *setUp;
     if (const auto text = script.Text("info:" + std::to_string(number))) return *text;
     if (script.Has("info-none")) return "";
     if (const auto count = script.Number("patterns"); count && number >= 2)

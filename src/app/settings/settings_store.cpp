@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "app/base/error.h"
 
 // Of the system's native interface: deletes the key behind a handle. ZwDeleteKey is its documented
@@ -50,6 +52,34 @@ UniqueKey SavedSection(std::wstring_view section, std::span<const KeyAndText> te
     return opened;
 }
 
+// Hands out the values of a section: key, type, and the data as if it were a text. Nothing when the
+// section is missing.
+template <typename Take>
+void ForEachValue(std::wstring_view section, Take&& take) {
+    constexpr DWORD kLongestName = 16383;  // of a value, by the registry's own limits
+    UniqueKey opened;
+    const LSTATUS status = RegOpenKeyExW(HKEY_CURRENT_USER, SectionPath(section).c_str(), 0,
+                                         KEY_QUERY_VALUE, opened.Receive());
+    if (IsMissing(status)) return;
+    if (status != ERROR_SUCCESS) Fail(status);
+    std::wstring name(kLongestName + 1, L'\0');
+    std::wstring data(1024, L'\0');
+    for (DWORD index = 0;;) {
+        DWORD length = kLongestName + 1;
+        DWORD size = static_cast<DWORD>(data.size()) * sizeof(wchar_t);
+        DWORD type = REG_NONE;
+        const LSTATUS next = RegEnumValueW(opened.Get(), index, name.data(), &length, nullptr,
+                                           &type, reinterpret_cast<BYTE*>(data.data()), &size);
+        if (next == ERROR_MORE_DATA) {
+            data.resize(std::max<size_t>(data.size() * 2, size / sizeof(wchar_t) + 1));
+            continue;
+        }
+        if (next != ERROR_SUCCESS) return;
+        take(std::wstring(name.data(), length), type, data.substr(0, size / sizeof(wchar_t)));
+        ++index;
+    }
+}
+
 }  // namespace
 
 std::wstring GetSetting(std::wstring_view section, std::wstring_view key,
@@ -94,22 +124,17 @@ void DeleteSetting(std::wstring_view section, std::wstring_view key) {
 }
 
 std::vector<std::wstring> SettingKeys(std::wstring_view section) {
-    constexpr DWORD kLongestName = 16383;  // of a value, by the registry's own limits
-    UniqueKey opened;
-    const LSTATUS status = RegOpenKeyExW(HKEY_CURRENT_USER, SectionPath(section).c_str(), 0,
-                                         KEY_QUERY_VALUE, opened.Receive());
-    if (IsMissing(status)) return {};
-    if (status != ERROR_SUCCESS) Fail(status);
     std::vector<std::wstring> keys;
-    std::wstring name(kLongestName + 1, L'\0');
-    for (;;) {
-        DWORD length = kLongestName + 1;
-        const LSTATUS next =
-            RegEnumValueW(opened.Get(), static_cast<DWORD>(keys.size()), name.data(), &length,
-                          nullptr, nullptr, nullptr, nullptr);
-        if (next != ERROR_SUCCESS) return keys;
-        keys.emplace_back(name.data(), length);
-    }
+    ForEachValue(section, [&](const std::wstring& key, auto&&...) { keys.push_back(key); });
+    return keys;
+}
+
+std::vector<std::pair<std::wstring, std::wstring>> SettingTexts(std::wstring_view section) {
+    std::vector<std::pair<std::wstring, std::wstring>> texts;
+    ForEachValue(section, [&](const std::wstring& key, DWORD type, const std::wstring& data) {
+        if (type == REG_SZ) texts.emplace_back(key, data.substr(0, data.find(L'\0')));
+    });
+    return texts;
 }
 
 void DeleteSettingSection(std::wstring_view section) {

@@ -31,6 +31,10 @@ void DeleteSetting(std::wstring_view section, std::wstring_view key);
 // cannot be read.
 std::vector<std::wstring> SettingKeys(std::wstring_view section);
 
+// The keys of a section with their texts, in no order; what is no text is left out. None when the
+// section is missing. Throws RaisedError when the store cannot be read.
+std::vector<std::pair<std::wstring, std::wstring>> SettingTexts(std::wstring_view section);
+
 // Removes a section with all its keys; a missing one is no error.
 void DeleteSettingSection(std::wstring_view section);
 
