@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -55,11 +54,24 @@ int ShowCommand() {
 // Names the plug-ins in whose calls earlier runs ended, and what the loading has found amiss. In
 // the status bar: a message box would greet the user with a plug-in's fault, again and again if it
 // ends every run.
-void TellNotices(PictureView& view, const HelperLibraries& libraries) {
+void TellNotices(PictureView& view, const HelperLibraries& libraries, bool isAsked) {
     std::vector<std::wstring> notices = InterruptedCallNotices();
-    if (std::wstring loading = LoadingNotice(); !loading.empty()) notices.push_back(loading);
+    // What is still to be asked was not left out.
+    if (std::wstring loading = isAsked ? LoadingNotice() : L""; !loading.empty())
+        notices.push_back(std::move(loading));
     if (!libraries.notice.empty()) notices.push_back(libraries.notice);
     if (!notices.empty()) view.SetPanelText(kNoticePanel, InOneLine(notices));
+}
+
+// Asks the plug-ins of which nothing is remembered, as all are at the first start. What is to be
+// opened comes behind that.
+void AskNewPlugins(frmMain& window) {
+    {
+        const frmMain::Reading reading(window, L"プラグインを読み込んでいます");
+        frmProgress progress(window.Handle(), kLoadingCaption);
+        LoadWaitingSPI(TellIn(progress));
+    }
+    window.ShowPluginCount();
 }
 
 }  // namespace
@@ -75,12 +87,8 @@ int Main() {
     // Explorer starts programs in the folder of the opened file. As long as that is the current one
     // nobody can rename it, nor take its drive out.
     SetCurrentDirectoryW(AppFolder().c_str());
-    // Stays until the main window is there: with no window between them another program's would
-    // come to the front.
-    std::optional<frmProgress> progress(std::in_place, nullptr, kLoadingCaption);
     HelperLibraries libraries;
-    if (!InitializeApplication(libraries, TellIn(*progress))) {
-        progress.reset();
+    if (!InitializeApplication(libraries)) {
         TellFailedStart(libraries.failure);
         return 0;
     }
@@ -103,17 +111,21 @@ int Main() {
     ClipboardCommands clipboardCommands(window);
     WallpaperCommands wallpaperCommands(window);
     if (!window.Load() || !controlBar.Load(window.Handle())) {
-        progress.reset();
         TellFailedStart({});
         return 1;
     }
-    TellNotices(window, libraries);
+    const bool isAsked = !SusieCollection().IsWaiting();
+    TellNotices(window, libraries, isAsked);
     window.Show();
-    progress.reset();
+    if (!isAsked) {
+        AskNewPlugins(window);
+        TellNotices(window, libraries, true);
+        window.CloseIfAsked();
+    }
     return RunMessageLoop();
 }
 
-bool InitializeApplication(HelperLibraries& libraries, const LoadingProgress& progress) {
+bool InitializeApplication(HelperLibraries& libraries) {
     UseHostProcess([](std::span<const HANDLE> handles, DWORD milliseconds, bool isUsers) {
         if (isUsers) return WaitHandlingMessages(handles, milliseconds);
         WaitPainting(handles, milliseconds);
@@ -123,9 +135,13 @@ bool InitializeApplication(HelperLibraries& libraries, const LoadingProgress& pr
     if (libraries && !PathExists(AppFolder() + kHostProgram)) {
         libraries.failure = ToUpper(kHostProgram) + L" が見つかりません。";
     }
-    // The first access creates the collection, and the plug-ins of the settings' folders fill it.
-    return libraries && ReadGeneralSettings() && ReadConvertSettings() && ApplyFirstRunDefaults() &&
-           LoadSPI(progress);
+    if (!libraries || !ReadGeneralSettings() || !ReadConvertSettings() ||
+        !ApplyFirstRunDefaults()) {
+        return false;
+    }
+    // The first access creates the collection.
+    SusieCollection().RememberPlugins();
+    return LoadSPI({}, Asking::kNobody);
 }
 
 int16_t TerminateApplication() {

@@ -4,7 +4,6 @@
 #include <cstdint>
 
 #include "app/helper_libraries.h"
-#include "plugin/modSusie.h"
 
 namespace tessary {
 
@@ -12,9 +11,9 @@ namespace tessary {
 int Main();
 
 // The chain that makes the program ready for its window: helper libraries, of which `libraries`
-// then tells, settings, first-run defaults, plug-ins, whose loading `progress` is told about. False
-// at the first step that fails.
-bool InitializeApplication(HelperLibraries& libraries, const LoadingProgress& progress = {});
+// then tells, settings, first-run defaults, plug-ins. No plug-in is asked: those of which nothing
+// is remembered wait. False at the first step that fails.
+bool InitializeApplication(HelperLibraries& libraries);
 
 // Writes the settings and releases the plug-ins. Always 0.
 int16_t TerminateApplication();

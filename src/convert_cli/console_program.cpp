@@ -68,7 +68,9 @@ struct PluginsInUse {
 
 // Whether all that the settings ask for is there; otherwise it has been told.
 bool LoadPlugins(const StopRequest& stop, ConsoleStream& errors) {
-    LoadSPI([&](const std::wstring&, int32_t, int32_t) { return !stop.IsMade(); });
+    SusieCollection().RememberPlugins();
+    LoadSPI([&](const std::wstring&, int32_t, int32_t) { return !stop.IsMade(); },
+            Asking::kUnknown);
     for (const auto& notices : {InterruptedCallNotices(), BarredNotices(), LoadingNotices()}) {
         for (const std::wstring& notice : notices)
             errors.WriteLine(notice);

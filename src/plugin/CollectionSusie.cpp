@@ -98,10 +98,10 @@ void CollectionSusie::AddKnown(const std::vector<KnownPlugin>& plugins) {
 }
 
 bool CollectionSusie::IsIncomplete() const {
-    return std::ranges::any_of(leftOut_, [](const LeftOutPlugin& one) {
-        return one.reason == LeftOutReason::kWaiting || one.reason == LeftOutReason::kSkipped ||
-               (one.reason == LeftOutReason::kNoFolder && IsFolder(one.path));
-    });
+    return IsWaiting() || std::ranges::any_of(leftOut_, [](const LeftOutPlugin& one) {
+               return one.reason == LeftOutReason::kSkipped ||
+                      (one.reason == LeftOutReason::kNoFolder && IsFolder(one.path));
+           });
 }
 
 void CollectionSusie::ForgetErrorsOfLeftOut(const std::wstring& path) {

@@ -110,6 +110,8 @@ class CollectionSusie {
     // The files that AddSPI or a scan has met and that gave no plug-in, and folders that gave none,
     // in the order of their meeting.
     const std::vector<LeftOutPlugin>& LeftOut() const { return leftOut_; }
+    // Whether some plug-ins wait (kWaiting).
+    bool IsWaiting() const;
     // Whether loading all plug-ins anew may bring more: some wait (kWaiting, kSkipped), or a folder
     // that was away (kNoFolder) is there now, at which the system is asked to look.
     bool IsIncomplete() const;

@@ -22,9 +22,12 @@ void CollectionSusie::BeginLoading(Asking asking) {
 }
 
 void CollectionSusie::EndLoading(std::span<const std::wstring> folders) {
-    const auto isWaiting = [](const auto& one) { return one.reason == LeftOutReason::kWaiting; };
-    if (!memory_ || std::ranges::any_of(leftOut_, isWaiting)) return;
-    memory_->ForgetGone(folders);
+    if (memory_ && !IsWaiting()) memory_->ForgetGone(folders);
+}
+
+bool CollectionSusie::IsWaiting() const {
+    return std::ranges::find(leftOut_, LeftOutReason::kWaiting, &LeftOutPlugin::reason) !=
+           leftOut_.end();
 }
 
 std::vector<std::wstring> CollectionSusie::PluginFiles(const std::wstring& folder) {

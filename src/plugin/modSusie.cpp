@@ -7,6 +7,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
+#include "plugin/call_watch.h"
 
 namespace tessary {
 namespace {
@@ -21,19 +22,36 @@ bool IsSearched(const GeneralSettings& settings, int folder) {
            (settings.loadSPI[folder] || settings.emptySPI[folder]);
 }
 
-// Asks the user, through `progress`, about one plug-in file after the other.
-CollectionSusie::ScanStep StepOf(const LoadingProgress& progress, const GeneralSettings& settings) {
-    if (!progress) return {};
-    int32_t total = 0;
-    for (int i = 0; i < kPluginFolderCount; ++i) {
-        if (!IsSearched(settings, i)) continue;
-        total += static_cast<int32_t>(CollectionSusie::PluginFiles(settings.spiFolder[i]).size());
+// Asks whoever has the loading done, about one plug-in file after the other, and while one is being
+// called: it may hang.
+class Telling {
+  public:
+    Telling(const LoadingProgress& progress, const GeneralSettings& settings)
+        : progress_(progress) {
+        for (int i = 0; i < kPluginFolderCount; ++i) {
+            if (!IsSearched(settings, i)) continue;
+            total_ +=
+                static_cast<int32_t>(CollectionSusie::PluginFiles(settings.spiFolder[i]).size());
+        }
     }
-    return [&progress, total, done = 0, stopped = false](const std::wstring& path) mutable {
-        stopped = stopped || !progress(path, done++, total);
-        return !stopped;
-    };
-}
+
+    bool GoesOnTo(const std::wstring& path) {
+        path_ = path;
+        ++count_;
+        return GoesOn();
+    }
+    bool GoesOn() {
+        isStopped_ = isStopped_ || !progress_(path_, count_ - 1, total_);
+        return !isStopped_;
+    }
+
+  private:
+    const LoadingProgress& progress_;
+    std::wstring path_;
+    int32_t count_ = 0;
+    int32_t total_ = 0;
+    bool isStopped_ = false;
+};
 
 // Whether a plug-in of that folder was left out for now only.
 bool MayYieldLater(const std::wstring& folder) {
@@ -59,11 +77,10 @@ void JudgeFolder(const std::wstring& folder, bool& isOn, bool& isEmpty) {
     if (isEmpty) collection.NoteFolder(folder, LeftOutReason::kEmptyFolder);
 }
 
-void ScanFolders(const LoadingProgress& progress, Asking asking) {
+void ScanFolders(Asking asking, const CollectionSusie::ScanStep& step = {}) {
     GeneralSettings& settings = Values().general;
     CollectionSusie& collection = SusieCollection();
     collection.BeginLoading(asking);
-    const CollectionSusie::ScanStep step = StepOf(progress, settings);
     std::vector<std::wstring> folders;
     for (int i = 0; i < kPluginFolderCount; ++i) {
         if (!IsSearched(settings, i)) continue;
@@ -75,6 +92,14 @@ void ScanFolders(const LoadingProgress& progress, Asking asking) {
     }
     collection.Compact();
     if (!PluginsAreStopped()) collection.EndLoading(folders);
+}
+
+void ScanTelling(Asking asking, const LoadingProgress& progress) {
+    if (!progress) return ScanFolders(asking);
+    Telling telling(progress, Values().general);
+    const CallWatch watch(
+        [&](const WaitedCall&) { return telling.GoesOn() ? CallWish::kGoesOn : CallWish::kStops; });
+    ScanFolders(asking, [&](const std::wstring& path) { return telling.GoesOnTo(path); });
 }
 
 }  // namespace
@@ -92,7 +117,7 @@ bool LoadSPI(const LoadingProgress& progress, Asking asking) {
         collection.RemoveAll();
         collection.SetDynamicLoad(settings.dynamicSPILoad == 1);
         collection.SetTryAll(settings.spiExt != 1);
-        ScanFolders(progress, asking);
+        ScanTelling(asking, progress);
         return true;
     });
 }
@@ -100,7 +125,7 @@ bool LoadSPI(const LoadingProgress& progress, Asking asking) {
 bool LoadWaitingSPI(const LoadingProgress& progress) {
     if (PluginCallUnderWay() || PluginsAreStopped()) return false;
     return Trapped(false, [&] {
-        ScanFolders(progress, Asking::kUnknown);
+        ScanTelling(Asking::kUnknown, progress);
         return true;
     });
 }

@@ -112,6 +112,32 @@ TEST_F(ViewerTest, StandsAsAShortcutWantsAndNoticesNothingOfAPluginThatEndsItsPr
     EXPECT_EQ(GetSetting(L"Convert", L"FileMask"), L"*.*");
 }
 
+TEST_F(ViewerTest, PluginsAreAskedBehindTheWindowAndOnlyOnce) {
+    std::filesystem::copy_file(TestPluginPath(L"iftst.spi"), folder_.Path() + L"a.spi");
+    folder_.Write(L"a.spi.script", "dirty:question:DllMain");
+    UsePluginsIn(folder_.Path());
+    Start(L"");
+    FindMain();
+    EXPECT_EQ(Status(0), L"0個のプラグイン") << "it hangs";
+    const DWORD before = GetTickCount();
+    EXPECT_EQ(Close(), 0);
+    EXPECT_LT(GetTickCount() - before, 8000U) << "nobody waits for it";
+
+    const std::wstring picture = folder_.Write(L"a.tst", "TST 30x20x24\n");
+    const auto runWith = [&](const char* script, const wchar_t* shown) {
+        folder_.Write(L"a.spi.script", script);
+        Start(*shown == L'\0' ? L"" : L'"' + picture + L'"');
+        FindMain();
+        EXPECT_TRUE(Tells(0, L"1個のプラグイン")) << script;
+        EXPECT_TRUE(Tells(1, shown)) << script;
+        EXPECT_EQ(Status(2), L"") << script;
+        EXPECT_EQ(Close(), 0);
+    };
+    runWith("", L"");
+    runWith("crash:terminate:DllMain", L"");
+    runWith("", L"[表示中] a.tst ( 30×20 24bit )");
+}
+
 // A folder of all sorts, gone through with keys.
 TEST_F(ViewerTest, StepsThroughPicturesArchivesAndWhatIsNeither) {
     folder_.Write(L"1 山.bmp", BitmapFileOf(10, 4, RGB(9, 9, 9)));

@@ -22,6 +22,7 @@ constexpr ListView::Column kColumns[] = {
     {.caption = L"エラー", .width = 46, .isNumber = true}};
 
 std::wstring StateOf(const clsSusie& plugin) {
+    if (plugin.IsUnloadable()) return L"読み込めません";
     if (!plugin.IsLoaded()) return L"未ロード";
     return plugin.IsKeptLoaded() ? L"保持" : L"ロード済み";
 }
