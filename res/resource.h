@@ -193,6 +193,7 @@
 #define listSPIError 3115
 #define cmdSPISetup 3116
 #define cmdSPIErrorClear 3117
+#define labelSPIEnds 3118
 
 #define combSaveType1 3200
 #define combSaveType2 3201

@@ -12,9 +12,6 @@
 namespace tessary {
 namespace {
 
-constexpr wchar_t kNoHostText[] =
-    L"プラグインを実行するプログラム (tessary-host32.exe) を起動できません";
-
 // How messages name what was asked for.
 const wchar_t* FunctionOf(HostOperation operation) {
     switch (operation) {
@@ -69,7 +66,11 @@ PluginAnswer EndedAnswer(HostEnd end, HostOperation operation) {
         case HostEnd::kStopped:
             return {susie::kAborted, {}, {}};
         case HostEnd::kRefused:
+            return {kResultUnexpected, {}, {}};
+        case HostEnd::kNoHost:
             return {kResultUnexpected, {}, {kNoHostText, function}};
+        case HostEnd::kGivenUp:
+            return {kResultStopped, {}, {kPluginGivenUpText, function}};
         case HostEnd::kSilent:
             return {kResultCrashed, {}, {kPluginSilentText, function}, ProcessEnd::kSilent};
         default:
@@ -140,8 +141,9 @@ HostConnection::~HostConnection() {
 
 HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source,
                                  const SusieProgress& progress, Told& told) const {
-    HostProcess* const host = pool_.Running();
-    if (host == nullptr) return HostEnd::kRefused;
+    if (pool_.IsGivenUp(path_)) return HostEnd::kGivenUp;
+    HostProcess* const host = pool_.For(path_);
+    if (host == nullptr) return HostEnd::kNoHost;
     std::optional<Section> lent;
     if (!source.isFile && !source.bytes.empty()) {
         lent = Section::Make(source.bytes.size());
@@ -217,24 +219,26 @@ LoadedPlugin HostConnection::Load() {
     const Told told = Ask({.operation = HostOperation::kLoad});
     isLoaded_ = told.reply.isLoaded;
     const bool hasEnded = told.end != HostEnd::kAnswered;
-    return {told.answer, hasEnded ? kStyleNone : told.reply.style,
-            hasEnded && told.answer.HasCrashed() ? susiectl::kErrorCrashed : told.reply.loadError};
+    const uint32_t loadError = told.answer.HasCrashed()       ? susiectl::kErrorCrashed
+                               : told.end == HostEnd::kNoHost ? kErrorNoHost
+                                                              : told.reply.loadError;
+    return {told.answer, hasEnded ? kStyleNone : told.reply.style, loadError};
 }
 
 PluginAnswer HostConnection::Unload() {
     if (!std::exchange(isLoaded_, false)) return {susie::kSuccess, {}, {}};
-    if (!pool_.IsRunning()) return {susie::kSuccess, {}, {}};
+    if (pool_.RunningFor(path_) == nullptr) return {susie::kSuccess, {}, {}};
     return Ask({.operation = HostOperation::kUnload}).answer;
 }
 
 void HostConnection::LeaveLoaded() {
-    if (std::exchange(isLoaded_, false) && pool_.IsRunning()) {
+    if (std::exchange(isLoaded_, false) && pool_.RunningFor(path_) != nullptr) {
         Ask({.operation = HostOperation::kLeaveLoaded});
     }
 }
 
 bool HostConnection::IsInUse() const {
-    return isLoaded_ && pool_.IsRunning() &&
+    return isLoaded_ && pool_.RunningFor(path_) != nullptr &&
            Ask({.operation = HostOperation::kIsInUse}).reply.isInUse;
 }
 

@@ -256,7 +256,7 @@ std::optional<PluginEnd> HostProcess::TakeBlame(HostEnd end, const PluginCall& a
     channel_.Notes().call.Clear();
     channel_.Notes().thread.Clear();
     if (end == HostEnd::kLied && !call) call = asked;  // nobody else has made the answer
-    if (!call || end == HostEnd::kStopped) return std::nullopt;
+    if (!call || end == HostEnd::kStopped || end == HostEnd::kRefused) return std::nullopt;
     DWORD code = 0;
     GetExitCodeProcess(process_.Get(), &code);
     const EndKind died = code >= kLeastException ? EndKind::kCrash : EndKind::kExit;

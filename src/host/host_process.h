@@ -44,6 +44,8 @@ enum class HostEnd {
     kStopped,  // it did not stop when it was told to, and was ended
     kLied,     // what it has answered cannot be, and it was ended
     kRefused,  // the request could not be made
+    kNoHost,   // there is none
+    kGivenUp,  // the plug-in is not called any more
 };
 
 class HostProcess {

@@ -100,6 +100,7 @@ void CollectionSusie::AddKnown(const std::vector<KnownPlugin>& plugins) {
 bool CollectionSusie::IsIncomplete() const {
     return IsWaiting() || std::ranges::any_of(leftOut_, [](const LeftOutPlugin& one) {
                return one.reason == LeftOutReason::kSkipped ||
+                      one.reason == LeftOutReason::kNoHost ||
                       (one.reason == LeftOutReason::kNoFolder && IsFolder(one.path));
            });
 }
@@ -107,7 +108,7 @@ bool CollectionSusie::IsIncomplete() const {
 void CollectionSusie::ForgetErrorsOfLeftOut(const std::wstring& path) {
     ForgetFailures(path);
     for (LeftOutPlugin& one : leftOut_) {
-        if (one.reason == LeftOutReason::kBarred && EqualsIgnoreCase(one.path, path))
+        if (IsBarredReason(one.reason) && EqualsIgnoreCase(one.path, path))
             one.reason = LeftOutReason::kWaiting;
     }
 }

@@ -76,9 +76,7 @@ std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added, const 
     if (known == nullptr && asking_ == Asking::kNobody) return LeftOutReason::kWaiting;
     // A replaced file must not be judged by the failures of the one before.
     const bool isNew = known == nullptr && Trapped(false, [&] { return CheckFileDate(plugin); });
-    if (Trapped(false, [&] { return KeepsEndingTheProgram(plugin); })) {
-        return LeftOutReason::kBarred;
-    }
+    if (const auto barred = WhyBarred(plugin)) return barred;
     const auto isSkipped = [&](const std::wstring& name) {
         return skipped_.contains(ToUpper(name));
     };
@@ -116,7 +114,9 @@ std::optional<LeftOutReason> CollectionSusie::TryOut(clsSusie& added, const std:
     }
     if (PluginsAreStopped()) return refusal;
     // One that was refused has not ended the program either, but perhaps a process of its own.
-    if (loadError != susiectl::kErrorCrashed) Trapped([&] { NoteLoaded(plugin); });
+    if (loadError != susiectl::kErrorCrashed && loadError != kErrorNoHost) {
+        Trapped([&] { NoteLoaded(plugin); });
+    }
     return refusal;
 }
 

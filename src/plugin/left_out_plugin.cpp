@@ -2,10 +2,14 @@
 
 #include <windows.h>
 
+#include "app/base/error.h"
 #include "app/base/handles.h"
 #include "app/base/load_refusal.h"
 #include "app/base/paths.h"
 #include "helpers/susiectl/susiectl.h"
+#include "plugin/plugin_connection.h"
+#include "plugin/plugin_ends.h"
+#include "plugin/plugin_log.h"
 
 namespace tessary {
 namespace {
@@ -27,6 +31,7 @@ bool ReadAt(HANDLE file, LONG offset, Header& header) {
 
 LeftOutReason WhyNotLoaded(const std::wstring& path, uint32_t loadError) {
     if (loadError == susiectl::kErrorCrashed) return LeftOutReason::kCrashed;
+    if (loadError == kErrorNoHost) return LeftOutReason::kNoHost;
     if (IsBlockedBySystem(loadError)) return LeftOutReason::kBlocked;
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const UniqueFile file(CreateFileW(ExtendedPath(path).c_str(), GENERIC_READ, kShareAll, nullptr,
@@ -45,6 +50,12 @@ LeftOutReason WhyNotLoaded(const std::wstring& path, uint32_t loadError) {
     }
     return head.file.Machine == kOurMachine ? LeftOutReason::kNotLoadable
                                             : LeftOutReason::kOtherMachine;
+}
+
+std::optional<LeftOutReason> WhyBarred(const std::wstring& path) {
+    if (Trapped(false, [&] { return ReadEnds(path).IsGivenUp(); })) return LeftOutReason::kGivenUp;
+    if (Trapped(false, [&] { return KeepsEndingTheProgram(path); })) return LeftOutReason::kBarred;
+    return std::nullopt;
 }
 
 }  // namespace tessary

@@ -57,9 +57,10 @@ class Telling {
 bool MayYieldLater(const std::wstring& folder) {
     const auto& leftOut = SusieCollection().LeftOut();
     return std::ranges::any_of(leftOut, [&](const LeftOutPlugin& one) {
-        const bool isForNow =
-            one.reason == LeftOutReason::kWaiting || one.reason == LeftOutReason::kSkipped ||
-            one.reason == LeftOutReason::kBarred || one.reason == LeftOutReason::kBlocked;
+        const bool isForNow = one.reason == LeftOutReason::kWaiting ||
+                              one.reason == LeftOutReason::kSkipped || IsBarredReason(one.reason) ||
+                              one.reason == LeftOutReason::kBlocked ||
+                              one.reason == LeftOutReason::kNoHost;
         return isForNow && EqualsIgnoreCase(FolderOf(one.path), FullPathOf(folder));
     });
 }

@@ -33,17 +33,13 @@ constexpr int32_t kMostFatalLoads = 2;
 // What the name of a section has room for, by the registry's limit of 255.
 constexpr size_t kLongestPath = 220;
 
-// A section's name holds no backslash: `C:/folder/name.spi_SPI_ERRORLOG`. Of a path that is too
-// long the folder is a number.
 std::wstring ErrorLogOf(std::wstring_view plugin) {
-    std::wstring name(plugin);
-    if (name.size() > kLongestPath) {
-        wchar_t number[24];
-        std::swprintf(number, std::size(number), L"%016llx/", HashOf(ToUpper(plugin)));
-        name = number + FileNameOf(plugin).substr(0, kLongestPath - std::size(number));
-    }
-    std::ranges::replace(name, L'\\', L'/');
-    return name + L"_SPI_ERRORLOG";
+    return PluginSection(plugin, kErrorLog);
+}
+
+void DeleteLogs(std::wstring_view plugin) {
+    for (const wchar_t* log : {kErrorLog, kEndLog})
+        DeleteSettingSection(PluginSection(plugin, log));
 }
 
 int32_t ReadCount(std::wstring_view section, std::wstring_view key) {
@@ -73,11 +69,13 @@ std::optional<std::wstring> FileDateText(const std::wstring& path) {
 
 // Moves the history that is kept under another name.
 void TakeOver(const std::wstring& name, const std::wstring& plugin) {
-    const std::wstring old = ErrorLogOf(name);
-    const std::vector<std::wstring> functions = SettingKeys(old);
-    for (const std::wstring& function : functions)
-        Add(ErrorLogOf(plugin), function, ReadCount(old, function));
-    if (!functions.empty()) DeleteSettingSection(old);
+    for (const wchar_t* log : {kErrorLog, kEndLog}) {
+        const std::wstring old = PluginSection(name, log);
+        const std::vector<std::wstring> keys = SettingKeys(old);
+        for (const std::wstring& key : keys)
+            Add(PluginSection(plugin, log), key, ReadCount(old, key));
+        if (!keys.empty()) DeleteSettingSection(old);
+    }
     const int32_t fatalLoads = ReadCount(kFatalLoads, name);
     if (fatalLoads == 0) return;
     Add(kFatalLoads, plugin, fatalLoads);
@@ -113,13 +111,25 @@ void ForgetGonePlugins() {
     for (const std::wstring& plugin : plugins) {
         const bool isBareName = FileNameOf(plugin) == plugin;
         if (isBareName || PathExists(plugin)) continue;
-        DeleteSettingSection(ErrorLogOf(plugin));
+        DeleteLogs(plugin);
         DeleteSetting(kFatalLoads, plugin);
         DeleteSetting(kDateTime, plugin);
     }
 }
 
 }  // namespace
+
+// A section's name holds no backslash. Of a path that is too long the folder is a number.
+std::wstring PluginSection(std::wstring_view plugin, std::wstring_view log) {
+    std::wstring name(plugin);
+    if (name.size() > kLongestPath) {
+        wchar_t number[24];
+        std::swprintf(number, std::size(number), L"%016llx/", HashOf(ToUpper(plugin)));
+        name = number + FileNameOf(plugin).substr(0, kLongestPath - std::size(number));
+    }
+    std::ranges::replace(name, L'\\', L'/');
+    return name + std::wstring(log);
+}
 
 int32_t ReadErrorCount(std::wstring_view plugin, std::wstring_view function) {
     return ReadCount(ErrorLogOf(plugin), function.empty() ? kTotalKey : function);
@@ -143,7 +153,7 @@ std::vector<FunctionErrors> ReadFunctionErrors(std::wstring_view plugin) {
 }
 
 void ForgetFailures(std::wstring_view plugin) {
-    DeleteSettingSection(ErrorLogOf(plugin));
+    DeleteLogs(plugin);
     NoteLoaded(plugin);
 }
 

@@ -24,6 +24,11 @@ int32_t ReadErrorCount(std::wstring_view plugin, std::wstring_view function);
 // Adds one to a function's failures and to `Total`.
 void IncrementErrorCount(std::wstring_view plugin, std::wstring_view function);
 
+// The section of the store that has a log of a plug-in: `C:/folder/name.spi_SPI_ERRORLOG`.
+inline constexpr wchar_t kErrorLog[] = L"_SPI_ERRORLOG";
+inline constexpr wchar_t kEndLog[] = L"_SPI_ENDLOG";  // plugin_ends.h
+std::wstring PluginSection(std::wstring_view plugin, std::wstring_view log);
+
 // The functions that have failed, by name, and how often each has.
 struct FunctionErrors {
     std::wstring function;
@@ -31,7 +36,7 @@ struct FunctionErrors {
 };
 std::vector<FunctionErrors> ReadFunctionErrors(std::wstring_view plugin);
 
-// Forgets all failures of a plug-in, those of its loading too.
+// Forgets all failures and ends of a plug-in, those of its loading too.
 void ForgetFailures(std::wstring_view plugin);
 
 // Notes that the program ended while it loaded this plug-in.

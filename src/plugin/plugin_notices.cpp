@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "app/base/error.h"
 #include "app/base/paths.h"
 #include "plugin/modSusie.h"
+#include "plugin/plugin_ends.h"
 
 namespace tessary {
 namespace {
@@ -16,6 +18,10 @@ bool IsLeftOut(const PluginCall& call, LeftOutReason reason) {
     return std::ranges::any_of(SusieCollection().LeftOut(), [&](const LeftOutPlugin& one) {
         return one.reason == reason && IsOf(call, one);
     });
+}
+
+std::wstring EndsOf(const std::wstring& plugin) {
+    return Trapped(std::wstring(), [&] { return TextOf(ReadEnds(plugin)); });
 }
 
 // Their names in one line.
@@ -54,9 +60,12 @@ std::vector<std::wstring> BarredNotices() {
     for (const LeftOutPlugin& one : collection.LeftOut()) {
         const bool isTold = std::ranges::any_of(
             collection.InterruptedCalls(), [&](const PluginCall& call) { return IsOf(call, one); });
-        if (one.reason != LeftOutReason::kBarred || isTold) continue;
-        notices.push_back(L"プラグイン " + collection.NameOf(one.path) +
-                          L" は、読み込みの途中で続けて異常終了したため、読み込みません");
+        if (!IsBarredReason(one.reason) || isTold) continue;
+        const std::wstring name = L"プラグイン " + collection.NameOf(one.path);
+        notices.push_back(one.reason == LeftOutReason::kGivenUp
+                              ? name + L" は使用を止めています（" + EndsOf(one.path) + L"）"
+                              : name +
+                                    L" は、読み込みの途中で続けて異常終了したため、読み込みません");
     }
     return notices;
 }
@@ -78,6 +87,10 @@ std::vector<std::wstring> LoadingNotices() {
     if (const std::wstring blocked = BlockedPlugins(); !blocked.empty()) {
         notices.push_back(L"プラグイン " + blocked +
                           L" は、Windowsかウイルス対策ソフトにブロックされています");
+    }
+    if (std::ranges::find(collection.LeftOut(), LeftOutReason::kNoHost, &LeftOutPlugin::reason) !=
+        collection.LeftOut().end()) {
+        notices.push_back(std::wstring(kNoHostText) + L"。プラグインは使用できません");
     }
     if (PluginsAreStopped()) notices.push_back(PluginsStoppedText());
     if (CallsGoUnlogged()) {

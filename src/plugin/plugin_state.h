@@ -16,6 +16,15 @@ inline constexpr wchar_t kPluginCrashedText[] = L"SPIファイル内の関数で
 // The error of one that gave no sign of life until its process was ended.
 inline constexpr wchar_t kPluginSilentText[] = L"プラグインが応答しません";
 
+// The error of one that is not called any more because it has ended too many processes
+// (plugin_ends.h).
+inline constexpr wchar_t kPluginGivenUpText[] =
+    L"何度も異常終了したため、このプラグインの使用を止めています";
+
+// The error of all, where the program of their process is missing, or may not be started.
+inline constexpr wchar_t kNoHostText[] =
+    L"プラグインを実行するプログラム (tessary-host32.exe) を起動できません";
+
 // Whether a plug-in has crashed since the program began.
 bool HasPluginCrashed();
 

@@ -129,8 +129,12 @@ void Search::Bind(clsSusie& member) {
 // Of the member's last call.
 void Search::NoteCrash(const clsSusie& member) {
     const std::wstring& reason = member.ErrorString();
-    if (refusal_ || (reason != kPluginCrashedText && reason != kPluginSilentText)) return;
-    refusal_ = {.reason = reason, .dllName = member.DllName(), .hasCrashed = true};
+    if (refusal_) return;
+    if (reason == kPluginCrashedText || reason == kPluginSilentText) {
+        refusal_ = {.reason = reason, .dllName = member.DllName(), .hasCrashed = true};
+    } else if (reason == kPluginGivenUpText && Names(member)) {
+        refusal_ = {.reason = reason, .dllName = member.DllName()};
+    }
 }
 
 // What is no archive of the plug-in's at all is nothing to tell.

@@ -73,6 +73,7 @@ void frmOption::AnchorControls() {
     }
     Anchor(listSPI, kAnchorWidth | kAnchorHeight);
     Anchor(labelSPIError, kAnchorLeft | kAnchorBottom);
+    Anchor(labelSPIEnds, kAnchorWidth | kAnchorBottom);
     Anchor(listSPIError, kAnchorWidth | kAnchorBottom);
     for (const int id : {cmdSPISetup, cmdSPIErrorClear, IDOK, IDCANCEL, cmdApply})
         Anchor(id, kAnchorRight | kAnchorBottom);

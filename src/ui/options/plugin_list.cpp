@@ -8,6 +8,7 @@
 #include "app/base/load_refusal.h"
 #include "app/base/paths.h"
 #include "plugin/modSusie.h"
+#include "plugin/plugin_ends.h"
 #include "plugin/plugin_log.h"
 
 namespace tessary {
@@ -21,7 +22,9 @@ constexpr ListView::Column kColumns[] = {
     {.caption = L"状態", .width = 86},
     {.caption = L"エラー", .width = 46, .isNumber = true}};
 
-std::wstring StateOf(const clsSusie& plugin) {
+std::wstring StateOf(const clsSusie& plugin, const PluginEnds& ends) {
+    if (ends.IsGivenUp()) return L"停止中";
+    if (ends.IsAlone()) return L"隔離中";
     if (plugin.IsUnloadable()) return L"読み込めません";
     if (!plugin.IsLoaded()) return L"未ロード";
     return plugin.IsKeptLoaded() ? L"保持" : L"ロード済み";
@@ -30,6 +33,7 @@ std::wstring StateOf(const clsSusie& plugin) {
 std::wstring StateOf(LeftOutReason reason) {
     switch (reason) {
         case LeftOutReason::kBarred:
+        case LeftOutReason::kGivenUp:
             return L"停止中";
         case LeftOutReason::kRenamed:
             return L"旧版";
@@ -47,8 +51,12 @@ std::wstring StateOf(LeftOutReason reason) {
     }
 }
 
-std::wstring TextOf(const LeftOutPlugin& one) {
+std::wstring ReasonOf(const LeftOutPlugin& one) {
     switch (one.reason) {
+        case LeftOutReason::kGivenUp:
+            return L"何度も異常終了しました";
+        case LeftOutReason::kNoHost:
+            return L"tessary-host32.exeを起動できません";
         case LeftOutReason::kNoDll:
             return L"DLLではありません";
         case LeftOutReason::kOtherMachine:
@@ -80,6 +88,16 @@ std::wstring FunctionText(const std::wstring& function) {
     if (function == L"GetPrevew") return L"GetPreview";
     if (function == L"GetFileSS") return L"GetFileSS, ConfigurationDlg";
     return function;
+}
+
+PluginEnds EndsOf(const std::wstring& plugin) {
+    return Trapped(PluginEnds(), [&] { return ReadEnds(plugin); });
+}
+
+// What matters most of it.
+const std::wstring& NoteOf(const PluginFacts& plugin) {
+    if (!plugin.ends.empty()) return plugin.ends;
+    return plugin.leftOut.empty() ? plugin.version : plugin.leftOut;
 }
 
 std::wstring DateText(const FILETIME& time) {
@@ -119,13 +137,16 @@ std::wstring FileText(const std::wstring& path) {
 std::vector<PluginFacts> ListPlugins() {
     std::vector<PluginFacts> plugins;
     for (const auto& member : SusieCollection().NewEnum()) {
+        const PluginEnds ends = EndsOf(member->DllName());
         plugins.push_back({.path = member->DllName(),
                            .file = SusieCollection().NameOf(member->DllName()),
                            .kind = member->DllStyle() == kStyleArchive ? L"圧縮" : L"画像",
                            .patterns = member->FileType(0),
                            .version = member->ProductName(),
-                           .state = StateOf(*member),
+                           .state = StateOf(*member, ends),
                            .leftOut = {},
+                           .ends = TextOf(ends),
+                           .isBarred = ends.IsGivenUp(),
                            .errors = member->ErrorCount({}),
                            .hasSettings = member->SupportConfigurationDialog()});
     }
@@ -137,9 +158,10 @@ std::vector<PluginFacts> ListPlugins() {
                            .patterns = {},
                            .version = {},
                            .state = StateOf(one.reason),
-                           .leftOut = TextOf(one),
+                           .leftOut = ReasonOf(one),
+                           .ends = TextOf(EndsOf(one.path)),
                            .isFolder = isFolder,
-                           .isBarred = one.reason == LeftOutReason::kBarred,
+                           .isBarred = IsBarredReason(one.reason),
                            .errors = Trapped(0, [&] { return ReadErrorCount(one.path, {}); })});
     }
     return plugins;
@@ -153,8 +175,7 @@ void ShowPlugins(ListView& list, const std::vector<PluginFacts>& plugins) {
     std::vector<ListView::Row> rows;
     rows.reserve(plugins.size());
     for (const PluginFacts& plugin : plugins) {
-        rows.push_back({plugin.file, plugin.kind, plugin.patterns,
-                        plugin.leftOut.empty() ? plugin.version : plugin.leftOut, plugin.state,
+        rows.push_back({plugin.file, plugin.kind, plugin.patterns, NoteOf(plugin), plugin.state,
                         std::to_wstring(plugin.errors)});
     }
     list.SetRows(std::move(rows));
@@ -179,6 +200,7 @@ std::wstring DescribePlugin(const PluginFacts& plugin) {
     text += L"\r\n状態: " + plugin.state;
     if (!plugin.leftOut.empty()) text += L"（" + plugin.leftOut + L"）";
     if (plugin.isFolder) return text + L"\r\n";
+    if (!plugin.ends.empty()) text += L"\r\n異常の記録: " + plugin.ends;
     if (plugin.isBarred)
         text += L"\r\n環境設定でエラー回数を消去するか、ファイルを取り替えると、また読み込みます。";
     text += L"\r\nエラー: " + std::to_wstring(plugin.errors) + L" 回";

@@ -17,6 +17,7 @@ struct PluginFacts {
     std::wstring version;   // what it tells about itself
     std::wstring state;
     std::wstring leftOut;   // why the file is not among the plug-ins; empty: it is
+    std::wstring ends;      // in words; empty: there was none
     bool isFolder = false;  // a whole plug-in folder that gave none
     bool isBarred = false;  // until its errors are forgotten
     int32_t errors = 0;

@@ -74,6 +74,7 @@ void PluginPage::AttachControls() {
     listSPI_.OnDoubleClick([this] {
         if (cmdSPISetup_.IsEnabled()) cmdSPISetup_Click();
     });
+    labelSPIEnds_.Attach(Dialog(), labelSPIEnds);
     listSPIError_.Attach(Dialog(), listSPIError);
     listSPIError_.SetColumns(kErrorColumns);
     cmdSPISetup_.Attach(Dialog(), cmdSPISetup);
@@ -133,6 +134,7 @@ void PluginPage::ShowSelection() {
             rows.push_back({error.function, std::to_wstring(error.count)});
     }
     listSPIError_.SetRows(std::move(rows));
+    labelSPIEnds_.SetText(selected != nullptr ? selected->ends : std::wstring());
     cmdSPISetup_.SetEnabled(selected != nullptr && selected->hasSettings);
     cmdSPIErrorClear_.SetEnabled(selected != nullptr &&
                                  (selected->errors > 0 || selected->isBarred));

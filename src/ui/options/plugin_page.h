@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ui/form/list_view.h"
+#include "ui/form/simple_controls.h"
 #include "ui/options/option_page.h"
 #include "ui/options/plugin_list.h"
 
@@ -40,6 +41,7 @@ class PluginPage final : public OptionPage {
     std::set<std::wstring> told_;  // of their folders; by path
     Button cmdSPIFolder_[kPluginFolderCount];
     ListView listSPI_;
+    Label labelSPIEnds_;
     ListView listSPIError_;
     Button cmdSPISetup_;
     Button cmdSPIErrorClear_;

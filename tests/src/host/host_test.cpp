@@ -6,9 +6,12 @@
 #include <thread>
 
 #include "app/base/handles.h"
+#include "app/settings/modValue.h"
 #include "host/host_connection.h"
 #include "plugin/CollectionSusie.h"
 #include "plugin/call_watch.h"
+#include "plugin/modSusie.h"
+#include "plugin/plugin_notices.h"
 #include "tests/src/plugin/plugin_test.h"
 #include "tests/support/content_of.h"
 
@@ -196,7 +199,7 @@ TEST_F(HostTest, KilledFromOutsideAtAnyMomentItIsReplaced) {
     plugin.Load();
     int decoded = 0;
     for (int round = 0; round < 12; ++round) {
-        const DWORD id = pool_.Running()->Id();
+        const DWORD id = pool_.For({})->Id();
         std::thread killer([&] {
             std::this_thread::sleep_for(std::chrono::milliseconds(round * 8));
             const UniqueProcess host(OpenProcess(PROCESS_TERMINATE, FALSE, id));
@@ -258,6 +261,87 @@ TEST_F(HostTest, ThoseWhoAreToldOfEndsHearOfTheCulpritsAlone) {
     EXPECT_EQ(Errors(good), 0);
 }
 
+// Two ends: it takes nobody along any more. Three: it is not called any more, until it is forgiven.
+TEST_F(HostTest, OneThatEndsHostsGoesOnAloneAndIsGivenUpAtLast) {
+    const auto picture = Picture();
+    const auto path = Plugin(L"iftst.spi", "crash:terminate:GetPicture", NewName(L".spi"));
+    const auto goodPath = Plugin(L"iftst.spi", {}, NewName(L".spi"));
+    HostConnection good(goodPath, pool_);
+    SetPluginConnector([&](const std::wstring& plugin) {
+        return std::make_unique<HostConnection>(plugin, pool_);
+    });
+    CollectionSusie plugins;
+    plugins.AddSPI(path);
+    HostConnection bad(path, pool_);
+    for (int end = 1; end <= 3; ++end) {
+        EXPECT_EQ(good.Supports(picture).code, 1);
+        const DWORD others = pool_.For(goodPath)->Id();
+        EXPECT_EQ(pool_.For(path)->Id() == others, end < 3) << end;
+        bad.SetBoundFile(std::to_wstring(end) + L".tst");
+        EXPECT_TRUE(bad.Decode(picture, DecodeKind::kFull, {}).HasCrashed());
+        const HostProcess* const left = pool_.RunningFor(goodPath);
+        EXPECT_EQ(left != nullptr && left->Id() == others, end == 3) << end;
+    }
+    EXPECT_EQ(TextOf(ReadEnds(path)), L"プロセス終了 3 回（最後: 3.tst）");
+    const DecodedPicture refused = bad.Decode(picture, DecodeKind::kFull, {});
+    EXPECT_TRUE(refused.code == kResultStopped && refused.fault.message == kPluginGivenUpText);
+    EXPECT_EQ(plugins.FileSupported(PictureFile()), 0);
+    EXPECT_EQ(Errors(path), 3);
+    // The next start, and every one from there on.
+    for (int start = 0; start < 3; ++start) {
+        CollectionSusie later;
+        later.AddSPI(path);
+        ASSERT_EQ(later.LeftOut().size(), 1u);
+        EXPECT_EQ(later.LeftOut()[0].reason, LeftOutReason::kGivenUp);
+        EXPECT_EQ(later.Compact(), 0);
+    }
+    CollectionSusie later;
+    later.AddSPI(path);
+    later.ForgetErrorsOfLeftOut(path);
+    EXPECT_EQ(later.LeftOut()[0].reason, LeftOutReason::kWaiting);
+    EXPECT_EQ(TextOf(ReadEnds(path)), L"");
+    EXPECT_EQ(bad.Supports(picture).code, 1);
+    SetPluginConnector({});
+}
+
+// Whoever collects ends has his own hosts spared of the plug-in, and nobody else's.
+TEST_F(HostTest, EndsThatAreNotCountedGiveUpAPluginForTheirPoolOnly) {
+    const auto picture = Picture();
+    const auto path = Plugin(L"iftst.spi", "crash:heap-ruin:GetPicture", NewName(L".spi"));
+    std::vector<PluginEnd> ends;
+    HostPool pool(kProgram, {}, {}, [&](const PluginEnd& end) { ends.push_back(end); });
+    HostConnection ahead(path, pool);
+    for (int i = 0; i < 5; ++i)
+        ahead.Decode(picture, DecodeKind::kFull, {});
+    EXPECT_EQ(ends.size(), 3u);
+    EXPECT_EQ(HostConnection(path, pool_).Supports(picture).code, 1);
+    EXPECT_EQ(Errors(path), 0);
+}
+
+TEST_F(HostTest, WithoutItsProgramThereIsOneClearNotice) {
+    HostPool none(folder_.Path() + L"gone.exe");
+    SetPluginConnector(
+        [&](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, none); });
+    GeneralSettings& general = Values().general;
+    const GeneralSettings before = general;
+    general.spiFolder[0] = folder_.Path();
+    general.useSPI = 1;
+    general.loadSPI[0] = true;
+    for (const wchar_t* name : {L"a.spi", L"b.spi"})
+        Plugin(L"iftst.spi", {}, name);
+    EXPECT_TRUE(LoadSPI());
+    EXPECT_EQ(SusieCollection().LeftOut().size(), 2u);
+    EXPECT_TRUE(SusieCollection().IsIncomplete() && general.loadSPI[0]);
+    const std::vector<std::wstring> notices = LoadingNotices();
+    ASSERT_EQ(notices.size(), 1u);
+    EXPECT_NE(notices[0].find(L"tessary-host32.exe"), std::wstring::npos);
+    SetPluginConnector({});
+    EXPECT_TRUE(LoadSPI());
+    EXPECT_EQ(SusieCollection().Count(), 2);
+    UnloadSPI();
+    general = before;
+}
+
 TEST_F(HostTest, NotesThatCannotBeBlameWhoWasAsked) {
     const PluginCall asked{L"GetPicture", L"C:\\asked.spi", L"C:\\a.tst"};
     const std::set<std::wstring> served{L"C:\\ASKED.SPI", L"C:\\OTHER.SPI"};
@@ -297,7 +381,7 @@ TEST_F(HostTest, ItEndsWithItsProgram) {
 
 TEST(HostChild, DISABLED_LeavesAHostBehind) {
     static HostPool pool(kProgram);
-    const std::string id = std::to_string(pool.Running()->Id());
+    const std::string id = std::to_string(pool.For({})->Id());
     wchar_t file[MAX_PATH]{};
     GetEnvironmentVariableW(L"TESSARY_TEST_FILE", file, MAX_PATH);
     std::ofstream(std::filesystem::path(file)) << id;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "plugin/modSusie.h"
+#include "plugin/plugin_ends.h"
 #include "res/resource.h"
 #include "tests/src/plugin/plugin_test.h"
 #include "tests/src/ui/dialogs/driven_dialog.h"
@@ -203,7 +204,7 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
     const std::wstring bad =
         Plugin(L"config_crash.spi", "early:window:ConfigurationDlg\ncrash:av:ConfigurationDlg");
     CheckFileDate(bad);  // the failures are those of this file
-    IncrementErrorCount(bad, L"LoadLibrary");
+    CountEnd({{L"LoadLibrary", bad, L"C:\\p\\name & more.jpg"}, EndKind::kSilence});
     Values().general.dynamicSPILoad = 1;
     const std::wstring barred = Plugin(L"minimal.spi", {}, L"barred.spi");
     CheckFileDate(barred);
@@ -228,7 +229,11 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     EXPECT_NE(messages_.Only().find(L"good.spi の設定中"), std::wstring::npos);
                     EXPECT_EQ(column(2)[0], L"*.NEW");
                     SelectRow(dialog, listSPI, 1);
+                    const std::wstring told = L"応答なし 1 回（最後: name & more.jpg）";
+                    EXPECT_EQ(TextOf(dialog, labelSPIEnds), told);
+                    EXPECT_EQ(column(3)[1], told);
                     Press(dialog, cmdSPISetup);
+                    EXPECT_EQ(column(4)[1], L"隔離中");
                     EXPECT_NE(messages_.All().back().text.find(L"致命的エラー"),
                               std::wstring::npos);
                     EXPECT_EQ(column(5)[1], L"2");
@@ -240,6 +245,7 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     EXPECT_EQ(column(0)[0], L"config_crash.spi");
                     EXPECT_EQ(column(4), (Texts{L"未ロード", L"未ロード", L"停止中"}));
                     EXPECT_TRUE(Column(dialog, listSPIError, 0).empty());
+                    EXPECT_EQ(TextOf(dialog, labelSPIEnds), L"");
                     EXPECT_TRUE(HasFocus(dialog, listSPI)) << "the button is grey now";
 
                     SelectRow(dialog, listSPI, 2);
