@@ -100,7 +100,8 @@ Picture Picture::FromPair(PicturePair pair) {
 
 PicturePair Picture::ReleasePair() {
     if (!memory_) return {};
-    PicturePair pair = memory_->GivePair();
+    PicturePair pair;
+    if (memory_.use_count() == 1) pair = memory_->GivePair();
     if (pair.info == nullptr) {
         OwnedBlock info = CopyOf(memory_->Info());
         OwnedBlock bits = CopyOf(memory_->Bits());

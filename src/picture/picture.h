@@ -40,6 +40,7 @@ class Picture {
     explicit Picture(std::unique_ptr<PictureMemory> memory);
     Picture(Picture&&) = default;
     Picture& operator=(Picture&&) = default;
+    ~Picture() = default;
 
     // The way in for pairs of local-memory blocks, as plug-ins and the picture kernel hand them
     // out; takes both over. A pair in the plain form stays in its very blocks; one that can be put
@@ -48,7 +49,8 @@ class Picture {
     static Picture FromPair(PicturePair pair);
 
     // The way out: the caller owns both blocks, unlocked; this is empty then. A picture in memory
-    // of another kind is copied. An empty pair without memory, and for no picture.
+    // of another kind, or with another owner, is copied. An empty pair without memory, and for no
+    // picture.
     PicturePair ReleasePair();
 
     // A new picture. `info` is its info block; `fill` writes the rows that its header announces, in
@@ -60,6 +62,9 @@ class Picture {
         Picture picture = Unfilled(info, rows);
         return picture && fill(rows) ? std::move(picture) : Picture();
     }
+
+    // The same picture once more, in the same memory, which nobody changes.
+    Picture Another() const { return *this; }
 
     explicit operator bool() const { return memory_ != nullptr; }
 
@@ -81,9 +86,10 @@ class Picture {
     std::span<const uint8_t> Bits() const { return memory_->Bits(); }
 
   private:
+    Picture(const Picture&) = default;
     static Picture Unfilled(std::span<const uint8_t> info, std::span<uint8_t>& rows);
 
-    std::unique_ptr<PictureMemory> memory_;
+    std::shared_ptr<PictureMemory> memory_;
     std::optional<dib::DibView> view_;
 };
 
