@@ -130,9 +130,20 @@ OwnedBlock BlockOf(const std::optional<HostSections::Lease>& section) {
 }  // namespace
 
 void UseHostProcess(HostWait wait) {
-    static HostPool pool(AppFolder() + kHostProgram, {}, std::move(wait));
+    static HostPool pool(HostProgram(), {}, std::move(wait));
     SetPluginConnector(
         [](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, pool); });
+}
+
+std::wstring HostProgram() {
+    return AppFolder() + kHostProgram;
+}
+
+PluginConnector OwnHostConnector(const std::wstring& program) {
+    const Blame nobody = [](const PluginEnd&) {};
+    return
+        [pool = std::make_shared<HostPool>(program, HostLimits{}, HostWait{}, nobody)](
+            const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, *pool); };
 }
 
 HostConnection::~HostConnection() {
@@ -159,7 +170,7 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
     told.reply = {};
     const DWORD limit = LimitOf(request.operation, served_ == host->Id(), pool_.Limits());
     const bool isUsers = request.operation == HostOperation::kConfigure;
-    const CallWatcher& watcher = isUsers ? CallWatcher() : Host().watcher;
+    const CallWatcher& watcher = isUsers ? CallWatcher() : Caller().watcher;
     const HostEnd end = host->Call(request, limit, progress, watcher, told.reply);
     if (end != HostEnd::kAnswered) return ended(end);
     served_ = host->Id();

@@ -60,7 +60,14 @@ class HostConnection final : public PluginConnection {
 // The program of a host process; it is beside this one.
 inline constexpr wchar_t kHostProgram[] = L"tessary-host32.exe";
 
-// Has all further connections lead to one host process.
+// Has all further connections of this thread lead to one host process.
 void UseHostProcess(HostWait wait);
+
+// The full path of that program.
+std::wstring HostProgram();
+
+// The way to plug-ins in a host process of their own, which ends with the last copy of this: for
+// one thread, which just waits. What ends there is held against nobody.
+PluginConnector OwnHostConnector(const std::wstring& program = HostProgram());
 
 }  // namespace tessary

@@ -22,6 +22,7 @@ HostSections::Lease::~Lease() {
 }
 
 void HostSections::Return(uint32_t id) {
+    const std::lock_guard lock(mutex_);
     if (id != 0) returned_.push_back(id);
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <utility>
@@ -14,7 +15,7 @@
 namespace tessary {
 
 // Keeps sections that come again mapped for a while. Shared by a host and the pictures that lie in
-// its sections, which may live longer.
+// its sections, which may live longer and end on any thread.
 class HostSections : public std::enable_shared_from_this<HostSections> {
   public:
     // Bytes in a section, which may be read until this ends. Then the host may write there anew.
@@ -42,7 +43,10 @@ class HostSections : public std::enable_shared_from_this<HostSections> {
     Opened Open(HANDLE process, const WireSection& wire, std::optional<Lease>& lease);
 
     // The ids of the sections that were given back since this was asked last.
-    std::vector<uint32_t> TakeReturned() { return std::exchange(returned_, {}); }
+    std::vector<uint32_t> TakeReturned() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(returned_, {});
+    }
 
   private:
     struct Mapped {
@@ -55,6 +59,7 @@ class HostSections : public std::enable_shared_from_this<HostSections> {
     void DropOldest();
 
     std::vector<Mapped> mapped_;  // the newest last
+    std::mutex mutex_;            // of what follows
     std::vector<uint32_t> returned_;
 };
 

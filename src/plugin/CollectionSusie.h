@@ -28,6 +28,8 @@ namespace tessary {
 struct KnownPlugin {
     std::wstring path;
     PluginTraits traits;
+
+    bool operator==(const KnownPlugin&) const = default;
 };
 
 // Whom a loading asks what it is.
@@ -50,6 +52,7 @@ class CollectionSusie {
     // A file that no plug-in claims by its patterns is offered to every one. When off, plug-ins are
     // asked only about files that they claim; a change applies to all members.
     void SetTryAll(bool tryAll);
+    bool TriesAll() const { return order_.tryAll; }
 
     // --- Members: indexes count from 1 ---
 

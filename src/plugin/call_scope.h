@@ -12,11 +12,11 @@ namespace tessary {
 // call that crashes never end.
 class CallScope {
   public:
-    CallScope() : outer_(std::exchange(Host().isCallUnderWay, true)) {}
+    CallScope() : outer_(std::exchange(Caller().isCallUnderWay, true)) {}
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
     ~CallScope() {
-        Host().isCallUnderWay = outer_;
+        Caller().isCallUnderWay = outer_;
         // Plug-ins post a request to quit when a window of theirs closes. It is not theirs to make.
         if (!outer_) DropForeignQuit();
     }

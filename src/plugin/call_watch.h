@@ -14,10 +14,10 @@ namespace tessary {
 class CallWatch {
   public:
     explicit CallWatch(CallWatcher watcher)
-        : outer_(std::exchange(Host().watcher, std::move(watcher))) {}
+        : outer_(std::exchange(Caller().watcher, std::move(watcher))) {}
     CallWatch(const CallWatch&) = delete;
     CallWatch& operator=(const CallWatch&) = delete;
-    ~CallWatch() { Host().watcher = std::move(outer_); }
+    ~CallWatch() { Caller().watcher = std::move(outer_); }
 
   private:
     CallWatcher outer_;
@@ -25,7 +25,7 @@ class CallWatch {
 
 // What the innermost one says of a call that does well; without any, it is wanted.
 inline bool IsCallWanted() {
-    return !Host().watcher || Host().watcher({}) != CallWish::kStops;
+    return !Caller().watcher || Caller().watcher({}) != CallWish::kStops;
 }
 
 }  // namespace tessary

@@ -5,6 +5,7 @@
 #include "app/base/paths.h"
 #include "helpers/susiectl/susiectl.h"
 #include "plugin/clsSusie.h"
+#include "plugin/host_state.h"
 #include "plugin/plugin_log.h"
 
 namespace tessary {
@@ -35,6 +36,7 @@ void clsSusie::SetError(std::wstring_view message, std::wstring_view function) {
 }
 
 void clsSusie::Note(const PluginAnswer& answer) {
+    if (answer.HasCrashed()) ++Caller().crashes;
     if (!answer.fault.message.empty()) SetError(answer.fault.message, answer.fault.function);
 }
 

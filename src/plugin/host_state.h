@@ -16,18 +16,29 @@
 namespace tessary {
 
 class CallNotes;
+class CollectionSusie;
 
-struct HostState {
-    // Of the thread that calls plug-ins (plugin_state.h).
-    bool isCallUnderWay = false;
-    bool hasPluginCrashed = false;
-    std::wstring damager;  // file name of the plug-in whose call has damaged the memory; or empty
+// Of one thread that asks plug-ins for something.
+struct PluginCaller {
+    bool isCallUnderWay = false;  // plugin_state.h
 
     // Makes the connections to plug-ins; empty: they are in this process.
-    PluginConnector connector;
+    PluginConnector connector{};
 
     // Who waits for what is asked of plug-ins (call_watch.h); empty: nobody in particular.
-    CallWatcher watcher;
+    CallWatcher watcher{};
+
+    uint32_t crashes = 0;  // how many answers there were that told of one
+
+    CollectionSusie* plugins = nullptr;  // of a thread that has its own (own_plugins.h)
+};
+
+struct HostState {
+    PluginCaller firstCaller;
+
+    // Of the calls in this process (plugin_state.h).
+    bool hasPluginCrashed = false;
+    std::wstring damager;  // file name of the plug-in whose call has damaged the memory; or empty
 
     // This copy among those that run.
     OwnRun run;
@@ -60,5 +71,17 @@ struct HostState {
 // The only one. It never ends: plug-ins are still freed and logged, and their threads crash, while
 // static objects are destroyed.
 HostState& Host();
+
+// Of this thread: the process's first, unless the thread has one of its own.
+PluginCaller& Caller();
+
+// For its own life this thread has a caller of its own.
+class OwnCaller {
+  public:
+    explicit OwnCaller(PluginCaller& caller);
+    OwnCaller(const OwnCaller&) = delete;
+    OwnCaller& operator=(const OwnCaller&) = delete;
+    ~OwnCaller();
+};
 
 }  // namespace tessary

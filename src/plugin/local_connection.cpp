@@ -24,12 +24,12 @@ SusieSource SourceOf(const PluginSource& source) {
 }  // namespace
 
 std::unique_ptr<PluginConnection> ConnectTo(const std::wstring& plugin) {
-    const PluginConnector& connector = Host().connector;
+    const PluginConnector& connector = Caller().connector;
     return connector ? connector(plugin) : std::make_unique<LocalConnection>(plugin);
 }
 
 void SetPluginConnector(PluginConnector connector) {
-    Host().connector = std::move(connector);
+    Caller().connector = std::move(connector);
 }
 
 bool CanCallPlugins() {

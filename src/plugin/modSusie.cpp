@@ -8,6 +8,7 @@
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
 #include "plugin/call_watch.h"
+#include "plugin/host_state.h"
 
 namespace tessary {
 namespace {
@@ -106,6 +107,7 @@ void ScanTelling(Asking asking, const LoadingProgress& progress) {
 }  // namespace
 
 CollectionSusie& SusieCollection() {
+    if (CollectionSusie* const own = Caller().plugins) return *own;
     if (Instance() == nullptr) Instance() = std::make_unique<CollectionSusie>();
     return *Instance();
 }

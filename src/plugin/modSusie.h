@@ -1,11 +1,12 @@
-// The plug-ins of the whole program.
+// The plug-ins of the whole program, and those of a thread that has its own.
 #pragma once
 
 #include "plugin/CollectionSusie.h"
 
 namespace tessary {
 
-// The one collection; created empty at the first call. The user-interface thread's.
+// The one collection, created empty at the first call, which is the user-interface thread's; for a
+// thread with plug-ins of its own (own_plugins.h) those.
 CollectionSusie& SusieCollection();
 
 // Told which plug-in file comes next, `done` of `total` being through; may let messages run. False

@@ -6,7 +6,7 @@
 namespace tessary {
 
 bool PluginCallUnderWay() {
-    return Host().isCallUnderWay;
+    return Caller().isCallUnderWay;
 }
 
 bool HasPluginCrashed() {
