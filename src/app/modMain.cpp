@@ -16,6 +16,8 @@
 #include "app/first_run.h"
 #include "app/settings/settings.h"
 #include "host/host_connection.h"
+#include "picture/ahead/ahead_rules.h"
+#include "picture/ahead/pictures_ahead.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
 #include "ui/control/frmControl.h"
@@ -131,6 +133,7 @@ bool InitializeApplication(HelperLibraries& libraries) {
         WaitPainting(handles, milliseconds);
         return true;
     });
+    Ahead().Begin(ReadingThreads(), [] { return OwnHostConnector(); });
     libraries = CheckHelperLibraries();
     if (libraries && !PathExists(AppFolder() + kHostProgram)) {
         libraries.failure = ToUpper(kHostProgram) + L" が見つかりません。";
@@ -148,6 +151,7 @@ int16_t TerminateApplication() {
     // First: a plug-in may end the process when it is freed.
     WriteGeneralSettings();
     WriteConvertSettings();
+    Ahead().End();
     UnloadSPI();
     return 0;
 }

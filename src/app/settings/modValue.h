@@ -34,6 +34,7 @@ struct GeneralSettings {
     int16_t dynamicSPILoad = 0;  // 1: load plug-in libraries only when needed
     int16_t spiExt = 0;          // 1: choose plug-ins by file name alone
     int16_t openFolderType = 0;  // 0: the classic folder dialog, else the system's
+    int16_t readAhead = 1;       // 1: pictures are read before they are asked for
 
     bool operator==(const GeneralSettings&) const = default;
 };

@@ -88,6 +88,7 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"DynamicSPILoad", general.dynamicSPILoad, L"0");
     transfer(L"SPIExt", general.spiExt, L"0");
     transfer(L"OpenFolderType", general.openFolderType, L"0");
+    transfer(L"ReadAhead", general.readAhead, L"1");
     transfer(L"FixSizeValue", Values().fixSizeValue, L"0");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");

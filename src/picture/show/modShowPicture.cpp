@@ -9,14 +9,22 @@
 #include "picture/current_picture.h"
 #include "picture/modDIBToPicture.h"
 #include "picture/opaque_picture.h"
+#include "picture/read/natural_order.h"
 #include "picture/show/fit.h"
-#include "picture/show/natural_order.h"
 #include "picture/show/picture_kernel.h"
 #include "picture/show/read_to_show.h"
 #include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
+
+SIZE SizeOf(const Picture& picture) {
+    return {picture.Width(), picture.Height()};
+}
+
+bool IsSame(SIZE one, SIZE other) {
+    return one.cx == other.cx && one.cy == other.cy;
+}
 
 // Puts a picture into the view at its own size.
 bool PutIntoView(const Picture& picture, SIZE size, PictureView& view) {
@@ -74,7 +82,7 @@ std::wstring WithoutFolder(std::wstring text, const std::wstring& path) {
 ShownFile Show(ReadToShow result, const std::wstring& path, PictureView& view) {
     if (IsPictureKind(result.file.kind)) {
         SetCurrentPicture(std::move(result.picture), result.file.damage);
-        if (CurrentPicture() && DisplayCurrentPicture(view)) return result.file;
+        if (CurrentPicture() && DisplayCurrentPicture(view, result.prepared)) return result.file;
         result.file = {.failure = FailureText(result.subject, kDrawingFailedText)};
     }
     ShowReasonFor(view, WithoutFolder(ReasonOf(result), path));
@@ -101,15 +109,30 @@ void ShowReasonFor(PictureView& view, const std::wstring& reason) {
     view.ShowReason(reason);
 }
 
-bool DisplayCurrentPicture(PictureView& view) {
+PreparePicture PreparationFor(const PictureView& view) {
+    const SIZE box = SizeModeBox(Values().fixSizeValue, view.WorkAreaSize());
+    return [box](const Picture& picture) {
+        const SIZE own = SizeOf(picture);
+        const SIZE wanted = FitIntoBox(own, box);
+        return IsSame(wanted, own)
+                   ? Picture()
+                   : ResizePicture(picture, wanted.cx, wanted.cy, Handover::kNoFile);
+    };
+}
+
+bool DisplayCurrentPicture(PictureView& view, const Picture& prepared) {
     const Picture& current = CurrentPicture();
     if (!current) {
         view.ClearPicture();
         return true;
     }
-    const SIZE own{current.Width(), current.Height()};
+    const SIZE own = SizeOf(current);
     const SIZE wanted = FitIntoBox(own, SizeModeBox(Values().fixSizeValue, view.WorkAreaSize()));
-    const bool fits = wanted.cx == own.cx && wanted.cy == own.cy;
+    const bool fits = IsSame(wanted, own);
+    if (!fits && prepared && IsSame(SizeOf(prepared), wanted) &&
+        PutIntoView(prepared, wanted, view)) {
+        return true;
+    }
     if (!fits && PutResizedIntoView(current, wanted, view)) return true;
     if (PutIntoView(current, own, view)) return true;
     // Too large beside the one that is still shown, or altogether: then as large as the screen.

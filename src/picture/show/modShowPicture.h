@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "picture/ahead/ahead_picture.h"
 #include "picture/show/member_list.h"
 #include "picture/show/picture_view.h"
 #include "picture/show/shown_file.h"
@@ -25,7 +26,11 @@ ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, P
 void ShowReasonFor(PictureView& view, const std::wstring& reason);
 
 // Lays the current picture out in the view at the display size mode; with no current picture the
-// view is emptied. False when the picture could not be put into the view.
-bool DisplayCurrentPicture(PictureView& view);
+// view is emptied. `prepared`: made of it by PreparationFor; it counts if its size is the wanted
+// one. False when the picture could not be put into the view.
+bool DisplayCurrentPicture(PictureView& view, const Picture& prepared = {});
+
+// Makes of pictures, on any thread, what DisplayCurrentPicture would show of them now.
+PreparePicture PreparationFor(const PictureView& view);
 
 }  // namespace tessary

@@ -110,7 +110,8 @@ Picture ThroughMemory(const Kernel& kernel, kernel::HIMAGE image) {
 
 Picture ResizePicture(const Picture& picture, int width, int height, Handover handover) {
     const Kernel kernel;
-    if (!kernel.IsComplete()) return {};
+    const bool isInMemory = handover != Handover::kFile && kernel.writeMemoryImage != nullptr;
+    if (!kernel.IsComplete() || (handover == Handover::kNoFile && !isInMemory)) return {};
     KernelImage source(kernel);
     KernelImage resized(kernel);
     if (kernel.attachMemoryImage(picture.Info().data(), picture.Info().size(),
@@ -125,9 +126,7 @@ Picture ResizePicture(const Picture& picture, int width, int height, Handover ha
     if (kernel.doFilter(source.Get(), &parameters, resized.Receive()) != kernel::kKernelOk) {
         return {};
     }
-    return handover == Handover::kMemory && kernel.writeMemoryImage != nullptr
-               ? ThroughMemory(kernel, resized.Get())
-               : ThroughFile(kernel, resized.Get());
+    return isInMemory ? ThroughMemory(kernel, resized.Get()) : ThroughFile(kernel, resized.Get());
 }
 
 }  // namespace tessary

@@ -10,6 +10,7 @@ namespace tessary {
 enum class Handover {
     kMemory,  // with an exporter that lacks the entry for it, as with kFile
     kFile,    // through ~temp.bmp in the application folder
+    kNoFile,  // in memory or not at all, from any thread
 };
 
 // A new picture of the given size in pixels, made from `picture`, which must not be empty. The file

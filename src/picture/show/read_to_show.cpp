@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/base/paths.h"
+#include "picture/ahead/pictures_ahead.h"
 #include "picture/read/read_picture.h"
 #include "picture/show/fetched_file.h"
 #include "plugin/call_watch.h"
@@ -43,12 +44,12 @@ std::wstring ReasonOf(const ReadResult& read) {
 }
 
 ReadToShow Failed(std::wstring failure) {
-    return {{.failure = std::move(failure)}, {}, {}};
+    return {{.failure = std::move(failure)}, {}};
 }
 
 // What is left of a read that was asked to stop. It has not failed.
 ReadToShow Stopped() {
-    return {{.stopped = true}, {}, {}};
+    return {{.stopped = true}, {}};
 }
 
 // `reason`: why there is no picture, where that is known better.
@@ -61,8 +62,19 @@ ReadToShow Told(ReadResult read, const std::wstring& subject, std::wstring reaso
     const std::wstring plugin =
         read.plugin.empty() ? std::wstring() : SusieCollection().NameOf(read.plugin);
     return {{.kind = read.kind, .pluginName = plugin, .damage = std::move(read.damage)},
-            std::move(read.picture),
-            {}};
+            std::move(read.picture)};
+}
+
+ReadToShow Told(AheadPicture ready, const std::wstring& subject) {
+    ReadToShow result = Told(std::move(ready.read), subject);
+    result.prepared = std::move(ready.prepared);
+    return result;
+}
+
+// For the way back to what is shown now.
+void Keep(const AheadEntry& entry, const std::optional<FileStamp>& stamp, const ReadResult& read) {
+    if (!stamp || !IsPictureKind(read.kind) || read.isStopped) return;
+    Ahead().Keep(AheadPicture{.entry = entry, .stamp = *stamp, .read = AnotherOf(read)});
 }
 
 // Passes on to the view how far a read is, and remembers that the view has asked it to stop: some
@@ -116,11 +128,18 @@ bool IsEmptyFile(const std::wstring& path) {
 
 // Plug-ins may define what an empty file is. When none makes a picture of it, that is the reason.
 ReadToShow ReadFileAt(const std::wstring& path, ViewWatch& watch) {
+    const AheadEntry entry{path};
+    if (auto ready = Ahead().Take(entry)) {
+        return Told(*std::move(ready), SubjectOf(path));
+    }
+    if (watch.IsStopped()) return Stopped();
+    const std::optional<FileStamp> stamp = StampOf(path);
     const SourceFile file = LookAtFile(path);
     if (!file.trouble.empty()) return Failed(file.trouble);
     // Nobody is asked twice who has refused it.
     ReadResult read = file.kind == kFileUnknown ? ReadResult{.refusal = file.refusal}
                                                 : ReadPicture(file, watch.Functions());
+    Keep(entry, stamp, read);
     const bool isEmpty = read.kind == kFileUnknown && IsEmptyFile(path);
     return Told(std::move(read), SubjectOf(path), isEmpty ? kEmptyFileText : L"");
 }
@@ -129,7 +148,7 @@ ReadToShow FetchAndRead(const std::wstring& path, PictureView& view, ViewWatch& 
     std::wstring failure;
     switch (FetchToShow(path, view, failure)) {
         case FetchEnd::kPassedBy:
-            return {{.passedBy = true}, {}, {}};
+            return {{.passedBy = true}, {}};
         case FetchEnd::kStopped:
             return Stopped();
         case FetchEnd::kFailed:
@@ -146,19 +165,33 @@ ReadToShow ReadMember(const std::wstring& archivePath, int32_t position, ViewWat
     if (PluginCallUnderWay()) return {};
     clsSusie* const archive = SusieCollection().ListedArchive(archivePath);
     if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
+    const AheadEntry entry{archivePath, position};
     std::wstring name;
     OwnedBlock content;
     std::wstring damage;
+    std::optional<AheadPicture> ready;
+    const std::optional<FileStamp> stamp = StampOf(archivePath);
     const auto failure = FailureIn(*archive, [&] {
         name = archive->Files(position);
         subject = SubjectOf(archivePath, name);
+        ready = Ahead().Take(entry);
+        if (ready || watch.IsStopped()) return;
         content = archive->DecodeArchive(position, watch.Functions().progress);
         damage = archive->Damage();
     });
     if (watch.IsStopped()) return Stopped();
     if (failure) return Failed(FailureText(subject, ReasonOf(*failure, archive->DllName())));
-    ReadToShow result =
-        Told(ReadPicture(content.Get(), FileNameOf(name), watch.Functions()), subject);
+    if (ready) {
+        damage = ready->memberDamage;
+    } else {
+        ready.emplace(
+            AheadPicture{.entry = entry,
+                         .stamp = stamp.value_or(FileStamp{}),
+                         .read = ReadPicture(content.Get(), FileNameOf(name), watch.Functions()),
+                         .memberDamage = damage});
+        if (stamp && IsPictureKind(ready->read.kind)) Ahead().Keep(ready->Another());
+    }
+    ReadToShow result = Told(*std::move(ready), subject);
     // What the member lacks is the cause of what its picture lacks.
     if (IsPictureKind(result.file.kind) && !damage.empty()) result.file.damage = std::move(damage);
     return result;

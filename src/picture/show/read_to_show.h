@@ -15,7 +15,8 @@ namespace tessary {
 struct ReadToShow {
     ShownFile file;
     Picture picture;
-    std::wstring subject;  // how messages name it
+    Picture prepared{};      // what the view is to show of it, when that was made ahead
+    std::wstring subject{};  // how messages name it
 };
 
 // Reads a file as ReadPicture (picture/read/read_picture.h) does.

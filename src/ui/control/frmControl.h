@@ -140,6 +140,10 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void WishIsThere();
     void CarryOutWishes();
 
+    // --- Reading ahead (frmControl_ahead.cpp) ---
+    bool IsInMotion() const;
+    void PlanAhead(const AheadEntry& shown);
+
     // --- The player (frmControl_player.cpp) ---
     void StartMotion(BarButton motion);
     bool BecomesWish(BarButton button);
@@ -192,6 +196,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     std::wstring shownPath_;    // the file that the view shows, or why it does not
     std::wstring cutNotice_;    // what was told of a list that was too long
     Wishes wishes_;
+    int travel_ = 1;            // the direction of the last step: 1 or -1
+    ULONGLONG lastLoad_ = 0;    // when it ended, in ticks
     bool keyRepeats_ = false;   // the message being handled is of a key that is held down
     HWND lastFocus_ = nullptr;  // the control that had the focus when it left them all
     int stops_ = 0;             // how often the stop button was pressed

@@ -3,6 +3,7 @@
 
 #include "app/base/message_box.h"
 #include "app/base/task_modal.h"
+#include "picture/ahead/pictures_ahead.h"
 #include "plugin/modSusie.h"
 #include "ui/control/frmControl_busy.h"
 #include "ui/dialogs/frmProgress.h"
@@ -71,6 +72,7 @@ void frmControl::WhileDeleting(const std::function<void(const DeletionNews&)>& d
     const TaskModal others(nullptr);
     frmProgress shown(Handle(), L"ファイルの削除");
     SusieCollection().UnloadFile();  // plug-ins keep archives open
+    Ahead().Rest();
     deletion([&](const std::wstring& path, int32_t done, int32_t total) {
         shown.Tell(path, done, total);
         return window_.Breathe() && !shown.IsStopped();

@@ -230,6 +230,7 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         loadingPath_ = path;
         passedBy_ = false;
         texts_.TellLoading(kTagLoading + name);
+        if (IsInMotion()) PlanAhead({path});
         shown = Show(name, [&] { return ShowFile(path, window_, *this); });
         loadingPath_.clear();
         texts_.EndLoading();
@@ -251,9 +252,10 @@ void frmControl::ShowListedFile(const std::wstring& path) {
     if (shown.kind != kFileArchive) {
         ShowNoArchive();
     } else if (sequence_.IsInArchive() && !CurrentActivity().quitRequested) {
-        sequence_.Members().Select(0);
+        return sequence_.Members().Select(0);
     }
     window_.pictureView().Refresh();
+    PlanAhead({path});
 }
 
 void frmControl::listArchiveFile_Click() {
@@ -282,6 +284,7 @@ void frmControl::ShowListedMember() {
     {
         const Busy busy(*this, kReading);
         texts_.TellLoading(place + kTagLoading + member);
+        if (IsInMotion()) PlanAhead({archive, position});
         shown = Show(member, [&] { return ShowArchiveMember(archive, position, window_); });
         texts_.EndLoading();
         window_.pictureView().Refresh();
@@ -294,6 +297,7 @@ void frmControl::ShowListedMember() {
     } else {
         texts_.TellNotShown(place + TagOf(shown) + member);
     }
+    PlanAhead({archive, position});
 }
 
 // No message box may stop a show.

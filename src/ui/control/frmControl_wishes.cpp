@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/base/paths.h"
+#include "picture/ahead/pictures_ahead.h"
 #include "picture/read/source_file.h"
 #include "res/resource.h"
 #include "ui/control/frmControl_busy.h"
@@ -49,7 +50,7 @@ bool frmControl::Search::IsKnown(const std::wstring& path) {
         begin_ = GetTickCount();
     }
     hasBegun_ = true;
-    return QueryFileKind(path) != kFileUnknown;
+    return Ahead().Has({path}) || QueryFileKind(path) != kFileUnknown;
 }
 
 bool frmControl::Search::GoesOn(int index, int done, int total) {
@@ -70,6 +71,7 @@ void frmControl::Search::End() {
 // Several steps at once show only where they lead to.
 bool frmControl::MoveBy(int steps, bool inArchive) {
     if (busy_ > 0 || steps == 0) return false;
+    travel_ = steps < 0 ? -1 : 1;
     Search search(*this);
     const StepTarget target = sequence_.Find(steps, inArchive, search);
     search.End();

@@ -44,6 +44,11 @@ class Player {
     // The button that last started or stopped a motion.
     BarButton PlayMode() const { return playMode_; }
     bool IsPlaying() const { return timer1_.IsRunning(); }
+    // Whether a motion goes back through the entries.
+    bool GoesBack() const {
+        return IsPlaying() &&
+               (playMode_ == BarButton::kRewind || playMode_ == BarButton::kReversePlay);
+    }
     // Whether the entries fly by, with no pause for looking at them.
     bool IsFast() const {
         return IsPlaying() &&

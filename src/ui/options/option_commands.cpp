@@ -7,6 +7,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/settings.h"
+#include "picture/ahead/pictures_ahead.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "ui/dialogs/folder_browser.h"
@@ -72,6 +73,7 @@ void OptionCommands::ShowOptions(HWND owner, int page) {
     SusieCollection().RefreshInfo();
     const bool isConfirmed = dialog.Edit(owner, page);
     SusieCollection().RefreshInfo();
+    Ahead().Forget();
     if (isConfirmed) Apply(dialog.Options(), owner);
 }
 
@@ -100,6 +102,7 @@ void OptionCommands::ReloadPlugins(HWND owner) {
         busy.SetCaption(kReloadCaption);
         frmProgress window(owner, kReloadCaption);
         SusieCollection().UnloadFile();
+        Ahead().Forget();
         const GeneralSettings before = Values().general;
         LoadSPI(TellIn(window));
         window_.SetPanelText(kNoticePanel, LoadingNotice());

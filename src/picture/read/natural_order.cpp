@@ -1,4 +1,4 @@
-#include "picture/show/natural_order.h"
+#include "picture/read/natural_order.h"
 
 #include <windows.h>
 

@@ -1,0 +1,90 @@
+// What is to be read ahead, what is being read, and what was: between the window's thread and those
+// that read.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "picture/ahead/ahead_cache.h"
+#include "plugin/own_plugins.h"
+
+namespace tessary {
+
+// What is wanted at a moment.
+struct AheadPlan {
+    // What is likely to be asked for next, the likeliest first; they are read in that order.
+    std::vector<AheadEntry> next{};
+    // What is shown, or about to be: it is kept, and not begun here.
+    AheadEntry shown{};
+    std::shared_ptr<const KnownPlugins> plugins{};
+    PreparePicture prepare{};
+    size_t budget = 0;  // bytes of pictures that are kept
+};
+
+// How it goes with one thing to read, for both sides.
+struct AheadProgress {
+    std::atomic<bool> isWanted = true;  // false: it is given up
+    std::atomic<int> done = 0;          // of the total; a total of 0: nobody knows
+    std::atomic<int> total = 0;
+};
+
+// One thing to read, for one of the threads.
+struct AheadTask {
+    AheadEntry entry{};
+    std::shared_ptr<const KnownPlugins> plugins{};
+    PreparePicture prepare{};
+    std::shared_ptr<AheadProgress> progress{};
+};
+
+class AheadBoard {
+  public:
+    explicit AheadBoard(size_t budget) { cache_.SetBudget(budget); }
+
+    // --- The window's thread ---
+
+    // What is being read and is wanted no more is given up.
+    void SetPlan(AheadPlan plan);
+    // A picture that was read otherwise, to be kept.
+    void Put(AheadPicture picture);
+    // One on the same memory, as AheadCache.
+    std::optional<AheadPicture> Find(const AheadEntry& entry, const FileStamp& stamp);
+    // Of what is being read and was not given up; null: it is not.
+    std::shared_ptr<AheadProgress> ProgressOf(const AheadEntry& entry) const;
+    bool IsBusy() const;
+    // Until a task has ended, at most so long.
+    void WaitForEnd(DWORD milliseconds);
+    // Nothing is planned and kept any more, and what is being read is given up.
+    void Forget();
+    // The same for good: the threads are to end.
+    void End();
+
+    // --- Those that read ---
+
+    // Waits for one, at most so long. Nothing: there is none.
+    std::optional<AheadTask> TakeTask(DWORD milliseconds);
+    // What has come of it; nothing: no picture that could be shown without another look. It is not
+    // tried again while it is planned.
+    void Finish(const AheadTask& task, std::optional<AheadPicture> picture);
+    bool HasEnded() const { return hasEnded_; }
+
+  private:
+    bool IsToDo(const AheadEntry& entry) const;
+    void GiveUpAll();
+
+    mutable std::mutex mutex_;
+    std::condition_variable planned_;
+    std::condition_variable finished_;
+    AheadPlan plan_;
+    AheadCache cache_;
+    std::vector<AheadTask> underWay_;
+    std::vector<AheadEntry> tried_;  // of the plan's
+    std::atomic<bool> hasEnded_ = false;
+};
+
+}  // namespace tessary

@@ -1,0 +1,58 @@
+#include "picture/ahead/ahead_cache.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace tessary {
+
+void AheadCache::SetBudget(size_t bytes) {
+    budget_ = bytes;
+    MakeRoom();
+}
+
+void AheadCache::SetWanted(std::vector<AheadEntry> wanted) {
+    wanted_ = std::move(wanted);
+}
+
+void AheadCache::Put(AheadPicture picture) {
+    std::erase_if(kept_, [&](const AheadPicture& kept) { return kept.entry == picture.entry; });
+    kept_.push_back(std::move(picture));
+    MakeRoom();
+}
+
+bool AheadCache::Has(const AheadEntry& entry) const {
+    return std::ranges::find(kept_, entry, &AheadPicture::entry) != kept_.end();
+}
+
+std::optional<AheadPicture> AheadCache::Find(const AheadEntry& entry, const FileStamp& stamp) {
+    const auto found = std::ranges::find(kept_, entry, &AheadPicture::entry);
+    if (found == kept_.end()) return std::nullopt;
+    // What somebody else has freed is no picture any more.
+    if (found->stamp == stamp && found->read.picture.IsThere()) return found->Another();
+    kept_.erase(found);
+    return std::nullopt;
+}
+
+std::vector<AheadPicture>::iterator AheadCache::LeastWanted() {
+    const auto isUnwanted = [&](const AheadPicture& kept) {
+        return std::ranges::find(wanted_, kept.entry) == wanted_.end();
+    };
+    const auto unwanted = std::ranges::find_if(kept_, isUnwanted);
+    if (unwanted != kept_.end()) return unwanted;
+    return std::ranges::max_element(kept_, {}, [&](const AheadPicture& kept) {
+        return std::ranges::find(wanted_, kept.entry) - wanted_.begin();
+    });
+}
+
+void AheadCache::MakeRoom() {
+    size_t bytes = std::transform_reduce(kept_.begin(), kept_.end(), size_t{0}, std::plus{},
+                                         [](const AheadPicture& kept) { return kept.Size(); });
+    while (bytes > budget_) {
+        const auto least = LeastWanted();
+        bytes -= least->Size();
+        kept_.erase(least);
+    }
+}
+
+}  // namespace tessary

@@ -1,0 +1,40 @@
+// The pictures that are kept for the next moment.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "picture/ahead/ahead_picture.h"
+
+namespace tessary {
+
+class AheadCache {
+  public:
+    // How many bytes of pictures are kept at most.
+    void SetBudget(size_t bytes);
+
+    // What is likely to be asked for, the likeliest first: when there is no room for all, what is
+    // not among it goes first, the oldest before the others, and then from its end.
+    void SetWanted(std::vector<AheadEntry> wanted);
+
+    // In place of one of the same entry. It is not kept when it has no room itself.
+    void Put(AheadPicture picture);
+
+    bool Has(const AheadEntry& entry) const;
+    // One on the same memory. Nothing, and it is not kept any more, when the file has changed
+    // since.
+    std::optional<AheadPicture> Find(const AheadEntry& entry, const FileStamp& stamp);
+
+    void Clear() { kept_.clear(); }
+
+  private:
+    void MakeRoom();
+    std::vector<AheadPicture>::iterator LeastWanted();
+
+    std::vector<AheadPicture> kept_;  // the newest last
+    std::vector<AheadEntry> wanted_;
+    size_t budget_ = 0;
+};
+
+}  // namespace tessary

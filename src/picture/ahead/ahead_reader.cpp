@@ -1,0 +1,117 @@
+#include "picture/ahead/ahead_reader.h"
+
+#include <utility>
+
+#include "app/base/error.h"
+#include "app/base/paths.h"
+#include "picture/ahead/ahead_rules.h"
+#include "picture/read/natural_order.h"
+#include "plugin/call_watch.h"
+#include "plugin/modSusie.h"
+
+namespace tessary {
+namespace {
+
+// Milliseconds without work, behind which memory and the plug-ins' files are given back.
+constexpr DWORD kRest = 30'000;
+
+// One look at what is wanted.
+class Attempt {
+  public:
+    explicit Attempt(const AheadTask& task) : task_(task) {}
+
+    // Nothing: there is no picture that could be shown as it is.
+    std::optional<AheadPicture> Read() {
+        const std::optional<FileStamp> stamp = StampOf(task_.entry.path);
+        if (!stamp || !MayBeReadAhead(task_.entry.path)) return std::nullopt;
+        AheadPicture picture{.entry = task_.entry, .stamp = *stamp};
+        const bool isRead = task_.entry.member == 0 ? ReadFile(picture) : ReadMember(picture);
+        if (!isRead || !IsGood(picture.read) || StampOf(task_.entry.path) != stamp) {
+            return std::nullopt;
+        }
+        if (task_.prepare) picture.prepared = task_.prepare(picture.read.picture);
+        return picture;
+    }
+
+  private:
+    bool IsWanted() const { return task_.progress->isWanted; }
+    bool Tell(int done, int total) const {
+        task_.progress->done = done;
+        task_.progress->total = total;
+        return IsWanted();
+    }
+
+    ReadWatch Watch() const {
+        return {[this](int done, int total) { return Tell(done, total); },
+                [this] { return !IsWanted(); }};
+    }
+
+    static bool IsGood(const ReadResult& read) {
+        return IsPictureKind(read.kind) && read.picture && !read.isStopped;
+    }
+
+    bool ReadFile(AheadPicture& picture) {
+        const SourceFile file = LookAtFile(task_.entry.path);
+        if (file.kind == kFileArchive) return ReadFirstPage(picture);
+        if (!IsPictureKind(file.kind)) return false;
+        picture.read = ReadPicture(file, Watch());
+        return true;
+    }
+
+    // An archive's own picture is the one that it is opened with.
+    bool ReadFirstPage(AheadPicture& picture) {
+        clsSusie* const archive = SusieCollection().ArchiveToList(task_.entry.path);
+        if (archive == nullptr) return false;
+        std::vector<ListedMember> members = archive->GetExpandFileList();
+        if (members.empty()) return false;
+        SortNaturally(members);
+        picture.entry.member = members.front().position;
+        return ReadMember(picture);
+    }
+
+    bool ReadMember(AheadPicture& picture) {
+        CollectionSusie& plugins = SusieCollection();
+        clsSusie* archive = plugins.ListedArchive(task_.entry.path);
+        if (archive == nullptr) archive = plugins.ArchiveToList(task_.entry.path);
+        if (archive == nullptr) return false;
+        const std::wstring name = archive->Files(picture.entry.member);
+        const OwnedBlock content = archive->DecodeArchive(picture.entry.member, Watch().progress);
+        picture.memberDamage = archive->Damage();
+        picture.read = ReadPicture(content.Get(), FileNameOf(name), Watch());
+        return true;
+    }
+
+    const AheadTask& task_;
+};
+
+}  // namespace
+
+void ReadAhead(const std::shared_ptr<AheadBoard>& board, const ConnectorMaker& connect) {
+    std::optional<OwnPlugins> plugins;
+    std::shared_ptr<const KnownPlugins> known;
+    while (!board->HasEnded()) {
+        const std::optional<AheadTask> task = board->TakeTask(kRest);
+        if (!task) {
+            plugins.reset();
+            continue;
+        }
+        std::optional<AheadPicture> picture;
+        Trapped([&] {
+            if (!plugins || known != task->plugins) {
+                plugins.reset();
+                known = task->plugins;
+                plugins.emplace(connect(), *known);
+            }
+            const CallWatch watch([&](const WaitedCall&) {
+                return task->progress->isWanted ? CallWish::kGoesOn : CallWish::kStops;
+            });
+            const uint32_t crashes = Caller().crashes;
+            picture = Attempt(*task).Read();
+            // That has to be told and counted, where it is asked for.
+            if (Caller().crashes != crashes) picture.reset();
+        });
+        board->Finish(*task, std::move(picture));
+    }
+}
+
+}  // namespace tessary

@@ -1,0 +1,49 @@
+#include "picture/ahead/ahead_rules.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "app/base/distant_file.h"
+
+namespace tessary {
+namespace {
+
+constexpr size_t kDriveLength = 3;  // as `C:\`; other paths are a network's
+
+constexpr unsigned kMostThreads = 4;
+
+constexpr uint64_t kMostBytes = uint64_t{sizeof(void*) == 4 ? 512 : 4096} << 20;
+constexpr uint64_t kShareOfRoom = 4;  // of the addresses that are free, for one block must be found
+
+// SystemStatusFlag of SYSTEM_POWER_STATUS, which was reserved before Windows 10.
+constexpr BYTE kBatterySaverOn = 1;
+
+}  // namespace
+
+bool MayBeReadAhead(const std::wstring& path) {
+    const bool hasDrive = path.size() > kDriveLength && path[1] == L':';
+    if (!hasDrive || IsNotOnThisDisk(path)) return false;
+    const UINT type = GetDriveTypeW(path.substr(0, kDriveLength).c_str());
+    return type == DRIVE_FIXED || type == DRIVE_RAMDISK;
+}
+
+bool SavesBattery() {
+    SYSTEM_POWER_STATUS status{};
+    return GetSystemPowerStatus(&status) != FALSE && status.Reserved1 == kBatterySaverOn;
+}
+
+int ReadingThreads() {
+    return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads));
+}
+
+size_t AheadBudget() {
+    MEMORYSTATUSEX memory{};
+    memory.dwLength = sizeof(memory);
+    if (!GlobalMemoryStatusEx(&memory)) return 0;
+    return static_cast<size_t>(std::min<uint64_t>(
+        {memory.ullAvailPhys / 4, memory.ullAvailVirtual / kShareOfRoom, kMostBytes}));
+}
+
+}  // namespace tessary

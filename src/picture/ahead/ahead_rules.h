@@ -1,0 +1,23 @@
+// Where and when reading ahead does more good than harm.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace tessary {
+
+// Whether a file may be opened before anybody asks for it: it is on a fixed disk of this computer,
+// and nothing has to be fetched. From any thread.
+bool MayBeReadAhead(const std::wstring& path);
+
+// Whether the computer saves its battery: then nothing is read ahead.
+bool SavesBattery();
+
+// How many threads do it: as many as the machine has processors, up to four.
+int ReadingThreads();
+
+// How many bytes of pictures to keep: a quarter of the free memory, but no more than this process
+// has room for beside the picture that is shown.
+size_t AheadBudget();
+
+}  // namespace tessary

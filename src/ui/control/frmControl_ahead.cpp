@@ -1,0 +1,80 @@
+// What the control bar has read ahead: the neighbours of what it shows, in the direction of travel.
+#include <algorithm>
+#include <optional>
+
+#include "picture/ahead/ahead_rules.h"
+#include "picture/ahead/pictures_ahead.h"
+#include "picture/read/source_file.h"
+#include "ui/control/frmControl.h"
+#include "ui/form/activity.h"
+
+namespace tessary {
+namespace {
+
+// A load that begins so soon behind the end of the one before belongs to the same motion.
+constexpr ULONGLONG kMotionMilliseconds = 700;
+
+constexpr int kNeighbours = 2;    // in the direction of travel; one in the other
+constexpr int kLongestLook = 20;  // past entries that by their names are no pictures
+
+// Walks from the selected entry into one direction, through the archive's members first.
+class Walk {
+  public:
+    Walk(const FileSequence& sequence, int step)
+        : sequence_(sequence),
+          step_(step),
+          member_(sequence.IsInArchive() ? sequence.Members().Cursor() : -1),
+          file_(sequence.Files().Cursor()) {}
+
+    // The next entry that may be a picture or an archive; nothing when the way has ended.
+    std::optional<AheadEntry> Next() {
+        if (member_ >= 0) {
+            member_ += step_;
+            if (member_ >= 0 && member_ < sequence_.Members().Count()) {
+                return AheadEntry{sequence_.Archive(), sequence_.Members().At(member_).position};
+            }
+            member_ = -1;
+        }
+        for (int looks = 0; looks < kLongestLook && file_ >= 0; ++looks) {
+            file_ += step_;
+            if (file_ < 0 || file_ >= sequence_.Files().Count()) break;
+            const std::wstring& path = sequence_.Files().At(file_).path;
+            if (LookAtName(path).kind != kFileUnknown) return AheadEntry{path};
+        }
+        return std::nullopt;
+    }
+
+  private:
+    const FileSequence& sequence_;
+    int step_;
+    int member_;  // -1: among the files
+    int file_;
+};
+
+void Append(Walk walk, int count, std::vector<AheadEntry>& entries) {
+    for (int i = 0; i < count; ++i) {
+        std::optional<AheadEntry> next = walk.Next();
+        if (!next) return;
+        entries.push_back(*std::move(next));
+    }
+}
+
+}  // namespace
+
+// Else what is read ahead would only be in the way of what is read now.
+bool frmControl::IsInMotion() const {
+    return player_.IsPlaying() || GetTickCount64() - lastLoad_ < kMotionMilliseconds;
+}
+
+void frmControl::PlanAhead(const AheadEntry& shown) {
+    lastLoad_ = GetTickCount64();
+    if (CurrentActivity().quitRequested) return;
+    const int step = player_.IsPlaying() ? (player_.GoesBack() ? -1 : 1) : travel_;
+    const int count = IsLoading() ? std::max(kNeighbours, ReadingThreads() + 1) : kNeighbours;
+    std::vector<AheadEntry> next;
+    Append(Walk(sequence_, step), count, next);
+    Append(Walk(sequence_, -step), 1, next);
+    Ahead().Plan(std::move(next), shown, PreparationFor(window_));
+}
+
+}  // namespace tessary

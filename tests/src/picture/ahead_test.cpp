@@ -1,0 +1,167 @@
+// Reading ahead: with real plug-ins in real host processes, as the viewer does it.
+#include "picture/ahead/pictures_ahead.h"
+
+#include "app/settings/modValue.h"
+#include "host/host_connection.h"
+#include "plugin/call_watch.h"
+#include "plugin/modSusie.h"
+#include "tests/src/plugin/plugin_test.h"
+
+namespace tessary {
+namespace {
+
+const std::wstring kProgram = test::FinishedFolder() + L"tessary-host32.exe";
+
+bool Comes(const std::function<bool()>& condition) {
+    const ULONGLONG begin = GetTickCount64();
+    while (GetTickCount64() - begin < 10'000) {
+        if (condition()) return true;
+        Sleep(5);
+    }
+    return false;
+}
+
+class AheadTest : public test::PluginTest {
+  protected:
+    AheadTest() {
+        Values().general.readAhead = 1;
+        SetPluginConnector([this](const std::wstring& path) {
+            return std::make_unique<HostConnection>(path, pool_);
+        });
+        plugin_ = Plugin(L"iftst.spi");
+        SusieCollection().AddSPI(plugin_);
+        SusieCollection().AddSPI(Plugin(L"axtsa.spi"));
+        Ahead().Begin(2, [] { return OwnHostConnector(kProgram); });
+    }
+    ~AheadTest() override {
+        Ahead().End();
+        UnloadSPI();
+        SetPluginConnector({});
+    }
+
+    void Plan(std::vector<AheadEntry> next, PreparePicture prepare = {}) {
+        Ahead().Plan(std::move(next), {}, std::move(prepare));
+    }
+    static bool IsRead(const AheadEntry& entry) {
+        return Comes([&] { return Ahead().Has(entry); });
+    }
+    // Without waiting for anything.
+    static std::optional<AheadPicture> Taken(const AheadEntry& entry) {
+        const CallWatch watch([](const WaitedCall&) { return CallWish::kStops; });
+        return Ahead().Take(entry);
+    }
+
+    HostPool pool_{kProgram};
+    std::wstring plugin_;
+};
+
+TEST_F(AheadTest, WhatIsPlannedIsThereUntilItsFileChanges) {
+    const std::wstring kept = PictureFile();
+    const std::wstring changed = PictureFile();
+    Plan({{kept}, {changed}}, [](const Picture& picture) { return picture.Another(); });
+    ASSERT_TRUE(IsRead({kept}) && IsRead({changed}));
+    folder_.Write(FileNameOf(changed), "TST 30x20x24\n\n");
+    EXPECT_FALSE(Taken({changed}));
+    for (int again = 0; again < 2; ++again) {
+        const std::optional<AheadPicture> picture = Taken({kept});
+        ASSERT_TRUE(picture) << "it stays for the way back";
+        EXPECT_EQ(picture->read.picture.Width(), 3);
+        EXPECT_EQ(picture->prepared.Bits().data(), picture->read.picture.Bits().data());
+        EXPECT_EQ(picture->read.plugin, plugin_);
+    }
+    // Settings of plug-ins may have changed.
+    Ahead().Forget();
+    EXPECT_FALSE(Taken({kept}));
+}
+
+TEST_F(AheadTest, OfAnArchiveThePageComesThatItOpensWith) {
+    const std::wstring archive = folder_.Write(
+        L"book.tsa", test::ArchiveOf({{"10.tst", "TST 10x1x24\n\n"}, {"2.tst", "TST 2x1x24\n\n"}}));
+    Plan({{archive}});
+    ASSERT_TRUE(IsRead({archive, 2}));
+    EXPECT_EQ(Taken({archive, 2})->read.picture.Width(), 2);
+    Plan({{archive, 1}});
+    EXPECT_TRUE(IsRead({archive, 1})) << "of the archive that is bound by now";
+}
+
+TEST_F(AheadTest, NoEndOfAPluginIsFeltOrCountedBeforeItIsAskedFor) {
+    const std::wstring crashing = PictureFile("crash:av:GetPicture\n");
+    const std::wstring ending = PictureFile("crash:exit-well:GetPicture\n");
+    const std::wstring hanging = PictureFile("dirty:question:GetPicture\n");
+    const std::wstring good = PictureFile();
+    Plan({{hanging}, {crashing}, {ending}, {good}});
+    ASSERT_TRUE(IsRead({good}));
+    EXPECT_FALSE(Ahead().Has({crashing}) || Ahead().Has({ending}));
+    // Who is asked for what hangs there is not left waiting without a say, and both threads are
+    // soon free again.
+    const std::wstring next = PictureFile();
+    const std::wstring other = PictureFile("dirty:slow:GetPicture\n");
+    int asked = 0;
+    {
+        const CallWatch watch([&](const WaitedCall&) {
+            return ++asked < 3 ? CallWish::kGoesOn : CallWish::kStops;
+        });
+        EXPECT_FALSE(Ahead().Take({hanging}));
+    }
+    EXPECT_EQ(asked, 3);
+    Plan({{next}, {other}});
+    EXPECT_TRUE(IsRead({next}) && IsRead({other}));
+    EXPECT_EQ(ReadErrorCount(plugin_, {}), 0);
+    EXPECT_TRUE(ReadPicture(LookAtFile(ending), {}).failure);
+    EXPECT_EQ(ReadErrorCount(plugin_, {}), 1) << "by the one who asks";
+}
+
+TEST_F(AheadTest, OnceAtRestOrSwitchedOffNothingIsUnderWay) {
+    const std::wstring hanging = PictureFile("dirty:question:GetPicture\n");
+    Plan({{hanging}, {PictureFile("dirty:question:GetPicture\n")}});
+    Sleep(300);
+    const ULONGLONG begin = GetTickCount64();
+    Ahead().Rest();
+    EXPECT_LT(GetTickCount64() - begin, 2000U);
+    const std::wstring next = PictureFile();
+    Plan({{next}});
+    EXPECT_TRUE(IsRead({next}));
+    Values().general.readAhead = 0;
+    const std::wstring good = PictureFile();
+    Plan({{good}});
+    Sleep(300);
+    EXPECT_FALSE(Ahead().Has({good}));
+}
+
+AheadPicture PictureOf(const std::wstring& path, int32_t width) {
+    dib::BitmapInfoHeader header{};
+    header.size = sizeof(header);
+    header.width = width;
+    header.height = 1;
+    header.planes = 1;
+    header.bitCount = 32;
+    const std::span info(reinterpret_cast<const uint8_t*>(&header), sizeof(header));
+    AheadPicture picture{.entry = {path}};
+    picture.read = {.kind = kFilePicture,
+                    .picture = Picture::Make(info, [](std::span<uint8_t>) { return true; })};
+    return picture;
+}
+
+TEST(AheadCacheTest, WhatIsLeastWantedMakesRoom) {
+    const AheadPicture shown = PictureOf(L"shown", 1000);
+    const size_t size = shown.Size();
+    AheadCache cache;
+    cache.SetBudget(3 * size);
+    cache.SetWanted({{L"shown"}, {L"next"}, {L"second"}});
+    const auto has = [&](const wchar_t* path) { return cache.Find({path}, {}).has_value(); };
+    for (const wchar_t* path : {L"older", L"old", L"shown"})
+        cache.Put(PictureOf(path, 1000));
+    cache.Put(PictureOf(L"next", 1000));
+    EXPECT_TRUE(!has(L"older") && has(L"old") && has(L"shown") && has(L"next"));
+    cache.Put(PictureOf(L"second", 1000));
+    EXPECT_TRUE(!has(L"old") && has(L"second"));
+    cache.SetBudget(2 * size);
+    EXPECT_TRUE(!has(L"second") && has(L"shown") && has(L"next"));
+    cache.Put(PictureOf(L"huge", 5000));
+    EXPECT_TRUE(!has(L"huge") && has(L"shown") && has(L"next")) << "nor for what has none itself";
+    EXPECT_FALSE(cache.Find({L"next"}, {.size = 1}));
+    EXPECT_FALSE(cache.Has({L"next"})) << "a file that has changed";
+}
+
+}  // namespace
+}  // namespace tessary
