@@ -1,9 +1,13 @@
 // browse_bench fill           filling the file list with 32,002 names, beside a bare list box
 // browse_bench forward FILE…  fast-forward over files, per picture, beside decoding and displaying
 //                             the same files
+// browse_bench neighbour FILE… a step to the next file after a second's rest, fit to the screen,
+//                             beside the same without reading ahead
+// browse_bench hold FILE…     stepping through files as fast as it goes, the same way
 #include <windows.h>
 
 #include <cstdio>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -11,6 +15,8 @@
 #include "bench/common/finished_program.h"
 #include "bench/common/hosted_plugins.h"
 #include "bench/common/stopwatch.h"
+#include "picture/ahead/ahead_rules.h"
+#include "picture/ahead/pictures_ahead.h"
 #include "picture/show/modShowPicture.h"
 #include "ui/control/frmControl.h"
 #include "ui/form/activity.h"
@@ -108,6 +114,63 @@ int BenchForward(const std::vector<std::wstring>& files) {
     return 0;
 }
 
+// For its own life pictures are read ahead.
+struct ReadingAhead {
+    ReadingAhead() {
+        Ahead().Begin(ReadingThreads(), [] { return OwnConnector(); });
+    }
+    ~ReadingAhead() { Ahead().End(); }
+};
+
+void LookAtPicture(DWORD milliseconds) {
+    const DWORD begin = GetTickCount();
+    while (GetTickCount() - begin < milliseconds) {
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        DoEvents();
+    }
+}
+
+// Milliseconds of each step from the first file to the last.
+std::vector<double> Steps(const std::vector<std::wstring>& files, DWORD rest) {
+    Program program;
+    program.bar.SetFileList(files);
+    std::vector<double> times;
+    for (size_t i = 1; i < files.size(); ++i) {
+        LookAtPicture(rest);
+        times.push_back(Timed([&] {
+            program.bar.Press(BarButton::kStepForward);
+            program.window.pictureView().Refresh();
+        }));
+    }
+    if (program.bar.listFileName().Selected() != static_cast<int>(files.size()) - 1) return {};
+    return times;
+}
+
+int BenchSteps(const std::vector<std::wstring>& files, DWORD rest) {
+    LoadPluginsOf(FinishedFolder());
+    Values().fixSizeValue = kSizeModeScreen;
+    std::vector<double> bare;
+    std::vector<double> ahead;
+    for (int run = 0; run < 3; ++run) {  // in turn
+        for (const double time : Steps(files, rest))
+            bare.push_back(time);
+        const ReadingAhead reading;
+        for (const double time : Steps(files, rest))
+            ahead.push_back(time);
+    }
+    if (bare.empty() || ahead.empty()) return 1;
+    const auto mean = [](const std::vector<double>& times) {
+        return std::accumulate(times.begin(), times.end(), 0.0) / static_cast<double>(times.size());
+    };
+    std::printf("step, %4lu ms of rest        median %7.2f ms, mean %7.2f ms\n", rest, Median(bare),
+                mean(bare));
+    std::printf(
+        "with reading ahead          median %7.2f ms, mean %7.2f ms   pictures per second "
+        "%.2f times\n",
+        Median(ahead), mean(ahead), mean(bare) / mean(ahead));
+    return 0;
+}
+
 }  // namespace
 }  // namespace tessary
 
@@ -122,6 +185,8 @@ int wmain(int count, wchar_t** arguments) {
     int result = 2;
     if (command == L"fill") result = BenchFill();
     if (command == L"forward") result = BenchForward({arguments + 2, arguments + count});
+    if (command == L"neighbour") result = BenchSteps({arguments + 2, arguments + count}, 1000);
+    if (command == L"hold") result = BenchSteps({arguments + 2, arguments + count}, 0);
     UnloadSPI();
     RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str());
     return result;

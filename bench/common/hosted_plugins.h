@@ -22,4 +22,9 @@ inline void UsePluginsAsTheViewer() {
         [](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, pool); });
 }
 
+// Plug-ins in a host process of their own.
+inline PluginConnector OwnConnector() {
+    return OwnHostConnector(FinishedFolder() + kHostProgram);
+}
+
 }  // namespace tessary::bench
