@@ -50,10 +50,15 @@ void CollectionSusie::Remove(int32_t index) {
 
 void CollectionSusie::RemoveAll() {
     if (PluginCallUnderWay()) return;
-    order_.members.clear();
-    leftOut_.clear();
+    StartOver();
     skipped_.clear();
     memory_.reset();
+}
+
+void CollectionSusie::StartOver() {
+    if (PluginCallUnderWay()) return;
+    order_.members.clear();
+    leftOut_.clear();
     ForgetSearches();
 }
 
@@ -129,6 +134,7 @@ void CollectionSusie::ForgetSearches() {
 }
 
 int32_t CollectionSusie::InsertionIndex(int32_t total) const {
+    if (total <= 0) return 0;
     const auto at =
         std::find_if(order_.members.begin(), order_.members.end(),
                      [&](const auto& member) { return member->ErrorCount({}) >= total; });

@@ -66,6 +66,9 @@ class CollectionSusie {
 
     void Remove(int32_t index);
     void RemoveAll();
+    // Removes the members for another look at the same files: those that are skipped this time stay
+    // so, and what is remembered was read.
+    void StartOver();
     // Removes the members whose plug-in turned out to be unusable; answers the new Count.
     int32_t Compact();
 
@@ -80,7 +83,8 @@ class CollectionSusie {
     void BeginLoading(Asking asking);
     void EndLoading(std::span<const std::wstring> folders);
 
-    // Whether a plug-in file is to be added now; false leaves it out (kWaiting).
+    // Whether a plug-in file may be asked now; false leaves it out (kWaiting), unless what it tells
+    // is remembered.
     using ScanStep = std::function<bool(const std::wstring& path)>;
 
     // Adds the plug-ins of a folder and answers Count. With more than 50 plug-ins dynamic loading
@@ -195,8 +199,9 @@ class CollectionSusie {
     std::unique_ptr<clsSusie> MakeMember();
     // To be called when members have come, gone or moved.
     void ForgetSearches();
+    bool Add(const std::wstring& path, Asking asking);
     std::optional<LeftOutReason> LoadPlugin(clsSusie& added, const std::wstring& path,
-                                            uint32_t& loadError);
+                                            Asking asking, uint32_t& loadError);
     std::optional<LeftOutReason> TryOut(clsSusie& added, const std::wstring& plugin,
                                         uint32_t& loadError);
     void Remember(const std::wstring& plugin, const FileStamp& stamp, const clsSusie& added,

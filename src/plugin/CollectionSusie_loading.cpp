@@ -44,36 +44,44 @@ int32_t CollectionSusie::FScanAllSPI(const std::wstring& folder, const ScanStep&
     if (!CanCallPlugins() || !IsFolder(folder)) return Count();
     int32_t count = Count();
     for (const std::wstring& path : PluginFiles(folder)) {
-        if (PluginsAreStopped() || (step && !step(path))) {
+        if (PluginsAreStopped()) {
             NoteLeftOut(path, LeftOutReason::kWaiting);
             continue;
         }
-        if (Item(FullPathOf(path)) != nullptr) continue;
-        AddSPI(path);
+        // Whoever does not want to wait for the rest still has those that are remembered.
+        const bool goesOn = !step || step(path);
+        if (!Add(path, goesOn ? asking_ : Asking::kNobody)) continue;
         if (++count >= kDynamicLoadCount && !dynamicLoad_) SetDynamicLoad(true);
     }
     return Count();
 }
 
 void CollectionSusie::AddSPI(const std::wstring& path) {
-    if (PluginCallUnderWay() || Item(FullPathOf(path)) != nullptr) return;
+    if (!PluginCallUnderWay()) Add(path, asking_);
+}
+
+// False when it has to wait.
+bool CollectionSusie::Add(const std::wstring& path, Asking asking) {
+    if (Item(FullPathOf(path)) != nullptr) return true;
     std::unique_ptr<clsSusie> added = MakeMember();
     uint32_t loadError = 0;
-    const std::optional<LeftOutReason> refusal = LoadPlugin(*added, path, loadError);
+    const std::optional<LeftOutReason> refusal = LoadPlugin(*added, path, asking, loadError);
     NoteLeftOut(path, refusal, loadError);
+    if (refusal == LeftOutReason::kWaiting) return false;
     order_.members.insert(order_.members.begin() + InsertionIndex(added->ErrorCount({})),
                           std::move(added));
     ForgetSearches();
+    return true;
 }
 
 // Whatever the store refuses to tell or to note, a plug-in that works is loaded.
 std::optional<LeftOutReason> CollectionSusie::LoadPlugin(clsSusie& added, const std::wstring& path,
-                                                         uint32_t& loadError) {
+                                                         Asking asking, uint32_t& loadError) {
     const std::wstring plugin = FullPathOf(path);
     const std::optional<FileStamp> stamp = memory_ ? StampOf(plugin) : std::nullopt;
     const RememberedPlugin* known = stamp ? memory_->Find(plugin, *stamp) : nullptr;
-    if (asking_ == Asking::kAll) known = nullptr;
-    if (known == nullptr && asking_ == Asking::kNobody) return LeftOutReason::kWaiting;
+    if (asking == Asking::kAll) known = nullptr;
+    if (known == nullptr && asking == Asking::kNobody) return LeftOutReason::kWaiting;
     // A replaced file must not be judged by the failures of the one before.
     const bool isNew = known == nullptr && Trapped(false, [&] { return CheckFileDate(plugin); });
     if (const auto barred = WhyBarred(plugin)) return barred;

@@ -128,6 +128,7 @@ bool LoadSPI(const LoadingProgress& progress, Asking asking) {
 bool LoadWaitingSPI(const LoadingProgress& progress) {
     if (PluginCallUnderWay() || PluginsAreStopped()) return false;
     return Trapped(false, [&] {
+        SusieCollection().StartOver();  // so that the order is the same as in one go
         ScanTelling(Asking::kUnknown, progress);
         return true;
     });

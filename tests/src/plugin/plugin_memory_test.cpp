@@ -98,6 +98,26 @@ TEST_F(PluginMemoryTest, AStartLoadsOnlyWhatMayTellSomethingNew) {
     EXPECT_EQ(Told(), told);
     EXPECT_EQ(GetSetting(L"SPI_FATALLOADS", folder_.Path() + L"a.spi"), L"1") << "was not loaded";
 
+    // Somebody does not want to wait for a new one: it comes to its place the next time.
+    const auto names = [] {
+        std::wstring all;
+        for (const KnownPlugin& one : SusieCollection().Known())
+            all += FileNameOf(one.path) + L' ';
+        return all;
+    };
+    Plugin(L"minimal.spi", {}, L"b.spi");
+    Start();
+    EXPECT_TRUE(LoadWaitingSPI([](const std::wstring&, int32_t, int32_t) { return false; }));
+    EXPECT_TRUE(SusieCollection().IsWaiting());
+    const std::wstring without = names();
+    EXPECT_EQ(without.find(L"b.spi "), without.npos);
+    EXPECT_NE(without.find(L"a.spi "), without.npos);
+    StartToItsEnd();
+    const std::wstring with = names();
+    EXPECT_NE(with.find(L"b.spi "), with.npos);
+    StartToItsEnd();
+    EXPECT_EQ(names(), with);
+
     // A change by some seconds, and one within a second.
     for (const uint64_t later : {50'000'000, 1}) {
         const std::wstring path = folder_.Path() + L"a.spi";
