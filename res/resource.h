@@ -194,6 +194,12 @@
 #define cmdSPISetup 3116
 #define cmdSPIErrorClear 3117
 #define labelSPIEnds 3118
+#define labelAskingSeconds 3119
+#define textAskingSeconds 3120
+#define labelAskingUnit 3121
+#define labelWorkingSeconds 3122
+#define textWorkingSeconds 3123
+#define labelWorkingUnit 3124
 
 #define combSaveType1 3200
 #define combSaveType2 3201

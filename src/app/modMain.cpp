@@ -14,6 +14,7 @@
 #include "app/base/quit.h"
 #include "app/base/text.h"
 #include "app/first_run.h"
+#include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "host/host_connection.h"
 #include "picture/ahead/ahead_rules.h"
@@ -128,11 +129,17 @@ int Main() {
 }
 
 bool InitializeApplication(HelperLibraries& libraries) {
-    UseHostProcess([](std::span<const HANDLE> handles, DWORD milliseconds, bool isUsers) {
-        if (isUsers) return WaitHandlingMessages(handles, milliseconds);
-        WaitPainting(handles, milliseconds);
-        return true;
-    });
+    UseHostProcess(
+        [](std::span<const HANDLE> handles, DWORD milliseconds, bool isUsers) {
+            if (isUsers) return WaitHandlingMessages(handles, milliseconds);
+            WaitPainting(handles, milliseconds);
+            return true;
+        },
+        [] {
+            const GeneralSettings& general = Values().general;
+            return HostLimits{.asking = static_cast<DWORD>(general.askingSeconds) * 1000,
+                              .working = static_cast<DWORD>(general.workingSeconds) * 1000};
+        });
     Ahead().Begin(ReadingThreads(), [] { return OwnHostConnector(); });
     libraries = CheckHelperLibraries();
     if (libraries && !PathExists(AppFolder() + kHostProgram)) {

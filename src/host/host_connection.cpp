@@ -129,8 +129,9 @@ OwnedBlock BlockOf(const std::optional<HostSections::Lease>& section) {
 
 }  // namespace
 
-void UseHostProcess(HostWait wait) {
+void UseHostProcess(HostWait wait, std::function<HostLimits()> limits) {
     static HostPool pool(HostProgram(), {}, std::move(wait));
+    pool.FollowLimits(std::move(limits));
     SetPluginConnector(
         [](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, pool); });
 }

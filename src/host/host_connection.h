@@ -1,6 +1,8 @@
 // A plug-in in a host process.
 #pragma once
 
+#include <functional>
+
 #include "host/host_pool.h"
 #include "plugin/plugin_connection.h"
 
@@ -60,8 +62,9 @@ class HostConnection final : public PluginConnection {
 // The program of a host process; it is beside this one.
 inline constexpr wchar_t kHostProgram[] = L"tessary-host32.exe";
 
-// Has all further connections of this thread lead to one host process.
-void UseHostProcess(HostWait wait);
+// Has all further connections of this thread lead to one host process. `limits` is asked for at
+// each call.
+void UseHostProcess(HostWait wait, std::function<HostLimits()> limits);
 
 // The full path of that program.
 std::wstring HostProgram();

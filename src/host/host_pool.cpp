@@ -30,7 +30,7 @@ PluginEnds Sum(const PluginEnds& one, const PluginEnds& other) {
 
 HostPool::HostPool(std::wstring program, HostLimits limits, HostWait wait, Blame blame)
     : program_(std::move(program)),
-      limits_(limits),
+      limits_([limits] { return limits; }),
       wait_(std::move(wait)),
       blame_(std::move(blame)) {}
 
@@ -117,7 +117,7 @@ void HostPool::EndSuperfluous(const std::wstring& used) {
         const bool isRunning = slot.host != nullptr && slot.host->IsAlive();
         if (isRunning) {
             slot.host->Call({.operation = HostOperation::kIsInUse, .plugin = plugin},
-                            limits_.asking, {}, {}, reply);
+                            limits_().asking, {}, {}, reply);
         }
         // Its settings window may still be open.
         slot.usedAt = now;

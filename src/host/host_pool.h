@@ -35,7 +35,9 @@ class HostPool {
     // Whether the plug-in is not to be called any more (PluginEnds::IsGivenUp).
     bool IsGivenUp(const std::wstring& plugin);
 
-    const HostLimits& Limits() const { return limits_; }
+    HostLimits Limits() const { return limits_(); }
+    // Has them asked for at each call, in place of fixed ones.
+    void FollowLimits(std::function<HostLimits()> limits) { limits_ = std::move(limits); }
 
     // Notes an end and hands it on to whoever is told of it; what he throws goes nowhere.
     void Tell(const PluginEnd& end);
@@ -59,7 +61,7 @@ class HostPool {
     void EndSuperfluous(const std::wstring& used);
 
     std::wstring program_;
-    HostLimits limits_;
+    std::function<HostLimits()> limits_;
     HostWait wait_;
     Blame blame_;
     std::map<std::wstring, Slot> slots_;      // by plug-in, in upper case

@@ -1,6 +1,16 @@
 #include "app/settings/modValue.h"
 
+#include <algorithm>
+
 namespace tessary {
+
+void PutSecondsRight(GeneralSettings& general) {
+    const auto put = [](int16_t& seconds, int16_t standard, int16_t most) {
+        seconds = seconds <= 0 ? standard : std::min(seconds, most);
+    };
+    put(general.askingSeconds, kAskingSeconds, kMostAskingSeconds);
+    put(general.workingSeconds, kWorkingSeconds, kMostWorkingSeconds);
+}
 
 ProcessValues& Values() {
     static ProcessValues values;

@@ -12,6 +12,12 @@ namespace tessary {
 
 constexpr int kPluginFolderCount = 3;
 
+// How many seconds a plug-in may give no sign of life, and how many may be chosen.
+constexpr int16_t kAskingSeconds = 2;    // when it is asked what it reads
+constexpr int16_t kWorkingSeconds = 20;  // at anything else
+constexpr int16_t kMostAskingSeconds = 60;
+constexpr int16_t kMostWorkingSeconds = 3600;
+
 // Settings of the section `General`, but for the display size mode.
 struct GeneralSettings {
     int16_t useSPI = 0;                          // 1: use Susie plug-ins
@@ -35,9 +41,14 @@ struct GeneralSettings {
     int16_t spiExt = 0;          // 1: choose plug-ins by file name alone
     int16_t openFolderType = 0;  // 0: the classic folder dialog, else the system's
     int16_t readAhead = 1;       // 1: pictures are read before they are asked for
+    int16_t askingSeconds = kAskingSeconds;
+    int16_t workingSeconds = kWorkingSeconds;
 
     bool operator==(const GeneralSettings&) const = default;
 };
+
+// Puts the numbers of seconds right that somebody has typed: 0 and less stand for the default.
+void PutSecondsRight(GeneralSettings& general);
 
 // What the converter does where a file of the name that it would write is there already: a value
 // of ConvertSettings::onConflict.

@@ -94,6 +94,9 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
     transfer(L"EmptySPI_3", general.emptySPI[2], L"False");
     transfer(L"ProgramFolder", general.programFolder, L"");
+    transfer(L"PluginAskingSeconds", general.askingSeconds, ToSettingText(int32_t{kAskingSeconds}));
+    transfer(L"PluginWorkingSeconds", general.workingSeconds,
+             ToSettingText(int32_t{kWorkingSeconds}));
 }
 
 template <typename Section>
@@ -171,6 +174,7 @@ bool ReadGeneralSettings() {
     return Transferred(kReadErrorText, MB_OK, [] {
         TransferGeneral(SectionReader(L"General"));
         FollowProgram(Values().general);
+        PutSecondsRight(Values().general);
         TransferFileFormat(SectionReader(L"FileFormat"));
     });
 }

@@ -11,9 +11,9 @@
 namespace tessary {
 namespace {
 
-constexpr DWORD kBeat = 10;            // milliseconds between two looks at whether to go on
-constexpr DWORD kPatience = 5000;       // with a thread that tells nothing new
-constexpr ULONGLONG kFarewell = 700;   // for all threads to end
+constexpr DWORD kBeat = 10;           // milliseconds between two looks at whether to go on
+constexpr DWORD kPatience = 5000;     // with a thread that tells nothing new
+constexpr ULONGLONG kFarewell = 700;  // for all threads to end
 
 bool IsWanted(const WaitedCall& call) {
     const CallWatcher& watcher = Caller().watcher;

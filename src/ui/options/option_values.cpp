@@ -79,6 +79,7 @@ OptionValues CurrentOptions() {
 void SetOptions(const OptionValues& options) {
     ProcessValues& values = Values();
     values.general = options.general;
+    PutSecondsRight(values.general);
     for (std::wstring& folder : values.general.spiFolder)
         folder = PlainFolder(folder);
     const ConvertSettings former = std::exchange(values.convert, options.convert);

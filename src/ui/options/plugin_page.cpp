@@ -67,6 +67,8 @@ void PluginPage::AttachControls() {
     }
     fields.Check(checkDynamicSPILoad, general.dynamicSPILoad);
     fields.Check(checkSPIExt, general.spiExt);
+    fields.Number(textAskingSeconds, general.askingSeconds, 0, kMostAskingSeconds);
+    fields.Number(textWorkingSeconds, general.workingSeconds, 0, kMostWorkingSeconds);
 
     listSPI_.Attach(Dialog(), listSPI);
     SetPluginColumns(listSPI_);
@@ -96,7 +98,10 @@ void PluginPage::ShowState() {
         Fields().SetEnabled({textSPIFolder_0 + i, cmdSPIFolder_0 + i},
                             general.useSPI != 0 && general.loadSPI[i]);
     }
-    Fields().SetEnabled({checkDynamicSPILoad, checkSPIExt}, general.useSPI != 0);
+    Fields().SetEnabled(
+        {checkDynamicSPILoad, checkSPIExt, labelAskingSeconds, textAskingSeconds, labelAskingUnit,
+         labelWorkingSeconds, textWorkingSeconds, labelWorkingUnit},
+        general.useSPI != 0);
     ShowSelection();
 }
 

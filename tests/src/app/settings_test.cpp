@@ -32,6 +32,8 @@ TEST_F(SettingsTest, ValuesComeBackAndHaveDefaults) {
         {L"General", L"SlideShowTime", L"500", L"-1"},
         {L"General", L"OpenPath", appFolder, LR"(C:\open)"},
         {L"General", L"FixSizeValue", L"0", L"4"},
+        {L"General", L"PluginAskingSeconds", L"2", L"0", L"2"},
+        {L"General", L"PluginWorkingSeconds", L"20", L"32767", L"3600"},
         {L"Convert", L"SavePath", appFolder, LR"(C:\save)"},
         {L"Convert", L"UnpackArchive", L"1", L"0"},
         {L"Convert", L"MinDecodeSizeX", L"0", L"70000"},

@@ -98,9 +98,8 @@ TEST_F(AheadTest, NoEndOfAPluginIsFeltOrCountedBeforeItIsAskedFor) {
     const std::wstring other = PictureFile("dirty:slow:GetPicture\n");
     int asked = 0;
     {
-        const CallWatch watch([&](const WaitedCall&) {
-            return ++asked < 3 ? CallWish::kGoesOn : CallWish::kStops;
-        });
+        const CallWatch watch(
+            [&](const WaitedCall&) { return ++asked < 3 ? CallWish::kGoesOn : CallWish::kStops; });
         EXPECT_FALSE(Ahead().Take({hanging}));
     }
     EXPECT_EQ(asked, 3);

@@ -101,6 +101,12 @@ TEST_F(OptionsTest, PluginsAreLoadedAnewOnlyWhenSomethingAboutThemChanges) {
                     Click(dialog, checkLoadSPI_1);
                     Type(dialog, textSPIFolder_1, LR"( "C:\gone" )");
                     Press(dialog, cmdApply);
+                    // How long they may be silent counts from the next call on.
+                    Type(dialog, textWorkingSeconds, L"9");
+                    Type(dialog, textAskingSeconds, L"");
+                    Press(dialog, cmdApply);
+                    EXPECT_EQ(GetSetting(L"General", L"PluginWorkingSeconds"), L"9");
+                    EXPECT_EQ(Values().general.askingSeconds, kAskingSeconds);
                     ASSERT_EQ(Column(dialog, listSPI, 0).size(), 3U);
                     EXPECT_EQ(Column(dialog, listSPI, 0)[2], LR"(C:\gone\)");
                     EXPECT_EQ(Column(dialog, listSPI, 4)[2], L"見つかりません");
