@@ -64,6 +64,8 @@ ReasonName NameOf(FileReason reason) {
             return {L"plugin-failed", L"プラグインが読み取れない"};
         case FileReason::kPluginCrashed:
             return {L"plugin-crashed", L"プラグインの異常終了"};
+        case FileReason::kPluginSilent:
+            return {L"plugin-silent", L"応答なし"};
         case FileReason::kNoMembers:
             return {L"no-members", L"圧縮ファイルの中にファイルがない"};
         case FileReason::kBadName:

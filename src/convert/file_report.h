@@ -45,6 +45,7 @@ enum class FileReason {
     kDamaged,        // a part of the picture is missing; also of converted ones
     kPluginFailed,
     kPluginCrashed,
+    kPluginSilent,
     kNoMembers,
     kBadName,  // a member's that no file can have
     kOutOfMemory,

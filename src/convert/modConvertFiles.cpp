@@ -255,9 +255,10 @@ void ConvertRun::ReportUnknown(FileAtHand& file, const SourceFile& source) {
     } else if (const FileReason reason = ReasonUnknown(source.path);
                reason == FileReason::kUnknownFormat && source.refusal) {
         const Search::Refusal& refusal = *source.refusal;
-        log_.WriteConvertLog(L"詳細情報", refusal.reason, 2);
-        file.Report(FileOutcome::kFailed, ReasonOf(refusal),
-                    refusal.reason + L" (" + SusieCollection().NameOf(refusal.dllName) + L')');
+        const FileReason why = ReasonOf(refusal);
+        const bool isSilent = why == FileReason::kPluginSilent;
+        log_.WriteConvertLog(L"詳細情報", isSilent ? ReasonText(why) : refusal.reason, 2);
+        file.Report(FileOutcome::kFailed, why, FailureText(refusal));
     } else {
         file.Report(FileOutcome::kFailed, reason);
     }

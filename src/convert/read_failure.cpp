@@ -26,10 +26,21 @@ FileReason ReasonTold(susie::Condition condition) {
     }
 }
 
+// Of one whose last error that was.
+FileReason ReasonOfCrash(const std::wstring& lastError) {
+    return lastError == kPluginSilentText ? FileReason::kPluginSilent : FileReason::kPluginCrashed;
+}
+
+std::wstring WithPlugin(const std::wstring& lastError, const std::wstring& plugin) {
+    const bool isSilent = lastError == kPluginSilentText;
+    return (isSilent ? ReasonText(FileReason::kPluginSilent) : lastError) + L" (" +
+           SusieCollection().NameOf(plugin) + L')';
+}
+
 }  // namespace
 
 FileReason ReasonOf(const Search::Refusal& refusal) {
-    if (refusal.hasCrashed) return FileReason::kPluginCrashed;
+    if (refusal.hasCrashed) return ReasonOfCrash(refusal.reason);
     const FileReason told = ReasonTold(refusal.condition);
     return told == FileReason::kNone ? FileReason::kPluginFailed : told;
 }
@@ -42,7 +53,7 @@ FileReason ReasonOf(const PluginFailure& failure) {
         case susie::kReadError:
             return FileReason::kUnreadable;
         case kResultCrashed:
-            return FileReason::kPluginCrashed;
+            return ReasonOfCrash(failure.lastError);
         default:
             break;
     }
@@ -53,7 +64,11 @@ FileReason ReasonOf(const PluginFailure& failure) {
 }
 
 std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey) {
-    return failure.lastError + L" (" + SusieCollection().NameOf(pluginKey) + L')';
+    return WithPlugin(failure.lastError, pluginKey);
+}
+
+std::wstring FailureText(const Search::Refusal& refusal) {
+    return WithPlugin(refusal.reason, refusal.dllName);
 }
 
 FileReason ReasonUnknown(const std::wstring& path) {

@@ -14,6 +14,7 @@ FileReason ReasonOf(const PluginFailure& failure);
 FileReason ReasonOf(const Search::Refusal& refusal);
 // The reason for the user, with the plug-in's name and what it tells.
 std::wstring FailureText(const PluginFailure& failure, const std::wstring& pluginKey);
+std::wstring FailureText(const Search::Refusal& refusal);
 
 // The reason why a file of unknown kind is not converted.
 FileReason ReasonUnknown(const std::wstring& path);

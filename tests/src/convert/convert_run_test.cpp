@@ -286,6 +286,25 @@ TEST_F(ConvertRunTest, StopDoesNotWaitForAHang) {
     ASSERT_EQ(monitor_.reports.size(), 1u);
     EXPECT_EQ(monitor_.reports[0].outcome, FileOutcome::kStopped);
     EXPECT_EQ(ReadErrorCount(plugins_.Path() + L"iftst.spi", {}), 0);
+
+    // Nobody is asked where nobody stops it.
+    hosts.FollowLimits([] { return HostLimits{.asking = 400, .working = 400}; });
+    monitor_.reports.clear();
+    monitor_.onLine = {};
+    monitor_.stepsLeft = -1;
+    monitor_.files.clear();
+    Add(L"c.tst", "TST 4x3x24\nearly:sleep:GetPicture\n");
+    Add(L"d.tsa", "TSA\nearly:sleep:GetArchiveInfo\n\n");
+    Add(L"e.tst", "TST 4x3x24\n");
+    EXPECT_TRUE(RunAnew());
+    ASSERT_EQ(monitor_.reports.size(), 3u);
+    for (const auto& [file, plugin] : {std::pair{0, L"iftst.spi"}, {1, L"axtsa.spi"}}) {
+        const FileReport& report = monitor_.reports[static_cast<size_t>(file)];
+        EXPECT_EQ(report.reason, FileReason::kPluginSilent) << file;
+        EXPECT_EQ(ReasonTextOf(report), std::wstring(L"応答なし (") + plugin + L")");
+    }
+    EXPECT_EQ(Converted(), L"e.png ");
+    EXPECT_TRUE(LogHolds(L"    詳細情報        応答なし"));
     UnloadSPI();
     SetPluginConnector({});
 }
