@@ -72,6 +72,7 @@ void AskNewPlugins(frmMain& window) {
     {
         const frmMain::Reading reading(window, L"プラグインを読み込んでいます");
         frmProgress progress(window.Handle(), kLoadingCaption);
+        const CallWatch calls = WatchIn(progress);
         LoadWaitingSPI(TellIn(progress));
     }
     window.ShowPluginCount();
