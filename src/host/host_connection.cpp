@@ -67,6 +67,8 @@ PluginAnswer EndedAnswer(HostEnd end, HostOperation operation) {
             return {susie::kAborted, {}, {}};
         case HostEnd::kRefused:
             return {kResultUnexpected, {}, {}};
+        case HostEnd::kHoarded:
+            return {kResultCrashed, {}, {kPluginHoardedText, function}, ProcessEnd::kDied};
         case HostEnd::kNoHost:
             return {kResultUnexpected, {}, {kNoHostText, function}};
         case HostEnd::kGivenUp:

@@ -15,8 +15,8 @@ namespace {
 constexpr DWORD kStartLimit = 10000;  // milliseconds; the first start after the system's is slow
 constexpr DWORD kEndLimit = 1000;     // that the freeing of plug-ins may take
 constexpr DWORD kBeat = 40;           // between two looks at whether to go on
-constexpr DWORD kLongestWait =
-    1000;  // in one piece: the system takes windows for hung that are longer silent
+// In one piece: what memory a host has is looked at, and windows are not to seem hung.
+constexpr DWORD kLongestWait = 250;
 
 // Exit codes from here on are those of exceptions that nobody has handled.
 constexpr DWORD kLeastException = 0x80000000;
@@ -58,13 +58,18 @@ UniqueProcess OwnHandle() {
     return UniqueProcess(own);
 }
 
-// A job whose processes end with its last handle. Null where there are none.
-UniqueJob EndingJob() {
+// A job whose processes end with its last handle, and get no more than so much memory. Null where
+// there are none.
+UniqueJob EndingJob(uint64_t memory) {
     UniqueJob job(CreateJobObjectW(nullptr, nullptr));
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
     limits.BasicLimitInformation.LimitFlags =
         JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_DIE_ON_UNHANDLED_EXCEPTION |
         JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;  // a browser that a settings window opens stays
+    if (memory <= SIZE_MAX) {
+        limits.BasicLimitInformation.LimitFlags |= JOB_OBJECT_LIMIT_PROCESS_MEMORY;
+        limits.ProcessMemoryLimit = static_cast<SIZE_T>(memory);
+    }
     if (job) {
         SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits,
                                 sizeof(limits));
@@ -78,8 +83,8 @@ struct StartedProcess {
     UniqueJob job;
 };
 
-std::optional<StartedProcess> StartWith(const std::wstring& program,
-                                        const ChannelHandles& handles) {
+std::optional<StartedProcess> StartWith(const std::wstring& program, const ChannelHandles& handles,
+                                        uint64_t memory) {
     InheritedHandles inherited({handles.page, handles.request, handles.answer, handles.program});
     if (!inherited.IsGood()) return std::nullopt;
     STARTUPINFOEXW start{};
@@ -93,7 +98,8 @@ std::optional<StartedProcess> StartWith(const std::wstring& program,
                         nullptr, &start.StartupInfo, &made)) {
         return std::nullopt;
     }
-    StartedProcess started{UniqueProcess(made.hProcess), UniqueThread(made.hThread), EndingJob()};
+    StartedProcess started{UniqueProcess(made.hProcess), UniqueThread(made.hThread),
+                           EndingJob(memory)};
     // Before Windows 8 there is none in another's job; the host sees by itself when we end.
     if (started.job) AssignProcessToJobObject(started.job.Get(), made.hProcess);
     ResumeThread(made.hThread);
@@ -106,16 +112,19 @@ std::optional<StartedProcess> StartWith(const std::wstring& program,
 }  // namespace
 
 HostProcess::HostProcess(UniqueProcess process, UniqueThread thread, UniqueJob job,
-                         ChannelEnd channel, UniqueEvent request, UniqueEvent answer, HostWait wait)
+                         ChannelEnd channel, UniqueEvent request, UniqueEvent answer, HostWait wait,
+                         uint64_t memory)
     : process_(std::move(process)),
       thread_(std::move(thread)),
       job_(std::move(job)),
       channel_(std::move(channel)),
       request_(std::move(request)),
       answer_(std::move(answer)),
-      wait_(std::move(wait)) {}
+      wait_(std::move(wait)),
+      memory_(process_.Get(), memory) {}
 
-std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, HostWait wait) {
+std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, HostWait wait,
+                                                uint64_t memory) {
     SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
     std::optional<Section> page = Section::Make(sizeof(ChannelPage), &inherited);
     UniqueEvent request(CreateEventW(&inherited, FALSE, FALSE, nullptr));
@@ -123,11 +132,12 @@ std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, Hos
     const UniqueProcess own = OwnHandle();
     if (!page || !request || !answer || !own) return nullptr;
     std::optional<StartedProcess> started =
-        StartWith(program, {page->Handle(), request.Get(), answer.Get(), own.Get()});
+        StartWith(program, {page->Handle(), request.Get(), answer.Get(), own.Get()}, memory);
     if (!started) return nullptr;
-    std::unique_ptr<HostProcess> host(new HostProcess(
-        std::move(started->process), std::move(started->thread), std::move(started->job),
-        ChannelEnd(*std::move(page)), std::move(request), std::move(answer), std::move(wait)));
+    std::unique_ptr<HostProcess> host(
+        new HostProcess(std::move(started->process), std::move(started->thread),
+                        std::move(started->job), ChannelEnd(*std::move(page)), std::move(request),
+                        std::move(answer), std::move(wait), memory));
     HostReply reply;
     return host->Call({}, kStartLimit, {}, {}, reply) == HostEnd::kAnswered ? std::move(host)
                                                                             : nullptr;
@@ -228,6 +238,7 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
         patience.Waited(static_cast<DWORD>(std::min<ULONGLONG>(GetTickCount64() - before, slice)));
         if (!hasSignalled) {
             if (!IsAlive()) return HostEnd::kDied;
+            if (memory_.IsExceeded()) return Ended(HostEnd::kHoarded);
             goesOn ? watch(true) : patience.Take(CallWish::kStops);
             continue;
         }
@@ -242,6 +253,7 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
                 if (std::optional<HostReply> told = TakeReply()) {
                     reply = *std::move(told);
                     isWorn_ = isWorn_ || reply.isWorn;
+                    isLittered_ = isLittered_ || memory_.IsLittered();
                     return HostEnd::kAnswered;
                 }
                 return Ended(IsAlive() ? HostEnd::kLied : HostEnd::kDied);
@@ -260,9 +272,10 @@ std::optional<PluginEnd> HostProcess::TakeBlame(HostEnd end, const PluginCall& a
     DWORD code = 0;
     GetExitCodeProcess(process_.Get(), &code);
     const EndKind died = code >= kLeastException ? EndKind::kCrash : EndKind::kExit;
-    const EndKind kind = end == HostEnd::kLied     ? EndKind::kLie
-                         : end == HostEnd::kSilent ? EndKind::kSilence
-                                                   : died;
+    const EndKind kind = end == HostEnd::kLied      ? EndKind::kLie
+                         : end == HostEnd::kSilent  ? EndKind::kSilence
+                         : end == HostEnd::kHoarded ? EndKind::kMemory
+                                                    : died;
     return PluginEnd{*std::move(call), kind};
 }
 

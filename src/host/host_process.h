@@ -13,6 +13,7 @@
 
 #include "app/base/worker_thread.h"
 #include "host/host_channel.h"
+#include "host/host_memory.h"
 #include "host/host_messages.h"
 #include "host/host_sections.h"
 #include "plugin/plugin_connection.h"
@@ -23,10 +24,11 @@ namespace tessary {
 
 using UniqueJob = UniqueHandle<handle_traits::KernelObject>;
 
-// How long an operation may give no sign of life, in milliseconds.
+// How long an operation may give no sign of life, in milliseconds, and how much a host may take.
 struct HostLimits {
     DWORD asking = 2000;  // Describe, Supports
     DWORD working = 20000;
+    uint64_t memory = DefaultMemoryBound();  // that a host may have, in bytes
 };
 
 // Waits until one of the handles is signalled, at most so many milliseconds, and keeps the windows
@@ -42,6 +44,7 @@ enum class HostEnd {
     kDied,     // the host has ended in the middle
     kSilent,   // it gave no sign of life, and was ended
     kStopped,  // it did not stop when it was told to, and was ended
+    kHoarded,  // it took too much memory, and was ended
     kLied,     // what it has answered cannot be, and it was ended
     kRefused,  // the request could not be made
     kNoHost,   // there is none
@@ -52,8 +55,9 @@ class HostProcess {
   public:
     // Starts `program`; null when that cannot be done. The host ends with this process, whatever
     // happens, and with this object.
-    // `wait`: for its replies; empty: nothing but waiting is done.
-    static std::unique_ptr<HostProcess> Start(const std::wstring& program, HostWait wait);
+    // `wait`: for its replies; empty: nothing but waiting is done. `memory`: that it may have.
+    static std::unique_ptr<HostProcess> Start(const std::wstring& program, HostWait wait,
+                                              uint64_t memory = DefaultMemoryBound());
 
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
@@ -64,8 +68,8 @@ class HostProcess {
     // Of the process.
     DWORD Id() const { return GetProcessId(process_.Get()); }
 
-    // Whether it has said that it should be replaced.
-    bool IsWorn() const { return isWorn_; }
+    // Whether it should be replaced: it has said so, or has kept too much memory.
+    bool IsWorn() const { return isWorn_ || isLittered_; }
 
     // Has a request carried out, and waits for the reply. `limit`: without a sign of life, in
     // milliseconds; INFINITE: the user is waited for. Whoever watches is asked every moment, where
@@ -91,7 +95,7 @@ class HostProcess {
 
   private:
     HostProcess(UniqueProcess process, UniqueThread thread, UniqueJob job, ChannelEnd channel,
-                UniqueEvent request, UniqueEvent answer, HostWait wait);
+                UniqueEvent request, UniqueEvent answer, HostWait wait, uint64_t memory);
 
     // Hands over what stands in the page.
     void Send();
@@ -109,9 +113,11 @@ class HostProcess {
     UniqueEvent request_;
     UniqueEvent answer_;
     HostWait wait_;
+    HostMemory memory_;
     std::shared_ptr<HostSections> sections_ = std::make_shared<HostSections>();
     std::set<std::wstring> served_;  // plug-ins that were asked for something, in upper case
     bool isWorn_ = false;
+    bool isLittered_ = false;
 };
 
 }  // namespace tessary

@@ -16,6 +16,10 @@ inline constexpr wchar_t kPluginCrashedText[] = L"SPIファイル内の関数で
 // The error of one that gave no sign of life until its process was ended.
 inline constexpr wchar_t kPluginSilentText[] = L"プラグインが応答しません";
 
+// The error of one whose process was ended because it had taken too much memory.
+inline constexpr wchar_t kPluginHoardedText[] =
+    L"プラグインがメモリーを使いすぎたため、終了させました";
+
 // The error of one that is not called any more because it has ended too many processes
 // (plugin_ends.h).
 inline constexpr wchar_t kPluginGivenUpText[] =

@@ -130,7 +130,8 @@ void Search::Bind(clsSusie& member) {
 void Search::NoteCrash(const clsSusie& member) {
     const std::wstring& reason = member.ErrorString();
     if (refusal_) return;
-    if (reason == kPluginCrashedText || reason == kPluginSilentText) {
+    if (reason == kPluginCrashedText || reason == kPluginSilentText ||
+        reason == kPluginHoardedText) {
         refusal_ = {.reason = reason, .dllName = member.DllName(), .hasCrashed = true};
     } else if (reason == kPluginGivenUpText && Names(member)) {
         refusal_ = {.reason = reason, .dllName = member.DllName()};

@@ -2,6 +2,7 @@
 
 #include <csetjmp>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 
@@ -157,6 +158,17 @@ void ScribbleOverShared() {
     }
 }
 
+// Takes all memory that it gets, or waits for ever where there is more than a plug-in should have.
+void Hoard() {
+    constexpr size_t kPiece = 16 << 20;
+    for (int i = 0; i < 64; ++i) {
+        void* const piece = VirtualAlloc(nullptr, kPiece, MEM_COMMIT, PAGE_READWRITE);
+        if (piece == nullptr) return;
+        std::memset(piece, 1, kPiece);
+    }
+    Sleep(INFINITE);
+}
+
 void ForEachHeap(void (*act)(HANDLE heap)) {
     HANDLE heaps[64];
     const DWORD count = GetProcessHeaps(std::size(heaps), heaps);
@@ -272,6 +284,8 @@ void MakeDirty(const std::string& state) {
         CloseHandle(CreateThread(nullptr, 0, WorkForAWhile, nullptr, 0, nullptr));
     if (state == "quit") PostQuitMessage(9);
     if (state == "slow") Sleep(50);
+    if (state == "hoard") Hoard();
+    if (state == "leak") std::memset(std::malloc(64 << 20), 1, 64 << 20);
     if (state == "sleep") Sleep(INFINITE);
     while (state == "loop")
         asm volatile("");

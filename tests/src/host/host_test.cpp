@@ -318,6 +318,32 @@ TEST_F(HostTest, EndsThatAreNotCountedGiveUpAPluginForTheirPoolOnly) {
     EXPECT_EQ(Errors(path), 0);
 }
 
+TEST_F(HostTest, MemoryHasABoundAndWhatIsLeftBehindGoesWithAHost) {
+    const auto picture = Picture();
+    constexpr uint64_t kBound = 300 << 20;
+    std::vector<PluginEnd> ends;
+    HostPool pool(kProgram, {.working = 5000, .memory = kBound}, {},
+                  [&](const PluginEnd& end) { ends.push_back(end); });
+    HostConnection hoarder(Plugin(L"iftst.spi", "early:hoard:GetPicture", NewName(L".spi")), pool);
+    const DecodedPicture decoded = hoarder.Decode(picture, DecodeKind::kFull, {});
+    // Where the system itself keeps it from more, it goes on with what it has.
+    if (!decoded.picture) {
+        EXPECT_EQ(decoded.fault.message, kPluginHoardedText);
+        ASSERT_EQ(ends.size(), 1u);
+        EXPECT_EQ(ends[0].kind, EndKind::kMemory);
+    }
+    ends.clear();
+    HostConnection leaking(Plugin(L"iftst.spi", "early:leak:IsSupported", NewName(L".spi")), pool);
+    std::set<DWORD> hosts;
+    for (int i = 0; i < 12; ++i) {
+        EXPECT_EQ(leaking.Supports(picture).code, 1) << i;
+        hosts.insert(pool.For({})->Id());
+        Sleep(70);
+    }
+    EXPECT_GT(hosts.size(), 2u);
+    EXPECT_TRUE(ends.empty());
+}
+
 TEST_F(HostTest, WithoutItsProgramThereIsOneClearNotice) {
     HostPool none(folder_.Path() + L"gone.exe");
     SetPluginConnector(
