@@ -10,6 +10,7 @@
 #include "host/host_connection.h"
 #include "plugin/CollectionSusie.h"
 #include "plugin/call_watch.h"
+#include "plugin/host_state.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
 #include "tests/src/plugin/plugin_test.h"
@@ -214,7 +215,8 @@ TEST_F(HostTest, KilledFromOutsideAtAnyMomentItIsReplaced) {
     EXPECT_EQ(Errors(path), 0);
 }
 
-// With the kind of end, the function and the file.
+// With the kind of end, the function and the file; nobody else's, though two threads have hosts
+// that end.
 TEST_F(HostTest, ThoseWhoAreToldOfEndsHearOfTheCulpritsAlone) {
     struct Case {
         const char* crash;
@@ -246,8 +248,13 @@ TEST_F(HostTest, ThoseWhoAreToldOfEndsHearOfTheCulpritsAlone) {
             EXPECT_EQ(beside.Supports(picture).code, 1);
         }
     };
-    run(1);
+    std::thread other([&] {
+        PluginCaller caller;
+        const OwnCaller own(caller);
+        run(1);
+    });
     run(0);
+    other.join();
     for (int side = 0; side < 2; ++side) {
         ASSERT_EQ(ends[side].size(), 3u);
         for (size_t i = 0; i < 3; ++i) {
