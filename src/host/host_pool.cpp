@@ -52,7 +52,7 @@ HostProcess* HostPool::For(const std::wstring& plugin) {
         if (end) Tell(*end);
     }
     const ULONGLONG begin = GetTickCount64();
-    slot.host = HostProcess::Start(program_, wait_, limits_.memory);
+    slot.host = HostProcess::Start(program_, wait_, limits_().memory);
     const ULONGLONG now = GetTickCount64();
     retryAt_ = slot.host == nullptr ? now + kPause + kPausePerStart * (now - begin) : 0;
     return slot.host.get();
