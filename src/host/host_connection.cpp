@@ -158,12 +158,12 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
     if (pool_.IsGivenUp(path_)) return HostEnd::kGivenUp;
     HostProcess* const host = pool_.For(path_);
     if (host == nullptr) return HostEnd::kNoHost;
-    std::optional<Section> lent;
     if (!source.isFile && !source.bytes.empty()) {
-        lent = Section::Make(source.bytes.size());
+        const std::optional<LentBytes::Lent> lent = pool_.Lent().Of(source.bytes);
         if (!lent) throw std::bad_alloc();
-        std::memcpy(lent->Bytes().data(), source.bytes.data(), source.bytes.size());
-        request.bytes = {host->Lend(*lent), source.bytes.size(), 0};
+        request.bytes = host->Lend(*lent);
+    } else if (!source.name.empty()) {
+        pool_.Lent().Forget();
     }
     const PluginCall asked{LogNameOf(request), path_, boundFile_};
     const auto ended = [&](HostEnd end) {
@@ -175,6 +175,7 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
     const bool isUsers = request.operation == HostOperation::kConfigure;
     const CallWatcher& watcher = isUsers ? CallWatcher() : Caller().watcher;
     const HostEnd end = host->Call(request, limit, progress, watcher, told.reply);
+    if (request.bytes.handle != 0 && request.bytes.id == 0) pool_.Lent().Forget();
     if (end != HostEnd::kAnswered) return ended(end);
     served_ = host->Id();
     if (told.reply.bytes.handle == 0) return end;
@@ -202,6 +203,7 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     request.sourceName = source.name;
     request.isFile = source.isFile;
     request.tellsProgress = static_cast<bool>(progress);
+    request.tellsCondition = tellsCondition_;
     Told told;
     told.end = TryToAsk(request, source, progress, told);
     if (IsWorthAnother(request.operation, told.end, told.blame)) {
@@ -221,8 +223,11 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
         return told;
     }
     HostReply& reply = told.reply;
-    for (const std::wstring& function : reply.failures)
+    for (const std::wstring& function : reply.failures) {
         pool_.Tell({{function, path_, boundFile_}, EndKind::kCaught});
+        // A new host does not know what it has crashed in.
+        tellsCondition_ = tellsCondition_ && function != L"GetLastCondition";
+    }
     told.answer = {reply.code,
                    ConditionOf(reply.condition, reply.conditionText),
                    {std::move(reply.faultMessage), std::move(reply.faultFunction)}};

@@ -56,6 +56,7 @@ class HostConnection final : public PluginConnection {
     HostPool& pool_;
     std::wstring boundFile_;
     bool isLoaded_ = false;
+    mutable bool tellsCondition_ = true;  // it has not crashed when it was asked for that
     mutable DWORD served_ = 0;  // by the host of that process number, in which it was loaded
 };
 

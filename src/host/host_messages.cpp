@@ -37,8 +37,8 @@ void Transfer(Wire& wire, WireSection& section) {
 template <class Wire>
 void Transfer(Wire& wire, HostRequest& request) {
     wire(request.operation, request.plugin, request.sourceName, request.isFile, request.bytes,
-         request.isPreview, request.tellsProgress, request.member, request.folder, request.parent,
-         request.returned);
+         request.isPreview, request.tellsProgress, request.tellsCondition, request.member,
+         request.folder, request.parent, request.returned);
 }
 
 template <class Wire>

@@ -34,7 +34,9 @@ enum class HostOperation : uint32_t {
 struct WireSection {
     uint64_t handle = 0;  // of the host process; 0: there are none
     uint64_t size = 0;
-    uint32_t id = 0;  // of a section that comes again, with other bytes; 0: it does not
+    // Of a section that comes again, the host's with other bytes, the program's with the same; 0:
+    // it does not.
+    uint32_t id = 0;
 };
 
 // The fields that an operation has no use for stay as they are here.
@@ -46,6 +48,7 @@ struct HostRequest {
     WireSection bytes{};
     bool isPreview = false;
     bool tellsProgress = false;  // somebody wants to know
+    bool tellsCondition = true;  // the plug-in may be asked for it
     susie::FileInfo member{};
     std::optional<std::string> folder{};
     uint64_t parent = 0;               // window

@@ -39,6 +39,9 @@ class HostPool {
     // Has them asked for at each call, in place of fixed ones.
     void FollowLimits(std::function<HostLimits()> limits) { limits_ = std::move(limits); }
 
+    // The bytes of a source for the hosts: the last ones, where they are the same.
+    LentBytes& Lent() { return lent_; }
+
     // Notes an end and hands it on to whoever is told of it; what he throws goes nowhere.
     void Tell(const PluginEnd& end);
 
@@ -64,6 +67,7 @@ class HostPool {
     std::function<HostLimits()> limits_;
     HostWait wait_;
     Blame blame_;
+    LentBytes lent_;
     std::map<std::wstring, Slot> slots_;      // by plug-in, in upper case
     std::map<std::wstring, Record> records_;  // the same
     ULONGLONG retryAt_ = 0;  // when one may be started again after none could be, in ticks

@@ -125,6 +125,7 @@ HostProcess::HostProcess(UniqueProcess process, UniqueThread thread, UniqueJob j
 
 std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, HostWait wait,
                                                 uint64_t memory) {
+    if (memory == 0) memory = DefaultMemoryBound();
     SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
     std::optional<Section> page = Section::Make(sizeof(ChannelPage), &inherited);
     UniqueEvent request(CreateEventW(&inherited, FALSE, FALSE, nullptr));
@@ -160,11 +161,15 @@ void HostProcess::End() {
     WaitForSingleObject(process_.Get(), kEndLimit);
 }
 
-uint64_t HostProcess::Lend(const Section& section) {
-    HANDLE lent = nullptr;
-    DuplicateHandle(GetCurrentProcess(), section.Handle(), process_.Get(), &lent,
-                    SECTION_MAP_READ | SECTION_QUERY, FALSE, 0);
-    return reinterpret_cast<uintptr_t>(lent);
+WireSection HostProcess::Lend(const LentBytes::Lent& lent) {
+    // It has kept the one that it got last.
+    if (lent.id == 0 || lent.id != lent_.id) {
+        HANDLE handle = nullptr;
+        DuplicateHandle(GetCurrentProcess(), lent.section, process_.Get(), &handle,
+                        SECTION_MAP_READ | SECTION_QUERY, FALSE, 0);
+        lent_ = {reinterpret_cast<uintptr_t>(handle), lent.size, lent.id};
+    }
+    return lent_;
 }
 
 bool HostProcess::HasSignalled(DWORD milliseconds, bool isUsers, bool& goesOn) const {

@@ -16,6 +16,7 @@
 #include "host/host_memory.h"
 #include "host/host_messages.h"
 #include "host/host_sections.h"
+#include "host/lent_bytes.h"
 #include "plugin/plugin_connection.h"
 #include "plugin/plugin_ends.h"
 #include "plugin/waited_call.h"
@@ -28,7 +29,7 @@ using UniqueJob = UniqueHandle<handle_traits::KernelObject>;
 struct HostLimits {
     DWORD asking = 2000;  // Describe, Supports
     DWORD working = 20000;
-    uint64_t memory = DefaultMemoryBound();  // that a host may have, in bytes
+    uint64_t memory = 0;  // that a host may have, in bytes; 0: what is right for the machine
 };
 
 // Waits until one of the handles is signalled, at most so many milliseconds, and keeps the windows
@@ -55,9 +56,9 @@ class HostProcess {
   public:
     // Starts `program`; null when that cannot be done. The host ends with this process, whatever
     // happens, and with this object.
-    // `wait`: for its replies; empty: nothing but waiting is done. `memory`: that it may have.
+    // `wait`: for its replies; empty: nothing but waiting is done. `memory`: HostLimits.
     static std::unique_ptr<HostProcess> Start(const std::wstring& program, HostWait wait,
-                                              uint64_t memory = DefaultMemoryBound());
+                                              uint64_t memory = 0);
 
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
@@ -78,8 +79,9 @@ class HostProcess {
     HostEnd Call(HostRequest request, DWORD limit, const SusieProgress& progress,
                  const CallWatcher& watcher, HostReply& reply);
 
-    // Gives the host a handle of a section, to read it or to have a copy of its own.
-    uint64_t Lend(const Section& section);
+    // Gives the host a handle of a section, to read it or to have a copy of its own, and says what
+    // its request is to tell of it.
+    WireSection Lend(const LentBytes::Lent& lent);
     // Bytes in a section of the host's.
     HostSections::Opened Take(const WireSection& section,
                               std::optional<HostSections::Lease>& bytes) const {
@@ -116,6 +118,7 @@ class HostProcess {
     HostMemory memory_;
     std::shared_ptr<HostSections> sections_ = std::make_shared<HostSections>();
     std::set<std::wstring> served_;  // plug-ins that were asked for something, in upper case
+    WireSection lent_;               // what the host got last
     bool isWorn_ = false;
     bool isLittered_ = false;
 };

@@ -73,6 +73,7 @@ void HostService::Run() {
     while (WaitForRequest()) {
         const std::optional<HostRequest> request = TakeRequest();
         if (!request) return;
+        spilled_.reset();
         lastProgress_ = 0;
         goesOn_ = true;
         HostReply failed;
@@ -103,13 +104,9 @@ HostReply HostService::Carried(const HostRequest& request) {
         stock_.Return(id);
     LocalConnection& plugin = ConnectionOf(request.plugin, loads);
     PluginSource source{.name = request.sourceName, .bytes = {}, .isFile = request.isFile};
-    lent_.reset();
-    if (request.bytes.handle != 0) {
-        const auto handle = reinterpret_cast<HANDLE>(static_cast<uintptr_t>(request.bytes.handle));
-        lent_ = Section::Open(UniqueSection(handle), request.bytes.size,
-                              Section::Access::kPrivateWrite);
-        if (lent_) source.bytes = lent_->Bytes();
-    }
+    const std::optional<Section> bytes = BytesOfSource(request);
+    if (bytes) source.bytes = bytes->Bytes();
+    if (!request.tellsCondition) plugin.LeaveConditionOut();
     switch (request.operation) {
         case HostOperation::kLoad:
             return Load(request);
@@ -142,6 +139,23 @@ HostReply HostService::Carried(const HostRequest& request) {
             return ReplyWith(answer);
         }
     }
+}
+
+std::optional<Section> HostService::BytesOfSource(const HostRequest& request) {
+    const bool isKept = request.bytes.id != 0 && request.bytes.id == lent_.id;
+    // A file has taken the place of what was asked about.
+    const bool isFile = request.isFile && !request.sourceName.empty();
+    if (!isKept && (request.bytes.handle != 0 || isFile)) lent_ = {};
+    if (request.bytes.handle == 0) return std::nullopt;
+    if (!isKept) {
+        const auto handle = reinterpret_cast<HANDLE>(static_cast<uintptr_t>(request.bytes.handle));
+        lent_ = {UniqueSection(handle), request.bytes.id};
+    }
+    HANDLE own = nullptr;
+    DuplicateHandle(GetCurrentProcess(), lent_.section.Get(), GetCurrentProcess(), &own, 0, FALSE,
+                    DUPLICATE_SAME_ACCESS);
+    if (request.bytes.id == 0) lent_ = {};
+    return Section::Open(UniqueSection(own), request.bytes.size, Section::Access::kPrivateWrite);
 }
 
 HostReply HostService::Load(const HostRequest& request) {

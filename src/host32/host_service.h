@@ -39,6 +39,8 @@ class HostService {
     // `loads`: the plug-in is loaded if that was not tried yet, as in a host that has taken the
     // place of another.
     LocalConnection& ConnectionOf(const std::wstring& plugin, bool loads);
+    // The bytes of the request's source, in a copy of the plug-in's own; nothing: there are none.
+    std::optional<Section> BytesOfSource(const HostRequest& request);
     bool TellProgress(int done, int total);
     void Answer(HostReply reply);
 
@@ -58,8 +60,14 @@ class HostService {
     HANDLE answer_;
     HANDLE program_;
     std::map<std::wstring, std::unique_ptr<Connected>> plugins_;  // by their paths, in upper case
-    std::optional<Section> lent_;                                 // the bytes of the source
-    SectionStock stock_;                                          // of what goes to the program
+    // The bytes of the source that may come again: mapped while they are worked on only, and anew
+    // each time, for a plug-in may have written there.
+    struct Lent {
+        UniqueSection section;
+        uint32_t id = 0;
+    };
+    Lent lent_;
+    SectionStock stock_;              // of what goes to the program
     std::optional<Section> spilled_;  // a reply that is too long for the page
     ULONGLONG lastProgress_ = 0;      // in ticks; 0: none yet
     bool goesOn_ = true;

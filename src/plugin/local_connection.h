@@ -21,6 +21,9 @@ class LocalConnection final : public PluginConnection {
     void LeaveLoaded() override { module_ = nullptr; }
     bool IsInUse() const override { return module_ != nullptr && SusieCalls::IsInUse(module_); }
 
+    // The plug-in is not asked for its GetLastCondition.
+    void LeaveConditionOut() { calls_.LeaveConditionOut(); }
+
     void SetBoundFile(const std::wstring& path) override { calls_.SetBoundFile(path); }
 
     PluginDescription Describe() override;

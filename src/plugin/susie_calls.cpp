@@ -136,7 +136,7 @@ int32_t SusieCalls::GuardedAndTold(const SusieCallNames& names, Call&& call) {
 }
 
 void SusieCalls::AskForCondition(const SusieLibrary& library) {
-    FARPROC& function = addresses_[static_cast<size_t>(SusieFunction::kGetLastCondition)];
+    const FARPROC function = Address(SusieFunction::kGetLastCondition);
     if (function == nullptr) return;
     Trapped([&] {
         std::array<wchar_t, kConditionTextSize> text{};
@@ -145,7 +145,7 @@ void SusieCalls::AskForCondition(const SusieLibrary& library) {
         if (answer != susiectl::kCrashed) return;
         // The call itself stands, and the question is not asked again.
         Mapped(answer, kGetLastCondition);
-        function = nullptr;
+        LeaveConditionOut();
     });
 }
 

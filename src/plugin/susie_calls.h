@@ -67,6 +67,10 @@ class SusieCalls {
     // Looks up the functions and answers the plug-in's kind; for kStyleNone the addresses are
     // cleared at once.
     int32_t BindAddresses(HMODULE module);
+    // Has the plug-in not asked for what there is to tell of a call.
+    void LeaveConditionOut() {
+        addresses_[static_cast<size_t>(SusieFunction::kGetLastCondition)] = nullptr;
+    }
     // Forgets all addresses but that of ConfigurationDlg.
     void ClearAddresses();
     FARPROC Address(SusieFunction function) const {

@@ -325,6 +325,31 @@ TEST_F(HostTest, EndsThatAreNotCountedGiveUpAPluginForTheirPoolOnly) {
     EXPECT_EQ(Errors(path), 0);
 }
 
+// Bytes that are asked about again are the same copy, and never what was there before.
+TEST_F(HostTest, SourcesInMemoryAreCopiedOnceAndReadAsTheyAreNow) {
+    const auto one = Connected(L"iftst.spi", {});
+    const auto other = Connected(L"iftst.spi", {});
+    std::string content = "TST 3x2x24\n";
+    const auto width = [&](HostConnection& plugin) {
+        return plugin
+            .Measure(
+                {"a.x", {reinterpret_cast<const uint8_t*>(content.data()), content.size()}, false})
+            .size.width;
+    };
+    for (const char digit : {'3', '7'}) {
+        content[4] = digit;
+        EXPECT_TRUE(width(*one) == digit - '0' && width(*other) == digit - '0');
+        EXPECT_EQ(one->Measure(Picture()).size.width, 3);
+        EXPECT_EQ(width(*one), digit - '0');
+    }
+    LentBytes lent;
+    std::vector<uint8_t> bytes(200'000, 1);
+    const auto first = lent.Of(bytes);
+    EXPECT_EQ(lent.Of(std::vector<uint8_t>(bytes))->id, first->id);
+    bytes.back() = 2;
+    EXPECT_NE(lent.Of(bytes)->id, first->id);
+}
+
 TEST_F(HostTest, MemoryHasABoundAndWhatIsLeftBehindGoesWithAHost) {
     const auto picture = Picture();
     constexpr uint64_t kBound = 300 << 20;
