@@ -72,8 +72,10 @@ void AskNewPlugins(frmMain& window) {
     {
         const frmMain::Reading reading(window, L"プラグインを読み込んでいます");
         frmProgress progress(window.Handle(), kLoadingCaption);
-        const CallWatch calls = WatchIn(progress);
-        LoadWaitingSPI(TellIn(progress));
+        const LoadingProgress tell = TellIn(progress);
+        LoadWaitingSPI([&](const std::wstring& path, int32_t done, int32_t total) {
+            return tell(path, done, total) && window.Breathe();  // Esc may have been hit there
+        });
     }
     window.ShowPluginCount();
 }

@@ -244,6 +244,11 @@ LoadedPlugin HostConnection::Load() {
     return {told.answer, hasEnded ? kStyleNone : told.reply.style, loadError};
 }
 
+bool HostConnection::IsInMemory() const {
+    const HostProcess* const host = isLoaded_ ? pool_.RunningFor(path_) : nullptr;
+    return host != nullptr && host->Id() == served_;
+}
+
 PluginAnswer HostConnection::Unload() {
     if (!std::exchange(isLoaded_, false)) return {susie::kSuccess, {}, {}};
     if (pool_.RunningFor(path_) == nullptr) return {susie::kSuccess, {}, {}};

@@ -20,6 +20,7 @@ class HostConnection final : public PluginConnection {
 
     LoadedPlugin Load() override;
     bool IsLoaded() const override { return isLoaded_; }
+    bool IsInMemory() const override;
     PluginAnswer Unload() override;
     void LeaveLoaded() override;
     bool IsInUse() const override;

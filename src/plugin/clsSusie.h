@@ -75,7 +75,7 @@ class clsSusie {
 
     // Whether it has crashed when something was first wanted of it; it is not tried again then.
     bool IsUnloadable() const { return loadFault_.has_value(); }
-    bool IsLoaded() const { return connection_ != nullptr && connection_->IsLoaded(); }
+    bool IsLoaded() const { return connection_ != nullptr && connection_->IsInMemory(); }
     // Whether UnloadDLL leaves the file loaded whatever is bound.
     bool IsKeptLoaded() const {
         return keepLoaded_ || (connection_ != nullptr && connection_->IsInUse());

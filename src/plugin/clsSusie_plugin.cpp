@@ -140,7 +140,7 @@ void clsSusie::Tell(bool isGood) const {
 }
 
 void clsSusie::ReleaseModule() {
-    if (IsLoaded()) Note(connection_->Unload());
+    if (connection_ != nullptr && connection_->IsLoaded()) Note(connection_->Unload());
 }
 
 void clsSusie::UnloadDLL() {

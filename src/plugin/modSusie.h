@@ -9,8 +9,9 @@ namespace tessary {
 // thread with plug-ins of its own (own_plugins.h) those.
 CollectionSusie& SusieCollection();
 
-// Told which plug-in file comes next, `done` of `total` being through; may let messages run. False
-// ends the loading: what is loaded stays, the rest waits for the next time (kWaiting).
+// Told which plug-in file comes next, `done` of `total` being through, and once more every moment
+// while that keeps the loading waiting; may let messages run. False ends the loading: what is
+// loaded or remembered stays, the rest waits for the next time (kWaiting).
 using LoadingProgress = std::function<bool(const std::wstring& path, int32_t done, int32_t total)>;
 
 // Fills the collection anew from the folders that the settings name; `asking`: who is asked what it

@@ -142,6 +142,8 @@ class PluginConnection {
     // style is kStyleNone; it may be loaded all the same.
     virtual LoadedPlugin Load() = 0;
     virtual bool IsLoaded() const = 0;
+    // Whether its file is really in the memory of a process: one that had it loaded may have ended.
+    virtual bool IsInMemory() const { return IsLoaded(); }
     // Frees the file, with the windows of the plug-in.
     virtual PluginAnswer Unload() = 0;
     // Has the file stay loaded from now on, for good.

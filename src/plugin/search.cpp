@@ -135,6 +135,8 @@ void Search::NoteCrash(const clsSusie& member) {
         refusal_ = {.reason = reason, .dllName = member.DllName(), .hasCrashed = true};
     } else if (reason == kPluginGivenUpText && Names(member)) {
         refusal_ = {.reason = reason, .dllName = member.DllName()};
+    } else if (reason == kPluginNotAvailableText && Names(member)) {
+        refusal_ = {.reason = L"プラグインを読み込めません", .dllName = member.DllName()};
     }
 }
 

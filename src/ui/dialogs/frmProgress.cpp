@@ -17,9 +17,6 @@ void frmProgress::Dialog_Load() {
 }
 
 void frmProgress::Tell(const std::wstring& subject, int32_t position, int32_t maximum) {
-    if (subject_ != subject) subject_ = subject;
-    position_ = position;
-    maximum_ = maximum;
     if (!IsTimeToTell()) return;
     if (lblSubject_.Text() != subject) lblSubject_.SetText(subject);
     progress_.SetProgress(position, maximum);

@@ -20,17 +20,12 @@ class frmProgress final : public ProgressDialog {
     // Tells what is at hand, a path for instance, and that `position` of `maximum` is done. Costs
     // next to nothing when called more often than anybody can read.
     void Tell(const std::wstring& subject, int32_t position, int32_t maximum);
-    // That it is still at the same: the window may have to come up.
-    void TellAgain() { Tell(subject_, position_, maximum_); }
 
   private:
     void Dialog_Load() override;
 
     HWND owner_;
     std::wstring caption_;
-    std::wstring subject_;
-    int32_t position_ = 0;
-    int32_t maximum_ = 1;
     Label lblSubject_;
     ProgressBar progress_;
     std::optional<TaskbarProgress> taskbar_;

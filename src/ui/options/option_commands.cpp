@@ -101,7 +101,6 @@ void OptionCommands::ReloadPlugins(HWND owner) {
         BusyWindow busy(window_.Handle());
         busy.SetCaption(kReloadCaption);
         frmProgress window(owner, kReloadCaption);
-        const CallWatch calls = WatchIn(window);
         SusieCollection().UnloadFile();
         Ahead().Forget();
         const GeneralSettings before = Values().general;

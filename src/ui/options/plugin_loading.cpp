@@ -8,26 +8,11 @@
 
 namespace tessary {
 
-namespace {
-
-bool GoesOn(const frmProgress& window) {
-    return DoEvents() && !window.IsStopped() && !CurrentActivity().quitRequested;
-}
-
-}  // namespace
-
 LoadingProgress TellIn(frmProgress& window) {
     return [&window](const std::wstring& path, int32_t done, int32_t total) {
         window.Tell(path, done, total);
-        return GoesOn(window);
+        return DoEvents() && !window.IsStopped() && !CurrentActivity().quitRequested;
     };
-}
-
-CallWatch WatchIn(frmProgress& window) {
-    return CallWatch([&window](const WaitedCall&) {
-        window.TellAgain();
-        return GoesOn(window) ? CallWish::kGoesOn : CallWish::kStops;
-    });
 }
 
 namespace {

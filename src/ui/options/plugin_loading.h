@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "plugin/call_watch.h"
 #include "plugin/modSusie.h"
 #include "ui/dialogs/frmProgress.h"
 
@@ -13,9 +12,6 @@ namespace tessary {
 // Tells in the window, which must outlive the answer, lets messages run, and stops the loading when
 // the user wants it or the program is about to end.
 LoadingProgress TellIn(frmProgress& window);
-
-// For its life the user may do the same while a plug-in keeps the loading waiting.
-CallWatch WatchIn(frmProgress& window);
 
 // What the user should know about the last loading: that it was stopped and how far it came, and
 // what is missing. In one line; empty when all is well.

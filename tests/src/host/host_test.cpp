@@ -194,6 +194,65 @@ TEST_F(HostTest, OneThatEndsEachHostThatLoadsItIsBarred) {
     SetPluginConnector({});
 }
 
+TEST_F(HostTest, ARememberedPluginNeedsNoHostBeforeItIsUsed) {
+    SetPluginConnector([this](const std::wstring& plugin) {
+        return std::make_unique<HostConnection>(plugin, pool_);
+    });
+    Values().general.useSPI = 1;
+    Values().general.spiFolder[0] = folder_.Path();
+    const std::wstring path = Plugin(L"iftst.spi");
+    const auto leftOut = [] {
+        const auto& all = SusieCollection().LeftOut();
+        return all.empty() ? std::nullopt : std::optional(all[0].reason);
+    };
+    const auto start = [&](const LoadingProgress& progress = {}) {
+        UnloadSPI();
+        SusieCollection().RememberPlugins();
+        LoadSPI({}, Asking::kNobody);
+        const bool asks = leftOut() == LeftOutReason::kWaiting;
+        if (asks) LoadWaitingSPI(progress);
+        return asks;
+    };
+    const auto inMemory = [] { return SusieCollection().GetInMemorySPICount(); };
+    const auto fatalLoads = [&] { return GetSetting(L"SPI_FATALLOADS", path, L"0"); };
+    const auto endHost = [&] { pool_.For({})->End(); };
+    EXPECT_TRUE(start());
+    EXPECT_EQ(inMemory(), 1);
+    endHost();
+    EXPECT_EQ(inMemory(), 0);
+    EXPECT_FALSE(start());
+    EXPECT_EQ(pool_.RunningFor({}), nullptr);
+    EXPECT_EQ(SusieCollection().FileSupported(PictureFile()), 1);
+    EXPECT_EQ(inMemory(), 1);
+
+    // One that ends its host when it is loaded first counts like one that does so at a start.
+    endHost();
+    folder_.Write(L"iftst.spi.script", "crash:terminate:DllMain");
+    EXPECT_FALSE(start());
+    EXPECT_EQ(fatalLoads(), L"0");
+    Search search = SusieCollection().SearchFor(PictureFile());
+    EXPECT_EQ(search.Next(), nullptr);
+    EXPECT_TRUE(search.LastRefusal() && search.LastRefusal()->hasCrashed);
+    EXPECT_EQ(fatalLoads(), L"1");
+    EXPECT_EQ(SusieCollection().FileSupported(PictureFile()), 0);
+    EXPECT_EQ(fatalLoads(), L"1") << "it is not tried again";
+    EXPECT_TRUE(start());
+    EXPECT_EQ(leftOut(), LeftOutReason::kCrashed);
+    EXPECT_TRUE(start());
+    EXPECT_EQ(leftOut(), LeftOutReason::kBarred);
+
+    // The user does not want to wait any more.
+    ForgetFailures(path);
+    folder_.Write(L"iftst.spi.script", "dirty:question:DllMain");
+    int told = 0;
+    EXPECT_TRUE(start([&](const std::wstring&, int32_t, int32_t) { return ++told < 3; }));
+    EXPECT_EQ(leftOut(), LeftOutReason::kWaiting);
+    EXPECT_EQ(told, 3);
+    EXPECT_TRUE(fatalLoads() == L"0" && Errors(path) == 0) << "and blames nobody";
+    UnloadSPI();
+    SetPluginConnector({});
+}
+
 TEST_F(HostTest, KilledFromOutsideAtAnyMomentItIsReplaced) {
     const auto path = Plugin(L"iftst.spi", "early:slow:GetPicture");
     HostConnection plugin(path, pool_);

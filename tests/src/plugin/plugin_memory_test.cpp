@@ -227,7 +227,14 @@ TEST_F(PluginMemoryTest, OneThatCrashesWhenItIsFirstUsedIsNotTriedAgainInThisRun
     folder_.Write(L"iftst.spi.script", "");
     plugin.ForgetErrors();
     EXPECT_EQ(SusieCollection().FileSupported(PictureFile()), 1);
-    EXPECT_EQ(Start(), L"iftst.spi ") << "what was remembered is doubtful";
+    EXPECT_EQ(StartToItsEnd(), L"iftst.spi ") << "what was remembered is doubtful";
+    folder_.Write(L"iftst.spi.script", "answer:DllMain:0");
+    EXPECT_EQ(Start(), L"");
+    Search blocked = SusieCollection().SearchFor(PictureFile());
+    EXPECT_EQ(blocked.Next(), nullptr);
+    ASSERT_TRUE(blocked.LastRefusal()) << "as a virus scanner may do it";
+    EXPECT_EQ(blocked.LastRefusal()->reason, L"プラグインを読み込めません");
+    EXPECT_EQ(Start(), L"iftst.spi ");
 }
 
 }  // namespace
