@@ -279,7 +279,10 @@ PluginDescription HostConnection::Describe() {
 }
 
 PluginAnswer HostConnection::Supports(const PluginSource& source) {
-    return Ask({.operation = HostOperation::kSupports}, source).answer;
+    Told told = Ask({.operation = HostOperation::kSupports}, source);
+    // Its number for what was stopped means yes here.
+    if (told.end == HostEnd::kStopped) told.answer.code = susie::kSuccess;
+    return std::move(told.answer);
 }
 
 MeasuredPicture HostConnection::Measure(const PluginSource& source) {

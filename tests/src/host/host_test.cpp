@@ -127,6 +127,9 @@ TEST_F(HostTest, WhatNobodyWantsAnyMoreIsGivenUp) {
     const CallWatch nobody([](const WaitedCall&) { return CallWish::kStops; });
     EXPECT_EQ(plugin.List(Archive()).code, susie::kAborted);
     EXPECT_EQ(Errors(path), 0);
+    const auto undecided = Connected(L"iftst.spi", "early:sleep:IsSupported");
+    undecided->Load();
+    EXPECT_NE(undecided->Supports(Picture()).code, 1) << "nobody takes what was given up";
 }
 
 // What is said of a plug-in that is overdue, how many limits that leaves it, and whether it counts.
