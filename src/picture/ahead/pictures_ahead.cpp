@@ -80,6 +80,7 @@ std::optional<AheadPicture> PicturesAhead::Take(const AheadEntry& entry) {
     const ULONGLONG begin = GetTickCount64();
     ULONGLONG sign = begin;
     WaitedCall call;
+    call.mayTell = true;
     for (;;) {
         const std::shared_ptr<AheadProgress> progress = board_->ProgressOf(entry);
         if (std::optional<AheadPicture> picture = board_->Find(entry, *stamp)) return picture;

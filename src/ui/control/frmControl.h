@@ -133,6 +133,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
 
     // --- Stepping, and what is asked for meanwhile (frmControl_wishes.cpp) ---
     bool MoveBy(int steps, bool inArchive);
+    void StepAndStay(int steps, bool inArchive);
     bool IsLoading() const { return window_.IsReading(); }
     bool LeadsElsewhere(int steps) const;
     void WishStep(int step);
@@ -201,6 +202,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     bool keyRepeats_ = false;   // the message being handled is of a key that is held down
     HWND lastFocus_ = nullptr;  // the control that had the focus when it left them all
     int stops_ = 0;             // how often the stop button was pressed
+    int starts_ = 0;            // how often a motion was started
     Timer wishesDue_{[this] { CarryOutWishes(); }};
     Accelerators accelerators_;
     MessageFilter dialogKeys_;

@@ -42,7 +42,7 @@ bool IsPlainFile(const std::wstring& path) {
 
 frmControl::Busy::Busy(frmControl& bar, const wchar_t* what) : bar_(bar), focused_(GetFocus()) {
     reading_.emplace(bar.window_, what);
-    if (bar_.busy_++ == 0) bar_.wishes_.isMotion = false;
+    ++bar_.busy_;
     if (bar_.burst_ != nullptr) return;
     if (!bar_.player_.IsPlaying()) pointer_.emplace();
 }

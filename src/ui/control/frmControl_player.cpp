@@ -94,6 +94,7 @@ bool frmControl::BecomesWish(BarButton button) {
 void frmControl::StartMotion(BarButton motion) {
     wishes_.steps = 0;  // its steps would end the motion
     wishes_.isMotion = IsLoading();
+    ++starts_;
     player_.Start(motion);
     UpdateToolbar();
     if (motion != BarButton::kRewind || !sequence_.IsInArchive() || IsLoading()) return;
@@ -123,8 +124,7 @@ void frmControl::EndMotion() {
 
 void frmControl::Step(BarButton button) {
     player_.HaltTimer();
-    button == BarButton::kStepBack ? ListIndexBackOne() : ListIndexForwardOne();
-    EndMotion();
+    StepAndStay(button == BarButton::kStepBack ? -1 : 1, sequence_.IsInArchive());
 }
 
 // Nothing moves while another window, a dialog or a message, has the program's attention, nor while

@@ -71,6 +71,7 @@ void frmControl::Search::End() {
 // Several steps at once show only where they lead to.
 bool frmControl::MoveBy(int steps, bool inArchive) {
     if (busy_ > 0 || steps == 0) return false;
+    wishes_.isMotion = false;
     travel_ = steps < 0 ? -1 : 1;
     Search search(*this);
     const StepTarget target = sequence_.Find(steps, inArchive, search);
@@ -87,6 +88,13 @@ bool frmControl::MoveBy(int steps, bool inArchive) {
     }
     window_.CloseIfAsked();
     return moved || target.member;
+}
+
+// Ends a motion, but not one that is started in the middle of the step.
+void frmControl::StepAndStay(int steps, bool inArchive) {
+    const int starts = starts_;
+    MoveBy(steps, inArchive);
+    if (starts == starts_) EndMotion();
 }
 
 // --- Wishes ---
@@ -167,8 +175,7 @@ void frmControl::CarryOutWishes() {
         deleteList_.Mark(sequence_.Files().IndexOf(path));
     if (!wishes.marks.empty()) player_.RestartPause();
     if (wishes.steps != 0) {
-        MoveBy(wishes.steps, sequence_.IsInArchive() && !wishes.file);
-        EndMotion();
+        StepAndStay(wishes.steps, sequence_.IsInArchive() && !wishes.file);
     } else if (wishes.file) {
         listFileName_Click();
     } else if (wishes.member) {

@@ -17,7 +17,7 @@ struct Wishes {
     int command = 0;                  // of the main window, to be run last; 0: none
     std::vector<std::wstring> marks;  // paths to be collected for deletion
     bool isFresh = false;   // some of it was asked for by more than a key that is held down
-    bool isMotion = false;  // a motion was started during the load
+    bool isMotion = false;  // a motion was started that has not stepped yet
 
     bool Any() const { return Moves() || command != 0 || deletion || !marks.empty(); }
     bool Moves() const { return file || member || steps != 0; }
@@ -44,7 +44,7 @@ struct Wishes {
     }
 
     void ForgetMoves() {
-        file = member = isFresh = false;
+        file = member = isFresh = isMotion = false;
         steps = command = 0;
     }
 };

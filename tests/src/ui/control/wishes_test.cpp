@@ -1,8 +1,12 @@
 // What the user asks for while a picture is being loaded.
+#include "host/host_connection.h"
+#include "plugin/plugin_log.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/src/ui/control/control_bar_test.h"
 #include "tests/support/distant_files.h"
+#include "tests/support/finished_folder.h"
 #include "ui/form/timer.h"
+#include "ui/form/worker.h"
 
 namespace tessary::test {
 namespace {
@@ -56,6 +60,55 @@ class CloudTest : public WishTest {
     }
     FakeDistantFiles cloud_;
 };
+
+// The same with the plug-ins in a host process, where that of file 1 never comes back.
+class HangTest : public WishTest {
+  protected:
+    HangTest() {
+        SetPluginConnector([this](const std::wstring& plugin) {
+            return std::make_unique<HostConnection>(plugin, hosts_);
+        });
+    }
+    ~HangTest() override { SetPluginConnector({}); }
+    void SetUp() override {
+        WishTest::SetUp();
+        folder_.Write(L"1.tst", "TST 8x50x24\nearly:sleep:GetPicture\n");
+    }
+
+    HostPool hosts_{
+        FinishedFolder() + kHostProgram, {}, [](auto handles, DWORD milliseconds, bool) {
+            WaitPainting(handles, milliseconds);
+            return true;
+        }};
+};
+
+TEST_F(HangTest, WhateverTheUserAsksForInsteadEndsIt) {
+    Values().general.slideShowTime = 0;
+    const auto hang = [&] {
+        const ULONGLONG begin = GetTickCount64();
+        LoadSlowly(1);
+        EXPECT_LT(GetTickCount64() - begin, 10000u) << "the limit is twice that";
+    };
+    for (const auto& [wishes, shown] : {std::pair{"NNN", 4}, {"H", 2}, {"5", 5}}) {
+        Post(wishes);
+        hang();
+        EXPECT_TRUE(Shows(shown)) << wishes;
+    }
+    Click(bar_.listFileName(), 0);
+    PostCommand(menuControl_3);  // 再生
+    Sleep(25);
+    bar_.Press(BarButton::kStepForward);
+    EXPECT_TRUE(Shows(7));
+    bool isThere = false;
+    window_.Commands().Register(menuOptionSetup, {.run = [&] { isThere = true; }});
+    PostCommand(menuOptionSetup);
+    hang();
+    EXPECT_TRUE(RunUntil([&] { return isThere; }));
+    window_.OpenLater({files_[6]});
+    hang();
+    EXPECT_TRUE(RunUntil([&] { return Info().starts_with(L"[画像] 6"); }));
+    EXPECT_EQ(ReadErrorCount(TestPluginPath(L"iftst.spi"), {}), 0);
+}
 
 TEST_F(WishTest, StepsAddUpAndALaterClickWins) {
     for (const auto& [wishes, shown] : {std::pair{"NNNN", 5},
