@@ -228,12 +228,17 @@
 #define checkSkipDamaged 3224
 #define labelArchiveDepth 3225
 #define textArchiveDepth 3226
+#define combJobs 3227
 
 #define sliderSlideShowTime 3300
 #define labelSlideShowTime 3301
 #define combFixSizeValue 3302
 #define optionOpenFolderType_0 3303
 #define optionOpenFolderType_1 3304
+#define checkReadAhead 3305
+#define labelReadAheadMemory 3306
+#define textReadAheadMemory 3307
+#define labelReadAheadMemoryUnit 3308
 
 // One of each for every row of the page of formats; further ones follow.
 #define cmdFileFormatEnv_0 3400

@@ -154,6 +154,12 @@ class CollectionSusie {
     // The first that a search for the file finds, for somebody who is likely to begin that search
     // next, or to ask once more; null when there is none. It stays bound.
     clsSusie* QueryFile(const std::wstring& path);
+    // From now on nobody is preferred for having accepted last.
+    void PreferNobody() { ForgetSearches(); }
+    // A search for the file elsewhere, by the same plug-ins and with nobody preferred, has found
+    // that one. Whether it would be found here too; then it is the one that has accepted last.
+    bool TakeOver(const std::wstring& path, std::wstring_view dllName);
+
     // What the last query's search tells of refusals.
     const std::optional<Search::Refusal>& LastRefusal() const {
         return query_.search.LastRefusal();

@@ -43,6 +43,13 @@ Search CollectionSusie::SearchFor(HLOCAL memory, const std::wstring& fileName) {
     return Search(order_, memory, fileName);
 }
 
+bool CollectionSusie::TakeOver(const std::wstring& path, std::wstring_view dllName) {
+    const clsSusie* const found = Item(dllName);
+    if (found == nullptr || Search(order_, path).PrefersAnother(*found)) return false;
+    order_.lastSuccess = found;
+    return true;
+}
+
 clsSusie* CollectionSusie::QueryFile(const std::wstring& path) {
     if (PluginCallUnderWay()) return nullptr;
     if (Holds(query_, path)) return query_.search.Peek();

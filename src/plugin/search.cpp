@@ -41,13 +41,10 @@ void Search::NoteFailure() {
 clsSusie* Search::Find() {
     if (order_ == nullptr || !LookAtSource() || PluginsAreStopped()) return nullptr;
     const auto& members = order_->members;
-    const auto isHint = [&](const auto& member) { return member.get() == order_->lastSuccess; };
     const auto begin = members.begin() + static_cast<ptrdiff_t>(std::min(first_, members.size()));
-    const auto found = std::find_if(begin, members.end(), isHint);
     const bool tryAll = order_->tryAll && !isEmpty_;
-    clsSusie* const hint =
-        found != members.end() && (tryAll || Claims(**found)) ? found->get() : nullptr;
-    if (hint != nullptr && (Names(*hint) || !IsNamed()) && Offer(*hint)) return hint;
+    clsSusie* const hint = Hint(tryAll);
+    if (hint != nullptr && IsPreferred(*hint) && Offer(*hint)) return hint;
     for (auto member = begin; member != members.end(); ++member) {
         if (Claims(**member) && Offer(**member)) return member->get();
     }
@@ -57,6 +54,26 @@ clsSusie* Search::Find() {
         if (Offer(**member)) return member->get();
     }
     return nullptr;
+}
+
+// Who accepted last, if he is to be asked at all.
+clsSusie* Search::Hint(bool tryAll) {
+    const auto& members = order_->members;
+    const auto begin = members.begin() + static_cast<ptrdiff_t>(std::min(first_, members.size()));
+    const auto found = std::find_if(begin, members.end(), [&](const auto& member) {
+        return member.get() == order_->lastSuccess;
+    });
+    return found != members.end() && (tryAll || Claims(**found)) ? found->get() : nullptr;
+}
+
+bool Search::IsPreferred(const clsSusie& hint) {
+    return Names(hint) || !IsNamed();
+}
+
+bool Search::PrefersAnother(const clsSusie& found) {
+    if (order_ == nullptr || !LookAtSource()) return false;
+    const clsSusie* const hint = Hint(order_->tryAll && !isEmpty_);
+    return hint != nullptr && hint != &found && IsPreferred(*hint);
 }
 
 // False when it is not there.

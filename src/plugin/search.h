@@ -59,6 +59,9 @@ class Search {
     // The same without going on: Next answers it once more.
     clsSusie* Peek();
 
+    // To be called at first: whether one is asked before `found` because it accepted last.
+    bool PrefersAnother(const clsSusie& found);
+
     // To be called when the plug-in found last has failed: it is not preferred any more.
     void NoteFailure();
 
@@ -68,6 +71,8 @@ class Search {
 
   private:
     clsSusie* Find();
+    clsSusie* Hint(bool tryAll);
+    bool IsPreferred(const clsSusie& hint);
     bool LookAtSource();
     bool Claims(const clsSusie& member);
     bool Names(const clsSusie& member);

@@ -6,10 +6,8 @@
 namespace tessary {
 namespace {
 
-std::function<void(const RaisedError&)>& Receiver() {
-    static std::function<void(const RaisedError&)> receiver;
-    return receiver;
-}
+// Of this thread; null: none.
+thread_local const std::function<void(const RaisedError&)>* receiver = nullptr;
 
 }  // namespace
 
@@ -29,8 +27,8 @@ RaisedError CurrentError() {
 
 void ReportUnexpectedError(uint32_t errorNumber, std::wstring_view errorDescription,
                            std::wstring_view procedureLabel) {
-    if (Receiver()) {
-        Receiver()(RaisedError(errorNumber, std::wstring(errorDescription)));
+    if (receiver != nullptr) {
+        (*receiver)(RaisedError(errorNumber, std::wstring(errorDescription)));
         return;
     }
     std::wstring message = L"モジュール ";
@@ -43,12 +41,13 @@ void ReportUnexpectedError(uint32_t errorNumber, std::wstring_view errorDescript
     ShowMessageBox(message);
 }
 
-DivertedErrors::DivertedErrors(std::function<void(const RaisedError& error)> receiver) {
-    Receiver() = std::move(receiver);
+DivertedErrors::DivertedErrors(std::function<void(const RaisedError& error)> take)
+    : take_(std::move(take)) {
+    receiver = &take_;
 }
 
 DivertedErrors::~DivertedErrors() {
-    Receiver() = nullptr;
+    receiver = nullptr;
 }
 
 }  // namespace tessary

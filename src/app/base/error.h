@@ -41,14 +41,17 @@ RaisedError CurrentError();
 void ReportUnexpectedError(uint32_t errorNumber, std::wstring_view errorDescription,
                            std::wstring_view procedureLabel);
 
-// For its own life such errors go to `receiver` and no message is shown: for long work that nobody
-// may be watching. Only one of these at a time.
+// For its own life such errors of this thread go to `take` and no message is shown: for long work
+// that nobody may be watching. Only one of these at a time.
 class DivertedErrors {
   public:
-    explicit DivertedErrors(std::function<void(const RaisedError& error)> receiver);
+    explicit DivertedErrors(std::function<void(const RaisedError& error)> take);
     DivertedErrors(const DivertedErrors&) = delete;
     DivertedErrors& operator=(const DivertedErrors&) = delete;
     ~DivertedErrors();
+
+  private:
+    std::function<void(const RaisedError& error)> take_;
 };
 
 // Runs `body`; whatever it throws ends here and yields `fallback`. Event handlers, window

@@ -35,12 +35,13 @@ struct GeneralSettings {
     int16_t reduceType = 0;
     int16_t reduceColorNum = 256;
     int16_t reduceQuality = 0;
-    std::wstring openPath;       // last folder used for opening
-    std::wstring savePath;       // last folder used for saving
-    int16_t dynamicSPILoad = 0;  // 1: load plug-in libraries only when needed
-    int16_t spiExt = 0;          // 1: choose plug-ins by file name alone
-    int16_t openFolderType = 0;  // 0: the classic folder dialog, else the system's
-    int16_t readAhead = 1;       // 1: pictures are read before they are asked for
+    std::wstring openPath;        // last folder used for opening
+    std::wstring savePath;        // last folder used for saving
+    int16_t dynamicSPILoad = 0;   // 1: load plug-in libraries only when needed
+    int16_t spiExt = 0;           // 1: choose plug-ins by file name alone
+    int16_t openFolderType = 0;   // 0: the classic folder dialog, else the system's
+    int16_t readAhead = 1;        // 1: pictures are read before they are asked for
+    int32_t readAheadMemory = 0;  // megabytes that may be kept of them; 0: as there is room
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 
@@ -57,7 +58,10 @@ constexpr int32_t kConflictSkip = 1;       // leaves it as it is
 constexpr int32_t kConflictOverwrite = 2;  // replaces whatever is there
 constexpr int32_t kConflictAsk = 3;        // asks the user, where there is one
 
+constexpr int32_t kMostReadAheadMemory = 99999;
+
 constexpr int32_t kMostArchiveDepth = 99;
+constexpr int32_t kMostJobs = 8;
 
 // Settings of the section `Convert`.
 struct ConvertSettings {
@@ -82,6 +86,7 @@ struct ConvertSettings {
     int32_t onConflict = kConflictFreeName;
     bool keepFolders = false;  // the sources' folders are made anew in the target folder
     bool skipDamaged = false;  // nothing is written for pictures that could not be read whole
+    int32_t jobs = 0;  // how many files are read at the same time; 0: as it suits the machine
     int32_t archiveDepth = 3;  // archives in archives are expanded down to this level; 1: no others
 
     bool operator==(const ConvertSettings&) const = default;

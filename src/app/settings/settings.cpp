@@ -89,6 +89,7 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"SPIExt", general.spiExt, L"0");
     transfer(L"OpenFolderType", general.openFolderType, L"0");
     transfer(L"ReadAhead", general.readAhead, L"1");
+    transfer(L"ReadAheadMemory", general.readAheadMemory, L"0");
     transfer(L"FixSizeValue", Values().fixSizeValue, L"0");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
@@ -145,6 +146,7 @@ void TransferConvertTail(const auto& transfer, int16_t& outputErrorLog) {
     transfer(L"KeepFolders", convert.keepFolders, L"False");
     transfer(L"SkipDamaged", convert.skipDamaged, L"False");
     transfer(L"ArchiveDepth", convert.archiveDepth, L"3");
+    transfer(L"Jobs", convert.jobs, L"0");
 }
 
 // Whoever has written another number by hand gets the choice that changes least, and the depth
@@ -154,6 +156,7 @@ void PutRight(ConvertSettings& convert) {
         convert.onConflict = kConflictFreeName;
     }
     convert.archiveDepth = std::clamp(convert.archiveDepth, 1, kMostArchiveDepth);
+    convert.jobs = std::clamp(convert.jobs, 0, kMostJobs);
 }
 
 // Runs a transfer; whatever fails in it is told with `text` and yields false.

@@ -46,6 +46,11 @@ std::shared_ptr<AheadProgress> AheadBoard::ProgressOf(const AheadEntry& entry) c
     return task != underWay_.end() ? task->progress : nullptr;
 }
 
+void AheadBoard::Drop(const AheadEntry& entry) {
+    const std::lock_guard lock(mutex_);
+    cache_.Drop(entry);
+}
+
 bool AheadBoard::IsBusy() const {
     const std::lock_guard lock(mutex_);
     return !underWay_.empty();

@@ -59,6 +59,8 @@ class AheadBoard {
     bool IsBusy() const;
     // Until a task has ended, at most so long.
     void WaitForEnd(DWORD milliseconds);
+    // It is not kept any more.
+    void Drop(const AheadEntry& entry);
     // Nothing is planned and kept any more, and what is being read is given up.
     void Forget();
     // The same for good: the threads are to end.

@@ -16,7 +16,7 @@ void AheadCache::SetWanted(std::vector<AheadEntry> wanted) {
 }
 
 void AheadCache::Put(AheadPicture picture) {
-    std::erase_if(kept_, [&](const AheadPicture& kept) { return kept.entry == picture.entry; });
+    Drop(picture.entry);
     kept_.push_back(std::move(picture));
     MakeRoom();
 }

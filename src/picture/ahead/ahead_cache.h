@@ -26,6 +26,9 @@ class AheadCache {
     // since.
     std::optional<AheadPicture> Find(const AheadEntry& entry, const FileStamp& stamp);
 
+    void Drop(const AheadEntry& entry) {
+        std::erase_if(kept_, [&](const AheadPicture& kept) { return kept.entry == entry; });
+    }
     void Clear() { kept_.clear(); }
 
   private:

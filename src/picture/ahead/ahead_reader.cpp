@@ -4,7 +4,7 @@
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
-#include "picture/ahead/ahead_rules.h"
+#include "app/base/text.h"
 #include "picture/read/natural_order.h"
 #include "plugin/call_watch.h"
 #include "plugin/modSusie.h"
@@ -18,12 +18,13 @@ constexpr DWORD kRest = 30'000;
 // One look at what is wanted.
 class Attempt {
   public:
-    explicit Attempt(const AheadTask& task) : task_(task) {}
+    Attempt(const AheadTask& task, const AheadSource& source) : task_(task), source_(source) {}
 
     // Nothing: there is no picture that could be shown as it is.
     std::optional<AheadPicture> Read() {
         const std::optional<FileStamp> stamp = StampOf(task_.entry.path);
-        if (!stamp || !MayBeReadAhead(task_.entry.path)) return std::nullopt;
+        if (!stamp || !source_.mayRead(task_.entry.path)) return std::nullopt;
+        SusieCollection().PreferNobody();
         AheadPicture picture{.entry = task_.entry, .stamp = *stamp};
         const bool isRead = task_.entry.member == 0 ? ReadFile(picture) : ReadMember(picture);
         if (!isRead || !IsGood(picture.read) || StampOf(task_.entry.path) != stamp) {
@@ -52,10 +53,11 @@ class Attempt {
 
     bool ReadFile(AheadPicture& picture) {
         const SourceFile file = LookAtFile(task_.entry.path);
-        if (file.kind == kFileArchive) return ReadFirstPage(picture);
+        if (file.kind == kFileArchive) return source_.opensArchives && ReadFirstPage(picture);
         if (!IsPictureKind(file.kind)) return false;
         picture.read = ReadPicture(file, Watch());
-        return true;
+        // Who took it and then failed has something to tell.
+        return EqualsIgnoreCase(picture.read.plugin, file.plugin);
     }
 
     // An archive's own picture is the one that it is opened with.
@@ -82,11 +84,13 @@ class Attempt {
     }
 
     const AheadTask& task_;
+    const AheadSource& source_;
 };
 
 }  // namespace
 
-void ReadAhead(const std::shared_ptr<AheadBoard>& board, const ConnectorMaker& connect) {
+void ReadForBoard(const std::shared_ptr<AheadBoard>& board, const AheadSource& source) {
+    const DivertedErrors untold([](const RaisedError&) {});
     std::optional<OwnPlugins> plugins;
     std::shared_ptr<const KnownPlugins> known;
     while (!board->HasEnded()) {
@@ -100,13 +104,13 @@ void ReadAhead(const std::shared_ptr<AheadBoard>& board, const ConnectorMaker& c
             if (!plugins || known != task->plugins) {
                 plugins.reset();
                 known = task->plugins;
-                plugins.emplace(connect(), *known);
+                plugins.emplace(source.connect(), *known);
             }
             const CallWatch watch([&](const WaitedCall&) {
                 return task->progress->isWanted ? CallWish::kGoesOn : CallWish::kStops;
             });
             const uint32_t crashes = Caller().crashes;
-            picture = Attempt(*task).Read();
+            picture = Attempt(*task, source).Read();
             // That has to be told and counted, where it is asked for.
             if (Caller().crashes != crashes) picture.reset();
         });

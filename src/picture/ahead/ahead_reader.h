@@ -7,12 +7,20 @@
 
 namespace tessary {
 
-// Has the way to a plug-in's file for one thread: its plug-ins' processes end with it.
+// The way to plug-ins' files for one thread: its plug-ins' processes end with it.
 using ConnectorMaker = std::function<PluginConnector()>;
 
+// Where the threads read.
+struct AheadSource {
+    ConnectorMaker connect{};  // called on each thread; what it answers is dropped when there has
+                               // been nothing to do for a while
+    std::function<bool(const std::wstring& path)> mayRead{};
+    bool opensArchives = true;  // of an archive the picture is read that it is opened with
+};
+
 // Reads what the board wants until that has ended. Failures are told nobody and counted nowhere:
-// what cannot be read is read once more when somebody asks for it. `connect` is called on this
-// thread; what it answers is dropped when there has been nothing to do for a while.
-void ReadAhead(const std::shared_ptr<AheadBoard>& board, const ConnectorMaker& connect);
+// what cannot be read is read once more when somebody asks for it. Nobody is preferred among the
+// plug-ins for having accepted last: what is read first is chance here.
+void ReadForBoard(const std::shared_ptr<AheadBoard>& board, const AheadSource& source);
 
 }  // namespace tessary

@@ -38,12 +38,14 @@ int ReadingThreads() {
     return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads));
 }
 
-size_t AheadBudget() {
+size_t AheadBudget(int32_t megabytes) {
     MEMORYSTATUSEX memory{};
     memory.dwLength = sizeof(memory);
     if (!GlobalMemoryStatusEx(&memory)) return 0;
-    return static_cast<size_t>(std::min<uint64_t>(
-        {memory.ullAvailPhys / 4, memory.ullAvailVirtual / kShareOfRoom, kMostBytes}));
+    const uint64_t wanted =
+        megabytes > 0 ? static_cast<uint64_t>(megabytes) << 20 : memory.ullAvailPhys / 4;
+    return static_cast<size_t>(
+        std::min<uint64_t>({wanted, memory.ullAvailVirtual / kShareOfRoom, kMostBytes}));
 }
 
 }  // namespace tessary

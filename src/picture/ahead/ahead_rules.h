@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace tessary {
@@ -16,8 +17,8 @@ bool SavesBattery();
 // How many threads do it: as many as the machine has processors, up to four.
 int ReadingThreads();
 
-// How many bytes of pictures to keep: a quarter of the free memory, but no more than this process
-// has room for beside the picture that is shown.
-size_t AheadBudget();
+// How many bytes of pictures to keep: so many megabytes, or for 0 a quarter of the free memory; but
+// no more than this process has room for beside the picture that is shown.
+size_t AheadBudget(int32_t megabytes = 0);
 
 }  // namespace tessary

@@ -28,6 +28,8 @@ void ConvertPage::AttachControls() {
         convert.onConflict);
     fields.Check(checkKeepFolders, convert.keepFolders);
     fields.Check(checkSkipDamaged, convert.skipDamaged);
+    fields.Choice(combJobs, {L"自動", L"1", L"2", L"3", L"4", L"5", L"6", L"7", L"8"},
+                  convert.jobs);
     fields.Check(checkUnpackArchive, convert.unpackArchive);
     fields.Number(textArchiveDepth, convert.archiveDepth, 1, kMostArchiveDepth);
     fields.Check(checkDecodeUnknownFile, convert.decodeUnknownFile);

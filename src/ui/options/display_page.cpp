@@ -34,6 +34,9 @@ void DisplayPage::AttachControls() {
     Fields().Choice(combFixSizeValue,
                     {L"サイズを調整しない", L"640×480", L"800×600", L"1024×768", L"画面サイズ"},
                     Options().fixSizeValue);
+    Fields().Check(checkReadAhead, Options().general.readAhead);
+    Fields().Number(textReadAheadMemory, Options().general.readAheadMemory, 0,
+                    kMostReadAheadMemory);
     Fields().Option(optionOpenFolderType_0, Options().general.openFolderType, 0);
     Fields().Option(optionOpenFolderType_1, Options().general.openFolderType, 1);
 }
@@ -42,6 +45,11 @@ void DisplayPage::ShowValues() {
     OptionPage::ShowValues();
     sliderSlideShowTime_.SetPosition(Options().general.slideShowTime / kIntervalStep);
     ShowInterval();
+}
+
+void DisplayPage::ShowState() {
+    Fields().SetEnabled({labelReadAheadMemory, textReadAheadMemory, labelReadAheadMemoryUnit},
+                        Options().general.readAhead != 0);
 }
 
 void DisplayPage::ShowInterval() {

@@ -12,6 +12,7 @@ class DisplayPage final : public OptionPage {
         : OptionPage(options, std::move(changed)) {}
 
     void ShowValues() override;
+    void ShowState() override;
 
   private:
     void AttachControls() override;

@@ -14,9 +14,10 @@ namespace {
 void PutRight(GeneralSettings& general) {
     for (int16_t* const flag :
          {&general.useSPI, &general.dynamicSPILoad, &general.spiExt, &general.reduceColor,
-          &general.reduce256ModeOnly, &general.saveReducedPicture}) {
+          &general.reduce256ModeOnly, &general.saveReducedPicture, &general.readAhead}) {
         *flag = *flag == 1 ? 1 : 0;
     }
+    general.readAheadMemory = std::clamp(general.readAheadMemory, 0, kMostReadAheadMemory);
     general.openFolderType = general.openFolderType != 0 ? 1 : 0;
     general.slideShowTime = std::clamp<int16_t>(general.slideShowTime, 0, kMostSlideShowTime);
     general.reduceColorNum = std::clamp<int16_t>(general.reduceColorNum, 2, 256);
