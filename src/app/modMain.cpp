@@ -143,6 +143,7 @@ bool InitializeApplication(HelperLibraries& libraries) {
             return HostLimits{.asking = static_cast<DWORD>(general.askingSeconds) * 1000,
                               .working = static_cast<DWORD>(general.workingSeconds) * 1000};
         });
+    UseFurtherHosts();
     Ahead().Begin(ReadingThreads(), [] { return OwnHostConnector(); });
     libraries = CheckHelperLibraries();
     if (libraries && !PathExists(AppFolder() + kHostProgram)) {

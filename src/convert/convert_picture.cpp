@@ -1,4 +1,6 @@
 // Converting one picture.
+#include <algorithm>
+
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -111,7 +113,7 @@ DWORD ConvertRun::SaveAndRead(const FileAtHand& file, const Picture& picture,
     };
     const bool isSmall = picture.Info().size() + picture.Bits().size() <= kMostMeanwhile;
     const auto next = Trapped(std::optional<std::wstring>(), [&] {
-        return isSmall ? NextToRead(file.index + 1, output) : std::nullopt;
+        return isSmall && !filesAhead_ ? NextToRead(file.index + 1, output) : std::nullopt;
     });
     if (!next) return save();
     DWORD error = ERROR_WRITE_FAULT;
@@ -130,16 +132,28 @@ DWORD ConvertRun::SaveAndRead(const FileAtHand& file, const Picture& picture,
     return error;
 }
 
+void ConvertRun::PlanAhead(int32_t index) {
+    if (!filesAhead_) return;
+    std::vector<std::wstring> paths;
+    const int32_t last = std::min(list_.UpperBound(), index + 2 * ThreadsFor(settings_.jobs));
+    for (int32_t next = index + 1; next <= last; ++next) {
+        if (IsReadAhead(list_.At(next))) paths.push_back(list_.At(next).path);
+    }
+    filesAhead_->Plan(list_.At(index).path, paths);
+}
+
+// Extracted members make way for others, and are deleted by patterns.
+bool ConvertRun::IsReadAhead(const WorkEntry& entry) const {
+    return !entry.IsExtracted() && CheckDecodeFileName(FileNameOf(entry.path), settings_);
+}
+
 std::optional<std::wstring> ConvertRun::NextToRead(int32_t next, const std::wstring& output) const {
-    // Extracted members make way for others, and are deleted by patterns.
-    if (next > list_.UpperBound() || list_.At(next).IsExtracted()) return std::nullopt;
+    if (next > list_.UpperBound() || !IsReadAhead(list_.At(next))) return std::nullopt;
     // A plug-in that crashes may leave a lock of the system's behind, and whatever works on another
     // thread would wait for it for ever.
     if (HasPluginCrashed() || !monitor_.SetProgressBar(-1, -1, 0, 0)) return std::nullopt;
     const std::wstring& path = list_.At(next).path;
-    if (EqualsIgnoreCase(path, output) || !CheckDecodeFileName(FileNameOf(path), settings_)) {
-        return std::nullopt;
-    }
+    if (EqualsIgnoreCase(path, output)) return std::nullopt;
     return path;
 }
 

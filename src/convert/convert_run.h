@@ -15,6 +15,7 @@
 #include "convert/convert_monitor.h"
 #include "convert/convert_options.h"
 #include "convert/file_at_hand.h"
+#include "convert/files_ahead.h"
 #include "convert/output_names.h"
 #include "convert/read_ahead.h"
 #include "convert/same_content.h"
@@ -75,6 +76,9 @@ class ConvertRun {
     // Saves a picture and, where both are small, reads the next file of the list meanwhile. The
     // report is that of a success. The system's error, 0 for success.
     DWORD SaveAndRead(const FileAtHand& file, const Picture& picture, const std::wstring& output);
+    // Has the files read whose turn comes behind this one.
+    void PlanAhead(int32_t index);
+    bool IsReadAhead(const WorkEntry& entry) const;
     // The file of the entry `next`, if it may be read while a picture is saved as `output`.
     std::optional<std::wstring> NextToRead(int32_t next, const std::wstring& output) const;
 
@@ -138,7 +142,8 @@ class ConvertRun {
     KnownContents expanded_;  // archives
     bool stopIsTold_ = false;
     ULONGLONG stopAskedAt_ = 0;  // in ticks; 0: not yet
-    ReadAhead ahead_;            // the next entry
+    ReadAhead ahead_;            // the next entry, where they are read one after the other
+    std::optional<FilesAhead> filesAhead_;
 };
 
 }  // namespace tessary

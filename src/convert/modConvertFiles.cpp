@@ -25,6 +25,7 @@
 #include "picture/read/no_picture.h"
 #include "plugin/call_watch.h"
 #include "plugin/file_stamp.h"
+#include "plugin/host_state.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_state.h"
 
@@ -86,10 +87,14 @@ bool ConvertRun::Run() {
     const CallWatch calls(
         [this](const WaitedCall&) { return IsGivenUp() ? CallWish::kStops : CallWish::kGoesOn; });
     log_.Open(settings_);
+    if (const int threads = ThreadsFor(settings_.jobs); threads > 1 && Host().furtherConnector) {
+        filesAhead_.emplace(threads);
+    }
     bool goesOn = true;
     int32_t index = 1;
     for (; goesOn && index <= list_.UpperBound(); ++index) {
         list_.Reach(index);
+        Trapped([&] { PlanAhead(index); });
         FileAtHand file(index, list_.At(index));
         monitor_.FileReached(FileStage::kBegun, file.report);
         Step(file, [&](StepResult&) {
@@ -107,6 +112,7 @@ bool ConvertRun::Run() {
         });
         if (!goesOn) Trapped([&] { WriteStopped(); });
     }
+    filesAhead_.reset();
     Trapped([&] { DeleteUnconverted(index); });
     Trapped([&] { log_.WriteConvertLog(L"*** すべての変換処理が完了しました ***", {}, 0); });
     log_.Close();
@@ -183,7 +189,8 @@ StepResult ConvertRun::ConvertByKind(FileAtHand& file) {
             return StepResult::kNotHandled;
         }
     }
-    std::optional<SourceAtHand> known = ahead_.Take(entry.path);
+    std::optional<SourceAtHand> known =
+        filesAhead_ ? filesAhead_->Take(entry.path) : ahead_.Take(entry.path);
     const bool isElsewhere = !known && IsNotOnThisDisk(entry.path);
     SourceAtHand source =
         known ? std::move(*known)

@@ -158,6 +158,8 @@ constexpr Valued kValued[] = {
      [](ConsoleOptions&, Text value) {
          return TakeWord(value, {L"rename", L"skip", L"overwrite"}, Settings().onConflict);
      }},
+    {L"--jobs",
+     [](ConsoleOptions&, Text value) { return TakeNumber(value, 0, kMostJobs, Settings().jobs); }},
     {L"--archive-depth",
      [](ConsoleOptions&, Text value) {
          return TakeNumber(value, 1, INT32_MAX, Settings().archiveDepth);

@@ -30,6 +30,7 @@
 #include "convert_cli/session_end.h"
 #include "convert_cli/stop_request.h"
 #include "convert_cli/worker_process.h"
+#include "host/host_connection.h"
 #include "plugin/call_log.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
@@ -165,6 +166,7 @@ int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& rep
 }
 
 int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
+    UseFurtherHosts();
     const HelperLibraries libraries = CheckHelperLibraries();
     if (!libraries) {
         errors.WriteLine(libraries.failure);

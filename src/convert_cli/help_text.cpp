@@ -31,6 +31,7 @@ Susie プラグインと設定を使います。設定は書き換えません�
   --format-high 形式      256 色を超える画像の保存形式
   --unpack, --no-unpack   圧縮ファイルを展開する・しない
   --archive-depth 数      圧縮ファイルの中の圧縮ファイルを展開する深さ (1 は展開しない)
+  --jobs 数               同時に読み込むファイルの数 (1 から 8。0 は自動)
   --keep-unknown, --no-keep-unknown
                           展開したファイルのうち変換できなかったものを残す・残さない
   --min-width 画素数, --min-height 画素数
@@ -90,6 +91,7 @@ stands for the files in it, but for hidden and system files.
   --format-high FORMAT    for pictures of more than 256 colours
   --unpack, --no-unpack   expand archives or not
   --archive-depth N       how deep archives in archives are expanded (1: not at all)
+  --jobs N                how many files are read at the same time (1 to 8; 0: automatic)
   --keep-unknown, --no-keep-unknown
                           keep extracted files that could not be converted, or delete them
   --min-width PIXELS, --min-height PIXELS

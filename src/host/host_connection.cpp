@@ -138,6 +138,10 @@ void UseHostProcess(HostWait wait, std::function<HostLimits()> limits) {
         [](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, pool); });
 }
 
+void UseFurtherHosts() {
+    Host().furtherConnector = [] { return OwnHostConnector(); };
+}
+
 std::wstring HostProgram() {
     return AppFolder() + kHostProgram;
 }

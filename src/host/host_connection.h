@@ -68,6 +68,9 @@ inline constexpr wchar_t kHostProgram[] = L"tessary-host32.exe";
 // each call.
 void UseHostProcess(HostWait wait, std::function<HostLimits()> limits);
 
+// Lets further threads have plug-ins, each in a host process of its own.
+void UseFurtherHosts();
+
 // The full path of that program.
 std::wstring HostProgram();
 

@@ -36,6 +36,9 @@ struct PluginCaller {
 struct HostState {
     PluginCaller firstCaller;
 
+    // Makes the connectors of further threads, for each its own; empty: there are to be none.
+    std::function<PluginConnector()> furtherConnector;
+
     // Of the calls in this process (plugin_state.h).
     bool hasPluginCrashed = false;
     std::wstring damager;  // file name of the plug-in whose call has damaged the memory; or empty

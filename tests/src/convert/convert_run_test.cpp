@@ -5,6 +5,7 @@
 #include "convert/convert_progress.h"
 #include "convert/same_content.h"
 #include "host/host_connection.h"
+#include "plugin/host_state.h"
 #include "plugin/plugin_log.h"
 #include "tests/src/convert/convert_test.h"
 #include "tests/support/distant_files.h"
@@ -266,6 +267,53 @@ TEST_F(ConvertRunTest, ProgressIsRoundedHalvesToEven) {
         EXPECT_EQ(ConvertProgressCallback(numerator, denominator, 0), 0);
     }
     EXPECT_EQ(monitor_.percents, (std::vector<int32_t>{12, 38, 33, 67, -12, 100}));
+}
+
+// Whatever plug-ins do, and whoever would be preferred for having accepted last.
+TEST_F(ConvertRunTest, SeveralFilesAtATimeComeToTheSameAsOneAfterTheOther) {
+    UnloadSPI();
+    HostPool hosts(FinishedFolder() + kHostProgram);
+    SetPluginConnector([&](const std::wstring& plugin) {
+        return std::make_unique<HostConnection>(plugin, hosts);
+    });
+    std::atomic<int> further = 0;
+    Host().furtherConnector = [&] {
+        ++further;
+        return OwnHostConnector(FinishedFolder() + kHostProgram);
+    };
+    std::filesystem::copy_file(TestPluginPath(L"iftst.spi"), plugins_.Path() + L"zz.spi");
+    plugins_.Write(L"zz.spi.script", "info:2:*.TST;*.OTH\n");
+    const std::string good = "TST 40x30x24\n";
+    for (const char* directives : {"", "answer:GetPicture:4\n", "", "crash:av:GetPicture\n", "",
+                                   "condition:3:half\n", "crash:exit-well:GetPicture\n", ""}) {
+        Add(std::to_wstring(monitor_.files.size()) + L".tst", good + directives + '\n');
+    }
+    Add(L"first.oth", good);
+    Add(L"by the same.tst", good);
+    Add(L"bitmap.bmp", BitmapFileOf(2, 2, 0));
+    Add(L"by another.tst", good);
+    Add(L"junk.tst", "junk");
+    Add(L"archive.tsa", ArchiveOf({{"a.tst", good + '\n'}, {"b", "second"}}));
+    for (const wchar_t* name : {L"0.tst", L"last.tst"})
+        Add(name, good);
+    std::vector<std::vector<std::wstring>> lines;
+    std::vector<Files> files;
+    for (const int jobs : {1, 3}) {
+        ForgetFailures(plugins_.Path() + L"iftst.spi");
+        ForgetFailures(plugins_.Path() + L"zz.spi");
+        LoadSPI();
+        settings_.jobs = jobs;
+        EXPECT_TRUE(RunAnew());
+        lines.push_back(monitor_.lines);
+        files.push_back(FilesBelow(Target()));
+        UnloadSPI();
+    }
+    EXPECT_EQ(lines[0], lines[1]);
+    EXPECT_EQ(files[0], files[1]);
+    EXPECT_GT(files[0].size(), 8u);
+    EXPECT_EQ(further, 3);
+    Host().furtherConnector = {};
+    SetPluginConnector({});
 }
 
 // A plug-in that hangs keeps nobody who wants to stop, nor do those that would be tried next.
