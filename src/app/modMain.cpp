@@ -66,10 +66,18 @@ void TellNotices(PictureView& view, const HelperLibraries& libraries, bool isAsk
     if (!notices.empty()) view.SetPanelText(kNoticePanel, InOneLine(notices));
 }
 
-// Asks the plug-ins of which nothing is remembered, as all are at the first start. What is to be
-// opened comes behind that.
+// Whether what is to be opened has to wait for the plug-ins that are still to be asked: nobody else
+// names it.
+bool WaitsForPlugins(const std::vector<std::wstring>& names) {
+    return names.empty() || (SusieCollection().FirstNaming(names.front()) == nullptr &&
+                             !MatchesAnyPattern(ToUpper(FileNameOf(names.front())), {L"*.BMP"}));
+}
+
+// Asks the plug-ins of which nothing is remembered, as all are at the first start.
 void AskNewPlugins(frmMain& window) {
     {
+        SusieCollection().UnloadFile();
+        Ahead().Forget();
         const frmMain::Reading reading(window, L"プラグインを読み込んでいます");
         frmProgress progress(window.Handle(), kLoadingCaption);
         const LoadingProgress tell = TellIn(progress);
@@ -89,7 +97,8 @@ int Main() {
             MB_ICONEXCLAMATION);
         return 0;
     }
-    std::vector<std::wstring> names = CommandLineNames(CommandLineArguments(), GetPlatformId());
+    const std::vector<std::wstring> names =
+        CommandLineNames(CommandLineArguments(), GetPlatformId());
     // Explorer starts programs in the folder of the opened file. As long as that is the current one
     // nobody can rename it, nor take its drive out.
     SetCurrentDirectoryW(AppFolder().c_str());
@@ -98,7 +107,7 @@ int Main() {
         TellFailedStart(libraries.failure);
         return 0;
     }
-    frmMain window({.commandLine = std::move(names),
+    frmMain window({.commandLine = names,
                     .pluginCount = [] { return SusieCollection().Count(); },
                     .endProgram =
                         [] {
@@ -124,6 +133,8 @@ int Main() {
     TellNotices(window, libraries, isAsked);
     window.Show();
     if (!isAsked) {
+        // One that hangs holds up none of its like.
+        if (!WaitsForPlugins(names) && !DoEvents()) return RunMessageLoop();
         AskNewPlugins(window);
         TellNotices(window, libraries, true);
         window.CloseIfAsked();

@@ -14,7 +14,7 @@ struct PluginCall {
     std::wstring file;        // the file bound at the time of the call; empty when none was
     bool hasDamaged = false;  // it came back, but the memory was damaged then
 
-    // Whether the plug-in was being loaded, as it is at every start.
+    // Whether the plug-in was being loaded, or asked what it is.
     bool WhileLoading() const;
 };
 

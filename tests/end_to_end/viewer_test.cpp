@@ -135,7 +135,18 @@ TEST_F(ViewerTest, PluginsAreAskedBehindTheWindowAndOnlyOnce) {
     };
     runWith("", L"");
     runWith("crash:terminate:DllMain", L"");
-    runWith("", L"[表示中] a.tst ( 30×20 24bit )");
+    const wchar_t* const shown = L"[表示中] a.tst ( 30×20 24bit )";
+    runWith("", shown);
+
+    // One that hangs keeps nobody from what others can read.
+    std::filesystem::copy_file(TestPluginPath(L"iftst.spi"), folder_.Path() + L"b.spi");
+    folder_.Write(L"b.spi.script", "dirty:question:DllMain");
+    Start(L'"' + picture + L'"');
+    FindMain();
+    EXPECT_TRUE(Tells(1, shown));
+    EXPECT_EQ(Status(0), L"1個のプラグイン");
+    EXPECT_NE(viewer_->WindowOfCaption(L"SusiePluginをロードしています"), nullptr);
+    EXPECT_EQ(Close(), 0);
 }
 
 // A folder of all sorts, gone through with keys.
