@@ -5,6 +5,7 @@
 
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
+#include "app/base/text.h"
 #include "helpers/susiectl/susiectl.h"
 #include "plugin/call_scope.h"
 #include "plugin/plugin_state.h"
@@ -49,15 +50,22 @@ std::wstring LogNameOf(const HostRequest& request) {
     }
 }
 
+bool IsOf(const PluginEnd& end, const std::wstring& plugin) {
+    return EqualsIgnoreCase(end.call.plugin, plugin);
+}
+
 // Whether another host may do better. Of an end whose kind is certain there is no doubt; a host
 // that has just gone may have been ended by somebody else, and one that was calling nobody when it
-// fell silent, too.
-bool IsWorthAnother(HostOperation operation, HostEnd end, const std::optional<PluginEnd>& blame) {
+// fell silent, too. Or another plug-in was to blame.
+bool IsWorthAnother(const HostRequest& request, HostEnd end,
+                    const std::optional<PluginEnd>& blame) {
+    const HostOperation operation = request.operation;
     const bool canBeRepeated =
         operation == HostOperation::kLoad ||
         (operation > HostOperation::kIsInUse && operation != HostOperation::kConfigure);
     const bool hasEnded = end == HostEnd::kDied || end == HostEnd::kSilent;
-    return canBeRepeated && hasEnded && (!blame || blame->kind == EndKind::kExit);
+    const bool isProved = blame && blame->kind != EndKind::kExit && IsOf(*blame, request.plugin);
+    return canBeRepeated && hasEnded && !isProved;
 }
 
 PluginAnswer EndedAnswer(HostEnd end, HostOperation operation) {
@@ -157,6 +165,12 @@ HostConnection::~HostConnection() {
     Trapped([&] { Unload(); });
 }
 
+// As a log has it. What is asked about stands for the file before one is bound.
+PluginCall HostConnection::CallOf(const HostRequest& request) const {
+    const bool isBound = !boundFile_.empty();
+    return {LogNameOf(request), path_, isBound ? boundFile_ : FromAnsi(request.sourceName)};
+}
+
 HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source,
                                  const SusieProgress& progress, Told& told) const {
     if (pool_.IsGivenUp(path_)) return HostEnd::kGivenUp;
@@ -169,9 +183,8 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
     } else if (!source.name.empty()) {
         pool_.Lent().Forget();
     }
-    const PluginCall asked{LogNameOf(request), path_, boundFile_};
     const auto ended = [&](HostEnd end) {
-        told.blame = host->TakeBlame(end, asked);
+        told.blame = host->TakeBlame(end, CallOf(request));
         return end;
     };
     told.reply = {};
@@ -210,13 +223,14 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     request.tellsCondition = tellsCondition_;
     Told told;
     told.end = TryToAsk(request, source, progress, told);
-    if (IsWorthAnother(request.operation, told.end, told.blame)) {
+    if (IsWorthAnother(request, told.end, told.blame)) {
+        if (told.blame && !IsOf(*told.blame, path_)) pool_.Tell(*told.blame);
         told.blame.reset();
         told.end = TryToAsk(request, source, progress, told);
         // Two hosts that were calling nobody have not ended by chance.
-        if (!told.blame && IsWorthAnother(request.operation, told.end, {})) {
+        if (!told.blame && IsWorthAnother(request, told.end, {})) {
             const EndKind kind = told.end == HostEnd::kSilent ? EndKind::kSilence : EndKind::kExit;
-            told.blame = {{LogNameOf(request), path_, boundFile_}, kind};
+            told.blame = {CallOf(request), kind};
         }
     }
     if (told.blame) pool_.Tell(*told.blame);
@@ -228,7 +242,7 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     }
     HostReply& reply = told.reply;
     for (const std::wstring& function : reply.failures) {
-        pool_.Tell({{function, path_, boundFile_}, EndKind::kCaught});
+        pool_.Tell({{function, path_, CallOf(request).file}, EndKind::kCaught});
         // A new host does not know what it has crashed in.
         tellsCondition_ = tellsCondition_ && function != L"GetLastCondition";
     }

@@ -50,6 +50,7 @@ class HostConnection final : public PluginConnection {
     };
     Told Ask(HostRequest request, const PluginSource& source = {},
              const SusieProgress& progress = {}) const;
+    PluginCall CallOf(const HostRequest& request) const;
     HostEnd TryToAsk(HostRequest request, const PluginSource& source, const SusieProgress& progress,
                      Told& told) const;
 

@@ -14,7 +14,7 @@ constexpr std::wstring_view kFunctions[] = {
     L"LoadLibrary",      kFreeLibrary,  L"GetPluginInfo", L"IsSupported",    L"GetPictureInfo",
     L"GetPicture",       L"GetPreview", L"GetPrevew",     L"GetArchiveInfo", L"GetFileInfo",
     L"GetFileMM",        L"GetFileSM",  L"GetFileMS",     L"GetFileSS",      L"ConfigurationDlg",
-    L"GetLastCondition", L"Thread"};
+    L"GetLastCondition", L"Thread",     kWindowCall};
 
 template <size_t kRoom>
 void CopyCut(wchar_t (&target)[kRoom], std::wstring_view text) {

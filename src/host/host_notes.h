@@ -32,6 +32,9 @@ struct HostNotes {
     HostNote thread;  // whose thread has crashed: stronger; of an empty path: nobody knows
 };
 
+// What a plug-in's windows and timers do between two requests, as a function.
+inline constexpr wchar_t kWindowCall[] = L"Window";
+
 // The functions that notes and failures may name; others were made up.
 bool IsNotedFunction(std::wstring_view function);
 

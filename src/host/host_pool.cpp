@@ -73,6 +73,7 @@ bool HostPool::IsGivenUp(const std::wstring& plugin) {
 }
 
 void HostPool::Tell(const PluginEnd& end) {
+    if (CallsAreExcused()) return;  // the session ends, and takes the hosts along
     Record& record = RecordOf(end.call.plugin);
     if (blame_) {
         ++record.told.counts[static_cast<size_t>(end.kind)];

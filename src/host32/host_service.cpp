@@ -7,6 +7,7 @@
 #include "app/base/error.h"
 #include "app/base/text.h"
 #include "plugin/plugin_state.h"
+#include "plugin/thread_crash.h"
 
 namespace tessary {
 namespace {
@@ -18,12 +19,31 @@ constexpr ULONGLONG kProgressPause = 10;
 // Pixel rows are read fastest from there.
 constexpr uint64_t kBitsAlignment = 64;
 
-void HandleMessages() {
+// Whose code handles it; empty: nobody's.
+std::wstring PluginOf(const MSG& message) {
+    if (message.message == WM_TIMER && message.lParam != 0) {
+        return PluginAt(reinterpret_cast<const void*>(message.lParam));
+    }
+    if (message.hwnd == nullptr) return {};
+    // What is asked in the wrong character set is no address.
+    const LONG_PTR procedure = IsWindowUnicode(message.hwnd)
+                                   ? GetWindowLongPtrW(message.hwnd, GWLP_WNDPROC)
+                                   : GetWindowLongPtrA(message.hwnd, GWLP_WNDPROC);
+    std::wstring plugin = PluginAt(reinterpret_cast<const void*>(procedure));
+    if (!plugin.empty()) return plugin;
+    return PluginAt(reinterpret_cast<const void*>(GetWindowLongPtrW(message.hwnd, GWLP_HINSTANCE)));
+}
+
+// Between two requests nobody else has noted whose turn it is.
+void HandleMessages(CallNotes& notes) {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) continue;  // not a plug-in's to ask for
         TranslateMessage(&message);
+        const std::wstring plugin = PluginCallUnderWay() ? std::wstring() : PluginOf(message);
+        if (!plugin.empty()) notes.OnCall({kWindowCall, plugin, {}});
         DispatchMessageW(&message);
+        if (!plugin.empty()) notes.OnReturn();
     }
 }
 
@@ -52,14 +72,14 @@ HostService::HostService(ChannelEnd channel, const ChannelHandles& handles)
     NoteCallsIn(notes_);
 }
 
-bool HostService::WaitForRequest() const {
+bool HostService::WaitForRequest() {
     const std::array<HANDLE, 2> handles{request_, program_};
     for (;;) {
         const DWORD signalled =
             MsgWaitForMultipleObjects(2, handles.data(), FALSE, INFINITE, QS_ALLINPUT);
         if (signalled == WAIT_OBJECT_0) return true;
         if (signalled != WAIT_OBJECT_0 + 2) return false;
-        HandleMessages();
+        HandleMessages(notes_);
     }
 }
 

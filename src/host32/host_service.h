@@ -32,7 +32,7 @@ class HostService {
 
     // Waits for the next request, or the answer to a question, and handles the messages of
     // plug-ins' windows meanwhile; false: the program is gone.
-    bool WaitForRequest() const;
+    bool WaitForRequest();
     std::optional<HostRequest> TakeRequest() const;
     // What belongs to a reply, besides what is said in it.
     HostReply Carried(const HostRequest& request);

@@ -195,6 +195,12 @@ void ExcuseLastCall() {
     Excuse(own);
 }
 
+bool CallsAreExcused() {
+    HostState::Logs& own = Own();
+    const std::lock_guard lock(own.mutex);
+    return own.isExcused;
+}
+
 void HoldThreadCrashAgainst(const std::wstring& plugin) {
     HostState::Logs& own = Own();
     if (own.elsewhere != nullptr) return own.elsewhere->OnThreadCrash(plugin);

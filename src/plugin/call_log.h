@@ -63,6 +63,8 @@ bool CallsGoUnlogged();
 // call, as the end of the session does: the call is not held against its plug-in, nor is any later
 // one. From any thread.
 void ExcuseLastCall();
+// Whether that is so.
+bool CallsAreExcused();
 
 // The calls that earlier runs did not come back from: their failures are counted, and the logs are
 // clean afterwards. The logs of copies that still live are left alone. Runs that have ended in the

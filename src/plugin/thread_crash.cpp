@@ -20,17 +20,6 @@ Place PlaceOf(HMODULE module, const std::wstring& plugin) {
     return {begin, begin + headers->OptionalHeader.SizeOfImage, plugin};
 }
 
-// Empty: nobody's.
-std::wstring PluginAt(const void* address) {
-    HostState::Threads& watch = Host().threads;
-    const std::lock_guard lock(watch.mutex);
-    const auto at = reinterpret_cast<uintptr_t>(address);
-    for (const Place& place : watch.places | std::views::reverse) {
-        if (at >= place.begin && at < place.end) return place.plugin;
-    }
-    return {};
-}
-
 // The system's last question before it ends the process.
 LONG WINAPI HoldAgainstOwner(EXCEPTION_POINTERS* exception) {
     const HostState::Threads& watch = Host().threads;
@@ -43,6 +32,16 @@ LONG WINAPI HoldAgainstOwner(EXCEPTION_POINTERS* exception) {
 }
 
 }  // namespace
+
+std::wstring PluginAt(const void* address) {
+    HostState::Threads& watch = Host().threads;
+    const std::lock_guard lock(watch.mutex);
+    const auto at = reinterpret_cast<uintptr_t>(address);
+    for (const Place& place : watch.places | std::views::reverse) {
+        if (at >= place.begin && at < place.end) return place.plugin;
+    }
+    return {};
+}
 
 void WatchThreadsOf(HMODULE module, const std::wstring& plugin) {
     HostState::Threads& watch = Host().threads;

@@ -13,4 +13,7 @@ namespace tessary {
 // call log; any other one while a plug-in is being freed is held against nobody.
 void WatchThreadsOf(HMODULE module, const std::wstring& plugin);
 
+// The plug-in in whose code the address is, or has been; empty: nobody's.
+std::wstring PluginAt(const void* address);
+
 }  // namespace tessary

@@ -260,6 +260,11 @@ void Crash(const std::string& kind) {
     if (kind == "scribble" || kind == "terminate") TerminateProcess(GetCurrentProcess(), 3);
 }
 
+LRESULT CALLBACK LateProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_TIMER) wParam == 1 ? ExitProcess(0) : Sleep(INFINITE);
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
 void MakeDirty(const std::string& state) {
     if (state == "fpu-unmasked") asm volatile("fldcw %0" : : "m"(kUnmaskedControlWord));
     const uint16_t singlePrecision = 0x007F;
@@ -284,6 +289,10 @@ void MakeDirty(const std::string& state) {
         CloseHandle(CreateThread(nullptr, 0, WorkForAWhile, nullptr, 0, nullptr));
     if (state == "quit") PostQuitMessage(9);
     if (state == "slow") Sleep(50);
+    if (state == "late-exit" || state == "late-sleep") {
+        SetTimer(OpenWindowOfOurs(L"Test plug-in late window", LateProcedure, 0),
+                 state == "late-exit" ? 1 : 2, 10, nullptr);
+    }
     if (state == "hoard") Hoard();
     if (state == "leak") std::memset(std::malloc(64 << 20), 1, 64 << 20);
     if (state == "sleep") Sleep(INFINITE);

@@ -387,6 +387,46 @@ TEST_F(HostTest, EndsThatAreNotCountedGiveUpAPluginForTheirPoolOnly) {
     EXPECT_EQ(Errors(path), 0);
 }
 
+// In a window's procedure, when nothing is asked of anybody, or of another one.
+TEST_F(HostTest, WhatAPluginDoesBetweenTwoRequestsIsHeldAgainstItAlone) {
+    for (const auto& [state, kind] :
+         {std::pair{"late-exit", EndKind::kExit}, {"late-sleep", EndKind::kSilence}}) {
+        std::vector<PluginEnd> ends;
+        HostPool pool(kProgram, {.asking = 1500, .working = 1500}, {},
+                      [&](const PluginEnd& end) { ends.push_back(end); });
+        HostConnection good(Plugin(L"iftst.spi", {}, NewName(L".spi")), pool);
+        const auto path =
+            Plugin(L"iftst.spi", std::string("early:") + state + ":GetPicture", NewName(L".spi"));
+        HostConnection bad(path, pool);
+        EXPECT_EQ(good.Supports(Picture()).code, 1);
+        const DWORD first = pool.For({})->Id();
+        EXPECT_TRUE(bad.Decode(Picture(), DecodeKind::kFull, {}).picture);
+        for (int i = 0; i < 200 && pool.For({})->Id() == first; ++i) {
+            EXPECT_EQ(good.Supports(Picture()).code, 1) << state;
+            Sleep(20);
+        }
+        ASSERT_EQ(ends.size(), 1u) << state;
+        EXPECT_EQ(ends[0].call.plugin, path);
+        EXPECT_EQ(ends[0].call.function, kWindowCall);
+        EXPECT_EQ(ends[0].kind, kind);
+    }
+}
+
+TEST(HostChild, DISABLED_LosesAHostAtTheSessionsEnd) {
+    test::LoadHelperLibraries();
+    ExcuseLastCall();
+    HostPool pool(kProgram);
+    HostConnection plugin(test::FileOfParent(), pool);
+    EXPECT_TRUE(plugin.Load().HasCrashed());
+    TerminateProcess(GetCurrentProcess(), 7);
+}
+
+TEST_F(HostTest, TheEndOfTheSessionIsNobodysFault) {
+    const auto path = Plugin(L"iftst.spi", "crash:terminate:DllMain");
+    EXPECT_EQ(RunAsChild(L"HostChild.DISABLED_LosesAHostAtTheSessionsEnd", path), 7u);
+    EXPECT_EQ(Errors(path), 0);
+}
+
 // Bytes that are asked about again are the same copy, and never what was there before.
 TEST_F(HostTest, SourcesInMemoryAreCopiedOnceAndReadAsTheyAreNow) {
     const auto one = Connected(L"iftst.spi", {});
