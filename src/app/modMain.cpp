@@ -149,11 +149,7 @@ bool InitializeApplication(HelperLibraries& libraries) {
             WaitPainting(handles, milliseconds);
             return true;
         },
-        [] {
-            const GeneralSettings& general = Values().general;
-            return HostLimits{.asking = static_cast<DWORD>(general.askingSeconds) * 1000,
-                              .working = static_cast<DWORD>(general.workingSeconds) * 1000};
-        });
+        LimitsOfSettings);
     UseFurtherHosts();
     Ahead().Begin(ReadingThreads(), [] { return OwnHostConnector(); });
     libraries = CheckHelperLibraries();

@@ -166,6 +166,7 @@ int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& rep
 }
 
 int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
+    UseHostProcess({}, LimitsOfSettings);
     UseFurtherHosts();
     const HelperLibraries libraries = CheckHelperLibraries();
     if (!libraries) {

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <optional>
 #include <utility>
-#include <vector>
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
-#include "plugin/call_log.h"
+#include "host/hosted_call.h"
 
 namespace tessary {
 namespace {
@@ -56,16 +56,14 @@ void ForEachWindow(HWND parent, Take take) {
     }
 }
 
-std::vector<HWND> VisibleWindowsOfProcess() {
-    std::vector<HWND> windows;
+// With the plug-in that is being called.
+std::map<HWND, std::wstring> VisibleWindowsOfHosts() {
+    std::map<HWND, std::wstring> windows;
     ForEachWindow(nullptr, [&](HWND window) {
         DWORD process = 0;
         GetWindowThreadProcessId(window, &process);
-        // A console's window passes for one of the first process that has the console.
-        if (process == GetCurrentProcessId() && IsWindowVisible(window) &&
-            window != GetConsoleWindow()) {
-            windows.push_back(window);
-        }
+        const std::optional<std::wstring> plugin = HostedCall::PluginIn(process);
+        if (plugin && IsWindowVisible(window)) windows[window] = *plugin;
     });
     return windows;
 }
@@ -110,20 +108,19 @@ void DialogWatch::Watch() {
 
 void DialogWatch::Look() {
     const ULONGLONG now = GetTickCount64();
-    const std::vector<HWND> windows = VisibleWindowsOfProcess();
-    std::erase_if(seenSince_,
-                  [&](const auto& seen) { return std::ranges::count(windows, seen.first) == 0; });
+    const std::map<HWND, std::wstring> windows = VisibleWindowsOfHosts();
+    std::erase_if(seenSince_, [&](const auto& seen) { return !windows.contains(seen.first); });
     std::erase_if(told_, [&](HWND window) { return !seenSince_.contains(window); });
-    for (const HWND window : windows) {
+    for (const auto& [window, plugin] : windows) {
         const ULONGLONG age = now - seenSince_.try_emplace(window, now).first->second;
         const bool isDialog = ClassOf(window) == kDialogClass;
-        if (age >= (isDialog ? kDialogPatience : kWindowPatience)) Close(window, isDialog);
+        if (age >= (isDialog ? kDialogPatience : kWindowPatience))
+            Close(window, FileNameOf(plugin), isDialog);
     }
 }
 
-void DialogWatch::Close(HWND window, bool isDialog) {
+void DialogWatch::Close(HWND window, const std::wstring& plugin, bool isDialog) {
     if (told_.insert(window).second) {
-        const std::wstring plugin = FileNameOf(PluginUnderCall());
         tell_((plugin.empty() ? L"プラグインが表示したウィンドウを閉じました: "
                               : L"プラグイン " + plugin + L" が表示したウィンドウを閉じました: ") +
               Description(window));

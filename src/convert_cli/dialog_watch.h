@@ -13,7 +13,8 @@
 
 namespace tessary {
 
-// For its own life a thread looks for windows of this process, which has none of its own. Dialogs
+// For its own life a thread looks for windows of host processes that this one has asked for
+// something. Dialogs
 // are answered as carefully as their buttons allow, other windows are asked to close after half a
 // minute of one call.
 class DialogWatch {
@@ -27,7 +28,7 @@ class DialogWatch {
   private:
     void Watch();
     void Look();
-    void Close(HWND window, bool isDialog);
+    void Close(HWND window, const std::wstring& plugin, bool isDialog);
 
     std::function<void(const std::wstring&)> tell_;
     std::map<HWND, ULONGLONG> seenSince_;  // in ticks

@@ -6,6 +6,7 @@
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/text.h"
+#include "app/settings/modValue.h"
 #include "helpers/susiectl/susiectl.h"
 #include "plugin/call_scope.h"
 #include "plugin/plugin_state.h"
@@ -144,6 +145,12 @@ void UseHostProcess(HostWait wait, std::function<HostLimits()> limits) {
     pool.FollowLimits(std::move(limits));
     SetPluginConnector(
         [](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, pool); });
+}
+
+HostLimits LimitsOfSettings() {
+    const GeneralSettings& general = Values().general;
+    return {.asking = static_cast<DWORD>(general.askingSeconds) * 1000,
+            .working = static_cast<DWORD>(general.workingSeconds) * 1000};
 }
 
 void UseFurtherHosts() {

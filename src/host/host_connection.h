@@ -69,6 +69,9 @@ inline constexpr wchar_t kHostProgram[] = L"tessary-host32.exe";
 // each call.
 void UseHostProcess(HostWait wait, std::function<HostLimits()> limits);
 
+// Those that the user has chosen.
+HostLimits LimitsOfSettings();
+
 // Lets further threads have plug-ins, each in a host process of its own.
 void UseFurtherHosts();
 

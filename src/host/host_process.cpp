@@ -8,6 +8,7 @@
 #include "app/base/error.h"
 #include "app/base/text.h"
 #include "host/host_patience.h"
+#include "host/hosted_call.h"
 
 namespace tessary {
 namespace {
@@ -210,6 +211,7 @@ std::optional<HostReply> HostProcess::TakeReply() const {
 HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress& progress,
                           const CallWatcher& watcher, HostReply& reply) {
     if (!IsAlive()) return HostEnd::kDied;
+    const HostedCall call(Id(), request.plugin);
     request.returned = sections_->TakeReturned();
     if (!request.plugin.empty()) served_.insert(ToUpper(request.plugin));
     channel_.PutProgress(0, 0);  // of this call nothing is known
@@ -220,11 +222,11 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
         // The progress is asked each moment where nobody watches.
         if ((!isBeat || !watcher) && !Goes(progress)) patience.Take(CallWish::kStops);
         if (watcher && !patience.IsStopped()) {
-            WaitedCall call = patience.Call();
-            call.plugin = request.plugin;
-            call.done = channel_.Done();
-            call.total = channel_.Total();
-            patience.Take(Trapped(CallWish::kStops, [&] { return watcher(call); }));
+            WaitedCall waited = patience.Call();
+            waited.plugin = request.plugin;
+            waited.done = channel_.Done();
+            waited.total = channel_.Total();
+            patience.Take(Trapped(CallWish::kStops, [&] { return watcher(waited); }));
         }
     };
     for (;;) {
