@@ -1,39 +1,23 @@
 // What a host process must stand, and what its program must not notice of its end.
 #include <chrono>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
 #include "app/base/handles.h"
 #include "app/settings/modValue.h"
-#include "host/host_connection.h"
 #include "plugin/CollectionSusie.h"
 #include "plugin/call_watch.h"
-#include "plugin/host_state.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
-#include "tests/src/plugin/plugin_test.h"
+#include "tests/src/host/host_test.h"
 #include "tests/support/content_of.h"
 
 namespace tessary {
 namespace {
 
-const std::wstring kProgram = test::FinishedFolder() + L"tessary-host32.exe";
-
-class HostTest : public test::PluginTest {
-  protected:
-    // A way to a copy of a test plug-in of its own.
-    std::unique_ptr<HostConnection> Connected(const std::wstring& original,
-                                              std::string_view script) {
-        return std::make_unique<HostConnection>(Plugin(original, script, NewName(L".spi")), pool_);
-    }
-    PluginSource Picture() { return {.name = ToAnsi(PictureFile())}; }
-    PluginSource Archive() { return {.name = ToAnsi(ArchiveFile())}; }
-    static int32_t Errors(const std::wstring& path) { return ReadErrorCount(path, {}); }
-
-    HostPool pool_{kProgram, {.asking = 1500, .working = 1500}};
-};
+using test::HostTest;
+using test::kProgram;
 
 // One operation, on a loaded plug-in.
 using Operation = PluginAnswer (*)(HostConnection& plugin, const PluginSource& picture,
@@ -181,22 +165,6 @@ TEST_F(HostTest, TheUsersTimeIsNotThePluginsSilence) {
     EXPECT_TRUE(decoded.picture);
 }
 
-TEST_F(HostTest, OneThatEndsEachHostThatLoadsItIsBarred) {
-    SetPluginConnector([this](const std::wstring& plugin) {
-        return std::make_unique<HostConnection>(plugin, pool_);
-    });
-    for (const char* script : {"crash:terminate:DllMain", "crash:exit-well:GetPluginInfo"}) {
-        const auto path = Plugin(L"iftst.spi", script, NewName(L".spi"));
-        for (int start = 1; start <= 3; ++start) {
-            CollectionSusie plugins;
-            plugins.AddSPI(path);
-            ASSERT_EQ(plugins.LeftOut().size(), 1u) << script;
-            EXPECT_EQ(plugins.LeftOut()[0].reason == LeftOutReason::kBarred, start == 3) << script;
-        }
-    }
-    SetPluginConnector({});
-}
-
 TEST_F(HostTest, ARememberedPluginNeedsNoHostBeforeItIsUsed) {
     SetPluginConnector([this](const std::wstring& plugin) {
         return std::make_unique<HostConnection>(plugin, pool_);
@@ -277,156 +245,6 @@ TEST_F(HostTest, KilledFromOutsideAtAnyMomentItIsReplaced) {
     EXPECT_EQ(Errors(path), 0);
 }
 
-// With the kind of end, the function and the file; nobody else's, though two threads have hosts
-// that end.
-TEST_F(HostTest, ThoseWhoAreToldOfEndsHearOfTheCulpritsAlone) {
-    struct Case {
-        const char* crash;
-        EndKind kind;
-    };
-    const Case cases[2][3] = {
-        {{"av", EndKind::kCaught}, {"exit-well", EndKind::kExit}, {"scribble", EndKind::kExit}},
-        {{"heap-ruin", EndKind::kCrash}, {"terminate", EndKind::kExit}, {"av", EndKind::kCaught}}};
-    const auto picture = Picture();
-    std::wstring paths[2][3];
-    for (int i = 0; i < 6; ++i) {
-        const std::string function = i < 3 ? ":GetPicture" : ":IsSupported";
-        paths[i / 3][i % 3] = Plugin(
-            L"iftst.spi", "crash:" + (cases[i / 3][i % 3].crash + function), NewName(L".spi"));
-    }
-    const auto good = Plugin(L"iftst.spi", {}, NewName(L".spi"));
-    std::vector<PluginEnd> ends[2];
-    const auto run = [&](int side) {
-        HostPool pool(kProgram, {.asking = 5000}, {},
-                      [&, side](const PluginEnd& end) { ends[side].push_back(end); });
-        HostConnection beside(good, pool);
-        beside.Load();
-        for (const std::wstring& path : paths[side]) {
-            HostConnection bad(path, pool);
-            bad.Load();
-            bad.SetBoundFile(path + L".tst");
-            side == 0 ? static_cast<void>(bad.Decode(picture, DecodeKind::kFull, {}))
-                      : static_cast<void>(bad.Supports(picture));
-            EXPECT_EQ(beside.Supports(picture).code, 1);
-        }
-    };
-    std::thread other([&] {
-        PluginCaller caller;
-        const OwnCaller own(caller);
-        run(1);
-    });
-    run(0);
-    other.join();
-    for (int side = 0; side < 2; ++side) {
-        ASSERT_EQ(ends[side].size(), 3u);
-        for (size_t i = 0; i < 3; ++i) {
-            EXPECT_EQ(ends[side][i].call.plugin, paths[side][i]);
-            EXPECT_EQ(ends[side][i].call.file, paths[side][i] + L".tst");
-            EXPECT_EQ(ends[side][i].call.function, side == 0 ? L"GetPicture" : L"IsSupported");
-            EXPECT_EQ(ends[side][i].kind, cases[side][i].kind) << side << i;
-            EXPECT_EQ(Errors(paths[side][i]), 0) << "who counts is told";
-        }
-    }
-    EXPECT_EQ(Errors(good), 0);
-}
-
-// Two ends: it takes nobody along any more. Three: it is not called any more, until it is forgiven.
-TEST_F(HostTest, OneThatEndsHostsGoesOnAloneAndIsGivenUpAtLast) {
-    const auto picture = Picture();
-    const auto path = Plugin(L"iftst.spi", "crash:terminate:GetPicture", NewName(L".spi"));
-    const auto goodPath = Plugin(L"iftst.spi", {}, NewName(L".spi"));
-    HostConnection good(goodPath, pool_);
-    SetPluginConnector([&](const std::wstring& plugin) {
-        return std::make_unique<HostConnection>(plugin, pool_);
-    });
-    CollectionSusie plugins;
-    plugins.AddSPI(path);
-    HostConnection bad(path, pool_);
-    for (int end = 1; end <= 3; ++end) {
-        EXPECT_EQ(good.Supports(picture).code, 1);
-        const DWORD others = pool_.For(goodPath)->Id();
-        EXPECT_EQ(pool_.For(path)->Id() == others, end < 3) << end;
-        bad.SetBoundFile(std::to_wstring(end) + L".tst");
-        EXPECT_TRUE(bad.Decode(picture, DecodeKind::kFull, {}).HasCrashed());
-        const HostProcess* const left = pool_.RunningFor(goodPath);
-        EXPECT_EQ(left != nullptr && left->Id() == others, end == 3) << end;
-    }
-    EXPECT_EQ(TextOf(ReadEnds(path)), L"プロセス終了 3 回（最後: 3.tst）");
-    const DecodedPicture refused = bad.Decode(picture, DecodeKind::kFull, {});
-    EXPECT_TRUE(refused.code == kResultStopped && refused.fault.message == kPluginGivenUpText);
-    EXPECT_EQ(plugins.FileSupported(PictureFile()), 0);
-    EXPECT_EQ(Errors(path), 3);
-    // The next start, and every one from there on.
-    for (int start = 0; start < 3; ++start) {
-        CollectionSusie later;
-        later.AddSPI(path);
-        ASSERT_EQ(later.LeftOut().size(), 1u);
-        EXPECT_EQ(later.LeftOut()[0].reason, LeftOutReason::kGivenUp);
-        EXPECT_EQ(later.Compact(), 0);
-    }
-    CollectionSusie later;
-    later.AddSPI(path);
-    later.ForgetErrorsOfLeftOut(path);
-    EXPECT_EQ(later.LeftOut()[0].reason, LeftOutReason::kWaiting);
-    EXPECT_EQ(TextOf(ReadEnds(path)), L"");
-    EXPECT_EQ(bad.Supports(picture).code, 1);
-    SetPluginConnector({});
-}
-
-// Whoever collects ends has his own hosts spared of the plug-in, and nobody else's.
-TEST_F(HostTest, EndsThatAreNotCountedGiveUpAPluginForTheirPoolOnly) {
-    const auto picture = Picture();
-    const auto path = Plugin(L"iftst.spi", "crash:heap-ruin:GetPicture", NewName(L".spi"));
-    std::vector<PluginEnd> ends;
-    HostPool pool(kProgram, {}, {}, [&](const PluginEnd& end) { ends.push_back(end); });
-    HostConnection ahead(path, pool);
-    for (int i = 0; i < 5; ++i)
-        ahead.Decode(picture, DecodeKind::kFull, {});
-    EXPECT_EQ(ends.size(), 3u);
-    EXPECT_EQ(HostConnection(path, pool_).Supports(picture).code, 1);
-    EXPECT_EQ(Errors(path), 0);
-}
-
-// In a window's procedure, when nothing is asked of anybody, or of another one.
-TEST_F(HostTest, WhatAPluginDoesBetweenTwoRequestsIsHeldAgainstItAlone) {
-    for (const auto& [state, kind] :
-         {std::pair{"late-exit", EndKind::kExit}, {"late-sleep", EndKind::kSilence}}) {
-        std::vector<PluginEnd> ends;
-        HostPool pool(kProgram, {.asking = 1500, .working = 1500}, {},
-                      [&](const PluginEnd& end) { ends.push_back(end); });
-        HostConnection good(Plugin(L"iftst.spi", {}, NewName(L".spi")), pool);
-        const auto path =
-            Plugin(L"iftst.spi", std::string("early:") + state + ":GetPicture", NewName(L".spi"));
-        HostConnection bad(path, pool);
-        EXPECT_EQ(good.Supports(Picture()).code, 1);
-        const DWORD first = pool.For({})->Id();
-        EXPECT_TRUE(bad.Decode(Picture(), DecodeKind::kFull, {}).picture);
-        for (int i = 0; i < 200 && pool.For({})->Id() == first; ++i) {
-            EXPECT_EQ(good.Supports(Picture()).code, 1) << state;
-            Sleep(20);
-        }
-        ASSERT_EQ(ends.size(), 1u) << state;
-        EXPECT_EQ(ends[0].call.plugin, path);
-        EXPECT_EQ(ends[0].call.function, kWindowCall);
-        EXPECT_EQ(ends[0].kind, kind);
-    }
-}
-
-TEST(HostChild, DISABLED_LosesAHostAtTheSessionsEnd) {
-    test::LoadHelperLibraries();
-    ExcuseLastCall();
-    HostPool pool(kProgram);
-    HostConnection plugin(test::FileOfParent(), pool);
-    EXPECT_TRUE(plugin.Load().HasCrashed());
-    TerminateProcess(GetCurrentProcess(), 7);
-}
-
-TEST_F(HostTest, TheEndOfTheSessionIsNobodysFault) {
-    const auto path = Plugin(L"iftst.spi", "crash:terminate:DllMain");
-    EXPECT_EQ(RunAsChild(L"HostChild.DISABLED_LosesAHostAtTheSessionsEnd", path), 7u);
-    EXPECT_EQ(Errors(path), 0);
-}
-
 // Bytes that are asked about again are the same copy, and never what was there before.
 TEST_F(HostTest, SourcesInMemoryAreCopiedOnceAndReadAsTheyAreNow) {
     const auto one = Connected(L"iftst.spi", {});
@@ -500,35 +318,6 @@ TEST_F(HostTest, WithoutItsProgramThereIsOneClearNotice) {
     EXPECT_EQ(SusieCollection().Count(), 2);
     UnloadSPI();
     general = before;
-}
-
-TEST_F(HostTest, NotesThatCannotBeBlameWhoWasAsked) {
-    const PluginCall asked{L"GetPicture", L"C:\\asked.spi", L"C:\\a.tst"};
-    const std::set<std::wstring> served{L"C:\\ASKED.SPI", L"C:\\OTHER.SPI"};
-    const auto culprit = [&](const HostNotes& notes, const PluginCall& now) {
-        const auto call = CulpritOf(notes, now, served);
-        return call ? call->plugin + L'|' + call->function + L'|' + call->file : L"nobody";
-    };
-    const auto notes = std::make_unique<HostNotes>();
-    EXPECT_EQ(culprit(*notes, asked), L"nobody");
-    notes->call.Write(L"FreeLibrary", L"C:\\other.spi");
-    EXPECT_EQ(culprit(*notes, {}), L"C:\\other.spi|FreeLibrary|");
-    notes->thread.Write(L"Thread", L"");
-    EXPECT_EQ(culprit(*notes, asked), L"nobody") << "what others' threads need was being freed";
-    notes->thread.Write(L"Thread", L"C:\\asked.spi");
-    EXPECT_EQ(culprit(*notes, asked), L"C:\\asked.spi|Thread|C:\\a.tst");
-    const std::wstring lies[][2] = {{L"GetPicture", L"C:\\never loaded.spi"},
-                                    {L"Total", L"C:\\other.spi"},
-                                    {L"GetPicture", std::wstring(5000, L'x')},
-                                    {std::wstring(5000, L'x'), L"C:\\other.spi"}};
-    for (const auto& [function, plugin] : lies) {
-        notes->thread.Clear();
-        notes->call.Write(function, plugin);
-        EXPECT_EQ(culprit(*notes, asked), L"C:\\asked.spi|GetPicture|C:\\a.tst");
-        EXPECT_EQ(culprit(*notes, {}), L"nobody");
-    }
-    std::memset(static_cast<void*>(notes.get()), 0x41, sizeof(HostNotes));
-    EXPECT_EQ(culprit(*notes, asked), L"C:\\asked.spi|GetPicture|C:\\a.tst");
 }
 
 TEST_F(HostTest, ItEndsWithItsProgram) {
