@@ -118,7 +118,8 @@ class frmMain final : public Form, public PictureView {
     void OpenLater(const std::vector<std::wstring>& paths);
 
     // Tells in the status bar when what was to be opened holds no file (`count` is 0), or some of
-    // it is missing or could not be read; takes back what the last opening told.
+    // it is missing or could not be read; takes back what the last opening told, from the second
+    // one on also what the start has.
     void ShowOpened(size_t count, const NamedFiles& named = {});
 
     // Tells in a message box why the one file could not be shown that the user has opened by hand;
@@ -247,6 +248,7 @@ class frmMain final : public Form, public PictureView {
     std::function<bool()> refusesToClose_;
     FileListing filesToOpen_;
     std::wstring openNotice_;  // what the last opening told in the status bar
+    bool hasOpened_ = false;
     Accelerators accelerators_;
     DWORD lastBreath_ = 0;  // tick count, milliseconds
     ReadState reading_;

@@ -77,7 +77,9 @@ void frmMain::ShowOpened(size_t count, const NamedFiles& named) {
     } else if (named.missing > 0) {
         openNotice_ = std::to_wstring(named.missing) + kMissing;
     }
-    if (!openNotice_.empty() || statusInformation_.PanelText(kNoticePanel) == former) {
+    const bool isOld =
+        std::exchange(hasOpened_, true) || statusInformation_.PanelText(kNoticePanel) == former;
+    if (isOld || !openNotice_.empty()) {
         SetPanelText(kNoticePanel, openNotice_);
     }
 }

@@ -33,6 +33,7 @@ class frmOption final : private Dialog {
     // the caller is to take Options() then.
     bool Edit(HWND owner, int page);
     const OptionValues& Options() const { return options_; }
+    bool HasForgiven() const { return pluginPage_.HasForgiven(); }
 
   private:
     void Dialog_Load() override;

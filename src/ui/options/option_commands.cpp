@@ -75,6 +75,8 @@ void OptionCommands::ShowOptions(HWND owner, int page) {
     SusieCollection().RefreshInfo();
     Ahead().Forget();
     if (isConfirmed) Apply(dialog.Options(), owner);
+    // What was told of a plug-in at the start is settled.
+    if (dialog.HasForgiven()) window_.SetPanelText(kNoticePanel, LoadingNotice());
 }
 
 void OptionCommands::Apply(const OptionValues& options, HWND owner) {

@@ -194,6 +194,7 @@ void PluginPage::cmdSPIErrorClear_Click() {
     } catch (const RaisedError& error) {
         ShowMessageBox(error.Description(), MB_ICONEXCLAMATION);
     }
+    hasForgiven_ = true;
     ShowPluginList(path);
     pluginsChanged_();
     Changed();  // a plug-in that waits now can be applied

@@ -21,6 +21,9 @@ class PluginPage final : public OptionPage {
                std::function<void()> pluginsChanged)
         : OptionPage(options, std::move(changed)), pluginsChanged_(std::move(pluginsChanged)) {}
 
+    // Whether the errors of a plug-in were cleared.
+    bool HasForgiven() const { return hasForgiven_; }
+
     void ShowValues() override;
     void ShowState() override;
 
@@ -38,6 +41,7 @@ class PluginPage final : public OptionPage {
 
     std::function<void()> pluginsChanged_;
     std::vector<PluginFacts> plugins_;
+    bool hasForgiven_ = false;
     std::set<std::wstring> told_;  // of their folders; by path
     Button cmdSPIFolder_[kPluginFolderCount];
     ListView listSPI_;

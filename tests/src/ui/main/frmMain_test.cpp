@@ -80,12 +80,14 @@ TEST_F(OpenFilesTest, TakesDroppedFilesAndFoldersWhereItCanServeThem) {
     EXPECT_EQ(controlBar_.lists, (std::vector<List>{{second, first}, {inFolder}}));
     // A box tells of one file opened by hand, and never of one among others.
     controlBar_.failure = L"broken";
+    window_.SetPanelText(kNoticePanel, L"起動のときの知らせ");
     for (const List& files : {List{first, second}, List{first}}) {
         EXPECT_TRUE(messages_.All().empty());
         window_.OpenLater(files);
         DoEvents();
     }
     EXPECT_EQ(messages_.Only(), L"broken");
+    EXPECT_EQ(Panel(kNoticePanel), L"");
 }
 
 using ReadingTest = test::MainWindowTest;

@@ -260,9 +260,11 @@ TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {
                     EXPECT_EQ(column(4)[2], L"読み込み待ち");
                     Press(dialog, cmdApply);
                     EXPECT_EQ(SusieCollection().Count(), 3);
+                    window_.SetPanelText(kNoticePanel, L"前回は config_crash.spi の処理中に");
                 }});
     EXPECT_FALSE(IsLoaded(bad));
     EXPECT_EQ(ReadErrorCount(bad, {}), 0);
+    EXPECT_EQ(Panel(kNoticePanel), L"") << "it is forgiven";
 }
 
 TEST_F(OptionsTest, ASettingsWindowMayStayOpenAndClose) {
