@@ -143,13 +143,11 @@ int Main() {
 }
 
 bool InitializeApplication(HelperLibraries& libraries) {
-    UseHostProcess(
-        [](std::span<const HANDLE> handles, DWORD milliseconds, bool isUsers) {
-            if (isUsers) return WaitHandlingMessages(handles, milliseconds);
-            WaitPainting(handles, milliseconds);
-            return true;
-        },
-        LimitsOfSettings);
+    UseHostProcess([](std::span<const HANDLE> handles, DWORD milliseconds, bool isUsers) {
+        if (isUsers) return WaitHandlingMessages(handles, milliseconds);
+        WaitPainting(handles, milliseconds);
+        return true;
+    });
     UseFurtherHosts();
     Ahead().Begin(ReadingThreads(), [] { return OwnHostConnector(); });
     libraries = CheckHelperLibraries();
@@ -160,6 +158,7 @@ bool InitializeApplication(HelperLibraries& libraries) {
         !ApplyFirstRunDefaults()) {
         return false;
     }
+    SetHostLimits(Values().general);
     // The first access creates the collection.
     SusieCollection().RememberPlugins();
     return LoadSPI({}, Asking::kNobody);

@@ -166,8 +166,9 @@ int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& rep
 }
 
 int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
-    UseHostProcess({}, LimitsOfSettings);
+    UseHostProcess({});
     UseFurtherHosts();
+    SetHostLimits(Values().general);
     const HelperLibraries libraries = CheckHelperLibraries();
     if (!libraries) {
         errors.WriteLine(libraries.failure);

@@ -1,5 +1,6 @@
 #include "host/host_connection.h"
 
+#include <atomic>
 #include <cstring>
 #include <utility>
 
@@ -138,19 +139,33 @@ OwnedBlock BlockOf(const std::optional<HostSections::Lease>& section) {
     });
 }
 
-}  // namespace
+// Of all hosts, whichever thread asks them.
+struct ChosenLimits {
+    std::atomic<DWORD> asking = HostLimits{}.asking;
+    std::atomic<DWORD> working = HostLimits{}.working;
+};
 
-void UseHostProcess(HostWait wait, std::function<HostLimits()> limits) {
-    static HostPool pool(HostProgram(), {}, std::move(wait));
-    pool.FollowLimits(std::move(limits));
-    SetPluginConnector(
-        [](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, pool); });
+ChosenLimits& Chosen() {
+    static ChosenLimits limits;
+    return limits;
 }
 
-HostLimits LimitsOfSettings() {
-    const GeneralSettings& general = Values().general;
-    return {.asking = static_cast<DWORD>(general.askingSeconds) * 1000,
-            .working = static_cast<DWORD>(general.workingSeconds) * 1000};
+HostLimits LimitsNow() {
+    return {.asking = Chosen().asking, .working = Chosen().working};
+}
+
+}  // namespace
+
+void SetHostLimits(const GeneralSettings& general) {
+    Chosen().asking = static_cast<DWORD>(general.askingSeconds) * 1000;
+    Chosen().working = static_cast<DWORD>(general.workingSeconds) * 1000;
+}
+
+void UseHostProcess(HostWait wait) {
+    static HostPool pool(HostProgram(), {}, std::move(wait));
+    pool.FollowLimits(LimitsNow);
+    SetPluginConnector(
+        [](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, pool); });
 }
 
 void UseFurtherHosts() {
@@ -163,9 +178,11 @@ std::wstring HostProgram() {
 
 PluginConnector OwnHostConnector(const std::wstring& program) {
     const Blame nobody = [](const PluginEnd&) {};
-    return
-        [pool = std::make_shared<HostPool>(program, HostLimits{}, HostWait{}, nobody)](
-            const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, *pool); };
+    const auto pool = std::make_shared<HostPool>(program, HostLimits{}, HostWait{}, nobody);
+    pool->FollowLimits(LimitsNow);
+    return [pool](const std::wstring& plugin) {
+        return std::make_unique<HostConnection>(plugin, *pool);
+    };
 }
 
 HostConnection::~HostConnection() {

@@ -1,8 +1,7 @@
 // A plug-in in a host process.
 #pragma once
 
-#include <functional>
-
+#include "app/settings/modValue.h"
 #include "host/host_pool.h"
 #include "plugin/plugin_connection.h"
 
@@ -65,12 +64,12 @@ class HostConnection final : public PluginConnection {
 // The program of a host process; it is beside this one.
 inline constexpr wchar_t kHostProgram[] = L"tessary-host32.exe";
 
-// Has all further connections of this thread lead to one host process. `limits` is asked for at
-// each call.
-void UseHostProcess(HostWait wait, std::function<HostLimits()> limits);
+// Has all further connections of this thread lead to one host process.
+void UseHostProcess(HostWait wait);
 
-// Those that the user has chosen.
-HostLimits LimitsOfSettings();
+// How long plug-ins may be silent in these processes and in those of further threads, from the next
+// call on; before it is said, as long as a user who has chosen nothing lets them.
+void SetHostLimits(const GeneralSettings& general);
 
 // Lets further threads have plug-ins, each in a host process of its own.
 void UseFurtherHosts();

@@ -7,6 +7,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/settings.h"
+#include "host/host_connection.h"
 #include "picture/ahead/pictures_ahead.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
@@ -83,6 +84,7 @@ void OptionCommands::Apply(const OptionValues& options, HWND owner) {
     const GeneralSettings former = Values().general;
     const int16_t formerSize = Values().fixSizeValue;
     SetOptions(options);
+    SetHostLimits(Values().general);
     // Written first: a plug-in that ends the program while it is loaded takes nothing along.
     WriteGeneralSettings();
     WriteConvertSettings();

@@ -146,11 +146,26 @@ TEST_F(HostTest, WhoeverWaitsSaysWhatBecomesOfOneThatIsOverdue) {
             isListing ? PluginAnswer(plugin.List(Archive()))
                       : PluginAnswer(plugin.Decode(Picture(), DecodeKind::kFull, {}));
         const auto limits = (GetTickCount64() - begin) / kLimit;
-        EXPECT_EQ(limits, c.limits) << c.script << asked;
+        EXPECT_GE(limits, c.limits) << c.script << asked;
+        EXPECT_LE(limits, c.limits + 1) << c.script << asked;  // the machine may be busy
         EXPECT_EQ(answer.end, ProcessEnd::kSilent) << c.script << asked;
         EXPECT_EQ(Errors(path), 1) << c.script << asked;
         EXPECT_EQ(idle > 200, std::string_view(c.script).find("sleep") != std::string::npos);
     }
+}
+
+TEST_F(HostTest, WhatTheUserChoosesHoldsForAllHosts) {
+    const auto path = Plugin(L"iftst.spi", "early:sleep:GetPicture", NewName(L".spi"));
+    const PluginConnector connector = OwnHostConnector(kProgram);
+    const auto plugin = connector(path);  // there already
+    plugin->Load();
+    GeneralSettings chosen;
+    chosen.workingSeconds = 1;
+    SetHostLimits(chosen);
+    const ULONGLONG begin = GetTickCount64();
+    EXPECT_EQ(plugin->Decode(Picture(), DecodeKind::kFull, {}).end, ProcessEnd::kSilent);
+    EXPECT_LT(GetTickCount64() - begin, 8000u);
+    SetHostLimits({});
 }
 
 // A menu that stays open, a question that waits for its answer.
