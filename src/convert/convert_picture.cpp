@@ -149,9 +149,7 @@ bool ConvertRun::IsReadAhead(const WorkEntry& entry) const {
 
 std::optional<std::wstring> ConvertRun::NextToRead(int32_t next, const std::wstring& output) const {
     if (next > list_.UpperBound() || !IsReadAhead(list_.At(next))) return std::nullopt;
-    // A plug-in that crashes may leave a lock of the system's behind, and whatever works on another
-    // thread would wait for it for ever.
-    if (HasPluginCrashed() || !monitor_.SetProgressBar(-1, -1, 0, 0)) return std::nullopt;
+    if (!monitor_.SetProgressBar(-1, -1, 0, 0)) return std::nullopt;
     const std::wstring& path = list_.At(next).path;
     if (EqualsIgnoreCase(path, output)) return std::nullopt;
     return path;

@@ -235,9 +235,7 @@ bool ConvertRun::IsWorthFetching(const WorkEntry& entry, FileKind kind) const {
 
 StepResult ConvertRun::FetchSource(FileAtHand& file) {
     log_.WriteConvertLog(L"クラウドから取得しています", {}, 2);
-    // Other threads would wait for ever for a lock that a plug-in has left behind.
-    const auto fetch = HasPluginCrashed() ? FetchFileHere : FetchFile;
-    const std::optional<DWORD> error = fetch(file.entry.path, [&](int done, int total) {
+    const std::optional<DWORD> error = FetchFile(file.entry.path, [&](int done, int total) {
         TellProgress(done, total);
         return monitor_.SetProgressBar(-1, -1, 0, 0);
     });

@@ -29,7 +29,7 @@ inline constexpr wchar_t kPluginGivenUpText[] =
 inline constexpr wchar_t kNoHostText[] =
     L"プラグインを実行するプログラム (tessary-host32.exe) を起動できません";
 
-// Whether a plug-in has crashed since the program began.
+// Whether a plug-in has crashed in this process, and was caught.
 bool HasPluginCrashed();
 
 // Whether a plug-in's crash has damaged the program's memory, or may have. No plug-in is called any

@@ -29,20 +29,19 @@ class Fetching {
     explicit Fetching(const std::wstring& path)
         : path_(path), fetchPiece_(CurrentDistantFiles().fetchPiece) {}
 
-    // `goesOn` is asked between pieces, until Stop.
-    void Run(const std::function<bool()>& goesOn) {
+    // Until Stop.
+    void Run() {
         std::vector<uint8_t> piece(kPieceSize);
-        error_ = ReadAll(piece, goesOn);
+        error_ = ReadAll(piece);
     }
     void Stop() { stop_ = true; }
-    bool IsStopped() const { return stop_; }
 
     int Done() const { return done_; }    // in pieces
     int Total() const { return total_; }  // 0: unknown
     DWORD Error() const { return error_; }
 
   private:
-    DWORD ReadAll(std::vector<uint8_t>& piece, const std::function<bool()>& goesOn) {
+    DWORD ReadAll(std::vector<uint8_t>& piece) {
         const UniqueFile file(CreateFileW(ExtendedPath(path_).c_str(), GENERIC_READ,
                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                           nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN,
@@ -52,7 +51,7 @@ class Fetching {
         if (GetFileSizeEx(file.Get(), &size)) {
             total_ = static_cast<int>(size.QuadPart / static_cast<LONGLONG>(kPieceSize));
         }
-        for (; !stop_ && goesOn(); ++done_) {
+        for (; !stop_; ++done_) {
             if (fetchPiece_) {
                 if (const DWORD error = fetchPiece_(path_)) return error;
             }
@@ -79,7 +78,7 @@ class FetchThread {
   public:
     explicit FetchThread(const std::wstring& path)
         : fetching_(std::make_shared<Fetching>(path)),
-          worker_([fetching = fetching_] { fetching->Run([] { return true; }); }) {}
+          worker_([fetching = fetching_] { fetching->Run(); }) {}
     FetchThread(const FetchThread&) = delete;
     FetchThread& operator=(const FetchThread&) = delete;
     // A call that is broken off before it has begun is not broken off at all.
@@ -156,16 +155,6 @@ std::optional<unsigned long> FetchFile(const std::wstring& path,
         if (!goesOn(thread.State().Done(), thread.State().Total())) return std::nullopt;
     }
     return thread.State().Error();
-}
-
-std::optional<unsigned long> FetchFileHere(const std::wstring& path,
-                                           const std::function<bool(int done, int total)>& goesOn) {
-    Fetching fetching(path);
-    fetching.Run([&] {
-        if (!goesOn(fetching.Done(), fetching.Total())) fetching.Stop();
-        return !fetching.IsStopped();
-    });
-    return fetching.IsStopped() ? std::nullopt : std::optional<unsigned long>(fetching.Error());
 }
 
 bool IsFetchError(unsigned long error) {

@@ -14,11 +14,6 @@ namespace tessary {
 std::optional<unsigned long> FetchFile(const std::wstring& path,
                                        const std::function<bool(int done, int total)>& goesOn);
 
-// The same without another thread, for times when none can be relied on: `goesOn` is asked between
-// pieces only, and nothing is left behind.
-std::optional<unsigned long> FetchFileHere(const std::wstring& path,
-                                           const std::function<bool(int done, int total)>& goesOn);
-
 // Whether an error tells that a file's content could not be fetched from where it lies.
 bool IsFetchError(unsigned long error);
 

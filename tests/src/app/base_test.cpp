@@ -144,11 +144,8 @@ TEST(DistantFileTest, MarksAndErrorsAreToldFromOthers) {
     for (const unsigned long error : {5ul, 32ul, 367ul, 384ul, 400ul, 403ul})
         EXPECT_FALSE(IsFetchError(error)) << error;
     const auto asked = [](int, int) { return true; };
-    for (const auto fetch : {FetchFile, FetchFileHere}) {
-        EXPECT_EQ(fetch(folder.Path() + L"a", asked), 0ul);
-        EXPECT_EQ(fetch(folder.Path() + L"gone", asked), 2ul);
-    }
-    EXPECT_FALSE(FetchFileHere(folder.Path() + L"a", [](int, int) { return false; }));
+    EXPECT_EQ(FetchFile(folder.Path() + L"a", asked), 0ul);
+    EXPECT_EQ(FetchFile(folder.Path() + L"gone", asked), 2ul);
 }
 
 }  // namespace
