@@ -26,6 +26,7 @@
 #include "plugin/call_watch.h"
 #include "plugin/file_stamp.h"
 #include "plugin/host_state.h"
+#include "plugin/long_run.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_state.h"
 
@@ -86,6 +87,7 @@ bool ConvertRun::Run() {
     });
     const CallWatch calls(
         [this](const WaitedCall&) { return IsGivenUp() ? CallWish::kStops : CallWish::kGoesOn; });
+    const LongRun run;
     log_.Open(settings_);
     if (const int threads = ThreadsFor(settings_.jobs); threads > 1 && Host().furtherConnector) {
         filesAhead_.emplace(threads);

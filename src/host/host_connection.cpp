@@ -195,9 +195,16 @@ PluginCall HostConnection::CallOf(const HostRequest& request) const {
     return {LogNameOf(request), path_, isBound ? boundFile_ : FromAnsi(request.sourceName)};
 }
 
+bool HostConnection::IsGivenUp() const {
+    const uint32_t run = Caller().longRun;
+    if (run == 0) return pool_.IsGivenUp(path_);
+    if (std::exchange(judgedIn_, run) != run) wasGivenUp_ = pool_.IsGivenUp(path_);
+    return wasGivenUp_;
+}
+
 HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source,
                                  const SusieProgress& progress, Told& told) const {
-    if (pool_.IsGivenUp(path_)) return HostEnd::kGivenUp;
+    if (IsGivenUp()) return HostEnd::kGivenUp;
     HostProcess* const host = pool_.For(path_);
     if (host == nullptr) return HostEnd::kNoHost;
     if (!source.isFile && !source.bytes.empty()) {

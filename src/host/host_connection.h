@@ -53,11 +53,15 @@ class HostConnection final : public PluginConnection {
     HostEnd TryToAsk(HostRequest request, const PluginSource& source, const SusieProgress& progress,
                      Told& told) const;
 
+    bool IsGivenUp() const;
+
     std::wstring path_;
     HostPool& pool_;
     std::wstring boundFile_;
     bool isLoaded_ = false;
     mutable bool tellsCondition_ = true;  // it has not crashed when it was asked for that
+    mutable uint32_t judgedIn_ = 0;       // the long run in which this was found out:
+    mutable bool wasGivenUp_ = false;
     mutable DWORD served_ = 0;  // by the host of that process number, in which it was loaded
 };
 

@@ -30,6 +30,9 @@ struct PluginCaller {
 
     uint32_t crashes = 0;  // how many answers there were that told of one
 
+    uint32_t longRun = 0;   // the number of the one under way (long_run.h); 0: there is none
+    uint32_t longRuns = 0;  // how many there have been
+
     CollectionSusie* plugins = nullptr;  // of a thread that has its own (own_plugins.h)
 };
 

@@ -7,6 +7,7 @@
 #include "app/base/text.h"
 #include "picture/read/natural_order.h"
 #include "plugin/call_watch.h"
+#include "plugin/long_run.h"
 #include "plugin/modSusie.h"
 
 namespace tessary {
@@ -110,6 +111,7 @@ void ReadForBoard(const std::shared_ptr<AheadBoard>& board, const AheadSource& s
                 return task->progress->isWanted ? CallWish::kGoesOn : CallWish::kStops;
             });
             const uint32_t crashes = Caller().crashes;
+            const LongRun run;
             picture = Attempt(*task, source).Read();
             // That has to be told and counted, where it is asked for.
             if (Caller().crashes != crashes) picture.reset();
