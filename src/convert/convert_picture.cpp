@@ -77,11 +77,10 @@ StepResult ConvertRun::ConvertPictureFile(FileAtHand& file, SourceAtHand& source
             result = StepResult::kNotHandled;
             if (IsGivenUp()) file.Report(FileOutcome::kStopped);
             log_.WriteConvertLog(L"展開に失敗しました", file.entry.path, 2);
-            const FileReason reason = ReasonOf(*read.failure);
-            const bool isSilent = reason == FileReason::kPluginSilent;
-            log_.WriteConvertLog(L"詳細情報", isSilent ? ReasonText(reason) : L"", 4);
+            log_.WriteConvertLog(L"詳細情報", {}, 4);
             WritePluginError(*read.failure, 4);
-            file.Report(FileOutcome::kFailed, reason, FailureText(*read.failure, read.plugin));
+            file.Report(FileOutcome::kFailed, ReasonOf(*read.failure),
+                        FailureText(*read.failure, read.plugin));
             return;
         }
         log_.WriteConvertLog(L"画像を展開しました", file.entry.path, 2);

@@ -325,7 +325,10 @@ void ConvertRun::MakeWayFor(const FileAtHand& file, const std::wstring& output) 
 void ConvertRun::WritePluginError(const PluginFailure& failure, int16_t indent) {
     const std::wstring result = std::to_wstring(static_cast<int32_t>(failure.result));
     log_.WriteConvertLog(L"エラーモジュール", failure.function, indent);
-    log_.WriteConvertLog(L"エラーコード(" + result + L")", failure.lastError, indent);
+    const FileReason reason = ReasonOf(failure);
+    const bool isSilent = reason == FileReason::kPluginSilent;
+    log_.WriteConvertLog(L"エラーコード(" + result + L")",
+                         isSilent ? ReasonText(reason) : failure.lastError, indent);
 }
 
 void ConvertRun::WriteUnexpected(const RaisedError& error) {

@@ -357,7 +357,7 @@ TEST_F(ConvertRunTest, StopDoesNotWaitForAHang) {
         EXPECT_EQ(ReasonTextOf(report), std::wstring(L"応答なし (") + plugin + L")");
     }
     EXPECT_EQ(Converted(), L"e.png ");
-    EXPECT_TRUE(LogHolds(L"    詳細情報        応答なし"));
+    EXPECT_TRUE(LogHolds(L"    エラーコード(255)応答なし"));
     UnloadSPI();
     SetPluginConnector({});
 }
