@@ -168,7 +168,10 @@ class frmMain final : public Form, public PictureView {
     void Form_Unload() override;
     void Form_Terminate() override;
     void Form_Resize(int width, int height) override;
-    void Form_MetricsChanged() override { statusInformation_.ChangeMetrics(); }
+    void Form_MetricsChanged() override {
+        statusInformation_.ChangeMetrics();
+        silence_.ChangeMetrics();
+    }
     void Form_MenuOpen() override { commands_.ShowState(GetMenu(Handle())); }
     void Form_Command(int id) override { commands_.Run(id); }
     SIZE MinimumSize() const override;
