@@ -5,6 +5,11 @@
 #include <utility>
 
 namespace tessary {
+namespace {
+
+constexpr ptrdiff_t kMostUnwanted = 2;
+
+}  // namespace
 
 void AheadCache::SetBudget(size_t bytes) {
     budget_ = bytes;
@@ -13,6 +18,7 @@ void AheadCache::SetBudget(size_t bytes) {
 
 void AheadCache::SetWanted(std::vector<AheadEntry> wanted) {
     wanted_ = std::move(wanted);
+    MakeRoom();
 }
 
 void AheadCache::Put(AheadPicture picture) {
@@ -34,11 +40,13 @@ std::optional<AheadPicture> AheadCache::Find(const AheadEntry& entry, const File
     return std::nullopt;
 }
 
+bool AheadCache::IsWanted(const AheadPicture& kept) const {
+    return std::ranges::find(wanted_, kept.entry) != wanted_.end();
+}
+
 std::vector<AheadPicture>::iterator AheadCache::LeastWanted() {
-    const auto isUnwanted = [&](const AheadPicture& kept) {
-        return std::ranges::find(wanted_, kept.entry) == wanted_.end();
-    };
-    const auto unwanted = std::ranges::find_if(kept_, isUnwanted);
+    const auto unwanted =
+        std::ranges::find_if(kept_, [&](const AheadPicture& kept) { return !IsWanted(kept); });
     if (unwanted != kept_.end()) return unwanted;
     return std::ranges::max_element(kept_, {}, [&](const AheadPicture& kept) {
         return std::ranges::find(wanted_, kept.entry) - wanted_.begin();
@@ -48,7 +56,9 @@ std::vector<AheadPicture>::iterator AheadCache::LeastWanted() {
 void AheadCache::MakeRoom() {
     size_t bytes = std::transform_reduce(kept_.begin(), kept_.end(), size_t{0}, std::plus{},
                                          [](const AheadPicture& kept) { return kept.Size(); });
-    while (bytes > budget_) {
+    ptrdiff_t unwanted =
+        std::ranges::count_if(kept_, [&](const AheadPicture& kept) { return !IsWanted(kept); });
+    for (; bytes > budget_ || unwanted > kMostUnwanted; --unwanted) {
         const auto least = LeastWanted();
         bytes -= least->Size();
         kept_.erase(least);

@@ -14,8 +14,9 @@ class AheadCache {
     // How many bytes of pictures are kept at most.
     void SetBudget(size_t bytes);
 
-    // What is likely to be asked for, the likeliest first: when there is no room for all, what is
-    // not among it goes first, the oldest before the others, and then from its end.
+    // What is likely to be asked for, the likeliest first. Of what is not among it only the newest
+    // stay: in their memory the next pictures come sooner than in fresh one. When there is no room
+    // for all, that goes first, the oldest before the others, and then what is wanted, from its end.
     void SetWanted(std::vector<AheadEntry> wanted);
 
     // In place of one of the same entry. It is not kept when it has no room itself.
@@ -33,6 +34,7 @@ class AheadCache {
 
   private:
     void MakeRoom();
+    bool IsWanted(const AheadPicture& kept) const;
     std::vector<AheadPicture>::iterator LeastWanted();
 
     std::vector<AheadPicture> kept_;  // the newest last

@@ -158,6 +158,10 @@ TEST(AheadCacheTest, WhatIsLeastWantedMakesRoom) {
     EXPECT_TRUE(!has(L"second") && has(L"shown") && has(L"next"));
     cache.Put(PictureOf(L"huge", 5000));
     EXPECT_TRUE(!has(L"huge") && has(L"shown") && has(L"next")) << "nor for what has none itself";
+    cache.SetBudget(100 * size);
+    for (const wchar_t* path : {L"a", L"b", L"c"})
+        cache.Put(PictureOf(path, 1000));
+    EXPECT_TRUE(!has(L"a") && has(L"b") && has(L"c")) << "in whose memory others come";
     EXPECT_FALSE(cache.Find({L"next"}, {.size = 1}));
     EXPECT_FALSE(cache.Has({L"next"})) << "a file that has changed";
 }
