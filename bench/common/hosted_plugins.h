@@ -24,7 +24,7 @@ inline void UsePluginsAsTheViewer() {
 
 // Plug-ins in a host process of their own.
 inline PluginConnector OwnConnector() {
-    return OwnHostConnector(FinishedFolder() + kHostProgram);
+    return OwnHostConnector(HostWindows::kHidden, FinishedFolder() + kHostProgram);
 }
 
 }  // namespace tessary::bench

@@ -120,7 +120,7 @@ Parts BareParts(const std::vector<std::wstring>& files, const std::wstring& targ
                  &Values().saveOptions.png, reinterpret_cast<LONG_PTR>(&IgnoreProgress));
         });
         parts.place += Timed([&] { files::ReplacingFile(name + L".empty").Commit(); });
-        parts.kind += Timed([&] { QueryFileKind(path); });
+        parts.kind += Timed([&] { QueryFile(path); });
         parts.callLog += Timed([&] {
             WriteCallLog({L"GetPicture", L"iftessjpeg.spi", path});
             ClearCallLog();

@@ -19,6 +19,7 @@
 #include "host/host_connection.h"
 #include "picture/ahead/ahead_rules.h"
 #include "picture/ahead/pictures_ahead.h"
+#include "plugin/host_state.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
 #include "ui/control/frmControl.h"
@@ -148,8 +149,9 @@ bool InitializeApplication(HelperLibraries& libraries) {
         WaitPainting(handles, milliseconds);
         return true;
     });
-    UseFurtherHosts();
-    Ahead().Begin(ReadingThreads(), [] { return OwnHostConnector(); });
+    // A message about what nobody has asked for would only be in the way.
+    UseFurtherHosts(HostWindows::kHidden);
+    Ahead().Begin(ReadingThreads(), Host().furtherConnector);
     libraries = CheckHelperLibraries();
     if (libraries && !PathExists(AppFolder() + kHostProgram)) {
         libraries.failure = ToUpper(kHostProgram) + L" が見つかりません。";

@@ -167,7 +167,7 @@ int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& rep
 
 int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
     UseHostProcess({});
-    UseFurtherHosts();
+    UseFurtherHosts(HostWindows::kShown);  // DialogWatch answers them
     SetHostLimits(Values().general);
     const HelperLibraries libraries = CheckHelperLibraries();
     if (!libraries) {

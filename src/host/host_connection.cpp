@@ -168,18 +168,19 @@ void UseHostProcess(HostWait wait) {
         [](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, pool); });
 }
 
-void UseFurtherHosts() {
-    Host().furtherConnector = [] { return OwnHostConnector(); };
+void UseFurtherHosts(HostWindows windows) {
+    Host().furtherConnector = [windows] { return OwnHostConnector(windows); };
 }
 
 std::wstring HostProgram() {
     return AppFolder() + kHostProgram;
 }
 
-PluginConnector OwnHostConnector(const std::wstring& program) {
+PluginConnector OwnHostConnector(HostWindows windows, const std::wstring& program) {
     const Blame nobody = [](const PluginEnd&) {};
     const auto pool = std::make_shared<HostPool>(program, HostLimits{}, HostWait{}, nobody);
     pool->FollowLimits(LimitsNow);
+    if (windows == HostWindows::kHidden) pool->Hide();
     return [pool](const std::wstring& plugin) {
         return std::make_unique<HostConnection>(plugin, *pool);
     };

@@ -75,14 +75,17 @@ void UseHostProcess(HostWait wait);
 // call on; before it is said, as long as a user who has chosen nothing lets them.
 void SetHostLimits(const GeneralSettings& general);
 
+// Whether windows that plug-ins show while they work can be seen.
+enum class HostWindows { kShown, kHidden };
+
 // Lets further threads have plug-ins, each in a host process of its own.
-void UseFurtherHosts();
+void UseFurtherHosts(HostWindows windows);
 
 // The full path of that program.
 std::wstring HostProgram();
 
 // The way to plug-ins in a host process of their own, which ends with the last copy of this: for
 // one thread, which just waits. What ends there is held against nobody.
-PluginConnector OwnHostConnector(const std::wstring& program = HostProgram());
+PluginConnector OwnHostConnector(HostWindows windows, const std::wstring& program = HostProgram());
 
 }  // namespace tessary

@@ -13,6 +13,7 @@ namespace {
 // Between two starts that fail, in milliseconds: some, and some times what the last one took.
 constexpr ULONGLONG kPause = 2000;
 constexpr ULONGLONG kPausePerStart = 3;
+constexpr int kMostTries = 4;  // in a row
 
 // Of hosts of single plug-ins: how long one stays that is not needed, in milliseconds, and how many
 // there are at most.
@@ -52,8 +53,13 @@ HostProcess* HostPool::For(const std::wstring& plugin) {
         if (end) Tell(*end);
     }
     const ULONGLONG begin = GetTickCount64();
-    slot.host = HostProcess::Start(program_, wait_, limits_().memory);
-    const ULONGLONG now = GetTickCount64();
+    ULONGLONG now = begin;
+    // Somebody may have ended one in its first moment.
+    for (int tries = 0; slot.host == nullptr && tries < kMostTries && now - begin < kPause;
+         ++tries) {
+        slot.host = HostProcess::Start(program_, wait_, {limits_().memory, isHidden_});
+        now = GetTickCount64();
+    }
     retryAt_ = slot.host == nullptr ? now + kPause + kPausePerStart * (now - begin) : 0;
     return slot.host.get();
 }

@@ -39,6 +39,9 @@ class HostPool {
     // Has them asked for at each call, in place of fixed ones.
     void FollowLimits(std::function<HostLimits()> limits) { limits_ = std::move(limits); }
 
+    // Has further hosts show no window to anybody.
+    void Hide() { isHidden_ = true; }
+
     // The bytes of a source for the hosts: the last ones, where they are the same.
     LentBytes& Lent() { return lent_; }
 
@@ -67,6 +70,7 @@ class HostPool {
     std::function<HostLimits()> limits_;
     HostWait wait_;
     Blame blame_;
+    bool isHidden_ = false;
     LentBytes lent_;
     std::map<std::wstring, Slot> slots_;      // by plug-in, in upper case
     std::map<std::wstring, Record> records_;  // the same

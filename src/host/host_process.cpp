@@ -7,6 +7,7 @@
 
 #include "app/base/error.h"
 #include "app/base/text.h"
+#include "host/hidden_desktop.h"
 #include "host/host_patience.h"
 #include "host/hosted_call.h"
 
@@ -85,12 +86,14 @@ struct StartedProcess {
 };
 
 std::optional<StartedProcess> StartWith(const std::wstring& program, const ChannelHandles& handles,
-                                        uint64_t memory) {
+                                        const HostProcess::Kind& kind) {
     InheritedHandles inherited({handles.page, handles.request, handles.answer, handles.program});
     if (!inherited.IsGood()) return std::nullopt;
     STARTUPINFOEXW start{};
     start.StartupInfo.cb = sizeof(start);
     start.lpAttributeList = inherited.List();
+    std::wstring desktop = kind.isHidden ? HiddenDesktop::Own().Name() : std::wstring();
+    if (!desktop.empty()) start.StartupInfo.lpDesktop = desktop.data();
     std::wstring line = L'"' + program + L"\" " + handles.Arguments();
     PROCESS_INFORMATION made{};
     // Not on its way before it is in the job.
@@ -100,7 +103,7 @@ std::optional<StartedProcess> StartWith(const std::wstring& program, const Chann
         return std::nullopt;
     }
     StartedProcess started{UniqueProcess(made.hProcess), UniqueThread(made.hThread),
-                           EndingJob(memory)};
+                           EndingJob(kind.memory)};
     // Before Windows 8 there is none in another's job; the host sees by itself when we end.
     if (started.job) AssignProcessToJobObject(started.job.Get(), made.hProcess);
     ResumeThread(made.hThread);
@@ -114,7 +117,7 @@ std::optional<StartedProcess> StartWith(const std::wstring& program, const Chann
 
 HostProcess::HostProcess(UniqueProcess process, UniqueThread thread, UniqueJob job,
                          ChannelEnd channel, UniqueEvent request, UniqueEvent answer, HostWait wait,
-                         uint64_t memory)
+                         const Kind& kind)
     : process_(std::move(process)),
       thread_(std::move(thread)),
       job_(std::move(job)),
@@ -122,11 +125,12 @@ HostProcess::HostProcess(UniqueProcess process, UniqueThread thread, UniqueJob j
       request_(std::move(request)),
       answer_(std::move(answer)),
       wait_(std::move(wait)),
-      memory_(process_.Get(), memory) {}
+      memory_(process_.Get(), kind.memory),
+      isHidden_(kind.isHidden) {}
 
 std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, HostWait wait,
-                                                uint64_t memory) {
-    if (memory == 0) memory = DefaultMemoryBound();
+                                                Kind kind) {
+    if (kind.memory == 0) kind.memory = DefaultMemoryBound();
     SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
     std::optional<Section> page = Section::Make(sizeof(ChannelPage), &inherited);
     UniqueEvent request(CreateEventW(&inherited, FALSE, FALSE, nullptr));
@@ -134,12 +138,12 @@ std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, Hos
     const UniqueProcess own = OwnHandle();
     if (!page || !request || !answer || !own) return nullptr;
     std::optional<StartedProcess> started =
-        StartWith(program, {page->Handle(), request.Get(), answer.Get(), own.Get()}, memory);
+        StartWith(program, {page->Handle(), request.Get(), answer.Get(), own.Get()}, kind);
     if (!started) return nullptr;
     std::unique_ptr<HostProcess> host(
         new HostProcess(std::move(started->process), std::move(started->thread),
                         std::move(started->job), ChannelEnd(*std::move(page)), std::move(request),
-                        std::move(answer), std::move(wait), memory));
+                        std::move(answer), std::move(wait), kind));
     HostReply reply;
     return host->Call({}, kStartLimit, {}, {}, reply) == HostEnd::kAnswered ? std::move(host)
                                                                             : nullptr;
@@ -246,6 +250,8 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
         if (!hasSignalled) {
             if (!IsAlive()) return HostEnd::kDied;
             if (memory_.IsExceeded()) return Ended(HostEnd::kHoarded);
+            if (isHidden_ && HiddenDesktop::Own().HasWindowOf(Id()))
+                return Ended(HostEnd::kStopped);
             goesOn ? watch(true) : patience.Take(CallWish::kStops);
             continue;
         }

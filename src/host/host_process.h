@@ -56,9 +56,13 @@ class HostProcess {
   public:
     // Starts `program`; null when that cannot be done. The host ends with this process, whatever
     // happens, and with this object.
-    // `wait`: for its replies; empty: nothing but waiting is done. `memory`: HostLimits.
+    // `wait`: for its replies; empty: nothing but waiting is done.
+    struct Kind {
+        uint64_t memory = 0;    // HostLimits
+        bool isHidden = false;  // nobody sees its windows; it is ended when it shows one
+    };
     static std::unique_ptr<HostProcess> Start(const std::wstring& program, HostWait wait,
-                                              uint64_t memory = 0);
+                                              Kind kind);
 
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
@@ -97,7 +101,7 @@ class HostProcess {
 
   private:
     HostProcess(UniqueProcess process, UniqueThread thread, UniqueJob job, ChannelEnd channel,
-                UniqueEvent request, UniqueEvent answer, HostWait wait, uint64_t memory);
+                UniqueEvent request, UniqueEvent answer, HostWait wait, const Kind& kind);
 
     // Hands over what stands in the page.
     void Send();
@@ -116,6 +120,7 @@ class HostProcess {
     UniqueEvent answer_;
     HostWait wait_;
     HostMemory memory_;
+    bool isHidden_;
     std::shared_ptr<HostSections> sections_ = std::make_shared<HostSections>();
     std::set<std::wstring> served_;  // plug-ins that were asked for something, in upper case
     WireSection lent_;               // what the host got last

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "app/base/handles.h"
 #include "app/base/paths.h"
 
 namespace tessary {
@@ -16,6 +17,23 @@ std::optional<FileStamp> StampOf(const std::wstring& path) {
     return FileStamp{
         joined(data.nFileSizeHigh, data.nFileSizeLow),
         joined(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime)};
+}
+
+std::optional<FileStamp> ExactStampOf(const std::wstring& path) {
+    std::optional<FileStamp> stamp = StampOf(path);
+    if (!stamp) return std::nullopt;
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const UniqueFile file(CreateFileW(ExtendedPath(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll,
+                                      nullptr, OPEN_EXISTING, 0, nullptr));
+    FILE_BASIC_INFO times{};
+    BY_HANDLE_FILE_INFORMATION known{};
+    if (file && GetFileInformationByHandleEx(file.Get(), FileBasicInfo, &times, sizeof(times))) {
+        stamp->touched = static_cast<uint64_t>(times.ChangeTime.QuadPart);
+    }
+    if (file && GetFileInformationByHandle(file.Get(), &known)) {
+        stamp->identity = uint64_t{known.nFileIndexHigh} << 32 | known.nFileIndexLow;
+    }
+    return stamp;
 }
 
 }  // namespace tessary

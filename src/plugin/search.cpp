@@ -150,7 +150,7 @@ void Search::NoteCrash(const clsSusie& member) {
     if (reason == kPluginCrashedText || reason == kPluginSilentText ||
         reason == kPluginHoardedText) {
         refusal_ = {.reason = reason, .dllName = member.DllName(), .hasCrashed = true};
-    } else if (reason == kPluginGivenUpText && Names(member)) {
+    } else if ((reason == kPluginGivenUpText || reason == kNoHostText) && Names(member)) {
         refusal_ = {.reason = reason, .dllName = member.DllName()};
     } else if (reason == kPluginNotAvailableText && Names(member)) {
         refusal_ = {.reason = L"プラグインを読み込めません", .dllName = member.DllName()};

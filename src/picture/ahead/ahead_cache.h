@@ -16,7 +16,8 @@ class AheadCache {
 
     // What is likely to be asked for, the likeliest first. Of what is not among it only the newest
     // stay: in their memory the next pictures come sooner than in fresh one. When there is no room
-    // for all, that goes first, the oldest before the others, and then what is wanted, from its end.
+    // for all, that goes first, the oldest before the others, and then what is wanted, from its
+    // end.
     void SetWanted(std::vector<AheadEntry> wanted);
 
     // In place of one of the same entry. It is not kept when it has no room itself.

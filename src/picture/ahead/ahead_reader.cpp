@@ -23,12 +23,12 @@ class Attempt {
 
     // Nothing: there is no picture that could be shown as it is.
     std::optional<AheadPicture> Read() {
-        const std::optional<FileStamp> stamp = StampOf(task_.entry.path);
+        const std::optional<FileStamp> stamp = ExactStampOf(task_.entry.path);
         if (!stamp || !source_.mayRead(task_.entry.path)) return std::nullopt;
         SusieCollection().PreferNobody();
         AheadPicture picture{.entry = task_.entry, .stamp = *stamp};
         const bool isRead = task_.entry.member == 0 ? ReadFile(picture) : ReadMember(picture);
-        if (!isRead || !IsGood(picture.read) || StampOf(task_.entry.path) != stamp) {
+        if (!isRead || !IsGood(picture.read) || ExactStampOf(task_.entry.path) != stamp) {
             return std::nullopt;
         }
         if (task_.prepare) picture.prepared = task_.prepare(picture.read.picture);

@@ -47,7 +47,7 @@ void AheadThreads::SetPlan(AheadPlan plan) {
 }
 
 std::optional<AheadPicture> AheadThreads::Await(const AheadEntry& entry) {
-    const std::optional<FileStamp> stamp = StampOf(entry.path);
+    const std::optional<FileStamp> stamp = ExactStampOf(entry.path);
     if (!stamp) return std::nullopt;
     const ULONGLONG begin = GetTickCount64();
     ULONGLONG sign = begin;

@@ -44,7 +44,8 @@ std::optional<AheadPicture> PicturesAhead::Take(const AheadEntry& entry) {
 }
 
 bool PicturesAhead::Has(const AheadEntry& entry) {
-    const std::optional<FileStamp> stamp = threads_ != nullptr ? StampOf(entry.path) : std::nullopt;
+    const std::optional<FileStamp> stamp =
+        threads_ != nullptr ? ExactStampOf(entry.path) : std::nullopt;
     return stamp && threads_->Board().Find(entry, *stamp);
 }
 

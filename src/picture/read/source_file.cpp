@@ -40,8 +40,13 @@ SourceFile LookAtName(const std::wstring& path) {
     return TakenBy(SusieCollection().FirstNaming(path), path);
 }
 
-FileKind QueryFileKind(const std::wstring& path) {
-    return (IsNotOnThisDisk(path) ? LookAtName(path) : LookAtFile(path)).kind;
+SourceFile QueryFile(const std::wstring& path) {
+    return IsNotOnThisDisk(path) ? LookAtName(path) : LookAtFile(path);
+}
+
+bool IsWorthShowing(const std::wstring& path) {
+    const SourceFile file = QueryFile(path);
+    return file.kind != kFileUnknown || (file.refusal && file.refusal->reason == kNoHostText);
 }
 
 }  // namespace tessary

@@ -25,6 +25,10 @@ SourceFile LookAtFile(const std::wstring& path);
 SourceFile LookAtName(const std::wstring& path);
 
 // By its content if it is on this disk, else by its name.
-FileKind QueryFileKind(const std::wstring& path);
+SourceFile QueryFile(const std::wstring& path);
+
+// Whether its kind is known, or nobody could be asked who may know it: a search for pictures that
+// passed it by would pass by all others too.
+bool IsWorthShowing(const std::wstring& path);
 
 }  // namespace tessary

@@ -133,7 +133,7 @@ ReadToShow ReadFileAt(const std::wstring& path, ViewWatch& watch) {
         return Told(*std::move(ready), SubjectOf(path));
     }
     if (watch.IsStopped()) return Stopped();
-    const std::optional<FileStamp> stamp = StampOf(path);
+    const std::optional<FileStamp> stamp = ExactStampOf(path);
     const SourceFile file = LookAtFile(path);
     if (!file.trouble.empty()) return Failed(file.trouble);
     // Nobody is asked twice who has refused it.
@@ -170,7 +170,7 @@ ReadToShow ReadMember(const std::wstring& archivePath, int32_t position, ViewWat
     OwnedBlock content;
     std::wstring damage;
     std::optional<AheadPicture> ready;
-    const std::optional<FileStamp> stamp = StampOf(archivePath);
+    const std::optional<FileStamp> stamp = ExactStampOf(archivePath);
     const auto failure = FailureIn(*archive, [&] {
         name = archive->Files(position);
         subject = SubjectOf(archivePath, name);

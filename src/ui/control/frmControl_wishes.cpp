@@ -50,7 +50,7 @@ bool frmControl::Search::IsKnown(const std::wstring& path) {
         begin_ = GetTickCount();
     }
     hasBegun_ = true;
-    return Ahead().Has({path}) || QueryFileKind(path) != kFileUnknown;
+    return Ahead().Has({path}) || IsWorthShowing(path);
 }
 
 bool frmControl::Search::GoesOn(int index, int done, int total) {

@@ -280,7 +280,7 @@ TEST_F(ConvertRunTest, SeveralFilesAtATimeComeToTheSameAsOneAfterTheOther) {
     std::atomic<int> further = 0;
     Host().furtherConnector = [&] {
         ++further;
-        return OwnHostConnector(FinishedFolder() + kHostProgram);
+        return OwnHostConnector(HostWindows::kHidden, FinishedFolder() + kHostProgram);
     };
     std::filesystem::copy_file(TestPluginPath(L"iftst.spi"), plugins_.Path() + L"aa.spi");
     plugins_.Write(L"aa.spi.script", "info:2:*.TST;*.OTH\n");

@@ -156,7 +156,7 @@ TEST_F(HostTest, WhoeverWaitsSaysWhatBecomesOfOneThatIsOverdue) {
 
 TEST_F(HostTest, WhatTheUserChoosesHoldsForAllHosts) {
     const auto path = Plugin(L"iftst.spi", "early:sleep:GetPicture", NewName(L".spi"));
-    const PluginConnector connector = OwnHostConnector(kProgram);
+    const PluginConnector connector = OwnHostConnector(HostWindows::kShown, kProgram);
     const auto plugin = connector(path);  // there already
     plugin->Load();
     GeneralSettings chosen;

@@ -31,7 +31,7 @@ class AheadTest : public test::PluginTest {
         plugin_ = Plugin(L"iftst.spi");
         SusieCollection().AddSPI(plugin_);
         SusieCollection().AddSPI(Plugin(L"axtsa.spi"));
-        Ahead().Begin(2, [] { return OwnHostConnector(kProgram); });
+        Ahead().Begin(2, [] { return OwnHostConnector(HostWindows::kHidden, kProgram); });
     }
     ~AheadTest() override {
         Ahead().End();
@@ -87,7 +87,7 @@ TEST_F(AheadTest, OfAnArchiveThePageComesThatItOpensWith) {
 TEST_F(AheadTest, NoEndOfAPluginIsFeltOrCountedBeforeItIsAskedFor) {
     const std::wstring crashing = PictureFile("crash:av:GetPicture\n");
     const std::wstring ending = PictureFile("crash:exit-well:GetPicture\n");
-    const std::wstring hanging = PictureFile("dirty:question:GetPicture\n");
+    const std::wstring hanging = PictureFile("early:sleep:GetPicture\n");
     const std::wstring good = PictureFile();
     Plan({{hanging}, {crashing}, {ending}, {good}});
     ASSERT_TRUE(IsRead({good}));
@@ -111,8 +111,8 @@ TEST_F(AheadTest, NoEndOfAPluginIsFeltOrCountedBeforeItIsAskedFor) {
 }
 
 TEST_F(AheadTest, OnceAtRestOrSwitchedOffNothingIsUnderWay) {
-    const std::wstring hanging = PictureFile("dirty:question:GetPicture\n");
-    Plan({{hanging}, {PictureFile("dirty:question:GetPicture\n")}});
+    const std::wstring hanging = PictureFile("early:sleep:GetPicture\n");
+    Plan({{hanging}, {PictureFile("early:sleep:GetPicture\n")}});
     Sleep(300);
     const ULONGLONG begin = GetTickCount64();
     Ahead().Rest();
@@ -125,6 +125,16 @@ TEST_F(AheadTest, OnceAtRestOrSwitchedOffNothingIsUnderWay) {
     Plan({{good}});
     Sleep(300);
     EXPECT_FALSE(Ahead().Has({good}));
+}
+
+TEST_F(AheadTest, NobodySeesAQuestionAboutWhatHeHasNotAskedFor) {
+    const PluginConnector connect = OwnHostConnector(HostWindows::kHidden, kProgram);
+    const auto plugin = connect(plugin_);
+    plugin->Load();
+    const std::string question = ToAnsi(PictureFile("dirty:question:GetPicture\n"));
+    const ULONGLONG begin = GetTickCount64();
+    EXPECT_EQ(plugin->Decode({.name = question}, DecodeKind::kFull, {}).code, susie::kAborted);
+    EXPECT_LT(GetTickCount64() - begin, 5000U);
 }
 
 AheadPicture PictureOf(const std::wstring& path, int32_t width) {

@@ -171,10 +171,10 @@ TEST_F(ShowTest, FilesInACloudAreJudgedByTheirNamesAndFetchedOnlyToBeShown) {
     const std::wstring archive = files_.Write(L"b.tsa", kPicture);
     const std::wstring film = files_.Write(L"d.mp4", kBitmap);
     cloud.elsewhere = {picture, archive, files_.Path() + L"c.BMP", film};
-    EXPECT_EQ(QueryFileKind(picture), kFilePicture);
-    EXPECT_EQ(QueryFileKind(archive), kFileArchive);
-    EXPECT_EQ(QueryFileKind(files_.Path() + L"c.BMP"), kFileBitmap);
-    EXPECT_EQ(QueryFileKind(film), kFileUnknown);
+    EXPECT_EQ(QueryFile(picture).kind, kFilePicture);
+    EXPECT_EQ(QueryFile(archive).kind, kFileArchive);
+    EXPECT_EQ(QueryFile(files_.Path() + L"c.BMP").kind, kFileBitmap);
+    EXPECT_EQ(QueryFile(film).kind, kFileUnknown);
     EXPECT_EQ(Calls(L"1.spi", "IsSupported") + Calls(L"2.spi", "IsSupported"), 0);
 
     view_.awaits = false;
@@ -229,7 +229,7 @@ TEST_F(ShowTest, PluginThatFailsMakesRoomForAllOthers) {
     UsePlugins(
         {{L"c_refuses.spi", "answer:IsSupported:0\n"}, {L"b_good.spi", ""}, {L"a.spi", lenient}});
     // It stands behind the good one, but accepted last.
-    EXPECT_EQ(QueryFileKind(files_.Write(L"a.xyz", "text")), kFilePicture);
+    EXPECT_EQ(QueryFile(files_.Write(L"a.xyz", "text")).kind, kFilePicture);
     const std::wstring deep = std::wstring(120, L'a') + L'\\' + std::wstring(120, L'b');
     const std::wstring file = files_.Write(deep + L"\\사진 \U0001F600.dat", kPicture);
     EXPECT_EQ(Show(file), L"30×20 b_good.spi ");
@@ -249,7 +249,7 @@ TEST_F(ShowTest, AQueryIsNotMadeASecondTime) {
     } cases[] = {{files_.Write(L"a.tst", kPicture), L"a.spi", "IsSupported"},
                  {archive, L"axtsa.spi", "GetArchiveInfo"}};
     for (const auto& [file, plugin, function] : cases) {
-        QueryFileKind(file);
+        QueryFile(file);
         // A show alone leaves nothing behind: the file may have changed since.
         for (const int count : {1, 2}) {
             EXPECT_NE(Show(file).find(plugin), std::wstring::npos);
@@ -260,7 +260,7 @@ TEST_F(ShowTest, AQueryIsNotMadeASecondTime) {
     const int refused = Calls(L"c_refuses.spi", "IsSupported");
     Show(files_.Write(L"b.tst", "no picture"));
     EXPECT_EQ(Calls(L"c_refuses.spi", "IsSupported"), refused + 1);
-    EXPECT_EQ(QueryFileKind(archive), kFileArchive);
+    EXPECT_EQ(QueryFile(archive).kind, kFileArchive);
     files_.Write(L"a.tsa", "no archive any more");
     EXPECT_EQ(Show(archive), L"~a.tsa: 対応しているプラグインがありません。");
 }
@@ -306,7 +306,7 @@ TEST_F(ShowTest, MembersAreShownWhateverBecomesOfTheOthers) {
     EXPECT_EQ(Show(file, 2), L"30×20 a1good.spi ");
     EXPECT_EQ(Show(file, 4), L"~a.tsa 内の 4.tsa: 圧縮ファイルの中の圧縮ファイルは開けません。");
     EXPECT_EQ(Calls(L"axtsa.spi", "GetArchiveInfo"), 1);  // the archive was bound all the time
-    QueryFileKind(files_.Write(L"b.tst", kPicture));      // and is not any more
+    QueryFile(files_.Write(L"b.tst", kPicture));          // and is not any more
     EXPECT_EQ(Show(file, 2), L"30×20 a1good.spi ");
 
     UnloadSPI();
@@ -386,7 +386,7 @@ TEST_F(ShowTest, NothingOfTheFileBeforeStandsForOneThatCannotBeShown) {
         EXPECT_TRUE(text.substr(text[0] == L'~').starts_with(std::wstring(name) + told)) << text;
         EXPECT_EQ(text[0] == L'~', std::wstring(name) == L"readme.txt");
     }
-    EXPECT_EQ(QueryFileKind(files_.Path() + L"無い.bmp"), kFileUnknown);
+    EXPECT_EQ(QueryFile(files_.Path() + L"無い.bmp").kind, kFileUnknown);
 }
 
 TEST_F(ShowTest, StoppedReadHasNotFailed) {
