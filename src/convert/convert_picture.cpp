@@ -112,7 +112,7 @@ DWORD ConvertRun::SaveAndRead(const FileAtHand& file, const Picture& picture,
     };
     const bool isSmall = picture.Info().size() + picture.Bits().size() <= kMostMeanwhile;
     const auto next = Trapped(std::optional<std::wstring>(), [&] {
-        return isSmall && !filesAhead_ ? NextToRead(file.index + 1, output) : std::nullopt;
+        return isSmall ? NextToRead(file.index + 1, output) : std::nullopt;
     });
     if (!next) return save();
     DWORD error = ERROR_WRITE_FAULT;
@@ -136,7 +136,8 @@ void ConvertRun::PlanAhead(int32_t index) {
     std::vector<std::wstring> paths;
     const int32_t last = std::min(list_.UpperBound(), index + 2 * ThreadsFor(settings_.jobs));
     for (int32_t next = index + 1; next <= last; ++next) {
-        if (IsReadAhead(list_.At(next))) paths.push_back(list_.At(next).path);
+        const WorkEntry& entry = list_.At(next);
+        if (IsReadAhead(entry) && !IsReadInAMoment(entry.path)) paths.push_back(entry.path);
     }
     filesAhead_->Plan(list_.At(index).path, paths);
 }

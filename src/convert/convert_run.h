@@ -142,7 +142,7 @@ class ConvertRun {
     KnownContents expanded_;  // archives
     bool stopIsTold_ = false;
     ULONGLONG stopAskedAt_ = 0;  // in ticks; 0: not yet
-    ReadAhead ahead_;            // the next entry, where they are read one after the other
+    ReadAhead ahead_;            // the next entry, if it is read in a moment
     std::optional<FilesAhead> filesAhead_;
 };
 

@@ -191,8 +191,8 @@ StepResult ConvertRun::ConvertByKind(FileAtHand& file) {
             return StepResult::kNotHandled;
         }
     }
-    std::optional<SourceAtHand> known =
-        filesAhead_ ? filesAhead_->Take(entry.path) : ahead_.Take(entry.path);
+    std::optional<SourceAtHand> known = ahead_.Take(entry.path);
+    if (!known && filesAhead_) known = filesAhead_->Take(entry.path);
     const bool isElsewhere = !known && IsNotOnThisDisk(entry.path);
     SourceAtHand source =
         known ? std::move(*known)

@@ -14,6 +14,11 @@ constexpr uint64_t kMostBytes = 256u << 10;  // of a file that is read in a mome
 
 }  // namespace
 
+bool IsReadInAMoment(const std::wstring& path) {
+    const std::optional<FileStamp> stamp = StampOf(path);
+    return stamp && stamp->size <= kMostBytes;
+}
+
 // The plug-in of an archive is still bound to it.
 ReadAhead::~ReadAhead() {
     if (held_) SusieCollection().UnloadFile();

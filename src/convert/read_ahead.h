@@ -15,6 +15,10 @@ struct SourceAtHand {
     std::optional<ReadResult> read{};  // once its picture was read
 };
 
+// Whether a file is read in a moment, by its size: the way to another process would take longer.
+// One that is not there is not.
+bool IsReadInAMoment(const std::wstring& path);
+
 // Holds one file that was read before its turn, as long as nobody changes it.
 class ReadAhead {
   public:

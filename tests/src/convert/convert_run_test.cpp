@@ -284,23 +284,27 @@ TEST_F(ConvertRunTest, SeveralFilesAtATimeComeToTheSameAsOneAfterTheOther) {
     };
     std::filesystem::copy_file(TestPluginPath(L"iftst.spi"), plugins_.Path() + L"aa.spi");
     plugins_.Write(L"aa.spi.script", "info:2:*.TST;*.OTH\n");
-    const std::string good = "TST 40x30x24\n";
-    // While these are read the threads begin, and come before the run.
-    for (const char* name : {"s1", "s2", "s3", "s4", "s5", "s6"})
-        Add(FromAnsi(name) + L".tst", good + "dirty:slow:GetPicture\n\n");
-    Add(L"first.oth", good + "dirty:slow:GetPicture\n\n");
-    Add(L"by the same.tst", good);
+    // Files of a size that is worth the way to another process.
+    const auto add = [&](const std::wstring& name, const std::string& directives) {
+        Add(name, "TST 40x30x24\n" + directives + '\n' + std::string(300'000, 'x'));
+    };
+    // While the slow ones are read the threads begin, and come before the run.
+    const char* const slow = "dirty:slow:GetPicture\n";
+    for (const wchar_t* name :
+         {L"s1.tst", L"s2.tst", L"s3.tst", L"s4.tst", L"s5.tst", L"first.oth"})
+        add(name, slow);
+    add(L"by the same.tst", {});
     Add(L"bitmap.bmp", BitmapFileOf(2, 2, 0));
-    Add(L"by the same too.tst", good);
+    add(L"by the same too.tst", {});
     const char* const ends = "crash:exit-well:GetPicture\n";
     for (const char* directives : {"", "answer:GetPicture:4\n", "", "crash:av:GetPicture\n", "",
                                    "condition:3:half\n", ends, "", ends, ends, ""}) {
-        Add(std::to_wstring(monitor_.files.size()) + L".tst", good + directives + '\n');
+        add(std::to_wstring(monitor_.files.size()) + L".tst", directives);
     }
     Add(L"junk.tst", "junk");
-    Add(L"archive.tsa", ArchiveOf({{"a.tst", good + '\n'}, {"b", "second"}}));
-    for (const wchar_t* name : {L"0.tst", L"last.tst"})
-        Add(name, good);
+    Add(L"archive.tsa", ArchiveOf({{"a.tst", "TST 40x30x24\n\n"}, {"b", "second"}}));
+    add(L"0.tst", {});
+    add(L"last.tst", {});
     std::vector<std::vector<std::wstring>> lines;
     std::vector<Files> files;
     for (const int jobs : {1, 3}) {
