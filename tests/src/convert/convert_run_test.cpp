@@ -244,7 +244,7 @@ TEST_F(ConvertRunTest, ManyFilesLeaveNothingBehind) {
     for (int tries = 0; tries < 50 && HandleCount() > handles + 2; ++tries)
         Sleep(100);
     EXPECT_LE(HandleCount(), handles + 2);
-    EXPECT_LT(PrivateBytes(), bytes + (size_t{4} << 20));
+    EXPECT_LT(PrivateBytes(), bytes + (size_t{8} << 20));
     const std::wstring own = L"tessary_" + std::to_wstring(GetCurrentProcessId()) + L'_';
     for (const auto& entry : std::filesystem::directory_iterator(tessary::TemporaryFolder()))
         EXPECT_FALSE(entry.path().filename().wstring().starts_with(own)) << entry.path();
