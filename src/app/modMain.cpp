@@ -19,6 +19,7 @@
 #include "host/host_connection.h"
 #include "picture/ahead/ahead_rules.h"
 #include "picture/ahead/pictures_ahead.h"
+#include "picture/read/source_file.h"
 #include "plugin/host_state.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
@@ -70,8 +71,7 @@ void TellNotices(PictureView& view, const HelperLibraries& libraries, bool isAsk
 // Whether what is to be opened has to wait for the plug-ins that are still to be asked: nobody else
 // names it.
 bool WaitsForPlugins(const std::vector<std::wstring>& names) {
-    return names.empty() || (SusieCollection().FirstNaming(names.front()) == nullptr &&
-                             !MatchesAnyPattern(ToUpper(FileNameOf(names.front())), {L"*.BMP"}));
+    return names.empty() || LookAtName(names.front()).kind == kFileUnknown;
 }
 
 // Asks the plug-ins of which nothing is remembered, as all are at the first start.

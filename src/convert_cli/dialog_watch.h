@@ -14,9 +14,8 @@
 namespace tessary {
 
 // For its own life a thread looks for windows of host processes that this one has asked for
-// something. Dialogs
-// are answered as carefully as their buttons allow, other windows are asked to close after half a
-// minute of one call.
+// something. Dialogs are answered as carefully as their buttons allow, other windows are asked to
+// close after half a minute of one call.
 class DialogWatch {
   public:
     // `tell` gets a line that names the plug-in and the window, on the watching thread.
