@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+#include "helpers/kernel/instructions.h"
+
 namespace tessary::kernel {
 
 // The weights of one target row as 16-bit integers, which is what SSE2 multiplies fastest. They are
@@ -32,6 +34,6 @@ class FixedWeights {
 // to out[i]. There are as many weights as rows, at least one, and as many samples in each row as in
 // `out`, at least 16. `weights` come from FixedWeights (any part of them).
 void MixRows(std::span<const uint8_t* const> rows, std::span<const int16_t> weights, float unit,
-             bool add, std::span<float> out);
+             bool add, std::span<float> out, Instructions instructions = BestInstructions());
 
 }  // namespace tessary::kernel

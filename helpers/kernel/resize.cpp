@@ -29,6 +29,7 @@ struct Job {
     int32_t height;
     size_t stride;
     std::span<uint8_t> rows;
+    Instructions instructions;
 };
 
 // Makes a run of neighbouring target rows. Everything it needs is allocated when it is made, so
@@ -70,7 +71,8 @@ class Band {
             rows_.clear();
             for (size_t i = done; i < done + count; ++i)
                 rows_.push_back(source_.Row(top + static_cast<int32_t>(i)));
-            MixRows(rows_, fixed_.Values().subspan(done, count), fixed_.Unit(), done > 0, out);
+            MixRows(rows_, fixed_.Values().subspan(done, count), fixed_.Unit(), done > 0, out,
+                    job_.instructions);
         }
     }
 
@@ -95,16 +97,17 @@ int32_t BandCount(const Job& job) {
 }  // namespace
 
 void Resize(const dib::DibView& source, int32_t width, int32_t height, ResizeFilter filter,
-            std::span<uint8_t> rows) {
+            std::span<uint8_t> rows, Instructions instructions) {
     if (source.Width() > kMostWidth) throw std::length_error("picture too wide");
     const FilterAxis across(source.Width(), width, filter);
     const Job job{source,
                   FilterAxis(source.Height(), height, filter),
-                  RowFilter(across, width, SourceRows::PixelBytes(source)),
+                  RowFilter(across, width, SourceRows::PixelBytes(source), instructions),
                   static_cast<size_t>(width),
                   height,
                   static_cast<size_t>(dib::RowStride(static_cast<uint64_t>(width), 24)),
-                  rows};
+                  rows,
+                  instructions};
     assert(rows.size() == job.stride * static_cast<size_t>(height));
 
     const int32_t count = BandCount(job);

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "helpers/dib/dib_view.h"
+#include "helpers/kernel/instructions.h"
 #include "helpers/kernel/resize_filter.h"
 
 namespace tessary::kernel {
@@ -17,6 +18,6 @@ namespace tessary::kernel {
 // source rows are held in memory. The fourth byte of 32-bit pixels is ignored. Throws
 // std::bad_alloc or std::length_error when memory runs out.
 void Resize(const dib::DibView& source, int32_t width, int32_t height, ResizeFilter filter,
-            std::span<uint8_t> rows);
+            std::span<uint8_t> rows, Instructions instructions = BestInstructions());
 
 }  // namespace tessary::kernel

@@ -1,6 +1,6 @@
 #include "helpers/kernel/row_pass.h"
 
-#include <emmintrin.h>
+#include <immintrin.h>
 
 #include <cassert>
 #include <cstring>
@@ -17,10 +17,19 @@ __m128 Weighted(const float* pixel, __m128 weights) {
     return _mm_mul_ps(_mm_loadu_ps(pixel), weight);
 }
 
+// Rounds the first three samples, limits them to 0...255 and writes them.
+inline void PutPixel(__m128 samples, uint8_t* bgr) {
+    const __m128i rounded = _mm_cvtps_epi32(samples);
+    const __m128i words = _mm_packs_epi32(rounded, rounded);
+    const int32_t bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
+    std::memcpy(bgr, &bytes, 3);
+}
+
 }  // namespace
 
-RowFilter::RowFilter(const FilterAxis& axis, int32_t targetWidth, size_t pixelSamples)
-    : pixelSamples_(pixelSamples) {
+RowFilter::RowFilter(const FilterAxis& axis, int32_t targetWidth, size_t pixelSamples,
+                     Instructions instructions)
+    : pixelSamples_(pixelSamples), instructions_(instructions) {
     // The padding covers what the last group's zero weights and the fourth lane read.
     static_assert(kPadding >= (kGroup - 1) * 4 + 1);
     targets_.reserve(static_cast<size_t>(targetWidth));
@@ -52,16 +61,49 @@ void RowFilter::ApplyTo(const float* row, std::span<uint8_t> bgr) const {
             weights += kGroup;
             pixel += kGroup * kPixelSamples;
         }
-        const __m128i rounded = _mm_cvtps_epi32(_mm_add_ps(even, odd));
-        const __m128i words = _mm_packs_epi32(rounded, rounded);
-        const int32_t bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
-        std::memcpy(out, &bytes, 3);
+        PutPixel(_mm_add_ps(even, odd), out);
         out += 3;
     }
 }
 
+#if TESSARY_MAY_USE_AVX2
+
+// As ApplyTo, the even weights' pixels in the lower half of a register and the odd ones' in the
+// upper: the same sums in the same order.
+template <size_t kPixelSamples>
+void RowFilter::ApplyWideTo(const float* row, std::span<uint8_t> bgr) const {
+    const __m256i firstTwo = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1);
+    const __m256i lastTwo = _mm256_setr_epi32(2, 2, 2, 2, 3, 3, 3, 3);
+    const float* weights = weights_.data();
+    uint8_t* out = bgr.data();
+    for (const Target& target : targets_) {
+        const float* pixel = row + static_cast<size_t>(target.first) * kPixelSamples;
+        __m256 sums = _mm256_setzero_ps();
+        for (int32_t group = 0; group < target.groups; ++group) {
+            const __m256 four = _mm256_broadcast_ps(reinterpret_cast<const __m128*>(weights));
+            const __m256 first = _mm256_loadu2_m128(pixel + kPixelSamples, pixel);
+            sums = _mm256_add_ps(sums, _mm256_mul_ps(first, _mm256_permutevar_ps(four, firstTwo)));
+            const __m256 last =
+                _mm256_loadu2_m128(pixel + 3 * kPixelSamples, pixel + 2 * kPixelSamples);
+            sums = _mm256_add_ps(sums, _mm256_mul_ps(last, _mm256_permutevar_ps(four, lastTwo)));
+            weights += kGroup;
+            pixel += kGroup * kPixelSamples;
+        }
+        PutPixel(_mm_add_ps(_mm256_castps256_ps128(sums), _mm256_extractf128_ps(sums, 1)), out);
+        out += 3;
+    }
+}
+
+#endif
+
 void RowFilter::Apply(std::span<const float> row, std::span<uint8_t> bgr) const {
     assert(bgr.size() >= targets_.size() * 3);
+#if TESSARY_MAY_USE_AVX2
+    if (instructions_ == Instructions::kAvx2) {
+        return pixelSamples_ == 4 ? ApplyWideTo<4>(row.data(), bgr)
+                                  : ApplyWideTo<3>(row.data(), bgr);
+    }
+#endif
     if (pixelSamples_ == 4) {
         ApplyTo<4>(row.data(), bgr);
     } else {

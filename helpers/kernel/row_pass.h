@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "helpers/kernel/instructions.h"
 #include "helpers/kernel/resize_filter.h"
 
 namespace tessary::kernel {
@@ -14,7 +15,8 @@ namespace tessary::kernel {
 class RowFilter {
   public:
     // `pixelSamples`: samples from one source pixel to the next, 3 or 4. Throws std::bad_alloc.
-    RowFilter(const FilterAxis& axis, int32_t targetWidth, size_t pixelSamples);
+    RowFilter(const FilterAxis& axis, int32_t targetWidth, size_t pixelSamples,
+              Instructions instructions = BestInstructions());
 
     // How many samples behind the row Apply reads without using them; they have to be finite.
     static constexpr size_t kPadding = 16;
@@ -34,7 +36,14 @@ class RowFilter {
     template <size_t kPixelSamples>
     void ApplyTo(const float* row, std::span<uint8_t> bgr) const;
 
+#if TESSARY_MAY_USE_AVX2
+    template <size_t kPixelSamples>
+    __attribute__((target("avx2"))) void ApplyWideTo(const float* row,
+                                                     std::span<uint8_t> bgr) const;
+#endif
+
     size_t pixelSamples_;
+    Instructions instructions_;
     std::vector<Target> targets_;
     std::vector<float> weights_;  // of all targets one after the other, zeros up to a whole group
 };

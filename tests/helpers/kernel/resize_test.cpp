@@ -17,11 +17,15 @@ constexpr auto k8 = PixelFormat::kIndexed8;
 constexpr auto k24 = PixelFormat::kBgr24;
 constexpr auto k32 = PixelFormat::kBgrx32;
 
+// Whatever the processor has comes to the same.
 std::vector<uint8_t> Resized(const dib::DibView& source, int32_t width, int32_t height,
                              ResizeFilter filter = ResizeFilter::kAutomatic) {
     const uint64_t stride = dib::RowStride(static_cast<uint64_t>(width), 24);
     std::vector<uint8_t> rows(static_cast<size_t>(stride) * static_cast<size_t>(height), 0xEE);
+    std::vector<uint8_t> plain = rows;
     Resize(source, width, height, filter, rows);
+    Resize(source, width, height, filter, plain, Instructions::kSse2);
+    EXPECT_EQ(rows, plain) << "with this processor's own instructions";
     return rows;
 }
 
