@@ -18,6 +18,13 @@ BOOL CALLBACK Find(HWND window, LPARAM data) {
     return wanted.isThere ? FALSE : TRUE;
 }
 
+// Of no desktop: on the thread's own.
+bool HasWindow(HDESK desktop, DWORD process) {
+    Wanted wanted{process, false};
+    EnumDesktopWindows(desktop, Find, reinterpret_cast<LPARAM>(&wanted));
+    return wanted.isThere;
+}
+
 }  // namespace
 
 const HiddenDesktop& HiddenDesktop::Own() {
@@ -33,9 +40,11 @@ HiddenDesktop::HiddenDesktop()
 }
 
 bool HiddenDesktop::HasWindowOf(DWORD process) const {
-    Wanted wanted{process, false};
-    EnumDesktopWindows(desktop_, Find, reinterpret_cast<LPARAM>(&wanted));
-    return wanted.isThere;
+    return HasWindow(desktop_, process);
+}
+
+bool ShowsWindow(DWORD process) {
+    return HasWindow(nullptr, process);
 }
 
 }  // namespace tessary

@@ -26,4 +26,7 @@ class HiddenDesktop {
     HDESK desktop_ = nullptr;
 };
 
+// Whether a process shows a window where this one shows its own.
+bool ShowsWindow(DWORD process);
+
 }  // namespace tessary

@@ -29,8 +29,9 @@ struct ChannelPage {
     WireSection section;  // that it is in; else it is in `message`
     int32_t done;         // kProgress
     int32_t total;
-    uint32_t goesOn;  // the answer to that: not 0
-    HostNotes notes;  // the host's
+    uint32_t goesOn;      // the answer to that: not 0
+    uint32_t startingUp;  // not 0: the library that is being loaded is there, and its code runs
+    HostNotes notes;      // the host's
     uint8_t message[kChannelRoom];
 };
 
@@ -68,6 +69,9 @@ class ChannelEnd {
     int32_t Total() const { return Read(Page().total); }
     void PutGoesOn(bool goesOn) { Page().goesOn = goesOn ? 1 : 0; }
     bool GoesOn() const { return Read(Page().goesOn) != 0; }
+
+    void SetStartingUp(bool isStartingUp) { Page().startingUp = isStartingUp ? 1 : 0; }
+    bool IsStartingUp() const { return Read(Page().startingUp) != 0; }
 
     // The notes of the host, in the page itself.
     HostNotes& Notes() const { return Page().notes; }

@@ -56,6 +56,11 @@ bool IsOf(const PluginEnd& end, const std::wstring& plugin) {
     return EqualsIgnoreCase(end.call.plugin, plugin);
 }
 
+// What comes between two calls does not come of this one, though the plug-in be the same.
+bool IsThisCallsFault(const PluginEnd& end, const std::wstring& plugin) {
+    return IsOf(end, plugin) && end.call.function != kWindowCall;
+}
+
 // Whether another host may do better. Of an end whose kind is certain there is no doubt; a host
 // that has just gone may have been ended by somebody else, and one that was calling nobody when it
 // fell silent, too. Or another plug-in was to blame.
@@ -212,6 +217,7 @@ HostEnd HostConnection::TryToAsk(HostRequest request, const PluginSource& source
         const std::optional<LentBytes::Lent> lent = pool_.Lent().Of(source.bytes);
         if (!lent) throw std::bad_alloc();
         request.bytes = host->Lend(*lent);
+        if (request.bytes.handle == 0 && host->IsAlive()) throw std::bad_alloc();
     } else if (!source.name.empty()) {
         pool_.Lent().Forget();
     }
@@ -256,7 +262,7 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     Told told;
     told.end = TryToAsk(request, source, progress, told);
     if (IsWorthAnother(request, told.end, told.blame)) {
-        if (told.blame && !IsOf(*told.blame, path_)) pool_.Tell(*told.blame);
+        if (told.blame && !IsThisCallsFault(*told.blame, path_)) pool_.Tell(*told.blame);
         told.blame.reset();
         told.end = TryToAsk(request, source, progress, told);
         // Two hosts that were calling nobody have not ended by chance.

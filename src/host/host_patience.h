@@ -48,6 +48,8 @@ class HostPatience {
     // For whoever waits: all but plug-in and progress.
     WaitedCall Call() const;
     bool IsStopped() const { return isStopped_; }
+    // For how long nothing at all was done, in milliseconds.
+    DWORD Idle() const { return idle_; }
     // Whether it is to be ended now, and as what.
     End Spent() const;
 

@@ -57,7 +57,8 @@ HostProcess* HostPool::For(const std::wstring& plugin) {
     // Somebody may have ended one in its first moment.
     for (int tries = 0; slot.host == nullptr && tries < kMostTries && now - begin < kPause;
          ++tries) {
-        slot.host = HostProcess::Start(program_, wait_, {limits_().memory, isHidden_});
+        slot.host =
+            HostProcess::Start(program_, wait_, {limits_().memory, limits_().starting, isHidden_});
         now = GetTickCount64();
     }
     retryAt_ = slot.host == nullptr ? now + kPause + kPausePerStart * (now - begin) : 0;
@@ -81,13 +82,13 @@ bool HostPool::IsGivenUp(const std::wstring& plugin) {
 void HostPool::Tell(const PluginEnd& end) {
     if (CallsAreExcused()) return;  // the session ends, and takes the hosts along
     Record& record = RecordOf(end.call.plugin);
-    if (blame_) {
-        ++record.told.counts[static_cast<size_t>(end.kind)];
-        Trapped([&] { blame_(end); });
-    } else {
-        Trapped([&] { CountEnd(end); });
-        ReadAnew(end.call.plugin, record);
-    }
+    const bool isStored = !blame_ && Trapped(false, [&] {
+        CountEnd(end);
+        return true;
+    });
+    if (isStored) return ReadAnew(end.call.plugin, record);
+    ++record.told.counts[static_cast<size_t>(end.kind)];
+    if (blame_) Trapped([&] { blame_(end); });
 }
 
 HostPool::Record& HostPool::RecordOf(const std::wstring& plugin) {

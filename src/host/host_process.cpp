@@ -16,6 +16,7 @@ namespace {
 
 constexpr DWORD kStartLimit = 10000;  // milliseconds; the first start after the system's is slow
 constexpr DWORD kEndLimit = 1000;     // that the freeing of plug-ins may take
+constexpr DWORD kLastMoment = 300;    // between the end of a process's first thread and its own
 constexpr DWORD kBeat = 40;           // between two looks at whether to go on
 // In one piece: what memory a host has is looked at, and windows are not to seem hung.
 constexpr DWORD kLongestWait = 250;
@@ -60,6 +61,13 @@ UniqueProcess OwnHandle() {
     return UniqueProcess(own);
 }
 
+// A priority class no higher than that of this process, nor than the usual one.
+DWORD ModestPriority() {
+    const DWORD own = GetPriorityClass(GetCurrentProcess());
+    const bool isLow = own == IDLE_PRIORITY_CLASS || own == BELOW_NORMAL_PRIORITY_CLASS;
+    return isLow ? own : NORMAL_PRIORITY_CLASS;
+}
+
 // A job whose processes end with its last handle, and get no more than so much memory. Null where
 // there are none.
 UniqueJob EndingJob(uint64_t memory) {
@@ -67,7 +75,9 @@ UniqueJob EndingJob(uint64_t memory) {
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
     limits.BasicLimitInformation.LimitFlags =
         JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_DIE_ON_UNHANDLED_EXCEPTION |
-        JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;  // a browser that a settings window opens stays
+        JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK |  // a browser that a settings window opens stays
+        JOB_OBJECT_LIMIT_PRIORITY_CLASS;        // none before the program's windows
+    limits.BasicLimitInformation.PriorityClass = ModestPriority();
     if (memory <= SIZE_MAX) {
         limits.BasicLimitInformation.LimitFlags |= JOB_OBJECT_LIMIT_PROCESS_MEMORY;
         limits.ProcessMemoryLimit = static_cast<SIZE_T>(memory);
@@ -126,7 +136,7 @@ HostProcess::HostProcess(UniqueProcess process, UniqueThread thread, UniqueJob j
       answer_(std::move(answer)),
       wait_(std::move(wait)),
       memory_(process_.Get(), kind.memory),
-      isHidden_(kind.isHidden) {}
+      kind_(kind) {}
 
 std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, HostWait wait,
                                                 Kind kind) {
@@ -150,18 +160,23 @@ std::unique_ptr<HostProcess> HostProcess::Start(const std::wstring& program, Hos
 }
 
 HostProcess::~HostProcess() {
-    if (isWorn_) End();
-    if (!IsAlive()) return;
+    if (isWorn_ || !IsAlive()) {
+        End();
+        return;
+    }
     HostReply reply;
     Trapped([&] { Call({.operation = HostOperation::kEnd}, kEndLimit, {}, {}, reply); });
     if (WaitForSingleObject(process_.Get(), kEndLimit) == WAIT_TIMEOUT) End();
 }
 
+// Without its first thread it is nobody's host any more, whatever the others do.
 bool HostProcess::IsAlive() const {
-    return WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT;
+    return !isEnded_ && WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT &&
+           WaitForSingleObject(thread_.Get(), 0) == WAIT_TIMEOUT;
 }
 
 void HostProcess::End() {
+    isEnded_ = true;
     TerminateProcess(process_.Get(), 0);
     WaitForSingleObject(process_.Get(), kEndLimit);
 }
@@ -170,22 +185,24 @@ WireSection HostProcess::Lend(const LentBytes::Lent& lent) {
     // It has kept the one that it got last.
     if (lent.id == 0 || lent.id != lent_.id) {
         HANDLE handle = nullptr;
-        DuplicateHandle(GetCurrentProcess(), lent.section, process_.Get(), &handle,
-                        SECTION_MAP_READ | SECTION_QUERY, FALSE, 0);
+        if (!DuplicateHandle(GetCurrentProcess(), lent.section, process_.Get(), &handle,
+                             SECTION_MAP_READ | SECTION_QUERY, FALSE, 0)) {
+            return lent_ = {};
+        }
         lent_ = {reinterpret_cast<uintptr_t>(handle), lent.size, lent.id};
     }
     return lent_;
 }
 
 bool HostProcess::HasSignalled(DWORD milliseconds, bool isUsers, bool& goesOn) const {
-    const std::array<HANDLE, 2> handles{answer_.Get(), process_.Get()};
+    const std::array<HANDLE, 3> handles{answer_.Get(), process_.Get(), thread_.Get()};
     if (wait_) {
         goesOn = wait_(handles, milliseconds, isUsers);
         milliseconds = 0;
     }
     return WaitForMultipleObjects(1, handles.data(), FALSE, 0) == WAIT_OBJECT_0 ||
            (milliseconds != 0 &&
-            WaitForMultipleObjects(2, handles.data(), FALSE, milliseconds) == WAIT_OBJECT_0);
+            WaitForMultipleObjects(3, handles.data(), FALSE, milliseconds) == WAIT_OBJECT_0);
 }
 
 // The answer stays signalled until then: whoever waits may only look.
@@ -214,11 +231,12 @@ std::optional<HostReply> HostProcess::TakeReply() const {
 
 HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress& progress,
                           const CallWatcher& watcher, HostReply& reply) {
-    if (!IsAlive()) return HostEnd::kDied;
+    if (!IsAlive()) return Ended(HostEnd::kDied);
     const HostedCall call(Id(), request.plugin);
     request.returned = sections_->TakeReturned();
     if (!request.plugin.empty()) served_.insert(ToUpper(request.plugin));
     channel_.PutProgress(0, 0);  // of this call nothing is known
+    channel_.SetStartingUp(false);
     if (!channel_.Put(ChannelSignal::kRequest, BytesOf(request))) return HostEnd::kRefused;
     Send();
     HostPatience patience(request.operation, limit, {process_.Get(), thread_.Get()});
@@ -248,9 +266,10 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
         const bool hasSignalled = HasSignalled(slice, limit == INFINITE, goesOn);
         patience.Waited(static_cast<DWORD>(std::min<ULONGLONG>(GetTickCount64() - before, slice)));
         if (!hasSignalled) {
-            if (!IsAlive()) return HostEnd::kDied;
+            if (!IsAlive()) return Ended(HostEnd::kDied);
             if (memory_.IsExceeded()) return Ended(HostEnd::kHoarded);
-            if (isHidden_ && HiddenDesktop::Own().HasWindowOf(Id()))
+            if (HangsAtStart(request, patience.Idle())) return Ended(HostEnd::kSilent);
+            if (kind_.isHidden && HiddenDesktop::Own().HasWindowOf(Id()))
                 return Ended(HostEnd::kStopped);
             goesOn ? watch(true) : patience.Take(CallWish::kStops);
             continue;
@@ -276,6 +295,13 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
     }
 }
 
+// Before code of the library's own runs, the system may be waiting for a slow disk, or for a virus
+// scanner. One with a window waits for the user.
+bool HostProcess::HangsAtStart(const HostRequest& request, DWORD idle) const {
+    return request.operation == HostOperation::kLoad && idle >= kind_.starting &&
+           channel_.IsStartingUp() && !ShowsWindow(Id());
+}
+
 std::optional<PluginEnd> HostProcess::TakeBlame(HostEnd end, const PluginCall& asked) {
     std::optional<PluginCall> call = CulpritOf(channel_.Notes(), asked, served_);
     channel_.Notes().call.Clear();
@@ -293,6 +319,8 @@ std::optional<PluginEnd> HostProcess::TakeBlame(HostEnd end, const PluginCall& a
 }
 
 HostEnd HostProcess::Ended(HostEnd end) {
+    // Its threads go one by one; the last one says how.
+    if (end == HostEnd::kDied) WaitForSingleObject(process_.Get(), kLastMoment);
     End();
     return end;
 }

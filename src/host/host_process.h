@@ -29,7 +29,8 @@ using UniqueJob = UniqueHandle<handle_traits::KernelObject>;
 struct HostLimits {
     DWORD asking = 2000;  // Describe, Supports
     DWORD working = 20000;
-    uint64_t memory = 0;  // that a host may have, in bytes; 0: what is right for the machine
+    DWORD starting = 5000;  // Load, when code of the library runs: that it may do nothing at all
+    uint64_t memory = 0;    // that a host may have, in bytes; 0: what is right for the machine
 };
 
 // Waits until one of the handles is signalled, at most so many milliseconds, and keeps the windows
@@ -58,7 +59,8 @@ class HostProcess {
     // happens, and with this object.
     // `wait`: for its replies; empty: nothing but waiting is done.
     struct Kind {
-        uint64_t memory = 0;    // HostLimits
+        uint64_t memory = 0;  // HostLimits
+        DWORD starting = HostLimits{}.starting;
         bool isHidden = false;  // nobody sees its windows; it is ended when it shows one
     };
     static std::unique_ptr<HostProcess> Start(const std::wstring& program, HostWait wait,
@@ -92,7 +94,7 @@ class HostProcess {
         return sections_->Open(process_.Get(), section, bytes);
     }
 
-    // Ends it at once.
+    // Ends it at once. What the system cannot end yet, as it waits for a device, counts as ended.
     void End();
 
     // Which plug-in has to answer for the host's end, and for what, told once; nothing: none was
@@ -111,6 +113,8 @@ class HostProcess {
     std::optional<HostReply> TakeReply() const;
     // Ends it, and answers that.
     HostEnd Ended(HostEnd end);
+    // Whether a library waits for ever while it is being loaded.
+    bool HangsAtStart(const HostRequest& request, DWORD idle) const;
 
     UniqueProcess process_;
     UniqueThread thread_;  // its first, which calls the plug-ins
@@ -120,7 +124,8 @@ class HostProcess {
     UniqueEvent answer_;
     HostWait wait_;
     HostMemory memory_;
-    bool isHidden_;
+    Kind kind_;
+    bool isEnded_ = false;
     std::shared_ptr<HostSections> sections_ = std::make_shared<HostSections>();
     std::set<std::wstring> served_;  // plug-ins that were asked for something, in upper case
     WireSection lent_;               // what the host got last

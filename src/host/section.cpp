@@ -1,5 +1,7 @@
 #include "host/section.h"
 
+#include <psapi.h>
+
 #include <utility>
 
 namespace tessary {
@@ -17,11 +19,14 @@ DWORD ViewAccess(Section::Access access) {
     return FILE_MAP_READ;
 }
 
-// How much of a view is there: whoever has made the section may have made it small.
-size_t RealSize(const void* view) {
+// How much of a view is there: whoever has made the section may have made it small. Nothing of a
+// file: what lies there can go while it is read.
+size_t RealSize(void* view) {
     MEMORY_BASIC_INFORMATION region{};
     const bool isKnown = VirtualQuery(view, &region, sizeof(region)) != 0;
-    return isKnown && region.State == MEM_COMMIT ? region.RegionSize : 0;
+    wchar_t file[MAX_PATH];
+    const bool isFile = K32GetMappedFileNameW(GetCurrentProcess(), view, file, MAX_PATH) != 0;
+    return isKnown && region.State == MEM_COMMIT && !isFile ? region.RegionSize : 0;
 }
 
 }  // namespace

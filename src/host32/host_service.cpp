@@ -78,6 +78,7 @@ bool HostService::WaitForRequest() {
         const DWORD signalled =
             MsgWaitForMultipleObjects(2, handles.data(), FALSE, INFINITE, QS_ALLINPUT);
         if (signalled == WAIT_OBJECT_0) return true;
+        if (signalled == WAIT_FAILED) notes_.OnCall({kWindowCall, lastAsked_, {}});
         if (signalled != WAIT_OBJECT_0 + 2) return false;
         HandleMessages(notes_);
     }
@@ -94,11 +95,14 @@ void HostService::Run() {
         const std::optional<HostRequest> request = TakeRequest();
         if (!request) return;
         spilled_.reset();
+        lastAsked_ = request->plugin;
         lastProgress_ = 0;
         goesOn_ = true;
         HostReply failed;
         failed.code = kResultUnexpected;
-        Answer(Trapped(std::move(failed), [&] { return Carried(*request); }));
+        HostReply reply = Trapped(std::move(failed), [&] { return Carried(*request); });
+        state_.PutBack();
+        Answer(std::move(reply));
         if (request->operation == HostOperation::kEnd) return;
     }
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/host_channel.h"
+#include "host32/kept_state.h"
 #include "host32/page_notes.h"
 #include "host32/section_stock.h"
 #include "plugin/local_connection.h"
@@ -24,6 +25,9 @@ class HostService {
     // Carries out what comes until it is told to end, or the program is gone.
     void Run();
 
+    // Code of a library that was just loaded is about to run. From the thread that loads it.
+    void NoteStartUp() { channel_.SetStartingUp(true); }
+
   private:
     struct Connected {
         LocalConnection connection;
@@ -31,7 +35,8 @@ class HostService {
     };
 
     // Waits for the next request, or the answer to a question, and handles the messages of
-    // plug-ins' windows meanwhile; false: the program is gone.
+    // plug-ins' windows meanwhile; false: the program is gone, or whoever was asked last has ruined
+    // what is waited with.
     bool WaitForRequest();
     std::optional<HostRequest> TakeRequest() const;
     // What belongs to a reply, besides what is said in it.
@@ -56,6 +61,7 @@ class HostService {
 
     ChannelEnd channel_;
     PageNotes notes_;
+    KeptState state_;
     HANDLE request_;
     HANDLE answer_;
     HANDLE program_;
@@ -69,6 +75,7 @@ class HostService {
     Lent lent_;
     SectionStock stock_;              // of what goes to the program
     std::optional<Section> spilled_;  // a reply that is too long for the page
+    std::wstring lastAsked_;          // plug-in
     ULONGLONG lastProgress_ = 0;      // in ticks; 0: none yet
     bool goesOn_ = true;
 };

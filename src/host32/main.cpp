@@ -8,6 +8,8 @@
 #include "app/base/error.h"
 #include "app/base/modGetFolder.h"
 #include "host32/host_service.h"
+#include "host32/kept_hooks.h"
+#include "host32/module_watch.h"
 
 namespace {
 
@@ -19,7 +21,15 @@ void CALLBACK OnProgramEnd(void*, BOOLEAN) {
     TerminateProcess(GetCurrentProcess(), 0);
 }
 
+// Who closes a handle of its own twice may meet one of these.
+void KeepOpen(const tessary::ChannelHandles& handles) {
+    for (const HANDLE handle : {handles.page, handles.request, handles.answer, handles.program})
+        SetHandleInformation(handle, HANDLE_FLAG_PROTECT_FROM_CLOSE,
+                             HANDLE_FLAG_PROTECT_FROM_CLOSE);
+}
+
 int Serve(const tessary::ChannelHandles& handles) {
+    KeepOpen(handles);
     std::optional<tessary::Section> page =
         tessary::Section::Open(tessary::UniqueSection(handles.page), sizeof(tessary::ChannelPage),
                                tessary::Section::Access::kWrite);
@@ -28,9 +38,14 @@ int Serve(const tessary::ChannelHandles& handles) {
     RegisterWaitForSingleObject(&wait, handles.program, OnProgramEnd, nullptr, INFINITE,
                                 WT_EXECUTEONLYONCE | WT_EXECUTEINWAITTHREAD);
     // It never ends: threads of plug-ins may crash while the process does.
-    std::make_unique<tessary::HostService>(tessary::ChannelEnd(*std::move(page)), handles)
-        .release()
-        ->Run();
+    auto* const service =
+        std::make_unique<tessary::HostService>(tessary::ChannelEnd(*std::move(page)), handles)
+            .release();
+    tessary::WatchModules([service](HMODULE module) {
+        service->NoteStartUp();
+        tessary::KeepHooksHere(module);
+    });
+    service->Run();
     return 0;
 }
 

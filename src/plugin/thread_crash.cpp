@@ -6,6 +6,7 @@
 #include "app/base/error.h"
 #include "plugin/call_log.h"
 #include "plugin/host_state.h"
+#include "plugin/plugin_state.h"
 
 namespace tessary {
 namespace {
@@ -23,7 +24,8 @@ Place PlaceOf(HMODULE module, const std::wstring& plugin) {
 // The system's last question before it ends the process.
 LONG WINAPI HoldAgainstOwner(EXCEPTION_POINTERS* exception) {
     const HostState::Threads& watch = Host().threads;
-    if (GetCurrentThreadId() != watch.caller) {
+    // Between two calls the caller handles messages, in hooks of a plug-in's too.
+    if (GetCurrentThreadId() != watch.caller || !PluginCallUnderWay()) {
         Trapped([&] {
             HoldThreadCrashAgainst(PluginAt(exception->ExceptionRecord->ExceptionAddress));
         });

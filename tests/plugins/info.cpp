@@ -4,6 +4,7 @@
 
 #include "helpers/susiectl/susie_interface.h"
 #include "tests/plugins/function.h"
+#include "tests/plugins/misdeeds.h"
 #include "tests/plugins/source.h"
 
 namespace tessary::test {
@@ -86,6 +87,7 @@ extern "C" int __stdcall IsSupported(const char* fileName, const char* header) {
         if (SumOf(header + susie::kHeaderBlockSize, script.Number("read-beyond").value_or(0)))
             return 3;
         if (script.Has("exclusive") && !CanOpenExclusively(fileName)) return 0;
+        if (script.Has("needs-plain-process") && !IsPlainProcess()) return 0;
         if (script.Has("accept-all")) return 1;
         return IsOurs(content) ? 1 : 0;
     });

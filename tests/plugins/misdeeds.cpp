@@ -302,6 +302,7 @@ void MakeDirty(const std::string& state) {
     ULONG_PTR cookie = 0;
     if (state == "activation-context") ActivateActCtx(nullptr, &cookie);
     if (state == "exception-chain") SetChain(reinterpret_cast<void*>(0x41414140));
+    ChangeSystem(state);
 }
 
 namespace {

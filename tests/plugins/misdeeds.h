@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 #include "tests/plugins/script.h"
 
@@ -32,6 +33,15 @@ void Misbehave(const Script& script, const std::string& name);
 
 // Changes a state that the function's caller depends on.
 void MakeDirty(const std::string& state);
+
+// The states of those that outlast the call, in the process or its thread.
+void ChangeSystem(const std::string& state);
+
+// Whether priorities, processors and languages are those that the process began with.
+bool IsPlainProcess();
+
+// The blocks of all pictures so far.
+std::vector<HLOCAL>& HandedOut();
 
 // Returns `answer` to the caller of a stdcall function with every register that it should have kept
 // changed. `frame` is the function's __builtin_dwarf_cfa(), `argumentCount` its number of

@@ -3,6 +3,7 @@
 
 #include "helpers/susiectl/susie_interface.h"
 #include "tests/plugins/function.h"
+#include "tests/plugins/misdeeds.h"
 #include "tests/plugins/picture_blocks.h"
 #include "tests/plugins/source.h"
 
@@ -70,6 +71,7 @@ int Decode(const char* name, void* frame, const std::string& content, HLOCAL* in
         const int rows = static_cast<int>(size.height);
         if (!Report(script, rows, progress, userData)) return susie::kAborted;
         HandOut(script, MakePicture(size, script), info, bits);
+        HandedOut().insert(HandedOut().end(), {*info, *bits});
         return susie::kSuccess;
     });
 }
