@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include "helpers/saving/bytes_callback.h"
 #include "helpers/saving/save_options.h"
 
 namespace tessary::convertdib {
@@ -65,5 +66,13 @@ using SaveToBITMAPFileWFunction = int(__stdcall*)(const void* info, const void* 
                                                   const saving::BmpSaveOptions* options,
                                                   LONG_PTR progressCallback);
 constexpr char kSaveToBITMAPFileWName[] = "SaveToBITMAPFileW";
+
+// Makes the bytes of the same file, which `take` gets, with `to`. Answers the system's error code,
+// 0 for success. `progressCallback` is not used.
+using MakeBITMAPBytesFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                const saving::BmpSaveOptions* options,
+                                                saving::BytesCallback take, void* to,
+                                                LONG_PTR progressCallback);
+constexpr char kMakeBITMAPBytesName[] = "MakeBITMAPBytes";
 
 }  // namespace tessary::convertdib

@@ -8,15 +8,19 @@
 namespace tessary::convertdib {
 namespace {
 
-// What both entries do, for a name in either kind of text.
+auto WriterFor(const saving::BmpSaveOptions* options) {
+    return [chosen = options != nullptr ? *options : saving::BmpSaveOptions{}](
+               const dib::DibView& picture, files::ByteSink& sink) {
+        return WriteBitmap(picture, chosen, sink);
+    };
+}
+
+// What both entries for files do, for a name in either kind of text.
 template <typename Char>
 int Save(const void* info, const void* bits, const Char* fileName,
          const saving::BmpSaveOptions* options, LONG_PTR progressCallback) {
-    const saving::BmpSaveOptions chosen = options != nullptr ? *options : saving::BmpSaveOptions{};
-    const auto write = [&](const dib::DibView& picture, files::ByteSink& sink) {
-        return WriteBitmap(picture, chosen, sink);
-    };
-    return saving::SaveToFile(info, bits, fileName, saving::ProgressOf(progressCallback), write)
+    return saving::SaveToFile(info, bits, fileName, saving::ProgressOf(progressCallback),
+                              WriterFor(options))
                ? 1
                : 0;
 }
@@ -25,6 +29,7 @@ int Save(const void* info, const void* bits, const Char* fileName,
 }  // namespace tessary::convertdib
 
 using tessary::saving::BmpSaveOptions;
+using tessary::saving::BytesCallback;
 
 extern "C" __declspec(dllexport) int __stdcall SaveToBITMAPFile(const void* info, const void* bits,
                                                                 const char* fileName,
@@ -39,7 +44,16 @@ extern "C" __declspec(dllexport) int __stdcall SaveToBITMAPFileW(const void* inf
     return tessary::convertdib::Save(info, bits, fileName, options, progressCallback);
 }
 
+extern "C" __declspec(dllexport) int __stdcall MakeBITMAPBytes(const void* info, const void* bits,
+                                                               const BmpSaveOptions* options,
+                                                               BytesCallback take, void* to,
+                                                               LONG_PTR /*progressCallback*/) {
+    return tessary::saving::MakeBytes(info, bits, take, to,
+                                      tessary::convertdib::WriterFor(options));
+}
+
 // Callers find the entries by their names: nothing else compares what they take.
 static_assert(
     std::is_same_v<decltype(&SaveToBITMAPFile), tessary::convertdib::SaveToBITMAPFileFunction> &&
-    std::is_same_v<decltype(&SaveToBITMAPFileW), tessary::convertdib::SaveToBITMAPFileWFunction>);
+    std::is_same_v<decltype(&SaveToBITMAPFileW), tessary::convertdib::SaveToBITMAPFileWFunction> &&
+    std::is_same_v<decltype(&MakeBITMAPBytes), tessary::convertdib::MakeBITMAPBytesFunction>);

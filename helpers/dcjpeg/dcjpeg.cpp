@@ -1,6 +1,7 @@
 #include "helpers/dcjpeg/dcjpeg.h"
 
 #include <type_traits>
+#include <utility>
 
 #include "helpers/dcjpeg/jpeg_writer.h"
 #include "helpers/saving/save_entry.h"
@@ -8,23 +9,27 @@
 namespace tessary::dcjpeg {
 namespace {
 
-// What both entries do, for a name in either kind of text.
+auto WriterFor(const saving::JpegSaveOptions* options, dib::Progress progress) {
+    return [chosen = options != nullptr ? *options : saving::JpegSaveOptions{},
+            progress = std::move(progress)](const dib::DibView& picture, files::ByteSink& sink) {
+        return WriteJpeg(picture, chosen, sink, progress);
+    };
+}
+
+// What both entries for files do, for a name in either kind of text.
 template <typename Char>
 int Save(const void* info, const void* bits, const Char* fileName,
          const saving::JpegSaveOptions* options, LONG_PTR progressCallback) {
-    const saving::JpegSaveOptions chosen =
-        options != nullptr ? *options : saving::JpegSaveOptions{};
     const dib::Progress progress = saving::ProgressOf(progressCallback);
-    const auto write = [&](const dib::DibView& picture, files::ByteSink& sink) {
-        return WriteJpeg(picture, chosen, sink, progress);
-    };
-    return saving::SaveToFile(info, bits, fileName, progress, write) ? 1 : 0;
+    return saving::SaveToFile(info, bits, fileName, progress, WriterFor(options, progress)) ? 1 : 0;
 }
 
 }  // namespace
 }  // namespace tessary::dcjpeg
 
+using tessary::saving::BytesCallback;
 using tessary::saving::JpegSaveOptions;
+using tessary::saving::ProgressOf;
 
 extern "C" __declspec(dllexport) int __stdcall SaveToJPEGFile(const void* info, const void* bits,
                                                               const char* fileName,
@@ -40,6 +45,16 @@ extern "C" __declspec(dllexport) int __stdcall SaveToJPEGFileW(const void* info,
     return tessary::dcjpeg::Save(info, bits, fileName, options, progressCallback);
 }
 
+extern "C" __declspec(dllexport) int __stdcall MakeJPEGBytes(const void* info, const void* bits,
+                                                             const JpegSaveOptions* options,
+                                                             BytesCallback take, void* to,
+                                                             LONG_PTR progressCallback) {
+    return tessary::saving::MakeBytes(
+        info, bits, take, to, tessary::dcjpeg::WriterFor(options, ProgressOf(progressCallback)));
+}
+
 // Callers find the entries by their names: nothing else compares what they take.
-static_assert(std::is_same_v<decltype(&SaveToJPEGFile), tessary::dcjpeg::SaveToJPEGFileFunction> &&
-              std::is_same_v<decltype(&SaveToJPEGFileW), tessary::dcjpeg::SaveToJPEGFileWFunction>);
+static_assert(
+    std::is_same_v<decltype(&SaveToJPEGFile), tessary::dcjpeg::SaveToJPEGFileFunction> &&
+    std::is_same_v<decltype(&SaveToJPEGFileW), tessary::dcjpeg::SaveToJPEGFileWFunction> &&
+    std::is_same_v<decltype(&MakeJPEGBytes), tessary::dcjpeg::MakeJPEGBytesFunction>);

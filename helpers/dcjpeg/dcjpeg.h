@@ -2,6 +2,7 @@
 // load it and find the entries by name.
 #pragma once
 
+#include "helpers/saving/bytes_callback.h"
 #include "helpers/saving/progress_callback.h"
 #include "helpers/saving/save_options.h"
 
@@ -26,5 +27,13 @@ using SaveToJPEGFileWFunction = int(__stdcall*)(const void* info, const void* bi
                                                 const saving::JpegSaveOptions* options,
                                                 LONG_PTR progressCallback);
 constexpr char kSaveToJPEGFileWName[] = "SaveToJPEGFileW";
+
+// Makes the bytes of the same file, which `take` gets, with `to`. Answers the system's error code,
+// 0 for success.
+using MakeJPEGBytesFunction = int(__stdcall*)(const void* info, const void* bits,
+                                              const saving::JpegSaveOptions* options,
+                                              saving::BytesCallback take, void* to,
+                                              LONG_PTR progressCallback);
+constexpr char kMakeJPEGBytesName[] = "MakeJPEGBytes";
 
 }  // namespace tessary::dcjpeg

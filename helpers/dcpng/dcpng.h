@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include "helpers/saving/bytes_callback.h"
 #include "helpers/saving/progress_callback.h"
 #include "helpers/saving/save_options.h"
 
@@ -29,10 +30,12 @@ using SaveToPNGFileWFunction = int(__stdcall*)(const void* info, const void* bit
                                                LONG_PTR progressCallback);
 constexpr char kSaveToPNGFileWName[] = "SaveToPNGFileW";
 
-// Makes the same bytes in memory: `*block` receives a movable global block of theirs, which is the
-// caller's; null after a failure.
-using MakePNGBlockFunction = int(__stdcall*)(const void* info, const void* bits,
-                                             const saving::PngSaveOptions* options, HGLOBAL* block);
-constexpr char kMakePNGBlockName[] = "MakePNGBlock";
+// Makes the bytes of the same file, which `take` gets, with `to`. Answers the system's error code,
+// 0 for success.
+using MakePNGBytesFunction = int(__stdcall*)(const void* info, const void* bits,
+                                             const saving::PngSaveOptions* options,
+                                             saving::BytesCallback take, void* to,
+                                             LONG_PTR progressCallback);
+constexpr char kMakePNGBytesName[] = "MakePNGBytes";
 
 }  // namespace tessary::dcpng

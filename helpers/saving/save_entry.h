@@ -8,6 +8,7 @@
 #include "helpers/dib/byte_stream.h"
 #include "helpers/files/file_name.h"
 #include "helpers/files/replacing_file.h"
+#include "helpers/saving/bytes_callback.h"
 #include "helpers/saving/picture_at.h"
 #include "helpers/saving/save_result.h"
 
@@ -40,6 +41,38 @@ DWORD ErrorIn(const Body& body) noexcept {
     } catch (...) {
         return ERROR_INTERNAL_ERROR;
     }
+}
+
+// Hands bytes to whoever called an entry.
+class CallbackSink final : public files::ByteSink {
+  public:
+    CallbackSink(BytesCallback take, void* to) : take_(take), to_(to) {}
+    bool Write(std::span<const uint8_t> bytes) noexcept override {
+        return take_(bytes.data(), bytes.size(), to_) != 0;
+    }
+
+  private:
+    BytesCallback take_;
+    void* to_;
+};
+
+// Has the picture at the two addresses made into the bytes of a file. `write` as below. Answers the
+// system's error code, 0 for success; GetLastError tells the same. What nobody takes finds no
+// memory.
+template <typename Writer>
+int MakeBytes(const void* info, const void* bits, BytesCallback take, void* to,
+              const Writer& write) noexcept {
+    const DWORD error = ErrorIn([&]() -> DWORD {
+        if (take == nullptr) return ERROR_INVALID_PARAMETER;
+        const PictureAt picture(info, bits);
+        if (!picture.View()) return ERROR_INVALID_DATA;
+        CallbackSink sink(take, to);
+        const SaveResult result = write(*picture.View(), sink);
+        if (result == SaveResult::kNotWritten) return ERROR_NOT_ENOUGH_MEMORY;
+        return result == SaveResult::kSaved ? ERROR_SUCCESS : ErrorOf(result);
+    });
+    SetLastError(error);
+    return static_cast<int>(error);
 }
 
 // Has the picture at the two addresses written to a file, which replaces what is there; behind a

@@ -25,13 +25,6 @@ struct ConflictQuestion {
 };
 enum class ConflictAnswer { kFreeName, kReplace, kSkip, kStop };
 
-// How far a file has come.
-enum class FileStage {
-    kBegun,
-    kReadAhead,  // it is the next one, and is read while the one at hand is saved
-    kSaved,      // all but told; while the next one is read
-};
-
 class ConvertMonitor {
   public:
     // The files to convert, in order. Asked for once, at the beginning.
@@ -59,9 +52,8 @@ class ConvertMonitor {
         return ConflictAnswer::kFreeName;
     }
 
-    // Where the end of the process would break in. Of `report` only kSaved has more than the names:
-    // what FileDone will tell; it is told on another thread.
-    virtual void FileReached(FileStage, const FileReport&) {}
+    // A file's turn has come. Of its report only the names are known.
+    virtual void FileReached(const FileReport&) {}
 
     // What became of a file, as soon as that is known.
     virtual void FileDone(const FileReport&) {}

@@ -1,6 +1,4 @@
 // Converting one picture.
-#include <algorithm>
-
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -10,21 +8,31 @@
 #include "convert/make_folder.h"
 #include "convert/read_failure.h"
 #include "convert/save_extension.h"
-#include "convert/side_job.h"
 #include "convert/trial_save.h"
-#include "picture/save/save_picture.h"
-#include "plugin/file_stamp.h"
 #include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
 
-constexpr size_t kMostMeanwhile = 1 << 20;  // bytes of a picture that is saved in a moment
-
 // Reads the picture unless it was read ahead.
 const ReadResult& Read(SourceAtHand& source) {
     if (!source.read) source.read = ReadPicture(source.file, {.progress = TellProgress});
     return *source.read;
+}
+
+struct PictureKind {
+    int32_t width;
+    int32_t height;
+    uint16_t bitCount;
+};
+
+// Its file may have taken the picture's place.
+PictureKind KindOf(const SourceAtHand& source) {
+    if (const Picture& picture = source.read->picture) {
+        return {picture.Width(), picture.Height(), picture.Header().bitCount};
+    }
+    const EncodedPicture& encoded = *source.encoding->Made();
+    return {encoded.width, encoded.height, encoded.bitCount};
 }
 
 std::wstring SizeText(int32_t width, int32_t height) {
@@ -39,7 +47,7 @@ StepResult ConvertRun::ConvertBitmapFile(FileAtHand& file, SourceAtHand& source)
         const ReadResult& read = Read(source);
         if (!read.isBrokenBitmap) {
             log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
-            result = SaveConvertedPicture(file, read);
+            result = SaveConvertedPicture(file, source);
             return;
         }
         log_.WriteConvertLog(L"ビットマップの読み込みに失敗しました", {}, 2);
@@ -84,7 +92,7 @@ StepResult ConvertRun::ConvertPictureFile(FileAtHand& file, SourceAtHand& source
             return;
         }
         log_.WriteConvertLog(L"画像を展開しました", file.entry.path, 2);
-        result = SaveConvertedPicture(file, read);
+        result = SaveConvertedPicture(file, source);
     });
 }
 
@@ -97,62 +105,6 @@ bool ConvertRun::ToleratesDamage(FileAtHand& file, const std::wstring& damage) {
     log_.WriteConvertLog(L"損傷のある画像は保存しない設定になっています", {}, 4);
     file.Report(FileOutcome::kFailed, FileReason::kDamaged, damage);
     return false;
-}
-
-DWORD ConvertRun::SaveAndRead(const FileAtHand& file, const Picture& picture,
-                              const std::wstring& output) {
-    const auto save = [&]() -> DWORD {
-        SetLastError(ERROR_SUCCESS);
-        if (SavePictureFile(picture, output, options_.save,
-                            reinterpret_cast<LONG_PTR>(&ConvertProgressCallback))) {
-            return ERROR_SUCCESS;
-        }
-        const DWORD error = GetLastError();
-        return error == ERROR_SUCCESS ? DWORD{ERROR_WRITE_FAULT} : error;
-    };
-    const bool isSmall = picture.Info().size() + picture.Bits().size() <= kMostMeanwhile;
-    const auto next = Trapped(std::optional<std::wstring>(), [&] {
-        return isSmall ? NextToRead(file.index + 1, output) : std::nullopt;
-    });
-    if (!next) return save();
-    DWORD error = ERROR_WRITE_FAULT;
-    monitor_.FileReached(FileStage::kReadAhead, {.source = *next});
-    {
-        const SideJob saving([&, saved = file.report]() mutable {
-            error = save();
-            if (error != ERROR_SUCCESS) return;
-            saved.bytes = StampOf(output).value_or(FileStamp()).size;
-            saved.milliseconds = file.Age();
-            monitor_.FileReached(FileStage::kSaved, saved);
-        });
-        ahead_.Read(*next);
-    }
-    if (error == ERROR_SUCCESS) TellProgress(1, 1);
-    return error;
-}
-
-void ConvertRun::PlanAhead(int32_t index) {
-    if (!filesAhead_) return;
-    std::vector<std::wstring> paths;
-    const int32_t last = std::min(list_.UpperBound(), index + 2 * ThreadsFor(settings_.jobs));
-    for (int32_t next = index + 1; next <= last; ++next) {
-        const WorkEntry& entry = list_.At(next);
-        if (IsReadAhead(entry) && !IsReadInAMoment(entry.path)) paths.push_back(entry.path);
-    }
-    filesAhead_->Plan(list_.At(index).path, paths);
-}
-
-// Extracted members make way for others, and are deleted by patterns.
-bool ConvertRun::IsReadAhead(const WorkEntry& entry) const {
-    return !entry.IsExtracted() && CheckDecodeFileName(FileNameOf(entry.path), settings_);
-}
-
-std::optional<std::wstring> ConvertRun::NextToRead(int32_t next, const std::wstring& output) const {
-    if (next > list_.UpperBound() || !IsReadAhead(list_.At(next))) return std::nullopt;
-    if (!monitor_.SetProgressBar(-1, -1, 0, 0)) return std::nullopt;
-    const std::wstring& path = list_.At(next).path;
-    if (EqualsIgnoreCase(path, output)) return std::nullopt;
-    return path;
 }
 
 StepResult ConvertRun::Skip(FileAtHand& file, const std::wstring& path, FileReason reason) {
@@ -180,24 +132,27 @@ StepResult ConvertRun::KeepDamaged(FileAtHand& file, const std::wstring& path,
     return StepResult::kDone;
 }
 
-StepResult ConvertRun::SaveConvertedPicture(FileAtHand& file, const ReadResult& read) {
+StepResult ConvertRun::SaveConvertedPicture(FileAtHand& file, SourceAtHand& source) {
     const WorkEntry& entry = file.entry;
-    const Picture& picture = read.picture;
-    if (!CheckDecodeSize(picture.Width(), picture.Height(), settings_)) {
+    const ReadResult& read = *source.read;
+    const PictureKind picture = KindOf(source);
+    if (!CheckDecodeSize(picture.width, picture.height, settings_)) {
         log_.WriteConvertLog(L"詳細情報", {}, 4);
         log_.WriteConvertLog(L"画像の大きさが小さいので処理を中止しました", {}, 4);
-        log_.WriteConvertLog(L"画像サイズ", SizeText(picture.Width(), picture.Height()), 4);
+        log_.WriteConvertLog(L"画像サイズ", SizeText(picture.width, picture.height), 4);
         file.Report(FileOutcome::kDeclined, FileReason::kTooSmall);
         return StepResult::kNotSaved;
     }
     // What a member lacks is the cause of what its picture lacks.
     const std::wstring& damage = entry.damage.empty() ? read.damage : entry.damage;
     if (!ToleratesDamage(file, damage)) return StepResult::kNotSaved;
-    const uint16_t depth = picture.Header().bitCount;
-    const std::wstring extension = SaveExtension(depth, settings_);
-    TrialSave trial(picture, extension, options_.save);
-    const OutputChoice choice = names_.Choose(
-        {entry, extension, [&](const std::wstring& path) { return trial.IsLike(path); }});
+    const std::wstring extension = SaveExtension(picture.bitCount, settings_);
+    TrialSave trial(read.picture, extension, options_.save);
+    const auto isWritten = [&](const std::wstring& path) {
+        const EncodedPicture* const encoded = Encoded(file, source);
+        return encoded != nullptr ? HaveSameContent(encoded->bytes, path) : trial.IsLike(path);
+    };
+    const OutputChoice choice = names_.Choose({entry, extension, isWritten});
     if (choice.isSkipped) {
         const bool isTold = file.report.isDamaged && choice.reason == FileReason::kAlreadyConverted;
         return isTold ? KeepDamaged(file, choice.path, damage)
@@ -206,7 +161,7 @@ StepResult ConvertRun::SaveConvertedPicture(FileAtHand& file, const ReadResult& 
     file.report.target = choice.path;
     file.report.isRenamed = choice.isRenamed || entry.isNumbered;
     file.report.isReplaced = choice.isReplaced;
-    log_.WriteConvertLog(L"画像の色数", std::to_wstring(depth) + L" bit", 2);
+    log_.WriteConvertLog(L"画像の色数", std::to_wstring(picture.bitCount) + L" bit", 2);
     log_.WriteConvertLog(L"保存ファイル名", choice.path, 2);
     if (choice.isRenamed) {
         log_.WriteConvertLog(L"同じ名前のファイルがあるため別名で保存します", {}, 4);
@@ -219,7 +174,7 @@ StepResult ConvertRun::SaveConvertedPicture(FileAtHand& file, const ReadResult& 
                               : entry.isNumbered    ? FileReason::kTargetExists
                                                     : choice.reason;
     file.Note(FileOutcome::kConverted, reason, damage);
-    if (error == ERROR_SUCCESS) error = SaveAndRead(file, picture, choice.path);
+    if (error == ERROR_SUCCESS) error = SavePicture(file, source, choice.path);
     if (error != ERROR_SUCCESS) {
         log_.WriteConvertLog(L"保存に失敗しました", FileNameOf(choice.path), 2);
         ReportUnwritten(file, error, choice.path);

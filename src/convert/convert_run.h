@@ -4,7 +4,9 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <deque>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -14,6 +16,7 @@
 #include "convert/convert_log.h"
 #include "convert/convert_monitor.h"
 #include "convert/convert_options.h"
+#include "convert/encoding.h"
 #include "convert/file_at_hand.h"
 #include "convert/files_ahead.h"
 #include "convert/output_names.h"
@@ -70,17 +73,36 @@ class ConvertRun {
     StepResult ConvertPictureFile(FileAtHand& file, SourceAtHand& source);
     // What is to be known of a picture's damage; false when it is not to be saved for it.
     bool ToleratesDamage(FileAtHand& file, const std::wstring& damage);
-    StepResult SaveConvertedPicture(FileAtHand& file, const ReadResult& read);
+    StepResult SaveConvertedPicture(FileAtHand& file, SourceAtHand& source);
     StepResult Skip(FileAtHand& file, const std::wstring& path, FileReason reason);
     StepResult KeepDamaged(FileAtHand& file, const std::wstring& path, const std::wstring& damage);
-    // Saves a picture and, where both are small, reads the next file of the list meanwhile. The
-    // report is that of a success. The system's error, 0 for success.
-    DWORD SaveAndRead(const FileAtHand& file, const Picture& picture, const std::wstring& output);
-    // Has the files read whose turn comes behind this one.
+    // --- Before their turn (convert_ahead.cpp) ---
+
+    // An entry that was looked at: once, before its turn.
+    struct Upcoming {
+        std::wstring path;
+        std::optional<FileStamp> stamp{};  // nothing: it is left to its turn
+    };
+    Upcoming LookAt(const WorkEntry& entry) const;
+    void LookAhead(int32_t index);
+    // Has the large files read whose turn comes behind this one.
     void PlanAhead(int32_t index);
-    bool IsReadAhead(const WorkEntry& entry) const;
-    // The file of the entry `next`, if it may be read while a picture is saved as `output`.
-    std::optional<std::wstring> NextToRead(int32_t next, const std::wstring& output) const;
+    // The first small one behind this one and those that were read; null: there is none in sight.
+    Upcoming* NextSmall(int32_t index);
+    // Has it read and made into its file elsewhere, if it is a bitmap by its name.
+    bool BeginNext(int32_t index);
+    // The same, or reads it here; false when it has to wait for its turn.
+    bool ReadNext(int32_t index);
+    // What was read of the file before its turn.
+    std::optional<SourceAtHand> TakeAhead(const FileAtHand& file);
+    // Waits for the end, and reads the next files meanwhile.
+    void Await(Encoding& encoding, int32_t index);
+    // Has the file made that a picture is saved as; null when it is not to be, or not beforehand.
+    std::shared_ptr<Encoding> BeginEncoding(const ReadResult& read);
+    // The same, at its end.
+    const EncodedPicture* Encoded(const FileAtHand& file, SourceAtHand& source);
+    // The system's error, 0 for success.
+    DWORD SavePicture(const FileAtHand& file, SourceAtHand& source, const std::wstring& output);
 
     // --- Archives (convert_archive.cpp) ---
 
@@ -142,7 +164,12 @@ class ConvertRun {
     KnownContents expanded_;  // archives
     bool stopIsTold_ = false;
     ULONGLONG stopAskedAt_ = 0;  // in ticks; 0: not yet
-    ReadAhead ahead_;            // the next entry, if it is read in a moment
+    const int threads_ = ThreadsFor(settings_.jobs);
+    std::deque<Upcoming> upcoming_;
+    int32_t upcomingFrom_ = 1;  // place of the first of them in the list
+    int32_t upcomingOf_ = 0;    // the list's upper bound then
+    Encoders encoders_{threads_, options_};
+    ReadAhead ahead_{[this](const ReadResult& read) { return BeginEncoding(read); }};
     std::optional<FilesAhead> filesAhead_;
 };
 

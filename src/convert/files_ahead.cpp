@@ -7,24 +7,41 @@
 #include "app/base/distant_file.h"
 #include "app/settings/modValue.h"
 #include "picture/ahead/ahead_rules.h"
+#include "picture/save/save_progress.h"
 #include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
 
-AheadSource Source() {
+constexpr size_t kMostBytes = 256u << 20;
+
+// A thread may live on a little longer than the run.
+MakeFile MakerFor(ConvertOptions options) {
+    return [options = std::move(options)](const ReadResult& read,
+                                          const std::function<bool(int)>& tell) {
+        const SaverFormat* const format = FormatToMake(read, options.convert, kMostBytes);
+        if (format == nullptr) return std::shared_ptr<const EncodedPicture>();
+        const SaveProgress progress(tell);
+        return EncodePicture(read.picture, *format, options.save, SaveProgress::PassThrough());
+    };
+}
+
+AheadSource Source(const ConvertOptions& options) {
     return {.connect = Host().furtherConnector,
             .mayRead = [](const std::wstring& path) { return !IsNotOnThisDisk(path); },
-            .opensArchives = false};
+            .opensArchives = false,
+            .make = MakerFor(options)};
 }
 
 }  // namespace
 
-FilesAhead::FilesAhead(int threads)
-    : threads_(threads, Source()),
+FilesAhead::FilesAhead(int threads, const ConvertOptions& options)
+    : threads_(threads, Source(options)),
       plugins_(std::make_shared<const KnownPlugins>(KnownOf(SusieCollection()))) {}
 
 void FilesAhead::Plan(const std::wstring& atHand, const std::vector<std::wstring>& next) {
+    if (next == planned_) return;
+    planned_ = next;
     AheadPlan plan;
     plan.shown = {atHand};
     for (const std::wstring& path : next)
@@ -43,7 +60,9 @@ std::optional<SourceAtHand> FilesAhead::Take(const std::wstring& path) {
         return std::nullopt;
     }
     SourceFile file{.path = path, .kind = read.kind, .plugin = read.plugin};
-    return SourceAtHand{std::move(file), std::move(read)};
+    std::shared_ptr<Encoding> encoding;
+    if (ready->made) encoding = std::make_shared<Encoding>(std::move(ready->made));
+    return SourceAtHand{std::move(file), std::move(read), std::move(encoding)};
 }
 
 int ThreadsFor(int32_t jobs) {

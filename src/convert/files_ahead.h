@@ -5,16 +5,19 @@
 #include <string>
 #include <vector>
 
-#include "convert/read_ahead.h"
+#include "convert/convert_options.h"
+#include "convert/source_at_hand.h"
 #include "picture/ahead/ahead_threads.h"
 
 namespace tessary {
 
-// Reads pictures in processes of their own. What it gives is what the run itself would have read at
+// Reads pictures in processes of their own, and makes the files that they are saved as. What it
+// gives is what the run itself would have read at
 // the file's turn: everything else it leaves to the run.
 class FilesAhead {
   public:
-    explicit FilesAhead(int threads);
+    // The options are those of the run, which ends after this.
+    FilesAhead(int threads, const ConvertOptions& options);
 
     // The file whose turn it is, and those whose turn comes next, in their order.
     void Plan(const std::wstring& atHand, const std::vector<std::wstring>& next);
@@ -25,6 +28,7 @@ class FilesAhead {
   private:
     AheadThreads threads_;
     std::shared_ptr<const KnownPlugins> plugins_;
+    std::vector<std::wstring> planned_;
 };
 
 // How many files to read at the same time: `jobs` if it is not 0, else as many as the machine has

@@ -89,16 +89,14 @@ bool ConvertRun::Run() {
         [this](const WaitedCall&) { return IsGivenUp() ? CallWish::kStops : CallWish::kGoesOn; });
     const LongRun run;
     log_.Open(settings_);
-    if (const int threads = ThreadsFor(settings_.jobs); threads > 1 && Host().furtherConnector) {
-        filesAhead_.emplace(threads);
-    }
+    if (threads_ > 1 && Host().furtherConnector) filesAhead_.emplace(threads_, options_);
     bool goesOn = true;
     int32_t index = 1;
     for (; goesOn && index <= list_.UpperBound(); ++index) {
         list_.Reach(index);
         Trapped([&] { PlanAhead(index); });
         FileAtHand file(index, list_.At(index));
-        monitor_.FileReached(FileStage::kBegun, file.report);
+        monitor_.FileReached(file.report);
         Step(file, [&](StepResult&) {
             log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
             log_.WriteConvertLog(L"ファイル名", file.entry.path, 2);
@@ -191,8 +189,7 @@ StepResult ConvertRun::ConvertByKind(FileAtHand& file) {
             return StepResult::kNotHandled;
         }
     }
-    std::optional<SourceAtHand> known = ahead_.Take(entry.path);
-    if (!known && filesAhead_) known = filesAhead_->Take(entry.path);
+    std::optional<SourceAtHand> known = TakeAhead(file);
     const bool isElsewhere = !known && IsNotOnThisDisk(entry.path);
     SourceAtHand source =
         known ? std::move(*known)

@@ -248,6 +248,11 @@ bool OutputNames::WillSkip(const WorkEntry& entry, const std::wstring& extension
     return !IsTaken(path, entry) && Exists(path, entry) && !IsResult(path);
 }
 
+bool OutputNames::IsLikelyToSkip(const WorkEntry& entry, const std::wstring& extension) const {
+    return onConflict_ == kConflictSkip && Contenders(entry) <= 1 &&
+           PathExists(Candidate(entry, extension, 1));
+}
+
 // A member that lies beside a file of its name is still saved under its own, as any file is, so
 // that a run can be repeated; but for a picture of this run.
 OutputChoice OutputNames::OverwritingName(const OutputWish& wish) {

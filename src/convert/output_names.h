@@ -57,6 +57,8 @@ class OutputNames {
     // The same before the picture has been read, of the same extension: whether it will be skipped
     // for sure.
     bool WillSkip(const WorkEntry& entry, const std::wstring& extension);
+    // The same as far as can be told before the entry's turn.
+    bool IsLikelyToSkip(const WorkEntry& entry, const std::wstring& extension) const;
 
     // A picture has been written, or is there from an earlier run. `isNew`: nothing had the name
     // before.

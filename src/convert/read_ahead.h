@@ -1,45 +1,65 @@
-// Reading a file before its turn.
+// Reading small files before their turn.
 #pragma once
 
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
-#include "picture/read/read_picture.h"
+#include "convert/source_at_hand.h"
 #include "plugin/file_stamp.h"
 
 namespace tessary {
 
-// A file that is to be converted, as far as it is known.
-struct SourceAtHand {
-    SourceFile file;
-    std::optional<ReadResult> read{};  // once its picture was read
-};
-
-// Whether a file is read in a moment, by its size: the way to another process would take longer.
-// One that is not there is not.
-bool IsReadInAMoment(const std::wstring& path);
-
-// Holds one file that was read before its turn, as long as nobody changes it.
+// Holds files that were read in the order of the list, by the run's own plug-ins, as long as nobody
+// changes them.
 class ReadAhead {
   public:
-    ReadAhead() = default;
+    // `encode` begins to make the file of a picture that was read; it may answer null.
+    explicit ReadAhead(std::function<std::shared_ptr<Encoding>(const ReadResult&)> encode)
+        : encode_(std::move(encode)) {}
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
     ~ReadAhead();
 
-    // Reads a file. When that cannot be done, or is a long work, as with one that is not on this
-    // disk, nothing is held. Never throws.
-    void Read(const std::wstring& path) noexcept;
-    // What was read of the file; nothing when another one was read. Nothing is held then.
-    std::optional<SourceAtHand> Take(const std::wstring& path);
+    // Reads the file of a place in the list. Whether it is held now: not when that cannot be done,
+    // or is a long work, as with one that is not on this disk. `stamp`: its own. Never throws.
+    bool Read(int32_t index, const std::wstring& path, const FileStamp& stamp) noexcept;
+    // Holds what is being read elsewhere.
+    void Hold(int32_t index, const std::wstring& path, const FileStamp& stamp,
+              std::shared_ptr<Encoding> encoding);
+    // The last place that was read, or the one at hand.
+    int32_t Last(int32_t atHand) const;
+    // Whether the next place may be read: what is held does not take too much room, and was read
+    // well as far as that is known.
+    bool MayGoOn() const;
+    // The same, and all is known. Behind an archive, a failure, or what is no bitmap after all it
+    // depends on that which plug-in has its turn.
+    bool MayAskPlugins() const;
+
+    // What was read of the file, or is being read; nothing when it was not, or has changed. Of
+    // files before that place nothing is held any more.
+    std::optional<SourceAtHand> Take(int32_t index, const std::wstring& path);
 
     // To be told of unexpected errors: whether a file is being read, which will be read once more
     // in its turn.
     bool Disturb();
 
   private:
-    FileStamp stamp_;
-    std::optional<SourceAtHand> held_;
+    struct Held {
+        int32_t index;
+        FileStamp stamp;
+        size_t bytes;  // of its picture; of a bitmap, which is read elsewhere, of the file
+        bool isElsewhere;
+        SourceAtHand source;
+    };
+
+    static bool IsGood(const Held& held);
+
+    std::function<std::shared_ptr<Encoding>(const ReadResult&)> encode_;
+    std::deque<Held> held_;
     bool reads_ = false;
     bool isDisturbed_ = false;
 };

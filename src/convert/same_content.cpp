@@ -27,11 +27,11 @@ class FilePieces {
                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                             OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr)) {}
 
-    // Empty behind the last one; nothing when the file cannot be read.
-    std::optional<std::span<const uint8_t>> Next() {
+    // No larger than `most`. Empty behind the last one; nothing when the file cannot be read.
+    std::optional<std::span<const uint8_t>> Next(size_t most = kPieceSize) {
         DWORD size = 0;
-        if (!file_ || !ReadFile(file_.Get(), piece_.data(), static_cast<DWORD>(piece_.size()),
-                                &size, nullptr)) {
+        const auto wanted = static_cast<DWORD>(std::min(most, piece_.size()));
+        if (!file_ || !ReadFile(file_.Get(), piece_.data(), wanted, &size, nullptr)) {
             return std::nullopt;
         }
         return std::span<const uint8_t>(piece_).first(size);
@@ -120,6 +120,21 @@ bool HaveSameContent(const std::wstring& one, const std::wstring& other) {
         if (!piece || !otherPiece || !std::ranges::equal(*piece, *otherPiece)) return false;
         if (piece->empty()) return true;
     }
+}
+
+bool HaveSameContent(const FileBytes& bytes, const std::wstring& path) {
+    const std::optional<FileStamp> stamp = StampOf(path);
+    if (!stamp || stamp->size != bytes.Size() || IsNotOnThisDisk(path)) return false;
+    FilePieces pieces(path);
+    for (const std::vector<uint8_t>& own : bytes.Pieces()) {
+        for (std::span<const uint8_t> rest = own; !rest.empty();) {
+            const auto piece = pieces.Next(rest.size());
+            if (!piece || piece->empty() || !std::ranges::equal(*piece, rest.first(piece->size())))
+                return false;
+            rest = rest.subspan(piece->size());
+        }
+    }
+    return true;
 }
 
 std::optional<KnownContents::Content> KnownContents::ContentOf(const std::wstring& path) {

@@ -6,10 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "picture/save/encoded_picture.h"
+
 namespace tessary {
 
 // False also when one of them cannot be read, or is not on this disk: it is not worth fetching.
 bool HaveSameContent(const std::wstring& one, const std::wstring& other);
+
+// The same of a file that is made and not written yet.
+bool HaveSameContent(const FileBytes& bytes, const std::wstring& path);
 
 // Remembers the contents of files that may be gone by the time they are asked about.
 class KnownContents {

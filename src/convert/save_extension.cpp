@@ -1,7 +1,6 @@
 #include "convert/save_extension.h"
 
 #include "app/base/text.h"
-#include "app/settings/saver_format.h"
 
 namespace tessary {
 namespace {
@@ -11,9 +10,12 @@ constexpr uint16_t kManyColorsDepth = 24;
 
 }  // namespace
 
+const SaverFormat* SaveFormat(uint16_t bitsPerPixel, const ConvertSettings& settings) {
+    return SaverFormatAt(bitsPerPixel > kFewColorsDepth ? settings.saveType2 : settings.saveType1);
+}
+
 std::wstring SaveExtension(uint16_t bitsPerPixel, const ConvertSettings& settings) {
-    const SaverFormat* const format =
-        SaverFormatAt(bitsPerPixel > kFewColorsDepth ? settings.saveType2 : settings.saveType1);
+    const SaverFormat* const format = SaveFormat(bitsPerPixel, settings);
     return format != nullptr ? format->Extension() : std::wstring();
 }
 

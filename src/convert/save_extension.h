@@ -1,4 +1,4 @@
-// The extensions of what is written.
+// The formats of what is written, and their extensions.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,14 @@
 #include <string_view>
 
 #include "app/settings/modValue.h"
+#include "app/settings/saver_format.h"
 
 namespace tessary {
 
-// With its dot, of the format that the user wants for pictures of that many bits per pixel; empty
-// for a setting that names none.
+// The format that the user wants for pictures of that many bits per pixel; null for a setting that
+// names none.
+const SaverFormat* SaveFormat(uint16_t bitsPerPixel, const ConvertSettings& settings);
+// Its extension, with its dot; empty for none.
 std::wstring SaveExtension(uint16_t bitsPerPixel, const ConvertSettings& settings);
 
 // The one extension of all pictures; nothing when it depends on the picture.

@@ -54,8 +54,8 @@ void ConsoleMonitor::EraseProgress() {
     shown_.clear();
 }
 
-void ConsoleMonitor::FileReached(FileStage stage, const FileReport& report) {
-    JournalReached(stage, report);
+void ConsoleMonitor::FileReached(const FileReport& report) {
+    JournalReached(report);
 }
 
 void ConsoleMonitor::FileDone(const FileReport& report) {

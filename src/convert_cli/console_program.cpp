@@ -212,11 +212,9 @@ void TellJournal(const WorkerEnd& end, const ConsoleOptions& options, bool isSto
     RunSummary summary;
     for (const FileReport& done : run.done)
         summary.Add(done);
-    for (const std::vector<FileReport>& untold : {run.saved, run.broken}) {
-        for (const FileReport& one : untold) {
-            summary.Add(one);
-            report.Add(one);
-        }
+    for (const FileReport& broken : run.broken) {
+        summary.Add(broken);
+        report.Add(broken);
     }
     summary.Write(errors, options.isQuiet);
     if (!report.IsGood()) TellBadReport(report, options, errors);

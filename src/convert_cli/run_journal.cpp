@@ -11,7 +11,7 @@
 namespace tessary {
 namespace {
 
-enum class Note : uint32_t { kReportBegun, kBegun, kReadAhead, kSaved, kDone };
+enum class Note : uint32_t { kReportBegun, kBegun, kDone };
 
 template <typename Value>
 constexpr bool kIsText = std::is_same_v<std::remove_cvref_t<Value>, std::wstring>;
@@ -101,9 +101,8 @@ void JournalReportBegun() {
     Write(Note::kReportBegun, {});
 }
 
-void JournalReached(FileStage stage, const FileReport& report) {
-    constexpr Note kNotes[] = {Note::kBegun, Note::kReadAhead, Note::kSaved};
-    Write(kNotes[static_cast<size_t>(stage)], report);
+void JournalReached(const FileReport& report) {
+    Write(Note::kBegun, report);
 }
 
 void JournalDone(const FileReport& report) {
@@ -113,8 +112,6 @@ void JournalDone(const FileReport& report) {
 JournaledRun ReadJournal(const std::string& notes) {
     JournaledRun run;
     std::optional<FileReport> begun;
-    std::optional<FileReport> ahead;
-    std::optional<FileReport> saved;
     Reader reader(notes);
     while (!reader.IsAtEnd()) {
         Note note{};
@@ -128,28 +125,14 @@ JournaledRun ReadJournal(const std::string& notes) {
                 break;
             case Note::kBegun:  // so what was before is at its end
                 begun = std::move(report);
-                ahead.reset();
-                saved.reset();
-                break;
-            case Note::kReadAhead:
-                ahead = std::move(report);
-                break;
-            case Note::kSaved:
-                saved = std::move(report);
                 break;
             case Note::kDone:
                 run.done.push_back(std::move(report));
                 begun.reset();
-                saved.reset();
                 break;
         }
     }
-    if (saved) {
-        run.saved.push_back(*saved);
-    } else if (begun) {
-        run.broken.push_back(*begun);
-    }
-    if (ahead) run.broken.push_back(*ahead);
+    if (begun) run.broken.push_back(*begun);
     return run;
 }
 

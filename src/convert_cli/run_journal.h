@@ -11,14 +11,13 @@ namespace tessary {
 
 // In the worker; from any thread. Without an overseer nothing happens.
 void JournalReportBegun();  // the user's report has been begun anew
-void JournalReached(FileStage stage, const FileReport& report);
+void JournalReached(const FileReport& report);
 void JournalDone(const FileReport& report);
 
 // How far an ended run has come.
 struct JournaledRun {
     bool isReportBegun = false;
     std::vector<FileReport> done;
-    std::vector<FileReport> saved;   // done, but for the telling
     std::vector<FileReport> broken;  // under way at the end; only the names are known
 };
 

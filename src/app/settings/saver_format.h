@@ -47,6 +47,7 @@ struct SaverOption {
 struct SaverWriter {
     const wchar_t* library;
     const char* entry;
+    const char* bytesEntry;      // the one that makes the bytes of a file in memory
     bool zeroIsSuccess = false;  // what it answers
     const void* (*options)(const saving::SaveOptions& all);
 };

@@ -38,6 +38,11 @@ std::optional<AheadPicture> AheadBoard::Find(const AheadEntry& entry, const File
     return cache_.Find(entry, stamp);
 }
 
+bool AheadBoard::Knows(const AheadEntry& entry) const {
+    const std::lock_guard lock(mutex_);
+    return cache_.Has(entry) || IsUnderWay(entry);
+}
+
 std::shared_ptr<AheadProgress> AheadBoard::ProgressOf(const AheadEntry& entry) const {
     const std::lock_guard lock(mutex_);
     const auto task = std::ranges::find_if(underWay_, [&](const AheadTask& one) {
@@ -82,9 +87,8 @@ void AheadBoard::End() {
 }
 
 bool AheadBoard::IsToDo(const AheadEntry& entry) const {
-    const bool isUnderWay =
-        std::ranges::find(underWay_, entry, &AheadTask::entry) != underWay_.end();
-    return !isUnderWay && !Contains(tried_, entry) && entry != plan_.shown && !cache_.Has(entry);
+    return !IsUnderWay(entry) && !Contains(tried_, entry) && entry != plan_.shown &&
+           !cache_.Has(entry);
 }
 
 std::optional<AheadTask> AheadBoard::TakeTask(DWORD milliseconds) {

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <memory>
@@ -54,6 +55,8 @@ class AheadBoard {
     void Put(AheadPicture picture);
     // One on the same memory, as AheadCache.
     std::optional<AheadPicture> Find(const AheadEntry& entry, const FileStamp& stamp);
+    // Whether it was read and is kept, or is being read.
+    bool Knows(const AheadEntry& entry) const;
     // Of what is being read and was not given up; null: it is not.
     std::shared_ptr<AheadProgress> ProgressOf(const AheadEntry& entry) const;
     bool IsBusy() const;
@@ -77,6 +80,9 @@ class AheadBoard {
 
   private:
     bool IsToDo(const AheadEntry& entry) const;
+    bool IsUnderWay(const AheadEntry& entry) const {
+        return std::ranges::find(underWay_, entry, &AheadTask::entry) != underWay_.end();
+    }
     void GiveUpAll();
 
     mutable std::mutex mutex_;

@@ -14,14 +14,15 @@ AheadPicture AheadPicture::Another() const {
             .stamp = stamp,
             .read = AnotherOf(read),
             .memberDamage = memberDamage,
-            .prepared = prepared.Another()};
+            .prepared = prepared.Another(),
+            .made = made};
 }
 
 size_t AheadPicture::Size() const {
     const auto sizeOf = [](const Picture& picture) {
         return picture ? picture.Info().size() + picture.Bits().size() : 0;
     };
-    return sizeOf(read.picture) + sizeOf(prepared);
+    return sizeOf(read.picture) + sizeOf(prepared) + (made ? made->bytes.Size() : 0);
 }
 
 }  // namespace tessary

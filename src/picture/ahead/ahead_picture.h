@@ -3,9 +3,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "picture/read/read_picture.h"
+#include "picture/save/encoded_picture.h"
 #include "plugin/file_stamp.h"
 
 namespace tessary {
@@ -22,6 +24,11 @@ struct AheadEntry {
 // picture itself will do.
 using PreparePicture = std::function<Picture(const Picture&)>;
 
+// Makes of what was read the file that it is to be saved as, on the same thread; null: that is left
+// to others. `tell` gets the percentage done and answers false to have it stop.
+using MakeFile = std::function<std::shared_ptr<const EncodedPicture>(
+    const ReadResult& read, const std::function<bool(int percent)>& tell)>;
+
 // What is told of a picture that was read, with another owner of its memory.
 ReadResult AnotherOf(const ReadResult& read);
 
@@ -32,10 +39,11 @@ struct AheadPicture {
     ReadResult read{};  // of a picture's kind
     std::wstring memberDamage{};
     Picture prepared{};
+    std::shared_ptr<const EncodedPicture> made{};  // in place of the picture, which is not kept
 
     // The same once more; the pictures share their memory.
     AheadPicture Another() const;
-    // Of both pictures, in bytes.
+    // Of both pictures and the file, in bytes.
     size_t Size() const;
 };
 

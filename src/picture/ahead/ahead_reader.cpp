@@ -32,6 +32,7 @@ class Attempt {
             return std::nullopt;
         }
         if (task_.prepare) picture.prepared = task_.prepare(picture.read.picture);
+        if (source_.make) Make(picture);
         return picture;
     }
 
@@ -46,6 +47,12 @@ class Attempt {
     ReadWatch Watch() const {
         return {[this](int done, int total) { return Tell(done, total); },
                 [this] { return !IsWanted(); }};
+    }
+
+    void Make(AheadPicture& picture) const {
+        picture.made =
+            source_.make(picture.read, [this](int percent) { return Tell(percent, 100); });
+        if (picture.made) picture.read.picture = {};
     }
 
     static bool IsGood(const ReadResult& read) {

@@ -16,6 +16,7 @@ struct AheadSource {
                                // been nothing to do for a while
     std::function<bool(const std::wstring& path)> mayRead{};
     bool opensArchives = true;  // of an archive the picture is read that it is opened with
+    MakeFile make{};            // empty: pictures are kept as they are
 };
 
 // Reads what the board wants until that has ended. Failures are told nobody and counted nowhere:

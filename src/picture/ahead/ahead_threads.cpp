@@ -47,6 +47,7 @@ void AheadThreads::SetPlan(AheadPlan plan) {
 }
 
 std::optional<AheadPicture> AheadThreads::Await(const AheadEntry& entry) {
+    if (!board_->Knows(entry)) return std::nullopt;
     const std::optional<FileStamp> stamp = ExactStampOf(entry.path);
     if (!stamp) return std::nullopt;
     const ULONGLONG begin = GetTickCount64();

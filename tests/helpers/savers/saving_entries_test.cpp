@@ -47,14 +47,17 @@ class SavingEntries : public testing::Test {
     struct Library {
         const wchar_t* file;
         std::string entry;  // with a W behind it for names in UTF-16
+        const char* bytesEntry;
         const char* start;  // of a file in this format
         bool reports;
         bool zeroIsSuccess;
     };
     static inline const Library kLibraries[] = {
-        {L"convertdib.dll", convertdib::kSaveToBITMAPFileName, "BM", false, false},
-        {L"dcpng.dll", dcpng::kSaveToPNGFileName, "\x89PNG", true, true},
-        {L"dcjpeg.dll", dcjpeg::kSaveToJPEGFileName, "\xFF\xD8\xFF", true, false}};
+        {L"convertdib.dll", convertdib::kSaveToBITMAPFileName, convertdib::kMakeBITMAPBytesName,
+         "BM", false, false},
+        {L"dcpng.dll", dcpng::kSaveToPNGFileName, dcpng::kMakePNGBytesName, "\x89PNG", true, true},
+        {L"dcjpeg.dll", dcjpeg::kSaveToJPEGFileName, dcjpeg::kMakeJPEGBytesName, "\xFF\xD8\xFF",
+         true, false}};
 
     // The error, 0 for none. `name` is text of either kind.
     template <typename Char>
@@ -73,6 +76,26 @@ class SavingEntries : public testing::Test {
         const DWORD error = GetLastError();
         EXPECT_EQ(error == ERROR_SUCCESS, (result == 0) == library.zeroIsSuccess);
         return error;
+    }
+
+    // The file made in memory; the error instead where there is one. `limit`: as much as is taken.
+    static std::string Made(const Library& library, const SamplePicture& picture,
+                            const void* options = nullptr, size_t limit = SIZE_MAX) {
+        using Make =
+            int(__stdcall*)(const void*, const void*, const void*, BytesCallback, void*, LONG_PTR);
+        struct Taken {
+            static int __stdcall Take(const void* bytes, size_t size, void* to) {
+                auto& into = *static_cast<Taken*>(to);
+                into.bytes.append(static_cast<const char*>(bytes), size);
+                return into.bytes.size() <= into.limit ? 1 : 0;
+            }
+            std::string bytes{};
+            size_t limit;
+        } taken{.bytes = {}, .limit = limit};
+        const LoadedLibrary file(library.file);
+        const int error = Make{file[library.bytesEntry]}(picture.info.data(), picture.bits.data(),
+                                                         options, Taken::Take, &taken, 0);
+        return error == 0 ? taken.bytes : std::to_string(error);
     }
 
     // Starts the program once more to save to a file again and again, and kills that process at
@@ -128,9 +151,13 @@ TEST_F(SavingEntries, TakeTheOptions) {
         return ContentOf(At(L"a"));
     };
     const int16_t defaults[][3] = {{0, 0}, {6, 0}, {60, 0, 0}};
-    for (size_t i = 0; i < std::size(kLibraries); ++i)
-        EXPECT_EQ(saved(i, nullptr), saved(i, defaults[i]));
     const int16_t changed[][3] = {{1, 0}, {6, 1}, {60, 1, 0}};
+    for (size_t i = 0; i < std::size(kLibraries); ++i) {
+        EXPECT_EQ(saved(i, nullptr), saved(i, defaults[i]));
+        EXPECT_TRUE(Made(kLibraries[i], picture_, changed[i]) == saved(i, changed[i]));
+        EXPECT_EQ(Made(kLibraries[i], picture_, nullptr, 99),
+                  std::to_string(ERROR_NOT_ENOUGH_MEMORY));
+    }
     EXPECT_EQ(saved(0, changed[0])[14], 12) << "OS/2";
     EXPECT_EQ(saved(1, changed[1])[28], 1) << "interlace";
     EXPECT_NE(saved(2, changed[2]).find("\xFF\xC2"), std::string::npos) << "progressive";
@@ -170,6 +197,7 @@ TEST_F(SavingEntries, FailWithoutTrace) {
     for (const Library& library : kLibraries) {
         for (const auto& c : cases)
             EXPECT_EQ(Save(library, c.picture, c.file.c_str()), c.error) << &c - cases;
+        EXPECT_EQ(Made(library, empty), std::to_string(ERROR_INVALID_DATA));
         EXPECT_EQ(Save<char>(library, picture_, nullptr), DWORD{ERROR_INVALID_PARAMETER});
         EXPECT_EQ(Save<wchar_t>(library, picture_, nullptr), DWORD{ERROR_INVALID_PARAMETER});
     }

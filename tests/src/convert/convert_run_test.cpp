@@ -163,12 +163,6 @@ TEST_F(ConvertRunTest, ReadingAheadChangesNothing) {
     monitor_.files = {monitor_.files[3],
                       source_.Write(L"c.tst", "TST 4x4x24\ncrash:av:GetPicture\n")};
     EXPECT_TRUE(Run());
-    ASSERT_FALSE(monitor_.saved.empty()) << "whatever the plug-in does meanwhile";
-    const FileReport& done = monitor_.reports[monitor_.reports.size() - 2];
-    EXPECT_EQ(monitor_.saved.back().target, done.target);
-    EXPECT_EQ(monitor_.saved.back().bytes, done.bytes);
-    EXPECT_EQ(monitor_.saved.back().isReplaced, done.isReplaced);
-    EXPECT_EQ(monitor_.saved.back().outcome, FileOutcome::kConverted);
     EXPECT_TRUE(LogHolds(L"    エラーモジュールGetPicture"));
     EXPECT_EQ(SusieCollection().NewEnum()[0]->ErrorCount(L"GetPicture"), 1) << "not repeated";
     EXPECT_EQ(OutcomeText(monitor_.counts),
@@ -283,6 +277,56 @@ TEST_F(ConvertRunTest, ProgressIsRoundedHalvesToEven) {
         EXPECT_EQ(ConvertProgressCallback(numerator, denominator, 0), 0);
     }
     EXPECT_EQ(monitor_.percents, (std::vector<int32_t>{12, 38, 33, 67, -12, 100}));
+}
+
+// Small files need no further processes, and nothing of them is seen before their turn.
+TEST_F(ConvertRunTest, WhatIsMadeBeforeItsTurnComesToTheSame) {
+    Host().furtherConnector = [] {
+        ADD_FAILURE() << "for small files";
+        return PluginConnector();
+    };
+    const std::string bitmap = BitmapFileOf(20, 10, 0);
+    Add(L"a.bmp", bitmap);
+    Add(L"a.tst", "TST 6x6x24\n");
+    Add(L"b.bmp", "TST 7x7x24\n");  // no bitmap: plug-ins have their turn before those behind it
+    Add(L"b.tst", "TST 8x8x24\n");
+    Add(L"c.bmp", bitmap.substr(0, bitmap.size() - 40));
+    Add(L"blocked.bmp", bitmap);
+    Add(L"bad.bmp", bitmap.substr(0, 30));
+    Add(L"e.tst", "TST 9x9x24\nanswer:GetPicture:4\n");
+    Add(L"x.tsa", ArchiveOf({{"m.tst", "TST 6x6x24\n"}}));
+    monitor_.files.push_back(monitor_.files[0]);
+    Add(L"small.bmp", BitmapFileOf(1, 1, 0));
+    Add(L"f.bmp", BitmapFileOf(5, 5, 0));
+    settings_.noDecodeSmall = 1;
+    settings_.minDecodeSizeX = settings_.minDecodeSizeY = 4;
+    const auto run = [&] {
+        monitor_.lines.clear();
+        Run();
+        return std::pair(monitor_.lines, FilesBelow(Target()));
+    };
+    std::vector<std::pair<std::vector<std::wstring>, Files>> came[2];
+    for (const int jobs : {1, 4}) {
+        settings_.jobs = jobs;
+        for (const int32_t policy : {kConflictFreeName, kConflictSkip, kConflictOverwrite}) {
+            settings_.onConflict = policy;
+            for (const int stop : {-1, 4}) {
+                ForgetFailures(plugins_.Path() + L"iftst.spi");
+                LoadSPI();
+                std::filesystem::remove_all(Target());
+                // What is in the way is waited for.
+                if (policy == kConflictOverwrite && stop < 0)
+                    std::filesystem::create_directories(Target() + L"blocked.png");
+                monitor_.stepsLeft = stop;
+                came[jobs / 4].push_back(run());
+                monitor_.stepsLeft = -1;
+                came[jobs / 4].push_back(run());
+            }
+        }
+    }
+    EXPECT_EQ(came[0], came[1]);
+    EXPECT_TRUE(came[0][0].second.contains(L"f.png"));
+    Host().furtherConnector = {};
 }
 
 // Whatever plug-ins do, and whoever would be preferred for having accepted last.

@@ -46,9 +46,6 @@ class FakeMonitor : public ConvertMonitor {
         return stepsLeft != 0;
     }
     ConflictAnswer AskConflict(const ConflictQuestion&) override { return answer; }
-    void FileReached(FileStage stage, const FileReport& report) override {
-        if (stage == FileStage::kSaved) saved.push_back(report);
-    }
     void FileDone(const FileReport& report) override {
         counts.Count(report);
         reports.push_back(report);
@@ -62,7 +59,6 @@ class FakeMonitor : public ConvertMonitor {
     std::vector<int32_t> percents;
     OutcomeCounts counts;
     std::vector<FileReport> reports;
-    std::vector<FileReport> saved;  // told while the next file was read
     ConflictAnswer answer = ConflictAnswer::kSkip;
 };
 
