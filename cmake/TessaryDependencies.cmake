@@ -1,7 +1,7 @@
 # The libraries that decode and compress, under names of our own: tessary::jpeg (libjpeg-turbo,
 # jpeglib.h), tessary::png (libpng), tessary::zlib, tessary::lzma (liblzma), tessary::archive
-# (libarchive, with what it needs), tessary::lhasa (lhasa/lhasa.h) and tessary::deflate
-# (libdeflate.h). scripts/dependencies.sh puts them where the presets' CMAKE_PREFIX_PATH looks.
+# (libarchive, with what it needs), tessary::lhasa (lhasa/lhasa.h), tessary::deflate
+# (libdeflate.h) and tessary::lcms (Little CMS, lcms2.h). scripts/dependencies.sh puts them where the presets' CMAKE_PREFIX_PATH looks.
 
 # tessary_find_dependency(NAME PACKAGE imported-target)
 function(tessary_find_dependency name package target)
@@ -48,3 +48,14 @@ endif()
 add_library(tessary::deflate INTERFACE IMPORTED GLOBAL)
 target_link_libraries(tessary::deflate INTERFACE "${TESSARY_DEFLATE_LIBRARY}")
 target_include_directories(tessary::deflate INTERFACE "${TESSARY_DEFLATE_HEADERS}")
+
+# Nor Little CMS.
+find_library(TESSARY_LCMS_LIBRARY lcms2)
+find_path(TESSARY_LCMS_HEADERS lcms2.h)
+if(NOT TESSARY_LCMS_LIBRARY OR NOT TESSARY_LCMS_HEADERS)
+    message(FATAL_ERROR "Little CMS is missing: run scripts/dependencies.sh")
+endif()
+add_library(tessary::lcms INTERFACE IMPORTED GLOBAL)
+target_link_libraries(tessary::lcms INTERFACE "${TESSARY_LCMS_LIBRARY}")
+target_include_directories(tessary::lcms INTERFACE "${TESSARY_LCMS_HEADERS}")
+target_compile_definitions(tessary::lcms INTERFACE CMS_NO_REGISTER_KEYWORD)

@@ -39,6 +39,9 @@ constexpr UsedLibrary kLibraries[] = {
      L"その旨を示すことが条件です。無保証です。"},
     {L"Lhasa", TESSARY_WIDE(TESSARY_VERSION_lhasa), L"ISC",
      L"LZHの展開に使用しています。著作権表示と許諾表示を残すことが条件です。無保証です。"},
+    {L"Little CMS", TESSARY_WIDE(TESSARY_VERSION_lcms), L"MIT",
+     L"画像の色をカラープロファイルに従って変換するために使用しています。著作権表示と許諾表示を残す"
+     L"ことが条件です。無保証です。"},
     {L"mingw-w64", TESSARY_WIDE(__MINGW64_VERSION_STR), L"ZPL-2.1, MIT",
      L"C言語のランタイムとスレッドに使用しています。著作権表示を残すことが条件です。無保証です。"},
     {L"GCC (libstdc++, libgcc)", TESSARY_COMPILER, L"GPL-3.0 + 例外",
