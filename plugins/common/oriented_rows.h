@@ -1,50 +1,36 @@
 // Puts the rows of a picture that a camera held sideways or upside down where they belong while
-// they are decoded. The orientation values are those of the TIFF tag 0x0112, which EXIF uses too.
+// they are decoded, and converts them on the way.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
-#include "plugins/common/picture_target.h"
+#include "plugins/common/row_places.h"
+#include "plugins/common/row_team.h"
 
 namespace tessary::codec {
 
-constexpr uint16_t kUprightOrientation = 1;
-
-// Whether the shown picture is as wide as the stored one is high (orientations 5 to 8).
-constexpr bool SwapsAxes(uint16_t orientation) {
-    return orientation >= 5 && orientation <= 8;
-}
-
-// Pixels of 1 or 3 bytes only. Usage: for every stored row from the top, decode into RowBuffer(y),
-// then call RowDone(y). Orientations outside 1 to 8 count as 1.
+// Usage: for every stored row from the top, decode into RowBuffer(y), then call RowDone(y); Finish
+// at the end.
 class OrientedRows {
   public:
-    // `rows` are those of the shown picture; `width` and `height` are those of the stored one.
-    OrientedRows(const PictureRows& rows, uint32_t width, uint32_t height, unsigned bytesPerPixel,
-                 uint16_t orientation);
+    explicit OrientedRows(const RowPlaces& places, RowConversion conversion = {});
 
     // Room for the stored row `y`: the row of the picture itself whenever that is possible.
     uint8_t* RowBuffer(uint32_t y);
 
-    // The row is decoded: mirrors it, or turns the collected rows into columns.
+    // The row is decoded: converts and mirrors it, or turns the collected rows into columns.
     void RowDone(uint32_t y);
 
-  private:
-    void MirrorRow(uint8_t* row) const;
-    void PlaceColumns(uint32_t firstRow, uint32_t count) const;
-    template <unsigned Bytes>
-    void PlaceColumnsOf(uint32_t firstRow, uint32_t count) const;
+    // All rows are in their places then.
+    void Finish();
 
-    PictureRows rows_;
-    uint32_t width_;
-    uint32_t height_;
-    unsigned bytesPerPixel_;
-    bool swapsAxes_;
-    bool mirrorsX_;              // a stored row runs against its direction in the shown picture
-    bool mirrorsY_;              // the stored rows come in reverse order
-    std::vector<uint8_t> band_;  // collected rows, when they become columns
+  private:
+    const RowPlaces places_;
+    std::optional<RowTeam> team_;  // where rows are converted
+    std::vector<uint8_t> band_;    // collected rows, when they become columns
     size_t bandStride_ = 0;
 };
 

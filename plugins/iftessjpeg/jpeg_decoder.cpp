@@ -1,11 +1,49 @@
 #include "plugins/iftessjpeg/jpeg_decoder.h"
 
-#include "plugins/common/palette.h"
+#include <array>
+
+#include "plugins/common/srgb.h"
 #include "plugins/iftessjpeg/jpeg_reader.h"
 
 namespace tessary::jpeg {
 
+namespace {
+
 using codec::Result;
+using Pixels = JpegReader::Pixels;
+
+// Inks to light, where nothing is known of them.
+void ConvertInkRow(const uint8_t* inks, uint8_t* out, uint32_t width, bool inverted) {
+    const uint8_t flip = inverted ? 0 : 0xFF;
+    for (uint32_t x = 0; x < width; ++x, inks += 4, out += 3) {
+        const unsigned black = inks[3] ^ flip;
+        for (int channel = 0; channel < 3; ++channel) {
+            out[2 - channel] = static_cast<uint8_t>(((inks[channel] ^ flip) * black + 127) / 255);
+        }
+    }
+}
+
+codec::RowConversion ConversionOf(Pixels pixels, const std::optional<color::Profile>& profile,
+                                  uint32_t width) {
+    constexpr std::array kLayouts{color::Layout::kBgr8, color::Layout::kBgr8, color::Layout::kCmyk8,
+                                  color::Layout::kCmyk8Inverted};
+    const color::Layout layout = kLayouts[static_cast<size_t>(pixels)];
+    codec::RowConversion conversion{static_cast<unsigned>(color::BytesOf(layout))};
+    if (pixels == Pixels::kGrey) return conversion;  // its colour table says it all
+    if (const auto transform = codec::ToSrgb(profile, layout)) {
+        conversion.convert = [transform, width](const uint8_t* stored, uint8_t* shown) {
+            transform->Convert(stored, shown, width);
+        };
+    } else if (pixels != Pixels::kBgr) {
+        const bool inverted = pixels == Pixels::kInvertedInks;
+        conversion.convert = [inverted, width](const uint8_t* stored, uint8_t* shown) {
+            ConvertInkRow(stored, shown, width, inverted);
+        };
+    }
+    return conversion;
+}
+
+}  // namespace
 
 bool JpegDecoder::IsSupported(std::span<const uint8_t> header) const {
     return header.size() >= 3 && header[0] == 0xFF && header[1] == 0xD8 && header[2] == 0xFF;
@@ -25,12 +63,15 @@ Result JpegDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target
     JpegReader reader(source, progress);
     if (const Result result = reader.ReadHeader(); result != Result::kSuccess) return result;
     const codec::PictureForm form = reader.Form();
+    const auto profile = reader.Colors();
     codec::PictureRows rows;
-    const Result created =
-        CreatePicture(target, form, codec::GreyPalette(form.bitCount), source.Size(), rows);
+    const Result created = CreatePicture(
+        target, form, codec::SrgbGreyPalette(profile, form.bitCount), source.Size(), rows);
     if (created != Result::kSuccess) return created;
-    codec::OrientedRows oriented(rows, reader.StoredWidth(), reader.StoredHeight(),
-                                 form.bitCount / 8u, reader.Orientation());
+    codec::OrientedRows oriented(
+        {rows, reader.StoredWidth(), reader.StoredHeight(), form.bitCount / 8u,
+         reader.Orientation()},
+        ConversionOf(reader.StoredPixels(), profile, reader.StoredWidth()));
     return reader.DecodeRows(oriented);
 }
 

@@ -6,8 +6,9 @@
 
 namespace tessary::jpeg {
 
-// Turns the picture upright as its EXIF orientation says. A file that is cut short or damaged in
-// its picture data gives what could be decoded, the rest grey.
+// Gives sRGB: what an ICC profile says of the samples, or EXIF of Adobe RGB, is converted. Turns
+// the picture upright as its EXIF orientation says. A file that is cut short or damaged in its
+// picture data gives what could be decoded, the rest grey.
 class JpegDecoder final : public codec::PictureCodec {
   public:
     bool IsSupported(std::span<const uint8_t> header) const override;

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace tessary::jpeg {
 namespace {
@@ -36,18 +38,6 @@ Result ResultOfMessage(int message) {
             return Result::kUnknownFormat;
         default:
             return Result::kBrokenData;
-    }
-}
-
-// Inks to light. `inverted`: the samples count from full ink (0) to no ink (255), as Adobe's
-// programs write them.
-void ConvertInkRow(const uint8_t* inks, uint8_t* out, uint32_t width, bool inverted) {
-    const uint8_t flip = inverted ? 0 : 0xFF;
-    for (uint32_t x = 0; x < width; ++x, inks += 4, out += 3) {
-        const unsigned black = inks[3] ^ flip;
-        for (int channel = 0; channel < 3; ++channel) {
-            out[2 - channel] = static_cast<uint8_t>(((inks[channel] ^ flip) * black + 127) / 255);
-        }
     }
 }
 
@@ -153,26 +143,56 @@ Result JpegReader::ReadHeader() {
     jpeg_.src = &input_;
     jpeg_.progress = &monitor_;
     jpeg_save_markers(&jpeg_, JPEG_APP0 + 1, kLongestMarker);
+    jpeg_save_markers(&jpeg_, JPEG_APP0 + 2, kLongestMarker);
     jpeg_read_header(&jpeg_, TRUE);
     ReadMarkers();
-    if (jpeg_.num_components == 1) {
-        jpeg_.out_color_space = JCS_GRAYSCALE;
-    } else {
-        jpeg_.out_color_space = IsInkPicture() ? JCS_CMYK : JCS_EXT_BGR;
+    switch (StoredPixels()) {
+        case Pixels::kGrey:
+            jpeg_.out_color_space = JCS_GRAYSCALE;
+            break;
+        case Pixels::kBgr:
+            jpeg_.out_color_space = JCS_EXT_BGR;
+            break;
+        default:
+            jpeg_.out_color_space = JCS_CMYK;
     }
     return Result::kSuccess;
 }
 
-bool JpegReader::IsInkPicture() const {
-    return jpeg_.jpeg_color_space == JCS_CMYK || jpeg_.jpeg_color_space == JCS_YCCK;
+JpegReader::Pixels JpegReader::StoredPixels() const {
+    if (jpeg_.num_components == 1) return Pixels::kGrey;
+    if (jpeg_.jpeg_color_space != JCS_CMYK && jpeg_.jpeg_color_space != JCS_YCCK) {
+        return Pixels::kBgr;
+    }
+    return jpeg_.saw_Adobe_marker ? Pixels::kInvertedInks : Pixels::kInks;
+}
+
+bool JpegReader::ReadIcc(JOCTET** icc, unsigned* size) {
+    if (setjmp(escape_) != 0) return false;
+    return jpeg_read_icc_profile(&jpeg_, icc, size) != 0;
+}
+
+std::optional<color::Profile> JpegReader::Colors() {
+    JOCTET* icc = nullptr;
+    unsigned size = 0;
+    std::optional<color::Profile> profile;
+    if (ReadIcc(&icc, &size)) {
+        const std::unique_ptr<JOCTET, decltype(&std::free)> owner(icc, std::free);
+        profile = color::Profile::FromIcc({icc, size});
+    }
+    if (!profile && exif_.isAdobeRgb) profile = color::Profile::AdobeRgb();
+    return profile;
 }
 
 void JpegReader::ReadMarkers() {
     for (auto* marker = jpeg_.marker_list; marker != nullptr; marker = marker->next) {
-        const ExifEntries entries = ReadExif({marker->data, marker->data_length});
+        if (marker->marker != JPEG_APP0 + 1) continue;
+        const codec::ExifEntries entries =
+            codec::ReadExifMarker({marker->data, marker->data_length});
         if (entries.orientation != codec::kUprightOrientation) {
             exif_.orientation = entries.orientation;
         }
+        exif_.isAdobeRgb = exif_.isAdobeRgb || entries.isAdobeRgb;
         if (exif_.xPelsPerMeter == 0) exif_.xPelsPerMeter = entries.xPelsPerMeter;
         if (exif_.yPelsPerMeter == 0) exif_.yPelsPerMeter = entries.yPelsPerMeter;
     }
@@ -187,11 +207,11 @@ codec::PictureForm JpegReader::Form() const {
     form.yPelsPerMeter = exif_.yPelsPerMeter;
     // JFIF's density unit: 0 is an aspect ratio, 1 per inch, 2 per centimetre.
     if (jpeg_.saw_JFIF_marker && jpeg_.density_unit == 1) {
-        form.xPelsPerMeter = PelsPerMeterFromInch(jpeg_.X_density);
-        form.yPelsPerMeter = PelsPerMeterFromInch(jpeg_.Y_density);
+        form.xPelsPerMeter = codec::PelsPerMeterFromInch(jpeg_.X_density);
+        form.yPelsPerMeter = codec::PelsPerMeterFromInch(jpeg_.Y_density);
     } else if (jpeg_.saw_JFIF_marker && jpeg_.density_unit == 2) {
-        form.xPelsPerMeter = PelsPerMeterFromCentimetre(jpeg_.X_density);
-        form.yPelsPerMeter = PelsPerMeterFromCentimetre(jpeg_.Y_density);
+        form.xPelsPerMeter = codec::PelsPerMeterFromCentimetre(jpeg_.X_density);
+        form.yPelsPerMeter = codec::PelsPerMeterFromCentimetre(jpeg_.Y_density);
     }
     if (codec::SwapsAxes(exif_.orientation)) {
         std::swap(form.width, form.height);
@@ -206,12 +226,24 @@ Result JpegReader::EndEarly(codec::OrientedRows& rows) {
     if (result_ != Result::kBrokenData || jpeg_.output_scanline == 0) return result_;
     isCorrupt_ = true;
     TellDamage();
-    const size_t rowBytes = size_t{jpeg_.image_width} * (jpeg_.num_components == 1 ? 1 : 3);
     for (uint32_t y = jpeg_.output_scanline; y < jpeg_.image_height; ++y) {
-        std::memset(rows.RowBuffer(y), 0x80, rowBytes);
+        FillGrey(rows.RowBuffer(y));
         rows.RowDone(y);
     }
+    rows.Finish();
     return Result::kSuccess;
+}
+
+void JpegReader::FillGrey(uint8_t* row) const {
+    const uint32_t width = jpeg_.image_width;
+    const Pixels pixels = StoredPixels();
+    const size_t bytes = pixels == Pixels::kGrey ? 1 : pixels == Pixels::kBgr ? 3 : 4;
+    std::memset(row, 0x80, width * bytes);
+    if (bytes != 4) return;
+    const uint8_t noBlack = pixels == Pixels::kInvertedInks ? 0xFF : 0;
+    for (uint32_t x = 0; x < width; ++x) {
+        row[size_t{x} * 4 + 3] = noBlack;
+    }
 }
 
 // Whether the scans that were read hold everything. A file that lacks nothing but its end mark is
@@ -235,19 +267,16 @@ void JpegReader::TellDamage() {
 }
 
 Result JpegReader::DecodeRows(codec::OrientedRows& rows) {
-    if (IsInkPicture()) inkRow_.resize(size_t{jpeg_.image_width} * 4);
     if (setjmp(escape_) != 0) return EndEarly(rows);
     decodes_ = true;
     jpeg_start_decompress(&jpeg_);
     while (jpeg_.output_scanline < jpeg_.output_height) {
         const uint32_t y = jpeg_.output_scanline;
-        JSAMPROW row = inkRow_.empty() ? rows.RowBuffer(y) : inkRow_.data();
+        JSAMPROW row = rows.RowBuffer(y);
         jpeg_read_scanlines(&jpeg_, &row, 1);
-        if (!inkRow_.empty()) {
-            ConvertInkRow(row, rows.RowBuffer(y), jpeg_.image_width, jpeg_.saw_Adobe_marker);
-        }
         rows.RowDone(y);
     }
+    rows.Finish();
     TellDamage();
     // What follows the last row (jpeg_finish_decompress) adds nothing to the picture.
     if (!progress_.Report(1, 1)) return Result::kAborted;

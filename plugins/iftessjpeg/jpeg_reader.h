@@ -10,11 +10,13 @@
 
 #include <csetjmp>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
+#include "helpers/color/color_profile.h"
+#include "plugins/common/exif.h"
 #include "plugins/common/oriented_rows.h"
 #include "plugins/common/picture_codec.h"
-#include "plugins/iftessjpeg/exif.h"
 
 namespace tessary::jpeg {
 
@@ -35,6 +37,12 @@ class JpegReader {
     uint16_t Orientation() const { return exif_.orientation; }
     codec::PictureForm Form() const;
 
+    // How a stored pixel lies. Inks count from full ink (0) to no ink where Adobe's marker says so.
+    enum class Pixels { kGrey, kBgr, kInks, kInvertedInks };
+    Pixels StoredPixels() const;
+    // What the file says of its colours; nothing where it says nothing usable.
+    std::optional<color::Profile> Colors();
+
     // After ReadHeader: decodes all rows, top row first. Damage is told to the progress.
     codec::Result DecodeRows(codec::OrientedRows& rows);
 
@@ -48,10 +56,12 @@ class JpegReader {
 
     [[noreturn]] void Leave(codec::Result result);
     void ReadMarkers();
+    // The profile in its markers, which the caller frees.
+    bool ReadIcc(JOCTET** icc, unsigned* size);
     codec::Result EndEarly(codec::OrientedRows& rows);
+    void FillGrey(uint8_t* row) const;
     bool HasAllScans();
     void TellDamage();
-    bool IsInkPicture() const;
 
     dib::ByteSource& source_;
     codec::Progress& progress_;
@@ -63,8 +73,7 @@ class JpegReader {
     codec::Result result_ = codec::Result::kSuccess;
     uint64_t position_ = 0;  // of the next byte to fetch from the source
     std::vector<uint8_t> buffer_;
-    std::vector<uint8_t> inkRow_;  // one row of a CMYK picture
-    ExifEntries exif_;
+    codec::ExifEntries exif_;
     bool decodes_ = false;    // the headers are through
     bool endsEarly_ = false;  // the file, before its end mark
     bool isCorrupt_ = false;  // its picture data

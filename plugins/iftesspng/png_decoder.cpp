@@ -35,10 +35,14 @@ Result PngDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
     PngReader reader(source, progress, large_);
     if (target.TakesAlpha()) reader.KeepAlpha();
     if (const Result result = reader.ReadHeader(); result != Result::kSuccess) return result;
+    const codec::PictureForm form = reader.Form();
     codec::PictureRows rows;
-    const Result created =
-        CreatePicture(target, reader.Form(), reader.Palette(), source.Size(), rows);
-    return created == Result::kSuccess ? reader.DecodeRows(rows) : created;
+    const Result created = CreatePicture(target, form, reader.Palette(), source.Size(), rows);
+    if (created != Result::kSuccess) return created;
+    codec::OrientedRows oriented({rows, reader.StoredWidth(), reader.StoredHeight(),
+                                  form.bitCount / 8u, reader.Orientation()},
+                                 reader.Conversion());
+    return reader.DecodeRows(oriented);
 }
 
 }  // namespace tessary::png

@@ -12,9 +12,8 @@ namespace tessary::png {
 // it lacks only what follows the last row. One whose data have a wrong check sum is told so, too.
 // What has no row, or a wrong header or colour table, is broken.
 //
-// Stored values are shown as they are: gAMA, cHRM, sRGB and iCCP do not change them, which keeps
-// pictures of one series alike whatever program wrote them, and 16-bit samples show their high
-// byte.
+// Gives sRGB: what iCCP, or gAMA with cHRM, says of the samples is converted. 16-bit samples of
+// pictures in sRGB show their high byte. An orientation in eXIf turns the picture upright.
 class PngDecoder final : public codec::PictureCodec {
   public:
     // What counts as a large picture, whose data a second thread unpacks: bytes of its pixels.

@@ -7,7 +7,10 @@
 #include <limits>
 #include <string_view>
 
+#include "plugins/common/exif.h"
+#include "plugins/common/flatten_rows.h"
 #include "plugins/common/palette.h"
+#include "plugins/iftesspng/wide_row.h"
 
 namespace tessary::png {
 namespace {
@@ -27,47 +30,11 @@ constexpr size_t kDataSize = 16 * 1024;
 constexpr size_t kLastDataSize = 64;
 
 // The optional chunks that are read; all others are skipped unseen.
-constexpr std::array<png_byte, 10> kReadChunks{'b', 'K', 'G', 'D', 0, 'p', 'H', 'Y', 's', 0};
+constexpr png_byte kReadChunks[] = "bKGD\0pHYs\0iCCP\0sRGB\0gAMA\0cHRM\0eXIf";
 
 constexpr png_uint_32 kPictureDataChunk = 0x49444154;   // "IDAT"
 constexpr png_uint_32 kTransparencyChunk = 0x74524E53;  // "tRNS"
 constexpr png_uint_32 kBackgroundChunk = 0x624B4744;    // "bKGD"
-
-// Both halves of a byte of two 4-bit pixels, from a pixel pair of 2 bits each.
-uint8_t SpreadPair(unsigned pair) {
-    return static_cast<uint8_t>((pair & 12) << 2 | (pair & 3));
-}
-
-// Makes a row of 2-bit pixels one of 4-bit pixels, in place. Windows knows no 2-bit pictures.
-void WidenRow(png_bytep data, size_t narrowBytes) {
-    for (size_t i = narrowBytes; i-- > 0;) {
-        const unsigned four = data[i];
-        data[2 * i + 1] = SpreadPair(four & 15);
-        data[2 * i] = SpreadPair(four >> 4);
-    }
-}
-
-void FlattenGreyRow(png_bytep data, size_t pixels, PaletteEntry background) {
-    const png_byte* in = data;
-    for (size_t i = 0; i < pixels; ++i, in += 2) {
-        data[i] = codec::BlendSample(in[0], in[1], background.green);
-    }
-}
-
-void FlattenColorRow(png_bytep data, size_t pixels, PaletteEntry background) {
-    const png_byte* in = data;
-    png_bytep out = data;
-    for (size_t i = 0; i < pixels; ++i, in += 4, out += 3) {
-        const png_byte alpha = in[3];
-        if (alpha == 0xFF) {
-            std::memmove(out, in, 3);
-            continue;
-        }
-        out[0] = codec::BlendSample(in[0], alpha, background.blue);
-        out[1] = codec::BlendSample(in[1], alpha, background.green);
-        out[2] = codec::BlendSample(in[2], alpha, background.red);
-    }
-}
 
 unsigned Distance(PaletteEntry a, PaletteEntry b) {
     return static_cast<unsigned>(std::abs(a.red - b.red) + std::abs(a.green - b.green) +
@@ -143,9 +110,9 @@ void PngReader::OnRow(png_structp png, png_row_infop row, png_bytep data) {
     if (row->bit_depth == 2) {
         WidenRow(data, row->rowbytes);
     } else if (row->channels == 2) {
-        FlattenGreyRow(data, row->width, reader->background_);
+        codec::FlattenGreyRow(data, data, row->width, reader->background_);
     } else {
-        FlattenColorRow(data, row->width, reader->background_);
+        codec::FlattenColorRow(data, data, row->width, reader->background_);
     }
 }
 
@@ -176,8 +143,8 @@ Result PngReader::ReadHeader() {
     png_set_chunk_cache_max(png_, kMostChunks);
     png_set_chunk_malloc_max(png_, kLargestChunk);
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
-    png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_AS_DEFAULT, kReadChunks.data(),
-                                static_cast<int>(kReadChunks.size() / 5));
+    png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_AS_DEFAULT, kReadChunks,
+                                sizeof kReadChunks / 5);
     png_read_info(png_, info_);
     // From here on the only chunks that a picture needs are those of its data.
     png_set_crc_action(png_, unpacked_ ? PNG_CRC_QUIET_USE : PNG_CRC_WARN_USE, PNG_CRC_DEFAULT);
@@ -187,7 +154,26 @@ Result PngReader::ReadHeader() {
     png_get_IHDR(png_, info_, &width_, &height_, &bitDepth_, &colorType_, nullptr, nullptr,
                  nullptr);
     ReadBackground();
+    ReadOrientation();
+    ReadColors();
     return Result::kSuccess;
+}
+
+void PngReader::ReadOrientation() {
+    png_bytep exif = nullptr;
+    png_uint_32 size = 0;
+    if (png_get_eXIf_1(png_, info_, &size, &exif) == 0) return;
+    orientation_ = codec::ReadExif({exif, size}).orientation;
+}
+
+void PngReader::ReadColors() {
+    const bool isGrey = (colorType_ & PNG_COLOR_MASK_COLOR) == 0;
+    const bool hasAlpha =
+        (colorType_ & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
+    const Samples stored{!isGrey, bitDepth_ == 16, hasAlpha};
+    colors_.Read(png_, info_, isGrey, stored);
+    fileBackground_ = background_;
+    colors_.Convert({&background_, 1});
 }
 
 void PngReader::ReadBackground() {
@@ -230,7 +216,9 @@ codec::PictureForm PngReader::Form() const {
     form.width = width_;
     form.height = height_;
     if (HasTable()) {
-        form.bitCount = static_cast<uint16_t>(bitDepth_ == 2 ? 4 : bitDepth_);
+        // Windows knows no 2-bit pictures, and only whole bytes are mirrored or turned.
+        const int bits = bitDepth_ == 2 ? 4 : bitDepth_;
+        form.bitCount = static_cast<uint16_t>(IsUpright() ? bits : 8);
     } else if (HandsOutAlpha()) {
         form.bitCount = 32;
     } else {
@@ -242,11 +230,15 @@ codec::PictureForm PngReader::Form() const {
     };
     form.xPelsPerMeter = pels(png_get_x_pixels_per_meter(png_, info_));
     form.yPelsPerMeter = pels(png_get_y_pixels_per_meter(png_, info_));
+    if (codec::SwapsAxes(orientation_)) {
+        std::swap(form.width, form.height);
+        std::swap(form.xPelsPerMeter, form.yPelsPerMeter);
+    }
     return form;
 }
 
 std::vector<PaletteEntry> PngReader::Palette() const {
-    if (!HasTable()) return codec::GreyPalette(Form().bitCount);
+    if (!HasTable()) return codec::GreyPalette(Form().bitCount);  // none for colours
 
     png_bytep alphas = nullptr;
     int alphaCount = 0;
@@ -254,6 +246,7 @@ std::vector<PaletteEntry> PngReader::Palette() const {
     const bool transparent = png_get_tRNS(png_, info_, &alphas, &alphaCount, &clear) != 0;
     std::vector<PaletteEntry> palette = codec::GreyPalette(static_cast<unsigned>(bitDepth_));
     if (!IsIndexed()) {
+        colors_.Convert(palette);
         if (transparent && clear->gray < palette.size()) palette[clear->gray] = background_;
         return palette;
     }
@@ -262,7 +255,8 @@ std::vector<PaletteEntry> PngReader::Palette() const {
     int count = 0;
     png_get_PLTE(png_, info_, &table, &count);
     for (size_t i = 0; i < std::min(palette.size(), static_cast<size_t>(count)); ++i) {
-        const PaletteEntry color{table[i].blue, table[i].green, table[i].red, 0};
+        PaletteEntry color{table[i].blue, table[i].green, table[i].red, 0};
+        colors_.Convert({&color, 1});
         const uint8_t alpha =
             transparent && i < static_cast<size_t>(alphaCount) ? alphas[i] : uint8_t{0xFF};
         palette[i] = codec::BlendColor(color, alpha, background_);
@@ -272,7 +266,8 @@ std::vector<PaletteEntry> PngReader::Palette() const {
 
 void PngReader::SetTransformations() {
     if (HasTable()) {
-        if (bitDepth_ != 2) return;
+        if (!IsUpright()) png_set_packing(png_);  // a byte for each pixel
+        if (bitDepth_ != 2 || !IsUpright()) return;
         png_set_user_transform_info(png_, this, 4, 1);
         png_set_read_user_transform_fn(png_, OnRow);
         return;
@@ -280,8 +275,9 @@ void PngReader::SetTransformations() {
     const bool hasAlpha = (colorType_ & PNG_COLOR_MASK_ALPHA) != 0;
     const bool hasClearColor = png_get_valid(png_, info_, PNG_INFO_tRNS) != 0;
     if (hasClearColor) png_set_tRNS_to_alpha(png_);
-    png_set_strip_16(png_);
     png_set_bgr(png_);
+    if (ConvertsRows()) return;
+    png_set_strip_16(png_);
     if (HandsOutAlpha()) {
         png_set_gray_to_rgb(png_);
     } else if (hasAlpha || hasClearColor) {
@@ -291,18 +287,24 @@ void PngReader::SetTransformations() {
     }
 }
 
-Result PngReader::DecodeRows(const codec::PictureRows& rows) {
-    if (setjmp(escape_) != 0) {
+codec::RowConversion PngReader::Conversion() const {
+    if (!ConvertsRows()) return {};
+    return colors_.ForRows(width_, HandsOutAlpha(), background_);
+}
+
+Result PngReader::DecodeRows(codec::OrientedRows& rows) {
+    if (!ReadRows(rows)) {
         if (result_ != Result::kBrokenData || rowsDone_ == 0) return result_;
+        PlaceRows(rows);
         if (!HasAllData()) {
             FillRest(rows);
             progress_.Tell(codec::Condition::kDamaged, cutShort_ ? L"PNGデータが途中で切れています"
                                                                  : L"PNGデータが壊れています");
         }
     } else {
-        SetTransformations();
-        ReadRows(rows);
+        PlaceRows(rows);
     }
+    rows.Finish();
     if (hasWrongSum_ || (unpacked_ && unpacked_->HasWrongSum())) {
         progress_.Tell(codec::Condition::kDamaged, L"PNGデータが壊れています");
     }
@@ -325,42 +327,68 @@ bool PngReader::HasAllData() const {
     return png_get_current_row_number(png_) >= height_;
 }
 
-void PngReader::ReadRows(const codec::PictureRows& rows) {
+bool PngReader::ReadRows(codec::OrientedRows& rows) {
+    if (setjmp(escape_) != 0) return false;
+    SetTransformations();
     const unsigned passes = static_cast<unsigned>(png_set_interlace_handling(png_));
     png_read_update_info(png_, info_);
+    if (passes > 1 && (ConvertsRows() || !IsUpright())) {
+        wholeStride_ = png_get_rowbytes(png_, info_);
+        whole_.resize(wholeStride_ * height_);
+    }
     const uint64_t total = uint64_t{passes} * height_;
     for (unsigned pass = 0; pass < passes; ++pass) {
         for (uint32_t y = 0; y < height_; ++y) {
             // The second row argument fills the gaps between the pixels of an early pass, so that
             // a picture cut short shows blocks instead of dots.
-            png_read_row(png_, nullptr, rows.Row(y));
+            png_read_row(png_, nullptr,
+                         whole_.empty() ? rows.RowBuffer(y) : &whole_[y * wholeStride_]);
+            if (whole_.empty()) rows.RowDone(y);
             if (pass == 0) rowsDone_ = y + 1;
             if (!progress_.Report(uint64_t{pass} * height_ + y, total)) Leave(Result::kAborted);
         }
     }
+    return true;
 }
 
-void PngReader::FillRest(const codec::PictureRows& rows) const {
-    const codec::PictureForm form = Form();
-    if (form.bitCount == 32) return;  // transparent
-    const auto rowBytes = static_cast<size_t>(dib::RowBytes(form.width, form.bitCount));
-    const std::vector<PaletteEntry> palette = Palette();
-    const auto nearest =
-        std::min_element(palette.begin(), palette.end(), [this](PaletteEntry a, PaletteEntry b) {
-            return Distance(a, background_) < Distance(b, background_);
-        });
-    // Every pixel of a byte alike: 0xFF, 0x11 or 1 times the index.
-    const unsigned spread = 0xFFu / ((1u << std::min<unsigned>(form.bitCount, 8)) - 1);
-    for (uint32_t y = rowsDone_; y < form.height; ++y) {
-        uint8_t* row = rows.Row(y);
-        if (form.bitCount <= 8) {
-            std::memset(row, static_cast<int>((nearest - palette.begin()) * spread), rowBytes);
-            continue;
-        }
-        for (uint8_t* pixel = row; pixel < row + rowBytes; pixel += 3) {
-            std::memcpy(pixel, &background_, 3);
-        }
+void PngReader::PlaceRows(codec::OrientedRows& rows) const {
+    if (whole_.empty()) return;
+    for (uint32_t y = 0; y < rowsDone_; ++y) {
+        std::memcpy(rows.RowBuffer(y), &whole_[y * wholeStride_], wholeStride_);
+        rows.RowDone(y);
     }
+}
+
+void PngReader::FillRest(codec::OrientedRows& rows) const {
+    const std::vector<uint8_t> row = BackgroundRow();
+    for (uint32_t y = rowsDone_; y < height_; ++y) {
+        std::memcpy(rows.RowBuffer(y), row.data(), row.size());
+        rows.RowDone(y);
+    }
+}
+
+// A stored row of the background alone.
+std::vector<uint8_t> PngReader::BackgroundRow() const {
+    const uint16_t bitCount = Form().bitCount;
+    if (HasTable()) {
+        const std::vector<PaletteEntry> palette = Palette();
+        const auto nearest = std::min_element(
+            palette.begin(), palette.end(), [this](PaletteEntry a, PaletteEntry b) {
+                return Distance(a, background_) < Distance(b, background_);
+            });
+        // Every pixel of a byte alike: 0xFF, 0x11 or 1 times the index.
+        const unsigned spread = 0xFFu / ((1u << bitCount) - 1);
+        return std::vector<uint8_t>(static_cast<size_t>(dib::RowBytes(width_, bitCount)),
+                                    static_cast<uint8_t>((nearest - palette.begin()) * spread));
+    }
+    const unsigned bytes = ConvertsRows() ? colors_.Stored().PixelBytes() : bitCount / 8u;
+    std::vector<uint8_t> row(size_t{width_} * bytes);
+    if (HandsOutAlpha()) return row;  // transparent
+    const Samples samples = ConvertsRows() ? colors_.Stored() : Samples{bitCount == 24};
+    const std::vector<uint8_t> pixel = samples.Pixel(fileBackground_);
+    for (size_t at = 0; at < row.size(); at += bytes)
+        std::ranges::copy(pixel, row.begin() + static_cast<ptrdiff_t>(at));
+    return row;
 }
 
 }  // namespace tessary::png

@@ -9,7 +9,9 @@
 #include <optional>
 #include <vector>
 
+#include "plugins/common/oriented_rows.h"
 #include "plugins/common/picture_codec.h"
+#include "plugins/iftesspng/png_colors.h"
 #include "plugins/iftesspng/unpacked_png.h"
 
 namespace tessary::png {
@@ -31,13 +33,17 @@ class PngReader {
     // Reads up to the picture data. To be called first, once.
     codec::Result ReadHeader();
 
-    // After ReadHeader: the form of the decoded picture, and its colour table when it has one.
+    // After ReadHeader: the stored size, the form of the picture as shown, its colour table when it
+    // has one, its orientation, and how its rows are converted.
+    uint32_t StoredWidth() const { return width_; }
+    uint32_t StoredHeight() const { return height_; }
     codec::PictureForm Form() const;
     std::vector<dib::PaletteEntry> Palette() const;
+    uint16_t Orientation() const { return orientation_; }
+    codec::RowConversion Conversion() const;
 
-    // After ReadHeader: decodes into `rows`, which are of the form that Form answers. Damage is
-    // told to the progress.
-    codec::Result DecodeRows(const codec::PictureRows& rows);
+    // After ReadHeader: decodes all rows. Damage is told to the progress.
+    codec::Result DecodeRows(codec::OrientedRows& rows);
 
   private:
     // libpng's callbacks; they find the reader through the pointers that libpng keeps for them.
@@ -56,11 +62,18 @@ class PngReader {
     // Whether the decoded picture has an alpha channel.
     bool HandsOutAlpha() const;
     void ChooseDataSize();
+    void ReadColors();
     void ReadBackground();
+    void ReadOrientation();
+    bool IsUpright() const { return orientation_ == codec::kUprightOrientation; }
+    bool ConvertsRows() const { return colors_.AreForeign() && !HasTable(); }
     void SetTransformations();
-    void ReadRows(const codec::PictureRows& rows);
+    // False when it did not come to the end, for the reason in result_.
+    bool ReadRows(codec::OrientedRows& rows);
+    void PlaceRows(codec::OrientedRows& rows) const;
     bool HasAllData() const;
-    void FillRest(const codec::PictureRows& rows) const;
+    void FillRest(codec::OrientedRows& rows) const;
+    std::vector<uint8_t> BackgroundRow() const;
 
     dib::ByteSource& source_;
     codec::Progress& progress_;
@@ -81,7 +94,13 @@ class PngReader {
     bool keepsAlpha_ = false;
     int bitDepth_ = 0;
     int colorType_ = 0;
+    uint16_t orientation_ = codec::kUprightOrientation;
+    PngColors colors_;
+    dib::PaletteEntry fileBackground_;  // as stored
     dib::PaletteEntry background_;
+    std::vector<uint8_t> whole_;  // all stored rows, where they are not decoded in their places
+                                  // and each pass needs them again
+    size_t wholeStride_ = 0;
     uint32_t rowsDone_ = 0;  // of the first pass
 };
 

@@ -2,8 +2,6 @@
 
 #include <cstddef>
 
-#include "plugins/common/palette.h"
-
 namespace tessary::wic {
 namespace {
 
@@ -29,14 +27,6 @@ void ColorRow(const uint8_t* in, uint8_t* out, uint32_t width, unsigned bitCount
         out[0] = color.blue;
         out[1] = color.green;
         out[2] = color.red;
-    }
-}
-
-void FlattenRow(const uint8_t* in, uint8_t* out, uint32_t width) {
-    for (uint32_t x = 0; x < width; ++x, in += 4, out += 3) {
-        for (int channel = 0; channel < 3; ++channel) {
-            out[channel] = codec::BlendSample(in[channel], in[3], 0xFF);
-        }
     }
 }
 

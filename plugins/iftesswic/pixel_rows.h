@@ -17,7 +17,4 @@ void UnpackRow(const uint8_t* in, uint8_t* out, uint32_t width, unsigned bitCoun
 void ColorRow(const uint8_t* in, uint8_t* out, uint32_t width, unsigned bitCount,
               std::span<const dib::PaletteEntry> palette);
 
-// A 32-bit BGRA row laid over white, 24-bit BGR.
-void FlattenRow(const uint8_t* in, uint8_t* out, uint32_t width);
-
 }  // namespace tessary::wic

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "plugins/common/flatten_rows.h"
 #include "plugins/common/oriented_rows.h"
 #include "plugins/common/palette.h"
 #include "plugins/iftesswic/pixel_rows.h"
@@ -67,6 +68,7 @@ class FrameCopy {
     uint32_t RowsPerBand(size_t stride) const;
     HRESULT CopyBand(uint32_t top, uint32_t count, std::vector<uint8_t>& band) const;
     void ConvertRow(const uint8_t* in, uint8_t* out) const;
+    codec::RowConversion Conversion() const;
 
     const WicFrame& frame_;
     WicPixels pixels_;
@@ -131,12 +133,30 @@ void FrameCopy::ConvertRow(const uint8_t* in, uint8_t* out) const {
     if (targetBits == pixels_.bitCount) {
         std::memcpy(out, in, static_cast<size_t>(dib::RowBytes(width, targetBits)));
     } else if (pixels_.palette.empty()) {
-        FlattenRow(in, out, width);
+        codec::FlattenColorRow(in, out, width, codec::kWhite);
     } else if (targetBits == 24) {
         ColorRow(in, out, width, pixels_.bitCount, pixels_.palette);
     } else {
         UnpackRow(in, out, width, pixels_.bitCount);
     }
+}
+
+// Of rows whose colours are not in sRGB.
+codec::RowConversion FrameCopy::Conversion() const {
+    if (!pixels_.toSrgb) return {};
+    return {pixels_.bitCount / 8, [this](const uint8_t* in, uint8_t* out) {
+                constexpr uint32_t kPart = 256;
+                std::array<uint8_t, kPart * 4> part;
+                const uint32_t width = frame_.Width();
+                if (color::TargetBytesOf(pixels_.layout) == 3) {
+                    return pixels_.toSrgb->Convert(in, out, width);
+                }
+                for (uint32_t x = 0; x < width; x += kPart) {
+                    const uint32_t count = std::min(kPart, width - x);
+                    pixels_.toSrgb->Convert(in + size_t{x} * 4, part.data(), count);
+                    codec::FlattenColorRow(part.data(), out + size_t{x} * 3, count, codec::kWhite);
+                }
+            }};
 }
 
 Result FrameCopy::Run(uint64_t sourceSize, codec::PictureTarget& target,
@@ -148,9 +168,11 @@ Result FrameCopy::Run(uint64_t sourceSize, codec::PictureTarget& target,
     if (!FillsScreen()) FillWhite(rows);
 
     const uint32_t width = frame_.Width(), height = frame_.Height();
-    codec::OrientedRows oriented(FrameRows(rows), width, height, form.bitCount == 24 ? 3 : 1,
-                                 frame_.Orientation());
+    codec::OrientedRows oriented(
+        {FrameRows(rows), width, height, form.bitCount == 24 ? 3u : 1u, frame_.Orientation()},
+        Conversion());
     const auto stride = static_cast<size_t>(dib::RowStride(width, pixels_.bitCount));
+    const auto rowBytes = static_cast<size_t>(dib::RowBytes(width, pixels_.bitCount));
     uint32_t bandRows = RowsPerBand(stride);
     std::vector<uint8_t> band;
     uint32_t rowsMissing = 0;
@@ -165,15 +187,22 @@ Result FrameCopy::Run(uint64_t sourceSize, codec::PictureTarget& target,
         }
         if (FAILED(copied)) {
             if (stripRows_ == 0 || (rowsMissing += count) == height) throw ComFailure{copied};
-            std::ranges::fill(band, uint8_t{0xFF});
+            const bool areInks = pixels_.layout == color::Layout::kCmyk8;
+            std::ranges::fill(band, areInks ? uint8_t{0} : uint8_t{0xFF});
         }
         for (uint32_t y = top; y < top + count; ++y) {
-            ConvertRow(band.data() + (y - top) * stride, oriented.RowBuffer(y));
+            const uint8_t* row = band.data() + (y - top) * stride;
+            if (pixels_.toSrgb) {
+                std::memcpy(oriented.RowBuffer(y), row, rowBytes);
+            } else {
+                ConvertRow(row, oriented.RowBuffer(y));
+            }
             oriented.RowDone(y);
             if (!progress.Report(y + 1, height)) return Result::kAborted;
         }
         top += count;
     }
+    oriented.Finish();
     if (rowsMissing != 0) {
         progress.Tell(codec::Condition::kDamaged, L"TIFFデータが壊れているか、途中で切れています");
     }

@@ -7,6 +7,7 @@
 
 #include "helpers/system/system_library.h"
 #include "plugins/common/palette.h"
+#include "plugins/common/srgb.h"
 #include "plugins/iftesswic/source_stream.h"
 
 namespace tessary::wic {
@@ -223,26 +224,76 @@ void WicFrame::ReadResolution() {
     yPelsPerMeter_ = pels(y);
 }
 
+std::optional<color::Profile> WicFrame::Colors() const {
+    constexpr UINT kMostContexts = 8;
+    constexpr UINT kExifAdobeRgb = 2;
+    UINT count = 0;
+    if (FAILED(frame_->GetColorContexts(0, nullptr, &count)) || count > kMostContexts) return {};
+    std::array<ComPtr<IWICColorContext>, kMostContexts> owners;
+    std::array<IWICColorContext*, kMostContexts> contexts{};
+    for (UINT i = 0; i < count; ++i) {
+        Check(factory_->CreateColorContext(&owners[i]));
+        contexts[i] = owners[i].Get();
+    }
+    if (count == 0 || FAILED(frame_->GetColorContexts(count, contexts.data(), &count))) return {};
+    for (IWICColorContext* context : std::span(contexts).first(std::min(count, kMostContexts))) {
+        WICColorContextType type = WICColorContextUninitialized;
+        UINT value = 0;
+        if (context == nullptr || FAILED(context->GetType(&type))) continue;
+        if (type == WICColorContextExifColorSpace &&
+            SUCCEEDED(context->GetExifColorSpace(&value)) && value == kExifAdobeRgb) {
+            return color::Profile::AdobeRgb();
+        }
+        if (type != WICColorContextProfile ||
+            FAILED(context->GetProfileBytes(0, nullptr, &value)) ||
+            value > color::kLargestProfile) {
+            continue;
+        }
+        std::vector<uint8_t> icc(value);
+        if (FAILED(context->GetProfileBytes(value, icc.data(), &value))) continue;
+        if (auto profile = color::Profile::FromIcc(icc)) return profile;
+    }
+    return {};
+}
+
 WicPixels WicFrame::Pixels() const {
     GUID format{};
     Check(frame_->GetPixelFormat(&format));
+    const auto profile = Colors();
+    WicPixels pixels = PixelsOf(format, profile);
+    if (pixels.palette.empty()) pixels.toSrgb = codec::ToSrgb(profile, pixels.layout);
+    return pixels;
+}
+
+WicPixels WicFrame::PixelsOf(const GUID& format,
+                             const std::optional<color::Profile>& profile) const {
+    const auto hasModel = [&](color::Model model) {
+        return profile && profile->ModelOf() == model;
+    };
     WicPixels pixels;
+    pixels.source = frame_;
     if ((pixels.bitCount = IndexedBits(format)) != 0) {
-        pixels.source = frame_;
         pixels.palette = FramePalette(factory_.Get(), frame_.Get(), pixels.bitCount);
+        const auto toSrgb = codec::ToSrgb(profile, color::Layout::kBgr8);
+        if (toSrgb) codec::ConvertColors(*toSrgb, pixels.palette);
     } else if ((pixels.bitCount = GreyBits(format)) != 0) {
-        pixels.source = frame_;
-        pixels.palette = codec::GreyPalette(std::min(pixels.bitCount, 8u));
+        pixels.palette = codec::SrgbGreyPalette(profile, std::min(pixels.bitCount, 8u));
     } else if (IsEqualGUID(format, GUID_WICPixelFormat24bppBGR)) {
-        pixels.source = frame_;
         pixels.bitCount = 24;
     } else if (IsEqualGUID(format, GUID_WICPixelFormat32bppGrayFloat)) {
         pixels.source = Converted(frame_.Get(), GUID_WICPixelFormat8bppGray);
         pixels.bitCount = 8;
         pixels.palette = codec::GreyPalette(8);
+    } else if (IsEqualGUID(format, GUID_WICPixelFormat32bppCMYK) && hasModel(color::Model::kCmyk)) {
+        pixels.bitCount = 32;
+        pixels.layout = color::Layout::kCmyk8;
+    } else if (IsEqualGUID(format, GUID_WICPixelFormat48bppRGB) && hasModel(color::Model::kRgb)) {
+        pixels.bitCount = 48;
+        pixels.layout = color::Layout::kRgb16;
     } else {
         pixels.source = Converted(frame_.Get(), GUID_WICPixelFormat32bppBGRA);
         pixels.bitCount = 32;
+        pixels.layout = color::Layout::kBgra8;
     }
     return pixels;
 }

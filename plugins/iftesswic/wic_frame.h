@@ -6,8 +6,11 @@
 
 #include <wincodec.h>
 
+#include <memory>
+#include <optional>
 #include <vector>
 
+#include "helpers/color/color_transform.h"
 #include "helpers/dib/bitmap_header.h"
 #include "helpers/dib/byte_source.h"
 #include "plugins/iftesswic/com.h"
@@ -15,13 +18,15 @@
 
 namespace tessary::wic {
 
-// The pixels of a frame in one of three shapes: indexes of 1, 2, 4 or 8 bits into `palette`, which
-// has transparency worked in already (16 bits: the high byte is the index); 24-bit BGR, or 32-bit
-// BGRA not premultiplied, both without a palette.
+// The pixels of a frame in one of four shapes: indexes of 1, 2, 4 or 8 bits into `palette`, which
+// is in sRGB and has transparency worked in already (16 bits: the high byte is the index); without
+// a palette 24-bit BGR, 32-bit BGRA not premultiplied, or what `toSrgb` makes one of these of.
 struct WicPixels {
     ComPtr<IWICBitmapSource> source;
     unsigned bitCount = 0;
     std::vector<dib::PaletteEntry> palette;
+    std::shared_ptr<const color::Transform> toSrgb;  // where the colours are not in sRGB
+    color::Layout layout = color::Layout::kBgr8;     // without a palette
 };
 
 class WicFrame {
@@ -46,6 +51,9 @@ class WicFrame {
   private:
     void ReadOrientation();
     void ReadResolution();
+    // What the file says of its colours; nothing where it says nothing usable.
+    std::optional<color::Profile> Colors() const;
+    WicPixels PixelsOf(const GUID& format, const std::optional<color::Profile>& profile) const;
 
     ComPtr<IWICImagingFactory> factory_;
     ComPtr<IWICBitmapDecoder> decoder_;

@@ -6,6 +6,7 @@
 
 #include "plugins/iftesswic/source_stream.h"
 #include "tests/plugins_bundled/loaded_plugin.h"
+#include "tests/plugins_bundled/strange_profiles.h"
 #include "tests/plugins_bundled/system_pictures.h"
 
 namespace tessary::spi::test {
@@ -98,6 +99,66 @@ TEST_F(Iftesswic, ShowsTheLargestIconOnWhite) {
     Bytes targa{0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 64, 0, 64, 0, 24, 0, 1, 2, 3, 4, 5, 6};
     targa.resize(susie::kHeaderBlockSize);
     EXPECT_EQ(plugin.isSupported("picture.tga", targa.data()), 0);
+}
+
+// A picture of one row of pixels of 8 or 16 bits a sample, and its profile.
+Bytes TiffOf(uint32_t photometric, uint32_t samples, uint32_t bits, const Bytes& pixels,
+             const Bytes& icc) {
+    constexpr uint32_t kEntries = 11, kBitsAt = 8 + 2 + kEntries * 12 + 4, kPixelsAt = kBitsAt + 8;
+    const auto profileAt = static_cast<uint32_t>(kPixelsAt + pixels.size());
+    const auto width = static_cast<uint32_t>(pixels.size() / (bits / 8) / samples);
+    Bytes file{'I', 'I', 42, 0, 8, 0, 0, 0, kEntries, 0};
+    const auto entry = [&](uint32_t tag, uint32_t type, uint32_t count, uint32_t value) {
+        file.resize(file.size() + 12);
+        file = With(With(file, file.size() - 12, tag, 2), file.size() - 10, type, 2);
+        file = With(With(file, file.size() - 8, count, 4), file.size() - 4, value, 4);
+    };
+    const bool inPlace = samples <= 2;
+    entry(256, 3, 1, width);
+    entry(257, 3, 1, 1);
+    entry(258, 3, samples, inPlace ? bits : kBitsAt);
+    entry(259, 3, 1, 1);
+    entry(262, 3, 1, photometric);
+    entry(273, 4, 1, kPixelsAt);
+    entry(274, 3, 1, 1);
+    entry(277, 3, 1, samples);
+    entry(278, 3, 1, 1);
+    entry(279, 4, 1, static_cast<uint32_t>(pixels.size()));
+    entry(34675, 7, static_cast<uint32_t>(icc.size()), profileAt);
+    file.resize(kPixelsAt);
+    for (size_t i = 0; i < 4; ++i)
+        file = With(file, kBitsAt + i * 2, bits, 2);
+    file.insert(file.end(), pixels.begin(), pixels.end());
+    file.insert(file.end(), icc.begin(), icc.end());
+    return file;
+}
+
+TEST_F(Iftesswic, ConvertsColorsOfTiffToSrgb) {
+    const auto expectNear = [](uint32_t color, uint32_t other) {
+        for (int shift = 0; shift < 24; shift += 8)
+            EXPECT_NEAR(color >> shift & 0xFF, other >> shift & 0xFF, 2) << color;
+    };
+    const Bytes colors{200, 30, 100, 7, 99, 255}, deep{1, 200, 2, 30, 3, 100, 4, 7, 5, 99, 6, 255};
+    for (const auto& [bits, pixels] : {std::pair(8u, colors), std::pair(16u, deep)}) {
+        const auto color = Shown(TiffOf(2, 3, bits, pixels, Swapped()));
+        EXPECT_EQ(color->Header().bitCount, 24);
+        expectNear(color->Pixels().At(0, 0), 0x641EC8);
+        expectNear(color->Pixels().At(1, 0), 0xFF6307);
+    }
+    expectNear(Shown(TiffOf(2, 3, 8, colors, InkProfile()))->Pixels().At(0, 0), 0xC81E64);
+    expectNear(Shown(TiffOf(2, 3, 8, colors, Cut(Swapped(), 50)))->Pixels().At(0, 0), 0xC81E64);
+    const Bytes inks{0, 0, 255, 0, 255, 0, 0, 0, 0, 0, 0, 255, 0, 0, 0, 0};
+    const Colors ink = Shown(TiffOf(5, 4, 8, inks, InkProfile()))->Pixels();
+    expectNear(ink.At(0, 0), 0x00FFFF);
+    expectNear(ink.At(1, 0), 0xFFFF00);
+    expectNear(ink.At(2, 0), 0x000000);
+    expectNear(ink.At(3, 0), 0xFFFFFF);
+
+    const Bytes linear = color::Profile::FromGreyCurve({1})->Icc();
+    const auto grey = Shown(TiffOf(1, 1, 8, {0, 55, 255}, linear));
+    EXPECT_EQ(grey->Header().bitCount, 8);
+    expectNear(grey->Pixels().At(1, 0), 0x808080);
+    expectNear(grey->Pixels().At(2, 0), 0xFFFFFF);
 }
 
 TEST_F(Iftesswic, ReadsTiffUprightInBothPolarities) {

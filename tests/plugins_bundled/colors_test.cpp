@@ -1,0 +1,377 @@
+// The colours of pictures whose files say what they mean.
+#include <cstddef>
+#include <cstdio>
+
+#include <jpeglib.h>
+#include <png.h>
+
+#include <cmath>
+#include <functional>
+
+#include "helpers/color/color_transform.h"
+#include "plugins/iftessjpeg/jpeg_decoder.h"
+#include "plugins/iftesspng/png_decoder.h"
+#include "tests/plugins_bundled/decoded_picture.h"
+#include "tests/plugins_bundled/strange_profiles.h"
+#include "tests/support/seeds.h"
+
+namespace tessary::codec::test {
+namespace {
+
+using namespace tessary::test;
+using color::Profile;
+
+const jpeg::JpegDecoder kJpeg;
+const png::PngDecoder kPng;
+
+// Enough pixels for threads, and no whole number of bands.
+constexpr uint32_t kWidth = 700, kHeight = 450;
+
+// Flat tiles of all kinds of colours; of grey pictures the green.
+int Sample(uint32_t x, uint32_t y, unsigned channel) {
+    const uint32_t tile = x / 100 + y / 90 * 7;
+    return static_cast<int>(tile * (channel == 0 ? 53u : channel == 1 ? 7u : 101u) % 256);
+}
+
+using Rgb = std::array<double, 3>;
+
+double SrgbOf(double light) {
+    light = std::clamp(light, 0.0, 1.0);
+    return light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+}
+
+// Samples in Adobe RGB, whose red and blue are those of sRGB nearly, in sRGB. The matrices are
+// those that the two documents give.
+Rgb FromAdobe(const Rgb& rgb) {
+    Rgb light, xyz, result;
+    for (size_t i = 0; i < 3; ++i)
+        light[i] = std::pow(rgb[i], 563 / 256.0);
+    xyz[0] = 0.57667 * light[0] + 0.18556 * light[1] + 0.18823 * light[2];
+    xyz[1] = 0.29734 * light[0] + 0.62736 * light[1] + 0.07529 * light[2];
+    xyz[2] = 0.02703 * light[0] + 0.07069 * light[1] + 0.99134 * light[2];
+    result[0] = SrgbOf(3.2406 * xyz[0] - 1.5372 * xyz[1] - 0.4986 * xyz[2]);
+    result[1] = SrgbOf(-0.9689 * xyz[0] + 1.8758 * xyz[1] + 0.0415 * xyz[2]);
+    result[2] = SrgbOf(0.0557 * xyz[0] - 0.2040 * xyz[1] + 1.0570 * xyz[2]);
+    return result;
+}
+
+Rgb Linear(const Rgb& rgb) {
+    return {SrgbOf(rgb[0]), SrgbOf(rgb[1]), SrgbOf(rgb[2])};
+}
+
+// What `Swapped` means.
+Rgb Exchanged(const Rgb& rgb) {
+    return {rgb[2], rgb[1], rgb[0]};
+}
+
+Rgb AsTheyAre(const Rgb& rgb) {
+    return rgb;
+}
+
+using Meaning = std::function<Rgb(const Rgb&)>;
+
+// With zeros behind it, which count as part of it.
+Bytes Padded(Bytes icc, size_t size) {
+    icc.resize(size);
+    for (size_t i = 0; i < 4; ++i)
+        icc[i] = static_cast<uint8_t>(size >> (24 - 8 * i));
+    return icc;
+}
+
+// The tiles as JPEG of 1, 3 or 4 channels without loss worth mentioning. Inks: black is 0, the
+// others are what lets the samples through.
+Bytes Jpeg(int channels, const Bytes& icc, const Bytes& exif = {}, bool inverted = true) {
+    jpeg_compress_struct jpeg{};
+    jpeg_error_mgr errors{};
+    jpeg.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&jpeg);
+    unsigned char* out = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&jpeg, &out, &size);
+    jpeg.image_width = kWidth;
+    jpeg.image_height = kHeight;
+    jpeg.input_components = channels;
+    jpeg.in_color_space = channels == 1 ? JCS_GRAYSCALE : channels == 3 ? JCS_RGB : JCS_CMYK;
+    jpeg_set_defaults(&jpeg);
+    jpeg_set_colorspace(&jpeg, channels == 3 ? JCS_RGB : jpeg.in_color_space);
+    jpeg_set_quality(&jpeg, 100, TRUE);
+    jpeg.write_Adobe_marker = channels == 3 || inverted;
+    jpeg_start_compress(&jpeg, TRUE);
+    if (!exif.empty()) jpeg_write_marker(&jpeg, JPEG_APP0 + 1, exif.data(), exif.size());
+    if (!icc.empty()) jpeg_write_icc_profile(&jpeg, icc.data(), icc.size());
+    Bytes row(kWidth * static_cast<size_t>(channels));
+    for (uint32_t y = 0; y < kHeight; ++y) {
+        for (size_t i = 0; i < row.size(); ++i) {
+            const auto x = static_cast<uint32_t>(i / static_cast<size_t>(channels));
+            const auto channel = static_cast<unsigned>(i % static_cast<size_t>(channels));
+            int sample = channel == 3 ? 255 : Sample(x, y, channels == 1 ? 1 : channel);
+            if (channels == 4 && !inverted) sample = 255 - sample;
+            row[i] = static_cast<uint8_t>(sample);
+        }
+        JSAMPROW start = row.data();
+        jpeg_write_scanlines(&jpeg, &start, 1);
+    }
+    jpeg_finish_compress(&jpeg);
+    jpeg_destroy_compress(&jpeg);
+    const Bytes file(out, out + size);
+    std::free(out);
+    return file;
+}
+
+// Exif with one entry in each of the directories that lead to the colour space of a camera.
+Bytes AdobeExif(char last) {
+    Bytes exif{'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0};
+    const auto directory = [&](std::initializer_list<Bytes> entries) {
+        exif.insert(exif.end(), {static_cast<uint8_t>(entries.size()), 0});
+        for (const Bytes& entry : entries)
+            exif.insert(exif.end(), entry.begin(), entry.end());
+        exif.insert(exif.end(), 4, 0);
+    };
+    directory({{0x69, 0x87, 4, 0, 1, 0, 0, 0, 26, 0, 0, 0}});
+    directory({{0x01, 0xA0, 3, 0, 1, 0, 0, 0, 0xFF, 0xFF, 0, 0},
+               {0x05, 0xA0, 4, 0, 1, 0, 0, 0, 56, 0, 0, 0}});
+    directory({{1, 0, 2, 0, 4, 0, 0, 0, 'R', '0', static_cast<uint8_t>(last), 0}});
+    return exif;
+}
+
+// Every pixel of the decoded picture is what the stored sample means, turned as `orientation`
+// says (1 or 6).
+void ExpectMeaning(const Decoded& decoded, const Meaning& meaning, double tolerance,
+                   bool isGrey = false, int orientation = 1) {
+    ASSERT_EQ(decoded.result, Result::kSuccess);
+    EXPECT_EQ(decoded.condition, Condition::kNone);
+    const Colors picture = decoded.Pixels();
+    ASSERT_EQ(picture.width, orientation == 6 ? kHeight : kWidth);
+    ASSERT_EQ(decoded.form.width, picture.width);
+    double worst = 0;
+    for (uint32_t y = 0; y < kHeight; y += 3) {
+        for (uint32_t x = 1; x < kWidth; x += 49) {
+            Rgb stored;
+            for (unsigned i = 0; i < 3; ++i)
+                stored[i] = Sample(x, y, isGrey ? 1 : i) / 255.0;
+            const Rgb meant = meaning(stored);
+            for (unsigned i = 0; i < 3; ++i) {
+                const int shown = orientation == 6 ? picture.Channel(kHeight - 1 - y, x, 2 - i)
+                                                   : picture.Channel(x, y, 2 - i);
+                worst = std::max(worst, std::abs(shown - meant[i] * 255));
+            }
+        }
+    }
+    EXPECT_LE(worst, tolerance);
+}
+
+TEST(Colors, OfJpegAreThoseOfItsProfile) {
+    ExpectMeaning({kJpeg, Jpeg(3, {})}, AsTheyAre, 1.5);
+    ExpectMeaning({kJpeg, Jpeg(3, Profile::Srgb().Icc())}, AsTheyAre, 1.5);
+    ExpectMeaning({kJpeg, Jpeg(3, Profile::AdobeRgb().Icc())}, FromAdobe, 2.5);
+    // In more than one marker.
+    ExpectMeaning({kJpeg, Jpeg(3, Padded(Swapped(), 200'000))}, Exchanged, 1.5);
+    const Bytes linear = Profile::FromGreyCurve({1})->Icc();
+    const Decoded grey(kJpeg, Jpeg(1, linear));
+    EXPECT_EQ(grey.form.bitCount, 8);
+    ExpectMeaning(grey, Linear, 1.5, true);
+
+    ExpectMeaning({kJpeg, Jpeg(3, {}, AdobeExif('3'))}, FromAdobe, 2.5);
+    ExpectMeaning({kJpeg, Jpeg(3, Swapped(), AdobeExif('3'))}, Exchanged, 1.5);
+    ExpectMeaning({kJpeg, Jpeg(3, {}, AdobeExif('8'))}, AsTheyAre, 1.5);
+    for (const bool inverted : {true, false}) {
+        ExpectMeaning({kJpeg, Jpeg(4, {}, {}, inverted)}, AsTheyAre, 1.5);
+        // Between the entries of its table the profile itself is no better.
+        ExpectMeaning({kJpeg, Jpeg(4, InkProfile(), {}, inverted)}, Exchanged, 5);
+    }
+    Bytes turned{'E', 'x', 'i', 'f', 0, 0, 'M', 'M', 0, 42, 0, 0, 0, 8,
+                 0,   1,   1,   18,  0, 3, 0,   0,   0, 1,  0, 6, 0, 0};
+    ExpectMeaning({kJpeg, Jpeg(3, Swapped(), turned)}, Exchanged, 1.5, false, 6);
+}
+
+TEST(Colors, OfDamagedOrUnfitProfilesAreThoseWithoutAny) {
+    const Bytes good = Swapped();
+    constexpr size_t kClass = 12, kSpace = 16;
+    const size_t red = Find(good, "rXYZ") + 4;
+    const std::pair<const char*, Bytes> profiles[] = {
+        {"cut", Cut(good, good.size() / 2)},
+        {"short", Cut(good, 60)},
+        {"of a device link", With(good, kClass, 0x6B6E696C, 4)},
+        {"of Lab", With(good, kSpace, 0x2062614C, 4)},
+        {"of inks", InkProfile()},
+        {"of greys", Profile::FromGreyCurve({1})->Icc()},
+        {"with tags beyond its end", With(good, red, 0xFFFFFF7F, 4)},
+        {"of many tags", With(good, 128, 0xFFFFFFFF, 4)},
+        {"too large", Padded(good, color::kLargestProfile + 4)},
+        {"of noise", Bytes(3000, 0xA5)},
+    };
+    for (const auto& [name, icc] : profiles) {
+        SCOPED_TRACE(name);
+        ExpectMeaning({kJpeg, Jpeg(3, icc)}, AsTheyAre, 1.5);
+    }
+    // Whatever is wrong with it, there is a picture.
+    for (size_t at = 0; at < good.size(); at += 17) {
+        const Decoded decoded(kJpeg, Jpeg(3, Damaged(good, at, 0xFF)));
+        EXPECT_EQ(decoded.result, Result::kSuccess) << at;
+        EXPECT_EQ(decoded.condition, Condition::kNone) << at;
+    }
+}
+
+struct PngKind {
+    int type, depth;
+    bool interlaced;
+};
+
+const PngKind kPngKinds[] = {
+    {PNG_COLOR_TYPE_GRAY, 8, false},       {PNG_COLOR_TYPE_GRAY, 8, true},
+    {PNG_COLOR_TYPE_GRAY, 16, false},      {PNG_COLOR_TYPE_GRAY_ALPHA, 8, false},
+    {PNG_COLOR_TYPE_GRAY_ALPHA, 16, true}, {PNG_COLOR_TYPE_RGB, 8, false},
+    {PNG_COLOR_TYPE_RGB, 8, true},         {PNG_COLOR_TYPE_RGB, 16, false},
+    {PNG_COLOR_TYPE_RGB_ALPHA, 8, true},   {PNG_COLOR_TYPE_RGB_ALPHA, 16, false},
+    {PNG_COLOR_TYPE_PALETTE, 8, false},    {PNG_COLOR_TYPE_PALETTE, 8, true},
+};
+
+using AddChunks = std::function<void(png_structp png, png_infop info)>;
+
+// The tiles; with alpha all opaque.
+Bytes Png(const PngKind& kind, const AddChunks& addChunks) {
+    Bytes file;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    png_set_write_fn(
+        png, &file,
+        [](png_structp p, png_bytep bytes, size_t count) {
+            auto* to = static_cast<Bytes*>(png_get_io_ptr(p));
+            to->insert(to->end(), bytes, bytes + count);
+        },
+        nullptr);
+    png_set_compression_level(png, 1);
+    png_set_IHDR(png, info, kWidth, kHeight, kind.depth, kind.type,
+                 kind.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
+    const bool hasTable = kind.type == PNG_COLOR_TYPE_PALETTE;
+    png_color table[35];
+    for (uint32_t i = 0; i < 35 && hasTable; ++i) {
+        const auto sample = [&](unsigned channel) {
+            return static_cast<png_byte>(Sample(i % 7 * 100, i / 7 * 90, channel));
+        };
+        table[i] = {sample(0), sample(1), sample(2)};
+    }
+    if (hasTable) png_set_PLTE(png, info, table, 35);
+    addChunks(png, info);
+    png_write_info(png, info);
+    const bool hasAlpha = (kind.type & PNG_COLOR_MASK_ALPHA) != 0;
+    const bool isColor = (kind.type & PNG_COLOR_MASK_COLOR) != 0;
+    for (int pass = png_set_interlace_handling(png); pass > 0; --pass) {
+        for (uint32_t y = 0; y < kHeight; ++y) {
+            Bytes row;
+            const auto put = [&](int sample) {
+                row.insert(row.end(), static_cast<size_t>(kind.depth / 8),
+                           static_cast<uint8_t>(sample));
+            };
+            for (uint32_t x = 0; x < kWidth; ++x) {
+                if (hasTable) {
+                    put(static_cast<int>(x / 100 + y / 90 * 7));
+                    continue;
+                }
+                for (unsigned channel = 0; channel < (isColor ? 3u : 1u); ++channel)
+                    put(Sample(x, y, isColor ? channel : 1));
+                if (hasAlpha) put(255);
+            }
+            png_write_row(png, row.data());
+        }
+    }
+    png_write_end(png, info);
+    png_destroy_write_struct(&png, &info);
+    return file;
+}
+
+void ExpectPng(const PngKind& kind, const AddChunks& addChunks, const Meaning& meaning,
+               double tolerance, int orientation = 1) {
+    const bool isGrey = (kind.type & PNG_COLOR_MASK_COLOR) == 0;
+    const Bytes file = Png(kind, addChunks);
+    const Decoded decoded(kPng, file);
+    ExpectMeaning(decoded, meaning, tolerance, isGrey, orientation);
+    EXPECT_EQ(decoded.form.bitCount, isGrey || kind.type == PNG_COLOR_TYPE_PALETTE ? 8 : 24);
+
+    // The same with the alpha kept.
+    dib::MemorySource source(file);
+    MemoryTarget target(SIZE_MAX, true);
+    Progress nobody;
+    ASSERT_EQ(kPng.Decode(source, target, nobody), Result::kSuccess);
+    Bytes kept = Colors(target.View().value()).bgra;
+    EXPECT_EQ(kept, decoded.Pixels().bgra);
+}
+
+// Any bytes: libpng would write only what it likes.
+void AddChunk(png_structp png, png_infop info, const char* name, Bytes data) {
+    png_unknown_chunk chunk{{}, data.data(), data.size(), PNG_HAVE_IHDR};
+    std::copy_n(name, 4, chunk.name);
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_ALWAYS, chunk.name, 1);
+    png_set_unknown_chunks(png, info, &chunk, 1);
+}
+
+void AddProfile(png_structp png, png_infop info, const Bytes& icc) {
+    uLongf size = compressBound(static_cast<uLong>(icc.size()));
+    Bytes data(3 + size);
+    data[0] = 'x';  // a name, its end, and the only way to compress
+    compress(&data[3], &size, icc.data(), static_cast<uLong>(icc.size()));
+    AddChunk(png, info, "iCCP", Cut(data, 3 + size));
+}
+
+TEST(Colors, OfPngAreThoseOfTheFirstOfItsChunksThatCount) {
+    const Bytes swapped = Swapped(), grey = Profile::FromGreyCurve({1})->Icc();
+    Bytes turn{'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 6, 0, 0, 0};
+    for (const PngKind& kind : kPngKinds) {
+        SCOPED_TRACE(testing::Message() << kind.type << ' ' << kind.depth << kind.interlaced);
+        const bool isGrey = (kind.type & PNG_COLOR_MASK_COLOR) == 0;
+        const Meaning profiled = isGrey ? Linear : Exchanged;
+        const auto addProfile = [&](png_structp png, png_infop info) {
+            AddProfile(png, info, isGrey ? grey : swapped);
+        };
+        ExpectPng(kind, addProfile, profiled, 1.1);
+        ExpectPng(
+            kind,
+            [&](png_structp png, png_infop info) {
+                addProfile(png, info);
+                png_set_eXIf_1(png, info, static_cast<png_uint_32>(turn.size()), turn.data());
+            },
+            profiled, 1.1, 6);
+        const auto addLinear = [](png_structp png, png_infop info) {
+            png_set_gAMA_fixed(png, info, 100'000);
+        };
+        ExpectPng(kind, addLinear, Linear, 1.1);
+    }
+    const PngKind color = kPngKinds[5];
+    ExpectPng(
+        color,
+        [](png_structp png, png_infop info) {
+            AddChunk(png, info, "sRGB", {0});
+            png_set_gAMA_fixed(png, info, 100'000);
+        },
+        AsTheyAre, 0.5);
+    // Primaries without their gamma say nothing.
+    const auto addPrimaries = [](png_structp png, png_infop info) {
+        png_set_cHRM_fixed(png, info, 31270, 32900, 64000, 33000, 21000, 71000, 15000, 6000);
+    };
+    ExpectPng(color, addPrimaries, AsTheyAre, 0.5);
+    ExpectPng(
+        color,
+        [&](png_structp png, png_infop info) {
+            addPrimaries(png, info);
+            png_set_gAMA_fixed(png, info, 45471);
+        },
+        FromAdobe, 1.5);
+    ExpectPng(
+        color,
+        [&](png_structp png, png_infop info) {
+            AddChunk(png, info, "sRGB", {0});
+            AddProfile(png, info, Cut(swapped, 200));
+        },
+        AsTheyAre, 0.5);
+    // One that fits only colours, in a grey picture, and the other way round.
+    for (const auto& [kind, icc] : {std::pair(kPngKinds[0], swapped), std::pair(color, grey)}) {
+        const Decoded decoded(kPng, Png(kind, [&, &bytes = icc](png_structp png, png_infop info) {
+                                  AddProfile(png, info, bytes);
+                              }));
+        ExpectMeaning(decoded, AsTheyAre, 0.5, kind.type == PNG_COLOR_TYPE_GRAY);
+    }
+}
+
+}  // namespace
+}  // namespace tessary::codec::test
