@@ -104,6 +104,24 @@ using GetLastConditionFunction = int(__stdcall*)(wchar_t* text, int length);
 // header (BI_ALPHABITFIELDS, or BI_BITFIELDS in a longer one), not multiplied by alpha.
 using GetPictureWithAlphaFunction = GetPictureFunction;
 
+// A third one, called in place of that by hosts that have memory for the picture. The host's
+// record, which may be longer than this, stays for the time of the call.
+struct PictureRoom {
+    uint32_t size;  // of the record
+    // Answers a value of Room, and from kRoom on the addresses of two blocks of these sizes in
+    // bytes. What was answered before counts no more. On the thread of the call.
+    int(__stdcall* take)(PictureRoom* room, SIZE_T infoSize, SIZE_T bitsSize, void** info,
+                         void** bits);
+};
+enum Room : int {
+    kNoRoom = 0,  // there is no memory
+    kRoom = 1,    // anything may stand there
+    kRoomOfZeros = 2,
+};
+using GetPictureIntoFunction = int(__stdcall*)(const char* source, LONG_PTR length, uint32_t flag,
+                                               PictureRoom* room, void* reserved,
+                                               ProgressCallback progress, LONG_PTR userData);
+
 // Below 0: a plug-in without an answer. What a host does not know is to it as kConditionNone.
 enum Condition : int32_t {
     kConditionNone = 0,     // nothing to tell

@@ -9,6 +9,7 @@
 #include "plugins/common/local_picture.h"
 #include "plugins/common/picture_plugin.h"
 #include "plugins/common/plugin_info.h"
+#include "plugins/common/room_picture.h"
 #include "plugins/common/susie_source.h"
 
 namespace tessary::spi {
@@ -40,21 +41,19 @@ Result ReadPictureInfo(const char* source, LONG_PTR length, uint32_t flag,
     return result;
 }
 
-Result DecodePicture(const char* source, LONG_PTR length, uint32_t flag, HLOCAL& info, HLOCAL& bits,
-                     susie::ProgressCallback callback, LONG_PTR userData, bool takesAlpha,
-                     codec::Remark& remark) {
+Result DecodePicture(const char* source, LONG_PTR length, uint32_t flag,
+                     codec::PictureTarget& picture, susie::ProgressCallback callback,
+                     LONG_PTR userData, codec::Remark& remark) {
     std::unique_ptr<dib::ByteSource> bytes;
     if (const Result opened = OpenSource(source, length, flag, bytes); opened != Result::kSuccess) {
         return opened;
     }
     codec::Progress progress = HostProgress(callback, userData);
-    LocalPicture picture(takesAlpha);
     const Result result = Codec().Decode(*bytes, picture, progress);
     if (result == Result::kBrokenData) {
         progress.Tell(codec::Condition::kDamaged, L"画像データが壊れています");
     }
     remark = progress.Told();
-    if (result == Result::kSuccess) picture.Release(info, bits);
     return result;
 }
 
@@ -63,8 +62,11 @@ int GetPictureGuarded(const char* source, LONG_PTR length, uint32_t flag, HLOCAL
                       bool takesAlpha) {
     return GuardedAndTold([&](codec::Remark& remark) {
         if (info == nullptr || bits == nullptr) return Result::kInternalError;
-        return DecodePicture(source, length, flag, *info, *bits, progress, userData, takesAlpha,
-                             remark);
+        LocalPicture picture(takesAlpha);
+        const Result result =
+            DecodePicture(source, length, flag, picture, progress, userData, remark);
+        if (result == Result::kSuccess) picture.Release(*info, *bits);
+        return result;
     });
 }
 
@@ -110,6 +112,17 @@ __declspec(dllexport) int __stdcall GetPictureWithAlpha(const char* source, LONG
                                                         susie::ProgressCallback progress,
                                                         LONG_PTR userData) {
     return spi::GetPictureGuarded(source, length, flag, info, bits, progress, userData, true);
+}
+
+__declspec(dllexport) int __stdcall GetPictureInto(const char* source, LONG_PTR length,
+                                                   uint32_t flag, susie::PictureRoom* room, void*,
+                                                   susie::ProgressCallback progress,
+                                                   LONG_PTR userData) {
+    return spi::GuardedAndTold([&](codec::Remark& remark) {
+        if (room == nullptr || room->size < sizeof(*room)) return codec::Result::kInternalError;
+        spi::RoomPicture picture(*room);
+        return spi::DecodePicture(source, length, flag, picture, progress, userData, remark);
+    });
 }
 
 __declspec(dllexport) int __stdcall GetPreview(const char*, LONG_PTR, uint32_t, HLOCAL*, HLOCAL*,

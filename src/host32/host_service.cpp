@@ -213,24 +213,54 @@ HostReply HostService::Measure(LocalConnection& plugin, const PluginSource& sour
 
 HostReply HostService::Decode(LocalConnection& plugin, const PluginSource& source,
                               const HostRequest& request) {
-    const DecodedPicture decoded = plugin.Decode(
-        source, request.isPreview ? DecodeKind::kPreview : DecodeKind::kFull, ProgressOf(request));
+    std::optional<PictureSection> section;
+    const auto giveBack = [&] {
+        if (section) stock_.Return(section->section.wire.id);
+        section.reset();
+    };
+    const auto rooms = [&](size_t infoSize, size_t bitsSize) -> std::optional<RoomForPicture> {
+        giveBack();
+        section = TakeForPicture(infoSize, bitsSize);
+        if (!section) return std::nullopt;
+        return RoomForPicture{section->section.bytes.first(infoSize), section->Bits(),
+                              section->section.isNew};
+    };
+    const DecodedPicture decoded =
+        plugin.Decode(source, request.isPreview ? DecodeKind::kPreview : DecodeKind::kFull,
+                      ProgressOf(request), rooms);
     HostReply reply = ReplyWith(decoded);
     reply.wasStopped = decoded.wasStopped;
-    if (!decoded.picture) return reply;
-    const auto info = decoded.picture.Info();
-    const auto bits = decoded.picture.Bits();
-    reply.infoSize = info.size();
-    reply.bitsAt = (info.size() + kBitsAlignment - 1) / kBitsAlignment * kBitsAlignment;
-    const auto section = stock_.Take(static_cast<size_t>(reply.bitsAt) + bits.size());
-    if (!section) {
-        reply.code = susie::kOutOfMemory;
+    if (!decoded.picture) {
+        // Threads of one that has crashed may still write there; this host is not used again.
+        if (!decoded.HasCrashed()) giveBack();
         return reply;
     }
-    Copy(info, section->bytes);
-    Copy(bits, section->bytes.subspan(static_cast<size_t>(reply.bitsAt)));
-    reply.bytes = section->wire;
+    const auto info = decoded.picture.Info();
+    const auto bits = decoded.picture.Bits();
+    if (!section || bits.data() != section->Bits().data()) {
+        giveBack();
+        section = TakeForPicture(info.size(), bits.size());
+        if (!section) {
+            reply.code = susie::kOutOfMemory;
+            return reply;
+        }
+        Copy(info, section->section.bytes);
+        Copy(bits, section->Bits());
+    }
+    reply.infoSize = info.size();
+    reply.bitsAt = section->bitsAt;
+    reply.bytes = section->section.wire;
     return reply;
+}
+
+std::optional<HostService::PictureSection> HostService::TakeForPicture(size_t infoSize,
+                                                                       size_t bitsSize) {
+    const uint64_t bitsAt =
+        (uint64_t{infoSize} + kBitsAlignment - 1) / kBitsAlignment * kBitsAlignment;
+    if (bitsAt + bitsSize > SIZE_MAX) return std::nullopt;
+    auto section = stock_.Take(static_cast<size_t>(bitsAt + bitsSize));
+    if (!section) return std::nullopt;
+    return PictureSection{*std::move(section), static_cast<size_t>(bitsAt)};
 }
 
 HostReply HostService::List(LocalConnection& plugin, const PluginSource& source) {

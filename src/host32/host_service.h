@@ -59,6 +59,15 @@ class HostService {
                       const HostRequest& request);
     SusieProgress ProgressOf(const HostRequest& request);
 
+    // Room for a picture in a section of the stock's.
+    struct PictureSection {
+        SectionStock::Taken section;
+        size_t bitsAt;
+
+        std::span<uint8_t> Bits() const { return section.bytes.subspan(bitsAt); }
+    };
+    std::optional<PictureSection> TakeForPicture(size_t infoSize, size_t bitsSize);
+
     ChannelEnd channel_;
     PageNotes notes_;
     KeptState state_;

@@ -25,7 +25,8 @@ std::optional<SectionStock::Taken> SectionStock::Take(size_t size) {
         return kept.isFree && Fits(kept.section.Bytes().size(), size);
     });
     Kept* taken = rest == kept_.rend() ? nullptr : &*rest;
-    if (taken == nullptr) {
+    const bool isNew = taken == nullptr;
+    if (isNew) {
         const size_t whole = (size + kGranularity - 1) / kGranularity * kGranularity;
         std::optional<Section> section = Section::Make(whole);
         if (!section) {
@@ -38,7 +39,8 @@ std::optional<SectionStock::Taken> SectionStock::Take(size_t size) {
     }
     taken->isFree = false;
     return Taken{taken->section.Bytes().first(size),
-                 {reinterpret_cast<uintptr_t>(taken->section.Handle()), size, taken->id}};
+                 {reinterpret_cast<uintptr_t>(taken->section.Handle()), size, taken->id},
+                 isNew};
 }
 
 void SectionStock::Return(uint32_t id) {

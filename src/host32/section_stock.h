@@ -18,6 +18,7 @@ class SectionStock {
     struct Taken {
         std::span<uint8_t> bytes;
         WireSection wire;
+        bool isNew = false;  // full of zeros
     };
     std::optional<Taken> Take(size_t size);
 

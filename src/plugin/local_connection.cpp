@@ -1,5 +1,6 @@
 #include "plugin/local_connection.h"
 
+#include <cstring>
 #include <utility>
 
 #include "app/base/paths.h"
@@ -19,6 +20,33 @@ SusieSource SourceOf(const PluginSource& source) {
     if (source.isFile) return {source.name.c_str(), 0, susie::kSourceFile};
     return {reinterpret_cast<const char*>(source.bytes.data()),
             static_cast<LONG_PTR>(source.bytes.size()), susie::kSourceMemory};
+}
+
+// A picture in memory of somebody else's.
+class RoomMemory final : public PictureMemory {
+  public:
+    explicit RoomMemory(const RoomForPicture& room) : room_(room) {}
+
+    std::span<const uint8_t> Info() const override { return room_.info; }
+    std::span<const uint8_t> Bits() const override { return room_.bits; }
+
+  private:
+    RoomForPicture room_;
+};
+
+HLOCAL BlockOf(std::span<const uint8_t> bytes) {
+    return FilledBlock(bytes.size(),
+                       [&](std::span<uint8_t> target) {
+                           std::memcpy(target.data(), bytes.data(), bytes.size());
+                       })
+        .Release();
+}
+
+// What is not plain is put right as plug-ins' own blocks are.
+Picture PictureIn(const RoomForPicture& room) {
+    Picture picture(std::make_unique<RoomMemory>(room));
+    return picture ? std::move(picture)
+                   : Picture::FromPair({BlockOf(room.info), BlockOf(room.bits)});
 }
 
 }  // namespace
@@ -113,6 +141,17 @@ DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeKind ki
                                                  SourceOf(source), pair, relay)
                              : calls_.GetPicture(SourceOf(source), pair, relay);
     return {AnswerTold(code), Picture::FromPair(pair), relay.Stopped()};
+}
+
+DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeKind kind,
+                                       const SusieProgress& progress, const RoomMaker& rooms) {
+    if (kind == DecodeKind::kPreview || calls_.Address(SusieFunction::kGetPictureInto) == nullptr) {
+        return Decode(source, kind, progress);
+    }
+    const ProgressRelay relay(progress);
+    std::optional<RoomForPicture> filled;
+    const int32_t code = calls_.GetPictureInto(SourceOf(source), rooms, filled, relay);
+    return {AnswerTold(code), filled ? PictureIn(*filled) : Picture(), relay.Stopped()};
 }
 
 ListedArchive LocalConnection::List(const PluginSource& archive) {

@@ -31,6 +31,10 @@ class LocalConnection final : public PluginConnection {
     MeasuredPicture Measure(const PluginSource& source) override;
     DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
                           const SusieProgress& progress) override;
+    // The same into room of the caller's, if the plug-in can do that: then the picture lies there,
+    // and belongs to whoever has made the room.
+    DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
+                          const SusieProgress& progress, const RoomMaker& rooms);
     ListedArchive List(const PluginSource& archive) override;
     ExtractedMember Extract(const PluginSource& archive, const susie::FileInfo& member,
                             const std::optional<std::string>& folder,

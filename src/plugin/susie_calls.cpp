@@ -44,13 +44,33 @@ constexpr size_t kConditionTextSize = 256;
 constexpr const char* kExportedNames[kSusieFunctionCount] = {
     "GetPluginInfo",    "IsSupported",      "GetPictureInfo",      "GetPicture",
     "GetPreview",       "GetArchiveInfo",   "GetFileInfo",         "GetFile",
-    "ConfigurationDlg", "GetLastCondition", "GetPictureWithAlpha",
+    "ConfigurationDlg", "GetLastCondition", "GetPictureWithAlpha", "GetPictureInto",
 };
 
 void FreeLeft(HLOCAL& handle) {
     if (!PluginsAreStopped()) FreeLeftHandle(handle);
     handle = nullptr;
 }
+
+// What a plug-in asks for room for its picture. What goes wrong there is no memory to it.
+struct AskedRoom : susie::PictureRoom {
+    explicit AskedRoom(const RoomMaker& maker)
+        : susie::PictureRoom{sizeof(susie::PictureRoom), &Take}, rooms(maker) {}
+
+    static int __stdcall Take(susie::PictureRoom* asked, SIZE_T infoSize, SIZE_T bitsSize,
+                              void** info, void** bits) {
+        AskedRoom& room = *static_cast<AskedRoom*>(asked);
+        room.taken = Trapped(std::optional<RoomForPicture>(),
+                             [&] { return room.rooms(infoSize, bitsSize); });
+        if (!room.taken) return susie::kNoRoom;
+        *info = room.taken->info.data();
+        *bits = room.taken->bits.data();
+        return room.taken->isZero ? susie::kRoomOfZeros : susie::kRoom;
+    }
+
+    const RoomMaker& rooms;
+    std::optional<RoomForPicture> taken{};
+};
 
 // What a call has answered, with what it has handed out: after success blocks or null, else null.
 int32_t Received(int32_t answer, HLOCAL& handle) {
@@ -261,6 +281,21 @@ int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
                                &picture.bits, progress.Callback(), progress.UserData()),
             picture);
     });
+}
+
+// susiectl.dll passes the two addresses on as they are.
+int32_t SusieCalls::GetPictureInto(const SusieSource& source, const RoomMaker& rooms,
+                                   std::optional<RoomForPicture>& filled,
+                                   const ProgressRelay& progress) {
+    AskedRoom room(rooms);
+    const int32_t code = GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
+        return library.getPicture(
+            Address(SusieFunction::kGetPictureInto), source.source, source.length, source.flag,
+            reinterpret_cast<HLOCAL*>(static_cast<susie::PictureRoom*>(&room)), nullptr,
+            progress.Callback(), progress.UserData());
+    });
+    filled = code == susie::kSuccess ? room.taken : std::nullopt;
+    return code;
 }
 
 int32_t SusieCalls::GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,

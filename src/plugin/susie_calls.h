@@ -13,6 +13,7 @@
 
 #include "helpers/susiectl/susie_interface.h"
 #include "picture/modMemory.h"
+#include "plugin/picture_room.h"
 #include "plugin/plugin_connection.h"
 #include "plugin/susie_progress.h"
 #include "plugin/susie_source.h"
@@ -34,8 +35,9 @@ enum class SusieFunction {
     kConfigurationDlg,
     kGetLastCondition,  // not of the interface, and of few plug-ins
     kGetPictureWithAlpha,
+    kGetPictureInto,
 };
-constexpr size_t kSusieFunctionCount = 11;
+constexpr size_t kSusieFunctionCount = 12;
 
 // Under what names a call is logged and its failures are kept.
 struct SusieCallNames {
@@ -89,6 +91,10 @@ class SusieCalls {
     // After success the caller owns both blocks; after a failure `picture` is empty.
     int32_t GetPicture(const SusieSource& source, PicturePair& picture,
                        const ProgressRelay& progress);
+    // The same into room that the plug-in asks for, which it must be able to (Address). `filled`:
+    // what it was given last; nothing after a failure, and when it has not asked.
+    int32_t GetPictureInto(const SusieSource& source, const RoomMaker& rooms,
+                           std::optional<RoomForPicture>& filled, const ProgressRelay& progress);
     // Calls whatever function the caller names under the name of GetPreview.
     int32_t GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,
                        const ProgressRelay& progress);

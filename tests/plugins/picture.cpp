@@ -1,5 +1,6 @@
 // GetPictureInfo, GetPicture and GetPreview of the test plug-ins.
 #include <cstdlib>
+#include <cstring>
 
 #include "helpers/susiectl/susie_interface.h"
 #include "tests/plugins/function.h"
@@ -63,6 +64,30 @@ void HandOut(const Script& script, const PictureBlocks& blocks, HLOCAL* info, HL
         *bits = isWild ? wild : MakeBlock(blocks.bits, kind);
 }
 
+bool PutInto(susie::PictureRoom& room, const PictureBlocks& blocks) {
+    void* info = nullptr;
+    void* bits = nullptr;
+    if (!room.take(&room, blocks.info.size(), blocks.bits.size(), &info, &bits)) return false;
+    std::memcpy(info, blocks.info.data(), blocks.info.size());
+    std::memcpy(bits, blocks.bits.data(), blocks.bits.size());
+    return true;
+}
+
+int DecodeInto(void* frame, const std::string& content, susie::PictureRoom& room) {
+    return Run({"GetPictureInto", frame, 7, content}, [&](const Script& script) -> int {
+        if (!content.starts_with("TST ")) return susie::kUnknownFormat;
+        if (script.Has("no-handles")) return susie::kSuccess;
+        if (const auto size = script.Number("asks-only")) {
+            void* block = nullptr;
+            const bool hasRoom = room.take(&room, 40, *size, &block, &block) != susie::kNoRoom;
+            return hasRoom ? susie::kReadError : susie::kOutOfMemory;
+        }
+        if (script.Has("twice")) PutInto(room, MakePicture({7, 7, 24}, script));
+        const PictureBlocks blocks = MakePicture(ParseSize(content.substr(4)), script);
+        return PutInto(room, blocks) ? susie::kSuccess : susie::kOutOfMemory;
+    });
+}
+
 int Decode(const char* name, void* frame, const std::string& content, HLOCAL* info, HLOCAL* bits,
            susie::ProgressCallback progress, LONG_PTR userData) {
     return Run({name, frame, 7, content}, [&](const Script& script) -> int {
@@ -94,6 +119,12 @@ extern "C" int __stdcall GetPicture(const char* source, LONG_PTR length, uint32_
                                     LONG_PTR userData) {
     const std::string content = ReadSource(source, length, flag);
     return Decode("GetPicture", __builtin_dwarf_cfa(), content, info, bits, progress, userData);
+}
+
+extern "C" int __stdcall GetPictureInto(const char* source, LONG_PTR length, uint32_t flag,
+                                        susie::PictureRoom* room, void*, susie::ProgressCallback,
+                                        LONG_PTR) {
+    return DecodeInto(__builtin_dwarf_cfa(), ReadSource(source, length, flag), *room);
 }
 
 extern "C" int __stdcall GetPreview(const char* source, LONG_PTR length, uint32_t flag,

@@ -109,6 +109,57 @@ TEST_P(BundledPlugin, DecodesMemoryFilesAndPartsOfFiles) {
     EXPECT_EQ(info.hInfo, nullptr);
 }
 
+// Room for one picture, in which something stands.
+struct DirtyRoom : susie::PictureRoom {
+    explicit DirtyRoom(bool has)
+        : susie::PictureRoom{sizeof(susie::PictureRoom), &Take}, hasRoom(has) {}
+
+    static int __stdcall Take(susie::PictureRoom* asked, SIZE_T infoSize, SIZE_T bitsSize,
+                              void** info, void** bits) {
+        auto& room = *static_cast<DirtyRoom*>(asked);
+        room.info.assign(infoSize, 0xEE);
+        room.bits.assign(bitsSize, 0xEE);
+        *info = room.info.data();
+        *bits = room.bits.data();
+        return room.hasRoom ? susie::kRoom : susie::kNoRoom;
+    }
+
+    bool hasRoom;
+    Bytes info;
+    Bytes bits;
+};
+
+// Damaged pictures too: what stood in the room is no part of any.
+TEST_P(BundledPlugin, PutsTheSamePictureIntoRoomOfTheHosts) {
+    int shown = 0;
+    for (const Bytes& file : {picture, Cut(picture, picture.size() / 2)}) {
+        const char* const source = reinterpret_cast<const char*>(file.data());
+        const auto length = static_cast<LONG_PTR>(file.size());
+        HandedPicture handed(plugin, Bytes());
+        const int result = plugin.getPictureWithAlpha(source, length, susie::kSourceMemory,
+                                                      &handed.info, &handed.bits, nullptr, 0);
+        DirtyRoom room(true);
+        EXPECT_EQ(
+            plugin.getPictureInto(source, length, susie::kSourceMemory, &room, nullptr, nullptr, 0),
+            result);
+        if (result != susie::kSuccess) continue;
+        ++shown;
+        const auto bytes = [](HLOCAL block) {
+            const auto* const begin = static_cast<const uint8_t*>(LocalLock(block));
+            return Bytes(begin, begin + LocalSize(block));
+        };
+        EXPECT_EQ(room.info, bytes(handed.info));
+        EXPECT_EQ(room.bits, bytes(handed.bits));
+        DirtyRoom none(false);
+        EXPECT_EQ(
+            plugin.getPictureInto(source, length, susie::kSourceMemory, &none, nullptr, nullptr, 0),
+            susie::kOutOfMemory);
+    }
+    EXPECT_GT(shown, 0);
+    EXPECT_EQ(plugin.getPictureInto(nullptr, 0, 0, nullptr, nullptr, nullptr, 0),
+              susie::kInternalError);
+}
+
 TEST_P(BundledPlugin, AnswersFailuresWithTheirCodeAndNoBlocks) {
     const std::string junk = Write(Bytes(3000, 0x20));
     const std::string missing = junk + ".missing";

@@ -32,6 +32,8 @@ struct LoadedPlugin : LoadedModule {
 
     susie::GetPictureInfoFunction getPictureInfo = library["GetPictureInfo"];
     susie::GetPictureFunction getPicture = library["GetPicture"];
+    susie::GetPictureFunction getPictureWithAlpha = library["GetPictureWithAlpha"];
+    susie::GetPictureIntoFunction getPictureInto = library["GetPictureInto"];
     susie::GetPictureFunction getPreview = library["GetPreview"];
 };
 

@@ -183,6 +183,44 @@ TEST_P(ConnectionTest, OnlyPlainPicturesAreHandedOn) {
     EXPECT_FALSE(PluginsAreStopped());
 }
 
+// Only a host has it; here the plug-in hands out blocks.
+TEST_P(ConnectionTest, WhoCanPutsItsPictureIntoTheHostsRoom) {
+    Connected(L"iftst.spi");
+    const auto bytes = [](const DecodedPicture& decoded) {
+        const auto info = decoded.picture.Info();
+        const auto bits = decoded.picture.Bits();
+        return std::pair(std::vector(info.begin(), info.end()),
+                         std::vector(bits.begin(), bits.end()));
+    };
+    const std::string kinds[] = {"", "header:108", "biHeight:-2", "twice", "bits-size:20"};
+    std::vector<DecodedPicture> wanted;
+    for (const std::string& kind : kinds)
+        wanted.push_back(Decoded(kind));
+    const auto own = std::exchange(connection_, nullptr);
+    Connected(L"into_room.spi");
+    for (int round = 0; round < 2; ++round) {  // the second time the room has been used
+        for (size_t i = 0; i < wanted.size(); ++i) {
+            const DecodedPicture decoded = Decoded(kinds[i]);
+            ASSERT_EQ(decoded.HasSucceeded() && decoded.picture,
+                      static_cast<bool>(wanted[i].picture))
+                << kinds[i];
+            if (!decoded.picture) continue;
+            EXPECT_EQ(bytes(decoded), bytes(wanted[i])) << kinds[i];
+        }
+    }
+    const auto there = GetProcAddress(GetModuleHandleW(path_.c_str()), "GetPictureInto");
+    EXPECT_EQ(there != nullptr, IsLocal());
+    EXPECT_TRUE(Decoded("no-handles").HasSucceeded());
+    EXPECT_FALSE(Decoded("no-handles").picture);
+    if (IsLocal()) return;
+    // What fails keeps no room: all of these would be more than a process can have.
+    for (int i = 0; i < 50; ++i)
+        ASSERT_EQ(Decoded("asks-only:100000000").code, 6) << i;
+    EXPECT_TRUE(Decoded("crash:av:GetPictureInto").HasCrashed());
+    EXPECT_EQ(Errors(L"GetPicture"), 1);
+    EXPECT_TRUE(Decoded("").picture);
+}
+
 // The handles that the next movable blocks get are others than before when some have leaked.
 TEST_P(ConnectionTest, NothingOfAPluginsBlocksStays) {
     const auto freeHandles = [] {

@@ -1,0 +1,24 @@
+#include "plugins/common/room_picture.h"
+
+#include <cstring>
+
+namespace tessary::spi {
+
+bool RoomPicture::Allocate(size_t infoSize, size_t bitsSize) {
+    warmer_.Stop();
+    void* info = nullptr;
+    void* bits = nullptr;
+    const int answer = room_.take(&room_, infoSize, bitsSize, &info, &bits);
+    if (answer <= susie::kNoRoom) return false;
+    info_ = static_cast<uint8_t*>(info);
+    bits_ = static_cast<uint8_t*>(bits);
+    if (answer == susie::kRoomOfZeros) {
+        warmer_.Start(bits_, bitsSize);
+    } else {
+        std::memset(info_, 0, infoSize);
+        std::memset(bits_, 0, bitsSize);
+    }
+    return true;
+}
+
+}  // namespace tessary::spi
