@@ -106,8 +106,16 @@ void HostPool::ReadAnew(const std::wstring& plugin, Record& record) const {
 
 std::wstring HostPool::SlotOf(const std::wstring& plugin) {
     if (plugin.empty()) return {};
-    const Record& record = RecordOf(plugin);
-    return Sum(record.stored, record.told).IsAlone() ? ToUpper(plugin) : std::wstring();
+    Record& record = RecordOf(plugin);
+    const auto isAlone = [&] { return Sum(record.stored, record.told).IsAlone(); };
+    if (!isAlone()) return {};
+    // The user may have forgiven it meanwhile: then its own host is not needed any more.
+    ReadAnew(plugin, record);
+    const std::wstring own = ToUpper(plugin);
+    if (isAlone()) return own;
+    const auto left = slots_.find(own);
+    if (left != slots_.end()) left->second.usedAt = 0;
+    return {};
 }
 
 void HostPool::EndSuperfluous(const std::wstring& used) {

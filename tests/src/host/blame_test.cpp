@@ -4,6 +4,7 @@
 
 #include "plugin/CollectionSusie.h"
 #include "plugin/host_state.h"
+#include "plugin/plugin_log.h"
 #include "tests/src/host/host_test.h"
 
 namespace tessary {
@@ -122,6 +123,20 @@ TEST_F(HostTest, OneThatEndsHostsGoesOnAloneAndIsGivenUpAtLast) {
     EXPECT_EQ(TextOf(ReadEnds(path)), L"");
     EXPECT_EQ(bad.Supports(picture).code, 1);
     SetPluginConnector({});
+
+    // One that is alone comes back to the others as well, and leaves no host behind.
+    const auto lonelyPath = Plugin(L"iftst.spi", {}, NewName(L".spi"));
+    HostConnection lonely(lonelyPath, pool_);
+    for (int end = 0; end < 2; ++end)
+        pool_.Tell({{L"GetPicture", lonelyPath, {}}, EndKind::kCaught});
+    EXPECT_EQ(lonely.Supports(picture).code, 1);
+    const HANDLE own = OpenProcess(SYNCHRONIZE, FALSE, pool_.For(lonelyPath)->Id());
+    EXPECT_NE(pool_.For(lonelyPath), pool_.For(goodPath));
+    ForgetFailures(lonelyPath);
+    EXPECT_EQ(lonely.Decode(picture, DecodeKind::kFull, {}).code, 0);
+    EXPECT_EQ(pool_.For(lonelyPath), pool_.For(goodPath));
+    EXPECT_EQ(WaitForSingleObject(own, 5000), WAIT_OBJECT_0);
+    CloseHandle(own);
 }
 
 // Whoever collects ends has his own hosts spared of the plug-in, and nobody else's.
