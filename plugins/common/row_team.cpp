@@ -36,7 +36,7 @@ RowTeam::RowTeam(const RowPlaces& places, RowConversion conversion)
       bandRows_(std::clamp(static_cast<uint32_t>(kBandSize / storedStride_), 1u,
                            std::min(kMostBandRows, places.Height()))) {
     const unsigned threads = ThreadsFor(places);
-    ring_.resize(threads == 0 ? 1 : threads + 2);
+    ring_.resize(threads == 0 ? 1 : threads + 4);
     isDone_.resize(ring_.size());
     for (Band& band : ring_)
         band.rows.resize(storedStride_ * bandRows_);

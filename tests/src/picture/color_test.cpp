@@ -1,0 +1,103 @@
+// The way of colours to the screen.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "picture/color/convert_rows.h"
+#include "picture/color/monitor_colors.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tessary {
+namespace {
+
+using color::Layout;
+using color::Profile;
+
+// A monitor's: the primaries of sRGB with green and red exchanged, gamma 1.8.
+std::optional<Profile> StrangeProfile() {
+    color::Primaries primaries = color::kSrgbPrimaries;
+    std::swap(primaries.red, primaries.green);
+    return Profile::FromPrimaries(primaries, {1.8});
+}
+
+double OnStrangeMonitor(int sample) {
+    const double value = sample / 255.0;
+    const double light = value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    return 255 * std::pow(light, 1 / 1.8);
+}
+
+int reads = 0;
+std::optional<Profile> ReadStrange(HMONITOR) {
+    ++reads;
+    return StrangeProfile();
+}
+
+// Pixels of all colours.
+std::vector<uint8_t> Pixels(size_t count, size_t bytes) {
+    std::vector<uint8_t> pixels(count * bytes);
+    uint32_t seed = 7;
+    for (uint8_t& byte : pixels)
+        byte = static_cast<uint8_t>((seed = seed * 1664525 + 1013904223) >> 24);
+    return pixels;
+}
+
+TEST(ColorsOfMonitor, AreWhatTheProfileSaysOfThem) {
+    MonitorColors colors(ReadStrange);
+    reads = 0;
+    for (const Layout layout : {Layout::kBgr8, Layout::kBgra8}) {
+        const size_t bytes = BytesOf(layout);
+        const auto way = colors.WayFor(nullptr, {}, layout);
+        ASSERT_TRUE(way);
+        // In place, from the last row upwards, with padding that stays as it is.
+        constexpr uint32_t kWidth = 701, kHeight = 611;
+        const size_t stride = kWidth * bytes + 3;
+        const std::vector<uint8_t> before = Pixels(stride * kHeight, 1);
+        std::vector<uint8_t> pixels = before;
+        uint8_t* last = &pixels[stride * (kHeight - 1)];
+        const auto step = -static_cast<ptrdiff_t>(stride);
+        ConvertRows(*way, {last, step, last, step, kWidth, kHeight});
+        double worst = 0;
+        for (size_t i = 0; i < pixels.size(); ++i) {
+            const size_t at = i % stride, channel = at % bytes, pixel = i - channel;
+            if (at >= kWidth * bytes || channel == 3) {
+                ASSERT_EQ(pixels[i], before[i]);
+                continue;
+            }
+            const int sample = before[channel == 0 ? i : pixel + 3 - channel];
+            worst = std::max(worst, std::abs(pixels[i] - OnStrangeMonitor(sample)));
+        }
+        EXPECT_LE(worst, 0.75);
+        EXPECT_EQ(colors.WayFor(nullptr, {}, layout), way);
+    }
+    EXPECT_EQ(reads, 1);
+    // A picture in the monitor's own colours is shown as it is; one in others goes its own way.
+    EXPECT_EQ(colors.WayFor(nullptr, StrangeProfile()->Icc(), Layout::kBgr8), nullptr);
+    EXPECT_TRUE(colors.WayFor(nullptr, Profile::AdobeRgb().Icc(), Layout::kBgr8));
+    const std::vector<uint8_t> damaged(200, 1);
+    EXPECT_TRUE(colors.WayFor(nullptr, damaged, Layout::kBgr8));
+    colors.Forget();
+    EXPECT_TRUE(colors.WayFor(nullptr, {}, Layout::kBgr8));
+    EXPECT_EQ(reads, 2);
+    MonitorColors plain([](HMONITOR) -> std::optional<Profile> { return std::nullopt; });
+    EXPECT_EQ(plain.WayFor(nullptr, {}, Layout::kBgr8), nullptr);
+}
+
+TEST(ColorsOfMonitor, CountAsUnknownWithoutAUsableFile) {
+    const test::TemporaryFolder folder;
+    const auto write = [&](const std::vector<uint8_t>& bytes) {
+        const std::string_view content(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        return ReadProfileFile(folder.Write(L"monitor.icm", content)).has_value();
+    };
+    std::vector<uint8_t> icc = StrangeProfile()->Icc();
+    EXPECT_TRUE(write(icc));
+    EXPECT_FALSE(write(Profile::FromGreyCurve({1})->Icc()));
+    EXPECT_FALSE(write({}));
+    EXPECT_FALSE(ReadProfileFile(folder.Path()).has_value());
+    icc.resize(color::kLargestProfile + 1);
+    EXPECT_FALSE(write(icc));
+    ReadMonitorProfile(MonitorFromWindow(nullptr, MONITOR_DEFAULTTOPRIMARY));
+    EXPECT_FALSE(ReadMonitorProfile(nullptr).has_value());
+}
+
+}  // namespace
+}  // namespace tessary
