@@ -72,7 +72,8 @@ double MedianMilliseconds(const dib::DibView& picture, int32_t width, int32_t he
     std::vector<double> times;
     for (size_t run = 0; run < kRuns; ++run) {
         const auto start = std::chrono::steady_clock::now();
-        kernel::Resize(picture, width, height, kernel::ResizeFilter::kAutomatic, rows);
+        kernel::Resize(picture, width, height, {0, 0, width, height},
+                       kernel::ResizeFilter::kAutomatic, rows);
         const std::chrono::duration<double, std::milli> time =
             std::chrono::steady_clock::now() - start;
         times.push_back(time.count());

@@ -37,11 +37,19 @@ enum class ResizeFilter : uint32_t {
 };
 
 struct ResizeParameters {
-    uint32_t size;    // bytes of this record: sizeof(ResizeParameters)
+    uint32_t size;    // bytes of this record: sizeof(ResizeParameters), or kWholeResizeSize
     int32_t width;    // pixels of the new image, above 0
     int32_t height;   // above 0: the new image always has its bottom row first
     uint32_t filter;  // a ResizeFilter
+    // What is made of the new image, in its pixels: the image has the size of this part, as if it
+    // had been cut out of the whole. All 0, or a shorter record: all of it.
+    int32_t left = 0;
+    int32_t top = 0;
+    int32_t partWidth = 0;
+    int32_t partHeight = 0;
 };
+// Bytes of a record that ends before the part.
+constexpr uint32_t kWholeResizeSize = offsetof(ResizeParameters, left);
 
 // Where the blocks of an image lie. They belong to the image and stay where they are as long as it
 // exists.

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "helpers/kernel/column_pass.h"
@@ -20,13 +21,34 @@ constexpr uint64_t kBytesPerThread = 1u << 20;
 // Keeps the bytes of one row of floats far below what a 32-bit size can count.
 constexpr int32_t kMostWidth = 1 << 26;
 
+// The source's columns that are mixed.
+struct Columns {
+    int32_t first;
+    size_t samples;  // of their rows
+};
+
+// Those that count, and as many more as a whole SSE2 register needs.
+Columns ColumnsOf(const dib::DibView& source, const RowFilter& filter) {
+    const size_t pixelBytes = SourceRows::PixelBytes(source);
+    const size_t whole = SourceRows::RowBytes(source);
+    const auto samples = [&](int32_t first) {
+        return static_cast<size_t>(filter.EndPixel() - first) * pixelBytes;
+    };
+    int32_t first = filter.FirstPixel();
+    while (first > 0 && samples(first) < SourceRows::kLeastRowBytes)
+        --first;
+    const size_t readable = whole - static_cast<size_t>(first) * pixelBytes;
+    return {first, std::min(std::max(samples(first), SourceRows::kLeastRowBytes), readable)};
+}
+
 // What all threads of one resize share.
 struct Job {
     const dib::DibView& source;
     FilterAxis vertical;
     RowFilter horizontal;
-    size_t width;
-    int32_t height;
+    int32_t height;  // of the whole target
+    Part part;
+    Columns columns;
     size_t stride;
     std::span<uint8_t> rows;
     Instructions instructions;
@@ -36,13 +58,14 @@ struct Job {
 // that nothing can fail in a thread.
 class Band {
   public:
-    // Target rows first <= y < end, counted from the top.
+    // Target rows first <= y < end, counted from the top of the part.
     Band(const Job& job, int32_t first, int32_t end)
         : job_(job),
           first_(first),
           end_(end),
           source_(job.source, job.vertical.MostWeights()),
-          mixed_(SourceRows::RowBytes(job.source) + RowFilter::kPadding) {
+          skipped_(static_cast<size_t>(job.columns.first) * SourceRows::PixelBytes(job.source)),
+          mixed_(job.columns.samples + RowFilter::kPadding) {
         const auto most = static_cast<size_t>(job.vertical.MostWeights());
         weights_.reserve(most);
         fixed_.Reserve(most);
@@ -51,11 +74,11 @@ class Band {
 
     void Run() {
         for (int32_t y = first_; y < end_; ++y) {
-            MixSourceRows(y);
-            const auto stored = static_cast<size_t>(job_.height - 1 - y);
+            MixSourceRows(job_.part.top + y);
+            const auto stored = static_cast<size_t>(job_.part.height - 1 - y);
             const auto row = job_.rows.subspan(stored * job_.stride, job_.stride);
-            job_.horizontal.Apply(mixed_, row);
-            std::fill(row.begin() + static_cast<ptrdiff_t>(job_.width * 3), row.end(), uint8_t{0});
+            job_.horizontal.Apply(mixed_, job_.columns.first, row);
+            std::fill(row.begin() + ptrdiff_t{job_.part.width} * 3, row.end(), uint8_t{0});
         }
     }
 
@@ -70,7 +93,7 @@ class Band {
             const size_t count = std::min(window, weights_.size() - done);
             rows_.clear();
             for (size_t i = done; i < done + count; ++i)
-                rows_.push_back(source_.Row(top + static_cast<int32_t>(i)));
+                rows_.push_back(source_.Row(top + static_cast<int32_t>(i)) + skipped_);
             MixRows(rows_, fixed_.Values().subspan(done, count), fixed_.Unit(), done > 0, out,
                     job_.instructions);
         }
@@ -83,38 +106,51 @@ class Band {
     std::vector<double> weights_;
     FixedWeights fixed_;
     std::vector<const uint8_t*> rows_;
-    std::vector<float> mixed_;  // one row of the source's width and the padding behind it
+    size_t skipped_;            // samples of a row before the columns that are mixed
+    std::vector<float> mixed_;  // the columns of one row, and the padding behind it
 };
 
+// Of the rows and columns that are mixed, about.
+uint64_t SourceBytes(const Job& job) {
+    const uint64_t rows = uint64_t{static_cast<uint32_t>(job.source.Height())} *
+                          static_cast<uint32_t>(job.part.height) /
+                          static_cast<uint32_t>(job.height);
+    return rows * job.columns.samples;
+}
+
 int32_t BandCount(const Job& job) {
-    const uint64_t bytes = uint64_t{job.source.Bits().size()} + job.rows.size();
+    const uint64_t bytes = SourceBytes(job) + job.rows.size();
     const uint64_t cores =
         std::clamp<uint64_t>(std::thread::hardware_concurrency(), 1, kMostThreads);
     const uint64_t bands = std::clamp<uint64_t>(bytes / kBytesPerThread, 1, cores);
-    return static_cast<int32_t>(std::min<uint64_t>(bands, static_cast<uint64_t>(job.height)));
+    return static_cast<int32_t>(std::min<uint64_t>(bands, static_cast<uint64_t>(job.part.height)));
 }
 
 }  // namespace
 
-void Resize(const dib::DibView& source, int32_t width, int32_t height, ResizeFilter filter,
-            std::span<uint8_t> rows, Instructions instructions) {
+void Resize(const dib::DibView& source, int32_t width, int32_t height, const Part& part,
+            ResizeFilter filter, std::span<uint8_t> rows, Instructions instructions) {
     if (source.Width() > kMostWidth) throw std::length_error("picture too wide");
     const FilterAxis across(source.Width(), width, filter);
+    RowFilter horizontal(across, part.left, part.width, SourceRows::PixelBytes(source),
+                         instructions);
+    const Columns columns = ColumnsOf(source, horizontal);
     const Job job{source,
                   FilterAxis(source.Height(), height, filter),
-                  RowFilter(across, width, SourceRows::PixelBytes(source), instructions),
-                  static_cast<size_t>(width),
+                  std::move(horizontal),
                   height,
-                  static_cast<size_t>(dib::RowStride(static_cast<uint64_t>(width), 24)),
+                  part,
+                  columns,
+                  static_cast<size_t>(dib::RowStride(static_cast<uint64_t>(part.width), 24)),
                   rows,
                   instructions};
-    assert(rows.size() == job.stride * static_cast<size_t>(height));
+    assert(rows.size() == job.stride * static_cast<size_t>(part.height));
 
     const int32_t count = BandCount(job);
     std::vector<Band> bands;
     bands.reserve(static_cast<size_t>(count));
     const auto boundary = [&](int32_t band) {
-        return static_cast<int32_t>(int64_t{height} * band / count);
+        return static_cast<int32_t>(int64_t{part.height} * band / count);
     };
     for (int32_t band = 0; band < count; ++band)
         bands.emplace_back(job, boundary(band), boundary(band + 1));

@@ -10,14 +10,24 @@
 
 namespace tessary::kernel {
 
-// Resizes `source` to width x height pixels (both above 0), written to `rows` as 24-bit pixels,
-// bottom row first, each row padded with zeros to 4 bytes: RowStride(width, 24) x height bytes.
+// A part of a picture, in its pixels.
+struct Part {
+    int32_t left;
+    int32_t top;
+    int32_t width;
+    int32_t height;
+};
+
+// Resizes `source` to width x height pixels (both above 0), of which `part` is written to `rows`
+// as 24-bit pixels, bottom row first, each row padded with zeros to 4 bytes: RowStride(part.width,
+// 24) x part.height bytes. Only what the part is mixed of is read.
 //
 // The colour values are mixed as they are stored (no gamma). Rows are mixed first, then pixels, in
 // one pass over the source on as many threads as the machine has cores; beside `rows` only a few
 // source rows are held in memory. The fourth byte of 32-bit pixels is ignored. Throws
 // std::bad_alloc or std::length_error when memory runs out.
-void Resize(const dib::DibView& source, int32_t width, int32_t height, ResizeFilter filter,
-            std::span<uint8_t> rows, Instructions instructions = BestInstructions());
+void Resize(const dib::DibView& source, int32_t width, int32_t height, const Part& part,
+            ResizeFilter filter, std::span<uint8_t> rows,
+            Instructions instructions = BestInstructions());
 
 }  // namespace tessary::kernel

@@ -2,6 +2,7 @@
 
 #include <immintrin.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 
@@ -27,15 +28,18 @@ inline void PutPixel(__m128 samples, uint8_t* bgr) {
 
 }  // namespace
 
-RowFilter::RowFilter(const FilterAxis& axis, int32_t targetWidth, size_t pixelSamples,
+RowFilter::RowFilter(const FilterAxis& axis, int32_t left, int32_t width, size_t pixelSamples,
                      Instructions instructions)
     : pixelSamples_(pixelSamples), instructions_(instructions) {
     // The padding covers what the last group's zero weights and the fourth lane read.
     static_assert(kPadding >= (kGroup - 1) * 4 + 1);
-    targets_.reserve(static_cast<size_t>(targetWidth));
+    targets_.reserve(static_cast<size_t>(width));
     std::vector<double> exact;
-    for (int32_t target = 0; target < targetWidth; ++target) {
+    for (int32_t target = left; target < left + width; ++target) {
         const int32_t first = axis.WeightsOf(target, exact);
+        const int32_t end = first + static_cast<int32_t>(exact.size());
+        firstPixel_ = target == left ? first : std::min(firstPixel_, first);
+        endPixel_ = std::max(endPixel_, end);
         const size_t groups = (exact.size() + kGroup - 1) / kGroup;
         targets_.push_back({first, static_cast<int32_t>(groups)});
         const size_t begin = weights_.size();
@@ -45,11 +49,11 @@ RowFilter::RowFilter(const FilterAxis& axis, int32_t targetWidth, size_t pixelSa
 }
 
 template <size_t kPixelSamples>
-void RowFilter::ApplyTo(const float* row, std::span<uint8_t> bgr) const {
+void RowFilter::ApplyTo(const float* row, int32_t from, std::span<uint8_t> bgr) const {
     const float* weights = weights_.data();
     uint8_t* out = bgr.data();
     for (const Target& target : targets_) {
-        const float* pixel = row + static_cast<size_t>(target.first) * kPixelSamples;
+        const float* pixel = row + static_cast<size_t>(target.first - from) * kPixelSamples;
         __m128 even = _mm_setzero_ps();
         __m128 odd = _mm_setzero_ps();
         for (int32_t group = 0; group < target.groups; ++group) {
@@ -71,13 +75,13 @@ void RowFilter::ApplyTo(const float* row, std::span<uint8_t> bgr) const {
 // As ApplyTo, the even weights' pixels in the lower half of a register and the odd ones' in the
 // upper: the same sums in the same order.
 template <size_t kPixelSamples>
-void RowFilter::ApplyWideTo(const float* row, std::span<uint8_t> bgr) const {
+void RowFilter::ApplyWideTo(const float* row, int32_t from, std::span<uint8_t> bgr) const {
     const __m256i firstTwo = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1);
     const __m256i lastTwo = _mm256_setr_epi32(2, 2, 2, 2, 3, 3, 3, 3);
     const float* weights = weights_.data();
     uint8_t* out = bgr.data();
     for (const Target& target : targets_) {
-        const float* pixel = row + static_cast<size_t>(target.first) * kPixelSamples;
+        const float* pixel = row + static_cast<size_t>(target.first - from) * kPixelSamples;
         __m256 sums = _mm256_setzero_ps();
         for (int32_t group = 0; group < target.groups; ++group) {
             const __m256 four = _mm256_broadcast_ps(reinterpret_cast<const __m128*>(weights));
@@ -96,18 +100,18 @@ void RowFilter::ApplyWideTo(const float* row, std::span<uint8_t> bgr) const {
 
 #endif
 
-void RowFilter::Apply(std::span<const float> row, std::span<uint8_t> bgr) const {
+void RowFilter::Apply(std::span<const float> row, int32_t from, std::span<uint8_t> bgr) const {
     assert(bgr.size() >= targets_.size() * 3);
 #if TESSARY_MAY_USE_AVX2
     if (instructions_ == Instructions::kAvx2) {
-        return pixelSamples_ == 4 ? ApplyWideTo<4>(row.data(), bgr)
-                                  : ApplyWideTo<3>(row.data(), bgr);
+        return pixelSamples_ == 4 ? ApplyWideTo<4>(row.data(), from, bgr)
+                                  : ApplyWideTo<3>(row.data(), from, bgr);
     }
 #endif
     if (pixelSamples_ == 4) {
-        ApplyTo<4>(row.data(), bgr);
+        ApplyTo<4>(row.data(), from, bgr);
     } else {
-        ApplyTo<3>(row.data(), bgr);
+        ApplyTo<3>(row.data(), from, bgr);
     }
 }
 

@@ -14,36 +14,44 @@ namespace tessary::kernel {
 // Made once per resize and shared by its threads.
 class RowFilter {
   public:
-    // `pixelSamples`: samples from one source pixel to the next, 3 or 4. Throws std::bad_alloc.
-    RowFilter(const FilterAxis& axis, int32_t targetWidth, size_t pixelSamples,
+    // For the target pixels `left` to `left` + `width`. `pixelSamples`: samples from one source
+    // pixel to the next, 3 or 4. Throws std::bad_alloc.
+    RowFilter(const FilterAxis& axis, int32_t left, int32_t width, size_t pixelSamples,
               Instructions instructions = BestInstructions());
+
+    // The source pixels that count: from the first one to behind the last one.
+    int32_t FirstPixel() const { return firstPixel_; }
+    int32_t EndPixel() const { return endPixel_; }
 
     // How many samples behind the row Apply reads without using them; they have to be finite.
     static constexpr size_t kPadding = 16;
 
-    // Mixes one row (source width x pixelSamples floats and kPadding more) into targetWidth x 3
-    // bytes, rounded and limited to 0...255. Of each pixel the first three samples count.
-    void Apply(std::span<const float> row, std::span<uint8_t> bgr) const;
+    // Mixes one row, which begins with the source pixel `from` (at most FirstPixel) and has
+    // kPadding more floats behind EndPixel, into `width` x 3 bytes, rounded and limited to 0...255.
+    // Of each pixel the first three samples count.
+    void Apply(std::span<const float> row, int32_t from, std::span<uint8_t> bgr) const;
 
   private:
-    // Where the weights of one target pixel begin in the row, and how many groups of four follow in
-    // weights_.
+    // Which source pixel the weights of one target pixel begin with, and how many groups of four
+    // follow in weights_.
     struct Target {
         int32_t first;
         int32_t groups;
     };
 
     template <size_t kPixelSamples>
-    void ApplyTo(const float* row, std::span<uint8_t> bgr) const;
+    void ApplyTo(const float* row, int32_t from, std::span<uint8_t> bgr) const;
 
 #if TESSARY_MAY_USE_AVX2
     template <size_t kPixelSamples>
-    __attribute__((target("avx2"))) void ApplyWideTo(const float* row,
+    __attribute__((target("avx2"))) void ApplyWideTo(const float* row, int32_t from,
                                                      std::span<uint8_t> bgr) const;
 #endif
 
     size_t pixelSamples_;
     Instructions instructions_;
+    int32_t firstPixel_ = 0;
+    int32_t endPixel_ = 0;
     std::vector<Target> targets_;
     std::vector<float> weights_;  // of all targets one after the other, zeros up to a whole group
 };

@@ -10,17 +10,30 @@ using namespace tessary::kernel;
 
 namespace {
 
-bool AreValid(const ResizeParameters& parameters) {
-    return parameters.size >= sizeof(parameters) && parameters.width > 0 && parameters.height > 0 &&
-           parameters.filter <= static_cast<uint32_t>(ResizeFilter::kCatmullRom);
+Part PartOf(const ResizeParameters& parameters) {
+    const bool named = parameters.size >= sizeof(parameters) &&
+                       (parameters.left != 0 || parameters.top != 0 || parameters.partWidth != 0 ||
+                        parameters.partHeight != 0);
+    if (!named) return {0, 0, parameters.width, parameters.height};
+    return {parameters.left, parameters.top, parameters.partWidth, parameters.partHeight};
 }
 
-dib::BitmapInfoHeader ResizedHeader(const dib::BitmapInfoHeader& source,
-                                    const ResizeParameters& parameters) {
+bool AreValid(const ResizeParameters& parameters) {
+    if (parameters.size < kWholeResizeSize || parameters.width <= 0 || parameters.height <= 0 ||
+        parameters.filter > static_cast<uint32_t>(ResizeFilter::kCatmullRom)) {
+        return false;
+    }
+    const Part part = PartOf(parameters);
+    return part.left >= 0 && part.top >= 0 && part.width > 0 && part.height > 0 &&
+           part.width <= parameters.width - part.left &&
+           part.height <= parameters.height - part.top;
+}
+
+dib::BitmapInfoHeader ResizedHeader(const dib::BitmapInfoHeader& source, const Part& part) {
     dib::BitmapInfoHeader header{};
     header.size = dib::kInfoHeaderSize;
-    header.width = parameters.width;
-    header.height = parameters.height;
+    header.width = part.width;
+    header.height = part.height;
     header.planes = 1;
     header.bitCount = 24;
     header.xPelsPerMeter = source.xPelsPerMeter;
@@ -62,10 +75,11 @@ extern "C" __declspec(dllexport) KernelResult
     return CallWithKernel([&](const KernelLibrary& kernel) {
         const std::optional<dib::DibView> view = kernel.ViewOf(source);
         if (!view) return kKernelBadHandle;
+        const Part part = PartOf(*parameters);
         NewImage resized(kernel);
-        const KernelResult result = resized.Create(ResizedHeader(view->Header(), *parameters));
+        const KernelResult result = resized.Create(ResizedHeader(view->Header(), part));
         if (result != kKernelOk) return result;
-        Resize(*view, parameters->width, parameters->height,
+        Resize(*view, parameters->width, parameters->height, part,
                static_cast<ResizeFilter>(parameters->filter), resized.Bits());
         *out = resized.Release();
         return kKernelOk;

@@ -102,7 +102,11 @@ TEST_F(PicKernel, RefusesBadParameters) {
     const std::pair<ResizeParameters, KernelResult> cases[] = {
         {{kSize, 0, 5, kAutomatic}, kKernelBadParameter},
         {{kSize, 5, -5, kAutomatic}, kKernelBadParameter},
-        {{kSize - 1, 5, 5, kAutomatic}, kKernelBadParameter},
+        {{kWholeResizeSize - 1, 5, 5, kAutomatic}, kKernelBadParameter},
+        {{kSize, 5, 5, kAutomatic, 3, 0, 3, 5}, kKernelBadParameter},
+        {{kSize, 5, 5, kAutomatic, 0, 0, 5, 0}, kKernelBadParameter},
+        {{kSize, 5, 5, kAutomatic, 0, -1, 5, 5}, kKernelBadParameter},
+        {{kSize, 5, 5, kAutomatic, kHuge, 0, kHuge, 5}, kKernelBadParameter},
         {{kSize, 5, 5, 3}, kKernelBadParameter},
         {{kSize, kHuge, 1, kAutomatic}, kKernelTooLarge},
         {{kSize, 1, kHuge, kAutomatic}, kKernelTooLarge},

@@ -23,8 +23,9 @@ std::vector<uint8_t> Resized(const dib::DibView& source, int32_t width, int32_t 
     const uint64_t stride = dib::RowStride(static_cast<uint64_t>(width), 24);
     std::vector<uint8_t> rows(static_cast<size_t>(stride) * static_cast<size_t>(height), 0xEE);
     std::vector<uint8_t> plain = rows;
-    Resize(source, width, height, filter, rows);
-    Resize(source, width, height, filter, plain, Instructions::kSse2);
+    const Part all{0, 0, width, height};
+    Resize(source, width, height, all, filter, rows);
+    Resize(source, width, height, all, filter, plain, Instructions::kSse2);
     EXPECT_EQ(rows, plain) << "with this processor's own instructions";
     return rows;
 }
@@ -67,6 +68,33 @@ TEST(Resize, TakesExtremeShapes) {
         std::fill_n(picture.bits.begin(), 3000 * 200, uint8_t{0});
         ExpectLikeReference(picture, 3, 1);
         ExpectLikeReference(picture, 2, 3);
+    }
+}
+
+TEST(Resize, MakesAPartAsItStandsInTheWhole) {
+    for (const PixelFormat format : dib::test::kAllFormats) {
+        const SamplePicture picture(format, 203, format == k8 ? -151 : 151);
+        const dib::DibView source = picture.View();
+        for (const auto& [width, height] : {std::pair{61, 47}, {700, 500}, {203, 151}}) {
+            const std::vector<uint8_t> whole = Resized(source, width, height);
+            const auto wholeStride = dib::RowStride(static_cast<uint64_t>(width), 24);
+            for (const Part& part :
+                 {Part{0, 0, 1, 1}, Part{width - 1, height - 1, 1, 1},
+                  Part{width / 3, height / 4, 17, 13}, Part{width - 20, 0, 20, height}}) {
+                const auto stride = dib::RowStride(static_cast<uint64_t>(part.width), 24);
+                std::vector<uint8_t> rows(stride * static_cast<size_t>(part.height));
+                Resize(source, width, height, part, ResizeFilter::kAutomatic, rows);
+                for (int32_t y = 0; y < part.height; ++y) {
+                    const uint8_t* const made =
+                        &rows[static_cast<size_t>(part.height - 1 - y) * stride];
+                    const uint8_t* const expected =
+                        &whole[static_cast<size_t>(height - 1 - part.top - y) * wholeStride +
+                               static_cast<size_t>(part.left) * 3];
+                    ASSERT_TRUE(std::equal(made, made + size_t{3} * part.width, expected))
+                        << width << " wide, part at " << part.left << ", row " << y;
+                }
+            }
+        }
     }
 }
 
@@ -113,7 +141,8 @@ TEST(Resize, RefusesRowsThatNoMemoryCanHold) {
     std::memcpy(&picture.info[offsetof(dib::BitmapInfoHeader, width)], &width, sizeof(width));
     std::vector<uint8_t> rows(4);
     const dib::DibView view = dib::DibView::Of(picture.info, bits).value();
-    EXPECT_THROW(Resize(view, 1, 1, ResizeFilter::kAutomatic, rows), std::length_error);
+    EXPECT_THROW(Resize(view, 1, 1, {0, 0, 1, 1}, ResizeFilter::kAutomatic, rows),
+                 std::length_error);
 }
 
 }  // namespace
