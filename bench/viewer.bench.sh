@@ -15,6 +15,7 @@ run_bench() { scripts/wine.sh "$TESSARY_X86_BUILD/bench/viewer_bench.exe" "$@" |
 convert -seed 24 -size 1500x1000 plasma:fractal -resize 6000x4000! -attenuate 0.4 +noise Gaussian \
     -quality 90 "$work/photograph.jpg"
 run_bench show "$(windows_name "$work/photograph.jpg")"
+run_bench sight "$(windows_name "$work/photograph.jpg")"
 
 mkdir "$work/plugins"
 for ((i = 0; i < 25; ++i)); do

@@ -48,8 +48,14 @@
 #define commandDisplaySize_2 1243
 #define commandDisplaySize_3 1244
 #define commandDisplaySize_4 1245
-#define commandDisplaySize 1246  // the next display size
+#define commandDisplaySize_5 1246
+#define commandDisplaySize_6 1247
+#define commandDisplaySize 1248  // the next display size
 #define commandFullScreen 1250
+#define commandZoomIn 1260
+#define commandZoomOut 1261
+#define commandToggleFit 1262  // 100 %, or the whole picture in the window
+#define commandEnlargeSmall 1263
 
 #define menuOption 1300
 #define menuOptionSetup 1301
@@ -239,6 +245,11 @@
 #define labelReadAheadMemory 3306
 #define textReadAheadMemory 3307
 #define labelReadAheadMemoryUnit 3308
+#define checkEnlargeSmall 3309
+#define checkHoldBoxes 3310
+#define checkKeepZoom 3311
+#define checkSizeButton 3312
+#define combDoubleClick 3313
 
 // One of each for every row of the page of formats; further ones follow.
 #define cmdFileFormatEnv_0 3400

@@ -18,8 +18,11 @@
 #include "bench/common/hosted_plugins.h"
 #include "bench/common/stopwatch.h"
 #include "bench/viewer/bare_jpeg.h"
+#include "bench/viewer/sight_bench.h"
 #include "picture/current_picture.h"
 #include "picture/show/modShowPicture.h"
+#include "picture/view/picture_kernel.h"
+#include "picture/view/sight_pixels.h"
 
 namespace tessary {
 namespace {
@@ -31,23 +34,20 @@ constexpr int kRuns = 9;
 // A view without a window: takes pictures as the main window does.
 class QuietView final : public PictureView {
   public:
-    ~QuietView() { ClearPicture(); }
-    SIZE WorkAreaSize() const override { return {1280, 1024}; }
-    void SetPicture(IPicture* picture, int, int) override {
-        picture->AddRef();
-        ClearPicture();
-        picture_ = picture;
+    FitRoom Room() const override { return {{1280, 1024}, {1280, 1024}}; }
+    void SetPicture(Picture picture, const Picture& prepared) override {
+        const SIZE size = FittedSize({picture.Width(), picture.Height()}, ChosenFitRule(), Room());
+        const SightPart all{size, {0, 0, size.cx, size.cy}};
+        shown_ = SharpPart::Of(
+            all, prepared ? prepared.Another() : ResizePicturePart(picture, size, all.part));
     }
     void ShowReason(const std::wstring&) override { ClearPicture(); }
-    void ClearPicture() override {
-        if (picture_ != nullptr) picture_->Release();
-        picture_ = nullptr;
-    }
+    void ClearPicture() override { shown_ = nullptr; }
     void SetPanelText(int, const std::wstring&) override {}
     bool Breathe() override { return true; }
 
   private:
-    IPicture* picture_ = nullptr;
+    std::shared_ptr<const SharpPart> shown_;
 };
 
 // Nobody looks at the members.
@@ -84,6 +84,16 @@ int BenchShow(const std::wstring& path) {
                 Median(show) / Median(bare));
     std::printf("  of it resize and display  %7.1f ms\n", Median(display));
     std::printf("  of it the rest            %7.1f ms\n", Median(show) - Median(display));
+    SetCurrentPicture({});
+    return 0;
+}
+
+int BenchSightOf(const std::wstring& path) {
+    LoadPluginsOf(FinishedFolder());
+    QuietView view;
+    QuietList members;
+    if (!IsPictureKind(ShowFile(path, view, members).kind)) return 1;
+    BenchSight(CurrentPicture().Another());
     SetCurrentPicture({});
     return 0;
 }
@@ -205,6 +215,7 @@ int wmain(int count, wchar_t** arguments) {
     UsePluginsAsTheViewer();
     int result = 2;
     if (command == L"show") result = BenchShow(rest[0]);
+    if (command == L"sight") result = BenchSightOf(rest[0]);
     if (command == L"scan") result = BenchScan(rest[0]);
     if (command == L"leave") result = BenchLeave(rest);
     UnloadSPI();

@@ -142,6 +142,48 @@ void RowReader::Unpack(std::span<const uint8_t> row, std::span<uint8_t> out) con
     }
 }
 
+void RowReader::Pick(std::span<const uint8_t> row, std::span<const int32_t> columns,
+                     uint32_t* pixels) const {
+    const uint8_t* const in = row.data();
+    const auto pick = [&](auto colorOf) {
+        for (const int32_t column : columns)
+            *pixels++ = colorOf(static_cast<size_t>(column));
+    };
+    switch (format_) {
+        case PixelFormat::kIndexed1:
+            return pick([&](size_t x) { return low_[in[x / 8] >> (7 - x % 8) & 1u]; });
+        case PixelFormat::kIndexed4:
+            return pick([&](size_t x) { return low_[in[x / 2] >> (x % 2 == 0 ? 4 : 0) & 15u]; });
+        case PixelFormat::kIndexed8:
+            return pick([&](size_t x) { return low_[in[x]]; });
+        case PixelFormat::kRgb555:
+        case PixelFormat::kRgb565:
+            return pick([&](size_t x) { return low_[in[x * 2]] | high_[in[x * 2 + 1]]; });
+        case PixelFormat::kBgr24:
+            return pick([&](size_t x) {
+                const uint8_t* const p = in + x * 3;
+                return p[0] | static_cast<uint32_t>(p[1]) << 8 | static_cast<uint32_t>(p[2]) << 16 |
+                       kOpaque;
+            });
+        case PixelFormat::kBgra32:
+            if (!allTransparent_) {
+                return pick([&](size_t x) {
+                    const uint8_t* const p = in + x * 4;
+                    return OverWhite(p[0], p[3]) |
+                           static_cast<uint32_t>(OverWhite(p[1], p[3])) << 8 |
+                           static_cast<uint32_t>(OverWhite(p[2], p[3])) << 16 | kOpaque;
+                });
+            }
+            [[fallthrough]];
+        case PixelFormat::kBgrx32:
+            return pick([&](size_t x) {
+                uint32_t color = 0;
+                std::memcpy(&color, in + x * 4, 4);
+                return color | kOpaque;
+            });
+    }
+}
+
 void RowReader::Row(std::span<const uint8_t> row, std::span<uint8_t> bgr) const {
     Unpack<3>(row, bgr);
 }

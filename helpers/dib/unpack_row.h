@@ -26,6 +26,11 @@ class RowReader {
     // byte is the stored one for 32-bit pictures (alpha or anything), 255 for all others.
     void RowBgra(std::span<const uint8_t> row, std::span<uint8_t> bgra) const;
 
+    // Unpacks the pixels of these columns alone, as Row does, with blue in the lowest byte and 255
+    // in the highest: as many as there are columns, all of them inside the row.
+    void Pick(std::span<const uint8_t> row, std::span<const int32_t> columns,
+              uint32_t* pixels) const;
+
   private:
     template <int kBytes>
     void Unpack(std::span<const uint8_t> row, std::span<uint8_t> out) const;

@@ -13,6 +13,7 @@ namespace tessary {
 void SetFirstRunDefaults() {
     GeneralSettings& general = Values().general;
     general.useSPI = 1;
+    Values().fixSizeValue = kSizeModeWindow;
     general.spiFolder[0] = AppFolder();
     general.loadSPI[0] = true;
     const std::wstring susieFolder = GetSusiePluginFolder();

@@ -4,9 +4,17 @@
 #include <ocidl.h>
 #include <windows.h>
 
+#include "app/base/handles.h"
 #include "picture/picture.h"
 
 namespace tessary {
+
+namespace handle_traits {
+struct Picture : NullIsNone<IPicture*> {
+    static void Close(IPicture* picture) { picture->Release(); }
+};
+}  // namespace handle_traits
+using PictureReference = UniqueHandle<handle_traits::Picture>;
 
 // The addresses of a picture pair's two locked blocks: never mixed with the handles in one value.
 struct LockedPair {

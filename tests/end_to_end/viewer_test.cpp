@@ -84,7 +84,9 @@ TEST_F(ViewerTest, ShowsABitmapInItsBoxNamesAPluginAndKeepsItsSettings) {
     EXPECT_NE(ColorAt(-80), kColor);
     EXPECT_TRUE(Tells(0, L"4個のプラグイン"));
     EXPECT_TRUE(Tells(1, L"[表示中] 写真 사진.bmp ( 2000×200 24bit )"));
-    EXPECT_TRUE(Tells(2, L"前回は iftessjpeg.spi の処理中（GetPicture）に終了しました"));
+    EXPECT_TRUE(Tells(kScalePanel - 1, L"32 %"));
+    EXPECT_TRUE(
+        Tells(kNoticePanel - 1, L"前回は iftessjpeg.spi の処理中（GetPicture）に終了しました"));
     EXPECT_EQ(Close(), 0);
     EXPECT_EQ(GetSetting(L"General", L"UseSPI"), L"1");
     EXPECT_EQ(GetSetting(L"Init", L"Run"), L"1");
@@ -130,7 +132,7 @@ TEST_F(ViewerTest, PluginsAreAskedBehindTheWindowAndOnlyOnce) {
         FindMain();
         EXPECT_TRUE(Tells(0, L"1個のプラグイン")) << script;
         EXPECT_TRUE(Tells(1, shown)) << script;
-        EXPECT_EQ(Status(2), L"") << script;
+        EXPECT_EQ(Status(kNoticePanel - 1), L"") << script;
         EXPECT_EQ(Close(), 0);
     };
     runWith("", L"");
@@ -216,8 +218,9 @@ TEST_F(ViewerTest, ALongStartIsToldAndCanBeStopped) {
     EXPECT_TRUE(WaitUntil([&] { return !IsWindow(progress); }));
     const int loaded = std::stoi(L"0" + Status(0));
     EXPECT_LT(loaded, kCount);
-    EXPECT_EQ(Status(2), L"プラグインの読み込みを中止しました（" + std::to_wstring(loaded) +
-                             L" / " + std::to_wstring(kCount) + L"）");
+    EXPECT_EQ(Status(kNoticePanel - 1), L"プラグインの読み込みを中止しました（" +
+                                            std::to_wstring(loaded) + L" / " +
+                                            std::to_wstring(kCount) + L"）");
     EXPECT_EQ(Close(), 0);
 }
 

@@ -18,6 +18,14 @@ constexpr int16_t kWorkingSeconds = 20;  // at anything else
 constexpr int16_t kMostAskingSeconds = 60;
 constexpr int16_t kMostWorkingSeconds = 3600;
 
+// What a double click on the picture does.
+constexpr int16_t kDoubleClickZooms = 0;  // between 100 % and the whole picture
+constexpr int16_t kDoubleClickFullScreen = 1;
+
+// The display size modes that a click on the control bar's button goes round.
+constexpr int16_t kSizeButtonAll = 0;
+constexpr int16_t kSizeButtonFixed = 1;  // from 0 to 4
+
 // Settings of the section `General`, but for the display size mode.
 struct GeneralSettings {
     int16_t useSPI = 0;                          // 1: use Susie plug-ins
@@ -42,6 +50,11 @@ struct GeneralSettings {
     int16_t openFolderType = 0;   // 0: the classic folder dialog, else the system's
     int16_t readAhead = 1;        // 1: pictures are read before they are asked for
     int32_t readAheadMemory = 0;  // megabytes that may be kept of them; 0: as there is room
+    int16_t enlargeSmall = 0;     // 1: pictures that are smaller than their box are enlarged to it
+    int16_t holdBoxes = 0;        // 1: a fixed box is no larger than the window
+    int16_t keepZoom = 0;         // 1: a zoom stays with the next picture
+    int16_t doubleClick = kDoubleClickZooms;
+    int16_t sizeButton = kSizeButtonAll;
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 
@@ -93,12 +106,15 @@ struct ConvertSettings {
 };
 
 // How the shown picture is sized: 0 as it is, 1 to 3 into a fixed box, 4 into the screen's work
-// area.
+// area, 5 into the window, 6 to the window's width.
 constexpr int16_t kSizeModeOriginal = 0;
 constexpr int16_t kSizeMode640 = 1;
 constexpr int16_t kSizeMode800 = 2;
 constexpr int16_t kSizeMode1024 = 3;
 constexpr int16_t kSizeModeScreen = 4;
+constexpr int16_t kSizeModeWindow = 5;
+constexpr int16_t kSizeModeWidth = 6;
+constexpr int16_t kLastSizeMode = kSizeModeWidth;
 
 // The values of the whole process. Touched by the user-interface thread only.
 struct ProcessValues {

@@ -91,6 +91,11 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"ReadAhead", general.readAhead, L"1");
     transfer(L"ReadAheadMemory", general.readAheadMemory, L"0");
     transfer(L"FixSizeValue", Values().fixSizeValue, L"0");
+    transfer(L"EnlargeSmall", general.enlargeSmall, L"0");
+    transfer(L"HoldBoxes", general.holdBoxes, L"0");
+    transfer(L"KeepZoom", general.keepZoom, L"0");
+    transfer(L"DoubleClick", general.doubleClick, L"0");
+    transfer(L"SizeButton", general.sizeButton, L"0");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
     transfer(L"EmptySPI_3", general.emptySPI[2], L"False");

@@ -3,16 +3,14 @@
 #include <utility>
 #include <vector>
 
-#include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
-#include "picture/modDIBToPicture.h"
-#include "picture/opaque_picture.h"
 #include "picture/read/natural_order.h"
-#include "picture/show/fit.h"
-#include "picture/show/picture_kernel.h"
 #include "picture/show/read_to_show.h"
+#include "picture/view/fit.h"
+#include "picture/view/picture_kernel.h"
+#include "picture/view/sight_pixels.h"
 #include "plugin/modSusie.h"
 
 namespace tessary {
@@ -20,29 +18,6 @@ namespace {
 
 SIZE SizeOf(const Picture& picture) {
     return {picture.Width(), picture.Height()};
-}
-
-bool IsSame(SIZE one, SIZE other) {
-    return one.cx == other.cx && one.cy == other.cy;
-}
-
-// Puts a picture into the view at its own size.
-bool PutIntoView(const Picture& picture, SIZE size, PictureView& view) {
-    const Picture opaque = OpaquePicture(picture.View());
-    const Picture& shown = opaque ? opaque : picture;
-    const UniqueScreenDc screen(GetDC(nullptr));
-    IPicture* object = nullptr;
-    if (!DIBToPicture(screen.Get(), {shown.Info().data(), shown.Bits().data()}, &object)) {
-        return false;
-    }
-    view.SetPicture(object, size.cx, size.cy);
-    object->Release();
-    return true;
-}
-
-bool PutResizedIntoView(const Picture& picture, SIZE size, PictureView& view) {
-    const Picture resized = ResizePicture(picture, size.cx, size.cy);
-    return resized && PutIntoView(resized, size, view);
 }
 
 constexpr wchar_t kNoPluginText[] = L"対応しているプラグインがありません。";
@@ -110,11 +85,10 @@ void ShowReasonFor(PictureView& view, const std::wstring& reason) {
 }
 
 PreparePicture PreparationFor(const PictureView& view) {
-    const SIZE box = SizeModeBox(Values().fixSizeValue, view.WorkAreaSize());
-    return [box](const Picture& picture) {
+    return [rule = ChosenFitRule(), room = view.Room()](const Picture& picture) {
         const SIZE own = SizeOf(picture);
-        const SIZE wanted = FitIntoBox(own, box);
-        return IsSame(wanted, own)
+        const SIZE wanted = FittedSize(own, rule, room);
+        return IsExactAsItIs(own, wanted)
                    ? Picture()
                    : ResizePicture(picture, wanted.cx, wanted.cy, Handover::kNoFile);
     };
@@ -127,18 +101,15 @@ bool DisplayCurrentPicture(PictureView& view, const Picture& prepared) {
         return true;
     }
     const SIZE own = SizeOf(current);
-    const SIZE wanted = FitIntoBox(own, SizeModeBox(Values().fixSizeValue, view.WorkAreaSize()));
-    const bool fits = IsSame(wanted, own);
-    if (!fits && prepared && IsSame(SizeOf(prepared), wanted) &&
-        PutIntoView(prepared, wanted, view)) {
-        return true;
+    const SIZE wanted = FittedSize(own, ChosenFitRule(), view.Room());
+    if (prepared || IsExactAsItIs(own, wanted) || !HandsOverByFile()) {
+        view.SetPicture(current.Another(), prepared);
+    } else {
+        // The view's own thread can make nothing with such a kernel.
+        view.SetPicture(current.Another(),
+                        ResizePicture(current, wanted.cx, wanted.cy, Handover::kFile));
     }
-    if (!fits && PutResizedIntoView(current, wanted, view)) return true;
-    if (PutIntoView(current, own, view)) return true;
-    // Too large beside the one that is still shown, or altogether: then as large as the screen.
-    view.ClearPicture();
-    return PutIntoView(current, own, view) ||
-           PutResizedIntoView(current, FitIntoBox(own, view.WorkAreaSize()), view);
+    return true;
 }
 
 }  // namespace tessary

@@ -1,11 +1,10 @@
 // What showing needs of the window that the picture appears in. The main window implements it.
 #pragma once
 
-#include <ocidl.h>
-#include <windows.h>
-
 #include <string>
 
+#include "picture/picture.h"
+#include "picture/view/fit.h"
 #include "plugin/waited_call.h"
 
 namespace tessary {
@@ -13,16 +12,18 @@ namespace tessary {
 // Status bar panels, as users count them.
 constexpr int kPluginCountPanel = 1;
 constexpr int kShownFilePanel = 2;
-constexpr int kNoticePanel = 3;  // there only when there is something to tell
+constexpr int kScalePanel = 3;
+constexpr int kNoticePanel = 4;  // there only when there is something to tell
 
 class PictureView {
   public:
-    // The work area of the screen that the window is on: the screen without taskbars, in pixels.
-    virtual SIZE WorkAreaSize() const = 0;
+    // The view's own size, and the work area of the screen that it is on: the screen without
+    // taskbars, on the full screen all of it.
+    virtual FitRoom Room() const = 0;
 
-    // Puts a picture of `width` × `height` pixels into the view in place of the one before it,
-    // which is released. The view takes its own reference.
-    virtual void SetPicture(IPicture* picture, int width, int height) = 0;
+    // Puts a picture, which is not empty, into the view in place of the one before it, in the size
+    // that the user has chosen. `prepared`: the picture in that size, if it was made already.
+    virtual void SetPicture(Picture picture, const Picture& prepared) = 0;
 
     // Empties the view.
     virtual void ClearPicture() = 0;

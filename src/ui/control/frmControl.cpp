@@ -101,7 +101,7 @@ void frmControl::RegisterCommands() {
         {.run = [this] { deleteList_.AskToPutAllBack(); },
          .enabled = [this] { return formLoaded_ && IsUsable(BarButton::kCancelDelete); },
          .whileLoading = true});
-    for (int mode = kSizeModeOriginal; mode <= kSizeModeScreen; ++mode) {
+    for (int mode = kSizeModeOriginal; mode <= kLastSizeMode; ++mode) {
         window_.Commands().Register(commandDisplaySize_0 + mode,
                                     {.run = [this, mode] { SetDisplaySize(mode); },
                                      .checked = [mode] { return Values().fixSizeValue == mode; },

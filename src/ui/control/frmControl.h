@@ -152,6 +152,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void EndMotion();
     void Step(BarButton button);
     void SetDisplaySize(int sizeMode);
+    static int NextSizeMode();
     void CoolBar_ButtonDropDown(BarButton button, const RECT& place);
     void SetImage(BarButton button, ToolbarImage image);
     void ShowDisplaySizeImage();

@@ -50,9 +50,7 @@ void frmControl::CoolBar_ButtonClick(BarButton button) {
         case BarButton::kStop:
             return StopMotion();
         case BarButton::kDisplaySize:
-            return SetDisplaySize(Values().fixSizeValue >= kSizeModeScreen
-                                      ? kSizeModeOriginal
-                                      : Values().fixSizeValue + 1);
+            return SetDisplaySize(NextSizeMode());
         case BarButton::kOpen:
             window_.Commands().Run(menuFileOpen);
             return;
@@ -141,11 +139,18 @@ bool frmControl::MayStep() const {
            IsWindowEnabled(window_.Handle());
 }
 
+// What a click on the button leads to.
+int frmControl::NextSizeMode() {
+    const bool isAll = Values().general.sizeButton == kSizeButtonAll;
+    const int last = isAll ? kLastSizeMode : kSizeModeScreen;
+    const int mode = Values().fixSizeValue;
+    return mode >= last ? int{kSizeModeOriginal} : mode + 1;
+}
+
 void frmControl::SetDisplaySize(int sizeMode) {
     Values().fixSizeValue = static_cast<int16_t>(sizeMode);
     ShowDisplaySizeImage();
-    // A picture that is being loaded comes in the new size anyway.
-    if (!IsReadUnderWay()) DisplayCurrentPicture(window_);
+    window_.FollowSizeMode();
 }
 
 void frmControl::SetImage(BarButton button, ToolbarImage image) {
@@ -153,7 +158,7 @@ void frmControl::SetImage(BarButton button, ToolbarImage image) {
 }
 
 void frmControl::ShowDisplaySizeImage() {
-    const int mode = std::clamp<int>(Values().fixSizeValue, kSizeModeOriginal, kSizeModeScreen);
+    const int mode = std::clamp<int>(Values().fixSizeValue, kSizeModeOriginal, kLastSizeMode);
     SetImage(BarButton::kDisplaySize, SizeModeImage(mode));
 }
 

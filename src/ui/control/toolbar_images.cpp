@@ -73,6 +73,12 @@ class Artist {
             case ToolbarImage::kScreenSize:
                 Screen();
                 break;
+            case ToolbarImage::kWindowSize:
+                WindowSize();
+                break;
+            case ToolbarImage::kWidthSize:
+                WidthSize();
+                break;
             case ToolbarImage::kOpen:
                 Folder();
                 break;
@@ -143,6 +149,21 @@ class Artist {
         canvas_.FillRectangle({2, 3}, {14, 11}, colors_.blue);
         canvas_.FillRectangle({6, 12}, {10, 13}, colors_.ink);
         canvas_.FillRectangle({4, 13}, {12, 14}, colors_.ink);
+    }
+
+    // A window with its title, and a picture that fills it.
+    void WindowSize() {
+        canvas_.DrawFrame({1, 2}, {15, 14}, 1, colors_.ink);
+        canvas_.FillRectangle({1, 2}, {15, 5}, colors_.ink);
+        canvas_.FillRectangle({3, 6}, {13, 13}, colors_.blue);
+    }
+
+    // The same with a picture that goes on below.
+    void WidthSize() {
+        canvas_.FillRectangle({1, 2}, {15, 5}, colors_.ink);
+        canvas_.FillRectangle({1, 5}, {2, 14}, colors_.ink);
+        canvas_.FillRectangle({14, 5}, {15, 14}, colors_.ink);
+        canvas_.FillRectangle({3, 6}, {13, 15}, colors_.blue);
     }
 
     void Folder() {

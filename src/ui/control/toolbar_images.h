@@ -25,11 +25,18 @@ enum class ToolbarImage {
     kCancelDelete,
     kFold,    // the bar is unfolded
     kUnfold,  // the bar is folded
+    kWindowSize,
+    kWidthSize,
 };
-constexpr int kToolbarImageCount = static_cast<int>(ToolbarImage::kUnfold);
+constexpr int kToolbarImageCount = static_cast<int>(ToolbarImage::kWidthSize);
 
-// The image of a display size mode, 0 to 4.
+// The image of a display size mode, 0 to 6.
 constexpr ToolbarImage SizeModeImage(int mode) {
+    constexpr int kFixedModes = 5;
+    if (mode >= kFixedModes) {
+        return static_cast<ToolbarImage>(static_cast<int>(ToolbarImage::kWindowSize) + mode -
+                                         kFixedModes);
+    }
     return static_cast<ToolbarImage>(static_cast<int>(ToolbarImage::kOriginalSize) + mode);
 }
 

@@ -60,13 +60,23 @@ COLORREF PictureBox::BackgroundColour() const {
     return isOwn ? brush.lbColor : GetSysColor(COLOR_APPWORKSPACE);
 }
 
-void PictureBox::SetPicture(IPicture* picture, SIZE size, POINT position) {
-    if (picture != nullptr) picture->AddRef();
-    picture_.Reset(picture);
-    size_ = picture != nullptr ? size : SIZE{};
-    position_ = position;
-    SetReason({});
-    Invalidate();
+SIZE PictureBox::WholeSize() const {
+    RECT whole{};
+    GetWindowRect(Handle(), &whole);
+    return {whole.right - whole.left, whole.bottom - whole.top};
+}
+
+void PictureBox::SetScrollBar(int bar, bool isThere, int whole, int place) {
+    ShowScrollBar(Handle(), bar, isThere);
+    if (!isThere) return;
+    const SIZE area = AreaSize();
+    SCROLLINFO info{};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL;
+    info.nMax = whole - 1;
+    info.nPage = static_cast<UINT>(bar == SB_HORZ ? area.cx : area.cy);
+    info.nPos = place;
+    SetScrollInfo(Handle(), bar, &info, TRUE);
 }
 
 void PictureBox::SetReason(const std::wstring& reason) {
@@ -82,19 +92,6 @@ void PictureBox::ShowNote(const std::wstring& note) {
     Invalidate();
 }
 
-void PictureBox::MovePicture(POINT position) {
-    const int right = position.x - position_.x;
-    const int down = position.y - position_.y;
-    if (right == 0 && down == 0) return;
-    position_ = position;
-    if (!note_.empty()) return Invalidate();  // it stays where it is
-    ScrollWindowEx(Handle(), right, down, nullptr, nullptr, nullptr, nullptr, SW_INVALIDATE);
-}
-
-RECT PictureBox::PictureRectangle() const {
-    return {position_.x, position_.y, position_.x + size_.cx, position_.y + size_.cy};
-}
-
 void PictureBox::Paint() const {
     PAINTSTRUCT paint;
     const HDC screen = BeginPaint(Handle(), &paint);
@@ -104,7 +101,6 @@ void PictureBox::Paint() const {
 
 // Leaves the context clipped.
 void PictureBox::PaintArea(HDC screen, const RECT& area) const {
-    const RECT picture = PictureRectangle();
     const auto exclude = [&](const RECT& painted) {
         ExcludeClipRect(screen, painted.left, painted.top, painted.right, painted.bottom);
     };
@@ -112,29 +108,9 @@ void PictureBox::PaintArea(HDC screen, const RECT& area) const {
     if (!reason_.empty()) {
         exclude(PaintReason(screen, Handle(), reason_, BackgroundColour()));
     }
-    RECT visible{};
-    if (picture_ && IntersectRect(&visible, &picture, &area)) {
-        PaintPicture(screen, visible);
-        exclude(picture);
-    }
+    if (events_.paint) exclude(events_.paint(screen, area));
     FillRect(screen, &area,
              background_ != nullptr ? background_ : GetSysColorBrush(COLOR_APPWORKSPACE));
-}
-
-HBITMAP PictureBox::Bitmap() const {
-    OLE_HANDLE bitmap = 0;
-    if (!picture_ || FAILED(picture_.Get()->get_Handle(&bitmap))) return nullptr;
-    // Handles of GDI have 32 significant bits; the wider type takes them with their sign.
-    return reinterpret_cast<HBITMAP>(static_cast<INT_PTR>(static_cast<int>(bitmap)));
-}
-
-void PictureBox::PaintPicture(HDC screen, const RECT& visible) const {
-    const UniqueMemoryDc memory(CreateCompatibleDC(screen));
-    const HGDIOBJ selected = SelectObject(memory.Get(), Bitmap());
-    BitBlt(screen, visible.left, visible.top, visible.right - visible.left,
-           visible.bottom - visible.top, memory.Get(), visible.left - position_.x,
-           visible.top - position_.y, SRCCOPY);
-    SelectObject(memory.Get(), selected);
 }
 
 void PictureBox::ShowPointer() const {
@@ -151,12 +127,40 @@ void PictureBox::RaiseContextMenu(POINT onScreen) const {
     Raise(events_.contextMenu, onScreen);
 }
 
-void PictureBox::RaiseWheel(WPARAM wParam) {
+void PictureBox::RaiseWheel(WPARAM wParam, LPARAM lParam) {
     const int notches = notches_.Add(GET_WHEEL_DELTA_WPARAM(wParam));
     const WORD keys = GET_KEYSTATE_WPARAM(wParam);
     if (notches == 0) return;
+    POINT at = PointOf(lParam);
+    ScreenToClient(Handle(), &at);
     Raise(events_.wheel, notches,
-          ((keys & MK_SHIFT) != 0 ? kShiftMask : 0) | ((keys & MK_CONTROL) != 0 ? kCtrlMask : 0));
+          ((keys & MK_SHIFT) != 0 ? kShiftMask : 0) | ((keys & MK_CONTROL) != 0 ? kCtrlMask : 0),
+          at);
+}
+
+// The system tells how far two fingers are apart.
+bool PictureBox::RaisePinch(LPARAM lParam) {
+    GESTUREINFO info{};
+    info.cbSize = sizeof(info);
+    const auto gesture = reinterpret_cast<HGESTUREINFO>(lParam);
+    if (!GetGestureInfo(gesture, &info) || info.dwID != GID_ZOOM) return false;
+    POINT at{info.ptsLocation.x, info.ptsLocation.y};
+    ScreenToClient(Handle(), &at);
+    if ((info.dwFlags & GF_BEGIN) == 0 && pinch_ > 0 && info.ullArguments > 0) {
+        Raise(events_.pinch, static_cast<double>(info.ullArguments) / static_cast<double>(pinch_),
+              at);
+    }
+    pinch_ = info.ullArguments;
+    CloseGestureInfoHandle(gesture);
+    return true;
+}
+
+void PictureBox::RaiseScroll(int bar, WPARAM wParam) const {
+    SCROLLINFO info{};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_TRACKPOS;  // the message has room for 16 bits of it
+    GetScrollInfo(Handle(), bar, &info);
+    Raise(events_.scroll, bar, int{LOWORD(wParam)}, info.nTrackPos);
 }
 
 // Older systems send the wheel to whoever has the keyboard.
@@ -196,10 +200,20 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                   PointOf(lParam));
             return 0;
         case WM_LBUTTONDBLCLK:
-            Raise(events_.doubleClick);
+            Raise(events_.doubleClick, PointOf(lParam));
             return 0;
         case WM_MOUSEWHEEL:
-            RaiseWheel(wParam);
+            RaiseWheel(wParam, lParam);
+            return 0;
+        case kNudgeMessage:
+            Raise(events_.nudged);
+            return 0;
+        case WM_GESTURE:
+            if (RaisePinch(lParam)) return 0;
+            break;
+        case WM_HSCROLL:
+        case WM_VSCROLL:
+            RaiseScroll(message == WM_HSCROLL ? SB_HORZ : SB_VERT, wParam);
             return 0;
         case WM_MOUSEMOVE:
             Raise(events_.mouseMove, PointOf(lParam), (wParam & MK_LBUTTON) != 0);
@@ -219,6 +233,7 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SIZE:
             // The texts have another place now.
             if (!reason_.empty() || !note_.empty()) Invalidate();
+            Raise(events_.sized);
             break;
         default:
             break;

@@ -1,25 +1,16 @@
-// The control that shows one picture, at its own size and at any place of its area.
+// The control that shows one picture: the keyboard, mouse and scroll bars of it, and the texts upon
+// it. What the picture looks like is its owner's.
 #pragma once
-
-#include <ocidl.h>
 
 #include <functional>
 #include <string>
 
-#include "app/base/handles.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/timer.h"
 #include "ui/form/wheel_notches.h"
 #include "ui/form/window.h"
 
 namespace tessary {
-
-namespace handle_traits {
-struct Picture : NullIsNone<IPicture*> {
-    static void Close(IPicture* picture) { picture->Release(); }
-};
-}  // namespace handle_traits
-using PictureReference = UniqueHandle<handle_traits::Picture>;
 
 // Mouse buttons of PictureBox events, and the bits of their shift state.
 constexpr int kLeftButton = 1;
@@ -39,12 +30,23 @@ class PictureBox : public Window {
     struct Events {
         std::function<void(int keyCode, int shift)> keyDown;
         std::function<void(int button, POINT at)> mouseDown;
-        std::function<void()> doubleClick;  // in place of the second press of the left button
+        std::function<void(POINT at)>
+            doubleClick;  // in place of the second press of the left button
         std::function<void(POINT at, bool leftButton)> mouseMove;
         std::function<void(int button)> mouseUp;
         std::function<void()> captureLost;
-        std::function<void(int notches, int shift)> wheel;  // positive: away from the user
-        std::function<void(POINT onScreen)> contextMenu;    // right click, or the menu key
+        std::function<void(int notches, int shift, POINT at)>
+            wheel;                                           // positive: away from the user
+        std::function<void(double factor, POINT at)> pinch;  // two fingers, since the last time
+        // A scroll bar was used: SB_HORZ or SB_VERT, SB_…, and for SB_THUMBTRACK the place.
+        std::function<void(int bar, int code, int place)> scroll;
+        // The control has another size, with its scroll bars.
+        std::function<void()> sized;
+        // Nudge was called.
+        std::function<void()> nudged;
+        // Paints what lies in `area` of the picture; the result is the picture's rectangle.
+        std::function<RECT(HDC screen, const RECT& area)> paint;
+        std::function<void(POINT onScreen)> contextMenu;  // right click, or the menu key
         std::function<const wchar_t*()> pointer;  // the mouse pointer to show (IDC_…); null: none
     };
 
@@ -59,10 +61,12 @@ class PictureBox : public Window {
     // system's.
     void SetBackground(HBRUSH background);
 
-    // Shows a bitmap picture of this size in pixels with its top left corner at `position`; takes a
-    // reference of its own and releases the former picture's. A null picture empties the control.
-    // Takes a reason away.
-    void SetPicture(IPicture* picture, SIZE size, POINT position);
+    // The control's size with its scroll bars.
+    SIZE WholeSize() const;
+
+    // Shows a scroll bar (SB_HORZ, SB_VERT) for `whole` pixels of which the area's are seen from
+    // `place` on, or takes it away.
+    void SetScrollBar(int bar, bool isThere, int whole, int place);
 
     // Tells in the middle of the empty control why it has no picture; readers of the screen find
     // that as the window's text.
@@ -71,41 +75,36 @@ class PictureBox : public Window {
     // Puts a short text upon whatever is shown, for two seconds or until the next one.
     void ShowNote(const std::wstring& note);
     const std::wstring& Note() const { return note_; }
-    IPicture* Picture() const { return picture_.Get(); }
-    // The picture's own bitmap, which lives as long as the picture; null without one.
-    HBITMAP Bitmap() const;
-    SIZE PictureSize() const { return size_; }
 
-    // Moves the picture inside the area. What stays visible is moved on the screen, only what comes
-    // into sight is painted.
-    void MovePicture(POINT position);
-    POINT PicturePosition() const { return position_; }
+    // From any thread: has `nudged` raised on the control's own.
+    void Nudge() const { PostMessageW(Handle(), kNudgeMessage, 0, 0); }
 
+    // All of it is out of date.
+    void Invalidate() const { InvalidateRect(Handle(), nullptr, FALSE); }
     // Paints what is out of date now, not when the message loop comes to it.
     void Refresh() const { UpdateWindow(Handle()); }
 
   private:
+    static constexpr UINT kNudgeMessage = WM_APP + 1;
+
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    RECT PictureRectangle() const;
     COLORREF BackgroundColour() const;
-    void Invalidate() const { InvalidateRect(Handle(), nullptr, FALSE); }
     void Paint() const;
     void PaintArea(HDC screen, const RECT& area) const;
-    void PaintPicture(HDC screen, const RECT& visible) const;
     void ShowPointer() const;
     void RaiseContextMenu(POINT onScreen) const;
-    void RaiseWheel(WPARAM wParam);
+    void RaiseWheel(WPARAM wParam, LPARAM lParam);
+    bool RaisePinch(LPARAM lParam);
+    void RaiseScroll(int bar, WPARAM wParam) const;
     void SendWheelBelowPointer(MSG& message) const;
 
     Events events_;
-    PictureReference picture_;
-    SIZE size_{};
-    POINT position_{};
     HBRUSH background_ = nullptr;
     std::wstring reason_;
     std::wstring note_;
     Timer noteEnds_{[this] { ShowNote({}); }};
     WheelNotches notches_;
+    ULONGLONG pinch_ = 0;  // how far the fingers were apart
     MessageFilter wheel_{[this](MSG& message) {
         SendWheelBelowPointer(message);
         return false;

@@ -75,6 +75,7 @@ void frmMain::RegisterCommands() {
     commands_.Register(commandOtherWindow,
                        {.run = [this] { GoToOtherWindow(); }, .whileLoading = true});
     RegisterStepCommands();
+    RegisterViewCommands();
     RegisterFullScreenCommands();
 }
 
@@ -103,17 +104,7 @@ void frmMain::CreateControls() {
             if (back || controlBar_ == nullptr) return TakeFocus();
             controlBar_->TakeFocus(BarFocus::kFirst);
         });
-    pictureView_.Create(
-        Handle(),
-        {.keyDown = [this](int keyCode, int shift) { pictureView_KeyDown(keyCode, shift); },
-         .mouseDown = [this](int button, POINT at) { pictureView_MouseDown(button, at); },
-         .doubleClick = [this] { commands_.Run(commandFullScreen); },
-         .mouseMove = [this](POINT at, bool left) { pictureView_MouseMove(at, left); },
-         .mouseUp = [this](int) { scroller_.EndDrag(); },
-         .captureLost = [this] { scroller_.EndDrag(); },
-         .wheel = [this](int notches, int shift) { pictureView_Wheel(notches, shift); },
-         .contextMenu = [this](POINT onScreen) { pictureView_ContextMenu(onScreen); },
-         .pointer = [this] { return pictureView_Pointer(); }});
+    CreatePictureView();
 }
 
 // Where it was left, else half the screen's width and height, in the middle of what the taskbar
@@ -279,7 +270,7 @@ void frmMain::Form_Resize(int width, int height) {
     int bottom = height - (fullScreen_.IsOn() ? 0 : statusInformation_.Layout());
     bottom -= silence_.Layout(width, bottom);
     pictureView_.SetBounds(0, 0, width, std::max(bottom, 0));
-    scroller_.AreaChanged();
+    RoomChanged();
 }
 
 std::wstring frmMain::PluginCountText() const {
@@ -314,89 +305,9 @@ void frmMain::menuPopup_Click(int item) {
     CopyTextToClipboard(Handle(), PicturePopupCopyText(item, source_, CurrentPicture().Header()));
 }
 
-void frmMain::pictureView_KeyDown(int keyCode, int shift) {
-    if (scroller_.KeyDown(keyCode)) return;
-    switch (keyCode) {
-        case VK_RETURN:
-            return Step((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
-        case VK_TAB:
-            if ((shift & kShiftMask) == 0 && silence_.MoveFocus(false)) return;
-            if (controlBar_ == nullptr) return;
-            return controlBar_->TakeFocus((shift & kShiftMask) != 0 ? BarFocus::kLast
-                                                                    : BarFocus::kFirst);
-        default:
-            return;
-    }
-}
-
 void frmMain::GoToOtherWindow() {
     if (GetActiveWindow() != Handle()) return TakeFocus();
     if (controlBar_ != nullptr) controlBar_->TakeFocus(BarFocus::kFormer);
-}
-
-void frmMain::pictureView_MouseDown(int button, POINT at) {
-    if (button == kLeftButton) scroller_.BeginDrag(at);
-}
-
-void frmMain::pictureView_MouseMove(POINT at, bool leftButton) {
-    restingPointer_.Seen(at);
-    if (leftButton) {
-        scroller_.DragTo(at);
-    } else {
-        scroller_.EndDrag();
-    }
-}
-
-void frmMain::pictureView_ContextMenu(POINT onScreen) {
-    restingPointer_.Wake();
-    const UniqueMenu window = LoadMenuResource(menuPopupWindow);
-    const HMENU popup = GetSubMenu(window.Get(), 0);
-    const dib::BitmapInfoHeader* const header =
-        PictureShown() && CurrentPicture() ? &CurrentPicture().Header() : nullptr;
-    ForEachMenuCommand(popup, [&](int item) {
-        SetMenuCaption(popup, item, AsMenuCaption(PicturePopupText(item, source_, header)));
-    });
-    // The full screen has no other menu.
-    AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
-    const UniqueMenu bar = LoadMenuResource(menuMainWindow);
-    for (const int command :
-         {commandStepForward, commandStepBack, commandAddToDeleteList, commandFullScreen}) {
-        AppendMenuW(popup, MF_STRING, command, MenuCaption(bar.Get(), command).c_str());
-    }
-    commands_.ShowState(popup);
-    TrackPopupMenuEx(popup, TPM_RIGHTBUTTON, onScreen.x, onScreen.y, Handle(), nullptr);
-}
-
-const wchar_t* frmMain::pictureView_Pointer() const {
-    if (restingPointer_.IsHidden()) return nullptr;
-    if (IsReadUnderWay()) return IDC_WAIT;
-    return scroller_.CanScroll() ? IDC_HAND : IDC_ARROW;
-}
-
-SIZE frmMain::WorkAreaSize() const {
-    const MONITORINFO screen = ScreenOf(Handle());
-    return SizeOf(fullScreen_.IsOn() ? screen.rcMonitor : screen.rcWork);
-}
-
-void frmMain::SetPicture(IPicture* picture, int width, int height) {
-    PutIntoView(picture, {width, height});
-}
-
-void frmMain::ClearPicture() {
-    source_ = {};
-    PutIntoView(nullptr, {});
-}
-
-void frmMain::ShowReason(const std::wstring& reason) {
-    ClearPicture();
-    pictureView_.SetReason(reason);
-    ShowPluginCount();
-}
-
-void frmMain::PutIntoView(IPicture* picture, SIZE size) {
-    const bool wasShown = PictureShown();
-    scroller_.SetPicture(picture, size);
-    if (PictureShown() != wasShown && pictureShownChanged_) pictureShownChanged_();
 }
 
 }  // namespace tessary

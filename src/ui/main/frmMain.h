@@ -24,7 +24,7 @@
 #include "ui/main/full_screen.h"
 #include "ui/main/modWindowProc.h"
 #include "ui/main/picture_popup.h"
-#include "ui/main/picture_scroller.h"
+#include "ui/main/picture_stage.h"
 #include "ui/main/resting_pointer.h"
 #include "ui/main/silence_bar.h"
 
@@ -60,7 +60,7 @@ class frmMain final : public Form, public PictureView {
     const PictureSource& Source() const { return source_; }
 
     // Whether a picture is shown. The handler is told when that changes.
-    bool PictureShown() const { return pictureView_.Picture() != nullptr; }
+    bool PictureShown() const { return stage_.HasPicture(); }
     void OnPictureShownChanged(std::function<void()> handler) {
         pictureShownChanged_ = std::move(handler);
     }
@@ -147,11 +147,16 @@ class frmMain final : public Form, public PictureView {
     void TakeFocus() { SetFocus(pictureView_.Handle()); }
 
     const PictureBox& pictureView() const { return pictureView_; }
+    // What is seen of the picture.
+    const PictureStage& Stage() const { return stage_; }
+
+    // The user has chosen another display size mode: what is shown takes it at once.
+    void FollowSizeMode();
     const StatusBar& statusInformation() const { return statusInformation_; }
 
     // PictureView
-    SIZE WorkAreaSize() const override;  // on the full screen all of it
-    void SetPicture(IPicture* picture, int width, int height) override;
+    FitRoom Room() const override;
+    void SetPicture(Picture picture, const Picture& prepared) override;
     void ClearPicture() override;
     void ShowReason(const std::wstring& reason) override;
     void SetPanelText(int panel, const std::wstring& text) override;
@@ -197,15 +202,13 @@ class frmMain final : public Form, public PictureView {
     void OpenCommandLine();
     void OpenNow(FileListing listing);
 
-    // --- The full screen and the wheel (frmMain_full_screen.cpp) ---
+    // --- The full screen and the stepping keys (frmMain_full_screen.cpp) ---
     void RegisterFullScreenCommands();
     void RegisterStepCommands();
     void GoToOtherWindow();
     void Escape();
     void SetFullScreen(bool on);
     void ScreenChanged();
-    void FitToScreen();
-    void pictureView_Wheel(int notches, int shift);
     // Whether the control bar and those who bring files are heard now.
     bool MayPress() const;
     void Step(BarButton button);
@@ -228,18 +231,25 @@ class frmMain final : public Form, public PictureView {
 
     void menuEditClear_Click();
     void menuPopup_Click(int item);
+
+    // --- The picture and what moves it (frmMain_viewing.cpp) ---
+    void CreatePictureView();
+    void RegisterViewCommands();
+    void RoomChanged();
+    void ShowScale();
+    void pictureView_Wheel(int notches, int shift, POINT at);
+    void pictureView_DoubleClick(POINT at);
     void pictureView_MouseDown(int button, POINT at);
     void pictureView_MouseMove(POINT at, bool leftButton);
     void pictureView_ContextMenu(POINT onScreen);
     const wchar_t* pictureView_Pointer() const;
-
-    void PutIntoView(IPicture* picture, SIZE size);
+    void PutIntoView(Picture picture, const Picture& prepared);
 
     MainWindowServices services_;
     ControlBar* controlBar_ = nullptr;
     CommandTable commands_{acceleratorsMainWindow, acceleratorsClipboard};
     PictureBox pictureView_;
-    PictureScroller scroller_{pictureView_};
+    PictureStage stage_{pictureView_};
     StatusBar statusInformation_;
     SilenceBar silence_;
     FullScreen fullScreen_;

@@ -1,8 +1,4 @@
-// The main window on the full screen, and what the mouse wheel and the stepping keys move.
-#include <algorithm>
-
-#include "app/settings/modValue.h"
-#include "picture/show/modShowPicture.h"
+// The main window on the full screen, and the stepping keys.
 #include "ui/form/activity.h"
 #include "ui/main/frmMain.h"
 
@@ -33,7 +29,7 @@ void frmMain::Escape() {
 // The control bar is out of sight meanwhile, and comes back when it was there before.
 void frmMain::SetFullScreen(bool on) {
     if (on == fullScreen_.IsOn() || IsIconic(Handle())) return;
-    scroller_.EndDrag();
+    stage_.EndDrag();
     if (on) {
         barComesBack_ = controlBar_ != nullptr && controlBar_->IsVisible();
         if (barComesBack_) controlBar_->SetVisible(false);
@@ -49,33 +45,12 @@ void frmMain::SetFullScreen(bool on) {
         if (barComesBack_) controlBar_->SetVisible(true);
     }
     TakeFocus();
-    FitToScreen();
+    RoomChanged();
 }
 
 void frmMain::ScreenChanged() {
     if (fullScreen_.IsOn() && !IsIconic(Handle())) fullScreen_.Cover(Handle());
-    FitToScreen();
-}
-
-// The size mode for the screen has another size to fit. A picture that is being loaded comes in
-// that size anyway.
-void frmMain::FitToScreen() {
-    if (Values().fixSizeValue == kSizeModeScreen && PictureShown() && !IsReadUnderWay()) {
-        DisplayCurrentPicture(*this);
-    }
-}
-
-void frmMain::pictureView_Wheel(int notches, int shift) {
-    if ((shift & kCtrlMask) != 0) {
-        const int mode =
-            std::clamp<int>(Values().fixSizeValue + notches, kSizeModeOriginal, kSizeModeScreen);
-        if (mode != Values().fixSizeValue) commands_.Run(commandDisplaySize_0 + mode);
-        return;
-    }
-    for (; notches > 0; --notches)
-        Step(BarButton::kStepBack);
-    for (; notches < 0; ++notches)
-        Step(BarButton::kStepForward);
+    RoomChanged();
 }
 
 void frmMain::RegisterStepCommands() {

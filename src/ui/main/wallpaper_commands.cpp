@@ -8,8 +8,13 @@
 #include "app/base/modGetFolder.h"
 #include "app/base/write_error.h"
 #include "app/settings/RegKeys.h"
+#include "app/settings/modValue.h"
+#include "picture/current_picture.h"
 #include "picture/modDIBToPicture.h"
+#include "picture/opaque_picture.h"
 #include "picture/save/save_picture.h"
+#include "picture/view/picture_kernel.h"
+#include "picture/view/sight_pixels.h"
 #include "res/resource.h"
 #include "ui/form/busy_pointer.h"
 
@@ -29,6 +34,33 @@ constexpr wchar_t kNotStretched[] = L"0";
 // A plain bitmap, whatever the user has chosen for his own files: it is read by the desktop.
 bool SavePlainly(const Picture& picture, const std::wstring& fileName) {
     return SaveBitmap(picture.Info().data(), picture.Bits().data(), fileName, {});
+}
+
+// The current picture in the size of a fixed mode, else its own, but no larger than the screen; as
+// the screen shows it.
+Picture DesktopPicture(const FitRoom& room) {
+    const Picture& current = CurrentPicture();
+    if (!current) return {};
+    const SIZE own{current.Width(), current.Height()};
+    FitRule rule = ChosenFitRule();
+    if (rule.sizeMode > kSizeModeScreen) rule = {.sizeMode = kSizeModeScreen};
+    const SIZE wanted = FittedSize(own, rule, room);
+    const Picture resized = IsExactAsItIs(own, wanted)
+                                ? current.Another()
+                                : ResizePicture(current, wanted.cx, wanted.cy);
+    const Picture opaque = resized ? OpaquePicture(resized.View()) : Picture();
+    const Picture& shown = opaque ? opaque : resized;
+    const UniqueScreenDc screen(GetDC(nullptr));
+    PictureReference object;
+    OLE_HANDLE bitmap = 0;
+    if (!shown ||
+        !DIBToPicture(screen.Get(), {shown.Info().data(), shown.Bits().data()}, object.Receive()) ||
+        FAILED(object.Get()->get_Handle(&bitmap))) {
+        return {};
+    }
+    // Handles of GDI have 32 significant bits; the wider type takes them with their sign.
+    return CreateDIBFromBitmap(
+        screen.Get(), reinterpret_cast<HBITMAP>(static_cast<INT_PTR>(static_cast<int>(bitmap))));
 }
 
 bool SetUserWallpaper(const std::wstring& file) {
@@ -97,8 +129,7 @@ void WallpaperCommands::Show(const std::wstring& file) const {
 // The full name of the file; empty when no folder takes it. `error`: why the last one does not.
 std::wstring WallpaperCommands::SavePicture(DWORD& error) const {
     const BusyPointer busy;
-    const UniqueScreenDc screen(GetDC(nullptr));
-    const Picture picture = CreateDIBFromBitmap(screen.Get(), window_.pictureView().Bitmap());
+    const Picture picture = DesktopPicture(window_.Room());
     if (!picture) return {};
     for (const std::wstring& folder : desktop_.folders) {
         CreateDirectoryW(folder.c_str(), nullptr);

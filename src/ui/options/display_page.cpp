@@ -32,8 +32,15 @@ void DisplayPage::AttachControls() {
     });
     labelSlideShowTime_.Attach(Dialog(), labelSlideShowTime);
     Fields().Choice(combFixSizeValue,
-                    {L"サイズを調整しない", L"640×480", L"800×600", L"1024×768", L"画面サイズ"},
+                    {L"サイズを調整しない", L"640×480", L"800×600", L"1024×768", L"画面サイズ",
+                     L"ウィンドウに合わせる", L"ウィンドウの幅に合わせる"},
                     Options().fixSizeValue);
+    Fields().Check(checkEnlargeSmall, Options().general.enlargeSmall);
+    Fields().Check(checkHoldBoxes, Options().general.holdBoxes);
+    Fields().Check(checkKeepZoom, Options().general.keepZoom);
+    Fields().Check(checkSizeButton, Options().general.sizeButton);
+    Fields().Choice(combDoubleClick, {L"100 % と全体を切り替える", L"全画面表示"},
+                    Options().general.doubleClick);
     Fields().Check(checkReadAhead, Options().general.readAhead);
     Fields().Number(textReadAheadMemory, Options().general.readAheadMemory, 0,
                     kMostReadAheadMemory);

@@ -90,6 +90,9 @@ void OptionCommands::Apply(const OptionValues& options, HWND owner) {
     WriteConvertSettings();
     if (options.fixSizeValue != formerSize) {
         window_.Commands().Run(commandDisplaySize_0 + options.fixSizeValue);
+    } else if (former.enlargeSmall != Values().general.enlargeSmall ||
+               former.holdBoxes != Values().general.holdBoxes) {
+        window_.FollowSizeMode();
     }
     if (!DifferInPlugins(Values().general, former) && !SusieCollection().IsIncomplete()) return;
     const std::wstring missing = MissingFolders(Values().general, former);

@@ -14,7 +14,9 @@ namespace {
 void PutRight(GeneralSettings& general) {
     for (int16_t* const flag :
          {&general.useSPI, &general.dynamicSPILoad, &general.spiExt, &general.reduceColor,
-          &general.reduce256ModeOnly, &general.saveReducedPicture, &general.readAhead}) {
+          &general.reduce256ModeOnly, &general.saveReducedPicture, &general.readAhead,
+          &general.enlargeSmall, &general.holdBoxes, &general.keepZoom, &general.doubleClick,
+          &general.sizeButton}) {
         *flag = *flag == 1 ? 1 : 0;
     }
     general.readAheadMemory = std::clamp(general.readAheadMemory, 0, kMostReadAheadMemory);
@@ -64,11 +66,11 @@ auto PluginPart(const GeneralSettings& general) {
 
 OptionValues CurrentOptions() {
     const ProcessValues& values = Values();
-    OptionValues options{.general = values.general,
-                         .convert = values.convert,
-                         .saveOptions = values.saveOptions,
-                         .fixSizeValue = std::clamp<int16_t>(values.fixSizeValue, kSizeModeOriginal,
-                                                             kSizeModeScreen)};
+    OptionValues options{
+        .general = values.general,
+        .convert = values.convert,
+        .saveOptions = values.saveOptions,
+        .fixSizeValue = std::clamp<int16_t>(values.fixSizeValue, kSizeModeOriginal, kLastSizeMode)};
     // The user's own choice, which only rests.
     if (values.logFileRefusal != 0) options.convert.outputErrorLog = 1;
     PutRight(options.general);

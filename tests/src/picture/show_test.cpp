@@ -10,9 +10,9 @@
 #include "picture/current_picture.h"
 #include "picture/read/natural_order.h"
 #include "picture/read/source_file.h"
-#include "picture/show/fit.h"
-#include "picture/show/picture_kernel.h"
 #include "picture/show/picture_text.h"
+#include "picture/view/fit.h"
+#include "picture/view/picture_kernel.h"
 #include "plugin/modSusie.h"
 #include "tests/helpers/dib/test_bitmap.h"
 #include "tests/plugins/test_plugins.h"
@@ -29,9 +29,10 @@ namespace {
 // Remembers what it was told to show.
 class FakeView : public PictureView {
   public:
-    SIZE WorkAreaSize() const override { return {1200, 900}; }
-    void SetPicture(IPicture*, int width, int height) override {
-        shown = std::to_wstring(width) + L"×" + std::to_wstring(height);
+    FitRoom Room() const override { return {{300, 200}, {1200, 900}}; }
+    void SetPicture(Picture picture, const Picture&) override {
+        const SIZE size = FittedSize({picture.Width(), picture.Height()}, ChosenFitRule(), Room());
+        shown = std::to_wstring(size.cx) + L"×" + std::to_wstring(size.cy);
     }
     void ClearPicture() override { ShowReason({}); }
     void ShowReason(const std::wstring& why) override {
@@ -132,23 +133,6 @@ constexpr char kPicture[] = "TST 30x20x24\n";
 const std::wstring kCutShort = L"20×10  ファイルが途中で切れています";
 const std::string kBitmap = test::BitmapFileOf(20, 10, RGB(1, 2, 3));
 
-TEST(FitTest, KeepsProportionsInsideTheBox) {
-    struct Case {
-        SIZE picture, box, fitted;
-    };
-    for (const Case& c :
-         {Case{{4000, 3000}, {800, 600}, {800, 600}}, Case{{3000, 4000}, {800, 600}, {450, 600}},
-          Case{{10, 10}, {640, 480}, {480, 480}}, Case{{30000, 1}, {640, 480}, {640, 1}},
-          Case{{1, 30000}, {640, 480}, {1, 480}}, Case{{333, 250}, {640, 480}, {639, 480}},
-          Case{{7, 5}, {0, 0}, {7, 5}}, Case{{2000000000, 2000000000}, {1024, 768}, {768, 768}}}) {
-        const SIZE fitted = FitIntoBox(c.picture, c.box);
-        EXPECT_EQ(fitted.cx, c.fitted.cx) << c.picture.cx << "x" << c.picture.cy;
-        EXPECT_EQ(fitted.cy, c.fitted.cy) << c.picture.cx << "x" << c.picture.cy;
-    }
-    EXPECT_EQ(SizeModeBox(kSizeModeScreen, {1920, 1040}).cy, 1040);
-    EXPECT_EQ(SizeModeBox(5, {1920, 1040}).cx, 0);
-}
-
 TEST_F(ShowTest, ABitmapNeedsNoPluginAndKeepsItsOwnSize) {
     for (const uint32_t header : {12, 40, 124}) {
         const auto file =
@@ -157,6 +141,9 @@ TEST_F(ShowTest, ABitmapNeedsNoPluginAndKeepsItsOwnSize) {
         EXPECT_EQ(Show(files_.Write(L"絵.dat", content)), L"20×10  ") << header;
     }
     Values().fixSizeValue = kSizeMode640;
+    EXPECT_TRUE(DisplayCurrentPicture(view_));
+    EXPECT_EQ(view_.shown, L"20×10");
+    Values().general.enlargeSmall = 1;
     EXPECT_TRUE(DisplayCurrentPicture(view_));
     EXPECT_EQ(view_.shown, L"640×320");
     EXPECT_EQ(CurrentPicture().Width(), 20);

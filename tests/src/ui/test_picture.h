@@ -1,10 +1,7 @@
 // Small pictures to show.
 #pragma once
 
-#include "app/base/handles.h"
-#include "picture/modDIBToPicture.h"
 #include "picture/picture.h"
-#include "ui/form/picture_box.h"
 
 namespace tessary::test {
 
@@ -36,15 +33,6 @@ inline Picture TestPicture(int width, int height) {
 
 inline COLORREF PixelAt(int x, int y) {
     return RGB(x & 0xFF, y & 0xFF, 128);
-}
-
-// The picture object of such a picture.
-inline PictureReference MakePicture(int width, int height) {
-    const Picture picture = TestPicture(width, height);
-    const UniqueScreenDc screen(GetDC(nullptr));
-    PictureReference object;
-    DIBToPicture(screen.Get(), {picture.Info().data(), picture.Bits().data()}, object.Receive());
-    return object;
 }
 
 }  // namespace tessary::test

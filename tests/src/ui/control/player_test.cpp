@@ -114,12 +114,19 @@ TEST_F(PlayerTest, AShowBehindADialogOrMinimisedIsNotSeen) {
 
 TEST_F(PlayerTest, DisplaySizesGoRound) {
     Values().fixSizeValue = 3;
+    Values().general.sizeButton = kSizeButtonFixed;
+    Values().general.enlargeSmall = 1;
     bar_.SetFileList(Bitmaps(1));
-    for (const int expected : {4, 0, 1}) {
-        bar_.Press(BarButton::kDisplaySize);
-        EXPECT_EQ(Values().fixSizeValue, expected);
-    }
-    EXPECT_EQ(window_.pictureView().PictureSize().cx, 640);  // at once, not with the next file
+    const auto expect = [&](std::initializer_list<int> modes) {
+        for (const int mode : modes) {
+            bar_.Press(BarButton::kDisplaySize);
+            EXPECT_EQ(Values().fixSizeValue, mode);
+        }
+    };
+    expect({4, 0, 1});
+    Values().general.sizeButton = kSizeButtonAll;
+    expect({2, 3, 4, 5, 6, 0, 1});
+    EXPECT_EQ(window_.Stage().Seen().Shown().cx, 640);  // at once, not with the next file
 }
 
 }  // namespace

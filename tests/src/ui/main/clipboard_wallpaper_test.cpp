@@ -113,7 +113,7 @@ class ClipboardTest : public test::MainWindowTest {
     // Makes a picture current that is shown smaller than it is.
     void ShowSmaller() {
         SetCurrentPicture(test::TestPicture(30, 16));
-        window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
+        window_.SetPicture(test::TestPicture(15, 8), {});
     }
 
     ClipboardCommands clipboard_{window_};
@@ -138,7 +138,7 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
     EXPECT_EQ(CurrentPicture().Bits().data(), former);
     Choose(menuEditPaste);
     EXPECT_NE(CurrentPicture().Bits().data(), former);
-    EXPECT_EQ(window_.pictureView().PictureSize().cx, 30);
+    EXPECT_EQ(window_.Stage().Seen().Shown().cx, 30);
     EXPECT_EQ(CurrentPicture().Bits()[5 * 3 + 2], 5);  // red is x
     EXPECT_EQ(Panel(kPluginCountPanel), L"[表示中] クリップボード内の画像 ( 24bit )");
     EXPECT_EQ(Panel(kShownFilePanel), L"( 30×16 24bit ) 3個のプラグイン");
@@ -152,10 +152,10 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
 TEST_F(ClipboardTest, LeavesAPictureForWhatIsNone) {
     // What browsers offer: the system makes the older form of it.
     Paste(CF_DIBV5, BlockOf(std::array<DWORD, 31>{124, 1, 2, 32 << 16 | 1}));
-    EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
+    EXPECT_EQ(window_.Stage().Seen().Shown().cy, 2);
     window_.SetPanelText(kShownFilePanel, L"a.bmp");
     Paste(CF_DIB, UniqueGlobal(GlobalAlloc(GHND, 40)));
-    EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
+    EXPECT_EQ(window_.Stage().Seen().Shown().cy, 2);
     EXPECT_EQ(Panel(kShownFilePanel), L"a.bmp");
     SetCurrentPicture({});
     Choose(menuEditCopy);
@@ -187,7 +187,7 @@ TEST_F(ClipboardTest, APictureThatIsMadeOnlyNowHoldsNothingUp) {
         const OtherProgram other(window_.Handle(), OtherProgram::kPromises, 500);
         PostMessageW(window_.Handle(), WM_COMMAND, menuEditPaste, 0);  // too early
         Choose(menuEditPaste);
-        EXPECT_EQ(window_.pictureView().PictureSize().cy, 2);
+        EXPECT_EQ(window_.Stage().Seen().Shown().cy, 2);
         MSG message{};
         EXPECT_FALSE(PeekMessageW(&message, window_.Handle(), WM_COMMAND, WM_COMMAND, PM_NOREMOVE));
     }
@@ -254,7 +254,9 @@ class WallpaperTest : public ClipboardTest {
 
 TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
     EXPECT_FALSE(window_.Commands().IsEnabled(menuViewWallpaperTile));
-    ShowSmaller();
+    Values().fixSizeValue = kSizeMode640;
+    SetCurrentPicture(test::TestPicture(1280, 320));
+    window_.SetPicture(CurrentPicture().Another(), {});
     Values().saveOptions.bmp = {1, 1};  // how the user saves his own files
     Choose(menuViewWallpaperCenter);
     EXPECT_EQ(Style(L"TileWallpaper"), L"0");
@@ -266,9 +268,9 @@ TEST_F(WallpaperTest, IsThePictureAsItIsShownInTheFirstFolderThatTakesIt) {
     EXPECT_EQ(shown_, (std::vector<std::wstring>{file, file, L""}));
     Picture saved;
     ASSERT_TRUE(ReadBitmapFile(file, saved));
-    EXPECT_EQ(saved.Width(), 15);
-    EXPECT_EQ(saved.Bits()[2], 0);                                // red is x
-    EXPECT_EQ(std::filesystem::file_size(file), 54u + 48u * 8u);  // a Windows bitmap
+    EXPECT_EQ(saved.Width(), 640);
+    EXPECT_NEAR(saved.View().Row(80)[1], 160.5, 1);                   // green is y
+    EXPECT_EQ(std::filesystem::file_size(file), 54u + 1920u * 160u);  // a Windows bitmap
 
     SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_READONLY);
     Choose(menuViewWallpaperCenter);

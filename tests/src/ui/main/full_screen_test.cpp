@@ -40,12 +40,13 @@ class FullScreenTest : public test::MainWindowTest {
 };
 
 TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
+    Values().general.doubleClick = kDoubleClickFullScreen;
     ShowPicture(100, 60);
     controlBar_.visible = true;
     const HWND window = window_.Handle();
     const auto looks = [&] {
         return std::tuple(GetWindowLongW(window, GWL_STYLE), GetMenu(window), View().cy,
-                          window_.WorkAreaSize().cy, controlBar_.visible);
+                          window_.Room().workArea.cy, controlBar_.visible);
     };
     for (const int state : {SW_SHOWNORMAL, SW_SHOWMAXIMIZED}) {
         ShowWindow(window, state);
@@ -56,7 +57,7 @@ TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
         constexpr LONG kOfTaskbar = WS_SYSMENU | WS_MINIMIZEBOX;
         EXPECT_EQ(GetWindowLongW(window, GWL_STYLE) & (kOfTaskbar | WS_MAXIMIZEBOX), kOfTaskbar);
         EXPECT_FALSE(controlBar_.visible);
-        EXPECT_EQ(window_.WorkAreaSize().cy, Screen().bottom);
+        EXPECT_EQ(window_.Room().workArea.cy, Screen().bottom);
         EXPECT_EQ(Position().x, (Screen().right - 100) / 2);
         // Whoever moves it, the system to another scale for one, it stays on all of its screen.
         const RECT small{50, 60, 250, 260};
@@ -94,7 +95,7 @@ TEST_F(FullScreenTest, EscapeEndsTheNearestThing) {
     }
 }
 
-TEST_F(FullScreenTest, WheelStepsByNotchesAndWithCtrlThroughTheSizes) {
+TEST_F(FullScreenTest, WheelStepsByNotchesAndZoomsWithCtrl) {
     using Presses = std::vector<int>;
     const auto turn = [&](std::initializer_list<int> notches) {
         for (const int part : notches)
@@ -112,16 +113,21 @@ TEST_F(FullScreenTest, WheelStepsByNotchesAndWithCtrlThroughTheSizes) {
         EXPECT_EQ(turn({-WHEEL_DELTA}), Presses{});
     }
 
-    std::vector<int> sizes;
-    for (int mode = kSizeModeOriginal; mode <= kSizeModeScreen; ++mode) {
-        window_.Commands().Register(commandDisplaySize_0 + mode, {.run = [&, mode] {
-                                        Values().fixSizeValue = static_cast<int16_t>(mode);
-                                        sizes.push_back(mode);
-                                    }});
-    }
-    for (const int notches : {-1, 1, 1, 9, 1, -1})
+    ShowPicture(400, 300);
+    EXPECT_EQ(Panel(kScalePanel), L"100 %");
+    for (const auto& [notches, scale] :
+         {std::pair{1, L"125 %"}, {-2, L"80 %"}, {9, L"596 %"}, {99, L"1600 %"}}) {
         Wheel(notches * WHEEL_DELTA, MK_CONTROL);
-    EXPECT_EQ(sizes, (std::vector<int>{1, 2, 4, 3}));
+        EXPECT_EQ(Panel(kScalePanel), scale);
+    }
+    SendToView(WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(9, 9));
+    EXPECT_EQ(Panel(kScalePanel), L"100 %");
+    ShowPicture(400, 300);
+    Choose(commandZoomOut);
+    window_.ClearPicture();
+    EXPECT_EQ(Panel(kScalePanel), L"");
+    Wheel(WHEEL_DELTA, MK_CONTROL);
+    EXPECT_EQ(Panel(kScalePanel), L"");
 }
 
 TEST_F(FullScreenTest, NextRunStandsWhereThisOneWasLeft) {

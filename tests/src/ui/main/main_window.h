@@ -38,7 +38,7 @@ class MainWindowTest : public testing::Test {
     // Makes a picture current and shows it.
     void ShowPicture(int width, int height) {
         SetCurrentPicture(TestPicture(width, height));
-        window_.SetPicture(MakePicture(width, height).Get(), width, height);
+        window_.SetPicture(TestPicture(width, height), {});
     }
 
     void TearDown() override {
@@ -53,7 +53,10 @@ class MainWindowTest : public testing::Test {
         return frame;
     }
     SIZE View() const { return window_.pictureView().AreaSize(); }
-    POINT Position() const { return window_.pictureView().PicturePosition(); }
+    POINT Position() const {
+        const ViewPosition at = window_.Stage().Seen().Position();
+        return {at.x, at.y};
+    }
     LRESULT SendToView(UINT message, WPARAM wParam, LPARAM lParam) const {
         return SendMessageW(window_.pictureView().Handle(), message, wParam, lParam);
     }

@@ -11,9 +11,9 @@
 namespace tessary {
 namespace {
 
-const std::set<int> kAlways{menuFileExit,  menuViewControlBar, menuControl_0,
-                            menuControl_1, menuControl_2,      menuControl_3,
-                            menuControl_4, menuControl_5,      commandFullScreen};
+const std::set<int> kAlways{menuFileExit,      menuViewControlBar, menuControl_0, menuControl_1,
+                            menuControl_2,     menuControl_3,      menuControl_4, menuControl_5,
+                            commandFullScreen, commandEnlargeSmall};
 
 class MenuTest : public test::MainWindowTest {
   protected:
@@ -50,7 +50,7 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
                                 {.run = [&] { ++opened; }, .enabled = [&] { return offered; }});
     ShowPicture(10, 10);
     std::set<int> alive = kAlways;
-    alive.insert({menuFileOpen, menuEditClear});
+    alive.insert({menuFileOpen, menuEditClear, commandZoomIn, commandZoomOut, commandToggleFit});
     EXPECT_EQ(AliveItems(), alive);
     Choose(menuFileOpen);
     Choose(menuFileSaveAs);  // nobody's
@@ -61,9 +61,11 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
         const ReadUnderWay read;
         Choose(menuFileOpen);
         EXPECT_EQ(opened, 1);
-        // Only what loads nothing: 停止 and 折りたたみ.
-        EXPECT_EQ(AliveItems(), (std::set<int>{menuFileExit, menuViewControlBar, menuControl_2,
-                                               menuControl_5, commandFullScreen}));
+        // Only what loads nothing: 停止, 折りたたみ and what moves the picture.
+        EXPECT_EQ(AliveItems(),
+                  (std::set<int>{menuFileExit, menuViewControlBar, menuControl_2, menuControl_5,
+                                 commandFullScreen, commandZoomIn, commandZoomOut, commandToggleFit,
+                                 commandEnlargeSmall}));
         PressControlMenu();
         EXPECT_EQ(controlBar_.pressed, (std::vector<int>{4, 15}));
     }
@@ -109,7 +111,7 @@ TEST_F(MenuTest, PopupShowsAndCopiesWhatIsKnownOfThePicture) {
     expect(L"ファイル名 <なし>", L"before");
     // Shown smaller than it is: the picture itself is described.
     SetCurrentPicture(test::TestPicture(31, 17));
-    window_.SetPicture(test::MakePicture(15, 8).Get(), 15, 8);
+    window_.SetPicture(test::TestPicture(15, 8), {});
     expect(L"ファイル名 <不明>", L"ファイル名 <不明>");
     window_.SetPictureSource({L"桜 & 山.jpg", L""});
     expect(L"ファイル名 <桜 && 山.jpg>", L"ファイル名 <桜 & 山.jpg>");

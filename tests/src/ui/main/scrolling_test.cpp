@@ -1,15 +1,21 @@
 // Where the picture stands, and what moves it.
 #include <tuple>
 
+#include "picture/view/view_layout.h"
 #include "tests/src/ui/main/main_window.h"
 #include "ui/form/activity.h"
-#include "ui/main/view_layout.h"
 
 namespace tessary {
 namespace {
 
 class ScrollingTest : public test::MainWindowTest {
   protected:
+    // Shows a picture in an area of that size, beside its scroll bars.
+    void ShowIn(int width, int height, int pictureWidth, int pictureHeight) {
+        Load(width, height);
+        ShowPicture(pictureWidth, pictureHeight);
+        SizeView(width, height);
+    }
     void ExpectPosition(int x, int y) const {
         EXPECT_EQ(Position().x, x);
         EXPECT_EQ(Position().y, y);
@@ -17,8 +23,7 @@ class ScrollingTest : public test::MainWindowTest {
 };
 
 TEST_F(ScrollingTest, ArrowKeysMoveTheSightOfThePicture) {
-    Load(320, 240);
-    ShowPicture(350, 280);
+    ShowIn(320, 240, 350, 280);
     for (const auto& [key, x, y] : {std::tuple{VK_RIGHT, -20, 0},
                                     {VK_DOWN, -20, -15},
                                     {VK_RIGHT, -30, -15},
@@ -34,8 +39,7 @@ TEST_F(ScrollingTest, ArrowKeysMoveTheSightOfThePicture) {
 }
 
 TEST_F(ScrollingTest, DraggingFollowsThePointerWithinTheEdges) {
-    Load(320, 240);
-    ShowPicture(400, 200);
+    ShowIn(320, 240, 400, 200);
     const auto send = [&](UINT message, int x, int y, WPARAM buttons = MK_LBUTTON) {
         SendToView(message, buttons, MAKELPARAM(x, y));
     };
@@ -56,8 +60,7 @@ TEST_F(ScrollingTest, DraggingFollowsThePointerWithinTheEdges) {
 }
 
 TEST_F(ScrollingTest, LayoutFollowsTheWindowsSize) {
-    Load(400, 240);
-    ShowPicture(500, 300);
+    ShowIn(400, 240, 500, 300);
     SendToView(WM_KEYDOWN, VK_DOWN, 0);
     for (const auto& [width, height, x, y] :
          {std::tuple{410, 260, 0, -15},

@@ -184,7 +184,7 @@ TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
                         EXPECT_EQ(TextOf(dialog, labelSlideShowTime), L"0.0 秒");
                         EXPECT_EQ(TextOf(dialog, textReduceColorNum), L"256");
                         EXPECT_EQ(selected(dialog, combReduceType), 0);
-                        EXPECT_EQ(selected(dialog, combFixSizeValue), 4);
+                        EXPECT_EQ(selected(dialog, combFixSizeValue), 6);
                         EXPECT_EQ(selected(dialog, combSaveType1), 2);
                         EXPECT_EQ(selected(dialog, combSaveType2), 1);
                         Type(dialog, textReduceColorNum, L"99999999999999999999");
@@ -202,7 +202,7 @@ TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
     EXPECT_EQ(general.slideShowTime, 0);
     EXPECT_EQ(general.reduceColorNum, 256);
     EXPECT_EQ(GetSetting(L"FileFormat", L"jpg_saveQuality"), L"10");
-    EXPECT_EQ(GetSetting(L"General", L"FixSizeValue"), L"4");
+    EXPECT_EQ(GetSetting(L"General", L"FixSizeValue"), L"6");
 }
 
 TEST_F(OptionsTest, ErrorsOfAPluginAreToldAndForgotten) {

@@ -1,4 +1,4 @@
-#include "picture/show/picture_kernel.h"
+#include "picture/view/picture_kernel.h"
 
 #include <optional>
 #include <string>
@@ -106,9 +106,8 @@ Picture ThroughMemory(const Kernel& kernel, kernel::HIMAGE image) {
     return Picture::FromPair(pair);
 }
 
-}  // namespace
-
-Picture ResizePicture(const Picture& picture, int width, int height, Handover handover) {
+Picture Resize(const Picture& picture, const kernel::ResizeParameters& parameters,
+               Handover handover) {
     const Kernel kernel;
     const bool isInMemory = handover != Handover::kFile && kernel.writeMemoryImage != nullptr;
     if (!kernel.IsComplete() || (handover == Handover::kNoFile && !isInMemory)) return {};
@@ -119,14 +118,36 @@ Picture ResizePicture(const Picture& picture, int width, int height, Handover ha
                                  source.Receive()) != kernel::kKernelOk) {
         return {};
     }
-    kernel::ResizeParameters parameters{};
-    parameters.size = sizeof(parameters);
-    parameters.width = width;
-    parameters.height = height;
     if (kernel.doFilter(source.Get(), &parameters, resized.Receive()) != kernel::kKernelOk) {
         return {};
     }
     return isInMemory ? ThroughMemory(kernel, resized.Get()) : ThroughFile(kernel, resized.Get());
+}
+
+}  // namespace
+
+Picture ResizePicture(const Picture& picture, int width, int height, Handover handover) {
+    return Resize(picture,
+                  {.size = kernel::kWholeResizeSize, .width = width, .height = height, .filter = 0},
+                  handover);
+}
+
+bool HandsOverByFile() {
+    const Kernel kernel;
+    return kernel.IsComplete() && kernel.writeMemoryImage == nullptr;
+}
+
+Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part) {
+    return Resize(picture,
+                  {.size = sizeof(kernel::ResizeParameters),
+                   .width = size.cx,
+                   .height = size.cy,
+                   .filter = 0,
+                   .left = part.left,
+                   .top = part.top,
+                   .partWidth = part.right - part.left,
+                   .partHeight = part.bottom - part.top},
+                  Handover::kNoFile);
 }
 
 }  // namespace tessary

@@ -1,4 +1,4 @@
-#include "ui/main/view_layout.h"
+#include "picture/view/view_layout.h"
 
 #include <algorithm>
 

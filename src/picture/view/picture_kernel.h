@@ -2,6 +2,8 @@
 // plg_resize.fplg and bmp_export.eplg, which start-up has made resident.
 #pragma once
 
+#include <windows.h>
+
 #include "picture/picture.h"
 
 namespace tessary {
@@ -19,5 +21,11 @@ enum class Handover {
 // fails.
 Picture ResizePicture(const Picture& picture, int width, int height,
                       Handover handover = Handover::kMemory);
+
+// Whether its pictures can be had by file only: with an exporter that lacks the entry for memory.
+bool HandsOverByFile();
+
+// The same of a part of the new picture, given in its pixels, in memory and from any thread.
+Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part);
 
 }  // namespace tessary

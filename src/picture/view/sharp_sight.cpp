@@ -1,0 +1,91 @@
+#include "picture/view/sharp_sight.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "picture/view/picture_kernel.h"
+
+namespace tessary {
+namespace {
+
+// Between two strips of so many rows the thread asks whether they are still wanted.
+constexpr LONG kStripRows = 360;
+
+}  // namespace
+
+SharpSight::~SharpSight() {
+    Forget();
+}
+
+void SharpSight::Ask(Pixels pixels, const SightPart& sight) {
+    const std::lock_guard lock(mutex_);
+    const bool isOther =
+        making_ != pixels || makingSize_.cx != sight.shown.cx || makingSize_.cy != sight.shown.cy;
+    if (isOther) making_ = nullptr;
+    wish_ = Wish{std::move(pixels), sight};
+    if (!thread_.joinable())
+        thread_ = std::jthread([this](const std::stop_token& ends) { Run(ends); });
+    asked_.notify_one();
+}
+
+void SharpSight::Forget() {
+    const std::lock_guard lock(mutex_);
+    wish_.reset();
+    making_ = nullptr;
+    made_ = nullptr;
+}
+
+std::shared_ptr<const SharpPart> SharpSight::Take() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(made_, nullptr);
+}
+
+void SharpSight::Run(const std::stop_token& ends) {
+    for (;;) {
+        Wish wish;
+        {
+            std::unique_lock lock(mutex_);
+            if (!asked_.wait(lock, ends, [this] { return wish_.has_value(); })) return;
+            wish = *std::exchange(wish_, std::nullopt);
+            making_ = wish.pixels;
+            makingSize_ = wish.sight.shown;
+        }
+        std::shared_ptr<const SharpPart> made;
+        try {
+            made = Make(wish, ends);
+        } catch (const std::bad_alloc&) {
+            // It stays as it is on the screen.
+        }
+        {
+            const std::lock_guard lock(mutex_);
+            if (made == nullptr || making_ != wish.pixels) continue;
+            making_ = nullptr;
+            made_ = std::move(made);
+        }
+        ready_();
+    }
+}
+
+bool SharpSight::IsWanted(const Wish& wish) {
+    const std::lock_guard lock(mutex_);
+    return making_ == wish.pixels;
+}
+
+std::shared_ptr<const SharpPart> SharpSight::Make(const Wish& wish, const std::stop_token& ends) {
+    auto whole = std::make_shared<SharpPart>(wish.sight);
+    const RECT& part = wish.sight.part;
+    for (LONG top = part.top; top < part.bottom; top += kStripRows) {
+        if (ends.stop_requested() || !IsWanted(wish)) return nullptr;
+        const RECT strip{part.left, top, part.right, std::min(top + kStripRows, part.bottom)};
+        const Picture made = ResizePicturePart(wish.pixels->Whole(), wish.sight.shown, strip);
+        if (!made) return nullptr;
+        const PixelRows rows = whole->Rows();
+        SightPixels(made.Another())
+            .DrawNearest({{made.Width(), made.Height()}, {0, 0, made.Width(), made.Height()}},
+                         {rows.Row(top - part.top), rows.stride});
+    }
+    return whole;
+}
+
+}  // namespace tessary

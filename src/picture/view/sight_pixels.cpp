@@ -1,0 +1,86 @@
+#include "picture/view/sight_pixels.h"
+
+#include <algorithm>
+#include <cstring>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace tessary {
+namespace {
+
+constexpr int kMostThreads = 4;
+// Below so many pixels a thread, starting one costs more than it saves.
+constexpr int64_t kPixelsPerThread = 400'000;
+
+// The source pixel whose area holds the middle of a pixel on the screen.
+int32_t Nearest(int64_t at, int64_t source, int64_t shown) {
+    return static_cast<int32_t>((2 * at + 1) * source / (2 * shown));
+}
+
+// Calls draw(first, end) for bands that make up the rows 0 to `count`, on several threads where
+// that pays.
+template <typename Draw>
+void InBands(int count, int64_t pixels, const Draw& draw) {
+    const auto processors = static_cast<int>(std::thread::hardware_concurrency());
+    const int bands = static_cast<int>(
+        std::clamp<int64_t>(pixels / kPixelsPerThread, 1, std::clamp(processors, 1, kMostThreads)));
+    const auto boundary = [&](int band) { return static_cast<int>(int64_t{count} * band / bands); };
+    std::vector<std::jthread> threads;
+    int begun = 1;
+    try {
+        threads.reserve(static_cast<size_t>(bands));
+        for (; begun < bands; ++begun)
+            threads.emplace_back(draw, boundary(begun), boundary(begun + 1));
+    } catch (const std::system_error&) {
+        // No further thread to be had: what is left over is drawn here.
+    }
+    draw(0, boundary(1));
+    if (begun < bands) draw(boundary(begun), count);
+}
+
+}  // namespace
+
+bool IsExactAsItIs(SIZE picture, SIZE shown) {
+    return (shown.cx == picture.cx && shown.cy == picture.cy) ||
+           shown.cx >= 2 * int64_t{picture.cx};
+}
+
+SightPixels::SightPixels(Picture picture)
+    : picture_(std::move(picture)), reader_(picture_.View()) {}
+
+void SightPixels::DrawNearest(const SightPart& sight, const PixelRows& rows) const {
+    const dib::DibView& view = picture_.View();
+    std::vector<int32_t> columns(static_cast<size_t>(sight.Width()));
+    for (size_t x = 0; x < columns.size(); ++x) {
+        columns[x] =
+            Nearest(sight.part.left + static_cast<int64_t>(x), view.Width(), sight.shown.cx);
+    }
+    InBands(sight.Height(), int64_t{sight.Width()} * sight.Height(), [&](int first, int end) {
+        int32_t former = -1;
+        for (int y = first; y < end; ++y) {
+            const int32_t row = Nearest(int64_t{sight.part.top} + y, view.Height(), sight.shown.cy);
+            if (row == former) {
+                std::memcpy(rows.Row(y), rows.Row(y - 1), columns.size() * sizeof(uint32_t));
+            } else {
+                reader_.Pick(view.Row(row), columns, rows.Row(y));
+            }
+            former = row;
+        }
+    });
+}
+
+SharpPart::SharpPart(const SightPart& sight)
+    : sight_(sight),
+      pixels_(std::make_unique_for_overwrite<uint32_t[]>(static_cast<size_t>(sight.Width()) *
+                                                         static_cast<size_t>(sight.Height()))) {}
+
+std::shared_ptr<const SharpPart> SharpPart::Of(const SightPart& sight, const Picture& made) {
+    auto sharp = std::make_shared<SharpPart>(sight);
+    const RECT all{0, 0, sight.Width(), sight.Height()};
+    SightPixels(made.Another()).DrawNearest({{made.Width(), made.Height()}, all}, sharp->Rows());
+    return sharp;
+}
+
+}  // namespace tessary

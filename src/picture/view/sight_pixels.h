@@ -1,0 +1,72 @@
+// The pixels of what is seen of a picture: at once as they come, or as sharp as they can be made.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "helpers/dib/unpack_row.h"
+#include "picture/picture.h"
+
+namespace tessary {
+
+// Rows of 32-bit pixels, the top one first: blue in the lowest byte, the highest one is anything.
+struct PixelRows {
+    uint32_t* first = nullptr;
+    size_t stride = 0;  // pixels from one row to the next
+
+    uint32_t* Row(int y) const { return first + static_cast<size_t>(y) * stride; }
+};
+
+// A part of a picture that is shown in a size of its own.
+struct SightPart {
+    SIZE shown{};  // the whole picture's size on the screen
+    RECT part{};   // in it
+
+    int Width() const { return part.right - part.left; }
+    int Height() const { return part.bottom - part.top; }
+};
+
+// Whether the nearest pixels are all that there is to see: at the picture's own size, and from
+// twice that on, where pixels are to be seen as such.
+bool IsExactAsItIs(SIZE picture, SIZE shown);
+
+// Reads a picture for the screen. Serves several threads.
+class SightPixels {
+  public:
+    // The picture must not be empty.
+    explicit SightPixels(Picture picture);
+
+    const Picture& Whole() const { return picture_; }
+
+    // Takes the nearest pixel for each one on the screen. `rows` begin with the part's top left
+    // pixel.
+    void DrawNearest(const SightPart& sight, const PixelRows& rows) const;
+
+  private:
+    Picture picture_;
+    dib::RowReader reader_;
+};
+
+// A part of a picture as it is shown.
+class SharpPart {
+  public:
+    // Room for it, unfilled; throws std::bad_alloc.
+    explicit SharpPart(const SightPart& sight);
+    // The pixels of `made`, which has the part's size.
+    static std::shared_ptr<const SharpPart> Of(const SightPart& sight, const Picture& made);
+
+    const SightPart& Sight() const { return sight_; }
+    PixelRows Rows() { return {pixels_.get(), static_cast<size_t>(sight_.Width())}; }
+    const uint32_t* Row(int y) const {
+        return pixels_.get() + static_cast<size_t>(y) * static_cast<size_t>(sight_.Width());
+    }
+
+  private:
+    SightPart sight_;
+    std::unique_ptr<uint32_t[]> pixels_;
+};
+
+}  // namespace tessary

@@ -1,0 +1,188 @@
+// The picture in the main window: what the mouse and the keys do to it, and what is told of it.
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "app/settings/modValue.h"
+#include "picture/current_picture.h"
+#include "ui/form/activity.h"
+#include "ui/form/menu.h"
+#include "ui/form/screen.h"
+#include "ui/main/frmMain.h"
+
+namespace tessary {
+
+void frmMain::CreatePictureView() {
+    pictureView_.Create(
+        Handle(),
+        {.keyDown = [this](int keyCode, int shift) { pictureView_KeyDown(keyCode, shift); },
+         .mouseDown = [this](int button, POINT at) { pictureView_MouseDown(button, at); },
+         .doubleClick = [this](POINT at) { pictureView_DoubleClick(at); },
+         .mouseMove = [this](POINT at, bool left) { pictureView_MouseMove(at, left); },
+         .mouseUp = [this](int) { stage_.EndDrag(); },
+         .captureLost = [this] { stage_.EndDrag(); },
+         .wheel = [this](int notches, int shift,
+                         POINT at) { pictureView_Wheel(notches, shift, at); },
+         .pinch =
+             [this](double factor, POINT at) {
+                 stage_.ZoomBy(factor, at);
+                 ShowScale();
+             },
+         .scroll = [this](int bar, int code, int place) { stage_.Scroll(bar, code, place); },
+         .sized = [this] { RoomChanged(); },
+         .nudged = [this] { stage_.ShowSharp(); },
+         .paint = [this](HDC screen, const RECT& area) { return stage_.Paint(screen, area); },
+         .contextMenu = [this](POINT onScreen) { pictureView_ContextMenu(onScreen); },
+         .pointer = [this] { return pictureView_Pointer(); }});
+}
+
+void frmMain::RegisterViewCommands() {
+    const auto pictureShown = [this] { return PictureShown(); };
+    const auto add = [&](int command, std::function<void()> change) {
+        commands_.Register(command, {.run =
+                                         [this, change = std::move(change)] {
+                                             change();
+                                             ShowScale();
+                                         },
+                                     .enabled = pictureShown,
+                                     .whileLoading = true});
+    };
+    add(commandZoomIn, [this] { stage_.ZoomBySteps(1, {}); });
+    add(commandZoomOut, [this] { stage_.ZoomBySteps(-1, {}); });
+    add(commandToggleFit, [this] { stage_.ToggleFit({}); });
+    commands_.Register(commandEnlargeSmall,
+                       {.run =
+                            [this] {
+                                int16_t& enlarges = Values().general.enlargeSmall;
+                                enlarges = enlarges == 0 ? 1 : 0;
+                                FollowSizeMode();
+                            },
+                        .checked = [] { return Values().general.enlargeSmall != 0; },
+                        .whileLoading = true});
+}
+
+void frmMain::pictureView_Wheel(int notches, int shift, POINT at) {
+    if ((shift & kCtrlMask) != 0) {
+        stage_.ZoomBySteps(notches, at);
+        return ShowScale();
+    }
+    for (; notches > 0; --notches)
+        Step(BarButton::kStepBack);
+    for (; notches < 0; ++notches)
+        Step(BarButton::kStepForward);
+}
+
+void frmMain::pictureView_DoubleClick(POINT at) {
+    const bool zooms = Values().general.doubleClick != kDoubleClickFullScreen;
+    if (!zooms || !PictureShown()) {
+        commands_.Run(commandFullScreen);
+        return;
+    }
+    stage_.EndDrag();  // of the first click
+    stage_.ToggleFit(at);
+    ShowScale();
+}
+
+void frmMain::pictureView_KeyDown(int keyCode, int shift) {
+    if (stage_.KeyDown(keyCode)) return;
+    switch (keyCode) {
+        case VK_RETURN:
+            return Step((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
+        case VK_TAB:
+            if ((shift & kShiftMask) == 0 && silence_.MoveFocus(false)) return;
+            if (controlBar_ == nullptr) return;
+            return controlBar_->TakeFocus((shift & kShiftMask) != 0 ? BarFocus::kLast
+                                                                    : BarFocus::kFirst);
+        default:
+            return;
+    }
+}
+
+void frmMain::pictureView_MouseDown(int button, POINT at) {
+    if (button == kLeftButton) stage_.BeginDrag(at);
+}
+
+void frmMain::pictureView_MouseMove(POINT at, bool leftButton) {
+    restingPointer_.Seen(at);
+    if (leftButton) {
+        stage_.DragTo(at);
+    } else {
+        stage_.EndDrag();
+    }
+}
+
+void frmMain::pictureView_ContextMenu(POINT onScreen) {
+    restingPointer_.Wake();
+    const UniqueMenu window = LoadMenuResource(menuPopupWindow);
+    const HMENU popup = GetSubMenu(window.Get(), 0);
+    const dib::BitmapInfoHeader* const header =
+        PictureShown() && CurrentPicture() ? &CurrentPicture().Header() : nullptr;
+    ForEachMenuCommand(popup, [&](int item) {
+        SetMenuCaption(popup, item, AsMenuCaption(PicturePopupText(item, source_, header)));
+    });
+    // The full screen has no other menu.
+    AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
+    const UniqueMenu bar = LoadMenuResource(menuMainWindow);
+    for (const int command :
+         {commandStepForward, commandStepBack, commandAddToDeleteList, commandFullScreen}) {
+        AppendMenuW(popup, MF_STRING, command, MenuCaption(bar.Get(), command).c_str());
+    }
+    commands_.ShowState(popup);
+    TrackPopupMenuEx(popup, TPM_RIGHTBUTTON, onScreen.x, onScreen.y, Handle(), nullptr);
+}
+
+const wchar_t* frmMain::pictureView_Pointer() const {
+    if (restingPointer_.IsHidden()) return nullptr;
+    if (IsReadUnderWay()) return IDC_WAIT;
+    return stage_.Seen().CanScroll() ? IDC_HAND : IDC_ARROW;
+}
+
+// On the full screen all of the screen, and no scroll bars.
+void frmMain::RoomChanged() {
+    const MONITORINFO screen = ScreenOf(Handle());
+    const bool isFull = fullScreen_.IsOn();
+    stage_.RoomChanged(SizeOf(isFull ? screen.rcMonitor : screen.rcWork), !isFull);
+    ShowScale();
+}
+
+FitRoom frmMain::Room() const {
+    return stage_.Room();
+}
+
+void frmMain::FollowSizeMode() {
+    stage_.SetRule(ChosenFitRule());
+    ShowScale();
+}
+
+void frmMain::ShowScale() {
+    const long percent = std::lround(stage_.Seen().Scale() * 100);
+    const std::wstring text =
+        PictureShown() ? std::to_wstring(std::max(percent, 1L)) + L" %" : std::wstring();
+    if (statusInformation_.PanelText(kScalePanel) != text) SetPanelText(kScalePanel, text);
+}
+
+void frmMain::SetPicture(Picture picture, const Picture& prepared) {
+    stage_.FollowRule(ChosenFitRule());
+    stage_.KeepZoom(Values().general.keepZoom != 0);
+    PutIntoView(std::move(picture), prepared);
+}
+
+void frmMain::ClearPicture() {
+    source_ = {};
+    PutIntoView({}, {});
+}
+
+void frmMain::ShowReason(const std::wstring& reason) {
+    ClearPicture();
+    pictureView_.SetReason(reason);
+    ShowPluginCount();
+}
+
+void frmMain::PutIntoView(Picture picture, const Picture& prepared) {
+    const bool wasShown = PictureShown();
+    stage_.SetPicture(std::move(picture), prepared);
+    ShowScale();
+    if (PictureShown() != wasShown && pictureShownChanged_) pictureShownChanged_();
+}
+
+}  // namespace tessary

@@ -1,0 +1,248 @@
+#include "ui/main/picture_stage.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace tessary {
+namespace {
+
+std::optional<ScrollKey> ScrollKeyOf(int keyCode) {
+    switch (keyCode) {
+        case VK_LEFT:
+            return ScrollKey::kLeft;
+        case VK_UP:
+            return ScrollKey::kUp;
+        case VK_RIGHT:
+            return ScrollKey::kRight;
+        case VK_DOWN:
+            return ScrollKey::kDown;
+        default:
+            return std::nullopt;
+    }
+}
+
+bool IsSame(SIZE one, SIZE other) {
+    return one.cx == other.cx && one.cy == other.cy;
+}
+
+// Where a scroll bar's code leads from `place`, of `whole` pixels of which `seen` are seen.
+int ScrolledTo(int code, int place, int track, int seen, int whole) {
+    switch (code) {
+        case SB_LINEUP:
+            return place - std::max(seen / 16, 1);
+        case SB_LINEDOWN:
+            return place + std::max(seen / 16, 1);
+        case SB_PAGEUP:
+            return place - seen * 7 / 8;
+        case SB_PAGEDOWN:
+            return place + seen * 7 / 8;
+        case SB_THUMBTRACK:
+        case SB_THUMBPOSITION:
+            return track;
+        case SB_TOP:
+            return 0;
+        case SB_BOTTOM:
+            return whole;
+        default:
+            return place;
+    }
+}
+
+}  // namespace
+
+template <typename Change>
+void PictureStage::Show(Change change) {
+    const SIZE shown = sight_.Shown();
+    const ViewPosition position = sight_.Position();
+    change();
+    if (!IsSame(shown, sight_.Shown())) EndDrag();
+    ShowBars();
+    if (isDrawn_ && IsSame(shown, sight_.Shown()) && position == sight_.Position()) return;
+    isDrawn_ = false;
+    box_.Invalidate();
+    AskForSharp();
+}
+
+void PictureStage::SetPicture(Picture picture, const Picture& prepared) {
+    EndDrag();
+    sharpener_.Forget();
+    sharp_ = nullptr;
+    const SIZE size = picture ? SIZE{picture.Width(), picture.Height()} : SIZE{};
+    pixels_ = picture ? std::make_shared<const SightPixels>(std::move(picture)) : nullptr;
+    isDrawn_ = false;
+    box_.SetReason({});
+    box_.Invalidate();
+    Show([&] {
+        sight_.SetPicture(size, keepsZoom_ && pixels_ != nullptr);
+        if (prepared && IsSame(sight_.Shown(), {prepared.Width(), prepared.Height()})) {
+            const SIZE shown = sight_.Shown();
+            sharp_ = SharpPart::Of({shown, {0, 0, shown.cx, shown.cy}}, prepared);
+        }
+    });
+}
+
+void PictureStage::SetRule(const FitRule& rule) {
+    Show([&] { sight_.SetRule(rule); });
+}
+
+void PictureStage::FollowRule(const FitRule& rule) {
+    if (rule != sight_.Rule()) SetRule(rule);
+}
+
+void PictureStage::RoomChanged(SIZE workArea, bool bars) {
+    room_.whole = box_.WholeSize();
+    room_.workArea = workArea;
+    const auto thickness = [&](int metric) {
+        return bars ? static_cast<LONG>(GetSystemMetrics(metric)) : 0;
+    };
+    room_.bars = {thickness(SM_CXVSCROLL), thickness(SM_CYHSCROLL)};
+    isDrawn_ = false;
+    Show([&] { sight_.SetRoom(room_); });
+}
+
+// The system takes the bars out of the box's area, and tells it so.
+void PictureStage::ShowBars() {
+    const SIZE shown = sight_.Shown();
+    box_.SetScrollBar(SB_HORZ, sight_.HasBarBelow(), shown.cx, -sight_.Position().x);
+    box_.SetScrollBar(SB_VERT, sight_.HasBarBeside(), shown.cy, -sight_.Position().y);
+}
+
+void PictureStage::ZoomBySteps(int steps, std::optional<POINT> anchor) {
+    const SIZE area = sight_.Area();
+    if (!HasPicture()) return;
+    Show([&] { sight_.ZoomBySteps(steps, anchor.value_or(POINT{area.cx / 2, area.cy / 2})); });
+}
+
+void PictureStage::ZoomBy(double factor, POINT anchor) {
+    if (!HasPicture()) return;
+    Show([&] { sight_.ZoomTo(sight_.Scale() * factor, anchor); });
+}
+
+void PictureStage::ToggleFit(std::optional<POINT> anchor) {
+    const SIZE area = sight_.Area();
+    if (!HasPicture()) return;
+    Show([&] { sight_.ToggleFit(anchor.value_or(POINT{area.cx / 2, area.cy / 2})); });
+}
+
+bool PictureStage::KeyDown(int keyCode) {
+    const std::optional<ScrollKey> key = ScrollKeyOf(keyCode);
+    if (!key) return false;
+    Show([&] { sight_.Step(*key); });
+    box_.Refresh();
+    return true;
+}
+
+void PictureStage::Scroll(int bar, int code, int place) {
+    ViewPosition to = sight_.Position();
+    if (bar == SB_HORZ) {
+        to.x = -ScrolledTo(code, -to.x, place, sight_.Area().cx, sight_.Shown().cx);
+    } else {
+        to.y = -ScrolledTo(code, -to.y, place, sight_.Area().cy, sight_.Shown().cy);
+    }
+    Show([&] { sight_.MoveTo(to); });
+    box_.Refresh();
+}
+
+void PictureStage::BeginDrag(POINT at) {
+    drag_ = Drag{at, sight_.Position()};
+    SetCapture(box_.Handle());
+}
+
+void PictureStage::DragTo(POINT at) {
+    if (!drag_) return;
+    Show([&] {
+        sight_.MoveTo(
+            {drag_->position.x + at.x - drag_->start.x, drag_->position.y + at.y - drag_->start.y});
+    });
+    box_.Refresh();
+}
+
+void PictureStage::EndDrag() {
+    if (!drag_) return;
+    drag_.reset();  // first: releasing tells the box that the capture is lost
+    // Whoever has taken the capture meanwhile keeps it.
+    if (GetCapture() == box_.Handle()) ReleaseCapture();
+}
+
+RECT PictureStage::Rectangle() const {
+    if (!HasPicture()) return {};
+    const ViewPosition at = sight_.Position();
+    return {at.x, at.y, at.x + sight_.Shown().cx, at.y + sight_.Shown().cy};
+}
+
+SightPart PictureStage::SeenPart() const {
+    const RECT picture = Rectangle();
+    const SIZE area = box_.AreaSize();
+    const RECT box{0, 0, area.cx, area.cy};
+    RECT seen{};
+    IntersectRect(&seen, &picture, &box);
+    OffsetRect(&seen, -picture.left, -picture.top);
+    return {sight_.Shown(), IsRectEmpty(&seen) ? RECT{} : seen};
+}
+
+bool PictureStage::IsUsable(const SharpPart* sharp) const {
+    return sharp != nullptr && IsSame(sharp->Sight().shown, sight_.Shown());
+}
+
+bool PictureStage::IsSharp() const {
+    if (!HasPicture() || IsExactAsItIs(sight_.Picture(), sight_.Shown())) return true;
+    const SightPart seen = SeenPart();
+    RECT outside{};
+    return IsUsable(sharp_.get()) && !SubtractRect(&outside, &seen.part, &sharp_->Sight().part);
+}
+
+void PictureStage::AskForSharp() {
+    const SightPart seen = SeenPart();
+    if (IsRectEmpty(&seen.part) || IsSharp()) return;
+    sharpener_.Ask(pixels_, seen);
+}
+
+void PictureStage::ShowSharp() {
+    std::shared_ptr<const SharpPart> made = sharpener_.Take();
+    if (!IsUsable(made.get())) return;
+    sharp_ = std::move(made);
+    isDrawn_ = false;
+    box_.Invalidate();
+    AskForSharp();  // it may have moved on meanwhile
+}
+
+RECT PictureStage::Paint(HDC screen, const RECT& area) {
+    const RECT picture = Rectangle();
+    RECT visible{};
+    if (!IntersectRect(&visible, &picture, &area)) return {};
+    Draw();
+    surface_.Show(screen, visible);
+    return picture;
+}
+
+// What is sharp is copied, what lies around it is drawn as it comes.
+void PictureStage::Draw() {
+    if (isDrawn_ || !pixels_->Whole().IsThere() || !surface_.Provide(box_.AreaSize())) return;
+    isDrawn_ = true;
+    const SightPart seen = SeenPart();
+    RECT sharp{};
+    if (IsUsable(sharp_.get())) IntersectRect(&sharp, &seen.part, &sharp_->Sight().part);
+    if (IsRectEmpty(&sharp)) return DrawNearest(seen, seen.part);
+    const RECT& all = seen.part;
+    for (const RECT& beside : {RECT{all.left, all.top, all.right, sharp.top},
+                               RECT{all.left, sharp.bottom, all.right, all.bottom},
+                               RECT{all.left, sharp.top, sharp.left, sharp.bottom},
+                               RECT{sharp.right, sharp.top, all.right, sharp.bottom}}) {
+        if (!IsRectEmpty(&beside)) DrawNearest(seen, beside);
+    }
+    const ViewPosition at = sight_.Position();
+    const POINT from{sharp.left - sharp_->Sight().part.left, sharp_->Sight().part.top};
+    for (LONG y = sharp.top; y < sharp.bottom; ++y) {
+        std::memcpy(surface_.Row(at.y + y) + at.x + sharp.left, sharp_->Row(y - from.y) + from.x,
+                    static_cast<size_t>(sharp.right - sharp.left) * sizeof(uint32_t));
+    }
+}
+
+void PictureStage::DrawNearest(const SightPart& seen, const RECT& part) {
+    const ViewPosition at = sight_.Position();
+    pixels_->DrawNearest({seen.shown, part},
+                         {surface_.Row(at.y + part.top) + at.x + part.left, surface_.Stride()});
+}
+
+}  // namespace tessary

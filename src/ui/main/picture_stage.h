@@ -1,0 +1,93 @@
+// The picture in its box: what is seen of it, how the user moves and enlarges it, and its pixels.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <optional>
+
+#include "picture/picture.h"
+#include "picture/view/sharp_sight.h"
+#include "picture/view/sight.h"
+#include "ui/form/picture_box.h"
+#include "ui/form/view_surface.h"
+
+namespace tessary {
+
+// Draws at once with the nearest pixels; a thread makes them sharp meanwhile, and what it has made
+// takes their place when it is there.
+class PictureStage {
+  public:
+    // The box must outlive the stage, and nudges ShowSharp.
+    explicit PictureStage(PictureBox& box) : box_(box) {}
+
+    // Shows another picture from its top left corner on; an empty one for none. `prepared` is what
+    // is to be seen of it, if that was made before: taken where it has the size that is shown.
+    void SetPicture(Picture picture, const Picture& prepared);
+    bool HasPicture() const { return pixels_ != nullptr; }
+
+    // How pictures are sized; takes a zoom back.
+    void SetRule(const FitRule& rule);
+    // The same, unless it is the rule already.
+    void FollowRule(const FitRule& rule);
+    // The box or the screen have another size. `bars`: whether there are to be scroll bars.
+    void RoomChanged(SIZE workArea, bool bars);
+    // The room as it is now, without scroll bars.
+    FitRoom Room() const { return {room_.whole, room_.workArea}; }
+
+    void ZoomBySteps(int steps, std::optional<POINT> anchor);
+    void ZoomBy(double factor, POINT anchor);
+    void ToggleFit(std::optional<POINT> anchor);
+    // Between two pictures: whether a zoom stays.
+    void KeepZoom(bool keeps) { keepsZoom_ = keeps; }
+
+    const Sight& Seen() const { return sight_; }
+
+    // Scrolls for an arrow key (VK_…); false for every other key.
+    bool KeyDown(int keyCode);
+    // For a scroll bar's message (PictureBox::Events::scroll).
+    void Scroll(int bar, int code, int place);
+
+    // Dragging: the picture follows the pointer, which the box captures meanwhile. Positions are
+    // pixels of the box.
+    void BeginDrag(POINT at);
+    void DragTo(POINT at);
+    void EndDrag();
+
+    // Paints what lies in `area` of the box; the result is the picture's rectangle.
+    RECT Paint(HDC screen, const RECT& area);
+    // Takes what was made sharp meanwhile.
+    void ShowSharp();
+    // Whether what is seen is as sharp as it can be made.
+    bool IsSharp() const;
+
+  private:
+    struct Drag {
+        POINT start;            // of the pointer
+        ViewPosition position;  // of the picture at that time
+    };
+
+    // Does what changes the sight, and shows it.
+    template <typename Change>
+    void Show(Change change);
+    void ShowBars();
+    RECT Rectangle() const;      // of the picture in the box
+    SightPart SeenPart() const;  // empty: nothing is seen
+    bool IsUsable(const SharpPart* sharp) const;
+    void Draw();
+    void DrawNearest(const SightPart& seen, const RECT& part);
+    void AskForSharp();
+
+    PictureBox& box_;
+    Sight sight_;
+    SightRoom room_;
+    bool keepsZoom_ = false;
+    std::optional<Drag> drag_;
+    SharpSight::Pixels pixels_;
+    std::shared_ptr<const SharpPart> sharp_;
+    ViewSurface surface_;
+    bool isDrawn_ = false;
+    SharpSight sharpener_{[this] { box_.Nudge(); }};
+};
+
+}  // namespace tessary

@@ -1,0 +1,137 @@
+// How large a picture is shown, and what of it is seen.
+#include "picture/view/sight.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "app/settings/modValue.h"
+
+namespace tessary {
+namespace {
+
+constexpr FitRoom kRoom{{900, 500}, {1920, 1040}};
+
+TEST(FitTest, KeepsProportionsInsideTheBox) {
+    struct Case {
+        SIZE picture, box, fitted;
+    };
+    for (const Case& c :
+         {Case{{4000, 3000}, {800, 600}, {800, 600}}, Case{{3000, 4000}, {800, 600}, {450, 600}},
+          Case{{10, 10}, {640, 480}, {480, 480}}, Case{{30000, 1}, {640, 480}, {640, 1}},
+          Case{{1, 30000}, {640, 480}, {1, 480}}, Case{{333, 250}, {640, 480}, {639, 480}},
+          Case{{7, 5}, {0, 0}, {7, 5}}, Case{{2000000000, 2000000000}, {1024, 768}, {768, 768}}}) {
+        const SIZE fitted = FitIntoBox(c.picture, c.box);
+        EXPECT_EQ(fitted.cx, c.fitted.cx) << c.picture.cx << "x" << c.picture.cy;
+        EXPECT_EQ(fitted.cy, c.fitted.cy) << c.picture.cx << "x" << c.picture.cy;
+    }
+}
+
+TEST(FitTest, EveryModeHasItsBox) {
+    struct Case {
+        FitRule rule;
+        SIZE picture, shown;
+    };
+    for (const Case& c : {Case{{kSizeModeOriginal, true, true}, {5000, 20}, {5000, 20}},
+                          Case{{kSizeMode1024}, {2048, 1000}, {1024, 500}},
+                          Case{{kSizeMode1024}, {100, 50}, {100, 50}},
+                          Case{{kSizeMode1024, true}, {100, 50}, {1024, 512}},
+                          Case{{kSizeMode1024, true, true}, {100, 50}, {900, 450}},
+                          Case{{kSizeModeScreen}, {3840, 1000}, {1920, 500}},
+                          Case{{kSizeModeScreen, false, true}, {3840, 1000}, {900, 234}},
+                          Case{{kSizeModeWindow}, {1800, 1000}, {900, 500}},
+                          Case{{kSizeModeWindow}, {900, 500}, {900, 500}},
+                          Case{{kSizeModeWindow}, {10, 1000}, {5, 500}},
+                          Case{{kSizeModeWindow, true}, {90, 25}, {900, 250}},
+                          Case{{kSizeModeWidth}, {1800, 90000}, {900, 45000}},
+                          Case{{kSizeModeWidth}, {800, 90000}, {800, 90000}},
+                          Case{{kSizeModeWidth, true}, {450, 7000}, {900, 14000}},
+                          Case{{99, true}, {30, 20}, {30, 20}}}) {
+        const SIZE shown = FittedSize(c.picture, c.rule, kRoom);
+        EXPECT_TRUE(shown.cx == c.shown.cx && shown.cy == c.shown.cy)
+            << "mode " << c.rule.sizeMode << ": " << shown.cx << 'x' << shown.cy;
+    }
+}
+
+class SightTest : public testing::Test {
+  protected:
+    SightTest() {
+        sight_.SetRoom({.whole = {900, 500}, .bars = {}, .workArea = {1920, 1040}});
+        sight_.SetRule({kSizeModeWindow});
+        sight_.SetPicture({6000, 4000}, false);
+    }
+    int Percent() const { return static_cast<int>(std::lround(sight_.Scale() * 100)); }
+    // Which point of the picture lies at that place, in thousandths of it.
+    std::pair<long, long> PointAt(POINT at) const {
+        const auto along = [](int place, int position, LONG shown) {
+            return std::lround((place - position + 0.5) * 1000 / static_cast<double>(shown));
+        };
+        return {along(at.x, sight_.Position().x, sight_.Shown().cx),
+                along(at.y, sight_.Position().y, sight_.Shown().cy)};
+    }
+
+    Sight sight_;
+};
+
+TEST_F(SightTest, WhatIsUnderThePointerStaysThereWhileZooming) {
+    sight_.ZoomTo(0.5, {450, 250});
+    const POINT pointer{700, 130};
+    const auto before = PointAt(pointer);
+    for (const double scale : {0.7, 3.0, 16.0, 1.0, 0.5}) {
+        sight_.ZoomTo(scale, pointer);
+        const auto after = PointAt(pointer);
+        EXPECT_LE(std::abs(after.first - before.first), 1) << scale;
+        EXPECT_LE(std::abs(after.second - before.second), 1) << scale;
+    }
+}
+
+TEST_F(SightTest, StepsStopAtFitAndOwnSizeWithinTheLimits) {
+    EXPECT_EQ(sight_.Shown().cx, 750);
+    std::vector<int> up;
+    for (int i = 0; i < 25; ++i) {
+        sight_.ZoomBySteps(1, {});
+        if (up.empty() || up.back() != Percent()) up.push_back(Percent());
+    }
+    EXPECT_TRUE(std::ranges::count(up, 100) == 1 && up.back() == 1600) << up.size();
+    sight_.ZoomBySteps(-100, {});
+    EXPECT_EQ(Percent(), 5);
+    sight_.ZoomBySteps(5, {});  // 5, 6.25, 7.8, 9.8, 12.2: the whole picture comes before
+    EXPECT_EQ(sight_.Shown().cx, 750);
+    sight_.SetRoom({.whole = {600, 400}, .bars = {}, .workArea = {1920, 1040}});
+    EXPECT_EQ(sight_.Shown().cx, 600) << "it follows the window again";
+    // A picture that fits only below the least scale may be seen so.
+    sight_.SetPicture({60000, 40000}, false);
+    EXPECT_EQ(sight_.Shown().cx, 600);
+    sight_.ZoomBySteps(-1, {});
+    EXPECT_EQ(sight_.Shown().cx, 600);
+}
+
+TEST_F(SightTest, TogglesBetweenOwnSizeAndTheWhole) {
+    sight_.ToggleFit({450, 250});
+    EXPECT_EQ(Percent(), 100);
+    EXPECT_EQ(sight_.Position(), (ViewPosition{450 - 3004, 250 - 2004}));
+    sight_.ToggleFit({});
+    EXPECT_EQ(sight_.Shown().cx, 750);
+    sight_.SetRoom({.whole = {300, 300}, .bars = {}, .workArea = {1920, 1040}});
+    EXPECT_EQ(sight_.Shown().cx, 300);
+    // In a mode of its own size too, and enlarged.
+    sight_.SetRule({kSizeModeOriginal});
+    sight_.SetPicture({30, 15}, false);
+    sight_.ToggleFit({});
+    EXPECT_EQ(sight_.Shown().cx, 300);
+    // The next picture comes as the mode wants it, unless the zoom is kept.
+    sight_.SetPicture({600, 600}, true);
+    EXPECT_EQ(sight_.Shown().cx, 300);
+    sight_.SetPicture({600, 600}, false);
+    EXPECT_EQ(sight_.Shown().cx, 600);
+    sight_.SetPicture({}, false);
+    sight_.ToggleFit({});
+    sight_.ZoomBySteps(3, {});
+    EXPECT_EQ(sight_.Shown().cx, 0);
+}
+
+}  // namespace
+}  // namespace tessary

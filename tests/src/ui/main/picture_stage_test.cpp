@@ -1,0 +1,161 @@
+// What is seen of a picture on the screen, at any scale and in motion.
+#include "ui/main/picture_stage.h"
+
+#include <gtest/gtest.h>
+
+#include "app/settings/modValue.h"
+#include "picture/view/picture_kernel.h"
+#include "tests/src/ui/run_until.h"
+#include "tests/src/ui/test_picture.h"
+#include "tests/support/helper_libraries.h"
+
+namespace tessary {
+namespace {
+
+constexpr SIZE kArea{200, 150};
+
+class PictureStageTest : public testing::Test {
+  protected:
+    static void SetUpTestSuite() { test::LoadHelperLibraries(); }
+    PictureStageTest() {
+        PictureBox::Events events;
+        events.sized = [this] { stage_.RoomChanged({900, 700}, bars_); };
+        events.nudged = [this] { stage_.ShowSharp(); };
+        events.paint = [this](HDC screen, const RECT& area) { return stage_.Paint(screen, area); };
+        EXPECT_TRUE(box_.Create(parent_, std::move(events)));
+        box_.SetBounds(0, 0, kArea.cx, kArea.cy);
+        ShowWindow(parent_, SW_SHOWNOACTIVATE);
+    }
+    ~PictureStageTest() override { DestroyWindow(parent_); }
+
+    void SetMode(int16_t mode) { stage_.SetRule({.sizeMode = mode}); }
+    void Show(int width, int height) { stage_.SetPicture(test::TestPicture(width, height), {}); }
+    bool WaitUntilSharp() {
+        return test::RunUntil([this] { return stage_.IsSharp(); });
+    }
+    // Looks at every third pixel of the area: `colour` of what the picture shows there, else the
+    // background.
+    template <typename Colour>
+    void ExpectOnScreen(Colour colour, const char* what) {
+        const ViewPosition at = stage_.Seen().Position();
+        const SIZE shown = stage_.Seen().Shown();
+        const RECT picture{at.x, at.y, at.x + shown.cx, at.y + shown.cy};
+        int wrong = 0;
+        box_.Refresh();
+        const HDC context = GetDC(box_.Handle());
+        for (int y = 0; y < box_.AreaSize().cy; y += 3) {
+            for (int x = 0; x < box_.AreaSize().cx; x += 3) {
+                const COLORREF expected = PtInRect(&picture, {x, y})
+                                              ? colour(x - at.x, y - at.y)
+                                              : GetSysColor(COLOR_APPWORKSPACE);
+                wrong += GetPixel(context, x, y) != expected;
+            }
+        }
+        ReleaseDC(box_.Handle(), context);
+        EXPECT_EQ(wrong, 0) << what;
+    }
+    void ExpectAsItIs(const char* what) { ExpectOnScreen(test::PixelAt, what); }
+    // The kernel's whole picture, of which a part is seen.
+    void ExpectSharp(const Picture& picture, const char* what) {
+        ASSERT_TRUE(WaitUntilSharp()) << what;
+        const SIZE shown = stage_.Seen().Shown();
+        const Picture resized = ResizePicture(picture, shown.cx, shown.cy);
+        ASSERT_TRUE(resized);
+        ExpectOnScreen(
+            [&](int x, int y) {
+                const uint8_t* const p = &resized.View().Row(y)[static_cast<size_t>(x) * 3];
+                return RGB(p[2], p[1], p[0]);
+            },
+            what);
+    }
+
+    HWND parent_ = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 100, 100, kArea.cx, kArea.cy,
+                                   nullptr, nullptr, nullptr, nullptr);
+    PictureBox box_;
+    bool bars_ = false;
+    PictureStage stage_{box_};
+};
+
+TEST_F(PictureStageTest, ShowsThePixelsAsTheyAre) {
+    ExpectAsItIs("empty");
+    Show(60, 40);
+    ExpectAsItIs("small");
+    Show(250, 240);
+    ExpectAsItIs("large");
+    box_.SetBounds(0, 0, 120, 150);
+    box_.SetBounds(0, 0, kArea.cx, kArea.cy);
+    ExpectAsItIs("uncovered again");
+    for (const int key : {VK_RIGHT, VK_DOWN, VK_DOWN, VK_LEFT, VK_DOWN}) {
+        stage_.KeyDown(key);
+        ExpectAsItIs("moved");
+    }
+    for (const double factor : {2.0, 1.75, 2.0}) {
+        stage_.ZoomBy(factor, {31, 77});
+        const SIZE shown = stage_.Seen().Shown();
+        ExpectOnScreen(
+            [&](int x, int y) {
+                return test::PixelAt(static_cast<int>((2 * x + 1) * 250 / (2 * shown.cx)),
+                                     static_cast<int>((2 * y + 1) * 240 / (2 * shown.cy)));
+            },
+            "pixels to be seen");
+    }
+    stage_.SetPicture({}, {});
+    ExpectAsItIs("emptied");
+}
+
+TEST_F(PictureStageTest, MakesSharpWhatIsSeenAndFollowsTheWindow) {
+    const Picture picture = test::TestPicture(250, 240);
+    SetMode(kSizeModeWindow);
+    stage_.SetPicture(picture.Another(), {});
+    EXPECT_EQ(stage_.Seen().Shown().cy, kArea.cy);
+    ExpectSharp(picture, "all of it");
+    box_.SetBounds(0, 0, 90, 150);
+    EXPECT_EQ(stage_.Seen().Shown().cx, 90);
+    ExpectSharp(picture, "as large as the window");
+    box_.SetBounds(0, 0, kArea.cx, kArea.cy);
+    stage_.ZoomBy(2.5, {150, 20});
+    ExpectSharp(picture, "a part");
+    // In motion what is sharp already stays so, and what comes into sight becomes it.
+    stage_.BeginDrag({100, 100});
+    for (const POINT at : {POINT{90, 95}, POINT{70, 80}, POINT{150, 120}}) {
+        stage_.DragTo(at);
+        if (at.x == 70) continue;
+        ExpectSharp(picture, "dragged");
+    }
+    stage_.EndDrag();
+    // What was prepared is shown at once, unless another size is wanted meanwhile.
+    SetMode(kSizeModeWindow);
+    stage_.SetPicture(picture.Another(), ResizePicture(picture, 156, 150));
+    EXPECT_TRUE(stage_.IsSharp());
+    ExpectSharp(picture, "prepared");
+    stage_.SetPicture(picture.Another(), ResizePicture(picture, 78, 75));
+    EXPECT_FALSE(stage_.IsSharp());
+    ExpectSharp(picture, "prepared in another size");
+}
+
+TEST_F(PictureStageTest, ScrollBarsTakeAndLeadTheirWay) {
+    bars_ = true;
+    box_.SetBounds(0, 0, kArea.cx + 1, kArea.cy);
+    const int thick = GetSystemMetrics(SM_CXVSCROLL);
+    const int flat = GetSystemMetrics(SM_CYHSCROLL);
+    Show(kArea.cx, kArea.cy);
+    EXPECT_EQ(box_.AreaSize().cx, kArea.cx + 1) << "it has room";
+    Show(kArea.cx, kArea.cy + 1);  // the bar beside leaves too little for the width
+    EXPECT_EQ(box_.AreaSize().cx, kArea.cx + 1 - thick);
+    EXPECT_EQ(box_.AreaSize().cy, kArea.cy - flat);
+    stage_.Scroll(SB_VERT, SB_BOTTOM, 0);
+    stage_.Scroll(SB_HORZ, SB_THUMBTRACK, 5);
+    EXPECT_EQ(stage_.Seen().Position(), (ViewPosition{-5, -1 - flat}));
+    ExpectAsItIs("scrolled");
+    SetMode(kSizeModeWindow);
+    EXPECT_EQ(box_.AreaSize().cx, kArea.cx + 1);
+    SetMode(kSizeModeWidth);
+    Show(400, 1000);
+    EXPECT_EQ(stage_.Seen().Shown().cx, kArea.cx + 1 - thick);
+    EXPECT_EQ(box_.AreaSize().cy, kArea.cy);
+    box_.SetBounds(0, 0, 100, 800);  // as high as the picture is then
+    EXPECT_EQ(stage_.Seen().Shown().cx, 100);
+}
+
+}  // namespace
+}  // namespace tessary
