@@ -10,6 +10,7 @@
 #include "app/settings/modValue.h"
 #include "helpers/susiectl/susiectl.h"
 #include "plugin/call_scope.h"
+#include "plugin/no_host.h"
 #include "plugin/plugin_state.h"
 
 namespace tessary {
@@ -75,7 +76,7 @@ bool IsWorthAnother(const HostRequest& request, HostEnd end,
     return canBeRepeated && hasEnded && !isProved;
 }
 
-PluginAnswer EndedAnswer(HostEnd end, HostOperation operation) {
+PluginAnswer EndedAnswer(HostEnd end, HostOperation operation, uint32_t whyNoHost) {
     const wchar_t* const function = FunctionOf(operation);
     switch (end) {
         case HostEnd::kStopped:
@@ -85,7 +86,7 @@ PluginAnswer EndedAnswer(HostEnd end, HostOperation operation) {
         case HostEnd::kHoarded:
             return {kResultCrashed, {}, {kPluginHoardedText, function}, ProcessEnd::kDied};
         case HostEnd::kNoHost:
-            return {kResultUnexpected, {}, {kNoHostText, function}};
+            return {kResultUnexpected, {}, {NoHostText(whyNoHost), function}};
         case HostEnd::kGivenUp:
             return {kResultStopped, {}, {kPluginGivenUpText, function}};
         case HostEnd::kSilent:
@@ -273,7 +274,7 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     }
     if (told.blame) pool_.Tell(*told.blame);
     if (told.end != HostEnd::kAnswered) {
-        told.answer = EndedAnswer(told.end, request.operation);
+        told.answer = EndedAnswer(told.end, request.operation, pool_.WhyNone());
         told.reply = {};
         told.reply.wasStopped = told.end == HostEnd::kStopped;
         return told;
@@ -295,7 +296,7 @@ LoadedPlugin HostConnection::Load() {
     isLoaded_ = told.reply.isLoaded;
     const bool hasEnded = told.end != HostEnd::kAnswered;
     const uint32_t loadError = told.answer.HasCrashed()       ? susiectl::kErrorCrashed
-                               : told.end == HostEnd::kNoHost ? kErrorNoHost
+                               : told.end == HostEnd::kNoHost ? pool_.WhyNone()
                                                               : told.reply.loadError;
     return {told.answer, hasEnded ? kStyleNone : told.reply.style, loadError};
 }

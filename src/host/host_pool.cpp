@@ -6,6 +6,8 @@
 
 #include "app/base/error.h"
 #include "app/base/text.h"
+#include "host/host_program.h"
+#include "plugin/no_host.h"
 
 namespace tessary {
 namespace {
@@ -54,13 +56,16 @@ HostProcess* HostPool::For(const std::wstring& plugin) {
     }
     const ULONGLONG begin = GetTickCount64();
     ULONGLONG now = begin;
+    whyNone_ = WhyNoHostProgram(program_);
     // Somebody may have ended one in its first moment.
-    for (int tries = 0; slot.host == nullptr && tries < kMostTries && now - begin < kPause;
+    for (int tries = 0;
+         whyNone_ == 0 && slot.host == nullptr && tries < kMostTries && now - begin < kPause;
          ++tries) {
         slot.host =
             HostProcess::Start(program_, wait_, {limits_().memory, limits_().starting, isHidden_});
         now = GetTickCount64();
     }
+    if (whyNone_ == 0 && slot.host == nullptr) whyNone_ = kErrorNoHost;
     retryAt_ = slot.host == nullptr ? now + kPause + kPausePerStart * (now - begin) : 0;
     return slot.host.get();
 }

@@ -29,6 +29,8 @@ class HostPool {
     // The host of a plug-in, by its full path; starts one if there is none. Null when that cannot
     // be done; it is tried again after a while.
     HostProcess* For(const std::wstring& plugin);
+    // Why that could not be done when it was tried last (no_host.h).
+    uint32_t WhyNone() const { return whyNone_; }
     // The same if it runs, with what was loaded in it; else null.
     HostProcess* RunningFor(const std::wstring& plugin);
 
@@ -74,6 +76,7 @@ class HostPool {
     LentBytes lent_;
     std::map<std::wstring, Slot> slots_;      // by plug-in, in upper case
     std::map<std::wstring, Record> records_;  // the same
+    uint32_t whyNone_ = 0;
     ULONGLONG retryAt_ = 0;  // when one may be started again after none could be, in ticks
 };
 

@@ -5,6 +5,7 @@
 #include "app/base/text.h"
 #include "helpers/susiectl/susiectl.h"
 #include "plugin/CollectionSusie.h"
+#include "plugin/no_host.h"
 #include "plugin/plugin_log.h"
 #include "plugin/renamed_plugin.h"
 
@@ -122,7 +123,7 @@ std::optional<LeftOutReason> CollectionSusie::TryOut(clsSusie& added, const std:
     }
     if (PluginsAreStopped()) return refusal;
     // One that was refused has not ended the program either, but perhaps a process of its own.
-    if (loadError != susiectl::kErrorCrashed && loadError != kErrorNoHost) {
+    if (loadError != susiectl::kErrorCrashed && !IsNoHost(loadError)) {
         Trapped([&] { NoteLoaded(plugin); });
     }
     return refusal;

@@ -7,7 +7,7 @@
 #include "app/base/load_refusal.h"
 #include "app/base/paths.h"
 #include "helpers/susiectl/susiectl.h"
-#include "plugin/plugin_connection.h"
+#include "plugin/no_host.h"
 #include "plugin/plugin_ends.h"
 #include "plugin/plugin_log.h"
 
@@ -31,7 +31,7 @@ bool ReadAt(HANDLE file, LONG offset, Header& header) {
 
 LeftOutReason WhyNotLoaded(const std::wstring& path, uint32_t loadError) {
     if (loadError == susiectl::kErrorCrashed) return LeftOutReason::kCrashed;
-    if (loadError == kErrorNoHost) return LeftOutReason::kNoHost;
+    if (IsNoHost(loadError)) return LeftOutReason::kNoHost;
     if (IsBlockedBySystem(loadError)) return LeftOutReason::kBlocked;
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const UniqueFile file(CreateFileW(ExtendedPath(path).c_str(), GENERIC_READ, kShareAll, nullptr,

@@ -76,13 +76,11 @@ struct PluginTraits {
 };
 struct PluginDescription : PluginAnswer, PluginTraits {};
 
-constexpr uint32_t kErrorNoHost = 0x20000001;  // none of the system's
-
 // What came of loading a plug-in's file.
 struct LoadedPlugin : PluginAnswer {
     int32_t style = kStyleNone;
     // Why the system refused it; 0 when it did not, or nobody knows; susiectl::kErrorCrashed when
-    // the plug-in crashed, kErrorNoHost when its process could not be started.
+    // the plug-in crashed, one of no_host.h when its process could not be started.
     uint32_t loadError = 0;
 };
 

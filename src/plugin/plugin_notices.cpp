@@ -5,6 +5,7 @@
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "plugin/modSusie.h"
+#include "plugin/no_host.h"
 #include "plugin/plugin_ends.h"
 
 namespace tessary {
@@ -88,9 +89,11 @@ std::vector<std::wstring> LoadingNotices() {
         notices.push_back(L"プラグイン " + blocked +
                           L" は、Windowsかウイルス対策ソフトにブロックされています");
     }
-    if (std::ranges::find(collection.LeftOut(), LeftOutReason::kNoHost, &LeftOutPlugin::reason) !=
-        collection.LeftOut().end()) {
-        notices.push_back(std::wstring(kNoHostText) + L"。プラグインは使用できません");
+    const auto& leftOut = collection.LeftOut();
+    const auto hostless =
+        std::ranges::find(leftOut, LeftOutReason::kNoHost, &LeftOutPlugin::reason);
+    if (hostless != leftOut.end()) {
+        notices.push_back(NoHostText(hostless->loadError) + L"。プラグインは使用できません");
     }
     if (PluginsAreStopped()) notices.push_back(PluginsStoppedText());
     if (CallsGoUnlogged()) {

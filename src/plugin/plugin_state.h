@@ -25,10 +25,6 @@ inline constexpr wchar_t kPluginHoardedText[] =
 inline constexpr wchar_t kPluginGivenUpText[] =
     L"何度も異常終了したため、このプラグインの使用を止めています";
 
-// The error of all, where the program of their process is missing, or may not be started.
-inline constexpr wchar_t kNoHostText[] =
-    L"プラグインを実行するプログラム (tessary-host32.exe) を起動できません";
-
 // Whether a plug-in has crashed in this process, and was caught.
 bool HasPluginCrashed();
 

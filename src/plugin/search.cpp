@@ -7,6 +7,7 @@
 #include "app/base/text.h"
 #include "plugin/content_pattern.h"
 #include "plugin/file_stamp.h"
+#include "plugin/no_host.h"
 #include "plugin/result_text.h"
 
 namespace tessary {
@@ -150,7 +151,7 @@ void Search::NoteCrash(const clsSusie& member) {
     if (reason == kPluginCrashedText || reason == kPluginSilentText ||
         reason == kPluginHoardedText) {
         refusal_ = {.reason = reason, .dllName = member.DllName(), .hasCrashed = true};
-    } else if ((reason == kPluginGivenUpText || reason == kNoHostText) && Names(member)) {
+    } else if ((reason == kPluginGivenUpText || IsNoHostText(reason)) && Names(member)) {
         refusal_ = {.reason = reason, .dllName = member.DllName()};
     } else if (reason == kPluginNotAvailableText && Names(member)) {
         refusal_ = {.reason = L"プラグインを読み込めません", .dllName = member.DllName()};

@@ -4,6 +4,7 @@
 #include "app/base/paths.h"
 #include "picture/bitmap_file.h"
 #include "plugin/modSusie.h"
+#include "plugin/no_host.h"
 
 namespace tessary {
 namespace {
@@ -46,7 +47,7 @@ SourceFile QueryFile(const std::wstring& path) {
 
 bool IsWorthShowing(const std::wstring& path) {
     const SourceFile file = QueryFile(path);
-    return file.kind != kFileUnknown || (file.refusal && file.refusal->reason == kNoHostText);
+    return file.kind != kFileUnknown || (file.refusal && IsNoHostText(file.refusal->reason));
 }
 
 }  // namespace tessary

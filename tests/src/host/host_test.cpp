@@ -319,23 +319,42 @@ TEST_F(HostTest, MemoryHasABoundAndWhatIsLeftBehindGoesWithAHost) {
     EXPECT_TRUE(ends.empty());
 }
 
+// What has its name is not started to find that out.
 TEST_F(HostTest, WithoutItsProgramThereIsOneClearNotice) {
-    HostPool none(folder_.Path() + L"gone.exe");
-    SetPluginConnector(
-        [&](const std::wstring& plugin) { return std::make_unique<HostConnection>(plugin, none); });
+    std::string program = test::ContentOf(kProgram);
+    const auto replace = [&](std::string_view name, std::wstring_view text, wchar_t by) {
+        const std::string old(reinterpret_cast<const char*>(text.data()), text.size() * 2);
+        std::string other = program;
+        for (size_t at = 0; (at = other.find(old, at)) != other.npos; ++at)
+            other[at] = static_cast<char>(by);
+        folder_.Write(std::wstring(name.begin(), name.end()), other);
+    };
+    replace("foreign.exe", L"tessary-host32", L'x');
+    replace("other.exe", std::wstring_view(TESSARY_VERSION, std::size(TESSARY_VERSION)), L'9');
+    folder_.Write(L"empty.exe", "");
+    for (const wchar_t* name : {L"a.spi", L"b.spi"})
+        Plugin(L"iftst.spi", {}, name);
     GeneralSettings& general = Values().general;
     const GeneralSettings before = general;
     general.spiFolder[0] = folder_.Path();
     general.useSPI = 1;
     general.loadSPI[0] = true;
-    for (const wchar_t* name : {L"a.spi", L"b.spi"})
-        Plugin(L"iftst.spi", {}, name);
-    EXPECT_TRUE(LoadSPI());
-    EXPECT_EQ(SusieCollection().LeftOut().size(), 2u);
-    EXPECT_TRUE(SusieCollection().IsIncomplete() && general.loadSPI[0]);
-    const std::vector<std::wstring> notices = LoadingNotices();
-    ASSERT_EQ(notices.size(), 1u);
-    EXPECT_NE(notices[0].find(L"tessary-host32.exe"), std::wstring::npos);
+    for (const auto& [name, why] : {std::pair{L"gone.exe", L"見つかりません"},
+                                    {L"empty.exe", L"別のプログラム"},
+                                    {L"foreign.exe", L"別のプログラム"},
+                                    {L"other.exe", L"バージョン"}}) {
+        HostPool none(folder_.Path() + name);
+        SetPluginConnector([&](const std::wstring& plugin) {
+            return std::make_unique<HostConnection>(plugin, none);
+        });
+        EXPECT_TRUE(LoadSPI());
+        EXPECT_EQ(SusieCollection().LeftOut().size(), 2u);
+        EXPECT_TRUE(SusieCollection().IsIncomplete() && general.loadSPI[0]);
+        const std::vector<std::wstring> notices = LoadingNotices();
+        ASSERT_EQ(notices.size(), 1u);
+        EXPECT_NE(notices[0].find(L"tessary-host32.exe"), std::wstring::npos);
+        EXPECT_NE(notices[0].find(why), std::wstring::npos) << name;
+    }
     SetPluginConnector({});
     EXPECT_TRUE(LoadSPI());
     EXPECT_EQ(SusieCollection().Count(), 2);
