@@ -33,6 +33,54 @@ std::optional<Profile> EmbeddedProfile(png_structp png, png_infop info, bool isG
     return profile && profile->ModelOf() == model ? profile : std::nullopt;
 }
 
+constexpr png_byte kCodePointsName[] = "cICP";
+
+// The colour space in cICP, by the numbers of ITU-T H.273; nothing for those that are not known
+// here.
+std::optional<Profile> CodedProfile(png_structp png, png_infop info, bool isGrey) {
+    png_unknown_chunkp chunks = nullptr;
+    const int count = png_get_unknown_chunks(png, info, &chunks);
+    const auto* end = chunks + count;
+    const auto* chunk = std::find_if(chunks, chunks + count, [](const png_unknown_chunk& each) {
+        return std::equal(kCodePointsName, kCodePointsName + 4, each.name);
+    });
+    constexpr png_byte kRgb = 0, kFullRange = 1;
+    if (chunk == end || chunk->size != 4 || chunk->data[2] != kRgb ||
+        chunk->data[3] != kFullRange) {
+        return std::nullopt;
+    }
+    color::Primaries primaries = color::kSrgbPrimaries;
+    switch (chunk->data[0]) {
+        case 1:
+            break;
+        case 9:  // BT.2020
+            primaries = {primaries.white, {0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046}};
+            break;
+        case 12:  // P3 of screens
+            primaries = {primaries.white, {0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}};
+            break;
+        default:
+            return std::nullopt;
+    }
+    color::Curve curve;
+    switch (chunk->data[1]) {
+        case 4:
+            curve.gamma = 2.2;
+            break;
+        case 5:
+            curve.gamma = 2.8;
+            break;
+        case 8:
+            break;
+        case 13:
+            curve.isSrgb = true;
+            break;
+        default:
+            return std::nullopt;
+    }
+    return isGrey ? Profile::FromGreyCurve(curve) : Profile::FromPrimaries(primaries, curve);
+}
+
 color::Primaries PrimariesOf(png_structp png, png_infop info) {
     std::array<png_fixed_point, 8> parts{};
     if (png_get_cHRM_fixed(png, info, &parts[0], &parts[1], &parts[2], &parts[3], &parts[4],
@@ -57,6 +105,7 @@ bool AreOfSrgb(const color::Primaries& primaries) {
 
 // Nothing for sRGB.
 std::optional<Profile> ProfileOf(png_structp png, png_infop info, bool isGrey) {
+    if (auto profile = CodedProfile(png, info, isGrey)) return profile;
     if (auto profile = EmbeddedProfile(png, info, isGrey)) return profile;
     int intent = 0;
     png_fixed_point gamma = 0;
@@ -96,6 +145,10 @@ std::vector<uint8_t> Samples::Pixel(dib::PaletteEntry color) const {
     for (const uint8_t sample : samples)
         pixel.insert(pixel.end(), 2, sample);
     return pixel;
+}
+
+void PngColors::KeepChunks(png_structp png) {
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_ALWAYS, kCodePointsName, 1);
 }
 
 void PngColors::Read(png_structp png, png_infop info, bool isGrey, const Samples& stored) {

@@ -27,12 +27,16 @@ struct Samples {
     std::vector<uint8_t> Pixel(dib::PaletteEntry color) const;
 };
 
-// Of several things that a file says the first one counts, as the PNG document (ISO/IEC 15948, 4.3)
-// orders them: iCCP, sRGB, gAMA with cHRM. What is damaged counts as not there.
+// Of several things that a file says the first one counts, as the PNG document (3rd edition, 4.3)
+// orders them: cICP, iCCP, sRGB, gAMA with cHRM. What is damaged, or of a kind for moving pictures
+// and brighter screens, counts as not there.
 class PngColors {
   public:
     // Nothing is converted before Read.
     PngColors() = default;
+
+    // To be called before libpng reads: what it would not keep by itself.
+    static void KeepChunks(png_structp png);
 
     // To be called when libpng has read what stands before the picture data. `isGrey` is the file,
     // and `stored` is what libpng is to decode if colours are converted.

@@ -10,6 +10,7 @@
 #include "plugins/common/exif.h"
 #include "plugins/common/flatten_rows.h"
 #include "plugins/common/palette.h"
+#include "plugins/iftesspng/late_exif.h"
 #include "plugins/iftesspng/wide_row.h"
 
 namespace tessary::png {
@@ -145,6 +146,7 @@ Result PngReader::ReadHeader() {
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_AS_DEFAULT, kReadChunks,
                                 sizeof kReadChunks / 5);
+    PngColors::KeepChunks(png_);
     png_read_info(png_, info_);
     // From here on the only chunks that a picture needs are those of its data.
     png_set_crc_action(png_, unpacked_ ? PNG_CRC_QUIET_USE : PNG_CRC_WARN_USE, PNG_CRC_DEFAULT);
@@ -162,8 +164,10 @@ Result PngReader::ReadHeader() {
 void PngReader::ReadOrientation() {
     png_bytep exif = nullptr;
     png_uint_32 size = 0;
-    if (png_get_eXIf_1(png_, info_, &size, &exif) == 0) return;
-    orientation_ = codec::ReadExif({exif, size}).orientation;
+    const bool isEarly = png_get_eXIf_1(png_, info_, &size, &exif) != 0;
+    const codec::ExifEntries entries =
+        isEarly ? codec::ReadExif({exif, size}) : codec::ReadExif(FindLateExif(source_));
+    orientation_ = entries.orientation;
 }
 
 void PngReader::ReadColors() {

@@ -228,8 +228,8 @@ const PngKind kPngKinds[] = {
 
 using AddChunks = std::function<void(png_structp png, png_infop info)>;
 
-// The tiles; with alpha all opaque.
-Bytes Png(const PngKind& kind, const AddChunks& addChunks) {
+// The tiles; with alpha all opaque. Of 16 bits the low byte is the same as the high one, or `low`.
+Bytes Png(const PngKind& kind, const AddChunks& addChunks, int low = -1) {
     Bytes file;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
@@ -261,8 +261,8 @@ Bytes Png(const PngKind& kind, const AddChunks& addChunks) {
         for (uint32_t y = 0; y < kHeight; ++y) {
             Bytes row;
             const auto put = [&](int sample) {
-                row.insert(row.end(), static_cast<size_t>(kind.depth / 8),
-                           static_cast<uint8_t>(sample));
+                row.push_back(static_cast<uint8_t>(sample));
+                if (kind.depth == 16) row.push_back(static_cast<uint8_t>(low < 0 ? sample : low));
             };
             for (uint32_t x = 0; x < kWidth; ++x) {
                 if (hasTable) {
@@ -317,6 +317,9 @@ void AddProfile(png_structp png, png_infop info, const Bytes& icc) {
 TEST(Colors, OfPngAreThoseOfTheFirstOfItsChunksThatCount) {
     const Bytes swapped = Swapped(), grey = Profile::FromGreyCurve({1})->Icc();
     Bytes turn{'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 6, 0, 0, 0};
+    const auto addLinear = [](png_structp png, png_infop info) {
+        png_set_gAMA_fixed(png, info, 100'000);
+    };
     for (const PngKind& kind : kPngKinds) {
         SCOPED_TRACE(testing::Message() << kind.type << ' ' << kind.depth << kind.interlaced);
         const bool isGrey = (kind.type & PNG_COLOR_MASK_COLOR) == 0;
@@ -332,9 +335,6 @@ TEST(Colors, OfPngAreThoseOfTheFirstOfItsChunksThatCount) {
                 png_set_eXIf_1(png, info, static_cast<png_uint_32>(turn.size()), turn.data());
             },
             profiled, 1.1, 6);
-        const auto addLinear = [](png_structp png, png_infop info) {
-            png_set_gAMA_fixed(png, info, 100'000);
-        };
         ExpectPng(kind, addLinear, Linear, 1.1);
     }
     const PngKind color = kPngKinds[5];
@@ -345,6 +345,32 @@ TEST(Colors, OfPngAreThoseOfTheFirstOfItsChunksThatCount) {
             png_set_gAMA_fixed(png, info, 100'000);
         },
         AsTheyAre, 0.5);
+    // Behind the picture, as some programs write it; a chunk of that name whose sum is wrong is
+    // none.
+    const auto addLate = [&](Bytes data) {
+        Bytes file = Png(color, [](png_structp, png_infop) {});
+        Bytes chunk{'e', 'X', 'I', 'f'};
+        chunk.insert(chunk.end(), data.begin(), data.end());
+        const uLong sum = crc32(0, chunk.data(), static_cast<uInt>(chunk.size()));
+        for (int shift = 24; shift >= 0; shift -= 8)
+            chunk.push_back(static_cast<uint8_t>(sum >> shift));
+        chunk.insert(chunk.begin(), {0, 0, 0, static_cast<uint8_t>(data.size())});
+        file.insert(file.end() - 12, chunk.begin(), chunk.end());
+        return file;
+    };
+    ExpectMeaning({kPng, addLate(turn)}, AsTheyAre, 0.5, false, 6);
+    const Bytes wrong = addLate(turn);
+    ExpectMeaning({kPng, Damaged(wrong, wrong.size() - 13)}, AsTheyAre, 0.5);
+
+    const auto addCodes = [](png_byte primaries, png_byte curve) {
+        return [=](png_structp png, png_infop info) {
+            png_set_gAMA_fixed(png, info, 30'000);
+            AddChunk(png, info, "cICP", {primaries, curve, 0, 1});
+        };
+    };
+    ExpectPng(color, addCodes(1, 8), Linear, 1.1);
+    ExpectPng(kPngKinds[0], addCodes(12, 8), Linear, 1.1);
+    ExpectPng(color, addCodes(1, 13), AsTheyAre, 1.1);
     // Primaries without their gamma say nothing.
     const auto addPrimaries = [](png_structp png, png_infop info) {
         png_set_cHRM_fixed(png, info, 31270, 32900, 64000, 33000, 21000, 71000, 15000, 6000);
@@ -365,6 +391,16 @@ TEST(Colors, OfPngAreThoseOfTheFirstOfItsChunksThatCount) {
         },
         AsTheyAre, 0.5);
     // One that fits only colours, in a grey picture, and the other way round.
+    // Dark samples of 16 bits, of which the high bytes are alike.
+    for (const PngKind& kind :
+         {PngKind{PNG_COLOR_TYPE_GRAY, 16, false}, PngKind{PNG_COLOR_TYPE_RGB, 16, false}}) {
+        const Decoded deep(kPng, Png(kind, addLinear, 0x40));
+        ASSERT_EQ(deep.result, Result::kSuccess);
+        for (const uint32_t x : {0u, 100u, 300u, 600u}) {
+            const double light = (Sample(x, 0, 1) * 256 + 0x40) / 65535.0;
+            EXPECT_NEAR(deep.Pixels().Channel(x, 0, 1), SrgbOf(light) * 255, 0.75);
+        }
+    }
     for (const auto& [kind, icc] : {std::pair(kPngKinds[0], swapped), std::pair(color, grey)}) {
         const Decoded decoded(kPng, Png(kind, [&, &bytes = icc](png_structp png, png_infop info) {
                                   AddProfile(png, info, bytes);
