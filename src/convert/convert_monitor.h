@@ -52,9 +52,6 @@ class ConvertMonitor {
         return ConflictAnswer::kFreeName;
     }
 
-    // A file's turn has come. Of its report only the names are known.
-    virtual void FileReached(const FileReport&) {}
-
     // What became of a file, as soon as that is known.
     virtual void FileDone(const FileReport&) {}
 

@@ -93,8 +93,6 @@ ReasonName NameOf(FileReason reason) {
             return {L"not-savable", L"この形式では保存できない画像"};
         case FileReason::kWriteFailed:
             return {L"write-failed", L"書き込めない"};
-        case FileReason::kProcessEnded:
-            return {L"process-ended", L"途中でプロセスが終了した"};
         case FileReason::kUnexpected:
             return {L"unexpected", L"予期しないエラー"};
     }

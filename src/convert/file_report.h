@@ -58,7 +58,6 @@ enum class FileReason {
     kTargetLost,   // its file system has lost what was written
     kNotSavable,   // not in this format
     kWriteFailed,  // for another reason, in the system's words
-    kProcessEnded,
     kUnexpected,
 };
 

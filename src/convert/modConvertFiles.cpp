@@ -96,7 +96,6 @@ bool ConvertRun::Run() {
         list_.Reach(index);
         Trapped([&] { PlanAhead(index); });
         FileAtHand file(index, list_.At(index));
-        monitor_.FileReached(file.report);
         Step(file, [&](StepResult&) {
             log_.WriteConvertLog(L"*** 変換開始 ***", {}, 0);
             log_.WriteConvertLog(L"ファイル名", file.entry.path, 2);

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "convert_cli/run_journal.h"
-
 namespace tessary {
 namespace {
 
@@ -54,14 +52,9 @@ void ConsoleMonitor::EraseProgress() {
     shown_.clear();
 }
 
-void ConsoleMonitor::FileReached(const FileReport& report) {
-    JournalReached(report);
-}
-
 void ConsoleMonitor::FileDone(const FileReport& report) {
     summary_.Add(report);
     jsonReport_.Add(report);
-    JournalDone(report);
 }
 
 void ConsoleMonitor::WriteSummary() {

@@ -36,7 +36,6 @@ class ConsoleMonitor final : public ConvertMonitor {
     void Breathe() override {}
     bool SetProgressBar(int32_t totalPosition, int32_t totalMaximum, int32_t filePosition,
                         int32_t fileMaximum) override;
-    void FileReached(const FileReport& report) override;
     void FileDone(const FileReport& report) override;
 
     const OutcomeCounts& Counts() const { return summary_.Counts(); }

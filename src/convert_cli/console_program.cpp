@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <optional>
 
 #include "app/base/error.h"
 #include "app/base/file_identity.h"
@@ -25,18 +24,15 @@
 #include "convert_cli/help_text.h"
 #include "convert_cli/input_files.h"
 #include "convert_cli/json_report.h"
-#include "convert_cli/run_journal.h"
-#include "convert_cli/run_summary.h"
-#include "convert_cli/session_end.h"
 #include "convert_cli/stop_request.h"
-#include "convert_cli/worker_process.h"
 #include "host/host_connection.h"
-#include "plugin/call_log.h"
 #include "plugin/modSusie.h"
 #include "plugin/plugin_notices.h"
 
 namespace tessary {
 namespace {
+
+constexpr const wchar_t* kStoppedText = L"変換を中止しました";
 
 bool WantsHelp(const std::vector<std::wstring>& arguments) {
     for (const wchar_t* const option : {L"--help", L"-h", L"-?", L"/?"}) {
@@ -146,7 +142,7 @@ int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, cons
         errors.WriteLine(L"名前の条件に合うファイルがありません");
     }
     if (!end) {
-        errors.WriteLine(stop.IsMade() ? L"変換を中止しました" : L"変換を最後まで行えませんでした");
+        errors.WriteLine(stop.IsMade() ? kStoppedText : L"変換を最後まで行えませんでした");
     }
     if (!end && stop.IsMade()) return kExitStopped;
     if (!isSetUp) return kExitSetupError;
@@ -158,11 +154,9 @@ int RunWithPlugins(const ConsoleOptions& options, const InputFiles& inputs, cons
 int Run(const ConsoleOptions& options, const InputFiles& inputs, JsonReport& report,
         ConsoleStream& errors) {
     const DialogWatch dialogs([&](const std::wstring& line) { errors.WriteLine(line); });
-    const StopRequest stop;  // plug-ins are also called when they are freed
+    const StopRequest stop([&] { errors.WriteLine(kStoppedText); });
     const PluginsInUse plugins;
-    const int status = RunWithPlugins(options, inputs, stop, report, errors);
-    TellVerdict(status);  // before plug-ins are freed, some of which end the process then
-    return status;
+    return RunWithPlugins(options, inputs, stop, report, errors);
 }
 
 int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
@@ -185,60 +179,8 @@ int Convert(const ConsoleOptions& options, ConsoleStream& errors) {
         errors.WriteLine(trouble);
     if (!AreOutputsFree(options, inputs, errors)) return kExitSetupError;
     JsonReport report(options.reportFile);
-    if (!report.IsGood()) {
-        TellBadReport(report, options, errors);
-    } else if (!options.reportFile.empty()) {
-        JournalReportBegun();
-    }
-    return Run(options, inputs, report, errors);
-}
-
-// What an ended worker has done, and what was under way. `calls`: of plug-ins, at the end.
-void TellJournal(const WorkerEnd& end, const ConsoleOptions& options, bool isStopped,
-                 const std::vector<PluginCall>& calls, ConsoleStream& errors) {
-    if (end.notes.empty()) return;
-    JournaledRun run = ReadJournal(end.notes);
-    for (FileReport& broken : run.broken) {
-        broken.outcome = isStopped ? FileOutcome::kStopped : FileOutcome::kFailed;
-        broken.reason = isStopped ? FileReason::kNone : FileReason::kProcessEnded;
-        broken.text = ReasonText(broken.reason);
-        for (const PluginCall& call : calls) {
-            if (EqualsIgnoreCase(call.file, broken.source)) {
-                broken.text += L" (" + FileNameOf(call.plugin) + L')';
-            }
-        }
-    }
-    JsonReport report(run.isReportBegun ? options.reportFile : L"", JsonReport::Start::kContinued);
-    RunSummary summary;
-    for (const FileReport& done : run.done)
-        summary.Add(done);
-    for (const FileReport& broken : run.broken) {
-        summary.Add(broken);
-        report.Add(broken);
-    }
-    summary.Write(errors, options.isQuiet);
     if (!report.IsGood()) TellBadReport(report, options, errors);
-}
-
-// Names the plug-in that has ended the worker, as far as the call log tells. The next start holds
-// it against it, and leaves out one that was being loaded.
-int TellEnd(const WorkerEnd& end, const ConsoleOptions& options, ConsoleStream& errors) {
-    if (end.verdict) return *end.verdict;
-    const bool isStopped = end.exitCode == static_cast<DWORD>(STATUS_CONTROL_C_EXIT);
-    const std::vector<PluginCall> calls =
-        isStopped ? std::vector<PluginCall>() : FindInterruptedCalls();
-    TellJournal(end, options, isStopped, calls, errors);
-    if (isStopped) {
-        errors.WriteLine(L"変換を中止しました");
-        return kExitStopped;
-    }
-    errors.WriteLine(L"変換の途中でプロセスが終了しました。終了コード " +
-                     std::to_wstring(end.exitCode));
-    for (const PluginCall& call : calls) {
-        errors.WriteLine(L"プラグイン " + FileNameOf(call.plugin) + L" の処理中（" + call.function +
-                         L"）でした" + (call.file.empty() ? L"。" : L": " + call.file));
-    }
-    return kExitEnded;
+    return Run(options, inputs, report, errors);
 }
 
 bool ReadSettings(const std::vector<std::wstring>& arguments) {
@@ -274,13 +216,7 @@ int RunConsoleProgram(const std::vector<std::wstring>& arguments) {
         errors.WriteLine(L"使い方: tessary-convert --help");
         return kExitSetupError;
     }
-    if (!IsWorker()) {
-        const SessionEnd session([] {});  // the worker hears of it too; what it has done is told
-        if (const std::optional<WorkerEnd> end = RunWorker()) return TellEnd(*end, options, errors);
-    }
-    const int status = Trapped(int{kExitSetupError}, [&] { return Convert(options, errors); });
-    TellVerdict(status);
-    return status;
+    return Trapped(int{kExitSetupError}, [&] { return Convert(options, errors); });
 }
 
 }  // namespace tessary

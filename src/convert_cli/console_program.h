@@ -10,7 +10,6 @@ constexpr int kExitAllConverted = 0;  // but for what the user's own filters lea
 constexpr int kExitSomeNot = 1;       // a file could not be converted, read whole or found
 constexpr int kExitSetupError = 2;    // arguments, settings, folders, plug-ins, log or report
 constexpr int kExitStopped = 3;       // by Ctrl+C or the like
-constexpr int kExitEnded = 4;         // the process was ended in the middle, as plug-ins can do
 
 // `arguments` without the program's name. Answers the exit status.
 int RunConsoleProgram(const std::vector<std::wstring>& arguments);

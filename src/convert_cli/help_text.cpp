@@ -69,7 +69,6 @@ Ctrl+C を押すと、変換中のファイルを終えてから中止します�
   2  引数、設定、保存先の誤り。プラグインのフォルダがない、プラグインがひとつもない、
      ログやレポートを書けない（変換できるものは変換します）
   3  中止した
-  4  途中でプロセスが終了した。プラグインによるものは、その名前を表示します
 
 Usage: tessary-convert [options] --out FOLDER FILE-OR-FOLDER...
 
@@ -126,7 +125,6 @@ Exit status
   2  wrong arguments, settings or target folder; a plug-in folder is away, there is no plug-in, the
      log or the report cannot be written (what can be converted is)
   3  stopped
-  4  the process was ended in the middle; where a plug-in did it, it is named
 )";
 
 // The texts of all formats, one behind the other.

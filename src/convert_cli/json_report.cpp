@@ -101,7 +101,7 @@ std::string JsonLine(const FileReport& report, bool isAscii) {
     return line + ",\"ms\":" + std::to_string(report.milliseconds) + '}';
 }
 
-JsonReport::JsonReport(const std::wstring& path, Start start) {
+JsonReport::JsonReport(const std::wstring& path) {
     if (path.empty()) return;
     isAscii_ = path == kStandardOutput;
     if (isAscii_) {
@@ -110,12 +110,9 @@ JsonReport::JsonReport(const std::wstring& path, Start start) {
         return;
     }
     file_ = UniqueFile(CreateFileW(ExtendedPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ,
-                                   nullptr, start == Start::kAnew ? OPEN_ALWAYS : OPEN_EXISTING,
-                                   FILE_ATTRIBUTE_NORMAL, nullptr));
+                                   nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file_) {
-        error_ = start == Start::kAnew ? LastWriteError(path) : GetLastError();
-    } else if (start == Start::kContinued) {
-        SetFilePointer(file_.Get(), 0, nullptr, FILE_END);
+        error_ = LastWriteError(path);
     } else if (GetFileType(file_.Get()) == FILE_TYPE_DISK && !SetEndOfFile(file_.Get())) {
         // CREATE_ALWAYS would empty it too, but for a hidden file, which it refuses.
         error_ = GetLastError();

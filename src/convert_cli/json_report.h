@@ -11,10 +11,9 @@ namespace tessary {
 
 class JsonReport {
   public:
-    enum class Start { kAnew, kContinued };
     // An empty path: no report is wanted. kStandardOutput: there, in ASCII, which is the same in
     // every code page. A file is in UTF-8.
-    explicit JsonReport(const std::wstring& path, Start start = Start::kAnew);
+    explicit JsonReport(const std::wstring& path);
 
     // False when the file could not be opened, or has not taken all that was written.
     bool IsGood() const { return error_ == 0; }

@@ -3,8 +3,10 @@
 #include <windows.h>
 
 #include <atomic>
+#include <utility>
 
-#include "plugin/call_log.h"
+#include "app/base/error.h"
+#include "convert_cli/console_program.h"
 
 namespace tessary {
 namespace {
@@ -14,39 +16,37 @@ constexpr DWORD kGraceMilliseconds = 20000;
 
 // The system calls the handler on a thread of its own and passes nothing that leads to an object.
 std::atomic<bool> isMade = false;
+std::atomic<const std::function<void()>*> lastWord = nullptr;
 
 BOOL WINAPI OnControlEvent(DWORD event) {
     const bool isFirst = !isMade.exchange(true);
     // The system ends the process before this returns when its patience is at its end.
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
-        ExcuseLastCall();
         // The process ends when this returns, or as soon as its own end is reached.
         Sleep(kGraceMilliseconds);
         return FALSE;
     }
-    // At once, with the status that the system gives: plug-ins that hang would also hang when they
-    // are told of an orderly end.
+    // At once: what the run waits for, as a drive of a network, may hang.
     if (!isFirst) {
-        ExcuseLastCall();
-        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+        if (const std::function<void()>* const word = lastWord) Trapped(*word);
+        TerminateProcess(GetCurrentProcess(), kExitStopped);
     }
     return TRUE;
 }
 
 }  // namespace
 
-StopRequest::StopRequest() {
+StopRequest::StopRequest(std::function<void()> endsAtOnce) : endsAtOnce_(std::move(endsAtOnce)) {
     isMade = false;
+    lastWord = &endsAtOnce_;
     // A program with windows is not told of this by the handler.
-    session_.emplace([] {
-        ExcuseLastCall();
-        isMade = true;
-    });
+    session_.emplace([] { isMade = true; });
     SetConsoleCtrlHandler(OnControlEvent, TRUE);
 }
 
 StopRequest::~StopRequest() {
     SetConsoleCtrlHandler(OnControlEvent, FALSE);
+    lastWord = nullptr;
 }
 
 bool StopRequest::IsMade() const {
