@@ -8,6 +8,7 @@
 #include "app/base/modGetFolder.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
+#include "helpers/color/color_profile.h"
 #include "helpers/susiectl/susiectl.h"
 #include "plugin/call_scope.h"
 #include "plugin/no_host.h"
@@ -130,11 +131,19 @@ class SectionPicture final : public PictureMemory {
 Picture PictureOf(const HostReply& reply, std::optional<HostSections::Lease> section) {
     if (!section) return {};
     const std::span<const uint8_t> all = section->Bytes();
-    if (reply.infoSize > reply.bitsAt || reply.bitsAt > all.size()) return {};
+    if (reply.infoSize > reply.bitsAt || reply.bitsAt > all.size() ||
+        reply.profileSize > reply.bitsAt - reply.infoSize ||
+        reply.profileSize > color::kLargestProfile) {
+        return {};
+    }
     const auto info = all.first(static_cast<size_t>(reply.infoSize));
     const auto bits = all.subspan(static_cast<size_t>(reply.bitsAt));
-    return Picture(std::make_unique<SectionPicture>(std::vector<uint8_t>(info.begin(), info.end()),
-                                                    *std::move(section), bits));
+    const auto profile = all.subspan(info.size(), static_cast<size_t>(reply.profileSize));
+    const std::vector<uint8_t> icc(profile.begin(), profile.end());
+    Picture picture(std::make_unique<SectionPicture>(std::vector<uint8_t>(info.begin(), info.end()),
+                                                     *std::move(section), bits));
+    picture.SetProfile(icc);
+    return picture;
 }
 
 OwnedBlock BlockOf(const std::optional<HostSections::Lease>& section) {

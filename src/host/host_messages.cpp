@@ -47,7 +47,7 @@ void Transfer(Wire& wire, HostReply& reply) {
          reply.failures, reply.isWorn, reply.style, reply.loadError, reply.isLoaded, reply.isInUse,
          reply.hasSettings, reply.productName, reply.patterns, reply.width, reply.height,
          reply.colorDepth, reply.wasStopped, reply.members, reply.bytes, reply.infoSize,
-         reply.bitsAt);
+         reply.profileSize, reply.bitsAt);
 }
 
 namespace {

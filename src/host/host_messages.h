@@ -77,9 +77,10 @@ struct HostReply {
     int32_t colorDepth = -1;
     bool wasStopped = false;
     std::optional<std::vector<susie::FileInfo>> members{};
-    // A member's bytes; or a picture's info block, and its bits block behind that.
+    // A member's bytes; or a picture's info block, its profile, and its bits block behind them.
     WireSection bytes{};
     uint64_t infoSize = 0;
+    uint64_t profileSize = 0;
     uint64_t bitsAt = 0;
 };
 

@@ -236,18 +236,21 @@ HostReply HostService::Decode(LocalConnection& plugin, const PluginSource& sourc
         return reply;
     }
     const auto info = decoded.picture.Info();
+    const auto profile = decoded.picture.Profile();
     const auto bits = decoded.picture.Bits();
     if (!section || bits.data() != section->Bits().data()) {
         giveBack();
-        section = TakeForPicture(info.size(), bits.size());
+        section = TakeForPicture(info.size() + profile.size(), bits.size());
         if (!section) {
             reply.code = susie::kOutOfMemory;
             return reply;
         }
         Copy(info, section->section.bytes);
+        Copy(profile, section->section.bytes.subspan(info.size()));
         Copy(bits, section->Bits());
     }
     reply.infoSize = info.size();
+    reply.profileSize = profile.size();
     reply.bitsAt = section->bitsAt;
     reply.bytes = section->section.wire;
     return reply;

@@ -3,7 +3,9 @@
 #include <cstring>
 #include <utility>
 
+#include "helpers/color/color_profile.h"
 #include "helpers/dib/check_dib.h"
+#include "helpers/dib/embedded_profile.h"
 
 namespace tessary {
 namespace {
@@ -90,12 +92,22 @@ Picture Picture::FromPair(PicturePair pair) {
     OwnedBlock bits(pair.bits);
     if (!info || !bits) return {};
     auto memory = std::make_unique<PairMemory>(std::move(info), std::move(bits));
+    const Bytes embedded = dib::EmbeddedProfile(memory->Info());
+    const std::vector<uint8_t> profile(embedded.begin(), embedded.end());
     OwnedBlock newInfo;
     OwnedBlock newBits;
     if (!MakeReplacements(memory->Info(), memory->Bits(), newInfo, newBits)) return {};
     memory->info.Replace(std::move(newInfo));
     memory->bits.Replace(std::move(newBits));
-    return Picture(std::move(memory));
+    Picture picture(std::move(memory));
+    picture.SetProfile(profile);
+    return picture;
+}
+
+void Picture::SetProfile(Bytes icc) {
+    const bool isKept = !icc.empty() && icc.size() <= color::kLargestProfile;
+    profile_ =
+        isKept ? std::make_shared<const std::vector<uint8_t>>(icc.begin(), icc.end()) : nullptr;
 }
 
 PicturePair Picture::ReleasePair() {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "helpers/dib/dib_view.h"
 #include "picture/modMemory.h"
@@ -44,8 +45,9 @@ class Picture {
 
     // The way in for pairs of local-memory blocks, as plug-ins and the picture kernel hand them
     // out; takes both over. A pair in the plain form stays in its very blocks; one that can be put
-    // right (helpers/dib/check_dib.h) comes into new ones. Empty, with everything freed, when a
-    // block is missing or the pair is no picture, and without memory.
+    // right (helpers/dib/check_dib.h) comes into new ones. The profile that its header leads to
+    // (helpers/dib/embedded_profile.h) becomes that of the picture. Empty, with everything freed,
+    // when a block is missing or the pair is no picture, and without memory.
     static Picture FromPair(PicturePair pair);
 
     // The way out: the caller owns both blocks, unlocked; this is empty then. A picture in memory
@@ -65,6 +67,15 @@ class Picture {
 
     // The same picture once more, in the same memory, which nobody changes.
     Picture Another() const { return *this; }
+
+    // What the numbers of its pixels, or of its colour table, mean: an ICC profile of whatever
+    // kind, as it came from outside; empty: sRGB. It goes with the picture, but for a pair that is
+    // released.
+    std::span<const uint8_t> Profile() const {
+        return profile_ ? std::span<const uint8_t>(*profile_) : std::span<const uint8_t>();
+    }
+    // One that is larger than any (color::kLargestProfile) is not kept.
+    void SetProfile(std::span<const uint8_t> icc);
 
     explicit operator bool() const { return memory_ != nullptr; }
 
@@ -91,6 +102,7 @@ class Picture {
 
     std::shared_ptr<PictureMemory> memory_;
     std::optional<dib::DibView> view_;
+    std::shared_ptr<const std::vector<uint8_t>> profile_;
 };
 
 }  // namespace tessary

@@ -1,6 +1,7 @@
 // Reading the size of the bound picture and decoding it.
 #include "app/base/helper_function.h"
 #include "helpers/convertdib/convertdib.h"
+#include "picture/srgb_picture.h"
 #include "plugin/clsSusie.h"
 
 namespace tessary {
@@ -82,7 +83,7 @@ Picture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uint32_t
     if (!decoded.HasSucceeded())
         throw DecodeError(static_cast<uint32_t>(decoded.code) | resultFlag);
     if (!decoded.picture) throw DecodeError(kNoPictureResult | resultFlag);
-    return std::move(decoded.picture);
+    return SrgbPicture(std::move(decoded.picture));
 }
 
 uint32_t clsSusie::SaveBmp(const Picture& picture, const std::wstring& bmpFile) {

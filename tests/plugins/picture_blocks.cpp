@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <cstring>
 
 namespace tessary::test {
 namespace {
@@ -62,6 +63,23 @@ std::string MakeInfo(const PictureSize& size, size_t bitsSize, const Script& scr
     return info;
 }
 
+std::string FromHex(const std::string& digits) {
+    std::string bytes;
+    for (size_t i = 0; i + 1 < digits.size(); i += 2)
+        bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
+    return bytes;
+}
+
+// Behind header and table, where a header of version 5 leads to.
+void AddProfile(std::string& info, const std::string& profile) {
+    const uint32_t numbers[] = {static_cast<uint32_t>(info.size()),
+                                static_cast<uint32_t>(profile.size())};
+    const uint32_t embedded = 0x4D424544;
+    std::memcpy(&info[56], &embedded, sizeof embedded);
+    std::memcpy(&info[112], numbers, sizeof numbers);
+    info += profile;
+}
+
 void Resize(std::string& block, std::optional<int> size) {
     if (size) block.resize(static_cast<size_t>(*size));
 }
@@ -78,6 +96,7 @@ PictureBlocks MakePicture(const PictureSize& size, const Script& script) {
     PictureBlocks blocks;
     blocks.bits = MakeBits(size);
     blocks.info = MakeInfo(size, blocks.bits.size(), script);
+    if (const auto digits = script.Text("profile")) AddProfile(blocks.info, FromHex(*digits));
     Resize(blocks.info, script.Number("info-size"));
     Resize(blocks.bits, script.Number("bits-size"));
     return blocks;

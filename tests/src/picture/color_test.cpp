@@ -5,6 +5,7 @@
 
 #include "picture/color/convert_rows.h"
 #include "picture/color/monitor_colors.h"
+#include "picture/srgb_picture.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary {
@@ -80,6 +81,63 @@ TEST(ColorsOfMonitor, AreWhatTheProfileSaysOfThem) {
     EXPECT_EQ(reads, 2);
     MonitorColors plain([](HMONITOR) -> std::optional<Profile> { return std::nullopt; });
     EXPECT_EQ(plain.WayFor(nullptr, {}, Layout::kBgr8), nullptr);
+}
+
+Picture PictureOf(const dib::BitmapInfoHeader& header, std::span<const uint8_t> table,
+                  std::span<const uint8_t> bits, std::span<const uint8_t> icc) {
+    std::vector<uint8_t> info(dib::BytesOf(header).begin(), dib::BytesOf(header).end());
+    info.insert(info.end(), table.begin(), table.end());
+    Picture picture = Picture::Make(info, [&](std::span<uint8_t> rows) {
+        std::ranges::copy(bits, rows.begin());
+        return true;
+    });
+    picture.SetProfile(icc);
+    return picture;
+}
+
+TEST(SrgbPicture, HasTheColorsThatTheProfileMeans) {
+    color::Primaries primaries = color::kSrgbPrimaries;
+    std::swap(primaries.red, primaries.blue);
+    const std::vector<uint8_t> icc = Profile::FromPrimaries(primaries, {1, true})->Icc();
+    const std::vector<uint8_t> linear = Profile::FromGreyCurve({1})->Icc();
+    dib::BitmapInfoHeader header{40, 2, 1, 1, 24, 0, 0, 7, 8, 0, 0};
+    const std::vector<uint8_t> colors{1, 2, 3, 200, 100, 50, 0, 0};
+    const Picture color = SrgbPicture(PictureOf(header, {}, colors, icc));
+    ASSERT_TRUE(color);
+    EXPECT_TRUE(color.Profile().empty());
+    EXPECT_EQ(color.Header().xPelsPerMeter, 7);
+    EXPECT_TRUE(std::ranges::equal(color.Bits().first(6), std::array{3, 2, 1, 50, 100, 200}));
+
+    header.bitCount = 32;
+    header.compression = dib::kCompressionAlphaBitFields;
+    const auto* masks = reinterpret_cast<const uint8_t*>(dib::kMasksAlpha);
+    const Picture clear = SrgbPicture(PictureOf(header, {masks, 16}, colors, icc));
+    ASSERT_TRUE(clear && clear.HasAlpha());
+    EXPECT_TRUE(std::ranges::equal(clear.Bits().first(8), std::array{3, 2, 1, 200, 0, 50, 100, 0}));
+
+    // Of a picture with a table the table alone changes.
+    header.bitCount = 8;
+    header.compression = dib::kCompressionRgb;
+    header.colorsUsed = 2;
+    const std::vector<uint8_t> table{9, 8, 7, 0, 55, 55, 55, 0}, indexes{1, 0, 0, 0};
+    for (const auto& [profile, expected] :
+         {std::pair(icc, std::array{7, 8, 9, 0, 55, 55, 55, 0}),
+          std::pair(linear, std::array{50, 50, 50, 0, 128, 128, 128, 0})}) {
+        const Picture indexed = SrgbPicture(PictureOf(header, table, indexes, profile));
+        ASSERT_TRUE(indexed);
+        const auto entries = indexed.Info().subspan(40);
+        for (size_t i = 0; i < expected.size(); ++i)
+            EXPECT_NEAR(entries[i], expected[i], 1) << i;
+        EXPECT_TRUE(std::ranges::equal(indexed.Bits().first(4), indexes));
+    }
+    // One of no use leaves the picture as it is, in its memory.
+    header.bitCount = 24;
+    header.colorsUsed = 0;
+    for (const auto& profile : {linear, std::vector<uint8_t>(300, 7), Profile::Srgb().Icc()}) {
+        Picture picture = PictureOf(header, {}, colors, profile);
+        const void* bits = picture.Bits().data();
+        EXPECT_EQ(SrgbPicture(std::move(picture)).Bits().data(), bits);
+    }
 }
 
 TEST(ColorsOfMonitor, CountAsUnknownWithoutAUsableFile) {

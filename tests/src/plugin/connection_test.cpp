@@ -3,6 +3,7 @@
 #include <set>
 
 #include "app/base/quit.h"
+#include "helpers/color/color_profile.h"
 #include "host/host_connection.h"
 #include "plugin/susie_calls.h"
 #include "tests/src/plugin/plugin_test.h"
@@ -66,6 +67,26 @@ TEST_P(ConnectionTest, ExportsDecideTheKind) {
     EXPECT_TRUE(connection_->IsLoaded());
     EXPECT_EQ(connection_->Configure(nullptr).code, 0);  // left as it was found
     EXPECT_FALSE(CallIsLogged());
+}
+
+TEST_P(ConnectionTest, AnEmbeddedProfileComesAlong) {
+    const std::vector<uint8_t> icc = color::Profile::AdobeRgb().Icc();
+    const std::string digits = test::HexOf(icc);
+    for (const wchar_t* plugin : {L"iftst.spi", L"into_room.spi"}) {
+        Connected(plugin);
+        const DecodedPicture good = Decoded("header:124\nprofile:" + digits);
+        ASSERT_TRUE(good.picture);
+        EXPECT_TRUE(std::ranges::equal(good.picture.Profile(), icc));
+        EXPECT_TRUE(std::ranges::equal(good.picture.Another().Profile(), icc));
+        EXPECT_EQ(good.picture.Info().size(), 40u);
+        const DecodedPicture plain = Decoded("");
+        EXPECT_TRUE(std::ranges::equal(good.picture.Bits(), plain.picture.Bits()));
+        EXPECT_TRUE(plain.picture.Profile().empty());
+        // It would reach beyond the block.
+        const DecodedPicture cut = Decoded("header:124\ninfo-size:300\nprofile:" + digits);
+        ASSERT_TRUE(cut.picture);
+        EXPECT_TRUE(cut.picture.Profile().empty());
+    }
 }
 
 TEST_P(ConnectionTest, DescribesItOutOfEveryKindOfText) {

@@ -1,4 +1,5 @@
 // Decoding the bound picture: tries, preview, crashes, drawing.
+#include "helpers/color/color_profile.h"
 #include "tests/src/plugin/plugin_test.h"
 
 namespace tessary {
@@ -27,6 +28,20 @@ TEST_F(DecodingTest, FilesAreTriedTwiceAndMemoryOnce) {
     const OwnedBlock block = Block("TST 5x3x24\nanswer:GetPicture:6\n");
     plugin_.SetMemoryHandle(block.Get(), L"a.tst");
     EXPECT_EQ(tried(), Tried(6, 1));
+}
+
+TEST_F(DecodingTest, WhatIsHandedOutIsSrgb) {
+    color::Primaries primaries = color::kSrgbPrimaries;
+    std::swap(primaries.red, primaries.blue);
+    const auto exchanged = color::Profile::FromPrimaries(primaries, {1, true})->Icc();
+    BindPicture("");
+    Decode();
+    const std::vector<uint8_t> stored(picture_.Bits().begin(), picture_.Bits().end());
+    BindPicture("header:124\nprofile:" + test::HexOf(exchanged));
+    Decode();
+    EXPECT_TRUE(picture_.Profile().empty());
+    for (size_t i = 0; i < 9; ++i)
+        EXPECT_EQ(picture_.Bits()[i], stored[i / 3 * 3 + 2 - i % 3]) << i;
 }
 
 TEST_F(DecodingTest, WhatHasCrashedIsNotDoneAgain) {

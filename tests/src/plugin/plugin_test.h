@@ -33,6 +33,16 @@ inline std::wstring FileOfParent() {
     return _wgetenv(L"TESSARY_TEST_FILE");
 }
 
+// For the directives that take bytes.
+inline std::string HexOf(std::span<const uint8_t> bytes) {
+    std::string digits;
+    for (const uint8_t byte : bytes) {
+        digits += "0123456789abcdef"[byte >> 4];
+        digits += "0123456789abcdef"[byte & 15];
+    }
+    return digits;
+}
+
 class PluginTest : public testing::Test {
   protected:
     PluginTest() { LoadHelperLibraries(); }

@@ -1,0 +1,12 @@
+// Pictures for those who know no colour but sRGB.
+#pragma once
+
+#include "picture/picture.h"
+
+namespace tessary {
+
+// The picture in sRGB: the same one where it has no profile, or one that is of no use or changes
+// nothing; else a converted one without. Without memory for that it stays as it is.
+Picture SrgbPicture(Picture picture);
+
+}  // namespace tessary
