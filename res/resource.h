@@ -56,6 +56,12 @@
 #define commandZoomOut 1261
 #define commandToggleFit 1262  // 100 %, or the whole picture in the window
 #define commandEnlargeSmall 1263
+#define menuTurn 1264
+#define commandTurnRight 1265
+#define commandTurnLeft 1266
+#define commandTurnHalf 1267
+#define commandMirror 1268
+#define commandFlip 1269
 
 #define menuOption 1300
 #define menuOptionSetup 1301

@@ -204,8 +204,15 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
             // The control bar may have come up meanwhile; some systems show nobody's pop-ups.
             if (wParam != SIZE_MINIMIZED) ShowOwnedPopups(Handle(), TRUE);
             return std::nullopt;
+        case WM_MOVE:
+            stage_.MonitorMayHaveChanged();
+            return std::nullopt;
         case WM_DISPLAYCHANGE:
+            stage_.ForgetColors();
             ScreenChanged();
+            return std::nullopt;
+        case WM_SETTINGCHANGE:
+            stage_.ForgetColors();
             return std::nullopt;
         case WM_QUERYENDSESSION:
             return !IsSessionHeld(Handle());  // a load does not keep the user from logging off

@@ -10,6 +10,7 @@
 #include "app/base/call_user.h"
 #include "app/base/command_line.h"
 #include "picture/show/picture_view.h"
+#include "picture/view/turned_picture.h"
 #include "plugin/call_watch.h"
 #include "res/resource.h"
 #include "ui/form/accelerators.h"
@@ -236,6 +237,7 @@ class frmMain final : public Form, public PictureView {
     void CreatePictureView();
     void RegisterViewCommands();
     void RoomChanged();
+    void TurnPicture(Turn turn);
     void ShowScale();
     void pictureView_Wheel(int notches, int shift, POINT at);
     void pictureView_DoubleClick(POINT at);

@@ -6,6 +6,7 @@
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
 #include "ui/form/activity.h"
+#include "ui/form/busy_pointer.h"
 #include "ui/form/menu.h"
 #include "ui/form/screen.h"
 #include "ui/main/frmMain.h"
@@ -50,6 +51,14 @@ void frmMain::RegisterViewCommands() {
     add(commandZoomIn, [this] { stage_.ZoomBySteps(1, {}); });
     add(commandZoomOut, [this] { stage_.ZoomBySteps(-1, {}); });
     add(commandToggleFit, [this] { stage_.ToggleFit({}); });
+    for (const auto& [command, turn] : {std::pair{commandTurnRight, Turn::kRight},
+                                        {commandTurnLeft, Turn::kLeft},
+                                        {commandTurnHalf, Turn::kHalf},
+                                        {commandMirror, Turn::kMirror},
+                                        {commandFlip, Turn::kFlip}}) {
+        commands_.Register(command,
+                           {.run = [this, turn] { TurnPicture(turn); }, .enabled = pictureShown});
+    }
     commands_.Register(commandEnlargeSmall,
                        {.run =
                             [this] {
@@ -59,6 +68,16 @@ void frmMain::RegisterViewCommands() {
                             },
                         .checked = [] { return Values().general.enlargeSmall != 0; },
                         .whileLoading = true});
+}
+
+// The turned picture is the current one until another file is shown: so it is saved and copied.
+void frmMain::TurnPicture(Turn turn) {
+    if (!CurrentPicture()) return;
+    const BusyPointer busy;
+    Picture turned = TurnedPicture(CurrentPicture(), turn);
+    if (!turned) return ShowNote(L"メモリが足りないため、画像の向きを変えられません。");
+    SetCurrentPicture(std::move(turned), std::wstring(CurrentPictureDamage()));
+    PutIntoView(CurrentPicture().Another(), {});
 }
 
 void frmMain::pictureView_Wheel(int notches, int shift, POINT at) {

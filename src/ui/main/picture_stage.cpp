@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "picture/color/convert_rows.h"
+
 namespace tessary {
 namespace {
 
@@ -223,7 +225,10 @@ void PictureStage::Draw() {
     const SightPart seen = SeenPart();
     RECT sharp{};
     if (IsUsable(sharp_.get())) IntersectRect(&sharp, &seen.part, &sharp_->Sight().part);
-    if (IsRectEmpty(&sharp)) return DrawNearest(seen, seen.part);
+    if (IsRectEmpty(&sharp)) {
+        DrawNearest(seen, seen.part);
+        return ConvertColors(seen);
+    }
     const RECT& all = seen.part;
     for (const RECT& beside : {RECT{all.left, all.top, all.right, sharp.top},
                                RECT{all.left, sharp.bottom, all.right, all.bottom},
@@ -237,6 +242,38 @@ void PictureStage::Draw() {
         std::memcpy(surface_.Row(at.y + y) + at.x + sharp.left, sharp_->Row(y - from.y) + from.x,
                     static_cast<size_t>(sharp.right - sharp.left) * sizeof(uint32_t));
     }
+    ConvertColors(seen);
+}
+
+std::shared_ptr<const color::Transform> PictureStage::WayToMonitor() {
+    return colors_.WayFor(box_.Handle(), {}, color::Layout::kBgra8);
+}
+
+// In the colours of the picture all is drawn and kept: another monitor only has it drawn anew.
+void PictureStage::ConvertColors(const SightPart& seen) {
+    drawnColors_ = WayToMonitor();
+    if (drawnColors_ == nullptr) return;
+    const ViewPosition at = sight_.Position();
+    auto* const first =
+        reinterpret_cast<uint8_t*>(surface_.Row(at.y + seen.part.top) + at.x + seen.part.left);
+    const auto stride = static_cast<ptrdiff_t>(surface_.Stride() * sizeof(uint32_t));
+    ConvertRows(*drawnColors_, {.in = first,
+                                .inStride = stride,
+                                .out = first,
+                                .outStride = stride,
+                                .width = static_cast<uint32_t>(seen.Width()),
+                                .height = static_cast<uint32_t>(seen.Height())});
+}
+
+void PictureStage::MonitorMayHaveChanged() {
+    if (!HasPicture() || WayToMonitor() == drawnColors_) return;
+    isDrawn_ = false;
+    box_.Invalidate();
+}
+
+void PictureStage::ForgetColors() {
+    colors_.Forget();
+    MonitorMayHaveChanged();
 }
 
 void PictureStage::DrawNearest(const SightPart& seen, const RECT& part) {

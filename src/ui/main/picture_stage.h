@@ -5,7 +5,9 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
+#include "picture/color/monitor_colors.h"
 #include "picture/picture.h"
 #include "picture/view/sharp_sight.h"
 #include "picture/view/sight.h"
@@ -19,7 +21,8 @@ namespace tessary {
 class PictureStage {
   public:
     // The box must outlive the stage, and nudges ShowSharp.
-    explicit PictureStage(PictureBox& box) : box_(box) {}
+    explicit PictureStage(PictureBox& box, MonitorColors colors = MonitorColors())
+        : box_(box), colors_(std::move(colors)) {}
 
     // Shows another picture from its top left corner on; an empty one for none. `prepared` is what
     // is to be seen of it, if that was made before: taken where it has the size that is shown.
@@ -54,6 +57,11 @@ class PictureStage {
     void DragTo(POINT at);
     void EndDrag();
 
+    // The box may be on another monitor now.
+    void MonitorMayHaveChanged();
+    // So may the monitors' profiles.
+    void ForgetColors();
+
     // Paints what lies in `area` of the box; the result is the picture's rectangle.
     RECT Paint(HDC screen, const RECT& area);
     // Takes what was made sharp meanwhile.
@@ -77,6 +85,9 @@ class PictureStage {
     void Draw();
     void DrawNearest(const SightPart& seen, const RECT& part);
     void AskForSharp();
+    // From the picture's colours to the monitor's; null: as they are.
+    std::shared_ptr<const color::Transform> WayToMonitor();
+    void ConvertColors(const SightPart& seen);
 
     PictureBox& box_;
     Sight sight_;
@@ -85,7 +96,9 @@ class PictureStage {
     std::optional<Drag> drag_;
     SharpSight::Pixels pixels_;
     std::shared_ptr<const SharpPart> sharp_;
+    MonitorColors colors_;
     ViewSurface surface_;
+    std::shared_ptr<const color::Transform> drawnColors_;
     bool isDrawn_ = false;
     SharpSight sharpener_{[this] { box_.Nudge(); }};
 };

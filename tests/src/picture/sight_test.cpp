@@ -9,6 +9,9 @@
 #include <vector>
 
 #include "app/settings/modValue.h"
+#include "helpers/dib/unpack_row.h"
+#include "picture/view/turned_picture.h"
+#include "tests/helpers/dib/sample_picture.h"
 
 namespace tessary {
 namespace {
@@ -53,6 +56,52 @@ TEST(FitTest, EveryModeHasItsBox) {
         const SIZE shown = FittedSize(c.picture, c.rule, kRoom);
         EXPECT_TRUE(shown.cx == c.shown.cx && shown.cy == c.shown.cy)
             << "mode " << c.rule.sizeMode << ": " << shown.cx << 'x' << shown.cy;
+    }
+}
+
+// The pixels of a picture, from the top, as 32-bit colours.
+std::vector<std::vector<uint32_t>> PixelsOf(const Picture& picture) {
+    const dib::RowReader reader(picture.View());
+    std::vector<std::vector<uint32_t>> rows;
+    for (int32_t y = 0; y < picture.Height(); ++y) {
+        std::vector<uint32_t>& row = rows.emplace_back(static_cast<size_t>(picture.Width()));
+        reader.RowBgra(picture.View().Row(y),
+                       {reinterpret_cast<uint8_t*>(row.data()), 4 * row.size()});
+    }
+    return rows;
+}
+
+TEST(TurnTest, EveryPixelOfEveryDepthGoesWhereItBelongs) {
+    for (const dib::PixelFormat format : dib::test::kAllFormats) {
+        for (const int32_t height : {37, -37}) {
+            const dib::test::SamplePicture sample(format, 101, height);
+            const Picture picture = Picture::Make(sample.info, [&](std::span<uint8_t> rows) {
+                std::ranges::copy(sample.bits, rows.begin());
+                return true;
+            });
+            ASSERT_TRUE(picture);
+            const auto before = PixelsOf(picture);
+            const auto expect = [&](Turn turn, int32_t width, auto source) {
+                const Picture turned = TurnedPicture(picture, turn);
+                ASSERT_TRUE(turned && turned.Width() == width);
+                EXPECT_EQ(turned.View().Format(), format);
+                EXPECT_EQ(turned.View().IsTopDown(), height < 0);
+                const auto after = PixelsOf(turned);
+                for (size_t y = 0; y < after.size(); ++y) {
+                    for (size_t x = 0; x < after[y].size(); ++x) {
+                        const auto [fromX, fromY] = source(x, y);
+                        ASSERT_EQ(after[y][x], before[fromY][fromX])
+                            << static_cast<int>(turn) << ": " << x << ", " << y;
+                    }
+                }
+            };
+            using Place = std::pair<size_t, size_t>;
+            expect(Turn::kRight, 37, [](size_t x, size_t y) { return Place(y, 36 - x); });
+            expect(Turn::kLeft, 37, [](size_t x, size_t y) { return Place(100 - y, x); });
+            expect(Turn::kHalf, 101, [](size_t x, size_t y) { return Place(100 - x, 36 - y); });
+            expect(Turn::kMirror, 101, [](size_t x, size_t y) { return Place(100 - x, y); });
+            expect(Turn::kFlip, 101, [](size_t x, size_t y) { return Place(x, 36 - y); });
+        }
     }
 }
 

@@ -50,7 +50,8 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
                                 {.run = [&] { ++opened; }, .enabled = [&] { return offered; }});
     ShowPicture(10, 10);
     std::set<int> alive = kAlways;
-    alive.insert({menuFileOpen, menuEditClear, commandZoomIn, commandZoomOut, commandToggleFit});
+    alive.insert({menuFileOpen, menuEditClear, commandZoomIn, commandZoomOut, commandToggleFit,
+                  commandTurnRight, commandTurnLeft, commandTurnHalf, commandMirror, commandFlip});
     EXPECT_EQ(AliveItems(), alive);
     Choose(menuFileOpen);
     Choose(menuFileSaveAs);  // nobody's

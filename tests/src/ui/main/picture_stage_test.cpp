@@ -14,6 +14,12 @@ namespace {
 
 constexpr SIZE kArea{200, 150};
 
+// The monitor's profile.
+std::optional<color::Profile> monitor;
+std::optional<color::Profile> ReadMonitor(HMONITOR) {
+    return monitor;
+}
+
 class PictureStageTest : public testing::Test {
   protected:
     static void SetUpTestSuite() { test::LoadHelperLibraries(); }
@@ -73,7 +79,7 @@ class PictureStageTest : public testing::Test {
                                    nullptr, nullptr, nullptr, nullptr);
     PictureBox box_;
     bool bars_ = false;
-    PictureStage stage_{box_};
+    PictureStage stage_{box_, MonitorColors(ReadMonitor)};
 };
 
 TEST_F(PictureStageTest, ShowsThePixelsAsTheyAre) {
@@ -131,6 +137,32 @@ TEST_F(PictureStageTest, MakesSharpWhatIsSeenAndFollowsTheWindow) {
     stage_.SetPicture(picture.Another(), ResizePicture(picture, 78, 75));
     EXPECT_FALSE(stage_.IsSharp());
     ExpectSharp(picture, "prepared in another size");
+}
+
+TEST_F(PictureStageTest, ShowsTheColoursOfTheMonitor) {
+    Show(250, 240);
+    ExpectAsItIs("without a profile");
+    color::Primaries exchanged = color::kSrgbPrimaries;
+    std::swap(exchanged.red, exchanged.green);
+    monitor = color::Profile::FromPrimaries(exchanged, {1.8});
+    stage_.MonitorMayHaveChanged();
+    ExpectAsItIs("nobody has told of it");
+    stage_.ForgetColors();
+    const auto way =
+        color::Transform::Make(color::Profile::Srgb(), *monitor, color::Layout::kBgra8);
+    const auto converted = [&](int x, int y) {
+        uint8_t pixel[4] = {128, static_cast<uint8_t>(y), static_cast<uint8_t>(x), 0};
+        way->Convert(pixel, pixel, 1);
+        return RGB(pixel[2], pixel[1], pixel[0]);
+    };
+    EXPECT_NE(converted(9, 99), test::PixelAt(9, 99));
+    ExpectOnScreen(converted, "other colours");
+    stage_.KeyDown(VK_RIGHT);
+    stage_.KeyDown(VK_DOWN);
+    ExpectOnScreen(converted, "moved");
+    monitor.reset();
+    stage_.ForgetColors();
+    ExpectAsItIs("as before");
 }
 
 TEST_F(PictureStageTest, ScrollBarsTakeAndLeadTheirWay) {

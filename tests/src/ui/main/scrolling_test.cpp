@@ -77,6 +77,20 @@ TEST_F(ScrollingTest, LayoutFollowsTheWindowsSize) {
     EXPECT_EQ(status.bottom - view.top, client.bottom);
 }
 
+TEST_F(ScrollingTest, ATurnedPictureIsTheOneToBeSaved) {
+    Load(320, 240);
+    ShowPicture(30, 20);
+    Choose(commandTurnRight);
+    EXPECT_EQ(window_.Stage().Seen().Shown().cx, 20);
+    EXPECT_EQ(CurrentPicture().View().Row(0)[1], 19);  // green was y
+    Choose(commandMirror);
+    EXPECT_EQ(CurrentPicture().View().Row(0)[1], 0);
+    ChooseDuringARead(commandTurnLeft);  // another one is coming
+    EXPECT_EQ(CurrentPicture().Width(), 20);
+    ShowPicture(30, 20);
+    EXPECT_EQ(window_.Stage().Seen().Shown().cx, 30);
+}
+
 TEST_F(ScrollingTest, KeysOfTheWindowAreThePicturesAndEnterSteps) {
     Load();
     window_.Show();

@@ -1,0 +1,22 @@
+// Pictures that are turned and mirrored, without loss.
+#pragma once
+
+#include <cstdint>
+
+#include "picture/picture.h"
+
+namespace tessary {
+
+enum class Turn : uint8_t {
+    kRight,   // by a quarter, clockwise
+    kLeft,    // by a quarter, counterclockwise
+    kHalf,    // upside down
+    kMirror,  // left and right exchanged
+    kFlip,    // top and bottom exchanged
+};
+
+// A new picture of the same depth, with the same table and resolution, the top row first if
+// the picture has it so. Empty without memory.
+Picture TurnedPicture(const Picture& picture, Turn turn);
+
+}  // namespace tessary
