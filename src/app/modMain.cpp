@@ -10,18 +10,19 @@
 #include "app/base/message_box.h"
 #include "app/base/modGetFolder.h"
 #include "app/base/modScreenCaps.h"
-#include "app/base/paths.h"
 #include "app/base/quit.h"
 #include "app/base/text.h"
 #include "app/first_run.h"
 #include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "host/host_connection.h"
+#include "host/host_program.h"
 #include "picture/ahead/ahead_rules.h"
 #include "picture/ahead/pictures_ahead.h"
 #include "picture/read/source_file.h"
 #include "plugin/host_state.h"
 #include "plugin/modSusie.h"
+#include "plugin/no_host.h"
 #include "plugin/plugin_notices.h"
 #include "ui/control/frmControl.h"
 #include "ui/control/open_commands.h"
@@ -153,8 +154,9 @@ bool InitializeApplication(HelperLibraries& libraries) {
     UseFurtherHosts(HostWindows::kHidden);
     Ahead().Begin(ReadingThreads(), Host().furtherConnector);
     libraries = CheckHelperLibraries();
-    if (libraries && !PathExists(AppFolder() + kHostProgram)) {
-        libraries.failure = ToUpper(kHostProgram) + L" が見つかりません。";
+    // Bitmaps are shown without it.
+    if (const uint32_t why = WhyNoHostProgram(AppFolder() + kHostProgram)) {
+        libraries.notice = NoHostText(why);
     }
     if (!libraries || !ReadGeneralSettings() || !ReadConvertSettings() ||
         !ApplyFirstRunDefaults()) {
