@@ -1,6 +1,9 @@
 #include "helpers/dib/embedded_profile.h"
 
+#include <array>
 #include <cstring>
+
+#include "helpers/dib/bitmap_header.h"
 
 namespace tessary::dib {
 namespace {
@@ -16,16 +19,31 @@ uint32_t NumberAt(std::span<const uint8_t> info, size_t at) {
     return number;
 }
 
+// Whether a header of version 5 says that a profile is embedded.
+bool SaysEmbedded(std::span<const uint8_t> info) {
+    return info.size() >= kHeaderSize && NumberAt(info, 0) == kHeaderSize &&
+           NumberAt(info, kSpaceAt) == kEmbedded;
+}
+
 }  // namespace
 
 std::span<const uint8_t> EmbeddedProfile(std::span<const uint8_t> info) {
-    if (info.size() < kHeaderSize || NumberAt(info, 0) != kHeaderSize ||
-        NumberAt(info, kSpaceAt) != kEmbedded) {
-        return {};
-    }
+    if (!SaysEmbedded(info)) return {};
     const uint32_t at = NumberAt(info, kProfileAt), size = NumberAt(info, kProfileSizeAt);
     if (at < kHeaderSize || at > info.size() || size > info.size() - at) return {};
     return info.subspan(at, size);
+}
+
+std::vector<uint8_t> EmbeddedProfile(ByteSource& file, size_t most) {
+    std::array<uint8_t, kFileHeaderSize + kHeaderSize> head{};
+    if (file.ReadAt(0, head) != head.size() || head[0] != 'B' || head[1] != 'M') return {};
+    const auto info = std::span<const uint8_t>(head).subspan(kFileHeaderSize);
+    if (!SaysEmbedded(info)) return {};
+    const uint32_t at = NumberAt(info, kProfileAt), size = NumberAt(info, kProfileSizeAt);
+    if (at < kHeaderSize || size > most) return {};
+    std::vector<uint8_t> profile(size);
+    return file.ReadAt(uint64_t{kFileHeaderSize} + at, profile) == size ? profile
+                                                                        : std::vector<uint8_t>();
 }
 
 }  // namespace tessary::dib

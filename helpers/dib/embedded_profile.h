@@ -3,6 +3,9 @@
 
 #include <cstdint>
 #include <span>
+#include <vector>
+
+#include "helpers/dib/byte_source.h"
 
 namespace tessary::dib {
 
@@ -10,5 +13,9 @@ namespace tessary::dib {
 // that one is embedded (PROFILE_EMBEDDED); they lie in `info`, which is all that is there. Empty
 // where there is none, or not all of it. What they say is not looked at.
 std::span<const uint8_t> EmbeddedProfile(std::span<const uint8_t> info);
+
+// The same of a bitmap file, where it may stand anywhere behind the header. Empty as well when it
+// is larger than `most` bytes.
+std::vector<uint8_t> EmbeddedProfile(ByteSource& file, size_t most);
 
 }  // namespace tessary::dib

@@ -2,14 +2,19 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "app/base/error.h"
 #include "app/base/fetch_file.h"
 #include "app/base/handles.h"
 #include "app/base/helper_function.h"
 #include "app/base/paths.h"
+#include "helpers/color/color_profile.h"
 #include "helpers/convertdib/convertdib.h"
 #include "helpers/dib/bitmap_file.h"
+#include "helpers/dib/embedded_profile.h"
+#include "helpers/files/file_source.h"
+#include "picture/srgb_picture.h"
 
 namespace tessary {
 namespace {
@@ -48,6 +53,12 @@ std::wstring UnreadableText(const std::wstring& path, const wchar_t* what, const
     const std::wstring reason = L"、ほかのアプリケーションで使用中の可能性があります。";
     return L"ファイル " + path + what + L"\r\n" +
            (IsFetchError(error) ? FetchErrorText(error) : why + reason);
+}
+
+// In sRGB, whatever profile the file has.
+Picture WithColorsOf(dib::ByteSource& file, Picture picture) {
+    picture.SetProfile(dib::EmbeddedProfile(file, color::kLargestProfile));
+    return SrgbPicture(std::move(picture));
 }
 
 }  // namespace
@@ -101,7 +112,8 @@ bool ReadBitmapFile(const std::wstring& path, Picture& picture, const ReadProgre
         if (damage != nullptr) {
             *damage = loaded == convertdib::kBitmapCutShort ? kCutShortText : L"";
         }
-        picture = std::move(read);
+        auto file = files::FileSource::Open(path);
+        picture = file ? WithColorsOf(*file, std::move(read)) : std::move(read);
         return true;
     } catch (...) {
         const RaisedError error = CurrentError();
@@ -125,8 +137,9 @@ Picture ReadBitmapBlock(HLOCAL block, const ReadProgress& progress, std::wstring
             return MayGoOn(progress, percent, 100);
         }) == dib::DibError::kNone;
     });
-    if (picture) damage = bitmap.IsWhole() ? L"" : kCutShortText;
-    return picture;
+    if (!picture) return {};
+    damage = bitmap.IsWhole() ? L"" : kCutShortText;
+    return WithColorsOf(source, std::move(picture));
 }
 
 }  // namespace tessary

@@ -1,4 +1,5 @@
 // Bitmaps, which the program reads without any plug-in: files, and blocks with a file's content.
+// Those with an embedded profile are converted to sRGB.
 #pragma once
 
 #include <functional>

@@ -3,9 +3,11 @@
 
 #include <cmath>
 
+#include "picture/bitmap_file.h"
 #include "picture/color/convert_rows.h"
 #include "picture/color/monitor_colors.h"
 #include "picture/srgb_picture.h"
+#include "tests/support/bitmap_image.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary {
@@ -138,6 +140,40 @@ TEST(SrgbPicture, HasTheColorsThatTheProfileMeans) {
         const void* bits = picture.Bits().data();
         EXPECT_EQ(SrgbPicture(std::move(picture)).Bits().data(), bits);
     }
+}
+
+TEST(SrgbPicture, IsWhatABitmapFileWithAProfileGives) {
+    color::Primaries primaries = color::kSrgbPrimaries;
+    std::swap(primaries.red, primaries.blue);
+    const std::vector<uint8_t> icc = Profile::FromPrimaries(primaries, {1, true})->Icc();
+    const std::string plain = test::BitmapFileOf(3, 2, RGB(10, 20, 30), 124);
+    const test::TemporaryFolder folder;
+    // The profile stands behind the pixels, as most programs write it.
+    const auto blueOf = [&](uint32_t space, size_t at, size_t size) {
+        std::string file = plain + std::string(icc.begin(), icc.end());
+        const auto put = [&](size_t where, size_t value) {
+            for (size_t i = 0; i < 4; ++i)
+                file[14 + where + i] = static_cast<char>(value >> (8 * i));
+        };
+        put(56, space);
+        put(112, at - 14);
+        put(116, size);
+        Picture picture;
+        EXPECT_TRUE(ReadBitmapFile(folder.Write(L"a.bmp", file), picture));
+        const OwnedBlock block = FilledBlock(
+            file.size(), [&](std::span<uint8_t> to) { std::ranges::copy(file, to.begin()); });
+        std::wstring damage;
+        const Picture other = ReadBitmapBlock(block.Get(), {}, damage);
+        EXPECT_TRUE(other && other.Bits()[0] == picture.Bits()[0]);
+        EXPECT_TRUE(picture.Profile().empty());
+        return picture.Bits()[0];
+    };
+    constexpr uint32_t kEmbedded = 0x4D424544, kSrgb = 0x73524742;
+    EXPECT_EQ(blueOf(kEmbedded, plain.size(), icc.size()), 10);
+    EXPECT_EQ(blueOf(kSrgb, plain.size(), icc.size()), 30);
+    EXPECT_EQ(blueOf(kEmbedded, plain.size() + 1, icc.size()), 30);
+    EXPECT_EQ(blueOf(kEmbedded, plain.size(), 0xFFFFFFFF), 30);
+    EXPECT_EQ(blueOf(kEmbedded, 20, icc.size()), 30);
 }
 
 TEST(ColorsOfMonitor, CountAsUnknownWithoutAUsableFile) {
