@@ -66,6 +66,7 @@ std::optional<Profile> Profile::FromIcc(std::span<const uint8_t> icc) {
     const auto model = ModelOfSpace(cmsGetColorSpace(handle));
     if (!model || !DescribesPixels(cmsGetDeviceClass(handle))) return std::nullopt;
     profile.model_ = *model;
+    profile.source_ = std::make_shared<const std::vector<uint8_t>>(icc.begin(), icc.end());
     return profile;
 }
 

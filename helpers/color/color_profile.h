@@ -47,6 +47,10 @@ class Profile {
     static Profile AdobeRgb();
 
     Model ModelOf() const { return model_; }
+    // The bytes that it was made from; empty where it was made in another way.
+    std::span<const uint8_t> Source() const {
+        return source_ ? std::span<const uint8_t>(*source_) : std::span<const uint8_t>();
+    }
     // The profile as a file has it, of the version 4; empty when there is no memory.
     std::vector<uint8_t> Icc() const;
 
@@ -57,6 +61,7 @@ class Profile {
     Profile(void* handle, Model model);
 
     std::shared_ptr<void> handle_;
+    std::shared_ptr<const std::vector<uint8_t>> source_;
     Model model_;
 };
 

@@ -1,6 +1,7 @@
 #include "plugins/common/srgb.h"
 
 #include <algorithm>
+#include <mutex>
 
 #include "plugins/common/palette.h"
 
@@ -12,12 +13,51 @@ const color::Profile& Srgb() {
     return profile;
 }
 
+using Way = std::shared_ptr<const color::Transform>;
+
+Way MakeWay(const color::Profile& profile, color::Layout layout) {
+    return AreAlike(profile, Srgb()) ? nullptr : color::Transform::Make(profile, Srgb(), layout);
+}
+
+// The ways of the last profiles: pictures of one camera or one scanner have the same one, and
+// making a way takes as long as decoding a small picture. Of any thread.
+class LastWays {
+  public:
+    Way For(const color::Profile& profile, color::Layout layout) {
+        const auto icc = profile.Source();
+        if (icc.empty()) return MakeWay(profile, layout);
+        {
+            const std::lock_guard lock(mutex_);
+            const auto known = std::ranges::find_if(ways_, [&](const Known& each) {
+                return each.layout == layout && std::ranges::equal(each.profile.Source(), icc);
+            });
+            if (known != ways_.end()) return known->way;
+        }
+        Way way = MakeWay(profile, layout);
+        const std::lock_guard lock(mutex_);
+        if (ways_.size() == kMost) ways_.pop_back();
+        ways_.insert(ways_.begin(), {profile, layout, way});
+        return way;
+    }
+
+  private:
+    struct Known {
+        color::Profile profile;
+        color::Layout layout;
+        Way way;
+    };
+    static constexpr size_t kMost = 4;
+
+    std::mutex mutex_;
+    std::vector<Known> ways_;  // the latest first
+};
+
 }  // namespace
 
 std::shared_ptr<const color::Transform> ToSrgb(const std::optional<color::Profile>& profile,
                                                color::Layout layout) {
-    if (!profile || AreAlike(*profile, Srgb())) return nullptr;
-    return color::Transform::Make(*profile, Srgb(), layout);
+    static LastWays ways;
+    return profile ? ways.For(*profile, layout) : nullptr;
 }
 
 std::vector<dib::PaletteEntry> SrgbGreyPalette(const std::optional<color::Profile>& profile,
