@@ -63,7 +63,8 @@ std::shared_ptr<const color::Transform> ToSrgb(const std::optional<color::Profil
 std::vector<dib::PaletteEntry> SrgbGreyPalette(const std::optional<color::Profile>& profile,
                                                unsigned bitCount) {
     std::vector<dib::PaletteEntry> palette = GreyPalette(bitCount);
-    const auto colors = profile ? GreyColors(*profile, Srgb()) : std::nullopt;
+    if (palette.empty() || !profile) return palette;
+    const auto colors = GreyColors(*profile, Srgb());
     if (!colors) return palette;
     for (dib::PaletteEntry& entry : palette) {
         const color::Color& color = (*colors)[entry.green];
