@@ -62,6 +62,12 @@
 #define commandTurnHalf 1267
 #define commandMirror 1268
 #define commandFlip 1269
+#define menuBackdrop 1270
+#define commandBackdrop_0 1271
+#define commandBackdrop_1 1272
+#define commandBackdrop_2 1273
+#define commandBackdrop_3 1274
+#define commandBackdrop 1275  // the next one
 
 #define menuOption 1300
 #define menuOptionSetup 1301

@@ -56,8 +56,8 @@ void UnpackIndexes(const uint8_t* in, size_t width, const std::array<uint32_t, 2
     }
 }
 
-constexpr uint8_t OverWhite(uint8_t sample, uint8_t alpha) {
-    return static_cast<uint8_t>((sample * alpha + 255 * (255 - alpha) + 127) / 255);
+constexpr uint8_t Over(int backdrop, uint8_t sample, uint8_t alpha) {
+    return static_cast<uint8_t>((sample * alpha + backdrop * (255 - alpha) + 127) / 255);
 }
 
 bool IsAllTransparent(const DibView& view) {
@@ -72,8 +72,8 @@ bool IsAllTransparent(const DibView& view) {
 
 }  // namespace
 
-RowReader::RowReader(const DibView& view)
-    : format_(view.Format()), width_(static_cast<size_t>(view.Width())) {
+RowReader::RowReader(const DibView& view, Backdrop backdrop)
+    : format_(view.Format()), width_(static_cast<size_t>(view.Width())), backdrop_(backdrop) {
     allTransparent_ = format_ == PixelFormat::kBgra32 && IsAllTransparent(view);
     if (format_ == PixelFormat::kRgb555 || format_ == PixelFormat::kRgb565) {
         const int greenBits = format_ == PixelFormat::kRgb565 ? 6 : 5;
@@ -123,10 +123,11 @@ void RowReader::Unpack(std::span<const uint8_t> row, std::span<uint8_t> out) con
             break;
         case PixelFormat::kBgra32:
             if (kBytes == 3 && !allTransparent_) {
+                const int backdrop = backdrop_ == Backdrop::kWhite ? 255 : 0;
                 for (size_t x = 0; x < width_; ++x) {
                     const uint8_t* p = in + x * 4;
                     for (size_t channel = 0; channel < 3; ++channel)
-                        to[x * 3 + channel] = OverWhite(p[channel], p[3]);
+                        to[x * 3 + channel] = Over(backdrop, p[channel], p[3]);
                 }
                 break;
             }
@@ -169,9 +170,9 @@ void RowReader::Pick(std::span<const uint8_t> row, std::span<const int32_t> colu
             if (!allTransparent_) {
                 return pick([&](size_t x) {
                     const uint8_t* const p = in + x * 4;
-                    return OverWhite(p[0], p[3]) |
-                           static_cast<uint32_t>(OverWhite(p[1], p[3])) << 8 |
-                           static_cast<uint32_t>(OverWhite(p[2], p[3])) << 16 | kOpaque;
+                    return Over(0, p[0], p[3]) | static_cast<uint32_t>(Over(0, p[1], p[3])) << 8 |
+                           static_cast<uint32_t>(Over(0, p[2], p[3])) << 16 |
+                           static_cast<uint32_t>(p[3]) << 24;
                 });
             }
             [[fallthrough]];

@@ -47,6 +47,8 @@ struct ResizeParameters {
     int32_t top = 0;
     int32_t partWidth = 0;
     int32_t partHeight = 0;
+    // What pixels with alpha are laid over: 0 white, 1 black.
+    uint32_t overBlack = 0;
 };
 // Bytes of a record that ends before the part.
 constexpr uint32_t kWholeResizeSize = offsetof(ResizeParameters, left);

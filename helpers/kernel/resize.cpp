@@ -52,6 +52,7 @@ struct Job {
     size_t stride;
     std::span<uint8_t> rows;
     Instructions instructions;
+    dib::Backdrop backdrop;
 };
 
 // Makes a run of neighbouring target rows. Everything it needs is allocated when it is made, so
@@ -63,7 +64,7 @@ class Band {
         : job_(job),
           first_(first),
           end_(end),
-          source_(job.source, job.vertical.MostWeights()),
+          source_(job.source, job.vertical.MostWeights(), job.backdrop),
           skipped_(static_cast<size_t>(job.columns.first) * SourceRows::PixelBytes(job.source)),
           mixed_(job.columns.samples + RowFilter::kPadding) {
         const auto most = static_cast<size_t>(job.vertical.MostWeights());
@@ -129,7 +130,8 @@ int32_t BandCount(const Job& job) {
 }  // namespace
 
 void Resize(const dib::DibView& source, int32_t width, int32_t height, const Part& part,
-            ResizeFilter filter, std::span<uint8_t> rows, Instructions instructions) {
+            ResizeFilter filter, std::span<uint8_t> rows, Instructions instructions,
+            dib::Backdrop backdrop) {
     if (source.Width() > kMostWidth) throw std::length_error("picture too wide");
     const FilterAxis across(source.Width(), width, filter);
     RowFilter horizontal(across, part.left, part.width, SourceRows::PixelBytes(source),
@@ -143,7 +145,8 @@ void Resize(const dib::DibView& source, int32_t width, int32_t height, const Par
                   columns,
                   static_cast<size_t>(dib::RowStride(static_cast<uint64_t>(part.width), 24)),
                   rows,
-                  instructions};
+                  instructions,
+                  backdrop};
     assert(rows.size() == job.stride * static_cast<size_t>(part.height));
 
     const int32_t count = BandCount(job);

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "helpers/dib/dib_view.h"
+#include "helpers/dib/unpack_row.h"
 #include "helpers/kernel/instructions.h"
 #include "helpers/kernel/resize_filter.h"
 
@@ -24,10 +25,12 @@ struct Part {
 //
 // The colour values are mixed as they are stored (no gamma). Rows are mixed first, then pixels, in
 // one pass over the source on as many threads as the machine has cores; beside `rows` only a few
-// source rows are held in memory. The fourth byte of 32-bit pixels is ignored. Throws
+// source rows are held in memory. The fourth byte of 32-bit pixels is ignored unless it is alpha:
+// those are laid over the backdrop. Throws
 // std::bad_alloc or std::length_error when memory runs out.
 void Resize(const dib::DibView& source, int32_t width, int32_t height, const Part& part,
             ResizeFilter filter, std::span<uint8_t> rows,
-            Instructions instructions = BestInstructions());
+            Instructions instructions = BestInstructions(),
+            dib::Backdrop backdrop = dib::Backdrop::kWhite);
 
 }  // namespace tessary::kernel

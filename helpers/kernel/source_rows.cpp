@@ -26,9 +26,9 @@ size_t SourceRows::RowBytes(const dib::DibView& view) {
     return std::max(static_cast<size_t>(view.Width()) * PixelBytes(view), kLeastRowBytes);
 }
 
-SourceRows::SourceRows(const dib::DibView& view, int32_t window)
+SourceRows::SourceRows(const dib::DibView& view, int32_t window, dib::Backdrop backdrop)
     : view_(view),
-      reader_(view),
+      reader_(view, backdrop),
       direct_(ReadsDirectly(view)),
       window_(window),
       rowBytes_(RowBytes(view)) {

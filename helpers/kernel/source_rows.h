@@ -18,7 +18,8 @@ class SourceRows {
     static constexpr size_t kLeastRowBytes = 16;
 
     // `window`: how many neighbouring rows the caller wants to hold at once. Throws std::bad_alloc.
-    SourceRows(const dib::DibView& view, int32_t window);
+    SourceRows(const dib::DibView& view, int32_t window,
+               dib::Backdrop backdrop = dib::Backdrop::kWhite);
 
     // Bytes from one pixel to the next: 3 (blue, green, red) or 4 (a byte without meaning behind).
     static size_t PixelBytes(const dib::DibView& view);

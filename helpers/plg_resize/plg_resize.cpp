@@ -18,6 +18,11 @@ Part PartOf(const ResizeParameters& parameters) {
     return {parameters.left, parameters.top, parameters.partWidth, parameters.partHeight};
 }
 
+dib::Backdrop BackdropOf(const ResizeParameters& parameters) {
+    const bool isBlack = parameters.size >= sizeof(parameters) && parameters.overBlack != 0;
+    return isBlack ? dib::Backdrop::kBlack : dib::Backdrop::kWhite;
+}
+
 bool AreValid(const ResizeParameters& parameters) {
     if (parameters.size < kWholeResizeSize || parameters.width <= 0 || parameters.height <= 0 ||
         parameters.filter > static_cast<uint32_t>(ResizeFilter::kCatmullRom)) {
@@ -80,7 +85,8 @@ extern "C" __declspec(dllexport) KernelResult
         const KernelResult result = resized.Create(ResizedHeader(view->Header(), part));
         if (result != kKernelOk) return result;
         Resize(*view, parameters->width, parameters->height, part,
-               static_cast<ResizeFilter>(parameters->filter), resized.Bits());
+               static_cast<ResizeFilter>(parameters->filter), resized.Bits(), BestInstructions(),
+               BackdropOf(*parameters));
         *out = resized.Release();
         return kKernelOk;
     });

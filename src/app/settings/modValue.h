@@ -22,6 +22,13 @@ constexpr int16_t kMostWorkingSeconds = 3600;
 constexpr int16_t kDoubleClickZooms = 0;  // between 100 % and the whole picture
 constexpr int16_t kDoubleClickFullScreen = 1;
 
+// What is seen through pictures with transparency.
+constexpr int16_t kBackdropSquares = 0;  // a chequerboard
+constexpr int16_t kBackdropWhite = 1;
+constexpr int16_t kBackdropBlack = 2;
+constexpr int16_t kBackdropGrey = 3;
+constexpr int16_t kLastBackdrop = kBackdropGrey;
+
 // The display size modes that a click on the control bar's button goes round.
 constexpr int16_t kSizeButtonAll = 0;
 constexpr int16_t kSizeButtonFixed = 1;  // from 0 to 4
@@ -55,6 +62,7 @@ struct GeneralSettings {
     int16_t keepZoom = 0;         // 1: a zoom stays with the next picture
     int16_t doubleClick = kDoubleClickZooms;
     int16_t sizeButton = kSizeButtonAll;
+    int16_t backdrop = kBackdropSquares;
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 

@@ -88,7 +88,8 @@ PreparePicture PreparationFor(const PictureView& view) {
     return [rule = ChosenFitRule(), room = view.Room()](const Picture& picture) {
         const SIZE own = SizeOf(picture);
         const SIZE wanted = FittedSize(own, rule, room);
-        return IsExactAsItIs(own, wanted)
+        // What shows through has its place on the screen.
+        return IsExactAsItIs(own, wanted) || picture.HasAlpha()
                    ? Picture()
                    : ResizePicture(picture, wanted.cx, wanted.cy, Handover::kNoFile);
     };
@@ -102,7 +103,7 @@ bool DisplayCurrentPicture(PictureView& view, const Picture& prepared) {
     }
     const SIZE own = SizeOf(current);
     const SIZE wanted = FittedSize(own, ChosenFitRule(), view.Room());
-    if (prepared || IsExactAsItIs(own, wanted) || !HandsOverByFile()) {
+    if (prepared || IsExactAsItIs(own, wanted) || !HandsOverByFile() || current.HasAlpha()) {
         view.SetPicture(current.Another(), prepared);
     } else {
         // The view's own thread can make nothing with such a kernel.

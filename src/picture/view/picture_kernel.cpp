@@ -137,7 +137,8 @@ bool HandsOverByFile() {
     return kernel.IsComplete() && kernel.writeMemoryImage == nullptr;
 }
 
-Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part) {
+Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part,
+                          dib::Backdrop backdrop) {
     return Resize(picture,
                   {.size = sizeof(kernel::ResizeParameters),
                    .width = size.cx,
@@ -146,7 +147,8 @@ Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part) {
                    .left = part.left,
                    .top = part.top,
                    .partWidth = part.right - part.left,
-                   .partHeight = part.bottom - part.top},
+                   .partHeight = part.bottom - part.top,
+                   .overBlack = backdrop == dib::Backdrop::kBlack ? 1u : 0u},
                   Handover::kNoFile);
 }
 

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include "helpers/dib/unpack_row.h"
 #include "picture/picture.h"
 
 namespace tessary {
@@ -25,7 +26,9 @@ Picture ResizePicture(const Picture& picture, int width, int height,
 // Whether its pictures can be had by file only: with an exporter that lacks the entry for memory.
 bool HandsOverByFile();
 
-// The same of a part of the new picture, given in its pixels, in memory and from any thread.
-Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part);
+// The same of a part of the new picture, given in its pixels, in memory and from any thread. Pixels
+// with alpha are laid over the backdrop.
+Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part,
+                          dib::Backdrop backdrop = dib::Backdrop::kWhite);
 
 }  // namespace tessary

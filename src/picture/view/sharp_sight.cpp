@@ -12,6 +12,38 @@ namespace {
 // Between two strips of so many rows the thread asks whether they are still wanted.
 constexpr LONG kStripRows = 360;
 
+bool DrawAll(const Picture& made, const PixelRows& rows) {
+    if (!made) return false;
+    SightPixels(made.Another())
+        .DrawNearest({{made.Width(), made.Height()}, {0, 0, made.Width(), made.Height()}}, rows);
+    return true;
+}
+
+// What shows through is what black and white make a difference to.
+void TakeAlpha(const Picture& overWhite, const PixelRows& overBlack) {
+    const dib::DibView& white = overWhite.View();
+    for (int32_t y = 0; y < white.Height(); ++y) {
+        const uint8_t* bgr = white.Row(y).data();
+        uint32_t* const row = overBlack.Row(y);
+        for (int32_t x = 0; x < white.Width(); ++x, bgr += 3) {
+            const int through = bgr[1] - static_cast<int>(row[x] >> 8 & 255);
+            row[x] = (row[x] & 0xFFFFFF) | static_cast<uint32_t>(std::clamp(255 - through, 0, 255))
+                                               << 24;
+        }
+    }
+}
+
+bool MakeStrip(const SightPixels& pixels, const SightPart& strip, const PixelRows& rows) {
+    const auto made = [&](dib::Backdrop backdrop) {
+        return ResizePicturePart(pixels.Whole(), strip.shown, strip.part, backdrop);
+    };
+    if (!pixels.HasAlpha()) return DrawAll(made(dib::Backdrop::kWhite), rows);
+    const Picture overWhite = made(dib::Backdrop::kWhite);
+    if (!overWhite || !DrawAll(made(dib::Backdrop::kBlack), rows)) return false;
+    TakeAlpha(overWhite, rows);
+    return true;
+}
+
 }  // namespace
 
 SharpSight::~SharpSight() {
@@ -78,12 +110,10 @@ std::shared_ptr<const SharpPart> SharpSight::Make(const Wish& wish, const std::s
     for (LONG top = part.top; top < part.bottom; top += kStripRows) {
         if (ends.stop_requested() || !IsWanted(wish)) return nullptr;
         const RECT strip{part.left, top, part.right, std::min(top + kStripRows, part.bottom)};
-        const Picture made = ResizePicturePart(wish.pixels->Whole(), wish.sight.shown, strip);
-        if (!made) return nullptr;
         const PixelRows rows = whole->Rows();
-        SightPixels(made.Another())
-            .DrawNearest({{made.Width(), made.Height()}, {0, 0, made.Width(), made.Height()}},
-                         {rows.Row(top - part.top), rows.stride});
+        const SightPart sight{wish.sight.shown, strip};
+        if (!MakeStrip(*wish.pixels, sight, {rows.Row(top - part.top), rows.stride}))
+            return nullptr;
     }
     return whole;
 }

@@ -71,6 +71,29 @@ void SightPixels::DrawNearest(const SightPart& sight, const PixelRows& rows) con
     });
 }
 
+void LayOver(const PixelRows& rows, SIZE size, POINT origin, int side,
+             const uint32_t (&colors)[2]) {
+    // Squares are counted from far outside, so that no place is below 0.
+    const auto square = [side](LONG at, LONG begin) {
+        return (at - begin + (1L << 28) / side * side) / side;
+    };
+    const auto over = [](uint32_t pixel, uint32_t color, int shift) {
+        const uint32_t through = 255 - (pixel >> 24);
+        const uint32_t below = ((color >> shift & 255) * through + 127) / 255;
+        return std::min((pixel >> shift & 255) + below, 255u) << shift;
+    };
+    for (LONG y = 0; y < size.cy; ++y) {
+        uint32_t* const row = rows.Row(y);
+        for (LONG x = 0; x < size.cx; ++x) {
+            const uint32_t pixel = row[x];
+            if (pixel >> 24 == 255) continue;
+            const uint32_t color = colors[(square(x, origin.x) + square(y, origin.y)) % 2];
+            row[x] =
+                over(pixel, color, 0) | over(pixel, color, 8) | over(pixel, color, 16) | 0xFF000000;
+        }
+    }
+}
+
 SharpPart::SharpPart(const SightPart& sight)
     : sight_(sight),
       pixels_(std::make_unique_for_overwrite<uint32_t[]>(static_cast<size_t>(sight.Width()) *

@@ -12,7 +12,8 @@
 
 namespace tessary {
 
-// Rows of 32-bit pixels, the top one first: blue in the lowest byte, the highest one is anything.
+// Rows of 32-bit pixels, the top one first: blue in the lowest byte, alpha in the highest one,
+// which the others are multiplied by.
 struct PixelRows {
     uint32_t* first = nullptr;
     size_t stride = 0;  // pixels from one row to the next
@@ -40,6 +41,8 @@ class SightPixels {
     explicit SightPixels(Picture picture);
 
     const Picture& Whole() const { return picture_; }
+    // Whether something shows through.
+    bool HasAlpha() const { return reader_.HasAlpha(); }
 
     // Takes the nearest pixel for each one on the screen. `rows` begin with the part's top left
     // pixel.
@@ -49,6 +52,10 @@ class SightPixels {
     Picture picture_;
     dib::RowReader reader_;
 };
+
+// Lays pixels with alpha over squares of two colours (blue in the lowest byte), `side` pixels wide;
+// `origin` is the place in the rows that the squares begin at.
+void LayOver(const PixelRows& rows, SIZE size, POINT origin, int side, const uint32_t (&colors)[2]);
 
 // A part of a picture as it is shown.
 class SharpPart {

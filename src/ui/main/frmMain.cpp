@@ -76,6 +76,7 @@ void frmMain::RegisterCommands() {
                        {.run = [this] { GoToOtherWindow(); }, .whileLoading = true});
     RegisterStepCommands();
     RegisterViewCommands();
+    RegisterBackdropCommands();
     RegisterFullScreenCommands();
 }
 

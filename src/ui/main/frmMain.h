@@ -238,6 +238,8 @@ class frmMain final : public Form, public PictureView {
     void RegisterViewCommands();
     void RoomChanged();
     void TurnPicture(Turn turn);
+    void RegisterBackdropCommands();
+    void SetBackdrop(int16_t backdrop);
     void ShowScale();
     void pictureView_Wheel(int notches, int shift, POINT at);
     void pictureView_DoubleClick(POINT at);

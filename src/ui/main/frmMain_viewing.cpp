@@ -70,6 +70,28 @@ void frmMain::RegisterViewCommands() {
                         .whileLoading = true});
 }
 
+void frmMain::RegisterBackdropCommands() {
+    for (int16_t backdrop = 0; backdrop <= kLastBackdrop; ++backdrop) {
+        commands_.Register(commandBackdrop_0 + backdrop,
+                           {.run = [this, backdrop] { SetBackdrop(backdrop); },
+                            .checked = [backdrop] { return Values().general.backdrop == backdrop; },
+                            .whileLoading = true});
+    }
+    commands_.Register(commandBackdrop, {.run =
+                                             [this] {
+                                                 const int next = Values().general.backdrop + 1;
+                                                 SetBackdrop(next > kLastBackdrop
+                                                                 ? kBackdropSquares
+                                                                 : static_cast<int16_t>(next));
+                                             },
+                                         .whileLoading = true});
+}
+
+void frmMain::SetBackdrop(int16_t backdrop) {
+    Values().general.backdrop = backdrop;
+    stage_.SetBackdrop(backdrop);
+}
+
 // The turned picture is the current one until another file is shown: so it is saved and copied.
 void frmMain::TurnPicture(Turn turn) {
     if (!CurrentPicture()) return;
@@ -183,6 +205,7 @@ void frmMain::ShowScale() {
 void frmMain::SetPicture(Picture picture, const Picture& prepared) {
     stage_.FollowRule(ChosenFitRule());
     stage_.KeepZoom(Values().general.keepZoom != 0);
+    stage_.SetBackdrop(Values().general.backdrop);
     PutIntoView(std::move(picture), prepared);
 }
 

@@ -4,7 +4,9 @@
 #include <cstring>
 #include <utility>
 
+#include "app/settings/modValue.h"
 #include "picture/color/convert_rows.h"
+#include "ui/form/metrics.h"
 
 namespace tessary {
 namespace {
@@ -23,6 +25,8 @@ std::optional<ScrollKey> ScrollKeyOf(int keyCode) {
             return std::nullopt;
     }
 }
+
+constexpr int kSquare = 8;  // of the chequerboard, in pixels at 96 dpi
 
 bool IsSame(SIZE one, SIZE other) {
     return one.cx == other.cx && one.cy == other.cy;
@@ -77,7 +81,8 @@ void PictureStage::SetPicture(Picture picture, const Picture& prepared) {
     box_.Invalidate();
     Show([&] {
         sight_.SetPicture(size, keepsZoom_ && pixels_ != nullptr);
-        if (prepared && IsSame(sight_.Shown(), {prepared.Width(), prepared.Height()})) {
+        if (prepared && !pixels_->HasAlpha() &&
+            IsSame(sight_.Shown(), {prepared.Width(), prepared.Height()})) {
             const SIZE shown = sight_.Shown();
             sharp_ = SharpPart::Of({shown, {0, 0, shown.cx, shown.cy}}, prepared);
         }
@@ -227,6 +232,7 @@ void PictureStage::Draw() {
     if (IsUsable(sharp_.get())) IntersectRect(&sharp, &seen.part, &sharp_->Sight().part);
     if (IsRectEmpty(&sharp)) {
         DrawNearest(seen, seen.part);
+        LayOverBackdrop(seen);
         return ConvertColors(seen);
     }
     const RECT& all = seen.part;
@@ -242,7 +248,28 @@ void PictureStage::Draw() {
         std::memcpy(surface_.Row(at.y + y) + at.x + sharp.left, sharp_->Row(y - from.y) + from.x,
                     static_cast<size_t>(sharp.right - sharp.left) * sizeof(uint32_t));
     }
+    LayOverBackdrop(seen);
     ConvertColors(seen);
+}
+
+void PictureStage::SetBackdrop(int16_t backdrop) {
+    if (backdrop == backdrop_) return;
+    backdrop_ = backdrop;
+    isDrawn_ = false;
+    box_.Invalidate();
+}
+
+// The squares move with the picture, and keep their size.
+void PictureStage::LayOverBackdrop(const SightPart& seen) {
+    if (!pixels_->HasAlpha()) return;
+    constexpr uint32_t kColors[][2] = {
+        {0xFFFFFF, 0xCCCCCC}, {0xFFFFFF, 0xFFFFFF}, {0, 0}, {0x808080, 0x808080}};
+    const size_t chosen = static_cast<size_t>(std::clamp<int>(backdrop_, 0, kLastBackdrop));
+    const ViewPosition at = sight_.Position();
+    const PixelRows rows{surface_.Row(at.y + seen.part.top) + at.x + seen.part.left,
+                         surface_.Stride()};
+    LayOver(rows, {seen.Width(), seen.Height()}, {-seen.part.left, -seen.part.top},
+            Metrics(box_.Handle()).Scale(kSquare), kColors[chosen]);
 }
 
 std::shared_ptr<const color::Transform> PictureStage::WayToMonitor() {

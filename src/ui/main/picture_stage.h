@@ -57,6 +57,9 @@ class PictureStage {
     void DragTo(POINT at);
     void EndDrag();
 
+    // What is seen through the picture: a kBackdrop….
+    void SetBackdrop(int16_t backdrop);
+
     // The box may be on another monitor now.
     void MonitorMayHaveChanged();
     // So may the monitors' profiles.
@@ -88,6 +91,7 @@ class PictureStage {
     // From the picture's colours to the monitor's; null: as they are.
     std::shared_ptr<const color::Transform> WayToMonitor();
     void ConvertColors(const SightPart& seen);
+    void LayOverBackdrop(const SightPart& seen);
 
     PictureBox& box_;
     Sight sight_;
@@ -99,6 +103,7 @@ class PictureStage {
     MonitorColors colors_;
     ViewSurface surface_;
     std::shared_ptr<const color::Transform> drawnColors_;
+    int16_t backdrop_ = 0;
     bool isDrawn_ = false;
     SharpSight sharpener_{[this] { box_.Nudge(); }};
 };

@@ -11,9 +11,11 @@
 namespace tessary {
 namespace {
 
-const std::set<int> kAlways{menuFileExit,      menuViewControlBar, menuControl_0, menuControl_1,
-                            menuControl_2,     menuControl_3,      menuControl_4, menuControl_5,
-                            commandFullScreen, commandEnlargeSmall};
+const std::set<int> kAlways{menuFileExit,        menuViewControlBar, menuControl_0,
+                            menuControl_1,       menuControl_2,      menuControl_3,
+                            menuControl_4,       menuControl_5,      commandFullScreen,
+                            commandEnlargeSmall, commandBackdrop_0,  commandBackdrop_1,
+                            commandBackdrop_2,   commandBackdrop_3,  commandBackdrop};
 
 class MenuTest : public test::MainWindowTest {
   protected:
@@ -66,7 +68,8 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
         EXPECT_EQ(AliveItems(),
                   (std::set<int>{menuFileExit, menuViewControlBar, menuControl_2, menuControl_5,
                                  commandFullScreen, commandZoomIn, commandZoomOut, commandToggleFit,
-                                 commandEnlargeSmall}));
+                                 commandEnlargeSmall, commandBackdrop_0, commandBackdrop_1,
+                                 commandBackdrop_2, commandBackdrop_3, commandBackdrop}));
         PressControlMenu();
         EXPECT_EQ(controlBar_.pressed, (std::vector<int>{4, 15}));
     }

@@ -5,6 +5,7 @@
 
 #include "app/settings/modValue.h"
 #include "picture/view/picture_kernel.h"
+#include "tests/helpers/dib/test_bitmap.h"
 #include "tests/src/ui/run_until.h"
 #include "tests/src/ui/test_picture.h"
 #include "tests/support/helper_libraries.h"
@@ -163,6 +164,53 @@ TEST_F(PictureStageTest, ShowsTheColoursOfTheMonitor) {
     monitor.reset();
     stage_.ForgetColors();
     ExpectAsItIs("as before");
+}
+
+TEST_F(PictureStageTest, ShowsWhatIsBehindTransparency) {
+    // Red, with an alpha that falls from the left to the right; below all of it is clear.
+    dib::test::TestBitmap bitmap{255, 100, 32, {}};
+    bitmap.compression = 6;
+    bitmap.masks.assign(dib::kMasksAlpha, dib::kMasksAlpha + 4);
+    const Picture picture = Picture::Make(bitmap.Info(), [](std::span<uint8_t> rows) {
+        for (size_t i = 0; i < rows.size(); i += 4) {
+            rows[i] = rows[i + 1] = 0;
+            rows[i + 2] = 200;
+            rows[i + 3] = i / 4 / 255 < 50 ? uint8_t{0} : static_cast<uint8_t>(255 - i / 4 % 255);
+        }
+        return true;
+    });
+    ASSERT_TRUE(picture);
+    const auto expect = [&](double scale, int tolerance, const char* what) {
+        box_.Refresh();
+        const ViewPosition at = stage_.Seen().Position();
+        const HDC context = GetDC(box_.Handle());
+        for (int y = 10; y < 90; y += 7) {
+            for (int x = 10; x < 100; x += 7) {
+                const auto shownX = static_cast<int>(x * scale);
+                const auto shownY = static_cast<int>(y * scale);
+                const int square = (shownX / 8 + shownY / 8) % 2 == 0 ? 255 : 204;
+                const int through = y >= 50 ? 255 : x;
+                const COLORREF seen = GetPixel(context, at.x + shownX, at.y + shownY);
+                EXPECT_NEAR(GetRValue(seen), (200 * (255 - through) + square * through) / 255,
+                            tolerance)
+                    << what << ": " << x << ", " << y;
+                EXPECT_NEAR(GetGValue(seen), square * through / 255, tolerance) << what;
+            }
+        }
+        ReleaseDC(box_.Handle(), context);
+    };
+    stage_.SetPicture(picture.Another(), {});
+    expect(1, 1, "as it is");
+    SetMode(kSizeModeWindow);
+    stage_.SetPicture(picture.Another(), ResizePicture(picture, 200, 78));
+    EXPECT_FALSE(stage_.IsSharp()) << "white stands in what was prepared";
+    ASSERT_TRUE(WaitUntilSharp());
+    expect(200.0 / 255, 4, "sharp");
+    stage_.SetBackdrop(kBackdropBlack);
+    box_.Refresh();
+    const HDC context = GetDC(box_.Handle());
+    EXPECT_EQ(GetPixel(context, 100, 110), RGB(0, 0, 0));
+    ReleaseDC(box_.Handle(), context);
 }
 
 TEST_F(PictureStageTest, ScrollBarsTakeAndLeadTheirWay) {
