@@ -8,7 +8,6 @@
 #include "picture/current_picture.h"
 #include "picture/read/natural_order.h"
 #include "picture/show/read_to_show.h"
-#include "picture/view/fit.h"
 #include "picture/view/picture_kernel.h"
 #include "picture/view/sight_pixels.h"
 #include "plugin/modSusie.h"
@@ -18,6 +17,12 @@ namespace {
 
 SIZE SizeOf(const Picture& picture) {
     return {picture.Width(), picture.Height()};
+}
+
+// Of such a size the view makes the part that is seen; all of it could be as long as a scroll.
+bool IsFarLarger(SIZE wanted, SIZE screen) {
+    constexpr int64_t kScreens = 4;
+    return int64_t{wanted.cx} * wanted.cy > kScreens * screen.cx * screen.cy;
 }
 
 constexpr wchar_t kNoPluginText[] = L"対応しているプラグインがありません。";
@@ -87,9 +92,10 @@ void ShowReasonFor(PictureView& view, const std::wstring& reason) {
 PreparePicture PreparationFor(const PictureView& view) {
     return [rule = ChosenFitRule(), room = view.Room()](const Picture& picture) {
         const SIZE own = SizeOf(picture);
-        const SIZE wanted = FittedSize(own, rule, room);
+        const SIZE wanted = SizeInRoom(own, rule, room);
         // What shows through has its place on the screen.
-        return IsExactAsItIs(own, wanted) || picture.HasAlpha()
+        return IsExactAsItIs(own, wanted) || picture.HasAlpha() ||
+                       IsFarLarger(wanted, room.workArea)
                    ? Picture()
                    : ResizePicture(picture, wanted.cx, wanted.cy, Handover::kNoFile);
     };
@@ -102,7 +108,7 @@ bool DisplayCurrentPicture(PictureView& view, const Picture& prepared) {
         return true;
     }
     const SIZE own = SizeOf(current);
-    const SIZE wanted = FittedSize(own, ChosenFitRule(), view.Room());
+    const SIZE wanted = SizeInRoom(own, ChosenFitRule(), view.Room());
     if (prepared || IsExactAsItIs(own, wanted) || !HandsOverByFile() || current.HasAlpha()) {
         view.SetPicture(current.Another(), prepared);
     } else {

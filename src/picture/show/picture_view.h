@@ -4,7 +4,7 @@
 #include <string>
 
 #include "picture/picture.h"
-#include "picture/view/fit.h"
+#include "picture/view/sight.h"
 #include "plugin/waited_call.h"
 
 namespace tessary {
@@ -17,9 +17,9 @@ constexpr int kNoticePanel = 4;  // there only when there is something to tell
 
 class PictureView {
   public:
-    // The view's own size, and the work area of the screen that it is on: the screen without
-    // taskbars, on the full screen all of it.
-    virtual FitRoom Room() const = 0;
+    // The view's own size, its scroll bars', and the work area of the screen that it is on: the
+    // screen without taskbars, on the full screen all of it.
+    virtual SightRoom Room() const = 0;
 
     // Puts a picture, which is not empty, into the view in place of the one before it, in the size
     // that the user has chosen. `prepared`: the picture in that size, if it was made already.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <system_error>
 #include <utility>
 
 #include "picture/view/picture_kernel.h"
@@ -56,9 +57,13 @@ void SharpSight::Ask(Pixels pixels, const SightPart& sight) {
         making_ != pixels || makingSize_.cx != sight.shown.cx || makingSize_.cy != sight.shown.cy;
     if (isOther) making_ = nullptr;
     wish_ = Wish{std::move(pixels), sight};
-    if (!thread_.joinable())
-        thread_ = std::jthread([this](const std::stop_token& ends) { Run(ends); });
     asked_.notify_one();
+    if (thread_.joinable()) return;
+    try {
+        thread_ = std::jthread([this](const std::stop_token& ends) { Run(ends); });
+    } catch (const std::system_error&) {
+        // No thread to be had: it stays as it is on the screen until the next wish.
+    }
 }
 
 void SharpSight::Forget() {

@@ -20,6 +20,13 @@ double StoppedAt(double stop, double from, double to) {
     return isBetween ? stop : to;
 }
 
+// By its longer side: the other one may be held at a single pixel.
+double ScaleOf(SIZE picture, SIZE shown) {
+    const bool isWide = picture.cx >= picture.cy;
+    const LONG length = isWide ? picture.cx : picture.cy;
+    return length > 0 ? static_cast<double>(isWide ? shown.cx : shown.cy) / length : 1;
+}
+
 bool IsAbout(double one, double other) {
     return std::abs(one - other) < 0.0005 * other;
 }
@@ -65,7 +72,9 @@ void Sight::SetRule(const FitRule& rule) {
 
 void Sight::ZoomTo(double scale, POINT anchor) {
     Anchored(anchor, [&] {
-        zoom_ = std::clamp(scale, std::min(kLeastScale, FitScale()), kMostScale);
+        // What its mode shows larger than that is not made smaller by zooming in.
+        zoom_ = std::clamp(scale, std::min(kLeastScale, FitScale()),
+                           std::max({kMostScale, FitScale(), Scale()}));
         fitsView_ = false;
     });
 }
@@ -105,15 +114,12 @@ void Sight::MoveTo(ViewPosition position) {
 }
 
 double Sight::Scale() const {
-    if (zoom_) return *zoom_;
-    return picture_.cx > 0 ? static_cast<double>(shown_.cx) / static_cast<double>(picture_.cx) : 1;
+    return zoom_ ? *zoom_ : ScaleOf(picture_, shown_);
 }
 
 // The whole picture in the area without scroll bars, enlarged too.
 double Sight::FitScale() const {
-    if (picture_.cx <= 0) return 1;
-    const SIZE fitted = FitIntoBox(picture_, room_.whole);
-    return static_cast<double>(fitted.cx) / static_cast<double>(picture_.cx);
+    return ScaleOf(picture_, FitIntoBox(picture_, room_.whole));
 }
 
 SIZE Sight::ShownIn(SIZE area) const {
@@ -151,6 +157,14 @@ void Sight::LayOut() {
         hasBarBeside_ = hasBarBeside_ || (room_.bars.cx > 0 && shown_.cy > area_.cy);
     }
     MoveTo(position_);
+}
+
+SIZE SizeInRoom(SIZE picture, const FitRule& rule, const SightRoom& room) {
+    Sight sight;
+    sight.SetRule(rule);
+    sight.SetRoom(room);
+    sight.SetPicture(picture, false);
+    return sight.Shown();
 }
 
 }  // namespace tessary

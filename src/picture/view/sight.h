@@ -11,7 +11,7 @@
 namespace tessary {
 
 // The least and the largest scale that the user can zoom to. What fits into the view by less than
-// the least one may be seen so too.
+// the least one, or by more than the largest one, may be seen so too.
 constexpr double kLeastScale = 0.05;
 constexpr double kMostScale = 16;
 
@@ -79,5 +79,9 @@ class Sight {
     bool hasBarBeside_ = false;
     ViewPosition position_;
 };
+
+// The size that a picture is shown in by a rule before anybody zooms, beside the scroll bars that
+// it needs.
+SIZE SizeInRoom(SIZE picture, const FitRule& rule, const SightRoom& room);
 
 }  // namespace tessary

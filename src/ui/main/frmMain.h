@@ -156,7 +156,7 @@ class frmMain final : public Form, public PictureView {
     const StatusBar& statusInformation() const { return statusInformation_; }
 
     // PictureView
-    FitRoom Room() const override;
+    SightRoom Room() const override;
     void SetPicture(Picture picture, const Picture& prepared) override;
     void ClearPicture() override;
     void ShowReason(const std::wstring& reason) override;

@@ -186,7 +186,7 @@ void frmMain::RoomChanged() {
     ShowScale();
 }
 
-FitRoom frmMain::Room() const {
+SightRoom frmMain::Room() const {
     return stage_.Room();
 }
 

@@ -35,8 +35,7 @@ class PictureStage {
     void FollowRule(const FitRule& rule);
     // The box or the screen have another size. `bars`: whether there are to be scroll bars.
     void RoomChanged(SIZE workArea, bool bars);
-    // The room as it is now, without scroll bars.
-    FitRoom Room() const { return {room_.whole, room_.workArea}; }
+    const SightRoom& Room() const { return room_; }
 
     void ZoomBySteps(int steps, std::optional<POINT> anchor);
     void ZoomBy(double factor, POINT anchor);

@@ -38,13 +38,13 @@ bool SavePlainly(const Picture& picture, const std::wstring& fileName) {
 
 // The current picture in the size of a fixed mode, else its own, but no larger than the screen; as
 // the screen shows it.
-Picture DesktopPicture(const FitRoom& room) {
+Picture DesktopPicture(const SightRoom& room) {
     const Picture& current = CurrentPicture();
     if (!current) return {};
     const SIZE own{current.Width(), current.Height()};
     FitRule rule = ChosenFitRule();
     if (rule.sizeMode > kSizeModeScreen) rule = {.sizeMode = kSizeModeScreen};
-    const SIZE wanted = FittedSize(own, rule, room);
+    const SIZE wanted = FittedSize(own, rule, {room.whole, room.workArea});
     const Picture resized = IsExactAsItIs(own, wanted)
                                 ? current.Another()
                                 : ResizePicture(current, wanted.cx, wanted.cy);

@@ -11,7 +11,6 @@
 #include "picture/read/natural_order.h"
 #include "picture/read/source_file.h"
 #include "picture/show/picture_text.h"
-#include "picture/view/fit.h"
 #include "picture/view/picture_kernel.h"
 #include "plugin/modSusie.h"
 #include "tests/helpers/dib/test_bitmap.h"
@@ -29,9 +28,9 @@ namespace {
 // Remembers what it was told to show.
 class FakeView : public PictureView {
   public:
-    FitRoom Room() const override { return {{300, 200}, {1200, 900}}; }
+    SightRoom Room() const override { return {{300, 200}, {17, 17}, {1200, 900}}; }
     void SetPicture(Picture picture, const Picture&) override {
-        const SIZE size = FittedSize({picture.Width(), picture.Height()}, ChosenFitRule(), Room());
+        const SIZE size = SizeInRoom({picture.Width(), picture.Height()}, ChosenFitRule(), Room());
         shown = std::to_wstring(size.cx) + L"×" + std::to_wstring(size.cy);
     }
     void ClearPicture() override { ShowReason({}); }
@@ -147,6 +146,18 @@ TEST_F(ShowTest, ABitmapNeedsNoPluginAndKeepsItsOwnSize) {
     EXPECT_TRUE(DisplayCurrentPicture(view_));
     EXPECT_EQ(view_.shown, L"640×320");
     EXPECT_EQ(CurrentPicture().Width(), 20);
+}
+
+TEST_F(ShowTest, PreparesPicturesInTheSizeBesideTheBarsUnlessNobodySeesMostOfThem) {
+    Values().fixSizeValue = kSizeModeWidth;
+    for (const int height : {2000, 20000}) {
+        Picture picture;
+        ASSERT_TRUE(ReadBitmapFile(
+            files_.Write(L"a.bmp", test::BitmapFileOf(320, height, RGB(1, 2, 3))), picture));
+        const Picture prepared = PreparationFor(view_)(picture);
+        ASSERT_EQ(static_cast<bool>(prepared), height == 2000);
+        EXPECT_TRUE(!prepared || prepared.Width() == 300 - 17);
+    }
 }
 
 TEST_F(ShowTest, FilesInACloudAreJudgedByTheirNamesAndFetchedOnlyToBeShown) {

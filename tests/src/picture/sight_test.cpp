@@ -158,6 +158,21 @@ TEST_F(SightTest, StepsStopAtFitAndOwnSizeWithinTheLimits) {
     EXPECT_EQ(sight_.Shown().cx, 600);
 }
 
+TEST_F(SightTest, ZoomsWhatIsOnePixelWideOrEnlargedFar) {
+    sight_.SetPicture({1, 30000}, false);
+    EXPECT_EQ(Percent(), 2) << "it tells what the long side is";
+    sight_.ZoomBySteps(-1, {});
+    EXPECT_EQ(sight_.Shown().cy, 500);
+    sight_.ZoomBySteps(1, {});
+    EXPECT_EQ(sight_.Shown().cy, 625);
+    sight_.SetRule({kSizeModeWindow, true});
+    sight_.SetPicture({1, 1}, false);
+    for (const auto& [steps, shown] : {std::pair(1, 500), {-1, 400}, {2, 500}}) {
+        sight_.ZoomBySteps(steps, {});
+        EXPECT_EQ(sight_.Shown().cx, shown);
+    }
+}
+
 TEST_F(SightTest, TogglesBetweenOwnSizeAndTheWhole) {
     sight_.ToggleFit({450, 250});
     EXPECT_EQ(Percent(), 100);

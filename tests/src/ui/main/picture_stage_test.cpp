@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <exception>
+#include <vector>
+
 #include "app/settings/modValue.h"
 #include "picture/view/picture_kernel.h"
 #include "tests/helpers/dib/test_bitmap.h"
@@ -138,6 +141,45 @@ TEST_F(PictureStageTest, MakesSharpWhatIsSeenAndFollowsTheWindow) {
     stage_.SetPicture(picture.Another(), ResizePicture(picture, 78, 75));
     EXPECT_FALSE(stage_.IsSharp());
     ExpectSharp(picture, "prepared in another size");
+}
+
+// Takes all blocks of the address space that a thread's stack would fit into.
+class NoRoomForThreads {
+  public:
+    NoRoomForThreads() {
+        for (size_t size = size_t{256} << 20; size >= size_t{1} << 20; size /= 2) {
+            while (void* block = VirtualAlloc(nullptr, size, MEM_RESERVE, PAGE_NOACCESS))
+                blocks_.push_back(block);
+        }
+    }
+    NoRoomForThreads(const NoRoomForThreads&) = delete;
+    NoRoomForThreads& operator=(const NoRoomForThreads&) = delete;
+    ~NoRoomForThreads() {
+        for (void* block : blocks_)
+            VirtualFree(block, 0, MEM_RELEASE);
+    }
+
+  private:
+    std::vector<void*> blocks_ = [] {
+        std::vector<void*> blocks;
+        blocks.reserve(8192);
+        return blocks;
+    }();
+};
+
+TEST_F(PictureStageTest, StaysAsItComesWhileThereIsNoThreadToBeHad) {
+    const Picture picture = test::TestPicture(250, 240);
+    SetMode(kSizeModeWindow);
+    bool goesOn = false;
+    try {
+        const NoRoomForThreads full;  // nor for those that a failed expectation begins
+        stage_.SetPicture(picture.Another(), {});
+        goesOn = !stage_.IsSharp();
+    } catch (const std::exception&) {
+    }
+    EXPECT_TRUE(goesOn);
+    stage_.ZoomBy(1.25, {});
+    ExpectSharp(picture, "later");
 }
 
 TEST_F(PictureStageTest, ShowsTheColoursOfTheMonitor) {
