@@ -42,15 +42,17 @@ HostProcess* HostPool::For(const std::wstring& plugin) {
     EndSuperfluous(key);
     Slot& slot = slots_[key];
     slot.usedAt = GetTickCount64();
-    if (slot.host != nullptr && slot.host->IsAlive() && !slot.host->IsWorn()) {
+    if (slot.host != nullptr && slot.host->IsAlive() && !slot.host->IsWorn() &&
+        !slot.host->IsReplaced(plugin)) {
         return slot.host.get();
     }
     if (slot.usedAt < retryAt_) return nullptr;
     if (slot.host != nullptr) {
         // Of a worn one the crash was told. Another one has ended while nothing was asked of it: a
         // thread may have.
+        const bool isBlameless = slot.host->IsWorn() || slot.host->IsAlive();
         const std::optional<PluginEnd> end =
-            slot.host->IsWorn() ? std::nullopt : slot.host->TakeBlame(HostEnd::kDied, {});
+            isBlameless ? std::nullopt : slot.host->TakeBlame(HostEnd::kDied, {});
         slot.host.reset();
         if (end) Tell(*end);
     }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/base/error.h"
+#include "app/base/paths.h"
 #include "app/base/text.h"
 #include "host/hidden_desktop.h"
 #include "host/host_patience.h"
@@ -20,6 +21,8 @@ constexpr DWORD kLastMoment = 300;    // between the end of a process's first th
 constexpr DWORD kBeat = 40;           // between two looks at whether to go on
 // In one piece: what memory a host has is looked at, and windows are not to seem hung.
 constexpr DWORD kLongestWait = 250;
+
+constexpr ULONGLONG kBetweenLooks = 300;  // at a plug-in's file, in milliseconds
 
 // Exit codes from here on are those of exceptions that nobody has handled.
 constexpr DWORD kLeastException = 0x80000000;
@@ -52,6 +55,13 @@ class InheritedHandles {
     std::vector<uint8_t> memory_;
     bool isGood_ = false;
 };
+
+// Whether nobody has a file open to write it.
+bool IsWritten(const std::wstring& path) {
+    return static_cast<bool>(UniqueFile(CreateFileW(ExtendedPath(path).c_str(), GENERIC_READ,
+                                                    FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                                    OPEN_EXISTING, 0, nullptr)));
+}
 
 // A handle of this process that a child inherits: to wait for its end, and for nothing else.
 UniqueProcess OwnHandle() {
@@ -169,6 +179,15 @@ HostProcess::~HostProcess() {
     if (WaitForSingleObject(process_.Get(), kEndLimit) == WAIT_TIMEOUT) End();
 }
 
+bool HostProcess::IsReplaced(const std::wstring& plugin) {
+    const auto found = files_.find(ToUpper(plugin));
+    const ULONGLONG now = GetTickCount64();
+    if (found == files_.end() || now - found->second.at < kBetweenLooks) return false;
+    found->second.at = now;
+    const std::optional<FileStamp> stamp = StampOf(plugin);
+    return stamp && stamp != found->second.stamp && IsWritten(plugin);
+}
+
 // Without its first thread it is nobody's host any more, whatever the others do.
 bool HostProcess::IsAlive() const {
     return !isEnded_ && WaitForSingleObject(process_.Get(), 0) == WAIT_TIMEOUT &&
@@ -234,7 +253,9 @@ HostEnd HostProcess::Call(HostRequest request, DWORD limit, const SusieProgress&
     if (!IsAlive()) return Ended(HostEnd::kDied);
     const HostedCall call(Id(), request.plugin);
     request.returned = sections_->TakeReturned();
-    if (!request.plugin.empty()) served_.insert(ToUpper(request.plugin));
+    if (!request.plugin.empty() && served_.insert(ToUpper(request.plugin)).second) {
+        files_[ToUpper(request.plugin)] = {StampOf(request.plugin), GetTickCount64()};
+    }
     channel_.PutProgress(0, 0);  // of this call nothing is known
     channel_.SetStartingUp(false);
     if (!channel_.Put(ChannelSignal::kRequest, BytesOf(request))) return HostEnd::kRefused;

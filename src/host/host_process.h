@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -17,6 +18,7 @@
 #include "host/host_messages.h"
 #include "host/host_sections.h"
 #include "host/lent_bytes.h"
+#include "plugin/file_stamp.h"
 #include "plugin/plugin_connection.h"
 #include "plugin/plugin_ends.h"
 #include "plugin/waited_call.h"
@@ -78,6 +80,11 @@ class HostProcess {
     // Whether it should be replaced: it has said so, or has kept too much memory.
     bool IsWorn() const { return isWorn_ || isLittered_; }
 
+    // Whether the plug-in's file is another one now than when it was first asked for something
+    // here. The file is looked at from time to time only; one that is away, or that somebody still
+    // writes, is none yet.
+    bool IsReplaced(const std::wstring& plugin);
+
     // Has a request carried out, and waits for the reply. `limit`: without a sign of life, in
     // milliseconds; INFINITE: the user is waited for. Whoever watches is asked every moment, where
     // nobody does `progress`, whether the plug-in asks or not; a plug-in that goes on though it was
@@ -128,7 +135,12 @@ class HostProcess {
     bool isEnded_ = false;
     std::shared_ptr<HostSections> sections_ = std::make_shared<HostSections>();
     std::set<std::wstring> served_;  // plug-ins that were asked for something, in upper case
-    WireSection lent_;               // what the host got last
+    struct LookAtFile {
+        std::optional<FileStamp> stamp{};
+        ULONGLONG at = 0;  // in ticks
+    };
+    std::map<std::wstring, LookAtFile> files_;  // of those, the same; the stamp is the first look's
+    WireSection lent_;                          // what the host got last
     bool isWorn_ = false;
     bool isLittered_ = false;
 };

@@ -88,7 +88,7 @@ std::unique_ptr<clsSusie> CollectionSusie::MakeMember() {
 std::vector<KnownPlugin> CollectionSusie::Known() const {
     std::vector<KnownPlugin> known;
     for (const auto& member : order_.members)
-        known.push_back({member->DllName(), member->Traits()});
+        known.push_back({member->DllName(), member->Traits(), StampOf(member->DllName())});
     return known;
 }
 

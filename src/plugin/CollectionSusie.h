@@ -28,6 +28,7 @@ namespace tessary {
 struct KnownPlugin {
     std::wstring path;
     PluginTraits traits;
+    std::optional<FileStamp> stamp;  // of the file, when this was asked for
 
     bool operator==(const KnownPlugin&) const = default;
 };

@@ -240,6 +240,33 @@ TEST_F(HostTest, ARememberedPluginNeedsNoHostBeforeItIsUsed) {
     SetPluginConnector({});
 }
 
+// The one that is loaded can be renamed, and another one put in its place.
+TEST_F(HostTest, APluginThatWasReplacedIsUsedAnewOnceItIsWritten) {
+    const auto path = Plugin(L"iftst.spi");
+    HostConnection plugin(path, pool_);
+    plugin.Load();
+    EXPECT_TRUE(plugin.Decode(Picture(), DecodeKind::kFull, {}).picture);
+    const DWORD former = pool_.For(path)->Id();
+    const std::wstring other = Plugin(L"axtsa.spi", {}, NewName(L".spi"));
+    const auto style = [&] {
+        Sleep(400);  // it is looked at from time to time only
+        return plugin.Describe().style;
+    };
+    EXPECT_EQ(style(), kStylePicture);
+    EXPECT_EQ(pool_.For(path)->Id(), former);
+    ASSERT_TRUE(MoveFileW(path.c_str(), (path + L".old").c_str()));
+    EXPECT_EQ(style(), kStylePicture) << "there is no other";
+    ASSERT_TRUE(MoveFileW(other.c_str(), path.c_str()));
+    {
+        const UniqueFile writer(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                            OPEN_EXISTING, 0, nullptr));
+        EXPECT_EQ(style(), kStylePicture) << "it may not be whole";
+    }
+    EXPECT_EQ(style(), kStyleArchive);
+    EXPECT_NE(pool_.For(path)->Id(), former);
+    EXPECT_EQ(Errors(path), 0);
+}
+
 TEST_F(HostTest, KilledFromOutsideAtAnyMomentItIsReplaced) {
     const auto path = Plugin(L"iftst.spi", "early:slow:GetPicture");
     HostConnection plugin(path, pool_);

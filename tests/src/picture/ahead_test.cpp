@@ -74,6 +74,18 @@ TEST_F(AheadTest, WhatIsPlannedIsThereUntilItsFileChanges) {
     EXPECT_FALSE(Taken({kept}));
 }
 
+TEST_F(AheadTest, WhatAPluginHasReadIsNotShownOnceItWasReplaced) {
+    const std::wstring picture = PictureFile();
+    Plan({{picture}});
+    ASSERT_TRUE(IsRead({picture}));
+    Plan({});
+    EXPECT_TRUE(Taken({picture}));
+    ASSERT_TRUE(MoveFileW(plugin_.c_str(), (plugin_ + L".old").c_str()));
+    folder_.Write(FileNameOf(plugin_), "another");
+    Plan({});
+    EXPECT_FALSE(Taken({picture}));
+}
+
 TEST_F(AheadTest, OfAnArchiveThePageComesThatItOpensWith) {
     const std::wstring archive = folder_.Write(
         L"book.tsa", test::ArchiveOf({{"10.tst", "TST 10x1x24\n\n"}, {"2.tst", "TST 2x1x24\n\n"}}));
