@@ -4,7 +4,6 @@
 #include "plugins/axtessarc/member_name.h"
 #include "tests/plugins_bundled/loaded_plugin.h"
 #include "tests/plugins_bundled/opened_archive.h"
-#include "tests/support/temporary_folder.h"
 
 namespace tessary::spi::test {
 namespace {
@@ -29,12 +28,6 @@ struct Source {
 
 class AxtArc : public testing::Test {
   protected:
-    std::string Write(const Bytes& bytes, const std::wstring& name = L"archive") const {
-        const std::wstring path =
-            folder.Write(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-        return {path.begin(), path.end()};
-    }
-
     // The records up to the end record; the block has no room for more.
     std::vector<susie::FileInfo> List(const Source& source, int expected = susie::kSuccess) const {
         HLOCAL block = nullptr;
@@ -78,16 +71,10 @@ class AxtArc : public testing::Test {
 };
 
 TEST_F(AxtArc, IntroducesItselfAndTellsItsFiles) {
-    char text[256];
-    plugin.getPluginInfo(0, text, sizeof text);
-    EXPECT_STREQ(text, "00AM");
-    int number = 2;
-    for (; plugin.getPluginInfo(number, text, sizeof text) > 0; ++number)
-        EXPECT_EQ(number % 2 == 0, std::string(text).starts_with("*.")) << text;
-    EXPECT_EQ(number, 16);
+    EXPECT_EQ(plugin.CountTexts("00AM"), 16);
 
     Bytes bytes = Archive("tar-gz-two");
-    const std::string path = Write(bytes);
+    const std::string path = Written(folder, bytes);
     EXPECT_EQ(plugin.isSupported(path.c_str(), nullptr), 1);
     bytes.resize(susie::kHeaderBlockSize);
     EXPECT_EQ(plugin.isSupported(nullptr, bytes.data()), 1);
@@ -167,7 +154,7 @@ TEST_F(AxtArc, ListsShiftJisNamesOfEveryFormatWhole) {
 }
 
 TEST_F(AxtArc, ExtractsToMemoryAndToFolders) {
-    const std::string path = Write(Archive("7z-large.gz"));
+    const std::string path = Written(folder, Archive("7z-large.gz"));
     const Source source(path);
     ASSERT_EQ(List(source).size(), std::size(kLarge));
     for (const size_t i : {3, 0, 2, 1})
@@ -212,11 +199,12 @@ TEST_F(AxtArc, TellsWhatIsMissing) {
     EXPECT_EQ(condition(), susie::kConditionDirectoryEncrypted);
     // Of the last file of a set nothing shows before its end what it is.
     const Bytes zip = Archive("zip-two");
-    const std::string set = Write(With(With(zip, zip.size() - 18, 2), 0, 'x'), L"set.zip");
+    const std::string set =
+        Written(folder, With(With(zip, zip.size() - 18, 2), 0, 'x'), L"set.zip");
     EXPECT_EQ(plugin.isSupported(set.c_str(), nullptr), 1);
     EXPECT_EQ(List(Source(set)).size(), 2u);
     EXPECT_EQ(condition(), susie::kConditionVolumeMissing);
-    const std::string piece = Write(Bytes(3000, 'x'), L"set.7z.002");
+    const std::string piece = Written(folder, Bytes(3000, 'x'), L"set.7z.002");
     EXPECT_EQ(plugin.isSupported(piece.c_str(), nullptr), 1);
     List(Source(piece), susie::kUnknownFormat);
     EXPECT_EQ(condition(), susie::kConditionVolumeMissing);
@@ -226,10 +214,10 @@ TEST_F(AxtArc, KeepsNothingOpenAndNoticesOtherData) {
     const Bytes first = Archive("tar-three-letters.gz");  // "one" and "two"
     const Bytes second =
         Damaged(Damaged(first, Find(first, "one"), 0x20), Find(first, "two"), 0x20);
-    const std::string path = Write(first);
+    const std::string path = Written(folder, first);
     List(Source(path));
     EXPECT_EQ(Content(Source(path), 0), "one");
-    const std::string other = Write(second, L"other");
+    const std::string other = Written(folder, second, L"other");
     EXPECT_TRUE(MoveFileExA(other.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING));
     EXPECT_EQ(Content(Source(path), 1), "Two");
     EXPECT_TRUE(DeleteFileA(path.c_str()));
@@ -261,7 +249,7 @@ TEST_F(AxtArc, KeepsNothingOpenAndNoticesOtherData) {
     // An archive within a file keeps its place for GetFile.
     Bytes behind(128);
     behind.insert(behind.end(), second.begin(), second.end());
-    const std::string inner = Write(behind);
+    const std::string inner = Written(folder, behind);
     HLOCAL list = nullptr;
     EXPECT_EQ(plugin.getArchiveInfo(inner.c_str(), 128, 0, &list), susie::kSuccess);
     LocalFree(list);

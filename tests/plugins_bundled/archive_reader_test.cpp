@@ -165,37 +165,25 @@ class WatchedSource final : public dib::ByteSource {
 
 TEST(StreamArchive, GoesOnFromWhereItIsWhenSteppingForward) {
     for (const char* name : {"7z-large.gz", "tar-gz-large.gz", "tar-xz-large.gz", "rar-large.gz"}) {
-        const Bytes bytes = Archive(name);
-        WatchedSource source(bytes);
-        std::unique_ptr<ArchiveReader> reader;
-        codec::Remark remark;
-        ASSERT_EQ(OpenArchive(source, "", reader, remark), Result::kSuccess);
-        source.count = 0;
-        codec::Progress nobody;
-        for (size_t i = 0; i < std::size(kLarge); ++i) {
-            TextSink sink;
-            EXPECT_EQ(reader->Extract(i, sink, nobody), Result::kSuccess);
-            EXPECT_TRUE(sink.text == kLarge[i].Content());
-        }
-        EXPECT_LT(source.count, bytes.size() * 3 / 2) << name;
+        OpenedFrom<WatchedSource> archive(Archive(name));
+        ASSERT_EQ(archive.result, Result::kSuccess);
+        archive.source.count = 0;
+        for (size_t i = 0; i < std::size(kLarge); ++i)
+            EXPECT_TRUE(archive.Content(i) == kLarge[i].Content());
+        EXPECT_LT(archive.source.count, archive.bytes.size() * 3 / 2) << name;
     }
 }
 
 TEST(StreamArchive, TakesNoOldFailureForAWantOfMemory) {
     for (const std::string& format : kFormats) {
         if (format.starts_with("lzh")) continue;
-        const Bytes bytes = Archive(format + "-names");
-        const Opened usual(bytes);
-        WatchedSource source(bytes);
-        std::unique_ptr<ArchiveReader> reader;
-        codec::Remark remark;
-        ASSERT_EQ(OpenArchive(source, "", reader, remark), usual.result) << format;
-        ASSERT_EQ(reader->Members().size(), usual.Count()) << format;
+        const Opened usual(Archive(format + "-names"));
+        OpenedFrom<WatchedSource> archive(usual.bytes);
+        ASSERT_EQ(archive.result, usual.result) << format;
+        ASSERT_EQ(archive.Count(), usual.Count()) << format;
         for (size_t i = 0; i < usual.Count(); ++i) {
-            EXPECT_EQ(reader->Members()[i].name, usual.At(i).name) << format;
-            TextSink sink;
-            codec::Progress nobody;
-            EXPECT_EQ(reader->Extract(i, sink, nobody), Result::kSuccess) << format;
+            EXPECT_EQ(archive.At(i).name, usual.At(i).name) << format;
+            archive.Content(i);
         }
     }
 }

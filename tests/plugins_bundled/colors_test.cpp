@@ -13,7 +13,6 @@
 #include "plugins/iftesspng/png_decoder.h"
 #include "tests/plugins_bundled/decoded_picture.h"
 #include "tests/plugins_bundled/strange_profiles.h"
-#include "tests/support/seeds.h"
 
 namespace tessary::codec::test {
 namespace {
@@ -55,20 +54,11 @@ Rgb FromAdobe(const Rgb& rgb) {
     return result;
 }
 
-Rgb Linear(const Rgb& rgb) {
-    return {SrgbOf(rgb[0]), SrgbOf(rgb[1]), SrgbOf(rgb[2])};
-}
-
-// What `Swapped` means.
-Rgb Exchanged(const Rgb& rgb) {
-    return {rgb[2], rgb[1], rgb[0]};
-}
-
-Rgb AsTheyAre(const Rgb& rgb) {
-    return rgb;
-}
-
 using Meaning = std::function<Rgb(const Rgb&)>;
+
+const Meaning Linear = [](auto& s) { return Rgb{SrgbOf(s[0]), SrgbOf(s[1]), SrgbOf(s[2])}; };
+const Meaning Exchanged = [](auto& s) { return Rgb{s[2], s[1], s[0]}; };  // as `Swapped` means it
+const Meaning AsTheyAre = [](auto& s) { return s; };
 
 // With zeros behind it, which count as part of it.
 Bytes Padded(Bytes icc, size_t size) {
@@ -99,14 +89,13 @@ Bytes Jpeg(int channels, const Bytes& icc, const Bytes& exif = {}, bool inverted
     jpeg_start_compress(&jpeg, TRUE);
     if (!exif.empty()) jpeg_write_marker(&jpeg, JPEG_APP0 + 1, exif.data(), exif.size());
     if (!icc.empty()) jpeg_write_icc_profile(&jpeg, icc.data(), icc.size());
-    Bytes row(kWidth * static_cast<size_t>(channels));
     for (uint32_t y = 0; y < kHeight; ++y) {
-        for (size_t i = 0; i < row.size(); ++i) {
-            const auto x = static_cast<uint32_t>(i / static_cast<size_t>(channels));
-            const auto channel = static_cast<unsigned>(i % static_cast<size_t>(channels));
-            int sample = channel == 3 ? 255 : Sample(x, y, channels == 1 ? 1 : channel);
-            if (channels == 4 && !inverted) sample = 255 - sample;
-            row[i] = static_cast<uint8_t>(sample);
+        Bytes row;
+        for (uint32_t i = 0; i < kWidth * static_cast<uint32_t>(channels); ++i) {
+            const uint32_t x = i / static_cast<uint32_t>(channels),
+                           channel = i % static_cast<uint32_t>(channels);
+            const int sample = channel == 3 ? 255 : Sample(x, y, channels == 1 ? 1 : channel);
+            row.push_back(static_cast<uint8_t>(channels == 4 && !inverted ? 255 - sample : sample));
         }
         JSAMPROW start = row.data();
         jpeg_write_scanlines(&jpeg, &start, 1);
@@ -226,10 +215,29 @@ const PngKind kPngKinds[] = {
     {PNG_COLOR_TYPE_PALETTE, 8, false},    {PNG_COLOR_TYPE_PALETTE, 8, true},
 };
 
-using AddChunks = std::function<void(png_structp png, png_infop info)>;
+using Chunk = std::pair<std::string_view, Bytes>;  // any bytes: libpng writes only what it likes
+using Chunks = std::vector<Chunk>;
+
+// Each number four bytes, the highest first.
+Bytes Numbers(std::initializer_list<uint64_t> numbers) {
+    Bytes bytes;
+    for (const uint64_t number : numbers)
+        for (const int shift : {24, 16, 8, 0})
+            bytes.push_back(static_cast<uint8_t>(number >> shift));
+    return bytes;
+}
+
+Bytes WithChunk(Bytes file, size_t at, const Chunk& chunk) {
+    Bytes named(chunk.first.begin(), chunk.first.end());
+    named.insert(named.end(), chunk.second.begin(), chunk.second.end());
+    const Bytes sum = Numbers({crc32(0, named.data(), static_cast<uInt>(named.size()))});
+    for (const Bytes& part : {sum, named, Numbers({chunk.second.size()})})
+        file.insert(file.begin() + static_cast<ptrdiff_t>(at), part.begin(), part.end());
+    return file;
+}
 
 // The tiles; with alpha all opaque. Of 16 bits the low byte is the same as the high one, or `low`.
-Bytes Png(const PngKind& kind, const AddChunks& addChunks, int low = -1) {
+Bytes Png(const PngKind& kind, const Chunks& chunks, int low = -1) {
     Bytes file;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
@@ -253,7 +261,6 @@ Bytes Png(const PngKind& kind, const AddChunks& addChunks, int low = -1) {
         table[i] = {sample(0), sample(1), sample(2)};
     }
     if (hasTable) png_set_PLTE(png, info, table, 35);
-    addChunks(png, info);
     png_write_info(png, info);
     const bool hasAlpha = (kind.type & PNG_COLOR_MASK_ALPHA) != 0;
     const bool isColor = (kind.type & PNG_COLOR_MASK_COLOR) != 0;
@@ -278,135 +285,82 @@ Bytes Png(const PngKind& kind, const AddChunks& addChunks, int low = -1) {
     }
     png_write_end(png, info);
     png_destroy_write_struct(&png, &info);
+    for (size_t i = chunks.size(); i-- > 0;)
+        file = WithChunk(file, 33, chunks[i]);  // behind the header
     return file;
 }
 
-void ExpectPng(const PngKind& kind, const AddChunks& addChunks, const Meaning& meaning,
-               double tolerance, int orientation = 1) {
+void ExpectPng(const PngKind& kind, const Chunks& chunks, const Meaning& meaning, double tolerance,
+               int orientation = 1) {
     const bool isGrey = (kind.type & PNG_COLOR_MASK_COLOR) == 0;
-    const Bytes file = Png(kind, addChunks);
+    const Bytes file = Png(kind, chunks);
     const Decoded decoded(kPng, file);
     ExpectMeaning(decoded, meaning, tolerance, isGrey, orientation);
     EXPECT_EQ(decoded.form.bitCount, isGrey || kind.type == PNG_COLOR_TYPE_PALETTE ? 8 : 24);
-
-    // The same with the alpha kept.
-    dib::MemorySource source(file);
-    MemoryTarget target(SIZE_MAX, true);
-    Progress nobody;
-    ASSERT_EQ(kPng.Decode(source, target, nobody), Result::kSuccess);
-    Bytes kept = Colors(target.View().value()).bgra;
-    EXPECT_EQ(kept, decoded.Pixels().bgra);
+    const Decoded kept(kPng, file, {}, true);
+    ASSERT_EQ(kept.result, Result::kSuccess);
+    EXPECT_EQ(kept.Pixels().bgra, decoded.Pixels().bgra);
 }
 
-// Any bytes: libpng would write only what it likes.
-void AddChunk(png_structp png, png_infop info, const char* name, Bytes data) {
-    png_unknown_chunk chunk{{}, data.data(), data.size(), PNG_HAVE_IHDR};
-    std::copy_n(name, 4, chunk.name);
-    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_ALWAYS, chunk.name, 1);
-    png_set_unknown_chunks(png, info, &chunk, 1);
-}
-
-void AddProfile(png_structp png, png_infop info, const Bytes& icc) {
+Chunk ProfileOf(const Bytes& icc) {
     uLongf size = compressBound(static_cast<uLong>(icc.size()));
     Bytes data(3 + size);
     data[0] = 'x';  // a name, its end, and the only way to compress
     compress(&data[3], &size, icc.data(), static_cast<uLong>(icc.size()));
-    AddChunk(png, info, "iCCP", Cut(data, 3 + size));
+    return {"iCCP", Cut(data, 3 + size)};
+}
+
+Chunk Gamma(uint64_t hundredThousandths) {
+    return {"gAMA", Numbers({hundredThousandths})};
 }
 
 TEST(Colors, OfPngAreThoseOfTheFirstOfItsChunksThatCount) {
     const Bytes swapped = Swapped(), grey = Profile::FromGreyCurve({1})->Icc();
-    Bytes turn{'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 6, 0, 0, 0};
-    const auto addLinear = [](png_structp png, png_infop info) {
-        png_set_gAMA_fixed(png, info, 100'000);
-    };
+    const Bytes turn{'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 6, 0, 0, 0};
+    const Chunk srgb{"sRGB", {0}};
     for (const PngKind& kind : kPngKinds) {
         SCOPED_TRACE(testing::Message() << kind.type << ' ' << kind.depth << kind.interlaced);
         const bool isGrey = (kind.type & PNG_COLOR_MASK_COLOR) == 0;
         const Meaning profiled = isGrey ? Linear : Exchanged;
-        const auto addProfile = [&](png_structp png, png_infop info) {
-            AddProfile(png, info, isGrey ? grey : swapped);
-        };
-        ExpectPng(kind, addProfile, profiled, 1.1);
-        ExpectPng(
-            kind,
-            [&](png_structp png, png_infop info) {
-                addProfile(png, info);
-                png_set_eXIf_1(png, info, static_cast<png_uint_32>(turn.size()), turn.data());
-            },
-            profiled, 1.1, 6);
-        ExpectPng(kind, addLinear, Linear, 1.1);
+        const Chunk profile = ProfileOf(isGrey ? grey : swapped);
+        ExpectPng(kind, {profile}, profiled, 1.1);
+        ExpectPng(kind, {profile, {"eXIf", turn}}, profiled, 1.1, 6);
+        ExpectPng(kind, {Gamma(100'000)}, Linear, 1.1);
     }
     const PngKind color = kPngKinds[5];
-    ExpectPng(
-        color,
-        [](png_structp png, png_infop info) {
-            AddChunk(png, info, "sRGB", {0});
-            png_set_gAMA_fixed(png, info, 100'000);
-        },
-        AsTheyAre, 0.5);
+    ExpectPng(color, {srgb, Gamma(100'000)}, AsTheyAre, 0.5);
     // Behind the picture, as some programs write it; a chunk of that name whose sum is wrong is
     // none.
-    const auto addLate = [&](Bytes data) {
-        Bytes file = Png(color, [](png_structp, png_infop) {});
-        Bytes chunk{'e', 'X', 'I', 'f'};
-        chunk.insert(chunk.end(), data.begin(), data.end());
-        const uLong sum = crc32(0, chunk.data(), static_cast<uInt>(chunk.size()));
-        for (int shift = 24; shift >= 0; shift -= 8)
-            chunk.push_back(static_cast<uint8_t>(sum >> shift));
-        chunk.insert(chunk.begin(), {0, 0, 0, static_cast<uint8_t>(data.size())});
-        file.insert(file.end() - 12, chunk.begin(), chunk.end());
-        return file;
-    };
-    ExpectMeaning({kPng, addLate(turn)}, AsTheyAre, 0.5, false, 6);
-    const Bytes wrong = addLate(turn);
-    ExpectMeaning({kPng, Damaged(wrong, wrong.size() - 13)}, AsTheyAre, 0.5);
+    const Bytes plain = Png(color, {});
+    const Bytes late = WithChunk(plain, plain.size() - 12, {"eXIf", turn});
+    ExpectMeaning({kPng, late}, AsTheyAre, 0.5, false, 6);
+    ExpectMeaning({kPng, Damaged(late, late.size() - 13)}, AsTheyAre, 0.5);
 
-    const auto addCodes = [](png_byte primaries, png_byte curve) {
-        return [=](png_structp png, png_infop info) {
-            png_set_gAMA_fixed(png, info, 30'000);
-            AddChunk(png, info, "cICP", {primaries, curve, 0, 1});
-        };
+    const auto codes = [](uint8_t primaries, uint8_t curve) {
+        return Chunks{Gamma(30'000), {"cICP", {primaries, curve, 0, 1}}};
     };
-    ExpectPng(color, addCodes(1, 8), Linear, 1.1);
-    ExpectPng(kPngKinds[0], addCodes(12, 8), Linear, 1.1);
-    ExpectPng(color, addCodes(1, 13), AsTheyAre, 1.1);
+    ExpectPng(color, codes(1, 8), Linear, 1.1);
+    ExpectPng(kPngKinds[0], codes(12, 8), Linear, 1.1);
+    ExpectPng(color, codes(1, 13), AsTheyAre, 1.1);
     // Primaries without their gamma say nothing.
-    const auto addPrimaries = [](png_structp png, png_infop info) {
-        png_set_cHRM_fixed(png, info, 31270, 32900, 64000, 33000, 21000, 71000, 15000, 6000);
-    };
-    ExpectPng(color, addPrimaries, AsTheyAre, 0.5);
-    ExpectPng(
-        color,
-        [&](png_structp png, png_infop info) {
-            addPrimaries(png, info);
-            png_set_gAMA_fixed(png, info, 45471);
-        },
-        FromAdobe, 1.5);
-    ExpectPng(
-        color,
-        [&](png_structp png, png_infop info) {
-            AddChunk(png, info, "sRGB", {0});
-            AddProfile(png, info, Cut(swapped, 200));
-        },
-        AsTheyAre, 0.5);
-    // One that fits only colours, in a grey picture, and the other way round.
+    const Chunk primaries{"cHRM", Numbers({31270, 32900, 64000, 33000, 21000, 71000, 15000, 6000})};
+    ExpectPng(color, {primaries}, AsTheyAre, 0.5);
+    ExpectPng(color, {primaries, Gamma(45471)}, FromAdobe, 1.5);
+    ExpectPng(color, {srgb, ProfileOf(Cut(swapped, 200))}, AsTheyAre, 0.5);
     // Dark samples of 16 bits, of which the high bytes are alike.
     for (const PngKind& kind :
          {PngKind{PNG_COLOR_TYPE_GRAY, 16, false}, PngKind{PNG_COLOR_TYPE_RGB, 16, false}}) {
-        const Decoded deep(kPng, Png(kind, addLinear, 0x40));
+        const Decoded deep(kPng, Png(kind, {Gamma(100'000)}, 0x40));
         ASSERT_EQ(deep.result, Result::kSuccess);
         for (const uint32_t x : {0u, 100u, 300u, 600u}) {
             const double light = (Sample(x, 0, 1) * 256 + 0x40) / 65535.0;
             EXPECT_NEAR(deep.Pixels().Channel(x, 0, 1), SrgbOf(light) * 255, 0.75);
         }
     }
-    for (const auto& [kind, icc] : {std::pair(kPngKinds[0], swapped), std::pair(color, grey)}) {
-        const Decoded decoded(kPng, Png(kind, [&, &bytes = icc](png_structp png, png_infop info) {
-                                  AddProfile(png, info, bytes);
-                              }));
-        ExpectMeaning(decoded, AsTheyAre, 0.5, kind.type == PNG_COLOR_TYPE_GRAY);
-    }
+    // One that fits only colours, in a grey picture, and the other way round.
+    for (const auto& [kind, icc] : {std::pair(kPngKinds[0], swapped), std::pair(color, grey)})
+        ExpectMeaning({kPng, Png(kind, {ProfileOf(icc)})}, AsTheyAre, 0.5,
+                      kind.type == PNG_COLOR_TYPE_GRAY);
 }
 
 }  // namespace

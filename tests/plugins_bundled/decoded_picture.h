@@ -70,7 +70,9 @@ class Colors {
 
 // Decodes `file`; without success the target is of no use.
 struct Decoded {
-    Decoded(const PictureCodec& codec, const Bytes& file, Progress progress = {}) {
+    Decoded(const PictureCodec& codec, const Bytes& file, Progress progress = {},
+            bool takesAlpha = false)
+        : target(SIZE_MAX, takesAlpha) {
         dib::MemorySource source(file);
         codec.ReadForm(source, form);
         result = codec.Decode(source, target, progress);
@@ -84,19 +86,21 @@ struct Decoded {
     Condition condition;
 };
 
-// A device that breaks down behind its first `good` bytes.
-class FailingSource final : public dib::ByteSource {
-  public:
-    FailingSource(const Bytes& file, uint64_t good) : file_(file), good_(good) {}
-    uint64_t Size() const override { return file_.Size(); }
-    std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> into) override {
-        if (offset + into.size() > good_) return std::nullopt;
-        return file_.ReadAt(offset, into);
-    }
-
-  private:
-    dib::MemorySource file_;
-    uint64_t good_;
-};
+// Decodes `file` from a device that breaks down behind its first `good` bytes.
+inline Result ResultFromFailing(const PictureCodec& codec, const Bytes& file, uint64_t good) {
+    struct FailingSource final : dib::ByteSource {
+        FailingSource(const Bytes& bytes, uint64_t count) : file(bytes), good(count) {}
+        uint64_t Size() const override { return file.Size(); }
+        std::optional<size_t> ReadAt(uint64_t offset, std::span<uint8_t> into) override {
+            if (offset + into.size() > good) return std::nullopt;
+            return file.ReadAt(offset, into);
+        }
+        dib::MemorySource file;
+        uint64_t good;
+    } source(file, good);
+    MemoryTarget target;
+    Progress nobody;
+    return codec.Decode(source, target, nobody);
+}
 
 }  // namespace tessary::codec::test

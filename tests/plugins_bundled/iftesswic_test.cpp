@@ -107,24 +107,22 @@ Bytes TiffOf(uint32_t photometric, uint32_t samples, uint32_t bits, const Bytes&
     constexpr uint32_t kEntries = 11, kBitsAt = 8 + 2 + kEntries * 12 + 4, kPixelsAt = kBitsAt + 8;
     const auto profileAt = static_cast<uint32_t>(kPixelsAt + pixels.size());
     const auto width = static_cast<uint32_t>(pixels.size() / (bits / 8) / samples);
+    const uint32_t entries[kEntries][4] = {
+        {256, 3, 1, width},
+        {257, 3, 1, 1},
+        {258, 3, samples, samples <= 2 ? bits : kBitsAt},
+        {259, 3, 1, 1},
+        {262, 3, 1, photometric},
+        {273, 4, 1, kPixelsAt},
+        {274, 3, 1, 1},
+        {277, 3, 1, samples},
+        {278, 3, 1, 1},
+        {279, 4, 1, static_cast<uint32_t>(pixels.size())},
+        {34675, 7, static_cast<uint32_t>(icc.size()), profileAt}};
     Bytes file{'I', 'I', 42, 0, 8, 0, 0, 0, kEntries, 0};
-    const auto entry = [&](uint32_t tag, uint32_t type, uint32_t count, uint32_t value) {
-        file.resize(file.size() + 12);
-        file = With(With(file, file.size() - 12, tag, 2), file.size() - 10, type, 2);
-        file = With(With(file, file.size() - 8, count, 4), file.size() - 4, value, 4);
-    };
-    const bool inPlace = samples <= 2;
-    entry(256, 3, 1, width);
-    entry(257, 3, 1, 1);
-    entry(258, 3, samples, inPlace ? bits : kBitsAt);
-    entry(259, 3, 1, 1);
-    entry(262, 3, 1, photometric);
-    entry(273, 4, 1, kPixelsAt);
-    entry(274, 3, 1, 1);
-    entry(277, 3, 1, samples);
-    entry(278, 3, 1, 1);
-    entry(279, 4, 1, static_cast<uint32_t>(pixels.size()));
-    entry(34675, 7, static_cast<uint32_t>(icc.size()), profileAt);
+    for (const auto& [tag, type, count, value] : entries)
+        for (const uint32_t number : {tag | type << 16, count, value})
+            file = With(Cut(file, file.size() + 4), file.size(), number, 4);
     file.resize(kPixelsAt);
     for (size_t i = 0; i < 4; ++i)
         file = With(file, kBitsAt + i * 2, bits, 2);

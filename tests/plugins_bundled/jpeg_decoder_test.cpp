@@ -97,10 +97,7 @@ TEST(JpegDecoder, RefusesWhatItCannotShow) {
     EXPECT_EQ(decoded.result, Result::kBrokenData);
     EXPECT_FALSE(decoded.target.View());
 
-    FailingSource source(file, 300);
-    MemoryTarget target;
-    Progress nobody;
-    EXPECT_EQ(kDecoder.Decode(source, target, nobody), Result::kReadError);
+    EXPECT_EQ(ResultFromFailing(kDecoder, file, 300), Result::kReadError);
 }
 
 }  // namespace

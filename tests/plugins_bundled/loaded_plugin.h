@@ -11,6 +11,7 @@
 #include "helpers/susiectl/susie_interface.h"
 #include "tests/plugins_bundled/decoded_picture.h"
 #include "tests/support/loaded_library.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tessary::spi::test {
 
@@ -25,7 +26,26 @@ struct LoadedModule {
     susie::GetPluginInfoFunction getPluginInfo = library["GetPluginInfo"];
     susie::IsSupportedFunction isSupported = library["IsSupported"];
     susie::GetLastConditionFunction getLastCondition = library["GetLastCondition"];
+
+    // Of this version of the interface; how many texts it has: patterns and names in turn.
+    int CountTexts(const std::string& version) const {
+        char text[256];
+        getPluginInfo(0, text, sizeof text);
+        EXPECT_EQ(text, version);
+        int number = 2;
+        for (; getPluginInfo(number, text, sizeof text) > 0; ++number)
+            EXPECT_EQ(number % 2 == 0, std::string(text).starts_with("*.")) << text;
+        return number;
+    }
 };
+
+// The path of a new file.
+inline std::string Written(const tessary::test::TemporaryFolder& folder, const Bytes& bytes,
+                           const std::wstring& name = L"file") {
+    const std::wstring path =
+        folder.Write(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    return {path.begin(), path.end()};
+}
 
 struct LoadedPlugin : LoadedModule {
     using LoadedModule::LoadedModule;

@@ -57,8 +57,9 @@ class TextSink final : public files::ByteSink {
 };
 
 // An archive in memory; without success of `result` there is no reader.
-struct Opened {
-    explicit Opened(Bytes archive, const std::string& name = {})
+template <typename Source>
+struct OpenedFrom {
+    explicit OpenedFrom(Bytes archive, const std::string& name = {})
         : bytes(std::move(archive)),
           source(bytes),
           result(OpenArchive(source, name, reader, remark)) {}
@@ -86,11 +87,12 @@ struct Opened {
     size_t Count() const { return reader == nullptr ? 0 : reader->Members().size(); }
 
     Bytes bytes;
-    dib::MemorySource source;
+    Source source;
     std::unique_ptr<ArchiveReader> reader;
     codec::Remark remark;
     Condition told = Condition::kNone;  // by the last extraction
     Result result;
 };
+using Opened = OpenedFrom<dib::MemorySource>;
 
 }  // namespace tessary::unpack::test

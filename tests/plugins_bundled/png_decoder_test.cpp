@@ -115,14 +115,12 @@ TEST_P(PngDecoder, HandsAlphaToThoseWhoTakeIt) {
          {"grey16", "color8", "grey-alpha8", "color-alpha8-interlaced", "color-alpha16"}) {
         SCOPED_TRACE(name);
         const Bytes file = Png(name);
-        dib::MemorySource source(file);
-        MemoryTarget target(SIZE_MAX, true);
-        Progress nobody;
-        ASSERT_EQ(decoder_.Decode(source, target, nobody), Result::kSuccess);
-        ASSERT_TRUE(target.View());
-        EXPECT_EQ(target.View()->Format(), dib::PixelFormat::kBgra32);
+        const Decoded kept(decoder_, file, {}, true);
+        ASSERT_EQ(kept.result, Result::kSuccess);
+        ASSERT_TRUE(kept.target.View());
+        EXPECT_EQ(kept.target.View()->Format(), dib::PixelFormat::kBgra32);
         const int tolerance = std::string_view(name).ends_with("16") ? 1 : 0;
-        EXPECT_LE(Difference(Colors(*target.View()).bgra, Reference(file)), tolerance);
+        EXPECT_LE(Difference(kept.Pixels().bgra, Reference(file)), tolerance);
     }
 }
 
@@ -195,10 +193,7 @@ TEST_P(PngDecoder, RefusesWhatItCannotShowAndStopsWhenTold) {
     const Decoded stopped(decoder_, large, Progress([&](int, int) { return ++calls < 2; }));
     EXPECT_EQ(stopped.result, Result::kAborted);
     EXPECT_EQ(calls, 2);
-    FailingSource source(large, 200);
-    MemoryTarget target;
-    Progress nobody;
-    EXPECT_EQ(decoder_.Decode(source, target, nobody), Result::kReadError);
+    EXPECT_EQ(ResultFromFailing(decoder_, large, 200), Result::kReadError);
 }
 
 // Wherever a file of several chunks is cut or damaged.
