@@ -1,4 +1,5 @@
-// What the guarded call contains, and what it leaves to the plug-in.
+// What the guarded call contains, also inside windows of a plug-in's own, and what it leaves to the
+// plug-in.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <winternl.h>
@@ -7,9 +8,7 @@
 #include <atomic>
 #include <csetjmp>
 #include <cstdlib>
-#include <functional>
 #include <thread>
-#include <vector>
 
 #include "tests/helpers/susiectl/susiectl_library.h"
 #include "tests/support/process_resources.h"
@@ -59,32 +58,11 @@ TEST_F(GuardTest, AThousandCrashesOfEveryKindLeaveNothingBehind) {
         ASSERT_EQ(plugin_.DecodeWith(""), susie::kSuccess) << "after " << kind;
         ASSERT_EQ(Susiectl().isMemoryDamaged(), 0) << kind;
     }
+    // An address that is no function's.
+    const auto nothing = reinterpret_cast<FARPROC>(16);
+    EXPECT_EQ(Susiectl().getPreview(nothing, "", 0, 0, nullptr, nullptr, nullptr, 0), kCrashed);
     EXPECT_EQ(HandleCount(), handles);
     EXPECT_EQ(CallbackDepth(), depth);
-}
-
-TEST_F(GuardTest, EveryFunctionIsGuarded) {
-    std::string script;
-    for (const char* function : {"GetPluginInfo", "IsSupported", "GetPictureInfo", "GetPreview",
-                                 "GetArchiveInfo", "GetFileInfo", "GetFile"})
-        script += std::string("crash:av:") + function + '\n';
-    const LoadedPlugin all(L"picture_and_archive.spi", script);
-    const std::string source(2048, ' ');
-    const char* const text = source.c_str();
-    const SusieLibrary& library = Susiectl();
-    char block[512];
-    const int answers[] = {
-        library.getPluginInfo(all["GetPluginInfo"], 0, block, 256),
-        library.isSupported(all["IsSupported"], "x.tst", text),
-        library.getPictureInfo(all["GetPictureInfo"], text, 100, 1, nullptr),
-        library.getPreview(all["GetPreview"], text, 100, 1, nullptr, nullptr, nullptr, 0),
-        library.getArchiveInfo(all["GetArchiveInfo"], text, 100, 1, nullptr),
-        library.getFileInfo(all["GetFileInfo"], text, 100, "a", 1, nullptr),
-        library.getFile(all["GetFile"], text, 0, block, 1, nullptr, 0),
-        // An address that is no function's.
-        library.getPluginInfo(reinterpret_cast<FARPROC>(16), 0, block, 256)};
-    for (const int& answer : answers)
-        EXPECT_EQ(answer, kCrashed) << &answer - answers;
 }
 
 TEST_F(GuardTest, ExceptionsThatThePluginHandlesAreItsOwn) {
@@ -245,6 +223,108 @@ TEST_F(GuardTest, ACrashInTheCallbackEndsTheOuterCallOnly) {
               kCrashed);
     EXPECT_EQ(inner, susie::kSuccess);
     EXPECT_EQ(plugin_.DecodeWith(""), susie::kSuccess);
+}
+
+const char* const kPlaces[] = {"create", "create-in-create", "init", "command", "posted",
+                               "timer",  "destroy"};
+const char* const kKinds[] = {"av", "wild-chain", "stack-overflow"};
+
+BOOL CALLBACK Count(HWND, LPARAM counted) {
+    ++*reinterpret_cast<size_t*>(counted);
+    return TRUE;
+}
+
+// The windows of this thread, the objects of the user interface and the handles of this process.
+std::array<size_t, 3> Held() {
+    size_t windows = 0;
+    EnumThreadWindows(GetCurrentThreadId(), Count, reinterpret_cast<LPARAM>(&windows));
+    return {windows, GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), HandleCount()};
+}
+
+using Action = std::function<void()>;
+
+// Does what is asked for once, in the WM_CREATE of a window of the host's.
+LRESULT CALLBACK HostProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_CREATE) {
+        const void* const asked = reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams;
+        (*static_cast<const Action*>(asked))();
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+// True when the system's functions came back to the host in their order.
+bool RunInWindow(const Action& action) {
+    const wchar_t* const name = L"Host window";
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = HostProcedure;
+    windowClass.lpszClassName = name;
+    RegisterClassW(&windowClass);
+    bool isDone = false;
+    Action marked = [&] {
+        action();
+        isDone = true;
+    };
+    const HWND window =
+        CreateWindowW(name, name, WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, &marked);
+    return isDone && IsWindow(window) && DestroyWindow(window);
+}
+
+class WindowCrashTest : public testing::Test {
+  protected:
+    void ExpectContained(const std::string& crash) {
+        const int crashes = plugin_.Calls("window");
+        const int returns = plugin_.Calls("window-came-back");
+        EXPECT_EQ(plugin_.DecodeWith("crash:" + crash + ":GetPicture"), kCrashed) << crash;
+        EXPECT_EQ(plugin_.Calls("window"), crashes + 1) << crash;
+        EXPECT_EQ(plugin_.Calls("window-came-back"), returns) << crash;
+    }
+
+    LoadedPlugin plugin_{L"iftst.spi"};
+};
+
+// Also inside a window of the host's.
+TEST_F(WindowCrashTest, IsContainedAndLeavesNothingBehind) {
+    for (int turn = 0; turn < 3; ++turn) {
+        const auto before = Held();
+        for (const std::string place : kPlaces)
+            for (const char* kind : kKinds) {
+                const std::string crash = place + '/' + kind;
+                ExpectContained(crash);
+                EXPECT_TRUE(RunInWindow([&] {
+                    EXPECT_EQ(plugin_.DecodeWith(""), susie::kSuccess);
+                    ExpectContained(crash);
+                })) << crash;
+            }
+        EXPECT_TRUE(turn == 0 || Held() == before);  // the first one brings up what stays
+    }
+}
+
+// The system goes on destroying the window, and runs its procedure once more.
+TEST_F(WindowCrashTest, TwiceInTheSameCallIsContained) {
+    for (const std::string verb : {"crash:", "handled:"})
+        for (const std::string kind : {"av", "wild-chain"})
+            EXPECT_EQ(plugin_.DecodeWith(verb + "destroy-twice/" + kind + ":GetPicture"), kCrashed);
+    EXPECT_EQ(plugin_.Calls("window-came-back"), 0);
+}
+
+// What was there of the system's callback is gone, and one of the host's is open: nothing tells
+// which of them would end.
+TEST_F(WindowCrashTest, ThatNothingLeadsOutOfEndsTheProcess) {
+    EXPECT_EXIT(RunInWindow([&] { plugin_.DecodeWith("crash:create/smash:GetPicture"); }),
+                testing::ExitedWithCode(static_cast<int>(0xC0000374)), "");
+    EXPECT_TRUE(RunInWindow([&] {
+        EXPECT_EQ(plugin_.DecodeWith("crash:smash:GetPicture"), kCrashed) << "there is no window";
+    }));
+    ExpectContained("create/smash");
+}
+
+// DispatchMessage keeps them to itself.
+TEST_F(WindowCrashTest, CountsAlsoWhereTheSystemSwallowsIt) {
+    for (const std::string kind : {"av", "wild-chain", "illegal"})
+        EXPECT_EQ(plugin_.DecodeWith("crash:timer-procedure/" + kind + ":GetPicture"), kCrashed);
+    EXPECT_EQ(plugin_.DecodeWith("handled:timer-procedure/none:GetPicture"), susie::kSuccess);
+    EXPECT_EQ(plugin_.DecodeWith("handled:timer-procedure/debug-print:GetPicture"),
+              susie::kSuccess);
 }
 
 }  // namespace

@@ -1,11 +1,15 @@
-// Who has to answer for the end of a host process, and what becomes of him.
+// What a plug-in does to its host process beyond its own call, who has to answer for the end of
+// one, and what becomes of him.
 #include <cstring>
+#include <optional>
 #include <thread>
 
 #include "plugin/CollectionSusie.h"
+#include "plugin/call_watch.h"
 #include "plugin/host_state.h"
 #include "plugin/plugin_log.h"
 #include "tests/src/host/host_test.h"
+#include "tests/support/process_resources.h"
 
 namespace tessary {
 namespace {
@@ -14,11 +18,8 @@ using test::HostTest;
 using test::kProgram;
 
 TEST_F(HostTest, OneThatEndsEachHostThatLoadsItIsBarred) {
-    SetPluginConnector([this](const std::wstring& plugin) {
-        return std::make_unique<HostConnection>(plugin, pool_);
-    });
     for (const char* script : {"crash:terminate:DllMain", "crash:exit-well:GetPluginInfo"}) {
-        const auto path = Plugin(L"iftst.spi", script, NewName(L".spi"));
+        const auto path = NewPlugin(script);
         for (int start = 1; start <= 3; ++start) {
             CollectionSusie plugins;
             plugins.AddSPI(path);
@@ -26,27 +27,21 @@ TEST_F(HostTest, OneThatEndsEachHostThatLoadsItIsBarred) {
             EXPECT_EQ(plugins.LeftOut()[0].reason == LeftOutReason::kBarred, start == 3) << script;
         }
     }
-    SetPluginConnector({});
 }
 
 // With the kind of end, the function and the file; nobody else's, though two threads have hosts
 // that end.
 TEST_F(HostTest, ThoseWhoAreToldOfEndsHearOfTheCulpritsAlone) {
-    struct Case {
-        const char* crash;
-        EndKind kind;
-    };
-    const Case cases[2][3] = {
+    const std::pair<const char*, EndKind> cases[2][3] = {
         {{"av", EndKind::kCaught}, {"exit-well", EndKind::kExit}, {"scribble", EndKind::kExit}},
         {{"heap-ruin", EndKind::kCrash}, {"terminate", EndKind::kExit}, {"av", EndKind::kCaught}}};
     const auto picture = Picture();
     std::wstring paths[2][3];
     for (int i = 0; i < 6; ++i) {
         const std::string function = i < 3 ? ":GetPicture" : ":IsSupported";
-        paths[i / 3][i % 3] = Plugin(
-            L"iftst.spi", "crash:" + (cases[i / 3][i % 3].crash + function), NewName(L".spi"));
+        paths[i / 3][i % 3] = NewPlugin("crash:" + (cases[i / 3][i % 3].first + function));
     }
-    const auto good = Plugin(L"iftst.spi", {}, NewName(L".spi"));
+    const auto good = NewPlugin();
     std::vector<PluginEnd> ends[2];
     const auto run = [&](int side) {
         HostPool pool(kProgram, {.asking = 5000}, {},
@@ -75,7 +70,7 @@ TEST_F(HostTest, ThoseWhoAreToldOfEndsHearOfTheCulpritsAlone) {
             EXPECT_EQ(ends[side][i].call.plugin, paths[side][i]);
             EXPECT_EQ(ends[side][i].call.file, paths[side][i] + L".tst");
             EXPECT_EQ(ends[side][i].call.function, side == 0 ? L"GetPicture" : L"IsSupported");
-            EXPECT_EQ(ends[side][i].kind, cases[side][i].kind) << side << i;
+            EXPECT_EQ(ends[side][i].kind, cases[side][i].second) << side << i;
             EXPECT_EQ(Errors(paths[side][i]), 0) << "who counts is told";
         }
     }
@@ -85,12 +80,9 @@ TEST_F(HostTest, ThoseWhoAreToldOfEndsHearOfTheCulpritsAlone) {
 // Two ends: it takes nobody along any more. Three: it is not called any more, until it is forgiven.
 TEST_F(HostTest, OneThatEndsHostsGoesOnAloneAndIsGivenUpAtLast) {
     const auto picture = Picture();
-    const auto path = Plugin(L"iftst.spi", "crash:terminate:GetPicture", NewName(L".spi"));
-    const auto goodPath = Plugin(L"iftst.spi", {}, NewName(L".spi"));
+    const auto path = NewPlugin("crash:terminate:GetPicture");
+    const auto goodPath = NewPlugin();
     HostConnection good(goodPath, pool_);
-    SetPluginConnector([&](const std::wstring& plugin) {
-        return std::make_unique<HostConnection>(plugin, pool_);
-    });
     CollectionSusie plugins;
     plugins.AddSPI(path);
     HostConnection bad(path, pool_);
@@ -122,10 +114,9 @@ TEST_F(HostTest, OneThatEndsHostsGoesOnAloneAndIsGivenUpAtLast) {
     EXPECT_EQ(later.LeftOut()[0].reason, LeftOutReason::kWaiting);
     EXPECT_EQ(TextOf(ReadEnds(path)), L"");
     EXPECT_EQ(bad.Supports(picture).code, 1);
-    SetPluginConnector({});
 
     // One that is alone comes back to the others as well, and leaves no host behind.
-    const auto lonelyPath = Plugin(L"iftst.spi", {}, NewName(L".spi"));
+    const auto lonelyPath = NewPlugin();
     HostConnection lonely(lonelyPath, pool_);
     for (int end = 0; end < 2; ++end)
         pool_.Tell({{L"GetPicture", lonelyPath, {}}, EndKind::kCaught});
@@ -142,7 +133,7 @@ TEST_F(HostTest, OneThatEndsHostsGoesOnAloneAndIsGivenUpAtLast) {
 // Whoever collects ends has his own hosts spared of the plug-in, and nobody else's.
 TEST_F(HostTest, EndsThatAreNotCountedGiveUpAPluginForTheirPoolOnly) {
     const auto picture = Picture();
-    const auto path = Plugin(L"iftst.spi", "crash:heap-ruin:GetPicture", NewName(L".spi"));
+    const auto path = NewPlugin("crash:heap-ruin:GetPicture");
     std::vector<PluginEnd> ends;
     HostPool pool(kProgram, {}, {}, [&](const PluginEnd& end) { ends.push_back(end); });
     HostConnection ahead(path, pool);
@@ -160,9 +151,8 @@ TEST_F(HostTest, WhatAPluginDoesBetweenTwoRequestsIsHeldAgainstItAlone) {
         std::vector<PluginEnd> ends;
         HostPool pool(kProgram, {.asking = 1500, .working = 1500}, {},
                       [&](const PluginEnd& end) { ends.push_back(end); });
-        HostConnection good(Plugin(L"iftst.spi", {}, NewName(L".spi")), pool);
-        const auto path =
-            Plugin(L"iftst.spi", std::string("early:") + state + ":GetPicture", NewName(L".spi"));
+        HostConnection good(NewPlugin(), pool);
+        const auto path = NewPlugin(std::string("early:") + state + ":GetPicture");
         HostConnection bad(path, pool);
         EXPECT_EQ(good.Supports(Picture()).code, 1);
         const DWORD first = pool.For({})->Id();
@@ -220,6 +210,88 @@ TEST_F(HostTest, NotesThatCannotBeBlameWhoWasAsked) {
     }
     std::memset(static_cast<void*>(notes.get()), 0x41, sizeof(HostNotes));
     EXPECT_EQ(culprit(*notes, asked), L"C:\\asked.spi|GetPicture|C:\\a.tst");
+}
+
+void HandleMessages() {
+    MSG message;
+    PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0);
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageW(&message);
+}
+
+TEST_F(HostTest, WhatAPluginDoesToItsProcessConcernsNobodyElse) {
+    // What ends the process, if anything does.
+    const std::pair<const char*, std::optional<EndKind>> cases[] = {
+        {"early:priorities:IsSupported", {}},
+        {"early:locale:IsSupported", {}},
+        {"early:global-hook:DllMain\nearly:global-hook:IsSupported", {}},
+        {"early:thread-hook:IsSupported", {}},
+        {"early:close-handles:IsSupported", EndKind::kExit},
+        {"early:go-on-at-once:GetPicture\ncrash:av:GetPicture", EndKind::kSilence},
+        {"early:end-the-thread:GetPicture\ncrash:av:GetPicture", EndKind::kExit},
+        {"early:free-again:IsSupported", {}},
+    };
+    const auto picture = Picture();
+    const auto goodPath = Plugin(L"iftst.spi", "needs-plain-process");
+    ULONG handles = 0;
+    for (const auto& [script, kind] : cases) {
+        std::vector<PluginEnd> ends;
+        const auto path = NewPlugin(script);
+        {
+            HostPool pool(kProgram, {.asking = 1500, .working = 1500}, {},
+                          [&](const PluginEnd& end) { ends.push_back(end); });
+            HostConnection good(goodPath, pool);
+            EXPECT_EQ(good.Supports(picture).code, 1);
+            HostConnection bad(path, pool);
+            bad.Load();
+            for (int i = 0; i < 2; ++i) {
+                bad.Supports(picture);
+                bad.Decode(picture, DecodeKind::kFull, {});
+                Sleep(30);
+            }
+            HandleMessages();
+            EXPECT_FALSE(IsLoaded(path)) << script;
+            EXPECT_EQ(good.Supports(picture).code, 1) << script;
+            EXPECT_EQ(good.Decode(picture, DecodeKind::kFull, {}).picture.Width(), 3) << script;
+        }
+        EXPECT_EQ(!ends.empty(), kind.has_value()) << script;
+        for (const PluginEnd& end : ends) {
+            EXPECT_EQ(end.call.plugin, path) << script;
+            EXPECT_EQ(end.kind, kind) << script;
+        }
+        if (&script == &cases[2].first) handles = test::HandleCount();
+    }
+    EXPECT_LE(test::HandleCount(), handles);
+}
+
+// One that waits in its start for ever, for nobody, is not waited for as long as one that works.
+TEST_F(HostTest, AStartInWhichNothingHappensIsGivenUpSooner) {
+    constexpr DWORD kLimit = 2000;
+    const HostLimits limits{.asking = kLimit, .working = kLimit, .starting = 400};
+    for (const auto& [script, isSooner] : {std::pair{"early:sleep:DllMain", true},
+                                           {"early:loop:DllMain", false},
+                                           {"early:question:DllMain", false}}) {
+        HostPool pool{kProgram, limits};
+        const auto path = NewPlugin(script);
+        DWORD age = 0;
+        const CallWatch watch([&](const WaitedCall& call) {
+            age = call.age;
+            return CallWish::kGoesOn;
+        });
+        const LoadedPlugin loaded = HostConnection(path, pool).Load();
+        EXPECT_EQ(loaded.end, ProcessEnd::kSilent) << script;
+        EXPECT_EQ(age < kLimit - 100, isSooner) << script << age;
+        EXPECT_EQ(Errors(path), 1) << script;
+    }
+}
+
+TEST_F(HostTest, OneThatEndsHostsIsGivenUpThoughTheStoreTakesNoNote) {
+    RedirectSettingsStore(std::wstring(300, L'x'));  // no key has such a name
+    HostConnection bad(Plugin(L"iftst.spi", "crash:terminate:IsSupported"), pool_);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(bad.Supports(Picture()).code, kResultCrashed) << i;
+    EXPECT_EQ(bad.Supports(Picture()).code, kResultStopped);
+    RedirectSettingsStore(store_.KeyPath());
 }
 
 }  // namespace

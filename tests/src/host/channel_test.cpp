@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "app/base/handles.h"
 #include "app/base/worker_thread.h"
 #include "host/host_messages.h"
 #include "host/section.h"

@@ -14,10 +14,20 @@ inline const std::wstring kProgram = FinishedFolder() + L"tessary-host32.exe";
 
 class HostTest : public PluginTest {
   protected:
+    HostTest() {
+        SetPluginConnector([this](const std::wstring& plugin) {
+            return std::make_unique<HostConnection>(plugin, pool_);
+        });
+    }
+    ~HostTest() override { SetPluginConnector({}); }
+
     // A way to a copy of a test plug-in of its own.
     std::unique_ptr<HostConnection> Connected(const std::wstring& original,
                                               std::string_view script) {
         return std::make_unique<HostConnection>(Plugin(original, script, NewName(L".spi")), pool_);
+    }
+    std::wstring NewPlugin(std::string_view script = {}) const {
+        return Plugin(L"iftst.spi", script, NewName(L".spi"));
     }
     PluginSource Picture() { return {.name = ToAnsi(PictureFile())}; }
     PluginSource Archive() { return {.name = ToAnsi(ArchiveFile())}; }

@@ -124,27 +124,6 @@ TEST_F(CollectionTest, ACrashInASearchIsToldOfItsFile) {
     expectTold(L"worse.spi");
 }
 
-TEST_F(CollectionTest, WhatIsKnownOfPluginsNeedsNoneOfThemBeforeItIsUsed) {
-    Add(L"a.spi", "info:1:A\ninfo:2:*.a;*.b\n");
-    Add(L"b.spi", "accept-all\n", 1);
-    IncrementErrorCount(folder_.Path() + L"b.spi", L"GetPicture");
-    NoteFatalLoad(folder_.Path() + L"a.spi");
-    const std::vector<KnownPlugin> known = collection_.Known();
-    collection_.RemoveAll();
-    CollectionSusie other;
-    other.SetDynamicLoad(true);
-    other.AddKnown(known);
-    EXPECT_EQ(other.Item(1).FileType(0) + other.Item(1).ProductName(), L"*.A;*.BA");
-    EXPECT_TRUE(other.Item(1).SupportConfigurationDialog() && other.Item(1).AutoUnload());
-    EXPECT_EQ(other.Item(2).DllStyle(), kStylePicture);
-    EXPECT_TRUE(other.GetInMemorySPICount() == 0 && !IsLoaded(other.Item(1).DllName()));
-    EXPECT_EQ(GetSetting(L"SPI_FATALLOADS", other.Item(1).DllName()), L"1") << "not tried out";
-    EXPECT_EQ(other.FileSupported(folder_.Write(L"a.a", "text")), 2);
-    EXPECT_EQ(GetSetting(L"SPI_FATALLOADS", other.Item(1).DllName()), L"0");
-    other.UnloadFile();
-    EXPECT_TRUE(!other.Item(1).IsLoaded() && other.Item(2).IsLoaded()) << "the one has failed";
-}
-
 TEST_F(CollectionTest, NothingChangesWhileAPluginIsAtWork) {
     Add(L"a.spi");
     const std::wstring file = folder_.Write(L"a.tst", "TST 2x3x24\n");

@@ -17,13 +17,13 @@ class ConnectionTest : public test::PluginTest, public testing::WithParamInterfa
   protected:
     // To a copy of a test plug-in, which is loaded.
     PluginConnection& Connected(const std::wstring& original, std::string_view script = {}) {
-        path_ = Plugin(original, script, std::to_wstring(++number_) + L".spi");
+        path_ = Plugin(original, script, NewName(L".spi"));
         connection_ = IsLocal() ? ConnectTo(path_) : std::make_unique<HostConnection>(path_, pool_);
         style_ = connection_->Load().style;
         return *connection_;
     }
     PluginSource File(const std::string& content) {
-        return {.name = ToAnsi(folder_.Write(std::to_wstring(++number_) + L".x", content))};
+        return {.name = ToAnsi(folder_.Write(NewName(L".x"), content))};
     }
     static PluginSource Bytes(const std::string& content) {
         return {"a.x", {reinterpret_cast<const uint8_t*>(content.data()), content.size()}, false};
@@ -46,7 +46,6 @@ class ConnectionTest : public test::PluginTest, public testing::WithParamInterfa
     std::unique_ptr<PluginConnection> connection_;
     std::wstring path_;
     int32_t style_ = kStyleNone;
-    int number_ = 0;
 };
 
 INSTANTIATE_TEST_SUITE_P(Plugin, ConnectionTest, testing::Values(Way::kLocal, Way::kHosted),
@@ -96,6 +95,7 @@ TEST_P(ConnectionTest, DescribesItOutOfEveryKindOfText) {
         {"info-fill", L"*.*"},
         {"info:2: *.abc", L"*.*"},
         {"info-longer:1000", L"*.TST"},
+        {"info-overrun:4000", L"*.TST"},
         {"info-counts-nul", L"*.TST"},
         {"info:2:*.jpg;.jpeg; JFIF \ninfo:4:*.TST; *.ts2\ninfo:5:more\ninfo:6:tst",
          L"*.JPG;*.JPEG;*.JFIF;*.TST;*.TS2;*.TST"}};

@@ -197,7 +197,9 @@ TEST_F(PluginMemoryTest, WhatAPluginTellsLaterIsRememberedToo) {
     folder_.Write(L"iftst.spi.script", "info:2:*.b\nset-up:2:*.c\nanswer:DllUnload:1");
     EXPECT_EQ(Start(), L"");
     EXPECT_EQ(SusieCollection().Item(path)->FileType(0), L"*.A");
+    NoteFatalLoad(path);
     EXPECT_EQ(SusieCollection().FileSupported(PictureFile()), 1);
+    EXPECT_EQ(GetSetting(L"SPI_FATALLOADS", path), L"0") << "now it was loaded";
     EXPECT_EQ(SusieCollection().Item(path)->FileType(0), L"*.B");
     MakeFatal(L"iftst.spi");
     EXPECT_EQ(Start(), L"");
@@ -207,8 +209,10 @@ TEST_F(PluginMemoryTest, WhatAPluginTellsLaterIsRememberedToo) {
     SusieCollection().Item(path)->ShowConfigurationDialog(nullptr);
     EXPECT_EQ(SusieCollection().Item(path)->FileType(0), L"*.C");
     MakeFatal(L"iftst.spi");
+    general_.dynamicSPILoad = 1;
     EXPECT_EQ(Start(), L"");
     EXPECT_EQ(SusieCollection().Item(path)->FileType(0), L"*.C");
+    EXPECT_TRUE(SusieCollection().Item(path)->AutoUnload());
 }
 
 TEST_F(PluginMemoryTest, OneThatCrashesWhenItIsFirstUsedIsNotTriedAgainInThisRun) {
