@@ -5,7 +5,6 @@
 
 #include <map>
 
-#include "app/base/handles.h"
 #include "helpers/files/refusal.h"
 #include "tests/support/content_of.h"
 #include "tests/support/temporary_folder.h"

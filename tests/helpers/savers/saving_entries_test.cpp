@@ -3,7 +3,6 @@
 
 #include <sddl.h>
 
-#include <map>
 #include <set>
 
 #include "app/base/text.h"
@@ -12,10 +11,8 @@
 #include "helpers/dcpng/dcpng.h"
 #include "helpers/files/replacing_file.h"
 #include "tests/helpers/savers/sample_pictures.h"
-#include "tests/support/child_process.h"
 #include "tests/support/content_of.h"
 #include "tests/support/links.h"
-#include "tests/support/loaded_library.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary::saving::test {

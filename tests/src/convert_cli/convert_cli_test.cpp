@@ -3,13 +3,9 @@
 
 #include <algorithm>
 #include <future>
-#include <string>
 
-#include "app/base/handles.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
-#include "app/settings/modValue.h"
-#include "app/settings/settings_store.h"
 #include "convert_cli/console_options.h"
 #include "convert_cli/json_report.h"
 #include "plugin/plugin_log.h"

@@ -5,7 +5,6 @@
 
 #include <tuple>
 
-#include "app/base/handles.h"
 #include "app/base/message_box.h"
 #include "helpers/files/refusal.h"
 #include "tests/support/temporary_folder.h"

@@ -1,16 +1,10 @@
 // Opening files and folders: which files, in which order, and the window meanwhile.
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <functional>
-#include <string>
 #include <tuple>
 #include <vector>
 
 #include "app/base/error.h"
-#include "app/base/handles.h"
 #include "app/base/modGetFolder.h"
-#include "app/base/paths.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/links.h"
 #include "tests/support/temporary_folder.h"
@@ -19,7 +13,6 @@
 #include "ui/control/open_commands.h"
 #include "ui/dialogs/ComDlg.h"
 #include "ui/dialogs/folder_browser.h"
-#include "ui/form/activity.h"
 
 namespace tessary::test {
 namespace {

@@ -12,7 +12,6 @@
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/control/save_name.h"
-#include "ui/form/activity.h"
 #include "ui/form/timer.h"
 
 namespace tessary::test {

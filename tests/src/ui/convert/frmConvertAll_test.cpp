@@ -1,15 +1,7 @@
 // The batch converter's window, driven as its user does, over the real engine.
 #include "ui/convert/frmConvertAll.h"
 
-#include <gtest/gtest.h>
-
-#include <deque>
-#include <filesystem>
-#include <string>
-#include <vector>
-
 #include "app/base/paths.h"
-#include "res/resource.h"
 #include "tests/src/ui/dialogs/driven_dialog.h"
 #include "tests/src/ui/main/dropped_files.h"
 #include "tests/src/ui/main/main_window.h"
@@ -19,7 +11,6 @@
 #include "ui/convert/convert_commands.h"
 #include "ui/dialogs/ComDlg.h"
 #include "ui/dialogs/folder_browser.h"
-#include "ui/form/activity.h"
 #include "ui/form/session_hold.h"
 
 namespace tessary::test {

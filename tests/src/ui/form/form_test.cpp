@@ -7,9 +7,7 @@
 #include <atomic>
 #include <memory>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "app/base/call_user.h"
 #include "app/base/message_box.h"
@@ -18,9 +16,7 @@
 #include "tests/src/ui/dialogs/driven_dialog.h"
 #include "tests/src/ui/message_spy.h"
 #include "tests/src/ui/run_until.h"
-#include "ui/form/message_loop.h"
 #include "ui/form/session_hold.h"
-#include "ui/form/timer.h"
 
 // The system's, and in no header of its.
 extern "C" {

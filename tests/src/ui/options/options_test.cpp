@@ -1,12 +1,8 @@
 // The options dialog, the plug-in folder items and the version windows, with real plug-ins.
 #include "ui/options/option_commands.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "plugin/modSusie.h"
 #include "plugin/plugin_ends.h"
