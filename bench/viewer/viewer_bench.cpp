@@ -34,9 +34,11 @@ constexpr int kRuns = 9;
 // A view without a window: takes pictures as the main window does.
 class QuietView final : public PictureView {
   public:
-    FitRoom Room() const override { return {{1280, 1024}, {1280, 1024}}; }
+    SightRoom Room() const override {
+        return {.whole = {1280, 1024}, .bars = {}, .workArea = {1280, 1024}};
+    }
     void SetPicture(Picture picture, const Picture& prepared) override {
-        const SIZE size = FittedSize({picture.Width(), picture.Height()}, ChosenFitRule(), Room());
+        const SIZE size = SizeInRoom({picture.Width(), picture.Height()}, ChosenFitRule(), Room());
         const SightPart all{size, {0, 0, size.cx, size.cy}};
         shown_ = SharpPart::Of(
             all, prepared ? prepared.Another() : ResizePicturePart(picture, size, all.part));
