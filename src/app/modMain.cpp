@@ -57,15 +57,24 @@ int ShowCommand() {
     return (start.dwFlags & STARTF_USESHOWWINDOW) != 0 ? start.wShowWindow : SW_SHOWNORMAL;
 }
 
+// Why there is no program to run plug-ins in; bitmaps are shown without it. Empty when there is
+// one.
+std::wstring NoHostNotice() {
+    const uint32_t why = WhyNoHostProgram(HostProgram());
+    return why == 0 ? std::wstring() : NoHostText(why);
+}
+
 // Names the plug-ins in whose calls earlier runs ended, and what the loading has found amiss. In
 // the status bar: a message box would greet the user with a plug-in's fault, again and again if it
 // ends every run.
 void TellNotices(PictureView& view, const HelperLibraries& libraries, bool isAsked) {
     std::vector<std::wstring> notices = InterruptedCallNotices();
     // What is still to be asked was not left out.
-    if (std::wstring loading = isAsked ? LoadingNotice() : L""; !loading.empty())
-        notices.push_back(std::move(loading));
+    const std::wstring loading = isAsked ? LoadingNotice() : L"";
+    if (!loading.empty()) notices.push_back(loading);
     if (!libraries.notice.empty()) notices.push_back(libraries.notice);
+    if (std::wstring why = NoHostNotice(); loading.find(why) == std::wstring::npos)
+        notices.push_back(std::move(why));
     if (!notices.empty()) view.SetPanelText(kNoticePanel, InOneLine(notices));
 }
 
@@ -154,10 +163,6 @@ bool InitializeApplication(HelperLibraries& libraries) {
     UseFurtherHosts(HostWindows::kHidden);
     Ahead().Begin(ReadingThreads(), Host().furtherConnector);
     libraries = CheckHelperLibraries();
-    // Bitmaps are shown without it.
-    if (const uint32_t why = WhyNoHostProgram(AppFolder() + kHostProgram)) {
-        libraries.notice = NoHostText(why);
-    }
     if (!libraries || !ReadGeneralSettings() || !ReadConvertSettings() ||
         !ApplyFirstRunDefaults()) {
         return false;

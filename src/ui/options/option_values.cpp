@@ -20,6 +20,7 @@ void PutRight(GeneralSettings& general) {
         *flag = *flag == 1 ? 1 : 0;
     }
     general.readAheadMemory = std::clamp(general.readAheadMemory, 0, kMostReadAheadMemory);
+    general.backdrop = std::clamp(general.backdrop, kBackdropSquares, kLastBackdrop);
     general.openFolderType = general.openFolderType != 0 ? 1 : 0;
     general.slideShowTime = std::clamp<int16_t>(general.slideShowTime, 0, kMostSlideShowTime);
     general.reduceColorNum = std::clamp<int16_t>(general.reduceColorNum, 2, 256);
