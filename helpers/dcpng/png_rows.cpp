@@ -1,6 +1,7 @@
 #include "helpers/dcpng/png_rows.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace tessary::dcpng {
@@ -24,11 +25,41 @@ PngRows::PngRows(const dib::DibView& picture)
         bitDepth_ = depth;
         kind_ = palette_.IsGrey() && MapToGrey() ? PngKind::kGrey : PngKind::kPalette;
     } else if (picture.Format() == dib::PixelFormat::kBgra32) {
-        kind_ = PngKind::kRgba;
+        table_ = AlphaTable::Of(picture);
+        kind_ = table_ ? PngKind::kPalette : PngKind::kRgba;
+        if (table_) TakeTable();
     }
     bitsPerPixel_ = static_cast<uint32_t>(bitDepth_) * Channels(kind_);
     rowBytes_ =
         static_cast<size_t>(dib::RowBytes(static_cast<uint64_t>(picture.Width()), bitsPerPixel_));
+}
+
+void PngRows::TakeTable() {
+    palette_.size = table_->Colors().size();
+    std::ranges::transform(table_->Colors(), palette_.entries.begin(), [](uint32_t color) {
+        return dib::PaletteEntry{static_cast<uint8_t>(color), static_cast<uint8_t>(color >> 8),
+                                 static_cast<uint8_t>(color >> 16), 0};
+    });
+    bitDepth_ = palette_.size <= 2 ? 1 : palette_.size <= 16 ? 4 : 8;
+}
+
+std::vector<uint8_t> PngRows::Alphas() const {
+    std::vector<uint8_t> alphas;
+    if (!table_) return alphas;
+    for (const uint32_t color : table_->Colors().first(table_->Transparent()))
+        alphas.push_back(static_cast<uint8_t>(color >> 24));
+    return alphas;
+}
+
+void PngRows::PackColors(std::span<const uint8_t> row, std::span<uint8_t> out) const {
+    std::ranges::fill(out, uint8_t{0});
+    const auto depth = static_cast<size_t>(bitDepth_);
+    for (size_t x = 0; x < static_cast<size_t>(picture_.Width()); ++x) {
+        uint32_t color = 0;
+        std::memcpy(&color, row.data() + x * 4, sizeof(color));
+        const size_t bit = x * depth;
+        out[bit / 8] |= static_cast<uint8_t>(table_->IndexOf(color) << (8 - depth - bit % 8));
+    }
 }
 
 bool PngRows::MapToGrey() {
@@ -67,7 +98,7 @@ void PngRows::Pack(int32_t y, std::span<uint8_t> out) const {
     switch (kind_) {
         case PngKind::kGrey:
         case PngKind::kPalette:
-            return PackIndexes(row, pixels);
+            return table_ ? PackColors(row, pixels) : PackIndexes(row, pixels);
         case PngKind::kRgb:
             reader_.Row(row, pixels);
             return SwapRedAndBlue(pixels, 3);

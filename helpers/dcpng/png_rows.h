@@ -4,8 +4,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <vector>
 
+#include "helpers/dcpng/alpha_table.h"
 #include "helpers/dib/unpack_row.h"
 #include "helpers/saving/trimmed_palette.h"
 
@@ -20,7 +23,8 @@ enum class PngKind { kGrey, kPalette, kRgb, kRgba };
 // Depths with a colour table keep their depth. They become grey when all colours of the trimmed
 // table are grey levels that the depth can hold (of 1 bit: 0 and 255; of 4 bits: multiples of 17),
 // else they keep their table. 16 and 24 bits become RGB. 32 bits become RGBA when their fourth
-// bytes are declared to be alpha, else RGB: what else stands there is junk as often as not.
+// bytes are declared to be alpha, or indexes of 1, 4 or 8 bits where they have no more colours than
+// a table, else RGB: what else stands there is junk as often as not.
 class PngRows {
   public:
     // `picture` must outlive the object.
@@ -32,6 +36,8 @@ class PngRows {
     size_t RowBytes() const { return rowBytes_; }
     // The colour table of kPalette.
     std::span<const dib::PaletteEntry> Palette() const { return palette_.Entries(); }
+    // The alpha of its first entries; the others are opaque.
+    std::vector<uint8_t> Alphas() const;
 
     // Writes row y, counted from the top, to the first RowBytes() bytes of `out`.
     void Pack(int32_t y, std::span<uint8_t> out) const;
@@ -40,10 +46,13 @@ class PngRows {
     // Fills greyBytes_; false when the levels do not fit into the depth.
     bool MapToGrey();
     void PackIndexes(std::span<const uint8_t> row, std::span<uint8_t> out) const;
+    void TakeTable();
+    void PackColors(std::span<const uint8_t> row, std::span<uint8_t> out) const;
 
     const dib::DibView& picture_;
     dib::RowReader reader_;
     saving::TrimmedPalette palette_;
+    std::optional<AlphaTable> table_{};  // of a picture with alpha
     PngKind kind_ = PngKind::kRgb;
     int bitDepth_ = 8;
     uint32_t bitsPerPixel_ = 0;

@@ -9,6 +9,7 @@
 #include <csetjmp>
 #include <memory>
 #include <new>
+#include <vector>
 
 #include "helpers/dcpng/png_rows.h"
 #include "helpers/dcpng/strip_maker.h"
@@ -73,7 +74,8 @@ class PngSession {
         return true;
     }
 
-    void WriteHeader(const dib::DibView& picture, const PngRows& rows, bool interlace);
+    void WriteHeader(const dib::DibView& picture, const PngRows& rows,
+                     std::span<const uint8_t> alphas, bool interlace);
     SaveResult WritePixels(const PngRows& rows, const StripLayout& layout, int level,
                            const dib::Progress& progress);
     // The pieces become one chunk.
@@ -98,7 +100,8 @@ class PngSession {
     bool refused_ = false;  // by the sink
 };
 
-void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows, bool interlace) {
+void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows,
+                             std::span<const uint8_t> alphas, bool interlace) {
     const auto width = static_cast<png_uint_32>(picture.Width());
     const auto height = static_cast<png_uint_32>(picture.Height());
     png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
@@ -111,6 +114,9 @@ void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows, b
         for (const dib::PaletteEntry& entry : rows.Palette())
             colors[count++] = {entry.red, entry.green, entry.blue};
         png_set_PLTE(png_, info_, colors, count);
+        if (!alphas.empty()) {
+            png_set_tRNS(png_, info_, alphas.data(), static_cast<int>(alphas.size()), nullptr);
+        }
     }
     const dib::BitmapInfoHeader& header = picture.Header();
     if (header.xPelsPerMeter > 0 && header.yPelsPerMeter > 0) {
@@ -166,7 +172,8 @@ SaveResult PngSession::Save(const dib::DibView& picture, const saving::PngSaveOp
     const StripLayout layout(PassesOf(static_cast<uint32_t>(picture.Width()),
                                       static_cast<uint32_t>(picture.Height()), rows.BitsPerPixel(),
                                       interlace));
-    if (!Run([&] { WriteHeader(picture, rows, interlace); })) return GaveUp();
+    const std::vector<uint8_t> alphas = rows.Alphas();
+    if (!Run([&] { WriteHeader(picture, rows, alphas, interlace); })) return GaveUp();
     const SaveResult result = WritePixels(rows, layout, level, progress);
     if (result != SaveResult::kSaved) return result;
     constexpr png_byte kEnd[] = {'I', 'E', 'N', 'D'};

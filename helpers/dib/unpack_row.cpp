@@ -123,7 +123,7 @@ void RowReader::Unpack(std::span<const uint8_t> row, std::span<uint8_t> out) con
             break;
         case PixelFormat::kBgra32:
             if (kBytes == 3 && !allTransparent_) {
-                const int backdrop = backdrop_ == Backdrop::kWhite ? 255 : 0;
+                const int backdrop = static_cast<int>(backdrop_);
                 for (size_t x = 0; x < width_; ++x) {
                     const uint8_t* p = in + x * 4;
                     for (size_t channel = 0; channel < 3; ++channel)

@@ -5,12 +5,10 @@
 #include <cstdint>
 #include <span>
 
+#include "helpers/dib/backdrop.h"
 #include "helpers/dib/dib_view.h"
 
 namespace tessary::dib {
-
-// What pixels with alpha are laid over where three bytes are wanted.
-enum class Backdrop : uint8_t { kWhite, kBlack };
 
 // Made once per picture, used for each of its rows; independent of the pair's blocks once made.
 // Palette indexes beyond the colour table give black; 5- and 6-bit channels are widened by

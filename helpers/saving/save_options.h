@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "helpers/dib/backdrop.h"
+
 namespace tessary::saving {
 
 struct BmpSaveOptions {
@@ -40,6 +42,8 @@ struct SaveOptions {
     BmpSaveOptions bmp;
     PngSaveOptions png;
     JpegSaveOptions jpeg;
+    // What transparent pixels are laid over in formats without transparency.
+    dib::Backdrop backdrop = dib::Backdrop::kWhite;
 
     bool operator==(const SaveOptions&) const = default;
 };

@@ -203,16 +203,16 @@ void PngReader::ReadBackground() {
     }
 }
 
-// Whether pixels are indexes into a table that transparency can be worked into: then no pixel needs
-// to change.
+// Whether pixels are indexes into a table that transparency, where it is not handed out, can be
+// worked into: then no pixel needs to change.
 bool PngReader::HasTable() const {
-    return IsIndexed() || (colorType_ == PNG_COLOR_TYPE_GRAY && bitDepth_ <= 8);
+    const bool isStoredSo = IsIndexed() || (colorType_ == PNG_COLOR_TYPE_GRAY && bitDepth_ <= 8);
+    return isStoredSo && !HandsOutAlpha();
 }
 
 bool PngReader::HandsOutAlpha() const {
-    return keepsAlpha_ && !HasTable() &&
-           ((colorType_ & PNG_COLOR_MASK_ALPHA) != 0 ||
-            png_get_valid(png_, info_, PNG_INFO_tRNS) != 0);
+    return keepsAlpha_ && ((colorType_ & PNG_COLOR_MASK_ALPHA) != 0 ||
+                           png_get_valid(png_, info_, PNG_INFO_tRNS) != 0);
 }
 
 codec::PictureForm PngReader::Form() const {

@@ -26,8 +26,8 @@ class PngReader {
     PngReader(const PngReader&) = delete;
     PngReader& operator=(const PngReader&) = delete;
 
-    // Hands transparency out as alpha instead of laying it over a colour, but for that of colour
-    // tables. To be called before anything else.
+    // Hands transparency out as alpha instead of laying it over a colour. To be called before
+    // anything else.
     void KeepAlpha() { keepsAlpha_ = true; }
 
     // Reads up to the picture data. To be called first, once.

@@ -57,7 +57,7 @@ ConvertEnd ConvertFiles(const std::wstring& targetFolder, ConvertMonitor& monito
         const ProgressWatch watch(monitor);
         const NoSystemMessages quiet;
         const StayAwake awake(AwakeNeed::kMachine, L"画像を変換しています");
-        ConvertRun run(AddBackslash(folder), files, {Values().convert, Values().saveOptions},
+        ConvertRun run(AddBackslash(folder), files, {Values().convert, ChosenSaveOptions()},
                        monitor);
         const bool isWhole = run.Run();
         if (const uint32_t refusal = run.Log().Refusal(); refusal != 0) GiveUpLogFile(refusal);

@@ -120,9 +120,9 @@ int16_t PictureFromClipboardDIB(HGLOBAL block) {
     return 0;
 }
 
-UniqueGlobal MakeClipboardDIB(const Picture& picture) {
+UniqueGlobal MakeClipboardDIB(const Picture& picture, dib::Backdrop backdrop) {
     if (!picture) return {};
-    const Picture opaque = OpaquePicture(picture.View());
+    const Picture opaque = OpaquePicture(picture.View(), backdrop);
     const Picture& given = opaque ? opaque : picture;
     if (given.HasAlpha()) return {};  // no memory
     const dib::DibView& view = given.View();

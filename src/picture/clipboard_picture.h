@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "app/base/handles.h"
+#include "helpers/dib/backdrop.h"
 #include "picture/picture.h"
 
 namespace tessary {
@@ -24,8 +25,9 @@ ClipboardBlock ReadClipboardDIB(HGLOBAL block, Picture& picture);
 int16_t PictureFromClipboardDIB(HGLOBAL block);
 
 // A picture as such a block, movable, ready to be given to the clipboard: bottom row first, which
-// all programs understand, transparent pixels laid over white, and with opaque fourth bytes of
-// 32-bit pixels, which some take for alpha. Null for no picture, or without memory.
-UniqueGlobal MakeClipboardDIB(const Picture& picture);
+// all programs understand, transparent pixels laid over the backdrop, and with opaque fourth bytes
+// of 32-bit pixels, which some take for alpha. Null for no picture, or without memory.
+UniqueGlobal MakeClipboardDIB(const Picture& picture,
+                              dib::Backdrop backdrop = dib::Backdrop::kWhite);
 
 }  // namespace tessary

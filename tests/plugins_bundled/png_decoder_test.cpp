@@ -112,7 +112,8 @@ TEST_P(PngDecoder, ReadsEveryKind) {
 
 TEST_P(PngDecoder, HandsAlphaToThoseWhoTakeIt) {
     for (const char* name :
-         {"grey16", "color8", "grey-alpha8", "color-alpha8-interlaced", "color-alpha16"}) {
+         {"grey1", "grey2-interlaced", "grey8", "grey16", "color8", "palette1-interlaced",
+          "palette4", "palette8", "grey-alpha8", "color-alpha8-interlaced", "color-alpha16"}) {
         SCOPED_TRACE(name);
         const Bytes file = Png(name);
         const Decoded kept(decoder_, file, {}, true);

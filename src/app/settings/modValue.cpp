@@ -12,9 +12,26 @@ void PutSecondsRight(GeneralSettings& general) {
     put(general.workingSeconds, kWorkingSeconds, kMostWorkingSeconds);
 }
 
+dib::Backdrop FlatBackdrop(const GeneralSettings& general) {
+    switch (general.backdrop) {
+        case kBackdropBlack:
+            return dib::Backdrop::kBlack;
+        case kBackdropGrey:
+            return dib::Backdrop::kGrey;
+        default:
+            return dib::Backdrop::kWhite;
+    }
+}
+
 ProcessValues& Values() {
     static ProcessValues values;
     return values;
+}
+
+saving::SaveOptions ChosenSaveOptions() {
+    saving::SaveOptions options = Values().saveOptions;
+    options.backdrop = FlatBackdrop(Values().general);
+    return options;
 }
 
 void GiveUpLogFile(uint32_t error) {

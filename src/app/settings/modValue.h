@@ -69,6 +69,10 @@ struct GeneralSettings {
     bool operator==(const GeneralSettings&) const = default;
 };
 
+// What transparent pixels are laid over where there is no chequerboard: as it is chosen for the
+// view, white in its place.
+dib::Backdrop FlatBackdrop(const GeneralSettings& general);
+
 // Puts the numbers of seconds right that somebody has typed: 0 and less stand for the default.
 void PutSecondsRight(GeneralSettings& general);
 
@@ -141,6 +145,9 @@ struct ProcessValues {
 
 // The one instance.
 ProcessValues& Values();
+
+// The save options as the user has chosen them now, with what belongs to them elsewhere.
+saving::SaveOptions ChosenSaveOptions();
 
 // The conversion log's file could not be opened: convert.outputErrorLog is 0 until the program ends
 // or the user chooses anew, and the store keeps the user's 1.

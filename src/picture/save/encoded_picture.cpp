@@ -7,6 +7,7 @@
 #include "helpers/files/replacing_file.h"
 #include "helpers/saving/bytes_callback.h"
 #include "helpers/saving/progress_callback.h"
+#include "picture/save/save_picture.h"
 
 namespace tessary {
 namespace {
@@ -52,7 +53,8 @@ std::shared_ptr<const EncodedPicture> EncodePicture(const Picture& picture,
     encoded->width = picture.Width();
     encoded->height = picture.Height();
     encoded->bitCount = picture.Header().bitCount;
-    const bool isMade = make(picture.Info().data(), picture.Bits().data(), writer.options(options),
+    const Picture saved = AsItIsSaved(picture, format, options);
+    const bool isMade = make(saved.Info().data(), saved.Bits().data(), writer.options(options),
                              Take, &encoded->bytes, passThrough) == ERROR_SUCCESS;
     return isMade ? encoded : nullptr;
 }

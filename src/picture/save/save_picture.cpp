@@ -2,12 +2,14 @@
 
 #include <cstring>
 #include <optional>
+#include <utility>
 
 #include "app/base/error.h"
 #include "app/base/helper_function.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "helpers/dib/dib_view.h"
+#include "picture/opaque_picture.h"
 
 namespace tessary {
 namespace {
@@ -98,7 +100,17 @@ bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std:
         SetLastError(ERROR_INVALID_DATA);
         return false;
     }
-    return SaveParts(format, {picture.Info(), picture.Bits()}, fileName, options, passThrough);
+    const Picture saved = AsItIsSaved(picture, format, options);
+    return SaveParts(format, {saved.Info(), saved.Bits()}, fileName, options, passThrough);
+}
+
+Picture AsItIsSaved(const Picture& picture, const SaverFormat& format,
+                    const saving::SaveOptions& options) {
+    // Over white the libraries lay it themselves, row by row.
+    Picture opaque;
+    if (!format.metadata.alpha && options.backdrop != dib::Backdrop::kWhite)
+        opaque = OpaquePicture(picture.View(), options.backdrop);
+    return opaque ? std::move(opaque) : picture.Another();
 }
 
 bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,

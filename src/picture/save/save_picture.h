@@ -28,6 +28,10 @@ bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
 bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std::wstring& fileName,
                    const saving::SaveOptions& options, LONG_PTR passThrough);
 
+// The picture for a format: in one without transparency laid over the options' backdrop.
+Picture AsItIsSaved(const Picture& picture, const SaverFormat& format,
+                    const saving::SaveOptions& options);
+
 // One format each, for the addresses of the locked blocks of a plain pair.
 bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,
                 const saving::BmpSaveOptions& options, LONG_PTR passThrough = 0);

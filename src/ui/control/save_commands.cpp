@@ -62,7 +62,7 @@ Saved SaveTellingProgress(const SaverFormat& format, const std::wstring& path, f
         return !shown.IsStopped();
     });
     SetLastError(ERROR_SUCCESS);
-    if (SavePictureAs(format, CurrentPicture(), path, Values().saveOptions,
+    if (SavePictureAs(format, CurrentPicture(), path, ChosenSaveOptions(),
                       SaveProgress::PassThrough())) {
         return Saved::kYes;
     }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/base/message_box.h"
+#include "app/settings/modValue.h"
 #include "picture/clipboard_picture.h"
 #include "picture/current_picture.h"
 #include "picture/save/clipboard_png.h"
@@ -34,7 +35,7 @@ bool OffersPicture() {
 // a program asks.
 ClipboardResult CopyPicture(HWND owner, const Picture& picture) {
     std::vector<ClipboardItem> items;
-    items.push_back({CF_DIB, MakeClipboardDIB(picture)});
+    items.push_back({CF_DIB, MakeClipboardDIB(picture, FlatBackdrop(Values().general))});
     if (!items[0].block) return {ClipboardFailure::kRefused};
     if (int64_t{picture.Width()} * picture.Height() <= kMostPngPixels) {
         UniqueGlobal png = MakeClipboardPNG(picture);

@@ -48,7 +48,8 @@ Picture DesktopPicture(const SightRoom& room) {
     const Picture resized = IsExactAsItIs(own, wanted)
                                 ? current.Another()
                                 : ResizePicture(current, wanted.cx, wanted.cy);
-    const Picture opaque = resized ? OpaquePicture(resized.View()) : Picture();
+    const Picture opaque =
+        resized ? OpaquePicture(resized.View(), FlatBackdrop(Values().general)) : Picture();
     const Picture& shown = opaque ? opaque : resized;
     const UniqueScreenDc screen(GetDC(nullptr));
     PictureReference object;

@@ -80,6 +80,23 @@ TEST(PngWriter, JoinsStripsIntoOneStream) {
     }
 }
 
+TEST(PngWriter, FewColorsWithAlphaBecomeATable) {
+    for (const auto& [colors, depth] : {std::pair{2, 1}, {3, 4}, {17, 8}, {256, 8}, {257, 8}}) {
+        SamplePicture picture(PixelFormat::kBgra32, 37, 19, {});
+        for (size_t i = 0; i < picture.bits.size(); i += 4) {
+            const size_t color = i / 4 % static_cast<size_t>(colors);
+            for (const size_t channel : {0u, 1u, 2u, 3u})  // every third is opaque
+                picture.bits[i + channel] = static_cast<uint8_t>(
+                    channel == 3 ? (color % 3 == 0 ? 255 : color) : color * 5 + color / 256);
+        }
+        const Bytes file = Saved(picture, {6, static_cast<int16_t>(colors % 2)});
+        EXPECT_EQ(PixelsOf(file), Bgra(picture.View())) << colors;
+        auto chunks = Chunks(file);
+        EXPECT_EQ(chunks["IHDR"][8], depth) << colors;
+        EXPECT_EQ(chunks["tRNS"].size(), colors > 256 ? 0u : colors * 2u / 3) << colors;
+    }
+}
+
 TEST(PngWriter, TakesLevelAndResolution) {
     SamplePicture picture = MixedPicture(PixelFormat::kBgr24, 300, 100);
     const auto size = [&](int16_t level) { return Saved(picture, {level, 0}).size(); };

@@ -3,8 +3,10 @@
 
 #include "app/base/paths.h"
 #include "picture/bitmap_file.h"
+#include "picture/save/encoded_picture.h"
 #include "picture/save/save_progress.h"
 #include "tests/helpers/dib/sample_bitmaps.h"
+#include "tests/helpers/dib/sample_picture.h"
 #include "tests/support/content_of.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
@@ -89,6 +91,25 @@ TEST_F(SavePictureTest, StoppedWriterLeavesTheOldFile) {
         EXPECT_TRUE(save({})) << "nobody watches";
         DeleteFileW(path.c_str());
     }
+}
+
+TEST_F(SavePictureTest, TransparencyGetsTheChosenBackdropWhereItIsLost) {
+    dib::test::SamplePicture sample(dib::PixelFormat::kBgra32, 2, 1, {});
+    sample.bits = {1, 2, 3, 255, 9, 9, 9, 0};
+    const Picture picture = Picture::Make(sample.info, [&](std::span<uint8_t> rows) {
+        std::ranges::copy(sample.bits, rows.begin());
+        return true;
+    });
+    ASSERT_TRUE(picture.HasAlpha());
+    saving::SaveOptions options;
+    options.backdrop = dib::Backdrop::kGrey;
+    const Picture flat = AsItIsSaved(picture, *SaverFormatAt(kJpegFormat), options);
+    EXPECT_EQ(Bytes(flat.Bits().begin(), flat.Bits().begin() + 6), Bytes({1, 2, 3, 128, 128, 128}));
+    EXPECT_TRUE(AsItIsSaved(picture, *SaverFormatAt(kPngFormat), options).HasAlpha());
+    const auto encoded = [&](const saving::SaveOptions& chosen) {
+        return EncodePicture(picture, *SaverFormatAt(kJpegFormat), chosen, 0)->bytes.Pieces();
+    };
+    EXPECT_NE(encoded(options), encoded({}));
 }
 
 TEST_F(SavePictureTest, InfoBlockMayHoldAWholeFile) {

@@ -12,7 +12,7 @@ namespace {
 TEST(SaveOptionTest, EachFormatHasItsPanel) {
     frmSaveOption form;
     saving::SaveOptions all;
-    auto& [bmp, png, jpeg] = all;
+    auto& [bmp, png, jpeg, backdrop] = all;
     all = {{.saveType = 1, .saveRLE = 1}, {.quality = 99}, {.quality = 75, .progressive = 1}};
     const auto edit = [&](int32_t format) {
         return form.Edit(nullptr, *SaverFormatAt(format), all);
