@@ -1,5 +1,5 @@
 # The libraries that decode and compress, under names of our own: tessary::jpeg (libjpeg-turbo,
-# jpeglib.h), tessary::png (libpng), tessary::zlib, tessary::lzma (liblzma), tessary::archive
+# jpeglib.h), tessary::turbojpeg (the same, turbojpeg.h), tessary::png (libpng), tessary::zlib, tessary::lzma (liblzma), tessary::archive
 # (libarchive, with what it needs), tessary::lhasa (lhasa/lhasa.h), tessary::deflate
 # (libdeflate.h) and tessary::lcms (Little CMS, lcms2.h). scripts/dependencies.sh puts them where the presets' CMAKE_PREFIX_PATH looks.
 
@@ -18,6 +18,14 @@ set(CMAKE_FIND_PACKAGE_TARGETS_GLOBAL ON)
 tessary_find_dependency(zlib ZLIB ZLIB::ZLIB)
 tessary_find_dependency(png PNG PNG::PNG)
 tessary_find_dependency(jpeg JPEG JPEG::JPEG)
+find_library(TESSARY_TURBOJPEG_LIBRARY turbojpeg)
+if(NOT TESSARY_TURBOJPEG_LIBRARY)
+    message(FATAL_ERROR "TurboJPEG is missing: run scripts/dependencies.sh")
+endif()
+get_filename_component(tessary_turbojpeg_prefix "${TESSARY_TURBOJPEG_LIBRARY}/../.." ABSOLUTE)
+add_library(tessary::turbojpeg INTERFACE IMPORTED GLOBAL)
+target_link_libraries(tessary::turbojpeg INTERFACE "${TESSARY_TURBOJPEG_LIBRARY}")
+target_include_directories(tessary::turbojpeg INTERFACE "${tessary_turbojpeg_prefix}/include")
 # All versions of today have these; looking for them fails on an instrumented library.
 foreach(entry AUTO_DECODER EASY_ENCODER LZMA_PRESET)
     set(LIBLZMA_HAS_${entry} ON)

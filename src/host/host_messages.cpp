@@ -29,6 +29,15 @@ void Transfer(Wire& wire, FileInfo& member) {
 
 }  // namespace susie
 
+namespace jpeg {
+
+template <class Wire>
+void Transfer(Wire& wire, TurnWish& wish) {
+    wire(wish.orientation, wish.width, wish.height, wish.followsFile, wish.trims);
+}
+
+}  // namespace jpeg
+
 template <class Wire>
 void Transfer(Wire& wire, WireSection& section) {
     wire(section.handle, section.size, section.id);
@@ -38,7 +47,7 @@ template <class Wire>
 void Transfer(Wire& wire, HostRequest& request) {
     wire(request.operation, request.plugin, request.sourceName, request.isFile, request.bytes,
          request.isPreview, request.tellsProgress, request.tellsCondition, request.member,
-         request.folder, request.parent, request.returned);
+         request.folder, request.parent, request.turn, request.returned);
 }
 
 template <class Wire>
@@ -46,8 +55,8 @@ void Transfer(Wire& wire, HostReply& reply) {
     wire(reply.code, reply.condition, reply.conditionText, reply.faultMessage, reply.faultFunction,
          reply.failures, reply.isWorn, reply.style, reply.loadError, reply.isLoaded, reply.isInUse,
          reply.hasSettings, reply.productName, reply.patterns, reply.width, reply.height,
-         reply.colorDepth, reply.wasStopped, reply.members, reply.bytes, reply.infoSize,
-         reply.profileSize, reply.bitsAt);
+         reply.colorDepth, reply.wasStopped, reply.members, reply.turned, reply.trimmedLeft,
+         reply.trimmedTop, reply.bytes, reply.infoSize, reply.profileSize, reply.bitsAt);
 }
 
 namespace {
@@ -86,7 +95,8 @@ std::optional<HostRequest> RequestOf(std::span<const uint8_t> bytes) {
 
 std::optional<HostReply> ReplyOf(std::span<const uint8_t> bytes) {
     std::optional<HostReply> reply = Read<HostReply>(bytes);
-    if (!reply || reply->patterns.size() > kMaxPatterns || reply->failures.size() > kMaxFailures ||
+    if (!reply || reply->turned > jpeg::TurnResult::kLast ||
+        reply->patterns.size() > kMaxPatterns || reply->failures.size() > kMaxFailures ||
         !std::ranges::all_of(reply->failures, IsNotedFunction)) {
         return std::nullopt;
     }

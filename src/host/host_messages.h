@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "helpers/jpeg_turn/jpeg_turn.h"
 #include "helpers/susiectl/susie_interface.h"
 #include "plugin/file_patterns.h"
 
@@ -27,7 +28,8 @@ enum class HostOperation : uint32_t {
     kList,
     kExtract,
     kConfigure,
-    kLast = kConfigure,
+    kTurnJpeg,  // of no plug-in's
+    kLast = kTurnJpeg,
 };
 
 // Bytes in a section of shared memory.
@@ -51,7 +53,8 @@ struct HostRequest {
     bool tellsCondition = true;  // the plug-in may be asked for it
     susie::FileInfo member{};
     std::optional<std::string> folder{};
-    uint64_t parent = 0;               // window
+    uint64_t parent = 0;  // window
+    jpeg::TurnWish turn{};
     std::vector<uint32_t> returned{};  // the ids of sections that nobody reads any more
 };
 
@@ -77,6 +80,10 @@ struct HostReply {
     int32_t colorDepth = -1;
     bool wasStopped = false;
     std::optional<std::vector<susie::FileInfo>> members{};
+    // Of a turned file, which lies in `bytes`.
+    jpeg::TurnResult turned = jpeg::TurnResult::kDamaged;
+    uint32_t trimmedLeft = 0;
+    uint32_t trimmedTop = 0;
     // A member's bytes; or a picture's info block, its profile, and its bits block behind them.
     WireSection bytes{};
     uint64_t infoSize = 0;

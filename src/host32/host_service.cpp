@@ -126,6 +126,7 @@ HostReply HostService::Carried(const HostRequest& request) {
     }
     for (const uint32_t id : request.returned)
         stock_.Return(id);
+    if (request.operation == HostOperation::kTurnJpeg) return TurnJpeg(request);
     LocalConnection& plugin = ConnectionOf(request.plugin, loads);
     PluginSource source{.name = request.sourceName, .bytes = {}, .isFile = request.isFile};
     const std::optional<Section> bytes = BytesOfSource(request);
@@ -288,6 +289,27 @@ HostReply HostService::Extract(LocalConnection& plugin, const PluginSource& sour
         return reply;
     }
     Copy(lock.Bytes(), section->bytes);
+    reply.bytes = section->wire;
+    return reply;
+}
+
+HostReply HostService::TurnJpeg(const HostRequest& request) {
+    HostReply reply;
+    const std::optional<Section> bytes = BytesOfSource(request);
+    if (!bytes) return reply;
+    const jpeg::TurnedJpeg turned = Trapped(jpeg::TurnedJpeg{jpeg::TurnResult::kNoMemory}, [&] {
+        return jpeg::Turn(bytes->Bytes(), request.turn);
+    });
+    reply.turned = turned.result;
+    reply.trimmedLeft = turned.left;
+    reply.trimmedTop = turned.top;
+    if (turned.file.empty()) return reply;
+    const auto section = stock_.Take(turned.file.size());
+    if (!section) {
+        reply.turned = jpeg::TurnResult::kNoMemory;
+        return reply;
+    }
+    Copy(turned.file, section->bytes);
     reply.bytes = section->wire;
     return reply;
 }

@@ -57,6 +57,7 @@ class HostService {
     HostReply List(LocalConnection& plugin, const PluginSource& source);
     HostReply Extract(LocalConnection& plugin, const PluginSource& source,
                       const HostRequest& request);
+    HostReply TurnJpeg(const HostRequest& request);
     SusieProgress ProgressOf(const HostRequest& request);
 
     // Room for a picture in a section of the stock's.
