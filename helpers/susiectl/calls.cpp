@@ -171,6 +171,31 @@ SUSIECTL_ENTRY int __stdcall GetLastCondition(FARPROC function, wchar_t* text, i
     });
 }
 
+SUSIECTL_ENTRY int __stdcall OpenFrames(FARPROC function, const char* source, LONG_PTR length,
+                                        uint32_t flag, susie::FrameList* list, void** frames) {
+    return Enter(function, [&] {
+        LentBlock record(list, sizeof *list);
+        return CallAndReturn(
+            record, function,
+            {Word(source), Word(length), Word(flag), record.Address(), Word(frames)});
+    });
+}
+
+SUSIECTL_ENTRY int __stdcall GetFrame(FARPROC function, void* frames, uint32_t index,
+                                      uint32_t* duration, susie::PictureRoom* room,
+                                      susie::ProgressCallback progress, LONG_PTR userData) {
+    return Enter(function, [&] {
+        return Call(function,
+                    {Word(frames), Word(index), Word(duration), Word(room), 0,
+                     Word(&ReportProgress), kNoUserData},
+                    {progress, userData});
+    });
+}
+
+SUSIECTL_ENTRY int __stdcall CloseFrames(FARPROC function, void* frames) {
+    return Enter(function, [&] { return Call(function, {Word(frames)}); });
+}
+
 SUSIECTL_ENTRY int __stdcall SPICallGuarded(FARPROC function, LONG_PTR argument) {
     const WayBack wayBack;
     return WithoutExceptions<int>(0, [&] {

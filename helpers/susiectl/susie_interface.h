@@ -94,9 +94,9 @@ using GetFileFunction = int(__stdcall*)(const char* source, LONG_PTR length, cha
 using ConfigurationDlgFunction = int(__stdcall*)(HWND parent, int function);
 
 // Not of the interface: an entry that plug-ins may have beside the nine (docs/plugin-extension.md).
-// Tells about this thread's last call of GetPicture, GetPreview, GetArchiveInfo, GetFileInfo or
-// GetFile in this plug-in, in one of the values of Condition. `text`: room for `length` UTF-16
-// units, or null; receives a text for the user that ends with NUL and may be empty.
+// Tells about this thread's last call of GetPicture, GetPreview, GetFrame, GetArchiveInfo,
+// GetFileInfo or GetFile in this plug-in, in one of the values of Condition. `text`: room for
+// `length` UTF-16 units, or null; receives a text for the user that ends with NUL and may be empty.
 using GetLastConditionFunction = int(__stdcall*)(wchar_t* text, int length);
 
 // Another such entry: as GetPicture, which is called in its place, for hosts that take a picture
@@ -121,6 +121,27 @@ enum Room : int {
 using GetPictureIntoFunction = int(__stdcall*)(const char* source, LONG_PTR length, uint32_t flag,
                                                PictureRoom* room, void* reserved,
                                                ProgressCallback progress, LONG_PTR userData);
+
+// Three more, for sources of several pictures. What OpenFrames tells of them:
+struct FrameList {
+    uint32_t size;    // of the record
+    int32_t kind;     // a value of FrameKind
+    uint32_t count;   // below 2: there is nothing to step through
+    uint32_t rounds;  // how often an animation is played; 0: endlessly
+};
+enum FrameKind : int32_t {
+    kFrameAnimation = 1,
+    kFramePages = 2,  // each a picture of its own, the first that of GetPicture
+};
+// `frames` receives what the plug-in wants to know of the source later, or null where it opens
+// nothing. Until CloseFrames a block stays where it is; a file may change.
+using OpenFramesFunction = int(__stdcall*)(const char* source, LONG_PTR length, uint32_t flag,
+                                           FrameList* list, void** frames);
+// Any frame, from 0; a whole picture, as GetPictureInto has it. `duration`: receives milliseconds.
+using GetFrameFunction = int(__stdcall*)(void* frames, uint32_t index, uint32_t* duration,
+                                         PictureRoom* room, void* reserved,
+                                         ProgressCallback progress, LONG_PTR userData);
+using CloseFramesFunction = int(__stdcall*)(void* frames);
 
 // Below 0: a plug-in without an answer. What a host does not know is to it as kConditionNone.
 enum Condition : int32_t {

@@ -85,8 +85,14 @@ using GetFileEntry = int(__stdcall*)(FARPROC function, const char* source, LONG_
                                      susie::ProgressCallback progress, LONG_PTR userData);
 using ConfigurationDlgEntry = int(__stdcall*)(FARPROC function, HWND parent,
                                               int configurationFunction);
-// For the entry that plug-ins may have beside the nine.
+// For entries that plug-ins may have beside the nine.
 using GetLastConditionEntry = int(__stdcall*)(FARPROC function, wchar_t* text, int length);
+using OpenFramesEntry = int(__stdcall*)(FARPROC function, const char* source, LONG_PTR length,
+                                        uint32_t flag, susie::FrameList* list, void** frames);
+using GetFrameEntry = int(__stdcall*)(FARPROC function, void* frames, uint32_t index,
+                                      uint32_t* duration, susie::PictureRoom* room,
+                                      susie::ProgressCallback progress, LONG_PTR userData);
+using CloseFramesEntry = int(__stdcall*)(FARPROC function, void* frames);
 
 // The format that a file's first bytes show: one of the kContent… values.
 using GetFileInformationFunction = int(__stdcall*)(const char* path);
@@ -109,6 +115,9 @@ inline constexpr char kGetFileInfo[] = "GetFileInfo";
 inline constexpr char kGetFile[] = "GetFile";
 inline constexpr char kConfigurationDlg[] = "ConfigurationDlg";
 inline constexpr char kGetLastCondition[] = "GetLastCondition";
+inline constexpr char kOpenFrames[] = "OpenFrames";
+inline constexpr char kGetFrame[] = "GetFrame";
+inline constexpr char kCloseFrames[] = "CloseFrames";
 inline constexpr char kGetFileInformation[] = "GetFileInformation";
 inline constexpr char kGetFileInformationW[] = "GetFileInformationW";
 

@@ -1,5 +1,6 @@
 #include "host/host_connection.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <utility>
@@ -36,6 +37,8 @@ const wchar_t* FunctionOf(HostOperation operation) {
             return L"GetFile";
         case HostOperation::kConfigure:
             return L"ConfigurationDlg";
+        case HostOperation::kFrame:
+            return L"GetFrame";
         default:
             return L"FreeLibrary";
     }
@@ -61,6 +64,10 @@ bool IsOf(const PluginEnd& end, const std::wstring& plugin) {
 // What comes between two calls does not come of this one, though the plug-in be the same.
 bool IsThisCallsFault(const PluginEnd& end, const std::wstring& plugin) {
     return IsOf(end, plugin) && end.call.function != kWindowCall;
+}
+
+bool AsksForFrames(std::wstring_view function) {
+    return function == L"OpenFrames" || function == L"CloseFrames";
 }
 
 // Whether another host may do better. Of an end whose kind is certain there is no doubt; a host
@@ -269,8 +276,16 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
     request.isFile = source.isFile;
     request.tellsProgress = static_cast<bool>(progress);
     request.tellsCondition = tellsCondition_;
+    request.tellsFrames = tellsFrames_;
     Told told;
     told.end = TryToAsk(request, source, progress, told);
+    // The picture itself need not be lost with its frames.
+    if (request.operation == HostOperation::kDecode && told.blame && IsOf(*told.blame, path_) &&
+        AsksForFrames(told.blame->call.function)) {
+        pool_.Tell(*std::exchange(told.blame, std::nullopt));
+        request.tellsFrames = tellsFrames_ = false;
+        told.end = TryToAsk(request, source, progress, told);
+    }
     if (IsWorthAnother(request, told.end, told.blame)) {
         if (told.blame && !IsThisCallsFault(*told.blame, path_)) pool_.Tell(*told.blame);
         told.blame.reset();
@@ -293,6 +308,7 @@ HostConnection::Told HostConnection::Ask(HostRequest request, const PluginSource
         pool_.Tell({{function, path_, CallOf(request).file}, EndKind::kCaught});
         // A new host does not know what it has crashed in.
         tellsCondition_ = tellsCondition_ && function != L"GetLastCondition";
+        tellsFrames_ = tellsFrames_ && !AsksForFrames(function);
     }
     told.answer = {reply.code,
                    ConditionOf(reply.condition, reply.conditionText),
@@ -364,7 +380,20 @@ DecodedPicture HostConnection::Decode(const PluginSource& source, DecodeKind kin
     Told told =
         Ask({.operation = HostOperation::kDecode, .isPreview = kind == DecodeKind::kPreview},
             source, progress);
-    DecodedPicture decoded{told.answer, {}, told.reply.wasStopped};
+    const HostReply& reply = told.reply;
+    DecodedPicture decoded{told.answer,
+                           {},
+                           reply.wasStopped,
+                           FramesOf(reply.frameKind, reply.frameCount, reply.frameRounds)};
+    decoded.picture = PictureOf(reply, std::move(told.bytes));
+    return decoded;
+}
+
+DecodedFrame HostConnection::DecodeFrame(const PluginSource& source, uint32_t index,
+                                         const SusieProgress& progress) {
+    Told told = Ask({.operation = HostOperation::kFrame, .frame = index}, source, progress);
+    DecodedFrame decoded{{told.answer, {}, told.reply.wasStopped, {}},
+                         std::min(told.reply.duration, kLongestFrame)};
     decoded.picture = PictureOf(told.reply, std::move(told.bytes));
     return decoded;
 }

@@ -31,6 +31,8 @@ class HostConnection final : public PluginConnection {
     MeasuredPicture Measure(const PluginSource& source) override;
     DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
                           const SusieProgress& progress) override;
+    DecodedFrame DecodeFrame(const PluginSource& source, uint32_t index,
+                             const SusieProgress& progress) override;
     ListedArchive List(const PluginSource& archive) override;
     ExtractedMember Extract(const PluginSource& archive, const susie::FileInfo& member,
                             const std::optional<std::string>& folder,
@@ -60,6 +62,7 @@ class HostConnection final : public PluginConnection {
     std::wstring boundFile_;
     bool isLoaded_ = false;
     mutable bool tellsCondition_ = true;  // it has not crashed when it was asked for that
+    mutable bool tellsFrames_ = true;     // nor for what frames there are
     mutable uint32_t judgedIn_ = 0;       // the long run in which this was found out:
     mutable bool wasGivenUp_ = false;
     mutable DWORD served_ = 0;  // by the host of that process number, in which it was loaded

@@ -46,8 +46,9 @@ void Transfer(Wire& wire, WireSection& section) {
 template <class Wire>
 void Transfer(Wire& wire, HostRequest& request) {
     wire(request.operation, request.plugin, request.sourceName, request.isFile, request.bytes,
-         request.isPreview, request.tellsProgress, request.tellsCondition, request.member,
-         request.folder, request.parent, request.turn, request.returned);
+         request.isPreview, request.tellsProgress, request.tellsCondition, request.tellsFrames,
+         request.frame, request.member, request.folder, request.parent, request.turn,
+         request.returned);
 }
 
 template <class Wire>
@@ -56,7 +57,8 @@ void Transfer(Wire& wire, HostReply& reply) {
          reply.failures, reply.isWorn, reply.style, reply.loadError, reply.isLoaded, reply.isInUse,
          reply.hasSettings, reply.productName, reply.patterns, reply.width, reply.height,
          reply.colorDepth, reply.wasStopped, reply.members, reply.turned, reply.trimmedLeft,
-         reply.trimmedTop, reply.bytes, reply.infoSize, reply.profileSize, reply.bitsAt);
+         reply.trimmedTop, reply.bytes, reply.infoSize, reply.profileSize, reply.bitsAt,
+         reply.frameKind, reply.frameCount, reply.frameRounds, reply.duration);
 }
 
 namespace {

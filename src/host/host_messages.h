@@ -28,6 +28,7 @@ enum class HostOperation : uint32_t {
     kList,
     kExtract,
     kConfigure,
+    kFrame,
     kTurnJpeg,  // of no plug-in's
     kLast = kTurnJpeg,
 };
@@ -51,6 +52,8 @@ struct HostRequest {
     bool isPreview = false;
     bool tellsProgress = false;  // somebody wants to know
     bool tellsCondition = true;  // the plug-in may be asked for it
+    bool tellsFrames = true;     // and for frames
+    uint32_t frame = 0;
     susie::FileInfo member{};
     std::optional<std::string> folder{};
     uint64_t parent = 0;  // window
@@ -89,6 +92,10 @@ struct HostReply {
     uint64_t infoSize = 0;
     uint64_t profileSize = 0;
     uint64_t bitsAt = 0;
+    int32_t frameKind = 0;  // PictureFrames
+    uint32_t frameCount = 0;
+    uint32_t frameRounds = 0;
+    uint32_t duration = 0;  // of the frame
 };
 
 std::vector<uint8_t> BytesOf(const HostRequest& request);

@@ -11,10 +11,11 @@ namespace {
 
 constexpr std::wstring_view kFreeLibrary = L"FreeLibrary";
 constexpr std::wstring_view kFunctions[] = {
-    L"LoadLibrary",      kFreeLibrary,  L"GetPluginInfo", L"IsSupported",    L"GetPictureInfo",
-    L"GetPicture",       L"GetPreview", L"GetPrevew",     L"GetArchiveInfo", L"GetFileInfo",
-    L"GetFileMM",        L"GetFileSM",  L"GetFileMS",     L"GetFileSS",      L"ConfigurationDlg",
-    L"GetLastCondition", L"Thread",     kWindowCall};
+    L"LoadLibrary", kFreeLibrary,  L"GetPluginInfo", L"IsSupported",      L"GetPictureInfo",
+    L"GetPicture",  L"GetPreview", L"GetPrevew",     L"GetArchiveInfo",   L"GetFileInfo",
+    L"GetFileMM",   L"GetFileSM",  L"GetFileMS",     L"GetFileSS",        L"ConfigurationDlg",
+    L"OpenFrames",  L"GetFrame",   L"CloseFrames",   L"GetLastCondition", L"Thread",
+    kWindowCall};
 
 template <size_t kRoom>
 void CopyCut(wchar_t (&target)[kRoom], std::wstring_view text) {

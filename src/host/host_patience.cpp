@@ -72,12 +72,12 @@ void HostPatience::Take(CallWish wish) {
 }
 
 WaitedCall HostPatience::Call() const {
-    return {
-        .age = age_,
-        .silence = silence_,
-        .idle = idle_,
-        .mayTell = operation_ == HostOperation::kDecode || operation_ == HostOperation::kExtract,
-        .isOverdue = IsOverdue()};
+    return {.age = age_,
+            .silence = silence_,
+            .idle = idle_,
+            .mayTell = operation_ == HostOperation::kDecode ||
+                       operation_ == HostOperation::kFrame || operation_ == HostOperation::kExtract,
+            .isOverdue = IsOverdue()};
 }
 
 // Who was told to stop only when it was overdue is none the better for it.

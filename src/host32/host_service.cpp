@@ -1,5 +1,6 @@
 #include "host32/host_service.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <utility>
@@ -15,6 +16,9 @@ namespace {
 // How often the program is asked whether to go on, in milliseconds: each time costs a tenth of one,
 // and some plug-ins tell of every row.
 constexpr ULONGLONG kProgressPause = 10;
+
+// How long a source stays open for its next frame, in milliseconds.
+constexpr DWORD kFramesStay = 10'000;
 
 // Pixel rows are read fastest from there.
 constexpr uint64_t kBitsAlignment = 64;
@@ -75,13 +79,27 @@ HostService::HostService(ChannelEnd channel, const ChannelHandles& handles)
 bool HostService::WaitForRequest() {
     const std::array<HANDLE, 2> handles{request_, program_};
     for (;;) {
-        const DWORD signalled =
-            MsgWaitForMultipleObjects(2, handles.data(), FALSE, INFINITE, QS_ALLINPUT);
+        const bool hasFrames =
+            !PluginCallUnderWay() && std::ranges::any_of(plugins_, [](const auto& each) {
+                return each.second->connection.HasFrames();
+            });
+        const DWORD signalled = MsgWaitForMultipleObjects(
+            2, handles.data(), FALSE, hasFrames ? kFramesStay : INFINITE, QS_ALLINPUT);
         if (signalled == WAIT_OBJECT_0) return true;
+        if (signalled == WAIT_TIMEOUT) {
+            CloseFrames();
+            continue;
+        }
         if (signalled == WAIT_FAILED) notes_.OnCall({kWindowCall, lastAsked_, {}});
         if (signalled != WAIT_OBJECT_0 + 2) return false;
         HandleMessages(notes_);
     }
+}
+
+void HostService::CloseFrames() {
+    for (const auto& [path, connected] : plugins_)
+        connected->connection.CloseFrames();
+    state_.PutBack();
 }
 
 std::optional<HostRequest> HostService::TakeRequest() const {
@@ -131,7 +149,9 @@ HostReply HostService::Carried(const HostRequest& request) {
     PluginSource source{.name = request.sourceName, .bytes = {}, .isFile = request.isFile};
     const std::optional<Section> bytes = BytesOfSource(request);
     if (bytes) source.bytes = bytes->Bytes();
+    source.id = request.bytes.id;
     if (!request.tellsCondition) plugin.LeaveConditionOut();
+    if (!request.tellsFrames) plugin.LeaveFramesOut();
     switch (request.operation) {
         case HostOperation::kLoad:
             return Load(request);
@@ -153,6 +173,8 @@ HostReply HostService::Carried(const HostRequest& request) {
             return Measure(plugin, source);
         case HostOperation::kDecode:
             return Decode(plugin, source, request);
+        case HostOperation::kFrame:
+            return Frame(plugin, source, request);
         case HostOperation::kList:
             return List(plugin, source);
         case HostOperation::kExtract:
@@ -214,6 +236,33 @@ HostReply HostService::Measure(LocalConnection& plugin, const PluginSource& sour
 
 HostReply HostService::Decode(LocalConnection& plugin, const PluginSource& source,
                               const HostRequest& request) {
+    const DecodeKind kind = request.isPreview ? DecodeKind::kPreview : DecodeKind::kFull;
+    PictureFrames frames;
+    HostReply reply = WithPicture([&](const RoomMaker& rooms) {
+        DecodedPicture decoded = plugin.Decode(source, kind, ProgressOf(request), rooms);
+        frames = decoded.frames;
+        return decoded;
+    });
+    reply.frameKind = static_cast<int32_t>(frames.kind);
+    reply.frameCount = frames.count;
+    reply.frameRounds = frames.rounds;
+    return reply;
+}
+
+HostReply HostService::Frame(LocalConnection& plugin, const PluginSource& source,
+                             const HostRequest& request) {
+    uint32_t duration = 0;
+    HostReply reply = WithPicture([&](const RoomMaker& rooms) -> DecodedPicture {
+        DecodedFrame decoded =
+            plugin.DecodeFrame(source, request.frame, ProgressOf(request), rooms);
+        duration = decoded.duration;
+        return decoded;
+    });
+    reply.duration = duration;
+    return reply;
+}
+
+HostReply HostService::WithPicture(const PictureMaker& decode) {
     std::optional<PictureSection> section;
     const auto giveBack = [&] {
         if (section) stock_.Return(section->section.wire.id);
@@ -226,9 +275,7 @@ HostReply HostService::Decode(LocalConnection& plugin, const PluginSource& sourc
         return RoomForPicture{section->section.bytes.first(infoSize), section->Bits(),
                               section->section.isNew};
     };
-    const DecodedPicture decoded =
-        plugin.Decode(source, request.isPreview ? DecodeKind::kPreview : DecodeKind::kFull,
-                      ProgressOf(request), rooms);
+    const DecodedPicture decoded = decode(rooms);
     HostReply reply = ReplyWith(decoded);
     reply.wasStopped = decoded.wasStopped;
     if (!decoded.picture) {

@@ -1,6 +1,7 @@
 // The end of the way that is in the host process: carries requests out.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -38,6 +39,7 @@ class HostService {
     // plug-ins' windows meanwhile; false: the program is gone, or whoever was asked last has ruined
     // what is waited with.
     bool WaitForRequest();
+    void CloseFrames();
     std::optional<HostRequest> TakeRequest() const;
     // What belongs to a reply, besides what is said in it.
     HostReply Carried(const HostRequest& request);
@@ -54,6 +56,11 @@ class HostService {
     HostReply Measure(LocalConnection& plugin, const PluginSource& source);
     HostReply Decode(LocalConnection& plugin, const PluginSource& source,
                      const HostRequest& request);
+    HostReply Frame(LocalConnection& plugin, const PluginSource& source,
+                    const HostRequest& request);
+    // The reply with the picture that `decode` makes in rooms of the stock's.
+    using PictureMaker = std::function<DecodedPicture(const RoomMaker& rooms)>;
+    HostReply WithPicture(const PictureMaker& decode);
     HostReply List(LocalConnection& plugin, const PluginSource& source);
     HostReply Extract(LocalConnection& plugin, const PluginSource& source,
                       const HostRequest& request);

@@ -150,6 +150,15 @@ class clsSusie {
     uint32_t DecodePicture(DecodeTarget target, uint32_t flags, const SusieProgress& progress,
                            const std::wstring& bmpFile, Picture* picture);
 
+    // What frames or pages the source of the last DecodePicture has; nothing after a failure.
+    const PictureFrames& Frames() const { return frames_; }
+
+    // A frame of what is bound, from 0, as a whole picture; `duration` receives how long it is to
+    // be shown (DecodedFrame). Any of those of Frames() may be asked for, also of a source that was
+    // decoded by another object; in their order each takes one step. Raises DecodeError when the
+    // plug-in fails, and when the source has not so many any more.
+    Picture DecodeFrame(uint32_t index, const SusieProgress& progress, uint32_t& duration);
+
     // 0: ShowPicture draws at the picture's own size; else fitted into the box.
     int32_t ShowType() const { return showType_; }
     void SetShowType(int32_t showType) { showType_ = showType; }
@@ -238,6 +247,7 @@ class clsSusie {
     void Bind(Accept&& accept);
 
     PictureSize Size();
+    void RequirePictureSource() const;
     Picture Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag);
     static uint32_t SaveBmp(const Picture& picture, const std::wstring& bmpFile);
     const ArchiveMembers& Members();
@@ -262,6 +272,7 @@ class clsSusie {
     int32_t showType_ = 0;
     CrashedCalls crashed_;
     PluginCondition condition_;
+    PictureFrames frames_;
     PluginFault lastError_;
     uint32_t errorSerial_ = 0;
     Binding bound_;

@@ -41,14 +41,19 @@ int32_t clsSusie::ColorDepth() {
     return Member(L"Property Get ColorDepth", [&] { return Size().colorDepth; });
 }
 
+void clsSusie::RequirePictureSource() const {
+    if (bound_.IsEmpty()) throw PluginError(kErrorNothingBound, kNothingBoundText);
+    if (traits_.style != kStylePicture) {
+        throw PluginError(kErrorWrongPluginKind, kMethodNotOfferedText);
+    }
+}
+
 uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const SusieProgress& progress,
                                  const std::wstring& bmpFile, Picture* picture) {
     return Member(L"DecodePicture(", [&] {
         RequireNoCall();
-        if (bound_.IsEmpty()) throw PluginError(kErrorNothingBound, kNothingBoundText);
-        if (traits_.style != kStylePicture) {
-            throw PluginError(kErrorWrongPluginKind, kMethodNotOfferedText);
-        }
+        frames_ = {};
+        RequirePictureSource();
         if (target == DecodeTarget::kBmpFile ? bmpFile.empty() : picture == nullptr) {
             throw PluginError(kErrorInvalidArgument, kInvalidArgumentText);
         }
@@ -83,7 +88,25 @@ Picture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uint32_t
     if (!decoded.HasSucceeded())
         throw DecodeError(static_cast<uint32_t>(decoded.code) | resultFlag);
     if (!decoded.picture) throw DecodeError(kNoPictureResult | resultFlag);
+    frames_ = decoded.frames;
     return SrgbPicture(std::move(decoded.picture));
+}
+
+Picture clsSusie::DecodeFrame(uint32_t index, const SusieProgress& progress, uint32_t& duration) {
+    return Member(L"DecodeFrame(", [&] {
+        RequireNoCall();
+        RequirePictureSource();
+        RequireModule();
+        const Source source(bound_);
+        DecodedFrame decoded = Ask(L"GetFrame", source.Get(), [&] {
+            return connection_->DecodeFrame(source.Get(), index, progress);
+        });
+        condition_ = decoded.condition;
+        if (!decoded.HasSucceeded()) throw DecodeError(static_cast<uint32_t>(decoded.code));
+        if (!decoded.picture) throw DecodeError(kNoPictureResult);
+        duration = decoded.duration;
+        return SrgbPicture(std::move(decoded.picture));
+    });
 }
 
 uint32_t clsSusie::SaveBmp(const Picture& picture, const std::wstring& bmpFile) {

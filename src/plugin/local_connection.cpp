@@ -88,10 +88,16 @@ LoadedPlugin LocalConnection::Load() {
 
 PluginAnswer LocalConnection::Unload() {
     if (module_ != nullptr) {
+        frames_.Close();
         calls_.Free(std::exchange(module_, nullptr));
         if (GetModuleHandleW(ExtendedPath(path_).c_str()) == nullptr) calls_.ClearAddresses();
     }
     return Answer(susie::kSuccess);
+}
+
+void LocalConnection::LeaveLoaded() {
+    frames_.Close();
+    module_ = nullptr;
 }
 
 PluginDescription LocalConnection::Describe() {
@@ -140,7 +146,17 @@ DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeKind ki
                              ? calls_.GetPreview(calls_.Address(SusieFunction::kGetPicture),
                                                  SourceOf(source), pair, relay)
                              : calls_.GetPicture(SourceOf(source), pair, relay);
-    return {AnswerTold(code), Picture::FromPair(pair), relay.Stopped()};
+    return WithFrames({AnswerTold(code), Picture::FromPair(pair), relay.Stopped()}, source, kind);
+}
+
+// What goes wrong there costs nothing but the frames.
+DecodedPicture LocalConnection::WithFrames(DecodedPicture decoded, const PluginSource& source,
+                                           DecodeKind kind) {
+    frames_.CloseUnless(source);
+    if (!decoded.picture || decoded.HasCrashed() || kind == DecodeKind::kPreview) return decoded;
+    decoded.frames = frames_.Tell(source);
+    calls_.TakeFault();
+    return decoded;
 }
 
 DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeKind kind,
@@ -151,7 +167,32 @@ DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeKind ki
     const ProgressRelay relay(progress);
     std::optional<RoomForPicture> filled;
     const int32_t code = calls_.GetPictureInto(SourceOf(source), rooms, filled, relay);
-    return {AnswerTold(code), filled ? PictureIn(*filled) : Picture(), relay.Stopped()};
+    return WithFrames({AnswerTold(code), filled ? PictureIn(*filled) : Picture(), relay.Stopped()},
+                      source, kind);
+}
+
+DecodedFrame LocalConnection::DecodeFrame(const PluginSource& source, uint32_t index,
+                                          const SusieProgress& progress) {
+    std::vector<uint8_t> info;
+    std::vector<uint8_t> bits;
+    const auto rooms = [&](size_t infoSize, size_t bitsSize) -> std::optional<RoomForPicture> {
+        info.assign(infoSize, 0);
+        bits.assign(bitsSize, 0);
+        return RoomForPicture{info, bits, true};
+    };
+    DecodedFrame decoded = DecodeFrame(source, index, progress, rooms);
+    if (decoded.picture) decoded.picture = Picture::FromPair({BlockOf(info), BlockOf(bits)});
+    return decoded;
+}
+
+DecodedFrame LocalConnection::DecodeFrame(const PluginSource& source, uint32_t index,
+                                          const SusieProgress& progress, const RoomMaker& rooms) {
+    const ProgressRelay relay(progress);
+    std::optional<RoomForPicture> filled;
+    uint32_t duration = 0;
+    const int32_t code = frames_.Get(source, index, rooms, filled, duration, relay);
+    return {{AnswerTold(code), filled ? PictureIn(*filled) : Picture(), relay.Stopped(), {}},
+            duration};
 }
 
 ListedArchive LocalConnection::List(const PluginSource& archive) {

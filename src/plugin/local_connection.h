@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include "plugin/opened_frames.h"
 #include "plugin/plugin_connection.h"
 #include "plugin/susie_calls.h"
 
@@ -18,11 +19,17 @@ class LocalConnection final : public PluginConnection {
     LoadedPlugin Load() override;
     bool IsLoaded() const override { return module_ != nullptr; }
     PluginAnswer Unload() override;
-    void LeaveLoaded() override { module_ = nullptr; }
+    void LeaveLoaded() override;
     bool IsInUse() const override { return module_ != nullptr && SusieCalls::IsInUse(module_); }
 
     // The plug-in is not asked for its GetLastCondition.
     void LeaveConditionOut() { calls_.LeaveConditionOut(); }
+    // Nor for frames.
+    void LeaveFramesOut() { calls_.LeaveFramesOut(); }
+
+    // Whether a source is open for its frames; closes it.
+    bool HasFrames() const { return frames_.IsOpen(); }
+    void CloseFrames() { frames_.Close(); }
 
     void SetBoundFile(const std::wstring& path) override { calls_.SetBoundFile(path); }
 
@@ -35,6 +42,10 @@ class LocalConnection final : public PluginConnection {
     // and belongs to whoever has made the room.
     DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
                           const SusieProgress& progress, const RoomMaker& rooms);
+    DecodedFrame DecodeFrame(const PluginSource& source, uint32_t index,
+                             const SusieProgress& progress) override;
+    DecodedFrame DecodeFrame(const PluginSource& source, uint32_t index,
+                             const SusieProgress& progress, const RoomMaker& rooms);
     ListedArchive List(const PluginSource& archive) override;
     ExtractedMember Extract(const PluginSource& archive, const susie::FileInfo& member,
                             const std::optional<std::string>& folder,
@@ -44,9 +55,11 @@ class LocalConnection final : public PluginConnection {
   private:
     PluginAnswer Answer(int32_t code);
     PluginAnswer AnswerTold(int32_t code);
+    DecodedPicture WithFrames(DecodedPicture decoded, const PluginSource& source, DecodeKind kind);
 
     std::wstring path_;
     SusieCalls calls_;
+    OpenedFrames frames_{calls_};
     HMODULE module_ = nullptr;  // our own reference to the loaded file
     int32_t style_ = kStyleNone;
 };

@@ -14,6 +14,7 @@
 #include <string>
 
 #include "picture/picture.h"
+#include "picture/picture_frames.h"
 #include "plugin/archive_members.h"
 #include "plugin/file_patterns.h"
 #include "plugin/plugin_condition.h"
@@ -39,6 +40,7 @@ struct PluginSource {
     std::string name{};
     std::span<const uint8_t> bytes{};
     bool isFile = true;
+    uint32_t id = 0;  // of these very bytes, which may come again; 0: they have none
 };
 
 // An error's message, and the function that it happened in; empty: there was none.
@@ -100,6 +102,13 @@ enum class DecodeKind { kPreview, kFull };
 struct DecodedPicture : PluginAnswer {
     Picture picture{};        // empty after a success: what came is no picture
     bool wasStopped = false;  // the plug-in was asked to stop
+    PictureFrames frames{};   // of the source; nobody asks for them for a preview
+};
+
+// A frame or page of a source, as a whole picture.
+struct DecodedFrame : DecodedPicture {
+    uint32_t duration = 0;  // to be shown so long, in milliseconds, as the file says; at most
+                            // kLongestFrame; 0: it does not say
 };
 
 struct ListedArchive : PluginAnswer {
@@ -160,6 +169,10 @@ class PluginConnection {
     virtual MeasuredPicture Measure(const PluginSource& source) = 0;
     virtual DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
                                   const SusieProgress& progress) = 0;
+    // A frame of those that Decode has told of, from 0. In their order each takes one step; any may
+    // be asked for. The source may stay open on the other side for a while.
+    virtual DecodedFrame DecodeFrame(const PluginSource& source, uint32_t index,
+                                     const SusieProgress& progress) = 0;
     virtual ListedArchive List(const PluginSource& archive) = 0;
     // Extracts a member of the list to memory, or into an existing folder, named in the system's
     // code page and without a separator at its end.

@@ -36,6 +36,9 @@ constexpr SusieCallNames kGetFileMS{L"GetFileMS", L"GetFileMS", L"GetFile"};
 constexpr SusieCallNames kGetFileSS{L"GetFileSS", L"GetFileSS", L"GetFile"};
 constexpr SusieCallNames kConfigurationDlg{L"ConfigurationDlg", L"GetFileSS", L"ConfigurationDlg"};
 constexpr SusieCallNames kGetLastCondition{nullptr, L"GetLastCondition", L"GetLastCondition"};
+constexpr SusieCallNames kOpenFrames{L"OpenFrames", L"OpenFrames", L"OpenFrames"};
+constexpr SusieCallNames kGetFrame{L"GetFrame", L"GetFrame", L"GetFrame"};
+constexpr SusieCallNames kCloseFrames{L"CloseFrames", L"CloseFrames", L"CloseFrames"};
 
 // UTF-16 units that a plug-in has for what it tells.
 constexpr size_t kConditionTextSize = 256;
@@ -45,6 +48,7 @@ constexpr const char* kExportedNames[kSusieFunctionCount] = {
     "GetPluginInfo",    "IsSupported",      "GetPictureInfo",      "GetPicture",
     "GetPreview",       "GetArchiveInfo",   "GetFileInfo",         "GetFile",
     "ConfigurationDlg", "GetLastCondition", "GetPictureWithAlpha", "GetPictureInto",
+    "OpenFrames",       "GetFrame",         "CloseFrames",
 };
 
 void FreeLeft(HLOCAL& handle) {
@@ -220,6 +224,10 @@ int32_t SusieCalls::BindAddresses(HMODULE module) {
         addresses_[i] = GetProcAddress(module, kExportedNames[i]);
     }
     const auto has = [&](SusieFunction function) { return Address(function) != nullptr; };
+    if (!has(SusieFunction::kOpenFrames) || !has(SusieFunction::kGetFrame) ||
+        !has(SusieFunction::kCloseFrames)) {
+        LeaveFramesOut();
+    }
     if (has(SusieFunction::kGetPluginInfo) && has(SusieFunction::kIsSupported)) {
         if (has(SusieFunction::kGetPicture)) return kStylePicture;
         if (has(SusieFunction::kGetArchiveInfo) && has(SusieFunction::kGetFile) &&
@@ -229,6 +237,10 @@ int32_t SusieCalls::BindAddresses(HMODULE module) {
     }
     ClearAddresses();
     return kStyleNone;
+}
+
+void SusieCalls::LeaveFramesOut() {
+    addresses_[static_cast<size_t>(SusieFunction::kOpenFrames)] = nullptr;
 }
 
 void SusieCalls::ClearAddresses() {
@@ -296,6 +308,42 @@ int32_t SusieCalls::GetPictureInto(const SusieSource& source, const RoomMaker& r
     });
     filled = code == susie::kSuccess ? room.taken : std::nullopt;
     return code;
+}
+
+int32_t SusieCalls::OpenFrames(const SusieSource& source, susie::FrameList& list, void*& frames) {
+    list = {};
+    frames = nullptr;
+    susie::FrameList told{sizeof(told), 0, 0, 0};
+    void* opened = nullptr;
+    const int32_t code = Guarded(kOpenFrames, [&](const SusieLibrary& library) {
+        return library.openFrames(Address(SusieFunction::kOpenFrames), source.source, source.length,
+                                  source.flag, &told, &opened);
+    });
+    if (code != susie::kSuccess) return code;
+    list = told;
+    frames = opened;
+    return code;
+}
+
+int32_t SusieCalls::GetFrame(void* frames, uint32_t index, const RoomMaker& rooms,
+                             std::optional<RoomForPicture>& filled, uint32_t& duration,
+                             const ProgressRelay& progress) {
+    AskedRoom room(rooms);
+    uint32_t told = 0;
+    const int32_t code = GuardedAndTold(kGetFrame, [&](const SusieLibrary& library) {
+        return library.getFrame(Address(SusieFunction::kGetFrame), frames, index, &told, &room,
+                                progress.Callback(), progress.UserData());
+    });
+    const bool hasSucceeded = code == susie::kSuccess;
+    filled = hasSucceeded ? room.taken : std::nullopt;
+    duration = hasSucceeded ? told : 0;
+    return code;
+}
+
+int32_t SusieCalls::CloseFrames(void* frames) {
+    return Guarded(kCloseFrames, [&](const SusieLibrary& library) {
+        return library.closeFrames(Address(SusieFunction::kCloseFrames), frames);
+    });
 }
 
 int32_t SusieCalls::GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,

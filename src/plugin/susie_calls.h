@@ -36,8 +36,11 @@ enum class SusieFunction {
     kGetLastCondition,  // not of the interface, and of few plug-ins
     kGetPictureWithAlpha,
     kGetPictureInto,
+    kOpenFrames,  // the three of frames are there together or not at all
+    kGetFrame,
+    kCloseFrames,
 };
-constexpr size_t kSusieFunctionCount = 12;
+constexpr size_t kSusieFunctionCount = 15;
 
 // Under what names a call is logged and its failures are kept.
 struct SusieCallNames {
@@ -73,6 +76,8 @@ class SusieCalls {
     void LeaveConditionOut() {
         addresses_[static_cast<size_t>(SusieFunction::kGetLastCondition)] = nullptr;
     }
+    // Has the plug-in not asked for frames.
+    void LeaveFramesOut();
     // Forgets all addresses but that of ConfigurationDlg.
     void ClearAddresses();
     FARPROC Address(SusieFunction function) const {
@@ -95,6 +100,14 @@ class SusieCalls {
     // what it was given last; nothing after a failure, and when it has not asked.
     int32_t GetPictureInto(const SusieSource& source, const RoomMaker& rooms,
                            std::optional<RoomForPicture>& filled, const ProgressRelay& progress);
+    // `list` and `frames` are empty but after success. What is in `frames` then is to be closed,
+    // unless it is null; the source's bytes must stay so long.
+    int32_t OpenFrames(const SusieSource& source, susie::FrameList& list, void*& frames);
+    // As GetPictureInto. `duration`: 0 but after success.
+    int32_t GetFrame(void* frames, uint32_t index, const RoomMaker& rooms,
+                     std::optional<RoomForPicture>& filled, uint32_t& duration,
+                     const ProgressRelay& progress);
+    int32_t CloseFrames(void* frames);
     // Calls whatever function the caller names under the name of GetPreview.
     int32_t GetPreview(FARPROC function, const SusieSource& source, PicturePair& picture,
                        const ProgressRelay& progress);
@@ -120,8 +133,9 @@ class SusieCalls {
     // Opens the plug-in's settings window.
     int32_t ConfigurationDlg(HWND parent);
 
-    // What the plug-in has told of its last call of GetPicture, GetPreview, GetArchiveInfo,
-    // GetFileInfo or GetFile. When that call failed, its text is the fault's message too.
+    // What the plug-in has told of its last call of GetPicture, GetPreview, GetFrame,
+    // GetArchiveInfo, GetFileInfo or GetFile. When that call failed, its text is the fault's
+    // message too.
     const PluginCondition& Condition() const { return condition_; }
 
     // The last error since this was asked last; empty when there was none.

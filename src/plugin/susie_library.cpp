@@ -29,6 +29,9 @@ bool FindAll(SusieLibrary& library) {
            Find(susiectl::kGetFile, library.getFile) &&
            Find(susiectl::kConfigurationDlg, library.configurationDlg) &&
            Find(susiectl::kGetLastCondition, library.getLastCondition) &&
+           Find(susiectl::kOpenFrames, library.openFrames) &&
+           Find(susiectl::kGetFrame, library.getFrame) &&
+           Find(susiectl::kCloseFrames, library.closeFrames) &&
            Find(susiectl::kGetFileInformationW, library.getFileInformation);
 }
 

@@ -21,6 +21,9 @@ struct SusieLibrary {
     susiectl::GetFileEntry getFile;
     susiectl::ConfigurationDlgEntry configurationDlg;
     susiectl::GetLastConditionEntry getLastCondition;
+    susiectl::OpenFramesEntry openFrames;
+    susiectl::GetFrameEntry getFrame;
+    susiectl::CloseFramesEntry closeFrames;
     susiectl::GetFileInformationWFunction getFileInformation;
 };
 

@@ -64,15 +64,6 @@ void HandOut(const Script& script, const PictureBlocks& blocks, HLOCAL* info, HL
         *bits = isWild ? wild : MakeBlock(blocks.bits, kind);
 }
 
-bool PutInto(susie::PictureRoom& room, const PictureBlocks& blocks) {
-    void* info = nullptr;
-    void* bits = nullptr;
-    if (!room.take(&room, blocks.info.size(), blocks.bits.size(), &info, &bits)) return false;
-    std::memcpy(info, blocks.info.data(), blocks.info.size());
-    std::memcpy(bits, blocks.bits.data(), blocks.bits.size());
-    return true;
-}
-
 int DecodeInto(void* frame, const std::string& content, susie::PictureRoom& room) {
     return Run({"GetPictureInto", frame, 7, content}, [&](const Script& script) -> int {
         if (!content.starts_with("TST ")) return susie::kUnknownFormat;

@@ -102,4 +102,13 @@ PictureBlocks MakePicture(const PictureSize& size, const Script& script) {
     return blocks;
 }
 
+bool PutInto(susie::PictureRoom& room, const PictureBlocks& blocks) {
+    void* info = nullptr;
+    void* bits = nullptr;
+    if (!room.take(&room, blocks.info.size(), blocks.bits.size(), &info, &bits)) return false;
+    std::memcpy(info, blocks.info.data(), blocks.info.size());
+    std::memcpy(bits, blocks.bits.data(), blocks.bits.size());
+    return true;
+}
+
 }  // namespace tessary::test

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "helpers/susiectl/susie_interface.h"
 #include "tests/plugins/script.h"
 
 namespace tessary::test {
@@ -20,6 +21,9 @@ struct PictureBlocks {
     std::string info;
     std::string bits;
 };
+
+// False when there is no room.
+bool PutInto(susie::PictureRoom& room, const PictureBlocks& blocks);
 
 PictureBlocks MakePicture(const PictureSize& size, const Script& script);
 

@@ -35,6 +35,7 @@ ReadResult Decode(Search search, Archives archives, const ReadWatch& watch) {
             return {.kind = kFilePicture,
                     .picture = std::move(picture),
                     .plugin = plugin->DllName(),
+                    .frames = plugin->Frames(),
                     .damage = plugin->Damage()};
         }
         search.NoteFailure();

@@ -10,6 +10,7 @@
 
 #include "picture/bitmap_file.h"
 #include "picture/picture.h"
+#include "picture/picture_frames.h"
 #include "picture/read/plugin_failure.h"
 #include "picture/read/source_file.h"
 
@@ -29,7 +30,8 @@ struct ReadResult {
     Picture picture{};             // there exactly for a picture's kind
     // Full path of the plug-in that read the picture, took the archive, or was the last to fail.
     std::wstring plugin{};
-    std::wstring damage{};  // what is missing of the picture, for the user; empty: it is whole
+    PictureFrames frames{};  // what else is there to see; of a bitmap nothing
+    std::wstring damage{};   // what is missing of the picture, for the user; empty: it is whole
     // Of the last plug-in that took it and failed, when nobody did better; and why one that may
     // know it did not take it.
     std::optional<PluginFailure> failure{};

@@ -1,5 +1,6 @@
 // What every connection to a plug-in has to do, whatever the plug-in does.
 #include <algorithm>
+#include <fstream>
 #include <set>
 
 #include "app/base/quit.h"
@@ -325,6 +326,68 @@ TEST_P(ConnectionTest, WhatThePluginTellsBesideItsResultIsChecked) {
     const PluginSource torn = Archive("condition:3:volume\nanswer-after:GetFile:2\n");
     EXPECT_EQ(connection_->List(torn).condition.text, L"volume");
     EXPECT_EQ(connection_->Extract(torn, {}, {}, {}).condition.text, L"volume");
+}
+
+TEST_P(ConnectionTest, FramesComeInAnyOrderAndOfWhatTheFileIsNow) {
+    const auto width = [&](const PluginSource& source, uint32_t index) {
+        const DecodedFrame frame = connection_->DecodeFrame(source, index, {});
+        EXPECT_TRUE(!frame.picture || frame.duration == 10 * index);
+        return frame.picture ? frame.picture.Width() : -frame.code;
+    };
+    Connected(L"frames.spi");
+    const PluginSource file = Picture("frames:1:4:2");
+    EXPECT_EQ(connection_->Decode(file, DecodeKind::kFull, {}).frames,
+              (PictureFrames{FrameKind::kAnimation, 4, 2}));
+    EXPECT_FALSE(connection_->Decode(file, DecodeKind::kPreview, {}).frames);
+    for (const uint32_t index : {0U, 1U, 3U, 0U})
+        EXPECT_EQ(width(file, index), static_cast<int>(3 + index));
+    EXPECT_EQ(width(file, 4), -susie::kBrokenData);
+
+    // The bytes that it has open are not those of the call.
+    const std::string content = "TST 5x2x24\nframes:2:3:7\n";
+    for (int i = 0; i < 2; ++i) {
+        const std::string copy = content;
+        EXPECT_EQ(width(Bytes(copy), 2), 7);
+    }
+    EXPECT_EQ(connection_->Decode(Bytes(content), DecodeKind::kFull, {}).frames,
+              (PictureFrames{FrameKind::kPages, 3, 0}));
+    EXPECT_EQ(width(Bytes("TST 9x2x24\nframes:2:3:7\n"), 2), 11);
+
+    EXPECT_EQ(width(file, 1), 4);
+    std::ofstream(file.name, std::ios::binary) << "TST 50x2x24\nframes:1:2:2\n";
+    EXPECT_EQ(width(file, 1), 51);
+    EXPECT_EQ(width(file, 3), -susie::kBrokenData);
+}
+
+TEST_P(ConnectionTest, APictureIsNotLostWithItsFrames) {
+    for (const char* lie :
+         {"frames:1:1:0", "frames:3:5:0", "frames:1:99999999:0", "frames:1:-1:0",
+          "frames:1:5:0\nnull-frames", "frames:1:5:0\nanswer-after:OpenFrames:3"}) {
+        Connected(L"frames.spi");
+        const DecodedPicture decoded = Decoded(lie);
+        EXPECT_TRUE(decoded.picture && !decoded.frames && decoded.fault.message.empty()) << lie;
+        EXPECT_EQ(connection_->DecodeFrame(Picture(lie), 1, {}).code == 0, false) << lie;
+    }
+    for (const char* function : {"OpenFrames", "CloseFrames"}) {
+        for (const std::string crash : {"av", "exit"}) {
+            if (IsLocal() && crash == "exit") continue;
+            Connected(L"frames.spi", "frames:1:5:0\ncrash:" + crash + ":" + function + "\n");
+            for (int i = 0; i < 2; ++i) {
+                const DecodedPicture decoded = Decoded("");
+                EXPECT_TRUE(decoded.HasSucceeded() && decoded.picture) << function << crash;
+                EXPECT_FALSE(decoded.frames);
+            }
+            EXPECT_EQ(Errors(FromAnsi(function)), 1) << crash;
+        }
+    }
+    Connected(L"frames.spi");
+    EXPECT_TRUE(
+        connection_->DecodeFrame(Picture("frames:1:5:0\ncrash:av:GetFrame"), 1, {}).HasCrashed());
+    EXPECT_EQ(Errors(L"GetFrame"), 1);
+    EXPECT_EQ(connection_->DecodeFrame(Picture("frames:1:5:0"), 1, {}).picture.Width(), 4);
+    const DecodedFrame damaged =
+        connection_->DecodeFrame(Picture("frames:1:5:0\ncondition:1:cut"), 1, {});
+    EXPECT_EQ(damaged.condition.text, L"cut");
 }
 
 TEST_P(ConnectionTest, ProgressCanStopAndMayThrow) {
