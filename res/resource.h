@@ -69,6 +69,8 @@
 #define commandBackdrop_3 1274
 #define commandBackdrop 1275  // the next one
 
+#define commandTurnFile 1276  // the file as it is seen
+
 #define menuOption 1300
 #define menuOptionSetup 1301
 #define menuOptionSPIFolder_0 1310

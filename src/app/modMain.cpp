@@ -27,6 +27,7 @@
 #include "ui/control/frmControl.h"
 #include "ui/control/open_commands.h"
 #include "ui/control/save_commands.h"
+#include "ui/control/turn_file_command.h"
 #include "ui/convert/convert_commands.h"
 #include "ui/dialogs/frmProgress.h"
 #include "ui/form/message_loop.h"
@@ -130,6 +131,7 @@ int Main() {
     window.SetControlBar(controlBar);
     OpenCommands openCommands(window, controlBar);
     SaveCommands saveCommands(window);
+    TurnFileCommand turnFileCommand(window);
     OptionCommands optionCommands(window);
     ConvertCommands convertCommands(window, controlBar, [&optionCommands](HWND owner) {
         optionCommands.ShowOptions(owner, kConvertPage);

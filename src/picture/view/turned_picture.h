@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "helpers/exif/orientation.h"
 #include "picture/picture.h"
 
 namespace tessary {
@@ -14,6 +15,23 @@ enum class Turn : uint8_t {
     kMirror,  // left and right exchanged
     kFlip,    // top and bottom exchanged
 };
+
+// As EXIF counts it.
+constexpr uint16_t OrientationOf(Turn turn) {
+    switch (turn) {
+        case Turn::kRight:
+            return exif::kTurnedRight;
+        case Turn::kLeft:
+            return exif::kTurnedLeft;
+        case Turn::kHalf:
+            return exif::kHalfTurned;
+        case Turn::kMirror:
+            return exif::kMirrored;
+        case Turn::kFlip:
+            return exif::kFlipped;
+    }
+    return exif::kUpright;
+}
 
 // A new picture of the same depth, with the same table and resolution, the top row first if
 // the picture has it so. Empty without memory.

@@ -158,6 +158,13 @@ void frmControl::PictureReplaced(const std::wstring& info) {
     if (formLoaded_) texts_.TellInfo(info);
 }
 
+bool frmControl::ShowAnew(const std::wstring& path) {
+    FileSequence::FileEntries& files = sequence_.Files();
+    if (IsReadUnderWay() || sequence_.IsInArchive() || files.Current() != path) return false;
+    files.Select(files.Cursor());
+    return true;
+}
+
 void frmControl::SetMembers(std::span<const ListedMember> members) {
     std::optional<RedrawHold> hold(std::in_place, listArchiveFile_);
     listArchiveFile_.SetDimmed(false);

@@ -56,6 +56,9 @@ class ControlBar {
     // Told that a picture was saved in that file.
     virtual void FileSaved(const std::wstring& path) = 0;
 
+    // Shows the file once more if it is the selected one; false when it is not.
+    virtual bool ShowAnew(const std::wstring& /*path*/) { return false; }
+
     // Does what a click on the button does.
     virtual void Press(BarButton button) = 0;
 

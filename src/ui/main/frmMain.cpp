@@ -292,6 +292,7 @@ void frmMain::ShowPluginCount() {
 
 void frmMain::SetPictureSource(PictureSource source) {
     source_ = std::move(source);
+    sourceStamp_ = source_.path.empty() ? std::nullopt : StampOf(source_.path);
     ShowPluginCount();
 }
 

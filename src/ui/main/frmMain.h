@@ -12,6 +12,7 @@
 #include "picture/show/picture_view.h"
 #include "picture/view/turned_picture.h"
 #include "plugin/call_watch.h"
+#include "plugin/file_stamp.h"
 #include "res/resource.h"
 #include "ui/form/accelerators.h"
 #include "ui/form/activity.h"
@@ -59,6 +60,13 @@ class frmMain final : public Form, public PictureView {
     // place.
     void SetPictureSource(PictureSource source);
     const PictureSource& Source() const { return source_; }
+    // Of its file, when it was shown; nothing where there is none.
+    const std::optional<FileStamp>& SourceStamp() const { return sourceStamp_; }
+
+    // How the picture was turned since it came, as EXIF counts it.
+    uint16_t Orientation() const { return orientation_; }
+    // What is seen was written to this file: shows it once more, in its place.
+    void ShowAnew(const std::wstring& path);
 
     // Whether a picture is shown. The handler is told when that changes.
     bool PictureShown() const { return stage_.HasPicture(); }
@@ -261,6 +269,9 @@ class frmMain final : public Form, public PictureView {
     bool barComesBack_ = false;  // behind the full screen
     bool startsMaximized_ = false;
     PictureSource source_;
+    std::optional<FileStamp> sourceStamp_;
+    uint16_t orientation_ = exif::kUpright;
+    std::optional<ViewPosition> keptPlace_;  // of the next picture, and so is the zoom
     std::function<void()> pictureShownChanged_;
     std::function<bool()> refusesToClose_;
     FileListing filesToOpen_;

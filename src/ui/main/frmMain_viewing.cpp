@@ -100,6 +100,7 @@ void frmMain::TurnPicture(Turn turn) {
     if (!turned) return ShowNote(L"メモリが足りないため、画像の向きを変えられません。");
     SetCurrentPicture(std::move(turned), std::wstring(CurrentPictureDamage()));
     PutIntoView(CurrentPicture().Another(), {});
+    orientation_ = exif::Composed(orientation_, OrientationOf(turn));
 }
 
 void frmMain::pictureView_Wheel(int notches, int shift, POINT at) {
@@ -204,13 +205,26 @@ void frmMain::ShowScale() {
 
 void frmMain::SetPicture(Picture picture, const Picture& prepared) {
     stage_.FollowRule(ChosenFitRule());
-    stage_.KeepZoom(Values().general.keepZoom != 0);
+    stage_.KeepZoom(Values().general.keepZoom != 0 || keptPlace_);
     stage_.SetBackdrop(Values().general.backdrop);
     PutIntoView(std::move(picture), prepared);
+    orientation_ = exif::kUpright;
+    if (keptPlace_) stage_.MoveTo(*keptPlace_);
+}
+
+void frmMain::ShowAnew(const std::wstring& path) {
+    keptPlace_ = stage_.Seen().Position();
+    const bool isShown = controlBar_ != nullptr && controlBar_->ShowAnew(path);
+    keptPlace_.reset();
+    if (isShown || source_.path != path) return;
+    orientation_ = exif::kUpright;
+    sourceStamp_ = StampOf(path);
 }
 
 void frmMain::ClearPicture() {
     source_ = {};
+    sourceStamp_.reset();
+    orientation_ = exif::kUpright;
     PutIntoView({}, {});
 }
 

@@ -140,6 +140,10 @@ bool PictureStage::KeyDown(int keyCode) {
     return true;
 }
 
+void PictureStage::MoveTo(ViewPosition position) {
+    Show([&] { sight_.MoveTo(position); });
+}
+
 void PictureStage::Scroll(int bar, int code, int place) {
     ViewPosition to = sight_.Position();
     if (bar == SB_HORZ) {

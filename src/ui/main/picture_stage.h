@@ -45,6 +45,7 @@ class PictureStage {
 
     const Sight& Seen() const { return sight_; }
 
+    void MoveTo(ViewPosition position);
     // Scrolls for an arrow key (VK_…); false for every other key.
     bool KeyDown(int keyCode);
     // For a scroll bar's message (PictureBox::Events::scroll).

@@ -6,12 +6,15 @@
 #include <tuple>
 
 #include "app/base/paths.h"
+#include "picture/save/save_picture.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/content_of.h"
+#include "tests/support/finished_folder.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/control/save_name.h"
+#include "ui/control/turn_file_command.h"
 #include "ui/form/timer.h"
 
 namespace tessary::test {
@@ -168,6 +171,70 @@ TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
     DoEvents();
     EXPECT_GT(Content(L"b.png").size(), 1000U);
     EXPECT_EQ(window_.Handle(), nullptr);
+}
+
+class TurnFileTest : public MainWindowTest {
+  protected:
+    TurnFileTest() { LoadHelperLibraries(); }
+    void SetUp() override { Load(); }
+
+    // Shows a picture and has the file be of it.
+    void ShowFile(int width, int height) {
+        saving::SaveOptions options{};
+        options.jpeg.quality = 100;
+        ASSERT_TRUE(SavePictureFile(TestPicture(width, height), path_, options, 0));
+        ShowPicture(width, height);
+        window_.SetPictureSource({L"a.jpg", L"iftessjpeg.spi", path_});
+        before_ = ContentOf(path_);
+    }
+    bool IsChanged() const { return ContentOf(path_) != before_; }
+    bool IsPossible() { return window_.Commands().IsEnabled(commandTurnFile); }
+
+    TemporaryFolder folder_;
+    std::wstring path_ = folder_.Path() + L"a.jpg";
+    std::string before_;
+    TurnFileCommand turn_{window_, FinishedFolder() + kHostProgram};
+};
+
+TEST_F(TurnFileTest, WritesWhatIsSeenWhereThatIsTheFiles) {
+    ShowFile(32, 16);
+    EXPECT_FALSE(IsPossible());
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(IsPossible(), i != 0);
+        Choose(commandTurnRight);
+    }
+    EXPECT_FALSE(IsPossible());
+    for (int i = 0; i < 4; ++i) {
+        Choose(commandTurnLeft);
+        Choose(commandTurnFile);
+        EXPECT_EQ(window_.Orientation(), exif::kUpright);
+        EXPECT_EQ(IsChanged(), i != 3) << "a whole round";
+    }
+    EXPECT_TRUE(messages_.All().empty());
+    Choose(commandMirror);
+    for (const PictureSource& other : {PictureSource{L"a.jpg", {}, folder_.Path() + L"a.zip"},
+                                       {L"a.gif", {}, folder_.Path() + L"a.gif"},
+                                       {L"クリップボード", {}}}) {
+        window_.SetPictureSource(other);
+        EXPECT_FALSE(IsPossible()) << other.path;
+    }
+}
+
+TEST_F(TurnFileTest, AsksBeforeEdgesGoAndTellsWhatFails) {
+    ShowFile(20, 10);
+    Choose(commandTurnRight);
+    Choose(commandTurnFile);  // the answer is OK, which is neither
+    EXPECT_TRUE(Has(messages_.Only(), L"左端の 2 ピクセルが失われます"));
+    EXPECT_FALSE(IsChanged());
+    const RecordedMessages yes(IDYES);
+    Choose(commandTurnFile);
+    EXPECT_TRUE(IsChanged());
+    ShowFile(32, 16);
+    Choose(commandTurnLeft);
+    folder_.Write(L"a.jpg", "another");
+    Choose(commandTurnFile);
+    EXPECT_EQ(ContentOf(path_), "another");
+    EXPECT_TRUE(Has(yes.All().back().text, L"表示した後で、ファイルが変更または削除されています"));
 }
 
 }  // namespace
