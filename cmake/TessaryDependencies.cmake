@@ -1,7 +1,7 @@
 # The libraries that decode and compress, under names of our own: tessary::jpeg (libjpeg-turbo,
 # jpeglib.h), tessary::turbojpeg (the same, turbojpeg.h), tessary::png (libpng), tessary::zlib, tessary::lzma (liblzma), tessary::archive
 # (libarchive, with what it needs), tessary::lhasa (lhasa/lhasa.h), tessary::deflate
-# (libdeflate.h) and tessary::lcms (Little CMS, lcms2.h). scripts/dependencies.sh puts them where the presets' CMAKE_PREFIX_PATH looks.
+# (libdeflate.h), tessary::lcms (Little CMS, lcms2.h) and tessary::exif (libexif/exif-data.h). scripts/dependencies.sh puts them where the presets' CMAKE_PREFIX_PATH looks.
 
 # tessary_find_dependency(NAME PACKAGE imported-target)
 function(tessary_find_dependency name package target)
@@ -67,3 +67,13 @@ add_library(tessary::lcms INTERFACE IMPORTED GLOBAL)
 target_link_libraries(tessary::lcms INTERFACE "${TESSARY_LCMS_LIBRARY}")
 target_include_directories(tessary::lcms INTERFACE "${TESSARY_LCMS_HEADERS}")
 target_compile_definitions(tessary::lcms INTERFACE CMS_NO_REGISTER_KEYWORD)
+
+# Nor libexif.
+find_library(TESSARY_EXIF_LIBRARY exif)
+find_path(TESSARY_EXIF_HEADERS libexif/exif-data.h)
+if(NOT TESSARY_EXIF_LIBRARY OR NOT TESSARY_EXIF_HEADERS)
+    message(FATAL_ERROR "libexif is missing: run scripts/dependencies.sh")
+endif()
+add_library(tessary::exif INTERFACE IMPORTED GLOBAL)
+target_link_libraries(tessary::exif INTERFACE "${TESSARY_EXIF_LIBRARY}")
+target_include_directories(tessary::exif INTERFACE "${TESSARY_EXIF_HEADERS}")

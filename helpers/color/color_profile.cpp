@@ -9,6 +9,7 @@ namespace tessary::color {
 namespace {
 
 constexpr double kAdobeGamma = 563 / 256.0;
+constexpr size_t kLongestName = 255;  // characters
 
 std::optional<Model> ModelOfSpace(cmsColorSpaceSignature space) {
     switch (space) {
@@ -114,6 +115,16 @@ std::vector<uint8_t> Profile::Icc() const {
     std::vector<uint8_t> icc(size);
     if (!cmsSaveProfileToMem(handle_.get(), icc.data(), &size)) return {};
     return icc;
+}
+
+std::u16string Profile::Name() const {
+    std::array<wchar_t, kLongestName + 1> wide{};
+    cmsGetProfileInfo(Handle(), cmsInfoDescription, "ja", "JP", wide.data(),
+                      kLongestName * sizeof(wchar_t));
+    std::u16string name;
+    for (size_t i = 0; wide[i] != 0; ++i)
+        name += static_cast<char16_t>(wide[i]);
+    return name;
 }
 
 }  // namespace tessary::color

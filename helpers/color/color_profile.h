@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace tessary::color {
@@ -51,6 +52,8 @@ class Profile {
     std::span<const uint8_t> Source() const {
         return source_ ? std::span<const uint8_t>(*source_) : std::span<const uint8_t>();
     }
+    // What it calls itself, in Japanese where it can; empty when it does not tell.
+    std::u16string Name() const;
     // The profile as a file has it, of the version 4; empty when there is no memory.
     std::vector<uint8_t> Icc() const;
 

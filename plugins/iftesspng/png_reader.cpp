@@ -7,10 +7,10 @@
 #include <limits>
 #include <string_view>
 
+#include "helpers/metadata/late_exif.h"
 #include "plugins/common/exif.h"
 #include "plugins/common/flatten_rows.h"
 #include "plugins/common/palette.h"
-#include "plugins/iftesspng/late_exif.h"
 #include "plugins/iftesspng/wide_row.h"
 
 namespace tessary::png {
@@ -166,7 +166,7 @@ void PngReader::ReadOrientation() {
     png_uint_32 size = 0;
     const bool isEarly = png_get_eXIf_1(png_, info_, &size, &exif) != 0;
     const codec::ExifEntries entries =
-        isEarly ? codec::ReadExif({exif, size}) : codec::ReadExif(FindLateExif(source_));
+        isEarly ? codec::ReadExif({exif, size}) : codec::ReadExif(metadata::FindLateExif(source_));
     orientation_ = entries.orientation;
 }
 

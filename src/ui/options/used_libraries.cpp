@@ -42,6 +42,10 @@ constexpr UsedLibrary kLibraries[] = {
     {L"Little CMS", TESSARY_WIDE(TESSARY_VERSION_lcms), L"MIT",
      L"画像の色をカラープロファイルに従って変換するために使用しています。著作権表示と許諾表示を残す"
      L"ことが条件です。無保証です。"},
+    {L"libexif", TESSARY_WIDE(TESSARY_VERSION_exif), L"LGPL-2.1 以降",
+     L"写真の撮影情報（EXIF）の読み書きに使用しています。別の版に差し替えて作り直せることが条件です"
+     L"。"
+     L"無保証です。"},
     {L"mingw-w64", TESSARY_WIDE(__MINGW64_VERSION_STR), L"ZPL-2.1, MIT",
      L"C言語のランタイムとスレッドに使用しています。著作権表示を残すことが条件です。無保証です。"},
     {L"GCC (libstdc++, libgcc)", TESSARY_COMPILER, L"GPL-3.0 + 例外",

@@ -1,4 +1,4 @@
-#include "plugins/iftesspng/late_exif.h"
+#include "helpers/metadata/late_exif.h"
 
 #include <zlib.h>
 
@@ -6,7 +6,7 @@
 #include <array>
 #include <span>
 
-namespace tessary::png {
+namespace tessary::metadata {
 namespace {
 
 // More than EXIF data with a thumbnail have, and some texts.
@@ -50,4 +50,4 @@ std::vector<uint8_t> FindLateExif(dib::ByteSource& source) {
     return {};
 }
 
-}  // namespace tessary::png
+}  // namespace tessary::metadata

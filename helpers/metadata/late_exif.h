@@ -6,10 +6,10 @@
 
 #include "helpers/dib/byte_source.h"
 
-namespace tessary::png {
+namespace tessary::metadata {
 
 // What the last eXIf chunk holds near the file's end; empty where there is none. Going there from
 // chunk to chunk would take thousands of reads.
 std::vector<uint8_t> FindLateExif(dib::ByteSource& source);
 
-}  // namespace tessary::png
+}  // namespace tessary::metadata
