@@ -37,6 +37,19 @@ void Transfer(Wire& wire, TurnWish& wish) {
 }
 
 }  // namespace jpeg
+namespace metadata {
+
+template <class Wire>
+void Transfer(Wire& wire, SavedPicture& picture) {
+    wire(picture.width, picture.height, picture.keepsPosition);
+}
+
+template <class Wire>
+void Transfer(Wire& wire, Field& field) {
+    wire(field.kind, field.text);
+}
+
+}  // namespace metadata
 
 template <class Wire>
 void Transfer(Wire& wire, WireSection& section) {
@@ -47,8 +60,8 @@ template <class Wire>
 void Transfer(Wire& wire, HostRequest& request) {
     wire(request.operation, request.plugin, request.sourceName, request.isFile, request.bytes,
          request.isPreview, request.tellsProgress, request.tellsCondition, request.tellsFrames,
-         request.frame, request.member, request.folder, request.parent, request.turn,
-         request.returned);
+         request.frame, request.member, request.folder, request.parent, request.turn, request.file,
+         request.saved, request.returned);
 }
 
 template <class Wire>
@@ -58,12 +71,17 @@ void Transfer(Wire& wire, HostReply& reply) {
          reply.hasSettings, reply.productName, reply.patterns, reply.width, reply.height,
          reply.colorDepth, reply.wasStopped, reply.members, reply.turned, reply.trimmedLeft,
          reply.trimmedTop, reply.bytes, reply.infoSize, reply.profileSize, reply.bitsAt,
-         reply.frameKind, reply.frameCount, reply.frameRounds, reply.duration);
+         reply.frameKind, reply.frameCount, reply.frameRounds, reply.duration, reply.fields,
+         reply.exif);
 }
 
 namespace {
 
 constexpr size_t kMaxFailures = 16;  // an operation makes fewer calls
+
+bool CanBe(const metadata::Field& field) {
+    return field.kind <= metadata::FieldKind::kLast && field.text.size() <= metadata::kLongestText;
+}
 
 template <typename Message>
 std::vector<uint8_t> Written(const Message& message) {
@@ -75,9 +93,10 @@ std::vector<uint8_t> Written(const Message& message) {
 template <typename Message>
 std::optional<Message> Read(std::span<const uint8_t> bytes) {
     WireReader reader(bytes);
-    Message message;
-    reader(message);
-    return reader.IsWhole() ? std::optional(std::move(message)) : std::nullopt;
+    std::optional<Message> message(std::in_place);
+    reader(*message);
+    if (!reader.IsWhole()) message.reset();
+    return message;
 }
 
 }  // namespace
@@ -99,7 +118,10 @@ std::optional<HostReply> ReplyOf(std::span<const uint8_t> bytes) {
     std::optional<HostReply> reply = Read<HostReply>(bytes);
     if (!reply || reply->turned > jpeg::TurnResult::kLast ||
         reply->patterns.size() > kMaxPatterns || reply->failures.size() > kMaxFailures ||
-        !std::ranges::all_of(reply->failures, IsNotedFunction)) {
+        !std::ranges::all_of(reply->failures, IsNotedFunction) ||
+        reply->fields.size() > metadata::kMostFields ||
+        !std::ranges::all_of(reply->fields, CanBe) ||
+        reply->exif.size() > metadata::kMostSavedExif) {
         return std::nullopt;
     }
     return reply;

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "helpers/jpeg_turn/jpeg_turn.h"
+#include "helpers/metadata/metadata_field.h"
+#include "helpers/metadata/saved_exif.h"
 #include "helpers/susiectl/susie_interface.h"
 #include "plugin/file_patterns.h"
 
@@ -30,7 +32,8 @@ enum class HostOperation : uint32_t {
     kConfigure,
     kFrame,
     kTurnJpeg,  // of no plug-in's
-    kLast = kTurnJpeg,
+    kMetadata,  // the same: what a picture file says of its picture
+    kLast = kMetadata,
 };
 
 // Bytes in a section of shared memory.
@@ -58,6 +61,8 @@ struct HostRequest {
     std::optional<std::string> folder{};
     uint64_t parent = 0;  // window
     jpeg::TurnWish turn{};
+    std::wstring file{};               // kMetadata: full path; empty: the bytes
+    metadata::SavedPicture saved{};    // the same: of a width, so that EXIF data are wanted for it
     std::vector<uint32_t> returned{};  // the ids of sections that nobody reads any more
 };
 
@@ -96,6 +101,8 @@ struct HostReply {
     uint32_t frameCount = 0;
     uint32_t frameRounds = 0;
     uint32_t duration = 0;  // of the frame
+    metadata::Fields fields{};
+    std::vector<uint8_t> exif{};  // for the file that the picture is saved in
 };
 
 std::vector<uint8_t> BytesOf(const HostRequest& request);

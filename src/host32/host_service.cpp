@@ -7,6 +7,8 @@
 
 #include "app/base/error.h"
 #include "app/base/text.h"
+#include "helpers/files/file_source.h"
+#include "helpers/metadata/file_metadata.h"
 #include "plugin/plugin_state.h"
 #include "plugin/thread_crash.h"
 
@@ -145,6 +147,7 @@ HostReply HostService::Carried(const HostRequest& request) {
     for (const uint32_t id : request.returned)
         stock_.Return(id);
     if (request.operation == HostOperation::kTurnJpeg) return TurnJpeg(request);
+    if (request.operation == HostOperation::kMetadata) return ReadMetadata(request);
     LocalConnection& plugin = ConnectionOf(request.plugin, loads);
     PluginSource source{.name = request.sourceName, .bytes = {}, .isFile = request.isFile};
     const std::optional<Section> bytes = BytesOfSource(request);
@@ -358,6 +361,23 @@ HostReply HostService::TurnJpeg(const HostRequest& request) {
     }
     Copy(turned.file, section->bytes);
     reply.bytes = section->wire;
+    return reply;
+}
+
+HostReply HostService::ReadMetadata(const HostRequest& request) {
+    HostReply reply;
+    const auto tell = [&](dib::ByteSource& source) {
+        metadata::FileMetadata read = metadata::ReadFileMetadata(source);
+        reply.fields = std::move(read.fields);
+        if (request.saved.width != 0) reply.exif = metadata::SavedExif(read.exif, request.saved);
+    };
+    if (request.file.empty()) {
+        const std::optional<Section> bytes = BytesOfSource(request);
+        dib::MemorySource source(bytes ? bytes->Bytes() : std::span<uint8_t>());
+        tell(source);
+    } else if (auto source = files::FileSource::Open(request.file)) {
+        tell(*source);
+    }
     return reply;
 }
 

@@ -65,6 +65,7 @@ class HostService {
     HostReply Extract(LocalConnection& plugin, const PluginSource& source,
                       const HostRequest& request);
     HostReply TurnJpeg(const HostRequest& request);
+    HostReply ReadMetadata(const HostRequest& request);
     SusieProgress ProgressOf(const HostRequest& request);
 
     // Room for a picture in a section of the stock's.

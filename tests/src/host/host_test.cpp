@@ -4,6 +4,7 @@
 
 #include "app/base/handles.h"
 #include "app/settings/modValue.h"
+#include "host/metadata_host.h"
 #include "plugin/CollectionSusie.h"
 #include "plugin/call_watch.h"
 #include "plugin/modSusie.h"
@@ -11,12 +12,14 @@
 #include "tests/src/host/host_test.h"
 #include "tests/support/content_of.h"
 #include "tests/support/process_resources.h"
+#include "tests/support/seeds.h"
 
 namespace tessary {
 namespace {
 
 using test::HostTest;
 using test::kProgram;
+using test::SeedFolder;
 
 // One operation, on a loaded plug-in.
 using Operation = PluginAnswer (*)(HostConnection& plugin, const PluginSource& picture,
@@ -65,6 +68,24 @@ TEST_F(HostTest, AnEndInAnyFunctionIsThatPluginsFailureAndNobodyElsesTrouble) {
             EXPECT_TRUE(FindInterruptedCalls().empty());
         }
     }
+}
+
+TEST_F(HostTest, MetadataAreReadInAProcessOfTheirOwn) {
+    const std::wstring path = SeedFolder() / "fuzz_metadata" / "jpeg";
+    MetadataHost host(kProgram);
+    const MetadataAnswer ofFile = host.Ask({.path = path});
+    ASSERT_FALSE(ofFile.fields.empty());
+    EXPECT_EQ(ofFile.fields.front().text, "2024:05:31 12:34:56");
+    EXPECT_TRUE(ofFile.exif.empty()) << "nobody has asked for them";
+    host.Rest();
+    const auto bytes = test::ContentOf<std::vector<uint8_t>>(path);
+    const MetadataAnswer ofBytes = host.Ask({.bytes = bytes, .saved = {480, 320}});
+    EXPECT_EQ(ofBytes.fields, ofFile.fields);
+    EXPECT_FALSE(ofBytes.exif.empty());
+    EXPECT_TRUE(host.Ask({.path = path + L".not-there"}).fields.empty());
+    EXPECT_TRUE(host.Ask({}).fields.empty());
+    EXPECT_FALSE(host.Ask({.path = path}).fields.empty());
+    EXPECT_TRUE(MetadataHost(path).Ask({.path = path}).fields.empty()) << "no program";
 }
 
 // One that does not listen is not held up to the user, and nobody blames it.
