@@ -57,6 +57,16 @@ add_library(tessary::deflate INTERFACE IMPORTED GLOBAL)
 target_link_libraries(tessary::deflate INTERFACE "${TESSARY_DEFLATE_LIBRARY}")
 target_include_directories(tessary::deflate INTERFACE "${TESSARY_DEFLATE_HEADERS}")
 
+# Nor giflib.
+find_library(TESSARY_GIF_LIBRARY gif)
+find_path(TESSARY_GIF_HEADERS gif_lib.h)
+if(NOT TESSARY_GIF_LIBRARY OR NOT TESSARY_GIF_HEADERS)
+    message(FATAL_ERROR "giflib is missing: run scripts/dependencies.sh")
+endif()
+add_library(tessary::gif INTERFACE IMPORTED GLOBAL)
+target_link_libraries(tessary::gif INTERFACE "${TESSARY_GIF_LIBRARY}")
+target_include_directories(tessary::gif INTERFACE "${TESSARY_GIF_HEADERS}")
+
 # Nor Little CMS.
 find_library(TESSARY_LCMS_LIBRARY lcms2)
 find_path(TESSARY_LCMS_HEADERS lcms2.h)

@@ -3,9 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 
 #include "helpers/dib/byte_source.h"
+#include "plugins/common/frame_reader.h"
 #include "plugins/common/picture_target.h"
 #include "plugins/common/progress.h"
 #include "plugins/common/result.h"
@@ -28,6 +30,10 @@ class PictureCodec {
     // already; they are not to be used.
     virtual Result Decode(dib::ByteSource& source, PictureTarget& target,
                           Progress& progress) const = 0;
+
+    // Opens a source for its frames or pages; null where there is one at most, which the first
+    // bytes should tell, or none can be had. The source may be closed behind the call.
+    virtual std::unique_ptr<FrameReader> OpenFrames(dib::ByteSource&) const { return nullptr; }
 };
 
 }  // namespace tessary::codec

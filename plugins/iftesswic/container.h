@@ -8,7 +8,6 @@ namespace tessary::wic {
 
 enum class Container {
     kUnknown,
-    kGif,
     kTiff,
     kIcon,
     kCursor,

@@ -20,14 +20,4 @@ void UnpackRow(const uint8_t* in, uint8_t* out, uint32_t width, unsigned bitCoun
     }
 }
 
-void ColorRow(const uint8_t* in, uint8_t* out, uint32_t width, unsigned bitCount,
-              std::span<const dib::PaletteEntry> palette) {
-    for (uint32_t x = 0; x < width; ++x, out += 3) {
-        const dib::PaletteEntry& color = palette[PackedPixel(in, x, bitCount)];
-        out[0] = color.blue;
-        out[1] = color.green;
-        out[2] = color.red;
-    }
-}
-
 }  // namespace tessary::wic

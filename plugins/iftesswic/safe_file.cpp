@@ -1,6 +1,5 @@
 #include "plugins/iftesswic/safe_file.h"
 
-#include "plugins/common/picture_target.h"
 #include "plugins/iftesswic/dds_file.h"
 #include "plugins/iftesswic/number_reader.h"
 #include "plugins/iftesswic/tiff_file.h"
@@ -39,9 +38,6 @@ SafeFile::SafeFile(dib::ByteSource& file, Container container) : patched_(file),
         case Container::kUnknown:
             inspection_ = {codec::Result::kUnknownFormat};
             break;
-        case Container::kGif:
-            InspectGif(file);
-            break;
         case Container::kIcon:
         case Container::kCursor:
             source_ = &icon_.emplace(file);
@@ -69,18 +65,6 @@ SafeFile::SafeFile(dib::ByteSource& file, Container container) : patched_(file),
         case Container::kHeif:
             if (IsBoxCut(file)) inspection_ = Damaged(L"HEIFデータが途中で切れています");
             break;
-    }
-}
-
-void SafeFile::InspectGif(dib::ByteSource& file) {
-    source_ = &gif_.emplace(file);
-    const GifScreen& screen = gif_->Screen();
-    if (!codec::IsPlausibleSize(uint64_t{screen.width} * screen.height, file.Size())) {
-        inspection_ = Broken(L"GIFの見出しの値が正しくありません");
-    } else if (!gif_->HasPixels()) {
-        inspection_ = Broken(L"GIFデータが壊れているか、途中で切れています");
-    } else if (!gif_->IsWhole()) {
-        inspection_ = Damaged(L"GIFデータが壊れているか、途中で切れています");
     }
 }
 

@@ -8,7 +8,6 @@
 
 #include "helpers/dib/byte_source.h"
 #include "plugins/iftesswic/container.h"
-#include "plugins/iftesswic/gif_first_frame.h"
 #include "plugins/iftesswic/icon_directory.h"
 #include "plugins/iftesswic/inspection.h"
 #include "plugins/iftesswic/patched_source.h"
@@ -28,19 +27,14 @@ class SafeFile {
     // What to decode: the first frame of it, whatever the file has.
     dib::ByteSource& Source() { return *source_; }
 
-    // All zero unless it is a GIF file.
-    GifScreen Screen() const { return gif_ ? gif_->Screen() : GifScreen{}; }
     // Pixel rows of a TIFF file that are stored together; 0: not known.
     uint32_t RowsPerStrip() const { return rowsPerStrip_; }
     // Whether it has samples of 16 bits whose high byte comes first.
     bool HasBigEndianSamples() const { return hasBigEndianSamples_; }
 
   private:
-    void InspectGif(dib::ByteSource& file);
-
     Inspection inspection_;
     PatchedSource patched_;
-    std::optional<GifFirstFrame> gif_;
     std::optional<SingleIcon> icon_;
     dib::ByteSource* source_;
     uint32_t rowsPerStrip_ = 0;

@@ -45,26 +45,15 @@ Result ResultOf(HRESULT code) {
 // The pixels of a frame on their way into the target.
 class FrameCopy {
   public:
-    // `screen` counts when the frame on it is the decoded one; any other frame is its own screen.
     // `stripRows` is how many rows are stored together, 0 where they all are.
-    FrameCopy(const WicFrame& frame, const GifScreen& screen, uint32_t stripRows)
-        : frame_(frame), pixels_(frame.Pixels()), stripRows_(stripRows), screen_(screen) {
-        const uint32_t width = frame.Width(), height = frame.Height();
-        if (screen.frameWidth != width || screen.frameHeight != height) {
-            screen_ = {.width = width, .height = height};
-        }
-    }
+    FrameCopy(const WicFrame& frame, uint32_t stripRows)
+        : frame_(frame), pixels_(frame.Pixels()), stripRows_(stripRows) {}
 
     codec::PictureForm Form() const;
     Result Run(uint64_t sourceSize, codec::PictureTarget& target, codec::Progress& progress) const;
 
   private:
-    bool FillsScreen() const {
-        return frame_.Width() == screen_.width && frame_.Height() == screen_.height;
-    }
     unsigned TargetBits() const;
-    void FillWhite(const codec::PictureRows& rows) const;
-    codec::PictureRows FrameRows(const codec::PictureRows& rows) const;
     uint32_t RowsPerBand(size_t stride) const;
     HRESULT CopyBand(uint32_t top, uint32_t count, std::vector<uint8_t>& band) const;
     void ConvertRow(const uint8_t* in, uint8_t* out) const;
@@ -73,12 +62,10 @@ class FrameCopy {
     const WicFrame& frame_;
     WicPixels pixels_;
     uint32_t stripRows_;
-    GifScreen screen_;
 };
 
 unsigned FrameCopy::TargetBits() const {
-    // Beside a frame that leaves part of its screen free stands white, which a palette may lack.
-    if (pixels_.palette.empty() || !FillsScreen()) return 24;
+    if (pixels_.palette.empty()) return 24;
     // Bitmaps have no 2-bit form, and only whole bytes are mirrored or turned.
     const bool upright = frame_.Orientation() == codec::kUprightOrientation;
     return upright && pixels_.bitCount != 2 ? std::min(pixels_.bitCount, 8u) : 8;
@@ -86,8 +73,8 @@ unsigned FrameCopy::TargetBits() const {
 
 codec::PictureForm FrameCopy::Form() const {
     codec::PictureForm form;
-    form.width = screen_.width;
-    form.height = screen_.height;
+    form.width = frame_.Width();
+    form.height = frame_.Height();
     form.bitCount = static_cast<uint16_t>(TargetBits());
     form.xPelsPerMeter = frame_.XPelsPerMeter();
     form.yPelsPerMeter = frame_.YPelsPerMeter();
@@ -96,18 +83,6 @@ codec::PictureForm FrameCopy::Form() const {
         std::swap(form.xPelsPerMeter, form.yPelsPerMeter);
     }
     return form;
-}
-
-void FrameCopy::FillWhite(const codec::PictureRows& rows) const {
-    for (uint32_t y = 0; y < screen_.height; ++y) {
-        std::memset(rows.Row(y), 0xFF, size_t{screen_.width} * 3);
-    }
-}
-
-codec::PictureRows FrameCopy::FrameRows(const codec::PictureRows& rows) const {
-    if (FillsScreen()) return rows;
-    uint8_t* lastRow = rows.Row(screen_.frameTop + frame_.Height() - 1);
-    return {lastRow + size_t{screen_.frameLeft} * 3, rows.stride, frame_.Height()};
 }
 
 // TIFF is stored in strips and often large, so it comes in bands, with a chance to stop between
@@ -134,8 +109,6 @@ void FrameCopy::ConvertRow(const uint8_t* in, uint8_t* out) const {
         std::memcpy(out, in, static_cast<size_t>(dib::RowBytes(width, targetBits)));
     } else if (pixels_.palette.empty()) {
         codec::FlattenColorRow(in, out, width, codec::kWhite);
-    } else if (targetBits == 24) {
-        ColorRow(in, out, width, pixels_.bitCount, pixels_.palette);
     } else {
         UnpackRow(in, out, width, pixels_.bitCount);
     }
@@ -165,12 +138,10 @@ Result FrameCopy::Run(uint64_t sourceSize, codec::PictureTarget& target,
     codec::PictureRows rows;
     const Result created = CreatePicture(target, form, pixels_.palette, sourceSize, rows);
     if (created != Result::kSuccess) return created;
-    if (!FillsScreen()) FillWhite(rows);
 
     const uint32_t width = frame_.Width(), height = frame_.Height();
     codec::OrientedRows oriented(
-        {FrameRows(rows), width, height, form.bitCount == 24 ? 3u : 1u, frame_.Orientation()},
-        Conversion());
+        {rows, width, height, form.bitCount == 24 ? 3u : 1u, frame_.Orientation()}, Conversion());
     const auto stride = static_cast<size_t>(dib::RowStride(width, pixels_.bitCount));
     const auto rowBytes = static_cast<size_t>(dib::RowBytes(width, pixels_.bitCount));
     uint32_t bandRows = RowsPerBand(stride);
@@ -228,7 +199,7 @@ Result WithFrame(dib::ByteSource& source, codec::Progress& progress, Use use) {
         }
         const LentStream stream(file.Source());
         const WicFrame frame(container, stream.Get());
-        return use(FrameCopy(frame, file.Screen(), file.RowsPerStrip()));
+        return use(FrameCopy(frame, file.RowsPerStrip()));
     } catch (const ComFailure& failure) {
         const Result result = ResultOf(failure.code);
         // The system's decoders seldom tell what they miss from what they do not know. A lack of

@@ -6,9 +6,9 @@
 
 namespace tessary::wic {
 
-// Shows the first frame (of icons the largest, the deepest of equal ones), a GIF frame on its whole
-// screen, TIFF upright. Palette and grey pictures of up to 8 bits stay such, all others become
-// 24-bit. Transparency is laid over white.
+// Shows the first frame (of icons the largest, the deepest of equal ones), TIFF upright. Palette
+// and grey pictures of up to 8 bits stay such, all others become 24-bit. Transparency is laid over
+// white.
 class WicDecoder final : public codec::PictureCodec {
   public:
     // Formats that not every Windows decodes are supported when a decoder is installed.

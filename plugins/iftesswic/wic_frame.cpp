@@ -45,8 +45,6 @@ const GUID* ContainerId(Container container) {
 // more than decoding a small picture.
 const CLSID* DecoderClass(Container container) {
     switch (container) {
-        case Container::kGif:
-            return &CLSID_WICGifDecoder;
         case Container::kTiff:
             return &CLSID_WICTiffDecoder;
         case Container::kIcon:

@@ -8,7 +8,6 @@ namespace tessary::spi {
 
 const PluginIdentity& Identity() {
     static constexpr std::array kFileTypes{
-        FileType{"*.gif", L"GIF形式", "GIF"},
         FileType{"*.tif;*.tiff", L"TIFF形式", "TIFF"},
         FileType{"*.ico;*.cur", L"アイコン・カーソル", "Icon"},
         FileType{"*.webp", L"WebP形式", "WebP"},
@@ -17,7 +16,7 @@ const PluginIdentity& Identity() {
         FileType{"*.dds", L"DDS形式", "DDS"},
     };
     static constexpr PluginIdentity kIdentity{
-        "iftesswic " TESSARY_PLUGIN_VERSION " - GIF, TIFF, ICO, WebP, HEIF (WIC)", kFileTypes};
+        "iftesswic " TESSARY_PLUGIN_VERSION " - TIFF, ICO, WebP, HEIF (WIC)", kFileTypes};
     return kIdentity;
 }
 

@@ -27,4 +27,22 @@ inline void DecodeAll(const PictureCodec& codec, std::span<const uint8_t> file) 
     const test::Colors colors(*view);
 }
 
+// The same with its frames, as somebody who steps back and forth.
+inline void DecodeFrames(const PictureCodec& codec, std::span<const uint8_t> file) {
+    dib::MemorySource source(file);
+    const auto frames = codec.OpenFrames(source);
+    if (frames == nullptr) return;
+    const uint32_t count = frames->Frames().count;
+    if (count < 2) std::abort();
+    for (const uint32_t index : {0u, 1u, count - 1, 1u, std::min(count - 1, 4u), count / 2}) {
+        if (index > 64) continue;  // takes its time, and nothing new comes of it
+        test::MemoryTarget target(kMostBits, true);
+        Progress progress;
+        uint32_t duration = 0;
+        if (frames->Decode(source, index, target, progress, duration) != Result::kSuccess) continue;
+        if (!target.View()) std::abort();
+        const test::Colors colors(*target.View());
+    }
+}
+
 }  // namespace tessary::codec::fuzz

@@ -96,7 +96,7 @@ TEST_P(BundledPlugin, DecodesMemoryFilesAndPartsOfFiles) {
     EXPECT_EQ(info.width, header.width);
     EXPECT_EQ(info.height, header.height);
     EXPECT_EQ(info.colorDepth, header.bitCount);
-    EXPECT_EQ(info.xDensity, name == "iftesswic" ? 0 : 100);
+    EXPECT_EQ(info.xDensity, name == "iftesswic" || name == "iftessgif" ? 0 : 100);
     EXPECT_EQ(info.hInfo, nullptr);
 }
 
@@ -179,9 +179,10 @@ TEST_P(BundledPlugin, AnswersFailuresWithTheirCodeAndNoBlocks) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, BundledPlugin,
-                         testing::Values(std::pair("iftessjpeg", "fuzz_jpeg/color"),
+                         testing::Values(std::pair("iftessgif", "fuzz_gif/two-frames"),
+                                         std::pair("iftessjpeg", "fuzz_jpeg/color"),
                                          std::pair("iftesspng", "fuzz_png/color8"),
-                                         std::pair("iftesswic", "fuzz_system_picture/two-frames")),
+                                         std::pair("iftesswic", "fuzz_system_picture/icon")),
                          [](const auto& info) { return std::string(info.param.first); });
 
 }  // namespace

@@ -111,25 +111,5 @@ TEST(SafeFile, LetsOnlyKnownKindsOfDdsThrough) {
     EXPECT_EQ(Looked(With(cut, kHeight, 0x40000000, 4)).Verdict(), Result::kBrokenData);
 }
 
-TEST(SafeFile, CountsThePixelsOfAGif) {
-    const Bytes good = SystemPicture("two-frames");
-    constexpr size_t kFirstEnd = kGifFirstPixels + 2 + 0x44;
-    const Bytes higher = With(good, kGifFrame + 6, kGifHeight + 1);  // by a row without pixels
-    const std::pair<Bytes, Condition> told[] = {
-        {good, Condition::kNone},
-        // The first frame is whole; so is the picture.
-        {Cut(good, good.size() - 20), Condition::kNone},
-        {Cut(good, kFirstEnd), Condition::kNone},
-        {Cut(good, kFirstEnd - 3), Condition::kDamaged},
-        {higher, Condition::kDamaged},
-    };
-    for (const auto& [file, condition] : told)
-        EXPECT_EQ(Looked(file).Told(), condition) << file.size();
-    const Bytes noPixel = With(good, kGifFirstPixels + 2, 7);
-    const Bytes endless = With(higher, kGifScreen, 0xFFFFFFFF, 4);
-    EXPECT_EQ(Looked(noPixel).Verdict(), Result::kBrokenData);
-    EXPECT_EQ(Looked(endless).Verdict(), Result::kBrokenData);
-}
-
 }  // namespace
 }  // namespace tessary::wic

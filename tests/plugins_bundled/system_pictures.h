@@ -12,15 +12,6 @@ inline tessary::test::Bytes SystemPicture(const std::string& name) {
     return tessary::test::Seed("fuzz_system_picture/" + name);
 }
 
-// "two-frames": 12 x 10 pixels in diagonal stripes of these colours, then the same shifted.
-constexpr uint32_t kGifColors[4] = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF};
-constexpr uint32_t kGifWidth = 12, kGifHeight = 10;
-constexpr unsigned GifIndex(uint32_t x, uint32_t y) {
-    return (x + y) % 4;
-}
-constexpr size_t kGifScreen = 6, kGifHasClear = 28, kGifClearIndex = 31, kGifFrame = 34;
-constexpr size_t kGifFirstPixels = 43;
-
 // "tiff": 16 x 2 pixels of a bit each, of which the first four are black, and the others white; one
 // strip of 4 bytes, then the entries and the link behind the last.
 constexpr size_t kTiffStrip = 8, kTiffLink = 134;
