@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "plugins/iftesspng/apng_animation.h"
 #include "plugins/iftesspng/png_reader.h"
 
 namespace tessary::png {
@@ -43,6 +44,14 @@ Result PngDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
                                   form.bitCount / 8u, reader.Orientation()},
                                  reader.Conversion());
     return reader.DecodeRows(oriented);
+}
+
+std::unique_ptr<codec::FrameReader> PngDecoder::OpenFrames(dib::ByteSource& source) const {
+    std::optional<ApngFile> file = ReadApng(source);
+    if (!file) return nullptr;
+    const uint64_t bytes = uint64_t{file->width} * file->height * codec::Canvas::kPixelBytes;
+    if (!codec::IsPlausibleSize(bytes, source.Size())) return nullptr;
+    return std::make_unique<ApngAnimation>(*std::move(file));
 }
 
 }  // namespace tessary::png

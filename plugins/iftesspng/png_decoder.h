@@ -25,6 +25,7 @@ class PngDecoder final : public codec::PictureCodec {
     codec::Result ReadForm(dib::ByteSource& source, codec::PictureForm& form) const override;
     codec::Result Decode(dib::ByteSource& source, codec::PictureTarget& target,
                          codec::Progress& progress) const override;
+    std::unique_ptr<codec::FrameReader> OpenFrames(dib::ByteSource& source) const override;
 
   private:
     uint64_t large_;

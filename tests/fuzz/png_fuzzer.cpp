@@ -37,5 +37,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size % 2 == 0) MendCheckSums(file);
     codec::fuzz::DecodeAll(png::PngDecoder(), file);
     codec::fuzz::DecodeAll(png::PngDecoder(0), file);
+    codec::fuzz::DecodeFrames(png::PngDecoder(), file);
     return 0;
 }
