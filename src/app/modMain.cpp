@@ -24,6 +24,7 @@
 #include "plugin/modSusie.h"
 #include "plugin/no_host.h"
 #include "plugin/plugin_notices.h"
+#include "ui/control/drag_out.h"
 #include "ui/control/frmControl.h"
 #include "ui/control/open_commands.h"
 #include "ui/control/save_commands.h"
@@ -132,6 +133,7 @@ int Main() {
     OpenCommands openCommands(window, controlBar);
     SaveCommands saveCommands(window);
     TurnFileCommand turnFileCommand(window);
+    DragOut dragOut(window, controlBar);
     OptionCommands optionCommands(window);
     ConvertCommands convertCommands(window, controlBar, [&optionCommands](HWND owner) {
         optionCommands.ShowOptions(owner, kConvertPage);

@@ -7,6 +7,7 @@
 #include "app/base/error.h"
 #include "helpers/dib/check_dib.h"
 #include "helpers/dib/dib_view.h"
+#include "helpers/dib/unpack_row.h"
 #include "picture/current_picture.h"
 #include "picture/opaque_picture.h"
 #include "picture/packed_dib.h"
@@ -15,6 +16,8 @@ namespace tessary {
 namespace {
 
 using Bytes = std::span<const uint8_t>;
+
+constexpr DWORD kSrgbSpace = 0x73524742;  // LCS_sRGB, whose letters compilers warn of
 
 // Keeps a global block locked for its own life.
 class GlobalBlockLock {
@@ -89,6 +92,11 @@ ClipboardBlock ReadBlock(Bytes block, Picture& picture) {
         }
         return true;
     });
+    if (!picture) return ClipboardBlock::kNoMemory;
+    // Some put a header with alpha before pixels without.
+    if (picture.HasAlpha() && !dib::RowReader(picture.View()).HasAlpha()) {
+        picture = OpaquePicture(picture.View());
+    }
     return picture ? ClipboardBlock::kPicture : ClipboardBlock::kNoMemory;
 }
 
@@ -118,6 +126,32 @@ int16_t PictureFromClipboardDIB(HGLOBAL block) {
         SetCurrentPicture(std::move(picture));
     }
     return 0;
+}
+
+UniqueGlobal MakeClipboardDIBWithAlpha(const Picture& picture) {
+    if (!picture || !picture.HasAlpha()) return {};
+    const dib::DibView& view = picture.View();
+    BITMAPV5HEADER header{};
+    header.bV5Size = sizeof(header);
+    header.bV5Width = view.Width();
+    header.bV5Height = view.Height();
+    header.bV5Planes = 1;
+    header.bV5BitCount = 32;
+    header.bV5Compression = BI_BITFIELDS;
+    header.bV5SizeImage = static_cast<DWORD>(view.Bits().size());
+    header.bV5XPelsPerMeter = view.Header().xPelsPerMeter;
+    header.bV5YPelsPerMeter = view.Header().yPelsPerMeter;
+    header.bV5RedMask = 0x00FF0000;
+    header.bV5GreenMask = 0x0000FF00;
+    header.bV5BlueMask = 0x000000FF;
+    header.bV5AlphaMask = 0xFF000000;
+    header.bV5CSType = kSrgbSpace;
+    header.bV5Intent = LCS_GM_IMAGES;
+    return FilledGlobal(sizeof(header) + view.Bits().size(), [&](std::span<uint8_t> target) {
+        std::memcpy(target.data(), &header, sizeof(header));
+        WriteBottomUp(view, target.subspan(sizeof(header)));
+        return true;
+    });
 }
 
 UniqueGlobal MakeClipboardDIB(const Picture& picture, dib::Backdrop backdrop) {

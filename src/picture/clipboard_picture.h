@@ -16,13 +16,17 @@ enum class ClipboardBlock { kPicture, kNoPicture, kNoMemory };
 
 // What a clipboard block holds, as a new picture: pixels that are
 // run-length encoded or have unusual masks are written anew. The block stays the clipboard's; its
-// real size decides what is read. From any thread. kNoPicture: it is none of a known kind, or not
+// real size decides what is read. Alpha that leaves nothing to be seen is none. From any thread.
+// kNoPicture: it is none of a known kind, or not
 // all of one.
 ClipboardBlock ReadClipboardDIB(HGLOBAL block, Picture& picture);
 
 // Makes what a clipboard block holds the current picture. The result is always 0: a block that
 // cannot be read leaves the current picture as it is.
 int16_t PictureFromClipboardDIB(HGLOBAL block);
+
+// A picture with alpha as the block of CF_DIBV5, which says so; null for others, or without memory.
+UniqueGlobal MakeClipboardDIBWithAlpha(const Picture& picture);
 
 // A picture as such a block, movable, ready to be given to the clipboard: bottom row first, which
 // all programs understand, transparent pixels laid over the backdrop, and with opaque fourth bytes

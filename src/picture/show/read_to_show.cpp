@@ -225,4 +225,11 @@ ReadToShow ReadMemberToShow(const std::wstring& archivePath, int32_t position, P
     return result;
 }
 
+ReadToShow ReadBlockToShow(HLOCAL block, const std::wstring& name, PictureView& view) {
+    if (PluginCallUnderWay()) return {};
+    ViewWatch watch(view);
+    ReadToShow result = Told(ReadPicture(block, name, watch.Functions()), name);
+    return watch.IsStopped() ? Stopped() : std::move(result);
+}
+
 }  // namespace tessary

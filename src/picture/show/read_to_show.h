@@ -2,6 +2,8 @@
 // is and may stop it, and gets the reason in words when there is nothing to show.
 #pragma once
 
+#include <windows.h>
+
 #include <cstdint>
 #include <string>
 
@@ -24,6 +26,9 @@ ReadToShow ReadFileToShow(const std::wstring& path, PictureView& view);
 
 // The same for an archive's member, given by its place in the plug-in's list (from 1).
 ReadToShow ReadMemberToShow(const std::wstring& archivePath, int32_t position, PictureView& view);
+
+// The same for a block of somebody's, called `name`: bytes of a file of that name.
+ReadToShow ReadBlockToShow(HLOCAL block, const std::wstring& name, PictureView& view);
 
 // The message about something that is not shown.
 std::wstring FailureText(const std::wstring& subject, const std::wstring& reason);

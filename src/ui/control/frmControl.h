@@ -62,6 +62,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     std::wstring Failure() const override;
     void PictureReplaced(const std::wstring& info) override;
     void FileSaved(const std::wstring& path) override { deleteList_.FileSaved(path); }
+    std::optional<ShownMember> MemberOf(const PictureSource& source) const override;
     bool ShowAnew(const std::wstring& path) override;
     void ClearLists() override;
     std::vector<std::wstring> FileList() const override { return sequence_.Files().Texts(); }

@@ -165,6 +165,14 @@ bool frmControl::ShowAnew(const std::wstring& path) {
     return true;
 }
 
+std::optional<ShownMember> frmControl::MemberOf(const PictureSource& source) const {
+    const int cursor = sequence_.IsInArchive() ? sequence_.Members().Cursor() : -1;
+    if (cursor < 0 || sequence_.Archive() != source.path) return std::nullopt;
+    const ListedMember& member = sequence_.Members().At(cursor);
+    if (FileNameOf(member.name) != source.fileName) return std::nullopt;
+    return ShownMember{source.path, member.position, member.name};
+}
+
 void frmControl::SetMembers(std::span<const ListedMember> members) {
     std::optional<RedrawHold> hold(std::in_place, listArchiveFile_);
     listArchiveFile_.SetDimmed(false);

@@ -1,12 +1,11 @@
 #include "ui/form/file_drop_target.h"
 
-#include <shellapi.h>
-
 #include <atomic>
 #include <optional>
 #include <utility>
 
 #include "app/base/error.h"
+#include "ui/form/file_block.h"
 
 namespace tessary {
 namespace {
@@ -19,14 +18,7 @@ std::vector<std::wstring> DroppedPaths(IDataObject& data) {
     FORMATETC format = DroppedFilesFormat();
     STGMEDIUM medium{};
     if (FAILED(data.GetData(&format, &medium))) return {};
-    const auto files = static_cast<HDROP>(medium.hGlobal);
-    std::vector<std::wstring> paths;
-    const UINT count = DragQueryFileW(files, 0xFFFFFFFF, nullptr, 0);
-    for (UINT index = 0; index < count; ++index) {
-        std::wstring path(DragQueryFileW(files, index, nullptr, 0) + 1, L'\0');
-        path.resize(DragQueryFileW(files, index, path.data(), static_cast<UINT>(path.size())));
-        if (!path.empty()) paths.push_back(std::move(path));
-    }
+    std::vector<std::wstring> paths = PathsIn(static_cast<HDROP>(medium.hGlobal));
     ReleaseStgMedium(&medium);
     return paths;
 }

@@ -16,15 +16,18 @@ class ClipboardCommands {
     ClipboardCommands& operator=(const ClipboardCommands&) = delete;
 
     // Puts the current picture on the clipboard in its own size, not in that of the view: what is
-    // pasted elsewhere should not depend on how large this window shows it.
+    // pasted elsewhere should not depend on how large this window shows it. With alpha where it has
+    // one, and as the file that it is, for file managers.
     void menuEditCopy_Click();
 
-    // Makes the clipboard's picture the current one and shows it. Whoever has put it there may make
+    // Makes the clipboard's picture the current one and shows it, a PNG file before a bitmap;
+    // copied files are opened as dropped ones are. Whoever has put it there may make
     // it only now: the window stays alive meanwhile, as during any other read. What cannot be
     // pasted leaves everything as it is, and the user is told why.
     void menuEditPaste_Click();
 
   private:
+    void ShowPasted(Picture picture);
     bool AreKeysOurs(HWND focused) const;
     bool TakesUselessPaste(const MSG& message);
 

@@ -1,9 +1,13 @@
 // What the main window needs of the control bar, which goes through files.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
+
+#include "ui/main/picture_popup.h"
 
 namespace tessary {
 
@@ -34,6 +38,13 @@ enum class Urge {
     kStrong,  // he has just asked for something else
 };
 
+// One of an archive's, as the plug-in's list counts it.
+struct ShownMember {
+    std::wstring archive;  // full path
+    int32_t position = 0;
+    std::wstring name;
+};
+
 class ControlBar {
   public:
     // Replaces the list of files being viewed and shows the first; false when nothing was added.
@@ -58,6 +69,11 @@ class ControlBar {
 
     // Shows the file once more if it is the selected one; false when it is not.
     virtual bool ShowAnew(const std::wstring& /*path*/) { return false; }
+
+    // The selected member, if that is what the source tells of.
+    virtual std::optional<ShownMember> MemberOf(const PictureSource& /*source*/) const {
+        return std::nullopt;
+    }
 
     // Does what a click on the button does.
     virtual void Press(BarButton button) = 0;

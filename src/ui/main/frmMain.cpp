@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/settings.h"
 #include "picture/current_picture.h"
@@ -294,6 +295,13 @@ void frmMain::SetPictureSource(PictureSource source) {
     source_ = std::move(source);
     sourceStamp_ = source_.path.empty() ? std::nullopt : StampOf(source_.path);
     ShowPluginCount();
+}
+
+std::wstring frmMain::ShownFile() const {
+    const bool isWhole = PictureShown() && orientation_ == exif::kUpright &&
+                         FileNameOf(source_.path) == source_.fileName && sourceStamp_ &&
+                         StampOf(source_.path) == sourceStamp_;
+    return isWhole ? source_.path : std::wstring();
 }
 
 void frmMain::menuEditClear_Click() {

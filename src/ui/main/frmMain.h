@@ -63,6 +63,10 @@ class frmMain final : public Form, public PictureView {
     // Of its file, when it was shown; nothing where there is none.
     const std::optional<FileStamp>& SourceStamp() const { return sourceStamp_; }
 
+    // The path of the file that has exactly the picture that is seen, also when it was turned, an
+    // archive's member or pasted: then empty.
+    std::wstring ShownFile() const;
+
     // How the picture was turned since it came, as EXIF counts it.
     uint16_t Orientation() const { return orientation_; }
     // What is seen was written to this file: shows it once more, in its place.
@@ -73,6 +77,10 @@ class frmMain final : public Form, public PictureView {
     void OnPictureShownChanged(std::function<void()> handler) {
         pictureShownChanged_ = std::move(handler);
     }
+
+    // Told when the user begins to drag the picture away: by the left button, with Ctrl where the
+    // picture would follow the pointer else. The button is still down.
+    void OnPictureDragged(std::function<void()> handler) { pictureDragged_ = std::move(handler); }
 
     // Asked when the window is to be closed during a read. True refuses, and the user has been told
     // why; else the window closes behind the read.
@@ -253,6 +261,7 @@ class frmMain final : public Form, public PictureView {
     void pictureView_DoubleClick(POINT at);
     void pictureView_MouseDown(int button, POINT at);
     void pictureView_MouseMove(POINT at, bool leftButton);
+    void pictureView_MouseUp();
     void pictureView_ContextMenu(POINT onScreen);
     const wchar_t* pictureView_Pointer() const;
     void PutIntoView(Picture picture, const Picture& prepared);
@@ -273,6 +282,8 @@ class frmMain final : public Form, public PictureView {
     uint16_t orientation_ = exif::kUpright;
     std::optional<ViewPosition> keptPlace_;  // of the next picture, and so is the zoom
     std::function<void()> pictureShownChanged_;
+    std::function<void()> pictureDragged_;
+    std::optional<POINT> pressedAt_;  // where the picture may be dragged away from
     std::function<bool()> refusesToClose_;
     FileListing filesToOpen_;
     std::wstring openNotice_;  // what the last opening told in the status bar

@@ -1,6 +1,7 @@
 // The picture in the main window: what the mouse and the keys do to it, and what is told of it.
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <utility>
 
 #include "app/settings/modValue.h"
@@ -20,7 +21,7 @@ void frmMain::CreatePictureView() {
          .mouseDown = [this](int button, POINT at) { pictureView_MouseDown(button, at); },
          .doubleClick = [this](POINT at) { pictureView_DoubleClick(at); },
          .mouseMove = [this](POINT at, bool left) { pictureView_MouseMove(at, left); },
-         .mouseUp = [this](int) { stage_.EndDrag(); },
+         .mouseUp = [this](int) { pictureView_MouseUp(); },
          .captureLost = [this] { stage_.EndDrag(); },
          .wheel = [this](int notches, int shift,
                          POINT at) { pictureView_Wheel(notches, shift, at); },
@@ -141,16 +142,27 @@ void frmMain::pictureView_KeyDown(int keyCode, int shift) {
 }
 
 void frmMain::pictureView_MouseDown(int button, POINT at) {
-    if (button == kLeftButton) stage_.BeginDrag(at);
+    if (button != kLeftButton) return;
+    const bool follows = stage_.Seen().CanScroll() && (CurrentShiftState() & kCtrlMask) == 0;
+    pressedAt_ = !follows && stage_.Covers(at) ? std::optional(at) : std::nullopt;
+    stage_.BeginDrag(at);
 }
 
 void frmMain::pictureView_MouseMove(POINT at, bool leftButton) {
     restingPointer_.Seen(at);
-    if (leftButton) {
-        stage_.DragTo(at);
-    } else {
-        stage_.EndDrag();
+    if (!leftButton) return pictureView_MouseUp();
+    if (!pressedAt_) return stage_.DragTo(at);
+    if (std::abs(at.x - pressedAt_->x) < GetSystemMetrics(SM_CXDRAG) &&
+        std::abs(at.y - pressedAt_->y) < GetSystemMetrics(SM_CYDRAG)) {
+        return;
     }
+    pictureView_MouseUp();
+    if (pictureDragged_) pictureDragged_();
+}
+
+void frmMain::pictureView_MouseUp() {
+    pressedAt_.reset();
+    stage_.EndDrag();
 }
 
 void frmMain::pictureView_ContextMenu(POINT onScreen) {

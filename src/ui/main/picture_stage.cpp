@@ -155,6 +155,11 @@ void PictureStage::Scroll(int bar, int code, int place) {
     box_.Refresh();
 }
 
+bool PictureStage::Covers(POINT at) const {
+    const RECT place = Rectangle();
+    return HasPicture() && PtInRect(&place, at);
+}
+
 void PictureStage::BeginDrag(POINT at) {
     drag_ = Drag{at, sight_.Position()};
     SetCapture(box_.Handle());

@@ -51,6 +51,9 @@ class PictureStage {
     // For a scroll bar's message (PictureBox::Events::scroll).
     void Scroll(int bar, int code, int place);
 
+    // Whether the picture is seen at a place of the box.
+    bool Covers(POINT at) const;
+
     // Dragging: the picture follows the pointer, which the box captures meanwhile. Positions are
     // pixels of the box.
     void BeginDrag(POINT at);

@@ -125,6 +125,12 @@ TEST_F(ClipboardPictureTest, OthersGetBottomUpRowsWithoutTransparency) {
                           masks + std::string(52, '\0') + pixels)),
               pixels);
     EXPECT_EQ(infoSize_, 56u);
+    // Alpha that hides all was not meant.
+    EXPECT_EQ(Paste(Block(Header(1, 1, 32, BI_BITFIELDS, 0, 108),
+                          masks + std::string(52, '\0') + std::string("BGR\0", 4))),
+              std::string("BGR\0", 4));
+    EXPECT_EQ(infoSize_, 40u);
+    Paste(Block(Header(2, 1, 32, BI_BITFIELDS, 0, 108), masks + std::string(52, '\0') + pixels));
     const UniqueGlobal flat = MakeClipboardDIB(CurrentPicture());
     EXPECT_EQ(Paste({static_cast<const char*>(GlobalLock(flat.Get())), GlobalSize(flat.Get())}),
               std::string("BGR\x7F\x7F\x7F\0\0", 8));

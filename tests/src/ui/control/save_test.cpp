@@ -13,8 +13,10 @@
 #include "tests/support/finished_folder.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
+#include "ui/control/drag_out.h"
 #include "ui/control/save_name.h"
 #include "ui/control/turn_file_command.h"
+#include "ui/form/file_block.h"
 #include "ui/form/timer.h"
 
 namespace tessary::test {
@@ -235,6 +237,74 @@ TEST_F(TurnFileTest, AsksBeforeEdgesGoAndTellsWhatFails) {
     Choose(commandTurnFile);
     EXPECT_EQ(ContentOf(path_), "another");
     EXPECT_TRUE(Has(yes.All().back().text, L"表示した後で、ファイルが変更または削除されています"));
+}
+
+class DragOutTest : public TurnFileTest {
+  protected:
+    // Drags the picture to the right.
+    void Drag(int x = 100) {
+        SendToView(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, 100));
+        SendToView(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x + 50, 100));
+        SendToView(WM_LBUTTONUP, 0, MAKELPARAM(x + 50, 100));
+    }
+    // What somebody is given who takes what was dragged.
+    std::wstring Dropped() {
+        IDataObject* const data = MakeFileData(std::exchange(dragged_, {}));
+        FORMATETC format{CF_HDROP, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL};
+        EXPECT_EQ(data->QueryGetData(&format), S_OK);
+        STGMEDIUM medium{};
+        std::wstring path;
+        for (int i = 0; i < 2 && SUCCEEDED(data->GetData(&format, &medium)); ++i) {
+            path = PathsIn(static_cast<HDROP>(medium.hGlobal)).at(0);
+            ReleaseStgMedium(&medium);
+        }
+        data->Release();
+        return path;
+    }
+
+    DraggedFile dragged_;
+    bool wasBusy_ = false;
+    DragOut dragOut_{window_, controlBar_, [this](DraggedFile file) {
+                         dragged_ = std::move(file);
+                         wasBusy_ = IsReadUnderWay();
+                         return DWORD{DROPEFFECT_COPY};
+                     }};
+};
+
+TEST_F(DragOutTest, GivesTheFileOrOneThatIsMadeOnDemand) {
+    ShowFile(128, 96);
+    Drag(2);
+    EXPECT_FALSE(dragged_) << "beside the picture";
+    Drag();
+    ASSERT_TRUE(dragged_);
+    EXPECT_TRUE(wasBusy_);
+    EXPECT_EQ(Dropped(), path_);
+    Choose(commandMirror);
+    Drag();
+    ASSERT_TRUE(dragged_);
+    window_.ClearPicture();  // what is dragged is what was seen
+    const std::wstring made = Dropped();
+    EXPECT_EQ(FileNameOf(made), L"a.png");
+    EXPECT_EQ(ContentOf(made).substr(1, 3), "PNG");
+    EXPECT_FALSE(IsReadUnderWay());
+}
+
+TEST_F(DragOutTest, APictureThatFollowsThePointerIsDraggedWithCtrl) {
+    ShowFile(512, 400);
+    Values().fixSizeValue = 0;
+    window_.FollowSizeMode();
+    ASSERT_TRUE(window_.Stage().Seen().CanScroll());
+    Drag();
+    EXPECT_FALSE(dragged_);
+    BYTE former[256];
+    GetKeyboardState(former);
+    BYTE keys[256]{};
+    keys[VK_CONTROL] = 0x80;
+    SetKeyboardState(keys);
+    SendToView(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(150, 20));
+    SendToView(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(150, 30));
+    SetKeyboardState(former);
+    EXPECT_TRUE(dragged_);
 }
 
 }  // namespace

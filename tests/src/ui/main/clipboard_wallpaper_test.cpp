@@ -2,9 +2,11 @@
 #include "app/settings/RegKeys.h"
 #include "picture/bitmap_file.h"
 #include "tests/src/ui/main/main_window.h"
+#include "tests/support/bitmap_image.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/temporary_folder.h"
 #include "ui/form/clipboard.h"
+#include "ui/form/file_block.h"
 #include "ui/form/window.h"
 #include "ui/main/clipboard_commands.h"
 #include "ui/main/wallpaper_commands.h"
@@ -146,6 +148,61 @@ TEST_F(ClipboardTest, WhatIsCopiedComesBackInItsOwnSize) {
     EXPECT_EQ(window_.Source().fileName, L"クリップボード");
     window_.SetPictureSource({L"b.bmp", L""});  // the next file
     EXPECT_EQ(Panel(kPluginCountPanel), L"3個のプラグイン");
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+UniqueGlobal BlockOf(const std::string& bytes) {
+    UniqueGlobal block(GlobalAlloc(GHND, bytes.size()));
+    std::memcpy(GlobalLock(block.Get()), bytes.data(), bytes.size());
+    GlobalUnlock(block.Get());
+    return block;
+}
+
+// Nobody decodes PNG here: what is taken is what stands beside it.
+TEST_F(ClipboardTest, AlphaGoesThereAndBack) {
+    Paste(CF_DIBV5, BlockOf(std::array<DWORD, 31>{124, 1, 2, 32 << 16 | 1, BI_BITFIELDS, 0, 0, 0, 0,
+                                                  0, 0xFF0000, 0xFF00, 0xFF, 0xFF000000}));
+    ASSERT_TRUE(CurrentPicture().HasAlpha());
+    Choose(menuEditCopy);
+    SetCurrentPicture({});
+    Choose(menuEditPaste);
+    ASSERT_TRUE(CurrentPicture().HasAlpha());
+    EXPECT_EQ(std::memcmp(CurrentPicture().Bits().data(), "lowXtopX", 8), 0);
+    EXPECT_TRUE(messages_.All().empty());
+}
+
+TEST_F(ClipboardTest, TakesTheFileBeforeTheBitmapUnlessItIsBroken) {
+    const UINT png = RegisterClipboardFormatW(L"PNG");
+    for (const bool isBroken : {false, true}) {
+        std::vector<ClipboardItem> items;
+        items.push_back({CF_DIB, BlockOf(std::array<DWORD, 10>{40, 1, 2, 32 << 16 | 1})});
+        // Whatever is decoded without plug-ins stands for it.
+        items.push_back(
+            {png, BlockOf(isBroken ? "\x89PNG broken" : test::BitmapFileOf(7, 3, RGB(1, 2, 3)))});
+        ASSERT_TRUE(PutOnClipboard(window_.Handle(), std::move(items)));
+        Choose(menuEditPaste);
+        EXPECT_EQ(CurrentPicture().Width(), isBroken ? 1 : 7);
+    }
+    Paste(png, BlockOf("\x89PNG broken"));
+    EXPECT_EQ(CurrentPicture().Width(), 1);
+    EXPECT_TRUE(test::Has(messages_.Only(), L"壊れているか"));
+}
+
+TEST_F(ClipboardTest, FilesGoThereAndBack) {
+    const test::TemporaryFolder folder;
+    const std::wstring path = folder.Write(L"a.png");
+    ShowPicture(8, 8);
+    window_.SetPictureSource({L"a.png", {}, path});
+    Choose(menuEditCopy);
+    EXPECT_TRUE(IsClipboardFormatAvailable(CF_HDROP));
+    Choose(commandTurnRight);
+    Choose(menuEditCopy);
+    EXPECT_FALSE(IsClipboardFormatAvailable(CF_HDROP)) << "the file lies otherwise";
+    EmptyTheClipboard();
+    Paste(CF_HDROP, MakeFileBlock({folder.Path(), path}));
+    DoEvents();
+    ASSERT_EQ(controlBar_.lists.size(), 1u);
+    EXPECT_EQ(controlBar_.lists[0], (std::vector{path, path}));
     EXPECT_TRUE(messages_.All().empty());
 }
 
