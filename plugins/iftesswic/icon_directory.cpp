@@ -115,8 +115,9 @@ void Judge(dib::ByteSource& file, Picture& picture) {
     picture.size = std::max(needed->all, std::min(picture.size, there));
 }
 
-// The best ones first; as many as any file needs.
-std::vector<Picture> PicturesOf(dib::ByteSource& file) {
+// Those that can be shown, the best ones first, those cut short behind all others; as many as any
+// file needs. `isBestWhole`: the best of all is the first of them.
+std::vector<Picture> PicturesOf(dib::ByteSource& file, bool& isBestWhole) {
     std::array<uint8_t, kDirectorySize> start{};
     if (file.ReadAt(0, start).value_or(0) != start.size()) return {};
     const bool isIcon = start[kTypeOffset] == kIconType;
@@ -134,6 +135,11 @@ std::vector<Picture> PicturesOf(dib::ByteSource& file) {
     if (pictures.size() > kMostPictures) pictures.resize(kMostPictures);
     for (Picture& picture : pictures)
         Judge(file, picture);
+    isBestWhole = !pictures.empty() && pictures.front().state == State::kWhole;
+    std::erase_if(pictures,
+                  [](const Picture& picture) { return picture.state == State::kUnsound; });
+    std::stable_partition(pictures.begin(), pictures.end(),
+                          [](const Picture& picture) { return picture.state == State::kWhole; });
     return pictures;
 }
 
@@ -147,29 +153,30 @@ bool IsIconDirectory(std::span<const uint8_t> header) {
            Little(entry, 12, 4) >= kDirectorySize + count * kEntrySize;
 }
 
-SingleIcon::SingleIcon(dib::ByteSource& file) : file_(file) {
-    const std::vector<Picture> pictures = PicturesOf(file);
-    const auto find = [&](State state) {
-        const auto found = std::ranges::find(pictures, state, &Picture::state);
-        return found == pictures.end() ? nullptr : &*found;
-    };
-    const Picture* picture = find(State::kWhole);
-    if (picture == nullptr) picture = find(State::kCutShort);
-    if (picture == nullptr) {
+uint32_t CountIcons(dib::ByteSource& file) {
+    bool isBestWhole = false;
+    return static_cast<uint32_t>(PicturesOf(file, isBestWhole).size());
+}
+
+SingleIcon::SingleIcon(dib::ByteSource& file, uint32_t page) : file_(file) {
+    bool isBestWhole = false;
+    const std::vector<Picture> pictures = PicturesOf(file, isBestWhole);
+    if (page >= pictures.size()) {
         inspection_ = Broken(L"アイコンの見出しの値が正しくありません");
         return;
     }
-    if (pictures.front().state != State::kWhole) {
-        inspection_ =
-            Damaged(picture->state == State::kCutShort ? L"アイコンのデータが途中で切れています"
-                                                       : L"一番大きいアイコンが壊れています");
+    const Picture& picture = pictures[page];
+    if (picture.state == State::kCutShort) {
+        inspection_ = Damaged(L"アイコンのデータが途中で切れています");
+    } else if (page == 0 && !isBestWhole) {
+        inspection_ = Damaged(L"一番大きいアイコンが壊れています");
     }
-    offset_ = picture->offset;
-    size_ = picture->size;
+    offset_ = picture.offset;
+    size_ = picture.size;
     start_[kTypeOffset] = kIconType;
     start_[kCountOffset] = 1;
     const auto entry = std::span(start_).subspan(kDirectorySize);
-    std::ranges::copy(picture->entry, entry.begin());
+    std::ranges::copy(picture.entry, entry.begin());
     PutLittle(entry.subspan(8), static_cast<uint32_t>(size_));
     PutLittle(entry.subspan(12), static_cast<uint32_t>(kStartSize));
 }

@@ -16,6 +16,9 @@ namespace tessary::wic {
 // bytes alone also start other formats, uncompressed TGA among them.
 bool IsIconDirectory(std::span<const uint8_t> header);
 
+// How many pictures there are whose headers are sound.
+uint32_t CountIcons(dib::ByteSource& file);
+
 // One picture of an icon or cursor file as an icon file of its own: cursors differ from icons in
 // the type and the entries' hot spots only, and the system decodes no cursors. Nothing else of the
 // file is seen by the system's decoder, which believes the headers of all pictures. The file
@@ -23,8 +26,9 @@ bool IsIconDirectory(std::span<const uint8_t> header);
 class SingleIcon final : public dib::ByteSource {
   public:
     // The largest picture whose header is sound, of equal ones the deepest. Whole ones are taken
-    // before those of which the file has only a part; what that lacks is zeros.
-    explicit SingleIcon(dib::ByteSource& file);
+    // before those of which the file has only a part; what that lacks is zeros. `page`: how many of
+    // them are left out.
+    explicit SingleIcon(dib::ByteSource& file, uint32_t page = 0);
 
     // A picture that is damaged, or that had to stand in for a better one that is, is told.
     const Inspection& Found() const { return inspection_; }

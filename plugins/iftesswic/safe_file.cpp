@@ -33,18 +33,19 @@ bool IsRiffCut(dib::ByteSource& file) {
 
 }  // namespace
 
-SafeFile::SafeFile(dib::ByteSource& file, Container container) : patched_(file), source_(&file) {
+SafeFile::SafeFile(dib::ByteSource& file, Container container, const Page& page)
+    : patched_(file), source_(&file) {
     switch (container) {
         case Container::kUnknown:
             inspection_ = {codec::Result::kUnknownFormat};
             break;
         case Container::kIcon:
         case Container::kCursor:
-            source_ = &icon_.emplace(file);
+            source_ = &icon_.emplace(file, page.icon);
             inspection_ = icon_->Found();
             break;
         case Container::kTiff: {
-            TiffFile tiff = InspectTiff(file, patched_);
+            TiffFile tiff = InspectTiff(file, patched_, page.directory);
             inspection_ = std::move(tiff.inspection);
             rowsPerStrip_ = tiff.rowsPerStrip;
             hasBigEndianSamples_ = tiff.hasBigEndianSamples;

@@ -16,15 +16,21 @@ namespace tessary::wic {
 
 class SafeFile {
   public:
+    // Which of its pictures, of files that have several: of icons the one that comes behind so many
+    // better ones, of TIFF files the one whose directory stands there.
+    struct Page {
+        uint32_t icon = 0;
+        std::optional<uint32_t> directory = std::nullopt;
+    };
     // `file` outlives it.
-    SafeFile(dib::ByteSource& file, Container container);
+    SafeFile(dib::ByteSource& file, Container container, const Page& page);
     SafeFile(const SafeFile&) = delete;
     SafeFile& operator=(const SafeFile&) = delete;
 
     // Without a success the rest is not to be used.
     const Inspection& Found() const { return inspection_; }
 
-    // What to decode: the first frame of it, whatever the file has.
+    // What to decode: that picture alone, whatever the file has.
     dib::ByteSource& Source() { return *source_; }
 
     // Pixel rows of a TIFF file that are stored together; 0: not known.

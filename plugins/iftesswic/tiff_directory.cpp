@@ -25,19 +25,19 @@ uint64_t SizeOfType(uint32_t type) {
 
 }  // namespace
 
-TiffDirectory::TiffDirectory(dib::ByteSource& file, NumberReader order)
-    : file_(file), order_(order) {
-    const auto start = order_.Long(kLinkPlace);
-    if (!start || *start < kHeaderSize) return;
-    const auto count = order_.Short(*start);
+TiffDirectory::TiffDirectory(dib::ByteSource& file, NumberReader order,
+                             std::optional<uint32_t> start)
+    : file_(file), order_(order), start_(start ? *start : order_.Long(kLinkPlace).value_or(0)) {
+    if (start_ < kHeaderSize) return;
+    const auto count = order_.Short(start_);
     if (!count || *count == 0) return;
-    end_ = uint64_t{*start} + 2 + *count * kEntrySize;
+    end_ = uint64_t{start_} + 2 + *count * kEntrySize;
     if (end_ > file_.Size()) return;
     std::vector<uint8_t> bytes(*count * kEntrySize);
-    if (file_.ReadAt(uint64_t{*start} + 2, bytes) != bytes.size()) return;
+    if (file_.ReadAt(uint64_t{start_} + 2, bytes) != bytes.size()) return;
     for (uint32_t i = 0; i < *count; ++i) {
         const auto entry = std::span(bytes).subspan(i * kEntrySize, kEntrySize);
-        Entry read{*start + 2 + i * kEntrySize, order_.Of(entry, 2), order_.Of(entry.subspan(2), 2),
+        Entry read{start_ + 2 + i * kEntrySize, order_.Of(entry, 2), order_.Of(entry.subspan(2), 2),
                    order_.Of(entry.subspan(4), 4), 0};
         const bool isInPlace = read.count * SizeOfType(read.type) <= kInPlace;
         read.valuesAt = isInPlace ? read.place + 8 : order_.Of(entry.subspan(8), 4);
@@ -100,6 +100,10 @@ void TiffDirectory::Isolate(PatchedSource& patched) const {
         patched.Patch(entry.place + 2, IsBigEndian() ? std::vector<uint8_t>{0, 1, 0, 0, 0, 1}
                                                      : std::vector<uint8_t>{1, 0, 1, 0, 0, 0});
     }
+    std::vector<uint8_t> link(4);
+    for (size_t i = 0; i < link.size(); ++i)
+        link[i] = static_cast<uint8_t>(start_ >> 8 * (IsBigEndian() ? 3 - i : i));
+    patched.Patch(kLinkPlace, link);
     patched.ExtendTo(end_ + 4);
     patched.Patch(end_, {0, 0, 0, 0});
 }

@@ -14,8 +14,13 @@ namespace tessary::wic {
 
 class TiffDirectory {
   public:
-    // Reads the first one; `order` knows the byte order of the file.
-    TiffDirectory(dib::ByteSource& file, NumberReader order);
+    // Reads the one at `start`, or the first one where nothing is said; `order` knows the byte
+    // order of the file.
+    TiffDirectory(dib::ByteSource& file, NumberReader order,
+                  std::optional<uint32_t> start = std::nullopt);
+
+    // Where the next one stands; 0: it is the last.
+    uint32_t Next() { return order_.Long(end_).value_or(0); }
 
     // Whether the file has it, with all entries.
     bool IsThere() const { return !entries_.empty(); }
@@ -32,7 +37,8 @@ class TiffDirectory {
 
     // Whether an entry with one of these tags has its values outside the file.
     bool LeadsOut(uint32_t tag) const;
-    // Takes the links to other directories, and what leads out of the file, away.
+    // Makes it the only one: takes the links to other directories, and what leads out of the file,
+    // away.
     void Isolate(PatchedSource& patched) const;
 
   private:
@@ -50,6 +56,7 @@ class TiffDirectory {
     dib::ByteSource& file_;
     NumberReader order_;
     std::vector<Entry> entries_;
+    uint32_t start_ = 0;
     uint64_t end_ = 0;  // where the link to the next directory stands
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <string>
 
 #include "plugins/common/picture_target.h"
@@ -11,6 +12,8 @@ namespace tessary::wic {
 namespace {
 
 enum Tag : uint32_t {
+    kNewSubfileType = 254,
+    kSubfileType = 255,
     kWidth = 256,
     kHeight = 257,
     kBitsPerSample = 258,
@@ -35,6 +38,9 @@ enum Tag : uint32_t {
     kXrByteCount = 0xBCC1,
 };
 
+constexpr uint32_t kSmallerCopy = 2;  // SubfileType
+constexpr size_t kMostDirectories = 100'000;
+
 constexpr uint32_t kSeparatePlanes = 2;
 constexpr uint32_t kUnsigned = 1;
 constexpr uint32_t kFloat = 3;
@@ -54,6 +60,12 @@ constexpr std::array kNeeded{kBitsPerSample, kStripOffsets,      kStripByteCount
 
 constexpr wchar_t kCutShort[] = L"TIFFデータが途中で切れています";
 constexpr wchar_t kForged[] = L"TIFFの見出しの値が正しくありません";
+
+NumberReader OrderOf(dib::ByteSource& file) {
+    uint8_t order = 0;
+    file.ReadAt(0, {&order, 1});
+    return NumberReader(file, order == 'M');
+}
 
 constexpr uint64_t DividedUp(uint64_t value, uint64_t by) {
     return (value + by - 1) / by;
@@ -137,10 +149,25 @@ Inspection InspectPicture(TiffDirectory& directory, const Picture& picture, uint
 
 }  // namespace
 
-TiffFile InspectTiff(dib::ByteSource& file, PatchedSource& patched) {
-    uint8_t order = 0;
-    file.ReadAt(0, {&order, 1});
-    TiffDirectory directory(file, NumberReader(file, order == 'M'));
+std::vector<uint32_t> TiffPages(dib::ByteSource& file) {
+    std::vector<uint32_t> pages;
+    std::set<uint32_t> seen;  // links may lead round in a circle
+    const NumberReader order = OrderOf(file);
+    uint32_t at = NumberReader(order).Long(4).value_or(0);
+    while (at != 0 && seen.size() < kMostDirectories && seen.insert(at).second) {
+        TiffDirectory directory(file, order, at);
+        if (!directory.IsThere()) break;
+        // What is smaller than its page is a picture of that for lists.
+        const bool isCopy = (directory.ValueOr(kNewSubfileType, 0) & 1) != 0 ||
+                            directory.ValueOr(kSubfileType, 0) == kSmallerCopy;
+        if (!isCopy || pages.empty()) pages.push_back(at);
+        at = directory.Next();
+    }
+    return pages;
+}
+
+TiffFile InspectTiff(dib::ByteSource& file, PatchedSource& patched, std::optional<uint32_t> at) {
+    TiffDirectory directory(file, OrderOf(file), at);
     if (!directory.IsThere()) return {Broken(kCutShort)};
     Picture picture{directory.ValueOr(kWidth, 0), directory.ValueOr(kHeight, 0),
                     directory.ValueOr(kBitsPerSample, 1), directory.ValueOr(kSamplesPerPixel, 1),

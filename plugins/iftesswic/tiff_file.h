@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <vector>
 
 #include "plugins/iftesswic/inspection.h"
 #include "plugins/iftesswic/patched_source.h"
@@ -17,7 +19,12 @@ struct TiffFile {
 
 // Looks at the directory and leaves decoders nothing else to follow: in `patched`, which is the
 // same file, it is the only one, and entries that lead elsewhere or out of the file lead nowhere.
-TiffFile InspectTiff(dib::ByteSource& file, PatchedSource& patched);
+// `directory`: where it stands; nothing: it is the first.
+TiffFile InspectTiff(dib::ByteSource& file, PatchedSource& patched,
+                     std::optional<uint32_t> directory = std::nullopt);
+// Where the directories of the pages stand, the first one first; without those of smaller copies,
+// and no more than anybody looks at.
+std::vector<uint32_t> TiffPages(dib::ByteSource& file);
 Inspection InspectJpegXr(dib::ByteSource& file, PatchedSource& patched);
 
 }  // namespace tessary::wic

@@ -12,6 +12,7 @@
 #include "plugins/iftesswic/pixel_rows.h"
 #include "plugins/iftesswic/safe_file.h"
 #include "plugins/iftesswic/source_stream.h"
+#include "plugins/iftesswic/tiff_file.h"
 #include "plugins/iftesswic/wic_frame.h"
 
 namespace tessary::wic {
@@ -42,6 +43,12 @@ Result ResultOf(HRESULT code) {
     }
 }
 
+bool HasClearPixels(std::span<const uint8_t> bgra) {
+    for (size_t at = 3; at < bgra.size(); at += 4)
+        if (bgra[at] != 0xFF) return true;
+    return false;
+}
+
 // The pixels of a frame on their way into the target.
 class FrameCopy {
   public:
@@ -50,14 +57,19 @@ class FrameCopy {
         : frame_(frame), pixels_(frame.Pixels()), stripRows_(stripRows) {}
 
     codec::PictureForm Form() const;
+    // Into a target that takes it, alpha goes along where there is any; not that of pictures which
+    // come in bands.
     Result Run(uint64_t sourceSize, codec::PictureTarget& target, codec::Progress& progress) const;
 
   private:
     unsigned TargetBits() const;
     uint32_t RowsPerBand(size_t stride) const;
+    bool MayHaveAlpha() const {
+        return pixels_.layout == color::Layout::kBgra8 && pixels_.bitCount == 32 && stripRows_ == 0;
+    }
     HRESULT CopyBand(uint32_t top, uint32_t count, std::vector<uint8_t>& band) const;
-    void ConvertRow(const uint8_t* in, uint8_t* out) const;
-    codec::RowConversion Conversion() const;
+    void ConvertRow(const uint8_t* in, uint8_t* out, unsigned targetBits) const;
+    codec::RowConversion Conversion(bool keepsAlpha) const;
 
     const WicFrame& frame_;
     WicPixels pixels_;
@@ -102,9 +114,8 @@ HRESULT FrameCopy::CopyBand(uint32_t top, uint32_t count, std::vector<uint8_t>& 
                                       static_cast<UINT>(stride * count), band.data());
 }
 
-void FrameCopy::ConvertRow(const uint8_t* in, uint8_t* out) const {
+void FrameCopy::ConvertRow(const uint8_t* in, uint8_t* out, unsigned targetBits) const {
     const uint32_t width = frame_.Width();
-    const unsigned targetBits = TargetBits();
     if (targetBits == pixels_.bitCount) {
         std::memcpy(out, in, static_cast<size_t>(dib::RowBytes(width, targetBits)));
     } else if (pixels_.palette.empty()) {
@@ -115,13 +126,13 @@ void FrameCopy::ConvertRow(const uint8_t* in, uint8_t* out) const {
 }
 
 // Of rows whose colours are not in sRGB.
-codec::RowConversion FrameCopy::Conversion() const {
+codec::RowConversion FrameCopy::Conversion(bool keepsAlpha) const {
     if (!pixels_.toSrgb) return {};
-    return {pixels_.bitCount / 8, [this](const uint8_t* in, uint8_t* out) {
+    return {pixels_.bitCount / 8, [this, keepsAlpha](const uint8_t* in, uint8_t* out) {
                 constexpr uint32_t kPart = 256;
                 std::array<uint8_t, kPart * 4> part;
                 const uint32_t width = frame_.Width();
-                if (color::TargetBytesOf(pixels_.layout) == 3) {
+                if (keepsAlpha || color::TargetBytesOf(pixels_.layout) == 3) {
                     return pixels_.toSrgb->Convert(in, out, width);
                 }
                 for (uint32_t x = 0; x < width; x += kPart) {
@@ -134,23 +145,31 @@ codec::RowConversion FrameCopy::Conversion() const {
 
 Result FrameCopy::Run(uint64_t sourceSize, codec::PictureTarget& target,
                       codec::Progress& progress) const {
-    const codec::PictureForm form = Form();
+    const uint32_t width = frame_.Width(), height = frame_.Height();
+    const auto stride = static_cast<size_t>(dib::RowStride(width, pixels_.bitCount));
+    const auto rowBytes = static_cast<size_t>(dib::RowBytes(width, pixels_.bitCount));
+    codec::PictureForm form = Form();
+    std::vector<uint8_t> band;
+    bool isFetched = false;
+    if (target.TakesAlpha() && MayHaveAlpha() &&
+        codec::IsPlausibleSize(uint64_t{stride} * height, sourceSize)) {
+        Check(CopyBand(0, height, band));
+        isFetched = true;
+        if (HasClearPixels(band)) form.bitCount = 32;
+    }
     codec::PictureRows rows;
     const Result created = CreatePicture(target, form, pixels_.palette, sourceSize, rows);
     if (created != Result::kSuccess) return created;
 
-    const uint32_t width = frame_.Width(), height = frame_.Height();
     codec::OrientedRows oriented(
-        {rows, width, height, form.bitCount == 24 ? 3u : 1u, frame_.Orientation()}, Conversion());
-    const auto stride = static_cast<size_t>(dib::RowStride(width, pixels_.bitCount));
-    const auto rowBytes = static_cast<size_t>(dib::RowBytes(width, pixels_.bitCount));
+        {rows, width, height, std::max(form.bitCount / 8u, 1u), frame_.Orientation()},
+        Conversion(form.bitCount == 32));
     uint32_t bandRows = RowsPerBand(stride);
-    std::vector<uint8_t> band;
     uint32_t rowsMissing = 0;
     for (uint32_t top = 0; top < height;) {
         // A strip that cannot be read must not take its neighbours along.
         uint32_t count = std::min(bandRows, height - top);
-        HRESULT copied = CopyBand(top, count, band);
+        HRESULT copied = isFetched ? S_OK : CopyBand(top, count, band);
         if (FAILED(copied) && stripRows_ != 0 && stripRows_ < count) {
             bandRows = stripRows_;
             count = stripRows_ - top % stripRows_;
@@ -166,7 +185,7 @@ Result FrameCopy::Run(uint64_t sourceSize, codec::PictureTarget& target,
             if (pixels_.toSrgb) {
                 std::memcpy(oriented.RowBuffer(y), row, rowBytes);
             } else {
-                ConvertRow(row, oriented.RowBuffer(y));
+                ConvertRow(row, oriented.RowBuffer(y), form.bitCount);
             }
             oriented.RowDone(y);
             if (!progress.Report(y + 1, height)) return Result::kAborted;
@@ -180,14 +199,22 @@ Result FrameCopy::Run(uint64_t sourceSize, codec::PictureTarget& target,
     return Result::kSuccess;
 }
 
-// Opens the file and gives its frame to `use`. Nothing of COM is left when it returns.
-template <class Use>
-Result WithFrame(dib::ByteSource& source, codec::Progress& progress, Use use) {
+// Nothing where the medium fails.
+std::optional<Container> ContainerOf(dib::ByteSource& source) {
     std::array<uint8_t, kHeaderSize> header{};
     const auto count = source.ReadAt(0, header);
-    if (!count) return Result::kReadError;
-    const Container container = DetectContainer(std::span(header).first(*count));
-    SafeFile file(source, container);
+    if (!count) return std::nullopt;
+    return DetectContainer(std::span(header).first(*count));
+}
+
+// Opens the file and gives the picture of a page to `use`. Nothing of COM is left when it returns.
+template <class Use>
+Result WithFrame(dib::ByteSource& source, const SafeFile::Page& page, codec::Progress& progress,
+                 Use use) {
+    const std::optional<Container> known = ContainerOf(source);
+    if (!known) return Result::kReadError;
+    const Container container = *known;
+    SafeFile file(source, container, page);
     progress.Tell(file.Found().remark.condition, file.Found().remark.text);
     if (file.Found().result != Result::kSuccess) return file.Found().result;
     try {
@@ -212,6 +239,31 @@ Result WithFrame(dib::ByteSource& source, codec::Progress& progress, Use use) {
     }
 }
 
+Result DecodePage(dib::ByteSource& source, const SafeFile::Page& page, codec::PictureTarget& target,
+                  codec::Progress& progress) {
+    if (!progress.Report(0, 1)) return Result::kAborted;
+    return WithFrame(source, page, progress, [&](const FrameCopy& copy) {
+        return copy.Run(source.Size(), target, progress);
+    });
+}
+
+class WicPages final : public codec::FrameReader {
+  public:
+    explicit WicPages(std::vector<SafeFile::Page> pages) : pages_(std::move(pages)) {}
+
+    codec::FrameSet Frames() const override {
+        return {codec::FrameKind::kPages, static_cast<uint32_t>(pages_.size()), 0};
+    }
+    Result Decode(dib::ByteSource& source, uint32_t index, codec::PictureTarget& target,
+                  codec::Progress& progress, uint32_t& duration) override {
+        duration = 0;
+        return DecodePage(source, pages_[index], target, progress);
+    }
+
+  private:
+    std::vector<SafeFile::Page> pages_;
+};
+
 }  // namespace
 
 bool WicDecoder::IsSupported(std::span<const uint8_t> header) const {
@@ -224,7 +276,7 @@ bool WicDecoder::IsSupported(std::span<const uint8_t> header) const {
 
 Result WicDecoder::ReadForm(dib::ByteSource& source, codec::PictureForm& form) const {
     codec::Progress nobody;
-    return WithFrame(source, nobody, [&](const FrameCopy& copy) {
+    return WithFrame(source, {}, nobody, [&](const FrameCopy& copy) {
         form = copy.Form();
         return Result::kSuccess;
     });
@@ -232,10 +284,21 @@ Result WicDecoder::ReadForm(dib::ByteSource& source, codec::PictureForm& form) c
 
 Result WicDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
                           codec::Progress& progress) const {
-    if (!progress.Report(0, 1)) return Result::kAborted;
-    return WithFrame(source, progress, [&](const FrameCopy& copy) {
-        return copy.Run(source.Size(), target, progress);
-    });
+    return DecodePage(source, {}, target, progress);
+}
+
+std::unique_ptr<codec::FrameReader> WicDecoder::OpenFrames(dib::ByteSource& source) const {
+    std::vector<SafeFile::Page> pages;
+    const Container container = ContainerOf(source).value_or(Container::kUnknown);
+    if (container == Container::kTiff) {
+        for (const uint32_t directory : TiffPages(source))
+            pages.push_back({.directory = directory});
+    } else if (container == Container::kIcon || container == Container::kCursor) {
+        const uint32_t count = CountIcons(source);
+        for (uint32_t icon = 0; icon < count; ++icon)
+            pages.push_back({.icon = icon});
+    }
+    return pages.size() < 2 ? nullptr : std::make_unique<WicPages>(std::move(pages));
 }
 
 }  // namespace tessary::wic

@@ -6,9 +6,10 @@
 
 namespace tessary::wic {
 
-// Shows the first frame (of icons the largest, the deepest of equal ones), TIFF upright. Palette
-// and grey pictures of up to 8 bits stay such, all others become 24-bit. Transparency is laid over
-// white.
+// Shows the first picture (of icons the largest, the deepest of equal ones), TIFF upright. Palette
+// and grey pictures of up to 8 bits stay such, all others become 24-bit, or 32-bit where they are
+// transparent and the target takes alpha, but for TIFF; else transparency is laid over white. Pages
+// are those of TIFF files, and the sizes of icons and cursors, the best first.
 class WicDecoder final : public codec::PictureCodec {
   public:
     // Formats that not every Windows decodes are supported when a decoder is installed.
@@ -16,6 +17,7 @@ class WicDecoder final : public codec::PictureCodec {
     codec::Result ReadForm(dib::ByteSource& source, codec::PictureForm& form) const override;
     codec::Result Decode(dib::ByteSource& source, codec::PictureTarget& target,
                          codec::Progress& progress) const override;
+    std::unique_ptr<codec::FrameReader> OpenFrames(dib::ByteSource& source) const override;
 };
 
 }  // namespace tessary::wic

@@ -1,4 +1,5 @@
 #include "tests/plugins_bundled/loaded_plugin.h"
+#include "tests/plugins_bundled/system_pictures.h"
 #include "tests/support/seeds.h"
 
 namespace tessary::spi::test {
@@ -176,6 +177,90 @@ TEST_P(BundledPlugin, AnswersFailuresWithTheirCodeAndNoBlocks) {
     EXPECT_EQ(plugin.getPicture(nullptr, 0, 0, nullptr, nullptr, nullptr, 0),
               susie::kInternalError);
     EXPECT_EQ(plugin.getPictureInfo(nullptr, 0, 0, nullptr), susie::kInternalError);
+}
+
+// A second page whose pixels are another strip.
+Bytes TwoPages() {
+    Bytes file = codec::test::SystemPicture("tiff");
+    const size_t first = file[4];
+    const Bytes directory(file.begin() + static_cast<ptrdiff_t>(first),
+                          file.begin() + codec::test::kTiffLink + 4);
+    const size_t strip = file.size();
+    file.resize(strip + 4);
+    const size_t second = file.size();
+    file.insert(file.end(), directory.begin(), directory.end());
+    file = With(std::move(file), codec::test::kTiffLink, second, 4);
+    const size_t offsets = codec::test::TiffAt(codec::test::kTiffOffsets) - first + second;
+    return With(std::move(file), offsets + 8, strip, 4);
+}
+
+TEST(BundledFrames, ComeFromFilesThatMayGoAndFromBlocks) {
+    const struct {
+        const char* name;
+        Bytes file;
+        int32_t kind;
+        std::vector<int32_t> widths;
+    } all[] = {
+        {"iftessgif", Seed("fuzz_gif/two-frames"), susie::kFrameAnimation, {12, 12}},
+        {"iftesspng", Seed("fuzz_png/animated"), susie::kFrameAnimation, {7, 7, 7, 7, 7}},
+        {"iftesswic", Seed("fuzz_system_picture/icon"), susie::kFramePages, {16, 12, 8}},
+        {"iftesswic", TwoPages(), susie::kFramePages, {16, 16}},
+    };
+    const TemporaryFolder folder;
+    for (const auto& [name, file, kind, widths] : all) {
+        const LoadedFramesPlugin plugin{name};
+        const std::string path = Written(folder, file);
+        const auto* const block = reinterpret_cast<const char*>(file.data());
+        susie::FrameList list{sizeof list, 0, 0, 0};
+        void* opened[2] = {};
+        EXPECT_EQ(plugin.openFrames(path.c_str(), 0, susie::kSourceFile, &list, &opened[0]), 0);
+        EXPECT_EQ(list.kind, kind);
+        ASSERT_EQ(list.count, widths.size());
+        EXPECT_EQ(plugin.openFrames(block, static_cast<LONG_PTR>(file.size()), susie::kSourceMemory,
+                                    &list, &opened[1]),
+                  0);
+        for (uint32_t index = 0; index < list.count; ++index) {
+            DirtyRoom rooms[2] = {DirtyRoom(true), DirtyRoom(true)};
+            uint32_t duration = 0;
+            for (int i = 0; i < 2; ++i)
+                ASSERT_EQ(
+                    plugin.getFrame(opened[i], index, &duration, &rooms[i], nullptr, nullptr, 0),
+                    susie::kSuccess);
+            EXPECT_EQ(rooms[0].bits, rooms[1].bits);
+            dib::BitmapInfoHeader header{};
+            std::memcpy(&header, rooms[0].info.data(), sizeof header);
+            EXPECT_EQ(header.width, widths[index]) << name;
+            // The middle icon is half transparent; the second page of the other is all white.
+            const auto view = dib::DibView::Of(rooms[0].info, rooms[0].bits);
+            ASSERT_TRUE(view);
+            const Colors colors(*view);
+            if (widths[0] == 16 && index == 0) {
+                const bool isIcon = widths.size() == 3;
+                EXPECT_NEAR(colors.Channel(5, 1, 3), isIcon ? 128 : 255, 1);
+                EXPECT_EQ(colors.At(1, 0), isIcon ? 0x204060u : 0u);
+            } else if (widths[0] == 16 && widths.size() == 2) {
+                EXPECT_EQ(colors.At(1, 0), 0xFFFFFFu);
+            }
+        }
+        uint32_t duration = 0;
+        DirtyRoom room(true), none(false);
+        const auto get = [&](uint32_t index, susie::PictureRoom* into) {
+            return plugin.getFrame(opened[0], index, &duration, into, nullptr, nullptr, 0);
+        };
+        EXPECT_EQ(get(list.count, &room), susie::kInternalError);
+        EXPECT_EQ(get(0, &none), susie::kOutOfMemory);
+        EXPECT_EQ(get(0, nullptr), susie::kInternalError);
+        EXPECT_TRUE(DeleteFileA(path.c_str()));  // nothing keeps it open
+        EXPECT_EQ(get(0, &room), susie::kReadError);
+        Written(folder, Cut(file, 40));
+        EXPECT_NE(get(list.count - 1, &room), susie::kMemoryError);  // whatever it may be
+        for (void* const frames : opened)
+            EXPECT_EQ(plugin.closeFrames(frames), 0);
+        void* still = &room;
+        EXPECT_EQ(plugin.openFrames(path.c_str(), 0, 0, &list, &still), susie::kSuccess);
+        EXPECT_EQ(still, nullptr);
+        EXPECT_EQ(list.count, 0u);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(, BundledPlugin,

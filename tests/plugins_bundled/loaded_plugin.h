@@ -57,6 +57,15 @@ struct LoadedPlugin : LoadedModule {
     susie::GetPictureFunction getPreview = library["GetPreview"];
 };
 
+// One that has the entries of frames, too.
+struct LoadedFramesPlugin : LoadedPlugin {
+    using LoadedPlugin::LoadedPlugin;
+
+    susie::OpenFramesFunction openFrames = library["OpenFrames"];
+    susie::GetFrameFunction getFrame = library["GetFrame"];
+    susie::CloseFramesFunction closeFrames = library["CloseFrames"];
+};
+
 struct LoadedArchivePlugin : LoadedModule {
     using LoadedModule::LoadedModule;
 

@@ -2,6 +2,7 @@
 #include "plugins/iftesswic/safe_file.h"
 
 #include "plugins/iftesswic/number_reader.h"
+#include "plugins/iftesswic/tiff_file.h"
 #include "tests/plugins_bundled/system_pictures.h"
 
 namespace tessary::wic {
@@ -13,10 +14,10 @@ using namespace codec::test;
 using namespace tessary::test;
 
 struct Looked {
-    explicit Looked(Bytes content)
+    explicit Looked(Bytes content, const SafeFile::Page& page = {})
         : bytes(std::move(content)),
           source(bytes),
-          file(source, DetectContainer(std::span(bytes).first(22))) {}
+          file(source, DetectContainer(std::span(bytes).first(22)), page) {}
 
     Result Verdict() const { return file.Found().result; }
     Condition Told() const { return file.Found().remark.condition; }
@@ -56,6 +57,51 @@ TEST(SafeFile, ShowsTheBestIconWhoseHeaderIsSound) {
     Looked part(Cut(icon, header(0) + 100));
     EXPECT_EQ(part.Told(), Condition::kDamaged);
     EXPECT_EQ(part.file.Source().Size(), 22u + 40 + 8 * 8 * 4 + 8 * 4);
+}
+
+TEST(SafeFile, FindsEachSizeOfAnIcon) {
+    const Bytes icon = SystemPicture("icon");
+    const auto sizes = [](const Bytes& file) {
+        dib::MemorySource source(file);
+        std::vector<uint32_t> found;
+        for (uint32_t page = 0; page < CountIcons(source); ++page)
+            found.push_back(Looked(file, {.icon = page}).Number(26));
+        return found;
+    };
+    EXPECT_EQ(sizes(icon), (std::vector<uint32_t>{16, 12, 8}));
+    const size_t second = static_cast<size_t>(icon[34] | icon[35] << 8);
+    EXPECT_EQ(sizes(With(icon, second + 8, 0, 4)), (std::vector<uint32_t>{12, 8}));
+    EXPECT_EQ(sizes(Cut(icon, second + 100)), (std::vector<uint32_t>{8, 16}));  // the whole one
+    EXPECT_EQ(Looked(icon, {.icon = 3}).Verdict(), Result::kBrokenData);
+}
+
+TEST(SafeFile, FindsThePagesOfATiff) {
+    // Directories of one entry behind the first, each leading to the next: a page, a smaller copy
+    // of it, one in the old way, another page, and the first once more.
+    Bytes file = SystemPicture("tiff");
+    const auto first = static_cast<uint32_t>(file[4] | file[5] << 8);
+    std::vector<uint32_t> at;
+    for (const auto& [tag, value] : {std::pair{256, 9}, {254, 1}, {255, 2}, {254, 2}}) {
+        at.push_back(static_cast<uint32_t>(file.size()));
+        const size_t link = at.size() == 1 ? kTiffLink : file.size() - 4;
+        file = With(std::move(file), link, at.back(), 4);
+        file.resize(file.size() + 18);
+        file = With(With(std::move(file), at.back(), 1), at.back() + 2, tag, 2);
+        file = With(With(With(std::move(file), at.back() + 4, 4), at.back() + 6, 1), at.back() + 10,
+                    value, 4);
+    }
+    const auto pages = [](const Bytes& bytes) {
+        dib::MemorySource source(bytes);
+        return TiffPages(source);
+    };
+    EXPECT_EQ(pages(file), (std::vector<uint32_t>{first, at[0], at[3]}));
+    EXPECT_EQ(pages(With(file, file.size() - 4, at[0], 4)), pages(file));
+    EXPECT_EQ(pages(SystemPicture("tiff")), std::vector<uint32_t>{first});
+    EXPECT_TRUE(pages(Bytes(30)).empty());
+    // The decoder sees that page alone.
+    Looked page(file, {.directory = at[0]});
+    EXPECT_EQ(page.Number(4), at[0]);
+    EXPECT_EQ(page.Number(at[0] + 14), 0u);
 }
 
 TEST(SafeFile, ChecksTheCountsOfATiff) {
