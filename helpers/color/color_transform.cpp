@@ -69,6 +69,7 @@ class MatrixTransform final : public Transform {
     void Convert(const uint8_t* in, uint8_t* out, size_t pixels) const override {
         path_->Convert<kBytes>(in, out, pixels);
     }
+    bool IsQuick() const override { return true; }
 
   private:
     std::unique_ptr<const MatrixPath> path_;

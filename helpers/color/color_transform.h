@@ -50,6 +50,9 @@ class Transform {
     // Converts that many pixels, from any number of threads at once. In place where a pixel's size
     // stays the same.
     virtual void Convert(const uint8_t* in, uint8_t* out, size_t pixels) const = 0;
+    // Whether that takes next to no time: what is seen of a picture can be converted each time that
+    // it is drawn.
+    virtual bool IsQuick() const { return false; }
 };
 
 // Whether colours stay what they are, but for one level of 255, when numbers in `from` are taken

@@ -46,4 +46,20 @@ std::vector<uint8_t> EmbeddedProfile(ByteSource& file, size_t most) {
                                                                         : std::vector<uint8_t>();
 }
 
+std::vector<uint8_t> InfoWithProfile(std::span<const uint8_t> plainInfo,
+                                     std::span<const uint8_t> profile) {
+    std::vector<uint8_t> info(plainInfo.begin(), plainInfo.end());
+    info.resize(kHeaderSize);
+    const auto put = [&](size_t at, size_t number) {
+        const auto value = static_cast<uint32_t>(number);
+        std::memcpy(&info[at], &value, sizeof value);
+    };
+    put(0, kHeaderSize);
+    put(kSpaceAt, kEmbedded);
+    put(kProfileAt, kHeaderSize);
+    put(kProfileSizeAt, profile.size());
+    info.insert(info.end(), profile.begin(), profile.end());
+    return info;
+}
+
 }  // namespace tessary::dib

@@ -18,4 +18,9 @@ std::span<const uint8_t> EmbeddedProfile(std::span<const uint8_t> info);
 // is larger than `most` bytes.
 std::vector<uint8_t> EmbeddedProfile(ByteSource& file, size_t most);
 
+// The plain info block of a picture without masks and colour table (helpers/dib/dib_view.h) as one
+// with a header of version 5 and the profile behind it.
+std::vector<uint8_t> InfoWithProfile(std::span<const uint8_t> plainInfo,
+                                     std::span<const uint8_t> profile);
+
 }  // namespace tessary::dib

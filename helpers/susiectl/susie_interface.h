@@ -112,6 +112,10 @@ struct PictureRoom {
     // bytes. What was answered before counts no more. On the thread of the call.
     int(__stdcall* take)(PictureRoom* room, SIZE_T infoSize, SIZE_T bitsSize, void** info,
                          void** bits);
+    uint32_t wishes;  // bits of RoomWish
+};
+enum RoomWish : uint32_t {
+    kWishesOwnColors = 1,  // colours as they are stored, with their profile, rather than in sRGB
 };
 enum Room : int {
     kNoRoom = 0,  // there is no memory

@@ -119,7 +119,9 @@ __declspec(dllexport) int __stdcall GetPictureInto(const char* source, LONG_PTR 
                                                    susie::ProgressCallback progress,
                                                    LONG_PTR userData) {
     return spi::GuardedAndTold([&](codec::Remark& remark) {
-        if (room == nullptr || room->size < sizeof(*room)) return codec::Result::kInternalError;
+        // Hosts of the first kind have no wishes.
+        if (room == nullptr || room->size < offsetof(susie::PictureRoom, wishes))
+            return codec::Result::kInternalError;
         spi::RoomPicture picture(*room);
         return spi::DecodePicture(source, length, flag, picture, progress, userData, remark);
     });

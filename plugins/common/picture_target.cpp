@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "helpers/dib/dib_view.h"
+#include "helpers/dib/embedded_profile.h"
 
 namespace tessary::codec {
 namespace {
@@ -15,6 +16,21 @@ constexpr uint64_t kMostBits = std::numeric_limits<int32_t>::max() - 0xFFFF;
 // Smaller pictures do no harm, whatever their file looks like.
 constexpr uint64_t kHarmlessBits = 256u << 20;
 constexpr uint64_t kHighestRatio = 20000;
+
+std::vector<uint8_t> PlainInfo(const dib::BitmapInfoHeader& header,
+                               std::span<const dib::PaletteEntry> palette) {
+    std::vector<uint8_t> info(dib::InfoBlockSize(header));
+    std::memcpy(info.data(), &header, sizeof header);
+    if (header.bitCount == 32) {
+        std::memcpy(info.data() + sizeof header, dib::kMasksAlpha, sizeof dib::kMasksAlpha);
+    }
+    const size_t entries = std::min<size_t>(dib::PaletteEntries(header), palette.size());
+    if (entries != 0) {
+        std::memcpy(info.data() + sizeof header, palette.data(),
+                    entries * sizeof(dib::PaletteEntry));
+    }
+    return info;
+}
 
 }  // namespace
 
@@ -46,18 +62,11 @@ Result CreatePicture(PictureTarget& target, const PictureForm& form,
     header.sizeImage = static_cast<uint32_t>(bitsSize);
     header.xPelsPerMeter = form.xPelsPerMeter;
     header.yPelsPerMeter = form.yPelsPerMeter;
-    if (!target.Allocate(dib::InfoBlockSize(header), static_cast<size_t>(bitsSize))) {
-        return Result::kOutOfMemory;
-    }
-    std::memcpy(target.Info(), &header, sizeof header);
-    if (form.bitCount == 32) {
-        std::memcpy(target.Info() + sizeof header, dib::kMasksAlpha, sizeof dib::kMasksAlpha);
-    }
-    const size_t entries = std::min<size_t>(dib::PaletteEntries(header), palette.size());
-    if (entries != 0) {
-        std::memcpy(target.Info() + sizeof header, palette.data(),
-                    entries * sizeof(dib::PaletteEntry));
-    }
+    const std::vector<uint8_t> info =
+        form.profile.empty() ? PlainInfo(header, palette)
+                             : dib::InfoWithProfile(PlainInfo(header, palette), form.profile);
+    if (!target.Allocate(info.size(), static_cast<size_t>(bitsSize))) return Result::kOutOfMemory;
+    std::ranges::copy(info, target.Info());
     rows = {target.Bits(), static_cast<size_t>(stride), form.height};
     return Result::kSuccess;
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 #include "helpers/dib/bitmap_header.h"
 #include "plugins/common/result.h"
@@ -18,6 +19,7 @@ struct PictureForm {
     uint16_t bitCount = 0;      // 1, 4, 8 or 24; 32: with alpha, for targets that take it
     int32_t xPelsPerMeter = 0;  // 0 when the file does not say
     int32_t yPelsPerMeter = 0;
+    std::vector<uint8_t> profile{};  // ICC, for targets that take it; empty: sRGB
 };
 
 // Gives the two blocks their memory. They belong to the target and stay in place while it lives.
@@ -30,6 +32,9 @@ class PictureTarget {
     virtual bool Allocate(size_t infoSize, size_t bitsSize) = 0;
     // Whether pictures may have an alpha channel. Otherwise they are laid over a plain colour.
     virtual bool TakesAlpha() const { return false; }
+    // Whether colours may come as they are stored, with their profile. Otherwise they are
+    // converted to sRGB.
+    virtual bool TakesProfile() const { return false; }
     virtual uint8_t* Info() = 0;
     virtual uint8_t* Bits() = 0;
 };
@@ -51,7 +56,8 @@ struct PictureRows {
 bool IsPlausibleSize(uint64_t bitsSize, uint64_t sourceSize);
 
 // Allocates the picture and writes its header and colour table (1 << bitCount entries up to 8
-// bits, missing ones black; none above, but the masks of 32 bits). `sourceSize` is the size of the
+// bits, missing ones black; none above, but the masks of 32 bits). A profile stands behind them,
+// and the header is a BITMAPV5HEADER then. `sourceSize` is the size of the
 // file; a size that is not plausible for it is refused before any memory is taken.
 Result CreatePicture(PictureTarget& target, const PictureForm& form,
                      std::span<const dib::PaletteEntry> palette, uint64_t sourceSize,

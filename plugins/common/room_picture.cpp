@@ -4,6 +4,10 @@
 
 namespace tessary::spi {
 
+bool RoomPicture::TakesProfile() const {
+    return room_.size >= sizeof(room_) && (room_.wishes & susie::kWishesOwnColors) != 0;
+}
+
 bool RoomPicture::Allocate(size_t infoSize, size_t bitsSize) {
     warmer_.Stop();
     void* info = nullptr;

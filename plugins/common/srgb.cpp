@@ -60,6 +60,15 @@ std::shared_ptr<const color::Transform> ToSrgb(const std::optional<color::Profil
     return profile ? ways.For(*profile, layout) : nullptr;
 }
 
+std::vector<uint8_t> ProfileToHandOn(const PictureTarget& target,
+                                     const std::optional<color::Profile>& profile) {
+    if (!target.TakesProfile() || !profile) return {};
+    const auto way = ToSrgb(profile, color::Layout::kBgr8);
+    if (!way || !way->IsQuick()) return {};
+    const auto icc = profile->Source();
+    return icc.empty() ? profile->Icc() : std::vector<uint8_t>(icc.begin(), icc.end());
+}
+
 std::vector<dib::PaletteEntry> SrgbGreyPalette(const std::optional<color::Profile>& profile,
                                                unsigned bitCount) {
     std::vector<dib::PaletteEntry> palette = GreyPalette(bitCount);

@@ -8,6 +8,7 @@
 
 #include "helpers/color/color_transform.h"
 #include "helpers/dib/bitmap_header.h"
+#include "plugins/common/picture_target.h"
 
 namespace tessary::codec {
 
@@ -15,6 +16,11 @@ namespace tessary::codec {
 // is as good as sRGB or of no use for such pixels.
 std::shared_ptr<const color::Transform> ToSrgb(const std::optional<color::Profile>& profile,
                                                color::Layout layout);
+
+// The profile to hand on with a picture in place of converting it: of pixels of kBgr8 that a
+// host converts in next to no time, by three curves and a matrix. Empty for all others.
+std::vector<uint8_t> ProfileToHandOn(const PictureTarget& target,
+                                     const std::optional<color::Profile>& profile);
 
 // The colours of a grey picture of up to 8 bits, as GreyPalette has them without a profile.
 std::vector<dib::PaletteEntry> SrgbGreyPalette(const std::optional<color::Profile>& profile,

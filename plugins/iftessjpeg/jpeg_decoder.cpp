@@ -62,8 +62,12 @@ Result JpegDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target
     if (!progress.Report(0, 1)) return Result::kAborted;
     JpegReader reader(source, progress);
     if (const Result result = reader.ReadHeader(); result != Result::kSuccess) return result;
-    const codec::PictureForm form = reader.Form();
-    const auto profile = reader.Colors();
+    codec::PictureForm form = reader.Form();
+    auto profile = reader.Colors();
+    if (reader.StoredPixels() == Pixels::kBgr) {
+        form.profile = codec::ProfileToHandOn(target, profile);
+        if (!form.profile.empty()) profile.reset();
+    }
     codec::PictureRows rows;
     const Result created = CreatePicture(
         target, form, codec::SrgbGreyPalette(profile, form.bitCount), source.Size(), rows);

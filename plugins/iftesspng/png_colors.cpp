@@ -153,17 +153,24 @@ void PngColors::KeepChunks(png_structp png) {
 
 void PngColors::Read(png_structp png, png_infop info, bool isGrey, const Samples& stored) {
     stored_ = stored;
-    const auto profile = ProfileOf(png, info, isGrey);
-    if (!profile) return;
+    profile_ = ProfileOf(png, info, isGrey);
+    if (!profile_) return;
     if (!isGrey) {
-        transform_ = codec::ToSrgb(profile, LayoutOf(stored));
-        tableTransform_ = transform_ ? codec::ToSrgb(profile, Layout::kBgr8) : nullptr;
+        transform_ = codec::ToSrgb(profile_, LayoutOf(stored));
+        tableTransform_ = transform_ ? codec::ToSrgb(profile_, Layout::kBgr8) : nullptr;
         return;
     }
-    auto levels = codec::SrgbGreyLevels(*profile, stored.areDeep);
+    auto levels = codec::SrgbGreyLevels(*profile_, stored.areDeep);
     if (!levels.empty() && !AreTheSame(levels)) {
         levels_ = std::make_shared<const std::vector<uint8_t>>(std::move(levels));
     }
+}
+
+std::vector<uint8_t> PngColors::HandOnProfile(const codec::PictureTarget& target) {
+    if (!transform_ || stored_.areDeep || stored_.haveAlpha) return {};
+    std::vector<uint8_t> profile = codec::ProfileToHandOn(target, profile_);
+    if (!profile.empty()) transform_ = tableTransform_ = nullptr;
+    return profile;
 }
 
 void PngColors::Convert(std::span<dib::PaletteEntry> colors) const {

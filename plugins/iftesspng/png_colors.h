@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -47,6 +48,11 @@ class PngColors {
     // Whether there is anything to convert.
     bool AreForeign() const { return transform_ != nullptr || levels_ != nullptr; }
 
+    // The profile to hand on to the target with pixels of three bytes, which stay as they are
+    // stored then: what is laid over another colour has to be converted before. Empty where they
+    // are to be converted, or need not be.
+    std::vector<uint8_t> HandOnProfile(const codec::PictureTarget& target);
+
     // Converts the colours of a table, or of a background, in their places.
     void Convert(std::span<dib::PaletteEntry> colors) const;
 
@@ -62,6 +68,7 @@ class PngColors {
                                   dib::PaletteEntry background) const;
 
     Samples stored_;
+    std::optional<color::Profile> profile_;
     std::shared_ptr<const color::Transform> transform_;       // of the pixels of a colour picture
     std::shared_ptr<const color::Transform> tableTransform_;  // of its table or background
     std::shared_ptr<const std::vector<uint8_t>> levels_;      // of the samples of a grey picture

@@ -36,7 +36,8 @@ Result PngDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
     PngReader reader(source, progress, large_);
     if (target.TakesAlpha()) reader.KeepAlpha();
     if (const Result result = reader.ReadHeader(); result != Result::kSuccess) return result;
-    const codec::PictureForm form = reader.Form();
+    codec::PictureForm form = reader.Form();
+    form.profile = reader.HandOnProfile(target);
     codec::PictureRows rows;
     const Result created = CreatePicture(target, form, reader.Palette(), source.Size(), rows);
     if (created != Result::kSuccess) return created;

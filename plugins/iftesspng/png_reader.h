@@ -40,6 +40,11 @@ class PngReader {
     codec::PictureForm Form() const;
     std::vector<dib::PaletteEntry> Palette() const;
     uint16_t Orientation() const { return orientation_; }
+    // The profile to hand on with the picture (PngColors::HandOnProfile); to be called before the
+    // conversion is asked for.
+    std::vector<uint8_t> HandOnProfile(const codec::PictureTarget& target) {
+        return HasTable() ? std::vector<uint8_t>() : colors_.HandOnProfile(target);
+    }
     codec::RowConversion Conversion() const;
 
     // After ReadHeader: decodes all rows. Damage is told to the progress.

@@ -30,7 +30,8 @@ AheadSource Source(const ConvertOptions& options) {
     return {.connect = Host().furtherConnector,
             .mayRead = [](const std::wstring& path) { return !IsNotOnThisDisk(path); },
             .opensArchives = false,
-            .make = MakerFor(options)};
+            .make = MakerFor(options),
+            .takesOwnColors = false};
 }
 
 }  // namespace

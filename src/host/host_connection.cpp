@@ -377,9 +377,10 @@ MeasuredPicture HostConnection::Measure(const PluginSource& source) {
 
 DecodedPicture HostConnection::Decode(const PluginSource& source, DecodeKind kind,
                                       const SusieProgress& progress) {
-    Told told =
-        Ask({.operation = HostOperation::kDecode, .isPreview = kind == DecodeKind::kPreview},
-            source, progress);
+    Told told = Ask({.operation = HostOperation::kDecode,
+                     .isPreview = kind == DecodeKind::kPreview,
+                     .inOwnColors = kind == DecodeKind::kFullInOwnColors},
+                    source, progress);
     const HostReply& reply = told.reply;
     DecodedPicture decoded{told.answer,
                            {},

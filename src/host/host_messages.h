@@ -53,6 +53,7 @@ struct HostRequest {
     bool isFile = true;
     WireSection bytes{};
     bool isPreview = false;
+    bool inOwnColors = false;    // DecodeKind::kFullInOwnColors
     bool tellsProgress = false;  // somebody wants to know
     bool tellsCondition = true;  // the plug-in may be asked for it
     bool tellsFrames = true;     // and for frames

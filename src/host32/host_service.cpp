@@ -239,7 +239,9 @@ HostReply HostService::Measure(LocalConnection& plugin, const PluginSource& sour
 
 HostReply HostService::Decode(LocalConnection& plugin, const PluginSource& source,
                               const HostRequest& request) {
-    const DecodeKind kind = request.isPreview ? DecodeKind::kPreview : DecodeKind::kFull;
+    const DecodeKind kind = request.isPreview     ? DecodeKind::kPreview
+                            : request.inOwnColors ? DecodeKind::kFullInOwnColors
+                                                  : DecodeKind::kFull;
     PictureFrames frames;
     HostReply reply = WithPicture([&](const RoomMaker& rooms) {
         DecodedPicture decoded = plugin.Decode(source, kind, ProgressOf(request), rooms);
@@ -289,7 +291,10 @@ HostReply HostService::WithPicture(const PictureMaker& decode) {
     const auto info = decoded.picture.Info();
     const auto profile = decoded.picture.Profile();
     const auto bits = decoded.picture.Bits();
-    if (!section || bits.data() != section->Bits().data()) {
+    if (section && bits.data() == section->Bits().data()) {
+        // The block that was asked for has held the profile too.
+        Copy(profile, section->section.bytes.subspan(info.size()));
+    } else {
         giveBack();
         section = TakeForPicture(info.size() + profile.size(), bits.size());
         if (!section) {

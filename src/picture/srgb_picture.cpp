@@ -51,7 +51,21 @@ std::unique_ptr<const color::Transform> PixelTransform(const dib::DibView& view,
     }
 }
 
+// What is laid over another colour has to be converted before.
+bool IsQuick(const Picture& picture) {
+    if (picture.HasAlpha()) return false;
+    const auto profile = Profile::FromIcc(picture.Profile());
+    if (!profile || AreAlike(*profile, Srgb())) return false;
+    const auto transform = PixelTransform(picture.View(), *profile);
+    return transform && transform->IsQuick();
+}
+
 }  // namespace
+
+Picture WithQuickProfile(Picture picture) {
+    const bool hasProfile = picture && !picture.Profile().empty();
+    return hasProfile && IsQuick(picture) ? std::move(picture) : SrgbPicture(std::move(picture));
+}
 
 Picture SrgbPicture(Picture picture) {
     if (!picture || picture.Profile().empty()) return picture;

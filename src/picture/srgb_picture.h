@@ -9,4 +9,8 @@ namespace tessary {
 // nothing; else a converted one without. Without memory for that it stays as it is.
 Picture SrgbPicture(Picture picture);
 
+// The same but for a picture that is converted in next to no time whenever it is drawn: that keeps
+// its colours and its profile.
+Picture WithQuickProfile(Picture picture);
+
 }  // namespace tessary

@@ -29,6 +29,9 @@ enum class DecodeTarget { kBmpFile = 0, kMemory = 1 };
 
 // `flags` of DecodePicture.
 constexpr uint32_t kDecodeTryPreview = 1;
+// The picture may come in colours that its profile tells (Picture::Profile), where it takes next to
+// no time to convert them; else it is in sRGB.
+constexpr uint32_t kDecodeInOwnColors = 2;
 // In results of DecodePicture: the picture came through the preview call.
 constexpr uint32_t kPreviewResult = 0x80000000;
 

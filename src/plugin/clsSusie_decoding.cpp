@@ -84,12 +84,14 @@ Picture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uint32_t
         decode(DecodeKind::kPreview);
         if (decoded.HasSucceeded()) resultFlag = kPreviewResult;
     }
-    decode(DecodeKind::kFull);
+    const bool inOwnColors = (flags & kDecodeInOwnColors) != 0;
+    decode(inOwnColors ? DecodeKind::kFullInOwnColors : DecodeKind::kFull);
     if (!decoded.HasSucceeded())
         throw DecodeError(static_cast<uint32_t>(decoded.code) | resultFlag);
     if (!decoded.picture) throw DecodeError(kNoPictureResult | resultFlag);
     frames_ = decoded.frames;
-    return SrgbPicture(std::move(decoded.picture));
+    return inOwnColors ? WithQuickProfile(std::move(decoded.picture))
+                       : SrgbPicture(std::move(decoded.picture));
 }
 
 Picture clsSusie::DecodeFrame(uint32_t index, const SusieProgress& progress, uint32_t& duration) {

@@ -1,9 +1,13 @@
 #include "plugin/local_connection.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 #include "app/base/paths.h"
+#include "helpers/dib/check_dib.h"
+#include "helpers/dib/embedded_profile.h"
 #include "plugin/call_log.h"
 #include "plugin/host_state.h"
 #include "plugin/plugin_info.h"
@@ -42,11 +46,24 @@ HLOCAL BlockOf(std::span<const uint8_t> bytes) {
         .Release();
 }
 
-// What is not plain is put right as plug-ins' own blocks are.
+// What is not plain is put right as plug-ins' own blocks are: in its place where that takes another
+// header and nothing else, as with one that brings a profile along.
 Picture PictureIn(const RoomForPicture& room) {
     Picture picture(std::make_unique<RoomMemory>(room));
-    return picture ? std::move(picture)
-                   : Picture::FromPair({BlockOf(room.info), BlockOf(room.bits)});
+    if (picture) return picture;
+    const dib::CheckedDib checked = dib::CheckDib(room.info, room.bits);
+    const auto info = checked.Info();
+    if (checked.Error() != dib::DibError::kNone || !checked.KeepsBits() ||
+        info.size() > room.info.size()) {
+        return Picture::FromPair({BlockOf(room.info), BlockOf(room.bits)});
+    }
+    const auto profile = dib::EmbeddedProfile(room.info);
+    const std::vector<uint8_t> icc(profile.begin(), profile.end());
+    std::ranges::copy(info, room.info.begin());
+    picture = Picture(
+        std::make_unique<RoomMemory>(RoomForPicture{room.info.first(info.size()), room.bits}));
+    picture.SetProfile(icc);
+    return picture;
 }
 
 }  // namespace
@@ -166,7 +183,9 @@ DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeKind ki
     }
     const ProgressRelay relay(progress);
     std::optional<RoomForPicture> filled;
-    const int32_t code = calls_.GetPictureInto(SourceOf(source), rooms, filled, relay);
+    const uint32_t wishes =
+        kind == DecodeKind::kFullInOwnColors ? uint32_t{susie::kWishesOwnColors} : 0;
+    const int32_t code = calls_.GetPictureInto(SourceOf(source), rooms, wishes, filled, relay);
     return WithFrames({AnswerTold(code), filled ? PictureIn(*filled) : Picture(), relay.Stopped()},
                       source, kind);
 }

@@ -96,8 +96,9 @@ struct MeasuredPicture : PluginAnswer {
     PictureSize size{};
 };
 
-// Under which name a picture is asked for: some plug-ins are quicker for a preview.
-enum class DecodeKind { kPreview, kFull };
+// How a picture is asked for: some plug-ins are quicker for a preview, under another name; and some
+// can leave its colours as they are stored, with their profile, and need not convert them.
+enum class DecodeKind { kPreview, kFull, kFullInOwnColors };
 
 struct DecodedPicture : PluginAnswer {
     Picture picture{};        // empty after a success: what came is no picture

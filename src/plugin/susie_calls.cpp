@@ -58,8 +58,8 @@ void FreeLeft(HLOCAL& handle) {
 
 // What a plug-in asks for room for its picture. What goes wrong there is no memory to it.
 struct AskedRoom : susie::PictureRoom {
-    explicit AskedRoom(const RoomMaker& maker)
-        : susie::PictureRoom{sizeof(susie::PictureRoom), &Take}, rooms(maker) {}
+    AskedRoom(const RoomMaker& maker, uint32_t wishes)
+        : susie::PictureRoom{sizeof(susie::PictureRoom), &Take, wishes}, rooms(maker) {}
 
     static int __stdcall Take(susie::PictureRoom* asked, SIZE_T infoSize, SIZE_T bitsSize,
                               void** info, void** bits) {
@@ -297,9 +297,9 @@ int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
 
 // susiectl.dll passes the two addresses on as they are.
 int32_t SusieCalls::GetPictureInto(const SusieSource& source, const RoomMaker& rooms,
-                                   std::optional<RoomForPicture>& filled,
+                                   uint32_t wishes, std::optional<RoomForPicture>& filled,
                                    const ProgressRelay& progress) {
-    AskedRoom room(rooms);
+    AskedRoom room(rooms, wishes);
     const int32_t code = GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
         return library.getPicture(
             Address(SusieFunction::kGetPictureInto), source.source, source.length, source.flag,
@@ -328,7 +328,7 @@ int32_t SusieCalls::OpenFrames(const SusieSource& source, susie::FrameList& list
 int32_t SusieCalls::GetFrame(void* frames, uint32_t index, const RoomMaker& rooms,
                              std::optional<RoomForPicture>& filled, uint32_t& duration,
                              const ProgressRelay& progress) {
-    AskedRoom room(rooms);
+    AskedRoom room(rooms, 0);
     uint32_t told = 0;
     const int32_t code = GuardedAndTold(kGetFrame, [&](const SusieLibrary& library) {
         return library.getFrame(Address(SusieFunction::kGetFrame), frames, index, &told, &room,

@@ -96,9 +96,10 @@ class SusieCalls {
     // After success the caller owns both blocks; after a failure `picture` is empty.
     int32_t GetPicture(const SusieSource& source, PicturePair& picture,
                        const ProgressRelay& progress);
-    // The same into room that the plug-in asks for, which it must be able to (Address). `filled`:
-    // what it was given last; nothing after a failure, and when it has not asked.
-    int32_t GetPictureInto(const SusieSource& source, const RoomMaker& rooms,
+    // The same into room that the plug-in asks for, which it must be able to (Address). `wishes`:
+    // bits of susie::RoomWish. `filled`: what it was given last; nothing after a failure, and when
+    // it has not asked.
+    int32_t GetPictureInto(const SusieSource& source, const RoomMaker& rooms, uint32_t wishes,
                            std::optional<RoomForPicture>& filled, const ProgressRelay& progress);
     // `list` and `frames` are empty but after success. What is in `frames` then is to be closed,
     // unless it is null; the source's bytes must stay so long.

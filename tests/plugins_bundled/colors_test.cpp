@@ -9,6 +9,8 @@
 #include <functional>
 
 #include "helpers/color/color_transform.h"
+#include "helpers/dib/check_dib.h"
+#include "helpers/dib/embedded_profile.h"
 #include "plugins/iftessjpeg/jpeg_decoder.h"
 #include "plugins/iftesspng/png_decoder.h"
 #include "tests/plugins_bundled/decoded_picture.h"
@@ -361,6 +363,39 @@ TEST(Colors, OfPngAreThoseOfTheFirstOfItsChunksThatCount) {
     for (const auto& [kind, icc] : {std::pair(kPngKinds[0], swapped), std::pair(color, grey)})
         ExpectMeaning({kPng, Png(kind, {ProfileOf(icc)})}, AsTheyAre, 0.5,
                       kind.type == PNG_COLOR_TYPE_GRAY);
+}
+
+// `file` with its colours, against `plain`, the same without any word of them.
+void ExpectAsStored(const PictureCodec& codec, const Bytes& file, const Bytes& plain,
+                    const Bytes& profile) {
+    MemoryTarget kept(SIZE_MAX, true, true), stored(SIZE_MAX, true);
+    for (auto& [bytes, target] : {std::pair(&file, &kept), {&plain, &stored}}) {
+        dib::MemorySource source(*bytes);
+        Progress nobody;
+        ASSERT_EQ(codec.Decode(source, *target, nobody), Result::kSuccess);
+    }
+    EXPECT_TRUE(std::ranges::equal(dib::EmbeddedProfile(kept.InfoBytes()), profile));
+    const dib::CheckedDib checked = dib::CheckDib(kept.InfoBytes(), kept.BitsBytes());
+    ASSERT_EQ(checked.Error(), dib::DibError::kNone);
+    EXPECT_TRUE(checked.KeepsBits());
+    const auto info = profile.empty() ? kept.InfoBytes() : checked.Info();
+    EXPECT_TRUE(std::ranges::equal(info, stored.InfoBytes()));
+    EXPECT_EQ(std::ranges::equal(kept.BitsBytes(), stored.BitsBytes()), !profile.empty());
+}
+
+TEST(Colors, StayAsTheyAreForHostsThatConvertThemInTime) {
+    const Bytes adobe = Profile::AdobeRgb().Icc();
+    ExpectAsStored(kJpeg, Jpeg(3, adobe), Jpeg(3, {}), adobe);
+    ExpectAsStored(kJpeg, Jpeg(3, {}, AdobeExif('3')), Jpeg(3, {}), adobe);
+    for (const PngKind& kind : kPngKinds) {
+        if ((kind.type & PNG_COLOR_MASK_COLOR) == 0 || kind.type == PNG_COLOR_TYPE_PALETTE)
+            continue;
+        // Of 16 bits more than a byte counts, and alpha is for colours that are converted.
+        ExpectAsStored(kPng, Png(kind, {ProfileOf(adobe)}), Png(kind, {}),
+                       kind.depth == 8 && kind.type == PNG_COLOR_TYPE_RGB ? adobe : Bytes());
+    }
+    // Inks, and tables, are converted.
+    ExpectAsStored(kJpeg, Jpeg(4, InkProfile()), Jpeg(4, {}), {});
 }
 
 }  // namespace

@@ -16,9 +16,11 @@ using Bytes = std::vector<uint8_t>;
 // more than `mostBits` bytes find no memory.
 class MemoryTarget final : public PictureTarget {
   public:
-    explicit MemoryTarget(size_t mostBits = SIZE_MAX, bool takesAlpha = false)
-        : mostBits_(mostBits), takesAlpha_(takesAlpha) {}
+    explicit MemoryTarget(size_t mostBits = SIZE_MAX, bool takesAlpha = false,
+                          bool takesProfile = false)
+        : mostBits_(mostBits), takesAlpha_(takesAlpha), takesProfile_(takesProfile) {}
     bool TakesAlpha() const override { return takesAlpha_; }
+    bool TakesProfile() const override { return takesProfile_; }
 
     bool Allocate(size_t infoSize, size_t bitsSize) override {
         if (bitsSize > mostBits_) return false;
@@ -28,6 +30,9 @@ class MemoryTarget final : public PictureTarget {
     }
     uint8_t* Info() override { return info_.get(); }
     uint8_t* Bits() override { return bits_.get(); }
+
+    std::span<const uint8_t> InfoBytes() const { return {info_.get(), infoSize_}; }
+    std::span<const uint8_t> BitsBytes() const { return {bits_.get(), bitsSize_}; }
 
     // Null unless the blocks are a plain picture, as hosts want it.
     std::optional<dib::DibView> View() const {
@@ -39,6 +44,7 @@ class MemoryTarget final : public PictureTarget {
     size_t infoSize_ = 0, bitsSize_ = 0;
     size_t mostBits_;
     bool takesAlpha_;
+    bool takesProfile_;
 };
 
 // The colours of a picture, rows from the top.

@@ -46,7 +46,7 @@ class Attempt {
 
     ReadWatch Watch() const {
         return {[this](int done, int total) { return Tell(done, total); },
-                [this] { return !IsWanted(); }};
+                [this] { return !IsWanted(); }, source_.takesOwnColors};
     }
 
     void Make(AheadPicture& picture) const {

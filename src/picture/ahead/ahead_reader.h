@@ -15,8 +15,9 @@ struct AheadSource {
     ConnectorMaker connect{};  // called on each thread; what it answers is dropped when there has
                                // been nothing to do for a while
     std::function<bool(const std::wstring& path)> mayRead{};
-    bool opensArchives = true;  // of an archive the picture is read that it is opened with
-    MakeFile make{};            // empty: pictures are kept as they are
+    bool opensArchives = true;   // of an archive the picture is read that it is opened with
+    MakeFile make{};             // empty: pictures are kept as they are
+    bool takesOwnColors = true;  // of ReadWatch
 };
 
 // Reads what the board wants until that has ended. Failures are told nobody and counted nowhere:

@@ -28,7 +28,9 @@ ReadResult Decode(Search search, Archives archives, const ReadWatch& watch) {
         }
         Picture picture;
         auto failure = FailureIn(*plugin, [&] {
-            plugin->DecodePicture(DecodeTarget::kMemory, 0, watch.progress, {}, &picture);
+            plugin->DecodePicture(DecodeTarget::kMemory,
+                                  watch.takesOwnColors ? kDecodeInOwnColors : 0, watch.progress, {},
+                                  &picture);
         });
         if (IsStopped(watch)) return Stopped();
         if (!failure) {

@@ -22,6 +22,8 @@ struct ReadWatch {
     // Whether the read was asked to stop; asked behind each step as well, for plug-ins that do not
     // listen. A read that was has not failed.
     std::function<bool()> isStopped{};
+    // Whether he knows what to do with a picture in its own colours (kDecodeInOwnColors).
+    bool takesOwnColors = false;
 };
 
 // What came of the attempts to read a picture.

@@ -10,6 +10,7 @@
 #include "app/base/text.h"
 #include "helpers/dib/dib_view.h"
 #include "picture/opaque_picture.h"
+#include "picture/srgb_picture.h"
 
 namespace tessary {
 namespace {
@@ -106,11 +107,12 @@ bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std:
 
 Picture AsItIsSaved(const Picture& picture, const SaverFormat& format,
                     const saving::SaveOptions& options) {
+    Picture saved = SrgbPicture(picture.Another());
     // Over white the libraries lay it themselves, row by row.
     Picture opaque;
     if (!format.metadata.alpha && options.backdrop != dib::Backdrop::kWhite)
-        opaque = OpaquePicture(picture.View(), options.backdrop);
-    return opaque ? std::move(opaque) : picture.Another();
+        opaque = OpaquePicture(saved.View(), options.backdrop);
+    return opaque ? std::move(opaque) : std::move(saved);
 }
 
 bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,

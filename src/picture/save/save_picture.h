@@ -28,7 +28,8 @@ bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
 bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std::wstring& fileName,
                    const saving::SaveOptions& options, LONG_PTR passThrough);
 
-// The picture for a format: in one without transparency laid over the options' backdrop.
+// The picture for a format: in sRGB, and in one without transparency laid over the options'
+// backdrop.
 Picture AsItIsSaved(const Picture& picture, const SaverFormat& format,
                     const saving::SaveOptions& options);
 

@@ -98,7 +98,7 @@ class ViewWatch {
 
     ReadWatch Functions() {
         return {[this](int done, int total) { return GoesOn(done, total); },
-                [this] { return IsStopped(); }};
+                [this] { return IsStopped(); }, true};
     }
 
   private:

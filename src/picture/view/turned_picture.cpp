@@ -133,7 +133,10 @@ Picture TurnedPicture(const Picture& picture, Turn turn) {
     header.sizeImage = 0;
     std::memcpy(info.data(), &header, sizeof(header));
     Turner turner(picture.View(), turn);
-    return Picture::Make(info, [&](std::span<uint8_t> rows) { return turner.Fill(rows); });
+    Picture turned =
+        Picture::Make(info, [&](std::span<uint8_t> rows) { return turner.Fill(rows); });
+    if (turned) turned.SetProfile(picture.Profile());
+    return turned;
 }
 
 }  // namespace tessary

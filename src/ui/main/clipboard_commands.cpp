@@ -19,6 +19,7 @@
 #include "picture/show/modShowPicture.h"
 #include "picture/show/picture_text.h"
 #include "picture/show/read_to_show.h"
+#include "picture/srgb_picture.h"
 #include "res/resource.h"
 #include "ui/form/activity.h"
 #include "ui/form/busy_pointer.h"
@@ -69,7 +70,8 @@ bool IsKnownEverywhere(const std::wstring& path) {
 
 // The device-independent bitmap stands for the plain bitmap too, which the system makes of it when
 // a program asks. `file`: that has exactly this picture; empty: there is none.
-ClipboardResult CopyPicture(HWND owner, const Picture& picture, const std::wstring& file) {
+ClipboardResult CopyPicture(HWND owner, const Picture& current, const std::wstring& file) {
+    const Picture picture = SrgbPicture(current.Another());
     std::vector<ClipboardItem> items;
     const auto add = [&items](UINT format, UniqueGlobal block) {
         if (block) items.push_back({format, std::move(block)});

@@ -282,7 +282,7 @@ void PictureStage::LayOverBackdrop(const SightPart& seen) {
 }
 
 std::shared_ptr<const color::Transform> PictureStage::WayToMonitor() {
-    return colors_.WayFor(box_.Handle(), {}, color::Layout::kBgra8);
+    return colors_.WayFor(box_.Handle(), pixels_->Whole().Profile(), color::Layout::kBgra8);
 }
 
 // In the colours of the picture all is drawn and kept: another monitor only has it drawn anew.

@@ -13,6 +13,7 @@
 #include "picture/modDIBToPicture.h"
 #include "picture/opaque_picture.h"
 #include "picture/save/save_picture.h"
+#include "picture/srgb_picture.h"
 #include "picture/view/picture_kernel.h"
 #include "picture/view/sight_pixels.h"
 #include "res/resource.h"
@@ -39,8 +40,8 @@ bool SavePlainly(const Picture& picture, const std::wstring& fileName) {
 // The current picture in the size of a fixed mode, else its own, but no larger than the screen; as
 // the screen shows it.
 Picture DesktopPicture(const SightRoom& room) {
-    const Picture& current = CurrentPicture();
-    if (!current) return {};
+    if (!CurrentPicture()) return {};
+    const Picture current = SrgbPicture(CurrentPicture().Another());
     const SIZE own{current.Width(), current.Height()};
     FitRule rule = ChosenFitRule();
     if (rule.sizeMode > kSizeModeScreen) rule = {.sizeMode = kSizeModeScreen};

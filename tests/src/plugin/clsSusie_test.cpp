@@ -217,6 +217,10 @@ TEST_F(DecodingTest, WhatIsHandedOutIsSrgb) {
     EXPECT_TRUE(picture_.Profile().empty());
     for (size_t i = 0; i < 9; ++i)
         EXPECT_EQ(picture_.Bits()[i], stored[i / 3 * 3 + 2 - i % 3]) << i;
+    // Who wants to may convert it himself.
+    Decode(kDecodeInOwnColors);
+    EXPECT_TRUE(std::ranges::equal(picture_.Profile(), exchanged));
+    EXPECT_TRUE(std::ranges::equal(picture_.Bits(), stored));
 }
 
 TEST_F(DecodingTest, WhatHasCrashedIsNotDoneAgain) {
