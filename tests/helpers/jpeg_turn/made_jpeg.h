@@ -21,6 +21,7 @@ struct JpegKind {
     int down = 1;
     bool isProgressive = false;
     bool isArithmetic = false;
+    bool isOptimized = false;
 };
 
 // Rows from the top, `components` bytes a pixel.
@@ -61,6 +62,7 @@ inline Bytes MadeJpeg(const JpegKind& kind, uint32_t width, uint32_t height,
     jpeg.comp_info[0].h_samp_factor = kind.across;
     jpeg.comp_info[0].v_samp_factor = kind.down;
     jpeg.arith_code = kind.isArithmetic;
+    jpeg.optimize_coding = kind.isOptimized;
     if (kind.isProgressive) jpeg_simple_progression(&jpeg);
     jpeg_start_compress(&jpeg, TRUE);
     for (const Marker& marker : markers)

@@ -184,6 +184,7 @@ class TurnFileTest : public MainWindowTest {
     void ShowFile(int width, int height) {
         saving::SaveOptions options{};
         options.jpeg.quality = 100;
+        options.jpeg.optimizedHuffman = 1;  // as turned files are
         ASSERT_TRUE(SavePictureFile(TestPicture(width, height), path_, options, 0));
         ShowPicture(width, height);
         window_.SetPictureSource({L"a.jpg", L"iftessjpeg.spi", path_});
