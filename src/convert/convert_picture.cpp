@@ -162,6 +162,13 @@ StepResult ConvertRun::SaveConvertedPicture(FileAtHand& file, SourceAtHand& sour
     file.report.isRenamed = choice.isRenamed || entry.isNumbered;
     file.report.isReplaced = choice.isReplaced;
     log_.WriteConvertLog(L"画像の色数", std::to_wstring(picture.bitCount) + L" bit", 2);
+    if (read.frames) {
+        const bool arePages = read.frames.kind == FrameKind::kPages;
+        log_.WriteConvertLog(
+            L"変換する部分",
+            L"1 / " + std::to_wstring(read.frames.count) + (arePages ? L" ページ" : L" コマ"), 2);
+        file.report.frames = read.frames.count;
+    }
     log_.WriteConvertLog(L"保存ファイル名", choice.path, 2);
     if (choice.isRenamed) {
         log_.WriteConvertLog(L"同じ名前のファイルがあるため別名で保存します", {}, 4);

@@ -82,6 +82,7 @@ struct FileReport {
     bool isRenamed = false;   // written under another name than its own
     bool isReplaced = false;  // an older file gave way to it
     bool isDamaged = false;   // a part of the picture could not be read
+    uint32_t frames = 0;  // of the source or its pages, of which the first was converted; 0: one
     FileReason reason = FileReason::kNone;
     std::wstring text{};        // the reason for the user, with what plug-ins say; may be empty
     uint64_t bytes = 0;         // written

@@ -47,7 +47,8 @@ Susie プラグインと設定を使います。設定は書き換えません�
   --no-log                ログをファイルに書かない
   --append, --no-append   ログファイルに書き足す・新しく書き始める
   --report ファイル       ファイルごとの結果を JSON で 1 行ずつ書く (UTF-8):
-                          source, member, target, result, reason, text, size, ms
+                          source, member, target, result, frames（複数あるとき）,
+                          reason, text, size, ms
                           - は標準出力に書く（ASCII。ログは標準エラー出力に移ります）
   --quiet                 変換できなかったものなどの一覧だけを表示する
   --ignore-settings       ビューアで設定した値を使わない
@@ -104,7 +105,8 @@ stands for the files in it, but for hidden and system files.
   --log FILE, --no-log    write the log to a file too (in the system's code page), or not
   --append, --no-append   add to the log file, or begin anew
   --report FILE           one line of JSON for each file, in UTF-8:
-                          source, member, target, result, reason, text, size, ms
+                          source, member, target, result, frames (where there are more
+                          than the converted one), reason, text, size, ms
                           -: on standard output, in ASCII; the log goes to standard error
   --quiet                 tell only about files that did not become what they should
   --ignore-settings       use nothing that was set in the viewer

@@ -95,6 +95,7 @@ std::string JsonLine(const FileReport& report, bool isAscii) {
     line += std::string(",\"result\":\"") + ResultOf(report) + '"';
     if (report.isRenamed) line += ",\"renamed\":true";
     if (report.isReplaced) line += ",\"replaced\":true";
+    if (report.frames != 0) line += ",\"frames\":" + std::to_string(report.frames);
     line += ",\"reason\":" + quoted(ReasonKey(report.reason));
     line += ",\"text\":" + quoted(report.text);
     line += ",\"size\":" + std::to_string(report.bytes);

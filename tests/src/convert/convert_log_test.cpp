@@ -79,6 +79,21 @@ TEST_F(ConvertLogTest, TellsWhatBecomesOfFiles) {
     EXPECT_EQ(Log(), Expected("files.txt") + again);
 }
 
+TEST_F(ConvertLogTest, TellsThatOfSeveralFramesTheFirstIsConverted) {
+    UnloadSPI();
+    std::filesystem::copy_file(TestPluginPath(L"frames.spi"), plugins_.Path() + L"iftst.spi",
+                               std::filesystem::copy_options::overwrite_existing);
+    LoadSPI();
+    Add(L"film.tst", "TST 8x8x24\nframes:1:12:0\n");
+    Add(L"pages.tst", "TST 8x8x24\nframes:2:3:0\n");
+    Add(L"one.tst", "TST 8x8x24\n");
+    EXPECT_TRUE(Run());
+    EXPECT_TRUE(LogHolds(L"  変換する部分        1 / 12 コマ"));
+    EXPECT_TRUE(LogHolds(L"  変換する部分        1 / 3 ページ"));
+    for (const uint32_t frames : {12u, 3u, 0u})
+        EXPECT_EQ(CountOf(&FileReport::frames, frames), 1) << frames;
+}
+
 TEST_F(ConvertLogTest, TellsWhatBecomesOfArchives) {
     settings_.saveType2 = 0;
     target_.Write(L"out\\x.tsa", "in the way");

@@ -188,6 +188,7 @@ TEST_F(ConvertCliTest, WritesWhatItsConsoleReads) {
     Expect(report, 1, {R"(\\\u00e9\u8868.xyz","target":"","result":"failed")"});
     EXPECT_TRUE(report.output.starts_with('{') && report.output.ends_with("}\n"));
     EXPECT_EQ(JsonLine({.source = L"\xD83D\xDE00\xD83D\"é"}, false).find(R"(😀\ud83d\"é")"), 11u);
+    EXPECT_NE(JsonLine({.frames = 12}, false).find(",\"frames\":12,"), std::string::npos);
 }
 
 TEST_F(ConvertCliTest, NamesWhatDidNotBecomeWhatItShould) {
