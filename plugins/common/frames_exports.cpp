@@ -73,8 +73,7 @@ __declspec(dllexport) int __stdcall GetFrame(void* frames, uint32_t index, uint3
                                              susie::PictureRoom* room, void*,
                                              susie::ProgressCallback callback, LONG_PTR userData) {
     return spi::GuardedAndTold([&](codec::Remark& remark) {
-        if (frames == nullptr || duration == nullptr || room == nullptr ||
-            room->size < sizeof(*room)) {
+        if (frames == nullptr || duration == nullptr || !spi::IsRoom(room)) {
             return codec::Result::kInternalError;
         }
         codec::Progress progress = spi::HostProgress(callback, userData);

@@ -119,9 +119,7 @@ __declspec(dllexport) int __stdcall GetPictureInto(const char* source, LONG_PTR 
                                                    susie::ProgressCallback progress,
                                                    LONG_PTR userData) {
     return spi::GuardedAndTold([&](codec::Remark& remark) {
-        // Hosts of the first kind have no wishes.
-        if (room == nullptr || room->size < offsetof(susie::PictureRoom, wishes))
-            return codec::Result::kInternalError;
+        if (!spi::IsRoom(room)) return codec::Result::kInternalError;
         spi::RoomPicture picture(*room);
         return spi::DecodePicture(source, length, flag, picture, progress, userData, remark);
     });

@@ -1,11 +1,18 @@
 // A picture in memory of the host's (docs/plugin-extension.md, GetPictureInto).
 #pragma once
 
+#include <cstddef>
+
 #include "helpers/susiectl/susie_interface.h"
 #include "plugins/common/page_warmer.h"
 #include "plugins/common/picture_target.h"
 
 namespace tessary::spi {
+
+// Whether it is a record of a host's. Those of the first kind have no wishes.
+inline bool IsRoom(const susie::PictureRoom* room) {
+    return room != nullptr && room->size >= offsetof(susie::PictureRoom, wishes);
+}
 
 class RoomPicture final : public codec::PictureTarget {
   public:

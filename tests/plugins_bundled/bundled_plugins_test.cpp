@@ -250,6 +250,8 @@ TEST(BundledFrames, ComeFromFilesThatMayGoAndFromBlocks) {
         EXPECT_EQ(get(list.count, &room), susie::kInternalError);
         EXPECT_EQ(get(0, &none), susie::kOutOfMemory);
         EXPECT_EQ(get(0, nullptr), susie::kInternalError);
+        room.size = sizeof room.size + sizeof room.take;  // of a host of the first kind
+        EXPECT_EQ(get(0, &room), susie::kSuccess);
         EXPECT_TRUE(DeleteFileA(path.c_str()));  // nothing keeps it open
         EXPECT_EQ(get(0, &room), susie::kReadError);
         Written(folder, Cut(file, 40));
