@@ -1,6 +1,7 @@
 #include "plugins/common/canvas.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "plugins/common/flatten_rows.h"
@@ -26,6 +27,11 @@ void PackRow(const uint8_t* in, uint8_t* out, size_t pixels) {
 
 }  // namespace
 
+Canvas::Canvas(uint32_t width, uint32_t height)
+    : width_(width), height_(height), pixels_(size_t{width} * height * kPixelBytes) {
+    Clear({0, 0, width, height});
+}
+
 FramePlace Canvas::Visible(const FramePlace& place) const {
     const uint32_t left = std::min(place.left, width_);
     const uint32_t top = std::min(place.top, height_);
@@ -39,8 +45,12 @@ bool Canvas::IsCoveredBy(const FramePlace& place) const {
 
 void Canvas::Clear(const FramePlace& visible) {
     if (visible.width == 0) return;
-    for (uint32_t y = 0; y < visible.height; ++y)
-        std::memset(Pixel(visible.left, visible.top + y), 0, size_t{visible.width} * kPixelBytes);
+    constexpr std::array<uint8_t, kPixelBytes> kClear{0xFF, 0xFF, 0xFF, 0};
+    for (uint32_t y = 0; y < visible.height; ++y) {
+        uint8_t* pixel = Pixel(visible.left, visible.top + y);
+        for (uint32_t x = 0; x < visible.width; ++x, pixel += kPixelBytes)
+            std::memcpy(pixel, kClear.data(), kPixelBytes);
+    }
 }
 
 std::vector<uint8_t> Canvas::Kept(const FramePlace& visible) const {

@@ -25,8 +25,7 @@ class Canvas {
 
     Canvas() = default;
     // Transparent. Throws std::bad_alloc where there is no memory.
-    Canvas(uint32_t width, uint32_t height)
-        : width_(width), height_(height), pixels_(size_t{width} * height * kPixelBytes) {}
+    Canvas(uint32_t width, uint32_t height);
 
     uint32_t Width() const { return width_; }
     uint32_t Height() const { return height_; }
@@ -40,7 +39,7 @@ class Canvas {
     FramePlace Visible(const FramePlace& place) const;
     bool IsCoveredBy(const FramePlace& place) const;
 
-    // Makes a visible place transparent.
+    // Makes a visible place transparent; white where somebody sees the colours all the same.
     void Clear(const FramePlace& visible);
     // The pixels of a visible place, row by row, and back again.
     std::vector<uint8_t> Kept(const FramePlace& visible) const;

@@ -352,11 +352,29 @@ TEST_P(ConnectionTest, FramesComeInAnyOrderAndOfWhatTheFileIsNow) {
     EXPECT_EQ(connection_->Decode(Bytes(content), DecodeKind::kFull, {}).frames,
               (PictureFrames{FrameKind::kPages, 3, 0}));
     EXPECT_EQ(width(Bytes("TST 9x2x24\nframes:2:3:7\n"), 2), 11);
+    if (IsLocal()) {
+        EXPECT_EQ(Calls(path_, "OpenFrames"), 5);  // once for each decode and each source
+        EXPECT_EQ(Calls(path_, "CloseFrames"), 4);
+    }
 
     EXPECT_EQ(width(file, 1), 4);
     std::ofstream(file.name, std::ios::binary) << "TST 50x2x24\nframes:1:2:2\n";
     EXPECT_EQ(width(file, 1), 51);
     EXPECT_EQ(width(file, 3), -susie::kBrokenData);
+    if (IsLocal()) {
+        const UniqueModule kept(LoadLibraryW(path_.c_str()));
+        connection_->Unload();
+        EXPECT_EQ(Calls(path_, "CloseFrames"), Calls(path_, "OpenFrames"));
+    } else {
+        // Of a host that has gone another one is asked.
+        const HostProcess* const host = pool_.RunningFor(path_);
+        const UniqueProcess process(
+            OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, host->Id()));
+        TerminateProcess(process.Get(), 1);
+        WaitForSingleObject(process.Get(), INFINITE);
+        EXPECT_EQ(width(file, 1), 51);
+        EXPECT_EQ(Errors(), 0);
+    }
 }
 
 TEST_P(ConnectionTest, APictureIsNotLostWithItsFrames) {
