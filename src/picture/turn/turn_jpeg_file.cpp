@@ -103,6 +103,7 @@ class Turning {
         files::ReplacingFile target(file_.path, files::Links::kFollow);
         if (!target.IsOpen() || !target.Write(made)) return NotWritten(turned, target.Error());
         if (!IsAsShown()) return Outcome::kChanged;
+        if (!goesOn_()) return Outcome::kStopped;
         if (target.Commit(files::Durability::kDisk, goesOn_)) return Outcome::kDone;
         if (target.Error() == ERROR_CANCELLED) return Outcome::kStopped;
         return NotWritten(turned, target.Error());

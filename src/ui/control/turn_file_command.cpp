@@ -21,6 +21,8 @@ namespace {
 
 using Outcome = TurnedFile::Outcome;
 
+constexpr ULONGLONG kLastMoment = 5000;  // to stop in, milliseconds
+
 constexpr wchar_t kOwnPlugin[] = L"iftessjpeg.spi";
 
 std::wstring EdgesOf(const TurnedFile& trimmed) {
@@ -87,8 +89,10 @@ TurnedFile TurnFileCommand::Turn(const JpegFileToTurn& file) {
     const SessionHold session(window_.Handle(), L"画像を保存しています。");
     const BusyPointer busy;
     const auto isStopped = std::make_shared<std::atomic<bool>>(false);
-    // It is waited for, stopped or not: afterwards it is known what stands in the file. Closing the
-    // program stops nothing.
+    // It is waited for, stopped or not: afterwards it is known what stands in the file. One that a
+    // network holds up is left behind then, and replaces nothing. Closing the program stops
+    // nothing.
+    ULONGLONG stoppedAt = 0;
     const auto turned = CallInBackground<TurnedFile>(
         [file, isStopped, program = program_] {
             return TurnJpegFile(
@@ -96,10 +100,13 @@ TurnedFile TurnFileCommand::Turn(const JpegFileToTurn& file) {
         },
         [&] {
             window_.TellProgress(0, 0);
-            if (!window_.Breathe() && !CurrentActivity().quitRequested) *isStopped = true;
-            return true;
+            if (!window_.Breathe() && !CurrentActivity().quitRequested &&
+                !isStopped->exchange(true))
+                stoppedAt = GetTickCount64();
+            return stoppedAt == 0 || GetTickCount64() - stoppedAt < kLastMoment;
         });
-    return turned.value_or(TurnedFile{.outcome = Outcome::kFailed});
+    return turned.value_or(
+        TurnedFile{.outcome = *isStopped ? Outcome::kStopped : Outcome::kFailed});
 }
 
 std::optional<TurnedFile> TurnFileCommand::AskToTrim(JpegFileToTurn file,

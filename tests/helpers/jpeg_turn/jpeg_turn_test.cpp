@@ -135,8 +135,7 @@ TEST(JpegTurn, TrimsOnlyWhereThatIsWantedAndTellsTheEdges) {
 
 TEST(JpegTurn, LosesNothingInAWholeRound) {
     for (const bool isProgressive : {false, true}) {
-        const Bytes file =
-            test::MadeJpeg({3, 2, 1, isProgressive, false, true}, 96, 48, {}, true);
+        const Bytes file = test::MadeJpeg({3, 2, 1, isProgressive, false, true}, 96, 48, {}, true);
         Bytes round = file;
         for (int i = 0; i < 4; ++i)
             round = Turn(round, WishFor(test::DecodedJpeg(round), exif::kTurnedRight)).file;
