@@ -47,6 +47,21 @@ bool MakeStrip(const SightPixels& pixels, const SightPart& strip, const PixelRow
 
 }  // namespace
 
+std::shared_ptr<const SharpPart> MakeSharpPart(const SightPixels& pixels, const SightPart& sight,
+                                               const std::function<bool()>& isWanted) {
+    auto whole = std::make_shared<SharpPart>(sight);
+    const RECT& part = sight.part;
+    for (LONG top = part.top; top < part.bottom; top += kStripRows) {
+        if (!isWanted()) return nullptr;
+        const RECT strip{part.left, top, part.right, std::min(top + kStripRows, part.bottom)};
+        const PixelRows rows = whole->Rows();
+        if (!MakeStrip(pixels, {sight.shown, strip}, {rows.Row(top - part.top), rows.stride})) {
+            return nullptr;
+        }
+    }
+    return whole;
+}
+
 SharpSight::~SharpSight() {
     Forget();
 }
@@ -90,7 +105,8 @@ void SharpSight::Run(const std::stop_token& ends) {
         }
         std::shared_ptr<const SharpPart> made;
         try {
-            made = Make(wish, ends);
+            made = MakeSharpPart(*wish.pixels, wish.sight,
+                                 [&] { return !ends.stop_requested() && IsWanted(wish); });
         } catch (const std::bad_alloc&) {
             // It stays as it is on the screen.
         }
@@ -107,20 +123,6 @@ void SharpSight::Run(const std::stop_token& ends) {
 bool SharpSight::IsWanted(const Wish& wish) {
     const std::lock_guard lock(mutex_);
     return making_ == wish.pixels;
-}
-
-std::shared_ptr<const SharpPart> SharpSight::Make(const Wish& wish, const std::stop_token& ends) {
-    auto whole = std::make_shared<SharpPart>(wish.sight);
-    const RECT& part = wish.sight.part;
-    for (LONG top = part.top; top < part.bottom; top += kStripRows) {
-        if (ends.stop_requested() || !IsWanted(wish)) return nullptr;
-        const RECT strip{part.left, top, part.right, std::min(top + kStripRows, part.bottom)};
-        const PixelRows rows = whole->Rows();
-        const SightPart sight{wish.sight.shown, strip};
-        if (!MakeStrip(*wish.pixels, sight, {rows.Row(top - part.top), rows.stride}))
-            return nullptr;
-    }
-    return whole;
 }
 
 }  // namespace tessary

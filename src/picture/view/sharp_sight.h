@@ -12,6 +12,11 @@
 
 namespace tessary {
 
+// What the kernel makes of a part, in strips; null when it cannot, or `isWanted` answers false
+// between two of them. Throws std::bad_alloc.
+std::shared_ptr<const SharpPart> MakeSharpPart(const SightPixels& pixels, const SightPart& sight,
+                                               const std::function<bool()>& isWanted);
+
 class SharpSight {
   public:
     using Pixels = std::shared_ptr<const SightPixels>;
@@ -38,8 +43,6 @@ class SharpSight {
     };
 
     void Run(const std::stop_token& ends);
-    // Null when nobody wants it any more, or it cannot be made.
-    std::shared_ptr<const SharpPart> Make(const Wish& wish, const std::stop_token& ends);
     bool IsWanted(const Wish& wish);
 
     std::function<void()> ready_;

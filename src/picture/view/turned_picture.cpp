@@ -139,4 +139,16 @@ Picture TurnedPicture(const Picture& picture, Turn turn) {
     return turned;
 }
 
+Picture TurnedPicture(const Picture& picture, uint16_t orientation) {
+    if (orientation == exif::kUpright) return picture.Another();
+    for (const Turn turn : {Turn::kRight, Turn::kHalf, Turn::kLeft, Turn::kMirror, Turn::kFlip}) {
+        if (OrientationOf(turn) == orientation) return TurnedPicture(picture, turn);
+    }
+    // The two that are left take two steps.
+    const bool isRight =
+        exif::Composed(exif::kMirrored, OrientationOf(Turn::kRight)) == orientation;
+    const Picture mirrored = TurnedPicture(picture, Turn::kMirror);
+    return mirrored ? TurnedPicture(mirrored, isRight ? Turn::kRight : Turn::kLeft) : Picture();
+}
+
 }  // namespace tessary

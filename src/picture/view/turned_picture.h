@@ -37,4 +37,7 @@ constexpr uint16_t OrientationOf(Turn turn) {
 // the picture has it so. Empty without memory.
 Picture TurnedPicture(const Picture& picture, Turn turn);
 
+// The same in an orientation as EXIF counts them.
+Picture TurnedPicture(const Picture& picture, uint16_t orientation);
+
 }  // namespace tessary
