@@ -68,6 +68,12 @@
 #define commandBackdrop_2 1273
 #define commandBackdrop_3 1274
 #define commandBackdrop 1275  // the next one
+#define menuFrames 1280
+#define commandPauseFrames 1281
+#define commandNextFrame 1282
+#define commandFormerFrame 1283
+#define commandFirstFrame 1284
+#define commandPlayAnimations 1285
 
 #define commandTurnFile 1276  // the file as it is seen
 
@@ -264,6 +270,7 @@
 #define checkKeepZoom 3311
 #define checkSizeButton 3312
 #define combDoubleClick 3313
+#define checkPlayAnimation 3314
 
 // One of each for every row of the page of formats; further ones follow.
 #define cmdFileFormatEnv_0 3400

@@ -19,6 +19,7 @@
 #include "host/host_program.h"
 #include "picture/ahead/ahead_rules.h"
 #include "picture/ahead/pictures_ahead.h"
+#include "picture/frames/plugin_frames.h"
 #include "picture/read/source_file.h"
 #include "plugin/host_state.h"
 #include "plugin/modSusie.h"
@@ -127,7 +128,8 @@ int Main() {
                             TerminateApplication();
                             RequestQuit(0);
                         },
-                    .showCommand = ShowCommand()});
+                    .showCommand = ShowCommand(),
+                    .frameReaders = PluginFrameReaders(Host().furtherConnector)});
     frmControl controlBar(window);
     window.SetControlBar(controlBar);
     OpenCommands openCommands(window, controlBar);

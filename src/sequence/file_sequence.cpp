@@ -22,8 +22,18 @@ void FileSequence::SetMembers(std::span<const ListedMember> members) {
         members_.Add(member);
 }
 
+void FileSequence::EnterPages(const std::wstring& path, uint32_t count) {
+    members_.Clear();
+    members_.Expect(count);
+    for (uint32_t page = 1; page <= count; ++page)
+        members_.Add({std::to_wstring(page) + L" ページ", static_cast<int32_t>(page)});
+    archive_ = path;
+    hasPages_ = true;
+}
+
 void FileSequence::LeaveArchive() {
     archive_.clear();
+    hasPages_ = false;
     members_.Clear();
 }
 

@@ -64,9 +64,12 @@ class FileSequence {
     void SetMembers(std::span<const ListedMember> members);
     // From now on the members are the selected file's, and steps go through them.
     void EnterArchive(const std::wstring& path) { archive_ = path; }
+    // The same for a file with so many pages, which are listed in place of members.
+    void EnterPages(const std::wstring& path, uint32_t count);
+    bool HasPages() const { return hasPages_; }
     // No archive is being viewed; there are no members.
     void LeaveArchive();
-    // The full path of the archive that is being viewed; empty: none.
+    // The full path of the archive that is being viewed, or of the file with pages; empty: none.
     const std::wstring& Archive() const { return archive_; }
     bool IsInArchive() const { return !archive_.empty(); }
 
@@ -95,6 +98,7 @@ class FileSequence {
     MemberEntries members_;
     DeletionMarks marks_;
     std::wstring archive_;
+    bool hasPages_ = false;
 };
 
 }  // namespace tessary

@@ -63,6 +63,7 @@ struct GeneralSettings {
     int16_t doubleClick = kDoubleClickZooms;
     int16_t sizeButton = kSizeButtonAll;
     int16_t backdrop = kBackdropSquares;
+    int16_t playAnimation = 1;  // 1: animations play as soon as they are shown
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 

@@ -63,7 +63,7 @@ class Attempt {
         const SourceFile file = LookAtFile(task_.entry.path);
         if (file.kind == kFileArchive) return source_.opensArchives && ReadFirstPage(picture);
         if (!IsPictureKind(file.kind)) return false;
-        picture.read = ReadPicture(file, Watch());
+        picture.read = ReadPage(file, task_.entry.page, Watch());
         // Who took it and then failed has something to tell.
         return EqualsIgnoreCase(picture.read.plugin, file.plugin);
     }

@@ -17,8 +17,8 @@ ReadResult Stopped() {
 
 enum class Archives { kEndTheSearch, kMakeRoom };
 
-// Has one plug-in after the other decode it until one can.
-ReadResult Decode(Search search, Archives archives, const ReadWatch& watch) {
+// Has one plug-in after the other decode it, or a page of it, until one can.
+ReadResult Decode(Search search, Archives archives, const ReadWatch& watch, uint32_t page = 0) {
     ReadResult result;
     while (clsSusie* const plugin = search.Next()) {
         if (plugin->DllStyle() == kStyleArchive) {
@@ -28,9 +28,14 @@ ReadResult Decode(Search search, Archives archives, const ReadWatch& watch) {
         }
         Picture picture;
         auto failure = FailureIn(*plugin, [&] {
-            plugin->DecodePicture(DecodeTarget::kMemory,
-                                  watch.takesOwnColors ? kDecodeInOwnColors : 0, watch.progress, {},
-                                  &picture);
+            uint32_t duration = 0;
+            if (page != 0) {
+                picture = plugin->DecodeFrame(page, watch.progress, duration);
+            } else {
+                plugin->DecodePicture(DecodeTarget::kMemory,
+                                      watch.takesOwnColors ? kDecodeInOwnColors : 0,
+                                      watch.progress, {}, &picture);
+            }
         });
         if (IsStopped(watch)) return Stopped();
         if (!failure) {
@@ -49,9 +54,9 @@ ReadResult Decode(Search search, Archives archives, const ReadWatch& watch) {
     return result;
 }
 
-ReadResult DecodeFile(const std::wstring& path, const ReadWatch& watch) {
+ReadResult DecodeFile(const std::wstring& path, const ReadWatch& watch, uint32_t page) {
     CollectionSusie& plugins = SusieCollection();
-    ReadResult result = Decode(plugins.SearchFor(path), Archives::kEndTheSearch, watch);
+    ReadResult result = Decode(plugins.SearchFor(path), Archives::kEndTheSearch, watch, page);
     if (result.kind != kFileArchive) plugins.UnloadFile();
     return result;
 }
@@ -83,8 +88,12 @@ ReadResult BitmapOr(Picture picture, std::wstring damage, const ReadWatch& watch
 }  // namespace
 
 ReadResult ReadPicture(const SourceFile& file, const ReadWatch& watch) {
-    const auto decode = [&] { return DecodeFile(file.path, watch); };
-    if (file.kind != kFileBitmap) return decode();
+    return ReadPage(file, 0, watch);
+}
+
+ReadResult ReadPage(const SourceFile& file, uint32_t page, const ReadWatch& watch) {
+    const auto decode = [&] { return DecodeFile(file.path, watch, page); };
+    if (file.kind != kFileBitmap || page != 0) return decode();
     Picture picture;
     std::wstring damage;
     ReadBitmapFile(file.path, picture, watch.progress, &damage);

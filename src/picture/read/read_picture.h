@@ -48,6 +48,9 @@ struct ReadResult {
 // archive the plug-in that took it does.
 ReadResult ReadPicture(const SourceFile& file, const ReadWatch& watch);
 
+// The same for one of the pages of its frames, from 0. The first one is the picture itself.
+ReadResult ReadPage(const SourceFile& file, uint32_t page, const ReadWatch& watch);
+
 // The same for a block. `name` tells where it comes from. An archive plug-in that takes it has read
 // nothing of it: picture plug-ins may still know better.
 ReadResult ReadPicture(HLOCAL block, const std::wstring& name, const ReadWatch& watch);

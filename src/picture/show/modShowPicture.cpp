@@ -62,7 +62,10 @@ std::wstring WithoutFolder(std::wstring text, const std::wstring& path) {
 ShownFile Show(ReadToShow result, const std::wstring& path, PictureView& view) {
     if (IsPictureKind(result.file.kind)) {
         SetCurrentPicture(std::move(result.picture), result.file.damage);
-        if (CurrentPicture() && DisplayCurrentPicture(view, result.prepared)) return result.file;
+        if (CurrentPicture() && DisplayCurrentPicture(view, result.prepared)) {
+            if (result.animation.count > 0) view.SetAnimation(std::move(result.animation));
+            return result.file;
+        }
         result.file = {.failure = FailureText(result.subject, kDrawingFailedText)};
     }
     ShowReasonFor(view, WithoutFolder(ReasonOf(result), path));
@@ -78,6 +81,10 @@ ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& memb
         result.file.failure = FailureText(result.subject, kEmptyArchiveText);
     }
     return Show(std::move(result), path, view);
+}
+
+ShownFile ShowPage(const std::wstring& path, uint32_t page, PictureView& view) {
+    return Show(ReadPageToShow(path, page, view), path, view);
 }
 
 ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {

@@ -18,6 +18,9 @@ namespace tessary {
 // before stays until the read has ended, and that of an archive until a member is shown.
 ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members);
 
+// The same for one of the pages that ShowFile has told of, from 0.
+ShownFile ShowPage(const std::wstring& path, uint32_t page, PictureView& view);
+
 // The same for a member of an archive, by its `position` of the list that ShowFile filled: it is
 // extracted to memory. An archive in an archive is only recognised; the view tells so.
 ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view);

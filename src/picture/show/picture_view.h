@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "picture/frames/animation.h"
 #include "picture/picture.h"
 #include "picture/view/sight.h"
 #include "plugin/waited_call.h"
@@ -24,6 +25,9 @@ class PictureView {
     // Puts a picture, which is not empty, into the view in place of the one before it, in the size
     // that the user has chosen. `prepared`: the picture in that size, if it was made already.
     virtual void SetPicture(Picture picture, const Picture& prepared) = 0;
+
+    // Told behind SetPicture: that is of an animation, which the view may play.
+    virtual void SetAnimation(Animation /*animation*/) {}
 
     // Empties the view.
     virtual void ClearPicture() = 0;

@@ -1,5 +1,7 @@
 #include "picture/show/read_to_show.h"
 
+#include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "app/base/paths.h"
@@ -12,6 +14,9 @@
 
 namespace tessary {
 namespace {
+
+// As many as a list of files has.
+constexpr uint32_t kMostPages = 32000;
 
 constexpr wchar_t kBrokenBitmapText[] =
     L"ビットマップファイルが壊れているか、対応していない形式です。";
@@ -52,8 +57,33 @@ ReadToShow Stopped() {
     return {{.stopped = true}, {}};
 }
 
+// What was read, and when: the file as it was then, if it can be known again.
+struct Origin {
+    AheadEntry entry{};
+    std::optional<FileStamp> stamp{};
+};
+
+// What there is beside the picture. Pages of a member cannot be listed beside the members.
+void TellFrames(const Origin& origin, const ReadResult& read, ReadToShow& result) {
+    const PictureFrames& frames = read.frames;
+    if (!origin.stamp) return;
+    if (frames.kind == FrameKind::kPages && origin.entry.member == 0) {
+        result.file.pages = std::min(frames.count, kMostPages);
+    }
+    if (frames.kind != FrameKind::kAnimation) return;
+    result.animation = {
+        .entry = origin.entry,
+        .stamp = *origin.stamp,
+        .plugin = read.plugin,
+        .size = {result.picture.Width(), result.picture.Height()},
+        .count = frames.count,
+        .rounds = frames.rounds,
+        .plugins = std::make_shared<const KnownPlugins>(KnownOf(SusieCollection()))};
+}
+
 // `reason`: why there is no picture, where that is known better.
-ReadToShow Told(ReadResult read, const std::wstring& subject, std::wstring reason = {}) {
+ReadToShow Told(const Origin& origin, ReadResult read, const std::wstring& subject,
+                std::wstring reason = {}) {
     if (read.isStopped) return Stopped();
     if (read.kind == kFileUnknown) {
         if (reason.empty()) reason = ReasonOf(read);
@@ -61,20 +91,23 @@ ReadToShow Told(ReadResult read, const std::wstring& subject, std::wstring reaso
     }
     const std::wstring plugin =
         read.plugin.empty() ? std::wstring() : SusieCollection().NameOf(read.plugin);
-    return {{.kind = read.kind, .pluginName = plugin, .damage = std::move(read.damage)},
-            std::move(read.picture)};
+    ReadToShow result{{.kind = read.kind, .pluginName = plugin, .damage = std::move(read.damage)},
+                      std::move(read.picture)};
+    TellFrames(origin, read, result);
+    return result;
 }
 
 ReadToShow Told(AheadPicture ready, const std::wstring& subject) {
-    ReadToShow result = Told(std::move(ready.read), subject);
+    ReadToShow result = Told(Origin{ready.entry, ready.stamp}, std::move(ready.read), subject);
     result.prepared = std::move(ready.prepared);
     return result;
 }
 
 // For the way back to what is shown now.
-void Keep(const AheadEntry& entry, const std::optional<FileStamp>& stamp, const ReadResult& read) {
-    if (!stamp || !IsPictureKind(read.kind) || read.isStopped) return;
-    Ahead().Keep(AheadPicture{.entry = entry, .stamp = *stamp, .read = AnotherOf(read)});
+void Keep(const Origin& origin, const ReadResult& read) {
+    if (!origin.stamp || !IsPictureKind(read.kind) || read.isStopped) return;
+    Ahead().Keep(
+        AheadPicture{.entry = origin.entry, .stamp = *origin.stamp, .read = AnotherOf(read)});
 }
 
 // Passes on to the view how far a read is, and remembers that the view has asked it to stop: some
@@ -127,24 +160,25 @@ bool IsEmptyFile(const std::wstring& path) {
 }
 
 // Plug-ins may define what an empty file is. When none makes a picture of it, that is the reason.
-ReadToShow ReadFileAt(const std::wstring& path, ViewWatch& watch) {
-    const AheadEntry entry{path};
-    if (auto ready = Ahead().Take(entry)) {
+ReadToShow ReadFileAt(const std::wstring& path, uint32_t page, ViewWatch& watch) {
+    Origin origin{{.path = path, .page = page}};
+    if (auto ready = Ahead().Take(origin.entry)) {
         return Told(*std::move(ready), SubjectOf(path));
     }
     if (watch.IsStopped()) return Stopped();
-    const std::optional<FileStamp> stamp = ExactStampOf(path);
+    origin.stamp = ExactStampOf(path);
     const SourceFile file = LookAtFile(path);
     if (!file.trouble.empty()) return Failed(file.trouble);
     // Nobody is asked twice who has refused it.
     ReadResult read = file.kind == kFileUnknown ? ReadResult{.refusal = file.refusal}
-                                                : ReadPicture(file, watch.Functions());
-    Keep(entry, stamp, read);
+                                                : ReadPage(file, page, watch.Functions());
+    Keep(origin, read);
     const bool isEmpty = read.kind == kFileUnknown && IsEmptyFile(path);
-    return Told(std::move(read), SubjectOf(path), isEmpty ? kEmptyFileText : L"");
+    return Told(origin, std::move(read), SubjectOf(path), isEmpty ? kEmptyFileText : L"");
 }
 
-ReadToShow FetchAndRead(const std::wstring& path, PictureView& view, ViewWatch& watch) {
+ReadToShow FetchAndRead(const std::wstring& path, uint32_t page, PictureView& view,
+                        ViewWatch& watch) {
     std::wstring failure;
     switch (FetchToShow(path, view, failure)) {
         case FetchEnd::kPassedBy:
@@ -156,7 +190,7 @@ ReadToShow FetchAndRead(const std::wstring& path, PictureView& view, ViewWatch& 
         case FetchEnd::kIsHere:
             break;
     }
-    return ReadFileAt(path, watch);
+    return ReadFileAt(path, page, watch);
 }
 
 // `subject` receives how messages name the member.
@@ -204,8 +238,12 @@ std::wstring FailureText(const std::wstring& subject, const std::wstring& reason
 }
 
 ReadToShow ReadFileToShow(const std::wstring& path, PictureView& view) {
+    return ReadPageToShow(path, 0, view);
+}
+
+ReadToShow ReadPageToShow(const std::wstring& path, uint32_t page, PictureView& view) {
     ViewWatch watch(view);
-    ReadToShow result = FetchAndRead(path, view, watch);
+    ReadToShow result = FetchAndRead(path, page, view, watch);
     if (watch.IsStopped()) {
         SusieCollection().UnloadFile();
         result = Stopped();
@@ -228,7 +266,7 @@ ReadToShow ReadMemberToShow(const std::wstring& archivePath, int32_t position, P
 ReadToShow ReadBlockToShow(HLOCAL block, const std::wstring& name, PictureView& view) {
     if (PluginCallUnderWay()) return {};
     ViewWatch watch(view);
-    ReadToShow result = Told(ReadPicture(block, name, watch.Functions()), name);
+    ReadToShow result = Told({}, ReadPicture(block, name, watch.Functions()), name);
     return watch.IsStopped() ? Stopped() : std::move(result);
 }
 

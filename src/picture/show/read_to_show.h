@@ -18,11 +18,15 @@ struct ReadToShow {
     ShownFile file;
     Picture picture;
     Picture prepared{};      // what the view is to show of it, when that was made ahead
+    Animation animation{};   // that the picture is of; of no frames: none
     std::wstring subject{};  // how messages name it
 };
 
 // Reads a file as ReadPicture (picture/read/read_picture.h) does.
 ReadToShow ReadFileToShow(const std::wstring& path, PictureView& view);
+
+// The same for a page of a file that was shown (ShownFile::pages), from 0.
+ReadToShow ReadPageToShow(const std::wstring& path, uint32_t page, PictureView& view);
 
 // The same for an archive's member, given by its place in the plug-in's list (from 1).
 ReadToShow ReadMemberToShow(const std::wstring& archivePath, int32_t position, PictureView& view);

@@ -1,6 +1,7 @@
 // What a file turns out to be when it is shown.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "picture/read/file_kind.h"
@@ -18,6 +19,8 @@ struct ShownFile {
     // Why it could not be shown, for a message box; empty when it was shown, when nobody claims it,
     // and when the read was asked to stop.
     std::wstring failure = {};
+    // How many pages the file has, of which the first is shown; 0: it has none.
+    uint32_t pages = 0;
     // The read was asked to stop. The kind is unknown then.
     bool stopped = false;
     // The file lies elsewhere and was not fetched, for nobody waits for it. So is the kind.

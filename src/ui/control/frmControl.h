@@ -32,6 +32,9 @@
 
 namespace tessary {
 
+// What is read of a member, or a page, that is listed.
+AheadEntry EntryOfMember(const FileSequence& sequence, int index);
+
 class frmControl final : public Form, public ControlBar, public MemberList, private DeleteListHost {
   public:
     // The main window shows the pictures, owns the loaded bar and must outlive it.
@@ -124,6 +127,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void listArchiveFile_Click();
     void ShowListedFile(const std::wstring& path);
     void ShowListedMember();
+    void EnterPages(const std::wstring& path, uint32_t count);
     void ShowNoArchive();
     void ShowVanished(const std::wstring& path);
     void ShowEmptyList();

@@ -31,7 +31,7 @@ class Walk {
         if (member_ >= 0) {
             member_ += step_;
             if (member_ >= 0 && member_ < sequence_.Members().Count()) {
-                return AheadEntry{sequence_.Archive(), sequence_.Members().At(member_).position};
+                return EntryOfMember(sequence_, member_);
             }
             member_ = -1;
         }
@@ -60,6 +60,12 @@ void Append(Walk walk, int count, std::vector<AheadEntry>& entries) {
 }
 
 }  // namespace
+
+AheadEntry EntryOfMember(const FileSequence& sequence, int index) {
+    const int32_t position = sequence.Members().At(index).position;
+    if (!sequence.HasPages()) return {sequence.Archive(), position};
+    return {.path = sequence.Archive(), .page = static_cast<uint32_t>(position) - 1};
+}
 
 // Else what is read ahead would only be in the way of what is read now.
 bool frmControl::IsInMotion() const {

@@ -73,6 +73,7 @@ void frmControl::WhileDeleting(const std::function<void(const DeletionNews&)>& d
     frmProgress shown(Handle(), L"ファイルの削除");
     SusieCollection().UnloadFile();  // plug-ins keep archives open
     Ahead().Rest();
+    window_.Frames().Rest();
     deletion([&](const std::wstring& path, int32_t done, int32_t total) {
         shown.Tell(path, done, total);
         return window_.Breathe() && !shown.IsStopped();

@@ -263,14 +263,26 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         if (shown.kind == kFileArchive && !sequence_.Members().IsEmpty()) {
             sequence_.EnterArchive(path);
         }
+        if (shown.pages > 0) EnterPages(path, shown.pages);
     }
-    if (shown.kind != kFileArchive) {
+    if (shown.pages > 0) {
+        // The first one is there.
+    } else if (shown.kind != kFileArchive) {
         ShowNoArchive();
     } else if (sequence_.IsInArchive() && !CurrentActivity().quitRequested) {
         return sequence_.Members().Select(0);
     }
     window_.pictureView().Refresh();
     PlanAhead({path});
+}
+
+void frmControl::EnterPages(const std::wstring& path, uint32_t count) {
+    std::optional<RedrawHold> hold(std::in_place, listArchiveFile_);
+    listArchiveFile_.SetDimmed(false);
+    sequence_.EnterPages(path, count);
+    sequence_.Members().SetCursor(0);
+    hold.reset();
+    if (burst_ == nullptr) ShowFoldedOrNot();  // the bar may have been folded meanwhile
 }
 
 void frmControl::listArchiveFile_Click() {
@@ -292,27 +304,32 @@ void frmControl::ShowListedMember() {
     const std::wstring archive = sequence_.Archive();
     const std::wstring archiveName = FileNameOf(archive);
     const ListedMember& selected = sequence_.Members().At(sequence_.Members().Cursor());
-    const int32_t position = selected.position;
     const std::wstring member = FileNameOf(selected.name);
-    const std::wstring place = KindTag(kFileArchive) + archiveName + L" - ";
+    const bool isPage = sequence_.HasPages();
+    const std::wstring place = KindTag(isPage ? kFilePicture : kFileArchive) + archiveName + L" - ";
+    const AheadEntry entry = EntryOfMember(sequence_, sequence_.Members().Cursor());
     ShownFile shown;
     {
         const Busy busy(*this, kReading);
         texts_.TellLoading(place + kTagLoading + member);
-        if (IsInMotion()) PlanAhead({archive, position});
-        shown = Show(member, [&] { return ShowArchiveMember(archive, position, window_); });
+        if (IsInMotion()) PlanAhead(entry);
+        shown = Show(member, [&] {
+            return isPage ? ShowPage(archive, entry.page, window_)
+                          : ShowArchiveMember(archive, entry.member, window_);
+        });
         texts_.EndLoading();
         window_.pictureView().Refresh();
     }
     if (IsPictureKind(shown.kind)) {
         const std::wstring tail = PictureInfoTail();
-        window_.SetPictureSource({member, shown.pluginName, archive});
-        texts_.TellInfo(place + TagOf(shown) + member + tail);
-        texts_.TellShown(kTagShown + archiveName + L" - " + member + archiveName + tail);
+        window_.SetPictureSource({isPage ? archiveName : member, shown.pluginName, archive});
+        texts_.TellInfo(place + (isPage ? L"" : TagOf(shown)) + member + tail);
+        texts_.TellShown(kTagShown + archiveName + L" - " + member + (isPage ? L"" : archiveName) +
+                         tail);
     } else {
         texts_.TellNotShown(place + TagOf(shown) + member);
     }
-    PlanAhead({archive, position});
+    PlanAhead(entry);
 }
 
 // No message box may stop a show.

@@ -21,6 +21,7 @@ bool IsOfPlayerGroup(BarButton button) {
         case BarButton::kDisplaySize:
         case BarButton::kFold:
         case BarButton::kCancelDelete:
+        case BarButton::kPauseFrames:
             return false;
         default:
             return true;
@@ -63,6 +64,9 @@ void frmControl::CoolBar_ButtonClick(BarButton button) {
             return SetRollUp(!IsRollUp());
         case BarButton::kCancelDelete:
             return deleteList_.PutAllBack();
+        case BarButton::kPauseFrames:
+            window_.Commands().Run(commandPauseFrames);
+            return;
     }
 }
 
@@ -190,12 +194,17 @@ bool frmControl::IsUsable(BarButton button) const {
             return !place_.IsPanelOpen();
         case BarButton::kCancelDelete:
             return place_.IsPanelOpen();
+        case BarButton::kPauseFrames:
+            return window_.Frames().IsThere();
         default:
             return true;
     }
 }
 
 void frmControl::UpdateToolbar() {
+    const bool stands = window_.Frames().IsThere() && window_.Frames().IsPaused();
+    SetImage(BarButton::kPauseFrames,
+             stands ? ToolbarImage::kPlayFrames : ToolbarImage::kPauseFrames);
     for (const ToolbarItem& item : ControlBarItems()) {
         if (item.kind == ToolbarItem::Kind::kSeparator) continue;
         const auto button = static_cast<BarButton>(item.index);

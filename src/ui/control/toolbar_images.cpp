@@ -79,6 +79,15 @@ class Artist {
             case ToolbarImage::kWidthSize:
                 WidthSize();
                 break;
+            case ToolbarImage::kPauseFrames:
+                Film();
+                canvas_.FillRectangle({6, 5}, {7, 11}, colors_.blue);
+                canvas_.FillRectangle({9, 5}, {10, 11}, colors_.blue);
+                break;
+            case ToolbarImage::kPlayFrames:
+                Film();
+                canvas_.FillPolygon({{6, 5}, {11, 8}, {6, 11}}, colors_.blue);
+                break;
             case ToolbarImage::kOpen:
                 Folder();
                 break;
@@ -164,6 +173,16 @@ class Artist {
         canvas_.FillRectangle({1, 5}, {2, 14}, colors_.ink);
         canvas_.FillRectangle({14, 5}, {15, 14}, colors_.ink);
         canvas_.FillRectangle({3, 6}, {13, 15}, colors_.blue);
+    }
+
+    // A frame with the holes that it is moved by.
+    void Film() {
+        canvas_.FillRectangle({1, 1}, {15, 15}, colors_.ink);
+        canvas_.FillRectangle({2, 4}, {14, 12}, kHole);
+        for (const double hole : {2.0, 5.0, 8.0, 11.0}) {
+            canvas_.FillRectangle({hole + 0.5, 2}, {hole + 2, 3}, kHole);
+            canvas_.FillRectangle({hole + 0.5, 13}, {hole + 2, 14}, kHole);
+        }
     }
 
     void Folder() {

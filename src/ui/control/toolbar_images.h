@@ -27,8 +27,10 @@ enum class ToolbarImage {
     kUnfold,  // the bar is folded
     kWindowSize,
     kWidthSize,
+    kPauseFrames,
+    kPlayFrames,
 };
-constexpr int kToolbarImageCount = static_cast<int>(ToolbarImage::kWidthSize);
+constexpr int kToolbarImageCount = static_cast<int>(ToolbarImage::kPlayFrames);
 
 // The image of a display size mode, 0 to 6.
 constexpr ToolbarImage SizeModeImage(int mode) {

@@ -36,6 +36,8 @@ std::span<const ToolbarItem> ControlBarItems() {
         Item(14, kButton, kAddToDeleteList, L"削除リストに追加", L"Delete"),
         Item(15, kButton, kFold, L"折りたたむ / 広げる", L"F"),
         Item(16, kButton, kCancelDelete, L"削除の取り消し", L"Esc"),
+        Separator(17),
+        Item(18, kButton, kPauseFrames, L"アニメーションの一時停止 / 再生", L"P"),
     };
     return items;
 }

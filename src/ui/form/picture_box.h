@@ -79,8 +79,9 @@ class PictureBox : public Window {
     // From any thread: has `nudged` raised on the control's own.
     void Nudge() const { PostMessageW(Handle(), kNudgeMessage, 0, 0); }
 
-    // All of it is out of date.
+    // All of it is out of date, or a part.
     void Invalidate() const { InvalidateRect(Handle(), nullptr, FALSE); }
+    void Invalidate(const RECT& part) const { InvalidateRect(Handle(), &part, FALSE); }
     // Paints what is out of date now, not when the message loop comes to it.
     void Refresh() const { UpdateWindow(Handle()); }
 

@@ -26,6 +26,7 @@ enum class BarButton {
     kDeleteList = 14,
     kFold = 15,
     kCancelDelete = 16,
+    kPauseFrames = 18,
 };
 
 // Where the keyboard comes to in the control bar: where it was last, or at an end of its parts.

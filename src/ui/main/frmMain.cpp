@@ -35,6 +35,17 @@ constexpr BarButton kControlButtons[] = {BarButton::kRewind,      BarButton::kRe
 frmMain::frmMain(MainWindowServices services)
     : Form(kDesign),
       services_(std::move(services)),
+      frames_(services_.frameReaders, [this] { pictureView_.Nudge(); },
+              {.maySeeIt = [this] { return MaySeeFrames(); },
+               .show = [this](PlayedFrame frame,
+                              bool isInMotion) { ShowFrame(std::move(frame), isInMotion); },
+               .stoppedMoving = [this] { stage_.Sharpen(); },
+               .told = [this] { ShowScale(); },
+               .changed =
+                   [this] {
+                       ShowScale();
+                       if (pictureShownChanged_) pictureShownChanged_();
+                   }}),
       accelerators_(
           acceleratorsMainWindow, [this] { return Handle(); },
           [this](const MSG& key) {
@@ -78,6 +89,7 @@ void frmMain::RegisterCommands() {
     RegisterStepCommands();
     RegisterViewCommands();
     RegisterBackdropCommands();
+    RegisterFrameCommands();
     RegisterFullScreenCommands();
 }
 
@@ -264,6 +276,7 @@ void frmMain::Form_Unload() {
     restingPointer_.Stop();
     fullScreen_ = {};
     ClearPicture();
+    frames_.End();
     windowDrop_.Revoke();
     viewDrop_.Revoke();
     hook_.Restore();

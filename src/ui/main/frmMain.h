@@ -23,6 +23,7 @@
 #include "ui/form/status_bar.h"
 #include "ui/main/command_table.h"
 #include "ui/main/control_bar.h"
+#include "ui/main/frame_show.h"
 #include "ui/main/full_screen.h"
 #include "ui/main/modWindowProc.h"
 #include "ui/main/picture_popup.h"
@@ -38,6 +39,7 @@ struct MainWindowServices {
     std::function<int()> pluginCount;       // of the plug-ins loaded now
     std::function<void()> endProgram;  // saves settings, frees plug-ins; the window is gone by then
     int showCommand = SW_SHOWNORMAL;   // how a shortcut wants it shown (SW_…)
+    FrameReaderMaker frameReaders{};   // for animations; empty: none is played
 };
 
 class frmMain final : public Form, public PictureView {
@@ -72,7 +74,7 @@ class frmMain final : public Form, public PictureView {
     // What is seen was written to this file: shows it once more, in its place.
     void ShowAnew(const std::wstring& path);
 
-    // Whether a picture is shown. The handler is told when that changes.
+    // Whether a picture is shown. The handler is told when that changes, or Frames().
     bool PictureShown() const { return stage_.HasPicture(); }
     void OnPictureShownChanged(std::function<void()> handler) {
         pictureShownChanged_ = std::move(handler);
@@ -166,6 +168,8 @@ class frmMain final : public Form, public PictureView {
     const PictureBox& pictureView() const { return pictureView_; }
     // What is seen of the picture.
     const PictureStage& Stage() const { return stage_; }
+    // The animation that it is of.
+    FrameShow& Frames() { return frames_; }
 
     // The user has chosen another display size mode: what is shown takes it at once.
     void FollowSizeMode();
@@ -174,6 +178,7 @@ class frmMain final : public Form, public PictureView {
     // PictureView
     SightRoom Room() const override;
     void SetPicture(Picture picture, const Picture& prepared) override;
+    void SetAnimation(Animation animation) override { frames_.Set(std::move(animation)); }
     void ClearPicture() override;
     void ShowReason(const std::wstring& reason) override;
     void SetPanelText(int panel, const std::wstring& text) override;
@@ -255,6 +260,9 @@ class frmMain final : public Form, public PictureView {
     void RoomChanged();
     void TurnPicture(Turn turn);
     void RegisterBackdropCommands();
+    void RegisterFrameCommands();
+    bool MaySeeFrames() const;
+    void ShowFrame(PlayedFrame frame, bool isInMotion);
     void SetBackdrop(int16_t backdrop);
     void ShowScale();
     void pictureView_Wheel(int notches, int shift, POINT at);
@@ -271,6 +279,7 @@ class frmMain final : public Form, public PictureView {
     CommandTable commands_{acceleratorsMainWindow, acceleratorsClipboard};
     PictureBox pictureView_;
     PictureStage stage_{pictureView_};
+    FrameShow frames_;
     StatusBar statusInformation_;
     SilenceBar silence_;
     FullScreen fullScreen_;

@@ -55,6 +55,7 @@ frmMain::Reading::Reading(frmMain& window, const wchar_t* what)
       escape_([this](const MSG& message) { return TakesEscape(message); }),
       calls_([&window](const WaitedCall& call) { return window.AwaitsCall(call); }) {
     ReadState& state = window_.reading_;
+    window_.frames_.Hold();
     if (state.depth++ == 0) {
         state.what = what;
         state.start = GetTickCount();

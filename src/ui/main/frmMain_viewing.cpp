@@ -32,10 +32,15 @@ void frmMain::CreatePictureView() {
              },
          .scroll = [this](int bar, int code, int place) { stage_.Scroll(bar, code, place); },
          .sized = [this] { RoomChanged(); },
-         .nudged = [this] { stage_.ShowSharp(); },
+         .nudged =
+             [this] {
+                 stage_.ShowSharp();
+                 frames_.ShowDue();
+             },
          .paint = [this](HDC screen, const RECT& area) { return stage_.Paint(screen, area); },
          .contextMenu = [this](POINT onScreen) { pictureView_ContextMenu(onScreen); },
          .pointer = [this] { return pictureView_Pointer(); }});
+    stage_.OnSeen([this] { frames_.Seen(stage_.SharpWish()); });
 }
 
 void frmMain::RegisterViewCommands() {
@@ -102,6 +107,44 @@ void frmMain::TurnPicture(Turn turn) {
     SetCurrentPicture(std::move(turned), std::wstring(CurrentPictureDamage()));
     PutIntoView(CurrentPicture().Another(), {});
     orientation_ = exif::Composed(orientation_, OrientationOf(turn));
+    frames_.Turned(orientation_);
+}
+
+void frmMain::RegisterFrameCommands() {
+    const auto add = [this](int command, std::function<void()> run) {
+        commands_.Register(
+            command, {.run = std::move(run), .enabled = [this] { return frames_.IsThere(); }});
+    };
+    add(commandNextFrame, [this] { frames_.Step(1); });
+    add(commandFormerFrame, [this] { frames_.Step(-1); });
+    add(commandFirstFrame, [this] { frames_.GoToFirst(); });
+    commands_.Register(commandPauseFrames,
+                       {.run = [this] { frames_.TogglePause(); },
+                        .enabled = [this] { return frames_.IsThere(); },
+                        .checked = [this] { return frames_.IsThere() && frames_.IsPaused(); }});
+    commands_.Register(commandPlayAnimations,
+                       {.run =
+                            [this] {
+                                int16_t& plays = Values().general.playAnimation;
+                                plays = plays == 0 ? 1 : 0;
+                                if (frames_.IsPaused() == (plays != 0)) frames_.TogglePause();
+                            },
+                        .checked = [] { return Values().general.playAnimation != 0; },
+                        .whileLoading = true});
+}
+
+// A dialog is about the frame that is seen, and what is read is about to take its place.
+bool frmMain::MaySeeFrames() const {
+    return IsWindowVisible(Handle()) && !IsIconic(Handle()) && IsWindowEnabled(Handle()) &&
+           !IsReadUnderWay();
+}
+
+// It is the picture that is saved and copied. What is seen for long enough becomes sharp later.
+void frmMain::ShowFrame(PlayedFrame frame, bool isInMotion) {
+    constexpr std::chrono::milliseconds kLong{200};
+    SetCurrentPicture(std::move(frame.picture), std::wstring(CurrentPictureDamage()));
+    stage_.ShowFrame(std::move(frame.pixels), std::move(frame.sharp));
+    if (!isInMotion || frame.shown >= kLong) stage_.Sharpen();
 }
 
 void frmMain::pictureView_Wheel(int notches, int shift, POINT at) {
@@ -210,8 +253,9 @@ void frmMain::FollowSizeMode() {
 
 void frmMain::ShowScale() {
     const long percent = std::lround(stage_.Seen().Scale() * 100);
-    const std::wstring text =
+    std::wstring text =
         PictureShown() ? std::to_wstring(std::max(percent, 1L)) + L" %" : std::wstring();
+    if (frames_.IsThere()) text += L"   " + frames_.Text();
     if (statusInformation_.PanelText(kScalePanel) != text) SetPanelText(kScalePanel, text);
 }
 
@@ -219,6 +263,7 @@ void frmMain::SetPicture(Picture picture, const Picture& prepared) {
     stage_.FollowRule(ChosenFitRule());
     stage_.KeepZoom(Values().general.keepZoom != 0 || keptPlace_);
     stage_.SetBackdrop(Values().general.backdrop);
+    frames_.Set({});
     PutIntoView(std::move(picture), prepared);
     orientation_ = exif::kUpright;
     if (keptPlace_) stage_.MoveTo(*keptPlace_);
@@ -237,6 +282,7 @@ void frmMain::ClearPicture() {
     source_ = {};
     sourceStamp_.reset();
     orientation_ = exif::kUpright;
+    frames_.Set({});
     PutIntoView({}, {});
 }
 

@@ -67,7 +67,8 @@ void PictureStage::Show(Change change) {
     if (isDrawn_ && IsSame(shown, sight_.Shown()) && position == sight_.Position()) return;
     isDrawn_ = false;
     box_.Invalidate();
-    AskForSharp();
+    Sharpen();
+    if (seen_) seen_();
 }
 
 void PictureStage::SetPicture(Picture picture, const Picture& prepared) {
@@ -208,10 +209,24 @@ bool PictureStage::IsSharp() const {
     return IsUsable(sharp_.get()) && !SubtractRect(&outside, &seen.part, &sharp_->Sight().part);
 }
 
-void PictureStage::AskForSharp() {
+void PictureStage::Sharpen() {
     const SightPart seen = SeenPart();
     if (IsRectEmpty(&seen.part) || IsSharp()) return;
     sharpener_.Ask(pixels_, seen);
+}
+
+SightPart PictureStage::SharpWish() const {
+    return HasPicture() && !IsExactAsItIs(sight_.Picture(), sight_.Shown()) ? SeenPart()
+                                                                            : SightPart{};
+}
+
+void PictureStage::ShowFrame(SharpSight::Pixels pixels, std::shared_ptr<const SharpPart> sharp) {
+    sharpener_.Forget();
+    pixels_ = std::move(pixels);
+    sharp_ = IsUsable(sharp.get()) ? std::move(sharp) : nullptr;
+    isDrawn_ = false;
+    box_.Invalidate(Rectangle());
+    box_.Refresh();
 }
 
 void PictureStage::ShowSharp() {
@@ -220,7 +235,7 @@ void PictureStage::ShowSharp() {
     sharp_ = std::move(made);
     isDrawn_ = false;
     box_.Invalidate();
-    AskForSharp();  // it may have moved on meanwhile
+    Sharpen();  // it may have moved on meanwhile
 }
 
 RECT PictureStage::Paint(HDC screen, const RECT& area) {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -28,6 +29,15 @@ class PictureStage {
     // is to be seen of it, if that was made before: taken where it has the size that is shown.
     void SetPicture(Picture picture, const Picture& prepared);
     bool HasPicture() const { return pixels_ != nullptr; }
+    // Puts another picture of the same size into its place, at once. `sharp`: its part that is
+    // seen, where that was made. Else it becomes sharp when that is wanted.
+    void ShowFrame(SharpSight::Pixels pixels, std::shared_ptr<const SharpPart> sharp);
+    // Has what is seen made sharp, where it is not.
+    void Sharpen();
+    // What the kernel would have to make of the picture; empty: nothing.
+    SightPart SharpWish() const;
+    // Told when another part is seen, or in another size.
+    void OnSeen(std::function<void()> handler) { seen_ = std::move(handler); }
 
     // How pictures are sized; takes a zoom back.
     void SetRule(const FitRule& rule);
@@ -90,7 +100,6 @@ class PictureStage {
     bool IsUsable(const SharpPart* sharp) const;
     void Draw();
     void DrawNearest(const SightPart& seen, const RECT& part);
-    void AskForSharp();
     // From the picture's colours to the monitor's; null: as they are.
     std::shared_ptr<const color::Transform> WayToMonitor();
     void ConvertColors(const SightPart& seen);
@@ -104,6 +113,7 @@ class PictureStage {
     SharpSight::Pixels pixels_;
     std::shared_ptr<const SharpPart> sharp_;
     MonitorColors colors_;
+    std::function<void()> seen_;
     ViewSurface surface_;
     std::shared_ptr<const color::Transform> drawnColors_;
     int16_t backdrop_ = 0;

@@ -41,6 +41,7 @@ void DisplayPage::AttachControls() {
     Fields().Check(checkSizeButton, Options().general.sizeButton);
     Fields().Choice(combDoubleClick, {L"100 % と全体を切り替える", L"全画面表示"},
                     Options().general.doubleClick);
+    Fields().Check(checkPlayAnimation, Options().general.playAnimation);
     Fields().Check(checkReadAhead, Options().general.readAhead);
     Fields().Number(textReadAheadMemory, Options().general.readAheadMemory, 0,
                     kMostReadAheadMemory);

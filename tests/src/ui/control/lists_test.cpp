@@ -42,6 +42,41 @@ TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
     EXPECT_EQ(Info(), L"[未知] x.txt");
 }
 
+TEST_F(FileListTest, PagesAreGoneThroughAsMembersAre) {
+    SusieCollection().RemoveAll();
+    SusieCollection().AddSPI(test::TestPluginPath(L"frames.spi"));
+    const std::wstring pages = folder_.Write(L"scan.tst", "TST 30x20x24\nframes:2:3:0\n");
+    const std::wstring moving = folder_.Write(L"moving.tst", "TST 5x5x24\nframes:1:3:0\n");
+    ASSERT_TRUE(bar_.SetFileList(List{Bitmap(L"a.bmp"), pages, moving}));
+    const auto width = [] { return CurrentPicture().Width(); };
+    EXPECT_TRUE(bar_.ListIndexForwardOne());
+    EXPECT_EQ(Items(bar_.listArchiveFile()), (List{L"1 ページ", L"2 ページ", L"3 ページ"}));
+    EXPECT_TRUE(bar_.listArchiveFile().IsEnabled());
+    EXPECT_EQ(bar_.listArchiveFile().Selected(), 0);
+    EXPECT_EQ(Info(), L"[画像] scan.tst ( 30×20 24bit )");
+    EXPECT_TRUE(bar_.ListIndexForwardOne() && bar_.ListIndexForwardOne());
+    EXPECT_EQ(width(), 32);
+    EXPECT_EQ(Info(), L"[画像] scan.tst - 3 ページ ( 32×20 24bit )");
+    EXPECT_EQ(Panel(), L"[表示中] scan.tst - 3 ページ ( 32×20 24bit )");
+    EXPECT_EQ(window_.Source().fileName, L"scan.tst");
+    EXPECT_TRUE(bar_.ListIndexBackOne());
+    EXPECT_EQ(width(), 31);
+    Click(bar_.listArchiveFile(), 0);
+    EXPECT_EQ(width(), 30);
+    EXPECT_TRUE(bar_.ListIndexBackOne());
+    EXPECT_EQ(Items(bar_.listArchiveFile()), kNotArchive);
+    Click(bar_.listFileName(), 1);
+    Click(bar_.listArchiveFile(), 2);
+    EXPECT_TRUE(bar_.ListIndexForwardOne());
+    EXPECT_EQ(width(), 5);
+    EXPECT_EQ(Items(bar_.listArchiveFile()), kNotArchive) << "frames of an animation are no pages";
+    // A page is not a file.
+    Click(bar_.listFileName(), 1);
+    EXPECT_TRUE(bar_.ListIndexForwardOne());
+    bar_.CoolBar_ButtonClick(BarButton::kDeleteList);
+    EXPECT_EQ(Items(bar_.listDelete()), List{pages});
+}
+
 TEST_F(FileListTest, TakesTheEntriesUpToTheLimitAndLeavesOutEmptyOnes) {
     List files(32100, folder_.Path() + L"gone.bmp");
     files[1].clear();

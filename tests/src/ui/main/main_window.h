@@ -72,9 +72,11 @@ class MainWindowTest : public testing::Test {
     RecordingControlBar controlBar_;
     int pluginCount_ = 3;
     int ended_ = 0;
+    FrameReaderMaker readers_;  // of the animations that are shown
     frmMain window_{{.commandLine = {},
                      .pluginCount = [this] { return pluginCount_; },
-                     .endProgram = [this] { ++ended_; }}};
+                     .endProgram = [this] { ++ended_; },
+                     .frameReaders = [this] { return readers_(); }}};
 };
 
 }  // namespace tessary::test

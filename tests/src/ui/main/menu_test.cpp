@@ -11,11 +11,11 @@
 namespace tessary {
 namespace {
 
-const std::set<int> kAlways{menuFileExit,        menuViewControlBar, menuControl_0,
-                            menuControl_1,       menuControl_2,      menuControl_3,
-                            menuControl_4,       menuControl_5,      commandFullScreen,
-                            commandEnlargeSmall, commandBackdrop_0,  commandBackdrop_1,
-                            commandBackdrop_2,   commandBackdrop_3,  commandBackdrop};
+const std::set<int> kAlways{
+    menuFileExit,      menuViewControlBar,  menuControl_0,     menuControl_1,
+    menuControl_2,     menuControl_3,       menuControl_4,     menuControl_5,
+    commandFullScreen, commandEnlargeSmall, commandBackdrop_0, commandBackdrop_1,
+    commandBackdrop_2, commandBackdrop_3,   commandBackdrop,   commandPlayAnimations};
 
 class MenuTest : public test::MainWindowTest {
   protected:
@@ -67,9 +67,10 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
         // Only what loads nothing: 停止, 折りたたみ and what moves the picture.
         EXPECT_EQ(AliveItems(),
                   (std::set<int>{menuFileExit, menuViewControlBar, menuControl_2, menuControl_5,
-                                 commandFullScreen, commandZoomIn, commandZoomOut, commandToggleFit,
-                                 commandEnlargeSmall, commandBackdrop_0, commandBackdrop_1,
-                                 commandBackdrop_2, commandBackdrop_3, commandBackdrop}));
+                                 commandFullScreen, commandPlayAnimations, commandZoomIn,
+                                 commandZoomOut, commandToggleFit, commandEnlargeSmall,
+                                 commandBackdrop_0, commandBackdrop_1, commandBackdrop_2,
+                                 commandBackdrop_3, commandBackdrop}));
         PressControlMenu();
         EXPECT_EQ(controlBar_.pressed, (std::vector<int>{4, 15}));
     }
