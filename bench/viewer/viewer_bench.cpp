@@ -1,7 +1,8 @@
-// viewer_bench show FILE.jpg   how long a JPEG takes from its name to the view, beside the bare
-// decoder viewer_bench scan FOLDER     how long a folder of plug-ins takes to scan, and the share
-// of the registry in it viewer_bench leave FILE…     what is left of memory and handles after
-// showing 1000 pictures
+// viewer_bench show FILE.jpg   from a name to the view, beside the bare decoder
+// viewer_bench sight FILE.jpg  zooming, dragging and resizing the window
+// viewer_bench frames FILE     how late the frames of an animation are, and what they cost
+// viewer_bench scan FOLDER     scanning a folder of plug-ins, and the share of the registry in it
+// viewer_bench leave FILE…     memory and handles that are left after showing 1000 pictures
 #include <windows.h>
 
 #include <algorithm>
@@ -18,6 +19,7 @@
 #include "bench/common/hosted_plugins.h"
 #include "bench/common/stopwatch.h"
 #include "bench/viewer/bare_jpeg.h"
+#include "bench/viewer/frames_bench.h"
 #include "bench/viewer/sight_bench.h"
 #include "picture/current_picture.h"
 #include "picture/show/modShowPicture.h"
@@ -218,6 +220,7 @@ int wmain(int count, wchar_t** arguments) {
     int result = 2;
     if (command == L"show") result = BenchShow(rest[0]);
     if (command == L"sight") result = BenchSightOf(rest[0]);
+    if (command == L"frames") result = BenchFrames(rest[0]) ? 0 : 1;
     if (command == L"scan") result = BenchScan(rest[0]);
     if (command == L"leave") result = BenchLeave(rest);
     UnloadSPI();
