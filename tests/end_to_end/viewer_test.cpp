@@ -82,7 +82,7 @@ TEST_F(ViewerTest, ShowsABitmapInItsBoxNamesAPluginAndKeepsItsSettings) {
     EXPECT_TRUE(WaitUntil([&] { return ColorAt(0) == kColor; }));
     // 640 × 64 of 2000 × 200: well above the middle the window is empty again.
     EXPECT_NE(ColorAt(-80), kColor);
-    EXPECT_TRUE(Tells(0, L"4個のプラグイン"));
+    EXPECT_TRUE(Tells(0, L"5個のプラグイン"));
     EXPECT_TRUE(Tells(1, L"[表示中] 写真 사진.bmp ( 2000×200 24bit )"));
     EXPECT_TRUE(Tells(kScalePanel - 1, L"32 %"));
     EXPECT_TRUE(

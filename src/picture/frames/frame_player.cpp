@@ -375,7 +375,7 @@ void FramePlayer::State::Prepare(std::unique_lock<std::mutex>& lock, uint32_t in
     lock.lock();
     if (serial != begun) return;
     if (result.picture) {
-        if (job.look == look) cost = took;
+        if (job.look == look) cost = (3 * cost + took) / 4;  // once slow is not slow
         made = Made{std::move(result), job.look};
     } else {
         failed = index;
