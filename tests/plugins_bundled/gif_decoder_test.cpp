@@ -72,6 +72,7 @@ TEST(GifDecoder, ShowsWhatADamagedFileHolds) {
     constexpr size_t kCode = kPixels + 2 + 39;
     for (const Bytes& bad : {With(good, kCode, 7), With(good, kCode, 5), Cut(good, kCode)}) {
         const Decoded part(kDecoder, bad);
+        ASSERT_EQ(part.result, Result::kSuccess);
         EXPECT_EQ(part.condition, Condition::kDamaged);
         for (uint32_t pixel = 0; pixel < kWidth * kHeight; ++pixel) {
             const uint32_t x = pixel % kWidth, y = pixel / kWidth;

@@ -162,6 +162,20 @@ TEST_F(HostTest, WhoeverWaitsSaysWhatBecomesOfOneThatIsOverdue) {
     }
 }
 
+TEST_F(HostTest, APictureIsShownThoughItsPluginHangsOverFrames) {
+    for (const char* function : {"OpenFrames", "CloseFrames"}) {
+        const auto film =
+            Connected(L"frames.spi", "frames:1:5:0\nearly:sleep:" + std::string(function));
+        film->Load();
+        for (int i = 0; i < 2; ++i) {  // the second time nothing is waited for
+            const ULONGLONG begin = GetTickCount64();
+            const DecodedPicture decoded = film->Decode(Picture(), DecodeKind::kFull, {});
+            EXPECT_TRUE(decoded.HasSucceeded() && decoded.picture && !decoded.frames) << function;
+            EXPECT_EQ(GetTickCount64() - begin < 1400, i == 1) << function;
+        }
+    }
+}
+
 TEST_F(HostTest, WhatTheUserChoosesHoldsForAllHosts) {
     const auto path = NewPlugin("early:sleep:GetPicture");
     const PluginConnector connector = OwnHostConnector(HostWindows::kShown, kProgram);
