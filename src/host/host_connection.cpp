@@ -11,51 +11,13 @@
 #include "app/settings/modValue.h"
 #include "helpers/color/color_profile.h"
 #include "helpers/susiectl/susiectl.h"
+#include "host/request_names.h"
 #include "plugin/call_scope.h"
 #include "plugin/no_host.h"
 #include "plugin/plugin_state.h"
 
 namespace tessary {
 namespace {
-
-// How messages name what was asked for.
-const wchar_t* FunctionOf(HostOperation operation) {
-    switch (operation) {
-        case HostOperation::kLoad:
-            return L"LoadLibrary";
-        case HostOperation::kDescribe:
-            return L"GetPlugInInfo";
-        case HostOperation::kSupports:
-            return L"IsSupported";
-        case HostOperation::kMeasure:
-            return L"GetPictureInfo";
-        case HostOperation::kDecode:
-            return L"GetPicture";
-        case HostOperation::kList:
-            return L"GetArchiveInfo";
-        case HostOperation::kExtract:
-            return L"GetFile";
-        case HostOperation::kConfigure:
-            return L"ConfigurationDlg";
-        case HostOperation::kFrame:
-            return L"GetFrame";
-        default:
-            return L"FreeLibrary";
-    }
-}
-
-// How logs name what is asked for, should the host's own note be lost.
-std::wstring LogNameOf(const HostRequest& request) {
-    switch (request.operation) {
-        case HostOperation::kDescribe:
-            return L"GetPluginInfo";
-        case HostOperation::kExtract:
-            return std::wstring(L"GetFile") + (request.isFile ? L'S' : L'M') +
-                   (request.folder ? L'S' : L'M');
-        default:
-            return FunctionOf(request.operation);
-    }
-}
 
 bool IsOf(const PluginEnd& end, const std::wstring& plugin) {
     return EqualsIgnoreCase(end.call.plugin, plugin);
@@ -82,26 +44,6 @@ bool IsWorthAnother(const HostRequest& request, HostEnd end,
     const bool hasEnded = end == HostEnd::kDied || end == HostEnd::kSilent;
     const bool isProved = blame && blame->kind != EndKind::kExit && IsOf(*blame, request.plugin);
     return canBeRepeated && hasEnded && !isProved;
-}
-
-PluginAnswer EndedAnswer(HostEnd end, HostOperation operation, uint32_t whyNoHost) {
-    const wchar_t* const function = FunctionOf(operation);
-    switch (end) {
-        case HostEnd::kStopped:
-            return {susie::kAborted, {}, {}};
-        case HostEnd::kRefused:
-            return {kResultUnexpected, {}, {}};
-        case HostEnd::kHoarded:
-            return {kResultCrashed, {}, {kPluginHoardedText, function}, ProcessEnd::kDied};
-        case HostEnd::kNoHost:
-            return {kResultUnexpected, {}, {NoHostText(whyNoHost), function}};
-        case HostEnd::kGivenUp:
-            return {kResultStopped, {}, {kPluginGivenUpText, function}};
-        case HostEnd::kSilent:
-            return {kResultCrashed, {}, {kPluginSilentText, function}, ProcessEnd::kSilent};
-        default:
-            return {kResultCrashed, {}, {kPluginCrashedText, function}, ProcessEnd::kDied};
-    }
 }
 
 // `isServed`: the host has the plug-in loaded. In a new one that is done first, and takes its time.

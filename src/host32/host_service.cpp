@@ -9,8 +9,8 @@
 #include "app/base/text.h"
 #include "helpers/files/file_source.h"
 #include "helpers/metadata/file_metadata.h"
+#include "host32/plugin_messages.h"
 #include "plugin/plugin_state.h"
-#include "plugin/thread_crash.h"
 
 namespace tessary {
 namespace {
@@ -24,34 +24,6 @@ constexpr DWORD kFramesStay = 10'000;
 
 // Pixel rows are read fastest from there.
 constexpr uint64_t kBitsAlignment = 64;
-
-// Whose code handles it; empty: nobody's.
-std::wstring PluginOf(const MSG& message) {
-    if (message.message == WM_TIMER && message.lParam != 0) {
-        return PluginAt(reinterpret_cast<const void*>(message.lParam));
-    }
-    if (message.hwnd == nullptr) return {};
-    // What is asked in the wrong character set is no address.
-    const LONG_PTR procedure = IsWindowUnicode(message.hwnd)
-                                   ? GetWindowLongPtrW(message.hwnd, GWLP_WNDPROC)
-                                   : GetWindowLongPtrA(message.hwnd, GWLP_WNDPROC);
-    std::wstring plugin = PluginAt(reinterpret_cast<const void*>(procedure));
-    if (!plugin.empty()) return plugin;
-    return PluginAt(reinterpret_cast<const void*>(GetWindowLongPtrW(message.hwnd, GWLP_HINSTANCE)));
-}
-
-// Between two requests nobody else has noted whose turn it is.
-void HandleMessages(CallNotes& notes) {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (message.message == WM_QUIT) continue;  // not a plug-in's to ask for
-        TranslateMessage(&message);
-        const std::wstring plugin = PluginCallUnderWay() ? std::wstring() : PluginOf(message);
-        if (!plugin.empty()) notes.OnCall({kWindowCall, plugin, {}});
-        DispatchMessageW(&message);
-        if (!plugin.empty()) notes.OnReturn();
-    }
-}
 
 HostReply ReplyWith(const PluginAnswer& answer) {
     HostReply reply;

@@ -4,6 +4,7 @@
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
+#include "plugin/asked_room.h"
 #include "plugin/call_log.h"
 #include "plugin/call_scope.h"
 #include "plugin/host_state.h"
@@ -55,26 +56,6 @@ void FreeLeft(HLOCAL& handle) {
     if (!PluginsAreStopped()) FreeLeftHandle(handle);
     handle = nullptr;
 }
-
-// What a plug-in asks for room for its picture. What goes wrong there is no memory to it.
-struct AskedRoom : susie::PictureRoom {
-    AskedRoom(const RoomMaker& maker, uint32_t wishes)
-        : susie::PictureRoom{sizeof(susie::PictureRoom), &Take, wishes}, rooms(maker) {}
-
-    static int __stdcall Take(susie::PictureRoom* asked, SIZE_T infoSize, SIZE_T bitsSize,
-                              void** info, void** bits) {
-        AskedRoom& room = *static_cast<AskedRoom*>(asked);
-        room.taken = Trapped(std::optional<RoomForPicture>(),
-                             [&] { return room.rooms(infoSize, bitsSize); });
-        if (!room.taken) return susie::kNoRoom;
-        *info = room.taken->info.data();
-        *bits = room.taken->bits.data();
-        return room.taken->isZero ? susie::kRoomOfZeros : susie::kRoom;
-    }
-
-    const RoomMaker& rooms;
-    std::optional<RoomForPicture> taken{};
-};
 
 // What a call has answered, with what it has handed out: after success blocks or null, else null.
 int32_t Received(int32_t answer, HLOCAL& handle) {
