@@ -75,6 +75,7 @@
 #define commandFirstFrame 1284
 #define commandPlayAnimations 1285
 
+#define commandShowInfo 1290
 #define commandTurnFile 1276  // the file as it is seen
 
 #define menuOption 1300
@@ -144,6 +145,7 @@
 #define sliderPNGQuality 2342
 #define valuePNGQuality 2343
 #define checkPNGInterless 2346
+#define checkPNGExif 2347
 
 // Two views in the same place, each with its controls numbered in a row.
 #define frameSetOption 2400  // the settings

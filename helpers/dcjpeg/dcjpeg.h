@@ -3,6 +3,7 @@
 #pragma once
 
 #include "helpers/saving/bytes_callback.h"
+#include "helpers/saving/exif_bytes.h"
 #include "helpers/saving/progress_callback.h"
 #include "helpers/saving/save_options.h"
 
@@ -35,5 +36,19 @@ using MakeJPEGBytesFunction = int(__stdcall*)(const void* info, const void* bits
                                               saving::BytesCallback take, void* to,
                                               LONG_PTR progressCallback);
 constexpr char kMakeJPEGBytesName[] = "MakeJPEGBytes";
+
+// The same two with EXIF data, which may be null.
+using SaveToJPEGFileExifFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                   const wchar_t* fileName,
+                                                   const saving::JpegSaveOptions* options,
+                                                   LONG_PTR progressCallback,
+                                                   const saving::ExifBytes* exif);
+constexpr char kSaveToJPEGFileExifName[] = "SaveToJPEGFileExif";
+using MakeJPEGBytesExifFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                  const saving::JpegSaveOptions* options,
+                                                  saving::BytesCallback take, void* to,
+                                                  LONG_PTR progressCallback,
+                                                  const saving::ExifBytes* exif);
+constexpr char kMakeJPEGBytesExifName[] = "MakeJPEGBytesExif";
 
 }  // namespace tessary::dcjpeg

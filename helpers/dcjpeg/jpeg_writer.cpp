@@ -21,6 +21,10 @@ using saving::SaveResult;
 constexpr size_t kBufferSize = 64u << 10;  // bytes handed to the sink at once
 constexpr int32_t kRowsAtOnce = 16;        // what the library works on with halved colours
 
+// The name in front of EXIF data, and what one marker holds.
+constexpr std::array<uint8_t, 6> kExifName{'E', 'x', 'i', 'f', 0, 0};
+constexpr size_t kMostExif = 0xFFFF - 2 - kExifName.size();
+
 // libjpeg at work on one file. It is left by longjmp when something fails, over everything up to
 // Run: what runs inside Run calls libjpeg or makes rows, and owns nothing.
 class JpegSession {
@@ -49,7 +53,8 @@ class JpegSession {
     JpegSession& operator=(const JpegSession&) = delete;
     ~JpegSession() { jpeg_destroy_compress(&compress_); }
 
-    SaveResult Save(const dib::DibView& picture, const saving::JpegSaveOptions& options);
+    SaveResult Save(const dib::DibView& picture, const saving::JpegSaveOptions& options,
+                    std::span<const uint8_t> exif);
 
   private:
     template <typename Info>
@@ -68,6 +73,7 @@ class JpegSession {
 
     void Start(const dib::DibView& picture, const JpegRows& rows,
                const saving::JpegSaveOptions& options);
+    void WriteExif(std::span<const uint8_t> exif);
     void WriteRows(const dib::DibView& picture, const JpegRows& rows, std::span<uint8_t> scratch);
 
     void Rewind() {
@@ -134,6 +140,15 @@ void JpegSession::Start(const dib::DibView& picture, const JpegRows& rows,
     jpeg_start_compress(&compress_, TRUE);
 }
 
+void JpegSession::WriteExif(std::span<const uint8_t> exif) {
+    jpeg_write_m_header(&compress_, JPEG_APP0 + 1,
+                        static_cast<unsigned>(kExifName.size() + exif.size()));
+    for (const uint8_t byte : kExifName)
+        jpeg_write_m_byte(&compress_, byte);
+    for (const uint8_t byte : exif)
+        jpeg_write_m_byte(&compress_, byte);
+}
+
 void JpegSession::WriteRows(const dib::DibView& picture, const JpegRows& rows,
                             std::span<uint8_t> scratch) {
     for (int32_t top = 0; top < picture.Height(); top += kRowsAtOnce) {
@@ -149,14 +164,17 @@ void JpegSession::WriteRows(const dib::DibView& picture, const JpegRows& rows,
     }
 }
 
-SaveResult JpegSession::Save(const dib::DibView& picture, const saving::JpegSaveOptions& options) {
+SaveResult JpegSession::Save(const dib::DibView& picture, const saving::JpegSaveOptions& options,
+                             std::span<const uint8_t> exif) {
     if (std::max(picture.Width(), picture.Height()) > JPEG_MAX_DIMENSION) {
         return SaveResult::kTooLarge;
     }
     const JpegRows rows(picture);
     std::vector<uint8_t> scratch(rows.ScratchBytes() * kRowsAtOnce);
+    if (exif.size() > kMostExif) return SaveResult::kTooLarge;
     Run([&] {
         Start(picture, rows, options);
+        if (!exif.empty()) WriteExif(exif);
         WriteRows(picture, rows, scratch);
         jpeg_finish_compress(&compress_);
         if (!progress_.Report(1, 1)) GiveUp(SaveResult::kCancelled);
@@ -167,8 +185,9 @@ SaveResult JpegSession::Save(const dib::DibView& picture, const saving::JpegSave
 }  // namespace
 
 SaveResult WriteJpeg(const dib::DibView& picture, const saving::JpegSaveOptions& options,
-                     files::ByteSink& sink, const dib::Progress& progress) {
-    return JpegSession(sink, progress).Save(picture, options);
+                     files::ByteSink& sink, const dib::Progress& progress,
+                     std::span<const uint8_t> exif) {
+    return JpegSession(sink, progress).Save(picture, options, exif);
 }
 
 }  // namespace tessary::dcjpeg

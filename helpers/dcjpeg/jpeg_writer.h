@@ -14,8 +14,10 @@ namespace tessary::dcjpeg {
 constexpr int kFullColorQuality = 90;
 
 // Writes the file of a picture (jpeg_rows.h tells which ones become grey), with its resolution when
-// it has one. `progress` may be empty and must not throw. kTooLarge beyond 65500 pixels a side.
+// it has one, and with EXIF data (saving/exif_bytes.h). `progress` may be empty and must not throw.
+// kTooLarge beyond 65500 pixels a side.
 saving::SaveResult WriteJpeg(const dib::DibView& picture, const saving::JpegSaveOptions& options,
-                             files::ByteSink& sink, const dib::Progress& progress);
+                             files::ByteSink& sink, const dib::Progress& progress,
+                             std::span<const uint8_t> exif = {});
 
 }  // namespace tessary::dcjpeg

@@ -9,25 +9,31 @@
 namespace tessary::dcpng {
 namespace {
 
-auto WriterFor(const saving::PngSaveOptions* options, dib::Progress progress) {
+auto WriterFor(const saving::PngSaveOptions* options, const saving::ExifBytes* exif,
+               dib::Progress progress) {
     return [chosen = options != nullptr ? *options : saving::PngSaveOptions{},
+            carried = exif != nullptr ? *exif : saving::ExifBytes{},
             progress = std::move(progress)](const dib::DibView& picture, files::ByteSink& sink) {
-        return WritePng(picture, chosen, sink, progress);
+        return WritePng(picture, chosen, sink, progress, carried.Span());
     };
 }
 
 // What both entries for files do, for a name in either kind of text.
 template <typename Char>
 int Save(const void* info, const void* bits, const Char* fileName,
-         const saving::PngSaveOptions* options, LONG_PTR progressCallback) {
+         const saving::PngSaveOptions* options, LONG_PTR progressCallback,
+         const saving::ExifBytes* exif = nullptr) {
     const dib::Progress progress = saving::ProgressOf(progressCallback);
-    return saving::SaveToFile(info, bits, fileName, progress, WriterFor(options, progress)) ? 0 : 1;
+    return saving::SaveToFile(info, bits, fileName, progress, WriterFor(options, exif, progress))
+               ? 0
+               : 1;
 }
 
 }  // namespace
 }  // namespace tessary::dcpng
 
 using tessary::saving::BytesCallback;
+using tessary::saving::ExifBytes;
 using tessary::saving::PngSaveOptions;
 using tessary::saving::ProgressOf;
 
@@ -50,10 +56,32 @@ extern "C" __declspec(dllexport) int __stdcall MakePNGBytes(const void* info, co
                                                             BytesCallback take, void* to,
                                                             LONG_PTR progressCallback) {
     return tessary::saving::MakeBytes(
-        info, bits, take, to, tessary::dcpng::WriterFor(options, ProgressOf(progressCallback)));
+        info, bits, take, to,
+        tessary::dcpng::WriterFor(options, nullptr, ProgressOf(progressCallback)));
+}
+
+extern "C" __declspec(dllexport) int __stdcall SaveToPNGFileExif(const void* info, const void* bits,
+                                                                 const wchar_t* fileName,
+                                                                 const PngSaveOptions* options,
+                                                                 LONG_PTR progressCallback,
+                                                                 const ExifBytes* exif) {
+    return tessary::dcpng::Save(info, bits, fileName, options, progressCallback, exif);
+}
+
+extern "C" __declspec(dllexport) int __stdcall MakePNGBytesExif(const void* info, const void* bits,
+                                                                const PngSaveOptions* options,
+                                                                BytesCallback take, void* to,
+                                                                LONG_PTR progressCallback,
+                                                                const ExifBytes* exif) {
+    return tessary::saving::MakeBytes(
+        info, bits, take, to,
+        tessary::dcpng::WriterFor(options, exif, ProgressOf(progressCallback)));
 }
 
 // Callers find the entries by their names: nothing else compares what they take.
-static_assert(std::is_same_v<decltype(&SaveToPNGFile), tessary::dcpng::SaveToPNGFileFunction> &&
-              std::is_same_v<decltype(&SaveToPNGFileW), tessary::dcpng::SaveToPNGFileWFunction> &&
-              std::is_same_v<decltype(&MakePNGBytes), tessary::dcpng::MakePNGBytesFunction>);
+static_assert(
+    std::is_same_v<decltype(&SaveToPNGFile), tessary::dcpng::SaveToPNGFileFunction> &&
+    std::is_same_v<decltype(&SaveToPNGFileW), tessary::dcpng::SaveToPNGFileWFunction> &&
+    std::is_same_v<decltype(&MakePNGBytes), tessary::dcpng::MakePNGBytesFunction> &&
+    std::is_same_v<decltype(&SaveToPNGFileExif), tessary::dcpng::SaveToPNGFileExifFunction> &&
+    std::is_same_v<decltype(&MakePNGBytesExif), tessary::dcpng::MakePNGBytesExifFunction>);

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "helpers/saving/bytes_callback.h"
+#include "helpers/saving/exif_bytes.h"
 #include "helpers/saving/progress_callback.h"
 #include "helpers/saving/save_options.h"
 
@@ -37,5 +38,19 @@ using MakePNGBytesFunction = int(__stdcall*)(const void* info, const void* bits,
                                              saving::BytesCallback take, void* to,
                                              LONG_PTR progressCallback);
 constexpr char kMakePNGBytesName[] = "MakePNGBytes";
+
+// The same two with EXIF data, which may be null.
+using SaveToPNGFileExifFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                  const wchar_t* fileName,
+                                                  const saving::PngSaveOptions* options,
+                                                  LONG_PTR progressCallback,
+                                                  const saving::ExifBytes* exif);
+constexpr char kSaveToPNGFileExifName[] = "SaveToPNGFileExif";
+using MakePNGBytesExifFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                 const saving::PngSaveOptions* options,
+                                                 saving::BytesCallback take, void* to,
+                                                 LONG_PTR progressCallback,
+                                                 const saving::ExifBytes* exif);
+constexpr char kMakePNGBytesExifName[] = "MakePNGBytesExif";
 
 }  // namespace tessary::dcpng

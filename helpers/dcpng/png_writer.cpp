@@ -63,7 +63,7 @@ class PngSession {
     ~PngSession() { png_destroy_write_struct(&png_, &info_); }
 
     SaveResult Save(const dib::DibView& picture, const saving::PngSaveOptions& options,
-                    const dib::Progress& progress);
+                    const dib::Progress& progress, std::span<const uint8_t> exif);
 
   private:
     // False when libpng gave up.
@@ -75,7 +75,8 @@ class PngSession {
     }
 
     void WriteHeader(const dib::DibView& picture, const PngRows& rows,
-                     std::span<const uint8_t> alphas, bool interlace);
+                     std::span<const uint8_t> alphas, std::span<const uint8_t> exif,
+                     bool interlace);
     SaveResult WritePixels(const PngRows& rows, const StripLayout& layout, int level,
                            const dib::Progress& progress);
     // The pieces become one chunk.
@@ -101,7 +102,8 @@ class PngSession {
 };
 
 void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows,
-                             std::span<const uint8_t> alphas, bool interlace) {
+                             std::span<const uint8_t> alphas, std::span<const uint8_t> exif,
+                             bool interlace) {
     const auto width = static_cast<png_uint_32>(picture.Width());
     const auto height = static_cast<png_uint_32>(picture.Height());
     png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
@@ -122,6 +124,11 @@ void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows,
     if (header.xPelsPerMeter > 0 && header.yPelsPerMeter > 0) {
         png_set_pHYs(png_, info_, static_cast<png_uint_32>(header.xPelsPerMeter),
                      static_cast<png_uint_32>(header.yPelsPerMeter), PNG_RESOLUTION_METER);
+    }
+    if (!exif.empty()) {
+        png_set_sRGB(png_, info_, PNG_sRGB_INTENT_PERCEPTUAL);
+        png_set_eXIf_1(png_, info_, static_cast<png_uint_32>(exif.size()),
+                       const_cast<png_bytep>(exif.data()));  // it takes a copy
     }
     png_write_info(png_, info_);
 }
@@ -163,7 +170,7 @@ SaveResult PngSession::WritePixels(const PngRows& rows, const StripLayout& layou
 }
 
 SaveResult PngSession::Save(const dib::DibView& picture, const saving::PngSaveOptions& options,
-                            const dib::Progress& progress) {
+                            const dib::Progress& progress, std::span<const uint8_t> exif) {
     if (info_ == nullptr) return SaveResult::kOutOfMemory;
     const PngRows rows(picture);
     if (rows.RowBytes() > kMostRowBytes) return SaveResult::kTooLarge;
@@ -173,7 +180,7 @@ SaveResult PngSession::Save(const dib::DibView& picture, const saving::PngSaveOp
                                       static_cast<uint32_t>(picture.Height()), rows.BitsPerPixel(),
                                       interlace));
     const std::vector<uint8_t> alphas = rows.Alphas();
-    if (!Run([&] { WriteHeader(picture, rows, alphas, interlace); })) return GaveUp();
+    if (!Run([&] { WriteHeader(picture, rows, alphas, exif, interlace); })) return GaveUp();
     const SaveResult result = WritePixels(rows, layout, level, progress);
     if (result != SaveResult::kSaved) return result;
     constexpr png_byte kEnd[] = {'I', 'E', 'N', 'D'};
@@ -183,9 +190,10 @@ SaveResult PngSession::Save(const dib::DibView& picture, const saving::PngSaveOp
 }  // namespace
 
 SaveResult WritePng(const dib::DibView& picture, const saving::PngSaveOptions& options,
-                    files::ByteSink& sink, const dib::Progress& progress) {
+                    files::ByteSink& sink, const dib::Progress& progress,
+                    std::span<const uint8_t> exif) {
     try {
-        return PngSession(sink).Save(picture, options, progress);
+        return PngSession(sink).Save(picture, options, progress, exif);
     } catch (const std::bad_alloc&) {
         return SaveResult::kOutOfMemory;
     }

@@ -10,9 +10,11 @@
 namespace tessary::dcpng {
 
 // Writes the file of a picture, pixel for pixel (png_rows.h tells in which form), with its
-// resolution when it has one. `progress` may be empty; it is called on the calling thread. All
-// threads have ended on return, also when it throws. kTooLarge when a row needs more than 1 GB.
+// resolution when it has one, and with EXIF data (saving/exif_bytes.h). `progress` may be empty; it
+// is called on the calling thread. All threads have ended on return, also when it throws. kTooLarge
+// when a row needs more than 1 GB.
 saving::SaveResult WritePng(const dib::DibView& picture, const saving::PngSaveOptions& options,
-                            files::ByteSink& sink, const dib::Progress& progress);
+                            files::ByteSink& sink, const dib::Progress& progress,
+                            std::span<const uint8_t> exif = {});
 
 }  // namespace tessary::dcpng

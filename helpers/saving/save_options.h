@@ -44,6 +44,12 @@ struct SaveOptions {
     JpegSaveOptions jpeg;
     // What transparent pixels are laid over in formats without transparency.
     dib::Backdrop backdrop = dib::Backdrop::kWhite;
+    // Not 0: EXIF data are kept, in formats that can hold them.
+    int16_t pngExif = 1;
+    int16_t jpegExif = 1;
+    // Not 0: with the place where a picture was taken.
+    int16_t pngPosition = 1;
+    int16_t jpegPosition = 1;
 
     bool operator==(const SaveOptions&) const = default;
 };

@@ -15,8 +15,11 @@ namespace tessary {
 namespace {
 
 // Reads the picture unless it was read ahead.
-const ReadResult& Read(SourceAtHand& source) {
-    if (!source.read) source.read = ReadPicture(source.file, {.progress = TellProgress});
+const ReadResult& Read(SourceAtHand& source, const ConvertOptions& options) {
+    if (source.read) return *source.read;
+    const std::optional<FileStamp> stamp = ExactStampOf(source.file.path);
+    source.read = ReadPicture(source.file, {.progress = TellProgress});
+    KeepMetadata(*source.read, source.file.path, stamp, options);
     return *source.read;
 }
 
@@ -44,7 +47,7 @@ std::wstring SizeText(int32_t width, int32_t height) {
 StepResult ConvertRun::ConvertBitmapFile(FileAtHand& file, SourceAtHand& source) {
     return Step(file, [&](StepResult& result) {
         log_.WriteConvertLog(L"ファイル種別", L"ビットマップファイル", 2);
-        const ReadResult& read = Read(source);
+        const ReadResult& read = Read(source, options_);
         if (!read.isBrokenBitmap) {
             log_.WriteConvertLog(L"ビットマップを読み込みました", {}, 2);
             result = SaveConvertedPicture(file, source);
@@ -69,7 +72,7 @@ StepResult ConvertRun::ConvertPictureFile(FileAtHand& file, SourceAtHand& source
         };
         log_.WriteConvertLog(L"ファイル種別", L"画像ファイル", 2);
         tellPlugin(source.file.plugin);
-        const ReadResult& read = Read(source);
+        const ReadResult& read = Read(source, options_);
         if (read.kind == kFileUnknown && !read.failure) {
             // A file that its plug-in suddenly refuses counts as done.
             file.Report(FileOutcome::kFailed, FileReason::kPluginFailed);

@@ -19,6 +19,7 @@
 #include "convert/encoding.h"
 #include "convert/file_at_hand.h"
 #include "convert/files_ahead.h"
+#include "convert/kept_metadata.h"
 #include "convert/output_names.h"
 #include "convert/read_ahead.h"
 #include "convert/same_content.h"
@@ -169,7 +170,11 @@ class ConvertRun {
     int32_t upcomingFrom_ = 1;  // place of the first of them in the list
     int32_t upcomingOf_ = 0;    // the list's upper bound then
     Encoders encoders_{threads_, options_};
-    ReadAhead ahead_{[this](const ReadResult& read) { return BeginEncoding(read); }};
+    ReadAhead ahead_{
+        [this](const std::wstring& path, const std::optional<FileStamp>& stamp, ReadResult& read) {
+            KeepMetadata(read, path, stamp, options_);
+            return BeginEncoding(read);
+        }};
     std::optional<FilesAhead> filesAhead_;
 };
 

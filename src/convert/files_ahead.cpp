@@ -6,7 +6,9 @@
 
 #include "app/base/distant_file.h"
 #include "app/settings/modValue.h"
+#include "convert/kept_metadata.h"
 #include "picture/ahead/ahead_rules.h"
+#include "picture/metadata/picture_metadata.h"
 #include "picture/save/save_progress.h"
 #include "plugin/modSusie.h"
 
@@ -22,7 +24,8 @@ MakeFile MakerFor(ConvertOptions options) {
         const SaverFormat* const format = FormatToMake(read, options.convert, kMostBytes);
         if (format == nullptr) return std::shared_ptr<const EncodedPicture>();
         const SaveProgress progress(tell);
-        return EncodePicture(read.picture, *format, options.save, SaveProgress::PassThrough());
+        return EncodePicture(WithMetadata(read.picture, *format, options.save), *format,
+                             options.save, SaveProgress::PassThrough());
     };
 }
 
@@ -37,7 +40,8 @@ AheadSource Source(const ConvertOptions& options) {
 }  // namespace
 
 FilesAhead::FilesAhead(int threads, const ConvertOptions& options)
-    : threads_(threads, Source(options)),
+    : options_(options),
+      threads_(threads, Source(options)),
       plugins_(std::make_shared<const KnownPlugins>(KnownOf(SusieCollection()))) {}
 
 void FilesAhead::Plan(const std::wstring& atHand, const std::vector<std::wstring>& next) {
@@ -61,6 +65,7 @@ std::optional<SourceAtHand> FilesAhead::Take(const std::wstring& path) {
         return std::nullopt;
     }
     SourceFile file{.path = path, .kind = read.kind, .plugin = read.plugin};
+    if (!ready->made) KeepMetadata(read, options_);
     std::shared_ptr<Encoding> encoding;
     if (ready->made) encoding = std::make_shared<Encoding>(std::move(ready->made));
     return SourceAtHand{std::move(file), std::move(read), std::move(encoding)};

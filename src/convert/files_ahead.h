@@ -26,6 +26,7 @@ class FilesAhead {
     std::optional<SourceAtHand> Take(const std::wstring& path);
 
   private:
+    const ConvertOptions options_;
     AheadThreads threads_;
     std::shared_ptr<const KnownPlugins> plugins_;
     std::vector<std::wstring> planned_;

@@ -34,12 +34,13 @@ bool ReadAhead::Read(int32_t index, const std::wstring& path, const FileStamp& s
     const bool isRead = Trapped(false, [&] {
         if (IsNotOnThisDisk(path)) return false;
         SourceAtHand source{LookAtFile(path)};
+        const std::optional<FileStamp> exact = ExactStampOf(path);
         if (IsPictureKind(source.file.kind)) {
             source.read = ReadPicture(source.file, {.progress = TellNothing});
         }
         if (isDisturbed_) return false;
         const size_t bytes = BytesOf(source);
-        if (bytes != 0) source.encoding = encode_(*source.read);
+        if (bytes != 0) source.encoding = encode_(path, exact, *source.read);
         held_.push_back({index, stamp, bytes, false, std::move(source)});
         return true;
     });

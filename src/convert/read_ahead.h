@@ -17,9 +17,11 @@ namespace tessary {
 // changes them.
 class ReadAhead {
   public:
-    // `encode` begins to make the file of a picture that was read; it may answer null.
-    explicit ReadAhead(std::function<std::shared_ptr<Encoding>(const ReadResult&)> encode)
-        : encode_(std::move(encode)) {}
+    // Begins to make the file of a picture that was read of a file, which had that stamp
+    // (ExactStampOf) when its reading began; may answer null.
+    using Encode = std::function<std::shared_ptr<Encoding>(
+        const std::wstring& path, const std::optional<FileStamp>& stamp, ReadResult& read)>;
+    explicit ReadAhead(Encode encode) : encode_(std::move(encode)) {}
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
     ~ReadAhead();
@@ -58,7 +60,7 @@ class ReadAhead {
 
     static bool IsGood(const Held& held);
 
-    std::function<std::shared_ptr<Encoding>(const ReadResult&)> encode_;
+    Encode encode_;
     std::deque<Held> held_;
     bool reads_ = false;
     bool isDisturbed_ = false;

@@ -5,12 +5,15 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "helpers/dib/dib_view.h"
 #include "picture/modMemory.h"
 
 namespace tessary {
+
+struct PictureOrigin;
 
 // Owns the two parts of a picture: the info block (header, masks or colour table) and the bits
 // block (pixel rows). Both stay where they are, readable, until its end.
@@ -77,6 +80,19 @@ class Picture {
     // One that is larger than any (color::kLargestProfile) is not kept.
     void SetProfile(std::span<const uint8_t> icc);
 
+    // Where it was read, which others know more of (picture/metadata); null: nobody knows. It goes
+    // with the picture, but not into one that is made of it.
+    const std::shared_ptr<const PictureOrigin>& Origin() const { return origin_; }
+    void SetOrigin(std::shared_ptr<const PictureOrigin> origin) { origin_ = std::move(origin); }
+
+    // EXIF data for the file that it is saved in; empty: none.
+    std::span<const uint8_t> Exif() const {
+        return exif_ ? std::span<const uint8_t>(*exif_) : std::span<const uint8_t>();
+    }
+    void SetExif(std::vector<uint8_t> exif) {
+        exif_ = std::make_shared<const std::vector<uint8_t>>(std::move(exif));
+    }
+
     explicit operator bool() const { return memory_ != nullptr; }
 
     // False when the memory was freed by somebody else, as a plug-in may do with blocks that it has
@@ -103,6 +119,8 @@ class Picture {
     std::shared_ptr<PictureMemory> memory_;
     std::optional<dib::DibView> view_;
     std::shared_ptr<const std::vector<uint8_t>> profile_;
+    std::shared_ptr<const PictureOrigin> origin_;
+    std::shared_ptr<const std::vector<uint8_t>> exif_;
 };
 
 }  // namespace tessary

@@ -52,6 +52,16 @@ constexpr SaverOption kPngOptions[] = {
      .in = [](SaveOptions& all) -> int16_t& { return all.png.interlace; },
      .argument = L"png-interlace",
      .caption = L"インターレス形式で出力(&I)"},
+    {.kind = kSwitch,
+     .key = L"png_saveExif",
+     .in = [](SaveOptions& all) -> int16_t& { return all.pngExif; },
+     .argument = L"png-exif",
+     .caption = L"撮影情報(Exif)を残す(&E)"},
+    {.kind = kSwitch,
+     .key = L"png_savePosition",
+     .in = [](SaveOptions& all) -> int16_t& { return all.pngPosition; },
+     .argument = L"png-gps",
+     .caption = L"撮影情報の撮影場所も残す(&G)"},
     {.kind = kLevel,
      .key = L"png_saveQuality",
      .in = [](SaveOptions& all) -> int16_t& { return all.png.quality; },
@@ -84,6 +94,16 @@ constexpr SaverOption kJpegOptions[] = {
      .in = [](SaveOptions& all) -> int16_t& { return all.jpeg.progressive; },
      .argument = L"jpeg-progressive",
      .caption = L"プログレッシブJPEG(&P)"},
+    {.kind = kSwitch,
+     .key = L"jpg_saveExif",
+     .in = [](SaveOptions& all) -> int16_t& { return all.jpegExif; },
+     .argument = L"jpeg-exif",
+     .caption = L"撮影情報(Exif)を残す(&E)"},
+    {.kind = kSwitch,
+     .key = L"jpg_savePosition",
+     .in = [](SaveOptions& all) -> int16_t& { return all.jpegPosition; },
+     .argument = L"jpeg-gps",
+     .caption = L"撮影情報の撮影場所も残す(&G)"},
     {.kind = kLevel,
      .key = L"jpg_saveQuality",
      .in = [](SaveOptions& all) -> int16_t& { return all.jpeg.quality; },
@@ -130,10 +150,14 @@ const SaverFormat kFormats[] = {
      .description = L"PNG (*.png)",
      .extensions = kPngExtensions,
      .depths = kPngDepths,
-     .metadata = {.alpha = true},
+     .metadata = {.alpha = true,
+                  .exif = [](const SaveOptions& all) { return all.pngExif; },
+                  .position = [](const SaveOptions& all) { return all.pngPosition; }},
      .writer = {.library = L"dcpng.dll",
                 .entry = dcpng::kSaveToPNGFileWName,
                 .bytesEntry = dcpng::kMakePNGBytesName,
+                .exifEntry = dcpng::kSaveToPNGFileExifName,
+                .exifBytesEntry = dcpng::kMakePNGBytesExifName,
                 .zeroIsSuccess = true,
                 .options = [](const SaveOptions& all) -> const void* { return &all.png; }},
      .options = kPngOptions,
@@ -142,18 +166,25 @@ const SaverFormat kFormats[] = {
      .loss = nullptr,
      .help = LR"(  --png-level 数          PNG の圧縮率 (0-9)
   --png-interlace, --no-png-interlace
+  --png-exif, --no-png-exif 撮影情報 (Exif) を残す・残さない
+  --png-gps, --no-png-gps   撮影場所も残す・残さない
 )",
      .englishHelp = LR"(  --png-level N           compression, 0 to 9
   --png-interlace, --no-png-interlace
+  --png-exif, --no-png-exif keep what photographs say (Exif)
+  --png-gps, --no-png-gps   with the place
 )"},
     {.name = L"JPEG",
      .description = L"JPEG (*.jpg)",
      .extensions = kJpegExtensions,
      .depths = kJpegDepths,
-     .metadata = {},
+     .metadata = {.exif = [](const SaveOptions& all) { return all.jpegExif; },
+                  .position = [](const SaveOptions& all) { return all.jpegPosition; }},
      .writer = {.library = L"dcjpeg.dll",
                 .entry = dcjpeg::kSaveToJPEGFileWName,
                 .bytesEntry = dcjpeg::kMakeJPEGBytesName,
+                .exifEntry = dcjpeg::kSaveToJPEGFileExifName,
+                .exifBytesEntry = dcjpeg::kMakeJPEGBytesExifName,
                 .options = [](const SaveOptions& all) -> const void* { return &all.jpeg; }},
      .options = kJpegOptions,
      .page = 1,
@@ -162,10 +193,14 @@ const SaverFormat kFormats[] = {
      .help = LR"(  --jpeg-quality 数       JPEG の品質 (0-100)
   --jpeg-progressive, --no-jpeg-progressive
   --jpeg-optimize, --no-jpeg-optimize
+  --jpeg-exif, --no-jpeg-exif 撮影情報 (Exif) を残す・残さない
+  --jpeg-gps, --no-jpeg-gps   撮影場所も残す・残さない
 )",
      .englishHelp = LR"(  --jpeg-quality N        0 to 100
   --jpeg-progressive, --no-jpeg-progressive
   --jpeg-optimize, --no-jpeg-optimize
+  --jpeg-exif, --no-jpeg-exif keep what photographs say (Exif)
+  --jpeg-gps, --no-jpeg-gps   with the place
 )"},
 };
 

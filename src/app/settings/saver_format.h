@@ -47,7 +47,10 @@ struct SaverOption {
 struct SaverWriter {
     const wchar_t* library;
     const char* entry;
-    const char* bytesEntry;      // the one that makes the bytes of a file in memory
+    const char* bytesEntry;  // the one that makes the bytes of a file in memory
+    // The same two with EXIF data behind the rest; null: the format cannot hold them.
+    const char* exifEntry = nullptr;
+    const char* exifBytesEntry = nullptr;
     bool zeroIsSuccess = false;  // what it answers
     const void* (*options)(const saving::SaveOptions& all);
 };
@@ -55,7 +58,9 @@ struct SaverWriter {
 // What a format's files can hold besides colours.
 struct SaverMetadata {
     bool alpha = false;
-    bool exif = false;  // and colour profiles
+    // Whether EXIF data are kept, and the place in them; null: files cannot hold them.
+    int16_t (*exif)(const saving::SaveOptions& options) = nullptr;
+    int16_t (*position)(const saving::SaveOptions& options) = nullptr;
 };
 
 struct SaverFormat {
@@ -76,6 +81,14 @@ struct SaverFormat {
     // The options' lines in the help of the console converter.
     const wchar_t* help;
     const wchar_t* englishHelp;
+
+    // Whether its files are to have the EXIF data of their pictures, and with the place.
+    bool KeepsExif(const saving::SaveOptions& chosen) const {
+        return metadata.exif != nullptr && metadata.exif(chosen) != 0;
+    }
+    bool KeepsPosition(const saving::SaveOptions& chosen) const {
+        return metadata.position != nullptr && metadata.position(chosen) != 0;
+    }
 
     // With its dot, as files are named by the program.
     std::wstring Extension() const { return L'.' + std::wstring(extensions.front()); }

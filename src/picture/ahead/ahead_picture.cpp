@@ -6,6 +6,7 @@ ReadResult AnotherOf(const ReadResult& read) {
     return {.kind = read.kind,
             .picture = read.picture.Another(),
             .plugin = read.plugin,
+            .milliseconds = read.milliseconds,
             .frames = read.frames,
             .damage = read.damage};
 }

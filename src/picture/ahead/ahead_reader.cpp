@@ -64,6 +64,7 @@ class Attempt {
         if (file.kind == kFileArchive) return source_.opensArchives && ReadFirstPage(picture);
         if (!IsPictureKind(file.kind)) return false;
         picture.read = ReadPage(file, task_.entry.page, Watch());
+        TellOrigin(picture.read, {.path = file.path, .stamp = picture.stamp});
         // Who took it and then failed has something to tell.
         return EqualsIgnoreCase(picture.read.plugin, file.plugin);
     }
@@ -88,6 +89,7 @@ class Attempt {
         const OwnedBlock content = archive->DecodeArchive(picture.entry.member, Watch().progress);
         picture.memberDamage = archive->Damage();
         picture.read = ReadPicture(content.Get(), FileNameOf(name), Watch());
+        TellOrigin(picture.read, task_.entry.path, picture.stamp, name, content.Get());
         return true;
     }
 

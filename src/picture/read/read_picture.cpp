@@ -1,5 +1,7 @@
 #include "picture/read/read_picture.h"
 
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "plugin/modSusie.h"
@@ -85,13 +87,7 @@ ReadResult BitmapOr(Picture picture, std::wstring damage, const ReadWatch& watch
     return result;
 }
 
-}  // namespace
-
-ReadResult ReadPicture(const SourceFile& file, const ReadWatch& watch) {
-    return ReadPage(file, 0, watch);
-}
-
-ReadResult ReadPage(const SourceFile& file, uint32_t page, const ReadWatch& watch) {
+ReadResult ReadFile(const SourceFile& file, uint32_t page, const ReadWatch& watch) {
     const auto decode = [&] { return DecodeFile(file.path, watch, page); };
     if (file.kind != kFileBitmap || page != 0) return decode();
     Picture picture;
@@ -100,12 +96,56 @@ ReadResult ReadPage(const SourceFile& file, uint32_t page, const ReadWatch& watc
     return BitmapOr(std::move(picture), std::move(damage), watch, decode);
 }
 
-ReadResult ReadPicture(HLOCAL block, const std::wstring& name, const ReadWatch& watch) {
+ReadResult ReadBlock(HLOCAL block, const std::wstring& name, const ReadWatch& watch) {
     const auto decode = [&] { return DecodeBlock(block, name, watch); };
     if (!IsBitmapBlock(block)) return decode();
     std::wstring damage;
     Picture picture = ReadBitmapBlock(block, watch.progress, damage);
     return BitmapOr(std::move(picture), std::move(damage), watch, decode);
+}
+
+template <typename Read>
+ReadResult Timed(const Read& read) {
+    const auto begin = std::chrono::steady_clock::now();
+    ReadResult result = read();
+    result.milliseconds =
+        static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                  std::chrono::steady_clock::now() - begin)
+                                  .count());
+    return result;
+}
+
+}  // namespace
+
+void TellOrigin(ReadResult& read, PictureOrigin origin) {
+    if (!read.picture) return;
+    origin.plugin = read.plugin;
+    origin.milliseconds = read.milliseconds;
+    read.picture.SetOrigin(std::make_shared<const PictureOrigin>(std::move(origin)));
+}
+
+void TellOrigin(ReadResult& read, const std::wstring& archive, const FileStamp& stamp,
+                const std::wstring& member, HLOCAL content) {
+    const BlockLock lock(content);
+    if (!read.picture || !lock) return;
+    const auto head = lock.Bytes().first(std::min(lock.Size(), kMemberHead));
+    TellOrigin(read, {.path = archive,
+                      .stamp = stamp,
+                      .member = member,
+                      .memberSize = lock.Size(),
+                      .head = {head.begin(), head.end()}});
+}
+
+ReadResult ReadPicture(const SourceFile& file, const ReadWatch& watch) {
+    return ReadPage(file, 0, watch);
+}
+
+ReadResult ReadPage(const SourceFile& file, uint32_t page, const ReadWatch& watch) {
+    return Timed([&] { return ReadFile(file, page, watch); });
+}
+
+ReadResult ReadPicture(HLOCAL block, const std::wstring& name, const ReadWatch& watch) {
+    return Timed([&] { return ReadBlock(block, name, watch); });
 }
 
 }  // namespace tessary

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "picture/bitmap_file.h"
+#include "picture/metadata/picture_origin.h"
 #include "picture/picture.h"
 #include "picture/picture_frames.h"
 #include "picture/read/plugin_failure.h"
@@ -32,8 +33,9 @@ struct ReadResult {
     Picture picture{};             // there exactly for a picture's kind
     // Full path of the plug-in that read the picture, took the archive, or was the last to fail.
     std::wstring plugin{};
-    PictureFrames frames{};  // what else is there to see; of a bitmap nothing
-    std::wstring damage{};   // what is missing of the picture, for the user; empty: it is whole
+    uint32_t milliseconds = 0;  // that it took
+    PictureFrames frames{};     // what else is there to see; of a bitmap nothing
+    std::wstring damage{};      // what is missing of the picture, for the user; empty: it is whole
     // Of the last plug-in that took it and failed, when nobody did better; and why one that may
     // know it did not take it.
     std::optional<PluginFailure> failure{};
@@ -41,6 +43,12 @@ struct ReadResult {
     bool isBrokenBitmap = false;  // a bitmap by its first bytes, and not to be read as one
     bool isStopped = false;
 };
+
+// Lets the picture know where it was read.
+void TellOrigin(ReadResult& read, PictureOrigin origin);
+// The same of an archive's member, given its bytes.
+void TellOrigin(ReadResult& read, const std::wstring& archive, const FileStamp& stamp,
+                const std::wstring& member, HLOCAL content);
 
 // Reads a file that was looked at, in a picture's kind: a bitmap that cannot be read is offered to
 // plug-ins, and a plug-in that takes the file and then fails makes room for the next that takes it.

@@ -26,6 +26,8 @@ int __stdcall Take(const void* bytes, size_t size, void* to) {
 // The entries of all libraries differ in the type of the options alone.
 using Entry = int(__stdcall*)(const void*, const void*, const void*, saving::BytesCallback, void*,
                               LONG_PTR);
+using ExifEntry = int(__stdcall*)(const void*, const void*, const void*, saving::BytesCallback,
+                                  void*, LONG_PTR, const saving::ExifBytes*);
 
 }  // namespace
 
@@ -47,16 +49,25 @@ std::shared_ptr<const EncodedPicture> EncodePicture(const Picture& picture,
                                                     const saving::SaveOptions& options,
                                                     LONG_PTR passThrough) {
     const SaverWriter& writer = format.writer;
+    const saving::ExifBytes exif = ExifFor(picture, format);
     const auto make = HelperFunction<Entry>(writer.library, writer.bytesEntry);
-    if (make == nullptr || !picture || !picture.IsThere()) return nullptr;
+    const auto makeWithExif =
+        exif.size != 0 ? HelperFunction<ExifEntry>(writer.library, writer.exifBytesEntry) : nullptr;
+    if ((exif.size != 0 ? makeWithExif == nullptr : make == nullptr) || !picture ||
+        !picture.IsThere())
+        return nullptr;
     const auto encoded = std::make_shared<EncodedPicture>();
     encoded->width = picture.Width();
     encoded->height = picture.Height();
     encoded->bitCount = picture.Header().bitCount;
     const Picture saved = AsItIsSaved(picture, format, options);
-    const bool isMade = make(saved.Info().data(), saved.Bits().data(), writer.options(options),
-                             Take, &encoded->bytes, passThrough) == ERROR_SUCCESS;
-    return isMade ? encoded : nullptr;
+    const void* const chosen = writer.options(options);
+    const int error = makeWithExif != nullptr
+                          ? makeWithExif(saved.Info().data(), saved.Bits().data(), chosen, Take,
+                                         &encoded->bytes, passThrough, &exif)
+                          : make(saved.Info().data(), saved.Bits().data(), chosen, Take,
+                                 &encoded->bytes, passThrough);
+    return error == ERROR_SUCCESS ? encoded : nullptr;
 }
 
 bool SaveEncoded(const EncodedPicture& picture, const std::wstring& fileName,

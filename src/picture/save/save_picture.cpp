@@ -55,7 +55,15 @@ const SaverFormat* FormatFor(const std::wstring& fileName) {
 
 // The entries of all libraries differ in the type of the options alone.
 bool Write(const SaverWriter& writer, const void* info, const void* bits,
-           const std::wstring& fileName, const void* options, LONG_PTR passThrough) {
+           const std::wstring& fileName, const void* options, LONG_PTR passThrough,
+           const saving::ExifBytes& exif = {}) {
+    if (exif.size != 0) {
+        using Entry = int(__stdcall*)(const void*, const void*, const wchar_t*, const void*,
+                                      LONG_PTR, const saving::ExifBytes*);
+        const auto entry = HelperFunction<Entry>(writer.library, writer.exifEntry);
+        return entry != nullptr && (entry(info, bits, fileName.c_str(), options, passThrough,
+                                          &exif) == 0) == writer.zeroIsSuccess;
+    }
     using Entry = int(__stdcall*)(const void*, const void*, const wchar_t*, const void*, LONG_PTR);
     const auto entry = HelperFunction<Entry>(writer.library, writer.entry);
     return entry != nullptr &&
@@ -63,10 +71,11 @@ bool Write(const SaverWriter& writer, const void* info, const void* bits,
 }
 
 bool SaveParts(const SaverFormat& format, const PictureParts& parts, const std::wstring& fileName,
-               const saving::SaveOptions& options, LONG_PTR passThrough) {
+               const saving::SaveOptions& options, LONG_PTR passThrough,
+               const saving::ExifBytes& exif = {}) {
     return Trapped(false, [&] {
         return Write(format.writer, parts.info.data(), parts.bits.data(), fileName,
-                     format.writer.options(options), passThrough);
+                     format.writer.options(options), passThrough, exif);
     });
 }
 
@@ -102,7 +111,13 @@ bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std:
         return false;
     }
     const Picture saved = AsItIsSaved(picture, format, options);
-    return SaveParts(format, {saved.Info(), saved.Bits()}, fileName, options, passThrough);
+    return SaveParts(format, {saved.Info(), saved.Bits()}, fileName, options, passThrough,
+                     ExifFor(picture, format));
+}
+
+saving::ExifBytes ExifFor(const Picture& picture, const SaverFormat& format) {
+    if (format.writer.exifEntry == nullptr) return {};
+    return {picture.Exif().data(), picture.Exif().size()};
 }
 
 Picture AsItIsSaved(const Picture& picture, const SaverFormat& format,

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/settings/saver_format.h"
+#include "helpers/saving/exif_bytes.h"
 #include "helpers/saving/save_options.h"
 #include "picture/picture.h"
 
@@ -27,6 +28,9 @@ bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
 // Saves a picture in a format that the caller has chosen, whatever the name.
 bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std::wstring& fileName,
                    const saving::SaveOptions& options, LONG_PTR passThrough);
+
+// Its EXIF data for a file of the format; none where that cannot hold them.
+saving::ExifBytes ExifFor(const Picture& picture, const SaverFormat& format);
 
 // The picture for a format: in sRGB, and in one without transparency laid over the options'
 // backdrop.

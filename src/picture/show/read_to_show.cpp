@@ -172,6 +172,7 @@ ReadToShow ReadFileAt(const std::wstring& path, uint32_t page, ViewWatch& watch)
     // Nobody is asked twice who has refused it.
     ReadResult read = file.kind == kFileUnknown ? ReadResult{.refusal = file.refusal}
                                                 : ReadPage(file, page, watch.Functions());
+    if (origin.stamp) TellOrigin(read, {.path = path, .stamp = *origin.stamp});
     Keep(origin, read);
     const bool isEmpty = read.kind == kFileUnknown && IsEmptyFile(path);
     return Told(origin, std::move(read), SubjectOf(path), isEmpty ? kEmptyFileText : L"");
@@ -223,6 +224,7 @@ ReadToShow ReadMember(const std::wstring& archivePath, int32_t position, ViewWat
                          .stamp = stamp.value_or(FileStamp{}),
                          .read = ReadPicture(content.Get(), FileNameOf(name), watch.Functions()),
                          .memberDamage = damage});
+        if (stamp) TellOrigin(ready->read, archivePath, *stamp, name, content.Get());
         if (stamp && IsPictureKind(ready->read.kind)) Ahead().Keep(ready->Another());
     }
     ReadToShow result = Told(*std::move(ready), subject);

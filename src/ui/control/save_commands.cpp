@@ -10,6 +10,7 @@
 #include "app/base/write_error.h"
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
+#include "picture/metadata/picture_metadata.h"
 #include "picture/save/save_picture.h"
 #include "picture/save/save_progress.h"
 #include "res/resource.h"
@@ -20,6 +21,7 @@
 #include "ui/form/activity.h"
 #include "ui/form/busy_pointer.h"
 #include "ui/form/session_hold.h"
+#include "ui/form/worker.h"
 
 namespace tessary {
 namespace {
@@ -45,6 +47,18 @@ std::wstring WithoutBackslash(const std::wstring& folder) {
     return folder.size() > 3 ? RemoveBackslash(folder) : folder;
 }
 
+// The current picture with what its file says of it. The file may lie where reading takes long.
+Picture WithMetadata(const SaverFormat& format, const saving::SaveOptions& options,
+                     const std::function<bool()>& waiting) {
+    Picture picture = CurrentPicture().Another();
+    const auto wish = WishFor(picture, format, options);
+    if (!wish) return picture;
+    auto told = CallInBackground<MetadataAnswer>(
+        [origin = picture.Origin(), wish = *wish] { return MetadataOf(*origin, wish); }, waiting);
+    if (told) picture.SetExif(std::move(told->exif));
+    return picture;
+}
+
 enum class Saved { kYes, kNo, kStopped };
 
 // Closing the program waits for the end: only the user who stops it gives up a picture. `error`
@@ -61,9 +75,11 @@ Saved SaveTellingProgress(const SaverFormat& format, const std::wstring& path, f
         window.Breathe();
         return !shown.IsStopped();
     });
+    const saving::SaveOptions options = ChosenSaveOptions();
+    const Picture picture =
+        WithMetadata(format, options, [&] { return window.Breathe() && !shown.IsStopped(); });
     SetLastError(ERROR_SUCCESS);
-    if (SavePictureAs(format, CurrentPicture(), path, ChosenSaveOptions(),
-                      SaveProgress::PassThrough())) {
+    if (SavePictureAs(format, picture, path, options, SaveProgress::PassThrough())) {
         return Saved::kYes;
     }
     error = GetLastError();
@@ -119,11 +135,11 @@ bool SaveCommands::MayReplace(const Choice& chosen) const {
     std::wstring question = chosen.path + L" は既に存在します。\r\n上書きしますか？";
     const std::wstring& original = window_.Source().path;
     if (chosen.format->loss != nullptr && IsSameFile(chosen.path, original)) {
-        question +=
-            L"\r\n\r\n表示している画像の元のファイルです。" +
-            chosen.format->loss(Values().saveOptions) +
-            (chosen.format->metadata.exif ? L"ます。"
-                                          : L"、撮影情報(Exif)や色の情報などは失われます。");
+        question += L"\r\n\r\n表示している画像の元のファイルです。" +
+                    chosen.format->loss(Values().saveOptions) +
+                    (chosen.format->KeepsExif(Values().saveOptions)
+                         ? L"ます。"
+                         : L"、撮影情報(Exif)や色の情報などは失われます。");
     }
     return ShowMessageBox(question, MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
 }

@@ -12,6 +12,7 @@ namespace {
 // Lengths are in units of the dialog.
 constexpr int kLeft = 15;  // of the panel's controls
 constexpr int kFirstTop = 18;
+constexpr int kBottom = 94;
 constexpr int kCheckHeight = 11;
 constexpr int kLabelHeight = 9;
 
@@ -57,6 +58,7 @@ void frmSaveOption::Dialog_Load() {
     MakePanel();
     for (Field& field : fields_)
         field.Show(field.option.ValueIn(*options_));
+    MakeRoom();
     ShowUse();
     FocusFirstControl();
 }
@@ -72,6 +74,28 @@ void frmSaveOption::MakePanel() {
     }
     for (const SaverOption& option : format_->options) {
         if (option.kind == SaverOption::Kind::kSwitch) MakeSwitch(fields_.emplace_back(option));
+    }
+}
+
+void frmSaveOption::MakeRoom() const {
+    if (top_ <= kBottom) return;
+    RECT more{0, 0, 0, top_ - kBottom};
+    MapDialogRect(Handle(), &more);
+    // First: the controls are put in their places for it.
+    RECT frame{};
+    GetWindowRect(Handle(), &frame);
+    SetWindowPos(Handle(), nullptr, 0, 0, frame.right - frame.left,
+                 frame.bottom - frame.top + more.bottom, SWP_NOMOVE | SWP_NOZORDER);
+    const int group = pictureOptionPanel_0 + format_->page * kPictureOptionPanelIds;
+    for (const int id : {group, IDOK, IDCANCEL}) {
+        const HWND control = GetDlgItem(Handle(), id);
+        RECT area{};
+        GetWindowRect(control, &area);
+        MapWindowPoints(nullptr, Handle(), reinterpret_cast<POINT*>(&area), 2);
+        (id == group ? area.bottom : area.top) += more.bottom;
+        if (id != group) area.bottom += more.bottom;
+        SetWindowPos(control, nullptr, area.left, area.top, area.right - area.left,
+                     area.bottom - area.top, SWP_NOZORDER | SWP_NOACTIVATE);
     }
 }
 

@@ -36,6 +36,8 @@ class frmSaveOption final : private Dialog {
     void Dialog_Load() override;
     void Dialog_OK() override;
     void MakePanel();
+    // Makes the dialog higher where the template's panel does not do.
+    void MakeRoom() const;
     void MakeChoice(Field& field);
     void MakeLevel(Field& field);
     void MakeSwitch(Field& field);

@@ -19,14 +19,14 @@ std::vector<Writer> Writers(bool all) {
     std::vector<Writer> writers;
     const auto add = [&](auto write, auto... options) {
         (writers.push_back([=](auto& picture, auto& sink, auto& progress) {
-            return write(picture, options, sink, progress);
+            return write(picture, options, sink, progress, std::span<const uint8_t>());
         }),
          ...);
     };
     add(dcpng::WritePng, PngSaveOptions{0, 0}, PngSaveOptions{6, 0}, PngSaveOptions{6, 1});
     add(dcjpeg::WriteJpeg, JpegSaveOptions{100, 0, 0}, JpegSaveOptions{100, 0, 1},
         JpegSaveOptions{100, 1, 0});
-    const auto writeBitmap = [](auto& picture, auto& options, auto& sink, auto&) {
+    const auto writeBitmap = [](auto& picture, auto& options, auto& sink, auto&, auto) {
         return convertdib::WriteBitmap(picture, options, sink);
     };
     if (all) add(writeBitmap, BmpSaveOptions{0, 0}, BmpSaveOptions{0, 1}, BmpSaveOptions{1, 0});

@@ -8,13 +8,17 @@
 #include "app/base/text.h"
 #include "convert_cli/console_options.h"
 #include "convert_cli/json_report.h"
+#include "helpers/metadata/exif_data.h"
+#include "helpers/metadata/file_metadata.h"
 #include "plugin/plugin_log.h"
 #include "tests/plugins/test_plugins.h"
 #include "tests/support/bitmap_image.h"
 #include "tests/support/child_process.h"
 #include "tests/support/content_of.h"
+#include "tests/support/finished_folder.h"
 #include "tests/support/helper_libraries.h"
 #include "tests/support/redirected_settings.h"
+#include "tests/support/seeds.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary {
@@ -170,6 +174,52 @@ TEST_F(ConvertCliTest, ConvertsAndTellsByItsStatus) {
     Expect(RunProgram(L"--out out --ignore-settings in"), 0, {});
     EXPECT_EQ(GetSetting(L"Init", L"Run", L"-"), L"-") << "settings are never written";
     EXPECT_EQ(GetSetting(L"General", L"UseSPI", L"-"), L"-");
+}
+
+// Small files are read by the run itself, large ones on threads; both take it along.
+TEST_F(ConvertCliTest, KeepsWhatPhotographsSay) {
+    UsePlugins();
+    for (const wchar_t* const name : {L"iftessjpeg.spi", L"iftesspng.spi"})
+        CopyFileW((test::FinishedFolder() + name).c_str(),
+                  (folder_.Path() + LR"(spi\)" + name).c_str(), FALSE);
+    const test::Bytes photo = test::Seed("fuzz_metadata/jpeg");
+    std::string bytes(photo.begin(), photo.end());
+    folder_.Write(LR"(in\small.jpg)", bytes);
+    folder_.Write(LR"(in\large.jpg)", bytes + std::string(300'000, 'x'));
+    const auto told = [&](const std::wstring& name) {
+        const auto file = ContentOf<test::Bytes>(folder_.Path() + name);
+        dib::MemorySource source(file);
+        return metadata::ReadFileMetadata(source);
+    };
+    const auto has = [&](const std::wstring& name, metadata::FieldKind kind, const char* text) {
+        return std::ranges::count(told(name).fields, metadata::Field{kind, text}) == 1;
+    };
+    using metadata::FieldKind;
+    for (const std::wstring format : {L"jpg", L"png"}) {
+        Expect(RunProgram(L"--out " + format + L" --format " + format + L" in"), 0, {"変換 2"});
+        for (const wchar_t* const stem : {L"small.", L"large."}) {
+            const std::wstring name = format + L'\\' + stem + format;
+            EXPECT_TRUE(has(name, FieldKind::kModel, "T-1")) << name;
+            EXPECT_TRUE(has(name, FieldKind::kOrientation, "1")) << "the pixels are turned";
+            EXPECT_TRUE(has(name, FieldKind::kPosition, "35\u00B039'31.2\"N 139\u00B044'43.5\"E"));
+            const auto exif = told(name).exif;
+            const auto wide = metadata::LoadExif(exif);
+            const auto number = [&](ExifTag tag) {
+                return metadata::ExifValue(wide, EXIF_IFD_EXIF, tag).Number();
+            };
+            EXPECT_EQ(number(EXIF_TAG_PIXEL_X_DIMENSION), 16u);
+            EXPECT_EQ(number(EXIF_TAG_PIXEL_Y_DIMENSION), 24u);
+            EXPECT_EQ(wide->size, 0u) << "the thumbnail";
+        }
+    }
+    EXPECT_NE(ContentOf(folder_.Path() + LR"(png\small.png)").find("sRGB"), std::string::npos);
+    Expect(RunProgram(L"--out hidden --format jpg --no-jpeg-gps in"), 0, {});
+    EXPECT_TRUE(has(LR"(hidden\small.jpg)", FieldKind::kModel, "T-1"));
+    EXPECT_FALSE(has(LR"(hidden\small.jpg)", FieldKind::kPosition,
+                     "35\u00B039'31.2\"N 139\u00B044'43.5\"E"));
+    Expect(RunProgram(L"--out without --format jpg --no-jpeg-exif in"), 0, {});
+    EXPECT_TRUE(told(LR"(without\small.jpg)").exif.empty());
+    EXPECT_TRUE(told(LR"(without\large.jpg)").exif.empty());
 }
 
 TEST_F(ConvertCliTest, WritesWhatItsConsoleReads) {

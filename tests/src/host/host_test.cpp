@@ -5,6 +5,7 @@
 #include "app/base/handles.h"
 #include "app/settings/modValue.h"
 #include "host/metadata_host.h"
+#include "picture/metadata/picture_metadata.h"
 #include "plugin/CollectionSusie.h"
 #include "plugin/call_watch.h"
 #include "plugin/modSusie.h"
@@ -13,6 +14,7 @@
 #include "tests/support/content_of.h"
 #include "tests/support/process_resources.h"
 #include "tests/support/seeds.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tessary {
 namespace {
@@ -86,6 +88,23 @@ TEST_F(HostTest, MetadataAreReadInAProcessOfTheirOwn) {
     EXPECT_TRUE(host.Ask({}).fields.empty());
     EXPECT_FALSE(host.Ask({.path = path}).fields.empty());
     EXPECT_TRUE(MetadataHost(path).Ask({.path = path}).fields.empty()) << "no program";
+}
+
+TEST_F(HostTest, APictureNeverGetsTheMetadataOfAnother) {
+    const auto host = std::make_shared<MetadataHost>(kProgram);
+    const test::TemporaryFolder folder;
+    const auto photo = test::ContentOf(SeedFolder() / "fuzz_metadata" / "jpeg");
+    PictureOrigin origin{.path = folder.Write(L"photo.jpg", photo)};
+    origin.stamp = ExactStampOf(origin.path).value_or(FileStamp{});
+    EXPECT_FALSE(MetadataOf(origin, {480, 320}, host).exif.empty());
+    folder.Write(L"photo.jpg", photo + "!");
+    EXPECT_TRUE(MetadataOf(origin, {480, 320}, host).exif.empty());
+    EXPECT_TRUE(MetadataOf(origin, {}, host).fields.empty());
+    // An archive's member is known by its own bytes.
+    origin.member = L"a.jpg";
+    EXPECT_TRUE(MetadataOf(origin, {}, host).fields.empty());
+    origin.head.assign(photo.begin(), photo.end());
+    EXPECT_FALSE(MetadataOf(origin, {}, host).fields.empty());
 }
 
 // One that does not listen is not held up to the user, and nobody blames it.

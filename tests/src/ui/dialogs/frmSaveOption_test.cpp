@@ -12,7 +12,7 @@ namespace {
 TEST(SaveOptionTest, EachFormatHasItsPanel) {
     frmSaveOption form;
     saving::SaveOptions all;
-    auto& [bmp, png, jpeg, backdrop] = all;
+    auto& [bmp, png, jpeg, backdrop, pngExif, jpegExif, pngPosition, jpegPosition] = all;
     all = {{.saveType = 1, .saveRLE = 1}, {.quality = 99}, {.quality = 75, .progressive = 1}};
     const auto edit = [&](int32_t format) {
         return form.Edit(nullptr, *SaverFormatAt(format), all);
@@ -40,6 +40,8 @@ TEST(SaveOptionTest, EachFormatHasItsPanel) {
                            EXPECT_EQ(TextOf(dialog, valuePNGQuality), L"9");
                            PressKey(dialog, sliderPNGQuality, VK_LEFT);
                            Click(dialog, checkPNGInterless);
+                           EXPECT_TRUE(IsUsable(dialog, checkPNGExif));
+                           Click(dialog, checkPNGExif);
                            Press(dialog, IDOK);
                        }});
     EXPECT_FALSE(edit(kJpegFormat));
@@ -51,6 +53,7 @@ TEST(SaveOptionTest, EachFormatHasItsPanel) {
     EXPECT_TRUE(jpeg.quality == 70 && jpeg.progressive == 1 && jpeg.optimizedHuffman == 1);
     EXPECT_TRUE(bmp.saveType == 0 && bmp.saveRLE == 1);
     EXPECT_TRUE(png.quality == 8 && png.interlace == 1);
+    EXPECT_TRUE(pngExif == 0 && jpegExif == 1);
 }
 
 }  // namespace

@@ -68,9 +68,9 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
         EXPECT_EQ(AliveItems(),
                   (std::set<int>{menuFileExit, menuViewControlBar, menuControl_2, menuControl_5,
                                  commandFullScreen, commandPlayAnimations, commandZoomIn,
-                                 commandZoomOut, commandToggleFit, commandEnlargeSmall,
-                                 commandBackdrop_0, commandBackdrop_1, commandBackdrop_2,
-                                 commandBackdrop_3, commandBackdrop}));
+                                 commandZoomOut, commandToggleFit, commandShowInfo,
+                                 commandEnlargeSmall, commandBackdrop_0, commandBackdrop_1,
+                                 commandBackdrop_2, commandBackdrop_3, commandBackdrop}));
         PressControlMenu();
         EXPECT_EQ(controlBar_.pressed, (std::vector<int>{4, 15}));
     }

@@ -1,0 +1,27 @@
+// Where a picture was read: of what its metadata are asked for.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "picture/picture.h"
+#include "plugin/file_stamp.h"
+
+namespace tessary {
+
+struct PictureOrigin {
+    std::wstring path{};          // full, of its file, or of the archive that it is in
+    FileStamp stamp{};            // of that, as it was read (ExactStampOf)
+    std::wstring member{};        // its name in the archive; empty: it is the file itself
+    uint64_t memberSize = 0;      // in bytes
+    std::vector<uint8_t> head{};  // the member's first bytes
+    std::wstring plugin{};        // full path of what has read it; empty: the program itself
+    uint32_t milliseconds = 0;    // that this took
+};
+
+// As much of a member's beginning as is kept: EXIF data and a profile in front of the picture.
+constexpr size_t kMemberHead = 256u << 10;
+
+}  // namespace tessary
