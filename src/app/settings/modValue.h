@@ -64,6 +64,7 @@ struct GeneralSettings {
     int16_t sizeButton = kSizeButtonAll;
     int16_t backdrop = kBackdropSquares;
     int16_t playAnimation = 1;  // 1: animations play as soon as they are shown
+    int16_t showInfo = 0;       // 1: what is known of the picture stands beside it
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 

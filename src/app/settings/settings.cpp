@@ -98,6 +98,7 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"SizeButton", general.sizeButton, L"0");
     transfer(L"Backdrop", general.backdrop, L"0");
     transfer(L"PlayAnimation", general.playAnimation, L"1");
+    transfer(L"ShowInfo", general.showInfo, L"0");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
     transfer(L"EmptySPI_3", general.emptySPI[2], L"False");

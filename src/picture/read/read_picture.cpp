@@ -35,8 +35,8 @@ ReadResult Decode(Search search, Archives archives, const ReadWatch& watch, uint
                 picture = plugin->DecodeFrame(page, watch.progress, duration);
             } else {
                 plugin->DecodePicture(DecodeTarget::kMemory,
-                                      watch.takesOwnColors ? kDecodeInOwnColors : 0,
-                                      watch.progress, {}, &picture);
+                                      watch.takesOwnColors ? kDecodeInOwnColors : 0, watch.progress,
+                                      {}, &picture);
             }
         });
         if (IsStopped(watch)) return Stopped();

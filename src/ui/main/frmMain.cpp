@@ -5,6 +5,7 @@
 
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "app/settings/modValue.h"
 #include "app/settings/settings.h"
 #include "picture/current_picture.h"
 #include "picture/show/picture_text.h"
@@ -51,7 +52,8 @@ frmMain::frmMain(MainWindowServices services)
           [this](const MSG& key) {
               const bool isButtons =
                   silence_.HasFocus() && (key.wParam == VK_RETURN || key.wParam == VK_SPACE);
-              return GetAncestor(key.hwnd, GA_ROOT) == Handle() && !isButtons;
+              return GetAncestor(key.hwnd, GA_ROOT) == Handle() && !isButtons &&
+                     !info_.TakesKey(key.wParam);
           }) {
     RegisterCommands();
 }
@@ -103,12 +105,23 @@ void frmMain::Form_Load() {
     });
     ShowPluginCount();
     SetPanelText(kShownFilePanel, L"");
+    info_.SetOpen(Values().general.showInfo != 0);
     commands_.ShowState(GetMenu(Handle()));
 }
 
 void frmMain::CreateControls() {
     statusInformation_.Create(Handle());
     silence_.Create(
+        Handle(),
+        [this] {
+            const SIZE size = ClientSize();
+            Form_Resize(size.cx, size.cy);
+        },
+        [this](bool back) {
+            if (back || controlBar_ == nullptr) return TakeFocus();
+            controlBar_->TakeFocus(BarFocus::kFirst);
+        });
+    info_.Create(
         Handle(),
         [this] {
             const SIZE size = ClientSize();
@@ -187,7 +200,10 @@ SIZE frmMain::MinimumSize() const {
 std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SETCURSOR:
-            if (silence_.Holds(reinterpret_cast<HWND>(wParam))) return std::nullopt;
+            if (silence_.Holds(reinterpret_cast<HWND>(wParam)) ||
+                info_.Holds(reinterpret_cast<HWND>(wParam))) {
+                return std::nullopt;
+            }
             // A disabled window is told HTERROR wherever the pointer is.
             if (!IsReadUnderWay() ||
                 (LOWORD(lParam) != HTCLIENT && LOWORD(lParam) != static_cast<WORD>(HTERROR))) {
@@ -274,6 +290,7 @@ void frmMain::Form_Unload() {
     if (controlBar_ != nullptr) controlBar_->Unload();
     SavePlacement();
     restingPointer_.Stop();
+    info_.Stop();
     fullScreen_ = {};
     ClearPicture();
     frames_.End();
@@ -291,7 +308,7 @@ void frmMain::Form_Resize(int width, int height) {
     if (pictureView_.Handle() == nullptr) return;
     int bottom = height - (fullScreen_.IsOn() ? 0 : statusInformation_.Layout());
     bottom -= silence_.Layout(width, bottom);
-    pictureView_.SetBounds(0, 0, width, std::max(bottom, 0));
+    pictureView_.SetBounds(0, 0, width - info_.Layout(width, bottom), std::max(bottom, 0));
     RoomChanged();
 }
 

@@ -25,6 +25,7 @@
 #include "ui/main/control_bar.h"
 #include "ui/main/frame_show.h"
 #include "ui/main/full_screen.h"
+#include "ui/main/info_pane.h"
 #include "ui/main/modWindowProc.h"
 #include "ui/main/picture_popup.h"
 #include "ui/main/picture_stage.h"
@@ -174,6 +175,7 @@ class frmMain final : public Form, public PictureView {
     // The user has chosen another display size mode: what is shown takes it at once.
     void FollowSizeMode();
     const StatusBar& statusInformation() const { return statusInformation_; }
+    const InfoPane& Info() const { return info_; }
 
     // PictureView
     SightRoom Room() const override;
@@ -198,6 +200,7 @@ class frmMain final : public Form, public PictureView {
     void Form_MetricsChanged() override {
         statusInformation_.ChangeMetrics();
         silence_.ChangeMetrics();
+        info_.ChangeMetrics();
     }
     void Form_MenuOpen() override { commands_.ShowState(GetMenu(Handle())); }
     void Form_Command(int id) override { commands_.Run(id); }
@@ -265,6 +268,7 @@ class frmMain final : public Form, public PictureView {
     void ShowFrame(PlayedFrame frame, bool isInMotion);
     void SetBackdrop(int16_t backdrop);
     void ShowScale();
+    void ShowInfo(bool on);
     void pictureView_Wheel(int notches, int shift, POINT at);
     void pictureView_DoubleClick(POINT at);
     void pictureView_MouseDown(int button, POINT at);
@@ -282,6 +286,7 @@ class frmMain final : public Form, public PictureView {
     FrameShow frames_;
     StatusBar statusInformation_;
     SilenceBar silence_;
+    InfoPane info_;
     FullScreen fullScreen_;
     RestingPointer restingPointer_;
     bool barComesBack_ = false;  // behind the full screen

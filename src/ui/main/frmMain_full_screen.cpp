@@ -19,7 +19,9 @@ void frmMain::Escape() {
     const bool stopsRead = fullScreen_.IsOn() ? TakesStop() : IsReadUnderWay();
     if (playing || stopsRead) commands_.Run(menuControl_2);
     if (stopsRead && !playing) return;
-    if (fullScreen_.IsOn()) {
+    if (info_.IsOpen() && !playing) {
+        ShowInfo(false);
+    } else if (fullScreen_.IsOn()) {
         SetFullScreen(false);
     } else if (!playing) {
         commands_.Run(commandCancelDelete);

@@ -65,6 +65,9 @@ void frmMain::RegisterViewCommands() {
         commands_.Register(command,
                            {.run = [this, turn] { TurnPicture(turn); }, .enabled = pictureShown});
     }
+    commands_.Register(commandShowInfo, {.run = [this] { ShowInfo(!info_.IsOpen()); },
+                                         .checked = [this] { return info_.IsOpen(); },
+                                         .whileLoading = true});
     commands_.Register(commandEnlargeSmall,
                        {.run =
                             [this] {
@@ -104,6 +107,7 @@ void frmMain::TurnPicture(Turn turn) {
     const BusyPointer busy;
     Picture turned = TurnedPicture(CurrentPicture(), turn);
     if (!turned) return ShowNote(L"メモリが足りないため、画像の向きを変えられません。");
+    turned.SetOrigin(CurrentPicture().Origin());
     SetCurrentPicture(std::move(turned), std::wstring(CurrentPictureDamage()));
     PutIntoView(CurrentPicture().Another(), {});
     orientation_ = exif::Composed(orientation_, OrientationOf(turn));
@@ -142,6 +146,7 @@ bool frmMain::MaySeeFrames() const {
 // It is the picture that is saved and copied. What is seen for long enough becomes sharp later.
 void frmMain::ShowFrame(PlayedFrame frame, bool isInMotion) {
     constexpr std::chrono::milliseconds kLong{200};
+    frame.picture.SetOrigin(CurrentPicture().Origin());
     SetCurrentPicture(std::move(frame.picture), std::wstring(CurrentPictureDamage()));
     stage_.ShowFrame(std::move(frame.pixels), std::move(frame.sharp));
     if (!isInMotion || frame.shown >= kLong) stage_.Sharpen();
@@ -175,7 +180,8 @@ void frmMain::pictureView_KeyDown(int keyCode, int shift) {
         case VK_RETURN:
             return Step((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
         case VK_TAB:
-            if ((shift & kShiftMask) == 0 && silence_.MoveFocus(false)) return;
+            if ((shift & kShiftMask) == 0 && (silence_.MoveFocus(false) || info_.TakeFocus()))
+                return;
             if (controlBar_ == nullptr) return;
             return controlBar_->TakeFocus((shift & kShiftMask) != 0 ? BarFocus::kLast
                                                                     : BarFocus::kFirst);
@@ -220,8 +226,8 @@ void frmMain::pictureView_ContextMenu(POINT onScreen) {
     // The full screen has no other menu.
     AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
     const UniqueMenu bar = LoadMenuResource(menuMainWindow);
-    for (const int command :
-         {commandStepForward, commandStepBack, commandAddToDeleteList, commandFullScreen}) {
+    for (const int command : {commandStepForward, commandStepBack, commandAddToDeleteList,
+                              commandShowInfo, commandFullScreen}) {
         AppendMenuW(popup, MF_STRING, command, MenuCaption(bar.Get(), command).c_str());
     }
     commands_.ShowState(popup);
@@ -257,6 +263,11 @@ void frmMain::ShowScale() {
         PictureShown() ? std::to_wstring(std::max(percent, 1L)) + L" %" : std::wstring();
     if (frames_.IsThere()) text += L"   " + frames_.Text();
     if (statusInformation_.PanelText(kScalePanel) != text) SetPanelText(kScalePanel, text);
+}
+
+void frmMain::ShowInfo(bool on) {
+    Values().general.showInfo = on ? 1 : 0;
+    info_.SetOpen(on);
 }
 
 void frmMain::SetPicture(Picture picture, const Picture& prepared) {
@@ -296,6 +307,7 @@ void frmMain::PutIntoView(Picture picture, const Picture& prepared) {
     const bool wasShown = PictureShown();
     stage_.SetPicture(std::move(picture), prepared);
     ShowScale();
+    info_.PictureChanged();
     if (PictureShown() != wasShown && pictureShownChanged_) pictureShownChanged_();
 }
 

@@ -4,6 +4,7 @@
 
 #include "app/settings/settings_store.h"
 #include "tests/src/ui/main/main_window.h"
+#include "tests/src/ui/run_until.h"
 #include "ui/form/activity.h"
 #include "ui/form/screen.h"
 #include "ui/main/window_placement.h"
@@ -38,6 +39,31 @@ class FullScreenTest : public test::MainWindowTest {
         EXPECT_EQ(SendToView(WM_MOUSEWHEEL, MAKEWPARAM(keys, delta), 0), 0);
     }
 };
+
+TEST_F(FullScreenTest, HasRoomForWhatIsKnownOfThePicture) {
+    ShowPicture(100, 60);
+    const LONG whole = View().cx;
+    Choose(commandShowInfo);
+    EXPECT_EQ(Values().general.showInfo, 1);
+    EXPECT_LT(View().cx, whole);
+    EXPECT_EQ(window_.Info().Text(), L"画像\t100 × 60、24 ビット\r\n");
+    Choose(commandTurnRight);
+    EXPECT_TRUE(test::RunUntil(
+        [&] { return window_.Info().Text().find(L"60 × 100") != std::wstring::npos; }));
+    EXPECT_FALSE(window_.Info().HasFocus()) << "the keys stay the picture's";
+    SendToView(WM_KEYDOWN, VK_TAB, 0);
+    EXPECT_TRUE(window_.Info().TakesKey(VK_NEXT));
+    EXPECT_FALSE(window_.Info().TakesKey(L'I'));
+    Choose(commandFullScreen);
+    EXPECT_LT(View().cx, Screen().right);
+    Choose(menuEditClear);
+    EXPECT_TRUE(test::RunUntil([&] { return window_.Info().Text() == L"画像がありません。"; }));
+    Choose(commandEscape);
+    EXPECT_EQ(Values().general.showInfo, 0);
+    ExpectFull();
+    Choose(commandEscape);
+    EXPECT_EQ(View().cx, whole);
+}
 
 TEST_F(FullScreenTest, CoversTheScreenAndGivesEverythingBack) {
     Values().general.doubleClick = kDoubleClickFullScreen;

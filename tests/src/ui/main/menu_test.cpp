@@ -11,11 +11,12 @@
 namespace tessary {
 namespace {
 
-const std::set<int> kAlways{
-    menuFileExit,      menuViewControlBar,  menuControl_0,     menuControl_1,
-    menuControl_2,     menuControl_3,       menuControl_4,     menuControl_5,
-    commandFullScreen, commandEnlargeSmall, commandBackdrop_0, commandBackdrop_1,
-    commandBackdrop_2, commandBackdrop_3,   commandBackdrop,   commandPlayAnimations};
+const std::set<int> kAlways{menuFileExit,          menuViewControlBar, menuControl_0,
+                            menuControl_1,         menuControl_2,      menuControl_3,
+                            menuControl_4,         menuControl_5,      commandFullScreen,
+                            commandEnlargeSmall,   commandBackdrop_0,  commandBackdrop_1,
+                            commandBackdrop_2,     commandBackdrop_3,  commandBackdrop,
+                            commandPlayAnimations, commandShowInfo};
 
 class MenuTest : public test::MainWindowTest {
   protected:
