@@ -69,11 +69,13 @@ void Play(const Animation& animation, const Picture& first, SIZE view) {
     events.nudged = [&] {
         std::optional<PlayedFrame> frame = player.Take();
         if (!frame) return;
+        const SightPart wish = stage.SharpWish();
+        const bool isMade = frame->sharp || IsRectEmpty(&wish.part) != FALSE;
         stage.ShowFrame(std::move(frame->pixels), std::move(frame->sharp));
         late.push_back(Milliseconds(Clock::now() - frame->due).count());
         const uint32_t next = last + 1 == animation.count ? 0 : last + 1;
         if (late.size() > 1 && frame->index != next) ++passed;
-        if (!stage.IsSharp()) ++unsharp;
+        if (!isMade) ++unsharp;
         last = frame->index;
     };
     box.Create(parent, std::move(events));
@@ -92,6 +94,7 @@ void Play(const Animation& animation, const Picture& first, SIZE view) {
     }
     const double share =
         (ProcessorTimeOfAll() - before) / Milliseconds(Clock::now() - begin).count();
+    if (player.IsOver()) std::printf("ended by itself behind frame %u\n", last);
     player.End();
     stage.SetPicture({}, {});
     DestroyWindow(parent);

@@ -47,6 +47,7 @@ struct Job {
     uint32_t index = 0;
     FrameLook look{};
     bool isSharp = false;
+    bool isBrief = false;
 };
 
 struct Made {
@@ -66,7 +67,8 @@ PlayedFrame Make(const Job& job, const std::function<bool()>& isWanted, Clock::d
         frame.picture = std::move(picture);
         if (!job.isSharp || IsRectEmpty(&seen.part) || IsExactAsItIs(size, seen.shown)) return;
         const auto begin = Clock::now();
-        frame.sharp = MakeSharpPart(*frame.pixels, seen, isWanted);
+        frame.sharp = job.isBrief ? SharpPart::DraftOf(seen, *frame.pixels)
+                                  : MakeSharpPart(*frame.pixels, seen, isWanted);
         cost = Clock::now() - begin;
     });
     return frame;
@@ -110,6 +112,10 @@ struct FramePlayer::State {
     }
 
     // --- The thread that shows ---
+    // Whether something is to happen when the time of the frame that is seen is over.
+    bool IsNextKnown() const {
+        return clock.IsAtEnd() || failed == clock.Next() || store.Find(clock.Next()) != nullptr;
+    }
     bool GoOn(std::unique_lock<std::mutex>& lock);
     bool IsMade(uint32_t index) const {
         return made && made->frame.index == index && made->look == look;
@@ -313,7 +319,8 @@ void FramePlayer::ShowFrames(const std::shared_ptr<State>& state) {
         if (state->GoOn(lock)) continue;
         state->work.notify_one();
         const FrameTime end = state->clock.End();
-        const bool isTimed = state->isPlaying && !state->wished && Clock::now() < end;
+        // The time may be over by now: then it is not waited for.
+        const bool isTimed = state->isPlaying && !state->wished && state->IsNextKnown();
         lock.unlock();
         isTimed ? state->timer.WaitUntil(end) : state->timer.Wait();
         lock.lock();
@@ -360,7 +367,8 @@ void FramePlayer::State::Prepare(std::unique_lock<std::mutex>& lock, uint32_t in
                                  bool isInMotion) {
     const Frame& frame = *store.Find(index);
     const bool isSharp = !isInMotion || IsAffordable(cost, ShownFor(frame.milliseconds));
-    const Job job{animation, frame.picture.Another(), index, look, isSharp};
+    const bool isBrief = isInMotion && ShownFor(frame.milliseconds) < kBrief;
+    const Job job{animation, frame.picture.Another(), index, look, isSharp, isBrief};
     const uint32_t begun = serial;
     Clock::duration took = cost;
     made.reset();

@@ -15,6 +15,9 @@
 
 namespace tessary {
 
+// What is shown for less is not made as sharp as it can be.
+inline constexpr std::chrono::milliseconds kBrief{200};
+
 // How frames are to be seen.
 struct FrameLook {
     uint16_t orientation = exif::kUpright;  // as EXIF counts it

@@ -71,6 +71,40 @@ void SightPixels::DrawNearest(const SightPart& sight, const PixelRows& rows) con
     });
 }
 
+void SightPixels::DrawAveraged(const SightPart& sight, const PixelRows& rows) const {
+    const dib::DibView& view = picture_.View();
+    const auto width = static_cast<size_t>(sight.Width());
+    std::vector<int32_t> columns(2 * width);
+    for (size_t x = 0; x < columns.size(); ++x) {
+        columns[x] = Nearest(2 * int64_t{sight.part.left} + static_cast<int64_t>(x), view.Width(),
+                             2 * int64_t{sight.shown.cx});
+    }
+    const auto row = [&](int y, int half) {
+        return view.Row(Nearest(2 * (int64_t{sight.part.top} + y) + half, view.Height(),
+                                2 * int64_t{sight.shown.cy}));
+    };
+    // Of all four bytes at once: one rounds down, the other up.
+    const auto lower = [](uint32_t a, uint32_t b) {
+        return (a & b) + (((a ^ b) & 0xFEFEFEFE) >> 1);
+    };
+    const auto upper = [](uint32_t a, uint32_t b) {
+        return (a | b) - (((a ^ b) & 0xFEFEFEFE) >> 1);
+    };
+    InBands(sight.Height(), int64_t{sight.Width()} * sight.Height(), [&](int first, int end) {
+        std::vector<uint32_t> above(2 * width);
+        std::vector<uint32_t> below(2 * width);
+        for (int y = first; y < end; ++y) {
+            reader_.Pick(row(y, 0), columns, above.data());
+            reader_.Pick(row(y, 1), columns, below.data());
+            uint32_t* const out = rows.Row(y);
+            for (size_t x = 0; x < width; ++x) {
+                out[x] = upper(lower(above[2 * x], above[2 * x + 1]),
+                               lower(below[2 * x], below[2 * x + 1]));
+            }
+        }
+    });
+}
+
 void LayOver(const PixelRows& rows, SIZE size, POINT origin, int side,
              const uint32_t (&colors)[2]) {
     // Squares are counted from far outside, so that no place is below 0.
@@ -98,6 +132,14 @@ SharpPart::SharpPart(const SightPart& sight)
     : sight_(sight),
       pixels_(std::make_unique_for_overwrite<uint32_t[]>(static_cast<size_t>(sight.Width()) *
                                                          static_cast<size_t>(sight.Height()))) {}
+
+std::shared_ptr<const SharpPart> SharpPart::DraftOf(const SightPart& sight,
+                                                    const SightPixels& pixels) {
+    auto draft = std::make_shared<SharpPart>(sight);
+    draft->isDraft_ = true;
+    pixels.DrawAveraged(sight, draft->Rows());
+    return draft;
+}
 
 std::shared_ptr<const SharpPart> SharpPart::Of(const SightPart& sight, const Picture& made) {
     auto sharp = std::make_shared<SharpPart>(sight);

@@ -145,11 +145,10 @@ bool frmMain::MaySeeFrames() const {
 
 // It is the picture that is saved and copied. What is seen for long enough becomes sharp later.
 void frmMain::ShowFrame(PlayedFrame frame, bool isInMotion) {
-    constexpr std::chrono::milliseconds kLong{200};
     frame.picture.SetOrigin(CurrentPicture().Origin());
     SetCurrentPicture(std::move(frame.picture), std::wstring(CurrentPictureDamage()));
     stage_.ShowFrame(std::move(frame.pixels), std::move(frame.sharp));
-    if (!isInMotion || frame.shown >= kLong) stage_.Sharpen();
+    if (!isInMotion || frame.shown >= kBrief) stage_.Sharpen();
 }
 
 void frmMain::pictureView_Wheel(int notches, int shift, POINT at) {

@@ -206,7 +206,8 @@ bool PictureStage::IsSharp() const {
     if (!HasPicture() || IsExactAsItIs(sight_.Picture(), sight_.Shown())) return true;
     const SightPart seen = SeenPart();
     RECT outside{};
-    return IsUsable(sharp_.get()) && !SubtractRect(&outside, &seen.part, &sharp_->Sight().part);
+    return IsUsable(sharp_.get()) && !sharp_->IsDraft() &&
+           !SubtractRect(&outside, &seen.part, &sharp_->Sight().part);
 }
 
 void PictureStage::Sharpen() {

@@ -3,6 +3,7 @@
 
 #include "app/settings/modValue.h"
 #include "host/host_connection.h"
+#include "picture/frames/plugin_frames.h"
 #include "plugin/call_watch.h"
 #include "plugin/modSusie.h"
 #include "tests/src/plugin/plugin_test.h"
@@ -120,6 +121,42 @@ TEST_F(AheadTest, NoEndOfAPluginIsFeltOrCountedBeforeItIsAskedFor) {
     EXPECT_EQ(ReadErrorCount(plugin_, {}), 0);
     EXPECT_TRUE(ReadPicture(LookAtFile(ending), {}).failure);
     EXPECT_EQ(ReadErrorCount(plugin_, {}), 1) << "by the one who asks";
+}
+
+TEST_F(AheadTest, FramesComeFromAHostOfTheirOwnWhileTheFileIsTheSame) {
+    const std::wstring plugin = Plugin(L"frames.spi");
+    SusieCollection().AddSPI(plugin);
+    const auto known = std::make_shared<const KnownPlugins>(KnownOf(SusieCollection()));
+    const std::unique_ptr<FrameReader> reader =
+        PluginFrameReaders([] { return OwnHostConnector(HostWindows::kHidden, kProgram); })();
+    const auto animationOf = [&](const AheadEntry& entry) {
+        Animation animation;
+        animation.entry = entry;
+        animation.stamp = *ExactStampOf(entry.path);
+        animation.plugin = plugin;
+        animation.plugins = known;
+        return animation;
+    };
+    const auto width = [&](const Animation& animation, uint32_t index) {
+        const std::optional<Frame> frame = reader->Read(animation, index, [] { return true; });
+        EXPECT_TRUE(!frame || frame->milliseconds == 10 * index);
+        return frame ? frame->picture.Width() : 0;
+    };
+    const Animation good = animationOf({PictureFile("frames:1:4:0\n")});
+    const Animation bad = animationOf({PictureFile("frames:1:4:0\ncrash:exit-well:GetFrame\n")});
+    const Animation member = animationOf(
+        {folder_.Write(L"book.tsa", test::ArchiveOf({{"a.tst", "TST 1x1x24\n\n"},
+                                                     {"b.tst", "TST 7x1x24\nframes:1:3:0\n"}})),
+         2});
+    for (int times = 0; times < 2; ++times) {
+        EXPECT_EQ(width(good, 0), 3);
+        EXPECT_EQ(width(good, 2), 5);
+        EXPECT_EQ(width(bad, 1), 0);
+        EXPECT_EQ(width(member, 1), 8) << "behind a host that has ended";
+    }
+    EXPECT_EQ(ReadErrorCount(plugin, {}), 0) << "nobody has asked for it";
+    folder_.Write(FileNameOf(good.entry.path), "TST 30x2x24\nframes:1:4:0\n");
+    EXPECT_EQ(width(good, 1), 0) << "another file is another animation";
 }
 
 TEST_F(AheadTest, OnceAtRestOrSwitchedOffNothingIsUnderWay) {

@@ -10,8 +10,10 @@
 
 #include "app/settings/modValue.h"
 #include "helpers/dib/unpack_row.h"
+#include "picture/view/sight_pixels.h"
 #include "picture/view/turned_picture.h"
 #include "tests/helpers/dib/sample_picture.h"
+#include "tests/src/ui/test_picture.h"
 
 namespace tessary {
 namespace {
@@ -195,6 +197,22 @@ TEST_F(SightTest, TogglesBetweenOwnSizeAndTheWhole) {
     sight_.ToggleFit({});
     sight_.ZoomBySteps(3, {});
     EXPECT_EQ(sight_.Shown().cx, 0);
+}
+
+TEST(SightPixelsTest, AveragesAreOfFourPixelsWhereverThePartBegins) {
+    const Picture stripes = test::PictureOf(80, 60, [](std::span<uint8_t> rows) {
+        for (size_t i = 0; i < rows.size(); ++i)
+            rows[i] = i / 3 % 2 == 0 ? 0 : 200;
+    });
+    const SightPixels pixels(stripes.Another());
+    for (const RECT& part : {RECT{0, 0, 40, 30}, RECT{7, 5, 23, 30}}) {
+        const auto draft = SharpPart::DraftOf({{40, 30}, part}, pixels);
+        EXPECT_TRUE(draft->IsDraft());
+        for (int y = 0; y < draft->Sight().Height(); ++y) {
+            for (int x = 0; x < draft->Sight().Width(); ++x)
+                ASSERT_EQ(draft->Row(y)[x] & 0xFFFFFF, 0x646464U) << x << ' ' << y;
+        }
+    }
 }
 
 }  // namespace
