@@ -4,42 +4,14 @@
 #include <shlobj.h>
 
 #include <array>
-#include <atomic>
 #include <memory>
 #include <utility>
 
+#include "ui/form/counted_object.h"
 #include "ui/form/file_block.h"
 
 namespace tessary {
 namespace {
-
-// Lives as long as somebody keeps a reference.
-template <class Interface>
-class Counted : public Interface {
-  public:
-    Counted() = default;
-    Counted(const Counted&) = delete;
-    Counted& operator=(const Counted&) = delete;
-    virtual ~Counted() = default;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, __uuidof(Interface));
-        *object = known ? static_cast<Interface*>(this) : nullptr;
-        if (!known) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) const std::unique_ptr<Counted> self(this);
-        return left;
-    }
-
-  private:
-    std::atomic<ULONG> references_ = 1;
-};
 
 struct ReleaseObject {
     void operator()(IUnknown* object) const { object->Release(); }

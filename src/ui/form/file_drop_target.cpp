@@ -1,10 +1,10 @@
 #include "ui/form/file_drop_target.h"
 
-#include <atomic>
 #include <optional>
 #include <utility>
 
 #include "app/base/error.h"
+#include "ui/form/counted_object.h"
 #include "ui/form/file_block.h"
 
 namespace tessary {
@@ -23,26 +23,11 @@ std::vector<std::wstring> DroppedPaths(IDataObject& data) {
     return paths;
 }
 
-// The COM side. Lives as long as OLE keeps a reference.
-class DropTarget final : public IDropTarget {
+// The COM side.
+class DropTarget final : public Counted<IDropTarget> {
   public:
     DropTarget(HWND window, FileDropTarget::Handlers handlers)
         : window_(window), handlers_(std::move(handlers)) {}
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDropTarget);
-        *object = known ? static_cast<IDropTarget*>(this) : nullptr;
-        if (!known) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) const std::unique_ptr<DropTarget> self(this);
-        return left;
-    }
 
     HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD /*keys*/, POINTL /*at*/,
                                         DWORD* effect) override {
@@ -76,7 +61,6 @@ class DropTarget final : public IDropTarget {
 
     HWND window_;
     FileDropTarget::Handlers handlers_;
-    std::atomic<ULONG> references_ = 1;
     bool holdsFiles_ = false;
 };
 

@@ -111,26 +111,16 @@ void frmMain::Form_Load() {
 
 void frmMain::CreateControls() {
     statusInformation_.Create(Handle());
-    silence_.Create(
-        Handle(),
-        [this] {
-            const SIZE size = ClientSize();
-            Form_Resize(size.cx, size.cy);
-        },
-        [this](bool back) {
-            if (back || controlBar_ == nullptr) return TakeFocus();
-            controlBar_->TakeFocus(BarFocus::kFirst);
-        });
-    info_.Create(
-        Handle(),
-        [this] {
-            const SIZE size = ClientSize();
-            Form_Resize(size.cx, size.cy);
-        },
-        [this](bool back) {
-            if (back || controlBar_ == nullptr) return TakeFocus();
-            controlBar_->TakeFocus(BarFocus::kFirst);
-        });
+    const auto changed = [this] {
+        const SIZE size = ClientSize();
+        Form_Resize(size.cx, size.cy);
+    };
+    const auto left = [this](bool back) {
+        if (back || controlBar_ == nullptr) return TakeFocus();
+        controlBar_->TakeFocus(BarFocus::kFirst);
+    };
+    silence_.Create(Handle(), changed, left);
+    info_.Create(Handle(), changed, left);
     CreatePictureView();
 }
 
