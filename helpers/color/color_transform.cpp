@@ -75,6 +75,32 @@ class MatrixTransform final : public Transform {
     std::unique_ptr<const MatrixPath> path_;
 };
 
+// The same of 16-bit samples, for which Little CMS has tables that are wide of the mark in dark and
+// strong colours, or takes a second for a photograph.
+class DeepMatrixTransform final : public Transform {
+  public:
+    DeepMatrixTransform(std::unique_ptr<const MatrixPath> path, Layout layout)
+        : path_(std::move(path)), layout_(layout) {}
+    void Convert(const uint8_t* in, uint8_t* out, size_t pixels) const override {
+        if (layout_ == Layout::kRgb16) {
+            path_->ConvertDeep<3, false, true>(in, out, pixels);
+        } else if (layout_ == Layout::kBgr16BigEndian) {
+            path_->ConvertDeep<3, true, false>(in, out, pixels);
+        } else {
+            path_->ConvertDeep<4, true, false>(in, out, pixels);
+        }
+    }
+
+  private:
+    std::unique_ptr<const MatrixPath> path_;
+    Layout layout_;
+};
+
+constexpr bool IsDeep(Layout layout) {
+    return layout == Layout::kBgr16BigEndian || layout == Layout::kBgra16BigEndian ||
+           layout == Layout::kRgb16;
+}
+
 // Greys, the dark ones closest to each other, as there curves differ most; and colours from
 // everywhere in the cube.
 std::vector<Color> SampleColors() {
@@ -136,6 +162,11 @@ std::unique_ptr<const Transform> Transform::Make(const Profile& from, const Prof
                 return std::make_unique<MatrixTransform<4>>(std::move(path));
             }
             return std::make_unique<MatrixTransform<3>>(std::move(path));
+        }
+    }
+    if (IsDeep(layout) && ProvenPath(from, to)) {
+        if (auto path = MatrixPath::Make(from, to, MatrixPath::Depth::kDeep)) {
+            return std::make_unique<DeepMatrixTransform>(std::move(path), layout);
         }
     }
     Handle handle =

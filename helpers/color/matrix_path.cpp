@@ -110,7 +110,8 @@ bool AreEqual(const cmsToneCurve* a, const cmsToneCurve* b) {
 
 }  // namespace
 
-std::unique_ptr<const MatrixPath> MatrixPath::Make(const Profile& from, const Profile& to) {
+std::unique_ptr<const MatrixPath> MatrixPath::Make(const Profile& from, const Profile& to,
+                                                   Depth depth) {
     const auto source = Read(from), target = Read(to);
     if (!source || !target) return nullptr;
     const auto fromXyz = Inverse(target->toXyz);
@@ -121,8 +122,10 @@ std::unique_ptr<const MatrixPath> MatrixPath::Make(const Profile& from, const Pr
     for (size_t channel = 0; channel < 3; ++channel) {
         const cmsToneCurve* curve = source->curves[2 - channel];
         if (LightOf(curve, 0) > 0.5 / 255 / 12.92) return nullptr;
-        for (size_t level = 0; level < 256; ++level) {
-            const double light = LightOf(curve, static_cast<double>(level) / 255) * (kLevels - 1);
+        const auto most = static_cast<double>(depth) - 1;
+        path->light_[channel].resize(static_cast<size_t>(depth));
+        for (size_t level = 0; level < path->light_[channel].size(); ++level) {
+            const double light = LightOf(curve, static_cast<double>(level) / most) * (kLevels - 1);
             if (!std::isfinite(light)) return nullptr;
             const auto part = [&](size_t row) {
                 return static_cast<float>(matrix[row][2 - channel] * light);
@@ -137,26 +140,44 @@ std::unique_ptr<const MatrixPath> MatrixPath::Make(const Profile& from, const Pr
     return path;
 }
 
+inline void MatrixPath::Put(size_t blue, size_t green, size_t red, uint8_t* out) const {
+    const auto part = [this](size_t channel, size_t level) {
+        return _mm_loadu_ps(&light_[channel].data()[level].blue);
+    };
+    const __m128 sum = _mm_add_ps(_mm_add_ps(part(0, blue), part(1, green)), part(2, red));
+    const __m128 full = _mm_set1_ps(kLevels - 1);
+    const __m128i light = _mm_cvtps_epi32(_mm_min_ps(_mm_max_ps(sum, _mm_setzero_ps()), full));
+    // Below 1 << 14: the upper halves are zero.
+    out[0] = levels_[0]->data()[_mm_extract_epi16(light, 0)];
+    out[1] = levels_[1]->data()[_mm_extract_epi16(light, 2)];
+    out[2] = levels_[2]->data()[_mm_extract_epi16(light, 4)];
+}
+
 template <size_t kBytes>
 void MatrixPath::Convert(const uint8_t* in, uint8_t* out, size_t pixels) const {
-    const __m128 none = _mm_setzero_ps();
-    const __m128 full = _mm_set1_ps(kLevels - 1);
-    const uint8_t* const blue = levels_[0]->data();
-    const uint8_t* const green = levels_[1]->data();
-    const uint8_t* const red = levels_[2]->data();
-    const auto part = [this](size_t channel, uint8_t level) {
-        return _mm_loadu_ps(&light_[channel][level].blue);
-    };
     for (size_t i = 0; i < pixels; ++i, in += kBytes, out += kBytes) {
-        const __m128 sum = _mm_add_ps(_mm_add_ps(part(0, in[0]), part(1, in[1])), part(2, in[2]));
-        const __m128i light = _mm_cvtps_epi32(_mm_min_ps(_mm_max_ps(sum, none), full));
         if constexpr (kBytes == 4) out[3] = in[3];
-        // Below 1 << 14: the upper halves are zero.
-        out[0] = blue[_mm_extract_epi16(light, 0)];
-        out[1] = green[_mm_extract_epi16(light, 2)];
-        out[2] = red[_mm_extract_epi16(light, 4)];
+        Put(in[0], in[1], in[2], out);
     }
 }
+
+template <size_t kSamples, bool kBigEndian, bool kRedFirst>
+void MatrixPath::ConvertDeep(const uint8_t* in, uint8_t* out, size_t pixels) const {
+    const auto sample = [&in](size_t i) {
+        const size_t first = in[i * 2], second = in[i * 2 + 1];
+        return kBigEndian ? first << 8 | second : second << 8 | first;
+    };
+    for (size_t i = 0; i < pixels; ++i, in += kSamples * 2, out += kSamples) {
+        if constexpr (kSamples == 4) {
+            out[3] = static_cast<uint8_t>((sample(3) * 255 + 0x7FFF) / 0xFFFF);
+        }
+        Put(sample(kRedFirst ? 2 : 0), sample(1), sample(kRedFirst ? 0 : 2), out);
+    }
+}
+
+template void MatrixPath::ConvertDeep<3, true, false>(const uint8_t*, uint8_t*, size_t) const;
+template void MatrixPath::ConvertDeep<4, true, false>(const uint8_t*, uint8_t*, size_t) const;
+template void MatrixPath::ConvertDeep<3, false, true>(const uint8_t*, uint8_t*, size_t) const;
 
 template void MatrixPath::Convert<3>(const uint8_t*, uint8_t*, size_t) const;
 template void MatrixPath::Convert<4>(const uint8_t*, uint8_t*, size_t) const;

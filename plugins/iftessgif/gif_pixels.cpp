@@ -28,11 +28,13 @@ int GifPixels::Take(std::span<uint8_t> out) {
     position_ += count;
     // A block that is cut short, or missing, is made one that ends with the file: giflib drops all
     // of a block of which it does not get each byte, and wants to see an end behind the last pixel.
-    if (isInData_ && out.size() == 1 && !hasFailed_) {
+    if (isInData_ && leftOfBlock_ == 0 && !hasFailed_) {
         const uint64_t left = source_.Size() - std::min(position_, source_.Size());
         out[0] = count == 0 ? uint8_t{0} : static_cast<uint8_t>(std::min<uint64_t>(out[0], left));
+        leftOfBlock_ = out[0];
         return 1;
     }
+    leftOfBlock_ -= std::min(leftOfBlock_, count);
     return static_cast<int>(count);
 }
 

@@ -50,6 +50,7 @@ class GifPixels {
     const GifFrame& frame_;
     uint64_t position_ = 0;
     bool isInData_ = false;
+    size_t leftOfBlock_ = 0;  // of the data; 0: the next byte tells how many the next one has
     bool hasFailed_ = false;  // the source
     std::unique_ptr<GifFileType, Closer> gif_;
 };

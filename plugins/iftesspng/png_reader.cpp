@@ -281,7 +281,7 @@ void PngReader::SetTransformations() {
     if (hasClearColor) png_set_tRNS_to_alpha(png_);
     png_set_bgr(png_);
     if (ConvertsRows()) return;
-    png_set_strip_16(png_);
+    png_set_scale_16(png_);
     if (HandsOutAlpha()) {
         png_set_gray_to_rgb(png_);
     } else if (hasAlpha || hasClearColor) {

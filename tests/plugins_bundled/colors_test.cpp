@@ -328,6 +328,7 @@ TEST(Colors, OfPngAreThoseOfTheFirstOfItsChunksThatCount) {
         ExpectPng(kind, {profile}, profiled, 1.1);
         ExpectPng(kind, {profile, {"eXIf", turn}}, profiled, 1.1, 6);
         ExpectPng(kind, {Gamma(100'000)}, Linear, 1.1);
+        if (!isGrey) ExpectPng(kind, {ProfileOf(Profile::AdobeRgb().Icc())}, FromAdobe, 1.5);
     }
     const PngKind color = kPngKinds[5];
     ExpectPng(color, {srgb, Gamma(100'000)}, AsTheyAre, 0.5);

@@ -164,8 +164,9 @@ struct Film {
         put(257);
         data.push_back(static_cast<uint8_t>(bits));
         file.push_back(8);
-        for (size_t at = 0; at < data.size(); at += 255) {
-            const size_t size = std::min<size_t>(255, data.size() - at);
+        // Blocks of a byte too.
+        for (size_t at = 0, size = 0; at < data.size(); at += size) {
+            size = std::min<size_t>(Any(2) == 0 ? 1 : 1 + Any(255), data.size() - at);
             file.push_back(static_cast<uint8_t>(size));
             file.insert(file.end(), &data[at], &data[at] + size);
         }
