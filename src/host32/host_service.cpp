@@ -291,7 +291,7 @@ std::optional<HostService::PictureSection> HostService::TakeForPicture(size_t in
     if (bitsAt + bitsSize > SIZE_MAX) return std::nullopt;
     auto section = stock_.Take(static_cast<size_t>(bitsAt + bitsSize));
     if (!section) return std::nullopt;
-    return PictureSection{*std::move(section), static_cast<size_t>(bitsAt)};
+    return PictureSection{*section, static_cast<size_t>(bitsAt)};
 }
 
 HostReply HostService::List(LocalConnection& plugin, const PluginSource& source) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <set>
+#include <utility>
 
 #include "app/base/paths.h"
 #include "app/base/text.h"
@@ -96,9 +97,9 @@ bool FileSequence::MarkFile(int index) {
 }
 
 void FileSequence::PutBack(const std::wstring& path) {
-    const std::wstring moved = path;  // it may be the mark's own
-    files_.Add({moved});
+    std::wstring moved = path;  // it may be the mark's own
     marks_.Unmark(moved);
+    files_.Add({std::move(moved)});
 }
 
 void FileSequence::PutAllBack() {

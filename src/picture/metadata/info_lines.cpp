@@ -32,7 +32,7 @@ std::wstring Decimal(double value, int places) {
 
 std::wstring SizeText(uint64_t bytes) {
     constexpr uint64_t kKilo = 1024;
-    const std::wstring exact = Grouped(bytes) + L" バイト";
+    std::wstring exact = Grouped(bytes) + L" バイト";
     if (bytes < kKilo) return exact;
     const bool isMega = bytes >= kKilo * kKilo;
     const double shown =

@@ -63,7 +63,7 @@ ShownFile Show(ReadToShow result, const std::wstring& path, PictureView& view) {
     if (IsPictureKind(result.file.kind)) {
         SetCurrentPicture(std::move(result.picture), result.file.damage);
         if (CurrentPicture() && DisplayCurrentPicture(view, result.prepared)) {
-            if (result.animation.count > 0) view.SetAnimation(std::move(result.animation));
+            if (result.animation.count > 0) view.SetAnimation(result.animation);
             return result.file;
         }
         result.file = {.failure = FailureText(result.subject, kDrawingFailedText)};

@@ -27,7 +27,7 @@ class PictureView {
     virtual void SetPicture(Picture picture, const Picture& prepared) = 0;
 
     // Told behind SetPicture: that is of an animation, which the view may play.
-    virtual void SetAnimation(Animation /*animation*/) {}
+    virtual void SetAnimation(const Animation& /*animation*/) {}
 
     // Empties the view.
     virtual void ClearPicture() = 0;

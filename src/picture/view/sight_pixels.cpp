@@ -144,7 +144,8 @@ std::shared_ptr<const SharpPart> SharpPart::DraftOf(const SightPart& sight,
 std::shared_ptr<const SharpPart> SharpPart::Of(const SightPart& sight, const Picture& made) {
     auto sharp = std::make_shared<SharpPart>(sight);
     const RECT all{0, 0, sight.Width(), sight.Height()};
-    SightPixels(made.Another()).DrawNearest({{made.Width(), made.Height()}, all}, sharp->Rows());
+    const auto pixels = std::make_unique<const SightPixels>(made.Another());
+    pixels->DrawNearest({{made.Width(), made.Height()}, all}, sharp->Rows());
     return sharp;
 }
 

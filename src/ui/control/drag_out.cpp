@@ -57,7 +57,7 @@ void DragOut::DragPicture() {
         const ReadUnderWay dragging;
         drag_([this, file, member, stem = ProposedStem(source.fileName),
                picture = std::make_shared<Picture>(CurrentPicture().Another())] {
-            if (!file.empty()) return file;
+            if (!file.empty()) return std::wstring(file);
             return Trapped(std::wstring(), [&] {
                 const std::wstring folder = folders_.emplace_back().Target();
                 return member ? MakeMemberFile(*member, folder)

@@ -24,6 +24,8 @@ class frmSaveOption final : private Dialog {
   private:
     // An option with the controls that its kind has.
     struct Field {
+        explicit Field(const SaverOption& of) : option(of) {}
+
         const SaverOption& option;
         std::deque<Button> buttons{};  // a check box, or the option buttons
         Slider slider{};

@@ -180,7 +180,7 @@ class frmMain final : public Form, public PictureView {
     // PictureView
     SightRoom Room() const override;
     void SetPicture(Picture picture, const Picture& prepared) override;
-    void SetAnimation(Animation animation) override { frames_.Set(std::move(animation)); }
+    void SetAnimation(const Animation& animation) override { frames_.Set(animation); }
     void ClearPicture() override;
     void ShowReason(const std::wstring& reason) override;
     void SetPanelText(int panel, const std::wstring& text) override;

@@ -62,8 +62,8 @@ void frmMain::RegisterViewCommands() {
                                         {commandTurnHalf, Turn::kHalf},
                                         {commandMirror, Turn::kMirror},
                                         {commandFlip, Turn::kFlip}}) {
-        commands_.Register(command,
-                           {.run = [this, turn] { TurnPicture(turn); }, .enabled = pictureShown});
+        commands_.Register(
+            command, {.run = [this, turn = turn] { TurnPicture(turn); }, .enabled = pictureShown});
     }
     commands_.Register(commandShowInfo, {.run = [this] { ShowInfo(!info_.IsOpen()); },
                                          .checked = [this] { return info_.IsOpen(); },

@@ -19,6 +19,7 @@ constexpr int kGap = 10;  // between labels and values
 // Milliseconds: a held key shows several pictures in that time.
 constexpr UINT kRest = 200;
 constexpr UINT kBeat = 40;
+constexpr ULONGLONG kLongStale = 300;
 // Ticks of a rest, behind which the process that reads is ended.
 constexpr int kLongRest = 150;
 
@@ -91,6 +92,10 @@ void InfoPane::SetOpen(bool isOpen) {
 }
 
 void InfoPane::PictureChanged() {
+    const ULONGLONG now = GetTickCount64();
+    if (!isStale_) staleSince_ = now;
+    // A held key lets nothing be filled: no text is better than one of a picture that was.
+    if (isOpen_ && isStale_ && now - staleSince_ > kLongStale) text_.Show({});
     isStale_ = true;
     rests_ = 0;
     if (isOpen_) timer_.Start(kRest);
@@ -117,8 +122,8 @@ bool InfoPane::TakeFocus() const {
 }
 
 bool InfoPane::TakesKey(WPARAM key) const {
-    constexpr WPARAM kOwn[] = {VK_SPACE, VK_RETURN, VK_BACK, VK_DELETE, VK_PRIOR, VK_NEXT,
-                               VK_HOME,  VK_END,    VK_LEFT, VK_RIGHT,  VK_UP,    VK_DOWN};
+    constexpr WPARAM kOwn[] = {VK_DELETE, VK_PRIOR, VK_NEXT, VK_HOME, VK_END,
+                               VK_LEFT,   VK_RIGHT, VK_UP,   VK_DOWN};
     return HasFocus() && std::ranges::find(kOwn, key) != std::end(kOwn);
 }
 

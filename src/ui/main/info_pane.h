@@ -84,7 +84,8 @@ class InfoPane {
     UniqueFont font_;
     InfoText text_;
     bool isOpen_ = false;
-    bool isStale_ = true;  // the text is not the current picture's
+    bool isStale_ = true;       // the text is not the current picture's
+    ULONGLONG staleSince_ = 0;  // the moment, by GetTickCount64
     Asked asked_;
     // What was told last, and of what.
     std::shared_ptr<const PictureOrigin> toldOf_;
