@@ -2,7 +2,6 @@
 #include <cstddef>
 #include <cstdio>
 
-#include <jpeglib.h>
 #include <png.h>
 
 #include <cmath>
@@ -15,6 +14,7 @@
 #include "plugins/iftesspng/png_decoder.h"
 #include "tests/plugins_bundled/decoded_picture.h"
 #include "tests/plugins_bundled/strange_profiles.h"
+#include "tests/support/jpeg_file.h"
 
 namespace tessary::codec::test {
 namespace {
@@ -73,40 +73,22 @@ Bytes Padded(Bytes icc, size_t size) {
 // The tiles as JPEG of 1, 3 or 4 channels without loss worth mentioning. Inks: black is 0, the
 // others are what lets the samples through.
 Bytes Jpeg(int channels, const Bytes& icc, const Bytes& exif = {}, bool inverted = true) {
-    jpeg_compress_struct jpeg{};
-    jpeg_error_mgr errors{};
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* out = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&jpeg, &out, &size);
-    jpeg.image_width = kWidth;
-    jpeg.image_height = kHeight;
-    jpeg.input_components = channels;
-    jpeg.in_color_space = channels == 1 ? JCS_GRAYSCALE : channels == 3 ? JCS_RGB : JCS_CMYK;
-    jpeg_set_defaults(&jpeg);
-    jpeg_set_colorspace(&jpeg, channels == 3 ? JCS_RGB : jpeg.in_color_space);
-    jpeg_set_quality(&jpeg, 100, TRUE);
-    jpeg.write_Adobe_marker = channels == 3 || inverted;
-    jpeg_start_compress(&jpeg, TRUE);
-    if (!exif.empty()) jpeg_write_marker(&jpeg, JPEG_APP0 + 1, exif.data(), exif.size());
-    if (!icc.empty()) jpeg_write_icc_profile(&jpeg, icc.data(), icc.size());
-    for (uint32_t y = 0; y < kHeight; ++y) {
-        Bytes row;
-        for (uint32_t i = 0; i < kWidth * static_cast<uint32_t>(channels); ++i) {
-            const uint32_t x = i / static_cast<uint32_t>(channels),
-                           channel = i % static_cast<uint32_t>(channels);
-            const int sample = channel == 3 ? 255 : Sample(x, y, channels == 1 ? 1 : channel);
-            row.push_back(static_cast<uint8_t>(channels == 4 && !inverted ? 255 - sample : sample));
-        }
-        JSAMPROW start = row.data();
-        jpeg_write_scanlines(&jpeg, &start, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    jpeg_destroy_compress(&jpeg);
-    const Bytes file(out, out + size);
-    std::free(out);
-    return file;
+    const J_COLOR_SPACE space = channels == 1 ? JCS_GRAYSCALE : channels == 3 ? JCS_RGB : JCS_CMYK;
+    const auto prepare = [&](jpeg_compress_struct& jpeg) {
+        jpeg_set_colorspace(&jpeg, space);
+        jpeg_set_quality(&jpeg, 100, TRUE);
+        jpeg.write_Adobe_marker = channels == 3 || inverted;
+    };
+    const auto mark = [&](jpeg_compress_struct& jpeg) {
+        if (!exif.empty()) jpeg_write_marker(&jpeg, JPEG_APP0 + 1, exif.data(), exif.size());
+        if (!icc.empty()) jpeg_write_icc_profile(&jpeg, icc.data(), icc.size());
+    };
+    return JpegOf(kWidth, kHeight, space, channels, prepare, mark,
+                  [&](uint32_t x, uint32_t y, uint32_t channel) {
+                      const int sample =
+                          channel == 3 ? 255 : Sample(x, y, channels == 1 ? 1 : channel);
+                      return channels == 4 && !inverted ? 255 - sample : sample;
+                  });
 }
 
 // Exif with one entry in each of the directories that lead to the colour space of a camera.

@@ -3,13 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <span>
 #include <string>
 #include <vector>
 
-#include <jpeglib.h>
+#include "tests/support/jpeg_file.h"
 
 namespace tessary::test {
 
@@ -45,47 +43,28 @@ struct Marker {
 // Each square of 32 pixels has a colour of its own, so that it survives turning to the last bit.
 inline Bytes MadeJpeg(const JpegKind& kind, uint32_t width, uint32_t height,
                       const std::vector<Marker>& markers = {}, bool isNoise = false) {
-    jpeg_compress_struct jpeg{};
-    jpeg_error_mgr errors{};
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* made = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&jpeg, &made, &size);
-    jpeg.image_width = width;
-    jpeg.image_height = height;
-    jpeg.input_components = kind.components;
-    jpeg.in_color_space = kind.components == 1   ? JCS_GRAYSCALE
-                          : kind.components == 3 ? JCS_YCbCr
-                                                 : JCS_CMYK;
-    jpeg_set_defaults(&jpeg);
-    jpeg.comp_info[0].h_samp_factor = kind.across;
-    jpeg.comp_info[0].v_samp_factor = kind.down;
-    jpeg.arith_code = kind.isArithmetic;
-    jpeg.optimize_coding = kind.isOptimized;
-    if (kind.isProgressive) jpeg_simple_progression(&jpeg);
-    jpeg_start_compress(&jpeg, TRUE);
-    for (const Marker& marker : markers)
-        jpeg_write_marker(&jpeg, marker.number, reinterpret_cast<const JOCTET*>(marker.data.data()),
-                          static_cast<unsigned>(marker.data.size()));
-    Bytes row(width * static_cast<size_t>(kind.components));
+    const J_COLOR_SPACE space = kind.components == 1   ? JCS_GRAYSCALE
+                                : kind.components == 3 ? JCS_YCbCr
+                                                       : JCS_CMYK;
+    const auto prepare = [&](jpeg_compress_struct& jpeg) {
+        jpeg.comp_info[0].h_samp_factor = kind.across;
+        jpeg.comp_info[0].v_samp_factor = kind.down;
+        jpeg.arith_code = kind.isArithmetic;
+        jpeg.optimize_coding = kind.isOptimized;
+        if (kind.isProgressive) jpeg_simple_progression(&jpeg);
+    };
+    const auto mark = [&](jpeg_compress_struct& jpeg) {
+        for (const Marker& marker : markers)
+            jpeg_write_marker(&jpeg, marker.number,
+                              reinterpret_cast<const JOCTET*>(marker.data.data()),
+                              static_cast<unsigned>(marker.data.size()));
+    };
     uint32_t random = 1;
-    for (uint32_t y = 0; y < height; ++y) {
-        for (size_t i = 0; i < row.size(); ++i) {
-            const auto x = static_cast<uint32_t>(i / static_cast<size_t>(kind.components));
-            random = random * 1664525 + 1013904223;
-            row[i] = isNoise ? static_cast<uint8_t>(random >> 24)
-                             : static_cast<uint8_t>((x / 32) * 67 + (y / 32) * 31 +
-                                                    i % static_cast<size_t>(kind.components) * 50);
-        }
-        JSAMPROW rows[] = {row.data()};
-        jpeg_write_scanlines(&jpeg, rows, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    jpeg_destroy_compress(&jpeg);
-    Bytes file(made, made + size);
-    std::free(made);
-    return file;
+    return JpegOf(width, height, space, kind.components, prepare, mark,
+                  [&](uint32_t x, uint32_t y, uint32_t channel) {
+                      random = random * 1664525 + 1013904223;
+                      return isNoise ? random >> 24 : x / 32 * 67 + y / 32 * 31 + channel * 50;
+                  });
 }
 
 // The samples as they are stored, colours not made smooth. The file must be whole.
