@@ -70,14 +70,14 @@ void OutputNames::AddResult(const std::wstring& path, const WorkEntry& entry, bo
     if (isNew) {
         newResults_.push_back(path);
     } else {
-        resultKeys_.emplace(IdentityOf(path), entry.path);
+        resultKeys_.insert_or_assign(IdentityOf(path), path);
     }
 }
 
 bool OutputNames::IsResult(const std::wstring& path) {
     if (results_.contains(ToUpper(path))) return true;
     for (const std::wstring& result : newResults_)
-        resultKeys_.emplace(IdentityOf(result), results_[ToUpper(result)]);
+        resultKeys_.insert_or_assign(IdentityOf(result), result);
     newResults_.clear();
     return SourceOfResult(path).has_value();
 }
@@ -87,8 +87,11 @@ std::optional<std::wstring> OutputNames::SourceOfResult(const std::wstring& path
         return result->second;
     }
     if (resultKeys_.empty()) return std::nullopt;
-    const auto result = resultKeys_.find(IdentityOf(path));
-    return result == resultKeys_.end() ? std::nullopt : std::optional(result->second);
+    const std::wstring identity = IdentityOf(path);
+    const auto result = resultKeys_.find(identity);
+    // The number of one that was replaced since may have become another file's.
+    const bool isResult = result != resultKeys_.end() && IdentityOf(result->second) == identity;
+    return isResult ? std::optional(results_.at(ToUpper(result->second))) : std::nullopt;
 }
 
 bool OutputNames::IsSource(const std::wstring& path) {

@@ -97,7 +97,7 @@ class OutputNames {
     std::unordered_map<std::wstring, std::wstring> results_;
     // The paths of new files, which nobody knew by other paths before the run.
     std::vector<std::wstring> newResults_;
-    // The others, and new ones as soon as that matters, by their identities.
+    // The paths of the others, and of new ones as soon as that matters, by their identities.
     std::unordered_map<std::wstring, std::wstring> resultKeys_;
     // How many of the files would have a path, without its extension, in upper case.
     std::unordered_map<std::wstring, int> wanted_;
