@@ -98,6 +98,28 @@ Result DecodeWithTable(dib::ByteSource& source, const GifFile& file, PictureTarg
     return Result::kSuccess;
 }
 
+// Whether the file ends in a frame behind the first, before its last pixel. Files that end as they
+// should cost nothing.
+bool LacksPixelsBehind(dib::ByteSource& source) {
+    constexpr std::array<uint8_t, 2> kEnd{0, 0x3B};
+    std::array<uint8_t, kEnd.size()> end{};
+    if (source.ReadAt(source.Size() - end.size(), end) == end.size() && end == kEnd) return false;
+    const GifFile file = ReadGif(source);
+    if (file.hasFailed || !file.open || file.frames.empty()) return false;
+    const GifFrame& frame = *file.open;
+    if (frame.position == file.frames[0].position ||
+        !codec::IsPlausibleSize(uint64_t{frame.width} * frame.height, source.Size())) {
+        return false;
+    }
+    GifPixels pixels(source, file, frame);
+    const Result opened = pixels.Open();
+    Progress nobody;
+    return Result::kBrokenData ==
+           (opened == Result::kSuccess
+                ? pixels.Read(frame.height, nobody, [](uint32_t, std::span<const uint8_t>) {})
+                : opened);
+}
+
 // The transparent picture as a frame on its screen.
 Result DecodeOnScreen(dib::ByteSource& source, const GifFile& file, PictureTarget& target,
                       Progress& progress) {
@@ -135,7 +157,10 @@ Result GifDecoder::Decode(dib::ByteSource& source, PictureTarget& target,
         result = keepsTable ? DecodeWithTable(source, file, target, progress)
                             : DecodeOnScreen(source, file, target, progress);
     }
-    if (result == Result::kBrokenData) progress.Tell(codec::Condition::kDamaged, kDamagedText);
+    if (result == Result::kBrokenData ||
+        (result == Result::kSuccess && LacksPixelsBehind(source))) {
+        progress.Tell(codec::Condition::kDamaged, kDamagedText);
+    }
     if (result != Result::kSuccess) return result;
     return progress.Report(1, 1) ? Result::kSuccess : Result::kAborted;
 }

@@ -121,7 +121,10 @@ GifFile ReadGif(dib::ByteSource& source, size_t most) {
         next.flags = walk.Byte();
         walk.SkipTable(next.flags);
         walk.Byte();  // bits of the first codes
-        if (walk.IsAtEnd()) break;
+        if (walk.IsAtEnd()) {
+            file.open = next;
+            break;
+        }
         const bool isFirst = file.frames.empty();
         if (isFirst) {
             file.width = std::max(file.width, uint32_t{next.left} + next.width);
@@ -130,6 +133,7 @@ GifFile ReadGif(dib::ByteSource& source, size_t most) {
         // Whoever wants one frame need not look for its end.
         const bool hasPixels = (isFirst && most == 1) || walk.SkipBlocks() != 0;
         if (hasPixels || isFirst) file.frames.push_back(next);
+        if (walk.IsAtEnd()) file.open = next;
         next = {};
     }
     file.hasFailed = walk.HasFailed();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "helpers/dib/byte_source.h"
@@ -34,7 +35,8 @@ struct GifFile {
     uint8_t flags = 0;  // of the screen: global table
     uint32_t rounds = 1;
     std::vector<GifFrame> frames;
-    bool hasFailed = false;  // the medium, before all was read
+    std::optional<GifFrame> open;  // in which the file ends: it has no end, and perhaps no pixel
+    bool hasFailed = false;        // the medium, before all was read
 
     bool HasTable() const { return (flags & 0x80) != 0; }
     unsigned TableBits() const { return (flags & 7) + 1u; }

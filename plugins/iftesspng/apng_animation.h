@@ -8,6 +8,13 @@
 
 namespace tessary::png {
 
+// For the user, of a frame of which data are missing or wrong.
+inline constexpr wchar_t kDamagedText[] = L"PNGのコマのデータが壊れています";
+
+// Tells of frames that the file ends in, or lacks, and in files that are not large of wrong check
+// sums.
+codec::Result TellDamage(dib::ByteSource& source, const ApngFile& file, codec::Progress& progress);
+
 class ApngAnimation final : public codec::Animation {
   public:
     // Of a picture of a plausible size.

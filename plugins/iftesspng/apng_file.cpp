@@ -62,18 +62,17 @@ class ChunkWalk {
     uint32_t Name() const { return name_; }
     uint32_t Length() const { return length_; }
 
-    // The name, as many bytes of data as there are, and whether the check sum is theirs. Nothing
-    // where the medium fails.
+    // The name, as many bytes of data as there are, and whether the check sum is theirs, as far as
+    // it is there. Nothing where the medium fails.
     bool Read(std::vector<uint8_t>& chunk, bool& isSound) const {
         const uint64_t there = source_.Size() - std::min(source_.Size(), position_ + kNumberSize);
         const uint64_t whole = kNameSize + uint64_t{length_} + kSumSize;
         chunk.resize(static_cast<size_t>(std::min(whole, there)));
         if (source_.ReadAt(position_ + kNumberSize, chunk) != chunk.size()) return false;
-        isSound = chunk.size() == whole;
-        if (!isSound) return true;
-        const uint32_t sum = Number(chunk, chunk.size() - kSumSize);
-        chunk.resize(chunk.size() - kSumSize);
-        isSound = SumOf(chunk) == sum;
+        const bool hasSum = chunk.size() == whole;
+        const uint32_t sum = hasSum ? Number(chunk, chunk.size() - kSumSize) : 0;
+        chunk.resize(std::min<size_t>(chunk.size(), kNameSize + length_));
+        isSound = !hasSum || SumOf(chunk) == sum;
         return true;
     }
 
@@ -125,7 +124,8 @@ class FrameList {
         do {
             const bool isPicture = chunk.Name() == Name("IDAT");
             hasPicture_ = hasPicture_ || isPicture;
-            if (chunk.Name() == Name("IEND")) break;
+            file_.hasEnd = chunk.Name() == Name("IEND");
+            if (file_.hasEnd) break;
             if (chunk.Name() == Name("fcTL")) {
                 if (file_.frames.size() == kMostFrames) break;
                 if (!ReadControl(chunk)) return false;
@@ -180,6 +180,7 @@ std::optional<ApngFile> ReadApng(dib::ByteSource& source) {
             const auto control = DataOf(chunk, 8);
             if (!control || isAnimated) return std::nullopt;
             isAnimated = true;
+            file.promised = Number(*control, 0);
             file.rounds = Number(*control, 4);
             continue;
         }

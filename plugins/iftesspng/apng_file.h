@@ -26,6 +26,8 @@ struct ApngFile {
     uint32_t rounds = 0;          // 0: endlessly
     std::vector<uint8_t> header;  // what stands in the file before the picture data, for all frames
     std::vector<ApngFrame> frames;
+    uint32_t promised = 0;  // how many frames the file says it has
+    bool hasEnd = false;    // it is not cut short
 };
 
 // Nothing for a file of one picture, which its first chunks tell, and for one whose frames are not
@@ -33,7 +35,7 @@ struct ApngFile {
 // that a file cut short has no data of are left out.
 std::optional<ApngFile> ReadApng(dib::ByteSource& source);
 
-// The frame as a PNG file. `isDamaged`: some of its data are missing, or have a wrong check sum.
+// The frame as a PNG file, with the data that are there. `isDamaged`: some have a wrong check sum.
 codec::Result ReadFrameFile(dib::ByteSource& source, const ApngFile& file, const ApngFrame& frame,
                             std::vector<uint8_t>& png, bool& isDamaged);
 

@@ -44,7 +44,14 @@ Result PngDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target,
     codec::OrientedRows oriented({rows, reader.StoredWidth(), reader.StoredHeight(),
                                   form.bitCount / 8u, reader.Orientation()},
                                  reader.Conversion());
-    return reader.DecodeRows(oriented);
+    const Result result = reader.DecodeRows(oriented);
+    if (result != Result::kSuccess || progress.Told().condition != codec::Condition::kNone) {
+        return result;
+    }
+    // The picture is there; a medium that fails now fails again when a frame is asked for.
+    const std::optional<ApngFile> file = ReadApng(source);
+    const bool isStopped = file && TellDamage(source, *file, progress) == Result::kAborted;
+    return isStopped ? Result::kAborted : result;
 }
 
 std::unique_ptr<codec::FrameReader> PngDecoder::OpenFrames(dib::ByteSource& source) const {

@@ -10,7 +10,8 @@ namespace tessary::png {
 // the default picture is shown. A file that is cut short, or whose data make no sense from some
 // place on, gives the rows before, the rest in the background colour, and is told as damaged unless
 // it lacks only what follows the last row. One whose data have a wrong check sum is told so, too.
-// What has no row, or a wrong header or colour table, is broken.
+// What has no row, or a wrong header or colour table, is broken. Damage of an animation's other
+// frames is told as well.
 //
 // Gives sRGB: what iCCP, or gAMA with cHRM, says of the samples is converted. 16-bit samples of
 // pictures in sRGB show their high byte. An orientation in eXIf turns the picture upright.

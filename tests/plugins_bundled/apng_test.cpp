@@ -180,6 +180,12 @@ TEST(Apng, FilesThatAreNotAsTheyShouldBeAreStills) {
     EXPECT_EQ(opened(wrong), kFrames);
     const std::pair<const Bytes*, uint32_t> files[] = {{&cut, opened(cut) - 1}, {&wrong, 5}};
     EXPECT_EQ(opened(cut), 6u);
+    // The whole file is told of with its picture; what lacks no pixel is sound.
+    const Bytes noSum = Cut(good, good.size() - 14), noFrame = Cut(good, Find(good, "fcTL", 9));
+    for (const Bytes* file : {&good, &noSum})
+        EXPECT_EQ(Decoded(PngDecoder(), *file).condition, Condition::kNone);
+    for (const Bytes* file : {&cut, &wrong, &noFrame})
+        EXPECT_EQ(Decoded(PngDecoder(), *file).condition, Condition::kDamaged);
     for (const auto& [file, last] : files) {
         dib::MemorySource source(*file);
         const auto frames = PngDecoder().OpenFrames(source);

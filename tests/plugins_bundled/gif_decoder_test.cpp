@@ -61,7 +61,10 @@ TEST(GifDecoder, ShowsWhatADamagedFileHolds) {
     const Bytes higher = With(good, kFrame + 6, kHeight + 1);  // by a row without pixels
     const std::pair<Bytes, Condition> told[] = {
         {good, Condition::kNone},
-        {Cut(good, good.size() - 20), Condition::kNone},  // the first frame is whole
+        {Cut(good, good.size() - 1), Condition::kNone},  // each pixel is there
+        {Cut(good, good.size() - 2), Condition::kNone},
+        {Cut(good, good.size() - 20), Condition::kDamaged},  // the first frame is whole
+        {Cut(good, kFirstEnd + 12), Condition::kDamaged},    // the second one's head is not
         {Cut(good, kFirstEnd), Condition::kNone},
         {Cut(good, kFirstEnd - 3), Condition::kDamaged},
         {higher, Condition::kDamaged},
