@@ -8,6 +8,7 @@ ReadResult AnotherOf(const ReadResult& read) {
             .plugin = read.plugin,
             .milliseconds = read.milliseconds,
             .frames = read.frames,
+            .page = read.page,
             .damage = read.damage};
 }
 

@@ -16,7 +16,7 @@ namespace tessary {
 struct AheadEntry {
     std::wstring path{};  // full, of a file or of an archive
     int32_t member = 0;   // its place in the plug-in's list, from 1; 0: the file itself
-    uint32_t page = 0;    // of the file; 0: the one that it opens with
+    uint32_t page = 0;    // of the file or member; 0: the one that it opens with
 
     bool operator==(const AheadEntry&) const = default;
 };

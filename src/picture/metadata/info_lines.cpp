@@ -67,6 +67,7 @@ void AddOrigin(const PictureOrigin& origin, const std::wstring& plugin,
                std::vector<InfoLine>& lines) {
     const bool isMember = !origin.member.empty();
     lines.push_back({L"ファイル", FileNameOf(isMember ? origin.member : origin.path)});
+    if (origin.page != 0) lines.push_back({L"ページ", std::to_wstring(origin.page)});
     lines.push_back(isMember ? InfoLine{L"書庫", origin.path}
                              : InfoLine{L"フォルダ", FolderOf(origin.path)});
     lines.push_back({L"サイズ", SizeText(isMember ? origin.memberSize : origin.stamp.size)});

@@ -17,6 +17,7 @@ struct PictureOrigin {
     std::wstring member{};        // its name in the archive; empty: it is the file itself
     uint64_t memberSize = 0;      // in bytes
     std::vector<uint8_t> head{};  // the member's first bytes
+    uint32_t page = 0;            // of the file or member, from 1; 0: it has none
     std::wstring plugin{};        // full path of what has read it; empty: the program itself
     uint32_t milliseconds = 0;    // that this took
 };

@@ -41,10 +41,13 @@ ReadResult Decode(Search search, Archives archives, const ReadWatch& watch, uint
         });
         if (IsStopped(watch)) return Stopped();
         if (!failure) {
+            const PictureFrames frames = page == 0 ? plugin->Frames() : PictureFrames();
+            const bool isPage = page != 0 || frames.kind == FrameKind::kPages;
             return {.kind = kFilePicture,
                     .picture = std::move(picture),
                     .plugin = plugin->DllName(),
-                    .frames = plugin->Frames(),
+                    .frames = frames,
+                    .page = isPage ? page + 1 : 0,
                     .damage = plugin->Damage()};
         }
         search.NoteFailure();
@@ -68,9 +71,10 @@ struct BlockUse {
     ~BlockUse() { SusieCollection().UnloadMemory(); }
 };
 
-ReadResult DecodeBlock(HLOCAL block, const std::wstring& name, const ReadWatch& watch) {
+ReadResult DecodeBlock(HLOCAL block, const std::wstring& name, uint32_t page,
+                       const ReadWatch& watch) {
     const BlockUse use;
-    return Decode(SusieCollection().SearchFor(block, name), Archives::kMakeRoom, watch);
+    return Decode(SusieCollection().SearchFor(block, name), Archives::kMakeRoom, watch, page);
 }
 
 // A bitmap that was read, or, if it could not be, what plug-ins make of it: it is damaged, or no
@@ -96,9 +100,10 @@ ReadResult ReadFile(const SourceFile& file, uint32_t page, const ReadWatch& watc
     return BitmapOr(std::move(picture), std::move(damage), watch, decode);
 }
 
-ReadResult ReadBlock(HLOCAL block, const std::wstring& name, const ReadWatch& watch) {
-    const auto decode = [&] { return DecodeBlock(block, name, watch); };
-    if (!IsBitmapBlock(block)) return decode();
+ReadResult ReadBlock(HLOCAL block, const std::wstring& name, uint32_t page,
+                     const ReadWatch& watch) {
+    const auto decode = [&] { return DecodeBlock(block, name, page, watch); };
+    if (!IsBitmapBlock(block) || page != 0) return decode();
     std::wstring damage;
     Picture picture = ReadBitmapBlock(block, watch.progress, damage);
     return BitmapOr(std::move(picture), std::move(damage), watch, decode);
@@ -121,6 +126,7 @@ void TellOrigin(ReadResult& read, PictureOrigin origin) {
     if (!read.picture) return;
     origin.plugin = read.plugin;
     origin.milliseconds = read.milliseconds;
+    origin.page = read.page;
     read.picture.SetOrigin(std::make_shared<const PictureOrigin>(std::move(origin)));
 }
 
@@ -144,8 +150,9 @@ ReadResult ReadPage(const SourceFile& file, uint32_t page, const ReadWatch& watc
     return Timed([&] { return ReadFile(file, page, watch); });
 }
 
-ReadResult ReadPicture(HLOCAL block, const std::wstring& name, const ReadWatch& watch) {
-    return Timed([&] { return ReadBlock(block, name, watch); });
+ReadResult ReadPicture(HLOCAL block, const std::wstring& name, const ReadWatch& watch,
+                       uint32_t page) {
+    return Timed([&] { return ReadBlock(block, name, page, watch); });
 }
 
 }  // namespace tessary

@@ -34,7 +34,8 @@ struct ReadResult {
     // Full path of the plug-in that read the picture, took the archive, or was the last to fail.
     std::wstring plugin{};
     uint32_t milliseconds = 0;  // that it took
-    PictureFrames frames{};     // what else is there to see; of a bitmap nothing
+    PictureFrames frames{};     // what else is there to see; of a bitmap, or a page, nothing
+    uint32_t page = 0;          // of its file, from 1; 0: that has no pages
     std::wstring damage{};      // what is missing of the picture, for the user; empty: it is whole
     // Of the last plug-in that took it and failed, when nobody did better; and why one that may
     // know it did not take it.
@@ -61,6 +62,7 @@ ReadResult ReadPage(const SourceFile& file, uint32_t page, const ReadWatch& watc
 
 // The same for a block. `name` tells where it comes from. An archive plug-in that takes it has read
 // nothing of it: picture plug-ins may still know better.
-ReadResult ReadPicture(HLOCAL block, const std::wstring& name, const ReadWatch& watch);
+ReadResult ReadPicture(HLOCAL block, const std::wstring& name, const ReadWatch& watch,
+                       uint32_t page = 0);
 
 }  // namespace tessary

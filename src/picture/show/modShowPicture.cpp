@@ -87,8 +87,9 @@ ShownFile ShowPage(const std::wstring& path, uint32_t page, PictureView& view) {
     return Show(ReadPageToShow(path, page, view), path, view);
 }
 
-ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view) {
-    return Show(ReadMemberToShow(archivePath, position, view), archivePath, view);
+ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view,
+                            uint32_t page) {
+    return Show(ReadMemberToShow({archivePath, position, page}, view), archivePath, view);
 }
 
 void ShowReasonFor(PictureView& view, const std::wstring& reason) {

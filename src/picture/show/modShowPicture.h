@@ -22,8 +22,10 @@ ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& memb
 ShownFile ShowPage(const std::wstring& path, uint32_t page, PictureView& view);
 
 // The same for a member of an archive, by its `position` of the list that ShowFile filled: it is
-// extracted to memory. An archive in an archive is only recognised; the view tells so.
-ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view);
+// extracted to memory. An archive in an archive is only recognised; the view tells so. `page`: of
+// the pages that this has told of, from 0.
+ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view,
+                            uint32_t page = 0);
 
 // Puts the reason into the view why a file is not shown; there is no current picture then.
 void ShowReasonFor(PictureView& view, const std::wstring& reason);

@@ -63,13 +63,11 @@ struct Origin {
     std::optional<FileStamp> stamp{};
 };
 
-// What there is beside the picture. Pages of a member cannot be listed beside the members.
+// What there is beside the picture.
 void TellFrames(const Origin& origin, const ReadResult& read, ReadToShow& result) {
     const PictureFrames& frames = read.frames;
     if (!origin.stamp) return;
-    if (frames.kind == FrameKind::kPages && origin.entry.member == 0) {
-        result.file.pages = std::min(frames.count, kMostPages);
-    }
+    if (frames.kind == FrameKind::kPages) result.file.pages = std::min(frames.count, kMostPages);
     if (frames.kind != FrameKind::kAnimation) return;
     result.animation = {
         .entry = origin.entry,
@@ -195,12 +193,11 @@ ReadToShow FetchAndRead(const std::wstring& path, uint32_t page, PictureView& vi
 }
 
 // `subject` receives how messages name the member.
-ReadToShow ReadMember(const std::wstring& archivePath, int32_t position, ViewWatch& watch,
-                      std::wstring& subject) {
+ReadToShow ReadMember(const AheadEntry& entry, ViewWatch& watch, std::wstring& subject) {
+    const auto& [archivePath, position, page] = entry;
     if (PluginCallUnderWay()) return {};
     clsSusie* const archive = SusieCollection().ListedArchive(archivePath);
     if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
-    const AheadEntry entry{archivePath, position};
     std::wstring name;
     OwnedBlock content;
     std::wstring damage;
@@ -219,11 +216,11 @@ ReadToShow ReadMember(const std::wstring& archivePath, int32_t position, ViewWat
     if (ready) {
         damage = ready->memberDamage;
     } else {
-        ready.emplace(
-            AheadPicture{.entry = entry,
-                         .stamp = stamp.value_or(FileStamp{}),
-                         .read = ReadPicture(content.Get(), FileNameOf(name), watch.Functions()),
-                         .memberDamage = damage});
+        ready.emplace(AheadPicture{
+            .entry = entry,
+            .stamp = stamp.value_or(FileStamp{}),
+            .read = ReadPicture(content.Get(), FileNameOf(name), watch.Functions(), page),
+            .memberDamage = damage});
         if (stamp) TellOrigin(ready->read, archivePath, *stamp, name, content.Get());
         if (stamp && IsPictureKind(ready->read.kind)) Ahead().Keep(ready->Another());
     }
@@ -255,10 +252,10 @@ ReadToShow ReadPageToShow(const std::wstring& path, uint32_t page, PictureView& 
     return result;
 }
 
-ReadToShow ReadMemberToShow(const std::wstring& archivePath, int32_t position, PictureView& view) {
+ReadToShow ReadMemberToShow(const AheadEntry& member, PictureView& view) {
     ViewWatch watch(view);
-    std::wstring subject = SubjectOf(archivePath);
-    ReadToShow result = ReadMember(archivePath, position, watch, subject);
+    std::wstring subject = SubjectOf(member.path);
+    ReadToShow result = ReadMember(member, watch, subject);
     if (watch.IsStopped()) result = Stopped();
     result.subject = std::move(subject);
     TellStoppedPlugins(view, result);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "picture/ahead/ahead_picture.h"
 #include "picture/picture.h"
 #include "picture/show/picture_view.h"
 #include "picture/show/shown_file.h"
@@ -28,8 +29,9 @@ ReadToShow ReadFileToShow(const std::wstring& path, PictureView& view);
 // The same for a page of a file that was shown (ShownFile::pages), from 0.
 ReadToShow ReadPageToShow(const std::wstring& path, uint32_t page, PictureView& view);
 
-// The same for an archive's member, given by its place in the plug-in's list (from 1).
-ReadToShow ReadMemberToShow(const std::wstring& archivePath, int32_t position, PictureView& view);
+// The same for an archive's member, given by its place in the plug-in's list (from 1), or for one
+// of its pages.
+ReadToShow ReadMemberToShow(const AheadEntry& member, PictureView& view);
 
 // The same for a block of somebody's, called `name`: bytes of a file of that name.
 ReadToShow ReadBlockToShow(HLOCAL block, const std::wstring& name, PictureView& view);

@@ -19,7 +19,8 @@ struct ShownFile {
     // Why it could not be shown, for a message box; empty when it was shown, when nobody claims it,
     // and when the read was asked to stop.
     std::wstring failure = {};
-    // How many pages the file has, of which the first is shown; 0: it has none.
+    // How many pages the file or member has, of which the first is shown; 0: it has none, or
+    // another one is shown.
     uint32_t pages = 0;
     // The read was asked to stop. The kind is unknown then.
     bool stopped = false;

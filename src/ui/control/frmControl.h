@@ -74,6 +74,10 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     bool AwaitsFile() const override;
     Urge UrgeForElse() const override;
     bool HasFiles() const override { return !sequence_.Files().IsEmpty(); }
+    bool HasPages() const override {
+        return sequence_.HasPages() || (sequence_.IsInArchive() && memberPages_ > 0);
+    }
+    void StepPage(int pages) override;
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
     void SetVisible(bool visible) override;
@@ -126,7 +130,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void listFileName_Click();
     void listArchiveFile_Click();
     void ShowListedFile(const std::wstring& path);
-    void ShowListedMember();
+    void ShowListedMember(uint32_t page = 0);
+    void ShowMemberPage(uint32_t page);
     void EnterPages(const std::wstring& path, uint32_t count);
     void ShowNoArchive();
     void ShowVanished(const std::wstring& path);
@@ -195,6 +200,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     Player player_;
     bool formLoaded_ = false;
     bool unloading_ = false;
+    uint32_t memberPages_ = 0;  // that the selected member has; 0: none
+    uint32_t memberPage_ = 0;   // of these, from 0, that is selected
     bool passedBy_ = false;     // the selected file was not fetched, for nobody waited for it
     std::wstring failure_;      // why the file shown last is not shown
     int busy_ = 0;              // how many Busy there are

@@ -155,6 +155,7 @@ void frmControl::ClearLists() {
 
 void frmControl::PictureReplaced(const std::wstring& info) {
     shownPath_.clear();
+    memberPages_ = 0;
     if (formLoaded_) texts_.TellInfo(info);
 }
 
@@ -254,7 +255,8 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         shownPath_ = path;
         if (IsPictureKind(shown.kind)) {
             const std::wstring tail = PictureInfoTail();
-            window_.SetPictureSource({name, shown.pluginName, path});
+            const uint32_t page = shown.pages > 0 ? 1 : 0;
+            window_.SetPictureSource({name, shown.pluginName, path, page, shown.pages});
             texts_.TellInfo(TagOf(shown) + name + tail);
             texts_.TellShown(kTagShown + name + tail);
         } else {
@@ -294,20 +296,36 @@ void frmControl::listArchiveFile_Click() {
         wishes_.Click(false, true, keyRepeats_);
         return WishIsThere();
     }
+    ShowMemberPage(0);
+}
+
+void frmControl::ShowMemberPage(uint32_t page) {
     if (IsReadUnderWay()) return;
     CurrentActivity().pictureLoading = true;
-    ShowListedMember();
+    ShowListedMember(page);
     EndLoad();
 }
 
-void frmControl::ShowListedMember() {
+// Pages of a file are listed; those of a member are not.
+void frmControl::StepPage(int pages) {
+    const bool areListed = sequence_.HasPages();
+    const int now = areListed ? sequence_.Members().Cursor() : static_cast<int>(memberPage_);
+    const int count = areListed ? sequence_.Members().Count() : static_cast<int>(memberPages_);
+    const int page = std::clamp(now + pages, 0, std::max(count - 1, 0));
+    if (page == now || count == 0) return;
+    if (areListed) return sequence_.Members().Select(page);
+    ShowMemberPage(static_cast<uint32_t>(page));
+}
+
+void frmControl::ShowListedMember(uint32_t page) {
     const std::wstring archive = sequence_.Archive();
     const std::wstring archiveName = FileNameOf(archive);
     const ListedMember& selected = sequence_.Members().At(sequence_.Members().Cursor());
     const std::wstring member = FileNameOf(selected.name);
     const bool isPage = sequence_.HasPages();
     const std::wstring place = KindTag(isPage ? kFilePicture : kFileArchive) + archiveName + L" - ";
-    const AheadEntry entry = EntryOfMember(sequence_, sequence_.Members().Cursor());
+    AheadEntry entry = EntryOfMember(sequence_, sequence_.Members().Cursor());
+    if (!isPage) entry.page = page;
     ShownFile shown;
     {
         const Busy busy(*this, kReading);
@@ -315,14 +333,18 @@ void frmControl::ShowListedMember() {
         if (IsInMotion()) PlanAhead(entry);
         shown = Show(member, [&] {
             return isPage ? ShowPage(archive, entry.page, window_)
-                          : ShowArchiveMember(archive, entry.member, window_);
+                          : ShowArchiveMember(archive, entry.member, window_, page);
         });
         texts_.EndLoading();
         window_.pictureView().Refresh();
     }
+    if (page == 0) memberPages_ = isPage ? 0 : shown.pages;
+    memberPage_ = page;
+    const auto pages = isPage ? static_cast<uint32_t>(sequence_.Members().Count()) : memberPages_;
     if (IsPictureKind(shown.kind)) {
         const std::wstring tail = PictureInfoTail();
-        window_.SetPictureSource({isPage ? archiveName : member, shown.pluginName, archive});
+        window_.SetPictureSource({isPage ? archiveName : member, shown.pluginName, archive,
+                                  pages > 0 ? entry.page + 1 : 0, pages});
         texts_.TellInfo(place + (isPage ? L"" : TagOf(shown)) + member + tail);
         texts_.TellShown(kTagShown + archiveName + L" - " + member + (isPage ? L"" : archiveName) +
                          tail);

@@ -28,6 +28,9 @@ bool IsOfPicture(int command) {
         case menuEditCopy:
         case menuViewWallpaperCenter:
         case menuViewWallpaperTile:
+        case commandNextFrame:
+        case commandFormerFrame:
+        case commandFirstFrame:
             return true;
         default:
             return false;

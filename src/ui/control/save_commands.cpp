@@ -110,7 +110,8 @@ SaveDialogRequest SaveCommands::RequestFor(Choice& chosen) const {
     const SaverFormat& format = FormatToBegin();
     SaveDialogRequest request;
     request.folder = FolderToBegin();
-    request.name = WithExtensionOf(format, ProposedStem(window_.Source().fileName));
+    const PictureSource& source = window_.Source();
+    request.name = WithExtensionOf(format, ProposedStem(source.fileName, source.page));
     for (const SaverFormat& each : SaverFormats())
         request.types.push_back({each.description, std::wstring(each.extensions.front())});
     request.type = TypeOf(format);

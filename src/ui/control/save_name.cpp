@@ -22,10 +22,11 @@ std::wstring WithExtensionOf(const SaverFormat& format, const std::wstring& name
     return stem + format.Extension();
 }
 
-std::wstring ProposedStem(const std::wstring& pictureName) {
+std::wstring ProposedStem(const std::wstring& pictureName, uint32_t page) {
     std::wstring stem = pictureName.substr(pictureName.find_last_of(L"\\/") + 1);
     stem.resize(ExtensionStart(stem));
-    if (stem.find_first_not_of(L" .") == std::wstring::npos) return kNameless;
+    if (stem.find_first_not_of(L" .") == std::wstring::npos) stem = kNameless;
+    if (page != 0) stem += L'_' + std::to_wstring(page);
     return SafeMemberName(stem).value_or(kNameless);
 }
 

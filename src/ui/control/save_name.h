@@ -1,6 +1,7 @@
 // Under which name and in which format a picture is saved.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "app/settings/saver_format.h"
@@ -13,7 +14,8 @@ namespace tessary {
 std::wstring WithExtensionOf(const SaverFormat& format, const std::wstring& name);
 
 // The name to propose for a picture of that file or archive member: its own, without extension and
-// without what file names must not hold.
-std::wstring ProposedStem(const std::wstring& pictureName);
+// without what file names must not hold, and with the page's number where there are several (0:
+// there are none).
+std::wstring ProposedStem(const std::wstring& pictureName, uint32_t page = 0);
 
 }  // namespace tessary

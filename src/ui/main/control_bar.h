@@ -76,6 +76,11 @@ class ControlBar {
         return std::nullopt;
     }
 
+    // Whether what is selected has pages; shows another one of them, so many further on, the first
+    // or the last where there are not as many.
+    virtual bool HasPages() const { return false; }
+    virtual void StepPage(int /*pages*/) {}
+
     // Does what a click on the button does.
     virtual void Press(BarButton button) = 0;
 

@@ -315,10 +315,11 @@ void frmMain::SetPictureSource(PictureSource source) {
     source_ = std::move(source);
     sourceStamp_ = source_.path.empty() ? std::nullopt : StampOf(source_.path);
     ShowPluginCount();
+    ShowScale();
 }
 
 std::wstring frmMain::ShownFile() const {
-    const bool isWhole = PictureShown() && orientation_ == exif::kUpright &&
+    const bool isWhole = PictureShown() && source_.page <= 1 && orientation_ == exif::kUpright &&
                          FileNameOf(source_.path) == source_.fileName && sourceStamp_ &&
                          StampOf(source_.path) == sourceStamp_;
     return isWhole ? source_.path : std::wstring();

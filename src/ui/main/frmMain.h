@@ -264,6 +264,7 @@ class frmMain final : public Form, public PictureView {
     void TurnPicture(Turn turn);
     void RegisterBackdropCommands();
     void RegisterFrameCommands();
+    void StepFrame(int frames);
     bool MaySeeFrames() const;
     void ShowFrame(PlayedFrame frame, bool isInMotion);
     void SetBackdrop(int16_t backdrop);

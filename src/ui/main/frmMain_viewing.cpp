@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <utility>
 
 #include "app/settings/modValue.h"
@@ -115,13 +116,17 @@ void frmMain::TurnPicture(Turn turn) {
 }
 
 void frmMain::RegisterFrameCommands() {
-    const auto add = [this](int command, std::function<void()> run) {
-        commands_.Register(
-            command, {.run = std::move(run), .enabled = [this] { return frames_.IsThere(); }});
-    };
-    add(commandNextFrame, [this] { frames_.Step(1); });
-    add(commandFormerFrame, [this] { frames_.Step(-1); });
-    add(commandFirstFrame, [this] { frames_.GoToFirst(); });
+    constexpr int kToFirst = std::numeric_limits<int>::min();
+    for (const auto& [command, step] : {std::pair{commandNextFrame, 1},
+                                        {commandFormerFrame, -1},
+                                        {commandFirstFrame, kToFirst}}) {
+        commands_.Register(command, {.run = [this, step = step] { StepFrame(step); },
+                                     .enabled =
+                                         [this] {
+                                             return frames_.IsThere() || (controlBar_ != nullptr &&
+                                                                          controlBar_->HasPages());
+                                         }});
+    }
     commands_.Register(commandPauseFrames,
                        {.run = [this] { frames_.TogglePause(); },
                         .enabled = [this] { return frames_.IsThere(); },
@@ -135,6 +140,12 @@ void frmMain::RegisterFrameCommands() {
                             },
                         .checked = [] { return Values().general.playAnimation != 0; },
                         .whileLoading = true});
+}
+
+// Of an animation or among pages.
+void frmMain::StepFrame(int frames) {
+    if (!frames_.IsThere()) return controlBar_->StepPage(frames);
+    frames < -1 ? frames_.GoToFirst() : frames_.Step(frames);
 }
 
 // A dialog is about the frame that is seen, and what is read is about to take its place.
@@ -261,6 +272,10 @@ void frmMain::ShowScale() {
     std::wstring text =
         PictureShown() ? std::to_wstring(std::max(percent, 1L)) + L" %" : std::wstring();
     if (frames_.IsThere()) text += L"   " + frames_.Text();
+    if (PictureShown() && source_.pages > 0) {
+        text += L"   " + std::to_wstring(source_.page) + L" / " + std::to_wstring(source_.pages) +
+                L" ページ";
+    }
     if (statusInformation_.PanelText(kScalePanel) != text) SetPanelText(kScalePanel, text);
 }
 

@@ -12,6 +12,8 @@ struct PictureSource {
     std::wstring fileName;    // file or archive member; empty: unknown
     std::wstring pluginName;  // the plug-in that decoded it; empty: none did
     std::wstring path = {};   // full path of the file, or of the archive around it; empty: none
+    uint32_t page = 0;        // from 1
+    uint32_t pages = 0;       // that the file or member has; 0: none
 };
 
 // The text of a pop-up item (menuPopup… of resource.h) filled with what it tells of a picture of

@@ -77,6 +77,45 @@ TEST_F(FileListTest, PagesAreGoneThroughAsMembersAre) {
     EXPECT_EQ(Items(bar_.listDelete()), List{pages});
 }
 
+TEST_F(FileListTest, PagesOfAMemberAreGoneThroughByTheKeysOfFrames) {
+    SusieCollection().RemoveAll();
+    for (const wchar_t* plugin : {L"frames.spi", L"axtsa.spi"})
+        SusieCollection().AddSPI(test::TestPluginPath(plugin));
+    const std::string scan = "TST 30x20x24\nframes:2:3:0\n", other = "TST 5x5x24\n";
+    const std::wstring archive = folder_.Write(
+        L"a.tsa", "TSA\nmember\t" + std::to_string(scan.size()) + "\t\tscan.tst\nmember\t" +
+                      std::to_string(other.size()) + "\t\tz.tst\n\n" + scan + other);
+    ASSERT_TRUE(bar_.SetFileList(List{archive, Bitmap(L"b.bmp")}));
+    const auto run = [&](int command) {
+        window_.Commands().Run(command);
+        const std::wstring scale = window_.statusInformation().PanelText(kScalePanel);
+        const size_t at = scale.find(L"   ");
+        return std::to_wstring(CurrentPicture().Width()) +
+               (at == scale.npos ? L"" : scale.substr(at));
+    };
+    EXPECT_EQ(run(commandFormerFrame), L"30   1 / 3 ページ");
+    EXPECT_EQ(run(commandNextFrame), L"31   2 / 3 ページ");
+    EXPECT_EQ(CurrentPicture().Origin()->page, 2U);
+    EXPECT_EQ(window_.Source().page, 2U);
+    EXPECT_EQ(window_.Source().fileName, L"scan.tst");
+    run(commandNextFrame);
+    EXPECT_EQ(run(commandNextFrame), L"32   3 / 3 ページ") << "the last one stays";
+    EXPECT_EQ(Items(bar_.listArchiveFile()), (List{L"scan.tst", L"z.tst"}));
+    EXPECT_EQ(run(commandFormerFrame), L"31   2 / 3 ページ");
+    EXPECT_EQ(run(commandFirstFrame), L"30   1 / 3 ページ");
+    run(commandNextFrame);
+    EXPECT_TRUE(bar_.ListIndexForwardOne());
+    EXPECT_EQ(run(commandNextFrame), L"5") << "the other member has none";
+    EXPECT_TRUE(bar_.ListIndexForwardOne());
+    EXPECT_FALSE(window_.Commands().IsEnabled(commandNextFrame));
+    // A page that cannot be read keeps nobody from those behind it.
+    Click(bar_.listFileName(), 0);
+    folder_.Write(L"a.tsa", "TSA\n\n");
+    run(commandNextFrame);
+    EXPECT_FALSE(window_.PictureShown());
+    EXPECT_TRUE(window_.Commands().IsEnabled(commandNextFrame));
+}
+
 TEST_F(FileListTest, TakesTheEntriesUpToTheLimitAndLeavesOutEmptyOnes) {
     List files(32100, folder_.Path() + L"gone.bmp");
     files[1].clear();

@@ -39,6 +39,7 @@ TEST(SaveNameTest, TheExtensionIsTheChosenFormats) {
                                         {L"", L"無題"}}) {
         EXPECT_EQ(ProposedStem(picture), stem);
     }
+    EXPECT_EQ(ProposedStem(L"scan.tif", 2), L"scan_2");
 }
 
 class SaveTest : public MainWindowTest {
