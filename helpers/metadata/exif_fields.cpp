@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <string_view>
 
+#include "helpers/metadata/user_comment.h"
+
 namespace tessary::metadata {
 namespace {
 
@@ -66,28 +68,6 @@ std::string PositionText(const UniqueExif& data) {
     return latitude.empty() || longitude.empty() ? std::string() : latitude + ' ' + longitude;
 }
 
-std::string UnitsText(std::span<const uint8_t> bytes, bool isBigEndian) {
-    std::u16string units;
-    for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        const unsigned first = bytes[i], second = bytes[i + 1];
-        units += static_cast<char16_t>(isBigEndian ? first << 8 | second : second << 8 | first);
-    }
-    return Utf8Of(units);
-}
-
-// Eight bytes tell the character code.
-std::string CommentText(const UniqueExif& data) {
-    const auto bytes = ExifValue(data, EXIF_IFD_EXIF, EXIF_TAG_USER_COMMENT).Bytes();
-    constexpr size_t kCodeSize = 8;
-    if (bytes.size() < kCodeSize) return {};
-    const auto text = bytes.subspan(kCodeSize);
-    if (std::string_view("UNICODE", 7) == std::string(bytes.begin(), bytes.begin() + 7)) {
-        const bool isBig = exif_data_get_byte_order(data.get()) == EXIF_BYTE_ORDER_MOTOROLA;
-        return UnitsText(text, isBig);
-    }
-    return {text.begin(), text.end()};
-}
-
 std::string ResolutionText(const UniqueExif& data) {
     const auto value = [&](ExifTag tag) { return ExifValue(data, EXIF_IFD_0, tag); };
     const std::string x = PositiveText(value(EXIF_TAG_X_RESOLUTION).Fraction(), 2);
@@ -111,7 +91,9 @@ void AddSystemText(Fields& fields, FieldKind kind, const UniqueExif& data, ExifT
 void AddTexts(const UniqueExif& data, Fields& fields) {
     AddSystemText(fields, FieldKind::kTitle, data, EXIF_TAG_XP_TITLE);
     AddText(fields, FieldKind::kDescription, data, EXIF_IFD_0, EXIF_TAG_IMAGE_DESCRIPTION);
-    AddField(fields, FieldKind::kComment, CommentText(data));
+    const bool isBigEndian = exif_data_get_byte_order(data.get()) == EXIF_BYTE_ORDER_MOTOROLA;
+    const ExifValue comment(data, EXIF_IFD_EXIF, EXIF_TAG_USER_COMMENT);
+    AddField(fields, FieldKind::kComment, CommentText(comment.Bytes(), isBigEndian));
     AddSystemText(fields, FieldKind::kComment, data, EXIF_TAG_XP_COMMENT);
     AddText(fields, FieldKind::kArtist, data, EXIF_IFD_0, EXIF_TAG_ARTIST);
     AddSystemText(fields, FieldKind::kArtist, data, EXIF_TAG_XP_AUTHOR);

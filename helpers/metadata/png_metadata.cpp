@@ -6,6 +6,7 @@
 
 #include "helpers/metadata/file_metadata.h"
 #include "helpers/metadata/late_exif.h"
+#include "helpers/metadata/raw_exif.h"
 
 namespace tessary::metadata {
 namespace {
@@ -114,6 +115,7 @@ Carried ReadPngMetadata(dib::ByteSource& source) {
     chunks.Read();
     Carried carried = chunks.Found();
     if (carried.exif.empty()) carried.exif = FindLateExif(source);
+    if (carried.exif.empty()) carried.exif = FindRawExif(source);
     return carried;
 }
 

@@ -185,8 +185,11 @@ std::optional<ApngFile> ReadApng(dib::ByteSource& source) {
             continue;
         }
         if (chunk.Name() == Name("IEND") || chunk.Behind() > source.Size()) return std::nullopt;
-        // What turns a picture upright would turn each frame by itself.
-        if (chunk.Name() == Name("eXIf")) continue;
+        // What turns a picture upright would turn each frame by itself, and may be text.
+        if (chunk.Name() == Name("eXIf") || chunk.Name() == Name("tEXt") ||
+            chunk.Name() == Name("zTXt")) {
+            continue;
+        }
         const size_t at = file.header.size();
         const auto size = chunk.Behind() - chunk.Position();
         if (size > kLongestHeader - at) return std::nullopt;

@@ -14,7 +14,8 @@ namespace tessary::png {
 // frames is told as well.
 //
 // Gives sRGB: what iCCP, or gAMA with cHRM, says of the samples is converted. 16-bit samples of
-// pictures in sRGB show their high byte. An orientation in eXIf turns the picture upright.
+// pictures in sRGB show their high byte. An orientation in eXIf, or in EXIF data that are
+// text, turns the picture upright.
 class PngDecoder final : public codec::PictureCodec {
   public:
     // What counts as a large picture, whose data a second thread unpacks: bytes of its pixels.

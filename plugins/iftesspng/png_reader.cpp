@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "helpers/metadata/late_exif.h"
+#include "helpers/metadata/raw_exif.h"
 #include "plugins/common/exif.h"
 #include "plugins/common/flatten_rows.h"
 #include "plugins/common/palette.h"
@@ -165,9 +166,10 @@ void PngReader::ReadOrientation() {
     png_bytep exif = nullptr;
     png_uint_32 size = 0;
     const bool isEarly = png_get_eXIf_1(png_, info_, &size, &exif) != 0;
-    const codec::ExifEntries entries =
-        isEarly ? codec::ReadExif({exif, size}) : codec::ReadExif(metadata::FindLateExif(source_));
-    orientation_ = entries.orientation;
+    std::vector<uint8_t> other;
+    if (!isEarly) other = metadata::FindLateExif(source_);
+    if (!isEarly && other.empty()) other = metadata::FindRawExif(source_);
+    orientation_ = codec::ReadExif(isEarly ? std::span(exif, size) : std::span(other)).orientation;
 }
 
 void PngReader::ReadColors() {

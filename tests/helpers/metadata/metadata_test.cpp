@@ -1,9 +1,12 @@
+#include <zlib.h>
+
 #include <algorithm>
 #include <ostream>
 
 #include "helpers/metadata/exif_data.h"
 #include "helpers/metadata/file_metadata.h"
 #include "helpers/metadata/saved_exif.h"
+#include "helpers/metadata/user_comment.h"
 #include "tests/support/seeds.h"
 
 namespace tessary::metadata {
@@ -65,6 +68,84 @@ TEST(Metadata, TellsWhatEachFormatHas) {
     EXPECT_EQ(Without(Read(Seed("fuzz_metadata/tiff")).fields, {}), kCamera);
     EXPECT_TRUE(Read(Seed("fuzz_jpeg/grey")).exif.size() < 200);
     EXPECT_TRUE(Read(Seed("fuzz_bitmap_file/rgb24")).fields.empty());
+}
+
+// A PNG file without picture data whose only chunk is text.
+Bytes PngOfText(const std::string& name, const std::string& data) {
+    Bytes file{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+    const auto append = [&](const std::string& kind, const std::string& content) {
+        const std::string named = kind + content;
+        const auto* const bytes = reinterpret_cast<const Bytef*>(named.data());
+        const auto put = [&](uLong number) {
+            for (const int shift : {24, 16, 8, 0})
+                file.push_back(static_cast<uint8_t>(number >> shift));
+        };
+        put(static_cast<uLong>(content.size()));
+        file.insert(file.end(), named.begin(), named.end());
+        put(crc32(0, bytes, static_cast<uInt>(named.size())));
+    };
+    append("IHDR", std::string("\0\0\0\1\0\0\0\1\x08\0\0\0\0", 13));
+    append(name, data);
+    append("IDAT", "");
+    return file;
+}
+
+TEST(Metadata, ReadsExifThatIsTextInPngFiles) {
+    const Bytes exif = Read(Seed("fuzz_metadata/png")).exif;
+    std::string hex;
+    for (const char* digits = "0123456789abcdef"; const uint8_t byte : exif) {
+        hex += {digits[byte >> 4], digits[byte & 15]};
+        if (hex.size() % 73 == 72) hex += '\n';
+    }
+    const auto rawOf = [&](const std::string& before, size_t size) {
+        return "\nexif\n    " + std::to_string(size) + '\n' + before + hex + '\n';
+    };
+    const std::string keyword("Raw profile type exif\0", 22), other("Raw profile type APP1\0", 22);
+    const std::string text = rawOf("", exif.size()), named = rawOf("457869660000", exif.size() + 6);
+    uLongf size = compressBound(static_cast<uLong>(named.size()));
+    std::string packed(size, '\0');
+    compress(reinterpret_cast<Bytef*>(packed.data()), &size,
+             reinterpret_cast<const Bytef*>(named.data()), static_cast<uLong>(named.size()));
+    packed.resize(size);
+    const Bytes whole = PngOfText("zTXt", other + '\0' + packed);
+    for (const Bytes& file :
+         {PngOfText("tEXt", keyword + text), PngOfText("tEXt", other + named), whole}) {
+        EXPECT_EQ(Read(file).exif, exif);
+        EXPECT_EQ(Without(Read(file).fields, {}), kCamera);
+    }
+    std::string wrong = text;
+    wrong[wrong.size() / 2] = 'x';
+    for (const std::string& bad :
+         {wrong, rawOf("", exif.size() + 1), rawOf("", exif.size() - 1), rawOf("", 4'000'000'000u),
+          text.substr(0, text.size() - 2), rawOf("00", exif.size() + 1), std::string("\nexif\n")})
+        EXPECT_TRUE(Read(PngOfText("tEXt", keyword + bad)).exif.empty()) << bad.size();
+    Bytes sum = whole;
+    sum[sum.size() - 20] ^= 1;
+    EXPECT_TRUE(Read(sum).exif.empty());
+}
+
+TEST(Metadata, ReadsCommentsInTheirCharacterCodes) {
+    const auto told = [](const std::string& comment, bool isBigEndian = false) {
+        return CommentText({reinterpret_cast<const uint8_t*>(comment.data()), comment.size()},
+                           isBigEndian);
+    };
+    const std::string jis("JIS\0\0\0\0\0", 8), unicode("UNICODE\0", 8), none(8, '\0');
+    // 夕a暮ｱ纊 and a character of another set.
+    EXPECT_EQ(
+        told(jis + "\x1B$B\x4D\x3C\x1B(Ba\x1B$@\x4A\x6B\x1B(I1\x1B$B\x79\x21\x1B$(Dab\x1B(B."),
+        "\x97\x5B"
+        "a\x95\xE9\xB1\xED\x40?.");
+    EXPECT_EQ(told(jis + "\x1B$B\x4D"), "\x4D");
+    for (const std::string& code : {none, jis, std::string()})
+        EXPECT_EQ(told(code + "\x97\x5B\x95\xE9 abcd"), "\x97\x5B\x95\xE9 abcd");
+    EXPECT_EQ(told(std::string("ASCII\0\0\0plain", 13)), "plain");
+    // 夕暮れ in the file's byte order, in the other, and with a mark.
+    const std::string little("\x15\x59\xAE\x66\x8C\x30", 6), big("\x59\x15\x66\xAE\x30\x8C", 6);
+    for (const bool isBig : {false, true}) {
+        for (const std::string& text : {little, big, "\xFF\xFE" + little, "\xFE\xFF" + big})
+            EXPECT_EQ(told(unicode + text, isBig), "夕暮れ");
+    }
+    EXPECT_EQ(told(""), "");
 }
 
 uint32_t NumberIn(const UniqueExif& data, ExifIfd directory, ExifTag tag) {
