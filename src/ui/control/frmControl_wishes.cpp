@@ -28,8 +28,6 @@ bool IsOfPicture(int command) {
         case menuEditCopy:
         case menuViewWallpaperCenter:
         case menuViewWallpaperTile:
-        case commandNextFrame:
-        case commandFormerFrame:
         case commandFirstFrame:
             return true;
         default:
@@ -126,7 +124,9 @@ Urge frmControl::UrgeForElse() const {
         player_.IsFast()) {
         return Urge::kStrong;
     }
-    return goes || wishes_.command != 0 || !wishes_.marks.empty() ? Urge::kSome : Urge::kNone;
+    return goes || wishes_.pages != 0 || wishes_.command != 0 || !wishes_.marks.empty()
+               ? Urge::kSome
+               : Urge::kNone;
 }
 
 void frmControl::WishStep(int step) {
@@ -137,7 +137,11 @@ void frmControl::WishStep(int step) {
 
 void frmControl::WishCommand(int command) {
     if (!formLoaded_) return;
-    wishes_.Run(command);
+    if (command == commandNextFrame || command == commandFormerFrame) {
+        wishes_.Page(command == commandNextFrame ? 1 : -1, keyRepeats_);
+    } else {
+        wishes_.Run(command);
+    }
     WishIsThere();
 }
 
@@ -184,6 +188,7 @@ void frmControl::CarryOutWishes() {
     } else if (wishes.member) {
         listArchiveFile_Click();
     }
+    if (wishes.pages != 0 && HasPages() && !wishes_.Any()) StepPage(wishes.pages);
     // What was asked for meanwhile is newer.
     if (wishes.deletion) cmdOK_Click();
     if (wishes.command != 0 && !wishes_.Any()) window_.Commands().Run(wishes.command);

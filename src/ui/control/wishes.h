@@ -13,13 +13,14 @@ struct Wishes {
     bool file = false;                // show the file that is selected now
     bool member = false;              // the same of an archive's members
     int steps = 0;                    // entries to go on by; negative: back
+    int pages = 0;                    // of the selected file or member to go on by
     bool deletion = false;            // of the collected files, from the disk
     int command = 0;                  // of the main window, to be run last; 0: none
     std::vector<std::wstring> marks;  // paths to be collected for deletion
     bool isFresh = false;   // some of it was asked for by more than a key that is held down
     bool isMotion = false;  // a motion was started that has not stepped yet
 
-    bool Any() const { return Moves() || command != 0 || deletion || !marks.empty(); }
+    bool Any() const { return Moves() || pages != 0 || command != 0 || deletion || !marks.empty(); }
     bool Moves() const { return file || member || steps != 0; }
 
     // An entry of a list was clicked; not `really` when that is the one being loaded already.
@@ -32,9 +33,15 @@ struct Wishes {
     // A step of 1 or -1. A key that is being held down leads no further than one entry: nobody
     // knows how long it will be.
     void Step(int step, bool repeated) {
-        command = 0;
-        if (!repeated || steps * step <= 0) steps += step;
+        command = pages = 0;
+        Add(steps, step, repeated);
         isFresh = isFresh || !repeated;
+    }
+
+    // The same among the pages of what is being loaded.
+    void Page(int step, bool repeated) {
+        command = 0;
+        Add(pages, step, repeated);
     }
 
     void Run(int wanted) { command = wanted; }
@@ -45,7 +52,12 @@ struct Wishes {
 
     void ForgetMoves() {
         file = member = isFresh = isMotion = false;
-        steps = command = 0;
+        steps = pages = command = 0;
+    }
+
+  private:
+    static void Add(int& sum, int step, bool repeated) {
+        if (!repeated || sum * step <= 0) sum += step;
     }
 };
 
