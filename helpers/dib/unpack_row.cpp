@@ -1,8 +1,10 @@
 #include "helpers/dib/unpack_row.h"
 
+#include <algorithm>
 #include <bit>
 #include <cassert>
 #include <cstring>
+#include <numeric>
 
 namespace tessary::dib {
 namespace {
@@ -182,6 +184,44 @@ void RowReader::Pick(std::span<const uint8_t> row, std::span<const int32_t> colu
                 std::memcpy(&color, in + x * 4, 4);
                 return color | kOpaque;
             });
+    }
+}
+
+size_t RowReader::PlainBytes() const {
+    if (format_ == PixelFormat::kBgr24) return 3;
+    return BitsPerPixel(format_) == 32 && !HasAlpha() ? 4 : 0;
+}
+
+void RowReader::PickRun(std::span<const uint8_t> row, size_t first, size_t count,
+                        uint32_t* pixels) const {
+    const size_t bytes = PlainBytes();
+    const uint8_t* in = row.data() + first * bytes;
+    if (bytes == 3) {
+        size_t x = 0;
+        for (; x + 4 <= count; x += 4, in += 12) {
+            uint32_t packed[3];
+            std::memcpy(packed, in, sizeof packed);
+            pixels[x] = packed[0] | kOpaque;
+            pixels[x + 1] = packed[0] >> 24 | packed[1] << 8 | kOpaque;
+            pixels[x + 2] = packed[1] >> 16 | packed[2] << 16 | kOpaque;
+            pixels[x + 3] = packed[2] >> 8 | kOpaque;
+        }
+        for (; x < count; ++x, in += 3)
+            Put<4>(reinterpret_cast<uint8_t*>(pixels + x),
+                   in[0] | in[1] << 8 | in[2] << 16 | kOpaque);
+        return;
+    }
+    if (bytes == 4) {
+        std::memcpy(pixels, in, count * bytes);
+        for (size_t x = 0; x < count; ++x)
+            pixels[x] |= kOpaque;
+        return;
+    }
+    std::array<int32_t, 256> columns;
+    for (size_t done = 0; done < count; done += columns.size()) {
+        const std::span<int32_t> some(columns.data(), std::min(columns.size(), count - done));
+        std::iota(some.begin(), some.end(), static_cast<int32_t>(first + done));
+        Pick(row, some, pixels + done);
     }
 }
 

@@ -35,6 +35,12 @@ class RowReader {
     // the row. 255 for pictures without alpha.
     void Pick(std::span<const uint8_t> row, std::span<const int32_t> columns,
               uint32_t* pixels) const;
+    // The same of `count` neighbouring columns, which is far quicker where pixels are bytes.
+    void PickRun(std::span<const uint8_t> row, size_t first, size_t count, uint32_t* pixels) const;
+
+    // How many bytes of a row a pixel takes whose colour lies in them as Pick gives it; 0 where
+    // more is to be done than to put 255 for alpha.
+    size_t PlainBytes() const;
 
   private:
     template <int kBytes>

@@ -13,6 +13,9 @@ constexpr size_t kMostKept = 16;
 Result Animation::Decode(dib::ByteSource& source, uint32_t index, PictureTarget& target,
                          Progress& progress, uint32_t& duration) {
     duration = FrameAt(index).duration;
+    if (shown_ != index && IsAlone(index) && HandOutAlone(source, index, target)) {
+        return progress.Report(1, 1) ? Result::kSuccess : Result::kAborted;
+    }
     if (shown_ != index) {
         const Result result = Show(source, index, progress);
         if (result != Result::kSuccess) return result;
@@ -46,13 +49,23 @@ Result Animation::Step(dib::ByteSource& source, uint32_t index, Progress& progre
     return result;
 }
 
+bool Animation::IsWhole(const FramePlace& place) const {
+    return place.left == 0 && place.top == 0 && place.width >= width_ && place.height >= height_;
+}
+
 // Whether nothing of the frames before is left when it is drawn, nor comes back later.
 bool Animation::IsStart(uint32_t index) const {
     const Frame frame = FrameAt(index);
     const Frame before = FrameAt(index - 1);
-    return (frame.isSolid && frame.disposal != Disposal::kPutBack &&
-            canvas_.IsCoveredBy(frame.place)) ||
-           (before.disposal == Disposal::kClear && canvas_.IsCoveredBy(before.place));
+    return (frame.isSolid && frame.disposal != Disposal::kPutBack && IsWhole(frame.place)) ||
+           (before.disposal == Disposal::kClear && IsWhole(before.place));
+}
+
+// Whether it neither needs the canvas nor leaves anything on it.
+bool Animation::IsAlone(uint32_t index) const {
+    const Frame frame = FrameAt(index);
+    return frame.isSolid && IsWhole(frame.place) &&
+           (index + 1 == Frames().count || IsStart(index + 1));
 }
 
 void Animation::GoTo(uint32_t index) {
@@ -78,7 +91,7 @@ void Animation::Dispose() {
 
 void Animation::Keep(uint32_t index) {
     const size_t most = std::min(kMostKept, kKeptBytes / canvas_.Size());
-    if (most == 0 || index == 0 || index % keptEvery_ != 0) return;
+    if (most == 0 || index == 0 || index % keptEvery_ != 0 || IsStart(index)) return;
     if (kept_.size() == most && !kept_.contains(index)) {
         keptEvery_ *= 2;
         std::erase_if(kept_, [&](const auto& kept) { return kept.first % keptEvery_ != 0; });

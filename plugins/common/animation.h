@@ -36,11 +36,19 @@ class Animation : public FrameReader {
     // failure where others can still be drawn.
     virtual Result Draw(dib::ByteSource& source, uint32_t index, Canvas& canvas,
                         Progress& progress) = 0;
+    // Decodes a frame that is the whole picture straight into the target, as the canvas would hand
+    // it out. False where that is not to be had without flaw: then it is drawn.
+    virtual bool HandOutAlone(dib::ByteSource&, uint32_t, PictureTarget&) { return false; }
+
+    uint32_t Width() const { return width_; }
+    uint32_t Height() const { return height_; }
 
   private:
     Result Show(dib::ByteSource& source, uint32_t index, Progress& progress);
     Result Step(dib::ByteSource& source, uint32_t index, Progress& progress);
+    bool IsWhole(const FramePlace& place) const;
     bool IsStart(uint32_t index) const;
+    bool IsAlone(uint32_t index) const;
     void GoTo(uint32_t index);
     void Dispose();
     void Keep(uint32_t index);

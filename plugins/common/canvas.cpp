@@ -38,11 +38,6 @@ FramePlace Canvas::Visible(const FramePlace& place) const {
     return {left, top, std::min(place.width, width_ - left), std::min(place.height, height_ - top)};
 }
 
-bool Canvas::IsCoveredBy(const FramePlace& place) const {
-    const FramePlace visible = Visible(place);
-    return visible.width == width_ && visible.height == height_;
-}
-
 void Canvas::Clear(const FramePlace& visible) {
     if (visible.width == 0) return;
     constexpr std::array<uint8_t, kPixelBytes> kClear{0xFF, 0xFF, 0xFF, 0};

@@ -37,7 +37,6 @@ class Canvas {
 
     // What of a frame's place is on the canvas.
     FramePlace Visible(const FramePlace& place) const;
-    bool IsCoveredBy(const FramePlace& place) const;
 
     // Makes a visible place transparent; white where somebody sees the colours all the same.
     void Clear(const FramePlace& visible);

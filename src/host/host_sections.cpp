@@ -6,9 +6,9 @@
 namespace tessary {
 namespace {
 
-// As the host keeps them, and one that is being read.
-constexpr size_t kMostMapped = 7;
-constexpr size_t kMostMappedBytes = size_t{160} << 20;
+// Of those that nobody reads, as the host keeps them.
+constexpr size_t kMostIdle = 6;
+constexpr size_t kMostIdleBytes = size_t{160} << 20;
 
 bool IsMemoryShort(DWORD error) {
     return error == ERROR_NOT_ENOUGH_MEMORY || error == ERROR_OUTOFMEMORY ||
@@ -65,13 +65,19 @@ HostSections::Opened HostSections::Open(HANDLE process, const WireSection& wire,
     return Opened::kOpen;
 }
 
+// What somebody reads stays mapped anyway: the frames of an animation are many, and come again.
 void HostSections::DropOldest() {
-    size_t bytes = 0;
-    for (const Mapped& mapped : mapped_)
-        bytes += mapped.section->Bytes().size();
-    while (mapped_.size() > 1 && (mapped_.size() > kMostMapped || bytes > kMostMappedBytes)) {
-        bytes -= mapped_.front().section->Bytes().size();
-        mapped_.erase(mapped_.begin());
+    const auto isIdle = [](const Mapped& mapped) { return mapped.section.use_count() == 1; };
+    for (;;) {
+        size_t count = 0;
+        size_t bytes = 0;
+        for (const Mapped& mapped : mapped_) {
+            if (!isIdle(mapped)) continue;
+            ++count;
+            bytes += mapped.section->Bytes().size();
+        }
+        if (count <= 1 || (count <= kMostIdle && bytes <= kMostIdleBytes)) return;
+        mapped_.erase(std::ranges::find_if(mapped_, isIdle));
     }
 }
 

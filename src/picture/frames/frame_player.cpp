@@ -56,7 +56,8 @@ struct Made {
 };
 
 // Without memory the picture is empty. `cost` receives how long it took to be made sharp.
-PlayedFrame Make(const Job& job, const std::function<bool()>& isWanted, Clock::duration& cost) {
+PlayedFrame Make(const Job& job, Drafts& drafts, const std::function<bool()>& isWanted,
+                 Clock::duration& cost) {
     PlayedFrame frame{.index = job.index};
     Trapped([&] {
         Picture picture = TurnedPicture(job.picture, job.look.orientation);
@@ -67,7 +68,7 @@ PlayedFrame Make(const Job& job, const std::function<bool()>& isWanted, Clock::d
         frame.picture = std::move(picture);
         if (!job.isSharp || IsRectEmpty(&seen.part) || IsExactAsItIs(size, seen.shown)) return;
         const auto begin = Clock::now();
-        frame.sharp = job.isBrief ? SharpPart::DraftOf(seen, *frame.pixels)
+        frame.sharp = job.isBrief ? drafts.Of(seen, *frame.pixels)
                                   : MakeSharpPart(*frame.pixels, seen, isWanted);
         cost = Clock::now() - begin;
     });
@@ -76,7 +77,7 @@ PlayedFrame Make(const Job& job, const std::function<bool()>& isWanted, Clock::d
 
 }  // namespace
 
-// What the three threads share. All but the timer is for the owner of the mutex.
+// What the three threads share. All but the timer and the drafts is for the owner of the mutex.
 struct FramePlayer::State {
     State(std::function<void()> tell, size_t budget) : ready(std::move(tell)), store(budget) {}
 
@@ -95,6 +96,7 @@ struct FramePlayer::State {
     }
     // Another thing is wanted than before.
     void Change() {
+        timer.Wake();
         ++serial;
         wished.reset();
         failed.reset();
@@ -140,6 +142,7 @@ struct FramePlayer::State {
     std::optional<uint32_t> failed;  // it cannot be had
     std::optional<Made> made;        // the one that is seen next
     std::optional<PlayedFrame> due;
+    Drafts drafts;           // of the thread that shows
     Clock::duration cost{};  // of making one sharp as it looks now; 0: nobody knows
     bool isReading = false;
     bool ends = false;
@@ -317,6 +320,7 @@ void FramePlayer::ShowFrames(const std::shared_ptr<State>& state) {
     std::unique_lock lock(state->mutex);
     while (!state->ends) {
         if (state->GoOn(lock)) continue;
+        if (!state->isPlaying) state->drafts.Forget();
         state->work.notify_one();
         const FrameTime end = state->clock.End();
         // The time may be over by now: then it is not waited for.
@@ -374,7 +378,7 @@ void FramePlayer::State::Prepare(std::unique_lock<std::mutex>& lock, uint32_t in
     made.reset();
     lock.unlock();
     PlayedFrame result = Make(
-        job,
+        job, drafts,
         [&] {
             const std::lock_guard inner(mutex);
             return serial == begun && job.look == look;

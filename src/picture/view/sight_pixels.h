@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "helpers/dib/unpack_row.h"
 #include "picture/picture.h"
@@ -52,6 +53,8 @@ class SightPixels {
     void DrawAveraged(const SightPart& sight, const PixelRows& rows) const;
 
   private:
+    void CopyRows(const RECT& part, const PixelRows& rows) const;
+
     Picture picture_;
     dib::RowReader reader_;
 };
@@ -65,9 +68,7 @@ class SharpPart {
   public:
     // Room for it, unfilled; throws std::bad_alloc.
     explicit SharpPart(const SightPart& sight);
-    // The average of four pixels each, which is not as sharp as it can be.
-    static std::shared_ptr<const SharpPart> DraftOf(const SightPart& sight,
-                                                    const SightPixels& pixels);
+    // Whether it is not as sharp as it can be.
     bool IsDraft() const { return isDraft_; }
     // The pixels of `made`, which has the part's size.
     static std::shared_ptr<const SharpPart> Of(const SightPart& sight, const Picture& made);
@@ -79,9 +80,23 @@ class SharpPart {
     }
 
   private:
+    friend class Drafts;
+
     SightPart sight_;
     bool isDraft_ = false;
     std::unique_ptr<uint32_t[]> pixels_;
+};
+
+// Parts by SightPixels::DrawAveraged, in memory that is used again as soon as nobody else has it:
+// the first touch of fresh memory takes longer than the drawing. As many as are needed at a time.
+class Drafts {
+  public:
+    // Throws std::bad_alloc.
+    std::shared_ptr<const SharpPart> Of(const SightPart& sight, const SightPixels& pixels);
+    void Forget() { parts_ = {}; }
+
+  private:
+    std::vector<std::shared_ptr<SharpPart>> parts_;
 };
 
 }  // namespace tessary

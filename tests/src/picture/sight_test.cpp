@@ -199,6 +199,43 @@ TEST_F(SightTest, TogglesBetweenOwnSizeAndTheWhole) {
     EXPECT_EQ(sight_.Shown().cx, 0);
 }
 
+TEST(SightPixelsTest, EveryDepthIsSeenInItsOwnSizeAndInAverages) {
+    constexpr SIZE kOwn{101, 37}, kSmall{67, 24};
+    Drafts drafts;
+    for (const dib::PixelFormat format : dib::test::kAllFormats) {
+        const dib::test::SamplePicture sample(format, kOwn.cx, kOwn.cy);
+        const dib::RowReader reader(sample.View());
+        const auto pixelAt = [&](int32_t x, int32_t y) {
+            uint32_t pixel = 0;
+            reader.Pick(sample.View().Row(y), {&x, 1}, &pixel);
+            return pixel;
+        };
+        const SightPixels pixels(Picture::Make(sample.info, [&](std::span<uint8_t> rows) {
+            std::ranges::copy(sample.bits, rows.begin());
+            return true;
+        }));
+        SharpPart own({kOwn, {3, 2, 98, 35}});
+        pixels.DrawNearest(own.Sight(), own.Rows());
+        for (int i = 0; i < 95 * 33; ++i)
+            ASSERT_EQ(own.Row(i / 95)[i % 95], pixelAt(3 + i % 95, 2 + i / 95)) << i;
+        const auto small = drafts.Of({kSmall, {5, 3, 64, 22}}, pixels);
+        for (int i = 0; i < 59 * 19; ++i) {
+            for (int shift = 0; shift < 32; shift += 8) {
+                uint32_t sum = 0;
+                for (int of = 0; of < 4; ++of) {
+                    const int x = 2 * (5 + i % 59) + of % 2, y = 2 * (3 + i / 59) + of / 2;
+                    sum += pixelAt((2 * x + 1) * kOwn.cx / (4 * kSmall.cx),
+                                   (2 * y + 1) * kOwn.cy / (4 * kSmall.cy)) >>
+                               shift &
+                           255;
+                }
+                ASSERT_NEAR(small->Row(i / 59)[i % 59] >> shift & 255, sum / 4.0, 1) << i;
+            }
+        }
+        EXPECT_NE(drafts.Of(small->Sight(), pixels)->Row(0), small->Row(0)) << "it is in use";
+    }
+}
+
 TEST(SightPixelsTest, AveragesAreOfFourPixelsWhereverThePartBegins) {
     const Picture stripes = test::PictureOf(80, 60, [](std::span<uint8_t> rows) {
         for (size_t i = 0; i < rows.size(); ++i)
@@ -206,7 +243,7 @@ TEST(SightPixelsTest, AveragesAreOfFourPixelsWhereverThePartBegins) {
     });
     const SightPixels pixels(stripes.Another());
     for (const RECT& part : {RECT{0, 0, 40, 30}, RECT{7, 5, 23, 30}}) {
-        const auto draft = SharpPart::DraftOf({{40, 30}, part}, pixels);
+        const auto draft = Drafts().Of({{40, 30}, part}, pixels);
         EXPECT_TRUE(draft->IsDraft());
         for (int y = 0; y < draft->Sight().Height(); ++y) {
             for (int x = 0; x < draft->Sight().Width(); ++x)
