@@ -58,7 +58,7 @@ std::wstring TimeText(uint64_t time) {
 std::wstring PixelsText(const Picture& picture) {
     std::wstring text = std::to_wstring(picture.Width()) + L" × " +
                         std::to_wstring(picture.Height()) + L"、" +
-                        std::to_wstring(picture.Header().bitCount) + L" ビット";
+                        std::to_wstring(ToldDepth(picture)) + L" ビット";
     if (picture.HasAlpha()) text += L"（透明あり）";
     return text;
 }

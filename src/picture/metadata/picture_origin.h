@@ -20,7 +20,15 @@ struct PictureOrigin {
     uint32_t page = 0;            // of the file or member, from 1; 0: it has none
     std::wstring plugin{};        // full path of what has read it; empty: the program itself
     uint32_t milliseconds = 0;    // that this took
+    uint16_t depth = 0;           // bits of a pixel as it came; 0: nobody knows
 };
+
+// What is told of a picture's depth, in bits. The frames of an animation have the first one's,
+// though they come with all colours.
+inline uint16_t ToldDepth(const Picture& picture) {
+    const PictureOrigin* const origin = picture.Origin().get();
+    return origin != nullptr && origin->depth != 0 ? origin->depth : picture.Header().bitCount;
+}
 
 // As much of a member's beginning as is kept: EXIF data and a profile in front of the picture.
 constexpr size_t kMemberHead = 256u << 10;

@@ -127,6 +127,7 @@ void TellOrigin(ReadResult& read, PictureOrigin origin) {
     origin.plugin = read.plugin;
     origin.milliseconds = read.milliseconds;
     origin.page = read.page;
+    origin.depth = read.picture.Header().bitCount;
     read.picture.SetOrigin(std::make_shared<const PictureOrigin>(std::move(origin)));
 }
 

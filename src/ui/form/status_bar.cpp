@@ -35,6 +35,7 @@ void StatusBar::SetPanelText(int panel, const std::wstring& text) {
     std::replace(shown.begin(), shown.end(), L'\t', L' ');
     if (!isNew && texts_[index] == shown) return;
     texts_[index] = std::move(shown);
+    Measure(index);
     LayOutPanels();
     const auto shownText = reinterpret_cast<LPARAM>(texts_[index].c_str());
     SendMessageW(handle_, SB_SETTEXTW, index, shownText);
@@ -55,6 +56,7 @@ void StatusBar::RemovePanelsFrom(int panel) {
     const size_t count = static_cast<size_t>(panel) - 1;
     if (count >= texts_.size()) return;
     texts_.resize(count);
+    widths_.resize(count);
     LayOutPanels();
 }
 
@@ -62,6 +64,9 @@ void StatusBar::ChangeMetrics() {
     UniqueFont font = Metrics(handle_).StatusFont();
     SendMessageW(handle_, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
     font_ = std::move(font);
+    widths_.clear();
+    for (size_t i = 0; i < texts_.size(); ++i)
+        Measure(i);
     LayOutPanels();
 }
 
@@ -78,16 +83,20 @@ int StatusBar::TextWidth(const std::wstring& text) const {
     return TextMeter(handle_, font_.Get()).WidthOf(text);
 }
 
+// A panel keeps its width for a text that is a little narrower: a number that changes all the time
+// moves nothing.
+void StatusBar::Measure(size_t index) {
+    const int padding = Metrics(handle_).Scale(kPanelPadding);
+    widths_.resize(texts_.size(), 2 * padding);
+    if (texts_[index].empty()) return;
+    const int width = TextWidth(texts_[index]) + 2 * padding;
+    if (width > widths_[index] || width < widths_[index] - padding) widths_[index] = width;
+}
+
 void StatusBar::LayOutPanels() {
     if (texts_.empty()) return;
     RECT bar{};
     GetClientRect(handle_, &bar);
-    const int padding = Metrics(handle_).Scale(kPanelPadding);
-    widths_.resize(texts_.size());
-    for (size_t i = 0; i < texts_.size(); ++i) {
-        if (!texts_[i].empty()) widths_[i] = TextWidth(texts_[i]) + 2 * padding;
-        widths_[i] = std::max(widths_[i], 2 * padding);
-    }
     const int half = bar.right / 2;
     const int grip = GetSystemMetrics(SM_CXVSCROLL);
     int missing = widths_.back() + grip - static_cast<int>(bar.right);

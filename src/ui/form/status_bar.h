@@ -37,6 +37,7 @@ class StatusBar {
 
   private:
     int TextWidth(const std::wstring& text) const;
+    void Measure(size_t index);
     void LayOutPanels();
 
     HWND handle_ = nullptr;

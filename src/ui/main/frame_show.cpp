@@ -9,7 +9,6 @@ namespace {
 
 constexpr UINT kWatch = 50;         // milliseconds between two looks at whether it may play
 constexpr ULONGLONG kMoment = 150;  // so long the picture stands first
-constexpr ULONGLONG kTold = 250;    // so often its text changes in motion
 
 }  // namespace
 
@@ -52,10 +51,7 @@ void FrameShow::ShowDue() {
         view_.show(*std::move(frame), player_.IsPlaying());
     }
     if (plays_ && player_.IsOver()) Stop();
-    if (!player_.IsPlaying() || GetTickCount64() - told_ >= kTold) {
-        told_ = GetTickCount64();
-        view_.told();
-    }
+    if (frame || !player_.IsPlaying()) view_.told();
 }
 
 void FrameShow::Hold() {

@@ -66,7 +66,6 @@ class FrameShow {
     FrameLook look_;
     bool plays_ = false;  // unless it has to stand still
     ULONGLONG held_ = 0;  // since when it may play, in ticks
-    ULONGLONG told_ = 0;  // when the text was told last
     Timer watch_{[this] { Tick(); }};
 };
 

@@ -340,7 +340,7 @@ void frmMain::ShowForeignPicture(const std::wstring& info) {
 
 void frmMain::menuPopup_Click(int item) {
     if (!CurrentPicture()) return;
-    CopyTextToClipboard(Handle(), PicturePopupCopyText(item, source_, CurrentPicture().Header()));
+    CopyTextToClipboard(Handle(), PicturePopupCopyText(item, source_, CurrentPicture()));
 }
 
 void frmMain::GoToOtherWindow() {

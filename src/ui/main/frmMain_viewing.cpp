@@ -228,10 +228,9 @@ void frmMain::pictureView_ContextMenu(POINT onScreen) {
     restingPointer_.Wake();
     const UniqueMenu window = LoadMenuResource(menuPopupWindow);
     const HMENU popup = GetSubMenu(window.Get(), 0);
-    const dib::BitmapInfoHeader* const header =
-        PictureShown() && CurrentPicture() ? &CurrentPicture().Header() : nullptr;
+    const Picture* const picture = PictureShown() && CurrentPicture() ? &CurrentPicture() : nullptr;
     ForEachMenuCommand(popup, [&](int item) {
-        SetMenuCaption(popup, item, AsMenuCaption(PicturePopupText(item, source_, header)));
+        SetMenuCaption(popup, item, AsMenuCaption(PicturePopupText(item, source_, picture)));
     });
     // The full screen has no other menu.
     AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);

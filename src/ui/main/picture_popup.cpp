@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "picture/metadata/picture_origin.h"
 #include "res/resource.h"
 
 namespace tessary {
@@ -23,33 +24,33 @@ std::wstring SizeText(const dib::BitmapInfoHeader& header) {
 
 }  // namespace
 
-std::wstring PicturePopupText(int id, const PictureSource& source,
-                              const dib::BitmapInfoHeader* header) {
+std::wstring PicturePopupText(int id, const PictureSource& source, const Picture* picture) {
     switch (id) {
         case menuPopupGraphicInfo:
             return L"画像情報";
         case menuPopupFileName:
-            return L"ファイル名 <" + OrElse(source.fileName, header != nullptr ? L"不明" : kNone) +
+            return L"ファイル名 <" + OrElse(source.fileName, picture != nullptr ? L"不明" : kNone) +
                    L">";
         case menuPopupPluginName:
             return L"使用プラグイン <" + OrElse(source.pluginName, kNone) + L">";
         case menuPopupGraphicSize:
-            return L"画像サイズ <" + (header != nullptr ? SizeText(*header) : kNone) + L">";
+            return L"画像サイズ <" + (picture != nullptr ? SizeText(picture->Header()) : kNone) +
+                   L">";
         case menuPopupColorDepth:
             return L"色数 <" +
-                   (header != nullptr ? std::to_wstring(header->bitCount) + L"bit" : kNone) + L">";
+                   (picture != nullptr ? std::to_wstring(ToldDepth(*picture)) + L"bit" : kNone) +
+                   L">";
         default:
             return {};
     }
 }
 
-std::wstring PicturePopupCopyText(int id, const PictureSource& source,
-                                  const dib::BitmapInfoHeader& header) {
-    if (id != menuPopupGraphicInfo) return PicturePopupText(id, source, &header);
+std::wstring PicturePopupCopyText(int id, const PictureSource& source, const Picture& picture) {
+    if (id != menuPopupGraphicInfo) return PicturePopupText(id, source, &picture);
     std::wstring lines;
     for (const int item : kInformationItems) {
         if (!lines.empty()) lines += L"\r\n";
-        lines += PicturePopupText(item, source, &header);
+        lines += PicturePopupText(item, source, &picture);
     }
     return lines;
 }

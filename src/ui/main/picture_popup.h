@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "picture/modMemory.h"
+#include "picture/picture.h"
 
 namespace tessary {
 
@@ -16,15 +16,13 @@ struct PictureSource {
     uint32_t pages = 0;       // that the file or member has; 0: none
 };
 
-// The text of a pop-up item (menuPopup… of resource.h) filled with what it tells of a picture of
-// this header (null: there is none), as the menu shows it. Empty for a number that is none of the
-// pop-up menu's.
-std::wstring PicturePopupText(int id, const PictureSource& source,
-                              const dib::BitmapInfoHeader* header);
+// The text of a pop-up item (menuPopup… of resource.h) filled with what it tells of a picture
+// (null: there is none), as the menu shows it. Empty for a number that is none of the pop-up
+// menu's.
+std::wstring PicturePopupText(int id, const PictureSource& source, const Picture* picture);
 
 // The text that choosing the item copies: its own, or for menuPopupGraphicInfo all of them, a line
 // each.
-std::wstring PicturePopupCopyText(int id, const PictureSource& source,
-                                  const dib::BitmapInfoHeader& header);
+std::wstring PicturePopupCopyText(int id, const PictureSource& source, const Picture& picture);
 
 }  // namespace tessary

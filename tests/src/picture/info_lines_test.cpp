@@ -46,12 +46,14 @@ TEST(InfoLines, TellWhatThePhotographSays) {
 TEST(InfoLines, TellWhatTheProgramKnows) {
     Picture picture = test::TestPicture(400, 300);
     EXPECT_EQ(ByLabel(PictureLines(picture, {}, {})).size(), 2u) << "pasted: nobody knows whence";
-    PictureOrigin origin{.path = LR"(C:\写真\海.jpg)", .plugin = L"x", .milliseconds = 1234};
+    PictureOrigin origin{
+        .path = LR"(C:\写真\海.jpg)", .plugin = L"x", .milliseconds = 1234, .depth = 8};
     origin.stamp.size = 1234567;
     origin.stamp.changed = 133'000'000'000'000'000;
     picture.SetOrigin(std::make_shared<const PictureOrigin>(origin));
     auto lines = ByLabel(PictureLines(picture.Another(), L"x.spi", L"切れています"));
     EXPECT_EQ(lines[L"サイズ"], L"1.2 MB (1,234,567 バイト)");
+    EXPECT_NE(lines[L"画像"].find(L"、8 ビット"), std::wstring::npos) << "as it came";
     EXPECT_EQ(lines[L"更新日時"].substr(0, 7), L"2022/06");
     EXPECT_EQ(lines[L"損傷"], L"切れています");
     origin.member = L"sub/山.jpg";

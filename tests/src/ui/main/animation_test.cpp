@@ -75,11 +75,12 @@ TEST_F(AnimationTest, TakesThePlaceOfThePictureAndMovesNothingElse) {
     const SIZE shown = window_.Stage().Seen().Shown();
     for (const uint32_t index : {3, 1, 2}) {
         ASSERT_TRUE(Comes(index));
+        const std::wstring text = L" " + std::to_wstring(index + 1) + L" / 4 コマ";
+        EXPECT_NE(Panel(kScalePanel).find(text), std::wstring::npos) << "it is told at once";
         EXPECT_EQ(OnScreen(), index);
     }
     EXPECT_TRUE(Position().x == at.x && Position().y == at.y && at.x != 0);
     EXPECT_EQ(window_.Stage().Seen().Shown().cx, shown.cx);
-    EXPECT_NE(Panel(kScalePanel).find(L" / 4 コマ"), std::wstring::npos);
     EXPECT_EQ(reads_, 4) << "a round costs nothing";
     // It stays turned as the user has turned it.
     Choose(commandTurnRight);
