@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# What a user waits for: showing a 24-megapixel JPEG beside the bare decoder, scanning a folder of 50
-# plug-ins, and what 1000 pictures leave behind. All under Wine, in the same process environment.
+# What a user waits for: showing a 24-megapixel JPEG beside the bare decoder, playing an animation,
+# scanning a folder of 50 plug-ins, and what 1000 pictures leave behind. All under Wine, in the same
+# process environment.
 set -euo pipefail
 source scripts/lib/packages.sh
 install_packages imagemagick
@@ -16,6 +17,12 @@ convert -seed 24 -size 1500x1000 plasma:fractal -resize 6000x4000! -attenuate 0.
     -quality 90 "$work/photograph.jpg"
 run_bench show "$(windows_name "$work/photograph.jpg")"
 run_bench sight "$(windows_name "$work/photograph.jpg")"
+
+for how in "" parts; do
+    run_bench film "$(windows_name "$work/film.png")" ${how:+"$how"}
+    echo "an animation of 30 frames a second${how:+, in parts}:"
+    run_bench frames "$(windows_name "$work/film.png")"
+done
 
 mkdir "$work/plugins"
 for ((i = 0; i < 25; ++i)); do

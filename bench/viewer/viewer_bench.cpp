@@ -1,6 +1,7 @@
 // viewer_bench show FILE.jpg   from a name to the view, beside the bare decoder
 // viewer_bench sight FILE.jpg  zooming, dragging and resizing the window
 // viewer_bench frames FILE     how late the frames of an animation are, and what they cost
+// viewer_bench film FILE [parts]   writes an animation for that
 // viewer_bench scan FOLDER     scanning a folder of plug-ins, and the share of the registry in it
 // viewer_bench leave FILE…     memory and handles that are left after showing 1000 pictures
 #include <windows.h>
@@ -19,6 +20,7 @@
 #include "bench/common/hosted_plugins.h"
 #include "bench/common/stopwatch.h"
 #include "bench/viewer/bare_jpeg.h"
+#include "bench/viewer/film.h"
 #include "bench/viewer/frames_bench.h"
 #include "bench/viewer/sight_bench.h"
 #include "picture/current_picture.h"
@@ -220,6 +222,7 @@ int wmain(int count, wchar_t** arguments) {
     int result = 2;
     if (command == L"show") result = BenchShow(rest[0]);
     if (command == L"sight") result = BenchSightOf(rest[0]);
+    if (command == L"film") result = WriteFilm(rest[0], rest.size() > 1) ? 0 : 1;
     if (command == L"frames") result = BenchFrames(rest[0]) ? 0 : 1;
     if (command == L"scan") result = BenchScan(rest[0]);
     if (command == L"leave") result = BenchLeave(rest);
