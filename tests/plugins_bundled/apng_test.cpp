@@ -41,6 +41,12 @@ struct Film {
         AppendNumber(control, kFrames);
         AppendNumber(control, 3);
         AppendChunk("acTL", control);
+        // Turns the picture, and no frame.
+        const std::string turn(
+            "Raw profile type exif\0\nexif\n22\n"
+            "49492a00080000000100120103000100000006000000",
+            75);
+        AppendChunk("tEXt", {turn.begin(), turn.end()});
         if (!showsPicture) AppendData(Pixels(kWidth, kHeight), "IDAT");
         for (unsigned i = 0; i < kFrames; ++i)
             AddFrame(i, i == 0 && showsPicture ? "IDAT" : "fdAT",

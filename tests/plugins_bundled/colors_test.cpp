@@ -321,6 +321,12 @@ TEST(Colors, OfPngAreThoseOfTheFirstOfItsChunksThatCount) {
     ExpectMeaning({kPng, late}, AsTheyAre, 0.5, false, 6);
     ExpectMeaning({kPng, Damaged(late, late.size() - 13)}, AsTheyAre, 0.5);
 
+    // As text, of older programs.
+    std::string text("Raw profile type exif\0\nexif\n22\n", 31);
+    for (const uint8_t byte : turn)
+        text += {"0123456789abcdef"[byte >> 4], "0123456789abcdef"[byte & 15]};
+    ExpectPng(color, {{"tEXt", {text.begin(), text.end()}}}, AsTheyAre, 0.5, 6);
+
     const auto codes = [](uint8_t primaries, uint8_t curve) {
         return Chunks{Gamma(30'000), {"cICP", {primaries, curve, 0, 1}}};
     };

@@ -28,6 +28,7 @@ struct Animation {
 struct Frame {
     Picture picture{};
     uint32_t milliseconds = 0;  // for how long it is shown, as its file says
+    std::wstring damage{};      // what is missing of it, for the user; empty: it is whole
 };
 
 // Gets frames, on one thread.

@@ -48,6 +48,7 @@ struct Job {
     FrameLook look{};
     bool isSharp = false;
     bool isBrief = false;
+    std::wstring damage{};
 };
 
 struct Made {
@@ -58,7 +59,7 @@ struct Made {
 // Without memory the picture is empty. `cost` receives how long it took to be made sharp.
 PlayedFrame Make(const Job& job, Drafts& drafts, const std::function<bool()>& isWanted,
                  Clock::duration& cost) {
-    PlayedFrame frame{.index = job.index};
+    PlayedFrame frame{.index = job.index, .damage = job.damage};
     Trapped([&] {
         Picture picture = TurnedPicture(job.picture, job.look.orientation);
         if (!picture) return;
@@ -372,7 +373,7 @@ void FramePlayer::State::Prepare(std::unique_lock<std::mutex>& lock, uint32_t in
     const Frame& frame = *store.Find(index);
     const bool isSharp = !isInMotion || IsAffordable(cost, ShownFor(frame.milliseconds));
     const bool isBrief = isInMotion && ShownFor(frame.milliseconds) < kBrief;
-    const Job job{animation, frame.picture.Another(), index, look, isSharp, isBrief};
+    const Job job{animation, frame.picture.Another(), index, look, isSharp, isBrief, frame.damage};
     const uint32_t begun = serial;
     Clock::duration took = cost;
     made.reset();

@@ -34,6 +34,7 @@ struct PlayedFrame {
     Picture picture{};                            // turned
     std::shared_ptr<const SightPixels> pixels{};  // of it
     std::shared_ptr<const SharpPart> sharp{};     // null: it was not made
+    std::wstring damage{};                        // as of Frame
 };
 
 class FramePlayer {

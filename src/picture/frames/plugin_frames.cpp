@@ -29,6 +29,7 @@ class PluginFrames final : public FrameReader {
             Frame read;
             read.picture = plugin->DecodeFrame(
                 index, [&](int, int) { return isWanted(); }, read.milliseconds);
+            read.damage = plugin->Damage();
             frame = std::move(read);
         });
         if (!frame) Unbind();

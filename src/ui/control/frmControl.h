@@ -64,6 +64,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     // ControlBar
     std::wstring Failure() const override;
     void PictureReplaced(const std::wstring& info) override;
+    void PictureIsDamaged() override;
     void FileSaved(const std::wstring& path) override { deleteList_.FileSaved(path); }
     std::optional<ShownMember> MemberOf(const PictureSource& source) const override;
     bool ShowAnew(const std::wstring& path) override;

@@ -159,6 +159,10 @@ void frmControl::PictureReplaced(const std::wstring& info) {
     if (formLoaded_) texts_.TellInfo(info);
 }
 
+void frmControl::PictureIsDamaged() {
+    if (formLoaded_) texts_.TellInfo(texts_.Info() + kDamagedMark);
+}
+
 bool frmControl::ShowAnew(const std::wstring& path) {
     FileSequence::FileEntries& files = sequence_.Files();
     if (IsReadUnderWay() || sequence_.IsInArchive() || files.Current() != path) return false;

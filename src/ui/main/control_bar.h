@@ -65,6 +65,9 @@ class ControlBar {
     // Told that the view has something else than the selected file now: its name, or nothing.
     virtual void PictureReplaced(const std::wstring& info) = 0;
 
+    // Told that the file that is shown has turned out to be damaged.
+    virtual void PictureIsDamaged() {}
+
     // Told that a picture was saved in that file.
     virtual void FileSaved(const std::wstring& path) = 0;
 

@@ -7,6 +7,7 @@
 
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
+#include "picture/show/picture_text.h"
 #include "ui/form/activity.h"
 #include "ui/form/busy_pointer.h"
 #include "ui/form/menu.h"
@@ -157,7 +158,15 @@ bool frmMain::MaySeeFrames() const {
 // It is the picture that is saved and copied. What is seen for long enough becomes sharp later.
 void frmMain::ShowFrame(PlayedFrame frame, bool isInMotion) {
     frame.picture.SetOrigin(CurrentPicture().Origin());
-    SetCurrentPicture(std::move(frame.picture), std::wstring(CurrentPictureDamage()));
+    // What is wrong with a frame is wrong with the file.
+    const bool isFirstDamage = CurrentPictureDamage().empty() && !frame.damage.empty();
+    SetCurrentPicture(std::move(frame.picture),
+                      isFirstDamage ? frame.damage : std::wstring(CurrentPictureDamage()));
+    if (isFirstDamage) {
+        SetPanelText(kShownFilePanel, statusInformation_.PanelText(kShownFilePanel) + kDamagedMark);
+        if (controlBar_ != nullptr) controlBar_->PictureIsDamaged();
+        info_.PictureChanged();
+    }
     stage_.ShowFrame(std::move(frame.pixels), std::move(frame.sharp));
     if (!isInMotion || frame.shown >= kBrief) stage_.Sharpen();
 }

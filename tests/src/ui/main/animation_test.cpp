@@ -2,6 +2,7 @@
 #include <atomic>
 
 #include "app/settings/modValue.h"
+#include "picture/show/picture_text.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/src/ui/run_until.h"
 
@@ -24,7 +25,7 @@ class Drawer final : public FrameReader {
     std::optional<Frame> Read(const Animation&, uint32_t index,
                               const std::function<bool()>&) override {
         ++reads_;
-        return Frame{Drawn(index), 30};
+        return Frame{Drawn(index), 30, index == 2 ? L"damage" : L""};
     }
 
   private:
@@ -82,6 +83,11 @@ TEST_F(AnimationTest, TakesThePlaceOfThePictureAndMovesNothingElse) {
     EXPECT_TRUE(Position().x == at.x && Position().y == at.y && at.x != 0);
     EXPECT_EQ(window_.Stage().Seen().Shown().cx, shown.cx);
     EXPECT_EQ(reads_, 4) << "a round costs nothing";
+    // One of its frames is damaged, and so is what is shown from there on.
+    EXPECT_EQ(CurrentPictureDamage(), L"damage");
+    EXPECT_TRUE(Moves() && Moves() && Moves());
+    EXPECT_EQ(CurrentPictureDamage(), L"damage");
+    EXPECT_EQ(Panel(kShownFilePanel), kDamagedMark);
     // It stays turned as the user has turned it.
     Choose(commandTurnRight);
     EXPECT_EQ(CurrentPicture().Width(), kSize.cy);
