@@ -146,6 +146,7 @@
 #define valuePNGQuality 2343
 #define checkPNGInterless 2346
 #define checkPNGExif 2347
+#define checkPNGKeepDates 2350
 
 // Two views in the same place, each with its controls numbered in a row.
 #define frameSetOption 2400  // the settings
@@ -281,6 +282,7 @@
 #define labelFileFormat_0 3450
 #define labelFileFormat_1 3451
 #define labelFileFormat_2 3452
+#define checkKeepDates 3409
 #define checkReduceColor 3410
 #define checkReduce256ModeOnly 3411
 #define checkSaveReducedPicture 3412

@@ -54,7 +54,37 @@ cmsCIExyY Point(const Chromaticity& point) {
     return {point.x, point.y, 1};
 }
 
+// Of the header, and of an entry of the table behind it, in bytes.
+constexpr size_t kHeader = 128;
+constexpr size_t kTag = 12;
+
+uint32_t NumberAt(std::span<const uint8_t> bytes, size_t at) {
+    return uint32_t{bytes[at]} << 24 | uint32_t{bytes[at + 1]} << 16 |
+           uint32_t{bytes[at + 2]} << 8 | bytes[at + 3];
+}
+
 }  // namespace
+
+bool IsWellFormed(std::span<const uint8_t> icc, Model model) {
+    constexpr size_t kVersion = 8, kClass = 12, kSpace = 16, kConnection = 20, kMark = 36,
+                     kIntent = 64, kTags = kHeader + 4;
+    if (icc.size() < kTags || icc.size() > kLargestProfile || NumberAt(icc, 0) != icc.size())
+        return false;
+    const uint32_t connection = NumberAt(icc, kConnection);
+    const size_t count = NumberAt(icc, kHeader);
+    if ((icc[kVersion] >= 4 && icc.size() % 4 != 0) || NumberAt(icc, kMark) != cmsMagicNumber ||
+        ModelOfSpace(static_cast<cmsColorSpaceSignature>(NumberAt(icc, kSpace))) != model ||
+        !DescribesPixels(static_cast<cmsProfileClassSignature>(NumberAt(icc, kClass))) ||
+        (connection != cmsSigXYZData && connection != cmsSigLabData) ||
+        NumberAt(icc, kIntent) > INTENT_ABSOLUTE_COLORIMETRIC ||
+        count > (icc.size() - kTags) / kTag)
+        return false;
+    for (size_t i = 0; i < count; ++i) {
+        const size_t at = NumberAt(icc, kTags + i * kTag + 4);
+        if (at > icc.size() || NumberAt(icc, kTags + i * kTag + 8) > icc.size() - at) return false;
+    }
+    return true;
+}
 
 Profile::Profile(void* handle, Model model) : handle_(handle, cmsCloseProfile), model_(model) {}
 

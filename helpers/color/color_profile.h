@@ -17,6 +17,10 @@ enum class Model : uint8_t { kGrey, kRgb, kCmyk };
 // Larger profiles count as damaged: the largest of printing presses have 3 MB.
 constexpr size_t kLargestProfile = 4u << 20;
 
+// Whether everybody will take these bytes for a profile of the model, also those who are strict:
+// the header tells their true size, and all tags lie within. For profiles that are to be handed on.
+bool IsWellFormed(std::span<const uint8_t> icc, Model model);
+
 // A point of the CIE 1931 diagram.
 struct Chromaticity {
     double x = 0, y = 0;

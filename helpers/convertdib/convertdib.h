@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "helpers/saving/bytes_callback.h"
+#include "helpers/saving/file_extras.h"
 #include "helpers/saving/save_options.h"
 
 namespace tessary::convertdib {
@@ -66,6 +67,14 @@ using SaveToBITMAPFileWFunction = int(__stdcall*)(const void* info, const void* 
                                                   const saving::BmpSaveOptions* options,
                                                   LONG_PTR progressCallback);
 constexpr char kSaveToBITMAPFileWName[] = "SaveToBITMAPFileW";
+
+// The same with the dates that the file gets; null: the present time.
+using SaveToBITMAPFileExtrasFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                       const wchar_t* fileName,
+                                                       const saving::BmpSaveOptions* options,
+                                                       LONG_PTR progressCallback,
+                                                       const saving::FileExtras* extras);
+constexpr char kSaveToBITMAPFileExtrasName[] = "SaveToBITMAPFileExtras";
 
 // Makes the bytes of the same file, which `take` gets, with `to`. Answers the system's error code,
 // 0 for success. `progressCallback` is not used.

@@ -15,12 +15,13 @@ auto WriterFor(const saving::BmpSaveOptions* options) {
     };
 }
 
-// What both entries for files do, for a name in either kind of text.
+// What the entries for files do, for a name in either kind of text.
 template <typename Char>
 int Save(const void* info, const void* bits, const Char* fileName,
-         const saving::BmpSaveOptions* options, LONG_PTR progressCallback) {
+         const saving::BmpSaveOptions* options, LONG_PTR progressCallback,
+         const saving::FileExtras* extras = nullptr) {
     return saving::SaveToFile(info, bits, fileName, saving::ProgressOf(progressCallback),
-                              WriterFor(options))
+                              DatesIn(extras), WriterFor(options))
                ? 1
                : 0;
 }
@@ -30,6 +31,7 @@ int Save(const void* info, const void* bits, const Char* fileName,
 
 using tessary::saving::BmpSaveOptions;
 using tessary::saving::BytesCallback;
+using tessary::saving::FileExtras;
 
 extern "C" __declspec(dllexport) int __stdcall SaveToBITMAPFile(const void* info, const void* bits,
                                                                 const char* fileName,
@@ -44,6 +46,12 @@ extern "C" __declspec(dllexport) int __stdcall SaveToBITMAPFileW(const void* inf
     return tessary::convertdib::Save(info, bits, fileName, options, progressCallback);
 }
 
+extern "C" __declspec(dllexport) int __stdcall SaveToBITMAPFileExtras(
+    const void* info, const void* bits, const wchar_t* fileName, const BmpSaveOptions* options,
+    LONG_PTR progressCallback, const FileExtras* extras) {
+    return tessary::convertdib::Save(info, bits, fileName, options, progressCallback, extras);
+}
+
 extern "C" __declspec(dllexport) int __stdcall MakeBITMAPBytes(const void* info, const void* bits,
                                                                const BmpSaveOptions* options,
                                                                BytesCallback take, void* to,
@@ -56,4 +64,6 @@ extern "C" __declspec(dllexport) int __stdcall MakeBITMAPBytes(const void* info,
 static_assert(
     std::is_same_v<decltype(&SaveToBITMAPFile), tessary::convertdib::SaveToBITMAPFileFunction> &&
     std::is_same_v<decltype(&SaveToBITMAPFileW), tessary::convertdib::SaveToBITMAPFileWFunction> &&
+    std::is_same_v<decltype(&SaveToBITMAPFileExtras),
+                   tessary::convertdib::SaveToBITMAPFileExtrasFunction> &&
     std::is_same_v<decltype(&MakeBITMAPBytes), tessary::convertdib::MakeBITMAPBytesFunction>);

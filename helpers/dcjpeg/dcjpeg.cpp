@@ -9,12 +9,12 @@
 namespace tessary::dcjpeg {
 namespace {
 
-auto WriterFor(const saving::JpegSaveOptions* options, const saving::ExifBytes* exif,
+auto WriterFor(const saving::JpegSaveOptions* options, const saving::FileExtras* extras,
                dib::Progress progress) {
     return [chosen = options != nullptr ? *options : saving::JpegSaveOptions{},
-            carried = exif != nullptr ? *exif : saving::ExifBytes{},
+            carried = extras != nullptr ? *extras : saving::FileExtras{},
             progress = std::move(progress)](const dib::DibView& picture, files::ByteSink& sink) {
-        return WriteJpeg(picture, chosen, sink, progress, carried.Span());
+        return WriteJpeg(picture, chosen, sink, progress, carried);
     };
 }
 
@@ -22,9 +22,10 @@ auto WriterFor(const saving::JpegSaveOptions* options, const saving::ExifBytes* 
 template <typename Char>
 int Save(const void* info, const void* bits, const Char* fileName,
          const saving::JpegSaveOptions* options, LONG_PTR progressCallback,
-         const saving::ExifBytes* exif = nullptr) {
+         const saving::FileExtras* extras = nullptr) {
     const dib::Progress progress = saving::ProgressOf(progressCallback);
-    return saving::SaveToFile(info, bits, fileName, progress, WriterFor(options, exif, progress))
+    return saving::SaveToFile(info, bits, fileName, progress, DatesIn(extras),
+                              WriterFor(options, extras, progress))
                ? 1
                : 0;
 }
@@ -33,7 +34,7 @@ int Save(const void* info, const void* bits, const Char* fileName,
 }  // namespace tessary::dcjpeg
 
 using tessary::saving::BytesCallback;
-using tessary::saving::ExifBytes;
+using tessary::saving::FileExtras;
 using tessary::saving::JpegSaveOptions;
 using tessary::saving::ProgressOf;
 
@@ -60,20 +61,18 @@ extern "C" __declspec(dllexport) int __stdcall MakeJPEGBytes(const void* info, c
         tessary::dcjpeg::WriterFor(options, nullptr, ProgressOf(progressCallback)));
 }
 
-extern "C" __declspec(dllexport) int __stdcall SaveToJPEGFileExif(
+extern "C" __declspec(dllexport) int __stdcall SaveToJPEGFileExtras(
     const void* info, const void* bits, const wchar_t* fileName, const JpegSaveOptions* options,
-    LONG_PTR progressCallback, const ExifBytes* exif) {
-    return tessary::dcjpeg::Save(info, bits, fileName, options, progressCallback, exif);
+    LONG_PTR progressCallback, const FileExtras* extras) {
+    return tessary::dcjpeg::Save(info, bits, fileName, options, progressCallback, extras);
 }
 
-extern "C" __declspec(dllexport) int __stdcall MakeJPEGBytesExif(const void* info, const void* bits,
-                                                                 const JpegSaveOptions* options,
-                                                                 BytesCallback take, void* to,
-                                                                 LONG_PTR progressCallback,
-                                                                 const ExifBytes* exif) {
+extern "C" __declspec(dllexport) int __stdcall MakeJPEGBytesExtras(
+    const void* info, const void* bits, const JpegSaveOptions* options, BytesCallback take,
+    void* to, LONG_PTR progressCallback, const FileExtras* extras) {
     return tessary::saving::MakeBytes(
         info, bits, take, to,
-        tessary::dcjpeg::WriterFor(options, exif, ProgressOf(progressCallback)));
+        tessary::dcjpeg::WriterFor(options, extras, ProgressOf(progressCallback)));
 }
 
 // Callers find the entries by their names: nothing else compares what they take.
@@ -81,5 +80,6 @@ static_assert(
     std::is_same_v<decltype(&SaveToJPEGFile), tessary::dcjpeg::SaveToJPEGFileFunction> &&
     std::is_same_v<decltype(&SaveToJPEGFileW), tessary::dcjpeg::SaveToJPEGFileWFunction> &&
     std::is_same_v<decltype(&MakeJPEGBytes), tessary::dcjpeg::MakeJPEGBytesFunction> &&
-    std::is_same_v<decltype(&SaveToJPEGFileExif), tessary::dcjpeg::SaveToJPEGFileExifFunction> &&
-    std::is_same_v<decltype(&MakeJPEGBytesExif), tessary::dcjpeg::MakeJPEGBytesExifFunction>);
+    std::is_same_v<decltype(&SaveToJPEGFileExtras),
+                   tessary::dcjpeg::SaveToJPEGFileExtrasFunction> &&
+    std::is_same_v<decltype(&MakeJPEGBytesExtras), tessary::dcjpeg::MakeJPEGBytesExtrasFunction>);

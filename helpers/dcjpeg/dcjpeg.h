@@ -3,7 +3,7 @@
 #pragma once
 
 #include "helpers/saving/bytes_callback.h"
-#include "helpers/saving/exif_bytes.h"
+#include "helpers/saving/file_extras.h"
 #include "helpers/saving/progress_callback.h"
 #include "helpers/saving/save_options.h"
 
@@ -37,18 +37,18 @@ using MakeJPEGBytesFunction = int(__stdcall*)(const void* info, const void* bits
                                               LONG_PTR progressCallback);
 constexpr char kMakeJPEGBytesName[] = "MakeJPEGBytes";
 
-// The same two with EXIF data, which may be null.
-using SaveToJPEGFileExifFunction = int(__stdcall*)(const void* info, const void* bits,
-                                                   const wchar_t* fileName,
-                                                   const saving::JpegSaveOptions* options,
-                                                   LONG_PTR progressCallback,
-                                                   const saving::ExifBytes* exif);
-constexpr char kSaveToJPEGFileExifName[] = "SaveToJPEGFileExif";
-using MakeJPEGBytesExifFunction = int(__stdcall*)(const void* info, const void* bits,
-                                                  const saving::JpegSaveOptions* options,
-                                                  saving::BytesCallback take, void* to,
-                                                  LONG_PTR progressCallback,
-                                                  const saving::ExifBytes* exif);
-constexpr char kMakeJPEGBytesExifName[] = "MakeJPEGBytesExif";
+// The same two with what else the file gets, which may be null; in memory no dates.
+using SaveToJPEGFileExtrasFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                     const wchar_t* fileName,
+                                                     const saving::JpegSaveOptions* options,
+                                                     LONG_PTR progressCallback,
+                                                     const saving::FileExtras* extras);
+constexpr char kSaveToJPEGFileExtrasName[] = "SaveToJPEGFileExtras";
+using MakeJPEGBytesExtrasFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                    const saving::JpegSaveOptions* options,
+                                                    saving::BytesCallback take, void* to,
+                                                    LONG_PTR progressCallback,
+                                                    const saving::FileExtras* extras);
+constexpr char kMakeJPEGBytesExtrasName[] = "MakeJPEGBytesExtras";
 
 }  // namespace tessary::dcjpeg

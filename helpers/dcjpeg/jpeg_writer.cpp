@@ -54,7 +54,7 @@ class JpegSession {
     ~JpegSession() { jpeg_destroy_compress(&compress_); }
 
     SaveResult Save(const dib::DibView& picture, const saving::JpegSaveOptions& options,
-                    std::span<const uint8_t> exif);
+                    const saving::FileExtras& extras);
 
   private:
     template <typename Info>
@@ -165,7 +165,9 @@ void JpegSession::WriteRows(const dib::DibView& picture, const JpegRows& rows,
 }
 
 SaveResult JpegSession::Save(const dib::DibView& picture, const saving::JpegSaveOptions& options,
-                             std::span<const uint8_t> exif) {
+                             const saving::FileExtras& extras) {
+    const auto exif = extras.exif.Span();
+    const auto profile = extras.profile.Span();
     if (std::max(picture.Width(), picture.Height()) > JPEG_MAX_DIMENSION) {
         return SaveResult::kTooLarge;
     }
@@ -175,6 +177,10 @@ SaveResult JpegSession::Save(const dib::DibView& picture, const saving::JpegSave
     Run([&] {
         Start(picture, rows, options);
         if (!exif.empty()) WriteExif(exif);
+        if (!profile.empty()) {
+            jpeg_write_icc_profile(&compress_, profile.data(),
+                                   static_cast<unsigned>(profile.size()));
+        }
         WriteRows(picture, rows, scratch);
         jpeg_finish_compress(&compress_);
         if (!progress_.Report(1, 1)) GiveUp(SaveResult::kCancelled);
@@ -186,8 +192,8 @@ SaveResult JpegSession::Save(const dib::DibView& picture, const saving::JpegSave
 
 SaveResult WriteJpeg(const dib::DibView& picture, const saving::JpegSaveOptions& options,
                      files::ByteSink& sink, const dib::Progress& progress,
-                     std::span<const uint8_t> exif) {
-    return JpegSession(sink, progress).Save(picture, options, exif);
+                     const saving::FileExtras& extras) {
+    return JpegSession(sink, progress).Save(picture, options, extras);
 }
 
 }  // namespace tessary::dcjpeg

@@ -9,12 +9,12 @@
 namespace tessary::dcpng {
 namespace {
 
-auto WriterFor(const saving::PngSaveOptions* options, const saving::ExifBytes* exif,
+auto WriterFor(const saving::PngSaveOptions* options, const saving::FileExtras* extras,
                dib::Progress progress) {
     return [chosen = options != nullptr ? *options : saving::PngSaveOptions{},
-            carried = exif != nullptr ? *exif : saving::ExifBytes{},
+            carried = extras != nullptr ? *extras : saving::FileExtras{},
             progress = std::move(progress)](const dib::DibView& picture, files::ByteSink& sink) {
-        return WritePng(picture, chosen, sink, progress, carried.Span());
+        return WritePng(picture, chosen, sink, progress, carried);
     };
 }
 
@@ -22,9 +22,10 @@ auto WriterFor(const saving::PngSaveOptions* options, const saving::ExifBytes* e
 template <typename Char>
 int Save(const void* info, const void* bits, const Char* fileName,
          const saving::PngSaveOptions* options, LONG_PTR progressCallback,
-         const saving::ExifBytes* exif = nullptr) {
+         const saving::FileExtras* extras = nullptr) {
     const dib::Progress progress = saving::ProgressOf(progressCallback);
-    return saving::SaveToFile(info, bits, fileName, progress, WriterFor(options, exif, progress))
+    return saving::SaveToFile(info, bits, fileName, progress, DatesIn(extras),
+                              WriterFor(options, extras, progress))
                ? 0
                : 1;
 }
@@ -33,7 +34,7 @@ int Save(const void* info, const void* bits, const Char* fileName,
 }  // namespace tessary::dcpng
 
 using tessary::saving::BytesCallback;
-using tessary::saving::ExifBytes;
+using tessary::saving::FileExtras;
 using tessary::saving::PngSaveOptions;
 using tessary::saving::ProgressOf;
 
@@ -60,22 +61,18 @@ extern "C" __declspec(dllexport) int __stdcall MakePNGBytes(const void* info, co
         tessary::dcpng::WriterFor(options, nullptr, ProgressOf(progressCallback)));
 }
 
-extern "C" __declspec(dllexport) int __stdcall SaveToPNGFileExif(const void* info, const void* bits,
-                                                                 const wchar_t* fileName,
-                                                                 const PngSaveOptions* options,
-                                                                 LONG_PTR progressCallback,
-                                                                 const ExifBytes* exif) {
-    return tessary::dcpng::Save(info, bits, fileName, options, progressCallback, exif);
+extern "C" __declspec(dllexport) int __stdcall SaveToPNGFileExtras(
+    const void* info, const void* bits, const wchar_t* fileName, const PngSaveOptions* options,
+    LONG_PTR progressCallback, const FileExtras* extras) {
+    return tessary::dcpng::Save(info, bits, fileName, options, progressCallback, extras);
 }
 
-extern "C" __declspec(dllexport) int __stdcall MakePNGBytesExif(const void* info, const void* bits,
-                                                                const PngSaveOptions* options,
-                                                                BytesCallback take, void* to,
-                                                                LONG_PTR progressCallback,
-                                                                const ExifBytes* exif) {
+extern "C" __declspec(dllexport) int __stdcall MakePNGBytesExtras(
+    const void* info, const void* bits, const PngSaveOptions* options, BytesCallback take, void* to,
+    LONG_PTR progressCallback, const FileExtras* extras) {
     return tessary::saving::MakeBytes(
         info, bits, take, to,
-        tessary::dcpng::WriterFor(options, exif, ProgressOf(progressCallback)));
+        tessary::dcpng::WriterFor(options, extras, ProgressOf(progressCallback)));
 }
 
 // Callers find the entries by their names: nothing else compares what they take.
@@ -83,5 +80,5 @@ static_assert(
     std::is_same_v<decltype(&SaveToPNGFile), tessary::dcpng::SaveToPNGFileFunction> &&
     std::is_same_v<decltype(&SaveToPNGFileW), tessary::dcpng::SaveToPNGFileWFunction> &&
     std::is_same_v<decltype(&MakePNGBytes), tessary::dcpng::MakePNGBytesFunction> &&
-    std::is_same_v<decltype(&SaveToPNGFileExif), tessary::dcpng::SaveToPNGFileExifFunction> &&
-    std::is_same_v<decltype(&MakePNGBytesExif), tessary::dcpng::MakePNGBytesExifFunction>);
+    std::is_same_v<decltype(&SaveToPNGFileExtras), tessary::dcpng::SaveToPNGFileExtrasFunction> &&
+    std::is_same_v<decltype(&MakePNGBytesExtras), tessary::dcpng::MakePNGBytesExtrasFunction>);

@@ -5,7 +5,7 @@
 #include <windows.h>
 
 #include "helpers/saving/bytes_callback.h"
-#include "helpers/saving/exif_bytes.h"
+#include "helpers/saving/file_extras.h"
 #include "helpers/saving/progress_callback.h"
 #include "helpers/saving/save_options.h"
 
@@ -39,18 +39,18 @@ using MakePNGBytesFunction = int(__stdcall*)(const void* info, const void* bits,
                                              LONG_PTR progressCallback);
 constexpr char kMakePNGBytesName[] = "MakePNGBytes";
 
-// The same two with EXIF data, which may be null.
-using SaveToPNGFileExifFunction = int(__stdcall*)(const void* info, const void* bits,
-                                                  const wchar_t* fileName,
-                                                  const saving::PngSaveOptions* options,
-                                                  LONG_PTR progressCallback,
-                                                  const saving::ExifBytes* exif);
-constexpr char kSaveToPNGFileExifName[] = "SaveToPNGFileExif";
-using MakePNGBytesExifFunction = int(__stdcall*)(const void* info, const void* bits,
-                                                 const saving::PngSaveOptions* options,
-                                                 saving::BytesCallback take, void* to,
-                                                 LONG_PTR progressCallback,
-                                                 const saving::ExifBytes* exif);
-constexpr char kMakePNGBytesExifName[] = "MakePNGBytesExif";
+// The same two with what else the file gets, which may be null; in memory no dates.
+using SaveToPNGFileExtrasFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                    const wchar_t* fileName,
+                                                    const saving::PngSaveOptions* options,
+                                                    LONG_PTR progressCallback,
+                                                    const saving::FileExtras* extras);
+constexpr char kSaveToPNGFileExtrasName[] = "SaveToPNGFileExtras";
+using MakePNGBytesExtrasFunction = int(__stdcall*)(const void* info, const void* bits,
+                                                   const saving::PngSaveOptions* options,
+                                                   saving::BytesCallback take, void* to,
+                                                   LONG_PTR progressCallback,
+                                                   const saving::FileExtras* extras);
+constexpr char kMakePNGBytesExtrasName[] = "MakePNGBytesExtras";
 
 }  // namespace tessary::dcpng

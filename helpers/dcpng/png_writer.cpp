@@ -63,7 +63,7 @@ class PngSession {
     ~PngSession() { png_destroy_write_struct(&png_, &info_); }
 
     SaveResult Save(const dib::DibView& picture, const saving::PngSaveOptions& options,
-                    const dib::Progress& progress, std::span<const uint8_t> exif);
+                    const dib::Progress& progress, const saving::FileExtras& extras);
 
   private:
     // False when libpng gave up.
@@ -75,7 +75,7 @@ class PngSession {
     }
 
     void WriteHeader(const dib::DibView& picture, const PngRows& rows,
-                     std::span<const uint8_t> alphas, std::span<const uint8_t> exif,
+                     std::span<const uint8_t> alphas, const saving::FileExtras& extras,
                      bool interlace);
     SaveResult WritePixels(const PngRows& rows, const StripLayout& layout, int level,
                            const dib::Progress& progress);
@@ -102,7 +102,7 @@ class PngSession {
 };
 
 void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows,
-                             std::span<const uint8_t> alphas, std::span<const uint8_t> exif,
+                             std::span<const uint8_t> alphas, const saving::FileExtras& extras,
                              bool interlace) {
     const auto width = static_cast<png_uint_32>(picture.Width());
     const auto height = static_cast<png_uint_32>(picture.Height());
@@ -125,8 +125,13 @@ void PngSession::WriteHeader(const dib::DibView& picture, const PngRows& rows,
         png_set_pHYs(png_, info_, static_cast<png_uint_32>(header.xPelsPerMeter),
                      static_cast<png_uint_32>(header.yPelsPerMeter), PNG_RESOLUTION_METER);
     }
-    if (!exif.empty()) {
-        png_set_sRGB(png_, info_, PNG_sRGB_INTENT_PERCEPTUAL);
+    const auto profile = extras.profile.Span();
+    if (!profile.empty()) {
+        png_set_iCCP(png_, info_, "ICC Profile", PNG_COMPRESSION_TYPE_BASE, profile.data(),
+                     static_cast<png_uint_32>(profile.size()));
+    }
+    if (const auto exif = extras.exif.Span(); !exif.empty()) {
+        if (profile.empty()) png_set_sRGB(png_, info_, PNG_sRGB_INTENT_PERCEPTUAL);
         png_set_eXIf_1(png_, info_, static_cast<png_uint_32>(exif.size()),
                        const_cast<png_bytep>(exif.data()));  // it takes a copy
     }
@@ -170,7 +175,7 @@ SaveResult PngSession::WritePixels(const PngRows& rows, const StripLayout& layou
 }
 
 SaveResult PngSession::Save(const dib::DibView& picture, const saving::PngSaveOptions& options,
-                            const dib::Progress& progress, std::span<const uint8_t> exif) {
+                            const dib::Progress& progress, const saving::FileExtras& extras) {
     if (info_ == nullptr) return SaveResult::kOutOfMemory;
     const PngRows rows(picture);
     if (rows.RowBytes() > kMostRowBytes) return SaveResult::kTooLarge;
@@ -180,7 +185,7 @@ SaveResult PngSession::Save(const dib::DibView& picture, const saving::PngSaveOp
                                       static_cast<uint32_t>(picture.Height()), rows.BitsPerPixel(),
                                       interlace));
     const std::vector<uint8_t> alphas = rows.Alphas();
-    if (!Run([&] { WriteHeader(picture, rows, alphas, exif, interlace); })) return GaveUp();
+    if (!Run([&] { WriteHeader(picture, rows, alphas, extras, interlace); })) return GaveUp();
     const SaveResult result = WritePixels(rows, layout, level, progress);
     if (result != SaveResult::kSaved) return result;
     constexpr png_byte kEnd[] = {'I', 'E', 'N', 'D'};
@@ -191,9 +196,9 @@ SaveResult PngSession::Save(const dib::DibView& picture, const saving::PngSaveOp
 
 SaveResult WritePng(const dib::DibView& picture, const saving::PngSaveOptions& options,
                     files::ByteSink& sink, const dib::Progress& progress,
-                    std::span<const uint8_t> exif) {
+                    const saving::FileExtras& extras) {
     try {
-        return PngSession(sink).Save(picture, options, progress, exif);
+        return PngSession(sink).Save(picture, options, progress, extras);
     } catch (const std::bad_alloc&) {
         return SaveResult::kOutOfMemory;
     }

@@ -192,7 +192,20 @@ bool ReplacingFile::MoveToTarget(const GoesOn& goesOn) noexcept {
     return true;
 }
 
+// Behind all that was written, which would change them.
+void ReplacingFile::PassOnDates() const noexcept {
+    const auto time = [](uint64_t of) {
+        return FILETIME{static_cast<DWORD>(of), static_cast<DWORD>(of >> 32)};
+    };
+    const FILETIME created = time(dates_.created);
+    const FILETIME changed = time(dates_.changed);
+    if (file_.Get() == nullptr || dates_ == FileDates{}) return;
+    SetFileTime(file_.Get(), dates_.created != 0 ? &created : nullptr, nullptr,
+                dates_.changed != 0 ? &changed : nullptr);
+}
+
 bool ReplacingFile::TryToMove(Existing existing) noexcept {
+    PassOnDates();
     return file_.MoveToTarget(existing) || Fail();
 }
 

@@ -10,6 +10,7 @@
 
 #include "helpers/files/byte_sink.h"
 #include "helpers/files/file_calls.h"
+#include "helpers/files/file_dates.h"
 #include "helpers/files/old_file.h"
 #include "helpers/files/unfinished_file.h"
 
@@ -51,6 +52,9 @@ class ReplacingFile final : public ByteSink {
     bool IsOpen() const { return isOpen_; }
     // Collects small pieces in a buffer.
     bool Write(std::span<const uint8_t> bytes) noexcept override;
+    // Has the file take its place with these dates, as far as the system allows: no picture is lost
+    // because its date cannot be kept.
+    void SetDates(const FileDates& dates) { dates_ = dates; }
     // Replaces the target, with kDisk only after all that was written has reached the disk. Where
     // there was no file, nothing can be lost, and the disk is not waited for. A target that others
     // have open, as scanners and indexers do for a moment, is waited for up to kPatience, as long
@@ -82,6 +86,7 @@ class ReplacingFile final : public ByteSink {
     bool WriteBuffered() noexcept;
     bool MoveToTarget(const GoesOn& goesOn) noexcept;
     bool TryToMove(Existing existing) noexcept;
+    void PassOnDates() const noexcept;
     // Notes the system's error; always false.
     bool Fail() noexcept;
     // What `work` answers; false when there was no memory for it.
@@ -95,6 +100,7 @@ class ReplacingFile final : public ByteSink {
     UnfinishedFile file_;
     bool isOpen_ = false;
     std::vector<uint8_t> buffer_;
+    FileDates dates_;
     DWORD error_ = ERROR_SUCCESS;
 };
 

@@ -11,6 +11,7 @@ namespace {
 
 constexpr ExifShort kUpright = 1;
 constexpr ExifShort kSrgb = 1;
+constexpr ExifShort kUncalibrated = 0xFFFF;
 
 // Of the first directory, which in TIFF files also tells where the pixels are.
 constexpr unsigned kTold[] = {
@@ -137,7 +138,7 @@ std::vector<uint8_t> SavedExif(std::span<const uint8_t> tiff, const SavedPicture
     if (!picture.keepsPosition) Clear(*data->ifd[EXIF_IFD_GPS]);
     if (!HasSomethingToTell(*data)) return {};
     PutUpright(*data);
-    AddNumber(*data, EXIF_TAG_COLOR_SPACE, kSrgb);
+    AddNumber(*data, EXIF_TAG_COLOR_SPACE, picture.isSrgb ? kSrgb : kUncalibrated);
     AddNumber(*data, EXIF_TAG_PIXEL_X_DIMENSION, picture.width);
     AddNumber(*data, EXIF_TAG_PIXEL_Y_DIMENSION, picture.height);
     std::vector<uint8_t> bytes = Written(*data);

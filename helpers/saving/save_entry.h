@@ -9,6 +9,7 @@
 #include "helpers/files/file_name.h"
 #include "helpers/files/replacing_file.h"
 #include "helpers/saving/bytes_callback.h"
+#include "helpers/saving/file_extras.h"
 #include "helpers/saving/picture_at.h"
 #include "helpers/saving/save_result.h"
 
@@ -75,19 +76,26 @@ int MakeBytes(const void* info, const void* bits, BytesCallback take, void* to,
     return static_cast<int>(error);
 }
 
+// Those that an entry was handed, which may be null.
+inline files::FileDates DatesIn(const FileExtras* extras) {
+    return extras != nullptr ? extras->dates : files::FileDates{};
+}
+
 // Has the picture at the two addresses written to a file, which replaces what is there; behind a
 // link, the file that it leads to. `write` takes (const dib::DibView&, files::ByteSink&) and
 // answers a SaveResult. `progress`, which may be empty, is asked on while a file is waited for that
 // others have open. On failure the file is as it was and GetLastError tells the reason.
 template <typename Char, typename Writer>
 bool SaveToFile(const void* info, const void* bits, const Char* fileName,
-                const dib::Progress& progress, const Writer& write) noexcept {
+                const dib::Progress& progress, const files::FileDates& dates,
+                const Writer& write) noexcept {
     const auto save = [&]() -> DWORD {
         if (fileName == nullptr) return ERROR_INVALID_PARAMETER;
         const PictureAt picture(info, bits);
         if (!picture.View()) return ERROR_INVALID_DATA;
         files::ReplacingFile file(files::FileNameOf(fileName), files::Links::kFollow);
         if (!file.IsOpen()) return file.Error();
+        file.SetDates(dates);
         const SaveResult result = write(*picture.View(), file);
         if (result != SaveResult::kSaved) {
             return file.Error() != ERROR_SUCCESS ? file.Error() : ErrorOf(result);

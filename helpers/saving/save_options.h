@@ -50,6 +50,11 @@ struct SaveOptions {
     // Not 0: with the place where a picture was taken.
     int16_t pngPosition = 1;
     int16_t jpegPosition = 1;
+    // Not 0: pictures in colours of their own keep them, with their profile.
+    int16_t pngProfile = 1;
+    int16_t jpegProfile = 1;
+    // Not 0: files get the dates of those that their pictures come from.
+    int16_t keepDates = 0;
 
     bool operator==(const SaveOptions&) const = default;
 };

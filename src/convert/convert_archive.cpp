@@ -211,7 +211,8 @@ WorkEntry ConvertRun::ExpandMember(const WorkEntry& parent, Expansion& expansion
     DWORD error = ERROR_SUCCESS;
     const auto failure = FailureIn(expansion.archive, [&] {
         try {
-            expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress);
+            expansion.archive.DecodeArchive(index, expansion.folder, name, TellProgress,
+                                            options_.save.keepDates != 0);
         } catch (const UnwrittenFileError& unwritten) {
             error = unwritten.SystemError();
         }

@@ -18,7 +18,9 @@ namespace {
 const ReadResult& Read(SourceAtHand& source, const ConvertOptions& options) {
     if (source.read) return *source.read;
     const std::optional<FileStamp> stamp = ExactStampOf(source.file.path);
-    source.read = ReadPicture(source.file, {.progress = TellProgress});
+    source.read =
+        ReadPicture(source.file, {.progress = TellProgress,
+                                  .takesOwnColors = TakesOwnColors(options.convert, options.save)});
     KeepMetadata(*source.read, source.file.path, stamp, options);
     return *source.read;
 }

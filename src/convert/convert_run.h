@@ -23,6 +23,7 @@
 #include "convert/output_names.h"
 #include "convert/read_ahead.h"
 #include "convert/same_content.h"
+#include "convert/save_extension.h"
 #include "convert/work_list.h"
 #include "plugin/clsSusie.h"
 
@@ -171,6 +172,7 @@ class ConvertRun {
     int32_t upcomingOf_ = 0;    // the list's upper bound then
     Encoders encoders_{threads_, options_};
     ReadAhead ahead_{
+        TakesOwnColors(settings_, options_.save),
         [this](const std::wstring& path, const std::optional<FileStamp>& stamp, ReadResult& read) {
             KeepMetadata(read, path, stamp, options_);
             return BeginEncoding(read);

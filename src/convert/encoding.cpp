@@ -5,6 +5,7 @@
 
 #include "app/base/error.h"
 #include "convert/decode_filter.h"
+#include "convert/kept_metadata.h"
 #include "convert/no_system_messages.h"
 #include "convert/save_extension.h"
 #include "picture/bitmap_file.h"
@@ -38,7 +39,9 @@ void Encoding::ReadBitmap(const ConvertOptions& options) {
     std::wstring trouble;
     if (IsBITMAPFile(bitmap_, trouble) != BitmapCheck::kYes) return;
     ReadResult read{.kind = kFileBitmap};
+    const auto stamp = options.save.keepDates != 0 ? ExactStampOf(bitmap_) : std::nullopt;
     if (!ReadBitmapFile(bitmap_, read.picture, {}, &read.damage)) return;
+    KeepMetadata(read, bitmap_, stamp, options);
     format_ = FormatToMake(read, options.convert, kMostOfSmallFile);
     picture_ = read.picture.Another();
     read_ = std::move(read);

@@ -7,6 +7,7 @@
 #include "app/base/distant_file.h"
 #include "app/settings/modValue.h"
 #include "convert/kept_metadata.h"
+#include "convert/save_extension.h"
 #include "picture/ahead/ahead_rules.h"
 #include "picture/metadata/picture_metadata.h"
 #include "picture/save/save_progress.h"
@@ -34,7 +35,7 @@ AheadSource Source(const ConvertOptions& options) {
             .mayRead = [](const std::wstring& path) { return !IsNotOnThisDisk(path); },
             .opensArchives = false,
             .make = MakerFor(options),
-            .takesOwnColors = false};
+            .takesOwnColors = TakesOwnColors(options.convert, options.save)};
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ void KeepMetadata(ReadResult& read, const ConvertOptions& options) {
 
 void KeepMetadata(ReadResult& read, const std::wstring& path, const std::optional<FileStamp>& stamp,
                   const ConvertOptions& options) {
-    if (read.kind != kFilePicture || !stamp) return;
+    if (!stamp || (read.kind != kFilePicture && options.save.keepDates == 0)) return;
     TellOrigin(read, {.path = path, .stamp = *stamp});
     KeepMetadata(read, options);
 }

@@ -1,4 +1,4 @@
-// What photographs say of themselves, on its way into the converted files.
+// What photographs say of themselves, and dates, on the way into the converted files.
 #pragma once
 
 #include <optional>
@@ -10,8 +10,9 @@
 
 namespace tessary {
 
-// Gives what was read of a file the EXIF data for the file that the options make of it. `stamp`: of
-// the file, when its reading began (ExactStampOf); nothing: it takes none along. From any thread.
+// Gives what was read of a file what the options want the file that they make of it to have of it:
+// EXIF data, its dates. `stamp`: of the file, when its reading began (ExactStampOf); nothing: it
+// takes nothing along. From any thread.
 void KeepMetadata(ReadResult& read, const std::wstring& path, const std::optional<FileStamp>& stamp,
                   const ConvertOptions& options);
 // The same of a picture that knows where it was read.

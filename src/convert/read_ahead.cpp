@@ -36,7 +36,8 @@ bool ReadAhead::Read(int32_t index, const std::wstring& path, const FileStamp& s
         SourceAtHand source{LookAtFile(path)};
         const std::optional<FileStamp> exact = ExactStampOf(path);
         if (IsPictureKind(source.file.kind)) {
-            source.read = ReadPicture(source.file, {.progress = TellNothing});
+            source.read = ReadPicture(source.file,
+                                      {.progress = TellNothing, .takesOwnColors = takesOwnColors_});
         }
         if (isDisturbed_) return false;
         const size_t bytes = BytesOf(source);

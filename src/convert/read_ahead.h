@@ -18,10 +18,12 @@ namespace tessary {
 class ReadAhead {
   public:
     // Begins to make the file of a picture that was read of a file, which had that stamp
-    // (ExactStampOf) when its reading began; may answer null.
+    // (ExactStampOf) when its reading began; may answer null. `takesOwnColors`: as ReadWatch has
+    // it.
     using Encode = std::function<std::shared_ptr<Encoding>(
         const std::wstring& path, const std::optional<FileStamp>& stamp, ReadResult& read)>;
-    explicit ReadAhead(Encode encode) : encode_(std::move(encode)) {}
+    ReadAhead(bool takesOwnColors, Encode encode)
+        : takesOwnColors_(takesOwnColors), encode_(std::move(encode)) {}
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
     ~ReadAhead();
@@ -60,6 +62,7 @@ class ReadAhead {
 
     static bool IsGood(const Held& held);
 
+    const bool takesOwnColors_;
     Encode encode_;
     std::deque<Held> held_;
     bool reads_ = false;

@@ -19,6 +19,11 @@ std::wstring SaveExtension(uint16_t bitsPerPixel, const ConvertSettings& setting
     return format != nullptr ? format->Extension() : std::wstring();
 }
 
+bool TakesOwnColors(const ConvertSettings& settings, const saving::SaveOptions& options) {
+    const SaverFormat* const format = SaveFormat(kManyColorsDepth, settings);
+    return format != nullptr && format->KeepsProfile(options);
+}
+
 std::optional<std::wstring> OnlySaveExtension(const ConvertSettings& settings) {
     const bool isOne = settings.saveType1 == settings.saveType2;
     return isOne ? std::optional(SaveExtension(kFewColorsDepth, settings)) : std::nullopt;

@@ -17,6 +17,9 @@ const SaverFormat* SaveFormat(uint16_t bitsPerPixel, const ConvertSettings& sett
 // Its extension, with its dot; empty for none.
 std::wstring SaveExtension(uint16_t bitsPerPixel, const ConvertSettings& settings);
 
+// Whether pictures of many colours may stay in their own (ReadWatch::takesOwnColors).
+bool TakesOwnColors(const ConvertSettings& settings, const saving::SaveOptions& options);
+
 // The one extension of all pictures; nothing when it depends on the picture.
 std::optional<std::wstring> OnlySaveExtension(const ConvertSettings& settings);
 

@@ -58,12 +58,15 @@ bool TakeFormat(Text text, int32_t& format) {
 // What is set of the formats, by the names of the arguments.
 const SaverOption* FindFormatOption(std::wstring_view argument, std::wstring_view prefix) {
     if (!argument.starts_with(prefix)) return nullptr;
+    const auto among = [&](std::span<const SaverOption> options) {
+        const auto found =
+            std::ranges::find(options, argument.substr(prefix.size()), &SaverOption::argument);
+        return found == options.end() ? nullptr : &*found;
+    };
     for (const SaverFormat& format : SaverFormats()) {
-        for (const SaverOption& option : format.options) {
-            if (argument.substr(prefix.size()) == option.argument) return &option;
-        }
+        if (const SaverOption* const found = among(format.options)) return found;
     }
-    return nullptr;
+    return among(SharedSaverOptions());
 }
 
 bool IsSwitch(const SaverOption* option) {

@@ -25,6 +25,8 @@ Susie プラグインと設定を使います。設定は書き換えません�
                           rename     この実行の元のファイルと結果を守り、別名にする
                           skip       変換しない（中止した変換の続きに）
                           overwrite  何であっても置き換える
+  --keep-date, --no-keep-date
+                          元のファイルの日時にする・しない
   --strict, --no-strict   一部が損傷している画像を保存しない・する
   --format 形式           保存形式 ({words})
   --format-low 形式       256 色以下の画像の保存形式
@@ -85,6 +87,8 @@ stands for the files in it, but for hidden and system files.
                           rename     spares sources and results of this run
                           skip       leaves it; goes on with a run that was stopped
                           overwrite  replaces whatever is there
+  --keep-date, --no-keep-date
+                          give the results the dates of their sources, or the present time
   --strict, --no-strict   write nothing for pictures that are damaged in part, or what is there
   --format FORMAT         {englishWords}
   --format-low FORMAT     for pictures of up to 256 colours

@@ -41,7 +41,7 @@ namespace metadata {
 
 template <class Wire>
 void Transfer(Wire& wire, SavedPicture& picture) {
-    wire(picture.width, picture.height, picture.keepsPosition);
+    wire(picture.width, picture.height, picture.keepsPosition, picture.isSrgb);
 }
 
 template <class Wire>

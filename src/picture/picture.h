@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "helpers/dib/dib_view.h"
+#include "helpers/files/file_dates.h"
 #include "picture/modMemory.h"
 
 namespace tessary {
@@ -93,6 +94,16 @@ class Picture {
         exif_ = std::make_shared<const std::vector<uint8_t>>(std::move(exif));
     }
 
+    // The dates for that file; zeros: it gets the present time.
+    const files::FileDates& Dates() const { return dates_; }
+    void SetDates(const files::FileDates& dates) { dates_ = dates; }
+
+    // Has it take the same along as another picture, of which it was made.
+    void TakeAlongAsOf(const Picture& other) {
+        exif_ = other.exif_;
+        dates_ = other.dates_;
+    }
+
     explicit operator bool() const { return memory_ != nullptr; }
 
     // False when the memory was freed by somebody else, as a plug-in may do with blocks that it has
@@ -121,6 +132,7 @@ class Picture {
     std::shared_ptr<const std::vector<uint8_t>> profile_;
     std::shared_ptr<const PictureOrigin> origin_;
     std::shared_ptr<const std::vector<uint8_t>> exif_;
+    files::FileDates dates_;
 };
 
 }  // namespace tessary

@@ -62,6 +62,11 @@ bool IsQuick(const Picture& picture) {
 
 }  // namespace
 
+bool IsSavableInOwnColors(const Picture& picture) {
+    return picture && picture.View().Palette().empty() && !picture.HasAlpha() &&
+           color::IsWellFormed(picture.Profile(), color::Model::kRgb);
+}
+
 Picture WithQuickProfile(Picture picture) {
     const bool hasProfile = picture && !picture.Profile().empty();
     return hasProfile && IsQuick(picture) ? std::move(picture) : SrgbPicture(std::move(picture));

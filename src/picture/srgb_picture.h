@@ -9,8 +9,12 @@ namespace tessary {
 // nothing; else a converted one without. Without memory for that it stays as it is.
 Picture SrgbPicture(Picture picture);
 
-// The same but for a picture that is converted in next to no time whenever it is drawn: that keeps
-// its colours and its profile.
+// Whether a file that can hold the picture may hold its colours as they are, with its profile: it
+// is opaque and has no table, and other programs will take the profile for that of such pixels.
+bool IsSavableInOwnColors(const Picture& picture);
+
+// The picture in sRGB but for one that is converted in next to no time whenever it is drawn: that
+// keeps its colours and its profile.
 Picture WithQuickProfile(Picture picture);
 
 }  // namespace tessary

@@ -89,6 +89,15 @@ std::wstring ArchiveMemberName(const susie::FileInfo& member) {
     return name.starts_with(folder) ? name : folder + name;
 }
 
+uint64_t MemberChanged(const susie::FileInfo& member) {
+    // Archives write the first day of 1980 for want of one, and cannot write what is behind 2107.
+    constexpr int64_t kFirst = 315'705'600, kLast = 4'354'819'200;
+    constexpr int64_t kBefore1970 = 11'644'473'600, kUnitsInSecond = 10'000'000;
+    const auto seconds = static_cast<int64_t>(member.timestamp);
+    if (seconds < kFirst || seconds > kLast) return 0;
+    return static_cast<uint64_t>((seconds + kBefore1970) * kUnitsInSecond);
+}
+
 std::vector<ListedMember> FilesAmong(const ArchiveMembers& members) {
     std::vector<ListedMember> files;
     files.reserve(members.size());

@@ -22,6 +22,10 @@ bool LooksLikeList(const ArchiveMembers& members);
 // A member's name within its archive, folder included, with `\` between the parts.
 std::wstring ArchiveMemberName(const susie::FileInfo& member);
 
+// When a member was last changed, in the system's units of 100 ns; 0: its record does not tell, or
+// what no clock of an archiver would.
+uint64_t MemberChanged(const susie::FileInfo& member);
+
 // A member for a list of them.
 struct ListedMember {
     std::wstring name;     // as ArchiveMemberName

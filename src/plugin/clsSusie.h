@@ -175,6 +175,8 @@ class clsSusie {
     // Number of members; each one's name with its folder, by its index from 1.
     int32_t FileNumber();
     std::wstring Files(int32_t index);
+    // When it was last changed, as MemberChanged has it.
+    uint64_t FileChanged(int32_t index);
 
     // The members that are files, by their index; what only stands for a folder is left out.
     std::vector<ListedMember> GetExpandFileList();
@@ -189,9 +191,10 @@ class clsSusie {
     // `folder`, which must exist; folders in between are made. A file that is there is replaced
     // when the member is complete. A member without bytes becomes an empty file. Raises DecodeError
     // when the plug-in fails, and UnwrittenFileError when the file cannot be written, as when the
-    // disk is full or a folder in between turns out to be a link to another place.
+    // disk is full or a folder in between turns out to be a link to another place. `keepsDate`: the
+    // file gets the member's date.
     void DecodeArchive(int32_t index, const std::wstring& folder, const std::wstring& fileName,
-                       const SusieProgress& progress);
+                       const SusieProgress& progress, bool keepsDate = false);
 
   private:
     // Everything that belongs to what is bound; a fresh one stands for "nothing".

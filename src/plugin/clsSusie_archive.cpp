@@ -78,6 +78,10 @@ std::wstring clsSusie::Files(int32_t index) {
     return Member(L"Property Get Files(", [&] { return ArchiveMemberName(MemberAt(index)); });
 }
 
+uint64_t clsSusie::FileChanged(int32_t index) {
+    return Member(L"Property Get FileChanged(", [&] { return MemberChanged(MemberAt(index)); });
+}
+
 std::vector<ListedMember> clsSusie::GetExpandFileList() {
     return Member(L"GetExpandFileList(", [&] { return FilesAmong(Members()); });
 }
@@ -94,7 +98,8 @@ OwnedBlock clsSusie::DecodeArchive(int32_t index, const SusieProgress& progress)
 }
 
 void clsSusie::DecodeArchive(int32_t index, const std::wstring& folder,
-                             const std::wstring& fileName, const SusieProgress& progress) {
+                             const std::wstring& fileName, const SusieProgress& progress,
+                             bool keepsDate) {
     Member(L"DecodeArchive(", [&] {
         RequireNoCall();
         const susie::FileInfo& member = MemberAt(index);
@@ -103,7 +108,9 @@ void clsSusie::DecodeArchive(int32_t index, const std::wstring& folder,
         if (member.fileSize != 0) RequireContent(content);
         const BlockLock lock(content.Get());
         const size_t size = MemberSize(lock.Bytes(), member);
-        if (const uint32_t error = WriteMemberFile(folder, fileName, lock.Bytes().first(size))) {
+        const uint64_t changed = keepsDate ? MemberChanged(member) : 0;
+        if (const uint32_t error =
+                WriteMemberFile(folder, fileName, lock.Bytes().first(size), changed)) {
             throw UnwrittenFileError(error);
         }
     });

@@ -24,7 +24,7 @@ DWORD MakeOwnFolder(const std::wstring& folder) {
 }  // namespace
 
 uint32_t WriteMemberFile(const std::wstring& folder, const std::wstring& fileName,
-                         std::span<const uint8_t> content) {
+                         std::span<const uint8_t> content, uint64_t changed) {
     const std::wstring path = AddBackslash(folder) + fileName;
     for (size_t end = fileName.find(L'\\'); end != std::wstring::npos;
          end = fileName.find(L'\\', end + 1)) {
@@ -32,6 +32,7 @@ uint32_t WriteMemberFile(const std::wstring& folder, const std::wstring& fileNam
         if (const DWORD error = MakeOwnFolder(between)) return error;
     }
     files::ReplacingFile file(path);
+    file.SetDates({.changed = changed});
     // The archive still has it: a power cut may cost the copy.
     const bool isWritten =
         file.IsOpen() && file.Write(content) && file.Commit(files::Durability::kCache);

@@ -62,6 +62,11 @@ constexpr SaverOption kPngOptions[] = {
      .in = [](SaveOptions& all) -> int16_t& { return all.pngPosition; },
      .argument = L"png-gps",
      .caption = L"撮影情報の撮影場所も残す(&G)"},
+    {.kind = kSwitch,
+     .key = L"png_saveProfile",
+     .in = [](SaveOptions& all) -> int16_t& { return all.pngProfile; },
+     .argument = L"png-icc",
+     .caption = L"カラープロファイル(ICC)を残す(&C)"},
     {.kind = kLevel,
      .key = L"png_saveQuality",
      .in = [](SaveOptions& all) -> int16_t& { return all.png.quality; },
@@ -104,6 +109,11 @@ constexpr SaverOption kJpegOptions[] = {
      .in = [](SaveOptions& all) -> int16_t& { return all.jpegPosition; },
      .argument = L"jpeg-gps",
      .caption = L"撮影情報の撮影場所も残す(&G)"},
+    {.kind = kSwitch,
+     .key = L"jpg_saveProfile",
+     .in = [](SaveOptions& all) -> int16_t& { return all.jpegProfile; },
+     .argument = L"jpeg-icc",
+     .caption = L"カラープロファイル(ICC)を残す(&C)"},
     {.kind = kLevel,
      .key = L"jpg_saveQuality",
      .in = [](SaveOptions& all) -> int16_t& { return all.jpeg.quality; },
@@ -126,6 +136,14 @@ std::wstring LossOfJpeg(const SaveOptions& all) {
     return L"品質 " + std::to_wstring(all.jpeg.quality) + L" で圧縮し直すので画質が落ち";
 }
 
+constexpr SaverOption kShared[] = {
+    {.kind = kSwitch,
+     .key = L"saveKeepDate",
+     .in = [](SaveOptions& all) -> int16_t& { return all.keepDates; },
+     .argument = L"keep-date",
+     .caption = L"元のファイルの日時にする（すべての形式）(&T)"},
+};
+
 const SaverFormat kFormats[] = {
     {.name = L"BMP",
      .description = L"ビットマップ (*.bmp)",
@@ -133,7 +151,7 @@ const SaverFormat kFormats[] = {
      .depths = kBmpDepths,
      .metadata = {.alpha = true},
      .writer = {.library = L"convertdib.dll",
-                .entry = convertdib::kSaveToBITMAPFileWName,
+                .entry = convertdib::kSaveToBITMAPFileExtrasName,
                 .bytesEntry = convertdib::kMakeBITMAPBytesName,
                 .options = [](const SaveOptions& all) -> const void* { return &all.bmp; }},
      .options = kBmpOptions,
@@ -152,12 +170,12 @@ const SaverFormat kFormats[] = {
      .depths = kPngDepths,
      .metadata = {.alpha = true,
                   .exif = [](const SaveOptions& all) { return all.pngExif; },
-                  .position = [](const SaveOptions& all) { return all.pngPosition; }},
+                  .position = [](const SaveOptions& all) { return all.pngPosition; },
+                  .profile = [](const SaveOptions& all) { return all.pngProfile; }},
      .writer = {.library = L"dcpng.dll",
-                .entry = dcpng::kSaveToPNGFileWName,
-                .bytesEntry = dcpng::kMakePNGBytesName,
-                .exifEntry = dcpng::kSaveToPNGFileExifName,
-                .exifBytesEntry = dcpng::kMakePNGBytesExifName,
+                .entry = dcpng::kSaveToPNGFileExtrasName,
+                .bytesEntry = dcpng::kMakePNGBytesExtrasName,
+                .holdsExtras = true,
                 .zeroIsSuccess = true,
                 .options = [](const SaveOptions& all) -> const void* { return &all.png; }},
      .options = kPngOptions,
@@ -168,23 +186,25 @@ const SaverFormat kFormats[] = {
   --png-interlace, --no-png-interlace
   --png-exif, --no-png-exif 撮影情報 (Exif) を残す・残さない
   --png-gps, --no-png-gps   撮影場所も残す・残さない
+  --png-icc, --no-png-icc   カラープロファイルを残す・sRGB に直す
 )",
      .englishHelp = LR"(  --png-level N           compression, 0 to 9
   --png-interlace, --no-png-interlace
   --png-exif, --no-png-exif keep what photographs say (Exif)
   --png-gps, --no-png-gps   with the place
+  --png-icc, --no-png-icc   keep the colours with their profile, or convert to sRGB
 )"},
     {.name = L"JPEG",
      .description = L"JPEG (*.jpg)",
      .extensions = kJpegExtensions,
      .depths = kJpegDepths,
      .metadata = {.exif = [](const SaveOptions& all) { return all.jpegExif; },
-                  .position = [](const SaveOptions& all) { return all.jpegPosition; }},
+                  .position = [](const SaveOptions& all) { return all.jpegPosition; },
+                  .profile = [](const SaveOptions& all) { return all.jpegProfile; }},
      .writer = {.library = L"dcjpeg.dll",
-                .entry = dcjpeg::kSaveToJPEGFileWName,
-                .bytesEntry = dcjpeg::kMakeJPEGBytesName,
-                .exifEntry = dcjpeg::kSaveToJPEGFileExifName,
-                .exifBytesEntry = dcjpeg::kMakeJPEGBytesExifName,
+                .entry = dcjpeg::kSaveToJPEGFileExtrasName,
+                .bytesEntry = dcjpeg::kMakeJPEGBytesExtrasName,
+                .holdsExtras = true,
                 .options = [](const SaveOptions& all) -> const void* { return &all.jpeg; }},
      .options = kJpegOptions,
      .page = 1,
@@ -195,12 +215,14 @@ const SaverFormat kFormats[] = {
   --jpeg-optimize, --no-jpeg-optimize
   --jpeg-exif, --no-jpeg-exif 撮影情報 (Exif) を残す・残さない
   --jpeg-gps, --no-jpeg-gps   撮影場所も残す・残さない
+  --jpeg-icc, --no-jpeg-icc   カラープロファイルを残す・sRGB に直す
 )",
      .englishHelp = LR"(  --jpeg-quality N        0 to 100
   --jpeg-progressive, --no-jpeg-progressive
   --jpeg-optimize, --no-jpeg-optimize
   --jpeg-exif, --no-jpeg-exif keep what photographs say (Exif)
   --jpeg-gps, --no-jpeg-gps   with the place
+  --jpeg-icc, --no-jpeg-icc   keep the colours with their profile, or convert to sRGB
 )"},
 };
 
@@ -213,6 +235,10 @@ bool SaverFormat::HasExtension(std::wstring_view extension) const {
 
 std::span<const SaverFormat> SaverFormats() {
     return kFormats;
+}
+
+std::span<const SaverOption> SharedSaverOptions() {
+    return kShared;
 }
 
 std::vector<const wchar_t*> SaverFormatNames() {

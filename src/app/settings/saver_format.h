@@ -43,14 +43,13 @@ struct SaverOption {
 };
 
 // The entry of a library that writes the format: int __stdcall (info, bits, file name, options,
-// progress callback), with the addresses and the answer that e.g. helpers/dcpng/dcpng.h tells of.
+// progress callback, extras), with the addresses and the answer that e.g. helpers/dcpng/dcpng.h
+// tells of.
 struct SaverWriter {
     const wchar_t* library;
     const char* entry;
-    const char* bytesEntry;  // the one that makes the bytes of a file in memory
-    // The same two with EXIF data behind the rest; null: the format cannot hold them.
-    const char* exifEntry = nullptr;
-    const char* exifBytesEntry = nullptr;
+    const char* bytesEntry;      // the one that makes the bytes of a file in memory
+    bool holdsExtras = false;    // that one takes them too
     bool zeroIsSuccess = false;  // what it answers
     const void* (*options)(const saving::SaveOptions& all);
 };
@@ -61,6 +60,8 @@ struct SaverMetadata {
     // Whether EXIF data are kept, and the place in them; null: files cannot hold them.
     int16_t (*exif)(const saving::SaveOptions& options) = nullptr;
     int16_t (*position)(const saving::SaveOptions& options) = nullptr;
+    // Whether the profile is kept, of pictures in colours of their own; null: the same.
+    int16_t (*profile)(const saving::SaveOptions& options) = nullptr;
 };
 
 struct SaverFormat {
@@ -90,6 +91,11 @@ struct SaverFormat {
         return metadata.position != nullptr && metadata.position(chosen) != 0;
     }
 
+    // Whether pictures stay in colours of their own, with their profile.
+    bool KeepsProfile(const saving::SaveOptions& chosen) const {
+        return metadata.profile != nullptr && metadata.profile(chosen) != 0;
+    }
+
     // With its dot, as files are named by the program.
     std::wstring Extension() const { return L'.' + std::wstring(extensions.front()); }
     // Whether an extension, without its dot, in any case, is one of the format's.
@@ -98,6 +104,9 @@ struct SaverFormat {
 
 // In the order that the settings (SaveType1, SaveType2) count by, and all lists.
 std::span<const SaverFormat> SaverFormats();
+
+// What can be set for all of them at once.
+std::span<const SaverOption> SharedSaverOptions();
 
 // Their names, in that order.
 std::vector<const wchar_t*> SaverFormatNames();

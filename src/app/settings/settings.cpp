@@ -110,12 +110,15 @@ void TransferGeneral(const Section& transfer) {
 
 template <typename Section>
 void TransferFileFormat(const Section& transfer) {
-    for (const SaverFormat& format : SaverFormats()) {
-        for (const SaverOption& option : format.options) {
+    const auto each = [&](std::span<const SaverOption> options) {
+        for (const SaverOption& option : options) {
             transfer(option.key, option.in(Values().saveOptions),
                      ToSettingText(int32_t{option.ValueIn({})}));
         }
-    }
+    };
+    for (const SaverFormat& format : SaverFormats())
+        each(format.options);
+    each(SharedSaverOptions());
 }
 
 void TransferConvertHead(const auto& transfer) {

@@ -86,10 +86,16 @@ class Attempt {
         if (archive == nullptr) archive = plugins.ArchiveToList(task_.entry.path);
         if (archive == nullptr) return false;
         const std::wstring name = archive->Files(picture.entry.member);
+        const uint64_t changed = archive->FileChanged(picture.entry.member);
         const OwnedBlock content = archive->DecodeArchive(picture.entry.member, Watch().progress);
         picture.memberDamage = archive->Damage();
         picture.read = ReadPicture(content.Get(), FileNameOf(name), Watch());
-        TellOrigin(picture.read, task_.entry.path, picture.stamp, name, content.Get());
+        TellOrigin(picture.read,
+                   {.path = task_.entry.path,
+                    .stamp = picture.stamp,
+                    .member = name,
+                    .memberChanged = changed},
+                   content.Get());
         return true;
     }
 

@@ -15,13 +15,27 @@ namespace tessary {
 MetadataAnswer MetadataOf(const PictureOrigin& origin, const metadata::SavedPicture& saved = {},
                           const std::shared_ptr<MetadataHost>& host = SharedMetadataHost());
 
-// What is to be asked for when a picture is saved in a format; nothing: it takes no EXIF data
-// along, or nobody knows where it was read.
-std::optional<metadata::SavedPicture> WishFor(const Picture& picture, const SaverFormat& format,
-                                              const saving::SaveOptions& options);
+// What a picture takes along into another file.
+struct KeptMetadata {
+    std::vector<uint8_t> exif{};
+    files::FileDates dates{};
+};
 
-// The same picture with the EXIF data that the format's file is to have, where the options want
-// them; without any when it does not know where it was read. As long as that.
+struct KeptWish {
+    metadata::SavedPicture saved{};  // without a width: no EXIF data
+    bool dates = false;
+};
+
+// What is to be asked for when a picture is saved in a format; nothing: it takes nothing along, or
+// nobody knows where it was read.
+std::optional<KeptWish> WishFor(const Picture& picture, const SaverFormat& format,
+                                const saving::SaveOptions& options);
+
+// As long as MetadataOf.
+KeptMetadata KeptOf(const PictureOrigin& origin, const KeptWish& wish);
+
+// The same picture with what the format's file is to have of the picture's own, where the options
+// want that; without anything when it does not know where it was read. As long as that.
 Picture WithMetadata(const Picture& picture, const SaverFormat& format,
                      const saving::SaveOptions& options);
 

@@ -16,6 +16,7 @@ struct PictureOrigin {
     FileStamp stamp{};            // of that, as it was read (ExactStampOf)
     std::wstring member{};        // its name in the archive; empty: it is the file itself
     uint64_t memberSize = 0;      // in bytes
+    uint64_t memberChanged = 0;   // as the archive tells, in units of 100 ns; 0: it does not
     std::vector<uint8_t> head{};  // the member's first bytes
     uint32_t page = 0;            // of the file or member, from 1; 0: it has none
     std::wstring plugin{};        // full path of what has read it; empty: the program itself

@@ -131,16 +131,13 @@ void TellOrigin(ReadResult& read, PictureOrigin origin) {
     read.picture.SetOrigin(std::make_shared<const PictureOrigin>(std::move(origin)));
 }
 
-void TellOrigin(ReadResult& read, const std::wstring& archive, const FileStamp& stamp,
-                const std::wstring& member, HLOCAL content) {
+void TellOrigin(ReadResult& read, PictureOrigin origin, HLOCAL content) {
     const BlockLock lock(content);
     if (!read.picture || !lock) return;
     const auto head = lock.Bytes().first(std::min(lock.Size(), kMemberHead));
-    TellOrigin(read, {.path = archive,
-                      .stamp = stamp,
-                      .member = member,
-                      .memberSize = lock.Size(),
-                      .head = {head.begin(), head.end()}});
+    origin.memberSize = lock.Size();
+    origin.head.assign(head.begin(), head.end());
+    TellOrigin(read, std::move(origin));
 }
 
 ReadResult ReadPicture(const SourceFile& file, const ReadWatch& watch) {

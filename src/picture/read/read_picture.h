@@ -47,9 +47,8 @@ struct ReadResult {
 
 // Lets the picture know where it was read.
 void TellOrigin(ReadResult& read, PictureOrigin origin);
-// The same of an archive's member, given its bytes.
-void TellOrigin(ReadResult& read, const std::wstring& archive, const FileStamp& stamp,
-                const std::wstring& member, HLOCAL content);
+// The same of an archive's member, given its bytes; `origin` lacks nothing else.
+void TellOrigin(ReadResult& read, PictureOrigin origin, HLOCAL content);
 
 // Reads a file that was looked at, in a picture's kind: a bitmap that cannot be read is offered to
 // plug-ins, and a plug-in that takes the file and then fails makes room for the next that takes it.

@@ -9,7 +9,7 @@ namespace tessary {
 namespace {
 
 constexpr saving::SaveOptions kQuick = {
-    .bmp = {}, .png = {.quality = 1, .interlace = 0}, .jpeg = {}};
+    .bmp = {}, .png = {.quality = 1, .interlace = 0}, .jpeg = {}, .pngProfile = 0};
 
 }  // namespace
 

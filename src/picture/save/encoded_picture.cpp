@@ -26,8 +26,8 @@ int __stdcall Take(const void* bytes, size_t size, void* to) {
 // The entries of all libraries differ in the type of the options alone.
 using Entry = int(__stdcall*)(const void*, const void*, const void*, saving::BytesCallback, void*,
                               LONG_PTR);
-using ExifEntry = int(__stdcall*)(const void*, const void*, const void*, saving::BytesCallback,
-                                  void*, LONG_PTR, const saving::ExifBytes*);
+using ExtrasEntry = int(__stdcall*)(const void*, const void*, const void*, saving::BytesCallback,
+                                    void*, LONG_PTR, const saving::FileExtras*);
 
 }  // namespace
 
@@ -48,25 +48,25 @@ std::shared_ptr<const EncodedPicture> EncodePicture(const Picture& picture,
                                                     const SaverFormat& format,
                                                     const saving::SaveOptions& options,
                                                     LONG_PTR passThrough) {
-    const SaverWriter& writer = format.writer;
-    const saving::ExifBytes exif = ExifFor(picture, format);
-    const auto make = HelperFunction<Entry>(writer.library, writer.bytesEntry);
-    const auto makeWithExif =
-        exif.size != 0 ? HelperFunction<ExifEntry>(writer.library, writer.exifBytesEntry) : nullptr;
-    if ((exif.size != 0 ? makeWithExif == nullptr : make == nullptr) || !picture ||
-        !picture.IsThere())
-        return nullptr;
+    if (!picture || !picture.IsThere()) return nullptr;
     const auto encoded = std::make_shared<EncodedPicture>();
     encoded->width = picture.Width();
     encoded->height = picture.Height();
     encoded->bitCount = picture.Header().bitCount;
+    encoded->dates = picture.Dates();
     const Picture saved = AsItIsSaved(picture, format, options);
-    const void* const chosen = writer.options(options);
-    const int error = makeWithExif != nullptr
-                          ? makeWithExif(saved.Info().data(), saved.Bits().data(), chosen, Take,
-                                         &encoded->bytes, passThrough, &exif)
-                          : make(saved.Info().data(), saved.Bits().data(), chosen, Take,
-                                 &encoded->bytes, passThrough);
+    const saving::FileExtras extras = ExtrasOf(saved);
+    const SaverWriter& writer = format.writer;
+    const auto make = [&](auto entry, const auto*... more) {
+        return entry != nullptr
+                   ? entry(saved.Info().data(), saved.Bits().data(), writer.options(options), Take,
+                           &encoded->bytes, passThrough, more...)
+                   : ERROR_PROC_NOT_FOUND;
+    };
+    const int error =
+        writer.holdsExtras
+            ? make(HelperFunction<ExtrasEntry>(writer.library, writer.bytesEntry), &extras)
+            : make(HelperFunction<Entry>(writer.library, writer.bytesEntry));
     return error == ERROR_SUCCESS ? encoded : nullptr;
 }
 
@@ -75,6 +75,7 @@ bool SaveEncoded(const EncodedPicture& picture, const std::wstring& fileName,
     const DWORD error = Trapped(DWORD{ERROR_NOT_ENOUGH_MEMORY}, [&]() -> DWORD {
         files::ReplacingFile file(fileName, files::Links::kFollow);
         if (!file.IsOpen()) return file.Error();
+        file.SetDates(picture.dates);
         for (const std::vector<uint8_t>& piece : picture.bytes.Pieces()) {
             if (!file.Write(piece)) return file.Error();
         }

@@ -37,6 +37,7 @@ struct EncodedPicture {
     int32_t height = 0;
     uint16_t bitCount = 0;
     FileBytes bytes{};
+    files::FileDates dates{};  // for the file
 };
 
 // What SavePictureFile would write in that format. Null when it cannot be made. `passThrough`: as

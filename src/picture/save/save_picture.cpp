@@ -56,26 +56,20 @@ const SaverFormat* FormatFor(const std::wstring& fileName) {
 // The entries of all libraries differ in the type of the options alone.
 bool Write(const SaverWriter& writer, const void* info, const void* bits,
            const std::wstring& fileName, const void* options, LONG_PTR passThrough,
-           const saving::ExifBytes& exif = {}) {
-    if (exif.size != 0) {
-        using Entry = int(__stdcall*)(const void*, const void*, const wchar_t*, const void*,
-                                      LONG_PTR, const saving::ExifBytes*);
-        const auto entry = HelperFunction<Entry>(writer.library, writer.exifEntry);
-        return entry != nullptr && (entry(info, bits, fileName.c_str(), options, passThrough,
-                                          &exif) == 0) == writer.zeroIsSuccess;
-    }
-    using Entry = int(__stdcall*)(const void*, const void*, const wchar_t*, const void*, LONG_PTR);
+           const saving::FileExtras& extras = {}) {
+    using Entry = int(__stdcall*)(const void*, const void*, const wchar_t*, const void*, LONG_PTR,
+                                  const saving::FileExtras*);
     const auto entry = HelperFunction<Entry>(writer.library, writer.entry);
-    return entry != nullptr &&
-           (entry(info, bits, fileName.c_str(), options, passThrough) == 0) == writer.zeroIsSuccess;
+    return entry != nullptr && (entry(info, bits, fileName.c_str(), options, passThrough,
+                                      &extras) == 0) == writer.zeroIsSuccess;
 }
 
 bool SaveParts(const SaverFormat& format, const PictureParts& parts, const std::wstring& fileName,
                const saving::SaveOptions& options, LONG_PTR passThrough,
-               const saving::ExifBytes& exif = {}) {
+               const saving::FileExtras& extras = {}) {
     return Trapped(false, [&] {
         return Write(format.writer, parts.info.data(), parts.bits.data(), fileName,
-                     format.writer.options(options), passThrough, exif);
+                     format.writer.options(options), passThrough, extras);
     });
 }
 
@@ -112,22 +106,26 @@ bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std:
     }
     const Picture saved = AsItIsSaved(picture, format, options);
     return SaveParts(format, {saved.Info(), saved.Bits()}, fileName, options, passThrough,
-                     ExifFor(picture, format));
+                     ExtrasOf(saved));
 }
 
-saving::ExifBytes ExifFor(const Picture& picture, const SaverFormat& format) {
-    if (format.writer.exifEntry == nullptr) return {};
-    return {picture.Exif().data(), picture.Exif().size()};
+saving::FileExtras ExtrasOf(const Picture& picture) {
+    return {.exif = {picture.Exif().data(), picture.Exif().size()},
+            .profile = {picture.Profile().data(), picture.Profile().size()},
+            .dates = picture.Dates()};
 }
 
 Picture AsItIsSaved(const Picture& picture, const SaverFormat& format,
                     const saving::SaveOptions& options) {
-    Picture saved = SrgbPicture(picture.Another());
+    const bool keepsColors = format.KeepsProfile(options) && IsSavableInOwnColors(picture);
+    Picture saved = keepsColors ? picture.Another() : SrgbPicture(picture.Another());
     // Over white the libraries lay it themselves, row by row.
     Picture opaque;
     if (!format.metadata.alpha && options.backdrop != dib::Backdrop::kWhite)
         opaque = OpaquePicture(saved.View(), options.backdrop);
-    return opaque ? std::move(opaque) : std::move(saved);
+    if (opaque) saved = std::move(opaque);
+    saved.TakeAlongAsOf(picture);
+    return saved;
 }
 
 bool SaveBitmap(const void* info, const void* bits, const std::wstring& fileName,

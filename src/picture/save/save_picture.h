@@ -6,7 +6,7 @@
 #include <string>
 
 #include "app/settings/saver_format.h"
-#include "helpers/saving/exif_bytes.h"
+#include "helpers/saving/file_extras.h"
 #include "helpers/saving/save_options.h"
 #include "picture/picture.h"
 
@@ -29,11 +29,13 @@ bool SavePictureFile(const PicturePair& picture, const std::wstring& fileName,
 bool SavePictureAs(const SaverFormat& format, const Picture& picture, const std::wstring& fileName,
                    const saving::SaveOptions& options, LONG_PTR passThrough);
 
-// Its EXIF data for a file of the format; none where that cannot hold them.
-saving::ExifBytes ExifFor(const Picture& picture, const SaverFormat& format);
+// What a picture that AsItIsSaved has answered takes along into its file, where it lies in the
+// picture.
+saving::FileExtras ExtrasOf(const Picture& picture);
 
-// The picture for a format: in sRGB, and in one without transparency laid over the options'
-// backdrop.
+// The picture for a format: in sRGB, unless the options want it to keep colours of its own and the
+// format holds their profile, and in one without transparency laid over the options' backdrop; with
+// what it takes along.
 Picture AsItIsSaved(const Picture& picture, const SaverFormat& format,
                     const saving::SaveOptions& options);
 

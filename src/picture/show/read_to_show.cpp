@@ -199,6 +199,7 @@ ReadToShow ReadMember(const AheadEntry& entry, ViewWatch& watch, std::wstring& s
     clsSusie* const archive = SusieCollection().ListedArchive(archivePath);
     if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
     std::wstring name;
+    uint64_t changed = 0;
     OwnedBlock content;
     std::wstring damage;
     std::optional<AheadPicture> ready;
@@ -208,6 +209,7 @@ ReadToShow ReadMember(const AheadEntry& entry, ViewWatch& watch, std::wstring& s
         subject = SubjectOf(archivePath, name);
         ready = Ahead().Take(entry);
         if (ready || watch.IsStopped()) return;
+        changed = archive->FileChanged(position);
         content = archive->DecodeArchive(position, watch.Functions().progress);
         damage = archive->Damage();
     });
@@ -221,7 +223,12 @@ ReadToShow ReadMember(const AheadEntry& entry, ViewWatch& watch, std::wstring& s
             .stamp = stamp.value_or(FileStamp{}),
             .read = ReadPicture(content.Get(), FileNameOf(name), watch.Functions(), page),
             .memberDamage = damage});
-        if (stamp) TellOrigin(ready->read, archivePath, *stamp, name, content.Get());
+        if (stamp) {
+            TellOrigin(
+                ready->read,
+                {.path = archivePath, .stamp = *stamp, .member = name, .memberChanged = changed},
+                content.Get());
+        }
         if (stamp && IsPictureKind(ready->read.kind)) Ahead().Keep(ready->Another());
     }
     ReadToShow result = Told(*std::move(ready), subject);

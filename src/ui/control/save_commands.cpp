@@ -53,10 +53,22 @@ Picture WithMetadata(const SaverFormat& format, const saving::SaveOptions& optio
     Picture picture = CurrentPicture().Another();
     const auto wish = WishFor(picture, format, options);
     if (!wish) return picture;
-    auto told = CallInBackground<MetadataAnswer>(
-        [origin = picture.Origin(), wish = *wish] { return MetadataOf(*origin, wish); }, waiting);
-    if (told) picture.SetExif(std::move(told->exif));
+    auto kept = CallInBackground<KeptMetadata>(
+        [origin = picture.Origin(), wish = *wish] { return KeptOf(*origin, wish); }, waiting);
+    if (!kept) return picture;
+    picture.SetExif(std::move(kept->exif));
+    picture.SetDates(kept->dates);
     return picture;
+}
+
+// The end of the sentence that tells what a file loses that is replaced.
+std::wstring LostBesides(const SaverFormat& format, const saving::SaveOptions& options) {
+    const bool losesExif = !format.KeepsExif(options);
+    const bool losesProfile = !format.KeepsProfile(options);
+    if (!losesExif && !losesProfile) return L"ます。";
+    return std::wstring(L"、") + (losesExif ? L"撮影情報(Exif)" : L"") +
+           (losesExif && losesProfile ? L"や" : L"") + (losesProfile ? L"色の情報" : L"") +
+           L"などは失われます。";
 }
 
 enum class Saved { kYes, kNo, kStopped };
@@ -138,9 +150,7 @@ bool SaveCommands::MayReplace(const Choice& chosen) const {
     if (chosen.format->loss != nullptr && IsSameFile(chosen.path, original)) {
         question += L"\r\n\r\n表示している画像の元のファイルです。" +
                     chosen.format->loss(Values().saveOptions) +
-                    (chosen.format->KeepsExif(Values().saveOptions)
-                         ? L"ます。"
-                         : L"、撮影情報(Exif)や色の情報などは失われます。");
+                    LostBesides(*chosen.format, Values().saveOptions);
     }
     return ShowMessageBox(question, MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2) == IDYES;
 }

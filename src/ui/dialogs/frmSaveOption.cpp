@@ -75,6 +75,8 @@ void frmSaveOption::MakePanel() {
     for (const SaverOption& option : format_->options) {
         if (option.kind == SaverOption::Kind::kSwitch) MakeSwitch(fields_.emplace_back(option));
     }
+    for (const SaverOption& option : SharedSaverOptions())
+        MakeSwitch(fields_.emplace_back(option));
 }
 
 void frmSaveOption::MakeRoom() const {
@@ -132,7 +134,7 @@ void frmSaveOption::MakeSwitch(Field& field) {
         field.option.key ==
         std::ranges::find(format_->options, SaverOption::Kind::kSwitch, &SaverOption::kind)->key;
     MakeButton(field, field.option.caption, BS_AUTOCHECKBOX | WS_TABSTOP | (isFirst ? WS_GROUP : 0),
-               kLeft, top_, 150);
+               kLeft, top_, 190);
     top_ += 14;
 }
 

@@ -11,7 +11,7 @@
 namespace tessary {
 
 // The panel follows from the options of the format's row: frames of option buttons and sliders
-// above, check boxes below.
+// above, check boxes below, at last those that hold for all formats.
 class frmSaveOption final : private Dialog {
   public:
     frmSaveOption();

@@ -15,6 +15,7 @@ void FormatPage::AttachControls() {
     }
     GeneralSettings& general = Options().general;
     OptionFields& fields = Fields();
+    fields.Check(checkKeepDates, Options().saveOptions.keepDates);
     fields.Check(checkReduceColor, general.reduceColor);
     fields.Check(checkReduce256ModeOnly, general.reduce256ModeOnly);
     fields.Check(checkSaveReducedPicture, general.saveReducedPicture);
@@ -43,7 +44,7 @@ void FormatPage::ShowState() {
 
 void FormatPage::cmdFileFormatEnv_Click(const SaverFormat& format) {
     if (!frmSaveOption().Edit(Dialog(), format, Options().saveOptions)) return;
-    ShowFormats();
+    ShowValues();  // one of them is on the page too
     Changed();
 }
 

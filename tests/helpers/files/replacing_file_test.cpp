@@ -15,6 +15,7 @@ namespace {
 constexpr auto kRenameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
 constexpr DWORD kReplacePosix = 3;
 constexpr std::string_view kOld = "old content";
+constexpr uint64_t kChanged = 126'444'736'000'000'000;
 
 // Answers as told, and as the system does otherwise.
 struct PlayedCalls final : FileCalls {
@@ -80,6 +81,7 @@ class ReplacingFiles : public testing::Test {
     DWORD Replace(const GoesOn& goesOn = {}, bool inPieces = false) {
         ReplacingFile file(target_, Links::kReplace, calls_);
         EXPECT_TRUE(file.IsOpen());
+        file.SetDates({.changed = kChanged});
         std::vector<size_t> sizes = {11};
         if (inPieces) sizes = {100, 0, 262000, 144, 1, 131072, 131073, 300000, 262144, 5};
         new_.clear();
@@ -93,6 +95,11 @@ class ReplacingFiles : public testing::Test {
     void ExpectReplaced(bool inPieces = false) {
         EXPECT_EQ(Replace({}, inPieces), 0u);
         ExpectOnly(new_);
+        WIN32_FILE_ATTRIBUTE_DATA data{};
+        GetFileAttributesExW(target_.c_str(), GetFileExInfoStandard, &data);
+        EXPECT_EQ(uint64_t{data.ftLastWriteTime.dwHighDateTime} << 32 |
+                      data.ftLastWriteTime.dwLowDateTime,
+                  kChanged);
     }
     void Hold() {
         calls_.holder.Reset(CreateFileW(target_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,

@@ -170,8 +170,9 @@ TEST(Metadata, FollowsThePictureIntoAnotherFile) {
         EXPECT_EQ(ExifValue(saved, EXIF_IFD_0, EXIF_TAG_ARTIST).Bytes().size(), 5u);
         EXPECT_EQ(ExifValue(saved, EXIF_IFD_EXIF, EXIF_TAG_LENS_MODEL).Bytes().size(), 17u);
         EXPECT_EQ(saved->ifd[EXIF_IFD_GPS]->count, 4u);
-        const UniqueExif hidden = LoadExif(SavedExif(read.exif, {480, 320, false}));
+        const UniqueExif hidden = LoadExif(SavedExif(read.exif, {480, 320, false, false}));
         EXPECT_EQ(hidden->ifd[EXIF_IFD_GPS]->count, 0u);
+        EXPECT_EQ(NumberIn(hidden, EXIF_IFD_EXIF, EXIF_TAG_COLOR_SPACE), 0xFFFFu);
     }
     // One that says nothing but where its pixels are.
     EXPECT_TRUE(SavedExif(Read(Seed("fuzz_system_picture/tiff")).exif, {1, 1}).empty());

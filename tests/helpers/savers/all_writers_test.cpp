@@ -19,7 +19,7 @@ std::vector<Writer> Writers(bool all) {
     std::vector<Writer> writers;
     const auto add = [&](auto write, auto... options) {
         (writers.push_back([=](auto& picture, auto& sink, auto& progress) {
-            return write(picture, options, sink, progress, std::span<const uint8_t>());
+            return write(picture, options, sink, progress, FileExtras{});
         }),
          ...);
     };

@@ -16,6 +16,8 @@
 namespace tessary::test {
 namespace {
 
+constexpr uint64_t kSecond = 10'000'000;  // in the units of dates
+
 class ConvertRunTest : public ConvertTest {
   protected:
     ConvertRunTest() { settings_.saveType2 = 1; }
@@ -327,6 +329,31 @@ TEST_F(ConvertRunTest, WhatIsMadeBeforeItsTurnComesToTheSame) {
     EXPECT_EQ(came[0], came[1]);
     EXPECT_TRUE(came[0][0].second.contains(L"f.png"));
     Host().furtherConnector = {};
+}
+
+TEST_F(ConvertRunTest, ResultsHaveTheDatesOfTheirSourcesWhereThatIsWanted) {
+    Add(L"a.bmp", BitmapFileOf(20, 10, 0));
+    Add(L"b.tst", "TST 6x6x24\n");
+    Add(L"large.tst", "TST 6x6x24\n" + std::string(300'000, 'x'));
+    for (const std::wstring& file : monitor_.files)
+        std::filesystem::last_write_time(
+            file, std::filesystem::file_time_type::clock::now() - std::chrono::hours(50'000));
+    const uint64_t old = StampOf(monitor_.files[0])->changed / kSecond;
+    Add(L"x.tsa", ArchiveOf({{"m.tst", "TST 6x6x24\n"}}));
+    const auto dates = [&] {
+        std::vector<uint64_t> seconds;
+        EXPECT_TRUE(RunAnew());
+        for (const wchar_t* const name : {L"a.png", L"b.png", L"large.png", LR"(x.tsa\m.png)"})
+            seconds.push_back(StampOf(Target() + name)->changed / kSecond);
+        return seconds;
+    };
+    for (const int jobs : {1, 3}) {
+        settings_.jobs = jobs;
+        EXPECT_GT(std::ranges::min(dates()), old + 3600);
+        Values().saveOptions.keepDates = 1;
+        EXPECT_EQ(dates(), (std::vector<uint64_t>{old, old, old, 12'644'473'600}));
+        Values().saveOptions.keepDates = 0;
+    }
 }
 
 // Whatever plug-ins do, and whoever would be preferred for having accepted last.

@@ -98,7 +98,7 @@ TEST_F(ConvertCliTest, ArgumentsChangeSettings) {
         LR"(--exclude-mask [!a]* --keep-unknown --log=C:\x --append --jpeg-quality 95 )"
         LR"(--png-level 0 --png-interlace --no-jpeg-optimize --bmp-type os2 --bmp-rle )"
         LR"(--encoding shift_jis --recursive --on-conflict skip --archive-depth=2 )"
-        LR"(--strict --keep-folders -- --both)";
+        LR"(--strict --keep-folders --keep-date --no-jpeg-icc -- --both)";
     Values().saveOptions.jpeg.optimizedHuffman = 1;
     ASSERT_EQ(Parse(arguments, options), L"");
     EXPECT_EQ(options.inputs, (std::vector<std::wstring>{L"a", L"--both"}));
@@ -127,6 +127,8 @@ TEST_F(ConvertCliTest, ArgumentsChangeSettings) {
     expected.bmp = {.saveType = 1, .saveRLE = 1};
     expected.png = {.quality = 0, .interlace = 1};
     expected.jpeg.quality = 95;
+    expected.jpegProfile = 0;
+    expected.keepDates = 1;
     EXPECT_TRUE(Values().saveOptions == expected);
 
     for (const wchar_t* const wrong :
@@ -210,9 +212,16 @@ TEST_F(ConvertCliTest, KeepsWhatPhotographsSay) {
             EXPECT_EQ(number(EXIF_TAG_PIXEL_X_DIMENSION), 16u);
             EXPECT_EQ(number(EXIF_TAG_PIXEL_Y_DIMENSION), 24u);
             EXPECT_EQ(wide->size, 0u) << "the thumbnail";
+            EXPECT_EQ(number(EXIF_TAG_COLOR_SPACE), 0xFFFFu) << "the camera's: it has a profile";
+            Holds(ContentOf(folder_.Path() + name), {format == L"png" ? "iCCP" : "ICC_PROFILE"});
         }
     }
-    EXPECT_NE(ContentOf(folder_.Path() + LR"(png\small.png)").find("sRGB"), std::string::npos);
+    EXPECT_EQ(ContentOf(folder_.Path() + LR"(png\small.png)"),
+              ContentOf(folder_.Path() + LR"(png\large.png)"));
+    Expect(RunProgram(L"--out srgb --format png --no-png-icc in"), 0, {});
+    const std::string srgb = ContentOf(folder_.Path() + LR"(srgb\small.png)");
+    EXPECT_TRUE(srgb.find("sRGB") != srgb.npos && srgb.find("iCCP") == srgb.npos);
+    EXPECT_EQ(srgb, ContentOf(folder_.Path() + LR"(srgb\large.png)"));
     Expect(RunProgram(L"--out hidden --format jpg --no-jpeg-gps in"), 0, {});
     EXPECT_TRUE(has(LR"(hidden\small.jpg)", FieldKind::kModel, "T-1"));
     EXPECT_FALSE(has(LR"(hidden\small.jpg)", FieldKind::kPosition,

@@ -2,7 +2,11 @@
 #include "picture/save/save_picture.h"
 
 #include "app/base/paths.h"
+#include "helpers/color/color_profile.h"
+#include "helpers/dib/byte_source.h"
+#include "helpers/metadata/file_metadata.h"
 #include "picture/bitmap_file.h"
+#include "picture/save/clipboard_png.h"
 #include "picture/save/encoded_picture.h"
 #include "picture/save/save_progress.h"
 #include "tests/helpers/dib/sample_bitmaps.h"
@@ -110,6 +114,70 @@ TEST_F(SavePictureTest, TransparencyGetsTheChosenBackdropWhereItIsLost) {
         return EncodePicture(picture, *SaverFormatAt(kJpegFormat), chosen, 0)->bytes.Pieces();
     };
     EXPECT_NE(encoded(options), encoded({}));
+}
+
+// Longer than one marker of a JPEG file, with a sound header.
+Bytes LongProfile() {
+    Bytes profile = color::Profile::AdobeRgb().Icc();
+    profile.resize(150'000, 7);
+    for (size_t i = 0; i < 4; ++i)
+        profile[i] = static_cast<uint8_t>(profile.size() >> (24 - 8 * i));
+    return profile;
+}
+
+TEST_F(SavePictureTest, ColorsOfItsOwnStayWithTheProfileWhereThatIsWanted) {
+    const auto picture = [&](const Bytes& profile) {
+        Picture made = Picture::Make(bitmap_.Info(), [&](std::span<uint8_t> rows) {
+            std::ranges::transform(bitmap_.pixels, rows.begin(),
+                                   [](uint8_t sample) { return static_cast<uint8_t>(sample / 2); });
+            return true;
+        });
+        made.SetProfile(profile);
+        return made;
+    };
+    const auto saved = [&](const Picture& of, int32_t format, const saving::SaveOptions& options) {
+        const SaverFormat& as = *SaverFormatAt(format);
+        const std::wstring path = folder_.Path() + L"a" + as.Extension();
+        EXPECT_TRUE(SavePictureAs(as, of, path, options, 0));
+        const auto file = test::ContentOf<Bytes>(path);
+        Bytes made;
+        const auto encoded = EncodePicture(of, as, options, 0);
+        for (const Bytes& piece : encoded->bytes.Pieces())
+            made.insert(made.end(), piece.begin(), piece.end());
+        EXPECT_EQ(made, file);
+        return file;
+    };
+    const auto profileIn = [](int32_t format, const Bytes& file) {
+        dib::MemorySource source(file);
+        return (format == kPngFormat ? metadata::ReadPngMetadata(source)
+                                     : metadata::ReadJpegMetadata(source))
+            .profile;
+    };
+    const Bytes sound = LongProfile();
+    Bytes lying = sound;  // of its size: strict readers would show these colours as sRGB
+    lying[3] ^= 4;
+    Bytes outside = sound;  // a tag beyond the end
+    outside[132 + 8] = 0xFF;
+    saving::SaveOptions srgb;
+    srgb.pngProfile = srgb.jpegProfile = 0;
+    for (const int32_t format : {kPngFormat, kJpegFormat}) {
+        const Bytes plain = saved(picture({}), format, {});
+        const Bytes own = saved(picture(sound), format, {});
+        EXPECT_EQ(profileIn(format, own), sound);
+        // All else is the file of the same numbers.
+        EXPECT_TRUE(std::equal(plain.rbegin(), plain.rbegin() + 40, own.rbegin()));
+        const Bytes converted = saved(picture(sound), format, srgb);
+        EXPECT_TRUE(profileIn(format, converted).empty());
+        EXPECT_NE(converted, plain);
+        EXPECT_EQ(saved(picture(sound), format, srgb), saved(picture(lying), format, {}));
+        EXPECT_EQ(converted, saved(picture(outside), format, {}));
+    }
+    EXPECT_NE(saved(picture(sound), kBmpFormat, {}), saved(picture({}), kBmpFormat, {}));
+    const UniqueGlobal copied = MakeClipboardPNG(picture(sound));
+    const auto* const bytes = static_cast<const char*>(GlobalLock(copied.Get()));
+    const std::string_view png(bytes, GlobalSize(copied.Get()));
+    EXPECT_EQ(png.find("iCCP"), png.npos) << "others know sRGB alone";
+    GlobalUnlock(copied.Get());
 }
 
 TEST_F(SavePictureTest, InfoBlockMayHoldAWholeFile) {

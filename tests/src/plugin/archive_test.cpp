@@ -77,6 +77,18 @@ TEST_F(ArchiveTest, MembersComeOutInEveryWayOfAPlugin) {
     }
 }
 
+TEST(MemberChanged, IsADateThatAnArchiverHasWritten) {
+    susie::FileInfo member{};
+    for (const int seconds : {0, -1, 1, 315'532'800, INT_MIN}) {
+        member.timestamp = seconds;
+        EXPECT_EQ(MemberChanged(member), 0u) << seconds;
+    }
+    member.timestamp = 1'000'000'000;
+    EXPECT_EQ(MemberChanged(member), 126'444'736'000'000'000u);
+    member.timestamp = INT_MAX;
+    EXPECT_EQ(MemberChanged(member), 137'919'572'470'000'000u);
+}
+
 TEST_F(ArchiveTest, WhatCannotBeExtractedIsTold) {
     BindArchive({});
     EXPECT_EQ(Failure([&] { Extracted(2, [](int, int) { return false; }); }), 1U);

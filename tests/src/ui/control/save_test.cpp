@@ -6,6 +6,9 @@
 #include <tuple>
 
 #include "app/base/paths.h"
+#include "helpers/color/color_profile.h"
+#include "picture/current_picture.h"
+#include "picture/metadata/picture_origin.h"
 #include "picture/save/save_picture.h"
 #include "tests/src/ui/main/main_window.h"
 #include "tests/support/bitmap_image.h"
@@ -129,6 +132,34 @@ TEST_F(SaveTest, AsksBeforeItReplacesAndTellsWhatFails) {
     EXPECT_EQ(yes.All()[3].text, L"ファイル " + locked +
                                      L" に保存できません。\r\n"
                                      L"書き込む権限がないか、読み取り専用です。");
+}
+
+// Also when it is saved over that file, which is then another one than was read.
+TEST_F(SaveTest, KeepsTheColorsAndTheDateOfTheFile) {
+    const RecordedMessages yes(IDYES);
+    const std::wstring path = folder_.Write(L"photo.jpg", "photo");
+    std::filesystem::last_write_time(
+        path, std::filesystem::file_time_type::clock::now() - std::chrono::hours(9'000));
+    const uint64_t taken = StampOf(path)->changed;
+    const auto changed = [&](const wchar_t* name) {
+        return StampOf(folder_.Path() + name)->changed / 10'000;
+    };
+    Picture picture = CurrentPicture().Another();
+    picture.SetOrigin(std::make_shared<PictureOrigin>(
+        PictureOrigin{.path = path, .stamp = *ExactStampOf(path), .plugin = L"x.spi"}));
+    picture.SetProfile(color::Profile::AdobeRgb().Icc());
+    SetCurrentPicture(std::move(picture));
+    window_.SetPictureSource({L"photo.jpg", L"x.spi", path});
+    SaveAs(L"a.png", 2);
+    EXPECT_NE(Content(L"a.png").find("iCCP"), std::string::npos);
+    EXPECT_GT(changed(L"a.png"), taken / 10'000 + 3'600'000);
+    Values().saveOptions.keepDates = 1;
+    for (const wchar_t* const name : {L"a.png", L"b.bmp", L"photo.jpg", L"c.png"}) {
+        SaveAs(name, 2);
+        EXPECT_EQ(changed(name), taken / 10'000) << name;
+    }
+    EXPECT_NE(Content(L"photo.jpg").find("ICC_PROFILE"), std::string::npos);
+    EXPECT_TRUE(Has(yes.All().back().text, L"画質が落ちます。")) << "nothing of it is lost";
 }
 
 TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {

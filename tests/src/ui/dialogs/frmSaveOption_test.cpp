@@ -12,7 +12,8 @@ namespace {
 TEST(SaveOptionTest, EachFormatHasItsPanel) {
     frmSaveOption form;
     saving::SaveOptions all;
-    auto& [bmp, png, jpeg, backdrop, pngExif, jpegExif, pngPosition, jpegPosition] = all;
+    auto& [bmp, png, jpeg, backdrop, pngExif, jpegExif, pngPosition, jpegPosition, pngProfile,
+           jpegProfile, keepDates] = all;
     all = {{.saveType = 1, .saveRLE = 1}, {.quality = 99}, {.quality = 75, .progressive = 1}};
     const auto edit = [&](int32_t format) {
         return form.Edit(nullptr, *SaverFormatAt(format), all);
@@ -42,6 +43,7 @@ TEST(SaveOptionTest, EachFormatHasItsPanel) {
                            Click(dialog, checkPNGInterless);
                            EXPECT_TRUE(IsUsable(dialog, checkPNGExif));
                            Click(dialog, checkPNGExif);
+                           Click(dialog, checkPNGKeepDates);
                            Press(dialog, IDOK);
                        }});
     EXPECT_FALSE(edit(kJpegFormat));
@@ -53,7 +55,7 @@ TEST(SaveOptionTest, EachFormatHasItsPanel) {
     EXPECT_TRUE(jpeg.quality == 70 && jpeg.progressive == 1 && jpeg.optimizedHuffman == 1);
     EXPECT_TRUE(bmp.saveType == 0 && bmp.saveRLE == 1);
     EXPECT_TRUE(png.quality == 8 && png.interlace == 1);
-    EXPECT_TRUE(pngExif == 0 && jpegExif == 1);
+    EXPECT_TRUE(pngExif == 0 && jpegExif == 1 && keepDates == 1 && pngProfile == 1);
 }
 
 }  // namespace
