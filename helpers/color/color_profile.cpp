@@ -2,6 +2,7 @@
 
 #include <lcms2.h>
 
+#include <algorithm>
 #include <array>
 #include <new>
 
@@ -144,6 +145,10 @@ std::vector<uint8_t> Profile::Icc() const {
     if (!cmsSaveProfileToMem(handle_.get(), nullptr, &size)) return {};
     std::vector<uint8_t> icc(size);
     if (!cmsSaveProfileToMem(handle_.get(), icc.data(), &size)) return {};
+    // The present time, as the library has it, would make another file of each picture.
+    constexpr size_t kDate = 24;
+    constexpr std::array<uint8_t, 12> kNewYear2000{0x07, 0xD0, 0, 1, 0, 1};
+    if (icc.size() >= kHeader) std::ranges::copy(kNewYear2000, &icc[kDate]);
     return icc;
 }
 

@@ -58,7 +58,8 @@ class Profile {
     }
     // What it calls itself, in Japanese where it can; empty when it does not tell.
     std::u16string Name() const;
-    // The profile as a file has it, of the version 4; empty when there is no memory.
+    // The profile as a file has it, of the version 4; the same bytes of the same colours whenever
+    // it is made. Empty when there is no memory.
     std::vector<uint8_t> Icc() const;
 
     // cmsHPROFILE, for this folder's own use.
