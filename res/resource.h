@@ -42,6 +42,14 @@
 #define menuViewWallpaperEsc 1222
 #define commandStepForward 1230
 #define commandStepBack 1231
+#define commandOrder_0 1232  // by OrderBy
+#define commandOrder_1 1233
+#define commandOrder_2 1234
+#define commandOrder_3 1235
+#define commandOrder_4 1236
+#define commandOrder_5 1237
+#define commandOrderDescending 1238
+#define menuOrder 1239
 #define menuDisplaySize 1240
 #define commandDisplaySize_0 1241
 #define commandDisplaySize_1 1242
@@ -52,6 +60,8 @@
 #define commandDisplaySize_6 1247
 #define commandDisplaySize 1248  // the next display size
 #define commandFullScreen 1250
+#define commandFirstFile 1251  // or member
+#define commandLastFile 1252
 #define commandZoomIn 1260
 #define commandZoomOut 1261
 #define commandToggleFit 1262  // 100 %, or the whole picture in the window
@@ -202,7 +212,8 @@
 #define optionPage_1 3003
 #define optionPage_2 3004
 #define optionPage_3 3005
-#define cmdApply 3006
+#define optionPage_4 3006
+#define cmdApply 3007
 
 #define checkUseSPI 3100
 #define checkLoadSPI_0 3101
@@ -258,6 +269,14 @@
 #define labelArchiveDepth 3225
 #define textArchiveDepth 3226
 #define combJobs 3227
+
+#define checkListNeighbours 3350
+#define combListOrder 3351
+#define checkListDescending 3352
+#define combUnclaimed 3353
+#define checkShortList 3354
+#define combAtListEnd 3355
+#define checkBackToLast 3356
 
 #define sliderSlideShowTime 3300
 #define labelSlideShowTime 3301

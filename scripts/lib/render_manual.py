@@ -1,7 +1,8 @@
 """render_manual.py MARKDOWN STYLESHEET HTML
 
 Renders the manual into one page with its style inside, and copies the pictures that it shows into
-images/ beside the page.
+images/ beside the page. A section that is nothing but a link to another of its files becomes the
+sections of that file.
 """
 
 import pathlib
@@ -46,6 +47,21 @@ def joined(html):
     return "".join(parts)
 
 
+PART = re.compile(r"^## .*\n\n\[[^\]]*\]\((manual-[a-z]+\.ja\.md)\)\n", re.MULTILINE)
+LINK_TO_FILE = re.compile(r"\]\(manual[a-z.-]*\.md(#[^)]*)?\)")
+
+
+def whole_text(source):
+    """The manual with its parts in their places; links between the files lead into the one page."""
+
+    def part(match):
+        text = (source.parent / match[1]).read_text(encoding="utf-8")
+        return text[text.index("## "):]
+
+    text = PART.sub(part, source.read_text(encoding="utf-8"))
+    return LINK_TO_FILE.sub(lambda match: f"]({match[1] or '#'})", text)
+
+
 def main(source, stylesheet, target):
     source, target = pathlib.Path(source), pathlib.Path(target)
     images = target.parent / "images"
@@ -61,7 +77,7 @@ def main(source, stylesheet, target):
     renderer = markdown.Markdown(
         extensions=["fenced_code", "tables", "toc"], output_format="html",
         extension_configs={"toc": {"slugify": slugify_unicode, "toc_depth": "2-3"}})
-    text = joined(renderer.convert(source.read_text(encoding="utf-8")))
+    text = joined(renderer.convert(whole_text(source)))
     page = PAGE.format(
         title=re.search("<h1[^>]*>(.*?)</h1>", text)[1],
         style=pathlib.Path(stylesheet).read_text(encoding="utf-8"),

@@ -21,7 +21,7 @@ void AddFolder(const std::wstring& folder, bool recursive, InputFiles& found) {
     bool allRead = true;
     const unsigned long error = ScanFolders(
         {.folder = folder, .subFolders = recursive, .extensions = {}}, [&](ScanNews&& news) {
-            Append(found, std::move(news.files), folder);
+            Append(found, PathsOf(news.files), folder);
             for (const std::wstring& one : news.unreadable) {
                 found.troubles.push_back(L"フォルダを読み取れません: " + one);
                 allRead = false;

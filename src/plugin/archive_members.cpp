@@ -102,7 +102,11 @@ std::vector<ListedMember> FilesAmong(const ArchiveMembers& members) {
     std::vector<ListedMember> files;
     files.reserve(members.size());
     for (size_t i = 0; i < members.size(); ++i) {
-        files.push_back({ArchiveMemberName(members[i]), static_cast<int32_t>(i) + 1});
+        files.push_back(
+            {.name = ArchiveMemberName(members[i]),
+             .position = static_cast<int32_t>(i) + 1,
+             .size = members[i].fileSize,
+             .time = static_cast<uint64_t>(std::max<int64_t>(members[i].timestamp, 0))});
     }
     const FolderSet folders = FoldersOf(files);
     std::erase_if(files, [&](const ListedMember& file) {

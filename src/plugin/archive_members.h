@@ -1,6 +1,7 @@
 // An archive's member list: as a plug-in hands it out, and as people look at it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -28,8 +29,12 @@ uint64_t MemberChanged(const susie::FileInfo& member);
 
 // A member for a list of them.
 struct ListedMember {
-    std::wstring name;     // as ArchiveMemberName
-    int32_t position = 0;  // its place in the plug-in's own list, from 1
+    std::wstring name;      // as ArchiveMemberName
+    int32_t position = 0;   // its place in the plug-in's own list, from 1
+    uint64_t size = 0;      // in bytes, as it is listed
+    uint64_t time = 0;      // seconds since 1970, as it is listed
+    bool isWanted = true;   // false: steps pass it by
+    bool isPicture = true;  // by its name
 };
 
 // The members that are files, in the plug-in's order. Left out are entries that stand for a folder:

@@ -79,6 +79,19 @@ class EntryList {
         if (cursor_ > index) SetCursor(cursor_ - 1);
     }
 
+    // Takes these in place of all others, with the cursor where it is said; nothing is selected
+    // anew.
+    void Assign(std::vector<Entry> entries, int cursor) {
+        Clear();
+        entries_ = std::move(entries);
+        if (mirror_ != nullptr) {
+            mirror_->EntriesExpected(Count());
+            for (const Entry& entry : entries_)
+                mirror_->EntryAdded(entry.*kText);
+        }
+        SetCursor(cursor);
+    }
+
     void Clear() {
         entries_.clear();
         cursor_ = -1;

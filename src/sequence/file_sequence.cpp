@@ -7,6 +7,7 @@
 
 #include "app/base/paths.h"
 #include "app/base/text.h"
+#include "picture/read/arrangement.h"
 
 namespace tessary {
 
@@ -40,30 +41,40 @@ void FileSequence::LeaveArchive() {
 
 // --- Stepping ---
 
-StepTarget FileSequence::Find(int steps, bool inArchive, KindSource& kinds) const {
+StepTarget FileSequence::Find(int steps, bool inArchive, bool goesRound, KindSource& kinds) const {
     StepTarget target;
     if (inArchive && !members_.IsEmpty()) target.member = FindMember(steps);
     target.leavesArchive = steps != 0;
-    if (target.leavesArchive) FindFile(steps, kinds, target);
+    if (target.leavesArchive) FindFile(steps, goesRound, kinds, target);
     return target;
 }
 
 // Leaves the steps that lead beyond the members.
 std::optional<int> FileSequence::FindMember(int& steps) const {
+    const int step = steps > 0 ? 1 : -1;
     const int start = std::max(members_.Cursor(), steps > 0 ? -1 : 0);
-    const int member = std::clamp(start + steps, 0, members_.Count() - 1);
-    steps -= member - start;
-    return member == start ? std::nullopt : std::optional(member);
+    int reached = start;
+    for (int at = start + step; steps != 0 && at >= 0 && at < members_.Count(); at += step) {
+        if (!members_.At(at).isWanted) continue;
+        reached = at;
+        steps -= step;
+    }
+    return reached == start ? std::nullopt : std::optional(reached);
 }
 
-void FileSequence::FindFile(int steps, KindSource& kinds, StepTarget& target) const {
+void FileSequence::FindFile(int steps, bool goesRound, KindSource& kinds,
+                            StepTarget& target) const {
     const int step = steps > 0 ? 1 : -1;
     const int start = files_.Cursor();
     const int last = files_.Count() - 1;
-    if (step > 0 ? start >= last : start < 0) return;
+    if (!goesRound && (step > 0 ? start >= last : start < 0)) return;
     int reached = start;
     for (; steps != 0; steps -= step) {
-        const std::optional<int> found = FindKnown(reached + step, step, kinds);
+        std::optional<int> found = FindKnown(reached + step, step, kinds);
+        if (found && goesRound && (*found < 0 || *found > last) && last >= 0) {
+            found = FindKnown(step > 0 ? 0 : last, step, kinds);
+            target.wentRound = true;
+        }
         if (!found) return;
         if (*found < 0 || *found > last) break;
         reached = *found;
@@ -82,10 +93,28 @@ std::optional<int> FileSequence::FindKnown(int start, int step, KindSource& kind
     const int total = step > 0 ? files_.Count() - start : start + 1;
     int index = start;
     for (; index >= 0 && index < files_.Count(); index += step) {
-        if (kinds.IsKnown(files_.Text(index))) break;
-        if (!kinds.GoesOn(index, std::abs(index - start), total)) return std::nullopt;
+        const bool isWanted = files_.At(index).isWanted;
+        if (isWanted && kinds.IsKnown(files_.Text(index))) break;
+        // What is passed by unseen takes no time.
+        if (isWanted && !kinds.GoesOn(index, std::abs(index - start), total)) return std::nullopt;
     }
     return index;
+}
+
+void FileSequence::SortBy(const EntryOrder& order) {
+    std::vector<ListedFile> files(files_.All().begin(), files_.All().end());
+    const std::wstring file = files_.Current();
+    tessary::SortBy(order, files);
+    files_.Assign(std::move(files), -1);
+    files_.SetCursor(files_.IndexOf(file));
+    if (hasPages_ || members_.IsEmpty()) return;
+    std::vector<ListedMember> members(members_.All().begin(), members_.All().end());
+    const int selected = members_.Cursor();
+    const int32_t position = selected < 0 ? 0 : members_.At(selected).position;
+    tessary::SortBy(order, members);
+    const auto found = std::ranges::find(members, position, &ListedMember::position);
+    const auto place = found == members.end() ? -1 : found - members.begin();
+    members_.Assign(std::move(members), static_cast<int>(place));
 }
 
 // --- Deletion ---
@@ -96,16 +125,22 @@ bool FileSequence::MarkFile(int index) {
     return isNew;
 }
 
+// At the end, in whatever order.
+void FileSequence::Append(const std::wstring& path) {
+    const FoundFile file = NamedFileOf(path);
+    files_.Add({path, file.size, file.time, static_cast<uint32_t>(files_.Count())});
+}
+
 void FileSequence::PutBack(const std::wstring& path) {
     std::wstring moved = path;  // it may be the mark's own
     marks_.Unmark(moved);
-    files_.Add({std::move(moved)});
+    Append(moved);
 }
 
 void FileSequence::PutAllBack() {
     files_.Expect(marks_.All().size());
     for (const DeletionMark& mark : marks_.All())
-        files_.Add({mark.path});
+        Append(mark.path);
     marks_.Clear();
 }
 

@@ -11,15 +11,13 @@
 #include <string>
 #include <vector>
 
+#include "app/base/entry_order.h"
+#include "picture/read/listed_file.h"
 #include "plugin/archive_members.h"
 #include "sequence/deletion_marks.h"
 #include "sequence/entry_list.h"
 
 namespace tessary {
-
-struct SequenceFile {
-    std::wstring path;  // full
-};
 
 // Tells what files are to a search for the next one that can be shown.
 class KindSource {
@@ -42,11 +40,12 @@ struct StepTarget {
     std::optional<int> file;     // to select; -1: the selection is to go
     bool isKnown = false;        // the file is of known kind, and not just where the list ends
     bool leavesArchive = false;  // the members do not take all the steps
+    bool wentRound = false;      // the way to the file leads over an end of the list
 };
 
 class FileSequence {
   public:
-    using FileEntries = EntryList<SequenceFile, &SequenceFile::path>;
+    using FileEntries = EntryList<ListedFile, &ListedFile::path>;
     using MemberEntries = EntryList<ListedMember, &ListedMember::name>;
 
     FileEntries& Files() { return files_; }
@@ -76,8 +75,12 @@ class FileSequence {
     // --- Stepping ---
     // Where so many steps lead to (negative: back), through the members first where `inArchive`,
     // then through the files, leaving out those of unknown kind. They stop at the last one of known
-    // kind. Beyond that, from it, lies the last file, or no selection before the first.
-    StepTarget Find(int steps, bool inArchive, KindSource& kinds) const;
+    // kind, or go on from the other end where `goesRound`. Beyond that, from it, lies the last
+    // file, or no selection before the first.
+    StepTarget Find(int steps, bool inArchive, bool goesRound, KindSource& kinds) const;
+
+    // Puts the files, and the members but for pages, into that order; the selected ones stay so.
+    void SortBy(const EntryOrder& order);
 
     // --- Deletion ---
     // Moves a file to the marks; false when it is marked already, and only leaves the files.
@@ -90,8 +93,9 @@ class FileSequence {
     std::optional<int> RemoveDeleted(const std::vector<std::wstring>& deleted);
 
   private:
+    void Append(const std::wstring& path);
     std::optional<int> FindMember(int& steps) const;
-    void FindFile(int steps, KindSource& kinds, StepTarget& target) const;
+    void FindFile(int steps, bool goesRound, KindSource& kinds, StepTarget& target) const;
     std::optional<int> FindKnown(int start, int step, KindSource& kinds) const;
 
     FileEntries files_;

@@ -2,8 +2,12 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "app/base/modScreenCaps.h"
 #include "app/base/paths.h"
+#include "app/base/scan_folders.h"
 
 namespace tessary {
 namespace {
@@ -54,16 +58,18 @@ std::vector<std::wstring> CommandLineNames(std::wstring_view commandLine, uint32
     return names;
 }
 
-NamedFiles AppendNamedFiles(const std::vector<std::wstring>& names,
-                            std::vector<std::wstring>& files) {
+NamedFiles AppendNamedFiles(const std::vector<std::wstring>& names, std::vector<FoundFile>& files) {
     NamedFiles result;
+    const auto take = [&](ScanNews&& news) {
+        std::ranges::move(news.files, std::back_inserter(files));
+        return true;
+    };
     for (const std::wstring& name : names) {
         if (IsFolder(name)) {
-            std::vector<std::wstring> inFolder = PlainFilesInFolder(name, L"*", &result.whole);
-            files.insert(files.end(), std::make_move_iterator(inFolder.begin()),
-                         std::make_move_iterator(inFolder.end()));
+            const ScanRequest request{.folder = name, .subFolders = false, .extensions = {}};
+            if (ScanFolders(request, take) != ERROR_SUCCESS) result.whole = false;
         } else if (PathExists(name)) {
-            files.push_back(name);
+            files.push_back(NamedFileOf(name));
         } else {
             ++result.missing;
         }
@@ -73,9 +79,10 @@ NamedFiles AppendNamedFiles(const std::vector<std::wstring>& names,
 
 int ParseCommandLine(std::wstring_view commandLine, uint32_t platformId,
                      std::vector<std::wstring>& files) {
-    const size_t before = files.size();
-    AppendNamedFiles(CommandLineNames(commandLine, platformId), files);
-    return static_cast<int>(files.size() - before);
+    std::vector<FoundFile> found;
+    AppendNamedFiles(CommandLineNames(commandLine, platformId), found);
+    std::ranges::move(PathsOf(found), std::back_inserter(files));
+    return static_cast<int>(found.size());
 }
 
 std::wstring CommandLineArguments() {

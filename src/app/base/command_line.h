@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "app/base/found_file.h"
+
 namespace tessary {
 
 // The names in the arguments of a command line, which starts behind the program's own name, as full
@@ -22,8 +24,7 @@ struct NamedFiles {
 
 // Appends what these full paths name: a file itself, of a folder the plain files directly in it;
 // names of nothing that exists add nothing.
-NamedFiles AppendNamedFiles(const std::vector<std::wstring>& names,
-                            std::vector<std::wstring>& files);
+NamedFiles AppendNamedFiles(const std::vector<std::wstring>& names, std::vector<FoundFile>& files);
 
 // Both together. Returns how many names were added.
 int ParseCommandLine(std::wstring_view commandLine, uint32_t platformId,

@@ -160,19 +160,6 @@ std::vector<std::wstring> NamesInFolder(std::wstring_view folder) {
     return NamesWithout(0, WithBackslash(folder), L"*");
 }
 
-std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths, bool* whole) {
-    std::vector<std::wstring> files;
-    for (const std::wstring& path : paths) {
-        if (IsFolder(path)) {
-            std::vector<std::wstring> inFolder = PlainFilesInFolder(path, L"*", whole);
-            std::move(inFolder.begin(), inFolder.end(), std::back_inserter(files));
-        } else {
-            files.push_back(path);
-        }
-    }
-    return files;
-}
-
 std::optional<std::string> AnsiPathOf(std::wstring_view path) {
     const auto fitting = [](std::wstring_view text) {
         std::optional<std::string> ansi = ToAnsiExact(text);

@@ -50,11 +50,6 @@ std::vector<std::wstring> PlainFilesInFolder(std::wstring_view folder,
                                              std::wstring_view pattern = L"*",
                                              bool* whole = nullptr);
 
-// The paths with the files directly in it in place of each folder, but for hidden and system files.
-// `whole` as above.
-std::vector<std::wstring> WithFoldersExpanded(const std::vector<std::wstring>& paths,
-                                              bool* whole = nullptr);
-
 // A name for the file that ANSI interfaces (plug-ins) can open: the path itself, else its short
 // form; nothing when the code page holds neither or both are longer than such interfaces take (259
 // bytes).

@@ -68,7 +68,7 @@ class Scan {
             if ((entry.dwFileAttributes & kHiddenOrSystem) != 0) continue;
             if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
                 AddFolder(folder, entry.cFileName);
-            } else if (!AddFile(folder, entry.cFileName)) {
+            } else if (!AddFile(folder, entry)) {
                 return std::nullopt;
             }
         } while (FindNextFileW(find.Get(), &entry));
@@ -84,12 +84,8 @@ class Scan {
     }
 
     // False when the scan is to end.
-    bool AddFile(const std::wstring& folder, std::wstring_view name) {
-        if (filter_.Wants(name)) {
-            std::wstring& added = news_.files.emplace_back();
-            added.reserve(folder.size() + name.size());
-            added.append(folder).append(name);
-        }
+    bool AddFile(const std::wstring& folder, const WIN32_FIND_DATAW& entry) {
+        if (filter_.Wants(entry.cFileName)) news_.files.push_back(FoundFileOf(folder, entry));
         return ++news_.looked % kScanStep != 0 || Tell();
     }
 

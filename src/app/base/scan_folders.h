@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "app/base/found_file.h"
+
 namespace tessary {
 
 struct ScanRequest {
@@ -18,7 +20,7 @@ struct ScanRequest {
 struct ScanNews {
     std::wstring folder;                        // that is being read
     size_t looked = 0;                          // files looked at in all, wanted or not
-    std::vector<std::wstring> files;            // full paths of the wanted ones
+    std::vector<FoundFile> files;               // the wanted ones
     std::vector<std::wstring> unreadable = {};  // sub-folders not listed to their end
 };
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "app/settings/listing_rules.h"
 #include "helpers/saving/save_options.h"
 
 namespace tessary {
@@ -32,6 +33,12 @@ constexpr int16_t kLastBackdrop = kBackdropGrey;
 // The display size modes that a click on the control bar's button goes round.
 constexpr int16_t kSizeButtonAll = 0;
 constexpr int16_t kSizeButtonFixed = 1;  // from 0 to 4
+
+// Where a step leads that goes beyond the last file, or the first.
+constexpr int16_t kEndListed = 0;  // to the last file, whatever it is; from the first, to none
+constexpr int16_t kEndStays = 1;   // nowhere, and the user is told
+constexpr int16_t kEndGoesRound = 2;
+constexpr int16_t kEndNextFolder = 3;  // into the folder beside that of the file
 
 // Settings of the section `General`, but for the display size mode.
 struct GeneralSettings {
@@ -63,8 +70,16 @@ struct GeneralSettings {
     int16_t doubleClick = kDoubleClickZooms;
     int16_t sizeButton = kSizeButtonAll;
     int16_t backdrop = kBackdropSquares;
-    int16_t playAnimation = 1;  // 1: animations play as soon as they are shown
-    int16_t showInfo = 0;       // 1: what is known of the picture stands beside it
+    int16_t playAnimation = 1;   // 1: animations play as soon as they are shown
+    int16_t showInfo = 0;        // 1: what is known of the picture stands beside it
+    int16_t listNeighbours = 1;  // 1: a file that is opened alone brings those of its folder along
+    int16_t listOrder = 0;       // OrderBy
+    int16_t listDescending = 0;  // 1: the other way round
+    int32_t orderSeed = 1;       // of the random order
+    int16_t unclaimed = kUnclaimedHidden;
+    int16_t atListEnd = kEndStays;
+    int16_t backToLast = 1;  // 1: a step back into an archive leads to its last picture
+    int16_t shortList = 0;   // 1: lists end at kShortListCount entries
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 
@@ -84,6 +99,8 @@ constexpr int32_t kConflictFreeName = 0;   // spares sources and results of the 
 constexpr int32_t kConflictSkip = 1;       // leaves it as it is
 constexpr int32_t kConflictOverwrite = 2;  // replaces whatever is there
 constexpr int32_t kConflictAsk = 3;        // asks the user, where there is one
+
+constexpr size_t kShortListCount = 32002;
 
 constexpr int32_t kMostReadAheadMemory = 99999;
 

@@ -99,6 +99,14 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"Backdrop", general.backdrop, L"0");
     transfer(L"PlayAnimation", general.playAnimation, L"1");
     transfer(L"ShowInfo", general.showInfo, L"0");
+    transfer(L"ListNeighbours", general.listNeighbours, L"1");
+    transfer(L"ListOrder", general.listOrder, L"0");
+    transfer(L"ListDescending", general.listDescending, L"0");
+    transfer(L"OrderSeed", general.orderSeed, L"1");
+    transfer(L"Unclaimed", general.unclaimed, L"2");
+    transfer(L"AtListEnd", general.atListEnd, L"1");
+    transfer(L"BackToLast", general.backToLast, L"1");
+    transfer(L"ShortList", general.shortList, L"0");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
     transfer(L"EmptySPI_3", general.emptySPI[2], L"False");

@@ -104,6 +104,7 @@ std::optional<AheadTask> AheadBoard::TakeTask(DWORD milliseconds) {
     }
     underWay_.push_back({.entry = *entry,
                          .plugins = plan_.plugins,
+                         .listing = plan_.listing,
                          .prepare = plan_.prepare,
                          .progress = std::make_shared<AheadProgress>()});
     return underWay_.back();

@@ -12,6 +12,7 @@
 #include <optional>
 #include <vector>
 
+#include "app/settings/listing_rules.h"
 #include "picture/ahead/ahead_cache.h"
 #include "plugin/own_plugins.h"
 
@@ -24,6 +25,7 @@ struct AheadPlan {
     // What is shown, or about to be: it is kept, and not begun here.
     AheadEntry shown{};
     std::shared_ptr<const KnownPlugins> plugins{};
+    ListingRules listing{};
     PreparePicture prepare{};
     size_t budget = 0;  // bytes of pictures that are kept
 };
@@ -39,6 +41,7 @@ struct AheadProgress {
 struct AheadTask {
     AheadEntry entry{};
     std::shared_ptr<const KnownPlugins> plugins{};
+    ListingRules listing{};  // of an archive
     PreparePicture prepare{};
     std::shared_ptr<AheadProgress> progress{};
 };

@@ -17,6 +17,7 @@ struct AheadEntry {
     std::wstring path{};  // full, of a file or of an archive
     int32_t member = 0;   // its place in the plug-in's list, from 1; 0: the file itself
     uint32_t page = 0;    // of the file or member; 0: the one that it opens with
+    bool atEnd = false;   // of an archive: its last picture, and not the first
 
     bool operator==(const AheadEntry&) const = default;
 };

@@ -5,7 +5,7 @@
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
-#include "picture/read/natural_order.h"
+#include "picture/read/arrangement.h"
 #include "plugin/call_watch.h"
 #include "plugin/long_run.h"
 #include "plugin/modSusie.h"
@@ -62,6 +62,7 @@ class Attempt {
     bool ReadFile(AheadPicture& picture) {
         const SourceFile file = LookAtFile(task_.entry.path);
         if (file.kind == kFileArchive) return source_.opensArchives && ReadFirstPage(picture);
+        picture.entry.atEnd = false;
         if (!IsPictureKind(file.kind)) return false;
         picture.read = ReadPage(file, task_.entry.page, Watch());
         TellOrigin(picture.read, {.path = file.path, .stamp = picture.stamp});
@@ -73,10 +74,11 @@ class Attempt {
     bool ReadFirstPage(AheadPicture& picture) {
         clsSusie* const archive = SusieCollection().ArchiveToList(task_.entry.path);
         if (archive == nullptr) return false;
-        std::vector<ListedMember> members = archive->GetExpandFileList();
+        const std::vector<ListedMember> members = Arranged(
+            archive->GetExpandFileList(), {task_.listing, NameKinds(SusieCollection().Known())});
         if (members.empty()) return false;
-        SortNaturally(members);
-        picture.entry.member = members.front().position;
+        const size_t page = OpeningMember(members, picture.entry.atEnd);
+        picture.entry = {.path = task_.entry.path, .member = members[page].position};
         return ReadMember(picture);
     }
 

@@ -35,6 +35,7 @@ void PicturesAhead::Plan(std::vector<AheadEntry> next, AheadEntry shown, Prepare
     threads_->SetPlan({.next = std::move(next),
                        .shown = std::move(shown),
                        .plugins = Plugins(),
+                       .listing = ChosenListingRules(),
                        .prepare = std::move(prepare),
                        .budget = AheadBudget(Values().general.readAheadMemory)});
 }

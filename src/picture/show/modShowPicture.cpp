@@ -6,7 +6,7 @@
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
-#include "picture/read/natural_order.h"
+#include "picture/read/arrangement.h"
 #include "picture/show/read_to_show.h"
 #include "picture/view/picture_kernel.h"
 #include "picture/view/sight_pixels.h"
@@ -44,8 +44,8 @@ std::wstring ReasonOf(const ReadToShow& result) {
 bool ListMembers(const std::wstring& path, MemberList& list) {
     clsSusie* const archive = SusieCollection().ArchiveToList(path);
     if (archive == nullptr) return false;
-    std::vector<ListedMember> members = archive->GetExpandFileList();
-    SortNaturally(members);
+    const std::vector<ListedMember> members =
+        Arranged(archive->GetExpandFileList(), ChosenArrangement());
     list.SetMembers(members);
     return !members.empty();
 }

@@ -194,7 +194,8 @@ ReadToShow FetchAndRead(const std::wstring& path, uint32_t page, PictureView& vi
 
 // `subject` receives how messages name the member.
 ReadToShow ReadMember(const AheadEntry& entry, ViewWatch& watch, std::wstring& subject) {
-    const auto& [archivePath, position, page] = entry;
+    const std::wstring& archivePath = entry.path;
+    const int32_t position = entry.member;
     if (PluginCallUnderWay()) return {};
     clsSusie* const archive = SusieCollection().ListedArchive(archivePath);
     if (archive == nullptr) return Failed(FailureText(subject, kNoArchiveText));
@@ -221,7 +222,7 @@ ReadToShow ReadMember(const AheadEntry& entry, ViewWatch& watch, std::wstring& s
         ready.emplace(AheadPicture{
             .entry = entry,
             .stamp = stamp.value_or(FileStamp{}),
-            .read = ReadPicture(content.Get(), FileNameOf(name), watch.Functions(), page),
+            .read = ReadPicture(content.Get(), FileNameOf(name), watch.Functions(), entry.page),
             .memberDamage = damage});
         if (stamp) {
             TellOrigin(

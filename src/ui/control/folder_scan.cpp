@@ -65,7 +65,7 @@ bool FolderScan::Wait(DWORD milliseconds) {
     return WaitHandlingMessages(handles, milliseconds);
 }
 
-ScanNews FolderScan::Take(std::vector<std::wstring>& files) {
+ScanNews FolderScan::Take(std::vector<FoundFile>& files) {
     ScanNews taken;
     {
         const std::lock_guard lock(shared_->mutex);

@@ -24,7 +24,7 @@ class FolderScan {
     bool Wait(DWORD milliseconds);
 
     // Adds what was found since the last call to `files`; answers how far the scan is.
-    ScanNews Take(std::vector<std::wstring>& files);
+    ScanNews Take(std::vector<FoundFile>& files);
 
     bool HasEnded() const { return worker_.HasEnded(); }
 

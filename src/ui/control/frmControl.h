@@ -18,6 +18,7 @@
 #include "ui/control/delete_list.h"
 #include "ui/control/delete_panel.h"
 #include "ui/control/list_box_mirror.h"
+#include "ui/control/neighbours.h"
 #include "ui/control/player.h"
 #include "ui/control/toolbar_images.h"
 #include "ui/control/wishes.h"
@@ -46,9 +47,11 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     bool IsRollUp() const { return place_.IsRollUp(); }
     void SetRollUp(bool rollUp) { place_.SetRollUp(rollUp); }
 
-    // Loads the window if need be. The list takes the entries with an index up to 32001 that are
-    // not empty. False also while another list is being filled or a picture loaded.
+    // Loads the window if need be. The list takes the entries that are not empty, with an index up
+    // to 32001 where the user wants it so (`ShortList`). False also while another list is being
+    // filled or a picture loaded.
     bool SetFileList(std::span<const std::wstring> files) override;
+    bool OpenFiles(std::vector<ListedFile> files, bool alone) override;
 
     // Selects the entry before or behind: of the archive's members first, then of the files,
     // leaving out those of unknown kind. False when the selection has not moved there.
@@ -127,7 +130,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void FocusPart(HWND part);
 
     // --- The lists (frmControl_lists.cpp) ---
-    void FillFileList(std::span<const std::wstring> files);
+    bool ShowList(std::span<const ListedFile> files, size_t first);
+    void FillFileList(std::span<const ListedFile> files);
     void listFileName_Click();
     void listArchiveFile_Click();
     void ShowListedFile(const std::wstring& path);
@@ -138,7 +142,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void ShowVanished(const std::wstring& path);
     void ShowEmptyList();
     ShownFile Show(const std::wstring& name, const std::function<ShownFile()>& show);
-    void TellCut(std::span<const std::wstring> files);
+    void TellCut(size_t listed, size_t files);
     void DisableParts();
     void EnableParts(HWND focused);
     void EndLoad();
@@ -152,6 +156,18 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void WishMark();
     void WishIsThere();
     void CarryOutWishes();
+
+    // --- Order, neighbours, ends (frmControl_order.cpp) ---
+    void RegisterListCommands();
+    void ChooseOrder(int16_t by);
+    void Reorder();
+    AheadEntry ShownEntry() const;
+    bool TakeNeighbours(std::vector<ListedFile>& files, int opened);
+    void GoToEnd(bool isLast);
+    void SelectFile(int file, bool fromBehind);
+    void TellEnd(int step);
+    void TellRound(int step);
+    bool GoToNextFolder(int step);
 
     // --- Reading ahead (frmControl_ahead.cpp) ---
     bool IsInMotion() const;
@@ -199,6 +215,10 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     BarPlace place_;
     BarTexts texts_;
     Player player_;
+    Neighbours neighbours_{[this](std::vector<ListedFile>& files, int opened) {
+        return TakeNeighbours(files, opened);
+    }};
+    bool entersAtEnd_ = false;  // the archive that is selected, which opens with its last picture
     bool formLoaded_ = false;
     bool unloading_ = false;
     uint32_t memberPages_ = 0;  // that the selected member has; 0: none

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "app/settings/modValue.h"
 #include "picture/ahead/ahead_rules.h"
 #include "picture/ahead/pictures_ahead.h"
 #include "picture/read/source_file.h"
@@ -29,22 +30,28 @@ class Walk {
     // The next entry that may be a picture or an archive; nothing when the way has ended.
     std::optional<AheadEntry> Next() {
         if (member_ >= 0) {
-            member_ += step_;
-            if (member_ >= 0 && member_ < sequence_.Members().Count()) {
-                return EntryOfMember(sequence_, member_);
-            }
+            do {
+                member_ += step_;
+            } while (IsMember(member_) && !sequence_.Members().At(member_).isWanted);
+            if (IsMember(member_)) return EntryOfMember(sequence_, member_);
             member_ = -1;
         }
         for (int looks = 0; looks < kLongestLook && file_ >= 0; ++looks) {
             file_ += step_;
             if (file_ < 0 || file_ >= sequence_.Files().Count()) break;
-            const std::wstring& path = sequence_.Files().At(file_).path;
-            if (LookAtName(path).kind != kFileUnknown) return AheadEntry{path};
+            const ListedFile& file = sequence_.Files().At(file_);
+            const FileKind kind = file.isWanted ? LookAtName(file.path).kind : kFileUnknown;
+            if (kind == kFileUnknown) continue;
+            const bool atEnd =
+                kind == kFileArchive && step_ < 0 && Values().general.backToLast != 0;
+            return AheadEntry{.path = file.path, .atEnd = atEnd};
         }
         return std::nullopt;
     }
 
   private:
+    bool IsMember(int index) const { return index >= 0 && index < sequence_.Members().Count(); }
+
     const FileSequence& sequence_;
     int step_;
     int member_;  // -1: among the files

@@ -26,6 +26,9 @@ bool frmControl::IsKeyOfProgram(const MSG& key) const {
                    !(onButton || deletePanel_.IsListFocused());
         case VK_SPACE:
             return !onButton;
+        case VK_HOME:
+        case VK_END:
+            return GetFocus() == Handle() || GetFocus() == coolBar_.Handle();
         default:
             return true;
     }

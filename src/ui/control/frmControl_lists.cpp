@@ -4,6 +4,8 @@
 
 #include "app/base/error.h"
 #include "app/base/paths.h"
+#include "app/settings/modValue.h"
+#include "picture/read/arrangement.h"
 #include "picture/show/modShowPicture.h"
 #include "picture/show/picture_text.h"
 #include "picture/show/read_to_show.h"
@@ -14,7 +16,6 @@
 namespace tessary {
 namespace {
 
-constexpr size_t kLastFileIndex = 32000;  // the entry behind it is still taken
 constexpr size_t kFilesPerBreath = 100;
 constexpr size_t kAlwaysTold = 200;
 constexpr DWORD kBreathMilliseconds = 20;
@@ -93,7 +94,16 @@ void frmControl::EnableParts(HWND focused) {
 // --- Filling ---
 
 bool frmControl::SetFileList(std::span<const std::wstring> files) {
+    std::vector<ListedFile> listed;
+    listed.reserve(files.size());
+    for (const std::wstring& path : files)
+        listed.push_back({.path = path, .place = static_cast<uint32_t>(listed.size())});
+    return ShowList(listed, 0);
+}
+
+bool frmControl::ShowList(std::span<const ListedFile> files, size_t first) {
     if (busy_ > 0 || !Load(window_.Handle())) return false;
+    neighbours_.End();
     wishes_.ForgetMoves();
     shownPath_.clear();
     FillFileList(files);
@@ -104,21 +114,23 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
         return false;
     }
     SetVisible(true);
-    sequence_.Files().Select(0);
+    SelectFile(std::min(static_cast<int>(first), sequence_.Files().Count() - 1), first > 0);
     return true;
 }
 
-void frmControl::FillFileList(std::span<const std::wstring> files) {
+void frmControl::FillFileList(std::span<const ListedFile> files) {
     const Busy busy(*this, L"リストを更新しています");
     DisableParts();
     DoEvents();
     sequence_.Files().Clear();
     std::optional<RedrawHold> hold(std::in_place, listFileName_);
-    sequence_.Files().Expect(std::min(files.size(), kLastFileIndex + 2));
+    const bool isShort = Values().general.shortList != 0;
+    const size_t count = isShort ? std::min(files.size(), kShortListCount) : files.size();
+    sequence_.Files().Expect(count);
     const std::wstring total = std::to_wstring(static_cast<int64_t>(files.size()) - 1);
     DWORD lastBreath = 0;
-    for (size_t i = 0; i < files.size() && !CurrentActivity().quitRequested; ++i) {
-        if (!files[i].empty()) sequence_.Files().Add({files[i]});
+    for (size_t i = 0; i < count && !CurrentActivity().quitRequested; ++i) {
+        if (!files[i].path.empty()) sequence_.Files().Add(files[i]);
         // A long list counts faster than anybody reads, and telling would take longer than filling.
         if (i % kFilesPerBreath == 0 &&
             (i <= kAlwaysTold || GetTickCount() - lastBreath >= kBreathMilliseconds)) {
@@ -127,27 +139,27 @@ void frmControl::FillFileList(std::span<const std::wstring> files) {
             DoEvents();
             lastBreath = GetTickCount();
         }
-        if (i > kLastFileIndex) break;
     }
     hold.reset();
     ShowFoldedOrNot();  // the bar may have been folded meanwhile
     textFileInfo_.SetText({});
-    TellCut(files);
+    TellCut(count, files.size());
 }
 
 // Once, until the next list.
-void frmControl::TellCut(std::span<const std::wstring> files) {
+void frmControl::TellCut(size_t listed, size_t files) {
     if (window_.statusInformation().PanelText(kNoticePanel) == std::exchange(cutNotice_, {})) {
         window_.SetPanelText(kNoticePanel, {});
     }
-    if (files.size() <= kLastFileIndex + 2 || CurrentActivity().quitRequested) return;
-    cutNotice_ = std::to_wstring(kLastFileIndex + 2) + L" 個を超えたため、後の " +
-                 std::to_wstring(files.size() - kLastFileIndex - 2) + L" 個は一覧に入りません。";
+    if (listed == files || CurrentActivity().quitRequested) return;
+    cutNotice_ = std::to_wstring(listed) + L" 個を超えたため、後の " +
+                 std::to_wstring(files - listed) + L" 個は一覧に入りません。";
     window_.SetPanelText(kNoticePanel, cutNotice_);
 }
 
 void frmControl::ClearLists() {
     if (busy_ > 0) return;
+    neighbours_.End();
     sequence_.Files().Clear();
     sequence_.LeaveArchive();
     listArchiveFile_.SetEnabled(false);
@@ -244,6 +256,7 @@ ShownFile frmControl::Show(const std::wstring& name, const std::function<ShownFi
 
 void frmControl::ShowListedFile(const std::wstring& path) {
     const std::wstring name = FileNameOf(path);
+    const bool fromBehind = std::exchange(entersAtEnd_, false);
     ShownFile shown;
     {
         const Busy busy(*this, kReading);
@@ -271,12 +284,15 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         }
         if (shown.pages > 0) EnterPages(path, shown.pages);
     }
-    if (shown.pages > 0) {
+    if (shown.pages > 0 && fromBehind) {
+        return sequence_.Members().Select(sequence_.Members().Count() - 1);
+    } else if (shown.pages > 0) {
         // The first one is there.
     } else if (shown.kind != kFileArchive) {
         ShowNoArchive();
     } else if (sequence_.IsInArchive() && !CurrentActivity().quitRequested) {
-        return sequence_.Members().Select(0);
+        return sequence_.Members().Select(
+            static_cast<int>(OpeningMember(sequence_.Members().All(), fromBehind)));
     }
     window_.pictureView().Refresh();
     PlanAhead({path});

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/base/paths.h"
+#include "app/settings/modValue.h"
 #include "picture/ahead/pictures_ahead.h"
 #include "picture/read/source_file.h"
 #include "res/resource.h"
@@ -75,14 +76,19 @@ bool frmControl::MoveBy(int steps, bool inArchive) {
     wishes_.isMotion = false;
     travel_ = steps < 0 ? -1 : 1;
     Search search(*this);
-    const StepTarget target = sequence_.Find(steps, inArchive, search);
+    const int16_t atEnd = Values().general.atListEnd;
+    const StepTarget target = sequence_.Find(steps, inArchive, atEnd == kEndGoesRound, search);
     search.End();
     bool moved = target.isKnown;
     if (target.file) search.Hear();
     if (search.IsOverruled()) {
         moved = wishes_.file;
-    } else if (target.file) {
-        sequence_.Files().Select(*target.file);
+    } else if (target.file && (moved || atEnd == kEndListed)) {
+        SelectFile(*target.file, steps < 0);
+        if (moved && target.wentRound) TellRound(steps);
+    } else if (target.leavesArchive && !target.member) {
+        if (atEnd == kEndNextFolder) moved = GoToNextFolder(steps > 0 ? 1 : -1);
+        if (atEnd == kEndStays || atEnd == kEndGoesRound) TellEnd(steps);
     }
     if (!moved && target.member && !(target.leavesArchive && wishes_.Moves())) {
         sequence_.Members().Select(*target.member);
@@ -175,7 +181,7 @@ void frmControl::WishIsThere() {
 // Between two steps, and not from within the one that has just ended: wishes may go on for long.
 void frmControl::CarryOutWishes() {
     if (!wishes_.Any() || CurrentActivity().quitRequested || !formLoaded_) return wishesDue_.Stop();
-    if (!MayStep()) return;
+    if (!MayStep() || (wishes_.steps != 0 && neighbours_.AreComing())) return;
     wishesDue_.Stop();
     const Wishes wishes = std::exchange(wishes_, {});
     for (const std::wstring& path : wishes.marks)

@@ -2,13 +2,16 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/base/error.h"
 #include "app/base/message_box.h"
 #include "app/base/raised_flag.h"
 #include "app/settings/modValue.h"
+#include "picture/read/arrangement.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "ui/control/folder_scan.h"
@@ -20,6 +23,7 @@
 #include "ui/dialogs/start_folder.h"
 #include "ui/form/activity.h"
 #include "ui/form/busy_window.h"
+#include "ui/form/worker.h"
 
 namespace tessary {
 namespace {
@@ -34,7 +38,7 @@ std::wstring LastFolder() {
 }
 
 struct Collected {
-    std::vector<std::wstring> files;
+    std::vector<FoundFile> files;
     DWORD error = ERROR_SUCCESS;  // why the chosen folder could not be read
     NamedFiles named;
 };
@@ -71,6 +75,16 @@ Collected CollectFiles(const ScanRequest& request, HWND owner, BusyWindow& busy)
     return collected;
 }
 
+// On a thread: a long list takes a while.
+std::vector<ListedFile> InOrder(std::vector<FoundFile> files, frmMain& window) {
+    const auto arrangement = std::make_shared<const Arrangement>(ChosenArrangement());
+    const auto shared = std::make_shared<std::vector<FoundFile>>(std::move(files));
+    const frmMain::Reading reading(window, L"ファイル一覧を作成しています");
+    const auto arrange = [=] { return Arranged(std::move(*shared), *arrangement); };
+    return CallInBackground<std::vector<ListedFile>>(arrange, [] { return true; })
+        .value_or(std::vector<ListedFile>());
+}
+
 void ReportError(std::wstring_view procedure) {
     const RaisedError error = CurrentError();
     ReportUnexpectedError(error.Number(), error.Description(), procedure);
@@ -101,7 +115,10 @@ void OpenCommands::menuFileOpen_Click() {
         if (chosen.paths.empty() || window_.Handle() == nullptr) return;
         Values().general.openPath = chosen.folder;
         window_.ShowOpened(chosen.paths.size());
-        bar_.SetFileList(chosen.paths);
+        std::vector<FoundFile> files;
+        for (const std::wstring& path : chosen.paths)
+            files.push_back(NamedFileOf(path));
+        bar_.OpenFiles(Arranged(std::move(files), ChosenArrangement()), chosen.paths.size() == 1);
         if (chosen.paths.size() == 1) window_.TellFailure(bar_.Failure());
     } catch (...) {
         ReportError(L"frmMain - menuFileOpen_Click");
@@ -151,7 +168,7 @@ void OpenCommands::OpenFolder(const ScanRequest& request) {
         busy.SetCaption(L"ファイル一覧を作成しています");
         bar_.SetVisible(true);
         window_.ShowOpened(collected.files.size(), collected.named);
-        bar_.SetFileList(collected.files);
+        bar_.OpenFiles(InOrder(std::move(collected.files), window_), false);
     }
     if (collected.error != ERROR_SUCCESS) {
         ShowMessageBox(FolderErrorText(request.folder, collected.error), MB_ICONEXCLAMATION);

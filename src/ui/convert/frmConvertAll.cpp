@@ -51,12 +51,12 @@ ListedFiles FilesOf(const std::vector<std::wstring>& paths) {
             listed.files.push_back({path});
             continue;
         }
-        const DWORD error = ScanFolders({.folder = path, .subFolders = false, .extensions = {}},
-                                        [&](ScanNews&& news) {
-                                            for (std::wstring& file : news.files)
-                                                listed.files.push_back({std::move(file), path});
-                                            return true;
-                                        });
+        const DWORD error = ScanFolders(
+            {.folder = path, .subFolders = false, .extensions = {}}, [&](ScanNews&& news) {
+                for (FoundFile& file : news.files)
+                    listed.files.push_back({std::move(file.path), path});
+                return true;
+            });
         if (error != ERROR_SUCCESS) listed.failure = FolderErrorText(path, error);
     }
     return listed;

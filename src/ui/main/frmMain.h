@@ -219,13 +219,13 @@ class frmMain final : public Form, public PictureView {
     static constexpr UINT kOpenFilesMessage = WM_APP + 1;
     // Finds the files; may take long, and runs beside the user-interface thread.
     struct FoundFiles {
-        std::vector<std::wstring> files;
+        std::vector<ListedFile> files;
         NamedFiles named;
+        bool isOne = false;  // the user has named one file, and no folder
     };
-    using FileListing = std::function<FoundFiles()>;
     void AcceptDroppedFiles();
     void OpenCommandLine();
-    void OpenNow(FileListing listing);
+    void OpenNow(std::vector<std::wstring> paths);
 
     // --- The full screen and the stepping keys (frmMain_full_screen.cpp) ---
     void RegisterFullScreenCommands();
@@ -300,7 +300,7 @@ class frmMain final : public Form, public PictureView {
     std::function<void()> pictureDragged_;
     std::optional<POINT> pressedAt_;  // where the picture may be dragged away from
     std::function<bool()> refusesToClose_;
-    FileListing filesToOpen_;
+    std::vector<std::wstring> filesToOpen_;
     std::wstring openNotice_;  // what the last opening told in the status bar
     bool hasOpened_ = false;
     Accelerators accelerators_;

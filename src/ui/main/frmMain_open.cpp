@@ -1,8 +1,9 @@
 // What the main window is given to open: by the command line, by dropping.
 #include <utility>
 
+#include "app/base/command_line.h"
 #include "app/base/message_box.h"
-#include "app/base/paths.h"
+#include "picture/read/arrangement.h"
 #include "ui/form/activity.h"
 #include "ui/form/worker.h"
 #include "ui/main/frmMain.h"
@@ -28,29 +29,29 @@ void frmMain::AcceptDroppedFiles() {
 // The first picture is shown when the window already stands on the screen.
 void frmMain::OpenCommandLine() {
     if (services_.commandLine.empty()) return;
-    filesToOpen_ = [names = services_.commandLine] {
-        FoundFiles found;
-        found.named = AppendNamedFiles(names, found.files);
-        return found;
-    };
-    PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
+    OpenLater(services_.commandLine);
 }
 
 void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
-    filesToOpen_ = [paths] {
-        FoundFiles found;
-        found.files = WithFoldersExpanded(paths, &found.named.whole);
-        return found;
-    };
+    filesToOpen_ = paths;
     PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
 }
 
-void frmMain::OpenNow(FileListing listing) {
-    if (controlBar_ == nullptr || !listing || IsReadUnderWay()) return;
+void frmMain::OpenNow(std::vector<std::wstring> paths) {
+    if (controlBar_ == nullptr || paths.empty() || IsReadUnderWay()) return;
     std::optional<FoundFiles> found;
     {
         const Reading reading(*this, L"ファイルを探しています");
-        found = CallInBackground<FoundFiles>(std::move(listing), [this] {
+        const auto arrangement = std::make_shared<const Arrangement>(ChosenArrangement());
+        const auto list = [paths = std::move(paths), arrangement] {
+            FoundFiles result;
+            std::vector<FoundFile> files;
+            result.named = AppendNamedFiles(paths, files);
+            result.isOne = paths.size() == 1 && files.size() == 1 && files.front().isNamed;
+            result.files = Arranged(std::move(files), *arrangement);
+            return result;
+        };
+        found = CallInBackground<FoundFiles>(list, [this] {
             TellProgress(0, 0);
             return Breathe();
         });
@@ -59,8 +60,9 @@ void frmMain::OpenNow(FileListing listing) {
     if (!found || CurrentActivity().quitRequested) return;
     ShowOpened(found->files.size(), found->named);
     if (found->files.empty()) return;
-    controlBar_->SetFileList(found->files);
-    if (found->files.size() == 1) TellFailure(controlBar_->Failure());
+    const bool isOne = found->isOne;
+    controlBar_->OpenFiles(std::move(found->files), isOne);
+    if (isOne) TellFailure(controlBar_->Failure());
 }
 
 void frmMain::TellFailure(const std::wstring& failure) const {

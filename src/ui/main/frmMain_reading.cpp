@@ -72,7 +72,7 @@ frmMain::Reading::~Reading() {
     window_.silence_.Hide();
     const std::optional<std::wstring> covered = std::exchange(state.covered, {});
     if (covered) window_.SetPanelText(kNoticePanel, *covered);
-    if (window_.filesToOpen_) PostMessageW(window_.Handle(), kOpenFilesMessage, 0, 0);
+    if (!window_.filesToOpen_.empty()) PostMessageW(window_.Handle(), kOpenFilesMessage, 0, 0);
 }
 
 // While the window is disabled the system passes no command keys on to it.
@@ -139,12 +139,12 @@ CallWish frmMain::AskAboutSilence(const WaitedCall& call) {
 }
 
 Urge frmMain::UrgeForElse() const {
-    if (filesToOpen_) return Urge::kStrong;
+    if (!filesToOpen_.empty()) return Urge::kStrong;
     return controlBar_ == nullptr ? Urge::kNone : controlBar_->UrgeForElse();
 }
 
 bool frmMain::AwaitsFile() const {
-    return !filesToOpen_ && (controlBar_ == nullptr || controlBar_->AwaitsFile());
+    return filesToOpen_.empty() && (controlBar_ == nullptr || controlBar_->AwaitsFile());
 }
 
 // A notice that comes while the panel has news of a read waits for its end.

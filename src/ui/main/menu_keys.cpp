@@ -16,6 +16,8 @@ std::wstring KeyName(UINT key) {
     // As they stand on keyboards; the system's names are those of the number pad's.
     if (key == VK_RETURN) return L"Enter";
     if (key == VK_DELETE) return L"Delete";
+    if (key == VK_HOME) return L"Home";
+    if (key == VK_END) return L"End";
     if (key == VK_ADD) return L"+";
     if (key == VK_SUBTRACT) return L"-";
     wchar_t name[40]{};

@@ -46,7 +46,7 @@ void frmOption::Dialog_Load() {
     pages_.Attach(Handle(), optionPages);
     SendMessageW(pages_.Handle(), TVM_SETITEMHEIGHT,
                  static_cast<WPARAM>(Metrics(Handle()).Scale(kRowHeight)), 0);
-    for (int heading = optionPage_0; heading <= optionPage_3; ++heading)
+    for (int heading = optionPage_0; heading <= optionPage_4; ++heading)
         pages_.Add(nullptr, {.text = TextOf(GetDlgItem(Handle(), heading))});
     pages_.OnSelect([this](TreeView::Node chosen) {
         int page = 0;
@@ -87,7 +87,7 @@ void frmOption::ShowPage(int page) {
          control = GetWindow(control, GW_HWNDNEXT)) {
         const int id = GetDlgCtrlID(control);
         if (id == IDOK) break;
-        if (id >= optionPage_0 && id <= optionPage_3) shown = id - optionPage_0;
+        if (id >= optionPage_0 && id <= optionPage_4) shown = id - optionPage_0;
         if (shown < 0) continue;
         EnableWindow(control, shown == page);
         ShowWindow(control, shown == page ? SW_SHOWNA : SW_HIDE);

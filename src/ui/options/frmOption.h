@@ -10,6 +10,7 @@
 #include "ui/options/convert_page.h"
 #include "ui/options/display_page.h"
 #include "ui/options/format_page.h"
+#include "ui/options/list_page.h"
 #include "ui/options/option_values.h"
 #include "ui/options/plugin_page.h"
 
@@ -18,7 +19,8 @@ namespace tessary {
 constexpr int kPluginPage = 0;
 constexpr int kConvertPage = 1;
 constexpr int kDisplayPage = 2;
-constexpr int kFormatPage = 3;
+constexpr int kListPage = 3;
+constexpr int kFormatPage = 4;
 
 class frmOption final : private Dialog {
   public:
@@ -58,8 +60,10 @@ class frmOption final : private Dialog {
     PluginPage pluginPage_{options_, [this] { Changed(); }, [this] { PluginsChanged(); }};
     ConvertPage convertPage_{options_, [this] { Changed(); }};
     DisplayPage displayPage_{options_, [this] { Changed(); }};
+    ListPage listPage_{options_, [this] { Changed(); }};
     FormatPage formatPage_{options_, [this] { Changed(); }};
-    std::array<OptionPage*, 4> all_{&pluginPage_, &convertPage_, &displayPage_, &formatPage_};
+    std::array<OptionPage*, 5> all_{&pluginPage_, &convertPage_, &displayPage_, &listPage_,
+                                    &formatPage_};
 };
 
 }  // namespace tessary

@@ -94,6 +94,10 @@ void OptionCommands::Apply(const OptionValues& options, HWND owner) {
                former.holdBoxes != Values().general.holdBoxes) {
         window_.FollowSizeMode();
     }
+    if (former.listOrder != Values().general.listOrder ||
+        former.listDescending != Values().general.listDescending) {
+        window_.Commands().Run(commandOrder_0 + Values().general.listOrder);
+    }
     if (!DifferInPlugins(Values().general, former) && !SusieCollection().IsIncomplete()) return;
     const std::wstring missing = MissingFolders(Values().general, former);
     ReloadPlugins(owner);

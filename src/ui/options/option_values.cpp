@@ -16,9 +16,13 @@ void PutRight(GeneralSettings& general) {
          {&general.useSPI, &general.dynamicSPILoad, &general.spiExt, &general.reduceColor,
           &general.reduce256ModeOnly, &general.saveReducedPicture, &general.readAhead,
           &general.enlargeSmall, &general.holdBoxes, &general.keepZoom, &general.doubleClick,
-          &general.sizeButton}) {
+          &general.sizeButton, &general.listNeighbours, &general.listDescending,
+          &general.backToLast, &general.shortList}) {
         *flag = *flag == 1 ? 1 : 0;
     }
+    general.listOrder = std::clamp<int16_t>(general.listOrder, 0, kOrderCount - 1);
+    general.unclaimed = std::clamp(general.unclaimed, kUnclaimedListed, kUnclaimedHidden);
+    general.atListEnd = std::clamp(general.atListEnd, kEndListed, kEndNextFolder);
     general.readAheadMemory = std::clamp(general.readAheadMemory, 0, kMostReadAheadMemory);
     general.backdrop = std::clamp(general.backdrop, kBackdropSquares, kLastBackdrop);
     general.openFolderType = general.openFolderType != 0 ? 1 : 0;

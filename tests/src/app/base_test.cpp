@@ -96,7 +96,7 @@ TEST(PathsTest, ListsFilesByTheirNamesAndMarks) {
     EXPECT_EQ(FilesInFolder(folder.Path(), L"*.*").size(), 3U);
     EXPECT_EQ(FilesInFolder(folder.Path(), L"*.jpg"), std::vector{plain}) << "not short names";
     bool whole = true;
-    EXPECT_EQ(WithFoldersExpanded({folder.Path()}, &whole), std::vector{plain});
+    EXPECT_EQ(PlainFilesInFolder(folder.Path(), L"*", &whole), std::vector{plain});
     EXPECT_TRUE(PlainFilesInFolder(folder.Path(), L"*.none", &whole).empty());
     EXPECT_TRUE(whole);
     PlainFilesInFolder(folder.Path() + L"gone", L"*", &whole);
@@ -191,9 +191,9 @@ TEST_F(CommandLineTest, NamesAreWholeBeforeTheFolderIsLeft) {
     const Names names = CommandLineNames(L"b.jpg none.jpg", kPlatformNT);
     SetCurrentDirectoryW(former);
     EXPECT_EQ(names, (Names{plain_, folder_.Path() + L"none.jpg"}));
-    Names files;
+    std::vector<FoundFile> files;
     EXPECT_EQ(AppendNamedFiles(names, files).missing, 1);
-    EXPECT_EQ(files, Names{plain_});
+    EXPECT_EQ(PathsOf(files), Names{plain_});
 }
 
 }  // namespace

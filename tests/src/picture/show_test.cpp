@@ -8,7 +8,7 @@
 #include "app/base/paths.h"
 #include "picture/bitmap_file.h"
 #include "picture/current_picture.h"
-#include "picture/read/natural_order.h"
+#include "picture/read/arrangement.h"
 #include "picture/read/source_file.h"
 #include "picture/show/picture_text.h"
 #include "picture/view/picture_kernel.h"
@@ -279,7 +279,7 @@ TEST(NaturalOrderTest, FoldersAndNumbersComeAsPeopleLookForThem) {
     std::vector<ListedMember> members;
     for (const std::wstring& name : ordered)
         members.insert(members.begin(), {name, 1});
-    SortNaturally(members);
+    SortBy({}, members);
     for (size_t at = 0; at < ordered.size(); ++at)
         EXPECT_EQ(members[at].name, ordered[at]);
 }

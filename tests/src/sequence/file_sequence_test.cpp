@@ -84,7 +84,7 @@ TEST(FileSequenceTest, StepsGoThroughMembersAndKnownFiles) {
         sequence.Files().SetCursor(c.file);
         sequence.Members().SetCursor(c.member);
         NamedKinds kinds;
-        const StepTarget target = sequence.Find(c.steps, c.member != -2, kinds);
+        const StepTarget target = sequence.Find(c.steps, c.member != -2, false, kinds);
         EXPECT_EQ(std::tie(target.member, target.file, target.isKnown),
                   std::tie(c.toMember, c.toFile, c.isKnown))
             << c.file << ", " << c.member << " by " << c.steps;
@@ -92,7 +92,7 @@ TEST(FileSequenceTest, StepsGoThroughMembersAndKnownFiles) {
     NamedKinds impatient;
     impatient.patience = 1;
     sequence.Files().SetCursor(3);
-    EXPECT_EQ(sequence.Find(-1, false, impatient).file, kNone);
+    EXPECT_EQ(sequence.Find(-1, false, false, impatient).file, kNone);
     EXPECT_EQ(impatient.told, (std::vector<std::vector<int>>{{2, 0, 3}}));
     sequence.LeaveArchive();
     EXPECT_TRUE(sequence.Members().IsEmpty());

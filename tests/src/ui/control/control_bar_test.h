@@ -28,8 +28,6 @@ inline List Items(const ListBox& list) {
 
 class ControlBarTest : public MainWindowTest {
   protected:
-    static void SetUpTestSuite() { LoadHelperLibraries(); }
-
     void SetUp() override {
         Values().general.useSPI = 1;
         SusieCollection().AddSPI(TestPluginPath(L"iftst.spi"));

@@ -64,10 +64,10 @@ TEST_F(OpenTest, WalksLevelByLevelAndListsNothingTwice) {
         FolderScan running({folder_.Path(), subFolders, extensions});
         while (!running.HasEnded())
             running.Wait(1000);
-        Texts files;
+        std::vector<FoundFile> files;
         running.Take(files);
         EXPECT_EQ(running.Error(), 0U);
-        return files;
+        return PathsOf(files);
     };
     // Within one folder the order is the system's.
     Texts all = scan(true, L"");
@@ -110,7 +110,7 @@ TEST_F(OpenTest, StoppedScanEndsAtOnceAndKeepsWhatItHas) {
     FolderScan scan({many, false, {}});
     scan.Stop();
     EXPECT_TRUE(scan.HasEnded());
-    Texts files;
+    std::vector<FoundFile> files;
     scan.Take(files);
     EXPECT_LT(files.size(), kFiles);
     EXPECT_EQ(files.size() % kScanStep, 0U);
@@ -186,7 +186,7 @@ TEST_F(OpenTest, FilesOfTheDialogBecomeTheList) {
     EXPECT_EQ(asked.initDir, LR"(C:\絵\)");
     EXPECT_EQ(Values().general.openPath, LR"(D:\)");
     EXPECT_EQ(controlBar_.lists,
-              (std::vector<Texts>{{LR"(C:\絵\一枚.bmp)"}, {LR"(D:\b.bmp)", LR"(C:\a b.jpg)"}}));
+              (std::vector<Texts>{{LR"(C:\絵\一枚.bmp)"}, {LR"(C:\a b.jpg)", LR"(D:\b.bmp)"}}));
 }
 
 }  // namespace

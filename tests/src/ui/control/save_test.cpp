@@ -47,8 +47,6 @@ TEST(SaveNameTest, TheExtensionIsTheChosenFormats) {
 
 class SaveTest : public MainWindowTest {
   protected:
-    SaveTest() { LoadHelperLibraries(); }
-
     void SetUp() override {
         Load();
         ShowPicture(20, 10);
@@ -209,7 +207,6 @@ TEST_F(SaveTest, LongSaveIsStoppedAndTheOldFileStays) {
 
 class TurnFileTest : public MainWindowTest {
   protected:
-    TurnFileTest() { LoadHelperLibraries(); }
     void SetUp() override { Load(); }
 
     // Shows a picture and has the file be of it.

@@ -94,8 +94,6 @@ class OtherProgram final : private Window {
 
 class ClipboardTest : public test::MainWindowTest {
   protected:
-    ClipboardTest() { test::LoadHelperLibraries(); }
-
     void SetUp() override {
         Load();
         EmptyTheClipboard();

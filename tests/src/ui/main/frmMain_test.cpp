@@ -77,7 +77,7 @@ TEST_F(OpenFilesTest, TakesDroppedFilesAndFoldersWhereItCanServeThem) {
         EXPECT_EQ(controlBar_.lists.size(), 1u);  // not before the end of the load
     }
     DoEvents();
-    EXPECT_EQ(controlBar_.lists, (std::vector<List>{{second, first}, {inFolder}}));
+    EXPECT_EQ(controlBar_.lists, (std::vector<List>{{first, second}, {inFolder}}));
     // A box tells of one file opened by hand, and never of one among others.
     controlBar_.failure = L"broken";
     window_.SetPanelText(kNoticePanel, L"起動のときの知らせ");

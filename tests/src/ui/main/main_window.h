@@ -8,6 +8,7 @@
 #include "res/resource.h"
 #include "tests/src/ui/main/recording_control_bar.h"
 #include "tests/src/ui/test_picture.h"
+#include "tests/support/helper_libraries.h"
 #include "tests/support/recorded_messages.h"
 #include "tests/support/redirected_settings.h"
 #include "ui/form/activity.h"
@@ -18,6 +19,15 @@ namespace tessary::test {
 
 class MainWindowTest : public testing::Test {
   protected:
+    // Lists are as they are given. What users have is tested in order_test.cpp.
+    MainWindowTest() {
+        LoadHelperLibraries();  // files are opened by what plug-ins tell of their names
+        Values().general.unclaimed = kUnclaimedListed;
+        Values().general.atListEnd = kEndListed;
+        Values().general.backToLast = 0;
+        Values().general.shortList = 1;
+    }
+
     // Loads the window with a client area that leaves the view exactly this size.
     void Load(int viewWidth = 320, int viewHeight = 240) {
         window_.SetControlBar(controlBar_);

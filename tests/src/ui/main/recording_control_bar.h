@@ -17,6 +17,13 @@ class RecordingControlBar final : public ControlBar {
         if (onSetFileList) onSetFileList();
         return !list.empty();
     }
+    bool OpenFiles(std::vector<ListedFile> files, bool isAlone) override {
+        alone = isAlone;
+        std::vector<std::wstring> paths;
+        for (const ListedFile& file : files)
+            paths.push_back(file.path);
+        return SetFileList(paths);
+    }
     std::wstring Failure() const override { return failure; }
     void ClearLists() override {}
     std::vector<std::wstring> FileList() const override { return files; }
@@ -36,6 +43,7 @@ class RecordingControlBar final : public ControlBar {
 
     // What it was asked.
     std::vector<std::vector<std::wstring>> lists;
+    bool alone = false;
     std::vector<int> pressed;
     std::vector<int> wishes;
     std::wstring info = L"a file";

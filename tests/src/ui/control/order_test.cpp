@@ -1,0 +1,141 @@
+// The list as a whole: its order, the neighbours of a file that is opened alone, and its ends.
+#include <algorithm>
+
+#include "app/base/paths.h"
+#include "tests/src/ui/control/control_bar_test.h"
+
+namespace tessary::test {
+namespace {
+
+class OrderTest : public ControlBarTest {
+  protected:
+    // What users have.
+    OrderTest() {
+        const GeneralSettings usual;
+        Values().general.unclaimed = usual.unclaimed;
+        Values().general.atListEnd = usual.atListEnd;
+        Values().general.backToLast = usual.backToLast;
+    }
+
+    List Names() const {
+        List names = Items(bar_.listFileName());
+        for (std::wstring& name : names)
+            name = FileNameOf(name);
+        return names;
+    }
+    std::wstring Shown() const { return FileNameOf(bar_.listFileName().Item(Selected())); }
+};
+
+TEST_F(OrderTest, AFileOpenedAloneBringsItsNeighboursAlong) {
+    folder_.Write(L"p10.bmp", BitmapFileOf(8, 6, RGB(1, 2, 3)));
+    Archive(L"p9.tsa");
+    folder_.Write(L"p.txt");
+    const std::wstring hidden = Bitmap(L"hidden.bmp");
+    SetFileAttributesW(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN);
+    std::wstring opened = Bitmap(L"P1.bmp");
+    opened.back() = L'P';  // as the user spells it
+    window_.Show();
+    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, true));
+    EXPECT_EQ(Names(), (List{L"P1.bmP"})) << "the picture comes first";
+    bar_.CoolBar_ButtonClick(BarButton::kStepForward);
+    EXPECT_TRUE(RunUntil([&] { return Shown() == L"p9.tsa"; })) << "the step waits for them";
+    EXPECT_EQ(Names(), (List{L"P1.bmP", L"p9.tsa", L"p10.bmp"}));
+    EXPECT_EQ(Items(bar_.listArchiveFile()), (List{L"b9.tst", L"b10.tst"}));
+
+    // Opened otherwise, a file that nobody would list is among its neighbours.
+    ASSERT_TRUE(bar_.OpenFiles({{.path = hidden}}, true));
+    EXPECT_TRUE(RunUntil([&] { return Names().size() == 4; }));
+    EXPECT_EQ(Shown(), L"hidden.bmp");
+    // Another list is not disturbed.
+    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, true));
+    ASSERT_TRUE(bar_.SetFileList(List{hidden}));
+    Values().general.listNeighbours = 0;
+    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, true));
+    EXPECT_FALSE(RunUntil([&] { return Names().size() > 1; }, 300));
+}
+
+TEST_F(OrderTest, TheOrderChangesUnderWhatIsShown) {
+    const List files{Archive(L"a.tsa"), Bitmap(L"b10.bmp", 90), Bitmap(L"b9.bmp", 9),
+                     Bitmap(L"c.BMP", 40)};
+    ASSERT_TRUE(bar_.OpenFiles({{.path = files[0], .size = 5, .time = 1, .place = 3},
+                                {.path = files[1], .size = 9, .time = 3, .place = 2},
+                                {.path = files[2], .size = 1, .time = 4, .place = 0},
+                                {.path = files[3], .size = 7, .time = 2, .place = 1}},
+                               false));
+    bar_.ListIndexForwardOne();
+    EXPECT_EQ(CurrentPicture().Width(), 10) << "the archive's second";
+    for (const auto& [command, names] : {
+             std::pair{commandOrder_0, List{L"a.tsa", L"b9.bmp", L"b10.bmp", L"c.BMP"}},
+             {commandOrder_1, {L"b9.bmp", L"c.BMP", L"b10.bmp", L"a.tsa"}},
+             {commandOrder_2, {L"a.tsa", L"c.BMP", L"b10.bmp", L"b9.bmp"}},
+             {commandOrderDescending, {L"b9.bmp", L"b10.bmp", L"c.BMP", L"a.tsa"}},
+             {commandOrder_3, {L"b10.bmp", L"c.BMP", L"a.tsa", L"b9.bmp"}},
+             {commandOrder_4, {L"a.tsa", L"c.BMP", L"b10.bmp", L"b9.bmp"}},
+         }) {
+        window_.Commands().Run(command);
+        EXPECT_EQ(Names(), names) << command;
+        EXPECT_EQ(Shown(), L"a.tsa");
+        EXPECT_EQ(bar_.listArchiveFile().Item(bar_.listArchiveFile().Selected()), L"b10.tst");
+    }
+    EXPECT_EQ(Items(bar_.listArchiveFile()), (List{L"b10.tst", L"b9.tst"})) << "and its members";
+    window_.Commands().Run(commandOrder_5);
+    EXPECT_EQ(Names().size(), 4U);
+}
+
+TEST_F(OrderTest, BackIsTheMirrorImageOfForth) {
+    ASSERT_TRUE(bar_.SetFileList(
+        List{Bitmap(L"1.bmp"), Archive(L"2.tsa"), Archive(L"3.tsa"), Bitmap(L"4.bmp")}));
+    List forth{Info()};
+    while (bar_.ListIndexForwardOne())
+        forth.push_back(Info());
+    EXPECT_EQ(forth.size(), 6U);
+    EXPECT_EQ(Note(), L"最後のファイルです。");
+    List back{Info()};
+    while (bar_.ListIndexBackOne())
+        back.push_back(Info());
+    std::ranges::reverse(back);
+    EXPECT_EQ(back, forth);
+    EXPECT_EQ(Note(), L"最初のファイルです。");
+    EXPECT_EQ(Selected(), 0);
+
+    // To the ends, first of the archive.
+    Click(bar_.listFileName(), 2);
+    for (const auto& [command, info] : {std::pair{commandLastFile, forth[4]},
+                                        {commandLastFile, forth[5]},
+                                        {commandFirstFile, forth[0]},
+                                        {commandFirstFile, forth[0]}}) {
+        window_.Commands().Run(command);
+        EXPECT_EQ(Info(), info);
+    }
+    Values().general.atListEnd = kEndGoesRound;
+    EXPECT_TRUE(bar_.ListIndexBackOne());
+    EXPECT_EQ(Shown(), L"4.bmp");
+    EXPECT_TRUE(bar_.ListIndexForwardOne());
+    EXPECT_EQ(Shown(), L"1.bmp");
+    EXPECT_EQ(Note(), L"最初のファイルに戻りました。");
+    ASSERT_TRUE(bar_.SetFileList(List{Bitmap(L"1.bmp")}));
+    EXPECT_FALSE(bar_.ListIndexForwardOne()) << "it is the only one";
+}
+
+TEST_F(OrderTest, BeyondTheEndLiesTheNextFolderInWhichSomethingIsToBeSeen) {
+    Values().general.atListEnd = kEndNextFolder;
+    for (const wchar_t* const name : {LR"(v1\a.bmp)", LR"(v9\b.bmp)", LR"(v9\c.bmp)",
+                                      LR"(v10\d.bmp)", LR"(v9 notes\readme.txt)"})
+        Bitmap(name);
+    ASSERT_TRUE(bar_.SetFileList(List{folder_.Path() + LR"(v1\a.bmp)"}));
+    for (const auto& [isForth, shown] : {std::pair{true, L"b.bmp"},
+                                         {true, L"c.bmp"},
+                                         {true, L"d.bmp"},
+                                         {false, L"c.bmp"},
+                                         {false, L"b.bmp"},
+                                         {false, L"a.bmp"}}) {
+        EXPECT_TRUE(isForth ? bar_.ListIndexForwardOne() : bar_.ListIndexBackOne());
+        EXPECT_EQ(Shown(), shown);
+    }
+    EXPECT_FALSE(bar_.ListIndexBackOne());
+    EXPECT_EQ(Note(), L"前のフォルダはありません。");
+    EXPECT_EQ(Shown(), L"a.bmp");
+}
+
+}  // namespace
+}  // namespace tessary::test
