@@ -92,6 +92,10 @@ class EntryList {
         SetCursor(cursor);
     }
 
+    // Takes what else is known of the entries, which are the same.
+    void Refresh(std::vector<Entry> entries) { entries_ = std::move(entries); }
+    void Update(int index, Entry entry) { entries_[static_cast<size_t>(index)] = std::move(entry); }
+
     void Clear() {
         entries_.clear();
         cursor_ = -1;

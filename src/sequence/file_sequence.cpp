@@ -12,9 +12,24 @@
 namespace tessary {
 
 void FileSequence::Clear() {
-    files_.Clear();
+    ClearFiles();
     LeaveArchive();
     marks_.Clear();
+}
+
+void FileSequence::ClearFiles() {
+    files_.Clear();
+    dropped_.clear();
+}
+
+void FileSequence::FileWritten(const std::wstring& path) {
+    const int index = files_.IndexOf(path);
+    if (index < 0) return;
+    ListedFile file = files_.At(index);
+    const FoundFile written = NamedFileOf(path);
+    file.size = written.size;
+    file.time = written.time;
+    files_.Update(index, std::move(file));
 }
 
 void FileSequence::SetMembers(std::span<const ListedMember> members) {
@@ -142,6 +157,31 @@ void FileSequence::PutAllBack() {
     for (const DeletionMark& mark : marks_.All())
         Append(mark.path);
     marks_.Clear();
+}
+
+void FileSequence::DropMarks() {
+    for (const DeletionMark& mark : marks_.All())
+        dropped_.insert(mark.path);
+    marks_.Clear();
+}
+
+void FileSequence::LeaveOut(std::vector<ListedFile>& files) const {
+    if (dropped_.empty() && marks_.IsEmpty()) return;
+    std::unordered_set<std::wstring> out = dropped_;
+    for (const DeletionMark& mark : marks_.All())
+        out.insert(mark.path);
+    std::erase_if(files, [&](const ListedFile& file) { return out.contains(file.path); });
+}
+
+std::vector<ListedFile>::iterator FileSequence::RenamedAmong(std::vector<ListedFile>& files) const {
+    if (files_.Cursor() < 0) return files.end();
+    const ListedFile& former = files_.At(files_.Cursor());
+    std::unordered_set<std::wstring_view> known;
+    for (const ListedFile& file : files_.All())
+        known.insert(file.path);
+    return std::ranges::find_if(files, [&](const ListedFile& file) {
+        return file.size == former.size && file.time == former.time && !known.contains(file.path);
+    });
 }
 
 std::optional<int> FileSequence::RemoveDeleted(const std::vector<std::wstring>& deleted) {

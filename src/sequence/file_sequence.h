@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "app/base/entry_order.h"
@@ -55,8 +56,11 @@ class FileSequence {
     DeletionMarks& Marks() { return marks_; }
     const DeletionMarks& Marks() const { return marks_; }
 
-    // Forgets all of it.
+    // Forgets all of it; and the files, for a list of others.
     void Clear();
+    void ClearFiles();
+    // A file was written by this program: what is known of it is as it is now.
+    void FileWritten(const std::wstring& path);
 
     // --- The archive ---
     // Takes the members that an archive has, in the order in which they are listed.
@@ -88,6 +92,14 @@ class FileSequence {
     // Moves a mark to the end of the files; and all of them.
     void PutBack(const std::wstring& path);
     void PutAllBack();
+    // Forgets the marks; their files are not listed again for whatever becomes of their folder.
+    void DropMarks();
+    // Takes out of the files of a folder what is marked, or was dropped.
+    void LeaveOut(std::vector<ListedFile>& files) const;
+    // The one of these files, in place of all that are listed, that the selected one has become: it
+    // was not listed, and has the size and the time that the selected one had. The end: none.
+    std::vector<ListedFile>::iterator RenamedAmong(std::vector<ListedFile>& files) const;
+
     // Takes out what leads to deleted files, in whatever spelling. Answers the place of the
     // selected file when it is among them.
     std::optional<int> RemoveDeleted(const std::vector<std::wstring>& deleted);
@@ -103,6 +115,7 @@ class FileSequence {
     DeletionMarks marks_;
     std::wstring archive_;
     bool hasPages_ = false;
+    std::unordered_set<std::wstring> dropped_;  // paths
 };
 
 }  // namespace tessary

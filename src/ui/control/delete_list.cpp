@@ -43,7 +43,7 @@ void DeleteList::AskToPutAllBack() {
 }
 
 void DeleteList::DropAll() {
-    sequence_.Marks().Clear();
+    sequence_.DropMarks();
     PutAllBack();
 }
 

@@ -49,22 +49,21 @@ frmControl::frmControl(frmMain& window)
              [this] {
                  if (burst_ != nullptr) burst_->ShowLists();
              }),
-      player_(
-          {.back = [this] { return ListIndexBackOne(); },
-           .forward = [this] { return ListIndexForwardOne(); },
-           .atEnd = [this] { EndMotion(); },
-           .mayStep = [this] { return !wishes_.Any() && MayStep() && !neighbours_.AreComing(); },
-           .isSeen =
-               [this] {
-                   // Behind a dialog the show stands still.
-                   const HWND main = window_.Handle();
-                   return IsWindowVisible(main) && IsWindowEnabled(main) && !IsIconic(main);
-               },
-           .inBurst =
-               [this](const std::function<void()>& steps) {
-                   const Burst burst(*this);
-                   steps();
-               }}),
+      player_({.back = [this] { return ListIndexBackOne(); },
+               .forward = [this] { return ListIndexForwardOne(); },
+               .atEnd = [this] { EndMotion(); },
+               .mayStep = [this] { return !wishes_.Any() && MayStep() && !follower_.AreComing(); },
+               .isSeen =
+                   [this] {
+                       // Behind a dialog the show stands still.
+                       const HWND main = window_.Handle();
+                       return IsWindowVisible(main) && IsWindowEnabled(main) && !IsIconic(main);
+                   },
+               .inBurst =
+                   [this](const std::function<void()>& steps) {
+                       const Burst burst(*this);
+                       steps();
+                   }}),
       accelerators_(
           acceleratorsMainWindow, [&window] { return window.Handle(); },
           [this](const MSG& key) { return IsKeyOfProgram(key); }),
@@ -179,7 +178,7 @@ void frmControl::Form_QueryUnload(bool& cancel) {
 void frmControl::Form_Unload() {
     player_.Stop();
     wishesDue_.Stop();
-    neighbours_.End();
+    follower_.End();
     wishes_ = {};
     SavePlace();
     sequence_.Clear();

@@ -17,8 +17,8 @@
 #include "ui/control/bar_texts.h"
 #include "ui/control/delete_list.h"
 #include "ui/control/delete_panel.h"
+#include "ui/control/folder_follower.h"
 #include "ui/control/list_box_mirror.h"
-#include "ui/control/neighbours.h"
 #include "ui/control/player.h"
 #include "ui/control/toolbar_images.h"
 #include "ui/control/wishes.h"
@@ -51,7 +51,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     // to 32001 where the user wants it so (`ShortList`). False also while another list is being
     // filled or a picture loaded.
     bool SetFileList(std::span<const std::wstring> files) override;
-    bool OpenFiles(std::vector<ListedFile> files, bool alone) override;
+    bool OpenFiles(std::vector<ListedFile> files, ListSource source) override;
 
     // Selects the entry before or behind: of the archive's members first, then of the files,
     // leaving out those of unknown kind. False when the selection has not moved there.
@@ -68,7 +68,10 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     std::wstring Failure() const override;
     void PictureReplaced(const std::wstring& info) override;
     void PictureIsDamaged() override;
-    void FileSaved(const std::wstring& path) override { deleteList_.FileSaved(path); }
+    void FileSaved(const std::wstring& path) override {
+        sequence_.FileWritten(path);
+        deleteList_.FileSaved(path);
+    }
     std::optional<ShownMember> MemberOf(const PictureSource& source) const override;
     bool ShowAnew(const std::wstring& path) override;
     void ClearLists() override;
@@ -162,7 +165,9 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void ChooseOrder(int16_t by);
     void Reorder();
     AheadEntry ShownEntry() const;
-    bool TakeNeighbours(std::vector<ListedFile>& files, int opened);
+    bool TakeFolder(std::vector<ListedFile>& files, int opened);
+    void ReplaceFiles(std::vector<ListedFile> files, int opened);
+    void ShowRenamed(int file);
     void GoToEnd(bool isLast);
     void SelectFile(int file, bool fromBehind);
     void TellEnd(int step);
@@ -215,9 +220,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     BarPlace place_;
     BarTexts texts_;
     Player player_;
-    Neighbours neighbours_{[this](std::vector<ListedFile>& files, int opened) {
-        return TakeNeighbours(files, opened);
-    }};
+    FolderFollower follower_{
+        [this](std::vector<ListedFile>& files, int opened) { return TakeFolder(files, opened); }};
     bool entersAtEnd_ = false;  // the archive that is selected, which opens with its last picture
     bool formLoaded_ = false;
     bool unloading_ = false;

@@ -103,7 +103,7 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
 
 bool frmControl::ShowList(std::span<const ListedFile> files, size_t first) {
     if (busy_ > 0 || !Load(window_.Handle())) return false;
-    neighbours_.End();
+    follower_.End();
     wishes_.ForgetMoves();
     shownPath_.clear();
     FillFileList(files);
@@ -122,7 +122,7 @@ void frmControl::FillFileList(std::span<const ListedFile> files) {
     const Busy busy(*this, L"リストを更新しています");
     DisableParts();
     DoEvents();
-    sequence_.Files().Clear();
+    sequence_.ClearFiles();
     std::optional<RedrawHold> hold(std::in_place, listFileName_);
     const bool isShort = Values().general.shortList != 0;
     const size_t count = isShort ? std::min(files.size(), kShortListCount) : files.size();
@@ -159,8 +159,8 @@ void frmControl::TellCut(size_t listed, size_t files) {
 
 void frmControl::ClearLists() {
     if (busy_ > 0) return;
-    neighbours_.End();
-    sequence_.Files().Clear();
+    follower_.End();
+    sequence_.ClearFiles();
     sequence_.LeaveArchive();
     listArchiveFile_.SetEnabled(false);
 }

@@ -72,39 +72,72 @@ AheadEntry frmControl::ShownEntry() const {
     return member < 0 ? AheadEntry{shownPath_} : EntryOfMember(sequence_, member);
 }
 
-// --- Neighbours ---
+// --- The folder that the list is of ---
 
-bool frmControl::OpenFiles(std::vector<ListedFile> files, bool alone) {
-    const std::wstring path = alone && files.size() == 1 ? files.front().path : std::wstring();
+bool frmControl::OpenFiles(std::vector<ListedFile> files, ListSource source) {
     if (!ShowList(files, 0)) return false;
-    if (!path.empty() && Values().general.listNeighbours != 0) neighbours_.Begin(path);
+    const std::wstring& path = files.front().path;
+    if (source == ListSource::kOneFolder) follower_.Follow(FolderOf(path));
+    if (source == ListSource::kOneFile && Values().general.listNeighbours != 0) {
+        follower_.Bring(path);
+    }
     return true;
 }
 
 // The user may have gone on meanwhile, but for stepping: steps wait.
-bool frmControl::TakeNeighbours(std::vector<ListedFile>& files, int opened) {
+bool frmControl::TakeFolder(std::vector<ListedFile>& files, int opened) {
     if (IsReadUnderWay() || busy_ > 0) return false;
-    std::erase_if(files, [this](const ListedFile& file) {
-        return sequence_.Marks().IndexOf(file.path) >= 0;
-    });
-    const std::wstring path = sequence_.Files().Current();
-    const auto found = std::ranges::find(files, path, &ListedFile::path);
-    const bool isThere = found != files.end();
-    const auto place = static_cast<int>(found - files.begin());
+    sequence_.LeaveOut(files);
     const size_t count = files.size();
     if (Values().general.shortList != 0) files.resize(std::min(count, kShortListCount));
     TellCut(files.size(), count);
+    const int cursor = sequence_.Files().Cursor();
+    const ListedFile former = cursor < 0 ? ListedFile() : sequence_.Files().At(cursor);
+    if (std::ranges::equal(files, sequence_.Files().All(), {}, &ListedFile::path,
+                           &ListedFile::path)) {
+        sequence_.Files().Refresh(std::move(files));
+    } else {
+        ReplaceFiles(std::move(files), opened);
+    }
+    const int now = sequence_.Files().Cursor();
+    if (now < 0 || sequence_.Files().At(now).path != shownPath_ || opened >= 0) return true;
+    const ListedFile& shown = sequence_.Files().At(now);
+    const bool isSame = shown.size == former.size && shown.time == former.time;
+    if (shown.path == former.path && !isSame) window_.ShowAnew(std::wstring(shown.path));
+    return true;
+}
+
+// What is shown stays so while it is there, by whatever name; in place of what is gone comes the
+// file that stands there now.
+void frmControl::ReplaceFiles(std::vector<ListedFile> files, int opened) {
+    FileSequence::FileEntries& list = sequence_.Files();
+    const int cursor = list.Cursor();
+    const std::wstring path = list.Current();
+    auto found = std::ranges::find(files, path, &ListedFile::path);
+    const bool isGone = found == files.end();
+    if (isGone && path == shownPath_) found = sequence_.RenamedAmong(files);
+    const bool isThere = found != files.end();
+    const int place = isThere ? static_cast<int>(found - files.begin()) : -1;
     {
         const RedrawHold hold(listFileName_);
-        sequence_.Files().Assign(std::move(files), isThere ? place : -1);
+        const int top = listFileName_.Top();
+        list.Assign(std::move(files), place);
+        if (opened < 0) listFileName_.ScrollTo(top);
     }
     ShowFoldedOrNot();
-    if (isThere) {
-        PlanAhead(ShownEntry());
-    } else if (HasFiles()) {
-        sequence_.Files().Select(std::min(opened, sequence_.Files().Count() - 1));
-    }
-    return true;
+    if (isThere && isGone) return ShowRenamed(place);
+    if (isThere) return PlanAhead(ShownEntry());
+    if (list.IsEmpty()) return ShowEmptyList();
+    if (cursor >= 0 || opened >= 0)
+        list.Select(std::min(std::max(cursor, opened), list.Count() - 1));
+}
+
+// The same picture, of the file's new name.
+void frmControl::ShowRenamed(int file) {
+    const int member = sequence_.IsInArchive() ? sequence_.Members().Cursor() : -1;
+    if (member < 0) return window_.ShowAnew(sequence_.Files().Text(file));
+    sequence_.Files().Select(file);
+    if (member < sequence_.Members().Count()) sequence_.Members().Select(member);
 }
 
 // --- The ends ---
@@ -165,6 +198,7 @@ bool frmControl::GoToNextFolder(int step) {
     }
     const size_t last = found->files.size() - 1;
     if (!ShowList(found->files, step > 0 ? 0 : last)) return false;
+    follower_.Follow(found->folder);
     window_.ShowNote(L"フォルダ: " + FileNameOf(RemoveBackslash(found->folder)));
     return true;
 }

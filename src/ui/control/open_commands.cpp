@@ -118,7 +118,9 @@ void OpenCommands::menuFileOpen_Click() {
         std::vector<FoundFile> files;
         for (const std::wstring& path : chosen.paths)
             files.push_back(NamedFileOf(path));
-        bar_.OpenFiles(Arranged(std::move(files), ChosenArrangement()), chosen.paths.size() == 1);
+        const bool isOne = chosen.paths.size() == 1;
+        bar_.OpenFiles(Arranged(std::move(files), ChosenArrangement()),
+                       isOne ? ListSource::kOneFile : ListSource::kFiles);
         if (chosen.paths.size() == 1) window_.TellFailure(bar_.Failure());
     } catch (...) {
         ReportError(L"frmMain - menuFileOpen_Click");
@@ -168,7 +170,9 @@ void OpenCommands::OpenFolder(const ScanRequest& request) {
         busy.SetCaption(L"ファイル一覧を作成しています");
         bar_.SetVisible(true);
         window_.ShowOpened(collected.files.size(), collected.named);
-        bar_.OpenFiles(InOrder(std::move(collected.files), window_), false);
+        const bool isOne = !request.subFolders && request.extensions.empty();
+        bar_.OpenFiles(InOrder(std::move(collected.files), window_),
+                       isOne ? ListSource::kOneFolder : ListSource::kFiles);
     }
     if (collected.error != ERROR_SUCCESS) {
         ShowMessageBox(FolderErrorText(request.folder, collected.error), MB_ICONEXCLAMATION);

@@ -37,6 +37,10 @@ class ListBox final : public Control {
     // Moves the selection without a click; -1 takes it away.
     void MarkSelected(int index) { Send(LB_SETCURSEL, static_cast<WPARAM>(index)); }
 
+    // The first entry in sight; and scrolls there.
+    int Top() const { return static_cast<int>(Send(LB_GETTOPINDEX)); }
+    void ScrollTo(int index) { Send(LB_SETTOPINDEX, static_cast<WPARAM>(index)); }
+
     // Of a list of which several may be selected: all that are, in order; selects one, with the
     // focus on it, or all.
     std::vector<int> AllSelected() const;

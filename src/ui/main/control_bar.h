@@ -47,14 +47,18 @@ struct ShownMember {
     std::wstring name;
 };
 
+// What the user has opened.
+enum class ListSource { kFiles, kOneFile, kOneFolder };
+
 class ControlBar {
   public:
     // Replaces the list of files being viewed and shows the first; false when nothing was added.
     virtual bool SetFileList(std::span<const std::wstring> files) = 0;
 
-    // The same with files that are in order already. One that is opened `alone` brings those of its
-    // folder along, if the user wants it so; they come into the list behind it.
-    virtual bool OpenFiles(std::vector<ListedFile> files, bool alone) = 0;
+    // The same with files that are in order already. One that is opened alone brings those of its
+    // folder along, if the user wants it so; they come into the list behind it. A list of one
+    // folder follows what becomes of that.
+    virtual bool OpenFiles(std::vector<ListedFile> files, ListSource source) = 0;
 
     // Why the file that was shown last could not be shown, for a message box; empty when it could,
     // and during a show, which nothing may stop.

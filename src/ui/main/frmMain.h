@@ -221,7 +221,7 @@ class frmMain final : public Form, public PictureView {
     struct FoundFiles {
         std::vector<ListedFile> files;
         NamedFiles named;
-        bool isOne = false;  // the user has named one file, and no folder
+        ListSource source = ListSource::kFiles;
     };
     void AcceptDroppedFiles();
     void OpenCommandLine();

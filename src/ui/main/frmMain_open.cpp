@@ -47,7 +47,10 @@ void frmMain::OpenNow(std::vector<std::wstring> paths) {
             FoundFiles result;
             std::vector<FoundFile> files;
             result.named = AppendNamedFiles(paths, files);
-            result.isOne = paths.size() == 1 && files.size() == 1 && files.front().isNamed;
+            if (paths.size() == 1) {
+                const bool isNamed = files.size() == 1 && files.front().isNamed;
+                result.source = isNamed ? ListSource::kOneFile : ListSource::kOneFolder;
+            }
             result.files = Arranged(std::move(files), *arrangement);
             return result;
         };
@@ -60,9 +63,8 @@ void frmMain::OpenNow(std::vector<std::wstring> paths) {
     if (!found || CurrentActivity().quitRequested) return;
     ShowOpened(found->files.size(), found->named);
     if (found->files.empty()) return;
-    const bool isOne = found->isOne;
-    controlBar_->OpenFiles(std::move(found->files), isOne);
-    if (isOne) TellFailure(controlBar_->Failure());
+    controlBar_->OpenFiles(std::move(found->files), found->source);
+    if (found->source == ListSource::kOneFile) TellFailure(controlBar_->Failure());
 }
 
 void frmMain::TellFailure(const std::wstring& failure) const {

@@ -35,7 +35,7 @@ TEST_F(OrderTest, AFileOpenedAloneBringsItsNeighboursAlong) {
     std::wstring opened = Bitmap(L"P1.bmp");
     opened.back() = L'P';  // as the user spells it
     window_.Show();
-    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, true));
+    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, ListSource::kOneFile));
     EXPECT_EQ(Names(), (List{L"P1.bmP"})) << "the picture comes first";
     bar_.CoolBar_ButtonClick(BarButton::kStepForward);
     EXPECT_TRUE(RunUntil([&] { return Shown() == L"p9.tsa"; })) << "the step waits for them";
@@ -43,15 +43,40 @@ TEST_F(OrderTest, AFileOpenedAloneBringsItsNeighboursAlong) {
     EXPECT_EQ(Items(bar_.listArchiveFile()), (List{L"b9.tst", L"b10.tst"}));
 
     // Opened otherwise, a file that nobody would list is among its neighbours.
-    ASSERT_TRUE(bar_.OpenFiles({{.path = hidden}}, true));
+    ASSERT_TRUE(bar_.OpenFiles({{.path = hidden}}, ListSource::kOneFile));
     EXPECT_TRUE(RunUntil([&] { return Names().size() == 4; }));
     EXPECT_EQ(Shown(), L"hidden.bmp");
     // Another list is not disturbed.
-    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, true));
+    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, ListSource::kOneFile));
     ASSERT_TRUE(bar_.SetFileList(List{hidden}));
     Values().general.listNeighbours = 0;
-    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, true));
+    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, ListSource::kOneFile));
     EXPECT_FALSE(RunUntil([&] { return Names().size() > 1; }, 300));
+}
+
+TEST_F(OrderTest, TheListFollowsItsFolder) {
+    const List files{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp")};
+    window_.Show();
+    ASSERT_TRUE(bar_.OpenFiles({{.path = files[1]}}, ListSource::kOneFile));
+    EXPECT_TRUE(RunUntil([&] { return Names().size() == 3; }));
+    const auto becomes = [&](const List& names, const wchar_t* shown) {
+        return RunUntil([&] { return Names() == names && Shown() == shown; });
+    };
+    Bitmap(L"0.bmp");
+    folder_.Write(L"none.txt");
+    EXPECT_TRUE(becomes({L"0.bmp", L"1.bmp", L"2.bmp", L"3.bmp"}, L"2.bmp"));
+    // What is shown goes by its new name, and is shown anew when it is written anew.
+    MoveFileW(files[1].c_str(), (folder_.Path() + L"9.bmp").c_str());
+    EXPECT_TRUE(becomes({L"0.bmp", L"1.bmp", L"3.bmp", L"9.bmp"}, L"9.bmp"));
+    EXPECT_EQ(Info(), L"[画像] 9.bmp ( 8×6 24bit )");
+    Bitmap(L"9.bmp", 20);
+    EXPECT_TRUE(RunUntil([&] { return CurrentPicture() && CurrentPicture().Width() == 20; }));
+    // What was taken from the list does not come back.
+    Click(bar_.listFileName(), 0);
+    bar_.CoolBar_ButtonClick(BarButton::kDeleteList);
+    SendMessageW(PanelButton(L"リストから削除(&L)"), BM_CLICK, 0, 0);
+    DeleteFileW((folder_.Path() + L"1.bmp").c_str());
+    EXPECT_TRUE(becomes({L"3.bmp", L"9.bmp"}, L"3.bmp")) << "that stands in its place now";
 }
 
 TEST_F(OrderTest, TheOrderChangesUnderWhatIsShown) {
@@ -61,7 +86,7 @@ TEST_F(OrderTest, TheOrderChangesUnderWhatIsShown) {
                                 {.path = files[1], .size = 9, .time = 3, .place = 2},
                                 {.path = files[2], .size = 1, .time = 4, .place = 0},
                                 {.path = files[3], .size = 7, .time = 2, .place = 1}},
-                               false));
+                               ListSource::kFiles));
     bar_.ListIndexForwardOne();
     EXPECT_EQ(CurrentPicture().Width(), 10) << "the archive's second";
     for (const auto& [command, names] : {

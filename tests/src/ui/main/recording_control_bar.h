@@ -17,8 +17,8 @@ class RecordingControlBar final : public ControlBar {
         if (onSetFileList) onSetFileList();
         return !list.empty();
     }
-    bool OpenFiles(std::vector<ListedFile> files, bool isAlone) override {
-        alone = isAlone;
+    bool OpenFiles(std::vector<ListedFile> files, ListSource from) override {
+        source = from;
         std::vector<std::wstring> paths;
         for (const ListedFile& file : files)
             paths.push_back(file.path);
@@ -43,7 +43,7 @@ class RecordingControlBar final : public ControlBar {
 
     // What it was asked.
     std::vector<std::vector<std::wstring>> lists;
-    bool alone = false;
+    ListSource source = ListSource::kFiles;
     std::vector<int> pressed;
     std::vector<int> wishes;
     std::wstring info = L"a file";
