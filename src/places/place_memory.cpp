@@ -1,0 +1,189 @@
+#include "places/place_memory.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cwchar>
+#include <utility>
+
+#include "app/base/error.h"
+#include "app/base/handles.h"
+#include "app/base/shared_mutex.h"
+#include "app/base/text.h"
+#include "app/settings/settings_store.h"
+
+namespace tessary {
+namespace {
+
+// In these the key of an entry is its path or place, its text `when` or `when|place`: the number
+// orders them.
+constexpr wchar_t kRecent[] = L"Recent";
+constexpr wchar_t kBookmarks[] = L"Bookmarks";
+constexpr wchar_t kPlaces[] = L"Places";
+
+constexpr wchar_t kMemory[] = L"Memory";
+constexpr wchar_t kRemember[] = L"Remember";
+constexpr wchar_t kLastSeen[] = L"LastSeen";
+
+constexpr size_t kLongestKey = 16383;  // by the registry's own limits
+constexpr DWORD kLongestWait = 2000;   // milliseconds; a copy that hangs must not hold up this one
+
+// For its own life no other copy changes what is remembered: what one has switched off, another
+// that has just asked must not write.
+class Held {
+  public:
+    Held() : mutex_(SharedMutex(LR"(Global\Tessary_Viewer_memory)")) {
+        if (mutex_) WaitForSingleObject(mutex_.Get(), kLongestWait);
+    }
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+    ~Held() {
+        if (mutex_) ReleaseMutex(mutex_.Get());
+    }
+
+  private:
+    UniqueMutex mutex_;
+};
+
+struct Entry {
+    uint64_t when = 0;
+    std::wstring key;
+};
+
+uint64_t Now() {
+    FILETIME time{};
+    GetSystemTimeAsFileTime(&time);
+    return uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+}
+
+// Newest first. What is damaged counts as oldest.
+std::vector<Entry> EntriesOf(const wchar_t* section) {
+    std::vector<Entry> entries;
+    for (auto& [key, text] : Trapped(std::vector<std::pair<std::wstring, std::wstring>>(),
+                                     [&] { return SettingTexts(section); })) {
+        const uint64_t when = std::wcstoull(text.c_str(), nullptr, 10);
+        entries.push_back({when == UINT64_MAX ? 0 : when, std::move(key)});
+    }
+    std::ranges::stable_sort(entries, std::ranges::greater(), &Entry::when);
+    return entries;
+}
+
+// As the newest, whatever the clock says; those that are too many go.
+void Put(const wchar_t* section, const std::wstring& key, const std::wstring& text, size_t most) {
+    if (key.empty() || key.size() > kLongestKey) return;
+    Trapped([&] {
+        std::vector<Entry> entries = EntriesOf(section);
+        const uint64_t when = std::max(Now(), entries.empty() ? 0 : entries.front().when + 1);
+        SaveSetting(section, key, std::to_wstring(when) + text);
+        std::erase_if(entries, [&](const Entry& one) { return EqualsIgnoreCase(one.key, key); });
+        for (size_t i = most - 1; i < entries.size(); ++i)
+            DeleteSetting(section, entries[i].key);
+    });
+}
+
+void Drop(const wchar_t* section, const std::wstring& key) {
+    Trapped([&] { DeleteSetting(section, key); });
+}
+
+}  // namespace
+
+bool IsRemembering() {
+    return Trapped(false, [] { return GetSetting(kMemory, kRemember, L"1") != L"0"; });
+}
+
+void SetRemembering(bool on) {
+    const Held held;
+    Trapped([&] { SaveSetting(kMemory, kRemember, on ? L"1" : L"0"); });
+    if (!on) ForgetPlaces();
+}
+
+void ForgetPlaces() {
+    const Held held;
+    Trapped([] { DeleteSettingSection(kRecent); });
+    Trapped([] { DeleteSettingSection(kPlaces); });
+    Drop(kMemory, kLastSeen);
+}
+
+void ForgetBookmarks() {
+    Trapped([] { DeleteSettingSection(kBookmarks); });
+}
+
+// --- What was opened by hand ---
+
+std::vector<std::wstring> RecentPaths() {
+    std::vector<std::wstring> paths;
+    for (Entry& entry : EntriesOf(kRecent))
+        paths.push_back(std::move(entry.key));
+    return paths;
+}
+
+void AddRecent(const std::wstring& path) {
+    const Held held;
+    if (IsRemembering()) Put(kRecent, path, {}, kMostRecent);
+}
+
+void DropRecent(const std::wstring& path) {
+    Drop(kRecent, path);
+}
+
+// --- Bookmarks ---
+
+std::vector<Place> Bookmarks() {
+    std::vector<Place> places;
+    for (const Entry& entry : EntriesOf(kBookmarks))
+        places.push_back(PlaceOfText(entry.key));
+    std::erase_if(places, [](const Place& place) { return place.IsNone(); });
+    return places;
+}
+
+bool IsBookmark(const Place& place) {
+    return Trapped(false, [&] { return !GetSetting(kBookmarks, ToText(place)).empty(); });
+}
+
+bool AddBookmark(const Place& place) {
+    const Held held;
+    if (!IsRemembering() || Bookmarks().size() >= kMostBookmarks) return false;
+    Put(kBookmarks, ToText(place), {}, kMostBookmarks);
+    return true;
+}
+
+void DropBookmark(const Place& place) {
+    Drop(kBookmarks, ToText(place));
+}
+
+void DropBookmarksOf(const std::wstring& file) {
+    for (const Place& place : Bookmarks()) {
+        if (EqualsIgnoreCase(place.file, file)) DropBookmark(place);
+    }
+}
+
+// --- Where the user stopped ---
+
+Place StoppedAt(const std::wstring& container) {
+    const std::wstring text =
+        Trapped(std::wstring(), [&] { return GetSetting(kPlaces, container); });
+    const size_t place = text.find(L'|');
+    return place == text.npos ? Place() : PlaceOfText(text.substr(place + 1));
+}
+
+Place StopWithin(const Place& place) {
+    const Place inside = place.IsNone() ? Place() : StoppedAt(place.file);
+    return inside.IsNone() ? place : inside;
+}
+
+void KeepStop(const std::wstring& container, const Place& place) {
+    const Held held;
+    if (IsRemembering()) Put(kPlaces, container, L'|' + ToText(place), kMostPlaces);
+}
+
+Place LastSeen() {
+    return Trapped(Place(), [] { return PlaceOfText(GetSetting(kMemory, kLastSeen)); });
+}
+
+void KeepLastSeen(const Place& place) {
+    const Held held;
+    if (IsRemembering()) Trapped([&] { SaveSetting(kMemory, kLastSeen, ToText(place)); });
+}
+
+}  // namespace tessary
