@@ -20,6 +20,12 @@
 #define menuFileSaveAll 1004
 #define menuFileConvertAll 1005
 #define menuFileExit 1006
+#define menuRecent 1020  // what was opened lately
+#define commandRecent_0 1021  // so many in a row: kMostRecent
+#define commandGoOn 1040
+#define commandLastRun 1041
+#define commandForget 1042
+#define commandMemoryChanged 1043  // told when the options have changed what is remembered
 
 #define menuEdit 1100
 #define menuEditCopy 1101
@@ -93,6 +99,12 @@
 #define menuOptionSPIFolder_0 1310
 #define menuOptionSPIFolder_1 1311
 #define menuOptionSPIFolder_2 1312
+
+#define menuBookmarks 4000
+#define menuDropBookmark 4001
+#define commandToggleBookmark 4002
+#define commandBookmark_0 4100  // so many in a row: kMostBookmarks
+#define commandDropBookmark_0 4200
 
 #define menuHelp 1400
 #define menuHelpAbout 1401
@@ -277,6 +289,8 @@
 #define checkShortList 3354
 #define combAtListEnd 3355
 #define checkBackToLast 3356
+#define checkRemember 3357
+#define checkGoOnAtOnce 3358
 
 #define sliderSlideShowTime 3300
 #define labelSlideShowTime 3301

@@ -28,6 +28,7 @@
 #include "ui/control/drag_out.h"
 #include "ui/control/frmControl.h"
 #include "ui/control/open_commands.h"
+#include "ui/control/place_commands.h"
 #include "ui/control/save_commands.h"
 #include "ui/control/turn_file_command.h"
 #include "ui/convert/convert_commands.h"
@@ -133,6 +134,7 @@ int Main() {
     frmControl controlBar(window);
     window.SetControlBar(controlBar);
     OpenCommands openCommands(window, controlBar);
+    PlaceCommands placeCommands(window, controlBar);
     SaveCommands saveCommands(window);
     TurnFileCommand turnFileCommand(window);
     DragOut dragOut(window, controlBar);

@@ -80,6 +80,7 @@ struct GeneralSettings {
     int16_t atListEnd = kEndStays;
     int16_t backToLast = 1;  // 1: a step back into an archive leads to its last picture
     int16_t shortList = 0;   // 1: lists end at kShortListCount entries
+    int16_t goOnAtOnce = 0;  // 1: what is opened once more is shown where the user stopped
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 

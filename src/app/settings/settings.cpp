@@ -107,6 +107,7 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"AtListEnd", general.atListEnd, L"1");
     transfer(L"BackToLast", general.backToLast, L"1");
     transfer(L"ShortList", general.shortList, L"0");
+    transfer(L"GoOnAtOnce", general.goOnAtOnce, L"0");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
     transfer(L"EmptySPI_3", general.emptySPI[2], L"False");

@@ -53,6 +53,9 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     bool SetFileList(std::span<const std::wstring> files) override;
     bool OpenFiles(std::vector<ListedFile> files, ListSource source) override;
 
+    bool GoTo(const Place& place) override;
+    void BeginAt(const Place& place) override { startAt_ = place; }
+
     // Selects the entry before or behind: of the archive's members first, then of the files,
     // leaving out those of unknown kind. False when the selection has not moved there.
     bool ListIndexBackOne() { return MoveBy(-1, sequence_.IsInArchive()); }
@@ -173,6 +176,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void TellEnd(int step);
     void TellRound(int step);
     bool GoToNextFolder(int step);
+    bool BeginWithin(const Place& start, bool fromBehind);
 
     // --- Reading ahead (frmControl_ahead.cpp) ---
     bool IsInMotion() const;
@@ -223,6 +227,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     FolderFollower follower_{
         [this](std::vector<ListedFile>& files, int opened) { return TakeFolder(files, opened); }};
     bool entersAtEnd_ = false;  // the archive that is selected, which opens with its last picture
+    Place startAt_;             // what is shown of its file, when that is shown next
     bool formLoaded_ = false;
     bool unloading_ = false;
     uint32_t memberPages_ = 0;  // that the selected member has; 0: none

@@ -110,11 +110,16 @@ bool frmControl::ShowList(std::span<const ListedFile> files, size_t first) {
     EndLoad();
     if (CurrentActivity().quitRequested) return false;
     if (!HasFiles()) {
+        startAt_ = {};
         ShowEmptyList();
         return false;
     }
     SetVisible(true);
-    SelectFile(std::min(static_cast<int>(first), sequence_.Files().Count() - 1), first > 0);
+    const int start = startAt_.IsNone() ? -1 : sequence_.Files().IndexOf(startAt_.file);
+    const int last = sequence_.Files().Count() - 1;
+    SelectFile(start >= 0 ? start : std::min(static_cast<int>(first), last),
+               start < 0 && first > 0);
+    startAt_ = {};
     return true;
 }
 
@@ -257,6 +262,7 @@ ShownFile frmControl::Show(const std::wstring& name, const std::function<ShownFi
 void frmControl::ShowListedFile(const std::wstring& path) {
     const std::wstring name = FileNameOf(path);
     const bool fromBehind = std::exchange(entersAtEnd_, false);
+    const Place start = startAt_.file == path ? std::exchange(startAt_, {}) : Place();
     ShownFile shown;
     {
         const Busy busy(*this, kReading);
@@ -284,15 +290,10 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         }
         if (shown.pages > 0) EnterPages(path, shown.pages);
     }
-    if (shown.pages > 0 && fromBehind) {
-        return sequence_.Members().Select(sequence_.Members().Count() - 1);
-    } else if (shown.pages > 0) {
-        // The first one is there.
-    } else if (shown.kind != kFileArchive) {
+    if (shown.pages == 0 && shown.kind != kFileArchive) {
         ShowNoArchive();
     } else if (sequence_.IsInArchive() && !CurrentActivity().quitRequested) {
-        return sequence_.Members().Select(
-            static_cast<int>(OpeningMember(sequence_.Members().All(), fromBehind)));
+        if (BeginWithin(start, fromBehind)) return;
     }
     window_.pictureView().Refresh();
     PlanAhead({path});

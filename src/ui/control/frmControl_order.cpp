@@ -1,6 +1,7 @@
 // The control bar's list as a whole: its order, its neighbours, and what lies beyond its ends.
 #include <algorithm>
 #include <atomic>
+#include <climits>
 #include <memory>
 #include <utility>
 
@@ -168,6 +169,41 @@ void frmControl::SelectFile(int file, bool fromBehind) {
     entersAtEnd_ = fromBehind && Values().general.backToLast != 0;
     sequence_.Files().Select(file);
     entersAtEnd_ = false;
+}
+
+bool frmControl::GoTo(const Place& place) {
+    if (IsReadUnderWay() || busy_ > 0) return false;
+    const int file = sequence_.Files().IndexOf(place.file);
+    if (file < 0) return false;
+    player_.HaltTimer();
+    EndMotion();
+    wishes_.ForgetMoves();
+    if (sequence_.Files().Cursor() == file && sequence_.Archive() == place.file) {
+        BeginWithin(place, false);
+    } else {
+        startAt_ = place;
+        sequence_.Files().Select(file);
+        startAt_ = {};
+    }
+    return true;
+}
+
+// Shows the member or page of an archive that was entered; false when that is shown already.
+bool frmControl::BeginWithin(const Place& start, bool fromBehind) {
+    FileSequence::MemberEntries& members = sequence_.Members();
+    const int page = static_cast<int>(std::min<uint32_t>(start.page, INT_MAX)) - 1;
+    int member = sequence_.HasPages() ? page : -1;
+    if (!start.member.empty()) member = members.IndexOf(start.member);
+    const bool isFound = member >= 0 && member < members.Count();
+    if (!isFound && !sequence_.HasPages()) {
+        member = static_cast<int>(OpeningMember(members.All(), fromBehind));
+    } else if (!isFound) {
+        member = fromBehind ? members.Count() - 1 : 0;
+    }
+    if (sequence_.HasPages() && member == members.Cursor()) return false;
+    members.Select(member);
+    if (!sequence_.HasPages() && isFound && page > 0) StepPage(page);
+    return true;
 }
 
 void frmControl::TellEnd(int step) {

@@ -118,9 +118,11 @@ void OpenCommands::menuFileOpen_Click() {
         std::vector<FoundFile> files;
         for (const std::wstring& path : chosen.paths)
             files.push_back(NamedFileOf(path));
-        const bool isOne = chosen.paths.size() == 1;
-        bar_.OpenFiles(Arranged(std::move(files), ChosenArrangement()),
-                       isOne ? ListSource::kOneFile : ListSource::kFiles);
+        const ListSource source =
+            chosen.paths.size() == 1 ? ListSource::kOneFile : ListSource::kFiles;
+        window_.OpenByHand(chosen.paths, [&] {
+            return bar_.OpenFiles(Arranged(std::move(files), ChosenArrangement()), source);
+        });
         if (chosen.paths.size() == 1) window_.TellFailure(bar_.Failure());
     } catch (...) {
         ReportError(L"frmMain - menuFileOpen_Click");
@@ -171,8 +173,10 @@ void OpenCommands::OpenFolder(const ScanRequest& request) {
         bar_.SetVisible(true);
         window_.ShowOpened(collected.files.size(), collected.named);
         const bool isOne = !request.subFolders && request.extensions.empty();
-        bar_.OpenFiles(InOrder(std::move(collected.files), window_),
-                       isOne ? ListSource::kOneFolder : ListSource::kFiles);
+        window_.OpenByHand({request.folder}, [&] {
+            return bar_.OpenFiles(InOrder(std::move(collected.files), window_),
+                                  isOne ? ListSource::kOneFolder : ListSource::kFiles);
+        });
     }
     if (collected.error != ERROR_SUCCESS) {
         ShowMessageBox(FolderErrorText(request.folder, collected.error), MB_ICONEXCLAMATION);

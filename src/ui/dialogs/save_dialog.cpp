@@ -10,31 +10,17 @@
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/task_modal.h"
+#include "ui/form/com_object.h"
 
 namespace tessary {
 namespace {
 
 constexpr DWORD kDetailsButton = 1;
 
-template <typename Interface>
-struct ReleaseInterface {
-    void operator()(Interface* object) const { object->Release(); }
-};
-template <typename Interface>
-using UniqueInterface = std::unique_ptr<Interface, ReleaseInterface<Interface>>;
-
 struct FreeTaskMemory {
     void operator()(wchar_t* text) const { CoTaskMemFree(text); }
 };
 using TaskText = std::unique_ptr<wchar_t, FreeTaskMemory>;
-
-// Another side of a COM object; null when it has none of that kind.
-template <typename Interface>
-UniqueInterface<Interface> Query(IUnknown* object) {
-    void* found = nullptr;
-    if (FAILED(object->QueryInterface(__uuidof(Interface), &found))) return nullptr;
-    return UniqueInterface<Interface>(static_cast<Interface*>(found));
-}
 
 HWND WindowOf(IUnknown* dialog) {
     HWND window = nullptr;

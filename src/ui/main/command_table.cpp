@@ -37,6 +37,7 @@ bool CommandTable::Run(int id) const {
 }
 
 void CommandTable::ShowState(HMENU menu) const {
+    if (shown_) shown_(menu);
     keys_.ShowIn(menu);
     ForEachMenuCommand(menu, [&](int id) {
         const auto found = commands_.find(id);

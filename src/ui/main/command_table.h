@@ -47,6 +47,9 @@ class CommandTable {
         tooEarly_ = std::move(handler);
     }
 
+    // Told of each menu whose items are about to be shown: it may put others into it.
+    void OnShow(std::function<void(HMENU menu)> handler) { shown_ = std::move(handler); }
+
     // Greys, enables and checks all items of a menu and its submenus, with their keys behind them.
     void ShowState(HMENU menu) const;
 
@@ -57,6 +60,7 @@ class CommandTable {
     std::map<int, Command> commands_;
     std::function<bool()> takesEarly_;
     std::function<void(int id)> tooEarly_;
+    std::function<void(HMENU menu)> shown_;
 };
 
 }  // namespace tessary

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "picture/read/listed_file.h"
+#include "places/place.h"
 #include "ui/main/picture_popup.h"
 
 namespace tessary {
@@ -59,6 +60,11 @@ class ControlBar {
     // folder along, if the user wants it so; they come into the list behind it. A list of one
     // folder follows what becomes of that.
     virtual bool OpenFiles(std::vector<ListedFile> files, ListSource source) = 0;
+
+    // Shows a place of the list; false when its file is not listed, or something is being loaded.
+    virtual bool GoTo(const Place& /*place*/) { return false; }
+    // The next list begins at that place, if it is in there.
+    virtual void BeginAt(const Place& /*place*/) {}
 
     // Why the file that was shown last could not be shown, for a message box; empty when it could,
     // and during a show, which nothing may stop.

@@ -316,6 +316,7 @@ void frmMain::SetPictureSource(PictureSource source) {
     sourceStamp_ = source_.path.empty() ? std::nullopt : StampOf(source_.path);
     ShowPluginCount();
     ShowScale();
+    if (sourceTold_) sourceTold_();
 }
 
 std::wstring frmMain::ShownFile() const {

@@ -63,6 +63,7 @@ class frmMain final : public Form, public PictureView {
     // place.
     void SetPictureSource(PictureSource source);
     const PictureSource& Source() const { return source_; }
+    void OnPictureSource(std::function<void()> told) { sourceTold_ = std::move(told); }
     // Of its file, when it was shown; nothing where there is none.
     const std::optional<FileStamp>& SourceStamp() const { return sourceStamp_; }
 
@@ -136,6 +137,20 @@ class frmMain final : public Form, public PictureView {
     // Hands files to their receiver as soon as the messages that wait now are done. A folder
     // stands for the plain files directly in it. What is being loaded ends before.
     void OpenLater(const std::vector<std::wstring>& paths);
+
+    // What the user opens by hand goes through `by`, if there is one, which calls `open` and
+    // answers what that does.
+    using Opening = std::function<bool(const std::vector<std::wstring>& paths,
+                                       const std::function<bool()>& open)>;
+    void OnOpenByHand(Opening by) { openByHand_ = std::move(by); }
+    bool OpenByHand(const std::vector<std::wstring>& paths,
+                    const std::function<bool()>& open) const {
+        return openByHand_ ? openByHand_(paths, open) : open();
+    }
+    // Told when the one path that was to be opened leads nowhere.
+    void OnMissing(std::function<void(const std::wstring& path)> told) {
+        missing_ = std::move(told);
+    }
 
     // Tells in the status bar when what was to be opened holds no file (`count` is 0), or some of
     // it is missing or could not be read; takes back what the last opening told, from the second
@@ -225,7 +240,7 @@ class frmMain final : public Form, public PictureView {
     };
     void AcceptDroppedFiles();
     void OpenCommandLine();
-    void OpenNow(std::vector<std::wstring> paths);
+    void OpenNow(const std::vector<std::wstring>& paths);
 
     // --- The full screen and the stepping keys (frmMain_full_screen.cpp) ---
     void RegisterFullScreenCommands();
@@ -300,6 +315,9 @@ class frmMain final : public Form, public PictureView {
     std::function<void()> pictureDragged_;
     std::optional<POINT> pressedAt_;  // where the picture may be dragged away from
     std::function<bool()> refusesToClose_;
+    std::function<void()> sourceTold_;
+    Opening openByHand_;
+    std::function<void(const std::wstring&)> missing_;
     std::vector<std::wstring> filesToOpen_;
     std::wstring openNotice_;  // what the last opening told in the status bar
     bool hasOpened_ = false;

@@ -37,13 +37,13 @@ void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
     PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
 }
 
-void frmMain::OpenNow(std::vector<std::wstring> paths) {
+void frmMain::OpenNow(const std::vector<std::wstring>& paths) {
     if (controlBar_ == nullptr || paths.empty() || IsReadUnderWay()) return;
     std::optional<FoundFiles> found;
     {
         const Reading reading(*this, L"ファイルを探しています");
         const auto arrangement = std::make_shared<const Arrangement>(ChosenArrangement());
-        const auto list = [paths = std::move(paths), arrangement] {
+        const auto list = [paths, arrangement] {
             FoundFiles result;
             std::vector<FoundFile> files;
             result.named = AppendNamedFiles(paths, files);
@@ -62,8 +62,10 @@ void frmMain::OpenNow(std::vector<std::wstring> paths) {
     CloseIfAsked();
     if (!found || CurrentActivity().quitRequested) return;
     ShowOpened(found->files.size(), found->named);
+    if (found->named.missing == 1 && paths.size() == 1 && missing_) missing_(paths.front());
     if (found->files.empty()) return;
-    controlBar_->OpenFiles(std::move(found->files), found->source);
+    OpenByHand(paths,
+               [&] { return controlBar_->OpenFiles(std::move(found->files), found->source); });
     if (found->source == ListSource::kOneFile) TellFailure(controlBar_->Failure());
 }
 

@@ -20,6 +20,12 @@ void ListPage::AttachControls() {
                      L"反対側の端へ回る", L"隣のフォルダへ進む"},
                     general.atListEnd);
     Fields().Check(checkBackToLast, general.backToLast);
+    Fields().Check(checkRemember, Options().remembers);
+    Fields().Check(checkGoOnAtOnce, general.goOnAtOnce);
+}
+
+void ListPage::ShowState() {
+    Fields().SetEnabled({checkGoOnAtOnce}, Options().remembers);
 }
 
 }  // namespace tessary

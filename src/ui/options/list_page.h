@@ -10,7 +10,7 @@ class ListPage final : public OptionPage {
     ListPage(OptionValues& options, std::function<void()> changed)
         : OptionPage(options, std::move(changed)) {}
 
-    void ShowState() override {}
+    void ShowState() override;
 
   private:
     void AttachControls() override;

@@ -7,6 +7,7 @@
 
 #include "app/base/text.h"
 #include "app/settings/saver_format.h"
+#include "places/place_memory.h"
 
 namespace tessary {
 namespace {
@@ -17,7 +18,7 @@ void PutRight(GeneralSettings& general) {
           &general.reduce256ModeOnly, &general.saveReducedPicture, &general.readAhead,
           &general.enlargeSmall, &general.holdBoxes, &general.keepZoom, &general.doubleClick,
           &general.sizeButton, &general.listNeighbours, &general.listDescending,
-          &general.backToLast, &general.shortList}) {
+          &general.backToLast, &general.shortList, &general.goOnAtOnce}) {
         *flag = *flag == 1 ? 1 : 0;
     }
     general.listOrder = std::clamp<int16_t>(general.listOrder, 0, kOrderCount - 1);
@@ -75,7 +76,8 @@ OptionValues CurrentOptions() {
         .general = values.general,
         .convert = values.convert,
         .saveOptions = values.saveOptions,
-        .fixSizeValue = std::clamp<int16_t>(values.fixSizeValue, kSizeModeOriginal, kLastSizeMode)};
+        .fixSizeValue = std::clamp<int16_t>(values.fixSizeValue, kSizeModeOriginal, kLastSizeMode),
+        .remembers = IsRemembering()};
     // The user's own choice, which only rests.
     if (values.logFileRefusal != 0) options.convert.outputErrorLog = 1;
     PutRight(options.general);
@@ -98,6 +100,7 @@ void SetOptions(const OptionValues& options) {
     }
     values.saveOptions = options.saveOptions;
     values.fixSizeValue = options.fixSizeValue;
+    if (options.remembers != IsRemembering()) SetRemembering(options.remembers);
 }
 
 bool DifferInPlugins(const GeneralSettings& one, const GeneralSettings& other) {

@@ -15,6 +15,7 @@ struct OptionValues {
     ConvertSettings convert;
     saving::SaveOptions saveOptions;
     int16_t fixSizeValue = kSizeModeOriginal;
+    bool remembers = true;  // what was opened, and where the user stopped
 
     bool operator==(const OptionValues&) const = default;
 };
