@@ -307,6 +307,7 @@
 #define checkSizeButton 3312
 #define combDoubleClick 3313
 #define checkPlayAnimation 3314
+#define checkLinearLight 3315
 
 // One of each for every row of the page of formats; further ones follow.
 #define cmdFileFormatEnv_0 3400

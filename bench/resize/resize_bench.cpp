@@ -2,9 +2,11 @@
 //
 //   resize_bench time PICTURE WIDTHxHEIGHT RESULT   prints the median of several runs in
 //                                                   milliseconds and writes the resized picture
+//   resize_bench light PICTURE WIDTHxHEIGHT RESULT  the same in linear light
 //   resize_bench psnr PICTURE RESULT…               prints the signal-to-noise ratio of each
 //                                                   resized picture against the double-precision
 //                                                   resize of PICTURE, in dB
+//   resize_bench lightpsnr PICTURE RESULT…          the same against the one in linear light
 //
 // All pictures are bitmap files of the plain form.
 #include <algorithm>
@@ -68,12 +70,13 @@ void WriteBitmap(const std::string& fileName, int32_t width, int32_t height,
 }
 
 double MedianMilliseconds(const dib::DibView& picture, int32_t width, int32_t height,
-                          std::vector<uint8_t>& rows) {
+                          kernel::Light light, std::vector<uint8_t>& rows) {
     std::vector<double> times;
     for (size_t run = 0; run < kRuns; ++run) {
         const auto start = std::chrono::steady_clock::now();
         kernel::Resize(picture, width, height, {0, 0, width, height},
-                       kernel::ResizeFilter::kAutomatic, rows);
+                       kernel::ResizeFilter::kAutomatic, rows, kernel::BestInstructions(),
+                       dib::Backdrop::kWhite, light);
         const std::chrono::duration<double, std::milli> time =
             std::chrono::steady_clock::now() - start;
         times.push_back(time.count());
@@ -98,25 +101,31 @@ double SignalToNoise(const std::vector<double>& exact, const dib::DibView& resul
 }
 
 int Main(const std::vector<std::string>& arguments) {
-    if (arguments.size() == 4 && arguments[0] == "time") {
+    const auto is = [&](const char* stored, const char* linear) {
+        return arguments[0] == stored || arguments[0] == linear;
+    };
+    if (arguments.size() < 3) return 2;
+    const kernel::Light light =
+        arguments[0].starts_with("light") ? kernel::Light::kLinear : kernel::Light::kStored;
+    if (arguments.size() == 4 && is("time", "light")) {
         int32_t width = 0;
         int32_t height = 0;
         if (std::sscanf(arguments[2].c_str(), "%dx%d", &width, &height) != 2) return 2;
         const BitmapInMemory picture(arguments[1]);
         const uint64_t stride = dib::RowStride(static_cast<uint64_t>(width), 24);
         std::vector<uint8_t> rows(static_cast<size_t>(stride) * static_cast<size_t>(height));
-        std::printf("%.1f\n", MedianMilliseconds(picture.View(), width, height, rows));
+        std::printf("%.1f\n", MedianMilliseconds(picture.View(), width, height, light, rows));
         WriteBitmap(arguments[3], width, height, rows);
         return 0;
     }
-    if (arguments.size() >= 3 && arguments[0] == "psnr") {
+    if (is("psnr", "lightpsnr")) {
         const BitmapInMemory picture(arguments[1]);
         std::vector<double> exact;
         for (size_t i = 2; i < arguments.size(); ++i) {
             const BitmapInMemory result(arguments[i]);
             const dib::DibView view = result.View();
             if (exact.empty()) {
-                exact = kernel::ReferenceResize(picture.View(), view.Width(), view.Height());
+                exact = kernel::ReferenceResize(picture.View(), view.Width(), view.Height(), light);
             }
             std::printf("%.2f\n", SignalToNoise(exact, view));
         }

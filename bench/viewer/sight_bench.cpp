@@ -85,6 +85,13 @@ void BenchSight(Picture picture) {
         stage.WaitUntilSharp();
         stage.Draw();
     });
+    stage.Get().SetLight(kernel::Light::kLinear);
+    Measure("the same in linear light", [&](int i) {
+        stage.Resize(size(i));
+        stage.WaitUntilSharp();
+        stage.Draw();
+    });
+    stage.Get().SetLight(kernel::Light::kStored);
     stage.Resize(kView);
     stage.WaitUntilSharp();
     Measure("zoomed by the wheel", [&](int i) {

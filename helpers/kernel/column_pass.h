@@ -11,15 +11,15 @@
 namespace tessary::kernel {
 
 // The weights of one target row as 16-bit integers, which is what SSE2 multiplies fastest. They are
-// as fine as the sums over 8-bit samples may be without leaving 32 bits, and they add up to exactly
-// 1 / Unit(), so that flat areas stay flat.
+// as fine as the sums over samples may be without leaving 32 bits, and weights that add up to 1 add
+// up to exactly 1 / Unit(), so that flat areas stay flat.
 class FixedWeights {
   public:
     // Makes Assign of up to `most` weights free of allocations. Throws std::bad_alloc.
     void Reserve(size_t most) { values_.reserve(most); }
 
-    // `weights` add up to 1.
-    void Assign(std::span<const double> weights);
+    // `weights` add up to 1 or are a part of such; no sample is above `mostSample`.
+    void Assign(std::span<const double> weights, int mostSample = UINT8_MAX);
 
     std::span<const int16_t> Values() const { return values_; }
     // The weight that one step of a value stands for: a power of two.
@@ -32,8 +32,10 @@ class FixedWeights {
 
 // out[i] = unit * sum over all rows of weights[row] * rows[row][i]; with `add`, that much is added
 // to out[i]. There are as many weights as rows, at least one, and as many samples in each row as in
-// `out`, at least 16. `weights` come from FixedWeights (any part of them).
-void MixRows(std::span<const uint8_t* const> rows, std::span<const int16_t> weights, float unit,
+// `out`, at least 16. `weights` come from FixedWeights (any part of them). Samples are bytes, or
+// words from 0 on.
+template <typename Sample>
+void MixRows(std::span<const Sample* const> rows, std::span<const int16_t> weights, float unit,
              bool add, std::span<float> out, Instructions instructions = BestInstructions());
 
 }  // namespace tessary::kernel

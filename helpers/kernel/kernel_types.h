@@ -36,8 +36,17 @@ enum class ResizeFilter : uint32_t {
     kCatmullRom = 2,
 };
 
+// Values of ResizeParameters::light: what is mixed.
+enum class Light : uint32_t {
+    // The samples as they are stored.
+    kStored = 0,
+    // The light that they stand for by the curve of sRGB, so that fine patterns keep their
+    // brightness. A picture with alpha keeps it: the new image has 32 bits a pixel then.
+    kLinear = 1,
+};
+
 struct ResizeParameters {
-    uint32_t size;    // bytes of this record: sizeof(ResizeParameters), or kWholeResizeSize
+    uint32_t size;    // bytes of this record: sizeof(ResizeParameters), or one of the lengths below
     int32_t width;    // pixels of the new image, above 0
     int32_t height;   // above 0: the new image always has its bottom row first
     uint32_t filter;  // a ResizeFilter
@@ -47,11 +56,14 @@ struct ResizeParameters {
     int32_t top = 0;
     int32_t partWidth = 0;
     int32_t partHeight = 0;
-    // What pixels with alpha are laid over: 0 white, 1 black.
+    // What pixels with alpha are laid over where they lose it: 0 white, 1 black.
     uint32_t overBlack = 0;
+    uint32_t light = 0;  // a Light; none in a shorter record
 };
 // Bytes of a record that ends before the part.
 constexpr uint32_t kWholeResizeSize = offsetof(ResizeParameters, left);
+// Bytes of a record that ends before the light.
+constexpr uint32_t kStoredResizeSize = offsetof(ResizeParameters, light);
 
 // Where the blocks of an image lie. They belong to the image and stay where they are as long as it
 // exists.

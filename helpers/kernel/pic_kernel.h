@@ -51,8 +51,8 @@ constexpr char kAttachMemoryImageName[] = "attach_memory_image";
 
 // plg_resize.fplg ---------------------------------------------------------------------------------
 
-// Makes a new image of the given size from `source`, which stays as it is: 24 bits a pixel, bottom
-// row first, same resolution. The caller destroys both.
+// Makes a new image of the given size from `source`, which stays as it is: 24 bits a pixel (32
+// where alpha is kept, see Light), bottom row first, same resolution. The caller destroys both.
 using DoFilterFunction = KernelResult(__stdcall*)(HIMAGE source, const ResizeParameters* parameters,
                                                   HIMAGE* out);
 constexpr char kDoFilterName[] = "do_filter";

@@ -6,6 +6,8 @@
 #include <cassert>
 #include <cstring>
 
+#include "helpers/kernel/light_levels.h"
+
 namespace tessary::kernel {
 namespace {
 
@@ -19,18 +21,56 @@ __m128 Weighted(const float* pixel, __m128 weights) {
 }
 
 // Rounds the first three samples, limits them to 0...255 and writes them.
-inline void PutPixel(__m128 samples, uint8_t* bgr) {
-    const __m128i rounded = _mm_cvtps_epi32(samples);
-    const __m128i words = _mm_packs_epi32(rounded, rounded);
-    const int32_t bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
-    std::memcpy(bgr, &bytes, 3);
-}
+struct StoredWriter {
+    static constexpr size_t kBytes = 3;
+    void Put(__m128 samples, uint8_t* bgr) const {
+        const __m128i rounded = _mm_cvtps_epi32(samples);
+        const __m128i words = _mm_packs_epi32(rounded, rounded);
+        const int32_t bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
+        std::memcpy(bgr, &bytes, 3);
+    }
+};
+
+// The levels of three samples of light.
+struct LightWriter {
+    static constexpr size_t kBytes = 3;
+    const LightLevels& levels = LightLevels::OfSrgb();
+
+    void Put(__m128 samples, uint8_t* bgr) const {
+        const __m128 light = _mm_min_ps(_mm_max_ps(samples, _mm_setzero_ps()),
+                                        _mm_set1_ps(static_cast<float>(kFullLight)));
+        const __m128i halfSteps = _mm_cvtps_epi32(_mm_add_ps(light, light));
+        // Below 1 << 16: the upper halves are zero.
+        bgr[0] = levels.LevelOf(static_cast<size_t>(_mm_extract_epi16(halfSteps, 0)));
+        bgr[1] = levels.LevelOf(static_cast<size_t>(_mm_extract_epi16(halfSteps, 2)));
+        bgr[2] = levels.LevelOf(static_cast<size_t>(_mm_extract_epi16(halfSteps, 4)));
+    }
+};
+
+// The same with alpha, which the light is multiplied by; what is clear is black.
+struct AlphaWriter {
+    static constexpr size_t kBytes = 4;
+    LightWriter colors{};
+
+    void Put(__m128 samples, uint8_t* bgra) const {
+        // In registers of SSE2 alone: all instructions are to come to the same bytes.
+        const __m128 full = _mm_set1_ps(static_cast<float>(kFullLight));
+        const __m128 alpha = _mm_min_ps(_mm_shuffle_ps(samples, samples, 0xFF), full);
+        const __m128 level = _mm_mul_ps(alpha, _mm_set1_ps(255.0f / kFullLight));
+        bgra[3] = static_cast<uint8_t>(std::max(_mm_cvtsi128_si32(_mm_cvtps_epi32(level)), 0));
+        if (bgra[3] == 0) {
+            std::memset(bgra, 0, 3);
+        } else {
+            colors.Put(_mm_mul_ps(samples, _mm_div_ps(full, alpha)), bgra);
+        }
+    }
+};
 
 }  // namespace
 
 RowFilter::RowFilter(const FilterAxis& axis, int32_t left, int32_t width, size_t pixelSamples,
-                     Instructions instructions)
-    : pixelSamples_(pixelSamples), instructions_(instructions) {
+                     Instructions instructions, RowOutput output)
+    : pixelSamples_(pixelSamples), instructions_(instructions), output_(output) {
     // The padding covers what the last group's zero weights and the fourth lane read.
     static_assert(kPadding >= (kGroup - 1) * 4 + 1);
     targets_.reserve(static_cast<size_t>(width));
@@ -48,10 +88,9 @@ RowFilter::RowFilter(const FilterAxis& axis, int32_t left, int32_t width, size_t
     }
 }
 
-template <size_t kPixelSamples>
-void RowFilter::ApplyTo(const float* row, int32_t from, std::span<uint8_t> bgr) const {
+template <size_t kPixelSamples, typename Writer>
+void RowFilter::ApplyTo(Writer writer, const float* row, int32_t from, uint8_t* out) const {
     const float* weights = weights_.data();
-    uint8_t* out = bgr.data();
     for (const Target& target : targets_) {
         const float* pixel = row + static_cast<size_t>(target.first - from) * kPixelSamples;
         __m128 even = _mm_setzero_ps();
@@ -65,8 +104,8 @@ void RowFilter::ApplyTo(const float* row, int32_t from, std::span<uint8_t> bgr) 
             weights += kGroup;
             pixel += kGroup * kPixelSamples;
         }
-        PutPixel(_mm_add_ps(even, odd), out);
-        out += 3;
+        writer.Put(_mm_add_ps(even, odd), out);
+        out += Writer::kBytes;
     }
 }
 
@@ -74,12 +113,11 @@ void RowFilter::ApplyTo(const float* row, int32_t from, std::span<uint8_t> bgr) 
 
 // As ApplyTo, the even weights' pixels in the lower half of a register and the odd ones' in the
 // upper: the same sums in the same order.
-template <size_t kPixelSamples>
-void RowFilter::ApplyWideTo(const float* row, int32_t from, std::span<uint8_t> bgr) const {
+template <size_t kPixelSamples, typename Writer>
+void RowFilter::ApplyWideTo(Writer writer, const float* row, int32_t from, uint8_t* out) const {
     const __m256i firstTwo = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1);
     const __m256i lastTwo = _mm256_setr_epi32(2, 2, 2, 2, 3, 3, 3, 3);
     const float* weights = weights_.data();
-    uint8_t* out = bgr.data();
     for (const Target& target : targets_) {
         const float* pixel = row + static_cast<size_t>(target.first - from) * kPixelSamples;
         __m256 sums = _mm256_setzero_ps();
@@ -93,25 +131,33 @@ void RowFilter::ApplyWideTo(const float* row, int32_t from, std::span<uint8_t> b
             weights += kGroup;
             pixel += kGroup * kPixelSamples;
         }
-        PutPixel(_mm_add_ps(_mm256_castps256_ps128(sums), _mm256_extractf128_ps(sums, 1)), out);
-        out += 3;
+        writer.Put(_mm_add_ps(_mm256_castps256_ps128(sums), _mm256_extractf128_ps(sums, 1)), out);
+        out += Writer::kBytes;
     }
 }
 
 #endif
 
-void RowFilter::Apply(std::span<const float> row, int32_t from, std::span<uint8_t> bgr) const {
-    assert(bgr.size() >= targets_.size() * 3);
+template <size_t kPixelSamples, typename Writer>
+void RowFilter::ApplyWith(Writer writer, const float* row, int32_t from, uint8_t* out) const {
 #if TESSARY_MAY_USE_AVX2
     if (instructions_ == Instructions::kAvx2) {
-        return pixelSamples_ == 4 ? ApplyWideTo<4>(row.data(), from, bgr)
-                                  : ApplyWideTo<3>(row.data(), from, bgr);
+        return ApplyWideTo<kPixelSamples>(writer, row, from, out);
     }
 #endif
-    if (pixelSamples_ == 4) {
-        ApplyTo<4>(row.data(), from, bgr);
+    ApplyTo<kPixelSamples>(writer, row, from, out);
+}
+
+void RowFilter::Apply(std::span<const float> row, int32_t from, std::span<uint8_t> pixels) const {
+    assert(pixels.size() >= targets_.size() * (output_ == RowOutput::kLightAlpha ? 4 : 3));
+    if (output_ == RowOutput::kLightAlpha) {
+        ApplyWith<4>(AlphaWriter(), row.data(), from, pixels.data());
+    } else if (output_ == RowOutput::kLight) {
+        ApplyWith<3>(LightWriter(), row.data(), from, pixels.data());
+    } else if (pixelSamples_ == 4) {
+        ApplyWith<4>(StoredWriter(), row.data(), from, pixels.data());
     } else {
-        ApplyTo<3>(row.data(), from, bgr);
+        ApplyWith<3>(StoredWriter(), row.data(), from, pixels.data());
     }
 }
 

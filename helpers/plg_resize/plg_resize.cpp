@@ -1,5 +1,6 @@
 // plg_resize.fplg: makes resized images of the kernel's images. The contract is in
 // helpers/kernel/pic_kernel.h.
+#include <algorithm>
 #include <utility>
 
 #include "helpers/kernel/kernel_library.h"
@@ -11,7 +12,7 @@ using namespace tessary::kernel;
 namespace {
 
 Part PartOf(const ResizeParameters& parameters) {
-    const bool named = parameters.size >= sizeof(parameters) &&
+    const bool named = parameters.size >= kStoredResizeSize &&
                        (parameters.left != 0 || parameters.top != 0 || parameters.partWidth != 0 ||
                         parameters.partHeight != 0);
     if (!named) return {0, 0, parameters.width, parameters.height};
@@ -19,13 +20,19 @@ Part PartOf(const ResizeParameters& parameters) {
 }
 
 dib::Backdrop BackdropOf(const ResizeParameters& parameters) {
-    const bool isBlack = parameters.size >= sizeof(parameters) && parameters.overBlack != 0;
+    const bool isBlack = parameters.size >= kStoredResizeSize && parameters.overBlack != 0;
     return isBlack ? dib::Backdrop::kBlack : dib::Backdrop::kWhite;
+}
+
+Light LightOf(const ResizeParameters& parameters) {
+    return parameters.size >= sizeof(parameters) ? static_cast<Light>(parameters.light)
+                                                 : Light::kStored;
 }
 
 bool AreValid(const ResizeParameters& parameters) {
     if (parameters.size < kWholeResizeSize || parameters.width <= 0 || parameters.height <= 0 ||
-        parameters.filter > static_cast<uint32_t>(ResizeFilter::kCatmullRom)) {
+        parameters.filter > static_cast<uint32_t>(ResizeFilter::kCatmullRom) ||
+        LightOf(parameters) > Light::kLinear) {
         return false;
     }
     const Part part = PartOf(parameters);
@@ -34,16 +41,32 @@ bool AreValid(const ResizeParameters& parameters) {
            part.height <= parameters.height - part.top;
 }
 
-dib::BitmapInfoHeader ResizedHeader(const dib::BitmapInfoHeader& source, const Part& part) {
+// With the masks of 32 bits, which 24 bits do without.
+struct ResizedInfo {
     dib::BitmapInfoHeader header{};
+    uint32_t masks[4]{};
+
+    std::span<const uint8_t> Bytes() const {
+        const size_t size = header.bitCount == 32 ? sizeof(*this) : sizeof(header);
+        return {reinterpret_cast<const uint8_t*>(this), size};
+    }
+};
+
+ResizedInfo InfoOf(const dib::BitmapInfoHeader& source, const Part& part, uint16_t bits) {
+    ResizedInfo info;
+    dib::BitmapInfoHeader& header = info.header;
     header.size = dib::kInfoHeaderSize;
     header.width = part.width;
     header.height = part.height;
     header.planes = 1;
-    header.bitCount = 24;
+    header.bitCount = bits;
+    if (bits == 32) {
+        header.compression = dib::kCompressionAlphaBitFields;
+        std::ranges::copy(dib::kMasksAlpha, info.masks);
+    }
     header.xPelsPerMeter = source.xPelsPerMeter;
     header.yPelsPerMeter = source.yPelsPerMeter;
-    return header;
+    return info;
 }
 
 // An image under construction: destroyed unless it is finished and handed on.
@@ -56,8 +79,8 @@ class NewImage {
         if (image_ != nullptr) kernel_.destroyImage(image_);
     }
 
-    KernelResult Create(const dib::BitmapInfoHeader& header) {
-        return kernel_.createImage(&header, sizeof(header), &image_);
+    KernelResult Create(const ResizedInfo& info) {
+        return kernel_.createImage(info.Bytes().data(), info.Bytes().size(), &image_);
     }
     std::span<uint8_t> Bits() const {
         const ImageBlocks blocks = kernel_.BlocksOf(image_).value();
@@ -82,11 +105,13 @@ extern "C" __declspec(dllexport) KernelResult
         if (!view) return kKernelBadHandle;
         const Part part = PartOf(*parameters);
         NewImage resized(kernel);
-        const KernelResult result = resized.Create(ResizedHeader(view->Header(), part));
+        const Light light = LightOf(*parameters);
+        const KernelResult result =
+            resized.Create(InfoOf(view->Header(), part, ResizedBits(*view, light)));
         if (result != kKernelOk) return result;
         Resize(*view, parameters->width, parameters->height, part,
                static_cast<ResizeFilter>(parameters->filter), resized.Bits(), BestInstructions(),
-               BackdropOf(*parameters));
+               BackdropOf(*parameters), light);
         *out = resized.Release();
         return kKernelOk;
     });

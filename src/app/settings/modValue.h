@@ -67,6 +67,7 @@ struct GeneralSettings {
     int16_t enlargeSmall = 0;     // 1: pictures that are smaller than their box are enlarged to it
     int16_t holdBoxes = 0;        // 1: a fixed box is no larger than the window
     int16_t keepZoom = 0;         // 1: a zoom stays with the next picture
+    int16_t linearLight = 0;      // 1: resizing mixes light, not the stored levels
     int16_t doubleClick = kDoubleClickZooms;
     int16_t sizeButton = kSizeButtonAll;
     int16_t backdrop = kBackdropSquares;

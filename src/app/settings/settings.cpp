@@ -94,6 +94,7 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"EnlargeSmall", general.enlargeSmall, L"0");
     transfer(L"HoldBoxes", general.holdBoxes, L"0");
     transfer(L"KeepZoom", general.keepZoom, L"0");
+    transfer(L"LinearLight", general.linearLight, L"0");
     transfer(L"DoubleClick", general.doubleClick, L"0");
     transfer(L"SizeButton", general.sizeButton, L"0");
     transfer(L"Backdrop", general.backdrop, L"0");

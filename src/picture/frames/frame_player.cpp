@@ -34,8 +34,8 @@ bool IsAffordable(Clock::duration cost, Clock::duration shown) {
 }  // namespace
 
 bool FrameLook::operator==(const FrameLook& other) const {
-    return orientation == other.orientation && seen.shown.cx == other.seen.shown.cx &&
-           seen.shown.cy == other.seen.shown.cy && EqualRect(&seen.part, &other.seen.part) != FALSE;
+    return orientation == other.orientation && AreMadeAlike(seen, other.seen) &&
+           EqualRect(&seen.part, &other.seen.part) != FALSE;
 }
 
 namespace {

@@ -98,14 +98,15 @@ void ShowReasonFor(PictureView& view, const std::wstring& reason) {
 }
 
 PreparePicture PreparationFor(const PictureView& view) {
-    return [rule = ChosenFitRule(), room = view.Room()](const Picture& picture) {
+    return [rule = ChosenFitRule(), room = view.Room(),
+            light = ChosenLight()](const Picture& picture) {
         const SIZE own = SizeOf(picture);
         const SIZE wanted = SizeInRoom(own, rule, room);
         // What shows through has its place on the screen.
         return IsExactAsItIs(own, wanted) || picture.HasAlpha() ||
                        IsFarLarger(wanted, room.workArea)
                    ? Picture()
-                   : ResizePicture(picture, wanted.cx, wanted.cy, Handover::kNoFile);
+                   : ResizePicture(picture, wanted.cx, wanted.cy, Handover::kNoFile, light);
     };
 }
 
@@ -121,8 +122,8 @@ bool DisplayCurrentPicture(PictureView& view, const Picture& prepared) {
         view.SetPicture(current.Another(), prepared);
     } else {
         // The view's own thread can make nothing with such a kernel.
-        view.SetPicture(current.Another(),
-                        ResizePicture(current, wanted.cx, wanted.cy, Handover::kFile));
+        view.SetPicture(current.Another(), ResizePicture(current, wanted.cx, wanted.cy,
+                                                         Handover::kFile, ChosenLight()));
     }
     return true;
 }

@@ -126,10 +126,17 @@ Picture Resize(const Picture& picture, const kernel::ResizeParameters& parameter
 
 }  // namespace
 
-Picture ResizePicture(const Picture& picture, int width, int height, Handover handover) {
-    return Resize(picture,
-                  {.size = kernel::kWholeResizeSize, .width = width, .height = height, .filter = 0},
-                  handover);
+Picture ResizePicture(const Picture& picture, int width, int height, Handover handover,
+                      kernel::Light light) {
+    const bool isStored = light == kernel::Light::kStored;
+    return Resize(
+        picture,
+        {.size = isStored ? kernel::kWholeResizeSize : uint32_t{sizeof(kernel::ResizeParameters)},
+         .width = width,
+         .height = height,
+         .filter = 0,
+         .light = static_cast<uint32_t>(light)},
+        handover);
 }
 
 bool HandsOverByFile() {
@@ -138,7 +145,7 @@ bool HandsOverByFile() {
 }
 
 Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part,
-                          dib::Backdrop backdrop) {
+                          dib::Backdrop backdrop, kernel::Light light) {
     return Resize(picture,
                   {.size = sizeof(kernel::ResizeParameters),
                    .width = size.cx,
@@ -148,8 +155,13 @@ Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part,
                    .top = part.top,
                    .partWidth = part.right - part.left,
                    .partHeight = part.bottom - part.top,
-                   .overBlack = backdrop == dib::Backdrop::kBlack ? 1u : 0u},
+                   .overBlack = backdrop == dib::Backdrop::kBlack ? 1u : 0u,
+                   .light = static_cast<uint32_t>(light)},
                   Handover::kNoFile);
+}
+
+kernel::Light ChosenLight() {
+    return Values().general.linearLight != 0 ? kernel::Light::kLinear : kernel::Light::kStored;
 }
 
 }  // namespace tessary

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "helpers/dib/unpack_row.h"
+#include "helpers/kernel/kernel_types.h"
 #include "picture/picture.h"
 
 namespace tessary {
@@ -21,14 +22,19 @@ enum class Handover {
 // until the program ends, once it was refused there. Empty when a library is missing or a step
 // fails.
 Picture ResizePicture(const Picture& picture, int width, int height,
-                      Handover handover = Handover::kMemory);
+                      Handover handover = Handover::kMemory,
+                      kernel::Light light = kernel::Light::kStored);
 
 // Whether its pictures can be had by file only: with an exporter that lacks the entry for memory.
 bool HandsOverByFile();
 
 // The same of a part of the new picture, given in its pixels, in memory and from any thread. Pixels
-// with alpha are laid over the backdrop.
+// with alpha are laid over the backdrop, or keep it in linear light.
 Picture ResizePicturePart(const Picture& picture, SIZE size, const RECT& part,
-                          dib::Backdrop backdrop = dib::Backdrop::kWhite);
+                          dib::Backdrop backdrop = dib::Backdrop::kWhite,
+                          kernel::Light light = kernel::Light::kStored);
+
+// What the user has chosen to mix. Of the window's thread.
+kernel::Light ChosenLight();
 
 }  // namespace tessary

@@ -20,6 +20,21 @@ bool DrawAll(const Picture& made, const PixelRows& rows) {
     return true;
 }
 
+// Of pixels with alpha, each for itself: a strip of a picture may be clear all over.
+bool DrawClear(const Picture& made, const PixelRows& rows) {
+    if (!made || made.View().Format() != dib::PixelFormat::kBgra32) return false;
+    for (int32_t y = 0; y < made.Height(); ++y) {
+        const uint8_t* pixel = made.View().Row(y).data();
+        uint32_t* const row = rows.Row(y);
+        for (int32_t x = 0; x < made.Width(); ++x, pixel += 4) {
+            const uint32_t alpha = pixel[3];
+            const auto part = [&](size_t i) { return (pixel[i] * alpha + 127) / 255; };
+            row[x] = part(0) | part(1) << 8 | part(2) << 16 | alpha << 24;
+        }
+    }
+    return true;
+}
+
 // What shows through is what black and white make a difference to.
 void TakeAlpha(const Picture& overWhite, const PixelRows& overBlack) {
     const dib::DibView& white = overWhite.View();
@@ -36,9 +51,10 @@ void TakeAlpha(const Picture& overWhite, const PixelRows& overBlack) {
 
 bool MakeStrip(const SightPixels& pixels, const SightPart& strip, const PixelRows& rows) {
     const auto made = [&](dib::Backdrop backdrop) {
-        return ResizePicturePart(pixels.Whole(), strip.shown, strip.part, backdrop);
+        return ResizePicturePart(pixels.Whole(), strip.shown, strip.part, backdrop, strip.light);
     };
     if (!pixels.HasAlpha()) return DrawAll(made(dib::Backdrop::kWhite), rows);
+    if (strip.light == kernel::Light::kLinear) return DrawClear(made(dib::Backdrop::kWhite), rows);
     const Picture overWhite = made(dib::Backdrop::kWhite);
     if (!overWhite || !DrawAll(made(dib::Backdrop::kBlack), rows)) return false;
     TakeAlpha(overWhite, rows);
@@ -55,7 +71,8 @@ std::shared_ptr<const SharpPart> MakeSharpPart(const SightPixels& pixels, const 
         if (!isWanted()) return nullptr;
         const RECT strip{part.left, top, part.right, std::min(top + kStripRows, part.bottom)};
         const PixelRows rows = whole->Rows();
-        if (!MakeStrip(pixels, {sight.shown, strip}, {rows.Row(top - part.top), rows.stride})) {
+        if (!MakeStrip(pixels, {sight.shown, strip, sight.light},
+                       {rows.Row(top - part.top), rows.stride})) {
             return nullptr;
         }
     }
@@ -68,9 +85,7 @@ SharpSight::~SharpSight() {
 
 void SharpSight::Ask(Pixels pixels, const SightPart& sight) {
     const std::lock_guard lock(mutex_);
-    const bool isOther =
-        making_ != pixels || makingSize_.cx != sight.shown.cx || makingSize_.cy != sight.shown.cy;
-    if (isOther) making_ = nullptr;
+    if (making_ != pixels || !AreMadeAlike(makingSight_, sight)) making_ = nullptr;
     wish_ = Wish{std::move(pixels), sight};
     asked_.notify_one();
     if (thread_.joinable()) return;
@@ -101,7 +116,7 @@ void SharpSight::Run(const std::stop_token& ends) {
             if (!asked_.wait(lock, ends, [this] { return wish_.has_value(); })) return;
             wish = *std::exchange(wish_, std::nullopt);
             making_ = wish.pixels;
-            makingSize_ = wish.sight.shown;
+            makingSight_ = wish.sight;
         }
         std::shared_ptr<const SharpPart> made;
         try {

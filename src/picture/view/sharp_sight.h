@@ -28,7 +28,7 @@ class SharpSight {
     ~SharpSight();
 
     // Has a part made; the wish before it is forgotten. What is being made of the same picture in
-    // the same size is finished before: in motion a part of it may still be seen.
+    // the same size and light is finished before: in motion a part of it may still be seen.
     void Ask(Pixels pixels, const SightPart& sight);
     // Nothing is to be made any more, nor taken.
     void Forget();
@@ -50,7 +50,7 @@ class SharpSight {
     std::condition_variable_any asked_;
     std::optional<Wish> wish_;
     Pixels making_;  // of whom something is being made and wanted
-    SIZE makingSize_{};
+    SightPart makingSight_{};
     std::shared_ptr<const SharpPart> made_;
     std::jthread thread_;  // begins with the first wish; last, as it uses the others
 };

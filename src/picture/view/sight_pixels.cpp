@@ -63,6 +63,11 @@ void MeanOfRows(const uint8_t* a, const uint8_t* b, size_t count, uint8_t* out) 
 
 }  // namespace
 
+bool AreMadeAlike(const SightPart& one, const SightPart& other) {
+    return one.shown.cx == other.shown.cx && one.shown.cy == other.shown.cy &&
+           one.light == other.light;
+}
+
 bool IsExactAsItIs(SIZE picture, SIZE shown) {
     return (shown.cx == picture.cx && shown.cy == picture.cy) ||
            shown.cx >= 2 * int64_t{picture.cx};

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "helpers/dib/unpack_row.h"
+#include "helpers/kernel/kernel_types.h"
 #include "picture/picture.h"
 
 namespace tessary {
@@ -24,12 +25,16 @@ struct PixelRows {
 
 // A part of a picture that is shown in a size of its own.
 struct SightPart {
-    SIZE shown{};  // the whole picture's size on the screen
-    RECT part{};   // in it
+    SIZE shown{};                                  // the whole picture's size on the screen
+    RECT part{};                                   // in it
+    kernel::Light light = kernel::Light::kStored;  // what it is mixed of where it is made sharp
 
     int Width() const { return part.right - part.left; }
     int Height() const { return part.bottom - part.top; }
 };
+
+// Whether parts of one picture, made sharp, fit together.
+bool AreMadeAlike(const SightPart& one, const SightPart& other);
 
 // Whether the nearest pixels are all that there is to see: at the picture's own size, and from
 // twice that on, where pixels are to be seen as such.

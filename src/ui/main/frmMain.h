@@ -189,6 +189,8 @@ class frmMain final : public Form, public PictureView {
 
     // The user has chosen another display size mode: what is shown takes it at once.
     void FollowSizeMode();
+    // What is mixed where pictures are resized may have been chosen anew.
+    void FollowLight();
     const StatusBar& statusInformation() const { return statusInformation_; }
     const InfoPane& Info() const { return info_; }
 

@@ -8,6 +8,7 @@
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
 #include "picture/show/picture_text.h"
+#include "picture/view/picture_kernel.h"
 #include "ui/form/activity.h"
 #include "ui/form/busy_pointer.h"
 #include "ui/form/menu.h"
@@ -275,6 +276,10 @@ void frmMain::FollowSizeMode() {
     ShowScale();
 }
 
+void frmMain::FollowLight() {
+    stage_.SetLight(ChosenLight());
+}
+
 void frmMain::ShowScale() {
     const long percent = std::lround(stage_.Seen().Scale() * 100);
     std::wstring text =
@@ -296,6 +301,7 @@ void frmMain::SetPicture(Picture picture, const Picture& prepared) {
     stage_.FollowRule(ChosenFitRule());
     stage_.KeepZoom(Values().general.keepZoom != 0 || keptPlace_);
     stage_.SetBackdrop(Values().general.backdrop);
+    stage_.SetLight(ChosenLight());
     frames_.Set({});
     PutIntoView(std::move(picture), prepared);
     orientation_ = exif::kUpright;

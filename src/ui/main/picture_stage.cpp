@@ -85,7 +85,7 @@ void PictureStage::SetPicture(Picture picture, const Picture& prepared) {
         if (prepared && !pixels_->HasAlpha() &&
             IsSame(sight_.Shown(), {prepared.Width(), prepared.Height()})) {
             const SIZE shown = sight_.Shown();
-            sharp_ = SharpPart::Of({shown, {0, 0, shown.cx, shown.cy}}, prepared);
+            sharp_ = SharpPart::Of({shown, {0, 0, shown.cx, shown.cy}, light_}, prepared);
         }
     });
 }
@@ -195,11 +195,11 @@ SightPart PictureStage::SeenPart() const {
     RECT seen{};
     IntersectRect(&seen, &picture, &box);
     OffsetRect(&seen, -picture.left, -picture.top);
-    return {sight_.Shown(), IsRectEmpty(&seen) ? RECT{} : seen};
+    return {sight_.Shown(), IsRectEmpty(&seen) ? RECT{} : seen, light_};
 }
 
 bool PictureStage::IsUsable(const SharpPart* sharp) const {
-    return sharp != nullptr && IsSame(sharp->Sight().shown, sight_.Shown());
+    return sharp != nullptr && AreMadeAlike(sharp->Sight(), {sight_.Shown(), {}, light_});
 }
 
 bool PictureStage::IsSharp() const {
@@ -275,6 +275,13 @@ void PictureStage::Draw() {
     }
     LayOverBackdrop(seen);
     ConvertColors(seen);
+}
+
+void PictureStage::SetLight(kernel::Light light) {
+    if (light == light_) return;
+    light_ = light;
+    Sharpen();
+    if (seen_) seen_();
 }
 
 void PictureStage::SetBackdrop(int16_t backdrop) {

@@ -70,6 +70,9 @@ class PictureStage {
     void DragTo(POINT at);
     void EndDrag();
 
+    // What is mixed where the picture is made sharp. What is seen stays until it is made anew.
+    void SetLight(kernel::Light light);
+
     // What is seen through the picture: a kBackdrop….
     void SetBackdrop(int16_t backdrop);
 
@@ -117,6 +120,7 @@ class PictureStage {
     ViewSurface surface_;
     std::shared_ptr<const color::Transform> drawnColors_;
     int16_t backdrop_ = 0;
+    kernel::Light light_ = kernel::Light::kStored;
     bool isDrawn_ = false;
     SharpSight sharpener_{[this] { box_.Nudge(); }};
 };

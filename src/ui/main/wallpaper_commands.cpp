@@ -46,9 +46,10 @@ Picture DesktopPicture(const SightRoom& room) {
     FitRule rule = ChosenFitRule();
     if (rule.sizeMode > kSizeModeScreen) rule = {.sizeMode = kSizeModeScreen};
     const SIZE wanted = FittedSize(own, rule, {room.whole, room.workArea});
-    const Picture resized = IsExactAsItIs(own, wanted)
-                                ? current.Another()
-                                : ResizePicture(current, wanted.cx, wanted.cy);
+    const Picture resized =
+        IsExactAsItIs(own, wanted)
+            ? current.Another()
+            : ResizePicture(current, wanted.cx, wanted.cy, Handover::kMemory, ChosenLight());
     const Picture opaque =
         resized ? OpaquePicture(resized.View(), FlatBackdrop(Values().general)) : Picture();
     const Picture& shown = opaque ? opaque : resized;

@@ -38,6 +38,7 @@ void DisplayPage::AttachControls() {
     Fields().Check(checkEnlargeSmall, Options().general.enlargeSmall);
     Fields().Check(checkHoldBoxes, Options().general.holdBoxes);
     Fields().Check(checkKeepZoom, Options().general.keepZoom);
+    Fields().Check(checkLinearLight, Options().general.linearLight);
     Fields().Check(checkSizeButton, Options().general.sizeButton);
     Fields().Choice(combDoubleClick, {L"100 % と全体を切り替える", L"全画面表示"},
                     Options().general.doubleClick);

@@ -94,6 +94,7 @@ void OptionCommands::Apply(const OptionValues& options, HWND owner) {
                former.holdBoxes != Values().general.holdBoxes) {
         window_.FollowSizeMode();
     }
+    window_.FollowLight();
     if (former.listOrder != Values().general.listOrder ||
         former.listDescending != Values().general.listDescending) {
         window_.Commands().Run(commandOrder_0 + Values().general.listOrder);

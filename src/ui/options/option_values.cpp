@@ -17,7 +17,7 @@ void PutRight(GeneralSettings& general) {
          {&general.useSPI, &general.dynamicSPILoad, &general.spiExt, &general.reduceColor,
           &general.reduce256ModeOnly, &general.saveReducedPicture, &general.readAhead,
           &general.enlargeSmall, &general.holdBoxes, &general.keepZoom, &general.doubleClick,
-          &general.sizeButton, &general.listNeighbours, &general.listDescending,
+          &general.sizeButton, &general.linearLight, &general.listNeighbours, &general.listDescending,
           &general.backToLast, &general.shortList, &general.goOnAtOnce}) {
         *flag = *flag == 1 ? 1 : 0;
     }

@@ -52,7 +52,8 @@ std::vector<double> ResizedAndTurned(const std::vector<Value>& in, size_t length
 
 }  // namespace
 
-std::vector<double> ReferenceResize(const dib::DibView& source, int32_t width, int32_t height) {
+std::vector<double> ReferenceResize(const dib::DibView& source, int32_t width, int32_t height,
+                                    Light light) {
     const dib::RowReader reader(source);
     const auto length = static_cast<size_t>(source.Width());
     const auto rows = static_cast<size_t>(source.Height());
@@ -61,12 +62,24 @@ std::vector<double> ReferenceResize(const dib::DibView& source, int32_t width, i
         reader.Row(source.Row(static_cast<int32_t>(y)),
                    std::span(pixels).subspan(y * length * 3, length * 3));
     }
-    return ResizedAndTurned(ResizedAndTurned(pixels, length, width), rows, height);
+    if (light == Light::kStored)
+        return ResizedAndTurned(ResizedAndTurned(pixels, length, width), rows, height);
+    std::vector<double> samples(pixels.begin(), pixels.end());
+    for (double& sample : samples) {
+        const double level = sample / 255;
+        sample = level <= 0.04045 ? level / 12.92 : std::pow((level + 0.055) / 1.055, 2.4);
+    }
+    samples = ResizedAndTurned(ResizedAndTurned(samples, length, width), rows, height);
+    for (double& sample : samples) {
+        const double part = std::clamp(sample, 0.0, 1.0);
+        sample = 255 * (part <= 0.0031308 ? part * 12.92 : 1.055 * std::pow(part, 1 / 2.4) - 0.055);
+    }
+    return samples;
 }
 
 double WorstDeviation(const dib::DibView& source, int32_t width, int32_t height,
-                      std::span<const uint8_t> rows) {
-    const std::vector<double> reference = ReferenceResize(source, width, height);
+                      std::span<const uint8_t> rows, Light light) {
+    const std::vector<double> reference = ReferenceResize(source, width, height, light);
     const size_t used = static_cast<size_t>(width) * 3;
     const size_t stride = rows.size() / static_cast<size_t>(height);
     double worst = 0;

@@ -19,22 +19,31 @@ constexpr auto k32 = PixelFormat::kBgrx32;
 
 // Whatever the processor has comes to the same.
 std::vector<uint8_t> Resized(const dib::DibView& source, int32_t width, int32_t height,
-                             ResizeFilter filter = ResizeFilter::kAutomatic) {
-    const uint64_t stride = dib::RowStride(static_cast<uint64_t>(width), 24);
+                             ResizeFilter filter = ResizeFilter::kAutomatic,
+                             Light light = Light::kStored) {
+    const uint64_t stride =
+        dib::RowStride(static_cast<uint64_t>(width), ResizedBits(source, light));
     std::vector<uint8_t> rows(static_cast<size_t>(stride) * static_cast<size_t>(height), 0xEE);
     std::vector<uint8_t> plain = rows;
     const Part all{0, 0, width, height};
-    Resize(source, width, height, all, filter, rows);
-    Resize(source, width, height, all, filter, plain, Instructions::kSse2);
+    constexpr auto kWhite = dib::Backdrop::kWhite;
+    Resize(source, width, height, all, filter, rows, BestInstructions(), kWhite, light);
+    Resize(source, width, height, all, filter, plain, Instructions::kSse2, kWhite, light);
     EXPECT_EQ(rows, plain) << "with this processor's own instructions";
     return rows;
 }
 
 void ExpectLikeReference(const SamplePicture& picture, int32_t width, int32_t height) {
     const dib::DibView source = picture.View();
-    EXPECT_LE(WorstDeviation(source, width, height, Resized(source, width, height)), kMostDeviation)
-        << source.Width() << 'x' << source.Height() << ", " << source.Header().bitCount
-        << " bits, to " << width << 'x' << height;
+    for (const Light light : {Light::kStored, Light::kLinear}) {
+        if (ResizedBits(source, light) == 32) continue;
+        const auto rows = Resized(source, width, height, ResizeFilter::kAutomatic, light);
+        // Near black a step of light is a tenth of a level, and half of one is lost.
+        const double most = light == Light::kStored ? kMostDeviation : 0.62;
+        EXPECT_LE(WorstDeviation(source, width, height, rows, light), most)
+            << source.Width() << 'x' << source.Height() << ", " << source.Header().bitCount
+            << " bits, to " << width << 'x' << height << (light == Light::kStored ? "" : ", light");
+    }
 }
 
 TEST(Resize, MixesEveryDepthAndSizeLikeTheReference) {
@@ -112,10 +121,32 @@ TEST(Resize, LeavesFlatPicturesFlat) {
             std::fill(picture.bits.begin(), picture.bits.end(), value);
             for (const ResizeFilter filter :
                  {ResizeFilter::kAutomatic, ResizeFilter::kLanczos3, ResizeFilter::kCatmullRom}) {
-                const std::vector<uint8_t> rows = Resized(picture.View(), 80, 60, filter);
-                EXPECT_EQ(std::count(rows.begin(), rows.end(), value), std::ssize(rows))
-                    << side << " wide, value " << int{value};
+                for (const Light light : {Light::kStored, Light::kLinear}) {
+                    const auto rows = Resized(picture.View(), 80, 60, filter, light);
+                    EXPECT_EQ(std::count(rows.begin(), rows.end(), value), std::ssize(rows))
+                        << side << " wide, value " << int{value};
+                }
             }
+        }
+    }
+}
+
+// What is clear has no say in the colours, and they are not multiplied by alpha in the result.
+TEST(Resize, KeepsAlphaInLinearLight) {
+    for (const int32_t side : {40, 333}) {
+        SamplePicture picture(PixelFormat::kBgra32, side, -side);
+        for (size_t i = 0; i < picture.bits.size(); i += 4) {
+            const bool isClear = i / 4 % 2 == 0;
+            const uint8_t pixel[] = {30, 140, 250, 255}, clear[] = {255, 0, 0, 0};
+            std::copy_n(isClear ? clear : pixel, 4, &picture.bits[i]);
+        }
+        const auto rows = Resized(picture.View(), 12, 9, ResizeFilter::kAutomatic, Light::kLinear);
+        ASSERT_EQ(rows.size(), 12u * 9 * 4);
+        for (size_t i = 0; i < rows.size(); i += 4) {
+            EXPECT_NEAR(rows[i], 30, 1);
+            EXPECT_NEAR(rows[i + 1], 140, 1);
+            EXPECT_NEAR(rows[i + 2], 250, 1);
+            EXPECT_NEAR(rows[i + 3], 127.5, 16) << i;
         }
     }
 }

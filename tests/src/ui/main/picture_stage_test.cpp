@@ -248,11 +248,53 @@ TEST_F(PictureStageTest, ShowsWhatIsBehindTransparency) {
     EXPECT_FALSE(stage_.IsSharp()) << "white stands in what was prepared";
     ASSERT_TRUE(WaitUntilSharp());
     expect(200.0 / 255, 4, "sharp");
+    stage_.SetLight(kernel::Light::kLinear);
+    ASSERT_TRUE(WaitUntilSharp());
+    expect(200.0 / 255, 4, "of light");
     stage_.SetBackdrop(kBackdropBlack);
     box_.Refresh();
     const HDC context = GetDC(box_.Handle());
     EXPECT_EQ(GetPixel(context, 100, 110), RGB(0, 0, 0));
     ReleaseDC(box_.Handle(), context);
+}
+
+TEST_F(PictureStageTest, MixesLightWhereThatIsChosenAndKeepsWhatIsSeenUntilThen) {
+    const auto levelOnScreen = [&] {
+        box_.Refresh();
+        const HDC context = GetDC(box_.Handle());
+        int sum = 0;
+        for (int i = 0; i < 64; ++i)
+            sum += GetGValue(GetPixel(context, 60 + i % 8, 60 + i / 8));
+        ReleaseDC(box_.Handle(), context);
+        return sum / 64;
+    };
+    // Every other pixel is white: half the light of white is that of level 188.
+    const Picture pattern = test::PictureOf(400, 300, [](std::span<uint8_t> rows) {
+        for (size_t i = 0; i < rows.size(); ++i)
+            rows[i] = (i % 1200 / 3 + i / 1200) % 2 == 0 ? 255 : 0;
+    });
+    SetMode(kSizeModeWindow);
+    stage_.SetPicture(pattern.Another(), {});
+    ASSERT_TRUE(WaitUntilSharp());
+    EXPECT_NEAR(levelOnScreen(), 128, 3);
+    stage_.SetLight(kernel::Light::kLinear);
+    EXPECT_FALSE(stage_.IsSharp());
+    EXPECT_NEAR(levelOnScreen(), 128, 3) << "until it is made anew";
+    ASSERT_TRUE(WaitUntilSharp());
+    EXPECT_NEAR(levelOnScreen(), 188, 3);
+    stage_.ZoomBy(1.1, {100, 75});
+    const SIZE zoomed = stage_.Seen().Shown();
+    stage_.SetLight(kernel::Light::kStored);
+    ASSERT_TRUE(WaitUntilSharp());
+    EXPECT_NEAR(levelOnScreen(), 128, 6);
+    EXPECT_EQ(stage_.Seen().Shown().cx, zoomed.cx);
+    stage_.SetLight(kernel::Light::kLinear);
+    const Picture prepared =
+        ResizePicture(pattern, 200, 150, Handover::kNoFile, kernel::Light::kLinear);
+    stage_.ToggleFit({});
+    stage_.SetPicture(pattern.Another(), prepared);
+    EXPECT_TRUE(stage_.IsSharp());
+    EXPECT_NEAR(levelOnScreen(), 188, 3);
 }
 
 TEST_F(PictureStageTest, ScrollBarsTakeAndLeadTheirWay) {
