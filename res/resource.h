@@ -68,6 +68,9 @@
 #define commandFullScreen 1250
 #define commandFirstFile 1251  // or member
 #define commandLastFile 1252
+#define commandReadOn 1253  // scrolls on, then steps
+#define commandReadBack 1254
+#define commandPauseMotion 1255  // of the player
 #define commandZoomIn 1260
 #define commandZoomOut 1261
 #define commandToggleFit 1262  // 100 %, or the whole picture in the window
@@ -289,8 +292,9 @@
 #define checkShortList 3354
 #define combAtListEnd 3355
 #define checkBackToLast 3356
-#define checkRemember 3357
-#define checkGoOnAtOnce 3358
+#define checkSpaceScrolls 3357
+#define checkRemember 3358
+#define checkGoOnAtOnce 3359
 
 #define sliderSlideShowTime 3300
 #define labelSlideShowTime 3301
@@ -308,6 +312,10 @@
 #define combDoubleClick 3313
 #define checkPlayAnimation 3314
 #define checkLinearLight 3315
+#define checkPlainTitle 3317
+#define checkNotePlace 3318
+#define checkShowLoops 3319
+#define checkShowRandom 3320
 
 // One of each for every row of the page of formats; further ones follow.
 #define cmdFileFormatEnv_0 3400

@@ -26,7 +26,8 @@ constexpr wchar_t kKey[] = LR"(Software\Tessary_Viewer_Bench)";
 HWND WindowOf(const ChildProcess& viewer) {
     while (viewer.IsRunning()) {
         HWND window = nullptr;
-        while ((window = FindWindowExW(nullptr, window, nullptr, L"てっさりビューア")) != nullptr) {
+        while ((window = FindWindowExW(nullptr, window, L"TessaryMainWindow", nullptr)) !=
+               nullptr) {
             DWORD owner = 0;
             GetWindowThreadProcessId(window, &owner);
             if (owner == viewer.Id() && IsWindowVisible(window)) return window;

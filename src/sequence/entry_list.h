@@ -36,6 +36,8 @@ class EntryList {
     void SetMirror(EntryMirror& mirror) { mirror_ = &mirror; }
     // What selecting an entry does.
     void OnSelect(std::function<void()> handler) { select_ = std::move(handler); }
+    // Told behind each change of the entries or the cursor; it must cost next to nothing.
+    void OnChange(std::function<void()> handler) { change_ = std::move(handler); }
 
     int Count() const { return static_cast<int>(entries_.size()); }
     bool IsEmpty() const { return entries_.empty(); }
@@ -69,6 +71,7 @@ class EntryList {
     void Add(Entry entry) {
         entries_.push_back(std::move(entry));
         if (mirror_ != nullptr) mirror_->EntryAdded(entries_.back().*kText);
+        Changed();
     }
 
     // The cursor stays with its entry; that of a removed one is gone.
@@ -77,6 +80,7 @@ class EntryList {
         if (mirror_ != nullptr) mirror_->EntryRemoved(index);
         if (cursor_ == index) SetCursor(-1);
         if (cursor_ > index) SetCursor(cursor_ - 1);
+        Changed();
     }
 
     // Takes these in place of all others, with the cursor where it is said; nothing is selected
@@ -100,6 +104,7 @@ class EntryList {
         entries_.clear();
         cursor_ = -1;
         if (mirror_ != nullptr) mirror_->EntriesCleared();
+        Changed();
     }
 
     int Cursor() const { return cursor_; }
@@ -111,6 +116,7 @@ class EntryList {
     void SetCursor(int index) {
         cursor_ = index < Count() ? index : -1;
         if (mirror_ != nullptr) mirror_->CursorMoved(cursor_);
+        Changed();
     }
 
     // Moves the cursor and does what selecting the entry does, whoever selects; -1 takes the
@@ -121,10 +127,15 @@ class EntryList {
     }
 
   private:
+    void Changed() const {
+        if (change_) change_();
+    }
+
     std::vector<Entry> entries_;
     int cursor_ = -1;
     EntryMirror* mirror_ = nullptr;
     std::function<void()> select_;
+    std::function<void()> change_;
 };
 
 }  // namespace tessary

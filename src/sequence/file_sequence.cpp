@@ -58,9 +58,16 @@ void FileSequence::LeaveArchive() {
 
 StepTarget FileSequence::Find(int steps, bool inArchive, bool goesRound, KindSource& kinds) const {
     StepTarget target;
-    if (inArchive && !members_.IsEmpty()) target.member = FindMember(steps);
+    if (inArchive) target = FindInArchive(steps);
     target.leavesArchive = steps != 0;
     if (target.leavesArchive) FindFile(steps, goesRound, kinds, target);
+    return target;
+}
+
+StepTarget FileSequence::FindInArchive(int& steps) const {
+    StepTarget target;
+    if (!members_.IsEmpty()) target.member = FindMember(steps);
+    target.leavesArchive = steps != 0;
     return target;
 }
 

@@ -83,6 +83,10 @@ class FileSequence {
     // file, or no selection before the first.
     StepTarget Find(int steps, bool inArchive, bool goesRound, KindSource& kinds) const;
 
+    // The same among the members alone: those that the steps lead to, which are left in `steps`
+    // where the members do not take them all.
+    StepTarget FindInArchive(int& steps) const;
+
     // Puts the files, and the members but for pages, into that order; the selected ones stay so.
     void SortBy(const EntryOrder& order);
 

@@ -24,12 +24,12 @@ RunningViewer::RunningViewer(const std::wstring& folder, const std::wstring& arg
           L'"' + folder + L"TessaryViewer.exe\" " + arguments,
           {.environment = {{L"TESSARY_SETTINGS_KEY", settingsKey}}, .showCommand = showCommand}) {}
 
-HWND RunningViewer::WindowOfCaption(const std::wstring& caption) const {
+HWND RunningViewer::WindowOf(const wchar_t* className, const wchar_t* caption) const {
     HWND found = nullptr;
     WaitUntil([&] {
         DWORD owner = 0;
         do {
-            found = FindWindowExW(nullptr, found, nullptr, caption.c_str());
+            found = FindWindowExW(nullptr, found, className, caption);
             GetWindowThreadProcessId(found, &owner);
         } while (found != nullptr && (owner != process_.Id() || !IsWindowVisible(found)));
         return found != nullptr || !process_.IsRunning();

@@ -24,9 +24,12 @@ class RunningViewer {
     RunningViewer(const std::wstring& folder, const std::wstring& arguments,
                   const std::wstring& settingsKey, WORD showCommand = SW_SHOWDEFAULT);
 
-    // The visible top-level window of that caption; null when there is none within the time of
-    // WaitUntil.
-    HWND WindowOfCaption(const std::wstring& caption) const;
+    // The visible top-level window of that caption, and the main one, which tells what is shown;
+    // null when there is none within the time of WaitUntil.
+    HWND WindowOfCaption(const std::wstring& caption) const {
+        return WindowOf(nullptr, caption.c_str());
+    }
+    HWND MainWindow() const { return WindowOf(L"TessaryMainWindow", nullptr); }
 
     // The text of a part, counted from 0, of the main window's status bar.
     std::wstring StatusText(HWND mainWindow, int part) const;
@@ -35,6 +38,8 @@ class RunningViewer {
     int ExitCode() const;
 
   private:
+    HWND WindowOf(const wchar_t* className, const wchar_t* caption) const;
+
     ChildProcess process_;
 };
 

@@ -26,7 +26,7 @@ class ViewerTest : public testing::Test {
     }
     // Waits for the main window.
     void FindMain() {
-        main_ = viewer_->WindowOfCaption(kCaption);
+        main_ = viewer_->MainWindow();
         ASSERT_NE(main_, nullptr);
     }
     // What a message box of that caption says; closes it.

@@ -79,9 +79,14 @@ struct GeneralSettings {
     int32_t orderSeed = 1;       // of the random order
     int16_t unclaimed = kUnclaimedHidden;
     int16_t atListEnd = kEndStays;
-    int16_t backToLast = 1;  // 1: a step back into an archive leads to its last picture
-    int16_t shortList = 0;   // 1: lists end at kShortListCount entries
-    int16_t goOnAtOnce = 0;  // 1: what is opened once more is shown where the user stopped
+    int16_t backToLast = 1;    // 1: a step back into an archive leads to its last picture
+    int16_t shortList = 0;     // 1: lists end at kShortListCount entries
+    int16_t showLoops = 0;     // 1: a slide show goes round at the ends
+    int16_t showRandom = 0;    // 1: it goes through the files in random order
+    int16_t spaceScrolls = 1;  // 1: Space goes through a picture before it leads to the next
+    int16_t plainTitle = 0;    // 1: the title does not tell what is shown
+    int16_t notePlace = 1;     // 1: on the full screen each step tells name and place
+    int16_t goOnAtOnce = 0;    // 1: what is opened once more is shown where the user stopped
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 

@@ -108,6 +108,11 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"AtListEnd", general.atListEnd, L"1");
     transfer(L"BackToLast", general.backToLast, L"1");
     transfer(L"ShortList", general.shortList, L"0");
+    transfer(L"ShowLoops", general.showLoops, L"0");
+    transfer(L"ShowRandom", general.showRandom, L"0");
+    transfer(L"SpaceScrolls", general.spaceScrolls, L"1");
+    transfer(L"PlainTitle", general.plainTitle, L"0");
+    transfer(L"NotePlace", general.notePlace, L"1");
     transfer(L"GoOnAtOnce", general.goOnAtOnce, L"0");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");

@@ -24,6 +24,7 @@ constexpr int kFrame = 1;
 constexpr int kMargin = 4;
 constexpr int kGripWidth = 8;
 constexpr int kInfoHeight = 20;
+constexpr int kThumbHeight = 18;
 constexpr int kFoldedHeight = BarPlace::kFoldedHeight;
 constexpr int kUnfoldedHeight = BarPlace::kUnfoldedHeight;
 
@@ -73,6 +74,8 @@ frmControl::frmControl(frmMain& window)
     sequence_.Members().SetMirror(membersMirror_);
     sequence_.Members().OnSelect([this] { listArchiveFile_Click(); });
     sequence_.Marks().SetMirror(deletePanel_);
+    sequence_.Files().OnChange([this] { PlaceChanged(); });
+    sequence_.Members().OnChange([this] { PlaceChanged(); });
     RegisterCommands();
     RegisterListCommands();
     window_.OnPictureShownChanged([this] {
@@ -139,6 +142,8 @@ void frmControl::CreateControls() {
     coolBar_.OnBackgroundPress([this] { SendMessageW(Handle(), WM_LBUTTONDOWN, 0, 0); });
     name(infoName_, L"表示中のファイル");
     textFileInfo_.CreateReadOnly(Handle());
+    name(placeName_, L"位置");
+    placeSlider_.Create(Handle(), L"位置");
 
     const auto keys = [this](int keyCode, int shift) { return PassKeyOn(keyCode, shift); };
     makeList(listFileName_, filesName_, L"ファイルの一覧");
@@ -160,6 +165,7 @@ void frmControl::Form_MetricsChanged() {
     }
     deletePanel_.SetFont(font_.Get());
     coolBar_.ChangeMetrics();
+    placeSlider_.SetThumb(Metrics(Handle()).Scale(kThumbHeight));
 }
 
 void frmControl::Unload() {
@@ -178,6 +184,7 @@ void frmControl::Form_QueryUnload(bool& cancel) {
 void frmControl::Form_Unload() {
     player_.Stop();
     wishesDue_.Stop();
+    placeDue_.Stop();
     follower_.End();
     wishes_ = {};
     SavePlace();
@@ -201,10 +208,12 @@ void frmControl::Form_Resize(int width, int /*height*/) {
                        width - scale(kGripWidth) - frame, buttons);
 
     const int info = above + scale(kFoldedHeight + 1);
-    textFileInfo_.SetBounds(margin, info, inner, scale(kInfoHeight));
+    const int fileWidth = (inner - margin) * 3 / 5;
+    textFileInfo_.SetBounds(margin, info, fileWidth, scale(kInfoHeight));
+    placeSlider_.Window().SetBounds(2 * margin + fileWidth, info, inner - margin - fileWidth,
+                                    scale(kInfoHeight));
     const int lists = info + scale(kInfoHeight) + margin / 2;
     const int listHeight = above + scale(kUnfoldedHeight) - margin - lists;
-    const int fileWidth = (inner - margin) * 3 / 5;
     listFileName_.SetBounds(margin, lists, fileWidth, listHeight);
     listArchiveFile_.SetBounds(2 * margin + fileWidth, lists, inner - margin - fileWidth,
                                listHeight);
@@ -222,8 +231,8 @@ void frmControl::Layout() {
 void frmControl::ShowFoldedOrNot() {
     const bool unfolded = place_.IsPanelOpen() || !IsRollUp();
     if (IsChild(Handle(), GetFocus())) lastFocus_ = GetFocus();
-    for (Control* const control :
-         std::initializer_list<Control*>{&textFileInfo_, &listFileName_, &listArchiveFile_}) {
+    for (Control* const control : std::initializer_list<Control*>{
+             &textFileInfo_, &placeSlider_.Window(), &listFileName_, &listArchiveFile_}) {
         control->SetVisible(unfolded);
     }
     deletePanel_.SetVisible(place_.IsPanelOpen());

@@ -13,12 +13,14 @@
 #include "picture/show/member_list.h"
 #include "picture/show/modShowPicture.h"
 #include "sequence/file_sequence.h"
+#include "sequence/random_way.h"
 #include "ui/control/bar_place.h"
 #include "ui/control/bar_texts.h"
 #include "ui/control/delete_list.h"
 #include "ui/control/delete_panel.h"
 #include "ui/control/folder_follower.h"
 #include "ui/control/list_box_mirror.h"
+#include "ui/control/place_slider.h"
 #include "ui/control/player.h"
 #include "ui/control/toolbar_images.h"
 #include "ui/control/wishes.h"
@@ -80,6 +82,9 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void ClearLists() override;
     std::vector<std::wstring> FileList() const override { return sequence_.Files().Texts(); }
     bool IsPlaying() const override { return player_.IsPlaying(); }
+    void PauseMotion() override;
+    bool IsPaused() const override { return player_.IsPaused(); }
+    void StepBackToBottom() override;
     void WishCommand(int command) override;
     bool AwaitsFile() const override;
     Urge UrgeForElse() const override;
@@ -103,6 +108,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     const ListBox& listArchiveFile() const { return listArchiveFile_; }
     const ListBox& listDelete() const { return deletePanel_.List(); }
     const TextBox& textFileInfo() const { return textFileInfo_; }
+    const Slider& sliderPlace() const { return placeSlider_.Window(); }
     const Toolbar& CoolBar() const { return coolBar_; }
     // Whether a click on the button does something now.
     bool IsUsable(BarButton button) const;
@@ -155,6 +161,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
 
     // --- Stepping, and what is asked for meanwhile (frmControl_wishes.cpp) ---
     bool MoveBy(int steps, bool inArchive);
+    bool GoesAtRandom(int steps) const;
+    StepTarget FindAtRandom(int steps, bool inArchive, Search& search);
     void StepAndStay(int steps, bool inArchive);
     bool IsLoading() const { return window_.IsReading(); }
     bool LeadsElsewhere(int steps) const;
@@ -173,10 +181,16 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void ShowRenamed(int file);
     void GoToEnd(bool isLast);
     void SelectFile(int file, bool fromBehind);
+    bool GoBeyondEnd(int steps, int16_t atEnd, bool isRandom);
     void TellEnd(int step);
     void TellRound(int step);
     bool GoToNextFolder(int step);
     bool BeginWithin(const Place& start, bool fromBehind);
+
+    // --- Where the user is (frmControl_place.cpp) ---
+    void PlaceChanged();
+    void TellPlace();
+    void GoTo(const EntryPlace& place);
 
     // --- Reading ahead (frmControl_ahead.cpp) ---
     bool IsInMotion() const;
@@ -210,16 +224,23 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     frmMain& window_;
     UniqueFont font_;
     Label infoName_;  // out of sight: screen readers name a list or field by the label before it
+    Label placeName_;
     Label filesName_;
     Label membersName_;
     Toolbar coolBar_;
     TextBox textFileInfo_;
+    PlaceSlider placeSlider_{
+        {.passes =
+             [this](const EntryPlace& place) { window_.ShowNote(PlaceText(sequence_, place)); },
+         .chooses = [this](const EntryPlace& place) { GoTo(place); },
+         .released = [this] { PlaceChanged(); }}};
     ListBox listFileName_;
     ListBox listArchiveFile_;
     ListBoxMirror filesMirror_{listFileName_};
     ListBoxMirror membersMirror_{listArchiveFile_};
     DeletePanel deletePanel_;
     FileSequence sequence_;
+    RandomWay randomWay_{GetTickCount()};  // of the slide show
     DeleteList deleteList_{sequence_, *this};
     BarPlace place_;
     BarTexts texts_;
@@ -227,6 +248,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     FolderFollower follower_{
         [this](std::vector<ListedFile>& files, int opened) { return TakeFolder(files, opened); }};
     bool entersAtEnd_ = false;  // the archive that is selected, which opens with its last picture
+    bool wantsBottom_ = false;  // the next button does
+    bool toBottom_ = false;     // a step back does
     Place startAt_;             // what is shown of its file, when that is shown next
     bool formLoaded_ = false;
     bool unloading_ = false;
@@ -248,6 +271,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     int stops_ = 0;             // how often the stop button was pressed
     int starts_ = 0;            // how often a motion was started
     Timer wishesDue_{[this] { CarryOutWishes(); }};
+    Timer placeDue_{[this] { TellPlace(); }};
     Accelerators accelerators_;
     MessageFilter dialogKeys_;
     MessageFilter repeats_{[this](const MSG& message) {

@@ -85,7 +85,11 @@ void frmControl::PlanAhead(const AheadEntry& shown) {
     const int step = player_.IsPlaying() ? (player_.GoesBack() ? -1 : 1) : travel_;
     const int count = IsLoading() ? std::max(kNeighbours, ReadingThreads() + 1) : kNeighbours;
     std::vector<AheadEntry> next;
-    Append(Walk(sequence_, step), count, next);
+    const std::wstring drawn = GoesAtRandom(step) && step > 0 && !sequence_.IsInArchive()
+                                   ? randomWay_.Coming(sequence_.Files())
+                                   : std::wstring();
+    if (!drawn.empty()) next.push_back({.path = drawn});
+    Append(Walk(sequence_, step), drawn.empty() ? count : 0, next);
     Append(Walk(sequence_, -step), 1, next);
     Ahead().Plan(std::move(next), shown, PreparationFor(window_));
 }

@@ -26,6 +26,9 @@ bool frmControl::IsKeyOfProgram(const MSG& key) const {
                    !(onButton || deletePanel_.IsListFocused());
         case VK_SPACE:
             return !onButton;
+        case VK_PRIOR:
+        case VK_NEXT:
+            return !placeSlider_.Window().HasFocus();
         case VK_HOME:
         case VK_END:
             return GetFocus() == Handle() || GetFocus() == coolBar_.Handle();
@@ -37,6 +40,7 @@ bool frmControl::IsKeyOfProgram(const MSG& key) const {
 bool frmControl::TakesMessage(MSG& message) {
     if (Handle() == nullptr) return false;
     if (message.hwnd != Handle() && !IsChild(Handle(), message.hwnd)) return false;
+    if (window_.TakesSideButton(message)) return true;
     switch (message.message) {
         case WM_KEYDOWN:
             if (message.wParam != VK_TAB) return false;

@@ -76,6 +76,7 @@ void frmControl::Burst::ShowLists() {
 // The entries change under the user's hands.
 void frmControl::DisableParts() {
     listsChange_ = true;
+    placeSlider_.Window().SetEnabled(false);
     listFileName_.SetEnabled(false);
     listArchiveFile_.SetEnabled(false);
     UpdateToolbar();
@@ -84,6 +85,7 @@ void frmControl::DisableParts() {
 void frmControl::EnableParts(HWND focused) {
     listsChange_ = false;
     if (Handle() == nullptr) return;
+    placeSlider_.Window().SetEnabled(SelectedPlace(sequence_).count > 1);
     listFileName_.SetEnabled(true);
     listArchiveFile_.SetEnabled(sequence_.IsInArchive());
     UpdateToolbar();
@@ -105,6 +107,7 @@ bool frmControl::ShowList(std::span<const ListedFile> files, size_t first) {
     if (busy_ > 0 || !Load(window_.Handle())) return false;
     follower_.End();
     wishes_.ForgetMoves();
+    randomWay_.Forget();
     shownPath_.clear();
     FillFileList(files);
     EndLoad();
@@ -173,6 +176,7 @@ void frmControl::ClearLists() {
 void frmControl::PictureReplaced(const std::wstring& info) {
     shownPath_.clear();
     memberPages_ = 0;
+    PlaceChanged();
     if (formLoaded_) texts_.TellInfo(info);
 }
 
@@ -238,6 +242,7 @@ void frmControl::ShowVanished(const std::wstring& path) {
     failure_.clear();
     ShowNoArchive();
     texts_.TellNotShown(KindTag(kFileUnknown) + name);
+    TellPlace();
 }
 
 void frmControl::ShowEmptyList() {
@@ -382,6 +387,7 @@ std::wstring frmControl::Failure() const {
 
 void frmControl::EndLoad() {
     CurrentActivity().pictureLoading = false;
+    burst_ == nullptr ? TellPlace() : PlaceChanged();
     window_.CloseIfAsked();
 }
 

@@ -21,6 +21,8 @@ constexpr wchar_t kFirstIsShown[] = L"最初のファイルです。";
 constexpr wchar_t kLastIsShown[] = L"最後のファイルです。";
 constexpr wchar_t kWentToFirst[] = L"最初のファイルに戻りました。";
 constexpr wchar_t kWentToLast[] = L"最後のファイルに移りました。";
+constexpr wchar_t kRandomIsOver[] = L"スライドショーが一巡しました。";
+constexpr wchar_t kRandomBegan[] = L"ランダム表示はここから始まりました。";
 constexpr wchar_t kNoNextFolder[] = L"次のフォルダはありません。";
 constexpr wchar_t kNoFormerFolder[] = L"前のフォルダはありません。";
 
@@ -169,6 +171,25 @@ void frmControl::SelectFile(int file, bool fromBehind) {
     entersAtEnd_ = fromBehind && Values().general.backToLast != 0;
     sequence_.Files().Select(file);
     entersAtEnd_ = false;
+}
+
+// True when that leads to another picture.
+bool frmControl::GoBeyondEnd(int steps, int16_t atEnd, bool isRandom) {
+    const bool isWayBack = isRandom && steps < 0;
+    const bool loops = player_.IsShow() && Values().general.showLoops != 0 && !isWayBack;
+    if (loops && sequence_.IsInArchive() && !sequence_.Members().IsEmpty()) {
+        // There is nothing but this archive.
+        sequence_.Members().Select(
+            static_cast<int>(OpeningMember(sequence_.Members().All(), steps < 0)));
+        return true;
+    }
+    if (isWayBack || (isRandom && atEnd != kEndNextFolder)) {
+        window_.ShowNote(isWayBack ? kRandomBegan : kRandomIsOver);
+        return false;
+    }
+    if (atEnd == kEndNextFolder) return GoToNextFolder(steps > 0 ? 1 : -1);
+    if (atEnd == kEndStays || atEnd == kEndGoesRound) TellEnd(steps);
+    return false;
 }
 
 bool frmControl::GoTo(const Place& place) {

@@ -1,5 +1,6 @@
 // The control bar's toolbar: the player's buttons, display size, and what else it starts.
 #include <algorithm>
+#include <utility>
 
 #include "app/settings/modValue.h"
 #include "picture/show/modShowPicture.h"
@@ -37,6 +38,7 @@ bool WaitsForTheEnd(BarButton button) {
 }  // namespace
 
 void frmControl::CoolBar_ButtonClick(BarButton button) {
+    toBottom_ = std::exchange(wantsBottom_, false);
     if (!IsUsable(button)) return;
     if (IsLoading() && BecomesWish(button)) return;
     const bool isStep = button == BarButton::kStepBack || button == BarButton::kStepForward;
@@ -104,6 +106,18 @@ void frmControl::StartMotion(BarButton motion) {
     if (motion != BarButton::kRewind || !sequence_.IsInArchive() || IsLoading()) return;
     FileSequence::MemberEntries& members = sequence_.Members();
     if (members.Cursor() > 0) members.Select(members.Cursor() - 1);
+}
+
+void frmControl::PauseMotion() {
+    if (!player_.IsPlaying() && !player_.IsPaused()) return;
+    player_.TogglePause();
+    window_.ShowNote(player_.IsPaused() ? L"一時停止（Space で再開）" : L"再開");
+    UpdateToolbar();
+}
+
+void frmControl::StepBackToBottom() {
+    wantsBottom_ = true;
+    CoolBar_ButtonClick(BarButton::kStepBack);
 }
 
 // A picture that is there in a moment is shown, when only the motion was to stop.
@@ -207,11 +221,12 @@ void frmControl::UpdateToolbar() {
     const bool stands = window_.Frames().IsThere() && window_.Frames().IsPaused();
     SetImage(BarButton::kPauseFrames,
              stands ? ToolbarImage::kPlayFrames : ToolbarImage::kPauseFrames);
+    const bool isOn = player_.IsPlaying() || player_.IsPaused();
     for (const ToolbarItem& item : ControlBarItems()) {
         if (item.kind == ToolbarItem::Kind::kSeparator) continue;
         const auto button = static_cast<BarButton>(item.index);
         coolBar_.EnableButton(item.index, IsUsable(button));
-        coolBar_.CheckButton(item.index, player_.IsPlaying() && button == player_.PlayMode());
+        coolBar_.CheckButton(item.index, isOn && button == player_.PlayMode());
     }
 }
 

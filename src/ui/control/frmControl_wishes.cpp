@@ -76,25 +76,50 @@ bool frmControl::MoveBy(int steps, bool inArchive) {
     wishes_.isMotion = false;
     travel_ = steps < 0 ? -1 : 1;
     Search search(*this);
-    const int16_t atEnd = Values().general.atListEnd;
-    const StepTarget target = sequence_.Find(steps, inArchive, atEnd == kEndGoesRound, search);
+    const bool loops = player_.IsShow() && Values().general.showLoops != 0;
+    const int16_t atEnd = loops ? kEndGoesRound : Values().general.atListEnd;
+    const bool isRandom = GoesAtRandom(steps);
+    const StepTarget target =
+        isRandom ? FindAtRandom(steps, inArchive, search)
+                 : sequence_.Find(steps, inArchive, atEnd == kEndGoesRound, search);
     search.End();
     bool moved = target.isKnown;
+    window_.ArriveAtBottom(std::exchange(toBottom_, false) && steps < 0);
     if (target.file) search.Hear();
     if (search.IsOverruled()) {
         moved = wishes_.file;
     } else if (target.file && (moved || atEnd == kEndListed)) {
         SelectFile(*target.file, steps < 0);
-        if (moved && target.wentRound) TellRound(steps);
+        if (moved && target.wentRound && !loops) TellRound(steps);
     } else if (target.leavesArchive && !target.member) {
-        if (atEnd == kEndNextFolder) moved = GoToNextFolder(steps > 0 ? 1 : -1);
-        if (atEnd == kEndStays || atEnd == kEndGoesRound) TellEnd(steps);
+        moved = GoBeyondEnd(steps, atEnd, isRandom);
     }
     if (!moved && target.member && !(target.leavesArchive && wishes_.Moves())) {
         sequence_.Members().Select(*target.member);
     }
+    window_.ArriveAtBottom(false);
     window_.CloseIfAsked();
     return moved || target.member;
+}
+
+// In a show; and a step back from where it has led goes as it came.
+bool frmControl::GoesAtRandom(int steps) const {
+    if (Values().general.showRandom == 0 || std::abs(steps) != 1) return false;
+    return player_.IsShow() || (steps < 0 && randomWay_.LeadsBack(sequence_.Files()));
+}
+
+// The pages of an archive are shown in their order.
+StepTarget frmControl::FindAtRandom(int steps, bool inArchive, Search& search) {
+    StepTarget target;
+    target.leavesArchive = true;
+    const bool isBack = steps < 0;
+    if (inArchive) target = sequence_.FindInArchive(steps);
+    if (!target.leavesArchive) return target;
+    const FileSequence::FileEntries& files = sequence_.Files();
+    target.file = isBack ? randomWay_.Back(files)
+                         : randomWay_.Next(files, Values().general.showLoops != 0, search);
+    target.isKnown = target.file.has_value();
+    return target;
 }
 
 // Ends a motion, but not one that is started in the middle of the step.

@@ -118,10 +118,10 @@ void OpenCommands::menuFileOpen_Click() {
         std::vector<FoundFile> files;
         for (const std::wstring& path : chosen.paths)
             files.push_back(NamedFileOf(path));
-        const ListSource source =
-            chosen.paths.size() == 1 ? ListSource::kOneFile : ListSource::kFiles;
+        const bool isOne = chosen.paths.size() == 1;
         window_.OpenByHand(chosen.paths, [&] {
-            return bar_.OpenFiles(Arranged(std::move(files), ChosenArrangement()), source);
+            return bar_.OpenFiles(Arranged(std::move(files), ChosenArrangement()),
+                                  isOne ? ListSource::kOneFile : ListSource::kFiles);
         });
         if (chosen.paths.size() == 1) window_.TellFailure(bar_.Failure());
     } catch (...) {

@@ -19,6 +19,7 @@ int32_t Elapsed(DWORD since, DWORD now) {
 
 void Player::Start(BarButton motion) {
     playMode_ = motion;
+    isPaused_ = false;
     // After weeks without a step the time since the last one would seem to lie ahead.
     if (Elapsed(lastStep_, GetTickCount()) < 0) {
         lastStep_ = GetTickCount() - static_cast<DWORD>(INT16_MAX) - 1;
@@ -28,8 +29,19 @@ void Player::Start(BarButton motion) {
 }
 
 void Player::HaltTimer() {
+    isPaused_ = false;
     timer1_.Stop();
     KeepScreenOn(false);
+}
+
+void Player::TogglePause() {
+    if (isPaused_) {
+        Start(playMode_);
+        RestartPause();
+    } else if (IsPlaying()) {
+        HaltTimer();
+        isPaused_ = true;
+    }
 }
 
 void Player::Stop() {

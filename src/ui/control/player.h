@@ -38,12 +38,18 @@ class Player {
     // The stop button.
     void Stop();
 
+    // A motion stands still, or goes on.
+    void TogglePause();
+    bool IsPaused() const { return isPaused_; }
+
     // Another picture than the next step's has come up.
     void RestartPause();
 
     // The button that last started or stopped a motion.
     BarButton PlayMode() const { return playMode_; }
     bool IsPlaying() const { return timer1_.IsRunning(); }
+    // Whether pictures follow each other with time to look at them.
+    bool IsShow() const { return IsPlaying() && !IsFast(); }
     // Whether a motion goes back through the entries.
     bool GoesBack() const {
         return IsPlaying() &&
@@ -65,6 +71,7 @@ class Player {
 
     Steps steps_;
     BarButton playMode_ = BarButton::kStop;
+    bool isPaused_ = false;
     DWORD lastStep_ = 0;  // tick count after the last timed step
     std::optional<StayAwake> awake_;
     Timer timer1_{[this] { Timer1_Timer(GetTickCount()); }};

@@ -112,7 +112,7 @@ std::optional<LRESULT> Control::Reflect(UINT message, WPARAM wParam, LPARAM lPar
         case WM_HSCROLL:
         case WM_VSCROLL:
             if (Control* const control = Of(reinterpret_cast<HWND>(lParam))) {
-                control->OnScroll();
+                control->OnScroll(LOWORD(wParam));
                 return 0;
             }
             return std::nullopt;

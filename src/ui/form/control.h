@@ -65,11 +65,11 @@ class Control {
     virtual void OnAttached() {}
 
     // What the control tells its parent: notification code and number of WM_COMMAND, a WM_NOTIFY
-    // record, an owner-drawn item, a moved slider.
+    // record, an owner-drawn item, a moved slider and how it was moved (TB_…).
     virtual void OnCommand(WORD /*notification*/, WORD /*id*/) {}
     virtual std::optional<LRESULT> OnNotify(NMHDR& /*header*/) { return std::nullopt; }
     virtual void OnDrawItem(const DRAWITEMSTRUCT& /*item*/) {}
-    virtual void OnScroll() {}
+    virtual void OnScroll(int /*code*/) {}
 
     // The control's own messages, before the system's procedure sees them.
     virtual std::optional<LRESULT> OnOwnMessage(UINT message, WPARAM wParam, LPARAM lParam);

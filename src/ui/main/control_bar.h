@@ -105,6 +105,13 @@ class ControlBar {
     // Whether a slide show or another motion runs.
     virtual bool IsPlaying() const = 0;
 
+    // Has what runs stand still, or go on; whether it stands still.
+    virtual void PauseMotion() {}
+    virtual bool IsPaused() const { return false; }
+
+    // Steps back; what is higher than the view arrives with its lower end.
+    virtual void StepBackToBottom() { Press(BarButton::kStepBack); }
+
     // Runs a command of the main window at the end of what is being loaded, unless the user wants
     // something else by then.
     virtual void WishCommand(int command) = 0;

@@ -319,6 +319,23 @@ void frmMain::SetPictureSource(PictureSource source) {
     if (sourceTold_) sourceTold_();
 }
 
+void frmMain::TellPlace(const std::wstring& place) {
+    if (std::exchange(place_, place) == place) return;
+    ShowTitle();
+    // Nobody steps through a show.
+    if (controlBar_ == nullptr || !controlBar_->IsPlaying()) NotePlace();
+}
+
+void frmMain::ShowTitle() const {
+    std::wstring title = kDesign.caption;
+    if (!place_.empty() && Values().general.plainTitle == 0) title = place_ + L" — " + title;
+    // Setting it paints the frame.
+    std::wstring former(static_cast<size_t>(GetWindowTextLengthW(Handle())) + 1, L'\0');
+    former.resize(static_cast<size_t>(
+        GetWindowTextW(Handle(), former.data(), static_cast<int>(former.size()))));
+    if (former != title) SetWindowTextW(Handle(), title.c_str());
+}
+
 std::wstring frmMain::ShownFile() const {
     const bool isWhole = PictureShown() && source_.page <= 1 && orientation_ == exif::kUpright &&
                          FileNameOf(source_.path) == source_.fileName && sourceStamp_ &&

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -21,6 +22,7 @@
 #include "ui/form/message_loop.h"
 #include "ui/form/picture_box.h"
 #include "ui/form/status_bar.h"
+#include "ui/form/taskbar_progress.h"
 #include "ui/main/command_table.h"
 #include "ui/main/control_bar.h"
 #include "ui/main/frame_show.h"
@@ -164,6 +166,12 @@ class frmMain final : public Form, public PictureView {
     // Shows a short text upon the picture for a moment.
     void ShowNote(const std::wstring& note) { pictureView_.ShowNote(note); }
 
+    // Where the user is among his files, as "name — 12 / 300"; empty: nothing of them is shown. The
+    // title has it, where the user wants that, and on the full screen it is there for a moment.
+    void TellPlace(const std::wstring& place);
+    // Makes the title anew, as the user wants it now.
+    void ShowTitle() const;
+
     // What is in the view now, or nothing, comes from no file of the control bar's: tells the bar,
     // and in the place of the shown file the picture's size and the number of plug-ins, whose own
     // place has another text then.
@@ -177,6 +185,13 @@ class frmMain final : public Form, public PictureView {
     // Arrow keys scroll; Enter steps forward, Shift+Enter back; Tab goes to the control bar.
     // `shift` is a sum of kShiftMask …. The control bar passes its own keys on to this.
     void pictureView_KeyDown(int keyCode, int shift);
+
+    // Steps by the mouse buttons beside the thumb (WM_XBUTTON…), over whichever of the windows;
+    // true when the message is about one.
+    bool TakesSideButton(const MSG& message);
+
+    // The next picture is seen from its lower end on.
+    void ArriveAtBottom(bool does) { arrivesAtBottom_ = does; }
 
     // Makes the window the active one, with the keyboard at the picture.
     void TakeFocus() { SetFocus(pictureView_.Handle()); }
@@ -250,10 +265,12 @@ class frmMain final : public Form, public PictureView {
     void GoToOtherWindow();
     void Escape();
     void SetFullScreen(bool on);
+    void NotePlace();
     void ScreenChanged();
     // Whether the control bar and those who bring files are heard now.
     bool MayPress() const;
     void Step(BarButton button);
+    void ReadOn(bool back);
 
     // --- Long reads (frmMain_reading.cpp) ---
     void TellReading(const wchar_t* what, int done, int total);
@@ -267,8 +284,10 @@ class frmMain final : public Form, public PictureView {
         const wchar_t* what = nullptr;
         DWORD start = 0;  // tick count, milliseconds
         bool stopped = false;
-        DWORD stop = 0;                       // when it was stopped; tick count, milliseconds
-        std::optional<std::wstring> covered;  // the notice that its news stand in place of
+        DWORD stop = 0;                            // when it was stopped; tick count, milliseconds
+        std::optional<std::wstring> covered;       // the notice that its news stand in place of
+        std::unique_ptr<TaskbarProgress> taskbar;  // there once it takes long
+        int percent = -1;                          // that the taskbar shows
     };
 
     void menuEditClear_Click();
@@ -312,6 +331,7 @@ class frmMain final : public Form, public PictureView {
     PictureSource source_;
     std::optional<FileStamp> sourceStamp_;
     uint16_t orientation_ = exif::kUpright;
+    bool arrivesAtBottom_ = false;
     std::optional<ViewPosition> keptPlace_;  // of the next picture, and so is the zoom
     std::function<void()> pictureShownChanged_;
     std::function<void()> pictureDragged_;
@@ -321,9 +341,14 @@ class frmMain final : public Form, public PictureView {
     Opening openByHand_;
     std::function<void(const std::wstring&)> missing_;
     std::vector<std::wstring> filesToOpen_;
+    std::wstring place_;       // what TellPlace has told
+    std::wstring placeNote_;   // the same, as it was put upon the picture
     std::wstring openNotice_;  // what the last opening told in the status bar
     bool hasOpened_ = false;
     Accelerators accelerators_;
+    MessageFilter sideButtons_{[this](const MSG& message) {
+        return GetAncestor(message.hwnd, GA_ROOT) == Handle() && TakesSideButton(message);
+    }};
     DWORD lastBreath_ = 0;  // tick count, milliseconds
     ReadState reading_;
     // Last, so that they let go of the windows first.

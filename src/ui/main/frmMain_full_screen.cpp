@@ -1,4 +1,5 @@
 // The main window on the full screen, and the stepping keys.
+#include "app/settings/modValue.h"
 #include "ui/form/activity.h"
 #include "ui/main/frmMain.h"
 
@@ -15,7 +16,8 @@ void frmMain::RegisterFullScreenCommands() {
 // does not stop keeps nobody on the full screen.
 void frmMain::Escape() {
     if (silence_.IsAsking()) return silence_.Say(SilenceBar::Answer::kGiveUp);
-    const bool playing = controlBar_ != nullptr && controlBar_->IsPlaying();
+    const bool playing =
+        controlBar_ != nullptr && (controlBar_->IsPlaying() || controlBar_->IsPaused());
     const bool stopsRead = fullScreen_.IsOn() ? TakesStop() : IsReadUnderWay();
     if (playing || stopsRead) commands_.Run(menuControl_2);
     if (stopsRead && !playing) return;
@@ -48,6 +50,16 @@ void frmMain::SetFullScreen(bool on) {
     }
     TakeFocus();
     RoomChanged();
+    if (on) NotePlace();
+}
+
+// The full screen has no title. What else is being told is more than that.
+void frmMain::NotePlace() {
+    const std::wstring& note = pictureView_.Note();
+    const bool isFree = note.empty() || note == placeNote_;
+    if (!fullScreen_.IsOn() || Values().general.notePlace == 0 || !isFree) return;
+    placeNote_ = place_;
+    ShowNote(place_);
 }
 
 void frmMain::ScreenChanged() {
@@ -63,6 +75,47 @@ void frmMain::RegisterStepCommands() {
     commands_.Register(
         commandStepBack,
         {.run = [this] { Step(BarButton::kStepBack); }, .enabled = hasFiles, .whileLoading = true});
+    for (const bool back : {false, true}) {
+        commands_.Register(back ? commandReadBack : commandReadOn,
+                           {.run = [this, back] { ReadOn(back); },
+                            .enabled = [=, this] { return PictureShown() || hasFiles(); },
+                            .whileLoading = true});
+    }
+    commands_.Register(
+        commandPauseMotion,
+        {.run = [this] { controlBar_->PauseMotion(); },
+         .enabled =
+             [this] {
+                 return controlBar_ != nullptr &&
+                        (controlBar_->IsPlaying() || controlBar_->IsPaused());
+             },
+         .checked = [this] { return controlBar_ != nullptr && controlBar_->IsPaused(); },
+         .whileLoading = true});
+}
+
+// Down through a picture that is higher than the view, then to the next one; or the other way. A
+// motion stands still, or goes on.
+void frmMain::ReadOn(bool back) {
+    if (commands_.Run(commandPauseMotion)) return;
+    if (Values().general.spaceScrolls != 0 && stage_.ScrollPage(back)) return;
+    if (!back) return Step(BarButton::kStepForward);
+    if (controlBar_ != nullptr && MayPress()) controlBar_->StepBackToBottom();
+}
+
+bool frmMain::TakesSideButton(const MSG& message) {
+    switch (message.message) {
+        case WM_XBUTTONDOWN:
+        case WM_XBUTTONDBLCLK:
+            if (IsWindowEnabled(Handle())) {
+                Step(HIWORD(message.wParam) == XBUTTON1 ? BarButton::kStepBack
+                                                        : BarButton::kStepForward);
+            }
+            return true;
+        case WM_XBUTTONUP:  // the system would make a command for other programs of it
+            return true;
+        default:
+            return false;
+    }
 }
 
 // While the control bar's pictures are read it takes note of what is pressed.

@@ -64,9 +64,9 @@ void frmMain::OpenNow(const std::vector<std::wstring>& paths) {
     ShowOpened(found->files.size(), found->named);
     if (found->named.missing == 1 && paths.size() == 1 && missing_) missing_(paths.front());
     if (found->files.empty()) return;
-    OpenByHand(paths,
-               [&] { return controlBar_->OpenFiles(std::move(found->files), found->source); });
-    if (found->source == ListSource::kOneFile) TellFailure(controlBar_->Failure());
+    const ListSource source = found->source;
+    OpenByHand(paths, [&] { return controlBar_->OpenFiles(std::move(found->files), source); });
+    if (source == ListSource::kOneFile) TellFailure(controlBar_->Failure());
 }
 
 void frmMain::TellFailure(const std::wstring& failure) const {

@@ -19,12 +19,16 @@ constexpr DWORD kLongMilliseconds = 300;
 constexpr wchar_t kFetching[] = L"クラウドから取得しています";
 constexpr wchar_t kHowToStop[] = L"（Esc で中止）";
 
-// As " 45%"; empty when nobody knows. Plug-ins count in units of their own, and not always as far
-// as they have said.
-std::wstring PercentText(int done, int total) {
-    if (total <= 0) return {};
-    const int64_t percent = int64_t{done} * 100 / total;
-    return L' ' + std::to_wstring(std::clamp<int64_t>(percent, 0, 100)) + L'%';
+// -1 when nobody knows. Plug-ins count in units of their own, and not always as far as they have
+// said.
+int PercentOf(int done, int total) {
+    if (total <= 0) return -1;
+    return static_cast<int>(std::clamp<int64_t>(int64_t{done} * 100 / total, 0, 100));
+}
+
+// As " 45%".
+std::wstring PercentText(int percent) {
+    return percent < 0 ? std::wstring() : L' ' + std::to_wstring(percent) + L'%';
 }
 
 // What a user who wants something else leaves a plug-in, in milliseconds: one that does nothing,
@@ -70,6 +74,7 @@ frmMain::Reading::~Reading() {
     if (state.depth == 1) window_.Breathe();
     if (--state.depth > 0) return;
     window_.silence_.Hide();
+    state.taskbar.reset();
     const std::optional<std::wstring> covered = std::exchange(state.covered, {});
     if (covered) window_.SetPanelText(kNoticePanel, *covered);
     if (!window_.filesToOpen_.empty()) PostMessageW(window_.Handle(), kOpenFilesMessage, 0, 0);
@@ -110,7 +115,12 @@ void frmMain::TellFetching(int done, int total) {
 void frmMain::TellReading(const wchar_t* what, int done, int total) {
     if (!IsReadingLong()) return;
     if (!reading_.covered) reading_.covered = statusInformation_.PanelText(kNoticePanel);
-    statusInformation_.SetPanelText(kNoticePanel, what + PercentText(done, total) + kHowToStop);
+    const int percent = PercentOf(done, total);
+    statusInformation_.SetPanelText(kNoticePanel, what + PercentText(percent) + kHowToStop);
+    const bool isFirst = reading_.taskbar == nullptr;
+    if (isFirst) reading_.taskbar = std::make_unique<TaskbarProgress>(Handle());
+    if (std::exchange(reading_.percent, percent) == percent && !isFirst) return;
+    reading_.taskbar->SetProgress(std::max(percent, 0), percent < 0 ? 0 : 100);
 }
 
 CallWish frmMain::AwaitsCall(const WaitedCall& call) {

@@ -306,6 +306,7 @@ void frmMain::SetPicture(Picture picture, const Picture& prepared) {
     PutIntoView(std::move(picture), prepared);
     orientation_ = exif::kUpright;
     if (keptPlace_) stage_.MoveTo(*keptPlace_);
+    if (arrivesAtBottom_) stage_.ScrollToBottom();
 }
 
 void frmMain::ShowAnew(const std::wstring& path) {

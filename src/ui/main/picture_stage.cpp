@@ -145,6 +145,21 @@ void PictureStage::MoveTo(ViewPosition position) {
     Show([&] { sight_.MoveTo(position); });
 }
 
+// An eighth of what was seen stays in sight.
+bool PictureStage::ScrollPage(bool up) {
+    const ViewPosition from = sight_.Position();
+    const int height = static_cast<int>(sight_.Area().cy);
+    const int step = std::max(height - height / 8, 1);
+    MoveTo({from.x, from.y + (up ? step : -step)});
+    if (sight_.Position() == from) return false;
+    box_.Refresh();
+    return true;
+}
+
+void PictureStage::ScrollToBottom() {
+    MoveTo({sight_.Position().x, -static_cast<int>(sight_.Shown().cy)});
+}
+
 void PictureStage::Scroll(int bar, int code, int place) {
     ViewPosition to = sight_.Position();
     if (bar == SB_HORZ) {

@@ -58,6 +58,9 @@ class PictureStage {
     void MoveTo(ViewPosition position);
     // Scrolls for an arrow key (VK_…); false for every other key.
     bool KeyDown(int keyCode);
+    // Scrolls up or down by most of the view's height; false when there is nothing more to see.
+    bool ScrollPage(bool up);
+    void ScrollToBottom();
     // For a scroll bar's message (PictureBox::Events::scroll).
     void Scroll(int bar, int code, int place);
 

@@ -31,6 +31,8 @@ void DisplayPage::AttachControls() {
         Changed();
     });
     labelSlideShowTime_.Attach(Dialog(), labelSlideShowTime);
+    Fields().Check(checkShowLoops, Options().general.showLoops);
+    Fields().Check(checkShowRandom, Options().general.showRandom);
     Fields().Choice(combFixSizeValue,
                     {L"サイズを調整しない", L"640×480", L"800×600", L"1024×768", L"画面サイズ",
                      L"ウィンドウに合わせる", L"ウィンドウの幅に合わせる"},
@@ -43,6 +45,8 @@ void DisplayPage::AttachControls() {
     Fields().Choice(combDoubleClick, {L"100 % と全体を切り替える", L"全画面表示"},
                     Options().general.doubleClick);
     Fields().Check(checkPlayAnimation, Options().general.playAnimation);
+    Fields().Check(checkPlainTitle, Options().general.plainTitle);
+    Fields().Check(checkNotePlace, Options().general.notePlace);
     Fields().Check(checkReadAhead, Options().general.readAhead);
     Fields().Number(textReadAheadMemory, Options().general.readAheadMemory, 0,
                     kMostReadAheadMemory);

@@ -20,6 +20,7 @@ void ListPage::AttachControls() {
                      L"反対側の端へ回る", L"隣のフォルダへ進む"},
                     general.atListEnd);
     Fields().Check(checkBackToLast, general.backToLast);
+    Fields().Check(checkSpaceScrolls, general.spaceScrolls);
     Fields().Check(checkRemember, Options().remembers);
     Fields().Check(checkGoOnAtOnce, general.goOnAtOnce);
 }

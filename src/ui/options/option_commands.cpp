@@ -99,6 +99,7 @@ void OptionCommands::Apply(const OptionValues& options, HWND owner) {
         former.listDescending != Values().general.listDescending) {
         window_.Commands().Run(commandOrder_0 + Values().general.listOrder);
     }
+    window_.ShowTitle();
     window_.Commands().Run(commandMemoryChanged);
     if (!DifferInPlugins(Values().general, former) && !SusieCollection().IsIncomplete()) return;
     const std::wstring missing = MissingFolders(Values().general, former);

@@ -14,11 +14,14 @@ namespace {
 
 void PutRight(GeneralSettings& general) {
     for (int16_t* const flag :
-         {&general.useSPI, &general.dynamicSPILoad, &general.spiExt, &general.reduceColor,
-          &general.reduce256ModeOnly, &general.saveReducedPicture, &general.readAhead,
-          &general.enlargeSmall, &general.holdBoxes, &general.keepZoom, &general.doubleClick,
-          &general.sizeButton, &general.linearLight, &general.listNeighbours, &general.listDescending,
-          &general.backToLast, &general.shortList, &general.goOnAtOnce}) {
+         {&general.useSPI,       &general.dynamicSPILoad,    &general.spiExt,
+          &general.reduceColor,  &general.reduce256ModeOnly, &general.saveReducedPicture,
+          &general.readAhead,    &general.enlargeSmall,      &general.holdBoxes,
+          &general.keepZoom,     &general.linearLight,       &general.doubleClick,
+          &general.sizeButton,   &general.listNeighbours,    &general.listDescending,
+          &general.backToLast,   &general.shortList,         &general.plainTitle,
+          &general.notePlace,    &general.showLoops,         &general.showRandom,
+          &general.spaceScrolls, &general.goOnAtOnce}) {
         *flag = *flag == 1 ? 1 : 0;
     }
     general.listOrder = std::clamp<int16_t>(general.listOrder, 0, kOrderCount - 1);

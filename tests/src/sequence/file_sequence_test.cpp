@@ -4,8 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <set>
 #include <tuple>
 
+#include "sequence/random_way.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tessary {
@@ -114,6 +117,54 @@ TEST(FileSequenceTest, DeletedFilesGoInEverySpelling) {
         EXPECT_EQ(sequence.Files().Texts(), (List{files[1], files[3], files[4]}));
         EXPECT_EQ(sequence.Files().Cursor(), cursorThen);
     }
+}
+
+TEST(RandomWayTest, EachFileComesOnceARoundAndBackGoesAsItCame) {
+    FileSequence::FileEntries files;
+    for (int i = 0; i < 30; ++i)
+        files.Add({(i % 5 == 0 ? L"x" : L"p") + std::to_wstring(i)});
+    files.Add({.path = L"p unwanted", .isWanted = false});
+    RandomWay way(7);
+    NamedKinds kinds;
+    List came;
+    const auto go = [&](std::optional<int> file) {
+        if (!file) return false;
+        files.SetCursor(*file);
+        came.push_back(files.Current());
+        return true;
+    };
+    files.SetCursor(1);
+    for (int i = 0; i < 9; ++i)
+        EXPECT_TRUE(go(way.Next(files, false, kinds)));
+    const List forth = came;
+    EXPECT_FALSE(std::ranges::is_sorted(
+        forth, {}, [&](const std::wstring& path) { return files.IndexOf(path); }));
+    while (way.LeadsBack(files))
+        EXPECT_TRUE(go(way.Back(files)));
+    EXPECT_EQ(files.Current(), L"p1");
+    EXPECT_FALSE(way.Back(files));
+    EXPECT_EQ(came[9], forth[7]);
+    came.clear();
+    for (int i = 0; i < 9; ++i)
+        EXPECT_TRUE(go(way.Next(files, false, kinds)));
+    EXPECT_EQ(came, forth);
+    // The list changes: what is gone does not come, what is new does, and nothing twice.
+    const auto gone = std::ranges::find_if(files.All(), [&](const ListedFile& file) {
+        return file.path != L"p1" && kinds.IsKnown(file.path) &&
+               std::ranges::find(forth, file.path) == forth.end();
+    });
+    const std::wstring lost = gone->path;
+    files.Remove(static_cast<int>(gone - files.All().begin()));
+    files.Add({L"p new"});
+    while (go(way.Next(files, false, kinds))) {
+    }
+    EXPECT_EQ(came.size(), 23U);  // 24, but for the first and one lost, and one is new
+    EXPECT_EQ(std::set<std::wstring>(came.begin(), came.end()).size(), came.size());
+    EXPECT_EQ(std::ranges::find(came, lost), came.end());
+    EXPECT_NE(std::ranges::find(came, L"p new"), came.end());
+    const std::wstring last = files.Current();
+    EXPECT_TRUE(go(way.Next(files, true, kinds)));
+    EXPECT_NE(files.Current(), last) << "another round";
 }
 
 }  // namespace

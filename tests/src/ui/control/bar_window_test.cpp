@@ -115,8 +115,8 @@ TEST_F(BarWindowTest, TabGoesRoundBothWindowsAndF6Between) {
     };
     const HWND toolbar = bar_.CoolBar().Handle();
     const HWND files = bar_.listFileName().Handle();
-    EXPECT_EQ(round(),
-              (std::vector<HWND>{toolbar, bar_.textFileInfo().Handle(), files, Picture()}));
+    EXPECT_EQ(round(), (std::vector<HWND>{toolbar, bar_.textFileInfo().Handle(),
+                                          bar_.sliderPlace().Handle(), files, Picture()}));
     for (const HWND next : {files, Picture()}) {
         Press(VK_F6);
         EXPECT_EQ(GetFocus(), next);
@@ -128,7 +128,7 @@ TEST_F(BarWindowTest, TabGoesRoundBothWindowsAndF6Between) {
     }
     bar_.SetVisible(true);
     bar_.Press(BarButton::kDeleteList);
-    EXPECT_EQ(round().size(), 8u);  // the panel's list and buttons too
+    EXPECT_EQ(round().size(), 9u);  // the panel's list and buttons too
     bar_.Press(BarButton::kCancelDelete);
     bar_.Press(BarButton::kFold);
     EXPECT_EQ(round(), (std::vector<HWND>{toolbar, Picture()}));

@@ -1,10 +1,13 @@
 // Going through the files by the player's buttons.
 #include "ui/control/player.h"
 
+#include <set>
 #include <tuple>
 
+#include "app/base/paths.h"
 #include "app/base/stay_awake.h"
 #include "tests/src/ui/control/control_bar_test.h"
+#include "tests/src/ui/message_spy.h"
 
 namespace tessary::test {
 namespace {
@@ -110,6 +113,85 @@ TEST_F(PlayerTest, AShowBehindADialogOrMinimisedIsNotSeen) {
     expectSeen(true);
     window_.Unload();
     EXPECT_EQ(screens.count, 0);
+}
+
+TEST_F(PlayerTest, AShowGoesRoundWhereThatIsWanted) {
+    Values().general.slideShowTime = 30;
+    Values().general.showLoops = 1;
+    const auto comesTo = [&](int file, int member) {
+        return RunUntil(
+            [&] { return Selected() == file && bar_.listArchiveFile().Selected() == member; });
+    };
+    bar_.SetFileList(Bitmaps(3));
+    for (const BarButton motion : {BarButton::kPlay, BarButton::kReversePlay}) {
+        bar_.Press(motion);
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_TRUE(comesTo(2, -1));
+            EXPECT_TRUE(comesTo(0, -1));
+        }
+        EXPECT_EQ(bar_.PlayMode(), motion);
+    }
+    EXPECT_EQ(Note(), L"");
+    bar_.Press(BarButton::kFastForward);
+    EXPECT_TRUE(StopsByItself());
+    bar_.SetFileList(List{Archive(L"alone.tsa")});
+    bar_.Press(BarButton::kPlay);
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(comesTo(0, 1));
+        EXPECT_TRUE(comesTo(0, 0));
+    }
+}
+
+TEST_F(PlayerTest, ARandomShowTakesEachFileOnceAndStepsLeadBack) {
+    Values().general.slideShowTime = 0;
+    Values().general.showRandom = 1;
+    const List files = Bitmaps(12);
+    bar_.SetFileList(files);
+    List came{L"1.bmp — 1 / 12 — てっさりビューア"};
+    {
+        const MessageSpy titles(window_.Handle(), [&](UINT message, WPARAM, LPARAM text) {
+            if (message == WM_SETTEXT) came.emplace_back(reinterpret_cast<const wchar_t*>(text));
+        });
+        bar_.Press(BarButton::kPlay);
+        EXPECT_TRUE(StopsByItself());
+    }
+    EXPECT_EQ(Note(), L"スライドショーが一巡しました。");
+    EXPECT_EQ(std::set<std::wstring>(came.begin(), came.end()).size(), files.size());
+    EXPECT_EQ(came.size(), files.size());
+    for (size_t i = came.size() - 1; i > 0; --i) {
+        bar_.Press(BarButton::kStepBack);
+        EXPECT_TRUE(came[i - 1].starts_with(FileNameOf(files[static_cast<size_t>(Selected())])));
+    }
+    EXPECT_EQ(Selected(), 0);
+}
+
+TEST_F(PlayerTest, SpacePausesWhatRuns) {
+    const ScreenWatch screens;
+    Values().general.slideShowTime = 50;
+    Values().general.showLoops = 1;
+    window_.Show();
+    bar_.SetFileList(Bitmaps(3));
+    bar_.Press(BarButton::kPlay);
+    const auto goesOn = [&](DWORD patience) {
+        const int selected = Selected();
+        return RunUntil([&] { return Selected() != selected; }, patience);
+    };
+    for (int pause = 0; pause < 2; ++pause) {
+        EXPECT_TRUE(goesOn(3000));
+        Choose(commandReadOn);
+        EXPECT_FALSE(goesOn(300));
+        EXPECT_EQ(screens.count, 0) << "nobody may be watching";
+        EXPECT_TRUE(IsEnabled(BarButton::kDeleteList));
+        Choose(commandReadOn);
+    }
+    EXPECT_TRUE(goesOn(3000));
+    Choose(commandReadOn);
+    Choose(commandEscape);
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kStop);
+    const int selected = Selected();
+    Choose(commandReadOn);
+    EXPECT_NE(Selected(), selected == 2 ? -1 : selected) << "a step again";
+    EXPECT_FALSE(bar_.IsPlaying() || bar_.IsPaused());
 }
 
 TEST_F(PlayerTest, DisplaySizesGoRound) {

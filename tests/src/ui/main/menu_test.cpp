@@ -54,7 +54,8 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
     ShowPicture(10, 10);
     std::set<int> alive = kAlways;
     alive.insert({menuFileOpen, menuEditClear, commandZoomIn, commandZoomOut, commandToggleFit,
-                  commandTurnRight, commandTurnLeft, commandTurnHalf, commandMirror, commandFlip});
+                  commandTurnRight, commandTurnLeft, commandTurnHalf, commandMirror, commandFlip,
+                  commandReadOn, commandReadBack});
     EXPECT_EQ(AliveItems(), alive);
     Choose(menuFileOpen);
     Choose(menuFileSaveAs);  // nobody's
@@ -67,7 +68,8 @@ TEST_F(MenuTest, ItemsAreAliveWhenTheirCommandIs) {
         EXPECT_EQ(opened, 1);
         // Only what loads nothing: 停止, 折りたたみ and what moves the picture.
         alive = kAlways;
-        alive.insert({commandZoomIn, commandZoomOut, commandToggleFit});
+        alive.insert(
+            {commandZoomIn, commandZoomOut, commandToggleFit, commandReadOn, commandReadBack});
         for (const int loads : {menuControl_0, menuControl_1, menuControl_3, menuControl_4})
             alive.erase(loads);
         EXPECT_EQ(AliveItems(), alive);
