@@ -158,7 +158,6 @@ TEST_F(ViewerTest, StepsThroughPicturesArchivesAndWhatIsNeither) {
                                folder_.Path() + L"2.zip");
     folder_.Write(L"3.txt", "neither");
     folder_.Write(L"Thumbs.db", "neither");
-    const std::wstring vanishing = folder_.Write(L"4.bmp", BitmapFileOf(40, 4, RGB(4, 4, 4)));
     folder_.Write(L"10.bmp", BitmapFileOf(50, 4, RGB(5, 5, 5)));
     // Opened alone, it brings its neighbours along; steps wait for them.
     Start(L'"' + folder_.Path() + L"1 山.bmp\"");
@@ -184,9 +183,8 @@ TEST_F(ViewerTest, StepsThroughPicturesArchivesAndWhatIsNeither) {
         })) << TextOf(info);
         PostMessageW(FindWindowExW(main_, nullptr, L"TessaryPictureBox", nullptr), WM_KEYDOWN, key,
                      0);
-        if (count == 2) std::filesystem::remove(vanishing);
     }
-    EXPECT_EQ(SendMessageW(files, LB_GETCOUNT, 0, 0), 4);
+    EXPECT_EQ(SendMessageW(files, LB_GETCOUNT, 0, 0), 3);
     EXPECT_EQ(Close(), 0);
     EXPECT_EQ(GetSetting(L"Window", L"ControlBarRollUP"), L"False");
 }

@@ -154,12 +154,10 @@ TEST_F(PlaceTest, MouseButtonsBesideTheThumbStepInBothWindows) {
     for (const HWND window : {window_.pictureView().Handle(), bar_.listFileName().Handle()}) {
         PostMessageW(window, WM_XBUTTONDOWN, MAKEWPARAM(0, XBUTTON2), 0);
         PostMessageW(window, WM_XBUTTONDBLCLK, MAKEWPARAM(0, XBUTTON2), 0);
-        DoEvents();
-        EXPECT_EQ(Selected(), 2);
+        EXPECT_TRUE(RunUntil([&] { return Selected() == 2; }));
         for (int i = 0; i < 2; ++i)
             PostMessageW(window, WM_XBUTTONDOWN, MAKEWPARAM(0, XBUTTON1), 0);
-        DoEvents();
-        EXPECT_EQ(Selected(), 0);
+        EXPECT_TRUE(RunUntil([&] { return Selected() == 0; }));
     }
     EnableWindow(window_.Handle(), FALSE);  // behind a dialog
     PostMessageW(bar_.listFileName().Handle(), WM_XBUTTONDOWN, MAKEWPARAM(0, XBUTTON2), 0);
