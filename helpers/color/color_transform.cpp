@@ -3,7 +3,6 @@
 #include <lcms2.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <utility>
 
@@ -110,14 +109,6 @@ class InkTransform final : public Transform {
     InkTable table_;
 };
 
-// What is out of reach by so much light as a color of the other sign has. Little CMS goes on in a
-// straight line below black, as steep as it is there: what is mixed of that is wide of the mark.
-float Mirrored(float color) {
-    if (color >= 0) return color;
-    const float light = color / -12.92f;
-    return light <= 0.0031308f ? color : 0.055f - 1.055f * std::pow(light, 1 / 2.4f);
-}
-
 // Null when the profiles' tables make no sense.
 std::unique_ptr<const Transform> MakeInkTransform(const Profile& from, const Profile& to,
                                                   bool isInverted) {
@@ -131,7 +122,6 @@ std::unique_ptr<const Transform> MakeInkTransform(const Profile& from, const Pro
                 ink *= 100;
             cmsDoTransform(exact.get(), percent.data(), colors,
                            static_cast<cmsUInt32Number>(points));
-            std::transform(colors, colors + points * 3, colors, Mirrored);
         },
         isInverted));
 }

@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <random>
+#include <utility>
 
 namespace tessary::color {
 namespace {
@@ -15,6 +18,7 @@ constexpr uint32_t kAcross = kStrides[1] + kStrides[2] + kStrides[3];
 constexpr uint32_t kWhole = 1u << 14;  // from one point to the next; a weight of 16 bits
 constexpr float kLevel = 64;           // steps of a point for a level of a colour
 constexpr size_t kPixelBytes = 4;
+constexpr size_t kProbes = 2048;
 
 // Two weights as they are multiplied with two neighbouring words.
 __m128i Weights(uint32_t one, uint32_t other) {
@@ -51,6 +55,30 @@ struct Tetrahedron {
     }
 };
 
+// What is out of reach goes by so much light as a color of the other sign has. Little CMS goes on
+// in a straight line below black, as steep as it is there: what is mixed of that is wide of the
+// mark.
+float Mirrored(float color) {
+    if (color >= 0) return color;
+    const float light = color / -12.92f;
+    return light <= 0.0031308f ? color : 0.055f - 1.055f * std::pow(light, 1 / 2.4f);
+}
+
+// Or it is cut off, as Little CMS has it in its own tables: better where an ink does not lead out
+// of reach step by step but has an edge there, as in profiles that are mere arithmetic.
+float CutOff(float color) {
+    return color < 0 ? 0 : color;
+}
+
+// The same ones each time, so that a picture looks the same each time.
+std::vector<uint8_t> ProbeInks() {
+    std::minstd_rand random;
+    std::vector<uint8_t> inks(kProbes * kPixelBytes);
+    for (uint8_t& ink : inks)
+        ink = static_cast<uint8_t>(random() >> 8);
+    return inks;
+}
+
 }  // namespace
 
 InkTable::InkTable(const Meaning& meaning, bool isInverted)
@@ -64,7 +92,7 @@ InkTable::InkTable(const Meaning& meaning, bool isInverted)
                                  (part * kWhole + 127) / 255 << 16 | (i == 0 ? 0 : kStrides[i])};
         }
     }
-    std::vector<float> inks(size_t{kStrides.front()} * 4), colors(size_t{kStrides.front()} * 3);
+    std::vector<float> inks(size_t{kStrides.front()} * 4), colors(points_.size() * 3);
     for (uint32_t slice = 0; slice < kGrid; ++slice) {
         const auto inkOf = [](uint32_t point) {
             return static_cast<float>(point % kGrid) / (kGrid - 1);
@@ -75,14 +103,41 @@ InkTable::InkTable(const Meaning& meaning, bool isInverted)
             for (size_t i = 1; i < 4; ++i)
                 four[i] = inkOf(point / kStrides[i]);
         }
-        meaning(inks.data(), colors.data(), kStrides.front());
-        for (size_t i = 0; i < colors.size(); ++i) {
-            // Also what is no number becomes one.
-            const float steps = std::fmin(std::fmax(colors[i] * 255 * kLevel, -32767.f), 32767.f);
-            points_[slice * kStrides.front() + i / 3][i % 3] =
-                static_cast<int16_t>(std::lround(steps));
-        }
+        meaning(inks.data(), &colors[size_t{slice} * kStrides.front() * 3], kStrides.front());
     }
+
+    const std::vector<uint8_t> probes = ProbeInks();
+    inks.resize(probes.size());
+    std::transform(probes.begin(), probes.end(), inks.begin(), [isInverted](uint8_t level) {
+        return static_cast<float>(isInverted ? 255 - level : level) / 255;
+    });
+    std::vector<float> exact(kProbes * 3);
+    meaning(inks.data(), exact.data(), kProbes);
+    TakePoints(colors, CutOff);
+    const uint64_t error = ErrorOver(probes, exact);
+    std::vector<Point> cut = points_;
+    TakePoints(colors, Mirrored);
+    if (ErrorOver(probes, exact) > error) points_ = std::move(cut);
+}
+
+void InkTable::TakePoints(const std::vector<float>& colors, Rule rule) {
+    for (size_t i = 0; i < colors.size(); ++i) {
+        // Also what is no number becomes one.
+        const float steps = std::fmin(std::fmax(rule(colors[i]) * 255 * kLevel, -32767.f), 32767.f);
+        points_[i / 3][i % 3] = static_cast<int16_t>(std::lround(steps));
+    }
+}
+
+uint64_t InkTable::ErrorOver(const std::vector<uint8_t>& inks,
+                             const std::vector<float>& exact) const {
+    std::vector<uint8_t> colors(exact.size());
+    Convert(inks.data(), colors.data(), exact.size() / 3);
+    uint64_t error = 0;
+    for (size_t i = 0; i < exact.size(); ++i) {
+        const auto level = std::lround(std::fmin(std::fmax(exact[i], 0.f), 1.f) * 255);
+        error += static_cast<uint64_t>(std::labs(level - colors[i]));
+    }
+    return error;
 }
 
 void InkTable::Convert(const uint8_t* in, uint8_t* out, size_t pixels) const {

@@ -22,8 +22,14 @@ class InkTable {
     void Convert(const uint8_t* in, uint8_t* out, size_t pixels) const;
 
   private:
-    // Blue, green, red; signed, as what is out of reach is cut off behind the mixing.
+    // Blue, green, red; signed, as what is out of reach may be cut off behind the mixing.
     using Point = std::array<int16_t, 4>;
+    // A color as the points have it, from what `Meaning` tells of it.
+    using Rule = float (*)(float color);
+
+    void TakePoints(const std::vector<float>& colors, Rule rule);
+    // How far the points are from what is meant, over inks from everywhere.
+    uint64_t ErrorOver(const std::vector<uint8_t>& inks, const std::vector<float>& exact) const;
 
     // Where a level of an ink stands: the grid's point below it, and how far above that.
     struct Place {

@@ -4,10 +4,13 @@
 
 #include <png.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
+#include <random>
 
 #include "helpers/color/color_transform.h"
+#include "helpers/color/ink_table.h"
 #include "helpers/dib/check_dib.h"
 #include "helpers/dib/embedded_profile.h"
 #include "plugins/iftessjpeg/jpeg_decoder.h"
@@ -155,6 +158,49 @@ TEST(Colors, OfJpegAreThoseOfItsProfile) {
     Bytes turned{'E', 'x', 'i', 'f', 0, 0, 'M', 'M', 0, 42, 0, 0, 0, 8,
                  0,   1,   1,   18,  0, 3, 0,   0,   0, 1,  0, 6, 0, 0};
     ExpectMeaning({kJpeg, Jpeg(3, Swapped(), turned)}, Exchanged, 1.5, false, 6);
+}
+
+// How far the colours of random inks are from what is meant, in levels; the largest of three, on
+// average.
+double InkError(const color::InkTable::Meaning& meaning) {
+    constexpr size_t kPixels = 20'000;
+    std::mt19937 random(3);
+    std::vector<uint8_t> inks(kPixels * 4), colors(kPixels * 3);
+    std::generate(inks.begin(), inks.end(), [&] { return static_cast<uint8_t>(random()); });
+    std::vector<float> parts(inks.size()), exact(colors.size());
+    std::transform(inks.begin(), inks.end(), parts.begin(),
+                   [](uint8_t ink) { return ink / 255.f; });
+    meaning(parts.data(), exact.data(), kPixels);
+    color::InkTable(meaning, false).Convert(inks.data(), colors.data(), kPixels);
+    double sum = 0;
+    for (size_t i = 0; i < colors.size(); i += 3) {
+        double largest = 0;
+        for (size_t channel = i; channel < i + 3; ++channel) {
+            largest = std::max(
+                largest, std::abs(std::clamp(exact[channel], 0.f, 1.f) * 255.0 - colors[channel]));
+        }
+        sum += largest;
+    }
+    return sum / kPixels;
+}
+
+// As Little CMS tells sRGB: in a straight line below black.
+float Encoded(float light) {
+    return light <= 0.0031308f ? light * 12.92f : 1.055f * std::pow(light, 1 / 2.4f) - 0.055f;
+}
+
+// Inks lead out of sRGB, further for some profiles than for others: each way of mixing what lies
+// beyond is half a level and more behind the other one for one of these.
+TEST(Colors, OfInksAreCloseToTheirMeaningHoweverFarTheyLeadOutOfReach) {
+    for (const float beyond : {0.1f, 0.5f}) {
+        const auto tell = [beyond](const float* inks, float* colors, size_t points) {
+            for (; points != 0; --points, inks += 4, colors += 3) {
+                for (int i = 0; i < 3; ++i)
+                    colors[i] = Encoded((1.2f - (1.2f + beyond) * inks[2 - i]) * (1 - inks[3]));
+            }
+        };
+        EXPECT_LT(InkError(tell), 1.8) << beyond;
+    }
 }
 
 TEST(Colors, OfDamagedOrUnfitProfilesAreThoseWithoutAny) {
