@@ -94,6 +94,11 @@
 #define commandFirstFrame 1284
 #define commandPlayAnimations 1285
 
+#define menuBook 1291
+#define commandBook 1292  // two pages at a time
+#define commandBookFromRight 1293
+#define commandBookCover 1294  // alone
+#define commandBookShift 1295  // by one page
 #define commandShowInfo 1290
 #define commandTurnFile 1276  // the file as it is seen
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cwchar>
+#include <string_view>
 #include <utility>
 
 #include "app/base/error.h"
@@ -21,6 +22,10 @@ namespace {
 constexpr wchar_t kRecent[] = L"Recent";
 constexpr wchar_t kBookmarks[] = L"Bookmarks";
 constexpr wchar_t kPlaces[] = L"Places";
+
+// In this one as well, with the text `when|choices`.
+constexpr wchar_t kBooks[] = L"Books";
+constexpr std::wstring_view kChoices = L"orc";  // a letter for each that is made
 
 constexpr wchar_t kMemory[] = L"Memory";
 constexpr wchar_t kRemember[] = L"Remember";
@@ -102,6 +107,7 @@ void ForgetPlaces() {
     const Held held;
     Trapped([] { DeleteSettingSection(kRecent); });
     Trapped([] { DeleteSettingSection(kPlaces); });
+    Trapped([] { DeleteSettingSection(kBooks); });
     Drop(kMemory, kLastSeen);
 }
 
@@ -175,6 +181,27 @@ Place StopWithin(const Place& place) {
 void KeepStop(const std::wstring& container, const Place& place) {
     const Held held;
     if (IsRemembering()) Put(kPlaces, container, L'|' + ToText(place), kMostPlaces);
+}
+
+// --- How he reads ---
+
+std::optional<BookChoice> BookOf(const std::wstring& container) {
+    const std::wstring text =
+        Trapped(std::wstring(), [&] { return GetSetting(kBooks, container); });
+    const size_t at = text.find(L'|');
+    if (at == text.npos) return std::nullopt;
+    const auto isMade = [&](size_t choice) { return text.find(kChoices[choice], at) != text.npos; };
+    return BookChoice{isMade(0), isMade(1), isMade(2)};
+}
+
+void KeepBook(const std::wstring& container, const BookChoice& choice) {
+    const Held held;
+    if (!IsRemembering()) return;
+    std::wstring text = L"|";
+    if (choice.isOpen) text += kChoices[0];
+    if (choice.fromRight) text += kChoices[1];
+    if (choice.coverIsAlone) text += kChoices[2];
+    Put(kBooks, container, text, kMostPlaces);
 }
 
 Place LastSeen() {

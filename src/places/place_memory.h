@@ -1,15 +1,17 @@
 // What is remembered of what the user has opened, from one run of the program to the next: recent
 // files and folders, his bookmarks, where he stopped in archives and folders, and in his last run.
 //
-// Sections of the settings store: `Recent`, `Bookmarks` and `Places` have a value for each entry,
-// `Memory` the switch and the last run's place. Nothing is kept between two calls: copies of the
-// program that run at the same time share the store, and none loses what another has put there.
+// Sections of the settings store: `Recent`, `Bookmarks`, `Places` and `Books` have a value for each
+// entry, `Memory` the switch and the last run's place. Nothing is kept between two calls: copies of
+// the program that run at the same time share the store, and none loses what another has put there.
 // What the store does not take is not remembered; nothing here throws but for want of memory.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "places/book_choice.h"
 #include "places/place.h"
 
 namespace tessary {
@@ -50,6 +52,11 @@ Place StoppedAt(const std::wstring& container);
 // Where he stopped in the file of a place, if it is an archive: else the place itself.
 Place StopWithin(const Place& place);
 void KeepStop(const std::wstring& container, const Place& place);
+// --- How he reads ---
+// An archive or a folder, as above; none where nothing was chosen.
+std::optional<BookChoice> BookOf(const std::wstring& container);
+void KeepBook(const std::wstring& container, const BookChoice& choice);
+
 // What was seen last of all.
 Place LastSeen();
 void KeepLastSeen(const Place& place);

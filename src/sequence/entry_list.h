@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
@@ -39,6 +40,9 @@ class EntryList {
     // Told behind each change of the entries or the cursor; it must cost next to nothing.
     void OnChange(std::function<void()> handler) { change_ = std::move(handler); }
 
+    // Another number whenever the entries have changed.
+    uint64_t Revision() const { return revision_; }
+
     int Count() const { return static_cast<int>(entries_.size()); }
     bool IsEmpty() const { return entries_.empty(); }
     std::span<const Entry> All() const { return entries_; }
@@ -70,6 +74,7 @@ class EntryList {
 
     void Add(Entry entry) {
         entries_.push_back(std::move(entry));
+        ++revision_;
         if (mirror_ != nullptr) mirror_->EntryAdded(entries_.back().*kText);
         Changed();
     }
@@ -77,6 +82,7 @@ class EntryList {
     // The cursor stays with its entry; that of a removed one is gone.
     void Remove(int index) {
         entries_.erase(entries_.begin() + index);
+        ++revision_;
         if (mirror_ != nullptr) mirror_->EntryRemoved(index);
         if (cursor_ == index) SetCursor(-1);
         if (cursor_ > index) SetCursor(cursor_ - 1);
@@ -88,6 +94,7 @@ class EntryList {
     void Assign(std::vector<Entry> entries, int cursor) {
         Clear();
         entries_ = std::move(entries);
+        ++revision_;
         if (mirror_ != nullptr) {
             mirror_->EntriesExpected(Count());
             for (const Entry& entry : entries_)
@@ -102,6 +109,7 @@ class EntryList {
 
     void Clear() {
         entries_.clear();
+        ++revision_;
         cursor_ = -1;
         if (mirror_ != nullptr) mirror_->EntriesCleared();
         Changed();
@@ -132,6 +140,7 @@ class EntryList {
     }
 
     std::vector<Entry> entries_;
+    uint64_t revision_ = 1;
     int cursor_ = -1;
     EntryMirror* mirror_ = nullptr;
     std::function<void()> select_;

@@ -54,6 +54,38 @@ void FileSequence::LeaveArchive() {
     members_.Clear();
 }
 
+// --- As a book ---
+
+void FileSequence::OpenAsBook(bool isOpen, bool coverIsAlone) {
+    isBook_ = isOpen;
+    coverIsAlone_ = coverIsAlone;
+}
+
+Spreads& FileSequence::MemberSpreads() const {
+    memberSpreads_.Follow(members_.Revision(), members_.Count(), coverIsAlone_);
+    return memberSpreads_;
+}
+
+Spreads& FileSequence::FileSpreads() const {
+    fileSpreads_.Follow(files_.Revision(), files_.Count(), coverIsAlone_);
+    return fileSpreads_;
+}
+
+Spread FileSequence::SpreadHere(int index) const {
+    if (!isBook_ || index < 0) return {index, 1};
+    return IsInArchive() ? MemberSpreads().At(index) : FileSpreads().At(index);
+}
+
+int FileSequence::MemberEdge(int index, int step) const {
+    return isBook_ && index >= 0 ? EdgeOf(MemberSpreads().At(index), step) : index;
+}
+
+// An archive among the files lies beside none.
+int FileSequence::FileEdge(int index, int step) const {
+    if (!isBook_ || index < 0 || (IsInArchive() && index == files_.Cursor())) return index;
+    return EdgeOf(FileSpreads().At(index), step);
+}
+
 // --- Stepping ---
 
 StepTarget FileSequence::Find(int steps, bool inArchive, bool goesRound, KindSource& kinds) const {
@@ -76,10 +108,14 @@ std::optional<int> FileSequence::FindMember(int& steps) const {
     const int step = steps > 0 ? 1 : -1;
     const int start = std::max(members_.Cursor(), steps > 0 ? -1 : 0);
     int reached = start;
-    for (int at = start + step; steps != 0 && at >= 0 && at < members_.Count(); at += step) {
-        if (!members_.At(at).isWanted) continue;
-        reached = at;
-        steps -= step;
+    int at = MemberEdge(start, step) + step;
+    while (steps != 0 && at >= 0 && at < members_.Count()) {
+        if (members_.At(at).isWanted) {
+            reached = at;
+            at = MemberEdge(at, step);
+            steps -= step;
+        }
+        at += step;
     }
     return reached == start ? std::nullopt : std::optional(reached);
 }
@@ -89,10 +125,10 @@ void FileSequence::FindFile(int steps, bool goesRound, KindSource& kinds,
     const int step = steps > 0 ? 1 : -1;
     const int start = files_.Cursor();
     const int last = files_.Count() - 1;
-    if (!goesRound && (step > 0 ? start >= last : start < 0)) return;
+    if (!goesRound && (step > 0 ? FileEdge(start, step) >= last : start < 0)) return;
     int reached = start;
     for (; steps != 0; steps -= step) {
-        std::optional<int> found = FindKnown(reached + step, step, kinds);
+        std::optional<int> found = FindKnown(FileEdge(reached, step) + step, step, kinds);
         if (found && goesRound && (*found < 0 || *found > last) && last >= 0) {
             found = FindKnown(step > 0 ? 0 : last, step, kinds);
             target.wentRound = true;

@@ -17,6 +17,7 @@
 #include "plugin/archive_members.h"
 #include "sequence/deletion_marks.h"
 #include "sequence/entry_list.h"
+#include "sequence/spreads.h"
 
 namespace tessary {
 
@@ -76,6 +77,16 @@ class FileSequence {
     const std::wstring& Archive() const { return archive_; }
     bool IsInArchive() const { return !archive_.empty(); }
 
+    // --- As a book ---
+    // Whether entries lie side by side; then steps go from spread to spread.
+    void OpenAsBook(bool isOpen, bool coverIsAlone);
+    bool IsOpenAsBook() const { return isBook_; }
+    // Of the members while the archive is viewed, else of the files; to be asked anew whenever
+    // those may have changed.
+    Spreads& SpreadsHere() { return IsInArchive() ? MemberSpreads() : FileSpreads(); }
+    // What is seen of them at once when the entry of this index is shown.
+    Spread SpreadHere(int index) const;
+
     // --- Stepping ---
     // Where so many steps lead to (negative: back), through the members first where `inArchive`,
     // then through the files, leaving out those of unknown kind. They stop at the last one of known
@@ -113,6 +124,13 @@ class FileSequence {
     std::optional<int> FindMember(int& steps) const;
     void FindFile(int steps, bool goesRound, KindSource& kinds, StepTarget& target) const;
     std::optional<int> FindKnown(int start, int step, KindSource& kinds) const;
+    Spreads& MemberSpreads() const;
+    Spreads& FileSpreads() const;
+    static int EdgeOf(const Spread& spread, int step) {
+        return step > 0 ? spread.Last() : spread.first;
+    }
+    int MemberEdge(int index, int step) const;
+    int FileEdge(int index, int step) const;
 
     FileEntries files_;
     MemberEntries members_;
@@ -120,6 +138,10 @@ class FileSequence {
     std::wstring archive_;
     bool hasPages_ = false;
     std::unordered_set<std::wstring> dropped_;  // paths
+    bool isBook_ = false;
+    bool coverIsAlone_ = true;
+    mutable Spreads fileSpreads_;  // they follow the lists when they are asked
+    mutable Spreads memberSpreads_;
 };
 
 }  // namespace tessary

@@ -79,14 +79,18 @@ struct GeneralSettings {
     int32_t orderSeed = 1;       // of the random order
     int16_t unclaimed = kUnclaimedHidden;
     int16_t atListEnd = kEndStays;
-    int16_t backToLast = 1;    // 1: a step back into an archive leads to its last picture
-    int16_t shortList = 0;     // 1: lists end at kShortListCount entries
-    int16_t showLoops = 0;     // 1: a slide show goes round at the ends
-    int16_t showRandom = 0;    // 1: it goes through the files in random order
-    int16_t spaceScrolls = 1;  // 1: Space goes through a picture before it leads to the next
-    int16_t plainTitle = 0;    // 1: the title does not tell what is shown
-    int16_t notePlace = 1;     // 1: on the full screen each step tells name and place
-    int16_t goOnAtOnce = 0;    // 1: what is opened once more is shown where the user stopped
+    int16_t backToLast = 1;     // 1: a step back into an archive leads to its last picture
+    int16_t shortList = 0;      // 1: lists end at kShortListCount entries
+    int16_t showLoops = 0;      // 1: a slide show goes round at the ends
+    int16_t showRandom = 0;     // 1: it goes through the files in random order
+    int16_t spaceScrolls = 1;   // 1: Space goes through a picture before it leads to the next
+    int16_t plainTitle = 0;     // 1: the title does not tell what is shown
+    int16_t notePlace = 1;      // 1: on the full screen each step tells name and place
+    int16_t goOnAtOnce = 0;     // 1: what is opened once more is shown where the user stopped
+    int16_t bookArchives = 0;   // 1: archives that nothing else was chosen for are read as books
+    int16_t bookFolders = 0;    // the same of folders
+    int16_t bookFromRight = 1;  // 1: their next page lies on the left
+    int16_t bookCover = 1;      // 1: the first page stands alone
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 

@@ -114,6 +114,10 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"PlainTitle", general.plainTitle, L"0");
     transfer(L"NotePlace", general.notePlace, L"1");
     transfer(L"GoOnAtOnce", general.goOnAtOnce, L"0");
+    transfer(L"BookArchives", general.bookArchives, L"0");
+    transfer(L"BookFolders", general.bookFolders, L"0");
+    transfer(L"BookFromRight", general.bookFromRight, L"1");
+    transfer(L"BookCover", general.bookCover, L"1");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
     transfer(L"EmptySPI_3", general.emptySPI[2], L"False");

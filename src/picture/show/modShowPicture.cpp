@@ -7,7 +7,7 @@
 #include "app/settings/modValue.h"
 #include "picture/current_picture.h"
 #include "picture/read/arrangement.h"
-#include "picture/show/read_to_show.h"
+#include "picture/show/spread_picture.h"
 #include "picture/view/picture_kernel.h"
 #include "picture/view/sight_pixels.h"
 #include "plugin/modSusie.h"
@@ -59,7 +59,9 @@ std::wstring WithoutFolder(std::wstring text, const std::wstring& path) {
 
 // Makes what was read of the file `path` the current picture and shows it, or tells why there is
 // none.
-ShownFile Show(ReadToShow result, const std::wstring& path, PictureView& view) {
+ShownFile Show(ReadToShow result, const std::wstring& path, PictureView& view,
+               const LayOpen& layOpen) {
+    if (layOpen && IsPictureKind(result.file.kind)) result = layOpen(std::move(result));
     if (IsPictureKind(result.file.kind)) {
         SetCurrentPicture(std::move(result.picture), result.file.damage);
         if (CurrentPicture() && DisplayCurrentPicture(view, result.prepared)) {
@@ -74,22 +76,34 @@ ShownFile Show(ReadToShow result, const std::wstring& path, PictureView& view) {
 
 }  // namespace
 
-ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members) {
+ShownFile ShowFile(const std::wstring& path, PictureView& view, MemberList& members,
+                   const LayOpen& layOpen) {
     ReadToShow result = ReadFileToShow(path, view);
     if (result.file.kind == kFileArchive) {
         if (ListMembers(path, members)) return result.file;
         result.file.failure = FailureText(result.subject, kEmptyArchiveText);
     }
-    return Show(std::move(result), path, view);
+    return Show(std::move(result), path, view, layOpen);
 }
 
-ShownFile ShowPage(const std::wstring& path, uint32_t page, PictureView& view) {
-    return Show(ReadPageToShow(path, page, view), path, view);
+ShownFile ShowPage(const std::wstring& path, uint32_t page, PictureView& view,
+                   const LayOpen& layOpen) {
+    return Show(ReadPageToShow(path, page, view), path, view, layOpen);
 }
 
 ShownFile ShowArchiveMember(const std::wstring& archivePath, int32_t position, PictureView& view,
-                            uint32_t page) {
-    return Show(ReadMemberToShow({archivePath, position, page}, view), archivePath, view);
+                            uint32_t page, const LayOpen& layOpen) {
+    return Show(ReadMemberToShow({archivePath, position, page}, view), archivePath, view, layOpen);
+}
+
+bool JoinPages(ReadToShow& page, const ReadToShow& neighbor, bool isLeft) {
+    Picture both = isLeft ? SpreadPicture(page.picture, neighbor.picture)
+                          : SpreadPicture(neighbor.picture, page.picture);
+    if (!both) return false;
+    page.picture = std::move(both);
+    page.prepared = {};
+    if (page.file.damage.empty()) page.file.damage = neighbor.file.damage;
+    return true;
 }
 
 void ShowReasonFor(PictureView& view, const std::wstring& reason) {

@@ -78,6 +78,7 @@ frmControl::frmControl(frmMain& window)
     sequence_.Members().OnChange([this] { PlaceChanged(); });
     RegisterCommands();
     RegisterListCommands();
+    RegisterBookCommands();
     window_.OnPictureShownChanged([this] {
         if (formLoaded_) UpdateToolbar();
     });

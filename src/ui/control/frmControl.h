@@ -12,6 +12,7 @@
 
 #include "picture/show/member_list.h"
 #include "picture/show/modShowPicture.h"
+#include "places/book_choice.h"
 #include "sequence/file_sequence.h"
 #include "sequence/random_way.h"
 #include "ui/control/bar_place.h"
@@ -93,6 +94,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
         return sequence_.HasPages() || (sequence_.IsInArchive() && memberPages_ > 0);
     }
     void StepPage(int pages) override;
+    PageSide NextPageSide() const override;
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
     void SetVisible(bool visible) override;
@@ -187,6 +189,17 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     bool GoToNextFolder(int step);
     bool BeginWithin(const Place& start, bool fromBehind);
 
+    // --- Two pages at a time (frmControl_book.cpp) ---
+    void RegisterBookCommands();
+    void OpenAsBook(const std::wstring& container, bool isArchive);
+    void BookChosen();
+    void ShiftPages();
+    void ShowSpreadAnew();
+    LayOpen LayingOpen(int index);
+    ReadToShow LaidOpen(int index, ReadToShow page);
+    ReadToShow ReadPageBeside(int index);
+    void TellNoPage(int index, bool isMember);
+
     // --- Where the user is (frmControl_place.cpp) ---
     void PlaceChanged();
     void TellPlace();
@@ -251,6 +264,9 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     bool wantsBottom_ = false;  // the next button does
     bool toBottom_ = false;     // a step back does
     Place startAt_;             // what is shown of its file, when that is shown next
+    BookChoice book_;           // for what is viewed
+    std::wstring bookOf_;       // whose it is: an archive, or a folder with a backslash
+    bool bookOfArchive_ = false;
     bool formLoaded_ = false;
     bool unloading_ = false;
     uint32_t memberPages_ = 0;  // that the selected member has; 0: none

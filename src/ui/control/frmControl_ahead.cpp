@@ -83,14 +83,17 @@ void frmControl::PlanAhead(const AheadEntry& shown) {
     lastLoad_ = GetTickCount64();
     if (CurrentActivity().quitRequested) return;
     const int step = player_.IsPlaying() ? (player_.GoesBack() ? -1 : 1) : travel_;
-    const int count = IsLoading() ? std::max(kNeighbours, ReadingThreads() + 1) : kNeighbours;
+    // Of a book both spreads around the one that is shown, and its other page.
+    const int beside = sequence_.IsOpenAsBook() ? 1 : 0;
+    const int wanted = kNeighbours << beside;
+    const int count = beside + (IsLoading() ? std::max(wanted, ReadingThreads() + 1) : wanted);
     std::vector<AheadEntry> next;
     const std::wstring drawn = GoesAtRandom(step) && step > 0 && !sequence_.IsInArchive()
                                    ? randomWay_.Coming(sequence_.Files())
                                    : std::wstring();
     if (!drawn.empty()) next.push_back({.path = drawn});
     Append(Walk(sequence_, step), drawn.empty() ? count : 0, next);
-    Append(Walk(sequence_, -step), 1, next);
+    Append(Walk(sequence_, -step), beside == 0 ? 1 : 3, next);
     Ahead().Plan(std::move(next), shown, PreparationFor(window_));
 }
 

@@ -267,6 +267,8 @@ ShownFile frmControl::Show(const std::wstring& name, const std::function<ShownFi
 void frmControl::ShowListedFile(const std::wstring& path) {
     const std::wstring name = FileNameOf(path);
     const bool fromBehind = std::exchange(entersAtEnd_, false);
+    const int index = sequence_.Files().Cursor();
+    OpenAsBook(FolderOf(path), false);
     const Place start = startAt_.file == path ? std::exchange(startAt_, {}) : Place();
     ShownFile shown;
     {
@@ -274,8 +276,10 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         loadingPath_ = path;
         passedBy_ = false;
         texts_.TellLoading(kTagLoading + name);
-        if (IsInMotion()) PlanAhead({path});
-        shown = Show(name, [&] { return ShowFile(path, window_, *this); });
+        if (IsInMotion() || sequence_.IsOpenAsBook()) PlanAhead({path});
+        const LayOpen layOpen = LayingOpen(index);
+        shown = Show(name, [&] { return ShowFile(path, window_, *this, layOpen); });
+        if (!IsPictureKind(shown.kind)) TellNoPage(index, false);
         loadingPath_.clear();
         texts_.EndLoading();
         failure_ = shown.failure;
@@ -294,6 +298,7 @@ void frmControl::ShowListedFile(const std::wstring& path) {
             sequence_.EnterArchive(path);
         }
         if (shown.pages > 0) EnterPages(path, shown.pages);
+        if (sequence_.IsInArchive()) OpenAsBook(path, true);
     }
     if (shown.pages == 0 && shown.kind != kFileArchive) {
         ShowNoArchive();
@@ -352,15 +357,18 @@ void frmControl::ShowListedMember(uint32_t page) {
     const std::wstring place = KindTag(isPage ? kFilePicture : kFileArchive) + archiveName + L" - ";
     AheadEntry entry = EntryOfMember(sequence_, sequence_.Members().Cursor());
     if (!isPage) entry.page = page;
+    const int index = sequence_.Members().Cursor();
+    const LayOpen layOpen = page == 0 ? LayingOpen(index) : LayOpen();
     ShownFile shown;
     {
         const Busy busy(*this, kReading);
         texts_.TellLoading(place + kTagLoading + member);
-        if (IsInMotion()) PlanAhead(entry);
+        if (IsInMotion() || layOpen) PlanAhead(entry);
         shown = Show(member, [&] {
-            return isPage ? ShowPage(archive, entry.page, window_)
-                          : ShowArchiveMember(archive, entry.member, window_, page);
+            return isPage ? ShowPage(archive, entry.page, window_, layOpen)
+                          : ShowArchiveMember(archive, entry.member, window_, page, layOpen);
         });
+        if (!IsPictureKind(shown.kind)) TellNoPage(index, true);
         texts_.EndLoading();
         window_.pictureView().Refresh();
     }

@@ -221,7 +221,8 @@ bool frmControl::BeginWithin(const Place& start, bool fromBehind) {
     } else if (!isFound) {
         member = fromBehind ? members.Count() - 1 : 0;
     }
-    if (sequence_.HasPages() && member == members.Cursor()) return false;
+    const bool isShown = sequence_.HasPages() && member == members.Cursor();
+    if (isShown && sequence_.SpreadHere(member).count == 1) return false;
     members.Select(member);
     if (!sequence_.HasPages() && isFound && page > 0) StepPage(page);
     return true;

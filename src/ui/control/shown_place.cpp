@@ -11,16 +11,19 @@ constexpr wchar_t kDash[] = L" — ";
 
 EntryPlace SelectedPlace(const FileSequence& sequence) {
     const auto& members = sequence.Members();
-    if (sequence.IsInArchive() && !members.IsEmpty()) {
-        return {.isMember = true, .index = members.Cursor(), .count = members.Count()};
-    }
-    return {.index = sequence.Files().Cursor(), .count = sequence.Files().Count()};
+    const bool isMember = sequence.IsInArchive() && !members.IsEmpty();
+    const int index = isMember ? members.Cursor() : sequence.Files().Cursor();
+    const int count = isMember ? members.Count() : sequence.Files().Count();
+    return {isMember, index, count, sequence.SpreadHere(index)};
 }
 
 std::wstring PlaceText(const FileSequence& sequence, const EntryPlace& place) {
     if (place.index < 0) return {};
-    const std::wstring number =
-        std::to_wstring(place.index + 1) + L" / " + std::to_wstring(place.count);
+    const bool isSpread = place.seen.count > 1;
+    const int first = isSpread ? place.seen.first : place.index;
+    std::wstring number = std::to_wstring(first + 1);
+    if (isSpread) number += L"-" + std::to_wstring(place.seen.Last() + 1);
+    number += L" / " + std::to_wstring(place.count);
     if (!place.isMember) return FileNameOf(sequence.Files().Text(place.index)) + kDash + number;
     const std::wstring archive = FileNameOf(sequence.Archive()) + kDash;
     if (sequence.HasPages()) return archive + number + L" ページ";

@@ -13,6 +13,7 @@ struct EntryPlace {
     bool isMember = false;  // or a page of the file
     int index = -1;         // -1: none of them is selected
     int count = 0;
+    Spread seen{};  // with what is seen beside it, where it is an open book's
 
     bool operator==(const EntryPlace&) const = default;
 };

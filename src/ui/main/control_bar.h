@@ -48,6 +48,9 @@ struct ShownMember {
     std::wstring name;
 };
 
+// Where the next page of an open book lies; none where nothing is read as a book.
+enum class PageSide { kNone, kLeft, kRight };
+
 // What the user has opened.
 enum class ListSource { kFiles, kOneFile, kOneFolder };
 
@@ -98,6 +101,8 @@ class ControlBar {
     // or the last where there are not as many.
     virtual bool HasPages() const { return false; }
     virtual void StepPage(int /*pages*/) {}
+
+    virtual PageSide NextPageSide() const { return PageSide::kNone; }
 
     // Does what a click on the button does.
     virtual void Press(BarButton button) = 0;

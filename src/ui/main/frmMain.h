@@ -306,6 +306,7 @@ class frmMain final : public Form, public PictureView {
     void SetBackdrop(int16_t backdrop);
     void ShowScale();
     void ShowInfo(bool on);
+    bool TurnsPage(int keyCode);
     void pictureView_Wheel(int notches, int shift, POINT at);
     void pictureView_DoubleClick(POINT at);
     void pictureView_MouseDown(int button, POINT at);

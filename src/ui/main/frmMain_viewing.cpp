@@ -195,7 +195,7 @@ void frmMain::pictureView_DoubleClick(POINT at) {
 }
 
 void frmMain::pictureView_KeyDown(int keyCode, int shift) {
-    if (stage_.KeyDown(keyCode)) return;
+    if (TurnsPage(keyCode) || stage_.KeyDown(keyCode)) return;
     switch (keyCode) {
         case VK_RETURN:
             return Step((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
@@ -208,6 +208,16 @@ void frmMain::pictureView_KeyDown(int keyCode, int shift) {
         default:
             return;
     }
+}
+
+// In an open book the keys lead where the pages lie, unless there is more to see on that side.
+bool frmMain::TurnsPage(int keyCode) {
+    const PageSide next = controlBar_ != nullptr ? controlBar_->NextPageSide() : PageSide::kNone;
+    const bool isLeft = keyCode == VK_LEFT;
+    if (next == PageSide::kNone || (!isLeft && keyCode != VK_RIGHT)) return false;
+    if (stage_.Seen().Shown().cx > stage_.Seen().Area().cx) return false;
+    Step((next == PageSide::kLeft) == isLeft ? BarButton::kStepForward : BarButton::kStepBack);
+    return true;
 }
 
 void frmMain::pictureView_MouseDown(int button, POINT at) {
