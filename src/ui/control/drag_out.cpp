@@ -51,11 +51,14 @@ void DragOut::DragPicture() {
     const PictureSource& source = window_.Source();
     const std::wstring file = window_.ShownFile();
     std::optional<ShownMember> member = controlBar_.MemberOf(source);
-    if (window_.Orientation() != exif::kUpright || source.page > 1) member.reset();
+    if (window_.Orientation() != exif::kUpright || source.page > 1 || source.isSpread) {
+        member.reset();
+    }
     {
         // What is dragged stays in sight, and this window takes nothing from itself.
         const ReadUnderWay dragging;
-        drag_([this, file, member, stem = ProposedStem(source.fileName, source.page),
+        drag_([this, file, member,
+               stem = ProposedStem(source.fileName, source.page, source.isSpread),
                picture = std::make_shared<Picture>(CurrentPicture().Another())] {
             if (!file.empty()) return std::wstring(file);
             return Trapped(std::wstring(), [&] {

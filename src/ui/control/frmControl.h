@@ -199,6 +199,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     ReadToShow LaidOpen(int index, ReadToShow page);
     ReadToShow ReadPageBeside(int index);
     void TellNoPage(int index, bool isMember);
+    bool IsSpread(int index) const { return sequence_.SpreadHere(index).count > 1; }
 
     // --- Where the user is (frmControl_place.cpp) ---
     void PlaceChanged();

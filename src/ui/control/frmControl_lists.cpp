@@ -288,7 +288,8 @@ void frmControl::ShowListedFile(const std::wstring& path) {
         if (IsPictureKind(shown.kind)) {
             const std::wstring tail = PictureInfoTail();
             const uint32_t page = shown.pages > 0 ? 1 : 0;
-            window_.SetPictureSource({name, shown.pluginName, path, page, shown.pages});
+            window_.SetPictureSource(
+                {name, shown.pluginName, path, page, shown.pages, IsSpread(index)});
             texts_.TellInfo(TagOf(shown) + name + tail);
             texts_.TellShown(kTagShown + name + tail);
         } else {
@@ -378,7 +379,8 @@ void frmControl::ShowListedMember(uint32_t page) {
     if (IsPictureKind(shown.kind)) {
         const std::wstring tail = PictureInfoTail();
         window_.SetPictureSource({isPage ? archiveName : member, shown.pluginName, archive,
-                                  pages > 0 ? entry.page + 1 : 0, pages});
+                                  pages > 0 ? entry.page + 1 : 0, pages,
+                                  layOpen && IsSpread(index)});
         texts_.TellInfo(place + (isPage ? L"" : TagOf(shown)) + member + tail);
         texts_.TellShown(kTagShown + archiveName + L" - " + member + (isPage ? L"" : archiveName) +
                          tail);

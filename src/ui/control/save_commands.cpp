@@ -123,7 +123,8 @@ SaveDialogRequest SaveCommands::RequestFor(Choice& chosen) const {
     SaveDialogRequest request;
     request.folder = FolderToBegin();
     const PictureSource& source = window_.Source();
-    request.name = WithExtensionOf(format, ProposedStem(source.fileName, source.page));
+    request.name =
+        WithExtensionOf(format, ProposedStem(source.fileName, source.page, source.isSpread));
     for (const SaverFormat& each : SaverFormats())
         request.types.push_back({each.description, std::wstring(each.extensions.front())});
     request.type = TypeOf(format);

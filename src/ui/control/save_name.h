@@ -15,7 +15,8 @@ std::wstring WithExtensionOf(const SaverFormat& format, const std::wstring& name
 
 // The name to propose for a picture of that file or archive member: its own, without extension and
 // without what file names must not hold, and with the page's number where there are several (0:
-// there are none).
-std::wstring ProposedStem(const std::wstring& pictureName, uint32_t page = 0);
+// there are none). `isSpread`: it is of two pages, of which that is one.
+std::wstring ProposedStem(const std::wstring& pictureName, uint32_t page = 0,
+                          bool isSpread = false);
 
 }  // namespace tessary

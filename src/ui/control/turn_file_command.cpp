@@ -80,7 +80,7 @@ TurnFileCommand::TurnFileCommand(frmMain& window, std::wstring program)
 bool TurnFileCommand::IsPossible() const {
     const PictureSource& source = window_.Source();
     return window_.PictureShown() && window_.Orientation() != exif::kUpright &&
-           !source.path.empty() && FileNameOf(source.path) == source.fileName &&
+           !source.path.empty() && !source.isSpread && FileNameOf(source.path) == source.fileName &&
            SaverFormatOf(source.fileName) == SaverFormatAt(kJpegFormat);
 }
 

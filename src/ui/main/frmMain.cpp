@@ -337,7 +337,8 @@ void frmMain::ShowTitle() const {
 }
 
 std::wstring frmMain::ShownFile() const {
-    const bool isWhole = PictureShown() && source_.page <= 1 && orientation_ == exif::kUpright &&
+    const bool isWhole = PictureShown() && !source_.isSpread && source_.page <= 1 &&
+                         orientation_ == exif::kUpright &&
                          FileNameOf(source_.path) == source_.fileName && sourceStamp_ &&
                          StampOf(source_.path) == sourceStamp_;
     return isWhole ? source_.path : std::wstring();

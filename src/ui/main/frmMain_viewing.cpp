@@ -316,6 +316,9 @@ void frmMain::SetPicture(Picture picture, const Picture& prepared) {
     PutIntoView(std::move(picture), prepared);
     orientation_ = exif::kUpright;
     if (keptPlace_) stage_.MoveTo(*keptPlace_);
+    if (!keptPlace_ && controlBar_ != nullptr && controlBar_->NextPageSide() == PageSide::kLeft) {
+        stage_.ScrollToRight();
+    }
     if (arrivesAtBottom_) stage_.ScrollToBottom();
 }
 

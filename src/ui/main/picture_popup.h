@@ -14,6 +14,7 @@ struct PictureSource {
     std::wstring path = {};   // full path of the file, or of the archive around it; empty: none
     uint32_t page = 0;        // from 1
     uint32_t pages = 0;       // that the file or member has; 0: none
+    bool isSpread = false;    // it is one of two that are shown as one picture
 };
 
 // The text of a pop-up item (menuPopup… of resource.h) filled with what it tells of a picture

@@ -160,6 +160,10 @@ void PictureStage::ScrollToBottom() {
     MoveTo({sight_.Position().x, -static_cast<int>(sight_.Shown().cy)});
 }
 
+void PictureStage::ScrollToRight() {
+    MoveTo({-static_cast<int>(sight_.Shown().cx), sight_.Position().y});
+}
+
 void PictureStage::Scroll(int bar, int code, int place) {
     ViewPosition to = sight_.Position();
     if (bar == SB_HORZ) {

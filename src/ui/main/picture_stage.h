@@ -61,6 +61,7 @@ class PictureStage {
     // Scrolls up or down by most of the view's height; false when there is nothing more to see.
     bool ScrollPage(bool up);
     void ScrollToBottom();
+    void ScrollToRight();
     // For a scroll bar's message (PictureBox::Events::scroll).
     void Scroll(int bar, int code, int place);
 

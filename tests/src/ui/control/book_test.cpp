@@ -54,6 +54,7 @@ TEST_F(BookTest, StepsGoBySpreadsAndBackTheSameWay) {
     EXPECT_EQ(Width(), 50);
     EXPECT_EQ(RedAt(5), 30);
     EXPECT_EQ(RedAt(45), 20);
+    EXPECT_EQ(window_.ShownFile(), L"") << "no file has both";
     window_.Commands().Run(commandBookFromRight);
     EXPECT_EQ(RedAt(5), 20);
     EXPECT_EQ(RedAt(45), 30);
