@@ -233,7 +233,8 @@
 #define optionPage_2 3004
 #define optionPage_3 3005
 #define optionPage_4 3006
-#define cmdApply 3007
+#define optionPage_5 3007
+#define cmdApply 3008
 
 #define checkUseSPI 3100
 #define checkLoadSPI_0 3101
@@ -300,6 +301,15 @@
 #define checkSpaceScrolls 3357
 #define checkRemember 3358
 #define checkGoOnAtOnce 3359
+
+#define listKeys 3370
+#define labelNewKey 3371
+#define textNewKey 3372
+#define labelKeyUse 3373
+#define cmdAssignKey 3374
+#define cmdDropKeys 3375
+#define cmdUsualKeys 3376
+#define cmdAllUsualKeys 3377
 
 #define sliderSlideShowTime 3300
 #define labelSlideShowTime 3301

@@ -9,6 +9,7 @@
 #include "res/resource.h"
 #include "ui/control/toolbar_items.h"
 #include "ui/form/activity.h"
+#include "ui/keys/key_map.h"
 
 namespace tessary {
 namespace {
@@ -66,7 +67,7 @@ frmControl::frmControl(frmMain& window)
                        steps();
                    }}),
       accelerators_(
-          acceleratorsMainWindow, [&window] { return window.Handle(); },
+          ChosenAccelerators, [&window] { return window.Handle(); },
           [this](const MSG& key) { return IsKeyOfProgram(key); }),
       dialogKeys_([this](MSG& message) { return TakesMessage(message); }) {
     sequence_.Files().SetMirror(filesMirror_);

@@ -1,5 +1,7 @@
 #include "ui/main/command_table.h"
 
+#include "ui/main/menu_keys.h"
+
 #include <utility>
 
 #include "ui/form/activity.h"
@@ -38,7 +40,7 @@ bool CommandTable::Run(int id) const {
 
 void CommandTable::ShowState(HMENU menu) const {
     if (shown_) shown_(menu);
-    keys_.ShowIn(menu);
+    ShowKeysIn(menu);
     ForEachMenuCommand(menu, [&](int id) {
         const auto found = commands_.find(id);
         const bool checked =

@@ -5,10 +5,7 @@
 #include <windows.h>
 
 #include <functional>
-#include <initializer_list>
 #include <map>
-
-#include "ui/main/menu_keys.h"
 
 namespace tessary {
 
@@ -24,10 +21,6 @@ struct Command {
 
 class CommandTable {
   public:
-    // The menus show the keys of these accelerator tables.
-    explicit CommandTable(std::initializer_list<int> acceleratorTables)
-        : keys_(acceleratorTables) {}
-
     // Gives an item (a number of resource.h) its command, or another one.
     void Register(int id, Command command);
 
@@ -56,7 +49,6 @@ class CommandTable {
   private:
     bool IsPutOff(int id) const;
 
-    MenuKeys keys_;
     std::map<int, Command> commands_;
     std::function<bool()> takesEarly_;
     std::function<void(int id)> tooEarly_;

@@ -16,6 +16,7 @@
 #include "ui/form/message_loop.h"
 #include "ui/form/screen.h"
 #include "ui/form/session_hold.h"
+#include "ui/keys/key_map.h"
 #include "ui/main/window_placement.h"
 
 namespace tessary {
@@ -48,7 +49,7 @@ frmMain::frmMain(MainWindowServices services)
                        if (pictureShownChanged_) pictureShownChanged_();
                    }}),
       accelerators_(
-          acceleratorsMainWindow, [this] { return Handle(); },
+          ChosenAccelerators, [this] { return Handle(); },
           [this](const MSG& key) {
               const bool isButtons =
                   silence_.HasFocus() && (key.wParam == VK_RETURN || key.wParam == VK_SPACE);

@@ -318,7 +318,7 @@ class frmMain final : public Form, public PictureView {
 
     MainWindowServices services_;
     ControlBar* controlBar_ = nullptr;
-    CommandTable commands_{acceleratorsMainWindow, acceleratorsClipboard};
+    CommandTable commands_;
     PictureBox pictureView_;
     PictureStage stage_{pictureView_};
     FrameShow frames_;

@@ -31,7 +31,7 @@ bool IsBusy() {
 frmOption::frmOption(Taker apply) : Dialog(dialogOption), apply_(std::move(apply)) {}
 
 bool frmOption::Edit(HWND owner, int page) {
-    page_ = std::clamp(page, kPluginPage, kFormatPage);
+    page_ = std::clamp(page, kPluginPage, kKeyPage);
     return ShowModal(owner) == IDOK;
 }
 
@@ -46,7 +46,7 @@ void frmOption::Dialog_Load() {
     pages_.Attach(Handle(), optionPages);
     SendMessageW(pages_.Handle(), TVM_SETITEMHEIGHT,
                  static_cast<WPARAM>(Metrics(Handle()).Scale(kRowHeight)), 0);
-    for (int heading = optionPage_0; heading <= optionPage_4; ++heading)
+    for (int heading = optionPage_0; heading <= optionPage_5; ++heading)
         pages_.Add(nullptr, {.text = TextOf(GetDlgItem(Handle(), heading))});
     pages_.OnSelect([this](TreeView::Node chosen) {
         int page = 0;
@@ -75,6 +75,13 @@ void frmOption::AnchorControls() {
     Anchor(labelSPIError, kAnchorLeft | kAnchorBottom);
     Anchor(labelSPIEnds, kAnchorWidth | kAnchorBottom);
     Anchor(listSPIError, kAnchorWidth | kAnchorBottom);
+    Anchor(listKeys, kAnchorWidth | kAnchorHeight);
+    Anchor(textNewKey, kAnchorWidth | kAnchorBottom);
+    Anchor(labelKeyUse, kAnchorWidth | kAnchorBottom);
+    for (const int id : {labelNewKey, cmdDropKeys})
+        Anchor(id, kAnchorLeft | kAnchorBottom);
+    for (const int id : {cmdAssignKey, cmdUsualKeys, cmdAllUsualKeys})
+        Anchor(id, kAnchorRight | kAnchorBottom);
     for (const int id : {cmdSPISetup, cmdSPIErrorClear, IDOK, IDCANCEL, cmdApply})
         Anchor(id, kAnchorRight | kAnchorBottom);
 }
@@ -87,7 +94,7 @@ void frmOption::ShowPage(int page) {
          control = GetWindow(control, GW_HWNDNEXT)) {
         const int id = GetDlgCtrlID(control);
         if (id == IDOK) break;
-        if (id >= optionPage_0 && id <= optionPage_4) shown = id - optionPage_0;
+        if (id >= optionPage_0 && id <= optionPage_5) shown = id - optionPage_0;
         if (shown < 0) continue;
         EnableWindow(control, shown == page);
         ShowWindow(control, shown == page ? SW_SHOWNA : SW_HIDE);

@@ -10,6 +10,7 @@
 #include "ui/options/convert_page.h"
 #include "ui/options/display_page.h"
 #include "ui/options/format_page.h"
+#include "ui/options/key_page.h"
 #include "ui/options/list_page.h"
 #include "ui/options/option_values.h"
 #include "ui/options/plugin_page.h"
@@ -21,6 +22,7 @@ constexpr int kConvertPage = 1;
 constexpr int kDisplayPage = 2;
 constexpr int kListPage = 3;
 constexpr int kFormatPage = 4;
+constexpr int kKeyPage = 5;
 
 class frmOption final : private Dialog {
   public:
@@ -62,8 +64,9 @@ class frmOption final : private Dialog {
     DisplayPage displayPage_{options_, [this] { Changed(); }};
     ListPage listPage_{options_, [this] { Changed(); }};
     FormatPage formatPage_{options_, [this] { Changed(); }};
-    std::array<OptionPage*, 5> all_{&pluginPage_, &convertPage_, &displayPage_, &listPage_,
-                                    &formatPage_};
+    KeyPage keyPage_{options_, [this] { Changed(); }};
+    std::array<OptionPage*, 6> all_{&pluginPage_, &convertPage_, &displayPage_,
+                                    &listPage_,   &formatPage_,  &keyPage_};
 };
 
 }  // namespace tessary

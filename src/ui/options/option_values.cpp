@@ -80,6 +80,7 @@ OptionValues CurrentOptions() {
         .convert = values.convert,
         .saveOptions = values.saveOptions,
         .fixSizeValue = std::clamp<int16_t>(values.fixSizeValue, kSizeModeOriginal, kLastSizeMode),
+        .keys = ChosenKeys(),
         .remembers = IsRemembering()};
     // The user's own choice, which only rests.
     if (values.logFileRefusal != 0) options.convert.outputErrorLog = 1;
@@ -103,6 +104,7 @@ void SetOptions(const OptionValues& options) {
     }
     values.saveOptions = options.saveOptions;
     values.fixSizeValue = options.fixSizeValue;
+    if (options.keys != ChosenKeys()) ChooseKeys(options.keys);
     if (options.remembers != IsRemembering()) SetRemembering(options.remembers);
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "app/settings/modValue.h"
+#include "ui/keys/key_map.h"
 
 namespace tessary {
 
@@ -15,6 +16,7 @@ struct OptionValues {
     ConvertSettings convert;
     saving::SaveOptions saveOptions;
     int16_t fixSizeValue = kSizeModeOriginal;
+    KeyMap keys;
     bool remembers = true;  // what was opened, and where the user stopped
 
     bool operator==(const OptionValues&) const = default;

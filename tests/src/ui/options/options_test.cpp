@@ -162,6 +162,33 @@ TEST_F(OptionsTest, TheLogSwitchIsWhatTheUserChoseLast) {
     EXPECT_EQ(Values().logFileRefusal, 0u);
 }
 
+TEST_F(OptionsTest, AKeyGoesToAnotherCommandWithTheUserKnowingIt) {
+    const auto put = [](HWND dialog, int key) { PressKey(dialog, textNewKey, key); };
+    ShowOptions(kKeyPage, {[&](HWND dialog) {
+                    EXPECT_FALSE(IsUsable(dialog, cmdAssignKey));
+                    put(dialog, VK_LEFT);
+                    EXPECT_FALSE(IsUsable(dialog, cmdAssignKey)) << "it scrolls";
+                    put(dialog, VK_RETURN);
+                    EXPECT_FALSE(IsUsable(dialog, cmdAssignKey)) << "it has it already";
+                    put(dialog, 'S');
+                    EXPECT_EQ(
+                        TextOf(dialog, labelKeyUse),
+                        L"S は「次の表示サイズ」のキーです。割り当てると、そちらから外れます。");
+                    Click(dialog, cmdAssignKey);
+                    EXPECT_EQ(TextOf(dialog, textNewKey), L"");
+                    Press(dialog, IDOK);
+                }});
+    EXPECT_EQ(CommandOf(ChosenKeys(), {'S', 0}), commandStepForward);
+    EXPECT_TRUE(ChosenKeys().at(commandDisplaySize).empty());
+    ShowOptions(kKeyPage, {[](HWND dialog) {
+                    Click(dialog, cmdAllUsualKeys);
+                    EXPECT_FALSE(IsUsable(dialog, cmdAllUsualKeys));
+                    Press(dialog, IDOK);
+                }});
+    EXPECT_EQ(ChosenKeys(), UsualKeys());
+    EXPECT_TRUE(SettingKeys(L"Keys").empty());
+}
+
 TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
     GeneralSettings& general = Values().general;
     general.slideShowTime = -5;
@@ -175,26 +202,26 @@ TEST_F(OptionsTest, NonsenseInTheSettingsIsShownAsTheNearestValue) {
     const auto selected = [](HWND dialog, int combo) {
         return SendDlgItemMessageW(dialog, combo, CB_GETCURSEL, 0, 0);
     };
-    ShowOptions(9, {[&](HWND dialog) {
-                        EXPECT_TRUE(IsUsable(dialog, combReduceType));
-                        EXPECT_EQ(TextOf(dialog, labelSlideShowTime), L"0.0 秒");
-                        EXPECT_EQ(TextOf(dialog, textReduceColorNum), L"256");
-                        EXPECT_EQ(selected(dialog, combReduceType), 0);
-                        EXPECT_EQ(selected(dialog, combFixSizeValue), 6);
-                        EXPECT_EQ(selected(dialog, combSaveType1), 2);
-                        EXPECT_EQ(selected(dialog, combSaveType2), 1);
-                        Type(dialog, textReduceColorNum, L"99999999999999999999");
-                        PressLater(dialog, cmdFileFormatEnv_1);
-                    },
-                    [](HWND dialog) {
-                        EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"0");
-                        PressKey(dialog, sliderJpegQuality, VK_RIGHT);
-                        Press(dialog, IDOK);
-                    },
-                    [](HWND dialog) {
-                        EXPECT_EQ(TextOf(dialog, labelFileFormat_1), L"品質 10");
-                        Press(dialog, IDOK);
-                    }});
+    ShowOptions(kFormatPage, {[&](HWND dialog) {
+                                  EXPECT_TRUE(IsUsable(dialog, combReduceType));
+                                  EXPECT_EQ(TextOf(dialog, labelSlideShowTime), L"0.0 秒");
+                                  EXPECT_EQ(TextOf(dialog, textReduceColorNum), L"256");
+                                  EXPECT_EQ(selected(dialog, combReduceType), 0);
+                                  EXPECT_EQ(selected(dialog, combFixSizeValue), 6);
+                                  EXPECT_EQ(selected(dialog, combSaveType1), 2);
+                                  EXPECT_EQ(selected(dialog, combSaveType2), 1);
+                                  Type(dialog, textReduceColorNum, L"99999999999999999999");
+                                  PressLater(dialog, cmdFileFormatEnv_1);
+                              },
+                              [](HWND dialog) {
+                                  EXPECT_EQ(TextOf(dialog, valueJpegQuality), L"0");
+                                  PressKey(dialog, sliderJpegQuality, VK_RIGHT);
+                                  Press(dialog, IDOK);
+                              },
+                              [](HWND dialog) {
+                                  EXPECT_EQ(TextOf(dialog, labelFileFormat_1), L"品質 10");
+                                  Press(dialog, IDOK);
+                              }});
     EXPECT_EQ(general.slideShowTime, 0);
     EXPECT_EQ(general.reduceColorNum, 256);
     EXPECT_EQ(GetSetting(L"FileFormat", L"jpg_saveQuality"), L"10");
