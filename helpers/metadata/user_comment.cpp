@@ -66,9 +66,11 @@ std::string ShiftedText(std::string_view jis) {
                 set = Set::kKatakana;
             } else if (isNext("\x1B$B") || isNext("\x1B$@")) {
                 set = Set::kTwoBytes;
-            } else {
+            } else if (isNext("\x1B$") || isNext("\x1B(")) {
                 length = isNext("\x1B$(") ? 4 : 3;
-                if (!isNext("\x1B&@")) set = Set::kUnknown;
+                set = Set::kUnknown;
+            } else if (!isNext("\x1B&@")) {
+                length = 1;  // the start of nothing that JIS knows
             }
             jis.remove_prefix(std::min(length, jis.size()));
             continue;

@@ -47,10 +47,10 @@ Result ReadFrame(dib::ByteSource& source, const ApngFile& file, const ApngFrame&
     return result;
 }
 
-// Whether the file ends before the last pixel of its frames.
+// Whether frames are missing that the file announces, or it ends before their last pixel.
 bool IsCutShort(dib::ByteSource& source, const ApngFile& file) {
-    if (file.hasEnd) return false;
     if (file.frames.size() < file.promised) return true;
+    if (file.hasEnd) return false;
     FramePicture picture;
     std::vector<uint8_t> png;
     bool isSound = false;

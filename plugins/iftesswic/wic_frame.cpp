@@ -257,9 +257,17 @@ std::optional<color::Profile> WicFrame::Colors() const {
 WicPixels WicFrame::Pixels() const {
     GUID format{};
     Check(frame_->GetPixelFormat(&format));
-    const auto profile = Colors();
+    auto profile = Colors();
+    const bool areInks = IsEqualGUID(format, GUID_WICPixelFormat32bppCMYK) != FALSE;
+    // The system makes RGB of inks whose profile is of something else.
+    if (areInks && profile && profile->ModelOf() != color::Model::kCmyk) profile.reset();
     WicPixels pixels = PixelsOf(format, profile);
-    if (pixels.palette.empty()) pixels.toSrgb = codec::ToSrgb(profile, pixels.layout);
+    if (!pixels.palette.empty()) return pixels;
+    pixels.toSrgb = codec::ToSrgb(profile, pixels.layout);
+    // Where that profile is damaged, or changes nothing, too.
+    if (!pixels.toSrgb && color::TargetBytesOf(pixels.layout) != pixels.bitCount / 8) {
+        pixels = PixelsOf(format, std::nullopt);
+    }
     return pixels;
 }
 

@@ -195,9 +195,11 @@ TEST(Apng, FilesThatAreNotAsTheyShouldBeAreStills) {
     EXPECT_EQ(opened(cut), 6u);
     // The whole file is told of with its picture; what lacks no pixel is sound.
     const Bytes noSum = Cut(good, good.size() - 14), noFrame = Cut(good, Find(good, "fcTL", 9));
+    Bytes ended = Cut(good, Find(good, "fcTL", 9) - 4);
+    ended.insert(ended.end(), good.end() - 12, good.end());
     for (const Bytes* file : {&good, &noSum})
         EXPECT_EQ(Decoded(PngDecoder(), *file).condition, Condition::kNone);
-    for (const Bytes* file : {&cut, &wrong, &noFrame})
+    for (const Bytes* file : std::array<const Bytes*, 4>{&cut, &wrong, &noFrame, &ended})
         EXPECT_EQ(Decoded(PngDecoder(), *file).condition, Condition::kDamaged);
     for (const auto& [file, last] : files) {
         dib::MemorySource source(*file);

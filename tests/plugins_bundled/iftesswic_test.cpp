@@ -110,12 +110,20 @@ TEST_F(Iftesswic, ConvertsColorsOfTiffToSrgb) {
     }
     expectNear(Shown(TiffOf(2, 3, 8, colors, InkProfile()))->Pixels().At(0, 0), 0xC81E64);
     expectNear(Shown(TiffOf(2, 3, 8, colors, Cut(Swapped(), 50)))->Pixels().At(0, 0), 0xC81E64);
+    expectNear(Shown(TiffOf(2, 3, 16, deep, color::Profile::Srgb().Icc()))->Pixels().At(0, 0),
+               0xC81E64);
     const Bytes inks{0, 0, 255, 0, 255, 0, 0, 0, 0, 0, 0, 255, 0, 0, 0, 0};
     const Colors ink = Shown(TiffOf(5, 4, 8, inks, InkProfile()))->Pixels();
     expectNear(ink.At(0, 0), 0x00FFFF);
     expectNear(ink.At(1, 0), 0xFFFF00);
     expectNear(ink.At(2, 0), 0x000000);
     expectNear(ink.At(3, 0), 0xFFFFFF);
+    // A profile without its table, or of other colours, counts as none.
+    const Bytes pale{90, 20, 40, 10};
+    const uint32_t plain = Shown(TiffOf(5, 4, 8, pale, {}))->Pixels().At(0, 0);
+    const Bytes whole = InkProfile();
+    for (const Bytes& icc : {Cut(whole, whole.size() / 2), Swapped()})
+        expectNear(Shown(TiffOf(5, 4, 8, pale, icc))->Pixels().At(0, 0), plain);
 
     const Bytes linear = color::Profile::FromGreyCurve({1})->Icc();
     const auto grey = Shown(TiffOf(1, 1, 8, {0, 55, 255}, linear));

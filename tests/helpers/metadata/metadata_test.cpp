@@ -139,6 +139,7 @@ TEST(Metadata, ReadsCommentsInTheirCharacterCodes) {
     for (const std::string& code : {none, jis, std::string()})
         EXPECT_EQ(told(code + "\x97\x5B\x95\xE9 abcd"), "\x97\x5B\x95\xE9 abcd");
     EXPECT_EQ(told(std::string("ASCII\0\0\0plain", 13)), "plain");
+    EXPECT_EQ(told("a\x1B[31mred"), "a[31mred") << "of a terminal, and not of JIS";
     // 夕暮れ in the file's byte order, in the other, and with a mark.
     const std::string little("\x15\x59\xAE\x66\x8C\x30", 6), big("\x59\x15\x66\xAE\x30\x8C", 6);
     for (const bool isBig : {false, true}) {
