@@ -10,6 +10,7 @@
 #define menuDisplaySizeWindow 102
 #define menuOpenWindow 103
 #define menuSaveWindow 104
+#define menuBarWindow 105  // holds the control bar's own
 #define acceleratorsMainWindow 110
 #define acceleratorsClipboard 111
 
@@ -37,6 +38,12 @@
 #define menuView 1200
 #define menuViewControlOwner 1201
 #define menuViewControlBar 1202
+#define menuDock 1203
+#define commandDock_0 1204  // by DockSide
+#define commandDock_1 1205
+#define commandDock_2 1206
+#define commandDock_3 1207
+#define commandDock_4 1208
 #define menuControl_0 1210
 #define menuControl_1 1211
 #define menuControl_2 1212

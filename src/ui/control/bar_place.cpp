@@ -35,24 +35,33 @@ int ToPixels(int twips) {
 BarPlace::BarPlace(const Form& bar, frmMain& window, Changes changes)
     : bar_(bar), window_(window), changes_(std::move(changes)) {}
 
-void BarPlace::Read() {
+void BarPlace::Read(bool isDocked) {
     isPanelOpen_ = panelAbove_ = false;
     movedBy_ = {};
-    const auto setting = [](const wchar_t* key, int32_t other) {
-        return Trapped(other,
-                       [&] { return ToInt32(GetSetting(kSection, key, ToSettingText(other))); });
-    };
+    afloat_.reset();
+    isDocked_ = isDocked;
     const bool rollUp = Trapped(
         false, [] { return ToBoolean(GetSetting(kSection, L"ControlBarRollUP", L"False")); });
+    if (isDocked_) return ApplyRollUp(rollUp);
     const HWND window = bar_.Handle();
     SetWindowPos(window, nullptr, 0, 0, Metrics(window).Scale(kWidth), 0,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     ApplyRollUp(rollUp);
+    const bool isNew = Trapped(true, [] { return GetSetting(kSection, L"ControlBar_X").empty(); });
+    PlaceAfloat();
+    // The first time the bar takes the place where the main window's menu would be.
+    if (isNew) window_.MakeRoomAbove(Metrics(window).Scale(kUnfoldedHeight + kGap));
+}
 
+void BarPlace::PlaceAfloat() {
+    const auto setting = [](const wchar_t* key, int32_t other) {
+        return Trapped(other,
+                       [&] { return ToInt32(GetSetting(kSection, key, ToSettingText(other))); });
+    };
+    const HWND window = bar_.Handle();
     RECT main{};
     GetWindowRect(window_.Handle(), &main);
     const RECT bar = Frame();
-    const bool isNew = Trapped(true, [] { return GetSetting(kSection, L"ControlBar_X").empty(); });
     const RECT screens = AllScreens();
     int x = std::max(setting(L"ControlBar_X", ToTwips(main.left)), ToTwips(screens.left));
     const int y = std::max(setting(L"ControlBar_Y", ToTwips(main.top)), ToTwips(screens.top));
@@ -65,19 +74,57 @@ void BarPlace::Read() {
     if (y + height > bottom) x = bottom - height;
     SetWindowPos(window, nullptr, ToPixels(x), ToPixels(y), 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    // The first time the bar takes the place where the main window's menu would be.
-    if (isNew) window_.MakeRoomAbove(Metrics(window).Scale(kUnfoldedHeight + kGap));
+}
+
+// --- Docked and afloat ---
+
+POINT BarPlace::PlaceInTwips() const {
+    RECT bar = Frame();
+    OffsetRect(&bar, -movedBy_.x, -movedBy_.y);
+    return {ToTwips(bar.left), ToTwips(bar.top)};
+}
+
+void BarPlace::Dock() {
+    if (isDocked_) return;
+    afloat_ = PlaceInTwips();
+    isDocked_ = true;
+    panelAbove_ = false;
+    movedBy_ = {};
+}
+
+void BarPlace::Float(std::optional<POINT> at) {
+    if (!isDocked_) return;
+    isDocked_ = false;
+    const HWND window = bar_.Handle();
+    SetWindowPos(window, nullptr, 0, 0, Metrics(window).Scale(kWidth), 0,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    ApplyRollUp(isRollUp_);
+    const bool isKept =
+        Trapped(false, [] { return !GetSetting(kSection, L"ControlBar_X").empty(); });
+    if (!at && afloat_) {
+        at = POINT{ToPixels(afloat_->x), ToPixels(afloat_->y)};
+    } else if (!at && !isKept) {
+        at = POINT{};  // upon the picture: nothing else of the main window is hidden there
+        ClientToScreen(window_.pictureView().Handle(), &*at);
+    }
+    if (at) {
+        SetWindowPos(window, nullptr, at->x, at->y, 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    } else {
+        PlaceAfloat();
+    }
+    if (isPanelOpen_) PlaceForPanel();
 }
 
 void BarPlace::Save() const {
-    RECT bar = Frame();
-    OffsetRect(&bar, -movedBy_.x, -movedBy_.y);
     const auto save = [&](const wchar_t* key, const std::wstring& text) {
         Trapped([&] { SaveSetting(kSection, key, text); });
     };
     save(L"ControlBarRollUP", ToSettingText(isRollUp_));
-    save(L"ControlBar_X", ToSettingText(int32_t{ToTwips(bar.left)}));
-    save(L"ControlBar_Y", ToSettingText(int32_t{ToTwips(bar.top)}));
+    const std::optional<POINT> place = isDocked_ ? afloat_ : PlaceInTwips();
+    if (!place) return;  // what is kept stays
+    save(L"ControlBar_X", ToSettingText(int32_t{place->x}));
+    save(L"ControlBar_Y", ToSettingText(int32_t{place->y}));
 }
 
 RECT BarPlace::Frame() const {
@@ -87,6 +134,7 @@ RECT BarPlace::Frame() const {
 }
 
 void BarPlace::SetHeight(int pixelsAt96Dpi) {
+    if (isDocked_) return;
     const RECT bar = Frame();
     SetWindowPos(bar_.Handle(), nullptr, 0, 0, bar.right - bar.left,
                  Metrics(bar_.Handle()).Scale(pixelsAt96Dpi),
@@ -111,13 +159,16 @@ void BarPlace::OpenPanel() {
     if (!isPanelOpen_) PlaceForPanel();
     isPanelOpen_ = true;
     // It may reach over the main window now, which some window managers leave in front.
-    SetWindowPos(bar_.Handle(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    if (!isDocked_) {
+        SetWindowPos(bar_.Handle(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    }
     changes_.folded();
 }
 
 void BarPlace::ClosePanel() {
     isPanelOpen_ = panelAbove_ = false;
     ApplyRollUp(isRollUp_);
+    if (isDocked_) return;
     const RECT frame = Frame();
     const POINT back = std::exchange(movedBy_, {});
     SetWindowPos(bar_.Handle(), nullptr, frame.left - back.x, frame.top - back.y, 0, 0,
@@ -127,6 +178,7 @@ void BarPlace::ClosePanel() {
 
 // The panel's buttons must be within reach, and the main window's title and menu in sight.
 void BarPlace::PlaceForPanel() {
+    if (isDocked_) return;
     const Metrics metrics(bar_.Handle());
     const int height = metrics.Scale(kDeletePanelHeight);
     RECT title{};
@@ -152,6 +204,7 @@ int BarPlace::HeightAboveToolbar() const {
 // --- Within reach ---
 
 void BarPlace::ComeIntoReach() {
+    if (isDocked_) return;
     MoveOntoScreen();
     // Behind the full screen the main window stands elsewhere than when the panel opened.
     if (isPanelOpen_) PlaceForPanel();

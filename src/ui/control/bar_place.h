@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "ui/form/form.h"
 #include "ui/main/frmMain.h"
@@ -25,9 +26,15 @@ class BarPlace {
     // Both windows must outlive this. All below is for the loaded bar.
     BarPlace(const Form& bar, frmMain& window, Changes changes);
 
-    // Takes the place that was kept, or one beside the main window.
-    void Read();
+    // Takes the place that was kept, or one beside the main window. A docked bar takes it when it
+    // comes afloat.
+    void Read(bool isDocked);
     void Save() const;
+
+    // The window is about to become a part of the main window, or is none any more: it then takes
+    // the place that it had afloat, or this one on the screen.
+    void Dock();
+    void Float(std::optional<POINT> at = std::nullopt);
 
     // Folded up to the toolbar. While the delete panel is open the window stays tall.
     bool IsRollUp() const { return isRollUp_; }
@@ -45,6 +52,8 @@ class BarPlace {
 
   private:
     RECT Frame() const;
+    POINT PlaceInTwips() const;  // afloat, without what the panel has moved it by
+    void PlaceAfloat();
     void SetHeight(int pixelsAt96Dpi);
     void ApplyRollUp(bool rollUp);
     void PlaceForPanel();
@@ -53,6 +62,8 @@ class BarPlace {
     const Form& bar_;
     frmMain& window_;
     Changes changes_;
+    bool isDocked_ = false;
+    std::optional<POINT> afloat_;  // where a docked bar was before, in twips
     bool isRollUp_ = false;
     bool isPanelOpen_ = false;
     bool panelAbove_ = false;  // the panel stands above the toolbar

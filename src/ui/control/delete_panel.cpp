@@ -1,8 +1,7 @@
 #include "ui/control/delete_panel.h"
 
+#include <algorithm>
 #include <cwctype>
-
-#include "ui/control/bar_place.h"
 
 namespace tessary {
 namespace {
@@ -12,6 +11,7 @@ constexpr int kMargin = 4;
 constexpr int kButtonWidth = 116;
 constexpr int kButtonHeight = 25;
 constexpr int kCountHeight = 20;
+constexpr int kLeastBeside = 330;  // so wide the list stands beside the buttons
 
 constexpr wchar_t kMnemonicMark = L'&';
 
@@ -49,19 +49,24 @@ void DeletePanel::SetFont(HFONT font) {
     lblMarks_.SetFont(font);
 }
 
-void DeletePanel::Layout(int width, int top, const Metrics& metrics) {
+void DeletePanel::Layout(const RECT& place, const Metrics& metrics) {
     const int margin = metrics.Scale(kMargin);
-    const int buttonWidth = metrics.Scale(kButtonWidth);
     const int buttonHeight = metrics.Scale(kButtonHeight);
-    const int left = width - margin - buttonWidth;
-    listDelete_.SetBounds(margin, top, left - 2 * margin,
-                          metrics.Scale(BarPlace::kDeletePanelHeight) - margin -
-                              metrics.Scale(BarPlace::kUnfoldedHeight));
+    const int countHeight = metrics.Scale(kCountHeight);
+    const int width = place.right - place.left;
+    const bool isNarrow = width < metrics.Scale(kLeastBeside);
+    const int buttonWidth = isNarrow ? width : metrics.Scale(kButtonWidth);
+    const int left = place.right - buttonWidth;
+    const int all = kButtons * (buttonHeight + margin) + countHeight;
+    int top = isNarrow ? std::max(place.bottom - all, place.top) : place.top;
+    listDelete_.SetBounds(
+        place.left, place.top, isNarrow ? width : left - margin - place.left,
+        isNarrow ? std::max<int>(top - margin - place.top, 0) : place.bottom - place.top);
     for (Button* const button : buttons_) {
         button->SetBounds(left, top, buttonWidth, buttonHeight);
         top += buttonHeight + margin;
     }
-    lblMarks_.SetBounds(left, top, buttonWidth, metrics.Scale(kCountHeight));
+    lblMarks_.SetBounds(left, top, buttonWidth, countHeight);
 }
 
 void DeletePanel::SetEnabled(bool enabled) {

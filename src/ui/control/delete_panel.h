@@ -28,8 +28,8 @@ class DeletePanel final : public EntryMirror {
     // Makes the controls, hidden and disabled.
     void Create(HWND parent);
     void SetFont(HFONT font);
-    // Above or below the rest of the bar: `top` in pixels of a client area so wide.
-    void Layout(int width, int top, const Metrics& metrics);
+    // Into this rectangle of the bar: the buttons beside the list, below it where that is narrow.
+    void Layout(const RECT& place, const Metrics& metrics);
     void SetEnabled(bool enabled);
     void SetVisible(bool visible);
 

@@ -10,6 +10,7 @@
 #include "ui/control/toolbar_items.h"
 #include "ui/form/activity.h"
 #include "ui/keys/key_map.h"
+#include "ui/form/reparent.h"
 
 namespace tessary {
 namespace {
@@ -23,11 +24,17 @@ constexpr FormDesign kDesign{.className = L"TessaryControlBar",
 constexpr int kLeastWidth = 420;
 constexpr int kFrame = 1;
 constexpr int kMargin = 4;
-constexpr int kGripWidth = 8;
-constexpr int kInfoHeight = 20;
 constexpr int kThumbHeight = 18;
-constexpr int kFoldedHeight = BarPlace::kFoldedHeight;
-constexpr int kUnfoldedHeight = BarPlace::kUnfoldedHeight;
+
+// What stands there already is not painted anew.
+void PutInto(Control& control, const RECT& place) {
+    if (IsRectEmpty(&place)) return;
+    RECT former{};
+    GetWindowRect(control.Handle(), &former);
+    MapWindowPoints(nullptr, GetParent(control.Handle()), reinterpret_cast<POINT*>(&former), 2);
+    if (EqualRect(&former, &place)) return;
+    control.SetBounds(place.left, place.top, place.right - place.left, place.bottom - place.top);
+}
 
 }  // namespace
 
@@ -44,6 +51,7 @@ frmControl::frmControl(frmMain& window)
                   [this] {
                       SetImage(BarButton::kFold,
                                IsRollUp() ? ToolbarImage::kUnfold : ToolbarImage::kFold);
+                      Layout();
                       ShowFoldedOrNot();
                   },
               .layout = [this] { Layout(); }}),
@@ -80,6 +88,7 @@ frmControl::frmControl(frmMain& window)
     RegisterCommands();
     RegisterListCommands();
     RegisterBookCommands();
+    RegisterDockCommands();
     window_.OnPictureShownChanged([this] {
         if (formLoaded_) UpdateToolbar();
     });
@@ -118,11 +127,14 @@ void frmControl::RegisterCommands() {
 void frmControl::Form_Load() {
     CreateControls();
     Form_MetricsChanged();
-    place_.Read();
+    dock_.Read();
+    if (dock_.IsDocked()) MakePart(Handle(), window_.Handle());
+    place_.Read(dock_.IsDocked());
     ShowDisplaySizeImage();
     ShowNoArchive();
     UpdateToolbar();
     formLoaded_ = true;
+    if (dock_.IsDocked() && !dock_.IsHidden()) ShowDocked(true);
 }
 
 void frmControl::CreateControls() {
@@ -141,7 +153,7 @@ void frmControl::CreateControls() {
     coolBar_.OnDropDown([this](int button, const RECT& place) {
         CoolBar_ButtonDropDown(static_cast<BarButton>(button), place);
     });
-    coolBar_.OnBackgroundPress([this] { SendMessageW(Handle(), WM_LBUTTONDOWN, 0, 0); });
+    coolBar_.OnBackgroundPress([this] { DragByBody(); });
     name(infoName_, L"表示中のファイル");
     textFileInfo_.CreateReadOnly(Handle());
     name(placeName_, L"位置");
@@ -156,6 +168,9 @@ void frmControl::CreateControls() {
     listArchiveFile_.OnKeyDown(keys);
 
     deletePanel_.Create(Handle());
+    edge_.Create(Handle(), Splitter::Moves::kSideways, [this](int place) { EdgeDragged(place); });
+    border_.Create(Handle(), Splitter::Moves::kUpAndDown,
+                   [this](int place) { BorderDragged(place); });
 }
 
 void frmControl::Form_MetricsChanged() {
@@ -196,71 +211,74 @@ void frmControl::Form_Unload() {
 
 // --- Layout ---
 
-void frmControl::Form_Resize(int width, int /*height*/) {
+void frmControl::Form_Resize(int /*width*/, int /*height*/) {
+    Arrange();
+}
+
+void frmControl::Arrange() {
     if (coolBar_.Handle() == nullptr) return;
-    const Metrics metrics(Handle());
-    const auto scale = [&](int pixels) { return metrics.Scale(pixels); };
-    const int frame = scale(kFrame);
-    const int margin = scale(kMargin);
-    const int inner = width - 2 * margin;
-    const int buttons =
-        std::min<int>(coolBar_.PreferredSize().cy, scale(kFoldedHeight) - 2 * frame);
-    const int above = place_.HeightAboveToolbar();
-    coolBar_.SetBounds(scale(kGripWidth), above + (scale(kFoldedHeight) - buttons) / 2,
-                       width - scale(kGripWidth) - frame, buttons);
-
-    const int info = above + scale(kFoldedHeight + 1);
-    const int fileWidth = (inner - margin) * 3 / 5;
-    textFileInfo_.SetBounds(margin, info, fileWidth, scale(kInfoHeight));
-    placeSlider_.Window().SetBounds(2 * margin + fileWidth, info, inner - margin - fileWidth,
-                                    scale(kInfoHeight));
-    const int lists = info + scale(kInfoHeight) + margin / 2;
-    const int listHeight = above + scale(kUnfoldedHeight) - margin - lists;
-    listFileName_.SetBounds(margin, lists, fileWidth, listHeight);
-    listArchiveFile_.SetBounds(2 * margin + fileWidth, lists, inner - margin - fileWidth,
-                               listHeight);
-
-    deletePanel_.Layout(width, above > 0 ? margin : scale(kUnfoldedHeight), metrics);
+    parts_ = LayOutBar(State());
+    coolBar_.Wrap(parts_.rowWidth);
+    PutInto(coolBar_, parts_.toolbar);
+    PutInto(textFileInfo_, parts_.info);
+    PutInto(placeSlider_.Window(), parts_.slider);
+    PutInto(listFileName_, parts_.files);
+    PutInto(listArchiveFile_, parts_.members);
+    if (!IsRectEmpty(&parts_.panel)) deletePanel_.Layout(parts_.panel, Metrics(Handle()));
+    const bool isUpright = IsVertical(dock_.Side());
+    edge_.SetMoves(isUpright ? Splitter::Moves::kSideways : Splitter::Moves::kUpAndDown);
+    edge_.SetBounds(parts_.edge);
+    border_.SetBounds(parts_.border);
+    ShowFoldedOrNot();
     InvalidateRect(Handle(), nullptr, TRUE);
 }
 
+// The main window divides its room anew for a docked bar.
 void frmControl::Layout() {
-    const SIZE size = ClientSize();
-    Form_Resize(size.cx, size.cy);
+    dock_.IsDocked() ? window_.ArrangeParts() : Arrange();
 }
 
 // What lies outside the window must not take the focus either.
 void frmControl::ShowFoldedOrNot() {
-    const bool unfolded = place_.IsPanelOpen() || !IsRollUp();
     if (IsChild(Handle(), GetFocus())) lastFocus_ = GetFocus();
-    for (Control* const control : std::initializer_list<Control*>{
-             &textFileInfo_, &placeSlider_.Window(), &listFileName_, &listArchiveFile_}) {
-        control->SetVisible(unfolded);
-    }
-    deletePanel_.SetVisible(place_.IsPanelOpen());
+    const auto show = [](Control& control, const RECT& place) {
+        control.SetVisible(!IsRectEmpty(&place));
+    };
+    show(textFileInfo_, parts_.info);
+    show(placeSlider_.Window(), parts_.slider);
+    show(listFileName_, parts_.files);
+    show(listArchiveFile_, parts_.members);
+    deletePanel_.SetVisible(!IsRectEmpty(&parts_.panel));
     if (GetFocus() == Handle()) FocusPart(lastFocus_);
 }
 
-// The face, the frame around it and the grip at the left, which invites to drag.
+// The face, the frame around it and the grip, which invites to drag.
 void frmControl::PaintBackground(HDC context) const {
     Form::PaintBackground(context);
     RECT area{};
     GetClientRect(Handle(), &area);
     const Metrics metrics(Handle());
-    for (int i = 0; i < metrics.Scale(kFrame); ++i) {
+    for (int i = 0; i < metrics.Scale(kFrame) && !dock_.IsDocked(); ++i) {
         FrameRect(context, &area, GetSysColorBrush(COLOR_BTNSHADOW));
         InflateRect(&area, -1, -1);
     }
+    const bool isRow = IsVertical(dock_.Side());
     const int dot = metrics.Scale(2);
-    const int above = place_.HeightAboveToolbar();
-    for (int y = metrics.Scale(6); y < metrics.Scale(kFoldedHeight - 6); y += 2 * dot) {
-        const RECT spot{metrics.Scale(3), above + y, metrics.Scale(3) + dot, above + y + dot};
+    const int aside = metrics.Scale(3);
+    const int inset = metrics.Scale(6);
+    const RECT& grip = parts_.grip;
+    const LONG end = (isRow ? grip.right : grip.bottom) - inset;
+    for (LONG at = (isRow ? grip.left : grip.top) + inset; at < end; at += 2 * dot) {
+        const LONG left = isRow ? at : grip.left + aside;
+        const LONG top = isRow ? grip.top + aside : at;
+        const RECT spot{left, top, left + dot, top + dot};
         FillRect(context, &spot, GetSysColorBrush(COLOR_BTNSHADOW));
     }
 }
 
 // The left and right edges resize; nothing else of the window does.
 LRESULT frmControl::HitTest(LPARAM onScreen) const {
+    if (dock_.IsDocked()) return HTCLIENT;
     RECT bar{};
     GetWindowRect(Handle(), &bar);
     const int edge = Metrics(Handle()).Scale(kMargin);
@@ -280,8 +298,19 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         case WM_LBUTTONDOWN:
-            ReleaseCapture();
-            SendMessageW(Handle(), WM_NCLBUTTONDOWN, HTCAPTION, 0);
+            dock_.IsDocked() ? DragByGrip({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)})
+                             : DragByBody();
+            return 0;
+        case WM_MOVING:
+            ShowWhereItDocks(*reinterpret_cast<const RECT*>(lParam));
+            break;
+        case WM_CONTEXTMENU:
+            // The lists and the text have their own.
+            if (const auto below = reinterpret_cast<HWND>(wParam);
+                below != Handle() && below != coolBar_.Handle()) {
+                break;
+            }
+            ShowBarMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
             return 0;
         case WM_KEYDOWN:
             window_.pictureView_KeyDown(static_cast<int>(wParam), CurrentShiftState());
@@ -298,6 +327,10 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if ((wParam & 0xFFF0) != SC_SCREENSAVE || !player_.IsPlaying()) break;
             return 0;
         case WM_SETCURSOR:
+            if (dock_.IsDocked() && reinterpret_cast<HWND>(wParam) == Handle() && IsAtGrip()) {
+                SetCursor(LoadCursorW(nullptr, IDC_SIZEALL));
+                return TRUE;
+            }
             if (LOWORD(lParam) != HTCLIENT || !IsReadUnderWay() || player_.IsPlaying()) break;
             SetCursor(LoadCursorW(nullptr, IDC_WAIT));
             return TRUE;
@@ -309,8 +342,11 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 
 // --- In sight ---
 
+// Docked it may be a part of a window that is not shown yet.
 bool frmControl::IsVisible() const {
-    return Handle() != nullptr && IsWindowVisible(Handle());
+    if (Handle() == nullptr) return false;
+    if (dock_.IsDocked()) return (GetWindowLongW(Handle(), GWL_STYLE) & WS_VISIBLE) != 0;
+    return IsWindowVisible(Handle());
 }
 
 void frmControl::SetVisible(bool visible) {
@@ -318,13 +354,16 @@ void frmControl::SetVisible(bool visible) {
     if (visible) place_.ComeIntoReach();
     // The main window keeps the focus when the bar appears, and gets it back when it goes.
     if (Handle() == nullptr) return;
+    if (dock_.IsDocked()) return ShowDocked(visible);
     ShowWindow(Handle(), visible ? SW_SHOWNOACTIVATE : SW_HIDE);
     // With a minimised main window it waits, as what was shown before does.
     if (visible && IsIconic(window_.Handle())) ShowOwnedPopups(window_.Handle(), FALSE);
 }
 
 void frmControl::SavePlace() {
-    if (Handle() != nullptr) place_.Save();
+    if (Handle() == nullptr) return;
+    place_.Save();
+    dock_.Save();
 }
 
 }  // namespace tessary

@@ -15,10 +15,13 @@
 #include "places/book_choice.h"
 #include "sequence/file_sequence.h"
 #include "sequence/random_way.h"
+#include "ui/control/bar_dock.h"
+#include "ui/control/bar_layout.h"
 #include "ui/control/bar_place.h"
 #include "ui/control/bar_texts.h"
 #include "ui/control/delete_list.h"
 #include "ui/control/delete_panel.h"
+#include "ui/control/dock_frame.h"
 #include "ui/control/folder_follower.h"
 #include "ui/control/list_box_mirror.h"
 #include "ui/control/place_slider.h"
@@ -29,6 +32,7 @@
 #include "ui/form/form.h"
 #include "ui/form/list_box.h"
 #include "ui/form/simple_controls.h"
+#include "ui/form/splitter.h"
 #include "ui/form/timer.h"
 #include "ui/form/toolbar.h"
 #include "ui/main/control_bar.h"
@@ -70,6 +74,10 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     // Whether the window is loaded.
     bool boolFormLoaded() const { return formLoaded_; }
 
+    // Docks it at a side of the main window, or lets it float, at this place on the screen if one
+    // is given; it is in sight then. Nothing on the full screen.
+    void SetSide(DockSide side, std::optional<POINT> at = std::nullopt);
+
     // ControlBar
     std::wstring Failure() const override;
     void PictureReplaced(const std::wstring& info) override;
@@ -98,6 +106,15 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void Press(BarButton button) override { CoolBar_ButtonClick(button); }
     bool IsVisible() const override;
     void SetVisible(bool visible) override;
+    void ShowForUser(bool visible) override;
+    DockSide Side() const override { return dock_.Side(); }
+    int DockedExtent(DockSide side, SIZE room) override;
+    void PlaceDocked(const RECT& place) override;
+    void MainMetricsChanged() override;
+    bool Holds(HWND window) const override;
+    bool NoteFocus() override;
+    bool FocusNextPart(bool back) override;
+    bool TakesEscape() const override;
     void TakeFocus(BarFocus focus) override;
     bool MayClose() override { return deleteList_.MayClose(); }
     void SavePlace() override;
@@ -130,11 +147,28 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
     void CreateControls();
+    void Arrange();
     void Layout();
     void PaintBackground(HDC context) const override;
     LRESULT HitTest(LPARAM onScreen) const;
     void RegisterCommands();
     void ShowFoldedOrNot();
+
+    // --- As a part of the main window (frmControl_dock.cpp) ---
+    void RegisterDockCommands();
+    BarState State() const;
+    bool IsOwn(HWND window) const;
+    void ComeUp() override;
+    void ShowDocked(bool visible);
+    bool IsAtGrip() const;
+    void DragByBody();
+    void DragByGrip(POINT at);
+    void ShowWhereItDocks(const RECT& dragged);
+    void DockWhereShown();
+    void ShowBarMenu(POINT onScreen) const;
+    void EdgeDragged(int place);
+    void BorderDragged(int place);
+    void FollowMembers();
 
     // --- Its keys and focus (frmControl_keys.cpp) ---
     bool PassKeyOn(int keyCode, int shift);
@@ -256,7 +290,15 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     FileSequence sequence_;
     RandomWay randomWay_{GetTickCount()};  // of the slide show
     DeleteList deleteList_{sequence_, *this};
+    Splitter edge_;    // towards the picture
+    Splitter border_;  // between files and members
+    BarDock dock_;
     BarPlace place_;
+    BarParts parts_{};
+    DockFrame dockFrame_;
+    DockSide dockTarget_ = DockSide::kFloating;  // where the dragged bar would be docked
+    RECT dragged_{};                             // where it was dragged to
+    bool hasMembers_ = false;                    // that are listed
     BarTexts texts_;
     Player player_;
     FolderFollower follower_{

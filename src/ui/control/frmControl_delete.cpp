@@ -70,7 +70,7 @@ void frmControl::WhileDeleting(const std::function<void(const DeletionNews&)>& d
     const SessionHold session(Handle(), L"ファイルを削除しています。");
     DisableParts();
     const TaskModal others(nullptr);
-    frmProgress shown(Handle(), L"ファイルの削除");
+    frmProgress shown(GetAncestor(Handle(), GA_ROOT), L"ファイルの削除");
     SusieCollection().UnloadFile();  // plug-ins keep archives open
     Ahead().Rest();
     window_.Frames().Rest();

@@ -16,7 +16,7 @@ bool frmControl::PassKeyOn(int keyCode, int shift) {
 }
 
 bool frmControl::IsKeyOfProgram(const MSG& key) const {
-    if (Handle() == nullptr || GetAncestor(key.hwnd, GA_ROOT) != Handle()) return false;
+    if (!IsOwn(key.hwnd)) return false;
     const bool onButton = coolBar_.HasFocus() || deletePanel_.IsButtonFocused();
     switch (key.wParam) {
         case VK_DELETE:
@@ -38,8 +38,7 @@ bool frmControl::IsKeyOfProgram(const MSG& key) const {
 }
 
 bool frmControl::TakesMessage(MSG& message) {
-    if (Handle() == nullptr) return false;
-    if (message.hwnd != Handle() && !IsChild(Handle(), message.hwnd)) return false;
+    if (!IsOwn(message.hwnd)) return false;
     if (window_.TakesSideButton(message)) return true;
     switch (message.message) {
         case WM_KEYDOWN:

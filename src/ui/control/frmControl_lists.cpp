@@ -117,7 +117,7 @@ bool frmControl::ShowList(std::span<const ListedFile> files, size_t first) {
         ShowEmptyList();
         return false;
     }
-    SetVisible(true);
+    ComeUp();
     const int start = startAt_.IsNone() ? -1 : sequence_.Files().IndexOf(startAt_.file);
     const int last = sequence_.Files().Count() - 1;
     SelectFile(start >= 0 ? start : std::min(static_cast<int>(first), last),

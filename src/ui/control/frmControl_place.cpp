@@ -19,6 +19,7 @@ void frmControl::TellPlace() {
     if (formLoaded_ && IsReadUnderWay()) return PlaceChanged();
     placeDue_.Stop();
     if (!formLoaded_) return;
+    FollowMembers();
     placeSlider_.Show(SelectedPlace(sequence_));
     window_.TellPlace(ShownPlaceText(sequence_, shownPath_));
 }

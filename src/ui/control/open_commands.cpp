@@ -170,7 +170,7 @@ void OpenCommands::OpenFolder(const ScanRequest& request) {
         collected = CollectFiles(request, window_.Handle(), busy);
         if (CurrentActivity().quitRequested) return;
         busy.SetCaption(L"ファイル一覧を作成しています");
-        bar_.SetVisible(true);
+        bar_.ComeUp();
         window_.ShowOpened(collected.files.size(), collected.named);
         const bool isOne = !request.subFolders && request.extensions.empty();
         window_.OpenByHand({request.folder}, [&] {

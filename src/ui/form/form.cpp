@@ -75,6 +75,10 @@ void Form::ChangeMetrics() {
     Form_Resize(size.cx, size.cy);
 }
 
+void Form::FollowMetrics() {
+    if (Handle() != nullptr && !IsMadeForSettings()) ChangeMetrics();
+}
+
 void Form::PaintBackground(HDC context) const {
     const SIZE size = ClientSize();
     const RECT area{0, 0, size.cx, size.cy};
@@ -124,7 +128,7 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_SETTINGCHANGE:
             // Comes for each setting of the system, most of which change nothing here.
-            if (!IsMadeForSettings()) ChangeMetrics();
+            FollowMetrics();
             return Default(message, wParam, lParam);
         case WM_THEMECHANGED:
             ChangeMetrics();

@@ -30,6 +30,10 @@ class Form : public Window {
     // Asks the form to close, exactly as its close button does.
     void Unload();
 
+    // Of a form that is a part of another window, which the system tells nothing: takes other
+    // resolution, fonts or colours if there are any.
+    void FollowMetrics();
+
   protected:
     explicit Form(const FormDesign& design) : design_(design) {}
     ~Form() = default;

@@ -33,7 +33,7 @@ int CurrentShiftState() {
 bool PictureBox::Create(HWND parent, Events events) {
     events_ = std::move(events);
     return Window::Create({.className = L"TessaryPictureBox",
-                           .style = WS_CHILD | WS_VISIBLE,
+                           .style = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS,
                            .classStyle = CS_DBLCLKS,
                            .parent = parent});
 }

@@ -60,6 +60,7 @@ void Toolbar::ChangeMetrics() {
     if (changesLater_) return;
     MakeImages();
     MakeButtons();
+    if (TakeRows(wrapWidth_)) MakeButtons();
 }
 
 void Toolbar::MakeImages() {
@@ -96,6 +97,7 @@ void Toolbar::MakeButtons() {
         if (state.kind == ToolbarItem::Kind::kSeparator) {
             button.iBitmap = metrics.Scale(kSeparatorWidth);
             button.fsStyle = BTNS_SEP;
+            button.fsState = SystemState(state);
             continue;
         }
         button.iBitmap = state.image - 1;
@@ -105,6 +107,82 @@ void Toolbar::MakeButtons() {
     }
     Send(TB_ADDBUTTONSW, buttons.size(), reinterpret_cast<LPARAM>(buttons.data()));
     Send(TB_SETBUTTONSIZE, 0, MAKELPARAM(size, size));  // texts may have changed it
+    for (size_t i = 0; i < states_.size(); ++i) {
+        if (states_[i].kind != ToolbarItem::Kind::kDropDown) continue;
+        const RECT place = ButtonRectangle(static_cast<int>(i) + 1);
+        dropDownWidth_ = place.right - place.left;
+    }
+}
+
+int Toolbar::WidthOf(const State& state) const {
+    const Metrics metrics(Handle());
+    switch (state.kind) {
+        case ToolbarItem::Kind::kSeparator:
+            return metrics.Scale(kSeparatorWidth);
+        case ToolbarItem::Kind::kDropDown:
+            return dropDownWidth_;
+        case ToolbarItem::Kind::kButton:
+            break;
+    }
+    return metrics.Scale(kButtonSize);
+}
+
+SIZE Toolbar::BreakRows(std::vector<State>& states, int width) const {
+    for (State& state : states)
+        state.endsRow = state.hidden = false;
+    const size_t count = states.size();
+    int widest = 0;
+    int used = 0;
+    int rows = 1;
+    const auto endRow = [&](size_t last) {
+        states[last].endsRow = true;
+        used = 0;
+        ++rows;
+    };
+    for (size_t i = 0; i < count;) {
+        size_t end = i;  // of the buttons up to the next separator
+        int group = 0;
+        while (end < count && states[end].kind != ToolbarItem::Kind::kSeparator)
+            group += WidthOf(states[end++]);
+        if (width > 0 && i > 1 && used + group > width) {
+            states[i - 1].hidden = true;
+            endRow(i - 2);
+        }
+        for (; i < end; ++i) {
+            const int own = WidthOf(states[i]);
+            if (width > 0 && used > 0 && used + own > width) endRow(i - 1);
+            used += own;
+            widest = std::max(widest, used);
+        }
+        if (i < count) used += WidthOf(states[i++]);
+    }
+    const RECT first = ButtonRectangle(1);
+    return {widest, rows * (first.bottom - first.top)};
+}
+
+// Whether that has changed anything.
+bool Toolbar::TakeRows(int width) {
+    std::vector<State> states = states_;
+    BreakRows(states, width);
+    const bool isSame = std::ranges::equal(states_, states, [](const State& was, const State& is) {
+        return was.endsRow == is.endsRow && was.hidden == is.hidden;
+    });
+    states_ = std::move(states);
+    return !isSame;
+}
+
+SIZE Toolbar::SizeIn(int width) const {
+    std::vector<State> states = states_;
+    return BreakRows(states, width);
+}
+
+void Toolbar::Wrap(int width) {
+    wrapWidth_ = width;
+    if (isMenuOpen_) {
+        changesLater_ = true;
+    } else if (TakeRows(width)) {
+        MakeButtons();
+    }
 }
 
 void Toolbar::EnableButton(int index, bool enabled) {
@@ -121,8 +199,9 @@ void Toolbar::SetImage(int index, int image) {
 }
 
 BYTE Toolbar::SystemState(const State& state) {
-    return static_cast<BYTE>((state.enabled ? TBSTATE_ENABLED : 0) |
-                             (state.checked ? TBSTATE_CHECKED : 0));
+    return static_cast<BYTE>(
+        (state.enabled ? TBSTATE_ENABLED : 0) | (state.checked ? TBSTATE_CHECKED : 0) |
+        (state.endsRow ? TBSTATE_WRAP : 0) | (state.hidden ? TBSTATE_HIDDEN : 0));
 }
 
 void Toolbar::ShowState(int index) {
@@ -133,11 +212,6 @@ RECT Toolbar::ButtonRectangle(int index) const {
     RECT rectangle{};
     Send(TB_GETRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&rectangle));
     return rectangle;
-}
-
-SIZE Toolbar::PreferredSize() const {
-    const RECT last = ButtonRectangle(static_cast<int>(states_.size()));
-    return {last.right, last.bottom};
 }
 
 bool Toolbar::IsPressable(int index) const {

@@ -57,8 +57,11 @@ class Toolbar final : public Control {
     // The rectangle of a button with its arrow, in the toolbar's area.
     RECT ButtonRectangle(int index) const;
 
-    // What all buttons take, in pixels.
-    SIZE PreferredSize() const;
+    // What the buttons take in as many rows as a width asks for, in pixels: at least one of them
+    // stands in each, separators break the rows first, and are out of sight there. 0: one row.
+    SIZE SizeIn(int width) const;
+    // Puts them into such rows.
+    void Wrap(int width);
 
     // Takes sizes and images for the screen and the colours that there are now; while a drop-down's
     // menu is open, behind it.
@@ -72,6 +75,8 @@ class Toolbar final : public Control {
         std::wstring toolTip;
         bool enabled = true;
         bool checked = false;
+        bool endsRow = false;
+        bool hidden = false;  // a separator at the end of a row
     };
 
     std::optional<LRESULT> OnOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -87,6 +92,9 @@ class Toolbar final : public Control {
     HWND ToolTips() const { return reinterpret_cast<HWND>(Send(TB_GETTOOLTIPS)); }
     void MakeImages();
     void MakeButtons();
+    int WidthOf(const State& state) const;
+    SIZE BreakRows(std::vector<State>& states, int width) const;
+    bool TakeRows(int width);
     void ShowState(int index);
     int ButtonAt(LPARAM position) const;
     bool Key(int keyCode);
@@ -98,7 +106,9 @@ class Toolbar final : public Control {
     ToolbarImages images_{};
     UniqueImageList normal_;
     UniqueImageList greyed_;
-    int current_ = 1;  // where the keyboard is
+    int wrapWidth_ = 0;
+    int dropDownWidth_ = 0;  // in pixels
+    int current_ = 1;        // where the keyboard is
     bool isMenuOpen_ = false;
     bool changesLater_ = false;
     std::function<void(int)> button_;

@@ -9,6 +9,7 @@
 
 #include "picture/read/listed_file.h"
 #include "places/place.h"
+#include "ui/main/client_areas.h"
 #include "ui/main/picture_popup.h"
 
 namespace tessary {
@@ -128,6 +129,31 @@ class ControlBar {
 
     virtual bool IsVisible() const = 0;
     virtual void SetVisible(bool visible) = 0;
+
+    // There are files to be shown: a floating bar comes in sight.
+    virtual void ComeUp() { SetVisible(true); }
+
+    // The same as the user's own wish, which lasts.
+    virtual void ShowForUser(bool visible) { SetVisible(visible); }
+
+    // --- Docked at a side of the main window; of a bar that never is, as it stands here ---
+    virtual DockSide Side() const { return DockSide::kFloating; }
+    // How thick it wants to be at a side of so much room, in pixels.
+    virtual int DockedExtent(DockSide /*side*/, SIZE /*room*/) { return 0; }
+    // Puts it into this rectangle of the main window.
+    virtual void PlaceDocked(const RECT& /*place*/) {}
+    // Resolution, fonts or colours of the main window have changed.
+    virtual void MainMetricsChanged() {}
+    // Whether it is docked and the window is one of its parts, or itself.
+    virtual bool Holds(HWND /*window*/) const { return false; }
+    // The main window is no longer the active one: whether the docked bar has the keyboard, which
+    // comes back to the same part by BarFocus::kFormer.
+    virtual bool NoteFocus() { return false; }
+    // Gives the keyboard to the next (or former) of its lists and buttons, from elsewhere to the
+    // first (or last); false behind the last one.
+    virtual bool FocusNextPart(bool /*back*/) { return false; }
+    // Whether Esc, where the keyboard is, leads back to the picture.
+    virtual bool TakesEscape() const { return false; }
 
     // Makes the window the active one, with the keyboard there. Nothing while it is not visible.
     virtual void TakeFocus(BarFocus focus) = 0;

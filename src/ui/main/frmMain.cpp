@@ -54,7 +54,8 @@ frmMain::frmMain(MainWindowServices services)
               const bool isButtons =
                   silence_.HasFocus() && (key.wParam == VK_RETURN || key.wParam == VK_SPACE);
               return GetAncestor(key.hwnd, GA_ROOT) == Handle() && !isButtons &&
-                     !info_.TakesKey(key.wParam);
+                     !info_.TakesKey(key.wParam) &&
+                     !(controlBar_ != nullptr && controlBar_->Holds(key.hwnd));
           }) {
     RegisterCommands();
 }
@@ -62,7 +63,7 @@ frmMain::frmMain(MainWindowServices services)
 void frmMain::SetControlBar(ControlBar& controlBar) {
     controlBar_ = &controlBar;
     commands_.Register(menuViewControlBar,
-                       {.run = [&controlBar] { controlBar.SetVisible(!controlBar.IsVisible()); },
+                       {.run = [&controlBar] { controlBar.ShowForUser(!controlBar.IsVisible()); },
                         .checked = [&controlBar] { return controlBar.IsVisible(); },
                         .whileLoading = true});
     int item = menuControl_0;
@@ -112,10 +113,7 @@ void frmMain::Form_Load() {
 
 void frmMain::CreateControls() {
     statusInformation_.Create(Handle());
-    const auto changed = [this] {
-        const SIZE size = ClientSize();
-        Form_Resize(size.cx, size.cy);
-    };
+    const auto changed = [this] { ArrangeParts(); };
     const auto left = [this](bool back) {
         if (back || controlBar_ == nullptr) return TakeFocus();
         controlBar_->TakeFocus(BarFocus::kFirst);
@@ -192,7 +190,8 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
     switch (message) {
         case WM_SETCURSOR:
             if (silence_.Holds(reinterpret_cast<HWND>(wParam)) ||
-                info_.Holds(reinterpret_cast<HWND>(wParam))) {
+                info_.Holds(reinterpret_cast<HWND>(wParam)) ||
+                (controlBar_ != nullptr && controlBar_->Holds(reinterpret_cast<HWND>(wParam)))) {
                 return std::nullopt;
             }
             // A disabled window is told HTERROR wherever the pointer is.
@@ -206,8 +205,12 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
             // The end of a Reading posts it again.
             if (!IsReading()) OpenNow(std::exchange(filesToOpen_, {}));
             return 0;
+        case WM_ACTIVATE:
+            if (LOWORD(wParam) == WA_INACTIVE)
+                backToBar_ = controlBar_ != nullptr && controlBar_->NoteFocus();
+            return std::nullopt;
         case WM_SETFOCUS:  // the keys are the picture's
-            TakeFocus();
+            TakeFocusBack();
             return 0;
         case WM_SYSCOMMAND:
             // Which of the two the system asks depends on who is active.
@@ -278,6 +281,7 @@ void frmMain::CloseIfAsked() const {
 }
 
 void frmMain::Form_Unload() {
+    barPeek_.End();
     if (controlBar_ != nullptr) controlBar_->Unload();
     SavePlacement();
     restingPointer_.Stop();
@@ -293,14 +297,6 @@ void frmMain::Form_Unload() {
 void frmMain::Form_Terminate() {
     SetCurrentPicture({});
     if (services_.endProgram) services_.endProgram();
-}
-
-void frmMain::Form_Resize(int width, int height) {
-    if (pictureView_.Handle() == nullptr) return;
-    int bottom = height - (fullScreen_.IsOn() ? 0 : statusInformation_.Layout());
-    bottom -= silence_.Layout(width, bottom);
-    pictureView_.SetBounds(0, 0, width - info_.Layout(width, bottom), std::max(bottom, 0));
-    RoomChanged();
 }
 
 std::wstring frmMain::PluginCountText() const {
@@ -361,11 +357,6 @@ void frmMain::ShowForeignPicture(const std::wstring& info) {
 void frmMain::menuPopup_Click(int item) {
     if (!CurrentPicture()) return;
     CopyTextToClipboard(Handle(), PicturePopupCopyText(item, source_, CurrentPicture()));
-}
-
-void frmMain::GoToOtherWindow() {
-    if (GetActiveWindow() != Handle()) return TakeFocus();
-    if (controlBar_ != nullptr) controlBar_->TakeFocus(BarFocus::kFormer);
 }
 
 }  // namespace tessary

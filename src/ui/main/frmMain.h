@@ -25,6 +25,7 @@
 #include "ui/form/taskbar_progress.h"
 #include "ui/main/command_table.h"
 #include "ui/main/control_bar.h"
+#include "ui/main/edge_peek.h"
 #include "ui/main/frame_show.h"
 #include "ui/main/full_screen.h"
 #include "ui/main/info_pane.h"
@@ -95,6 +96,12 @@ class frmMain final : public Form, public PictureView {
     // Shows the loaded window for the first time: maximised when it was left so, and maximised or
     // minimised where the one who starts the program wants that. Hidden it would be out of reach.
     void Show();
+
+    // Divides the client area among the parts anew: one of them wants another size.
+    void ArrangeParts();
+    // Where the control bar would stand at that side, on the screen.
+    RECT BarPlaceAt(DockSide side);
+    bool IsFullScreen() const { return fullScreen_.IsOn(); }
 
     // Above which window a command shows its dialog: the one that it was given in, which may be the
     // control bar.
@@ -229,11 +236,7 @@ class frmMain final : public Form, public PictureView {
     void Form_Unload() override;
     void Form_Terminate() override;
     void Form_Resize(int width, int height) override;
-    void Form_MetricsChanged() override {
-        statusInformation_.ChangeMetrics();
-        silence_.ChangeMetrics();
-        info_.ChangeMetrics();
-    }
+    void Form_MetricsChanged() override;
     void Form_MenuOpen() override { commands_.ShowState(GetMenu(Handle())); }
     void Form_Command(int id) override { commands_.Run(id); }
     SIZE MinimumSize() const override;
@@ -262,7 +265,6 @@ class frmMain final : public Form, public PictureView {
     // --- The full screen and the stepping keys (frmMain_full_screen.cpp) ---
     void RegisterFullScreenCommands();
     void RegisterStepCommands();
-    void GoToOtherWindow();
     void Escape();
     void SetFullScreen(bool on);
     void NotePlace();
@@ -271,6 +273,14 @@ class frmMain final : public Form, public PictureView {
     bool MayPress() const;
     void Step(BarButton button);
     void ReadOn(bool back);
+
+    // --- The parts (frmMain_layout.cpp) ---
+    ClientAreas Areas(SIZE client, DockSide side);
+    bool CallsBar(POINT onScreen) const;
+    bool IsOverBar(POINT onScreen) const;
+    void GoToOtherWindow();
+    void GoToNextPart();
+    void TakeFocusBack();
 
     // --- Long reads (frmMain_reading.cpp) ---
     void TellReading(const wchar_t* what, int done, int total);
@@ -327,7 +337,11 @@ class frmMain final : public Form, public PictureView {
     InfoPane info_;
     FullScreen fullScreen_;
     RestingPointer restingPointer_;
+    EdgePeek barPeek_{{.calls = [this](POINT at) { return CallsBar(at); },
+                       .holds = [this](POINT at) { return IsOverBar(at); },
+                       .show = [this](bool isShown) { controlBar_->SetVisible(isShown); }}};
     bool barComesBack_ = false;  // behind the full screen
+    bool backToBar_ = false;     // the keyboard was in the docked bar when it left the window
     bool startsMaximized_ = false;
     PictureSource source_;
     std::optional<FileStamp> sourceStamp_;

@@ -21,7 +21,9 @@ void frmMain::Escape() {
     const bool stopsRead = fullScreen_.IsOn() ? TakesStop() : IsReadUnderWay();
     if (playing || stopsRead) commands_.Run(menuControl_2);
     if (stopsRead && !playing) return;
-    if (info_.IsOpen() && !playing) {
+    if (!playing && controlBar_ != nullptr && controlBar_->TakesEscape()) {
+        TakeFocus();
+    } else if (info_.IsOpen() && !playing) {
         ShowInfo(false);
     } else if (fullScreen_.IsOn()) {
         SetFullScreen(false);
@@ -45,6 +47,7 @@ void frmMain::SetFullScreen(bool on) {
         restingPointer_.Start(pictureView_.Handle());
     } else {
         restingPointer_.Stop();
+        barPeek_.End();
         fullScreen_.Leave(Handle());
         if (barComesBack_) controlBar_->SetVisible(true);
     }

@@ -13,8 +13,7 @@ namespace tessary {
 namespace {
 
 constexpr int kWidth = 320;  // pixels at 96 dpi
-constexpr int kLeastView = 160;
-constexpr int kGap = 10;  // between labels and values
+constexpr int kGap = 10;     // between labels and values
 
 // Milliseconds: a held key shows several pictures in that time.
 constexpr UINT kRest = 200;
@@ -107,13 +106,13 @@ void InfoPane::Stop() {
     SharedMetadataHost()->Rest();
 }
 
-int InfoPane::Layout(int width, int bottom) {
-    if (!isOpen_) return 0;
-    const Metrics metrics(window_);
-    const int room = std::max(width - metrics.Scale(kLeastView), width / 2);
-    const int own = std::min(metrics.Scale(kWidth), room);
-    text_.SetBounds(width - own, 0, own, std::max(bottom, 0));
-    return own;
+int InfoPane::Width() const {
+    return isOpen_ ? Metrics(window_).Scale(kWidth) : 0;
+}
+
+void InfoPane::Layout(const RECT& place) {
+    if (!isOpen_) return;
+    text_.SetBounds(place.left, place.top, place.right - place.left, place.bottom - place.top);
 }
 
 bool InfoPane::TakeFocus() const {

@@ -53,9 +53,10 @@ class InfoPane {
     // Nothing more is asked for.
     void Stop();
 
-    // Puts it at the right side above `bottom` in a window of this width; answers the width that it
-    // takes. In pixels.
-    int Layout(int width, int bottom);
+    // The width that it wants, in pixels; 0 when it is closed.
+    int Width() const;
+    // Puts it into this rectangle of its window.
+    void Layout(const RECT& place);
 
     // Gives it the keyboard; false when it is closed.
     bool TakeFocus() const;

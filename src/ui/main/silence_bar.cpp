@@ -75,15 +75,19 @@ SilenceBar::Answer SilenceBar::TakeAnswer() {
     return std::exchange(answer_, Answer::kNone);
 }
 
-int SilenceBar::Layout(int width, int bottom) {
-    if (!isAsking_) return 0;
+int SilenceBar::Height() const {
+    return isAsking_ ? Metrics(window_).Scale(kButtonHeight) + 2 * Metrics(window_).Scale(kMargin)
+                     : 0;
+}
+
+void SilenceBar::Layout(const RECT& place) {
+    if (!isAsking_) return;
     const Metrics metrics(window_);
     const int margin = metrics.Scale(kMargin);
     const int buttonHeight = metrics.Scale(kButtonHeight);
-    const int height = buttonHeight + 2 * margin;
-    const int top = bottom - height + margin;
+    const int top = place.top + margin;
     const TextMeter meter(window_, font_.Get());
-    int right = width;
+    int right = place.right;
     for (Button* const button : {&giveUp_, &wait_}) {
         const int buttonWidth = meter.WidthOf(button->Text()) + 2 * metrics.Scale(kButtonPadding);
         right -= buttonWidth + margin;
@@ -91,7 +95,6 @@ int SilenceBar::Layout(int width, int bottom) {
     }
     text_.SetBounds(margin, top, std::max(right - 2 * margin, 0), buttonHeight);
     InvalidateRect(window_, nullptr, TRUE);
-    return height;
 }
 
 bool SilenceBar::MoveFocus(bool back) const {

@@ -33,9 +33,10 @@ class SilenceBar {
     // Each is given out once.
     Answer TakeAnswer();
 
-    // Puts it above `bottom` in a window of this width; answers the height that it takes. In
-    // pixels.
-    int Layout(int width, int bottom);
+    // The height that it takes, in pixels; 0 while nothing is asked.
+    int Height() const;
+    // Puts it into this rectangle of its window.
+    void Layout(const RECT& place);
 
     // Gives the keyboard to the button behind (or before) the one that has it, to the first one
     // where none has it; false when there is no further one, or nothing is asked.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "ui/control/toolbar_images.h"
@@ -24,7 +25,7 @@ class ToolbarTest : public testing::Test {
     void SetUp() override {
         ASSERT_TRUE(form_.Load());
         ASSERT_TRUE(toolbar_.Create(form_.Handle(), ControlBarItems(), ControlBarImages()));
-        const SIZE size = toolbar_.PreferredSize();
+        const SIZE size = toolbar_.SizeIn(0);
         toolbar_.SetBounds(0, 0, size.cx + 50, size.cy);
         toolbar_.OnButton([this](int index) { Note("press", index); });
         toolbar_.OnBackgroundPress([this] { Note("background", 0); });
@@ -59,7 +60,7 @@ TEST_F(ToolbarTest, EveryPressArrivesOnceAndWithTheRightButton) {
     for (const int index : {6, 9, 8, 7})  // 8 is a separator
         Click(toolbar_.ButtonRectangle(index).left + 4);
     Click(toolbar_.ButtonRectangle(12).right - 3);  // its arrow
-    Click(toolbar_.PreferredSize().cx + 20);
+    Click(toolbar_.SizeIn(0).cx + 20);
     EXPECT_EQ(events_, "press 6, press 9, background 0, menu 12, background 0, ");
     DoEvents();
     EXPECT_FALSE(Send(TB_ISBUTTONPRESSED, 12));  // all are made anew behind it
@@ -76,6 +77,29 @@ TEST_F(ToolbarTest, KeyboardSkipsWhatCannotBePressed) {
     EXPECT_EQ(events_, "press 2, menu 9, menu 9, press 18, ");
 }
 
+TEST_F(ToolbarTest, RowsFitTheWidthAndBreakBetweenGroups) {
+    const Metrics metrics(form_.Handle());
+    for (const int width : {1000, 250, 120, 60, 1}) {
+        toolbar_.EnableButton(11, width != 120);  // as it were in the middle of a load
+        toolbar_.Wrap(metrics.Scale(width));
+        const SIZE size = toolbar_.SizeIn(metrics.Scale(width));
+        LONG right = 0;
+        LONG bottom = 0;
+        for (const ToolbarItem& item : ControlBarItems()) {
+            if (item.kind == ToolbarItem::Kind::kSeparator) continue;
+            const RECT button = toolbar_.ButtonRectangle(item.index);
+            right = std::max(right, button.right);
+            bottom = std::max(bottom, button.bottom);
+        }
+        EXPECT_EQ(right, size.cx) << width;
+        EXPECT_EQ(bottom, size.cy) << width;
+        EXPECT_TRUE(width <= 60 || size.cx <= metrics.Scale(width)) << width;
+        EXPECT_EQ(toolbar_.ButtonRectangle(9).top == 0, width >= 250);
+    }
+    toolbar_.Wrap(0);
+    EXPECT_EQ(toolbar_.ButtonRectangle(18).top, 0);
+}
+
 TEST_F(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
     toolbar_.EnableButton(3, false);
     toolbar_.CheckButton(6, true);
@@ -85,7 +109,7 @@ TEST_F(ToolbarTest, StateAndTipsSurviveNewMetricsAndTheBarStaysLow) {
     EXPECT_EQ(Send(TB_GETSTATE, 6), TBSTATE_ENABLED | TBSTATE_CHECKED);
     EXPECT_EQ(Send(TB_GETBITMAP, 15), 17);
     const Metrics metrics(form_.Handle());
-    EXPECT_LE(toolbar_.PreferredSize().cy, metrics.Scale(26));
+    EXPECT_LE(toolbar_.SizeIn(0).cy, metrics.Scale(26));
     EXPECT_EQ(toolbar_.ButtonRectangle(1).right, metrics.Scale(24));
 
     wchar_t text[8] = {};
