@@ -120,15 +120,23 @@ all_pictures=(山の写真集.zip 夕暮れの山.jpg 夜の山.jpg 朝の山.jp
 fitted='General|FixSizeValue|1' # into 640 × 480
 
 scene_viewing() {
-    settings=("$fitted" 'General|SlideShowTime|30000') # it plays, and stays in the picture
+    settings=("$fitted")
     start_viewer "${all_pictures[@]:1}"
     picture main
-    press v
-    picture playing コントロールバー
-    press c shift+F10
+    press shift+F10
     picture popup
     press Escape Delete Delete
     picture delete_list
+    end_viewer
+}
+
+# The bar alone, which is a window of its own for that.
+scene_playing() {
+    # It plays, and stays in the picture.
+    settings=("$fitted" 'General|SlideShowTime|30000' 'Window|ControlBarDock|0')
+    start_viewer "${all_pictures[@]:1}"
+    press v
+    picture playing コントロールバー
     end_viewer
 }
 
@@ -186,7 +194,7 @@ take_pictures() {
     converted=$drive/Converted # plain letters, which a script can type
     trap leave EXIT
     make_scene
-    for scene in viewing archive dialogs converter options; do
+    for scene in viewing playing archive dialogs converter options; do
         say "the scene: $scene"
         "scene_$scene"
     done

@@ -73,6 +73,7 @@ class ViewerTest : public testing::Test {
 
 TEST_F(ViewerTest, ShowsABitmapInItsBoxNamesAPluginAndKeepsItsSettings) {
     SaveSetting(L"General", L"FixSizeValue", L"1");
+    SaveSetting(L"Window", L"ControlBarDock", L"0");
     SaveSetting(L"SPI_CALLLOG", L"Function", L"GetPicture");
     SaveSetting(L"SPI_CALLLOG", L"SPI", L"iftessjpeg.spi");
     SaveSetting(L"SPI_CALLLOG", L"File", L"C:\\a.jpg");
@@ -109,6 +110,8 @@ TEST_F(ViewerTest, StandsAsAShortcutWantsAndNoticesNothingOfAPluginThatEndsItsPr
     Start(L"", FinishedFolder(), SW_SHOWMAXIMIZED);
     FindMain();
     EXPECT_TRUE(WaitUntil([&] { return IsZoomed(main_) != FALSE; }));
+    const HWND bar = FindWindowExW(main_, nullptr, L"TessaryControlBar", nullptr);
+    EXPECT_TRUE(bar != nullptr && IsWindowVisible(bar));  // a first start has it in the window
     EXPECT_TRUE(Tells(0, L"1個のプラグイン"));
     EXPECT_EQ(Close(), 0);
     EXPECT_EQ(GetSetting(L"Convert", L"FileMask"), L"*.*");
@@ -159,6 +162,7 @@ TEST_F(ViewerTest, StepsThroughPicturesArchivesAndWhatIsNeither) {
     folder_.Write(L"3.txt", "neither");
     folder_.Write(L"Thumbs.db", "neither");
     folder_.Write(L"10.bmp", BitmapFileOf(50, 4, RGB(5, 5, 5)));
+    SaveSetting(L"Window", L"ControlBarDock", L"0");
     // Opened alone, it brings its neighbours along; steps wait for them.
     Start(L'"' + folder_.Path() + L"1 山.bmp\"");
     FindMain();

@@ -60,6 +60,7 @@ class PictureBox : public Window {
     // The brush for what the picture leaves free, which must outlive the control; null for the
     // system's.
     void SetBackground(HBRUSH background);
+    COLORREF BackgroundColour() const;
 
     // The control's size with its scroll bars.
     SIZE WholeSize() const;
@@ -71,6 +72,7 @@ class PictureBox : public Window {
     // Tells in the middle of the empty control why it has no picture; readers of the screen find
     // that as the window's text.
     void SetReason(const std::wstring& reason);
+    const std::wstring& Reason() const { return reason_; }
 
     // Puts a short text upon whatever is shown, for two seconds or until the next one.
     void ShowNote(const std::wstring& note);
@@ -89,7 +91,6 @@ class PictureBox : public Window {
     static constexpr UINT kNudgeMessage = WM_APP + 1;
 
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    COLORREF BackgroundColour() const;
     void Paint() const;
     void PaintArea(HDC screen, const RECT& area) const;
     void ShowPointer() const;

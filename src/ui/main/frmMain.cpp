@@ -51,8 +51,8 @@ frmMain::frmMain(MainWindowServices services)
       accelerators_(
           ChosenAccelerators, [this] { return Handle(); },
           [this](const MSG& key) {
-              const bool isButtons =
-                  silence_.HasFocus() && (key.wParam == VK_RETURN || key.wParam == VK_SPACE);
+              const bool isButtons = (silence_.HasFocus() || hint_.HasFocus()) &&
+                                     (key.wParam == VK_RETURN || key.wParam == VK_SPACE);
               return GetAncestor(key.hwnd, GA_ROOT) == Handle() && !isButtons &&
                      !info_.TakesKey(key.wParam) &&
                      !(controlBar_ != nullptr && controlBar_->Holds(key.hwnd));
@@ -109,6 +109,7 @@ void frmMain::Form_Load() {
     SetPanelText(kShownFilePanel, L"");
     info_.SetOpen(Values().general.showInfo != 0);
     commands_.ShowState(GetMenu(Handle()));
+    FollowEmptiness();
 }
 
 void frmMain::CreateControls() {
@@ -121,6 +122,7 @@ void frmMain::CreateControls() {
     silence_.Create(Handle(), changed, left);
     info_.Create(Handle(), changed, left);
     CreatePictureView();
+    CreateHint();
 }
 
 // Where it was left, else half the screen's width and height, in the middle of what the taskbar
@@ -191,6 +193,7 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
         case WM_SETCURSOR:
             if (silence_.Holds(reinterpret_cast<HWND>(wParam)) ||
                 info_.Holds(reinterpret_cast<HWND>(wParam)) ||
+                hint_.Holds(reinterpret_cast<HWND>(wParam)) ||
                 (controlBar_ != nullptr && controlBar_->Holds(reinterpret_cast<HWND>(wParam)))) {
                 return std::nullopt;
             }
@@ -204,10 +207,20 @@ std::optional<LRESULT> frmMain::OnSystemMessage(UINT message, WPARAM wParam, LPA
         case kOpenFilesMessage:
             // The end of a Reading posts it again.
             if (!IsReading()) OpenNow(std::exchange(filesToOpen_, {}));
+            FollowEmptiness();
+            return 0;
+        case kHintMessage:
+            ShowHintOrNot();
             return 0;
         case WM_ACTIVATE:
-            if (LOWORD(wParam) == WA_INACTIVE)
+            if (LOWORD(wParam) == WA_INACTIVE) {
                 backToBar_ = controlBar_ != nullptr && controlBar_->NoteFocus();
+            } else {
+                hint_.Refresh();  // a dialog, or another copy, may have forgotten something
+            }
+            return std::nullopt;
+        case WM_SYSCOLORCHANGE:
+            hint_.Refresh();
             return std::nullopt;
         case WM_SETFOCUS:  // the keys are the picture's
             TakeFocusBack();

@@ -34,6 +34,7 @@
 #include "ui/main/picture_stage.h"
 #include "ui/main/resting_pointer.h"
 #include "ui/main/silence_bar.h"
+#include "ui/main/start_hint.h"
 
 namespace tessary {
 
@@ -215,6 +216,7 @@ class frmMain final : public Form, public PictureView {
     void FollowLight();
     const StatusBar& statusInformation() const { return statusInformation_; }
     const InfoPane& Info() const { return info_; }
+    const StartHint& Hint() const { return hint_; }
 
     // PictureView
     SightRoom Room() const override;
@@ -252,6 +254,8 @@ class frmMain final : public Form, public PictureView {
     // --- What is to be opened (frmMain_open.cpp) ---
     // Posted to the window itself: there are files to open.
     static constexpr UINT kOpenFilesMessage = WM_APP + 1;
+    // The same: whether the empty view tells how to begin is to be asked.
+    static constexpr UINT kHintMessage = WM_APP + 2;
     // Finds the files; may take long, and runs beside the user-interface thread.
     struct FoundFiles {
         std::vector<ListedFile> files;
@@ -281,6 +285,9 @@ class frmMain final : public Form, public PictureView {
     void GoToOtherWindow();
     void GoToNextPart();
     void TakeFocusBack();
+    void CreateHint();
+    void FollowEmptiness();
+    void ShowHintOrNot();
 
     // --- Long reads (frmMain_reading.cpp) ---
     void TellReading(const wchar_t* what, int done, int total);
@@ -335,6 +342,8 @@ class frmMain final : public Form, public PictureView {
     StatusBar statusInformation_;
     SilenceBar silence_;
     InfoPane info_;
+    StartHint hint_;
+    bool hintDue_ = false;  // whether it belongs there was posted to be asked
     FullScreen fullScreen_;
     RestingPointer restingPointer_;
     EdgePeek barPeek_{{.calls = [this](POINT at) { return CallsBar(at); },
@@ -360,6 +369,7 @@ class frmMain final : public Form, public PictureView {
     std::wstring placeNote_;   // the same, as it was put upon the picture
     std::wstring openNotice_;  // what the last opening told in the status bar
     bool hasOpened_ = false;
+    bool isOpening_ = false;
     Accelerators accelerators_;
     MessageFilter sideButtons_{[this](const MSG& message) {
         return GetAncestor(message.hwnd, GA_ROOT) == Handle() && TakesSideButton(message);

@@ -21,7 +21,8 @@ void frmMain::Escape() {
     const bool stopsRead = fullScreen_.IsOn() ? TakesStop() : IsReadUnderWay();
     if (playing || stopsRead) commands_.Run(menuControl_2);
     if (stopsRead && !playing) return;
-    if (!playing && controlBar_ != nullptr && controlBar_->TakesEscape()) {
+    const bool inBar = controlBar_ != nullptr && controlBar_->TakesEscape();
+    if (!playing && (inBar || hint_.HasFocus())) {
         TakeFocus();
     } else if (info_.IsOpen() && !playing) {
         ShowInfo(false);
@@ -42,6 +43,7 @@ void frmMain::SetFullScreen(bool on) {
     }
     ShowWindow(statusInformation_.Handle(), on ? SW_HIDE : SW_SHOWNA);
     pictureView_.SetBackground(on ? static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)) : nullptr);
+    hint_.Refresh();
     if (on) {
         fullScreen_.Enter(Handle());
         restingPointer_.Start(pictureView_.Handle());

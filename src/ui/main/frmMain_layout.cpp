@@ -43,6 +43,7 @@ void frmMain::Form_Resize(int width, int height) {
     info_.Layout(areas.info);
     const RECT& view = areas.view;
     pictureView_.SetBounds(view.left, view.top, view.right - view.left, view.bottom - view.top);
+    hint_.Layout(view);
     if (!IsRectEmpty(&areas.bar)) controlBar_->PlaceDocked(areas.bar);
     RoomChanged();
 }
@@ -73,7 +74,40 @@ void frmMain::Form_MetricsChanged() {
     statusInformation_.ChangeMetrics();
     silence_.ChangeMetrics();
     info_.ChangeMetrics();
+    hint_.ChangeMetrics();
     if (controlBar_ != nullptr) controlBar_->MainMetricsChanged();
+}
+
+// --- How to begin ---
+
+void frmMain::CreateHint() {
+    hint_.Create(Handle(), {.open = [this](const std::wstring& path) { OpenLater({path}); },
+                            .leave =
+                                [this](bool back) {
+                                    if (back || controlBar_ == nullptr) return TakeFocus();
+                                    controlBar_->TakeFocus(BarFocus::kFirst);
+                                },
+                            .ground = [this] { return pictureView_.BackgroundColour(); },
+                            .contextMenu =
+                                [this](LPARAM at) {
+                                    SendMessageW(pictureView_.Handle(), WM_CONTEXTMENU,
+                                                 reinterpret_cast<WPARAM>(pictureView_.Handle()),
+                                                 at);
+                                }});
+}
+
+// What is being loaded takes the hint away at once. It comes when all is done that empties the
+// view: what takes its place may follow.
+void frmMain::FollowEmptiness() {
+    if (!filesToOpen_.empty() || PictureShown()) return hint_.SetOpen(false);
+    if (!std::exchange(hintDue_, true)) PostMessageW(Handle(), kHintMessage, 0, 0);
+}
+
+void frmMain::ShowHintOrNot() {
+    hintDue_ = false;
+    const bool isBusy = !filesToOpen_.empty() || isOpening_ || CurrentActivity().pictureLoading;
+    const bool hasFiles = controlBar_ != nullptr && controlBar_->HasFiles();
+    hint_.SetOpen(!isBusy && !hasFiles && !PictureShown() && pictureView_.Reason().empty());
 }
 
 // --- The keyboard ---

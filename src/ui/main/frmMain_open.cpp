@@ -3,6 +3,7 @@
 
 #include "app/base/command_line.h"
 #include "app/base/message_box.h"
+#include "app/base/raised_flag.h"
 #include "picture/read/arrangement.h"
 #include "ui/form/activity.h"
 #include "ui/form/worker.h"
@@ -34,11 +35,13 @@ void frmMain::OpenCommandLine() {
 
 void frmMain::OpenLater(const std::vector<std::wstring>& paths) {
     filesToOpen_ = paths;
+    FollowEmptiness();
     PostMessageW(Handle(), kOpenFilesMessage, 0, 0);
 }
 
 void frmMain::OpenNow(const std::vector<std::wstring>& paths) {
     if (controlBar_ == nullptr || paths.empty() || IsReadUnderWay()) return;
+    const RaisedFlag opening(isOpening_);
     std::optional<FoundFiles> found;
     {
         const Reading reading(*this, L"ファイルを探しています");

@@ -195,13 +195,16 @@ void frmMain::pictureView_DoubleClick(POINT at) {
 }
 
 void frmMain::pictureView_KeyDown(int keyCode, int shift) {
+    if (keyCode == VK_DOWN && hint_.TakeFocus()) return;
     if (TurnsPage(keyCode) || stage_.KeyDown(keyCode)) return;
     switch (keyCode) {
         case VK_RETURN:
             return Step((shift & kShiftMask) != 0 ? BarButton::kStepBack : BarButton::kStepForward);
         case VK_TAB:
-            if ((shift & kShiftMask) == 0 && (silence_.MoveFocus(false) || info_.TakeFocus()))
+            if ((shift & kShiftMask) == 0 &&
+                (silence_.MoveFocus(false) || hint_.TakeFocus() || info_.TakeFocus())) {
                 return;
+            }
             if (controlBar_ == nullptr) return;
             return controlBar_->TakeFocus((shift & kShiftMask) != 0 ? BarFocus::kLast
                                                                     : BarFocus::kFirst);
@@ -351,6 +354,7 @@ void frmMain::PutIntoView(Picture picture, const Picture& prepared) {
     stage_.SetPicture(std::move(picture), prepared);
     ShowScale();
     info_.PictureChanged();
+    FollowEmptiness();
     if (PictureShown() != wasShown && pictureShownChanged_) pictureShownChanged_();
 }
 
