@@ -374,6 +374,15 @@ class frmMain final : public Form, public PictureView {
     MessageFilter sideButtons_{[this](const MSG& message) {
         return GetAncestor(message.hwnd, GA_ROOT) == Handle() && TakesSideButton(message);
     }};
+    // Over whichever part of the window.
+    MessageFilter pointerMoves_{[this](const MSG& message) {
+        const bool isHeld = (message.wParam & (MK_LBUTTON | MK_RBUTTON | MK_MBUTTON)) != 0;
+        if (message.message == WM_MOUSEMOVE && fullScreen_.IsOn() && !isHeld &&
+            GetAncestor(message.hwnd, GA_ROOT) == Handle()) {
+            barPeek_.PointerMoved();
+        }
+        return false;
+    }};
     DWORD lastBreath_ = 0;  // tick count, milliseconds
     ReadState reading_;
     // Last, so that they let go of the windows first.

@@ -232,7 +232,6 @@ void frmMain::pictureView_MouseDown(int button, POINT at) {
 
 void frmMain::pictureView_MouseMove(POINT at, bool leftButton) {
     restingPointer_.Seen(at);
-    if (!leftButton) barPeek_.PointerMoved();
     if (!leftButton) return pictureView_MouseUp();
     if (!pressedAt_) return stage_.DragTo(at);
     if (std::abs(at.x - pressedAt_->x) < GetSystemMetrics(SM_CXDRAG) &&

@@ -175,5 +175,36 @@ TEST_F(DockTest, KeyboardGoesFromPartToPartAndBackToThePicture) {
     EXPECT_EQ(GetFocus(), picture);
 }
 
+TEST_F(DockTest, OnTheFullScreenItComesWithThePointerAndLeavesThePictureItsRoom) {
+    Choose(commandDock_3);
+    Choose(commandShowInfo);  // which stands at that edge as well
+    Choose(commandFullScreen);
+    EXPECT_FALSE(bar_.IsVisible());
+    const RECT view = ViewFrame();
+    const RECT screen = FrameOf(window_.Handle());
+    const auto pointTo = [&](LONG x) {
+        SetCursorPos(x, 300);
+        PostMessageW(window_.pictureView().Handle(), WM_MOUSEMOVE, 0, 0);
+        DoEvents();
+    };
+    pointTo(screen.right - 40);
+    EXPECT_FALSE(bar_.IsVisible());
+    pointTo(screen.right - 1);
+    EXPECT_TRUE(bar_.IsVisible());
+    EXPECT_EQ(Frame().right, screen.right);
+    const RECT now = ViewFrame();
+    EXPECT_TRUE(EqualRect(&view, &now));
+    EXPECT_EQ(GetFocus(), window_.pictureView().Handle());
+    Press(VK_RETURN);
+    EXPECT_EQ(Selected(), 1);
+    pointTo(screen.left + 100);
+    EXPECT_TRUE(RunUntil([&] { return !bar_.IsVisible(); }));
+    pointTo(screen.right - 1);
+    Choose(commandFullScreen);  // with the bar there
+    EXPECT_TRUE(bar_.IsVisible());
+    EXPECT_EQ(ViewFrame().left, Client().left);
+    EXPECT_LT(ViewFrame().right, Frame().left + 1);
+}
+
 }  // namespace
 }  // namespace tessary::test
