@@ -34,6 +34,9 @@
 #define menuEditClear 1103
 #define commandAddToDeleteList 1110
 #define commandCancelDelete 1111
+#define commandDelete 1112
+#define commandDeleteForGood 1113
+#define commandUndo 1114
 
 #define menuView 1200
 #define menuViewControlOwner 1201
@@ -308,6 +311,7 @@
 #define checkSpaceScrolls 3357
 #define checkRemember 3358
 #define checkGoOnAtOnce 3359
+#define combDeleteFinally 3360
 
 #define listKeys 3370
 #define labelNewKey 3371

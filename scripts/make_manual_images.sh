@@ -125,7 +125,7 @@ scene_viewing() {
     picture main
     press shift+F10
     picture popup
-    press Escape Delete Delete
+    press Escape ctrl+Delete ctrl+Delete
     picture delete_list
     end_viewer
 }

@@ -27,9 +27,11 @@ choose_prefix() {
     fi
 }
 
-# run_wine PROGRAM ARGS…: replaces this process; its status is the program's.
+# run_wine PROGRAM ARGS…: replaces this process; its status is the program's. The recycle bin is the
+# prefix's own: what programs delete there is nobody's.
 run_wine() {
-    in_wine_root env "LC_ALL=$japanese_locale" "LANG=$japanese_locale" "$wine_loader" "$@"
+    in_wine_root env "LC_ALL=$japanese_locale" "LANG=$japanese_locale" "XDG_DATA_HOME=$WINEPREFIX/share" \
+        "$wine_loader" "$@"
 }
 
 # windows_path PATH: how a Windows program names a file of this machine.
@@ -68,6 +70,7 @@ fill_prefix() {
 # reads that waits for them: so the first program is one of ours, without any output.
 start_wine() {
     if ! prefix_is_ready; then make_prefix; fi
+    mkdir -p "$WINEPREFIX/share"
     if wineserver_runs; then return; fi
     (in_wine_root "$wine_server" --persistent=60) </dev/null >/dev/null 2>&1 || true
     (run_wine cmd /c exit) </dev/null >/dev/null 2>&1 || die "Wine does not start"

@@ -175,6 +175,29 @@ void FileSequence::SortBy(const EntryOrder& order) {
     members_.Assign(std::move(members), static_cast<int>(place));
 }
 
+bool FileSequence::IsInOrder(const EntryOrder& order) const {
+    std::vector<ListedFile> files(files_.All().begin(), files_.All().end());
+    tessary::SortBy(order, files);
+    return std::ranges::equal(files, files_.All(), {}, &ListedFile::path, &ListedFile::path);
+}
+
+void FileSequence::PutIn(ListedFile file, int index) {
+    std::vector<ListedFile> files(files_.All().begin(), files_.All().end());
+    const int place = index < 0 || index > files_.Count() ? files_.Count() : index;
+    const int cursor = files_.Cursor() >= place ? files_.Cursor() + 1 : files_.Cursor();
+    files.insert(files.begin() + place, std::move(file));
+    files_.Assign(std::move(files), cursor);
+}
+
+void FileSequence::Rename(const std::wstring& path, const std::wstring& newPath) {
+    std::vector<ListedFile> files(files_.All().begin(), files_.All().end());
+    for (ListedFile& file : files) {
+        if (file.path == path) file.path = newPath;
+    }
+    files_.Assign(std::move(files), files_.Cursor());
+    if (archive_ == path) archive_ = newPath;
+}
+
 // --- Deletion ---
 
 bool FileSequence::MarkFile(int index) {

@@ -101,6 +101,14 @@ class FileSequence {
     // Puts the files, and the members but for pages, into that order; the selected ones stay so.
     void SortBy(const EntryOrder& order);
 
+    // Whether the files are in that order.
+    bool IsInOrder(const EntryOrder& order) const;
+
+    // Puts a file to that place, or to the end (-1); the selected one stays so.
+    void PutIn(ListedFile file, int index);
+    // A file has another path now.
+    void Rename(const std::wstring& path, const std::wstring& newPath);
+
     // --- Deletion ---
     // Moves a file to the marks; false when it is marked already, and only leaves the files.
     bool MarkFile(int index);

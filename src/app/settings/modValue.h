@@ -40,6 +40,12 @@ constexpr int16_t kEndStays = 1;   // nowhere, and the user is told
 constexpr int16_t kEndGoesRound = 2;
 constexpr int16_t kEndNextFolder = 3;  // into the folder beside that of the file
 
+// What becomes of files that are deleted.
+constexpr int16_t kDeleteToBin = 0;
+constexpr int16_t kDeleteListed = 1;   // they are collected, and deleted for good together
+constexpr int16_t kDeleteForGood = 2;  // and the user is asked in words that say so
+constexpr int16_t kLastDeleteWay = kDeleteForGood;
+
 // Settings of the section `General`, but for the display size mode.
 struct GeneralSettings {
     int16_t useSPI = 0;                          // 1: use Susie plug-ins
@@ -91,6 +97,7 @@ struct GeneralSettings {
     int16_t bookFolders = 0;    // the same of folders
     int16_t bookFromRight = 1;  // 1: their next page lies on the left
     int16_t bookCover = 1;      // 1: the first page stands alone
+    int16_t deleteFinally = kDeleteToBin;
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 

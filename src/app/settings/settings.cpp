@@ -118,6 +118,7 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"BookFolders", general.bookFolders, L"0");
     transfer(L"BookFromRight", general.bookFromRight, L"1");
     transfer(L"BookCover", general.bookCover, L"1");
+    transfer(L"DeleteFinally", general.deleteFinally, L"0");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
     transfer(L"EmptySPI_3", general.emptySPI[2], L"False");
@@ -208,6 +209,8 @@ bool ReadGeneralSettings() {
         TransferGeneral(SectionReader(L"General"));
         FollowProgram(Values().general);
         PutSecondsRight(Values().general);
+        int16_t& way = Values().general.deleteFinally;
+        if (way < kDeleteToBin || way > kLastDeleteWay) way = kDeleteToBin;
         TransferFileFormat(SectionReader(L"FileFormat"));
     });
 }

@@ -4,8 +4,22 @@
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/raised_flag.h"
+#include "app/settings/modValue.h"
 
 namespace tessary {
+namespace {
+
+// Whether the user wants these files of the list deleted, as he has chosen it.
+bool AskToDelete(const std::vector<std::wstring>& paths) {
+    const int16_t way = Values().general.deleteFinally;
+    if (way == kDeleteForGood) return FileDeletion::AskForGood(paths);
+    return ShowMessageBox(L"リスト内の " + std::to_wstring(paths.size()) +
+                              (way == kDeleteToBin ? L" 個のファイルをごみ箱に移動します。"
+                                                   : L"個のファイルをディスクから削除します。"),
+                          MB_OKCANCEL | MB_ICONINFORMATION | MB_DEFBUTTON2) == IDOK;
+}
+
+}  // namespace
 
 void DeleteList::Mark(int index) {
     if (index < 0) return;
@@ -60,9 +74,7 @@ void DeleteList::FileSaved(const std::wstring& path) {
 // Deletes what the question was about, whatever happens to the list meanwhile.
 void DeleteList::AskToDeleteAll() {
     const std::vector<std::wstring> paths = sequence_.Marks().Texts();
-    if (ShowMessageBox(L"リスト内の " + std::to_wstring(paths.size()) +
-                           L"個のファイルをディスクから削除します。",
-                       MB_OKCANCEL | MB_ICONINFORMATION | MB_DEFBUTTON2) == IDOK) {
+    if (AskToDelete(paths)) {
         if (const std::optional<int> gap = TryToDelete(paths)) host_.ShowInPlaceOf(*gap);
     }
 }
@@ -72,12 +84,16 @@ bool DeleteList::MayClose() {
     if (askingToClose_) return false;
     const RaisedFlag asking(askingToClose_);
     const std::vector<std::wstring> paths = sequence_.Marks().Texts();
-    switch (ShowMessageBox(L"削除リストに " + std::to_wstring(paths.size()) +
-                               L" 個のファイルがあります。\r\n\r\n"
-                               L"[はい]をクリックするとディスクから削除して終了します。\r\n"
-                               L"[いいえ]をクリックすると削除しないで終了します。\r\n"
-                               L"[キャンセル]をクリックすると終了しません。",
-                           MB_YESNOCANCEL | MB_ICONEXCLAMATION | MB_DEFBUTTON3)) {
+    switch (
+        ShowMessageBox(L"削除リストに " + std::to_wstring(paths.size()) +
+                           L" 個のファイルがあります。\r\n\r\n"
+                           L"[はい]をクリックすると" +
+                           (Values().general.deleteFinally == kDeleteToBin ? L"ごみ箱に移動"
+                                                                           : L"ディスクから削除") +
+                           L"して終了します。\r\n"
+                           L"[いいえ]をクリックすると削除しないで終了します。\r\n"
+                           L"[キャンセル]をクリックすると終了しません。",
+                       MB_YESNOCANCEL | MB_ICONEXCLAMATION | MB_DEFBUTTON3)) {
         case IDYES: {
             const std::optional<int> gap = TryToDelete(paths);
             if (sequence_.Marks().IsEmpty()) return true;
@@ -93,26 +109,29 @@ bool DeleteList::MayClose() {
 
 // The place of the selected file in the sequence, when it is among those that are gone.
 std::optional<int> DeleteList::TryToDelete(const std::vector<std::wstring>& paths) {
+    FileDeletion deletion(Values().general.deleteFinally != kDeleteToBin);
     std::vector<std::wstring> deleted;
     try {
         host_.WhileDeleting([&](const DeleteListHost::DeletionNews& tell) {
-            DeleteFromDisk(paths, deleted, tell);
+            DeleteFromDisk(deletion, paths, deleted, tell);
         });
     } catch (...) {
         const RaisedError error = CurrentError();
         ReportUnexpectedError(error.Number(), error.Description(), L"frmDelete.cmdOK_Click()");
     }
+    host_.Remember(deletion.Binned());
     if (sequence_.Marks().IsEmpty()) host_.SetPanelOpen(false);
     return sequence_.RemoveDeleted(deleted);
 }
 
-void DeleteList::DeleteFromDisk(const std::vector<std::wstring>& paths,
+void DeleteList::DeleteFromDisk(FileDeletion& deletion, const std::vector<std::wstring>& paths,
                                 std::vector<std::wstring>& deleted,
                                 const DeleteListHost::DeletionNews& tell) {
-    const auto total = static_cast<int32_t>(paths.size());
+    const std::vector<std::wstring> chosen = deletion.Begin(paths);
+    const auto total = static_cast<int32_t>(chosen.size());
     int32_t done = 0;
-    for (auto path = paths.rbegin(); path != paths.rend(); ++path) {
-        const DeleteOutcome outcome = DeleteMarked(*path);
+    for (auto path = chosen.rbegin(); path != chosen.rend(); ++path) {
+        const DeleteOutcome outcome = DeleteMarked(*path, deletion);
         if (outcome == DeleteOutcome::kAbort) return;
         if (outcome == DeleteOutcome::kDeleted) {
             deleted.push_back(*path);
@@ -122,17 +141,17 @@ void DeleteList::DeleteFromDisk(const std::vector<std::wstring>& paths,
     }
 }
 
-DeleteOutcome DeleteList::DeleteMarked(const std::wstring& path) {
-    if (!sequence_.Marks().HasChanged(path)) return DeleteListedFile(path);
+DeleteOutcome DeleteList::DeleteMarked(const std::wstring& path, FileDeletion& deletion) {
+    if (!sequence_.Marks().HasChanged(path)) return deletion.Delete(path);
     switch (ShowMessageBox(L"ファイル " + path +
                                L" は、削除リストに入れた後に変更されています。\r\n"
                                L"\r\n"
-                               L"[はい]をクリックするとディスクから削除します。\r\n"
+                               L"[はい]をクリックすると削除します。\r\n"
                                L"[いいえ]をクリックすると削除しないで一覧に戻します。\r\n"
                                L"[キャンセル]をクリックすると削除処理を中断します。",
                            MB_YESNOCANCEL | MB_ICONEXCLAMATION | MB_DEFBUTTON3)) {
         case IDYES:
-            return DeleteListedFile(path);
+            return deletion.Delete(path);
         case IDNO:
             PutBack(path);
             return DeleteOutcome::kIgnore;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "sequence/file_sequence.h"
-#include "ui/control/delete_file.h"
+#include "ui/control/file_deletion.h"
 
 namespace tessary {
 
@@ -25,6 +25,9 @@ class DeleteListHost {
 
     // What waits for the end of a load and is about the marked files is not wanted any more.
     virtual void ForgetDeletion() = 0;
+
+    // Told what came into the recycle bin, to be undone.
+    virtual void Remember(const std::vector<BinnedFile>& binned) = 0;
 
     // Runs the deletion with everything else out of the user's reach. The deletion tells which file
     // is done, and which of how many that was; false: the user or the program has no time for more.
@@ -56,9 +59,10 @@ class DeleteList {
     // Told that a picture was saved in that file.
     void FileSaved(const std::wstring& path);
 
-    // Deletes the files, when the user says yes: those that were in the list then, from the last
-    // one to the first. He may break off at a file that cannot be deleted, or has changed since it
-    // was marked, and at any time once it takes long.
+    // Deletes the files as it is chosen (GeneralSettings::deleteFinally), when the user says yes:
+    // those that were in the list then, from the last one to the first. He may break off at a file
+    // that cannot be deleted, or has changed since it was marked, and at any time once it takes
+    // long.
     void AskToDeleteAll();
 
     // Asked before the program ends; asks the user what is to become of the files. False: it goes
@@ -67,9 +71,10 @@ class DeleteList {
 
   private:
     std::optional<int> TryToDelete(const std::vector<std::wstring>& paths);
-    void DeleteFromDisk(const std::vector<std::wstring>& paths, std::vector<std::wstring>& deleted,
+    void DeleteFromDisk(FileDeletion& deletion, const std::vector<std::wstring>& paths,
+                        std::vector<std::wstring>& deleted,
                         const DeleteListHost::DeletionNews& tell);
-    DeleteOutcome DeleteMarked(const std::wstring& path);
+    DeleteOutcome DeleteMarked(const std::wstring& path, FileDeletion& deletion);
 
     FileSequence& sequence_;
     DeleteListHost& host_;

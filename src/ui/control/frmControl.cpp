@@ -89,6 +89,7 @@ frmControl::frmControl(frmMain& window)
     RegisterListCommands();
     RegisterBookCommands();
     RegisterDockCommands();
+    RegisterFileCommands();
     window_.OnPictureShownChanged([this] {
         if (formLoaded_) UpdateToolbar();
     });

@@ -22,6 +22,7 @@
 #include "ui/control/delete_list.h"
 #include "ui/control/delete_panel.h"
 #include "ui/control/dock_frame.h"
+#include "ui/control/file_history.h"
 #include "ui/control/folder_follower.h"
 #include "ui/control/list_box_mirror.h"
 #include "ui/control/place_slider.h"
@@ -258,6 +259,32 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void UpdateToolbar();
     bool MayStep() const;
 
+    // --- Files on the disk (frmControl_files.cpp) ---
+    void RegisterFileCommands();
+    // The full paths of the files that commands are about; where there are none the user is told.
+    std::vector<std::wstring> TargetFiles() const;
+    void DeleteShown(bool forGood);
+    bool MayDelete(const std::vector<std::wstring>& paths, bool forGood) const;
+    void DeleteListed(std::vector<std::wstring> paths, bool forGood);
+    void DeleteFiles(const std::vector<std::wstring>& paths, bool forGood);
+
+    // The steps that begin with these files as they are listed now.
+    std::vector<ListedStep> StepsOf(std::span<const BinnedFile> binned) const;
+    // What is done with files meanwhile, while nothing of the program has them open.
+    struct FileWork {
+        const wchar_t* what;     // as "削除しています"
+        const wchar_t* session;  // the same as a sentence, for the session's end
+        const wchar_t* caption;  // of the window that tells how far it is
+    };
+    void WhileFilesChange(const FileWork& texts,
+                          const std::function<void(const DeletionNews& tell)>& work);
+
+    // --- Undoing that (frmControl_undo.cpp) ---
+    std::wstring UndoCaption() const;
+    void UndoLast();
+    void PutBackInList(const FileAct& act, std::vector<ListedStep> back);
+    void TellNotUndone(FileAct left, const std::wstring& problems);
+
     // --- The delete list (frmControl_delete.cpp) ---
     void AddToDeleteList();
     void MarkDuringShow();
@@ -267,6 +294,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void ShowNote(const std::wstring& note) override { window_.ShowNote(note); }
     void ShowInPlaceOf(int index) override;
     void ForgetDeletion() override;
+    void Remember(const std::vector<BinnedFile>& binned) override;
     void WhileDeleting(const std::function<void(const DeletionNews&)>& deletion) override;
 
     frmMain& window_;
@@ -290,6 +318,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     FileSequence sequence_;
     RandomWay randomWay_{GetTickCount()};  // of the slide show
     DeleteList deleteList_{sequence_, *this};
+    FileHistory history_;
+    uint32_t listNumber_ = 0;  // of the lists that were shown
     Splitter edge_;    // towards the picture
     Splitter border_;  // between files and members
     BarDock dock_;

@@ -2,12 +2,7 @@
 #include <algorithm>
 
 #include "app/base/message_box.h"
-#include "app/base/task_modal.h"
-#include "picture/ahead/pictures_ahead.h"
-#include "plugin/modSusie.h"
 #include "ui/control/frmControl_busy.h"
-#include "ui/dialogs/frmProgress.h"
-#include "ui/form/session_hold.h"
 
 namespace tessary {
 
@@ -66,18 +61,10 @@ void frmControl::ForgetDeletion() {
 }
 
 void frmControl::WhileDeleting(const std::function<void(const DeletionNews&)>& deletion) {
-    const Busy busy(*this, L"削除しています");
-    const SessionHold session(Handle(), L"ファイルを削除しています。");
-    DisableParts();
-    const TaskModal others(nullptr);
-    frmProgress shown(GetAncestor(Handle(), GA_ROOT), L"ファイルの削除");
-    SusieCollection().UnloadFile();  // plug-ins keep archives open
-    Ahead().Rest();
-    window_.Frames().Rest();
-    deletion([&](const std::wstring& path, int32_t done, int32_t total) {
-        shown.Tell(path, done, total);
-        return window_.Breathe() && !shown.IsStopped();
-    });
+    WhileFilesChange({.what = L"削除しています",
+                      .session = L"ファイルを削除しています。",
+                      .caption = L"ファイルの削除"},
+                     deletion);
 }
 
 }  // namespace tessary

@@ -106,6 +106,7 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
 bool frmControl::ShowList(std::span<const ListedFile> files, size_t first) {
     if (busy_ > 0 || !Load(window_.Handle())) return false;
     follower_.End();
+    ++listNumber_;
     wishes_.ForgetMoves();
     randomWay_.Forget();
     shownPath_.clear();

@@ -155,7 +155,8 @@ Urge frmControl::UrgeForElse() const {
         player_.IsFast()) {
         return Urge::kStrong;
     }
-    return goes || wishes_.pages != 0 || wishes_.command != 0 || !wishes_.marks.empty()
+    return goes || wishes_.pages != 0 || wishes_.command != 0 || !wishes_.marks.empty() ||
+                   !wishes_.deleted.empty()
                ? Urge::kSome
                : Urge::kNone;
 }
@@ -211,7 +212,8 @@ void frmControl::CarryOutWishes() {
     const Wishes wishes = std::exchange(wishes_, {});
     for (const std::wstring& path : wishes.marks)
         deleteList_.Mark(sequence_.Files().IndexOf(path));
-    if (!wishes.marks.empty()) player_.RestartPause();
+    DeleteListed(wishes.deleted, wishes.forGood);
+    if (!wishes.marks.empty() || !wishes.deleted.empty()) player_.RestartPause();
     if (wishes.steps != 0) {
         StepAndStay(wishes.steps, sequence_.IsInArchive() && !wishes.file);
     } else if (wishes.file) {

@@ -33,7 +33,7 @@ std::span<const ToolbarItem> ControlBarItems() {
         Item(11, kDropDown, kOpen, L"ファイルを開く", L"Ctrl+O"),
         Item(12, kDropDown, kSave, L"名前を付けて保存", L"Ctrl+S"),
         Separator(13),
-        Item(14, kButton, kAddToDeleteList, L"削除リストに追加", L"Delete"),
+        Item(14, kButton, kAddToDeleteList, L"削除リストに追加", L"Ctrl+Delete"),
         Item(15, kButton, kFold, L"折りたたむ / 広げる", L"F"),
         Item(16, kButton, kCancelDelete, L"削除の取り消し", L"Esc"),
         Separator(17),

@@ -10,17 +10,22 @@ namespace tessary {
 // The latest wish wins: a clicked entry takes away the steps asked for before it, and steps that
 // follow lead on from there. Files to be collected for deletion are kept beside that.
 struct Wishes {
-    bool file = false;                // show the file that is selected now
-    bool member = false;              // the same of an archive's members
-    int steps = 0;                    // entries to go on by; negative: back
-    int pages = 0;                    // of the selected file or member to go on by
-    bool deletion = false;            // of the collected files, from the disk
-    int command = 0;                  // of the main window, to be run last; 0: none
-    std::vector<std::wstring> marks;  // paths to be collected for deletion
+    bool file = false;                  // show the file that is selected now
+    bool member = false;                // the same of an archive's members
+    int steps = 0;                      // entries to go on by; negative: back
+    int pages = 0;                      // of the selected file or member to go on by
+    bool deletion = false;              // of the collected files, from the disk
+    int command = 0;                    // of the main window, to be run last; 0: none
+    std::vector<std::wstring> marks;    // paths to be collected for deletion
+    std::vector<std::wstring> deleted;  // paths to be deleted
+    bool forGood = false;               // these, past the recycle bin
     bool isFresh = false;   // some of it was asked for by more than a key that is held down
     bool isMotion = false;  // a motion was started that has not stepped yet
 
-    bool Any() const { return Moves() || pages != 0 || command != 0 || deletion || !marks.empty(); }
+    bool Any() const {
+        return Moves() || pages != 0 || command != 0 || deletion || !marks.empty() ||
+               !deleted.empty();
+    }
     bool Moves() const { return file || member || steps != 0; }
 
     // An entry of a list was clicked; not `really` when that is the one being loaded already.
@@ -48,6 +53,15 @@ struct Wishes {
 
     void Mark(const std::wstring& path) {
         if (std::find(marks.begin(), marks.end(), path) == marks.end()) marks.push_back(path);
+    }
+
+    // Whoever has said once that it is for good has said so of what waits with it.
+    void Delete(const std::vector<std::wstring>& paths, bool isForGood) {
+        for (const std::wstring& path : paths) {
+            if (std::find(deleted.begin(), deleted.end(), path) == deleted.end())
+                deleted.push_back(path);
+        }
+        forGood = forGood || isForGood;
     }
 
     void ForgetMoves() {

@@ -6,11 +6,11 @@
 
 #include <memory>
 
+#include "app/base/com_object.h"
 #include "app/base/error.h"
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/task_modal.h"
-#include "ui/form/com_object.h"
 
 namespace tessary {
 namespace {

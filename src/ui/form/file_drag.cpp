@@ -7,7 +7,7 @@
 #include <memory>
 #include <utility>
 
-#include "ui/form/counted_object.h"
+#include "app/base/counted_object.h"
 #include "ui/form/file_block.h"
 
 namespace tessary {

@@ -3,8 +3,8 @@
 #include <optional>
 #include <utility>
 
+#include "app/base/counted_object.h"
 #include "app/base/error.h"
-#include "ui/form/counted_object.h"
 #include "ui/form/file_block.h"
 
 namespace tessary {

@@ -40,6 +40,10 @@ bool CommandTable::Run(int id) const {
 
 void CommandTable::ShowState(HMENU menu) const {
     if (shown_) shown_(menu);
+    for (const auto& [id, command] : commands_) {
+        if (command.caption && !MenuCaption(menu, id).empty())
+            SetMenuCaption(menu, id, command.caption());
+    }
     ShowKeysIn(menu);
     ForEachMenuCommand(menu, [&](int id) {
         const auto found = commands_.find(id);

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <string>
 
 namespace tessary {
 
@@ -14,6 +15,8 @@ struct Command {
     std::function<bool()> enabled =
         {};  // asked when a menu opens and before running; empty: always
     std::function<bool()> checked = {};  // asked when a menu opens; empty: never
+    // The same; empty: as the menu has it.
+    std::function<std::wstring()> caption = {};
     // Whether it may run while a picture is being loaded. Such a command must neither start another
     // load nor replace the current picture, the plug-ins or the settings.
     bool whileLoading = false;

@@ -7,10 +7,10 @@
 
 #include <algorithm>
 
+#include "app/base/com_object.h"
 #include "app/base/paths.h"
 #include "places/place.h"
 #include "places/place_memory.h"
-#include "ui/form/com_object.h"
 
 namespace tessary {
 namespace {

@@ -23,6 +23,10 @@ void ListPage::AttachControls() {
     Fields().Check(checkSpaceScrolls, general.spaceScrolls);
     Fields().Check(checkRemember, Options().remembers);
     Fields().Check(checkGoOnAtOnce, general.goOnAtOnce);
+    Fields().Choice(combDeleteFinally,
+                    {L"ごみ箱に移動する", L"削除リストに集めて、まとめて完全に削除する",
+                     L"確認してから、完全に削除する"},
+                    general.deleteFinally);
 }
 
 void ListPage::ShowState() {

@@ -6,6 +6,8 @@
 #include <tuple>
 
 #include "app/base/message_box.h"
+#include "app/settings/modValue.h"
+#include "files/delete_file.h"
 #include "helpers/files/refusal.h"
 #include "tests/support/temporary_folder.h"
 
@@ -17,6 +19,7 @@ using List = std::vector<std::wstring>;
 class DeleteListTest : public testing::Test, protected DeleteListHost {
   protected:
     void SetUp() override {
+        Values().general.deleteFinally = kDeleteListed;
         for (const wchar_t* const name : {L"1", L"2", L"3", L"4"}) {
             files_.push_back(folder_.Write(name, "mine"));
             Files().Add({files_.back()});
@@ -28,13 +31,18 @@ class DeleteListTest : public testing::Test, protected DeleteListHost {
             return asked_.size() <= answers_.size() ? answers_[asked_.size() - 1] : 0;
         });
     }
-    void TearDown() override { SetMessageBoxResponder({}); }
+    void TearDown() override {
+        SetMessageBoxResponder({});
+        SetBinCalls({});
+        Values() = {};
+    }
 
     void SetPanelOpen(bool open) override { isOpen_ = open; }
     bool IsPanelInSight() const override { return isInSight_; }
     void ShowNote(const std::wstring& note) override { note_ = note; }
     void ShowInPlaceOf(int index) override { shown_ = index; }
     void ForgetDeletion() override {}
+    void Remember(const std::vector<BinnedFile>& binned) override { remembered_ += binned.size(); }
     void WhileDeleting(const std::function<void(const DeletionNews&)>& deletion) override {
         deletion([this](const std::wstring&, int32_t done, int32_t) { return done < patience_; });
     }
@@ -72,6 +80,7 @@ class DeleteListTest : public testing::Test, protected DeleteListHost {
     bool isInSight_ = true;
     int shown_ = -2;
     int patience_ = 100;
+    size_t remembered_ = 0;
     std::wstring note_;
     std::vector<int> answers_;
     std::vector<std::pair<std::wstring, unsigned>> asked_;
@@ -128,6 +137,46 @@ TEST_F(DeleteListTest, DeletesAndLetsTheUserDecideAboutFailures) {
         EXPECT_EQ(isOpen_, left > 0);
     }
     EXPECT_EQ(asked_[0].first, L"リスト内の 1個のファイルをディスクから削除します。");
+    EXPECT_EQ(There(), L"4");
+}
+
+// Nothing is deleted for good that the user has not said so of, and each question has its No first.
+TEST_F(DeleteListTest, PutsIntoTheBinAndAsksWhereThereIsNone) {
+    Values().general.deleteFinally = kDeleteToBin;
+    Binning answer = Binning::kDone;
+    std::wstring binned;
+    SetBinCalls({.mayHave = [&](const std::wstring& path) { return path.back() != L'1'; },
+                 .put =
+                     [&](const std::wstring& path) {
+                         const bool goes = answer == Binning::kDone && path.back() != L'2';
+                         if (!goes) return BinResult{.outcome = Binning::kNoBin};
+                         std::filesystem::remove(path);
+                         binned += path.back();
+                         return BinResult{.outcome = Binning::kDone, .file = {path, {}}};
+                     }});
+    MarkThree();
+    Answer({IDOK, IDNO, IDNO});
+    list_.AskToDeleteAll();
+    ASSERT_EQ(asked_.size(), 3u);
+    EXPECT_EQ(asked_[0].first, L"リスト内の 3 個のファイルをごみ箱に移動します。");
+    EXPECT_EQ(asked_[1].second, MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2);
+    EXPECT_NE(asked_[1].first.find(files_[0]), std::wstring::npos);
+    EXPECT_EQ(asked_[2].second, MB_YESNOCANCEL | MB_ICONEXCLAMATION | MB_DEFBUTTON2);
+    EXPECT_NE(asked_[2].first.find(L"このファイルはごみ箱に入れられません。"), std::wstring::npos);
+    EXPECT_EQ(binned, L"3");
+    EXPECT_EQ(There(), L"124");
+    EXPECT_EQ(Marked(), 2u);
+    Answer({IDOK, IDYES, IDYES});
+    list_.AskToDeleteAll();
+    EXPECT_EQ(There(), L"4");
+    EXPECT_EQ(binned, L"3");
+    EXPECT_EQ(remembered_, 1u);  // of what can be undone
+    Values().general.deleteFinally = kDeleteForGood;
+    list_.Mark(0);
+    Answer({IDNO});
+    list_.AskToDeleteAll();
+    EXPECT_EQ(asked_[0].second, MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2);
+    EXPECT_NE(asked_[0].first.find(L"を完全に削除しますか"), std::wstring::npos);
     EXPECT_EQ(There(), L"4");
 }
 

@@ -26,6 +26,7 @@ class MainWindowTest : public testing::Test {
         Values().general.atListEnd = kEndListed;
         Values().general.backToLast = 0;
         Values().general.shortList = 1;
+        Values().general.deleteFinally = kDeleteListed;
     }
 
     // Loads the window with a client area that leaves the view exactly this size.

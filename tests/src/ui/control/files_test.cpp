@@ -1,0 +1,145 @@
+// Commands about files on the disk, in the real windows.
+#include "files/recycle_bin.h"
+#include "tests/src/ui/control/control_bar_test.h"
+#include "ui/form/menu.h"
+
+namespace tessary::test {
+namespace {
+
+class FileCommandTest : public ControlBarTest {
+  protected:
+    FileCommandTest() {
+        Values().general.deleteFinally = kDeleteToBin;
+        SetBinCalls({.mayHave = [](const std::wstring&) { return true; },
+                     .put =
+                         [this](const std::wstring& path) {
+                             binned_.push_back(path);
+                             std::filesystem::rename(path, InBin(path));
+                             return BinResult{.outcome = Binning::kDone, .file = {path, {}}};
+                         },
+                     .takeOut =
+                         [this](const BinnedFile& file) {
+                             std::error_code error;
+                             std::filesystem::rename(InBin(file.path), file.path, error);
+                             return error ? Unbinning::kNotThere : Unbinning::kDone;
+                         }});
+        SetMessageBoxResponder([this](const std::wstring& text, unsigned style, const auto&) {
+            asked_.emplace_back(text, style);
+            return answer_;
+        });
+    }
+    ~FileCommandTest() { SetBinCalls({}); }
+
+    std::wstring InBin(const std::wstring& path) const {
+        return bin_.Path() + std::filesystem::path(path).filename().wstring();
+    }
+    void Open(List files) {
+        files_ = std::move(files);
+        bar_.SetFileList(files_);
+    }
+    List Listed() const { return Items(bar_.listFileName()); }
+
+    TemporaryFolder bin_;
+    List files_;
+    List binned_;
+    int answer_ = IDNO;
+    std::vector<std::pair<std::wstring, unsigned>> asked_;
+};
+
+TEST_F(FileCommandTest, DeleteLeadsToTheNextFileAndShiftAsks) {
+    Open(Bitmaps(3));
+    Click(bar_.listFileName(), 1);
+    Choose(commandDelete);
+    EXPECT_EQ(binned_, List{files_[1]});
+    EXPECT_EQ(Listed(), (List{files_[0], files_[2]}));
+    EXPECT_EQ(Info(), L"[画像] 3.bmp ( 8×6 24bit )");
+    EXPECT_TRUE(asked_.empty());
+    Choose(commandDelete);
+    EXPECT_EQ(Selected(), 0);  // the last one was deleted
+    Choose(commandDeleteForGood);
+    ASSERT_EQ(asked_.size(), 1u);
+    EXPECT_EQ(asked_[0].second, MB_YESNO | MB_ICONEXCLAMATION | MB_DEFBUTTON2);
+    EXPECT_EQ(Listed(), List{files_[0]});
+    answer_ = IDYES;
+    Choose(commandDeleteForGood);
+    EXPECT_TRUE(Listed().empty());
+    EXPECT_FALSE(window_.PictureShown());
+    EXPECT_FALSE(std::filesystem::exists(files_[0]));
+    EXPECT_EQ(binned_.size(), 2u);
+    Choose(commandDelete);
+    EXPECT_EQ(asked_.size(), 2u);
+}
+
+// Not the file that comes up next, which the user has not seen yet.
+TEST_F(FileCommandTest, DeleteDuringALoadOrAShowTakesWhatIsSeen) {
+    Open({Bitmap(L"0.bmp"), SlowPicture(L"1.tst"), Bitmap(L"2.bmp")});
+    PostMessageW(window_.Handle(), WM_COMMAND, commandDelete, 0);
+    LoadSlowly(1);
+    EXPECT_TRUE(RunUntil([&] { return !binned_.empty(); }));
+    EXPECT_EQ(binned_, List{files_[0]});
+    EXPECT_EQ(Listed(), (List{files_[1], files_[2]}));
+    EXPECT_EQ(Selected(), 0);
+    Values().general.slideShowTime = 10000;
+    bar_.Press(BarButton::kPlay);
+    Choose(commandDelete);
+    EXPECT_TRUE(RunUntil([&] { return binned_.size() == 2; }));
+    EXPECT_EQ(Info(), L"[画像] 2.bmp ( 8×6 24bit )");
+    EXPECT_EQ(bar_.PlayMode(), BarButton::kPlay);
+}
+
+TEST_F(FileCommandTest, WhatWasDeletedComesBackToItsPlace) {
+    Open(Bitmaps(4));
+    const auto undo = [&] { return window_.Commands().Run(commandUndo); };
+    EXPECT_FALSE(undo());
+    Click(bar_.listFileName(), 1);
+    Choose(commandDelete);
+    Choose(commandDelete);
+    EXPECT_EQ(Listed(), (List{files_[0], files_[3]}));
+    const UniqueMenu menu = LoadMenuResource(menuMainWindow);
+    window_.Commands().ShowState(menu.Get());
+    EXPECT_EQ(MenuCaption(menu.Get(), commandUndo), L"元に戻す - 「3.bmp」の削除(&U)\tCtrl+Z");
+    EXPECT_TRUE(undo());
+    EXPECT_EQ(Listed(), (List{files_[0], files_[2], files_[3]}));
+    EXPECT_EQ(Info(), L"[画像] 3.bmp ( 8×6 24bit )");
+    EXPECT_TRUE(undo());
+    EXPECT_EQ(Listed(), files_);
+    EXPECT_EQ(Selected(), 1);
+
+    // What cannot be undone any more is told; what is only in the way may be tried again.
+    Choose(commandDelete);
+    Choose(commandDelete);
+    std::filesystem::remove(InBin(files_[2]));
+    EXPECT_TRUE(undo());
+    ASSERT_EQ(asked_.size(), 1u);
+    EXPECT_TRUE(Has(asked_[0].first, L"「3.bmp」は、ごみ箱に見つかりません。"));
+    Bitmap(L"2.bmp", 20);
+    answer_ = IDYES;
+    EXPECT_TRUE(undo());
+    EXPECT_TRUE(Has(asked_[1].first, L"同じ名前のファイルがあります。"));
+    std::filesystem::remove(files_[1]);
+    EXPECT_TRUE(undo());
+    EXPECT_EQ(Listed(), (List{files_[0], files_[1], files_[3]}));
+    EXPECT_FALSE(undo());
+
+    // Of a list that is not there any more only the file comes back.
+    Choose(commandDelete);
+    bar_.SetFileList(List{files_[0]});
+    EXPECT_TRUE(undo());
+    EXPECT_TRUE(std::filesystem::exists(files_[1]));
+    EXPECT_EQ(Listed(), List{files_[0]});
+}
+
+TEST_F(FileCommandTest, OfAnArchiveOnlyAPageIsSeen) {
+    Open({Archive(L"1.tsa"), Bitmap(L"2.bmp")});
+    answer_ = IDCANCEL;
+    Choose(commandDelete);
+    EXPECT_EQ(asked_.size(), 1u);
+    EXPECT_TRUE(binned_.empty());
+    answer_ = IDOK;
+    Choose(commandDelete);
+    EXPECT_EQ(binned_, List{files_[0]});
+    EXPECT_EQ(Listed(), List{files_[1]});
+}
+
+}  // namespace
+}  // namespace tessary::test
