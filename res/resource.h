@@ -11,6 +11,7 @@
 #define menuOpenWindow 103
 #define menuSaveWindow 104
 #define menuBarWindow 105  // holds the control bar's own
+#define menuListWindow 106  // of an entry of the list of files
 #define acceleratorsMainWindow 110
 #define acceleratorsClipboard 111
 
@@ -37,6 +38,10 @@
 #define commandDelete 1112
 #define commandDeleteForGood 1113
 #define commandUndo 1114
+#define commandRename 1115
+#define commandCopyPath 1116
+#define commandShowInFolder 1117
+#define commandShowEntry 1118  // of a list, what its menu is about
 
 #define menuView 1200
 #define menuViewControlOwner 1201
@@ -146,6 +151,7 @@
 #define dialogConvertAll 204
 #define dialogProgress 205
 #define dialogConflict 206
+#define dialogRename 207
 #define dialogOption 210
 #define dialogAbout 211
 #define dialogSPIAbout 212
@@ -165,6 +171,8 @@
 
 #define dirListFolder 2201
 #define dirListCount 2202
+
+#define renameName 2205
 
 #define progressSubject 2211
 #define progressBar 2212

@@ -164,6 +164,50 @@ void DropBookmarksOf(const std::wstring& file) {
     }
 }
 
+namespace {
+
+// The same place in the file's new path; false when it is in another file.
+bool Follow(Place& place, const std::wstring& path, const std::wstring& newPath) {
+    if (!EqualsIgnoreCase(place.file, path)) return false;
+    place.file = newPath;
+    return true;
+}
+
+// The old one goes first: the new one may differ in upper and lower case alone.
+void Replace(const wchar_t* section, const std::wstring& key, const std::wstring& newKey,
+             const std::wstring& text) {
+    Drop(section, key);
+    Trapped([&] { SaveSetting(section, newKey, text); });
+}
+
+std::vector<std::pair<std::wstring, std::wstring>> TextsOf(const wchar_t* section) {
+    return Trapped(std::vector<std::pair<std::wstring, std::wstring>>(),
+                   [&] { return SettingTexts(section); });
+}
+
+}  // namespace
+
+void FollowFile(const std::wstring& path, const std::wstring& newPath) {
+    const Held held;
+    for (const auto& [key, text] : TextsOf(kRecent)) {
+        if (EqualsIgnoreCase(key, path)) Replace(kRecent, key, newPath, text);
+    }
+    for (const auto& [key, text] : TextsOf(kBookmarks)) {
+        Place place = PlaceOfText(key);
+        if (Follow(place, path, newPath)) Replace(kBookmarks, key, ToText(place), text);
+    }
+    for (const auto& [key, text] : TextsOf(kPlaces)) {
+        const size_t bar = text.find(L'|');
+        Place place = bar == text.npos ? Place() : PlaceOfText(text.substr(bar + 1));
+        if (!Follow(place, path, newPath)) continue;
+        Replace(kPlaces, key, EqualsIgnoreCase(key, path) ? newPath : key,
+                text.substr(0, bar + 1) + ToText(place));
+    }
+    Place last = LastSeen();
+    if (Follow(last, path, newPath))
+        Trapped([&] { SaveSetting(kMemory, kLastSeen, ToText(last)); });
+}
+
 // --- Where the user stopped ---
 
 Place StoppedAt(const std::wstring& container) {

@@ -45,6 +45,9 @@ void DropBookmark(const Place& place);
 // All to places in that file.
 void DropBookmarksOf(const std::wstring& file);
 
+// A file has another path now: what is remembered of it goes along.
+void FollowFile(const std::wstring& path, const std::wstring& newPath);
+
 // --- Where the user stopped ---
 // In an archive or a file with pages (its full path), or in a folder (with a trailing backslash);
 // none when that is not known.

@@ -61,6 +61,14 @@ void Visits::DropOffer() {
     archive_.stop = {};
 }
 
+void Visits::Follow(const std::wstring& path, const std::wstring& newPath) {
+    for (Place* const place : {&shown_, &folder_.first, &folder_.last, &folder_.stop,
+                               &archive_.first, &archive_.last, &archive_.stop}) {
+        if (EqualsIgnoreCase(place->file, path)) place->file = newPath;
+    }
+    if (EqualsIgnoreCase(archive_.container, path)) archive_.container = newPath;
+}
+
 void Visits::Keep() {
     for (Visit* const visit : {&folder_, &archive_}) {
         if (visit->isNew && !visit->container.empty()) KeepStop(visit->container, visit->last);

@@ -28,6 +28,9 @@ class Visits {
     // He has gone on there: that is over.
     void DropOffer();
 
+    // A file has another path now.
+    void Follow(const std::wstring& path, const std::wstring& newPath);
+
     // Puts what is new into the memory; nothing when nothing has changed.
     void Keep();
     // What is seen now counts as not seen, and there is no offer.

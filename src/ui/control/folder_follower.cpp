@@ -117,6 +117,14 @@ void FolderFollower::End() {
     changed_ = lastLook_ = lookTook_ = 0;
 }
 
+void FolderFollower::LookAnew() {
+    if (folder_.empty() || !opened_.empty()) return;
+    if (look_ != nullptr) look_->stop = true;
+    look_.reset();
+    worker_.reset();
+    changed_ = GetTickCount64();
+}
+
 bool FolderFollower::AreComing() const {
     return !opened_.empty() && GetTickCount64() - begin_ < kWorthMilliseconds;
 }

@@ -35,6 +35,9 @@ class FolderFollower {
     // Of no folder any more.
     void End();
 
+    // The program itself has changed something in there: what was seen before does not count.
+    void LookAnew();
+
     // Whether it is worth waiting for neighbours: they are on their way, and not for too long.
     bool AreComing() const;
 

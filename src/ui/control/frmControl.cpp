@@ -321,6 +321,10 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                 lastFocus_ = GetFocus();
             }
             break;
+        case WM_CONTEXTMENU:
+            if (reinterpret_cast<HWND>(wParam) != listFileName_.Handle()) break;
+            ShowListMenu(lParam);
+            return 0;
         case WM_SETFOCUS:
             FocusPart(lastFocus_);
             return 0;

@@ -263,6 +263,11 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void RegisterFileCommands();
     // The full paths of the files that commands are about; where there are none the user is told.
     std::vector<std::wstring> TargetFiles() const;
+    void ShowListMenu(LPARAM place);
+    void CopyPath();
+    void RenameShown();
+    std::wstring RenameOnDisk(const std::wstring& path, const std::wstring& newPath);
+    void FileRenamed(const std::wstring& path, const std::wstring& newPath);
     void DeleteShown(bool forGood);
     bool MayDelete(const std::vector<std::wstring>& paths, bool forGood) const;
     void DeleteListed(std::vector<std::wstring> paths, bool forGood);
@@ -319,7 +324,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     RandomWay randomWay_{GetTickCount()};  // of the slide show
     DeleteList deleteList_{sequence_, *this};
     FileHistory history_;
-    uint32_t listNumber_ = 0;  // of the lists that were shown
+    std::wstring contextFile_;  // that a menu is about; empty: what is shown
+    uint32_t listNumber_ = 0;   // of the lists that were shown
     Splitter edge_;    // towards the picture
     Splitter border_;  // between files and members
     BarDock dock_;

@@ -6,15 +6,23 @@
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/task_modal.h"
+#include "app/base/write_error.h"
+#include "app/settings/listing_rules.h"
 #include "app/settings/modValue.h"
+#include "files/move_file.h"
 #include "picture/ahead/pictures_ahead.h"
 #include "plugin/modSusie.h"
 #include "res/resource.h"
 #include "ui/control/file_deletion.h"
 #include "ui/control/frmControl_busy.h"
+#include "ui/dialogs/DRename.h"
 #include "ui/dialogs/frmProgress.h"
 #include "ui/form/activity.h"
+#include "ui/form/clipboard.h"
+#include "ui/form/menu.h"
 #include "ui/form/session_hold.h"
+#include "ui/form/show_in_folder.h"
+#include "ui/form/worker.h"
 
 namespace tessary {
 namespace {
@@ -33,6 +41,31 @@ void frmControl::RegisterFileCommands() {
                                      .enabled = [this] { return formLoaded_ && !listsChange_; },
                                      .whileLoading = true});
     }
+    const auto isListed = [this] {
+        return formLoaded_ && (!contextFile_.empty() || (!shownPath_.empty() && !listsChange_));
+    };
+    window_.Commands().Register(commandRename,
+                                {.run = [this] { RenameShown(); }, .enabled = isListed});
+    window_.Commands().Register(
+        commandCopyPath,
+        {.run = [this] { CopyPath(); }, .enabled = isListed, .whileLoading = true});
+    window_.Commands().Register(commandShowInFolder, {.run =
+                                                          [this] {
+                                                              const auto paths = TargetFiles();
+                                                              if (paths.empty()) return;
+                                                              ShowInFolder(window_.DialogOwner(),
+                                                                           paths.front());
+                                                          },
+                                                      .enabled = isListed,
+                                                      .whileLoading = true});
+    window_.Commands().Register(commandShowEntry,
+                                {.run =
+                                     [this] {
+                                         const int entry = sequence_.Files().IndexOf(contextFile_);
+                                         if (entry >= 0) sequence_.Files().Select(entry);
+                                     },
+                                 .enabled = [this] { return !contextFile_.empty(); },
+                                 .whileLoading = true});
     window_.Commands().Register(
         commandUndo, {.run = [this] { UndoLast(); },
                       .enabled = [this] { return formLoaded_ && history_.Last() != nullptr; },
@@ -41,6 +74,7 @@ void frmControl::RegisterFileCommands() {
 
 // What the user sees is what he means, not what comes up next.
 std::vector<std::wstring> frmControl::TargetFiles() const {
+    if (!contextFile_.empty()) return {contextFile_};
     if (!shownPath_.empty() && sequence_.Files().IndexOf(shownPath_) >= 0) return {shownPath_};
     if (!shownPath_.empty()) {
         window_.ShowNote(FileNameOf(shownPath_) + L" はもう一覧にありません。");
@@ -67,6 +101,7 @@ void frmControl::WhileFilesChange(const FileWork& texts,
         shown.Tell(path, done, total);
         return window_.Breathe() && !shown.IsStopped();
     });
+    follower_.LookAnew();
 }
 
 std::vector<ListedStep> frmControl::StepsOf(std::span<const BinnedFile> binned) const {
@@ -82,6 +117,122 @@ std::vector<ListedStep> frmControl::StepsOf(std::span<const BinnedFile> binned) 
 
 void frmControl::Remember(const std::vector<BinnedFile>& binned) {
     history_.Add({.kind = FileAct::Kind::kDeletion, .steps = StepsOf(binned), .list = listNumber_});
+}
+
+// Of the entry below the pointer, or by the keyboard of the selected one. It looks selected while
+// the menu is open.
+void frmControl::ShowListMenu(LPARAM place) {
+    POINT at{static_cast<short>(LOWORD(place)), static_cast<short>(HIWORD(place))};
+    const HWND list = listFileName_.Handle();
+    int entry = sequence_.Files().Cursor();
+    if (place == -1) {
+        RECT row{};
+        SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(std::max(entry, 0)),
+                     reinterpret_cast<LPARAM>(&row));
+        at = {row.left, row.bottom};
+        ClientToScreen(list, &at);
+    } else {
+        POINT inside = at;
+        ScreenToClient(list, &inside);
+        const auto height = static_cast<LONG>(SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
+        entry = inside.y < 0 || height <= 0
+                    ? -1
+                    : listFileName_.Top() + static_cast<int>(inside.y / height);
+    }
+    if (entry < 0 || entry >= sequence_.Files().Count() || listsChange_) return;
+    const UniqueMenu window = LoadMenuResource(menuListWindow);
+    const HMENU popup = GetSubMenu(window.Get(), 0);
+    contextFile_ = sequence_.Files().Text(entry);
+    window_.Commands().ShowState(popup);
+    SetMenuDefaultItem(popup, commandShowEntry, FALSE);
+    listFileName_.MarkSelected(entry);
+    const int chosen =
+        TrackPopupMenuEx(popup, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, Handle(), nullptr);
+    listFileName_.MarkSelected(sequence_.Files().Cursor());
+    // What would be put off to the end of a load would be about another file then.
+    const bool isPutOff = chosen != 0 && IsReadUnderWay() && !window_.Commands().IsEnabled(chosen);
+    if (isPutOff) window_.ShowNote(L"読み込みが終わってから、もう一度選んでください。");
+    if (chosen != 0 && !isPutOff) window_.Commands().Run(chosen);
+    contextFile_.clear();
+}
+
+// --- Names and paths ---
+
+void frmControl::CopyPath() {
+    std::wstring text;
+    for (const std::wstring& path : TargetFiles()) {
+        if (!text.empty()) text += L"\r\n";
+        text += path;
+        const int member = sequence_.IsInArchive() && !sequence_.HasPages() &&
+                                   sequence_.Archive() == path && contextFile_.empty()
+                               ? sequence_.Members().Cursor()
+                               : -1;
+        if (member >= 0) text += L'\\' + sequence_.Members().Text(member);
+    }
+    if (text.empty()) return;
+    CopyTextToClipboard(window_.Handle(), text);
+    window_.ShowNote(L"パスをコピーしました。");
+}
+
+void frmControl::RenameShown() {
+    const std::vector<std::wstring> paths = TargetFiles();
+    if (paths.empty()) return;
+    if (paths.size() > 1) return window_.ShowNote(L"名前の変更は 1 個ずつです。");
+    const std::wstring path = paths.front();
+    player_.HaltTimer();
+    EndMotion();
+    std::wstring newPath;
+    DRename dialog;
+    const bool isRenamed =
+        dialog.Ask(window_.DialogOwner(), FileNameOf(path), [&](const std::wstring& name) {
+            newPath = FolderOf(path) + name;
+            return RenameOnDisk(path, newPath);
+        });
+    if (isRenamed) {
+        history_.Add({.kind = FileAct::Kind::kRename,
+                      .steps = {{.file = {.path = path, .now = newPath}}},
+                      .list = listNumber_});
+        FileRenamed(path, newPath);
+        window_.ShowNote(L"名前を変えました: " + FileNameOf(newPath));
+    }
+    window_.CloseIfAsked();
+}
+
+// What went wrong; empty when nothing has.
+std::wstring frmControl::RenameOnDisk(const std::wstring& path, const std::wstring& newPath) {
+    DWORD error = ERROR_SUCCESS;
+    WhileFilesChange({.what = L"名前を変えています",
+                      .session = L"ファイルの名前を変えています。",
+                      .caption = L"名前の変更"},
+                     [&](const DeletionNews&) {
+                         error = CallInBackground<DWORD>(
+                                     [path, newPath] { return RenameFile(path, newPath); },
+                                     [] { return true; })
+                                     .value_or(ERROR_CANCELLED);
+                     });
+    if (error == ERROR_SUCCESS) return {};
+    if (error == ERROR_FILE_EXISTS) {
+        return L"同じ名前のファイルかフォルダがあります。\r\n" + FileNameOf(newPath);
+    }
+    if (!PathExists(path)) return L"ファイルが見つかりません。\r\n" + path;
+    return L"名前を変えられません。\r\n" + WriteErrorText(error);
+}
+
+// The list keeps its order; what is shown stays so, by its new name.
+void frmControl::FileRenamed(const std::wstring& path, const std::wstring& newPath) {
+    window_.TellMoved(path, newPath);
+    const int index = sequence_.Files().IndexOf(path);
+    if (index < 0) return;
+    const bool isShown = shownPath_ == path;
+    const EntryOrder order = ChosenListingRules().order;
+    {
+        const RedrawHold hold(listFileName_);
+        const bool isInOrder = sequence_.IsInOrder(order);
+        sequence_.Rename(path, newPath);
+        if (isInOrder) sequence_.SortBy(order);
+    }
+    ShowFoldedOrNot();
+    if (isShown) ShowRenamed(sequence_.Files().IndexOf(newPath));
 }
 
 // --- Deletion ---

@@ -88,6 +88,9 @@ void frmControl::UndoLast() {
 
 // In another list than they were in, they come by themselves where their folder is followed.
 void frmControl::PutBackInList(const FileAct& act, std::vector<ListedStep> back) {
+    for (const ListedStep& step : back) {
+        if (!step.file.now.empty()) window_.TellMoved(step.file.now, step.file.path);
+    }
     if (back.empty() || act.list != listNumber_) return;
     const EntryOrder order = ChosenListingRules().order;
     const bool isInOrder = sequence_.IsInOrder(order);
@@ -96,9 +99,8 @@ void frmControl::PutBackInList(const FileAct& act, std::vector<ListedStep> back)
         const RedrawHold hold(listFileName_);
         for (const ListedStep& step : back) {
             const std::wstring& path = step.file.path;
-            if (!step.file.now.empty() && sequence_.Files().IndexOf(step.file.now) >= 0) {
-                sequence_.Rename(step.file.now, path);
-            } else if (sequence_.Files().IndexOf(path) < 0) {
+            if (!step.file.now.empty()) sequence_.Rename(step.file.now, path);
+            if (sequence_.Files().IndexOf(path) < 0) {
                 ListedFile entry = step.entry;
                 entry.path = path;
                 const FoundFile found = NamedFileOf(path);

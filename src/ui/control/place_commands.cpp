@@ -107,6 +107,11 @@ PlaceCommands::PlaceCommands(frmMain& window, ControlBar& bar)
     commands.Register(commandMemoryChanged, {.run = [this] { MemoryChanged(); }});
     window_.OnPictureSource([this] { PictureShown(); });
     window_.OnMissing([this](const std::wstring& path) { OfferToDrop(path); });
+    window_.OnFileMoved([this](const std::wstring& path, const std::wstring& newPath) {
+        visits_.Follow(path, newPath);
+        FollowFile(path, newPath);
+        jumpList_.ShowRecent();
+    });
     window_.OnOpenByHand(
         [this](const std::vector<std::wstring>& paths, const std::function<bool()>& open) {
             return OpenByHand(paths, open);

@@ -43,10 +43,4 @@ class ProblemList {
     size_t shown_ = 0;  // how many of them are on the screen
 };
 
-// Opens the folder of a file with the file selected.
-void ShowInFolder(HWND owner, const std::wstring& path);
-
-// Shows files in their folders instead of the system; an empty function gives that back to it.
-void SetFolderOpener(std::function<void(const std::wstring& path)> opener);
-
 }  // namespace tessary

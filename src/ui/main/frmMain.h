@@ -162,6 +162,15 @@ class frmMain final : public Form, public PictureView {
         missing_ = std::move(told);
     }
 
+    // Told when the program has given a file another path.
+    void OnFileMoved(
+        std::function<void(const std::wstring& path, const std::wstring& newPath)> told) {
+        fileMoved_ = std::move(told);
+    }
+    void TellMoved(const std::wstring& path, const std::wstring& newPath) const {
+        if (fileMoved_) fileMoved_(path, newPath);
+    }
+
     // Tells in the status bar when what was to be opened holds no file (`count` is 0), or some of
     // it is missing or could not be read; takes back what the last opening told, from the second
     // one on also what the start has.
@@ -364,6 +373,7 @@ class frmMain final : public Form, public PictureView {
     std::function<void()> sourceTold_;
     Opening openByHand_;
     std::function<void(const std::wstring&)> missing_;
+    std::function<void(const std::wstring&, const std::wstring&)> fileMoved_;
     std::vector<std::wstring> filesToOpen_;
     std::wstring place_;       // what TellPlace has told
     std::wstring placeNote_;   // the same, as it was put upon the picture

@@ -258,8 +258,9 @@ void frmMain::pictureView_ContextMenu(POINT onScreen) {
     // The full screen has no other menu.
     AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
     const UniqueMenu bar = LoadMenuResource(menuMainWindow);
-    for (const int command : {commandStepForward, commandStepBack, commandDelete,
-                              commandAddToDeleteList, commandShowInfo, commandFullScreen}) {
+    for (const int command :
+         {commandStepForward, commandStepBack, commandRename, commandDelete, commandAddToDeleteList,
+          commandCopyPath, commandShowInFolder, commandShowInfo, commandFullScreen}) {
         AppendMenuW(popup, MF_STRING, command, MenuCaption(bar.Get(), command).c_str());
     }
     commands_.ShowState(popup);

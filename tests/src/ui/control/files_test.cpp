@@ -1,6 +1,9 @@
 // Commands about files on the disk, in the real windows.
 #include "files/recycle_bin.h"
+#include "places/place_memory.h"
 #include "tests/src/ui/control/control_bar_test.h"
+#include "tests/src/ui/dialogs/driven_dialog.h"
+#include "ui/control/place_commands.h"
 #include "ui/form/menu.h"
 
 namespace tessary::test {
@@ -127,6 +130,39 @@ TEST_F(FileCommandTest, WhatWasDeletedComesBackToItsPlace) {
     EXPECT_TRUE(undo());
     EXPECT_TRUE(std::filesystem::exists(files_[1]));
     EXPECT_EQ(Listed(), List{files_[0]});
+}
+
+TEST_F(FileCommandTest, RenamedFilesStayInViewAndInMemory) {
+    PlaceCommands places(window_, bar_);
+    Open({Archive(L"1.tsa"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp")});
+    const auto rename = [&](std::deque<std::wstring> names) {
+        std::deque<DrivenDialog::Step> steps;
+        for (const std::wstring& name : names) {
+            steps.push_back([name](HWND dialog) {
+                Type(dialog, renameName, name);
+                Press(dialog, IDOK);
+            });
+        }
+        DrivenDialog user(std::move(steps));
+        Choose(commandRename);
+        EXPECT_TRUE(user.IsDone());
+    };
+    AddBookmark({.file = files_[0], .member = L"b9.tst"});
+    Click(bar_.listArchiveFile(), 1);
+    answer_ = IDYES;
+    rename({L"con.tsa", L"a?b.tsa", L"2.bmp", L"９ & 😀.tsa"});
+    ASSERT_EQ(asked_.size(), 4u);  // the last two about the extension and the name in use
+    const std::wstring renamed = folder_.Path() + L"９ & 😀.tsa";
+    EXPECT_TRUE(std::filesystem::exists(renamed));
+    EXPECT_EQ(Listed()[Selected()], renamed);
+    EXPECT_TRUE(Has(Info(), L"９ & 😀.tsa - [画像] b10.tst"));
+    EXPECT_TRUE(IsBookmark({.file = renamed, .member = L"b9.tst"}));
+    rename({L"９ & 😀.TSA"});
+    EXPECT_TRUE(window_.Commands().Run(commandUndo));
+    EXPECT_TRUE(window_.Commands().Run(commandUndo));
+    EXPECT_EQ(Listed(), files_);
+    EXPECT_EQ(Selected(), 0);
+    EXPECT_TRUE(IsBookmark({.file = files_[0], .member = L"b9.tst"}));
 }
 
 TEST_F(FileCommandTest, OfAnArchiveOnlyAPageIsSeen) {

@@ -12,6 +12,7 @@
 #include "ui/dialogs/ComDlg.h"
 #include "ui/dialogs/folder_browser.h"
 #include "ui/form/session_hold.h"
+#include "ui/form/show_in_folder.h"
 
 namespace tessary::test {
 namespace {
