@@ -132,6 +132,15 @@ BinResult Failed(DWORD error, const std::wstring& path) {
     return {.outcome = Binning::kFailed, .error = LastWriteError(path)};
 }
 
+// Whether others have the file open in a way that keeps it where it is: the system would ask the
+// user in its own words, whether it is to be deleted for good instead.
+bool IsHeld(const std::wstring& path) {
+    const UniqueFile opened(CreateFileW(
+        ExtendedPath(path).c_str(), DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    return !opened && GetLastError() == ERROR_SHARING_VIOLATION;
+}
+
 // Nothing where the system has no such operations.
 std::optional<BinResult> PutByOperation(const std::wstring& path) {
     const auto operation = Create<IFileOperation>(CLSID_FileOperation);
@@ -158,7 +167,12 @@ std::optional<BinResult> PutByOperation(const std::wstring& path) {
     return BinResult{.outcome = Binning::kStopped};
 }
 
+// Such a system moves no read-only file into the bin of another drive.
 BinResult PutByShell(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    const bool isReadOnly =
+        attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+    if (isReadOnly) SetFileAttributesW(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
     const std::wstring list = path + L'\0';  // ends with two
     SHFILEOPSTRUCTW operation{};
     operation.wFunc = FO_DELETE;
@@ -166,6 +180,7 @@ BinResult PutByShell(const std::wstring& path) {
     operation.fFlags = static_cast<FILEOP_FLAGS>(kQuietly);
     const int error = SHFileOperationW(&operation);
     if (!PathExists(path)) return {.outcome = Binning::kDone, .file = {path, {}}};
+    if (isReadOnly) SetFileAttributesW(path.c_str(), attributes);
     if (error == 0 || operation.fAnyOperationsAborted) return {.outcome = Binning::kStopped};
     return Failed(static_cast<DWORD>(error), path);
 }
@@ -289,6 +304,7 @@ BinResult PutIntoBin(const std::wstring& path) {
     if (!MayHaveBin(path)) return {.outcome = Binning::kNoBin};
     const ComSession session;
     const std::wstring full = FullPathOf(path);
+    if (IsHeld(full)) return Failed(ERROR_SHARING_VIOLATION, full);
     if (std::optional<BinResult> result = PutByOperation(full)) return *std::move(result);
     return PutByShell(full);
 }

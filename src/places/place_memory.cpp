@@ -189,8 +189,10 @@ std::vector<std::pair<std::wstring, std::wstring>> TextsOf(const wchar_t* sectio
 
 void FollowFile(const std::wstring& path, const std::wstring& newPath) {
     const Held held;
-    for (const auto& [key, text] : TextsOf(kRecent)) {
-        if (EqualsIgnoreCase(key, path)) Replace(kRecent, key, newPath, text);
+    for (const wchar_t* const section : {kRecent, kBooks}) {
+        for (const auto& [key, text] : TextsOf(section)) {
+            if (EqualsIgnoreCase(key, path)) Replace(section, key, newPath, text);
+        }
     }
     for (const auto& [key, text] : TextsOf(kBookmarks)) {
         Place place = PlaceOfText(key);

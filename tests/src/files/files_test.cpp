@@ -72,6 +72,17 @@ TEST_F(FilesTest, CopiesAreWholeAndKeepTheirDates) {
     EXPECT_EQ(std::distance(begin, std::filesystem::directory_iterator()), 1);
 }
 
+// The user is asked by nobody but the program.
+TEST_F(FilesTest, WhatOthersHaveOpenStays) {
+    const std::wstring file = folder_.Write(L"a.bmp", "mine");
+    const UniqueFile held(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, 0, nullptr));
+    const BinResult result = PutIntoBin(file);
+    EXPECT_EQ(result.outcome, Binning::kFailed);
+    EXPECT_EQ(result.error, DWORD{ERROR_SHARING_VIOLATION});
+    EXPECT_TRUE(std::filesystem::exists(file));
+}
+
 TEST_F(FilesTest, TheBinTakesNothingFromElsewhere) {
     EXPECT_FALSE(MayHaveBin(LR"(\\server\share\a.bmp)"));
     EXPECT_FALSE(MayHaveBin(folder_.Deep() + L"a.bmp"));

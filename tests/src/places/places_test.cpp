@@ -120,6 +120,28 @@ TEST_F(VisitsTest, ALookAtTheBeginningForgetsNoPlace) {
     EXPECT_EQ(LastSeen(), two_);
 }
 
+TEST_F(VisitsTest, WhatIsRememberedFollowsAFile) {
+    const Place renamed{LR"(C:\B\NEW.zip)", one_.member, one_.page};
+    AddRecent(one_.file);
+    AddBookmark(one_);
+    KeepBook(one_.file, {.isOpen = true});
+    visits_.Begin({});
+    for (const Place& place : {two_, one_})
+        visits_.Show(place);
+    visits_.Keep();
+    for (const std::wstring& path : {std::wstring(LR"(C:\b\new.zip)"), renamed.file}) {
+        const std::wstring former = RecentPaths().front();
+        visits_.Follow(former, path);
+        FollowFile(former, path);
+    }
+    EXPECT_EQ(RecentPaths(), List{renamed.file});
+    EXPECT_EQ(Bookmarks(), std::vector<Place>{renamed});
+    EXPECT_TRUE(BookOf(renamed.file).has_value());
+    EXPECT_EQ(StoppedAt(renamed.file), renamed);
+    EXPECT_EQ(LastSeen(), renamed);
+    EXPECT_EQ(visits_.Shown(), renamed);
+}
+
 TEST_F(VisitsTest, AFolderLeadsIntoItsArchive) {
     visits_.Begin(LR"(C:\)");
     for (const Place& place : {Place{LR"(C:\a.bmp)"}, one_, two_})
