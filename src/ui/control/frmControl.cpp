@@ -9,8 +9,8 @@
 #include "res/resource.h"
 #include "ui/control/toolbar_items.h"
 #include "ui/form/activity.h"
-#include "ui/keys/key_map.h"
 #include "ui/form/reparent.h"
+#include "ui/keys/key_map.h"
 
 namespace tessary {
 namespace {

@@ -326,8 +326,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     FileHistory history_;
     std::wstring contextFile_;  // that a menu is about; empty: what is shown
     uint32_t listNumber_ = 0;   // of the lists that were shown
-    Splitter edge_;    // towards the picture
-    Splitter border_;  // between files and members
+    Splitter edge_;             // towards the picture
+    Splitter border_;           // between files and members
     BarDock dock_;
     BarPlace place_;
     BarParts parts_{};
