@@ -306,7 +306,11 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             ShowWhereItDocks(*reinterpret_cast<const RECT*>(lParam));
             break;
         case WM_CONTEXTMENU:
-            // The lists and the text have their own.
+            if (reinterpret_cast<HWND>(wParam) == listFileName_.Handle()) {
+                ShowListMenu(lParam);
+                return 0;
+            }
+            // The other lists and the text have their own.
             if (const auto below = reinterpret_cast<HWND>(wParam);
                 below != Handle() && below != coolBar_.Handle()) {
                 break;
@@ -321,10 +325,6 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                 lastFocus_ = GetFocus();
             }
             break;
-        case WM_CONTEXTMENU:
-            if (reinterpret_cast<HWND>(wParam) != listFileName_.Handle()) break;
-            ShowListMenu(lParam);
-            return 0;
         case WM_SETFOCUS:
             FocusPart(lastFocus_);
             return 0;
