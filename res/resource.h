@@ -41,7 +41,8 @@
 #define commandRename 1115
 #define commandCopyPath 1116
 #define commandShowInFolder 1117
-#define commandShowEntry 1118  // of a list, what its menu is about
+#define commandChooseAll 1118
+#define commandMarkFile 1119  // the file in view, and on to the next
 
 #define menuView 1200
 #define menuViewControlOwner 1201
@@ -70,6 +71,7 @@
 #define commandOrder_4 1236
 #define commandOrder_5 1237
 #define commandOrderDescending 1238
+#define commandListPaths 1286  // full paths in the list of files
 #define menuOrder 1239
 #define menuDisplaySize 1240
 #define commandDisplaySize_0 1241

@@ -6,6 +6,8 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -20,6 +22,7 @@ class EntryMirror {
     virtual void EntryRemoved(int index) = 0;
     virtual void EntriesCleared() = 0;
     virtual void CursorMoved(int index) = 0;  // -1: there is none any more
+    virtual void ChosenChanged() {}           // others are chosen, or entries have another text
 
   protected:
     ~EntryMirror() = default;
@@ -75,12 +78,15 @@ class EntryList {
     void Add(Entry entry) {
         entries_.push_back(std::move(entry));
         ++revision_;
+        if (!chosen_.empty()) chosen_.push_back(false);
         if (mirror_ != nullptr) mirror_->EntryAdded(entries_.back().*kText);
         Changed();
     }
 
     // The cursor stays with its entry; that of a removed one is gone.
     void Remove(int index) {
+        if (IsChosen(index)) --chosenCount_;
+        if (!chosen_.empty()) chosen_.erase(chosen_.begin() + index);
         entries_.erase(entries_.begin() + index);
         ++revision_;
         if (mirror_ != nullptr) mirror_->EntryRemoved(index);
@@ -90,11 +96,13 @@ class EntryList {
     }
 
     // Takes these in place of all others, with the cursor where it is said; nothing is selected
-    // anew.
+    // anew. Chosen are those of the same texts.
     void Assign(std::vector<Entry> entries, int cursor) {
+        const std::vector<std::wstring> chosen = ChosenTexts();
         Clear();
         entries_ = std::move(entries);
         ++revision_;
+        ChooseTexts(chosen);
         if (mirror_ != nullptr) {
             mirror_->EntriesExpected(Count());
             for (const Entry& entry : entries_)
@@ -105,11 +113,16 @@ class EntryList {
 
     // Takes what else is known of the entries, which are the same.
     void Refresh(std::vector<Entry> entries) { entries_ = std::move(entries); }
-    void Update(int index, Entry entry) { entries_[static_cast<size_t>(index)] = std::move(entry); }
+    void Update(int index, Entry entry) {
+        entries_[static_cast<size_t>(index)] = std::move(entry);
+        if (mirror_ != nullptr) mirror_->ChosenChanged();
+    }
 
     void Clear() {
         entries_.clear();
         ++revision_;
+        chosen_.clear();
+        chosenCount_ = 0;
         cursor_ = -1;
         if (mirror_ != nullptr) mirror_->EntriesCleared();
         Changed();
@@ -134,13 +147,64 @@ class EntryList {
         if (select_) select_();
     }
 
+    // --- The chosen ones ---
+    // Entries that something is to be done with, beside the one at the cursor. They stay so until
+    // they are removed, wherever they go.
+    int ChosenCount() const { return chosenCount_; }
+    bool IsChosen(int index) const {
+        const auto at = static_cast<size_t>(index);
+        return at < chosen_.size() && chosen_[at];
+    }
+    std::vector<int> ChosenIndexes() const {
+        std::vector<int> indexes;
+        for (int i = 0; i < std::ssize(chosen_); ++i)
+            if (IsChosen(i)) indexes.push_back(i);
+        return indexes;
+    }
+    std::vector<std::wstring> ChosenTexts() const {
+        std::vector<std::wstring> texts;
+        for (const int index : ChosenIndexes())
+            texts.push_back(Text(index));
+        return texts;
+    }
+
+    // These and no others; what is not in the list is passed over.
+    void Choose(std::span<const int> indexes) {
+        chosen_.assign(indexes.empty() ? 0 : entries_.size(), false);
+        for (const int index : indexes)
+            if (index >= 0 && index < Count()) chosen_[static_cast<size_t>(index)] = true;
+        CountChosen();
+    }
+    // Those of these texts beside the others.
+    void ChooseTexts(std::span<const std::wstring> texts) {
+        if (texts.empty()) return;
+        const std::unordered_set<std::wstring_view> wanted(texts.begin(), texts.end());
+        chosen_.resize(entries_.size());
+        for (size_t i = 0; i < entries_.size(); ++i)
+            if (wanted.contains(entries_[i].*kText)) chosen_[i] = true;
+        CountChosen();
+    }
+    void SetChosen(int index, bool isChosen) {
+        chosen_.resize(entries_.size());
+        chosen_[static_cast<size_t>(index)] = isChosen;
+        CountChosen();
+    }
+
   private:
     void Changed() const {
         if (change_) change_();
     }
 
+    void CountChosen() {
+        chosenCount_ = static_cast<int>(std::ranges::count(chosen_, true));
+        if (chosenCount_ == 0) chosen_.clear();
+        if (mirror_ != nullptr) mirror_->ChosenChanged();
+    }
+
     std::vector<Entry> entries_;
     uint64_t revision_ = 1;
+    std::vector<bool> chosen_;  // of each entry; empty: none is
+    int chosenCount_ = 0;
     int cursor_ = -1;
     EntryMirror* mirror_ = nullptr;
     std::function<void()> select_;

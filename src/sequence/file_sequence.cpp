@@ -19,6 +19,7 @@ void FileSequence::Clear() {
 
 void FileSequence::ClearFiles() {
     files_.Clear();
+    chosenStay_ = false;
     dropped_.clear();
 }
 
@@ -198,12 +199,84 @@ void FileSequence::Rename(const std::wstring& path, const std::wstring& newPath)
     if (archive_ == path) archive_ = newPath;
 }
 
+// --- The chosen files ---
+
+std::vector<std::wstring> FileSequence::Chosen() const {
+    if (files_.ChosenCount() > 0) return files_.ChosenTexts();
+    return files_.Cursor() < 0 ? std::vector<std::wstring>() : std::vector{files_.Current()};
+}
+
+void FileSequence::ChooseForNow(std::span<const int> indexes) {
+    if (files_.ChosenCount() == 0) chosenStay_ = false;
+    files_.Choose(indexes);
+}
+
+void FileSequence::ToggleMark(int index) {
+    if (!HasMarks()) files_.Choose({});
+    chosenStay_ = true;
+    files_.SetChosen(index, !files_.IsChosen(index));
+}
+
+void FileSequence::GoOn() {
+    if (!HasMarks()) ForgetChosen();
+}
+
+bool FileSequence::ForgetChosen() {
+    chosenStay_ = false;
+    if (files_.ChosenCount() == 0) return false;
+    files_.Choose({});
+    return true;
+}
+
+void FileSequence::Replace(std::vector<ListedFile> files, int cursor) {
+    std::vector<std::wstring> renamed;
+    if (files_.ChosenCount() > 0) {
+        std::unordered_set<std::wstring_view> known, there;
+        for (const ListedFile& file : files_.All())
+            known.insert(file.path);
+        for (const ListedFile& file : files)
+            there.insert(file.path);
+        std::set<std::pair<uint64_t, uint64_t>> gone;
+        for (const int index : files_.ChosenIndexes()) {
+            const ListedFile& file = files_.At(index);
+            if (!there.contains(file.path)) gone.insert({file.size, file.time});
+        }
+        for (const ListedFile& file : files) {
+            if (!known.contains(file.path) && gone.erase({file.size, file.time}) > 0) {
+                renamed.push_back(file.path);
+            }
+        }
+    }
+    files_.Assign(std::move(files), cursor);
+    files_.ChooseTexts(renamed);
+}
+
 // --- Deletion ---
 
 bool FileSequence::MarkFile(int index) {
     const bool isNew = marks_.Mark(files_.Text(index));
     files_.Remove(index);
     return isNew;
+}
+
+int FileSequence::MarkFiles(std::span<const int> indexes) {
+    std::vector<ListedFile> left;
+    left.reserve(static_cast<size_t>(files_.Count()) - indexes.size());
+    int marked = 0;
+    int cursor = files_.Cursor();
+    auto next = indexes.begin();
+    for (int i = 0; i < files_.Count(); ++i) {
+        if (next == indexes.end() || *next != i) {
+            if (i == files_.Cursor()) cursor = static_cast<int>(left.size());
+            left.push_back(files_.At(i));
+            continue;
+        }
+        ++next;
+        if (i == files_.Cursor()) cursor = -1;
+        if (marks_.Mark(files_.Text(i))) ++marked;
+    }
+    files_.Assign(std::move(left), cursor);
+    return marked;
 }
 
 // At the end, in whatever order.

@@ -109,9 +109,30 @@ class FileSequence {
     // A file has another path now.
     void Rename(const std::wstring& path, const std::wstring& newPath);
 
+    // --- The chosen files ---
+    // What a command is for: the full paths of the chosen files, in the order of the list, or where
+    // there are none that of the selected file. Empty: there is neither.
+    std::vector<std::wstring> Chosen() const;
+    // Chooses these and no others, for the moment; beside those that the user has marked.
+    void ChooseForNow(std::span<const int> indexes);
+    // Chooses a file, or no longer, by a mark: from now on the chosen ones stay.
+    void ToggleMark(int index);
+    bool HasMarks() const { return chosenStay_ && files_.ChosenCount() > 0; }
+    // The user goes on to another file: chosen are only those that he has marked.
+    void GoOn();
+    // None is chosen any more; false when none was.
+    bool ForgetChosen();
+
+    // Takes the files of a folder as they are now in place of all others, with the cursor there.
+    // Chosen ones stay so, also those that have become another name with the same size and time.
+    void Replace(std::vector<ListedFile> files, int cursor);
+
     // --- Deletion ---
     // Moves a file to the marks; false when it is marked already, and only leaves the files.
     bool MarkFile(int index);
+    // Moves these, in ascending order; the cursor goes when it is among them. Answers how many were
+    // not marked already.
+    int MarkFiles(std::span<const int> indexes);
     // Moves a mark to the end of the files; and all of them.
     void PutBack(const std::wstring& path);
     void PutAllBack();
@@ -145,6 +166,7 @@ class FileSequence {
     DeletionMarks marks_;
     std::wstring archive_;
     bool hasPages_ = false;
+    bool chosenStay_ = false;                   // the user has marked some of those that are chosen
     std::unordered_set<std::wstring> dropped_;  // paths
     bool isBook_ = false;
     bool coverIsAlone_ = true;

@@ -1,4 +1,7 @@
 // The finished program on real files, seen from outside.
+#include <windows.h>
+// The common controls need the types of windows.h.
+#include <commctrl.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -168,8 +171,8 @@ TEST_F(ViewerTest, StepsThroughPicturesArchivesAndWhatIsNeither) {
     FindMain();
     const HWND bar = viewer_->WindowOfCaption(L"コントロールバー");
     ASSERT_NE(bar, nullptr);
-    const HWND files = FindWindowExW(bar, nullptr, L"LISTBOX", nullptr);
-    const HWND members = FindWindowExW(bar, files, L"LISTBOX", nullptr);
+    const HWND files = FindWindowExW(bar, nullptr, WC_LISTVIEWW, nullptr);
+    const HWND members = FindWindowExW(bar, files, WC_LISTVIEWW, nullptr);
     const HWND info = FindWindowExW(bar, nullptr, L"EDIT", nullptr);
     // How many entries the second list has meanwhile; one tells that there is no archive.
     constexpr WPARAM kBack = VK_BACK;
@@ -182,13 +185,13 @@ TEST_F(ViewerTest, StepsThroughPicturesArchivesAndWhatIsNeither) {
           {L"[圧縮] 2.zip - [画像] b.bmp ( 22×4 24bit )", 2, kBack},
           {L"[圧縮] 2.zip - [画像] a.bmp ( 21×4 24bit )", 2, kBack}}) {
         EXPECT_TRUE(WaitUntil([&] {
-            return TextOf(info) == text && SendMessageW(members, LB_GETCOUNT, 0, 0) == count &&
+            return TextOf(info) == text && SendMessageW(members, LVM_GETITEMCOUNT, 0, 0) == count &&
                    IsWindowEnabled(members) == (count > 1);
         })) << TextOf(info);
         PostMessageW(FindWindowExW(main_, nullptr, L"TessaryPictureBox", nullptr), WM_KEYDOWN, key,
                      0);
     }
-    EXPECT_EQ(SendMessageW(files, LB_GETCOUNT, 0, 0), 3);
+    EXPECT_EQ(SendMessageW(files, LVM_GETITEMCOUNT, 0, 0), 3);
     EXPECT_EQ(Close(), 0);
     EXPECT_EQ(GetSetting(L"Window", L"ControlBarRollUP"), L"False");
 }

@@ -45,6 +45,9 @@ constexpr int16_t kDeleteToBin = 0;
 constexpr int16_t kDeleteListed = 1;   // they are collected, and deleted for good together
 constexpr int16_t kDeleteForGood = 2;  // and the user is asked in words that say so
 constexpr int16_t kLastDeleteWay = kDeleteForGood;
+// What stands for a file in the list of them.
+constexpr int16_t kListNames = 0;
+constexpr int16_t kListPaths = 1;  // the full path
 
 // Settings of the section `General`, but for the display size mode.
 struct GeneralSettings {
@@ -85,7 +88,8 @@ struct GeneralSettings {
     int32_t orderSeed = 1;       // of the random order
     int16_t unclaimed = kUnclaimedHidden;
     int16_t atListEnd = kEndStays;
-    int16_t backToLast = 1;     // 1: a step back into an archive leads to its last picture
+    int16_t backToLast = 1;  // 1: a step back into an archive leads to its last picture
+    int16_t listText = kListNames;
     int16_t shortList = 0;      // 1: lists end at kShortListCount entries
     int16_t showLoops = 0;      // 1: a slide show goes round at the ends
     int16_t showRandom = 0;     // 1: it goes through the files in random order

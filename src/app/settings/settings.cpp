@@ -107,6 +107,7 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"Unclaimed", general.unclaimed, L"2");
     transfer(L"AtListEnd", general.atListEnd, L"1");
     transfer(L"BackToLast", general.backToLast, L"1");
+    transfer(L"ListText", general.listText, L"0");
     transfer(L"ShortList", general.shortList, L"0");
     transfer(L"ShowLoops", general.showLoops, L"0");
     transfer(L"ShowRandom", general.showRandom, L"0");

@@ -1,5 +1,7 @@
 #include "ui/control/delete_list.h"
 
+#include <algorithm>
+
 #include "app/base/error.h"
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
@@ -34,6 +36,21 @@ void DeleteList::Mark(int index) {
     }
     // The next file comes up, so that a heap can be weeded out key by key.
     if (wasSelected) host_.ShowInPlaceOf(index);
+}
+
+void DeleteList::MarkChosen() {
+    const std::vector<int> chosen = sequence_.Files().ChosenIndexes();
+    if (chosen.empty()) return;
+    const int selected = sequence_.Files().Cursor();
+    const auto before = std::ranges::lower_bound(chosen, selected);
+    const bool wasSelected = before != chosen.end() && *before == selected;
+    host_.SetPanelOpen(true);
+    const int marked = sequence_.MarkFiles(chosen);
+    if (!host_.IsPanelInSight()) {
+        host_.ShowNote(std::to_wstring(marked) + L" 個のファイルを削除リストに追加しました（計 " +
+                       std::to_wstring(sequence_.Marks().Count()) + L" 個）。");
+    }
+    if (wasSelected) host_.ShowInPlaceOf(selected - static_cast<int>(before - chosen.begin()));
 }
 
 void DeleteList::PutBack(const std::wstring& path) {

@@ -47,6 +47,9 @@ class DeleteList {
     // selected. Nothing for -1.
     void Mark(int index);
 
+    // The same with all chosen files at once.
+    void MarkChosen();
+
     // Moves files back to the end of the sequence.
     void PutBack(const std::wstring& path);
     void PutAllBack();

@@ -78,9 +78,9 @@ frmControl::frmControl(frmMain& window)
           ChosenAccelerators, [&window] { return window.Handle(); },
           [this](const MSG& key) { return IsKeyOfProgram(key); }),
       dialogKeys_([this](MSG& message) { return TakesMessage(message); }) {
-    sequence_.Files().SetMirror(filesMirror_);
+    sequence_.Files().SetMirror(shownFiles_);
     sequence_.Files().OnSelect([this] { listFileName_Click(); });
-    sequence_.Members().SetMirror(membersMirror_);
+    sequence_.Members().SetMirror(shownMembers_);
     sequence_.Members().OnSelect([this] { listArchiveFile_Click(); });
     sequence_.Marks().SetMirror(deletePanel_);
     sequence_.Files().OnChange([this] { PlaceChanged(); });
@@ -90,6 +90,7 @@ frmControl::frmControl(frmMain& window)
     RegisterBookCommands();
     RegisterDockCommands();
     RegisterFileCommands();
+    RegisterChoosing();
     window_.OnPictureShownChanged([this] {
         if (formLoaded_) UpdateToolbar();
     });
@@ -143,10 +144,13 @@ void frmControl::CreateControls() {
         label.Create(Handle(), text);
         label.SetVisible(false);
     };
-    const auto makeList = [&](ListBox& list, Label& label, const wchar_t* text) {
+    const auto keys = [this](int keyCode, int shift) { return PassKeyOn(keyCode, shift); };
+    const auto makeList = [&](VirtualList& list, Label& label, const wchar_t* text,
+                              const ListContent& content) {
         name(label, text);
-        list.CreateForPaths(Handle());
+        list.Create(Handle(), content, &list == &listFileName_);
         list.SetText(text);  // some systems know a list's name from there
+        list.OnKeyDown(keys);
     };
     coolBar_.Create(Handle(), ControlBarItems(), ControlBarImages());
     coolBar_.SetText(L"操作ボタン");
@@ -160,13 +164,12 @@ void frmControl::CreateControls() {
     name(placeName_, L"位置");
     placeSlider_.Create(Handle(), L"位置");
 
-    const auto keys = [this](int keyCode, int shift) { return PassKeyOn(keyCode, shift); };
-    makeList(listFileName_, filesName_, L"ファイルの一覧");
-    listFileName_.OnClick([this] { sequence_.Files().Select(listFileName_.Selected()); });
-    listFileName_.OnKeyDown(keys);
-    makeList(listArchiveFile_, membersName_, L"圧縮ファイルの中身");
-    listArchiveFile_.OnClick([this] { sequence_.Members().Select(listArchiveFile_.Selected()); });
-    listArchiveFile_.OnKeyDown(keys);
+    makeList(listFileName_, filesName_, L"ファイルの一覧", shownFiles_);
+    listFileName_.OnMenu([this](POINT place) { ShowListMenu(place); });
+    listFileName_.OnSelect([this](int index) { SelectFileByHand(index); });
+    listFileName_.OnChoose([this](std::vector<int> all) { ChooseFiles(std::move(all)); });
+    makeList(listArchiveFile_, membersName_, L"圧縮ファイルの中身", shownMembers_);
+    listArchiveFile_.OnSelect([this](int index) { SelectMemberByHand(index); });
 
     deletePanel_.Create(Handle());
     edge_.Create(Handle(), Splitter::Moves::kSideways, [this](int place) { EdgeDragged(place); });
@@ -177,10 +180,8 @@ void frmControl::CreateControls() {
 void frmControl::Form_MetricsChanged() {
     font_ = Metrics(Handle()).MessageFont();
     textFileInfo_.SetFont(font_.Get());
-    for (ListBox* const list : {&listFileName_, &listArchiveFile_}) {
+    for (VirtualList* const list : {&listFileName_, &listArchiveFile_})
         list->SetFont(font_.Get());
-        list->FontChanged();
-    }
     deletePanel_.SetFont(font_.Get());
     coolBar_.ChangeMetrics();
     placeSlider_.SetThumb(Metrics(Handle()).Scale(kThumbHeight));
@@ -306,11 +307,7 @@ LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             ShowWhereItDocks(*reinterpret_cast<const RECT*>(lParam));
             break;
         case WM_CONTEXTMENU:
-            if (reinterpret_cast<HWND>(wParam) == listFileName_.Handle()) {
-                ShowListMenu(lParam);
-                return 0;
-            }
-            // The other lists and the text have their own.
+            // The lists and the text have their own.
             if (const auto below = reinterpret_cast<HWND>(wParam);
                 below != Handle() && below != coolBar_.Handle()) {
                 break;

@@ -24,18 +24,18 @@
 #include "ui/control/dock_frame.h"
 #include "ui/control/file_history.h"
 #include "ui/control/folder_follower.h"
-#include "ui/control/list_box_mirror.h"
 #include "ui/control/place_slider.h"
 #include "ui/control/player.h"
+#include "ui/control/shown_lists.h"
 #include "ui/control/toolbar_images.h"
 #include "ui/control/wishes.h"
 #include "ui/form/accelerators.h"
 #include "ui/form/form.h"
-#include "ui/form/list_box.h"
 #include "ui/form/simple_controls.h"
 #include "ui/form/splitter.h"
 #include "ui/form/timer.h"
 #include "ui/form/toolbar.h"
+#include "ui/form/virtual_list.h"
 #include "ui/main/control_bar.h"
 #include "ui/main/frmMain.h"
 
@@ -81,6 +81,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
 
     // ControlBar
     std::wstring Failure() const override;
+    bool ForgetChosen() override { return sequence_.ForgetChosen(); }
     void PictureReplaced(const std::wstring& info) override;
     void PictureIsDamaged() override;
     void FileSaved(const std::wstring& path) override {
@@ -124,8 +125,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     // MemberList
     void SetMembers(std::span<const ListedMember> members) override;
 
-    const ListBox& listFileName() const { return listFileName_; }
-    const ListBox& listArchiveFile() const { return listArchiveFile_; }
+    const VirtualList& listFileName() const { return listFileName_; }
+    const VirtualList& listArchiveFile() const { return listArchiveFile_; }
     const ListBox& listDelete() const { return deletePanel_.List(); }
     const TextBox& textFileInfo() const { return textFileInfo_; }
     const Slider& sliderPlace() const { return placeSlider_.Window(); }
@@ -196,6 +197,16 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void EnableParts(HWND focused);
     void EndLoad();
 
+    // --- Choosing entries (frmControl_choosing.cpp) ---
+    void RegisterChoosing();
+    void SelectFileByHand(int index);
+    void SelectMemberByHand(int index);
+    void ChooseFiles(std::vector<int> indexes);
+    void ChooseAll();
+    void MarkAndGoOn();
+    void TellChosen();
+    void ShowListMenu(POINT place);
+
     // --- Stepping, and what is asked for meanwhile (frmControl_wishes.cpp) ---
     bool MoveBy(int steps, bool inArchive);
     bool GoesAtRandom(int steps) const;
@@ -263,7 +274,6 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void RegisterFileCommands();
     // The full paths of the files that commands are about; where there are none the user is told.
     std::vector<std::wstring> TargetFiles() const;
-    void ShowListMenu(LPARAM place);
     void CopyPath();
     void RenameShown();
     std::wstring RenameOnDisk(const std::wstring& path, const std::wstring& newPath);
@@ -315,12 +325,12 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
              [this](const EntryPlace& place) { window_.ShowNote(PlaceText(sequence_, place)); },
          .chooses = [this](const EntryPlace& place) { GoTo(place); },
          .released = [this] { PlaceChanged(); }}};
-    ListBox listFileName_;
-    ListBox listArchiveFile_;
-    ListBoxMirror filesMirror_{listFileName_};
-    ListBoxMirror membersMirror_{listArchiveFile_};
+    VirtualList listFileName_;
+    VirtualList listArchiveFile_;
     DeletePanel deletePanel_;
     FileSequence sequence_;
+    ShownFiles shownFiles_{listFileName_, sequence_.Files()};
+    ShownMembers shownMembers_{listArchiveFile_, sequence_.Members()};
     RandomWay randomWay_{GetTickCount()};  // of the slide show
     DeleteList deleteList_{sequence_, *this};
     FileHistory history_;

@@ -7,6 +7,7 @@
 namespace tessary {
 
 void frmControl::AddToDeleteList() {
+    if (sequence_.Files().ChosenCount() > 0) return deleteList_.MarkChosen();
     const int selected = sequence_.Files().Cursor();
     if (selected < 0) {
         ShowMessageBox(

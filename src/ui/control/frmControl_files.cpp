@@ -58,14 +58,6 @@ void frmControl::RegisterFileCommands() {
                                                           },
                                                       .enabled = isListed,
                                                       .whileLoading = true});
-    window_.Commands().Register(commandShowEntry,
-                                {.run =
-                                     [this] {
-                                         const int entry = sequence_.Files().IndexOf(contextFile_);
-                                         if (entry >= 0) sequence_.Files().Select(entry);
-                                     },
-                                 .enabled = [this] { return !contextFile_.empty(); },
-                                 .whileLoading = true});
     window_.Commands().Register(
         commandUndo, {.run = [this] { UndoLast(); },
                       .enabled = [this] { return formLoaded_ && history_.Last() != nullptr; },
@@ -74,6 +66,7 @@ void frmControl::RegisterFileCommands() {
 
 // What the user sees is what he means, not what comes up next.
 std::vector<std::wstring> frmControl::TargetFiles() const {
+    if (sequence_.Files().ChosenCount() > 0) return sequence_.Files().ChosenTexts();
     if (!contextFile_.empty()) return {contextFile_};
     if (!shownPath_.empty() && sequence_.Files().IndexOf(shownPath_) >= 0) return {shownPath_};
     if (!shownPath_.empty()) {
@@ -119,36 +112,16 @@ void frmControl::Remember(const std::vector<BinnedFile>& binned) {
     history_.Add({.kind = FileAct::Kind::kDeletion, .steps = StepsOf(binned), .list = listNumber_});
 }
 
-// Of the entry below the pointer, or by the keyboard of the selected one. It looks selected while
-// the menu is open.
-void frmControl::ShowListMenu(LPARAM place) {
-    POINT at{static_cast<short>(LOWORD(place)), static_cast<short>(HIWORD(place))};
-    const HWND list = listFileName_.Handle();
-    int entry = sequence_.Files().Cursor();
-    if (place == -1) {
-        RECT row{};
-        SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(std::max(entry, 0)),
-                     reinterpret_cast<LPARAM>(&row));
-        at = {row.left, row.bottom};
-        ClientToScreen(list, &at);
-    } else {
-        POINT inside = at;
-        ScreenToClient(list, &inside);
-        const auto height = static_cast<LONG>(SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
-        entry = inside.y < 0 || height <= 0
-                    ? -1
-                    : listFileName_.Top() + static_cast<int>(inside.y / height);
-    }
-    if (entry < 0 || entry >= sequence_.Files().Count() || listsChange_) return;
+// About the chosen files, or the entry that the right click has selected.
+void frmControl::ShowListMenu(POINT place) {
+    const int entry = sequence_.Files().Cursor();
+    if (entry < 0 || listsChange_) return;
     const UniqueMenu window = LoadMenuResource(menuListWindow);
     const HMENU popup = GetSubMenu(window.Get(), 0);
     contextFile_ = sequence_.Files().Text(entry);
     window_.Commands().ShowState(popup);
-    SetMenuDefaultItem(popup, commandShowEntry, FALSE);
-    listFileName_.MarkSelected(entry);
-    const int chosen =
-        TrackPopupMenuEx(popup, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, Handle(), nullptr);
-    listFileName_.MarkSelected(sequence_.Files().Cursor());
+    const int chosen = TrackPopupMenuEx(popup, TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y,
+                                        Handle(), nullptr);
     // What would be put off to the end of a load would be about another file then.
     const bool isPutOff = chosen != 0 && IsReadUnderWay() && !window_.Commands().IsEnabled(chosen);
     if (isPutOff) window_.ShowNote(L"読み込みが終わってから、もう一度選んでください。");
@@ -164,7 +137,8 @@ void frmControl::CopyPath() {
         if (!text.empty()) text += L"\r\n";
         text += path;
         const int member = sequence_.IsInArchive() && !sequence_.HasPages() &&
-                                   sequence_.Archive() == path && contextFile_.empty()
+                                   sequence_.Archive() == path &&
+                                   sequence_.Files().ChosenCount() == 0
                                ? sequence_.Members().Cursor()
                                : -1;
         if (member >= 0) text += L'\\' + sequence_.Members().Text(member);

@@ -25,7 +25,7 @@ bool frmControl::IsKeyOfProgram(const MSG& key) const {
             return (CurrentShiftState() & kShiftMask) != 0 ||
                    !(onButton || deletePanel_.IsListFocused());
         case VK_SPACE:
-            return !onButton;
+            return !onButton && !(listFileName_.HasFocus() && CurrentShiftState() == kCtrlMask);
         case VK_PRIOR:
         case VK_NEXT:
             return !placeSlider_.Window().HasFocus();

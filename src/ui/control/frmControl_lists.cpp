@@ -132,7 +132,6 @@ void frmControl::FillFileList(std::span<const ListedFile> files) {
     DisableParts();
     DoEvents();
     sequence_.ClearFiles();
-    std::optional<RedrawHold> hold(std::in_place, listFileName_);
     const bool isShort = Values().general.shortList != 0;
     const size_t count = isShort ? std::min(files.size(), kShortListCount) : files.size();
     sequence_.Files().Expect(count);
@@ -149,8 +148,6 @@ void frmControl::FillFileList(std::span<const ListedFile> files) {
             lastBreath = GetTickCount();
         }
     }
-    hold.reset();
-    ShowFoldedOrNot();  // the bar may have been folded meanwhile
     textFileInfo_.SetText({});
     TellCut(count, files.size());
 }
@@ -201,18 +198,14 @@ std::optional<ShownMember> frmControl::MemberOf(const PictureSource& source) con
 }
 
 void frmControl::SetMembers(std::span<const ListedMember> members) {
-    std::optional<RedrawHold> hold(std::in_place, listArchiveFile_);
-    listArchiveFile_.SetDimmed(false);
+    listArchiveFile_.SetPlaceholder({});
     sequence_.SetMembers(members);
-    hold.reset();
-    if (burst_ == nullptr) ShowFoldedOrNot();  // the bar may have been folded meanwhile
 }
 
 void frmControl::ShowNoArchive() {
     sequence_.LeaveArchive();
     listArchiveFile_.SetEnabled(false);
-    listArchiveFile_.Add(kNotArchive);
-    listArchiveFile_.SetDimmed(true);
+    listArchiveFile_.SetPlaceholder(kNotArchive);
 }
 
 // --- Showing ---
@@ -312,12 +305,9 @@ void frmControl::ShowListedFile(const std::wstring& path) {
 }
 
 void frmControl::EnterPages(const std::wstring& path, uint32_t count) {
-    std::optional<RedrawHold> hold(std::in_place, listArchiveFile_);
-    listArchiveFile_.SetDimmed(false);
+    listArchiveFile_.SetPlaceholder({});
     sequence_.EnterPages(path, count);
     sequence_.Members().SetCursor(0);
-    hold.reset();
-    if (burst_ == nullptr) ShowFoldedOrNot();  // the bar may have been folded meanwhile
 }
 
 void frmControl::listArchiveFile_Click() {

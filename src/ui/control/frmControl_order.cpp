@@ -61,12 +61,7 @@ void frmControl::ChooseOrder(int16_t by) {
 
 void frmControl::Reorder() {
     if (!formLoaded_) return;
-    {
-        const RedrawHold files(listFileName_);
-        const RedrawHold members(listArchiveFile_);
-        sequence_.SortBy(ChosenListingRules().order);
-    }
-    ShowFoldedOrNot();
+    sequence_.SortBy(ChosenListingRules().order);
     if (!shownPath_.empty()) PlanAhead(ShownEntry());
 }
 
@@ -121,13 +116,9 @@ void frmControl::ReplaceFiles(std::vector<ListedFile> files, int opened) {
     if (isGone && path == shownPath_) found = sequence_.RenamedAmong(files);
     const bool isThere = found != files.end();
     const int place = isThere ? static_cast<int>(found - files.begin()) : -1;
-    {
-        const RedrawHold hold(listFileName_);
-        const int top = listFileName_.Top();
-        list.Assign(std::move(files), place);
-        if (opened < 0) listFileName_.ScrollTo(top);
-    }
-    ShowFoldedOrNot();
+    const int scrolled = listFileName_.ScrollPlace();
+    sequence_.Replace(std::move(files), place);
+    if (opened < 0) listFileName_.ScrollBack(scrolled);
     if (isThere && isGone) return ShowRenamed(place);
     if (isThere) return PlanAhead(ShownEntry());
     if (list.IsEmpty()) return ShowEmptyList();
@@ -150,6 +141,7 @@ void frmControl::GoToEnd(bool isLast) {
     if (busy_ > 0 || !HasFiles()) return;
     player_.HaltTimer();
     EndMotion();
+    sequence_.GoOn();
     if (sequence_.IsInArchive() && !sequence_.Members().IsEmpty()) {
         const int member =
             static_cast<int>(isLast ? OpeningMember(sequence_.Members().All(), true)

@@ -32,6 +32,7 @@ void frmControl::GoTo(const EntryPlace& place) {
                                                                 : sequence_.Files().Count();
     if (count != place.count) return PlaceChanged();
     player_.HaltTimer();
+    if (!place.isMember) sequence_.GoOn();
     EndMotion();
     if (IsLoading()) {
         place.isMember ? sequence_.Members().Select(place.index)

@@ -74,6 +74,7 @@ void frmControl::Search::End() {
 bool frmControl::MoveBy(int steps, bool inArchive) {
     if (busy_ > 0 || steps == 0) return false;
     wishes_.isMotion = false;
+    sequence_.GoOn();
     travel_ = steps < 0 ? -1 : 1;
     Search search(*this);
     const bool loops = player_.IsShow() && Values().general.showLoops != 0;

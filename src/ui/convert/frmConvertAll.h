@@ -11,7 +11,7 @@
 
 #include "convert/convert_monitor.h"
 #include "sequence/entry_list.h"
-#include "ui/control/list_box_mirror.h"
+#include "ui/convert/list_box_mirror.h"
 #include "ui/convert/log_list.h"
 #include "ui/convert/problem_list.h"
 #include "ui/convert/run_texts.h"

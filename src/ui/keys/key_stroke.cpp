@@ -107,7 +107,13 @@ bool MayBeChosen(const KeyStroke& stroke) {
         return false;
     const bool isArrow = stroke.key >= VK_LEFT && stroke.key <= VK_DOWN;
     if (isArrow && (stroke.modifiers & FCONTROL) == 0) return false;
-    return stroke.modifiers != FCONTROL || (stroke.key != 'C' && stroke.key != 'V');
+    // acceleratorsClipboard, which fields for text have a use of their own for.
+    constexpr std::array<KeyStroke, 5> kOfTexts{{{'A', FCONTROL},
+                                                 {'C', FCONTROL},
+                                                 {'V', FCONTROL},
+                                                 {'Z', FCONTROL},
+                                                 {'C', FCONTROL | FSHIFT}}};
+    return std::ranges::count(kOfTexts, stroke) == 0;
 }
 
 }  // namespace tessary

@@ -74,6 +74,9 @@ class ControlBar {
     // and during a show, which nothing may stop.
     virtual std::wstring Failure() const = 0;
 
+    // None of the files is chosen any more; false when none was.
+    virtual bool ForgetChosen() { return false; }
+
     // Empties the lists of files and of archive members.
     virtual void ClearLists() = 0;
 

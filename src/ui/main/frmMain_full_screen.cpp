@@ -28,7 +28,7 @@ void frmMain::Escape() {
         ShowInfo(false);
     } else if (fullScreen_.IsOn()) {
         SetFullScreen(false);
-    } else if (!playing) {
+    } else if (!playing && (controlBar_ == nullptr || !controlBar_->ForgetChosen())) {
         commands_.Run(commandCancelDelete);
     }
 }

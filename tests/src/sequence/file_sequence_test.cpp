@@ -52,6 +52,43 @@ TEST(FileSequenceTest, TheCursorStaysWithItsEntry) {
     EXPECT_EQ(selections, 2);
 }
 
+TEST(FileSequenceTest, ChosenFilesStayChosenWhereverTheyGo) {
+    FileSequence sequence;
+    FileSequence::FileEntries& files = sequence.Files();
+    for (int i = 0; i < 6; ++i)
+        files.Add({LR"(C:\)" + std::wstring(1, L'a' + i), 10U - i, 1});
+    EXPECT_EQ(sequence.Chosen(), List{});
+    files.SetCursor(1);
+    EXPECT_EQ(sequence.Chosen(), List{LR"(C:\b)"}) << "the one in view";
+    sequence.ChooseForNow(std::vector{4, 2, 99});
+    EXPECT_EQ(sequence.Chosen(), (List{LR"(C:\c)", LR"(C:\e)"}));
+    sequence.SortBy({.by = OrderBy::kSize});
+    EXPECT_EQ(sequence.Chosen(), (List{LR"(C:\e)", LR"(C:\c)"}));
+    std::vector<ListedFile> now(files.All().begin() + 1, files.All().end());
+    now[0].path = LR"(C:\new)";  // that was e
+    now.push_back({LR"(C:\other)", 6, 2});
+    sequence.Replace(now, 0);
+    EXPECT_EQ(sequence.Chosen(), (List{LR"(C:\new)", LR"(C:\c)"}));
+    files.Remove(1);
+    files.Add({LR"(C:\late)"});
+    EXPECT_EQ(sequence.Chosen(), (List{LR"(C:\new)", LR"(C:\c)"}));
+    sequence.GoOn();
+    EXPECT_EQ(files.ChosenCount(), 0);
+    // What is marked stays, with what is chosen beside it.
+    sequence.ToggleMark(2);
+    sequence.ChooseForNow(std::vector{1, 2});
+    sequence.GoOn();
+    EXPECT_EQ(sequence.Chosen(), (List{LR"(C:\c)", LR"(C:\b)"}));
+    sequence.ToggleMark(1);
+    EXPECT_EQ(sequence.Chosen(), (List{LR"(C:\b)"}));
+    files.SetCursor(3);
+    EXPECT_EQ(sequence.MarkFiles(std::vector{0, 2}), 2);
+    EXPECT_EQ(files.Texts(), (List{LR"(C:\c)", LR"(C:\a)", LR"(C:\other)", LR"(C:\late)"}));
+    EXPECT_EQ(files.Current(), LR"(C:\a)");
+    EXPECT_EQ(files.ChosenCount(), 0);
+    EXPECT_EQ(sequence.Marks().Texts(), (List{LR"(C:\new)", LR"(C:\b)"}));
+}
+
 TEST(FileSequenceTest, StepsGoThroughMembersAndKnownFiles) {
     FileSequence sequence;
     for (const wchar_t* const name : {L"x0", L"p1", L"x2", L"p3", L"x4"})

@@ -32,7 +32,8 @@ class BarWindowTest : public ControlBarTest {
 };
 
 TEST_F(BarWindowTest, DeletePanelOpensAndAsksBeforeAnythingIsLost) {
-    Click(bar_.listFileName(), -1);
+    Values().general.atListEnd = kEndListed;
+    bar_.ListIndexBackOne();  // from the first file to none
     bar_.Press(BarButton::kDeleteList);
     EXPECT_EQ(messages_.Only(),
               L"ファイルが選択されていません。削除するファイルをリストから選んでください。");

@@ -19,7 +19,8 @@ namespace tessary::test {
 
 using List = std::vector<std::wstring>;
 
-inline List Items(const ListBox& list) {
+template <class ListControl>
+List Items(const ListControl& list) {
     List items;
     for (int i = 0; i < list.Count(); ++i)
         items.push_back(list.Item(i));
@@ -30,6 +31,7 @@ class ControlBarTest : public MainWindowTest {
   protected:
     void SetUp() override {
         Values().general.useSPI = 1;
+        Values().general.listText = kListPaths;
         SusieCollection().AddSPI(TestPluginPath(L"iftst.spi"));
         SusieCollection().AddSPI(TestPluginPath(L"axtsa.spi"));
         SaveSetting(L"Window", L"ControlBar_X", L"0");
@@ -85,6 +87,19 @@ class ControlBarTest : public MainWindowTest {
         SendMessageW(GetParent(list.Handle()), WM_COMMAND, MAKEWPARAM(0, event),
                      reinterpret_cast<LPARAM>(list.Handle()));
     }
+    // As screen readers do it, and then the pointer passes over the list.
+    template <class Send>
+    static void Click(const VirtualList& list, int index, Send send) {
+        static LVITEMW none{}, one{};  // they are read when a posted message comes
+        none.stateMask = LVIS_SELECTED;
+        one.stateMask = one.state = LVIS_SELECTED | LVIS_FOCUSED;
+        send(list.Handle(), LVM_SETITEMSTATE, static_cast<WPARAM>(-1),
+             reinterpret_cast<LPARAM>(&none));
+        send(list.Handle(), LVM_SETITEMSTATE, static_cast<WPARAM>(index),
+             reinterpret_cast<LPARAM>(&one));
+        send(list.Handle(), WM_MOUSEMOVE, 0, -1);
+    }
+    static void Click(const VirtualList& list, int index) { Click(list, index, SendMessageW); }
     // So long a load keeps the messages waiting.
     void LoadSlowly(int index) const {
         Sleep(25);

@@ -2,6 +2,7 @@
 #include "picture/current_picture.h"
 #include "tests/src/ui/control/control_bar_test.h"
 #include "ui/form/activity.h"
+#include "ui/form/message_loop.h"
 
 namespace tessary::test {
 namespace {
@@ -40,6 +41,65 @@ TEST_F(FileListTest, ShowsTheFirstFileAndTellsEachKind) {
     EXPECT_FALSE(IsEnabled(BarButton::kSave));
     Click(bar_.listFileName(), 2);
     EXPECT_EQ(Info(), L"[未知] x.txt");
+}
+
+TEST_F(FileListTest, NamesTellFilesApart) {
+    Values().general.listText = kListNames;
+    const List files{Bitmap(L"1.bmp"), Bitmap(L"2.bmp"),
+                     (CreateDirectoryW((folder_.Path() + L"sub").c_str(), nullptr),
+                      folder_.Write(LR"(sub\1.bmp)", "x"))};
+    ASSERT_TRUE(bar_.SetFileList(std::span(files).first(2)));
+    EXPECT_EQ(Items(bar_.listFileName()), (List{L"1.bmp", L"2.bmp"}));
+    ASSERT_TRUE(bar_.SetFileList(files));
+    EXPECT_EQ(Items(bar_.listFileName()), (List{L"1.bmp", L"2.bmp", LR"(sub\1.bmp)"}));
+    window_.Commands().Run(commandListPaths);
+    EXPECT_EQ(Items(bar_.listFileName()), files);
+}
+
+// A click leads to a file; what is chosen beside it changes nothing in the view.
+TEST_F(FileListTest, SeveralFilesCanBeChosen) {
+    const List files = Bitmaps(6);
+    window_.Show();
+    ASSERT_TRUE(bar_.SetFileList(files));
+    const VirtualList& list = bar_.listFileName();
+    const auto choose = [&](int index) {  // beside the others, as Ctrl and a click do
+        LVITEMW one{};
+        one.state = one.stateMask = LVIS_SELECTED;
+        SendMessageW(list.Handle(), LVM_SETITEMSTATE, static_cast<WPARAM>(index),
+                     reinterpret_cast<LPARAM>(&one));
+        DoEvents();
+    };
+    const auto selected = [&] {  // as the control itself tells others
+        DoEvents();
+        std::vector<int> all;
+        for (int i = 0; i < list.Count(); ++i)
+            if (SendMessageW(list.Handle(), LVM_GETITEMSTATE, static_cast<WPARAM>(i),
+                             LVIS_SELECTED))
+                all.push_back(i);
+        return all;
+    };
+    EXPECT_EQ(selected(), std::vector{0});
+    choose(2);
+    choose(4);
+    EXPECT_EQ(selected(), (std::vector{0, 2, 4}));
+    EXPECT_EQ(Info(), L"[画像] 1.bmp ( 8×6 24bit )");
+    Choose(commandEscape);
+    EXPECT_EQ(selected(), std::vector{0});
+    choose(5);
+    bar_.CoolBar_ButtonClick(BarButton::kStepForward);
+    EXPECT_EQ(selected(), std::vector{1}) << "gone on";
+    Choose(commandMarkFile);
+    Choose(commandMarkFile);
+    Click(list, 4);
+    EXPECT_EQ(Info(), L"[画像] 5.bmp ( 8×6 24bit )");
+    EXPECT_EQ(selected(), (std::vector{1, 2})) << "marks stay";
+    bar_.CoolBar_ButtonClick(BarButton::kDeleteList);
+    EXPECT_EQ(Items(bar_.listDelete()), (List{files[1], files[2]}));
+    EXPECT_EQ(Info(), L"[画像] 5.bmp ( 8×6 24bit )");
+    Choose(commandChooseAll);
+    bar_.CoolBar_ButtonClick(BarButton::kDeleteList);
+    EXPECT_EQ(Items(bar_.listDelete()).size(), 6U);
+    EXPECT_EQ(bar_.listFileName().Count(), 0);
 }
 
 TEST_F(FileListTest, PagesAreGoneThroughAsMembersAre) {

@@ -28,12 +28,9 @@ class WishTest : public ControlBarTest {
     }
     // N steps on, H with a key that is held down, E is Esc, a digit clicks the entry.
     void Post(std::string_view wishes) const {
-        const HWND list = bar_.listFileName().Handle();
         for (const char wish : wishes) {
             if (wish >= '0' && wish <= '9') {
-                PostMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(wish - '0'), 0);
-                PostMessageW(bar_.Handle(), WM_COMMAND, MAKEWPARAM(0, LBN_SELCHANGE),
-                             reinterpret_cast<LPARAM>(list));
+                Click(bar_.listFileName(), wish - '0', PostMessageW);
             } else {
                 PostMessageW(window_.pictureView().Handle(), WM_KEYDOWN,
                              wish == 'E' ? VK_ESCAPE : VK_RETURN,
@@ -222,6 +219,7 @@ TEST_F(WishTest, EscapeDuringALoadMeansTheLoad) {
     // During a show it is the show that stops.
     SlowPicture(L"1.tst");
     Values().general.slideShowTime = 10000;
+    Click(bar_.listFileName(), 0);
     bar_.Press(BarButton::kPlay);
     PostCommand(commandEscape);
     LoadSlowly(1);

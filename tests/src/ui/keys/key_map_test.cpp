@@ -41,6 +41,8 @@ TEST_F(KeyMapTest, EveryKeyOfTheProgramCanBeChosenButThoseThatAreNeededEverywher
         EXPECT_EQ(CommandOf(UsualKeys(), stroke).has_value(), MayBeChosen(stroke)) << key.cmd;
         EXPECT_EQ(CommandsAtWork(stroke.key, stroke.modifiers), Commands{key.cmd});
     }
+    for (const ACCEL& key : KeysOfResource(acceleratorsClipboard))
+        EXPECT_FALSE(MayBeChosen({key.key, static_cast<BYTE>(key.fVirt & ~FVIRTKEY)}));
     std::set<std::wstring> names;
     for (const KeyCommand& command : KeyCommands()) {
         EXPECT_TRUE(names.insert(command.key).second);
@@ -51,7 +53,7 @@ TEST_F(KeyMapTest, EveryKeyOfTheProgramCanBeChosenButThoseThatAreNeededEverywher
 TEST_F(KeyMapTest, ChosenKeysWorkAtOnceAndTheNextTime) {
     KeyMap keys = ChosenKeys();
     Assign(keys, commandStepForward, {'S', 0});
-    Assign(keys, commandFlip, {'C', FCONTROL | FSHIFT});
+    Assign(keys, commandFlip, {'D', FCONTROL | FSHIFT});
     keys[commandZoomIn].clear();
     ChooseKeys(keys);
     for (int run = 0; run < 2; ++run) {
@@ -63,7 +65,7 @@ TEST_F(KeyMapTest, ChosenKeysWorkAtOnceAndTheNextTime) {
         ReadChosenKeys();
     }
     EXPECT_EQ(NamesOf(keys[commandStepForward]).substr(0, 8), L"S, Enter");
-    EXPECT_EQ(NameOf(keys[commandFlip].front()), L"Ctrl+Shift+C");
+    EXPECT_EQ(NameOf(keys[commandFlip].front()), L"Ctrl+Shift+D");
     EXPECT_EQ(SettingKeys(L"Keys").size(), 4U) << "with the one that has lost its key";
 
     // What somebody has written there by hand.

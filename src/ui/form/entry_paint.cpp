@@ -1,0 +1,78 @@
+#include "ui/form/entry_paint.h"
+
+#include "app/base/handles.h"
+
+namespace tessary {
+namespace {
+
+// Pixels at 96 dpi.
+constexpr int kMargin = 3;     // beside the text
+constexpr int kMarkSize = 10;  // of the mark of a chosen entry
+constexpr int kMarkLine = 2;
+
+constexpr int kShare = 4;  // one part of the highlight in so many makes the ground of chosen ones
+
+struct Pen {
+    using Handle = HPEN;
+    static HPEN None() { return nullptr; }
+    static void Close(HPEN pen) { DeleteObject(pen); }
+};
+using UniquePen = UniqueHandle<Pen>;
+
+COLORREF Blend(COLORREF one, COLORREF other) {
+    const auto mix = [](int a, int b) { return (a + b * (kShare - 1)) / kShare; };
+    return RGB(mix(GetRValue(one), GetRValue(other)), mix(GetGValue(one), GetGValue(other)),
+               mix(GetBValue(one), GetBValue(other)));
+}
+
+COLORREF GroundOf(const EntryLook& look) {
+    const COLORREF window = GetSysColor(COLOR_WINDOW);
+    if (look.isInView) return GetSysColor(COLOR_HIGHLIGHT);
+    return look.isChosen ? Blend(GetSysColor(COLOR_HIGHLIGHT), window) : window;
+}
+
+COLORREF InkOf(const EntryLook& look) {
+    if (look.isInView) return GetSysColor(COLOR_HIGHLIGHTTEXT);
+    return GetSysColor(look.isDimmed ? COLOR_GRAYTEXT : COLOR_WINDOWTEXT);
+}
+
+// A tick, for whoever cannot tell the grounds apart.
+void PaintMark(HDC context, const RECT& area, COLORREF ink, int dpi) {
+    const int line = MulDiv(kMarkLine, dpi, USER_DEFAULT_SCREEN_DPI);
+    const UniquePen pen(CreatePen(PS_SOLID, line, ink));
+    const HGDIOBJ former = SelectObject(context, pen.Get());
+    const int width = area.right - area.left;
+    const int height = area.bottom - area.top;
+    const POINT tick[] = {{area.left, area.top + height / 2},
+                          {area.left + width / 3, area.bottom - height / 6},
+                          {area.right, area.top + height / 6}};
+    Polyline(context, tick, 3);
+    SelectObject(context, former);
+}
+
+}  // namespace
+
+void PaintEntry(HDC context, const RECT& area, const EntryLook& look) {
+    const auto scale = [&](int pixels) {
+        return MulDiv(pixels, look.dpi, USER_DEFAULT_SCREEN_DPI);
+    };
+    const HGDIOBJ formerFont = look.font != nullptr ? SelectObject(context, look.font) : nullptr;
+    const COLORREF ink = InkOf(look);
+    SetBkColor(context, GroundOf(look));
+    SetTextColor(context, ink);
+    ExtTextOutW(context, 0, 0, ETO_OPAQUE, &area, L"", 0, nullptr);
+    RECT text = area;
+    InflateRect(&text, -scale(kMargin), 0);
+    if (look.isChosen) {
+        const int size = scale(kMarkSize);
+        const int top = (area.top + area.bottom - size) / 2;
+        PaintMark(context, {text.right - size, top, text.right, top + size}, ink, look.dpi);
+        text.right -= size + scale(kMargin);
+    }
+    DrawTextW(context, look.text.c_str(), static_cast<int>(look.text.size()), &text,
+              DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_PATH_ELLIPSIS);
+    if (look.isFocused) DrawFocusRect(context, &area);
+    if (formerFont != nullptr) SelectObject(context, formerFont);
+}
+
+}  // namespace tessary
