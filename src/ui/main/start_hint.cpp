@@ -5,14 +5,17 @@
 
 #include "app/base/paths.h"
 #include "places/place_memory.h"
+#include "res/resource.h"
 #include "ui/form/picture_box.h"
 #include "ui/form/view_text.h"
+#include "ui/keys/key_map.h"
 
 namespace tessary {
 namespace {
 
 constexpr wchar_t kDrop[] = L"ここに画像やフォルダをドロップ";
-constexpr wchar_t kOpen[] = L"Ctrl+O で開く";
+constexpr wchar_t kOpen[] = L" で開く";
+constexpr wchar_t kOpenByMenu[] = L"「ファイル」メニューで開く";
 constexpr wchar_t kRecent[] = L"最近使ったもの";
 
 // Pixels at 96 dpi.
@@ -22,6 +25,14 @@ constexpr int kGap = 18;     // above the files
 constexpr int kPadding = 4;  // above and below a line's text, and beside it
 
 constexpr int kHeadPercent = 150;  // the first line's size
+
+// By the key that the user has for it.
+std::wstring OpenText() {
+    const KeyMap& keys = ChosenKeys();
+    const auto found = keys.find(menuFileOpen);
+    if (found == keys.end() || found->second.empty()) return kOpenByMenu;
+    return NameOf(found->second.front()) + kOpen;
+}
 
 UniqueFont Enlarged(HFONT font, int percent) {
     LOGFONTW design{};
@@ -218,16 +229,16 @@ void StartHint::Paint(HDC screen) const {
     SetTextColor(screen, ReadableOn(ground));
     ExtTextOutW(screen, 0, 0, ETO_OPAQUE, &area, nullptr, 0, nullptr);
     const int line = LineHeight(font_.Get());
-    const auto write = [&](const wchar_t* text, HFONT font, int height, UINT style) {
+    const auto write = [&](const std::wstring& text, HFONT font, int height, UINT style) {
         RECT place{area.left, area.top, area.right, area.top + height};
         const HGDIOBJ former = SelectObject(screen, font);
-        DrawTextW(screen, text, -1, &place,
+        DrawTextW(screen, text.c_str(), -1, &place,
                   style | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
         SelectObject(screen, former);
         area.top += height;
     };
     write(kDrop, HeadFont(), LineHeight(HeadFont()), DT_CENTER);
-    write(kOpen, font_.Get(), line, DT_CENTER);
+    write(OpenText(), font_.Get(), line, DT_CENTER);
     if (shown_ == 0) return;
     const Metrics metrics(Handle());
     area.top += metrics.Scale(kGap);
