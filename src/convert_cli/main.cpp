@@ -1,35 +1,18 @@
 // Where the system enters the console converter.
 #include <windows.h>
 
-#include <objbase.h>
 #include <shellapi.h>
 
 #include <memory>
 
+#include "app/base/com_object.h"
 #include "app/base/error.h"
 #include "convert_cli/console_program.h"
 
-namespace {
-
-// Plug-ins that use COM would else start and end it for every picture, which takes longer than
-// decoding a small one.
-class ComSession {
-  public:
-    ComSession() : isOpen_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
-    ComSession(const ComSession&) = delete;
-    ComSession& operator=(const ComSession&) = delete;
-    ~ComSession() {
-        if (isOpen_) CoUninitialize();
-    }
-
-  private:
-    bool isOpen_;
-};
-
-}  // namespace
-
 int wmain() {
-    const ComSession com;
+    // Plug-ins that use COM would else start and end it for every picture, which takes longer than
+    // decoding a small one.
+    const tessary::ComSession com;
     return tessary::Trapped(tessary::kExitSetupError, [] {
         // The command line itself: the runtime might replace masks by the files that they match.
         int count = 0;

@@ -37,21 +37,6 @@ BinCalls& Calls() {
     return calls;
 }
 
-class ComSession {
-  public:
-    ComSession()
-        : isOpen_(SUCCEEDED(
-              CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {}
-    ComSession(const ComSession&) = delete;
-    ComSession& operator=(const ComSession&) = delete;
-    ~ComSession() {
-        if (isOpen_) CoUninitialize();
-    }
-
-  private:
-    bool isOpen_;
-};
-
 struct FreeTaskMemory {
     void operator()(void* block) const { CoTaskMemFree(block); }
 };

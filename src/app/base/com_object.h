@@ -1,6 +1,7 @@
 // Owners of the system's COM objects.
 #pragma once
 
+#include <objbase.h>
 #include <unknwn.h>
 
 #include <memory>
@@ -29,5 +30,21 @@ UniqueInterface<Interface> Create(const CLSID& kind) {
         CoCreateInstance(kind, nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), &made);
     return UniqueInterface<Interface>(FAILED(result) ? nullptr : static_cast<Interface*>(made));
 }
+
+// Has COM open on its thread for its own life, as window threads need it.
+class ComSession {
+  public:
+    ComSession()
+        : isOpen_(SUCCEEDED(
+              CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {}
+    ComSession(const ComSession&) = delete;
+    ComSession& operator=(const ComSession&) = delete;
+    ~ComSession() {
+        if (isOpen_) CoUninitialize();
+    }
+
+  private:
+    bool isOpen_;
+};
 
 }  // namespace tessary

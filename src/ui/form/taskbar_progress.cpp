@@ -6,18 +6,9 @@
 #include <algorithm>
 
 #include "app/base/call_user.h"
+#include "app/base/com_object.h"
 
 namespace tessary {
-
-struct TaskbarProgress::ComSession {
-    ComSession() : open(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
-    ComSession(const ComSession&) = delete;
-    ComSession& operator=(const ComSession&) = delete;
-    ~ComSession() {
-        if (open) CoUninitialize();
-    }
-    bool open;
-};
 
 void TaskbarProgress::Release::operator()(ITaskbarList3* list) const {
     list->Release();

@@ -10,6 +10,8 @@ struct ITaskbarList3;
 
 namespace tessary {
 
+class ComSession;
+
 // For its own life the button of a window, or of its nearest owner that has one, shows progress,
 // where the system has such buttons; elsewhere this does nothing.
 class TaskbarProgress {
@@ -24,7 +26,6 @@ class TaskbarProgress {
     void SetProgress(int32_t position, int32_t maximum);
 
   private:
-    struct ComSession;
     struct Release {
         void operator()(ITaskbarList3* list) const;
     };

@@ -99,11 +99,10 @@ void Fill(ICustomDestinationList& list) {
 }
 
 void ShowNow() {
-    const HRESULT session = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const ComSession com;
     if (const auto list = Create<ICustomDestinationList>(CLSID_DestinationList)) {
         RecentPaths().empty() ? static_cast<void>(list->DeleteList(nullptr)) : Fill(*list);
     }
-    if (SUCCEEDED(session)) CoUninitialize();
 }
 
 }  // namespace
