@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <vector>
 
@@ -157,7 +158,10 @@ TEST_F(FramePlayerTest, PlaysItsRoundsStaysAtTheLastFrameAndPlaysThemAgain) {
         ASSERT_FALSE(seen.empty());
         EXPECT_EQ(seen.front(), 0U);
         EXPECT_EQ(seen.back(), 3U);
-        EXPECT_EQ(std::ranges::count(seen, 3U), 2) << "rounds";
+        // A frame whose time is over may be passed by.
+        const auto turn = std::ranges::adjacent_find(seen, std::ranges::greater());
+        ASSERT_NE(turn, seen.end()) << "a second round";
+        EXPECT_TRUE(std::ranges::is_sorted(turn + 1, seen.end())) << "and no third";
         EXPECT_EQ(Reads().size(), times == 0 ? 4U : 0U) << "all are kept";
     }
 }
