@@ -122,6 +122,7 @@ int Main() {
         TellFailedStart(libraries.failure);
         return 0;
     }
+    bool isAsked = !SusieCollection().IsWaiting();
     frmMain window({.commandLine = names,
                     .pluginCount = [] { return SusieCollection().Count(); },
                     .endProgram =
@@ -130,7 +131,8 @@ int Main() {
                             RequestQuit(0);
                         },
                     .showCommand = ShowCommand(),
-                    .frameReaders = PluginFrameReaders(Host().furtherConnector)});
+                    .frameReaders = PluginFrameReaders(Host().furtherConnector),
+                    .pluginsAreComing = [&isAsked] { return !isAsked; }});
     frmControl controlBar(window);
     window.SetControlBar(controlBar);
     OpenCommands openCommands(window, controlBar);
@@ -148,13 +150,13 @@ int Main() {
         TellFailedStart({});
         return 1;
     }
-    const bool isAsked = !SusieCollection().IsWaiting();
     TellNotices(window, libraries, isAsked);
     window.Show();
     if (!isAsked) {
         // One that hangs holds up none of its like.
         if (!WaitsForPlugins(names) && !DoEvents()) return RunMessageLoop();
         AskNewPlugins(window);
+        isAsked = true;
         TellNotices(window, libraries, true);
         window.CloseIfAsked();
     }

@@ -187,7 +187,9 @@ TEST_F(ViewerTest, StepsThroughPicturesArchivesAndWhatIsNeither) {
         EXPECT_TRUE(WaitUntil([&] {
             return TextOf(info) == text && SendMessageW(members, LVM_GETITEMCOUNT, 0, 0) == count &&
                    IsWindowEnabled(members) == (count > 1);
-        })) << TextOf(info);
+        })) << TextOf(info)
+            << L" for " << text << L": " << SendMessageW(members, LVM_GETITEMCOUNT, 0, 0)
+            << IsWindowEnabled(members);
         PostMessageW(FindWindowExW(main_, nullptr, L"TessaryPictureBox", nullptr), WM_KEYDOWN, key,
                      0);
     }

@@ -10,7 +10,6 @@
 #include "app/base/paths.h"
 #include "app/base/scan_folders.h"
 #include "app/base/text.h"
-#include "plugin/modSusie.h"
 
 namespace tessary {
 namespace {
@@ -83,7 +82,8 @@ struct FolderFollower::Look {
     std::shared_ptr<void> watch;
 };
 
-FolderFollower::FolderFollower(Take take) : take_(std::move(take)), timer_([this] { Tick(); }) {}
+FolderFollower::FolderFollower(Take take, std::function<bool()> waits)
+    : take_(std::move(take)), waits_(std::move(waits)), timer_([this] { Tick(); }) {}
 
 void FolderFollower::Bring(const std::wstring& path) {
     Begin(FolderOf(path));
@@ -132,7 +132,11 @@ bool FolderFollower::AreComing() const {
 // Whether something may have changed that nobody has looked at, and not just now.
 bool FolderFollower::IsDue() {
     const ULONGLONG now = GetTickCount64();
-    if (!opened_.empty()) return !SusieCollection().IsWaiting();
+    if (waits_()) {
+        if (!opened_.empty()) begin_ = now;  // it is not the neighbours that take so long
+        return false;
+    }
+    if (!opened_.empty()) return true;
     if (watch_ == nullptr && lastLook_ != 0 && now - lastLook_ >= kPollMilliseconds) changed_ = now;
     if (watch_ != nullptr && WaitForSingleObject(watch_.get(), 0) == WAIT_OBJECT_0) {
         FindNextChangeNotification(watch_.get());

@@ -21,14 +21,14 @@ class FolderFollower {
     // was opened, which is among them under the path that it was opened by; -1 when there was none,
     // and later. Answering false it is asked again.
     using Take = std::function<bool(std::vector<ListedFile>& files, int opened)>;
-    explicit FolderFollower(Take take);
+    // No look begins while `waits` answers true: the plug-ins have not told yet what they read.
+    FolderFollower(Take take, std::function<bool()> waits);
     FolderFollower(const FolderFollower&) = delete;
     FolderFollower& operator=(const FolderFollower&) = delete;
     // Leaves behind what is stuck in the system.
     ~FolderFollower() { End(); }
 
-    // Brings the neighbours of the file with that full path, and follows their folder. Waits until
-    // the plug-ins have told what they read.
+    // Brings the neighbours of the file with that full path, and follows their folder.
     void Bring(const std::wstring& path);
     // Only follows a folder, with a trailing backslash, whose files are listed already.
     void Follow(const std::wstring& folder);
@@ -50,6 +50,7 @@ class FolderFollower {
     bool IsDue();
 
     Take take_;
+    std::function<bool()> waits_;
     std::wstring folder_;     // empty: none
     std::wstring opened_;     // whose neighbours are to come; empty: they are there
     ULONGLONG begin_ = 0;     // of looking for these; tick counts, milliseconds

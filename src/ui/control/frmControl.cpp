@@ -62,7 +62,7 @@ frmControl::frmControl(frmMain& window)
       player_({.back = [this] { return ListIndexBackOne(); },
                .forward = [this] { return ListIndexForwardOne(); },
                .atEnd = [this] { EndMotion(); },
-               .mayStep = [this] { return !wishes_.Any() && MayStep() && !follower_.AreComing(); },
+               .mayStep = [this] { return !wishes_.Any() && MayStep() && !StepsWait(); },
                .isSeen =
                    [this] {
                        // Behind a dialog the show stands still.

@@ -213,6 +213,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     StepTarget FindAtRandom(int steps, bool inArchive, Search& search);
     void StepAndStay(int steps, bool inArchive);
     bool IsLoading() const { return window_.IsReading(); }
+    // Whether nobody can tell yet where a step leads to: neighbours, or those who know them, come.
+    bool StepsWait() const { return follower_.AreComing() || window_.ArePluginsComing(); }
     bool LeadsElsewhere(int steps) const;
     void WishStep(int step);
     void WishMark();
@@ -348,7 +350,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     BarTexts texts_;
     Player player_;
     FolderFollower follower_{
-        [this](std::vector<ListedFile>& files, int opened) { return TakeFolder(files, opened); }};
+        [this](std::vector<ListedFile>& files, int opened) { return TakeFolder(files, opened); },
+        [this] { return window_.ArePluginsComing(); }};
     bool entersAtEnd_ = false;  // the archive that is selected, which opens with its last picture
     bool wantsBottom_ = false;  // the next button does
     bool toBottom_ = false;     // a step back does

@@ -42,7 +42,7 @@ void frmControl::CoolBar_ButtonClick(BarButton button) {
     if (!IsUsable(button)) return;
     if (IsLoading() && BecomesWish(button)) return;
     const bool isStep = button == BarButton::kStepBack || button == BarButton::kStepForward;
-    if (isStep && follower_.AreComing()) return WishStep(button == BarButton::kStepBack ? -1 : 1);
+    if (isStep && StepsWait()) return WishStep(button == BarButton::kStepBack ? -1 : 1);
     switch (button) {
         case BarButton::kRewind:
         case BarButton::kReversePlay:

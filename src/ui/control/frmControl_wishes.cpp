@@ -208,7 +208,7 @@ void frmControl::WishIsThere() {
 // Between two steps, and not from within the one that has just ended: wishes may go on for long.
 void frmControl::CarryOutWishes() {
     if (!wishes_.Any() || CurrentActivity().quitRequested || !formLoaded_) return wishesDue_.Stop();
-    if (!MayStep() || (wishes_.steps != 0 && follower_.AreComing())) return;
+    if (!MayStep() || (wishes_.steps != 0 && StepsWait())) return;
     wishesDue_.Stop();
     const Wishes wishes = std::exchange(wishes_, {});
     for (const std::wstring& path : wishes.marks)

@@ -45,6 +45,7 @@ struct MainWindowServices {
     std::function<void()> endProgram;  // saves settings, frees plug-ins; the window is gone by then
     int showCommand = SW_SHOWNORMAL;   // how a shortcut wants it shown (SW_…)
     FrameReaderMaker frameReaders{};   // for animations; empty: none is played
+    std::function<bool()> pluginsAreComing{};  // some are still to be asked; empty: none
 };
 
 class frmMain final : public Form, public PictureView {
@@ -61,6 +62,12 @@ class frmMain final : public Form, public PictureView {
 
     // Puts the number of loaded plug-ins into the status bar.
     void ShowPluginCount();
+
+    // Whether plug-ins are still to be asked what they can do: till then nobody knows which files
+    // are pictures or archives.
+    bool ArePluginsComing() const {
+        return services_.pluginsAreComing && services_.pluginsAreComing();
+    }
 
     // Tells where the picture comes from that was put into the view; forgotten when the view is
     // emptied. The number of plug-ins comes back to the status bar where another text has taken its

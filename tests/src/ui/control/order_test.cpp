@@ -42,6 +42,17 @@ TEST_F(OrderTest, AFileOpenedAloneBringsItsNeighboursAlong) {
     EXPECT_EQ(Names(), (List{L"P1.bmP", L"p9.tsa", L"p10.bmp"}));
     EXPECT_EQ(Items(bar_.listArchiveFile()), (List{L"b9.tst", L"b10.tst"}));
 
+    // Nor does it lead past what no plug-in has been asked about yet.
+    SusieCollection().RemoveAll();
+    SusieCollection().AddSPI(TestPluginPath(L"iftst.spi"));
+    arePluginsComing_ = true;
+    ASSERT_TRUE(bar_.OpenFiles({{.path = opened}}, ListSource::kOneFile));
+    bar_.CoolBar_ButtonClick(BarButton::kStepForward);
+    EXPECT_FALSE(RunUntil([&] { return Names().size() > 1; }, 200));
+    SusieCollection().AddSPI(TestPluginPath(L"axtsa.spi"));
+    arePluginsComing_ = false;
+    EXPECT_TRUE(RunUntil([&] { return Shown() == L"p9.tsa"; }));
+
     // Opened otherwise, a file that nobody would list is among its neighbours.
     ASSERT_TRUE(bar_.OpenFiles({{.path = hidden}}, ListSource::kOneFile));
     EXPECT_TRUE(RunUntil([&] { return Names().size() == 4; }));

@@ -83,11 +83,13 @@ class MainWindowTest : public testing::Test {
     RecordingControlBar controlBar_;
     int pluginCount_ = 3;
     int ended_ = 0;
+    bool arePluginsComing_ = false;
     FrameReaderMaker readers_;  // of the animations that are shown
     frmMain window_{{.commandLine = {},
                      .pluginCount = [this] { return pluginCount_; },
                      .endProgram = [this] { ++ended_; },
-                     .frameReaders = [this] { return readers_(); }}};
+                     .frameReaders = [this] { return readers_(); },
+                     .pluginsAreComing = [this] { return arePluginsComing_; }}};
 };
 
 }  // namespace tessary::test
