@@ -137,6 +137,11 @@ void FileSequence::FindFile(int steps, bool goesRound, KindSource& kinds,
         if (!found) return;
         if (*found < 0 || *found > last) break;
         reached = *found;
+        // How many entries it has shows when it is opened.
+        if (steps != step && kinds.IsArchive(files_.Text(reached))) {
+            target.left = steps - step;
+            break;
+        }
     }
     target.isKnown = reached != start;
     if (target.isKnown) {

@@ -27,6 +27,9 @@ class KindSource {
     // Whether the file is of known kind. May take long, and handle messages.
     virtual bool IsKnown(const std::wstring& path) = 0;
 
+    // Whether the file is an archive, by its name; takes no time.
+    virtual bool IsArchive(const std::wstring& path) = 0;
+
     // Told behind each file of unknown kind: its index, and how many of how many files from where
     // the search began it lies away. False ends the search.
     virtual bool GoesOn(int index, int done, int total) = 0;
@@ -43,6 +46,7 @@ struct StepTarget {
     bool isKnown = false;        // the file is of known kind, and not just where the list ends
     bool leavesArchive = false;  // the members do not take all the steps
     bool wentRound = false;      // the way to the file leads over an end of the list
+    int left = 0;  // of the steps, where the file is an archive: they lead through its members
 };
 
 class FileSequence {

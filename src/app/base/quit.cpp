@@ -41,6 +41,10 @@ bool IsQuitRequested() {
     return Requested().has_value();
 }
 
+void RenewQuit() {
+    if (Requested()) PostQuitMessage(*Requested());
+}
+
 void QuitIsDone() {
     Requested().reset();
 }
@@ -64,7 +68,7 @@ void DropForeignQuit() {
         }
     }
     std::for_each(others.begin(), others.end(), PutBack);
-    if (Requested()) PostQuitMessage(*Requested());
+    RenewQuit();
 }
 
 }  // namespace tessary

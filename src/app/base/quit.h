@@ -10,6 +10,10 @@ void RequestQuit(int status);
 // Whether it was asked to, and has not ended yet; what WM_QUIT means else is nothing.
 bool IsQuitRequested();
 
+// Asks once more where it was asked before: loops of the system, as the one that moves windows, may
+// have taken the request for theirs.
+void RenewQuit();
+
 // The loop has ended.
 void QuitIsDone();
 

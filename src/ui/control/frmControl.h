@@ -212,6 +212,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     bool GoesAtRandom(int steps) const;
     StepTarget FindAtRandom(int steps, bool inArchive, Search& search);
     void StepAndStay(int steps, bool inArchive);
+    void GoOnLater(int steps);
     bool IsLoading() const { return window_.IsReading(); }
     // Whether nobody can tell yet where a step leads to: neighbours, or those who know them, come.
     bool StepsWait() const { return follower_.AreComing() || window_.ArePluginsComing(); }

@@ -55,6 +55,9 @@ class frmControl::Search final : public KindSource {
 
     // KindSource
     bool IsKnown(const std::wstring& path) override;
+    bool IsArchive(const std::wstring& path) override {
+        return LookAtName(path).kind == kFileArchive;
+    }
     bool GoesOn(int index, int done, int total) override;
 
     // The bar is busy no more.

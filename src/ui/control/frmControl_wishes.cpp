@@ -90,6 +90,7 @@ bool frmControl::MoveBy(int steps, bool inArchive) {
     if (search.IsOverruled()) {
         moved = wishes_.file;
     } else if (target.file && (moved || atEnd == kEndListed)) {
+        if (moved) GoOnLater(target.left);
         SelectFile(*target.file, steps < 0);
         if (moved && target.wentRound && !loops) TellRound(steps);
     } else if (target.leavesArchive && !target.member) {
@@ -101,6 +102,14 @@ bool frmControl::MoveBy(int steps, bool inArchive) {
     window_.ArriveAtBottom(false);
     window_.CloseIfAsked();
     return moved || target.member;
+}
+
+// What is left of several steps waits until the archive that they have come to is open.
+void frmControl::GoOnLater(int steps) {
+    if (steps == 0) return;
+    wishes_.steps += steps;
+    wishes_.isFresh = true;
+    WishIsThere();
 }
 
 // In a show; and a step back from where it has led goes as it came.
@@ -215,7 +224,12 @@ void frmControl::CarryOutWishes() {
         deleteList_.Mark(sequence_.Files().IndexOf(path));
     DeleteListed(wishes.deleted, wishes.forGood);
     if (!wishes.marks.empty() || !wishes.deleted.empty()) player_.RestartPause();
-    if (wishes.steps != 0) {
+    const bool opensArchive = wishes.file && sequence_.Files().Cursor() >= 0 &&
+                              LookAtName(sequence_.Files().Current()).kind == kFileArchive;
+    if (wishes.steps != 0 && opensArchive) {
+        GoOnLater(wishes.steps);
+        listFileName_Click();
+    } else if (wishes.steps != 0) {
         StepAndStay(wishes.steps, sequence_.IsInArchive() && !wishes.file);
     } else if (wishes.file) {
         listFileName_Click();

@@ -49,6 +49,7 @@ int RunMessageLoop() {
     do {
         while (GetMessageW(&message, nullptr, 0, 0) > 0) {
             Dispatch(message);
+            RenewQuit();
         }
     } while (!IsQuitRequested());
     QuitIsDone();

@@ -13,6 +13,9 @@ std::wstring NameOfKey(UINT key) {
     if ((key >= L'0' && key <= L'9') || (key >= L'A' && key <= L'Z')) {
         return {static_cast<wchar_t>(key)};
     }
+    if (key >= VK_NUMPAD0 && key <= VK_NUMPAD9) {
+        return L"テンキー" + std::to_wstring(key - VK_NUMPAD0);
+    }
     if (key >= VK_F1 && key <= VK_F24) return L"F" + std::to_wstring(key - VK_F1 + 1);
     // As they stand on keyboards; the system's names are those of the number pad's.
     switch (key) {
@@ -55,6 +58,7 @@ std::wstring NameOfKey(UINT key) {
     }
     wchar_t name[40]{};
     GetKeyNameTextW(static_cast<LONG>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC)) << 16, name, 40);
+    if (*name == L'\0') return L"キー" + std::to_wstring(key);  // one that no keyboard has
     return name;
 }
 

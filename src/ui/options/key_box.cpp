@@ -42,6 +42,7 @@ std::optional<LRESULT> KeyBox::OnOwnMessage(UINT message, WPARAM wParam, LPARAM 
         }
         case WM_KEYDOWN:
             if (IsModifier(wParam) || IsOfDialog(wParam)) return std::nullopt;
+            if (IsDown(VK_MENU)) return 0;  // with Ctrl: what AltGr makes of keys
             stroke_.key = static_cast<WORD>(wParam);
             stroke_.modifiers = static_cast<BYTE>((IsDown(VK_CONTROL) ? FCONTROL : 0) |
                                                   (IsDown(VK_SHIFT) ? FSHIFT : 0));

@@ -20,6 +20,7 @@ using List = std::vector<std::wstring>;
 class NamedKinds final : public KindSource {
   public:
     bool IsKnown(const std::wstring& path) override { return path.starts_with(L"p"); }
+    bool IsArchive(const std::wstring& path) override { return path.ends_with(L".z"); }
     bool GoesOn(int index, int done, int total) override {
         told.push_back({index, done, total});
         return told.size() < patience;
@@ -129,6 +130,16 @@ TEST(FileSequenceTest, StepsGoThroughMembersAndKnownFiles) {
                   std::tie(c.toMember, c.toFile, c.isKnown))
             << c.file << ", " << c.member << " by " << c.steps;
     }
+    // Steps end at an archive, whose members nobody knows before it is open.
+    NamedKinds kinds;
+    sequence.Files().Add({L"p5.z"});
+    sequence.Files().Add({L"p6"});
+    sequence.Files().SetCursor(1);
+    for (const auto& [steps, file, left] : {std::tuple{2, 5, 0}, {4, 5, 2}}) {
+        const StepTarget target = sequence.Find(steps, false, false, kinds);
+        EXPECT_EQ(std::tie(target.file, target.left), std::tuple(std::optional(file), left));
+    }
+
     NamedKinds impatient;
     impatient.patience = 1;
     sequence.Files().SetCursor(3);

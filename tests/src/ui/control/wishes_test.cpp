@@ -26,14 +26,16 @@ class WishTest : public ControlBarTest {
     void PostCommand(int command) const {
         PostMessageW(window_.Handle(), WM_COMMAND, static_cast<WPARAM>(command), 0);
     }
-    // N steps on, H with a key that is held down, E is Esc, a digit clicks the entry.
+    // N steps on, H with a key that is held down, B back, E is Esc, a digit clicks the entry.
     void Post(std::string_view wishes) const {
         for (const char wish : wishes) {
             if (wish >= '0' && wish <= '9') {
                 Click(bar_.listFileName(), wish - '0', PostMessageW);
             } else {
                 PostMessageW(window_.pictureView().Handle(), WM_KEYDOWN,
-                             wish == 'E' ? VK_ESCAPE : VK_RETURN,
+                             wish == 'E'   ? VK_ESCAPE
+                             : wish == 'B' ? VK_BACK
+                                           : VK_RETURN,
                              wish == 'H' ? LPARAM{KF_REPEAT} << 16 : 0);
             }
         }
@@ -123,6 +125,40 @@ TEST_F(WishTest, StepsAddUpAndALaterClickWins) {
     PostCommand(menuControl_2);
     LoadSlowly(1);
     EXPECT_FALSE(RunUntil([&] { return Selected() != 1; }, 100));
+}
+
+TEST_F(WishTest, StepsGoThroughEveryArchiveOnTheirWay) {
+    const std::string slow = "TST 8x50x24\nprogress:9\n";
+    List archives;
+    for (const wchar_t* const name : {L"a.tsa", L"b.tsa", L"c.tsa"})
+        archives.push_back(
+            folder_.Write(name, ArchiveOf({{"1.tst", slow}, {"2.tst", slow}, {"3.tst", slow}})));
+    // So long a load keeps the messages waiting.
+    const auto loadMember = [&](int index) {
+        Sleep(25);
+        Click(bar_.listArchiveFile(), index);
+    };
+    const auto shows = [&](int file, int member) {
+        return RunUntil([&] {
+            return Selected() == file && bar_.listArchiveFile().Selected() == member &&
+                   !IsReadUnderWay();
+        });
+    };
+    Values().general.backToLast = 1;
+    bar_.SetFileList(archives);
+    for (const auto& [wishes, file, member] : {std::tuple{"NNNNN", 1, 2}, {"NNNNNNN", 2, 1}}) {
+        Click(bar_.listFileName(), 0);
+        Post(wishes);
+        loadMember(0);
+        EXPECT_TRUE(shows(file, member)) << wishes;
+    }
+    Post("BBBBB");
+    loadMember(1);
+    EXPECT_TRUE(shows(0, 2));
+    // A click, and steps behind it.
+    Post("1NN");
+    loadMember(0);
+    EXPECT_TRUE(shows(1, 2));
 }
 
 TEST_F(WishTest, AStepThatComesBeforeTheWishIsCarriedOutCountsToo) {

@@ -17,6 +17,7 @@
 #include "tests/src/ui/message_spy.h"
 #include "tests/src/ui/run_until.h"
 #include "ui/form/session_hold.h"
+#include "ui/form/timer.h"
 
 // The system's, and in no header of its.
 extern "C" {
@@ -175,6 +176,23 @@ TEST(MessageLoopTest, DoEventsLeavesQuittingToTheOuterLoop) {
     EXPECT_FALSE(DoEvents());
     EXPECT_EQ(RunMessageLoop(), 42);
     EXPECT_TRUE(DoEvents());
+}
+
+// As the system's loop does it that moves windows.
+TEST(MessageLoopTest, ARequestThatANestedLoopTakesEndsItAllTheSame) {
+    // Another request, so that the loop ends in any case.
+    Timer late([] { PostQuitMessage(99); });
+    late.Start(5000);
+    const MessageFilter nested([&](const MSG& message) {
+        if (message.message != WM_APP) return false;
+        RequestQuit(7);
+        MSG taken{};
+        while (GetMessageW(&taken, nullptr, 0, 0) > 0) {
+        }
+        return true;
+    });
+    PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0);
+    EXPECT_EQ(RunMessageLoop(), 7);
 }
 
 TEST(MessageLoopTest, LatestFilterTakesFirstAndMayEndItself) {

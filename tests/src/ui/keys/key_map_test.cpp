@@ -44,6 +44,9 @@ TEST_F(KeyMapTest, EveryKeyOfTheProgramCanBeChosenButThoseThatAreNeededEverywher
     for (const ACCEL& key : KeysOfResource(acceleratorsClipboard))
         EXPECT_FALSE(MayBeChosen({key.key, static_cast<BYTE>(key.fVirt & ~FVIRTKEY)}));
     std::set<std::wstring> names;
+    // Of keys that the system may have no name for.
+    for (WORD key = VK_NUMPAD0; key <= VK_NUMPAD9; ++key)
+        EXPECT_TRUE(names.insert(NameOf(KeyStroke{key})).second);
     for (const KeyCommand& command : KeyCommands()) {
         EXPECT_TRUE(names.insert(command.key).second);
         EXPECT_TRUE(names.insert(command.caption).second);
