@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# dependencies.sh [PRESET…]   Builds the libraries of dependencies/versions for each preset (x86 and
-#                             native when none is named) into build/deps/PRESET. What is built
-#                             already with the same versions, options and compiler is left alone.
+# dependencies.sh [PRESET…]   Puts the libraries of dependencies/versions, built for each preset (x86
+#                             and native when none is named), into build/deps/PRESET.
+# They are built once: the cache keeps each under a key of its version, patches, recipe, compiler
+# and flags, and of the libraries it needs; any checkout with the same key takes it from there.
 # A library is a line in dependencies/versions and a recipe dependencies/NAME.sh, which sets
 # cmake_options, and where the package has no CMake build of its own, cmake_folder: one of ours,
 # dependencies/NAME/. Patches in that folder are applied to the source, in the order of their names.
@@ -11,6 +12,8 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib/packages.sh"
 source "$(dirname "${BASH_SOURCE[0]}")/lib/source_packages.sh"
 
 recipes=$root/scripts/dependencies
+libraries=$cache/libraries
+kept_days=60 # a library that no checkout has asked for in so many days goes
 
 # preset_options PRESET: how CMake is told the compiler, one option a line.
 preset_options() {
@@ -34,13 +37,15 @@ compiler_version() {
     esac | head -n 1
 }
 
-# build_key NAME PACKAGE UPSTREAM: all that the finished library depends on.
-build_key() {
+# library_key NAME PACKAGE UPSTREAM NEEDED…: all that the finished library depends on.
+library_key() {
     {
         printf '%s\n' "$2 $3" "$common_key"
         cat "$recipes/$1.sh"
         if [[ -d $recipes/$1 ]]; then cat "$recipes/$1"/*; fi
-    } | sha256sum
+        local needed
+        for needed in "${@:4}"; do printf '%s\n' "${keys[$needed]}"; done
+    } | sha256sum | cut -c 1-32
 }
 
 # apply_patches: those of the library that is being built.
@@ -53,17 +58,28 @@ apply_patches() {
     done
 }
 
-build_library() {
+# provide_library NAME PACKAGE UPSTREAM NEEDED…: from the cache, where it is built when it is new.
+provide_library() {
     local name=$1 package=$2 upstream=$3
-    local stamp=$prefix/.built/$name key
-    key=$(build_key "$@")
-    if [[ -f $stamp && $(<"$stamp") == "$key" ]]; then return; fi
+    keys[$name]=$(library_key "$@")
+    local kept=$libraries/$preset-$name-${keys[$name]}
+    local stamp=$prefix/.built/$name
+    if [[ -f $stamp && $(<"$stamp") == "${keys[$name]}" ]]; then return; fi
+    [[ -f $kept/.complete ]] || build_library
+    touch "$kept/.complete"
+    rm -f "$stamp"
+    mkdir -p "$prefix/.built"
+    cp -a "$kept/files/." "$prefix/"
+    printf '%s' "${keys[$name]}" >"$stamp"
+}
 
+# build_library: the one that is provided, into `kept`.
+build_library() {
     local archive work=$root/build/deps/building/$preset-$name
     archive=$(source_archive "$package" "$upstream")
     say "building $package $upstream for $preset"
-    rm -rf "$stamp" "$work"
-    mkdir -p "$work" "$prefix/.built"
+    rm -rf "$kept" "$work"
+    mkdir -p "$work" "$kept"
     dpkg-source -x "$archive" "$work/source" >"$work/log" 2>&1 ||
         die "the source of $package could not be unpacked; see $work/log"
     apply_patches
@@ -73,7 +89,7 @@ build_library() {
     source "$recipes/$name.sh"
     {
         cmake -G Ninja -S "$cmake_folder" -B "$work/build" "${toolchain[@]}" \
-            "-DCMAKE_INSTALL_PREFIX=$prefix" "-DCMAKE_PREFIX_PATH=$prefix" \
+            "-DCMAKE_INSTALL_PREFIX=$kept/files" "-DCMAKE_PREFIX_PATH=$prefix" \
             -DCMAKE_INSTALL_LIBDIR:STRING=lib -DCMAKE_POSITION_INDEPENDENT_CODE=ON \
             -DCMAKE_SUPPRESS_DEVELOPER_WARNINGS=ON "${cmake_options[@]}" &&
             cmake --build "$work/build" && cmake --install "$work/build"
@@ -81,23 +97,37 @@ build_library() {
         tail -n 30 "$work/log" >&2
         die "$package could not be built for $preset; see $work/log"
     }
-    install -D --mode=644 "$work/source/debian/copyright" "$prefix/licences/$name.txt"
-    printf '%s' "$key" >"$stamp"
+    install -D --mode=644 "$work/source/debian/copyright" "$kept/files/licences/$name.txt"
+    # Another checkout would find this one gone.
+    if grep -rIlF "$root" "$kept/files" >&2; then
+        die "$package for $preset names this checkout in the files above"
+    fi
+    touch "$kept/.complete"
     rm -rf "$work"
 }
 
 build_preset() {
     preset=$1
     prefix=$root/build/deps/$preset
+    local -A keys=()
     mapfile -t toolchain < <(preset_options "$preset")
-    common_key=$(compiler_version "$preset"; printf '%s\n' "${toolchain[@]}"; cat "$root/cmake/mingw-i686.cmake")
-    while read -r name package upstream; do
+    common_key=$(compiler_version "$preset"; printf '%s\n' "${toolchain[@]//"$root"/}"; cat "$root/cmake/mingw-i686.cmake")
+    local name package upstream needed
+    while read -r name package upstream needed; do
         case $name in
         "" | "#"*) ;;
-        *) build_library "$name" "$package" "$upstream" </dev/null ;;
+        # shellcheck disable=SC2086  # names, one word each
+        *) provide_library "$name" "$package" "$upstream" $needed </dev/null ;;
         esac
     done <"$recipes/versions"
     if [[ $preset == x86 ]]; then copy_ready_made_licences; fi
+}
+
+# forget_unused: libraries that were not asked for in a long time.
+forget_unused() {
+    local complete
+    find "$libraries" -mindepth 2 -maxdepth 2 -name .complete -mtime "+$kept_days" |
+        while read -r complete; do rm -rf "${complete%/*}"; done
 }
 
 # What comes ready-made and is linked into our programs, too, brings its licence along.
@@ -112,6 +142,8 @@ gcc gcc-mingw-w64-base'
 
 (($#)) || set -- x86 native
 install_packages "${build_packages[@]}"
+mkdir -p "$libraries"
 for preset; do
     with_lock dependencies build_preset "$preset"
 done
+forget_unused

@@ -38,6 +38,14 @@ void OrientedRows::RowDone(uint32_t y) {
     }
 }
 
+uint8_t* OrientedRows::WholePicture(ptrdiff_t& stride) {
+    if (team_ || !places_.IsUpright()) return nullptr;
+    uint8_t* const first = places_.RowOf(0);
+    stride = places_.Height() > 1 ? places_.RowOf(1) - first
+                                  : static_cast<ptrdiff_t>(places_.RowBytes());
+    return first;
+}
+
 void OrientedRows::Finish() {
     if (team_) team_->Finish();
 }

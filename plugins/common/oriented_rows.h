@@ -24,6 +24,11 @@ class OrientedRows {
     // The row is decoded: converts and mirrors it, or turns the collected rows into columns.
     void RowDone(uint32_t y);
 
+    // For decoders that write all rows at once: the first pixel of row 0 where each row can be
+    // decoded into its place in the picture and nothing is left to do then, with the bytes from one
+    // row to the next in `stride`; else null. In place of the other three.
+    uint8_t* WholePicture(ptrdiff_t& stride);
+
     // All rows are in their places then.
     void Finish();
 

@@ -30,6 +30,8 @@ class RowPlaces {
 
     // Whether rows become columns. If so only PutColumns takes them, else only the other two.
     bool SwapsSides() const { return swapsAxes_; }
+    // Whether stored rows are those of the shown picture: nothing is left to do with them.
+    bool IsUpright() const { return !swapsAxes_ && !mirrorsX_ && !mirrorsY_; }
     // The row of the shown picture where the stored row `y` belongs, and what is left to do there.
     uint8_t* RowOf(uint32_t y) const { return rows_.Row(mirrorsY_ ? height_ - 1 - y : y); }
     void FinishRow(uint8_t* row) const;
