@@ -25,7 +25,6 @@ bool HasBytes(std::span<const uint8_t> header, size_t offset, std::string_view b
 
 Container DetectContainer(std::span<const uint8_t> header) {
     if (HasBytes(header, 0, "II*\0"sv) || HasBytes(header, 0, "MM\0*"sv)) return Container::kTiff;
-    if (HasBytes(header, 0, "RIFF"sv) && HasBytes(header, 8, "WEBP"sv)) return Container::kWebp;
     if (HasBytes(header, 0, "II\xBC"sv)) return Container::kJpegXr;
     if (HasBytes(header, 0, "DDS \x7C\0\0\0"sv)) return Container::kDds;
     if (HasBytes(header, 4, "ftyp"sv)) {

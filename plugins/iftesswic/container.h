@@ -11,7 +11,6 @@ enum class Container {
     kTiff,
     kIcon,
     kCursor,
-    kWebp,
     kHeif,  // HEIF and AVIF: the same box structure, and one decoder on Windows
     kJpegXr,
     kDds,

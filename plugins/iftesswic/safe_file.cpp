@@ -26,11 +26,6 @@ bool IsBoxCut(dib::ByteSource& file) {
     return false;
 }
 
-// A WebP file is one chunk, of the length that stands behind its name.
-bool IsRiffCut(dib::ByteSource& file) {
-    return NumberReader(file).Long(4).value_or(0) + uint64_t{8} > file.Size();
-}
-
 }  // namespace
 
 SafeFile::SafeFile(dib::ByteSource& file, Container container, const Page& page)
@@ -59,9 +54,6 @@ SafeFile::SafeFile(dib::ByteSource& file, Container container, const Page& page)
         case Container::kDds:
             inspection_ = InspectDds(file, patched_);
             source_ = &patched_;
-            break;
-        case Container::kWebp:
-            if (IsRiffCut(file)) inspection_ = Damaged(L"WebPデータが途中で切れています");
             break;
         case Container::kHeif:
             if (IsBoxCut(file)) inspection_ = Damaged(L"HEIFデータが途中で切れています");

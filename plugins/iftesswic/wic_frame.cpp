@@ -19,8 +19,6 @@ constexpr double kInchesPerMetre = 1 / 0.0254;
 constexpr double kDefaultDotsPerInch = 96;
 
 // Of Windows 10 and its extensions: too new for the compiler's headers.
-constexpr GUID kContainerWebp{
-    0xe094b0e2, 0x67f2, 0x45b3, {0xb0, 0xea, 0x11, 0x53, 0x37, 0xca, 0x7c, 0xf3}};
 constexpr GUID kContainerHeif{
     0xe1e62521, 0x6787, 0x405b, {0xa3, 0x39, 0x50, 0x07, 0x15, 0xb5, 0x76, 0x3f}};
 constexpr GUID kContainerDds{
@@ -28,8 +26,6 @@ constexpr GUID kContainerDds{
 
 const GUID* ContainerId(Container container) {
     switch (container) {
-        case Container::kWebp:
-            return &kContainerWebp;
         case Container::kHeif:
             return &kContainerHeif;
         case Container::kDds:

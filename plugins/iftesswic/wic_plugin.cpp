@@ -10,13 +10,12 @@ const PluginIdentity& Identity() {
     static constexpr std::array kFileTypes{
         FileType{"*.tif;*.tiff", L"TIFF形式", "TIFF"},
         FileType{"*.ico;*.cur", L"アイコン・カーソル", "Icon"},
-        FileType{"*.webp", L"WebP形式", "WebP"},
         FileType{"*.heic;*.heif;*.hif;*.avif", L"HEIF・AVIF形式", "HEIF, AVIF"},
         FileType{"*.jxr;*.wdp;*.hdp", L"JPEG XR形式", "JPEG XR"},
         FileType{"*.dds", L"DDS形式", "DDS"},
     };
     static constexpr PluginIdentity kIdentity{
-        "iftesswic " TESSARY_PLUGIN_VERSION " - TIFF, ICO, WebP, HEIF (WIC)", kFileTypes};
+        "iftesswic " TESSARY_PLUGIN_VERSION " - TIFF, ICO, HEIF (WIC)", kFileTypes};
     return kIdentity;
 }
 

@@ -45,7 +45,10 @@ refresh_source_lists() {
     mkdir -p "$source_apt/lists/partial" "$source_apt/cache/archives/partial"
     local keyring=/usr/share/keyrings/debian-archive-keyring.gpg signed=
     [[ ! -f $keyring ]] || signed="[signed-by=$keyring] "
-    debian_sources | sed "s|^|deb-src $signed|" >"$source_apt/sources.list"
+    # Of archives with the same version apt asks the first: mirrors of security updates are the
+    # first to forget what the main archive has taken over.
+    debian_sources | awk '/security/ { last = last $0 "\n"; next } { print } END { printf "%s", last }' |
+        sed "s|^|deb-src $signed|" >"$source_apt/sources.list"
     apt-get "${source_apt_options[@]}" update -qq >&2 ||
         die "apt could not read the lists of Debian source packages"
     source_lists_fresh=1
