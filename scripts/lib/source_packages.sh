@@ -28,9 +28,9 @@ fetch_source() {
         say "fetching the source of $package $version"
         rm -rf "$folder"
         mkdir -p "$folder"
-        # A mirror may list a security update that it does not have yet.
-        if (cd "$folder" && apt-get "${source_apt_options[@]}" source -qq --download-only \
-            --only-source "$package=$version" >&2); then
+        # A mirror may list a security update that it does not have yet, or no more. Of archives
+        # with the same version apt asks the first one only.
+        if download_source sources.list || download_source reversed.list; then
             touch "$folder/.complete"
             return
         fi
@@ -39,16 +39,20 @@ fetch_source() {
         "$(offered_versions "$package" | tr '\n' ' ')"
 }
 
+# download_source LIST: of `package` and `version`, into `folder`.
+download_source() {
+    (cd "$folder" && apt-get "${source_apt_options[@]}" -o "Dir::Etc::sourcelist=$source_apt/$1" \
+        source -qq --download-only --only-source "$package=$version" >&2)
+}
+
 # refresh_source_lists: once in each script.
 refresh_source_lists() {
     [[ -z ${source_lists_fresh:-} ]] || return 0
     mkdir -p "$source_apt/lists/partial" "$source_apt/cache/archives/partial"
     local keyring=/usr/share/keyrings/debian-archive-keyring.gpg signed=
     [[ ! -f $keyring ]] || signed="[signed-by=$keyring] "
-    # Of archives with the same version apt asks the first: mirrors of security updates are the
-    # first to forget what the main archive has taken over.
-    debian_sources | awk '/security/ { last = last $0 "\n"; next } { print } END { printf "%s", last }' |
-        sed "s|^|deb-src $signed|" >"$source_apt/sources.list"
+    debian_sources | sed "s|^|deb-src $signed|" >"$source_apt/sources.list"
+    tac "$source_apt/sources.list" >"$source_apt/reversed.list"
     apt-get "${source_apt_options[@]}" update -qq >&2 ||
         die "apt could not read the lists of Debian source packages"
     source_lists_fresh=1
