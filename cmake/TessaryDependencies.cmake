@@ -2,7 +2,7 @@
 # jpeglib.h), tessary::turbojpeg (the same, turbojpeg.h), tessary::png (libpng), tessary::zlib, tessary::lzma (liblzma), tessary::archive
 # (libarchive, with what it needs), tessary::lhasa (lhasa/lhasa.h), tessary::deflate
 # (libdeflate.h), tessary::lcms (Little CMS, lcms2.h), tessary::exif (libexif/exif-data.h), tessary::gif
-# (giflib, gif_lib.h) and tessary::webp (libwebp, webp/*.h). scripts/dependencies.sh puts them where the presets'
+# (giflib, gif_lib.h), tessary::webp (libwebp, webp/*.h) and tessary::tiff (libtiff, tiffio.h). scripts/dependencies.sh puts them where the presets'
 # CMAKE_PREFIX_PATH looks.
 
 # tessary_find_dependency(NAME PACKAGE imported-target)
@@ -54,4 +54,7 @@ tessary_find_library(gif giflib gif_lib.h gif)
 tessary_find_library(lcms "Little CMS" lcms2.h lcms2)
 target_compile_definitions(tessary::lcms INTERFACE CMS_NO_REGISTER_KEYWORD)
 tessary_find_library(exif libexif libexif/exif-data.h exif)
-tessary_find_library(webp libwebp webp/decode.h webpdemux webpmux webp sharpyuv)
+tessary_find_library(webp libwebp webp/decode.h webpdemux webpmux webp)
+tessary_find_library(tiff libtiff tiffio.h tiff zstd)
+target_link_libraries(tessary::tiff INTERFACE
+    tessary::webp tessary::jpeg tessary::lzma tessary::zlib)

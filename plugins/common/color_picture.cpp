@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "plugins/common/flatten_rows.h"
+#include "plugins/common/inks.h"
 #include "plugins/common/palette.h"
 #include "plugins/common/srgb.h"
 
@@ -24,11 +25,17 @@ uint8_t NearestByte(const uint8_t* sample) {
     return static_cast<uint8_t>((deep * 255 + 32895) >> 16);
 }
 
-// The same picture in 8 bits and sRGB, alpha as it is; null where the pixels are that already.
+// To colours of 8 bits in sRGB, alpha as it is; null where the pixels are that already.
 std::function<void(const uint8_t*, uint8_t*, size_t)> ToBytes(const ColorPicture& picture) {
     if (const auto transform = ToSrgb(picture.profile, picture.layout)) {
         return [transform](const uint8_t* in, uint8_t* out, size_t pixels) {
             transform->Convert(in, out, pixels);
+        };
+    }
+    if (picture.layout == Layout::kCmyk8 || picture.layout == Layout::kCmyk8Inverted) {
+        const bool areInverted = picture.layout == Layout::kCmyk8Inverted;
+        return [areInverted](const uint8_t* in, uint8_t* out, size_t pixels) {
+            InksToColors(in, out, pixels, areInverted);
         };
     }
     if (!IsDeep(picture.layout)) return nullptr;

@@ -16,12 +16,13 @@ namespace tessary::codec {
 struct ColorPicture {
     uint32_t width = 0;   // as stored
     uint32_t height = 0;  // the same
-    // kBgr8, kBgra8, kBgr16BigEndian or kBgra16BigEndian; alpha is not multiplied into the colours.
+    // All but kRgb16; alpha is not multiplied into the colours.
     color::Layout layout = color::Layout::kBgr8;
     uint16_t orientation = kUprightOrientation;
     int32_t xPelsPerMeter = 0;  // as stored; 0: unknown
     int32_t yPelsPerMeter = 0;
-    std::optional<color::Profile> profile{};  // of RGB; empty: sRGB
+    // Of RGB, or of inks where the layout is. Empty: sRGB, or plain inks.
+    std::optional<color::Profile> profile{};
 
     bool HasAlpha() const {
         return layout == color::Layout::kBgra8 || layout == color::Layout::kBgra16BigEndian;

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "plugins/common/inks.h"
 #include "plugins/common/srgb.h"
 #include "plugins/iftessjpeg/jpeg_reader.h"
 
@@ -11,17 +12,6 @@ namespace {
 
 using codec::Result;
 using Pixels = JpegReader::Pixels;
-
-// Inks to light, where nothing is known of them.
-void ConvertInkRow(const uint8_t* inks, uint8_t* out, uint32_t width, bool inverted) {
-    const uint8_t flip = inverted ? 0 : 0xFF;
-    for (uint32_t x = 0; x < width; ++x, inks += 4, out += 3) {
-        const unsigned black = inks[3] ^ flip;
-        for (int channel = 0; channel < 3; ++channel) {
-            out[2 - channel] = static_cast<uint8_t>(((inks[channel] ^ flip) * black + 127) / 255);
-        }
-    }
-}
 
 codec::RowConversion ConversionOf(Pixels pixels, const std::optional<color::Profile>& profile,
                                   uint32_t width) {
@@ -37,7 +27,7 @@ codec::RowConversion ConversionOf(Pixels pixels, const std::optional<color::Prof
     } else if (pixels != Pixels::kBgr) {
         const bool inverted = pixels == Pixels::kInvertedInks;
         conversion.convert = [inverted, width](const uint8_t* stored, uint8_t* shown) {
-            ConvertInkRow(stored, shown, width, inverted);
+            codec::InksToColors(stored, shown, width, inverted);
         };
     }
     return conversion;
