@@ -101,7 +101,7 @@ Bytes Packed(const Kind& kind, uint32_t y, uint32_t x, uint32_t width, unsigned 
                 continue;
             }
             const double most = std::pow(2.0, kind.bits) - 1;
-            auto value = static_cast<uint32_t>(std::lround(part * most));
+            auto value = static_cast<uint32_t>(std::llround(part * most));
             if (kind.format == SAMPLEFORMAT_INT) value ^= 1U << (kind.bits - 1);
             if (kind.bits == 16) {
                 const auto number = static_cast<uint16_t>(value);
