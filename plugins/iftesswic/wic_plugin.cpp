@@ -8,14 +8,13 @@ namespace tessary::spi {
 
 const PluginIdentity& Identity() {
     static constexpr std::array kFileTypes{
-        FileType{"*.tif;*.tiff", L"TIFF形式", "TIFF"},
         FileType{"*.ico;*.cur", L"アイコン・カーソル", "Icon"},
         FileType{"*.heic;*.heif;*.hif;*.avif", L"HEIF・AVIF形式", "HEIF, AVIF"},
         FileType{"*.jxr;*.wdp;*.hdp", L"JPEG XR形式", "JPEG XR"},
         FileType{"*.dds", L"DDS形式", "DDS"},
     };
     static constexpr PluginIdentity kIdentity{
-        "iftesswic " TESSARY_PLUGIN_VERSION " - TIFF, ICO, HEIF (WIC)", kFileTypes};
+        "iftesswic " TESSARY_PLUGIN_VERSION " - ICO, HEIF, JPEG XR (WIC)", kFileTypes};
     return kIdentity;
 }
 
