@@ -43,6 +43,8 @@
 #define commandShowInFolder 1117
 #define commandChooseAll 1118
 #define commandMarkFile 1119  // the file in view, and on to the next
+#define commandMoveTo 1120
+#define commandCopyTo 1121
 
 #define menuView 1200
 #define menuViewControlOwner 1201
@@ -154,6 +156,7 @@
 #define dialogProgress 205
 #define dialogConflict 206
 #define dialogRename 207
+#define dialogTransfer 208
 #define dialogOption 210
 #define dialogAbout 211
 #define dialogSPIAbout 212
@@ -175,6 +178,14 @@
 #define dirListCount 2202
 
 #define renameName 2205
+
+#define transferSubject 2220  // what is moved or copied
+#define transferLabel 2221
+#define transferFolders 2222
+#define transferBrowse 2223
+#define transferDrop 2224
+#define transferHint 2225
+#define transferTarget 2226
 
 #define progressSubject 2211
 #define progressBar 2212
@@ -243,6 +254,8 @@
 #define conflictReplace 2464
 #define conflictSkip 2465
 #define conflictForAll 2466
+#define conflictSourceLabel 2467
+#define conflictTargetLabel 2468
 
 // The pages lie in the same place. A page's controls are those from its heading up to the next
 // one's; the buttons stand behind the last.

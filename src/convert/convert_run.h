@@ -22,9 +22,9 @@
 #include "convert/kept_metadata.h"
 #include "convert/output_names.h"
 #include "convert/read_ahead.h"
-#include "convert/same_content.h"
 #include "convert/save_extension.h"
 #include "convert/work_list.h"
+#include "files/same_content.h"
 #include "plugin/clsSusie.h"
 
 namespace tessary {

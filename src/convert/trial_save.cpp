@@ -1,7 +1,7 @@
 #include "convert/trial_save.h"
 
 #include "convert/convert_progress.h"
-#include "convert/same_content.h"
+#include "files/same_content.h"
 #include "picture/save/save_picture.h"
 
 namespace tessary {

@@ -7,6 +7,7 @@
 #include "app/base/text.h"
 #include "app/base/write_error.h"
 #include "files/delete_file.h"
+#include "files/same_content.h"
 
 namespace tessary {
 namespace {
@@ -75,18 +76,100 @@ void KeepDates(const std::wstring& path, const std::wstring& copy) {
     if (file) SetFileTime(file.Get(), &former.ftCreationTime, nullptr, &former.ftLastWriteTime);
 }
 
+// Some systems leave half a copy.
 DWORD CopyBeside(const std::wstring& path, const std::wstring& target, const CopyNews& tell,
                  std::wstring& copy) {
     for (int number = 1; number <= kMostNames; ++number) {
         copy = NameBeside(target, number);
+        if (PathExists(copy)) continue;
         if (CopyFileExW(ExtendedPath(path).c_str(), ExtendedPath(copy).c_str(), Tell,
                         const_cast<CopyNews*>(&tell), nullptr, COPY_FILE_FAIL_IF_EXISTS)) {
             return ERROR_SUCCESS;
         }
         const DWORD error = LastErrorOf(target);
-        if (error != ERROR_FILE_EXISTS) return error;
+        if (error == ERROR_FILE_EXISTS) continue;
+        DeleteForGood(copy);
+        return error;
     }
     return ERROR_FILE_EXISTS;
+}
+
+// Whether it could be deleted now: what cannot is not copied either, or there would be two.
+DWORD DeletabilityOf(const std::wstring& path) {
+    const UniqueFile deletable(CreateFileW(ExtendedPath(path).c_str(), DELETE,
+                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                           nullptr, OPEN_EXISTING, 0, nullptr));
+    return deletable ? DWORD{ERROR_SUCCESS} : LastErrorOf(path);
+}
+
+DWORD Bin(const std::wstring& path, BinnedFile& binned) {
+    const BinResult result = PutIntoBin(path);
+    switch (result.outcome) {
+        case Binning::kDone:
+            binned = result.file;
+            return ERROR_SUCCESS;
+        case Binning::kGone:
+            return ERROR_SUCCESS;
+        case Binning::kNoBin:
+            return ERROR_NOT_SUPPORTED;
+        case Binning::kStopped:
+            return ERROR_CANCELLED;
+        default:
+            return result.error != ERROR_SUCCESS ? result.error : DWORD{ERROR_ACCESS_DENIED};
+    }
+}
+
+// Gives a complete file its place on the same volume.
+DWORD TakePlace(const std::wstring& file, const std::wstring& target, InTheWay inTheWay,
+                BinnedFile& binned) {
+    if (inTheWay == InTheWay::kIsReplaced) {
+        const std::wstring old = ExtendedPath(target);
+        const DWORD attributes = GetFileAttributesW(old.c_str());
+        const bool isReadOnly =
+            attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+        if (isReadOnly) SetFileAttributesW(old.c_str(), attributes & ~FILE_ATTRIBUTE_READONLY);
+        const DWORD error = TryToMove(file, target, MOVEFILE_REPLACE_EXISTING);
+        if (isReadOnly && error != ERROR_SUCCESS) SetFileAttributesW(old.c_str(), attributes);
+        return error;
+    }
+    const DWORD error = TryToMove(file, target, 0);
+    if (error != ERROR_FILE_EXISTS || inTheWay == InTheWay::kStays || IsFolder(target)) {
+        return error;
+    }
+    if (const DWORD refused = Bin(target, binned)) return refused;
+    return TryToMove(file, target, 0);
+}
+
+// In place of what the move has come to.
+DWORD PutBack(const BinnedFile& binned, DWORD error) {
+    if (!binned.path.empty()) TakeOutOfBin(binned);
+    return error;
+}
+
+DWORD Copy(const std::wstring& path, const std::wstring& target, InTheWay inTheWay,
+           const CopyNews& tell, BinnedFile& binned, bool isMove) {
+    std::wstring copy;
+    if (const DWORD error = CopyBeside(path, target, tell, copy)) return error;
+    KeepDates(path, copy);
+    DWORD error = ERROR_SUCCESS;
+    if (isMove && !HaveSameContent(path, copy)) error = ERROR_FILE_INVALID;
+    // Some systems tell nothing while they copy.
+    const uint64_t size = NamedFileOf(copy).size;
+    if (tell && !Trapped(false, [&] { return tell(size, size); })) error = ERROR_CANCELLED;
+    if (isMove && error == ERROR_SUCCESS) error = DeletabilityOf(path);
+    if (error == ERROR_SUCCESS) error = TakePlace(copy, target, inTheWay, binned);
+    if (error != ERROR_SUCCESS) DeleteForGood(copy);
+    return error;
+}
+
+DWORD MoveToDrive(const std::wstring& path, const std::wstring& target, InTheWay inTheWay,
+                  const CopyNews& tell, BinnedFile& binned) {
+    if (const DWORD error = DeletabilityOf(path)) return error;
+    if (const DWORD error = Copy(path, target, inTheWay, tell, binned, true)) return error;
+    const DWORD deleted = DeleteForGood(path);
+    // There would be none at the target where the former one is lost.
+    if (deleted != ERROR_SUCCESS && inTheWay != InTheWay::kIsReplaced) DeleteForGood(target);
+    return deleted;
 }
 
 }  // namespace
@@ -99,37 +182,35 @@ DWORD RenameFile(const std::wstring& path, const std::wstring& newPath) {
 }
 
 DWORD MoveWhole(const std::wstring& path, const std::wstring& target, InTheWay inTheWay,
-                const CopyNews& tell) {
-    const bool replaces = inTheWay == InTheWay::kIsReplaced;
-    const DWORD error = TryToMove(path, target, replaces ? MOVEFILE_REPLACE_EXISTING : 0);
-    if (error != ERROR_NOT_SAME_DEVICE) return error;
-    // What cannot be deleted is not copied either, or there would be two.
-    const UniqueFile deletable(CreateFileW(ExtendedPath(path).c_str(), DELETE,
-                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                           nullptr, OPEN_EXISTING, 0, nullptr));
-    if (!deletable) return LastErrorOf(path);
-    if (const DWORD copied = CopyWhole(path, target, inTheWay, tell)) return copied;
-    const DWORD deleted = DeleteForGood(path);
-    if (deleted != ERROR_SUCCESS && !replaces) DeleteForGood(target);
-    return deleted;
+                const CopyNews& tell, BinnedFile* binned) {
+    BinnedFile old;
+    DWORD error = TakePlace(path, target, inTheWay, old);
+    if (error == ERROR_NOT_SAME_DEVICE) error = MoveToDrive(path, target, inTheWay, tell, old);
+    if (error != ERROR_SUCCESS) return PutBack(old, error);
+    if (binned != nullptr) *binned = old;
+    return ERROR_SUCCESS;
 }
 
 DWORD CopyWhole(const std::wstring& path, const std::wstring& target, InTheWay inTheWay,
-                const CopyNews& tell) {
-    const bool replaces = inTheWay == InTheWay::kIsReplaced;
-    if (!replaces && PathExists(target)) return ERROR_FILE_EXISTS;
-    std::wstring copy;
-    if (const DWORD error = CopyBeside(path, target, tell, copy)) return error;
-    KeepDates(path, copy);
-    // Some systems tell nothing while they copy.
-    const uint64_t size = NamedFileOf(copy).size;
-    if (tell && !Trapped(false, [&] { return tell(size, size); })) {
-        DeleteForGood(copy);
-        return ERROR_CANCELLED;
+                const CopyNews& tell, BinnedFile* binned) {
+    if (inTheWay == InTheWay::kStays && PathExists(target)) return ERROR_FILE_EXISTS;
+    BinnedFile old;
+    if (const DWORD error = Copy(path, target, inTheWay, tell, old, false)) {
+        return PutBack(old, error);
     }
-    const DWORD moved = TryToMove(copy, target, replaces ? MOVEFILE_REPLACE_EXISTING : 0);
-    if (moved != ERROR_SUCCESS) DeleteForGood(copy);
-    return moved;
+    if (binned != nullptr) *binned = old;
+    return ERROR_SUCCESS;
+}
+
+std::wstring FreeName(const std::wstring& target) {
+    const std::wstring name = FileNameOf(target);
+    const size_t dot = name.rfind(L'.');
+    const std::wstring stem = dot == 0 ? name : name.substr(0, dot);
+    const std::wstring extension = name.substr(stem.size());
+    std::wstring free = target;
+    for (int number = 2; PathExists(free); ++number)
+        free = FolderOf(target) + stem + L" (" + std::to_wstring(number) + L")" + extension;
+    return free;
 }
 
 }  // namespace tessary

@@ -9,10 +9,9 @@
 #include <utility>
 
 #include "app/base/error.h"
-#include "app/base/handles.h"
-#include "app/base/shared_mutex.h"
 #include "app/base/text.h"
 #include "app/settings/settings_store.h"
+#include "places/memory_lock.h"
 
 namespace tessary {
 namespace {
@@ -32,24 +31,6 @@ constexpr wchar_t kRemember[] = L"Remember";
 constexpr wchar_t kLastSeen[] = L"LastSeen";
 
 constexpr size_t kLongestKey = 16383;  // by the registry's own limits
-constexpr DWORD kLongestWait = 2000;   // milliseconds; a copy that hangs must not hold up this one
-
-// For its own life no other copy changes what is remembered: what one has switched off, another
-// that has just asked must not write.
-class Held {
-  public:
-    Held() : mutex_(SharedMutex(LR"(Global\Tessary_Viewer_memory)")) {
-        if (mutex_) WaitForSingleObject(mutex_.Get(), kLongestWait);
-    }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-    ~Held() {
-        if (mutex_) ReleaseMutex(mutex_.Get());
-    }
-
-  private:
-    UniqueMutex mutex_;
-};
 
 struct Entry {
     uint64_t when = 0;
@@ -98,13 +79,13 @@ bool IsRemembering() {
 }
 
 void SetRemembering(bool on) {
-    const Held held;
+    const MemoryLock held;
     Trapped([&] { SaveSetting(kMemory, kRemember, on ? L"1" : L"0"); });
     if (!on) ForgetPlaces();
 }
 
 void ForgetPlaces() {
-    const Held held;
+    const MemoryLock held;
     Trapped([] { DeleteSettingSection(kRecent); });
     Trapped([] { DeleteSettingSection(kPlaces); });
     Trapped([] { DeleteSettingSection(kBooks); });
@@ -125,7 +106,7 @@ std::vector<std::wstring> RecentPaths() {
 }
 
 void AddRecent(const std::wstring& path) {
-    const Held held;
+    const MemoryLock held;
     if (IsRemembering()) Put(kRecent, path, {}, kMostRecent);
 }
 
@@ -148,7 +129,7 @@ bool IsBookmark(const Place& place) {
 }
 
 bool AddBookmark(const Place& place) {
-    const Held held;
+    const MemoryLock held;
     if (!IsRemembering() || Bookmarks().size() >= kMostBookmarks) return false;
     Put(kBookmarks, ToText(place), {}, kMostBookmarks);
     return true;
@@ -188,7 +169,7 @@ std::vector<std::pair<std::wstring, std::wstring>> TextsOf(const wchar_t* sectio
 }  // namespace
 
 void FollowFile(const std::wstring& path, const std::wstring& newPath) {
-    const Held held;
+    const MemoryLock held;
     for (const wchar_t* const section : {kRecent, kBooks}) {
         for (const auto& [key, text] : TextsOf(section)) {
             if (EqualsIgnoreCase(key, path)) Replace(section, key, newPath, text);
@@ -225,7 +206,7 @@ Place StopWithin(const Place& place) {
 }
 
 void KeepStop(const std::wstring& container, const Place& place) {
-    const Held held;
+    const MemoryLock held;
     if (IsRemembering()) Put(kPlaces, container, L'|' + ToText(place), kMostPlaces);
 }
 
@@ -241,7 +222,7 @@ std::optional<BookChoice> BookOf(const std::wstring& container) {
 }
 
 void KeepBook(const std::wstring& container, const BookChoice& choice) {
-    const Held held;
+    const MemoryLock held;
     if (!IsRemembering()) return;
     std::wstring text = L"|";
     if (choice.isOpen) text += kChoices[0];
@@ -255,7 +236,7 @@ Place LastSeen() {
 }
 
 void KeepLastSeen(const Place& place) {
-    const Held held;
+    const MemoryLock held;
     if (IsRemembering()) Trapped([&] { SaveSetting(kMemory, kLastSeen, ToText(place)); });
 }
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cwchar>
 
+#include "app/base/file_texts.h"
 #include "app/base/paths.h"
 #include "app/base/text.h"
 
@@ -17,41 +18,9 @@ using metadata::FieldKind;
 constexpr double kMetresPerInch = 0.0254;
 constexpr uint64_t kTenThousand = 10'000;
 
-std::wstring Grouped(uint64_t number) {
-    std::wstring digits = std::to_wstring(number);
-    for (size_t i = digits.size(); i > 3;)
-        digits.insert(i -= 3, 1, L',');
-    return digits;
-}
-
 std::wstring Decimal(double value, int places) {
     wchar_t text[64];
     std::swprintf(text, std::size(text), L"%.*f", places, value);
-    return text;
-}
-
-std::wstring SizeText(uint64_t bytes) {
-    constexpr uint64_t kKilo = 1024;
-    std::wstring exact = Grouped(bytes) + L" バイト";
-    if (bytes < kKilo) return exact;
-    const bool isMega = bytes >= kKilo * kKilo;
-    const double shown =
-        static_cast<double>(bytes) / static_cast<double>(isMega ? kKilo * kKilo : kKilo);
-    return Decimal(shown, 1) + (isMega ? L" MB (" : L" KB (") + exact + L")";
-}
-
-// In the computer's time; `time` in units of 100 ns.
-std::wstring TimeText(uint64_t time) {
-    const FILETIME file{static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
-    SYSTEMTIME universal{};
-    SYSTEMTIME local{};
-    if (!FileTimeToSystemTime(&file, &universal) ||
-        !SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local)) {
-        return {};
-    }
-    wchar_t text[64];
-    std::swprintf(text, std::size(text), L"%04d/%02d/%02d %02d:%02d:%02d", local.wYear,
-                  local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond);
     return text;
 }
 
@@ -70,8 +39,8 @@ void AddOrigin(const PictureOrigin& origin, const std::wstring& plugin,
     if (origin.page != 0) lines.push_back({L"ページ", std::to_wstring(origin.page)});
     lines.push_back(isMember ? InfoLine{L"書庫", origin.path}
                              : InfoLine{L"フォルダ", FolderOf(origin.path)});
-    lines.push_back({L"サイズ", SizeText(isMember ? origin.memberSize : origin.stamp.size)});
-    lines.push_back({isMember ? L"書庫の日時" : L"更新日時", TimeText(origin.stamp.changed)});
+    lines.push_back({L"サイズ", FileSizeText(isMember ? origin.memberSize : origin.stamp.size)});
+    lines.push_back({isMember ? L"書庫の日時" : L"更新日時", FileTimeText(origin.stamp.changed)});
     lines.push_back({L"プラグイン", plugin.empty() ? L"なし（ビットマップ）" : plugin});
     const bool isLong = origin.milliseconds >= 1000;
     lines.push_back({L"読み込み時間", isLong ? Decimal(origin.milliseconds / 1000.0, 2) + L" 秒"
@@ -167,7 +136,8 @@ std::vector<InfoLine> PictureLines(const Picture& picture, const std::wstring& p
     const uint64_t pixels =
         uint64_t{static_cast<uint32_t>(picture.Width())} * static_cast<uint32_t>(picture.Height());
     if (pixels >= kTenThousand) {
-        lines.push_back({L"画素数", Grouped((pixels + kTenThousand / 2) / kTenThousand) + L" 万"});
+        lines.push_back(
+            {L"画素数", GroupedNumber((pixels + kTenThousand / 2) / kTenThousand) + L" 万"});
     }
     const dib::BitmapInfoHeader& header = picture.Header();
     if (header.xPelsPerMeter > 0 && header.yPelsPerMeter > 0) {

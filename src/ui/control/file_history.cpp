@@ -18,6 +18,8 @@ std::wstring NameOf(const FileAct& act) {
             return files + L"の名前の変更";
         case FileAct::Kind::kMove:
             return files + L"の移動";
+        case FileAct::Kind::kCopy:
+            return files + L"のコピー";
         default:
             return files + L"の削除";
     }

@@ -20,7 +20,7 @@ struct ListedStep {
 };
 
 struct FileAct {
-    enum class Kind { kDeletion, kRename, kMove };
+    enum class Kind { kDeletion, kRename, kMove, kCopy };
 
     Kind kind = Kind::kDeletion;
     std::vector<ListedStep> steps{};

@@ -23,6 +23,7 @@
 #include "ui/control/delete_panel.h"
 #include "ui/control/dock_frame.h"
 #include "ui/control/file_history.h"
+#include "ui/control/file_transfer.h"
 #include "ui/control/folder_follower.h"
 #include "ui/control/place_slider.h"
 #include "ui/control/player.h"
@@ -296,6 +297,15 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     };
     void WhileFilesChange(const FileWork& texts,
                           const std::function<void(const DeletionNews& tell)>& work);
+
+    // --- Moving and copying files (frmControl_transfer.cpp) ---
+    void RegisterTransferCommands();
+    bool IsMemberMeant() const;
+    void TransferShown(bool moves);
+    void TransferListed(const std::vector<std::wstring>& paths, bool moves);
+    void TransferFiles(const std::vector<TransferredFile>& files, bool moves);
+    void FilesTransferred(const std::vector<FileStep>& done, bool moves);
+    void CopyMember();
 
     // --- Undoing that (frmControl_undo.cpp) ---
     std::wstring UndoCaption() const;

@@ -41,6 +41,7 @@ void frmControl::RegisterFileCommands() {
                                      .enabled = [this] { return formLoaded_ && !listsChange_; },
                                      .whileLoading = true});
     }
+    RegisterTransferCommands();
     const auto isListed = [this] {
         return formLoaded_ && (!contextFile_.empty() || (!shownPath_.empty() && !listsChange_));
     };

@@ -23,14 +23,25 @@ constexpr int kMostTold = 5;            // of the files that could not be taken 
 std::wstring ProblemOf(const FileStep& step, const UndoResult& result) {
     const std::wstring name = L"「" + FileNameOf(step.path) + L"」";
     switch (result.outcome) {
+        case Undone::kDone:
+            return name + L"と置き換えたファイルを、ごみ箱から戻せません。\r\n　" + step.now;
+        case Undone::kChanged:
+            return name + L"のコピーは、そのあと変更されたので残します。\r\n　" + step.now;
         case Undone::kNotThere:
             return name + (step.now.empty() ? std::wstring(L"は、ごみ箱に見つかりません。")
                                             : L"が見つかりません。\r\n　" + step.now);
         case Undone::kOccupied:
             return name + L"のあった場所に、同じ名前のファイルがあります。\r\n　" + step.path;
         default:
+            if (step.copy && result.error == ERROR_SUCCESS)
+                return name + L"のコピーは、ごみ箱に入れられないので残します。\r\n　" + step.now;
             return name + L"を戻せません。" + WriteErrorText(result.error);
     }
+}
+
+// Trying again leads nowhere.
+bool IsFinal(Undone outcome) {
+    return outcome == Undone::kNotThere || outcome == Undone::kChanged;
 }
 
 }  // namespace
@@ -66,12 +77,14 @@ void frmControl::UndoLast() {
                                         : std::nullopt;
                              if (goesOn) goesOn = tell(step.file.path, ++done, total);
                              if (result && result->outcome == Undone::kDone) {
+                                 if (result->keepsReplaced && ++problemCount <= kMostTold)
+                                     problems += ProblemOf(step.file, *result) + L"\r\n";
                                  back.push_back(std::move(step));
                                  continue;
                              }
                              if (result && ++problemCount <= kMostTold)
                                  problems += ProblemOf(step.file, *result) + L"\r\n";
-                             if (!result || result->outcome != Undone::kNotThere)
+                             if (!result || !IsFinal(result->outcome))
                                  left.steps.push_back(std::move(step));
                          }
                      });
@@ -88,6 +101,13 @@ void frmControl::UndoLast() {
 
 // In another list than they were in, they come by themselves where their folder is followed.
 void frmControl::PutBackInList(const FileAct& act, std::vector<ListedStep> back) {
+    if (act.kind == FileAct::Kind::kCopy) {
+        std::vector<std::wstring> gone;
+        for (const ListedStep& step : back)
+            gone.push_back(step.file.now);
+        if (const std::optional<int> gap = sequence_.RemoveDeleted(gone)) ShowInPlaceOf(*gap);
+        return;
+    }
     for (const ListedStep& step : back) {
         if (!step.file.now.empty()) window_.TellMoved(step.file.now, step.file.path);
     }

@@ -166,7 +166,7 @@ Urge frmControl::UrgeForElse() const {
         return Urge::kStrong;
     }
     return goes || wishes_.pages != 0 || wishes_.command != 0 || !wishes_.marks.empty() ||
-                   !wishes_.deleted.empty()
+                   !wishes_.deleted.empty() || !wishes_.transferred.empty()
                ? Urge::kSome
                : Urge::kNone;
 }
@@ -224,6 +224,7 @@ void frmControl::CarryOutWishes() {
         deleteList_.Mark(sequence_.Files().IndexOf(path));
     DeleteListed(wishes.deleted, wishes.forGood);
     if (!wishes.marks.empty() || !wishes.deleted.empty()) player_.RestartPause();
+    if (!wishes.transferred.empty()) TransferListed(wishes.transferred, wishes.moves);
     const bool opensArchive = wishes.file && sequence_.Files().Cursor() >= 0 &&
                               LookAtName(sequence_.Files().Current()).kind == kFileArchive;
     if (wishes.steps != 0 && opensArchive) {

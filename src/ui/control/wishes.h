@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tessary {
@@ -10,21 +11,23 @@ namespace tessary {
 // The latest wish wins: a clicked entry takes away the steps asked for before it, and steps that
 // follow lead on from there. Files to be collected for deletion are kept beside that.
 struct Wishes {
-    bool file = false;                  // show the file that is selected now
-    bool member = false;                // the same of an archive's members
-    int steps = 0;                      // entries to go on by; negative: back
-    int pages = 0;                      // of the selected file or member to go on by
-    bool deletion = false;              // of the collected files, from the disk
-    int command = 0;                    // of the main window, to be run last; 0: none
-    std::vector<std::wstring> marks;    // paths to be collected for deletion
-    std::vector<std::wstring> deleted;  // paths to be deleted
-    bool forGood = false;               // these, past the recycle bin
+    bool file = false;                      // show the file that is selected now
+    bool member = false;                    // the same of an archive's members
+    int steps = 0;                          // entries to go on by; negative: back
+    int pages = 0;                          // of the selected file or member to go on by
+    bool deletion = false;                  // of the collected files, from the disk
+    int command = 0;                        // of the main window, to be run last; 0: none
+    std::vector<std::wstring> marks;        // paths to be collected for deletion
+    std::vector<std::wstring> deleted;      // paths to be deleted
+    bool forGood = false;                   // these, past the recycle bin
+    std::vector<std::wstring> transferred;  // paths to be moved, or copied
+    bool moves = false;                     // these
     bool isFresh = false;   // some of it was asked for by more than a key that is held down
     bool isMotion = false;  // a motion was started that has not stepped yet
 
     bool Any() const {
         return Moves() || pages != 0 || command != 0 || deletion || !marks.empty() ||
-               !deleted.empty();
+               !deleted.empty() || !transferred.empty();
     }
     bool Moves() const { return file || member || steps != 0; }
 
@@ -62,6 +65,12 @@ struct Wishes {
                 deleted.push_back(path);
         }
         forGood = forGood || isForGood;
+    }
+
+    // The latest ones, for which there will be a dialog.
+    void Transfer(std::vector<std::wstring> paths, bool isMove) {
+        transferred = std::move(paths);
+        moves = isMove;
     }
 
     void ForgetMoves() {

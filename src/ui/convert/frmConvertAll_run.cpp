@@ -8,8 +8,8 @@
 #include "convert/make_folder.h"
 #include "convert/modConvertFiles.h"
 #include "res/resource.h"
-#include "ui/convert/frmConflict.h"
 #include "ui/convert/frmConvertAll.h"
+#include "ui/dialogs/frmConflict.h"
 #include "ui/form/activity.h"
 #include "ui/form/session_hold.h"
 

@@ -64,9 +64,13 @@ int Dialog::ShowModal(HWND owner) {
     modal_ = true;
     const TaskModal others(owner);
     const UserCall call(owner);
+    // An owner that is disabled could not become active again behind the dialog.
+    const bool wasDisabled = owner != nullptr && !IsWindowEnabled(owner);
+    if (wasDisabled) EnableWindow(owner, TRUE);
     const INT_PTR result = DialogBoxIndirectParamW(
         ProgramInstance(), reinterpret_cast<const DLGTEMPLATE*>(block.data()), owner, Procedure,
         reinterpret_cast<LPARAM>(this));
+    if (wasDisabled) EnableWindow(owner, FALSE);
     return result > 0 ? static_cast<int>(result) : IDCANCEL;
 }
 

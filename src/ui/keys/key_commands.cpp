@@ -54,6 +54,8 @@ std::span<const KeyCommand> KeyCommands() {
         {commandAddToDeleteList, L"AddToDeleteList", L"削除リストに移す"},
         {commandMarkFile, L"MarkFile", L"選択に加えて次へ"},
         {commandRename, L"Rename", L"名前の変更"},
+        {commandMoveTo, L"MoveTo", L"フォルダに移動"},
+        {commandCopyTo, L"CopyTo", L"フォルダにコピー"},
         {commandShowInFolder, L"ShowInFolder", L"エクスプローラーで表示"},
         {menuViewControlBar, L"ControlBar", L"コントロールバーの表示"},
         {menuControl_5, L"Fold", L"コントロールバーの折りたたみ"},

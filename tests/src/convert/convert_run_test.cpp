@@ -4,7 +4,7 @@
 #include "app/base/stay_awake.h"
 #include "app/base/text.h"
 #include "convert/convert_progress.h"
-#include "convert/same_content.h"
+#include "files/same_content.h"
 #include "host/host_connection.h"
 #include "plugin/host_state.h"
 #include "plugin/plugin_log.h"

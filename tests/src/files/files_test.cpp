@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "app/base/handles.h"
+#include "files/at_target.h"
 #include "files/file_step.h"
 #include "files/move_file.h"
 #include "tests/support/content_of.h"
@@ -70,6 +71,39 @@ TEST_F(FilesTest, CopiesAreWholeAndKeepTheirDates) {
     EXPECT_FALSE(std::filesystem::exists(file));
     const std::filesystem::directory_iterator begin(folder_.Path() + L"to");
     EXPECT_EQ(std::distance(begin, std::filesystem::directory_iterator()), 1);
+}
+
+TEST_F(FilesTest, WhatIsReplacedComesBackFromTheBin) {
+    const std::wstring file = folder_.Write(L"a.bmp", "mine");
+    const std::wstring target = folder_.Write(L"to/a.bmp", "old");
+    EXPECT_EQ(LookAtTarget(file, target), AtTarget::kOther);
+    EXPECT_EQ(LookAtTarget(file, folder_.Path() + L"TO\\..\\A.bmp"), AtTarget::kItself);
+    EXPECT_EQ(LookAtTarget(file, folder_.Path() + L"to"), AtTarget::kFolder);
+    FileStep copy{.path = file, .now = target};
+    ASSERT_EQ(CopyWhole(file, target, InTheWay::kIsBinned, {}, &copy.replaced), 0u);
+    copy.copy = StampOf(target);
+    EXPECT_EQ(LookAtTarget(file, target), AtTarget::kSame);
+    folder_.Write(L"to/a.bmp", "changed");
+    EXPECT_EQ(Undo(copy).outcome, Undone::kChanged);
+    EXPECT_EQ(test::ContentOf(target), "changed");
+    copy.copy = StampOf(target);
+    EXPECT_EQ(Undo(copy).outcome, Undone::kDone);
+    EXPECT_EQ(test::ContentOf(target), "old");
+
+    FileStep move{.path = file, .now = target};
+    ASSERT_EQ(MoveWhole(file, target, InTheWay::kIsBinned, {}, &move.replaced), 0u);
+    EXPECT_EQ(test::ContentOf(target), "mine");
+    EXPECT_EQ(FreeName(target), folder_.Path() + L"to/a (2).bmp");
+    EXPECT_EQ(Undo(move).outcome, Undone::kDone);
+    EXPECT_EQ(test::ContentOf(file), "mine");
+    EXPECT_EQ(test::ContentOf(target), "old");
+
+    // Nothing is lost where the newcomer cannot take its place.
+    const UniqueFile held(CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, 0, nullptr));
+    EXPECT_NE(MoveWhole(file, target, InTheWay::kIsBinned, {}), 0u);
+    EXPECT_EQ(test::ContentOf(target), "old");
+    EXPECT_EQ(test::ContentOf(file), "mine");
 }
 
 // The user is asked by nobody but the program.

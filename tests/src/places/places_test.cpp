@@ -3,6 +3,7 @@
 
 #include "app/settings/settings_store.h"
 #include "places/place_memory.h"
+#include "places/target_folders.h"
 #include "places/visit.h"
 #include "tests/support/redirected_settings.h"
 
@@ -78,6 +79,27 @@ TEST_F(PlaceMemoryTest, TakesNothingWhileItIsOff) {
     remember();
     EXPECT_EQ(StoppedAt(L"A"), (Place{L"a", L"m"}));
     EXPECT_EQ(LastSeen(), Place{L"a"});
+}
+
+TEST_F(PlaceMemoryTest, TargetFoldersKeepTheirNumbers) {
+    const auto paths = [] {
+        List paths;
+        for (const TargetFolder& folder : TargetFolders())
+            paths.push_back(std::to_wstring(folder.number) + folder.path);
+        return paths;
+    };
+    for (const wchar_t* const path : {LR"(D:\a\)", LR"(D:\b)", LR"(E:\)", LR"(d:\A)"})
+        KeepTargetFolder(path);
+    SetRemembering(false);
+    EXPECT_EQ(paths(), (List{LR"(0d:\A)", LR"(1D:\b)", LR"(2E:\)"}));
+    DropTargetFolder(LR"(D:\b\)");
+    SaveSetting(L"TargetFolders", L"5", L"damaged");
+    for (int i = 0; i < 9; ++i)
+        KeepTargetFolder(L"F:\\" + std::to_wstring(i));
+    const List full = paths();
+    EXPECT_EQ(full.size(), 10U);
+    EXPECT_EQ(full[1], LR"(1F:\0)");
+    EXPECT_EQ(full[2], LR"(2F:\8)") << "in place of the one that was not used for longest";
 }
 
 class VisitsTest : public PlaceMemoryTest {

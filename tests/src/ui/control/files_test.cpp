@@ -1,6 +1,7 @@
 // Commands about files on the disk, in the real windows.
 #include "files/recycle_bin.h"
 #include "places/place_memory.h"
+#include "places/target_folders.h"
 #include "tests/src/ui/control/control_bar_test.h"
 #include "tests/src/ui/dialogs/driven_dialog.h"
 #include "ui/control/place_commands.h"
@@ -163,6 +164,85 @@ TEST_F(FileCommandTest, RenamedFilesStayInViewAndInMemory) {
     EXPECT_EQ(Listed(), files_);
     EXPECT_EQ(Selected(), 0);
     EXPECT_TRUE(IsBookmark({.file = files_[0], .member = L"b9.tst"}));
+}
+
+TEST_F(FileCommandTest, FilesAreMovedAndCopiedToKeptFoldersAndComeBack) {
+    Open({Bitmap(L"1.bmp"), Bitmap(L"2.bmp"), Bitmap(L"3.bmp"), Archive(L"4.tsa")});
+    const std::wstring to = folder_.Path() + L"to\\";
+    folder_.Write(L"to/2.bmp", "other");
+    folder_.Write(L"to/3.bmp", BitmapFileOf(8, 6, RGB(1, 2, 3)));
+    for (const std::wstring& folder : {folder_.Path() + L"gone", to})
+        KeepTargetFolder(folder);
+    const auto transfer = [&](int command, std::deque<DrivenDialog::Step> steps) {
+        DrivenDialog user(std::move(steps));
+        Choose(command);
+        EXPECT_TRUE(user.IsDone());
+    };
+    const auto press = [](WPARAM key) {
+        return [key](HWND dialog) { PressKey(dialog, transferFolders, key); };
+    };
+    const auto enter = [](HWND dialog) { Press(dialog, IDOK); };
+    const auto undo = [&] { return window_.Commands().Run(commandUndo); };
+    const auto isThere = [&](const wchar_t* name) { return std::filesystem::exists(to + name); };
+
+    // What is gone is told, and may be taken out; the last one is repeated by Enter.
+    transfer(commandMoveTo, {press('1'), press('2')});
+    ASSERT_EQ(asked_.size(), 1u);
+    EXPECT_TRUE(Has(asked_[0].first, L"フォルダが見つかりません。"));
+    EXPECT_TRUE(isThere(L"1.bmp"));
+    EXPECT_EQ(Listed(), (List{files_[1], files_[2], files_[3]}));
+    EXPECT_EQ(Info(), L"[画像] 2.bmp ( 8×6 24bit )");
+    transfer(commandMoveTo, {[](HWND dialog) {
+                                 SendDlgItemMessageW(dialog, transferFolders, LB_SETCURSEL, 0, 0);
+                                 PressKey(dialog, transferFolders, VK_DELETE);
+                             },
+                             enter, [](HWND dialog) { Press(dialog, conflictReplace); }});
+    EXPECT_EQ(TargetFolders().size(), 1u);
+    EXPECT_EQ(binned_, List{to + L"2.bmp"});
+    transfer(commandMoveTo, {enter});  // the same is there
+    EXPECT_EQ(Listed(), (List{files_[2], files_[3]}));
+    EXPECT_TRUE(undo());
+    EXPECT_EQ(std::filesystem::file_size(to + L"2.bmp"), 5u);
+    EXPECT_TRUE(undo());
+    EXPECT_EQ(Listed(), files_);
+    EXPECT_EQ(Selected(), 0);
+    EXPECT_FALSE(isThere(L"1.bmp"));
+
+    // Several, of which one stays; undoing removes the copies.
+    bar_.TakeFocus(BarFocus::kFirst);
+    Choose(commandChooseAll);
+    transfer(commandCopyTo, {enter, [](HWND dialog) { Press(dialog, conflictFreeName); }});
+    EXPECT_TRUE(Has(asked_.back().first, L"4 個のファイルのうち、3 個をコピーしました。"));
+    EXPECT_TRUE(isThere(L"2 (2).bmp") && isThere(L"4.tsa"));
+    EXPECT_EQ(Listed(), files_);
+    EXPECT_TRUE(undo());
+    EXPECT_FALSE(isThere(L"1.bmp") || isThere(L"2 (2).bmp") || isThere(L"4.tsa"));
+
+    // Of an archive only pictures are copied.
+    Click(bar_.listFileName(), 3);
+    Choose(commandMoveTo);
+    EXPECT_TRUE(Has(Note(), L"移動できません"));
+    transfer(commandCopyTo, {enter});
+    EXPECT_TRUE(isThere(L"b9.tst"));
+}
+
+// Not the file that comes up next.
+TEST_F(FileCommandTest, AMoveThatIsAskedForDuringALoadIsAboutWhatWasSeen) {
+    Open({Bitmap(L"0.bmp"), SlowPicture(L"1.tst"), Bitmap(L"2.bmp")});
+    const std::wstring to = folder_.Path() + L"to";
+    std::filesystem::create_directory(to);
+    KeepTargetFolder(to);
+    std::wstring subject;
+    DrivenDialog user({[&](HWND dialog) {
+        subject = TextOf(dialog, transferSubject);
+        Press(dialog, IDOK);
+    }});
+    PostMessageW(window_.Handle(), WM_COMMAND, commandMoveTo, 0);
+    LoadSlowly(1);
+    EXPECT_TRUE(RunUntil([&] { return std::filesystem::exists(to + L"\\0.bmp"); }));
+    EXPECT_EQ(subject, L"移動するファイル: 0.bmp");
+    EXPECT_EQ(Listed(), (List{files_[1], files_[2]}));
+    EXPECT_EQ(Selected(), 0);
 }
 
 TEST_F(FileCommandTest, OfAnArchiveOnlyAPageIsSeen) {

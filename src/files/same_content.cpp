@@ -1,4 +1,4 @@
-#include "convert/same_content.h"
+#include "files/same_content.h"
 
 #include <windows.h>
 

@@ -1,4 +1,6 @@
-#include "ui/convert/frmConflict.h"
+#include "ui/dialogs/frmConflict.h"
+
+#include <utility>
 
 #include "res/resource.h"
 
@@ -14,17 +16,31 @@ constexpr wchar_t kOfRunText[] =
 
 frmConflict::frmConflict() : Dialog(dialogConflict) {}
 
-ConflictAnswer frmConflict::Ask(HWND owner, const ConflictQuestion& question) {
+ConflictAnswer frmConflict::Ask(HWND owner, const ConflictQuestion& question,
+                                const ConflictTexts* texts, bool isLast) {
     question_ = &question;
+    texts_ = texts;
+    isLast_ = isLast;
     answer_ = ConflictAnswer::kStop;
     isForAll_ = false;
     ShowModal(owner);
     question_ = nullptr;
+    texts_ = nullptr;
     return answer_;
 }
 
 void frmConflict::Dialog_Load() {
     SetDlgItemTextW(Handle(), conflictQuestion, question_->mayReplace ? kExistsText : kOfRunText);
+    if (texts_ != nullptr) {
+        for (const auto& [id, text] :
+             {std::pair(conflictQuestion, &texts_->question),
+              std::pair(conflictSourceLabel, &texts_->source),
+              std::pair(conflictTargetLabel, &texts_->target),
+              std::pair(conflictFreeName, &texts_->freeName),
+              std::pair(conflictReplace, &texts_->replace), std::pair(IDCANCEL, &texts_->stop)}) {
+            SetDlgItemTextW(Handle(), id, text->c_str());
+        }
+    }
     SetDlgItemTextW(Handle(), conflictSource, question_->source.c_str());
     SetDlgItemTextW(Handle(), conflictTarget, question_->target.c_str());
     const struct {
@@ -39,6 +55,7 @@ void frmConflict::Dialog_Load() {
         button.OnClick([this, answer = answer] { Answer(answer); });
     }
     conflictForAll_.Attach(Handle(), conflictForAll);
+    conflictForAll_.SetVisible(!isLast_);
     conflictReplace_.SetEnabled(question_->mayReplace);
     conflictFreeName_.SetFocus();
 }

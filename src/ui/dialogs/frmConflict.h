@@ -9,12 +9,21 @@
 
 namespace tessary {
 
+// What the dialog says; the template has the texts of a conversion.
+struct ConflictTexts {
+    std::wstring question;
+    std::wstring source, target;  // labels
+    std::wstring freeName, replace, stop;
+};
+
 class frmConflict final : private Dialog {
   public:
     frmConflict();
 
-    // kStop also when the window is closed.
-    ConflictAnswer Ask(HWND owner, const ConflictQuestion& question);
+    // kStop also when the window is closed. `texts`: other ones than those of a conversion;
+    // `isLast`: nothing follows that the same could be wanted for.
+    ConflictAnswer Ask(HWND owner, const ConflictQuestion& question,
+                       const ConflictTexts* texts = nullptr, bool isLast = false);
     // Whether the user wants the same for all that follow.
     bool IsForAll() const { return isForAll_; }
 
@@ -24,6 +33,8 @@ class frmConflict final : private Dialog {
     void Answer(ConflictAnswer answer);
 
     const ConflictQuestion* question_ = nullptr;
+    const ConflictTexts* texts_ = nullptr;
+    bool isLast_ = false;
     ConflictAnswer answer_ = ConflictAnswer::kStop;
     bool isForAll_ = false;
     Button conflictFreeName_;
