@@ -26,6 +26,9 @@ constexpr wchar_t kPlaces[] = L"Places";
 constexpr wchar_t kBooks[] = L"Books";
 constexpr std::wstring_view kChoices = L"orc";  // a letter for each that is made
 
+// And in this one with `when|by|descending|seed`, numbers all of them.
+constexpr wchar_t kOrders[] = L"Orders";
+
 constexpr wchar_t kMemory[] = L"Memory";
 constexpr wchar_t kRemember[] = L"Remember";
 constexpr wchar_t kLastSeen[] = L"LastSeen";
@@ -89,6 +92,7 @@ void ForgetPlaces() {
     Trapped([] { DeleteSettingSection(kRecent); });
     Trapped([] { DeleteSettingSection(kPlaces); });
     Trapped([] { DeleteSettingSection(kBooks); });
+    Trapped([] { DeleteSettingSection(kOrders); });
     Drop(kMemory, kLastSeen);
 }
 
@@ -170,7 +174,7 @@ std::vector<std::pair<std::wstring, std::wstring>> TextsOf(const wchar_t* sectio
 
 void FollowFile(const std::wstring& path, const std::wstring& newPath) {
     const MemoryLock held;
-    for (const wchar_t* const section : {kRecent, kBooks}) {
+    for (const wchar_t* const section : {kRecent, kBooks, kOrders}) {
         for (const auto& [key, text] : TextsOf(section)) {
             if (EqualsIgnoreCase(key, path)) Replace(section, key, newPath, text);
         }
@@ -229,6 +233,30 @@ void KeepBook(const std::wstring& container, const BookChoice& choice) {
     if (choice.fromRight) text += kChoices[1];
     if (choice.coverIsAlone) text += kChoices[2];
     Put(kBooks, container, text, kMostPlaces);
+}
+
+std::optional<EntryOrder> OrderOf(const std::wstring& container) {
+    const std::wstring text =
+        Trapped(std::wstring(), [&] { return GetSetting(kOrders, container); });
+    unsigned long parts[3]{};
+    size_t at = 0;
+    for (unsigned long& part : parts) {
+        at = text.find(L'|', at);
+        if (at == text.npos) return std::nullopt;
+        part = std::wcstoul(text.c_str() + ++at, nullptr, 10);
+    }
+    if (parts[0] >= static_cast<unsigned long>(kOrderCount)) return std::nullopt;
+    return EntryOrder{static_cast<OrderBy>(parts[0]), parts[1] != 0,
+                      static_cast<uint32_t>(parts[2])};
+}
+
+void KeepOrder(const std::wstring& container, const EntryOrder& order) {
+    const MemoryLock held;
+    if (!IsRemembering()) return;
+    Put(kOrders, container,
+        L'|' + std::to_wstring(static_cast<int>(order.by)) +
+            (order.isDescending ? L"|1|" : L"|0|") + std::to_wstring(order.seed),
+        kMostPlaces);
 }
 
 Place LastSeen() {

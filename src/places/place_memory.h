@@ -1,16 +1,18 @@
 // What is remembered of what the user has opened, from one run of the program to the next: recent
 // files and folders, his bookmarks, where he stopped in archives and folders, and in his last run.
 //
-// Sections of the settings store: `Recent`, `Bookmarks`, `Places` and `Books` have a value for each
-// entry, `Memory` the switch and the last run's place. Nothing is kept between two calls: copies of
-// the program that run at the same time share the store, and none loses what another has put there.
-// What the store does not take is not remembered; nothing here throws but for want of memory.
+// Sections of the settings store: `Recent`, `Bookmarks`, `Places`, `Books` and `Orders` have a
+// value for each entry, `Memory` the switch and the last run's place. Nothing is kept between two
+// calls: copies of the program that run at the same time share the store, and none loses what
+// another has put there. What the store does not take is not remembered; nothing here throws but
+// for want of memory.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "app/base/entry_order.h"
 #include "places/book_choice.h"
 #include "places/place.h"
 
@@ -59,6 +61,9 @@ void KeepStop(const std::wstring& container, const Place& place);
 // An archive or a folder, as above; none where nothing was chosen.
 std::optional<BookChoice> BookOf(const std::wstring& container);
 void KeepBook(const std::wstring& container, const BookChoice& choice);
+// In which order it is listed; likewise.
+std::optional<EntryOrder> OrderOf(const std::wstring& container);
+void KeepOrder(const std::wstring& container, const EntryOrder& order);
 
 // What was seen last of all.
 Place LastSeen();

@@ -155,7 +155,9 @@ void FolderFollower::Tick() {
     if (!IsDue()) return;
     changed_ = 0;
     begin_ = opened_.empty() ? GetTickCount64() : begin_;
-    look_ = std::make_shared<Look>(ChosenArrangement());
+    Arrangement arrangement = ChosenArrangement();
+    arrangement.rules.order = order_;
+    look_ = std::make_shared<Look>(std::move(arrangement));
     look_->watches = watch_ == nullptr;
     worker_.emplace(
         [look = look_, folder = folder_, opened = opened_] { look->Run(folder, opened); });

@@ -35,6 +35,9 @@ class FolderFollower {
     // Of no folder any more.
     void End();
 
+    // In which order the files are to come, from the next look on.
+    void SetOrder(const EntryOrder& order) { order_ = order; }
+
     // The program itself has changed something in there: what was seen before does not count.
     void LookAnew();
 
@@ -51,7 +54,8 @@ class FolderFollower {
 
     Take take_;
     std::function<bool()> waits_;
-    std::wstring folder_;     // empty: none
+    std::wstring folder_;  // empty: none
+    EntryOrder order_;
     std::wstring opened_;     // whose neighbours are to come; empty: they are there
     ULONGLONG begin_ = 0;     // of looking for these; tick counts, milliseconds
     ULONGLONG changed_ = 0;   // the first change that was not looked at; 0: none

@@ -181,7 +181,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void FocusPart(HWND part);
 
     // --- The lists (frmControl_lists.cpp) ---
-    bool ShowList(std::span<const ListedFile> files, size_t first);
+    bool ShowList(std::span<const ListedFile> files, size_t first, const std::wstring& folder = {});
     void FillFileList(std::span<const ListedFile> files);
     void listFileName_Click();
     void listArchiveFile_Click();
@@ -225,8 +225,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
 
     // --- Order, neighbours, ends (frmControl_order.cpp) ---
     void RegisterListCommands();
-    void ChooseOrder(int16_t by);
-    void Reorder();
+    EntryOrder ShownOrder() const;
+    void ChooseOrder(const EntryOrder& order);
     AheadEntry ShownEntry() const;
     bool TakeFolder(std::vector<ListedFile>& files, int opened);
     void ReplaceFiles(std::vector<ListedFile> files, int opened);
@@ -370,6 +370,9 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     BookChoice book_;           // for what is viewed
     std::wstring bookOf_;       // whose it is: an archive, or a folder with a backslash
     bool bookOfArchive_ = false;
+    std::wstring listFolder_;  // that the list is of, with a backslash; empty: of none alone
+    EntryOrder fileOrder_;     // of the list
+    EntryOrder memberOrder_;   // of the archive that is viewed
     bool formLoaded_ = false;
     bool unloading_ = false;
     uint32_t memberPages_ = 0;  // that the selected member has; 0: none

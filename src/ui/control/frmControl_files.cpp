@@ -7,7 +7,6 @@
 #include "app/base/paths.h"
 #include "app/base/task_modal.h"
 #include "app/base/write_error.h"
-#include "app/settings/listing_rules.h"
 #include "app/settings/modValue.h"
 #include "files/move_file.h"
 #include "picture/ahead/pictures_ahead.h"
@@ -199,7 +198,7 @@ void frmControl::FileRenamed(const std::wstring& path, const std::wstring& newPa
     const int index = sequence_.Files().IndexOf(path);
     if (index < 0) return;
     const bool isShown = shownPath_ == path;
-    const EntryOrder order = ChosenListingRules().order;
+    const EntryOrder& order = fileOrder_;
     {
         const RedrawHold hold(listFileName_);
         const bool isInOrder = sequence_.IsInOrder(order);

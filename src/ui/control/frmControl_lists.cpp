@@ -9,6 +9,7 @@
 #include "picture/show/modShowPicture.h"
 #include "picture/show/picture_text.h"
 #include "picture/show/read_to_show.h"
+#include "ui/control/chosen_order.h"
 #include "ui/control/frmControl_busy.h"
 #include "ui/form/activity.h"
 #include "ui/form/message_loop.h"
@@ -103,9 +104,14 @@ bool frmControl::SetFileList(std::span<const std::wstring> files) {
     return ShowList(listed, 0);
 }
 
-bool frmControl::ShowList(std::span<const ListedFile> files, size_t first) {
+// Of one folder: in its order.
+bool frmControl::ShowList(std::span<const ListedFile> files, size_t first,
+                          const std::wstring& folder) {
     if (busy_ > 0 || !Load(window_.Handle())) return false;
     follower_.End();
+    listFolder_ = folder;
+    fileOrder_ = OrderFor(folder);
+    follower_.SetOrder(fileOrder_);
     ++listNumber_;
     wishes_.ForgetMoves();
     randomWay_.Forget();
@@ -199,7 +205,10 @@ std::optional<ShownMember> frmControl::MemberOf(const PictureSource& source) con
 
 void frmControl::SetMembers(std::span<const ListedMember> members) {
     listArchiveFile_.SetPlaceholder({});
-    sequence_.SetMembers(members);
+    memberOrder_ = OrderFor(loadingPath_.empty() ? sequence_.Archive() : loadingPath_);
+    std::vector<ListedMember> ordered(members.begin(), members.end());
+    PutInOrder(memberOrder_, ordered);
+    sequence_.SetMembers(ordered);
 }
 
 void frmControl::ShowNoArchive() {

@@ -9,6 +9,7 @@
 #include "app/settings/modValue.h"
 #include "picture/read/arrangement.h"
 #include "res/resource.h"
+#include "ui/control/chosen_order.h"
 #include "ui/control/frmControl_busy.h"
 #include "ui/control/next_folder.h"
 #include "ui/form/activity.h"
@@ -30,18 +31,25 @@ constexpr wchar_t kNoFormerFolder[] = L"前のフォルダはありません。"
 
 void frmControl::RegisterListCommands() {
     for (int16_t by = 0; by < kOrderCount; ++by) {
-        window_.Commands().Register(commandOrder_0 + by,
-                                    {.run = [this, by] { ChooseOrder(by); },
-                                     .checked = [by] { return Values().general.listOrder == by; }});
+        window_.Commands().Register(
+            commandOrder_0 + by,
+            {.run =
+                 [this, by] {
+                     EntryOrder order = ShownOrder();
+                     order.by = static_cast<OrderBy>(by);
+                     if (order.by == OrderBy::kRandom) order.seed = GetTickCount();
+                     ChooseOrder(order);
+                 },
+             .checked = [this, by] { return ShownOrder().by == static_cast<OrderBy>(by); }});
     }
     window_.Commands().Register(commandOrderDescending,
                                 {.run =
                                      [this] {
-                                         int16_t& other = Values().general.listDescending;
-                                         other = other == 0 ? 1 : 0;
-                                         Reorder();
+                                         EntryOrder order = ShownOrder();
+                                         order.isDescending = !order.isDescending;
+                                         ChooseOrder(order);
                                      },
-                                 .checked = [] { return Values().general.listDescending != 0; }});
+                                 .checked = [this] { return ShownOrder().isDescending; }});
     for (const bool isLast : {false, true}) {
         window_.Commands().Register(isLast ? commandLastFile : commandFirstFile,
                                     {.run = [this, isLast] { GoToEnd(isLast); },
@@ -51,17 +59,23 @@ void frmControl::RegisterListCommands() {
 
 // --- Order ---
 
-void frmControl::ChooseOrder(int16_t by) {
-    Values().general.listOrder = by;
-    if (static_cast<OrderBy>(by) == OrderBy::kRandom) {
-        Values().general.orderSeed = static_cast<int32_t>(GetTickCount());
-    }
-    Reorder();
+EntryOrder frmControl::ShownOrder() const {
+    if (!formLoaded_ || !HasFiles()) return ChosenListingRules().order;
+    return sequence_.IsInArchive() && !sequence_.HasPages() ? memberOrder_ : fileOrder_;
 }
 
-void frmControl::Reorder() {
+// For all that is listed, and for what nothing is chosen for.
+void frmControl::ChooseOrder(const EntryOrder& order) {
+    GeneralSettings& general = Values().general;
+    general.listOrder = static_cast<int16_t>(order.by);
+    general.listDescending = order.isDescending ? 1 : 0;
+    general.orderSeed = static_cast<int32_t>(order.seed);
     if (!formLoaded_) return;
-    sequence_.SortBy(ChosenListingRules().order);
+    fileOrder_ = memberOrder_ = order;
+    follower_.SetOrder(order);
+    if (!listFolder_.empty()) KeepOrder(listFolder_, order);
+    if (sequence_.IsInArchive() && !sequence_.HasPages()) KeepOrder(sequence_.Archive(), order);
+    sequence_.SortBy(order);
     if (!shownPath_.empty()) PlanAhead(ShownEntry());
 }
 
@@ -73,7 +87,11 @@ AheadEntry frmControl::ShownEntry() const {
 // --- The folder that the list is of ---
 
 bool frmControl::OpenFiles(std::vector<ListedFile> files, ListSource source) {
-    if (!ShowList(files, 0)) return false;
+    const std::wstring folder = source == ListSource::kFiles || files.empty()
+                                    ? std::wstring()
+                                    : FolderOf(files.front().path);
+    PutInOrder(OrderFor(folder), files);
+    if (!ShowList(files, 0, folder)) return false;
     const std::wstring& path = files.front().path;
     if (source == ListSource::kOneFolder) follower_.Follow(FolderOf(path));
     if (source == ListSource::kOneFile && Values().general.listNeighbours != 0) {
@@ -247,7 +265,8 @@ bool frmControl::GoToNextFolder(int step) {
         return false;
     }
     const size_t last = found->files.size() - 1;
-    if (!ShowList(found->files, step > 0 ? 0 : last)) return false;
+    PutInOrder(OrderFor(found->folder), found->files);
+    if (!ShowList(found->files, step > 0 ? 0 : last, found->folder)) return false;
     follower_.Follow(found->folder);
     window_.ShowNote(L"フォルダ: " + FileNameOf(RemoveBackslash(found->folder)));
     return true;

@@ -7,7 +7,6 @@
 #include "app/base/message_box.h"
 #include "app/base/paths.h"
 #include "app/base/write_error.h"
-#include "app/settings/listing_rules.h"
 #include "places/place.h"
 #include "ui/control/frmControl_busy.h"
 #include "ui/form/activity.h"
@@ -112,7 +111,7 @@ void frmControl::PutBackInList(const FileAct& act, std::vector<ListedStep> back)
         if (!step.file.now.empty()) window_.TellMoved(step.file.now, step.file.path);
     }
     if (back.empty() || act.list != listNumber_) return;
-    const EntryOrder order = ChosenListingRules().order;
+    const EntryOrder& order = fileOrder_;
     const bool isInOrder = sequence_.IsInOrder(order);
     std::ranges::sort(back, {}, &ListedStep::index);
     {

@@ -97,7 +97,10 @@ void OptionCommands::Apply(const OptionValues& options, HWND owner) {
     window_.FollowLight();
     if (former.listOrder != Values().general.listOrder ||
         former.listDescending != Values().general.listDescending) {
-        window_.Commands().Run(commandOrder_0 + Values().general.listOrder);
+        const GeneralSettings chosen = Values().general;
+        window_.Commands().Run(commandOrder_0 + chosen.listOrder);
+        if (Values().general.listDescending != chosen.listDescending)
+            window_.Commands().Run(commandOrderDescending);
     }
     window_.ShowTitle();
     window_.Commands().Run(commandMemoryChanged);

@@ -65,6 +65,7 @@ TEST_F(PlaceMemoryTest, TakesNothingWhileItIsOff) {
         AddRecent(L"a");
         KeepStop(L"a", {L"a", L"m"});
         KeepLastSeen({L"a"});
+        KeepOrder(L"a", {OrderBy::kDate, true, 7});
         AddBookmark({L"a"});
     };
     remember();
@@ -72,13 +73,18 @@ TEST_F(PlaceMemoryTest, TakesNothingWhileItIsOff) {
     EXPECT_EQ(Bookmarks().size(), 1U) << "the user's own stay";
     ForgetBookmarks();
     remember();
-    for (const wchar_t* const section : {L"Recent", L"Places", L"Bookmarks"})
+    for (const wchar_t* const section : {L"Recent", L"Places", L"Orders", L"Bookmarks"})
         EXPECT_TRUE(SettingKeys(section).empty()) << section;
     EXPECT_EQ(SettingKeys(L"Memory"), List{L"Remember"});
     SetRemembering(true);
     remember();
     EXPECT_EQ(StoppedAt(L"A"), (Place{L"a", L"m"}));
     EXPECT_EQ(LastSeen(), Place{L"a"});
+    EXPECT_EQ(OrderOf(L"A"), (EntryOrder{OrderBy::kDate, true, 7}));
+    FollowFile(L"a", L"b");
+    EXPECT_TRUE(OrderOf(L"b") && !OrderOf(L"a"));
+    SaveSetting(L"Orders", L"b", L"1|6|0|0");
+    EXPECT_FALSE(OrderOf(L"b")) << "damaged";
 }
 
 TEST_F(PlaceMemoryTest, TargetFoldersKeepTheirNumbers) {

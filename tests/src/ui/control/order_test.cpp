@@ -2,6 +2,8 @@
 #include <algorithm>
 
 #include "app/base/paths.h"
+#include "picture/read/arrangement.h"
+#include "places/place_memory.h"
 #include "tests/src/ui/control/control_bar_test.h"
 
 namespace tessary::test {
@@ -116,6 +118,43 @@ TEST_F(OrderTest, TheOrderChangesUnderWhatIsShown) {
     EXPECT_EQ(Items(bar_.listArchiveFile()), (List{L"b10.tst", L"b9.tst"})) << "and its members";
     window_.Commands().Run(commandOrder_5);
     EXPECT_EQ(Names().size(), 4U);
+}
+
+TEST_F(OrderTest, EachFolderAndArchiveKeepsItsOrder) {
+    const auto open = [this](const std::wstring& folder) {
+        std::vector<ListedFile> files;
+        for (const wchar_t* const name : {L"1.bmp", L"2.bmp", L"3.tsa"})
+            files.push_back({.path = folder_.Path() + folder + name});
+        SortBy(ChosenListingRules().order, files);  // as they are found
+        return bar_.OpenFiles(std::move(files), ListSource::kOneFolder);
+    };
+    const List up{L"1.bmp", L"2.bmp", L"3.tsa"};
+    const List down{L"3.tsa", L"2.bmp", L"1.bmp"};
+    for (const std::wstring folder : {L"a/", L"b/"}) {
+        Bitmap(folder + L"1.bmp");
+        Bitmap(folder + L"2.bmp");
+        Archive(folder + L"3.tsa");
+    }
+    const auto members = [this] { return Items(bar_.listArchiveFile()); };
+    ASSERT_TRUE(open(L"a\\"));
+    window_.Commands().Run(commandOrderDescending);
+    EXPECT_EQ(Names(), down);
+    ASSERT_TRUE(open(L"b\\"));
+    EXPECT_EQ(Names(), down) << "as chosen last";
+    window_.Commands().Run(commandOrderDescending);
+    EXPECT_EQ(Names(), up);
+    Click(bar_.listFileName(), 2);
+    EXPECT_EQ(members(), (List{L"b9.tst", L"b10.tst"}));
+    ASSERT_TRUE(open(L"a\\"));
+    EXPECT_EQ(Names(), down);
+    window_.Commands().Run(commandOrderDescending);  // of the archive too, which is in view
+    ASSERT_TRUE(open(L"b\\"));
+    EXPECT_EQ(Names(), up);
+    Click(bar_.listFileName(), 2);
+    EXPECT_EQ(members(), (List{L"b9.tst", L"b10.tst"})) << "its own, and not the last one";
+    SetRemembering(false);
+    ASSERT_TRUE(open(L"b\\"));
+    EXPECT_EQ(Names(), down);
 }
 
 TEST_F(OrderTest, BackIsTheMirrorImageOfForth) {
