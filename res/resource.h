@@ -121,6 +121,10 @@
 #define commandShowInfo 1290
 #define commandTurnFile 1276  // the file as it is seen
 
+#define menuAppearance 1380
+#define commandAppearance_0 1381  // by Appearance
+#define commandAppearance_1 1382
+#define commandAppearance_2 1383
 #define menuOption 1300
 #define menuOptionSetup 1301
 #define menuOptionSPIFolder_0 1310

@@ -33,6 +33,7 @@
 #include "ui/control/turn_file_command.h"
 #include "ui/convert/convert_commands.h"
 #include "ui/dialogs/frmProgress.h"
+#include "ui/form/dress.h"
 #include "ui/form/message_loop.h"
 #include "ui/form/worker.h"
 #include "ui/main/clipboard_commands.h"
@@ -123,6 +124,7 @@ int Main() {
         return 0;
     }
     bool isAsked = !SusieCollection().IsWaiting();
+    SetAppearance(Values().general.appearance);
     frmMain window({.commandLine = names,
                     .pluginCount = [] { return SusieCollection().Count(); },
                     .endProgram =

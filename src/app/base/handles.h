@@ -89,6 +89,12 @@ struct Bitmap : NullIsNone<HBITMAP> {
 struct Font : NullIsNone<HFONT> {
     static void Close(HFONT font) { DeleteObject(font); }
 };
+struct Brush : NullIsNone<HBRUSH> {
+    static void Close(HBRUSH brush) { DeleteObject(brush); }
+};
+struct Pen : NullIsNone<HPEN> {
+    static void Close(HPEN pen) { DeleteObject(pen); }
+};
 struct MemoryDc : NullIsNone<HDC> {
     static void Close(HDC context) { DeleteDC(context); }
 };
@@ -108,6 +114,8 @@ using UniqueGlobal = UniqueHandle<handle_traits::Global>;  // a block of GlobalA
 using UniqueMenu = UniqueHandle<handle_traits::Menu>;
 using UniqueBitmap = UniqueHandle<handle_traits::Bitmap>;
 using UniqueFont = UniqueHandle<handle_traits::Font>;
+using UniqueBrush = UniqueHandle<handle_traits::Brush>;
+using UniquePen = UniqueHandle<handle_traits::Pen>;
 using UniqueMemoryDc = UniqueHandle<handle_traits::MemoryDc>;  // from CreateCompatibleDC
 using UniqueScreenDc = UniqueHandle<handle_traits::ScreenDc>;  // from GetDC(nullptr)
 

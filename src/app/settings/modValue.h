@@ -45,6 +45,8 @@ constexpr int16_t kDeleteToBin = 0;
 constexpr int16_t kDeleteListed = 1;   // they are collected, and deleted for good together
 constexpr int16_t kDeleteForGood = 2;  // and the user is asked in words that say so
 constexpr int16_t kLastDeleteWay = kDeleteForGood;
+// The colours of the program, by `Appearance` of ui/form/appearance.h.
+constexpr int16_t kLastAppearance = 2;
 // What stands for a file in the list of them.
 constexpr int16_t kListNames = 0;
 constexpr int16_t kListPaths = 1;  // the full path
@@ -102,6 +104,7 @@ struct GeneralSettings {
     int16_t bookFromRight = 1;  // 1: their next page lies on the left
     int16_t bookCover = 1;      // 1: the first page stands alone
     int16_t deleteFinally = kDeleteToBin;
+    int16_t appearance = 0;  // 0: as the system has it
     int16_t askingSeconds = kAskingSeconds;
     int16_t workingSeconds = kWorkingSeconds;
 

@@ -120,6 +120,7 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"BookFromRight", general.bookFromRight, L"1");
     transfer(L"BookCover", general.bookCover, L"1");
     transfer(L"DeleteFinally", general.deleteFinally, L"0");
+    transfer(L"Appearance", general.appearance, L"0");
     transfer(L"EmptySPI_1", general.emptySPI[0], L"False");
     transfer(L"EmptySPI_2", general.emptySPI[1], L"False");
     transfer(L"EmptySPI_3", general.emptySPI[2], L"False");
@@ -212,6 +213,8 @@ bool ReadGeneralSettings() {
         PutSecondsRight(Values().general);
         int16_t& way = Values().general.deleteFinally;
         if (way < kDeleteToBin || way > kLastDeleteWay) way = kDeleteToBin;
+        int16_t& look = Values().general.appearance;
+        if (look < 0 || look > kLastAppearance) look = 0;
         TransferFileFormat(SectionReader(L"FileFormat"));
     });
 }

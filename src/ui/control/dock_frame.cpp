@@ -1,5 +1,6 @@
 #include "ui/control/dock_frame.h"
 
+#include "ui/form/appearance.h"
 #include "ui/form/metrics.h"
 
 namespace tessary {
@@ -43,7 +44,7 @@ LRESULT DockFrame::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_ERASEBKGND) return Default(message, wParam, lParam);
     RECT area{};
     GetClientRect(Handle(), &area);
-    FillRect(reinterpret_cast<HDC>(wParam), &area, GetSysColorBrush(COLOR_HIGHLIGHT));
+    FillRect(reinterpret_cast<HDC>(wParam), &area, BrushOf(COLOR_HIGHLIGHT));
     return 1;
 }
 

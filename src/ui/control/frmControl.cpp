@@ -9,6 +9,7 @@
 #include "res/resource.h"
 #include "ui/control/toolbar_items.h"
 #include "ui/form/activity.h"
+#include "ui/form/appearance.h"
 #include "ui/form/reparent.h"
 #include "ui/keys/key_map.h"
 
@@ -261,7 +262,7 @@ void frmControl::PaintBackground(HDC context) const {
     GetClientRect(Handle(), &area);
     const Metrics metrics(Handle());
     for (int i = 0; i < metrics.Scale(kFrame) && !dock_.IsDocked(); ++i) {
-        FrameRect(context, &area, GetSysColorBrush(COLOR_BTNSHADOW));
+        FrameRect(context, &area, BrushOf(COLOR_BTNSHADOW));
         InflateRect(&area, -1, -1);
     }
     const bool isRow = IsVertical(dock_.Side());
@@ -274,7 +275,7 @@ void frmControl::PaintBackground(HDC context) const {
         const LONG left = isRow ? at : grip.left + aside;
         const LONG top = isRow ? grip.top + aside : at;
         const RECT spot{left, top, left + dot, top + dot};
-        FillRect(context, &spot, GetSysColorBrush(COLOR_BTNSHADOW));
+        FillRect(context, &spot, BrushOf(COLOR_BTNSHADOW));
     }
 }
 

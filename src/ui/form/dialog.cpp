@@ -10,6 +10,7 @@
 #include "app/base/task_modal.h"
 #include "ui/form/control.h"
 #include "ui/form/dialog_template.h"
+#include "ui/form/dress.h"
 #include "ui/form/metrics.h"
 #include "ui/form/screen.h"
 #include "ui/form/window.h"
@@ -115,6 +116,7 @@ bool Dialog::Load() {
     });
     if (!loaded || handle_ == nullptr) return loaded;
     anchors_.Take(handle_);  // with the controls that Dialog_Load has made
+    Dress(handle_);
     PlaceWindow();
     return loaded;
 }
@@ -230,6 +232,11 @@ INT_PTR CALLBACK Dialog::Procedure(HWND handle, UINT message, WPARAM wParam, LPA
     }
     auto* const dialog = reinterpret_cast<Dialog*>(GetWindowLongPtrW(handle, DWLP_USER));
     if (dialog == nullptr) return FALSE;
+    if (const auto look = AnswerForLook(handle, message, wParam, lParam)) {
+        if (AsksForBrush(message)) return *look;
+        SetWindowLongPtrW(handle, DWLP_MSGRESULT, *look);
+        return TRUE;
+    }
     if (message == WM_NCDESTROY) {
         SetWindowLongPtrW(handle, DWLP_USER, 0);
         dialog->handle_ = nullptr;

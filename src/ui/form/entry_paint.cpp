@@ -1,6 +1,7 @@
 #include "ui/form/entry_paint.h"
 
 #include "app/base/handles.h"
+#include "ui/form/appearance.h"
 
 namespace tessary {
 namespace {
@@ -12,13 +13,6 @@ constexpr int kMarkLine = 2;
 
 constexpr int kShare = 4;  // one part of the highlight in so many makes the ground of chosen ones
 
-struct Pen {
-    using Handle = HPEN;
-    static HPEN None() { return nullptr; }
-    static void Close(HPEN pen) { DeleteObject(pen); }
-};
-using UniquePen = UniqueHandle<Pen>;
-
 COLORREF Blend(COLORREF one, COLORREF other) {
     const auto mix = [](int a, int b) { return (a + b * (kShare - 1)) / kShare; };
     return RGB(mix(GetRValue(one), GetRValue(other)), mix(GetGValue(one), GetGValue(other)),
@@ -26,14 +20,14 @@ COLORREF Blend(COLORREF one, COLORREF other) {
 }
 
 COLORREF GroundOf(const EntryLook& look) {
-    const COLORREF window = GetSysColor(COLOR_WINDOW);
-    if (look.isInView) return GetSysColor(COLOR_HIGHLIGHT);
-    return look.isChosen ? Blend(GetSysColor(COLOR_HIGHLIGHT), window) : window;
+    const COLORREF window = ColorOf(COLOR_WINDOW);
+    if (look.isInView) return ColorOf(COLOR_HIGHLIGHT);
+    return look.isChosen && !IsHighContrast() ? Blend(ColorOf(COLOR_HIGHLIGHT), window) : window;
 }
 
 COLORREF InkOf(const EntryLook& look) {
-    if (look.isInView) return GetSysColor(COLOR_HIGHLIGHTTEXT);
-    return GetSysColor(look.isDimmed ? COLOR_GRAYTEXT : COLOR_WINDOWTEXT);
+    if (look.isInView) return ColorOf(COLOR_HIGHLIGHTTEXT);
+    return ColorOf(look.isDimmed ? COLOR_GRAYTEXT : COLOR_WINDOWTEXT);
 }
 
 // A tick, for whoever cannot tell the grounds apart.

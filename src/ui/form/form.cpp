@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "app/base/error.h"
+#include "ui/form/appearance.h"
 #include "ui/form/control.h"
+#include "ui/form/dress.h"
 #include "ui/form/text_field.h"
 
 namespace tessary {
@@ -36,6 +38,7 @@ bool Form::Load(HWND owner) {
     SetIcons();
     RefuseInputMethod(Handle());
     Trapped([this] { Form_Load(); });
+    if (Handle() != nullptr) Dress(Handle());
     return Handle() != nullptr;
 }
 
@@ -82,10 +85,11 @@ void Form::FollowMetrics() {
 void Form::PaintBackground(HDC context) const {
     const SIZE size = ClientSize();
     const RECT area{0, 0, size.cx, size.cy};
-    FillRect(context, &area, GetSysColorBrush(COLOR_BTNFACE));
+    FillRect(context, &area, BrushOf(COLOR_BTNFACE));
 }
 
 LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (const auto answer = AnswerForLook(Handle(), message, wParam, lParam)) return *answer;
     if (const auto answer = Control::Reflect(message, wParam, lParam)) return *answer;
     switch (message) {
         case WM_CLOSE: {
@@ -108,7 +112,10 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         case WM_PARENTNOTIFY:
-            if (LOWORD(wParam) == WM_CREATE) RefuseInputMethod(reinterpret_cast<HWND>(lParam));
+            if (LOWORD(wParam) == WM_CREATE) {
+                RefuseInputMethod(reinterpret_cast<HWND>(lParam));
+                DressControl(reinterpret_cast<HWND>(lParam));
+            }
             return Default(message, wParam, lParam);
         // Controls with a theme have both of them painted below their round corners.
         case WM_ERASEBKGND:

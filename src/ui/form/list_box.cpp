@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/form/appearance.h"
 #include "ui/form/metrics.h"
 
 namespace tessary {
@@ -79,10 +80,10 @@ void ListBox::OnCommand(WORD notification, WORD /*id*/) {
 // A disabled list looks as it did: it is disabled for the moment of a load, and would blink.
 void ListBox::OnDrawItem(const DRAWITEMSTRUCT& item) {
     const bool selected = (item.itemState & ODS_SELECTED) != 0;
-    SetBkColor(item.hDC, GetSysColor(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
-    SetTextColor(item.hDC, GetSysColor(selected  ? COLOR_HIGHLIGHTTEXT
-                                       : dimmed_ ? COLOR_GRAYTEXT
-                                                 : COLOR_WINDOWTEXT));
+    SetBkColor(item.hDC, ColorOf(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+    SetTextColor(item.hDC, ColorOf(selected  ? COLOR_HIGHLIGHTTEXT
+                                   : dimmed_ ? COLOR_GRAYTEXT
+                                             : COLOR_WINDOWTEXT));
     RECT area = item.rcItem;
     InflateRect(&area, -textMargin_, 0);
     std::wstring text;

@@ -4,9 +4,15 @@
 #include <iterator>
 
 #include "app/base/text.h"
+#include "ui/form/dark_paint.h"
 #include "ui/form/metrics.h"
 
 namespace tessary {
+namespace {
+
+constexpr int kTextMargin = 4;  // beside a text, in pixels at 96 dpi
+
+}  // namespace
 
 void ListView::OnAttached() {
     constexpr DWORD kStyle = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP;
@@ -74,6 +80,9 @@ std::optional<LRESULT> ListView::OnNotify(NMHDR& header) {
             if (moved && select_) select_();
             return 0;
         }
+        case NM_CUSTOMDRAW:
+            if (!IsDark()) return std::nullopt;
+            return Draw(reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
         case NM_DBLCLK:
             if (Selected() >= 0 && doubleClick_) doubleClick_();
             return 0;
@@ -115,6 +124,50 @@ std::optional<LRESULT> ListView::OnOwnMessage(UINT message, WPARAM wParam, LPARA
     const LRESULT answer = OwnDefault(message, wParam, lParam);
     LayOutColumns();
     return answer;
+}
+
+// --- Dark ---
+
+LRESULT ListView::Draw(const NMLVCUSTOMDRAW& draw) const {
+    switch (draw.nmcd.dwDrawStage) {
+        case CDDS_PREPAINT:
+            return CDRF_NOTIFYITEMDRAW;
+        case CDDS_ITEMPREPAINT:
+            DrawRow(draw.nmcd.hdc, static_cast<int>(draw.nmcd.dwItemSpec),
+                    (draw.nmcd.uItemState & CDIS_FOCUS) != 0);
+            return CDRF_SKIPDEFAULT;
+        default:
+            return CDRF_DODEFAULT;
+    }
+}
+
+// A selected row would be light where the list has not the focus.
+void ListView::DrawRow(HDC context, int index, bool isFocused) const {
+    if (index < 0 || static_cast<size_t>(index) >= rows_.size()) return;
+    RECT whole{};
+    whole.left = LVIR_BOUNDS;
+    Send(LVM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&whole));
+    const bool isSelected = Send(LVM_GETITEMSTATE, static_cast<WPARAM>(index), LVIS_SELECTED) != 0;
+    const COLORREF ground = !isSelected ? kDark.field : HasFocus() ? kDark.highlight : kDark.hot;
+    const bool isEnabled = IsWindowEnabled(Handle()) != FALSE;
+    const COLORREF ink = !isEnabled   ? kDark.disabledText
+                         : isSelected ? kDark.highlightText
+                                      : kDark.text;
+    const FontInUse font(Handle(), context);
+    Fill(context, whole, ground);
+    const int margin = Metrics(Handle()).Scale(kTextMargin);
+    const Row& row = rows_[static_cast<size_t>(index)];
+    RECT area = whole;
+    for (size_t i = 0; i < columns_.size() && i < row.size(); ++i) {
+        area.right = area.left + static_cast<LONG>(Send(LVM_GETCOLUMNWIDTH, i));
+        RECT text = area;
+        InflateRect(&text, -margin, 0);
+        Write(context, row[i], text, ink,
+              (columns_[i].isNumber ? DT_RIGHT : DT_LEFT) | DT_VCENTER | DT_SINGLELINE |
+                  DT_NOPREFIX | DT_END_ELLIPSIS);
+        area.left = area.right;
+    }
+    if (isFocused && HasFocus()) PaintFocus(context, whole);
 }
 
 void ListView::LayOutColumns() {

@@ -55,6 +55,8 @@ class ListView final : public Control {
     void GiveText(LVITEMW& item) const;
     LRESULT FindRow(const NMLVFINDITEMW& wanted) const;
     void LayOutColumns();
+    LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
+    void DrawRow(HDC context, int index, bool isFocused) const;
 
     std::vector<Row> rows_;
     std::vector<Column> columns_;

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "ui/form/appearance.h"
 #include "ui/form/view_text.h"
 
 namespace tessary {
@@ -57,7 +58,7 @@ COLORREF PictureBox::BackgroundColour() const {
     LOGBRUSH brush{};
     const bool isOwn =
         background_ != nullptr && GetObjectW(background_, sizeof(brush), &brush) != 0;
-    return isOwn ? brush.lbColor : GetSysColor(COLOR_APPWORKSPACE);
+    return isOwn ? brush.lbColor : ColorOf(COLOR_APPWORKSPACE);
 }
 
 SIZE PictureBox::WholeSize() const {
@@ -109,8 +110,7 @@ void PictureBox::PaintArea(HDC screen, const RECT& area) const {
         exclude(PaintReason(screen, Handle(), reason_, BackgroundColour()));
     }
     if (events_.paint) exclude(events_.paint(screen, area));
-    FillRect(screen, &area,
-             background_ != nullptr ? background_ : GetSysColorBrush(COLOR_APPWORKSPACE));
+    FillRect(screen, &area, background_ != nullptr ? background_ : BrushOf(COLOR_APPWORKSPACE));
 }
 
 void PictureBox::ShowPointer() const {

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "ui/form/appearance.h"
+
 namespace tessary {
 
 bool Splitter::Create(HWND parent, Moves moves, std::function<void(int place)> dragged) {
@@ -49,7 +51,7 @@ LRESULT Splitter::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_ERASEBKGND: {
             RECT area{};
             GetClientRect(Handle(), &area);
-            FillRect(reinterpret_cast<HDC>(wParam), &area, GetSysColorBrush(COLOR_BTNFACE));
+            FillRect(reinterpret_cast<HDC>(wParam), &area, BrushOf(COLOR_BTNFACE));
             return 1;
         }
         case WM_SETCURSOR:

@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "app/base/raised_flag.h"
+#include "ui/form/appearance.h"
+#include "ui/form/dark_paint.h"
 #include "ui/form/metrics.h"
 
 namespace tessary {
@@ -19,7 +21,7 @@ constexpr int kSeparatorWidth = 8;
 // this far from the upper edge and not into the middle, so images come with their own margins.
 constexpr int kImageMargin = 2;
 
-bool IsDark(COLORREF color) {
+bool IsDarkColor(COLORREF color) {
     return GetRValue(color) * 299 + GetGValue(color) * 587 + GetBValue(color) * 114 < 128 * 1000;
 }
 
@@ -66,7 +68,7 @@ void Toolbar::ChangeMetrics() {
 void Toolbar::MakeImages() {
     const Metrics metrics(Handle());
     const ImageLook look{.pixels = metrics.Scale(kImageSize),
-                         .onDark = IsDark(GetSysColor(COLOR_BTNFACE))};
+                         .onDark = IsDarkColor(ColorOf(COLOR_BTNFACE))};
     const int cell = metrics.Scale(kButtonSize) - 2 * kImageMargin;
     std::vector<ArgbImage> images;
     for (int image = 1; image <= images_.count; ++image)
@@ -255,9 +257,62 @@ std::optional<LRESULT> Toolbar::OnNotify(NMHDR& header) {
             lstrcpynW(tip.pszText, StateOf(tip.iItem).toolTip.c_str(), tip.cchTextMax);
             return 0;
         }
+        case NM_CUSTOMDRAW:
+            if (!IsDark()) return std::nullopt;
+            return Draw(reinterpret_cast<const NMTBCUSTOMDRAW&>(header));
         default:
             return std::nullopt;
     }
+}
+
+// --- Dark ---
+
+LRESULT Toolbar::Draw(const NMTBCUSTOMDRAW& draw) const {
+    switch (draw.nmcd.dwDrawStage) {
+        case CDDS_PREPAINT: {
+            RECT area{};
+            GetClientRect(Handle(), &area);
+            Fill(draw.nmcd.hdc, area, kDark.face);
+            return CDRF_NOTIFYITEMDRAW;
+        }
+        case CDDS_ITEMPREPAINT:
+            DrawButton(draw);
+            return CDRF_SKIPDEFAULT;
+        default:
+            return CDRF_DODEFAULT;
+    }
+}
+
+// All of it: the system's arrow would be black.
+void Toolbar::DrawButton(const NMTBCUSTOMDRAW& draw) const {
+    const auto index = static_cast<int>(draw.nmcd.dwItemSpec);
+    if (index < 1 || index > static_cast<int>(states_.size())) return;
+    const State& state = states_[static_cast<size_t>(index) - 1];
+    const HDC context = draw.nmcd.hdc;
+    const RECT area = ButtonRectangle(index);
+    const Metrics metrics(Handle());
+    if (state.kind == ToolbarItem::Kind::kSeparator) {
+        const LONG middle = (area.left + area.right) / 2;
+        return Fill(context, {middle, area.top + 3, middle + 1, area.bottom - 3}, kDark.line);
+    }
+    const UINT now = draw.nmcd.uItemState;
+    const bool isPressed = (now & CDIS_SELECTED) != 0;
+    const bool isHot = (now & CDIS_HOT) != 0;
+    if (state.enabled && (isPressed || isHot || state.checked)) {
+        Fill(context, area, isPressed || state.checked ? kDark.pressed : kDark.hot);
+        Frame(context, area, isHot ? kDark.accent : kDark.edge);
+    }
+    const int size = metrics.Scale(kButtonSize);
+    const int cell = size - 2 * kImageMargin;
+    ImageList_Draw((state.enabled ? normal_ : greyed_).Get(), state.image - 1, context,
+                   area.left + (size - cell) / 2, (area.top + area.bottom - cell) / 2,
+                   ILD_TRANSPARENT);
+    if (state.kind != ToolbarItem::Kind::kDropDown) return;
+    const LONG middle = (area.left + size + area.right) / 2;
+    const int half = metrics.Scale(3);
+    const LONG top = (area.top + area.bottom - half) / 2;
+    const POINT arrow[] = {{middle - half, top}, {middle + half, top}, {middle, top + half}};
+    FillShape(context, arrow, 3, state.enabled ? kDark.text : kDark.disabledText);
 }
 
 std::optional<LRESULT> Toolbar::OnOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -266,7 +321,7 @@ std::optional<LRESULT> Toolbar::OnOwnMessage(UINT message, WPARAM wParam, LPARAM
         case WM_ERASEBKGND: {
             RECT area{};
             GetClientRect(Handle(), &area);
-            FillRect(reinterpret_cast<HDC>(wParam), &area, GetSysColorBrush(COLOR_BTNFACE));
+            FillRect(reinterpret_cast<HDC>(wParam), &area, BrushOf(COLOR_BTNFACE));
             return TRUE;
         }
         case WM_SYSCOLORCHANGE:

@@ -91,6 +91,8 @@ class Toolbar final : public Control {
 
     HWND ToolTips() const { return reinterpret_cast<HWND>(Send(TB_GETTOOLTIPS)); }
     void MakeImages();
+    LRESULT Draw(const NMTBCUSTOMDRAW& draw) const;
+    void DrawButton(const NMTBCUSTOMDRAW& draw) const;
     void MakeButtons();
     int WidthOf(const State& state) const;
     SIZE BreakRows(std::vector<State>& states, int width) const;

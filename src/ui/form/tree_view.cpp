@@ -1,5 +1,7 @@
 #include "ui/form/tree_view.h"
 
+#include "ui/form/appearance.h"
+
 namespace tessary {
 
 void TreeView::OnAttached() {
@@ -75,9 +77,22 @@ std::optional<LRESULT> TreeView::OnNotify(NMHDR& header) {
         case TVN_ITEMEXPANDINGW:
             if ((change.action & TVE_EXPAND) == 0 || !expand_) return FALSE;
             return expand_(change.itemNew.hItem) ? FALSE : TRUE;
+        case NM_CUSTOMDRAW:
+            if (!IsDark()) return std::nullopt;
+            return Draw(reinterpret_cast<NMTVCUSTOMDRAW&>(header));
         default:
             return std::nullopt;
     }
+}
+
+// A selected entry would be light where the tree has not the focus.
+LRESULT TreeView::Draw(NMTVCUSTOMDRAW& draw) const {
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) return CDRF_DODEFAULT;
+    const bool isSelected = (draw.nmcd.uItemState & CDIS_SELECTED) != 0;
+    draw.clrText = isSelected ? kDark.highlightText : kDark.text;
+    draw.clrTextBk = !isSelected ? kDark.field : HasFocus() ? kDark.highlight : kDark.hot;
+    return CDRF_DODEFAULT;
 }
 
 }  // namespace tessary

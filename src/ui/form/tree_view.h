@@ -54,6 +54,7 @@ class TreeView final : public Control {
   private:
     void OnAttached() override;
     std::optional<LRESULT> OnNotify(NMHDR& header) override;
+    LRESULT Draw(NMTVCUSTOMDRAW& draw) const;
     Node Next(UINT relation, Node node) const {
         return reinterpret_cast<Node>(
             Send(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(node)));

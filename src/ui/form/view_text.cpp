@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "app/base/handles.h"
+#include "ui/form/appearance.h"
 #include "ui/form/metrics.h"
 
 namespace tessary {
@@ -71,10 +72,10 @@ class LaidOutText {
 
 COLORREF ReadableOn(COLORREF background) {
     const auto distance = [&](int index) {
-        return std::abs(BrightnessOf(GetSysColor(index)) - BrightnessOf(background));
+        return std::abs(BrightnessOf(ColorOf(index)) - BrightnessOf(background));
     };
-    return GetSysColor(distance(COLOR_WINDOWTEXT) >= distance(COLOR_WINDOW) ? COLOR_WINDOWTEXT
-                                                                            : COLOR_WINDOW);
+    return ColorOf(distance(COLOR_WINDOWTEXT) >= distance(COLOR_WINDOW) ? COLOR_WINDOWTEXT
+                                                                        : COLOR_WINDOW);
 }
 
 RECT PaintReason(HDC screen, HWND window, const std::wstring& text, COLORREF background) {
@@ -95,8 +96,8 @@ RECT PaintNote(HDC screen, HWND window, const std::wstring& text) {
     const RECT place =
         laidOut.PaintAt(screen, (area.cx - size.cx) / 2,
                         std::max<LONG>(area.cy - size.cy - metrics.Scale(kMargin), 0),
-                        GetSysColor(COLOR_INFOBK), GetSysColor(COLOR_INFOTEXT));
-    FrameRect(screen, &place, GetSysColorBrush(COLOR_INFOTEXT));
+                        ColorOf(COLOR_INFOBK), ColorOf(COLOR_INFOTEXT));
+    FrameRect(screen, &place, BrushOf(COLOR_INFOTEXT));
     return place;
 }
 

@@ -17,6 +17,7 @@
 #include "ui/form/screen.h"
 #include "ui/form/session_hold.h"
 #include "ui/keys/key_map.h"
+#include "ui/main/appearance_commands.h"
 #include "ui/main/window_placement.h"
 
 namespace tessary {
@@ -95,6 +96,7 @@ void frmMain::RegisterCommands() {
     RegisterBackdropCommands();
     RegisterFrameCommands();
     RegisterFullScreenCommands();
+    RegisterAppearanceCommands(commands_);
 }
 
 void frmMain::Form_Load() {

@@ -6,6 +6,7 @@
 #include "app/base/paths.h"
 #include "places/place_memory.h"
 #include "res/resource.h"
+#include "ui/form/appearance.h"
 #include "ui/form/picture_box.h"
 #include "ui/form/view_text.h"
 #include "ui/keys/key_map.h"
@@ -91,8 +92,8 @@ void HintLink::OnDrawItem(const DRAWITEMSTRUCT& item) {
     const UniqueFont font(CreateFontIndirectW(&design));
     const HGDIOBJ former = SelectObject(screen, font.Get());
     // The system's dotted rectangle is not to be seen on a medium grey.
-    SetBkColor(screen, isFocused ? GetSysColor(COLOR_HIGHLIGHT) : look.ground);
-    SetTextColor(screen, isFocused ? GetSysColor(COLOR_HIGHLIGHTTEXT) : ReadableOn(look.ground));
+    SetBkColor(screen, isFocused ? ColorOf(COLOR_HIGHLIGHT) : look.ground);
+    SetTextColor(screen, isFocused ? ColorOf(COLOR_HIGHLIGHTTEXT) : ReadableOn(look.ground));
     ExtTextOutW(screen, 0, 0, ETO_OPAQUE, &area, nullptr, 0, nullptr);
     InflateRect(&area, -metrics.Scale(kPadding), 0);
     std::wstring text = Text();

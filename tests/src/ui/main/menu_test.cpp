@@ -6,17 +6,18 @@
 #include "tests/src/ui/main/main_window.h"
 #include "tests/src/ui/message_spy.h"
 #include "ui/form/activity.h"
+#include "ui/form/appearance.h"
 #include "ui/form/clipboard.h"
 
 namespace tessary {
 namespace {
 
-const std::set<int> kAlways{menuFileExit,          menuViewControlBar, menuControl_0,
-                            menuControl_1,         menuControl_2,      menuControl_3,
-                            menuControl_4,         menuControl_5,      commandFullScreen,
-                            commandEnlargeSmall,   commandBackdrop_0,  commandBackdrop_1,
-                            commandBackdrop_2,     commandBackdrop_3,  commandBackdrop,
-                            commandPlayAnimations, commandShowInfo};
+const std::set<int> kAlways{
+    menuFileExit,      menuViewControlBar,  menuControl_0,       menuControl_1,
+    menuControl_2,     menuControl_3,       menuControl_4,       menuControl_5,
+    commandFullScreen, commandEnlargeSmall, commandBackdrop_0,   commandBackdrop_1,
+    commandBackdrop_2, commandBackdrop_3,   commandBackdrop,     commandPlayAnimations,
+    commandShowInfo,   commandAppearance_0, commandAppearance_1, commandAppearance_2};
 
 class MenuTest : public test::MainWindowTest {
   protected:
@@ -137,6 +138,32 @@ TEST_F(MenuTest, PopupShowsAndCopiesWhatIsKnownOfThePicture) {
     EXPECT_FALSE(CurrentPicture());
     EXPECT_FALSE(window_.PictureShown());
     EXPECT_EQ(Panel(kPluginCountPanel), L"");
+}
+
+TEST_F(MenuTest, AppearanceHoldsAtOnce) {
+    Load();
+    const HWND view = FindWindowExW(window_.Handle(), nullptr, L"TessaryPictureBox", nullptr);
+    ASSERT_NE(view, nullptr);
+    const auto isDarkView = [&] {
+        const UniqueScreenDc screen(GetDC(nullptr));
+        const UniqueMemoryDc memory(CreateCompatibleDC(screen.Get()));
+        const UniqueBitmap bitmap(CreateCompatibleBitmap(screen.Get(), 4, 4));
+        const HGDIOBJ former = SelectObject(memory.Get(), bitmap.Get());
+        SendMessageW(view, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(memory.Get()), PRF_CLIENT);
+        const COLORREF ground = GetPixel(memory.Get(), 2, 2);
+        SelectObject(memory.Get(), former);
+        return ground == kDark.view;
+    };
+    for (const int choice : {commandAppearance_1, commandAppearance_2, commandAppearance_1}) {
+        const bool isDark = choice == commandAppearance_2;
+        Choose(choice);
+        EXPECT_EQ(Values().general.appearance, choice - commandAppearance_0);
+        EXPECT_EQ(isDarkView(), isDark);
+        SendMessageW(window_.Handle(), WM_SYSCOLORCHANGE, 0, 0);  // which changes nothing of it
+        EXPECT_EQ(isDarkView(), isDark);
+        AliveItems();
+        EXPECT_EQ((GetMenuState(Menu(), choice, MF_BYCOMMAND) & MF_CHECKED) != 0, true);
+    }
 }
 
 }  // namespace
