@@ -5,6 +5,7 @@
 
 #include "ui/form/dark_paint.h"
 #include "ui/form/metrics.h"
+#include "ui/form/system_look.h"
 
 namespace tessary {
 namespace {
@@ -32,7 +33,7 @@ COLORREF EdgeOf(HWND control) {
 // What the field says as long as nothing is in it.
 std::wstring CueOf(HWND edit) {
     wchar_t cue[kMostCue] = {};
-    if (GetWindowTextLengthW(edit) != 0 || GetFocus() == edit) return {};
+    if (GetWindowTextLengthW(edit) != 0) return {};
     SendMessageW(edit, EM_GETCUEBANNER, reinterpret_cast<WPARAM>(cue), kMostCue);
     return cue;
 }
@@ -73,12 +74,29 @@ UINT StyleOfText(LONG style) {
 void PaintEdge(HWND control) {
     constexpr LONG kEdges = WS_EX_CLIENTEDGE | WS_EX_STATICEDGE;
     const LONG edges = GetWindowLongW(control, GWL_EXSTYLE) & kEdges;
-    if (edges == 0 && (StyleOf(control) & WS_BORDER) == 0) return;
+    constexpr LONG kBothBars = WS_HSCROLL | WS_VSCROLL;
+    const bool hasEdge = edges != 0 || (StyleOf(control) & WS_BORDER) != 0;
+    // Where the bars are light it may be so too.
+    const bool hasCorner = (StyleOf(control) & kBothBars) == kBothBars && HasDarkLooks();
+    if (!hasEdge && !hasCorner) return;
     RECT area{};
     GetWindowRect(control, &area);
+    const POINT origin{area.left, area.top};
     OffsetRect(&area, -area.left, -area.top);
     const HDC context = GetWindowDC(control);
     if (context == nullptr) return;
+    if (hasCorner) {
+        RECT client{};
+        GetClientRect(control, &client);
+        POINT corner{client.right, client.bottom};
+        ClientToScreen(control, &corner);
+        Fill(context, {corner.x - origin.x, corner.y - origin.y, area.right, area.bottom},
+             kDark.face);
+    }
+    if (!hasEdge) {
+        ReleaseDC(control, context);
+        return;
+    }
     // A line between parts has such an edge and no more.
     Frame(context, area, edges == WS_EX_STATICEDGE ? kDark.line : EdgeOf(control));
     const int width = (edges & WS_EX_CLIENTEDGE) != 0 ? GetSystemMetrics(SM_CXEDGE) : 1;

@@ -5,8 +5,8 @@
 
 namespace tessary {
 
-// The edge that a control has outside of its client area, where it has one, over that which the
-// system has drawn.
+// What a control has outside of its client area, over that which the system has drawn: its edge,
+// and the corner between two scroll bars.
 void PaintEdge(HWND control);
 
 // A `DarkPainter` of a field with a list that drops down.

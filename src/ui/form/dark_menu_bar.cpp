@@ -78,7 +78,7 @@ void CoverLine(HWND window) {
 
 std::optional<LRESULT> PaintMenuBar(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const bool isChild = (GetWindowLongW(window, GWL_STYLE) & WS_CHILD) != 0;
-    if (isChild || GetMenu(window) == nullptr || !LetsDrawMenuBars()) return std::nullopt;
+    if (isChild || GetMenu(window) == nullptr || !HasDarkLooks()) return std::nullopt;
     switch (message) {
         case kDrawMenu:
             if (lParam == 0) return std::nullopt;

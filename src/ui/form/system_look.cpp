@@ -65,6 +65,10 @@ void AllowForWindow(HWND window, bool isDark) {
 
 }  // namespace
 
+bool HasDarkLooks() {
+    return Build() >= k1809;
+}
+
 bool ShowsHighContrast() {
     HIGHCONTRASTW contrast{};
     contrast.cbSize = sizeof(contrast);
@@ -73,7 +77,7 @@ bool ShowsHighContrast() {
 }
 
 bool WantsDarkPrograms() {
-    if (Build() < k1809) return false;
+    if (!HasDarkLooks()) return false;
     DWORD light = 1;
     DWORD size = sizeof(light);
     const LSTATUS status = RegGetValueW(
@@ -83,7 +87,7 @@ bool WantsDarkPrograms() {
 }
 
 void ShowFrameDark(HWND window, bool isDark) {
-    if (Build() < k1809) return;
+    if (!HasDarkLooks()) return;
     AllowForWindow(window, isDark);
     using Call = HRESULT(WINAPI*)(HWND, DWORD, const void*, DWORD);
     static const auto setAttribute = SystemFunction<Call>(L"dwmapi.dll", "DwmSetWindowAttribute");
@@ -115,15 +119,11 @@ void ShowMenusDark(bool isDark) {
 }
 
 void ShowControlDark(HWND control, bool isDark) {
-    if (Build() < k1809) return;
+    if (!HasDarkLooks()) return;
     AllowForWindow(control, isDark);
     using Call = HRESULT(WINAPI*)(HWND, const wchar_t*, const wchar_t*);
     static const auto setTheme = SystemFunction<Call>(kThemes, "SetWindowTheme");
     if (setTheme != nullptr) setTheme(control, isDark ? L"DarkMode_Explorer" : nullptr, nullptr);
-}
-
-bool LetsDrawMenuBars() {
-    return Build() >= k1809;
 }
 
 }  // namespace tessary

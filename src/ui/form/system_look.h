@@ -23,7 +23,7 @@ void ShowMenusDark(bool isDark);
 // What the system draws of a control: scroll bars, and what we leave to it.
 void ShowControlDark(HWND control, bool isDark);
 
-// Whether the system lets windows draw their menu bars.
-bool LetsDrawMenuBars();
+// Whether the system has such looks: then it lets windows draw their menu bars, too.
+bool HasDarkLooks();
 
 }  // namespace tessary

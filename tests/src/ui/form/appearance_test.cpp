@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "res/resource.h"
+#include "ui/form/dialog.h"
 #include "ui/form/dress.h"
 #include "ui/form/form.h"
 #include "ui/form/message_loop.h"
@@ -178,6 +180,30 @@ TEST_F(AppearanceTest, EveryControlIsDarkAndReadableAndLightAgainAsBefore) {
     SetAppearance(kLightLook);
     Paint();
     EXPECT_TRUE(PixelsOf(form_.Handle()) == before);
+}
+
+class TextDialog final : public Dialog {
+  public:
+    TextDialog() : Dialog(dialogRename) {}
+};
+
+TEST_F(AppearanceTest, OpenDialogsFollowAndNewOnesComeUpSo) {
+    TextDialog dialog;
+    const auto ground = [&] {
+        SetWindowPos(dialog.Handle(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE);
+        RedrawWindow(dialog.Handle(), nullptr, nullptr,
+                     RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        return PixelsOf(dialog.Handle()).front();
+    };
+    ASSERT_TRUE(dialog.Show(nullptr));
+    EXPECT_EQ(ground(), GetSysColor(COLOR_BTNFACE));
+    SetAppearance(kDarkLook);
+    EXPECT_EQ(ground(), kDark.face);
+    dialog.Close(IDCANCEL);
+    ASSERT_TRUE(dialog.Show(nullptr));
+    EXPECT_EQ(ground(), kDark.face);
+    SetAppearance(kLightLook);
+    EXPECT_EQ(ground(), GetSysColor(COLOR_BTNFACE));
 }
 
 }  // namespace
