@@ -2,6 +2,7 @@
 
 #include "ui/form/dark_paint.h"
 #include "ui/form/metrics.h"
+#include "ui/form/reparent.h"
 #include "ui/form/system_look.h"
 
 namespace tessary {
@@ -77,8 +78,7 @@ void CoverLine(HWND window) {
 }  // namespace
 
 std::optional<LRESULT> PaintMenuBar(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    const bool isChild = (GetWindowLongW(window, GWL_STYLE) & WS_CHILD) != 0;
-    if (isChild || GetMenu(window) == nullptr || !HasDarkLooks()) return std::nullopt;
+    if (IsPart(window) || GetMenu(window) == nullptr || !HasDarkLooks()) return std::nullopt;
     switch (message) {
         case kDrawMenu:
             if (lParam == 0) return std::nullopt;

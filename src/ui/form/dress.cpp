@@ -6,6 +6,7 @@
 #include "ui/form/appearance.h"
 #include "ui/form/dark_menu_bar.h"
 #include "ui/form/dressed_control.h"
+#include "ui/form/reparent.h"
 #include "ui/form/system_look.h"
 
 namespace tessary {
@@ -40,14 +41,15 @@ void DressTips() {
 }
 
 void Show(HWND window) {
-    if ((GetWindowLongW(window, GWL_STYLE) & WS_CHILD) == 0) ShowFrameDark(window, IsDark());
+    if (!IsPart(window)) ShowFrameDark(window, IsDark());
     EnumChildWindows(window, DressOne, 0);
 }
 
 void Restyle() {
     DropEnded();
     ShowMenusDark(IsDark());
-    const std::vector<HWND> windows = Windows();
+    std::vector<HWND> windows = Windows();
+    std::erase_if(windows, IsPart);
     for (const HWND window : windows)
         Show(window);
     DressTips();

@@ -10,6 +10,7 @@
 #include "ui/form/appearance.h"
 #include "ui/form/control.h"
 #include "ui/form/dress.h"
+#include "ui/form/reparent.h"
 #include "ui/form/text_field.h"
 
 namespace tessary {
@@ -131,7 +132,8 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         case WM_SYSCOLORCHANGE:
-            TellColorChange(Handle());
+            // The controls of a part are told by the window that it is in.
+            if (!IsPart(Handle())) TellColorChange(Handle());
             return 0;
         case WM_SETTINGCHANGE:
             // Comes for each setting of the system, most of which change nothing here.

@@ -39,4 +39,8 @@ void MakePopup(HWND part, HWND owner) {
                  SWP_NOSIZE | SWP_NOACTIVATE | SWP_FRAMECHANGED);
 }
 
+bool IsPart(HWND window) {
+    return (GetWindowLongPtrW(window, GWL_STYLE) & WS_CHILD) != 0;
+}
+
 }  // namespace tessary

@@ -13,4 +13,7 @@ void MakePart(HWND popup, HWND parent);
 // must not be in it.
 void MakePopup(HWND part, HWND owner);
 
+// Whether a window is a part of another one now.
+bool IsPart(HWND window);
+
 }  // namespace tessary
