@@ -71,11 +71,13 @@ UniqueProcess OwnHandle() {
     return UniqueProcess(own);
 }
 
-// A priority class no higher than that of this process, nor than the usual one.
+// A priority class no higher than that of this process, nor than the usual one; below that for a
+// thread that is.
 DWORD ModestPriority() {
     const DWORD own = GetPriorityClass(GetCurrentProcess());
-    const bool isLow = own == IDLE_PRIORITY_CLASS || own == BELOW_NORMAL_PRIORITY_CLASS;
-    return isLow ? own : NORMAL_PRIORITY_CLASS;
+    if (own == IDLE_PRIORITY_CLASS || own == BELOW_NORMAL_PRIORITY_CLASS) return own;
+    const bool isLow = GetThreadPriority(GetCurrentThread()) < THREAD_PRIORITY_NORMAL;
+    return isLow ? BELOW_NORMAL_PRIORITY_CLASS : NORMAL_PRIORITY_CLASS;
 }
 
 // A job whose processes end with its last handle, and get no more than so much memory. Null where

@@ -112,7 +112,10 @@ class EntryList {
     }
 
     // Takes what else is known of the entries, which are the same.
-    void Refresh(std::vector<Entry> entries) { entries_ = std::move(entries); }
+    void Refresh(std::vector<Entry> entries) {
+        entries_ = std::move(entries);
+        if (mirror_ != nullptr) mirror_->ChosenChanged();
+    }
     void Update(int index, Entry entry) {
         entries_[static_cast<size_t>(index)] = std::move(entry);
         if (mirror_ != nullptr) mirror_->ChosenChanged();

@@ -51,6 +51,14 @@ constexpr int16_t kLastAppearance = 2;
 constexpr int16_t kListNames = 0;
 constexpr int16_t kListPaths = 1;  // the full path
 
+// What a list shows of its entries.
+constexpr int16_t kLookNames = 0;
+constexpr int16_t kLookBoth = 1;  // small pictures with the names below
+constexpr int16_t kLookPictures = 2;
+constexpr int16_t kLastLook = kLookPictures;
+// How large the small pictures are, in pixels at 96 dpi.
+constexpr int kThumbSides[] = {96, 128, 192};
+
 // Settings of the section `General`, but for the display size mode.
 struct GeneralSettings {
     int16_t useSPI = 0;                          // 1: use Susie plug-ins
@@ -92,13 +100,17 @@ struct GeneralSettings {
     int16_t atListEnd = kEndStays;
     int16_t backToLast = 1;  // 1: a step back into an archive leads to its last picture
     int16_t listText = kListNames;
-    int16_t shortList = 0;      // 1: lists end at kShortListCount entries
-    int16_t showLoops = 0;      // 1: a slide show goes round at the ends
-    int16_t showRandom = 0;     // 1: it goes through the files in random order
-    int16_t spaceScrolls = 1;   // 1: Space goes through a picture before it leads to the next
-    int16_t plainTitle = 0;     // 1: the title does not tell what is shown
-    int16_t notePlace = 1;      // 1: on the full screen each step tells name and place
-    int16_t goOnAtOnce = 0;     // 1: what is opened once more is shown where the user stopped
+    int16_t fileLook = kLookNames;    // of the list of files
+    int16_t memberLook = kLookNames;  // of the list of members
+    int16_t thumbSize = 1;            // kThumbSides
+    int32_t thumbMegabytes = 200;     // on the disk; 0: none are kept there
+    int16_t shortList = 0;            // 1: lists end at kShortListCount entries
+    int16_t showLoops = 0;            // 1: a slide show goes round at the ends
+    int16_t showRandom = 0;           // 1: it goes through the files in random order
+    int16_t spaceScrolls = 1;         // 1: Space goes through a picture before it leads to the next
+    int16_t plainTitle = 0;           // 1: the title does not tell what is shown
+    int16_t notePlace = 1;            // 1: on the full screen each step tells name and place
+    int16_t goOnAtOnce = 0;           // 1: what is opened once more is shown where the user stopped
     int16_t bookArchives = 0;   // 1: archives that nothing else was chosen for are read as books
     int16_t bookFolders = 0;    // the same of folders
     int16_t bookFromRight = 1;  // 1: their next page lies on the left

@@ -108,6 +108,10 @@ void TransferGeneral(const Section& transfer) {
     transfer(L"AtListEnd", general.atListEnd, L"1");
     transfer(L"BackToLast", general.backToLast, L"1");
     transfer(L"ListText", general.listText, L"0");
+    transfer(L"FileLook", general.fileLook, L"0");
+    transfer(L"MemberLook", general.memberLook, L"0");
+    transfer(L"ThumbSize", general.thumbSize, L"1");
+    transfer(L"ThumbMegabytes", general.thumbMegabytes, L"200");
     transfer(L"ShortList", general.shortList, L"0");
     transfer(L"ShowLoops", general.showLoops, L"0");
     transfer(L"ShowRandom", general.showRandom, L"0");

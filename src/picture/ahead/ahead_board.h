@@ -46,7 +46,20 @@ struct AheadTask {
     std::shared_ptr<AheadProgress> progress{};
 };
 
-class AheadBoard {
+// Where threads that read get their tasks from, and bring the pictures to.
+class ReadingBoard {
+  public:
+    // Waits for one, at most so long. Nothing: there is none.
+    virtual std::optional<AheadTask> TakeTask(DWORD milliseconds) = 0;
+    // What has come of it; nothing: no picture that could be shown without another look.
+    virtual void Finish(const AheadTask& task, std::optional<AheadPicture> picture) = 0;
+    virtual bool HasEnded() const = 0;
+
+  protected:
+    ~ReadingBoard() = default;
+};
+
+class AheadBoard final : public ReadingBoard {
   public:
     explicit AheadBoard(size_t budget) { cache_.SetBudget(budget); }
 
@@ -74,12 +87,10 @@ class AheadBoard {
 
     // --- Those that read ---
 
-    // Waits for one, at most so long. Nothing: there is none.
-    std::optional<AheadTask> TakeTask(DWORD milliseconds);
-    // What has come of it; nothing: no picture that could be shown without another look. It is not
-    // tried again while it is planned.
-    void Finish(const AheadTask& task, std::optional<AheadPicture> picture);
-    bool HasEnded() const { return hasEnded_; }
+    std::optional<AheadTask> TakeTask(DWORD milliseconds) override;
+    // What could not be read is not tried again while it is planned.
+    void Finish(const AheadTask& task, std::optional<AheadPicture> picture) override;
+    bool HasEnded() const override { return hasEnded_; }
 
   private:
     bool IsToDo(const AheadEntry& entry) const;

@@ -107,7 +107,7 @@ class Attempt {
 
 }  // namespace
 
-void ReadForBoard(const std::shared_ptr<AheadBoard>& board, const AheadSource& source) {
+void ReadForBoard(const std::shared_ptr<ReadingBoard>& board, const AheadSource& source) {
     const DivertedErrors untold([](const RaisedError&) {});
     std::optional<OwnPlugins> plugins;
     std::shared_ptr<const KnownPlugins> known;

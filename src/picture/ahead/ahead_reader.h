@@ -23,6 +23,6 @@ struct AheadSource {
 // Reads what the board wants until that has ended. Failures are told nobody and counted nowhere:
 // what cannot be read is read once more when somebody asks for it. Nobody is preferred among the
 // plug-ins for having accepted last: what is read first is chance here.
-void ReadForBoard(const std::shared_ptr<AheadBoard>& board, const AheadSource& source);
+void ReadForBoard(const std::shared_ptr<ReadingBoard>& board, const AheadSource& source);
 
 }  // namespace tessary

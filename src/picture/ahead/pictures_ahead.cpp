@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "app/base/modGetFolder.h"
 #include "app/settings/modValue.h"
 #include "picture/ahead/ahead_rules.h"
 #include "plugin/modSusie.h"
@@ -9,11 +10,13 @@
 namespace tessary {
 
 void PicturesAhead::Begin(int threads, ConnectorMaker connect) {
+    thumbs_.Begin(threads, connect, LocalDataFolder());
     threads_ =
         std::make_unique<AheadThreads>(threads, AheadSource{std::move(connect), MayBeReadAhead});
 }
 
 void PicturesAhead::End() {
+    thumbs_.End();
     threads_.reset();
     plugins_.reset();
 }
@@ -57,6 +60,7 @@ void PicturesAhead::Keep(AheadPicture picture) {
 }
 
 void PicturesAhead::Rest() {
+    thumbs_.Rest();
     if (threads_ == nullptr) return;
     AheadPlan nothing;
     nothing.budget = AheadBudget(Values().general.readAheadMemory);
@@ -65,6 +69,7 @@ void PicturesAhead::Rest() {
 }
 
 void PicturesAhead::Forget() {
+    thumbs_.Forget();
     if (threads_ != nullptr) threads_->Board().Forget();
     plugins_.reset();
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "picture/ahead/ahead_threads.h"
+#include "picture/ahead/thumbnails.h"
 
 namespace tessary {
 
@@ -25,6 +26,9 @@ class PicturesAhead {
     // What to read, as AheadPlan says. Nothing, and nothing is kept, when the user does not want
     // it; nothing is read while the computer saves its battery.
     void Plan(std::vector<AheadEntry> next, AheadEntry shown, PreparePicture prepare);
+
+    // Small pictures for lists, by threads of their own.
+    Thumbnails& Thumbs() { return thumbs_; }
 
     // As AheadThreads::Await.
     std::optional<AheadPicture> Take(const AheadEntry& entry);
@@ -46,6 +50,7 @@ class PicturesAhead {
 
     std::unique_ptr<AheadThreads> threads_;  // null: nothing is read ahead
     std::shared_ptr<const KnownPlugins> plugins_;
+    Thumbnails thumbs_;
 };
 
 // The one of the program.

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "app/settings/modValue.h"
+#include "picture/ahead/pictures_ahead.h"
 #include "res/resource.h"
 #include "ui/control/toolbar_items.h"
 #include "ui/form/activity.h"
@@ -92,6 +93,7 @@ frmControl::frmControl(frmMain& window)
     RegisterDockCommands();
     RegisterFileCommands();
     RegisterChoosing();
+    RegisterLooks();
     window_.OnPictureShownChanged([this] {
         if (formLoaded_) UpdateToolbar();
     });
@@ -145,13 +147,14 @@ void frmControl::CreateControls() {
         label.Create(Handle(), text);
         label.SetVisible(false);
     };
-    const auto keys = [this](int keyCode, int shift) { return PassKeyOn(keyCode, shift); };
     const auto makeList = [&](VirtualList& list, Label& label, const wchar_t* text,
-                              const ListContent& content) {
+                              ListContent& content) {
         name(label, text);
         list.Create(Handle(), content, &list == &listFileName_);
         list.SetText(text);  // some systems know a list's name from there
-        list.OnKeyDown(keys);
+        list.OnKeyDown([this, &list](int keyCode, int shift) {
+            return list.PictureSide() == 0 && PassKeyOn(keyCode, shift);
+        });
     };
     coolBar_.Create(Handle(), ControlBarItems(), ControlBarImages());
     coolBar_.SetText(L"操作ボタン");
@@ -166,7 +169,8 @@ void frmControl::CreateControls() {
     placeSlider_.Create(Handle(), L"位置");
 
     makeList(listFileName_, filesName_, L"ファイルの一覧", shownFiles_);
-    listFileName_.OnMenu([this](POINT place) { ShowListMenu(place); });
+    listFileName_.OnMenu([this](POINT place) { ShowListMenu(place, false); });
+    listArchiveFile_.OnMenu([this](POINT place) { ShowListMenu(place, true); });
     listFileName_.OnSelect([this](int index) { SelectFileByHand(index); });
     listFileName_.OnChoose([this](std::vector<int> all) { ChooseFiles(std::move(all)); });
     makeList(listArchiveFile_, membersName_, L"圧縮ファイルの中身", shownMembers_);
@@ -183,6 +187,7 @@ void frmControl::Form_MetricsChanged() {
     textFileInfo_.SetFont(font_.Get());
     for (VirtualList* const list : {&listFileName_, &listArchiveFile_})
         list->SetFont(font_.Get());
+    TakeLooks();
     deletePanel_.SetFont(font_.Get());
     coolBar_.ChangeMetrics();
     placeSlider_.SetThumb(Metrics(Handle()).Scale(kThumbHeight));
@@ -206,6 +211,7 @@ void frmControl::Form_Unload() {
     wishesDue_.Stop();
     placeDue_.Stop();
     follower_.End();
+    Ahead().Thumbs().OnNews({});
     wishes_ = {};
     SavePlace();
     sequence_.Clear();

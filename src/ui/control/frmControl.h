@@ -42,9 +42,6 @@
 
 namespace tessary {
 
-// What is read of a member, or a page, that is listed.
-AheadEntry EntryOfMember(const FileSequence& sequence, int index);
-
 class frmControl final : public Form, public ControlBar, public MemberList, private DeleteListHost {
   public:
     // The main window shows the pictures, owns the loaded bar and must outlive it.
@@ -206,7 +203,12 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void ChooseAll();
     void MarkAndGoOn();
     void TellChosen();
-    void ShowListMenu(POINT place);
+    void ShowListMenu(POINT place, bool isOfMembers);
+
+    // --- Their small pictures (frmControl_thumbs.cpp) ---
+    void RegisterLooks();
+    void TakeLooks();
+    void WantThumbs();
 
     // --- Stepping, and what is asked for meanwhile (frmControl_wishes.cpp) ---
     bool MoveBy(int steps, bool inArchive);
@@ -343,7 +345,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     DeletePanel deletePanel_;
     FileSequence sequence_;
     ShownFiles shownFiles_{listFileName_, sequence_.Files()};
-    ShownMembers shownMembers_{listArchiveFile_, sequence_.Members()};
+    ShownMembers shownMembers_{listArchiveFile_, sequence_};
     RandomWay randomWay_{GetTickCount()};  // of the slide show
     DeleteList deleteList_{sequence_, *this};
     FileHistory history_;

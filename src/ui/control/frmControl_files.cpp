@@ -113,12 +113,12 @@ void frmControl::Remember(const std::vector<BinnedFile>& binned) {
 }
 
 // About the chosen files, or the entry that the right click has selected.
-void frmControl::ShowListMenu(POINT place) {
+void frmControl::ShowListMenu(POINT place, bool isOfMembers) {
     const int entry = sequence_.Files().Cursor();
     if (entry < 0 || listsChange_) return;
-    const UniqueMenu window = LoadMenuResource(menuListWindow);
+    const UniqueMenu window = LoadMenuResource(isOfMembers ? menuMembersWindow : menuListWindow);
     const HMENU popup = GetSubMenu(window.Get(), 0);
-    contextFile_ = sequence_.Files().Text(entry);
+    if (!isOfMembers) contextFile_ = sequence_.Files().Text(entry);
     window_.Commands().ShowState(popup);
     const int chosen = TrackPopupMenuEx(popup, TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y,
                                         Handle(), nullptr);

@@ -5,6 +5,7 @@
 #include "app/base/error.h"
 #include "app/base/paths.h"
 #include "app/settings/modValue.h"
+#include "picture/ahead/pictures_ahead.h"
 #include "picture/read/arrangement.h"
 #include "picture/show/modShowPicture.h"
 #include "picture/show/picture_text.h"
@@ -44,14 +45,16 @@ bool IsPlainFile(const std::wstring& path) {
 
 frmControl::Busy::Busy(frmControl& bar, const wchar_t* what) : bar_(bar), focused_(GetFocus()) {
     reading_.emplace(bar.window_, what);
-    ++bar_.busy_;
+    if (++bar_.busy_ == 1) Ahead().Thumbs().Hold(true);
     if (bar_.burst_ != nullptr) return;
     if (!bar_.player_.IsPlaying()) pointer_.emplace();
 }
 
 frmControl::Busy::~Busy() {
     reading_.reset();
-    if (--bar_.busy_ == 0 && bar_.burst_ == nullptr) bar_.EnableParts(focused_);
+    if (--bar_.busy_ > 0) return;
+    Ahead().Thumbs().Hold(false);
+    if (bar_.burst_ == nullptr) bar_.EnableParts(focused_);
 }
 
 frmControl::Burst::Burst(frmControl& bar) : bar_(bar), focused_(GetFocus()) {

@@ -7,6 +7,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
+#include "picture/ahead/pictures_ahead.h"
 #include "places/place_memory.h"
 #include "res/resource.h"
 #include "ui/form/activity.h"
@@ -229,6 +230,7 @@ void PlaceCommands::AskToForget() {
     if (answer == IDCANCEL) return;
     if (answer == IDYES) ForgetBookmarks();
     ForgetPlaces();
+    Ahead().Thumbs().DeleteKept();
     Forget();
     jumpList_.ShowRecent();
 }
@@ -240,7 +242,10 @@ void PlaceCommands::Forget() {
 }
 
 void PlaceCommands::MemoryChanged() {
-    if (!IsRemembering()) Forget();
+    if (!IsRemembering()) {
+        Ahead().Thumbs().DeleteKept();
+        Forget();
+    }
     jumpList_.ShowRecent();
 }
 

@@ -5,6 +5,7 @@
 #include "app/base/paths.h"
 #include "app/base/text.h"
 #include "app/settings/modValue.h"
+#include "picture/ahead/pictures_ahead.h"
 
 namespace tessary {
 namespace {
@@ -24,12 +25,42 @@ std::wstring_view Above(std::wstring_view folder) {
 
 }  // namespace
 
+EntryPicture FoundPicture(const ThumbEntry& entry) {
+    const Thumb thumb = Ahead().Thumbs().Find(entry);
+    switch (thumb.state) {
+        case ThumbState::kComing:
+            return {.state = EntryPicture::State::kComing};
+        case ThumbState::kFailed:
+            return {.state = EntryPicture::State::kFailed};
+        case ThumbState::kThere:
+            return {.state = EntryPicture::State::kThere,
+                    .info = reinterpret_cast<const BITMAPINFO*>(thumb.picture->Info().data()),
+                    .rows = thumb.picture->View().Bits().data(),
+                    .owner = thumb.picture};
+        default:
+            return {};
+    }
+}
+
 std::wstring ShownFiles::Text(int index) const {
     if (!IsThere(index)) return {};
     const std::wstring path = All().Text(index);
     if (Values().general.listText == kListPaths) return path;
     if (!isFolderKnown_) FindFolder();
     return path.substr(std::min(folder_, path.size()));
+}
+
+std::optional<ThumbEntry> ShownFiles::ThumbOf(int index) const {
+    if (!IsThere(index)) return std::nullopt;
+    const ListedFile& file = All().At(index);
+    return ThumbEntry{{.path = file.path}, file.size, file.time};
+}
+
+std::optional<ThumbEntry> ShownMembers::ThumbOf(int index) const {
+    if (!IsThere(index) || !sequence_.IsInArchive()) return std::nullopt;
+    const ListedMember& member = All().At(index);
+    if (!member.isPicture) return std::nullopt;
+    return ThumbEntry{EntryOfMember(sequence_, index), member.size, member.time};
 }
 
 void ShownFiles::FindFolder() const {

@@ -3,9 +3,19 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <string>
 
 namespace tessary {
+
+// A small picture: what there is of it, and its block and rows as GDI takes them.
+struct EntryPicture {
+    enum class State { kNone, kComing, kThere, kFailed };
+    State state = State::kNone;
+    const BITMAPINFO* info = nullptr;
+    const void* rows = nullptr;
+    std::shared_ptr<const void> owner{};  // of both
+};
 
 struct EntryLook {
     int dpi = USER_DEFAULT_SCREEN_DPI;
@@ -16,6 +26,17 @@ struct EntryLook {
     bool isChosen = false;
     bool isFocused = false;
 };
+
+// How a list of small pictures lays its entries out, in pixels.
+struct PictureLayout {
+    int side = 0;    // of the square that each picture is in
+    int margin = 0;  // around it
+    int label = 0;   // the height of the text below; 0: there is none
+};
+
+// Paints an entry whose picture is in that square: the square, its margin and the label.
+void PaintPictureEntry(HDC context, const RECT& square, const PictureLayout& layout,
+                       const EntryLook& look, const EntryPicture& picture);
 
 // Paints all of that area. A text that is too wide is shortened: a path in its middle, so that the
 // file name stays.

@@ -17,8 +17,12 @@ namespace {
 
 constexpr UINT kShowContent = WM_APP + 1;
 constexpr UINT kHearUser = WM_APP + 2;
+constexpr UINT kNews = WM_APP + 3;
 
 constexpr int kRowPadding = 1;  // above and below an entry's text, in pixels at 96 dpi
+
+constexpr int kPictureMargin = 4;  // around a picture, the same
+constexpr int kCellGap = 2;        // around that
 
 // With more entries to mark than that the control is not to draw each of them.
 constexpr int kManyMarks = 50;
@@ -38,10 +42,10 @@ class Raised {
 
 }  // namespace
 
-bool VirtualList::Create(HWND parent, const ListContent& content, bool choosesSeveral) {
+bool VirtualList::Create(HWND parent, ListContent& content, bool choosesSeveral) {
     content_ = &content;
     const DWORD style = LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_OWNERDATA | LVS_SHOWSELALWAYS |
-                        WS_TABSTOP | (choosesSeveral ? 0 : LVS_SINGLESEL);
+                        LVS_AUTOARRANGE | WS_TABSTOP | (choosesSeveral ? 0 : LVS_SINGLESEL);
     if (!CreateChild(parent, WC_LISTVIEWW, style, WS_EX_CLIENTEDGE)) return false;
     constexpr DWORD kLooks = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP;
     Send(LVM_SETEXTENDEDLISTVIEWSTYLE, kLooks, kLooks);
@@ -66,13 +70,82 @@ std::wstring VirtualList::Item(int index) const {
     return content_->Text(index);
 }
 
+// Among pictures it has no use, and the control would lay out anew for it, with another scroll bar.
+void VirtualList::FitColumn() const {
+    if (layout_.side > 0) return;
+    RECT client{};
+    GetClientRect(Handle(), &client);
+    Send(LVM_SETCOLUMNWIDTH, 0, client.right);
+}
+
 // The height of an image makes that of a row.
 void VirtualList::FitRows() {
     const TextMeter text(Handle(), reinterpret_cast<HFONT>(Send(WM_GETFONT)));
     const int height = text.LineHeight() + 2 * Metrics(Handle()).Scale(kRowPadding);
-    const HIMAGELIST images = ImageList_Create(1, height, ILC_COLOR32, 0, 1);
-    const auto former = Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
+    TakeImages(LVSIL_SMALL, 1, height);
+}
+
+void VirtualList::SetLook(int side, bool hasNames) {
+    if (std::exchange(sideAt96Dpi_, side) == side && hasNames_ == hasNames) return;
+    hasNames_ = hasNames;
+    FitPictures();
+}
+
+// The control lays its entries out when they come.
+void VirtualList::FitPictures() {
+    if (Handle() == nullptr) return;
+    const Metrics metrics(Handle());
+    layout_ = {};
+    Send(WM_SETREDRAW, FALSE);
+    {
+        const Raised showing(isShowing_);
+        Send(LVM_SETITEMCOUNT, 0);
+        shownCount_ = 0;
+        if (sideAt96Dpi_ > 0) {
+            const TextMeter text(Handle(), reinterpret_cast<HFONT>(Send(WM_GETFONT)));
+            layout_ = {.side = metrics.Scale(sideAt96Dpi_),
+                       .margin = metrics.Scale(kPictureMargin),
+                       .label = hasNames_ ? text.LineHeight() : 0};
+            TakeImages(LVSIL_NORMAL, layout_.side, layout_.side);
+            const SIZE cell = CellSize();
+            Send(LVM_SETICONSPACING, 0, MAKELPARAM(cell.cx, cell.cy));
+        }
+        Send(LVM_SETVIEW, sideAt96Dpi_ > 0 ? LV_VIEW_ICON : LV_VIEW_DETAILS);
+    }
+    Send(WM_SETREDRAW, TRUE);
+    FitColumn();
+    CursorMoved();
+    InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+// None, of a size that the control lays out for.
+void VirtualList::TakeImages(int kind, int width, int height) const {
+    const HIMAGELIST images = ImageList_Create(width, height, ILC_COLOR32, 0, 1);
+    const auto former =
+        Send(LVM_SETIMAGELIST, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(images));
     if (former != 0) ImageList_Destroy(reinterpret_cast<HIMAGELIST>(former));
+}
+
+SIZE VirtualList::CellSize() const {
+    const int around = 2 * (layout_.margin + Metrics(Handle()).Scale(kCellGap));
+    return {layout_.side + around, layout_.side + around + layout_.label};
+}
+
+void VirtualList::TellNews() const {
+    if (Handle() != nullptr) PostMessageW(Handle(), kNews, 0, 0);
+}
+
+// As the control lays out: in rows, as many in each as fit.
+void VirtualList::TellSight() {
+    if (layout_.side == 0 || shownCount_ == 0) return;
+    RECT client{};
+    GetClientRect(Handle(), &client);
+    const SIZE cell = CellSize();
+    const int columns = std::max<int>(client.right / cell.cx, 1);
+    const int first = std::max<int>(ScrollPlace() / cell.cy, 0) * columns;
+    const int rows = client.bottom / cell.cy + 2;
+    content_->InSight(std::min(first, shownCount_ - 1),
+                      std::min(first + rows * columns, shownCount_) - 1);
 }
 
 // --- Showing the content ---
@@ -165,15 +238,14 @@ std::vector<int> VirtualList::AllSelected() const {
 }
 
 int VirtualList::ScrollPlace() const {
-    return static_cast<int>(Send(LVM_GETTOPINDEX));
+    RECT first{};
+    first.left = LVIR_BOUNDS;
+    return Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&first)) == FALSE ? 0 : -first.top;
 }
 
 void VirtualList::ScrollBack(int place) {
     const int away = place - ScrollPlace();
-    RECT row{};
-    row.left = LVIR_BOUNDS;
-    if (away == 0 || Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row)) == FALSE) return;
-    Send(LVM_SCROLL, 0, away * (row.bottom - row.top));
+    if (away != 0) Send(LVM_SCROLL, 0, away);
 }
 
 // --- What the user does ---
@@ -185,17 +257,29 @@ std::optional<LRESULT> VirtualList::OnOwnMessage(UINT message, WPARAM wParam, LP
             isPending_ = false;
             ShowContent();
             return 0;
-        case WM_PAINT:
+        case WM_PAINT: {
             if (isPending_) ShowContent();
-            return std::nullopt;
+            const LRESULT answer = OwnDefault(message, wParam, lParam);
+            TellSight();
+            return answer;
+        }
+        case kNews: {
+            // What has come together is drawn once.
+            MSG more{};
+            while (PeekMessageW(&more, Handle(), kNews, kNews, PM_REMOVE) && more.message == kNews)
+                continue;
+            if (layout_.side > 0) InvalidateRect(Handle(), nullptr, FALSE);
+            return 0;
+        }
         case WM_SIZE: {
             const LRESULT answer = OwnDefault(message, wParam, lParam);
-            Send(LVM_SETCOLUMNWIDTH, 0, GET_X_LPARAM(lParam));
+            FitColumn();
             return answer;
         }
         case WM_SETFONT: {
             const LRESULT answer = OwnDefault(message, wParam, lParam);
             FitRows();
+            FitPictures();
             return answer;
         }
         case WM_CONTEXTMENU:
@@ -342,18 +426,30 @@ LRESULT VirtualList::Draw(const NMLVCUSTOMDRAW& draw) const {
 
 // A disabled list looks as it did: it is disabled for the moment of a load, and would blink.
 void VirtualList::DrawEntry(HDC context, int index, bool isFocused) const {
+    if (index >= Count()) return;
+    const EntryLook look{.dpi = Metrics(Handle()).Dpi(),
+                         .font = reinterpret_cast<HFONT>(Send(WM_GETFONT)),
+                         .text = Item(index),
+                         .isDimmed = IsPlaceholder(),
+                         .isInView = index == content_->Cursor(),
+                         .isChosen = content_->IsChosen(index),
+                         .isFocused = isFocused && HasFocus()};
+    if (layout_.side > 0) return DrawPictureEntry(context, index, look);
     RECT area{};
     area.left = LVIR_BOUNDS;
     Send(LVM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&area));
-    if (index >= Count()) return;
-    PaintEntry(context, area,
-               {.dpi = Metrics(Handle()).Dpi(),
-                .font = reinterpret_cast<HFONT>(Send(WM_GETFONT)),
-                .text = Item(index),
-                .isDimmed = IsPlaceholder(),
-                .isInView = index == content_->Cursor(),
-                .isChosen = content_->IsChosen(index),
-                .isFocused = isFocused && HasFocus()});
+    PaintEntry(context, area, look);
+}
+
+// Systems have margins of their own around what they call the icon, the same on all sides.
+void VirtualList::DrawPictureEntry(HDC context, int index, const EntryLook& look) const {
+    RECT icon{};
+    icon.left = LVIR_ICON;
+    Send(LVM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&icon));
+    const int left = (icon.left + icon.right - layout_.side) / 2;
+    const int top = (icon.top + icon.bottom - layout_.side) / 2;
+    PaintPictureEntry(context, {left, top, left + layout_.side, top + layout_.side}, layout_, look,
+                      IsPlaceholder() ? EntryPicture() : content_->PictureOf(index));
 }
 
 }  // namespace tessary

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ui/form/control.h"
+#include "ui/form/entry_paint.h"
 
 namespace tessary {
 
@@ -26,6 +27,11 @@ class ListContent {
     virtual int ChosenCount() const { return 0; }
     virtual bool IsChosen(int /*index*/) const { return false; }
 
+    // The small picture of an entry, as far as it is there.
+    virtual EntryPicture PictureOf(int /*index*/) const { return {}; }
+    // These are in sight, in a list of small pictures.
+    virtual void InSight(int /*first*/, int /*last*/) {}
+
   protected:
     ~ListContent() = default;
 };
@@ -36,7 +42,15 @@ class VirtualList final : public Control {
   public:
     // The content must outlive the list. Without `choosesSeveral` the user can choose none beside
     // the entry in view.
-    bool Create(HWND parent, const ListContent& content, bool choosesSeveral);
+    bool Create(HWND parent, ListContent& content, bool choosesSeveral);
+
+    // Names one below the other, or, with a side above 0 (pixels at 96 dpi), pictures in rows, with
+    // the names below them or without.
+    void SetLook(int side, bool hasNames);
+    // The side of the pictures in pixels of the screen; 0: there are none.
+    int PictureSide() const { return layout_.side; }
+    // Pictures have come. From any thread.
+    void TellNews() const;
 
     // The user wants that entry in view.
     void OnSelect(std::function<void(int)> handler) { select_ = std::move(handler); }
@@ -81,13 +95,22 @@ class VirtualList final : public Control {
     bool IsPlaceholder() const { return content_->Count() == 0 && !placeholder_.empty(); }
 
     void FitRows();
+    void FitColumn() const;
+    void FitPictures();
+    void TakeImages(int kind, int width, int height) const;
+    SIZE CellSize() const;
+    void TellSight();
+    void DrawPictureEntry(HDC context, int index, const EntryLook& look) const;
     void GiveText(LVITEMW& item) const;
     void GiveTip(NMLVGETINFOTIPW& tip) const;
     LRESULT Find(const NMLVFINDITEMW& wanted) const;
     LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
     void DrawEntry(HDC context, int index, bool isFocused) const;
 
-    const ListContent* content_ = nullptr;
+    ListContent* content_ = nullptr;
+    PictureLayout layout_;
+    int sideAt96Dpi_ = 0;
+    bool hasNames_ = true;
     std::wstring placeholder_;
     int shownCount_ = 0;         // as the control knows it
     int shownCursor_ = -1;       // that the control was told last

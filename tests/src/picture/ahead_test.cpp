@@ -1,6 +1,13 @@
 // Reading ahead: with real plug-ins in real host processes, as the viewer does it.
 #include "picture/ahead/pictures_ahead.h"
 
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "app/base/paths.h"
 #include "app/settings/modValue.h"
 #include "host/host_connection.h"
 #include "picture/frames/plugin_frames.h"
@@ -223,6 +230,96 @@ TEST(AheadCacheTest, WhatIsLeastWantedMakesRoom) {
     EXPECT_TRUE(!has(L"a") && has(L"b") && has(L"c")) << "in whose memory others come";
     EXPECT_FALSE(cache.Find({L"next"}, {.size = 1}));
     EXPECT_FALSE(cache.Has({L"next"})) << "a file that has changed";
+}
+
+// --- Small pictures ---
+
+class ThumbnailTest : public AheadTest {
+  protected:
+    ThumbnailTest() { CreateDirectoryW(kept_.c_str(), nullptr); }
+
+    // By a run of the program; without plug-ins only what is kept on the disk can come.
+    std::vector<Thumb> Made(const std::vector<ThumbEntry>& entries, bool hasPlugins = true,
+                            bool mayKeep = true) {
+        Thumbnails thumbs;
+        thumbs.Begin(
+            2,
+            [&] {
+                return OwnHostConnector(HostWindows::kHidden, hasPlugins ? kProgram : L"none.exe");
+            },
+            kept_);
+        std::vector<Thumb> made(entries.size());
+        thumbs.Want(entries, 64, mayKeep);
+        EXPECT_TRUE(Comes([&] {
+            std::ranges::transform(entries, made.begin(),
+                                   [&](const auto& entry) { return thumbs.Find(entry); });
+            return std::ranges::count(made, ThumbState::kComing, &Thumb::state) == 0;
+        }));
+        return made;
+    }
+    std::vector<std::wstring> Packs() const { return FilesInFolder(kept_ + LR"(Thumbnails\)"); }
+
+    const std::wstring kept_ = folder_.Path() + LR"(kept\)";
+};
+
+TEST_F(ThumbnailTest, ComeFromTheDiskNextTimeUnlessThatIsDamaged) {
+    const ThumbEntry large{{folder_.Write(L"large.tst", "TST 256x32x24\n")}};
+    const ThumbEntry bad{{folder_.Write(L"bad.tst", "TST 8x8x24\ncrash:av:GetPicture\n")}};
+    const ThumbEntry archive{
+        {folder_.Write(L"a.tsa", "TSA\nmember\t12\t\tb.tst\n\nTST 9x4x24\n\n")}};
+    std::vector<Thumb> made = Made({large, bad, archive});
+    ASSERT_EQ(made[0].state, ThumbState::kThere);
+    EXPECT_EQ(made[0].picture->Width(), 64);
+    EXPECT_EQ(made[0].picture->Height(), 8);
+    EXPECT_EQ(made[1].state, ThumbState::kFailed);
+    EXPECT_EQ(ReadErrorCount(plugin_, {}), 0) << "nobody is blamed";
+    ASSERT_EQ(made[2].state, ThumbState::kThere);
+    EXPECT_EQ(made[2].picture->Width(), 9);
+    const std::vector<uint8_t> rows(made[0].picture->Bits().begin(), made[0].picture->Bits().end());
+    ASSERT_EQ(Packs().size(), 1U);
+
+    made = Made({large, archive}, false);
+    ASSERT_EQ(made[0].state, ThumbState::kThere);
+    EXPECT_TRUE(std::ranges::equal(made[0].picture->Bits(), rows));
+    EXPECT_EQ(made[1].state, ThumbState::kThere);
+    EXPECT_EQ(Made({large}, false, false)[0].state, ThumbState::kFailed) << "nothing is remembered";
+
+    // Torn within the second record, with one byte of the first changed.
+    std::ifstream file{std::filesystem::path(Packs()[0]), std::ios::binary};
+    const std::string whole{std::istreambuf_iterator<char>(file), {}};
+    file.close();
+    for (const size_t at : {size_t{200}, whole.size() - 1}) {
+        std::string damaged = whole.substr(0, whole.size() - 20);
+        if (at < damaged.size()) ++damaged[at];
+        std::ofstream(std::filesystem::path(Packs()[0]), std::ios::binary) << damaged;
+        made = Made({large, archive}, false);
+        EXPECT_EQ(std::ranges::count(made, ThumbState::kThere, &Thumb::state), at == 200 ? 0 : 1);
+    }
+    folder_.Write(LR"(kept\Thumbnails\0.thumbs)", "somebody else's");
+    EXPECT_EQ(Made({large})[0].state, ThumbState::kThere);
+    folder_.Write(L"large.tst", "TST 16x16x24\n");
+    EXPECT_EQ(Made({large})[0].picture->Width(), 16) << "it has changed";
+    ThumbPacks(kept_ + LR"(Thumbnails\)").Clear();
+    EXPECT_TRUE(Packs().empty());
+}
+
+TEST(ShrunkPictureTest, EachPixelIsTheAverageOfThoseItStandsFor) {
+    dib::BitmapInfoHeader header{sizeof(header), 600, 300, 1, 24, 0, 0, 0, 0, 0, 0};
+    uint8_t info[sizeof(header)];
+    std::memcpy(info, &header, sizeof(header));
+    const Picture fine = Picture::Make(info, [](std::span<uint8_t> rows) {
+        for (size_t i = 0; i < rows.size(); ++i)
+            rows[i] = (i % 1800 / 3 + i / 1800) % 2 != 0 ? 255 : 0;
+        return true;
+    });
+    const Picture small = ShrunkPicture(fine, 100, {});
+    ASSERT_EQ(small.Width(), 100);
+    EXPECT_EQ(small.Height(), 50);
+    for (const uint8_t level : small.View().Row(7).first(300))
+        EXPECT_EQ(level, 127);
+    EXPECT_EQ(ShrunkPicture(fine, 1000, {}).Width(), 600) << "small ones stay";
+    const SIZE thin = SizeInSquare(5000, 3, 100);
+    EXPECT_TRUE(thin.cx == 100 && thin.cy == 1);
 }
 
 }  // namespace
