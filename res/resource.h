@@ -74,16 +74,16 @@
 #define commandOrder_4 1236
 #define commandOrder_5 1237
 #define commandOrderDescending 1238
-#define menuListLook 1287
-#define commandFileLook_0 1291
-#define commandFileLook_1 1292
-#define commandFileLook_2 1293
-#define commandMemberLook_0 1294
-#define commandMemberLook_1 1295
-#define commandMemberLook_2 1296
-#define commandThumbSize_0 1297
-#define commandThumbSize_1 1298
-#define commandThumbSize_2 1299
+#define menuListLook 1639
+#define commandFileLook_0 1630
+#define commandFileLook_1 1631
+#define commandFileLook_2 1632
+#define commandMemberLook_0 1633
+#define commandMemberLook_1 1634
+#define commandMemberLook_2 1635
+#define commandThumbSize_0 1636
+#define commandThumbSize_1 1637
+#define commandThumbSize_2 1638
 #define commandListPaths 1286  // full paths in the list of files
 #define menuOrder 1239
 #define menuDisplaySize 1240

@@ -166,8 +166,16 @@ void VirtualList::ShowContent() {
     if (Handle() == nullptr || isShowing_) return;
     const Raised showing(isShowing_);
     const int count = Count();
-    if (count != shownCount_) {
-        shownCount_ = count;
+    const int former = std::exchange(shownCount_, count);
+    if (count != former && layout_.side > 0 && former > 0) {
+        // Some systems lay pictures out anew only for a list that was empty, which also forgets
+        // what is selected and where it was scrolled to.
+        const int place = ScrollPlace();
+        Send(LVM_SETITEMCOUNT, 0);
+        Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(count));
+        ScrollBack(place);
+        if (content_->Cursor() >= 0) SetState(content_->Cursor(), LVIS_FOCUSED, LVIS_FOCUSED);
+    } else if (count != former) {
         Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(count),
              LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
     }
