@@ -24,6 +24,8 @@ namespace {
 using namespace bench;
 
 int BenchMake(const std::wstring& folder, int side, const std::vector<std::wstring>& files) {
+    LoadHelperLibraries();
+    UsePluginsAsTheViewer();
     LoadPluginsOf(FinishedFolder());
     Thumbnails thumbs;
     thumbs.Begin(

@@ -298,6 +298,9 @@ LRESULT frmControl::HitTest(LPARAM onScreen) const {
 
 LRESULT frmControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
+        case kThumbsMessage:
+            ShowThumbs();
+            return 0;
         case WM_NCHITTEST:
             return HitTest(lParam);
         case WM_GETMINMAXINFO: {

@@ -5,7 +5,9 @@
 // is a FileSequence; its lists mirror that.
 #pragma once
 
+#include <atomic>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -209,6 +211,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     void RegisterLooks();
     void TakeLooks();
     void WantThumbs();
+    void ShowThumbs();
 
     // --- Stepping, and what is asked for meanwhile (frmControl_wishes.cpp) ---
     bool MoveBy(int steps, bool inArchive);
@@ -387,6 +390,7 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     std::wstring loadingPath_;  // the file that is being loaded; empty: none
     std::wstring shownPath_;    // the file that the view shows, or why it does not
     std::wstring cutNotice_;    // what was told of a list that was too long
+    static constexpr UINT kThumbsMessage = WM_APP + 1;  // small pictures have come
     Wishes wishes_;
     int travel_ = 1;            // the direction of the last step: 1 or -1
     ULONGLONG lastLoad_ = 0;    // when it ended, in ticks
@@ -394,6 +398,8 @@ class frmControl final : public Form, public ControlBar, public MemberList, priv
     HWND lastFocus_ = nullptr;  // the control that had the focus when it left them all
     int stops_ = 0;             // how often the stop button was pressed
     int starts_ = 0;            // how often a motion was started
+    // Whether the message that small pictures have come is under way.
+    std::shared_ptr<std::atomic<bool>> thumbsTold_;
     Timer wishesDue_{[this] { CarryOutWishes(); }};
     Timer placeDue_{[this] { TellPlace(); }};
     Accelerators accelerators_;

@@ -134,7 +134,7 @@ void frmControl::ReplaceFiles(std::vector<ListedFile> files, int opened) {
     if (isGone && path == shownPath_) found = sequence_.RenamedAmong(files);
     const bool isThere = found != files.end();
     const int place = isThere ? static_cast<int>(found - files.begin()) : -1;
-    const int scrolled = listFileName_.ScrollPlace();
+    const int64_t scrolled = listFileName_.ScrollPlace();
     sequence_.Replace(std::move(files), place);
     if (opened < 0) listFileName_.ScrollBack(scrolled);
     if (isThere && isGone) return ShowRenamed(place);

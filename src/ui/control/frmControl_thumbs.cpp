@@ -49,10 +49,17 @@ void frmControl::TakeLooks() {
     shownFiles_.TellSightAnew();
     shownMembers_.TellSightAnew();
     if (general.fileLook == kLookNames && general.memberLook == kLookNames) WantThumbs();
-    Ahead().Thumbs().OnNews([this] {
-        listFileName_.TellNews();
-        listArchiveFile_.TellNews();
+    thumbsTold_ = std::make_shared<std::atomic<bool>>(false);
+    // On other threads: one message for all that comes before it is heard.
+    Ahead().Thumbs().OnNews([window = Handle(), isTold = thumbsTold_] {
+        if (!isTold->exchange(true)) PostMessageW(window, kThumbsMessage, 0, 0);
     });
+}
+
+void frmControl::ShowThumbs() {
+    *thumbsTold_ = false;
+    listFileName_.ShowNews();
+    listArchiveFile_.ShowNews();
 }
 
 // What is in sight comes first.

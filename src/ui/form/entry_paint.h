@@ -34,8 +34,9 @@ struct PictureLayout {
     int label = 0;   // the height of the text below; 0: there is none
 };
 
-// Paints an entry whose picture is in that square: the square, its margin and the label.
-void PaintPictureEntry(HDC context, const RECT& square, const PictureLayout& layout,
+// Paints all of that area, with the square in the middle of its upper edge. A name that is too wide
+// lacks its middle. Without labels the name stands where no picture is.
+void PaintPictureEntry(HDC context, const RECT& area, const PictureLayout& layout,
                        const EntryLook& look, const EntryPicture& picture);
 
 // Paints all of that area. A text that is too wide is shortened: a path in its middle, so that the

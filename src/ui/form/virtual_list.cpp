@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "app/base/error.h"
-#include "app/base/text.h"
 #include "ui/form/entry_paint.h"
 #include "ui/form/metrics.h"
 #include "ui/form/picture_box.h"
@@ -17,12 +16,8 @@ namespace {
 
 constexpr UINT kShowContent = WM_APP + 1;
 constexpr UINT kHearUser = WM_APP + 2;
-constexpr UINT kNews = WM_APP + 3;
 
 constexpr int kRowPadding = 1;  // above and below an entry's text, in pixels at 96 dpi
-
-constexpr int kPictureMargin = 4;  // around a picture, the same
-constexpr int kCellGap = 2;        // around that
 
 // With more entries to mark than that the control is not to draw each of them.
 constexpr int kManyMarks = 50;
@@ -44,8 +39,18 @@ class Raised {
 
 bool VirtualList::Create(HWND parent, ListContent& content, bool choosesSeveral) {
     content_ = &content;
+    choosesSeveral_ = choosesSeveral;
+    grid_.reset();
+    return CreateRows(parent);
+}
+
+bool VirtualList::CreateRows(HWND parent) {
+    shownCount_ = 0;
+    shownSelected_ = -1;
+    showsSeveral_ = false;
+    isPending_ = false;
     const DWORD style = LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_OWNERDATA | LVS_SHOWSELALWAYS |
-                        LVS_AUTOARRANGE | WS_TABSTOP | (choosesSeveral ? 0 : LVS_SINGLESEL);
+                        WS_TABSTOP | (choosesSeveral_ ? 0 : LVS_SINGLESEL);
     if (!CreateChild(parent, WC_LISTVIEWW, style, WS_EX_CLIENTEDGE)) return false;
     constexpr DWORD kLooks = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP;
     Send(LVM_SETEXTENDEDLISTVIEWSTYLE, kLooks, kLooks);
@@ -55,8 +60,50 @@ bool VirtualList::Create(HWND parent, ListContent& content, bool choosesSeveral)
     return true;
 }
 
+bool VirtualList::CreateGrid(HWND parent) {
+    isPending_ = false;
+    const DWORD style = WS_TABSTOP | WS_CLIPSIBLINGS | WS_BORDER;
+    if (!CreateChild(parent, PictureGrid::Class(), style, 0, 0, name_.c_str())) {
+        return false;
+    }
+    grid_ = std::make_shared<PictureGrid>(Handle(), *content_, events_, choosesSeveral_);
+    grid_->SetPlaceholder(placeholder_);
+    return true;
+}
+
+// The other window takes the place of the one before, among its neighbours too.
+void VirtualList::SetLook(int side, bool hasNames) {
+    if (Handle() == nullptr) return;
+    if ((side > 0) != (grid_ != nullptr)) {
+        const HWND former = Handle();
+        const HWND parent = GetParent(former);
+        const HWND before = GetWindow(former, GW_HWNDPREV);
+        const bool isVisible = (GetWindowLongW(former, GWL_STYLE) & WS_VISIBLE) != 0;
+        const bool isEnabled = IsEnabled();
+        const bool hasFocus = HasFocus();
+        const auto font = reinterpret_cast<HFONT>(Send(WM_GETFONT));
+        RECT place{};
+        GetWindowRect(former, &place);
+        MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&place), 2);
+        if (!grid_) name_ = Text();
+        DestroyWindow(former);
+        grid_.reset();
+        if (side > 0 ? !CreateGrid(parent) : !CreateRows(parent)) return;
+        if (!isVisible) SetVisible(false);
+        SetText(name_);
+        SetFont(font);
+        SetWindowPos(Handle(), before != nullptr ? before : HWND_TOP, place.left, place.top,
+                     place.right - place.left, place.bottom - place.top, SWP_NOACTIVATE);
+        SetEnabled(isEnabled);
+        if (hasFocus) SetFocus();
+    }
+    if (grid_) grid_->SetLook(side, hasNames);
+    CursorMoved();
+}
+
 void VirtualList::SetPlaceholder(const std::wstring& text) {
     placeholder_ = text;
+    if (grid_) grid_->SetPlaceholder(text);
     Later();
 }
 
@@ -70,9 +117,7 @@ std::wstring VirtualList::Item(int index) const {
     return content_->Text(index);
 }
 
-// Among pictures it has no use, and the control would lay out anew for it, with another scroll bar.
 void VirtualList::FitColumn() const {
-    if (layout_.side > 0) return;
     RECT client{};
     GetClientRect(Handle(), &client);
     Send(LVM_SETCOLUMNWIDTH, 0, client.right);
@@ -82,70 +127,9 @@ void VirtualList::FitColumn() const {
 void VirtualList::FitRows() {
     const TextMeter text(Handle(), reinterpret_cast<HFONT>(Send(WM_GETFONT)));
     const int height = text.LineHeight() + 2 * Metrics(Handle()).Scale(kRowPadding);
-    TakeImages(LVSIL_SMALL, 1, height);
-}
-
-void VirtualList::SetLook(int side, bool hasNames) {
-    if (std::exchange(sideAt96Dpi_, side) == side && hasNames_ == hasNames) return;
-    hasNames_ = hasNames;
-    FitPictures();
-}
-
-// The control lays its entries out when they come.
-void VirtualList::FitPictures() {
-    if (Handle() == nullptr) return;
-    const Metrics metrics(Handle());
-    layout_ = {};
-    Send(WM_SETREDRAW, FALSE);
-    {
-        const Raised showing(isShowing_);
-        Send(LVM_SETITEMCOUNT, 0);
-        shownCount_ = 0;
-        if (sideAt96Dpi_ > 0) {
-            const TextMeter text(Handle(), reinterpret_cast<HFONT>(Send(WM_GETFONT)));
-            layout_ = {.side = metrics.Scale(sideAt96Dpi_),
-                       .margin = metrics.Scale(kPictureMargin),
-                       .label = hasNames_ ? text.LineHeight() : 0};
-            TakeImages(LVSIL_NORMAL, layout_.side, layout_.side);
-            const SIZE cell = CellSize();
-            Send(LVM_SETICONSPACING, 0, MAKELPARAM(cell.cx, cell.cy));
-        }
-        Send(LVM_SETVIEW, sideAt96Dpi_ > 0 ? LV_VIEW_ICON : LV_VIEW_DETAILS);
-    }
-    Send(WM_SETREDRAW, TRUE);
-    FitColumn();
-    CursorMoved();
-    InvalidateRect(Handle(), nullptr, TRUE);
-}
-
-// None, of a size that the control lays out for.
-void VirtualList::TakeImages(int kind, int width, int height) const {
-    const HIMAGELIST images = ImageList_Create(width, height, ILC_COLOR32, 0, 1);
-    const auto former =
-        Send(LVM_SETIMAGELIST, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(images));
+    const HIMAGELIST images = ImageList_Create(1, height, ILC_COLOR32, 0, 1);
+    const auto former = Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
     if (former != 0) ImageList_Destroy(reinterpret_cast<HIMAGELIST>(former));
-}
-
-SIZE VirtualList::CellSize() const {
-    const int around = 2 * (layout_.margin + Metrics(Handle()).Scale(kCellGap));
-    return {layout_.side + around, layout_.side + around + layout_.label};
-}
-
-void VirtualList::TellNews() const {
-    if (Handle() != nullptr) PostMessageW(Handle(), kNews, 0, 0);
-}
-
-// As the control lays out: in rows, as many in each as fit.
-void VirtualList::TellSight() {
-    if (layout_.side == 0 || shownCount_ == 0) return;
-    RECT client{};
-    GetClientRect(Handle(), &client);
-    const SIZE cell = CellSize();
-    const int columns = std::max<int>(client.right / cell.cx, 1);
-    const int first = std::max<int>(ScrollPlace() / cell.cy, 0) * columns;
-    const int rows = client.bottom / cell.cy + 2;
-    content_->InSight(std::min(first, shownCount_ - 1),
-                      std::min(first + rows * columns, shownCount_) - 1);
 }
 
 // --- Showing the content ---
@@ -165,17 +149,9 @@ void VirtualList::CursorMoved() {
 void VirtualList::ShowContent() {
     if (Handle() == nullptr || isShowing_) return;
     const Raised showing(isShowing_);
+    if (grid_) return grid_->Show(std::exchange(shownCursor_, content_->Cursor()) == -2);
     const int count = Count();
-    const int former = std::exchange(shownCount_, count);
-    if (count != former && layout_.side > 0 && former > 0) {
-        // Some systems lay pictures out anew only for a list that was empty, which also forgets
-        // what is selected and where it was scrolled to.
-        const int place = ScrollPlace();
-        Send(LVM_SETITEMCOUNT, 0);
-        Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(count));
-        ScrollBack(place);
-        if (content_->Cursor() >= 0) SetState(content_->Cursor(), LVIS_FOCUSED, LVIS_FOCUSED);
-    } else if (count != former) {
+    if (std::exchange(shownCount_, count) != count) {
         Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(count),
              LVSICF_NOSCROLL | LVSICF_NOINVALIDATEALL);
     }
@@ -245,15 +221,17 @@ std::vector<int> VirtualList::AllSelected() const {
     }
 }
 
-int VirtualList::ScrollPlace() const {
-    RECT first{};
-    first.left = LVIR_BOUNDS;
-    return Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&first)) == FALSE ? 0 : -first.top;
+int64_t VirtualList::ScrollPlace() const {
+    return grid_ ? grid_->Scrolled() : Send(LVM_GETTOPINDEX);
 }
 
-void VirtualList::ScrollBack(int place) {
-    const int away = place - ScrollPlace();
-    if (away != 0) Send(LVM_SCROLL, 0, away);
+void VirtualList::ScrollBack(int64_t place) {
+    if (grid_) return grid_->ScrollTo(place);
+    const auto away = static_cast<int>(place - ScrollPlace());
+    RECT row{};
+    row.left = LVIR_BOUNDS;
+    if (away == 0 || Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row)) == FALSE) return;
+    Send(LVM_SCROLL, 0, away * (row.bottom - row.top));
 }
 
 // --- What the user does ---
@@ -265,20 +243,20 @@ std::optional<LRESULT> VirtualList::OnOwnMessage(UINT message, WPARAM wParam, LP
             isPending_ = false;
             ShowContent();
             return 0;
-        case WM_PAINT: {
+        case WM_PAINT:
             if (isPending_) ShowContent();
-            const LRESULT answer = OwnDefault(message, wParam, lParam);
-            TellSight();
-            return answer;
-        }
-        case kNews: {
-            // What has come together is drawn once.
-            MSG more{};
-            while (PeekMessageW(&more, Handle(), kNews, kNews, PM_REMOVE) && more.message == kNews)
-                continue;
-            if (layout_.side > 0) InvalidateRect(Handle(), nullptr, FALSE);
-            return 0;
-        }
+            break;
+        default:
+            break;
+    }
+    // An event may have another look chosen, and the grid is in the middle of it.
+    const std::shared_ptr<PictureGrid> grid = grid_;
+    return grid ? grid->OnMessage(message, wParam, lParam)
+                : OnRowsMessage(message, wParam, lParam);
+}
+
+std::optional<LRESULT> VirtualList::OnRowsMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
         case WM_SIZE: {
             const LRESULT answer = OwnDefault(message, wParam, lParam);
             FitColumn();
@@ -287,7 +265,6 @@ std::optional<LRESULT> VirtualList::OnOwnMessage(UINT message, WPARAM wParam, LP
         case WM_SETFONT: {
             const LRESULT answer = OwnDefault(message, wParam, lParam);
             FitRows();
-            FitPictures();
             return answer;
         }
         case WM_CONTEXTMENU:
@@ -331,29 +308,29 @@ LRESULT VirtualList::Hear(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void VirtualList::HearUser() {
-    if (isShowing_ || !std::exchange(isTouched_, false) || Handle() == nullptr) return;
+    if (isShowing_ || !std::exchange(isTouched_, false) || Handle() == nullptr || grid_) return;
     const auto focused =
         static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
     const LRESULT count = Send(LVM_GETSELECTEDCOUNT);
     showsSeveral_ = showsSeveral_ || count > 1;
     const bool isOne = count == 1 && focused >= 0 && HasState(focused, LVIS_SELECTED);
     // A handler may make the window close, and with it everything here.
-    if (isOne && select_) select_(focused);
-    if (!isOne && choose_) choose_(count == 0 ? std::vector<int>() : AllSelected());
+    if (isOne && events_.select) events_.select(focused);
+    if (!isOne && events_.choose) events_.choose(count == 0 ? std::vector<int>() : AllSelected());
     if (Handle() != nullptr) ShowContent();
 }
 
 void VirtualList::ChooseAll() {
-    if (!choose_ || content_->Count() == 0) return;
+    if (!events_.choose || content_->Count() == 0) return;
     std::vector<int> all(static_cast<size_t>(content_->Count()));
     std::iota(all.begin(), all.end(), 0);
-    choose_(std::move(all));
+    events_.choose(std::move(all));
 }
 
 void VirtualList::AskForMenu(LPARAM place) {
     HearUser();
     POINT at{GET_X_LPARAM(place), GET_Y_LPARAM(place)};
-    if (Handle() == nullptr || !menu_) return;
+    if (Handle() == nullptr || grid_ || !events_.menu) return;
     if (place == -1) {  // by a key
         RECT entry{};
         entry.left = LVIR_BOUNDS;
@@ -364,7 +341,7 @@ void VirtualList::AskForMenu(LPARAM place) {
         at = {entry.left, std::clamp(entry.bottom, 0L, client.bottom)};
         ClientToScreen(Handle(), &at);
     }
-    menu_(at);
+    events_.menu(at);
 }
 
 std::optional<LRESULT> VirtualList::OnNotify(NMHDR& header) {
@@ -406,15 +383,8 @@ void VirtualList::GiveTip(NMLVGETINFOTIPW& tip) const {
 // What is typed over the list looks for the entry that begins with it.
 LRESULT VirtualList::Find(const NMLVFINDITEMW& wanted) const {
     constexpr UINT kByText = LVFI_STRING | LVFI_PARTIAL;
-    const int count = content_->Count();
-    if ((wanted.lvfi.flags & kByText) == 0 || count == 0 || wanted.iStart < 0) return -1;
-    const std::wstring_view text = wanted.lvfi.psz;
-    for (int step = 0; step < count; ++step) {
-        const int index = (wanted.iStart + step) % count;
-        const std::wstring entry = content_->Text(index);
-        if (EqualsIgnoreCase(std::wstring_view(entry).substr(0, text.size()), text)) return index;
-    }
-    return -1;
+    if ((wanted.lvfi.flags & kByText) == 0) return -1;
+    return FindEntry(*content_, wanted.lvfi.psz, wanted.iStart);
 }
 
 // --- Drawing ---
@@ -435,29 +405,17 @@ LRESULT VirtualList::Draw(const NMLVCUSTOMDRAW& draw) const {
 // A disabled list looks as it did: it is disabled for the moment of a load, and would blink.
 void VirtualList::DrawEntry(HDC context, int index, bool isFocused) const {
     if (index >= Count()) return;
-    const EntryLook look{.dpi = Metrics(Handle()).Dpi(),
-                         .font = reinterpret_cast<HFONT>(Send(WM_GETFONT)),
-                         .text = Item(index),
-                         .isDimmed = IsPlaceholder(),
-                         .isInView = index == content_->Cursor(),
-                         .isChosen = content_->IsChosen(index),
-                         .isFocused = isFocused && HasFocus()};
-    if (layout_.side > 0) return DrawPictureEntry(context, index, look);
     RECT area{};
     area.left = LVIR_BOUNDS;
     Send(LVM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&area));
-    PaintEntry(context, area, look);
-}
-
-// Systems have margins of their own around what they call the icon, the same on all sides.
-void VirtualList::DrawPictureEntry(HDC context, int index, const EntryLook& look) const {
-    RECT icon{};
-    icon.left = LVIR_ICON;
-    Send(LVM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&icon));
-    const int left = (icon.left + icon.right - layout_.side) / 2;
-    const int top = (icon.top + icon.bottom - layout_.side) / 2;
-    PaintPictureEntry(context, {left, top, left + layout_.side, top + layout_.side}, layout_, look,
-                      IsPlaceholder() ? EntryPicture() : content_->PictureOf(index));
+    PaintEntry(context, area,
+               {.dpi = Metrics(Handle()).Dpi(),
+                .font = reinterpret_cast<HFONT>(Send(WM_GETFONT)),
+                .text = Item(index),
+                .isDimmed = IsPlaceholder(),
+                .isInView = index == content_->Cursor(),
+                .isChosen = content_->IsChosen(index),
+                .isFocused = isFocused && HasFocus()});
 }
 
 }  // namespace tessary

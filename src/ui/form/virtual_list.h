@@ -7,37 +7,21 @@
 #include <commctrl.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "ui/form/control.h"
-#include "ui/form/entry_paint.h"
+#include "ui/form/list_content.h"
+#include "ui/form/picture_grid.h"
 
 namespace tessary {
 
-// What a list shows. Asked whenever the list draws: nothing of it may take long. Indexes count from
-// 0 and may be out of the list, which has changed meanwhile.
-class ListContent {
-  public:
-    virtual int Count() const = 0;
-    virtual std::wstring Text(int index) const = 0;
-    // What is told of an entry where the pointer rests on it.
-    virtual std::wstring Tip(int index) const = 0;
-    virtual int Cursor() const = 0;  // the entry in view; -1: none
-    virtual int ChosenCount() const { return 0; }
-    virtual bool IsChosen(int /*index*/) const { return false; }
-
-    // The small picture of an entry, as far as it is there.
-    virtual EntryPicture PictureOf(int /*index*/) const { return {}; }
-    // These are in sight, in a list of small pictures.
-    virtual void InSight(int /*first*/, int /*last*/) {}
-
-  protected:
-    ~ListContent() = default;
-};
-
 // The content is shown as it is: whoever changes it tells of that, and draws nothing himself. What
 // the user does only becomes visible when the handlers have changed the content accordingly.
+//
+// Names are in a list of the system's, small pictures in a grid of ours; another look is another
+// window.
 class VirtualList final : public Control {
   public:
     // The content must outlive the list. Without `choosesSeveral` the user can choose none beside
@@ -45,19 +29,21 @@ class VirtualList final : public Control {
     bool Create(HWND parent, ListContent& content, bool choosesSeveral);
 
     // Names one below the other, or, with a side above 0 (pixels at 96 dpi), pictures in rows, with
-    // the names below them or without.
+    // the names below them or without. To be called anew when the resolution has changed.
     void SetLook(int side, bool hasNames);
     // The side of the pictures in pixels of the screen; 0: there are none.
-    int PictureSide() const { return layout_.side; }
-    // Pictures have come. From any thread.
-    void TellNews() const;
+    int PictureSide() const { return grid_ ? grid_->PictureSide() : 0; }
+    // Pictures have come.
+    void ShowNews() {
+        if (grid_) grid_->ShowNews();
+    }
 
-    // The user wants that entry in view.
-    void OnSelect(std::function<void(int)> handler) { select_ = std::move(handler); }
-    // These entries and no others are to be chosen, in ascending order; what is in view stays.
-    void OnChoose(std::function<void(std::vector<int>)> handler) { choose_ = std::move(handler); }
-    // The user asks for the list's menu at that place of the screen, in pixels.
-    void OnMenu(std::function<void(POINT)> handler) { menu_ = std::move(handler); }
+    // As ListEvents says.
+    void OnSelect(std::function<void(int)> handler) { events_.select = std::move(handler); }
+    void OnChoose(std::function<void(std::vector<int>)> handler) {
+        events_.choose = std::move(handler);
+    }
+    void OnMenu(std::function<void(POINT)> handler) { events_.menu = std::move(handler); }
 
     // The content has changed. It is shown at once where the cursor has moved, which comes into
     // sight then; else a moment later.
@@ -73,8 +59,8 @@ class VirtualList final : public Control {
     int Selected() const { return content_ == nullptr ? -1 : content_->Cursor(); }
 
     // How far the list is scrolled, in whatever unit; and back there.
-    int ScrollPlace() const;
-    void ScrollBack(int place);
+    int64_t ScrollPlace() const;
+    void ScrollBack(int64_t place);
 
   private:
     std::optional<LRESULT> OnNotify(NMHDR& header) override;
@@ -94,13 +80,11 @@ class VirtualList final : public Control {
     std::vector<int> AllSelected() const;
     bool IsPlaceholder() const { return content_->Count() == 0 && !placeholder_.empty(); }
 
+    bool CreateRows(HWND parent);
+    bool CreateGrid(HWND parent);
+    std::optional<LRESULT> OnRowsMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void FitRows();
     void FitColumn() const;
-    void FitPictures();
-    void TakeImages(int kind, int width, int height) const;
-    SIZE CellSize() const;
-    void TellSight();
-    void DrawPictureEntry(HDC context, int index, const EntryLook& look) const;
     void GiveText(LVITEMW& item) const;
     void GiveTip(NMLVGETINFOTIPW& tip) const;
     LRESULT Find(const NMLVFINDITEMW& wanted) const;
@@ -108,9 +92,10 @@ class VirtualList final : public Control {
     void DrawEntry(HDC context, int index, bool isFocused) const;
 
     ListContent* content_ = nullptr;
-    PictureLayout layout_;
-    int sideAt96Dpi_ = 0;
-    bool hasNames_ = true;
+    ListEvents events_;
+    bool choosesSeveral_ = false;
+    std::wstring name_;
+    std::shared_ptr<PictureGrid> grid_;  // null: names are shown
     std::wstring placeholder_;
     int shownCount_ = 0;         // as the control knows it
     int shownCursor_ = -1;       // that the control was told last
@@ -120,9 +105,6 @@ class VirtualList final : public Control {
     bool isShowing_ = false;     // what changes now is not the user's doing
     bool isTouched_ = false;     // the user has changed what is selected
     int depth_ = 0;              // of the messages being handled
-    std::function<void(int)> select_;
-    std::function<void(std::vector<int>)> choose_;
-    std::function<void(POINT)> menu_;
 };
 
 }  // namespace tessary
