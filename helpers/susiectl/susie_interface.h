@@ -113,6 +113,7 @@ struct PictureRoom {
     int(__stdcall* take)(PictureRoom* room, SIZE_T infoSize, SIZE_T bitsSize, void** info,
                          void** bits);
     uint32_t wishes;  // bits of RoomWish
+    uint32_t enough;  // pixels; above 0: the picture may come smaller, with a longer side of that
 };
 enum RoomWish : uint32_t {
     kWishesOwnColors = 1,  // colours as they are stored, with their profile, rather than in sRGB

@@ -35,6 +35,9 @@ class PictureTarget {
     // Whether colours may come as they are stored, with their profile. Otherwise they are
     // converted to sRGB.
     virtual bool TakesProfile() const { return false; }
+    // Above 0: the picture may be smaller than it is, with a longer side of so many pixels at
+    // least.
+    virtual uint32_t Enough() const { return 0; }
     virtual uint8_t* Info() = 0;
     virtual uint8_t* Bits() = 0;
 };

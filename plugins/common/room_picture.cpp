@@ -1,11 +1,17 @@
 #include "plugins/common/room_picture.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace tessary::spi {
 
 bool RoomPicture::TakesProfile() const {
-    return room_.size >= sizeof(room_) && (room_.wishes & susie::kWishesOwnColors) != 0;
+    return room_.size >= offsetof(susie::PictureRoom, enough) &&
+           (room_.wishes & susie::kWishesOwnColors) != 0;
+}
+
+uint32_t RoomPicture::Enough() const {
+    return room_.size >= sizeof(room_) ? room_.enough : 0;
 }
 
 bool RoomPicture::Allocate(size_t infoSize, size_t bitsSize) {

@@ -21,6 +21,7 @@ class RoomPicture final : public codec::PictureTarget {
     bool Allocate(size_t infoSize, size_t bitsSize) override;
     bool TakesAlpha() const override { return true; }
     bool TakesProfile() const override;
+    uint32_t Enough() const override;
     uint8_t* Info() override { return info_; }
     uint8_t* Bits() override { return bits_; }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "helpers/dib/dib_view.h"
 #include "plugins/common/inks.h"
 #include "plugins/common/srgb.h"
 #include "plugins/iftessjpeg/jpeg_reader.h"
@@ -52,6 +53,13 @@ Result JpegDecoder::Decode(dib::ByteSource& source, codec::PictureTarget& target
     if (!progress.Report(0, 1)) return Result::kAborted;
     JpegReader reader(source, progress);
     if (const Result result = reader.ReadHeader(); result != Result::kSuccess) return result;
+    // However small it comes, all of the file has to be gone through.
+    const codec::PictureForm whole = reader.Form();
+    const uint64_t bits = dib::RowStride(whole.width, whole.bitCount) * uint64_t{whole.height};
+    if (!codec::IsPlausibleSize(bits, source.Size())) return Result::kBrokenData;
+    if (const Result result = reader.Reduce(target.Enough()); result != Result::kSuccess) {
+        return result;
+    }
     codec::PictureForm form = reader.Form();
     auto profile = reader.Colors();
     if (reader.StoredPixels() == Pixels::kBgr) {

@@ -20,6 +20,9 @@ constexpr unsigned kLongestMarker = 0xFFFF;
 // keeps a decoder busy for minutes.
 constexpr int kMostScans = 500;
 
+// What the library does without computing all samples.
+constexpr unsigned kMostReduction = 8;
+
 // Fed at the end of a file that is cut short.
 constexpr std::array<JOCTET, 2> kEndOfImage{0xFF, JPEG_EOI};
 
@@ -146,6 +149,8 @@ Result JpegReader::ReadHeader() {
     jpeg_save_markers(&jpeg_, JPEG_APP0 + 2, kLongestMarker);
     jpeg_read_header(&jpeg_, TRUE);
     ReadMarkers();
+    width_ = jpeg_.image_width;
+    height_ = jpeg_.image_height;
     switch (StoredPixels()) {
         case Pixels::kGrey:
             jpeg_.out_color_space = JCS_GRAYSCALE;
@@ -156,6 +161,22 @@ Result JpegReader::ReadHeader() {
         default:
             jpeg_.out_color_space = JCS_CMYK;
     }
+    return Result::kSuccess;
+}
+
+Result JpegReader::Reduce(uint32_t enough) {
+    const uint32_t longer = std::max(width_, height_);
+    jpeg_.scale_num = 1;
+    jpeg_.scale_denom = 1;
+    while (enough > 0 && jpeg_.scale_denom < kMostReduction &&
+           longer / (jpeg_.scale_denom * 2) >= enough) {
+        jpeg_.scale_denom *= 2;
+    }
+    if (jpeg_.scale_denom == 1) return Result::kSuccess;
+    if (setjmp(escape_) != 0) return result_;
+    jpeg_calc_output_dimensions(&jpeg_);
+    width_ = jpeg_.output_width;
+    height_ = jpeg_.output_height;
     return Result::kSuccess;
 }
 
@@ -200,8 +221,8 @@ void JpegReader::ReadMarkers() {
 
 codec::PictureForm JpegReader::Form() const {
     codec::PictureForm form;
-    form.width = jpeg_.image_width;
-    form.height = jpeg_.image_height;
+    form.width = width_;
+    form.height = height_;
     form.bitCount = jpeg_.num_components == 1 ? 8 : 24;
     form.xPelsPerMeter = exif_.xPelsPerMeter;
     form.yPelsPerMeter = exif_.yPelsPerMeter;
@@ -226,7 +247,7 @@ Result JpegReader::EndEarly(codec::OrientedRows& rows) {
     if (result_ != Result::kBrokenData || jpeg_.output_scanline == 0) return result_;
     isCorrupt_ = true;
     TellDamage();
-    for (uint32_t y = jpeg_.output_scanline; y < jpeg_.image_height; ++y) {
+    for (uint32_t y = jpeg_.output_scanline; y < height_; ++y) {
         FillGrey(rows.RowBuffer(y));
         rows.RowDone(y);
     }
@@ -235,7 +256,7 @@ Result JpegReader::EndEarly(codec::OrientedRows& rows) {
 }
 
 void JpegReader::FillGrey(uint8_t* row) const {
-    const uint32_t width = jpeg_.image_width;
+    const uint32_t width = width_;
     const Pixels pixels = StoredPixels();
     const size_t bytes = pixels == Pixels::kGrey ? 1 : pixels == Pixels::kBgr ? 3 : 4;
     std::memset(row, 0x80, width * bytes);

@@ -317,11 +317,12 @@ MeasuredPicture HostConnection::Measure(const PluginSource& source) {
             isKnown ? PictureSize{reply.width, reply.height, reply.colorDepth} : PictureSize{}};
 }
 
-DecodedPicture HostConnection::Decode(const PluginSource& source, DecodeKind kind,
+DecodedPicture HostConnection::Decode(const PluginSource& source, DecodeWish wish,
                                       const SusieProgress& progress) {
     Told told = Ask({.operation = HostOperation::kDecode,
-                     .isPreview = kind == DecodeKind::kPreview,
-                     .inOwnColors = kind == DecodeKind::kFullInOwnColors},
+                     .isPreview = wish.kind == DecodeKind::kPreview,
+                     .inOwnColors = wish.kind == DecodeKind::kFullInOwnColors,
+                     .enough = wish.enough},
                     source, progress);
     const HostReply& reply = told.reply;
     DecodedPicture decoded{told.answer,

@@ -29,7 +29,7 @@ class HostConnection final : public PluginConnection {
     PluginDescription Describe() override;
     PluginAnswer Supports(const PluginSource& source) override;
     MeasuredPicture Measure(const PluginSource& source) override;
-    DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
+    DecodedPicture Decode(const PluginSource& source, DecodeWish wish,
                           const SusieProgress& progress) override;
     DecodedFrame DecodeFrame(const PluginSource& source, uint32_t index,
                              const SusieProgress& progress) override;

@@ -59,9 +59,9 @@ void Transfer(Wire& wire, WireSection& section) {
 template <class Wire>
 void Transfer(Wire& wire, HostRequest& request) {
     wire(request.operation, request.plugin, request.sourceName, request.isFile, request.bytes,
-         request.isPreview, request.inOwnColors, request.tellsProgress, request.tellsCondition,
-         request.tellsFrames, request.frame, request.member, request.folder, request.parent,
-         request.turn, request.file, request.saved, request.returned);
+         request.isPreview, request.inOwnColors, request.enough, request.tellsProgress,
+         request.tellsCondition, request.tellsFrames, request.frame, request.member, request.folder,
+         request.parent, request.turn, request.file, request.saved, request.returned);
 }
 
 template <class Wire>

@@ -54,6 +54,7 @@ struct HostRequest {
     WireSection bytes{};
     bool isPreview = false;
     bool inOwnColors = false;    // DecodeKind::kFullInOwnColors
+    uint32_t enough = 0;         // DecodeWish
     bool tellsProgress = false;  // somebody wants to know
     bool tellsCondition = true;  // the plug-in may be asked for it
     bool tellsFrames = true;     // and for frames

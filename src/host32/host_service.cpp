@@ -216,7 +216,8 @@ HostReply HostService::Decode(LocalConnection& plugin, const PluginSource& sourc
                                                   : DecodeKind::kFull;
     PictureFrames frames;
     HostReply reply = WithPicture([&](const RoomMaker& rooms) {
-        DecodedPicture decoded = plugin.Decode(source, kind, ProgressOf(request), rooms);
+        DecodedPicture decoded =
+            plugin.Decode(source, {kind, request.enough}, ProgressOf(request), rooms);
         frames = decoded.frames;
         return decoded;
     });

@@ -11,10 +11,12 @@ namespace tessary {
 
 // What a plug-in asks for room for its picture. What goes wrong there is no memory to it.
 struct AskedRoom : susie::PictureRoom {
-    AskedRoom(const RoomMaker& maker, uint32_t wishes) : susie::PictureRoom(), rooms(maker) {
+    AskedRoom(const RoomMaker& maker, uint32_t wishes, uint32_t enough = 0)
+        : susie::PictureRoom(), rooms(maker) {
         size = sizeof(susie::PictureRoom);
         take = &Take;
         this->wishes = wishes;
+        this->enough = enough;
     }
 
     static int __stdcall Take(susie::PictureRoom* asked, SIZE_T infoSize, SIZE_T bitsSize,

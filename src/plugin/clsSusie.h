@@ -149,9 +149,9 @@ class clsSusie {
     // kMemory: `picture` receives the picture; the result is 0.
     // kBmpFile: writes the file `bmpFile`; the result is the writer's, above 0.
     // The result carries kPreviewResult. Raises DecodeError when the plug-in fails, and when what
-    // it decoded is no picture.
+    // it decoded is no picture. `enough`: as DecodeWish has it.
     uint32_t DecodePicture(DecodeTarget target, uint32_t flags, const SusieProgress& progress,
-                           const std::wstring& bmpFile, Picture* picture);
+                           const std::wstring& bmpFile, Picture* picture, uint32_t enough = 0);
 
     // What frames or pages the source of the last DecodePicture has; nothing after a failure.
     const PictureFrames& Frames() const { return frames_; }
@@ -254,7 +254,8 @@ class clsSusie {
 
     PictureSize Size();
     void RequirePictureSource() const;
-    Picture Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag);
+    Picture Decode(uint32_t flags, uint32_t enough, const SusieProgress& progress,
+                   uint32_t& resultFlag);
     static uint32_t SaveBmp(const Picture& picture, const std::wstring& bmpFile);
     const ArchiveMembers& Members();
     const susie::FileInfo& MemberAt(int32_t index);

@@ -49,7 +49,7 @@ void clsSusie::RequirePictureSource() const {
 }
 
 uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const SusieProgress& progress,
-                                 const std::wstring& bmpFile, Picture* picture) {
+                                 const std::wstring& bmpFile, Picture* picture, uint32_t enough) {
     return Member(L"DecodePicture(", [&] {
         RequireNoCall();
         frames_ = {};
@@ -59,14 +59,15 @@ uint32_t clsSusie::DecodePicture(DecodeTarget target, uint32_t flags, const Susi
         }
         RequireModule();
         uint32_t resultFlag = 0;
-        Picture decoded = Decode(flags, progress, resultFlag);
+        Picture decoded = Decode(flags, enough, progress, resultFlag);
         if (target == DecodeTarget::kBmpFile) return SaveBmp(decoded, bmpFile) | resultFlag;
         *picture = std::move(decoded);
         return resultFlag;
     });
 }
 
-Picture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uint32_t& resultFlag) {
+Picture clsSusie::Decode(uint32_t flags, uint32_t enough, const SusieProgress& progress,
+                         uint32_t& resultFlag) {
     condition_ = {};
     const Source source(bound_);
     const int tries = source.Get().isFile ? kFileTries : kMemoryTries;
@@ -75,8 +76,9 @@ Picture clsSusie::Decode(uint32_t flags, const SusieProgress& progress, uint32_t
         for (int i = 0;
              i < tries && !decoded.HasSucceeded() && !decoded.HasCrashed() && !decoded.wasStopped;
              ++i) {
-            decoded = Ask(L"GetPicture", source.Get(),
-                          [&] { return connection_->Decode(source.Get(), kind, progress); });
+            decoded = Ask(L"GetPicture", source.Get(), [&] {
+                return connection_->Decode(source.Get(), {kind, enough}, progress);
+            });
             condition_ = decoded.condition;
         }
     };

@@ -154,40 +154,45 @@ MeasuredPicture LocalConnection::Measure(const PluginSource& source) {
             isKnown ? PictureSize{info.width, info.height, info.colorDepth} : PictureSize{}};
 }
 
-DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeKind kind,
+DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeWish wish,
                                        const SusieProgress& progress) {
     const ProgressRelay relay(progress);
     PicturePair pair;
     // GetPreview of most plug-ins does nothing or worse: the full picture it is.
-    const int32_t code = kind == DecodeKind::kPreview
+    const int32_t code = wish.kind == DecodeKind::kPreview
                              ? calls_.GetPreview(calls_.Address(SusieFunction::kGetPicture),
                                                  SourceOf(source), pair, relay)
                              : calls_.GetPicture(SourceOf(source), pair, relay);
-    return WithFrames({AnswerTold(code), Picture::FromPair(pair), relay.Stopped()}, source, kind);
+    return WithFrames({AnswerTold(code), Picture::FromPair(pair), relay.Stopped()}, source, wish);
 }
 
 // What goes wrong there costs nothing but the frames.
 DecodedPicture LocalConnection::WithFrames(DecodedPicture decoded, const PluginSource& source,
-                                           DecodeKind kind) {
+                                           DecodeWish wish) {
     frames_.CloseUnless(source);
-    if (!decoded.picture || decoded.HasCrashed() || kind == DecodeKind::kPreview) return decoded;
+    if (!decoded.picture || decoded.HasCrashed() || wish.kind == DecodeKind::kPreview ||
+        wish.enough > 0) {
+        return decoded;
+    }
     decoded.frames = frames_.Tell(source);
     calls_.TakeFault();
     return decoded;
 }
 
-DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeKind kind,
+DecodedPicture LocalConnection::Decode(const PluginSource& source, DecodeWish wish,
                                        const SusieProgress& progress, const RoomMaker& rooms) {
-    if (kind == DecodeKind::kPreview || calls_.Address(SusieFunction::kGetPictureInto) == nullptr) {
-        return Decode(source, kind, progress);
+    if (wish.kind == DecodeKind::kPreview ||
+        calls_.Address(SusieFunction::kGetPictureInto) == nullptr) {
+        return Decode(source, wish, progress);
     }
     const ProgressRelay relay(progress);
     std::optional<RoomForPicture> filled;
     const uint32_t wishes =
-        kind == DecodeKind::kFullInOwnColors ? uint32_t{susie::kWishesOwnColors} : 0;
-    const int32_t code = calls_.GetPictureInto(SourceOf(source), rooms, wishes, filled, relay);
+        wish.kind == DecodeKind::kFullInOwnColors ? uint32_t{susie::kWishesOwnColors} : 0;
+    const int32_t code =
+        calls_.GetPictureInto(SourceOf(source), rooms, wishes, wish.enough, filled, relay);
     return WithFrames({AnswerTold(code), filled ? PictureIn(*filled) : Picture(), relay.Stopped()},
-                      source, kind);
+                      source, wish);
 }
 
 DecodedFrame LocalConnection::DecodeFrame(const PluginSource& source, uint32_t index,

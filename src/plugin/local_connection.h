@@ -36,11 +36,11 @@ class LocalConnection final : public PluginConnection {
     PluginDescription Describe() override;
     PluginAnswer Supports(const PluginSource& source) override;
     MeasuredPicture Measure(const PluginSource& source) override;
-    DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
+    DecodedPicture Decode(const PluginSource& source, DecodeWish wish,
                           const SusieProgress& progress) override;
     // The same into room of the caller's, if the plug-in can do that: then the picture lies there,
     // and belongs to whoever has made the room.
-    DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
+    DecodedPicture Decode(const PluginSource& source, DecodeWish wish,
                           const SusieProgress& progress, const RoomMaker& rooms);
     DecodedFrame DecodeFrame(const PluginSource& source, uint32_t index,
                              const SusieProgress& progress) override;
@@ -55,7 +55,7 @@ class LocalConnection final : public PluginConnection {
   private:
     PluginAnswer Answer(int32_t code);
     PluginAnswer AnswerTold(int32_t code);
-    DecodedPicture WithFrames(DecodedPicture decoded, const PluginSource& source, DecodeKind kind);
+    DecodedPicture WithFrames(DecodedPicture decoded, const PluginSource& source, DecodeWish wish);
 
     std::wstring path_;
     SusieCalls calls_;

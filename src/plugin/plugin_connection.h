@@ -99,6 +99,15 @@ struct MeasuredPicture : PluginAnswer {
 // How a picture is asked for: some plug-ins are quicker for a preview, under another name; and some
 // can leave its colours as they are stored, with their profile, and need not convert them.
 enum class DecodeKind { kPreview, kFull, kFullInOwnColors };
+struct DecodeWish {
+    // From here on a kind alone will do.
+    DecodeWish(DecodeKind wanted, uint32_t enoughPixels = 0) : kind(wanted), enough(enoughPixels) {}
+
+    DecodeKind kind;
+    // Above 0: the picture is wanted alone, and may come smaller, where the plug-in is quicker with
+    // that, with a longer side of so many pixels at least.
+    uint32_t enough;
+};
 
 struct DecodedPicture : PluginAnswer {
     Picture picture{};        // empty after a success: what came is no picture
@@ -168,7 +177,7 @@ class PluginConnection {
     virtual PluginAnswer Supports(const PluginSource& source) = 0;
     // The size of the source's picture. The decoded picture may differ.
     virtual MeasuredPicture Measure(const PluginSource& source) = 0;
-    virtual DecodedPicture Decode(const PluginSource& source, DecodeKind kind,
+    virtual DecodedPicture Decode(const PluginSource& source, DecodeWish wish,
                                   const SusieProgress& progress) = 0;
     // A frame of those that Decode has told of, from 0. In their order each takes one step; any may
     // be asked for. The source may stay open on the other side for a while.

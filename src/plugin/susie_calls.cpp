@@ -278,9 +278,10 @@ int32_t SusieCalls::GetPicture(const SusieSource& source, PicturePair& picture,
 
 // susiectl.dll passes the two addresses on as they are.
 int32_t SusieCalls::GetPictureInto(const SusieSource& source, const RoomMaker& rooms,
-                                   uint32_t wishes, std::optional<RoomForPicture>& filled,
+                                   uint32_t wishes, uint32_t enough,
+                                   std::optional<RoomForPicture>& filled,
                                    const ProgressRelay& progress) {
-    AskedRoom room(rooms, wishes);
+    AskedRoom room(rooms, wishes, enough);
     const int32_t code = GuardedAndTold(kGetPicture, [&](const SusieLibrary& library) {
         return library.getPicture(
             Address(SusieFunction::kGetPictureInto), source.source, source.length, source.flag,

@@ -97,10 +97,11 @@ class SusieCalls {
     int32_t GetPicture(const SusieSource& source, PicturePair& picture,
                        const ProgressRelay& progress);
     // The same into room that the plug-in asks for, which it must be able to (Address). `wishes`:
-    // bits of susie::RoomWish. `filled`: what it was given last; nothing after a failure, and when
-    // it has not asked.
+    // bits of susie::RoomWish; `enough`: as the record has it. `filled`: what it was given last;
+    // nothing after a failure, and when it has not asked.
     int32_t GetPictureInto(const SusieSource& source, const RoomMaker& rooms, uint32_t wishes,
-                           std::optional<RoomForPicture>& filled, const ProgressRelay& progress);
+                           uint32_t enough, std::optional<RoomForPicture>& filled,
+                           const ProgressRelay& progress);
     // `list` and `frames` are empty but after success. What is in `frames` then is to be closed,
     // unless it is null; the source's bytes must stay so long.
     int32_t OpenFrames(const SusieSource& source, susie::FrameList& list, void*& frames);

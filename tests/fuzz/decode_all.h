@@ -1,6 +1,7 @@
 // What a host does with every picture that a plug-in decodes: looks at all of its pixels.
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "tests/plugins_bundled/decoded_picture.h"
@@ -25,6 +26,14 @@ inline void DecodeAll(const PictureCodec& codec, std::span<const uint8_t> file) 
         std::abort();  // a picture has to be plain, and of the form that was told
     }
     const test::Colors colors(*view);
+    target.enough = std::max(form.width, form.height) / 5;
+    if (codec.Decode(source, target, progress) != Result::kSuccess) return;
+    const auto smaller = target.View();
+    if (!smaller ||
+        static_cast<uint32_t>(std::max(smaller->Width(), smaller->Height())) < target.enough) {
+        std::abort();
+    }
+    const test::Colors few(*smaller);
 }
 
 // The same with its frames, as somebody who steps back and forth.

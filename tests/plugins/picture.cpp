@@ -74,7 +74,11 @@ int DecodeInto(void* frame, const std::string& content, susie::PictureRoom& room
             return hasRoom ? susie::kReadError : susie::kOutOfMemory;
         }
         if (script.Has("twice")) PutInto(room, MakePicture({7, 7, 24}, script));
-        const PictureBlocks blocks = MakePicture(ParseSize(content.substr(4)), script);
+        PictureSize size = ParseSize(content.substr(4));
+        if (script.Has("reduces") && room.size >= sizeof(room) && room.enough > 0) {
+            size.width = static_cast<int>(room.enough);
+        }
+        const PictureBlocks blocks = MakePicture(size, script);
         return PutInto(room, blocks) ? susie::kSuccess : susie::kOutOfMemory;
     });
 }

@@ -20,6 +20,8 @@ class MemoryTarget final : public PictureTarget {
                           bool takesProfile = false)
         : mostBits_(mostBits), takesAlpha_(takesAlpha), takesProfile_(takesProfile) {}
     bool TakesAlpha() const override { return takesAlpha_; }
+    uint32_t Enough() const override { return enough; }
+    uint32_t enough = 0;
     bool TakesProfile() const override { return takesProfile_; }
 
     bool Allocate(size_t infoSize, size_t bitsSize) override {

@@ -56,6 +56,40 @@ void ExpectTiles(const std::string& name, uint32_t o = 1) {
     EXPECT_LE(worst, 3);
 }
 
+// As somebody asks for it who shows it small: the averages of the pixels.
+TEST(JpegDecoder, ComesAsMuchSmallerAsIsEnough) {
+    for (const char* const name : {"color", "grey", "progressive", "adobe-ink", "plain-ink"}) {
+        for (const uint32_t orientation : {1U, 6U}) {
+            const Bytes file = Jpeg(name, orientation);
+            const Decoded whole(kDecoder, file);
+            const Colors pixels = whole.Pixels();
+            for (const auto& [enough, factor] : {std::pair{kWidth / 2 + 1, 1U},
+                                                 {kWidth / 4 + 1, 2U},
+                                                 {kWidth / 8, 8U},
+                                                 {1U, 8U}}) {
+                MemoryTarget target;
+                target.enough = enough;
+                dib::MemorySource source(file);
+                Progress nobody;
+                ASSERT_EQ(kDecoder.Decode(source, target, nobody), Result::kSuccess);
+                const Colors small(target.View().value());
+                ASSERT_EQ(small.width, pixels.width / factor) << name;
+                ASSERT_EQ(small.height, pixels.height / factor) << name;
+                int worst = 0;
+                for (uint32_t tile = 0; tile < 15; ++tile) {  // in the middle of each
+                    const uint32_t column = tile % 5, row = tile / 5;
+                    const uint32_t x = (orientation == 1 ? column : row) * kTile + kTile / 2;
+                    const uint32_t y = (orientation == 1 ? row : column) * kTile + kTile / 2;
+                    for (unsigned c = 0; c < 3; ++c)
+                        worst = std::max(worst, std::abs(pixels.Channel(x, y, c) -
+                                                         small.Channel(x / factor, y / factor, c)));
+                }
+                EXPECT_LE(worst, 4) << name << ' ' << enough;
+            }
+        }
+    }
+}
+
 TEST(JpegDecoder, ShowsEveryKindUpright) {
     for (uint32_t orientation = 1; orientation <= 8; ++orientation) {
         ExpectTiles("color", orientation);

@@ -36,7 +36,7 @@ ReadResult Decode(Search search, Archives archives, const ReadWatch& watch, uint
             } else {
                 plugin->DecodePicture(DecodeTarget::kMemory,
                                       watch.takesOwnColors ? kDecodeInOwnColors : 0, watch.progress,
-                                      {}, &picture);
+                                      {}, &picture, watch.enough);
             }
         });
         if (IsStopped(watch)) return Stopped();

@@ -25,6 +25,8 @@ struct ReadWatch {
     std::function<bool()> isStopped{};
     // Whether he knows what to do with a picture in its own colours (kDecodeInOwnColors).
     bool takesOwnColors = false;
+    // Above 0: the picture may come smaller (DecodeWish).
+    uint32_t enough = 0;
 };
 
 // What came of the attempts to read a picture.

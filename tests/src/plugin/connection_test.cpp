@@ -235,6 +235,10 @@ TEST_P(ConnectionTest, WhoCanPutsItsPictureIntoTheHostsRoom) {
     EXPECT_TRUE(Decoded("no-handles").HasSucceeded());
     EXPECT_FALSE(Decoded("no-handles").picture);
     if (IsLocal()) return;
+    const auto reduced = connection_->Decode(Picture("reduces"), {DecodeKind::kFull, 5}, {});
+    ASSERT_TRUE(reduced.picture);
+    EXPECT_EQ(reduced.picture.Width(), 5);
+    EXPECT_NE(Decoded("reduces").picture.Width(), 5) << "who has not asked for it";
     // What fails keeps no room: all of these would be more than a process can have.
     for (int i = 0; i < 50; ++i)
         ASSERT_EQ(Decoded("asks-only:100000000").code, 6) << i;
