@@ -25,6 +25,7 @@ void AheadBoard::SetPlan(AheadPlan plan) {
     cache_.SetWanted(std::move(wanted));
     cache_.SetBudget(plan.budget);
     plan_ = std::move(plan);
+    TellBusy();
     planned_.notify_all();
 }
 
@@ -72,6 +73,16 @@ void AheadBoard::GiveUpAll() {
     tried_.clear();
     for (const AheadTask& task : underWay_)
         task.progress->isWanted = false;
+    TellBusy();
+}
+
+// What was given up is at its end.
+void AheadBoard::TellBusy() {
+    const bool isBusy =
+        std::ranges::any_of(plan_.next, [this](const auto& next) { return IsToDo(next); }) ||
+        std::ranges::any_of(underWay_,
+                            [](const AheadTask& task) { return task.progress->isWanted.load(); });
+    if (std::exchange(isBusy_, isBusy) != isBusy && busy_) busy_(isBusy);
 }
 
 void AheadBoard::Forget() {
@@ -115,9 +126,11 @@ void AheadBoard::Finish(const AheadTask& task, std::optional<AheadPicture> pictu
     std::erase_if(underWay_,
                   [&](const AheadTask& other) { return other.progress == task.progress; });
     if (task.progress->isWanted) {
-        if (!picture || picture->entry != task.entry) tried_.push_back(task.entry);
         if (picture) cache_.Put(*std::move(picture));
+        // Also one that is too large to be kept: it would be read for ever.
+        if (!cache_.Has(task.entry)) tried_.push_back(task.entry);
     }
+    TellBusy();
     finished_.notify_all();
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -43,6 +44,7 @@ struct AheadTask {
     std::shared_ptr<const KnownPlugins> plugins{};
     ListingRules listing{};  // of an archive
     PreparePicture prepare{};
+    uint32_t enough = 0;  // of ReadWatch
     std::shared_ptr<AheadProgress> progress{};
 };
 
@@ -61,7 +63,12 @@ class ReadingBoard {
 
 class AheadBoard final : public ReadingBoard {
   public:
-    explicit AheadBoard(size_t budget) { cache_.SetBudget(budget); }
+    // `busy` is told whenever there begins to be something to read, and when there is nothing any
+    // more. On any thread; it must not ask the board.
+    explicit AheadBoard(size_t budget, std::function<void(bool)> busy = {})
+        : busy_(std::move(busy)) {
+        cache_.SetBudget(budget);
+    }
 
     // --- The window's thread ---
 
@@ -98,7 +105,10 @@ class AheadBoard final : public ReadingBoard {
         return std::ranges::find(underWay_, entry, &AheadTask::entry) != underWay_.end();
     }
     void GiveUpAll();
+    void TellBusy();
 
+    std::function<void(bool)> busy_;
+    bool isBusy_ = false;  // as it was told last
     mutable std::mutex mutex_;
     std::condition_variable planned_;
     std::condition_variable finished_;

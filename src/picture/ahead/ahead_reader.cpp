@@ -46,7 +46,7 @@ class Attempt {
 
     ReadWatch Watch() const {
         return {[this](int done, int total) { return Tell(done, total); },
-                [this] { return !IsWanted(); }, source_.takesOwnColors};
+                [this] { return !IsWanted(); }, source_.takesOwnColors, task_.enough};
     }
 
     void Make(AheadPicture& picture) const {
@@ -124,8 +124,10 @@ void ReadForBoard(const std::shared_ptr<ReadingBoard>& board, const AheadSource&
                 known = task->plugins;
                 plugins.emplace(source.connect(), *known);
             }
-            const CallWatch watch([&](const WaitedCall&) {
-                return task->progress->isWanted ? CallWish::kGoesOn : CallWish::kStops;
+            const CallWatch watch([&](const WaitedCall& call) {
+                const bool isSilent = source.patience > 0 && call.silence > source.patience;
+                const bool goesOn = task->progress->isWanted && !isSilent;
+                return goesOn ? CallWish::kGoesOn : CallWish::kStops;
             });
             const uint32_t crashes = Caller().crashes;
             const LongRun run;

@@ -18,6 +18,8 @@ struct AheadSource {
     bool opensArchives = true;   // of an archive the picture is read that it is opened with
     MakeFile make{};             // empty: pictures are kept as they are
     bool takesOwnColors = true;  // of ReadWatch
+    DWORD patience = 0;  // milliseconds in which a plug-in gives no sign of life, behind which it
+                         // is given up sooner than usual; 0: it is not
 };
 
 // Reads what the board wants until that has ended. Failures are told nobody and counted nowhere:

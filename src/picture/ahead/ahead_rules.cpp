@@ -20,13 +20,24 @@ constexpr uint64_t kShareOfRoom = 4;  // of the addresses that are free, for one
 // SystemStatusFlag of SYSTEM_POWER_STATUS, which was reserved before Windows 10.
 constexpr BYTE kBatterySaverOn = 1;
 
+// The kind of drive of a file that nobody has to fetch.
+UINT DriveOf(const std::wstring& path) {
+    const bool hasDrive = path.size() > kDriveLength && path[1] == L':';
+    if (!hasDrive || IsNotOnThisDisk(path)) return DRIVE_UNKNOWN;
+    return GetDriveTypeW(path.substr(0, kDriveLength).c_str());
+}
+
 }  // namespace
 
 bool MayBeReadAhead(const std::wstring& path) {
-    const bool hasDrive = path.size() > kDriveLength && path[1] == L':';
-    if (!hasDrive || IsNotOnThisDisk(path)) return false;
-    const UINT type = GetDriveTypeW(path.substr(0, kDriveLength).c_str());
+    const UINT type = DriveOf(path);
     return type == DRIVE_FIXED || type == DRIVE_RAMDISK;
+}
+
+bool MayBeShownSmall(const std::wstring& path) {
+    const UINT type = DriveOf(path);
+    return type == DRIVE_FIXED || type == DRIVE_RAMDISK || type == DRIVE_REMOVABLE ||
+           type == DRIVE_CDROM;
 }
 
 bool SavesBattery() {

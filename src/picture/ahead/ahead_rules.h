@@ -11,6 +11,9 @@ namespace tessary {
 // and nothing has to be fetched. From any thread.
 bool MayBeReadAhead(const std::wstring& path);
 
+// The same for small pictures, which the user has asked for: other drives of this computer will do.
+bool MayBeShownSmall(const std::wstring& path);
+
 // Whether the computer saves its battery: then nothing is read ahead.
 bool SavesBattery();
 

@@ -21,10 +21,10 @@ bool IsWanted(const WaitedCall& call) {
 
 }  // namespace
 
-AheadThreads::AheadThreads(int count, AheadSource source)
+AheadThreads::AheadThreads(int count, AheadSource source, std::function<void(bool)> busy)
     : count_(count),
       source_(std::move(source)),
-      board_(std::make_shared<AheadBoard>(AheadBudget())) {}
+      board_(std::make_shared<AheadBoard>(AheadBudget(), std::move(busy))) {}
 
 AheadThreads::~AheadThreads() {
     board_->End();

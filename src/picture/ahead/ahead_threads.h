@@ -14,7 +14,8 @@ namespace tessary {
 class AheadThreads {
   public:
     // So many threads, which begin with the first plan.
-    AheadThreads(int count, AheadSource source);
+    // `busy`: as AheadBoard tells.
+    AheadThreads(int count, AheadSource source, std::function<void(bool)> busy = {});
     AheadThreads(const AheadThreads&) = delete;
     AheadThreads& operator=(const AheadThreads&) = delete;
     // What is under way is given up. The threads are not waited for long.

@@ -11,8 +11,8 @@ namespace tessary {
 
 void PicturesAhead::Begin(int threads, ConnectorMaker connect) {
     thumbs_.Begin(threads, connect, LocalDataFolder());
-    threads_ =
-        std::make_unique<AheadThreads>(threads, AheadSource{std::move(connect), MayBeReadAhead});
+    threads_ = std::make_unique<AheadThreads>(
+        threads, AheadSource{std::move(connect), MayBeReadAhead}, thumbs_.HolderAhead());
 }
 
 void PicturesAhead::End() {

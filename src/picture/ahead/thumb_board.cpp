@@ -11,6 +11,9 @@ namespace {
 
 constexpr size_t kMostBytes = size_t{64} << 20;  // that are kept in memory
 
+// How much larger than the small picture one has to be that it is made of.
+constexpr uint32_t kFiner = 2;
+
 std::wstring KeyOf(const AheadEntry& entry, const FileStamp& stamp, const ThumbMaking& making) {
     const auto part = [](auto value) { return L'|' + std::to_wstring(value); };
     return ToUpper(entry.path) + part(entry.member) + part(entry.page) + part(stamp.size) +
@@ -34,6 +37,7 @@ void ThumbBoard::Want(std::vector<ThumbEntry> entries, const ThumbMaking& making
     const std::lock_guard lock(mutex_);
     const bool isOther = !making.IsLike(making_);
     if (isOther) {
+        ++makings_;
         kept_.clear();
         places_.clear();
         keptBytes_ = 0;
@@ -44,6 +48,9 @@ void ThumbBoard::Want(std::vector<ThumbEntry> entries, const ThumbMaking& making
     }
     making_ = making;
     entries_ = std::move(entries);
+    wantedNames_.clear();
+    for (const ThumbEntry& entry : entries_)
+        wantedNames_.insert(NameOf(entry));
     wanted_.notify_all();
 }
 
@@ -55,15 +62,14 @@ Thumb ThumbBoard::Find(const ThumbEntry& entry) {
     return found->thumb;
 }
 
-void ThumbBoard::Hold(bool holds) {
+void ThumbBoard::Hold(Reason reason, bool holds) {
     const std::lock_guard lock(mutex_);
-    isHeld_ = holds;
-    if (!holds) wanted_.notify_all();
+    held_ = holds ? held_ | reason : held_ & ~unsigned{reason};
+    if (held_ == 0) wanted_.notify_all();
 }
 
 void ThumbBoard::GiveUp() {
     const std::lock_guard lock(mutex_);
-    entries_.clear();
     for (const UnderWay& under : underWay_)
         under.progress->isWanted = false;
 }
@@ -71,6 +77,9 @@ void ThumbBoard::GiveUp() {
 void ThumbBoard::Forget() {
     GiveUp();
     const std::lock_guard lock(mutex_);
+    ++makings_;
+    entries_.clear();
+    wantedNames_.clear();
     kept_.clear();
     places_.clear();
     keptBytes_ = 0;
@@ -83,6 +92,7 @@ bool ThumbBoard::IsBusy() const {
 
 void ThumbBoard::End() {
     GiveUp();
+    const std::lock_guard lock(mutex_);
     hasEnded_ = true;
     wanted_.notify_all();
 }
@@ -90,12 +100,12 @@ void ThumbBoard::End() {
 // --- Those that read ---
 
 std::optional<ThumbBoard::UnderWay> ThumbBoard::Begin() {
-    if (isHeld_) return std::nullopt;
+    if (held_ != 0) return std::nullopt;
     for (const ThumbEntry& entry : entries_) {
         const bool isBegun =
             std::ranges::find(underWay_, entry, &UnderWay::entry) != underWay_.end();
         if (isBegun || FindKept(entry) != kept_.end()) continue;
-        underWay_.push_back({entry, std::make_shared<AheadProgress>(), {}});
+        underWay_.push_back({entry, std::make_shared<AheadProgress>(), makings_});
         return underWay_.back();
     }
     return std::nullopt;
@@ -127,6 +137,7 @@ std::optional<AheadTask> ThumbBoard::TakeTask(DWORD milliseconds) {
                 .listing = making.listing,
                 .prepare = [side = making.side, ground = making.ground](
                                const Picture& whole) { return ShrunkPicture(whole, side, ground); },
+                .enough = static_cast<uint32_t>(making.side) * kFiner,
                 .progress = next->progress};
             lock.lock();
             for (UnderWay& under : underWay_)
@@ -135,7 +146,7 @@ std::optional<AheadTask> ThumbBoard::TakeTask(DWORD milliseconds) {
         }
         lock.lock();
         EndOf(*next);
-        if (next->progress->isWanted) {
+        if (next->making == makings_) {
             Keep(next->entry, found ? Thumb{ThumbState::kThere,
                                             std::make_shared<const Picture>(std::move(*found))}
                                     : Thumb{ThumbState::kLeftAlone});
@@ -161,8 +172,8 @@ void ThumbBoard::Finish(const AheadTask& task, std::optional<AheadPicture> pictu
     if (picture && picture->prepared) {
         small = std::make_shared<const Picture>(std::move(picture->prepared));
     }
-    // What was given up tells nothing.
-    if (small || under.progress->isWanted) {
+    // What was given up tells nothing, and what was made otherwise serves nobody.
+    if (under.making == makings_ && (small || under.progress->isWanted)) {
         Keep(under.entry, {small ? ThumbState::kThere : ThumbState::kFailed, small});
     }
     lock.unlock();
@@ -182,10 +193,14 @@ void ThumbBoard::Keep(const ThumbEntry& entry, Thumb thumb) {
     kept_.push_front({entry, std::move(thumb), size});
     places_[name] = kept_.begin();
     keptBytes_ += size;
-    while (keptBytes_ > kMostBytes && kept_.size() > 1) {
-        keptBytes_ -= kept_.back().size;
-        places_.erase(NameOf(kept_.back().entry));
-        kept_.pop_back();
+    // What is wanted stays: nobody would ask for it once more.
+    for (auto last = kept_.end(); keptBytes_ > kMostBytes && last != kept_.begin();) {
+        --last;
+        const Name other = NameOf(last->entry);
+        if (wantedNames_.contains(other)) continue;
+        keptBytes_ -= last->size;
+        places_.erase(other);
+        last = kept_.erase(last);
     }
 }
 

@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -67,11 +68,12 @@ class ThumbBoard final : public ReadingBoard {
     // are made anew.
     void Want(std::vector<ThumbEntry> entries, const ThumbMaking& making);
     Thumb Find(const ThumbEntry& entry);
-    // Nothing more is begun while that is so.
-    void Hold(bool holds);
-    // Gives up what is being read.
+    // Nothing more is begun while there is a reason not to. From any thread.
+    enum Reason : unsigned { kUserWaits = 1, kReadsAhead = 2 };
+    void Hold(Reason reason, bool holds);
+    // Gives up what is being read; it stays wanted.
     void GiveUp();
-    // And forgets what failed, and what was made.
+    // The same, and forgets what is wanted, what failed, and what was made.
     void Forget();
     bool IsBusy() const;
     void End();
@@ -91,7 +93,8 @@ class ThumbBoard final : public ReadingBoard {
     struct UnderWay {
         ThumbEntry entry;
         std::shared_ptr<AheadProgress> progress;
-        std::wstring key;
+        unsigned making;  // the number of making_
+        std::wstring key{};
     };
     using KeptList = std::list<Kept>;
     using Name = std::pair<std::wstring, uint64_t>;
@@ -105,12 +108,14 @@ class ThumbBoard final : public ReadingBoard {
     mutable std::mutex mutex_;
     std::condition_variable wanted_;
     std::vector<ThumbEntry> entries_;
+    std::set<Name> wantedNames_;  // of these
     ThumbMaking making_;
-    KeptList kept_;  // what was used last is in front
+    unsigned makings_ = 0;  // how many there were
+    KeptList kept_;         // what was used last is in front
     std::map<Name, KeptList::iterator> places_;
     size_t keptBytes_ = 0;
     std::vector<UnderWay> underWay_;
-    bool isHeld_ = false;
+    unsigned held_ = 0;  // bits of Reason
     std::atomic<bool> hasEnded_ = false;
     ThumbPacks packs_;
     MayRead mayRead_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <numeric>
 #include <span>
 #include <utility>
 #include <vector>
@@ -18,6 +19,7 @@ constexpr char kBegin[16] = "TessaryThumbs1\n";
 constexpr uint32_t kMark = 0x31485454;  // of a record
 
 constexpr uint64_t kPackSize = uint64_t{16} << 20;
+constexpr uint64_t kFewestPacks = 4;  // within the budget
 constexpr uint32_t kMostKey = 8192;   // units
 constexpr uint32_t kMostSide = 4096;  // pixels
 
@@ -122,7 +124,7 @@ std::optional<Picture> ThumbPacks::Find(const std::wstring& key) {
     }
     // Of the older half: it is not to go with what nobody has asked for.
     const auto age = static_cast<size_t>(std::distance(place.pack, packs_.end()));
-    if (age > packs_.size() / 2 + 1 && packs_.size() * kPackSize > budget_ / 2) {
+    if (age > packs_.size() / 2 + 1 && packs_.size() * PackSize() > budget_ / 2) {
         Append(key, *picture);
     }
     return picture;
@@ -167,7 +169,9 @@ void ThumbPacks::Put(const std::wstring& key, const Picture& picture) {
 }
 
 void ThumbPacks::Append(const std::wstring& key, const Picture& picture) {
-    if ((own_ == nullptr || own_->size >= kPackSize) && !BeginPack()) return;
+    if (!mayWrite_) return;
+    if (own_ == nullptr || own_->size >= PackSize()) mayWrite_ = BeginPack();
+    if (!mayWrite_) return;
     const std::span<const uint8_t> rows = picture.View().Bits();
     Head head{.keyUnits = static_cast<uint32_t>(key.size()),
               .width = static_cast<uint32_t>(picture.Width()),
@@ -180,9 +184,9 @@ void ThumbPacks::Append(const std::wstring& key, const Picture& picture) {
     std::memcpy(content + key.size() * sizeof(wchar_t), rows.data(), rows.size());
     head.check = CheckOf(std::span(record).subspan(sizeof(head)));
     std::memcpy(record.data(), &head, sizeof(head));
-    // A full disk, or one that is gone: the next picture tries it again in another pack.
     if (!WriteAt(own_->file.Get(), own_->size, record.data(), static_cast<DWORD>(record.size()))) {
-        own_ = nullptr;
+        own_ = nullptr;  // a full disk, or one that is gone
+        mayWrite_ = false;
         return;
     }
     places_[head.keyHash] = {std::prev(packs_.end()), own_->size};
@@ -203,28 +207,46 @@ bool ThumbPacks::BeginPack() {
                                              FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
                                              CREATE_NEW, FILE_FLAG_RANDOM_ACCESS, nullptr)),
               .size = sizeof(kBegin)};
-    if (!pack.file || !WriteAt(pack.file.Get(), 0, kBegin, sizeof(kBegin))) return false;
+    if (!pack.file) return false;
+    if (!WriteAt(pack.file.Get(), 0, kBegin, sizeof(kBegin))) {
+        DeleteFileW(pack.path.c_str());
+        return false;
+    }
     packs_.push_back(std::move(pack));
     own_ = &packs_.back();
     MakeRoom();
     return true;
 }
 
-// For one more pack of the usual size.
+uint64_t ThumbPacks::PackSize() const {
+    return std::min(kPackSize, budget_ / kFewestPacks);
+}
+
+// For one more pack of the usual size, beside those of all copies of the program.
 void ThumbPacks::MakeRoom() {
-    uint64_t size = kPackSize;
-    for (const Pack& pack : packs_)
-        size += pack.size;
-    while (size > budget_ && !packs_.empty() && &packs_.front() != own_) {
-        size -= packs_.front().size;
-        Drop(packs_.begin());
+    std::vector<std::wstring> paths = FilesInFolder(folder_, kPattern);
+    std::ranges::sort(paths);
+    std::vector<uint64_t> sizes;
+    for (const std::wstring& path : paths) {
+        WIN32_FILE_ATTRIBUTE_DATA data{};
+        GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data);
+        sizes.push_back(uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow);
+    }
+    uint64_t size = std::accumulate(sizes.begin(), sizes.end(), PackSize());
+    for (size_t i = 0; i < paths.size() && size > budget_; ++i) {
+        if (own_ != nullptr && own_->path == paths[i]) continue;
+        size -= sizes[i];
+        Drop(paths[i]);
     }
 }
 
-void ThumbPacks::Drop(std::list<Pack>::iterator pack) {
-    std::erase_if(places_, [&](const auto& place) { return place.second.pack == pack; });
-    DeleteFileW(pack->path.c_str());
-    packs_.erase(pack);
+void ThumbPacks::Drop(const std::wstring& path) {
+    const auto pack = std::ranges::find(packs_, path, &Pack::path);
+    if (pack != packs_.end()) {
+        std::erase_if(places_, [&](const auto& place) { return place.second.pack == pack; });
+        packs_.erase(pack);
+    }
+    DeleteFileW(path.c_str());
 }
 
 void ThumbPacks::Clear() {

@@ -20,8 +20,9 @@ namespace tessary {
 // that copies that run at the same time do not meet, and reads those of all others that were there
 // before it. What is torn or somebody else's is passed over. Serves several threads.
 //
-// Beyond the budget the pack goes that was written first. What is found in an old one is written
-// anew, so that what is used stays.
+// Beyond the budget the pack goes that was written first, whoever has written it. What is found in
+// an old one is written anew, so that what is used stays. Where nothing can be written nothing more
+// is, in this run.
 class ThumbPacks {
   public:
     // The folder, with a trailing backslash, is made with the first picture; empty: nothing is
@@ -57,13 +58,15 @@ class ThumbPacks {
     std::optional<Picture> Read(const Place& place, const std::wstring& key);
     void Append(const std::wstring& key, const Picture& picture);
     bool BeginPack();
+    uint64_t PackSize() const;
     void MakeRoom();
-    void Drop(std::list<Pack>::iterator pack);
+    void Drop(const std::wstring& path);
 
     std::mutex mutex_;
     std::wstring folder_;
     uint64_t budget_ = 0;
     bool isOpen_ = false;
+    bool mayWrite_ = true;                        // no attempt to write has failed
     std::list<Pack> packs_;                       // the oldest first
     Pack* own_ = nullptr;                         // the one that is written to; it is the last
     std::unordered_map<uint64_t, Place> places_;  // by the hashes of the keys

@@ -13,14 +13,18 @@ namespace {
 
 constexpr ULONGLONG kFarewell = 300;  // milliseconds for all threads to end
 constexpr DWORD kBeat = 10;
+constexpr DWORD kPatience = 8000;  // one that hangs is not to keep the others
 
 }  // namespace
 
 void Thumbnails::Begin(int threads, ConnectorMaker connect, const std::wstring& folder) {
     count_ = threads;
-    source_ = {.connect = std::move(connect), .mayRead = MayBeReadAhead, .takesOwnColors = false};
+    source_ = {.connect = std::move(connect),
+               .mayRead = MayBeShownSmall,
+               .takesOwnColors = false,
+               .patience = kPatience};
     board_ = std::make_shared<ThumbBoard>(folder.empty() ? folder : folder + LR"(Thumbnails\)",
-                                          MayBeReadAhead, [news = news_] {
+                                          MayBeShownSmall, [news = news_] {
                                               const std::lock_guard lock(news->mutex);
                                               if (news->tell) news->tell();
                                           });
@@ -47,6 +51,7 @@ std::shared_ptr<const KnownPlugins> Thumbnails::Plugins() {
 
 void Thumbnails::Want(std::vector<ThumbEntry> entries, int side, bool mayKeep) {
     if (!board_) return;
+    isForgotten_ = false;
     if (SavesBattery()) entries.clear();
     const GeneralSettings& general = Values().general;
     const int32_t megabytes = mayKeep ? std::max(general.thumbMegabytes, 0) : 0;
@@ -72,7 +77,13 @@ Thumb Thumbnails::Find(const ThumbEntry& entry) {
 }
 
 void Thumbnails::Hold(bool holds) {
-    if (board_) board_->Hold(holds);
+    if (board_) board_->Hold(ThumbBoard::kUserWaits, holds);
+}
+
+std::function<void(bool)> Thumbnails::HolderAhead() const {
+    return [board = board_](bool holds) {
+        if (board) board->Hold(ThumbBoard::kReadsAhead, holds);
+    };
 }
 
 void Thumbnails::Rest() {
@@ -84,8 +95,12 @@ void Thumbnails::Rest() {
 }
 
 void Thumbnails::Forget() {
-    if (board_) board_->Forget();
     plugins_.reset();
+    if (!board_) return;
+    board_->Forget();
+    isForgotten_ = true;
+    const std::lock_guard lock(news_->mutex);
+    if (news_->tell) news_->tell();
 }
 
 void Thumbnails::DeleteKept() {

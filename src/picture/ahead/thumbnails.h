@@ -42,10 +42,14 @@ class Thumbnails {
 
     // Nothing is begun while the user waits for something else.
     void Hold(bool holds);
+    // Has nothing begun while something is read ahead. From any thread, at any time.
+    std::function<void(bool)> HolderAhead() const;
     // Gives up what is being read, and waits a moment for that: the files are to be nobody's.
     void Rest();
-    // Plug-ins may read otherwise from now on.
+    // Plug-ins may read otherwise from now on: all are to be made anew, by new ones. Whoever wants
+    // some says so once more, when he is told of news.
     void Forget();
+    bool IsForgotten() const { return isForgotten_; }
     // Deletes what is kept on the disk; nothing is kept there before the next are wanted.
     void DeleteKept();
 
@@ -58,6 +62,7 @@ class Thumbnails {
     std::shared_ptr<const KnownPlugins> Plugins();
 
     int count_ = 0;
+    bool isForgotten_ = false;
     AheadSource source_;
     std::shared_ptr<ThumbBoard> board_;  // null: there are none
     std::shared_ptr<News> news_ = std::make_shared<News>();

@@ -48,7 +48,7 @@ void frmControl::TakeLooks() {
     take(listArchiveFile_, general.memberLook);
     shownFiles_.TellSightAnew();
     shownMembers_.TellSightAnew();
-    if (general.fileLook == kLookNames && general.memberLook == kLookNames) WantThumbs();
+    if (general.fileLook == kLookNames || general.memberLook == kLookNames) WantThumbs();
     thumbsTold_ = std::make_shared<std::atomic<bool>>(false);
     // On other threads: one message for all that comes before it is heard.
     Ahead().Thumbs().OnNews([window = Handle(), isTold = thumbsTold_] {
@@ -58,6 +58,7 @@ void frmControl::TakeLooks() {
 
 void frmControl::ShowThumbs() {
     *thumbsTold_ = false;
+    if (Ahead().Thumbs().IsForgotten()) WantThumbs();
     listFileName_.ShowNews();
     listArchiveFile_.ShowNews();
 }

@@ -79,6 +79,12 @@ void PaintPicture(HDC context, const RECT& square, const EntryPicture& picture) 
     RECT frame = place;
     InflateRect(&frame, 1, 1);
     Fill(context, frame, FrameColor());
+    if (width == whole.cx && height == whole.cy) {
+        SetDIBitsToDevice(context, place.left, place.top, static_cast<DWORD>(width),
+                          static_cast<DWORD>(height), 0, 0, 0, static_cast<UINT>(height),
+                          picture.rows, picture.info, DIB_RGB_COLORS);
+        return;
+    }
     SetStretchBltMode(context, HALFTONE);
     StretchDIBits(context, place.left, place.top, width, height, 0, 0, whole.cx, whole.cy,
                   picture.rows, picture.info, DIB_RGB_COLORS, SRCCOPY);

@@ -25,7 +25,7 @@ class ListContent {
 
     // The small picture of an entry, as far as it is there.
     virtual EntryPicture PictureOf(int /*index*/) const { return {}; }
-    // These are in sight, in a list of small pictures.
+    // These are in sight, in a list of small pictures; a last one before the first: none is.
     virtual void InSight(int /*first*/, int /*last*/) {}
 
   protected:

@@ -86,9 +86,9 @@ void PictureGrid::LayOut() {
         picture_.side = std::max(std::min(side_, width - around), kLeastSide);
         picture_.margin = metrics.Scale(kPictureMargin);
         picture_.label = label;
-        layout_ = GridLayout(content_.Count(),
-                             {picture_.side + around, picture_.side + around + label},
-                             {width, client.bottom});
+        layout_ =
+            GridLayout(content_.Count(), {picture_.side + around, picture_.side + around + label},
+                       {width, client.bottom});
     };
     const int whole = client.right + (hasBar ? bar : 0);
     layOutIn(whole);
@@ -253,7 +253,7 @@ void PictureGrid::Paint() {
     const int first = layout_.FirstIn(0, scrolled_);
     const int end = layout_.EndOf(layout_.View().cy, scrolled_);
     std::erase_if(coming_, [&](int index) { return index < first || index >= end; });
-    if (first < end) content_.InSight(first, end - 1);
+    content_.InSight(first, end - 1);
 }
 
 void PictureGrid::PaintArea(HDC context, const RECT& area) {

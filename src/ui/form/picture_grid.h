@@ -91,8 +91,8 @@ class PictureGrid {
     bool isLayingOut_ = false;
 
     int shownCursor_ = -1;
-    int focus_ = 0;   // the entry that keys go on from
-    int anchor_ = 0;  // that a range begins at
+    int focus_ = 0;            // the entry that keys go on from
+    int anchor_ = 0;           // that a range begins at
     std::vector<int> coming_;  // that were drawn without their pictures
     int wheelRest_ = 0;
     std::wstring typed_;

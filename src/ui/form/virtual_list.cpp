@@ -251,8 +251,7 @@ std::optional<LRESULT> VirtualList::OnOwnMessage(UINT message, WPARAM wParam, LP
     }
     // An event may have another look chosen, and the grid is in the middle of it.
     const std::shared_ptr<PictureGrid> grid = grid_;
-    return grid ? grid->OnMessage(message, wParam, lParam)
-                : OnRowsMessage(message, wParam, lParam);
+    return grid ? grid->OnMessage(message, wParam, lParam) : OnRowsMessage(message, wParam, lParam);
 }
 
 std::optional<LRESULT> VirtualList::OnRowsMessage(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -303,6 +303,64 @@ TEST_F(ThumbnailTest, ComeFromTheDiskNextTimeUnlessThatIsDamaged) {
     EXPECT_TRUE(Packs().empty());
 }
 
+// What the user waits for, and what he is likely to ask for next, come first.
+TEST(ThumbBoardTest, WaitsWhileAnythingElseIsReadAndStaysWanted) {
+    const test::TemporaryFolder folder;
+    const ThumbEntry entry{{folder.Write(L"a.tst", "TST 4x4x24\n")}};
+    ThumbBoard board(
+        L"", [](const std::wstring&) { return true; }, [] {});
+    AheadBoard ahead(1 << 20, [&](bool busy) { board.Hold(ThumbBoard::kReadsAhead, busy); });
+    const AheadPicture large = PictureOf(L"large", 1'000'000);
+    ahead.SetPlan({.next = {{L"large"}}, .budget = 1000});
+    board.Want({entry}, {.side = 64});
+    EXPECT_FALSE(board.TakeTask(0));
+    const auto task = ahead.TakeTask(0);
+    ASSERT_TRUE(task);
+    ahead.Finish(*task, large.Another());
+    EXPECT_FALSE(ahead.TakeTask(0)) << "too large to be kept, it is not read for ever";
+    board.Hold(ThumbBoard::kUserWaits, true);
+    EXPECT_FALSE(board.TakeTask(0));
+    board.Hold(ThumbBoard::kUserWaits, false);
+    const auto given = board.TakeTask(0);
+    ASSERT_TRUE(given);
+    EXPECT_EQ(given->enough, 128U);
+    board.GiveUp();
+    board.Finish(*given, std::nullopt);
+    EXPECT_EQ(board.Find(entry).state, ThumbState::kComing)
+        << "it was given up, and has not failed";
+    const auto again = board.TakeTask(0);
+    ASSERT_TRUE(again);
+    AheadPicture made = PictureOf(L"a", 4);
+    made.prepared = PictureOf(L"b", 4).read.picture;
+    board.Want({entry}, {.side = 128});
+    board.Finish(*again, std::move(made));
+    EXPECT_EQ(board.Find(entry).state, ThumbState::kComing) << "that was of another size";
+}
+
+TEST(ThumbPacksTest, AllCopiesOfTheProgramKeepTheBoundTogether) {
+    const test::TemporaryFolder folder;
+    const std::wstring place = folder.Path() + LR"(kept\Thumbnails\)";
+    const auto picture = [](int32_t width) {
+        return ShrunkPicture(PictureOf(L"", width).read.picture, width, {});
+    };
+    constexpr uint64_t kBound = 1 << 20;
+    ThumbPacks one(place), other(place);
+    for (ThumbPacks* const packs : {&one, &other})
+        packs->SetBudget(kBound);
+    for (int i = 0; i < 200; ++i)
+        (i % 2 == 0 ? one : other).Put(std::to_wstring(i), picture(4096));
+    uint64_t size = 0;
+    for (const auto& file : std::filesystem::directory_iterator(std::filesystem::path(place)))
+        size += file.file_size();
+    EXPECT_LE(size, kBound + kBound / 4) << "but for what the other has begun";
+    EXPECT_TRUE(one.Find(L"198"));
+    folder.Write(L"file", "");
+    ThumbPacks nowhere(folder.Path() + LR"(file\Thumbnails\)");
+    nowhere.SetBudget(kBound);
+    nowhere.Put(L"a", picture(4));
+    EXPECT_FALSE(nowhere.Find(L"a"));
+}
+
 TEST(ShrunkPictureTest, EachPixelIsTheAverageOfThoseItStandsFor) {
     dib::BitmapInfoHeader header{sizeof(header), 600, 300, 1, 24, 0, 0, 0, 0, 0, 0};
     uint8_t info[sizeof(header)];
@@ -317,6 +375,9 @@ TEST(ShrunkPictureTest, EachPixelIsTheAverageOfThoseItStandsFor) {
     EXPECT_EQ(small.Height(), 50);
     for (const uint8_t level : small.View().Row(7).first(300))
         EXPECT_EQ(level, 127);
+    const Picture wave = ShrunkPicture(fine, 250, {});  // 2.4 pixels each
+    for (const uint8_t level : wave.View().Row(7).first(750))
+        EXPECT_NEAR(level, 127, 24) << "parts of pixels count";
     EXPECT_EQ(ShrunkPicture(fine, 1000, {}).Width(), 600) << "small ones stay";
     const SIZE thin = SizeInSquare(5000, 3, 100);
     EXPECT_TRUE(thin.cx == 100 && thin.cy == 1);

@@ -102,6 +102,63 @@ TEST_F(FileListTest, SeveralFilesCanBeChosen) {
     EXPECT_EQ(bar_.listFileName().Count(), 0);
 }
 
+// Small pictures are in another window, which does as the list does.
+TEST_F(FileListTest, SmallPicturesAreChosenAsNamesAre) {
+    const List files = Bitmaps(9);
+    window_.Show();
+    ASSERT_TRUE(bar_.SetFileList(files));
+    const VirtualList& list = bar_.listFileName();
+    list.SetFocus();
+    const HWND names = list.Handle();
+    Choose(commandFileLook_1);
+    ASSERT_NE(list.Handle(), names);
+    EXPECT_FALSE(IsWindow(names));
+    EXPECT_TRUE(list.HasFocus());
+    EXPECT_GT(list.PictureSide(), 0);
+    const auto press = [&](int key, int shift = 0) {
+        BYTE former[256]{}, keys[256]{};
+        GetKeyboardState(former);
+        if (shift & kCtrlMask) keys[VK_CONTROL] = 0x80;
+        if (shift & kShiftMask) keys[VK_SHIFT] = 0x80;
+        SetKeyboardState(keys);
+        SendMessageW(list.Handle(), WM_KEYDOWN, static_cast<WPARAM>(key), 0);
+        SetKeyboardState(former);
+        DoEvents();
+    };
+    const auto chosen =
+        [&] {  // as the list of names has it, back from where keys go on at the cursor
+            Choose(commandFileLook_0);
+            std::vector<int> all;
+            for (int i = 0; i < list.Count(); ++i)
+                if (SendMessageW(list.Handle(), LVM_GETITEMSTATE, static_cast<WPARAM>(i),
+                                 LVIS_SELECTED))
+                    all.push_back(i);
+            Choose(commandFileLook_1);
+            return all;
+        };
+    press(VK_END);
+    EXPECT_EQ(Selected(), 8);
+    press(VK_HOME);
+    press(VK_RIGHT);
+    EXPECT_EQ(Selected(), 1);
+    press(VK_RIGHT, kShiftMask);
+    press(VK_RIGHT, kShiftMask);
+    EXPECT_EQ(chosen(), (std::vector{1, 2, 3}));
+    EXPECT_EQ(Selected(), 1) << "what is in view stays";
+    for (int i = 0; i < 4; ++i)
+        press(VK_RIGHT, kCtrlMask);
+    press(VK_SPACE, kCtrlMask);
+    EXPECT_EQ(chosen(), (std::vector{1, 2, 3, 5}));
+    press('A', kCtrlMask);
+    EXPECT_EQ(chosen().size(), 9U);
+    SendMessageW(list.Handle(), WM_CHAR, '7', 0);
+    EXPECT_EQ(Selected(), 6);
+    EXPECT_EQ(chosen(), std::vector{6});
+    EXPECT_TRUE(list.HasFocus());
+    Choose(commandFileLook_0);
+    EXPECT_EQ(list.Text(), L"ファイルの一覧");
+}
+
 TEST_F(FileListTest, PagesAreGoneThroughAsMembersAre) {
     SusieCollection().RemoveAll();
     SusieCollection().AddSPI(test::TestPluginPath(L"frames.spi"));

@@ -16,6 +16,7 @@
 #include "tests/src/ui/dialogs/driven_dialog.h"
 #include "tests/src/ui/message_spy.h"
 #include "tests/src/ui/run_until.h"
+#include "ui/form/grid_layout.h"
 #include "ui/form/session_hold.h"
 #include "ui/form/timer.h"
 
@@ -294,6 +295,37 @@ TEST(TimerTest, TicksUntilStoppedNeverNestsAndSurvivesWhatItsHandlerDoes) {
     ending = std::make_unique<Timer>([&] { ending.reset(); });
     ASSERT_TRUE(ending->Start(10));
     EXPECT_TRUE(test::RunUntil([&] { return ending == nullptr; }));
+}
+
+TEST(GridLayoutTest, CellsLieInRowsOfAsManyAsFit) {
+    constexpr int64_t kFar = 3'000'000'000;
+    const GridLayout grid(2'000'000'000, {100, 120}, {330, 400});
+    EXPECT_EQ(grid.Columns(), 3);
+    EXPECT_GT(grid.MostScrolled(), kFar);
+    for (const int64_t scrolled : {int64_t{0}, kFar}) {
+        const int first = grid.FirstIn(0, scrolled);
+        for (int i = first; i < first + 9; ++i) {
+            const RECT cell = grid.Cell(i, scrolled);
+            EXPECT_EQ(grid.At({cell.left, cell.top}, scrolled), i);
+            EXPECT_EQ(grid.At({cell.right - 1, cell.bottom - 1}, scrolled), i);
+        }
+    }
+    const GridLayout few(8, {100, 120}, {330, 200});
+    EXPECT_EQ(few.At({320, 250}, 0), -1);
+    EXPECT_EQ(few.ScrolledTo(7, 0), 160);
+    EXPECT_EQ(few.ScrolledTo(0, 160), 0);
+    const auto moved = [&](int key) {
+        std::vector<int> all;
+        for (const int from : {0, 4, 5, 7})
+            all.push_back(few.Moved(from, key));
+        return all;
+    };
+    EXPECT_EQ(moved(VK_UP), (std::vector{0, 1, 2, 4}));
+    EXPECT_EQ(moved(VK_DOWN), (std::vector{3, 7, 7, 7}));
+    EXPECT_EQ(moved(VK_LEFT), (std::vector{0, 3, 4, 6}));
+    EXPECT_EQ(moved(VK_NEXT), (std::vector{3, 7, 7, 7}));
+    EXPECT_EQ(moved(VK_PRIOR), (std::vector{0, 1, 2, 4}));
+    EXPECT_EQ(GridLayout(3, {100, 100}, {40, 50}).Columns(), 1);
 }
 
 }  // namespace
