@@ -33,6 +33,8 @@ int BenchMake(const std::wstring& folder, int side, const std::vector<std::wstri
     std::vector<ThumbEntry> entries;
     for (const std::wstring& file : files)
         entries.push_back({.entry = {.path = file}});
+    const HANDLE news = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    thumbs.OnNews([news] { SetEvent(news); });
     size_t there = 0;
     const double time = Timed([&] {
         // As a list does that is scrolled through: a screenful at a time.
@@ -46,11 +48,13 @@ int BenchMake(const std::wstring& folder, int side, const std::vector<std::wstri
             for (const ThumbEntry& entry : some) {
                 Thumb thumb = thumbs.Find(entry);
                 for (; thumb.state == ThumbState::kComing; thumb = thumbs.Find(entry))
-                    Sleep(1);
+                    WaitForSingleObject(news, 100);
                 if (thumb.state == ThumbState::kThere) ++there;
             }
         }
     });
+    thumbs.OnNews({});
+    CloseHandle(news);
     std::printf("%zu of %zu small pictures  %7.2f s   %.1f a second\n", there, files.size(),
                 time / 1000, static_cast<double>(files.size()) * 1000 / time);
     return there == files.size() ? 0 : 1;

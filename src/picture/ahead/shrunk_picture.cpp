@@ -20,51 +20,68 @@ constexpr uint32_t kParts = 64;  // of a pixel's side
 // and two parts of them, squared, times 64 * 64 * 255 stay within 32 bits, and so do whole pixels
 // as far as one picture goes.
 struct Sum {
-    uint32_t blue = 0, green = 0, red = 0, alpha = 0, count = 0;
+    uint32_t blue = 0, green = 0, red = 0, alpha = 0;
 
     void Add(uint32_t pixel, uint32_t weight) {
         blue += (pixel & 0xFF) * weight;
         green += (pixel >> 8 & 0xFF) * weight;
         red += (pixel >> 16 & 0xFF) * weight;
         alpha += (pixel >> 24) * weight;
-        count += weight;
+    }
+    void Add(const Sum& other, uint32_t weight) {
+        blue += other.blue * weight;
+        green += other.green * weight;
+        red += other.red * weight;
+        alpha += other.alpha * weight;
     }
 };
 
-// The part of `count` pixels that the pixel `out` of `width` stands for, in parts of a pixel.
+// The pixels that one stands for: the first and the last one as far as they are covered, those in
+// between as a whole.
 struct Stretch {
-    Stretch(int64_t count, int64_t out, int64_t width, uint32_t parts)
-        : begin(count * parts * out / width), end(count * parts * (out + 1) / width) {}
-
-    int64_t begin;
-    int64_t end;
+    uint32_t first = 0;
+    uint32_t last = 0;
+    uint32_t firstWeight = 0;
+    uint32_t lastWeight = 0;  // 0: it is the first
+    uint32_t weight = 0;      // of all together
 };
 
-// How much of the pixel at `x` lies there.
-uint32_t Covered(const Stretch& stretch, int64_t x, uint32_t parts) {
-    const int64_t begin = std::max(stretch.begin, x * parts);
-    return static_cast<uint32_t>(std::min(stretch.end, (x + 1) * parts) - begin);
+// For each of `width` pixels, out of `count`. A whole pixel weighs `parts`.
+std::vector<Stretch> Stretches(int64_t count, int64_t width, uint32_t parts) {
+    std::vector<Stretch> all;
+    for (int64_t out = 0; out < width; ++out) {
+        const int64_t begin = count * parts * out / width;
+        const int64_t end = count * parts * (out + 1) / width;
+        const int64_t first = begin / parts;
+        const int64_t last = (end - 1) / parts;
+        const int64_t inFirst = std::min(end, (first + 1) * parts) - begin;
+        all.push_back({static_cast<uint32_t>(first), static_cast<uint32_t>(last),
+                       static_cast<uint32_t>(inFirst),
+                       static_cast<uint32_t>(last > first ? end - last * parts : 0),
+                       static_cast<uint32_t>(end - begin)});
+    }
+    return all;
 }
 
-void Add(std::span<const uint32_t> row, uint32_t weight, uint32_t parts, std::vector<Sum>& sums) {
-    const auto width = static_cast<int64_t>(sums.size());
-    for (int64_t out = 0; out < width; ++out) {
-        const Stretch stretch(static_cast<int64_t>(row.size()), out, width, parts);
-        Sum& sum = sums[static_cast<size_t>(out)];
-        if (parts == 1) {
-            for (int64_t x = stretch.begin; x < stretch.end; ++x)
-                sum.Add(row[static_cast<size_t>(x)], 1);
-        } else {
-            for (int64_t x = stretch.begin / parts; x * parts < stretch.end; ++x)
-                sum.Add(row[static_cast<size_t>(x)], weight * Covered(stretch, x, parts));
-        }
+void Add(std::span<const uint32_t> row, const std::vector<Stretch>& stretches, uint32_t parts,
+         uint32_t weight, std::vector<Sum>& sums) {
+    for (size_t out = 0; out < sums.size(); ++out) {
+        const Stretch& stretch = stretches[out];
+        Sum between;
+        for (uint32_t x = stretch.first + 1; x < stretch.last; ++x)
+            between.Add(row[x], 1);
+        Sum& sum = sums[out];
+        sum.Add(between, parts * weight);
+        sum.Add(row[stretch.first], stretch.firstWeight * weight);
+        sum.Add(row[stretch.last], stretch.lastWeight * weight);
     }
 }
 
-void Write(const std::vector<Sum>& sums, int y, const ThumbGround& ground, uint8_t* out) {
+void Write(const std::vector<Sum>& sums, const std::vector<Stretch>& stretches, uint32_t height,
+           int y, const ThumbGround& ground, uint8_t* out) {
     int x = 0;
     for (const Sum& sum : sums) {
-        const uint32_t count = std::max(sum.count, 1U);
+        const uint32_t count = stretches[static_cast<size_t>(x)].weight * height;
         const uint32_t level = ground.isSquares ? kGreys[(x / kSquare + y / kSquare) % 2]
                                                 : static_cast<uint32_t>(ground.level);
         const uint32_t through = 255 - std::min(sum.alpha / count, 255U);
@@ -102,15 +119,21 @@ Picture ShrunkPicture(const Picture& picture, int side, const ThumbGround& groun
             view.Width() < kFewPixels * size.cx && view.Height() < kFewPixels * size.cy;
         const uint32_t parts = areFew ? kParts : 1;
         std::vector<uint32_t> row(static_cast<size_t>(view.Width()));
+        const std::vector<Stretch> across = Stretches(view.Width(), size.cx, parts);
+        const std::vector<Stretch> down = Stretches(view.Height(), size.cy, parts);
         for (int out = 0; out < size.cy; ++out) {
             std::vector<Sum> sums(static_cast<size_t>(size.cx));
-            const Stretch stretch(view.Height(), out, size.cy, parts);
-            for (int64_t y = stretch.begin / parts; y * parts < stretch.end; ++y) {
+            const Stretch& rowsOfOne = down[static_cast<size_t>(out)];
+            for (uint32_t y = rowsOfOne.first; y <= rowsOfOne.last; ++y) {
+                const bool isLast = y == rowsOfOne.last && y != rowsOfOne.first;
+                const uint32_t weight = y == rowsOfOne.first ? rowsOfOne.firstWeight
+                                        : isLast             ? rowsOfOne.lastWeight
+                                                             : parts;
                 reader.PickRun(view.Row(static_cast<int32_t>(y)), 0, row.size(), row.data());
-                Add(row, Covered(stretch, y, parts), parts, sums);
+                Add(row, across, parts, weight, sums);
             }
             const size_t stored = static_cast<size_t>(size.cy - 1 - out) * stride;
-            Write(sums, out, ground, rows.data() + stored);
+            Write(sums, across, rowsOfOne.weight, out, ground, rows.data() + stored);
         }
         return true;
     });

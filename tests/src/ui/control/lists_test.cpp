@@ -104,6 +104,7 @@ TEST_F(FileListTest, SeveralFilesCanBeChosen) {
 
 // Small pictures are in another window, which does as the list does.
 TEST_F(FileListTest, SmallPicturesAreChosenAsNamesAre) {
+    Values().general.listText = kListNames;
     const List files = Bitmaps(9);
     window_.Show();
     ASSERT_TRUE(bar_.SetFileList(files));
