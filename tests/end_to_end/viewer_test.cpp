@@ -87,9 +87,9 @@ TEST_F(ViewerTest, ShowsABitmapInItsBoxNamesAPluginAndKeepsItsSettings) {
     EXPECT_TRUE(WaitUntil([&] { return ColorAt(0) == kColor; }));
     // 640 × 64 of 2000 × 200: well above the middle the window is empty again.
     EXPECT_NE(ColorAt(-80), kColor);
-    const auto plugins = std::ranges::count_if(
-        std::filesystem::directory_iterator(FinishedFolder()),
-        [](const auto& file) { return file.path().extension() == L".spi"; });
+    const auto plugins =
+        std::ranges::count_if(std::filesystem::directory_iterator(FinishedFolder()),
+                              [](const auto& file) { return file.path().extension() == L".spi"; });
     EXPECT_TRUE(Tells(0, std::to_wstring(plugins) + L"個のプラグイン"));
     EXPECT_TRUE(Tells(1, L"[表示中] 写真 사진.bmp ( 2000×200 24bit )"));
     EXPECT_TRUE(Tells(kScalePanel - 1, L"32 %"));

@@ -1,4 +1,5 @@
 #include "ui/form/picture_grid.h"
+#include "ui/form/appearance.h"
 
 #include <commctrl.h>
 
@@ -225,7 +226,7 @@ void PictureGrid::PaintFrame() const {
     GetWindowRect(window_, &frame);
     OffsetRect(&frame, -frame.left, -frame.top);
     const HDC context = GetWindowDC(window_);
-    FrameRect(context, &frame, GetSysColorBrush(COLOR_BTNSHADOW));
+    FrameRect(context, &frame, BrushOf(COLOR_BTNSHADOW));
     ReleaseDC(window_, context);
 }
 
@@ -257,7 +258,7 @@ void PictureGrid::Paint() {
 }
 
 void PictureGrid::PaintArea(HDC context, const RECT& area) {
-    FillRect(context, &area, GetSysColorBrush(COLOR_WINDOW));
+    FillRect(context, &area, BrushOf(COLOR_WINDOW));
     const int end = std::min(layout_.EndOf(area.bottom, scrolled_), content_.Count());
     for (int index = layout_.FirstIn(area.top, scrolled_); index < end; ++index)
         PaintCell(context, index);
@@ -266,7 +267,7 @@ void PictureGrid::PaintArea(HDC context, const RECT& area) {
     RECT text{0, 0, layout_.View().cx, layout_.View().cy};
     const int margin = Metrics(window_).Scale(kPictureMargin);
     InflateRect(&text, -margin, -margin);
-    SetTextColor(context, GetSysColor(COLOR_GRAYTEXT));
+    SetTextColor(context, ColorOf(COLOR_GRAYTEXT));
     SetBkMode(context, TRANSPARENT);
     DrawTextW(context, placeholder_.c_str(), -1, &text, DT_CENTER | DT_NOPREFIX | DT_WORDBREAK);
     SetBkMode(context, OPAQUE);
