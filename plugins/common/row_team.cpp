@@ -35,8 +35,10 @@ RowTeam::RowTeam(const RowPlaces& places, RowConversion conversion)
       shownStride_(BandStride(places.RowBytes())),
       bandRows_(std::clamp(static_cast<uint32_t>(kBandSize / storedStride_), 1u,
                            std::min(kMostBandRows, places.Height()))) {
-    const unsigned threads = ThreadsFor(places);
-    ring_.resize(threads == 0 ? 1 : threads + 4);
+    // No more than there are bands: of a picture of a few long rows each is large.
+    const uint32_t bands = (places.Height() + bandRows_ - 1) / bandRows_;
+    const unsigned threads = std::min(ThreadsFor(places), bands - 1);
+    ring_.resize(threads == 0 ? 1 : std::min(threads + 4, bands));
     isDone_.resize(ring_.size());
     for (Band& band : ring_)
         band.rows.resize(storedStride_ * bandRows_);

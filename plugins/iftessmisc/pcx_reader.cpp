@@ -106,17 +106,12 @@ std::vector<PaletteEntry> SmallPalette(const PcxHeader& header) {
     return standard;
 }
 
-std::vector<PaletteEntry> LargePalette(dib::ByteSource& source, const PcxHeader& header) {
+// Empty where there is none.
+std::vector<PaletteEntry> LargePalette(dib::ByteSource& source) {
     std::array<uint8_t, kTableSize> table{};
     if (source.Size() < kHeaderSize + kTableSize ||
         source.ReadAt(source.Size() - kTableSize, table) != kTableSize || table[0] != kTableMark) {
-        if (header.paletteKind == kGreyKind || AreAllEqual(header.palette)) {
-            return codec::GreyPalette(8);
-        }
-        // Cut short: the colours are gone, but the first ones may stand in the header.
-        std::vector<PaletteEntry> colors = codec::GreyPalette(8);
-        std::ranges::copy(header.palette, colors.begin());
-        return header.version >= 5 ? codec::GreyPalette(8) : colors;
+        return {};
     }
     std::vector<PaletteEntry> colors;
     for (size_t i = 1; i < kTableSize; i += 3)
@@ -142,11 +137,19 @@ class PcxReader final : public PictureReader {
         const unsigned bits = header.PixelBits();
         outline_.pixels = Pixels::kIndexed;
         outline_.tableBits = bits == 1 ? 1 : bits <= 4 ? 4 : 8;
-        outline_.palette = bits <= 4 ? SmallPalette(header) : LargePalette(source, header);
+        outline_.palette = bits <= 4 ? SmallPalette(header) : LargePalette(source);
+        if (bits > 4) pixelsEnd_ = source.Size() - std::min<uint64_t>(source.Size(), kTableSize);
+        if (!outline_.palette.empty()) return;
+        pixelsEnd_ = UINT64_MAX;
+        // Of greys, of a program that knows no palettes yet, or cut off.
+        outline_.palette = codec::GreyPalette(8);
+        isDamaged_ = header.version >= 5 && header.paletteKind != kGreyKind;
     }
 
-    uint32_t ReadRow(uint32_t, uint8_t* row) override {
+    uint32_t ReadRow(uint32_t y, uint8_t* row) override {
         const size_t got = ReadLine();
+        // A table that begins before is none.
+        if (y + 1 == header_.height && input_.Position() > pixelsEnd_) isDamaged_ = true;
         std::fill(line_.begin() + static_cast<ptrdiff_t>(got), line_.end(), uint8_t{0});
         if (!header_.HasTable()) {
             PutColors(row);
@@ -211,7 +214,8 @@ class PcxReader final : public PictureReader {
     const PcxHeader header_;
     ByteInput input_;
     std::vector<uint8_t> line_;
-    size_t left_ = 0;  // of the run
+    uint64_t pixelsEnd_ = UINT64_MAX;  // where the table begins
+    size_t left_ = 0;                  // of the run
     uint8_t value_ = 0;
 };
 

@@ -97,7 +97,7 @@ TEST_P(BundledPlugin, DecodesMemoryFilesAndPartsOfFiles) {
     EXPECT_EQ(info.width, header.width);
     EXPECT_EQ(info.height, header.height);
     EXPECT_EQ(info.colorDepth, header.bitCount);
-    EXPECT_EQ(info.xDensity, name == "iftesswic" || name == "iftessgif" ? 0 : 100);
+    EXPECT_EQ(info.xDensity, name == "iftessjpeg" || name == "iftesspng" ? 100 : 0);
     EXPECT_EQ(info.hInfo, nullptr);
 }
 
@@ -202,6 +202,7 @@ TEST(BundledFrames, ComeFromFilesThatMayGoAndFromBlocks) {
         std::vector<int32_t> widths;
     } all[] = {
         {"iftessgif", Seed("fuzz_gif/two-frames"), susie::kFrameAnimation, {12, 12}},
+        {"iftessmisc", Seed("fuzz_misc/dcx"), susie::kFramePages, {9, 9}},
         {"iftesspng", Seed("fuzz_png/animated"), susie::kFrameAnimation, {7, 7, 7, 7, 7}},
         {"iftesswic", Seed("fuzz_system_picture/icon"), susie::kFramePages, {16, 12, 8}},
         {"iftesswic", TwoPages(), susie::kFramePages, {16, 16}},
@@ -268,6 +269,7 @@ TEST(BundledFrames, ComeFromFilesThatMayGoAndFromBlocks) {
 INSTANTIATE_TEST_SUITE_P(, BundledPlugin,
                          testing::Values(std::pair("iftessgif", "fuzz_gif/two-frames"),
                                          std::pair("iftessjpeg", "fuzz_jpeg/color"),
+                                         std::pair("iftessmisc", "fuzz_misc/sgi-runs"),
                                          std::pair("iftesspng", "fuzz_png/color8"),
                                          std::pair("iftesswic", "fuzz_system_picture/icon")),
                          [](const auto& info) { return std::string(info.param.first); });
