@@ -84,7 +84,7 @@ class NetpbmReader final : public PictureReader {
     }
 
     uint32_t ReadPlainRow(uint8_t* row) {
-        uint32_t samples[3] = {};
+        uint32_t samples[5] = {};  // as many as PutPixel could ask for
         for (uint32_t x = 0; x < header_.width; ++x) {
             for (uint32_t i = 0; i < header_.depth; ++i) {
                 SkipNetpbmSpace(input_);

@@ -20,7 +20,6 @@ constexpr uint8_t kSignature = 0x0A;
 constexpr size_t kHeaderColors = 16;        // in the header, three bytes each
 constexpr size_t kTableSize = 1 + 256 * 3;  // at the end of the file, behind its mark
 constexpr uint8_t kTableMark = 0x0C;
-constexpr uint8_t kVersionWithoutPalette = 3;
 constexpr uint16_t kGreyKind = 2;
 
 // What a file without a palette means: the colours of EGA boards.
@@ -85,23 +84,15 @@ bool AreAllEqual(std::span<const PaletteEntry> colors) {
     });
 }
 
-// Those of up to 16 colours.
+// Those of up to 16 colours. The version tells whether there are any, but few programs care.
 std::vector<PaletteEntry> SmallPalette(const PcxHeader& header) {
     const size_t count = size_t{1} << header.PixelBits();
-    const auto stored = std::span(header.palette).first(std::min(count, kHeaderColors));
-    if (count == 2) {
-        // Programs that draw in black and white leave anything there; two colours are meant.
-        constexpr std::array kPlain{EntryOf(0x000000), EntryOf(0xFFFFFF)};
-        const bool isMeant =
-            header.version != kVersionWithoutPalette && header.version != 0 && !AreAllEqual(stored);
-        return isMeant ? std::vector<PaletteEntry>(stored.begin(), stored.end())
-                       : std::vector<PaletteEntry>(kPlain.begin(), kPlain.end());
-    }
-    if (header.version != kVersionWithoutPalette && header.version != 0 && !AreAllEqual(stored)) {
-        return {stored.begin(), stored.end()};
-    }
+    // Two are black and white: what stands in the header belongs to pictures of more.
+    if (count == 2) return {EntryOf(0x000000), EntryOf(0xFFFFFF)};
+    const auto stored = std::span(header.palette).first(count);
+    if (!AreAllEqual(stored)) return {stored.begin(), stored.end()};
     std::vector<PaletteEntry> standard;
-    for (size_t i = 0; i < count && i < kEga.size(); ++i)
+    for (size_t i = 0; i < count; ++i)
         standard.push_back(EntryOf(count == 4 ? kCga[i] : kEga[i]));
     return standard;
 }

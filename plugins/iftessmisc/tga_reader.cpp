@@ -140,7 +140,8 @@ class TgaReader final : public PictureReader {
     bool MayHaveAlpha() const {
         const unsigned bits = header_.IsMapped() ? header_.mapBits : header_.bits;
         if (alpha_ == TgaAlpha::kNone || (bits != 16 && bits != 32)) return false;
-        return alpha_ != TgaAlpha::kNotSaid || header_.AttributeBits() != 0;
+        // Many programs write 32 bits and leave the count of alpha's at 0.
+        return alpha_ != TgaAlpha::kNotSaid || header_.AttributeBits() != 0 || bits == 32;
     }
 
     Pixels PixelsWith(bool hasAlpha) const {
