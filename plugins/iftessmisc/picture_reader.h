@@ -1,6 +1,8 @@
 // What each of the small formats makes of a file: a picture whose rows can be asked for.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>

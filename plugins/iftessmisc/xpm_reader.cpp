@@ -1,7 +1,8 @@
 // XPM: pictures of icons as parts of C programs.
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <cstring>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,8 +15,8 @@ namespace {
 
 using codec::Result;
 
-constexpr size_t kMostCharacters = 16;  // of a pixel
-constexpr size_t kMostLine = 4096;      // of all strings but the rows
+constexpr uint32_t kMostCharacters = 16;  // of a pixel
+constexpr size_t kMostLine = 4096;        // of all strings but the rows
 
 struct XpmHeader {
     uint32_t width = 0, height = 0;
@@ -26,17 +27,16 @@ struct XpmHeader {
 bool ReadHeader(XpmText& text, XpmHeader& header) {
     std::string line;
     if (!text.Next(line, kMostLine)) return false;
-    std::istringstream numbers(line);
-    int64_t width = 0, height = 0, colors = 0, characters = 0;
-    numbers >> width >> height >> colors >> characters;
-    const auto isGood = [](int64_t number) { return number > 0 && number <= 0x7FFFFFFF; };
-    if (!numbers || !isGood(width) || !isGood(height) || !isGood(colors) || characters <= 0 ||
-        characters > static_cast<int64_t>(kMostCharacters)) {
-        return false;
+    const char* at = line.c_str();
+    for (uint32_t* const field :
+         {&header.width, &header.height, &header.colors, &header.characters}) {
+        char* end = nullptr;
+        const long long number = std::strtoll(at, &end, 10);
+        if (end == at || number <= 0 || number > 0x7FFFFFFF) return false;
+        *field = static_cast<uint32_t>(number);
+        at = end;
     }
-    header = {static_cast<uint32_t>(width), static_cast<uint32_t>(height),
-              static_cast<uint32_t>(colors), static_cast<uint32_t>(characters)};
-    return true;
+    return header.characters <= kMostCharacters;
 }
 
 // The colours by their characters.
