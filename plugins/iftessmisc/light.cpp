@@ -9,14 +9,15 @@ namespace {
 
 constexpr float kKnee = 0.75f;
 constexpr float kMostLight = 1e30f;
-constexpr size_t kSteps = 65535;
+constexpr size_t kSteps = 65536;
 
-// Of light in 65535ths: the levels of sRGB. The darkest level is 20 of them wide.
+// The levels of sRGB of light, each step's middle. The darkest level is 10 steps wide, the next
+// ones 20.
 const std::vector<uint8_t>& SrgbLevels() {
     static const std::vector<uint8_t> levels = [] {
-        std::vector<uint8_t> made(kSteps + 1);
-        for (size_t i = 0; i <= kSteps; ++i) {
-            const double light = static_cast<double>(i) / kSteps;
+        std::vector<uint8_t> made(kSteps);
+        for (size_t i = 0; i < kSteps; ++i) {
+            const double light = (static_cast<double>(i) + 0.5) / kSteps;
             const double level =
                 light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
             made[i] = static_cast<uint8_t>(std::lround(level * 255));
@@ -45,7 +46,8 @@ float LightCurve::Compressed(float light) const {
 }
 
 uint8_t LightCurve::Encoded(float light) const {
-    return levels_[static_cast<size_t>(std::min(light, 1.0f) * kSteps + 0.5f)];
+    const auto step = static_cast<size_t>(std::min(light, 1.0f) * kSteps);
+    return levels_[std::min(step, kSteps - 1)];
 }
 
 uint8_t LightCurve::Level(float light) const {

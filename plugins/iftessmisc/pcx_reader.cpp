@@ -105,6 +105,7 @@ std::vector<PaletteEntry> LargePalette(dib::ByteSource& source) {
         return {};
     }
     std::vector<PaletteEntry> colors;
+    colors.reserve(256);
     for (size_t i = 1; i < kTableSize; i += 3)
         colors.push_back({table[i + 2], table[i + 1], table[i], 0});
     return colors;
@@ -245,6 +246,7 @@ std::vector<Page> DcxPages(dib::ByteSource& source, size_t most) {
         if (offset < source.Size()) pages.push_back({.offset = offset});
     }
     std::vector<uint64_t> starts;
+    starts.reserve(pages.size());
     for (const Page& page : pages)
         starts.push_back(page.offset);
     std::ranges::sort(starts);

@@ -145,10 +145,23 @@ class StoredRows {
     size_t width_;
 };
 
+// What a mantissa counts for, by exponents; without one there is no light.
+const std::array<float, 256>& Units() {
+    static const std::array<float, 256> units = [] {
+        std::array<float, 256> made{};
+        for (int i = 1; i < 256; ++i)
+            made[static_cast<size_t>(i)] = std::ldexp(1.0f, i - 136);
+        return made;
+    }();
+    return units;
+}
+
 std::array<float, 3> LightOf(const Pixel& pixel, bool isXyz) {
-    if (pixel[3] == 0) return {0, 0, 0};
-    const float unit = std::ldexp(1.0f, pixel[3] - 136);
-    const float x = pixel[0] * unit, y = pixel[1] * unit, z = pixel[2] * unit;
+    static const std::array<float, 256>& units = Units();
+    const float unit = units[pixel[3]];
+    const float x = static_cast<float>(pixel[0]) * unit;
+    const float y = static_cast<float>(pixel[1]) * unit;
+    const float z = static_cast<float>(pixel[2]) * unit;
     if (!isXyz) return {x, y, z};
     return {3.2404542f * x - 1.5371385f * y - 0.4985314f * z,
             -0.9692660f * x + 1.8760108f * y + 0.0415560f * z,

@@ -26,9 +26,7 @@ std::string NextWord(ByteInput& input, int stop = -2) {
     for (int byte = input.Peek(); byte >= 0; byte = input.Peek()) {
         if (IsWordByte(byte)) {
             if (word.size() < kMostWord) word += static_cast<char>(byte);
-        } else if (!word.empty()) {
-            return word;
-        } else if (byte == stop) {
+        } else if (!word.empty() || byte == stop) {
             return word;
         }
         input.Byte();
@@ -93,9 +91,15 @@ class XbmReader final : public PictureReader {
     ByteInput input_;
 };
 
-// "#define", and a name of one of the sides.
+// "#define", perhaps behind a comment, and a name of one of the sides.
 bool IsXbm(std::span<const uint8_t> header) {
-    const std::string_view text(reinterpret_cast<const char*>(header.data()), header.size());
+    std::string_view text(reinterpret_cast<const char*>(header.data()), header.size());
+    if (text.starts_with("/*")) {
+        const size_t end = text.find("*/");
+        if (end == std::string_view::npos) return false;
+        text.remove_prefix(end + 2);
+        text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    }
     if (!text.starts_with(kDefine)) return false;
     const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
     return line.find("width") != std::string_view::npos ||

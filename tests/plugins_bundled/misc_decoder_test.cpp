@@ -263,6 +263,11 @@ TEST(MiscDecoder, LeavesOthersTheirFiles) {
         header.resize(64);
         EXPECT_FALSE(kDecoder.IsSupported(header)) << other;
     }
+    Bytes behindComment = FileOf("xbm");
+    constexpr std::string_view kComment = "/* by a program */\n";
+    behindComment.insert(behindComment.begin(), kComment.begin(), kComment.end());
+    EXPECT_TRUE(kDecoder.IsSupported(std::span(behindComment).first(64)));
+    EXPECT_EQ(SumOf(Decoded(kDecoder, behindComment).target), kBits);
     // Of a known format, but a kind that is not read.
     Bytes withMap = FileOf("sgi-runs");
     withMap[107] = 2;
