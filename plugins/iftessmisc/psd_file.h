@@ -39,7 +39,10 @@ struct PsdFile {
 
     // Samples with colours of a pixel.
     unsigned Colors() const;
-    bool HasAlpha() const { return isTransparent && channels > Colors(); }
+    // Bitmaps and pictures with a table have none.
+    bool HasAlpha() const {
+        return isTransparent && channels > Colors() && depth != 1 && mode != PsdMode::kIndexed;
+    }
     uint64_t RowBytes() const { return (uint64_t{width} * depth + 7) / 8; }
 };
 

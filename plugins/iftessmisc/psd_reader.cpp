@@ -19,9 +19,9 @@ namespace {
 using codec::Result;
 
 // A sample that was laid over white as it was before.
-uint8_t WithoutWhite(unsigned sample, unsigned alpha, unsigned white = 255) {
+uint8_t WithoutWhite(unsigned sample, unsigned alpha) {
     if (alpha == 0) return static_cast<uint8_t>(sample);
-    const int over = static_cast<int>(sample) - static_cast<int>(white - alpha * white / 255);
+    const int over = static_cast<int>(sample) + static_cast<int>(alpha) - 255;
     return static_cast<uint8_t>(std::clamp<int>(
         (over * 255 + static_cast<int>(alpha) / 2) / static_cast<int>(alpha), 0, 255));
 }
@@ -49,17 +49,19 @@ class PsdReader final : public PictureReader {
     }
 
     bool Prepare(codec::Progress& progress) override {
-        if (file_.depth != 32) return true;
-        PsdPlanes all(source_, file_, packing_, colors_);
-        rows_[0].resize(static_cast<size_t>(file_.RowBytes()));
+        const bool isLight = file_.depth == 32;
+        if (!isLight && !hasAlpha_) return true;
+        PsdPlanes all(source_, file_, packing_, Planes());
         float brightest = 0;
         for (uint32_t y = 0; y < file_.height; ++y) {
             if (!progress.Report(0, 1)) return false;
-            for (unsigned i = 0; i < colors_; ++i) {
-                const size_t samples = all.ReadRow(i, rows_[0]) / 4;
-                for (size_t x = 0; x < samples; ++x)
-                    brightest = std::max(brightest, UsableLight(FloatAt(0, x)));
-            }
+            size_t least = SIZE_MAX;
+            for (unsigned i = 0; i < Planes(); ++i)
+                least = std::min(least, ReadPlane(all, i));
+            if (isLight) brightest = std::max(brightest, BrightestOfRow());
+            if (hasAlpha_ && least == file_.RowBytes())
+                isOverWhite_ = isOverWhite_ && MayBeOverWhite();
+            if (!isLight && !isOverWhite_) break;
         }
         curve_ = LightCurve(brightest);
         return true;
@@ -67,16 +69,10 @@ class PsdReader final : public PictureReader {
 
     uint32_t ReadRow(uint32_t, uint8_t* row) override {
         bool isThere = false;
-        for (unsigned i = 0; i < colors_ + (hasAlpha_ ? 1 : 0); ++i) {
-            std::vector<uint8_t>& samples = rows_[i];
-            samples.resize(static_cast<size_t>(file_.RowBytes()));
-            const size_t got = planes_.ReadRow(i, samples);
+        for (unsigned i = 0; i < Planes(); ++i) {
+            const size_t got = ReadPlane(planes_, i);
             isThere = isThere || got != 0;
-            isDamaged_ = isDamaged_ || got < samples.size();
-            // Nothing of an ink, and all of the alpha.
-            const bool isFull = AreInks() || i == colors_;
-            std::fill(samples.begin() + static_cast<ptrdiff_t>(got), samples.end(),
-                      isFull ? uint8_t{0xFF} : uint8_t{0});
+            isDamaged_ = isDamaged_ || got < file_.RowBytes();
         }
         hasPixels_ = hasPixels_ || isThere;
         if (!isThere && !(hasPixels_ && packing_ == PsdPacking::kRuns)) return 0;
@@ -96,6 +92,44 @@ class PsdReader final : public PictureReader {
 
   private:
     bool AreInks() const { return colors_ == 4; }
+    unsigned Planes() const { return colors_ + (hasAlpha_ ? 1 : 0); }
+
+    // A row of a channel into its place; how many bytes of it there are.
+    size_t ReadPlane(PsdPlanes& planes, unsigned channel) {
+        std::vector<uint8_t>& samples = rows_[channel];
+        samples.resize(static_cast<size_t>(file_.RowBytes()));
+        const size_t got = planes.ReadRow(channel, samples);
+        // Nothing of an ink, and all of the alpha.
+        const bool isFull = AreInks() || channel == colors_;
+        std::fill(samples.begin() + static_cast<ptrdiff_t>(got), samples.end(),
+                  isFull ? uint8_t{0xFF} : uint8_t{0});
+        return got;
+    }
+
+    float BrightestOfRow() const {
+        float brightest = 0;
+        for (unsigned i = 0; i < colors_; ++i) {
+            for (size_t x = 0; x < file_.width; ++x)
+                brightest = std::max(brightest, UsableLight(FloatAt(i, x)));
+        }
+        return brightest;
+    }
+
+    // Photoshop has laid the row over white, so no sample is darker than what shines through. Other
+    // programs leave colours as they are.
+    bool MayBeOverWhite() const {
+        constexpr int kRounding = 2;
+        if (file_.mode == PsdMode::kLab) return false;
+        for (unsigned i = 0; i < colors_; ++i) {
+            for (size_t x = 0; x < file_.width; ++x) {
+                const bool isDarker = file_.depth == 32
+                                          ? FloatAt(i, x) + FloatAt(colors_, x) < 0.99f
+                                          : SampleAt(i, x) + SampleAt(colors_, x) + kRounding < 255;
+                if (isDarker) return false;
+            }
+        }
+        return true;
+    }
 
     void SetColors() {
         const bool isRgb = !AreInks() && file_.mode != PsdMode::kLab;
@@ -162,6 +196,10 @@ class PsdReader final : public PictureReader {
             std::lround(std::min(UsableLight(FloatAt(colors_, x)), 1.0f) * 255));
     }
 
+    uint8_t Unmixed(uint8_t sample, unsigned alpha) const {
+        return isOverWhite_ ? WithoutWhite(sample, alpha) : sample;
+    }
+
     void PutTable(uint8_t* row) const {
         for (size_t x = 0; x < file_.width; ++x) {
             if (file_.depth == 1) {
@@ -174,7 +212,7 @@ class PsdReader final : public PictureReader {
                 continue;
             }
             const uint8_t alpha = AlphaAt(x);
-            level = WithoutWhite(level, alpha);
+            level = Unmixed(level, alpha);
             *row++ = greys_.empty() ? level : greys_[level];
             *row++ = alpha;
         }
@@ -185,12 +223,12 @@ class PsdReader final : public PictureReader {
         for (size_t x = 0; x < file_.width; ++x) {
             const unsigned alpha = hasAlpha_ ? AlphaAt(x) : 255u;
             for (unsigned i = 3; i-- > 0;) {
-                if (isDeep && alpha == 255) {
+                if (isDeep && (alpha == 255 || !isOverWhite_)) {
                     *row++ = rows_[i][2 * x];
                     *row++ = rows_[i][2 * x + 1];
                     continue;
                 }
-                const uint8_t sample = WithoutWhite(SampleAt(i, x), alpha);
+                const uint8_t sample = Unmixed(SampleAt(i, x), alpha);
                 *row++ = sample;
                 if (isDeep) *row++ = sample;
             }
@@ -204,7 +242,7 @@ class PsdReader final : public PictureReader {
         for (size_t x = 0; x < file_.width; ++x) {
             const float alpha = hasAlpha_ ? std::min(UsableLight(FloatAt(3, x)), 1.0f) : 1;
             std::array<float, 3> light{FloatAt(0, x), FloatAt(1, x), FloatAt(2, x)};
-            if (alpha > 0 && alpha < 1) {
+            if (isOverWhite_ && alpha > 0 && alpha < 1) {
                 for (float& each : light)
                     each = (each - (1 - alpha)) / alpha;
             }
@@ -221,7 +259,7 @@ class PsdReader final : public PictureReader {
         for (size_t x = 0; x < width; ++x) {
             const unsigned alpha = hasAlpha_ ? AlphaAt(x) : 255u;
             for (unsigned i = 0; i < 4; ++i)
-                inks_[4 * x + i] = WithoutWhite(SampleAt(i, x), alpha);
+                inks_[4 * x + i] = Unmixed(SampleAt(i, x), alpha);
         }
         if (hasAlpha_) bgr_.resize(width * 3);
         uint8_t* const bgr = hasAlpha_ ? bgr_.data() : row;
@@ -267,6 +305,7 @@ class PsdReader final : public PictureReader {
     std::vector<uint8_t> greys_;  // of levels; empty: themselves
     LightCurve curve_{1};
     LabColors lab_;
+    bool isOverWhite_ = true;  // what is transparent
     bool hasPixels_ = false;
 };
 

@@ -141,6 +141,14 @@ TEST(MiscDecoder, ComputesColorsThatAreNotStoredAsSuch) {
             EXPECT_NEAR(pixels.Channel(8, 6, channel), level(end), most) << name;
         }
     }
+    // A transparent pixel that nobody has laid over white keeps its colour.
+    Bytes one = Cut(FileOf("psd-alpha"), 48);
+    one[17] = one[21] = 1;
+    for (const uint8_t byte : {0, 0, 10, 20, 30, 128})
+        one.push_back(byte);
+    const Colors kept = Decoded(kDecoder, one, {}, true).Pixels();
+    EXPECT_EQ(kept.At(0, 0), 0x0A141Eu);
+    EXPECT_EQ(kept.Channel(0, 0, 3), 128);
     // A profile in the resources: red and blue exchanged.
     Bytes file = FileOf("psd-alpha");
     const Bytes icc = Swapped();
