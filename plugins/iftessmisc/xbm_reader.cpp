@@ -1,6 +1,5 @@
 // XBM: a bitmap as a part of a C program. Format: the manual of Xlib, "Bitmap file".
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -16,8 +15,13 @@ using codec::Result;
 constexpr std::string_view kDefine = "#define";
 constexpr size_t kMostWord = 256;
 
+bool IsDigit(int byte) {
+    return byte >= '0' && byte <= '9';
+}
+
 bool IsWordByte(int byte) {
-    return byte == '_' || byte == '#' || (byte >= 0 && std::isalnum(byte) != 0);
+    return byte == '_' || byte == '#' || IsDigit(byte) || (byte >= 'a' && byte <= 'z') ||
+           (byte >= 'A' && byte <= 'Z');
 }
 
 // The next word or number; empty at the end. Skips all else, and comments; stops behind `stop`.
@@ -77,7 +81,7 @@ class XbmReader final : public PictureReader {
     uint32_t ReadRow(uint32_t, uint8_t* row) override {
         for (uint32_t x = 0; x < header_.width; x += header_.unitBits) {
             const std::string word = NextWord(input_, '}');
-            if (word.empty() || std::isdigit(static_cast<unsigned char>(word[0])) == 0) return x;
+            if (word.empty() || !IsDigit(word[0])) return x;
             const unsigned long bits = std::strtoul(word.c_str(), nullptr, 0);
             const uint32_t count = std::min(header_.width - x, uint32_t{header_.unitBits});
             for (uint32_t i = 0; i < count; ++i)

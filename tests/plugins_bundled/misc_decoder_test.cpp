@@ -98,7 +98,9 @@ TEST(MiscDecoder, ShowsEachKindAsItWasMeant) {
         ASSERT_EQ(decoded.result, Result::kSuccess) << name;
         EXPECT_EQ(decoded.condition, Condition::kNone) << name;
         EXPECT_EQ(decoded.form.bitCount, bitCount) << name;
-        if (sum != kAnySum) EXPECT_EQ(SumOf(decoded.target), sum) << name;
+        if (sum != kAnySum) {
+            EXPECT_EQ(SumOf(decoded.target), sum) << name;
+        }
         // Over white, where nobody takes alpha.
         const Colors clear = decoded.Pixels();
         const Decoded flat(kDecoder, file);
@@ -135,8 +137,9 @@ TEST(MiscDecoder, ComputesColorsThatAreNotStoredAsSuch) {
             const auto level = [&](uint32_t rgb) {
                 return static_cast<int>(rgb >> 8 * channel & 0xFF);
             };
-            if (corner != 0xFFFFFF)
+            if (corner != 0xFFFFFF) {
                 EXPECT_NEAR(pixels.Channel(0, 0, channel), level(corner), most) << name;
+            }
             EXPECT_NEAR(pixels.Channel(4, 3, channel), level(middle), most) << name;
             EXPECT_NEAR(pixels.Channel(8, 6, channel), level(end), most) << name;
         }
@@ -218,8 +221,9 @@ TEST(MiscDecoder, SurvivesHeadersThatLie) {
                     dib::MemorySource source(forged);
                     MemoryTarget target(1u << 18);
                     codec::Progress nobody;
-                    if (kDecoder.Decode(source, target, nobody) == Result::kSuccess)
+                    if (kDecoder.Decode(source, target, nobody) == Result::kSuccess) {
                         EXPECT_TRUE(target.View()) << name << ' ' << at;
+                    }
                 }
             }
         }
