@@ -1,5 +1,4 @@
 #include "ui/form/picture_grid.h"
-#include "ui/form/appearance.h"
 
 #include <commctrl.h>
 
@@ -7,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "ui/form/appearance.h"
 #include "ui/form/metrics.h"
 #include "ui/form/window.h"
 
