@@ -104,7 +104,7 @@ TEST_P(BundledPlugin, DecodesMemoryFilesAndPartsOfFiles) {
 // Room for one picture, in which something stands.
 struct DirtyRoom : susie::PictureRoom {
     explicit DirtyRoom(bool has)
-        : susie::PictureRoom{sizeof(susie::PictureRoom), &Take, 0}, hasRoom(has) {}
+        : susie::PictureRoom{sizeof(susie::PictureRoom), &Take, 0, 0}, hasRoom(has) {}
 
     static int __stdcall Take(susie::PictureRoom* asked, SIZE_T infoSize, SIZE_T bitsSize,
                               void** info, void** bits) {
