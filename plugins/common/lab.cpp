@@ -35,9 +35,9 @@ uint8_t LevelOf(float light) {
 
 std::array<uint8_t, 3> LabToSrgb(float lightness, float a, float b) {
     const float middle = (lightness + 16) / 116;
-    const float x = 0.9642F * CubeOrLine(middle + a / 500);
+    const float x = 0.96422F * CubeOrLine(middle + a / 500);
     const float y = CubeOrLine(middle);
-    const float z = 0.8249F * CubeOrLine(middle - b / 200);
+    const float z = 0.82521F * CubeOrLine(middle - b / 200);
     // From XYZ under D50 to linear sRGB.
     const float red = 3.1338561F * x - 1.6168667F * y - 0.4906146F * z;
     const float green = -0.9787684F * x + 1.9161415F * y + 0.0334540F * z;

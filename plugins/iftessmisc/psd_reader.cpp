@@ -5,10 +5,11 @@
 #include <cmath>
 #include <memory>
 
+#include "plugins/common/inks.h"
+#include "plugins/common/lab.h"
 #include "plugins/common/palette.h"
 #include "plugins/common/srgb.h"
 #include "plugins/iftessmisc/format.h"
-#include "plugins/iftessmisc/lab_colors.h"
 #include "plugins/iftessmisc/light.h"
 #include "plugins/iftessmisc/psd_planes.h"
 #include "plugins/iftessmisc/stored_number.h"
@@ -266,11 +267,7 @@ class PsdReader final : public PictureReader {
         if (toSrgb_) {
             toSrgb_->Convert(inks_.data(), bgr, width);
         } else {
-            for (size_t x = 0; x < width; ++x) {
-                for (size_t i = 0; i < 3; ++i)
-                    bgr[3 * x + i] =
-                        Scaled(unsigned{inks_[4 * x + 2 - i]} * inks_[4 * x + 3], 255 * 255);
-            }
+            codec::InksToColors(inks_.data(), bgr, width, true);
         }
         for (size_t x = 0; hasAlpha_ && x < width; ++x, row += 4) {
             std::copy_n(bgr + 3 * x, 3, row);
@@ -287,7 +284,7 @@ class PsdReader final : public PictureReader {
                                          : static_cast<float>(rows_[i][x]);
                 lab[i] = i == 0 ? sample * 100 / 255 : sample - 128;
             }
-            lab_.Put(lab, row);
+            std::ranges::copy(codec::LabToSrgb(lab[0], lab[1], lab[2]), row);
             row += 3;
             if (hasAlpha_) *row++ = AlphaAt(x);
         }
@@ -304,7 +301,6 @@ class PsdReader final : public PictureReader {
     std::vector<uint8_t> inks_, bgr_;
     std::vector<uint8_t> greys_;  // of levels; empty: themselves
     LightCurve curve_{1};
-    LabColors lab_;
     bool isOverWhite_ = true;  // what is transparent
     bool hasPixels_ = false;
 };
