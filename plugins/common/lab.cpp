@@ -12,13 +12,14 @@ float CubeOrLine(float t) {
     return t > kLimit ? t * t * t : 3 * kLimit * kLimit * (t - 4.0F / 29);
 }
 
-// Light to levels of sRGB, close enough that the nearest level is met.
+// Light to levels of sRGB: each step has the level of its middle, which is close enough that the
+// nearest level is met.
 constexpr size_t kSteps = 16384;
 
 std::vector<uint8_t> MakeLevels() {
     std::vector<uint8_t> levels(kSteps + 1);
     for (size_t i = 0; i <= kSteps; ++i) {
-        const double light = static_cast<double>(i) / kSteps;
+        const double light = std::min((static_cast<double>(i) + 0.5) / kSteps, 1.0);
         const double value =
             light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
         levels[i] = static_cast<uint8_t>(std::lround(value * 255));
@@ -28,7 +29,7 @@ std::vector<uint8_t> MakeLevels() {
 
 uint8_t LevelOf(float light) {
     static const std::vector<uint8_t> levels = MakeLevels();
-    return levels[static_cast<size_t>(std::clamp(light, 0.0F, 1.0F) * kSteps + 0.5F)];
+    return levels[static_cast<size_t>(std::clamp(light, 0.0F, 1.0F) * kSteps)];
 }
 
 }  // namespace

@@ -84,9 +84,10 @@ bool TiffRows::ReadScanline(uint32_t y) {
 
 bool TiffRows::ReadBand(uint32_t y) {
     bool isSound = failuresInARow_ < kMostFailures;
-    for (uint16_t plane = 0; plane < planes_.size(); ++plane) {
-        std::ranges::fill(planes_[plane].band, uint8_t{0});
+    for (size_t i = 0; i < planes_.size(); ++i) {
+        std::ranges::fill(planes_[i].band, uint8_t{0});
         if (failuresInARow_ >= kMostFailures) continue;
+        const auto plane = static_cast<uint16_t>(i);
         const bool isRead = isTiled_ ? ReadTiles(y, plane) : ReadStrip(y, plane);
         failuresInARow_ = isRead ? 0 : failuresInARow_ + 1;
         isSound = isSound && isRead;

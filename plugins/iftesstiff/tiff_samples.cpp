@@ -95,8 +95,9 @@ void UnpackSamples(const uint8_t* raw, size_t count, uint16_t bits, uint16_t for
         UnpackWide(raw, count, bits, out);
     } else {
         UnpackIndexes(raw, count, bits, out);
-        const uint32_t most = (1U << bits) - 1;
-        const uint32_t least = format == SAMPLEFORMAT_INT ? 1U << (bits - 1) : 0;
+        const unsigned known = std::max<unsigned>(bits, 1);
+        const uint32_t most = (1U << known) - 1;
+        const uint32_t least = format == SAMPLEFORMAT_INT ? 1U << (known - 1) : 0;
         for (size_t i = 0; i < count; ++i)
             out[i] = static_cast<uint16_t>(((out[i] ^ least) * kMost + most / 2) / most);
         return;

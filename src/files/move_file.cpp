@@ -207,9 +207,12 @@ std::wstring FreeName(const std::wstring& target) {
     const size_t dot = name.rfind(L'.');
     const std::wstring stem = dot == 0 ? name : name.substr(0, dot);
     const std::wstring extension = name.substr(stem.size());
+    const std::wstring start = FolderOf(target) + stem + L" (";
     std::wstring free = target;
-    for (int number = 2; PathExists(free); ++number)
-        free = FolderOf(target) + stem + L" (" + std::to_wstring(number) + L")" + extension;
+    for (int number = 2; PathExists(free); ++number) {
+        free = start;
+        free.append(std::to_wstring(number)).append(L")").append(extension);
+    }
     return free;
 }
 

@@ -16,7 +16,7 @@ std::wstring GroupedNumber(uint64_t number) {
 
 std::wstring FileSizeText(uint64_t bytes) {
     constexpr uint64_t kKilo = 1024;
-    const std::wstring exact = GroupedNumber(bytes) + L" バイト";
+    std::wstring exact = GroupedNumber(bytes) + L" バイト";
     if (bytes < kKilo) return exact;
     const bool isMega = bytes >= kKilo * kKilo;
     wchar_t shown[64];

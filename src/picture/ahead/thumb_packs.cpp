@@ -180,8 +180,9 @@ void ThumbPacks::Append(const std::wstring& key, const Picture& picture) {
     if (picture.Header().bitCount != 24 || rows.size() != RowBytes(head)) return;
     std::vector<uint8_t> record(static_cast<size_t>(SizeOf(head)));
     uint8_t* const content = record.data() + sizeof(head);
-    std::memcpy(content, key.data(), key.size() * sizeof(wchar_t));
-    std::memcpy(content + key.size() * sizeof(wchar_t), rows.data(), rows.size());
+    const std::span name = std::as_bytes(std::span(key));
+    std::memcpy(content, name.data(), name.size());
+    std::memcpy(content + name.size(), rows.data(), rows.size());
     head.check = CheckOf(std::span(record).subspan(sizeof(head)));
     std::memcpy(record.data(), &head, sizeof(head));
     if (!WriteAt(own_->file.Get(), own_->size, record.data(), static_cast<DWORD>(record.size()))) {

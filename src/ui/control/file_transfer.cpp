@@ -220,7 +220,7 @@ std::optional<FileTransfer::Outcome> FileTransfer::Do(const TransferredFile& fil
         }
         return !flow->stops || GetTickCount() - stopped < kStopMilliseconds;
     };
-    const std::optional<Outcome> outcome = CallInBackground<Outcome>(transfer, waiting);
+    std::optional<Outcome> outcome = CallInBackground<Outcome>(transfer, waiting);
     flow->stops = true;  // who is left behind
     // Many small files are as long as a large one.
     if (outcome && !tell(file.path, (begin + 1) * kPartsOfFile, total * kPartsOfFile))

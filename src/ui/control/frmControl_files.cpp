@@ -152,7 +152,7 @@ void frmControl::RenameShown() {
     const std::vector<std::wstring> paths = TargetFiles();
     if (paths.empty()) return;
     if (paths.size() > 1) return window_.ShowNote(L"名前の変更は 1 個ずつです。");
-    const std::wstring path = paths.front();
+    const std::wstring& path = paths.front();
     player_.HaltTimer();
     EndMotion();
     std::wstring newPath;

@@ -75,7 +75,7 @@ class VirtualList final : public Control {
     void ShowChosen();
     void SetState(int index, UINT state, UINT mask) const;
     bool HasState(int index, UINT state) const {
-        return Send(LVM_GETITEMSTATE, static_cast<WPARAM>(index), state) != 0;
+        return Send(LVM_GETITEMSTATE, static_cast<WPARAM>(index), static_cast<LPARAM>(state)) != 0;
     }
     std::vector<int> AllSelected() const;
     bool IsPlaceholder() const { return content_->Count() == 0 && !placeholder_.empty(); }
