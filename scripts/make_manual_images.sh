@@ -142,7 +142,7 @@ scene_playing() {
 
 scene_archive() {
     settings=("$fitted")
-    start_viewer "${all_pictures[@]}"
+    start_viewer 山の写真集.zip
     press Return
     picture archive
     end_viewer
